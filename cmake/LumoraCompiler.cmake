@@ -1,0 +1,41 @@
+# Language level, warnings and instrumentation, the same for every target of the tree.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+
+find_program(CCACHE_PROGRAM ccache)
+if(CCACHE_PROGRAM AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+  # Precompiled headers make ccache miss unless it may overlook their time stamps and definitions.
+  set(ccache_settings CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime)
+  if(NOT LUMORA_COVERAGE)
+    # One clone finds what another one compiled. Coverage notes the folder it was built in.
+    list(APPEND ccache_settings CCACHE_BASEDIR=${CMAKE_SOURCE_DIR} CCACHE_NOHASHDIR=1)
+  endif()
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env ${ccache_settings} ${CCACHE_PROGRAM})
+endif()
+
+if(MSVC)
+  add_compile_options(/W4 /WX /utf-8 /permissive- /Zc:__cplusplus)
+else()
+  # Log lines and assertions name files by their place in the tree, not on a machine; ccache makes the paths relative.
+  file(RELATIVE_PATH root_from_build ${CMAKE_BINARY_DIR} ${CMAKE_SOURCE_DIR})
+  add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror
+                      -fmacro-prefix-map=${CMAKE_SOURCE_DIR}/= -fmacro-prefix-map=${root_from_build}=)
+endif()
+
+if(LUMORA_SANITIZER)
+  add_compile_options(-fsanitize=${LUMORA_SANITIZER} -fno-omit-frame-pointer -fno-sanitize-recover=all -O1)
+  add_link_options(-fsanitize=${LUMORA_SANITIZER})
+endif()
+if(LUMORA_BUILD_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
+if(LUMORA_COVERAGE)
+  add_compile_options(--coverage -O0)
+  add_link_options(--coverage)
+endif()

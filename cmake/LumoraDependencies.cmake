@@ -1,0 +1,12 @@
+# Everything comes from the system's packages; scripts/dependencies names them. Nothing is downloaded here.
+find_package(Threads REQUIRED)
+find_package(LibXml2 REQUIRED)
+find_package(OpenSSL REQUIRED COMPONENTS Crypto)
+find_package(spdlog REQUIRED)
+find_package(CLI11 REQUIRED)
+find_package(nlohmann_json REQUIRED)
+find_package(PkgConfig REQUIRED)
+pkg_check_modules(UTF8PROC REQUIRED IMPORTED_TARGET libutf8proc)
+# Without it the host delivers no power events; everything else works.
+pkg_check_modules(SYSTEMD IMPORTED_TARGET libsystemd)
+find_path(ASIO_INCLUDE_DIR asio.hpp REQUIRED)

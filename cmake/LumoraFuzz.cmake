@@ -1,0 +1,24 @@
+# lumora_add_fuzz(NAME SOURCES... [LIBRARIES...]): a reader of foreign bytes behind LLVMFuzzerTestOneInput.
+# With LUMORA_BUILD_FUZZ it is a libFuzzer program; with the tests, a program that replays fuzz/corpus/NAME, so that
+# the corpus and past crashes are checked in every run.
+function(lumora_add_fuzz name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES" ${ARGN})
+  set(corpus ${CMAKE_SOURCE_DIR}/fuzz/corpus/${name})
+  if(LUMORA_BUILD_FUZZ)
+    add_executable(${name} ${ARG_SOURCES})
+    target_link_options(${name} PRIVATE -fsanitize=fuzzer)
+    set_property(GLOBAL APPEND PROPERTY LUMORA_FUZZ_TARGETS ${name})
+  else()
+    add_executable(${name} ${ARG_SOURCES} ${CMAKE_SOURCE_DIR}/fuzz/Replay.cpp)
+    add_test(NAME fuzz.${name} COMMAND ${name} ${corpus})
+    lumora_set_test_environment(fuzz.${name})
+  endif()
+  target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES})
+endfunction()
+
+# Leaves the names of the targets where scripts/fuzz reads them.
+function(lumora_write_fuzz_targets)
+  get_property(targets GLOBAL PROPERTY LUMORA_FUZZ_TARGETS)
+  list(JOIN targets "\n" lines)
+  file(WRITE ${CMAKE_BINARY_DIR}/fuzz-targets "${lines}\n")
+endfunction()

@@ -1,0 +1,2 @@
+// Carries the precompiled header of the tests.
+int main() {}

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <unified/UnifiedBusinessObjectObserver.h>
+
+namespace ZelUnified {
+
+/// Follows the health of a server.
+class LUMORA_HOST_API ServerHealthInformationObserver : public virtual UnifiedBusinessObjectObserver {
+public:
+    std::string getInterfaceName() override { return "ServerHealthInformationObserver"; }
+};
+
+} // namespace ZelUnified

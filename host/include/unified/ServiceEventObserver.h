@@ -1,0 +1,13 @@
+#pragma once
+
+#include <unified/UnifiedBusinessObjectObserver.h>
+
+namespace ZelUnified {
+
+/// Follows a service event.
+class LUMORA_HOST_API ServiceEventObserver : public virtual UnifiedBusinessObjectObserver {
+public:
+    std::string getInterfaceName() override { return "ServiceEventObserver"; }
+};
+
+} // namespace ZelUnified

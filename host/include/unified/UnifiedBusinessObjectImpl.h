@@ -1,0 +1,112 @@
+#pragma once
+
+#include <unified/ServicesDispatcher.h>
+#include <unified/UnifiedBusinessObject.h>
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace ZelUnified {
+
+class UnifiedFactory;
+
+/// What all public objects share: the observer list, the notifier set, the guid and the guard of the thread.
+class LUMORA_HOST_API UnifiedBusinessObjectImpl : public virtual UnifiedBusinessObject {
+public:
+    void addObserver(std::weak_ptr<UnifiedBusinessObjectObserver> observer) override;
+    void removeObserver(std::weak_ptr<UnifiedBusinessObjectObserver> observer) override;
+    std::shared_ptr<UnifiedBusinessObjectNotifiers> getUnifiedBusinessObjectNotifiers() override;
+    std::string getGuid() override;
+    std::string toString() override;
+
+protected:
+    /// `className` is what logs and toString() show.
+    UnifiedBusinessObjectImpl(const std::shared_ptr<UnifiedFactory>& factory, std::string className);
+    /// `enforceUpdateAccess` false: any thread may use the object until commitToServicesDispatcher().
+    UnifiedBusinessObjectImpl(const std::shared_ptr<UnifiedFactory>& factory, bool enforceUpdateAccess,
+                              std::string className);
+
+    /// First statement of every guarded operation. On another thread than the services dispatcher's it logs which
+    /// operation of which object was called where, and with `enforce` throws UpdateAccessError. The default argument
+    /// names the caller.
+    void EnsureUpdateAccess(bool enforce, const char* operation = __builtin_FUNCTION()) const {
+        if (dispatcher && dispatcher->checkForUpdateAccess()) {
+            return;
+        }
+        refuseUpdateAccess(enforce, operation);
+    }
+
+    /// Makes the notifier set of the most derived interface, keeps it with keepNotifiers(). Called at each request.
+    virtual void initNotifiers() = 0;
+    /// From here on the object belongs to the services dispatcher's thread.
+    virtual void commitToServicesDispatcher();
+
+    /// The set of the most derived interface; null before initNotifiers().
+    std::shared_ptr<UnifiedBusinessObjectNotifiers> getNotifiers() const;
+
+    /// Makes the notifier set with `make` unless there is one, and registers it as an observer like any other.
+    template <class Make>
+    void initNotifiersOnce(Make make) {
+        const std::lock_guard lock(observersMutex);
+        if (notifiers) {
+            return;
+        }
+        auto made = make();
+        notifiers = made;
+        observers.push_back(std::weak_ptr<UnifiedBusinessObjectObserver>(made));
+    }
+
+    /// Calls `operation` on every living observer that is an `Observer`, with no lock held. An exception ends the walk.
+    template <class Observer>
+    void fire(void (Observer::*operation)()) {
+        for (const auto& observer : collectObservers<Observer>()) {
+            ((*observer).*operation)();
+        }
+    }
+
+private:
+    /// The living observers of one kind. Dead ones are dropped from the list: the last entry takes the place of a dead
+    /// one, so the order of the list may change.
+    template <class Observer>
+    std::vector<std::shared_ptr<Observer>> collectObservers() {
+        std::vector<std::shared_ptr<Observer>> collected;
+        std::vector<std::shared_ptr<UnifiedBusinessObjectObserver>> held; // none may die under the lock
+        const std::lock_guard lock(observersMutex);
+        held.reserve(observers.size());
+        std::size_t alive = observers.size();
+        for (std::size_t i = 0; i < alive;) {
+            auto observer = observers[i].lock();
+            if (!observer) {
+                std::swap(observers[i], observers[--alive]);
+                continue;
+            }
+            if (auto matching = std::dynamic_pointer_cast<Observer>(observer)) {
+                collected.push_back(std::move(matching));
+            } else {
+                held.push_back(std::move(observer));
+            }
+            ++i;
+        }
+        observers.resize(alive);
+        return collected;
+    }
+
+    void refuseUpdateAccess(bool enforce, const char* operation) const;
+    std::string describe() const;
+    const std::string& requireGuid() const;
+    std::vector<std::shared_ptr<UnifiedBusinessObjectObserver>> lockObservers() const;
+
+    const std::shared_ptr<Processing::ServicesDispatcher> dispatcher;
+    const std::string className;
+    std::atomic<bool> enforced;
+    mutable std::mutex observersMutex; ///< Guards the next three; never held during a callback.
+    std::vector<std::weak_ptr<UnifiedBusinessObjectObserver>> observers;
+    std::shared_ptr<UnifiedBusinessObjectNotifiers> notifiers;
+    mutable std::string guid; ///< Made at the first request.
+};
+
+} // namespace ZelUnified

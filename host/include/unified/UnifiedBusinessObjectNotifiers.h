@@ -1,0 +1,16 @@
+#pragma once
+
+#include <unified/PropertyNotifier.h>
+
+#include <memory>
+
+namespace ZelUnified {
+
+/// The notifiers of an object's properties, each made at its first request.
+class LUMORA_HOST_API UnifiedBusinessObjectNotifiers {
+public:
+    virtual ~UnifiedBusinessObjectNotifiers() = default;
+    virtual std::shared_ptr<PropertyNotifier> getGuidNotifier() = 0;
+};
+
+} // namespace ZelUnified

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <unified/ServiceEventListener.h>
+
+#include <map>
+#include <memory>
+#include <string>
+
+namespace ZelUnified {
+
+/// How a program wants its factory.
+struct UnifiedFactoryOptions {
+    /// Who runs the services dispatcher: a thread of the factory's own, or the program, which pumps it.
+    enum class ServicesThread { Own, Pumped };
+
+    ServicesThread servicesThread = ServicesThread::Own;
+    /// The one folder from which plug-ins are loaded.
+    std::string pluginFolder;
+    /// Readable type name of an interface -> file name, in that folder, of the library that provides it.
+    std::map<std::string, std::string> plugins;
+    std::weak_ptr<ServiceEventListener> serviceEventListener;
+};
+
+} // namespace ZelUnified

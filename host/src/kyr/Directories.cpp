@@ -1,0 +1,115 @@
+#include "PathText.h"
+#include "PlatformFiles.h"
+
+#include <kyr/FileUtils.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <mutex>
+
+namespace fs = std::filesystem;
+
+namespace KyrCoreUtils {
+
+namespace {
+
+/// The host's own folders, for the whole process as the question has no other context.
+class Overrides {
+public:
+    static Overrides& instance() {
+        static Overrides overrides;
+        return overrides;
+    }
+
+    void set(HostDirectories directories) {
+        const std::lock_guard lock(mutex);
+        current = std::move(directories);
+    }
+
+    std::string get(std::string HostDirectories::*member) const {
+        const std::lock_guard lock(mutex);
+        return current.*member;
+    }
+
+private:
+    mutable std::mutex mutex;
+    HostDirectories current;
+};
+
+/// Absolute, without links where the system can resolve them, without a trailing separator; empty stays empty.
+fs::path resolved(const fs::path& path) {
+    if (path.empty()) {
+        return {};
+    }
+    std::error_code error;
+    fs::path result = fs::weakly_canonical(path, error);
+    if (error) {
+        result = path.lexically_normal();
+    }
+    return result.has_filename() || !result.has_relative_path() ? result : result.parent_path();
+}
+
+/// Absolute and without a trailing separator, links kept as they were written.
+std::string tidy(const std::string& directory) {
+    const auto path = pathFromText(directory);
+    if (!path) {
+        return {};
+    }
+    std::error_code error;
+    fs::path result = fs::absolute(*path, error).lexically_normal();
+    if (error) {
+        return {};
+    }
+    return textFromPath(result.has_filename() || !result.has_relative_path() ? result : result.parent_path());
+}
+
+bool isSameOrAbove(const fs::path& upper, const fs::path& lower) {
+    return std::mismatch(upper.begin(), upper.end(), lower.begin(), lower.end()).first == upper.end();
+}
+
+std::string directoryOf(std::string HostDirectories::*member) {
+    std::string own = Overrides::instance().get(member);
+    return own.empty() ? tidy(platform::defaultDirectories().*member) : own;
+}
+
+/// A reset empties the directory, so nothing that must outlive a reset may lie in it.
+bool isSafeToEmpty(const std::string& directory) {
+    const auto path = pathFromText(directory);
+    if (!path) {
+        return false;
+    }
+    const fs::path config = resolved(*path);
+    if (config == config.root_path()) {
+        return false;
+    }
+    const auto holds = [&](const fs::path& kept) { return !kept.empty() && isSameOrAbove(config, resolved(kept)); };
+    return !holds(platform::homeDirectory()) &&
+           !holds(pathFromText(FileUtils::getUserLocalAppDir()).value_or(fs::path())) &&
+           !holds(pathFromText(FileUtils::getStateDirectory()).value_or(fs::path()));
+}
+
+} // namespace
+
+void FileUtils::overrideDirectories(HostDirectories directories) {
+    Overrides::instance().set({tidy(directories.config), tidy(directories.applicationData), tidy(directories.state),
+                               tidy(directories.resources)});
+}
+
+std::string FileUtils::getConfigDirectory() {
+    std::string directory = directoryOf(&HostDirectories::config);
+    return isSafeToEmpty(directory) ? directory : std::string();
+}
+
+std::string FileUtils::getUserLocalAppDir() {
+    return directoryOf(&HostDirectories::applicationData);
+}
+
+std::string FileUtils::getStateDirectory() {
+    return directoryOf(&HostDirectories::state);
+}
+
+std::string FileUtils::getResourcesDirectory() {
+    return directoryOf(&HostDirectories::resources);
+}
+
+} // namespace KyrCoreUtils

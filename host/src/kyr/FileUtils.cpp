@@ -1,0 +1,128 @@
+#include "PathText.h"
+#include "PlatformFiles.h"
+
+#include <kyr/FileUtils.h>
+#include <kyr/StringUtils.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <new>
+
+namespace fs = std::filesystem;
+
+namespace KyrCoreUtils {
+
+namespace {
+
+/// Runs `operation`, which can only throw for want of memory, as one that never throws.
+template <class Operation>
+int asErrorCode(Operation operation) noexcept {
+    try {
+        return operation();
+    } catch (const std::bad_alloc&) {
+        return ENOMEM;
+    } catch (...) {
+        return EINVAL;
+    }
+}
+
+int createWithParents(const fs::path& path) {
+    int result = platform::makeDirectory(path);
+    if (result == ENOENT && path.has_parent_path() && path.parent_path() != path) {
+        result = createWithParents(path.parent_path());
+        if (result == 0) {
+            result = platform::makeDirectory(path);
+        }
+    }
+    std::error_code error;
+    return result != 0 && fs::is_directory(path, error) ? 0 : result;
+}
+
+bool hasExtension(const fs::path& file, const std::string& extension) {
+    if (extension.empty()) {
+        return true;
+    }
+    const std::string own = textFromPath(file.extension());
+    return !own.empty() && caseInsensitiveStringEquals(std::string_view(own).substr(1), std::string_view(extension));
+}
+
+/// The files of `directory` that bear `extension` go to `files`, its subdirectories to `pending`.
+void listOne(const fs::path& directory, const std::string& extension, std::vector<std::string>& files,
+             std::vector<fs::path>& pending) {
+    std::error_code error;
+    for (fs::directory_iterator entry(directory, error); !error && entry != fs::directory_iterator();
+         entry.increment(error)) {
+        std::error_code statusError;
+        if (fs::is_directory(entry->symlink_status(statusError))) {
+            pending.push_back(entry->path());
+        } else if (hasExtension(entry->path(), extension)) {
+            files.push_back(textFromPath(entry->path()));
+        }
+    }
+}
+
+} // namespace
+
+std::string FileUtils::FileSeparator() {
+    return {static_cast<char>(fs::path::preferred_separator)};
+}
+
+bool FileUtils::fileExists(const std::string& path) noexcept {
+    return asErrorCode([&] {
+               const auto file = pathFromText(path);
+               std::error_code error;
+               return file && fs::exists(*file, error) ? 0 : ENOENT;
+           }) == 0;
+}
+
+int FileUtils::createDirectory(const std::string& path) noexcept {
+    return asErrorCode([&] {
+        const auto directory = pathFromText(path);
+        return directory ? createWithParents(*directory) : ENOENT;
+    });
+}
+
+int FileUtils::removeFile(const std::string& path) noexcept {
+    return asErrorCode([&] {
+        const auto file = pathFromText(path);
+        return file ? platform::removeFile(*file) : ENOENT;
+    });
+}
+
+int FileUtils::moveFile(const std::string& source, const std::string& target, bool failIfExists) noexcept {
+    return asErrorCode([&] {
+        const auto from = pathFromText(source);
+        const auto to = pathFromText(target);
+        return from && to ? platform::moveFile(*from, *to, failIfExists) : ENOENT;
+    });
+}
+
+std::string FileUtils::getFileName(const std::string& path) {
+    const auto file = pathFromText(path);
+    return file ? textFromPath(file->filename()) : std::string();
+}
+
+std::string FileUtils::getParentDirectory(const std::string& path) {
+    const auto file = pathFromText(path);
+    return file ? textFromPath(file->parent_path()) : std::string();
+}
+
+void FileUtils::getFilesFromDirectory(std::string directory, const std::string& extension,
+                                      std::vector<std::string>& files) {
+    files.clear();
+    const auto start = pathFromText(directory);
+    if (!start) {
+        return;
+    }
+    const std::string wanted = extension.starts_with('.') ? extension.substr(1) : extension;
+    std::vector<fs::path> pending{*start};
+    while (!pending.empty()) {
+        const fs::path next = std::move(pending.back());
+        pending.pop_back();
+        listOne(next, wanted, files, pending);
+    }
+    std::ranges::sort(files);
+}
+
+} // namespace KyrCoreUtils

@@ -1,0 +1,35 @@
+#include "PathText.h"
+
+#include <kyr/FstreamUtils.h>
+
+#include <filesystem>
+
+namespace KyrCoreUtils {
+
+namespace {
+
+/// Whether `path` may be opened: opening a pipe would block, and a directory opens but can't be read.
+bool isOpenable(const std::filesystem::path& path, StreamMode mode) {
+    std::error_code error;
+    const auto status = std::filesystem::status(path, error);
+    return std::filesystem::is_regular_file(status) ||
+           (mode == StreamMode::Write && !std::filesystem::exists(status) && std::filesystem::status_known(status));
+}
+
+} // namespace
+
+bool FstreamUtils::open(std::fstream& stream, const std::string& path, StreamMode mode) {
+    if (stream.is_open()) {
+        stream.close();
+    }
+    stream.clear();
+    const auto file = pathFromText(path);
+    if ((mode != StreamMode::Read && mode != StreamMode::Write) || !file || !isOpenable(*file, mode)) {
+        stream.setstate(std::ios::failbit);
+        return false;
+    }
+    stream.open(*file, std::ios::binary | (mode == StreamMode::Read ? std::ios::in : std::ios::out | std::ios::trunc));
+    return stream.is_open();
+}
+
+} // namespace KyrCoreUtils

@@ -1,0 +1,198 @@
+#include "CodePoints.h"
+#include "LetterCase.h"
+
+#include <kyr/StringUtils.h>
+
+#include <array>
+#include <cstdint>
+#include <limits>
+
+namespace KyrCoreUtils {
+
+namespace {
+
+template <class Unit>
+constexpr bool isBlank(Unit unit) {
+    return unit == Unit{' '} || (unit >= Unit{'\t'} && unit <= Unit{'\r'});
+}
+
+template <class Unit>
+std::basic_string_view<Unit> withoutLeadingBlanks(std::basic_string_view<Unit> text) noexcept {
+    while (!text.empty() && isBlank(text.front())) {
+        text.remove_prefix(1);
+    }
+    return text;
+}
+
+template <class Unit>
+std::basic_string_view<Unit> withoutBlanks(std::basic_string_view<Unit> text) noexcept {
+    text = withoutLeadingBlanks(text);
+    while (!text.empty() && isBlank(text.back())) {
+        text.remove_suffix(1);
+    }
+    return text;
+}
+
+template <class Unit>
+void splitInto(std::basic_string_view<Unit> text, std::vector<std::basic_string<Unit>>& pieces,
+               std::basic_string_view<Unit> separator) {
+    std::vector<std::basic_string<Unit>> found;
+    if (separator.empty() && !text.empty()) {
+        found.emplace_back(text);
+    } else if (!text.empty()) {
+        std::size_t begin = 0;
+        for (auto end = text.find(separator); end != text.npos; end = text.find(separator, begin)) {
+            found.emplace_back(text.substr(begin, end - begin));
+            begin = end + separator.size();
+        }
+        found.emplace_back(text.substr(begin));
+    }
+    // Swapped in at the end: the text may view a former piece.
+    pieces.swap(found);
+}
+
+bool startsWithIgnoringCase(lettercase::WideCursor text, lettercase::WideCursor start) noexcept {
+    while (!start.atEnd()) {
+        if (text.atEnd() || text.next() != start.next()) {
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+std::string toString(std::wstring_view text) {
+    return codepoints::wideToUtf8(text);
+}
+
+std::wstring toWideString(std::string_view text) {
+    return codepoints::utf8ToWide<wchar_t>(text);
+}
+
+std::wstring toWideString(int number) {
+    return std::to_wstring(number);
+}
+
+std::wstring toWideString(unsigned int number) {
+    return std::to_wstring(number);
+}
+
+std::wstring toLowercase(std::wstring_view text) {
+    std::wstring result;
+    result.reserve(text.size());
+    for (lettercase::WideCursor cursor(text); !cursor.atEnd();) {
+        codepoints::appendWide(result, cursor.next());
+    }
+    return result;
+}
+
+std::string toLowercase(std::string_view text) {
+    std::string result;
+    result.reserve(text.size());
+    for (std::size_t at = 0; at < text.size();) {
+        const codepoints::Decoded decoded = codepoints::decodeUtf8(text, at);
+        if (decoded.wellFormed) {
+            codepoints::appendUtf8(result, lettercase::toLower(decoded.value));
+        } else {
+            result.append(text.substr(at, decoded.length));
+        }
+        at += decoded.length;
+    }
+    return result;
+}
+
+int caseInsensitiveStringCompare(std::wstring_view a, std::wstring_view b) noexcept {
+    return lettercase::compare(lettercase::WideCursor(a), lettercase::WideCursor(b));
+}
+
+bool caseInsensitiveStringEquals(std::wstring_view a, std::wstring_view b) noexcept {
+    return caseInsensitiveStringCompare(a, b) == 0;
+}
+
+bool caseInsensitiveStringEquals(std::string_view a, std::string_view b) noexcept {
+    return lettercase::compare(lettercase::Utf8Cursor(a), lettercase::Utf8Cursor(b)) == 0;
+}
+
+std::ptrdiff_t caseInsensitiveFind(std::wstring_view text, std::wstring_view needle) {
+    const lettercase::WideCursor wanted(needle);
+    lettercase::WideCursor cursor(text);
+    for (;;) {
+        if (startsWithIgnoringCase(cursor, wanted)) {
+            return static_cast<std::ptrdiff_t>(cursor.position());
+        }
+        if (cursor.atEnd()) {
+            return -1;
+        }
+        cursor.next();
+    }
+}
+
+std::string trim(std::string_view text) {
+    return std::string(withoutBlanks(text));
+}
+
+std::wstring trim(std::wstring_view text) {
+    return std::wstring(withoutBlanks(text));
+}
+
+std::string trimleft(std::string_view text) {
+    return std::string(withoutLeadingBlanks(text));
+}
+
+std::wstring trimleft(std::wstring_view text) {
+    return std::wstring(withoutLeadingBlanks(text));
+}
+
+void split(std::string_view text, std::vector<std::string>& pieces, std::string_view separator) {
+    splitInto(text, pieces, separator);
+}
+
+void split(std::wstring_view text, std::vector<std::wstring>& pieces, std::wstring_view separator) {
+    splitInto(text, pieces, separator);
+}
+
+bool toBool(std::string_view text) noexcept {
+    const std::string_view word = withoutBlanks(text);
+    for (const std::string_view yes : {"true", "1", "yes", "on"}) {
+        if (caseInsensitiveStringEquals(word, yes)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool toBool(std::wstring_view text) noexcept {
+    const std::wstring_view word = withoutBlanks(text);
+    for (const std::wstring_view yes : {L"true", L"1", L"yes", L"on"}) {
+        if (caseInsensitiveStringEquals(word, yes)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+int toInt(std::wstring_view text, int fallback) noexcept {
+    std::wstring_view digits = withoutBlanks(text);
+    const bool negative = digits.starts_with(L'-');
+    if (negative || digits.starts_with(L'+')) {
+        digits.remove_prefix(1);
+    }
+    if (digits.empty()) {
+        return fallback;
+    }
+    const std::int64_t limit = std::int64_t{std::numeric_limits<int>::max()} + (negative ? 1 : 0);
+    std::int64_t value = 0;
+    for (const wchar_t digit : digits) {
+        if (digit < L'0' || digit > L'9') {
+            return fallback;
+        }
+        value = value * 10 + (digit - L'0');
+        if (value > limit) {
+            return fallback;
+        }
+    }
+    return static_cast<int>(negative ? -value : value);
+}
+
+} // namespace KyrCoreUtils

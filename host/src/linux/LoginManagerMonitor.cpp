@@ -1,0 +1,78 @@
+#include "LoginManagerMonitor.h"
+
+#include "FileDescriptor.h"
+#include "LoginManagerBus.h"
+
+#include <zel/ZelLog.h>
+
+#include <sys/eventfd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <string>
+#include <system_error>
+#include <utility>
+
+namespace ZelSystemMonitor {
+
+namespace {
+
+ZelLogger& logger = ZelLogger_getLogger("SystemMonitor-LoginManager");
+
+} // namespace
+
+/// What the thread runs, until it is told to stop or the connection is gone.
+class LoginManagerMonitor::Loop {
+public:
+    explicit Loop(PowerEventReceiver eventReceiver)
+        : receiver(std::move(eventReceiver)), wake(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
+
+    void run() {
+        if (const int result = wake.get() < 0 ? -EMFILE : listen(); result < 0) {
+            ZelLog(logger, ZelLogLevel::Info, ZEL_HERE,
+                   "No power events are delivered: " + std::error_code(-result, std::generic_category()).message());
+        }
+    }
+
+    void stop() {
+        stopped = true;
+        eventfd_write(wake.get(), 1);
+    }
+
+private:
+    /// 0 when stopped, else a negative errno.
+    int listen() {
+        LoginManagerBus bus(receiver);
+        int result = bus.open();
+        while (result >= 0 && !stopped) {
+            result = bus.process();
+            if (result == 0 && !stopped) {
+                result = bus.wait(wake.get());
+            }
+        }
+        return std::min(result, 0);
+    }
+
+    const PowerEventReceiver receiver;
+    const zel::platform::FileDescriptor wake;
+    std::atomic<bool> stopped = false;
+};
+
+LoginManagerMonitor::LoginManagerMonitor(PowerEventReceiver receiver)
+    : loop(std::make_shared<Loop>(std::move(receiver))), thread([running = loop] { running->run(); }) {}
+
+LoginManagerMonitor::~LoginManagerMonitor() {
+    loop->stop();
+    if (thread.get_id() == std::this_thread::get_id()) {
+        thread.detach(); // ended by what it just told
+        return;
+    }
+    thread.join();
+}
+
+std::unique_ptr<PowerEventSource> openPowerEventSource(PowerEventReceiver receiver) {
+    return std::make_unique<LoginManagerMonitor>(std::move(receiver));
+}
+
+} // namespace ZelSystemMonitor

@@ -1,0 +1,195 @@
+#include "FileRegistry.h"
+
+#include <zel/ZelLog.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace zel::registry {
+
+namespace {
+
+constexpr std::wstring_view mailClients = L"SOFTWARE\\Clients\\Mail";
+
+ZelLogger& logger() {
+    static ZelLogger& instance = ZelLogger_getLogger("Host-Registry");
+    return instance;
+}
+
+void warn(const std::string& path, std::size_t line, const std::string& reason) {
+    ZelLog(logger(), ZelLogLevel::Warning, ZEL_HERE,
+           "Registry file " + path + ", line " + std::to_string(line) + ": " + reason +
+               "; the rest of the file is not read");
+}
+
+/// What stands before a fault counts.
+std::vector<RegistryTextSection> readSections(const std::string& path, HKEY root) {
+    const auto bytes = readRegistryFile(path);
+    if (!bytes) {
+        warn(path, 1, "the file can't be read");
+        return {};
+    }
+    auto text = parseRegistryText(*bytes, root, AfterFault::Stop);
+    const auto fault = std::ranges::find_if(text.refusals, &RegistryTextRefusal::fault);
+    if (fault != text.refusals.end()) {
+        warn(path, fault->line, fault->reason);
+    }
+    return std::move(text.sections);
+}
+
+} // namespace
+
+FileRegistry::FileRegistry(RegistryFolders registryFolders, DefaultMailClient mailClient)
+    : folders(std::move(registryFolders)), defaultMailClient(std::move(mailClient)) {}
+
+FileRegistry::Sources FileRegistry::findSources() const {
+    Sources sources;
+    if (!folders.administrator.empty()) {
+        sources.currentUser = listRegistryFiles(folders.administrator + "/HKEY_CURRENT_USER");
+        sources.localMachine = listRegistryFiles(folders.administrator + "/HKEY_LOCAL_MACHINE");
+    }
+    const auto user = folders.user.empty() ? getUserRegistryFolder() : folders.user;
+    if (!user.empty()) {
+        sources.user = listRegistryFiles(user);
+    }
+    if (defaultMailClient) {
+        sources.userMailClient = defaultMailClient(HKEY_CURRENT_USER);
+        sources.machineMailClient = defaultMailClient(HKEY_LOCAL_MACHINE);
+    }
+    return sources;
+}
+
+/// Reads the files again when one has changed, but not under the feet of someone who has a key open.
+void FileRegistry::refresh() {
+    if (hive.getOpenKeyCount() > 0) {
+        return;
+    }
+    const auto sources = findSources();
+    if (loaded != sources) {
+        load(sources);
+    }
+}
+
+void FileRegistry::load(const Sources& sources) {
+    auto ofAdministrator = std::make_unique<RegistryTree>();
+    auto whole = std::make_unique<RegistryTree>();
+    const auto apply = [&](const std::vector<RegistryFile>& files, HKEY root, bool fromAdministrator) {
+        for (const auto& file : files) {
+            const auto sections = readSections(file.path, root);
+            whole->apply(sections);
+            if (fromAdministrator) {
+                ofAdministrator->apply(sections);
+            }
+        }
+    };
+    apply(sources.currentUser, HKEY_CURRENT_USER, true);
+    apply(sources.localMachine, HKEY_LOCAL_MACHINE, true);
+    apply(sources.user, HKEY_CURRENT_USER, false);
+    const auto complete = [&](HKEY root, const std::wstring& client) {
+        if (!client.empty() && !whole->find(root, mailClients)) {
+            whole->make(root, mailClients)->setValue(makeTextValue({}, client));
+            ofAdministrator->make(root, mailClients);
+        }
+    };
+    complete(HKEY_CURRENT_USER, sources.userMailClient);
+    complete(HKEY_LOCAL_MACHINE, sources.machineMailClient);
+    administrator = std::move(ofAdministrator);
+    hive.replaceTree(std::move(whole));
+    loaded = sources;
+}
+
+RegistryResult FileRegistry::RegOpenKeyExW(HKEY key, const wchar_t* subkey, std::uint32_t options, std::uint32_t access,
+                                           HKEY& opened) {
+    const std::lock_guard lock(mutex);
+    refresh();
+    return hive.RegOpenKeyExW(key, subkey, options, access, opened);
+}
+
+RegistryResult FileRegistry::RegDeleteKeyW(HKEY key, const wchar_t* subkey) {
+    const std::lock_guard lock(mutex);
+    refresh();
+    const auto place = hive.getPlace(key, subkey == nullptr ? std::wstring_view() : subkey);
+    if (!place) {
+        return RegistryResult::InvalidHandle;
+    }
+    if (!hive.hasKey(place->root, place->path)) {
+        return RegistryResult::NotFound;
+    }
+    if (place->path.empty() || place->root != HKEY_CURRENT_USER) {
+        return RegistryResult::AccessDenied;
+    }
+    if (administrator->find(place->root, place->path)) {
+        if (dropFromUserFiles(place->path, Reach::WithAllBelow) != Dropped::Nothing) {
+            load(findSources());
+        }
+        return RegistryResult::AccessDenied;
+    }
+    if (hive.hasSubkeys(place->root, place->path)) {
+        return RegistryResult::AccessDenied;
+    }
+    if (dropFromUserFiles(place->path, Reach::KeyAlone) == Dropped::Failed) {
+        load(findSources());
+        return RegistryResult::AccessDenied;
+    }
+    return hive.RegDeleteKeyW(key, subkey);
+}
+
+FileRegistry::Dropped FileRegistry::dropFromUserFiles(const std::wstring& path, Reach reach) {
+    auto outcome = Dropped::Nothing;
+    for (auto& file : loaded->user) {
+        const auto dropped = dropFromFile(file, path, reach);
+        if (dropped == Dropped::Failed) {
+            return dropped;
+        }
+        if (dropped == Dropped::Something) {
+            outcome = dropped;
+        }
+    }
+    return outcome;
+}
+
+FileRegistry::Dropped FileRegistry::dropFromFile(RegistryFile& file, const std::wstring& path, Reach reach) {
+    const auto bytes = readRegistryFile(file.path);
+    if (!bytes) {
+        return Dropped::Failed;
+    }
+    auto sections = parseRegistryText(*bytes, HKEY_CURRENT_USER, AfterFault::GoOn).sections;
+    std::erase_if(sections, [&](const RegistryTextSection& section) {
+        return reach == Reach::WithAllBelow ? !isKeyAtOrBelow(section.path, path) : !isSameKey(section.path, path);
+    });
+    if (sections.empty()) {
+        return Dropped::Nothing;
+    }
+    if (replaceRegistryFile(file.path, cutRegistryText(*bytes, sections)) != 0) {
+        return Dropped::Failed;
+    }
+    // Our own writing is no news: the hive goes on with the tree it has.
+    file = inspectRegistryFile(file.path).value_or(file);
+    return Dropped::Something;
+}
+
+RegistryResult FileRegistry::RegQueryInfoKeyW(HKEY key, std::uint32_t& subkeys) {
+    return hive.RegQueryInfoKeyW(key, subkeys);
+}
+
+RegistryResult FileRegistry::RegEnumKeyExW(HKEY key, std::uint32_t index, std::span<wchar_t> name,
+                                           std::uint32_t& nameLength) {
+    return hive.RegEnumKeyExW(key, index, name, nameLength);
+}
+
+RegistryResult FileRegistry::RegEnumValueW(HKEY key, std::uint32_t index, std::span<wchar_t> name,
+                                           std::uint32_t& nameLength, std::uint32_t& type, std::span<std::uint8_t> data,
+                                           std::uint32_t& dataLength) {
+    return hive.RegEnumValueW(key, index, name, nameLength, type, data, dataLength);
+}
+
+RegistryResult FileRegistry::RegQueryValueExA(HKEY key, const char* name, std::uint32_t& type, std::span<char> data,
+                                              std::uint32_t& dataLength) {
+    return hive.RegQueryValueExA(key, name, type, data, dataLength);
+}
+
+RegistryResult FileRegistry::RegCloseKey(HKEY key) {
+    return hive.RegCloseKey(key);
+}
+
+} // namespace zel::registry

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "RegistryFolder.h"
+#include "RegistryTree.h"
+
+#include <registry/RegistryFiles.h>
+#include <registry/RegistryHive.h>
+#include <registry/RegistryTextFile.h>
+
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace zel::registry {
+
+/// The registry of a platform that has none: a hive filled from the files of both layers. Its own lock is taken before
+/// the hive's.
+class FileRegistry final : public Registry {
+public:
+    FileRegistry(RegistryFolders registryFolders, DefaultMailClient mailClient);
+
+    RegistryResult RegOpenKeyExW(HKEY key, const wchar_t* subkey, std::uint32_t options, std::uint32_t access,
+                                 HKEY& opened) override;
+    RegistryResult RegQueryInfoKeyW(HKEY key, std::uint32_t& subkeys) override;
+    RegistryResult RegEnumKeyExW(HKEY key, std::uint32_t index, std::span<wchar_t> name,
+                                 std::uint32_t& nameLength) override;
+    RegistryResult RegEnumValueW(HKEY key, std::uint32_t index, std::span<wchar_t> name, std::uint32_t& nameLength,
+                                 std::uint32_t& type, std::span<std::uint8_t> data, std::uint32_t& dataLength) override;
+    RegistryResult RegDeleteKeyW(HKEY key, const wchar_t* subkey) override;
+    RegistryResult RegQueryValueExA(HKEY key, const char* name, std::uint32_t& type, std::span<char> data,
+                                    std::uint32_t& dataLength) override;
+    RegistryResult RegCloseKey(HKEY key) override;
+
+private:
+    /// Everything that the hive is filled from. Equal sources give equal trees.
+    struct Sources {
+        std::vector<RegistryFile> currentUser;
+        std::vector<RegistryFile> localMachine;
+        std::vector<RegistryFile> user;
+        std::wstring userMailClient;
+        std::wstring machineMailClient;
+
+        bool operator==(const Sources&) const = default;
+    };
+
+    Sources findSources() const;
+    void refresh();
+    void load(const Sources& sources);
+    /// What came of taking a key out of the user's files.
+    enum class Dropped { Nothing, Something, Failed };
+    /// Which sections go with a key.
+    enum class Reach { KeyAlone, WithAllBelow };
+
+    Dropped dropFromUserFiles(const std::wstring& path, Reach reach);
+    Dropped dropFromFile(RegistryFile& file, const std::wstring& path, Reach reach);
+
+    const RegistryFolders folders;
+    const DefaultMailClient defaultMailClient;
+    std::mutex mutex;
+    /// What the hive was filled from; nothing before the first reading.
+    std::optional<Sources> loaded;
+    /// The administrator's layer alone: its keys can't be deleted.
+    std::unique_ptr<RegistryTree> administrator;
+    RegistryHive hive;
+};
+
+} // namespace zel::registry

@@ -1,0 +1,42 @@
+#include "FileRegistry.h"
+#include "RegistryFolder.h"
+
+#include <kyr/FileUtils.h>
+#include <kyr/StringUtils.h>
+#include <registry/RegistryFiles.h>
+#include <registry/RegistryTextFile.h>
+
+#include <cerrno>
+#include <utility>
+
+namespace zel::registry {
+
+std::string getUserRegistryFolder() {
+    const auto data = KyrCoreUtils::FileUtils::getUserLocalAppDir();
+    return data.empty() ? data : data + KyrCoreUtils::FileUtils::FileSeparator() + "registry";
+}
+
+std::shared_ptr<Registry> makeFileRegistry(RegistryFolders folders, DefaultMailClient defaultMailClient) {
+    return std::make_shared<FileRegistry>(std::move(folders), std::move(defaultMailClient));
+}
+
+int installRegistryText(const RegistryText& text, const std::string& name) {
+    constexpr std::string_view extension = ".reg";
+    if (name.empty() || name.front() == '.' || name.find_first_of(std::string_view("/\\:\0", 4)) != std::string::npos) {
+        return EINVAL;
+    }
+    const auto folder = getUserRegistryFolder();
+    if (folder.empty()) {
+        return ENOENT;
+    }
+    if (const int error = KyrCoreUtils::FileUtils::createDirectory(folder); error != 0) {
+        return error;
+    }
+    const bool complete =
+        name.size() > extension.size() && KyrCoreUtils::caseInsensitiveStringEquals(
+                                              std::string_view(name).substr(name.size() - extension.size()), extension);
+    const auto path = folder + KyrCoreUtils::FileUtils::FileSeparator() + name + std::string(complete ? "" : extension);
+    return replaceRegistryFile(path, formatRegistryText(text.sections));
+}
+
+} // namespace zel::registry

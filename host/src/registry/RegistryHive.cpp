@@ -1,0 +1,233 @@
+#include "RegistryTree.h"
+
+#include <kyr/StringUtils.h>
+#include <registry/RegistryHive.h>
+
+#include <algorithm>
+#include <map>
+#include <mutex>
+#include <utility>
+
+namespace zel::registry {
+
+namespace {
+
+struct OpenKey {
+    std::shared_ptr<RegistryKeyNode> node;
+    RegistryPlace place;
+};
+
+bool isText(std::uint32_t type) {
+    return type == REG_SZ || type == REG_EXPAND_SZ || type == REG_MULTI_SZ;
+}
+
+std::wstring_view orEmpty(const wchar_t* text) {
+    return text == nullptr ? std::wstring_view() : text;
+}
+
+/// False when the text and its terminator don't fit.
+bool copyName(std::wstring_view text, std::span<wchar_t> buffer, std::uint32_t& length) {
+    if (text.size() >= buffer.size()) {
+        return false;
+    }
+    std::ranges::copy(text, buffer.begin());
+    buffer[text.size()] = L'\0';
+    length = static_cast<std::uint32_t>(text.size());
+    return true;
+}
+
+template <class Byte, class Source>
+RegistryResult copyData(const Source& source, std::span<Byte> buffer, std::uint32_t& length) {
+    length = static_cast<std::uint32_t>(source.size());
+    if (source.size() > buffer.size()) {
+        return RegistryResult::MoreData;
+    }
+    std::ranges::copy(source, buffer.begin());
+    return RegistryResult::Success;
+}
+
+} // namespace
+
+struct RegistryHive::State {
+    /// Null for a handle that is not open or whose key was deleted. `place` is filled for every open one.
+    std::shared_ptr<RegistryKeyNode> find(HKEY key, RegistryPlace* place = nullptr) const {
+        if (auto root = tree->getRoot(key)) {
+            if (place != nullptr) {
+                place->root = key;
+            }
+            return root;
+        }
+        const auto found = openKeys.find(key);
+        if (found == openKeys.end()) {
+            return nullptr;
+        }
+        if (place != nullptr) {
+            *place = found->second.place;
+        }
+        return found->second.node->isRemoved() ? nullptr : found->second.node;
+    }
+
+    mutable std::mutex mutex;
+    std::unique_ptr<RegistryTree> tree = std::make_unique<RegistryTree>();
+    std::map<HKEY, OpenKey> openKeys;
+    std::uintptr_t lastHandle = 0;
+};
+
+RegistryHive::RegistryHive() : state(std::make_unique<State>()) {}
+
+RegistryHive::~RegistryHive() = default;
+
+void RegistryHive::makeKey(HKEY root, std::wstring_view path) {
+    const std::lock_guard lock(state->mutex);
+    state->tree->make(root, path);
+}
+
+void RegistryHive::setValue(HKEY root, std::wstring_view path, RegistryValue value) {
+    const std::lock_guard lock(state->mutex);
+    if (const auto key = state->tree->make(root, path)) {
+        key->setValue(std::move(value));
+    }
+}
+
+bool RegistryHive::removeTree(HKEY root, std::wstring_view path) {
+    const std::lock_guard lock(state->mutex);
+    return state->tree->remove(root, path);
+}
+
+bool RegistryHive::hasKey(HKEY root, std::wstring_view path) const {
+    const std::lock_guard lock(state->mutex);
+    return state->tree->find(root, path) != nullptr;
+}
+
+bool RegistryHive::hasSubkeys(HKEY root, std::wstring_view path) const {
+    const std::lock_guard lock(state->mutex);
+    const auto key = state->tree->find(root, path);
+    return key && key->getChildCount() > 0;
+}
+
+std::size_t RegistryHive::getOpenKeyCount() const {
+    const std::lock_guard lock(state->mutex);
+    return state->openKeys.size();
+}
+
+std::optional<RegistryPlace> RegistryHive::getPlace(HKEY key, std::wstring_view subkey) const {
+    const std::lock_guard lock(state->mutex);
+    RegistryPlace place;
+    if (!state->find(key, &place)) {
+        return std::nullopt;
+    }
+    place.path = normalizeKeyPath(place.path.append(1, L'\\').append(subkey));
+    return place;
+}
+
+void RegistryHive::replaceTree(std::unique_ptr<RegistryTree> tree) {
+    // The old tree dies after the unlock: it may be large.
+    const std::lock_guard lock(state->mutex);
+    state->tree.swap(tree);
+}
+
+RegistryResult RegistryHive::RegOpenKeyExW(HKEY key, const wchar_t* subkey, std::uint32_t, std::uint32_t,
+                                           HKEY& opened) {
+    const std::lock_guard lock(state->mutex);
+    OpenKey open;
+    const auto above = state->find(key, &open.place);
+    if (!above) {
+        return RegistryResult::InvalidHandle;
+    }
+    open.node = findKey(above, orEmpty(subkey));
+    if (!open.node) {
+        return RegistryResult::NotFound;
+    }
+    open.place.path = normalizeKeyPath(open.place.path.append(1, L'\\').append(orEmpty(subkey)));
+    // Skips the numbers of the roots, should a process ever get there.
+    do {
+        opened = HKEY{++state->lastHandle};
+    } while (state->tree->getRoot(opened));
+    state->openKeys.emplace(opened, std::move(open));
+    return RegistryResult::Success;
+}
+
+RegistryResult RegistryHive::RegQueryInfoKeyW(HKEY key, std::uint32_t& subkeys) {
+    const std::lock_guard lock(state->mutex);
+    const auto node = state->find(key);
+    if (!node) {
+        return RegistryResult::InvalidHandle;
+    }
+    subkeys = static_cast<std::uint32_t>(node->getChildCount());
+    return RegistryResult::Success;
+}
+
+RegistryResult RegistryHive::RegEnumKeyExW(HKEY key, std::uint32_t index, std::span<wchar_t> name,
+                                           std::uint32_t& nameLength) {
+    const std::lock_guard lock(state->mutex);
+    const auto node = state->find(key);
+    if (!node) {
+        return RegistryResult::InvalidHandle;
+    }
+    const auto* child = node->getChild(index);
+    if (child == nullptr) {
+        return RegistryResult::NoMoreItems;
+    }
+    return copyName(child->getName(), name, nameLength) ? RegistryResult::Success : RegistryResult::MoreData;
+}
+
+RegistryResult RegistryHive::RegEnumValueW(HKEY key, std::uint32_t index, std::span<wchar_t> name,
+                                           std::uint32_t& nameLength, std::uint32_t& type, std::span<std::uint8_t> data,
+                                           std::uint32_t& dataLength) {
+    const std::lock_guard lock(state->mutex);
+    const auto node = state->find(key);
+    if (!node) {
+        return RegistryResult::InvalidHandle;
+    }
+    const auto* value = node->getValue(index);
+    if (value == nullptr) {
+        return RegistryResult::NoMoreItems;
+    }
+    if (!copyName(value->name, name, nameLength)) {
+        return RegistryResult::MoreData;
+    }
+    type = value->type;
+    return copyData(value->data, data, dataLength);
+}
+
+RegistryResult RegistryHive::RegDeleteKeyW(HKEY key, const wchar_t* subkey) {
+    const std::lock_guard lock(state->mutex);
+    RegistryPlace place;
+    const auto above = state->find(key, &place);
+    if (!above) {
+        return RegistryResult::InvalidHandle;
+    }
+    const auto node = findKey(above, orEmpty(subkey));
+    if (!node) {
+        return RegistryResult::NotFound;
+    }
+    const bool mayGo = node->getChildCount() == 0 &&
+                       state->tree->remove(place.root, place.path.append(1, L'\\').append(orEmpty(subkey)));
+    return mayGo ? RegistryResult::Success : RegistryResult::AccessDenied;
+}
+
+RegistryResult RegistryHive::RegQueryValueExA(HKEY key, const char* name, std::uint32_t& type, std::span<char> data,
+                                              std::uint32_t& dataLength) {
+    const std::lock_guard lock(state->mutex);
+    const auto node = state->find(key);
+    if (!node) {
+        return RegistryResult::InvalidHandle;
+    }
+    const auto* value = node->findValue(name == nullptr ? std::wstring() : KyrCoreUtils::toWideString(name));
+    if (value == nullptr) {
+        return RegistryResult::NotFound;
+    }
+    type = value->type;
+    if (isText(type)) {
+        return copyData(KyrCoreUtils::toString(decodeAllRegistryText(value->data)), data, dataLength);
+    }
+    return copyData(std::string(value->data.begin(), value->data.end()), data, dataLength);
+}
+
+RegistryResult RegistryHive::RegCloseKey(HKEY key) {
+    const std::lock_guard lock(state->mutex);
+    const bool known = state->tree->getRoot(key) != nullptr || state->openKeys.erase(key) > 0;
+    return known ? RegistryResult::Success : RegistryResult::InvalidHandle;
+}
+
+} // namespace zel::registry

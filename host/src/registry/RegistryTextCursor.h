@@ -1,0 +1,50 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace zel::registry {
+
+inline bool isBlank(wchar_t c) {
+    return c == L' ' || c == L'\t' || c == L'\r';
+}
+
+/// Reads along one line.
+class RegistryTextCursor {
+public:
+    explicit RegistryTextCursor(std::wstring lineText) : text(std::move(lineText)) {}
+
+    bool atEnd() const { return position >= text.size(); }
+    /// A NUL at the end.
+    wchar_t peek() const { return atEnd() ? L'\0' : text[position]; }
+    wchar_t take() { return text[position++]; }
+    std::wstring_view rest() const { return std::wstring_view(text).substr(position); }
+
+    void skipBlanks() {
+        while (!atEnd() && isBlank(peek())) {
+            ++position;
+        }
+    }
+
+    /// Takes the word if it comes next.
+    bool take(std::wstring_view word) {
+        if (!rest().starts_with(word)) {
+            return false;
+        }
+        position += word.size();
+        return true;
+    }
+
+    /// Whether nothing follows but blanks and a comment.
+    bool isDone() {
+        skipBlanks();
+        return atEnd() || peek() == L';';
+    }
+
+private:
+    std::wstring text;
+    std::size_t position = 0;
+};
+
+} // namespace zel::registry

@@ -1,0 +1,162 @@
+#include "RegistryTextParser.h"
+
+#include "RegistryTextValueReader.h"
+#include "RegistryTree.h"
+
+#include <kyr/StringUtils.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace zel::registry {
+
+namespace {
+
+// The platform's own limits. The first one bounds every walk through a tree that came from a file.
+constexpr std::ptrdiff_t maximumDepth = 512;
+constexpr std::size_t maximumKeyName = 255;
+
+HKEY rootOf(std::wstring_view name) {
+    using KyrCoreUtils::caseInsensitiveStringEquals;
+    if (caseInsensitiveStringEquals(name, L"HKEY_CURRENT_USER") || caseInsensitiveStringEquals(name, L"HKCU")) {
+        return HKEY_CURRENT_USER;
+    }
+    if (caseInsensitiveStringEquals(name, L"HKEY_LOCAL_MACHINE") || caseInsensitiveStringEquals(name, L"HKLM")) {
+        return HKEY_LOCAL_MACHINE;
+    }
+    return {};
+}
+
+/// A name may hold brackets: the closing one is the first that nothing but blanks and a comment follows.
+std::size_t findClosingBracket(std::wstring_view text) {
+    for (auto at = text.find(L']'); at != std::wstring_view::npos; at = text.find(L']', at + 1)) {
+        const auto behind = std::ranges::find_if_not(text.substr(at + 1), isBlank);
+        if (behind == text.end() || *behind == L';') {
+            return at;
+        }
+    }
+    return std::wstring_view::npos;
+}
+
+bool isWithinLimits(std::wstring_view path) {
+    if (std::ranges::count(path, L'\\') >= maximumDepth) {
+        return false;
+    }
+    std::size_t start = 0;
+    for (auto end = path.find(L'\\'); end != std::wstring_view::npos; end = path.find(L'\\', start)) {
+        if (end - start > maximumKeyName) {
+            return false;
+        }
+        start = end + 1;
+    }
+    return path.size() - start <= maximumKeyName;
+}
+
+} // namespace
+
+RegistryTextParser::RegistryTextParser(std::string_view bytes, HKEY wantedRoot, AfterFault whatAfterFault)
+    : lines(bytes), root(wantedRoot), afterFault(whatAfterFault) {}
+
+RegistryText RegistryTextParser::run() {
+    if (readHeader()) {
+        std::size_t line = 1;
+        while (line < lines.getCount() && !stopped) {
+            line = readLine(line);
+        }
+        closeSection(lines.getCount());
+    }
+    return std::move(result);
+}
+
+bool RegistryTextParser::readHeader() {
+    const auto header = lines.getCount() == 0 ? std::wstring() : KyrCoreUtils::trim(lines.getText(0));
+    narrowText = header == L"REGEDIT4";
+    if (narrowText || header == L"Windows Registry Editor Version 5.00") {
+        return true;
+    }
+    fault(0, "no exported registry file");
+    return false;
+}
+
+std::size_t RegistryTextParser::readLine(std::size_t line) {
+    const auto text = KyrCoreUtils::trim(lines.getText(line));
+    if (text.empty() || text.front() == L';') {
+        return line + 1;
+    }
+    if (text.front() == L'"' || text.front() == L'@') {
+        return readValue(line);
+    }
+    if (text.front() == L'[') {
+        readSection(line, text);
+    } else {
+        fault(line, "neither a key nor a value nor a comment");
+    }
+    return line + 1;
+}
+
+void RegistryTextParser::readSection(std::size_t line, std::wstring_view text) {
+    closeSection(line);
+    place = Place::RefusedKey;
+    const auto end = findClosingBracket(text);
+    if (end == std::wstring_view::npos) {
+        return fault(line, "the key has no closing bracket");
+    }
+    auto name = text.substr(1, end - 1);
+    if (name.find(L'\0') != std::wstring_view::npos) {
+        return fault(line, "a zero in the name of a key");
+    }
+    const bool deletion = name.starts_with(L'-');
+    name.remove_prefix(deletion ? 1 : 0);
+    const auto separator = name.find(L'\\');
+    auto path = normalizeKeyPath(separator == std::wstring_view::npos ? std::wstring_view() : name.substr(separator));
+    if (rootOf(name.substr(0, separator)) != root) {
+        return refuse(line, "a key of another root");
+    }
+    if (!isWithinLimits(path)) {
+        return refuse(line, "a key that lies too deep or has too long a name");
+    }
+    if (deletion && path.empty()) {
+        return refuse(line, "the deletion of a whole root");
+    }
+    openSection(line, deletion, root, std::move(path));
+}
+
+std::size_t RegistryTextParser::readValue(std::size_t line) {
+    RegistryTextValueReader reader(lines, narrowText);
+    std::size_t next = line + 1;
+    auto entry = reader.read(line, next);
+    if (place == Place::BeforeFirstKey) {
+        fault(line, "a value before the first key");
+    } else if (!entry) {
+        fault(line, reader.getReason());
+    } else if (place == Place::DeletedKey) {
+        refuse(line, "a value of a deleted key");
+    } else if (place == Place::Key) {
+        result.sections.back().entries.push_back(std::move(*entry));
+    }
+    return next;
+}
+
+void RegistryTextParser::openSection(std::size_t line, bool deletion, HKEY sectionRoot, std::wstring path) {
+    place = deletion ? Place::DeletedKey : Place::Key;
+    sectionOpen = true;
+    result.sections.push_back({line + 1, line + 1, deletion, sectionRoot, std::move(path), {}});
+}
+
+/// `line` is the first one that is not of the section.
+void RegistryTextParser::closeSection(std::size_t line) {
+    if (std::exchange(sectionOpen, false)) {
+        result.sections.back().lastLine = line;
+    }
+}
+
+void RegistryTextParser::refuse(std::size_t line, const char* reason) {
+    result.refusals.push_back({line + 1, reason, false});
+}
+
+void RegistryTextParser::fault(std::size_t line, const char* reason) {
+    result.refusals.push_back({line + 1, reason, true});
+    stopped = afterFault == AfterFault::Stop;
+}
+
+} // namespace zel::registry

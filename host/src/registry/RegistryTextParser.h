@@ -1,0 +1,46 @@
+#pragma once
+
+#include "RegistryTextLines.h"
+
+#include <registry/RegistryTextFile.h>
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace zel::registry {
+
+class RegistryTextCursor;
+
+/// Turns the lines of one registry text into sections.
+class RegistryTextParser {
+public:
+    RegistryTextParser(std::string_view bytes, HKEY wantedRoot, AfterFault whatAfterFault);
+
+    RegistryText run();
+
+private:
+    /// What values belong to at this place of the file.
+    enum class Place { BeforeFirstKey, Key, DeletedKey, RefusedKey };
+
+    bool readHeader();
+    /// Reads what begins on that line, and says which line comes behind it.
+    std::size_t readLine(std::size_t line);
+    void readSection(std::size_t line, std::wstring_view text);
+    std::size_t readValue(std::size_t line);
+    void openSection(std::size_t line, bool deletion, HKEY root, std::wstring path);
+    void closeSection(std::size_t line);
+    void refuse(std::size_t line, const char* reason);
+    void fault(std::size_t line, const char* reason);
+
+    RegistryTextLines lines;
+    HKEY root;
+    AfterFault afterFault;
+    bool narrowText = false;
+    bool stopped = false;
+    bool sectionOpen = false;
+    Place place = Place::BeforeFirstKey;
+    RegistryText result;
+};
+
+} // namespace zel::registry

@@ -1,0 +1,204 @@
+#include "RegistryTextValueReader.h"
+
+#include <kyr/StringUtils.h>
+
+#include <utility>
+
+namespace zel::registry {
+
+namespace {
+
+/// -1 for what is no hexadecimal digit.
+int digitOf(wchar_t c) {
+    if (c >= L'0' && c <= L'9') {
+        return static_cast<int>(c - L'0');
+    }
+    if (c >= L'a' && c <= L'f') {
+        return static_cast<int>(c - L'a') + 10;
+    }
+    return c >= L'A' && c <= L'F' ? static_cast<int>(c - L'A') + 10 : -1;
+}
+
+/// One to `maximum` hexadecimal digits.
+bool takeHex(RegistryTextCursor& cursor, int maximum, std::uint32_t& number) {
+    number = 0;
+    int count = 0;
+    for (int digit = digitOf(cursor.peek()); digit >= 0; digit = digitOf(cursor.peek())) {
+        if (++count > maximum) {
+            return false;
+        }
+        number = number << 4 | static_cast<std::uint32_t>(digit);
+        cursor.take();
+    }
+    return count > 0;
+}
+
+bool isText(std::uint32_t type) {
+    return type == REG_SZ || type == REG_EXPAND_SZ || type == REG_MULTI_SZ;
+}
+
+/// The bytes of the older version of the format as a value holds them. They bring their own terminators.
+std::vector<std::uint8_t> widen(const std::vector<std::uint8_t>& bytes) {
+    auto data = encodeRegistryText(KyrCoreUtils::toWideString(std::string(bytes.begin(), bytes.end())));
+    data.pop_back();
+    data.pop_back();
+    return data;
+}
+
+/// Reads up to the closing quote. False at the end of the line.
+bool takeQuoted(RegistryTextCursor& cursor, std::wstring& text) {
+    while (!cursor.atEnd()) {
+        const auto c = cursor.take();
+        if (c == L'"') {
+            return true;
+        }
+        // Only these two are escaped; a path that was written by hand keeps its other backslashes.
+        if (c == L'\\' && (cursor.peek() == L'\\' || cursor.peek() == L'"')) {
+            text.push_back(cursor.take());
+        } else {
+            text.push_back(c);
+        }
+    }
+    return false;
+}
+
+} // namespace
+
+std::optional<RegistryTextEntry> RegistryTextValueReader::read(std::size_t line, std::size_t& next) {
+    current = line;
+    RegistryTextCursor cursor(lines.getText(line));
+    RegistryTextEntry entry;
+    entry.line = line + 1;
+    cursor.skipBlanks();
+    if (readName(cursor, entry.value.name) && readData(cursor, entry)) {
+        next = current + 1;
+        return entry;
+    }
+    current = line;
+    skipContinuation();
+    next = current + 1;
+    return std::nullopt;
+}
+
+bool RegistryTextValueReader::readName(RegistryTextCursor& cursor, std::wstring& name) {
+    if (cursor.take() == L'"' && !takeQuoted(cursor, name)) {
+        return fail("the name has no closing quote");
+    }
+    cursor.skipBlanks();
+    return cursor.take(L"=") || fail("no \"=\" behind the name");
+}
+
+bool RegistryTextValueReader::readData(RegistryTextCursor& cursor, RegistryTextEntry& entry) {
+    cursor.skipBlanks();
+    bool read = false;
+    if (cursor.take(L"-")) {
+        entry.deletion = true;
+        read = true;
+    } else if (cursor.take(L"\"")) {
+        read = readQuoted(cursor, entry.value);
+    } else if (cursor.take(L"dword:")) {
+        read = readNumber(cursor, entry.value);
+    } else if (cursor.take(L"hex")) {
+        return readType(cursor, entry.value.type) && readBytes(cursor, entry.value);
+    } else {
+        return fail("a kind of value that is not known");
+    }
+    return read && (cursor.isDone() || fail("text behind the value"));
+}
+
+bool RegistryTextValueReader::readQuoted(RegistryTextCursor& cursor, RegistryValue& value) {
+    std::wstring text;
+    while (!takeQuoted(cursor, text)) {
+        // A text of several lines is exported with its line ends as they are.
+        if (++current >= lines.getCount()) {
+            return fail("the value has no closing quote");
+        }
+        text.push_back(L'\n');
+        cursor = RegistryTextCursor(lines.getText(current));
+    }
+    value.type = REG_SZ;
+    value.data = encodeRegistryText(text);
+    return true;
+}
+
+bool RegistryTextValueReader::readNumber(RegistryTextCursor& cursor, RegistryValue& value) {
+    std::uint32_t number = 0;
+    cursor.skipBlanks();
+    if (!takeHex(cursor, 8, number)) {
+        return fail("a number of one to eight hexadecimal digits is missing");
+    }
+    value.type = REG_DWORD;
+    value.data = makeNumberValue({}, number).data;
+    return true;
+}
+
+bool RegistryTextValueReader::readType(RegistryTextCursor& cursor, std::uint32_t& type) {
+    type = REG_BINARY;
+    if (cursor.take(L"(") && !(takeHex(cursor, 8, type) && cursor.take(L")"))) {
+        return fail("the kind between brackets is no number");
+    }
+    return cursor.take(L":") || fail("no \":\" behind the kind");
+}
+
+bool RegistryTextValueReader::readBytes(RegistryTextCursor& cursor, RegistryValue& value) {
+    while (!cursor.isDone()) {
+        if (cursor.take(L"\\")) {
+            if (!cursor.isDone()) {
+                return fail("text behind the sign of continuation");
+            }
+            if (!readContinuation(cursor)) {
+                break;
+            }
+            continue;
+        }
+        std::uint32_t byte = 0;
+        if (!takeHex(cursor, 2, byte)) {
+            return fail("a byte of two hexadecimal digits is missing");
+        }
+        value.data.push_back(static_cast<std::uint8_t>(byte));
+        cursor.skipBlanks();
+        if (!cursor.take(L",") && !cursor.isDone() && cursor.peek() != L'\\') {
+            return fail("bytes that are not separated by commas");
+        }
+    }
+    if (narrowText && isText(value.type)) {
+        value.data = widen(value.data);
+    }
+    return true;
+}
+
+/// Goes on to the next line that is no comment. False when the value ends before it: at the end of the file or at a
+/// line that is blank.
+bool RegistryTextValueReader::readContinuation(RegistryTextCursor& cursor) {
+    while (current + 1 < lines.getCount()) {
+        RegistryTextCursor following(lines.getText(current + 1));
+        following.skipBlanks();
+        if (following.atEnd()) {
+            return false;
+        }
+        ++current;
+        if (following.peek() != L';') {
+            cursor = std::move(following);
+            return true;
+        }
+    }
+    return false;
+}
+
+bool RegistryTextValueReader::fail(const char* text) {
+    reason = text;
+    return false;
+}
+
+/// The lines that continue a broken one are part of the same mistake.
+void RegistryTextValueReader::skipContinuation() {
+    while (current + 1 < lines.getCount()) {
+        const auto text = KyrCoreUtils::trim(lines.getText(current));
+        if (!text.ends_with(L'\\')) {
+            return;
+        }
+        ++current;
+    }
+}
+
+} // namespace zel::registry

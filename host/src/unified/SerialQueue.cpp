@@ -1,0 +1,378 @@
+#include "SerialQueue.h"
+
+#include <zel/ZelLog.h>
+
+#include <algorithm>
+#include <asio/executor_work_guard.hpp>
+#include <asio/io_context.hpp>
+#include <asio/post.hpp>
+#include <atomic>
+#include <condition_variable>
+#include <cstdint>
+#include <deque>
+#include <exception>
+#include <future>
+#include <optional>
+#include <utility>
+#include <vector>
+
+namespace ZelUnified::Processing {
+
+namespace {
+
+ZelLogger& logger = ZelLogger_getLogger("UnifiedFactory-Dispatcher");
+
+void reportFailure(const zel::Task& task, const char* reason) {
+    ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, "Task " + task.getName() + " failed: " + reason);
+}
+
+void runGuarded(zel::Task& task) {
+    try {
+        task.run();
+    } catch (const std::exception& failure) {
+        reportFailure(task, failure.what());
+    } catch (...) {
+        reportFailure(task, "unknown exception");
+    }
+}
+
+} // namespace
+
+/// The queue's state. One handler of the io_context stands for each task; the tasks themselves wait in a deque, since
+/// some go ahead of others.
+class SerialQueue::Core {
+public:
+    explicit Core(Mode queueMode) : mode(queueMode), keepRunning(asio::make_work_guard(context)) {}
+
+    void runThread() {
+        owner.store(std::this_thread::get_id());
+        context.run();
+        owner.store(std::thread::id());
+    }
+
+    bool start() {
+        const std::lock_guard lock(mutex);
+        if (state != State::Waiting) {
+            return false;
+        }
+        state = State::Running;
+        return true;
+    }
+
+    void claim() { owner.store(std::this_thread::get_id()); }
+    std::thread::id getOwner() const noexcept { return owner.load(); }
+    bool isOwner() const noexcept { return owner.load() == std::this_thread::get_id(); }
+
+    bool isRunning() const {
+        const std::lock_guard lock(mutex);
+        return state == State::Running;
+    }
+
+    bool post(std::shared_ptr<zel::Task>& task, bool ahead, std::shared_ptr<std::promise<void>> finished = nullptr) {
+        std::function<void()> posted;
+        {
+            const std::lock_guard lock(mutex);
+            // Who waits for a task must not wait for a queue that nobody runs.
+            if (state == State::Closed || (finished && state != State::Running)) {
+                return false;
+            }
+            const auto waiter = finished ? std::this_thread::get_id() : std::thread::id();
+            entries.insert(ahead ? entries.begin() : entries.end(),
+                           Entry{std::move(task), std::move(finished), waiter, ++lastNumber});
+            asio::post(context, [this] { runNext(); });
+            posted = postedCallback;
+        }
+        changed.notify_all();
+        if (posted) {
+            posted();
+        }
+        return true;
+    }
+
+    void setPostedCallback(std::function<void()> callback) {
+        const std::lock_guard lock(mutex);
+        postedCallback.swap(callback);
+    }
+
+    bool runNext() {
+        return runFirst([](const Entry&) { return true; });
+    }
+
+    void runAwaitedBy(std::thread::id waiter) {
+        while (runFirst([&](const Entry& entry) { return entry.waiter == waiter; })) {
+        }
+    }
+
+    bool isRunningFor(std::thread::id waiter) const {
+        const std::lock_guard lock(mutex);
+        return std::any_of(running.begin(), running.end(), [&](const Running& task) { return task.waiter == waiter; });
+    }
+
+    bool pumpNext() {
+        if (mode != Mode::Pumped || !isOwner()) {
+            return false;
+        }
+        // A handler whose task was run ahead of its turn finds nothing to do.
+        const auto before = runs.load();
+        while (context.poll_one() != 0) {
+            if (runs.load() != before) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    bool waitForTask(std::chrono::milliseconds timeout) {
+        std::unique_lock lock(mutex);
+        changed.wait_for(lock, timeout, [this] { return !entries.empty() || state == State::Closed; });
+        return !entries.empty();
+    }
+
+    std::uint64_t getMark() const {
+        const std::lock_guard lock(mutex);
+        return lastNumber;
+    }
+
+    bool isWaiting(std::uint64_t mark) const {
+        const std::lock_guard lock(mutex);
+        return holdsUpTo(mark, entries);
+    }
+
+    bool waitUntilRun(std::uint64_t mark, std::optional<std::chrono::milliseconds> timeout) {
+        const auto done = [&] {
+            return state == State::Waiting || !(holdsUpTo(mark, running) || holdsUpTo(mark, entries));
+        };
+        std::unique_lock lock(mutex);
+        if (timeout) {
+            return changed.wait_for(lock, *timeout, done);
+        }
+        changed.wait(lock, done);
+        return true;
+    }
+
+    void close() {
+        {
+            const std::lock_guard lock(mutex);
+            state = State::Closed;
+        }
+        changed.notify_all();
+    }
+
+    /// Lets the thread run out of work.
+    void letGo() {
+        const std::lock_guard lock(mutex);
+        keepRunning.reset();
+    }
+
+    void dropAll() {
+        std::deque<Entry> dropped;
+        {
+            const std::lock_guard lock(mutex);
+            dropped.swap(entries);
+        }
+        changed.notify_all();
+        for (auto& entry : dropped) {
+            warnOfDrop(*entry.task);
+            entry.task.reset();
+            if (entry.finished) {
+                entry.finished->set_value();
+            }
+        }
+        if (mode == Mode::Pumped) {
+            owner.store(std::thread::id());
+        }
+    }
+
+    static void warnOfDrop(const zel::Task& task) {
+        ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE, "The dispatcher has ended, dropping task " + task.getName());
+    }
+
+    const Mode mode;
+
+private:
+    enum class State { Waiting, Running, Closed };
+
+    struct Entry {
+        std::shared_ptr<zel::Task> task;
+        std::shared_ptr<std::promise<void>> finished; ///< Set when somebody waits for the task.
+        std::thread::id waiter;
+        std::uint64_t number = 0; ///< In order of posting.
+    };
+
+    struct Running {
+        std::thread::id waiter;
+        std::uint64_t number;
+    };
+
+    template <class Tasks>
+    static bool holdsUpTo(std::uint64_t mark, const Tasks& tasks) {
+        return std::any_of(tasks.begin(), tasks.end(), [&](const auto& task) { return task.number <= mark; });
+    }
+
+    template <class Predicate>
+    bool runFirst(Predicate matches) {
+        Entry entry;
+        {
+            const std::lock_guard lock(mutex);
+            const auto found = std::find_if(entries.begin(), entries.end(), matches);
+            if (found == entries.end()) {
+                return false;
+            }
+            entry = std::move(*found);
+            entries.erase(found);
+            running.push_back({entry.waiter, entry.number});
+        }
+        ++runs;
+        runGuarded(*entry.task);
+        entry.task.reset();
+        {
+            const std::lock_guard lock(mutex);
+            running.pop_back();
+        }
+        changed.notify_all();
+        if (entry.finished) {
+            entry.finished->set_value();
+        }
+        return true;
+    }
+
+    asio::io_context context{1};
+    std::atomic<std::thread::id> owner{};
+    std::atomic<unsigned long> runs = 0; ///< Tasks begun.
+
+    mutable std::mutex mutex; ///< Guards all below; never held while a task runs or is destroyed.
+    std::condition_variable changed;
+    asio::executor_work_guard<asio::io_context::executor_type> keepRunning;
+    State state = State::Waiting;
+    std::deque<Entry> entries;
+    std::uint64_t lastNumber = 0;
+    std::vector<Running> running; ///< The innermost last.
+    std::function<void()> postedCallback;
+};
+
+SerialQueue::SerialQueue(Mode mode) : core(std::make_shared<Core>(mode)) {}
+
+SerialQueue::~SerialQueue() {
+    end();
+    const std::lock_guard lock(threadMutex);
+    if (thread.joinable()) {
+        thread.detach();
+    }
+}
+
+void SerialQueue::start() {
+    const std::lock_guard lock(threadMutex);
+    if (!core->start()) {
+        return;
+    }
+    if (core->mode == Mode::Pumped) {
+        core->claim();
+        return;
+    }
+    thread = std::thread([running = core] { running->runThread(); });
+}
+
+void SerialQueue::claim() {
+    if (core->mode == Mode::Pumped && core->isRunning()) {
+        core->claim();
+    }
+}
+
+bool SerialQueue::isOwner() const noexcept {
+    return core->isOwner();
+}
+
+bool SerialQueue::enqueue(std::shared_ptr<zel::Task> task, bool ahead) {
+    if (!task) {
+        return false;
+    }
+    if (core->post(task, ahead)) {
+        return true;
+    }
+    Core::warnOfDrop(*task);
+    return false;
+}
+
+void SerialQueue::enqueueBlock(std::shared_ptr<zel::Task> task, bool ahead) {
+    if (!task) {
+        return;
+    }
+    if (!isOwner()) {
+        const auto finished = std::make_shared<std::promise<void>>();
+        if (core->post(task, ahead, finished)) {
+            finished->get_future().wait();
+            return;
+        }
+    }
+    runGuarded(*task);
+}
+
+void SerialQueue::setPostedCallback(std::function<void()> callback) {
+    core->setPostedCallback(std::move(callback));
+}
+
+bool SerialQueue::pumpNext() {
+    return core->pumpNext();
+}
+
+void SerialQueue::pumpAll() {
+    while (pumpNext()) {
+    }
+}
+
+bool SerialQueue::waitForTask(std::chrono::milliseconds timeout) {
+    return core->waitForTask(timeout);
+}
+
+void SerialQueue::flush() {
+    const auto mark = core->getMark();
+    if (!isOwner()) {
+        core->waitUntilRun(mark, std::nullopt);
+        return;
+    }
+    while (core->isWaiting(mark)) {
+        core->runNext();
+    }
+}
+
+std::uint64_t SerialQueue::getMark() const {
+    return core->getMark();
+}
+
+bool SerialQueue::flushFor(std::uint64_t mark, std::chrono::milliseconds timeout) {
+    return core->waitUntilRun(mark, timeout);
+}
+
+void SerialQueue::runTasksAwaitedBy(const SerialQueue& other) {
+    const auto waiter = other.core->getOwner();
+    if (isOwner() && waiter != std::thread::id()) {
+        core->runAwaitedBy(waiter);
+    }
+}
+
+bool SerialQueue::isAwaitedBy(const SerialQueue& other) const {
+    const auto waiter = other.core->getOwner();
+    return waiter != std::thread::id() && core->isRunningFor(waiter);
+}
+
+void SerialQueue::close() {
+    core->close();
+}
+
+void SerialQueue::end() {
+    core->close();
+    if (isOwner()) {
+        flush();
+    }
+    core->letGo();
+    const bool joins = core->mode == Mode::OwnThread && !isOwner();
+    if (joins) {
+        const std::lock_guard lock(threadMutex);
+        if (thread.joinable()) {
+            thread.join();
+        }
+    }
+    core->dropAll();
+}
+
+} // namespace ZelUnified::Processing

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "SerialQueue.h"
+
+#include <unified/ServicesDispatcher.h>
+
+#include <memory>
+
+namespace ZelUnified::Processing {
+
+/// The services dispatcher on a serial queue, with a thread of its own or pumped by the program.
+class LUMORA_HOST_API ServicesDispatcherImpl final : public ServicesDispatcher {
+public:
+    explicit ServicesDispatcherImpl(SerialQueue::Mode mode) : queue(mode) {}
+
+    bool checkForUpdateAccess() const override { return queue.isOwner(); }
+    void enqueue(std::shared_ptr<zel::Task> task, bool ahead) override;
+    void enqueueBlock(std::shared_ptr<zel::Task> task, bool ahead) override;
+
+    SerialQueue& getQueue() { return queue; }
+
+private:
+    SerialQueue queue;
+};
+
+} // namespace ZelUnified::Processing

@@ -1,0 +1,115 @@
+#include "Uuid.h"
+
+#include <unified/UnifiedBusinessObjectImpl.h>
+#include <unified/UnifiedFactory.h>
+#include <unified/UpdateAccessError.h>
+#include <zel/ZelLog.h>
+
+#include <algorithm>
+#include <sstream>
+#include <thread>
+
+namespace ZelUnified {
+
+namespace {
+
+ZelLogger& logger = ZelLogger_getLogger("UnifiedFactory-BusinessObject");
+
+} // namespace
+
+UnifiedBusinessObjectImpl::UnifiedBusinessObjectImpl(const std::shared_ptr<UnifiedFactory>& factory,
+                                                     std::string nameOfClass)
+    : UnifiedBusinessObjectImpl(factory, true, std::move(nameOfClass)) {}
+
+UnifiedBusinessObjectImpl::UnifiedBusinessObjectImpl(const std::shared_ptr<UnifiedFactory>& factory,
+                                                     bool enforceUpdateAccess, std::string nameOfClass)
+    : dispatcher(factory ? factory->getServicesDispatcher() : nullptr),
+      className(std::move(nameOfClass)),
+      enforced(enforceUpdateAccess) {}
+
+void UnifiedBusinessObjectImpl::addObserver(std::weak_ptr<UnifiedBusinessObjectObserver> observer) {
+    const auto added = observer.lock();
+    if (!added) {
+        return;
+    }
+    std::vector<std::shared_ptr<UnifiedBusinessObjectObserver>> known;
+    const std::lock_guard lock(observersMutex);
+    known = lockObservers();
+    if (std::find(known.begin(), known.end(), added) == known.end()) {
+        observers.push_back(std::move(observer));
+    }
+}
+
+void UnifiedBusinessObjectImpl::removeObserver(std::weak_ptr<UnifiedBusinessObjectObserver> observer) {
+    const auto removed = observer.lock();
+    if (!removed) {
+        return;
+    }
+    std::vector<std::shared_ptr<UnifiedBusinessObjectObserver>> known;
+    const std::lock_guard lock(observersMutex);
+    known = lockObservers();
+    if (const auto found = std::find(known.begin(), known.end(), removed); found != known.end()) {
+        observers.erase(observers.begin() + (found - known.begin()));
+    }
+}
+
+/// With the lock held; the caller lets go of what it gets once the lock is released, as an observer may die of it.
+std::vector<std::shared_ptr<UnifiedBusinessObjectObserver>> UnifiedBusinessObjectImpl::lockObservers() const {
+    std::vector<std::shared_ptr<UnifiedBusinessObjectObserver>> locked;
+    locked.reserve(observers.size());
+    for (const auto& observer : observers) {
+        locked.push_back(observer.lock());
+    }
+    return locked;
+}
+
+std::shared_ptr<UnifiedBusinessObjectNotifiers> UnifiedBusinessObjectImpl::getUnifiedBusinessObjectNotifiers() {
+    initNotifiers();
+    return getNotifiers();
+}
+
+std::string UnifiedBusinessObjectImpl::getGuid() {
+    const std::lock_guard lock(observersMutex);
+    return requireGuid();
+}
+
+std::string UnifiedBusinessObjectImpl::toString() {
+    return describe();
+}
+
+std::string UnifiedBusinessObjectImpl::describe() const {
+    const std::lock_guard lock(observersMutex);
+    return className + " {" + requireGuid() + "}";
+}
+
+/// With the lock held.
+const std::string& UnifiedBusinessObjectImpl::requireGuid() const {
+    if (guid.empty()) {
+        guid = makeRandomUuid();
+    }
+    return guid;
+}
+
+void UnifiedBusinessObjectImpl::commitToServicesDispatcher() {
+    enforced = true;
+}
+
+std::shared_ptr<UnifiedBusinessObjectNotifiers> UnifiedBusinessObjectImpl::getNotifiers() const {
+    const std::lock_guard lock(observersMutex);
+    return notifiers;
+}
+
+void UnifiedBusinessObjectImpl::refuseUpdateAccess(bool enforce, const char* operation) const {
+    if (!enforced) {
+        return;
+    }
+    std::ostringstream text;
+    text << operation << " of " << describe() << " called on thread " << std::this_thread::get_id()
+         << ", which is not the services dispatcher's";
+    ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, text.str());
+    if (enforce) {
+        throw UpdateAccessError(text.str());
+    }
+}
+
+} // namespace ZelUnified

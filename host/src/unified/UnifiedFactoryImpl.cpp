@@ -1,0 +1,302 @@
+#include "PluginLoader.h"
+#include "ResetDataCallbackRegistryImpl.h"
+#include "ServicesDispatcherImpl.h"
+#include "SystemServiceImpl.h"
+#include "TaskDispatcherImpl.h"
+#include "zel/SystemMonitorImpl.h"
+
+#include <kyr/FunctionTask.h>
+#include <unified/FeatureSetReadyListener.h>
+#include <unified/UnifiedFactoryImpl.h>
+#include <zel/ZelLog.h>
+
+#include <exception>
+#include <utility>
+
+namespace ZelUnified {
+
+namespace {
+
+using Processing::SerialQueue;
+using Processing::ServicesDispatcherImpl;
+using Processing::TaskDispatcherImpl;
+using ZelSystemMonitor::SystemMonitorImpl;
+
+ZelLogger& logger = ZelLogger_getLogger("UnifiedFactory");
+
+SerialQueue::Mode queueMode(UnifiedFactoryOptions::ServicesThread thread) {
+    return thread == UnifiedFactoryOptions::ServicesThread::Pumped ? SerialQueue::Mode::Pumped
+                                                                   : SerialQueue::Mode::OwnThread;
+}
+
+/// For the steps of an end or a reset: one that fails must not keep the others from their turn.
+void runStep(const char* step, const std::function<void()>& work) {
+    try {
+        work();
+    } catch (const std::exception& failure) {
+        ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, std::string(step) + " failed: " + failure.what());
+    } catch (...) {
+        ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, std::string(step) + " failed.");
+    }
+}
+
+} // namespace
+
+UnifiedFactoryImpl::UnifiedFactoryImpl(UnifiedFactoryOptions factoryOptions)
+    : options(std::move(factoryOptions)),
+      servicesDispatcher(std::make_shared<ServicesDispatcherImpl>(queueMode(options.servicesThread))),
+      backgroundDispatcher(std::make_shared<TaskDispatcherImpl>()),
+      resetCallbacks(std::make_shared<ResetDataCallbackRegistryImpl>()),
+      pluginLoader(std::make_unique<PluginLoader>(options.pluginFolder, options.plugins)) {}
+
+UnifiedFactoryImpl::~UnifiedFactoryImpl() = default;
+
+void UnifiedFactoryImpl::Init() {
+    if (destroyed || initialised.exchange(true)) {
+        return;
+    }
+    services.registerItem(systemServiceId, std::static_pointer_cast<SystemService>(std::make_shared<SystemServiceImpl>(
+                                               shared_from_this(), resetCallbacks, options.serviceEventListener)));
+    servicesDispatcher->getQueue().start();
+    backgroundDispatcher->getQueue().start();
+    SystemMonitorImpl::getMachineMonitor()->attach(servicesDispatcher);
+}
+
+void UnifiedFactoryImpl::StartFeatureSet(unsigned int id, std::shared_ptr<ServiceEventList> events) {
+    runWithBackgroundAtRest("UnifiedFactory::StartFeatureSet", [&] { startOnServicesThread(id, events); });
+}
+
+void UnifiedFactoryImpl::startOnServicesThread(unsigned int id, const std::shared_ptr<ServiceEventList>& events) {
+    const auto adapter = getFeatureSetAdapter(id);
+    if (!adapter) {
+        return;
+    }
+    const bool wasStarted = adapter->IsFeatureSetStarted(id);
+    adapter->StartFeatureSet(id, events);
+    if (wasStarted || !adapter->IsFeatureSetStarted(id)) {
+        return;
+    }
+    if (const auto listener = std::dynamic_pointer_cast<FeatureSetReadyListener>(services.getItem(id))) {
+        listener->onFeatureSetReady(true);
+    }
+}
+
+void UnifiedFactoryImpl::StopFeatureSet(unsigned int id, std::shared_ptr<ServiceEventList> events) {
+    runWithBackgroundAtRest("UnifiedFactory::StopFeatureSet", [&] {
+        if (const auto adapter = getFeatureSetAdapter(id)) {
+            adapter->StopFeatureSet(id, events);
+        }
+    });
+}
+
+bool UnifiedFactoryImpl::IsFeatureSetStarted(unsigned int id) {
+    bool started = false;
+    runOnServicesThread("UnifiedFactory::IsFeatureSetStarted", [&] {
+        const auto adapter = getFeatureSetAdapter(id);
+        started = adapter && adapter->IsFeatureSetStarted(id);
+    });
+    return started;
+}
+
+bool UnifiedFactoryImpl::IsFeatureSetProvisioned(unsigned int id) {
+    bool provisioned = false;
+    runOnServicesThread("UnifiedFactory::IsFeatureSetProvisioned", [&] {
+        const auto adapter = getFeatureSetAdapter(id);
+        provisioned = adapter && adapter->IsFeatureSetProvisioned(id);
+    });
+    return provisioned;
+}
+
+std::vector<unsigned int> UnifiedFactoryImpl::GetFeatureSetDependencies(unsigned int id) {
+    std::vector<unsigned int> dependencies;
+    runOnServicesThread("UnifiedFactory::GetFeatureSetDependencies", [&] {
+        if (const auto adapter = getFeatureSetAdapter(id)) {
+            dependencies = adapter->GetFeatureSetDependencies(id);
+        }
+    });
+    return dependencies;
+}
+
+void UnifiedFactoryImpl::invokeResetData(ResetDataOptionEnum::ResetDataOption option) {
+    runWithBackgroundAtRest("UnifiedFactory::invokeResetData", [&] {
+        for (const auto& callback : resetCallbacks->getCallbacks()) {
+            runStep("A reset callback", [&] { callback->InvokeResetData(option); });
+        }
+    });
+}
+
+void UnifiedFactoryImpl::Destroy() {
+    const auto self = weak_from_this().lock(); // the registries may hold the last references
+    if (destroyed.exchange(true)) {
+        return;
+    }
+    // Feature sets whose end fails must not keep the rest alive.
+    runStep("Stopping the feature sets",
+            [this] { runWithBackgroundAtRest("UnifiedFactory::Destroy - stop", [this] { stopFeatureSets(); }); });
+    runStep("Emptying the services dispatcher", [this] {
+        runOnServicesThread("UnifiedFactory::Destroy - drain", [this] { servicesDispatcher->getQueue().flush(); });
+    });
+    runStep("Destroying the feature sets",
+            [this] { runWithBackgroundAtRest("UnifiedFactory::Destroy", [this] { destroyFeatureSets(); }); });
+    SystemMonitorImpl::getMachineMonitor()->detach(servicesDispatcher);
+    endDispatchers();
+    resetCallbacks->clear();
+    featureSets.clear();
+    services.clear();
+}
+
+void UnifiedFactoryImpl::stopFeatureSets() {
+    for (const auto& [number, featureSet] : featureSets.getAll()) {
+        const auto id = number;
+        const auto adapter = std::dynamic_pointer_cast<FeatureSetAdapter>(featureSet);
+        if (!adapter) {
+            continue;
+        }
+        runStep("Stopping a feature set", [&adapter, id] {
+            if (adapter->IsFeatureSetStarted(id)) {
+                adapter->StopFeatureSet(id, std::make_shared<ServiceEventList>());
+            }
+        });
+    }
+}
+
+void UnifiedFactoryImpl::destroyFeatureSets() {
+    for (const auto& entry : featureSets.getAll()) {
+        if (const auto adapter = std::dynamic_pointer_cast<FeatureSetAdapter>(entry.second)) {
+            runStep("Destroying a feature set", [&adapter] { adapter->Destroy(); });
+        }
+    }
+}
+
+void UnifiedFactoryImpl::endDispatchers() {
+    auto& servicesQueue = servicesDispatcher->getQueue();
+    auto& background = backgroundDispatcher->getQueue();
+    // What the background still has to write is written; it may wait for the services' thread while it does.
+    background.close();
+    if (servicesQueue.isOwner()) {
+        restBackground();
+    }
+    if (!servicesQueue.isAwaitedBy(background)) { // else it ends by itself, once released
+        background.end();
+    }
+    servicesQueue.end();
+}
+
+std::shared_ptr<Processing::ServicesDispatcher> UnifiedFactoryImpl::getServicesDispatcher() {
+    return servicesDispatcher;
+}
+
+std::shared_ptr<Processing::TaskDispatcher> UnifiedFactoryImpl::getBackgroundDispatcher() {
+    return backgroundDispatcher;
+}
+
+std::shared_ptr<ResourceMonitor> UnifiedFactoryImpl::getResourceMonitor() {
+    return nullptr;
+}
+
+void UnifiedFactoryImpl::setDataPersistor(std::shared_ptr<IDataPersistor> newPersistor) {
+    const std::lock_guard lock(persistorMutex);
+    persistor.swap(newPersistor);
+}
+
+std::shared_ptr<IDataPersistor> UnifiedFactoryImpl::getDataPersistor() {
+    const std::lock_guard lock(persistorMutex);
+    return persistor;
+}
+
+std::shared_ptr<FeatureSetAdapter> UnifiedFactoryImpl::getFeatureSetAdapter(unsigned int id) {
+    return std::dynamic_pointer_cast<FeatureSetAdapter>(featureSets.getItem(id));
+}
+
+void UnifiedFactoryImpl::flushBackgroundDispatcher() {
+    if (servicesDispatcher->getQueue().isOwner()) {
+        restBackground();
+    } else {
+        backgroundDispatcher->getQueue().flush();
+    }
+}
+
+/// On the services dispatcher's thread. A background task that waits for this thread is let through; one that waits for
+/// what this thread does just now can't come to an end, nor can what is queued behind it.
+void UnifiedFactoryImpl::restBackground() {
+    constexpr std::chrono::milliseconds interval(5);
+    auto& background = backgroundDispatcher->getQueue();
+    auto& servicesQueue = servicesDispatcher->getQueue();
+    const auto mark = background.getMark();
+    while (!servicesQueue.isAwaitedBy(background) && !background.flushFor(mark, interval)) {
+        servicesQueue.runTasksAwaitedBy(background);
+    }
+}
+
+void UnifiedFactoryImpl::runOnServicesThread(const std::string& name, const std::function<void()>& work) {
+    std::exception_ptr failure;
+    servicesDispatcher->enqueueBlock(std::make_shared<KyrCoreUtils::FunctionTask>(
+                                         [&] {
+                                             try {
+                                                 work();
+                                             } catch (...) {
+                                                 failure = std::current_exception();
+                                             }
+                                         },
+                                         name),
+                                     false);
+    if (failure) {
+        std::rethrow_exception(failure);
+    }
+}
+
+void UnifiedFactoryImpl::runWithBackgroundAtRest(const std::string& name, const std::function<void()>& work) {
+    auto& background = backgroundDispatcher->getQueue();
+    if (background.isOwner()) {
+        // The services' thread can't wait for the very task that waits for it; what is queued behind is run here.
+        background.flush();
+        runOnServicesThread(name, work);
+        background.flush();
+        return;
+    }
+    runOnServicesThread(name, [&] {
+        restBackground();
+        work();
+        restBackground();
+    });
+}
+
+void UnifiedFactoryImpl::resetDispatcherThread() {
+    servicesDispatcher->getQueue().claim();
+}
+
+void UnifiedFactoryImpl::setDispatcherCallback(std::shared_ptr<ServicesDispatcherCallback> callback) {
+    if (!callback) {
+        servicesDispatcher->getQueue().setPostedCallback(nullptr);
+        return;
+    }
+    servicesDispatcher->getQueue().setPostedCallback([told = std::move(callback)] { told->onDispatcherTaskPosted(); });
+}
+
+bool UnifiedFactoryImpl::waitForDispatcherTask(std::chrono::milliseconds timeout) {
+    return servicesDispatcher->getQueue().waitForTask(timeout);
+}
+
+bool UnifiedFactoryImpl::pumpNextDispatcherTask() {
+    return servicesDispatcher->getQueue().pumpNext();
+}
+
+void UnifiedFactoryImpl::pumpAllDispatcherTasks() {
+    servicesDispatcher->getQueue().pumpAll();
+}
+
+void UnifiedFactoryImpl::loadService(const std::string& typeName) {
+    loadPlugin(typeName);
+}
+
+void UnifiedFactoryImpl::loadFeatureSet(const std::string& typeName) {
+    loadPlugin(typeName);
+}
+
+void UnifiedFactoryImpl::loadPlugin(const std::string& typeName) {
+    if (!destroyed) {
+        pluginLoader->load(typeName, shared_from_this());
+    }
+}
+
+} // namespace ZelUnified

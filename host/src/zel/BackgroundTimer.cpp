@@ -1,0 +1,119 @@
+#include <zel/BackgroundTimer.h>
+#include <zel/TimerSource.h>
+#include <zel/ZelLog.h>
+
+#include <condition_variable>
+#include <exception>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <utility>
+
+namespace zel::common {
+
+namespace {
+
+ZelLogger& logger = ZelLogger_getLogger("BackgroundTimer");
+
+void callGuarded(BackgroundTimerCallback& callback) {
+    try {
+        callback.onTimer();
+    } catch (const std::exception& failure) {
+        ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, std::string("A timer's callback failed: ") + failure.what());
+    } catch (...) {
+        ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, "A timer's callback failed.");
+    }
+}
+
+} // namespace
+
+/// Outlives the timer while a callback runs. An alarm that rings after its timer was stopped or started anew finds
+/// another number in `armed` and does nothing.
+class BackgroundTimer::Impl : public std::enable_shared_from_this<BackgroundTimer::Impl> {
+public:
+    void start(std::weak_ptr<BackgroundTimerCallback> newCallback, std::int64_t seconds) {
+        std::shared_ptr<TimerSource> former;
+        const std::lock_guard lock(mutex);
+        former = disarm();
+        callback = std::move(newCallback);
+        source = TimerSource::getInstance();
+        const auto number = ++armed;
+        alarm = source->set(seconds, [weak = weak_from_this(), number] {
+            if (const auto self = weak.lock()) {
+                self->ring(number);
+            }
+        });
+    }
+
+    void stop() {
+        std::shared_ptr<TimerSource> former;
+        std::unique_lock lock(mutex);
+        former = disarm();
+        if (runningOn == std::this_thread::get_id()) {
+            return;
+        }
+        changed.wait(lock, [this] { return runningOn == std::thread::id(); });
+    }
+
+private:
+    /// With the lock held. The caller lets go of the source once the lock is released: at the process's end that may
+    /// wait for the timer's thread.
+    std::shared_ptr<TimerSource> disarm() {
+        ++armed;
+        callback.reset();
+        auto used = std::exchange(source, nullptr);
+        if (used) {
+            used->cancel(alarm);
+        }
+        return used;
+    }
+
+    void ring(std::uint64_t number) {
+        std::shared_ptr<BackgroundTimerCallback> called;
+        std::shared_ptr<TimerSource> used;
+        {
+            const std::lock_guard lock(mutex);
+            if (number != armed) {
+                return;
+            }
+            called = callback.lock();
+            used.swap(source);
+            if (!called) {
+                return;
+            }
+            runningOn = std::this_thread::get_id();
+        }
+        callGuarded(*called);
+        // May end the life of the callback and of its timer, which then stops itself on this thread.
+        called.reset();
+        {
+            const std::lock_guard lock(mutex);
+            runningOn = std::thread::id();
+        }
+        changed.notify_all();
+    }
+
+    std::mutex mutex; ///< Guards all below; never held during a callback.
+    std::condition_variable changed;
+    std::weak_ptr<BackgroundTimerCallback> callback;
+    std::shared_ptr<TimerSource> source; ///< Of the pending alarm.
+    TimerSource::Alarm alarm = 0;
+    std::uint64_t armed = 0;
+    std::thread::id runningOn;
+};
+
+BackgroundTimer::BackgroundTimer() : impl(std::make_shared<Impl>()) {}
+
+BackgroundTimer::~BackgroundTimer() {
+    impl->stop();
+}
+
+void BackgroundTimer::start(std::weak_ptr<BackgroundTimerCallback> callback, const std::int64_t& seconds) {
+    impl->start(std::move(callback), seconds);
+}
+
+void BackgroundTimer::stop() {
+    impl->stop();
+}
+
+} // namespace zel::common

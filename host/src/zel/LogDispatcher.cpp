@@ -1,0 +1,84 @@
+#include "LogDispatcher.h"
+
+#include <utility>
+#include <vector>
+
+namespace zel::logging {
+
+LogDispatcher& LogDispatcher::instance() {
+    // Never destroyed: static objects of other libraries may log while they die.
+    static LogDispatcher& dispatcher = *new LogDispatcher;
+    return dispatcher;
+}
+
+void LogDispatcher::add(std::shared_ptr<LogSink> sink) {
+    if (!sink) {
+        return;
+    }
+    const std::lock_guard lock(mutex);
+    auto changed = std::make_shared<Sinks>(*sinks);
+    changed->push_back(std::move(sink));
+    sinks = std::move(changed);
+}
+
+void LogDispatcher::remove(const std::shared_ptr<LogSink>& sink) {
+    std::shared_ptr<const Sinks> former;
+    const std::lock_guard lock(mutex);
+    auto changed = std::make_shared<Sinks>(*sinks);
+    std::erase(*changed, sink);
+    former = std::exchange(sinks, std::move(changed));
+}
+
+void LogDispatcher::set(const std::string& name, std::shared_ptr<LogSink> sink) {
+    std::shared_ptr<LogSink> former;
+    {
+        const std::lock_guard lock(mutex);
+        former = std::exchange(named[name], sink);
+    }
+    if (former) {
+        remove(former);
+    }
+    add(std::move(sink));
+}
+
+bool LogDispatcher::has(const std::string& name) const {
+    const std::lock_guard lock(mutex);
+    return named.contains(name);
+}
+
+void LogDispatcher::removeNamed(std::string_view prefix) {
+    Sinks former;
+    {
+        const std::lock_guard lock(mutex);
+        for (auto entry = named.begin(); entry != named.end();) {
+            if (entry->first.starts_with(prefix)) {
+                former.push_back(std::move(entry->second));
+                entry = named.erase(entry);
+            } else {
+                ++entry;
+            }
+        }
+    }
+    for (const auto& sink : former) {
+        remove(sink);
+    }
+}
+
+void LogDispatcher::dispatch(const LogRecord& record) noexcept {
+    const auto receivers = getSinks();
+    for (const auto& sink : *receivers) {
+        try {
+            sink->write(record);
+        } catch (...) {
+            // There is nowhere left to report it.
+            continue;
+        }
+    }
+}
+
+std::shared_ptr<const LogDispatcher::Sinks> LogDispatcher::getSinks() const {
+    const std::lock_guard lock(mutex);
+    return sinks;
+}
+
+} // namespace zel::logging

@@ -1,0 +1,312 @@
+#include "PiiMask.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+
+namespace zel::logging {
+
+namespace {
+
+constexpr std::string_view userMarker = "<user>";
+constexpr std::string_view passwordMarker = "<password>";
+constexpr std::string_view numberMarker = "<number>";
+
+constexpr bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+constexpr char toLower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+constexpr bool isLetter(char c) {
+    return toLower(c) >= 'a' && toLower(c) <= 'z';
+}
+constexpr bool isWord(char c) {
+    return isLetter(c) || isDigit(c) || static_cast<unsigned char>(c) >= 0x80;
+}
+constexpr bool isControl(char c) {
+    return static_cast<unsigned char>(c) <= ' ' || c == '\x7F';
+}
+constexpr bool isOneOf(char c, std::string_view set) {
+    return set.find(c) != set.npos;
+}
+constexpr bool isSlash(char c) {
+    return c == '/' || c == '\\';
+}
+
+constexpr bool beginsName(char c) {
+    return isWord(c) || isOneOf(c, "_+%");
+}
+constexpr bool isInName(char c) {
+    return isWord(c) || isOneOf(c, "!#$%&'*+-.^_`{|}~");
+}
+constexpr bool isHost(char c) {
+    return isWord(c) || isOneOf(c, "-._");
+}
+constexpr bool beginsHost(char c) {
+    return isWord(c) || isOneOf(c, "[_");
+}
+constexpr bool isInAuthority(char c) {
+    return !isControl(c) && !isOneOf(c, "/?#\\\"<>");
+}
+constexpr bool isInSipUser(char c) {
+    return !isControl(c) && !isOneOf(c, "\"<>,");
+}
+constexpr bool isInTelephone(char c) {
+    return isWord(c) || isOneOf(c, "+-.()*#_%");
+}
+constexpr bool isInFolderName(char c) {
+    return !isControl(c) && !isOneOf(c, "/\\\"'<>:;,|*?");
+}
+constexpr bool endsUrlPath(char c) {
+    return isControl(c) || isOneOf(c, "\"<>\\?#=;,|");
+}
+
+constexpr bool isDottedQuad(std::string_view text) {
+    int groups = 0;
+    for (std::size_t begin = 0; begin <= text.size(); ++groups) {
+        const std::size_t end = std::min(text.find('.', begin), text.size());
+        if (end == begin || end - begin > 3 ||
+            !std::all_of(text.begin() + static_cast<std::ptrdiff_t>(begin),
+                         text.begin() + static_cast<std::ptrdiff_t>(end), isDigit)) {
+            return false;
+        }
+        begin = end + 1;
+    }
+    return groups == 4;
+}
+
+bool equalsIgnoringCase(std::string_view text, std::string_view lower) {
+    return std::ranges::equal(text, lower, {}, toLower);
+}
+
+/// Walks once over the text. Each rule looks only at what it then masks or steps over, or remembers how far it looked,
+/// so the work stays linear; no rule looks across a marker, so a second run finds nothing more.
+class Scanner {
+public:
+    explicit Scanner(std::string_view line) : text(line) {}
+
+    std::string run() {
+        while (at < text.size()) {
+            step();
+        }
+        output.append(text.substr(copied));
+        return std::move(output);
+    }
+
+private:
+    void step() {
+        const char c = text[at];
+        if (skipMarker()) {
+            return;
+        }
+        if (beginsName(c) && at >= nameEnd && maskMailName()) {
+            return;
+        }
+        if (c == '+' && maskNumber()) {
+            return;
+        }
+        if (isSlash(c) && maskHomeFolder()) {
+            return;
+        }
+        if (c == ':' && maskAfterColon()) {
+            return;
+        }
+        inUrlPath = inUrlPath && !endsUrlPath(c);
+        ++at;
+    }
+
+    template <class Predicate>
+    std::size_t endOfRun(std::size_t from, Predicate predicate) const {
+        while (from < text.size() && predicate(text[from])) {
+            ++from;
+        }
+        return from;
+    }
+
+    char charAt(std::size_t place) const { return place < text.size() ? text[place] : '\0'; }
+
+    /// Puts `marker` in the place of what stands from here to `end`.
+    void mask(std::size_t end, std::string_view marker) {
+        output.append(text.substr(copied, at - copied)).append(marker);
+        at = copied = end;
+    }
+
+    void maskUserAndPassword(std::size_t end) {
+        const bool hasPassword = text.substr(at, end - at).find(':') != text.npos;
+        mask(end, userMarker);
+        if (hasPassword) {
+            output.append(":").append(passwordMarker);
+        }
+    }
+
+    bool skipMarker() {
+        if (text[at] != '<') {
+            return false;
+        }
+        for (const std::string_view marker : {userMarker, passwordMarker, numberMarker}) {
+            if (text.substr(at, marker.size()) == marker) {
+                at += marker.size();
+                return true;
+            }
+        }
+        return false;
+    }
+
+    /// The local part before an "@" that a host follows.
+    bool maskMailName() {
+        nameEnd = endOfRun(at, isInName);
+        if (charAt(nameEnd) != '@' || !beginsHost(charAt(nameEnd + 1))) {
+            return false;
+        }
+        mask(nameEnd, userMarker);
+        return true;
+    }
+
+    /// "+" and at least eight digits, with the separators that people put between them.
+    bool maskNumber() {
+        std::size_t digits = 0;
+        std::size_t end = at;
+        for (std::size_t next = at + 1; next < text.size() && next - end <= 3; ++next) {
+            if (isDigit(text[next])) {
+                ++digits;
+                end = next;
+            } else if (!isOneOf(text[next], " -./()")) {
+                break;
+            }
+        }
+        if (digits < 8 || isDottedQuad(text.substr(at + 1, end - at))) {
+            return false;
+        }
+        mask(end + 1, numberMarker);
+        return true;
+    }
+
+    /// The folder after "/home/", "\Users\" and their like. In the path of a web address these are no home folders.
+    bool maskHomeFolder() {
+        if (inUrlPath) {
+            return false;
+        }
+        for (const std::string_view parent : {"home", "users", "documents and settings"}) {
+            const std::size_t parentEnd = at + 1 + parent.size();
+            if (!isSlash(charAt(parentEnd)) || !equalsIgnoringCase(text.substr(at + 1, parent.size()), parent)) {
+                continue;
+            }
+            const std::size_t begin = endOfRun(parentEnd, isSlash);
+            const std::size_t end = endOfFolderName(begin, text[parentEnd] == '\\');
+            if (end == begin) {
+                return false;
+            }
+            at = begin;
+            mask(end, userMarker);
+            return true;
+        }
+        return false;
+    }
+
+    /// Windows allows blanks in a user's folder; there they count when a separator shows where the name ends.
+    std::size_t endOfFolderName(std::size_t begin, bool mayHoldBlanks) const {
+        const std::size_t end = endOfRun(begin, isInFolderName);
+        if (!mayHoldBlanks || end == begin || charAt(end) != ' ') {
+            return end;
+        }
+        const std::size_t longEnd = endOfRun(end, [](char c) { return c == ' ' || isInFolderName(c); });
+        return isSlash(charAt(longEnd)) ? longEnd : end;
+    }
+
+    bool maskAfterColon() {
+        if (endsScheme(at, "tel")) {
+            at = endOfRun(at + 1, isSlash);
+            maskTelephone();
+            return true;
+        }
+        if (text.substr(at, 3) == "://") {
+            enterAuthority();
+            return true;
+        }
+        if (endsSipScheme(at)) {
+            ++at;
+            maskSipUser();
+            return true;
+        }
+        return false;
+    }
+
+    /// Whether the name of that scheme ends at `place`.
+    bool endsScheme(std::size_t place, std::string_view scheme) const {
+        const std::size_t known = place - std::min(place, copied);
+        if (known < scheme.size() || !equalsIgnoringCase(text.substr(place - scheme.size(), scheme.size()), scheme)) {
+            return false;
+        }
+        return known == scheme.size() || !isLetter(text[place - scheme.size() - 1]);
+    }
+
+    bool endsSipScheme(std::size_t place) const { return endsScheme(place, "sip") || endsScheme(place, "sips"); }
+
+    void enterAuthority() {
+        inUrlPath = !endsScheme(at, "file");
+        at += 3;
+        const std::size_t end = endOfRun(at, isInAuthority);
+        const std::size_t userEnd = text.substr(at, end - at).rfind('@');
+        if (userEnd != text.npos && userEnd > 0) {
+            maskUserAndPassword(at + userEnd);
+        }
+    }
+
+    void maskSipUser() {
+        if (const std::size_t userEnd = nextSipAt(); userEnd != text.npos) {
+            if (userEnd > at) {
+                maskUserAndPassword(userEnd);
+            }
+            return;
+        }
+        if (!beginsName(charAt(at))) {
+            return;
+        }
+        // Without an "@" the whole is a host or a user: a host has points or a port.
+        const std::size_t end = endOfRun(at, isInName);
+        const std::string_view name = text.substr(at, end - at);
+        const bool hasPort =
+            charAt(end) == ':' && isDigit(charAt(end + 1)) && !endsScheme(end, "tel") && !endsSipScheme(end);
+        const bool marksHost = name.find('.') != name.npos || equalsIgnoringCase(name, "localhost") || hasPort;
+        if (!marksHost || !std::ranges::all_of(name, isHost)) {
+            mask(end, userMarker);
+        }
+    }
+
+    /// The first "@" of the run that begins here. Remembered, as each "sip:" of a long run asks anew.
+    std::size_t nextSipAt() {
+        if (sipSearchEnd <= at) {
+            sipSearchEnd = endOfRun(at, [](char c) { return c != '@' && isInSipUser(c); });
+        }
+        return charAt(sipSearchEnd) == '@' ? sipSearchEnd : text.npos;
+    }
+
+    void maskTelephone() {
+        const std::size_t end = endOfRun(at, isInTelephone);
+        const std::string_view number = text.substr(at, end - at);
+        if (std::ranges::any_of(number, isWord)) {
+            mask(end, numberMarker);
+        }
+    }
+
+    const std::string_view text;
+    std::string output;
+    std::size_t at = 0;
+    std::size_t copied = 0;       ///< What stands before it is in the output.
+    std::size_t nameEnd = 0;      ///< Up to here no further name begins.
+    std::size_t sipSearchEnd = 0; ///< Where the last search for an "@" stopped.
+    bool inUrlPath = false;
+};
+
+} // namespace
+
+std::string maskPersonalData(std::string_view text) {
+    // Nothing is masked without one of these.
+    if (text.find_first_of("@+:/\\") == text.npos) {
+        return std::string(text);
+    }
+    return Scanner(text).run();
+}
+
+} // namespace zel::logging

@@ -1,0 +1,131 @@
+#include "SystemMonitorImpl.h"
+
+#include <kyr/FunctionTask.h>
+#include <zel/ZelLog.h>
+
+#include <algorithm>
+#include <exception>
+#include <string>
+#include <utility>
+
+namespace ZelSystemMonitor {
+
+namespace {
+
+using PowerEventTypeEnum::PowerEventType;
+
+ZelLogger& logger = ZelLogger_getLogger("SystemMonitor");
+
+template <class T>
+bool isSame(const std::weak_ptr<T>& a, const std::weak_ptr<T>& b) {
+    return !a.owner_before(b) && !b.owner_before(a);
+}
+
+/// One that fails must not keep the others from saving what they have.
+void tell(PowerEventObserver& observer, PowerEventType type) {
+    try {
+        observer.onPowerEvent(type);
+    } catch (const std::exception& failure) {
+        ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, std::string("A power event observer failed: ") + failure.what());
+    } catch (...) {
+        ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, "A power event observer failed.");
+    }
+}
+
+} // namespace
+
+SystemMonitorImpl::SystemMonitorImpl(SourceOpener sourceOpener) : opener(std::move(sourceOpener)) {}
+
+SystemMonitorImpl::~SystemMonitorImpl() = default;
+
+void SystemMonitorImpl::addPowerEventObserver(std::weak_ptr<PowerEventObserver> observer) {
+    const std::lock_guard lock(mutex);
+    const bool known =
+        std::any_of(observers.begin(), observers.end(), [&](const auto& present) { return isSame(present, observer); });
+    if (!known) {
+        observers.push_back(std::move(observer));
+    }
+    openSource();
+}
+
+void SystemMonitorImpl::removePowerEventObserver(std::weak_ptr<PowerEventObserver> observer) {
+    const std::lock_guard lock(mutex);
+    std::erase_if(observers, [&](const auto& present) { return isSame(present, observer) || present.expired(); });
+}
+
+void SystemMonitorImpl::attach(const std::shared_ptr<Dispatcher>& dispatcher) {
+    const std::lock_guard lock(mutex);
+    dispatchers.push_back(dispatcher);
+    std::erase_if(observers, [](const auto& present) { return present.expired(); });
+    if (!observers.empty()) {
+        openSource();
+    }
+}
+
+void SystemMonitorImpl::detach(const std::shared_ptr<Dispatcher>& dispatcher) {
+    std::unique_ptr<PowerEventSource> closing;
+    const std::lock_guard lock(mutex);
+    std::erase_if(dispatchers,
+                  [&](const auto& present) { return present.expired() || isSame(present, std::weak_ptr(dispatcher)); });
+    if (dispatchers.empty()) {
+        closing.swap(source);
+    }
+}
+
+void SystemMonitorImpl::openSource() {
+    if (source) {
+        return;
+    }
+    source = opener([self = weak_from_this()](PowerEventType type, PowerEventHold hold) {
+        if (const auto alive = self.lock()) {
+            alive->receive(type, std::move(hold));
+        }
+    });
+}
+
+void SystemMonitorImpl::receive(PowerEventType type, PowerEventHold hold) {
+    ZelLog(logger, ZelLogLevel::Info, ZEL_HERE, "The machine announces power event " + std::to_string(type));
+    const auto dispatcher = getDispatcher();
+    if (!dispatcher) {
+        notify(type);
+        return;
+    }
+    // The hold goes with the task, so it ends as well when the dispatcher drops it.
+    dispatcher->enqueue(std::make_shared<KyrCoreUtils::FunctionTask>(
+                            [self = weak_from_this(), type, held = std::move(hold)] {
+                                if (const auto alive = self.lock()) {
+                                    alive->notify(type);
+                                }
+                            },
+                            "SystemMonitor::notify"),
+                        false);
+}
+
+std::shared_ptr<SystemMonitorImpl::Dispatcher> SystemMonitorImpl::getDispatcher() const {
+    const std::lock_guard lock(mutex);
+    for (auto last = dispatchers.rbegin(); last != dispatchers.rend(); ++last) {
+        if (auto alive = last->lock()) {
+            return alive;
+        }
+    }
+    return nullptr;
+}
+
+std::vector<std::shared_ptr<PowerEventObserver>> SystemMonitorImpl::getLivingObservers() const {
+    std::vector<std::shared_ptr<PowerEventObserver>> living;
+    const std::lock_guard lock(mutex);
+    for (const auto& observer : observers) {
+        if (auto alive = observer.lock()) {
+            living.push_back(std::move(alive));
+        }
+    }
+    return living;
+}
+
+void SystemMonitorImpl::notify(PowerEventType type) const {
+    for (const auto& observer : getLivingObservers()) {
+        tell(*observer, type);
+    }
+}
+
+} // namespace ZelSystemMonitor

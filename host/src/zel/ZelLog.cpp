@@ -1,0 +1,52 @@
+#include "LogDispatcher.h"
+#include "PiiMask.h"
+#include "ZelLogger.h"
+
+#include <kyr/StringUtils.h>
+#include <zel/ZelLog.h>
+
+#include <map>
+#include <memory>
+#include <mutex>
+
+using zel::logging::LogDispatcher;
+
+ZelLogger& ZelLogger_getLogger(std::string_view name) {
+    using Loggers = std::map<std::string, std::unique_ptr<ZelLogger>, std::less<>>;
+    // Never destroyed: static objects of other libraries may log while they die.
+    static Loggers& loggers = *new Loggers;
+    static std::mutex& mutex = *new std::mutex;
+
+    const std::lock_guard lock(mutex);
+    auto found = loggers.find(name);
+    if (found == loggers.end()) {
+        found = loggers.emplace(name, std::make_unique<ZelLogger>(std::string(name))).first;
+    }
+    return *found->second;
+}
+
+bool ZelLog_isDebugEnabled(const ZelLogger&) noexcept {
+    return LogDispatcher::instance().isDebugEnabled();
+}
+
+void ZelLog(ZelLogger& logger, ZelLogLevel level, const char* file, int line, std::string_view function,
+            std::string_view text) {
+    LogDispatcher& dispatcher = LogDispatcher::instance();
+    if (level == ZelLogLevel::Debug && !dispatcher.isDebugEnabled()) {
+        return;
+    }
+    dispatcher.dispatch(
+        {logger.getName(), level, file != nullptr ? file : "", line, std::string(function), std::string(text)});
+}
+
+void ZelLog(ZelLogger& logger, ZelLogLevel level, const char* file, int line, std::string_view function,
+            std::wstring_view text) {
+    if (level == ZelLogLevel::Debug && !ZelLog_isDebugEnabled(logger)) {
+        return;
+    }
+    ZelLog(logger, level, file, line, function, std::string_view(KyrCoreUtils::toString(text)));
+}
+
+std::string ZelLogger_replacePIIData(std::string_view text) {
+    return zel::logging::maskPersonalData(text);
+}

@@ -1,0 +1,104 @@
+#include "DurableFile.h"
+
+#include "FileHandle.h"
+#include "Leftovers.h"
+#include "PathParts.h"
+
+#include <openssl/rand.h>
+
+#include <array>
+#include <cerrno>
+
+namespace zel::storage {
+
+namespace {
+
+int writeAll(FileLayer& layer, FileLayer::Handle handle, std::string_view bytes) {
+    while (!bytes.empty()) {
+        std::size_t count = 0;
+        if (const int error = layer.write(handle, bytes, count); error != 0) {
+            return error;
+        }
+        if (count == 0) {
+            return ENOSPC;
+        }
+        bytes.remove_prefix(count);
+    }
+    return 0;
+}
+
+/// Writes, syncs and closes.
+int fill(FileLayer& layer, FileLayer::Handle opened, std::string_view bytes) {
+    FileHandle handle(layer, opened);
+    if (const int error = writeAll(layer, handle.get(), bytes); error != 0) {
+        return error;
+    }
+    if (const int error = layer.sync(handle.get()); error != 0) {
+        return error;
+    }
+    return handle.close();
+}
+
+} // namespace
+
+int DurableFile::replace(FileLayer& layer, const std::string& path, std::string_view bytes) {
+    return write(layer, path, bytes, Publish::ByRename);
+}
+
+int DurableFile::create(FileLayer& layer, const std::string& path, std::string_view bytes) {
+    return write(layer, path, bytes, Publish::ByLink);
+}
+
+std::string DurableFile::makeTemporaryName(const std::string& path) {
+    std::array<unsigned char, 8> random{};
+    if (RAND_bytes(random.data(), static_cast<int>(random.size())) != 1) {
+        return {};
+    }
+    constexpr std::string_view digits = "0123456789abcdef";
+    const PathParts parts = splitPath(path);
+    std::string name = parts.prefix + "." + parts.name + ".";
+    for (const unsigned char byte : random) {
+        name += digits[byte >> 4U];
+        name += digits[byte & 0xFU];
+    }
+    return name + std::string(temporarySuffix);
+}
+
+/// 1. Make a new file of a random name in the same directory: only there is a rename a single step.
+/// 2. Write all bytes, however many calls that takes.
+/// 3. Sync the file, so that no name ever leads to bytes that are not on the disk.
+/// 4. Close it: some file systems report a failed write only now.
+/// 5. Publish: rename it over the path, or link it to the path and drop the first name.
+/// 6. Sync the directory, so that a power cut can't bring the old file back after success was reported.
+/// A failure in 1 to 5 removes the new file and leaves the old one. A failure in 6 is reported, with the new file
+/// in place: it will or will not survive a power cut, as a whole.
+/// 7. Remove what writers of this path left behind when they were killed long ago.
+int DurableFile::write(FileLayer& layer, const std::string& path, std::string_view bytes, Publish publish) {
+    const PathParts parts = splitPath(path);
+    if (parts.name.empty()) {
+        return EINVAL;
+    }
+    const std::string temporary = makeTemporaryName(path);
+    if (temporary.empty()) {
+        return EIO;
+    }
+    FileLayer::Handle handle = -1;
+    if (const int error = layer.createFile(temporary, handle); error != 0) {
+        return error;
+    }
+    int error = fill(layer, handle, bytes);
+    if (error == 0) {
+        error = publish == Publish::ByRename ? layer.rename(temporary, path) : layer.link(temporary, path);
+    }
+    if (error != 0 || publish == Publish::ByLink) {
+        layer.unlink(temporary);
+    }
+    if (error != 0) {
+        return error;
+    }
+    error = layer.syncDirectory(parts.directory);
+    removeLeftovers(layer, path);
+    return error;
+}
+
+} // namespace zel::storage

@@ -1,0 +1,140 @@
+#include "FileKeyProvider.h"
+
+#include "DurableFile.h"
+#include "FileHandle.h"
+#include "FileReader.h"
+#include "KeyDerivation.h"
+#include "PathParts.h"
+#include "WipedBytes.h"
+
+#include <kyr/FileUtils.h>
+#include <zel/ZelLog.h>
+
+#include <openssl/crypto.h>
+#include <openssl/rand.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <utility>
+
+namespace zel::storage {
+
+namespace {
+
+ZelLogger& logger = ZelLogger_getLogger("Host-EncryptFileUtils");
+
+constexpr std::string_view magic = "LUMK";
+constexpr unsigned char currentVersion = 1;
+constexpr std::size_t versionAt = 4;
+constexpr std::size_t categoryAt = 5;
+constexpr std::size_t idAt = 8;
+constexpr std::size_t keyAt = 16;
+constexpr std::size_t fileLength = keyAt + MasterKey::length;
+
+/// All but the key itself.
+bool fillHeader(FileCategoryType::FileCategory category, const MasterKey& key, unsigned char* file) {
+    KeyId id{};
+    if (!deriveKeyId(key, id)) {
+        return false;
+    }
+    std::fill_n(file, keyAt, static_cast<unsigned char>(0));
+    std::copy(magic.begin(), magic.end(), file);
+    file[versionAt] = currentVersion;
+    file[categoryAt] = static_cast<unsigned char>(category);
+    std::copy(id.begin(), id.end(), file + idAt);
+    return true;
+}
+
+KeyResult parse(std::string_view file, FileCategoryType::FileCategory category, MasterKey& key) {
+    if (file.size() != fileLength) {
+        return KeyResult::Malformed;
+    }
+    std::copy_n(file.begin() + keyAt, MasterKey::length, key.data());
+    unsigned char expected[keyAt];
+    if (!fillHeader(category, key, expected)) {
+        return KeyResult::Unavailable;
+    }
+    const bool inOrder = std::equal(std::begin(expected), std::end(expected), file.begin(),
+                                    [](unsigned char a, char b) { return a == static_cast<unsigned char>(b); });
+    return inOrder ? KeyResult::Found : KeyResult::Malformed;
+}
+
+} // namespace
+
+FileKeyProvider::FileKeyProvider(FileLayer& files, std::string applicationData)
+    : layer(files),
+      parent(std::move(applicationData)),
+      folder(parent.empty() ? "" : parent + KyrCoreUtils::FileUtils::FileSeparator() + "keys") {}
+
+std::string FileKeyProvider::pathOf(FileCategoryType::FileCategory category) const {
+    return folder + KyrCoreUtils::FileUtils::FileSeparator() + "cat" + std::to_string(static_cast<int>(category)) +
+           ".key";
+}
+
+KeyResult FileKeyProvider::find(FileCategoryType::FileCategory category, MasterKey& key) {
+    if (folder.empty()) {
+        return KeyResult::Unavailable;
+    }
+    WipedText file;
+    const ReadOutcome outcome = readRegularFile(layer, pathOf(category), fileLength, file.text);
+    switch (outcome.result) {
+    case ReadResult::Ok:
+        return parse(file.text, category, key);
+    case ReadResult::Absent:
+        return KeyResult::Absent;
+    default:
+        return outcome.lasting ? KeyResult::Malformed : KeyResult::Unavailable;
+    }
+}
+
+KeyResult FileKeyProvider::findOrMake(FileCategoryType::FileCategory category, MasterKey& key) {
+    const KeyResult atFirst = find(category, key);
+    if (atFirst == KeyResult::Found || atFirst == KeyResult::Unavailable) {
+        return atFirst;
+    }
+    if (!prepareFolder()) {
+        return KeyResult::Unavailable;
+    }
+    // Without the lock one process could set aside, as malformed, the good key that another has just put there.
+    FileLayer::Handle opened = -1;
+    if (layer.lockDirectory(folder, opened) != 0) {
+        return KeyResult::Unavailable;
+    }
+    const FileHandle lock(layer, opened);
+    const KeyResult underLock = find(category, key);
+    if (underLock == KeyResult::Found || underLock == KeyResult::Unavailable) {
+        return underLock;
+    }
+    if (underLock == KeyResult::Malformed) {
+        const std::string path = pathOf(category);
+        if (layer.rename(path, path + ".bad") != 0) {
+            return KeyResult::Unavailable;
+        }
+        ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE,
+               "Malformed key file kept as " + splitPath(path).name + ".bad, a new key is made");
+    }
+    if (!make(category)) {
+        return KeyResult::Unavailable;
+    }
+    return find(category, key) == KeyResult::Found ? KeyResult::Found : KeyResult::Unavailable;
+}
+
+bool FileKeyProvider::prepareFolder() {
+    return KyrCoreUtils::FileUtils::createDirectory(parent) == 0 && layer.createDirectory(folder) == 0 &&
+           layer.syncDirectory(parent) == 0;
+}
+
+bool FileKeyProvider::make(FileCategoryType::FileCategory category) {
+    MasterKey fresh;
+    WipedBytes file(fileLength);
+    if (RAND_priv_bytes(fresh.data(), static_cast<int>(MasterKey::length)) != 1 ||
+        !fillHeader(category, fresh, file.data())) {
+        return false;
+    }
+    std::copy_n(fresh.data(), MasterKey::length, file.data() + keyAt);
+    const int error = DurableFile::create(layer, pathOf(category), file.view());
+    // Where locks hold nothing somebody may have been first: the link decides whose key it is.
+    return error == 0 || error == EEXIST;
+}
+
+} // namespace zel::storage

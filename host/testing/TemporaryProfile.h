@@ -1,0 +1,33 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace testing_host {
+
+/// A profile of its own under the temporary folder: the host's directories point into it while it lives, and it is
+/// removed at the end.
+class TemporaryProfile {
+public:
+    TemporaryProfile();
+    ~TemporaryProfile();
+    TemporaryProfile(const TemporaryProfile&) = delete;
+    TemporaryProfile& operator=(const TemporaryProfile&) = delete;
+
+    std::filesystem::path root() const { return base; }
+    std::filesystem::path config() const { return base / "config"; }
+    std::filesystem::path data() const { return base / "data"; }
+    std::filesystem::path state() const { return base / "state"; }
+    std::filesystem::path resources() const { return base / "resources"; }
+
+private:
+    std::filesystem::path base;
+};
+
+/// The whole file; empty when it can't be read.
+std::string readFile(const std::filesystem::path& path);
+/// Writes the file, making its folder.
+void writeFile(const std::filesystem::path& path, std::string_view content);
+
+} // namespace testing_host

@@ -1,0 +1,144 @@
+#include <unified/ProfileLock.h>
+
+#include <TemporaryProfile.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <filesystem>
+#include <memory>
+#include <string>
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing_host::TemporaryProfile;
+using ZelUnified::ProfileLock;
+
+namespace {
+
+/// Another process that holds a profile until it is killed.
+class HoldingProcess {
+public:
+    HoldingProcess(const std::string& config, const std::string& state) {
+        int ready[2];
+        EXPECT_EQ(pipe(ready), 0);
+        pid = fork();
+        if (pid == 0) {
+            const ProfileLock lock(config, state);
+            const char answer = lock.isHeld() ? 'y' : 'n';
+            if (write(ready[1], &answer, 1) == 1) {
+                pause();
+            }
+            _exit(0);
+        }
+        close(ready[1]);
+        char answer = 0;
+        EXPECT_EQ(read(ready[0], &answer, 1), 1);
+        EXPECT_EQ(answer, 'y');
+        close(ready[0]);
+    }
+    ~HoldingProcess() { end(); }
+
+    void end() {
+        if (pid > 0) {
+            kill(pid, SIGKILL);
+            waitpid(pid, nullptr, 0);
+            pid = 0;
+        }
+    }
+    long getPid() const { return pid; }
+
+private:
+    pid_t pid = 0;
+};
+
+class ProfileLockTest : public testing::Test {
+protected:
+    TemporaryProfile profile;
+    const std::string config = profile.config().string();
+    const std::string state = profile.state().string();
+};
+
+} // namespace
+
+TEST_F(ProfileLockTest, TheFirstHoldsTheProfile) {
+    const ProfileLock lock(config, state);
+    EXPECT_TRUE(lock.isHeld());
+    EXPECT_EQ(lock.getHolder(), 0);
+    EXPECT_EQ(lock.getProblem(), "");
+}
+
+TEST_F(ProfileLockTest, TheSecondIsToldWhichProcessHoldsIt) {
+    const HoldingProcess other(config, state);
+    const ProfileLock lock(config, state);
+    EXPECT_FALSE(lock.isHeld());
+    EXPECT_EQ(lock.getHolder(), other.getPid());
+    EXPECT_THAT(lock.getProblem(), AllOf(HasSubstr(config), HasSubstr(std::to_string(other.getPid()))));
+}
+
+TEST_F(ProfileLockTest, ASecondLockOfTheSameProcessIsRefusedToo) {
+    const ProfileLock first(config, state);
+    const ProfileLock second(config, state);
+    EXPECT_FALSE(second.isHeld());
+    EXPECT_EQ(second.getHolder(), getpid());
+}
+
+TEST_F(ProfileLockTest, TheLockEndsWithItsObject) {
+    { const ProfileLock lock(config, state); }
+    const ProfileLock next(config, state);
+    EXPECT_TRUE(next.isHeld());
+}
+
+TEST_F(ProfileLockTest, TheLockEndsWithAProcessThatDied) {
+    HoldingProcess other(config, state);
+    other.end();
+    const ProfileLock lock(config, state);
+    EXPECT_TRUE(lock.isHeld());
+}
+
+TEST_F(ProfileLockTest, OtherProfilesOfTheSameStateFolderAreFree) {
+    const ProfileLock first(config, state);
+    const ProfileLock second(config + "2", state);
+    EXPECT_TRUE(second.isHeld());
+}
+
+TEST_F(ProfileLockTest, SpellingsOfOneDirectoryMeet) {
+    const ProfileLock first(config, state);
+    std::filesystem::create_directory_symlink(profile.config(), profile.root() / "link");
+    for (const auto& spelling :
+         {config + "/", profile.root().string() + "/./config", (profile.root() / "link").string()}) {
+        EXPECT_FALSE(ProfileLock(spelling, state).isHeld()) << spelling;
+    }
+}
+
+TEST_F(ProfileLockTest, MakesTheStateFolder) {
+    const auto missing = profile.state() / "new" / "folder";
+    const ProfileLock lock(config, missing.string());
+    EXPECT_TRUE(lock.isHeld());
+}
+
+TEST_F(ProfileLockTest, TellsWhyTheLockCantBeMade) {
+    testing_host::writeFile(profile.root() / "file", "x");
+    const ProfileLock lock(config, (profile.root() / "file").string());
+    EXPECT_FALSE(lock.isHeld());
+    EXPECT_EQ(lock.getHolder(), 0);
+    EXPECT_THAT(lock.getProblem(), HasSubstr((profile.root() / "file").string()));
+}
+
+TEST_F(ProfileLockTest, TheLockFileIsTheUsersAlone) {
+    const ProfileLock lock(config, state);
+    int files = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(state)) {
+        ++files;
+        EXPECT_EQ(entry.status().permissions(),
+                  std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+    }
+    EXPECT_EQ(files, 1);
+}
+
+TEST_F(ProfileLockTest, AFailedAttemptLeavesTheHoldersNameInPlace) {
+    const HoldingProcess other(config, state);
+    { const ProfileLock refused(config, state); }
+    const ProfileLock again(config, state);
+    EXPECT_EQ(again.getHolder(), other.getPid());
+}

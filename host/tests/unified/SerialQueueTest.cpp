@@ -1,0 +1,447 @@
+#include "unified/SerialQueue.h"
+
+#include <kyr/FunctionTask.h>
+
+#include <LogRecorder.h>
+#include <Signal.h>
+
+#include <algorithm>
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing_host::LogRecorder;
+using testing_host::Signal;
+using ZelUnified::Processing::SerialQueue;
+
+namespace {
+
+std::shared_ptr<zel::Task> task(std::function<void()> work, const std::string& name = "task") {
+    return std::make_shared<KyrCoreUtils::FunctionTask>(std::move(work), name);
+}
+
+/// A task whose end of life can be watched.
+class DyingTask final : public zel::Task {
+public:
+    explicit DyingTask(std::function<void()> lastWill) : onDeath(std::move(lastWill)) {}
+    ~DyingTask() override { onDeath(); }
+    void run() override {}
+    std::string getName() const override { return "dying"; }
+
+private:
+    std::function<void()> onDeath;
+};
+
+} // namespace
+
+TEST(SerialQueue, RunsTasksInTheOrderOfPosting) {
+    SerialQueue queue(SerialQueue::Mode::OwnThread);
+    std::vector<int> order;
+    queue.start();
+    for (int i = 0; i < 100; ++i) {
+        queue.enqueue(task([&order, i] { order.push_back(i); }), false);
+    }
+    queue.flush();
+    ASSERT_EQ(order.size(), 100U);
+    EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
+}
+
+TEST(SerialQueue, KeepsEachThreadsOrderWhenManyPost) {
+    SerialQueue queue(SerialQueue::Mode::OwnThread);
+    queue.start();
+    std::vector<std::vector<int>> orders(8);
+    std::vector<std::thread> threads;
+    for (auto& order : orders) {
+        threads.emplace_back([&queue, &order] {
+            for (int i = 0; i < 200; ++i) {
+                queue.enqueue(task([&order, i] { order.push_back(i); }), false);
+            }
+        });
+    }
+    for (auto& thread : threads) {
+        thread.join();
+    }
+    queue.flush();
+    for (const auto& order : orders) {
+        EXPECT_EQ(order.size(), 200U);
+        EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
+    }
+}
+
+TEST(SerialQueue, KeepsWhatWasQueuedBeforeTheStart) {
+    SerialQueue queue(SerialQueue::Mode::OwnThread);
+    std::vector<int> order;
+    queue.enqueue(task([&] { order.push_back(1); }), false);
+    queue.enqueue(task([&] { order.push_back(2); }), false);
+    queue.flush();
+    EXPECT_TRUE(order.empty());
+    queue.start();
+    queue.flush();
+    EXPECT_THAT(order, ElementsAre(1, 2));
+}
+
+TEST(SerialQueue, AheadGoesBeforeWhatWaits) {
+    SerialQueue queue(SerialQueue::Mode::OwnThread);
+    std::vector<int> order;
+    queue.enqueue(task([&] { order.push_back(1); }), false);
+    queue.enqueue(task([&] { order.push_back(2); }), true);
+    queue.start();
+    queue.flush();
+    EXPECT_THAT(order, ElementsAre(2, 1));
+}
+
+TEST(SerialQueue, IgnoresANullTask) {
+    const LogRecorder log;
+    SerialQueue queue(SerialQueue::Mode::OwnThread);
+    queue.start();
+    EXPECT_FALSE(queue.enqueue(nullptr, false));
+    queue.enqueueBlock(nullptr, false);
+    queue.flush();
+    EXPECT_TRUE(log.getRecords().empty());
+}
+
+TEST(SerialQueue, AThrowingTaskIsLoggedByNameAndTheNextOneRuns) {
+    const LogRecorder log;
+    SerialQueue queue(SerialQueue::Mode::OwnThread);
+    bool ran = false;
+    queue.start();
+    queue.enqueue(task([] { throw std::runtime_error("broken"); }, "ConfigServiceImpl::OnConfigChanged"), false);
+    queue.enqueue(task([] { throw 1; }, "odd"), false);
+    queue.enqueue(task([&] { ran = true; }), false);
+    queue.flush();
+    EXPECT_TRUE(ran);
+    EXPECT_THAT(
+        log.getTexts(ZelLogLevel::Error),
+        ElementsAre(AllOf(HasSubstr("ConfigServiceImpl::OnConfigChanged"), HasSubstr("broken")), HasSubstr("odd")));
+    EXPECT_EQ(log.getRecords().front().logger, "UnifiedFactory-Dispatcher");
+}
+
+TEST(SerialQueue, EnqueueBlockReturnsWhenTheTaskHasRunOnTheQueuesThread) {
+    SerialQueue queue(SerialQueue::Mode::OwnThread);
+    queue.start();
+    std::thread::id ranOn;
+    queue.enqueueBlock(task([&] { ranOn = std::this_thread::get_id(); }), false);
+    EXPECT_NE(ranOn, std::thread::id());
+    EXPECT_NE(ranOn, std::this_thread::get_id());
+}
+
+TEST(SerialQueue, AThrowingTaskReleasesWhoWaitsForIt) {
+    const LogRecorder log;
+    SerialQueue queue(SerialQueue::Mode::OwnThread);
+    queue.start();
+    queue.enqueueBlock(task([] { throw std::runtime_error("broken"); }, "blocking"), false);
+    EXPECT_THAT(log.getTexts(ZelLogLevel::Error), ElementsAre(HasSubstr("blocking")));
+}
+
+TEST(SerialQueue, EnqueueBlockOnTheOwnThreadRunsAtOnceAheadOfWhatWaits) {
+    SerialQueue queue(SerialQueue::Mode::OwnThread);
+    std::vector<int> order;
+    queue.enqueue(task([&] {
+                      queue.enqueue(task([&] { order.push_back(2); }), false);
+                      queue.enqueueBlock(task([&] { order.push_back(1); }), false);
+                  }),
+                  false);
+    queue.start();
+    queue.flush();
+    EXPECT_THAT(order, ElementsAre(1, 2));
+}
+
+TEST(SerialQueue, EnqueueBlockOnAQueueThatDoesNotRunRunsAtOnceOnTheCallersThread) {
+    SerialQueue queue(SerialQueue::Mode::OwnThread);
+    std::vector<std::thread::id> ranOn;
+    const auto work = [&] { ranOn.push_back(std::this_thread::get_id()); };
+    queue.enqueueBlock(task(work), false);
+    queue.start();
+    queue.end();
+    queue.enqueueBlock(task(work), false);
+    EXPECT_THAT(ranOn, ElementsAre(std::this_thread::get_id(), std::this_thread::get_id()));
+}
+
+TEST(SerialQueue, EnqueueAfterTheEndDropsTheTaskWithAWarning) {
+    const LogRecorder log;
+    SerialQueue queue(SerialQueue::Mode::OwnThread);
+    queue.start();
+    queue.end();
+    bool ran = false;
+    bool died = false;
+    EXPECT_FALSE(queue.enqueue(task([&] { ran = true; }, "late"), false));
+    queue.enqueue(std::make_shared<DyingTask>([&] { died = true; }), false);
+    queue.flush();
+    EXPECT_FALSE(ran);
+    EXPECT_TRUE(died);
+    EXPECT_THAT(log.getTexts(ZelLogLevel::Warning), ElementsAre(HasSubstr("late"), HasSubstr("dying")));
+}
+
+TEST(SerialQueue, TheEndRunsWhatWaits) {
+    SerialQueue queue(SerialQueue::Mode::OwnThread);
+    int runs = 0;
+    Signal go;
+    queue.start();
+    queue.enqueue(task([&] { EXPECT_TRUE(go.wait()); }), false);
+    for (int i = 0; i < 10; ++i) {
+        queue.enqueue(task([&] { ++runs; }), false);
+    }
+    queue.close();
+    EXPECT_FALSE(queue.enqueue(task([&] { ++runs; }), false));
+    go.set();
+    queue.end();
+    EXPECT_EQ(runs, 10);
+}
+
+TEST(SerialQueue, AQueueThatWasNeverStartedDropsWhatWaitsAtItsEnd) {
+    const LogRecorder log;
+    bool died = false;
+    {
+        SerialQueue queue(SerialQueue::Mode::OwnThread);
+        queue.enqueue(std::make_shared<DyingTask>([&] { died = true; }), false);
+    }
+    EXPECT_TRUE(died);
+    EXPECT_THAT(log.getTexts(ZelLogLevel::Warning), ElementsAre(HasSubstr("dying")));
+}
+
+TEST(SerialQueue, ATaskDiesWithNoLockHeldAndBeforeItsWaiterIsReleased) {
+    SerialQueue queue(SerialQueue::Mode::OwnThread);
+    std::atomic<bool> died = false;
+    bool ranAfterwards = false;
+    queue.start();
+    queue.enqueueBlock(std::make_shared<DyingTask>([&] {
+                           queue.enqueue(task([&] { ranAfterwards = true; }), false);
+                           died = true;
+                       }),
+                       false);
+    EXPECT_TRUE(died);
+    queue.flush();
+    EXPECT_TRUE(ranAfterwards);
+}
+
+TEST(SerialQueue, TheQueuesThreadAloneIsTheOwnerAndNobodyAfterTheEnd) {
+    SerialQueue queue(SerialQueue::Mode::OwnThread);
+    EXPECT_FALSE(queue.isOwner());
+    queue.start();
+    bool ownerInside = false;
+    queue.enqueueBlock(task([&] { ownerInside = queue.isOwner(); }), false);
+    EXPECT_TRUE(ownerInside);
+    EXPECT_FALSE(queue.isOwner());
+    queue.end();
+    EXPECT_FALSE(queue.isOwner());
+}
+
+TEST(SerialQueue, FlushWaitsForEveryTaskPostedBefore) {
+    SerialQueue queue(SerialQueue::Mode::OwnThread);
+    int runs = 0;
+    queue.start();
+    for (int i = 0; i < 50; ++i) {
+        queue.enqueue(task([&] { ++runs; }), false);
+    }
+    queue.flush();
+    EXPECT_EQ(runs, 50);
+}
+
+TEST(SerialQueue, FlushOnTheOwnThreadRunsWhatWaits) {
+    SerialQueue queue(SerialQueue::Mode::OwnThread);
+    bool ranBeforeFlushReturned = false;
+    queue.start();
+    queue.enqueueBlock(task([&] {
+                           bool ran = false;
+                           queue.enqueue(task([&] { ran = true; }), false);
+                           queue.flush();
+                           ranBeforeFlushReturned = ran;
+                       }),
+                       false);
+    EXPECT_TRUE(ranBeforeFlushReturned);
+}
+
+TEST(SerialQueue, FlushForGivesUpWhileATaskRuns) {
+    SerialQueue queue(SerialQueue::Mode::OwnThread);
+    Signal go;
+    queue.start();
+    queue.enqueue(task([&] { EXPECT_TRUE(go.wait()); }), false);
+    const auto mark = queue.getMark();
+    EXPECT_FALSE(queue.flushFor(mark, std::chrono::milliseconds(1)));
+    go.set();
+    queue.flush();
+    EXPECT_TRUE(queue.flushFor(mark, std::chrono::milliseconds(0)));
+}
+
+TEST(SerialQueue, FlushIsNotHeldUpByAStreamOfNewTasks) {
+    SerialQueue queue(SerialQueue::Mode::OwnThread);
+    std::atomic<bool> ended = false;
+    const std::function<void()> again = [&] {
+        if (!ended) {
+            queue.enqueue(task(again), false);
+        }
+    };
+    queue.enqueue(task(again), false);
+    queue.start();
+    queue.flush();
+    ended = true;
+}
+
+TEST(SerialQueue, ATaskMayEndTheQueueItRunsOn) {
+    SerialQueue queue(SerialQueue::Mode::OwnThread);
+    bool ranWhatWaited = false;
+    Signal ended;
+    queue.enqueue(task([&] {
+                      queue.end();
+                      ended.set();
+                  }),
+                  false);
+    queue.enqueue(task([&] { ranWhatWaited = true; }), false);
+    queue.start();
+    ASSERT_TRUE(ended.wait());
+    EXPECT_TRUE(ranWhatWaited);
+}
+
+TEST(SerialQueue, ATaskMayHoldTheLastReferenceToItsQueue) {
+    auto queue = std::make_shared<SerialQueue>(SerialQueue::Mode::OwnThread);
+    Signal released;
+    Signal done;
+    queue->start();
+    queue->enqueue(task([last = queue, &released, &done]() mutable {
+                       EXPECT_TRUE(released.wait());
+                       last.reset();
+                       done.set();
+                   }),
+                   false);
+    queue.reset();
+    released.set();
+    EXPECT_TRUE(done.wait());
+}
+
+TEST(SerialQueue, RunsTheTasksForWhichAnotherQueueWaitsAheadOfTheRest) {
+    SerialQueue waiting(SerialQueue::Mode::OwnThread);
+    SerialQueue pumped(SerialQueue::Mode::Pumped);
+    std::vector<std::string> order;
+    pumped.start();
+    waiting.start();
+    pumped.enqueue(task([&] { order.push_back("ordinary"); }), false);
+    waiting.enqueue(task([&] { pumped.enqueueBlock(task([&] { order.push_back("awaited"); }), false); }), false);
+    const auto mark = waiting.getMark();
+    while (!waiting.flushFor(mark, std::chrono::milliseconds(1))) {
+        pumped.runTasksAwaitedBy(waiting);
+    }
+    EXPECT_THAT(order, ElementsAre("awaited"));
+    pumped.pumpAll();
+    EXPECT_THAT(order, ElementsAre("awaited", "ordinary"));
+}
+
+TEST(PumpedSerialQueue, RunsOneTaskAtEachPump) {
+    SerialQueue queue(SerialQueue::Mode::Pumped);
+    std::vector<int> order;
+    queue.start();
+    queue.enqueue(task([&] { order.push_back(1); }), false);
+    queue.enqueue(task([&] { order.push_back(2); }), false);
+    EXPECT_TRUE(order.empty());
+    EXPECT_TRUE(queue.pumpNext());
+    EXPECT_THAT(order, ElementsAre(1));
+    EXPECT_TRUE(queue.pumpNext());
+    EXPECT_THAT(order, ElementsAre(1, 2));
+    EXPECT_FALSE(queue.pumpNext());
+}
+
+TEST(PumpedSerialQueue, PumpAllRunsWhatTasksPostToo) {
+    SerialQueue queue(SerialQueue::Mode::Pumped);
+    int runs = 0;
+    queue.start();
+    queue.enqueue(task([&] {
+                      ++runs;
+                      queue.enqueue(task([&] { ++runs; }), false);
+                  }),
+                  false);
+    queue.pumpAll();
+    EXPECT_EQ(runs, 2);
+}
+
+TEST(PumpedSerialQueue, ATaskThatRanAheadOfItsTurnCountsForNoPump) {
+    SerialQueue queue(SerialQueue::Mode::Pumped);
+    int runs = 0;
+    queue.start();
+    queue.enqueue(task([&] { ++runs; }), false);
+    queue.flush();
+    EXPECT_EQ(runs, 1);
+    EXPECT_FALSE(queue.pumpNext());
+    queue.enqueue(task([&] { ++runs; }), false);
+    EXPECT_TRUE(queue.pumpNext());
+    EXPECT_EQ(runs, 2);
+}
+
+TEST(PumpedSerialQueue, OnlyTheOwnerPumpsAndClaimMovesTheOwnership) {
+    SerialQueue queue(SerialQueue::Mode::Pumped);
+    bool ran = false;
+    queue.start();
+    EXPECT_TRUE(queue.isOwner());
+    queue.enqueue(task([&] { ran = true; }), false);
+    std::thread([&] {
+        EXPECT_FALSE(queue.isOwner());
+        EXPECT_FALSE(queue.pumpNext());
+        queue.claim();
+        EXPECT_TRUE(queue.isOwner());
+        EXPECT_TRUE(queue.pumpNext());
+    }).join();
+    EXPECT_FALSE(queue.isOwner());
+    EXPECT_TRUE(ran);
+}
+
+TEST(PumpedSerialQueue, WhoWaitsForATaskOnAnotherThreadIsReleasedByThePump) {
+    SerialQueue queue(SerialQueue::Mode::Pumped);
+    queue.start();
+    const auto owner = std::this_thread::get_id();
+    std::thread::id ranOn;
+    std::thread waiter([&] { queue.enqueueBlock(task([&] { ranOn = std::this_thread::get_id(); }), false); });
+    ASSERT_TRUE(queue.waitForTask(std::chrono::seconds(60)));
+    queue.pumpAll();
+    waiter.join();
+    EXPECT_EQ(ranOn, owner);
+}
+
+TEST(PumpedSerialQueue, WaitForTaskGivesUpAfterItsTimeAndAtTheEnd) {
+    SerialQueue queue(SerialQueue::Mode::Pumped);
+    queue.start();
+    EXPECT_FALSE(queue.waitForTask(std::chrono::milliseconds(1)));
+    std::thread ender([&] { queue.close(); });
+    EXPECT_FALSE(queue.waitForTask(std::chrono::hours(1)));
+    ender.join();
+}
+
+TEST(PumpedSerialQueue, TellsOfEachPostedTask) {
+    SerialQueue queue(SerialQueue::Mode::Pumped);
+    int told = 0;
+    queue.start();
+    queue.setPostedCallback([&] { ++told; });
+    queue.enqueue(task([] {}), false);
+    queue.enqueueBlock(task([] {}), false);
+    EXPECT_EQ(told, 1);
+    queue.setPostedCallback(nullptr);
+    queue.enqueue(task([] {}), false);
+    EXPECT_EQ(told, 1);
+}
+
+TEST(PumpedSerialQueue, AnEndOnAnotherThreadDropsWhatWaitsAndReleasesTheWaiter) {
+    const LogRecorder log;
+    SerialQueue queue(SerialQueue::Mode::Pumped);
+    queue.start();
+    bool ran = false;
+    std::thread waiter([&] { queue.enqueueBlock(task([&] { ran = true; }, "awaited"), false); });
+    ASSERT_TRUE(queue.waitForTask(std::chrono::seconds(60)));
+    std::thread([&] { queue.end(); }).join();
+    waiter.join();
+    EXPECT_FALSE(ran);
+    EXPECT_FALSE(queue.isOwner());
+    EXPECT_THAT(log.getTexts(ZelLogLevel::Warning), ElementsAre(HasSubstr("awaited")));
+}
+
+TEST(PumpedSerialQueue, AnEndOnTheOwnersThreadRunsWhatWaits) {
+    SerialQueue queue(SerialQueue::Mode::Pumped);
+    bool ran = false;
+    queue.start();
+    queue.enqueue(task([&] { ran = true; }), false);
+    queue.end();
+    EXPECT_TRUE(ran);
+}

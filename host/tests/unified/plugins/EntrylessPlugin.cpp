@@ -1,0 +1,4 @@
+/// A library that is no plug-in.
+extern "C" [[gnu::visibility("default")]] int somethingElse() {
+    return 1;
+}

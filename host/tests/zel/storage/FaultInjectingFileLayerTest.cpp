@@ -1,0 +1,106 @@
+#include "FaultInjectingFileLayer.h"
+
+#include "StorageProfile.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <string>
+
+namespace {
+
+using testing_host::FaultInjectingFileLayer;
+using testing_host::namesIn;
+using testing_host::readFile;
+using testing_host::writeFile;
+using Operation = FaultInjectingFileLayer::Operation;
+
+/// The tests that stand on the layer mean nothing if it takes nothing back.
+struct FaultInjectingFileLayerTest : testing::Test {
+    testing_host::TemporaryProfile profile;
+    FaultInjectingFileLayer layer;
+    const std::string folder = profile.config().string();
+    const std::string first = folder + "/first";
+    const std::string second = folder + "/second";
+
+    void put(const std::string& path, std::string_view bytes, bool sync) {
+        FaultInjectingFileLayer::Handle handle = -1;
+        std::size_t count = 0;
+        ASSERT_EQ(layer.createFile(path, handle), 0);
+        ASSERT_EQ(layer.write(handle, bytes, count), 0);
+        if (sync) {
+            ASSERT_EQ(layer.sync(handle), 0);
+        }
+        ASSERT_EQ(layer.close(handle), 0);
+    }
+};
+
+TEST_F(FaultInjectingFileLayerTest, APowerCutTakesANameWhoseFolderWasNotSynced) {
+    put(first, "abc", true);
+    layer.cutPower(0);
+    EXPECT_THAT(namesIn(folder), testing::IsEmpty());
+}
+
+TEST_F(FaultInjectingFileLayerTest, APowerCutTakesBytesThatWereNotSynced) {
+    put(first, "abc", false);
+    ASSERT_EQ(layer.syncDirectory(folder), 0);
+    layer.cutPower(0);
+    EXPECT_THAT(namesIn(folder), testing::ElementsAre("first"));
+    EXPECT_EQ(readFile(first), "");
+}
+
+TEST_F(FaultInjectingFileLayerTest, APowerCutLeavesWhatWasSynced) {
+    put(first, "abc", true);
+    ASSERT_EQ(layer.syncDirectory(folder), 0);
+    layer.cutPower(0);
+    EXPECT_EQ(readFile(first), "abc");
+}
+
+TEST_F(FaultInjectingFileLayerTest, APowerCutTakesARenameBack) {
+    writeFile(second, "old");
+    put(first, "new", true);
+    ASSERT_EQ(layer.rename(first, second), 0);
+    EXPECT_EQ(layer.countUnsyncedNames(), 2U);
+    layer.cutPower(1);
+    EXPECT_EQ(readFile(first), "new");
+    EXPECT_EQ(readFile(second), "old");
+}
+
+TEST_F(FaultInjectingFileLayerTest, ARenameOfUnsyncedBytesLosesThem) {
+    writeFile(second, "old");
+    put(first, "new", false);
+    ASSERT_EQ(layer.rename(first, second), 0);
+    layer.cutPower(2);
+    EXPECT_THAT(namesIn(folder), testing::ElementsAre("second"));
+    EXPECT_EQ(readFile(second), "");
+}
+
+TEST_F(FaultInjectingFileLayerTest, APowerCutTakesLinksRemovalsAndFoldersBack) {
+    writeFile(first, "kept");
+    ASSERT_EQ(layer.link(first, second), 0);
+    ASSERT_EQ(layer.unlink(first), 0);
+    ASSERT_EQ(layer.createDirectory(folder + "/inner"), 0);
+    layer.cutPower(0);
+    EXPECT_THAT(namesIn(folder), testing::ElementsAre("first"));
+    EXPECT_EQ(readFile(first), "kept");
+}
+
+TEST_F(FaultInjectingFileLayerTest, FailsAtTheChosenCallOnce) {
+    layer.failAt(2, EIO);
+    layer.failAt(Operation::Unlink, 2, EPERM);
+    EXPECT_EQ(layer.unlink(first), ENOENT);
+    EXPECT_EQ(layer.link(first, second), EIO);
+    EXPECT_EQ(layer.unlink(first), EPERM);
+    EXPECT_EQ(layer.unlink(first), ENOENT);
+}
+
+TEST_F(FaultInjectingFileLayerTest, DoesNothingAnyMoreOnceDead) {
+    layer.dieAt(2);
+    ASSERT_EQ(layer.createDirectory(folder + "/a"), 0);
+    EXPECT_EQ(layer.createDirectory(folder + "/b"), EIO);
+    EXPECT_EQ(layer.createDirectory(folder + "/c"), EIO);
+    EXPECT_THAT(namesIn(folder), testing::ElementsAre("a"));
+}
+
+} // namespace

@@ -1,0 +1,289 @@
+#include "zel/storage/FileKeyProvider.h"
+
+#include "LogRecorder.h"
+#include "StorageProfile.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing_host::FaultInjectingFileLayer;
+using testing_host::namesIn;
+using testing_host::readFile;
+using testing_host::writeFile;
+using zel::storage::FileKeyProvider;
+using zel::storage::FileLayer;
+using zel::storage::KeyResult;
+using zel::storage::MasterKey;
+using zel::storage::FileCategoryType::DeviceData;
+using zel::storage::FileCategoryType::UserData;
+using Operation = FaultInjectingFileLayer::Operation;
+
+namespace fs = std::filesystem;
+
+constexpr std::size_t keyFileLength = 48;
+
+std::string textOf(const MasterKey& key) {
+    return {reinterpret_cast<const char*>(key.data()), MasterKey::length};
+}
+
+struct FileKeyProviderTest : testing::Test {
+    testing_host::TemporaryProfile profile;
+    FileKeyProvider provider{FileLayer::platform(), profile.data().string()};
+    const fs::path folder = profile.data() / "keys";
+    MasterKey key;
+
+    std::string make() {
+        EXPECT_EQ(provider.findOrMake(UserData, key), KeyResult::Found);
+        return textOf(key);
+    }
+};
+
+TEST_F(FileKeyProviderTest, AskingAloneMakesNothing) {
+    EXPECT_EQ(provider.find(UserData, key), KeyResult::Absent);
+    EXPECT_FALSE(fs::exists(folder));
+}
+
+TEST_F(FileKeyProviderTest, EachCategoryHasAKeyOfItsOwnThatStays) {
+    const std::string user = make();
+    ASSERT_EQ(provider.findOrMake(DeviceData, key), KeyResult::Found);
+    EXPECT_NE(textOf(key), user);
+    EXPECT_THAT(namesIn(folder), ElementsAre("cat0.key", "cat2.key"));
+    EXPECT_EQ(make(), user);
+    ASSERT_EQ(provider.find(UserData, key), KeyResult::Found);
+    EXPECT_EQ(textOf(key), user);
+}
+
+TEST_F(FileKeyProviderTest, TheKeyFileHasThisForm) {
+    const std::string made = make();
+    const std::string file = readFile(folder / "cat2.key");
+    ASSERT_EQ(file.size(), keyFileLength);
+    EXPECT_EQ(file.substr(0, 8), std::string("LUMK\x01\x02\0\0", 8));
+    EXPECT_EQ(file.substr(16), made);
+}
+
+TEST_F(FileKeyProviderTest, KeysAreTheOwnersAlone) {
+    make();
+    EXPECT_EQ(fs::status(folder).permissions(), fs::perms(0700));
+    EXPECT_EQ(fs::status(folder / "cat2.key").permissions(), fs::perms(0600));
+}
+
+TEST_F(FileKeyProviderTest, MakesTheApplicationDataFolder) {
+    fs::remove(profile.data());
+    make();
+    EXPECT_TRUE(fs::exists(folder / "cat2.key"));
+}
+
+TEST_F(FileKeyProviderTest, WithoutAnApplicationDataFolderThereAreNoKeys) {
+    FileKeyProvider homeless(FileLayer::platform(), "");
+    EXPECT_EQ(homeless.find(UserData, key), KeyResult::Unavailable);
+    EXPECT_EQ(homeless.findOrMake(UserData, key), KeyResult::Unavailable);
+    EXPECT_FALSE(fs::exists("keys"));
+}
+
+TEST_F(FileKeyProviderTest, AnyChangeOfTheKeyFileIsNoticed) {
+    make();
+    const std::string file = readFile(folder / "cat2.key");
+    for (std::size_t i = 0; i < file.size(); ++i) {
+        std::string changed = file;
+        changed[i] = static_cast<char>(changed[i] ^ 0x10);
+        writeFile(folder / "cat2.key", changed);
+        EXPECT_EQ(provider.find(UserData, key), KeyResult::Malformed) << i;
+    }
+    for (const std::string& other : {std::string(), file.substr(1), file + "x", std::string(100'000, 'x')}) {
+        writeFile(folder / "cat2.key", other);
+        EXPECT_EQ(provider.find(UserData, key), KeyResult::Malformed) << other.size();
+    }
+    fs::copy_file(folder / "cat2.key", folder / "cat0.key");
+    EXPECT_EQ(provider.find(DeviceData, key), KeyResult::Malformed);
+}
+
+TEST_F(FileKeyProviderTest, AMalformedKeyIsKeptAsideAndANewOneMade) {
+    const testing_host::LogRecorder log;
+    const std::string before = make();
+    writeFile(folder / "cat2.key", "rubbish");
+    const std::string after = make();
+    EXPECT_NE(after, before);
+    EXPECT_THAT(namesIn(folder), ElementsAre("cat2.key", "cat2.key.bad"));
+    EXPECT_EQ(readFile(folder / "cat2.key.bad"), "rubbish");
+    EXPECT_THAT(log.getTexts(ZelLogLevel::Warning),
+                ElementsAre("Malformed key file kept as cat2.key.bad, a new key is made"));
+}
+
+TEST_F(FileKeyProviderTest, AFolderInTheKeysPlaceIsKeptAsideToo) {
+    fs::create_directories(folder / "cat2.key");
+    EXPECT_EQ(provider.find(UserData, key), KeyResult::Malformed);
+    make();
+    EXPECT_TRUE(fs::is_directory(folder / "cat2.key.bad"));
+}
+
+TEST_F(FileKeyProviderTest, AKeyThatCanNotBeReadNowIsNeverReplaced) {
+    const std::string made = make();
+    FaultInjectingFileLayer layer;
+    FileKeyProvider faulty(layer, profile.data().string());
+    for (const Operation step : {Operation::OpenForReading, Operation::Read}) {
+        for (const int error : {EIO, EACCES, EMFILE}) {
+            layer.failAt(step, 1, error);
+            EXPECT_EQ(faulty.find(UserData, key), KeyResult::Unavailable);
+            layer.failAt(step, 1, error);
+            EXPECT_EQ(faulty.findOrMake(UserData, key), KeyResult::Unavailable);
+        }
+    }
+    EXPECT_THAT(namesIn(folder), ElementsAre("cat2.key"));
+    EXPECT_EQ(make(), made);
+}
+
+TEST_F(FileKeyProviderTest, AFailureAtAnyStepLeavesNoKeyOrAWholeOne) {
+    FaultInjectingFileLayer counting;
+    FileKeyProvider counted(counting, profile.data().string());
+    ASSERT_EQ(counted.findOrMake(UserData, key), KeyResult::Found);
+    const std::size_t calls = counting.getCalls().size();
+    for (std::size_t call = 1; call <= calls; ++call) {
+        fs::remove_all(folder);
+        FaultInjectingFileLayer layer;
+        FileKeyProvider faulty(layer, profile.data().string());
+        layer.failAt(call, EIO);
+        faulty.findOrMake(UserData, key);
+        const KeyResult left = provider.find(UserData, key);
+        EXPECT_THAT(left, testing::AnyOf(KeyResult::Absent, KeyResult::Found)) << "failed at " << call;
+        make();
+    }
+}
+
+TEST_F(FileKeyProviderTest, AKeyThatWasHandedOutSurvivesAPowerCut) {
+    FaultInjectingFileLayer layer;
+    FileKeyProvider faulty(layer, profile.data().string());
+    ASSERT_EQ(faulty.findOrMake(UserData, key), KeyResult::Found);
+    const std::string made = textOf(key);
+    layer.cutPower(0);
+    ASSERT_EQ(provider.find(UserData, key), KeyResult::Found);
+    EXPECT_EQ(textOf(key), made);
+}
+
+TEST_F(FileKeyProviderTest, ThreadsThatMakeTheKeyAtOnceAgree) {
+    constexpr std::size_t count = 8;
+    std::vector<std::string> seen(count);
+    std::vector<std::thread> threads;
+    for (std::size_t i = 0; i < count; ++i) {
+        threads.emplace_back([this, &seen, i] {
+            MasterKey mine;
+            if (provider.findOrMake(UserData, mine) == KeyResult::Found) {
+                seen[i] = textOf(mine);
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_THAT(seen, testing::Each(make()));
+}
+
+/// Starts processes that all wait for one moment, make the key and send it home. What they sent.
+std::vector<std::string> makeInProcesses(FileKeyProvider& provider, std::size_t count) {
+    int start[2];
+    int answers[2];
+    if (::pipe(start) != 0 || ::pipe(answers) != 0) {
+        return {};
+    }
+    std::vector<pid_t> children;
+    for (std::size_t i = 0; i < count; ++i) {
+        const pid_t child = ::fork();
+        if (child == 0) {
+            ::close(start[1]);
+            char ignored = 0;
+            MasterKey mine;
+            const bool done = ::read(start[0], &ignored, 1) == 0 &&
+                              provider.findOrMake(UserData, mine) == KeyResult::Found &&
+                              ::write(answers[1], mine.data(), MasterKey::length) == MasterKey::length;
+            ::_exit(done ? 0 : 1);
+        }
+        children.push_back(child);
+    }
+    ::close(start[0]);
+    ::close(start[1]);
+    ::close(answers[1]);
+    std::vector<std::string> seen;
+    std::string answer(MasterKey::length, '\0');
+    while (::read(answers[0], answer.data(), answer.size()) == static_cast<ssize_t>(answer.size())) {
+        seen.push_back(answer);
+    }
+    ::close(answers[0]);
+    for (const pid_t child : children) {
+        ::waitpid(child, nullptr, 0);
+    }
+    return seen;
+}
+
+TEST_F(FileKeyProviderTest, ProcessesThatMakeTheKeyAtOnceAgree) {
+    constexpr std::size_t processes = 4;
+    for (int round = 0; round < 20; ++round) {
+        fs::remove_all(folder);
+        if (round % 2 == 1) {
+            writeFile(folder / "cat2.key", "rubbish");
+        }
+        const std::vector<std::string> seen = makeInProcesses(provider, processes);
+        EXPECT_EQ(seen.size(), processes);
+        EXPECT_THAT(seen, testing::Each(make())) << "round " << round;
+        EXPECT_THAT(namesIn(folder), testing::Not(testing::Contains(testing::EndsWith(".tmp"))));
+    }
+}
+
+TEST_F(FileKeyProviderTest, WhereLocksHoldNothingTheLinkDecides) {
+    // Another process makes its key between the look and the link.
+    class LateLayer final : public zel::storage::FileLayer {
+    public:
+        explicit LateLayer(FileKeyProvider& provider) : other(provider) {}
+        int createFile(const std::string& path, Handle& handle) override { return real.createFile(path, handle); }
+        int openForReading(const std::string& path, Handle& handle, zel::storage::FileKind& kind,
+                           std::uint64_t& size) override {
+            return real.openForReading(path, handle, kind, size);
+        }
+        int read(Handle handle, char* buffer, std::size_t room, std::size_t& count) override {
+            return real.read(handle, buffer, room, count);
+        }
+        int write(Handle handle, std::string_view bytes, std::size_t& count) override {
+            return real.write(handle, bytes, count);
+        }
+        int sync(Handle handle) override {
+            MasterKey key;
+            EXPECT_EQ(other.findOrMake(UserData, key), KeyResult::Found);
+            theirs = textOf(key);
+            return real.sync(handle);
+        }
+        int close(Handle handle) override { return real.close(handle); }
+        int rename(const std::string& from, const std::string& to) override { return real.rename(from, to); }
+        int link(const std::string& existing, const std::string& name) override { return real.link(existing, name); }
+        int unlink(const std::string& path) override { return real.unlink(path); }
+        int createDirectory(const std::string& path) override { return real.createDirectory(path); }
+        int syncDirectory(const std::string& path) override { return real.syncDirectory(path); }
+        int lockDirectory(const std::string& path, Handle& handle) override {
+            FileKind kind{};
+            std::uint64_t size = 0;
+            return real.openForReading(path, handle, kind, size);
+        }
+
+        std::string theirs;
+
+    private:
+        using FileKind = zel::storage::FileKind;
+        FileLayer& real = FileLayer::platform();
+        FileKeyProvider& other;
+    } layer(provider);
+    FileKeyProvider late(layer, profile.data().string());
+    ASSERT_EQ(late.findOrMake(UserData, key), KeyResult::Found);
+    EXPECT_EQ(textOf(key), layer.theirs);
+    EXPECT_EQ(make(), layer.theirs);
+    EXPECT_THAT(namesIn(folder), ElementsAre("cat2.key"));
+}
+
+} // namespace
