@@ -1,0 +1,40 @@
+#pragma once
+
+#include <ConfigMap.h>
+#include <ConfigStore.h>
+
+#include <istream>
+
+namespace ZelUnified {
+
+/// The read-only store that an installer's file fills: lines of `key:value` in UTF-8, "#" for comments. The first colon
+/// divides, so a value may hold more; a later line wins over an earlier one. Read once; any thread.
+class LUMORA_CONFIG_API BootstrapConfigStore final : public ConfigStore {
+public:
+    /// A file that can't be opened is a warning and an empty store.
+    BootstrapConfigStore(const std::string& storeName, const std::string& path, int storePriority);
+
+    bool getValue(const std::wstring& key, std::wstring& value) override;
+    bool storeValue(const std::wstring&, const std::wstring&) override { return false; }
+    std::vector<std::wstring> getKeys() override;
+    bool removeValue(const std::wstring&) override { return false; }
+    void removeAllValues() override {}
+    bool isReadOnly() override { return true; }
+    std::string getName() override { return name; }
+    int getPriority() override { return priority; }
+    void persistValues() override {}
+    void destroy() override {}
+    bool isLocal() override { return true; }
+    bool waitForStoreReady() override { return true; }
+
+private:
+    void readLines(std::istream& stream);
+    void readLine(const std::string& line);
+
+    const int priority;
+    ConfigMap values;
+    const std::string filePath;
+    const std::string name;
+};
+
+} // namespace ZelUnified

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <unified/UnifiedBusinessObjectImpl.h>
+
+#include <ConfigValue.h>
+
+#include <memory>
+#include <string>
+
+namespace ZelUnified {
+
+#if defined(__clang__)
+#pragma clang diagnostic push
+#pragma clang diagnostic ignored "-Woverloaded-virtual" // as in UnifiedService
+#endif
+
+/// The properties of a record, with the setters and the firing that belong to its owner. A setter neither compares nor
+/// fires. Services dispatcher's thread, but for the constructors and the observer operations.
+class ConfigValueBaseImpl : public UnifiedBusinessObjectImpl, public virtual ConfigValue {
+public:
+    void addObserver(std::weak_ptr<ConfigValueObserver> observer) override;
+    void removeObserver(std::weak_ptr<ConfigValueObserver> observer) override;
+    std::shared_ptr<ConfigValueNotifiers> getConfigValueNotifiers() override;
+
+    std::wstring getKey() override;
+    std::wstring getValue() override;
+    std::wstring getOriginalValue() override;
+    bool getisOverridden() override;
+    bool getisDefined() override;
+    std::wstring getValueStoreName() override;
+    std::wstring getOriginalValueStoreName() override;
+
+    virtual void setKey(std::wstring text);
+    virtual void setValue(std::wstring text);
+    virtual void setOriginalValue(std::wstring text);
+    virtual void setisOverridden(bool flag);
+    virtual void setisDefined(bool flag);
+    virtual void setValueStoreName(std::wstring text);
+    virtual void setOriginalValueStoreName(std::wstring text);
+
+    void fireKey();
+    void fireValue();
+    void fireOriginalValue();
+    void fireisOverridden();
+    void fireisDefined();
+    void fireValueStoreName();
+    void fireOriginalValueStoreName();
+
+protected:
+    ConfigValueBaseImpl(const std::shared_ptr<UnifiedFactory>& factory, std::wstring recordKey);
+
+    void initNotifiers() override;
+
+    // The properties. Only constructors write them directly.
+    std::wstring Key;
+    std::wstring Value;
+    std::wstring OriginalValue;
+    bool isOverridden = false;
+    bool isDefined = false;
+    std::wstring ValueStoreName;
+    std::wstring OriginalValueStoreName;
+};
+
+#if defined(__clang__)
+#pragma clang diagnostic pop
+#endif
+
+} // namespace ZelUnified

@@ -1,0 +1,55 @@
+#include "UnifiedServiceImpl.h"
+
+#include "UnifiedServiceNotifiersImpl.h"
+
+#include <utility>
+
+namespace ZelUnified {
+
+UnifiedServiceImpl::UnifiedServiceImpl(const std::shared_ptr<UnifiedFactory>& factory, std::string name)
+    : UnifiedBusinessObjectImpl(factory, std::move(name)) {}
+
+UnifiedServiceImpl::UnifiedServiceImpl(const std::shared_ptr<UnifiedFactory>& factory, bool enforceUpdateAccess,
+                                       std::string name)
+    : UnifiedBusinessObjectImpl(factory, enforceUpdateAccess, std::move(name)) {}
+
+void UnifiedServiceImpl::addObserver(std::weak_ptr<UnifiedServiceObserver> observer) {
+    UnifiedBusinessObjectImpl::addObserver(std::move(observer));
+}
+
+void UnifiedServiceImpl::removeObserver(std::weak_ptr<UnifiedServiceObserver> observer) {
+    UnifiedBusinessObjectImpl::removeObserver(std::move(observer));
+}
+
+std::shared_ptr<UnifiedServiceNotifiers> UnifiedServiceImpl::getUnifiedServiceNotifiers() {
+    initNotifiers();
+    return std::dynamic_pointer_cast<UnifiedServiceNotifiers>(getNotifiers());
+}
+
+void UnifiedServiceImpl::initNotifiers() {
+    initNotifiersOnce([] { return std::make_shared<UnifiedServiceNotifiersImpl>(); });
+}
+
+void UnifiedServiceImpl::commitToServicesDispatcher() {
+    UnifiedBusinessObjectImpl::commitToServicesDispatcher();
+}
+
+std::string UnifiedServiceImpl::getClassName() {
+    return "UnifiedServiceImpl";
+}
+
+bool UnifiedServiceImpl::getBulkUpdateInProgress() {
+    return BulkUpdateInProgress;
+}
+
+void UnifiedServiceImpl::setBulkUpdateInProgress(bool flag) {
+    EnsureUpdateAccess(true);
+    BulkUpdateInProgress = flag;
+}
+
+void UnifiedServiceImpl::fireOnBulkUpdateInProgressChanged() {
+    EnsureUpdateAccess(true);
+    fire(&UnifiedServiceObserver::OnBulkUpdateInProgressChanged);
+}
+
+} // namespace ZelUnified

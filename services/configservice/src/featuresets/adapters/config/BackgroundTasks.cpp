@@ -1,0 +1,15 @@
+#include "BackgroundTasks.h"
+
+#include <kyr/FunctionTask.h>
+
+namespace ZelUnified {
+
+void enqueueBackgroundTask(const std::shared_ptr<UnifiedFactory>& factory, const std::string& name,
+                           std::function<void()> work) {
+    const auto dispatcher = factory ? factory->getBackgroundDispatcher() : nullptr;
+    if (dispatcher) {
+        dispatcher->enqueue(std::make_shared<KyrCoreUtils::FunctionTask>(std::move(work), name));
+    }
+}
+
+} // namespace ZelUnified

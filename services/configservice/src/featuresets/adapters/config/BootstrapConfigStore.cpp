@@ -1,0 +1,79 @@
+#include "ConfigMapKeys.h"
+#include "secure/FipsValueOverride.h"
+
+#include <kyr/FstreamUtils.h>
+#include <zel/ZelLog.h>
+
+#include <BootstrapConfigStore.h>
+
+#include <fstream>
+
+namespace ZelUnified {
+
+namespace {
+
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+constexpr std::string_view separator = ":";
+
+} // namespace
+
+BootstrapConfigStore::BootstrapConfigStore(const std::string& storeName, const std::string& path, int storePriority)
+    : priority(storePriority), filePath(path), name(storeName) {
+    std::fstream stream;
+    KyrCoreUtils::FstreamUtils::open(stream, filePath, KyrCoreUtils::StreamMode::Read);
+    if (!stream.is_open()) {
+        static ZelLogger& logger = ZelLogger_getLogger("ConfigService-BootstrapConfigStore");
+        ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE, "File does not exist " + filePath);
+        return;
+    }
+    readLines(stream);
+}
+
+void BootstrapConfigStore::readLines(std::istream& stream) {
+    std::string line;
+    for (bool first = true; std::getline(stream, line); first = false) {
+        if (first && line.starts_with(byteOrderMark)) {
+            line.erase(0, byteOrderMark.size());
+        }
+        // The file may have been written with Windows line ends.
+        if (line.ends_with('\r')) {
+            line.pop_back();
+        }
+        readLine(line);
+    }
+}
+
+void BootstrapConfigStore::readLine(const std::string& line) {
+    if (line.empty() || KyrCoreUtils::trimleft(line).starts_with('#')) {
+        return;
+    }
+    std::vector<std::string> pieces;
+    KyrCoreUtils::split(line, pieces, separator);
+    if (pieces.empty()) {
+        return;
+    }
+    std::string value;
+    for (std::size_t i = 1; i < pieces.size(); ++i) {
+        if (i > 1) {
+            value += separator;
+        }
+        value += pieces[i];
+    }
+    values.insert_or_assign(KyrCoreUtils::toWideString(KyrCoreUtils::trim(pieces.front())),
+                            KyrCoreUtils::toWideString(KyrCoreUtils::trim(value)));
+}
+
+bool BootstrapConfigStore::getValue(const std::wstring& key, std::wstring& value) {
+    const auto found = values.find(key);
+    const bool held = found != values.end();
+    auto answer = held ? KyrCoreUtils::trim(found->second) : std::wstring();
+    zel::applyFipsValueOverride(key, answer);
+    value = std::move(answer);
+    return held;
+}
+
+std::vector<std::wstring> BootstrapConfigStore::getKeys() {
+    return keysOf(values);
+}
+
+} // namespace ZelUnified

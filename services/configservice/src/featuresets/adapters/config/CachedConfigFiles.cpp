@@ -1,0 +1,82 @@
+#include "CachedConfigFiles.h"
+
+#include "ConfigStoreManagerLogger.h"
+
+#include <kyr/FileUtils.h>
+
+#include <ConfigKeys.h>
+
+namespace ZelUnified {
+
+using KyrCoreUtils::FileUtils;
+
+namespace {
+
+constexpr std::string_view xmlExtension = ".xml";
+constexpr std::string_view datExtension = ".dat";
+
+/// From the last "." on; empty when there is none.
+std::string_view extensionOf(std::string_view name) {
+    const auto point = name.rfind('.');
+    return point == std::string_view::npos ? std::string_view() : name.substr(point);
+}
+
+std::string withExtension(std::string_view name, std::string_view extension) {
+    return std::string(name.substr(0, name.rfind('.'))).append(extension);
+}
+
+void removeFile(const std::string& path) {
+    if (FileUtils::removeFile(path) != 0) {
+        ZelLog(configStoreManagerLogger(), ZelLogLevel::Error, ZEL_HERE, "Failed to remove file: " + path);
+        return;
+    }
+    ZelLog(configStoreManagerLogger(), ZelLogLevel::Info, ZEL_HERE, "Removed file: " + path);
+}
+
+bool removeIfPresent(const std::string& path) {
+    if (!FileUtils::fileExists(path)) {
+        return false;
+    }
+    removeFile(path);
+    return true;
+}
+
+} // namespace
+
+std::string CachedConfigFiles::getDirectory() {
+    return FileUtils::getConfigDirectory() + FileUtils::FileSeparator() + std::string(ConfigKeys::cacheDirectory);
+}
+
+std::string CachedConfigFiles::getFileName(const std::string& storeName) {
+    return "cached" + storeName + ".dat";
+}
+
+std::string CachedConfigFiles::getPath(const std::string& fileName) {
+    return getDirectory() + FileUtils::FileSeparator() + fileName;
+}
+
+bool CachedConfigFiles::remove(const std::string& fileName) {
+    bool found = removeIfPresent(getPath(fileName));
+    if (extensionOf(fileName) == xmlExtension && removeIfPresent(getPath(withExtension(fileName, datExtension)))) {
+        found = true;
+    }
+    return found;
+}
+
+std::vector<std::string> CachedConfigFiles::getXmlNames() {
+    std::vector<std::string> xmlFiles;
+    std::vector<std::string> datFiles;
+    FileUtils::getFilesFromDirectory(getDirectory(), "xml", xmlFiles);
+    FileUtils::getFilesFromDirectory(getDirectory(), "dat", datFiles);
+    for (const auto& file : datFiles) {
+        if (extensionOf(file) == datExtension) {
+            xmlFiles.push_back(withExtension(file, xmlExtension));
+        }
+    }
+    for (auto& file : xmlFiles) {
+        file = FileUtils::getFileName(file);
+    }
+    return xmlFiles;
+}
+
+} // namespace ZelUnified

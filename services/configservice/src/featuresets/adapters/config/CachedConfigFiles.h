@@ -1,0 +1,25 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace ZelUnified {
+
+/// The folder of the cached copies, "Cache" in the configuration directory. Stateless; two callers on one file are the
+/// owner's to keep apart.
+class CachedConfigFiles {
+public:
+    static std::string getDirectory();
+    /// "cached" + store name + ".dat".
+    static std::string getFileName(const std::string& storeName);
+    /// Where a file of that name lies in the folder.
+    static std::string getPath(const std::string& fileName);
+
+    /// Deletes the file, and the ".dat" twin of an ".xml" file. True when either was there, deleted or not.
+    static bool remove(const std::string& fileName);
+
+    /// The names of the copies, each in its ".xml" form, whichever form lies in the folder.
+    static std::vector<std::string> getXmlNames();
+};
+
+} // namespace ZelUnified

@@ -1,0 +1,150 @@
+#include "CachedStores.h"
+
+#include "CachedConfigFiles.h"
+#include "CachedStoreRecord.h"
+#include "ConfigAdapterLogger.h"
+
+#include <kyr/StringUtils.h>
+
+#include <CacheConfigStore.h>
+#include <ConfigKeys.h>
+
+#include <limits>
+#include <optional>
+
+namespace ZelUnified {
+
+using KyrCoreUtils::caseInsensitiveStringEquals;
+using KyrCoreUtils::toInt;
+using KyrCoreUtils::toString;
+
+namespace {
+
+constexpr int defaultPriority = 240;
+/// Of a record handed in as text; differs from the above by tradition.
+constexpr int defaultPriorityOfGivenRecord = 40;
+constexpr int urlProvisioningPriority = 499;
+
+const std::wstring& recordKey() {
+    static const std::wstring key(ConfigKeys::primaryConfigStores);
+    return key;
+}
+
+} // namespace
+
+void CachedStores::InitialiseCachedConfigStores() {
+    if (!configStoreManager) {
+        ZelLog(configAdapterLogger(), ZelLogLevel::Error, ZEL_HERE, "configStoreManager is null");
+        return;
+    }
+    if (ZelLog_isDebugEnabled(configAdapterLogger())) {
+        ZelLog(configAdapterLogger(), ZelLogLevel::Debug, ZEL_HERE, "adding cached config stores");
+    }
+    std::wstring record;
+    configStoreManager->getValue(recordKey(), record);
+    std::optional<std::wstring> presencePriority;
+    for (const auto& [name, priority] : CachedStoreRecord::parse(record)) {
+        if (caseInsensitiveStringEquals(name, ConfigKeys::presenceConfigStore)) {
+            presencePriority = priority;
+        } else {
+            addCachedConfigStore(toString(name), toInt(priority, defaultPriority));
+        }
+    }
+    if (presencePriority) {
+        addPresenceStore(*presencePriority);
+    }
+    addUrlProvisioningStore();
+}
+
+/// Comes last, so that the product's mode is read with all the other copies in the chain.
+void CachedStores::addPresenceStore(const std::wstring& priority) {
+    const std::wstring name(ConfigKeys::presenceConfigStore);
+    std::wstring productMode;
+    configStoreManager->getValue(std::wstring(ConfigKeys::productMode), productMode);
+    if (caseInsensitiveStringEquals(productMode, ConfigKeys::phoneMode)) {
+        removeFromCachedStorePriorityMap(name);
+        return;
+    }
+    addCachedConfigStore(toString(name), toInt(priority, defaultPriority));
+}
+
+void CachedStores::addUrlProvisioningStore() {
+    const std::string name(ConfigKeys::urlProvisioningConfigStore);
+    std::wstring allowed;
+    configStoreManager->getValue(std::wstring(ConfigKeys::allowUrlProvisioning), allowed,
+                                 std::string(ConfigKeys::mdmConfigStore));
+    if (caseInsensitiveStringEquals(allowed, L"false")) {
+        ZelLog(configAdapterLogger(), ZelLogLevel::Info, ZEL_HERE,
+               "Url Provisioning not allowed by MDM configuration, removing cached URL provisioning store");
+        adapter.removeConfigStore(name);
+        return;
+    }
+    configStoreManager->addStore(std::make_shared<CacheConfigStore>(
+        name, urlProvisioningPriority, CachedConfigFiles::getPath(CachedConfigFiles::getFileName(name))));
+}
+
+void CachedStores::addCachedConfigStore(const std::string& name, int priority) {
+    if (getLumoraSDKMode()) {
+        return;
+    }
+    // The copy bears the live store's own name, so that the live store takes its place on arrival.
+    configStoreManager->addStore(std::make_shared<CacheConfigStore>(
+        name, priority, CachedConfigFiles::getPath(CachedConfigFiles::getFileName(name))));
+}
+
+void CachedStores::addCachedConfigStores(const std::wstring& record) {
+    for (const auto& [name, priority] : CachedStoreRecord::parse(record)) {
+        addCachedConfigStore(toString(name), toInt(priority, defaultPriorityOfGivenRecord));
+    }
+}
+
+void CachedStores::cacheStoreOnConfigStoreAdded(const std::shared_ptr<ConfigStore>& store) {
+    if (getLumoraSDKMode()) {
+        return;
+    }
+    ConfigMap values;
+    copyAllStoreValues(store, values);
+    const int priority = store->getCachedPriority();
+    updateCacheStorePriority(store->getName(), priority);
+    const auto fileName = CachedConfigFiles::getFileName(store->getName());
+    // Exists to write the file, and never joins the chain.
+    const int writerPriority = priority == std::numeric_limits<int>::max() ? priority : priority + 1;
+    const CacheConfigStore writer(fileName, writerPriority, CachedConfigFiles::getPath(fileName), values);
+    if (configStoreManager->hasStoreWithName(fileName)) {
+        configStoreManager->removeStoreWithSameName(fileName);
+    }
+}
+
+void CachedStores::copyAllStoreValues(const std::shared_ptr<ConfigStore>& store, ConfigMap& values) {
+    std::wstring value;
+    for (const auto& key : store->getKeys()) {
+        if (store->getValue(key, value)) {
+            values.insert_or_assign(key, value);
+        }
+    }
+}
+
+void CachedStores::updateCacheStorePriority(const std::string& name, int priority) {
+    if (!configStoreManager) {
+        return;
+    }
+    std::wstring record;
+    adapter.getConfig(recordKey(), record, false);
+    auto priorities = CachedStoreRecord::parse(record);
+    priorities.insert_or_assign(KyrCoreUtils::toWideString(name), KyrCoreUtils::toWideString(priority));
+    configStoreManager->storeValue(recordKey(), CachedStoreRecord::format(priorities));
+}
+
+void CachedStores::removeFromCachedStorePriorityMap(const std::wstring& name) {
+    std::wstring record;
+    adapter.getConfig(recordKey(), record, false);
+    adapter.setConfig(recordKey(), CachedStoreRecord::without(std::move(record), name));
+}
+
+bool CachedStores::getLumoraSDKMode() {
+    std::wstring mode;
+    adapter.getConfig(std::wstring(ConfigKeys::lumoraSdkMode), mode, false);
+    return KyrCoreUtils::toBool(mode);
+}
+
+} // namespace ZelUnified

@@ -1,0 +1,310 @@
+#include "ConfigAdapter.h"
+
+#include "ConfigAdapterLogger.h"
+#include "ConfigDirectoryReset.h"
+#include "services/impl/ConfigFileCacheTimer.h"
+#include "services/impl/ConfigServiceImpl.h"
+
+#include <kyr/FileUtils.h>
+#include <kyr/FunctionTask.h>
+#include <kyr/StringUtils.h>
+#include <unified/SystemService.h>
+#include <zel/SystemMonitorFactory.h>
+
+#include <ConfigKeys.h>
+#include <ConfigService.h>
+#include <InMemoryConfigStore.h>
+#include <LocalFileConfigStore.h>
+#include <RegistryConfigStore.h>
+
+#include <limits>
+
+namespace ZelUnified {
+
+using KyrCoreUtils::FileUtils;
+using KyrCoreUtils::FunctionTask;
+
+namespace {
+
+constexpr int userStorePriority = 20;
+constexpr int registryStorePriority = 33;
+constexpr int inMemoryStorePriority = 600;
+constexpr int defaultsStorePriority = std::numeric_limits<int>::max();
+
+void logInfo(const char* file, int line, std::string_view function, const char* text) {
+    ZelLog(configAdapterLogger(), ZelLogLevel::Info, file, line, function, text);
+}
+
+} // namespace
+
+ConfigAdapter::ConfigAdapter() = default;
+
+ConfigAdapter::ConfigAdapter(std::shared_ptr<UnifiedFactory> factory)
+    : unifiedFactory(std::move(factory)), configStoreManager(std::make_shared<ConfigStoreManager>(unifiedFactory)) {
+    configService = std::dynamic_pointer_cast<ConfigServiceImpl>(unifiedFactory->getServiceByType<ConfigService>());
+    configFileCacheTimer = std::make_shared<ConfigFileCacheTimer>(unifiedFactory);
+    logInfo(ZEL_HERE, "Creating a new instance of the ConfigAdapter.");
+    notifyConfigKeyAliases();
+    configStoreManager->addObserver(this);
+    setSensitiveKeys();
+    addInitialConfigStores();
+    setEnabledServicesFromCachedStores();
+}
+
+ConfigAdapter::~ConfigAdapter() = default;
+
+void ConfigAdapter::StartFeatureSet(unsigned int id, std::shared_ptr<ServiceEventList>) {
+    if (id == configServiceId) {
+        startConfigFeatureSet();
+    }
+}
+
+void ConfigAdapter::startConfigFeatureSet() {
+    logInfo(ZEL_HERE, "starting config feature set");
+    const std::lock_guard lock(adapterMutex);
+    if (featureSetStarted || !configStoreManager) {
+        return;
+    }
+    if (!resetDataCallbackRegistered) {
+        const auto dispatcher = unifiedFactory->getServicesDispatcher();
+        if (dispatcher->checkForUpdateAccess()) {
+            registerResetDataCallback();
+        } else {
+            dispatcher->enqueue(std::make_shared<FunctionTask>([this] { registerResetDataCallback(); },
+                                                               "ConfigAdapter::registerResetDataCallback"),
+                                false);
+        }
+        resetDataCallbackRegistered = true;
+    }
+    addNecessaryStoresIfNotExist();
+    featureSetStarted = true;
+    ZelSystemMonitor::SystemMonitorFactory::getInstance()->addPowerEventObserver(shared_from_this());
+}
+
+void ConfigAdapter::StopFeatureSet(unsigned int id, std::shared_ptr<ServiceEventList>) {
+    const std::lock_guard lock(adapterMutex);
+    if (id == configServiceId) {
+        stopConfigFeatureSet();
+    }
+}
+
+void ConfigAdapter::stopConfigFeatureSet() {
+    logInfo(ZEL_HERE, "stopping config feature set");
+    const std::lock_guard lock(adapterMutex);
+    if (!featureSetStarted) {
+        return;
+    }
+    ZelSystemMonitor::SystemMonitorFactory::getInstance()->removePowerEventObserver(shared_from_this());
+    unifiedFactory->getServicesDispatcher()->enqueueBlock(
+        std::make_shared<FunctionTask>([manager = configStoreManager] { manager->removeNonLocalStores(); },
+                                       "ConfigStoreManager::reset"),
+        false);
+    featureSetStarted = false;
+}
+
+void ConfigAdapter::Destroy() {
+    const std::lock_guard lock(adapterMutex);
+    if (configStoreManager) {
+        configStoreManager->destroyStores();
+    }
+    featureSetStarted = false;
+}
+
+bool ConfigAdapter::IsFeatureSetStarted(unsigned int id) {
+    const std::lock_guard lock(adapterMutex);
+    return id == configServiceId && featureSetStarted;
+}
+
+bool ConfigAdapter::IsFeatureSetProvisioned(unsigned int id) {
+    return id == configServiceId;
+}
+
+std::vector<unsigned int> ConfigAdapter::GetFeatureSetDependencies(unsigned int) {
+    return {};
+}
+
+void ConfigAdapter::refreshConfigFeatureSet() {
+    const std::lock_guard lock(adapterMutex);
+    if (!configStoreManager) {
+        return;
+    }
+    configStoreManager->removeNonLocalStores();
+    configStoreManager->addStore(makeInMemoryStore());
+    configStoreManager->addStore(makeUserStore(BackupTimer::With));
+    configStoreManager->addStore(makeRegistryStore());
+    cachedStores.InitialiseCachedConfigStores();
+    setEnabledServicesFromCachedStores();
+    removeValuesIfPolicySet();
+}
+
+void ConfigAdapter::addInitialConfigStores() {
+    if (ZelLog_isDebugEnabled(configAdapterLogger())) {
+        ZelLog(configAdapterLogger(), ZelLogLevel::Debug, ZEL_HERE, "adding initial config stores");
+    }
+    // One after the other: the defaults may hold the SDK mode that decides on the user's store.
+    configStoreManager->addStore(makeDefaultsStore());
+    configStoreManager->addStore(makeInMemoryStore());
+    configStoreManager->addStore(makeUserStore(BackupTimer::With));
+    configStoreManager->addStore(makeRegistryStore());
+    cachedStores.InitialiseCachedConfigStores();
+    removeValuesIfPolicySet();
+}
+
+void ConfigAdapter::addNecessaryStoresIfNotExist() {
+    if (!configStoreManager->hasStoreWithName(std::string(ConfigKeys::inMemoryConfigStore))) {
+        configStoreManager->addStore(makeInMemoryStore());
+    }
+    if (!configStoreManager->hasStoreWithName(std::string(ConfigKeys::localFileConfigStore))) {
+        configStoreManager->addStore(makeUserStore(BackupTimer::Without));
+    }
+}
+
+std::shared_ptr<ConfigStore> ConfigAdapter::makeDefaultsStore() const {
+    const std::string fileName(ConfigKeys::configDefaultsFile);
+    return std::make_shared<LocalFileConfigStore>(fileName, defaultsStorePriority,
+                                                  FileUtils::getResourcesDirectory() + FileUtils::FileSeparator(),
+                                                  fileName, true, true, false);
+}
+
+std::shared_ptr<ConfigStore> ConfigAdapter::makeInMemoryStore() const {
+    return std::make_shared<InMemoryConfigStore>(std::string(ConfigKeys::inMemoryConfigStore), inMemoryStorePriority);
+}
+
+std::shared_ptr<ConfigStore> ConfigAdapter::makeUserStore(BackupTimer backupTimer) {
+    const std::string name(ConfigKeys::localFileConfigStore);
+    if (cachedStores.getLumoraSDKMode()) {
+        return std::make_shared<InMemoryConfigStore>(name, userStorePriority);
+    }
+    auto store = std::make_shared<LocalFileConfigStore>(name, userStorePriority, false);
+    if (backupTimer == BackupTimer::With) {
+        store->setTimer(configFileCacheTimer);
+    }
+    return store;
+}
+
+std::shared_ptr<ConfigStore> ConfigAdapter::makeRegistryStore() const {
+    return std::make_shared<RegistryConfigStore>(unifiedFactory, std::string(ConfigKeys::registryConfigStore),
+                                                 registryStorePriority, std::string(ConfigKeys::policyRegistryPath));
+}
+
+void ConfigAdapter::setEnabledServicesFromCachedStores() {
+    if (EnabledServices::shouldSetEnabledServicesBasedOnCachedStores()) {
+        enabledServices.SetEnabledServices();
+    }
+}
+
+void ConfigAdapter::registerResetDataCallback() {
+    const auto self = shared_from_this();
+    if (const auto callbacks = getResetDataCallbackRegistry()) {
+        callbacks->add(0, self);
+    }
+}
+
+void ConfigAdapter::unRegisterResetDataCallback() {
+    const auto self = shared_from_this();
+    if (const auto callbacks = getResetDataCallbackRegistry()) {
+        callbacks->remove(0, self);
+    }
+}
+
+std::shared_ptr<ResetDataCallbackRegistry> ConfigAdapter::getResetDataCallbackRegistry() {
+    const auto systemService = unifiedFactory->getServiceByType<SystemService>();
+    return systemService ? systemService->getResetDataCallbackRegistry() : nullptr;
+}
+
+void ConfigAdapter::InvokeResetData(ResetDataOptionEnum::ResetDataOption) {
+    logInfo(ZEL_HERE, "About to reset the ConfigAdapter...");
+    const std::lock_guard lock(adapterMutex);
+    if (configFileCacheTimer) {
+        configFileCacheTimer->clearTimers();
+    }
+    if (configStoreManager) {
+        configStoreManager->resetConfigData();
+    }
+    const auto separator = FileUtils::FileSeparator();
+    FileUtils::removeFile(FileUtils::getUserLocalAppDir() + separator + "Google calendar" + separator + "calendar.bat");
+    removeFilesFromDirectory(FileUtils::getConfigDirectory());
+    RegistryConfigStore::removeRegistrySettings();
+    refreshConfigFeatureSet();
+    logInfo(ZEL_HERE, "ConfigAdapter reset.");
+}
+
+void ConfigAdapter::onPowerEvent(ZelSystemMonitor::PowerEventTypeEnum::PowerEventType type) {
+    if (type != ZelSystemMonitor::PowerEventTypeEnum::PowerDown) {
+        return;
+    }
+    logInfo(ZEL_HERE, "Config adapter received a power down event. Calling destroy on configAdapter");
+    Destroy();
+}
+
+void ConfigAdapter::callService(const std::string& taskName, std::function<void(ConfigServiceImpl&)> call) {
+    const auto dispatcher = unifiedFactory ? unifiedFactory->getServicesDispatcher() : nullptr;
+    if (!configService || !dispatcher) {
+        return;
+    }
+    if (dispatcher->checkForUpdateAccess()) {
+        call(*configService);
+        return;
+    }
+    // A weak reference: a strong one would keep service, factory and queue alive in a circle.
+    dispatcher->enqueue(std::make_shared<FunctionTask>(
+                            [service = std::weak_ptr(configService), call = std::move(call)] {
+                                if (const auto alive = service.lock()) {
+                                    call(*alive);
+                                }
+                            },
+                            taskName),
+                        false);
+}
+
+void ConfigAdapter::notifyConfigKeyAliases() {
+    callService("ConfigServiceImpl::setupConfigKeyAliases",
+                [aliases = configStoreManager->getKeyAliases()](ConfigServiceImpl& service) {
+                    service.setupConfigKeyAliases(aliases);
+                });
+}
+
+void ConfigAdapter::onFireIfRequired(std::wstring key) {
+    const auto taskName = "ConfigServiceImpl::FireIfRequired - " + KyrCoreUtils::toString(key);
+    callService(taskName, [key = std::move(key)](ConfigServiceImpl& service) { service.FireIfRequired(key); });
+}
+
+void ConfigAdapter::onSensitiveKeyAddedOrUpdated(std::wstring key) {
+    callService("ConfigServiceImpl::OnConfigChanged",
+                [key = std::move(key)](ConfigServiceImpl& service) { service.updateSensitiveKeyList(key); });
+}
+
+void ConfigAdapter::onConfigAddedOrUpdated(std::wstring key, std::wstring value, std::wstring originalValue,
+                                           bool isOverridden, bool isDefined, std::wstring valueStoreName,
+                                           std::wstring originalValueStoreName, bool deferFire) {
+    callService("ConfigServiceImpl::OnConfigChanged",
+                [key = std::move(key), value = std::move(value), originalValue = std::move(originalValue), isOverridden,
+                 isDefined, valueStoreName = std::move(valueStoreName),
+                 originalValueStoreName = std::move(originalValueStoreName), deferFire](ConfigServiceImpl& service) {
+                    service.OnConfigChanged(key, value, originalValue, isOverridden, isDefined, valueStoreName,
+                                            originalValueStoreName, deferFire);
+                });
+}
+
+void ConfigAdapter::addServiceEvent(int code, ConfigServiceIdsEnum::ConfigServiceIds id,
+                                    ServiceEventSeverityEnum::ServiceEventSeverity severity) {
+    const auto dispatcher = unifiedFactory ? unifiedFactory->getServicesDispatcher() : nullptr;
+    if (!dispatcher) {
+        return;
+    }
+    if (!dispatcher->checkForUpdateAccess()) {
+        dispatcher->enqueue(
+            std::make_shared<FunctionTask>([this, code, id, severity] { addServiceEvent(code, id, severity); },
+                                           "ConfigAdapter::addServiceEvent"),
+            false);
+        return;
+    }
+    const auto systemService = unifiedFactory->getServiceByType<SystemService>();
+    if (!systemService) {
+        ZelLog(configAdapterLogger(), ZelLogLevel::Warning, ZEL_HERE, "No system service, service event dropped");
+        return;
+    }
+    systemService->addServiceEvent(code, id, severity);
+}
+
+} // namespace ZelUnified

@@ -1,0 +1,136 @@
+#pragma once
+
+#include "CachedStores.h"
+#include "ConfigStoreManager.h"
+#include "EnabledServices.h"
+
+#include <unified/FeatureSetAdapter.h>
+#include <unified/ProviderResetDataCallback.h>
+#include <unified/UnifiedFactory.h>
+#include <zel/PowerEventObserver.h>
+
+#include <ConfigFeatureSet.h>
+#include <ConfigStoreManager_Observer.h>
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace ZelUnified {
+
+class ConfigFileCacheTimer;
+class ConfigServiceImpl;
+class ResetDataCallbackRegistry;
+
+/// The feature set of the configuration service: builds and rebuilds the chain, decides what survives a stop, a
+/// refresh, a power-down and a reset, and carries what the chain announces to the service. Always held by shared
+/// pointers.
+///
+/// `adapterMutex` serialises start, stop, destroy, refresh and reset; it is the outermost lock, and re-entrant, since a
+/// reset refreshes. Stop holds it while it waits on the services dispatcher, so no task queued there may take it. The
+/// other operations rely on the manager's locks, and read the started flag without one.
+class ConfigAdapter : public FeatureSetAdapter,
+                      public ConfigFeatureSet,
+                      public ConfigStoreManager_Observer,
+                      public ZelSystemMonitor::PowerEventObserver,
+                      public ProviderResetDataCallback,
+                      public std::enable_shared_from_this<ConfigAdapter> {
+public:
+    /// An adapter without a factory and a chain: every operation does nothing. Exists for the type's export.
+    ConfigAdapter();
+    /// Builds the whole chain; nothing is started.
+    explicit ConfigAdapter(std::shared_ptr<UnifiedFactory> factory);
+    ~ConfigAdapter() override;
+
+    void StartFeatureSet(unsigned int id, std::shared_ptr<ServiceEventList> events) override;
+    void StopFeatureSet(unsigned int id, std::shared_ptr<ServiceEventList> events) override;
+    void Destroy() override;
+    bool IsFeatureSetStarted(unsigned int id) override;
+    bool IsFeatureSetProvisioned(unsigned int id) override;
+    std::vector<unsigned int> GetFeatureSetDependencies(unsigned int id) override;
+
+    void addConfigStore(std::shared_ptr<ConfigStore> store) override;
+    bool removeConfigStore(const std::string& name) override;
+    bool isConfigStorePresent(const std::string& name) override;
+    void registerConfigStoreAddedObserver(std::shared_ptr<ConfigStoreAddedObserver> observer) override;
+    void unregisterConfigStoreAddedObserver(std::shared_ptr<ConfigStoreAddedObserver> observer) override;
+    void removeAllCachedConfigStores() override;
+    bool getConfig(const std::wstring& key, std::wstring& value, std::wstring& configStoreName,
+                   bool& valueFromLegacyKey, bool skipLocal) override;
+    bool getConfig(const std::wstring& key, std::wstring& value, bool skipLocal) override;
+    bool setConfig(ConfigMap values) override;
+    bool setConfig(const std::wstring& key, const std::wstring& value) override;
+    bool setInMemoryConfig(const std::wstring& key, const std::wstring& value) override;
+    void setMdmConfig(const std::string& xml) override;
+    void resetConfig(const std::wstring& key) override;
+    bool isKeySensitive(const std::wstring& key) override;
+    void setKeySensitive(const std::wstring& key) override;
+    void refreshConfigFeatureSet() override;
+    bool setUrlProvisioningData(std::wstring data) override;
+    bool resetAllowUriProvisioningData() override;
+    void resetConfigData(const std::string& storeName) override;
+    void addServiceEvent(int code, ConfigServiceIdsEnum::ConfigServiceIds id,
+                         ServiceEventSeverityEnum::ServiceEventSeverity severity) override;
+    void getAllConfigForPRT(std::wstring& report) override;
+    std::wstring getValueFromConfigStore(const std::string& storeName, const std::wstring& key) override;
+    std::shared_ptr<ConfigStore> getConfigStoreByName(const std::string& name) override;
+
+    void onFireIfRequired(std::wstring key) override;
+    void onSensitiveKeyAddedOrUpdated(std::wstring key) override;
+    void onConfigAddedOrUpdated(std::wstring key, std::wstring value, std::wstring originalValue, bool isOverridden,
+                                bool isDefined, std::wstring valueStoreName, std::wstring originalValueStoreName,
+                                bool deferFire) override;
+
+    /// A power-down destroys the stores; other events change nothing.
+    void onPowerEvent(ZelSystemMonitor::PowerEventTypeEnum::PowerEventType type) override;
+
+    std::string getInterfaceName() override { return "ProviderResetDataCallback"; }
+    /// Wipes the user's configuration and rebuilds the chain; every option does the same.
+    void InvokeResetData(ResetDataOptionEnum::ResetDataOption option) override;
+
+    /// Replaces a store and its cached copy, for stores of other services that renew themselves. Only while started.
+    void updateExistingConfigStore(const std::shared_ptr<ConfigStore>& store, const std::vector<std::wstring>& oldKeys);
+    /// Works out the three enable flags.
+    void SetEnabledServices();
+
+private:
+    void startConfigFeatureSet();
+    void stopConfigFeatureSet();
+    void registerResetDataCallback();
+    void unRegisterResetDataCallback();
+    std::shared_ptr<ResetDataCallbackRegistry> getResetDataCallbackRegistry();
+
+    void addInitialConfigStores();
+    void addNecessaryStoresIfNotExist();
+    std::shared_ptr<ConfigStore> makeDefaultsStore() const;
+    std::shared_ptr<ConfigStore> makeInMemoryStore() const;
+    enum class BackupTimer { Without, With };
+    /// The user's own store: the encrypted file, or a volatile store under its name in the SDK mode.
+    std::shared_ptr<ConfigStore> makeUserStore(BackupTimer backupTimer);
+    std::shared_ptr<ConfigStore> makeRegistryStore() const;
+
+    void setSensitiveKeys();
+    void removeValuesIfPolicySet();
+    bool isSwitchedOff(std::wstring_view key) const;
+    void setEnabledServicesFromCachedStores();
+
+    /// Makes the call on the services dispatcher's thread: at once when the caller stands there, else later. The call
+    /// gets the service; it is dropped when the service is gone.
+    void callService(const std::string& taskName, std::function<void(ConfigServiceImpl&)> call);
+    void notifyConfigKeyAliases();
+
+    const std::shared_ptr<UnifiedFactory> unifiedFactory;
+    std::recursive_mutex adapterMutex;
+    std::atomic<bool> featureSetStarted = false;
+    bool resetDataCallbackRegistered = false; ///< Guarded by adapterMutex; never goes back.
+    const std::shared_ptr<ConfigStoreManager> configStoreManager;
+    std::shared_ptr<ConfigServiceImpl> configService;
+    std::shared_ptr<ConfigFileCacheTimer> configFileCacheTimer;
+    CachedStores cachedStores{*this, configStoreManager};
+    EnabledServices enabledServices{configStoreManager};
+};
+
+} // namespace ZelUnified

@@ -1,0 +1,36 @@
+#include "ConfigChangeObservers.h"
+
+namespace ZelUnified {
+
+void ConfigChangeObservers::add(ConfigStoreManager_Observer* observer) {
+    if (observer == nullptr) {
+        return;
+    }
+    const std::lock_guard lock(observersLock);
+    observers.insert(observer);
+}
+
+void ConfigChangeObservers::notifyConfigAddedOrUpdated(const std::wstring& key, const ConfigChange& change,
+                                                       bool deferFire) {
+    const std::lock_guard lock(observersLock);
+    for (auto* observer : observers) {
+        observer->onConfigAddedOrUpdated(key, change.value, change.originalValue, change.isOverridden, change.isDefined,
+                                         change.valueStoreName, change.originalValueStoreName, deferFire);
+    }
+}
+
+void ConfigChangeObservers::notifyFireIfRequired(const std::wstring& key) {
+    const std::lock_guard lock(observersLock);
+    for (auto* observer : observers) {
+        observer->onFireIfRequired(key);
+    }
+}
+
+void ConfigChangeObservers::notifySensitiveKey(const std::wstring& key) {
+    const std::lock_guard lock(observersLock);
+    for (auto* observer : observers) {
+        observer->onSensitiveKeyAddedOrUpdated(key);
+    }
+}
+
+} // namespace ZelUnified

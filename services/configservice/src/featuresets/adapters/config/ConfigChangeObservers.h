@@ -1,0 +1,37 @@
+#pragma once
+
+#include <ConfigStoreManager_Observer.h>
+
+#include <mutex>
+#include <set>
+#include <string>
+
+namespace ZelUnified {
+
+/// What is now true of a key, as observers are told.
+struct ConfigChange {
+    std::wstring value;
+    std::wstring originalValue;
+    bool isOverridden = false;
+    bool isDefined = false;
+    std::wstring valueStoreName;
+    std::wstring originalValueStoreName;
+};
+
+/// The manager's observers: plain pointers that outlive it. They are called on the caller's thread with the lock held;
+/// it is recursive because what they do may lead back here.
+class ConfigChangeObservers {
+public:
+    /// A null observer is ignored.
+    void add(ConfigStoreManager_Observer* observer);
+
+    void notifyConfigAddedOrUpdated(const std::wstring& key, const ConfigChange& change, bool deferFire);
+    void notifyFireIfRequired(const std::wstring& key);
+    void notifySensitiveKey(const std::wstring& key);
+
+private:
+    std::recursive_mutex observersLock;
+    std::set<ConfigStoreManager_Observer*> observers;
+};
+
+} // namespace ZelUnified

@@ -1,0 +1,100 @@
+#include "ConfigLookup.h"
+
+#include "secure/FipsValueOverride.h"
+
+#include <kyr/StringUtils.h>
+
+namespace ZelUnified {
+
+bool ConfigLookup::lookupInStores(const std::wstring& key, std::wstring& value, std::wstring& configStoreName,
+                                  bool skipLocal, const std::string& storeFilter) const {
+    bool found = false;
+    value.clear();
+    for (const auto walked = chain.getStores(); const auto& store : *walked) {
+        if (!storeFilter.empty() && !KyrCoreUtils::caseInsensitiveStringEquals(storeFilter, store->getName())) {
+            continue;
+        }
+        if (skipLocal && !store->isReadOnly()) {
+            continue;
+        }
+        if (store->getValue(key, value)) {
+            configStoreName = KyrCoreUtils::toWideString(store->getName());
+            found = true;
+            break;
+        }
+        value.clear();
+    }
+    zel::applyFipsValueOverride(key, value);
+    return found;
+}
+
+bool ConfigLookup::getValue(const std::wstring& key, std::wstring& value, std::wstring& configStoreName,
+                            bool& valueFromLegacyKey, bool skipLocal, const std::string& storeFilter,
+                            Road& road) const {
+    if (const auto* alias = keyAliases.lookupKeyAlias(key)) {
+        if (lookupInStores(*alias, value, configStoreName, skipLocal, storeFilter)) {
+            road = Road::ThroughNewName;
+            return true;
+        }
+        if (!lookupInStores(key, value, configStoreName, skipLocal, storeFilter)) {
+            return false;
+        }
+        valueFromLegacyKey = true;
+        return true;
+    }
+    if (lookupInStores(key, value, configStoreName, skipLocal, storeFilter)) {
+        return true;
+    }
+    const auto* legacy = keyAliases.lookupLegacyKey(key);
+    if (legacy == nullptr || !lookupInStores(*legacy, value, configStoreName, skipLocal, storeFilter)) {
+        return false;
+    }
+    road = Road::ThroughOldName;
+    valueFromLegacyKey = true;
+    return true;
+}
+
+bool ConfigLookup::getOriginalValue(const std::wstring& key, std::wstring& originalValue,
+                                    std::wstring& originalValueStoreName, bool& fromLegacyKey) const {
+    fromLegacyKey = false;
+    bool found = false;
+    if (const auto* alias = keyAliases.lookupKeyAlias(key)) {
+        if (findOriginalValue(*alias, originalValue, originalValueStoreName, found)) {
+            return true;
+        }
+        fromLegacyKey = findOriginalValue(key, originalValue, originalValueStoreName, found);
+        return fromLegacyKey;
+    }
+    const bool hasOverride = findOriginalValue(key, originalValue, originalValueStoreName, found);
+    const auto* legacy = found ? nullptr : keyAliases.lookupLegacyKey(key);
+    if (legacy == nullptr) {
+        return hasOverride;
+    }
+    fromLegacyKey = findOriginalValue(*legacy, originalValue, originalValueStoreName, found);
+    return fromLegacyKey;
+}
+
+bool ConfigLookup::findOriginalValue(const std::wstring& key, std::wstring& originalValue,
+                                     std::wstring& originalValueStoreName, bool& found) const {
+    std::wstring writableValue;
+    std::wstring readOnlyValue;
+    bool hasOverride = false;
+    found = false;
+    for (const auto walked = chain.getStores(); const auto& store : *walked) {
+        if (!writableValue.empty() && !readOnlyValue.empty()) {
+            break;
+        }
+        if (!store->isReadOnly()) {
+            if (writableValue.empty() && store->getValue(key, writableValue) && readOnlyValue.empty()) {
+                hasOverride = true;
+            }
+        } else if (readOnlyValue.empty() && store->getValue(key, readOnlyValue)) {
+            originalValueStoreName = KyrCoreUtils::toWideString(store->getName());
+            found = true;
+        }
+    }
+    originalValue = std::move(readOnlyValue);
+    return hasOverride;
+}
+
+} // namespace ZelUnified

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "KeyAliases.h"
+#include "StoreChain.h"
+
+#include <string>
+
+namespace ZelUnified {
+
+/// How a key becomes a value: name first, chain second. The new name of a key wins over its old one wherever in the
+/// chain each stands; the first store that answers wins, and an empty value is an answer.
+/// Any thread; the owner holds the chain's lock so that the answers of one lookup belong together.
+class ConfigLookup {
+public:
+    ConfigLookup(const StoreChain& storeChain, const KeyAliases& aliases) : chain(storeChain), keyAliases(aliases) {}
+
+    /// The name under which a key was found.
+    enum class Road { AsAsked, ThroughNewName, ThroughOldName };
+
+    /// The walk for one exact name. `skipLocal` leaves out the writable stores, a filter all stores but the one it
+    /// names. On a miss `value` is empty (but for the FIPS override) and `configStoreName` as it was.
+    bool lookupInStores(const std::wstring& key, std::wstring& value, std::wstring& configStoreName, bool skipLocal,
+                        const std::string& storeFilter) const;
+
+    /// The lookup under new and old names. `valueFromLegacyKey` is only ever set, `road` only on a hit.
+    bool getValue(const std::wstring& key, std::wstring& value, std::wstring& configStoreName, bool& valueFromLegacyKey,
+                  bool skipLocal, const std::string& storeFilter, Road& road) const;
+
+    /// What an administrator's source says beneath the user's settings. The result is whether a writable store that
+    /// holds the key stands ahead of the first read-only one with a value.
+    bool getOriginalValue(const std::wstring& key, std::wstring& originalValue, std::wstring& originalValueStoreName,
+                          bool& fromLegacyKey) const;
+
+private:
+    bool findOriginalValue(const std::wstring& key, std::wstring& originalValue, std::wstring& originalValueStoreName,
+                           bool& found) const;
+
+    const StoreChain& chain;
+    const KeyAliases& keyAliases;
+};
+
+} // namespace ZelUnified

@@ -1,0 +1,94 @@
+#include "ConfigReport.h"
+
+#include "ConfigStoreManagerLogger.h"
+#include "XmlWriter.h"
+#include "secure/SecureString.h"
+
+#include <kyr/FileUtils.h>
+#include <kyr/StringUtils.h>
+#include <zel/EncryptFileUtils.h>
+
+#include <ConfigKeys.h>
+
+namespace ZelUnified {
+
+using KyrCoreUtils::FileUtils;
+using KyrCoreUtils::toString;
+using KyrCoreUtils::toWideString;
+
+namespace {
+
+constexpr std::string_view declarationEnd = "?>";
+
+void writeStore(XmlWriter& writer, ConfigStore& store, const ConfigReport::IsSensitive& isSensitive) {
+    const auto keys = store.getKeys();
+    const auto name = store.getName();
+    const auto priority = store.getPriority();
+    if (name == ConfigKeys::configDefaultsFile || keys.empty()) {
+        return;
+    }
+    writer.startElement("store");
+    writer.writeAttribute("name", name);
+    writer.writeAttribute("priority", std::to_string(priority));
+    std::wstring value;
+    for (const auto& key : keys) {
+        if (isSensitive(key)) {
+            continue;
+        }
+        store.getValue(key, value);
+        auto text = toString(value);
+        if (XmlWriter::replaceIllegalCharacters(text)) {
+            ZelLog(configStoreManagerLogger(), ZelLogLevel::Warning, ZEL_HERE,
+                   L"Characters that XML can't carry are replaced in the report of key: " + key);
+        }
+        writer.writeElement(toString(key), text);
+    }
+    writer.endElement();
+}
+
+/// Where the text behind the XML declaration starts. A mark at the very start is no declaration's end; without one the
+/// first byte goes.
+std::size_t startOfContent(const std::string& text) {
+    const auto mark = text.find(declarationEnd);
+    if (mark == std::string::npos) {
+        return 1;
+    }
+    return mark < 2 ? 0 : mark + declarationEnd.size();
+}
+
+} // namespace
+
+std::wstring ConfigReport::describeStores(const StoreChain::Stores& stores, const IsSensitive& isSensitive) {
+    XmlWriter writer(XmlWriter::Declaration::Without);
+    if (!writer.isReady()) {
+        return L"";
+    }
+    writer.startElement("AllMemoryConfigs");
+    for (const auto& store : stores) {
+        writeStore(writer, *store, isSensitive);
+    }
+    writer.endElement();
+    return toWideString(writer.finish());
+}
+
+std::wstring ConfigReport::readDataFiles() {
+    std::wstring report;
+    for (const auto* name : {"home-fenn-info.dat", "service-location.dat", "SSOAuthInfoStore.dat"}) {
+        const auto path = FileUtils::getConfigDirectory() + FileUtils::FileSeparator() + name;
+        zel::SecureString content;
+        if (!zel::storage::EncryptFileUtils::readDataFromFile(path, content,
+                                                              zel::storage::FileCategoryType::UserData)) {
+            ZelLog(configStoreManagerLogger(), ZelLogLevel::Error, ZEL_HERE, "Failed to read config file " + path);
+            continue;
+        }
+        std::string text;
+        content.withClearText([&](std::string_view clear) { text = clear; });
+        auto shown = text.substr(startOfContent(text));
+        zel::SecureString::wipe(text);
+        report += toWideString(shown);
+        zel::SecureString::wipe(shown);
+    }
+    return report;
+}
+
+} // namespace ZelUnified

@@ -1,0 +1,229 @@
+#include "ConfigStoreManager.h"
+
+#include "CachedConfigFiles.h"
+#include "ConfigStoreManagerLogger.h"
+
+#include <kyr/StringUtils.h>
+
+#include <ConfigKeys.h>
+
+namespace ZelUnified {
+
+using KyrCoreUtils::caseInsensitiveStringEquals;
+
+namespace {
+
+/// A developer's override file takes part in everything but the logs.
+bool isOverrideStore(std::string_view name) {
+    return caseInsensitiveStringEquals(name, ConfigKeys::devOverrideConfigStore);
+}
+
+} // namespace
+
+ConfigStoreManager::ConfigStoreManager(std::shared_ptr<UnifiedFactory> factory)
+    : unifiedFactory(std::move(factory)), storeAddedObservers(unifiedFactory) {
+    ZelLog(configStoreManagerLogger(), ZelLogLevel::Info, ZEL_HERE,
+           "Creating a new instance of the ConfigStoreManager.");
+}
+
+ConfigStoreManager::~ConfigStoreManager() = default;
+
+void ConfigStoreManager::addStore(const std::shared_ptr<ConfigStore>& store) {
+    const std::lock_guard lock(chainLock);
+    if (!store) {
+        return;
+    }
+    const auto name = store->getName();
+    if (hasStoreWithName(name)) {
+        if (!isOverrideStore(name)) {
+            ZelLog(configStoreManagerLogger(), ZelLogLevel::Info, ZEL_HERE, "updating existing store: " + name);
+        }
+        updateConfigStore(store);
+        return;
+    }
+    configStores.add(store);
+    if (!isOverrideStore(name)) {
+        ZelLog(configStoreManagerLogger(), ZelLogLevel::Info, ZEL_HERE, "adding new store: " + name + describeChain());
+    }
+    refreshStoreKeys(store);
+    storeAddedObservers.fireConfigStoreAdded(name);
+}
+
+std::string ConfigStoreManager::describeChain() const {
+    std::string text = ", Config stores :";
+    for (const auto walked = configStores.getStores(); const auto& store : *walked) {
+        const auto name = store->getName();
+        if (!isOverrideStore(name)) {
+            text += " [" + name + "(" + std::to_string(store->getPriority()) + ")]";
+        }
+    }
+    return text;
+}
+
+void ConfigStoreManager::updateConfigStore(const std::shared_ptr<ConfigStore>& store) {
+    const std::lock_guard lock(chainLock);
+    const auto name = store->getName();
+    // Each update changes the chain, so the walk looks at what stands there now: a new version that lands behind the
+    // place of the old one is met again.
+    for (std::size_t i = 0; const auto present = configStores.at(i); ++i) {
+        if (caseInsensitiveStringEquals(present->getName(), name)) {
+            updateExistingConfigStore(store, present->getKeys());
+        }
+    }
+}
+
+void ConfigStoreManager::updateExistingConfigStore(const std::shared_ptr<ConfigStore>& store,
+                                                   const std::vector<std::wstring>& oldKeys) {
+    const std::lock_guard lock(chainLock);
+    if (!store || !hasStoreWithName(store->getName())) {
+        return;
+    }
+    removeStoreAndCachedCopy(store->getName());
+    const auto newKeys = store->getKeys();
+    const ConfigKeySet kept(newKeys.begin(), newKeys.end());
+    for (const auto& key : oldKeys) {
+        if (!kept.contains(key)) {
+            fireConfigChange(key, false);
+        }
+    }
+    addStore(store);
+}
+
+void ConfigStoreManager::removeStoreAndCachedCopy(const std::string& name) {
+    const std::lock_guard lock(chainLock);
+    const auto store = configStores.find(name);
+    if (!store) {
+        return;
+    }
+    if (store->shouldCacheConfigStore()) {
+        removeStoreAndCachedCopy(CachedConfigFiles::getFileName(name));
+    }
+    configStores.remove(store);
+}
+
+bool ConfigStoreManager::removeStoreWithSameName(const std::string& name) {
+    const std::lock_guard lock(chainLock);
+    const auto store = configStores.find(name);
+    if (!store) {
+        return false;
+    }
+    if (store->shouldCacheConfigStore() || caseInsensitiveStringEquals(name, ConfigKeys::urlProvisioningConfigStore)) {
+        removeCachedFiles(CachedConfigFiles::getFileName(name));
+    }
+    if (!isOverrideStore(name)) {
+        ZelLog(configStoreManagerLogger(), ZelLogLevel::Info, ZEL_HERE, "Removing store: " + name);
+    }
+    configStores.remove(store);
+    refreshStoreKeys(store);
+    return true;
+}
+
+void ConfigStoreManager::removeNonLocalStores() {
+    const std::lock_guard lock(chainLock);
+    for (std::size_t i = configStores.getStores()->size(); i-- > 0;) {
+        // Observers may have changed the chain since the last round.
+        const auto store = configStores.at(i);
+        if (store && !store->isLocal()) {
+            configStores.remove(store);
+            refreshStoreKeys(store);
+        }
+    }
+}
+
+void ConfigStoreManager::destroyStores() {
+    const std::lock_guard lock(chainLock);
+    for (const auto walked = configStores.getStores(); const auto& store : *walked) {
+        store->destroy();
+    }
+}
+
+bool ConfigStoreManager::hasStoreWithName(const std::string& name) const {
+    const std::lock_guard lock(chainLock);
+    return configStores.find(name) != nullptr;
+}
+
+std::shared_ptr<ConfigStore> ConfigStoreManager::getStoreByName(const std::string& name) const {
+    return configStores.find(name);
+}
+
+void ConfigStoreManager::registerConfigStoreAddedObserver(const std::shared_ptr<ConfigStoreAddedObserver>& observer) {
+    storeAddedObservers.add(observer);
+}
+
+void ConfigStoreManager::unregisterConfigStoreAddedObserver(const std::shared_ptr<ConfigStoreAddedObserver>& observer) {
+    storeAddedObservers.remove(observer);
+}
+
+void ConfigStoreManager::addObserver(ConfigStoreManager_Observer* observer) {
+    observers.add(observer);
+}
+
+void ConfigStoreManager::setKeySensitive(const std::wstring& key) {
+    sensitiveKeys.add(key);
+    observers.notifySensitiveKey(key);
+}
+
+bool ConfigStoreManager::isSensitiveKey(const std::wstring& key) const {
+    return sensitiveKeys.contains(key);
+}
+
+ConfigMap ConfigStoreManager::getKeyAliases() const {
+    return keyAliases.getKeyAliases();
+}
+
+void ConfigStoreManager::refreshStoreKeys(const std::shared_ptr<ConfigStore>& store) {
+    if (store) {
+        refreshKeys(store->getKeys());
+    }
+}
+
+void ConfigStoreManager::refreshKeys(const std::vector<std::wstring>& keys) {
+    for (const auto& key : keys) {
+        fireConfigChange(key, true);
+    }
+    for (const auto& key : keys) {
+        const auto* newName = keyAliases.lookupKeyAlias(key);
+        if (newName == nullptr) {
+            observers.notifyFireIfRequired(key);
+        } else if (!isHeld(*newName)) {
+            observers.notifyFireIfRequired(*newName);
+        }
+    }
+}
+
+void ConfigStoreManager::fireConfigChange(const std::wstring& key, bool deferFire) {
+    const std::lock_guard lock(chainLock);
+    const auto change = readConfigChange(key);
+    const auto* newName = keyAliases.lookupKeyAlias(key);
+    if (newName == nullptr) {
+        observers.notifyConfigAddedOrUpdated(key, change, deferFire);
+        return;
+    }
+    // A new name that some store holds speaks for itself.
+    if (!isHeld(*newName)) {
+        observers.notifyConfigAddedOrUpdated(*newName, change, deferFire);
+    }
+}
+
+ConfigChange ConfigStoreManager::readConfigChange(const std::wstring& key) const {
+    ConfigChange change;
+    bool valueFromLegacyKey = false;
+    bool originalFromLegacyKey = false;
+    change.isDefined = getValue(key, change.value, change.valueStoreName, valueFromLegacyKey, false, "");
+    const bool hasOverride =
+        getOriginalValue(key, change.originalValue, change.originalValueStoreName, originalFromLegacyKey);
+    if (valueFromLegacyKey && !originalFromLegacyKey && hasOverride) {
+        change.value = change.originalValue;
+        return change;
+    }
+    change.isOverridden = change.isDefined && hasOverride && (!valueFromLegacyKey || originalFromLegacyKey);
+    return change;
+}
+
+bool ConfigStoreManager::isHeld(const std::wstring& key) const {
+    std::wstring value;
+    std::wstring storeName;
+    return lookup.lookupInStores(key, value, storeName, false, "");
+}
+
+} // namespace ZelUnified

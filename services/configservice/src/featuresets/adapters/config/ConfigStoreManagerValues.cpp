@@ -1,0 +1,243 @@
+// The manager's operations on values: reading, writing, and what a reset takes away. How stores arrive, leave and are
+// announced stands in ConfigStoreManager.cpp.
+
+#include "BackgroundTasks.h"
+#include "CachedConfigFiles.h"
+#include "ConfigReport.h"
+#include "ConfigStoreManager.h"
+#include "ConfigStoreManagerLogger.h"
+#include "UrlProvisioningData.h"
+
+#include <kyr/StringUtils.h>
+
+#include <CacheConfigStore.h>
+#include <ConfigKeys.h>
+
+#include <algorithm>
+#include <array>
+#include <sstream>
+
+namespace ZelUnified {
+
+using KyrCoreUtils::caseInsensitiveStringEquals;
+using KyrCoreUtils::toString;
+using KyrCoreUtils::toWideString;
+
+namespace {
+
+constexpr int urlProvisioningPriority = 499;
+
+/// What the log says of a key that was found under another name than the one asked for.
+std::wstring describeRoad(ConfigLookup::Road road, const KeyAliases& keyAliases, const std::wstring& key) {
+    switch (road) {
+    case ConfigLookup::Road::ThroughNewName:
+        return L"is an alias. Key has been renamed. Actual lookup done on key name: [" +
+               *keyAliases.lookupKeyAlias(key) + L"] - ";
+    case ConfigLookup::Road::ThroughOldName:
+        return L"did not exist. actual lookup done on legacy key name : [" + *keyAliases.lookupLegacyKey(key) + L"] - ";
+    case ConfigLookup::Road::AsAsked:
+        break;
+    }
+    return L"";
+}
+
+bool isInMemoryStore(ConfigStore& store) {
+    return caseInsensitiveStringEquals(store.getName(), ConfigKeys::inMemoryConfigStore);
+}
+
+/// The stores that an ordinary write may go to.
+bool isWriteTarget(ConfigStore& store) {
+    return !store.isReadOnly() && !isInMemoryStore(store);
+}
+
+bool isSparedByReset(const std::string& name) {
+    constexpr std::array<std::string_view, 5> spared{
+        ConfigKeys::urlProvisioningConfigStore, ConfigKeys::bootstrapConfigStore, ConfigKeys::mdmConfigStore,
+        ConfigKeys::configDefaultsFile, ConfigKeys::devOverrideConfigStore};
+    return std::find(spared.begin(), spared.end(), name) != spared.end();
+}
+
+} // namespace
+
+bool ConfigStoreManager::getValue(const std::wstring& key, std::wstring& value, std::wstring& configStoreName,
+                                  bool& valueFromLegacyKey, bool skipLocal, const std::string& storeFilter) const {
+    const std::lock_guard lock(chainLock);
+    auto road = ConfigLookup::Road::AsAsked;
+    const bool found = lookup.getValue(key, value, configStoreName, valueFromLegacyKey, skipLocal, storeFilter, road);
+    const auto shown = toWideString(
+        ZelLogger_replacePIIData(toString(isSensitiveKey(key) ? ConfigKeys::valueHidden : std::wstring_view(value))));
+    if (ZelLog_isDebugEnabled(configStoreManagerLogger())) {
+        std::wostringstream text;
+        text << L"key : [" << key << L"] " << describeRoad(road, keyAliases, key) << L"skipLocal : [" << skipLocal
+             << L"]  value: [" << shown << L"] success: [" << (found ? L"true" : L"false") << L"] configStoreName: ["
+             << configStoreName << L"]";
+        ZelLog(configStoreManagerLogger(), ZelLogLevel::Debug, ZEL_HERE, text.str());
+    }
+    return found;
+}
+
+bool ConfigStoreManager::getValue(const std::wstring& key, std::wstring& value) const {
+    return getValue(key, value, std::string());
+}
+
+bool ConfigStoreManager::getValue(const std::wstring& key, std::wstring& value, const std::string& storeFilter) const {
+    std::wstring configStoreName;
+    bool valueFromLegacyKey = false;
+    return getValue(key, value, configStoreName, valueFromLegacyKey, false, storeFilter);
+}
+
+std::wstring ConfigStoreManager::getValue(const std::string& storeFilter, const std::wstring& key) const {
+    std::wstring value;
+    return getValue(key, value, storeFilter) ? value : std::wstring();
+}
+
+bool ConfigStoreManager::getOriginalValue(const std::wstring& key, std::wstring& originalValue,
+                                          std::wstring& originalValueStoreName, bool& fromLegacyKey) const {
+    const std::lock_guard lock(chainLock);
+    return lookup.getOriginalValue(key, originalValue, originalValueStoreName, fromLegacyKey);
+}
+
+bool ConfigStoreManager::storeValue(const std::wstring& key, const std::wstring& value) {
+    const std::lock_guard lock(chainLock);
+    const auto stores = configStores.getStores();
+    const auto target =
+        std::find_if(stores->begin(), stores->end(), [](const auto& store) { return isWriteTarget(*store); });
+    if (target == stores->end()) {
+        return false;
+    }
+    const bool stored = (*target)->storeValue(key, value);
+    persistLater(*target);
+    fireConfigChange(key, false);
+    return stored;
+}
+
+bool ConfigStoreManager::storeValue(const ConfigMap& values) {
+    const std::lock_guard lock(chainLock);
+    bool targetFound = false;
+    for (const auto walked = configStores.getStores(); const auto& store : *walked) {
+        if (!isWriteTarget(*store)) {
+            continue;
+        }
+        targetFound = true;
+        for (const auto& [key, value] : values) {
+            if (!store->storeValue(key, value)) {
+                ZelLog(configStoreManagerLogger(), ZelLogLevel::Warning, ZEL_HERE,
+                       L"Unable to store the value with key: " + key.substr(0, 1));
+            }
+        }
+        persistLater(store);
+        for (const auto& [key, value] : values) {
+            fireConfigChange(key, false);
+        }
+    }
+    return targetFound;
+}
+
+bool ConfigStoreManager::setInMemoryValue(const std::wstring& key, const std::wstring& value) {
+    const std::lock_guard lock(chainLock);
+    const auto store = configStores.find(ConfigKeys::inMemoryConfigStore);
+    if (!store) {
+        return false;
+    }
+    const bool stored = store->storeValue(key, value);
+    fireConfigChange(key, false);
+    return stored;
+}
+
+bool ConfigStoreManager::removeValue(const std::wstring& key) {
+    const std::lock_guard lock(chainLock);
+    std::vector<const std::wstring*> names{&key};
+    for (const auto* otherName : {keyAliases.lookupKeyAlias(key), keyAliases.lookupLegacyKey(key)}) {
+        if (otherName != nullptr) {
+            names.push_back(otherName);
+        }
+    }
+    bool removed = false;
+    for (const auto walked = configStores.getStores(); const auto& store : *walked) {
+        if (store->isReadOnly()) {
+            continue;
+        }
+        for (const auto* name : names) {
+            if (store->removeValue(*name)) {
+                persistLater(store);
+                removed = true;
+            }
+        }
+    }
+    if (removed) {
+        fireConfigChange(key, false);
+    }
+    return removed;
+}
+
+bool ConfigStoreManager::setUrlProvisioningData(const std::wstring& url) {
+    const std::lock_guard lock(chainLock);
+    ZelLog(configStoreManagerLogger(), ZelLogLevel::Info, ZEL_HERE, "setting url provisioning data");
+    auto settings = parseUrlProvisioningData(url);
+    if (settings.empty()) {
+        return false;
+    }
+    const std::string name(ConfigKeys::urlProvisioningConfigStore);
+    addStore(std::make_shared<CacheConfigStore>(
+        name, urlProvisioningPriority, CachedConfigFiles::getPath(CachedConfigFiles::getFileName(name)), settings));
+    // Provisioning works once: from here on the user's file forbids another.
+    storeValue(std::wstring(ConfigKeys::allowUrlProvisioning), L"False");
+    return true;
+}
+
+void ConfigStoreManager::persistLater(const std::shared_ptr<ConfigStore>& store) const {
+    enqueueBackgroundTask(unifiedFactory, "ConfigStore::persistValues", [store] { store->persistValues(); });
+}
+
+void ConfigStoreManager::resetConfigData() {
+    const std::lock_guard lock(chainLock);
+    for (std::size_t i = configStores.getStores()->size(); i-- > 0;) {
+        // Observers may have changed the chain since the last round.
+        const auto store = configStores.at(i);
+        if (!store || isSparedByReset(store->getName())) {
+            continue;
+        }
+        const auto name = store->getName();
+        ZelLog(configStoreManagerLogger(), ZelLogLevel::Info, ZEL_HERE,
+               "Removing store " + name + " from ConfigManager.");
+        removeStoreWithSameName(name);
+        ZelLog(configStoreManagerLogger(), ZelLogLevel::Info, ZEL_HERE, "Removing all keys for store: " + name);
+        store->removeAllValues();
+    }
+}
+
+void ConfigStoreManager::resetConfigData(const std::string& storeName) {
+    const std::lock_guard lock(chainLock);
+    const auto stores = configStores.getStores();
+    const auto found = std::find_if(stores->rbegin(), stores->rend(),
+                                    [&](const auto& store) { return store->getName() == storeName; });
+    if (found != stores->rend()) {
+        ZelLog(configStoreManagerLogger(), ZelLogLevel::Info, ZEL_HERE, "Removing all keys for store: " + storeName);
+        (*found)->removeAllValues();
+    }
+}
+
+void ConfigStoreManager::removeAllCachedStores() {
+    for (const auto& name : CachedConfigFiles::getXmlNames()) {
+        removeStoreWithSameName(name);
+        removeCachedFiles(name);
+    }
+}
+
+bool ConfigStoreManager::removeCachedFiles(const std::string& fileName) {
+    const std::lock_guard lock(chainLock);
+    return CachedConfigFiles::remove(fileName);
+}
+
+void ConfigStoreManager::getConfigForPRT(std::wstring& out) const {
+    out = L"<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<AllConfigs>\n";
+    {
+        const std::lock_guard lock(chainLock);
+        out += ConfigReport::describeStores(*configStores.getStores(),
+                                            [this](const std::wstring& key) { return isSensitiveKey(key); });
+    }
+    out += ConfigReport::readDataFiles();
+    out += L"\n</AllConfigs>";
+}
+
+} // namespace ZelUnified

@@ -1,0 +1,102 @@
+#include "EnabledServices.h"
+
+#include "CachedConfigFiles.h"
+#include "ConfigAdapterLogger.h"
+#include "StoreNamePredicates.h"
+
+#include <kyr/FileUtils.h>
+#include <kyr/StringUtils.h>
+
+#include <ConfigKeys.h>
+
+#include <algorithm>
+#include <array>
+
+namespace ZelUnified {
+
+using KyrCoreUtils::caseInsensitiveStringEquals;
+
+namespace {
+
+constexpr std::wstring_view voicemailEnabledKey = L"Voicemail_Enabled";
+
+} // namespace
+
+void EnabledServices::SetEnabledServices() {
+    SetTelephonyEnabled();
+    SetVoicemailEnabled();
+    SetMeetingsEnabled();
+}
+
+void EnabledServices::SetTelephonyEnabled() {
+    if (isLeftToDerivation(ConfigKeys::telephonyEnabled)) {
+        setFlag(ConfigKeys::telephonyEnabled,
+                "Setting telephonyEnabled flag: ", isAnySet(ConfigKeys::ctiServer1, ConfigKeys::sabrelServer1));
+    }
+}
+
+void EnabledServices::SetVoicemailEnabled() {
+    if (isLeftToDerivation(voicemailEnabledKey)) {
+        setFlag(voicemailEnabledKey, "Setting voicemailEnabled flag:",
+                isAnySet(ConfigKeys::voicemailPrimaryServer, ConfigKeys::vvmMailstoreServer0));
+    }
+}
+
+void EnabledServices::SetMeetingsEnabled() {
+    if (!isLeftToDerivation(ConfigKeys::meetingsEnabled)) {
+        return;
+    }
+    constexpr std::array<std::wstring_view, 3> suffixes{L"", L"_Backup", L"_Backup2"};
+    bool flag = false;
+    for (const auto suffix : suffixes) {
+        flag |= hasMeetingServer(suffix);
+    }
+    setFlag(ConfigKeys::meetingsEnabled, "Setting Meetings_Enabled flag: ", flag);
+}
+
+bool EnabledServices::shouldSetEnabledServicesBasedOnCachedStores() {
+    std::vector<std::string> files;
+    KyrCoreUtils::FileUtils::getFilesFromDirectory(CachedConfigFiles::getDirectory(), "dat", files);
+    return std::any_of(files.begin(), files.end(), [](const std::string& file) {
+        const auto name = KyrCoreUtils::FileUtils::getFileName(file);
+        return isCachedGarnConfigStore(name) || isCachedPresenceConfigStore(name) || isCachedTftpConfigStore(name);
+    });
+}
+
+bool EnabledServices::isLeftToDerivation(std::wstring_view flagKey) const {
+    std::wstring value;
+    std::wstring storeName;
+    bool valueFromLegacyKey = false;
+    configStoreManager->getValue(std::wstring(flagKey), value, storeName, valueFromLegacyKey, true, "");
+    if (caseInsensitiveStringEquals(storeName, KyrCoreUtils::toWideString(ConfigKeys::configDefaultsFile))) {
+        return true;
+    }
+    ZelLog(configAdapterLogger(), ZelLogLevel::Info, ZEL_HERE,
+           std::wstring(flagKey) + L" explicitly set to '" + value + L"' in the '" + storeName + L"' config store");
+    return false;
+}
+
+bool EnabledServices::isAnySet(std::wstring_view firstKey, std::wstring_view secondKey) const {
+    const auto first = read(firstKey);
+    const auto second = read(secondKey);
+    return !first.empty() || !second.empty();
+}
+
+bool EnabledServices::hasMeetingServer(std::wstring_view suffix) const {
+    const auto address = read(std::wstring(L"Meeting_Server_Address").append(suffix));
+    const auto type = read(std::wstring(L"Meeting_Server_Type").append(suffix));
+    return !address.empty() && (type.empty() || caseInsensitiveStringEquals(type, L"Mirrox"));
+}
+
+std::wstring EnabledServices::read(std::wstring_view key) const {
+    std::wstring value;
+    configStoreManager->getValue(std::wstring(key), value);
+    return value;
+}
+
+void EnabledServices::setFlag(std::wstring_view flagKey, const std::string& logPrefix, bool flag) {
+    ZelLog(configAdapterLogger(), ZelLogLevel::Info, ZEL_HERE, logPrefix + (flag ? "1" : "0"));
+    configStoreManager->setInMemoryValue(std::wstring(flagKey), KyrCoreUtils::toWideString(flag));
+}
+
+} // namespace ZelUnified

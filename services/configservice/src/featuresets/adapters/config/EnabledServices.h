@@ -1,0 +1,39 @@
+#pragma once
+
+#include "ConfigStoreManager.h"
+
+#include <memory>
+#include <string>
+
+namespace ZelUnified {
+
+/// Works out which services exist from the server keys, where no administrator said so: "Telephony_Enabled",
+/// "Voicemail_Enabled" and "Meetings_Enabled". A flag that comes from the shipped defaults, or from the user, counts as
+/// not said. The answers go into the in-memory store.
+class EnabledServices {
+public:
+    explicit EnabledServices(std::shared_ptr<ConfigStoreManager> storeManager)
+        : configStoreManager(std::move(storeManager)) {}
+
+    void SetTelephonyEnabled();
+    void SetVoicemailEnabled();
+    void SetMeetingsEnabled();
+    /// All three, in this order.
+    void SetEnabledServices();
+
+    /// Whether a cached copy of a server's store lies on disk. Without one, as on a first run, the flags are left
+    /// alone.
+    static bool shouldSetEnabledServicesBasedOnCachedStores();
+
+private:
+    /// Whether the flag is to be derived; logs who set it otherwise.
+    bool isLeftToDerivation(std::wstring_view flagKey) const;
+    bool isAnySet(std::wstring_view firstKey, std::wstring_view secondKey) const;
+    bool hasMeetingServer(std::wstring_view suffix) const;
+    std::wstring read(std::wstring_view key) const;
+    void setFlag(std::wstring_view flagKey, const std::string& logPrefix, bool flag);
+
+    const std::shared_ptr<ConfigStoreManager> configStoreManager;
+};
+
+} // namespace ZelUnified

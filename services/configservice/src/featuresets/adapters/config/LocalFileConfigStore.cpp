@@ -1,0 +1,290 @@
+#include "LocalFileDocument.h"
+#include "XmlReader.h"
+
+#include <kyr/FileUtils.h>
+#include <kyr/FstreamUtils.h>
+#include <kyr/StringUtils.h>
+#include <zel/EncryptFileUtils.h>
+#include <zel/ZelLog.h>
+
+#include <LocalFileConfigStore.h>
+#include <secure/FipsValueOverride.h>
+#include <secure/SecureBuffer.h>
+#include <secure/SecureString.h>
+#include <services/impl/ConfigFileCacheTimer.h>
+#include <services/impl/ConfigFileCacheTimerCallBack.h>
+
+#include <fstream>
+#include <iterator>
+#include <utility>
+
+namespace ZelUnified {
+
+using KyrCoreUtils::FileUtils;
+using zel::storage::EncryptFileUtils;
+using zel::storage::FileCategoryType::UserData;
+
+namespace {
+
+ZelLogger& logger = ZelLogger_getLogger("ConfigService-LocalFileConfigStore");
+
+constexpr const char* userStoreName = "LocalFileConfigStore";
+constexpr std::string_view invalidSyntax =
+    "Error Invalid XML syntax detected - Unable to read localFileConfigStore configuration";
+
+std::string toBackupName(std::string file) {
+    return file.insert(file.find('.'), "_backup");
+}
+
+std::string readWhole(const std::string& path) {
+    std::fstream stream;
+    if (!KyrCoreUtils::FstreamUtils::open(stream, path, KyrCoreUtils::StreamMode::Read)) {
+        return {};
+    }
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+} // namespace
+
+/// Writes the backup of a store that still lives when the timer fires.
+class LocalFileConfigStore::LocalFileConfigFileCacheTimerCallBackImpl final : public ConfigFileCacheTimerCallBack {
+public:
+    LocalFileConfigFileCacheTimerCallBackImpl(std::weak_ptr<LocalFileConfigStore> written, std::string file)
+        : store(std::move(written)), fileName(std::move(file)) {}
+
+    void onTimerFired() override {
+        if (ZelLog_isDebugEnabled(logger)) {
+            ZelLog(logger, ZelLogLevel::Debug, ZEL_HERE, "About to cache file: " + fileName);
+        }
+        if (const auto alive = store.lock()) {
+            alive->backupConfigFile();
+        }
+    }
+
+    std::string getFileName() override { return fileName; }
+
+private:
+    std::weak_ptr<LocalFileConfigStore> store;
+    std::string fileName;
+};
+
+LocalFileConfigStore::LocalFileConfigStore(std::string storeName, int storePriority, std::string directory,
+                                           std::string file, bool isLocalStore, bool isReadOnlyStore, bool encrypted)
+    : name(std::move(storeName)),
+      priority(storePriority),
+      local(isLocalStore),
+      readOnly(isReadOnlyStore),
+      configDirectory(directory.empty() ? std::move(directory) : directory + FileUtils::FileSeparator()),
+      fileName(std::move(file)),
+      backupFileName(toBackupName(fileName)) {
+    encrypted ? readFromEncryptedFile() : readFromFile();
+}
+
+LocalFileConfigStore::LocalFileConfigStore(std::string storeName, int storePriority, bool isLocalStore)
+    : name(std::move(storeName)),
+      priority(storePriority),
+      local(isLocalStore),
+      readOnly(false),
+      configDirectory(FileUtils::getConfigDirectory() + FileUtils::FileSeparator()),
+      fileName("lumoraLocalConfig.dat"),
+      backupFileName("lumoraLocalConfig_backup.dat") {
+    readFromEncryptedFile();
+}
+
+LocalFileConfigStore::~LocalFileConfigStore() = default;
+
+bool LocalFileConfigStore::getValue(const std::wstring& key, std::wstring& value) {
+    const zel::Mutex::ScopedLock lock(valuesMutex);
+    const auto found = values.find(key);
+    if (found == values.end()) {
+        value.clear();
+        return false;
+    }
+    std::wstring answer = found->second;
+    zel::applyFipsValueOverride(key, answer);
+    value = std::move(answer); // last: the caller may hand in one string for both
+    return true;
+}
+
+bool LocalFileConfigStore::storeValue(const std::wstring& key, const std::wstring& value) {
+    const zel::Mutex::ScopedLock lock(valuesMutex);
+    values[LocalFileDocument::migrateKey(key)] = value;
+    return true;
+}
+
+std::vector<std::wstring> LocalFileConfigStore::getKeys() {
+    const zel::Mutex::ScopedLock lock(valuesMutex);
+    std::vector<std::wstring> keys;
+    keys.reserve(values.size());
+    for (const auto& entry : values) {
+        keys.push_back(entry.first);
+    }
+    return keys;
+}
+
+bool LocalFileConfigStore::removeValue(const std::wstring& key) {
+    const zel::Mutex::ScopedLock lock(valuesMutex);
+    return values.erase(key) > 0;
+}
+
+void LocalFileConfigStore::removeAllValues() {
+    // A reset deletes the files next: a write in flight must be over by then.
+    const zel::Mutex::ScopedLock fileLock(fileMutex);
+    const zel::Mutex::ScopedLock valuesLock(valuesMutex);
+    values.clear();
+}
+
+void LocalFileConfigStore::destroy() {
+    const zel::Mutex::ScopedLock lock(valuesMutex);
+    destroyed = true;
+}
+
+void LocalFileConfigStore::setTimer(std::shared_ptr<ConfigFileCacheTimer> cacheTimer) {
+    timer = std::move(cacheTimer);
+}
+
+void LocalFileConfigStore::setInterval(int milliseconds) {
+    interval = milliseconds;
+}
+
+bool LocalFileConfigStore::readFromEncryptedFile() {
+    const zel::Mutex::ScopedLock fileLock(fileMutex);
+    const zel::Mutex::ScopedLock valuesLock(valuesMutex);
+    zel::SecureString content;
+    if (!readProtectedText(content)) {
+        return false;
+    }
+    zel::SecureBuffer clear;
+    content.decrypt(clear);
+    std::string text(clear.getData(), clear.getLength());
+    if (const XmlDocument document = XmlReader::parseDoc(text)) {
+        LocalFileDocument(name, values).read(document);
+    } else {
+        ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, invalidSyntax);
+    }
+    zel::SecureString::wipe(text);
+    return true;
+}
+
+bool LocalFileConfigStore::readProtectedText(zel::SecureString& content) {
+    const std::string mainPath = configDirectory + fileName;
+    const std::string backupPath = configDirectory + backupFileName;
+    if (EncryptFileUtils::readDataFromFile(mainPath, content, UserData)) {
+        return true;
+    }
+    const bool hasBackup = name == userStoreName;
+    if (hasBackup && EncryptFileUtils::readDataFromFile(backupPath, content, UserData)) {
+        return true;
+    }
+    ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, "Failed to read config file " + (hasBackup ? backupPath : mainPath));
+    return false;
+}
+
+bool LocalFileConfigStore::readFromFile() {
+    const zel::Mutex::ScopedLock fileLock(fileMutex);
+    const zel::Mutex::ScopedLock valuesLock(valuesMutex);
+    const std::string path = configDirectory + fileName;
+    if (!FileUtils::fileExists(path)) {
+        ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE,
+               L"Read config FAILED, config file doesn't exist: " + KyrCoreUtils::toWideString(std::string_view(path)));
+        return false;
+    }
+    if (const XmlDocument document = XmlReader::readFile(path)) {
+        LocalFileDocument(name, values).read(document);
+    } else {
+        quarantine(path);
+    }
+    return true;
+}
+
+void LocalFileConfigStore::quarantine(const std::string& path) {
+    const std::string quarantineName = fileName.substr(0, fileName.rfind('.')) + "-backup.xml";
+    ZelLog(logger, ZelLogLevel::Error, ZEL_HERE,
+           std::string(invalidSyntax) + "\nrenaming invalid file to: " + quarantineName +
+               " and creating new blank XML document");
+    const std::string content = readWhole(path);
+    ZelLog(logger, ZelLogLevel::Error, ZEL_HERE,
+           "contents of invalid xml with string length: " + std::to_string(content.size()) + "\n" + content);
+    const std::string target = configDirectory + quarantineName;
+    if (FileUtils::moveFile(path, target, false) != 0) {
+        ZelLog(logger, ZelLogLevel::Error, ZEL_HERE,
+               L"error creating backup file: " + KyrCoreUtils::toWideString(std::string_view(target)));
+    }
+}
+
+void LocalFileConfigStore::createConfigDirectory() {
+    if (configDirectory.empty()) {
+        return;
+    }
+    std::string directory = configDirectory;
+    if (FileUtils::FileSeparator().find(directory.back()) != std::string::npos) {
+        directory.pop_back();
+    }
+    FileUtils::createDirectory(directory);
+}
+
+void LocalFileConfigStore::persistValues() {
+    {
+        const zel::Mutex::ScopedLock lock(valuesMutex);
+        // Exact, case included, unlike the order of the table.
+        if (values == lastPersistedValues) {
+            if (ZelLog_isDebugEnabled(logger)) {
+                ZelLog(logger, ZelLogLevel::Debug, ZEL_HERE, std::string_view("Same content has been saved."));
+            }
+            return;
+        }
+    }
+    persistValuesImpl(fileName);
+    if (name == userStoreName && timer) {
+        timer->scheduleTimer(
+            std::make_shared<LocalFileConfigFileCacheTimerCallBackImpl>(weak_from_this(), backupFileName), interval);
+    }
+}
+
+void LocalFileConfigStore::persistValuesImpl(const std::string& target) {
+    const zel::Mutex::ScopedLock fileLock(fileMutex);
+    if (!checkIfGoodToWrite(target, false)) {
+        if (checkIfGoodToWrite(target, true)) {
+            ZelLog(logger, ZelLogLevel::Error, ZEL_HERE,
+                   "Failed to read lumoraLocalConfig/backup file, so don't write to " + target + " to keep file good.");
+            return;
+        }
+        ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, "Both files are broken, write to " + target);
+    }
+    zel::SecureString content;
+    {
+        const zel::Mutex::ScopedLock lock(valuesMutex);
+        getDataString(content);
+        if (target == fileName) {
+            lastPersistedValues = values;
+        }
+    }
+    // The facility refuses empty content, which is what protects the file of a store that must not write.
+    EncryptFileUtils::writeDataToFile(configDirectory + target, content, UserData);
+}
+
+bool LocalFileConfigStore::checkIfGoodToWrite(const std::string& target, bool checkTarget) {
+    const zel::Mutex::ScopedLock lock(fileMutex);
+    const std::string& counterpart = target == fileName ? backupFileName : fileName;
+    const std::string path = configDirectory + (checkTarget ? target : counterpart);
+    if (!FileUtils::fileExists(path)) {
+        return true;
+    }
+    zel::SecureString scratch;
+    return EncryptFileUtils::readDataFromFile(path, scratch, UserData);
+}
+
+void LocalFileConfigStore::getDataString(zel::SecureString& content) {
+    const zel::Mutex::ScopedLock lock(valuesMutex);
+    if (readOnly || destroyed) {
+        return;
+    }
+    createConfigDirectory();
+    LocalFileDocument::write(values, content);
+}
+
+void LocalFileConfigStore::backupConfigFile() {
+    persistValuesImpl(backupFileName);
+}
+
+} // namespace ZelUnified

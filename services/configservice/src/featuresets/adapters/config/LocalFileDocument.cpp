@@ -1,0 +1,112 @@
+#include "LocalFileDocument.h"
+
+#include "XmlScrubber.h"
+#include "XmlWriter.h"
+
+#include <kyr/StringUtils.h>
+#include <zel/ZelLog.h>
+
+#include <secure/SecureString.h>
+
+namespace ZelUnified {
+
+namespace {
+
+ZelLogger& logger = ZelLogger_getLogger("ConfigService-LocalFileConfigStore");
+
+void writeAttribute(XmlWriter& writer, const char* attribute, const std::wstring& text, const std::wstring& key) {
+    std::string narrow = KyrCoreUtils::toString(text);
+    if (XmlWriter::replaceIllegalCharacters(narrow)) {
+        ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE,
+               L"Characters that XML can't carry are replaced in the entry of key: " + key);
+    }
+    writer.writeAttribute(attribute, narrow);
+    zel::SecureString::wipe(narrow);
+}
+
+} // namespace
+
+LocalFileDocument::LocalFileDocument(const std::string& store, ConfigMap& table)
+    : migrates(!KyrCoreUtils::caseInsensitiveStringEquals(std::string_view(store),
+                                                          std::string_view("lumora-config-defaults.xml"))),
+      values(table) {}
+
+void LocalFileDocument::read(const XmlDocument& document) {
+    xmlNode* root = xmlDocGetRootElement(document.get());
+    if (root == nullptr) {
+        return;
+    }
+    processXml(root);
+    XmlScrubber(document).scrubElement(*root);
+}
+
+void LocalFileDocument::processXml(const xmlNode* node) {
+    for (; node != nullptr; node = node->next) {
+        // An entity reference's child is its declaration, which leads out of the tree.
+        if (node->type == XML_ELEMENT_NODE) {
+            processUserConfigXml(*node);
+            processXml(node->children);
+        }
+    }
+}
+
+void LocalFileDocument::processUserConfigXml(const xmlNode& element) {
+    if (KyrCoreUtils::toLowercase(std::string_view(XmlReader::getName(element))) != "userconfig") {
+        return;
+    }
+    std::wstring key;
+    std::wstring value;
+    for (const xmlAttr* attribute = element.properties; attribute != nullptr; attribute = attribute->next) {
+        const std::string name = KyrCoreUtils::toLowercase(std::string_view(XmlReader::getName(*attribute)));
+        if (name != "name" && name != "value") {
+            continue;
+        }
+        auto text = XmlReader::getText(*attribute, expansionBudget);
+        if (!text) {
+            ZelLog(logger, ZelLogLevel::Error, ZEL_HERE,
+                   std::string_view("Error entities expand too far - entry ignored"));
+            return;
+        }
+        if (name == "name") {
+            key = toKey(*text);
+        } else {
+            value = KyrCoreUtils::toWideString(std::string_view(*text));
+        }
+        zel::SecureString::wipe(*text);
+    }
+    if (!key.empty()) {
+        values.try_emplace(key, value);
+    }
+    zel::SecureString::wipe(value);
+}
+
+std::wstring LocalFileDocument::toKey(const std::string& name) const {
+    const std::wstring key =
+        KyrCoreUtils::toWideString(std::string_view(KyrCoreUtils::toLowercase(std::string_view(name))));
+    return migrates ? migrateKey(key) : key;
+}
+
+std::wstring LocalFileDocument::migrateKey(const std::wstring& key) {
+    const bool isOldName =
+        KyrCoreUtils::caseInsensitiveStringEquals(std::wstring_view(key), std::wstring_view(L"VVM_Mailstore_Server_0"));
+    return isOldName ? L"VoicemailPrimaryServer" : key;
+}
+
+void LocalFileDocument::write(const ConfigMap& table, zel::SecureString& content) {
+    XmlWriter writer;
+    if (!writer.isReady()) {
+        return;
+    }
+    writer.startElement("Lumora");
+    for (const auto& [key, value] : table) {
+        writer.startElement("userConfig");
+        writeAttribute(writer, "name", key, key);
+        writeAttribute(writer, "value", value, key);
+        writer.endElement();
+    }
+    std::string text = writer.finish();
+    content = zel::SecureString(text);
+    zel::SecureString::wipe(text);
+}
+
+} // namespace ZelUnified

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "XmlReader.h"
+
+#include <ConfigMap.h>
+
+#include <string>
+
+namespace zel {
+class SecureString;
+}
+
+namespace ZelUnified {
+
+/// The document of a local file: "userConfig" elements, anywhere, with the attributes "name" and "value".
+class LocalFileDocument {
+public:
+    /// `table` receives the keys; the first element of a key wins. The caller holds the table's lock.
+    LocalFileDocument(const std::string& store, ConfigMap& table);
+
+    void read(const XmlDocument& document);
+
+    /// Makes the document of `table`. Leaves `content` as it was when the library fails.
+    static void write(const ConfigMap& table, zel::SecureString& content);
+
+    /// The key under which `key` is kept: an old name gives way to its successor.
+    static std::wstring migrateKey(const std::wstring& key);
+
+private:
+    void processXml(const xmlNode* node);
+    void processUserConfigXml(const xmlNode& element);
+    std::wstring toKey(const std::string& name) const;
+
+    bool migrates;
+    ConfigMap& values;
+    std::size_t expansionBudget = XmlReader::expansionLimit;
+};
+
+} // namespace ZelUnified

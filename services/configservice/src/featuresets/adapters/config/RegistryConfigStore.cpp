@@ -1,0 +1,194 @@
+#include "RegistryKeyHandle.h"
+#include "RegistryTreeReader.h"
+#include "secure/FipsValueOverride.h"
+
+#include <kyr/FileUtils.h>
+#include <kyr/FstreamUtils.h>
+#include <kyr/StringUtils.h>
+#include <unified/UnifiedFactory.h>
+#include <zel/ZelLog.h>
+
+#include <ConfigFeatureSet.h>
+#include <ConfigKeys.h>
+#include <RegistryConfigStore.h>
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <fstream>
+#include <string_view>
+#include <utility>
+
+namespace ZelUnified {
+
+using namespace zel::registry;
+using KyrCoreUtils::FileUtils;
+
+namespace {
+
+ZelLogger& logger = ZelLogger_getLogger("ConfigService-RegistryConfigStore");
+
+/// Policies of the current user lie below it.
+constexpr std::wstring_view softwareKey = L"Software\\";
+
+bool isPasswordLike(std::wstring_view key) {
+    return KyrCoreUtils::caseInsensitiveFind(key, L"connectionpassword") >= 0;
+}
+
+/// What a log or a file may show.
+std::wstring shownValue(const std::wstring& key, const std::wstring& value) {
+    return isPasswordLike(key) ? L"VALUE_HIDDEN" : value;
+}
+
+/// Writes `text` into the buffer behind its first `length` characters, as much of it as has room.
+void place(RegistryConfigStore::PathBuffer& buffer, std::size_t length, std::wstring_view text) {
+    const auto room = RegistryConfigStore::pathBufferSize - 1 - length;
+    const auto end = std::ranges::copy(text.substr(0, room), buffer + length).out;
+    *end = L'\0';
+}
+
+std::size_t lengthOf(const RegistryConfigStore::PathBuffer& buffer) {
+    return static_cast<std::size_t>(std::ranges::find(buffer, L'\0') - buffer);
+}
+
+} // namespace
+
+RegistryConfigStore::RegistryConfigStore(std::shared_ptr<UnifiedFactory> factory, std::string storeName,
+                                         int storePriority, std::string subkey)
+    : priority(storePriority), name(std::move(storeName)), unifiedFactory(std::move(factory)) {
+    const auto registry = getRegistry();
+    RegistryTreeReader(*registry, values).read(std::wstring(softwareKey) + KyrCoreUtils::toWideString(subkey));
+    markSensitiveKeys();
+    logConfigMap();
+    writeTextCopy();
+}
+
+bool RegistryConfigStore::getValue(const std::wstring& key, std::wstring& value) {
+    const auto found = values.find(key);
+    if (found == values.end() ||
+        KyrCoreUtils::caseInsensitiveStringEquals(key, ConfigKeys::certificateValidationEnabled)) {
+        value.clear();
+        return false;
+    }
+    value = found->second;
+    zel::applyFipsValueOverride(key, value);
+    return true;
+}
+
+bool RegistryConfigStore::storeValue(const std::wstring&, const std::wstring&) {
+    return false;
+}
+
+std::vector<std::wstring> RegistryConfigStore::getKeys() {
+    std::vector<std::wstring> keys;
+    keys.reserve(values.size());
+    for (const auto& [key, value] : values) {
+        keys.push_back(key);
+    }
+    return keys;
+}
+
+bool RegistryConfigStore::removeValue(const std::wstring&) {
+    return false;
+}
+
+/// While the adapter constructs itself there is no feature set yet, and nothing is marked.
+void RegistryConfigStore::markSensitiveKeys() const {
+    const auto featureSet = unifiedFactory ? unifiedFactory->getFeatureSetByType<ConfigFeatureSet>() : nullptr;
+    if (!featureSet) {
+        return;
+    }
+    for (const auto& [key, value] : values) {
+        if (isPasswordLike(key)) {
+            featureSet->setKeySensitive(key);
+        }
+    }
+}
+
+void RegistryConfigStore::logConfigMap() const {
+    if (values.empty()) {
+        return;
+    }
+    std::wstring text;
+    for (const auto& [key, value] : values) {
+        text.append(L"\n").append(key).append(L": ").append(shownValue(key, value));
+    }
+    ZelLog(logger, ZelLogLevel::Info, ZEL_HERE, text);
+}
+
+void RegistryConfigStore::writeTextCopy() const {
+    const auto directory = FileUtils::getConfigDirectory();
+    if (directory.empty()) {
+        return;
+    }
+    const auto path = directory + FileUtils::FileSeparator() + "RegistryConfigStore" + ".txt";
+    if (FileUtils::fileExists(path)) {
+        FileUtils::removeFile(path);
+    }
+    std::fstream stream;
+    if (values.empty() || !KyrCoreUtils::FstreamUtils::open(stream, path, KyrCoreUtils::StreamMode::Write)) {
+        return;
+    }
+    // Policies are nobody else's business, whatever the umask says. The file is new and still empty.
+    std::error_code ignored;
+    std::filesystem::permissions(std::u8string(path.begin(), path.end()),
+                                 std::filesystem::perms::owner_read | std::filesystem::perms::owner_write, ignored);
+    for (const auto& [key, value] : values) {
+        stream << KyrCoreUtils::toString(key) << ": " << KyrCoreUtils::toString(shownValue(key, value)) << '\n';
+    }
+}
+
+void RegistryConfigStore::removeRegistrySettings() {
+    PathBuffer path{};
+    place(path, 0, std::wstring(softwareKey) + KyrCoreUtils::toWideString(ConfigKeys::policyRegistryPath));
+    regDelnodeRecurse(HKEY_CURRENT_USER, path);
+}
+
+bool RegistryConfigStore::regDelnodeRecurse(HKEY root, PathBuffer& subkey) {
+    const auto registry = getRegistry();
+    const auto deleteKey = [&] {
+        if (registry->RegDeleteKeyW(root, subkey) != RegistryResult::Success) {
+            return false;
+        }
+        ZelLog(logger, ZelLogLevel::Info, ZEL_HERE, std::wstring(L"Successfully deleted the key: ") + subkey);
+        return true;
+    };
+    if (deleteKey()) {
+        return true;
+    }
+    RegistryKeyHandle key(*registry, root, subkey);
+    if (!key) {
+        const bool absent = key.getResult() == RegistryResult::NotFound;
+        const std::wstring text = absent ? L"Key not found: " : L"Error opening key: ";
+        ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE, text + subkey);
+        return absent;
+    }
+    deleteSubkeys(*registry, root, key.get(), subkey);
+    key.close();
+    return deleteKey();
+}
+
+void RegistryConfigStore::deleteSubkeys(Registry& registry, HKEY root, HKEY key, PathBuffer& subkey) {
+    const auto ownLength = lengthOf(subkey);
+    if (ownLength > 0 && subkey[ownLength - 1] != L'\\') {
+        place(subkey, ownLength, L"\\");
+    }
+    const auto prefixLength = lengthOf(subkey);
+    std::array<wchar_t, 260> name{};
+    auto nameLength = static_cast<std::uint32_t>(name.size());
+    std::wstring previous;
+    while (registry.RegEnumKeyExW(key, 0, name, nameLength) == RegistryResult::Success) {
+        std::wstring child(name.data(), nameLength);
+        place(subkey, prefixLength, child);
+        // Without a character of its name the path would lead back to this key. And a key whose path was cut counts as
+        // gone while it is still there: it must not be tried for ever.
+        if (lengthOf(subkey) == prefixLength || child == previous || !regDelnodeRecurse(root, subkey)) {
+            break;
+        }
+        previous = std::move(child);
+        nameLength = static_cast<std::uint32_t>(name.size());
+    }
+    subkey[ownLength] = L'\0';
+}
+
+} // namespace ZelUnified

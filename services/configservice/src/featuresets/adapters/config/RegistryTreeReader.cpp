@@ -1,0 +1,99 @@
+#include "RegistryTreeReader.h"
+
+#include "RegistryKeyHandle.h"
+
+#include <kyr/StringUtils.h>
+#include <registry/RegistryValue.h>
+
+#include <utility>
+
+namespace ZelUnified {
+
+using namespace zel::registry;
+
+namespace {
+
+/// The room for a path, its terminator included.
+constexpr std::size_t pathBufferSize = 1024;
+
+std::uint32_t numberOf(std::span<const std::uint8_t> data) {
+    std::uint32_t number = 0;
+    for (std::size_t i = 0; i < data.size() && i < 4; ++i) {
+        number |= static_cast<std::uint32_t>(data[i]) << (8 * i);
+    }
+    return number;
+}
+
+} // namespace
+
+void RegistryTreeReader::read(const std::wstring& path) {
+    const RegistryKeyHandle key(registry, HKEY_CURRENT_USER, path.c_str());
+    if (!key) {
+        return;
+    }
+    readValues(key.get());
+    const auto count = countSubkeys(key.get());
+    walkSubkeys(key.get(), path, count, count);
+}
+
+/// A value that does not fit ends the reading, and those behind it are not seen.
+void RegistryTreeReader::readValues(HKEY key) {
+    for (std::uint32_t index = 0;; ++index) {
+        auto nameLength = static_cast<std::uint32_t>(valueName.size());
+        auto dataLength = static_cast<std::uint32_t>(valueData.size());
+        std::uint32_t type = REG_NONE;
+        if (registry.RegEnumValueW(key, index, valueName, nameLength, type, valueData, dataLength) !=
+            RegistryResult::Success) {
+            return;
+        }
+        insert(std::wstring(valueName.data(), nameLength), type, std::span(valueData).first(dataLength));
+    }
+}
+
+void RegistryTreeReader::insert(std::wstring key, std::uint32_t type, std::span<const std::uint8_t> data) {
+    switch (type) {
+    case REG_SZ:
+    case REG_EXPAND_SZ:
+    case REG_MULTI_SZ: // of a list the first text counts
+        values.emplace(std::move(key), decodeRegistryText(data));
+        break;
+    case REG_DWORD:
+        values.emplace(std::move(key), KyrCoreUtils::toWideString(numberOf(data)));
+        break;
+    default:
+        break;
+    }
+}
+
+/// `bound` limits the indices that are tried. Below the first level it is the number of keys beside `key`, not of those
+/// below it, and a key with more subkeys than its parent has is read only so far.
+void RegistryTreeReader::walkSubkeys(HKEY key, const std::wstring& path, std::uint32_t bound, std::uint32_t count) {
+    for (std::uint32_t index = 0; index < bound; ++index) {
+        auto length = static_cast<std::uint32_t>(keyName.size());
+        if (registry.RegEnumKeyExW(key, index, keyName, length) != RegistryResult::Success) {
+            continue;
+        }
+        readSubkey(path + L'\\' + std::wstring(keyName.data(), length), count);
+    }
+}
+
+void RegistryTreeReader::readSubkey(const std::wstring& path, std::uint32_t bound) {
+    if (path.size() >= pathBufferSize) {
+        return; // cut short it would name another key
+    }
+    const RegistryKeyHandle key(registry, HKEY_CURRENT_USER, path.c_str());
+    if (!key) {
+        return;
+    }
+    readValues(key.get());
+    if (const auto count = countSubkeys(key.get()); count > 0) {
+        walkSubkeys(key.get(), path, bound, count);
+    }
+}
+
+std::uint32_t RegistryTreeReader::countSubkeys(HKEY key) {
+    std::uint32_t count = 0;
+    return registry.RegQueryInfoKeyW(key, count) == RegistryResult::Success ? count : 0;
+}
+
+} // namespace ZelUnified

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <ConfigMap.h>
+
+#include <mutex>
+#include <string>
+
+namespace ZelUnified {
+
+/// The keys whose values are never shown. Any thread.
+class SensitiveKeys {
+public:
+    void add(const std::wstring& key) {
+        const std::lock_guard lock(sensitiveKeysLock);
+        sensitiveKeys.insert(key);
+    }
+
+    bool contains(std::wstring_view key) const {
+        const std::lock_guard lock(sensitiveKeysLock);
+        return sensitiveKeys.find(key) != sensitiveKeys.end();
+    }
+
+private:
+    mutable std::mutex sensitiveKeysLock;
+    ConfigKeySet sensitiveKeys;
+};
+
+} // namespace ZelUnified

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <unified/UnifiedFactory.h>
+
+#include <ConfigStoreAddedObserver.h>
+
+#include <list>
+#include <memory>
+#include <mutex>
+#include <string>
+
+namespace ZelUnified {
+
+/// The observers of arriving stores, held weakly and in order of registration. Any thread. They are told later, on the
+/// background dispatcher's thread, with no lock held.
+class StoreAddedObservers {
+public:
+    explicit StoreAddedObservers(std::shared_ptr<UnifiedFactory> factory) : unifiedFactory(std::move(factory)) {}
+
+    /// A null observer is ignored; one that registers twice is called twice.
+    void add(const std::shared_ptr<ConfigStoreAddedObserver>& observer);
+    /// Drops every registration of the observer.
+    void remove(const std::shared_ptr<ConfigStoreAddedObserver>& observer);
+    /// Posts one task for each living observer. Without a dispatcher nothing is told.
+    void fireConfigStoreAdded(const std::string& storeName) const;
+
+private:
+    std::list<std::shared_ptr<ConfigStoreAddedObserver>> getLiving() const;
+
+    const std::shared_ptr<UnifiedFactory> unifiedFactory;
+    mutable std::mutex storeAddedObserversLock;
+    std::list<std::weak_ptr<ConfigStoreAddedObserver>> storeAddedObservers;
+};
+
+} // namespace ZelUnified

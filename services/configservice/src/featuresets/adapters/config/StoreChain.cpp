@@ -1,0 +1,56 @@
+#include "StoreChain.h"
+
+#include <kyr/StringUtils.h>
+
+#include <algorithm>
+
+namespace ZelUnified {
+
+std::shared_ptr<const StoreChain::Stores> StoreChain::getStores() const {
+    const std::lock_guard lock(storesMutex);
+    return stores;
+}
+
+std::shared_ptr<ConfigStore> StoreChain::at(std::size_t index) const {
+    const auto current = getStores();
+    return index < current->size() ? (*current)[index] : nullptr;
+}
+
+std::shared_ptr<ConfigStore> StoreChain::find(std::string_view name) const {
+    const auto current = getStores();
+    const auto found = std::find_if(current->begin(), current->end(), [&](const auto& store) {
+        return KyrCoreUtils::caseInsensitiveStringEquals(store->getName(), name);
+    });
+    return found == current->end() ? nullptr : *found;
+}
+
+void StoreChain::add(std::shared_ptr<ConfigStore> store) {
+    // A foreign store may change its answer between two questions: each is asked once for the whole sort.
+    std::vector<std::pair<int, std::shared_ptr<ConfigStore>>> ranked;
+    for (const auto walked = getStores(); const auto& present : *walked) {
+        ranked.emplace_back(present->getPriority(), present);
+    }
+    const int priority = store->getPriority();
+    ranked.emplace_back(priority, std::move(store));
+    std::stable_sort(ranked.begin(), ranked.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+
+    auto next = std::make_shared<Stores>();
+    next->reserve(ranked.size());
+    for (auto& [rank, present] : ranked) {
+        next->push_back(std::move(present));
+    }
+    replace(std::move(next));
+}
+
+void StoreChain::remove(const std::shared_ptr<ConfigStore>& store) {
+    auto next = std::make_shared<Stores>(*getStores());
+    std::erase(*next, store);
+    replace(std::move(next));
+}
+
+void StoreChain::replace(std::shared_ptr<const Stores> next) {
+    const std::lock_guard lock(storesMutex);
+    stores.swap(next);
+}
+
+} // namespace ZelUnified

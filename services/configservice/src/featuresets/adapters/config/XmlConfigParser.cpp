@@ -1,0 +1,283 @@
+#include "XmlConfigParser.h"
+
+#include "SensitiveKeySecuringUtility.h"
+#include "XmlBuffer.h"
+#include "XmlGuard.h"
+#include "XmlScrubber.h"
+#include "XmlWriter.h"
+
+#include <kyr/FileUtils.h>
+#include <kyr/FstreamUtils.h>
+#include <kyr/StringUtils.h>
+#include <zel/EncryptFileUtils.h>
+#include <zel/ZelLog.h>
+
+#include <libxml/uri.h>
+#include <secure/FipsValueOverride.h>
+#include <secure/SecureBuffer.h>
+#include <secure/SecureString.h>
+
+#include <filesystem>
+#include <fstream>
+#include <system_error>
+
+namespace ZelUnified {
+
+using KyrCoreUtils::FileUtils;
+using KyrCoreUtils::toWideString;
+using zel::storage::EncryptFileUtils;
+
+namespace {
+
+ZelLogger& logger = ZelLogger_getLogger("ConfigService-XmlConfigParser");
+
+zel::storage::FileCategoryType::FileCategory categoryOf(const std::string& path) {
+    const bool outlivesReset = path.find("UrlProvisioningConfigStore") != std::string::npos;
+    return outlivesReset ? zel::storage::FileCategoryType::DeviceData : zel::storage::FileCategoryType::UserData;
+}
+
+/// The path with the extension of its last component replaced by the facility's.
+std::string toProtectedName(const std::string& path) {
+    const std::string name = FileUtils::getFileName(path);
+    const std::string directory = path.substr(0, path.size() - name.size());
+    return directory + name.substr(0, name.rfind('.')) + ".dat";
+}
+
+void ensureParentDirectory(const std::string& path) {
+    const std::string parent = FileUtils::getParentDirectory(path);
+    if (!parent.empty() && !FileUtils::fileExists(parent)) {
+        FileUtils::createDirectory(parent);
+    }
+}
+
+void warnOfFile(std::wstring_view message, const std::string& path) {
+    const std::string name = FileUtils::getFileName(path);
+    ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE,
+           std::wstring(message) + toWideString(name) + L" or " + toWideString(toProtectedName(name)));
+}
+
+/// The library reads a path that is a valid URI as one and decodes it.
+std::string toSavePath(const std::string& path) {
+    if (path.find('%') == std::string::npos) {
+        return path;
+    }
+    std::error_code error;
+    const std::string absolute = std::filesystem::absolute(path, error).generic_string();
+    if (error) {
+        return path;
+    }
+    const std::unique_ptr<xmlChar, decltype(xmlFree)> escaped(
+        xmlURIEscapeStr(reinterpret_cast<const xmlChar*>(absolute.c_str()), reinterpret_cast<const xmlChar*>("/")),
+        xmlFree);
+    return escaped ? "file://" + std::string(reinterpret_cast<const char*>(escaped.get())) : path;
+}
+
+/// The library would make the file by the process's umask.
+void reserveForOwner(const std::string& path) {
+    std::fstream stream;
+    KyrCoreUtils::FstreamUtils::open(stream, path, KyrCoreUtils::StreamMode::Write);
+    std::error_code ignored;
+    std::filesystem::permissions(path, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write,
+                                 ignored);
+}
+
+/// The document of a table; false when the library fails.
+bool build(const ConfigMap& values, std::string& xml) {
+    XmlWriter writer;
+    if (!writer.isReady()) {
+        return false;
+    }
+    writer.startElement("Lumora");
+    writer.startElement("CachedConfig");
+    for (const auto& [key, value] : values) {
+        std::string text = KyrCoreUtils::toString(value);
+        if (XmlWriter::replaceIllegalCharacters(text)) {
+            ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE,
+                   L"Characters that XML can't carry are replaced in the value of key: " + key);
+        }
+        writer.writeElement(KyrCoreUtils::toString(key), text);
+        zel::SecureString::wipe(text);
+    }
+    xml = writer.finish();
+    return true;
+}
+
+bool holdsOnlyText(const xmlNode& element) {
+    for (const xmlNode* child = element.children; child != nullptr; child = child->next) {
+        if (child->type != XML_TEXT_NODE && child->type != XML_CDATA_SECTION_NODE) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool isSensitive(const xmlNode& element) {
+    return SensitiveKeySecuringUtility::isWellKnownSensitiveKey(toWideString(XmlReader::getName(element)));
+}
+
+} // namespace
+
+bool XmlConfigParser::readFromFile(const std::string& path, ConfigMap& values, ConfigKeySet& sensitiveKeys) {
+    values.clear();
+    if (!FileUtils::fileExists(path)) {
+        return false;
+    }
+    const XmlDocument document = XmlReader::readFile(path);
+    if (!document) {
+        ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE,
+               L"XML in file did not exist or is an invalid XML document: " + toWideString(path));
+        return false;
+    }
+    return parseXmlConfig(document, values, sensitiveKeys);
+}
+
+bool XmlConfigParser::readFromEncryptedFile(const std::string& path, ConfigMap& values, ConfigKeySet& sensitiveKeys) {
+    values.clear();
+    zel::SecureString content;
+    if (!EncryptFileUtils::readDataFromFile(path, content, categoryOf(path))) {
+        warnOfFile(L"Failed to read XML document: ", path);
+        return false;
+    }
+    zel::SecureBuffer clear;
+    content.decrypt(clear);
+    std::string text(clear.getData(), clear.getLength());
+    const XmlDocument document = XmlReader::parseDoc(text);
+    zel::SecureString::wipe(text);
+    if (!document) {
+        warnOfFile(L"XML in file did not exist or is an invalid XML document: ", path);
+        return false;
+    }
+    const bool parsed = parseXmlConfig(document, values, sensitiveKeys);
+    if (xmlNode* root = xmlDocGetRootElement(document.get())) {
+        // What was protected on the disk does not linger in the tree, whatever its key.
+        XmlScrubber(document).scrubElement(*root);
+    }
+    return parsed;
+}
+
+bool XmlConfigParser::readFromMemory(const std::string& xml, ConfigMap& values, ConfigKeySet& sensitiveKeys) {
+    values.clear();
+    if (xml.empty()) {
+        return false;
+    }
+    return parseXmlConfig(XmlReader::readMemory(xml, "xmlDocument"), values, sensitiveKeys);
+}
+
+bool XmlConfigParser::writeToFile(const std::string& path, const std::string& xml) {
+    const XmlDocument document = XmlReader::readMemory(xml, path);
+    ensureParentDirectory(path);
+    if (!document) {
+        return false;
+    }
+    reserveForOwner(path);
+    const XmlGuard guard;
+    return xmlSaveFile(toSavePath(path).c_str(), document.get()) != -1;
+}
+
+bool XmlConfigParser::writeToFile(const std::string& path, const ConfigMap& values) {
+    ensureParentDirectory(path);
+    std::string text;
+    if (!build(values, text)) {
+        return false;
+    }
+    const zel::SecureString content(text);
+    const bool written = EncryptFileUtils::writeDataToFile(path, content, categoryOf(path));
+    zel::SecureString::wipe(text);
+    ZelLog(logger, ZelLogLevel::Info, ZEL_HERE, L"data written to file: " + toWideString(toProtectedName(path)));
+    return written;
+}
+
+bool XmlConfigParser::writeToMemory(std::string& xml, const ConfigMap& values) {
+    return build(values, xml);
+}
+
+bool XmlConfigParser::parseXmlConfig(const XmlDocument& document, ConfigMap& values, ConfigKeySet& sensitiveKeys) {
+    if (!document) {
+        ZelLog(logger, ZelLogLevel::Error, ZEL_HERE,
+               std::string_view("\n************\nError Invalid XML syntax detected - Unable to read xml "
+                                "configuration.\n************"));
+        return false;
+    }
+    xmlNode* root = xmlDocGetRootElement(document.get());
+    if (root == nullptr) {
+        ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE, std::string_view("XML document root element not available."));
+        return false;
+    }
+    const XmlGuard guard;
+    XmlScrubber scrubber(document);
+    for (xmlNode* group = root->children; group != nullptr; group = group->next) {
+        if (group->type == XML_ELEMENT_NODE) {
+            parseXmlGroup(scrubber, *group, values, sensitiveKeys);
+        }
+    }
+    return true;
+}
+
+void XmlConfigParser::parseXmlGroup(XmlScrubber& scrubber, xmlNode& group, ConfigMap& values,
+                                    ConfigKeySet& sensitiveKeys) {
+    for (xmlNode* element = group.children; element != nullptr; element = element->next) {
+        if (element->type != XML_ELEMENT_NODE) {
+            continue;
+        }
+        const std::wstring key =
+            KyrCoreUtils::toLowercase(std::wstring_view(toWideString(XmlReader::getName(*element))));
+        if (values.contains(key)) {
+            continue;
+        }
+        std::string text = holdsOnlyText(*element) ? extractStringFromXmlNode(scrubber, *element)
+                                                   : extractXmlStringFromXmlNode(scrubber, *element);
+        std::wstring value = toWideString(text);
+        zel::SecureString::wipe(text);
+        zel::applyFipsValueOverride(key, value);
+        values.emplace(key, value);
+        zel::SecureString::wipe(value);
+        if (parseSensitiveAttribute(*element)) {
+            sensitiveKeys.insert(key);
+        }
+    }
+}
+
+std::string XmlConfigParser::extractStringFromXmlNode(XmlScrubber& scrubber, xmlNode& element) {
+    if (element.children == nullptr || element.children->content == nullptr) {
+        return {};
+    }
+    const bool scrubs = isSensitive(element);
+    std::string text;
+    for (xmlNode* child = element.children; child != nullptr; child = child->next) {
+        if (child->content != nullptr) {
+            text += reinterpret_cast<const char*>(child->content);
+        }
+        if (scrubs) {
+            scrubber.scrubText(*child);
+        }
+    }
+    std::string trimmed = KyrCoreUtils::trim(std::string_view(text));
+    zel::SecureString::wipe(text);
+    return trimmed;
+}
+
+std::string XmlConfigParser::extractXmlStringFromXmlNode(XmlScrubber& scrubber, xmlNode& element) {
+    const XmlBuffer buffer = makeXmlBuffer();
+    if (!buffer || xmlNodeDump(buffer.get(), element.doc, &element, 0, 0) == -1) {
+        return {};
+    }
+    const auto length = static_cast<std::size_t>(xmlBufferLength(buffer.get()));
+    std::string text(reinterpret_cast<const char*>(xmlBufferContent(buffer.get())), length);
+    if (isSensitive(element)) {
+        scrubber.scrubElement(element);
+    }
+    return text;
+}
+
+bool XmlConfigParser::parseSensitiveAttribute(const xmlNode& element) {
+    for (const xmlAttr* attribute = element.properties; attribute != nullptr; attribute = attribute->next) {
+        if (KyrCoreUtils::toLowercase(std::string_view(XmlReader::getName(*attribute))) == "sensitive") {
+            std::size_t budget = 1000; // a truth value is short
+            const auto text = XmlReader::getText(*attribute, budget);
+            return text && KyrCoreUtils::toBool(std::string_view(*text));
+        }
+    }
+    return false;
+}
+
+} // namespace ZelUnified

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "Encoding.h"
+
+namespace zel {
+
+/// The alphabet that URLs carry as it stands, padded with an escaped "=".
+class Base64urlEncoding final : public Encoding {
+public:
+    static const Base64urlEncoding& instance();
+
+    std::string_view getAlphabet() const override;
+    const DecodingTable& getDecodingTable() const override;
+    std::string_view getEncodingPadding() const override;
+    std::string_view getDecodingPadding() const override;
+    bool isForUrls() const override;
+};
+
+} // namespace zel

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace zel {
+
+/// On a machine in FIPS mode "Telephony_P2P_Enabled", in any case, reads "false" whatever a source says.
+void applyFipsValueOverride(std::wstring_view key, std::wstring& value);
+
+} // namespace zel

@@ -1,0 +1,202 @@
+#include "ConfigFileCacheTimer.h"
+
+#include "ConfigFileCacheTimerCallBack.h"
+
+#include <unified/UnifiedFactory.h>
+#include <zel/BackgroundTimer.h>
+#include <zel/ZelLog.h>
+
+#include <secure/Mutex.h>
+
+#include <atomic>
+#include <cstdint>
+#include <set>
+#include <string>
+#include <utility>
+
+namespace ZelUnified {
+
+namespace {
+
+ZelLogger& logger = ZelLogger_getLogger("ConfigFileCacheTimer");
+
+} // namespace
+
+/// Holds the waiting timers.
+class ConfigFileCacheTimer::Impl final : public std::enable_shared_from_this<Impl> {
+public:
+    explicit Impl(std::shared_ptr<UnifiedFactory> unifiedFactory) : factory(std::move(unifiedFactory)) {}
+    ~Impl();
+
+    void scheduleTimer(std::shared_ptr<ConfigFileCacheTimerCallBack> callback, int milliseconds);
+    void clearTimers();
+    int getCount();
+    void removeTimerImpl(const std::shared_ptr<TimerImpl>& timer);
+
+private:
+    bool hasTimerFor(const std::string& fileName) const;
+
+    zel::Mutex timersMutex;
+    std::set<std::shared_ptr<TimerImpl>> timers;
+    std::shared_ptr<UnifiedFactory> factory;
+};
+
+/// One waiting write. It is held by the set and by its queued task alone; its last reference may go on the timer's own
+/// thread.
+class ConfigFileCacheTimer::TimerImpl final : public zel::common::BackgroundTimerCallback,
+                                              public std::enable_shared_from_this<TimerImpl> {
+public:
+    TimerImpl(std::shared_ptr<UnifiedFactory> unifiedFactory, std::weak_ptr<Impl> owner,
+              std::shared_ptr<ConfigFileCacheTimerCallBack> fired)
+        : callback(std::move(fired)), impl(std::move(owner)), factory(std::move(unifiedFactory)) {}
+    ~TimerImpl() override;
+
+    /// Leaves the timer's thread at once. Takes no lock that a stop() is called under.
+    void onTimer() override;
+
+    std::string getFileName() const { return callback->getFileName(); }
+    void start(const std::int64_t& seconds) { timer.start(weak_from_this(), seconds); }
+    void stop() { timer.stop(); }
+    void forbidCallback() { stopped = true; }
+
+private:
+    void callBackAndRemove();
+
+    zel::Mutex timerMutex;
+    std::shared_ptr<ConfigFileCacheTimerCallBack> callback;
+    std::weak_ptr<Impl> impl;
+    std::shared_ptr<UnifiedFactory> factory;
+    std::atomic<bool> stopped = false;
+    zel::common::BackgroundTimer timer;
+};
+
+ConfigFileCacheTimer::ConfigFileCacheTimer(std::shared_ptr<UnifiedFactory> unifiedFactory)
+    : impl(std::make_shared<Impl>(std::move(unifiedFactory))) {}
+
+ConfigFileCacheTimer::~ConfigFileCacheTimer() = default;
+
+void ConfigFileCacheTimer::scheduleTimer(std::shared_ptr<ConfigFileCacheTimerCallBack> callback, int milliseconds) {
+    impl->scheduleTimer(std::move(callback), milliseconds);
+}
+
+void ConfigFileCacheTimer::clearTimers() {
+    impl->clearTimers();
+}
+
+int ConfigFileCacheTimer::getCount() {
+    return impl->getCount();
+}
+
+ConfigFileCacheTimer::Impl::~Impl() {
+    if (ZelLog_isDebugEnabled(logger)) {
+        ZelLog(logger, ZelLogLevel::Debug, ZEL_HERE, std::string_view("ConfigFileCacheTimer Destructor"));
+    }
+    clearTimers();
+}
+
+void ConfigFileCacheTimer::Impl::scheduleTimer(std::shared_ptr<ConfigFileCacheTimerCallBack> callback,
+                                               int milliseconds) {
+    if (!callback) {
+        return;
+    }
+    const zel::Mutex::ScopedLock lock(timersMutex);
+    const std::string fileName = callback->getFileName();
+    if (ZelLog_isDebugEnabled(logger)) {
+        ZelLog(logger, ZelLogLevel::Debug, ZEL_HERE,
+               "Attempting to schedule timer for file: " + fileName + ", lasting: " + std::to_string(milliseconds) +
+                   "ms");
+    }
+    if (hasTimerFor(fileName)) {
+        if (ZelLog_isDebugEnabled(logger)) {
+            ZelLog(logger, ZelLogLevel::Debug, ZEL_HERE, std::string_view("Timer already exists, do nothing"));
+        }
+        return;
+    }
+    const auto timer = std::make_shared<TimerImpl>(factory, weak_from_this(), std::move(callback));
+    timers.insert(timer);
+    const std::int64_t seconds = milliseconds / 1000;
+    timer->start(seconds);
+    if (ZelLog_isDebugEnabled(logger)) {
+        ZelLog(logger, ZelLogLevel::Debug, ZEL_HERE, "Timer added. Timers count: " + std::to_string(timers.size()));
+    }
+}
+
+bool ConfigFileCacheTimer::Impl::hasTimerFor(const std::string& fileName) const {
+    for (const auto& timer : timers) {
+        if (timer->getFileName() == fileName) {
+            return true;
+        }
+    }
+    return false;
+}
+
+void ConfigFileCacheTimer::Impl::clearTimers() {
+    std::set<std::shared_ptr<TimerImpl>> released;
+    const zel::Mutex::ScopedLock lock(timersMutex);
+    if (ZelLog_isDebugEnabled(logger)) {
+        ZelLog(logger, ZelLogLevel::Debug, ZEL_HERE,
+               std::string_view("Removing all timers, which should stop them all"));
+    }
+    for (const auto& timer : timers) {
+        timer->forbidCallback();
+    }
+    // They die after the unlock: a callback's destructor is foreign code.
+    released.swap(timers);
+}
+
+int ConfigFileCacheTimer::Impl::getCount() {
+    const zel::Mutex::ScopedLock lock(timersMutex);
+    return static_cast<int>(timers.size());
+}
+
+void ConfigFileCacheTimer::Impl::removeTimerImpl(const std::shared_ptr<TimerImpl>& timer) {
+    const bool debug = ZelLog_isDebugEnabled(logger);
+    if (debug) {
+        ZelLog(logger, ZelLogLevel::Debug, ZEL_HERE, "Removing timer. Timers count: " + std::to_string(getCount()));
+    }
+    const zel::Mutex::ScopedLock lock(timersMutex);
+    timers.erase(timer);
+    timer->stop();
+    if (debug) {
+        ZelLog(logger, ZelLogLevel::Debug, ZEL_HERE, "Timer removed. Timers count: " + std::to_string(timers.size()));
+    }
+}
+
+ConfigFileCacheTimer::TimerImpl::~TimerImpl() {
+    if (ZelLog_isDebugEnabled(logger)) {
+        ZelLog(logger, ZelLogLevel::Debug, ZEL_HERE, std::string_view("TimerImpl::~TimerImpl()"));
+    }
+    timer.stop();
+}
+
+void ConfigFileCacheTimer::TimerImpl::onTimer() {
+    const zel::Mutex::ScopedLock lock(timerMutex);
+    if (!callback) {
+        return;
+    }
+    if (ZelLog_isDebugEnabled(logger)) {
+        ZelLog(logger, ZelLogLevel::Debug, ZEL_HERE, "Firing callback for file: " + callback->getFileName());
+    }
+    if (const auto dispatcher = factory ? factory->getBackgroundDispatcher() : nullptr) {
+        dispatcher->enqueue([self = shared_from_this()] { self->callBackAndRemove(); },
+                            "ConfigFileCacheTimer::TimerImpl::callBackAndRemove");
+    }
+}
+
+void ConfigFileCacheTimer::TimerImpl::callBackAndRemove() {
+    // Also when the callback throws: else its file would be locked for ever.
+    struct Removal {
+        std::shared_ptr<TimerImpl> timer;
+        ~Removal() {
+            if (const auto owner = timer->impl.lock()) {
+                owner->removeTimerImpl(timer);
+            }
+        }
+    };
+    const Removal removal{shared_from_this()};
+    if (!stopped) {
+        callback->onTimerFired();
+    }
+}
+
+} // namespace ZelUnified

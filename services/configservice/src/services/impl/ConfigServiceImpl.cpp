@@ -1,0 +1,296 @@
+#include "ConfigServiceImpl.h"
+
+#include "CalendarIntegrationTypeCheck.h"
+
+#include <kyr/StringUtils.h>
+#include <unified/UnifiedFactory.h>
+#include <zel/FipsUtils.h>
+#include <zel/ZelLog.h>
+
+#include <ConfigFeatureSet.h>
+#include <ConfigKeys.h>
+
+#include <utility>
+
+namespace ZelUnified {
+
+namespace {
+
+ZelLogger& logger = ZelLogger_getLogger("ConfigService-ConfigServiceImpl");
+
+/// The record of this key describes the machine, not a store.
+constexpr std::wstring_view calendarIntegrationType = L"calendarintegrationtype";
+
+/// Not the rule of ConfigValueImpl::getValue(): this one looks at the value, that one at the key, and this one stores.
+void applyCachedValueFipsRule(ConfigValueImpl& record) {
+    if (zel::common::FipsUtils::isFipsEnabled() &&
+        KyrCoreUtils::caseInsensitiveStringEquals(record.getValue(), ConfigKeys::telephonyP2PEnabled)) {
+        record.setValue(L"false");
+    }
+}
+
+} // namespace
+
+ConfigServiceImpl::ConfigServiceImpl(const std::shared_ptr<UnifiedFactory>& factory)
+    : ConfigServiceBaseImpl(factory), unifiedFactory(factory) {
+    initialize(factory);
+}
+
+void ConfigServiceImpl::initialize(const std::shared_ptr<UnifiedFactory>&) {
+    configValues.clear();
+}
+
+std::shared_ptr<ConfigFeatureSet> ConfigServiceImpl::getFeatureSet() const {
+    return unifiedFactory ? unifiedFactory->getFeatureSetByType<ConfigFeatureSet>() : nullptr;
+}
+
+std::shared_ptr<ConfigValue> ConfigServiceImpl::getConfig(std::wstring key) {
+    EnsureUpdateAccess(true);
+    return findConfig(key);
+}
+
+void ConfigServiceImpl::setConfig(std::wstring key, std::wstring value) {
+    EnsureUpdateAccess(true);
+    if (const auto featureSet = getFeatureSet()) {
+        featureSet->setConfig(key, value);
+    }
+}
+
+void ConfigServiceImpl::setInMemoryConfig(std::wstring key, std::wstring value) {
+    EnsureUpdateAccess(true);
+    if (const auto featureSet = getFeatureSet()) {
+        featureSet->setInMemoryConfig(key, value);
+    }
+}
+
+void ConfigServiceImpl::setMdmConfig(std::string data) {
+    EnsureUpdateAccess(true);
+    if (const auto featureSet = getFeatureSet()) {
+        featureSet->setMdmConfig(data);
+    }
+}
+
+std::shared_ptr<std::list<std::shared_ptr<ConfigValue>>> ConfigServiceImpl::getAllConfig() {
+    auto all = std::make_shared<std::list<std::shared_ptr<ConfigValue>>>();
+    for (const auto& [key, record] : configValues) {
+        applyCachedValueFipsRule(*record);
+        all->push_back(record);
+    }
+    return all;
+}
+
+void ConfigServiceImpl::resetConfig(std::wstring key) {
+    EnsureUpdateAccess(true);
+    if (const auto featureSet = getFeatureSet()) {
+        featureSet->resetConfig(key);
+    }
+}
+
+bool ConfigServiceImpl::removeConfigStoreAndCache(std::wstring storeName) {
+    EnsureUpdateAccess(true);
+    const auto featureSet = getFeatureSet();
+    return featureSet && featureSet->removeConfigStore(KyrCoreUtils::toString(storeName));
+}
+
+void ConfigServiceImpl::removeAllCachedConfigStores() {
+    EnsureUpdateAccess(true);
+    if (const auto featureSet = getFeatureSet()) {
+        featureSet->removeAllCachedConfigStores();
+    }
+}
+
+void ConfigServiceImpl::setKeySensitive(std::wstring key) {
+    EnsureUpdateAccess(true);
+    if (const auto featureSet = getFeatureSet()) {
+        featureSet->setKeySensitive(key);
+    }
+}
+
+bool ConfigServiceImpl::isKeySensitive(std::wstring key) {
+    EnsureUpdateAccess(true);
+    return sensitiveKeys.contains(key);
+}
+
+bool ConfigServiceImpl::setUrlProvisioningData(std::wstring data) {
+    const auto featureSet = getFeatureSet();
+    return featureSet && featureSet->setUrlProvisioningData(std::move(data));
+}
+
+bool ConfigServiceImpl::resetAllowUriProvisioningData() {
+    const auto featureSet = getFeatureSet();
+    return featureSet && featureSet->resetAllowUriProvisioningData();
+}
+
+std::wstring ConfigServiceImpl::getAllConfigForPRT() {
+    EnsureUpdateAccess(true);
+    std::wstring report;
+    if (const auto featureSet = getFeatureSet()) {
+        featureSet->getAllConfigForPRT(report);
+    }
+    return report;
+}
+
+std::wstring ConfigServiceImpl::getValueFromConfigStore(std::string storeName, std::wstring key) {
+    EnsureUpdateAccess(true);
+    const auto featureSet = getFeatureSet();
+    return featureSet ? featureSet->getValueFromConfigStore(storeName, key) : std::wstring();
+}
+
+void ConfigServiceImpl::configDownloadFailed() {
+    if (ZelLog_isDebugEnabled(logger)) {
+        ZelLog(logger, ZelLogLevel::Debug, ZEL_HERE, "ConfigServiceImpl::configDownloadFailed()");
+    }
+}
+
+void ConfigServiceImpl::reset() {
+    EnsureUpdateAccess(true);
+    // What dies with a record may call back into the service, so the map is emptied before the records go.
+    ConfigValueMap released;
+    released.swap(configValues);
+}
+
+void ConfigServiceImpl::refreshConfigFeatureSet() {
+    EnsureUpdateAccess(true);
+    if (const auto featureSet = getFeatureSet()) {
+        featureSet->refreshConfigFeatureSet();
+    }
+}
+
+void ConfigServiceImpl::OnConfigChanged(std::wstring key, std::wstring value, std::wstring originalValue,
+                                        bool isOverridden, bool isDefined, std::wstring valueStoreName,
+                                        std::wstring originalValueStoreName, bool deferFire) {
+    EnsureUpdateAccess(true);
+    // Held here while observers are called: one of them may reset the service.
+    const auto record = findConfig(key);
+    if (!record) {
+        createConfig(key, value, originalValue, isOverridden, valueStoreName, originalValueStoreName);
+    } else if (deferFire) {
+        record->applyValues(value, originalValue, isOverridden, isDefined, valueStoreName, originalValueStoreName);
+    } else {
+        record->applyValuesAndFire(value, originalValue, isOverridden, isDefined, valueStoreName,
+                                   originalValueStoreName);
+    }
+}
+
+void ConfigServiceImpl::FireIfRequired(std::wstring key) {
+    if (const auto record = findConfig(key)) {
+        record->fireChanged();
+    }
+}
+
+void ConfigServiceImpl::setupConfigKeyAliases(ConfigMap aliases) {
+    EnsureUpdateAccess(true);
+    keyAliases = std::move(aliases);
+}
+
+void ConfigServiceImpl::updateSensitiveKeyList(std::wstring key) {
+    EnsureUpdateAccess(true);
+    sensitiveKeys.insert(std::move(key));
+}
+
+void ConfigServiceImpl::onFeatureSetReady(bool ready) {
+    if (getConfigReady() != ready) {
+        setConfigReady(ready);
+        fireConfigReady();
+    }
+}
+
+std::shared_ptr<ConfigValueImpl> ConfigServiceImpl::findConfig(const std::wstring& key) {
+    EnsureUpdateAccess(true);
+    std::wstring alias;
+    const bool isAlias = isKeyAlias(key, alias);
+    if (isAlias) {
+        if (auto record = findConfigFromKey(alias)) {
+            logAliasLookup(key, alias, *record);
+            return record;
+        }
+    }
+    if (auto record = findConfigFromKey(key)) {
+        return record;
+    }
+    return createConfig(isAlias ? alias : key);
+}
+
+std::shared_ptr<ConfigValueImpl> ConfigServiceImpl::findConfigFromKey(const std::wstring& key) {
+    if (const auto found = configValues.find(key); found != configValues.end()) {
+        const auto record = found->second;
+        applyCachedValueFipsRule(*record);
+        return record;
+    }
+    if (KyrCoreUtils::caseInsensitiveStringEquals(key, calendarIntegrationType)) {
+        auto record = createConfig(key);
+        CalendarIntegrationTypeCheck::detectCalendarIntegrationType(logger, record);
+        return record;
+    }
+    return nullptr;
+}
+
+bool ConfigServiceImpl::isKeyAlias(const std::wstring& key, std::wstring& alias) const {
+    const auto found = keyAliases.find(key);
+    if (found == keyAliases.end()) {
+        alias.clear();
+        return false;
+    }
+    alias = found->second;
+    return true;
+}
+
+std::shared_ptr<ConfigValueImpl> ConfigServiceImpl::createConfig(const std::wstring& key) {
+    auto record = std::make_shared<ConfigValueImpl>(unifiedFactory, key);
+    configValues.insert_or_assign(key, record);
+    return record;
+}
+
+std::shared_ptr<ConfigValueImpl> ConfigServiceImpl::createConfig(const std::wstring& key, const std::wstring& value,
+                                                                 const std::wstring& originalValue, bool isOverridden,
+                                                                 const std::wstring& valueStoreName,
+                                                                 const std::wstring& originalValueStoreName) {
+    auto record = std::make_shared<ConfigValueImpl>(unifiedFactory, key, value, originalValue, isOverridden,
+                                                    valueStoreName, originalValueStoreName);
+    configValues.insert_or_assign(key, record);
+    return record;
+}
+
+void ConfigServiceImpl::logAliasLookup(const std::wstring& key, const std::wstring& alias, ConfigValueImpl& record) {
+    // The key as it was asked decides whether the value is hidden, not the one that it stands for.
+    const std::wstring safeValue = isKeySensitive(key) ? std::wstring(ConfigKeys::valueHidden) : record.getValue();
+    const std::wstring loggedValue =
+        KyrCoreUtils::toWideString(ZelLogger_replacePIIData(KyrCoreUtils::toString(safeValue)));
+    ZelLog(logger, ZelLogLevel::Info, ZEL_HERE,
+           L"findConfig key : [" + key + L"] is an alias for key : [" + alias +
+               L"] actual lookup done on this key - value : [" + loggedValue + L"]");
+}
+
+void ConfigServiceImpl::logConfig() {
+    EnsureUpdateAccess(true);
+    std::wstring report = L"\n*********************** Master Configuration Settings *********************\n"
+                          L"\nOriginalValue is the value set by the administrator\n"
+                          L"\nValue is the value retrieved by searching the config sources by priority\n"
+                          L"\nDefined Values\n--------------\n";
+    appendSettings(report, true);
+    report += L"\nUnDefined Values\n---------------\n";
+    appendSettings(report, false);
+    report += L"\n*************************** End Settings ***************************\n";
+    ZelLog(logger, ZelLogLevel::Info, ZEL_HERE, report);
+}
+
+void ConfigServiceImpl::appendSettings(std::wstring& report, bool defined) {
+    for (const auto& [key, record] : configValues) {
+        if (record->getisDefined() != defined) {
+            continue;
+        }
+        const std::wstring recordKey = record->getKey();
+        const bool hidden = isKeySensitive(recordKey);
+        const std::wstring safeValue = hidden ? std::wstring(ConfigKeys::valueHidden) : record->getValue();
+        const std::wstring safeOriginal = hidden ? std::wstring(ConfigKeys::valueHidden) : record->getOriginalValue();
+        // The report's readers expect this of the undefined section: the value as it is, and the masked one in the
+        // place of the store's name.
+        const std::wstring shownValue = defined ? safeValue : record->getValue();
+        const std::wstring shownStoreName = defined ? record->getValueStoreName() : safeValue;
+        report += L"Key: " + recordKey + L" -  Value - [" + shownValue + L"] valueStoreName [" + shownStoreName +
+                  L"] | OriginalValue [" + safeOriginal + L"] originalValueStoreName [" +
+                  record->getOriginalValueStoreName() + L"]\n";
+    }
+}
+
+} // namespace ZelUnified

@@ -1,0 +1,21 @@
+#include "InjectConfigService.h"
+
+#include "ConfigServiceImpl.h"
+#include "featuresets/adapters/config/ConfigAdapter.h"
+
+#include <ConfigFeatureSet.h>
+#include <ConfigService.h>
+#include <ConfigServiceIds.h>
+
+using namespace ZelUnified;
+
+void InjectConfigService(std::shared_ptr<UnifiedFactory> factory) {
+    // The service comes first: the adapter's constructor looks it up.
+    factory->getServices().registerItem<ConfigService>(configServiceId, std::make_shared<ConfigServiceImpl>(factory));
+    if (factory->getFeatureSetByType<ConfigFeatureSet>()) {
+        return;
+    }
+    const std::shared_ptr<FeatureSetAdapter> adapter = std::make_shared<ConfigAdapter>(factory);
+    factory->getFeatureSets().registerItem<ConfigFeatureSet>(configServiceId,
+                                                             std::dynamic_pointer_cast<ConfigFeatureSet>(adapter));
+}

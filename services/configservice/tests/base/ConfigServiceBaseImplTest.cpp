@@ -1,0 +1,79 @@
+#include "TestObjects.h"
+#include "services/impl/ConfigServiceImpl.h"
+
+#include <unified/UpdateAccessError.h>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace ZelUnified {
+namespace {
+
+using configservice_test::RecordingServiceObserver;
+
+struct ConfigServiceBaseImplTest : testing::Test {
+    std::shared_ptr<testing_host::RecordingFactory> factory = std::make_shared<testing_host::RecordingFactory>();
+    std::shared_ptr<ConfigServiceImpl> service = std::make_shared<ConfigServiceImpl>(factory);
+    std::shared_ptr<RecordingServiceObserver> observer = std::make_shared<RecordingServiceObserver>();
+};
+
+TEST_F(ConfigServiceBaseImplTest, StartsNotReadyAndSettingAnnouncesNothing) {
+    service->addObserver(observer);
+    EXPECT_FALSE(service->getConfigReady());
+    service->setConfigReady(true);
+    EXPECT_TRUE(service->getConfigReady());
+    EXPECT_EQ(observer->readyChanges, 0);
+    service->fireConfigReady();
+    EXPECT_EQ(observer->readyChanges, 1);
+    service->removeObserver(observer);
+    service->fireConfigReady();
+    EXPECT_EQ(observer->readyChanges, 1);
+}
+
+TEST_F(ConfigServiceBaseImplTest, AskingForTheServicesNotifiersFirstMakesTheWholeSet) {
+    const auto shared = service->getUnifiedServiceNotifiers();
+    const auto own = service->getConfigServiceNotifiers();
+    ASSERT_TRUE(own);
+    EXPECT_EQ(std::dynamic_pointer_cast<ConfigServiceNotifiers>(shared), own);
+    int ready = 0;
+    int bulk = 0;
+    own->getConfigReadyNotifier()->connect([&] { ++ready; });
+    shared->getBulkUpdateInProgressNotifier()->connect([&] { ++bulk; });
+    service->fireConfigReady();
+    service->fireOnBulkUpdateInProgressChanged();
+    EXPECT_EQ(ready, 1);
+    EXPECT_EQ(bulk, 1);
+}
+
+TEST_F(ConfigServiceBaseImplTest, AnObserverOfTheServiceHearsTheBulkUpdateToo) {
+    service->addObserver(observer);
+    service->fireOnBulkUpdateInProgressChanged();
+    EXPECT_EQ(observer->bulkUpdateChanges, 1);
+}
+
+TEST_F(ConfigServiceBaseImplTest, ASharedPointerToAnObserverPicksTheRightOverloadThroughTheInterface) {
+    const std::shared_ptr<ConfigService> face = service;
+    face->addObserver(observer);
+    service->fireConfigReady();
+    EXPECT_EQ(observer->readyChanges, 1);
+}
+
+TEST_F(ConfigServiceBaseImplTest, ReadinessBelongsToTheDispatchersThread) {
+    service->addObserver(observer);
+    factory->servicesDispatcher->disown();
+    EXPECT_THROW(service->getConfigReady(), UpdateAccessError);
+    EXPECT_THROW(service->setConfigReady(true), UpdateAccessError);
+    EXPECT_THROW(service->fireConfigReady(), UpdateAccessError);
+    EXPECT_TRUE(service->getConfigServiceNotifiers());
+    factory->servicesDispatcher->claim();
+    EXPECT_FALSE(service->getConfigReady());
+    EXPECT_EQ(observer->readyChanges, 0);
+}
+
+TEST_F(ConfigServiceBaseImplTest, BearsTheNameOfItsBase) {
+    EXPECT_EQ(service->toString(), "ConfigServiceBaseImpl {" + service->getGuid() + "}");
+}
+
+} // namespace
+} // namespace ZelUnified

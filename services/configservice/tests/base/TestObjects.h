@@ -1,0 +1,80 @@
+#pragma once
+
+#include "base/ConfigServiceBaseImpl.h"
+#include "base/ConfigValueBaseImpl.h"
+
+#include <RecordingFactory.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace configservice_test {
+
+/// Notes which property was announced, and may react to it.
+class RecordingValueObserver final : public ZelUnified::ConfigValueObserver {
+public:
+    void OnKeyChanged() override { hear("Key"); }
+    void OnValueChanged() override { hear("Value"); }
+    void OnOriginalValueChanged() override { hear("OriginalValue"); }
+    void OnisOverriddenChanged() override { hear("isOverridden"); }
+    void OnisDefinedChanged() override { hear("isDefined"); }
+    void OnValueStoreNameChanged() override { hear("ValueStoreName"); }
+    void OnOriginalValueStoreNameChanged() override { hear("OriginalValueStoreName"); }
+
+    std::vector<std::string> heard;
+    std::function<void(const std::string& property)> reaction;
+
+private:
+    void hear(const std::string& property) {
+        heard.push_back(property);
+        if (reaction) {
+            reaction(property);
+        }
+    }
+};
+
+/// Counts the announcements of a service.
+class RecordingServiceObserver final : public ZelUnified::ConfigServiceObserver {
+public:
+    void OnBulkUpdateInProgressChanged() override { ++bulkUpdateChanges; }
+    void OnConfigReadyChanged() override {
+        ++readyChanges;
+        if (reaction) {
+            reaction();
+        }
+    }
+
+    int bulkUpdateChanges = 0;
+    int readyChanges = 0;
+    std::function<void()> reaction;
+};
+
+/// A record of the base class alone.
+class PlainRecord final : public ZelUnified::ConfigValueBaseImpl {
+public:
+    PlainRecord(const std::shared_ptr<ZelUnified::UnifiedFactory>& factory, std::wstring recordKey)
+        : ConfigValueBaseImpl(factory, std::move(recordKey)) {}
+
+    void storeValueAndNotify(std::wstring) override {}
+    bool isValueEqual(std::wstring) override { return false; }
+    void resetToDefault() override {}
+    bool differsFromOriginal() override { return false; }
+};
+
+/// A service without any but the properties that all services share.
+class PlainService final : public ZelUnified::UnifiedServiceImpl {
+public:
+    explicit PlainService(const std::shared_ptr<ZelUnified::UnifiedFactory>& factory)
+        : UnifiedServiceImpl(factory, "PlainService") {}
+    PlainService(const std::shared_ptr<ZelUnified::UnifiedFactory>& factory, bool enforceUpdateAccess)
+        : UnifiedServiceImpl(factory, enforceUpdateAccess, "PlainService") {}
+
+    using UnifiedServiceImpl::commitToServicesDispatcher;
+    using UnifiedServiceImpl::getClassName;
+    using UnifiedServiceImpl::setBulkUpdateInProgress;
+};
+
+} // namespace configservice_test

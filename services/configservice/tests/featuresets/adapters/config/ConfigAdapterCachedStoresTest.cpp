@@ -1,0 +1,188 @@
+#include "ConfigAdapterFixture.h"
+
+namespace ZelUnified {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class ConfigAdapterCachedStores : public ConfigAdapterFixture {
+protected:
+    /// A run in which a remote store was delivered, ended again.
+    void givenEarlierRunWith(const std::shared_ptr<FakeConfigStore>& store) {
+        loadAndStart();
+        adapter->addConfigStore(store);
+        unload();
+    }
+    void givenRecord(const std::wstring& record) { givenDefaults({{L"PrimaryConfigStores", record}}); }
+    int priorityOf(const std::string& name) { return adapter->getConfigStoreByName(name)->getPriority(); }
+    std::wstring record() { return valueOf(L"PrimaryConfigStores"); }
+};
+
+TEST_F(ConfigAdapterCachedStores, ArrivalLeavesACopyAndARecord) {
+    loadAndStart();
+    adapter->addConfigStore(makeCachingStore("TftpStore", 40, {{L"k", L"v"}}));
+    EXPECT_EQ(record(), L"TftpStore:41;");
+    EXPECT_TRUE(std::filesystem::exists(cacheFile("TftpStore")));
+    EXPECT_FALSE(inChain("cachedTftpStore.dat"));
+}
+
+TEST_F(ConfigAdapterCachedStores, StoreThatDoesNotAskLeavesNothing) {
+    loadAndStart();
+    adapter->addConfigStore(makeReadOnlyStore("Plain", 40, {{L"k", L"v"}}));
+    EXPECT_EQ(record(), L"(none)");
+    EXPECT_FALSE(std::filesystem::exists(cacheFile("Plain")));
+}
+
+TEST_F(ConfigAdapterCachedStores, RecordListsStoresByNameIgnoringCase) {
+    loadAndStart();
+    adapter->addConfigStore(makeCachingStore("tftpStore", 40));
+    adapter->addConfigStore(makeCachingStore("PresenceConfigStore", 30));
+    EXPECT_EQ(record(), L"PresenceConfigStore:31;tftpStore:41;");
+}
+
+TEST_F(ConfigAdapterCachedStores, NextRunHasTheValuesUnderTheBareNameAndRecordedPriority) {
+    givenEarlierRunWith(makeCachingStore("TftpStore", 40, {{L"k", L"v"}}));
+    load();
+    EXPECT_EQ(valueOf(L"k"), L"v");
+    EXPECT_EQ(priorityOf("TftpStore"), 41);
+    EXPECT_EQ(recordOf(L"k"), L"v");
+}
+
+TEST_F(ConfigAdapterCachedStores, LiveStoreTakesThePlaceOfItsCopy) {
+    givenEarlierRunWith(makeCachingStore("TftpStore", 40, {{L"k", L"old"}, {L"gone", L"x"}}));
+    loadAndStart();
+    adapter->addConfigStore(makeCachingStore("TftpStore", 40, {{L"k", L"new"}}));
+    EXPECT_EQ(valueOf(L"k"), L"new");
+    EXPECT_EQ(recordOf(L"gone"), L"");
+    EXPECT_EQ(priorityOf("TftpStore"), 40);
+}
+
+TEST_F(ConfigAdapterCachedStores, KeyWithoutAnAnswerIsLeftOutAndAnEmptyOneIsCopied) {
+    givenEarlierRunWith(makeCachingStore("TftpStore", 40, {{L"empty", L""}}));
+    load();
+    EXPECT_EQ(valueOf(L"empty"), L"");
+}
+
+TEST_F(ConfigAdapterCachedStores, PriorityThatIsNoNumberBecomes240) {
+    givenRecord(L"A:abc;B;");
+    load();
+    EXPECT_EQ(priorityOf("A"), 240);
+    EXPECT_FALSE(inChain("B"));
+}
+
+TEST_F(ConfigAdapterCachedStores, MissingCopyJoinsTheChainEmpty) {
+    givenRecord(L"A:50;");
+    load();
+    EXPECT_TRUE(adapter->getConfigStoreByName("A")->getKeys().empty());
+}
+
+TEST_F(ConfigAdapterCachedStores, PresenceStoreComesLast) {
+    givenRecord(L"PresenceConfigStore:31;Zed:41;");
+    load();
+    const auto lines = log.getTexts("ConfigService-ConfigStoreManager");
+    const auto arrivalOf = [&](const std::string& name) {
+        return std::find_if(lines.begin(), lines.end(),
+                            [&](const auto& line) { return line.starts_with("adding new store: " + name + ","); }) -
+               lines.begin();
+    };
+    EXPECT_LT(arrivalOf("Zed"), arrivalOf("PresenceConfigStore"));
+}
+
+TEST_F(ConfigAdapterCachedStores, InPhoneModeThePresenceStoreIsDroppedFromTheRecordAndItsFileStays) {
+    givenEarlierRunWith(makeCachingStore("PresenceConfigStore", 30, {{L"k", L"v"}}));
+    givenDefaults({{L"ProductMode", L"PHONE_MODE"}});
+    load();
+    EXPECT_FALSE(inChain("PresenceConfigStore"));
+    EXPECT_EQ(record(), L"");
+    EXPECT_TRUE(std::filesystem::exists(cacheFile("PresenceConfigStore")));
+}
+
+TEST_F(ConfigAdapterCachedStores, InTheSdkModeNothingIsCopiedOrRestored) {
+    givenDefaults({{L"Lumora_SDK_Mode", L"true"}, {L"PrimaryConfigStores", L"A:50;"}});
+    loadAndStart();
+    adapter->addConfigStore(makeCachingStore("TftpStore", 40, {{L"k", L"v"}}));
+    EXPECT_FALSE(inChain("A"));
+    EXPECT_FALSE(std::filesystem::exists(cacheFile("TftpStore")));
+    EXPECT_EQ(record(), L"A:50;");
+    EXPECT_TRUE(inChain("UrlProvisioningConfigStore"));
+}
+
+TEST_F(ConfigAdapterCachedStores, CopyOfAProvisioningUrlIsRestored) {
+    loadAndStart();
+    adapter->setUrlProvisioningData(L"?ServicesDomain=example.com");
+    unload();
+    load();
+    EXPECT_EQ(valueOf(L"ServicesDomain"), L"example.com");
+}
+
+TEST_F(ConfigAdapterCachedStores, DeviceManagementForbidsTheProvisioningStoreAtARefresh) {
+    loadAndStart();
+    adapter->setUrlProvisioningData(L"?ServicesDomain=example.com");
+    adapter->setMdmConfig("<a><b><AllowUrlProvisioning>FALSE</AllowUrlProvisioning></b></a>");
+    adapter->refreshConfigFeatureSet();
+    EXPECT_FALSE(inChain("UrlProvisioningConfigStore"));
+    EXPECT_FALSE(std::filesystem::exists(cacheFile("UrlProvisioningConfigStore")));
+    EXPECT_EQ(countLogged("Url Provisioning not allowed by MDM configuration, removing cached URL provisioning store"),
+              1);
+}
+
+TEST_F(ConfigAdapterCachedStores, UnstartedRefreshRefusesToRemoveTheProvisioningStore) {
+    load();
+    adapter->setUrlProvisioningData(L"?ServicesDomain=example.com");
+    adapter->setMdmConfig("<a><b><AllowUrlProvisioning>false</AllowUrlProvisioning></b></a>");
+    log.clear();
+    adapter->refreshConfigFeatureSet();
+    EXPECT_THAT(log.getTexts(ZelLogLevel::Error),
+                Contains("Config FeatureSet Not Started, failed to remove ConfigStore with name: "
+                         "[UrlProvisioningConfigStore]"));
+    EXPECT_TRUE(std::filesystem::exists(cacheFile("UrlProvisioningConfigStore")));
+}
+
+TEST_F(ConfigAdapterCachedStores, OnlyDeviceManagementsOwnWordCounts) {
+    givenDefaults({{L"AllowUrlProvisioning", L"false"}});
+    load();
+    EXPECT_TRUE(inChain("UrlProvisioningConfigStore"));
+}
+
+TEST_F(ConfigAdapterCachedStores, StoreThatRenewsItselfIsCopiedAnew) {
+    loadAndStart();
+    adapter->addConfigStore(makeCachingStore("TftpStore", 40, {{L"k", L"old"}, {L"gone", L"x"}}));
+    adapter->updateExistingConfigStore(makeCachingStore("TftpStore", 40, {{L"k", L"new"}}), {L"k", L"gone"});
+    EXPECT_EQ(recordOf(L"k"), L"new");
+    EXPECT_FALSE(service->getConfig(L"gone")->getisDefined());
+    unload();
+    load();
+    EXPECT_EQ(valueOf(L"k"), L"new");
+}
+
+TEST_F(ConfigAdapterCachedStores, StoreMayNotRenewItselfBeforeTheStart) {
+    load();
+    adapter->updateExistingConfigStore(makeCachingStore("UrlProvisioningConfigStore", 499, {{L"k", L"v"}}), {});
+    EXPECT_EQ(valueOf(L"k"), L"(none)");
+}
+
+TEST(CachedStores, RecordGivenAsTextHasItsOwnDefaultPriority) {
+    const testing_host::TemporaryProfile profile;
+    const testing_host::InMemoryRegistry::Installed registry;
+    const auto factory = std::make_shared<testing_host::RecordingFactory>();
+    InjectConfigService(factory);
+    const auto featureSet = factory->getFeatureSetByType<ConfigFeatureSet>();
+    const auto manager = std::make_shared<ConfigStoreManager>(factory);
+    CachedStores(*featureSet, manager).addCachedConfigStores(L"A:abc;PresenceConfigStore:7;");
+    EXPECT_EQ(manager->getStoreByName("A")->getPriority(), 40);
+    EXPECT_EQ(manager->getStoreByName("PresenceConfigStore")->getPriority(), 7);
+    factory->Destroy();
+}
+
+TEST(CachedStores, WithoutAManagerTheyOnlyLog) {
+    const testing_host::LogRecorder log;
+    ConfigAdapter adapter;
+    CachedStores stores(adapter, nullptr);
+    stores.InitialiseCachedConfigStores();
+    EXPECT_THAT(log.getTexts(ZelLogLevel::Error), Contains("configStoreManager is null"));
+    stores.updateCacheStorePriority("A", 1);
+    stores.removeOldCacheConfigStores(nullptr);
+}
+
+} // namespace ZelUnified

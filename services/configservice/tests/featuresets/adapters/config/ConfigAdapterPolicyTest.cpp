@@ -1,0 +1,93 @@
+#include "ConfigAdapterFixture.h"
+
+namespace ZelUnified {
+
+using testing::ElementsAre;
+
+class ConfigAdapterPolicy : public ConfigAdapterFixture {
+protected:
+    void givenUsersServers() {
+        for (const auto* key : {L"VoicemailPrimaryServer", L"TFTPPrimaryServer", L"CtiServer1", L"SabrelServer1"}) {
+            adapter->setConfig(key, L"mine");
+        }
+    }
+};
+
+TEST_F(ConfigAdapterPolicy, NineKeysAreSensitiveFromTheStart) {
+    load();
+    for (const auto* key : {L"Initial_Info", L"Addtional_Info", L"connectionpassword", L"connectionusername",
+                            L"BDIConnectionPassword", L"BDIConnectionUsername", L"BDIConnectionUserDn",
+                            L"Mrx_MeetingList_OfflineData", L"Mrx_MeetingList_OnlineData"}) {
+        EXPECT_TRUE(adapter->isKeySensitive(key));
+        EXPECT_TRUE(service->isKeySensitive(key));
+    }
+    EXPECT_TRUE(adapter->isKeySensitive(L"CONNECTIONPASSWORD"));
+    EXPECT_FALSE(adapter->isKeySensitive(L"Additional_Info"));
+}
+
+TEST_F(ConfigAdapterPolicy, SensitiveKeyReachesTheService) {
+    loadAndStart();
+    service->setKeySensitive(L"Secret");
+    EXPECT_TRUE(adapter->isKeySensitive(L"secret"));
+    EXPECT_TRUE(service->isKeySensitive(L"secret"));
+}
+
+TEST_F(ConfigAdapterPolicy, AbsentSwitchesRemoveNothing) {
+    loadAndStart();
+    givenUsersServers();
+    adapter->addConfigStore(makeReadOnlyStore("S", 100, {{L"Customize_Phone_Server", L"no"}}));
+    EXPECT_EQ(valueOf(L"CtiServer1"), L"mine");
+}
+
+TEST_F(ConfigAdapterPolicy, ArrivingSwitchesTakeTheUsersServersAway) {
+    loadAndStart();
+    givenUsersServers();
+    adapter->addConfigStore(makeReadOnlyStore("Admin", 100,
+                                              {{L"Customize_Voicemail_Server", L"FALSE"},
+                                               {L"Customize_Phone_Server", L"false"},
+                                               {L"CTIPrimaryServer", L"admin"}}));
+    EXPECT_EQ(valueOf(L"VoicemailPrimaryServer"), L"(none)");
+    EXPECT_EQ(valueOf(L"TFTPPrimaryServer"), L"(none)");
+    EXPECT_EQ(valueOf(L"SabrelServer1"), L"(none)");
+    EXPECT_EQ(valueOf(L"CtiServer1"), L"admin");
+}
+
+TEST_F(ConfigAdapterPolicy, OneSwitchTakesItsOwnServersOnly) {
+    loadAndStart();
+    givenUsersServers();
+    adapter->addConfigStore(makeReadOnlyStore("Admin", 100, {{L"Customize_Voicemail_Server", L"false"}}));
+    EXPECT_EQ(valueOf(L"VoicemailPrimaryServer"), L"(none)");
+    EXPECT_EQ(valueOf(L"CtiServer1"), L"mine");
+}
+
+TEST_F(ConfigAdapterPolicy, SwitchesWorkAtConstructionAndAtARefresh) {
+    loadAndStart();
+    givenUsersServers();
+    unload();
+    givenPolicy(L"Customize_Phone_Server", L"false");
+    load();
+    EXPECT_EQ(valueOf(L"CtiServer1"), L"(none)");
+    start();
+    adapter->setConfig(L"CtiServer1", L"again");
+    factory->backgroundDispatcher->runAll();
+    adapter->refreshConfigFeatureSet();
+    EXPECT_EQ(valueOf(L"CtiServer1"), L"(none)");
+}
+
+TEST_F(ConfigAdapterPolicy, FlagsOfAnArrivalSeeTheServersGone) {
+    givenDefaults({{L"Telephony_Enabled", L"true"}});
+    loadAndStart();
+    adapter->setConfig(L"CtiServer1", L"mine");
+    adapter->addConfigStore(makeReadOnlyStore("TftpConfigStore", 100, {{L"Customize_Phone_Server", L"false"}}));
+    EXPECT_EQ(adapter->getValueFromConfigStore("InMemoryConfigStore", L"Telephony_Enabled"), L"false");
+}
+
+TEST_F(ConfigAdapterPolicy, OneStoresWordIsReadAlone) {
+    givenDefaults({{L"k", L"default"}});
+    loadAndStart();
+    adapter->setConfig(L"k", L"mine");
+    EXPECT_EQ(adapter->getValueFromConfigStore("lumora-config-defaults.xml", L"k"), L"default");
+    EXPECT_EQ(adapter->getValueFromConfigStore("RegistryConfigStore", L"k"), L"");
+}
+
+} // namespace ZelUnified

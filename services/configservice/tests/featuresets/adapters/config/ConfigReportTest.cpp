@@ -1,0 +1,92 @@
+#include "ConfigStoreManagerFixture.h"
+#include "secure/SecureString.h"
+
+#include <zel/EncryptFileUtils.h>
+
+#include <TemporaryProfile.h>
+
+namespace ZelUnified {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Not;
+
+class ConfigReport : public ConfigStoreManagerFixture {
+protected:
+    std::string report() {
+        std::wstring text = L"before";
+        manager.getConfigForPRT(text);
+        return KyrCoreUtils::toString(text);
+    }
+    void givenDataFile(const std::string& name, const std::string& content) {
+        ASSERT_TRUE(zel::storage::EncryptFileUtils::writeDataToFile(
+            (profile.config() / name).string(), zel::SecureString(content), zel::storage::FileCategoryType::UserData));
+    }
+
+    static constexpr const char* head = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<AllConfigs>\n";
+    testing_host::TemporaryProfile profile;
+};
+
+TEST_F(ConfigReport, OfAnEmptyChainHoldsAnEmptyElement) {
+    EXPECT_EQ(report(), std::string(head) + "<AllMemoryConfigs/>\n\n</AllConfigs>");
+}
+
+TEST_F(ConfigReport, ShowsEveryStoresOpinionInChainOrder) {
+    given(makeReadOnlyStore("Late", 500, {{L"k", L"late"}}));
+    given(makeReadOnlyStore("Early", 20, {{L"k", L"<&>"}, {L"empty", L""}}));
+    EXPECT_EQ(report(), std::string(head) + "<AllMemoryConfigs>\n"
+                                            " <store name=\"Early\" priority=\"20\">\n"
+                                            "  <empty></empty>\n"
+                                            "  <k>&lt;&amp;&gt;</k>\n"
+                                            " </store>\n"
+                                            " <store name=\"Late\" priority=\"500\">\n"
+                                            "  <k>late</k>\n"
+                                            " </store>\n"
+                                            "</AllMemoryConfigs>\n"
+                                            "\n</AllConfigs>");
+}
+
+TEST_F(ConfigReport, LeavesOutTheDefaultsByTheirExactNameAndStoresWithoutKeys) {
+    given(makeReadOnlyStore("lumora-config-defaults.xml", 900, {{L"k", L"v"}}));
+    given(makeReadOnlyStore("Empty", 20));
+    EXPECT_THAT(report(), HasSubstr("<AllMemoryConfigs/>"));
+    given(makeReadOnlyStore("Lumora-Config-Defaults.XML2", 901, {{L"k", L"v"}}));
+    EXPECT_THAT(report(), HasSubstr("Lumora-Config-Defaults.XML2"));
+}
+
+TEST_F(ConfigReport, SensitiveKeyHasNeitherElementNorPlaceholder) {
+    manager.setKeySensitive(L"secret");
+    given(makeReadOnlyStore("S", 20, {{L"Secret", L"hunter2"}}));
+    const auto text = report();
+    EXPECT_THAT(text, HasSubstr("<store name=\"S\" priority=\"20\"/>"));
+    EXPECT_THAT(text, Not(HasSubstr("hunter2")));
+    EXPECT_THAT(text, Not(HasSubstr("VALUE_HIDDEN")));
+}
+
+TEST_F(ConfigReport, CharactersThatXmlCannotCarryAreReplaced) {
+    given(makeReadOnlyStore("S", 20,
+                            {{L"k", std::wstring(L"a\x01"
+                                                 L"b")}}));
+    EXPECT_THAT(report(), HasSubstr("<k>a\xEF\xBF\xBD"
+                                    "b</k>"));
+}
+
+TEST_F(ConfigReport, DataFilesFollowWithoutTheirDeclarations) {
+    givenDataFile("home-fenn-info.dat", "<?xml version=\"1.0\"?><home/>");
+    givenDataFile("SSOAuthInfoStore.dat", "<?xml version=\"1.0\"?>\n<sso/>");
+    EXPECT_THAT(report(), testing::EndsWith("<AllMemoryConfigs/>\n<home/>\n<sso/>\n</AllConfigs>"));
+    EXPECT_THAT(log.getTexts(ZelLogLevel::Error),
+                ElementsAre("Failed to read config file " + (profile.config() / "service-location.dat").string()));
+}
+
+TEST_F(ConfigReport, DataFileWithoutADeclarationLosesItsFirstCharacter) {
+    givenDataFile("service-location.dat", "<where/>");
+    EXPECT_THAT(report(), HasSubstr(">\nwhere/>\n</AllConfigs>"));
+}
+
+TEST_F(ConfigReport, MarkAtTheVeryStartIsNoDeclaration) {
+    givenDataFile("service-location.dat", "x?>rest");
+    EXPECT_THAT(report(), HasSubstr(">\nx?>rest\n"));
+}
+
+} // namespace ZelUnified

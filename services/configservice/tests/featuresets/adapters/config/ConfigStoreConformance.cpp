@@ -1,0 +1,119 @@
+#include "ConfigStoreConformance.h"
+
+#include <thread>
+#include <vector>
+
+namespace ZelUnified {
+
+using testing::ElementsAre;
+
+TEST_P(ConfigStoreConformance, AnswersIgnoringCase) {
+    const auto store = make({{L"alpha", L"1"}});
+    std::wstring value;
+    EXPECT_TRUE(store->getValue(L"ALPHA", value));
+    EXPECT_EQ(value, L"1");
+}
+
+TEST_P(ConfigStoreConformance, MissEmptiesTheValue) {
+    const auto store = make({{L"alpha", L"1"}});
+    std::wstring value = L"before";
+    EXPECT_FALSE(store->getValue(L"beta", value));
+    EXPECT_EQ(value, L"");
+}
+
+TEST_P(ConfigStoreConformance, EmptyValueThatIsHeldIsAHit) {
+    const auto store = make({{L"alpha", L""}});
+    std::wstring value = L"before";
+    EXPECT_TRUE(store->getValue(L"alpha", value));
+    EXPECT_EQ(value, L"");
+}
+
+TEST_P(ConfigStoreConformance, KeyAndValueMayBeOneString) {
+    const auto store = make({{L"alpha", L"1"}});
+    std::wstring text = L"alpha";
+    EXPECT_TRUE(store->getValue(text, text));
+    EXPECT_EQ(text, L"1");
+}
+
+TEST_P(ConfigStoreConformance, KeysComeInCaseInsensitiveOrder) {
+    const auto store = make({{L"gamma", L"3"}, {L"alpha", L"1"}, {L"beta", L"2"}});
+    EXPECT_THAT(store->getKeys(), ElementsAre(L"alpha", L"beta", L"gamma"));
+}
+
+TEST_P(ConfigStoreConformance, TextBeyondAsciiSurvives) {
+    const auto store = make({{L"alpha", L"\u00e4\u4e2d"}});
+    EXPECT_THAT(held(*store), ElementsAre(std::pair<const std::wstring, std::wstring>(L"alpha", L"\u00e4\u4e2d")));
+}
+
+TEST_P(ConfigStoreConformance, TellsItsPlaceInTheChain) {
+    const auto store = make({});
+    EXPECT_EQ(store->getName(), GetParam().name);
+    EXPECT_EQ(store->getPriority(), GetParam().priority);
+    EXPECT_EQ(store->isReadOnly(), GetParam().readOnly);
+    EXPECT_EQ(store->isLocal(), GetParam().local);
+    EXPECT_TRUE(store->waitForStoreReady());
+}
+
+TEST_P(ConfigStoreConformance, AsksForNoCopy) {
+    const auto store = make({});
+    EXPECT_FALSE(store->shouldCacheConfigStore());
+    EXPECT_EQ(store->getCachedPriority(),
+              GetParam().priority == std::numeric_limits<int>::max() ? GetParam().priority : GetParam().priority + 1);
+}
+
+TEST_P(ConfigStoreConformance, TakesOrRefusesWrites) {
+    const auto store = make({{L"alpha", L"1"}});
+    const bool taken = GetParam().writes == StoreKind::Writes::Taken;
+    EXPECT_EQ(store->storeValue(L"beta", L"2"), taken);
+    std::wstring value;
+    EXPECT_EQ(store->getValue(L"beta", value), taken);
+    EXPECT_EQ(store->removeValue(L"ALPHA"), taken);
+    EXPECT_EQ(store->getValue(L"alpha", value), !taken);
+    EXPECT_FALSE(store->removeValue(L"never there"));
+}
+
+TEST_P(ConfigStoreConformance, WriteInAnotherCaseKeepsTheFirstSpelling) {
+    if (GetParam().writes == StoreKind::Writes::Taken) {
+        const auto store = make({{L"alpha", L"1"}});
+        store->storeValue(L"ALPHA", L"2");
+        EXPECT_THAT(held(*store), ElementsAre(std::pair<const std::wstring, std::wstring>(L"alpha", L"2")));
+    }
+}
+
+TEST_P(ConfigStoreConformance, EmptiesItselfOrNot) {
+    const auto store = make({{L"alpha", L"1"}});
+    store->removeAllValues();
+    EXPECT_EQ(store->getKeys().empty(), GetParam().emptying == StoreKind::Emptying::Done);
+}
+
+TEST_P(ConfigStoreConformance, AnswersAfterDestroy) {
+    const auto store = make({{L"alpha", L"1"}});
+    store->destroy();
+    store->persistValues();
+    std::wstring value;
+    EXPECT_TRUE(store->getValue(L"alpha", value));
+}
+
+TEST_P(ConfigStoreConformance, MayBeUsedFromManyThreads) {
+    const auto store = make({{L"alpha", L"1"}, {L"beta", L"2"}});
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([&store] {
+            std::wstring value;
+            for (int round = 0; round < 50; ++round) {
+                store->getValue(L"beta", value);
+                store->storeValue(L"alpha", std::to_wstring(round));
+                store->removeValue(L"alpha");
+                store->getKeys();
+            }
+        });
+    }
+    for (auto& thread : threads) {
+        thread.join();
+    }
+    std::wstring value;
+    EXPECT_TRUE(store->getValue(L"beta", value));
+    EXPECT_EQ(value, L"2");
+}
+
+} // namespace ZelUnified

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "FakeConfigStore.h"
+#include "RecordingObserver.h"
+#include "featuresets/adapters/config/ConfigStoreManager.h"
+
+#include <LogRecorder.h>
+#include <RecordingFactory.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace ZelUnified {
+
+/// A manager on a factory without threads, its announcements and its log lines recorded.
+class ConfigStoreManagerFixture : public testing::Test {
+protected:
+    static constexpr const char* loggerName = "ConfigService-ConfigStoreManager";
+
+    ConfigStoreManagerFixture() {
+        manager.addObserver(&observer);
+        log.clear();
+    }
+    ~ConfigStoreManagerFixture() override { factory->backgroundDispatcher->clear(); }
+
+    /// Adds without leaving a trace in the records.
+    template <class Store>
+    std::shared_ptr<Store> given(std::shared_ptr<Store> store) {
+        manager.addStore(store);
+        forget();
+        return store;
+    }
+
+    void forget() {
+        observer.announcements.clear();
+        factory->backgroundDispatcher->clear();
+        log.clear();
+    }
+
+    std::vector<std::string> logged() const { return log.getTexts(loggerName); }
+
+    std::wstring valueOf(const std::wstring& key) const {
+        std::wstring value;
+        return manager.getValue(key, value) ? value : L"(none)";
+    }
+
+    testing_host::LogRecorder log;
+    RecordingObserver observer;
+    const std::shared_ptr<testing_host::RecordingFactory> factory = std::make_shared<testing_host::RecordingFactory>();
+    ConfigStoreManager manager{factory};
+};
+
+} // namespace ZelUnified

@@ -1,0 +1,353 @@
+#include "ConfigStoreManagerFixture.h"
+
+#include <zel/FipsUtils.h>
+
+namespace ZelUnified {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+/// Reads with everything that the full operation takes and gives.
+class ConfigStoreManagerLookup : public ConfigStoreManagerFixture {
+protected:
+    ~ConfigStoreManagerLookup() override { zel::common::FipsUtils::overrideFipsMode(std::nullopt); }
+
+    struct Answer {
+        bool found = false;
+        std::wstring value = L"before";
+        std::wstring storeName = L"before";
+        bool valueFromLegacyKey = false;
+    };
+
+    Answer ask(const std::wstring& key, bool skipLocal = false, const std::string& storeFilter = "") {
+        Answer answer;
+        answer.found =
+            manager.getValue(key, answer.value, answer.storeName, answer.valueFromLegacyKey, skipLocal, storeFilter);
+        return answer;
+    }
+
+    struct Original {
+        bool hasOverride = false;
+        std::wstring value = L"before";
+        std::wstring storeName;
+        bool fromLegacyKey = true;
+    };
+
+    Original askOriginal(const std::wstring& key) {
+        Original original;
+        original.hasOverride =
+            manager.getOriginalValue(key, original.value, original.storeName, original.fromLegacyKey);
+        return original;
+    }
+};
+
+namespace {
+
+class DebugLookup : public ConfigStoreManagerLookup {
+protected:
+    testing_host::LogRecorder debugLog{testing_host::LogRecorder::Debug::On};
+
+    std::vector<std::string> debugLines() const { return debugLog.getTexts(ZelLogLevel::Debug); }
+};
+
+} // namespace
+
+TEST_F(ConfigStoreManagerLookup, WithoutStoresNothingIsFound) {
+    const auto answer = ask(L"k");
+    EXPECT_FALSE(answer.found);
+    EXPECT_EQ(answer.value, L"");
+    EXPECT_EQ(answer.storeName, L"before");
+}
+
+TEST_F(ConfigStoreManagerLookup, FirstStoreThatAnswersWinsAndAnEmptyValueIsAnAnswer) {
+    given(makeReadOnlyStore("A", 1, {{L"k", L""}}));
+    given(makeReadOnlyStore("B", 2, {{L"k", L"b"}}));
+    const auto answer = ask(L"K");
+    EXPECT_TRUE(answer.found);
+    EXPECT_EQ(answer.value, L"");
+    EXPECT_EQ(answer.storeName, L"A");
+}
+
+TEST_F(ConfigStoreManagerLookup, OldNameIsAnsweredByTheNewOne) {
+    given(makeReadOnlyStore("R", 33, {{L"TFTPPrimaryServer", L"tftp"}}));
+    const auto answer = ask(L"TftpServer1");
+    EXPECT_EQ(answer.value, L"tftp");
+    EXPECT_FALSE(answer.valueFromLegacyKey);
+}
+
+TEST_F(ConfigStoreManagerLookup, NewNameFallsBackOnTheOldOne) {
+    given(makeReadOnlyStore("R", 33, {{L"TftpServer1", L"tftp"}}));
+    const auto answer = ask(L"TFTPPrimaryServer");
+    EXPECT_EQ(answer.value, L"tftp");
+    EXPECT_TRUE(answer.valueFromLegacyKey);
+}
+
+TEST_F(ConfigStoreManagerLookup, OldNameThatAloneIsHeldCountsAsLegacy) {
+    given(makeReadOnlyStore("R", 33, {{L"TftpServer1", L"tftp"}}));
+    const auto answer = ask(L"TftpServer1");
+    EXPECT_EQ(answer.value, L"tftp");
+    EXPECT_TRUE(answer.valueFromLegacyKey);
+}
+
+TEST_F(ConfigStoreManagerLookup, NewNameWinsWhicheverStoreStandsFirst) {
+    given(makeReadOnlyStore("First", 1, {{L"TftpServer1", L"old"}}));
+    given(makeReadOnlyStore("Last", 500, {{L"TFTPPrimaryServer", L"new"}}));
+    EXPECT_EQ(ask(L"TftpServer1").value, L"new");
+    EXPECT_EQ(ask(L"TFTPPrimaryServer").value, L"new");
+    given(makeReadOnlyStore("Front", 0, {{L"TFTPPrimaryServer", L"front"}}));
+    EXPECT_EQ(ask(L"TftpServer1").value, L"front");
+}
+
+TEST_F(ConfigStoreManagerLookup, LegacyFlagIsOnlyEverSet) {
+    given(makeReadOnlyStore("R", 33, {{L"k", L"v"}}));
+    std::wstring value;
+    std::wstring storeName;
+    bool valueFromLegacyKey = true;
+    manager.getValue(L"k", value, storeName, valueFromLegacyKey, false, "");
+    EXPECT_TRUE(valueFromLegacyKey);
+}
+
+TEST_F(ConfigStoreManagerLookup, SkipLocalLeavesOutWhatIsWritable) {
+    const auto writable = makeWritableStore("L", 20, {{L"k", L"user"}});
+    writable->local = false;
+    given(writable);
+    EXPECT_FALSE(ask(L"k", true).found);
+    given(makeReadOnlyStore("R", 33, {{L"k", L"admin"}}));
+    EXPECT_EQ(ask(L"k", true).value, L"admin");
+    EXPECT_EQ(ask(L"k", false).value, L"user");
+}
+
+TEST_F(ConfigStoreManagerLookup, FilterAsksOneStoreIgnoringCase) {
+    given(makeReadOnlyStore("A", 1, {{L"k", L"a"}}));
+    given(makeReadOnlyStore("B", 2, {{L"other", L"b"}}));
+    EXPECT_FALSE(ask(L"k", false, "B").found);
+    EXPECT_EQ(ask(L"k", false, "a").value, L"a");
+    EXPECT_EQ(manager.getValue(std::string("b"), std::wstring(L"other")), L"b");
+    EXPECT_EQ(manager.getValue(std::string("b"), std::wstring(L"k")), L"");
+}
+
+TEST_F(ConfigStoreManagerLookup, FilterAndSkipLocalApplyTogether) {
+    given(makeWritableStore("L", 1, {{L"k", L"user"}}));
+    EXPECT_FALSE(ask(L"k", true, "L").found);
+}
+
+TEST_F(ConfigStoreManagerLookup, FipsModeForcesTheKeyAlsoOnAMiss) {
+    zel::common::FipsUtils::overrideFipsMode(true);
+    const auto miss = ask(L"telephony_p2p_enabled");
+    EXPECT_FALSE(miss.found);
+    EXPECT_EQ(miss.value, L"false");
+    EXPECT_EQ(manager.getValue(std::string("R"), std::wstring(L"Telephony_P2P_Enabled")), L"");
+    given(makeReadOnlyStore("R", 33, {{L"Telephony_P2P_Enabled", L"true"}}));
+    EXPECT_EQ(ask(L"Telephony_P2P_Enabled").value, L"false");
+}
+
+TEST_F(DebugLookup, LineNamesKeyValueAndStore) {
+    given(makeReadOnlyStore("R", 33, {{L"k", L"v"}}));
+    debugLog.clear();
+    ask(L"k", true);
+    EXPECT_THAT(debugLines(),
+                ElementsAre("key : [k] skipLocal : [1]  value: [v] success: [true] configStoreName: [R]"));
+    EXPECT_EQ(debugLog.getRecords().front().function, "ZelUnified::ConfigStoreManager::getValue");
+}
+
+TEST_F(DebugLookup, LineOfAMissShowsTheNamePassedIn) {
+    ask(L"k");
+    EXPECT_THAT(debugLines(),
+                ElementsAre("key : [k] skipLocal : [0]  value: [] success: [false] configStoreName: [before]"));
+}
+
+TEST_F(DebugLookup, LineTellsOfARenamedKey) {
+    given(makeReadOnlyStore("R", 33, {{L"TFTPPrimaryServer", L"v"}}));
+    debugLog.clear();
+    ask(L"TftpServer1");
+    EXPECT_THAT(debugLines(),
+                ElementsAre("key : [TftpServer1] is an alias. Key has been renamed. Actual lookup done on key name: "
+                            "[TFTPPrimaryServer] - skipLocal : [0]  value: [v] success: [true] configStoreName: [R]"));
+}
+
+TEST_F(DebugLookup, LineTellsOfALegacyKeyOnlyWhenTheNewNameWasAsked) {
+    given(makeReadOnlyStore("R", 33, {{L"TftpServer1", L"v"}}));
+    debugLog.clear();
+    ask(L"TFTPPrimaryServer");
+    ask(L"TftpServer1");
+    EXPECT_THAT(debugLines(),
+                ElementsAre("key : [TFTPPrimaryServer] did not exist. actual lookup done on legacy key name : "
+                            "[TftpServer1] - skipLocal : [0]  value: [v] success: [true] configStoreName: [R]",
+                            "key : [TftpServer1] skipLocal : [0]  value: [v] success: [true] configStoreName: [R]"));
+}
+
+TEST_F(DebugLookup, SensitiveValueIsHiddenByTheKeyAsAskedAndStillAnswered) {
+    manager.setKeySensitive(L"Secret");
+    given(makeReadOnlyStore("R", 33, {{L"secret", L"hunter2"}}));
+    debugLog.clear();
+    EXPECT_EQ(ask(L"SECRET").value, L"hunter2");
+    EXPECT_THAT(debugLines(),
+                ElementsAre("key : [SECRET] skipLocal : [0]  value: [VALUE_HIDDEN] success: [true] configStoreName: "
+                            "[R]"));
+}
+
+TEST_F(DebugLookup, PersonalDataIsMaskedInTheLine) {
+    given(makeReadOnlyStore("R", 33, {{L"k", L"jane.doe@example.com"}}));
+    debugLog.clear();
+    EXPECT_EQ(ask(L"k").value, L"jane.doe@example.com");
+    EXPECT_FALSE(debugLog.mentions("jane.doe"));
+}
+
+TEST_F(ConfigStoreManagerLookup, NoLineWithoutDebug) {
+    ask(L"k");
+    EXPECT_THAT(logged(), IsEmpty());
+}
+
+TEST_F(ConfigStoreManagerLookup, OriginalValueOfAKeyOnlyTheUserSetIsEmptyAndOverridden) {
+    given(makeWritableStore("L", 20, {{L"k", L"u"}}));
+    const auto original = askOriginal(L"k");
+    EXPECT_TRUE(original.hasOverride);
+    EXPECT_EQ(original.value, L"");
+    EXPECT_EQ(original.storeName, L"");
+    EXPECT_FALSE(original.fromLegacyKey);
+}
+
+TEST_F(ConfigStoreManagerLookup, OriginalValueStandsBeneathTheUsers) {
+    given(makeWritableStore("L", 20, {{L"k", L"u"}}));
+    given(makeReadOnlyStore("R", 33, {{L"k", L"a"}}));
+    const auto original = askOriginal(L"k");
+    EXPECT_TRUE(original.hasOverride);
+    EXPECT_EQ(original.value, L"a");
+    EXPECT_EQ(original.storeName, L"R");
+}
+
+TEST_F(ConfigStoreManagerLookup, ReadOnlyStoreAheadOfTheUsersIsNotOverridden) {
+    given(makeReadOnlyStore("R", 10, {{L"k", L"a"}}));
+    given(makeWritableStore("L", 20, {{L"k", L"u"}}));
+    EXPECT_FALSE(askOriginal(L"k").hasOverride);
+}
+
+TEST_F(ConfigStoreManagerLookup, EmptyAdministratorsAnswerLeavesTheWordToTheNextAndItsName) {
+    given(makeReadOnlyStore("Empty", 10, {{L"k", L""}}));
+    given(makeReadOnlyStore("Full", 20, {{L"k", L"a"}}));
+    const auto original = askOriginal(L"k");
+    EXPECT_EQ(original.value, L"a");
+    EXPECT_EQ(original.storeName, L"Full");
+}
+
+TEST_F(ConfigStoreManagerLookup, EmptyUsersValueStillOverrides) {
+    given(makeWritableStore("L", 20, {{L"k", L""}}));
+    given(makeReadOnlyStore("R", 33, {{L"k", L"a"}}));
+    EXPECT_TRUE(askOriginal(L"k").hasOverride);
+}
+
+TEST_F(ConfigStoreManagerLookup, OriginalValueOfAnOldNameIsReadAgainUnderItUnlessOverridden) {
+    given(makeReadOnlyStore("R", 33, {{L"TFTPPrimaryServer", L"new"}}));
+    const auto original = askOriginal(L"TftpServer1");
+    EXPECT_FALSE(original.hasOverride);
+    EXPECT_EQ(original.value, L"");
+    EXPECT_EQ(original.storeName, L"R");
+    EXPECT_FALSE(original.fromLegacyKey);
+}
+
+TEST_F(ConfigStoreManagerLookup, OriginalValueOfANewNameFallsBackOnTheOldOne) {
+    given(makeWritableStore("L", 20, {{L"TftpServer1", L"u"}}));
+    given(makeReadOnlyStore("R", 33, {{L"TftpServer1", L"a"}}));
+    const auto original = askOriginal(L"TFTPPrimaryServer");
+    EXPECT_TRUE(original.hasOverride);
+    EXPECT_TRUE(original.fromLegacyKey);
+    EXPECT_EQ(original.value, L"a");
+}
+
+namespace {
+
+/// One row of the table of what is announced for a key, given who holds it.
+struct AnnouncedCase {
+    const char* name;
+    std::vector<std::shared_ptr<FakeConfigStore> (*)()> stores;
+    std::wstring key;
+    std::vector<std::string> announced;
+};
+
+class AnnouncedValues : public ConfigStoreManagerFixture, public testing::WithParamInterface<AnnouncedCase> {};
+
+using Stores = std::vector<std::shared_ptr<FakeConfigStore> (*)()>;
+
+} // namespace
+
+TEST_P(AnnouncedValues, FollowTheRules) {
+    for (const auto make : GetParam().stores) {
+        given(make());
+    }
+    // A write to a store of no rank is the plainest way to have one key announced.
+    given(makeWritableStore("InMemoryConfigStore", 600));
+    const auto probe = makeReadOnlyStore("Probe", 1000);
+    given(probe);
+    manager.updateExistingConfigStore(makeReadOnlyStore("Probe", 1000), {GetParam().key});
+    EXPECT_EQ(observer.announcements, GetParam().announced);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    ConfigStoreManager, AnnouncedValues,
+    testing::Values(AnnouncedCase{"OnlyTheUser",
+                                  Stores{[] {
+                                      return makeWritableStore("L", 20, {{L"K", L"u"}});
+                                  }},
+                                  L"K",
+                                  {"K: u [L] |  [] overridden"}},
+                    AnnouncedCase{"OnlyTheUserUnderANewName",
+                                  Stores{[] {
+                                      return makeWritableStore("L", 20, {{L"TFTPPrimaryServer", L"u"}});
+                                  }},
+                                  L"TFTPPrimaryServer",
+                                  {"TFTPPrimaryServer: u [L] |  []"}},
+                    AnnouncedCase{"UserAboveAdministrator",
+                                  Stores{[] {
+                                             return makeWritableStore("L", 20, {{L"K", L"u"}});
+                                         },
+                                         [] {
+                                             return makeReadOnlyStore("R", 33, {{L"K", L"a"}});
+                                         }},
+                                  L"K",
+                                  {"K: u [L] | a [R] overridden"}},
+                    AnnouncedCase{"AdministratorAboveUser",
+                                  Stores{[] {
+                                             return makeReadOnlyStore("R", 10, {{L"K", L"a"}});
+                                         },
+                                         [] {
+                                             return makeWritableStore("L", 20, {{L"K", L"u"}});
+                                         }},
+                                  L"K",
+                                  {"K: a [R] | a [R]"}},
+                    AnnouncedCase{"UserUnderTheNewNameAdministratorUnderTheOld",
+                                  Stores{[] {
+                                             return makeWritableStore("L", 20, {{L"TFTPPrimaryServer", L"u"}});
+                                         },
+                                         [] {
+                                             return makeReadOnlyStore("R", 33, {{L"TftpServer1", L"a"}});
+                                         }},
+                                  L"TFTPPrimaryServer",
+                                  {"TFTPPrimaryServer: u [L] | a [R]"}},
+                    AnnouncedCase{"OldNameWhileTheNewOneIsHeld",
+                                  Stores{[] {
+                                             return makeWritableStore("L", 20, {{L"TftpServer1", L"u"}});
+                                         },
+                                         [] {
+                                             return makeReadOnlyStore("R", 33, {{L"TFTPPrimaryServer", L"a"}});
+                                         }},
+                                  L"TftpServer1",
+                                  {}},
+                    AnnouncedCase{"OldNameAlone",
+                                  Stores{[] {
+                                      return makeWritableStore("L", 20, {{L"TftpServer1", L"u"}});
+                                  }},
+                                  L"TftpServer1",
+                                  {"TFTPPrimaryServer: u [L] |  [] overridden"}},
+                    AnnouncedCase{"OldNameOfUserAndAdministrator",
+                                  Stores{[] {
+                                             return makeWritableStore("L", 20, {{L"TftpServer1", L"u"}});
+                                         },
+                                         [] {
+                                             return makeReadOnlyStore("R", 33, {{L"TftpServer1", L"a"}});
+                                         }},
+                                  L"TftpServer1",
+                                  {"TFTPPrimaryServer: u [L] | a [R] overridden"}},
+                    AnnouncedCase{"Nobody", Stores{}, L"K", {"K:  [] |  [] undefined"}}),
+    [](const auto& tested) { return tested.param.name; });
+
+} // namespace ZelUnified

@@ -1,0 +1,356 @@
+#include "LocalFileTestSupport.h"
+#include "XmlTestSupport.h"
+
+#include <zel/ZelLog.h>
+
+#include <LogRecorder.h>
+#include <TemporaryProfile.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using xml_test::localDocument;
+using xml_test::readProtected;
+using xml_test::valueOf;
+using ZelUnified::LocalFileConfigStore;
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* userName = "LocalFileConfigStore";
+constexpr const char* mainName = "lumoraLocalConfig.dat";
+constexpr const char* backupName = "lumoraLocalConfig_backup.dat";
+
+enum class State { Absent, Readable, Bad };
+
+class LocalFileConfigStoreWritingTest : public testing::Test {
+protected:
+    LocalFileConfigStoreWritingTest() {
+        store->setTimer(timer);
+        log.clear();
+    }
+
+    static void put(const std::string& path, State state) {
+        fs::remove(path);
+        if (state == State::Readable) {
+            ASSERT_TRUE(xml_test::writeProtected(path, "<old/>"));
+        } else if (state == State::Bad) {
+            testing_host::writeFile(path, "garbage");
+        }
+    }
+
+    void fireBackup() { timer->requests.back().callback->onTimerFired(); }
+
+    std::vector<std::string> errors() const { return log.getTexts(ZelLogLevel::Error); }
+
+    testing_host::TemporaryProfile profile;
+    const std::string main = (profile.config() / mainName).string();
+    const std::string backup = (profile.config() / backupName).string();
+    testing_host::LogRecorder log{testing_host::LogRecorder::Debug::On};
+    const std::shared_ptr<xml_test::RecordingCacheTimer> timer = std::make_shared<xml_test::RecordingCacheTimer>();
+    std::shared_ptr<LocalFileConfigStore> store = std::make_shared<LocalFileConfigStore>(userName, 20, false);
+    const std::string document = localDocument(" <userConfig name=\"Key\" value=\"v\"/>\n");
+};
+
+} // namespace
+
+TEST_F(LocalFileConfigStoreWritingTest, WritesTheMainFileAtOnceAndTheBackupLater) {
+    EXPECT_TRUE(store->storeValue(L"Key", L"v"));
+    EXPECT_FALSE(fs::exists(main));
+    store->persistValues();
+    EXPECT_EQ(readProtected(main), document);
+    EXPECT_FALSE(fs::exists(backup));
+    ASSERT_EQ(timer->requests.size(), 1U);
+    EXPECT_EQ(timer->requests[0].callback->getFileName(), backupName);
+    EXPECT_EQ(timer->requests[0].milliseconds, 30000);
+    store->storeValue(L"Key", L"w");
+    fireBackup();
+    EXPECT_EQ(readProtected(backup), localDocument(" <userConfig name=\"Key\" value=\"w\"/>\n"));
+    EXPECT_THAT(errors(), IsEmpty());
+    EXPECT_TRUE(log.mentions(std::string("About to cache file: ") + backupName));
+}
+
+TEST_F(LocalFileConfigStoreWritingTest, GivesTheNextRunItsKeysInLowerCase) {
+    store->storeValue(L"Key", L" V ");
+    store->persistValues();
+    LocalFileConfigStore next(userName, 20, false);
+    EXPECT_THAT(next.getKeys(), ElementsAre(L"key"));
+    EXPECT_EQ(valueOf(next, L"KEY"), L" V ");
+}
+
+TEST_F(LocalFileConfigStoreWritingTest, MakesTheFolderAndFileForTheOwnerAlone) {
+    fs::remove(profile.config());
+    store->storeValue(L"Key", L"planted secret");
+    store->persistValues();
+    EXPECT_EQ(fs::status(profile.config()).permissions(), fs::perms::owner_all);
+    EXPECT_EQ(fs::status(main).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+    EXPECT_EQ(testing_host::readFile(main).find("planted"), std::string::npos);
+    EXPECT_FALSE(log.mentions("planted"));
+}
+
+TEST_F(LocalFileConfigStoreWritingTest, SaysSoWhenNothingChanged) {
+    store->storeValue(L"Key", L"v");
+    store->persistValues();
+    fs::remove(main);
+    log.clear();
+    store->persistValues();
+    EXPECT_FALSE(fs::exists(main));
+    EXPECT_EQ(timer->requests.size(), 1U);
+    EXPECT_THAT(log.getTexts(ZelLogLevel::Debug), testing::Contains("Same content has been saved."));
+}
+
+TEST_F(LocalFileConfigStoreWritingTest, CountsACaseOfAValueAsAChangeAndKeepsTheFirstSpellingOfAKey) {
+    store->storeValue(L"Key", L"v");
+    store->persistValues();
+    store->storeValue(L"KEY", L"V");
+    EXPECT_THAT(store->getKeys(), ElementsAre(L"Key"));
+    store->persistValues();
+    EXPECT_EQ(readProtected(main), localDocument(" <userConfig name=\"Key\" value=\"V\"/>\n"));
+}
+
+TEST_F(LocalFileConfigStoreWritingTest, CountsACaseOfAKeyAsAChange) {
+    store->storeValue(L"Key", L"v");
+    store->persistValues();
+    EXPECT_TRUE(store->removeValue(L"KEY"));
+    store->storeValue(L"KEY", L"v");
+    store->persistValues();
+    EXPECT_THAT(readProtected(main), HasSubstr("name=\"KEY\""));
+}
+
+TEST_F(LocalFileConfigStoreWritingTest, WritesTheEmptyDocumentAfterAllIsRemoved) {
+    store->storeValue(L"Key", L"v");
+    store->persistValues();
+    store->removeAllValues();
+    EXPECT_THAT(store->getKeys(), IsEmpty());
+    EXPECT_EQ(readProtected(main), document);
+    store->persistValues();
+    EXPECT_EQ(readProtected(main), localDocument(""));
+}
+
+TEST_F(LocalFileConfigStoreWritingTest, DoesNotWriteAnEmptyTableRightAfterALoad) {
+    store->storeValue(L"Key", L"v");
+    store->persistValues();
+    LocalFileConfigStore next(userName, 20, false);
+    EXPECT_TRUE(next.removeValue(L"Key"));
+    next.persistValues();
+    EXPECT_EQ(readProtected(main), document);
+}
+
+TEST_F(LocalFileConfigStoreWritingTest, WritesALoadedTableOnce) {
+    store->storeValue(L"key", L"v");
+    store->persistValues();
+    LocalFileConfigStore next(userName, 20, false);
+    fs::remove(main);
+    next.persistValues();
+    EXPECT_TRUE(fs::exists(main));
+    fs::remove(main);
+    next.persistValues();
+    EXPECT_FALSE(fs::exists(main));
+}
+
+TEST_F(LocalFileConfigStoreWritingTest, StoresTheOldVoicemailKeyUnderItsNewName) {
+    LocalFileConfigStore defaults("lumora-config-defaults.xml", 20, false);
+    for (auto* tested : {store.get(), &defaults}) {
+        tested->storeValue(L"vvm_mailstore_SERVER_0", L"v");
+        EXPECT_EQ(valueOf(*tested, L"VoicemailPrimaryServer"), L"v");
+        EXPECT_EQ(valueOf(*tested, L"VVM_Mailstore_Server_0"), L"(none)");
+        EXPECT_FALSE(tested->removeValue(L"VVM_Mailstore_Server_0"));
+        EXPECT_TRUE(tested->removeValue(L"voicemailprimaryserver"));
+    }
+}
+
+TEST_F(LocalFileConfigStoreWritingTest, FollowsTheRuleOfTheTwoFiles) {
+    const auto refused = [](const std::string& target) {
+        return "Failed to read lumoraLocalConfig/backup file, so don't write to " + target + " to keep file good.";
+    };
+    const auto broken = [](const std::string& target) { return "Both files are broken, write to " + target; };
+    int round = 0;
+    for (const State target : {State::Absent, State::Readable, State::Bad}) {
+        for (const State counterpart : {State::Absent, State::Readable, State::Bad}) {
+            for (const bool isMain : {true, false}) {
+                store->storeValue(L"Key", L"v" + std::to_wstring(++round));
+                put(main, State::Absent);
+                put(backup, State::Absent);
+                if (!isMain) {
+                    store->persistValues();
+                }
+                put(isMain ? main : backup, target);
+                put(isMain ? backup : main, counterpart);
+                const std::string& path = isMain ? main : backup;
+                const std::string before = testing_host::readFile(path);
+                log.clear();
+                isMain ? store->persistValues() : fireBackup();
+                const std::string name = isMain ? mainName : backupName;
+                SCOPED_TRACE(name + " target " + std::to_string(static_cast<int>(target)) + " counterpart " +
+                             std::to_string(static_cast<int>(counterpart)));
+                if (counterpart != State::Bad) {
+                    EXPECT_THAT(readProtected(path), HasSubstr("value=\"v" + std::to_string(round)));
+                    EXPECT_THAT(errors(), IsEmpty());
+                } else if (target == State::Bad) {
+                    EXPECT_THAT(readProtected(path), HasSubstr("value=\"v" + std::to_string(round)));
+                    EXPECT_THAT(errors(), ElementsAre(broken(name)));
+                } else {
+                    EXPECT_EQ(testing_host::readFile(path), before);
+                    EXPECT_EQ(fs::exists(path), target == State::Readable);
+                    EXPECT_THAT(errors(), ElementsAre(refused(name)));
+                }
+            }
+        }
+    }
+}
+
+TEST_F(LocalFileConfigStoreWritingTest, RepairsACorruptBackupAndThenWritesTheMainFile) {
+    store->storeValue(L"Key", L"old");
+    store->persistValues();
+    put(backup, State::Bad);
+    store->storeValue(L"Key", L"v");
+    store->persistValues();
+    EXPECT_THAT(readProtected(main), HasSubstr("\"old\""));
+    ASSERT_EQ(timer->requests.size(), 2U); // also after a refused write
+    fireBackup();
+    EXPECT_EQ(readProtected(backup), document);
+    store->persistValues(); // the refused write left the difference standing
+    EXPECT_EQ(readProtected(main), document);
+}
+
+TEST_F(LocalFileConfigStoreWritingTest, JudgesTheProtectionNotTheXml) {
+    ASSERT_TRUE(xml_test::writeProtected(backup, "no xml"));
+    store->storeValue(L"Key", L"v");
+    store->persistValues();
+    EXPECT_EQ(readProtected(main), document);
+    EXPECT_TRUE(store->checkIfGoodToWrite(mainName, false));
+    put(backup, State::Bad);
+    EXPECT_FALSE(store->checkIfGoodToWrite(mainName, false));
+    EXPECT_TRUE(store->checkIfGoodToWrite(mainName, true));
+    EXPECT_TRUE(store->checkIfGoodToWrite(backupName, false));
+    EXPECT_FALSE(store->checkIfGoodToWrite(backupName, true));
+    EXPECT_TRUE(store->checkIfGoodToWrite("any other", false));
+}
+
+TEST_F(LocalFileConfigStoreWritingTest, IsSilentWhenTheFacilityFailsAndWritesWithTheNextChange) {
+    fs::remove(profile.config());
+    testing_host::writeFile(profile.config(), "a file is in the way");
+    store->storeValue(L"Key", L"w");
+    log.clear();
+    store->persistValues();
+    EXPECT_THAT(errors(), IsEmpty());
+    fs::remove(profile.config());
+    store->persistValues();
+    EXPECT_FALSE(fs::exists(main));
+    store->storeValue(L"Key", L"v");
+    store->persistValues();
+    EXPECT_EQ(readProtected(main), document);
+}
+
+TEST_F(LocalFileConfigStoreWritingTest, WritesNothingOnceDestroyed) {
+    store->storeValue(L"Key", L"v");
+    store->persistValues();
+    fireBackup();
+    const std::string before = testing_host::readFile(main);
+    const std::string backupBefore = testing_host::readFile(backup);
+    store->destroy();
+    store->storeValue(L"Key", L"w");
+    EXPECT_EQ(valueOf(*store, L"Key"), L"w");
+    store->persistValues();
+    fireBackup();
+    EXPECT_EQ(testing_host::readFile(main), before);
+    EXPECT_EQ(testing_host::readFile(backup), backupBefore);
+}
+
+TEST_F(LocalFileConfigStoreWritingTest, WritesNothingWhenItIsReadOnly) {
+    testing_host::writeFile(profile.resources() / "defaults.xml", "<r><userConfig name='k' value='v'/></r>");
+    LocalFileConfigStore defaults("defaults.xml", 7, profile.resources().string(), "defaults.xml", true, true, false);
+    EXPECT_TRUE(defaults.storeValue(L"k", L"w"));
+    EXPECT_EQ(valueOf(defaults, L"k"), L"w");
+    defaults.persistValues();
+    EXPECT_EQ(std::distance(fs::directory_iterator(profile.resources()), fs::directory_iterator()), 1);
+    EXPECT_EQ(testing_host::readFile(profile.resources() / "defaults.xml"), "<r><userConfig name='k' value='v'/></r>");
+}
+
+TEST_F(LocalFileConfigStoreWritingTest, SchedulesNoBackupUnderAnotherNameOrWithoutATimer) {
+    LocalFileConfigStore other("localfileconfigstore", 20, false);
+    other.setTimer(timer);
+    other.storeValue(L"Key", L"v");
+    other.persistValues();
+    EXPECT_THAT(timer->requests, IsEmpty());
+    LocalFileConfigStore without(userName, 20, false);
+    without.storeValue(L"Key", L"w");
+    without.persistValues();
+    EXPECT_THAT(readProtected(main), HasSubstr("\"w\""));
+}
+
+TEST_F(LocalFileConfigStoreWritingTest, UsesTheIntervalItWasGiven) {
+    store->setInterval(5);
+    store->storeValue(L"Key", L"v");
+    store->persistValues();
+    EXPECT_EQ(timer->requests.at(0).milliseconds, 5);
+}
+
+TEST_F(LocalFileConfigStoreWritingTest, DropsTheBackupOfAStoreThatIsGone) {
+    store->storeValue(L"Key", L"v");
+    store->persistValues();
+    store.reset();
+    fireBackup();
+    EXPECT_FALSE(fs::exists(backup));
+}
+
+TEST_F(LocalFileConfigStoreWritingTest, LetsReadersReadAndAResetWaitWhileItWrites) {
+    const auto keys = std::make_shared<xml_test::GatedKeyProvider>();
+    zel::storage::EncryptFileUtils::overrideKeyProvider(keys);
+    store->storeValue(L"Key", L"v");
+    keys->close();
+    std::atomic<bool> written = false;
+    bool writtenAtReset = false;
+    std::thread writer([&] {
+        store->persistValues();
+        written = true;
+    });
+    ASSERT_TRUE(keys->waitForWriter());
+    EXPECT_EQ(valueOf(*store, L"Key"), L"v");
+    store->storeValue(L"Other", L"w");
+    std::thread reset([&] {
+        store->removeAllValues();
+        writtenAtReset = !readProtected(main).empty();
+    });
+    EXPECT_EQ(store->getKeys().size(), 2U);
+    EXPECT_FALSE(written);
+    keys->open();
+    writer.join();
+    reset.join();
+    EXPECT_TRUE(writtenAtReset);
+    EXPECT_EQ(readProtected(main), document);
+    zel::storage::EncryptFileUtils::overrideKeyProvider(nullptr);
+}
+
+TEST_F(LocalFileConfigStoreWritingTest, StandsManyThreads) {
+    const auto keys = std::make_shared<xml_test::GatedKeyProvider>();
+    zel::storage::EncryptFileUtils::overrideKeyProvider(keys);
+    store->setTimer(nullptr);
+    const auto work = [&](wchar_t key) {
+        for (int round = 0; round < 20; ++round) {
+            store->storeValue(std::wstring(1, key), std::to_wstring(round));
+            store->persistValues();
+            store->removeValue(L"shared");
+            store->storeValue(L"shared", std::wstring(1, key));
+            store->getKeys();
+        }
+    };
+    std::thread first(work, L'a');
+    std::thread second(work, L'b');
+    first.join();
+    second.join();
+    store->storeValue(L"last", L"1");
+    store->persistValues();
+    EXPECT_THAT(LocalFileConfigStore(userName, 20, false).getKeys(), ElementsAre(L"a", L"b", L"last", L"shared"));
+    zel::storage::EncryptFileUtils::overrideKeyProvider(nullptr);
+}

@@ -1,0 +1,455 @@
+#include "FeatureSetMock.h"
+#include "InMemoryRegistry.h"
+#include "LogRecorder.h"
+#include "RecordingFactory.h"
+#include "TemporaryProfile.h"
+
+#include <kyr/StringUtils.h>
+#include <registry/RegistryFiles.h>
+#include <zel/FipsUtils.h>
+
+#include <ConfigKeys.h>
+#include <RegistryConfigStore.h>
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <limits>
+
+namespace {
+
+using namespace ZelUnified;
+using namespace zel::registry;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::StrictMock;
+using testing_host::InMemoryRegistry;
+using testing_host::LogRecorder;
+using testing_host::readFile;
+using testing_host::writeFile;
+
+const std::wstring root = L"Software\\Policies\\Client";
+constexpr const char* loggerName = "ConfigService-RegistryConfigStore";
+
+class RegistryConfigStoreTest : public testing::Test {
+protected:
+    RegistryConfigStore makeStore() { return {nullptr, "RegistryConfigStore", 30, "Policies\\Client"}; }
+
+    void setText(const std::wstring& below, std::wstring name, std::wstring_view text) {
+        registry->setText(HKEY_CURRENT_USER, root + below, std::move(name), text);
+    }
+    void setRaw(std::wstring name, std::uint32_t type, std::vector<std::uint8_t> data) {
+        registry->setValue(HKEY_CURRENT_USER, root, {std::move(name), type, std::move(data)});
+    }
+
+    /// What a new store answers; nothing when it does not.
+    std::optional<std::wstring> readBack(const std::wstring& key) {
+        auto store = makeStore();
+        std::wstring value = L"left over";
+        if (store.getValue(key, value)) {
+            return value;
+        }
+        EXPECT_EQ(value, L"");
+        return std::nullopt;
+    }
+
+    testing_host::TemporaryProfile profile;
+    InMemoryRegistry::Installed registry;
+    const std::filesystem::path textFile = profile.config() / "RegistryConfigStore.txt";
+};
+
+TEST_F(RegistryConfigStoreTest, IsAReadOnlyStoreThatARefreshDrops) {
+    setText(L"", L"Key", L"value");
+    RegistryConfigStore store(nullptr, "Some name", -7, "Policies\\Client");
+    EXPECT_EQ(store.getName(), "Some name");
+    EXPECT_EQ(store.getPriority(), -7);
+    EXPECT_TRUE(store.isReadOnly());
+    EXPECT_FALSE(store.isLocal());
+    EXPECT_TRUE(store.waitForStoreReady());
+    EXPECT_FALSE(store.shouldCacheConfigStore());
+    EXPECT_EQ(store.getCachedPriority(), -6);
+}
+
+TEST_F(RegistryConfigStoreTest, TakesNoChange) {
+    setText(L"", L"Key", L"value");
+    auto store = makeStore();
+    EXPECT_FALSE(store.storeValue(L"Key", L"other"));
+    EXPECT_FALSE(store.storeValue(L"New", L"other"));
+    EXPECT_FALSE(store.removeValue(L"Key"));
+    store.removeAllValues();
+    store.persistValues();
+    store.destroy();
+    store.onRegistryChanged();
+    EXPECT_THAT(store.getKeys(), ElementsAre(L"Key"));
+    std::wstring value;
+    EXPECT_TRUE(store.getValue(L"key", value));
+    EXPECT_EQ(value, L"value");
+}
+
+TEST_F(RegistryConfigStoreTest, OpensTheKeyBelowSoftwareForReading) {
+    setText(L"", L"Key", L"value");
+    makeStore();
+    ASSERT_EQ(registry->getOpened().size(), 1U);
+    EXPECT_EQ(registry->getOpened()[0].root, HKEY_CURRENT_USER);
+    EXPECT_EQ(registry->getOpened()[0].path, root);
+    EXPECT_EQ(registry->getOpened()[0].options, 0U);
+    EXPECT_EQ(registry->getOpened()[0].access, 131097U);
+}
+
+TEST_F(RegistryConfigStoreTest, ReadsThePolicyKeyAsItIsSpelt) {
+    registry->setText(HKEY_CURRENT_USER,
+                      L"Software\\Policies\\Ventrix Systems, Inc.\\Unified Communications\\VentrixUC", L"Key",
+                      L"value");
+    RegistryConfigStore store(nullptr, "RegistryConfigStore", 30, std::string(ConfigKeys::policyRegistryPath));
+    EXPECT_THAT(store.getKeys(), ElementsAre(L"Key"));
+}
+
+TEST_F(RegistryConfigStoreTest, NeverLooksUnderTheMachinesRoot) {
+    registry->setText(HKEY_LOCAL_MACHINE, root, L"Key", L"value");
+    EXPECT_THAT(makeStore().getKeys(), IsEmpty());
+}
+
+TEST_F(RegistryConfigStoreTest, KeysMatchIgnoringCaseAndKeepTheFirstForm) {
+    setText(L"", L"SomeKey", L"value");
+    setText(L"\\Sub", L"SOMEKEY", L"hidden");
+    EXPECT_EQ(readBack(L"somekey"), L"value");
+    EXPECT_THAT(makeStore().getKeys(), ElementsAre(L"SomeKey"));
+}
+
+TEST_F(RegistryConfigStoreTest, KeysComeInTheOrderOfTheTable) {
+    setText(L"", L"zebra", L"1");
+    setText(L"", L"Banana", L"2");
+    setText(L"", L"apple", L"3");
+    EXPECT_THAT(makeStore().getKeys(), ElementsAre(L"apple", L"Banana", L"zebra"));
+}
+
+TEST_F(RegistryConfigStoreTest, TextsEndAtTheirFirstTerminatorOrAtTheirSize) {
+    setRaw(L"terminated", REG_SZ, {'a', 0, 0, 0, 'b', 0});
+    setRaw(L"unterminated", REG_SZ, {'a', 0, 'b', 0});
+    setRaw(L"odd", REG_SZ, {'a', 0, 'b'});
+    setRaw(L"single", REG_SZ, {'a'});
+    setRaw(L"long first", REG_SZ, encodeRegistryText(std::wstring(1000, L'x')));
+    setRaw(L"short", REG_SZ, {'y', 0});
+    EXPECT_EQ(readBack(L"terminated"), L"a");
+    EXPECT_EQ(readBack(L"unterminated"), L"ab");
+    EXPECT_EQ(readBack(L"odd"), L"a");
+    EXPECT_EQ(readBack(L"single"), L"");
+    EXPECT_EQ(readBack(L"short"), L"y");
+}
+
+TEST_F(RegistryConfigStoreTest, AnEmptyTextIsHeldAndIsAHit) {
+    setText(L"", L"Empty", L"");
+    setRaw(L"No data", REG_SZ, {});
+    EXPECT_EQ(readBack(L"Empty"), L"");
+    EXPECT_EQ(readBack(L"No data"), L"");
+}
+
+TEST_F(RegistryConfigStoreTest, ExpandableTextsAreNotExpanded) {
+    setRaw(L"Path", REG_EXPAND_SZ, encodeRegistryText(L"%HOME%\\x"));
+    EXPECT_EQ(readBack(L"Path"), L"%HOME%\\x");
+}
+
+TEST_F(RegistryConfigStoreTest, OfAListTheFirstTextCounts) {
+    setRaw(L"List", REG_MULTI_SZ, {'o', 0, 'n', 0, 'e', 0, 0, 0, 't', 0, 'w', 0, 'o', 0, 0, 0, 0, 0});
+    EXPECT_EQ(readBack(L"List"), L"one");
+}
+
+TEST_F(RegistryConfigStoreTest, NumbersAreUnsignedDecimalText) {
+    registry->setNumber(HKEY_CURRENT_USER, root, L"Zero", 0);
+    registry->setNumber(HKEY_CURRENT_USER, root, L"Many", 0xFFFFFFFF);
+    setRaw(L"Short", REG_DWORD, {1, 1});
+    EXPECT_EQ(readBack(L"Zero"), L"0");
+    EXPECT_EQ(readBack(L"Many"), L"4294967295");
+    EXPECT_EQ(readBack(L"Short"), L"257");
+}
+
+TEST_F(RegistryConfigStoreTest, OtherKindsGiveNoKeyAndDontEndTheReading) {
+    setRaw(L"Binary", REG_BINARY, {1, 2, 3});
+    setRaw(L"Big number", REG_QWORD, {1, 0, 0, 0, 0, 0, 0, 0});
+    setRaw(L"None", REG_NONE, {});
+    setRaw(L"Unknown", 99, {1});
+    setText(L"", L"Last", L"value");
+    EXPECT_THAT(makeStore().getKeys(), ElementsAre(L"Last"));
+}
+
+TEST_F(RegistryConfigStoreTest, TheDefaultValueOfAKeyGivesTheEmptyKey) {
+    setText(L"", L"", L"default");
+    EXPECT_EQ(readBack(L""), L"default");
+    EXPECT_THAT(makeStore().getKeys(), ElementsAre(L""));
+}
+
+TEST_F(RegistryConfigStoreTest, AValueOfMoreThan4096BytesHidesThoseBehindIt) {
+    setText(L"", L"Before", L"1");
+    setRaw(L"Fits", REG_SZ, std::vector<std::uint8_t>(4096, 'x'));
+    setRaw(L"Too long", REG_SZ, std::vector<std::uint8_t>(4097, 'x'));
+    setText(L"", L"Behind", L"2");
+    setText(L"\\Sub", L"In a subkey", L"3");
+    EXPECT_THAT(makeStore().getKeys(), ElementsAre(L"Before", L"Fits", L"In a subkey"));
+    EXPECT_EQ(readBack(L"Fits")->size(), 2048U);
+}
+
+TEST_F(RegistryConfigStoreTest, AValueNameOf260CharactersHidesThoseBehindIt) {
+    const std::wstring longest(259, L'n');
+    setText(L"", longest, L"1");
+    setText(L"", longest + L'n', L"2");
+    setText(L"", L"Behind", L"3");
+    EXPECT_THAT(makeStore().getKeys(), ElementsAre(longest));
+}
+
+TEST_F(RegistryConfigStoreTest, AParentWinsOverItsChildrenAndALowerIndexOverAHigherOne) {
+    setText(L"", L"InAll", L"root");
+    setText(L"\\Alpha", L"InAll", L"alpha");
+    setText(L"\\Alpha", L"InSubkeys", L"alpha");
+    setText(L"\\Alpha\\Deep", L"InDeep", L"alpha deep");
+    setText(L"\\Beta", L"InSubkeys", L"beta");
+    setText(L"\\Beta", L"InDeep", L"beta");
+    EXPECT_EQ(readBack(L"InAll"), L"root");
+    EXPECT_EQ(readBack(L"InSubkeys"), L"alpha");
+    EXPECT_EQ(readBack(L"InDeep"), L"alpha deep");
+}
+
+TEST_F(RegistryConfigStoreTest, AllChildrenOfTheRootAreRead) {
+    for (const auto* name : {L"a", L"b", L"c", L"d"}) {
+        setText(std::wstring(L"\\") + name, name, L"1");
+    }
+    EXPECT_THAT(makeStore().getKeys(), ElementsAre(L"a", L"b", L"c", L"d"));
+}
+
+TEST_F(RegistryConfigStoreTest, ASubkeyIsReadOnlyAsFarAsItsParentHasSubkeys) {
+    // The root has two subkeys: of the three below "A" two are read, and of those below "A\1" as many as "A" has.
+    for (const auto* name : {L"\\A\\1\\w", L"\\A\\1\\x", L"\\A\\1\\y", L"\\A\\1\\z", L"\\A\\2", L"\\A\\3", L"\\B"}) {
+        setText(name, std::wstring(name).substr(1), L"1");
+    }
+    EXPECT_THAT(makeStore().getKeys(), ElementsAre(L"A\\1\\w", L"A\\1\\x", L"A\\1\\y", L"A\\2", L"B"));
+}
+
+TEST_F(RegistryConfigStoreTest, AnIndexThatFailsIsSkipped) {
+    setText(L"\\A", L"a", L"1");
+    setText(L"\\B", L"b", L"1");
+    setText(L"\\C", L"c", L"1");
+    registry->failEnumerating(1);
+    EXPECT_THAT(makeStore().getKeys(), ElementsAre(L"a", L"c"));
+}
+
+TEST_F(RegistryConfigStoreTest, ASubkeyNameOf255CharactersIsSkipped) {
+    setText(L"\\" + std::wstring(255, L'k'), L"too long", L"1");
+    setText(L"\\" + std::wstring(254, L'k'), L"fits", L"1");
+    EXPECT_THAT(makeStore().getKeys(), ElementsAre(L"fits"));
+}
+
+TEST_F(RegistryConfigStoreTest, ASubkeyThatCantBeOpenedIsSkipped) {
+    setText(L"\\A", L"a", L"1");
+    setText(L"\\B", L"b", L"1");
+    registry->failOpening(root + L"\\A", RegistryResult::AccessDenied);
+    EXPECT_THAT(makeStore().getKeys(), ElementsAre(L"b"));
+}
+
+TEST_F(RegistryConfigStoreTest, PathsThatDontFitTheBufferAreNotOpenedUnderAnotherName) {
+    std::wstring deep;
+    while (root.size() + deep.size() + 201 < 1023) {
+        deep += L"\\" + std::wstring(200, L'd');
+    }
+    const auto room = 1023 - root.size() - deep.size() - 1;
+    const std::wstring fits(room, L'f');
+    setText(deep + L"\\" + fits, L"fits", L"1");
+    setText(deep + L"\\" + fits + L"f", L"does not fit", L"1");
+    // Keys enough above it that the second of the two is reached.
+    setText(L"\\z", L"other", L"1");
+    for (std::size_t end = 201; end < deep.size(); end += 201) {
+        setText(deep.substr(0, end) + L"\\z", L"other", L"1");
+    }
+    EXPECT_THAT(makeStore().getKeys(), ElementsAre(L"fits", L"other"));
+    for (const auto& opened : registry->getOpened()) {
+        EXPECT_LE(opened.path.size(), 1023U);
+    }
+}
+
+TEST_F(RegistryConfigStoreTest, EveryKeyThatWasOpenedIsClosed) {
+    setText(L"\\A\\B", L"a", L"1");
+    setText(L"\\C", L"b", L"1");
+    makeStore();
+    EXPECT_EQ(registry->getOpenKeyCount(), 0U);
+    EXPECT_EQ(registry->getClosed().size(), registry->getOpened().size());
+}
+
+TEST_F(RegistryConfigStoreTest, AMissingKeyGivesAnEmptyStoreInSilence) {
+    LogRecorder log;
+    EXPECT_THAT(makeStore().getKeys(), IsEmpty());
+    EXPECT_THAT(log.getRecords(), IsEmpty());
+}
+
+TEST_F(RegistryConfigStoreTest, AnOpeningWithoutAHandleGivesAnEmptyStoreInSilence) {
+    setText(L"", L"Key", L"value");
+    registry->failOpening(root, RegistryResult::Success);
+    LogRecorder log;
+    EXPECT_THAT(makeStore().getKeys(), IsEmpty());
+    EXPECT_THAT(log.getRecords(), IsEmpty());
+    EXPECT_THAT(registry->getClosed(), IsEmpty());
+}
+
+TEST_F(RegistryConfigStoreTest, TheCertificateSwitchIsListedAndNeverAnswered) {
+    setText(L"", L"CERTIFICATEValidationEnabled", L"true");
+    EXPECT_EQ(readBack(L"CertificateValidationEnabled"), std::nullopt);
+    EXPECT_THAT(makeStore().getKeys(), ElementsAre(L"CERTIFICATEValidationEnabled"));
+}
+
+TEST_F(RegistryConfigStoreTest, TheFipsOverrideAppliesToAHitOnly) {
+    zel::common::FipsUtils::overrideFipsMode(true);
+    EXPECT_EQ(readBack(L"telephony_p2p_enabled"), std::nullopt);
+    setText(L"", L"Telephony_P2P_Enabled", L"true");
+    EXPECT_EQ(readBack(L"telephony_p2p_enabled"), L"false");
+    zel::common::FipsUtils::overrideFipsMode(false);
+    EXPECT_EQ(readBack(L"telephony_p2p_enabled"), L"true");
+    zel::common::FipsUtils::overrideFipsMode(std::nullopt);
+}
+
+TEST_F(RegistryConfigStoreTest, TheTableIsLoggedInOneLineWithPasswordsHidden) {
+    setText(L"", L"ServicesDomain", L"example.com");
+    setText(L"", L"BDIConnectionPassword", L"swordfish");
+    setText(L"", L"MyconnectionPASSWORDOld", L"swordfish");
+    setText(L"", L"ConnectionUsername", L"anna@example.com");
+    LogRecorder log;
+    makeStore();
+    const auto records = log.getRecords();
+    ASSERT_EQ(records.size(), 1U);
+    EXPECT_EQ(records[0].logger, loggerName);
+    EXPECT_EQ(records[0].level, ZelLogLevel::Info);
+    EXPECT_EQ(records[0].function, "ZelUnified::RegistryConfigStore::logConfigMap");
+    EXPECT_EQ(records[0].text, "\nBDIConnectionPassword: VALUE_HIDDEN"
+                               "\nConnectionUsername: anna@example.com"
+                               "\nMyconnectionPASSWORDOld: VALUE_HIDDEN"
+                               "\nServicesDomain: example.com");
+}
+
+TEST_F(RegistryConfigStoreTest, TheTextCopyHidesPasswordsThatTheStoreStillAnswers) {
+    setText(L"", L"BDIConnectionPassword", L"swordfish");
+    setText(L"", L"Gr\u00fc\u00dfe", L"\u4e2d");
+    EXPECT_EQ(readBack(L"bdiconnectionpassword"), L"swordfish");
+    EXPECT_EQ(readFile(textFile), "BDIConnectionPassword: VALUE_HIDDEN\nGr\xC3\xBC\xC3\x9F"
+                                  "e: \xE4\xB8\xAD\n");
+}
+
+TEST_F(RegistryConfigStoreTest, TheTextCopyIsTheOwnersAloneWhateverTheUmask) {
+    setText(L"", L"Key", L"value");
+    const auto before = ::umask(0);
+    makeStore();
+    ::umask(before);
+    using std::filesystem::perms;
+    EXPECT_EQ(std::filesystem::status(textFile).permissions(), perms::owner_read | perms::owner_write);
+}
+
+TEST_F(RegistryConfigStoreTest, TheTextCopyOfTheLastStoreBuiltReplacesThatOfAnyOther) {
+    setText(L"", L"Key", L"a longer value than the next one");
+    RegistryConfigStore first(nullptr, "First", 1, "Policies\\Client");
+    registry->setText(HKEY_CURRENT_USER, L"Software\\Other", L"k", L"v");
+    RegistryConfigStore second(nullptr, "Second", 2, "Other");
+    EXPECT_EQ(readFile(textFile), "k: v\n");
+}
+
+TEST_F(RegistryConfigStoreTest, WithAnEmptyTableAnEarlierTextCopyGoesAndNoneIsMade) {
+    writeFile(textFile, "from an earlier run");
+    makeStore();
+    EXPECT_FALSE(std::filesystem::exists(textFile));
+}
+
+TEST_F(RegistryConfigStoreTest, ALinkInTheTextCopysPlaceIsNotFollowed) {
+    writeFile(profile.root() / "elsewhere", "precious");
+    std::filesystem::create_symlink(profile.root() / "elsewhere", textFile);
+    setText(L"", L"Key", L"value");
+    makeStore();
+    EXPECT_EQ(readFile(profile.root() / "elsewhere"), "precious");
+    EXPECT_EQ(readFile(textFile), "Key: value\n");
+}
+
+TEST_F(RegistryConfigStoreTest, WithoutAConfigurationDirectoryNoTextCopyIsMadeAndNoneIsMissed) {
+    std::filesystem::remove(profile.config());
+    setText(L"", L"Key", L"value");
+    LogRecorder log;
+    EXPECT_EQ(readBack(L"Key"), L"value");
+    EXPECT_FALSE(std::filesystem::exists(profile.config()));
+    EXPECT_EQ(log.getRecords().size(), 1U);
+}
+
+TEST_F(RegistryConfigStoreTest, AFolderInTheTextCopysPlaceIsLeftAlone) {
+    std::filesystem::create_directory(textFile);
+    setText(L"", L"Key", L"value");
+    EXPECT_EQ(readBack(L"Key"), L"value");
+    EXPECT_TRUE(std::filesystem::is_directory(textFile));
+}
+
+TEST_F(RegistryConfigStoreTest, PasswordsAreMarkedSensitiveBeforeTheTableIsLogged) {
+    setText(L"", L"BDIConnectionPassword", L"swordfish");
+    setText(L"", L"connectionusername", L"anna");
+    const auto factory = std::make_shared<testing_host::RecordingFactory>();
+    const auto featureSet = std::make_shared<StrictMock<FeatureSetMock>>();
+    factory->getFeatureSets().registerItem<ConfigFeatureSet>(1300, featureSet);
+    writeFile(textFile, "old");
+    LogRecorder log;
+    EXPECT_CALL(*featureSet, setKeySensitive(std::wstring(L"BDIConnectionPassword"))).WillOnce([&] {
+        EXPECT_THAT(log.getRecords(), IsEmpty());
+        EXPECT_EQ(readFile(textFile), "old");
+    });
+    RegistryConfigStore store(factory, "RegistryConfigStore", 30, "Policies\\Client");
+    EXPECT_EQ(log.getRecords().size(), 1U);
+    factory->Destroy();
+}
+
+TEST_F(RegistryConfigStoreTest, WithoutAFeatureSetNothingIsMarked) {
+    setText(L"", L"BDIConnectionPassword", L"swordfish");
+    const auto factory = std::make_shared<testing_host::RecordingFactory>();
+    RegistryConfigStore store(factory, "RegistryConfigStore", 30, "Policies\\Client");
+    EXPECT_THAT(store.getKeys(), ElementsAre(L"BDIConnectionPassword"));
+    factory->Destroy();
+}
+
+TEST_F(RegistryConfigStoreTest, ALaterChangeOfTheRegistryIsSeenByANewStoreOnly) {
+    setText(L"", L"Key", L"old");
+    auto store = makeStore();
+    setText(L"", L"Key", L"new");
+    std::wstring value;
+    EXPECT_TRUE(store.getValue(L"Key", value));
+    EXPECT_EQ(value, L"old");
+    EXPECT_EQ(readBack(L"Key"), L"new");
+}
+
+TEST_F(RegistryConfigStoreTest, ReadsPolicyFilesAsAdministratorsExportThem) {
+    const auto text = encodeRegistryText(L"Windows Registry Editor Version 5.00\r\n"
+                                         L"\r\n"
+                                         L"; for all branches\r\n"
+                                         L"[HKEY_CURRENT_USER\\Software\\Policies\\Client]\r\n"
+                                         L"\"ServicesDomain\"=\"example.com\"\r\n"
+                                         L"\"Ports\"=dword:00001f90\r\n"
+                                         L"\"Hosts\"=hex(7):6f,00,6e,00,65,00,00,00,74,\\\r\n"
+                                         L"  00,77,00,6f,00,00,00,00,00\r\n"
+                                         L"\"Gone\"=\"1\"\r\n"
+                                         L"\"Gone\"=-\r\n"
+                                         L"\"Blob\"=hex:de,ad\r\n"
+                                         L"\r\n"
+                                         L"[HKEY_CURRENT_USER\\Software\\Policies\\Client\\Sub]\r\n"
+                                         L"\"InSub\"=\"2\"\r\n"
+                                         L"[HKEY_CURRENT_USER\\Software\\Policies\\Client\\Old]\r\n"
+                                         L"\"InOld\"=\"3\"\r\n"
+                                         L"[-HKEY_CURRENT_USER\\Software\\Policies\\Client\\Old]\r\n");
+    writeFile(profile.root() / "etc/HKEY_CURRENT_USER/policy.reg",
+              "\xFF\xFE" + std::string(text.begin(), text.end() - 2));
+    overrideRegistry(makeFileRegistry({(profile.root() / "etc").string(), {}}));
+    EXPECT_THAT(makeStore().getKeys(), ElementsAre(L"Hosts", L"InSub", L"Ports", L"ServicesDomain"));
+    EXPECT_EQ(readBack(L"Hosts"), L"one");
+    EXPECT_EQ(readBack(L"Ports"), L"8080");
+}
+
+TEST_F(RegistryConfigStoreTest, AHundredThousandValuesAreHeld) {
+    std::string lines = "REGEDIT4\n[HKEY_CURRENT_USER\\Software\\Policies\\Client]\n";
+    for (int i = 0; i < 100000; ++i) {
+        lines += "\"Key" + std::to_string(i) + "\"=\"" + std::to_string(i) + "\"\n";
+    }
+    writeFile(profile.data() / "registry/big.reg", lines);
+    overrideRegistry(makeFileRegistry({(profile.root() / "none").string(), {}}));
+    auto store = makeStore();
+    EXPECT_EQ(store.getKeys().size(), 100000U);
+    std::wstring value;
+    EXPECT_TRUE(store.getValue(L"key99999", value));
+    EXPECT_EQ(value, L"99999");
+}
+
+} // namespace

@@ -1,0 +1,119 @@
+#include "XmlTestSupport.h"
+
+#include <TemporaryProfile.h>
+#include <featuresets/adapters/config/XmlReader.h>
+#include <gtest/gtest.h>
+#include <libxml/parser.h>
+
+using ZelUnified::XmlReader;
+
+namespace {
+
+const xmlAttr& firstAttribute(const ZelUnified::XmlDocument& document) {
+    return *xmlDocGetRootElement(document.get())->properties;
+}
+
+} // namespace
+
+TEST(XmlReader, GivesNoDocumentForTextThatIsNotWellFormed) {
+    EXPECT_EQ(XmlReader::parseDoc(""), nullptr);
+    EXPECT_EQ(XmlReader::parseDoc("<a>"), nullptr);
+    EXPECT_EQ(XmlReader::readMemory("", "test"), nullptr);
+    EXPECT_EQ(XmlReader::readMemory(" <?xml version='1.0'?><a/>", "test"), nullptr);
+    EXPECT_EQ(XmlReader::readFile("/no/such/file.xml"), nullptr);
+}
+
+TEST(XmlReader, AcceptsAByteOrderMark) {
+    EXPECT_NE(XmlReader::readMemory("\xEF\xBB\xBF<a/>", "test"), nullptr);
+}
+
+TEST(XmlReader, RefusesAnEncodingThatTheBytesAreNotIn) {
+    EXPECT_EQ(XmlReader::readMemory("<?xml version='1.0' encoding='utf-16'?><a/>", "test"), nullptr);
+    EXPECT_EQ(XmlReader::readMemory("<?xml version='1.0' encoding='no-such'?><a/>", "test"), nullptr);
+    EXPECT_EQ(XmlReader::readMemory("<a>\xFF\xFE\x80</a>", "test"), nullptr);
+}
+
+TEST(XmlReader, ReadsUtf16FilesByTheirMark) {
+    const testing_host::TemporaryProfile profile;
+    const auto path = profile.root() / "utf16.xml";
+    testing_host::writeFile(path, std::string("\xFF\xFE<\0a\0/\0>\0", 10));
+    const auto document = XmlReader::readFile(path.string());
+    ASSERT_NE(document, nullptr);
+    EXPECT_EQ(XmlReader::getName(*xmlDocGetRootElement(document.get())), "a");
+}
+
+TEST(XmlReader, RefusesNulBytesDepthAndHugeTexts) {
+    EXPECT_EQ(XmlReader::readMemory(std::string("<a>x\0y</a>", 10), "test"), nullptr);
+    std::string deep;
+    for (int level = 0; level < 10'000; ++level) {
+        deep += "<a>";
+    }
+    for (int level = 0; level < 10'000; ++level) {
+        deep += "</a>";
+    }
+    EXPECT_EQ(XmlReader::parseDoc(deep), nullptr);
+    const std::string huge = "<a>" + std::string(100'000'000, 'x') + "</a>";
+    EXPECT_EQ(XmlReader::readMemory(huge, "test"), nullptr);
+    EXPECT_EQ(XmlReader::parseDoc(huge), nullptr);
+    const testing_host::TemporaryProfile profile;
+    testing_host::writeFile(profile.root() / "huge.xml", huge);
+    EXPECT_EQ(XmlReader::readFile((profile.root() / "huge.xml").string()), nullptr);
+}
+
+TEST(XmlReader, LoadsNothingThatADocumentNames) {
+    const testing_host::TemporaryProfile profile;
+    const std::string secret = (profile.root() / "secret").string();
+    testing_host::writeFile(secret, "content");
+    const std::string text = "<!DOCTYPE r SYSTEM \"http://127.0.0.1:9/x.dtd\" [<!ENTITY e SYSTEM \"" + secret +
+                             "\"><!ENTITY % p SYSTEM \"http://127.0.0.1:9/p.ent\"> %p;]><r><g><k>&e;</k></g></r>";
+    const std::string file = (profile.root() / "attack.xml").string();
+    testing_host::writeFile(file, text);
+    // What another user of the library in this process may have set.
+    xmlSubstituteEntitiesDefaultValue = 1;
+    xmlLoadExtDtdDefaultValue = 1;
+    const xml_test::LoadCounter loads(file);
+    XmlReader::parseDoc(text);
+    XmlReader::readMemory(text, "test");
+    XmlReader::readFile(file);
+    EXPECT_EQ(loads.count(), 0);
+    xmlSubstituteEntitiesDefaultValue = 0;
+    xmlLoadExtDtdDefaultValue = 0;
+}
+
+TEST(XmlReader, ResolvesTheEntitiesOfAnAttribute) {
+    const auto document =
+        XmlReader::parseDoc("<!DOCTYPE r [<!ENTITY inner 'b'><!ENTITY e 'a&inner;'>]><r v='x&e;&amp;&#x79;'/>");
+    ASSERT_NE(document, nullptr);
+    std::size_t budget = XmlReader::expansionLimit;
+    EXPECT_EQ(XmlReader::getText(firstAttribute(document), budget), "xab&y");
+    EXPECT_LT(budget, XmlReader::expansionLimit);
+}
+
+TEST(XmlReader, TakesNoBudgetForPlainAttributesHoweverLong) {
+    const auto document = XmlReader::parseDoc("<r v='" + std::string(1000, 'x') + "'/>");
+    std::size_t budget = 0;
+    EXPECT_EQ(XmlReader::getText(firstAttribute(document), budget), std::string(1000, 'x'));
+    const auto empty = XmlReader::parseDoc("<r v=''/>");
+    EXPECT_EQ(XmlReader::getText(firstAttribute(empty), budget), "");
+}
+
+TEST(XmlReader, StopsExpandingWhenTheBudgetIsSpent) {
+    const auto document =
+        XmlReader::parseDoc("<!DOCTYPE r [<!ENTITY a 'xxxxxxxxxx'><!ENTITY b '&a;&a;&a;&a;&a;'>]><r v='&b;&b;'/>");
+    ASSERT_NE(document, nullptr);
+    std::size_t enough = 1000;
+    EXPECT_EQ(XmlReader::getText(firstAttribute(document), enough), std::string(100, 'x'));
+    std::size_t tooLittle = 50;
+    EXPECT_EQ(XmlReader::getText(firstAttribute(document), tooLittle), std::nullopt);
+}
+
+TEST(XmlReader, SurvivesABillionLaughs) {
+    for (const std::string body : {"<r><g><k>&a9;</k></g></r>", "<r v='&a9;'/>"}) {
+        const auto document = XmlReader::parseDoc(xml_test::billionLaughs(body));
+        if (!document || xmlDocGetRootElement(document.get())->properties == nullptr) {
+            continue; // refused as a whole, or kept as a reference
+        }
+        std::size_t budget = XmlReader::expansionLimit;
+        EXPECT_EQ(XmlReader::getText(firstAttribute(document), budget), std::nullopt);
+    }
+}

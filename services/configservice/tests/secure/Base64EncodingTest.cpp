@@ -1,0 +1,78 @@
+#include "secure/Base64Encoding.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <string_view>
+
+namespace {
+
+using zel::Base64Encoding;
+using zel::Encoding;
+
+std::string encode(const std::string& bytes, Encoding::LineBreaks lineBreaks = Encoding::LineBreaks::None) {
+    return Base64Encoding::instance().encode(reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size(),
+                                             lineBreaks);
+}
+
+/// A line of 72 characters, and what follows it.
+std::string lineAnd(std::string_view rest) {
+    return std::string(72, 'A').append(rest);
+}
+
+TEST(Base64Encoding, EncodesTheKnownExamples) {
+    EXPECT_EQ(encode("f"), "Zg==");
+    EXPECT_EQ(encode("fo"), "Zm8=");
+    EXPECT_EQ(encode("foo"), "Zm9v");
+    EXPECT_EQ(encode("foob"), "Zm9vYg==");
+    EXPECT_EQ(encode("fooba"), "Zm9vYmE=");
+    EXPECT_EQ(encode("foobar"), "Zm9vYmFy");
+    EXPECT_EQ(encode(std::string("\0\0\0", 3)), "AAAA");
+    EXPECT_EQ(encode("\xfb\xff\xbf"), "+/+/");
+}
+
+TEST(Base64Encoding, NothingGivesTheEmptyText) {
+    EXPECT_EQ(encode(""), "");
+    EXPECT_EQ(Base64Encoding::instance().encode(nullptr, 5, Encoding::LineBreaks::None), "");
+}
+
+TEST(Base64Encoding, EachFullLineOf72CharactersEndsWithABreakTheLastOneToo) {
+    const auto broken = [](std::size_t bytes) {
+        return encode(std::string(bytes, '\0'), Encoding::LineBreaks::After72);
+    };
+    EXPECT_EQ(broken(51), std::string(68, 'A'));
+    EXPECT_EQ(broken(54), lineAnd("\r\n"));
+    EXPECT_EQ(broken(57), lineAnd("\r\nAAAA"));
+    EXPECT_EQ(broken(108), lineAnd("\r\n").append(lineAnd("\r\n")));
+    EXPECT_EQ(encode(std::string(54, '\0')), lineAnd(""));
+}
+
+TEST(Base64Encoding, PaddingIsCountedWithoutTheLineBreaks) {
+    const auto broken = [](std::size_t bytes) {
+        return encode(std::string(bytes, '\0'), Encoding::LineBreaks::After72);
+    };
+    EXPECT_EQ(broken(55), lineAnd("\r\nAA=="));
+    EXPECT_EQ(broken(56), lineAnd("\r\nAAA="));
+    EXPECT_EQ(broken(53), std::string(71, 'A').append("=")) << "a line that only the padding fills has no break";
+}
+
+TEST(Base64Encoding, TheDecodingTableIsTheAlphabetsInverse) {
+    const Base64Encoding& encoding = Base64Encoding::instance();
+    EXPECT_EQ(encoding.getAlphabet(), "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/");
+    const auto& table = encoding.getDecodingTable();
+    for (std::size_t byte = 0; byte < table.size(); ++byte) {
+        const auto at = encoding.getAlphabet().find(static_cast<char>(byte));
+        const std::size_t expected = byte == '=' ? 0 : at == std::string_view::npos ? 0xFF : at;
+        EXPECT_EQ(table[byte], expected) << byte;
+    }
+}
+
+TEST(Base64Encoding, TellsItsPaddingAndThatItIsNotForUrls) {
+    const Encoding& encoding = Base64Encoding::instance();
+    EXPECT_EQ(encoding.getEncodingPadding(), "=");
+    EXPECT_EQ(encoding.getDecodingPadding(), "=");
+    EXPECT_FALSE(encoding.isForUrls());
+    EXPECT_EQ(zel::encodingLineBreak, "\r\n");
+}
+
+} // namespace

@@ -1,0 +1,33 @@
+#include "secure/CipherKey.h"
+
+#include "TemporaryProfile.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <set>
+#include <string>
+
+namespace {
+
+using zel::CipherKey;
+
+TEST(CipherKey, IsTheSameEachTimeAndNotTrivial) {
+    const CipherKey a;
+    const CipherKey b;
+    EXPECT_TRUE(std::equal(a.data(), a.data() + CipherKey::length, b.data()));
+    EXPECT_GT(std::set<unsigned char>(a.data(), a.data() + CipherKey::length).size(), 16U);
+}
+
+TEST(CipherKey, StandsNowhereAsAWholeInTheProgram) {
+    const CipherKey key;
+    const std::string program = testing_host::readFile(std::filesystem::read_symlink("/proc/self/exe"));
+    ASSERT_FALSE(program.empty());
+    // Half of it would be a find too: an optimiser that precomputes works on chunks.
+    for (const std::size_t at : {0U, 8U, 16U, 24U}) {
+        EXPECT_EQ(program.find(std::string(reinterpret_cast<const char*>(key.data() + at), 8)), std::string::npos);
+    }
+}
+
+} // namespace

@@ -1,0 +1,44 @@
+#include "secure/SecureBuffer.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <memory>
+#include <string>
+
+namespace {
+
+using zel::SecureBuffer;
+
+std::unique_ptr<char[]> bytesOf(const std::string& text) {
+    auto bytes = std::make_unique<char[]>(text.size() + 1);
+    std::memcpy(bytes.get(), text.data(), text.size());
+    return bytes;
+}
+
+TEST(SecureBuffer, IsAnEmptyTextAtFirst) {
+    const SecureBuffer buffer;
+    EXPECT_STREQ(buffer.getData(), "");
+    EXPECT_EQ(buffer.getLength(), 0U);
+}
+
+TEST(SecureBuffer, TakesWhatItIsGivenAndReplacesWhatItHeld) {
+    SecureBuffer buffer;
+    buffer.set(bytesOf("first"), 5);
+    EXPECT_STREQ(buffer.getData(), "first");
+    buffer.set(bytesOf(std::string("a\0b", 3)), 3);
+    EXPECT_EQ(std::string(buffer.getData(), buffer.getLength()), std::string("a\0b", 3));
+}
+
+TEST(SecureBuffer, AnEmptyOrMissingTextReadsAsTheEmptyOne) {
+    SecureBuffer buffer;
+    buffer.set(bytesOf("hidden"), 0);
+    EXPECT_STREQ(buffer.getData(), "");
+    EXPECT_EQ(buffer.getLength(), 0U);
+    buffer.set(bytesOf("first"), 5);
+    buffer.set(nullptr, 7);
+    EXPECT_STREQ(buffer.getData(), "");
+    EXPECT_EQ(buffer.getLength(), 0U);
+}
+
+} // namespace

@@ -1,0 +1,199 @@
+#include "ServiceFixture.h"
+
+#include <LogRecorder.h>
+
+#include <vector>
+
+namespace ZelUnified {
+namespace {
+
+using configservice_test::serviceLogger;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+/// How the service finds, makes and lists its records.
+struct ConfigServiceLookup : configservice_test::ServiceFixture {
+    std::vector<std::wstring> listKeys() {
+        std::vector<std::wstring> keys;
+        const auto all = service->getAllConfig();
+        for (const auto& record : *all) {
+            keys.push_back(record->getKey());
+        }
+        return keys;
+    }
+    std::vector<std::string> takeLines() {
+        auto lines = log.getTexts(serviceLogger);
+        log.clear();
+        return lines;
+    }
+
+    testing_host::LogRecorder log;
+};
+
+TEST_F(ConfigServiceLookup, AnUnknownKeyGetsAnUndefinedRecordThatIsListedFromThenOn) {
+    const auto record = service->getConfig(L"Unknown");
+    ASSERT_TRUE(record);
+    EXPECT_EQ(record->getKey(), L"Unknown");
+    EXPECT_FALSE(record->getisDefined());
+    EXPECT_THAT(listKeys(), ElementsAre(L"Unknown"));
+    EXPECT_THAT(takeLines(), IsEmpty());
+}
+
+TEST_F(ConfigServiceLookup, TheEmptyKeyHasARecordToo) {
+    const auto record = service->getConfig(L"");
+    EXPECT_EQ(service->getConfig(L""), record);
+    EXPECT_THAT(listKeys(), ElementsAre(L""));
+}
+
+TEST_F(ConfigServiceLookup, SpellingsOfOneKeyShareTheRecordOfTheFirst) {
+    const auto record = service->getConfig(L"Phone_Mode");
+    EXPECT_EQ(service->getConfig(L"PHONE_MODE"), record);
+    announce(L"phone_mode", L"v");
+    EXPECT_EQ(record->getValue(), L"v");
+    EXPECT_THAT(listKeys(), ElementsAre(L"Phone_Mode"));
+}
+
+TEST_F(ConfigServiceLookup, AReadTouchesNoStore) {
+    const auto featureSet = fileFeatureSet(); // strict
+    service->getConfig(L"k");
+    service->getAllConfig();
+    service->FireIfRequired(L"other");
+}
+
+TEST_F(ConfigServiceLookup, ListsAllRecordsInKeyOrderIgnoringCaseAsASnapshotOfLiveOnes) {
+    announce(L"beta", L"1");
+    service->getConfig(L"_x");
+    service->getConfig(L"ALPHA");
+    announce(L"Gamma", L"2");
+    EXPECT_THAT(listKeys(), ElementsAre(L"_x", L"ALPHA", L"beta", L"Gamma"));
+    const auto before = service->getAllConfig();
+    service->getConfig(L"new");
+    announce(L"beta", L"changed");
+    EXPECT_EQ(before->size(), 4U);
+    EXPECT_EQ((*std::next(before->begin(), 2))->getValue(), L"changed");
+}
+
+TEST_F(ConfigServiceLookup, AnAliasGivesTheTargetsRecordAndSaysSoInOneLine) {
+    announce(L"TftpServer1", L"tftp.example.com");
+    service->setupConfigKeyAliases({{L"TFTPPrimaryServer", L"TftpServer1"}});
+    const auto record = service->getConfig(L"tftpprimaryserver");
+    EXPECT_EQ(record->getKey(), L"TftpServer1");
+    ASSERT_EQ(log.getRecords().size(), 1U);
+    const auto line = log.getRecords().front();
+    EXPECT_EQ(line.logger, serviceLogger);
+    EXPECT_EQ(line.level, ZelLogLevel::Info);
+    EXPECT_EQ(line.text,
+              "findConfig key : [tftpprimaryserver] is an alias for key : [TftpServer1] actual lookup done on "
+              "this key - value : [tftp.example.com]");
+}
+
+TEST_F(ConfigServiceLookup, TheTargetAskedByItsOwnNameSaysNothing) {
+    service->setupConfigKeyAliases({{L"Old", L"New"}});
+    announce(L"New", L"v");
+    service->getConfig(L"New");
+    EXPECT_THAT(takeLines(), IsEmpty());
+}
+
+TEST_F(ConfigServiceLookup, AnAliasWithoutAnyRecordMakesTheTargets) {
+    service->setupConfigKeyAliases({{L"Old", L"New"}});
+    const auto record = service->getConfig(L"Old");
+    EXPECT_EQ(record->getKey(), L"New");
+    EXPECT_FALSE(record->getisDefined());
+    EXPECT_THAT(listKeys(), ElementsAre(L"New"));
+    EXPECT_THAT(takeLines(), IsEmpty());
+    EXPECT_EQ(service->getConfig(L"New"), record);
+}
+
+TEST_F(ConfigServiceLookup, AnOlderRecordOfTheAliasStandsWhileTheTargetHasNone) {
+    const auto old = service->getConfig(L"Old");
+    service->setupConfigKeyAliases({{L"Old", L"New"}});
+    EXPECT_EQ(service->getConfig(L"Old"), old);
+    EXPECT_THAT(takeLines(), IsEmpty());
+    const auto target = service->getConfig(L"New");
+    EXPECT_EQ(service->getConfig(L"Old"), target);
+    EXPECT_EQ(takeLines().size(), 1U);
+    EXPECT_THAT(listKeys(), ElementsAre(L"New", L"Old"));
+}
+
+TEST_F(ConfigServiceLookup, ANewAliasTableReplacesTheOld) {
+    service->setupConfigKeyAliases({{L"Old", L"New"}});
+    service->setupConfigKeyAliases({{L"Older", L"New"}});
+    EXPECT_EQ(service->getConfig(L"Old")->getKey(), L"Old");
+    EXPECT_EQ(service->getConfig(L"Older")->getKey(), L"New");
+}
+
+TEST_F(ConfigServiceLookup, TheKeyAsAskedDecidesWhetherTheLineHidesTheValue) {
+    announce(L"New", L"secret-text");
+    service->setupConfigKeyAliases({{L"Old", L"New"}});
+    service->updateSensitiveKeyList(L"OLD");
+    EXPECT_EQ(service->getConfig(L"Old")->getValue(), L"secret-text");
+    EXPECT_FALSE(log.mentions("secret-text"));
+    EXPECT_THAT(takeLines(),
+                ElementsAre("findConfig key : [Old] is an alias for key : [New] actual lookup done on this "
+                            "key - value : [VALUE_HIDDEN]"));
+}
+
+TEST_F(ConfigServiceLookup, ASensitiveTargetAloneDoesNotHideTheValueInTheLine) {
+    announce(L"New", L"plain");
+    service->setupConfigKeyAliases({{L"Old", L"New"}});
+    service->updateSensitiveKeyList(L"New");
+    service->getConfig(L"Old");
+    EXPECT_THAT(takeLines(), ElementsAre(testing::EndsWith("- value : [plain]")));
+}
+
+TEST_F(ConfigServiceLookup, PersonalDataInTheLineIsMasked) {
+    announce(L"New", L"jane.doe@example.com");
+    service->setupConfigKeyAliases({{L"Old", L"New"}});
+    service->getConfig(L"Old");
+    EXPECT_FALSE(log.mentions("jane.doe"));
+    EXPECT_THAT(takeLines(), ElementsAre(testing::HasSubstr("@example.com]")));
+}
+
+TEST_F(ConfigServiceLookup, TheCalendarRecordIsMadeOnceInAnyCase) {
+    const auto record = service->getConfig(L"CalendarIntegrationType");
+    EXPECT_EQ(record->getKey(), L"CalendarIntegrationType");
+    EXPECT_FALSE(record->getisDefined());
+    EXPECT_EQ(service->getConfig(L"CALENDARINTEGRATIONTYPE"), record);
+    EXPECT_THAT(listKeys(), ElementsAre(L"CalendarIntegrationType"));
+}
+
+TEST_F(ConfigServiceLookup, AnAliasOfTheCalendarKeyAlwaysFindsItsRecord) {
+    service->setupConfigKeyAliases({{L"Old", L"calendarintegrationtype"}});
+    const auto own = service->getConfig(L"Other");
+    EXPECT_EQ(service->getConfig(L"Old")->getKey(), L"calendarintegrationtype");
+    EXPECT_THAT(takeLines(), testing::Contains(testing::HasSubstr("is an alias for key")));
+}
+
+TEST_F(ConfigServiceLookup, InFipsModeAnyLookupOverwritesTheTellingValueSilently) {
+    announce(L"Asked", L"TELEPHONY_p2p_enabled");
+    announce(L"Listed", L"Telephony_P2P_Enabled");
+    const auto observer = observe(L"Asked");
+    zel::common::FipsUtils::overrideFipsMode(true);
+    EXPECT_EQ(service->getConfig(L"Asked")->getValue(), L"false");
+    const auto all = service->getAllConfig();
+    EXPECT_EQ(all->back()->getValue(), L"false");
+    service->FireIfRequired(L"Asked");
+    EXPECT_THAT(observer->heard, IsEmpty());
+    zel::common::FipsUtils::overrideFipsMode(false);
+    EXPECT_EQ(service->getConfig(L"Asked")->getValue(), L"false") << "the stored value itself is gone";
+    EXPECT_EQ(service->getConfig(L"Listed")->getValue(), L"false");
+}
+
+TEST_F(ConfigServiceLookup, OutsideFipsModeTheTellingValueStays) {
+    announce(L"Asked", L"Telephony_P2P_Enabled");
+    service->getAllConfig();
+    EXPECT_EQ(service->getConfig(L"Asked")->getValue(), L"Telephony_P2P_Enabled");
+}
+
+TEST_F(ConfigServiceLookup, TheRecordOfTheFipsKeyKeepsItsStoredValue) {
+    announce(L"Telephony_P2P_Enabled", L"true");
+    const auto record = std::dynamic_pointer_cast<ConfigValueImpl>(service->getConfig(L"Telephony_P2P_Enabled"));
+    ASSERT_TRUE(record);
+    zel::common::FipsUtils::overrideFipsMode(true);
+    service->getAllConfig();
+    EXPECT_EQ(service->getConfig(L"telephony_p2p_enabled")->getValue(), L"false");
+    EXPECT_EQ(record->ConfigValueBaseImpl::getValue(), L"true");
+}
+
+} // namespace
+} // namespace ZelUnified

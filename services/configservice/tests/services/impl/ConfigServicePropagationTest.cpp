@@ -1,0 +1,177 @@
+#include "ServiceFixture.h"
+
+#include <stdexcept>
+#include <vector>
+
+namespace ZelUnified {
+namespace {
+
+using testing::ElementsAre;
+using testing::InvokeWithoutArgs;
+using testing::IsEmpty;
+
+/// How a change reaches a record and its observers.
+struct ConfigServicePropagation : configservice_test::ServiceFixture {};
+
+TEST_F(ConfigServicePropagation, AChangeUpdatesTheRecordAndFiresEachPropertyOnce) {
+    const auto observer = observe(L"k");
+    service->OnConfigChanged(L"K", L"v", L"ov", true, true, L"vs", L"ovs", false);
+    EXPECT_THAT(observer->heard, ElementsAre("Value", "OriginalValue", "isOverridden", "isDefined", "ValueStoreName",
+                                             "OriginalValueStoreName"));
+    const auto record = service->getConfig(L"k");
+    EXPECT_EQ(record->getKey(), L"k");
+    EXPECT_EQ(record->getValue(), L"v");
+    EXPECT_EQ(record->getOriginalValue(), L"ov");
+    EXPECT_TRUE(record->getisOverridden());
+    EXPECT_TRUE(record->getisDefined());
+    EXPECT_EQ(record->getValueStoreName(), L"vs");
+    EXPECT_EQ(record->getOriginalValueStoreName(), L"ovs");
+}
+
+TEST_F(ConfigServicePropagation, OverriddenComesBeforeDefined) {
+    service->OnConfigChanged(L"a", L"", L"", true, false, L"", L"", false);
+    EXPECT_TRUE(service->getConfig(L"a")->getisOverridden());
+    EXPECT_FALSE(service->getConfig(L"a")->getisDefined());
+}
+
+TEST_F(ConfigServicePropagation, AnEqualNotificationFiresNothing) {
+    const auto observer = observe(L"k");
+    announce(L"k", L"v");
+    observer->heard.clear();
+    announce(L"k", L"v");
+    announce(L"k", L"V");
+    EXPECT_THAT(observer->heard, IsEmpty());
+    EXPECT_EQ(service->getConfig(L"k")->getValue(), L"v");
+}
+
+TEST_F(ConfigServicePropagation, ADeferredChangeWaitsForItsFiringAndFiresOnce) {
+    const auto observer = observe(L"k");
+    announce(L"k", L"one", true);
+    announce(L"k", L"two", true);
+    EXPECT_THAT(observer->heard, IsEmpty());
+    EXPECT_EQ(service->getConfig(L"k")->getValue(), L"two");
+    service->FireIfRequired(L"K");
+    EXPECT_THAT(observer->heard, ElementsAre("Value", "isDefined", "ValueStoreName"));
+    service->FireIfRequired(L"k");
+    EXPECT_EQ(observer->heard.size(), 3U);
+}
+
+TEST_F(ConfigServicePropagation, ABatchIsUpToDateBeforeAnObserverHearsOfIt) {
+    std::vector<std::wstring> seen;
+    const auto observer = observe(L"a");
+    observer->reaction = [&](const std::string& property) {
+        if (property == "Value") {
+            seen = {service->getConfig(L"a")->getValue(), service->getConfig(L"b")->getValue()};
+        }
+    };
+    announce(L"a", L"1", true);
+    announce(L"b", L"2", true);
+    service->FireIfRequired(L"a");
+    service->FireIfRequired(L"b");
+    EXPECT_THAT(seen, ElementsAre(L"1", L"2"));
+}
+
+TEST_F(ConfigServicePropagation, FiringAnUnknownKeyMakesARecordAndFiresNothing) {
+    service->FireIfRequired(L"k");
+    ASSERT_EQ(service->getAllConfig()->size(), 1U);
+    EXPECT_FALSE(service->getAllConfig()->front()->getisDefined());
+}
+
+TEST_F(ConfigServicePropagation, AChangeOfAnAliasUpdatesTheTarget) {
+    service->setupConfigKeyAliases({{L"Old", L"New"}});
+    const auto observer = observe(L"New");
+    announce(L"Old", L"v");
+    EXPECT_THAT(observer->heard, ElementsAre("Value", "isDefined", "ValueStoreName"));
+    EXPECT_EQ(service->getAllConfig()->size(), 1U);
+}
+
+TEST_F(ConfigServicePropagation, TheValueOfASensitiveKeyIsNotMaskedInItsRecord) {
+    service->updateSensitiveKeyList(L"secret");
+    announce(L"secret", L"s3cr3t");
+    EXPECT_EQ(service->getConfig(L"secret")->getValue(), L"s3cr3t");
+}
+
+TEST_F(ConfigServicePropagation, ANotifierFollowsOneProperty) {
+    int values = 0;
+    service->getConfig(L"k")->getConfigValueNotifiers()->getValueNotifier()->connect([&] { ++values; });
+    announce(L"k", L"v");
+    service->OnConfigChanged(L"k", L"v", L"ov", true, true, L"s", L"os", false);
+    EXPECT_EQ(values, 1);
+}
+
+TEST_F(ConfigServicePropagation, AnObserverMayReadConnectAndRemoveItself) {
+    const auto observer = observe(L"k");
+    const auto added = std::make_shared<configservice_test::RecordingValueObserver>();
+    int connected = 0;
+    observer->reaction = [&](const std::string&) {
+        const auto record = service->getConfig(L"k");
+        EXPECT_EQ(record->getValue(), L"v");
+        record->removeObserver(observer);
+        record->addObserver(added);
+        record->getConfigValueNotifiers()->getValueNotifier()->connect([&] { ++connected; });
+        service->getConfig(L"made inside");
+    };
+    announce(L"k", L"v");
+    EXPECT_THAT(observer->heard, ElementsAre("Value"));
+    EXPECT_THAT(added->heard, ElementsAre("isDefined", "ValueStoreName"));
+    EXPECT_EQ(connected, 0);
+    announce(L"k", L"w");
+    EXPECT_EQ(connected, 1);
+}
+
+TEST_F(ConfigServicePropagation, AnObserverMayWriteTheSameKeyAgain) {
+    const auto featureSet = fileFeatureSet();
+    EXPECT_CALL(*featureSet, setConfig(std::wstring(L"k"), std::wstring(L"second"))).WillOnce(InvokeWithoutArgs([&] {
+        announce(L"k", L"second");
+        return true;
+    }));
+    const auto observer = observe(L"k");
+    observer->reaction = [&](const std::string&) {
+        if (observer->heard.size() == 1) {
+            service->setConfig(L"k", L"second");
+        }
+    };
+    announce(L"k", L"first");
+    EXPECT_THAT(observer->heard, ElementsAre("Value", "Value", "isDefined", "ValueStoreName"));
+    EXPECT_EQ(service->getConfig(L"k")->getValue(), L"second");
+}
+
+TEST_F(ConfigServicePropagation, AnObserverMayResetTheServiceInTheMiddleOfAPass) {
+    const auto observer = observe(L"k");
+    observer->reaction = [&](const std::string&) { service->reset(); };
+    announce(L"k", L"v");
+    EXPECT_THAT(observer->heard, ElementsAre("Value", "isDefined", "ValueStoreName"));
+    EXPECT_TRUE(service->getAllConfig()->empty());
+    announce(L"k", L"v", true);
+    observer->reaction = nullptr;
+    service->FireIfRequired(L"k");
+    EXPECT_EQ(observer->heard.size(), 3U);
+}
+
+TEST_F(ConfigServicePropagation, AnExceptionOfAnObserverPassesAndTheRestFiresLater) {
+    const auto observer = observe(L"k");
+    observer->reaction = [](const std::string& property) {
+        if (property == "isDefined") {
+            throw std::runtime_error("refused");
+        }
+    };
+    EXPECT_THROW(announce(L"k", L"v"), std::runtime_error);
+    EXPECT_EQ(service->getConfig(L"k")->getValueStoreName(), L"Store");
+    observer->reaction = nullptr;
+    service->FireIfRequired(L"k");
+    EXPECT_THAT(observer->heard, ElementsAre("Value", "isDefined", "isDefined", "ValueStoreName"));
+}
+
+TEST_F(ConfigServicePropagation, InFipsModeTheForcedKeyFiresForEveryOtherValue) {
+    const auto observer = observe(L"Telephony_P2P_Enabled");
+    announce(L"Telephony_P2P_Enabled", L"true");
+    observer->heard.clear();
+    zel::common::FipsUtils::overrideFipsMode(true);
+    announce(L"Telephony_P2P_Enabled", L"true");
+    EXPECT_THAT(observer->heard, ElementsAre("Value"));
+    announce(L"Telephony_P2P_Enabled", L"false");
+    EXPECT_THAT(observer->heard, ElementsAre("Value"));
+}
+
+} // namespace
+} // namespace ZelUnified

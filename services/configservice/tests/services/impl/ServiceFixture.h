@@ -1,0 +1,51 @@
+#pragma once
+
+#include "FakeConfigFeatureSet.h"
+#include "base/TestObjects.h"
+#include "services/impl/ConfigServiceImpl.h"
+
+#include <zel/FipsUtils.h>
+
+#include <ConfigServiceIds.h>
+#include <RecordingFactory.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+namespace configservice_test {
+
+inline constexpr auto serviceLogger = "ConfigService-ConfigServiceImpl";
+
+/// A service on a factory without threads, outside FIPS mode whatever the machine says.
+struct ServiceFixture : testing::Test {
+    ServiceFixture() { zel::common::FipsUtils::overrideFipsMode(false); }
+    ~ServiceFixture() override {
+        factory->Destroy();
+        zel::common::FipsUtils::overrideFipsMode(std::nullopt);
+    }
+
+    /// Files a feature set with the factory.
+    std::shared_ptr<testing::StrictMock<FakeConfigFeatureSet>> fileFeatureSet() {
+        auto featureSet = std::make_shared<testing::StrictMock<FakeConfigFeatureSet>>();
+        factory->getFeatureSets().registerItem<ZelUnified::ConfigFeatureSet>(ZelUnified::configServiceId, featureSet);
+        return featureSet;
+    }
+
+    /// A change of the value alone, from one store.
+    void announce(const std::wstring& key, const std::wstring& value, bool deferFire = false) {
+        service->OnConfigChanged(key, value, L"", false, true, L"Store", L"", deferFire);
+    }
+
+    std::shared_ptr<RecordingValueObserver> observe(const std::wstring& key) {
+        auto observer = std::make_shared<RecordingValueObserver>();
+        service->getConfig(key)->addObserver(observer);
+        return observer;
+    }
+
+    std::shared_ptr<testing_host::RecordingFactory> factory = std::make_shared<testing_host::RecordingFactory>();
+    std::shared_ptr<ZelUnified::ConfigServiceImpl> service = std::make_shared<ZelUnified::ConfigServiceImpl>(factory);
+};
+
+} // namespace configservice_test
