@@ -1,0 +1,74 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+/// What the commands found out, ready to be printed: secrets are hidden in these already.
+namespace lumora_config {
+
+struct StoreFacts {
+    std::string name;
+    int priority = 0;
+    bool readOnly = false;
+    bool local = false;
+    std::size_t keyCount = 0;
+};
+
+/// A value and where it came from.
+struct Reading {
+    std::wstring value;
+    std::wstring storeName;
+    bool underEarlierName = false;
+};
+
+/// One name of the key that a store holds.
+struct Holding {
+    std::wstring name;
+    std::wstring value;
+    bool wins = false;
+};
+
+struct Opinion {
+    StoreFacts store;
+    std::vector<Holding> holdings; ///< Empty: the store says nothing of the key.
+};
+
+/// What the service's record of the key says.
+struct RecordFacts {
+    bool defined = false;
+    bool overridden = false;
+    std::wstring originalValue;
+    std::wstring originalStoreName;
+};
+
+struct Explanation {
+    std::wstring key; ///< As asked.
+    std::wstring currentName;
+    std::optional<std::wstring> earlierName;
+    bool askedByEarlierName = false;
+    std::optional<Reading> inForce;
+    std::vector<Opinion> opinions; ///< In chain order.
+    std::optional<Reading> administrators;
+    RecordFacts record;
+};
+
+struct ListedValue {
+    std::wstring key;
+    std::wstring value;
+    std::wstring storeName;
+    bool overridden = false;
+};
+
+/// One property of an observed record has changed.
+struct Notification {
+    std::wstring key;
+    std::string property;
+    std::wstring oldValue;
+    std::wstring newValue;
+    std::string thread;
+    std::vector<std::pair<std::wstring, std::wstring>> companions; ///< Other records at that moment: key and value.
+};
+
+} // namespace lumora_config

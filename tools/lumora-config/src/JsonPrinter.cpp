@@ -1,0 +1,139 @@
+#include "JsonPrinter.h"
+
+#include <kyr/StringUtils.h>
+
+#include <nlohmann/json.hpp>
+
+namespace lumora_config {
+
+using Json = nlohmann::ordered_json;
+using KyrCoreUtils::toString;
+
+namespace {
+
+Json toJson(const std::optional<Reading>& reading) {
+    Json object;
+    object["found"] = reading.has_value();
+    if (reading) {
+        object["value"] = toString(reading->value);
+        object["store"] = toString(reading->storeName);
+        object["underOldName"] = reading->underEarlierName;
+    }
+    return object;
+}
+
+Json toJson(const StoreFacts& store) {
+    return {{"priority", store.priority},
+            {"name", store.name},
+            {"readOnly", store.readOnly},
+            {"local", store.local},
+            {"keys", store.keyCount}};
+}
+
+Json toJson(const Opinion& opinion) {
+    Json holdings = Json::array();
+    bool wins = false;
+    for (const auto& holding : opinion.holdings) {
+        holdings.push_back(
+            {{"name", toString(holding.name)}, {"value", toString(holding.value)}, {"wins", holding.wins}});
+        wins = wins || holding.wins;
+    }
+    auto object = toJson(opinion.store);
+    object["wins"] = wins;
+    object["holds"] = std::move(holdings);
+    return object;
+}
+
+} // namespace
+
+JsonPrinter::JsonPrinter(std::ostream& out, std::ostream& messages, Failures failureForm)
+    : output(out), diagnostics(messages), failures(failureForm) {}
+
+void JsonPrinter::showValue(const std::wstring& key, const std::optional<Reading>& reading, bool /*withOrigin*/) {
+    Json object{{"type", "value"}, {"key", toString(key)}};
+    object.update(toJson(reading));
+    write(object);
+}
+
+void JsonPrinter::showExplanation(const Explanation& explanation) {
+    Json object{{"type", "explanation"},
+                {"key", toString(explanation.key)},
+                {"newName", toString(explanation.currentName)},
+                {"oldName", nullptr}};
+    if (explanation.earlierName) {
+        object["oldName"] = toString(*explanation.earlierName);
+    }
+    object.update(toJson(explanation.inForce));
+    object["stores"] = Json::array();
+    for (const auto& opinion : explanation.opinions) {
+        object["stores"].push_back(toJson(opinion));
+    }
+    object["administrator"] = toJson(explanation.administrators);
+    object["defined"] = explanation.record.defined;
+    object["overridden"] = explanation.record.overridden;
+    object["originalValue"] = toString(explanation.record.originalValue);
+    object["originalStore"] = toString(explanation.record.originalStoreName);
+    write(object);
+}
+
+void JsonPrinter::showList(const std::vector<ListedValue>& values) {
+    Json object{{"type", "list"}, {"values", Json::array()}};
+    for (const auto& listed : values) {
+        object["values"].push_back({{"key", toString(listed.key)},
+                                    {"value", toString(listed.value)},
+                                    {"store", toString(listed.storeName)},
+                                    {"overridden", listed.overridden}});
+    }
+    write(object);
+}
+
+void JsonPrinter::showStores(const std::vector<StoreFacts>& stores) {
+    Json object{{"type", "stores"}, {"stores", Json::array()}};
+    for (const auto& store : stores) {
+        object["stores"].push_back(toJson(store));
+    }
+    write(object);
+}
+
+void JsonPrinter::showText(const std::string& kind, const std::string& text) {
+    write({{"type", kind}, {"text", text}});
+}
+
+void JsonPrinter::showNotification(const Notification& notification) {
+    Json object{{"type", "notification"},
+                {"key", toString(notification.key)},
+                {"property", notification.property},
+                {"old", toString(notification.oldValue)},
+                {"new", toString(notification.newValue)},
+                {"thread", notification.thread},
+                {"with", Json::object()}};
+    for (const auto& [key, value] : notification.companions) {
+        object["with"][toString(key)] = toString(value);
+    }
+    write(object);
+}
+
+void JsonPrinter::showDone(const std::string& command, const std::string& message) {
+    write({{"type", "done"}, {"command", command}, {"message", message}});
+}
+
+void JsonPrinter::showFailure(const std::string& command, const Failure& failure) {
+    if (failures == Failures::AsObjects) {
+        write({{"type", "failure"},
+               {"command", command},
+               {"exitCode", static_cast<int>(failure.getCode())},
+               {"message", failure.what()}});
+        return;
+    }
+    const std::lock_guard lock(mutex);
+    diagnostics << "lumora-config: " << failure.what() << '\n' << std::flush;
+}
+
+void JsonPrinter::write(const nlohmann::ordered_json& object) {
+    // A store's name may be anything; a byte that is not UTF-8 must not end the program.
+    const auto line = object.dump(-1, ' ', false, Json::error_handler_t::replace);
+    const std::lock_guard lock(mutex);
+    output << line << '\n' << std::flush;
+}
+
+} // namespace lumora_config

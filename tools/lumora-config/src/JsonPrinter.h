@@ -1,0 +1,39 @@
+#pragma once
+
+#include "Printer.h"
+
+#include <mutex>
+#include <nlohmann/json_fwd.hpp>
+#include <ostream>
+
+namespace lumora_config {
+
+/// For scripts: one JSON object a line on `out`. The field "type" says what it is; README.md lists the fields, which
+/// are part of the program's interface.
+class JsonPrinter final : public Printer {
+public:
+    /// Where failures go: to `messages` as text, or with the other objects.
+    enum class Failures { AsText, AsObjects };
+
+    /// The streams must outlive the printer.
+    JsonPrinter(std::ostream& out, std::ostream& messages, Failures failureForm);
+
+    void showValue(const std::wstring& key, const std::optional<Reading>& reading, bool withOrigin) override;
+    void showExplanation(const Explanation& explanation) override;
+    void showList(const std::vector<ListedValue>& values) override;
+    void showStores(const std::vector<StoreFacts>& stores) override;
+    void showText(const std::string& kind, const std::string& text) override;
+    void showNotification(const Notification& notification) override;
+    void showDone(const std::string& command, const std::string& message) override;
+    void showFailure(const std::string& command, const Failure& failure) override;
+
+private:
+    void write(const nlohmann::ordered_json& object);
+
+    std::mutex mutex; ///< Keeps lines whole.
+    std::ostream& output;
+    std::ostream& diagnostics;
+    const Failures failures;
+};
+
+} // namespace lumora_config

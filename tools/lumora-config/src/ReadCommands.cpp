@@ -1,0 +1,71 @@
+#include "CommandTable.h"
+
+#include <optional>
+
+namespace lumora_config {
+
+namespace {
+
+std::optional<Reading> readFor(Session& session, const Command& command) {
+    auto& chain = session.getChain();
+    const auto key = wide(command.key);
+    return command.store.empty() ? chain.read(key, command.admin) : chain.readStore(command.store, key);
+}
+
+std::string whoHasNothing(const Command& command) {
+    if (!command.store.empty()) {
+        return "the store '" + command.store + "' does not hold";
+    }
+    return command.admin ? "no administrator's store holds" : "no store holds";
+}
+
+void get(Session& session, const Command& command) {
+    std::optional<Reading> reading;
+    session.getHost().onServices("lumora-config: get", [&] { reading = readFor(session, command); });
+    if (reading) {
+        reading->value = session.getMask().show(wide(command.key), reading->value);
+    }
+    session.getPrinter().showValue(wide(command.key), reading, command.origin);
+    if (!reading) {
+        throw Failure(ExitCode::NotFound, whoHasNothing(command) + " the key '" + command.key + "'");
+    }
+}
+
+void explain(Session& session, const Command& command) {
+    Explanation explanation;
+    session.getHost().onServices("lumora-config: explain",
+                                 [&] { explanation = session.getChain().explain(wide(command.key)); });
+    session.getMask().hide(explanation);
+    session.getPrinter().showExplanation(explanation);
+    if (!explanation.inForce) {
+        throw Failure(ExitCode::NotFound, "no store holds the key '" + command.key + "'");
+    }
+}
+
+void list(Session& session, const Command& command) {
+    std::vector<ListedValue> values;
+    session.getHost().onServices("lumora-config: list",
+                                 [&] { values = session.getChain().list(wide(command.prefix)); });
+    session.getMask().hide(values);
+    session.getPrinter().showList(values);
+    if (values.empty()) {
+        throw Failure(ExitCode::NotFound, "no key begins with '" + command.prefix + "'");
+    }
+}
+
+void stores(Session& session, const Command& /*command*/) {
+    std::vector<StoreFacts> facts;
+    session.getHost().onServices("lumora-config: stores", [&] { facts = session.getChain().listStores(); });
+    session.getPrinter().showStores(facts);
+}
+
+} // namespace
+
+void addReadCommands(CommandTable& table) {
+    table["get"] = get;
+    table["explain"] = explain;
+    table["list"] = list;
+    table["stores"] = stores;
+}
+
+} // namespace lumora_config

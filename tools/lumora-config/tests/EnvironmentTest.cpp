@@ -1,0 +1,119 @@
+#include "Program.h"
+
+#include <TemporaryProfile.h>
+#include <gmock/gmock.h>
+
+namespace program_test {
+
+namespace fs = std::filesystem;
+using testing::AllOf;
+using testing::HasSubstr;
+
+TEST(Environment, WithoutAPlugInItSaysWhere) {
+    const Profile profile;
+    const auto empty = profile.root() / "empty";
+    fs::create_directory(empty);
+    const auto outcome = profile.run({"--plugin-dir", empty.string(), "stores"});
+    EXPECT_EQ(outcome.exitCode, 3);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_THAT(outcome.error, AllOf(HasSubstr("no plug-in"), HasSubstr(empty.string())));
+}
+
+TEST(Environment, APlugInThatCannotBeLoadedIsNamed) {
+    const Profile profile;
+    profile.write("broken/libconfigservice.so", "no library");
+    const auto outcome = profile.run({"--plugin-dir", (profile.root() / "broken").string(), "stores"});
+    EXPECT_EQ(outcome.exitCode, 3);
+    EXPECT_THAT(outcome.error, HasSubstr("libconfigservice.so"));
+}
+
+TEST(Environment, AFolderWithoutADefaultsFileIsRefusedAndLeftAlone) {
+    const Profile profile;
+    fs::remove(profile.defaultsFile());
+    const auto outcome = profile.run({"explain", "TftpServer1"});
+    EXPECT_EQ(outcome.exitCode, 3);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_THAT(outcome.error, AllOf(HasSubstr("no defaults file"), HasSubstr(profile.defaultsFile().string())));
+    EXPECT_FALSE(fs::exists(profile.root() / "config"));
+    EXPECT_FALSE(fs::exists(profile.root() / "state"));
+}
+
+TEST(Environment, ADefaultsFileThatCannotBeReadIsRefused) {
+    const Profile profile;
+    fs::remove(profile.defaultsFile());
+    fs::create_directory(profile.defaultsFile());
+    const auto outcome = profile.run({"stores"});
+    EXPECT_EQ(outcome.exitCode, 3);
+    EXPECT_THAT(outcome.error, AllOf(HasSubstr("not a regular file"), HasSubstr(profile.defaultsFile().string())));
+    EXPECT_TRUE(fs::is_directory(profile.defaultsFile()));
+}
+
+TEST(Environment, ADefaultsFileThatIsNotXmlIsKeptUnderItsQuarantineName) {
+    const Profile profile;
+    const auto kept = profile.root() / "resources" / "lumora-config-defaults-backup.xml";
+    testing_host::writeFile(profile.defaultsFile(), "<Lumora><userConfig name=");
+    const auto outcome = profile.run({"get", "Theme"});
+    EXPECT_EQ(outcome.exitCode, 3);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_THAT(outcome.error, AllOf(HasSubstr("not XML"), HasSubstr(kept.string())));
+    EXPECT_EQ(testing_host::readFile(kept), "<Lumora><userConfig name=");
+    EXPECT_FALSE(fs::exists(profile.defaultsFile()));
+
+    const auto again = profile.run({"get", "Theme"});
+    EXPECT_EQ(again.exitCode, 3);
+    EXPECT_THAT(again.error, AllOf(HasSubstr("no defaults file"), HasSubstr(kept.string())));
+}
+
+TEST(Environment, ADamagedUserFileIsKeptWhenItIsReplaced) {
+    const Profile profile;
+    ASSERT_EQ(profile.run({"set", "Theme", "dark"}).exitCode, 0);
+    testing_host::writeFile(profile.root() / "config" / "lumoraLocalConfig.dat", "damaged");
+    ASSERT_EQ(profile.run({"set", "Theme", "light"}).exitCode, 0);
+    EXPECT_EQ(profile.run({"get", "Theme"}).out, "light\n");
+    EXPECT_EQ(testing_host::readFile(profile.root() / "config" / "lumoraLocalConfig.dat.unreadable"), "damaged");
+}
+
+TEST(Environment, AForeignFileThatIsMissingUnreadableOrNotXmlIsNamed) {
+    const Profile profile;
+    const auto broken = profile.write("broken.xml", "<a>\n<b>planted-secret</c></a>");
+    const auto absent = (profile.root() / "absent.xml").string();
+    const std::vector<std::pair<std::string, std::string>> cases{
+        {absent, "no such file"}, {profile.root().string(), "not a regular file"}, {broken, "not XML, see line 2"}};
+    for (const auto& [file, reason] : cases) {
+        const auto outcome = profile.run({"--store", file + ":A:40", "stores"});
+        EXPECT_EQ(outcome.exitCode, 3) << file;
+        EXPECT_EQ(outcome.out, "") << file;
+        EXPECT_THAT(outcome.error, AllOf(HasSubstr(file), HasSubstr(reason)));
+        EXPECT_THAT(outcome.error, testing::Not(HasSubstr("planted-secret")));
+    }
+    EXPECT_TRUE(fs::exists(broken));
+}
+
+TEST(Environment, AMissingBootstrapFileIsNamed) {
+    const Profile profile;
+    const auto absent = (profile.root() / "absent").string();
+    const auto outcome = profile.run({"--bootstrap", absent + ":700", "stores"});
+    EXPECT_EQ(outcome.exitCode, 3);
+    EXPECT_THAT(outcome.error, AllOf(HasSubstr(absent), HasSubstr("no such file")));
+}
+
+TEST(Environment, AProfileInUseNamesTheProcessThatHoldsIt) {
+    const Profile profile;
+    {
+        const RunningShell holder(profile);
+        const auto outcome = profile.run({"get", "Theme"});
+        EXPECT_EQ(outcome.exitCode, 3);
+        EXPECT_EQ(outcome.out, "");
+        EXPECT_THAT(outcome.error,
+                    AllOf(HasSubstr("in use"), HasSubstr("process " + std::to_string(holder.getProcess()))));
+    }
+    EXPECT_EQ(profile.run({"get", "Theme"}).exitCode, 0);
+}
+
+TEST(Environment, LogLinesAppearOnlyWhenAskedFor) {
+    const Profile profile;
+    EXPECT_EQ(profile.run({"get", "Theme"}).error, "");
+    EXPECT_THAT(profile.run({"-v", "get", "Theme"}).error, HasSubstr("starting config feature set"));
+}
+
+} // namespace program_test

@@ -1,0 +1,202 @@
+#include "Program.h"
+
+#include <gmock/gmock.h>
+
+namespace program_test {
+
+using testing::AllOf;
+using testing::ContainsRegex;
+using testing::HasSubstr;
+using testing::Not;
+
+TEST(Get, ShowsTheValueAlone) {
+    const Profile profile;
+    const auto outcome = profile.run({"get", "theme"});
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_EQ(outcome.out, "system\n");
+    EXPECT_EQ(outcome.error, "");
+}
+
+TEST(Get, ShowsTheOriginWhenAsked) {
+    const Profile profile;
+    EXPECT_EQ(profile.run({"get", "Theme", "--origin"}).out, "system  (lumora-config-defaults.xml)\n");
+}
+
+TEST(Get, AnUnknownKeyIsNotFound) {
+    const Profile profile;
+    const auto outcome = profile.run({"get", "NoSuchKey"});
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_THAT(outcome.error, HasSubstr("no store holds the key 'NoSuchKey'"));
+}
+
+TEST(Get, AnEmptyValueIsFound) {
+    const Profile profile;
+    const auto outcome = profile.run({"get", "PRTCertificateName"});
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_EQ(outcome.out, "\n");
+}
+
+TEST(Get, TheAdministratorsValueLeavesTheUsersOut) {
+    const Profile profile;
+    ASSERT_EQ(profile.run({"set", "Theme", "dark"}).exitCode, 0);
+    EXPECT_EQ(profile.run({"get", "Theme", "--origin"}).out, "dark  (LocalFileConfigStore)\n");
+    EXPECT_EQ(profile.run({"get", "Theme", "--admin"}).out, "system\n");
+    ASSERT_EQ(profile.run({"set", "OnlyMine", "x"}).exitCode, 0);
+    EXPECT_EQ(profile.run({"get", "OnlyMine", "--admin"}).exitCode, 1);
+}
+
+TEST(Get, OneStoreIsAsked) {
+    const Profile profile;
+    ASSERT_EQ(profile.run({"set", "Theme", "dark"}).exitCode, 0);
+    EXPECT_EQ(profile.run({"get", "Theme", "--store", "LUMORA-config-defaults.xml"}).out, "system\n");
+    EXPECT_EQ(profile.run({"get", "Theme", "--store", "localfileconfigstore"}).out, "dark\n");
+    const auto miss = profile.run({"get", "IP_MODE", "--store", "LocalFileConfigStore"});
+    EXPECT_EQ(miss.exitCode, 1);
+    EXPECT_THAT(miss.error, HasSubstr("does not hold the key 'IP_MODE'"));
+    const auto noStore = profile.run({"get", "Theme", "--store", "NoSuchStore"});
+    EXPECT_EQ(noStore.exitCode, 1);
+    EXPECT_THAT(noStore.error, HasSubstr("no store 'NoSuchStore'"));
+}
+
+TEST(Get, EitherNameOfARenamedKeyAnswers) {
+    const Profile profile;
+    const auto file = profile.writeDocument("old.xml", "<TftpServer1>old.example</TftpServer1>");
+    const Arguments store{"--store", file + ":A:40", "get"};
+    auto byOld = store;
+    byOld.insert(byOld.end(), {"TftpServer1", "--origin"});
+    auto byNew = store;
+    byNew.insert(byNew.end(), {"TFTPPrimaryServer", "--origin"});
+    EXPECT_EQ(profile.run(byOld).out, "old.example  (A, under its old name)\n");
+    EXPECT_EQ(profile.run(byNew).out, "old.example  (A, under its old name)\n");
+}
+
+TEST(Get, HidesSensitiveValues) {
+    const Profile profile;
+    ASSERT_EQ(profile.run({"set", "connectionpassword", "planted-secret"}).exitCode, 0);
+    EXPECT_EQ(profile.run({"get", "ConnectionPassword"}).out, "VALUE_HIDDEN\n");
+    EXPECT_EQ(profile.run({"--show-secrets", "get", "ConnectionPassword"}).out, "planted-secret\n");
+}
+
+TEST(Get, HidesWhatAForeignDocumentMarksAsSensitive) {
+    const Profile profile;
+    const auto file = profile.writeDocument("a.xml", "<Pin sensitive=\"true\">planted-secret</Pin>");
+    EXPECT_EQ(profile.run({"--store", file + ":A:40", "get", "Pin"}).out, "VALUE_HIDDEN\n");
+}
+
+TEST(Explain, ShowsEveryOpinionInChainOrderAndWhichOneWinsByWhichName) {
+    const Profile profile;
+    const auto oldNames = profile.writeDocument("old.xml", "<TftpServer1>old.example</TftpServer1>");
+    const auto newNames = profile.writeDocument("new.xml", "<TFTPPrimaryServer>new.example</TFTPPrimaryServer>");
+    const auto outcome =
+        profile.run({"--store", newNames + ":New:60", "--store", oldNames + ":Old:50", "explain", "TftpServer1"});
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
+    EXPECT_THAT(outcome.out, HasSubstr("TftpServer1, the old name of TFTPPrimaryServer"));
+    // The new name wins, though the store with the old one stands before.
+    EXPECT_THAT(outcome.out, ContainsRegex("20  LocalFileConfigStore +-\n"));
+    EXPECT_THAT(outcome.out, ContainsRegex("\n +50  Old +TftpServer1 +\"old.example\"\n"
+                                           "> +60  New +TFTPPrimaryServer +\"new.example\"\n"));
+    EXPECT_THAT(outcome.out,
+                ContainsRegex("in force +\"new.example\" from New, under the new name TFTPPrimaryServer\n"));
+    EXPECT_THAT(outcome.out, ContainsRegex("\n2147483647  lumora-config-defaults.xml|2147483647  lumora-config"));
+}
+
+TEST(Explain, ShowsThatTheUserOverridesTheAdministrator) {
+    const Profile profile;
+    ASSERT_EQ(profile.run({"set", "Theme", "dark"}).exitCode, 0);
+    const auto outcome = profile.run({"explain", "Theme"});
+    EXPECT_THAT(outcome.out, ContainsRegex("> +20  LocalFileConfigStore +Theme +\"dark\"\n"));
+    EXPECT_THAT(outcome.out, ContainsRegex("administrator's +\"system\" from lumora-config-defaults.xml\n"));
+    EXPECT_THAT(outcome.out, ContainsRegex("overridden +yes\n"));
+}
+
+TEST(Explain, OfAnUnknownKeyShowsTheChainAndEndsWithOne) {
+    const Profile profile;
+    const auto outcome = profile.run({"explain", "NoSuchKey"});
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_THAT(outcome.out, AllOf(HasSubstr("LocalFileConfigStore"), ContainsRegex("in force +none")));
+}
+
+TEST(Explain, ShowsNoSecretAnywhere) {
+    const Profile profile;
+    ASSERT_EQ(profile.run({"set", "Initial_Info", "planted-secret"}).exitCode, 0);
+    for (const auto& options : {Arguments{"explain"}, Arguments{"--json", "explain"}}) {
+        auto arguments = options;
+        arguments.emplace_back("initial_info");
+        const auto outcome = profile.run(arguments);
+        EXPECT_THAT(outcome.out + outcome.error, AllOf(HasSubstr("VALUE_HIDDEN"), Not(HasSubstr("planted-secret"))));
+    }
+}
+
+TEST(List, ShowsKeysByPrefixAndMarksWhatIsOverridden) {
+    const Profile profile;
+    ASSERT_EQ(profile.run({"set", "EnableHuntGroup", "true"}).exitCode, 0);
+    const auto outcome = profile.run({"list", "enable"});
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_THAT(outcome.out, ContainsRegex("\\* +[Ee]nable[Hh]unt[Gg]roup +\"true\" +LocalFileConfigStore\n"));
+    EXPECT_THAT(outcome.out, ContainsRegex("\n +[Ee]nable[Cc]all[Pp]ickup +\"false\" +lumora-config-defaults.xml\n"));
+    EXPECT_THAT(outcome.out, Not(ContainsRegex("[Tt]heme")));
+}
+
+TEST(List, OfNothingEndsWithOne) {
+    const Profile profile;
+    EXPECT_EQ(profile.run({"list", "NoSuchPrefix"}).exitCode, 1);
+}
+
+TEST(Stores, AreListedInChainOrder) {
+    const Profile profile;
+    const auto file = profile.writeDocument("a.xml", "<A>1</A><B>2</B>");
+    const auto outcome = profile.run({"--json", "--store", file + ":First:40", "--store", file + ":Second:40",
+                                      "--store", file + ":Zeroth:7", "stores"});
+    EXPECT_THAT(storeNames(outcome.lines().back()),
+                testing::ElementsAre("Zeroth", "LocalFileConfigStore", "RegistryConfigStore", "First", "Second",
+                                     "UrlProvisioningConfigStore", "InMemoryConfigStore",
+                                     "lumora-config-defaults.xml"));
+}
+
+TEST(Stores, ShowWhoTakesWritesAndHowManyKeysThereAre) {
+    const Profile profile;
+    const auto file = profile.writeDocument("a.xml", "<A>1</A><B>2</B>");
+    const auto outcome = profile.run({"--store", file + ":Foreign:40", "stores"});
+    EXPECT_THAT(outcome.out, ContainsRegex("40  Foreign +read-only +not local +2\n"));
+    EXPECT_THAT(outcome.out, ContainsRegex("20  LocalFileConfigStore +writable +not local +"));
+}
+
+TEST(Stores, ABootstrapFileJoinsTheChain) {
+    const Profile profile;
+    const auto file = profile.write("boot", "# installer\nSelfCareURL: https://selfcare.example:8443/home\n");
+    const Arguments bootstrap{"--bootstrap", file + ":700"};
+    auto get = bootstrap;
+    get.insert(get.end(), {"get", "SelfCareURL", "--origin"});
+    EXPECT_EQ(profile.run(get).out, "https://selfcare.example:8443/home  (BootstrapConfigStore)\n");
+    auto stores = bootstrap;
+    stores.emplace_back("stores");
+    EXPECT_THAT(profile.run(stores).out, ContainsRegex("700  BootstrapConfigStore +read-only +local +1\n"));
+}
+
+TEST(Stores, ACachedCopyServesTheNextRun) {
+    const Profile profile;
+    const auto file = profile.writeDocument("a.xml", "<FromServer>x</FromServer>");
+    ASSERT_EQ(profile.run({"--store", file + ":Foreign:40:cache", "get", "FromServer"}).exitCode, 0);
+    EXPECT_TRUE(std::filesystem::exists(profile.root() / "config" / "Cache" / "cachedForeign.dat"));
+    EXPECT_EQ(profile.run({"get", "FromServer", "--origin"}).out, "x  (Foreign)\n");
+    EXPECT_THAT(profile.run({"stores"}).out, ContainsRegex("41  Foreign +read-only +local +1\n"));
+}
+
+TEST(Stores, WithoutACopyAStoreIsGoneWithTheRun) {
+    const Profile profile;
+    const auto file = profile.writeDocument("a.xml", "<FromServer>x</FromServer>");
+    ASSERT_EQ(profile.run({"--store", file + ":Foreign:40", "get", "FromServer"}).exitCode, 0);
+    EXPECT_EQ(profile.run({"get", "FromServer"}).exitCode, 1);
+}
+
+TEST(Policy, StandsBeforeTheDefaultsAndBehindTheUser) {
+    const Profile profile;
+    profile.writePolicy("Theme", "corporate");
+    EXPECT_EQ(profile.run({"get", "Theme", "--origin"}).out, "corporate  (RegistryConfigStore)\n");
+    ASSERT_EQ(profile.run({"set", "Theme", "dark"}).exitCode, 0);
+    EXPECT_EQ(profile.run({"get", "Theme", "--origin"}).out, "dark  (LocalFileConfigStore)\n");
+    EXPECT_EQ(profile.run({"get", "Theme", "--admin", "--origin"}).out, "corporate  (RegistryConfigStore)\n");
+}
+
+} // namespace program_test

@@ -1,0 +1,133 @@
+#include "Program.h"
+
+#include <gmock/gmock.h>
+
+namespace program_test {
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::Not;
+
+TEST(Set, LastsAndSaysWhatIsInForce) {
+    const Profile profile;
+    const auto outcome = profile.run({"set", "Theme", "dark"});
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(outcome.error, "Theme set; in force: \"dark\" from LocalFileConfigStore\n");
+    EXPECT_EQ(profile.run({"get", "Theme"}).out, "dark\n");
+}
+
+TEST(Set, KeepsUmlautsSpacesAndMarkup) {
+    const Profile profile;
+    const std::string value = "  Grüße <&> \"quoted\" 漢字 ";
+    ASSERT_EQ(profile.run({"set", "Greeting", value}).exitCode, 0);
+    EXPECT_EQ(profile.run({"get", "Greeting"}).out, value + "\n");
+}
+
+TEST(Set, TellsThatAStoreInFrontStillWins) {
+    const Profile profile;
+    const auto file = profile.writeDocument("a.xml", "<Theme>corporate</Theme>");
+    const auto outcome = profile.run({"--store", file + ":Front:10", "set", "Theme", "dark"});
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_THAT(outcome.error, HasSubstr("in force: \"corporate\" from Front"));
+}
+
+TEST(Set, DoesNotRepeatASecret) {
+    const Profile profile;
+    const auto outcome = profile.run({"set", "connectionpassword", "planted-secret"});
+    EXPECT_THAT(outcome.out + outcome.error, AllOf(HasSubstr("VALUE_HIDDEN"), Not(HasSubstr("planted-secret"))));
+}
+
+TEST(Reset, BringsTheAdministratorsValueBack) {
+    const Profile profile;
+    ASSERT_EQ(profile.shell({"set Other x", "set Theme dark"}).exitCode, 0);
+    EXPECT_EQ(profile.run({"reset", "THEME"}).exitCode, 0);
+    EXPECT_EQ(profile.run({"get", "Theme", "--origin"}).out, "system  (lumora-config-defaults.xml)\n");
+}
+
+TEST(Reset, TakesBothNamesOfAKey) {
+    const Profile profile;
+    ASSERT_EQ(profile.shell({"set Other x", "set TFTPPrimaryServer mine.example"}).exitCode, 0);
+    EXPECT_EQ(profile.run({"reset", "TftpServer1"}).exitCode, 0);
+    EXPECT_EQ(profile.run({"get", "TFTPPrimaryServer"}).exitCode, 1);
+}
+
+TEST(Reset, OfTheOnlyValueSaysThatItComesBack) {
+    const Profile profile;
+    ASSERT_EQ(profile.run({"set", "Theme", "dark"}).exitCode, 0);
+    const auto outcome = profile.run({"reset", "Theme"});
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_THAT(outcome.error, HasSubstr("back at the next start"));
+    EXPECT_EQ(profile.run({"get", "Theme"}).out, "dark\n");
+}
+
+TEST(Reset, OfWhatTheUserNeverSetIsRefused) {
+    const Profile profile;
+    const auto outcome = profile.run({"reset", "Theme"});
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_THAT(outcome.error, HasSubstr("the user has no value for the key 'Theme'"));
+}
+
+TEST(Provision, TakesTheSettingsOfAUrlOnceUntilItIsAllowedAgain) {
+    const Profile profile;
+    ASSERT_EQ(profile.run({"set", "Theme", "dark"}).exitCode, 0);
+    const std::string url = "lumora://provision?ServicesDomain=example.org&Unknown=1";
+    EXPECT_EQ(profile.run({"provision", url}).exitCode, 0);
+    EXPECT_EQ(profile.run({"get", "ServicesDomain", "--origin"}).out, "example.org  (UrlProvisioningConfigStore)\n");
+    EXPECT_EQ(profile.run({"get", "Unknown"}).exitCode, 1);
+
+    const auto again = profile.run({"provision", url});
+    EXPECT_EQ(again.exitCode, 1);
+    EXPECT_THAT(again.error, HasSubstr("not allowed"));
+
+    EXPECT_EQ(profile.run({"reset-provisioning"}).exitCode, 0);
+    EXPECT_EQ(profile.run({"provision", url}).exitCode, 0);
+}
+
+TEST(Provision, OfAUrlWithoutSettingsIsRefused) {
+    const Profile profile;
+    const auto outcome = profile.run({"provision", "lumora://provision?Unknown=1"});
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_THAT(outcome.error, HasSubstr("no setting"));
+}
+
+TEST(ResetProvisioning, WithoutAPriorProvisioningIsRefused) {
+    const Profile profile;
+    EXPECT_EQ(profile.run({"reset-provisioning"}).exitCode, 1);
+}
+
+TEST(Mdm, PutsTheDocumentIntoTheChain) {
+    const Profile profile;
+    const auto file = profile.writeDocument("mdm.xml", "<Theme>managed</Theme><Other>1</Other>");
+    const auto outcome = profile.shell({"mdm " + file, "get Theme --origin"});
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
+    EXPECT_EQ(outcome.out, "managed  (MdmConfigStore)\n");
+    EXPECT_THAT(outcome.error, HasSubstr("MdmConfigStore holds 2 keys"));
+}
+
+TEST(Mdm, ADocumentThatIsNotXmlChangesNothing) {
+    const Profile profile;
+    const auto good = profile.writeDocument("good.xml", "<Theme>managed</Theme>");
+    const auto bad = profile.write("bad.xml", "<Config><Group>");
+    const auto outcome = profile.shell({"mdm " + good, "mdm " + bad, "get Theme"});
+    EXPECT_EQ(outcome.exitCode, 3);
+    EXPECT_THAT(outcome.error, HasSubstr("bad.xml: not XML"));
+    EXPECT_EQ(outcome.out, "managed\n");
+}
+
+TEST(RemoveStore, TakesTheStoreAndItsCopy) {
+    const Profile profile;
+    const auto file = profile.writeDocument("a.xml", "<FromServer>x</FromServer>");
+    ASSERT_EQ(profile.run({"--store", file + ":Foreign:40:cache", "get", "FromServer"}).exitCode, 0);
+    EXPECT_EQ(profile.run({"remove-store", "Foreign"}).exitCode, 0);
+    EXPECT_EQ(profile.run({"get", "FromServer"}).exitCode, 1);
+}
+
+TEST(RemoveStore, OfAnUnknownNameIsRefused) {
+    const Profile profile;
+    const auto outcome = profile.run({"remove-store", "NoSuchStore"});
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_THAT(outcome.error, HasSubstr("no store 'NoSuchStore'"));
+}
+
+} // namespace program_test
