@@ -1,0 +1,37 @@
+// Whatever is read must be written in a form that reads back as the same keys, and cut to nothing but the rest.
+#include <registry/RegistryTextFile.h>
+
+#include <algorithm>
+#include <cstdlib>
+
+using namespace zel::registry;
+
+namespace {
+
+bool isSame(const RegistryTextSection& a, const RegistryTextSection& b) {
+    return a.deletion == b.deletion && a.path == b.path && a.entries.size() == b.entries.size() &&
+           std::equal(a.entries.begin(), a.entries.end(), b.entries.begin(),
+                      [](const auto& x, const auto& y) { return x.deletion == y.deletion && x.value == y.value; });
+}
+
+void require(bool held) {
+    if (!held) {
+        std::abort();
+    }
+}
+
+} // namespace
+
+// The name is libFuzzer's.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data,
+                                      std::size_t size) { // NOLINT(readability-identifier-naming)
+    const std::string_view bytes(reinterpret_cast<const char*>(data), size);
+    const auto text = parseRegistryText(bytes, HKEY_CURRENT_USER, AfterFault::GoOn);
+    require(parseRegistryText(bytes, HKEY_CURRENT_USER, AfterFault::Stop).sections.size() <= text.sections.size());
+    const auto again = parseRegistryText(formatRegistryText(text.sections), HKEY_CURRENT_USER, AfterFault::Stop);
+    require(again.refusals.empty() && again.sections.size() == text.sections.size());
+    require(std::equal(text.sections.begin(), text.sections.end(), again.sections.begin(), isSame));
+    const auto rest = cutRegistryText(bytes, text.sections);
+    require(parseRegistryText(rest, HKEY_CURRENT_USER, AfterFault::GoOn).sections.empty());
+    return 0;
+}
