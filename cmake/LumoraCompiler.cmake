@@ -29,7 +29,7 @@ else()
 endif()
 
 if(LUMORA_SANITIZER)
-  add_compile_options(-fsanitize=${LUMORA_SANITIZER} -fno-omit-frame-pointer -fno-sanitize-recover=all -O1)
+  add_compile_options(-fsanitize=${LUMORA_SANITIZER} -fno-omit-frame-pointer -fno-sanitize-recover=all -O1 -g1)
   add_link_options(-fsanitize=${LUMORA_SANITIZER})
 endif()
 if(LUMORA_BUILD_FUZZ)

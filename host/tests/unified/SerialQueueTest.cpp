@@ -150,6 +150,7 @@ TEST(SerialQueue, EnqueueBlockOnTheOwnThreadRunsAtOnceAheadOfWhatWaits) {
                   false);
     queue.start();
     queue.flush();
+    queue.flush(); // for the task that the first one posted
     EXPECT_THAT(order, ElementsAre(1, 2));
 }
 
@@ -282,6 +283,7 @@ TEST(SerialQueue, FlushIsNotHeldUpByAStreamOfNewTasks) {
     queue.start();
     queue.flush();
     ended = true;
+    queue.end();
 }
 
 TEST(SerialQueue, ATaskMayEndTheQueueItRunsOn) {

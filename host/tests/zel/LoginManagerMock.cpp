@@ -36,6 +36,7 @@ constexpr const char* configuration =
   <auth>EXTERNAL</auth>
   <policy context="default">
     <allow send_destination="*"/>
+    <allow receive_sender="*"/>
     <allow own="*"/>
   </policy>
 </busconfig>
