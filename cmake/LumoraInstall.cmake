@@ -1,4 +1,5 @@
-# What `cmake --install` lays down: the host, the plug-in, the program, and a package for find_package(LumoraConfig).
+# What `cmake --install` lays down, in three components, each a Debian package (LumoraPackages): runtime, the host and the
+# plug-in; program, lumora-config; development, headers and what find_package(LumoraConfig) and pkg-config need.
 # The plug-in lies in a folder of its own, since a host takes plug-ins from its plug-in folder only.
 include(CMakePackageConfigHelpers)
 
@@ -11,17 +12,25 @@ endforeach()
 set_target_properties(lumora_host PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
 set_target_properties(configservice PROPERTIES INSTALL_RPATH "$ORIGIN/..")
 
-install(TARGETS lumora_host EXPORT LumoraConfigTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-install(TARGETS configservice EXPORT LumoraConfigTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/lumora)
+install(TARGETS lumora_host EXPORT LumoraConfigTargets
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development)
+install(TARGETS configservice EXPORT LumoraConfigTargets
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/lumora COMPONENT runtime)
 install(DIRECTORY host/include/ services/configservice/include/
         ${CMAKE_BINARY_DIR}/host/include/ ${CMAKE_BINARY_DIR}/services/configservice/include/
-        DESTINATION ${lumora_include_folder} FILES_MATCHING PATTERN *.h)
+        DESTINATION ${lumora_include_folder} COMPONENT development FILES_MATCHING PATTERN *.h)
 
-install(EXPORT LumoraConfigTargets NAMESPACE Lumora:: DESTINATION ${lumora_package_folder})
+install(EXPORT LumoraConfigTargets NAMESPACE Lumora:: DESTINATION ${lumora_package_folder} COMPONENT development)
 file(WRITE ${CMAKE_BINARY_DIR}/LumoraConfigConfig.cmake
   "include(CMakeFindDependencyMacro)\n"
   "find_dependency(Threads)\n"
   "include(\${CMAKE_CURRENT_LIST_DIR}/LumoraConfigTargets.cmake)\n")
 write_basic_package_version_file(${CMAKE_BINARY_DIR}/LumoraConfigConfigVersion.cmake COMPATIBILITY SameMinorVersion)
 install(FILES ${CMAKE_BINARY_DIR}/LumoraConfigConfig.cmake ${CMAKE_BINARY_DIR}/LumoraConfigConfigVersion.cmake
-        DESTINATION ${lumora_package_folder})
+        DESTINATION ${lumora_package_folder} COMPONENT development)
+
+# The prefix is found from where the file lies, so that a tree can be installed anywhere, or moved.
+file(RELATIVE_PATH lumora_prefix_from_pkgconfig
+  ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+configure_file(${CMAKE_CURRENT_LIST_DIR}/lumora-config.pc.in ${CMAKE_BINARY_DIR}/lumora-config.pc @ONLY)
+install(FILES ${CMAKE_BINARY_DIR}/lumora-config.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)

@@ -1,5 +1,6 @@
 #include "BootstrapStores.h"
 
+#include "Failure.h"
 #include "XmlSettings.h"
 
 #include <filesystem>
@@ -17,13 +18,21 @@ BootstrapStores::BootstrapStores(std::string directory) : libraryDirectory(std::
 
 std::shared_ptr<ZelUnified::ConfigStore> BootstrapStores::make(const BootstrapSpec& spec) {
     readWholeFile(spec.file);
-    if (!library) {
-        library.emplace((std::filesystem::path(libraryDirectory) / LUMORA_BOOTSTRAP_LIBRARY).string());
-    }
-    const auto makeStore = reinterpret_cast<MakeStore>(library->find("LumoraMakeBootstrapStore"));
+    const auto makeStore = reinterpret_cast<MakeStore>(findMaker());
     std::shared_ptr<ZelUnified::ConfigStore> store;
     makeStore(spec.file, spec.priority, store);
     return store;
+}
+
+void* BootstrapStores::findMaker() {
+    try {
+        if (!library) {
+            library.emplace((std::filesystem::path(libraryDirectory) / LUMORA_BOOTSTRAP_LIBRARY).string());
+        }
+        return library->find("LumoraMakeBootstrapStore");
+    } catch (const std::runtime_error& error) {
+        throw Failure(ExitCode::Environment, error.what());
+    }
 }
 
 } // namespace lumora_config

@@ -1,7 +1,8 @@
 #pragma once
 
-#include "SharedLibrary.h"
 #include "StoreSpec.h"
+
+#include <kyr/SharedLibrary.h>
 
 #include <ConfigStore.h>
 
@@ -22,8 +23,10 @@ public:
     std::shared_ptr<ZelUnified::ConfigStore> make(const BootstrapSpec& spec);
 
 private:
+    void* findMaker();
+
     const std::string libraryDirectory;
-    std::optional<SharedLibrary> library;
+    std::optional<KyrCoreUtils::SharedLibrary> library;
 };
 
 } // namespace lumora_config

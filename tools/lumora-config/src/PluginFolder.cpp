@@ -1,7 +1,8 @@
 #include "PluginFolder.h"
 
 #include "Failure.h"
-#include "ProgramFolder.h"
+
+#include <kyr/ProcessUtils.h>
 
 #include <filesystem>
 #include <vector>
@@ -12,7 +13,7 @@ std::string findPluginFolder(const std::string& asked) {
     namespace fs = std::filesystem;
     std::vector<fs::path> candidates{asked};
     if (asked.empty()) {
-        const fs::path program = getProgramFolder();
+        const fs::path program = KyrCoreUtils::ProcessUtils::getProgramFolder();
         candidates = {program / ".." / "lib", program / ".." / LUMORA_PLUGIN_FOLDER, LUMORA_INSTALLED_PLUGIN_FOLDER};
     }
     for (const auto& folder : candidates) {

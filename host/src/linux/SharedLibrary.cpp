@@ -1,16 +1,16 @@
-#include "SharedLibrary.h"
-
-#include "Failure.h"
+#include <kyr/SharedLibrary.h>
 
 #include <dlfcn.h>
 
-namespace lumora_config {
+#include <stdexcept>
+
+namespace KyrCoreUtils {
 
 namespace {
 
 [[noreturn]] void refuse() {
-    const char* reason = dlerror();
-    throw Failure(ExitCode::Environment, reason == nullptr ? "a library can't be loaded" : reason);
+    const char* const reason = dlerror();
+    throw std::runtime_error(reason == nullptr ? "unknown error" : reason);
 }
 
 } // namespace
@@ -22,11 +22,11 @@ SharedLibrary::SharedLibrary(const std::string& path) : handle(dlopen(path.c_str
 }
 
 void* SharedLibrary::find(const std::string& symbol) const {
-    void* address = dlsym(handle, symbol.c_str());
+    void* const address = dlsym(handle, symbol.c_str());
     if (address == nullptr) {
         refuse();
     }
     return address;
 }
 
-} // namespace lumora_config
+} // namespace KyrCoreUtils

@@ -1,6 +1,6 @@
 #include "Terminal.h"
 
-#include <unistd.h>
+#include <kyr/ProcessUtils.h>
 
 #include <cstdlib>
 #include <string_view>
@@ -17,11 +17,12 @@ std::string_view environment(const char* name) {
 } // namespace
 
 bool wantsColour() {
-    return isatty(STDOUT_FILENO) != 0 && environment("NO_COLOR").empty() && environment("TERM") != "dumb";
+    return KyrCoreUtils::ProcessUtils::isOutputTerminal() && environment("NO_COLOR").empty() &&
+           environment("TERM") != "dumb";
 }
 
 bool isInteractive() {
-    return isatty(STDIN_FILENO) != 0;
+    return KyrCoreUtils::ProcessUtils::isInputTerminal();
 }
 
 } // namespace lumora_config::Terminal

@@ -1,11 +1,13 @@
 #include "unified/PluginLoader.h"
 
+#include <kyr/FileUtils.h>
+#include <kyr/SharedLibrary.h>
 #include <unified/UnifiedFactory.h>
 #include <zel/ZelLog.h>
 
-#include <dlfcn.h>
-
 #include <exception>
+#include <filesystem>
+#include <optional>
 #include <utility>
 
 namespace ZelUnified {
@@ -16,14 +18,30 @@ ZelLogger& logger = ZelLogger_getLogger("UnifiedFactory-PluginLoader");
 
 using Entry = void (*)(std::shared_ptr<UnifiedFactory>);
 
+constexpr const char* entryName = "InjectConfigService";
+
 bool isBareFileName(const std::string& name) {
-    return !name.empty() && name != "." && name != ".." && name.find('/') == std::string::npos &&
+    return !name.empty() && name != "." && name != ".." && std::filesystem::path(name).filename() == name &&
            name.find('\0') == std::string::npos;
 }
 
-std::string lastError() {
-    const char* const text = dlerror();
-    return text == nullptr ? "unknown error" : text;
+/// Null when there is none, which goes to the log.
+Entry findEntry(const KyrCoreUtils::SharedLibrary& library, const std::string& path) {
+    try {
+        return reinterpret_cast<Entry>(library.find(entryName));
+    } catch (const std::exception& failure) {
+        ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, "Plug-in " + path + " has no entry: " + failure.what());
+        return nullptr;
+    }
+}
+
+std::optional<KyrCoreUtils::SharedLibrary> open(const std::string& path) {
+    try {
+        return KyrCoreUtils::SharedLibrary(path);
+    } catch (const std::exception& failure) {
+        ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, "Can't load plug-in " + path + ": " + failure.what());
+        return std::nullopt;
+    }
 }
 
 } // namespace
@@ -47,19 +65,13 @@ void PluginLoader::load(const std::string& typeName, std::shared_ptr<UnifiedFact
             return;
         }
     }
-    loadLibrary(folder + "/" + library, factory);
+    loadLibrary(folder + KyrCoreUtils::FileUtils::FileSeparator() + library, factory);
 }
 
 void PluginLoader::loadLibrary(const std::string& path, const std::shared_ptr<UnifiedFactory>& factory) const {
-    // Never closed: services, their tasks and their type names outlive any moment at which that would be safe.
-    void* const library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (library == nullptr) {
-        ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, "Can't load plug-in " + path + ": " + lastError());
-        return;
-    }
-    const auto entry = reinterpret_cast<Entry>(dlsym(library, "InjectConfigService"));
+    const auto library = open(path);
+    const auto entry = library ? findEntry(*library, path) : nullptr;
     if (entry == nullptr) {
-        ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, "Plug-in " + path + " has no entry: " + lastError());
         return;
     }
     try {

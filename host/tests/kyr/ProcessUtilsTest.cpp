@@ -1,0 +1,10 @@
+#include <kyr/ProcessUtils.h>
+
+#include <filesystem>
+
+using KyrCoreUtils::ProcessUtils;
+
+TEST(ProcessUtils, KnowsWhereTheProgramLies) {
+    const std::filesystem::path folder = ProcessUtils::getProgramFolder();
+    EXPECT_TRUE(std::filesystem::exists(folder / "host_process_test")) << folder;
+}
