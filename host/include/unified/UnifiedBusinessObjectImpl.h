@@ -24,11 +24,11 @@ public:
     std::string toString() override;
 
 protected:
-    /// `className` is what logs and toString() show.
-    UnifiedBusinessObjectImpl(const std::shared_ptr<UnifiedFactory>& factory, std::string className);
+    /// `objectClass` is what logs and toString() show.
+    UnifiedBusinessObjectImpl(const std::shared_ptr<UnifiedFactory>& factory, std::string objectClass);
     /// `enforceUpdateAccess` false: any thread may use the object until commitToServicesDispatcher().
     UnifiedBusinessObjectImpl(const std::shared_ptr<UnifiedFactory>& factory, bool enforceUpdateAccess,
-                              std::string className);
+                              std::string objectClass);
 
     /// First statement of every guarded operation. On another thread than the services dispatcher's it logs which
     /// operation of which object was called where, and with `enforce` throws UpdateAccessError. The default argument

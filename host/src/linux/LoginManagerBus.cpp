@@ -6,12 +6,12 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <time.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdint>
+#include <ctime>
 #include <limits>
 #include <optional>
 #include <utility>

@@ -18,13 +18,13 @@ ZelLogger& logger = ZelLogger_getLogger("UnifiedFactory-BusinessObject");
 } // namespace
 
 UnifiedBusinessObjectImpl::UnifiedBusinessObjectImpl(const std::shared_ptr<UnifiedFactory>& factory,
-                                                     std::string nameOfClass)
-    : UnifiedBusinessObjectImpl(factory, true, std::move(nameOfClass)) {}
+                                                     std::string objectClass)
+    : UnifiedBusinessObjectImpl(factory, true, std::move(objectClass)) {}
 
 UnifiedBusinessObjectImpl::UnifiedBusinessObjectImpl(const std::shared_ptr<UnifiedFactory>& factory,
-                                                     bool enforceUpdateAccess, std::string nameOfClass)
+                                                     bool enforceUpdateAccess, std::string objectClass)
     : dispatcher(factory ? factory->getServicesDispatcher() : nullptr),
-      className(std::move(nameOfClass)),
+      className(std::move(objectClass)),
       enforced(enforceUpdateAccess) {}
 
 void UnifiedBusinessObjectImpl::addObserver(std::weak_ptr<UnifiedBusinessObjectObserver> observer) {

@@ -12,7 +12,7 @@ namespace zel::logging {
 
 namespace {
 
-constexpr std::size_t fileSize = 5 * 1024 * 1024;
+constexpr std::size_t fileSize = std::size_t{5} * 1024 * 1024;
 constexpr std::size_t keptFiles = 3;
 constexpr auto linePattern = "%Y-%m-%d %H:%M:%S.%e %l [%n] %! %v";
 
