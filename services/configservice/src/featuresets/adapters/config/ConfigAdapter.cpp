@@ -233,10 +233,10 @@ void ConfigAdapter::onPowerEvent(ZelSystemMonitor::PowerEventTypeEnum::PowerEven
 
 void ConfigAdapter::callService(std::string_view taskName, std::wstring_view taskSubject,
                                 std::function<void(ConfigServiceImpl&)> call) {
-    const auto dispatcher = unifiedFactory ? unifiedFactory->getServicesDispatcher() : nullptr;
-    if (!configService || !dispatcher) {
+    if (!configService) {
         return;
     }
+    const auto dispatcher = unifiedFactory->getServicesDispatcher();
     if (dispatcher->checkForUpdateAccess()) {
         call(*configService);
         return;
@@ -283,10 +283,10 @@ void ConfigAdapter::onConfigAddedOrUpdated(std::wstring key, std::wstring value,
 
 void ConfigAdapter::addServiceEvent(int code, ConfigServiceIdsEnum::ConfigServiceIds id,
                                     ServiceEventSeverityEnum::ServiceEventSeverity severity) {
-    const auto dispatcher = unifiedFactory ? unifiedFactory->getServicesDispatcher() : nullptr;
-    if (!dispatcher) {
+    if (!unifiedFactory) {
         return;
     }
+    const auto dispatcher = unifiedFactory->getServicesDispatcher();
     if (!dispatcher->checkForUpdateAccess()) {
         dispatcher->enqueue(
             std::make_shared<FunctionTask>([this, code, id, severity] { addServiceEvent(code, id, severity); },

@@ -415,4 +415,62 @@ INSTANTIATE_TEST_SUITE_P(
                     AnnouncedCase{"Nobody", Stores{}, L"K", {"K:  [] |  [] undefined"}}),
     [](const auto& tested) { return tested.param.name; });
 
+TEST_F(ConfigStoreManagerLookup, OldAndNewNameAreAnnouncedInEveryCombinationOfStores) {
+    const std::wstring oldName = L"TftpServer1";
+    const std::wstring newName = L"TFTPPrimaryServer";
+    struct Row {
+        bool userOld, userNew, adminOld, adminNew;
+        std::string announced;
+    };
+    const std::vector<Row> rows{
+        {false, false, false, false, " [] |  [] undefined"},
+        {false, false, true, false, "ro [R] | ro [R]"},
+        {false, false, false, true, "rn [R] | rn [R]"},
+        {false, false, true, true, "rn [R] | rn [R]"},
+        {true, false, false, false, "lo [L] |  [] overridden"},
+        {true, false, true, false, "lo [L] | ro [R] overridden"},
+        {true, false, false, true, "rn [R] | rn [R]"},
+        {true, false, true, true, "rn [R] | rn [R]"},
+        // A new name of the user's alone counts as overriding nothing, unless the old one stands beside it.
+        {false, true, false, false, "ln [L] |  []"},
+        {false, true, true, false, "ln [L] | ro [R]"},
+        {false, true, false, true, "ln [L] | rn [R] overridden"},
+        {false, true, true, true, "ln [L] | rn [R] overridden"},
+        {true, true, false, false, "ln [L] |  [] overridden"},
+        {true, true, true, false, "ln [L] | ro [R] overridden"},
+        {true, true, false, true, "ln [L] | rn [R] overridden"},
+        {true, true, true, true, "ln [L] | rn [R] overridden"},
+    };
+    const auto user = given(makeWritableStore("L", 20));
+    const auto admin = given(makeReadOnlyStore("R", 33));
+    given(makeReadOnlyStore("Probe", 1000));
+    const auto announcementsOf = [&](const std::wstring& key) {
+        forget();
+        manager.updateExistingConfigStore(makeReadOnlyStore("Probe", 1000), {key});
+        return observer.take();
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(testing::Message() << "user old " << row.userOld << " new " << row.userNew << ", admin old "
+                                        << row.adminOld << " new " << row.adminNew);
+        user->values.clear();
+        admin->values.clear();
+        const auto hold = [](FakeConfigStore& store, bool held, const std::wstring& key, const wchar_t* value) {
+            if (held) {
+                store.values[key] = value;
+            }
+        };
+        hold(*user, row.userOld, oldName, L"lo");
+        hold(*user, row.userNew, newName, L"ln");
+        hold(*admin, row.adminOld, oldName, L"ro");
+        hold(*admin, row.adminNew, newName, L"rn");
+        const auto expected = "TFTPPrimaryServer: " + row.announced;
+        EXPECT_THAT(announcementsOf(newName), ElementsAre(expected));
+        if (row.userNew || row.adminNew) {
+            EXPECT_THAT(announcementsOf(oldName), IsEmpty());
+        } else {
+            EXPECT_THAT(announcementsOf(oldName), ElementsAre(expected));
+        }
+    }
+}
+
 } // namespace ZelUnified

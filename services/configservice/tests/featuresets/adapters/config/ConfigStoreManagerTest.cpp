@@ -384,6 +384,27 @@ TEST_F(ConfigStoreManagerTest, UpdateIsAskedOfTheOldStoreAndItsCopyIsNotAnnounce
     EXPECT_THAT(observer.announcements, IsEmpty());
 }
 
+TEST_F(ConfigStoreManagerTest, TheFactoryIsAskedForTheDispatcherOfEachTask) {
+    struct CountingFactory final : testing_host::RecordingFactory {
+        std::shared_ptr<Processing::TaskDispatcher> getBackgroundDispatcher() override {
+            ++questions;
+            return backgroundDispatcher;
+        }
+        int questions = 0;
+    };
+    const auto counting = std::make_shared<CountingFactory>();
+    ConfigStoreManager asking(counting);
+    EXPECT_EQ(counting->questions, 0);
+    const auto first = std::make_shared<StoreAddedRecorder>();
+    const auto second = std::make_shared<StoreAddedRecorder>();
+    asking.registerConfigStoreAddedObserver(first);
+    asking.registerConfigStoreAddedObserver(second);
+    asking.addStore(makeWritableStore("L", 20));
+    EXPECT_EQ(counting->questions, 2);
+    asking.storeValue(L"k", L"v");
+    EXPECT_EQ(counting->questions, 3);
+}
+
 TEST_F(ConfigStoreManagerTest, StoresAreDestroyedInTheOrderOfTheChain) {
     std::vector<std::string> destroyed;
     for (const auto& [name, priority] : {std::pair("Last", 3), std::pair("First", 1), std::pair("Middle", 2)}) {

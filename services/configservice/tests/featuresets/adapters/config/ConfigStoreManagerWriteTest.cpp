@@ -73,6 +73,17 @@ TEST_F(ConfigStoreManagerWrite, IsPostedForPersistingBeforeObserversHear) {
     EXPECT_THAT(posted, ElementsAre(1U, 1U, 2U, 2U));
 }
 
+TEST_F(ConfigStoreManagerWrite, IsPersistedAlsoAfterTheManagersEnd) {
+    const auto user = makeWritableStore("L", 20);
+    {
+        ConfigStoreManager ending(factory);
+        ending.addStore(user);
+        ending.storeValue(L"k", L"v");
+    }
+    factory->backgroundDispatcher->runAll();
+    EXPECT_EQ(user->timesPersisted, 1);
+}
+
 TEST_F(ConfigStoreManagerWrite, ObserverOfAMapMayRemoveAndAddStoresMeanwhile) {
     std::weak_ptr<ConfigStore> removed = given(makeWritableStore("M", 30));
     given(makeWritableStore("L", 20));
