@@ -30,10 +30,10 @@ bool ConfigLookup::lookupInStores(const std::wstring& key, std::wstring& value, 
 
 bool ConfigLookup::getValue(const std::wstring& key, std::wstring& value, std::wstring& configStoreName,
                             bool& valueFromLegacyKey, bool skipLocal, const std::string& storeFilter,
-                            Road& road) const {
+                            FoundUnder& foundUnder) const {
     if (const auto* alias = keyAliases.lookupKeyAlias(key)) {
         if (lookupInStores(*alias, value, configStoreName, skipLocal, storeFilter)) {
-            road = Road::ThroughNewName;
+            foundUnder = FoundUnder::NewName;
             return true;
         }
         if (!lookupInStores(key, value, configStoreName, skipLocal, storeFilter)) {
@@ -49,7 +49,7 @@ bool ConfigLookup::getValue(const std::wstring& key, std::wstring& value, std::w
     if (legacy == nullptr || !lookupInStores(*legacy, value, configStoreName, skipLocal, storeFilter)) {
         return false;
     }
-    road = Road::ThroughOldName;
+    foundUnder = FoundUnder::OldName;
     valueFromLegacyKey = true;
     return true;
 }

@@ -20,32 +20,6 @@ namespace {
 
 constexpr std::string_view declarationEnd = "?>";
 
-void writeStore(XmlWriter& writer, ConfigStore& store, const ConfigReport::IsSensitive& isSensitive) {
-    const auto keys = store.getKeys();
-    const auto name = store.getName();
-    const auto priority = store.getPriority();
-    if (name == ConfigKeys::configDefaultsFile || keys.empty()) {
-        return;
-    }
-    writer.startElement("store");
-    writer.writeAttribute("name", name);
-    writer.writeAttribute("priority", std::to_string(priority));
-    std::wstring value;
-    for (const auto& key : keys) {
-        if (isSensitive(key)) {
-            continue;
-        }
-        store.getValue(key, value);
-        auto text = toString(value);
-        if (XmlWriter::replaceIllegalCharacters(text)) {
-            ZelLog(configStoreManagerLogger(), ZelLogLevel::Warning, ZEL_HERE,
-                   L"Characters that XML can't carry are replaced in the report of key: " + key);
-        }
-        writer.writeElement(toString(key), text);
-    }
-    writer.endElement();
-}
-
 /// Where the text behind the XML declaration starts. A mark at the very start is no declaration's end; without one the
 /// first byte goes.
 std::size_t startOfContent(const std::string& text) {
@@ -69,6 +43,32 @@ std::wstring ConfigReport::describeStores(const StoreChain::Stores& stores, cons
     }
     writer.endElement();
     return toWideString(writer.finish());
+}
+
+void ConfigReport::writeStore(XmlWriter& writer, ConfigStore& store, const IsSensitive& isSensitive) {
+    const auto keys = store.getKeys();
+    const auto name = store.getName();
+    const auto priority = store.getPriority();
+    if (name == ConfigKeys::configDefaultsFile || keys.empty()) {
+        return;
+    }
+    writer.startElement("store");
+    writer.writeAttribute("name", name);
+    writer.writeAttribute("priority", std::to_string(priority));
+    std::wstring value;
+    for (const auto& key : keys) {
+        if (isSensitive(key)) {
+            continue;
+        }
+        store.getValue(key, value);
+        auto text = toString(value);
+        if (XmlWriter::replaceIllegalCharacters(text)) {
+            ZelLog(configStoreManagerLogger(), ZelLogLevel::Warning, ZEL_HERE,
+                   L"Characters that XML can't carry are replaced in the report of key: " + key);
+        }
+        writer.writeElement(toString(key), text);
+    }
+    writer.endElement();
 }
 
 std::wstring ConfigReport::readDataFiles() {

@@ -26,8 +26,6 @@ ConfigStoreManager::ConfigStoreManager(std::shared_ptr<UnifiedFactory> factory)
            "Creating a new instance of the ConfigStoreManager.");
 }
 
-ConfigStoreManager::~ConfigStoreManager() = default;
-
 void ConfigStoreManager::addStore(const std::shared_ptr<ConfigStore>& store) {
     const std::lock_guard lock(chainLock);
     if (!store) {

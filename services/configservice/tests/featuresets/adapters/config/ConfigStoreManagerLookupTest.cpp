@@ -107,6 +107,17 @@ TEST_F(ConfigStoreManagerLookup, LegacyFlagIsOnlyEverSet) {
     EXPECT_TRUE(valueFromLegacyKey);
 }
 
+TEST_F(ConfigStoreManagerLookup, KeyAndValueMayBeOneString) {
+    given(makeReadOnlyStore("Empty", 10));
+    given(makeReadOnlyStore("R", 33, {{L"TftpServer1", L"old"}, {L"k", L"v"}}));
+    for (const auto& [key, value] :
+         ConfigMap{{L"k", L"v"}, {L"TftpServer1", L"old"}, {L"TFTPPrimaryServer", L"old"}, {L"absent", L""}}) {
+        auto text = key;
+        EXPECT_EQ(manager.getValue(text, text), !value.empty());
+        EXPECT_EQ(text, value);
+    }
+}
+
 TEST_F(ConfigStoreManagerLookup, SkipLocalLeavesOutWhatIsWritable) {
     const auto writable = makeWritableStore("L", 20, {{L"k", L"user"}});
     writable->local = false;
@@ -186,6 +197,18 @@ TEST_F(DebugLookup, SensitiveValueIsHiddenByTheKeyAsAskedAndStillAnswered) {
                             "[R]"));
 }
 
+TEST_F(DebugLookup, SensitivityOfTheOtherNameDoesNotHideTheValue) {
+    manager.setKeySensitive(L"TftpServer1");
+    given(makeReadOnlyStore("R", 33, {{L"TFTPPrimaryServer", L"v"}}));
+    debugLog.clear();
+    EXPECT_EQ(ask(L"TftpServer1").value, L"v");
+    EXPECT_EQ(ask(L"TFTPPrimaryServer").value, L"v");
+    const auto lines = debugLines();
+    ASSERT_EQ(lines.size(), 2U);
+    EXPECT_THAT(lines[0], testing::HasSubstr("value: [VALUE_HIDDEN]"));
+    EXPECT_THAT(lines[1], testing::HasSubstr("value: [v]"));
+}
+
 TEST_F(DebugLookup, PersonalDataIsMaskedInTheLine) {
     given(makeReadOnlyStore("R", 33, {{L"k", L"jane.doe@example.com"}}));
     debugLog.clear();
@@ -245,6 +268,50 @@ TEST_F(ConfigStoreManagerLookup, OriginalValueOfAnOldNameIsReadAgainUnderItUnles
     EXPECT_FALSE(original.fromLegacyKey);
 }
 
+TEST_F(ConfigStoreManagerLookup, OriginalValueOfAnOldNameIsTheOneBeneathTheNewNameWhenOverridden) {
+    given(makeWritableStore("L", 20, {{L"TFTPPrimaryServer", L"u"}}));
+    given(makeReadOnlyStore("R", 33, {{L"TFTPPrimaryServer", L"new"}, {L"TftpServer1", L"old"}}));
+    const auto original = askOriginal(L"TftpServer1");
+    EXPECT_TRUE(original.hasOverride);
+    EXPECT_EQ(original.value, L"new");
+    EXPECT_FALSE(original.fromLegacyKey);
+}
+
+TEST_F(ConfigStoreManagerLookup, OriginalValueOfAnOldNameThatTheUserSetComesFromIt) {
+    given(makeWritableStore("L", 20, {{L"TftpServer1", L"u"}}));
+    given(makeReadOnlyStore("R", 33, {{L"TftpServer1", L"a"}}));
+    const auto original = askOriginal(L"TftpServer1");
+    EXPECT_TRUE(original.hasOverride);
+    EXPECT_EQ(original.value, L"a");
+    EXPECT_TRUE(original.fromLegacyKey);
+}
+
+TEST_F(ConfigStoreManagerLookup, OriginalValueIsAskedNoFurtherThanNeeded) {
+    given(makeWritableStore("L", 20, {{L"k", L"u"}}));
+    given(makeReadOnlyStore("R", 33, {{L"k", L"a"}}));
+    const auto last = given(makeReadOnlyStore("Last", 40, {{L"k", L"z"}}));
+    int questions = 0;
+    last->beforeReading = [&] { ++questions; };
+    EXPECT_EQ(askOriginal(L"k").value, L"a");
+    EXPECT_EQ(questions, 0);
+}
+
+TEST_F(ConfigStoreManagerLookup, StoresThatChangeBetweenTheTwoReadingsAnnounceTheAdministratorsValue) {
+    const auto user = given(makeWritableStore("L", 20, {{L"TftpServer1", L"old"}}));
+    const auto admin = given(makeReadOnlyStore("R", 33));
+    given(makeReadOnlyStore("Probe", 1000));
+    int readings = 0;
+    user->beforeReading = [&] {
+        // The first two readings are those of the value in force, under the new and then under the old name.
+        if (++readings == 3) {
+            user->values[L"TFTPPrimaryServer"] = L"new";
+            admin->values[L"TFTPPrimaryServer"] = L"admin";
+        }
+    };
+    manager.updateExistingConfigStore(makeReadOnlyStore("Probe", 1000), {L"TFTPPrimaryServer"});
+    EXPECT_THAT(observer.announcements, ElementsAre("TFTPPrimaryServer: admin [L] | admin [R]"));
+}
+
 TEST_F(ConfigStoreManagerLookup, OriginalValueOfANewNameFallsBackOnTheOldOne) {
     given(makeWritableStore("L", 20, {{L"TftpServer1", L"u"}}));
     given(makeReadOnlyStore("R", 33, {{L"TftpServer1", L"a"}}));
@@ -274,10 +341,8 @@ TEST_P(AnnouncedValues, FollowTheRules) {
     for (const auto make : GetParam().stores) {
         given(make());
     }
-    // A write to a store of no rank is the plainest way to have one key announced.
-    given(makeWritableStore("InMemoryConfigStore", 600));
-    const auto probe = makeReadOnlyStore("Probe", 1000);
-    given(probe);
+    // An update announces the keys that it is told the old version had: the plainest way to have one key announced.
+    given(makeReadOnlyStore("Probe", 1000));
     manager.updateExistingConfigStore(makeReadOnlyStore("Probe", 1000), {GetParam().key});
     EXPECT_EQ(observer.announcements, GetParam().announced);
 }
@@ -349,5 +414,63 @@ INSTANTIATE_TEST_SUITE_P(
                                   {"TFTPPrimaryServer: u [L] | a [R] overridden"}},
                     AnnouncedCase{"Nobody", Stores{}, L"K", {"K:  [] |  [] undefined"}}),
     [](const auto& tested) { return tested.param.name; });
+
+TEST_F(ConfigStoreManagerLookup, OldAndNewNameAreAnnouncedInEveryCombinationOfStores) {
+    const std::wstring oldName = L"TftpServer1";
+    const std::wstring newName = L"TFTPPrimaryServer";
+    struct Row {
+        bool userOld, userNew, adminOld, adminNew;
+        std::string announced;
+    };
+    const std::vector<Row> rows{
+        {false, false, false, false, " [] |  [] undefined"},
+        {false, false, true, false, "ro [R] | ro [R]"},
+        {false, false, false, true, "rn [R] | rn [R]"},
+        {false, false, true, true, "rn [R] | rn [R]"},
+        {true, false, false, false, "lo [L] |  [] overridden"},
+        {true, false, true, false, "lo [L] | ro [R] overridden"},
+        {true, false, false, true, "rn [R] | rn [R]"},
+        {true, false, true, true, "rn [R] | rn [R]"},
+        // A new name of the user's alone counts as overriding nothing, unless the old one stands beside it.
+        {false, true, false, false, "ln [L] |  []"},
+        {false, true, true, false, "ln [L] | ro [R]"},
+        {false, true, false, true, "ln [L] | rn [R] overridden"},
+        {false, true, true, true, "ln [L] | rn [R] overridden"},
+        {true, true, false, false, "ln [L] |  [] overridden"},
+        {true, true, true, false, "ln [L] | ro [R] overridden"},
+        {true, true, false, true, "ln [L] | rn [R] overridden"},
+        {true, true, true, true, "ln [L] | rn [R] overridden"},
+    };
+    const auto user = given(makeWritableStore("L", 20));
+    const auto admin = given(makeReadOnlyStore("R", 33));
+    given(makeReadOnlyStore("Probe", 1000));
+    const auto announcementsOf = [&](const std::wstring& key) {
+        forget();
+        manager.updateExistingConfigStore(makeReadOnlyStore("Probe", 1000), {key});
+        return observer.take();
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(testing::Message() << "user old " << row.userOld << " new " << row.userNew << ", admin old "
+                                        << row.adminOld << " new " << row.adminNew);
+        user->values.clear();
+        admin->values.clear();
+        const auto hold = [](FakeConfigStore& store, bool held, const std::wstring& key, const wchar_t* value) {
+            if (held) {
+                store.values[key] = value;
+            }
+        };
+        hold(*user, row.userOld, oldName, L"lo");
+        hold(*user, row.userNew, newName, L"ln");
+        hold(*admin, row.adminOld, oldName, L"ro");
+        hold(*admin, row.adminNew, newName, L"rn");
+        const auto expected = "TFTPPrimaryServer: " + row.announced;
+        EXPECT_THAT(announcementsOf(newName), ElementsAre(expected));
+        if (row.userNew || row.adminNew) {
+            EXPECT_THAT(announcementsOf(oldName), IsEmpty());
+        } else {
+            EXPECT_THAT(announcementsOf(oldName), ElementsAre(expected));
+        }
+    }
+}
 
 } // namespace ZelUnified

@@ -1,6 +1,9 @@
 #include "ConfigStoreManagerFixture.h"
 
 #include <ConfigStoreAddedObserver.h>
+#include <Watchdog.h>
+
+#include <thread>
 
 namespace ZelUnified {
 
@@ -26,6 +29,7 @@ TEST(ConfigStoreManager, ConstructionIsLogged) {
     EXPECT_THAT(log.getTexts("ConfigService-ConfigStoreManager"),
                 ElementsAre("Creating a new instance of the ConfigStoreManager."));
     EXPECT_EQ(log.getRecords().front().level, ZelLogLevel::Info);
+    EXPECT_EQ(log.getRecords().front().function, "ZelUnified::ConfigStoreManager::ConfigStoreManager");
 }
 
 TEST_F(ConfigStoreManagerTest, ArrivalAnnouncesAllKeysBeforeFiring) {
@@ -243,7 +247,8 @@ TEST_F(ConfigStoreManagerTest, RegistrationOfStoreAddedObserversIsLogged) {
     EXPECT_THAT(logged(), ElementsAre("ConfigStoreAddedObserver registered",
                                       "Attempt to unregister null ConfigStoreAddedObserver",
                                       "Attempt to unregister unknown ConfigStoreAddedObserver"));
-    EXPECT_EQ(log.getTexts(ZelLogLevel::Warning).size(), 2U);
+    EXPECT_THAT(loggedAt(ZelLogLevel::Info), ElementsAre("ConfigStoreAddedObserver registered"));
+    EXPECT_EQ(loggedAt(ZelLogLevel::Warning).size(), 2U);
 }
 
 TEST_F(ConfigStoreManagerTest, WithoutADispatcherNotificationsAreDropped) {
@@ -291,6 +296,123 @@ TEST_F(ConfigStoreManagerTest, AliasTableIsHandedOut) {
     const auto aliases = manager.getKeyAliases();
     EXPECT_EQ(aliases.size(), 18U);
     EXPECT_EQ(aliases.find(L"vvm_mailstore_pollinginterval")->second, L"VoicmeailPollingInterval");
+}
+
+TEST_F(ConfigStoreManagerTest, ChangesOfTheChainAreInfoLinesUnderTheirOperations) {
+    manager.addStore(makeReadOnlyStore("R", 33));
+    manager.addStore(makeReadOnlyStore("R", 33));
+    manager.removeStoreWithSameName("R");
+    std::vector<std::string> functions;
+    for (const auto& record : log.getRecords()) {
+        EXPECT_EQ(record.level, ZelLogLevel::Info) << record.text;
+        functions.push_back(record.function);
+    }
+    EXPECT_THAT(functions,
+                ElementsAre("ZelUnified::ConfigStoreManager::addStore", "ZelUnified::ConfigStoreManager::addStore",
+                            "ZelUnified::ConfigStoreManager::addStore",
+                            "ZelUnified::ConfigStoreManager::removeStoreWithSameName"));
+}
+
+TEST_F(ConfigStoreManagerTest, StoreAddedObserversAreToldAfterAllAnnouncements) {
+    const auto added = std::make_shared<StoreAddedRecorder>();
+    manager.registerConfigStoreAddedObserver(added);
+    observer.reaction = [&](const std::wstring&) {
+        EXPECT_THAT(factory->backgroundDispatcher->getTaskNames(), IsEmpty());
+    };
+    manager.addStore(makeReadOnlyStore("R", 33, {{L"k", L"1"}}));
+    EXPECT_EQ(observer.announcements.size(), 2U);
+    EXPECT_EQ(factory->backgroundDispatcher->getTaskNames().size(), 1U);
+}
+
+TEST_F(ConfigStoreManagerTest, StoreAddedObserversAreToldInTheOrderOfTheirRegistration) {
+    struct Named final : ConfigStoreAddedObserver {
+        Named(std::string ownName, std::vector<std::string>& order) : name(std::move(ownName)), told(order) {}
+        void OnConfigStoreAdded(const std::string& storeName) override { told.push_back(name + " " + storeName); }
+        const std::string name;
+        std::vector<std::string>& told;
+    };
+    std::vector<std::string> told;
+    std::vector<std::shared_ptr<Named>> observers;
+    for (const auto* name : {"first", "second", "third"}) {
+        observers.push_back(std::make_shared<Named>(name, told));
+        manager.registerConfigStoreAddedObserver(observers.back());
+    }
+    manager.addStore(makeReadOnlyStore("R", 33));
+    factory->backgroundDispatcher->runAll();
+    EXPECT_THAT(told, ElementsAre("first R", "second R", "third R"));
+}
+
+TEST_F(ConfigStoreManagerTest, EveryObserverIsToldOnceAndANullOneIsIgnored) {
+    RecordingObserver second;
+    manager.addObserver(nullptr);
+    manager.addObserver(&second);
+    manager.addObserver(&second);
+    manager.addStore(makeReadOnlyStore("R", 33, {{L"k", L"1"}}));
+    manager.setKeySensitive(L"k");
+    EXPECT_THAT(second.announcements, ElementsAre("k: 1 [R] | 1 [R] deferred", "fire k", "sensitive k"));
+    EXPECT_EQ(observer.announcements, second.announcements);
+}
+
+TEST_F(ConfigStoreManagerTest, SensitiveKeyIsInForceForEveryThreadWhenObserversHear) {
+    const testing_host::Watchdog watchdog;
+    bool known = false;
+    observer.reaction = [&](const std::wstring& key) {
+        std::thread([&] { known = manager.isSensitiveKey(key); }).join();
+        manager.addStore(makeReadOnlyStore("Nested", 33));
+    };
+    manager.setKeySensitive(L"Secret");
+    EXPECT_TRUE(known);
+    EXPECT_TRUE(manager.hasStoreWithName("Nested"));
+}
+
+TEST_F(ConfigStoreManagerTest, StoreIsFoundByNameWhileAnotherThreadHoldsTheChain) {
+    const testing_host::Watchdog watchdog;
+    const auto store = given(makeReadOnlyStore("R", 33));
+    std::shared_ptr<ConfigStore> found;
+    observer.reaction = [&](const std::wstring&) { std::thread([&] { found = manager.getStoreByName("r"); }).join(); };
+    manager.addStore(makeReadOnlyStore("S", 34, {{L"k", L"1"}}));
+    EXPECT_EQ(found, store);
+}
+
+TEST_F(ConfigStoreManagerTest, UpdateIsAskedOfTheOldStoreAndItsCopyIsNotAnnounced) {
+    const auto update = makeReadOnlyStore("R", 33);
+    update->caching = true;
+    given(makeReadOnlyStore("R", 33));
+    given(makeReadOnlyStore("cachedR.dat", 34, {{L"k", L"copy"}}));
+    manager.addStore(update);
+    EXPECT_TRUE(manager.hasStoreWithName("cachedR.dat"));
+    EXPECT_THAT(observer.announcements, IsEmpty());
+}
+
+TEST_F(ConfigStoreManagerTest, TheFactoryIsAskedForTheDispatcherOfEachTask) {
+    struct CountingFactory final : testing_host::RecordingFactory {
+        std::shared_ptr<Processing::TaskDispatcher> getBackgroundDispatcher() override {
+            ++questions;
+            return backgroundDispatcher;
+        }
+        int questions = 0;
+    };
+    const auto counting = std::make_shared<CountingFactory>();
+    ConfigStoreManager asking(counting);
+    EXPECT_EQ(counting->questions, 0);
+    const auto first = std::make_shared<StoreAddedRecorder>();
+    const auto second = std::make_shared<StoreAddedRecorder>();
+    asking.registerConfigStoreAddedObserver(first);
+    asking.registerConfigStoreAddedObserver(second);
+    asking.addStore(makeWritableStore("L", 20));
+    EXPECT_EQ(counting->questions, 2);
+    asking.storeValue(L"k", L"v");
+    EXPECT_EQ(counting->questions, 3);
+}
+
+TEST_F(ConfigStoreManagerTest, StoresAreDestroyedInTheOrderOfTheChain) {
+    std::vector<std::string> destroyed;
+    for (const auto& [name, priority] : {std::pair("Last", 3), std::pair("First", 1), std::pair("Middle", 2)}) {
+        const auto store = given(makeReadOnlyStore(name, priority));
+        store->whenDestroyed = [&destroyed, name = name] { destroyed.emplace_back(name); };
+    }
+    manager.destroyStores();
+    EXPECT_THAT(destroyed, ElementsAre("First", "Middle", "Last"));
 }
 
 } // namespace ZelUnified
