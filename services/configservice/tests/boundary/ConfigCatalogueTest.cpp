@@ -2,8 +2,11 @@
 
 #include <ConfigCatalogue.h>
 #include <ConfigMap.h>
+#include <TemporaryProfile.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <regex>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -129,6 +132,21 @@ TEST(ConfigCatalogue, HoldsTheAgreedTextsInTheirWidthAndOrder) {
         EXPECT_EQ(std::string(entry.narrow), width == Width::Narrow ? text : "");
         EXPECT_EQ(KyrCoreUtils::toString(entry.wide), width == Width::Wide ? text : "");
     }
+}
+
+TEST(ConfigCatalogue, EveryConstantOfTheHeaderIsARowInItsPlace) {
+    const auto header = testing_host::readFile(std::filesystem::path(INCLUDE_FOLDER) / "ConfigKeys.h");
+    const std::regex constant(R"re(std::(w?)string_view\s+\w+\s*=\s*L?"([^"]*)";)re");
+    std::vector<std::string> declared;
+    for (std::sregex_iterator found(header.begin(), header.end(), constant), end; found != end; ++found) {
+        declared.push_back((*found)[1].str() + (*found)[2].str());
+    }
+    std::vector<std::string> rows;
+    for (const auto& row : agreed) {
+        rows.push_back((row.width == Width::Wide ? "w" : "") +
+                       std::regex_replace(row.text, std::regex(R"(\\)"), R"(\\)"));
+    }
+    EXPECT_EQ(declared, rows);
 }
 
 TEST(ConfigCatalogue, NoTwoNamesAreOneKey) {

@@ -4,6 +4,7 @@
 #include <ConfigStore.h>
 
 #include <functional>
+#include <memory>
 #include <mutex>
 #include <string>
 
