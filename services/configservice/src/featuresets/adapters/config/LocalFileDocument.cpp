@@ -105,6 +105,9 @@ void LocalFileDocument::write(const ConfigMap& table, zel::SecureString& content
         writer.endElement();
     }
     std::string text = writer.finish();
+    if (text.empty()) {
+        return;
+    }
     content = zel::SecureString(text);
     zel::SecureString::wipe(text);
 }

@@ -99,7 +99,7 @@ bool build(const ConfigMap& values, std::string& xml) {
         zel::SecureString::wipe(text);
     }
     xml = writer.finish();
-    return true;
+    return !xml.empty();
 }
 
 bool holdsOnlyText(const xmlNode& element) {
@@ -109,6 +109,14 @@ bool holdsOnlyText(const xmlNode& element) {
         }
     }
     return true;
+}
+
+std::size_t textLength(const xmlNode& element) {
+    std::size_t length = 0;
+    for (const xmlNode* child = element.children; child != nullptr; child = child->next) {
+        length += static_cast<std::size_t>(xmlStrlen(child->content));
+    }
+    return length;
 }
 
 bool isSensitive(const xmlNode& element) {
@@ -243,6 +251,7 @@ std::string XmlConfigParser::extractStringFromXmlNode(XmlScrubber& scrubber, xml
     }
     const bool scrubs = isSensitive(element);
     std::string text;
+    text.reserve(textLength(element)); // growing would leave copies behind
     for (xmlNode* child = element.children; child != nullptr; child = child->next) {
         if (child->content != nullptr) {
             text += reinterpret_cast<const char*>(child->content);

@@ -4,10 +4,9 @@
 
 #include <libxml/entities.h>
 #include <libxml/parser.h>
-#include <openssl/crypto.h>
 
-#include <cstring>
 #include <filesystem>
+#include <string_view>
 #include <system_error>
 
 namespace ZelUnified {
@@ -19,28 +18,27 @@ XmlDocument own(xmlDocPtr document) {
     return document == nullptr ? nullptr : XmlDocument(document, &xmlFreeDoc);
 }
 
-std::string toText(const xmlChar* text) {
-    return text == nullptr ? std::string() : std::string(reinterpret_cast<const char*>(text));
+std::string_view toText(const xmlChar* text) {
+    return text == nullptr ? std::string_view() : reinterpret_cast<const char*>(text);
 }
 
-std::size_t lengthOf(const xmlChar* text) {
-    return text == nullptr ? 0 : std::strlen(reinterpret_cast<const char*>(text));
-}
-
-/// Takes what the entities among `node` and its siblings expand to from `budget`; false when it does not suffice.
-bool payForEntities(const xmlDoc* document, const xmlNode* node, std::size_t& budget, int depth) {
+/// Appends the text of `node` and its siblings, their entities resolved; false when `budget`, which the content of
+/// entities is paid from, does not suffice. The library's own function begins the text anew with each reference, so its
+/// time grows with the square of their number.
+bool appendText(const xmlNode* node, int depth, std::size_t& budget, std::string& text) {
     constexpr int deepest = 256;
     for (; node != nullptr; node = node->next) {
         const bool isReference = node->type == XML_ENTITY_REF_NODE;
-        const xmlEntity* entity = isReference ? xmlGetDocEntity(document, node->name) : nullptr;
-        const std::size_t cost = 1 + (depth > 0 ? lengthOf(isReference ? nullptr : node->content) : 0) +
-                                 (entity != nullptr && entity->children == nullptr ? lengthOf(entity->content) : 0);
+        const xmlEntity* entity = isReference ? xmlGetDocEntity(node->doc, node->name) : nullptr;
+        const bool isNested = entity != nullptr && entity->children != nullptr;
+        const std::string_view part = isNested ? "" : toText(entity != nullptr ? entity->content : node->content);
+        const std::size_t cost = isReference || depth > 0 ? 1 + part.size() : 0;
         if (cost > budget) {
             return false;
         }
         budget -= cost;
-        if (entity != nullptr && entity->children != nullptr &&
-            (depth == deepest || !payForEntities(document, entity->children, budget, depth + 1))) {
+        text += part;
+        if (isNested && (depth == deepest || !appendText(entity->children, depth + 1, budget, text))) {
             return false;
         }
     }
@@ -60,7 +58,8 @@ XmlDocument XmlReader::readFile(const std::string& path) {
 }
 
 XmlDocument XmlReader::parseDoc(const std::string& text) {
-    if (text.size() > sizeLimit) {
+    // The library would end at a zero and take what stands before it for the whole.
+    if (text.size() > sizeLimit || text.find('\0') != std::string::npos) {
         return nullptr;
     }
     const XmlGuard guard;
@@ -76,26 +75,19 @@ XmlDocument XmlReader::readMemory(const std::string& text, const std::string& ur
 }
 
 std::string XmlReader::getName(const xmlNode& node) {
-    return toText(node.name);
+    return std::string(toText(node.name));
 }
 
 std::string XmlReader::getName(const xmlAttr& attribute) {
-    return toText(attribute.name);
+    return std::string(toText(attribute.name));
 }
 
 std::optional<std::string> XmlReader::getText(const xmlAttr& attribute, std::size_t& budget) {
-    const bool isPlain = attribute.children == nullptr ||
-                         (attribute.children->type == XML_TEXT_NODE && attribute.children->next == nullptr);
-    if (!isPlain && !payForEntities(attribute.doc, attribute.children, budget, 0)) {
+    std::string text;
+    if (!appendText(attribute.children, 0, budget, text)) {
         return std::nullopt;
     }
-    xmlChar* text = xmlNodeListGetString(attribute.doc, attribute.children, 1);
-    std::string result = toText(text);
-    if (text != nullptr) {
-        OPENSSL_cleanse(text, result.size());
-        xmlFree(text);
-    }
-    return result;
+    return text;
 }
 
 } // namespace ZelUnified

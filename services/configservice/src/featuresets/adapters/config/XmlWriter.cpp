@@ -37,34 +37,40 @@ XmlWriter::XmlWriter(Declaration declaration) : buffer(makeXmlBuffer()) {
     }
     xmlTextWriterSetIndent(writer.get(), 1);
     if (declaration == Declaration::With) {
-        xmlTextWriterStartDocument(writer.get(), nullptr, "utf-8", nullptr);
+        note(xmlTextWriterStartDocument(writer.get(), nullptr, "utf-8", nullptr));
     }
 }
 
 XmlWriter::~XmlWriter() = default;
 
 void XmlWriter::startElement(const std::string& name) {
-    xmlTextWriterStartElement(writer.get(), toXml(name));
+    note(xmlTextWriterStartElement(writer.get(), toXml(name)));
 }
 
 void XmlWriter::endElement() {
-    xmlTextWriterEndElement(writer.get());
+    note(xmlTextWriterEndElement(writer.get()));
 }
 
 void XmlWriter::writeElement(const std::string& name, const std::string& text) {
+    if (name.empty()) {
+        return;
+    }
     const XmlGuard guard;
-    xmlTextWriterWriteElement(writer.get(), toXml(name), toXml(text));
+    note(xmlTextWriterWriteElement(writer.get(), toXml(name), toXml(text)));
 }
 
 void XmlWriter::writeAttribute(const std::string& name, const std::string& text) {
     const XmlGuard guard;
-    xmlTextWriterWriteAttribute(writer.get(), toXml(name), toXml(text));
+    note(xmlTextWriterWriteAttribute(writer.get(), toXml(name), toXml(text)));
 }
 
 std::string XmlWriter::finish() {
     const XmlGuard guard;
-    xmlTextWriterEndDocument(writer.get());
-    xmlTextWriterFlush(writer.get());
+    note(xmlTextWriterEndDocument(writer.get()));
+    note(xmlTextWriterFlush(writer.get()));
+    if (failed) {
+        return {};
+    }
     const auto length = static_cast<std::size_t>(xmlBufferLength(buffer.get()));
     return {reinterpret_cast<const char*>(xmlBufferContent(buffer.get())), length};
 }

@@ -24,10 +24,11 @@ public:
 
     void startElement(const std::string& name);
     void endElement();
-    /// An element with a text. The name is not checked; the text is to be free of illegal characters.
+    /// An element with a text. The name is not checked, but without one the element is left out; the text is to be free
+    /// of illegal characters.
     void writeElement(const std::string& name, const std::string& text);
     void writeAttribute(const std::string& name, const std::string& text);
-    /// Ends all that is open and gives the document. Call once.
+    /// Ends all that is open and gives the document, or nothing when a part of it could not be written. Call once.
     std::string finish();
 
     /// Puts U+FFFD in the place of each character that XML 1.0 can't carry, NUL included: one of them would make the
@@ -39,6 +40,10 @@ private:
         void operator()(xmlTextWriter* released) const { xmlFreeTextWriter(released); }
     };
 
+    /// Remembers the failure that the library's answer tells of.
+    void note(int written) { failed = failed || written < 0; }
+
+    bool failed = false;
     // The writer goes before the buffer that it writes into.
     XmlBuffer buffer;
     std::unique_ptr<xmlTextWriter, WriterDeleter> writer;

@@ -1,3 +1,5 @@
+#include "XmlTestSupport.h"
+
 #include <featuresets/adapters/config/XmlReader.h>
 #include <featuresets/adapters/config/XmlWriter.h>
 #include <gtest/gtest.h>
@@ -20,6 +22,35 @@ TEST(XmlWriter, WritesAnIndentedUtf8Document) {
     EXPECT_EQ(writer.finish(), "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<a>\n"
                                " <b k=\"&lt;&amp;&gt;&quot;&#9;&#13;&#10;\xC3\xA9\"/>\n"
                                " <c>&lt;&amp;&gt;&quot;\t&#13;\n\xC3\xA9</c>\n <d></d>\n</a>\n");
+}
+
+TEST(XmlWriter, LeavesAnElementWithoutANameOut) {
+    XmlWriter writer;
+    writer.startElement("a");
+    writer.writeElement("", "x");
+    writer.writeElement("b", "y");
+    EXPECT_EQ(writer.finish(), "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<a>\n <b>y</b>\n</a>\n");
+}
+
+TEST(XmlWriter, IsNotReadyWithoutMemory) {
+    const xml_test::XmlMemoryLimit none(0);
+    EXPECT_FALSE(XmlWriter().isReady());
+}
+
+TEST(XmlWriter, NeverGivesADocumentOutOfWhichAPartIsMissing) {
+    XmlWriter writer;
+    writer.startElement("a");
+    for (int count = 0; count < 10'000; ++count) {
+        writer.writeElement("before", "x");
+    }
+    {
+        const xml_test::XmlMemoryLimit limit(10'000);
+        writer.startElement("long");
+        writer.writeAttribute("value", std::string(500'000, '<'));
+        writer.endElement();
+    }
+    writer.writeElement("after", "x");
+    EXPECT_EQ(writer.finish(), "");
 }
 
 TEST(XmlWriter, ReplacesWhatXmlCantCarry) {
