@@ -16,6 +16,7 @@
 #include <secure/FipsValueOverride.h>
 #include <secure/SecureBuffer.h>
 #include <secure/SecureString.h>
+#include <secure/StackWiper.h>
 
 #include <filesystem>
 #include <fstream>
@@ -81,12 +82,9 @@ void reserveForOwner(const std::string& path) {
                                  ignored);
 }
 
-/// The document of a table; false when the library fails.
-bool build(const ConfigMap& values, std::string& xml) {
+/// The document of a table.
+std::string build(const ConfigMap& values) {
     XmlWriter writer;
-    if (!writer.isReady()) {
-        return false;
-    }
     writer.startElement("Lumora");
     writer.startElement("CachedConfig");
     for (const auto& [key, value] : values) {
@@ -98,8 +96,7 @@ bool build(const ConfigMap& values, std::string& xml) {
         writer.writeElement(KyrCoreUtils::toString(key), text);
         zel::SecureString::wipe(text);
     }
-    xml = writer.finish();
-    return true;
+    return writer.finish();
 }
 
 bool holdsOnlyText(const xmlNode& element) {
@@ -132,6 +129,7 @@ bool XmlConfigParser::readFromFile(const std::string& path, ConfigMap& values, C
 }
 
 bool XmlConfigParser::readFromEncryptedFile(const std::string& path, ConfigMap& values, ConfigKeySet& sensitiveKeys) {
+    const zel::StackWiper wiper;
     values.clear();
     zel::SecureString content;
     if (!EncryptFileUtils::readDataFromFile(path, content, categoryOf(path))) {
@@ -175,11 +173,9 @@ bool XmlConfigParser::writeToFile(const std::string& path, const std::string& xm
 }
 
 bool XmlConfigParser::writeToFile(const std::string& path, const ConfigMap& values) {
+    const zel::StackWiper wiper;
     ensureParentDirectory(path);
-    std::string text;
-    if (!build(values, text)) {
-        return false;
-    }
+    std::string text = build(values);
     const zel::SecureString content(text);
     const bool written = EncryptFileUtils::writeDataToFile(path, content, categoryOf(path));
     zel::SecureString::wipe(text);
@@ -188,7 +184,8 @@ bool XmlConfigParser::writeToFile(const std::string& path, const ConfigMap& valu
 }
 
 bool XmlConfigParser::writeToMemory(std::string& xml, const ConfigMap& values) {
-    return build(values, xml);
+    xml = build(values);
+    return true;
 }
 
 bool XmlConfigParser::parseXmlConfig(const XmlDocument& document, ConfigMap& values, ConfigKeySet& sensitiveKeys) {

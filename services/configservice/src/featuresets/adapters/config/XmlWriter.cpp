@@ -1,17 +1,13 @@
 #include "XmlWriter.h"
 
-#include "XmlGuard.h"
-
 #include <openssl/crypto.h>
 #include <secure/SecureString.h>
+
+#include <algorithm>
 
 namespace ZelUnified {
 
 namespace {
-
-const xmlChar* toXml(const std::string& text) {
-    return reinterpret_cast<const xmlChar*>(text.c_str());
-}
 
 /// The length of an illegal character at `position` of valid UTF-8, or 0.
 std::size_t illegalLength(const std::string& text, std::size_t position) {
@@ -24,49 +20,130 @@ std::size_t illegalLength(const std::string& text, std::size_t position) {
     return isNonCharacter ? 3 : 0;
 }
 
-} // namespace
-
-XmlWriter::XmlWriter(Declaration declaration) : buffer(makeXmlBuffer()) {
-    if (!buffer) {
-        return;
-    }
-    const XmlGuard guard;
-    writer.reset(xmlNewTextWriterMemory(buffer.get(), 0));
-    if (!writer) {
-        return;
-    }
-    xmlTextWriterSetIndent(writer.get(), 1);
-    if (declaration == Declaration::With) {
-        xmlTextWriterStartDocument(writer.get(), nullptr, "utf-8", nullptr);
+/// What stands for `character` in a text; empty for itself.
+std::string_view escapeInElement(char character) {
+    switch (character) {
+    case '<':
+        return "&lt;";
+    case '>':
+        return "&gt;";
+    case '&':
+        return "&amp;";
+    case '"':
+        return "&quot;";
+    case '\r':
+        return "&#13;";
+    default:
+        return {};
     }
 }
 
-XmlWriter::~XmlWriter() = default;
+std::string_view escapeInAttribute(char character) {
+    switch (character) {
+    case '\n':
+        return "&#10;";
+    case '\t':
+        return "&#9;";
+    default:
+        return escapeInElement(character);
+    }
+}
+
+} // namespace
+
+XmlWriter::XmlWriter(Declaration declaration) {
+    if (declaration == Declaration::With) {
+        append("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n");
+    }
+}
+
+XmlWriter::~XmlWriter() {
+    OPENSSL_cleanse(document.data(), document.size());
+}
 
 void XmlWriter::startElement(const std::string& name) {
-    xmlTextWriterStartElement(writer.get(), toXml(name));
+    if (isInStartTag) {
+        append(">\n");
+    }
+    appendIndentation();
+    openElements.emplace_back(name.c_str());
+    append("<");
+    append(openElements.back());
+    isInStartTag = true;
 }
 
 void XmlWriter::endElement() {
-    xmlTextWriterEndElement(writer.get());
+    const std::string name = std::move(openElements.back());
+    openElements.pop_back();
+    if (isInStartTag) {
+        append("/>\n");
+    } else {
+        appendIndentation();
+        append("</");
+        append(name);
+        append(">\n");
+    }
+    isInStartTag = false;
 }
 
 void XmlWriter::writeElement(const std::string& name, const std::string& text) {
-    const XmlGuard guard;
-    xmlTextWriterWriteElement(writer.get(), toXml(name), toXml(text));
+    if (name.c_str()[0] == '\0') {
+        return;
+    }
+    startElement(name);
+    append(">");
+    for (const char character : text) {
+        appendEscaped(character, escapeInElement(character));
+    }
+    append("</");
+    append(openElements.back());
+    append(">\n");
+    openElements.pop_back();
+    isInStartTag = false;
 }
 
 void XmlWriter::writeAttribute(const std::string& name, const std::string& text) {
-    const XmlGuard guard;
-    xmlTextWriterWriteAttribute(writer.get(), toXml(name), toXml(text));
+    append(" ");
+    append(name.c_str());
+    append("=\"");
+    for (const char character : text) {
+        appendEscaped(character, escapeInAttribute(character));
+    }
+    append("\"");
 }
 
 std::string XmlWriter::finish() {
-    const XmlGuard guard;
-    xmlTextWriterEndDocument(writer.get());
-    xmlTextWriterFlush(writer.get());
-    const auto length = static_cast<std::size_t>(xmlBufferLength(buffer.get()));
-    return {reinterpret_cast<const char*>(xmlBufferContent(buffer.get())), length};
+    while (!openElements.empty()) {
+        endElement();
+    }
+    return std::move(document);
+}
+
+void XmlWriter::appendEscaped(char character, std::string_view escaped) {
+    append(escaped.empty() ? std::string_view(&character, 1) : escaped);
+}
+
+void XmlWriter::appendIndentation() {
+    makeRoom(openElements.size());
+    document.append(openElements.size(), ' ');
+}
+
+void XmlWriter::append(std::string_view text) {
+    makeRoom(text.size());
+    document.append(text);
+}
+
+/// Grows without leaving what was written in the memory given back.
+void XmlWriter::makeRoom(std::size_t count) {
+    const std::size_t needed = document.size() + count;
+    if (needed <= document.capacity()) {
+        return;
+    }
+    std::string larger;
+    larger.reserve(std::max(needed, 2 * document.capacity()));
+    larger.append(document);
+    zel::SecureString::wipe(document);
+    document.swap(larger);
 }
 
 bool XmlWriter::replaceIllegalCharacters(std::string& utf8) {

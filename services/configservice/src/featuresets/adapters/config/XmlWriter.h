@@ -1,15 +1,14 @@
 #pragma once
 
-#include "XmlBuffer.h"
-
-#include <libxml/xmlwriter.h>
-
-#include <memory>
+#include <cstddef>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace ZelUnified {
 
-/// Builds one document in memory with libxml2's text writer: UTF-8, indented. The memory is zeroed at the end.
+/// Builds one document in memory, byte for byte as libxml2's text writer does: UTF-8, one blank of indentation a level.
+/// That one leaves copies of what it wrote in memory that it frees; this one has a single buffer and zeroes it.
 class XmlWriter {
 public:
     enum class Declaration { With, Without };
@@ -19,15 +18,14 @@ public:
     XmlWriter(const XmlWriter&) = delete;
     XmlWriter& operator=(const XmlWriter&) = delete;
 
-    /// False when the library could not give what is needed; nothing may be written then.
-    bool isReady() const { return writer != nullptr; }
-
+    /// Names are not checked. They end at a NUL.
     void startElement(const std::string& name);
     void endElement();
-    /// An element with a text. The name is not checked; the text is to be free of illegal characters.
+    /// An element with a text, which is to be free of illegal characters. Without a name it is left out.
     void writeElement(const std::string& name, const std::string& text);
+    /// Right behind startElement().
     void writeAttribute(const std::string& name, const std::string& text);
-    /// Ends all that is open and gives the document. Call once.
+    /// Ends all that is open and gives the document, which is the caller's to wipe. Call once.
     std::string finish();
 
     /// Puts U+FFFD in the place of each character that XML 1.0 can't carry, NUL included: one of them would make the
@@ -35,13 +33,14 @@ public:
     static bool replaceIllegalCharacters(std::string& utf8);
 
 private:
-    struct WriterDeleter {
-        void operator()(xmlTextWriter* released) const { xmlFreeTextWriter(released); }
-    };
+    void append(std::string_view text);
+    void appendEscaped(char character, std::string_view escaped);
+    void appendIndentation();
+    void makeRoom(std::size_t count);
 
-    // The writer goes before the buffer that it writes into.
-    XmlBuffer buffer;
-    std::unique_ptr<xmlTextWriter, WriterDeleter> writer;
+    std::string document;
+    std::vector<std::string> openElements;
+    bool isInStartTag = false;
 };
 
 } // namespace ZelUnified

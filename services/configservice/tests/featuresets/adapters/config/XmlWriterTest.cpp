@@ -10,7 +10,6 @@ using ZelUnified::XmlWriter;
 
 TEST(XmlWriter, WritesAnIndentedUtf8Document) {
     XmlWriter writer;
-    ASSERT_TRUE(writer.isReady());
     writer.startElement("a");
     writer.startElement("b");
     writer.writeAttribute("k", "<&>\"\t\r\n\xC3\xA9");
@@ -20,6 +19,37 @@ TEST(XmlWriter, WritesAnIndentedUtf8Document) {
     EXPECT_EQ(writer.finish(), "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<a>\n"
                                " <b k=\"&lt;&amp;&gt;&quot;&#9;&#13;&#10;\xC3\xA9\"/>\n"
                                " <c>&lt;&amp;&gt;&quot;\t&#13;\n\xC3\xA9</c>\n <d></d>\n</a>\n");
+}
+
+TEST(XmlWriter, GivesEachLevelABlankAndEndsWhatIsOpen) {
+    XmlWriter writer(XmlWriter::Declaration::Without);
+    writer.startElement("a");
+    writer.startElement("b");
+    writer.startElement("c");
+    writer.endElement();
+    writer.endElement();
+    writer.startElement("d");
+    EXPECT_EQ(writer.finish(), "<a>\n <b>\n  <c/>\n </b>\n <d/>\n</a>\n");
+}
+
+TEST(XmlWriter, LeavesOutAnElementWithoutAName) {
+    XmlWriter writer(XmlWriter::Declaration::Without);
+    writer.startElement("a");
+    writer.writeElement("", "lost");
+    writer.writeElement(std::string("b\0c", 3), "kept");
+    EXPECT_EQ(writer.finish(), "<a>\n <b>kept</b>\n</a>\n");
+}
+
+TEST(XmlWriter, TakesTextsOfAnyLength) {
+    XmlWriter writer(XmlWriter::Declaration::Without);
+    std::string expected = "<a>\n";
+    writer.startElement("a");
+    for (std::size_t length = 1; length < 100'000; length *= 3) {
+        const std::string text(length, 'x');
+        writer.writeElement("b", text);
+        expected += " <b>" + text + "</b>\n";
+    }
+    EXPECT_EQ(writer.finish(), expected + "</a>\n");
 }
 
 TEST(XmlWriter, ReplacesWhatXmlCantCarry) {
