@@ -34,9 +34,6 @@ std::size_t startOfContent(const std::string& text) {
 
 std::wstring ConfigReport::describeStores(const StoreChain::Stores& stores, const IsSensitive& isSensitive) {
     XmlWriter writer(XmlWriter::Declaration::Without);
-    if (!writer.isReady()) {
-        return L"";
-    }
     writer.startElement("AllMemoryConfigs");
     for (const auto& store : stores) {
         writeStore(writer, *store, isSensitive);

@@ -94,9 +94,6 @@ std::wstring LocalFileDocument::migrateKey(const std::wstring& key) {
 
 void LocalFileDocument::write(const ConfigMap& table, zel::SecureString& content) {
     XmlWriter writer;
-    if (!writer.isReady()) {
-        return;
-    }
     writer.startElement("Lumora");
     for (const auto& [key, value] : table) {
         writer.startElement("userConfig");

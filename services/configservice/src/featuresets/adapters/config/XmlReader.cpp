@@ -4,18 +4,30 @@
 
 #include <libxml/entities.h>
 #include <libxml/parser.h>
+#include <openssl/crypto.h>
 
 #include <filesystem>
+#include <memory>
+#include <span>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 namespace ZelUnified {
 
 namespace {
 
+using ParserContext = std::unique_ptr<xmlParserCtxt, decltype(&xmlFreeParserCtxt)>;
+
 XmlDocument own(xmlDocPtr document) {
     // An empty owner for no document: callers test it as they would the pointer.
     return document == nullptr ? nullptr : XmlDocument(document, &xmlFreeDoc);
+}
+
+/// Whether the parser still works on the bytes it was given. A conversion to UTF-8 puts other memory in their place.
+bool isUnconverted(const xmlParserCtxt& context) {
+    const xmlParserInput* input = context.input;
+    return input != nullptr && input->buf != nullptr && input->buf->encoder == nullptr;
 }
 
 std::string_view toText(const xmlChar* text) {
@@ -57,13 +69,25 @@ XmlDocument XmlReader::readFile(const std::string& path) {
     return own(xmlReadFile(path.c_str(), nullptr, 0));
 }
 
+/// The library parses a copy of the text, which it would leave in memory that it frees.
 XmlDocument XmlReader::parseDoc(const std::string& text) {
     // The library would end at a zero and take what stands before it for the whole.
     if (text.size() > sizeLimit || text.find('\0') != std::string::npos) {
         return nullptr;
     }
     const XmlGuard guard;
-    return own(xmlParseDoc(reinterpret_cast<const xmlChar*>(text.c_str())));
+    const ParserContext context(xmlCreateDocParserCtxt(reinterpret_cast<const xmlChar*>(text.c_str())),
+                                &xmlFreeParserCtxt);
+    if (!context || context->input == nullptr) {
+        return nullptr;
+    }
+    const std::span<const xmlChar> copy(context->input->base, context->input->end);
+    xmlParseDocument(context.get());
+    if (copy.data() != reinterpret_cast<const xmlChar*>(text.data()) && isUnconverted(*context)) {
+        OPENSSL_cleanse(const_cast<xmlChar*>(copy.data()), copy.size());
+    }
+    const XmlDocument document = own(std::exchange(context->myDoc, nullptr));
+    return context->wellFormed != 0 ? document : nullptr;
 }
 
 XmlDocument XmlReader::readMemory(const std::string& text, const std::string& url) {
