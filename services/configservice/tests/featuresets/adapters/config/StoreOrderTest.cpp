@@ -157,7 +157,10 @@ TEST_P(StoreOrder, OfTwoNeighboursTheFirstAnswers) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Arrival, StoreOrder, testing::Bool(),
-                         [](const auto& info) { return info.param ? "InTheOppositeOrder" : "InOrder"; });
+std::string arrivalLabel(const testing::TestParamInfo<bool>& opposite) {
+    return opposite.param ? "InTheOppositeOrder" : "InOrder";
+}
+
+INSTANTIATE_TEST_SUITE_P(Arrival, StoreOrder, testing::Bool(), arrivalLabel);
 
 } // namespace ZelUnified
