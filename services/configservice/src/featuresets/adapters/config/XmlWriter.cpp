@@ -82,7 +82,7 @@ int append(void* document, const char* bytes, int count) {
 XmlWriter::XmlWriter(Declaration declaration) {
     const XmlGuard guard;
     output = xmlOutputBufferCreateIO(&append, nullptr, &document, nullptr);
-    writer.reset(xmlNewTextWriter(output));
+    writer.reset(output == nullptr ? nullptr : xmlNewTextWriter(output));
     if (!writer) {
         xmlOutputBufferClose(output);
         failed = true;
