@@ -48,6 +48,7 @@ struct Explanation {
     std::wstring currentName;
     std::optional<std::wstring> earlierName;
     bool askedByEarlierName = false;
+    bool sensitive = false;
     std::optional<Reading> inForce;
     std::vector<Opinion> opinions; ///< In chain order.
     std::optional<Reading> administrators;

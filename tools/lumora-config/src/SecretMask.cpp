@@ -19,7 +19,8 @@ std::wstring SecretMask::show(const std::wstring& key, const std::wstring& value
 }
 
 void SecretMask::hide(Explanation& explanation) const {
-    if (showSecrets || !isSensitive(explanation.key)) {
+    explanation.sensitive = isSensitive(explanation.key);
+    if (showSecrets || !explanation.sensitive) {
         return;
     }
     for (auto* reading : {&explanation.inForce, &explanation.administrators}) {
