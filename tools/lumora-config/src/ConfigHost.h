@@ -18,8 +18,8 @@
 namespace lumora_config {
 
 /// A whole host in one object: it settles the folders, takes the profile, loads the plug-in and ends it again. The
-/// service and the feature set live as long as the host does. At its end all that was delayed happens at
-/// once: the user's file and its backup are both written then. Made, used and destroyed by the main thread.
+/// service and the feature set live as long as the host does. At its end all that was delayed happens at once: the
+/// user's file and its backup are both written then. Made, used and destroyed by the main thread.
 class ConfigHost {
 public:
     /// Loads the plug-in; the feature set is not started yet. Throws Failure (Environment): nothing is left running.
