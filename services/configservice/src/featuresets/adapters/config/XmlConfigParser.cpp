@@ -16,6 +16,7 @@
 #include <secure/FipsValueOverride.h>
 #include <secure/SecureBuffer.h>
 #include <secure/SecureString.h>
+#include <secure/StackWiper.h>
 
 #include <filesystem>
 #include <fstream>
@@ -140,6 +141,7 @@ bool XmlConfigParser::readFromFile(const std::string& path, ConfigMap& values, C
 }
 
 bool XmlConfigParser::readFromEncryptedFile(const std::string& path, ConfigMap& values, ConfigKeySet& sensitiveKeys) {
+    const zel::StackWiper wiper;
     values.clear();
     zel::SecureString content;
     if (!EncryptFileUtils::readDataFromFile(path, content, categoryOf(path))) {
@@ -183,6 +185,7 @@ bool XmlConfigParser::writeToFile(const std::string& path, const std::string& xm
 }
 
 bool XmlConfigParser::writeToFile(const std::string& path, const ConfigMap& values) {
+    const zel::StackWiper wiper;
     ensureParentDirectory(path);
     std::string text;
     if (!build(values, text)) {

@@ -151,7 +151,8 @@ void XmlWriter::writeEscaped(std::string_view text, Escape escape) {
     OPENSSL_cleanse(piece.data(), piece.size());
 }
 
-/// Small enough never to make the library's own buffer grow, which would leave the smaller one as it was.
+/// Small enough never to make the library's own buffers grow, which would leave the smaller ones as they were. One of
+/// them is for the conversion to UTF-8, which changes nothing.
 void XmlWriter::writePiece(std::string_view piece) {
     if (failed) {
         return;
@@ -159,10 +160,13 @@ void XmlWriter::writePiece(std::string_view piece) {
     note(xmlTextWriterWriteRawLen(writer.get(), reinterpret_cast<const xmlChar*>(piece.data()),
                                   static_cast<int>(piece.size())));
     xmlChar* const buffered = xmlBufContent(output->buffer);
+    xmlChar* const converted = output->conv == nullptr ? nullptr : xmlBufContent(output->conv);
     const std::size_t length = xmlBufUse(output->buffer);
     note(xmlTextWriterFlush(writer.get()));
-    if (buffered != nullptr) {
-        OPENSSL_cleanse(buffered, length);
+    for (xmlChar* copy : {buffered, converted}) {
+        if (copy != nullptr) {
+            OPENSSL_cleanse(copy, length);
+        }
     }
 }
 
