@@ -1,4 +1,5 @@
-# bash completion for lumora-config                                       -*- shell-script -*-
+# bash completion for lumora-config
+# shellcheck shell=bash
 
 # The options that stand before or behind every command, and those that want an argument.
 _lumora_config_global='-h --help --version --profile --config-dir --data-dir --state-dir --resources-dir --plugin-dir
