@@ -92,9 +92,7 @@ void XmlWriter::writeElement(const std::string& name, const std::string& text) {
     }
     startElement(name);
     append(">");
-    for (const char character : text) {
-        appendEscaped(character, escapeInElement(character));
-    }
+    appendEscaped(text, escapeInElement);
     append("</");
     append(openElements.back());
     append(">\n");
@@ -106,9 +104,7 @@ void XmlWriter::writeAttribute(const std::string& name, const std::string& text)
     append(" ");
     append(name.c_str());
     append("=\"");
-    for (const char character : text) {
-        appendEscaped(character, escapeInAttribute(character));
-    }
+    appendEscaped(text, escapeInAttribute);
     append("\"");
 }
 
@@ -119,8 +115,16 @@ std::string XmlWriter::finish() {
     return std::move(document);
 }
 
-void XmlWriter::appendEscaped(char character, std::string_view escaped) {
-    append(escaped.empty() ? std::string_view(&character, 1) : escaped);
+void XmlWriter::appendEscaped(std::string_view text, std::string_view (*escape)(char)) {
+    std::size_t begin = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (const std::string_view escaped = escape(text[i]); !escaped.empty()) {
+            append(text.substr(begin, i - begin));
+            append(escaped);
+            begin = i + 1;
+        }
+    }
+    append(text.substr(begin));
 }
 
 void XmlWriter::appendIndentation() {

@@ -34,7 +34,7 @@ public:
 
 private:
     void append(std::string_view text);
-    void appendEscaped(char character, std::string_view escaped);
+    void appendEscaped(std::string_view text, std::string_view (*escape)(char));
     void appendIndentation();
     void makeRoom(std::size_t count);
 
