@@ -114,7 +114,7 @@ TEST_P(CrashTest, TheNextProcessBeginsWithWhatWasOnTheDisk) {
     }
     std::cout << "seed " << seed << ", " << rounds << " kills, " << starts << " starts, " << writes << " writes\n";
     EXPECT_GT(starts, rounds / 2);
-    EXPECT_GT(writes, rounds);
+    EXPECT_GT(writes, rounds / 2);
 }
 
 std::string nameOf(const testing::TestParamInfo<Disturbance>& info) {

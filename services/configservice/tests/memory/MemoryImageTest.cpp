@@ -19,12 +19,12 @@ class MemoryImageTest : public testing::Test {
 protected:
     void plantInUserFile() const {
         const auto store = std::make_shared<ZelUnified::LocalFileConfigStore>("LocalFileConfigStore", 20, false);
-        store->storeValue(L"secret", secret.text());
+        store->storeValue(L"ConnectionPassword", secret.text());
         store->persistValues();
     }
 
     void plantInCachedCopy(const std::string& name) const {
-        ZelUnified::ConfigMap values{{L"secret", secret.text()}};
+        ZelUnified::ConfigMap values{{L"ConnectionPassword", secret.text()}};
         const auto path = profile.config() / "Cache" / ("cached" + name + ".dat");
         const ZelUnified::CacheConfigStore writer(name, 240, path.string(), values);
     }
@@ -47,6 +47,11 @@ protected:
 TEST_F(MemoryImageTest, AUserStoreHoldsASecretInItsTableAndInThatOfTheLastWriteAlone) {
     plantInUserFile();
     expectCopies("user", 2);
+}
+
+TEST_F(MemoryImageTest, AServiceHoldsASecretInItsStoresTablesAndInItsRecordAlone) {
+    plantInUserFile();
+    expectCopies("service", 3);
 }
 
 TEST_F(MemoryImageTest, ACachedCopyHoldsASecretInItsTableAlone) {

@@ -4,9 +4,14 @@
 #include <zel/LogSink.h>
 
 #include <CacheConfigStore.h>
+#include <ConfigFeatureSet.h>
+#include <ConfigService.h>
+#include <ConfigServiceIds.h>
 #include <LocalFileConfigStore.h>
+#include <RecordingFactory.h>
 #include <services/impl/ConfigFileCacheTimer.h>
 #include <services/impl/ConfigFileCacheTimerCallBack.h>
+#include <services/impl/InjectConfigService.h>
 #include <sys/prctl.h>
 
 #include <cstdlib>
@@ -50,6 +55,18 @@ void stopHere() {
     std::getline(std::cin, line);
 }
 
+/// The whole service, on a factory without threads.
+void runService() {
+    const auto factory = std::make_shared<testing_host::RecordingFactory>();
+    InjectConfigService(factory);
+    const auto featureSet = factory->getFeatureSetByType<ZelUnified::ConfigFeatureSet>();
+    factory->getFeatureSetAdapter(ZelUnified::configServiceId)->StartFeatureSet(ZelUnified::configServiceId, nullptr);
+    factory->getServiceByType<ZelUnified::ConfigService>()->setConfig(L"another", L"key");
+    factory->backgroundDispatcher->runAll();
+    stopHere();
+    factory->Destroy();
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -62,6 +79,10 @@ int main(int argc, char** argv) {
     zel::logging::logToStandardError(true);
     zel::logging::logToFile(std::string(argv[3]) + "/session.log");
     const std::string_view scenario = argv[4];
+    if (scenario == "service") {
+        runService();
+        return EXIT_SUCCESS;
+    }
     const auto store = scenario == "user" ? openUserStore() : openCachedCopy(argv[4]);
     store->storeValue(L"another", L"key");
     store->persistValues();

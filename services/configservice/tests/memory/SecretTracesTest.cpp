@@ -34,7 +34,7 @@ protected:
 
     void persistSecret(const std::string& beside) const {
         const auto store = std::make_shared<ZelUnified::LocalFileConfigStore>("LocalFileConfigStore", 20, false);
-        store->storeValue(L"secret", secret.text());
+        store->storeValue(L"ConnectionPassword", secret.text());
         store->storeValue(L"beside", std::wstring(beside.begin(), beside.end()));
         store->persistValues();
     }
@@ -78,6 +78,7 @@ TEST_F(SecretTracesTest, LogsErrorsTemporaryFilesAndBackupsHoldNoSecret) {
     persistSecret("first");
     dieInEachStep();
     runSession("user");
+    runSession("service");
     // A document that is not well-formed makes the parser quote it.
     writeProtected("lumoraLocalConfig.dat", "<Lumora><userConfig name=\"secret\" value=\"" + narrow + "\"></oops>");
     runSession("user");

@@ -1,6 +1,7 @@
 #include "ConfigServiceImpl.h"
 
 #include "CalendarIntegrationTypeCheck.h"
+#include "secure/SecureString.h"
 
 #include <kyr/StringUtils.h>
 #include <unified/UnifiedFactory.h>
@@ -170,6 +171,8 @@ void ConfigServiceImpl::OnConfigChanged(std::wstring key, std::wstring value, st
         record->applyValuesAndFire(value, originalValue, isOverridden, isDefined, valueStoreName,
                                    originalValueStoreName);
     }
+    zel::SecureString::wipe(value);
+    zel::SecureString::wipe(originalValue);
 }
 
 void ConfigServiceImpl::FireIfRequired(std::wstring key) {

@@ -1,6 +1,7 @@
 #include "ConfigAdapter.h"
 
 #include "ConfigAdapterLogger.h"
+#include "ConfigChangeObservers.h"
 #include "ConfigDirectoryReset.h"
 #include "StorePriorities.h"
 #include "services/impl/ConfigFileCacheTimer.h"
@@ -272,12 +273,15 @@ void ConfigAdapter::onSensitiveKeyAddedOrUpdated(std::wstring key) {
 void ConfigAdapter::onConfigAddedOrUpdated(std::wstring key, std::wstring value, std::wstring originalValue,
                                            bool isOverridden, bool isDefined, std::wstring valueStoreName,
                                            std::wstring originalValueStoreName, bool deferFire) {
+    // Shared, and zeroed with its last holder: a task is copied on its way.
+    const auto change = std::make_shared<const ConfigChange>(
+        ConfigChange{std::move(value), std::move(originalValue), isOverridden, isDefined, std::move(valueStoreName),
+                     std::move(originalValueStoreName)});
     callService("ConfigServiceImpl::OnConfigChanged", {},
-                [key = std::move(key), value = std::move(value), originalValue = std::move(originalValue), isOverridden,
-                 isDefined, valueStoreName = std::move(valueStoreName),
-                 originalValueStoreName = std::move(originalValueStoreName), deferFire](ConfigServiceImpl& service) {
-                    service.OnConfigChanged(key, value, originalValue, isOverridden, isDefined, valueStoreName,
-                                            originalValueStoreName, deferFire);
+                [key = std::move(key), change, deferFire](ConfigServiceImpl& service) {
+                    service.OnConfigChanged(key, change->value, change->originalValue, change->isOverridden,
+                                            change->isDefined, change->valueStoreName, change->originalValueStoreName,
+                                            deferFire);
                 });
 }
 

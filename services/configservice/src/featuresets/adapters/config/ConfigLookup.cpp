@@ -1,6 +1,7 @@
 #include "ConfigLookup.h"
 
 #include "secure/FipsValueOverride.h"
+#include "secure/SecureString.h"
 
 #include <kyr/StringUtils.h>
 
@@ -93,6 +94,7 @@ bool ConfigLookup::findOriginalValue(const std::wstring& key, std::wstring& orig
             found = true;
         }
     }
+    zel::SecureString::wipe(writableValue);
     originalValue = std::move(readOnlyValue);
     return hasOverride;
 }

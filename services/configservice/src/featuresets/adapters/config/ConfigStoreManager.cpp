@@ -2,6 +2,7 @@
 
 #include "CachedConfigFiles.h"
 #include "ConfigStoreManagerLogger.h"
+#include "secure/SecureString.h"
 
 #include <kyr/StringUtils.h>
 
@@ -211,6 +212,7 @@ ConfigChange ConfigStoreManager::readConfigChange(const std::wstring& key) const
     const bool hasOverride =
         getOriginalValue(key, change.originalValue, change.originalValueStoreName, originalFromLegacyKey);
     if (valueFromLegacyKey && !originalFromLegacyKey && hasOverride) {
+        zel::SecureString::wipe(change.value);
         change.value = change.originalValue;
         return change;
     }
@@ -221,7 +223,9 @@ ConfigChange ConfigStoreManager::readConfigChange(const std::wstring& key) const
 bool ConfigStoreManager::isHeld(const std::wstring& key) const {
     std::wstring value;
     std::wstring storeName;
-    return lookup.lookupInStores(key, value, storeName, false, "");
+    const bool held = lookup.lookupInStores(key, value, storeName, false, "");
+    zel::SecureString::wipe(value);
+    return held;
 }
 
 } // namespace ZelUnified
