@@ -21,6 +21,7 @@ std::vector<json> ofType(const Outcome& outcome, const std::string& type) {
 
 std::vector<std::string> describe(const std::vector<json>& notifications) {
     std::vector<std::string> texts;
+    texts.reserve(notifications.size());
     for (const auto& line : notifications) {
         texts.push_back(line.at("property").get<std::string>() + ": " + line.at("old").get<std::string>() + " -> " +
                         line.at("new").get<std::string>());

@@ -195,7 +195,7 @@ TEST_F(ConfigValueBaseImplTest, AnObserverThatLosesItsOwnerDuringThePassIsStillC
     auto second = observe();
     const std::weak_ptr<RecordingValueObserver> watched = second;
     std::vector<std::string> order;
-    second->reaction = [&](const std::string&) { order.push_back("second"); };
+    second->reaction = [&](const std::string&) { order.emplace_back("second"); };
     first->reaction = [&](const std::string&) { second.reset(); };
     record->fireValue();
     EXPECT_THAT(order, ElementsAre("second"));

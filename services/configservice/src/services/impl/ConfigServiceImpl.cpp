@@ -216,7 +216,7 @@ std::shared_ptr<ConfigValueImpl> ConfigServiceImpl::findConfig(const std::wstrin
 
 std::shared_ptr<ConfigValueImpl> ConfigServiceImpl::findConfigFromKey(const std::wstring& key) {
     if (const auto found = configValues.find(key); found != configValues.end()) {
-        const auto record = found->second;
+        auto record = found->second;
         applyCachedValueFipsRule(*record);
         return record;
     }
