@@ -9,8 +9,10 @@ namespace ZelUnified::ConfigKeys {
 
 /// One row of the catalogue: a text in the one width in which it is used. The other width is empty.
 struct CatalogueEntry {
+    // NOLINTBEGIN(google-explicit-constructor): a row is the name alone.
     constexpr CatalogueEntry(std::wstring_view text) : wide(text) {}
     constexpr CatalogueEntry(std::string_view text) : narrow(text) {}
+    // NOLINTEND(google-explicit-constructor)
 
     constexpr bool isWide() const { return !wide.empty(); }
 
