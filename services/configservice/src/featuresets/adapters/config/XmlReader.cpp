@@ -4,11 +4,10 @@
 
 #include <libxml/entities.h>
 #include <libxml/parser.h>
-#include <openssl/crypto.h>
+#include <libxml/parserInternals.h>
 
 #include <filesystem>
 #include <memory>
-#include <span>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -24,10 +23,19 @@ XmlDocument own(xmlDocPtr document) {
     return document == nullptr ? nullptr : XmlDocument(document, &xmlFreeDoc);
 }
 
-/// Whether the parser still works on the bytes it was given. A conversion to UTF-8 puts other memory in their place.
-bool isUnconverted(const xmlParserCtxt& context) {
-    const xmlParserInput* input = context.input;
-    return input != nullptr && input->buf != nullptr && input->buf->encoder == nullptr;
+/// The parser works on `text` itself: of a copy it would leave parts in memory that it gives back.
+bool setInput(xmlParserCtxt& context, const std::string& text) {
+    xmlParserInputBuffer* bytes =
+        xmlParserInputBufferCreateStatic(text.data(), static_cast<int>(text.size()), XML_CHAR_ENCODING_NONE);
+    if (bytes == nullptr) {
+        return false;
+    }
+    xmlParserInput* input = xmlNewIOInputStream(&context, bytes, XML_CHAR_ENCODING_NONE);
+    if (input == nullptr) {
+        xmlFreeParserInputBuffer(bytes);
+        return false;
+    }
+    return inputPush(&context, input) >= 0;
 }
 
 std::string_view toText(const xmlChar* text) {
@@ -69,23 +77,17 @@ XmlDocument XmlReader::readFile(const std::string& path) {
     return own(xmlReadFile(path.c_str(), nullptr, 0));
 }
 
-/// The library parses a copy of the text, which it would leave in memory that it frees.
 XmlDocument XmlReader::parseDoc(const std::string& text) {
     // The library would end at a zero and take what stands before it for the whole.
     if (text.size() > sizeLimit || text.find('\0') != std::string::npos) {
         return nullptr;
     }
     const XmlGuard guard;
-    const ParserContext context(xmlCreateDocParserCtxt(reinterpret_cast<const xmlChar*>(text.c_str())),
-                                &xmlFreeParserCtxt);
-    if (!context || context->input == nullptr) {
+    const ParserContext context(xmlNewParserCtxt(), &xmlFreeParserCtxt);
+    if (!context || !setInput(*context, text)) {
         return nullptr;
     }
-    const std::span<const xmlChar> copy(context->input->base, context->input->end);
     xmlParseDocument(context.get());
-    if (copy.data() != reinterpret_cast<const xmlChar*>(text.data()) && isUnconverted(*context)) {
-        OPENSSL_cleanse(const_cast<xmlChar*>(copy.data()), copy.size());
-    }
     const XmlDocument document = own(std::exchange(context->myDoc, nullptr));
     return context->wellFormed != 0 ? document : nullptr;
 }

@@ -91,6 +91,9 @@ XmlWriter::XmlWriter(Declaration declaration) {
     xmlTextWriterSetIndent(writer.get(), 1);
     if (declaration == Declaration::With) {
         note(xmlTextWriterStartDocument(writer.get(), nullptr, "utf-8", nullptr));
+        note(xmlTextWriterFlush(writer.get()));
+        // All that follows is UTF-8 already; the conversion would make another copy of it.
+        xmlCharEncCloseFunc(std::exchange(output->encoder, nullptr));
     }
 }
 
@@ -151,8 +154,7 @@ void XmlWriter::writeEscaped(std::string_view text, Escape escape) {
     OPENSSL_cleanse(piece.data(), piece.size());
 }
 
-/// Small enough never to make the library's own buffers grow, which would leave the smaller ones as they were. One of
-/// them is for the conversion to UTF-8, which changes nothing.
+/// Small enough never to make the library's own buffer grow, which would leave the smaller one as it was.
 void XmlWriter::writePiece(std::string_view piece) {
     if (failed) {
         return;
@@ -160,13 +162,10 @@ void XmlWriter::writePiece(std::string_view piece) {
     note(xmlTextWriterWriteRawLen(writer.get(), reinterpret_cast<const xmlChar*>(piece.data()),
                                   static_cast<int>(piece.size())));
     xmlChar* const buffered = xmlBufContent(output->buffer);
-    xmlChar* const converted = output->conv == nullptr ? nullptr : xmlBufContent(output->conv);
     const std::size_t length = xmlBufUse(output->buffer);
     note(xmlTextWriterFlush(writer.get()));
-    for (xmlChar* copy : {buffered, converted}) {
-        if (copy != nullptr) {
-            OPENSSL_cleanse(copy, length);
-        }
+    if (buffered != nullptr) {
+        OPENSSL_cleanse(buffered, length);
     }
 }
 
