@@ -2,12 +2,15 @@
 
 #include "XmlGuard.h"
 
+#include <kyr/StringUtils.h>
+
 #include <libxml/entities.h>
 #include <libxml/parser.h>
-#include <libxml/parserInternals.h>
+#include <openssl/crypto.h>
 
 #include <filesystem>
 #include <memory>
+#include <span>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -23,19 +26,38 @@ XmlDocument own(xmlDocPtr document) {
     return document == nullptr ? nullptr : XmlDocument(document, &xmlFreeDoc);
 }
 
-/// The parser works on `text` itself: of a copy it would leave parts in memory that it gives back.
-bool setInput(xmlParserCtxt& context, const std::string& text) {
-    xmlParserInputBuffer* bytes =
-        xmlParserInputBufferCreateStatic(text.data(), static_cast<int>(text.size()), XML_CHAR_ENCODING_NONE);
-    if (bytes == nullptr) {
-        return false;
+using Bytes = std::span<xmlChar>;
+
+/// Whether a parser takes the bytes as they are; in doubt false.
+bool isUtf8(std::string_view text) {
+    const auto declaration = text.substr(0, text.find("?>"));
+    const auto encoding = declaration.find("encoding");
+    return encoding == std::string_view::npos ||
+           KyrCoreUtils::toLowercase(declaration.substr(encoding)).find("utf-8") != std::string::npos;
+}
+
+/// The copy of `text` that a parser works on. It is kept from growing, which it would do for nothing and by moving away
+/// from what it held. Empty where there is none to look after: a conversion puts other memory in its place.
+Bytes fixInput(const xmlParserCtxt& context, const std::string& text) {
+    const xmlParserInput* input = context.input;
+    const bool isCopy = input != nullptr && input->base != reinterpret_cast<const xmlChar*>(text.data());
+    if (!isCopy || input->buf == nullptr || !isUtf8(text)) {
+        return {};
     }
-    xmlParserInput* input = xmlNewIOInputStream(&context, bytes, XML_CHAR_ENCODING_NONE);
-    if (input == nullptr) {
-        xmlFreeParserInputBuffer(bytes);
-        return false;
+    input->buf->readcallback = nullptr;
+    return {const_cast<xmlChar*>(input->base), const_cast<xmlChar*>(input->end)};
+}
+
+/// Zeroes the copy, if the parser still holds it where it was.
+void wipeInput(const xmlParserCtxt& context, Bytes copy) {
+    const xmlParserInput* input = context.input;
+    if (copy.empty() || input == nullptr || input->buf == nullptr) {
+        return;
     }
-    return inputPush(&context, input) >= 0;
+    const xmlChar* held = xmlBufContent(input->buf->buffer);
+    if (held >= copy.data() && held <= copy.data() + copy.size()) {
+        OPENSSL_cleanse(copy.data(), copy.size());
+    }
 }
 
 std::string_view toText(const xmlChar* text) {
@@ -83,11 +105,14 @@ XmlDocument XmlReader::parseDoc(const std::string& text) {
         return nullptr;
     }
     const XmlGuard guard;
-    const ParserContext context(xmlNewParserCtxt(), &xmlFreeParserCtxt);
-    if (!context || !setInput(*context, text)) {
+    const ParserContext context(xmlCreateDocParserCtxt(reinterpret_cast<const xmlChar*>(text.c_str())),
+                                &xmlFreeParserCtxt);
+    if (!context) {
         return nullptr;
     }
+    const Bytes copy = fixInput(*context, text);
     xmlParseDocument(context.get());
+    wipeInput(*context, copy);
     const XmlDocument document = own(std::exchange(context->myDoc, nullptr));
     return context->wellFormed != 0 ? document : nullptr;
 }

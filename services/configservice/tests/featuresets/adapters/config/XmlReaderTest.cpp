@@ -60,6 +60,19 @@ TEST(XmlReader, RefusesNulBytesDepthAndHugeTexts) {
     EXPECT_EQ(XmlReader::readFile((profile.root() / "huge.xml").string()), nullptr);
 }
 
+TEST(XmlReader, TakesDocumentsOfEveryLength) {
+    std::string elements;
+    for (int count = 0; count < 300; ++count) {
+        for (const auto* encoding : {"UTF-8", "ISO-8859-1"}) {
+            std::string text = "<?xml version='1.0' encoding='" + std::string(encoding) + "'?><a>" + elements + "</a>";
+            const std::string before = text;
+            EXPECT_NE(XmlReader::parseDoc(text), nullptr) << count << encoding;
+            EXPECT_EQ(text, before);
+        }
+        elements += " <key>a value of some length</key>\n";
+    }
+}
+
 TEST(XmlReader, RefusesWhatIsBehindAZero) {
     EXPECT_NE(XmlReader::parseDoc("<a/>"), nullptr);
     EXPECT_EQ(XmlReader::parseDoc(std::string("<a/>\0<b/>", 9)), nullptr);
