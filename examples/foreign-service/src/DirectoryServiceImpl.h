@@ -16,7 +16,8 @@
 
 namespace example {
 
-/// Holds the records that it follows; the records hold their observers weakly, so nothing has to be undone at the end.
+/// Holds the records that it follows. A record holds its observer weakly, so that goes by itself; the connection to a
+/// notifier is the one thing to be undone at the end.
 class DirectoryServiceImpl final : public DirectoryService {
 public:
     explicit DirectoryServiceImpl(const std::shared_ptr<ZelUnified::UnifiedFactory>& factory);

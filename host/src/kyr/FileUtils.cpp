@@ -44,7 +44,7 @@ bool hasExtension(const fs::path& file, const std::string& extension) {
         return true;
     }
     const std::string own = textFromPath(file.extension());
-    return !own.empty() && caseInsensitiveStringEquals(std::string_view(own).substr(1), std::string_view(extension));
+    return !own.empty() && caseInsensitiveStringEquals(std::string_view(own).substr(1), extension);
 }
 
 /// The files of `directory` that bear `extension` go to `files`, its subdirectories to `pending`.

@@ -1,3 +1,4 @@
+#include "FileDescriptor.h"
 #include "kyr/PlatformFiles.h"
 
 #include <fcntl.h>
@@ -12,22 +13,7 @@ namespace KyrCoreUtils::platform {
 
 namespace {
 
-class Descriptor {
-public:
-    explicit Descriptor(int opened) : number(opened) {}
-    ~Descriptor() {
-        if (number >= 0) {
-            ::close(number);
-        }
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-
-    int get() const { return number; }
-
-private:
-    const int number;
-};
+using zel::platform::FileDescriptor;
 
 int errorOf(int result) {
     return result < 0 ? errno : 0;
@@ -84,7 +70,7 @@ int copyContent(int from, int to) {
 
 /// A copy beside the target takes its name only when it is complete.
 int moveAcrossDevices(const std::filesystem::path& source, const std::filesystem::path& target, bool failIfExists) {
-    const Descriptor from(::open(source.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+    const FileDescriptor from(::open(source.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
     struct stat status {};
     if (from.get() < 0 || ::fstat(from.get(), &status) != 0) {
         return errno;
@@ -93,7 +79,7 @@ int moveAcrossDevices(const std::filesystem::path& source, const std::filesystem
         return EXDEV;
     }
     std::string temporary = (target.parent_path() / ".moving-XXXXXX").string();
-    const Descriptor to(::mkostemp(temporary.data(), O_CLOEXEC));
+    const FileDescriptor to(::mkostemp(temporary.data(), O_CLOEXEC));
     if (to.get() < 0) {
         return errno;
     }
@@ -138,7 +124,7 @@ int moveFile(const std::filesystem::path& source, const std::filesystem::path& t
 }
 
 int makePrivateFile(const std::filesystem::path& path) noexcept {
-    const Descriptor file(
+    const FileDescriptor file(
         ::open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0600));
     struct stat status {};
     if (file.get() < 0 || ::fstat(file.get(), &status) != 0) {

@@ -1,3 +1,5 @@
+#include "kyr/HexDigits.h"
+
 #include <kyr/FileUtils.h>
 #include <unified/ProfileLock.h>
 
@@ -33,11 +35,9 @@ std::string settledPath(const std::string& directory) {
 std::string lockFileName(const std::string& path) {
     std::array<unsigned char, SHA256_DIGEST_LENGTH> digest{};
     SHA256(reinterpret_cast<const unsigned char*>(path.data()), path.size(), digest.data());
-    constexpr std::string_view digits = "0123456789abcdef";
     std::string name = "profile-";
     for (std::size_t i = 0; i < digest.size() / 2; ++i) {
-        name += digits[digest[i] >> 4];
-        name += digits[digest[i] & 0x0f];
+        KyrCoreUtils::appendHex(name, digest[i]);
     }
     return name + ".lock";
 }

@@ -9,15 +9,12 @@ namespace zel::registry {
 
 namespace {
 
+ZelLogger& logger = ZelLogger_getLogger("Host-Registry");
+
 constexpr std::wstring_view mailClients = L"SOFTWARE\\Clients\\Mail";
 
-ZelLogger& logger() {
-    static ZelLogger& instance = ZelLogger_getLogger("Host-Registry");
-    return instance;
-}
-
 void warn(const std::string& path, std::size_t line, const std::string& reason) {
-    ZelLog(logger(), ZelLogLevel::Warning, ZEL_HERE,
+    ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE,
            "Registry file " + path + ", line " + std::to_string(line) + ": " + reason +
                "; the rest of the file is not read");
 }

@@ -2,7 +2,6 @@
 #include "RegistryFolder.h"
 
 #include <kyr/FileUtils.h>
-#include <kyr/StringUtils.h>
 #include <registry/RegistryFiles.h>
 #include <registry/RegistryTextFile.h>
 
@@ -21,7 +20,6 @@ std::shared_ptr<Registry> makeFileRegistry(RegistryFolders folders, DefaultMailC
 }
 
 int installRegistryText(const RegistryText& text, const std::string& name) {
-    constexpr std::string_view extension = ".reg";
     if (name.empty() || name.front() == '.' || name.find_first_of(std::string_view("/\\:\0", 4)) != std::string::npos) {
         return EINVAL;
     }
@@ -32,10 +30,10 @@ int installRegistryText(const RegistryText& text, const std::string& name) {
     if (const int error = KyrCoreUtils::FileUtils::createDirectory(folder); error != 0) {
         return error;
     }
-    const bool complete =
-        name.size() > extension.size() && KyrCoreUtils::caseInsensitiveStringEquals(
-                                              std::string_view(name).substr(name.size() - extension.size()), extension);
-    const auto path = folder + KyrCoreUtils::FileUtils::FileSeparator() + name + std::string(complete ? "" : extension);
+    auto path = folder + KyrCoreUtils::FileUtils::FileSeparator() + name;
+    if (!isRegistryFileName(name)) {
+        path += registryFileExtension;
+    }
     return replaceRegistryFile(path, formatRegistryText(text.sections));
 }
 

@@ -19,14 +19,13 @@ namespace {
 
 constexpr std::uintmax_t maximumSize = 64U << 20U;
 
-bool isRegistryFileName(const std::string& name) {
-    constexpr std::string_view extension = ".reg";
-    return name.size() > extension.size() && name.front() != '.' &&
-           KyrCoreUtils::caseInsensitiveStringEquals(std::string_view(name).substr(name.size() - extension.size()),
-                                                     extension);
-}
-
 } // namespace
+
+bool isRegistryFileName(std::string_view name) {
+    constexpr auto extension = registryFileExtension;
+    return name.size() > extension.size() && name.front() != '.' &&
+           KyrCoreUtils::caseInsensitiveStringEquals(name.substr(name.size() - extension.size()), extension);
+}
 
 std::vector<RegistryFile> listRegistryFiles(const std::string& folder) {
     std::vector<RegistryFile> files;

@@ -10,6 +10,11 @@
 
 namespace zel::registry {
 
+inline constexpr std::string_view registryFileExtension = ".reg";
+
+/// Whether a file of that name is policy: it ends with the extension, in any case, and is not hidden.
+bool isRegistryFileName(std::string_view name);
+
 /// A file of a registry folder and what tells that it was changed.
 struct RegistryFile {
     std::string path;

@@ -35,19 +35,19 @@ SystemServiceImpl::SystemServiceImpl(const std::shared_ptr<UnifiedFactory>& fact
       listener(std::move(eventListener)) {}
 
 void SystemServiceImpl::addObserver(std::weak_ptr<UnifiedServiceObserver> observer) {
-    UnifiedBusinessObjectImpl::addObserver(std::weak_ptr<UnifiedBusinessObjectObserver>(observer.lock()));
+    UnifiedBusinessObjectImpl::addObserver(std::move(observer));
 }
 
 void SystemServiceImpl::removeObserver(std::weak_ptr<UnifiedServiceObserver> observer) {
-    UnifiedBusinessObjectImpl::removeObserver(std::weak_ptr<UnifiedBusinessObjectObserver>(observer.lock()));
+    UnifiedBusinessObjectImpl::removeObserver(std::move(observer));
 }
 
 void SystemServiceImpl::addObserver(std::weak_ptr<SystemServiceObserver> observer) {
-    UnifiedBusinessObjectImpl::addObserver(std::weak_ptr<UnifiedBusinessObjectObserver>(observer.lock()));
+    UnifiedBusinessObjectImpl::addObserver(std::move(observer));
 }
 
 void SystemServiceImpl::removeObserver(std::weak_ptr<SystemServiceObserver> observer) {
-    UnifiedBusinessObjectImpl::removeObserver(std::weak_ptr<UnifiedBusinessObjectObserver>(observer.lock()));
+    UnifiedBusinessObjectImpl::removeObserver(std::move(observer));
 }
 
 void SystemServiceImpl::addServiceEvent(int code, int eventId,

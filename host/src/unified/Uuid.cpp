@@ -1,5 +1,7 @@
 #include "Uuid.h"
 
+#include "kyr/HexDigits.h"
+
 #include <openssl/rand.h>
 
 #include <array>
@@ -16,14 +18,12 @@ std::string makeRandomUuid() {
     bytes[6] = static_cast<unsigned char>((bytes[6] & 0x0f) | 0x40); // version 4
     bytes[8] = static_cast<unsigned char>((bytes[8] & 0x3f) | 0x80); // variant of RFC 4122
 
-    constexpr const char* digits = "0123456789abcdef";
     std::string text;
     for (std::size_t i = 0; i < bytes.size(); ++i) {
         if (i == 4 || i == 6 || i == 8 || i == 10) {
             text += '-';
         }
-        text += digits[bytes[i] >> 4];
-        text += digits[bytes[i] & 0x0f];
+        KyrCoreUtils::appendHex(text, bytes[i]);
     }
     return text;
 }

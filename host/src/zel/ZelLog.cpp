@@ -44,7 +44,7 @@ void ZelLog(ZelLogger& logger, ZelLogLevel level, const char* file, int line, st
     if (level == ZelLogLevel::Debug && !ZelLog_isDebugEnabled(logger)) {
         return;
     }
-    ZelLog(logger, level, file, line, function, std::string_view(KyrCoreUtils::toString(text)));
+    ZelLog(logger, level, file, line, function, KyrCoreUtils::toString(text));
 }
 
 std::string ZelLogger_replacePIIData(std::string_view text) {

@@ -5,6 +5,8 @@
 
 #include <kyr/StringUtils.h>
 
+#include <ConfigKeys.h>
+
 #include <algorithm>
 #include <utility>
 
@@ -14,9 +16,6 @@ using KyrCoreUtils::caseInsensitiveStringEquals;
 using ZelUnified::ConfigStore;
 
 namespace {
-
-/// The cached stores of earlier runs are recorded under this key: NAME:PRIORITY; and so on.
-constexpr auto cachedStoresKey = L"PrimaryConfigStores";
 
 StoreFacts factsOf(ConfigStore& store) {
     return {store.getName(), store.getPriority(), store.isReadOnly(), store.isLocal(), store.getKeys().size()};
@@ -158,8 +157,9 @@ ChainInspector::Stores ChainInspector::getStores() const {
 }
 
 void ChainInspector::learnNames() const {
+    // The cached stores of earlier runs are recorded under this key: NAME:PRIORITY; and so on.
     std::wstring record;
-    featureSet->getConfig(cachedStoresKey, record, false);
+    featureSet->getConfig(std::wstring(ZelUnified::ConfigKeys::primaryConfigStores), record, false);
     std::vector<std::wstring> entries;
     KyrCoreUtils::split(record, entries, L";");
     for (const auto& entry : entries) {

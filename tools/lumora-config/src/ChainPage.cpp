@@ -16,6 +16,7 @@ namespace lumora_config {
 namespace {
 
 using nlohmann::json;
+namespace ConfigKeys = ZelUnified::ConfigKeys;
 
 struct KnownStore {
     std::string_view name;
@@ -23,13 +24,13 @@ struct KnownStore {
 };
 
 constexpr std::array knownStores{
-    KnownStore{"LocalFileConfigStore", "what the user set"},
-    KnownStore{"RegistryConfigStore", "the administrator's policy"},
-    KnownStore{"UrlProvisioningConfigStore", "what a provisioning link set"},
-    KnownStore{"MdmConfigStore", "what device management pushed"},
-    KnownStore{"BootstrapConfigStore", "the installer's file"},
-    KnownStore{"InMemoryConfigStore", "values for one run"},
-    KnownStore{"lumora-config-defaults.xml", "defaults of the installation"},
+    KnownStore{ConfigKeys::localFileConfigStore, "what the user set"},
+    KnownStore{ConfigKeys::registryConfigStore, "the administrator's policy"},
+    KnownStore{ConfigKeys::urlProvisioningConfigStore, "what a provisioning link set"},
+    KnownStore{ConfigKeys::mdmConfigStore, "what device management pushed"},
+    KnownStore{ConfigKeys::bootstrapConfigStore, "the installer's file"},
+    KnownStore{ConfigKeys::inMemoryConfigStore, "values for one run"},
+    KnownStore{ConfigKeys::configDefaultsFile, "defaults of the installation"},
 };
 
 std::string shown(std::wstring_view text) {
@@ -47,7 +48,7 @@ std::string whatHolds(const std::string& storeName) {
 
 /// As the catalogue spells the key: the stores that read files give lower case.
 std::wstring spell(const std::wstring& key) {
-    for (const auto& entry : ZelUnified::ConfigKeys::catalogue) {
+    for (const auto& entry : ConfigKeys::catalogue) {
         const auto* const known = std::get_if<std::wstring_view>(&entry);
         if (known != nullptr && KyrCoreUtils::caseInsensitiveStringEquals(*known, key)) {
             return std::wstring(*known);

@@ -5,12 +5,14 @@
 
 #include <kyr/FileUtils.h>
 
+#include <ConfigKeys.h>
+
 namespace lumora_config {
 
 using KyrCoreUtils::FileUtils;
 
 DefaultsFile::DefaultsFile(const std::string& resourcesDirectory)
-    : path(resourcesDirectory + FileUtils::FileSeparator() + "lumora-config-defaults.xml"),
+    : path(resourcesDirectory + FileUtils::FileSeparator() + std::string(ZelUnified::ConfigKeys::configDefaultsFile)),
       quarantinePath(resourcesDirectory + FileUtils::FileSeparator() + "lumora-config-defaults-backup.xml") {}
 
 void DefaultsFile::requireReadable() const {

@@ -2,19 +2,43 @@
 
 #include <kyr/StringUtils.h>
 
+#include <ConfigKeys.h>
+
 #include <algorithm>
 
 namespace lumora_config {
 
+namespace {
+
+namespace ConfigKeys = ZelUnified::ConfigKeys;
+
+// The catalogue holds each name in one width.
+std::string narrow(std::string_view name) {
+    return std::string(name);
+}
+
+std::string narrow(std::wstring_view name) {
+    return KyrCoreUtils::toString(name);
+}
+
+} // namespace
+
 StoreNames::StoreNames()
-    : names{"lumora-config-defaults.xml",    "InMemoryConfigStore",
-            "LocalFileConfigStore",          "RegistryConfigStore",
-            "UrlProvisioningConfigStore",    "MdmConfigStore",
-            "BootstrapConfigStore",          "TaviLyncRegistryConfigStore",
-            "devOverrideConfigStore",        "TFTPConfigStore",
-            "PresenceConfigStore",           "BrindleConfigStore",
-            "CIMigrationConfigStore",        "lumora-config-user.xml",
-            "MirroxOrgOrGrpAdminConfigStore"} {}
+    : names{narrow(ConfigKeys::configDefaultsFile),
+            narrow(ConfigKeys::inMemoryConfigStore),
+            narrow(ConfigKeys::localFileConfigStore),
+            narrow(ConfigKeys::registryConfigStore),
+            narrow(ConfigKeys::urlProvisioningConfigStore),
+            narrow(ConfigKeys::mdmConfigStore),
+            narrow(ConfigKeys::bootstrapConfigStore),
+            narrow(ConfigKeys::taviLyncRegistryConfigStore),
+            narrow(ConfigKeys::devOverrideConfigStore),
+            narrow(ConfigKeys::tftpConfigStore),
+            narrow(ConfigKeys::presenceConfigStore),
+            narrow(ConfigKeys::brindleConfigStore),
+            narrow(ConfigKeys::ciMigrationConfigStore),
+            narrow(ConfigKeys::configUserFile),
+            narrow(ConfigKeys::mirroxOrgOrGrpAdminConfigStore)} {}
 
 void StoreNames::OnConfigStoreAdded(const std::string& storeName) {
     const std::lock_guard lock(mutex);
@@ -38,9 +62,8 @@ std::vector<std::string> StoreNames::getAll() const {
 }
 
 std::vector<std::string>::iterator StoreNames::find(const std::string& storeName) {
-    return std::ranges::find_if(names, [&](const std::string& name) {
-        return KyrCoreUtils::caseInsensitiveStringEquals(std::string_view(name), std::string_view(storeName));
-    });
+    return std::ranges::find_if(
+        names, [&](const std::string& name) { return KyrCoreUtils::caseInsensitiveStringEquals(name, storeName); });
 }
 
 } // namespace lumora_config

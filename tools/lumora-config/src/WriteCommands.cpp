@@ -5,6 +5,8 @@
 
 #include <kyr/StringUtils.h>
 
+#include <ConfigKeys.h>
+
 #include <algorithm>
 
 namespace lumora_config {
@@ -12,6 +14,7 @@ namespace lumora_config {
 namespace {
 
 using KyrCoreUtils::toString;
+namespace ConfigKeys = ZelUnified::ConfigKeys;
 
 /// Runs a write where the user wants it: on the services dispatcher's thread, or on this one.
 void runWrite(Session& session, const Command& command, const std::function<void()>& write) {
@@ -69,7 +72,8 @@ bool userHolds(Session& session, const std::wstring& key) {
 std::string warnOfEmptyFile(Session& session) {
     bool empty = false;
     session.getHost().onServices("lumora-config: user's file", [&] {
-        const auto store = session.getHost().getFeatureSet()->getConfigStoreByName("LocalFileConfigStore");
+        const auto store =
+            session.getHost().getFeatureSet()->getConfigStoreByName(std::string(ConfigKeys::localFileConfigStore));
         empty = store && store->getKeys().empty();
     });
     return empty ? "; no value of the user is left: the last one is back at the next start unless another is set" : "";
@@ -92,8 +96,8 @@ void provision(Session& session, const Command& command) {
     bool allowed = true;
     bool taken = false;
     session.getHost().onServices("lumora-config: provision", [&] {
-        const auto policy = session.getChain().read(L"AllowUrlProvisioning");
-        allowed = !policy || !KyrCoreUtils::caseInsensitiveStringEquals(std::wstring_view(policy->value), L"false");
+        const auto policy = session.getChain().read(std::wstring(ConfigKeys::allowUrlProvisioning));
+        allowed = !policy || !KyrCoreUtils::caseInsensitiveStringEquals(policy->value, L"false");
         taken = session.getHost().getService()->setUrlProvisioningData(wide(command.url));
     });
     if (!taken) {
@@ -119,14 +123,15 @@ void mdm(Session& session, const Command& command) {
     // A document that is not XML would empty the store without a word.
     readXmlSettings(command.file);
     const auto document = readWholeFile(command.file);
+    const std::string storeName(ConfigKeys::mdmConfigStore);
     std::size_t keyCount = 0;
     session.getHost().onServices("lumora-config: mdm", [&] {
         session.getHost().getService()->setMdmConfig(document);
-        if (const auto store = session.getHost().getFeatureSet()->getConfigStoreByName("MdmConfigStore")) {
+        if (const auto store = session.getHost().getFeatureSet()->getConfigStoreByName(storeName)) {
             keyCount = store->getKeys().size();
         }
     });
-    reportDone(session, command, "MdmConfigStore holds " + std::to_string(keyCount) + " keys for this run");
+    reportDone(session, command, storeName + " holds " + std::to_string(keyCount) + " keys for this run");
 }
 
 void importPolicy(Session& session, const Command& command) {

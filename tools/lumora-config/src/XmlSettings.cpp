@@ -82,7 +82,7 @@ std::string valueOf(xmlNode& element) {
         }
         text += toView(child->content);
     }
-    return KyrCoreUtils::trim(std::string_view(text));
+    return KyrCoreUtils::trim(text);
 }
 
 class SettingsCollector {

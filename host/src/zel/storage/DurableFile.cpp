@@ -3,6 +3,7 @@
 #include "FileHandle.h"
 #include "Leftovers.h"
 #include "PathParts.h"
+#include "kyr/HexDigits.h"
 
 #include <openssl/rand.h>
 
@@ -54,12 +55,10 @@ std::string DurableFile::makeTemporaryName(const std::string& path) {
     if (RAND_bytes(random.data(), static_cast<int>(random.size())) != 1) {
         return {};
     }
-    constexpr std::string_view digits = "0123456789abcdef";
     const PathParts parts = splitPath(path);
     std::string name = parts.prefix + "." + parts.name + ".";
     for (const unsigned char byte : random) {
-        name += digits[byte >> 4U];
-        name += digits[byte & 0xFU];
+        KyrCoreUtils::appendHex(name, byte);
     }
     return name + std::string(temporarySuffix);
 }

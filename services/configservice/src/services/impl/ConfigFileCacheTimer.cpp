@@ -89,7 +89,7 @@ int ConfigFileCacheTimer::getCount() {
 
 ConfigFileCacheTimer::Impl::~Impl() {
     if (ZelLog_isDebugEnabled(logger)) {
-        ZelLog(logger, ZelLogLevel::Debug, ZEL_HERE, std::string_view("ConfigFileCacheTimer Destructor"));
+        ZelLog(logger, ZelLogLevel::Debug, ZEL_HERE, "ConfigFileCacheTimer Destructor");
     }
     clearTimers();
 }
@@ -108,7 +108,7 @@ void ConfigFileCacheTimer::Impl::scheduleTimer(std::shared_ptr<ConfigFileCacheTi
     }
     if (hasTimerFor(fileName)) {
         if (ZelLog_isDebugEnabled(logger)) {
-            ZelLog(logger, ZelLogLevel::Debug, ZEL_HERE, std::string_view("Timer already exists, do nothing"));
+            ZelLog(logger, ZelLogLevel::Debug, ZEL_HERE, "Timer already exists, do nothing");
         }
         return;
     }
@@ -134,8 +134,7 @@ void ConfigFileCacheTimer::Impl::clearTimers() {
     std::set<std::shared_ptr<TimerImpl>> released;
     const zel::Mutex::ScopedLock lock(timersMutex);
     if (ZelLog_isDebugEnabled(logger)) {
-        ZelLog(logger, ZelLogLevel::Debug, ZEL_HERE,
-               std::string_view("Removing all timers, which should stop them all"));
+        ZelLog(logger, ZelLogLevel::Debug, ZEL_HERE, "Removing all timers, which should stop them all");
     }
     for (const auto& timer : timers) {
         timer->forbidCallback();
@@ -164,7 +163,7 @@ void ConfigFileCacheTimer::Impl::removeTimerImpl(const std::shared_ptr<TimerImpl
 
 ConfigFileCacheTimer::TimerImpl::~TimerImpl() {
     if (ZelLog_isDebugEnabled(logger)) {
-        ZelLog(logger, ZelLogLevel::Debug, ZEL_HERE, std::string_view("TimerImpl::~TimerImpl()"));
+        ZelLog(logger, ZelLogLevel::Debug, ZEL_HERE, "TimerImpl::~TimerImpl()");
     }
     timer.stop();
 }

@@ -14,7 +14,6 @@ namespace {
 
 using configservice_test::RecordingServiceObserver;
 using configservice_test::serviceLogger;
-using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Return;
 using testing::SetArgReferee;

@@ -12,6 +12,8 @@ namespace ZelUnified {
 
 namespace {
 
+ZelLogger& logger = ZelLogger_getLogger("ConfigService-BootstrapConfigStore");
+
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 constexpr std::string_view separator = ":";
 
@@ -22,7 +24,6 @@ BootstrapConfigStore::BootstrapConfigStore(const std::string& storeName, const s
     std::fstream stream;
     KyrCoreUtils::FstreamUtils::open(stream, filePath, KyrCoreUtils::StreamMode::Read);
     if (!stream.is_open()) {
-        static ZelLogger& logger = ZelLogger_getLogger("ConfigService-BootstrapConfigStore");
         ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE, "File does not exist " + filePath);
         return;
     }

@@ -7,6 +7,12 @@
 
 namespace ZelUnified {
 
+namespace {
+
+ZelLogger& logger = ZelLogger_getLogger("ConfigService-InMemoryConfigStore");
+
+} // namespace
+
 InMemoryConfigStore::InMemoryConfigStore(std::string storeName, int storePriority)
     : name(std::move(storeName)), priority(storePriority) {}
 
@@ -45,7 +51,6 @@ void InMemoryConfigStore::removeAllValues() {
 }
 
 void InMemoryConfigStore::persistValues() {
-    static ZelLogger& logger = ZelLogger_getLogger("ConfigService-InMemoryConfigStore");
     if (ZelLog_isDebugEnabled(logger)) {
         ZelLog(logger, ZelLogLevel::Debug, ZEL_HERE,
                "PersistValues() is not implemented for InMemoryConfigStore ignoring");

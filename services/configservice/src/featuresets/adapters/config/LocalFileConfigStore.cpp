@@ -1,5 +1,12 @@
+#include "ConfigMapKeys.h"
 #include "LocalFileDocument.h"
 #include "XmlReader.h"
+#include "secure/FipsValueOverride.h"
+#include "secure/SecureBuffer.h"
+#include "secure/SecureString.h"
+#include "secure/StackWiper.h"
+#include "services/impl/ConfigFileCacheTimer.h"
+#include "services/impl/ConfigFileCacheTimerCallBack.h"
 
 #include <kyr/FileUtils.h>
 #include <kyr/FstreamUtils.h>
@@ -7,13 +14,8 @@
 #include <zel/EncryptFileUtils.h>
 #include <zel/ZelLog.h>
 
+#include <ConfigKeys.h>
 #include <LocalFileConfigStore.h>
-#include <secure/FipsValueOverride.h>
-#include <secure/SecureBuffer.h>
-#include <secure/SecureString.h>
-#include <secure/StackWiper.h>
-#include <services/impl/ConfigFileCacheTimer.h>
-#include <services/impl/ConfigFileCacheTimerCallBack.h>
 
 #include <fstream>
 #include <iterator>
@@ -29,7 +31,6 @@ namespace {
 
 ZelLogger& logger = ZelLogger_getLogger("ConfigService-LocalFileConfigStore");
 
-constexpr const char* userStoreName = "LocalFileConfigStore";
 constexpr std::string_view invalidSyntax =
     "Error Invalid XML syntax detected - Unable to read localFileConfigStore configuration";
 
@@ -87,8 +88,8 @@ LocalFileConfigStore::LocalFileConfigStore(std::string storeName, int storePrior
       local(isLocalStore),
       readOnly(false),
       configDirectory(FileUtils::getConfigDirectory() + FileUtils::FileSeparator()),
-      fileName("lumoraLocalConfig.dat"),
-      backupFileName("lumoraLocalConfig_backup.dat") {
+      fileName(ConfigKeys::localConfigFile),
+      backupFileName(ConfigKeys::localConfigBackupFile) {
     readFromEncryptedFile();
 }
 
@@ -115,12 +116,7 @@ bool LocalFileConfigStore::storeValue(const std::wstring& key, const std::wstrin
 
 std::vector<std::wstring> LocalFileConfigStore::getKeys() {
     const zel::Mutex::ScopedLock lock(valuesMutex);
-    std::vector<std::wstring> keys;
-    keys.reserve(values.size());
-    for (const auto& entry : values) {
-        keys.push_back(entry.first);
-    }
-    return keys;
+    return keysOf(values);
 }
 
 bool LocalFileConfigStore::removeValue(const std::wstring& key) {
@@ -174,7 +170,7 @@ bool LocalFileConfigStore::readProtectedText(zel::SecureString& content) {
     if (EncryptFileUtils::readDataFromFile(mainPath, content, UserData)) {
         return true;
     }
-    const bool hasBackup = name == userStoreName;
+    const bool hasBackup = name == ConfigKeys::localFileConfigStore;
     if (hasBackup && EncryptFileUtils::readDataFromFile(backupPath, content, UserData)) {
         return true;
     }
@@ -188,7 +184,7 @@ bool LocalFileConfigStore::readFromFile() {
     const std::string path = configDirectory + fileName;
     if (!FileUtils::fileExists(path)) {
         ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE,
-               L"Read config FAILED, config file doesn't exist: " + KyrCoreUtils::toWideString(std::string_view(path)));
+               L"Read config FAILED, config file doesn't exist: " + KyrCoreUtils::toWideString(path));
         return false;
     }
     if (const XmlDocument document = XmlReader::readFile(path)) {
@@ -210,7 +206,7 @@ void LocalFileConfigStore::quarantine(const std::string& path) {
     const std::string target = configDirectory + quarantineName;
     if (FileUtils::moveFile(path, target, false) != 0) {
         ZelLog(logger, ZelLogLevel::Error, ZEL_HERE,
-               L"error creating backup file: " + KyrCoreUtils::toWideString(std::string_view(target)));
+               L"error creating backup file: " + KyrCoreUtils::toWideString(target));
     }
 }
 
@@ -231,13 +227,13 @@ void LocalFileConfigStore::persistValues() {
         // Exact, case included, unlike the order of the table.
         if (values == lastPersistedValues) {
             if (ZelLog_isDebugEnabled(logger)) {
-                ZelLog(logger, ZelLogLevel::Debug, ZEL_HERE, std::string_view("Same content has been saved."));
+                ZelLog(logger, ZelLogLevel::Debug, ZEL_HERE, "Same content has been saved.");
             }
             return;
         }
     }
     persistValuesImpl(fileName);
-    if (name == userStoreName && timer) {
+    if (name == ConfigKeys::localFileConfigStore && timer) {
         timer->scheduleTimer(
             std::make_shared<LocalFileConfigFileCacheTimerCallBackImpl>(weak_from_this(), backupFileName), interval);
     }

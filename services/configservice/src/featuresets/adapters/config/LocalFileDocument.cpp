@@ -2,11 +2,12 @@
 
 #include "XmlScrubber.h"
 #include "XmlWriter.h"
+#include "secure/SecureString.h"
 
 #include <kyr/StringUtils.h>
 #include <zel/ZelLog.h>
 
-#include <secure/SecureString.h>
+#include <ConfigKeys.h>
 
 namespace ZelUnified {
 
@@ -27,9 +28,7 @@ void writeAttribute(XmlWriter& writer, const char* attribute, const std::wstring
 } // namespace
 
 LocalFileDocument::LocalFileDocument(const std::string& store, ConfigMap& table)
-    : migrates(!KyrCoreUtils::caseInsensitiveStringEquals(std::string_view(store),
-                                                          std::string_view("lumora-config-defaults.xml"))),
-      values(table) {}
+    : migrates(!KyrCoreUtils::caseInsensitiveStringEquals(store, ConfigKeys::configDefaultsFile)), values(table) {}
 
 void LocalFileDocument::read(const XmlDocument& document) {
     xmlNode* root = xmlDocGetRootElement(document.get());
@@ -51,26 +50,25 @@ void LocalFileDocument::processXml(const xmlNode* node) {
 }
 
 void LocalFileDocument::processUserConfigXml(const xmlNode& element) {
-    if (KyrCoreUtils::toLowercase(std::string_view(XmlReader::getName(element))) != "userconfig") {
+    if (KyrCoreUtils::toLowercase(XmlReader::getName(element)) != "userconfig") {
         return;
     }
     std::wstring key;
     std::wstring value;
     for (const xmlAttr* attribute = element.properties; attribute != nullptr; attribute = attribute->next) {
-        const std::string name = KyrCoreUtils::toLowercase(std::string_view(XmlReader::getName(*attribute)));
+        const std::string name = KyrCoreUtils::toLowercase(XmlReader::getName(*attribute));
         if (name != "name" && name != "value") {
             continue;
         }
         auto text = XmlReader::getText(*attribute, expansionBudget);
         if (!text) {
-            ZelLog(logger, ZelLogLevel::Error, ZEL_HERE,
-                   std::string_view("Error entities expand too far - entry ignored"));
+            ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, "Error entities expand too far - entry ignored");
             return;
         }
         if (name == "name") {
             key = toKey(*text);
         } else {
-            value = KyrCoreUtils::toWideString(std::string_view(*text));
+            value = KyrCoreUtils::toWideString(*text);
         }
         zel::SecureString::wipe(*text);
     }
@@ -81,15 +79,13 @@ void LocalFileDocument::processUserConfigXml(const xmlNode& element) {
 }
 
 std::wstring LocalFileDocument::toKey(const std::string& name) const {
-    const std::wstring key =
-        KyrCoreUtils::toWideString(std::string_view(KyrCoreUtils::toLowercase(std::string_view(name))));
+    const std::wstring key = KyrCoreUtils::toWideString(KyrCoreUtils::toLowercase(name));
     return migrates ? migrateKey(key) : key;
 }
 
 std::wstring LocalFileDocument::migrateKey(const std::wstring& key) {
-    const bool isOldName =
-        KyrCoreUtils::caseInsensitiveStringEquals(std::wstring_view(key), std::wstring_view(L"VVM_Mailstore_Server_0"));
-    return isOldName ? L"VoicemailPrimaryServer" : key;
+    const bool isOldName = KyrCoreUtils::caseInsensitiveStringEquals(key, ConfigKeys::vvmMailstoreServer0);
+    return isOldName ? std::wstring(ConfigKeys::voicemailPrimaryServer) : key;
 }
 
 void LocalFileDocument::write(const ConfigMap& table, zel::SecureString& content) {

@@ -1,10 +1,13 @@
+#include "ConfigMapKeys.h"
+#include "StorePriorities.h"
 #include "XmlConfigParser.h"
+#include "secure/FipsValueOverride.h"
 
 #include <kyr/StringUtils.h>
 
+#include <ConfigKeys.h>
 #include <MdmConfigRetriever.h>
 #include <MdmConfigStore.h>
-#include <secure/FipsValueOverride.h>
 
 #include <utility>
 
@@ -34,20 +37,15 @@ bool MdmConfigStore::getValue(const std::wstring& key, std::wstring& value) {
 }
 
 std::vector<std::wstring> MdmConfigStore::getKeys() {
-    std::vector<std::wstring> keys;
-    keys.reserve(values.size());
-    for (const auto& entry : values) {
-        keys.push_back(entry.first);
-    }
-    return keys;
+    return keysOf(values);
 }
 
 std::string MdmConfigStore::getName() {
-    return "MdmConfigStore";
+    return std::string(ConfigKeys::mdmConfigStore);
 }
 
 int MdmConfigStore::getPriority() {
-    return 500;
+    return StorePriorities::mdm;
 }
 
 } // namespace ZelUnified

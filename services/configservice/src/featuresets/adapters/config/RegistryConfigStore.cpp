@@ -1,3 +1,5 @@
+#include "ConfigMapKeys.h"
+#include "FilePermissions.h"
 #include "RegistryKeyHandle.h"
 #include "RegistryTreeReader.h"
 #include "secure/FipsValueOverride.h"
@@ -14,7 +16,6 @@
 
 #include <algorithm>
 #include <array>
-#include <filesystem>
 #include <fstream>
 #include <string_view>
 #include <utility>
@@ -32,12 +33,12 @@ ZelLogger& logger = ZelLogger_getLogger("ConfigService-RegistryConfigStore");
 constexpr std::wstring_view softwareKey = L"Software\\";
 
 bool isPasswordLike(std::wstring_view key) {
-    return KyrCoreUtils::caseInsensitiveFind(key, L"connectionpassword") >= 0;
+    return KyrCoreUtils::caseInsensitiveFind(key, ConfigKeys::connectionPassword) >= 0;
 }
 
 /// What a log or a file may show.
 std::wstring shownValue(const std::wstring& key, const std::wstring& value) {
-    return isPasswordLike(key) ? L"VALUE_HIDDEN" : value;
+    return isPasswordLike(key) ? std::wstring(ConfigKeys::valueHidden) : value;
 }
 
 /// Writes `text` into the buffer behind its first `length` characters, as much of it as has room.
@@ -80,12 +81,7 @@ bool RegistryConfigStore::storeValue(const std::wstring&, const std::wstring&) {
 }
 
 std::vector<std::wstring> RegistryConfigStore::getKeys() {
-    std::vector<std::wstring> keys;
-    keys.reserve(values.size());
-    for (const auto& [key, value] : values) {
-        keys.push_back(key);
-    }
-    return keys;
+    return keysOf(values);
 }
 
 bool RegistryConfigStore::removeValue(const std::wstring&) {
@@ -121,7 +117,7 @@ void RegistryConfigStore::writeTextCopy() const {
     if (directory.empty()) {
         return;
     }
-    const auto path = directory + FileUtils::FileSeparator() + "RegistryConfigStore" + ".txt";
+    const auto path = directory + FileUtils::FileSeparator() + std::string(ConfigKeys::registryConfigStore) + ".txt";
     if (FileUtils::fileExists(path)) {
         FileUtils::removeFile(path);
     }
@@ -129,10 +125,8 @@ void RegistryConfigStore::writeTextCopy() const {
     if (values.empty() || !KyrCoreUtils::FstreamUtils::open(stream, path, KyrCoreUtils::StreamMode::Write)) {
         return;
     }
-    // Policies are nobody else's business, whatever the umask says. The file is new and still empty.
-    std::error_code ignored;
-    std::filesystem::permissions(std::u8string(path.begin(), path.end()),
-                                 std::filesystem::perms::owner_read | std::filesystem::perms::owner_write, ignored);
+    // Policies are nobody else's business. The file is new and still empty.
+    restrictToOwner(path);
     for (const auto& [key, value] : values) {
         stream << KyrCoreUtils::toString(key) << ": " << KyrCoreUtils::toString(shownValue(key, value)) << '\n';
     }

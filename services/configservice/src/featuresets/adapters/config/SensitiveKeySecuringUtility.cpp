@@ -4,14 +4,16 @@
 
 #include <kyr/StringUtils.h>
 
+#include <ConfigKeys.h>
+
 #include <algorithm>
 
 namespace ZelUnified {
 
 namespace {
 
-constexpr std::wstring_view ediPassword = L"ConnectionPassword";
-constexpr std::wstring_view bdiPassword = L"BDIConnectionPassword";
+constexpr std::wstring_view ediPassword = L"ConnectionPassword"; // not as the catalogue spells the key
+constexpr std::wstring_view bdiPassword = ConfigKeys::bdiConnectionPassword;
 constexpr std::wstring_view wellKnown[SensitiveKeySecuringUtility::KEYS_TO_SECURE] = {ediPassword, bdiPassword};
 
 } // namespace

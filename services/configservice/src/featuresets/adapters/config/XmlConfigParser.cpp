@@ -1,10 +1,15 @@
 #include "XmlConfigParser.h"
 
+#include "FilePermissions.h"
 #include "SensitiveKeySecuringUtility.h"
 #include "XmlBuffer.h"
 #include "XmlGuard.h"
 #include "XmlScrubber.h"
 #include "XmlWriter.h"
+#include "secure/FipsValueOverride.h"
+#include "secure/SecureBuffer.h"
+#include "secure/SecureString.h"
+#include "secure/StackWiper.h"
 
 #include <kyr/FileUtils.h>
 #include <kyr/FstreamUtils.h>
@@ -12,11 +17,8 @@
 #include <zel/EncryptFileUtils.h>
 #include <zel/ZelLog.h>
 
+#include <ConfigKeys.h>
 #include <libxml/uri.h>
-#include <secure/FipsValueOverride.h>
-#include <secure/SecureBuffer.h>
-#include <secure/SecureString.h>
-#include <secure/StackWiper.h>
 
 #include <filesystem>
 #include <fstream>
@@ -33,7 +35,7 @@ namespace {
 ZelLogger& logger = ZelLogger_getLogger("ConfigService-XmlConfigParser");
 
 zel::storage::FileCategoryType::FileCategory categoryOf(const std::string& path) {
-    const bool outlivesReset = path.find("UrlProvisioningConfigStore") != std::string::npos;
+    const bool outlivesReset = path.find(ConfigKeys::urlProvisioningConfigStore) != std::string::npos;
     return outlivesReset ? zel::storage::FileCategoryType::DeviceData : zel::storage::FileCategoryType::UserData;
 }
 
@@ -77,9 +79,7 @@ std::string toSavePath(const std::string& path) {
 void reserveForOwner(const std::string& path) {
     std::fstream stream;
     KyrCoreUtils::FstreamUtils::open(stream, path, KyrCoreUtils::StreamMode::Write);
-    std::error_code ignored;
-    std::filesystem::permissions(path, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write,
-                                 ignored);
+    restrictToOwner(path);
 }
 
 /// The document of a table; false when the library fails.
@@ -205,13 +205,13 @@ bool XmlConfigParser::writeToMemory(std::string& xml, const ConfigMap& values) {
 bool XmlConfigParser::parseXmlConfig(const XmlDocument& document, ConfigMap& values, ConfigKeySet& sensitiveKeys) {
     if (!document) {
         ZelLog(logger, ZelLogLevel::Error, ZEL_HERE,
-               std::string_view("\n************\nError Invalid XML syntax detected - Unable to read xml "
-                                "configuration.\n************"));
+               "\n************\nError Invalid XML syntax detected - Unable to read xml "
+               "configuration.\n************");
         return false;
     }
     xmlNode* root = xmlDocGetRootElement(document.get());
     if (root == nullptr) {
-        ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE, std::string_view("XML document root element not available."));
+        ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE, "XML document root element not available.");
         return false;
     }
     const XmlGuard guard;
@@ -230,8 +230,7 @@ void XmlConfigParser::parseXmlGroup(XmlScrubber& scrubber, xmlNode& group, Confi
         if (element->type != XML_ELEMENT_NODE) {
             continue;
         }
-        const std::wstring key =
-            KyrCoreUtils::toLowercase(std::wstring_view(toWideString(XmlReader::getName(*element))));
+        const std::wstring key = KyrCoreUtils::toLowercase(toWideString(XmlReader::getName(*element)));
         if (values.contains(key)) {
             continue;
         }
@@ -263,7 +262,7 @@ std::string XmlConfigParser::extractStringFromXmlNode(XmlScrubber& scrubber, xml
             scrubber.scrubText(*child);
         }
     }
-    std::string trimmed = KyrCoreUtils::trim(std::string_view(text));
+    std::string trimmed = KyrCoreUtils::trim(text);
     zel::SecureString::wipe(text);
     return trimmed;
 }
@@ -283,10 +282,10 @@ std::string XmlConfigParser::extractXmlStringFromXmlNode(XmlScrubber& scrubber, 
 
 bool XmlConfigParser::parseSensitiveAttribute(const xmlNode& element) {
     for (const xmlAttr* attribute = element.properties; attribute != nullptr; attribute = attribute->next) {
-        if (KyrCoreUtils::toLowercase(std::string_view(XmlReader::getName(*attribute))) == "sensitive") {
+        if (KyrCoreUtils::toLowercase(XmlReader::getName(*attribute)) == "sensitive") {
             std::size_t budget = 1000; // a truth value is short
             const auto text = XmlReader::getText(*attribute, budget);
-            return text && KyrCoreUtils::toBool(std::string_view(*text));
+            return text && KyrCoreUtils::toBool(*text);
         }
     }
     return false;

@@ -1,9 +1,11 @@
+#include "ConfigMapKeys.h"
 #include "XmlConfigParser.h"
+#include "secure/FipsValueOverride.h"
 
 #include <kyr/StringUtils.h>
 
+#include <ConfigKeys.h>
 #include <XmlConfigStore.h>
-#include <secure/FipsValueOverride.h>
 
 #include <utility>
 
@@ -25,8 +27,7 @@ XmlConfigStore::~XmlConfigStore() = default;
 bool XmlConfigStore::getValue(const std::wstring& key, std::wstring& value) {
     const zel::Mutex::ScopedLock lock(valuesLock);
     const auto found = values.find(key);
-    const bool isWithheld = KyrCoreUtils::caseInsensitiveStringEquals(
-        std::wstring_view(key), std::wstring_view(L"CertificateValidationEnabled"));
+    const bool isWithheld = KyrCoreUtils::caseInsensitiveStringEquals(key, ConfigKeys::certificateValidationEnabled);
     if (found == values.end() || isWithheld) {
         value.clear();
         return false;
@@ -45,12 +46,7 @@ bool XmlConfigStore::storeValue(const std::wstring& key, const std::wstring& val
 
 std::vector<std::wstring> XmlConfigStore::getKeys() {
     const zel::Mutex::ScopedLock lock(valuesLock);
-    std::vector<std::wstring> keys;
-    keys.reserve(values.size());
-    for (const auto& entry : values) {
-        keys.push_back(entry.first);
-    }
-    return keys;
+    return keysOf(values);
 }
 
 bool XmlConfigStore::removeValue(const std::wstring& key) {

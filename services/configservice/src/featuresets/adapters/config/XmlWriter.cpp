@@ -1,9 +1,9 @@
 #include "XmlWriter.h"
 
 #include "XmlGuard.h"
+#include "secure/SecureString.h"
 
 #include <openssl/crypto.h>
-#include <secure/SecureString.h>
 
 #include <algorithm>
 #include <array>
