@@ -80,7 +80,7 @@ void ChainModel::addStore(const Store& store) {
                      [](const auto& a, const auto& b) { return a->shape.priority < b->shape.priority; });
     std::string line = "adding new store: " + name + ", Config stores :";
     for (const auto& each : chain) {
-        if (!isSame<std::string>(each->shape.name, "devOverrideConfigStore")) {
+        if (!isSame(each->shape.name, "devOverrideConfigStore")) {
             line += " [" + each->shape.name + "(" + std::to_string(each->shape.priority) + ")]";
         }
     }
@@ -120,7 +120,7 @@ bool ChainModel::removeStore(const std::string& name) {
     if (!store) {
         return false;
     }
-    if (store->shape.caching || isSame<std::string>(name, "UrlProvisioningConfigStore")) {
+    if (store->shape.caching || isSame(name, "UrlProvisioningConfigStore")) {
         removeCachedFiles("cached" + name + ".dat");
     }
     logUnlessOverrideStore(name, "Removing store: " + name);
@@ -186,7 +186,7 @@ Reading ChainModel::lookupInStores(const std::wstring& key, bool skipLocal, cons
     if (!reading.found) {
         reading.value.clear();
     }
-    if (fips && isSame<std::wstring>(key, L"Telephony_P2P_Enabled")) {
+    if (fips && isSame(key, L"Telephony_P2P_Enabled")) {
         reading.value = L"false";
     }
     return reading;
@@ -301,18 +301,18 @@ void ChainModel::refreshKeys(const std::vector<std::wstring>& keys) {
 }
 
 void ChainModel::setKeySensitive(const std::wstring& key) {
-    sensitiveKeys.insert(fold(key));
+    sensitiveKeys.push_back(key);
     madeSensitive(key);
 }
 
 bool ChainModel::isKeySensitive(const std::wstring& key) {
-    return sensitiveKeys.contains(fold(key));
+    return std::any_of(sensitiveKeys.begin(), sensitiveKeys.end(), [&](const auto& each) { return isSame(each, key); });
 }
 
 // Writes.
 
 bool ChainModel::isWriteTarget(const ModelStore& store) {
-    return !store.shape.readOnly && !isSame<std::string>(store.shape.name, "InMemoryConfigStore");
+    return !store.shape.readOnly && !isSame(store.shape.name, "InMemoryConfigStore");
 }
 
 bool ChainModel::storeValue(const std::wstring& key, const std::wstring& value) {
@@ -519,7 +519,7 @@ void ChainModel::runTasks() {
 }
 
 void ChainModel::logUnlessOverrideStore(const std::string& name, const std::string& line) {
-    if (!isSame<std::string>(name, "devOverrideConfigStore")) {
+    if (!isSame(name, "devOverrideConfigStore")) {
         log.push_back(line);
     }
 }

@@ -78,7 +78,7 @@ private:
     static bool isWriteTarget(const ModelStore& store);
 
     std::vector<Store> chain;
-    std::set<std::wstring> sensitiveKeys;
+    std::vector<std::wstring> sensitiveKeys;
     /// Serial numbers: an observer that died keeps its place in the list.
     std::vector<std::size_t> storeObservers;
     std::size_t serials[4] = {0, 1, 2, 3};

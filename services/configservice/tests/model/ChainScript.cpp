@@ -68,9 +68,6 @@ std::vector<std::string> ChainScript::readEverything() {
         lines.push_back(narrow(key) + " without local: " + describe(chain.getValue(key, true, "")));
         lines.push_back(narrow(key) + " originally: " + describe(chain.getOriginalValue(key)));
         lines.push_back(narrow(key) + " sensitive: " + answer(chain.isKeySensitive(key)));
-        for (const auto& name : vocabulary::storeNames) {
-            lines.push_back(narrow(key) + " in " + name + ": " + narrow(chain.getValueOfStore(name, key)));
-        }
     }
     return lines;
 }

@@ -8,18 +8,24 @@
 
 namespace config_model {
 
-/// Empty when the lines are the same; else the model's lines beside the product's from the first that differs on.
-inline std::string describeDifference(const std::vector<std::string>& expected, const std::vector<std::string>& got) {
-    if (expected == got) {
+/// Empty when the lines are the same; else those both say, those of the model, and those of the product, where the
+/// lines that end both alike are left out.
+inline std::string describeDifference(std::vector<std::string> model, std::vector<std::string> product) {
+    if (model == product) {
         return "";
     }
-    const auto [e, g] = std::mismatch(expected.begin(), expected.end(), got.begin(), got.end());
-    const auto common = static_cast<std::size_t>(e - expected.begin());
+    while (!model.empty() && !product.empty() && model.back() == product.back()) {
+        model.pop_back();
+        product.pop_back();
+    }
+    const auto common = static_cast<std::size_t>(
+        std::mismatch(model.begin(), model.end(), product.begin(), product.end()).first - model.begin());
     std::string text;
-    for (std::size_t i = 0; i < std::max(expected.size(), got.size()); ++i) {
-        const auto& model = i < expected.size() ? expected[i] : "(nothing)";
-        const auto& product = i < got.size() ? got[i] : "(nothing)";
-        text += i < common ? "    both:    " + model + "\n" : "    model:   " + model + "\n    product: " + product + "\n";
+    for (std::size_t i = 0; i < model.size(); ++i) {
+        text += (i < common ? "    both:    " : "    model:   ") + model[i] + "\n";
+    }
+    for (std::size_t i = common; i < product.size(); ++i) {
+        text += "    product: " + product[i] + "\n";
     }
     return text;
 }

@@ -1,5 +1,6 @@
 #include "ManagerChain.h"
 
+#include "CachedFolder.h"
 #include "TracedConfigStore.h"
 
 #include <kyr/FileUtils.h>
@@ -8,8 +9,6 @@
 #include <ConfigStoreAddedObserver.h>
 #include <InMemoryConfigStore.h>
 #include <TemporaryProfile.h>
-
-#include <algorithm>
 
 namespace config_model {
 
@@ -101,14 +100,7 @@ void ManagerChain::placeCachedFile(const std::string& fileName) {
 }
 
 std::vector<std::string> ManagerChain::listCachedFiles() {
-    std::vector<std::string> files;
-    if (std::filesystem::exists(cacheFolder)) {
-        for (const auto& entry : std::filesystem::directory_iterator(cacheFolder)) {
-            files.push_back(entry.path().filename().string());
-        }
-    }
-    std::sort(files.begin(), files.end());
-    return files;
+    return listFolder(cacheFolder);
 }
 
 std::vector<std::string> ManagerChain::takeLog() {

@@ -1,6 +1,7 @@
 #include "ModelStore.h"
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
 
 namespace config_model {
@@ -10,13 +11,8 @@ namespace {
 using Kind = StoreShape::Kind;
 
 template <class Text>
-Text foldAscii(Text text) {
-    for (auto& character : text) {
-        if (character >= 'A' && character <= 'Z') {
-            character = static_cast<typename Text::value_type>(character - 'A' + 'a');
-        }
-    }
-    return text;
+bool equal(Text a, Text b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](auto x, auto y) { return fold(x) == fold(y); });
 }
 
 bool takesFipsOverride(const StoreShape& shape, bool found) {
@@ -25,12 +21,23 @@ bool takesFipsOverride(const StoreShape& shape, bool found) {
 
 } // namespace
 
-std::wstring fold(std::wstring_view text) {
-    return foldAscii(std::wstring(text));
+bool isSame(std::wstring_view a, std::wstring_view b) {
+    return equal(a, b);
 }
 
-std::string fold(std::string_view text) {
-    return foldAscii(std::string(text));
+bool isSame(std::string_view a, std::string_view b) {
+    return equal(a, b);
+}
+
+bool isBefore(std::wstring_view a, std::wstring_view b) {
+    return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(),
+                                        [](auto x, auto y) { return fold(x) < fold(y); });
+}
+
+std::wstring toSmallLetters(std::wstring_view text) {
+    std::wstring result;
+    std::transform(text.begin(), text.end(), std::back_inserter(result), fold<wchar_t>);
+    return result;
 }
 
 std::string narrow(std::wstring_view text) {
@@ -61,11 +68,11 @@ bool ModelStore::getValue(const std::wstring& key, std::wstring& value, bool fip
             found = true;
         }
     }
-    if (shape.kind == Kind::Copy && isSame<std::wstring>(key, L"CertificateValidationEnabled")) {
+    if ((shape.kind == Kind::Copy || shape.kind == Kind::Registry) && isSame(key, L"CertificateValidationEnabled")) {
         value.clear();
         return false;
     }
-    if (fips && takesFipsOverride(shape, found) && isSame<std::wstring>(key, L"Telephony_P2P_Enabled")) {
+    if (fips && takesFipsOverride(shape, found) && isSame(key, L"Telephony_P2P_Enabled")) {
         value = L"false";
     }
     return found;
@@ -75,7 +82,7 @@ bool ModelStore::storeValue(const std::wstring& key, const std::wstring& value) 
     if (shape.refusesWrites) {
         return false;
     }
-    const bool oldName = shape.kind == Kind::UserFile && isSame<std::wstring>(key, L"VVM_Mailstore_Server_0");
+    const bool oldName = shape.kind == Kind::UserFile && isSame(key, L"VVM_Mailstore_Server_0");
     put(oldName ? L"VoicemailPrimaryServer" : key, value);
     return true;
 }
@@ -112,7 +119,7 @@ void ModelStore::put(const std::wstring& key, const std::wstring& value) {
     }
     shape.pairs.emplace_back(key, value);
     std::sort(shape.pairs.begin(), shape.pairs.end(),
-              [](const auto& a, const auto& b) { return fold(a.first) < fold(b.first); });
+              [](const auto& a, const auto& b) { return isBefore(a.first, b.first); });
 }
 
 } // namespace config_model

@@ -10,12 +10,14 @@ namespace config_model {
 using Pairs = std::vector<std::pair<std::wstring, std::wstring>>;
 
 /// Upper and lower case fold for ASCII alone: the generators use nothing else.
-std::wstring fold(std::wstring_view text);
-std::string fold(std::string_view text);
-template <class Text>
-bool isSame(const Text& a, const Text& b) {
-    return fold(a) == fold(b);
+template <class Character>
+Character fold(Character character) {
+    return character >= 'A' && character <= 'Z' ? static_cast<Character>(character - 'A' + 'a') : character;
 }
+bool isSame(std::wstring_view a, std::wstring_view b);
+bool isSame(std::string_view a, std::string_view b);
+bool isBefore(std::wstring_view a, std::wstring_view b);
+std::wstring toSmallLetters(std::wstring_view text);
 std::string narrow(std::wstring_view text);
 std::wstring widen(std::string_view text);
 
@@ -32,9 +34,9 @@ struct StoreShape {
     };
 
     Kind kind = Kind::Foreign;
-    std::string name;
+    std::string name{};
     int priority = 0;
-    Pairs pairs;
+    Pairs pairs{};
     bool readOnly = true;
     bool local = true;
     bool caching = false;
@@ -56,6 +58,7 @@ public:
 
     StoreShape shape;
     bool destroyed = false;
+    Pairs lastPersisted; ///< What went to the store's own file.
 
 private:
     void put(const std::wstring& key, const std::wstring& value);

@@ -46,6 +46,84 @@ inline const std::wstring urls[] = {
     L"",
 };
 
+// Of the service as a whole. The keys are names that a document can carry.
+
+inline const std::wstring serviceKeys[] = {
+    L"TftpServer1",
+    L"TFTPPrimaryServer",
+    L"CtiServer1",
+    L"CTIPRIMARYSERVER",
+    L"SabrelServer1",
+    L"VVM_Mailstore_Server_0",
+    L"VoicemailPrimaryServer",
+    L"Zed",
+    L"ZED",
+    L"_mark",
+    L"Telephony_P2P_Enabled",
+    L"AllowUrlProvisioning",
+    L"Telephony_Enabled",
+    L"Meetings_Enabled",
+    L"Meeting_Server_Address",
+    L"Meeting_Server_Type_Backup",
+    L"Meeting_Server_Address_Backup",
+    L"Customize_Phone_Server",
+    L"Customize_Voicemail_Server",
+    L"ProductMode",
+    L"Lumora_SDK_Mode",
+    L"CertificateValidationEnabled",
+};
+
+inline const std::wstring serviceValues[] = {L"one",   L"two",  L"",           L"ONE",
+                                             L"false", L"True", L"Phone_Mode", L"mirrox"};
+
+inline const std::wstring records[] = {
+    L"Alpha:41;",    L"A:abc;B;",      L"PresenceConfigStore:31;TftpStore:41;",
+    L"alpha:5;::;;", L"MyTftpStore:7", L"",
+};
+
+inline const std::string serviceStores[] = {
+    "Alpha",
+    "ALPHA",
+    "TftpStore",
+    "GarnStore",
+    "PresenceConfigStore",
+    "TaviLyncRegistryConfigStore",
+    "UrlProvisioningConfigStore",
+    "MdmConfigStore",
+    "LocalFileConfigStore",
+    "InMemoryConfigStore",
+    "RegistryConfigStore",
+    "BrindleConfigStore",
+    "lumora-config-defaults.xml",
+};
+
+/// New names and plain keys: no record bears an old name.
+inline const std::wstring watchedRecords[] = {
+    L"TFTPPrimaryServer",
+    L"CTIPrimaryServer",
+    L"DeviceAuthenticationPrimaryServer",
+    L"VoicemailPrimaryServer",
+    L"Zed",
+    L"_mark",
+    L"Telephony_P2P_Enabled",
+    L"AllowUrlProvisioning",
+    L"Telephony_Enabled",
+    L"Voicemail_Enabled",
+    L"Meetings_Enabled",
+    L"Meeting_Server_Address",
+    L"Customize_Phone_Server",
+    L"ProductMode",
+    L"Lumora_SDK_Mode",
+    L"CertificateValidationEnabled",
+    L"PrimaryConfigStores",
+    L"ServicesDomain",
+};
+
+inline const Pairs defaults = {
+    {L"telephony_enabled", L"true"}, {L"voicemail_enabled", L""}, {L"meetings_enabled", L"false"},
+    {L"zed", L"shipped"},            {L"ctiserver1", L""},
+};
+
 inline Pairs choosePairs(ByteSource& bytes, std::size_t most) {
     Pairs pairs;
     for (auto count = bytes.below(most + 1); count > 0; --count) {
