@@ -16,7 +16,7 @@ namespace {
 // 2,000 sequences in all; each case is a process of its own under ctest.
 constexpr std::uint32_t cases = 20;
 constexpr std::uint32_t sequencesOfOneCase = 100;
-constexpr std::size_t bytesForOneSequence = 160;
+constexpr std::size_t bytesForOneSequence = 80;
 
 std::string explain(const std::vector<ServiceStep>& steps) {
     const auto fewest = shrink(
