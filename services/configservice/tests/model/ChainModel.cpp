@@ -271,8 +271,7 @@ void ChainModel::fireConfigChange(const std::wstring& key, bool deferFire) {
     if (reading.fromLegacyKey && !original.fromLegacyKey && original.hasOverride) {
         value = original.value;
     } else {
-        isOverridden =
-            reading.found && original.hasOverride && (!reading.fromLegacyKey || original.fromLegacyKey);
+        isOverridden = reading.found && original.hasOverride && (!reading.fromLegacyKey || original.fromLegacyKey);
     }
     auto announcedKey = key;
     const auto newName = findNewName(key);
@@ -282,8 +281,8 @@ void ChainModel::fireConfigChange(const std::wstring& key, bool deferFire) {
         }
         announcedKey = newName;
     }
-    changed({announcedKey, value, original.value, isOverridden, reading.found, reading.store, original.store,
-             deferFire});
+    changed(
+        {announcedKey, value, original.value, isOverridden, reading.found, reading.store, original.store, deferFire});
 }
 
 void ChainModel::refreshKeys(const std::vector<std::wstring>& keys) {
@@ -390,10 +389,8 @@ bool ChainModel::setUrlProvisioningData(const std::wstring& url) {
         return false;
     }
     cachedFiles.insert("cachedUrlProvisioningConfigStore.dat");
-    addStore(StoreShape{.kind = StoreShape::Kind::Copy,
-                        .name = "UrlProvisioningConfigStore",
-                        .priority = 499,
-                        .pairs = pairs});
+    addStore(StoreShape{
+        .kind = StoreShape::Kind::Copy, .name = "UrlProvisioningConfigStore", .priority = 499, .pairs = pairs});
     storeValue(L"AllowUrlProvisioning", L"False");
     return true;
 }

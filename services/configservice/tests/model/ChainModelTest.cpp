@@ -21,8 +21,8 @@ constexpr std::uint32_t sequencesOfOneCase = 100;
 constexpr std::size_t bytesForOneSequence = 220;
 
 std::string explain(const std::vector<ChainStep>& steps) {
-    const auto fewest = shrink(
-        steps, [](std::span<const ChainStep> candidate) { return !compareChains(candidate).empty(); });
+    const auto fewest =
+        shrink(steps, [](std::span<const ChainStep> candidate) { return !compareChains(candidate).empty(); });
     return compareChains(fewest);
 }
 

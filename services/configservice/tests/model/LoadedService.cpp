@@ -17,8 +17,7 @@ using namespace ZelUnified;
 
 namespace {
 
-constexpr const wchar_t* policyPath =
-    L"Software\\Policies\\Ventrix Systems, Inc.\\Unified Communications\\VentrixUC";
+constexpr const wchar_t* policyPath = L"Software\\Policies\\Ventrix Systems, Inc.\\Unified Communications\\VentrixUC";
 
 std::shared_ptr<ConfigStore> makeStore(const StoreShape& shape) {
     return std::make_shared<TracedConfigStore>(shape, [](const std::string&) {});
@@ -178,8 +177,12 @@ void LoadedService::setFipsMode(bool on) {
 
 RecordView LoadedService::getRecord(const std::wstring& key) {
     const auto record = service->getConfig(key);
-    return {record->getKey(),          record->getValue(),          record->getOriginalValue(),
-            record->getisOverridden(), record->getisDefined(),      record->getValueStoreName(),
+    return {record->getKey(),
+            record->getValue(),
+            record->getOriginalValue(),
+            record->getisOverridden(),
+            record->getisDefined(),
+            record->getValueStoreName(),
             record->getOriginalValueStoreName()};
 }
 

@@ -174,7 +174,8 @@ void ServiceModel::resetAllData() {
 // The stores.
 
 void ServiceModel::addMemoryStore() {
-    chain->addStore(StoreShape{.kind = Kind::Memory, .name = "InMemoryConfigStore", .priority = 600, .readOnly = false});
+    chain->addStore(
+        StoreShape{.kind = Kind::Memory, .name = "InMemoryConfigStore", .priority = 600, .readOnly = false});
 }
 
 void ServiceModel::addUserStore() {

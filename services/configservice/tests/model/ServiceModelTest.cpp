@@ -1,7 +1,7 @@
 #include "ByteSource.h"
+#include "Comparison.h"
 #include "ServiceScript.h"
 #include "ServiceStep.h"
-#include "Comparison.h"
 
 #include <Watchdog.h>
 #include <gmock/gmock.h>
@@ -19,8 +19,8 @@ constexpr std::uint32_t sequencesOfOneCase = 100;
 constexpr std::size_t bytesForOneSequence = 80;
 
 std::string explain(const std::vector<ServiceStep>& steps) {
-    const auto fewest = shrink(
-        steps, [](std::span<const ServiceStep> candidate) { return !compareServices(candidate).empty(); });
+    const auto fewest =
+        shrink(steps, [](std::span<const ServiceStep> candidate) { return !compareServices(candidate).empty(); });
     return compareServices(fewest);
 }
 

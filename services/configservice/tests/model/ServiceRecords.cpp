@@ -46,8 +46,8 @@ void ServiceRecords::change(const Change& change, bool fips) {
 
 void ServiceRecords::fire(const std::wstring& key) {
     auto& record = find(key);
-    const bool watched = std::any_of(watchedKeys.begin(), watchedKeys.end(),
-                                     [&](const auto& each) { return isSame(each, record.key); });
+    const bool watched =
+        std::any_of(watchedKeys.begin(), watchedKeys.end(), [&](const auto& each) { return isSame(each, record.key); });
     for (const auto& property : firingOrder) {
         if (std::erase(record.pending, property) > 0 && watched) {
             fired(record.key, property);

@@ -10,9 +10,20 @@
 namespace config_model::vocabulary {
 
 inline const std::wstring keys[] = {
-    L"TftpServer1", L"TFTPPrimaryServer", L"tftpserver1", L"TFTPPRIMARYSERVER",     L"CtiServer1",
-    L"Zed",         L"zed",               L"alpha",       L"_mark",                 L"CTIPrimaryServer",
-    L"",            L"omega",             L"ALPHA",       L"Telephony_P2P_Enabled",
+    L"TftpServer1",
+    L"TFTPPrimaryServer",
+    L"tftpserver1",
+    L"TFTPPRIMARYSERVER",
+    L"CtiServer1",
+    L"Zed",
+    L"zed",
+    L"alpha",
+    L"_mark",
+    L"CTIPrimaryServer",
+    L"",
+    L"omega",
+    L"ALPHA",
+    L"Telephony_P2P_Enabled",
 };
 
 inline const std::wstring values[] = {L"one", L"two", L"", L"ONE", L"false", L"three"};
@@ -20,10 +31,22 @@ inline const std::wstring values[] = {L"one", L"two", L"", L"ONE", L"false", L"t
 inline const int priorities[] = {10, 20, 33, 33, 40, 499, 600, std::numeric_limits<int>::max()};
 
 inline const std::string storeNames[] = {
-    "LocalFileConfigStore",   "InMemoryConfigStore",        "RegistryConfigStore",        "MdmConfigStore",
-    "mdmCONFIGstore",         "UrlProvisioningConfigStore", "urlPROVISIONINGconfigstore", "devOverrideConfigStore",
-    "DEVoverrideCONFIGstore", "lumora-config-defaults.xml", "BootstrapConfigStore",       "Alpha",
-    "ALPHA",                  "cachedAlpha.dat",            "cachedBeta.xml",             "Beta",
+    "LocalFileConfigStore",
+    "InMemoryConfigStore",
+    "RegistryConfigStore",
+    "MdmConfigStore",
+    "mdmCONFIGstore",
+    "UrlProvisioningConfigStore",
+    "urlPROVISIONINGconfigstore",
+    "devOverrideConfigStore",
+    "DEVoverrideCONFIGstore",
+    "lumora-config-defaults.xml",
+    "BootstrapConfigStore",
+    "Alpha",
+    "ALPHA",
+    "cachedAlpha.dat",
+    "cachedBeta.xml",
+    "Beta",
 };
 
 inline const std::string placedFiles[] = {
@@ -31,8 +54,8 @@ inline const std::string placedFiles[] = {
 };
 
 inline const std::string removedFiles[] = {
-    "cachedAlpha.dat", "cachedALPHA.dat", "cachedBeta.xml", "cachedBeta.dat", "plain", "other.txt", "Alpha.xml",
-    "cachedUrlProvisioningConfigStore.dat",
+    "cachedAlpha.dat", "cachedALPHA.dat", "cachedBeta.xml", "cachedBeta.dat",
+    "plain",           "other.txt",       "Alpha.xml",      "cachedUrlProvisioningConfigStore.dat",
 };
 
 inline const std::wstring urls[] = {
@@ -73,12 +96,10 @@ inline const std::wstring serviceKeys[] = {
     L"CertificateValidationEnabled",
 };
 
-inline const std::wstring serviceValues[] = {L"one",   L"two",  L"",           L"ONE",
-                                             L"false", L"True", L"Phone_Mode", L"mirrox"};
+inline const std::wstring serviceValues[] = {L"one", L"two", L"", L"ONE", L"false", L"True", L"Phone_Mode", L"mirrox"};
 
 inline const std::wstring records[] = {
-    L"Alpha:41;",    L"A:abc;B;",      L"PresenceConfigStore:31;TftpStore:41;",
-    L"alpha:5;::;;", L"MyTftpStore:7", L"",
+    L"Alpha:41;", L"A:abc;B;", L"PresenceConfigStore:31;TftpStore:41;", L"alpha:5;::;;", L"MyTftpStore:7", L"",
 };
 
 inline const std::string serviceStores[] = {
@@ -120,8 +141,11 @@ inline const std::wstring watchedRecords[] = {
 };
 
 inline const Pairs defaults = {
-    {L"telephony_enabled", L"true"}, {L"voicemail_enabled", L""}, {L"meetings_enabled", L"false"},
-    {L"zed", L"shipped"},            {L"ctiserver1", L""},
+    {L"telephony_enabled", L"true"},
+    {L"voicemail_enabled", L""},
+    {L"meetings_enabled", L"false"},
+    {L"zed", L"shipped"},
+    {L"ctiserver1", L""},
 };
 
 inline Pairs choosePairs(ByteSource& bytes, std::size_t most) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "secure/RankedMutex.h"
+
 #include <ConfigMap.h>
 
 #include <mutex>
@@ -21,7 +23,7 @@ public:
     }
 
 private:
-    mutable std::mutex sensitiveKeysLock;
+    mutable zel::RankedMutex<std::mutex, zel::LockRank::Innermost> sensitiveKeysLock;
     ConfigKeySet sensitiveKeys;
 };
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "secure/RankedMutex.h"
+
 #include <unified/UnifiedFactory.h>
 
 #include <ConfigStoreAddedObserver.h>
@@ -28,7 +30,7 @@ private:
     std::list<std::shared_ptr<ConfigStoreAddedObserver>> getLiving() const;
 
     const std::shared_ptr<UnifiedFactory> unifiedFactory;
-    mutable std::mutex storeAddedObserversLock;
+    mutable zel::RankedMutex<std::mutex, zel::LockRank::Innermost> storeAddedObserversLock;
     std::list<std::weak_ptr<ConfigStoreAddedObserver>> storeAddedObservers;
 };
 
