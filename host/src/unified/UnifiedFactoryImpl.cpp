@@ -68,7 +68,8 @@ void UnifiedFactoryImpl::StartFeatureSet(unsigned int id, std::shared_ptr<Servic
 
 void UnifiedFactoryImpl::startOnServicesThread(unsigned int id, const std::shared_ptr<ServiceEventList>& events) {
     const auto adapter = getFeatureSetAdapter(id);
-    if (!adapter) {
+    // Another thread may ask while the factory ends: what was stopped for good stays so.
+    if (!adapter || destroyed) {
         return;
     }
     const bool wasStarted = adapter->IsFeatureSetStarted(id);
@@ -119,6 +120,9 @@ std::vector<unsigned int> UnifiedFactoryImpl::GetFeatureSetDependencies(unsigned
 
 void UnifiedFactoryImpl::invokeResetData(ResetDataOptionEnum::ResetDataOption option) {
     runWithBackgroundAtRest("UnifiedFactory::invokeResetData", [&] {
+        if (destroyed) {
+            return;
+        }
         for (const auto& callback : resetCallbacks->getCallbacks()) {
             runStep("A reset callback", [&] { callback->InvokeResetData(option); });
         }

@@ -436,6 +436,18 @@ TEST_F(UnifiedFactoryImplTest, DestroyLetsGoOfTheResetCallbacks) {
     EXPECT_TRUE(watched.expired());
 }
 
+TEST_F(UnifiedFactoryImplTest, WhatIsDestroyedIsNeitherStartedAgainNorReset) {
+    fileFeatureSet();
+    const auto registry = factory->getServiceByType<SystemService>()->getResetDataCallbackRegistry();
+    registry->add(0, std::make_shared<ResetCallback>([this](int) { journal.add("reset"); }));
+    featureSet->onDestroy = [this] {
+        factory->StartFeatureSet(id, nullptr);
+        factory->invokeResetData(ResetDataOptionEnum::ResetAll);
+    };
+    factory->Destroy();
+    EXPECT_THAT(journal.get(), ElementsAre("destroy"));
+}
+
 TEST_F(UnifiedFactoryImplTest, TheDispatchersKeepAnsweringAfterTheEnd) {
     const LogRecorder log;
     factory->Destroy();

@@ -3,6 +3,7 @@
 #include "CachedStores.h"
 #include "ConfigStoreManager.h"
 #include "EnabledServices.h"
+#include "secure/RankedMutex.h"
 
 #include <unified/FeatureSetAdapter.h>
 #include <unified/ProviderResetDataCallback.h>
@@ -128,7 +129,7 @@ private:
     void notifyConfigKeyAliases();
 
     const std::shared_ptr<UnifiedFactory> unifiedFactory;
-    std::recursive_mutex adapterMutex;
+    zel::RankedMutex<std::recursive_mutex, zel::LockRank::Adapter> adapterMutex;
     std::atomic<bool> featureSetStarted = false;
     bool resetDataCallbackRegistered = false; ///< Guarded by adapterMutex; never goes back.
     const std::shared_ptr<ConfigStoreManager> configStoreManager;

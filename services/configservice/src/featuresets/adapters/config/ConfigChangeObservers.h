@@ -1,5 +1,7 @@
 #pragma once
 
+#include "secure/RankedMutex.h"
+
 #include <ConfigStoreManager_Observer.h>
 
 #include <mutex>
@@ -33,7 +35,7 @@ public:
     void notifySensitiveKey(const std::wstring& key);
 
 private:
-    std::recursive_mutex observersLock;
+    zel::RankedMutex<std::recursive_mutex, zel::LockRank::Observers> observersLock;
     std::set<ConfigStoreManager_Observer*> observers;
 };
 

@@ -6,6 +6,7 @@
 #include "SensitiveKeys.h"
 #include "StoreAddedObservers.h"
 #include "StoreChain.h"
+#include "secure/RankedMutex.h"
 
 #include <unified/UnifiedFactory.h>
 
@@ -110,8 +111,9 @@ private:
     /// Whether any store holds the key under exactly this name.
     bool isHeld(const std::wstring& key) const;
 
-    mutable std::recursive_mutex chainLock; ///< Recursive: updates go through addStore(), callbacks read the chain.
-    StoreChain configStores;                ///< Changed under `chainLock`. No two stores of one name.
+    mutable zel::RankedMutex<std::recursive_mutex, zel::LockRank::Chain>
+        chainLock;           ///< Recursive: updates go through addStore(), callbacks read the chain.
+    StoreChain configStores; ///< Changed under `chainLock`. No two stores of one name.
     SensitiveKeys sensitiveKeys;
     ConfigChangeObservers observers;
     const std::shared_ptr<UnifiedFactory> unifiedFactory;

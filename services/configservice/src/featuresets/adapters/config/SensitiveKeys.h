@@ -1,5 +1,7 @@
 #pragma once
 
+#include "secure/RankedMutex.h"
+
 #include <ConfigMap.h>
 
 #include <mutex>
@@ -21,7 +23,8 @@ public:
     }
 
 private:
-    mutable std::recursive_mutex sensitiveKeysLock; ///< Recursive, as all locks of the manager.
+    /// Recursive, as all locks of the manager.
+    mutable zel::RankedMutex<std::recursive_mutex, zel::LockRank::Innermost> sensitiveKeysLock;
     ConfigKeySet sensitiveKeys;
 };
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "secure/RankedMutex.h"
+
 #include <unified/UnifiedFactory.h>
 
 #include <ConfigStoreAddedObserver.h>
@@ -28,7 +30,8 @@ private:
     std::list<std::shared_ptr<ConfigStoreAddedObserver>> getLiving() const;
 
     const std::shared_ptr<UnifiedFactory> unifiedFactory;
-    mutable std::recursive_mutex storeAddedObserversLock; ///< Recursive, as all locks of the manager.
+    /// Recursive, as all locks of the manager.
+    mutable zel::RankedMutex<std::recursive_mutex, zel::LockRank::Innermost> storeAddedObserversLock;
     std::list<std::weak_ptr<ConfigStoreAddedObserver>> storeAddedObservers;
 };
 

@@ -1,5 +1,7 @@
 #include "XmlBuffer.h"
 
+#include "XmlLibrary.h"
+
 #include <openssl/crypto.h>
 
 namespace ZelUnified {
@@ -16,6 +18,7 @@ void wipeAndFree(xmlBuffer* buffer) {
 } // namespace
 
 XmlBuffer makeXmlBuffer() {
+    const XmlLibrary library;
     xmlBuffer* buffer = xmlBufferCreate();
     return buffer == nullptr ? nullptr : XmlBuffer(buffer, &wipeAndFree);
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "XmlLibrary.h"
+
 #include <libxml/globals.h>
 #include <libxml/xmlerror.h>
 
@@ -17,6 +19,7 @@ public:
     XmlGuard& operator=(const XmlGuard&) = delete;
 
 private:
+    const XmlLibrary library; ///< First: what is kept behind it is asked of the library.
     xmlStructuredErrorFunc structuredHandler;
     void* structuredContext;
     xmlGenericErrorFunc genericHandler;

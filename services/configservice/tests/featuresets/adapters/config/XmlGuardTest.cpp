@@ -1,8 +1,10 @@
+#include <featuresets/adapters/config/XmlBuffer.h>
 #include <featuresets/adapters/config/XmlGuard.h>
 #include <gtest/gtest.h>
 #include <libxml/parser.h>
 
 #include <cstring>
+#include <thread>
 
 using ZelUnified::XmlGuard;
 
@@ -17,6 +19,17 @@ void parse(const char* text) {
 }
 
 } // namespace
+
+// Each case is a process of its own: here the library has not been used before.
+TEST(XmlGuard, TheFirstUseOfTheLibraryMayBeOnSeveralThreadsAtOnce) {
+    const auto use = [] {
+        const XmlGuard guard;
+        EXPECT_NE(ZelUnified::makeXmlBuffer(), nullptr);
+    };
+    std::thread other(use);
+    use();
+    other.join();
+}
 
 TEST(XmlGuard, KeepsTheParserFromQuotingTheDocumentOnStandardError) {
     testing::internal::CaptureStderr();

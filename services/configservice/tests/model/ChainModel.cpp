@@ -1,0 +1,524 @@
+#include "ChainModel.h"
+
+#include "ModelUrl.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace config_model {
+
+namespace {
+
+const std::pair<std::wstring, std::wstring> oldAndNewNames[] = {
+    {L"Start_Client_On_Start_OS", L"LaunchOnSystemStartup"},
+    {L"TftpServer1", L"TFTPPrimaryServer"},
+    {L"TftpServer2", L"TFTPBackupServer1"},
+    {L"TftpServer3", L"TFTPBackupServer2"},
+    {L"CtiServer1", L"CTIPrimaryServer"},
+    {L"CtiServer2", L"CTIBackupServer"},
+    {L"SabrelServer1", L"DeviceAuthenticationPrimaryServer"},
+    {L"SabrelServer2", L"DeviceAuthenticationBackupServer"},
+    {L"VVM_Mailstore_Server_0", L"VoicemailPrimaryServer"},
+    {L"VVM_Mailstore_Server_1", L"VoicemailBackup1Server"},
+    {L"VVM_Mailstore_Server_2", L"VoicemailBackup2Server"},
+    {L"VVM_Mailstore_PollingInterval", L"VoicmeailPollingInterval"},
+    {L"DockedWindowVisible", L"DockedWindow"},
+    {L"contactListView", L"ShowContactPictures"},
+    {L"EnableSipProtocolHandler", L"EnableSIPProtocol"},
+    {L"EnableTelProtocolHandler", L"EnableTelProtocol"},
+    {L"EnableImProtocolHandler", L"EnableIMProtocol"},
+    {L"PresenceServerType", L"DiscoveredPresenceServerType"},
+};
+
+const std::string sparedByReset[] = {"UrlProvisioningConfigStore", "BootstrapConfigStore", "MdmConfigStore",
+                                     "lumora-config-defaults.xml", "devOverrideConfigStore"};
+
+std::string extensionOf(const std::string& fileName) {
+    const auto point = fileName.rfind('.');
+    return point == std::string::npos ? "" : fileName.substr(point);
+}
+
+std::string withExtension(const std::string& fileName, const std::string& extension) {
+    return fileName.substr(0, fileName.rfind('.')) + extension;
+}
+
+} // namespace
+
+std::wstring ChainModel::findNewName(const std::wstring& key) {
+    for (const auto& [oldName, newName] : oldAndNewNames) {
+        if (isSame(oldName, key)) {
+            return newName;
+        }
+    }
+    return L"";
+}
+
+std::wstring ChainModel::findOldName(const std::wstring& key) {
+    for (const auto& [oldName, newName] : oldAndNewNames) {
+        if (isSame(newName, key)) {
+            return oldName;
+        }
+    }
+    return L"";
+}
+
+// How stores arrive and leave.
+
+void ChainModel::addStore(const Store& store) {
+    const auto& name = store->shape.name;
+    if (hasStore(name)) {
+        logUnlessOverrideStore(name, "updating existing store: " + name);
+        for (std::size_t i = 0; i < chain.size(); ++i) {
+            if (isSame(chain[i]->shape.name, name)) {
+                updateExistingStore(store, chain[i]->getKeys());
+            }
+        }
+        return;
+    }
+    chain.push_back(store);
+    std::stable_sort(chain.begin(), chain.end(),
+                     [](const auto& a, const auto& b) { return a->shape.priority < b->shape.priority; });
+    std::string line = "adding new store: " + name + ", Config stores :";
+    for (const auto& each : chain) {
+        if (!isSame(each->shape.name, "devOverrideConfigStore")) {
+            line += " [" + each->shape.name + "(" + std::to_string(each->shape.priority) + ")]";
+        }
+    }
+    logUnlessOverrideStore(name, line);
+    refreshKeys(store->getKeys());
+    fireStoreAdded(name);
+}
+
+void ChainModel::updateExistingStore(const Store& store, const std::vector<std::wstring>& oldKeys) {
+    const auto& name = store->shape.name;
+    if (!hasStore(name)) {
+        return;
+    }
+    removeStoreAndCachedCopy(name);
+    const auto newKeys = store->getKeys();
+    for (const auto& key : oldKeys) {
+        if (std::none_of(newKeys.begin(), newKeys.end(), [&](const auto& each) { return isSame(each, key); })) {
+            fireConfigChange(key, false);
+        }
+    }
+    addStore(store);
+}
+
+void ChainModel::removeStoreAndCachedCopy(const std::string& name) {
+    const auto store = getStoreByName(name);
+    if (!store) {
+        return;
+    }
+    if (store->shape.caching) {
+        removeStoreAndCachedCopy("cached" + name + ".dat");
+    }
+    std::erase(chain, store);
+}
+
+bool ChainModel::removeStore(const std::string& name) {
+    const auto store = getStoreByName(name);
+    if (!store) {
+        return false;
+    }
+    if (store->shape.caching || isSame(name, "UrlProvisioningConfigStore")) {
+        removeCachedFiles("cached" + name + ".dat");
+    }
+    logUnlessOverrideStore(name, "Removing store: " + name);
+    std::erase(chain, store);
+    refreshKeys(store->getKeys());
+    return true;
+}
+
+void ChainModel::removeNonLocalStores() {
+    for (std::size_t i = chain.size(); i-- > 0;) {
+        const auto store = chain[i];
+        if (!store->shape.local) {
+            std::erase(chain, store);
+            refreshKeys(store->getKeys());
+        }
+    }
+}
+
+void ChainModel::destroyStores() {
+    for (const auto& store : chain) {
+        store->destroyed = true;
+        if (store->shape.kind == StoreShape::Kind::Foreign) {
+            told("destroy " + store->shape.name);
+        }
+    }
+}
+
+bool ChainModel::hasStore(const std::string& name) {
+    return getStoreByName(name) != nullptr;
+}
+
+std::string ChainModel::findStore(const std::string& name) {
+    const auto store = getStoreByName(name);
+    return store ? store->shape.name : "";
+}
+
+ChainModel::Store ChainModel::getStoreByName(const std::string& name) {
+    for (const auto& store : chain) {
+        if (isSame(store->shape.name, name)) {
+            return store;
+        }
+    }
+    return nullptr;
+}
+
+// How a key becomes a value.
+
+Reading ChainModel::lookupInStores(const std::wstring& key, bool skipLocal, const std::string& filter) {
+    Reading reading;
+    for (const auto& store : chain) {
+        if (!filter.empty() && !isSame(filter, store->shape.name)) {
+            continue;
+        }
+        if (skipLocal && !store->shape.readOnly) {
+            continue;
+        }
+        if (store->getValue(key, reading.value, fips)) {
+            reading.found = true;
+            reading.store = widen(store->shape.name);
+            break;
+        }
+    }
+    if (!reading.found) {
+        reading.value.clear();
+    }
+    if (fips && isSame(key, L"Telephony_P2P_Enabled")) {
+        reading.value = L"false";
+    }
+    return reading;
+}
+
+Reading ChainModel::getValue(const std::wstring& key, bool skipLocal, const std::string& filter) {
+    const auto newName = findNewName(key);
+    if (!newName.empty()) {
+        auto reading = lookupInStores(newName, skipLocal, filter);
+        if (!reading.found) {
+            reading = lookupInStores(key, skipLocal, filter);
+            reading.fromLegacyKey = reading.found;
+        }
+        return reading;
+    }
+    auto reading = lookupInStores(key, skipLocal, filter);
+    const auto oldName = findOldName(key);
+    if (!reading.found && !oldName.empty()) {
+        reading = lookupInStores(oldName, skipLocal, filter);
+        reading.fromLegacyKey = reading.found;
+    }
+    return reading;
+}
+
+std::wstring ChainModel::getValueOfStore(const std::string& filter, const std::wstring& key) {
+    const auto reading = getValue(key, false, filter);
+    return reading.found ? reading.value : L"";
+}
+
+bool ChainModel::findOriginalValue(const std::wstring& key, OriginalReading& reading, bool& found) {
+    std::wstring writableValue;
+    std::wstring readOnlyValue;
+    bool hasOverride = false;
+    found = false;
+    for (const auto& store : chain) {
+        if (!writableValue.empty() && !readOnlyValue.empty()) {
+            break;
+        }
+        if (!store->shape.readOnly && writableValue.empty()) {
+            const bool answered = store->getValue(key, writableValue, fips);
+            if (answered && readOnlyValue.empty()) {
+                hasOverride = true;
+            }
+        }
+        if (store->shape.readOnly && readOnlyValue.empty() && store->getValue(key, readOnlyValue, fips)) {
+            reading.store = widen(store->shape.name);
+            found = true;
+        }
+    }
+    reading.value = readOnlyValue;
+    return hasOverride;
+}
+
+OriginalReading ChainModel::getOriginalValue(const std::wstring& key) {
+    OriginalReading reading;
+    bool found = false;
+    const auto newName = findNewName(key);
+    if (!newName.empty()) {
+        reading.hasOverride = findOriginalValue(newName, reading, found);
+        if (!reading.hasOverride) {
+            reading.hasOverride = findOriginalValue(key, reading, found);
+            reading.fromLegacyKey = reading.hasOverride;
+        }
+        return reading;
+    }
+    reading.hasOverride = findOriginalValue(key, reading, found);
+    const auto oldName = findOldName(key);
+    if (!found && !oldName.empty()) {
+        reading.hasOverride = findOriginalValue(oldName, reading, found);
+        reading.fromLegacyKey = reading.hasOverride;
+    }
+    return reading;
+}
+
+// What observers are told.
+
+void ChainModel::fireConfigChange(const std::wstring& key, bool deferFire) {
+    const auto reading = getValue(key, false, "");
+    const auto original = getOriginalValue(key);
+    auto value = reading.value;
+    bool isOverridden = false;
+    if (reading.fromLegacyKey && !original.fromLegacyKey && original.hasOverride) {
+        value = original.value;
+    } else {
+        isOverridden = reading.found && original.hasOverride && (!reading.fromLegacyKey || original.fromLegacyKey);
+    }
+    auto announcedKey = key;
+    const auto newName = findNewName(key);
+    if (!newName.empty()) {
+        if (lookupInStores(newName, false, "").found) {
+            return;
+        }
+        announcedKey = newName;
+    }
+    changed(
+        {announcedKey, value, original.value, isOverridden, reading.found, reading.store, original.store, deferFire});
+}
+
+void ChainModel::refreshKeys(const std::vector<std::wstring>& keys) {
+    for (const auto& key : keys) {
+        fireConfigChange(key, true);
+    }
+    for (const auto& key : keys) {
+        const auto newName = findNewName(key);
+        if (newName.empty()) {
+            mayFire(key);
+        } else if (!lookupInStores(newName, false, "").found) {
+            mayFire(newName);
+        }
+    }
+}
+
+void ChainModel::setKeySensitive(const std::wstring& key) {
+    sensitiveKeys.push_back(key);
+    madeSensitive(key);
+}
+
+bool ChainModel::isKeySensitive(const std::wstring& key) {
+    return std::any_of(sensitiveKeys.begin(), sensitiveKeys.end(), [&](const auto& each) { return isSame(each, key); });
+}
+
+// Writes.
+
+bool ChainModel::isWriteTarget(const ModelStore& store) {
+    return !store.shape.readOnly && !isSame(store.shape.name, "InMemoryConfigStore");
+}
+
+bool ChainModel::storeValue(const std::wstring& key, const std::wstring& value) {
+    const auto target = std::find_if(chain.begin(), chain.end(), [](const auto& each) { return isWriteTarget(*each); });
+    if (target == chain.end()) {
+        return false;
+    }
+    const auto store = *target;
+    const bool stored = store->storeValue(key, value);
+    persistLater(store);
+    fireConfigChange(key, false);
+    return stored;
+}
+
+bool ChainModel::storeValues(const Pairs& values) {
+    const ModelStore map({.name = "map", .pairs = values});
+    bool hasTarget = false;
+    for (const auto& store : std::vector(chain)) {
+        if (!isWriteTarget(*store)) {
+            continue;
+        }
+        hasTarget = true;
+        for (const auto& [key, value] : map.shape.pairs) {
+            if (!store->storeValue(key, value)) {
+                log.push_back("Unable to store the value with key: " + narrow(key.substr(0, 1)));
+            }
+        }
+        persistLater(store);
+        for (const auto& key : map.getKeys()) {
+            fireConfigChange(key, false);
+        }
+    }
+    return hasTarget;
+}
+
+bool ChainModel::setInMemoryValue(const std::wstring& key, const std::wstring& value) {
+    const auto store = getStoreByName("InMemoryConfigStore");
+    if (!store) {
+        return false;
+    }
+    const bool stored = store->storeValue(key, value);
+    fireConfigChange(key, false);
+    return stored;
+}
+
+bool ChainModel::removeValue(const std::wstring& key) {
+    std::vector<std::wstring> names{key};
+    for (const auto& other : {findNewName(key), findOldName(key)}) {
+        if (!other.empty()) {
+            names.push_back(other);
+        }
+    }
+    bool removed = false;
+    for (const auto& store : std::vector(chain)) {
+        if (store->shape.readOnly) {
+            continue;
+        }
+        for (const auto& name : names) {
+            if (store->removeValue(name)) {
+                persistLater(store);
+                removed = true;
+            }
+        }
+    }
+    if (removed) {
+        fireConfigChange(key, false);
+    }
+    return removed;
+}
+
+bool ChainModel::setUrlProvisioningData(const std::wstring& url) {
+    log.push_back("setting url provisioning data");
+    const auto pairs = readProvisioningUrl(url);
+    if (pairs.empty()) {
+        return false;
+    }
+    cachedFiles.insert("cachedUrlProvisioningConfigStore.dat");
+    addStore(StoreShape{
+        .kind = StoreShape::Kind::Copy, .name = "UrlProvisioningConfigStore", .priority = 499, .pairs = pairs});
+    storeValue(L"AllowUrlProvisioning", L"False");
+    return true;
+}
+
+// Resets and files.
+
+void ChainModel::resetConfigData() {
+    for (std::size_t i = chain.size(); i-- > 0;) {
+        const auto store = chain[i];
+        const auto& name = store->shape.name;
+        if (std::count(std::begin(sparedByReset), std::end(sparedByReset), name) > 0) {
+            continue;
+        }
+        log.push_back("Removing store " + name + " from ConfigManager.");
+        removeStore(name);
+        log.push_back("Removing all keys for store: " + name);
+        store->removeAllValues();
+    }
+}
+
+void ChainModel::resetConfigData(const std::string& name) {
+    for (const auto& store : chain) {
+        if (store->shape.name == name) {
+            log.push_back("Removing all keys for store: " + name);
+            store->removeAllValues();
+        }
+    }
+}
+
+void ChainModel::removeAllCachedStores() {
+    std::vector<std::string> names;
+    for (const auto& file : cachedFiles) {
+        if (extensionOf(file) == ".xml") {
+            names.push_back(file);
+        }
+    }
+    for (const auto& file : cachedFiles) {
+        if (extensionOf(file) == ".dat") {
+            names.push_back(withExtension(file, ".xml"));
+        }
+    }
+    for (const auto& name : names) {
+        removeStore(name);
+        removeCachedFiles(name);
+    }
+}
+
+bool ChainModel::removeCachedFiles(const std::string& fileName) {
+    bool found = removeCachedFile(fileName);
+    if (extensionOf(fileName) == ".xml") {
+        found = removeCachedFile(withExtension(fileName, ".dat")) || found;
+    }
+    return found;
+}
+
+bool ChainModel::removeCachedFile(const std::string& fileName) {
+    if (cachedFiles.erase(fileName) == 0) {
+        return false;
+    }
+    log.push_back("Removed file: Cache/" + fileName);
+    return true;
+}
+
+// Work for later.
+
+void ChainModel::persistLater(const Store& store) {
+    tasks.push_back({"ConfigStore::persistValues", [this, store] {
+                         if (store->shape.kind == StoreShape::Kind::Foreign) {
+                             told("persist " + store->shape.name);
+                         } else if (persisted) {
+                             persisted(*store);
+                         }
+                     }});
+}
+
+void ChainModel::fireStoreAdded(const std::string& name) {
+    for (const auto serial : storeObservers) {
+        for (std::size_t number = 1; number < std::size(serials); ++number) {
+            if (serials[number] == serial) {
+                tasks.push_back({"ConfigStoreAddedObserver::OnConfigStoreAdded",
+                                 [this, number, name] { told("observer " + std::to_string(number) + " " + name); }});
+            }
+        }
+    }
+}
+
+void ChainModel::registerStoreObserver(std::size_t number) {
+    if (number == 0) {
+        return;
+    }
+    storeObservers.push_back(serials[number]);
+    log.emplace_back("ConfigStoreAddedObserver registered");
+}
+
+void ChainModel::unregisterStoreObserver(std::size_t number) {
+    if (number == 0) {
+        log.emplace_back("Attempt to unregister null ConfigStoreAddedObserver");
+        return;
+    }
+    const bool known = std::erase(storeObservers, serials[number]) > 0;
+    log.emplace_back(known ? "ConfigStoreAddedObserver unregistered"
+                           : "Attempt to unregister unknown ConfigStoreAddedObserver");
+}
+
+void ChainModel::renewStoreObserver(std::size_t number) {
+    serials[number] = nextSerial++;
+}
+
+std::vector<std::string> ChainModel::getTaskNames() {
+    std::vector<std::string> names;
+    for (const auto& task : tasks) {
+        names.push_back(task.name);
+    }
+    return names;
+}
+
+void ChainModel::runTasks() {
+    while (!tasks.empty()) {
+        const auto task = std::move(tasks.front());
+        tasks.pop_front();
+        task.work();
+    }
+}
+
+void ChainModel::logUnlessOverrideStore(const std::string& name, const std::string& line) {
+    if (!isSame(name, "devOverrideConfigStore")) {
+        log.push_back(line);
+    }
+}
+
+} // namespace config_model

@@ -1,0 +1,96 @@
+#pragma once
+
+#include "Chain.h"
+
+#include <deque>
+#include <functional>
+#include <memory>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace config_model {
+
+/// The rules of the chain written down a second time, as plainly as they can be said: no lock, no index, no cache.
+class ChainModel final : public Chain {
+public:
+    void addStore(const StoreShape& shape) override { addStore(std::make_shared<ModelStore>(shape)); }
+    void updateExistingStore(const StoreShape& shape, const std::vector<std::wstring>& oldKeys) override {
+        updateExistingStore(std::make_shared<ModelStore>(shape), oldKeys);
+    }
+    bool removeStore(const std::string& name) override;
+    void removeNonLocalStores() override;
+    void destroyStores() override;
+    bool hasStore(const std::string& name) override;
+    std::string findStore(const std::string& name) override;
+
+    void registerStoreObserver(std::size_t number) override;
+    void unregisterStoreObserver(std::size_t number) override;
+    void renewStoreObserver(std::size_t number) override;
+
+    Reading getValue(const std::wstring& key, bool skipLocal, const std::string& filter) override;
+    std::wstring getValueOfStore(const std::string& filter, const std::wstring& key) override;
+    OriginalReading getOriginalValue(const std::wstring& key) override;
+    void setKeySensitive(const std::wstring& key) override;
+    bool isKeySensitive(const std::wstring& key) override;
+
+    bool storeValue(const std::wstring& key, const std::wstring& value) override;
+    bool storeValues(const Pairs& values) override;
+    bool setInMemoryValue(const std::wstring& key, const std::wstring& value) override;
+    bool removeValue(const std::wstring& key) override;
+    bool setUrlProvisioningData(const std::wstring& url) override;
+
+    void resetConfigData() override;
+    void resetConfigData(const std::string& name) override;
+    void removeAllCachedStores() override;
+    bool removeCachedFiles(const std::string& fileName) override;
+
+    void setFipsMode(bool on) override { fips = on; }
+    void placeCachedFile(const std::string& fileName) override { cachedFiles.insert(fileName); }
+    std::vector<std::string> listCachedFiles() override { return {cachedFiles.begin(), cachedFiles.end()}; }
+
+    std::vector<std::string> getTaskNames() override;
+    void runTasks() override;
+    std::vector<std::string> takeLog() override { return std::exchange(log, {}); }
+
+    using Store = std::shared_ptr<ModelStore>;
+    /// For the model of what stands above the chain.
+    void addStore(const Store& store);
+    void updateExistingStore(const Store& store, const std::vector<std::wstring>& oldKeys);
+    Store getStoreByName(const std::string& name);
+    /// What a store's own file takes when the store is persisted.
+    std::function<void(ModelStore&)> persisted;
+
+    static std::wstring findNewName(const std::wstring& key);
+    static std::wstring findOldName(const std::wstring& key);
+
+private:
+    Reading lookupInStores(const std::wstring& key, bool skipLocal, const std::string& filter);
+    bool findOriginalValue(const std::wstring& key, OriginalReading& reading, bool& found);
+    void fireConfigChange(const std::wstring& key, bool deferFire);
+    void refreshKeys(const std::vector<std::wstring>& keys);
+    void fireStoreAdded(const std::string& name);
+    void removeStoreAndCachedCopy(const std::string& name);
+    void persistLater(const Store& store);
+    bool removeCachedFile(const std::string& fileName);
+    void logUnlessOverrideStore(const std::string& name, const std::string& line);
+    static bool isWriteTarget(const ModelStore& store);
+
+    std::vector<Store> chain;
+    std::vector<std::wstring> sensitiveKeys;
+    /// Serial numbers: an observer that died keeps its place in the list.
+    std::vector<std::size_t> storeObservers;
+    std::size_t serials[4] = {0, 1, 2, 3};
+    std::size_t nextSerial = 4;
+    struct Task {
+        std::string name;
+        std::function<void()> work;
+    };
+    std::deque<Task> tasks;
+    std::vector<std::string> log;
+    std::set<std::string> cachedFiles;
+    bool fips = false;
+};
+
+} // namespace config_model

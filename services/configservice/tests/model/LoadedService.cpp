@@ -1,0 +1,193 @@
+#include "LoadedService.h"
+
+#include "CachedFolder.h"
+#include "TracedConfigStore.h"
+#include "services/impl/InjectConfigService.h"
+
+#include <zel/FipsUtils.h>
+
+#include <ConfigFeatureSet.h>
+#include <ConfigServiceIds.h>
+#include <ConfigValue.h>
+#include <ConfigValueObserver.h>
+
+namespace config_model {
+
+using namespace ZelUnified;
+
+namespace {
+
+constexpr const wchar_t* policyPath = L"Software\\Policies\\Ventrix Systems, Inc.\\Unified Communications\\VentrixUC";
+
+std::shared_ptr<ConfigStore> makeStore(const StoreShape& shape) {
+    return std::make_shared<TracedConfigStore>(shape, [](const std::string&) {});
+}
+
+} // namespace
+
+/// Tells each property that the record of its key fires.
+class LoadedService::RecordObserver final : public ConfigValueObserver {
+public:
+    RecordObserver(const LoadedService& owner, std::wstring itsKey) : subject(owner), key(std::move(itsKey)) {}
+    void OnKeyChanged() override { subject.fired(key, "Key"); }
+    void OnValueChanged() override { subject.fired(key, "Value"); }
+    void OnOriginalValueChanged() override { subject.fired(key, "OriginalValue"); }
+    void OnisOverriddenChanged() override { subject.fired(key, "isOverridden"); }
+    void OnisDefinedChanged() override { subject.fired(key, "isDefined"); }
+    void OnValueStoreNameChanged() override { subject.fired(key, "ValueStoreName"); }
+    void OnOriginalValueStoreNameChanged() override { subject.fired(key, "OriginalValueStoreName"); }
+
+private:
+    const LoadedService& subject;
+    const std::wstring key;
+};
+
+LoadedService::LoadedService(const Pairs& shippedDefaults) {
+    setFipsMode(false);
+    std::wstring document = L"<Lumora>\n";
+    for (const auto& [key, value] : shippedDefaults) {
+        document += L" <userConfig name=\"" + key + L"\" value=\"" + value + L"\"/>\n";
+    }
+    testing_host::writeFile(profile.resources() / "lumora-config-defaults.xml", narrow(document + L"</Lumora>\n"));
+}
+
+LoadedService::~LoadedService() {
+    unload();
+    zel::common::FipsUtils::overrideFipsMode(std::nullopt);
+}
+
+void LoadedService::unload() {
+    observers.clear();
+    adapter.reset();
+    service.reset();
+    runTasks();
+    factory->Destroy();
+}
+
+void LoadedService::restart(const std::vector<std::wstring>& watchedKeys) {
+    unload();
+    factory = std::make_shared<testing_host::RecordingFactory>();
+    InjectConfigService(factory);
+    adapter = std::dynamic_pointer_cast<ConfigAdapter>(factory->getFeatureSetByType<ConfigFeatureSet>());
+    service = factory->getServiceByType<ConfigService>();
+    runTasks();
+    for (const auto& key : watchedKeys) {
+        const auto record = service->getConfig(key);
+        observers.push_back(std::make_shared<RecordObserver>(*this, record->getKey()));
+        record->addObserver(std::weak_ptr<ConfigValueObserver>(observers.back()));
+    }
+}
+
+void LoadedService::start() {
+    adapter->StartFeatureSet(configServiceId, nullptr);
+    runTasks();
+}
+
+void LoadedService::stop() {
+    adapter->StopFeatureSet(configServiceId, nullptr);
+}
+
+void LoadedService::refresh() {
+    adapter->refreshConfigFeatureSet();
+    runTasks();
+}
+
+void LoadedService::powerDown() {
+    adapter->onPowerEvent(ZelSystemMonitor::PowerEventTypeEnum::PowerDown);
+}
+
+void LoadedService::resetAllData() {
+    adapter->InvokeResetData(ResetDataOptionEnum::ResetAll);
+    runTasks();
+}
+
+void LoadedService::addStore(const StoreShape& shape) {
+    adapter->addConfigStore(makeStore(shape));
+    runTasks();
+}
+
+void LoadedService::updateStore(const StoreShape& shape, const std::vector<std::wstring>& oldKeys) {
+    adapter->updateExistingConfigStore(makeStore(shape), oldKeys);
+    runTasks();
+}
+
+bool LoadedService::removeStore(const std::string& name) {
+    const bool removed = service->removeConfigStoreAndCache(widen(name));
+    runTasks();
+    return removed;
+}
+
+std::string LoadedService::findStore(const std::string& name) {
+    const auto store = adapter->getConfigStoreByName(name);
+    return store ? store->getName() : "";
+}
+
+void LoadedService::setMdmConfig(const Pairs& pairs) {
+    std::wstring document = L"<root><group>";
+    for (const auto& [key, value] : pairs) {
+        document += L"<" + key + L">" + value + L"</" + key + L">";
+    }
+    service->setMdmConfig(narrow(document + L"</group></root>"));
+}
+
+bool LoadedService::setConfig(const std::wstring& key, const std::wstring& value) {
+    const bool stored = adapter->setConfig(key, value);
+    runTasks();
+    return stored;
+}
+
+bool LoadedService::setConfig(const Pairs& pairs) {
+    ConfigMap map;
+    for (const auto& [key, value] : pairs) {
+        map[key] = value;
+    }
+    const bool stored = adapter->setConfig(map);
+    runTasks();
+    return stored;
+}
+
+void LoadedService::resetConfig(const std::wstring& key) {
+    service->resetConfig(key);
+    runTasks();
+}
+
+bool LoadedService::provision(const std::wstring& url) {
+    const bool done = service->setUrlProvisioningData(url);
+    runTasks();
+    return done;
+}
+
+bool LoadedService::resetProvisioning() {
+    const bool removed = service->resetAllowUriProvisioningData();
+    runTasks();
+    return removed;
+}
+
+bool LoadedService::isStarted() {
+    return adapter->IsFeatureSetStarted(configServiceId);
+}
+
+void LoadedService::setPolicy(const std::wstring& key, const std::wstring& value) {
+    registry->setText(zel::registry::HKEY_CURRENT_USER, policyPath, key, value);
+}
+
+void LoadedService::setFipsMode(bool on) {
+    zel::common::FipsUtils::overrideFipsMode(on);
+}
+
+RecordView LoadedService::getRecord(const std::wstring& key) {
+    const auto record = service->getConfig(key);
+    return {record->getKey(),
+            record->getValue(),
+            record->getOriginalValue(),
+            record->getisOverridden(),
+            record->getisDefined(),
+            record->getValueStoreName(),
+            record->getOriginalValueStoreName()};
+}
+
+std::vector<std::string> LoadedService::listCachedFiles() {
+    return listFolder(profile.config() / "Cache");
+}
+
+} // namespace config_model

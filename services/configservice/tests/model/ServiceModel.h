@@ -1,0 +1,95 @@
+#pragma once
+
+#include "ChainModel.h"
+#include "Service.h"
+#include "ServiceRecords.h"
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace config_model {
+
+/// The rules of what stands above the chain written down a second time: which stores there are and when, what is kept
+/// from run to run, the started guard, the policy switches, the derived flags.
+class ServiceModel final : public Service {
+public:
+    explicit ServiceModel(Pairs shippedDefaults) : defaults(std::move(shippedDefaults)) {}
+
+    void restart(const std::vector<std::wstring>& watchedKeys) override;
+    void start() override;
+    void stop() override;
+    void refresh() override;
+    void powerDown() override;
+    void resetAllData() override;
+
+    void addStore(const StoreShape& shape) override;
+    void updateStore(const StoreShape& shape, const std::vector<std::wstring>& oldKeys) override;
+    bool removeStore(const std::string& name) override;
+    bool isStorePresent(const std::string& name) override { return started && chain->hasStore(name); }
+    std::string findStore(const std::string& name) override { return chain->findStore(name); }
+    void removeAllCachedStores() override { chain->removeAllCachedStores(); }
+    void setMdmConfig(const Pairs& pairs) override;
+
+    bool getConfig(const std::wstring& key, std::wstring& value, std::wstring& store, bool& fromLegacyKey,
+                   bool skipLocal) override;
+    std::wstring getValueOfStore(const std::string& store, const std::wstring& key) override {
+        return chain->getValueOfStore(store, key);
+    }
+    bool setConfig(const std::wstring& key, const std::wstring& value) override;
+    bool setConfig(const Pairs& pairs) override;
+    bool setInMemoryConfig(const std::wstring& key, const std::wstring& value) override {
+        return chain->setInMemoryValue(key, value);
+    }
+    void resetConfig(const std::wstring& key) override;
+    void resetStore(const std::string& name) override { chain->resetConfigData(name); }
+    bool provision(const std::wstring& url) override;
+    bool resetProvisioning() override;
+    void setKeySensitive(const std::wstring& key) override { chain->setKeySensitive(key); }
+    bool isKeySensitive(const std::wstring& key) override { return chain->isKeySensitive(key); }
+    bool isRecordSensitive(const std::wstring& key) override;
+    bool isStarted() override { return started; }
+
+    void setPolicy(const std::wstring& key, const std::wstring& value) override;
+    void setFipsMode(bool on) override;
+
+    RecordView getRecord(const std::wstring& key) override { return records.get(key, fips); }
+    std::vector<std::string> listCachedFiles() override { return chain->listCachedFiles(); }
+
+private:
+    void connect();
+    void addMemoryStore();
+    void addUserStore();
+    void addRegistryStore();
+    void addCopy(const std::string& name, int priority);
+    void initialiseCachedStores();
+    void cacheStore(const ModelStore& store);
+    void writeRecord(const std::string& name, int priority);
+    void removeFromRecord(const std::string& name);
+    bool isSdkMode();
+    bool isSwitchedOff(const std::wstring& key);
+    void removeValuesIfPolicySet();
+    void deriveFlags();
+    void deriveFlag(const std::wstring& key, bool flag);
+    bool hasCachedServerData();
+    std::wstring valueOf(const std::wstring& key) { return chain->getValue(key, false, "").value; }
+    /// As a document of keys comes back: the keys in small letters, and what the FIPS mode makes of them.
+    Pairs readBack(const Pairs& pairs) const;
+
+    const Pairs defaults;
+    // What outlives a run.
+    Pairs policy;
+    Pairs userFile;
+    std::map<std::string, Pairs> copies;
+    std::vector<std::string> cachedFiles;
+    bool fips = false;
+    // The run.
+    std::unique_ptr<ChainModel> chain;
+    ServiceRecords records;
+    std::vector<std::wstring> sensitiveRecords;
+    bool started = false;
+};
+
+} // namespace config_model

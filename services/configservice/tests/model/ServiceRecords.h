@@ -1,0 +1,37 @@
+#pragma once
+
+#include "Chain.h"
+#include "Service.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace config_model {
+
+/// The model of the records: what the service makes of the chain's announcements.
+class ServiceRecords {
+public:
+    void change(const Change& change, bool fips);
+    void fire(const std::wstring& key);
+    RecordView get(const std::wstring& key, bool fips);
+    void watch(const std::wstring& key) { watchedKeys.push_back(key); }
+
+    std::function<void(const std::wstring& key, const std::string& property)> fired;
+
+private:
+    struct Record : RecordView {
+        /// Properties that changed and were not yet shown.
+        std::vector<std::string> pending;
+    };
+
+    Record& find(const std::wstring& key);
+    Record* findExactly(const std::wstring& key);
+    static std::wstring valueOf(const Record& record, bool fips);
+    static void note(Record& record, const std::string& property);
+
+    std::vector<Record> records;
+    std::vector<std::wstring> watchedKeys;
+};
+
+} // namespace config_model

@@ -1,0 +1,160 @@
+#pragma once
+
+#include "ByteSource.h"
+#include "ModelStore.h"
+
+#include <limits>
+#include <string>
+
+/// What the generators choose from: few words, so that they meet.
+namespace config_model::vocabulary {
+
+inline const std::wstring keys[] = {
+    L"TftpServer1",
+    L"TFTPPrimaryServer",
+    L"tftpserver1",
+    L"TFTPPRIMARYSERVER",
+    L"CtiServer1",
+    L"Zed",
+    L"zed",
+    L"alpha",
+    L"_mark",
+    L"CTIPrimaryServer",
+    L"",
+    L"omega",
+    L"ALPHA",
+    L"Telephony_P2P_Enabled",
+};
+
+inline const std::wstring values[] = {L"one", L"two", L"", L"ONE", L"false", L"three"};
+
+inline const int priorities[] = {10, 20, 33, 33, 40, 499, 600, std::numeric_limits<int>::max()};
+
+inline const std::string storeNames[] = {
+    "LocalFileConfigStore",
+    "InMemoryConfigStore",
+    "RegistryConfigStore",
+    "MdmConfigStore",
+    "mdmCONFIGstore",
+    "UrlProvisioningConfigStore",
+    "urlPROVISIONINGconfigstore",
+    "devOverrideConfigStore",
+    "DEVoverrideCONFIGstore",
+    "lumora-config-defaults.xml",
+    "BootstrapConfigStore",
+    "Alpha",
+    "ALPHA",
+    "cachedAlpha.dat",
+    "cachedBeta.xml",
+    "Beta",
+};
+
+inline const std::string placedFiles[] = {
+    "cachedAlpha.dat", "cachedALPHA.dat", "cachedBeta.xml", "cachedBeta.dat", "plain", "other.txt", "Alpha.xml",
+};
+
+inline const std::string removedFiles[] = {
+    "cachedAlpha.dat", "cachedALPHA.dat", "cachedBeta.xml", "cachedBeta.dat",
+    "plain",           "other.txt",       "Alpha.xml",      "cachedUrlProvisioningConfigStore.dat",
+};
+
+inline const std::wstring urls[] = {
+    L"app://open?ServicesDomain=one&foreign=two",
+    L"app://open?ip_mode=two&&",
+    L"app://open?Telephony_P2P_Enabled=true&TELEPHONY_p2p_enabled= three ",
+    L"app://open?ServicesDomain",
+    L"app://open?ServicesDomain=a=b",
+    L"app://open?sso_enabled=&EdgeOnlyMode=one?x",
+    L"app://open",
+    L"",
+};
+
+// Of the service as a whole. The keys are names that a document can carry.
+
+inline const std::wstring serviceKeys[] = {
+    L"TftpServer1",
+    L"TFTPPrimaryServer",
+    L"CtiServer1",
+    L"CTIPRIMARYSERVER",
+    L"SabrelServer1",
+    L"VVM_Mailstore_Server_0",
+    L"VoicemailPrimaryServer",
+    L"Zed",
+    L"ZED",
+    L"_mark",
+    L"Telephony_P2P_Enabled",
+    L"AllowUrlProvisioning",
+    L"Telephony_Enabled",
+    L"Meetings_Enabled",
+    L"Meeting_Server_Address",
+    L"Meeting_Server_Type_Backup",
+    L"Meeting_Server_Address_Backup",
+    L"Customize_Phone_Server",
+    L"Customize_Voicemail_Server",
+    L"ProductMode",
+    L"Lumora_SDK_Mode",
+    L"CertificateValidationEnabled",
+};
+
+inline const std::wstring serviceValues[] = {L"one", L"two", L"", L"ONE", L"false", L"True", L"Phone_Mode", L"mirrox"};
+
+inline const std::wstring records[] = {
+    L"Alpha:41;", L"A:abc;B;", L"PresenceConfigStore:31;TftpStore:41;", L"alpha:5;::;;", L"MyTftpStore:7", L"",
+};
+
+inline const std::string serviceStores[] = {
+    "Alpha",
+    "ALPHA",
+    "TftpStore",
+    "GarnStore",
+    "PresenceConfigStore",
+    "TaviLyncRegistryConfigStore",
+    "UrlProvisioningConfigStore",
+    "MdmConfigStore",
+    "LocalFileConfigStore",
+    "InMemoryConfigStore",
+    "RegistryConfigStore",
+    "BrindleConfigStore",
+    "lumora-config-defaults.xml",
+};
+
+/// New names and plain keys: no record bears an old name.
+inline const std::wstring watchedRecords[] = {
+    L"TFTPPrimaryServer",
+    L"CTIPrimaryServer",
+    L"DeviceAuthenticationPrimaryServer",
+    L"VoicemailPrimaryServer",
+    L"Zed",
+    L"_mark",
+    L"Telephony_P2P_Enabled",
+    L"AllowUrlProvisioning",
+    L"Telephony_Enabled",
+    L"Voicemail_Enabled",
+    L"Meetings_Enabled",
+    L"Meeting_Server_Address",
+    L"Customize_Phone_Server",
+    L"ProductMode",
+    L"Lumora_SDK_Mode",
+    L"CertificateValidationEnabled",
+    L"PrimaryConfigStores",
+    L"ServicesDomain",
+};
+
+inline const Pairs defaults = {
+    {L"telephony_enabled", L"true"},
+    {L"voicemail_enabled", L""},
+    {L"meetings_enabled", L"false"},
+    {L"zed", L"shipped"},
+    {L"ctiserver1", L""},
+};
+
+inline Pairs choosePairs(ByteSource& bytes, std::size_t most) {
+    Pairs pairs;
+    for (auto count = bytes.below(most + 1); count > 0; --count) {
+        const auto& key = bytes.pick(keys);
+        pairs.emplace_back(key, bytes.pick(values));
+    }
+    return pairs;
+}
+
+} // namespace config_model::vocabulary

@@ -1,0 +1,96 @@
+#include "secure/LockOrder.h"
+
+#include "featuresets/adapters/config/ConfigStoreManager.h"
+
+#include <ConfigStoreManager_Observer.h>
+#include <RecordingFactory.h>
+#include <gtest/gtest.h>
+
+#include <thread>
+
+using zel::LockOrder;
+
+namespace {
+
+constexpr int outer = 1;
+constexpr int inner = 2;
+const char first = 0;
+const char second = 0;
+
+class LockOrderDeathTest : public testing::Test {
+protected:
+    LockOrderDeathTest() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
+};
+
+void takeOutwards() {
+    LockOrder::enter(&first, inner);
+    LockOrder::enter(&second, outer);
+}
+
+void takeTwoOfOneRank() {
+    LockOrder::enter(&first, inner);
+    LockOrder::enter(&second, inner);
+}
+
+#ifndef NDEBUG
+/// Reads the chain from where its lock must not be taken.
+class ReadingObserver final : public ZelUnified::ConfigStoreManager_Observer {
+public:
+    explicit ReadingObserver(ZelUnified::ConfigStoreManager& subject) : manager(subject) {}
+    void onFireIfRequired(std::wstring) override {}
+    void onSensitiveKeyAddedOrUpdated(std::wstring) override { manager.hasStoreWithName("any"); }
+    void onConfigAddedOrUpdated(std::wstring, std::wstring, std::wstring, bool, bool, std::wstring, std::wstring,
+                                bool) override {}
+
+private:
+    ZelUnified::ConfigStoreManager& manager;
+};
+
+void takeTheChainUnderTheObserversLock() {
+    ZelUnified::ConfigStoreManager manager(std::make_shared<testing_host::RecordingFactory>());
+    ReadingObserver observer(manager);
+    manager.addObserver(&observer);
+    manager.setKeySensitive(L"key");
+}
+#endif
+
+} // namespace
+
+TEST(LockOrder, InwardsAndAgainIsFine) {
+    LockOrder::enter(&first, outer);
+    LockOrder::enter(&second, inner);
+    LockOrder::enter(&first, outer);
+    LockOrder::leave(&first);
+    LockOrder::leave(&second);
+    LockOrder::leave(&first);
+}
+
+TEST(LockOrder, WhatWasLeftNoLongerCounts) {
+    LockOrder::enter(&first, inner);
+    LockOrder::leave(&first);
+    LockOrder::enter(&second, outer);
+    LockOrder::leave(&second);
+}
+
+TEST(LockOrder, EachThreadHasItsOwn) {
+    LockOrder::enter(&first, inner);
+    std::thread([] {
+        LockOrder::enter(&second, outer);
+        LockOrder::leave(&second);
+    }).join();
+    LockOrder::leave(&first);
+}
+
+TEST_F(LockOrderDeathTest, OutwardsEndsTheProcess) {
+    EXPECT_DEATH(takeOutwards(), "The lock order is broken: rank 1 is taken while rank 2 is held");
+}
+
+TEST_F(LockOrderDeathTest, TwoOfOneRankEndTheProcess) {
+    EXPECT_DEATH(takeTwoOfOneRank(), "The lock order is broken");
+}
+
+#ifndef NDEBUG
+TEST_F(LockOrderDeathTest, TheChainMustNotBeTakenUnderTheObserversLock) {
+    EXPECT_DEATH(takeTheChainUnderTheObserversLock(), "The lock order is broken: rank 1 is taken while rank 2 is held");
+}
+#endif
