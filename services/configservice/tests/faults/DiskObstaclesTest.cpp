@@ -1,0 +1,237 @@
+#include "FaultySession.h"
+
+#include <LocalFileConfigStore.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+namespace ZelUnified {
+
+using testing::AnyOf;
+using testing::HasSubstr;
+using testing_host::FaultInjectingFileLayer;
+
+namespace fs = std::filesystem;
+
+namespace {
+
+enum class Thing { Folder, FullFolder, File, DanglingLink, LinkToItself };
+
+void put(Thing thing, const fs::path& path) {
+    switch (thing) {
+    case Thing::Folder:
+        fs::create_directory(path);
+        break;
+    case Thing::FullFolder:
+        testing_host::writeFile(path / "inside", "inside");
+        break;
+    case Thing::File:
+        testing_host::writeFile(path, "in the way");
+        break;
+    case Thing::DanglingLink:
+        fs::create_symlink("nowhere", path);
+        break;
+    case Thing::LinkToItself:
+        fs::create_symlink(path.filename(), path);
+        break;
+    }
+}
+
+void changeAll(FaultySession& session, const std::wstring& value) {
+    session.adapter->setConfig(L"k", value);
+    session.download(value);
+    EXPECT_TRUE(session.provision(value));
+    session.persistAndBackUp();
+    EXPECT_EQ(session.valueOf(L"k"), value);
+    EXPECT_EQ(session.valueOf(L"d"), value);
+    EXPECT_EQ(session.valueOf(L"ServicesDomain"), value);
+}
+
+void expectAtTheNextStart(FaultySession& session, const std::wstring& value) {
+    session.restart();
+    EXPECT_EQ(session.valueOf(L"k"), value);
+    EXPECT_EQ(session.valueOf(L"d"), value);
+    EXPECT_EQ(session.valueOf(L"ServicesDomain"), value);
+}
+
+/// From now on nothing of the disk can be changed, and all of it can be read.
+void makeReadOnly(FaultInjectingFileLayer& layer) {
+    using Operation = FaultInjectingFileLayer::Operation;
+    for (const auto operation :
+         {Operation::CreateFile, Operation::Rename, Operation::Link, Operation::Unlink, Operation::CreateDirectory}) {
+        for (std::size_t call = 1; call <= 1000; ++call) {
+            layer.failAt(operation, call, EROFS);
+        }
+    }
+}
+
+/// Everything of the user's settings at once, in a process of its own.
+[[noreturn]] void writeAsOtherProcess() {
+    LocalFileConfigStore store("LocalFileConfigStore", 20, false);
+    for (int round = 0; round < 100; ++round) {
+        store.storeValue(L"k", L"theirs " + std::to_wstring(round));
+        store.persistValues();
+    }
+    _exit(EXIT_SUCCESS);
+}
+
+} // namespace
+
+class DiskObstacles : public testing::Test {
+protected:
+    /// Puts something in the place of what stands there, which is kept for `putBack`.
+    void obstruct(const fs::path& path, Thing thing) {
+        aside = path.string() + ".aside";
+        fs::rename(path, aside);
+        put(thing, path);
+    }
+    void putBack(const fs::path& path) const {
+        fs::remove_all(path);
+        fs::rename(aside, path);
+    }
+
+    FaultySession session;
+    fs::path aside;
+};
+
+/// Something else in the place of one of the protected files.
+class FileObstacles : public testing::TestWithParam<Thing> {};
+
+TEST_P(FileObstacles, AreMovedOutOfTheWayByTheNextWrite) {
+    for (const std::string name :
+         {mainFile, backupFile, "Cache/cachedDownloaded.dat", "Cache/cachedUrlProvisioningConfigStore.dat"}) {
+        SCOPED_TRACE(name);
+        FaultySession session;
+        FaultySession::useRealDisk();
+        session.leaveFiles();
+        fs::remove(session.file(name));
+        put(GetParam(), session.file(name));
+        session.restart();
+        EXPECT_EQ(session.valueOf(L"k"), L"old");
+        // The main file waits until its backup can be read again.
+        changeAll(session, L"new");
+        changeAll(session, L"newer");
+        expectAtTheNextStart(session, L"newer");
+        EXPECT_EQ(fs::symlink_status(session.file(name)).type(), fs::file_type::regular);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Things, FileObstacles,
+                         testing::Values(Thing::Folder, Thing::FullFolder, Thing::DanglingLink, Thing::LinkToItself));
+
+TEST_F(DiskObstacles, FileInThePlaceOfTheCacheFolderCostsTheCopiesAlone) {
+    session.leaveFiles();
+    obstruct(session.file("Cache"), Thing::File);
+    session.restart();
+    EXPECT_EQ(session.valueOf(L"k"), L"old");
+    changeAll(session, L"new");
+    session.restart();
+    EXPECT_EQ(session.valueOf(L"k"), L"new");
+    EXPECT_EQ(session.valueOf(L"d"), L"(none)");
+    EXPECT_EQ(testing_host::readFile(session.file("Cache")), "in the way");
+    putBack(session.file("Cache"));
+    session.restart();
+    EXPECT_EQ(session.valueOf(L"d"), L"old");
+    changeAll(session, L"newest");
+    expectAtTheNextStart(session, L"newest");
+}
+
+TEST_F(DiskObstacles, FileInThePlaceOfTheConfigurationFolderLeavesAWorkingRun) {
+    session.leaveFiles();
+    obstruct(session.profile.config(), Thing::File);
+    session.restart();
+    EXPECT_TRUE(session.isLogged("Failed to read config file " + session.file(backupFile).string()));
+    changeAll(session, L"new");
+    session.adapter->InvokeResetData(ResetDataOptionEnum::ResetAll);
+    session.unload();
+    putBack(session.profile.config());
+    expectAtTheNextStart(session, L"old");
+    changeAll(session, L"newest");
+    expectAtTheNextStart(session, L"newest");
+}
+
+TEST_F(DiskObstacles, WithoutTheKeysNoFileIsTouched) {
+    session.leaveFiles();
+    const auto before = testing_host::readFile(session.file(mainFile));
+    const auto keys = session.profile.data() / "keys";
+    obstruct(keys, Thing::File);
+    session.restart();
+    changeAll(session, L"new");
+    EXPECT_TRUE(session.isLogged(std::string("Both files are broken, write to ") + mainFile));
+    EXPECT_EQ(testing_host::readFile(session.file(mainFile)), before);
+    session.unload();
+    putBack(keys);
+    expectAtTheNextStart(session, L"old");
+    changeAll(session, L"newest");
+    expectAtTheNextStart(session, L"newest");
+}
+
+TEST_F(DiskObstacles, FolderInThePlaceOfTheDefaultsStaysAndIsToldOf) {
+    const auto defaults = session.profile.resources() / "lumora-config-defaults.xml";
+    put(Thing::FullFolder, defaults);
+    session.leaveFiles();
+    EXPECT_TRUE(session.isLogged("renaming invalid file to: lumora-config-defaults-backup.xml"));
+    EXPECT_TRUE(session.isLogged("error creating backup file: "));
+    EXPECT_EQ(testing_host::readFile(defaults / "inside"), "inside");
+    fs::remove_all(defaults);
+    session.givenDefaults({{L"shipped", L"v"}});
+    session.restart();
+    EXPECT_EQ(session.valueOf(L"shipped"), L"v");
+    EXPECT_EQ(session.valueOf(L"k"), L"old");
+}
+
+TEST_F(DiskObstacles, FolderInThePlaceOfThePolicysTextCopyStaysAndThePolicyHolds) {
+    const auto copy = session.file("RegistryConfigStore.txt");
+    session.givenPolicy(L"p", L"v");
+    put(Thing::FullFolder, copy);
+    session.leaveFiles();
+    session.restart();
+    EXPECT_EQ(session.valueOf(L"p"), L"v");
+    EXPECT_EQ(testing_host::readFile(copy / "inside"), "inside");
+    fs::remove_all(copy);
+    session.restart();
+    EXPECT_EQ(testing_host::readFile(copy), "p: v\n");
+}
+
+TEST_F(DiskObstacles, ReadOnlyDiskServesItsFilesAndEveryChangeForThisRun) {
+    session.leaveFiles();
+    makeReadOnly(*session.layer);
+    session.restart();
+    EXPECT_EQ(session.valueOf(L"k"), L"old");
+    EXPECT_EQ(session.valueOf(L"d"), L"old");
+    EXPECT_EQ(session.valueOf(L"ServicesDomain"), L"old");
+    changeAll(session, L"new");
+    EXPECT_TRUE(
+        session.isLogged(std::string("Protected file not written, ") + mainFile + ": error " + std::to_string(EROFS)));
+    session.unload();
+    session.layer->heal();
+    expectAtTheNextStart(session, L"old");
+    changeAll(session, L"newest");
+    expectAtTheNextStart(session, L"newest");
+}
+
+TEST_F(DiskObstacles, TwoProcessesOnOneProfileNeverTearAFile) {
+    session.leaveFiles();
+    session.loadAndStart();
+    FaultySession::useRealDisk();
+    const auto other = fork();
+    ASSERT_NE(other, -1);
+    if (other == 0) {
+        writeAsOtherProcess();
+    }
+    for (int round = 0; round < 100; ++round) {
+        session.adapter->setConfig(L"k", L"ours " + std::to_wstring(round));
+        session.persistAndBackUp();
+        for (const auto* name : {mainFile, backupFile}) {
+            EXPECT_THAT(FaultySession::clearTextOf(session.file(name)), AnyOf(HasSubstr("ours"), HasSubstr("theirs")));
+        }
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(other, &status, 0), other);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == EXIT_SUCCESS);
+    changeAll(session, L"newest");
+    expectAtTheNextStart(session, L"newest");
+}
+
+} // namespace ZelUnified

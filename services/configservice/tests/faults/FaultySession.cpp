@@ -1,0 +1,69 @@
+#include "FaultySession.h"
+
+#include "secure/SecureString.h"
+
+namespace ZelUnified {
+
+using zel::storage::EncryptFileUtils;
+
+FaultySession::FaultySession() {
+    EncryptFileUtils::overrideFileLayer(layer);
+}
+
+FaultySession::~FaultySession() {
+    // While the clock that its timers follow still stands.
+    unload();
+    EncryptFileUtils::overrideFileLayer(nullptr);
+}
+
+void FaultySession::leaveFiles() {
+    for (const auto* name : quotedFiles) {
+        const zel::SecureString content("<" + std::string(name) + "/>");
+        ASSERT_TRUE(
+            EncryptFileUtils::writeDataToFile(file(name).string(), content, zel::storage::FileCategoryType::UserData));
+    }
+    loadAndStart();
+    adapter->setConfig(L"k", L"old");
+    download(L"old");
+    ASSERT_TRUE(provision(L"old"));
+    persistAndBackUp();
+    unload();
+}
+
+void FaultySession::restart() {
+    unload();
+    loadAndStart();
+}
+
+void FaultySession::persistAndBackUp() {
+    persist();
+    clock.advance(30);
+    persist();
+}
+
+void FaultySession::download(const std::wstring& value) {
+    adapter->addConfigStore(makeCachingStore(downloadedStore, 40, {{L"d", value}}));
+}
+
+bool FaultySession::provision(const std::wstring& value) {
+    adapter->resetAllowUriProvisioningData();
+    return adapter->setUrlProvisioningData(L"lumora://provision?ServicesDomain=" + value);
+}
+
+std::wstring FaultySession::report() const {
+    std::wstring text;
+    adapter->getAllConfigForPRT(text);
+    return text;
+}
+
+std::string FaultySession::clearTextOf(const std::filesystem::path& path,
+                                       zel::storage::FileCategoryType::FileCategory category) {
+    zel::SecureString content;
+    std::string text;
+    if (EncryptFileUtils::readDataFromFile(path.string(), content, category)) {
+        content.withClearText([&](std::string_view clear) { text = clear; });
+    }
+    return text;
+}
+
+} // namespace ZelUnified
