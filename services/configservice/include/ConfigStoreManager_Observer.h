@@ -15,7 +15,8 @@ public:
 
     /// The changes of this key, announced before with `deferFire`, may be shown now.
     virtual void onFireIfRequired(std::wstring key) = 0;
-    /// The value of this key must not be shown from here on. Told again each time the key is marked.
+    /// The value of this key must not be shown from here on. Told again each time the key is marked, and without the
+    /// chain's lock, so that this callback must leave the chain alone.
     virtual void onSensitiveKeyAddedOrUpdated(std::wstring key) = 0;
     /// What is true of the key from here on. `deferFire` asks to note it only, until onFireIfRequired().
     virtual void onConfigAddedOrUpdated(std::wstring key, std::wstring value, std::wstring originalValue,
