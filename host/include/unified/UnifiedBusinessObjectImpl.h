@@ -40,7 +40,7 @@ protected:
         refuseUpdateAccess(enforce, operation);
     }
 
-    /// Makes the notifier set of the most derived interface, keeps it with keepNotifiers(). Called at each request.
+    /// Makes the notifier set of the most derived interface by initNotifiersOnce(). Called at each request.
     virtual void initNotifiers() = 0;
     /// From here on the object belongs to the services dispatcher's thread.
     virtual void commitToServicesDispatcher();

@@ -6,7 +6,7 @@
 
 namespace ZelUnified {
 
-/// The notifiers of an object's properties, each made at its first request.
+/// The notifiers of an object's properties, each made at its first request. Services dispatcher's thread.
 class LUMORA_HOST_API UnifiedBusinessObjectNotifiers {
 public:
     virtual ~UnifiedBusinessObjectNotifiers() = default;

@@ -24,13 +24,15 @@ public:
     virtual void write(const LogRecord& record) = 0;
 };
 
+/// A sink is written to until it is removed; one that is being removed may still get the record that is under way. Any
+/// thread, as all below.
 LUMORA_HOST_API void addSink(std::shared_ptr<LogSink> sink);
 LUMORA_HOST_API void removeSink(const std::shared_ptr<LogSink>& sink);
 
 /// Whether debug lines are written; off at start.
 LUMORA_HOST_API void setDebugEnabled(bool enabled) noexcept;
 
-/// Adds a rotating file of mode 0600. False when it can't be opened.
+/// Adds a rotating file of mode 0600; `path` is UTF-8. False when it can't be opened.
 LUMORA_HOST_API bool logToFile(const std::string& path);
 /// Closes the files that logToFile() opened.
 LUMORA_HOST_API void closeLogFiles();

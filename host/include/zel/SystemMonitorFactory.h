@@ -6,6 +6,7 @@
 
 namespace ZelSystemMonitor {
 
+/// Where the process's power events come from. Any thread.
 class LUMORA_HOST_API SystemMonitorFactory {
 public:
     /// The process's monitor; never empty. On a machine without a source of power events it delivers nothing.

@@ -26,7 +26,9 @@ public:
     virtual bool removeConfigStore(const std::string& name) = 0;
     /// Started, refuses otherwise.
     virtual bool isConfigStorePresent(const std::string& name) = 0;
+    /// Held weakly. One that is registered twice is told twice.
     virtual void registerConfigStoreAddedObserver(std::shared_ptr<ConfigStoreAddedObserver> observer) = 0;
+    /// Drops every registration of the observer.
     virtual void unregisterConfigStoreAddedObserver(std::shared_ptr<ConfigStoreAddedObserver> observer) = 0;
     /// Deletes the cached copies on disk. Started.
     virtual void removeAllCachedConfigStores() = 0;
@@ -56,9 +58,11 @@ public:
 
     /// Takes the settings of a provisioning URL. False when it holds none, or when provisioning is not allowed.
     virtual bool setUrlProvisioningData(std::wstring data) = 0;
+    /// Allows another provisioning URL. False when the user's settings do not forbid it.
     virtual bool resetAllowUriProvisioningData() = 0;
     /// Empties the store of that name, exactly spelt. Nothing is announced.
     virtual void resetConfigData(const std::string& storeName) = 0;
+    /// Reports an event of the service to the user, through the host.
     virtual void addServiceEvent(int code, ConfigServiceIdsEnum::ConfigServiceIds id,
                                  ServiceEventSeverityEnum::ServiceEventSeverity severity) = 0;
     /// Replaces `report` by the XML text of a problem report. Started.

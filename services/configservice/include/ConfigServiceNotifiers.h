@@ -6,7 +6,7 @@
 
 namespace ZelUnified {
 
-/// The notifiers of the configuration service.
+/// The notifiers of the configuration service. Services dispatcher's thread.
 class LUMORA_CONFIG_API ConfigServiceNotifiers : public virtual UnifiedBusinessObjectNotifiers,
                                                  public virtual UnifiedServiceNotifiers {
 public:

@@ -6,7 +6,11 @@
 
 namespace ZelUnified {
 
-/// Follows the configuration service.
+/// Follows the configuration service. Held weakly; called on the services dispatcher's thread. The order of the
+/// operations is contract.
+///
+/// A callback may read, write, connect and disconnect. It must not wait for another thread, and must not start, stop,
+/// refresh or reset the feature set.
 class LUMORA_CONFIG_API ConfigServiceObserver : public virtual UnifiedBusinessObjectObserver,
                                                 public virtual UnifiedServiceObserver {
 public:

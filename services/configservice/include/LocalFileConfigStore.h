@@ -77,8 +77,8 @@ private:
     bool local;
     bool readOnly;
     bool destroyed = false;
-    zel::Mutex valuesMutex;
-    zel::Mutex fileMutex;
+    zel::Mutex valuesMutex; ///< Guards `destroyed`, `values` and `lastPersistedValues`.
+    zel::Mutex fileMutex;   ///< Held while the files are read or written.
     ConfigMap values;
     ConfigMap lastPersistedValues;
     std::string configDirectory;

@@ -39,7 +39,7 @@ public:
 protected:
     ConfigMap values;
     std::string filePath;
-    zel::Mutex valuesLock;
+    zel::Mutex valuesLock; ///< Guards `values`.
 
 private:
     std::shared_ptr<void> reserved;
