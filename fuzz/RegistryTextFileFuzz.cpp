@@ -1,10 +1,12 @@
 // Whatever is read must be written in a form that reads back as the same keys, and cut to nothing but the rest.
+#include "Require.h"
+
 #include <registry/RegistryTextFile.h>
 
 #include <algorithm>
-#include <cstdlib>
 
 using namespace zel::registry;
+using fuzz::require;
 
 namespace {
 
@@ -12,12 +14,6 @@ bool isSame(const RegistryTextSection& a, const RegistryTextSection& b) {
     return a.deletion == b.deletion && a.path == b.path && a.entries.size() == b.entries.size() &&
            std::equal(a.entries.begin(), a.entries.end(), b.entries.begin(),
                       [](const auto& x, const auto& y) { return x.deletion == y.deletion && x.value == y.value; });
-}
-
-void require(bool held) {
-    if (!held) {
-        std::abort();
-    }
 }
 
 } // namespace

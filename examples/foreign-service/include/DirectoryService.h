@@ -2,6 +2,8 @@
 
 #include <unified/FeatureSet.h>
 
+#include <ForeignServiceExport.h>
+
 #include <string>
 #include <vector>
 
@@ -10,7 +12,7 @@ namespace example {
 /// What this plug-in offers to its host: a directory service that downloads its servers and hands them to the
 /// configuration. Filed with the factory under this type and `directoryServiceId`. Any thread but the services
 /// dispatcher's may wait for it; the work itself is done there.
-class __attribute__((visibility("default"))) DirectoryService : public ZelUnified::FeatureSet {
+class FOREIGN_SERVICE_API DirectoryService : public ZelUnified::FeatureSet {
 public:
     static constexpr unsigned int directoryServiceId = 7100;
 

@@ -6,7 +6,8 @@ namespace ZelSystemMonitor {
 
 namespace PowerEventTypeEnum {
 
-enum PowerEventType { ShutdownCancelled = 0, Suspend = 1, Resume = 2, PowerDown = 3 };
+// Of a fixed type: the platform may hand on numbers without a name here.
+enum PowerEventType : int { ShutdownCancelled = 0, Suspend = 1, Resume = 2, PowerDown = 3 };
 
 } // namespace PowerEventTypeEnum
 

@@ -22,7 +22,8 @@ public:
 
     /// The process's source: its timer thread on the monotonic clock, unless another one was put in its place.
     static std::shared_ptr<TimerSource> getInstance();
-    /// For tests: timers that are started from here on use `source`; empty brings the timer thread back.
+    /// For tests, and for programs that end before a timer would fire: timers that are started from here on use
+    /// `source`; empty brings the timer thread back.
     static void overrideInstance(std::shared_ptr<TimerSource> source);
 };
 

@@ -108,10 +108,22 @@ inline void appendUtf8(std::string& text, char32_t value) {
     append(0x80 | (value & 0x3F));
 }
 
+/// An upper bound of what `text` needs in UTF-8, exact for ASCII.
+template <class Unit>
+std::size_t roomInUtf8(std::basic_string_view<Unit> text) {
+    std::size_t room = text.size();
+    for (const Unit unit : text) {
+        const auto value = static_cast<std::uint32_t>(unit);
+        room += value < 0x80 ? 0 : value < 0x800 ? 1 : value < 0x10000 ? 2 : 3;
+    }
+    return room;
+}
+
 template <class Unit>
 std::string wideToUtf8(std::basic_string_view<Unit> text) {
     std::string result;
-    result.reserve(text.size());
+    // A text that grew would leave its beginning in freed memory, and it may be a secret.
+    result.reserve(roomInUtf8(text));
     for (std::size_t at = 0; at < text.size();) {
         const Decoded decoded = decodeWide(text, at);
         appendUtf8(result, decoded.wellFormed ? decoded.value : replacement);

@@ -8,6 +8,7 @@
 #include <zel/FileLayer.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <fstream>
 #include <iterator>
 #include <system_error>
@@ -76,6 +77,9 @@ std::optional<std::string> readRegistryFile(const std::string& path) {
 }
 
 int replaceRegistryFile(const std::string& path, std::string_view content) {
+    if (content.size() > maximumSize) {
+        return EFBIG;
+    }
     return zel::storage::DurableFile::replace(zel::storage::FileLayer::platform(), path, content);
 }
 

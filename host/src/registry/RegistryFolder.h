@@ -30,7 +30,7 @@ std::optional<RegistryFile> inspectRegistryFile(const std::string& path);
 std::optional<std::string> readRegistryFile(const std::string& path);
 
 /// Replaces the file as a whole, durably, or leaves the old one as it was; a new one is the owner's alone. 0, or an
-/// errno value.
+/// errno value: EFBIG for a content that no reader would take.
 int replaceRegistryFile(const std::string& path, std::string_view content);
 
 } // namespace zel::registry

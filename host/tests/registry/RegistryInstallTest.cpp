@@ -64,6 +64,15 @@ TEST_F(RegistryInstallTest, ANameThatIsNoBareFileNameIsRefused) {
     EXPECT_FALSE(std::filesystem::exists(folder));
 }
 
+TEST_F(RegistryInstallTest, ATextThatWouldNotBeReadIsNotWritten) {
+    auto text = parse("[HKCU\\K]\r\n");
+    ASSERT_EQ(installRegistryText(text, "policy"), 0);
+    text.sections.front().path.assign(64U << 20U, L'k');
+    EXPECT_EQ(installRegistryText(text, "policy"), EFBIG);
+    const auto registry = makeFileRegistry({(profile.root() / "none").string(), {}});
+    EXPECT_TRUE(hasKey(*registry, L"K"));
+}
+
 TEST_F(RegistryInstallTest, AFileInTheFoldersPlaceIsAnError) {
     testing_host::writeFile(folder, "in the way");
     EXPECT_NE(installRegistryText(parse("[HKCU\\K]\r\n"), "policy"), 0);

@@ -4,19 +4,12 @@
 
 #include <array>
 #include <string_view>
+#include <variant>
 
 namespace ZelUnified::ConfigKeys {
 
-/// One row of the catalogue: a text in the one width in which it is used. The other width is empty.
-struct CatalogueEntry {
-    constexpr CatalogueEntry(std::wstring_view text) : wide(text) {}
-    constexpr CatalogueEntry(std::string_view text) : narrow(text) {}
-
-    constexpr bool isWide() const { return !wide.empty(); }
-
-    std::wstring_view wide;
-    std::string_view narrow;
-};
+/// One row of the catalogue: a text in the one width in which it is used.
+using CatalogueEntry = std::variant<std::wstring_view, std::string_view>;
 
 /// All names in their order. A new name is a constant in ConfigKeys.h and a row here.
 inline constexpr std::array<CatalogueEntry, 97> catalogue{{

@@ -43,7 +43,7 @@ inline constexpr std::wstring_view customizeVoicemailServer = L"Customize_Voicem
 inline constexpr std::string_view configDefaultsFile = "lumora-config-defaults.xml"; // installer-provided defaults file
 // name of the developer override store
 inline constexpr std::string_view devOverrideConfigStore = "devOverrideConfigStore";
-// user configuration file, removed on reset
+// user configuration file, outlives a reset
 inline constexpr std::string_view configUserFile = "lumora-config-user.xml";
 inline constexpr std::wstring_view edgeOnlyMode = L"EdgeOnlyMode";
 inline constexpr std::wstring_view enableCallPickup = L"EnableCallPickup";

@@ -37,7 +37,7 @@ public:
     virtual void resetConfig(std::wstring key) = 0;
     virtual bool removeConfigStoreAndCache(std::wstring storeName) = 0;
     virtual void removeAllCachedConfigStores() = 0;
-    /// Writes every record to the log, as one line.
+    /// Writes every record to the log, as one entry.
     virtual void logConfig() = 0;
     virtual void setKeySensitive(std::wstring key) = 0;
     virtual bool isKeySensitive(std::wstring key) = 0;

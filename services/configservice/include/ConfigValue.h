@@ -29,8 +29,9 @@ public:
     virtual std::wstring getValue() = 0;
     /// The administrator's value: what stands in force without the user's own settings.
     virtual std::wstring getOriginalValue() = 0;
+    /// True while the user's own value stands before the administrator's, also when the administrator has none.
     virtual bool getisOverridden() = 0;
-    /// False until a store has spoken of the key.
+    /// True while a store holds the key.
     virtual bool getisDefined() = 0;
     virtual std::wstring getValueStoreName() = 0;
     virtual std::wstring getOriginalValueStoreName() = 0;

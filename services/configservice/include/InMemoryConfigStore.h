@@ -2,8 +2,7 @@
 
 #include <ConfigMap.h>
 #include <ConfigStore.h>
-
-#include <mutex>
+#include <secure/Mutex.h>
 
 namespace ZelUnified {
 
@@ -27,7 +26,7 @@ public:
 
 private:
     ConfigMap values;
-    std::mutex valuesMutex; ///< Guards `values`.
+    zel::Mutex valuesMutex; ///< Guards `values`.
     const std::string name;
     const int priority;
 };

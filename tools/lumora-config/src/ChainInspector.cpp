@@ -40,6 +40,23 @@ Opinion askStore(ConfigStore& store, const KeyNames& names, const std::optional<
     return opinion;
 }
 
+/// Every key that a store holds, once: its current name, and the name to ask for, which is the earlier one where no
+/// store holds the current one. The lowest store decides on the spelling, since the user's file, the first one, knows
+/// lower case only.
+ZelUnified::ConfigMap namesToAsk(const std::vector<std::shared_ptr<ConfigStore>>& stores) {
+    ZelUnified::ConfigMap asked;
+    for (auto store = stores.rbegin(); store != stores.rend(); ++store) {
+        for (const auto& key : (*store)->getKeys()) {
+            const auto names = namesOf(key);
+            const auto [entry, isNew] = asked.try_emplace(names.current, key);
+            if (!isNew && !names.askedByEarlierName) {
+                entry->second = key;
+            }
+        }
+    }
+    return asked;
+}
+
 } // namespace
 
 ChainInspector::ChainInspector(std::shared_ptr<ZelUnified::ConfigFeatureSet> adapter,
@@ -77,6 +94,19 @@ std::optional<Reading> ChainInspector::readStore(const std::string& storeName, c
 }
 
 Explanation ChainInspector::explain(const std::wstring& key) const {
+    return explain(key, getStores());
+}
+
+std::vector<Explanation> ChainInspector::explainAll() const {
+    const auto stores = getStores();
+    std::vector<Explanation> explanations;
+    for (const auto& [current, asked] : namesToAsk(stores)) {
+        explanations.push_back(explain(asked, stores));
+    }
+    return explanations;
+}
+
+Explanation ChainInspector::explain(const std::wstring& key, const Stores& stores) const {
     const auto keyNames = namesOf(key);
     Explanation explanation;
     explanation.key = key;
@@ -85,7 +115,7 @@ Explanation ChainInspector::explain(const std::wstring& key) const {
     explanation.askedByEarlierName = keyNames.askedByEarlierName;
     explanation.inForce = read(key);
     explanation.administrators = read(key, true);
-    for (const auto& store : getStores()) {
+    for (const auto& store : stores) {
         explanation.opinions.push_back(askStore(*store, keyNames, explanation.inForce));
     }
     const auto record = service->getConfig(key);
@@ -114,9 +144,9 @@ std::vector<StoreFacts> ChainInspector::listStores() const {
     return facts;
 }
 
-std::vector<std::shared_ptr<ConfigStore>> ChainInspector::getStores() const {
+ChainInspector::Stores ChainInspector::getStores() const {
     learnNames();
-    std::vector<std::shared_ptr<ConfigStore>> stores;
+    Stores stores;
     for (const auto& name : names->getAll()) {
         if (auto store = featureSet->getConfigStoreByName(name)) {
             stores.push_back(std::move(store));

@@ -17,6 +17,8 @@ namespace lumora_config {
 /// Services dispatcher's thread.
 class ChainInspector {
 public:
+    using Stores = std::vector<std::shared_ptr<ZelUnified::ConfigStore>>;
+
     /// To be made before the first foreign store is handed in, since it learns their names by watching them arrive.
     ChainInspector(std::shared_ptr<ZelUnified::ConfigFeatureSet> adapter,
                    std::shared_ptr<ZelUnified::ConfigService> configService);
@@ -30,15 +32,18 @@ public:
     std::optional<Reading> readStore(const std::string& storeName, const std::wstring& key) const;
 
     Explanation explain(const std::wstring& key) const;
+    /// Every key that a store holds, in the order of their current names.
+    std::vector<Explanation> explainAll() const;
     /// Every defined record whose key begins with `prefix`, in key order.
     std::vector<ListedValue> list(const std::wstring& prefix) const;
     std::vector<StoreFacts> listStores() const;
     /// The stores of the chain, in its order.
-    std::vector<std::shared_ptr<ZelUnified::ConfigStore>> getStores() const;
+    Stores getStores() const;
     /// Looks for a store of this name from now on, before its arrival has been announced.
     void expectStore(const std::string& name) { names->learn(name); }
 
 private:
+    Explanation explain(const std::wstring& key, const Stores& stores) const;
     void learnNames() const;
 
     const std::shared_ptr<ZelUnified::ConfigFeatureSet> featureSet;

@@ -13,6 +13,7 @@ struct Command {
     std::string prefix;
     std::string store; ///< A store's name, or the description of one for add-store.
     std::string file;
+    std::string htmlFile;
     std::string url;
     std::vector<std::string> companions; ///< Keys to show with each change of another.
     bool origin = false;

@@ -38,9 +38,11 @@ void addReads(CLI::App& app, Command& command) {
     addCommand(app, command, "list", "List keys, values and stores")
         ->add_option("PREFIX", command.prefix, "Only keys that begin so");
     addCommand(app, command, "stores", "List the stores of the chain");
-    addCommand(app, command, "report", "Write the report of all stores")
-        ->add_option("-o,--output", command.file, "Into this file")
-        ->type_name("FILE");
+    auto* report = addCommand(app, command, "report", "Write the report of all stores");
+    auto* output = report->add_option("-o,--output", command.file, "Into this file")->type_name("FILE");
+    report->add_option("--html", command.htmlFile, "A page for a browser instead, into this file")
+        ->type_name("FILE")
+        ->excludes(output);
     addCommand(app, command, "log", "Show the settings report of the log");
 }
 
@@ -57,6 +59,9 @@ void addWrites(CLI::App& app, Command& command, CommandScope scope) {
     addCommand(app, command, "reset-provisioning", "Allow another provisioning URL");
     addCommand(app, command, "mdm", "Push a document of the device management")
         ->add_option("FILE", command.file, "The XML document")
+        ->required();
+    addCommand(app, command, "import-policy", "Check an administrator's policy file and take it for this user")
+        ->add_option("FILE.reg", command.file, "The file, as a registry editor exports it")
         ->required();
     addCommand(app, command, "remove-store", "Remove a store and its cached copy")
         ->add_option("NAME", command.store, "The store's name")

@@ -65,6 +65,7 @@ ConfigHost::ConfigHost(const CommandLine& line)
     }
     startLog(line.verbose);
     SystemMonitorFactory::overrideInstance(powerSwitch);
+    zel::common::TimerSource::overrideInstance(timerSwitch);
     factory->Init();
     try {
         load();
@@ -142,9 +143,14 @@ void ConfigHost::load() {
 }
 
 void ConfigHost::end() {
+    // A value that waits to be written sets the timer of the backup, and the timer posts its writing.
+    settle();
+    timerSwitch->ringAll();
+    settle();
     factory->Destroy();
     service.reset();
     featureSet.reset();
+    zel::common::TimerSource::overrideInstance(nullptr);
     SystemMonitorFactory::overrideInstance(nullptr);
     FileUtils::overrideDirectories({});
 }

@@ -2,6 +2,7 @@
 
 #include "CommandLine.h"
 #include "PowerSwitch.h"
+#include "TimerSwitch.h"
 
 #include <unified/ProfileLock.h>
 #include <unified/UnifiedFactoryImpl.h>
@@ -17,7 +18,8 @@
 namespace lumora_config {
 
 /// A whole host in one object: it settles the folders, takes the profile, loads the plug-in and ends it again. The
-/// service and the feature set live as long as the host does. Made, used and destroyed by the main thread.
+/// service and the feature set live as long as the host does. At its end all that was delayed happens at once: the
+/// user's file and its backup are both written then. Made, used and destroyed by the main thread.
 class ConfigHost {
 public:
     /// Loads the plug-in; the feature set is not started yet. Throws Failure (Environment): nothing is left running.
@@ -51,6 +53,7 @@ private:
 
     const std::thread::id mainThread = std::this_thread::get_id();
     const std::shared_ptr<PowerSwitch> powerSwitch = std::make_shared<PowerSwitch>();
+    const std::shared_ptr<TimerSwitch> timerSwitch = std::make_shared<TimerSwitch>();
     const std::string configDirectory;
     const std::string pluginDirectory;
     /// Two processes that write one configuration would lose each other's values.

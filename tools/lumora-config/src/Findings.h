@@ -48,6 +48,7 @@ struct Explanation {
     std::wstring currentName;
     std::optional<std::wstring> earlierName;
     bool askedByEarlierName = false;
+    bool sensitive = false;
     std::optional<Reading> inForce;
     std::vector<Opinion> opinions; ///< In chain order.
     std::optional<Reading> administrators;
@@ -59,6 +60,27 @@ struct ListedValue {
     std::wstring value;
     std::wstring storeName;
     bool overridden = false;
+};
+
+/// A key that a policy file names, and what happens to it.
+struct ImportedKey {
+    std::size_t line = 0;
+    std::wstring key; ///< With its root.
+    bool deleted = false;
+    std::size_t valuesSet = 0;
+    std::size_t valuesDeleted = 0;
+};
+
+struct RefusedLine {
+    std::size_t line = 0;
+    std::string reason; ///< Never quotes the file.
+};
+
+/// What became of a policy file.
+struct PolicyImport {
+    std::string file; ///< As the user named it.
+    std::vector<ImportedKey> taken;
+    std::vector<RefusedLine> refused; ///< By line.
 };
 
 /// One property of an observed record has changed.

@@ -99,6 +99,21 @@ void JsonPrinter::showText(const std::string& kind, const std::string& text) {
     write({{"type", kind}, {"text", text}});
 }
 
+void JsonPrinter::showImport(const PolicyImport& import) {
+    Json object{{"type", "import"}, {"file", import.file}, {"taken", Json::array()}, {"refused", Json::array()}};
+    for (const auto& key : import.taken) {
+        object["taken"].push_back({{"line", key.line},
+                                   {"key", toString(key.key)},
+                                   {"deleted", key.deleted},
+                                   {"valuesSet", key.valuesSet},
+                                   {"valuesDeleted", key.valuesDeleted}});
+    }
+    for (const auto& refusal : import.refused) {
+        object["refused"].push_back({{"line", refusal.line}, {"reason", refusal.reason}});
+    }
+    write(object);
+}
+
 void JsonPrinter::showNotification(const Notification& notification) {
     Json object{{"type", "notification"},
                 {"key", toString(notification.key)},

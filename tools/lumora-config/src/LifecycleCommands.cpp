@@ -35,11 +35,12 @@ void observe(Session& session, const Command& command) {
             companions.push_back(host.getService()->getConfig(wide(key)));
         }
         auto& watcher = session.getWatchers()[namesOf(wide(command.key)).current];
-        if (!watcher) {
-            watcher = std::make_shared<KeyWatcher>(record, std::move(companions), session.getPrinter(),
-                                                   session.getMask(), [&host] { return host.nameThread(); });
-            record->addObserver(std::weak_ptr<ZelUnified::ConfigValueObserver>(watcher));
+        if (watcher) {
+            watcher->getRecord()->removeObserver(std::weak_ptr<ZelUnified::ConfigValueObserver>(watcher));
         }
+        watcher = std::make_shared<KeyWatcher>(record, std::move(companions), session.getPrinter(), session.getMask(),
+                                               [&host] { return host.nameThread(); });
+        record->addObserver(std::weak_ptr<ZelUnified::ConfigValueObserver>(watcher));
     });
     reportDone(session, command, "observing " + command.key);
 }

@@ -22,6 +22,7 @@ public:
     virtual void showStores(const std::vector<StoreFacts>& stores) = 0;
     /// A text of the service, "report" or "log".
     virtual void showText(const std::string& kind, const std::string& text) = 0;
+    virtual void showImport(const PolicyImport& import) = 0;
     virtual void showNotification(const Notification& notification) = 0;
     /// A command that has no answer has done its work.
     virtual void showDone(const std::string& command, const std::string& message) = 0;

@@ -1,10 +1,14 @@
+#include "ChainPage.h"
 #include "CommandTable.h"
 #include "LogLineCatcher.h"
 
 #include <kyr/FstreamUtils.h>
 #include <kyr/StringUtils.h>
 
+#include <chrono>
 #include <fstream>
+#include <iomanip>
+#include <sstream>
 
 namespace lumora_config {
 
@@ -20,7 +24,41 @@ void writeReport(const std::string& path, const std::string& text) {
     }
 }
 
+/// In the form of ISO 8601, which a page can turn into the reader's time.
+std::string nameThisMoment() {
+    using namespace std::chrono;
+    const auto now = floor<seconds>(system_clock::now());
+    const auto today = floor<days>(now);
+    const year_month_day date(today);
+    const hh_mm_ss time(now - today);
+    std::ostringstream text;
+    text << std::setfill('0') << static_cast<int>(date.year()) << '-' << std::setw(2)
+         << static_cast<unsigned>(date.month()) << '-' << std::setw(2) << static_cast<unsigned>(date.day()) << 'T'
+         << std::setw(2) << time.hours().count() << ':' << std::setw(2) << time.minutes().count() << ':' << std::setw(2)
+         << time.seconds().count() << 'Z';
+    return text.str();
+}
+
+void reportAsPage(Session& session, const Command& command) {
+    ChainFindings findings;
+    session.getHost().onServices("lumora-config: report", [&] {
+        findings.stores = session.getChain().listStores();
+        findings.keys = session.getChain().explainAll();
+    });
+    for (auto& key : findings.keys) {
+        session.getMask().hide(key);
+    }
+    findings.madeAt = nameThisMoment();
+    findings.showsSecrets = session.getMask().showsSecrets();
+    writeReport(command.htmlFile, renderChainPage(findings));
+    reportDone(session, command, "page written to " + command.htmlFile);
+}
+
 void report(Session& session, const Command& command) {
+    if (!command.htmlFile.empty()) {
+        reportAsPage(session, command);
+        return;
+    }
     std::string text;
     session.getHost().onServices("lumora-config: report", [&] {
         text = KyrCoreUtils::toString(session.getHost().getService()->getAllConfigForPRT());

@@ -2,39 +2,38 @@
 
 #include "RenamedKeys.h"
 
+#include <ConfigKeys.h>
+
 #include <algorithm>
 #include <utility>
 
 namespace lumora_config {
 
-namespace {
-
-constexpr auto hidden = L"VALUE_HIDDEN";
-
-} // namespace
+using ZelUnified::ConfigKeys::valueHidden;
 
 SecretMask::SecretMask(std::shared_ptr<ZelUnified::ConfigFeatureSet> adapter, bool showAll)
     : featureSet(std::move(adapter)), showSecrets(showAll) {}
 
 std::wstring SecretMask::show(const std::wstring& key, const std::wstring& value) const {
-    return showSecrets || !isSensitive(key) ? value : hidden;
+    return showSecrets || !isSensitive(key) ? value : std::wstring(valueHidden);
 }
 
 void SecretMask::hide(Explanation& explanation) const {
-    if (showSecrets || !isSensitive(explanation.key)) {
+    explanation.sensitive = isSensitive(explanation.key);
+    if (showSecrets || !explanation.sensitive) {
         return;
     }
     for (auto* reading : {&explanation.inForce, &explanation.administrators}) {
         if (*reading) {
-            (*reading)->value = hidden;
+            (*reading)->value = valueHidden;
         }
     }
     for (auto& opinion : explanation.opinions) {
         for (auto& holding : opinion.holdings) {
-            holding.value = hidden;
+            holding.value = valueHidden;
         }
     }
-    explanation.record.originalValue = hidden;
+    explanation.record.originalValue = valueHidden;
 }
 
 void SecretMask::hide(std::vector<ListedValue>& values) const {

@@ -18,8 +18,11 @@ public:
 
     /// The value, or "VALUE_HIDDEN".
     std::wstring show(const std::wstring& key, const std::wstring& value) const;
+    /// Marks a sensitive key as such, too.
     void hide(Explanation& explanation) const;
     void hide(std::vector<ListedValue>& values) const;
+
+    bool showsSecrets() const { return showSecrets; }
 
 private:
     bool isSensitive(const std::wstring& key) const;

@@ -56,6 +56,14 @@ void addOpinion(TextTable& table, const Opinion& opinion) {
     }
 }
 
+std::string describe(const ImportedKey& key) {
+    if (key.deleted) {
+        return "deleted with all below it";
+    }
+    auto text = std::to_string(key.valuesSet) + " set";
+    return key.valuesDeleted == 0 ? text : text + ", " + std::to_string(key.valuesDeleted) + " deleted";
+}
+
 } // namespace
 
 TextPrinter::TextPrinter(std::ostream& out, std::ostream& messages, bool useColour)
@@ -107,6 +115,20 @@ void TextPrinter::showStores(const std::vector<StoreFacts>& stores) {
 
 void TextPrinter::showText(const std::string& /*kind*/, const std::string& text) {
     write(text.ends_with('\n') ? text : text + '\n');
+}
+
+void TextPrinter::showImport(const PolicyImport& import) {
+    const auto place = [&](std::size_t line) { return toOneLine(import.file) + ':' + std::to_string(line) + ": "; };
+    std::string taken;
+    for (const auto& key : import.taken) {
+        taken += place(key.line) + narrow(key.key) + ": " + describe(key) + '\n';
+    }
+    write(taken);
+    const std::lock_guard lock(mutex);
+    for (const auto& refusal : import.refused) {
+        diagnostics << place(refusal.line) << "refused: " << refusal.reason << '\n';
+    }
+    diagnostics << std::flush;
 }
 
 void TextPrinter::showNotification(const Notification& notification) {

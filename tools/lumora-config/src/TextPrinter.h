@@ -18,6 +18,7 @@ public:
     void showList(const std::vector<ListedValue>& values) override;
     void showStores(const std::vector<StoreFacts>& stores) override;
     void showText(const std::string& kind, const std::string& text) override;
+    void showImport(const PolicyImport& import) override;
     void showNotification(const Notification& notification) override;
     void showDone(const std::string& command, const std::string& message) override;
     void showFailure(const std::string& command, const Failure& failure) override;

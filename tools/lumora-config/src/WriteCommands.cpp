@@ -1,4 +1,5 @@
 #include "CommandTable.h"
+#include "PolicyFile.h"
 #include "RenamedKeys.h"
 #include "XmlSettings.h"
 
@@ -128,6 +129,24 @@ void mdm(Session& session, const Command& command) {
     reportDone(session, command, "MdmConfigStore holds " + std::to_string(keyCount) + " keys for this run");
 }
 
+void importPolicy(Session& session, const Command& command) {
+    const PolicyFile policy(command.file);
+    const auto import = policy.describe();
+    if (!import.taken.empty()) {
+        policy.install();
+    }
+    session.getPrinter().showImport(import);
+    if (import.taken.empty()) {
+        throw Failure(ExitCode::NotFound, command.file + ": holds nothing for the current user; nothing is changed");
+    }
+    constexpr auto when = " from the next start or refresh on";
+    if (!import.refused.empty()) {
+        throw Failure(ExitCode::NotFound, command.file + ": " + std::to_string(import.refused.size()) +
+                                              " of its lines are refused; the others count" + when);
+    }
+    reportDone(session, command, command.file + " counts" + when);
+}
+
 void removeStore(Session& session, const Command& command) {
     bool removed = false;
     session.getHost().onServices("lumora-config: remove-store", [&] {
@@ -148,6 +167,7 @@ void addWriteCommands(CommandTable& table) {
     table["provision"] = provision;
     table["reset-provisioning"] = resetProvisioning;
     table["mdm"] = mdm;
+    table["import-policy"] = importPolicy;
     table["remove-store"] = removeStore;
 }
 

@@ -1,6 +1,7 @@
 #include <kyr/FunctionTask.h>
 #include <unified/TypeName.h>
 #include <unified/UnifiedFactoryImpl.h>
+#include <zel/Resources.h>
 
 #include <ConfigFeatureSet.h>
 #include <ConfigService.h>
@@ -78,4 +79,11 @@ TEST_F(ForeignServiceTest, LeavesACopyOnDiskUntilItWithdraws) {
     EXPECT_TRUE(std::filesystem::exists(copy));
     directory->withdraw();
     EXPECT_FALSE(std::filesystem::exists(copy));
+}
+
+TEST_F(ForeignServiceTest, TheServiceItIsLoadedWithMakesItsEventDescriptionsKnown) {
+    for (const auto* tag : {"EN-US", "ZH-TW"}) {
+        const auto name = "CONFIGSERVICEEVENTDESCRIPTIONS_" + std::string(tag) + ".XML";
+        EXPECT_TRUE(zel::Resources::find("EVENTXML", name)) << name;
+    }
 }

@@ -1,6 +1,12 @@
 #include "Program.h"
 
+#include <TemporaryProfile.h>
 #include <gmock/gmock.h>
+
+#include <filesystem>
+#include <map>
+#include <set>
+#include <string>
 
 namespace program_test {
 
@@ -15,7 +21,83 @@ json onlyLine(const Outcome& outcome) {
     return lines.empty() ? json() : lines.front();
 }
 
+using Fields = std::set<std::string>;
+
+Fields fieldsOf(const json& object) {
+    Fields fields;
+    for (const auto& [name, value] : object.items()) {
+        fields.insert(name);
+    }
+    return fields;
+}
+
+Fields operator+(Fields fields, const Fields& more) {
+    fields.insert(more.begin(), more.end());
+    return fields;
+}
+
+const Fields reading{"found", "value", "store", "underOldName"};
+const Fields store{"priority", "name", "readOnly", "local", "keys"};
+
+/// What scripts rely on. A field may join; none may go or get another name.
+const std::map<std::string, Fields> published{
+    {"value", Fields{"type", "key"} + reading},
+    {"explanation", Fields{"type", "key", "newName", "oldName", "stores", "administrator", "defined", "overridden",
+                           "originalValue", "originalStore"} +
+                        reading},
+    {"list", {"type", "values"}},
+    {"stores", {"type", "stores"}},
+    {"report", {"type", "text"}},
+    {"log", {"type", "text"}},
+    {"help", {"type", "text"}},
+    {"done", {"type", "command", "message"}},
+    {"notification", {"type", "key", "property", "old", "new", "thread", "with"}},
+    {"failure", {"type", "command", "exitCode", "message"}},
+};
+
+/// One object of each type.
+std::map<std::string, json> oneOfEach(const Profile& profile) {
+    std::map<std::string, json> objects;
+    for (auto& line : profile
+                          .shell({"get Theme", "explain Theme", "list Theme", "stores", "report", "log", "help",
+                                  "observe Theme", "set Theme dark", "reset NoSuchKey"},
+                                 {"--json"})
+                          .lines()) {
+        objects.emplace(line.at("type"), std::move(line));
+    }
+    return objects;
+}
+
 } // namespace
+
+TEST(Json, TheFieldsOfEachTypeAreThePublishedOnes) {
+    const Profile profile;
+    auto objects = oneOfEach(profile);
+    for (const auto& [type, fields] : published) {
+        EXPECT_EQ(fieldsOf(objects[type]), fields) << type;
+    }
+    const auto& explanation = objects["explanation"];
+    EXPECT_EQ(fieldsOf(explanation.at("administrator")), reading);
+    EXPECT_EQ(fieldsOf(explanation.at("stores").back()), (store + Fields{"wins", "holds"}));
+    EXPECT_EQ(fieldsOf(explanation.at("stores").back().at("holds").front()), (Fields{"name", "value", "wins"}));
+    EXPECT_EQ(fieldsOf(objects["stores"].at("stores").front()), store);
+    EXPECT_EQ(fieldsOf(objects["list"].at("values").front()), (Fields{"key", "value", "store", "overridden"}));
+}
+
+TEST(Json, EachTypeAndFieldIsOnThePage) {
+    const auto page =
+        testing_host::readFile(std::filesystem::path(LUMORA_SOURCE_FOLDER) / "tools/lumora-config/README.md");
+    const auto begin = page.find("## JSON");
+    ASSERT_NE(begin, std::string::npos);
+    const auto section = page.substr(begin, page.find("\n## ", begin + 1) - begin);
+    Fields names{"wins", "holds"};
+    for (const auto& [type, fields] : published) {
+        names = names + Fields{type} + fields;
+    }
+    for (const auto& name : names + store) {
+        EXPECT_THAT(section, HasSubstr('`' + name + '`'));
+    }
+}
 
 TEST(Json, OfAValue) {
     const Profile profile;

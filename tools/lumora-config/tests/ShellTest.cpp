@@ -21,6 +21,7 @@ std::vector<json> ofType(const Outcome& outcome, const std::string& type) {
 
 std::vector<std::string> describe(const std::vector<json>& notifications) {
     std::vector<std::string> texts;
+    texts.reserve(notifications.size());
     for (const auto& line : notifications) {
         texts.push_back(line.at("property").get<std::string>() + ": " + line.at("old").get<std::string>() + " -> " +
                         line.at("new").get<std::string>());
@@ -72,15 +73,16 @@ TEST(Shell, AWriteIsToldToTheObserverPropertyByProperty) {
 
 TEST(Shell, ANotificationNamesKeyPropertyValuesAndThread) {
     const Profile profile;
-    const auto outcome = profile.shell({"observe Theme", "memory Other x", "set Theme dark"}, {"--json"});
+    const auto outcome = profile.shell({"observe Theme --with IP_MODE", "set Theme dark"}, {"--json"});
     const auto notifications = ofType(outcome, "notification");
     ASSERT_FALSE(notifications.empty());
-    const auto& first = notifications.front();
-    EXPECT_EQ(first.size(), 7U);
-    EXPECT_EQ(first.at("property"), "Value");
-    EXPECT_EQ(first.at("old"), "system");
-    EXPECT_EQ(first.at("new"), "dark");
-    EXPECT_EQ(first.at("thread"), "services");
+    EXPECT_EQ(notifications.front(), (json{{"type", "notification"},
+                                           {"key", "theme"},
+                                           {"property", "Value"},
+                                           {"old", "system"},
+                                           {"new", "dark"},
+                                           {"thread", "services"},
+                                           {"with", {{"ip_mode", "TWO_STACKS"}}}}));
 }
 
 TEST(Shell, AWriteOfAWorkerReachesTheObserverOnTheDispatcher) {
@@ -108,13 +110,38 @@ TEST(Shell, AStoreArrivesAndLeavesAndTheObserverHearsEachPropertyOnce) {
                             "OriginalValue: a -> ", "isDefined: true -> false", "ValueStoreName: Foreign -> ",
                             "OriginalValueStoreName: Foreign -> "))
         << outcome.out;
-    for (std::size_t i = 0; i < 5; ++i) {
-        EXPECT_EQ(notifications.at(i).at("with"), (json{{"New_B", "b"}, {"theme", "corporate"}})) << outcome.out;
+    for (std::size_t i = 0; i < notifications.size(); ++i) {
+        const auto others =
+            i < 5 ? json{{"New_B", "b"}, {"theme", "corporate"}} : json{{"New_B", ""}, {"theme", "system"}};
+        EXPECT_EQ(notifications.at(i).at("with"), others) << outcome.out;
     }
     EXPECT_EQ(ofType(outcome, "explanation").at(0).at("value"), "b");
     const auto values = ofType(outcome, "value");
     EXPECT_EQ(values.at(0).at("found"), false);
     EXPECT_EQ(values.at(1).at("value"), "system");
+}
+
+TEST(Shell, ARecordFallsBackOnTheRestOfTheChainWhenItsStoreLeaves) {
+    const Profile profile;
+    const auto file = profile.writeDocument("three.xml", "<Theme>corporate</Theme><New_A>a</New_A><New_B>b</New_B>");
+    const auto outcome =
+        profile.shell({"observe Theme", "add-store " + file + ":Foreign:40", "remove-store Foreign"}, {"--json"});
+    const std::string defaults = "lumora-config-defaults.xml";
+    EXPECT_THAT(describe(ofType(outcome, "notification")),
+                ElementsAre("Value: system -> corporate", "OriginalValue: system -> corporate",
+                            "ValueStoreName: " + defaults + " -> Foreign",
+                            "OriginalValueStoreName: " + defaults + " -> Foreign", "Value: corporate -> system",
+                            "OriginalValue: corporate -> system", "ValueStoreName: Foreign -> " + defaults,
+                            "OriginalValueStoreName: Foreign -> " + defaults))
+        << outcome.out;
+}
+
+TEST(Shell, ObservingAgainReplacesWhatIsShownWithTheKey) {
+    const Profile profile;
+    const auto outcome = profile.shell({"observe Theme", "observe THEME --with IP_MODE", "set Theme dark"}, {"--json"});
+    const auto notifications = ofType(outcome, "notification");
+    ASSERT_EQ(notifications.size(), 3U) << outcome.out;
+    EXPECT_TRUE(notifications.front().at("with").contains("ip_mode"));
 }
 
 TEST(Shell, UnobserveEndsTheNotifications) {

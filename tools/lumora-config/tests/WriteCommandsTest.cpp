@@ -17,6 +17,20 @@ TEST(Set, LastsAndSaysWhatIsInForce) {
     EXPECT_EQ(profile.run({"get", "Theme"}).out, "dark\n");
 }
 
+TEST(Set, EndsWithTheFileAndItsBackupWritten) {
+    const Profile profile;
+    const auto damage = [&](const std::string& name) {
+        EXPECT_TRUE(std::filesystem::exists(profile.root() / "config" / name));
+        profile.write("config/" + name, "damaged");
+    };
+    ASSERT_EQ(profile.run({"set", "Theme", "dark"}).exitCode, 0);
+    damage("lumoraLocalConfig.dat");
+    EXPECT_EQ(profile.run({"get", "Theme"}).out, "dark\n");
+    ASSERT_EQ(profile.run({"set", "Theme", "light"}).exitCode, 0);
+    damage("lumoraLocalConfig_backup.dat");
+    EXPECT_EQ(profile.run({"get", "Theme"}).out, "light\n");
+}
+
 TEST(Set, KeepsUmlautsSpacesAndMarkup) {
     const Profile profile;
     const std::string value = "  Grüße <&> \"quoted\" 漢字 ";

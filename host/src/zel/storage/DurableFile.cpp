@@ -70,9 +70,9 @@ std::string DurableFile::makeTemporaryName(const std::string& path) {
 /// 4. Close it: some file systems report a failed write only now.
 /// 5. Publish: rename it over the path, or link it to the path and drop the first name.
 /// 6. Sync the directory, so that a power cut can't bring the old file back after success was reported.
+/// 7. Remove what writers of this path left behind when they were killed long ago.
 /// A failure in 1 to 5 removes the new file and leaves the old one. A failure in 6 is reported, with the new file
 /// in place: it will or will not survive a power cut, as a whole.
-/// 7. Remove what writers of this path left behind when they were killed long ago.
 int DurableFile::write(FileLayer& layer, const std::string& path, std::string_view bytes, Publish publish) {
     const PathParts parts = splitPath(path);
     if (parts.name.empty()) {

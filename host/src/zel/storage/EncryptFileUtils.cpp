@@ -31,12 +31,7 @@ Overrides& overrides() {
 /// The layer and the keys for one call, kept alive over it.
 class Environment {
 public:
-    Environment() : Environment(FileLayer::platform()) {}
-
-    ProtectedFiles files() { return {*layer, *provider}; }
-
-private:
-    explicit Environment(FileLayer& platform) {
+    Environment() {
         Overrides& current = overrides();
         {
             const std::lock_guard lock(current.mutex);
@@ -44,13 +39,16 @@ private:
             provider = current.provider;
         }
         if (!layer) {
-            layer = std::shared_ptr<FileLayer>(std::shared_ptr<void>(), &platform);
+            layer = std::shared_ptr<FileLayer>(std::shared_ptr<void>(), &FileLayer::platform());
         }
         if (!provider) {
             provider = std::make_shared<FileKeyProvider>(*layer, KyrCoreUtils::FileUtils::getUserLocalAppDir());
         }
     }
 
+    ProtectedFiles files() { return {*layer, *provider}; }
+
+private:
     std::shared_ptr<FileLayer> layer;
     std::shared_ptr<KeyProvider> provider;
 };

@@ -23,6 +23,26 @@ using configservice_test::RecordingValueObserver;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
+/// Tells when the memory of a shared object is given back: once no weak pointer to it is left on any list.
+template <class T>
+class TellingAllocator {
+public:
+    using value_type = T;
+
+    explicit TellingAllocator(std::shared_ptr<bool> flag) : freed(std::move(flag)) {}
+    template <class Other>
+    explicit TellingAllocator(const TellingAllocator<Other>& other) : freed(other.freed) {}
+
+    T* allocate(std::size_t count) { return std::allocator<T>().allocate(count); }
+    void deallocate(T* memory, std::size_t count) {
+        std::allocator<T>().deallocate(memory, count);
+        *freed = true;
+    }
+    bool operator==(const TellingAllocator& other) const = default;
+
+    std::shared_ptr<bool> freed;
+};
+
 struct ConfigValueBaseImplTest : testing::Test {
     std::shared_ptr<RecordingValueObserver> observe() {
         auto observer = std::make_shared<RecordingValueObserver>();
@@ -113,7 +133,8 @@ TEST_F(ConfigValueBaseImplTest, AnObserverAddedTwiceIsCalledOnceAndOneRemovedNoM
 }
 
 TEST_F(ConfigValueBaseImplTest, AnObserverOfAnotherKindIsLeftOutAndStaysRegistered) {
-    const auto other = std::make_shared<RecordingServiceObserver>();
+    const auto forgotten = std::make_shared<bool>(false);
+    auto other = std::allocate_shared<RecordingServiceObserver>(TellingAllocator<RecordingServiceObserver>(forgotten));
     const auto observer = std::make_shared<RecordingValueObserver>();
     const std::shared_ptr<UnifiedBusinessObject> object = record;
     object->addObserver(std::weak_ptr<UnifiedBusinessObjectObserver>(other));
@@ -122,6 +143,18 @@ TEST_F(ConfigValueBaseImplTest, AnObserverOfAnotherKindIsLeftOutAndStaysRegister
     record->fireValue();
     EXPECT_THAT(observer->heard, ElementsAre("Value", "Value"));
     EXPECT_EQ(other->readyChanges + other->bulkUpdateChanges, 0);
+    other.reset();
+    EXPECT_FALSE(*forgotten);
+}
+
+TEST_F(ConfigValueBaseImplTest, AFiringForgetsTheObserversThatHaveDied) {
+    const auto forgotten = std::make_shared<bool>(false);
+    auto dead = std::allocate_shared<RecordingValueObserver>(TellingAllocator<RecordingValueObserver>(forgotten));
+    record->addObserver(dead);
+    dead.reset();
+    EXPECT_FALSE(*forgotten);
+    record->fireOriginalValue();
+    EXPECT_TRUE(*forgotten);
 }
 
 TEST_F(ConfigValueBaseImplTest, DeadObserversLeaveTheListAndTheLastTakesTheirPlace) {
@@ -162,7 +195,7 @@ TEST_F(ConfigValueBaseImplTest, AnObserverThatLosesItsOwnerDuringThePassIsStillC
     auto second = observe();
     const std::weak_ptr<RecordingValueObserver> watched = second;
     std::vector<std::string> order;
-    second->reaction = [&](const std::string&) { order.push_back("second"); };
+    second->reaction = [&](const std::string&) { order.emplace_back("second"); };
     first->reaction = [&](const std::string&) { second.reset(); };
     record->fireValue();
     EXPECT_THAT(order, ElementsAre("second"));

@@ -161,6 +161,23 @@ TEST(PropertyNotifierImpl, AnExceptionOfACallbackEndsThePass) {
     EXPECT_TRUE(calls.names.empty());
 }
 
+TEST(PropertyNotifierImpl, AConnectionConnectedTwiceIsCalledTwiceAndSkippedAfterOneDisconnect) {
+    Calls calls;
+    PropertyNotifierImpl notifier;
+    const auto connection =
+        std::dynamic_pointer_cast<PropertyNotifierImpl::Connection>(notifier.connect(calls.note("twice")).lock());
+    ASSERT_TRUE(connection);
+    connection->connect();
+    notifier.fire();
+    EXPECT_EQ(calls.names, (Names{"twice", "twice"}));
+    calls.names.clear();
+    connection->disconnect();
+    notifier.fire();
+    EXPECT_FALSE(connection->connected());
+    EXPECT_FALSE(notifier.isEmpty());
+    EXPECT_TRUE(calls.names.empty());
+}
+
 TEST(PropertyNotifierImpl, CopiesShareOneList) {
     Calls calls;
     PropertyNotifierImpl original;

@@ -2,8 +2,11 @@
 
 #include <ConfigCatalogue.h>
 #include <ConfigMap.h>
+#include <TemporaryProfile.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <regex>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -120,22 +123,45 @@ const std::vector<Row> agreed = {
     {97, "CertificateValidationEnabled", Width::Wide},
 };
 
+Width widthOf(const CatalogueEntry& entry) {
+    return std::holds_alternative<std::wstring_view>(entry) ? Width::Wide : Width::Narrow;
+}
+
+std::string textOf(const CatalogueEntry& entry) {
+    const auto* wide = std::get_if<std::wstring_view>(&entry);
+    return wide != nullptr ? KyrCoreUtils::toString(*wide) : std::string(std::get<std::string_view>(entry));
+}
+
 TEST(ConfigCatalogue, HoldsTheAgreedTextsInTheirWidthAndOrder) {
     ASSERT_EQ(catalogue.size(), agreed.size());
     for (const auto& [number, text, width] : agreed) {
         SCOPED_TRACE(number);
         const CatalogueEntry& entry = catalogue[number - 1];
-        EXPECT_EQ(entry.isWide() ? Width::Wide : Width::Narrow, width) << text;
-        EXPECT_EQ(std::string(entry.narrow), width == Width::Narrow ? text : "");
-        EXPECT_EQ(KyrCoreUtils::toString(entry.wide), width == Width::Wide ? text : "");
+        EXPECT_EQ(textOf(entry), text);
+        EXPECT_EQ(widthOf(entry), width) << text;
     }
+}
+
+TEST(ConfigCatalogue, EveryConstantOfTheHeaderIsARowInItsPlace) {
+    const auto header = testing_host::readFile(std::filesystem::path(INCLUDE_FOLDER) / "ConfigKeys.h");
+    const std::regex constant(R"re(std::(w?)string_view\s+\w+\s*=\s*L?"([^"]*)";)re");
+    std::vector<std::string> declared;
+    for (std::sregex_iterator found(header.begin(), header.end(), constant), end; found != end; ++found) {
+        declared.push_back((*found)[1].str() + (*found)[2].str());
+    }
+    std::vector<std::string> rows;
+    rows.reserve(agreed.size());
+    for (const auto& row : agreed) {
+        rows.push_back((row.width == Width::Wide ? "w" : "") +
+                       std::regex_replace(row.text, std::regex(R"(\\)"), R"(\\)"));
+    }
+    EXPECT_EQ(declared, rows);
 }
 
 TEST(ConfigCatalogue, NoTwoNamesAreOneKey) {
     ConfigKeySet seen;
     for (const auto& entry : catalogue) {
-        const auto text = entry.isWide() ? std::wstring(entry.wide) : KyrCoreUtils::toWideString(entry.narrow);
-        EXPECT_TRUE(seen.insert(text).second) << KyrCoreUtils::toString(text);
+        EXPECT_TRUE(seen.insert(KyrCoreUtils::toWideString(textOf(entry))).second) << textOf(entry);
     }
 }
 

@@ -12,6 +12,7 @@
 #include <ConfigService.h>
 #include <ConfigStore.h>
 #include <ConfigStoreAddedObserver.h>
+#include <ConfigStoreManager_Observer.h>
 #include <ConfigValue.h>
 #include <gtest/gtest.h>
 
@@ -263,6 +264,17 @@ TEST(VirtualOrder, ConfigStore) {
     EXPECT_EQ(slotsOf<T>(), destructor + 14);
     expectOrder(0, {op<void(const Bytes&)>("OnConfigStoreAdded", &ConfigStoreAddedObserver::OnConfigStoreAdded)});
     EXPECT_EQ(slotsOf<ConfigStoreAddedObserver>(), 1) << "it has no virtual destructor";
+}
+
+TEST(VirtualOrder, ConfigStoreManagerObserver) {
+    using T = ConfigStoreManager_Observer;
+    expectOrder(destructor, {
+                                op<void(Text)>("onFireIfRequired", &T::onFireIfRequired),
+                                op<void(Text)>("onSensitiveKeyAddedOrUpdated", &T::onSensitiveKeyAddedOrUpdated),
+                                op<void(Text, Text, Text, bool, bool, Text, Text, bool)>("onConfigAddedOrUpdated",
+                                                                                         &T::onConfigAddedOrUpdated),
+                            });
+    EXPECT_EQ(slotsOf<T>(), destructor + 3);
 }
 
 TEST(VirtualOrder, FeatureSetAdapter) {

@@ -6,6 +6,8 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <iterator>
+#include <new>
 #include <set>
 #include <string>
 
@@ -28,6 +30,14 @@ TEST(CipherKey, StandsNowhereAsAWholeInTheProgram) {
     for (const std::size_t at : {0U, 8U, 16U, 24U}) {
         EXPECT_EQ(program.find(std::string(reinterpret_cast<const char*>(key.data() + at), 8)), std::string::npos);
     }
+}
+
+TEST(CipherKey, IsZeroedAtItsEnd) {
+    alignas(CipherKey) unsigned char place[sizeof(CipherKey)];
+    const auto* const key = new (place) CipherKey;
+    ASSERT_FALSE(std::all_of(key->data(), key->data() + CipherKey::length, [](unsigned char c) { return c == 0; }));
+    key->~CipherKey();
+    EXPECT_TRUE(std::all_of(std::begin(place), std::end(place), [](unsigned char c) { return c == 0; }));
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "secure/SecureBuffer.h"
 
+#include "FreedBlock.h"
+
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -39,6 +41,21 @@ TEST(SecureBuffer, AnEmptyOrMissingTextReadsAsTheEmptyOne) {
     buffer.set(nullptr, 7);
     EXPECT_STREQ(buffer.getData(), "");
     EXPECT_EQ(buffer.getLength(), 0U);
+}
+
+TEST(SecureBuffer, ZeroesItsBytesBeforeTheyAreFreed) {
+    SecureBuffer buffer;
+    buffer.set(bytesOf("first"), 5);
+    {
+        const secure_test::FreedBlock freed(buffer.getData(), 5);
+        buffer.set(bytesOf("second"), 6);
+        EXPECT_EQ(freed.getContent(), std::string(5, '\0'));
+    }
+    auto last = std::make_unique<SecureBuffer>();
+    last->set(bytesOf("last"), 4);
+    const secure_test::FreedBlock freed(last->getData(), 4);
+    last.reset();
+    EXPECT_EQ(freed.getContent(), std::string(4, '\0'));
 }
 
 } // namespace

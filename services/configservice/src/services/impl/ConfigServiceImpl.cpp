@@ -1,6 +1,7 @@
 #include "ConfigServiceImpl.h"
 
 #include "CalendarIntegrationTypeCheck.h"
+#include "secure/SecureString.h"
 
 #include <kyr/StringUtils.h>
 #include <unified/UnifiedFactory.h>
@@ -170,6 +171,8 @@ void ConfigServiceImpl::OnConfigChanged(std::wstring key, std::wstring value, st
         record->applyValuesAndFire(value, originalValue, isOverridden, isDefined, valueStoreName,
                                    originalValueStoreName);
     }
+    zel::SecureString::wipe(value);
+    zel::SecureString::wipe(originalValue);
 }
 
 void ConfigServiceImpl::FireIfRequired(std::wstring key) {
@@ -201,7 +204,7 @@ std::shared_ptr<ConfigValueImpl> ConfigServiceImpl::findConfig(const std::wstrin
     const bool isAlias = isKeyAlias(key, alias);
     if (isAlias) {
         if (auto record = findConfigFromKey(alias)) {
-            logAliasLookup(key, alias, *record);
+            ZelLog(logger, ZelLogLevel::Info, ZEL_HERE, describeAliasLookup(key, alias, *record));
             return record;
         }
     }
@@ -213,7 +216,7 @@ std::shared_ptr<ConfigValueImpl> ConfigServiceImpl::findConfig(const std::wstrin
 
 std::shared_ptr<ConfigValueImpl> ConfigServiceImpl::findConfigFromKey(const std::wstring& key) {
     if (const auto found = configValues.find(key); found != configValues.end()) {
-        const auto record = found->second;
+        auto record = found->second;
         applyCachedValueFipsRule(*record);
         return record;
     }
@@ -251,14 +254,14 @@ std::shared_ptr<ConfigValueImpl> ConfigServiceImpl::createConfig(const std::wstr
     return record;
 }
 
-void ConfigServiceImpl::logAliasLookup(const std::wstring& key, const std::wstring& alias, ConfigValueImpl& record) {
+std::wstring ConfigServiceImpl::describeAliasLookup(const std::wstring& key, const std::wstring& alias,
+                                                    ConfigValueImpl& record) {
     // The key as it was asked decides whether the value is hidden, not the one that it stands for.
     const std::wstring safeValue = isKeySensitive(key) ? std::wstring(ConfigKeys::valueHidden) : record.getValue();
     const std::wstring loggedValue =
         KyrCoreUtils::toWideString(ZelLogger_replacePIIData(KyrCoreUtils::toString(safeValue)));
-    ZelLog(logger, ZelLogLevel::Info, ZEL_HERE,
-           L"findConfig key : [" + key + L"] is an alias for key : [" + alias +
-               L"] actual lookup done on this key - value : [" + loggedValue + L"]");
+    return L"findConfig key : [" + key + L"] is an alias for key : [" + alias +
+           L"] actual lookup done on this key - value : [" + loggedValue + L"]";
 }
 
 void ConfigServiceImpl::logConfig() {

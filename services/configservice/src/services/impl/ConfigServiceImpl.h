@@ -75,7 +75,7 @@ private:
                                                   const std::wstring& originalValue, bool isOverridden,
                                                   const std::wstring& valueStoreName,
                                                   const std::wstring& originalValueStoreName);
-    void logAliasLookup(const std::wstring& key, const std::wstring& alias, ConfigValueImpl& record);
+    std::wstring describeAliasLookup(const std::wstring& key, const std::wstring& alias, ConfigValueImpl& record);
     void appendSettings(std::wstring& report, bool defined);
 
     ConfigValueMap configValues;

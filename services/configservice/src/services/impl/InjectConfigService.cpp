@@ -6,10 +6,13 @@
 #include <ConfigFeatureSet.h>
 #include <ConfigService.h>
 #include <ConfigServiceIds.h>
+#include <libxml/parser.h>
 
 using namespace ZelUnified;
 
 void InjectConfigService(std::shared_ptr<UnifiedFactory> factory) {
+    // Once, before any thread parses. Never cleaned up: the process shares the library.
+    xmlInitParser();
     // The service comes first: the adapter's constructor looks it up.
     factory->getServices().registerItem<ConfigService>(configServiceId, std::make_shared<ConfigServiceImpl>(factory));
     if (factory->getFeatureSetByType<ConfigFeatureSet>()) {

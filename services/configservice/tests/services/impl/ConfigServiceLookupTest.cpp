@@ -1,5 +1,6 @@
 #include "ServiceFixture.h"
 
+#include <InMemoryRegistry.h>
 #include <LogRecorder.h>
 
 #include <vector>
@@ -27,6 +28,11 @@ struct ConfigServiceLookup : configservice_test::ServiceFixture {
         return lines;
     }
 
+    void setMailClient(std::wstring_view name) {
+        registry->setText(zel::registry::HKEY_CURRENT_USER, L"SOFTWARE\\Clients\\Mail", L"", name);
+    }
+
+    testing_host::InMemoryRegistry::Installed registry;
     testing_host::LogRecorder log;
 };
 
@@ -82,6 +88,7 @@ TEST_F(ConfigServiceLookup, AnAliasGivesTheTargetsRecordAndSaysSoInOneLine) {
     const auto line = log.getRecords().front();
     EXPECT_EQ(line.logger, serviceLogger);
     EXPECT_EQ(line.level, ZelLogLevel::Info);
+    EXPECT_EQ(line.function, "ZelUnified::ConfigServiceImpl::findConfig");
     EXPECT_EQ(line.text,
               "findConfig key : [tftpprimaryserver] is an alias for key : [TftpServer1] actual lookup done on "
               "this key - value : [tftp.example.com]");
@@ -149,19 +156,42 @@ TEST_F(ConfigServiceLookup, PersonalDataInTheLineIsMasked) {
     EXPECT_THAT(takeLines(), ElementsAre(testing::HasSubstr("@example.com]")));
 }
 
-TEST_F(ConfigServiceLookup, TheCalendarRecordIsMadeOnceInAnyCase) {
+TEST_F(ConfigServiceLookup, TheFirstRequestOfTheCalendarKeyInAnyCaseRunsItsCheckAndNoLaterOne) {
+    setMailClient(L"Microsoft Outlook");
     const auto record = service->getConfig(L"CalendarIntegrationType");
     EXPECT_EQ(record->getKey(), L"CalendarIntegrationType");
+    EXPECT_EQ(record->getValue(), L"1");
     EXPECT_FALSE(record->getisDefined());
+    setMailClient(L"IBM Notes");
     EXPECT_EQ(service->getConfig(L"CALENDARINTEGRATIONTYPE"), record);
+    EXPECT_EQ(record->getValue(), L"1");
+    EXPECT_EQ(registry->getOpened().size(), 1U);
     EXPECT_THAT(listKeys(), ElementsAre(L"CalendarIntegrationType"));
 }
 
-TEST_F(ConfigServiceLookup, AnAliasOfTheCalendarKeyAlwaysFindsItsRecord) {
+TEST_F(ConfigServiceLookup, AFiringOfTheCalendarKeyRunsItsCheckTooAndFiresNothing) {
+    setMailClient(L"Lotus Notes");
+    service->FireIfRequired(L"calendarintegrationtype");
+    const auto observer = observe(L"calendarintegrationtype");
+    service->FireIfRequired(L"calendarintegrationtype");
+    EXPECT_EQ(service->getConfig(L"calendarintegrationtype")->getValue(), L"2");
+    EXPECT_EQ(registry->getOpened().size(), 1U);
+    EXPECT_THAT(observer->heard, IsEmpty());
+}
+
+TEST_F(ConfigServiceLookup, AStoresWordOnTheCalendarKeyStandsOverItsCheck) {
+    setMailClient(L"Microsoft Outlook");
+    announce(L"calendarintegrationtype", L"2");
+    EXPECT_EQ(service->getConfig(L"calendarintegrationtype")->getValue(), L"2");
+    EXPECT_EQ(registry->getOpened().size(), 1U);
+}
+
+TEST_F(ConfigServiceLookup, AnAliasOfTheCalendarKeyFindsItsRecordAtTheFirstRequest) {
+    setMailClient(L"Microsoft Outlook");
     service->setupConfigKeyAliases({{L"Old", L"calendarintegrationtype"}});
-    const auto own = service->getConfig(L"Other");
     EXPECT_EQ(service->getConfig(L"Old")->getKey(), L"calendarintegrationtype");
-    EXPECT_THAT(takeLines(), testing::Contains(testing::HasSubstr("is an alias for key")));
+    EXPECT_THAT(takeLines(), ElementsAre("findConfig key : [Old] is an alias for key : [calendarintegrationtype] "
+                                         "actual lookup done on this key - value : [1]"));
 }
 
 TEST_F(ConfigServiceLookup, InFipsModeAnyLookupOverwritesTheTellingValueSilently) {

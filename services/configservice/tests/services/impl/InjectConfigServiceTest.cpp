@@ -10,10 +10,26 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <stdexcept>
+
 namespace ZelUnified {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
+
+namespace {
+
+/// Does something when the entry makes it look for a provider of the feature set.
+class LoadingFactory final : public testing_host::RecordingFactory {
+public:
+    std::function<void(LoadingFactory&)> whenLoading;
+
+private:
+    void loadFeatureSet(const std::string&) override { whenLoading(*this); }
+};
+
+} // namespace
 
 class InjectConfigServiceTest : public testing::Test {
 protected:
@@ -45,6 +61,45 @@ TEST_F(InjectConfigServiceTest, LooksOnceForAnotherProvider) {
     InjectConfigService(factory);
     EXPECT_THAT(factory->triedFeatureSetLoads, ElementsAre("ZelUnified::ConfigFeatureSet"));
     EXPECT_THAT(factory->triedServiceLoads, IsEmpty());
+}
+
+TEST_F(InjectConfigServiceTest, FilesTheServiceBeforeItLooksForTheFeatureSet) {
+    const auto loading = std::make_shared<LoadingFactory>();
+    bool serviceFiled = false;
+    loading->whenLoading = [&](LoadingFactory& self) {
+        serviceFiled = self.getServices().getItem<ConfigService>() && self.getServices().getItem(1300);
+    };
+    InjectConfigService(loading);
+    EXPECT_TRUE(serviceFiled);
+    EXPECT_TRUE(loading->getFeatureSets().getItem(1300));
+    loading->Destroy();
+}
+
+TEST_F(InjectConfigServiceTest, LeavesAFeatureSetThatTheLookBroughtInItsPlace) {
+    const auto loading = std::make_shared<LoadingFactory>();
+    const auto other = std::make_shared<ConfigAdapter>();
+    loading->whenLoading = [&](LoadingFactory& self) {
+        self.getFeatureSets().registerItem<ConfigFeatureSet>(77, other);
+    };
+    InjectConfigService(loading);
+    EXPECT_FALSE(loading->getFeatureSets().getItem(1300));
+    EXPECT_EQ(loading->getFeatureSetByType<ConfigFeatureSet>(), std::shared_ptr<ConfigFeatureSet>(other));
+    loading->Destroy();
+}
+
+TEST_F(InjectConfigServiceTest, FailureOfTheHostPassesThroughAndLeavesTheServiceFiled) {
+    const auto loading = std::make_shared<LoadingFactory>();
+    loading->whenLoading = [](LoadingFactory&) { throw std::runtime_error("no plug-in folder"); };
+    EXPECT_THROW(InjectConfigService(loading), std::runtime_error);
+    EXPECT_TRUE(loading->getServices().getItem(1300));
+    EXPECT_FALSE(loading->getFeatureSets().getItem(1300));
+    loading->Destroy();
+}
+
+TEST_F(InjectConfigServiceTest, AdapterFeedsTheServiceThatWasFiledWithIt) {
+    InjectConfigService(factory);
+    factory->getFeatureSetByType<ConfigFeatureSet>()->setInMemoryConfig(L"k", L"v");
+    EXPECT_EQ(factory->getServiceByType<ConfigService>()->getConfig(L"k")->getValue(), L"v");
 }
 
 TEST_F(InjectConfigServiceTest, LeavesAFeatureSetThatExistsInItsPlace) {

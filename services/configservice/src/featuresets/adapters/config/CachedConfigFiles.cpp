@@ -25,22 +25,6 @@ std::string withExtension(std::string_view name, std::string_view extension) {
     return std::string(name.substr(0, name.rfind('.'))).append(extension);
 }
 
-void removeFile(const std::string& path) {
-    if (FileUtils::removeFile(path) != 0) {
-        ZelLog(configStoreManagerLogger(), ZelLogLevel::Error, ZEL_HERE, "Failed to remove file: " + path);
-        return;
-    }
-    ZelLog(configStoreManagerLogger(), ZelLogLevel::Info, ZEL_HERE, "Removed file: " + path);
-}
-
-bool removeIfPresent(const std::string& path) {
-    if (!FileUtils::fileExists(path)) {
-        return false;
-    }
-    removeFile(path);
-    return true;
-}
-
 } // namespace
 
 std::string CachedConfigFiles::getDirectory() {
@@ -61,6 +45,22 @@ bool CachedConfigFiles::remove(const std::string& fileName) {
         found = true;
     }
     return found;
+}
+
+bool CachedConfigFiles::removeIfPresent(const std::string& path) {
+    if (!FileUtils::fileExists(path)) {
+        return false;
+    }
+    removeFile(path);
+    return true;
+}
+
+void CachedConfigFiles::removeFile(const std::string& path) {
+    if (FileUtils::removeFile(path) != 0) {
+        ZelLog(configStoreManagerLogger(), ZelLogLevel::Error, ZEL_HERE, "Failed to remove file: " + path);
+        return;
+    }
+    ZelLog(configStoreManagerLogger(), ZelLogLevel::Info, ZEL_HERE, "Removed file: " + path);
 }
 
 std::vector<std::string> CachedConfigFiles::getXmlNames() {

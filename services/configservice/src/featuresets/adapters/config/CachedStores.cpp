@@ -3,6 +3,7 @@
 #include "CachedConfigFiles.h"
 #include "CachedStoreRecord.h"
 #include "ConfigAdapterLogger.h"
+#include "StorePriorities.h"
 
 #include <kyr/StringUtils.h>
 
@@ -20,14 +21,24 @@ using KyrCoreUtils::toString;
 
 namespace {
 
-constexpr int defaultPriority = 240;
-/// Of a record handed in as text; differs from the above by tradition.
-constexpr int defaultPriorityOfGivenRecord = 40;
-constexpr int urlProvisioningPriority = 499;
-
 const std::wstring& recordKey() {
     static const std::wstring key(ConfigKeys::primaryConfigStores);
     return key;
+}
+
+/// Whether a copy of that name would lie outside the cache folder. A name may hold separators, but the record is
+/// foreign text, and no store needs the parent folder in its name.
+bool leadsOutOfCacheFolder(std::string_view name) {
+    constexpr std::string_view separators = "/\\";
+    const auto isSeparator = [&](std::size_t at) {
+        return at < name.size() && separators.find(name[at]) != std::string_view::npos;
+    };
+    for (auto at = name.find(".."); at != std::string_view::npos; at = name.find("..", at + 1)) {
+        if (at > 0 && isSeparator(at - 1) && isSeparator(at + 2)) {
+            return true;
+        }
+    }
+    return false;
 }
 
 } // namespace
@@ -47,7 +58,7 @@ void CachedStores::InitialiseCachedConfigStores() {
         if (caseInsensitiveStringEquals(name, ConfigKeys::presenceConfigStore)) {
             presencePriority = priority;
         } else {
-            addCachedConfigStore(toString(name), toInt(priority, defaultPriority));
+            addCachedConfigStore(toString(name), toInt(priority, StorePriorities::cachedCopy));
         }
     }
     if (presencePriority) {
@@ -65,7 +76,7 @@ void CachedStores::addPresenceStore(const std::wstring& priority) {
         removeFromCachedStorePriorityMap(name);
         return;
     }
-    addCachedConfigStore(toString(name), toInt(priority, defaultPriority));
+    addCachedConfigStore(toString(name), toInt(priority, StorePriorities::cachedCopy));
 }
 
 void CachedStores::addUrlProvisioningStore() {
@@ -79,22 +90,22 @@ void CachedStores::addUrlProvisioningStore() {
         adapter.removeConfigStore(name);
         return;
     }
-    configStoreManager->addStore(std::make_shared<CacheConfigStore>(
-        name, urlProvisioningPriority, CachedConfigFiles::getPath(CachedConfigFiles::getFileName(name))));
+    configStoreManager->addStore(std::make_shared<CacheConfigStore>(name, StorePriorities::urlProvisioning,
+                                                                    CachedConfigFiles::getPathOfCopy(name)));
 }
 
 void CachedStores::addCachedConfigStore(const std::string& name, int priority) {
-    if (getLumoraSDKMode()) {
+    if (getLumoraSDKMode() || leadsOutOfCacheFolder(name)) {
         return;
     }
     // The copy bears the live store's own name, so that the live store takes its place on arrival.
-    configStoreManager->addStore(std::make_shared<CacheConfigStore>(
-        name, priority, CachedConfigFiles::getPath(CachedConfigFiles::getFileName(name))));
+    configStoreManager->addStore(
+        std::make_shared<CacheConfigStore>(name, priority, CachedConfigFiles::getPathOfCopy(name)));
 }
 
 void CachedStores::addCachedConfigStores(const std::wstring& record) {
     for (const auto& [name, priority] : CachedStoreRecord::parse(record)) {
-        addCachedConfigStore(toString(name), toInt(priority, defaultPriorityOfGivenRecord));
+        addCachedConfigStore(toString(name), toInt(priority, StorePriorities::cachedCopyOfGivenRecord));
     }
 }
 

@@ -1,7 +1,9 @@
 #include "ConfigAdapter.h"
 
 #include "ConfigAdapterLogger.h"
+#include "ConfigChangeObservers.h"
 #include "ConfigDirectoryReset.h"
+#include "StorePriorities.h"
 #include "services/impl/ConfigFileCacheTimer.h"
 #include "services/impl/ConfigServiceImpl.h"
 
@@ -17,19 +19,12 @@
 #include <LocalFileConfigStore.h>
 #include <RegistryConfigStore.h>
 
-#include <limits>
-
 namespace ZelUnified {
 
 using KyrCoreUtils::FileUtils;
 using KyrCoreUtils::FunctionTask;
 
 namespace {
-
-constexpr int userStorePriority = 20;
-constexpr int registryStorePriority = 33;
-constexpr int inMemoryStorePriority = 600;
-constexpr int defaultsStorePriority = std::numeric_limits<int>::max();
 
 void logInfo(const char* file, int line, std::string_view function, const char* text) {
     ZelLog(configAdapterLogger(), ZelLogLevel::Info, file, line, function, text);
@@ -50,8 +45,6 @@ ConfigAdapter::ConfigAdapter(std::shared_ptr<UnifiedFactory> factory)
     addInitialConfigStores();
     setEnabledServicesFromCachedStores();
 }
-
-ConfigAdapter::~ConfigAdapter() = default;
 
 void ConfigAdapter::StartFeatureSet(unsigned int id, std::shared_ptr<ServiceEventList>) {
     if (id == configServiceId) {
@@ -161,21 +154,22 @@ void ConfigAdapter::addNecessaryStoresIfNotExist() {
 
 std::shared_ptr<ConfigStore> ConfigAdapter::makeDefaultsStore() const {
     const std::string fileName(ConfigKeys::configDefaultsFile);
-    return std::make_shared<LocalFileConfigStore>(fileName, defaultsStorePriority,
+    return std::make_shared<LocalFileConfigStore>(fileName, StorePriorities::defaults,
                                                   FileUtils::getResourcesDirectory() + FileUtils::FileSeparator(),
                                                   fileName, true, true, false);
 }
 
 std::shared_ptr<ConfigStore> ConfigAdapter::makeInMemoryStore() const {
-    return std::make_shared<InMemoryConfigStore>(std::string(ConfigKeys::inMemoryConfigStore), inMemoryStorePriority);
+    return std::make_shared<InMemoryConfigStore>(std::string(ConfigKeys::inMemoryConfigStore),
+                                                 StorePriorities::inMemory);
 }
 
 std::shared_ptr<ConfigStore> ConfigAdapter::makeUserStore(BackupTimer backupTimer) {
     const std::string name(ConfigKeys::localFileConfigStore);
     if (cachedStores.getLumoraSDKMode()) {
-        return std::make_shared<InMemoryConfigStore>(name, userStorePriority);
+        return std::make_shared<InMemoryConfigStore>(name, StorePriorities::localFile);
     }
-    auto store = std::make_shared<LocalFileConfigStore>(name, userStorePriority, false);
+    auto store = std::make_shared<LocalFileConfigStore>(name, StorePriorities::localFile, false);
     if (backupTimer == BackupTimer::With) {
         store->setTimer(configFileCacheTimer);
     }
@@ -184,7 +178,8 @@ std::shared_ptr<ConfigStore> ConfigAdapter::makeUserStore(BackupTimer backupTime
 
 std::shared_ptr<ConfigStore> ConfigAdapter::makeRegistryStore() const {
     return std::make_shared<RegistryConfigStore>(unifiedFactory, std::string(ConfigKeys::registryConfigStore),
-                                                 registryStorePriority, std::string(ConfigKeys::policyRegistryPath));
+                                                 StorePriorities::registry,
+                                                 std::string(ConfigKeys::policyRegistryPath));
 }
 
 void ConfigAdapter::setEnabledServicesFromCachedStores() {
@@ -237,11 +232,12 @@ void ConfigAdapter::onPowerEvent(ZelSystemMonitor::PowerEventTypeEnum::PowerEven
     Destroy();
 }
 
-void ConfigAdapter::callService(const std::string& taskName, std::function<void(ConfigServiceImpl&)> call) {
-    const auto dispatcher = unifiedFactory ? unifiedFactory->getServicesDispatcher() : nullptr;
-    if (!configService || !dispatcher) {
+void ConfigAdapter::callService(std::string_view taskName, std::wstring_view taskSubject,
+                                std::function<void(ConfigServiceImpl&)> call) {
+    if (!configService) {
         return;
     }
+    const auto dispatcher = unifiedFactory->getServicesDispatcher();
     if (dispatcher->checkForUpdateAccess()) {
         call(*configService);
         return;
@@ -253,45 +249,48 @@ void ConfigAdapter::callService(const std::string& taskName, std::function<void(
                                     call(*alive);
                                 }
                             },
-                            taskName),
+                            std::string(taskName) + KyrCoreUtils::toString(taskSubject)),
                         false);
 }
 
 void ConfigAdapter::notifyConfigKeyAliases() {
-    callService("ConfigServiceImpl::setupConfigKeyAliases",
+    callService("ConfigServiceImpl::setupConfigKeyAliases", {},
                 [aliases = configStoreManager->getKeyAliases()](ConfigServiceImpl& service) {
                     service.setupConfigKeyAliases(aliases);
                 });
 }
 
 void ConfigAdapter::onFireIfRequired(std::wstring key) {
-    const auto taskName = "ConfigServiceImpl::FireIfRequired - " + KyrCoreUtils::toString(key);
-    callService(taskName, [key = std::move(key)](ConfigServiceImpl& service) { service.FireIfRequired(key); });
+    callService("ConfigServiceImpl::FireIfRequired - ", key,
+                [key](ConfigServiceImpl& service) { service.FireIfRequired(key); });
 }
 
 void ConfigAdapter::onSensitiveKeyAddedOrUpdated(std::wstring key) {
-    callService("ConfigServiceImpl::OnConfigChanged",
+    callService("ConfigServiceImpl::OnConfigChanged", {},
                 [key = std::move(key)](ConfigServiceImpl& service) { service.updateSensitiveKeyList(key); });
 }
 
 void ConfigAdapter::onConfigAddedOrUpdated(std::wstring key, std::wstring value, std::wstring originalValue,
                                            bool isOverridden, bool isDefined, std::wstring valueStoreName,
                                            std::wstring originalValueStoreName, bool deferFire) {
-    callService("ConfigServiceImpl::OnConfigChanged",
-                [key = std::move(key), value = std::move(value), originalValue = std::move(originalValue), isOverridden,
-                 isDefined, valueStoreName = std::move(valueStoreName),
-                 originalValueStoreName = std::move(originalValueStoreName), deferFire](ConfigServiceImpl& service) {
-                    service.OnConfigChanged(key, value, originalValue, isOverridden, isDefined, valueStoreName,
-                                            originalValueStoreName, deferFire);
+    // Shared, and zeroed with its last holder: a task is copied on its way.
+    const auto change = std::make_shared<const ConfigChange>(
+        ConfigChange{std::move(value), std::move(originalValue), isOverridden, isDefined, std::move(valueStoreName),
+                     std::move(originalValueStoreName)});
+    callService("ConfigServiceImpl::OnConfigChanged", {},
+                [key = std::move(key), change, deferFire](ConfigServiceImpl& service) {
+                    service.OnConfigChanged(key, change->value, change->originalValue, change->isOverridden,
+                                            change->isDefined, change->valueStoreName, change->originalValueStoreName,
+                                            deferFire);
                 });
 }
 
 void ConfigAdapter::addServiceEvent(int code, ConfigServiceIdsEnum::ConfigServiceIds id,
                                     ServiceEventSeverityEnum::ServiceEventSeverity severity) {
-    const auto dispatcher = unifiedFactory ? unifiedFactory->getServicesDispatcher() : nullptr;
-    if (!dispatcher) {
+    if (!unifiedFactory) {
         return;
     }
+    const auto dispatcher = unifiedFactory->getServicesDispatcher();
     if (!dispatcher->checkForUpdateAccess()) {
         dispatcher->enqueue(
             std::make_shared<FunctionTask>([this, code, id, severity] { addServiceEvent(code, id, severity); },

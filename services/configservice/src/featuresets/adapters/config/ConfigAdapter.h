@@ -10,6 +10,7 @@
 #include <zel/PowerEventObserver.h>
 
 #include <ConfigFeatureSet.h>
+#include <ConfigServiceExport.h>
 #include <ConfigStoreManager_Observer.h>
 
 #include <atomic>
@@ -17,6 +18,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace ZelUnified {
@@ -32,18 +34,20 @@ class ResetDataCallbackRegistry;
 /// `adapterMutex` serialises start, stop, destroy, refresh and reset; it is the outermost lock, and re-entrant, since a
 /// reset refreshes. Stop holds it while it waits on the services dispatcher, so no task queued there may take it. The
 /// other operations rely on the manager's locks, and read the started flag without one.
-class ConfigAdapter : public FeatureSetAdapter,
-                      public ConfigFeatureSet,
-                      public ConfigStoreManager_Observer,
-                      public ZelSystemMonitor::PowerEventObserver,
-                      public ProviderResetDataCallback,
-                      public std::enable_shared_from_this<ConfigAdapter> {
+class LUMORA_CONFIG_API ConfigAdapter final : public FeatureSetAdapter,
+                                              public ConfigFeatureSet,
+                                              public ConfigStoreManager_Observer,
+                                              public ZelSystemMonitor::PowerEventObserver,
+                                              public ProviderResetDataCallback,
+                                              public std::enable_shared_from_this<ConfigAdapter> {
 public:
-    /// An adapter without a factory and a chain: every operation does nothing. Exists for the type's export.
+    /// An adapter without a factory and a chain, for the type's export. Its operations do nothing, with two exceptions:
+    /// store-added observers can't be registered or unregistered without a chain, and InvokeResetData() still deletes
+    /// the user's files and policy.
     ConfigAdapter();
-    /// Builds the whole chain; nothing is started.
+    /// Builds the whole chain; nothing is started. The chain calls the adapter back from here on, before its own body
+    /// has ended: no class may derive from it.
     explicit ConfigAdapter(std::shared_ptr<UnifiedFactory> factory);
-    ~ConfigAdapter() override;
 
     void StartFeatureSet(unsigned int id, std::shared_ptr<ServiceEventList> events) override;
     void StopFeatureSet(unsigned int id, std::shared_ptr<ServiceEventList> events) override;
@@ -117,9 +121,10 @@ private:
     bool isSwitchedOff(std::wstring_view key) const;
     void setEnabledServicesFromCachedStores();
 
-    /// Makes the call on the services dispatcher's thread: at once when the caller stands there, else later. The call
-    /// gets the service; it is dropped when the service is gone.
-    void callService(const std::string& taskName, std::function<void(ConfigServiceImpl&)> call);
+    /// Makes the call on the services dispatcher's thread: at once when the caller stands there, else later, in a task
+    /// named `taskName` followed by `taskSubject`. The call gets the service; it is dropped when the service is gone.
+    void callService(std::string_view taskName, std::wstring_view taskSubject,
+                     std::function<void(ConfigServiceImpl&)> call);
     void notifyConfigKeyAliases();
 
     const std::shared_ptr<UnifiedFactory> unifiedFactory;

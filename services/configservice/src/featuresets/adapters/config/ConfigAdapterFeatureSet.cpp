@@ -183,9 +183,7 @@ bool ConfigAdapter::isSwitchedOff(std::wstring_view key) const {
 }
 
 void ConfigAdapter::SetEnabledServices() {
-    if (configStoreManager) {
-        enabledServices.SetEnabledServices();
-    }
+    enabledServices.SetEnabledServices();
 }
 
 void ConfigAdapter::setSensitiveKeys() {

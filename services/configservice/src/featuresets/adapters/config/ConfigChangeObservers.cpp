@@ -1,6 +1,13 @@
 #include "ConfigChangeObservers.h"
 
+#include "secure/SecureString.h"
+
 namespace ZelUnified {
+
+ConfigChange::~ConfigChange() {
+    zel::SecureString::wipe(value);
+    zel::SecureString::wipe(originalValue);
+}
 
 void ConfigChangeObservers::add(ConfigStoreManager_Observer* observer) {
     if (observer == nullptr) {

@@ -10,6 +10,9 @@ namespace ZelUnified {
 
 /// What is now true of a key, as observers are told.
 struct ConfigChange {
+    /// Zeroes the values: they may be secrets.
+    ~ConfigChange();
+
     std::wstring value;
     std::wstring originalValue;
     bool isOverridden = false;

@@ -1,6 +1,7 @@
 #include "ConfigLookup.h"
 
 #include "secure/FipsValueOverride.h"
+#include "secure/SecureString.h"
 
 #include <kyr/StringUtils.h>
 
@@ -30,10 +31,10 @@ bool ConfigLookup::lookupInStores(const std::wstring& key, std::wstring& value, 
 
 bool ConfigLookup::getValue(const std::wstring& key, std::wstring& value, std::wstring& configStoreName,
                             bool& valueFromLegacyKey, bool skipLocal, const std::string& storeFilter,
-                            Road& road) const {
+                            FoundUnder& foundUnder) const {
     if (const auto* alias = keyAliases.lookupKeyAlias(key)) {
         if (lookupInStores(*alias, value, configStoreName, skipLocal, storeFilter)) {
-            road = Road::ThroughNewName;
+            foundUnder = FoundUnder::NewName;
             return true;
         }
         if (!lookupInStores(key, value, configStoreName, skipLocal, storeFilter)) {
@@ -49,7 +50,7 @@ bool ConfigLookup::getValue(const std::wstring& key, std::wstring& value, std::w
     if (legacy == nullptr || !lookupInStores(*legacy, value, configStoreName, skipLocal, storeFilter)) {
         return false;
     }
-    road = Road::ThroughOldName;
+    foundUnder = FoundUnder::OldName;
     valueFromLegacyKey = true;
     return true;
 }
@@ -93,6 +94,7 @@ bool ConfigLookup::findOriginalValue(const std::wstring& key, std::wstring& orig
             found = true;
         }
     }
+    zel::SecureString::wipe(writableValue);
     originalValue = std::move(readOnlyValue);
     return hasOverride;
 }

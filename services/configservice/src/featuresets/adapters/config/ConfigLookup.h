@@ -14,17 +14,17 @@ class ConfigLookup {
 public:
     ConfigLookup(const StoreChain& storeChain, const KeyAliases& aliases) : chain(storeChain), keyAliases(aliases) {}
 
-    /// The name under which a key was found.
-    enum class Road { AsAsked, ThroughNewName, ThroughOldName };
+    /// Which name of a key a lookup ended at: the one asked for, or the other one.
+    enum class FoundUnder { AskedName, NewName, OldName };
 
     /// The walk for one exact name. `skipLocal` leaves out the writable stores, a filter all stores but the one it
     /// names. On a miss `value` is empty (but for the FIPS override) and `configStoreName` as it was.
     bool lookupInStores(const std::wstring& key, std::wstring& value, std::wstring& configStoreName, bool skipLocal,
                         const std::string& storeFilter) const;
 
-    /// The lookup under new and old names. `valueFromLegacyKey` is only ever set, `road` only on a hit.
+    /// The lookup under new and old names. `valueFromLegacyKey` is only ever set, `foundUnder` only on a hit.
     bool getValue(const std::wstring& key, std::wstring& value, std::wstring& configStoreName, bool& valueFromLegacyKey,
-                  bool skipLocal, const std::string& storeFilter, Road& road) const;
+                  bool skipLocal, const std::string& storeFilter, FoundUnder& foundUnder) const;
 
     /// What an administrator's source says beneath the user's settings. The result is whether a writable store that
     /// holds the key stands ahead of the first read-only one with a value.

@@ -20,7 +20,29 @@ namespace {
 
 constexpr std::string_view declarationEnd = "?>";
 
-void writeStore(XmlWriter& writer, ConfigStore& store, const ConfigReport::IsSensitive& isSensitive) {
+/// Where the text behind the XML declaration starts. A mark at the very start is no declaration's end; without one the
+/// first byte goes.
+std::size_t startOfContent(const std::string& text) {
+    const auto mark = text.find(declarationEnd);
+    if (mark == std::string::npos) {
+        return 1;
+    }
+    return mark < 2 ? 0 : mark + declarationEnd.size();
+}
+
+} // namespace
+
+std::wstring ConfigReport::describeStores(const StoreChain::Stores& stores, const IsSensitive& isSensitive) {
+    XmlWriter writer(XmlWriter::Declaration::Without);
+    writer.startElement("AllMemoryConfigs");
+    for (const auto& store : stores) {
+        writeStore(writer, *store, isSensitive);
+    }
+    writer.endElement();
+    return toWideString(writer.finish());
+}
+
+void ConfigReport::writeStore(XmlWriter& writer, ConfigStore& store, const IsSensitive& isSensitive) {
     const auto keys = store.getKeys();
     const auto name = store.getName();
     const auto priority = store.getPriority();
@@ -44,31 +66,6 @@ void writeStore(XmlWriter& writer, ConfigStore& store, const ConfigReport::IsSen
         writer.writeElement(toString(key), text);
     }
     writer.endElement();
-}
-
-/// Where the text behind the XML declaration starts. A mark at the very start is no declaration's end; without one the
-/// first byte goes.
-std::size_t startOfContent(const std::string& text) {
-    const auto mark = text.find(declarationEnd);
-    if (mark == std::string::npos) {
-        return 1;
-    }
-    return mark < 2 ? 0 : mark + declarationEnd.size();
-}
-
-} // namespace
-
-std::wstring ConfigReport::describeStores(const StoreChain::Stores& stores, const IsSensitive& isSensitive) {
-    XmlWriter writer(XmlWriter::Declaration::Without);
-    if (!writer.isReady()) {
-        return L"";
-    }
-    writer.startElement("AllMemoryConfigs");
-    for (const auto& store : stores) {
-        writeStore(writer, *store, isSensitive);
-    }
-    writer.endElement();
-    return toWideString(writer.finish());
 }
 
 std::wstring ConfigReport::readDataFiles() {

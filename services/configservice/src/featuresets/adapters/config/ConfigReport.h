@@ -7,6 +7,8 @@
 
 namespace ZelUnified {
 
+class XmlWriter;
+
 /// The parts of the XML text that is attached to a problem report: what every store says, without the sensitive keys,
 /// and the data files of other services as they stand on disk.
 class ConfigReport {
@@ -20,6 +22,9 @@ public:
     /// The data files without their XML declarations. One that can't be read is logged and left out. An empty one
     /// raises std::out_of_range.
     static std::wstring readDataFiles();
+
+private:
+    static void writeStore(XmlWriter& writer, ConfigStore& store, const IsSensitive& isSensitive);
 };
 
 } // namespace ZelUnified

@@ -2,6 +2,7 @@
 
 #include "CachedConfigFiles.h"
 #include "ConfigStoreManagerLogger.h"
+#include "secure/SecureString.h"
 
 #include <kyr/StringUtils.h>
 
@@ -25,8 +26,6 @@ ConfigStoreManager::ConfigStoreManager(std::shared_ptr<UnifiedFactory> factory)
     ZelLog(configStoreManagerLogger(), ZelLogLevel::Info, ZEL_HERE,
            "Creating a new instance of the ConfigStoreManager.");
 }
-
-ConfigStoreManager::~ConfigStoreManager() = default;
 
 void ConfigStoreManager::addStore(const std::shared_ptr<ConfigStore>& store) {
     const std::lock_guard lock(chainLock);
@@ -213,6 +212,7 @@ ConfigChange ConfigStoreManager::readConfigChange(const std::wstring& key) const
     const bool hasOverride =
         getOriginalValue(key, change.originalValue, change.originalValueStoreName, originalFromLegacyKey);
     if (valueFromLegacyKey && !originalFromLegacyKey && hasOverride) {
+        zel::SecureString::wipe(change.value);
         change.value = change.originalValue;
         return change;
     }
@@ -223,7 +223,9 @@ ConfigChange ConfigStoreManager::readConfigChange(const std::wstring& key) const
 bool ConfigStoreManager::isHeld(const std::wstring& key) const {
     std::wstring value;
     std::wstring storeName;
-    return lookup.lookupInStores(key, value, storeName, false, "");
+    const bool held = lookup.lookupInStores(key, value, storeName, false, "");
+    zel::SecureString::wipe(value);
+    return held;
 }
 
 } // namespace ZelUnified

@@ -30,9 +30,6 @@ namespace ZelUnified {
 class ConfigStoreManager {
 public:
     explicit ConfigStoreManager(std::shared_ptr<UnifiedFactory> factory);
-    ~ConfigStoreManager();
-    ConfigStoreManager(const ConfigStoreManager&) = delete;
-    ConfigStoreManager& operator=(const ConfigStoreManager&) = delete;
 
     /// Puts the store in the chain and announces its keys: all changes first, then that they may be shown. A store of a
     /// known name takes the place of the old one. A null store is ignored.
@@ -62,7 +59,8 @@ public:
     ConfigMap getKeyAliases() const;
 
     /// The value in force. `skipLocal` leaves out the writable stores; a filter leaves out all stores but the one it
-    /// names. `valueFromLegacyKey` is only ever set. On a miss `value` is empty, the rest as it was.
+    /// names. `valueFromLegacyKey` is only ever set. On a miss `value` is empty (but for the FIPS override), the rest
+    /// as it was.
     bool getValue(const std::wstring& key, std::wstring& value, std::wstring& configStoreName, bool& valueFromLegacyKey,
                   bool skipLocal, const std::string& storeFilter) const;
     bool getValue(const std::wstring& key, std::wstring& value) const;

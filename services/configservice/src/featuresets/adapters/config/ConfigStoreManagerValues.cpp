@@ -6,6 +6,7 @@
 #include "ConfigReport.h"
 #include "ConfigStoreManager.h"
 #include "ConfigStoreManagerLogger.h"
+#include "StorePriorities.h"
 #include "UrlProvisioningData.h"
 
 #include <kyr/StringUtils.h>
@@ -25,17 +26,16 @@ using KyrCoreUtils::toWideString;
 
 namespace {
 
-constexpr int urlProvisioningPriority = 499;
-
 /// What the log says of a key that was found under another name than the one asked for.
-std::wstring describeRoad(ConfigLookup::Road road, const KeyAliases& keyAliases, const std::wstring& key) {
-    switch (road) {
-    case ConfigLookup::Road::ThroughNewName:
+std::wstring describeRenaming(ConfigLookup::FoundUnder foundUnder, const KeyAliases& keyAliases,
+                              const std::wstring& key) {
+    switch (foundUnder) {
+    case ConfigLookup::FoundUnder::NewName:
         return L"is an alias. Key has been renamed. Actual lookup done on key name: [" +
                *keyAliases.lookupKeyAlias(key) + L"] - ";
-    case ConfigLookup::Road::ThroughOldName:
+    case ConfigLookup::FoundUnder::OldName:
         return L"did not exist. actual lookup done on legacy key name : [" + *keyAliases.lookupLegacyKey(key) + L"] - ";
-    case ConfigLookup::Road::AsAsked:
+    case ConfigLookup::FoundUnder::AskedName:
         break;
     }
     return L"";
@@ -62,17 +62,20 @@ bool isSparedByReset(const std::string& name) {
 bool ConfigStoreManager::getValue(const std::wstring& key, std::wstring& value, std::wstring& configStoreName,
                                   bool& valueFromLegacyKey, bool skipLocal, const std::string& storeFilter) const {
     const std::lock_guard lock(chainLock);
-    auto road = ConfigLookup::Road::AsAsked;
-    const bool found = lookup.getValue(key, value, configStoreName, valueFromLegacyKey, skipLocal, storeFilter, road);
+    auto foundUnder = ConfigLookup::FoundUnder::AskedName;
+    std::wstring answer; // the caller may hand in one string for key and value
+    const bool found =
+        lookup.getValue(key, answer, configStoreName, valueFromLegacyKey, skipLocal, storeFilter, foundUnder);
     const auto shown = toWideString(
-        ZelLogger_replacePIIData(toString(isSensitiveKey(key) ? ConfigKeys::valueHidden : std::wstring_view(value))));
+        ZelLogger_replacePIIData(toString(isSensitiveKey(key) ? ConfigKeys::valueHidden : std::wstring_view(answer))));
     if (ZelLog_isDebugEnabled(configStoreManagerLogger())) {
         std::wostringstream text;
-        text << L"key : [" << key << L"] " << describeRoad(road, keyAliases, key) << L"skipLocal : [" << skipLocal
-             << L"]  value: [" << shown << L"] success: [" << (found ? L"true" : L"false") << L"] configStoreName: ["
-             << configStoreName << L"]";
+        text << L"key : [" << key << L"] " << describeRenaming(foundUnder, keyAliases, key) << L"skipLocal : ["
+             << skipLocal << L"]  value: [" << shown << L"] success: [" << (found ? L"true" : L"false")
+             << L"] configStoreName: [" << configStoreName << L"]";
         ZelLog(configStoreManagerLogger(), ZelLogLevel::Debug, ZEL_HERE, text.str());
     }
+    value = std::move(answer);
     return found;
 }
 
@@ -178,8 +181,8 @@ bool ConfigStoreManager::setUrlProvisioningData(const std::wstring& url) {
         return false;
     }
     const std::string name(ConfigKeys::urlProvisioningConfigStore);
-    addStore(std::make_shared<CacheConfigStore>(
-        name, urlProvisioningPriority, CachedConfigFiles::getPath(CachedConfigFiles::getFileName(name)), settings));
+    addStore(std::make_shared<CacheConfigStore>(name, StorePriorities::urlProvisioning,
+                                                CachedConfigFiles::getPathOfCopy(name), settings));
     // Provisioning works once: from here on the user's file forbids another.
     storeValue(std::wstring(ConfigKeys::allowUrlProvisioning), L"False");
     return true;

@@ -23,6 +23,9 @@ constexpr std::wstring_view voicemailEnabledKey = L"Voicemail_Enabled";
 } // namespace
 
 void EnabledServices::SetEnabledServices() {
+    if (!configStoreManager) {
+        return;
+    }
     SetTelephonyEnabled();
     SetVoicemailEnabled();
     SetMeetingsEnabled();

@@ -15,10 +15,7 @@ public:
     explicit EnabledServices(std::shared_ptr<ConfigStoreManager> storeManager)
         : configStoreManager(std::move(storeManager)) {}
 
-    void SetTelephonyEnabled();
-    void SetVoicemailEnabled();
-    void SetMeetingsEnabled();
-    /// All three, in this order.
+    /// Telephony, voicemail and meetings, in this order. Nothing without a manager.
     void SetEnabledServices();
 
     /// Whether a cached copy of a server's store lies on disk. Without one, as on a first run, the flags are left
@@ -26,6 +23,12 @@ public:
     static bool shouldSetEnabledServicesBasedOnCachedStores();
 
 private:
+    void SetTelephonyEnabled();
+    void SetVoicemailEnabled();
+    void SetMeetingsEnabled();
+    /// "STARTUP_AUTHENTICATION_REQUIRED" is never derived.
+    void SetStartupAuthenticationRequiredEnabled() {}
+
     /// Whether the flag is to be derived; logs who set it otherwise.
     bool isLeftToDerivation(std::wstring_view flagKey) const;
     bool isAnySet(std::wstring_view firstKey, std::wstring_view secondKey) const;
@@ -33,7 +36,7 @@ private:
     std::wstring read(std::wstring_view key) const;
     void setFlag(std::wstring_view flagKey, const std::string& logPrefix, bool flag);
 
-    const std::shared_ptr<ConfigStoreManager> configStoreManager;
+    const std::shared_ptr<ConfigStoreManager> configStoreManager; ///< Null in an adapter without a factory.
 };
 
 } // namespace ZelUnified

@@ -11,7 +11,7 @@ InMemoryConfigStore::InMemoryConfigStore(std::string storeName, int storePriorit
     : name(std::move(storeName)), priority(storePriority) {}
 
 bool InMemoryConfigStore::getValue(const std::wstring& key, std::wstring& value) {
-    const std::lock_guard lock(valuesMutex);
+    const zel::Mutex::ScopedLock lock(valuesMutex);
     const auto found = values.find(key);
     if (found == values.end()) {
         value.clear();
@@ -24,23 +24,23 @@ bool InMemoryConfigStore::getValue(const std::wstring& key, std::wstring& value)
 }
 
 bool InMemoryConfigStore::storeValue(const std::wstring& key, const std::wstring& value) {
-    const std::lock_guard lock(valuesMutex);
+    const zel::Mutex::ScopedLock lock(valuesMutex);
     values.insert_or_assign(key, value);
     return true;
 }
 
 std::vector<std::wstring> InMemoryConfigStore::getKeys() {
-    const std::lock_guard lock(valuesMutex);
+    const zel::Mutex::ScopedLock lock(valuesMutex);
     return keysOf(values);
 }
 
 bool InMemoryConfigStore::removeValue(const std::wstring& key) {
-    const std::lock_guard lock(valuesMutex);
+    const zel::Mutex::ScopedLock lock(valuesMutex);
     return values.erase(key) > 0;
 }
 
 void InMemoryConfigStore::removeAllValues() {
-    const std::lock_guard lock(valuesMutex);
+    const zel::Mutex::ScopedLock lock(valuesMutex);
     values.clear();
 }
 

@@ -11,6 +11,7 @@
 #include <secure/FipsValueOverride.h>
 #include <secure/SecureBuffer.h>
 #include <secure/SecureString.h>
+#include <secure/StackWiper.h>
 #include <services/impl/ConfigFileCacheTimer.h>
 #include <services/impl/ConfigFileCacheTimerCallBack.h>
 
@@ -148,6 +149,7 @@ void LocalFileConfigStore::setInterval(int milliseconds) {
 }
 
 bool LocalFileConfigStore::readFromEncryptedFile() {
+    const zel::StackWiper wiper;
     const zel::Mutex::ScopedLock fileLock(fileMutex);
     const zel::Mutex::ScopedLock valuesLock(valuesMutex);
     zel::SecureString content;
@@ -242,6 +244,7 @@ void LocalFileConfigStore::persistValues() {
 }
 
 void LocalFileConfigStore::persistValuesImpl(const std::string& target) {
+    const zel::StackWiper wiper;
     const zel::Mutex::ScopedLock fileLock(fileMutex);
     if (!checkIfGoodToWrite(target, false)) {
         if (checkIfGoodToWrite(target, true)) {

@@ -94,9 +94,6 @@ std::wstring LocalFileDocument::migrateKey(const std::wstring& key) {
 
 void LocalFileDocument::write(const ConfigMap& table, zel::SecureString& content) {
     XmlWriter writer;
-    if (!writer.isReady()) {
-        return;
-    }
     writer.startElement("Lumora");
     for (const auto& [key, value] : table) {
         writer.startElement("userConfig");
@@ -105,6 +102,9 @@ void LocalFileDocument::write(const ConfigMap& table, zel::SecureString& content
         writer.endElement();
     }
     std::string text = writer.finish();
+    if (text.empty()) {
+        return;
+    }
     content = zel::SecureString(text);
     zel::SecureString::wipe(text);
 }

@@ -20,7 +20,7 @@ public:
 
     void read(const XmlDocument& document);
 
-    /// Makes the document of `table`. Leaves `content` as it was when the library fails.
+    /// Makes the document of `table`.
     static void write(const ConfigMap& table, zel::SecureString& content);
 
     /// The key under which `key` is kept: an old name gives way to its successor.

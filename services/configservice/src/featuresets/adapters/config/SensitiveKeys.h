@@ -7,7 +7,7 @@
 
 namespace ZelUnified {
 
-/// The keys whose values are never shown. Any thread.
+/// The keys whose values are never shown, ignoring case. Any thread.
 class SensitiveKeys {
 public:
     void add(const std::wstring& key) {
@@ -21,7 +21,7 @@ public:
     }
 
 private:
-    mutable std::mutex sensitiveKeysLock;
+    mutable std::recursive_mutex sensitiveKeysLock; ///< Recursive, as all locks of the manager.
     ConfigKeySet sensitiveKeys;
 };
 

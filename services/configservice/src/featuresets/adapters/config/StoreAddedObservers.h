@@ -28,7 +28,7 @@ private:
     std::list<std::shared_ptr<ConfigStoreAddedObserver>> getLiving() const;
 
     const std::shared_ptr<UnifiedFactory> unifiedFactory;
-    mutable std::mutex storeAddedObserversLock;
+    mutable std::recursive_mutex storeAddedObserversLock; ///< Recursive, as all locks of the manager.
     std::list<std::weak_ptr<ConfigStoreAddedObserver>> storeAddedObservers;
 };
 

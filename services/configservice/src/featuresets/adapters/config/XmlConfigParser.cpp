@@ -16,6 +16,7 @@
 #include <secure/FipsValueOverride.h>
 #include <secure/SecureBuffer.h>
 #include <secure/SecureString.h>
+#include <secure/StackWiper.h>
 
 #include <filesystem>
 #include <fstream>
@@ -99,7 +100,7 @@ bool build(const ConfigMap& values, std::string& xml) {
         zel::SecureString::wipe(text);
     }
     xml = writer.finish();
-    return true;
+    return !xml.empty();
 }
 
 bool holdsOnlyText(const xmlNode& element) {
@@ -109,6 +110,14 @@ bool holdsOnlyText(const xmlNode& element) {
         }
     }
     return true;
+}
+
+std::size_t textLength(const xmlNode& element) {
+    std::size_t length = 0;
+    for (const xmlNode* child = element.children; child != nullptr; child = child->next) {
+        length += static_cast<std::size_t>(xmlStrlen(child->content));
+    }
+    return length;
 }
 
 bool isSensitive(const xmlNode& element) {
@@ -132,6 +141,7 @@ bool XmlConfigParser::readFromFile(const std::string& path, ConfigMap& values, C
 }
 
 bool XmlConfigParser::readFromEncryptedFile(const std::string& path, ConfigMap& values, ConfigKeySet& sensitiveKeys) {
+    const zel::StackWiper wiper;
     values.clear();
     zel::SecureString content;
     if (!EncryptFileUtils::readDataFromFile(path, content, categoryOf(path))) {
@@ -175,6 +185,7 @@ bool XmlConfigParser::writeToFile(const std::string& path, const std::string& xm
 }
 
 bool XmlConfigParser::writeToFile(const std::string& path, const ConfigMap& values) {
+    const zel::StackWiper wiper;
     ensureParentDirectory(path);
     std::string text;
     if (!build(values, text)) {
@@ -243,6 +254,7 @@ std::string XmlConfigParser::extractStringFromXmlNode(XmlScrubber& scrubber, xml
     }
     const bool scrubs = isSensitive(element);
     std::string text;
+    text.reserve(textLength(element)); // growing would leave copies behind
     for (xmlNode* child = element.children; child != nullptr; child = child->next) {
         if (child->content != nullptr) {
             text += reinterpret_cast<const char*>(child->content);

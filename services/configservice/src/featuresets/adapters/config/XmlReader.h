@@ -18,16 +18,16 @@ public:
     static constexpr std::size_t sizeLimit = 64U * 1024 * 1024;
 
     static XmlDocument readFile(const std::string& path);
-    /// The document shares nothing with others: its texts are not in a dictionary.
+    /// The document shares nothing with others: its texts are not in a dictionary. A text with a zero in it gives none.
     static XmlDocument parseDoc(const std::string& text);
     static XmlDocument readMemory(const std::string& text, const std::string& url);
 
     static std::string getName(const xmlNode& node);
     static std::string getName(const xmlAttr& attribute);
+
     /// What the entities of one document's attributes may expand to, in bytes and steps together. The library itself
     /// sets no limit to nested entities there.
-    static constexpr std::size_t expansionLimit = 10'000'000;
-
+    static constexpr std::size_t expansionLimit = 1'000'000;
     /// The text with its entities resolved, which `budget` pays for; nothing when it does not suffice.
     static std::optional<std::string> getText(const xmlAttr& attribute, std::size_t& budget);
 };

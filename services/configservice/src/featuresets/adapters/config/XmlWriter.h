@@ -1,15 +1,15 @@
 #pragma once
 
-#include "XmlBuffer.h"
-
 #include <libxml/xmlwriter.h>
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 namespace ZelUnified {
 
-/// Builds one document in memory with libxml2's text writer: UTF-8, indented. The memory is zeroed at the end.
+/// Builds one document in memory with libxml2's text writer: UTF-8, indented. Texts may be secrets: they pass through
+/// the library in pieces that are zeroed, and so is the document at the end.
 class XmlWriter {
 public:
     enum class Declaration { With, Without };
@@ -19,15 +19,18 @@ public:
     XmlWriter(const XmlWriter&) = delete;
     XmlWriter& operator=(const XmlWriter&) = delete;
 
-    /// False when the library could not give what is needed; nothing may be written then.
+    /// False when the library could not give what is needed; nothing comes of what is written then.
     bool isReady() const { return writer != nullptr; }
 
+    /// Names are not checked.
     void startElement(const std::string& name);
     void endElement();
-    /// An element with a text. The name is not checked; the text is to be free of illegal characters.
+    /// An element with a text, which is to be free of illegal characters. Without a name it is left out.
     void writeElement(const std::string& name, const std::string& text);
+    /// Right behind startElement().
     void writeAttribute(const std::string& name, const std::string& text);
-    /// Ends all that is open and gives the document. Call once.
+    /// Ends all that is open and gives the document, which is the caller's to wipe, or nothing when a part of it could
+    /// not be written. Call once.
     std::string finish();
 
     /// Puts U+FFFD in the place of each character that XML 1.0 can't carry, NUL included: one of them would make the
@@ -35,12 +38,21 @@ public:
     static bool replaceIllegalCharacters(std::string& utf8);
 
 private:
+    using Escape = std::string_view (*)(char character);
+
     struct WriterDeleter {
         void operator()(xmlTextWriter* released) const { xmlFreeTextWriter(released); }
     };
 
-    // The writer goes before the buffer that it writes into.
-    XmlBuffer buffer;
+    /// Remembers the failure that the library's answer tells of.
+    void note(int written) { failed = failed || written < 0; }
+    void writeEscaped(std::string_view text, Escape escape);
+    void writePiece(std::string_view piece);
+
+    bool failed = false;
+    // The writer goes before what it writes into.
+    std::string document;
+    xmlOutputBuffer* output = nullptr; ///< The writer's.
     std::unique_ptr<xmlTextWriter, WriterDeleter> writer;
 };
 

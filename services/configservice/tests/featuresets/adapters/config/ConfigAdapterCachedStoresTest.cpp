@@ -3,8 +3,6 @@
 namespace ZelUnified {
 
 using testing::Contains;
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 class ConfigAdapterCachedStores : public ConfigAdapterFixture {
 protected:
@@ -25,6 +23,14 @@ TEST_F(ConfigAdapterCachedStores, ArrivalLeavesACopyAndARecord) {
     EXPECT_EQ(record(), L"TftpStore:41;");
     EXPECT_TRUE(std::filesystem::exists(cacheFile("TftpStore")));
     EXPECT_FALSE(inChain("cachedTftpStore.dat"));
+}
+
+TEST_F(ConfigAdapterCachedStores, LiveStoreNamedAfterTheFileLeavesTheChainButNotTheFile) {
+    loadAndStart();
+    adapter->addConfigStore(makeReadOnlyStore("cachedTftpStore.dat", 41, {{L"k", L"live"}}));
+    adapter->addConfigStore(makeCachingStore("TftpStore", 40, {{L"k", L"v"}}));
+    EXPECT_FALSE(inChain("cachedTftpStore.dat"));
+    EXPECT_TRUE(std::filesystem::exists(cacheFile("TftpStore")));
 }
 
 TEST_F(ConfigAdapterCachedStores, StoreThatDoesNotAskLeavesNothing) {
@@ -59,9 +65,12 @@ TEST_F(ConfigAdapterCachedStores, LiveStoreTakesThePlaceOfItsCopy) {
 }
 
 TEST_F(ConfigAdapterCachedStores, KeyWithoutAnAnswerIsLeftOutAndAnEmptyOneIsCopied) {
-    givenEarlierRunWith(makeCachingStore("TftpStore", 40, {{L"empty", L""}}));
+    const auto store = makeCachingStore("TftpStore", 40, {{L"empty", L""}, {L"silent", L"v"}});
+    store->unanswered.insert(L"silent");
+    givenEarlierRunWith(store);
     load();
     EXPECT_EQ(valueOf(L"empty"), L"");
+    EXPECT_EQ(valueOf(L"silent"), L"(none)");
 }
 
 TEST_F(ConfigAdapterCachedStores, PriorityThatIsNoNumberBecomes240) {
@@ -69,6 +78,16 @@ TEST_F(ConfigAdapterCachedStores, PriorityThatIsNoNumberBecomes240) {
     load();
     EXPECT_EQ(priorityOf("A"), 240);
     EXPECT_FALSE(inChain("B"));
+}
+
+TEST_F(ConfigAdapterCachedStores, NameThatLeadsOutOfTheFolderIsNoStore) {
+    givenRecord(L"/../x:1;a\\..\\x:2;Corp/Policy:3;..x:4;a..b:5;");
+    load();
+    EXPECT_FALSE(inChain("/../x"));
+    EXPECT_FALSE(inChain("a\\..\\x"));
+    for (const auto* name : {"Corp/Policy", "..x", "a..b"}) {
+        EXPECT_TRUE(inChain(name)) << name;
+    }
 }
 
 TEST_F(ConfigAdapterCachedStores, MissingCopyJoinsTheChainEmpty) {
@@ -123,8 +142,10 @@ TEST_F(ConfigAdapterCachedStores, DeviceManagementForbidsTheProvisioningStoreAtA
     adapter->refreshConfigFeatureSet();
     EXPECT_FALSE(inChain("UrlProvisioningConfigStore"));
     EXPECT_FALSE(std::filesystem::exists(cacheFile("UrlProvisioningConfigStore")));
-    EXPECT_EQ(countLogged("Url Provisioning not allowed by MDM configuration, removing cached URL provisioning store"),
-              1);
+    const std::string line =
+        "Url Provisioning not allowed by MDM configuration, removing cached URL provisioning store";
+    EXPECT_EQ(countLogged(line), 1);
+    EXPECT_EQ(levelOf(line), ZelLogLevel::Info);
 }
 
 TEST_F(ConfigAdapterCachedStores, UnstartedRefreshRefusesToRemoveTheProvisioningStore) {

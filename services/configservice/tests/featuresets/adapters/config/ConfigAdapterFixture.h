@@ -113,6 +113,16 @@ protected:
     }
 
     std::vector<std::string> logged() const { return log.getTexts(loggerName); }
+    /// The level of the first line of that text; fails the test when there is none.
+    ZelLogLevel levelOf(const std::string& text) const {
+        for (const auto& record : log.getRecords()) {
+            if (record.logger == loggerName && record.text == text) {
+                return record.level;
+            }
+        }
+        ADD_FAILURE() << "no line: " << text;
+        return ZelLogLevel::Debug;
+    }
     long countLogged(const std::string& text) const {
         const auto lines = logged();
         return std::count(lines.begin(), lines.end(), text);

@@ -6,7 +6,6 @@
 namespace ZelUnified {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 class ConfigAdapterInitialStores : public ConfigAdapterFixture {
 protected:
@@ -115,6 +114,34 @@ TEST_F(ConfigAdapterInitialStores, EachStoreWinsOverAllThatStandBehindIt) {
     }
     EXPECT_EQ(valueOf(L"k"), L"(none)");
     EXPECT_FALSE(service->getConfig(L"k")->getisDefined());
+}
+
+TEST_F(ConfigAdapterInitialStores, EachReadOfTheirConstructionIsGuarded) {
+    givenDefaults({{L"PrimaryConfigStores", L"A:1;B:2;"}});
+    load();
+    // The SDK mode is asked for the user's store and for each of the two copies.
+    EXPECT_EQ(countLogged("Config FeatureSet Not Started"), 3);
+    EXPECT_EQ(levelOf("Config FeatureSet Not Started"), ZelLogLevel::Error);
+    log.clear();
+    start();
+    adapter->refreshConfigFeatureSet();
+    EXPECT_EQ(countLogged("Config FeatureSet Not Started"), 0);
+}
+
+TEST_F(ConfigAdapterInitialStores, AreToldOfInDebugLines) {
+    load();
+    EXPECT_EQ(countLogged("adding initial config stores"), 0);
+    EXPECT_EQ(countLogged("adding cached config stores"), 0);
+    unload();
+    const testing_host::LogRecorder debugLog(testing_host::LogRecorder::Debug::On);
+    load();
+    std::vector<std::string> lines;
+    for (const auto& record : debugLog.getRecords()) {
+        if (record.logger == loggerName && record.level == ZelLogLevel::Debug) {
+            lines.push_back(record.text);
+        }
+    }
+    EXPECT_THAT(lines, ElementsAre("adding initial config stores", "adding cached config stores"));
 }
 
 } // namespace ZelUnified

@@ -1,13 +1,12 @@
 #include "ConfigAdapterFixture.h"
 #include "FakeSystemService.h"
+#include "StepwiseServicesDispatcher.h"
 
 namespace ZelUnified {
 
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::IsSupersetOf;
-using testing::Not;
 
 class ConfigAdapterLifecycle : public ConfigAdapterFixture {};
 
@@ -22,6 +21,7 @@ TEST_F(ConfigAdapterLifecycle, ConstructionBuildsTheChainAndStartsNothing) {
     EXPECT_EQ(recordOf(L"k"), L"default");
     EXPECT_THAT(monitor->observers, IsEmpty());
     EXPECT_EQ(logged().front(), "Creating a new instance of the ConfigAdapter.");
+    EXPECT_EQ(levelOf("Creating a new instance of the ConfigAdapter."), ZelLogLevel::Info);
 }
 
 TEST_F(ConfigAdapterLifecycle, StartWithAnotherIdDoesNothing) {
@@ -46,6 +46,7 @@ TEST_F(ConfigAdapterLifecycle, SecondStartRegistersNothingAgain) {
     EXPECT_EQ(systemService->callbacks->added.size(), 1U);
     EXPECT_EQ(monitor->observers.size(), 1U);
     EXPECT_EQ(countLogged("starting config feature set"), 2);
+    EXPECT_EQ(levelOf("starting config feature set"), ZelLogLevel::Info);
 }
 
 TEST_F(ConfigAdapterLifecycle, ResetCallbackIsRegisteredAtOnceOnTheServicesDispatcher) {
@@ -79,6 +80,7 @@ TEST_F(ConfigAdapterLifecycle, StopWithoutStartDoesNotTouchTheChain) {
     adapter->StopFeatureSet(1300, nullptr);
     EXPECT_TRUE(inChain("RegistryConfigStore"));
     EXPECT_EQ(countLogged("stopping config feature set"), 1);
+    EXPECT_EQ(levelOf("stopping config feature set"), ZelLogLevel::Info);
 }
 
 TEST_F(ConfigAdapterLifecycle, StopWithAnotherIdDoesNothing) {
@@ -103,6 +105,18 @@ TEST_F(ConfigAdapterLifecycle, StopDropsWhatIsNotLocal) {
     }
     EXPECT_THAT(monitor->observers, IsEmpty());
     EXPECT_FALSE(service->getConfig(L"k")->getisDefined());
+}
+
+TEST_F(ConfigAdapterLifecycle, StopWaitsForTheServicesDispatcherToDropThem) {
+    const auto stepwise = std::make_shared<StepwiseFactory>();
+    factory = stepwise;
+    loadAndStart();
+    stepwise->dispatcher->access = false;
+    adapter->StopFeatureSet(1300, nullptr);
+    EXPECT_THAT(stepwise->dispatcher->waitedFor, ElementsAre("ConfigStoreManager::reset"));
+    EXPECT_FALSE(inChain("RegistryConfigStore"));
+    stepwise->dispatcher->access = true;
+    stepwise->dispatcher->posted.clear();
 }
 
 TEST_F(ConfigAdapterLifecycle, StartAfterStopBringsBackTheUsersStoreButNotTheRegistry) {
@@ -164,7 +178,9 @@ TEST_F(ConfigAdapterLifecycle, PowerDownDestroysAndALaterStopDoesNothing) {
     loadAndStart();
     monitor->announce(ZelSystemMonitor::PowerEventTypeEnum::PowerDown);
     EXPECT_FALSE(adapter->IsFeatureSetStarted(1300));
-    EXPECT_EQ(countLogged("Config adapter received a power down event. Calling destroy on configAdapter"), 1);
+    const std::string line = "Config adapter received a power down event. Calling destroy on configAdapter";
+    EXPECT_EQ(countLogged(line), 1);
+    EXPECT_EQ(levelOf(line), ZelLogLevel::Info);
     adapter->StopFeatureSet(1300, nullptr);
     EXPECT_EQ(monitor->observers.size(), 1U);
     EXPECT_TRUE(inChain("RegistryConfigStore"));
@@ -172,7 +188,7 @@ TEST_F(ConfigAdapterLifecycle, PowerDownDestroysAndALaterStopDoesNothing) {
 
 TEST_F(ConfigAdapterLifecycle, OtherPowerEventsChangeNothing) {
     loadAndStart();
-    for (const int type : {0, 1, 2}) {
+    for (const int type : {0, 1, 2, 4}) {
         monitor->announce(static_cast<ZelSystemMonitor::PowerEventTypeEnum::PowerEventType>(type));
     }
     EXPECT_TRUE(adapter->IsFeatureSetStarted(1300));

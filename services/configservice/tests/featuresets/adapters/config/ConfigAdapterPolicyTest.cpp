@@ -1,8 +1,31 @@
 #include "ConfigAdapterFixture.h"
+#include "StepwiseServicesDispatcher.h"
 
 namespace ZelUnified {
 
 using testing::ElementsAre;
+
+namespace {
+
+/// Notes down the keys of the records it follows, as their values change.
+class KeyRecorder final : public ConfigValueObserver {
+public:
+    KeyRecorder(std::wstring followedKey, std::vector<std::wstring>& changedKeys)
+        : key(std::move(followedKey)), changed(changedKeys) {}
+    void OnKeyChanged() override {}
+    void OnValueChanged() override { changed.push_back(key); }
+    void OnOriginalValueChanged() override {}
+    void OnisOverriddenChanged() override {}
+    void OnisDefinedChanged() override {}
+    void OnValueStoreNameChanged() override {}
+    void OnOriginalValueStoreNameChanged() override {}
+
+private:
+    const std::wstring key;
+    std::vector<std::wstring>& changed;
+};
+
+} // namespace
 
 class ConfigAdapterPolicy : public ConfigAdapterFixture {
 protected:
@@ -23,6 +46,24 @@ TEST_F(ConfigAdapterPolicy, NineKeysAreSensitiveFromTheStart) {
     }
     EXPECT_TRUE(adapter->isKeySensitive(L"CONNECTIONPASSWORD"));
     EXPECT_FALSE(adapter->isKeySensitive(L"Additional_Info"));
+}
+
+TEST_F(ConfigAdapterPolicy, SensitiveKeysAreMarkedInTheirOrder) {
+    const auto stepwise = std::make_shared<StepwiseFactory>();
+    factory = stepwise;
+    stepwise->dispatcher->access = false;
+    load();
+    EXPECT_EQ(stepwise->dispatcher->step(), "ConfigServiceImpl::setupConfigKeyAliases");
+    for (const auto* key : {L"Initial_Info", L"Addtional_Info", L"connectionpassword", L"connectionusername",
+                            L"BDIConnectionPassword", L"BDIConnectionUsername", L"BDIConnectionUserDn",
+                            L"Mrx_MeetingList_OfflineData", L"Mrx_MeetingList_OnlineData"}) {
+        EXPECT_FALSE(service->isKeySensitive(key));
+        EXPECT_EQ(stepwise->dispatcher->step(), "ConfigServiceImpl::OnConfigChanged");
+        EXPECT_TRUE(service->isKeySensitive(key));
+    }
+    while (!stepwise->dispatcher->posted.empty()) {
+        stepwise->dispatcher->step();
+    }
 }
 
 TEST_F(ConfigAdapterPolicy, SensitiveKeyReachesTheService) {
@@ -50,6 +91,22 @@ TEST_F(ConfigAdapterPolicy, ArrivingSwitchesTakeTheUsersServersAway) {
     EXPECT_EQ(valueOf(L"TFTPPrimaryServer"), L"(none)");
     EXPECT_EQ(valueOf(L"SabrelServer1"), L"(none)");
     EXPECT_EQ(valueOf(L"CtiServer1"), L"admin");
+}
+
+TEST_F(ConfigAdapterPolicy, ServersGoInTheirOrderTheVoicemailServerFirst) {
+    loadAndStart();
+    givenUsersServers();
+    std::vector<std::wstring> changed;
+    std::vector<std::shared_ptr<KeyRecorder>> recorders;
+    for (const auto* key :
+         {L"DeviceAuthenticationPrimaryServer", L"CTIPrimaryServer", L"TFTPPrimaryServer", L"VoicemailPrimaryServer"}) {
+        recorders.push_back(std::make_shared<KeyRecorder>(key, changed));
+        service->getConfig(key)->addObserver(std::weak_ptr<ConfigValueObserver>(recorders.back()));
+    }
+    adapter->addConfigStore(makeReadOnlyStore(
+        "Admin", 100, {{L"Customize_Voicemail_Server", L"false"}, {L"Customize_Phone_Server", L"false"}}));
+    EXPECT_THAT(changed, ElementsAre(L"VoicemailPrimaryServer", L"TFTPPrimaryServer", L"CTIPrimaryServer",
+                                     L"DeviceAuthenticationPrimaryServer"));
 }
 
 TEST_F(ConfigAdapterPolicy, OneSwitchTakesItsOwnServersOnly) {
@@ -80,6 +137,30 @@ TEST_F(ConfigAdapterPolicy, FlagsOfAnArrivalSeeTheServersGone) {
     adapter->setConfig(L"CtiServer1", L"mine");
     adapter->addConfigStore(makeReadOnlyStore("TftpConfigStore", 100, {{L"Customize_Phone_Server", L"false"}}));
     EXPECT_EQ(adapter->getValueFromConfigStore("InMemoryConfigStore", L"Telephony_Enabled"), L"false");
+}
+
+TEST_F(ConfigAdapterPolicy, FlagsOfTheConstructionSeeTheServersGone) {
+    givenDefaults({{L"Telephony_Enabled", L"true"}});
+    loadAndStart();
+    adapter->setConfig(L"CtiServer1", L"mine");
+    unload();
+    testing_host::writeFile(cacheFile("TftpConfigStore"), "x");
+    givenPolicy(L"Customize_Phone_Server", L"false");
+    load();
+    EXPECT_EQ(valueOf(L"CtiServer1"), L"(none)");
+    EXPECT_EQ(adapter->getValueFromConfigStore("InMemoryConfigStore", L"Telephony_Enabled"), L"false");
+}
+
+TEST_F(ConfigAdapterPolicy, FlagsOfARefreshStillSeeTheServers) {
+    givenDefaults({{L"Telephony_Enabled", L"false"}});
+    loadAndStart();
+    adapter->setConfig(L"CtiServer1", L"mine");
+    factory->backgroundDispatcher->runAll();
+    testing_host::writeFile(cacheFile("TftpConfigStore"), "x");
+    givenPolicy(L"Customize_Phone_Server", L"false");
+    adapter->refreshConfigFeatureSet();
+    EXPECT_EQ(valueOf(L"CtiServer1"), L"(none)");
+    EXPECT_EQ(adapter->getValueFromConfigStore("InMemoryConfigStore", L"Telephony_Enabled"), L"true");
 }
 
 TEST_F(ConfigAdapterPolicy, OneStoresWordIsReadAlone) {

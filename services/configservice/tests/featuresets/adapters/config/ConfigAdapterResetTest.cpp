@@ -1,11 +1,30 @@
 #include "ConfigAdapterFixture.h"
 
+#include <zel/LogSink.h>
+
 namespace ZelUnified {
 
 using testing::Contains;
-using testing::Each;
-using testing::HasSubstr;
-using testing::Not;
+
+namespace {
+
+/// Deletes a file as soon as a line of that text is logged.
+class Meddler final : public zel::logging::LogSink {
+public:
+    Meddler(std::string lineText, std::filesystem::path filePath)
+        : text(std::move(lineText)), path(std::move(filePath)) {}
+    void write(const zel::logging::LogRecord& record) override {
+        if (record.text == text) {
+            std::filesystem::remove(path);
+        }
+    }
+
+private:
+    const std::string text;
+    const std::filesystem::path path;
+};
+
+} // namespace
 
 class ConfigAdapterReset : public ConfigAdapterFixture {
 protected:
@@ -85,14 +104,30 @@ TEST_F(ConfigAdapterReset, FourFilesStayByteForByteAndAllOthersGo) {
     for (const auto& path : kept) {
         EXPECT_EQ(testing_host::readFile(path),
                   "content of " + std::filesystem::relative(path, profile.config()).string());
-        EXPECT_THAT(logged(),
-                    Contains("file will be excluded from reset deletion: [" + path.filename().string() + "]"));
+        EXPECT_EQ(levelOf("file will be excluded from reset deletion: [" + path.filename().string() + "]"),
+                  ZelLogLevel::Info);
     }
     for (const auto& path : gone) {
         EXPECT_FALSE(std::filesystem::exists(path)) << path;
-        EXPECT_THAT(logged(), Contains("File: [" + path.string() + "] deleted"));
+        EXPECT_EQ(levelOf("File: [" + path.string() + "] deleted"), ZelLogLevel::Info);
     }
     EXPECT_TRUE(std::filesystem::is_directory(profile.config() / "Cache" / "deep"));
+}
+
+TEST_F(ConfigAdapterReset, FileThatCannotBeDeletedIsAnErrorAndTheOthersGo) {
+    const auto first = write("a.log");
+    const auto vanishing = write("b.log");
+    const auto last = write("c.log");
+    load();
+    // Listed already when it vanishes, so that its deletion fails.
+    const auto meddler = std::make_shared<Meddler>("File: [" + first.string() + "] deleted", vanishing);
+    zel::logging::addSink(meddler);
+    reset();
+    zel::logging::removeSink(meddler);
+    EXPECT_THAT(logged(), Contains("Unable to delete file: [" + vanishing.string() + "]"));
+    EXPECT_EQ(levelOf("Unable to delete file: [" + vanishing.string() + "]"), ZelLogLevel::Error);
+    EXPECT_FALSE(std::filesystem::exists(last));
+    EXPECT_EQ(logged().back(), "ConfigAdapter reset.");
 }
 
 TEST_F(ConfigAdapterReset, LinkOutOfTheDirectoryIsRemovedAndNotFollowed) {
@@ -128,6 +163,8 @@ TEST_F(ConfigAdapterReset, TellsItsBeginningAndEnd) {
     reset();
     EXPECT_EQ(logged().front(), "About to reset the ConfigAdapter...");
     EXPECT_EQ(logged().back(), "ConfigAdapter reset.");
+    EXPECT_EQ(levelOf(logged().front()), ZelLogLevel::Info);
+    EXPECT_EQ(levelOf(logged().back()), ZelLogLevel::Info);
 }
 
 TEST_F(ConfigAdapterReset, BeforeTheStartItWorksTheSame) {

@@ -4,7 +4,6 @@
 
 namespace ZelUnified {
 
-using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 

@@ -41,6 +41,16 @@ protected:
     }
 
     std::vector<std::string> logged() const { return log.getTexts(loggerName); }
+    /// Lines of the manager at that level; a test that compares them with logged() knows that there are no others.
+    std::vector<std::string> loggedAt(ZelLogLevel level) const {
+        std::vector<std::string> texts;
+        for (const auto& record : log.getRecords()) {
+            if (record.logger == loggerName && record.level == level) {
+                texts.push_back(record.text);
+            }
+        }
+        return texts;
+    }
 
     std::wstring valueOf(const std::wstring& key) const {
         std::wstring value;

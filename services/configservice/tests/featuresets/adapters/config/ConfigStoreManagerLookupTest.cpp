@@ -107,6 +107,17 @@ TEST_F(ConfigStoreManagerLookup, LegacyFlagIsOnlyEverSet) {
     EXPECT_TRUE(valueFromLegacyKey);
 }
 
+TEST_F(ConfigStoreManagerLookup, KeyAndValueMayBeOneString) {
+    given(makeReadOnlyStore("Empty", 10));
+    given(makeReadOnlyStore("R", 33, {{L"TftpServer1", L"old"}, {L"k", L"v"}}));
+    for (const auto& [key, value] :
+         ConfigMap{{L"k", L"v"}, {L"TftpServer1", L"old"}, {L"TFTPPrimaryServer", L"old"}, {L"absent", L""}}) {
+        auto text = key;
+        EXPECT_EQ(manager.getValue(text, text), !value.empty());
+        EXPECT_EQ(text, value);
+    }
+}
+
 TEST_F(ConfigStoreManagerLookup, SkipLocalLeavesOutWhatIsWritable) {
     const auto writable = makeWritableStore("L", 20, {{L"k", L"user"}});
     writable->local = false;
@@ -186,6 +197,18 @@ TEST_F(DebugLookup, SensitiveValueIsHiddenByTheKeyAsAskedAndStillAnswered) {
                             "[R]"));
 }
 
+TEST_F(DebugLookup, SensitivityOfTheOtherNameDoesNotHideTheValue) {
+    manager.setKeySensitive(L"TftpServer1");
+    given(makeReadOnlyStore("R", 33, {{L"TFTPPrimaryServer", L"v"}}));
+    debugLog.clear();
+    EXPECT_EQ(ask(L"TftpServer1").value, L"v");
+    EXPECT_EQ(ask(L"TFTPPrimaryServer").value, L"v");
+    const auto lines = debugLines();
+    ASSERT_EQ(lines.size(), 2U);
+    EXPECT_THAT(lines[0], testing::HasSubstr("value: [VALUE_HIDDEN]"));
+    EXPECT_THAT(lines[1], testing::HasSubstr("value: [v]"));
+}
+
 TEST_F(DebugLookup, PersonalDataIsMaskedInTheLine) {
     given(makeReadOnlyStore("R", 33, {{L"k", L"jane.doe@example.com"}}));
     debugLog.clear();
@@ -245,6 +268,34 @@ TEST_F(ConfigStoreManagerLookup, OriginalValueOfAnOldNameIsReadAgainUnderItUnles
     EXPECT_FALSE(original.fromLegacyKey);
 }
 
+TEST_F(ConfigStoreManagerLookup, OriginalValueOfAnOldNameIsTheOneBeneathTheNewNameWhenOverridden) {
+    given(makeWritableStore("L", 20, {{L"TFTPPrimaryServer", L"u"}}));
+    given(makeReadOnlyStore("R", 33, {{L"TFTPPrimaryServer", L"new"}, {L"TftpServer1", L"old"}}));
+    const auto original = askOriginal(L"TftpServer1");
+    EXPECT_TRUE(original.hasOverride);
+    EXPECT_EQ(original.value, L"new");
+    EXPECT_FALSE(original.fromLegacyKey);
+}
+
+TEST_F(ConfigStoreManagerLookup, OriginalValueOfAnOldNameThatTheUserSetComesFromIt) {
+    given(makeWritableStore("L", 20, {{L"TftpServer1", L"u"}}));
+    given(makeReadOnlyStore("R", 33, {{L"TftpServer1", L"a"}}));
+    const auto original = askOriginal(L"TftpServer1");
+    EXPECT_TRUE(original.hasOverride);
+    EXPECT_EQ(original.value, L"a");
+    EXPECT_TRUE(original.fromLegacyKey);
+}
+
+TEST_F(ConfigStoreManagerLookup, OriginalValueIsAskedNoFurtherThanNeeded) {
+    given(makeWritableStore("L", 20, {{L"k", L"u"}}));
+    given(makeReadOnlyStore("R", 33, {{L"k", L"a"}}));
+    const auto last = given(makeReadOnlyStore("Last", 40, {{L"k", L"z"}}));
+    int questions = 0;
+    last->beforeReading = [&] { ++questions; };
+    EXPECT_EQ(askOriginal(L"k").value, L"a");
+    EXPECT_EQ(questions, 0);
+}
+
 TEST_F(ConfigStoreManagerLookup, OriginalValueOfANewNameFallsBackOnTheOldOne) {
     given(makeWritableStore("L", 20, {{L"TftpServer1", L"u"}}));
     given(makeReadOnlyStore("R", 33, {{L"TftpServer1", L"a"}}));
@@ -253,101 +304,5 @@ TEST_F(ConfigStoreManagerLookup, OriginalValueOfANewNameFallsBackOnTheOldOne) {
     EXPECT_TRUE(original.fromLegacyKey);
     EXPECT_EQ(original.value, L"a");
 }
-
-namespace {
-
-/// One row of the table of what is announced for a key, given who holds it.
-struct AnnouncedCase {
-    const char* name;
-    std::vector<std::shared_ptr<FakeConfigStore> (*)()> stores;
-    std::wstring key;
-    std::vector<std::string> announced;
-};
-
-class AnnouncedValues : public ConfigStoreManagerFixture, public testing::WithParamInterface<AnnouncedCase> {};
-
-using Stores = std::vector<std::shared_ptr<FakeConfigStore> (*)()>;
-
-} // namespace
-
-TEST_P(AnnouncedValues, FollowTheRules) {
-    for (const auto make : GetParam().stores) {
-        given(make());
-    }
-    // A write to a store of no rank is the plainest way to have one key announced.
-    given(makeWritableStore("InMemoryConfigStore", 600));
-    const auto probe = makeReadOnlyStore("Probe", 1000);
-    given(probe);
-    manager.updateExistingConfigStore(makeReadOnlyStore("Probe", 1000), {GetParam().key});
-    EXPECT_EQ(observer.announcements, GetParam().announced);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    ConfigStoreManager, AnnouncedValues,
-    testing::Values(AnnouncedCase{"OnlyTheUser",
-                                  Stores{[] {
-                                      return makeWritableStore("L", 20, {{L"K", L"u"}});
-                                  }},
-                                  L"K",
-                                  {"K: u [L] |  [] overridden"}},
-                    AnnouncedCase{"OnlyTheUserUnderANewName",
-                                  Stores{[] {
-                                      return makeWritableStore("L", 20, {{L"TFTPPrimaryServer", L"u"}});
-                                  }},
-                                  L"TFTPPrimaryServer",
-                                  {"TFTPPrimaryServer: u [L] |  []"}},
-                    AnnouncedCase{"UserAboveAdministrator",
-                                  Stores{[] {
-                                             return makeWritableStore("L", 20, {{L"K", L"u"}});
-                                         },
-                                         [] {
-                                             return makeReadOnlyStore("R", 33, {{L"K", L"a"}});
-                                         }},
-                                  L"K",
-                                  {"K: u [L] | a [R] overridden"}},
-                    AnnouncedCase{"AdministratorAboveUser",
-                                  Stores{[] {
-                                             return makeReadOnlyStore("R", 10, {{L"K", L"a"}});
-                                         },
-                                         [] {
-                                             return makeWritableStore("L", 20, {{L"K", L"u"}});
-                                         }},
-                                  L"K",
-                                  {"K: a [R] | a [R]"}},
-                    AnnouncedCase{"UserUnderTheNewNameAdministratorUnderTheOld",
-                                  Stores{[] {
-                                             return makeWritableStore("L", 20, {{L"TFTPPrimaryServer", L"u"}});
-                                         },
-                                         [] {
-                                             return makeReadOnlyStore("R", 33, {{L"TftpServer1", L"a"}});
-                                         }},
-                                  L"TFTPPrimaryServer",
-                                  {"TFTPPrimaryServer: u [L] | a [R]"}},
-                    AnnouncedCase{"OldNameWhileTheNewOneIsHeld",
-                                  Stores{[] {
-                                             return makeWritableStore("L", 20, {{L"TftpServer1", L"u"}});
-                                         },
-                                         [] {
-                                             return makeReadOnlyStore("R", 33, {{L"TFTPPrimaryServer", L"a"}});
-                                         }},
-                                  L"TftpServer1",
-                                  {}},
-                    AnnouncedCase{"OldNameAlone",
-                                  Stores{[] {
-                                      return makeWritableStore("L", 20, {{L"TftpServer1", L"u"}});
-                                  }},
-                                  L"TftpServer1",
-                                  {"TFTPPrimaryServer: u [L] |  [] overridden"}},
-                    AnnouncedCase{"OldNameOfUserAndAdministrator",
-                                  Stores{[] {
-                                             return makeWritableStore("L", 20, {{L"TftpServer1", L"u"}});
-                                         },
-                                         [] {
-                                             return makeReadOnlyStore("R", 33, {{L"TftpServer1", L"a"}});
-                                         }},
-                                  L"TftpServer1",
-                                  {"TFTPPrimaryServer: u [L] | a [R] overridden"}},
-                    AnnouncedCase{"Nobody", Stores{}, L"K", {"K:  [] |  [] undefined"}}),
-    [](const auto& tested) { return tested.param.name; });
 
 } // namespace ZelUnified

@@ -58,7 +58,24 @@ TEST_F(ConfigStoreManagerReset, CachingStoreLosesItsFile) {
     EXPECT_THAT(logged(),
                 ElementsAre("Removing store R from ConfigManager.", "Removed file: " + cached("cachedR.dat").string(),
                             "Removing store: R", "Removing all keys for store: R"));
+    EXPECT_EQ(loggedAt(ZelLogLevel::Info), logged());
     EXPECT_FALSE(std::filesystem::exists(cached("cachedR.dat")));
+}
+
+TEST_F(ConfigStoreManagerReset, FileOfARemovedStoreIsNamedAsTheCallerSpellsIt) {
+    given(makeReadOnlyStore("UrlProvisioningConfigStore", 499));
+    testing_host::writeFile(cached("cachedUrlProvisioningConfigStore.dat"), "x");
+    testing_host::writeFile(cached("cachedurlprovisioningconfigstore.dat"), "x");
+    EXPECT_TRUE(manager.removeStoreWithSameName("urlprovisioningconfigstore"));
+    EXPECT_TRUE(std::filesystem::exists(cached("cachedUrlProvisioningConfigStore.dat")));
+    EXPECT_FALSE(std::filesystem::exists(cached("cachedurlprovisioningconfigstore.dat")));
+}
+
+TEST_F(ConfigStoreManagerReset, FileOfAStoreThatDoesNotAskForACopyStays) {
+    given(makeReadOnlyStore("R", 33));
+    testing_host::writeFile(cached("cachedR.dat"), "x");
+    EXPECT_TRUE(manager.removeStoreWithSameName("R"));
+    EXPECT_TRUE(std::filesystem::exists(cached("cachedR.dat")));
 }
 
 TEST_F(ConfigStoreManagerReset, ObserverMayEmptyTheChainMeanwhile) {
@@ -96,6 +113,14 @@ TEST_F(ConfigStoreManagerReset, CachedXmlFileGoesWithItsTwin) {
     EXPECT_FALSE(std::filesystem::exists(cached("cachedR.dat")));
     EXPECT_THAT(logged(), ElementsAre("Removed file: " + cached("cachedR.xml").string(),
                                       "Removed file: " + cached("cachedR.dat").string()));
+    EXPECT_EQ(loggedAt(ZelLogLevel::Info), logged());
+    EXPECT_EQ(log.getRecords().front().function, "ZelUnified::CachedConfigFiles::removeFile");
+}
+
+TEST_F(ConfigStoreManagerReset, TwinOfACachedXmlFileIsEnough) {
+    testing_host::writeFile(cached("cachedR.dat"), "x");
+    EXPECT_TRUE(manager.removeCachedFiles("cachedR.xml"));
+    EXPECT_FALSE(std::filesystem::exists(cached("cachedR.dat")));
 }
 
 TEST_F(ConfigStoreManagerReset, CachedDatFileGoesAlone) {
@@ -127,12 +152,16 @@ TEST_F(ConfigStoreManagerReset, AllCachedFilesGoAndStoresNamedAfterThem) {
     testing_host::writeFile(cached("cachedA.dat"), "x");
     testing_host::writeFile(cached("cachedB.xml"), "x");
     testing_host::writeFile(cached("notes.txt"), "x");
+    testing_host::writeFile(cached("cachedC.DAT"), "x");
+    given(makeReadOnlyStore("cachedC.xml", 36));
     given(makeReadOnlyStore("cachedA.xml", 34, {{L"k", L"1"}}));
     given(makeReadOnlyStore("A", 35));
     manager.removeAllCachedStores();
     EXPECT_FALSE(std::filesystem::exists(cached("cachedA.dat")));
     EXPECT_FALSE(std::filesystem::exists(cached("cachedB.xml")));
     EXPECT_TRUE(std::filesystem::exists(cached("notes.txt")));
+    EXPECT_TRUE(std::filesystem::exists(cached("cachedC.DAT")));
+    EXPECT_TRUE(manager.hasStoreWithName("cachedC.xml"));
     EXPECT_FALSE(manager.hasStoreWithName("cachedA.xml"));
     EXPECT_TRUE(manager.hasStoreWithName("A"));
 }

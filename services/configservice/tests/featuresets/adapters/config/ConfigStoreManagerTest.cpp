@@ -1,22 +1,9 @@
 #include "ConfigStoreManagerFixture.h"
 
-#include <ConfigStoreAddedObserver.h>
-
 namespace ZelUnified {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-namespace {
-
-class StoreAddedRecorder final : public ConfigStoreAddedObserver {
-public:
-    void OnConfigStoreAdded(const std::string& storeName) override { names.push_back(storeName); }
-
-    std::vector<std::string> names;
-};
-
-} // namespace
 
 class ConfigStoreManagerTest : public ConfigStoreManagerFixture {};
 
@@ -26,31 +13,13 @@ TEST(ConfigStoreManager, ConstructionIsLogged) {
     EXPECT_THAT(log.getTexts("ConfigService-ConfigStoreManager"),
                 ElementsAre("Creating a new instance of the ConfigStoreManager."));
     EXPECT_EQ(log.getRecords().front().level, ZelLogLevel::Info);
+    EXPECT_EQ(log.getRecords().front().function, "ZelUnified::ConfigStoreManager::ConfigStoreManager");
 }
 
 TEST_F(ConfigStoreManagerTest, ArrivalAnnouncesAllKeysBeforeFiring) {
     manager.addStore(makeReadOnlyStore("R", 33, {{L"b", L"2"}, {L"A", L"1"}}));
     EXPECT_THAT(observer.announcements,
                 ElementsAre("A: 1 [R] | 1 [R] deferred", "b: 2 [R] | 2 [R] deferred", "fire A", "fire b"));
-}
-
-TEST_F(ConfigStoreManagerTest, ArrivalTellsStoreAddedObserversLaterOnTheBackgroundDispatcher) {
-    const auto added = std::make_shared<StoreAddedRecorder>();
-    manager.registerConfigStoreAddedObserver(added);
-    manager.addStore(makeReadOnlyStore("R", 33));
-    EXPECT_THAT(added->names, IsEmpty());
-    EXPECT_THAT(factory->backgroundDispatcher->getTaskNames(),
-                ElementsAre("ConfigStoreAddedObserver::OnConfigStoreAdded"));
-    factory->backgroundDispatcher->runAll();
-    EXPECT_THAT(added->names, ElementsAre("R"));
-}
-
-TEST_F(ConfigStoreManagerTest, ArrivalOfAStoreWithoutKeysAnnouncesNothing) {
-    const auto added = std::make_shared<StoreAddedRecorder>();
-    manager.registerConfigStoreAddedObserver(added);
-    manager.addStore(makeReadOnlyStore("R", 33));
-    EXPECT_THAT(observer.announcements, IsEmpty());
-    EXPECT_EQ(factory->backgroundDispatcher->getTaskNames().size(), 1U);
 }
 
 TEST_F(ConfigStoreManagerTest, ArrivalLogsTheChainInOrder) {
@@ -198,99 +167,45 @@ TEST_F(ConfigStoreManagerTest, OldNameIsNotAnnouncedWhileAnyStoreHoldsTheNewOne)
     EXPECT_THAT(observer.announcements, IsEmpty());
 }
 
-TEST_F(ConfigStoreManagerTest, SensitiveKeyIsToldEachTimeAndKnownInAnyCase) {
-    manager.setKeySensitive(L"Secret");
-    manager.setKeySensitive(L"Secret");
-    EXPECT_THAT(observer.announcements, ElementsAre("sensitive Secret", "sensitive Secret"));
-    EXPECT_TRUE(manager.isSensitiveKey(L"SECRET"));
-    EXPECT_FALSE(manager.isSensitiveKey(L"Secre"));
-}
-
-TEST_F(ConfigStoreManagerTest, StoreAddedObserverRegisteredTwiceIsToldTwiceAndLeavesAtOnce) {
-    const auto added = std::make_shared<StoreAddedRecorder>();
-    manager.registerConfigStoreAddedObserver(added);
-    manager.registerConfigStoreAddedObserver(added);
-    manager.addStore(makeReadOnlyStore("A", 1));
-    factory->backgroundDispatcher->runAll();
-    EXPECT_THAT(added->names, ElementsAre("A", "A"));
-    log.clear();
-    manager.unregisterConfigStoreAddedObserver(added);
-    EXPECT_THAT(logged(), ElementsAre("ConfigStoreAddedObserver unregistered"));
-    manager.addStore(makeReadOnlyStore("B", 1));
-    EXPECT_THAT(factory->backgroundDispatcher->getTaskNames(), IsEmpty());
-}
-
-TEST_F(ConfigStoreManagerTest, StoreAddedObserverIsKeptAliveByItsNotification) {
-    auto added = std::make_shared<StoreAddedRecorder>();
-    manager.registerConfigStoreAddedObserver(added);
-    manager.addStore(makeReadOnlyStore("A", 1));
-    const std::weak_ptr<StoreAddedRecorder> watched = added;
-    added.reset();
-    EXPECT_FALSE(watched.expired());
-    factory->backgroundDispatcher->runAll();
-    EXPECT_TRUE(watched.expired());
-    manager.addStore(makeReadOnlyStore("B", 1));
-    EXPECT_THAT(factory->backgroundDispatcher->getTaskNames(), IsEmpty());
-}
-
-TEST_F(ConfigStoreManagerTest, RegistrationOfStoreAddedObserversIsLogged) {
-    manager.registerConfigStoreAddedObserver(nullptr);
-    EXPECT_THAT(logged(), IsEmpty());
-    const auto added = std::make_shared<StoreAddedRecorder>();
-    manager.registerConfigStoreAddedObserver(added);
-    manager.unregisterConfigStoreAddedObserver(nullptr);
-    manager.unregisterConfigStoreAddedObserver(std::make_shared<StoreAddedRecorder>());
-    EXPECT_THAT(logged(), ElementsAre("ConfigStoreAddedObserver registered",
-                                      "Attempt to unregister null ConfigStoreAddedObserver",
-                                      "Attempt to unregister unknown ConfigStoreAddedObserver"));
-    EXPECT_EQ(log.getTexts(ZelLogLevel::Warning).size(), 2U);
-}
-
-TEST_F(ConfigStoreManagerTest, WithoutADispatcherNotificationsAreDropped) {
-    ConfigStoreManager lonely(nullptr);
-    const auto added = std::make_shared<StoreAddedRecorder>();
-    lonely.registerConfigStoreAddedObserver(added);
-    lonely.addStore(makeWritableStore("A", 1));
-    EXPECT_TRUE(lonely.storeValue(L"k", L"v"));
-    EXPECT_THAT(added->names, IsEmpty());
-}
-
-TEST_F(ConfigStoreManagerTest, ObserverMayChangeTheChainDuringAnAnnouncement) {
-    given(makeReadOnlyStore("Victim", 40, {{L"v", L"1"}}));
-    bool reacted = false;
-    observer.reaction = [&](const std::wstring&) {
-        if (!std::exchange(reacted, true)) {
-            manager.removeStoreWithSameName("Victim");
-            manager.addStore(makeReadOnlyStore("Nested", 10, {{L"n", L"1"}}));
-        }
-    };
-    manager.addStore(makeReadOnlyStore("R", 33, {{L"k", L"1"}}));
-    EXPECT_FALSE(manager.hasStoreWithName("Victim"));
-    EXPECT_EQ(valueOf(L"n"), L"1");
-    EXPECT_EQ(valueOf(L"k"), L"1");
-}
-
-TEST_F(ConfigStoreManagerTest, ObserverMayEmptyTheChainWhileNonLocalStoresAreDropped) {
-    for (const auto* name : {"A", "B", "C"}) {
-        const auto store = makeReadOnlyStore(name, 33, {{L"k", L"1"}});
-        store->local = false;
-        given(store);
-    }
-    observer.reaction = [&](const std::wstring&) {
-        observer.reaction = nullptr;
-        manager.removeStoreWithSameName("A");
-        manager.removeStoreWithSameName("B");
-    };
-    manager.removeNonLocalStores();
-    for (const auto* name : {"A", "B", "C"}) {
-        EXPECT_FALSE(manager.hasStoreWithName(name));
-    }
-}
-
 TEST_F(ConfigStoreManagerTest, AliasTableIsHandedOut) {
     const auto aliases = manager.getKeyAliases();
     EXPECT_EQ(aliases.size(), 18U);
     EXPECT_EQ(aliases.find(L"vvm_mailstore_pollinginterval")->second, L"VoicmeailPollingInterval");
+}
+
+TEST_F(ConfigStoreManagerTest, ChangesOfTheChainAreInfoLinesUnderTheirOperations) {
+    manager.addStore(makeReadOnlyStore("R", 33));
+    manager.addStore(makeReadOnlyStore("R", 33));
+    manager.removeStoreWithSameName("R");
+    std::vector<std::string> functions;
+    for (const auto& record : log.getRecords()) {
+        EXPECT_EQ(record.level, ZelLogLevel::Info) << record.text;
+        functions.push_back(record.function);
+    }
+    EXPECT_THAT(functions,
+                ElementsAre("ZelUnified::ConfigStoreManager::addStore", "ZelUnified::ConfigStoreManager::addStore",
+                            "ZelUnified::ConfigStoreManager::addStore",
+                            "ZelUnified::ConfigStoreManager::removeStoreWithSameName"));
+}
+
+TEST_F(ConfigStoreManagerTest, UpdateIsAskedOfTheOldStoreAndItsCopyIsNotAnnounced) {
+    const auto update = makeReadOnlyStore("R", 33);
+    update->caching = true;
+    given(makeReadOnlyStore("R", 33));
+    given(makeReadOnlyStore("cachedR.dat", 34, {{L"k", L"copy"}}));
+    manager.addStore(update);
+    EXPECT_TRUE(manager.hasStoreWithName("cachedR.dat"));
+    EXPECT_THAT(observer.announcements, IsEmpty());
+}
+
+TEST_F(ConfigStoreManagerTest, StoresAreDestroyedInTheOrderOfTheChain) {
+    std::vector<std::string> destroyed;
+    for (const auto& [name, priority] : {std::pair("Last", 3), std::pair("First", 1), std::pair("Middle", 2)}) {
+        const auto store = given(makeReadOnlyStore(name, priority));
+        store->whenDestroyed = [&destroyed, name = name] { destroyed.emplace_back(name); };
+    }
+    manager.destroyStores();
+    EXPECT_THAT(destroyed, ElementsAre("First", "Middle", "Last"));
 }
 
 } // namespace ZelUnified

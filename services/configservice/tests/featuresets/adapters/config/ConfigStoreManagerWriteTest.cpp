@@ -61,6 +61,49 @@ TEST_F(ConfigStoreManagerWrite, MapGoesToEveryWritableStoreAndIsAnnouncedForEach
     EXPECT_THAT(tasks(), ElementsAre("ConfigStore::persistValues", "ConfigStore::persistValues"));
 }
 
+TEST_F(ConfigStoreManagerWrite, IsPostedForPersistingBeforeObserversHear) {
+    given(makeWritableStore("L", 20));
+    std::vector<std::size_t> posted;
+    observer.reaction = [&](const std::wstring&) { posted.push_back(tasks().size()); };
+    manager.storeValue(L"k", L"v");
+    EXPECT_THAT(posted, ElementsAre(1U));
+    given(makeWritableStore("M", 30));
+    posted.clear();
+    manager.storeValue(ConfigMap{{L"a", L"1"}, {L"b", L"2"}});
+    EXPECT_THAT(posted, ElementsAre(1U, 1U, 2U, 2U));
+}
+
+TEST_F(ConfigStoreManagerWrite, IsPersistedAlsoAfterTheManagersEnd) {
+    const auto user = makeWritableStore("L", 20);
+    {
+        ConfigStoreManager ending(factory);
+        ending.addStore(user);
+        ending.storeValue(L"k", L"v");
+    }
+    factory->backgroundDispatcher->runAll();
+    EXPECT_EQ(user->timesPersisted, 1);
+}
+
+TEST_F(ConfigStoreManagerWrite, ObserverOfAMapMayRemoveAndAddStoresMeanwhile) {
+    std::weak_ptr<ConfigStore> removed = given(makeWritableStore("M", 30));
+    given(makeWritableStore("L", 20));
+    observer.reaction = [&](const std::wstring&) {
+        observer.reaction = nullptr;
+        // Nothing but the walk itself keeps the removed store.
+        manager.removeStoreWithSameName("M");
+        factory->backgroundDispatcher->clear();
+        for (int i = 0; i < 8; ++i) {
+            manager.addStore(makeWritableStore("New" + std::to_string(i), i));
+        }
+    };
+    EXPECT_TRUE(manager.storeValue(ConfigMap{{L"a", L"1"}, {L"b", L"2"}}));
+    EXPECT_EQ(valueOf(L"b"), L"2");
+    EXPECT_FALSE(manager.hasStoreWithName("M"));
+    EXPECT_TRUE(manager.hasStoreWithName("New7"));
+    factory->backgroundDispatcher->runAll();
+    EXPECT_TRUE(removed.expired());
+}
+
 TEST_F(ConfigStoreManagerWrite, RefusedPairOfAMapIsAWarningWithOneCharacter) {
     given(makeWritableStore("L", 20))->refusesWrites = true;
     EXPECT_TRUE(manager.storeValue(ConfigMap{{L"", L"0"}, {L"secretKey", L"1"}}));

@@ -4,6 +4,7 @@
 #include <ConfigStore.h>
 
 #include <functional>
+#include <memory>
 #include <mutex>
 #include <string>
 
@@ -16,7 +17,14 @@ public:
         : values(std::move(table)), name(std::move(storeName)), priority(storePriority) {}
 
     bool getValue(const std::wstring& key, std::wstring& value) override {
+        if (beforeReading) {
+            beforeReading();
+        }
         const std::lock_guard lock(mutex);
+        if (unanswered.contains(key)) {
+            value.clear();
+            return false;
+        }
         const auto found = values.find(key);
         value = found == values.end() ? L"" : found->second;
         return found != values.end();
@@ -49,7 +57,12 @@ public:
     std::string getName() override { return name; }
     int getPriority() override { return priority; }
     void persistValues() override { ++timesPersisted; }
-    void destroy() override { ++timesDestroyed; }
+    void destroy() override {
+        ++timesDestroyed;
+        if (whenDestroyed) {
+            whenDestroyed();
+        }
+    }
     bool isLocal() override { return local; }
     bool waitForStoreReady() override { return true; }
     bool shouldCacheConfigStore() override { return caching; }
@@ -61,6 +74,9 @@ public:
     int timesPersisted = 0;
     int timesDestroyed = 0;
     ConfigMap values;
+    ConfigKeySet unanswered;             ///< Listed among the keys if held, and never answered.
+    std::function<void()> beforeReading; ///< Called before each value is read.
+    std::function<void()> whenDestroyed;
 
 private:
     std::mutex mutex;

@@ -4,6 +4,7 @@
 
 #include <zel/ZelLog.h>
 
+#include <CacheConfigStore.h>
 #include <LogRecorder.h>
 #include <TemporaryProfile.h>
 #include <featuresets/adapters/config/LocalFileDocument.h>
@@ -202,22 +203,63 @@ TEST_F(LocalFileConfigStoreTest, HasNoBackupUnderAnotherName) {
     LocalFileConfigStore store("localfileconfigstore", 20, false);
     EXPECT_THAT(store.getKeys(), IsEmpty());
     EXPECT_THAT(log.getTexts(ZelLogLevel::Error), ElementsAre("Failed to read config file " + main));
+    EXPECT_EQ(testing_host::readFile(main), "garbage");
 }
 
 TEST_F(LocalFileConfigStoreTest, LeavesTheGoodBackupUnreadWhenTheMainFileHoldsBadXml) {
     ASSERT_TRUE(xml_test::writeProtected(main, "<r>"));
     ASSERT_TRUE(xml_test::writeProtected(backup, document("backup")));
     const std::string before = testing_host::readFile(main);
+    const std::string backupBefore = testing_host::readFile(backup);
     LocalFileConfigStore store(userName, 20, false);
     EXPECT_THAT(store.getKeys(), IsEmpty());
     EXPECT_THAT(log.getTexts(ZelLogLevel::Error), ElementsAre(syntaxLine));
     EXPECT_EQ(testing_host::readFile(main), before);
+    EXPECT_EQ(testing_host::readFile(backup), backupBefore);
+}
+
+TEST_F(LocalFileConfigStoreTest, IsEmptyAndSaysSoWhenTheUsersFileIsHostile) {
+    for (const std::string& xml : xml_test::hostileTexts()) {
+        SCOPED_TRACE(xml.substr(0, 60));
+        ASSERT_TRUE(xml_test::writeProtected(main, xml));
+        const testing_host::LogRecorder lines;
+        LocalFileConfigStore store(userName, 20, false);
+        EXPECT_THAT(store.getKeys(), IsEmpty());
+        EXPECT_THAT(lines.getTexts(loggerName), ElementsAre(syntaxLine));
+    }
+}
+
+TEST_F(LocalFileConfigStoreTest, ReadsNoOtherFileForADocument) {
+    const std::string secret = (profile.root() / "secret").string();
+    testing_host::writeFile(secret, "<userConfig name='secret' value='v'/>");
+    const std::string text = "<!DOCTYPE r SYSTEM 'http://127.0.0.1:9/x.dtd' [<!ENTITY e SYSTEM '" + secret +
+                             "'>]><r>&e;<userConfig name='k' value='v'/></r>";
+    ASSERT_TRUE(xml_test::writeProtected(main, text));
+    const std::string defaults = (profile.resources() / "defaults.xml").string();
+    testing_host::writeFile(defaults, text);
+    const xml_test::LoadCounter loads(defaults);
+    EXPECT_THAT(LocalFileConfigStore(userName, 20, false).getKeys(), ElementsAre(L"k"));
+    EXPECT_THAT(plain("defaults.xml").getKeys(), ElementsAre(L"k"));
+    EXPECT_EQ(loads.count(), 0);
+}
+
+TEST_F(LocalFileConfigStoreTest, ReadsTheFilesOfTheFirstRelease) {
+    const fs::path release = LUMORA_FIRST_RELEASE;
+    fs::copy(release / "keys", profile.data() / "keys");
+    fs::copy(release / "lumoraLocalConfig.dat", main);
+    LocalFileConfigStore user(userName, 20, false);
+    EXPECT_THAT(user.getKeys(), ElementsAre(L"connectionpassword", L"servicesdomain"));
+    EXPECT_EQ(valueOf(user, L"ServicesDomain"), L"example.com");
+    EXPECT_EQ(valueOf(user, L"ConnectionPassword"), L"not a real one: \u00E4\u20AC");
+    ZelUnified::CacheConfigStore copy("UrlProvisioningConfigStore", 499,
+                                      (release / "cachedUrlProvisioningConfigStore.dat").string());
+    EXPECT_EQ(valueOf(copy, L"ServicesDomain"), L"example.com");
 }
 
 TEST_F(LocalFileConfigStoreTest, TakesTheBackupNameAtTheFirstPointOfAProtectedFile) {
     const std::string folder = profile.config().string();
-    ASSERT_TRUE(xml_test::writeProtected(folder + "/settings_backup.b.dat", document("backup")));
-    LocalFileConfigStore store(userName, 20, folder, "settings.b.dat", true, false, true);
+    ASSERT_TRUE(xml_test::writeProtected(folder + "/settings_backup.b.xml", document("backup")));
+    LocalFileConfigStore store(userName, 20, folder, "settings.b.xml", true, false, true);
     EXPECT_EQ(valueOf(store, L"key"), L"backup");
 }
 

@@ -106,7 +106,8 @@ TEST_F(LocalFileConfigStoreWritingTest, SaysSoWhenNothingChanged) {
     store->persistValues();
     EXPECT_FALSE(fs::exists(main));
     EXPECT_EQ(timer->requests.size(), 1U);
-    EXPECT_THAT(log.getTexts(ZelLogLevel::Debug), testing::Contains("Same content has been saved."));
+    EXPECT_THAT(log.getTexts("ConfigService-LocalFileConfigStore"), ElementsAre("Same content has been saved."));
+    EXPECT_THAT(log.getTexts(ZelLogLevel::Debug), ElementsAre("Same content has been saved."));
 }
 
 TEST_F(LocalFileConfigStoreWritingTest, CountsACaseOfAValueAsAChangeAndKeepsTheFirstSpellingOfAKey) {
@@ -216,6 +217,9 @@ TEST_F(LocalFileConfigStoreWritingTest, RepairsACorruptBackupAndThenWritesTheMai
     store->storeValue(L"Key", L"v");
     store->persistValues();
     EXPECT_THAT(readProtected(main), HasSubstr("\"old\""));
+    EXPECT_THAT(errors(), ElementsAre("Failed to read lumoraLocalConfig/backup file, so don't write to "
+                                      "lumoraLocalConfig.dat to keep file good."));
+    EXPECT_EQ(valueOf(*store, L"Key"), L"v");
     ASSERT_EQ(timer->requests.size(), 2U); // also after a refused write
     fireBackup();
     EXPECT_EQ(readProtected(backup), document);
@@ -252,6 +256,24 @@ TEST_F(LocalFileConfigStoreWritingTest, IsSilentWhenTheFacilityFailsAndWritesWit
     EXPECT_EQ(readProtected(main), document);
 }
 
+TEST_F(LocalFileConfigStoreWritingTest, IsSilentWithoutMemoryForADocumentAndKeepsTheOldOne) {
+    store->storeValue(L"Key", L"v");
+    store->persistValues();
+    store->storeValue(L"Key", L"w");
+    log.clear();
+    for (const std::size_t limit : {0U, 500U}) { // nothing at all, and a buffer but no writer
+        const xml_test::XmlMemoryLimit memory(limit);
+        store->persistValues();
+        EXPECT_EQ(readProtected(main), document) << limit;
+        store->storeValue(L"Other", L"x");
+    }
+    EXPECT_THAT(errors(), IsEmpty());
+    EXPECT_THAT(log.getTexts("ConfigService-LocalFileConfigStore"), IsEmpty());
+    store->storeValue(L"Other", L"y");
+    store->persistValues();
+    EXPECT_THAT(readProtected(main), HasSubstr("name=\"Other\" value=\"y\""));
+}
+
 TEST_F(LocalFileConfigStoreWritingTest, WritesNothingOnceDestroyed) {
     store->storeValue(L"Key", L"v");
     store->persistValues();
@@ -265,6 +287,14 @@ TEST_F(LocalFileConfigStoreWritingTest, WritesNothingOnceDestroyed) {
     fireBackup();
     EXPECT_EQ(testing_host::readFile(main), before);
     EXPECT_EQ(testing_host::readFile(backup), backupBefore);
+}
+
+TEST_F(LocalFileConfigStoreWritingTest, MakesNoFolderForADocumentThatItMayNotWrite) {
+    fs::remove(profile.config());
+    store->destroy();
+    store->storeValue(L"Key", L"v");
+    store->persistValues();
+    EXPECT_FALSE(fs::exists(profile.config()));
 }
 
 TEST_F(LocalFileConfigStoreWritingTest, WritesNothingWhenItIsReadOnly) {
@@ -287,6 +317,16 @@ TEST_F(LocalFileConfigStoreWritingTest, SchedulesNoBackupUnderAnotherNameOrWitho
     without.storeValue(L"Key", L"w");
     without.persistValues();
     EXPECT_THAT(readProtected(main), HasSubstr("\"w\""));
+}
+
+TEST_F(LocalFileConfigStoreWritingTest, WritesNoBackupOfAStoreThatIsNotShared) {
+    LocalFileConfigStore unshared(userName, 20, false);
+    unshared.setTimer(timer);
+    unshared.storeValue(L"Key", L"v");
+    unshared.persistValues();
+    fireBackup();
+    EXPECT_EQ(readProtected(main), document);
+    EXPECT_FALSE(fs::exists(backup));
 }
 
 TEST_F(LocalFileConfigStoreWritingTest, UsesTheIntervalItWasGiven) {

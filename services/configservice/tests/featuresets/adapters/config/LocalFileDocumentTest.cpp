@@ -11,6 +11,7 @@
 #include <secure/SecureString.h>
 
 #include <string>
+#include <string_view>
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -78,22 +79,20 @@ TEST(LocalFileDocument, ResolvesEntitiesButDoesNotEnterThem) {
                 ElementsAre(Pair(L"kx", L"ax<b")));
 }
 
-TEST(LocalFileDocument, IgnoresAnEntryWhoseEntitiesExpandTooFar) {
+TEST(LocalFileDocument, IgnoresEntriesOnceEntitiesHaveExpandedTooFar) {
     const testing_host::LogRecorder log;
-    const std::string laughs = "<!DOCTYPE r [<!ENTITY a '" + std::string(10'000, 'x') +
-                               "'><!ENTITY b '&a;&a;&a;&a;&a;"
-                               "&a;&a;&a;&a;&a;'>]>";
-    std::string many = "<r><userConfig name='first' value='&b;'/>";
-    for (int count = 0; count < 120; ++count) {
-        many += "<userConfig name='k" + std::to_string(count) + "' value='&b;'/>";
+    std::string references;
+    for (int count = 0; count < 200'000; ++count) {
+        references += "&a;";
     }
-    const ConfigMap values = read(laughs + many + "<userConfig name='plain' value='v'/></r>");
-    EXPECT_TRUE(values.empty() || values.at(L"plain") == L"v");
-    EXPECT_LT(values.size(), 102U);
-    EXPECT_TRUE(read(xml_test::billionLaughs("<r><userConfig name='k' value='&a9;'/></r>")).empty());
-    for (const auto& text : log.getTexts("ConfigService-LocalFileConfigStore")) {
-        EXPECT_EQ(text, "Error entities expand too far - entry ignored");
-    }
+    const ConfigMap values =
+        read("<!DOCTYPE r [<!ENTITY a 'x'>]><r><userConfig name='first' value='" + references +
+             "'/><userConfig name='second' value='" + references + "'/><userConfig name='third' value='v'/></r>");
+    EXPECT_THAT(values, ElementsAre(Pair(L"first", std::wstring(200'000, L'x')), Pair(L"third", L"v")));
+    EXPECT_THAT(log.getTexts("ConfigService-LocalFileConfigStore"),
+                ElementsAre("Error entities expand too far - entry ignored"));
+    EXPECT_EQ(log.getTexts(ZelLogLevel::Error).size(), 1U);
+    EXPECT_THAT(read(xml_test::billionLaughs("<r><userConfig name='k' value='&a9;'/></r>")), IsEmpty());
 }
 
 TEST(LocalFileDocument, RenamesTheOldVoicemailKeyBeforeItLooksForAnother) {
@@ -114,6 +113,17 @@ TEST(LocalFileDocument, WritesExactlyThisDocument) {
                                 " <userConfig name=\"Beta\" value=\"&lt;&amp;&gt;&quot;'\xC3\xA9&#9;&#13;&#10;\"/>\n"
                                 " <userConfig name=\"c_d\" value=\" v \"/>\n"));
     EXPECT_EQ(write({}), xml_test::localDocument(""));
+}
+
+TEST(LocalFileDocument, LeavesTheTextAloneWithoutMemory) {
+    zel::SecureString content("left over");
+    for (const std::size_t limit : {0U, 500U}) { // nothing at all, no writer
+        const xml_test::XmlMemoryLimit memory(limit);
+        LocalFileDocument::write({{L"k", std::wstring(500'000, L'x')}}, content);
+    }
+    std::string text;
+    content.withClearText([&](std::string_view clear) { text = clear; });
+    EXPECT_EQ(text, "left over");
 }
 
 TEST(LocalFileDocument, GivesBackWhatItWroteButTheCaseOfKeys) {

@@ -20,6 +20,7 @@ public:
     }
     void onSensitiveKeyAddedOrUpdated(std::wstring key) override {
         announcements.push_back("sensitive " + KyrCoreUtils::toString(key));
+        react(key);
     }
     void onConfigAddedOrUpdated(std::wstring key, std::wstring value, std::wstring originalValue, bool isOverridden,
                                 bool isDefined, std::wstring valueStoreName, std::wstring originalValueStoreName,

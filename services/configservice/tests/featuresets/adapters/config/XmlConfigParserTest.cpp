@@ -25,6 +25,19 @@ constexpr const char* loggerName = "ConfigService-XmlConfigParser";
 constexpr const char* syntaxLine = "\n************\nError Invalid XML syntax detected - Unable to read xml "
                                    "configuration.\n************";
 
+/// The private operation of this name: no text that parses lacks a root.
+bool parseDocument(const ZelUnified::XmlDocument& document, ConfigMap& values, ConfigKeySet& sensitiveKeys);
+
+template <auto operation>
+struct PrivateOperation {
+    friend bool parseDocument(const ZelUnified::XmlDocument& document, ConfigMap& values, ConfigKeySet& sensitiveKeys) {
+        return operation(document, values, sensitiveKeys);
+    }
+};
+
+// The arguments of an explicit instantiation may name what is private.
+template struct PrivateOperation<&XmlConfigParser::parseXmlConfig>;
+
 struct Table {
     bool read = false;
     ConfigMap values;
@@ -54,12 +67,24 @@ TEST(XmlConfigParser, ReadsRootGroupsAndKeys) {
     EXPECT_THAT(parse("<a><g>\xC3\x89<\xC3\x89>x</\xC3\x89></g></a>").values, ElementsAre(Pair(L"\u00E9", L"x")));
 }
 
+TEST(XmlConfigParser, TellsOfADocumentWithoutARoot) {
+    const testing_host::LogRecorder log;
+    const ZelUnified::XmlDocument rootless(xmlNewDoc(nullptr), &xmlFreeDoc);
+    ConfigMap values;
+    ConfigKeySet sensitive;
+    EXPECT_FALSE(parseDocument(rootless, values, sensitive));
+    EXPECT_THAT(log.getTexts(loggerName), ElementsAre("XML document root element not available."));
+    EXPECT_THAT(log.getTexts(ZelLogLevel::Warning), ElementsAre("XML document root element not available."));
+}
+
 TEST(XmlConfigParser, IgnoresAllButElementsOnTheUpperLevels) {
     const Table table = parse("<?xml version='1.0'?><!-- c --><a x='1'>text<!-- c --><?p i?><g k='2'>text"
                               "<![CDATA[data]]><!-- c --></g><h>text</h></a>");
     EXPECT_TRUE(table.read);
     EXPECT_THAT(table.values, IsEmpty());
-    EXPECT_TRUE(parse("<a/>").read);
+    const Table bare = parse("<a/>");
+    EXPECT_TRUE(bare.read);
+    EXPECT_THAT(bare.values, IsEmpty());
 }
 
 TEST(XmlConfigParser, JoinsTextAndCDataAndTrimsTheWhole) {
@@ -150,25 +175,36 @@ TEST(XmlConfigParser, SaysNothingOfAnEmptyTextAndMuchOfABadOne) {
 }
 
 TEST(XmlConfigParser, RefusesHostileTextsWithALine) {
-    std::string deep;
-    for (int level = 0; level < 100'000; ++level) {
-        deep += "<a>";
-    }
-    const std::vector<std::string> hostile = {
-        deep,
-        "<a><g><k>" + std::string(100'000'000, 'x') + "</k></g></a>",
-        std::string("<a><g><k>x\0y</k></g></a>", 24),
-        "<?xml version='1.0' encoding='utf-16'?><a/>",
-        "<a><g><k>\xC0\x80</k></g></a>",
-        " <?xml version='1.0'?><a/>",
-        "<a><g><k>&undeclared;</k></g></a>",
-    };
+    auto hostile = xml_test::hostileTexts();
+    hostile.push_back("<a><g><k>" + std::string(100'000'000, 'x') + "</k></g></a>");
     for (const std::string& xml : hostile) {
         const testing_host::LogRecorder log;
         const Table table = parse(xml);
         EXPECT_FALSE(table.read) << xml.substr(0, 60);
         EXPECT_TRUE(table.values.empty());
         EXPECT_THAT(log.getTexts(loggerName), ElementsAre(syntaxLine));
+    }
+}
+
+TEST(XmlConfigParser, RefusesHostileFilesWithALine) {
+    const testing_host::TemporaryProfile profile;
+    const std::string plain = (profile.root() / "plain.xml").string();
+    const std::string encrypted = (profile.root() / "cachedX.dat").string();
+    for (const std::string& xml : xml_test::hostileTexts()) {
+        SCOPED_TRACE(xml.substr(0, 60));
+        testing_host::writeFile(plain, xml);
+        ASSERT_TRUE(xml_test::writeProtected(encrypted, xml));
+        const testing_host::LogRecorder log;
+        ConfigMap values{{L"left over", L"x"}};
+        ConfigKeySet sensitive;
+        EXPECT_FALSE(XmlConfigParser::readFromFile(plain, values, sensitive));
+        EXPECT_TRUE(values.empty());
+        values[L"left over"] = L"x";
+        EXPECT_FALSE(XmlConfigParser::readFromEncryptedFile(encrypted, values, sensitive));
+        EXPECT_TRUE(values.empty());
+        EXPECT_THAT(log.getTexts(ZelLogLevel::Warning),
+                    ElementsAre("XML in file did not exist or is an invalid XML document: " + plain,
+                                "XML in file did not exist or is an invalid XML document: cachedX.dat or cachedX.dat"));
     }
 }
 
@@ -205,12 +241,15 @@ TEST(XmlConfigParser, TellsOfABadPlainFileButNotOfAnAbsentOne) {
     const testing_host::TemporaryProfile profile;
     const testing_host::LogRecorder log;
     const std::string path = (profile.root() / "plain.xml").string();
-    ConfigMap values;
+    ConfigMap values{{L"left over", L"x"}};
     ConfigKeySet sensitive;
     EXPECT_FALSE(XmlConfigParser::readFromFile(path, values, sensitive));
+    EXPECT_THAT(values, IsEmpty());
     EXPECT_THAT(log.getTexts(loggerName), IsEmpty());
     testing_host::writeFile(path, "");
+    values[L"left over"] = L"x";
     EXPECT_FALSE(XmlConfigParser::readFromFile(path, values, sensitive));
+    EXPECT_THAT(values, IsEmpty());
     EXPECT_THAT(log.getTexts(ZelLogLevel::Warning),
                 ElementsAre("XML in file did not exist or is an invalid XML document: " + path));
 }
@@ -248,9 +287,10 @@ TEST(XmlConfigParser, TellsOfAProtectedFileWithBadText) {
     const testing_host::LogRecorder log;
     const std::string path = (profile.root() / "settings.xml").string();
     ASSERT_TRUE(xml_test::writeProtected(path, "<a>"));
-    ConfigMap values;
+    ConfigMap values{{L"left over", L"x"}};
     ConfigKeySet sensitive;
     EXPECT_FALSE(XmlConfigParser::readFromEncryptedFile(path, values, sensitive));
+    EXPECT_THAT(values, IsEmpty());
     EXPECT_THAT(log.getTexts(ZelLogLevel::Warning),
                 ElementsAre("XML in file did not exist or is an invalid XML document: settings.xml or settings.dat"));
 }

@@ -123,6 +123,22 @@ TEST(XmlConfigParserWriting, TakesTheDeviceCategoryForUrlProvisioning) {
     check(profile.root() / "cachedurlprovisioningconfigstore.dat", UserData);
 }
 
+TEST(XmlConfigParserWriting, WritesAndSaysNothingWithoutMemory) {
+    const testing_host::TemporaryProfile profile;
+    const testing_host::LogRecorder log;
+    const fs::path path = profile.root() / "cachedX.dat";
+    std::string xml = "left over";
+    const ConfigMap values = {{L"k", L"v"}};
+    for (const std::size_t limit : {0U, 500U}) { // nothing at all, and a buffer but no writer
+        const xml_test::XmlMemoryLimit memory(limit);
+        EXPECT_FALSE(XmlConfigParser::writeToMemory(xml, values)) << limit;
+        EXPECT_FALSE(XmlConfigParser::writeToFile(path.string(), values)) << limit;
+    }
+    EXPECT_EQ(xml, "left over");
+    EXPECT_FALSE(fs::exists(path));
+    EXPECT_THAT(log.getRecords(), IsEmpty());
+}
+
 TEST(XmlConfigParserWriting, SavesAnXmlTextUnprotectedForItsOwnerAlone) {
     const testing_host::TemporaryProfile profile;
     const fs::path path = profile.root() / "folder" / "plain.xml";

@@ -88,8 +88,11 @@ TEST_F(XmlConfigStoreTest, NeverAnswersTheCertificateSwitch) {
     XmlConfigStore store("Name", 7, true, false,
                          write("<certificateVALIDATIONenabled>false</certificateVALIDATIONenabled>"), true);
     EXPECT_THAT(store.getKeys(), ElementsAre(L"certificatevalidationenabled"));
-    EXPECT_FALSE(store.getValue(L"CertificateValidationEnabled", value));
-    EXPECT_EQ(value, L"");
+    for (const auto* key : {L"CertificateValidationEnabled", L"certificatevalidationENABLED"}) {
+        value = L"left over";
+        EXPECT_FALSE(store.getValue(key, value));
+        EXPECT_EQ(value, L"");
+    }
     EXPECT_TRUE(store.removeValue(L"CertificateValidationEnabled"));
 }
 

@@ -60,6 +60,11 @@ TEST(XmlReader, RefusesNulBytesDepthAndHugeTexts) {
     EXPECT_EQ(XmlReader::readFile((profile.root() / "huge.xml").string()), nullptr);
 }
 
+TEST(XmlReader, RefusesWhatIsBehindAZero) {
+    EXPECT_NE(XmlReader::parseDoc("<a/>"), nullptr);
+    EXPECT_EQ(XmlReader::parseDoc(std::string("<a/>\0<b/>", 9)), nullptr);
+}
+
 TEST(XmlReader, LoadsNothingThatADocumentNames) {
     const testing_host::TemporaryProfile profile;
     const std::string secret = (profile.root() / "secret").string();
@@ -105,6 +110,23 @@ TEST(XmlReader, StopsExpandingWhenTheBudgetIsSpent) {
     EXPECT_EQ(XmlReader::getText(firstAttribute(document), enough), std::string(100, 'x'));
     std::size_t tooLittle = 50;
     EXPECT_EQ(XmlReader::getText(firstAttribute(document), tooLittle), std::nullopt);
+}
+
+TEST(XmlReader, ExpandsAMillionBytesAndStepsOfOneDocumentAndNoMore) {
+    const auto expand = [](std::size_t references, std::size_t& budget) {
+        std::string text = "<!DOCTYPE r [<!ENTITY a 'x'>]><r v='";
+        for (std::size_t count = 0; count < references; ++count) {
+            text += "&a;";
+        }
+        const auto document = XmlReader::parseDoc(text + "'/>");
+        return document ? XmlReader::getText(firstAttribute(document), budget) : std::nullopt;
+    };
+    std::size_t budget = XmlReader::expansionLimit;
+    EXPECT_EQ(expand(300'000, budget), std::string(300'000, 'x'));
+    EXPECT_EQ(expand(300'000, budget), std::nullopt) << "what one document's attributes share is spent";
+    budget = XmlReader::expansionLimit;
+    EXPECT_EQ(expand(400'000, budget), std::nullopt);
+    EXPECT_EQ(XmlReader::expansionLimit, 1'000'000U);
 }
 
 TEST(XmlReader, SurvivesABillionLaughs) {

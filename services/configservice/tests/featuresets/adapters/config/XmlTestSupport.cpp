@@ -1,9 +1,11 @@
 #include "XmlTestSupport.h"
 
 #include <libxml/parser.h>
+#include <libxml/xmlmemory.h>
 #include <secure/SecureBuffer.h>
 #include <secure/SecureString.h>
 
+#include <cstring>
 #include <utility>
 
 namespace xml_test {
@@ -28,6 +30,39 @@ xmlParserInputPtr countLoad(const char* url, const char* id, xmlParserCtxtPtr co
     }
     ++loads().count;
     return nullptr;
+}
+
+struct XmlMemory {
+    xmlFreeFunc free = nullptr;
+    xmlMallocFunc allocate = nullptr;
+    xmlReallocFunc grow = nullptr;
+    xmlStrdupFunc copy = nullptr;
+    std::size_t limit = 0;
+};
+
+XmlMemory& memory() {
+    static XmlMemory instance;
+    return instance;
+}
+
+void* allocateWithinLimit(std::size_t size) {
+    return size > memory().limit ? nullptr : memory().allocate(size);
+}
+
+void* growWithinLimit(void* block, std::size_t size) {
+    return size > memory().limit ? nullptr : memory().grow(block, size);
+}
+
+char* copyWithinLimit(const char* text) {
+    return std::strlen(text) >= memory().limit ? nullptr : memory().copy(text);
+}
+
+std::string repeat(const std::string& text, int times) {
+    std::string all;
+    for (int count = 0; count < times; ++count) {
+        all += text;
+    }
+    return all;
 }
 
 } // namespace
@@ -58,6 +93,36 @@ LoadCounter::~LoadCounter() {
 
 int LoadCounter::count() const {
     return loads().count;
+}
+
+XmlMemoryLimit::XmlMemoryLimit(std::size_t bytes) {
+    xmlInitParser();
+    XmlMemory& real = memory();
+    xmlMemGet(&real.free, &real.allocate, &real.grow, &real.copy);
+    real.limit = bytes;
+    xmlMemSetup(real.free, &allocateWithinLimit, &growWithinLimit, &copyWithinLimit);
+}
+
+XmlMemoryLimit::~XmlMemoryLimit() {
+    const XmlMemory& real = memory();
+    xmlMemSetup(real.free, real.allocate, real.grow, real.copy);
+}
+
+std::vector<std::string> hostileTexts() {
+    return {
+        repeat("<a>", 100'000),
+        repeat("<a>", 10'000) + repeat("</a>", 10'000),
+        "<a><g><k v='" + std::string(11'000'000, 'x') + "'/></g></a>",
+        "<a><g><k>v</k></g>",
+        std::string("<a><g><k>x\0y</k></g></a>", 24),
+        "<?xml version='1.0' encoding='utf-16'?><a><g><k>v</k></g></a>",
+        "<?xml version='1.0' encoding='no-such'?><a><g><k>v</k></g></a>",
+        "<a><g><k>\xC0\x80</k></g></a>",
+        " <?xml version='1.0'?><a><g><k>v</k></g></a>",
+        "<a><g><k>&undeclared;</k></g></a>",
+        "<!DOCTYPE a [<!ENTITY e SYSTEM '/etc/hostname'>]><a><g><k v='&e;'>v</k></g></a>",
+        "<!DOCTYPE a [<!ENTITY e '&e;'>]><a><g><k v='&e;'>v</k></g></a>",
+    };
 }
 
 std::string billionLaughs(const std::string& body) {

@@ -5,7 +5,9 @@
 
 #include <ConfigMap.h>
 
+#include <cstddef>
 #include <string>
+#include <vector>
 
 namespace xml_test {
 
@@ -35,6 +37,19 @@ public:
 
     int count() const;
 };
+
+/// While it lives libxml2 gets no block of more than that many bytes.
+class XmlMemoryLimit {
+public:
+    explicit XmlMemoryLimit(std::size_t bytes);
+    ~XmlMemoryLimit();
+    XmlMemoryLimit(const XmlMemoryLimit&) = delete;
+    XmlMemoryLimit& operator=(const XmlMemoryLimit&) = delete;
+};
+
+/// Texts that no reader takes: too deep, too long, cut short, in a wrong encoding, with a zero, with an entity that is
+/// not declared.
+std::vector<std::string> hostileTexts();
 
 /// An entity that would expand to a billion copies of its innermost text.
 std::string billionLaughs(const std::string& body);

@@ -1,7 +1,11 @@
+#include "XmlTestSupport.h"
+
 #include <featuresets/adapters/config/XmlReader.h>
 #include <featuresets/adapters/config/XmlWriter.h>
 #include <gtest/gtest.h>
+#include <libxml/xmlwriter.h>
 
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -10,7 +14,6 @@ using ZelUnified::XmlWriter;
 
 TEST(XmlWriter, WritesAnIndentedUtf8Document) {
     XmlWriter writer;
-    ASSERT_TRUE(writer.isReady());
     writer.startElement("a");
     writer.startElement("b");
     writer.writeAttribute("k", "<&>\"\t\r\n\xC3\xA9");
@@ -20,6 +23,106 @@ TEST(XmlWriter, WritesAnIndentedUtf8Document) {
     EXPECT_EQ(writer.finish(), "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<a>\n"
                                " <b k=\"&lt;&amp;&gt;&quot;&#9;&#13;&#10;\xC3\xA9\"/>\n"
                                " <c>&lt;&amp;&gt;&quot;\t&#13;\n\xC3\xA9</c>\n <d></d>\n</a>\n");
+}
+
+namespace {
+
+const xmlChar* toXml(const std::string& text) {
+    return reinterpret_cast<const xmlChar*>(text.c_str());
+}
+
+/// The same document by the library's own writer.
+std::string writeByLibrary(const std::vector<std::string>& texts) {
+    const std::unique_ptr<xmlBuffer, decltype(&xmlBufferFree)> buffer(xmlBufferCreate(), &xmlBufferFree);
+    xmlTextWriter* writer = xmlNewTextWriterMemory(buffer.get(), 0);
+    xmlTextWriterSetIndent(writer, 1);
+    xmlTextWriterStartDocument(writer, nullptr, "utf-8", nullptr);
+    xmlTextWriterStartElement(writer, toXml("root"));
+    for (const auto& text : texts) {
+        xmlTextWriterStartElement(writer, toXml("group"));
+        xmlTextWriterWriteAttribute(writer, toXml("text"), toXml(text));
+        xmlTextWriterWriteElement(writer, toXml("key"), toXml(text));
+        xmlTextWriterStartElement(writer, toXml("empty"));
+        xmlTextWriterEndElement(writer);
+        xmlTextWriterEndElement(writer);
+    }
+    xmlTextWriterEndDocument(writer);
+    xmlFreeTextWriter(writer);
+    return reinterpret_cast<const char*>(xmlBufferContent(buffer.get()));
+}
+
+} // namespace
+
+TEST(XmlWriter, WritesWhatTheLibrarysWriterWrites) {
+    std::vector<std::string> texts = {"",
+                                      " ",
+                                      "]]>",
+                                      "&amp;",
+                                      "\xC3\xA9\xE4\xB8\xAD\xF0\x9F\x98\x80",
+                                      "\xEF\xBF\xBD",
+                                      std::string(20'000, 'x') + "<&>"};
+    for (char character = 1; character < 127; ++character) {
+        texts.emplace_back(1, character);
+        XmlWriter::replaceIllegalCharacters(texts.back());
+    }
+    XmlWriter writer;
+    writer.startElement("root");
+    for (const auto& text : texts) {
+        writer.startElement("group");
+        writer.writeAttribute("text", text);
+        writer.writeElement("key", text);
+        writer.startElement("empty");
+        writer.endElement();
+        writer.endElement();
+    }
+    EXPECT_EQ(writer.finish(), writeByLibrary(texts));
+}
+
+TEST(XmlWriter, GivesEachLevelABlankAndEndsWhatIsOpen) {
+    XmlWriter writer(XmlWriter::Declaration::Without);
+    writer.startElement("a");
+    writer.startElement("b");
+    writer.startElement("c");
+    writer.endElement();
+    writer.endElement();
+    writer.startElement("d");
+    EXPECT_EQ(writer.finish(), "<a>\n <b>\n  <c/>\n </b>\n <d/>\n</a>\n");
+}
+
+TEST(XmlWriter, LeavesOutAnElementWithoutAName) {
+    XmlWriter writer(XmlWriter::Declaration::Without);
+    writer.startElement("a");
+    writer.writeElement("", "lost");
+    writer.writeElement(std::string("b\0c", 3), "kept");
+    EXPECT_EQ(writer.finish(), "<a>\n <b>kept</b>\n</a>\n");
+}
+
+TEST(XmlWriter, TakesTextsOfAnyLength) {
+    XmlWriter writer(XmlWriter::Declaration::Without);
+    std::string expected = "<a>\n";
+    writer.startElement("a");
+    for (std::size_t length = 1; length < 100'000; length *= 3) {
+        const std::string text(length, 'x');
+        writer.writeElement("b", text);
+        expected += " <b>" + text + "</b>\n";
+    }
+    EXPECT_EQ(writer.finish(), expected + "</a>\n");
+}
+
+TEST(XmlWriter, IsNotReadyWithoutMemory) {
+    const xml_test::XmlMemoryLimit none(0);
+    EXPECT_FALSE(XmlWriter().isReady());
+}
+
+TEST(XmlWriter, NeverGivesADocumentOutOfWhichAPartIsMissing) {
+    XmlWriter writer;
+    writer.startElement("a");
+    {
+        const xml_test::XmlMemoryLimit none(0);
+        writer.writeElement("lost", "x");
+    }
+    writer.writeElement("after", "x");
+    EXPECT_EQ(writer.finish(), "");
 }
 
 TEST(XmlWriter, ReplacesWhatXmlCantCarry) {

@@ -1,0 +1,222 @@
+// What it takes to bring sources together: the construction of a chain with cached stores beside reading their files,
+// the arrival of ever larger stores beside filling a map, and a write through the whole road.
+#include "MarkdownReporter.h"
+#include "SyntheticKeys.h"
+#include "services/impl/InjectConfigService.h"
+
+#include <CacheConfigStore.h>
+#include <ConfigFeatureSet.h>
+#include <ConfigService.h>
+#include <InMemoryConfigStore.h>
+#include <ManualClock.h>
+#include <RecordingFactory.h>
+#include <TemporaryProfile.h>
+#include <benchmark/benchmark.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <functional>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using namespace ZelUnified;
+
+constexpr int cachedStores = 10;
+constexpr std::size_t keysInStore = 2000;
+/// The stores that the service makes of itself.
+constexpr int initialStores = 5;
+
+void require(bool holds, const char* what) {
+    if (!holds) {
+        throw std::logic_error(std::string("wrong answer: ") + what);
+    }
+}
+
+ConfigMap makeValues(bench::SyntheticKeys& generator, std::size_t count) {
+    ConfigMap values;
+    for (auto& key : generator.makeKeys(count)) {
+        values.emplace(std::move(key), generator.makeValue());
+    }
+    return values;
+}
+
+std::shared_ptr<InMemoryConfigStore> makeStore(const std::string& name, int priority, const ConfigMap& values) {
+    auto store = std::make_shared<InMemoryConfigStore>(name, priority);
+    for (const auto& [key, value] : values) {
+        store->storeValue(key, value);
+    }
+    return store;
+}
+
+/// The service on a factory without threads: this thread is the dispatcher's.
+class Service {
+public:
+    Service() {
+        InjectConfigService(factory);
+        factory->StartFeatureSet(configServiceId, nullptr);
+        service = factory->getServiceByType<ConfigService>();
+        featureSet = factory->getFeatureSetByType<ConfigFeatureSet>();
+    }
+    ~Service() {
+        service.reset();
+        featureSet.reset();
+        factory->Destroy();
+    }
+    Service(const Service&) = delete;
+    Service& operator=(const Service&) = delete;
+
+    const std::shared_ptr<testing_host::RecordingFactory> factory = std::make_shared<testing_host::RecordingFactory>();
+    std::shared_ptr<ConfigService> service;
+    std::shared_ptr<ConfigFeatureSet> featureSet;
+};
+
+std::string cacheName(int index) {
+    return "Delivered" + std::to_string(index);
+}
+
+std::string cachePath(const testing_host::TemporaryProfile& profile, int index) {
+    return (profile.config() / "Cache" / ("cached" + cacheName(index) + ".dat")).string();
+}
+
+/// Leaves a profile as a run does in which ten services delivered a document, and gives a key of the last one.
+std::wstring leaveCopies(const testing_host::TemporaryProfile& profile, bench::SyntheticKeys& generator) {
+    std::string record;
+    std::wstring lastKey;
+    for (int i = 0; i < cachedStores; ++i) {
+        auto values = makeValues(generator, keysInStore);
+        lastKey = values.rbegin()->first;
+        const CacheConfigStore writer(cacheName(i), 100 + i, cachePath(profile, i), values);
+        record += cacheName(i) + ":" + std::to_string(100 + i) + ";";
+    }
+    testing_host::writeFile(profile.resources() / "lumora-config-defaults.xml",
+                            "<Lumora><userConfig name=\"PrimaryConfigStores\" value=\"" + record + "\"/></Lumora>");
+    return lastKey;
+}
+
+void registerConstruction(const testing_host::TemporaryProfile& profile, const std::wstring& lastKey) {
+    benchmark::RegisterBenchmark("construction with 10 cached stores of 2,000 keys/service",
+                                 [&](benchmark::State& state) {
+                                     while (state.KeepRunning()) {
+                                         const Service constructed;
+                                         require(constructed.service->getConfig(lastKey)->getisDefined(), "a copy");
+                                     }
+                                 });
+    benchmark::RegisterBenchmark("construction with 10 cached stores of 2,000 keys/bare limit",
+                                 [&](benchmark::State& state) {
+                                     while (state.KeepRunning()) {
+                                         for (int i = 0; i < cachedStores; ++i) {
+                                             CacheConfigStore store(cacheName(i), 100 + i, cachePath(profile, i));
+                                             benchmark::DoNotOptimize(&store);
+                                         }
+                                     }
+                                 });
+}
+
+/// Times `arrive` alone, divided by `divisor`; `leave` puts things back.
+void timeArrival(benchmark::State& state, double divisor, const std::function<void()>& arrive,
+                 const std::function<void()>& leave) {
+    while (state.KeepRunning()) {
+        const auto begin = std::chrono::steady_clock::now();
+        arrive();
+        const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - begin;
+        state.SetIterationTime(elapsed.count() / divisor);
+        leave();
+    }
+}
+
+/// A service with a chain of ten stores.
+class ChainOfTen : public Service {
+public:
+    explicit ChainOfTen(bench::SyntheticKeys& generator) {
+        for (int i = initialStores; i < 10; ++i) {
+            featureSet->addConfigStore(
+                makeStore("Store" + std::to_string(i), 40 + i, makeValues(generator, keysInStore)));
+        }
+    }
+
+    void take(const std::shared_ptr<InMemoryConfigStore>& store, const std::wstring& key) {
+        featureSet->addConfigStore(store);
+        require(service->getConfig(key)->getisDefined(), "an arrival");
+    }
+    void drop(const std::shared_ptr<InMemoryConfigStore>& store, const std::wstring& key) {
+        featureSet->removeConfigStore(store->getName());
+        require(!service->getConfig(key)->getisDefined(), "a departure");
+        factory->backgroundDispatcher->clear();
+    }
+};
+
+void registerArrival(ChainOfTen& subject, const std::string& count, const ConfigMap& values) {
+    const auto name = "arrival of a store of " + count + " keys in a chain of 10";
+    const auto store = makeStore("Arriving", 45, values);
+    const auto key = values.begin()->first;
+    const auto arrive = [&subject, store, key](benchmark::State& state, double divisor) {
+        timeArrival(
+            state, divisor, [&] { subject.take(store, key); }, [&] { subject.drop(store, key); });
+    };
+    benchmark::RegisterBenchmark((name + "/service").c_str(), arrive, 1.0)->UseManualTime();
+    benchmark::RegisterBenchmark((name + "/bare limit").c_str(), [&values](benchmark::State& state) {
+        ConfigMap filled;
+        timeArrival(
+            state, 1, [&] { filled = ConfigMap(values.begin(), values.end()); }, [&] { filled.clear(); });
+    })->UseManualTime();
+    // Flat down the column: the time grows as the number of keys does. A share of the time must not decide on the
+    // number of rounds.
+    benchmark::RegisterBenchmark((name + "/service, for each key").c_str(), arrive, static_cast<double>(values.size()))
+        ->UseManualTime()
+        ->Iterations(3);
+}
+
+void registerWrites(ChainOfTen& subject) {
+    static const std::wstring key = L"ServicesDomain";
+    const auto valueOf = [](std::size_t round) { return round % 2 == 0 ? L"even.example.com" : L"odd.example.com"; };
+    const auto writeAndTell = [&subject, valueOf](std::size_t round) {
+        subject.service->setConfig(key, valueOf(round));
+        require(subject.service->getConfig(key)->getValue() == valueOf(round), "a write");
+    };
+    benchmark::RegisterBenchmark("a write until the record has it/service", [=, &subject](benchmark::State& state) {
+        std::size_t round = 0;
+        while (state.KeepRunning()) {
+            writeAndTell(++round);
+        }
+        subject.factory->backgroundDispatcher->clear();
+    });
+    benchmark::RegisterBenchmark("a write until the file has it/service", [=, &subject](benchmark::State& state) {
+        std::size_t round = 0;
+        while (state.KeepRunning()) {
+            writeAndTell(++round);
+            subject.factory->backgroundDispatcher->runAll();
+        }
+    });
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
+        return EXIT_FAILURE;
+    }
+    const testing_host::ManualClock clock; // the late backup is nobody's business here
+    const testing_host::TemporaryProfile profile;
+    bench::SyntheticKeys generator(20240229);
+    const std::vector<std::pair<std::string, ConfigMap>> arrivals{{"1,000", makeValues(generator, 1000)},
+                                                                  {"10,000", makeValues(generator, 10000)},
+                                                                  {"100,000", makeValues(generator, 100000)}};
+    {
+        ChainOfTen subject(generator);
+        const auto lastKey = leaveCopies(profile, generator);
+        registerConstruction(profile, lastKey);
+        for (const auto& [count, values] : arrivals) {
+            registerArrival(subject, count, values);
+        }
+        registerWrites(subject);
+        bench::MarkdownReporter reporter;
+        benchmark::RunSpecifiedBenchmarks(&reporter);
+    }
+    return EXIT_SUCCESS;
+}

@@ -1,0 +1,13 @@
+# Writes a C++ file with the bytes of another file in it: cmake -DINPUT=... -DOUTPUT=... -DFUNCTION=... -DHEADER=... -P
+# FUNCTION is declared by HEADER in namespace lumora_config and gives a std::string_view.
+file(READ ${INPUT} bytes HEX)
+string(REGEX REPLACE "([0-9a-f][0-9a-f])" "'\\\\x\\1'," bytes "${bytes}")
+string(REGEX REPLACE "('[^']+',('[^']+',)?('[^']+',)?('[^']+',)?('[^']+',)?('[^']+',)?('[^']+',)?('[^']+',)?)" "\\1\n" bytes "${bytes}")
+file(WRITE ${OUTPUT}
+  "#include \"${HEADER}\"\n\n#include <array>\n\n"
+  "namespace lumora_config {\n\n"
+  "std::string_view ${FUNCTION}() {\n"
+  "    static constexpr std::array bytes{\n${bytes}};\n"
+  "    return {bytes.data(), bytes.size()};\n"
+  "}\n\n"
+  "} // namespace lumora_config\n")

@@ -1,0 +1,55 @@
+// Whatever is read from a local file's document is written in a form that reads back as the same table.
+#include "Require.h"
+#include "featuresets/adapters/config/LocalFileDocument.h"
+#include "secure/SecureString.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <string>
+
+using fuzz::require;
+using ZelUnified::ConfigMap;
+using ZelUnified::LocalFileDocument;
+using ZelUnified::XmlReader;
+
+namespace {
+
+/// The library's own limits refuse very long values when they come back.
+constexpr std::size_t comparedLength = 1'000'000;
+
+std::string write(const ConfigMap& values) {
+    zel::SecureString content;
+    LocalFileDocument::write(values, content);
+    std::string text;
+    content.withClearText([&](std::string_view clear) { text = clear; });
+    return text;
+}
+
+bool isSame(const ConfigMap& a, const ConfigMap& b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](const auto& x, const auto& y) {
+        return KyrCoreUtils::caseInsensitiveStringEquals(x.first, y.first) && x.second == y.second;
+    });
+}
+
+} // namespace
+
+// The name is libFuzzer's.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data,
+                                      std::size_t size) { // NOLINT(readability-identifier-naming)
+    const auto document = XmlReader::parseDoc(std::string(reinterpret_cast<const char*>(data), size));
+    if (!document) {
+        return 0;
+    }
+    ConfigMap values;
+    LocalFileDocument("LocalFileConfigStore", values).read(document);
+    const std::string text = write(values);
+    if (text.size() > comparedLength) {
+        return 0;
+    }
+    ConfigMap again;
+    const auto written = XmlReader::parseDoc(text);
+    require(written != nullptr);
+    LocalFileDocument("LocalFileConfigStore", again).read(written);
+    require(isSame(values, again));
+    return 0;
+}

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <cstdint>
+
+namespace crash_test {
+
+enum class Disk { Healthy, Fills };
+
+/// Runs the user's store in the folders of the profile, writes one number after another, backups between them, and
+/// reports to `pipeEnd` what a reader of its own then finds in the file. Never returns.
+void writeNumbers(int pipeEnd, Disk disk, std::uint32_t seed);
+
+} // namespace crash_test

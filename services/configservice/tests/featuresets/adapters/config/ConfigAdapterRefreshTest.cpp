@@ -1,0 +1,40 @@
+#include "ConfigAdapterFixture.h"
+
+namespace ZelUnified {
+
+/// How a refresh differs from the first construction.
+class ConfigAdapterRefresh : public ConfigAdapterFixture {
+protected:
+    std::wstring derivedTelephony() {
+        return adapter->getValueFromConfigStore("InMemoryConfigStore", L"Telephony_Enabled");
+    }
+};
+
+TEST_F(ConfigAdapterRefresh, DerivesTheFlagsBeforeThePolicyAndConstructionAfterIt) {
+    givenDefaults({{L"Telephony_Enabled", L"true"}});
+    loadAndStart();
+    adapter->setConfig(L"CtiServer1", L"mine");
+    unload();
+    givenPolicy(L"Customize_Phone_Server", L"false");
+    testing_host::writeFile(cacheFile("TftpConfigStore"), "a copy, by its name");
+    load();
+    EXPECT_EQ(derivedTelephony(), L"false") << "the user's server was gone already";
+    start();
+    adapter->setConfig(L"CtiServer1", L"mine again");
+    factory->backgroundDispatcher->runAll();
+    adapter->refreshConfigFeatureSet();
+    EXPECT_EQ(derivedTelephony(), L"true") << "the user's server was still there";
+    EXPECT_EQ(valueOf(L"CtiServer1"), L"(none)");
+}
+
+TEST_F(ConfigAdapterRefresh, OfAStartedAdapterReadsWithoutTheErrorLinesOfConstruction) {
+    load();
+    const auto guarded = countLogged("Config FeatureSet Not Started");
+    start();
+    log.clear();
+    adapter->refreshConfigFeatureSet();
+    EXPECT_EQ(countLogged("Config FeatureSet Not Started"), 0);
+    EXPECT_GT(guarded, 0);
+}
+
+} // namespace ZelUnified

@@ -1,0 +1,62 @@
+#include "PlantedSecret.h"
+#include "SessionProcess.h"
+
+#include <CacheConfigStore.h>
+#include <LocalFileConfigStore.h>
+#include <TemporaryProfile.h>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+using memory_test::PlantedSecret;
+using memory_test::SessionProcess;
+
+namespace {
+
+/// What a process holds in memory that was only ever told by files what the secret is.
+class MemoryImageTest : public testing::Test {
+protected:
+    void plantInUserFile() const {
+        const auto store = std::make_shared<ZelUnified::LocalFileConfigStore>("LocalFileConfigStore", 20, false);
+        store->storeValue(L"ConnectionPassword", secret.text());
+        store->persistValues();
+    }
+
+    void plantInCachedCopy(const std::string& name) const {
+        ZelUnified::ConfigMap values{{L"ConnectionPassword", secret.text()}};
+        const auto path = profile.config() / "Cache" / ("cached" + name + ".dat");
+        const ZelUnified::CacheConfigStore writer(name, 240, path.string(), values);
+    }
+
+    void expectCopies(const std::string& scenario, std::size_t copies) const {
+        const SessionProcess session(profile, scenario);
+        ASSERT_TRUE(session.waitUntilDone()) << testing_host::readFile(profile.root() / "stderr");
+        const std::string image = session.readImage();
+        ASSERT_FALSE(image.empty()) << testing_host::readFile(profile.root() / "debugger.log");
+        for (const auto& piece : secret.pieces()) {
+            EXPECT_EQ(memory_test::countWide(image, piece), copies) << "of " << piece;
+            EXPECT_EQ(memory_test::countNarrow(image, piece), 0U) << "of " << piece;
+        }
+    }
+
+    testing_host::TemporaryProfile profile;
+    const PlantedSecret secret;
+};
+
+TEST_F(MemoryImageTest, AUserStoreHoldsASecretInItsTableAndInThatOfTheLastWriteAlone) {
+    plantInUserFile();
+    expectCopies("user", 2);
+}
+
+TEST_F(MemoryImageTest, AServiceHoldsASecretInItsStoresTablesAndInItsRecordAlone) {
+    plantInUserFile();
+    expectCopies("service", 3);
+}
+
+TEST_F(MemoryImageTest, ACachedCopyHoldsASecretInItsTableAlone) {
+    plantInCachedCopy("Presence");
+    expectCopies("Presence", 1);
+}
+
+} // namespace

@@ -1,0 +1,59 @@
+#include "Program.h"
+
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+
+#include <set>
+
+namespace program_test {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr auto ownersFile = fs::perms::owner_read | fs::perms::owner_write;
+constexpr auto ownersFolder = fs::perms::owner_all;
+
+/// The program inherits it: what it makes is as open as the program itself leaves it.
+class OpenUmask {
+public:
+    OpenUmask() : before(umask(0)) {}
+    ~OpenUmask() { umask(before); }
+    OpenUmask(const OpenUmask&) = delete;
+    OpenUmask& operator=(const OpenUmask&) = delete;
+
+private:
+    mode_t before;
+};
+
+} // namespace
+
+TEST(Permissions, AllThatASessionLeavesIsTheOwnersAlone) {
+    const Profile profile;
+    const std::string document = profile.writeDocument("resources/a.xml", "<FromServer>x</FromServer>");
+    {
+        const OpenUmask open;
+        const auto outcome = profile.shell({"set Theme dark", "add-store " + document + ":Foreign:40:cache",
+                                            "observe Theme", "set ConnectionPassword planted-secret", "report", "log",
+                                            "provision lumora://provision?ServicesDomain=example.org", "wait"},
+                                           {"-v"});
+        ASSERT_EQ(outcome.exitCode, 0) << outcome.error;
+        ASSERT_EQ(profile.run({"set", "Theme", "light"}).exitCode, 0);
+    }
+    std::set<std::string> seen;
+    for (const auto& entry : fs::recursive_directory_iterator(profile.root())) {
+        const std::string name = fs::relative(entry.path(), profile.root()).generic_string();
+        if (name.starts_with("resources")) {
+            continue; // the installation's
+        }
+        seen.insert(name);
+        EXPECT_EQ(entry.symlink_status().permissions(), entry.is_directory() ? ownersFolder : ownersFile) << name;
+    }
+    for (const auto* name : {"config/lumoraLocalConfig.dat", "config/lumoraLocalConfig_backup.dat",
+                             "config/Cache/cachedForeign.dat", "config/Cache/cachedUrlProvisioningConfigStore.dat",
+                             "data/keys/cat0.key", "data/keys/cat2.key", "state/lumora-config.log"}) {
+        EXPECT_TRUE(seen.contains(name)) << name;
+    }
+}
+
+} // namespace program_test

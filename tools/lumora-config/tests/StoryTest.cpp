@@ -1,0 +1,135 @@
+#include "Program.h"
+
+#include <gmock/gmock.h>
+
+#include <map>
+
+namespace program_test {
+
+using testing::HasSubstr;
+
+namespace {
+
+constexpr const char* key = "InvalidCertificateBehavior";
+
+/// One profile through many runs of the program, from the installation to the device management's last word.
+class Story : public testing::Test {
+protected:
+    /// What a run without documents of a server answers.
+    std::string valueOf(const std::string& name) const { return profile.run({"get", name, "--origin"}).out; }
+    /// The same of a run in which a server delivers a document.
+    std::string valueWith(const std::string& store) const {
+        return profile.run({"--store", store, "get", key, "--origin"}).out;
+    }
+    std::string document(const std::string& name, const std::string& value) const {
+        return profile.writeDocument(name, "<" + std::string(key) + ">" + value + "</" + key + ">");
+    }
+    void importPolicy(const std::string& fileName, const std::string& name, const std::string& value) const {
+        const auto outcome = profile.run(
+            {"import-policy",
+             profile.write(fileName,
+                           "Windows Registry Editor Version 5.00\r\n\r\n[HKEY_CURRENT_USER\\Software\\Policies"
+                           "\\Ventrix Systems, Inc.\\Unified Communications\\VentrixUC]\r\n\"" +
+                               name + "\"=\"" + value + "\"\r\n")});
+        EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
+    }
+    void set(const std::string& name, const std::string& value) const {
+        EXPECT_EQ(profile.run({"set", name, value}).exitCode, 0);
+    }
+    /// Which store says what of the key.
+    std::map<std::string, std::string> opinions() const {
+        std::map<std::string, std::string> found;
+        const auto explanation = profile.run({"--json", "explain", key}).lines().at(0);
+        for (const auto& store : explanation.at("stores")) {
+            for (const auto& holding : store.at("holds")) {
+                found[store.at("name")] = holding.at("value");
+            }
+        }
+        return found;
+    }
+
+    void sourcesComeAndGo() const;
+    void theUserHasTheFirstWord() const;
+    void aSwitchTakesTheUsersServers() const;
+    void aLinkProvisionsOnce() const;
+    void deviceManagementForbidsIt() const;
+
+    const Profile profile;
+    const std::string link = "lumora://provision?ServicesDomain=example.org";
+};
+
+void Story::sourcesComeAndGo() const {
+    EXPECT_EQ(valueOf(key), "PromptPerSession  (lumora-config-defaults.xml)\n");
+    importPolicy("branch.reg", key, "policy");
+    EXPECT_EQ(valueOf(key), "policy  (RegistryConfigStore)\n");
+    EXPECT_EQ(valueWith(document("behind.xml", "behind") + ":Behind:100:cache"), "policy  (RegistryConfigStore)\n");
+    EXPECT_EQ(valueWith(document("front.xml", "front") + ":Front:30:cache"), "front  (Front)\n");
+    EXPECT_EQ(valueOf(key), "front  (Front)\n");
+}
+
+void Story::theUserHasTheFirstWord() const {
+    set(key, "mine");
+    EXPECT_EQ(valueOf(key), "mine  (LocalFileConfigStore)\n");
+    EXPECT_EQ(opinions(), (std::map<std::string, std::string>{{"LocalFileConfigStore", "mine"},
+                                                              {"Front", "front"},
+                                                              {"RegistryConfigStore", "policy"},
+                                                              {"Behind", "behind"},
+                                                              {"lumora-config-defaults.xml", "PromptPerSession"}}));
+    const auto before = profile.run({"get", key, "--admin"}).out;
+    EXPECT_EQ(profile.run({"reset", key}).exitCode, 0);
+    EXPECT_EQ(before, "front\n");
+    EXPECT_EQ(valueOf(key), "front  (Front)\n");
+    EXPECT_EQ(profile.run({"remove-store", "Front"}).exitCode, 0);
+    EXPECT_EQ(valueOf(key), "policy  (RegistryConfigStore)\n");
+}
+
+void Story::aSwitchTakesTheUsersServers() const {
+    for (const auto* server : {"TFTPPrimaryServer", "CtiServer1", "SabrelServer1"}) {
+        set(server, "mine.example");
+    }
+    EXPECT_EQ(valueOf("CtiServer1"), "mine.example  (LocalFileConfigStore, under its old name)\n");
+    importPolicy("servers.reg", "Customize_Phone_Server", "false");
+    for (const auto* server : {"TFTPPrimaryServer", "CtiServer1", "SabrelServer1"}) {
+        EXPECT_EQ(profile.run({"get", server}).exitCode, 1) << server;
+    }
+    // Taken back the switch brings nothing back: the settings are gone from the user's file.
+    importPolicy("servers.reg", "Customize_Phone_Server", "true");
+    EXPECT_EQ(profile.run({"get", "CtiServer1"}).exitCode, 1);
+}
+
+void Story::aLinkProvisionsOnce() const {
+    EXPECT_EQ(profile.run({"provision", link}).exitCode, 0);
+    EXPECT_EQ(valueOf("ServicesDomain"), "example.org  (UrlProvisioningConfigStore)\n");
+    const auto again = profile.run({"provision", "lumora://provision?ServicesDomain=example.net"});
+    EXPECT_EQ(again.exitCode, 1);
+    EXPECT_THAT(again.error, HasSubstr("AllowUrlProvisioning is false"));
+    EXPECT_EQ(valueOf("ServicesDomain"), "example.org  (UrlProvisioningConfigStore)\n");
+}
+
+void Story::deviceManagementForbidsIt() const {
+    ASSERT_EQ(profile.run({"reset-provisioning"}).exitCode, 0);
+    const auto push = profile.writeDocument("mdm.xml", "<AllowUrlProvisioning>false</AllowUrlProvisioning>");
+    const auto outcome = profile.shell(
+        {"mdm " + push, "provision " + link, "reset-provisioning", "provision " + link, "refresh"}, {"--json"});
+    EXPECT_EQ(outcome.exitCode, 1);
+    std::vector<std::string> answers;
+    for (const auto& line : outcome.lines()) {
+        answers.push_back(std::string(line.at("command")) + " " + std::string(line.at("type")));
+    }
+    EXPECT_THAT(answers, testing::ElementsAre("mdm done", "provision failure", "reset-provisioning failure",
+                                              "provision failure", "refresh done"));
+    // The refresh has taken away what an earlier link had set, with its copy.
+    EXPECT_EQ(profile.run({"get", "ServicesDomain"}).exitCode, 1);
+}
+
+} // namespace
+
+TEST_F(Story, OfAProfileFromItsInstallationToItsLastWord) {
+    sourcesComeAndGo();
+    theUserHasTheFirstWord();
+    aSwitchTakesTheUsersServers();
+    aLinkProvisionsOnce();
+    deviceManagementForbidsIt();
+}
+
+} // namespace program_test
