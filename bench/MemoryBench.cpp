@@ -71,7 +71,7 @@ std::size_t measureRecords(const ConfigMap& values) {
     const auto factory = std::make_shared<testing_host::RecordingFactory>();
     InjectConfigService(factory);
     factory->StartFeatureSet(configServiceId, nullptr);
-    const auto store = makeStore(values);
+    auto store = makeStore(values);
     const auto bytes = measure([&] {
         factory->getFeatureSetByType<ConfigFeatureSet>()->addConfigStore(store);
         factory->backgroundDispatcher->clear();

@@ -148,17 +148,28 @@ public:
         require(!service->getConfig(key)->getisDefined(), "a departure");
         factory->backgroundDispatcher->clear();
     }
+    /// The user's own value, another one each time.
+    void write() {
+        const std::wstring value = ++writes % 2 == 0 ? L"even.example.com" : L"odd.example.com";
+        service->setConfig(L"ServicesDomain", value);
+        require(service->getConfig(L"ServicesDomain")->getValue() == value, "a write");
+    }
+
+private:
+    std::size_t writes = 0;
 };
 
 void registerArrival(ChainOfTen& subject, const std::string& count, const ConfigMap& values) {
     const auto name = "arrival of a store of " + count + " keys in a chain of 10";
     const auto store = makeStore("Arriving", 45, values);
     const auto key = values.begin()->first;
-    const auto arrive = [&subject, store, key](benchmark::State& state, double divisor) {
-        timeArrival(
-            state, divisor, [&] { subject.take(store, key); }, [&] { subject.drop(store, key); });
+    const auto arrive = [&subject, store, key](double divisor) {
+        return [=, &subject](benchmark::State& state) {
+            timeArrival(
+                state, divisor, [&] { subject.take(store, key); }, [&] { subject.drop(store, key); });
+        };
     };
-    benchmark::RegisterBenchmark((name + "/service").c_str(), arrive, 1.0)->UseManualTime();
+    benchmark::RegisterBenchmark((name + "/service").c_str(), arrive(1))->UseManualTime();
     benchmark::RegisterBenchmark((name + "/bare limit").c_str(), [&values](benchmark::State& state) {
         ConfigMap filled;
         timeArrival(
@@ -166,29 +177,21 @@ void registerArrival(ChainOfTen& subject, const std::string& count, const Config
     })->UseManualTime();
     // Flat down the column: the time grows as the number of keys does. A share of the time must not decide on the
     // number of rounds.
-    benchmark::RegisterBenchmark((name + "/service, for each key").c_str(), arrive, static_cast<double>(values.size()))
+    benchmark::RegisterBenchmark((name + "/service, for each key").c_str(), arrive(static_cast<double>(values.size())))
         ->UseManualTime()
         ->Iterations(3);
 }
 
 void registerWrites(ChainOfTen& subject) {
-    static const std::wstring key = L"ServicesDomain";
-    const auto valueOf = [](std::size_t round) { return round % 2 == 0 ? L"even.example.com" : L"odd.example.com"; };
-    const auto writeAndTell = [&subject, valueOf](std::size_t round) {
-        subject.service->setConfig(key, valueOf(round));
-        require(subject.service->getConfig(key)->getValue() == valueOf(round), "a write");
-    };
-    benchmark::RegisterBenchmark("a write until the record has it/service", [=, &subject](benchmark::State& state) {
-        std::size_t round = 0;
+    benchmark::RegisterBenchmark("a write until the record has it/service", [&](benchmark::State& state) {
         while (state.KeepRunning()) {
-            writeAndTell(++round);
+            subject.write();
         }
         subject.factory->backgroundDispatcher->clear();
     });
-    benchmark::RegisterBenchmark("a write until the file has it/service", [=, &subject](benchmark::State& state) {
-        std::size_t round = 0;
+    benchmark::RegisterBenchmark("a write until the file has it/service", [&](benchmark::State& state) {
         while (state.KeepRunning()) {
-            writeAndTell(++round);
+            subject.write();
             subject.factory->backgroundDispatcher->runAll();
         }
     });

@@ -113,7 +113,7 @@ template <class Unit>
 std::size_t roomInUtf8(std::basic_string_view<Unit> text) {
     std::size_t room = text.size();
     for (const Unit unit : text) {
-        const auto value = static_cast<std::uint32_t>(unit);
+        const auto value = static_cast<std::uint32_t>(static_cast<std::make_unsigned_t<Unit>>(unit));
         room += value < 0x80 ? 0 : value < 0x800 ? 1 : value < 0x10000 ? 2 : 3;
     }
     return room;

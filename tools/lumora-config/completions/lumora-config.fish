@@ -47,7 +47,7 @@ complete -c lumora-config -n __fish_use_subcommand -a reset -d "Take the user's 
 complete -c lumora-config -n __fish_use_subcommand -a provision -d 'Take the settings of a provisioning URL'
 complete -c lumora-config -n __fish_use_subcommand -a reset-provisioning -d 'Allow another provisioning URL'
 complete -c lumora-config -n __fish_use_subcommand -a mdm -d 'Push a document of the device management'
-complete -c lumora-config -n __fish_use_subcommand -a import-policy -d 'Import a policy file'
+complete -c lumora-config -n __fish_use_subcommand -a import-policy -d 'Take a policy file for this user'
 complete -c lumora-config -n __fish_use_subcommand -a remove-store -d 'Remove a store and its cached copy'
 complete -c lumora-config -n __fish_use_subcommand -a reset-data -d 'Reset the client'
 complete -c lumora-config -n __fish_use_subcommand -a shell -d 'Read commands from standard input'

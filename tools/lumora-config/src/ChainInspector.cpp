@@ -45,8 +45,9 @@ Opinion askStore(ConfigStore& store, const KeyNames& names, const std::optional<
 /// lower case only.
 ZelUnified::ConfigMap namesToAsk(const std::vector<std::shared_ptr<ConfigStore>>& stores) {
     ZelUnified::ConfigMap asked;
-    for (auto store = stores.rbegin(); store != stores.rend(); ++store) {
-        for (const auto& key : (*store)->getKeys()) {
+    const std::vector lowestFirst(stores.rbegin(), stores.rend());
+    for (const auto& store : lowestFirst) {
+        for (const auto& key : store->getKeys()) {
             const auto names = namesOf(key);
             const auto [entry, isNew] = asked.try_emplace(names.current, key);
             if (!isNew && !names.askedByEarlierName) {

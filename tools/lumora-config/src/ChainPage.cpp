@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <array>
+#include <variant>
 
 namespace lumora_config {
 
@@ -46,10 +47,13 @@ std::string whatHolds(const std::string& storeName) {
 
 /// As the catalogue spells the key: the stores that read files give lower case.
 std::wstring spell(const std::wstring& key) {
-    const auto& catalogue = ZelUnified::ConfigKeys::catalogue;
-    const auto* const known = std::ranges::find_if(
-        catalogue, [&](const auto& entry) { return KyrCoreUtils::caseInsensitiveStringEquals(entry.wide, key); });
-    return known == catalogue.end() ? key : std::wstring(known->wide);
+    for (const auto& entry : ZelUnified::ConfigKeys::catalogue) {
+        const auto* const known = std::get_if<std::wstring_view>(&entry);
+        if (known != nullptr && KyrCoreUtils::caseInsensitiveStringEquals(*known, key)) {
+            return std::wstring(*known);
+        }
+    }
+    return key;
 }
 
 bool isNamed(const StoreFacts& store, const std::wstring& name) {

@@ -1,5 +1,6 @@
 #include "HtmlTemplate.h"
 
+#include <algorithm>
 #include <stdexcept>
 
 namespace lumora_config {
@@ -19,10 +20,10 @@ const json& find(const std::vector<const json*>& scopes, std::string_view name) 
     if (name == ".") {
         return *scopes.back();
     }
-    for (auto scope = scopes.rbegin(); scope != scopes.rend(); ++scope) {
-        if ((*scope)->is_object() && (*scope)->contains(name)) {
-            return (*scope)->at(std::string(name));
-        }
+    const auto scope = std::find_if(scopes.rbegin(), scopes.rend(),
+                                    [&](const json* fields) { return fields->is_object() && fields->contains(name); });
+    if (scope != scopes.rend()) {
+        return (*scope)->at(std::string(name));
     }
     refuse("there is no field", name);
 }

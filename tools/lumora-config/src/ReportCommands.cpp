@@ -6,6 +6,7 @@
 #include <kyr/StringUtils.h>
 
 #include <chrono>
+#include <filesystem>
 #include <fstream>
 #include <iomanip>
 #include <sstream>
@@ -14,9 +15,15 @@ namespace lumora_config {
 
 namespace {
 
-void writeReport(const std::string& path, const std::string& text) {
+enum class Readers { AsUsual, OwnerAlone };
+
+void writeReport(const std::string& path, const std::string& text, Readers readers = Readers::AsUsual) {
     std::fstream stream;
     if (KyrCoreUtils::FstreamUtils::open(stream, path, KyrCoreUtils::StreamMode::Write)) {
+        if (readers == Readers::OwnerAlone) {
+            using std::filesystem::perms;
+            std::filesystem::permissions(path, perms::owner_read | perms::owner_write);
+        }
         stream << text << std::flush;
     }
     if (!stream) {
@@ -50,7 +57,8 @@ void reportAsPage(Session& session, const Command& command) {
     }
     findings.madeAt = nameThisMoment();
     findings.showsSecrets = session.getMask().showsSecrets();
-    writeReport(command.htmlFile, renderChainPage(findings));
+    writeReport(command.htmlFile, renderChainPage(findings),
+                findings.showsSecrets ? Readers::OwnerAlone : Readers::AsUsual);
     reportDone(session, command, "page written to " + command.htmlFile);
 }
 

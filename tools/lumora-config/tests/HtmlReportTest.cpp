@@ -62,6 +62,14 @@ TEST(HtmlReport, SecretIsNotInThePageUnlessAskedFor) {
                 AllOf(HasSubstr("planted-secret"), HasSubstr("shows secrets in clear")));
 }
 
+TEST(HtmlReport, PageWithSecretsIsItsOwnersAlone) {
+    const Profile profile;
+    makePage(profile, {"--show-secrets"});
+    using std::filesystem::perms;
+    EXPECT_EQ(std::filesystem::status(profile.root() / "page.html").permissions(),
+              perms::owner_read | perms::owner_write);
+}
+
 TEST(HtmlReport, ForeignStoreStandsInTheChain) {
     const Profile profile;
     const auto file = profile.writeDocument("a.xml", "<FromServer>x</FromServer>");

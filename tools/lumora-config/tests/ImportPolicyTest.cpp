@@ -8,7 +8,6 @@
 namespace program_test {
 
 using nlohmann::json;
-using testing::AllOf;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;

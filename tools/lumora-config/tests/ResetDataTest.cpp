@@ -1,0 +1,111 @@
+#include "Program.h"
+
+#include <TemporaryProfile.h>
+#include <gmock/gmock.h>
+
+namespace program_test {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Key;
+using testing::Not;
+
+namespace {
+
+/// Every file below the folder, with what it holds; a link to a folder holds nothing.
+std::map<std::string, std::string> contentOf(const fs::path& folder) {
+    std::map<std::string, std::string> files;
+    for (const auto& entry : fs::recursive_directory_iterator(folder)) {
+        // Not fs::relative(), which would give a link's target.
+        const auto name = entry.path().lexically_relative(folder).generic_string();
+        if (entry.is_regular_file()) {
+            files[name] = testing_host::readFile(entry.path());
+        } else if (entry.is_symlink()) {
+            files[name] = "";
+        }
+    }
+    return files;
+}
+
+} // namespace
+
+/// A profile in which every source has said something, and files of others lie about.
+class ResetOfAFullProfile : public testing::Test {
+protected:
+    ResetOfAFullProfile() {
+        profile.writePolicy("TelemetryEnabled", "false");
+        const auto document = profile.writeDocument("a.xml", "<FromServer>x</FromServer>");
+        run({"--store", document + ":Foreign:40:cache", "set", "Theme", "dark"});
+        run({"set", "connectionpassword", "planted-secret"});
+        run({"provision", "lumora://p?ServicesDomain=example.net"});
+        for (const auto* name :
+             {"deviceData4.properties", "lumora-config-user.xml", "INSTALLATIONID.txt", "Cache/deep/installationId.TXT",
+              "other.log", ".hidden", "Cache/deep/other.xml", "installationId.txt.bak", "SSOAuthInfoStore.dat"}) {
+            profile.write("config/" + std::string(name), "bytes\r\n of " + std::string(name));
+        }
+        profile.write("outside/precious.txt", "precious");
+        fs::create_directory_symlink(profile.root() / "outside", config() / "folder-link");
+        fs::create_symlink(profile.root() / "outside/precious.txt", config() / "file-link");
+    }
+
+    Outcome run(const Arguments& arguments) const {
+        auto outcome = profile.run(arguments);
+        EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
+        return outcome;
+    }
+    fs::path config() const { return profile.root() / "config"; }
+
+    const Profile profile;
+};
+
+TEST_F(ResetOfAFullProfile, LeavesExactlyWhatMaySurviveByteForByte) {
+    auto before = contentOf(config());
+    ASSERT_THAT(before, testing::Contains(Key("lumoraLocalConfig.dat")));
+    ASSERT_THAT(before, testing::Contains(Key("Cache/cachedForeign.dat")));
+    run({"reset-data", "--yes"});
+    const auto after = contentOf(config());
+    EXPECT_THAT(after,
+                ElementsAre(Key("Cache/cachedUrlProvisioningConfigStore.dat"), Key("Cache/deep/installationId.TXT"),
+                            Key("INSTALLATIONID.txt"), Key("deviceData4.properties"), Key("lumora-config-user.xml")));
+    for (const auto& [name, content] : after) {
+        EXPECT_EQ(content, before[name]) << name;
+    }
+}
+
+TEST_F(ResetOfAFullProfile, WhatSurvivesWorksInTheNextRun) {
+    run({"reset-data", "--yes"});
+    EXPECT_EQ(run({"get", "ServicesDomain", "--origin"}).out, "example.net  (UrlProvisioningConfigStore)\n");
+    EXPECT_EQ(run({"get", "Theme", "--origin"}).out, "system  (lumora-config-defaults.xml)\n");
+    EXPECT_EQ(run({"get", "TelemetryEnabled", "--origin"}).out, "true  (lumora-config-defaults.xml)\n");
+    EXPECT_EQ(profile.run({"get", "FromServer"}).exitCode, 1);
+    run({"set", "Theme", "light"});
+    EXPECT_EQ(run({"get", "Theme"}).out, "light\n");
+}
+
+TEST_F(ResetOfAFullProfile, LeavesTheFoldersStanding) {
+    run({"reset-data", "--yes"});
+    EXPECT_TRUE(fs::is_directory(config() / "Cache" / "deep"));
+}
+
+TEST_F(ResetOfAFullProfile, LinksThatLeadOutAreNotFollowed) {
+    const auto outcome = run({"reset-data", "--yes"});
+    EXPECT_FALSE(fs::exists(fs::symlink_status(config() / "file-link")));
+    EXPECT_THAT(contentOf(profile.root() / "outside"), ElementsAre(testing::Pair("precious.txt", "precious")));
+}
+
+TEST_F(ResetOfAFullProfile, KeysOfTheEncryptedFilesAreNotTouched) {
+    const auto before = contentOf(profile.root() / "data" / "keys");
+    ASSERT_THAT(before, Not(IsEmpty()));
+    run({"reset-data", "--yes"});
+    EXPECT_EQ(contentOf(profile.root() / "data" / "keys"), before);
+}
+
+TEST_F(ResetOfAFullProfile, TellsNoSecret) {
+    const auto outcome = run({"-v", "reset-data", "--yes"});
+    EXPECT_THAT(outcome.error, HasSubstr("ConfigAdapter reset."));
+    EXPECT_THAT(outcome.out + outcome.error, Not(HasSubstr("planted-secret")));
+}
+
+} // namespace program_test
