@@ -63,7 +63,6 @@ void MarkdownReporter::ReportRuns(const std::vector<Run>& runs) {
     if (isLimit(subject)) {
         limits[row] = figure;
     } else {
-        names.push_back(name);
         figures[name] = figure;
     }
 }
@@ -89,7 +88,7 @@ MarkdownReporter::Figure MarkdownReporter::summarise(const std::vector<Run>& run
 
 std::string MarkdownReporter::describe(const Figure& figure) {
     if (figure.inBytes) {
-        return toDigits(figure.median) + " bytes |";
+        return toDigits(figure.median) + " bytes | ";
     }
     constexpr std::array<std::pair<double, const char*>, 4> units{{{1, "ns"}, {1e3, "µs"}, {1e6, "ms"}, {1e9, "s"}}};
     const auto* unit = &units.front();
@@ -118,9 +117,10 @@ void MarkdownReporter::printLine(const std::string& row, const std::string& subj
 void MarkdownReporter::Finalize() {
     GetOutputStream() << "| row | subject | median | spread | limit | spread | ratio |\n"
                          "| --- | --- | ---: | ---: | ---: | ---: | ---: |\n";
-    for (const auto& name : names) {
+    // The rounds end in an order of their own.
+    for (const auto& [name, figure] : figures) {
         const auto [row, subject] = toRowAndSubject(name);
-        printLine(row, subject, figures.at(name));
+        printLine(row, subject, figure);
     }
 }
 

@@ -30,7 +30,6 @@ private:
     static std::string describe(const Figure& figure);
     void printLine(const std::string& row, const std::string& subject, const Figure& figure);
 
-    std::vector<std::string> names;
     std::map<std::string, Figure> figures; ///< By the benchmark's name.
     std::map<std::string, Figure> limits;  ///< By the row.
 };

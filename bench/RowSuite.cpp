@@ -84,6 +84,17 @@ void RowSuite::addTimed(const std::string& row, const std::string& subject, Time
         ->Iterations(timedCalls);
 }
 
+void RowSuite::addBytes(const std::string& row, const std::string& subject, double bytes) {
+    if (counts) {
+        return;
+    }
+    benchmark::RegisterBenchmark(toName(row, subject).c_str(), [bytes](benchmark::State& state) {
+        while (state.KeepRunning()) {
+        }
+        state.counters["bytes"] = bytes;
+    })->Iterations(1);
+}
+
 int RowSuite::main() {
     if (counts) {
         countInstructions();

@@ -29,6 +29,9 @@ public:
     void add(const std::string& row, const std::string& subject, Run run);
     void addTimed(const std::string& row, const std::string& subject, TimedRun run);
 
+    /// A figure that is not a time.
+    void addBytes(const std::string& row, const std::string& subject, double bytes);
+
     /// The program's exit code.
     int main();
 
