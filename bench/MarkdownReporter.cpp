@@ -1,16 +1,41 @@
 #include "MarkdownReporter.h"
 
 #include <algorithm>
+#include <array>
+#include <cmath>
 #include <iomanip>
+#include <sstream>
+#include <string_view>
+#include <utility>
 
 namespace bench {
 
 namespace {
 
-void addOnce(std::vector<std::string>& names, const std::string& name) {
-    if (std::find(names.begin(), names.end(), name) == names.end()) {
-        names.push_back(name);
-    }
+constexpr const char* bytesCounter = "bytes";
+
+std::pair<std::string, std::string> toRowAndSubject(const std::string& name) {
+    const auto slash = name.find('/');
+    return {name.substr(0, slash), slash == std::string::npos ? "" : name.substr(slash + 1)};
+}
+
+bool isLimit(const std::string& subject) {
+    return subject.starts_with("bare");
+}
+
+/// Between the neighbours of the place, as most programs for statistics do it.
+double quantile(const std::vector<double>& sorted, double part) {
+    const double place = part * static_cast<double>(sorted.size() - 1);
+    const auto below = static_cast<std::size_t>(place);
+    const auto above = std::min(below + 1, sorted.size() - 1);
+    return sorted[below] + (place - std::floor(place)) * (sorted[above] - sorted[below]);
+}
+
+/// Three significant digits at least.
+std::string toDigits(double number) {
+    std::ostringstream text;
+    text << std::fixed << std::setprecision(number < 10 ? 2 : number < 100 ? 1 : 0) << number;
+    return text.str();
 }
 
 } // namespace
@@ -20,46 +45,82 @@ bool MarkdownReporter::ReportContext(const Context& /*context*/) {
 }
 
 void MarkdownReporter::ReportRuns(const std::vector<Run>& runs) {
-    const bool repeated = std::any_of(runs.begin(), runs.end(), [](const Run& run) { return run.repetitions > 1; });
+    if (runs.empty()) {
+        return;
+    }
     for (const auto& run : runs) {
         if (run.error_occurred) {
             GetErrorStream() << run.benchmark_name() << ": " << run.error_message << '\n';
-        } else if (!repeated || run.aggregate_name == "median") {
-            record(run);
+            return;
         }
+    }
+    if (runs.front().run_type == Run::RT_Aggregate) {
+        return; // the figures of this table are worked out from the runs themselves
+    }
+    const std::string& name = runs.front().run_name.function_name;
+    const auto [row, subject] = toRowAndSubject(name);
+    const Figure figure = summarise(runs);
+    if (isLimit(subject)) {
+        limits[row] = figure;
+    } else {
+        figures[name] = figure;
     }
 }
 
-void MarkdownReporter::record(const Run& run) {
-    const std::string& name = run.run_name.function_name;
-    const auto slash = name.find('/');
-    addOnce(cases, name.substr(0, slash));
-    addOnce(subjects, name.substr(slash + 1));
-    microseconds[name] = run.GetAdjustedRealTime() / benchmark::GetTimeUnitMultiplier(run.time_unit) * 1e6;
+MarkdownReporter::Figure MarkdownReporter::summarise(const std::vector<Run>& runs) {
+    Figure figure;
+    std::vector<double> sorted;
+    for (const auto& run : runs) {
+        if (run.run_type != Run::RT_Iteration) {
+            continue;
+        }
+        const auto bytes = run.counters.find(bytesCounter);
+        figure.inBytes = bytes != run.counters.end();
+        sorted.push_back(figure.inBytes
+                             ? bytes->second.value
+                             : run.GetAdjustedRealTime() / benchmark::GetTimeUnitMultiplier(run.time_unit) * 1e9);
+    }
+    std::sort(sorted.begin(), sorted.end());
+    figure.median = quantile(sorted, 0.5);
+    figure.spread = figure.median > 0 ? (quantile(sorted, 0.75) - quantile(sorted, 0.25)) / 2 / figure.median : 0;
+    return figure;
+}
+
+std::string MarkdownReporter::describe(const Figure& figure) {
+    if (figure.inBytes) {
+        return toDigits(figure.median) + " bytes | ";
+    }
+    constexpr std::array<std::pair<double, const char*>, 4> units{{{1, "ns"}, {1e3, "µs"}, {1e6, "ms"}, {1e9, "s"}}};
+    const auto* unit = &units.front();
+    for (const auto& larger : units) {
+        if (figure.median >= larger.first) {
+            unit = &larger;
+        }
+    }
+    std::ostringstream text;
+    text << toDigits(figure.median / unit->first) << ' ' << unit->second << " | " << std::fixed << std::setprecision(1)
+         << figure.spread * 100 << " %";
+    return text.str();
+}
+
+void MarkdownReporter::printLine(const std::string& row, const std::string& subject, const Figure& figure) {
+    auto& out = GetOutputStream();
+    out << "| " << row << " | " << subject << " | " << describe(figure) << " | ";
+    const auto limit = limits.find(row);
+    if (limit == limits.end()) {
+        out << "| | |\n";
+        return;
+    }
+    out << describe(limit->second) << " | " << toDigits(figure.median / limit->second.median) << " |\n";
 }
 
 void MarkdownReporter::Finalize() {
-    auto& out = GetOutputStream();
-    out << "| microseconds |";
-    for (const auto& subject : subjects) {
-        out << ' ' << subject << " |";
-    }
-    out << "\n| --- |";
-    for (std::size_t i = 0; i < subjects.size(); ++i) {
-        out << " ---: |";
-    }
-    out << '\n' << std::fixed << std::setprecision(3);
-    for (const auto& row : cases) {
-        out << "| " << row << " |";
-        for (const auto& subject : subjects) {
-            const auto cell = microseconds.find(row + '/' + subject);
-            out << ' ';
-            if (cell != microseconds.end()) {
-                out << cell->second;
-            }
-            out << " |";
-        }
-        out << '\n';
+    GetOutputStream() << "| row | subject | median | spread | limit | spread | ratio |\n"
+                         "| --- | --- | ---: | ---: | ---: | ---: | ---: |\n";
+    // The rounds end in an order of their own.
+    for (const auto& [name, figure] : figures) {
+        const auto [row, subject] = toRowAndSubject(name);
+        printLine(row, subject, figure);
     }
 }
 

@@ -8,8 +8,11 @@
 
 namespace bench {
 
-/// Prints one Markdown table: a benchmark named "case/subject" is a cell in the row of its case and the column of its
-/// subject, in microseconds. Of repeated runs the median counts.
+/// Prints one Markdown table. A benchmark is named "row/subject"; a subject that begins with "bare" is the limit of its
+/// row, and every other subject of the row gets a line with its own figure, the limit's, and the ratio of the two. Of
+/// repeated runs the median counts, and the spread is half the distance between the quartiles.
+///
+/// A run with a counter "bytes" tells bytes instead of time.
 class MarkdownReporter final : public benchmark::BenchmarkReporter {
 public:
     bool ReportContext(const Context& context) override;
@@ -17,11 +20,18 @@ public:
     void Finalize() override;
 
 private:
-    void record(const Run& run);
+    struct Figure {
+        double median = 0;
+        double spread = 0; ///< A part of the median.
+        bool inBytes = false;
+    };
 
-    std::vector<std::string> cases;
-    std::vector<std::string> subjects;
-    std::map<std::string, double> microseconds; ///< By the benchmark's name.
+    static Figure summarise(const std::vector<Run>& runs);
+    static std::string describe(const Figure& figure);
+    void printLine(const std::string& row, const std::string& subject, const Figure& figure);
+
+    std::map<std::string, Figure> figures; ///< By the benchmark's name.
+    std::map<std::string, Figure> limits;  ///< By the row.
 };
 
 } // namespace bench

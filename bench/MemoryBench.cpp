@@ -1,6 +1,8 @@
 // How many bytes of memory a key takes: as bare text, in a plain map, in the stores, and in the record that follows it.
 // Counted at the allocator, what it asked for; the allocator's own overhead is not in it.
+#include "BareTable.h"
 #include "CountingAllocator.h"
+#include "RowSuite.h"
 #include "SyntheticKeys.h"
 #include "services/impl/InjectConfigService.h"
 
@@ -10,14 +12,9 @@
 #include <InMemoryConfigStore.h>
 #include <RecordingFactory.h>
 #include <TemporaryProfile.h>
-#include <benchmark/benchmark.h>
 
 #include <cstddef>
-#include <cstdlib>
-#include <iomanip>
-#include <iostream>
 #include <memory>
-#include <stdexcept>
 #include <string>
 #include <utility>
 
@@ -26,12 +23,6 @@ namespace {
 using namespace ZelUnified;
 
 constexpr std::size_t keyCount = 10000;
-
-void require(bool holds, const char* what) {
-    if (!holds) {
-        throw std::logic_error(std::string("wrong answer: ") + what);
-    }
-}
 
 ConfigMap makeValues() {
     bench::SyntheticKeys generator(20240229);
@@ -50,6 +41,15 @@ std::size_t measure(Make make) {
     return bench::getLiveBytes() - before;
 }
 
+std::unique_ptr<bench::BareTable> makeTable(const ConfigMap& values) {
+    bench::Folder fold;
+    auto table = std::make_unique<bench::BareTable>();
+    for (const auto& [key, value] : values) {
+        table->emplace(fold(key).folded, value);
+    }
+    return table;
+}
+
 std::shared_ptr<InMemoryConfigStore> makeStore(const ConfigMap& values) {
     auto store = std::make_shared<InMemoryConfigStore>("Store", 100);
     for (const auto& [key, value] : values) {
@@ -63,7 +63,7 @@ std::shared_ptr<CacheConfigStore> restoreCopy(const testing_host::TemporaryProfi
     ConfigMap contents = values;
     { const CacheConfigStore writer("Store", 100, path, contents); }
     auto store = std::make_shared<CacheConfigStore>("Store", 100, path);
-    require(store->getKeys().size() == keyCount, "the copy");
+    bench::require(store->getKeys().size() == keyCount, "the copy");
     return store;
 }
 
@@ -77,34 +77,34 @@ std::size_t measureRecords(const ConfigMap& values) {
         factory->backgroundDispatcher->clear();
         return store;
     });
-    require(factory->getServiceByType<ConfigService>()->getConfig(values.begin()->first)->getisDefined(), "a record");
+    bench::require(factory->getServiceByType<ConfigService>()->getConfig(values.begin()->first)->getisDefined(),
+                   "a record");
     factory->Destroy();
     return bytes;
-}
-
-void printRow(const char* what, std::size_t bytes) {
-    std::cout << "| " << what << " | " << static_cast<double>(bytes) / keyCount << " |\n";
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
-    // Takes the arguments of the other programs; nothing here is timed.
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
-        return EXIT_FAILURE;
-    }
+    bench::RowSuite suite(argc, argv);
     const testing_host::TemporaryProfile profile;
     const auto values = makeValues();
+    const auto add = [&suite](const std::string& row, const char* subject, std::size_t bytes) {
+        suite.addBytes(row, subject, static_cast<double>(bytes) / keyCount);
+    };
     std::size_t text = 0;
     for (const auto& [key, value] : values) {
         text += (key.size() + value.size()) * sizeof(wchar_t);
     }
-    std::cout << "| bytes for each key | of 10,000 |\n| --- | ---: |\n" << std::fixed << std::setprecision(0);
-    printRow("the characters alone", text);
-    printRow("a std::map of strings", measure([&] { return std::make_unique<ConfigMap>(values); }));
-    printRow("a store in memory", measure([&] { return makeStore(values); }));
-    printRow("a cached copy, restored", measure([&] { return restoreCopy(profile, values); }));
-    printRow("the service's record of it", measureRecords(values));
-    return EXIT_SUCCESS;
+    const auto table = measure([&] { return makeTable(values); });
+    const std::string inStore = "7 memory for each of 10000 keys in a store";
+    add(inStore, "the characters alone", text);
+    add(inStore, "std::map of strings", measure([&] { return std::make_unique<ConfigMap>(values); }));
+    add(inStore, "store in memory", measure([&] { return makeStore(values); }));
+    add(inStore, "cached copy, restored", measure([&] { return restoreCopy(profile, values); }));
+    add(inStore, "bare hash map", table);
+    const std::string inRecord = "7 memory for each of 10000 keys in its record";
+    add(inRecord, "service", measureRecords(values));
+    add(inRecord, "bare hash map", table);
+    return suite.main();
 }

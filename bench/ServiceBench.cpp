@@ -1,6 +1,5 @@
-// What the records cost beside the bare thing: a read beside a hash map, a change with observers beside a vector of
-// functions, a batch of changes beside filling a map, and the construction of the whole service beside reading its one
-// file.
+// What the records cost beside the bare thing: a batch of changes beside filling a map, and the construction of the
+// whole service beside reading its one file.
 #include "MarkdownReporter.h"
 #include "SyntheticKeys.h"
 #include "services/impl/InjectConfigService.h"
@@ -9,7 +8,6 @@
 
 #include <ConfigFeatureSet.h>
 #include <ConfigService.h>
-#include <ConfigValueObserver.h>
 #include <InMemoryConfigStore.h>
 #include <LocalFileConfigStore.h>
 #include <RecordingFactory.h>
@@ -17,18 +15,15 @@
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>
-#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 namespace {
 
 using namespace ZelUnified;
 
-constexpr std::size_t cachedKeys = 5000;
 constexpr std::size_t batchKeys = 10000;
 constexpr std::size_t defaultKeys = 5000;
 
@@ -37,20 +32,6 @@ void require(bool holds, const char* what) {
         throw std::logic_error(std::string("wrong answer: ") + what);
     }
 }
-
-/// Counts the changes of a value.
-class CountingObserver final : public ConfigValueObserver {
-public:
-    void OnKeyChanged() override {}
-    void OnValueChanged() override { ++changes; }
-    void OnOriginalValueChanged() override {}
-    void OnisOverriddenChanged() override {}
-    void OnisDefinedChanged() override {}
-    void OnValueStoreNameChanged() override {}
-    void OnOriginalValueStoreNameChanged() override {}
-
-    std::size_t changes = 0;
-};
 
 /// The service on a factory without threads: this thread is the dispatcher's.
 class Service {
@@ -88,63 +69,6 @@ ConfigMap makeValues(bench::SyntheticKeys& generator, std::size_t count) {
         values.emplace(std::move(key), generator.makeValue());
     }
     return values;
-}
-
-void registerCachedRead(Service& subject, const ConfigMap& values) {
-    static std::unordered_map<std::wstring, std::wstring> lowered;
-    static std::vector<std::wstring> probes;
-    for (const auto& [key, value] : values) {
-        probes.push_back(key);
-        lowered.emplace(KyrCoreUtils::toLowercase(key), value);
-        require(subject.service->getConfig(key)->getValue() == value, "a cached read");
-    }
-    constexpr std::size_t stride = 1999; // prime to the number of keys
-    benchmark::RegisterBenchmark("cached read of one of 5,000 keys/service", [&](benchmark::State& state) {
-        std::size_t position = 0;
-        while (state.KeepRunning()) {
-            benchmark::DoNotOptimize(subject.service->getConfig(probes[position])->getValue());
-            position = (position + stride) % probes.size();
-        }
-    });
-    benchmark::RegisterBenchmark("cached read of one of 5,000 keys/bare limit", [](benchmark::State& state) {
-        std::size_t position = 0;
-        while (state.KeepRunning()) {
-            std::wstring value = lowered.find(KyrCoreUtils::toLowercase(probes[position]))->second;
-            benchmark::DoNotOptimize(value);
-            position = (position + stride) % probes.size();
-        }
-    });
-}
-
-void registerObservedChange(Service& subject, std::size_t count) {
-    const auto name = "a change heard by " + std::to_string(count) + (count == 1 ? " observer" : " observers");
-    benchmark::RegisterBenchmark((name + "/service").c_str(), [&subject, count](benchmark::State& state) {
-        const std::wstring key = L"ObservedKey" + std::to_wstring(count);
-        const auto record = subject.service->getConfig(key);
-        std::vector<std::shared_ptr<CountingObserver>> observers;
-        for (std::size_t i = 0; i < count; ++i) {
-            observers.push_back(std::make_shared<CountingObserver>());
-            record->addObserver(std::weak_ptr<ConfigValueObserver>(observers.back()));
-        }
-        std::size_t round = 0;
-        while (state.KeepRunning()) {
-            subject.featureSet->setInMemoryConfig(key, ++round % 2 == 0 ? L"even" : L"odd");
-        }
-        require(observers.back()->changes == round, "the changes heard");
-    });
-    benchmark::RegisterBenchmark((name + "/bare limit").c_str(), [count](benchmark::State& state) {
-        std::size_t changes = 0;
-        std::unordered_map<std::wstring, std::wstring> values;
-        const std::vector<std::function<void()>> observers(count, [&changes] { ++changes; });
-        std::size_t round = 0;
-        while (state.KeepRunning()) {
-            values[L"observedkey"] = ++round % 2 == 0 ? L"even" : L"odd";
-            for (const auto& observer : observers) {
-                observer();
-            }
-        }
-        require(changes == round * count, "the functions called");
-    });
 }
 
 void registerBatch(Service& subject, const ConfigMap& values) {
@@ -209,16 +133,10 @@ int main(int argc, char** argv) {
     }
     const testing_host::TemporaryProfile profile;
     bench::SyntheticKeys generator(20240229);
-    const auto cached = makeValues(generator, cachedKeys);
     const auto batch = makeValues(generator, batchKeys);
     writeDefaults(profile, makeValues(generator, defaultKeys));
     {
         Service subject;
-        subject.featureSet->addConfigStore(makeStore("CachedReads", cached));
-        registerCachedRead(subject, cached);
-        for (const std::size_t count : {1U, 10U, 1000U}) {
-            registerObservedChange(subject, count);
-        }
         registerBatch(subject, batch);
         registerConstruction(profile);
         bench::MarkdownReporter reporter;

@@ -203,7 +203,7 @@ void registerLookup(const std::string& name, Subjects& subjects, const Keys& key
                                  [&subjects, &keys, inContainer](benchmark::State& state) {
                                      lookUp(state, keys, inContainer(subjects.orderedMap()));
                                  });
-    benchmark::RegisterBenchmark((name + "/hash map").c_str(),
+    benchmark::RegisterBenchmark((name + "/bare hash map").c_str(),
                                  [&subjects, &keys, inContainer](benchmark::State& state) {
                                      lookUp(state, keys, inContainer(subjects.hashMap()));
                                  });
@@ -241,7 +241,7 @@ void registerArrival(const std::string& name, Subjects& subjects) {
     benchmark::RegisterBenchmark((name + "/std::map").c_str(), [&](benchmark::State& state) {
         timeFilling<ConfigMap>(state, subjects.arrivingContents());
     })->UseManualTime();
-    benchmark::RegisterBenchmark((name + "/hash map").c_str(), [&](benchmark::State& state) {
+    benchmark::RegisterBenchmark((name + "/bare hash map").c_str(), [&](benchmark::State& state) {
         timeFilling<HashMap>(state, subjects.arrivingContents());
     })->UseManualTime();
 }

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <unified/UnifiedFactoryImpl.h>
+
+#include <ConfigFeatureSet.h>
+#include <ConfigMap.h>
+#include <ConfigService.h>
+#include <TemporaryProfile.h>
+
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+namespace bench {
+
+/// The service in the real host, on a profile of its own; the thread that makes it is the services dispatcher's.
+class HostedService {
+public:
+    /// Without records there is no public service and the chain announces to nobody, which saves a gigabyte where a
+    /// row asks the chain alone.
+    enum class Records { With, Without };
+
+    /// The first layer is the user's own, the last one the defaults of the installation, those between are documents
+    /// that other services handed in. A single layer is such a document.
+    explicit HostedService(const std::vector<ZelUnified::ConfigMap>& layers, Records records = Records::With);
+    ~HostedService();
+    HostedService(const HostedService&) = delete;
+    HostedService& operator=(const HostedService&) = delete;
+
+    ZelUnified::ConfigService& service() { return *configService; }
+    ZelUnified::ConfigFeatureSet& featureSet() { return *configFeatureSet; }
+
+private:
+    void writeDefaults(const ZelUnified::ConfigMap& values) const;
+    void addDocument(std::size_t number, const ZelUnified::ConfigMap& values);
+
+    testing_host::TemporaryProfile profile;
+    std::shared_ptr<ZelUnified::UnifiedFactoryImpl> factory;
+    std::shared_ptr<ZelUnified::ConfigService> configService;
+    std::shared_ptr<ZelUnified::ConfigFeatureSet> configFeatureSet;
+};
+
+} // namespace bench

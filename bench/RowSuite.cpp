@@ -1,0 +1,124 @@
+#include "RowSuite.h"
+
+#include "MarkdownReporter.h"
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <iostream>
+#include <stdexcept>
+#include <string_view>
+#include <utility>
+
+namespace bench {
+
+namespace {
+
+/// The timer of the library is asked once for so many calls.
+constexpr std::size_t batch = 256;
+/// The library would call a run whose part that counts is short for minutes.
+constexpr benchmark::IterationCount timedCalls = 200;
+constexpr std::size_t countedCalls = 2000;
+constexpr std::size_t countedTimedCalls = 3;
+
+std::string toName(const std::string& row, const std::string& subject) {
+    return row + '/' + subject;
+}
+
+} // namespace
+
+void require(bool holds, const char* what) {
+    if (!holds) {
+        throw std::logic_error(std::string("wrong answer: ") + what);
+    }
+}
+
+// The profiler knows these two by their names: it counts inside the first alone, and writes down what it counted
+// whenever it enters the second.
+
+[[gnu::noinline]] void countedSection(const RowSuite::Run& run, std::size_t times) {
+    run(times);
+}
+
+[[gnu::noinline]] void endOfRow(const std::string& name) {
+    std::cout << name << '\n';
+}
+
+RowSuite::RowSuite(int argc, char** argv) : arguments(argv, argv + argc) {
+    const auto take = [this](std::string_view option) {
+        return std::erase_if(arguments, [option](const char* argument) { return argument == option; }) > 0;
+    };
+    growth = take("--growth");
+    counts = take("--instructions");
+}
+
+void RowSuite::add(const std::string& row, const std::string& subject, Run run) {
+    if (counts) {
+        counted.push_back({toName(row, subject), std::move(run)});
+        return;
+    }
+    benchmark::RegisterBenchmark(toName(row, subject).c_str(), [run = std::move(run)](benchmark::State& state) {
+        while (state.KeepRunningBatch(batch)) {
+            run(batch);
+        }
+    });
+}
+
+void RowSuite::addTimed(const std::string& row, const std::string& subject, TimedRun run) {
+    if (counts) {
+        counted.push_back({toName(row, subject), [run = std::move(run)](std::size_t) {
+                               for (std::size_t i = 0; i < countedTimedCalls; ++i) {
+                                   run();
+                               }
+                           }});
+        return;
+    }
+    benchmark::RegisterBenchmark(toName(row, subject).c_str(),
+                                 [run = std::move(run)](benchmark::State& state) {
+                                     while (state.KeepRunning()) {
+                                         state.SetIterationTime(run());
+                                     }
+                                 })
+        ->UseManualTime()
+        ->Iterations(timedCalls);
+}
+
+void RowSuite::addBytes(const std::string& row, const std::string& subject, double bytes) {
+    if (counts) {
+        return;
+    }
+    benchmark::RegisterBenchmark(toName(row, subject).c_str(), [bytes](benchmark::State& state) {
+        while (state.KeepRunning()) {
+        }
+        state.counters["bytes"] = bytes;
+    })->Iterations(1);
+}
+
+int RowSuite::main() {
+    if (counts) {
+        countInstructions();
+        return EXIT_SUCCESS;
+    }
+    auto count = static_cast<int>(arguments.size());
+    benchmark::Initialize(&count, arguments.data());
+    if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) {
+        return EXIT_FAILURE;
+    }
+    MarkdownReporter reporter;
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+    return EXIT_SUCCESS;
+}
+
+void RowSuite::countInstructions() const {
+    for (const auto& [name, run] : counted) {
+        if (name.find("/bare") != std::string::npos) {
+            continue;
+        }
+        run(countedCalls); // what is made at the first call stands before the count
+        countedSection(run, countedCalls);
+        endOfRow(name);
+    }
+}
+
+} // namespace bench

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace bench {
+
+/// Ends the program: a row that answers wrongly is not worth timing.
+void require(bool holds, const char* what);
+
+/// The rows of one program. Each is measured over and over, together with its limit, in an order that is drawn anew
+/// each round, so that a slow spell of the machine meets both.
+///
+/// With "--growth" the program measures its rows at several sizes; with "--instructions" it runs each of its own
+/// subjects so that a profiler can count (scripts/bench-instructions).
+class RowSuite {
+public:
+    /// Does the work that many times.
+    using Run = std::function<void(std::size_t times)>;
+    /// Does the work once and tells the seconds that count.
+    using TimedRun = std::function<double()>;
+
+    RowSuite(int argc, char** argv);
+
+    bool measuresGrowth() const { return growth; }
+
+    void add(const std::string& row, const std::string& subject, Run run);
+    void addTimed(const std::string& row, const std::string& subject, TimedRun run);
+
+    /// A figure that is not a time.
+    void addBytes(const std::string& row, const std::string& subject, double bytes);
+
+    /// The program's exit code.
+    int main();
+
+private:
+    struct Counted {
+        std::string name;
+        Run run;
+    };
+
+    void countInstructions() const;
+
+    std::vector<char*> arguments;
+    bool growth = false;
+    bool counts = false;
+    std::vector<Counted> counted;
+};
+
+} // namespace bench
