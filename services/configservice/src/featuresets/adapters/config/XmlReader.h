@@ -15,7 +15,7 @@ using XmlDocument = std::shared_ptr<xmlDoc>;
 class XmlReader {
 public:
     /// In bytes. What the library itself refuses differs between its versions.
-    static constexpr std::size_t sizeLimit = 64U * 1024 * 1024;
+    static constexpr std::size_t sizeLimit = std::size_t{64} * 1024 * 1024;
 
     static XmlDocument readFile(const std::string& path);
     /// The document shares nothing with others: its texts are not in a dictionary. A text with a zero in it gives none.
