@@ -1,4 +1,5 @@
-#include <featuresets/adapters/config/XmlGuard.h>
+#include "featuresets/adapters/config/XmlGuard.h"
+
 #include <gtest/gtest.h>
 #include <libxml/parser.h>
 
