@@ -1,6 +1,8 @@
 #include "NumberWriter.h"
 
 #include "Report.h"
+#include "services/impl/ConfigFileCacheTimer.h"
+#include "services/impl/ConfigFileCacheTimerCallBack.h"
 
 #include <kyr/FileUtils.h>
 #include <kyr/StringUtils.h>
@@ -8,8 +10,6 @@
 
 #include <FaultInjectingFileLayer.h>
 #include <LocalFileConfigStore.h>
-#include <services/impl/ConfigFileCacheTimer.h>
-#include <services/impl/ConfigFileCacheTimerCallBack.h>
 #include <unistd.h>
 
 #include <cstdlib>

@@ -1,5 +1,9 @@
 // A process that works with the files of a profile and then stands still, so that its memory can be looked at. It is
 // told where they are, never what is in them: memory_session CONFIG DATA STATE SCENARIO.
+#include "services/impl/ConfigFileCacheTimer.h"
+#include "services/impl/ConfigFileCacheTimerCallBack.h"
+#include "services/impl/InjectConfigService.h"
+
 #include <kyr/FileUtils.h>
 #include <zel/LogSink.h>
 
@@ -9,9 +13,6 @@
 #include <ConfigServiceIds.h>
 #include <LocalFileConfigStore.h>
 #include <RecordingFactory.h>
-#include <services/impl/ConfigFileCacheTimer.h>
-#include <services/impl/ConfigFileCacheTimerCallBack.h>
-#include <services/impl/InjectConfigService.h>
 #include <sys/prctl.h>
 
 #include <cstdlib>

@@ -1,10 +1,12 @@
+#include "services/impl/ConfigFileCacheTimer.h"
+
+#include "services/impl/ConfigFileCacheTimerCallBack.h"
+
 #include <LogRecorder.h>
 #include <ManualClock.h>
 #include <RecordingFactory.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <services/impl/ConfigFileCacheTimer.h>
-#include <services/impl/ConfigFileCacheTimerCallBack.h>
 
 #include <chrono>
 #include <functional>

@@ -1,16 +1,16 @@
 #include "ConfigStoreConformance.h"
 #include "LocalFileTestSupport.h"
 #include "XmlTestSupport.h"
+#include "featuresets/adapters/config/LocalFileDocument.h"
+#include "secure/SecureString.h"
 
 #include <zel/ZelLog.h>
 
 #include <CacheConfigStore.h>
 #include <LogRecorder.h>
 #include <TemporaryProfile.h>
-#include <featuresets/adapters/config/LocalFileDocument.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <secure/SecureString.h>
 
 #include <filesystem>
 #include <limits>

@@ -1,14 +1,15 @@
+#include "featuresets/adapters/config/LocalFileDocument.h"
+
 #include "LocalFileTestSupport.h"
 #include "XmlTestSupport.h"
+#include "secure/SecureBuffer.h"
+#include "secure/SecureString.h"
 
 #include <zel/ZelLog.h>
 
 #include <LogRecorder.h>
-#include <featuresets/adapters/config/LocalFileDocument.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <secure/SecureBuffer.h>
-#include <secure/SecureString.h>
 
 #include <string>
 #include <string_view>

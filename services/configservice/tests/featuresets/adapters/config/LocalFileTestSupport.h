@@ -1,10 +1,11 @@
 #pragma once
 
+#include "services/impl/ConfigFileCacheTimer.h"
+#include "services/impl/ConfigFileCacheTimerCallBack.h"
+
 #include <zel/KeyProvider.h>
 
 #include <LocalFileConfigStore.h>
-#include <services/impl/ConfigFileCacheTimer.h>
-#include <services/impl/ConfigFileCacheTimerCallBack.h>
 
 #include <condition_variable>
 #include <memory>

@@ -1,12 +1,12 @@
 #include "ConfigStoreConformance.h"
 #include "XmlTestSupport.h"
+#include "featuresets/adapters/config/XmlConfigParser.h"
 
 #include <zel/ZelLog.h>
 
 #include <LogRecorder.h>
 #include <MdmConfigRetriever.h>
 #include <MdmConfigStore.h>
-#include <featuresets/adapters/config/XmlConfigParser.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -1,10 +1,11 @@
+#include "featuresets/adapters/config/XmlConfigParser.h"
+
 #include "XmlTestSupport.h"
 
 #include <zel/ZelLog.h>
 
 #include <LogRecorder.h>
 #include <TemporaryProfile.h>
-#include <featuresets/adapters/config/XmlConfigParser.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -1,10 +1,10 @@
 #include "XmlTestSupport.h"
+#include "featuresets/adapters/config/XmlConfigParser.h"
 
 #include <zel/ZelLog.h>
 
 #include <LogRecorder.h>
 #include <TemporaryProfile.h>
-#include <featuresets/adapters/config/XmlConfigParser.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
 #include "ConfigStoreConformance.h"
 #include "XmlTestSupport.h"
+#include "featuresets/adapters/config/XmlConfigParser.h"
 
 #include <TemporaryProfile.h>
 #include <XmlConfigStore.h>
-#include <featuresets/adapters/config/XmlConfigParser.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

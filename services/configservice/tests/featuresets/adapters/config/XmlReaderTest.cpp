@@ -1,7 +1,8 @@
+#include "featuresets/adapters/config/XmlReader.h"
+
 #include "XmlTestSupport.h"
 
 #include <TemporaryProfile.h>
-#include <featuresets/adapters/config/XmlReader.h>
 #include <gtest/gtest.h>
 #include <libxml/parser.h>
 

@@ -1,4 +1,5 @@
-#include <featuresets/adapters/config/XmlScrubber.h>
+#include "featuresets/adapters/config/XmlScrubber.h"
+
 #include <gtest/gtest.h>
 
 #include <string>

@@ -1,9 +1,10 @@
 #include "XmlTestSupport.h"
 
+#include "secure/SecureBuffer.h"
+#include "secure/SecureString.h"
+
 #include <libxml/parser.h>
 #include <libxml/xmlmemory.h>
-#include <secure/SecureBuffer.h>
-#include <secure/SecureString.h>
 
 #include <cstring>
 #include <utility>

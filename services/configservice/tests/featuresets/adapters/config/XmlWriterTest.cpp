@@ -1,7 +1,8 @@
-#include "XmlTestSupport.h"
+#include "featuresets/adapters/config/XmlWriter.h"
 
-#include <featuresets/adapters/config/XmlReader.h>
-#include <featuresets/adapters/config/XmlWriter.h>
+#include "XmlTestSupport.h"
+#include "featuresets/adapters/config/XmlReader.h"
+
 #include <gtest/gtest.h>
 #include <libxml/xmlwriter.h>
 
