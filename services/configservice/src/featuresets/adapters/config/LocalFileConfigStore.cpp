@@ -1,5 +1,6 @@
 #include "LocalFileDocument.h"
 #include "XmlReader.h"
+#include "lookup/ConfigTable.h"
 
 #include <kyr/FileUtils.h>
 #include <kyr/FstreamUtils.h>
@@ -75,6 +76,7 @@ LocalFileConfigStore::LocalFileConfigStore(std::string storeName, int storePrior
       priority(storePriority),
       local(isLocalStore),
       readOnly(isReadOnlyStore),
+      values(std::make_unique<ConfigTable>()),
       configDirectory(directory.empty() ? std::move(directory) : directory + FileUtils::FileSeparator()),
       fileName(std::move(file)),
       backupFileName(toBackupName(fileName)) {
@@ -86,6 +88,7 @@ LocalFileConfigStore::LocalFileConfigStore(std::string storeName, int storePrior
       priority(storePriority),
       local(isLocalStore),
       readOnly(false),
+      values(std::make_unique<ConfigTable>()),
       configDirectory(FileUtils::getConfigDirectory() + FileUtils::FileSeparator()),
       fileName("lumoraLocalConfig.dat"),
       backupFileName("lumoraLocalConfig_backup.dat") {
@@ -95,44 +98,41 @@ LocalFileConfigStore::LocalFileConfigStore(std::string storeName, int storePrior
 LocalFileConfigStore::~LocalFileConfigStore() = default;
 
 bool LocalFileConfigStore::getValue(const std::wstring& key, std::wstring& value) {
+    return lookUp(FoldedKey(key), value);
+}
+
+bool LocalFileConfigStore::lookUp(const FoldedKey& key, std::wstring& value) {
     const zel::Mutex::ScopedLock lock(valuesMutex);
-    const auto found = values.find(key);
-    if (found == values.end()) {
+    const auto* found = values->find(key);
+    if (found == nullptr) {
         value.clear();
         return false;
     }
-    std::wstring answer = found->second;
-    zel::applyFipsValueOverride(key, answer);
-    value = std::move(answer); // last: the caller may hand in one string for both
+    value = zel::withFipsOverride(key.getText(), *found); // last: key and value may be one string
     return true;
 }
 
 bool LocalFileConfigStore::storeValue(const std::wstring& key, const std::wstring& value) {
     const zel::Mutex::ScopedLock lock(valuesMutex);
-    values[LocalFileDocument::migrateKey(key)] = value;
+    values->store(LocalFileDocument::migrateKey(key), value);
     return true;
 }
 
 std::vector<std::wstring> LocalFileConfigStore::getKeys() {
     const zel::Mutex::ScopedLock lock(valuesMutex);
-    std::vector<std::wstring> keys;
-    keys.reserve(values.size());
-    for (const auto& entry : values) {
-        keys.push_back(entry.first);
-    }
-    return keys;
+    return values->getKeys();
 }
 
 bool LocalFileConfigStore::removeValue(const std::wstring& key) {
     const zel::Mutex::ScopedLock lock(valuesMutex);
-    return values.erase(key) > 0;
+    return values->remove(key);
 }
 
 void LocalFileConfigStore::removeAllValues() {
     // A reset deletes the files next: a write in flight must be over by then.
     const zel::Mutex::ScopedLock fileLock(fileMutex);
     const zel::Mutex::ScopedLock valuesLock(valuesMutex);
-    values.clear();
+    values->clear();
 }
 
 void LocalFileConfigStore::destroy() {
@@ -160,7 +160,9 @@ bool LocalFileConfigStore::readFromEncryptedFile() {
     content.decrypt(clear);
     std::string text(clear.getData(), clear.getLength());
     if (const XmlDocument document = XmlReader::parseDoc(text)) {
-        LocalFileDocument(name, values).read(document);
+        ConfigMap read;
+        LocalFileDocument(name, read).read(document);
+        values->replace(std::move(read));
     } else {
         ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, invalidSyntax);
     }
@@ -192,7 +194,9 @@ bool LocalFileConfigStore::readFromFile() {
         return false;
     }
     if (const XmlDocument document = XmlReader::readFile(path)) {
-        LocalFileDocument(name, values).read(document);
+        ConfigMap read;
+        LocalFileDocument(name, read).read(document);
+        values->replace(std::move(read));
     } else {
         quarantine(path);
     }
@@ -229,7 +233,7 @@ void LocalFileConfigStore::persistValues() {
     {
         const zel::Mutex::ScopedLock lock(valuesMutex);
         // Exact, case included, unlike the order of the table.
-        if (values == lastPersistedValues) {
+        if (values->getMap() == lastPersistedValues) {
             if (ZelLog_isDebugEnabled(logger)) {
                 ZelLog(logger, ZelLogLevel::Debug, ZEL_HERE, std::string_view("Same content has been saved."));
             }
@@ -259,7 +263,7 @@ void LocalFileConfigStore::persistValuesImpl(const std::string& target) {
         const zel::Mutex::ScopedLock lock(valuesMutex);
         getDataString(content);
         if (target == fileName) {
-            lastPersistedValues = values;
+            lastPersistedValues = values->getMap();
         }
     }
     // The facility refuses empty content, which is what protects the file of a store that must not write.
@@ -283,7 +287,7 @@ void LocalFileConfigStore::getDataString(zel::SecureString& content) {
         return;
     }
     createConfigDirectory();
-    LocalFileDocument::write(values, content);
+    LocalFileDocument::write(values->getMap(), content);
 }
 
 void LocalFileConfigStore::backupConfigFile() {

@@ -1,5 +1,6 @@
 #include "RegistryKeyHandle.h"
 #include "RegistryTreeReader.h"
+#include "lookup/ConfigTable.h"
 #include "secure/FipsValueOverride.h"
 
 #include <kyr/FileUtils.h>
@@ -31,6 +32,11 @@ ZelLogger& logger = ZelLogger_getLogger("ConfigService-RegistryConfigStore");
 /// Policies of the current user lie below it.
 constexpr std::wstring_view softwareKey = L"Software\\";
 
+/// Held and listed, never answered.
+bool isWithheld(std::wstring_view key) {
+    return KyrCoreUtils::caseInsensitiveStringEquals(key, ConfigKeys::certificateValidationEnabled);
+}
+
 bool isPasswordLike(std::wstring_view key) {
     return KyrCoreUtils::caseInsensitiveFind(key, L"connectionpassword") >= 0;
 }
@@ -55,23 +61,32 @@ std::size_t lengthOf(const RegistryConfigStore::PathBuffer& buffer) {
 
 RegistryConfigStore::RegistryConfigStore(std::shared_ptr<UnifiedFactory> factory, std::string storeName,
                                          int storePriority, std::string subkey)
-    : priority(storePriority), name(std::move(storeName)), unifiedFactory(std::move(factory)) {
+    : values(std::make_unique<ConfigTable>()),
+      priority(storePriority),
+      name(std::move(storeName)),
+      unifiedFactory(std::move(factory)) {
     const auto registry = getRegistry();
-    RegistryTreeReader(*registry, values).read(std::wstring(softwareKey) + KyrCoreUtils::toWideString(subkey));
+    ConfigMap read;
+    RegistryTreeReader(*registry, read).read(std::wstring(softwareKey) + KyrCoreUtils::toWideString(subkey));
+    values->replace(std::move(read));
     markSensitiveKeys();
     logConfigMap();
     writeTextCopy();
 }
 
+RegistryConfigStore::~RegistryConfigStore() = default;
+
 bool RegistryConfigStore::getValue(const std::wstring& key, std::wstring& value) {
-    const auto found = values.find(key);
-    if (found == values.end() ||
-        KyrCoreUtils::caseInsensitiveStringEquals(key, ConfigKeys::certificateValidationEnabled)) {
+    return lookUp(FoldedKey(key), value);
+}
+
+bool RegistryConfigStore::lookUp(const FoldedKey& key, std::wstring& value) {
+    const auto* found = values->find(key);
+    if (found == nullptr || isWithheld(key.getText())) {
         value.clear();
         return false;
     }
-    value = found->second;
-    zel::applyFipsValueOverride(key, value);
+    value = zel::withFipsOverride(key.getText(), *found); // last: key and value may be one string
     return true;
 }
 
@@ -80,12 +95,7 @@ bool RegistryConfigStore::storeValue(const std::wstring&, const std::wstring&) {
 }
 
 std::vector<std::wstring> RegistryConfigStore::getKeys() {
-    std::vector<std::wstring> keys;
-    keys.reserve(values.size());
-    for (const auto& [key, value] : values) {
-        keys.push_back(key);
-    }
-    return keys;
+    return values->getKeys();
 }
 
 bool RegistryConfigStore::removeValue(const std::wstring&) {
@@ -98,7 +108,7 @@ void RegistryConfigStore::markSensitiveKeys() const {
     if (!featureSet) {
         return;
     }
-    for (const auto& [key, value] : values) {
+    for (const auto& [key, value] : values->getMap()) {
         if (isPasswordLike(key)) {
             featureSet->setKeySensitive(key);
         }
@@ -106,11 +116,11 @@ void RegistryConfigStore::markSensitiveKeys() const {
 }
 
 void RegistryConfigStore::logConfigMap() const {
-    if (values.empty()) {
+    if (values->getMap().empty()) {
         return;
     }
     std::wstring text;
-    for (const auto& [key, value] : values) {
+    for (const auto& [key, value] : values->getMap()) {
         text.append(L"\n").append(key).append(L": ").append(shownValue(key, value));
     }
     ZelLog(logger, ZelLogLevel::Info, ZEL_HERE, text);
@@ -126,14 +136,14 @@ void RegistryConfigStore::writeTextCopy() const {
         FileUtils::removeFile(path);
     }
     std::fstream stream;
-    if (values.empty() || !KyrCoreUtils::FstreamUtils::open(stream, path, KyrCoreUtils::StreamMode::Write)) {
+    if (values->getMap().empty() || !KyrCoreUtils::FstreamUtils::open(stream, path, KyrCoreUtils::StreamMode::Write)) {
         return;
     }
     // Policies are nobody else's business, whatever the umask says. The file is new and still empty.
     std::error_code ignored;
     std::filesystem::permissions(std::u8string(path.begin(), path.end()),
                                  std::filesystem::perms::owner_read | std::filesystem::perms::owner_write, ignored);
-    for (const auto& [key, value] : values) {
+    for (const auto& [key, value] : values->getMap()) {
         stream << KyrCoreUtils::toString(key) << ": " << KyrCoreUtils::toString(shownValue(key, value)) << '\n';
     }
 }
