@@ -8,7 +8,6 @@
 #include <ConfigValueObserver.h>
 #include <benchmark/benchmark.h>
 
-#include <chrono>
 #include <cstddef>
 #include <functional>
 #include <memory>
@@ -21,6 +20,7 @@ namespace {
 using namespace ZelUnified;
 
 constexpr std::size_t watchers = 1000;
+constexpr int calls = 200;
 
 /// Counts the changes of a value.
 class CountingObserver final : public ConfigValueObserver {
@@ -60,7 +60,7 @@ public:
 
     double perFunction() {
         const std::size_t before = changes;
-        const double seconds = timed([this] {
+        const double seconds = bench::timed([this] {
             for (const auto& function : functions) {
                 function();
             }
@@ -70,16 +70,9 @@ public:
     }
 
 private:
-    template <typename Work>
-    static double timed(Work work) {
-        const auto begin = std::chrono::steady_clock::now();
-        work();
-        return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
-    }
-
     double change(const std::wstring& key) {
         const std::wstring value = std::to_wstring(round);
-        return timed([&] { hosted.featureSet().setInMemoryConfig(key, value); });
+        return bench::timed([&] { hosted.featureSet().setInMemoryConfig(key, value); });
     }
 
     /// What the watchers add to the write, for each of them.
@@ -114,10 +107,10 @@ int main(int argc, char** argv) {
         const auto among = " among " + std::to_string(size) + " keys";
         const auto observerRow = "6 for each of 1000 observers" + among;
         const auto connectionRow = "6 for each of 1000 connections" + among;
-        suite.addTimed(observerRow, "service", [subjects] { return subjects->perObserver(); });
-        suite.addTimed(observerRow, "bare functions", [subjects] { return subjects->perFunction(); });
-        suite.addTimed(connectionRow, "service", [subjects] { return subjects->perConnection(); });
-        suite.addTimed(connectionRow, "bare functions", [subjects] { return subjects->perFunction(); });
+        suite.addTimed(observerRow, "service", calls, [subjects] { return subjects->perObserver(); });
+        suite.addTimed(observerRow, "bare functions", calls, [subjects] { return subjects->perFunction(); });
+        suite.addTimed(connectionRow, "service", calls, [subjects] { return subjects->perConnection(); });
+        suite.addTimed(connectionRow, "bare functions", calls, [subjects] { return subjects->perFunction(); });
     }
     return suite.main();
 }

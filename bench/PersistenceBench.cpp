@@ -5,6 +5,7 @@
 #include "featuresets/adapters/config/LocalFileDocument.h"
 #include "secure/SecureString.h"
 
+#include <kyr/StringUtils.h>
 #include <zel/FileLayer.h>
 
 #include <ConfigMap.h>
@@ -46,8 +47,12 @@ using CipherContext = std::unique_ptr<EVP_CIPHER_CTX, decltype(&EVP_CIPHER_CTX_f
 /// AES-256-GCM of the library and nothing else.
 class BareCipher {
 public:
-    explicit BareCipher(const std::string& clear) : cipherText(clear.size(), '\0') {
+    explicit BareCipher(const std::string& clear) { encipher(clear); }
+
+    /// Enciphers a text, of any length, anew.
+    void encipher(const std::string& clear) {
         int count = 0;
+        cipherText.resize(clear.size());
         require(EVP_EncryptInit_ex(context.get(), EVP_aes_256_gcm(), nullptr, key.data(), nonce.data()) == 1 &&
                     EVP_EncryptUpdate(context.get(), to(cipherText), &count, from(clear),
                                       static_cast<int>(clear.size())) == 1 &&
@@ -56,6 +61,8 @@ public:
                                         tag.data()) == 1,
                 "the bare encryption");
     }
+
+    const std::string& getCipherText() const { return cipherText; }
 
     void decipher(std::string& clear) {
         int count = 0;
@@ -88,7 +95,6 @@ public:
     Subjects() {
         bench::SyntheticKeys generator(20240229);
         keys = generator.makeKeys(keyCount);
-        ConfigMap values;
         store = openStore();
         for (const auto& key : keys) {
             values.emplace(key, generator.makeValue());
@@ -108,9 +114,9 @@ public:
 
     LocalFileConfigStore& userStore() { return *store; }
     const std::vector<std::wstring>& allKeys() const { return keys; }
+    const ConfigMap& getValues() const { return values; }
     const std::string& text() const { return document; }
     BareCipher& bareCipher() { return *cipher; }
-    std::string fileBytes() const { return testing_host::readFile(profile.config() / "lumoraLocalConfig.dat"); }
     std::string pathOf(const char* name) const { return (profile.config() / name).string(); }
 
     /// A change, without which nothing is written.
@@ -119,6 +125,7 @@ public:
 private:
     testing_host::TemporaryProfile profile;
     std::vector<std::wstring> keys;
+    ConfigMap values;
     std::shared_ptr<LocalFileConfigStore> store;
     std::string document;
     std::unique_ptr<BareCipher> cipher;
@@ -148,7 +155,17 @@ private:
     std::thread thread;
 };
 
-void writeSyncAndRename(const std::string& temporary, const std::string& path, std::string_view bytes) {
+/// The document's text, put together with no more care than its characters need.
+std::string serialise(const ConfigMap& values) {
+    std::string text = "<Lumora>\n";
+    for (const auto& [key, value] : values) {
+        text.append(" <userConfig name=\"").append(KyrCoreUtils::toString(key));
+        text.append("\" value=\"").append(KyrCoreUtils::toString(value)).append("\"/>\n");
+    }
+    return text.append("</Lumora>\n");
+}
+
+void replaceDurably(const std::string& temporary, const std::string& path, std::string_view bytes) {
     FileLayer& files = FileLayer::platform();
     FileLayer::Handle handle = -1;
     require(files.createFile(temporary, handle) == 0, "the bare file");
@@ -157,7 +174,8 @@ void writeSyncAndRename(const std::string& temporary, const std::string& path, s
         require(files.write(handle, bytes, count) == 0, "the bare write");
         bytes.remove_prefix(count);
     }
-    require(files.sync(handle) == 0 && files.close(handle) == 0 && files.rename(temporary, path) == 0,
+    require(files.sync(handle) == 0 && files.close(handle) == 0 && files.rename(temporary, path) == 0 &&
+                files.syncDirectory(std::filesystem::path(path).parent_path().string()) == 0,
             "the bare replacement");
 }
 
@@ -175,7 +193,7 @@ void registerLoad(Subjects& subjects) {
             xmlFreeDoc(parsed);
         }
     });
-    benchmark::RegisterBenchmark((name + "/bare decryption").c_str(), [&](benchmark::State& state) {
+    benchmark::RegisterBenchmark((name + "/decryption alone").c_str(), [&](benchmark::State& state) {
         std::string clear;
         while (state.KeepRunning()) {
             subjects.bareCipher().decipher(clear);
@@ -185,18 +203,19 @@ void registerLoad(Subjects& subjects) {
 }
 
 void registerPersist(Subjects& subjects) {
-    const std::string name = "persist of 5,000 keys";
+    const std::string name = "5 persist of 5000 keys";
     benchmark::RegisterBenchmark((name + "/store").c_str(), [&](benchmark::State& state) {
         while (state.KeepRunning()) {
             subjects.change();
             subjects.userStore().persistValues();
         }
     })->UseRealTime();
-    benchmark::RegisterBenchmark((name + "/write + fsync + rename").c_str(), [&](benchmark::State& state) {
-        const std::string bytes = subjects.fileBytes();
+    benchmark::RegisterBenchmark((name + "/bare durable file").c_str(), [&](benchmark::State& state) {
         while (state.KeepRunning()) {
-            writeSyncAndRename(subjects.pathOf("bare.tmp"), subjects.pathOf("bare"), bytes);
+            subjects.bareCipher().encipher(serialise(subjects.getValues()));
+            replaceDurably(subjects.pathOf("bare.tmp"), subjects.pathOf("bare"), subjects.bareCipher().getCipherText());
         }
+        subjects.bareCipher().encipher(subjects.text());
     })->UseRealTime();
 }
 

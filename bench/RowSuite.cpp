@@ -17,8 +17,6 @@ namespace {
 
 /// The timer of the library is asked once for so many calls.
 constexpr std::size_t batch = 256;
-/// The library would call a run whose part that counts is short for minutes.
-constexpr benchmark::IterationCount timedCalls = 200;
 constexpr std::size_t countedCalls = 2000;
 constexpr std::size_t countedTimedCalls = 3;
 
@@ -65,7 +63,7 @@ void RowSuite::add(const std::string& row, const std::string& subject, Run run) 
     });
 }
 
-void RowSuite::addTimed(const std::string& row, const std::string& subject, TimedRun run) {
+void RowSuite::addTimed(const std::string& row, const std::string& subject, int calls, TimedRun run) {
     if (counts) {
         counted.push_back({toName(row, subject), [run = std::move(run)](std::size_t) {
                                for (std::size_t i = 0; i < countedTimedCalls; ++i) {
@@ -81,7 +79,7 @@ void RowSuite::addTimed(const std::string& row, const std::string& subject, Time
                                      }
                                  })
         ->UseManualTime()
-        ->Iterations(timedCalls);
+        ->Iterations(calls);
 }
 
 void RowSuite::addBytes(const std::string& row, const std::string& subject, double bytes) {

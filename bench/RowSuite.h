@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <functional>
 #include <string>
@@ -9,6 +10,14 @@ namespace bench {
 
 /// Ends the program: a row that answers wrongly is not worth timing.
 void require(bool holds, const char* what);
+
+/// The seconds that the work takes.
+template <typename Work>
+double timed(Work work) {
+    const auto begin = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+}
 
 /// The rows of one program. Each is measured over and over, together with its limit, in an order that is drawn anew
 /// each round, so that a slow spell of the machine meets both.
@@ -27,7 +36,8 @@ public:
     bool measuresGrowth() const { return growth; }
 
     void add(const std::string& row, const std::string& subject, Run run);
-    void addTimed(const std::string& row, const std::string& subject, TimedRun run);
+    /// `calls` of it make a round.
+    void addTimed(const std::string& row, const std::string& subject, int calls, TimedRun run);
 
     /// A figure that is not a time.
     void addBytes(const std::string& row, const std::string& subject, double bytes);

@@ -1,5 +1,6 @@
 // What it takes to bring sources together: the construction of a chain with cached stores beside reading their files,
 // the arrival of ever larger stores beside filling a map, and a write through the whole road.
+#include "BareTable.h"
 #include "MarkdownReporter.h"
 #include "SyntheticKeys.h"
 #include "services/impl/InjectConfigService.h"
@@ -117,14 +118,13 @@ void registerConstruction(const testing_host::TemporaryProfile& profile, const s
                                  });
 }
 
-/// Times `arrive` alone, divided by `divisor`; `leave` puts things back.
-void timeArrival(benchmark::State& state, double divisor, const std::function<void()>& arrive,
-                 const std::function<void()>& leave) {
+/// Times `arrive` alone; `leave` puts things back.
+void timeArrival(benchmark::State& state, const std::function<void()>& arrive, const std::function<void()>& leave) {
     while (state.KeepRunning()) {
         const auto begin = std::chrono::steady_clock::now();
         arrive();
         const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - begin;
-        state.SetIterationTime(elapsed.count() / divisor);
+        state.SetIterationTime(elapsed.count());
         leave();
     }
 }
@@ -159,27 +159,55 @@ private:
     std::size_t writes = 0;
 };
 
-void registerArrival(ChainOfTen& subject, const std::string& count, const ConfigMap& values) {
-    const auto name = "arrival of a store of " + count + " keys in a chain of 10";
+/// What an arrival can't do without: each key looked up in ten tables, and its record set.
+class BareArrival {
+public:
+    BareArrival(bench::SyntheticKeys& generator, const ConfigMap& arriving) : tables(10) {
+        for (std::size_t i = 0; i + 1 < tables.size(); ++i) {
+            fill(tables[i], makeValues(generator, keysInStore));
+        }
+        fill(tables.back(), arriving);
+        fill(records, arriving);
+    }
+
+    void arrive(const ConfigMap& arriving) {
+        for (const auto& entry : arriving) {
+            const auto probe = folder(entry.first);
+            const std::wstring* value = nullptr;
+            for (const auto& table : tables) {
+                if (const auto found = table.find(probe); found != table.end()) {
+                    value = &found->second;
+                }
+            }
+            records.find(probe)->second = *value;
+        }
+    }
+
+private:
+    void fill(bench::BareTable& table, const ConfigMap& values) {
+        for (const auto& [key, value] : values) {
+            table.emplace(folder(key).folded, value);
+        }
+    }
+
+    bench::Folder folder;
+    std::vector<bench::BareTable> tables;
+    bench::BareTable records;
+};
+
+void registerArrival(ChainOfTen& subject, bench::SyntheticKeys& generator, const ConfigMap& values) {
+    const auto name = "8 arrival of " + std::to_string(values.size()) + " keys in a chain of 10";
     const auto store = makeStore("Arriving", 45, values);
     const auto key = values.begin()->first;
-    const auto arrive = [&subject, store, key](double divisor) {
-        return [=, &subject](benchmark::State& state) {
-            timeArrival(
-                state, divisor, [&] { subject.take(store, key); }, [&] { subject.drop(store, key); });
-        };
-    };
-    benchmark::RegisterBenchmark((name + "/service").c_str(), arrive(1))->UseManualTime();
-    benchmark::RegisterBenchmark((name + "/bare limit").c_str(), [&values](benchmark::State& state) {
-        ConfigMap filled;
+    benchmark::RegisterBenchmark((name + "/service").c_str(), [=, &subject](benchmark::State& state) {
         timeArrival(
-            state, 1, [&] { filled = ConfigMap(values.begin(), values.end()); }, [&] { filled.clear(); });
+            state, [&] { subject.take(store, key); }, [&] { subject.drop(store, key); });
     })->UseManualTime();
-    // Flat down the column: the time grows as the number of keys does. A share of the time must not decide on the
-    // number of rounds.
-    benchmark::RegisterBenchmark((name + "/service, for each key").c_str(), arrive(static_cast<double>(values.size())))
-        ->UseManualTime()
-        ->Iterations(3);
+    const auto bare = std::make_shared<BareArrival>(generator, values);
+    benchmark::RegisterBenchmark((name + "/bare maps").c_str(), [=, &values](benchmark::State& state) {
+        timeArrival(
+            state, [&] { bare->arrive(values); }, [] {});
+    })->UseManualTime();
 }
 
 void registerWrites(ChainOfTen& subject) {
@@ -207,15 +235,14 @@ int main(int argc, char** argv) {
     const testing_host::ManualClock clock; // the late backup is nobody's business here
     const testing_host::TemporaryProfile profile;
     bench::SyntheticKeys generator(20240229);
-    const std::vector<std::pair<std::string, ConfigMap>> arrivals{{"1,000", makeValues(generator, 1000)},
-                                                                  {"10,000", makeValues(generator, 10000)},
-                                                                  {"100,000", makeValues(generator, 100000)}};
+    const std::vector<ConfigMap> arrivals{makeValues(generator, 1000), makeValues(generator, 10000),
+                                          makeValues(generator, 100000)};
     {
         ChainOfTen subject(generator);
         const auto lastKey = leaveCopies(profile, generator);
         registerConstruction(profile, lastKey);
-        for (const auto& [count, values] : arrivals) {
-            registerArrival(subject, count, values);
+        for (const auto& values : arrivals) {
+            registerArrival(subject, generator, values);
         }
         registerWrites(subject);
         bench::MarkdownReporter reporter;

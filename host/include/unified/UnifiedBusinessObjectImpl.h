@@ -7,6 +7,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <typeinfo>
 #include <utility>
 #include <vector>
 
@@ -24,11 +25,11 @@ public:
     std::string toString() override;
 
 protected:
-    /// `objectClass` is what logs and toString() show.
-    UnifiedBusinessObjectImpl(const std::shared_ptr<UnifiedFactory>& factory, std::string objectClass);
+    /// `objectClass`, a literal, is what logs and toString() show.
+    UnifiedBusinessObjectImpl(const std::shared_ptr<UnifiedFactory>& factory, const char* objectClass);
     /// `enforceUpdateAccess` false: any thread may use the object until commitToServicesDispatcher().
     UnifiedBusinessObjectImpl(const std::shared_ptr<UnifiedFactory>& factory, bool enforceUpdateAccess,
-                              std::string objectClass);
+                              const char* objectClass);
 
     /// First statement of every guarded operation. On another thread than the services dispatcher's it logs which
     /// operation of which object was called where, and with `enforce` throws UpdateAccessError. The default argument
@@ -57,7 +58,7 @@ protected:
         }
         auto made = make();
         notifiers = made;
-        observers.push_back(std::weak_ptr<UnifiedBusinessObjectObserver>(made));
+        observers.push_back({made});
     }
 
     /// Calls `operation` on every living observer that is an `Observer`, with no lock held. An exception ends the walk.
@@ -69,6 +70,23 @@ protected:
     }
 
 private:
+    /// An observer, and what it was when it was last asked for: to ask its type costs more than to call it.
+    struct Entry {
+        /// Null when the observer, which is alive, is none of that kind.
+        template <class Observer>
+        Observer* as(UnifiedBusinessObjectObserver& observer) {
+            if (kind != &typeid(Observer)) {
+                asKind = dynamic_cast<Observer*>(&observer);
+                kind = &typeid(Observer);
+            }
+            return static_cast<Observer*>(asKind);
+        }
+
+        std::weak_ptr<UnifiedBusinessObjectObserver> known;
+        const std::type_info* kind = nullptr;
+        void* asKind = nullptr;
+    };
+
     /// The living observers of one kind. Dead ones are dropped from the list: the last entry takes the place of a dead
     /// one, so the order of the list may change.
     template <class Observer>
@@ -76,16 +94,17 @@ private:
         std::vector<std::shared_ptr<Observer>> collected;
         std::vector<std::shared_ptr<UnifiedBusinessObjectObserver>> held; // none may die under the lock
         const std::lock_guard lock(observersMutex);
+        collected.reserve(observers.size());
         held.reserve(observers.size());
         std::size_t alive = observers.size();
         for (std::size_t i = 0; i < alive;) {
-            auto observer = observers[i].lock();
+            auto observer = observers[i].known.lock();
             if (!observer) {
                 std::swap(observers[i], observers[--alive]);
                 continue;
             }
-            if (auto matching = std::dynamic_pointer_cast<Observer>(observer)) {
-                collected.push_back(std::move(matching));
+            if (auto* const matching = observers[i].template as<Observer>(*observer)) {
+                collected.emplace_back(std::move(observer), matching);
             } else {
                 held.push_back(std::move(observer));
             }
@@ -101,12 +120,12 @@ private:
     std::vector<std::shared_ptr<UnifiedBusinessObjectObserver>> lockObservers() const;
 
     const std::shared_ptr<Processing::ServicesDispatcher> dispatcher;
-    const std::string className;
+    const char* const className;
     std::atomic<bool> enforced;
     mutable std::mutex observersMutex; ///< Guards the next three; never held during a callback.
-    std::vector<std::weak_ptr<UnifiedBusinessObjectObserver>> observers;
+    std::vector<Entry> observers;
     std::shared_ptr<UnifiedBusinessObjectNotifiers> notifiers;
-    mutable std::string guid; ///< Made at the first request.
+    mutable std::unique_ptr<const std::string> guid; ///< Made at the first request, which most objects never see.
 };
 
 } // namespace ZelUnified

@@ -29,6 +29,9 @@ LUMORA_HOST_API void ZelLog(ZelLogger& logger, ZelLogLevel level, const char* fi
 /// or more digits, user and password of a URL, the user's folder in home paths. Host names, IP addresses and plain
 /// numbers stay. The markers don't tell the length of what they hide. One pass; idempotent.
 LUMORA_HOST_API std::string ZelLogger_replacePIIData(std::string_view text);
+/// False where that would leave the text as it is, so that the caller can spare itself a conversion and a copy; true
+/// may be wrong. Allocates nothing.
+LUMORA_HOST_API bool ZelLogger_mayHoldPIIData(std::wstring_view text) noexcept;
 
 #if defined(_MSC_VER)
 #define ZEL_FUNCTION_SIGNATURE __FUNCSIG__

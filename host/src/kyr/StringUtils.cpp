@@ -3,6 +3,7 @@
 
 #include <kyr/StringUtils.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <limits>
@@ -103,7 +104,24 @@ std::string toLowercase(std::string_view text) {
 }
 
 int caseInsensitiveStringCompare(std::wstring_view a, std::wstring_view b) noexcept {
-    return lettercase::compare(lettercase::WideCursor(a), lettercase::WideCursor(b));
+    // As long as both are ASCII no unit needs decoding.
+    const std::size_t shared = std::min(a.size(), b.size());
+    for (std::size_t at = 0; at < shared; ++at) {
+        const char32_t left = codepoints::unitValue(a[at]);
+        const char32_t right = codepoints::unitValue(b[at]);
+        if (left == right && left < 0x80) {
+            continue;
+        }
+        if ((left | right) >= 0x80) {
+            return lettercase::compare(lettercase::WideCursor(a.substr(at)), lettercase::WideCursor(b.substr(at)));
+        }
+        const char32_t lowerLeft = lettercase::toLower(left);
+        const char32_t lowerRight = lettercase::toLower(right);
+        if (lowerLeft != lowerRight) {
+            return lowerLeft < lowerRight ? -1 : 1;
+        }
+    }
+    return static_cast<int>(a.size() > shared) - static_cast<int>(b.size() > shared);
 }
 
 bool caseInsensitiveStringEquals(std::wstring_view a, std::wstring_view b) noexcept {

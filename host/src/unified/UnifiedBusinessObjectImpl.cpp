@@ -18,13 +18,13 @@ ZelLogger& logger = ZelLogger_getLogger("UnifiedFactory-BusinessObject");
 } // namespace
 
 UnifiedBusinessObjectImpl::UnifiedBusinessObjectImpl(const std::shared_ptr<UnifiedFactory>& factory,
-                                                     std::string objectClass)
-    : UnifiedBusinessObjectImpl(factory, true, std::move(objectClass)) {}
+                                                     const char* objectClass)
+    : UnifiedBusinessObjectImpl(factory, true, objectClass) {}
 
 UnifiedBusinessObjectImpl::UnifiedBusinessObjectImpl(const std::shared_ptr<UnifiedFactory>& factory,
-                                                     bool enforceUpdateAccess, std::string objectClass)
+                                                     bool enforceUpdateAccess, const char* objectClass)
     : dispatcher(factory ? factory->getServicesDispatcher() : nullptr),
-      className(std::move(objectClass)),
+      className(objectClass),
       enforced(enforceUpdateAccess) {}
 
 void UnifiedBusinessObjectImpl::addObserver(std::weak_ptr<UnifiedBusinessObjectObserver> observer) {
@@ -36,7 +36,7 @@ void UnifiedBusinessObjectImpl::addObserver(std::weak_ptr<UnifiedBusinessObjectO
     const std::lock_guard lock(observersMutex);
     known = lockObservers();
     if (std::find(known.begin(), known.end(), added) == known.end()) {
-        observers.push_back(std::move(observer));
+        observers.push_back({std::move(observer)});
     }
 }
 
@@ -58,7 +58,7 @@ std::vector<std::shared_ptr<UnifiedBusinessObjectObserver>> UnifiedBusinessObjec
     std::vector<std::shared_ptr<UnifiedBusinessObjectObserver>> locked;
     locked.reserve(observers.size());
     for (const auto& observer : observers) {
-        locked.push_back(observer.lock());
+        locked.push_back(observer.known.lock());
     }
     return locked;
 }
@@ -79,15 +79,15 @@ std::string UnifiedBusinessObjectImpl::toString() {
 
 std::string UnifiedBusinessObjectImpl::describe() const {
     const std::lock_guard lock(observersMutex);
-    return className + " {" + requireGuid() + "}";
+    return std::string(className) + " {" + requireGuid() + "}";
 }
 
 /// With the lock held.
 const std::string& UnifiedBusinessObjectImpl::requireGuid() const {
-    if (guid.empty()) {
-        guid = makeRandomUuid();
+    if (!guid) {
+        guid = std::make_unique<const std::string>(makeRandomUuid());
     }
-    return guid;
+    return *guid;
 }
 
 void UnifiedBusinessObjectImpl::commitToServicesDispatcher() {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdint>
 
 namespace zel::logging {
 
@@ -299,14 +300,78 @@ private:
     bool inUrlPath = false;
 };
 
+template <class Unit>
+constexpr bool equalsIgnoringAsciiCase(std::basic_string_view<Unit> text, std::string_view lower) noexcept {
+    if (text.size() != lower.size()) {
+        return false;
+    }
+    for (std::size_t i = 0; i < lower.size(); ++i) {
+        const auto isLetter = [unit = text[i]](char letter) { return unit == static_cast<Unit>(letter); };
+        if (!isLetter(lower[i]) && !isLetter(static_cast<char>(lower[i] - 'a' + 'A'))) {
+            return false;
+        }
+    }
+    return true;
+}
+
+template <class Unit>
+constexpr bool endsIn(std::basic_string_view<Unit> text, std::string_view lower) noexcept {
+    return text.size() >= lower.size() && equalsIgnoringAsciiCase(text.substr(text.size() - lower.size()), lower);
+}
+
+/// The characters with which rules of the scanner begin, none of them behind the backslash.
+constexpr auto triggers = [] {
+    std::array<bool, '\\' + 1> marks{};
+    for (const char trigger : {'@', '+', ':', '/', '\\'}) {
+        marks[static_cast<std::size_t>(trigger)] = true;
+    }
+    return marks;
+}();
+
+/// Whether a rule of the scanner could begin with the trigger at `place`. The user of a web address needs an "@".
+template <class Unit>
+bool mayBeginAt(std::basic_string_view<Unit> text, std::size_t place) noexcept {
+    const auto before = text.substr(0, place);
+    const auto after = text.substr(place + 1);
+    switch (static_cast<char>(text[place])) {
+    case ':':
+        return endsIn(before, "tel") || endsIn(before, "sip") || endsIn(before, "sips");
+    case '/':
+    case '\\':
+        return equalsIgnoringAsciiCase(after.substr(0, 4), "home") ||
+               equalsIgnoringAsciiCase(after.substr(0, 5), "users") ||
+               equalsIgnoringAsciiCase(after.substr(0, 9), "documents");
+    default:
+        return true;
+    }
+}
+
+template <class Unit>
+bool mayBegin(std::basic_string_view<Unit> text) noexcept {
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto unit = static_cast<std::uint32_t>(text[i]);
+        if (unit < triggers.size() && triggers[unit] && mayBeginAt(text, i)) {
+            return true;
+        }
+    }
+    return false;
+}
+
 } // namespace
 
 std::string maskPersonalData(std::string_view text) {
-    // Nothing is masked without one of these.
-    if (text.find_first_of("@+:/\\") == text.npos) {
+    if (!mayHoldPersonalData(text)) {
         return std::string(text);
     }
     return Scanner(text).run();
+}
+
+bool mayHoldPersonalData(std::string_view text) noexcept {
+    return mayBegin(text);
+}
+
+bool mayHoldPersonalData(std::wstring_view text) noexcept {
+    return mayBegin(text);
 }
 
 } // namespace zel::logging

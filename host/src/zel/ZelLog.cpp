@@ -50,3 +50,7 @@ void ZelLog(ZelLogger& logger, ZelLogLevel level, const char* file, int line, st
 std::string ZelLogger_replacePIIData(std::string_view text) {
     return zel::logging::maskPersonalData(text);
 }
+
+bool ZelLogger_mayHoldPIIData(std::wstring_view text) noexcept {
+    return zel::logging::mayHoldPersonalData(text);
+}

@@ -144,6 +144,15 @@ TEST(CaseInsensitiveCompare, IgnoresCaseAlone) {
     EXPECT_NE(caseInsensitiveStringCompare(wide(0x131), L"i"), 0);
 }
 
+TEST(CaseInsensitiveCompare, GoesOnBehindABeginningInAscii) {
+    EXPECT_EQ(caseInsensitiveStringCompare(L"ab" + wide(0xC4), L"AB" + wide(0xE4)), 0);
+    EXPECT_GT(caseInsensitiveStringCompare(L"ab" + wide(0xC4), L"ABz"), 0);
+    EXPECT_LT(caseInsensitiveStringCompare(L"ABz", L"ab" + wide(0xC4)), 0);
+    EXPECT_LT(caseInsensitiveStringCompare(L"AB", L"ab" + wide(0xC4)), 0);
+    EXPECT_LT(caseInsensitiveStringCompare(L"ab" + wide(0x10400) + L"A", L"AB" + wide(0x10428) + L"b"), 0);
+    EXPECT_EQ(caseInsensitiveStringCompare(L"k", wide(0x212A)), 0); // the sign for kelvin
+}
+
 TEST(CaseInsensitiveCompare, SortsTheUnderscoreBeforeLetters) {
     EXPECT_LT(caseInsensitiveStringCompare(L"A_", L"AB"), 0);
     EXPECT_LT(caseInsensitiveStringCompare(L"a_", L"aB"), 0);

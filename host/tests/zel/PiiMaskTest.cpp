@@ -1,3 +1,4 @@
+#include <kyr/StringUtils.h>
 #include <zel/ZelLog.h>
 
 #include <chrono>
@@ -16,6 +17,7 @@ void expectMasked(const std::vector<Case>& cases) {
     for (const auto& [text, masked] : cases) {
         EXPECT_EQ(ZelLogger_replacePIIData(text), masked) << "from: " << text;
         EXPECT_EQ(ZelLogger_replacePIIData(masked), masked) << "again, from: " << text;
+        EXPECT_TRUE(text == masked || ZelLogger_mayHoldPIIData(KyrCoreUtils::toWideString(text))) << text;
     }
 }
 
@@ -34,6 +36,13 @@ TEST(PersonalDataMask, HidesTheLocalPartOfMailAddresses) {
         {"https://example.com/?mail=john@example.org&x=1", "https://example.com/?mail=<user>@example.org&x=1"},
         {"+4989123456@example.com", "<user>@example.com"},
     });
+}
+
+TEST(PersonalDataMask, IsNotNeededForHostsNumbersAndPaths) {
+    for (const std::wstring text : {L"", L"true", L"5060", L"proxy.example.com:8443", L"https://example.com:8443/path",
+                                    L"C:\\Program Files\\Lumora", L"/etc/lumora", L"xtel", L"sip", L"a:"}) {
+        EXPECT_FALSE(ZelLogger_mayHoldPIIData(text)) << KyrCoreUtils::toString(text);
+    }
 }
 
 TEST(PersonalDataMask, LeavesAtSignsThatNameNobody) {

@@ -1,18 +1,24 @@
 #pragma once
 
-#include <ConfigMap.h>
 #include <ConfigStore.h>
+#include <IndexedStore.h>
 
 #include <istream>
+#include <memory>
+#include <string>
+#include <vector>
 
 namespace ZelUnified {
 
+class ConfigTable;
+
 /// The read-only store that an installer's file fills: lines of `key:value` in UTF-8, "#" for comments. The first colon
 /// divides, so a value may hold more; a later line wins over an earlier one. Read once; any thread.
-class LUMORA_CONFIG_API BootstrapConfigStore final : public ConfigStore {
+class LUMORA_CONFIG_API BootstrapConfigStore final : public ConfigStore, public IndexedStore {
 public:
     /// A file that can't be opened is a warning and an empty store.
     BootstrapConfigStore(const std::string& storeName, const std::string& path, int storePriority);
+    ~BootstrapConfigStore() override;
 
     bool getValue(const std::wstring& key, std::wstring& value) override;
     bool storeValue(const std::wstring&, const std::wstring&) override { return false; }
@@ -27,12 +33,15 @@ public:
     bool isLocal() override { return true; }
     bool waitForStoreReady() override { return true; }
 
+    bool lookUp(const FoldedKey& key, std::wstring& value) override;
+    const std::type_info& getIndexedType() const override { return typeid(BootstrapConfigStore); }
+
 private:
     void readLines(std::istream& stream);
     void readLine(const std::string& line);
 
     const int priority;
-    ConfigMap values;
+    const std::unique_ptr<ConfigTable> values;
     const std::string filePath;
     const std::string name;
 };

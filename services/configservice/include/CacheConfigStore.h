@@ -1,5 +1,6 @@
 #pragma once
 
+#include <ConfigMap.h>
 #include <XmlConfigStore.h>
 
 namespace ZelUnified {
@@ -16,6 +17,8 @@ public:
 
     /// Holds the lock for the whole write: readers wait for the disk.
     void persistValues() override;
+
+    const std::type_info& getIndexedType() const override { return typeid(CacheConfigStore); }
 };
 
 } // namespace ZelUnified

@@ -1,15 +1,22 @@
 #pragma once
 
-#include <ConfigMap.h>
 #include <ConfigStore.h>
+#include <IndexedStore.h>
 #include <secure/Mutex.h>
+
+#include <memory>
+#include <string>
+#include <vector>
 
 namespace ZelUnified {
 
+class ConfigTable;
+
 /// The volatile store: a writable table that dies with the process. Any thread.
-class LUMORA_CONFIG_API InMemoryConfigStore final : public ConfigStore {
+class LUMORA_CONFIG_API InMemoryConfigStore final : public ConfigStore, public IndexedStore {
 public:
     InMemoryConfigStore(std::string storeName, int storePriority);
+    ~InMemoryConfigStore() override;
 
     bool getValue(const std::wstring& key, std::wstring& value) override;
     bool storeValue(const std::wstring& key, const std::wstring& value) override;
@@ -24,8 +31,11 @@ public:
     bool isLocal() override { return true; }
     bool waitForStoreReady() override { return true; }
 
+    bool lookUp(const FoldedKey& key, std::wstring& value) override;
+    const std::type_info& getIndexedType() const override { return typeid(InMemoryConfigStore); }
+
 private:
-    ConfigMap values;
+    const std::unique_ptr<ConfigTable> values;
     zel::Mutex valuesMutex; ///< Guards `values`.
     const std::string name;
     const int priority;

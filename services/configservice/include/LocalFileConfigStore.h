@@ -2,6 +2,7 @@
 
 #include <ConfigMap.h>
 #include <ConfigStore.h>
+#include <IndexedStore.h>
 #include <secure/Mutex.h>
 
 #include <memory>
@@ -15,6 +16,7 @@ class SecureString;
 namespace ZelUnified {
 
 class ConfigFileCacheTimer;
+class ConfigTable;
 
 /// Keeps its keys in a file: the user's settings in a protected file with a backup beside it, or the plain read-only
 /// defaults of the installation. A file that can't be read gives an empty store.
@@ -25,6 +27,7 @@ class ConfigFileCacheTimer;
 ///
 /// Locks: `fileMutex` before `valuesMutex`; readers of keys don't wait for a write to the disk.
 class LUMORA_CONFIG_API LocalFileConfigStore : public ConfigStore,
+                                               public IndexedStore,
                                                public std::enable_shared_from_this<LocalFileConfigStore> {
 public:
     /// Any file. `directory` without its last separator; the empty one stays empty. `file` must have an extension:
@@ -51,6 +54,9 @@ public:
     bool isLocal() override { return local; }
     bool waitForStoreReady() override { return true; }
     bool shouldCacheConfigStore() override { return false; }
+
+    bool lookUp(const FoldedKey& key, std::wstring& value) override;
+    const std::type_info& getIndexedType() const override { return typeid(LocalFileConfigStore); }
 
     /// Before the store is shared. Without a timer there are no backup writes.
     void setTimer(std::shared_ptr<ConfigFileCacheTimer> cacheTimer);
@@ -79,7 +85,7 @@ private:
     bool destroyed = false;
     zel::Mutex valuesMutex; ///< Guards `destroyed`, `values` and `lastPersistedValues`.
     zel::Mutex fileMutex;   ///< Held while the files are read or written.
-    ConfigMap values;
+    const std::unique_ptr<ConfigTable> values;
     ConfigMap lastPersistedValues;
     std::string configDirectory;
     std::string fileName;

@@ -2,6 +2,7 @@
 
 #include <ConfigMap.h>
 #include <ConfigStore.h>
+#include <IndexedStore.h>
 
 #include <cstddef>
 #include <memory>
@@ -10,18 +11,19 @@
 
 namespace ZelUnified {
 
+class ConfigTable;
 class MdmConfigRetriever;
 
 /// What a device-management system pushed. Each push makes a new store, which replaces the old one. Needs no lock:
 /// nothing changes the table after construction.
-class LUMORA_CONFIG_API MdmConfigStore : public ConfigStore {
+class LUMORA_CONFIG_API MdmConfigStore : public ConfigStore, public IndexedStore {
 public:
     /// UTF-8 XML of root, groups and keys. A text that can't be read gives an empty store.
     explicit MdmConfigStore(const std::string& configXml);
     /// A null retriever gives an empty store.
     explicit MdmConfigStore(std::shared_ptr<MdmConfigRetriever> retriever);
     /// As a null retriever.
-    explicit MdmConfigStore(std::nullptr_t) {}
+    explicit MdmConfigStore(std::nullptr_t);
     ~MdmConfigStore() override;
 
     bool getValue(const std::wstring& key, std::wstring& value) override;
@@ -37,8 +39,11 @@ public:
     bool isLocal() override { return true; }
     bool waitForStoreReady() override { return true; }
 
+    bool lookUp(const FoldedKey& key, std::wstring& value) override;
+    const std::type_info& getIndexedType() const override { return typeid(MdmConfigStore); }
+
 private:
-    ConfigMap values;
+    const std::unique_ptr<ConfigTable> values;
 };
 
 } // namespace ZelUnified

@@ -5,6 +5,7 @@
 #include <ConfigMap.h>
 #include <ConfigServiceExport.h>
 #include <ConfigStore.h>
+#include <IndexedStore.h>
 
 #include <cstddef>
 #include <memory>
@@ -13,19 +14,21 @@
 
 namespace ZelUnified {
 
+class ConfigTable;
 class UnifiedFactory;
 
 /// The policy that administrators leave in the registry of the current user: one key with all keys below it, flattened
 /// into one table. Read-only, and read once, in the constructor; a refresh makes a new store.
 ///
 /// The table never changes once constructed, so every operation may be called from any thread.
-class LUMORA_CONFIG_API RegistryConfigStore : public ConfigStore {
+class LUMORA_CONFIG_API RegistryConfigStore : public ConfigStore, public IndexedStore {
 public:
     /// Reads "Software\" + `subkey` (UTF-8) under the current user's root, marks passwords as sensitive keys of the
     /// factory's feature set if there is one, logs the table, and leaves a text copy of it in the configuration
     /// directory, which replaces that of any earlier store. A missing key gives an empty store.
     RegistryConfigStore(std::shared_ptr<UnifiedFactory> factory, std::string storeName, int storePriority,
                         std::string subkey);
+    ~RegistryConfigStore() override;
 
     /// Never answers for "CertificateValidationEnabled".
     bool getValue(const std::wstring& key, std::wstring& value) override;
@@ -42,6 +45,9 @@ public:
     bool waitForStoreReady() override { return true; }
     /// A place for stores that follow a registry which changes. This one does not.
     virtual void onRegistryChanged() {}
+
+    bool lookUp(const FoldedKey& key, std::wstring& value) override;
+    const std::type_info& getIndexedType() const override { return typeid(RegistryConfigStore); }
 
     /// Deletes the policy key of the current user with all that lies below it, as far as that may be done.
     static void removeRegistrySettings();
@@ -61,7 +67,7 @@ private:
     void logConfigMap() const;
     void writeTextCopy() const;
 
-    ConfigMap values;
+    const std::unique_ptr<ConfigTable> values;
     int priority;
     std::string name;
     std::shared_ptr<UnifiedFactory> unifiedFactory;

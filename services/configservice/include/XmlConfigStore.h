@@ -1,7 +1,7 @@
 #pragma once
 
-#include <ConfigMap.h>
 #include <ConfigStore.h>
+#include <IndexedStore.h>
 #include <secure/Mutex.h>
 
 #include <memory>
@@ -10,11 +10,13 @@
 
 namespace ZelUnified {
 
+class ConfigTable;
+
 /// An administrator's store over one XML file, read once at construction: a changed file reaches the system by a new
 /// store only. A file that can't be read gives an empty store. Any thread; one lock around every operation.
 ///
 /// "CertificateValidationEnabled" is held and listed but never answered.
-class LUMORA_CONFIG_API XmlConfigStore : public ConfigStore {
+class LUMORA_CONFIG_API XmlConfigStore : public ConfigStore, public IndexedStore {
 public:
     /// With `readNow` the file is read at once, as a protected one when `encrypted`.
     XmlConfigStore(std::string storeName, int storePriority, bool isLocalStorage, bool encrypted, std::string file,
@@ -36,8 +38,11 @@ public:
     bool isLocal() override { return isLocalStore; }
     bool waitForStoreReady() override { return true; }
 
+    bool lookUp(const FoldedKey& key, std::wstring& value) override;
+    const std::type_info& getIndexedType() const override { return typeid(XmlConfigStore); }
+
 protected:
-    ConfigMap values;
+    const std::unique_ptr<ConfigTable> values;
     std::string filePath;
     zel::Mutex valuesLock; ///< Guards `values`.
 

@@ -6,12 +6,12 @@
 
 namespace ZelUnified {
 
-UnifiedServiceImpl::UnifiedServiceImpl(const std::shared_ptr<UnifiedFactory>& factory, std::string name)
-    : UnifiedBusinessObjectImpl(factory, std::move(name)) {}
+UnifiedServiceImpl::UnifiedServiceImpl(const std::shared_ptr<UnifiedFactory>& factory, const char* name)
+    : UnifiedBusinessObjectImpl(factory, name) {}
 
 UnifiedServiceImpl::UnifiedServiceImpl(const std::shared_ptr<UnifiedFactory>& factory, bool enforceUpdateAccess,
-                                       std::string name)
-    : UnifiedBusinessObjectImpl(factory, enforceUpdateAccess, std::move(name)) {}
+                                       const char* name)
+    : UnifiedBusinessObjectImpl(factory, enforceUpdateAccess, name) {}
 
 void UnifiedServiceImpl::addObserver(std::weak_ptr<UnifiedServiceObserver> observer) {
     UnifiedBusinessObjectImpl::addObserver(std::move(observer));

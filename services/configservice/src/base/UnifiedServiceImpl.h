@@ -25,8 +25,8 @@ public:
     void fireOnBulkUpdateInProgressChanged();
 
 protected:
-    UnifiedServiceImpl(const std::shared_ptr<UnifiedFactory>& factory, std::string name);
-    UnifiedServiceImpl(const std::shared_ptr<UnifiedFactory>& factory, bool enforceUpdateAccess, std::string name);
+    UnifiedServiceImpl(const std::shared_ptr<UnifiedFactory>& factory, const char* name);
+    UnifiedServiceImpl(const std::shared_ptr<UnifiedFactory>& factory, bool enforceUpdateAccess, const char* name);
 
     void initNotifiers() override;
     void commitToServicesDispatcher() override;

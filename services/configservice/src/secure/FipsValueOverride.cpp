@@ -7,11 +7,25 @@
 
 namespace zel {
 
+namespace {
+
+constexpr std::wstring_view overridden = L"false";
+
+bool isOverridden(std::wstring_view key) {
+    return common::FipsUtils::isFipsEnabled() &&
+           KyrCoreUtils::caseInsensitiveStringEquals(key, ZelUnified::ConfigKeys::telephonyP2PEnabled);
+}
+
+} // namespace
+
 void applyFipsValueOverride(std::wstring_view key, std::wstring& value) {
-    if (common::FipsUtils::isFipsEnabled() &&
-        KyrCoreUtils::caseInsensitiveStringEquals(key, ZelUnified::ConfigKeys::telephonyP2PEnabled)) {
-        value = L"false";
+    if (isOverridden(key)) {
+        value = overridden;
     }
+}
+
+std::wstring_view withFipsOverride(std::wstring_view key, std::wstring_view held) {
+    return isOverridden(key) ? overridden : held;
 }
 
 } // namespace zel

@@ -38,6 +38,7 @@ ConfigServiceImpl::ConfigServiceImpl(const std::shared_ptr<UnifiedFactory>& fact
 }
 
 void ConfigServiceImpl::initialize(const std::shared_ptr<UnifiedFactory>&) {
+    configValuesIndex.clear();
     configValues.clear();
 }
 
@@ -148,6 +149,7 @@ void ConfigServiceImpl::reset() {
     // What dies with a record may call back into the service, so the map is emptied before the records go.
     ConfigValueMap released;
     released.swap(configValues);
+    configValuesIndex.clear();
 }
 
 void ConfigServiceImpl::refreshConfigFeatureSet() {
@@ -183,7 +185,7 @@ void ConfigServiceImpl::FireIfRequired(std::wstring key) {
 
 void ConfigServiceImpl::setupConfigKeyAliases(ConfigMap aliases) {
     EnsureUpdateAccess(true);
-    keyAliases = std::move(aliases);
+    keyAliases.replace(std::move(aliases));
 }
 
 void ConfigServiceImpl::updateSensitiveKeyList(std::wstring key) {
@@ -200,47 +202,36 @@ void ConfigServiceImpl::onFeatureSetReady(bool ready) {
 
 std::shared_ptr<ConfigValueImpl> ConfigServiceImpl::findConfig(const std::wstring& key) {
     EnsureUpdateAccess(true);
-    std::wstring alias;
-    const bool isAlias = isKeyAlias(key, alias);
-    if (isAlias) {
-        if (auto record = findConfigFromKey(alias)) {
-            ZelLog(logger, ZelLogLevel::Info, ZEL_HERE, describeAliasLookup(key, alias, *record));
+    const FoldedKey folded(key);
+    const auto* alias = keyAliases.find(folded);
+    if (alias != nullptr) {
+        if (auto record = findConfigFromKey(FoldedKey(*alias))) {
+            ZelLog(logger, ZelLogLevel::Info, ZEL_HERE, describeAliasLookup(key, *alias, *record));
             return record;
         }
     }
-    if (auto record = findConfigFromKey(key)) {
+    if (auto record = findConfigFromKey(folded)) {
         return record;
     }
-    return createConfig(isAlias ? alias : key);
+    return createConfig(alias != nullptr ? *alias : key);
 }
 
-std::shared_ptr<ConfigValueImpl> ConfigServiceImpl::findConfigFromKey(const std::wstring& key) {
-    if (const auto found = configValues.find(key); found != configValues.end()) {
-        auto record = found->second;
+std::shared_ptr<ConfigValueImpl> ConfigServiceImpl::findConfigFromKey(const FoldedKey& key) {
+    if (auto* const record = configValuesIndex.find(key)) {
         applyCachedValueFipsRule(*record);
-        return record;
+        return record->shared_from_this();
     }
-    if (KyrCoreUtils::caseInsensitiveStringEquals(key, calendarIntegrationType)) {
-        auto record = createConfig(key);
+    if (key.names(calendarIntegrationType)) {
+        auto record = createConfig(key.getText());
         CalendarIntegrationTypeCheck::detectCalendarIntegrationType(logger, record);
         return record;
     }
     return nullptr;
 }
 
-bool ConfigServiceImpl::isKeyAlias(const std::wstring& key, std::wstring& alias) const {
-    const auto found = keyAliases.find(key);
-    if (found == keyAliases.end()) {
-        alias.clear();
-        return false;
-    }
-    alias = found->second;
-    return true;
-}
-
 std::shared_ptr<ConfigValueImpl> ConfigServiceImpl::createConfig(const std::wstring& key) {
     auto record = std::make_shared<ConfigValueImpl>(unifiedFactory, key);
-    configValues.insert_or_assign(key, record);
+    keep(key, record);
     return record;
 }
 
@@ -250,8 +241,16 @@ std::shared_ptr<ConfigValueImpl> ConfigServiceImpl::createConfig(const std::wstr
                                                                  const std::wstring& originalValueStoreName) {
     auto record = std::make_shared<ConfigValueImpl>(unifiedFactory, key, value, originalValue, isOverridden,
                                                     valueStoreName, originalValueStoreName);
-    configValues.insert_or_assign(key, record);
+    keep(key, record);
     return record;
+}
+
+void ConfigServiceImpl::keep(const std::wstring& key, const std::shared_ptr<ConfigValueImpl>& record) {
+    const FoldedKey folded(key);
+    configValuesIndex.reserveOne();
+    configValuesIndex.erase(folded); // while the former record lives
+    configValues.insert_or_assign(key, record);
+    configValuesIndex.insert(folded, *record);
 }
 
 std::wstring ConfigServiceImpl::describeAliasLookup(const std::wstring& key, const std::wstring& alias,

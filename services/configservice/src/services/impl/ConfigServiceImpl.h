@@ -2,6 +2,8 @@
 
 #include "ConfigValueImpl.h"
 #include "base/ConfigServiceBaseImpl.h"
+#include "lookup/ConfigTable.h"
+#include "lookup/KeyIndex.h"
 
 #include <unified/FeatureSetReadyListener.h>
 
@@ -62,25 +64,31 @@ public:
 private:
     using ConfigValueMap = std::map<std::wstring, std::shared_ptr<ConfigValueImpl>, caseInsensitiveMapComparator>;
 
+    struct KeyOfRecord {
+        const std::wstring& operator()(const ConfigValueImpl& record) const noexcept { return record.getIndexedKey(); }
+    };
+
     void initialize(const std::shared_ptr<UnifiedFactory>& factory);
     std::shared_ptr<ConfigFeatureSet> getFeatureSet() const;
 
     /// The record of the key, looked up under its new name first; made under the new name when there is none.
     std::shared_ptr<ConfigValueImpl> findConfig(const std::wstring& key);
     /// The record of exactly this key, empty when there is none.
-    std::shared_ptr<ConfigValueImpl> findConfigFromKey(const std::wstring& key);
-    bool isKeyAlias(const std::wstring& key, std::wstring& alias) const;
+    std::shared_ptr<ConfigValueImpl> findConfigFromKey(const FoldedKey& key);
     std::shared_ptr<ConfigValueImpl> createConfig(const std::wstring& key);
     std::shared_ptr<ConfigValueImpl> createConfig(const std::wstring& key, const std::wstring& value,
                                                   const std::wstring& originalValue, bool isOverridden,
                                                   const std::wstring& valueStoreName,
                                                   const std::wstring& originalValueStoreName);
+    /// Takes the place of a record of the same key.
+    void keep(const std::wstring& key, const std::shared_ptr<ConfigValueImpl>& record);
     std::wstring describeAliasLookup(const std::wstring& key, const std::wstring& alias, ConfigValueImpl& record);
     void appendSettings(std::wstring& report, bool defined);
 
     ConfigValueMap configValues;
+    KeyIndex<ConfigValueImpl, KeyOfRecord> configValuesIndex; ///< Of the records in `configValues`.
     ConfigKeySet sensitiveKeys;
-    ConfigMap keyAliases;
+    ConfigTable keyAliases;
     std::shared_ptr<UnifiedFactory> unifiedFactory;
 };
 

@@ -27,9 +27,8 @@ ConfigValueImpl::ConfigValueImpl(const std::shared_ptr<UnifiedFactory>& factory,
 }
 
 std::wstring ConfigValueImpl::getValue() {
-    auto value = ConfigValueBaseImpl::getValue();
-    zel::applyFipsValueOverride(Key, value);
-    return value;
+    EnsureUpdateAccess(true);
+    return std::wstring(zel::withFipsOverride(Key, Value));
 }
 
 void ConfigValueImpl::storeValueAndNotify(std::wstring value) {
@@ -58,27 +57,27 @@ void ConfigValueImpl::applyValues(const std::wstring& value, const std::wstring&
                                   bool defined, const std::wstring& valueStoreName,
                                   const std::wstring& originalValueStoreName) {
     EnsureUpdateAccess(true);
-    if (!KyrCoreUtils::caseInsensitiveStringEquals(getValue(), value)) {
+    if (!KyrCoreUtils::caseInsensitiveStringEquals(zel::withFipsOverride(Key, Value), value)) {
         setValue(value);
         isValueChanged = true;
     }
-    if (!KyrCoreUtils::caseInsensitiveStringEquals(getOriginalValue(), originalValue)) {
+    if (!KyrCoreUtils::caseInsensitiveStringEquals(OriginalValue, originalValue)) {
         setOriginalValue(originalValue);
         isOriginalValueChanged = true;
     }
-    if (getisOverridden() != overridden) {
+    if (isOverridden != overridden) {
         setisOverridden(overridden);
         isOverriddenChanged = true;
     }
-    if (getisDefined() != defined) {
+    if (isDefined != defined) {
         setisDefined(defined);
         isDefinedChanged = true;
     }
-    if (getValueStoreName() != valueStoreName) {
+    if (ValueStoreName != valueStoreName) {
         setValueStoreName(valueStoreName);
         isValueStoreNameChanged = true;
     }
-    if (getOriginalValueStoreName() != originalValueStoreName) {
+    if (OriginalValueStoreName != originalValueStoreName) {
         setOriginalValueStoreName(originalValueStoreName);
         isOriginalValueStoreNameChanged = true;
     }

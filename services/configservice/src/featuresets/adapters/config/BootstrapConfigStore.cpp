@@ -1,4 +1,4 @@
-#include "ConfigMapKeys.h"
+#include "lookup/ConfigTable.h"
 #include "secure/FipsValueOverride.h"
 
 #include <kyr/FstreamUtils.h>
@@ -20,7 +20,7 @@ constexpr std::string_view separator = ":";
 } // namespace
 
 BootstrapConfigStore::BootstrapConfigStore(const std::string& storeName, const std::string& path, int storePriority)
-    : priority(storePriority), filePath(path), name(storeName) {
+    : priority(storePriority), values(std::make_unique<ConfigTable>()), filePath(path), name(storeName) {
     std::fstream stream;
     KyrCoreUtils::FstreamUtils::open(stream, filePath, KyrCoreUtils::StreamMode::Read);
     if (!stream.is_open()) {
@@ -60,21 +60,25 @@ void BootstrapConfigStore::readLine(const std::string& line) {
         }
         value += pieces[i];
     }
-    values.insert_or_assign(KyrCoreUtils::toWideString(KyrCoreUtils::trim(pieces.front())),
-                            KyrCoreUtils::toWideString(KyrCoreUtils::trim(value)));
+    values->store(KyrCoreUtils::toWideString(KyrCoreUtils::trim(pieces.front())),
+                  KyrCoreUtils::toWideString(KyrCoreUtils::trim(value)));
 }
 
+BootstrapConfigStore::~BootstrapConfigStore() = default;
+
 bool BootstrapConfigStore::getValue(const std::wstring& key, std::wstring& value) {
-    const auto found = values.find(key);
-    const bool held = found != values.end();
-    auto answer = held ? KyrCoreUtils::trim(found->second) : std::wstring();
-    zel::applyFipsValueOverride(key, answer);
-    value = std::move(answer);
-    return held;
+    return lookUp(FoldedKey(key), value);
+}
+
+bool BootstrapConfigStore::lookUp(const FoldedKey& key, std::wstring& value) {
+    const auto* found = values->find(key);
+    const auto held = found == nullptr ? std::wstring() : KyrCoreUtils::trim(*found);
+    value = zel::withFipsOverride(key.getText(), held); // last: key and value may be one string
+    return found != nullptr;
 }
 
 std::vector<std::wstring> BootstrapConfigStore::getKeys() {
-    return keysOf(values);
+    return values->getKeys();
 }
 
 } // namespace ZelUnified

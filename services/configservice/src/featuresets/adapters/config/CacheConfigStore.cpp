@@ -1,4 +1,5 @@
 #include "XmlConfigParser.h"
+#include "lookup/ConfigTable.h"
 
 #include <CacheConfigStore.h>
 
@@ -12,8 +13,8 @@ CacheConfigStore::CacheConfigStore(std::string storeName, int storePriority, std
 CacheConfigStore::CacheConfigStore(std::string storeName, int storePriority, std::string file, ConfigMap& contents)
     : XmlConfigStore(std::move(storeName), storePriority, true, true, std::move(file), false) {
     const zel::Mutex::ScopedLock lock(valuesLock);
-    values = contents;
-    XmlConfigParser::writeToFile(filePath, values);
+    values->replace(contents);
+    XmlConfigParser::writeToFile(filePath, values->getMap());
     contents.clear();
 }
 
@@ -21,7 +22,7 @@ CacheConfigStore::~CacheConfigStore() = default;
 
 void CacheConfigStore::persistValues() {
     const zel::Mutex::ScopedLock lock(valuesLock);
-    XmlConfigParser::writeToFile(filePath, values);
+    XmlConfigParser::writeToFile(filePath, values->getMap());
 }
 
 } // namespace ZelUnified

@@ -232,25 +232,30 @@ void ConfigAdapter::onPowerEvent(ZelSystemMonitor::PowerEventTypeEnum::PowerEven
     Destroy();
 }
 
+ConfigServiceImpl* ConfigAdapter::getServiceOfThisThread() const {
+    const bool mayBeCalled = configService && unifiedFactory->getServicesDispatcher()->checkForUpdateAccess();
+    return mayBeCalled ? configService.get() : nullptr;
+}
+
 void ConfigAdapter::callService(std::string_view taskName, std::wstring_view taskSubject,
                                 std::function<void(ConfigServiceImpl&)> call) {
+    if (auto* const service = getServiceOfThisThread()) {
+        call(*service);
+        return;
+    }
     if (!configService) {
         return;
     }
-    const auto dispatcher = unifiedFactory->getServicesDispatcher();
-    if (dispatcher->checkForUpdateAccess()) {
-        call(*configService);
-        return;
-    }
     // A weak reference: a strong one would keep service, factory and queue alive in a circle.
-    dispatcher->enqueue(std::make_shared<FunctionTask>(
-                            [service = std::weak_ptr(configService), call = std::move(call)] {
-                                if (const auto alive = service.lock()) {
-                                    call(*alive);
-                                }
-                            },
-                            std::string(taskName) + KyrCoreUtils::toString(taskSubject)),
-                        false);
+    unifiedFactory->getServicesDispatcher()->enqueue(
+        std::make_shared<FunctionTask>(
+            [service = std::weak_ptr(configService), call = std::move(call)] {
+                if (const auto alive = service.lock()) {
+                    call(*alive);
+                }
+            },
+            std::string(taskName) + KyrCoreUtils::toString(taskSubject)),
+        false);
 }
 
 void ConfigAdapter::notifyConfigKeyAliases() {
@@ -261,6 +266,10 @@ void ConfigAdapter::notifyConfigKeyAliases() {
 }
 
 void ConfigAdapter::onFireIfRequired(std::wstring key) {
+    if (auto* const service = getServiceOfThisThread()) {
+        service->FireIfRequired(std::move(key));
+        return;
+    }
     callService("ConfigServiceImpl::FireIfRequired - ", key,
                 [key](ConfigServiceImpl& service) { service.FireIfRequired(key); });
 }
@@ -273,6 +282,11 @@ void ConfigAdapter::onSensitiveKeyAddedOrUpdated(std::wstring key) {
 void ConfigAdapter::onConfigAddedOrUpdated(std::wstring key, std::wstring value, std::wstring originalValue,
                                            bool isOverridden, bool isDefined, std::wstring valueStoreName,
                                            std::wstring originalValueStoreName, bool deferFire) {
+    if (auto* const service = getServiceOfThisThread()) {
+        service->OnConfigChanged(std::move(key), std::move(value), std::move(originalValue), isOverridden, isDefined,
+                                 std::move(valueStoreName), std::move(originalValueStoreName), deferFire);
+        return;
+    }
     // Shared, and zeroed with its last holder: a task is copied on its way.
     const auto change = std::make_shared<const ConfigChange>(
         ConfigChange{std::move(value), std::move(originalValue), isOverridden, isDefined, std::move(valueStoreName),

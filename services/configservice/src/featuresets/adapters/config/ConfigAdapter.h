@@ -122,6 +122,8 @@ private:
     bool isSwitchedOff(std::wstring_view key) const;
     void setEnabledServicesFromCachedStores();
 
+    /// The service when the caller stands on the services dispatcher's thread, where it may be called; else null.
+    ConfigServiceImpl* getServiceOfThisThread() const;
     /// Makes the call on the services dispatcher's thread: at once when the caller stands there, else later, in a task
     /// named `taskName` followed by `taskSubject`. The call gets the service; it is dropped when the service is gone.
     void callService(std::string_view taskName, std::wstring_view taskSubject,

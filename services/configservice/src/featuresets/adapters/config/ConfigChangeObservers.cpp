@@ -2,6 +2,8 @@
 
 #include "secure/SecureString.h"
 
+#include <utility>
+
 namespace ZelUnified {
 
 ConfigChange::~ConfigChange() {
@@ -17,10 +19,16 @@ void ConfigChangeObservers::add(ConfigStoreManager_Observer* observer) {
     observers.insert(observer);
 }
 
-void ConfigChangeObservers::notifyConfigAddedOrUpdated(const std::wstring& key, const ConfigChange& change,
-                                                       bool deferFire) {
+void ConfigChangeObservers::notifyConfigAddedOrUpdated(const std::wstring& key, ConfigChange&& change, bool deferFire) {
     const std::lock_guard lock(observersLock);
-    for (auto* observer : observers) {
+    for (auto next = observers.begin(); next != observers.end();) {
+        auto* const observer = *next;
+        if (++next == observers.end()) {
+            observer->onConfigAddedOrUpdated(key, std::move(change.value), std::move(change.originalValue),
+                                             change.isOverridden, change.isDefined, std::move(change.valueStoreName),
+                                             std::move(change.originalValueStoreName), deferFire);
+            return;
+        }
         observer->onConfigAddedOrUpdated(key, change.value, change.originalValue, change.isOverridden, change.isDefined,
                                          change.valueStoreName, change.originalValueStoreName, deferFire);
     }

@@ -30,7 +30,8 @@ public:
     /// A null observer is ignored.
     void add(ConfigStoreManager_Observer* observer);
 
-    void notifyConfigAddedOrUpdated(const std::wstring& key, const ConfigChange& change, bool deferFire);
+    /// Each observer gets texts of its own, the last one those of `change`.
+    void notifyConfigAddedOrUpdated(const std::wstring& key, ConfigChange&& change, bool deferFire);
     void notifyFireIfRequired(const std::wstring& key);
     void notifySensitiveKey(const std::wstring& key);
 

@@ -7,33 +7,35 @@
 
 namespace ZelUnified {
 
-bool ConfigLookup::lookupInStores(const std::wstring& key, std::wstring& value, std::wstring& configStoreName,
+bool ConfigLookup::lookupInStores(const FoldedKey& key, std::wstring& value, std::wstring* configStoreName,
                                   bool skipLocal, const std::string& storeFilter) const {
     bool found = false;
     value.clear();
-    for (const auto walked = chain.getStores(); const auto& store : *walked) {
+    for (const auto walked = chain.getLinks(); const auto& store : *walked) {
         if (!storeFilter.empty() && !KyrCoreUtils::caseInsensitiveStringEquals(storeFilter, store->getName())) {
             continue;
         }
         if (skipLocal && !store->isReadOnly()) {
             continue;
         }
-        if (store->getValue(key, value)) {
-            configStoreName = KyrCoreUtils::toWideString(store->getName());
+        if (store.getValue(key, value)) {
+            if (configStoreName != nullptr) {
+                *configStoreName = store.getWideName();
+            }
             found = true;
             break;
         }
         value.clear();
     }
-    zel::applyFipsValueOverride(key, value);
+    zel::applyFipsValueOverride(key.getText(), value);
     return found;
 }
 
-bool ConfigLookup::getValue(const std::wstring& key, std::wstring& value, std::wstring& configStoreName,
+bool ConfigLookup::getValue(const FoldedKey& key, std::wstring& value, std::wstring* configStoreName,
                             bool& valueFromLegacyKey, bool skipLocal, const std::string& storeFilter,
                             FoundUnder& foundUnder) const {
     if (const auto* alias = keyAliases.lookupKeyAlias(key)) {
-        if (lookupInStores(*alias, value, configStoreName, skipLocal, storeFilter)) {
+        if (lookupInStores(FoldedKey(*alias), value, configStoreName, skipLocal, storeFilter)) {
             foundUnder = FoundUnder::NewName;
             return true;
         }
@@ -47,7 +49,7 @@ bool ConfigLookup::getValue(const std::wstring& key, std::wstring& value, std::w
         return true;
     }
     const auto* legacy = keyAliases.lookupLegacyKey(key);
-    if (legacy == nullptr || !lookupInStores(*legacy, value, configStoreName, skipLocal, storeFilter)) {
+    if (legacy == nullptr || !lookupInStores(FoldedKey(*legacy), value, configStoreName, skipLocal, storeFilter)) {
         return false;
     }
     foundUnder = FoundUnder::OldName;
@@ -55,12 +57,12 @@ bool ConfigLookup::getValue(const std::wstring& key, std::wstring& value, std::w
     return true;
 }
 
-bool ConfigLookup::getOriginalValue(const std::wstring& key, std::wstring& originalValue,
+bool ConfigLookup::getOriginalValue(const FoldedKey& key, std::wstring& originalValue,
                                     std::wstring& originalValueStoreName, bool& fromLegacyKey) const {
     fromLegacyKey = false;
     bool found = false;
     if (const auto* alias = keyAliases.lookupKeyAlias(key)) {
-        if (findOriginalValue(*alias, originalValue, originalValueStoreName, found)) {
+        if (findOriginalValue(FoldedKey(*alias), originalValue, originalValueStoreName, found)) {
             return true;
         }
         fromLegacyKey = findOriginalValue(key, originalValue, originalValueStoreName, found);
@@ -71,26 +73,26 @@ bool ConfigLookup::getOriginalValue(const std::wstring& key, std::wstring& origi
     if (legacy == nullptr) {
         return hasOverride;
     }
-    fromLegacyKey = findOriginalValue(*legacy, originalValue, originalValueStoreName, found);
+    fromLegacyKey = findOriginalValue(FoldedKey(*legacy), originalValue, originalValueStoreName, found);
     return fromLegacyKey;
 }
 
-bool ConfigLookup::findOriginalValue(const std::wstring& key, std::wstring& originalValue,
+bool ConfigLookup::findOriginalValue(const FoldedKey& key, std::wstring& originalValue,
                                      std::wstring& originalValueStoreName, bool& found) const {
     std::wstring writableValue;
     std::wstring readOnlyValue;
     bool hasOverride = false;
     found = false;
-    for (const auto walked = chain.getStores(); const auto& store : *walked) {
+    for (const auto walked = chain.getLinks(); const auto& store : *walked) {
         if (!writableValue.empty() && !readOnlyValue.empty()) {
             break;
         }
         if (!store->isReadOnly()) {
-            if (writableValue.empty() && store->getValue(key, writableValue) && readOnlyValue.empty()) {
+            if (writableValue.empty() && store.getValue(key, writableValue) && readOnlyValue.empty()) {
                 hasOverride = true;
             }
-        } else if (readOnlyValue.empty() && store->getValue(key, readOnlyValue)) {
-            originalValueStoreName = KyrCoreUtils::toWideString(store->getName());
+        } else if (readOnlyValue.empty() && store.getValue(key, readOnlyValue)) {
+            originalValueStoreName = store.getWideName();
             found = true;
         }
     }

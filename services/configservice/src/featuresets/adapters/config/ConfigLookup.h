@@ -18,21 +18,22 @@ public:
     enum class FoundUnder { AskedName, NewName, OldName };
 
     /// The walk for one exact name. `skipLocal` leaves out the writable stores, a filter all stores but the one it
-    /// names. On a miss `value` is empty (but for the FIPS override) and `configStoreName` as it was.
-    bool lookupInStores(const std::wstring& key, std::wstring& value, std::wstring& configStoreName, bool skipLocal,
+    /// names. On a miss `value` is empty (but for the FIPS override) and `configStoreName`, which
+    /// may be null, as it was. `key` must not view `value`.
+    bool lookupInStores(const FoldedKey& key, std::wstring& value, std::wstring* configStoreName, bool skipLocal,
                         const std::string& storeFilter) const;
 
     /// The lookup under new and old names. `valueFromLegacyKey` is only ever set, `foundUnder` only on a hit.
-    bool getValue(const std::wstring& key, std::wstring& value, std::wstring& configStoreName, bool& valueFromLegacyKey,
+    bool getValue(const FoldedKey& key, std::wstring& value, std::wstring* configStoreName, bool& valueFromLegacyKey,
                   bool skipLocal, const std::string& storeFilter, FoundUnder& foundUnder) const;
 
     /// What an administrator's source says beneath the user's settings. The result is whether a writable store that
     /// holds the key stands ahead of the first read-only one with a value.
-    bool getOriginalValue(const std::wstring& key, std::wstring& originalValue, std::wstring& originalValueStoreName,
+    bool getOriginalValue(const FoldedKey& key, std::wstring& originalValue, std::wstring& originalValueStoreName,
                           bool& fromLegacyKey) const;
 
 private:
-    bool findOriginalValue(const std::wstring& key, std::wstring& originalValue, std::wstring& originalValueStoreName,
+    bool findOriginalValue(const FoldedKey& key, std::wstring& originalValue, std::wstring& originalValueStoreName,
                            bool& found) const;
 
     const StoreChain& chain;

@@ -163,7 +163,7 @@ void ConfigStoreManager::setKeySensitive(const std::wstring& key) {
 }
 
 bool ConfigStoreManager::isSensitiveKey(const std::wstring& key) const {
-    return sensitiveKeys.contains(key);
+    return sensitiveKeys.contains(FoldedKey(key));
 }
 
 ConfigMap ConfigStoreManager::getKeyAliases() const {
@@ -192,25 +192,26 @@ void ConfigStoreManager::refreshKeys(const std::vector<std::wstring>& keys) {
 
 void ConfigStoreManager::fireConfigChange(const std::wstring& key, bool deferFire) {
     const std::lock_guard lock(chainLock);
-    const auto change = readConfigChange(key);
-    const auto* newName = keyAliases.lookupKeyAlias(key);
+    const FoldedKey folded(key);
+    auto change = readConfigChange(folded);
+    const auto* newName = keyAliases.lookupKeyAlias(folded);
     if (newName == nullptr) {
-        observers.notifyConfigAddedOrUpdated(key, change, deferFire);
+        observers.notifyConfigAddedOrUpdated(key, std::move(change), deferFire);
         return;
     }
     // A new name that some store holds speaks for itself.
     if (!isHeld(*newName)) {
-        observers.notifyConfigAddedOrUpdated(*newName, change, deferFire);
+        observers.notifyConfigAddedOrUpdated(*newName, std::move(change), deferFire);
     }
 }
 
-ConfigChange ConfigStoreManager::readConfigChange(const std::wstring& key) const {
+ConfigChange ConfigStoreManager::readConfigChange(const FoldedKey& key) const {
     ConfigChange change;
     bool valueFromLegacyKey = false;
     bool originalFromLegacyKey = false;
-    change.isDefined = getValue(key, change.value, change.valueStoreName, valueFromLegacyKey, false, "");
+    change.isDefined = getValue(key, change.value, &change.valueStoreName, valueFromLegacyKey, false, "");
     const bool hasOverride =
-        getOriginalValue(key, change.originalValue, change.originalValueStoreName, originalFromLegacyKey);
+        lookup.getOriginalValue(key, change.originalValue, change.originalValueStoreName, originalFromLegacyKey);
     if (valueFromLegacyKey && !originalFromLegacyKey && hasOverride) {
         zel::SecureString::wipe(change.value);
         change.value = change.originalValue;
@@ -222,8 +223,7 @@ ConfigChange ConfigStoreManager::readConfigChange(const std::wstring& key) const
 
 bool ConfigStoreManager::isHeld(const std::wstring& key) const {
     std::wstring value;
-    std::wstring storeName;
-    const bool held = lookup.lookupInStores(key, value, storeName, false, "");
+    const bool held = lookup.lookupInStores(FoldedKey(key), value, nullptr, false, "");
     zel::SecureString::wipe(value);
     return held;
 }

@@ -107,9 +107,12 @@ private:
     void refreshKeys(const std::vector<std::wstring>& keys);
     /// Works out what is now true of the key and tells the observers: the only source of onConfigAddedOrUpdated().
     void fireConfigChange(const std::wstring& key, bool deferFire);
-    ConfigChange readConfigChange(const std::wstring& key) const;
+    ConfigChange readConfigChange(const FoldedKey& key) const;
     /// Whether any store holds the key under exactly this name.
     bool isHeld(const std::wstring& key) const;
+    /// As the public ones. The store's name is asked for only where `configStoreName` is not null.
+    bool getValue(const FoldedKey& key, std::wstring& value, std::wstring* configStoreName, bool& valueFromLegacyKey,
+                  bool skipLocal, const std::string& storeFilter) const;
 
     mutable zel::RankedMutex<std::recursive_mutex, zel::LockRank::Chain>
         chainLock;           ///< Recursive: updates go through addStore(), callbacks read the chain.

@@ -27,8 +27,7 @@ using KyrCoreUtils::toWideString;
 namespace {
 
 /// What the log says of a key that was found under another name than the one asked for.
-std::wstring describeRenaming(ConfigLookup::FoundUnder foundUnder, const KeyAliases& keyAliases,
-                              const std::wstring& key) {
+std::wstring describeRenaming(ConfigLookup::FoundUnder foundUnder, const KeyAliases& keyAliases, const FoldedKey& key) {
     switch (foundUnder) {
     case ConfigLookup::FoundUnder::NewName:
         return L"is an alias. Key has been renamed. Actual lookup done on key name: [" +
@@ -39,6 +38,16 @@ std::wstring describeRenaming(ConfigLookup::FoundUnder foundUnder, const KeyAlia
         break;
     }
     return L"";
+}
+
+/// The text without what it tells of a person. `room` holds it where that differs: most texts tell nothing, and are not
+/// converted and copied for it.
+std::wstring_view withoutPersonalData(std::wstring_view text, std::wstring& room) {
+    if (!ZelLogger_mayHoldPIIData(text)) {
+        return text;
+    }
+    room = toWideString(ZelLogger_replacePIIData(toString(text)));
+    return room;
 }
 
 bool isInMemoryStore(ConfigStore& store) {
@@ -59,24 +68,35 @@ bool isSparedByReset(const std::string& name) {
 
 } // namespace
 
-bool ConfigStoreManager::getValue(const std::wstring& key, std::wstring& value, std::wstring& configStoreName,
+bool ConfigStoreManager::getValue(const FoldedKey& key, std::wstring& value, std::wstring* configStoreName,
                                   bool& valueFromLegacyKey, bool skipLocal, const std::string& storeFilter) const {
     const std::lock_guard lock(chainLock);
+    const bool isLogged = ZelLog_isDebugEnabled(configStoreManagerLogger());
+    std::wstring loggedName;
+    if (configStoreName == nullptr && isLogged) {
+        configStoreName = &loggedName;
+    }
     auto foundUnder = ConfigLookup::FoundUnder::AskedName;
     std::wstring answer; // the caller may hand in one string for key and value
     const bool found =
         lookup.getValue(key, answer, configStoreName, valueFromLegacyKey, skipLocal, storeFilter, foundUnder);
-    const auto shown = toWideString(
-        ZelLogger_replacePIIData(toString(isSensitiveKey(key) ? ConfigKeys::valueHidden : std::wstring_view(answer))));
-    if (ZelLog_isDebugEnabled(configStoreManagerLogger())) {
+    std::wstring masked;
+    const auto shown =
+        withoutPersonalData(sensitiveKeys.contains(key) ? ConfigKeys::valueHidden : std::wstring_view(answer), masked);
+    if (isLogged) {
         std::wostringstream text;
-        text << L"key : [" << key << L"] " << describeRenaming(foundUnder, keyAliases, key) << L"skipLocal : ["
-             << skipLocal << L"]  value: [" << shown << L"] success: [" << (found ? L"true" : L"false")
-             << L"] configStoreName: [" << configStoreName << L"]";
+        text << L"key : [" << key.getText() << L"] " << describeRenaming(foundUnder, keyAliases, key)
+             << L"skipLocal : [" << skipLocal << L"]  value: [" << shown << L"] success: ["
+             << (found ? L"true" : L"false") << L"] configStoreName: [" << *configStoreName << L"]";
         ZelLog(configStoreManagerLogger(), ZelLogLevel::Debug, ZEL_HERE, text.str());
     }
     value = std::move(answer);
     return found;
+}
+
+bool ConfigStoreManager::getValue(const std::wstring& key, std::wstring& value, std::wstring& configStoreName,
+                                  bool& valueFromLegacyKey, bool skipLocal, const std::string& storeFilter) const {
+    return getValue(FoldedKey(key), value, &configStoreName, valueFromLegacyKey, skipLocal, storeFilter);
 }
 
 bool ConfigStoreManager::getValue(const std::wstring& key, std::wstring& value) const {
@@ -84,9 +104,8 @@ bool ConfigStoreManager::getValue(const std::wstring& key, std::wstring& value) 
 }
 
 bool ConfigStoreManager::getValue(const std::wstring& key, std::wstring& value, const std::string& storeFilter) const {
-    std::wstring configStoreName;
     bool valueFromLegacyKey = false;
-    return getValue(key, value, configStoreName, valueFromLegacyKey, false, storeFilter);
+    return getValue(FoldedKey(key), value, nullptr, valueFromLegacyKey, false, storeFilter);
 }
 
 std::wstring ConfigStoreManager::getValue(const std::string& storeFilter, const std::wstring& key) const {
@@ -97,7 +116,7 @@ std::wstring ConfigStoreManager::getValue(const std::string& storeFilter, const 
 bool ConfigStoreManager::getOriginalValue(const std::wstring& key, std::wstring& originalValue,
                                           std::wstring& originalValueStoreName, bool& fromLegacyKey) const {
     const std::lock_guard lock(chainLock);
-    return lookup.getOriginalValue(key, originalValue, originalValueStoreName, fromLegacyKey);
+    return lookup.getOriginalValue(FoldedKey(key), originalValue, originalValueStoreName, fromLegacyKey);
 }
 
 bool ConfigStoreManager::storeValue(const std::wstring& key, const std::wstring& value) {

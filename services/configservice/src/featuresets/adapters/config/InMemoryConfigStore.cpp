@@ -1,4 +1,4 @@
-#include "ConfigMapKeys.h"
+#include "lookup/ConfigTable.h"
 #include "secure/FipsValueOverride.h"
 
 #include <zel/ZelLog.h>
@@ -14,40 +14,44 @@ ZelLogger& logger = ZelLogger_getLogger("ConfigService-InMemoryConfigStore");
 } // namespace
 
 InMemoryConfigStore::InMemoryConfigStore(std::string storeName, int storePriority)
-    : name(std::move(storeName)), priority(storePriority) {}
+    : values(std::make_unique<ConfigTable>()), name(std::move(storeName)), priority(storePriority) {}
+
+InMemoryConfigStore::~InMemoryConfigStore() = default;
 
 bool InMemoryConfigStore::getValue(const std::wstring& key, std::wstring& value) {
+    return lookUp(FoldedKey(key), value);
+}
+
+bool InMemoryConfigStore::lookUp(const FoldedKey& key, std::wstring& value) {
     const zel::Mutex::ScopedLock lock(valuesMutex);
-    const auto found = values.find(key);
-    if (found == values.end()) {
+    const auto* found = values->find(key);
+    if (found == nullptr) {
         value.clear();
         return false;
     }
-    auto answer = found->second;
-    zel::applyFipsValueOverride(key, answer);
-    value = std::move(answer);
+    value = zel::withFipsOverride(key.getText(), *found); // last: key and value may be one string
     return true;
 }
 
 bool InMemoryConfigStore::storeValue(const std::wstring& key, const std::wstring& value) {
     const zel::Mutex::ScopedLock lock(valuesMutex);
-    values.insert_or_assign(key, value);
+    values->store(key, value);
     return true;
 }
 
 std::vector<std::wstring> InMemoryConfigStore::getKeys() {
     const zel::Mutex::ScopedLock lock(valuesMutex);
-    return keysOf(values);
+    return values->getKeys();
 }
 
 bool InMemoryConfigStore::removeValue(const std::wstring& key) {
     const zel::Mutex::ScopedLock lock(valuesMutex);
-    return values.erase(key) > 0;
+    return values->remove(key);
 }
 
 void InMemoryConfigStore::removeAllValues() {
     const zel::Mutex::ScopedLock lock(valuesMutex);
-    values.clear();
+    values->clear();
 }
 
 void InMemoryConfigStore::persistValues() {

@@ -3,7 +3,7 @@
 namespace ZelUnified {
 
 KeyAliases::KeyAliases()
-    : keyAliases{
+    : keyAliases(ConfigMap{
           {L"Start_Client_On_Start_OS", L"LaunchOnSystemStartup"},
           {L"TftpServer1", L"TFTPPrimaryServer"},
           {L"TftpServer2", L"TFTPBackupServer1"},
@@ -23,9 +23,9 @@ KeyAliases::KeyAliases()
           {L"EnableTelProtocolHandler", L"EnableTelProtocol"},
           {L"EnableImProtocolHandler", L"EnableIMProtocol"},
           {L"PresenceServerType", L"DiscoveredPresenceServerType"},
-      } {
-    for (const auto& [oldName, newName] : keyAliases) {
-        legacyKeys.emplace(newName, oldName);
+      }) {
+    for (const auto& [oldName, newName] : getKeyAliases()) {
+        legacyKeys.store(newName, oldName);
     }
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "lookup/ConfigTable.h"
+
 #include <ConfigMap.h>
 
 #include <string>
@@ -13,21 +15,18 @@ public:
     KeyAliases();
 
     /// The new name of a key that is an old one; null for any other. Ignores case.
-    const std::wstring* lookupKeyAlias(std::wstring_view key) const { return find(keyAliases, key); }
+    const std::wstring* lookupKeyAlias(const FoldedKey& key) const noexcept { return keyAliases.find(key); }
+    const std::wstring* lookupKeyAlias(const std::wstring& key) const { return lookupKeyAlias(FoldedKey(key)); }
     /// The old name of a key that is a new one; null for any other. Ignores case.
-    const std::wstring* lookupLegacyKey(std::wstring_view key) const { return find(legacyKeys, key); }
+    const std::wstring* lookupLegacyKey(const FoldedKey& key) const noexcept { return legacyKeys.find(key); }
+    const std::wstring* lookupLegacyKey(const std::wstring& key) const { return lookupLegacyKey(FoldedKey(key)); }
 
     /// Old names to new ones.
-    const ConfigMap& getKeyAliases() const { return keyAliases; }
+    const ConfigMap& getKeyAliases() const noexcept { return keyAliases.getMap(); }
 
 private:
-    static const std::wstring* find(const ConfigMap& names, std::wstring_view key) {
-        const auto found = names.find(key);
-        return found == names.end() ? nullptr : &found->second;
-    }
-
-    ConfigMap keyAliases;
-    ConfigMap legacyKeys;
+    ConfigTable keyAliases;
+    ConfigTable legacyKeys;
 };
 
 } // namespace ZelUnified

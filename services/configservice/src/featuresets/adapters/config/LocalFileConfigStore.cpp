@@ -1,6 +1,7 @@
 #include "ConfigMapKeys.h"
 #include "LocalFileDocument.h"
 #include "XmlReader.h"
+#include "lookup/ConfigTable.h"
 #include "secure/FipsValueOverride.h"
 #include "secure/SecureBuffer.h"
 #include "secure/SecureString.h"
@@ -76,6 +77,7 @@ LocalFileConfigStore::LocalFileConfigStore(std::string storeName, int storePrior
       priority(storePriority),
       local(isLocalStore),
       readOnly(isReadOnlyStore),
+      values(std::make_unique<ConfigTable>()),
       configDirectory(directory.empty() ? std::move(directory) : directory + FileUtils::FileSeparator()),
       fileName(std::move(file)),
       backupFileName(toBackupName(fileName)) {
@@ -87,6 +89,7 @@ LocalFileConfigStore::LocalFileConfigStore(std::string storeName, int storePrior
       priority(storePriority),
       local(isLocalStore),
       readOnly(false),
+      values(std::make_unique<ConfigTable>()),
       configDirectory(FileUtils::getConfigDirectory() + FileUtils::FileSeparator()),
       fileName(ConfigKeys::localConfigFile),
       backupFileName(ConfigKeys::localConfigBackupFile) {
@@ -96,39 +99,41 @@ LocalFileConfigStore::LocalFileConfigStore(std::string storeName, int storePrior
 LocalFileConfigStore::~LocalFileConfigStore() = default;
 
 bool LocalFileConfigStore::getValue(const std::wstring& key, std::wstring& value) {
+    return lookUp(FoldedKey(key), value);
+}
+
+bool LocalFileConfigStore::lookUp(const FoldedKey& key, std::wstring& value) {
     const zel::Mutex::ScopedLock lock(valuesMutex);
-    const auto found = values.find(key);
-    if (found == values.end()) {
+    const auto* found = values->find(key);
+    if (found == nullptr) {
         value.clear();
         return false;
     }
-    std::wstring answer = found->second;
-    zel::applyFipsValueOverride(key, answer);
-    value = std::move(answer); // last: the caller may hand in one string for both
+    value = zel::withFipsOverride(key.getText(), *found); // last: key and value may be one string
     return true;
 }
 
 bool LocalFileConfigStore::storeValue(const std::wstring& key, const std::wstring& value) {
     const zel::Mutex::ScopedLock lock(valuesMutex);
-    values[LocalFileDocument::migrateKey(key)] = value;
+    values->store(LocalFileDocument::migrateKey(key), value);
     return true;
 }
 
 std::vector<std::wstring> LocalFileConfigStore::getKeys() {
     const zel::Mutex::ScopedLock lock(valuesMutex);
-    return keysOf(values);
+    return values->getKeys();
 }
 
 bool LocalFileConfigStore::removeValue(const std::wstring& key) {
     const zel::Mutex::ScopedLock lock(valuesMutex);
-    return values.erase(key) > 0;
+    return values->remove(key);
 }
 
 void LocalFileConfigStore::removeAllValues() {
     // A reset deletes the files next: a write in flight must be over by then.
     const zel::Mutex::ScopedLock fileLock(fileMutex);
     const zel::Mutex::ScopedLock valuesLock(valuesMutex);
-    values.clear();
+    values->clear();
 }
 
 void LocalFileConfigStore::destroy() {
@@ -156,7 +161,9 @@ bool LocalFileConfigStore::readFromEncryptedFile() {
     content.decrypt(clear);
     std::string text(clear.getData(), clear.getLength());
     if (const XmlDocument document = XmlReader::parseDoc(text)) {
-        LocalFileDocument(name, values).read(document);
+        ConfigMap read;
+        LocalFileDocument(name, read).read(document);
+        values->replace(std::move(read));
     } else {
         ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, invalidSyntax);
     }
@@ -188,7 +195,9 @@ bool LocalFileConfigStore::readFromFile() {
         return false;
     }
     if (const XmlDocument document = XmlReader::readFile(path)) {
-        LocalFileDocument(name, values).read(document);
+        ConfigMap read;
+        LocalFileDocument(name, read).read(document);
+        values->replace(std::move(read));
     } else {
         quarantine(path);
     }
@@ -225,7 +234,7 @@ void LocalFileConfigStore::persistValues() {
     {
         const zel::Mutex::ScopedLock lock(valuesMutex);
         // Exact, case included, unlike the order of the table.
-        if (values == lastPersistedValues) {
+        if (values->getMap() == lastPersistedValues) {
             if (ZelLog_isDebugEnabled(logger)) {
                 ZelLog(logger, ZelLogLevel::Debug, ZEL_HERE, "Same content has been saved.");
             }
@@ -255,7 +264,7 @@ void LocalFileConfigStore::persistValuesImpl(const std::string& target) {
         const zel::Mutex::ScopedLock lock(valuesMutex);
         getDataString(content);
         if (target == fileName) {
-            lastPersistedValues = values;
+            lastPersistedValues = values->getMap();
         }
     }
     // The facility refuses empty content, which is what protects the file of a store that must not write.
@@ -279,7 +288,7 @@ void LocalFileConfigStore::getDataString(zel::SecureString& content) {
         return;
     }
     createConfigDirectory();
-    LocalFileDocument::write(values, content);
+    LocalFileDocument::write(values->getMap(), content);
 }
 
 void LocalFileConfigStore::backupConfigFile() {

@@ -73,7 +73,7 @@ void LocalFileDocument::processUserConfigXml(const xmlNode& element) {
         zel::SecureString::wipe(*text);
     }
     if (!key.empty()) {
-        values.try_emplace(key, value);
+        values.try_emplace(values.end(), key, value); // where it belongs in a document that the store wrote
     }
     zel::SecureString::wipe(value);
 }

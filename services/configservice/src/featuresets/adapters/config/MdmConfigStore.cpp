@@ -1,6 +1,7 @@
 #include "ConfigMapKeys.h"
 #include "StorePriorities.h"
 #include "XmlConfigParser.h"
+#include "lookup/ConfigTable.h"
 #include "secure/FipsValueOverride.h"
 
 #include <kyr/StringUtils.h>
@@ -13,31 +14,37 @@
 
 namespace ZelUnified {
 
-MdmConfigStore::MdmConfigStore(const std::string& configXml) {
+MdmConfigStore::MdmConfigStore(std::nullptr_t) : values(std::make_unique<ConfigTable>()) {}
+
+MdmConfigStore::MdmConfigStore(const std::string& configXml) : MdmConfigStore(nullptr) {
+    ConfigMap read;
     ConfigKeySet unused;
-    XmlConfigParser::readFromMemory(configXml, values, unused);
+    XmlConfigParser::readFromMemory(configXml, read, unused);
+    values->replace(std::move(read));
 }
 
-MdmConfigStore::MdmConfigStore(std::shared_ptr<MdmConfigRetriever> retriever) {
+MdmConfigStore::MdmConfigStore(std::shared_ptr<MdmConfigRetriever> retriever) : MdmConfigStore(nullptr) {
     if (retriever) {
-        values = retriever->retrieveMdmConfig();
+        values->replace(retriever->retrieveMdmConfig());
     }
 }
 
 MdmConfigStore::~MdmConfigStore() = default;
 
 bool MdmConfigStore::getValue(const std::wstring& key, std::wstring& value) {
-    const auto found = values.find(key);
-    const bool isHeld = found != values.end();
-    std::wstring answer = isHeld ? KyrCoreUtils::trim(std::wstring_view(found->second)) : std::wstring();
+    return lookUp(FoldedKey(key), value);
+}
+
+bool MdmConfigStore::lookUp(const FoldedKey& key, std::wstring& value) {
+    const auto* found = values->find(key);
+    const auto held = found == nullptr ? std::wstring() : KyrCoreUtils::trim(*found);
     // Also on a miss: device management can't leave the answer open here.
-    zel::applyFipsValueOverride(key, answer);
-    value = std::move(answer); // last: the caller may hand in one string for both
-    return isHeld;
+    value = zel::withFipsOverride(key.getText(), held); // last: key and value may be one string
+    return found != nullptr;
 }
 
 std::vector<std::wstring> MdmConfigStore::getKeys() {
-    return keysOf(values);
+    return values->getKeys();
 }
 
 std::string MdmConfigStore::getName() {

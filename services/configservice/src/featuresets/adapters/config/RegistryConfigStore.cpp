@@ -2,6 +2,7 @@
 #include "FilePermissions.h"
 #include "RegistryKeyHandle.h"
 #include "RegistryTreeReader.h"
+#include "lookup/ConfigTable.h"
 #include "secure/FipsValueOverride.h"
 
 #include <kyr/FileUtils.h>
@@ -32,6 +33,11 @@ ZelLogger& logger = ZelLogger_getLogger("ConfigService-RegistryConfigStore");
 /// Policies of the current user lie below it.
 constexpr std::wstring_view softwareKey = L"Software\\";
 
+/// Held and listed, never answered.
+bool isWithheld(std::wstring_view key) {
+    return KyrCoreUtils::caseInsensitiveStringEquals(key, ConfigKeys::certificateValidationEnabled);
+}
+
 bool isPasswordLike(std::wstring_view key) {
     return KyrCoreUtils::caseInsensitiveFind(key, ConfigKeys::connectionPassword) >= 0;
 }
@@ -56,23 +62,32 @@ std::size_t lengthOf(const RegistryConfigStore::PathBuffer& buffer) {
 
 RegistryConfigStore::RegistryConfigStore(std::shared_ptr<UnifiedFactory> factory, std::string storeName,
                                          int storePriority, std::string subkey)
-    : priority(storePriority), name(std::move(storeName)), unifiedFactory(std::move(factory)) {
+    : values(std::make_unique<ConfigTable>()),
+      priority(storePriority),
+      name(std::move(storeName)),
+      unifiedFactory(std::move(factory)) {
     const auto registry = getRegistry();
-    RegistryTreeReader(*registry, values).read(std::wstring(softwareKey) + KyrCoreUtils::toWideString(subkey));
+    ConfigMap read;
+    RegistryTreeReader(*registry, read).read(std::wstring(softwareKey) + KyrCoreUtils::toWideString(subkey));
+    values->replace(std::move(read));
     markSensitiveKeys();
     logConfigMap();
     writeTextCopy();
 }
 
+RegistryConfigStore::~RegistryConfigStore() = default;
+
 bool RegistryConfigStore::getValue(const std::wstring& key, std::wstring& value) {
-    const auto found = values.find(key);
-    if (found == values.end() ||
-        KyrCoreUtils::caseInsensitiveStringEquals(key, ConfigKeys::certificateValidationEnabled)) {
+    return lookUp(FoldedKey(key), value);
+}
+
+bool RegistryConfigStore::lookUp(const FoldedKey& key, std::wstring& value) {
+    const auto* found = values->find(key);
+    if (found == nullptr || isWithheld(key.getText())) {
         value.clear();
         return false;
     }
-    value = found->second;
-    zel::applyFipsValueOverride(key, value);
+    value = zel::withFipsOverride(key.getText(), *found); // last: key and value may be one string
     return true;
 }
 
@@ -81,7 +96,7 @@ bool RegistryConfigStore::storeValue(const std::wstring&, const std::wstring&) {
 }
 
 std::vector<std::wstring> RegistryConfigStore::getKeys() {
-    return keysOf(values);
+    return values->getKeys();
 }
 
 bool RegistryConfigStore::removeValue(const std::wstring&) {
@@ -94,7 +109,7 @@ void RegistryConfigStore::markSensitiveKeys() const {
     if (!featureSet) {
         return;
     }
-    for (const auto& [key, value] : values) {
+    for (const auto& [key, value] : values->getMap()) {
         if (isPasswordLike(key)) {
             featureSet->setKeySensitive(key);
         }
@@ -102,11 +117,11 @@ void RegistryConfigStore::markSensitiveKeys() const {
 }
 
 void RegistryConfigStore::logConfigMap() const {
-    if (values.empty()) {
+    if (values->getMap().empty()) {
         return;
     }
     std::wstring text;
-    for (const auto& [key, value] : values) {
+    for (const auto& [key, value] : values->getMap()) {
         text.append(L"\n").append(key).append(L": ").append(shownValue(key, value));
     }
     ZelLog(logger, ZelLogLevel::Info, ZEL_HERE, text);
@@ -122,12 +137,12 @@ void RegistryConfigStore::writeTextCopy() const {
         FileUtils::removeFile(path);
     }
     std::fstream stream;
-    if (values.empty() || !KyrCoreUtils::FstreamUtils::open(stream, path, KyrCoreUtils::StreamMode::Write)) {
+    if (values->getMap().empty() || !KyrCoreUtils::FstreamUtils::open(stream, path, KyrCoreUtils::StreamMode::Write)) {
         return;
     }
     // Policies are nobody else's business. The file is new and still empty.
     restrictToOwner(path);
-    for (const auto& [key, value] : values) {
+    for (const auto& [key, value] : values->getMap()) {
         stream << KyrCoreUtils::toString(key) << ": " << KyrCoreUtils::toString(shownValue(key, value)) << '\n';
     }
 }

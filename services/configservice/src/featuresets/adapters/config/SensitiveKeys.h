@@ -1,5 +1,7 @@
 #pragma once
 
+#include "lookup/FoldedKey.h"
+#include "lookup/KeyIndex.h"
 #include "secure/RankedMutex.h"
 
 #include <ConfigMap.h>
@@ -14,18 +16,22 @@ class SensitiveKeys {
 public:
     void add(const std::wstring& key) {
         const std::lock_guard lock(sensitiveKeysLock);
-        sensitiveKeys.insert(key);
+        index.reserveOne();
+        if (const auto [added, isNew] = sensitiveKeys.insert(key); isNew) {
+            index.insert(FoldedKey(*added), *added);
+        }
     }
 
-    bool contains(std::wstring_view key) const {
+    bool contains(const FoldedKey& key) const {
         const std::lock_guard lock(sensitiveKeysLock);
-        return sensitiveKeys.find(key) != sensitiveKeys.end();
+        return index.find(key) != nullptr;
     }
 
 private:
     /// Recursive, as all locks of the manager.
     mutable zel::RankedMutex<std::recursive_mutex, zel::LockRank::Innermost> sensitiveKeysLock;
     ConfigKeySet sensitiveKeys;
+    KeyIndex<const std::wstring> index; ///< Of the entries of `sensitiveKeys`.
 };
 
 } // namespace ZelUnified

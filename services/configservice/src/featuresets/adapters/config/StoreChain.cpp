@@ -6,9 +6,19 @@
 
 namespace ZelUnified {
 
+std::shared_ptr<const StoreChain::Chain> StoreChain::getChain() const {
+    const std::lock_guard lock(chainMutex);
+    return chain;
+}
+
 std::shared_ptr<const StoreChain::Stores> StoreChain::getStores() const {
-    const std::lock_guard lock(storesMutex);
-    return stores;
+    auto current = getChain();
+    const auto* stores = &current->stores;
+    return {std::move(current), stores};
+}
+
+std::shared_ptr<const StoreChain::Links> StoreChain::getLinks() const {
+    return {chain, &chain->links};
 }
 
 std::shared_ptr<ConfigStore> StoreChain::at(std::size_t index) const {
@@ -34,23 +44,30 @@ void StoreChain::add(std::shared_ptr<ConfigStore> store) {
     ranked.emplace_back(priority, std::move(store));
     std::stable_sort(ranked.begin(), ranked.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
 
-    auto next = std::make_shared<Stores>();
-    next->reserve(ranked.size());
+    Stores next;
+    next.reserve(ranked.size());
     for (auto& [rank, present] : ranked) {
-        next->push_back(std::move(present));
+        next.push_back(std::move(present));
     }
     replace(std::move(next));
 }
 
 void StoreChain::remove(const std::shared_ptr<ConfigStore>& store) {
-    auto next = std::make_shared<Stores>(*getStores());
-    std::erase(*next, store);
+    Stores next = *getStores();
+    std::erase(next, store);
     replace(std::move(next));
 }
 
-void StoreChain::replace(std::shared_ptr<const Stores> next) {
-    const std::lock_guard lock(storesMutex);
-    stores.swap(next);
+void StoreChain::replace(Stores next) {
+    auto changed = std::make_shared<Chain>();
+    changed->links.reserve(next.size());
+    for (const auto& store : next) {
+        changed->links.emplace_back(store);
+    }
+    changed->stores = std::move(next);
+    std::shared_ptr<const Chain> replaced = std::move(changed); // dies behind the lock
+    const std::lock_guard lock(chainMutex);
+    chain.swap(replaced);
 }
 
 } // namespace ZelUnified

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ChainLink.h"
+
 #include <ConfigStore.h>
 
 #include <memory>
@@ -15,9 +17,12 @@ namespace ZelUnified {
 class StoreChain {
 public:
     using Stores = std::vector<std::shared_ptr<ConfigStore>>;
+    using Links = std::vector<ChainLink>;
 
     /// The chain as it stands; never null.
     std::shared_ptr<const Stores> getStores() const;
+    /// The same stores, to be asked for keys; never null. For a caller that holds what serialises the changes.
+    std::shared_ptr<const Links> getLinks() const;
 
     /// The store at that place; empty behind the end.
     std::shared_ptr<ConfigStore> at(std::size_t index) const;
@@ -28,10 +33,17 @@ public:
     void remove(const std::shared_ptr<ConfigStore>& store);
 
 private:
-    void replace(std::shared_ptr<const Stores> next);
+    struct Chain {
+        Stores stores;
+        Links links;
+    };
 
-    mutable std::mutex storesMutex; ///< Guards the pointer; nothing is called under it.
-    std::shared_ptr<const Stores> stores = std::make_shared<const Stores>();
+    std::shared_ptr<const Chain> getChain() const;
+    void replace(Stores next);
+
+    mutable std::mutex chainMutex; ///< Guards the pointer against readers without the owner's lock; nothing is called
+                                   ///< under it.
+    std::shared_ptr<const Chain> chain = std::make_shared<const Chain>();
 };
 
 } // namespace ZelUnified

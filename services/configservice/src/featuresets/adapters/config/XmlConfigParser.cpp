@@ -231,16 +231,17 @@ void XmlConfigParser::parseXmlGroup(XmlScrubber& scrubber, xmlNode& group, Confi
             continue;
         }
         const std::wstring key = KyrCoreUtils::toLowercase(toWideString(XmlReader::getName(*element)));
-        if (values.contains(key)) {
+        // The library writes its documents in the order of the table, so most keys belong at its end.
+        const std::size_t known = values.size();
+        const auto entry = values.try_emplace(values.end(), key);
+        if (values.size() == known) {
             continue;
         }
         std::string text = holdsOnlyText(*element) ? extractStringFromXmlNode(scrubber, *element)
                                                    : extractXmlStringFromXmlNode(scrubber, *element);
-        std::wstring value = toWideString(text);
+        entry->second = toWideString(text);
         zel::SecureString::wipe(text);
-        zel::applyFipsValueOverride(key, value);
-        values.emplace(key, value);
-        zel::SecureString::wipe(value);
+        zel::applyFipsValueOverride(key, entry->second);
         if (parseSensitiveAttribute(*element)) {
             sensitiveKeys.insert(key);
         }

@@ -1,5 +1,6 @@
 #include "ConfigMapKeys.h"
 #include "XmlConfigParser.h"
+#include "lookup/ConfigTable.h"
 #include "secure/FipsValueOverride.h"
 
 #include <kyr/StringUtils.h>
@@ -11,47 +12,63 @@
 
 namespace ZelUnified {
 
+namespace {
+
+/// Held and listed, never answered.
+bool isWithheld(std::wstring_view key) {
+    return KyrCoreUtils::caseInsensitiveStringEquals(key, ConfigKeys::certificateValidationEnabled);
+}
+
+} // namespace
+
 XmlConfigStore::XmlConfigStore(std::string storeName, int storePriority, bool isLocalStorage, bool encrypted,
                                std::string file, bool readNow)
-    : filePath(std::move(file)), isLocalStore(isLocalStorage), priority(storePriority), name(std::move(storeName)) {
+    : values(std::make_unique<ConfigTable>()),
+      filePath(std::move(file)),
+      isLocalStore(isLocalStorage),
+      priority(storePriority),
+      name(std::move(storeName)) {
     if (!readNow) {
         return;
     }
     ConfigKeySet unused;
-    encrypted ? XmlConfigParser::readFromEncryptedFile(filePath, values, unused)
-              : XmlConfigParser::readFromFile(filePath, values, unused);
+    ConfigMap read;
+    encrypted ? XmlConfigParser::readFromEncryptedFile(filePath, read, unused)
+              : XmlConfigParser::readFromFile(filePath, read, unused);
+    values->replace(std::move(read));
 }
 
 XmlConfigStore::~XmlConfigStore() = default;
 
 bool XmlConfigStore::getValue(const std::wstring& key, std::wstring& value) {
+    return lookUp(FoldedKey(key), value);
+}
+
+bool XmlConfigStore::lookUp(const FoldedKey& key, std::wstring& value) {
     const zel::Mutex::ScopedLock lock(valuesLock);
-    const auto found = values.find(key);
-    const bool isWithheld = KyrCoreUtils::caseInsensitiveStringEquals(key, ConfigKeys::certificateValidationEnabled);
-    if (found == values.end() || isWithheld) {
+    const auto* found = values->find(key);
+    if (found == nullptr || isWithheld(key.getText())) {
         value.clear();
         return false;
     }
-    std::wstring answer = found->second;
-    zel::applyFipsValueOverride(key, answer);
-    value = std::move(answer); // last: the caller may hand in one string for both
+    value = zel::withFipsOverride(key.getText(), *found); // last: key and value may be one string
     return true;
 }
 
 bool XmlConfigStore::storeValue(const std::wstring& key, const std::wstring& value) {
     const zel::Mutex::ScopedLock lock(valuesLock);
-    values[key] = value;
+    values->store(key, value);
     return true;
 }
 
 std::vector<std::wstring> XmlConfigStore::getKeys() {
     const zel::Mutex::ScopedLock lock(valuesLock);
-    return keysOf(values);
+    return values->getKeys();
 }
 
 bool XmlConfigStore::removeValue(const std::wstring& key) {
     const zel::Mutex::ScopedLock lock(valuesLock);
-    return values.erase(key) > 0;
+    return values->remove(key);
 }
 
 } // namespace ZelUnified

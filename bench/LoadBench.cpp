@@ -1,0 +1,121 @@
+// What it takes to read eight protected documents, alone and as the start of the whole service, beside parsing the same
+// bytes in the clear without keeping anything.
+#include "RowSuite.h"
+#include "Workload.h"
+#include "featuresets/adapters/config/XmlConfigParser.h"
+#include "services/impl/InjectConfigService.h"
+
+#include <CacheConfigStore.h>
+#include <ConfigService.h>
+#include <ConfigServiceIds.h>
+#include <ConfigValue.h>
+#include <RecordingFactory.h>
+#include <TemporaryProfile.h>
+#include <libxml/parser.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace ZelUnified;
+
+constexpr int firstPriority = 100;
+
+/// Counts what a parser without a tree reports, so that the work is done.
+struct Counts {
+    std::size_t elements = 0;
+    std::size_t characters = 0;
+};
+
+void countElement(void* context, const xmlChar* /*name*/, const xmlChar** /*attributes*/) {
+    ++static_cast<Counts*>(context)->elements;
+}
+
+void countCharacters(void* context, const xmlChar* /*text*/, int length) {
+    static_cast<Counts*>(context)->characters += static_cast<std::size_t>(length);
+}
+
+/// A profile in which the last run left a copy of every layer of the workload.
+class Subjects {
+public:
+    Subjects() {
+        std::string record;
+        for (std::size_t i = 0; i < workload.getLayers().size(); ++i) {
+            auto values = workload.getLayers()[i];
+            XmlConfigParser::writeToMemory(documents.emplace_back(), values);
+            const CacheConfigStore writer(nameOf(i), priorityOf(i), pathOf(i), values);
+            record += nameOf(i) + ":" + std::to_string(priorityOf(i)) + ";";
+        }
+        testing_host::writeFile(profile.resources() / "lumora-config-defaults.xml",
+                                "<Lumora><userConfig name=\"PrimaryConfigStores\" value=\"" + record + "\"/></Lumora>");
+        check();
+    }
+
+    void load() const {
+        for (std::size_t i = 0; i < documents.size(); ++i) {
+            const CacheConfigStore store(nameOf(i), priorityOf(i), pathOf(i));
+        }
+    }
+
+    void parse() const {
+        for (const auto& document : documents) {
+            Counts counts;
+            xmlSAXHandler handler{};
+            handler.startElement = countElement;
+            handler.characters = countCharacters;
+            xmlSAXUserParseMemory(&handler, &counts, document.data(), static_cast<int>(document.size()));
+            bench::require(counts.elements == keys + 2 && counts.characters > 0, "the bare parser");
+        }
+    }
+
+    /// Constructs the whole service; `use` gets it while it lives.
+    template <typename Use>
+    void construct(Use use) const {
+        const auto factory = std::make_shared<testing_host::RecordingFactory>();
+        InjectConfigService(factory);
+        use(*factory->getServiceByType<ConfigService>());
+        factory->Destroy();
+    }
+
+private:
+    static constexpr std::size_t keys = 5000;
+
+    void check() const {
+        for (std::size_t i = 0; i < documents.size(); ++i) {
+            CacheConfigStore store(nameOf(i), priorityOf(i), pathOf(i));
+            bench::require(store.getKeys().size() == keys, "a copy");
+        }
+        construct([this](ConfigService& service) {
+            for (const auto& [key, value] : workload.getHits()) {
+                bench::require(service.getConfig(key)->getValue() == value, "a record");
+            }
+        });
+    }
+
+    static std::string nameOf(std::size_t number) { return "Delivered" + std::to_string(number); }
+    static int priorityOf(std::size_t number) { return firstPriority + static_cast<int>(number); }
+    std::string pathOf(std::size_t number) const {
+        return (profile.config() / "Cache" / ("cached" + nameOf(number) + ".dat")).string();
+    }
+
+    const bench::Workload workload{8, keys};
+    testing_host::TemporaryProfile profile;
+    std::vector<std::string> documents;
+};
+
+} // namespace
+
+int main(int argc, char** argv) {
+    bench::RowSuite suite(argc, argv);
+    const auto subjects = std::make_shared<Subjects>();
+    const auto parse = [subjects] { return bench::timed([&] { subjects->parse(); }); };
+    suite.addTimed("3 load of 8 documents of 5000 keys", "stores", 2,
+                   [subjects] { return bench::timed([&] { subjects->load(); }); });
+    suite.addTimed("3 load of 8 documents of 5000 keys", "bare parser", 2, parse);
+    suite.addTimed("3b start on 8 documents of 5000 keys", "service", 2,
+                   [subjects] { return bench::timed([&] { subjects->construct([](ConfigService&) {}); }); });
+    suite.addTimed("3b start on 8 documents of 5000 keys", "bare parser", 2, parse);
+    return suite.main();
+}

@@ -1,0 +1,92 @@
+// A write on the services dispatcher's thread, announced and in its record when it returns, beside setting a value in a
+// hash map. The file is written elsewhere and later, and not here.
+#include "BareTable.h"
+#include "RowSuite.h"
+#include "Workload.h"
+#include "services/impl/InjectConfigService.h"
+
+#include <ConfigFeatureSet.h>
+#include <ConfigService.h>
+#include <ConfigServiceIds.h>
+#include <ConfigValue.h>
+#include <RecordingFactory.h>
+#include <TemporaryProfile.h>
+#include <XmlConfigStore.h>
+
+#include <array>
+#include <memory>
+#include <string>
+
+namespace {
+
+using namespace ZelUnified;
+
+/// A service whose background tasks are dropped, and a table; both hold the keys of eight layers.
+class Subjects {
+public:
+    explicit Subjects(std::size_t keys) : workload(8, keys) {
+        InjectConfigService(factory);
+        service = factory->getServiceByType<ConfigService>();
+        factory->StartFeatureSet(configServiceId, nullptr);
+        const auto featureSet = factory->getFeatureSetByType<ConfigFeatureSet>();
+        for (std::size_t i = 0; i < workload.getLayers().size(); ++i) {
+            const auto store = std::make_shared<XmlConfigStore>(
+                "Document" + std::to_string(i), 100 + static_cast<int>(i), true, false, std::string(), false);
+            for (const auto& [key, value] : workload.getLayers()[i]) {
+                store->storeValue(key, value);
+                table.emplace(folder(key).folded, value);
+            }
+            featureSet->addConfigStore(store);
+        }
+        factory->backgroundDispatcher->clear();
+    }
+    ~Subjects() {
+        service.reset();
+        factory->Destroy();
+    }
+    Subjects(const Subjects&) = delete;
+    Subjects& operator=(const Subjects&) = delete;
+
+    void write(std::size_t times) {
+        const std::wstring& value = values[++rounds % 2]; // another one for each key when its turn comes again
+        for (std::size_t i = 0; i < times; ++i) {
+            service->setConfig(keyAt(i), value);
+        }
+        bench::require(service->getConfig(keyAt(times - 1))->getValue() == value, "a write");
+        factory->backgroundDispatcher->clear();
+    }
+
+    void writeBare(std::size_t times) {
+        const std::wstring& value = values[++rounds % 2];
+        for (std::size_t i = 0; i < times; ++i) {
+            table.find(folder(keyAt(i)))->second = value;
+        }
+    }
+
+private:
+    const std::wstring& keyAt(std::size_t number) const {
+        return workload.getHits()[number % workload.getHits().size()].key;
+    }
+    const bench::Workload workload;
+    const std::array<std::wstring, 2> values{L"sip.primary.example.com:5061", L"sip.backup.example.com:5061"};
+    std::size_t rounds = 0;
+    testing_host::TemporaryProfile profile;
+    std::shared_ptr<testing_host::RecordingFactory> factory = std::make_shared<testing_host::RecordingFactory>();
+    std::shared_ptr<ConfigService> service;
+    bench::BareTable table;
+    bench::Folder folder;
+};
+
+} // namespace
+
+int main(int argc, char** argv) {
+    bench::RowSuite suite(argc, argv);
+    const auto sizes = suite.measuresGrowth() ? std::vector<std::size_t>{1000, 10000, 100000} : std::vector{5000UL};
+    for (const auto size : sizes) {
+        const auto subjects = std::make_shared<Subjects>(size);
+        const auto row = "4 write of 8 layers of " + std::to_string(size) + " keys";
+        suite.add(row, "service", [subjects](std::size_t times) { subjects->write(times); });
+        suite.add(row, "bare map", [subjects](std::size_t times) { subjects->writeBare(times); });
+    }
+    return suite.main();
+}

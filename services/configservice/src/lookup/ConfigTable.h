@@ -1,0 +1,46 @@
+#pragma once
+
+#include "FoldedKey.h"
+#include "KeyIndex.h"
+
+#include <ConfigMap.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace ZelUnified {
+
+/// The keys and values of a store: an ordered map, and an index that finds a key in it without comparing keys on the
+/// way. Has no lock; the store guards it.
+class ConfigTable {
+public:
+    ConfigTable() = default;
+    /// Takes the values over.
+    explicit ConfigTable(ConfigMap values);
+    ConfigTable(const ConfigTable&) = delete;
+    ConfigTable& operator=(const ConfigTable&) = delete;
+
+    /// Null when the key is not held.
+    const std::wstring* find(const FoldedKey& key) const noexcept {
+        const auto* entry = index.find(key);
+        return entry == nullptr ? nullptr : &entry->second;
+    }
+
+    /// Inserts or overwrites; a key that is held keeps its form.
+    void store(const std::wstring& key, const std::wstring& value);
+    /// True when the key was held.
+    bool remove(const std::wstring& key);
+    void clear();
+    void replace(ConfigMap values);
+
+    const ConfigMap& getMap() const noexcept { return map; }
+    /// In the order of the map.
+    std::vector<std::wstring> getKeys() const;
+
+private:
+    ConfigMap map;
+    KeyIndex<ConfigMap::value_type> index; ///< Of the entries of `map`, which stay in place while they live.
+};
+
+} // namespace ZelUnified

@@ -1,0 +1,53 @@
+#include "featuresets/adapters/config/ChainLink.h"
+
+#include "FakeConfigStore.h"
+
+#include <InMemoryConfigStore.h>
+#include <XmlConfigStore.h>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+namespace ZelUnified {
+namespace {
+
+/// A store of another service that is made of one of the library's, and answers otherwise.
+class BoastfulStore final : public XmlConfigStore {
+public:
+    BoastfulStore() : XmlConfigStore("BoastfulStore", 1, true, false, "", false) {}
+
+    bool getValue(const std::wstring& key, std::wstring& value) override {
+        value = L"my own " + key;
+        return true;
+    }
+};
+
+std::wstring ask(const ChainLink& link, const std::wstring& key) {
+    std::wstring value = L"left over";
+    const bool held = link.getValue(FoldedKey(key), value);
+    return held ? value : L"a miss with \"" + value + L"\"";
+}
+
+TEST(ChainLink, AsksAStoreOfTheLibrary) {
+    const auto store = std::make_shared<InMemoryConfigStore>("M\u00E4ria", 1);
+    store->storeValue(L"Key", L"value");
+    const ChainLink link(store);
+    EXPECT_EQ(ask(link, L"KEY"), L"value");
+    EXPECT_EQ(ask(link, L"Other"), L"a miss with \"\"");
+    EXPECT_EQ(link.getWideName(), L"M\u00E4ria");
+}
+
+TEST(ChainLink, AsksAStoreOfAnotherService) {
+    const ChainLink link(makeReadOnlyStore("Foreign", 1, {{L"Key", L"value"}}));
+    EXPECT_EQ(ask(link, L"KEY"), L"value");
+    EXPECT_EQ(ask(link, L"Other"), L"a miss with \"\"");
+    EXPECT_EQ(link.getWideName(), L"Foreign");
+}
+
+TEST(ChainLink, LetsADerivedStoreAnswerInItsOwnWay) {
+    EXPECT_EQ(ask(ChainLink(std::make_shared<BoastfulStore>()), L"Key"), L"my own Key");
+}
+
+} // namespace
+} // namespace ZelUnified

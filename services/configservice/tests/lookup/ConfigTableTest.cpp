@@ -1,0 +1,58 @@
+#include "lookup/ConfigTable.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace ZelUnified {
+namespace {
+
+const std::wstring* find(const ConfigTable& table, const std::wstring& key) {
+    return table.find(FoldedKey(key));
+}
+
+TEST(ConfigTable, FindsWhatWasStoredUnderAnySpelling) {
+    ConfigTable table;
+    table.store(L"Key", L"value");
+    ASSERT_NE(find(table, L"KEY"), nullptr);
+    EXPECT_EQ(*find(table, L"KEY"), L"value");
+    EXPECT_EQ(find(table, L"Key2"), nullptr);
+}
+
+TEST(ConfigTable, KeepsTheFirstFormOfAKeyAndTheLastValue) {
+    ConfigTable table;
+    table.store(L"Key", L"old");
+    table.store(L"KEY", L"new");
+    EXPECT_EQ(table.getKeys(), std::vector<std::wstring>{L"Key"});
+    EXPECT_EQ(*find(table, L"key"), L"new");
+}
+
+TEST(ConfigTable, ForgetsWhatIsRemoved) {
+    ConfigTable table(ConfigMap{{L"First", L"1"}, {L"Second", L"2"}});
+    EXPECT_TRUE(table.remove(L"FIRST"));
+    EXPECT_FALSE(table.remove(L"First"));
+    EXPECT_EQ(find(table, L"First"), nullptr);
+    EXPECT_EQ(table.getKeys(), std::vector<std::wstring>{L"Second"});
+}
+
+TEST(ConfigTable, ListsKeysInTheOrderOfTheMap) {
+    ConfigTable table;
+    for (const auto* key : {L"b", L"C", L"a"}) {
+        table.store(key, L"");
+    }
+    EXPECT_EQ(table.getKeys(), (std::vector<std::wstring>{L"a", L"b", L"C"}));
+}
+
+TEST(ConfigTable, HoldsOnlyTheNewValuesOnceReplaced) {
+    ConfigTable table(ConfigMap{{L"Old", L"1"}});
+    table.replace(ConfigMap{{L"New", L"2"}});
+    EXPECT_EQ(find(table, L"Old"), nullptr);
+    EXPECT_EQ(*find(table, L"New"), L"2");
+    table.clear();
+    EXPECT_EQ(find(table, L"New"), nullptr);
+    EXPECT_TRUE(table.getMap().empty());
+}
+
+} // namespace
+} // namespace ZelUnified

@@ -1,0 +1,88 @@
+#include "lookup/FoldedKey.h"
+
+#include <kyr/StringUtils.h>
+
+#include <gtest/gtest.h>
+
+#include <set>
+#include <string>
+#include <vector>
+
+namespace ZelUnified {
+namespace {
+
+std::uint32_t hashOf(const std::wstring& key) {
+    return FoldedKey(key).getHash();
+}
+
+TEST(FoldedKey, KeepsTheTextAsGiven) {
+    const std::wstring key = L"TftpServer1";
+    EXPECT_EQ(&FoldedKey(key).getText(), &key);
+}
+
+TEST(FoldedKey, HashesAllSpellingsOfAKeyAlike) {
+    EXPECT_EQ(hashOf(L"TftpServer1"), hashOf(L"TFTPSERVER1"));
+    EXPECT_EQ(hashOf(L"\u00C4rger"), hashOf(L"\u00E4RGER"));
+    EXPECT_EQ(hashOf(L"\u212Aelvin"), hashOf(L"kelvin")); // the sign for kelvin folds to an ASCII letter
+    EXPECT_EQ(hashOf(std::wstring(200, L'A')), hashOf(std::wstring(200, L'a')));
+}
+
+TEST(FoldedKey, HashesKeysThatDifferInOneCharacterApart) {
+    std::set<std::uint32_t> hashes;
+    const std::wstring key = L"PresenceServerPrimaryAddress";
+    for (std::size_t place = 0; place < key.size(); ++place) {
+        for (wchar_t character = L'0'; character <= L'9'; ++character) {
+            std::wstring other = key;
+            other[place] = character;
+            hashes.insert(hashOf(other));
+        }
+    }
+    EXPECT_EQ(hashes.size(), key.size() * 10);
+}
+
+/// Texts around the borders of the letters, of the usual length and of what is well-formed.
+std::vector<std::wstring> oddTexts() {
+    std::vector<std::wstring> texts{L"",
+                                    L"a",
+                                    L"A",
+                                    L"@",
+                                    L"`",
+                                    L"[",
+                                    L"{",
+                                    L"z",
+                                    L"Z",
+                                    L"k",
+                                    L"\u212A",
+                                    L"\u00DF",
+                                    L"ss",
+                                    L"\u00C4",
+                                    L"\u00E4",
+                                    L"\U00010400",
+                                    L"\U00010428",
+                                    std::wstring(1, L'\0'),
+                                    std::wstring(1, static_cast<wchar_t>(0xD800)),
+                                    std::wstring(1, static_cast<wchar_t>(0xDC00))};
+    for (const std::size_t length : {63U, 64U, 65U, 200U}) {
+        texts.emplace_back(length, L'x');
+        texts.emplace_back(length, L'X');
+        texts.push_back(std::wstring(length - 1, L'X') + L'y');
+    }
+    return texts;
+}
+
+TEST(FoldedKey, NamesWhatTheComparisonOfKeysCallsEqual) {
+    for (const auto& left : oddTexts()) {
+        const FoldedKey key(left);
+        for (const auto& right : oddTexts()) {
+            const bool equal = KyrCoreUtils::caseInsensitiveStringEquals(std::wstring_view(left), right);
+            EXPECT_EQ(key.names(right), equal)
+                << KyrCoreUtils::toString(left) << " and " << KyrCoreUtils::toString(right);
+            if (equal) {
+                EXPECT_EQ(key.getHash(), hashOf(right)) << KyrCoreUtils::toString(left);
+            }
+        }
+    }
+}
+
+} // namespace
+} // namespace ZelUnified
