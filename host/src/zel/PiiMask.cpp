@@ -302,16 +302,9 @@ private:
 
 template <class Unit>
 constexpr bool equalsIgnoringAsciiCase(std::basic_string_view<Unit> text, std::string_view lower) noexcept {
-    if (text.size() != lower.size()) {
-        return false;
-    }
-    for (std::size_t i = 0; i < lower.size(); ++i) {
-        const auto isLetter = [unit = text[i]](char letter) { return unit == static_cast<Unit>(letter); };
-        if (!isLetter(lower[i]) && !isLetter(static_cast<char>(lower[i] - 'a' + 'A'))) {
-            return false;
-        }
-    }
-    return true;
+    return std::equal(text.begin(), text.end(), lower.begin(), lower.end(), [](Unit unit, char letter) {
+        return unit == static_cast<Unit>(letter) || unit == static_cast<Unit>(letter - 'a' + 'A');
+    });
 }
 
 template <class Unit>
@@ -323,7 +316,7 @@ constexpr bool endsIn(std::basic_string_view<Unit> text, std::string_view lower)
 constexpr auto triggers = [] {
     std::array<bool, '\\' + 1> marks{};
     for (const char trigger : {'@', '+', ':', '/', '\\'}) {
-        marks[static_cast<std::size_t>(trigger)] = true;
+        marks[static_cast<unsigned char>(trigger)] = true;
     }
     return marks;
 }();
@@ -349,7 +342,7 @@ bool mayBeginAt(std::basic_string_view<Unit> text, std::size_t place) noexcept {
 template <class Unit>
 bool mayBegin(std::basic_string_view<Unit> text) noexcept {
     for (std::size_t i = 0; i < text.size(); ++i) {
-        const auto unit = static_cast<std::uint32_t>(text[i]);
+        const auto unit = static_cast<std::make_unsigned_t<Unit>>(text[i]);
         if (unit < triggers.size() && triggers[unit] && mayBeginAt(text, i)) {
             return true;
         }

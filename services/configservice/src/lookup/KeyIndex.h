@@ -78,18 +78,18 @@ private:
     struct Slot {
         Slot() = default;
         Slot(std::uint32_t hashMark, Entry* entry) noexcept : mark(hashMark) {
-            std::memcpy(pointer.data(), &entry, sizeof(entry));
+            std::memcpy(pointer.data(), &entry, pointer.size());
         }
 
         bool isFree() const noexcept { return mark == 0; }
         Entry* getEntry() const noexcept {
             Entry* entry = nullptr;
-            std::memcpy(&entry, pointer.data(), sizeof(entry));
+            std::memcpy(&entry, pointer.data(), pointer.size());
             return entry;
         }
 
         std::uint32_t mark = 0; ///< Of the hash; 0 for a free slot.
-        alignas(std::uint32_t) std::array<std::byte, sizeof(Entry*)> pointer{};
+        alignas(std::uint32_t) std::array<std::byte, sizeof(void*)> pointer{};
     };
 
     static std::uint32_t markOf(const FoldedKey& key) noexcept { return key.getHash() == 0 ? 1 : key.getHash(); }

@@ -1,5 +1,8 @@
 #include "PlantedSecret.h"
 #include "SessionProcess.h"
+#include "secure/SecureString.h"
+
+#include <zel/EncryptFileUtils.h>
 
 #include <CacheConfigStore.h>
 #include <LocalFileConfigStore.h>
@@ -56,6 +59,17 @@ TEST_F(MemoryImageTest, AServiceHoldsASecretInItsStoresTablesAndInItsRecordAlone
 
 TEST_F(MemoryImageTest, ACachedCopyHoldsASecretInItsTableAlone) {
     plantInCachedCopy("Presence");
+    expectCopies("Presence", 1);
+}
+
+TEST_F(MemoryImageTest, AValueThatIsWrittenInPartsLeavesNoneOfThemBehind) {
+    plantInCachedCopy("Presence");
+    const std::string narrow(secret.text().begin(), secret.text().end());
+    const zel::SecureString document("<Lumora><CachedConfig><ConnectionPassword>" + narrow + "<![CDATA[" +
+                                     std::string(500, 'x') + "]]></ConnectionPassword></CachedConfig></Lumora>");
+    const auto path = profile.config() / "Cache" / "cachedPresence.dat";
+    ASSERT_TRUE(zel::storage::EncryptFileUtils::writeDataToFile(path.string(), document,
+                                                                zel::storage::FileCategoryType::UserData));
     expectCopies("Presence", 1);
 }
 

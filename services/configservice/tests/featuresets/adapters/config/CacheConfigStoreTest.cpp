@@ -87,6 +87,8 @@ TEST_F(CacheConfigStoreTest, IsLocalReadOnlyAndNotCachedAgain) {
     CacheConfigStore store("X", 240, path);
     EXPECT_THAT(store.getKeys(), IsEmpty());
     EXPECT_TRUE(store.isLocal());
+    ConfigMap contents;
+    EXPECT_TRUE(CacheConfigStore("X", 240, path, contents).isLocal());
     EXPECT_TRUE(store.isReadOnly());
     EXPECT_FALSE(store.shouldCacheConfigStore());
     EXPECT_EQ(store.getName(), "X");

@@ -81,11 +81,11 @@ TEST_F(ConfigAdapterCachedStores, PriorityThatIsNoNumberBecomes240) {
 }
 
 TEST_F(ConfigAdapterCachedStores, NameThatLeadsOutOfTheFolderIsNoStore) {
-    givenRecord(L"/../x:1;a\\..\\x:2;Corp/Policy:3;..x:4;a..b:5;");
+    givenRecord(L"/../x:1;a\\..\\x:2;Corp/Policy:3;..x:4;a..b:5;a_.._b:6;");
     load();
     EXPECT_FALSE(inChain("/../x"));
     EXPECT_FALSE(inChain("a\\..\\x"));
-    for (const auto* name : {"Corp/Policy", "..x", "a..b"}) {
+    for (const auto* name : {"Corp/Policy", "..x", "a..b", "a_.._b"}) {
         EXPECT_TRUE(inChain(name)) << name;
     }
 }

@@ -63,6 +63,12 @@ TEST_F(ConfigReport, SensitiveKeyHasNeitherElementNorPlaceholder) {
     EXPECT_THAT(text, Not(HasSubstr("VALUE_HIDDEN")));
 }
 
+TEST_F(ConfigReport, KeysBehindASensitiveOneAreShown) {
+    manager.setKeySensitive(L"secret");
+    given(makeReadOnlyStore("S", 20, {{L"secret", L"hunter2"}, {L"visible", L"v"}}));
+    EXPECT_THAT(report(), HasSubstr("<visible>v</visible>"));
+}
+
 TEST_F(ConfigReport, CharactersThatXmlCannotCarryAreReplaced) {
     given(makeReadOnlyStore("S", 20,
                             {{L"k", std::wstring(L"a\x01"

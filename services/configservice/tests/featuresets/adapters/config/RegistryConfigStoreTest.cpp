@@ -158,9 +158,11 @@ TEST_F(RegistryConfigStoreTest, NumbersAreUnsignedDecimalText) {
     registry->setNumber(HKEY_CURRENT_USER, root, L"Zero", 0);
     registry->setNumber(HKEY_CURRENT_USER, root, L"Many", 0xFFFFFFFF);
     setRaw(L"Short", REG_DWORD, {1, 1});
+    setRaw(L"Long", REG_DWORD, {2, 0, 0, 0, 1});
     EXPECT_EQ(readBack(L"Zero"), L"0");
     EXPECT_EQ(readBack(L"Many"), L"4294967295");
     EXPECT_EQ(readBack(L"Short"), L"257");
+    EXPECT_EQ(readBack(L"Long"), L"2");
 }
 
 TEST_F(RegistryConfigStoreTest, OtherKindsGiveNoKeyAndDontEndTheReading) {

@@ -43,6 +43,14 @@ TEST(XmlScrubber, ZeroesSharedTextsOnlyAtItsEnd) {
     EXPECT_EQ(textOf(first), "");
 }
 
+TEST(XmlScrubber, ZeroesATextThatNothingSharesAtOnce) {
+    const auto document = XmlReader::readMemory("<r>a text too long for the dictionary</r>", "test");
+    xmlNode* text = xmlDocGetRootElement(document.get())->children;
+    XmlScrubber scrubber(document);
+    scrubber.scrubText(*text);
+    EXPECT_EQ(textOf(text), "");
+}
+
 TEST(XmlScrubber, LeavesTheContentOfEntitiesAlone) {
     const auto document = XmlReader::parseDoc("<!DOCTYPE r [<!ENTITY e 'entity text'>]><r><k>&e;</k><l>&e;</l></r>");
     xmlNode* root = xmlDocGetRootElement(document.get());
