@@ -53,6 +53,7 @@ private:
 
     void countInstructions() const;
 
+    std::string interleaving = "--benchmark_enable_random_interleaving=true";
     std::vector<char*> arguments;
     bool growth = false;
     bool counts = false;
