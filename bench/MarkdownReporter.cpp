@@ -76,9 +76,9 @@ MarkdownReporter::Figure MarkdownReporter::summarise(const std::vector<Run>& run
         }
         const auto bytes = run.counters.find(bytesCounter);
         figure.inBytes = bytes != run.counters.end();
-        sorted.push_back(figure.inBytes
-                             ? bytes->second.value
-                             : run.GetAdjustedRealTime() / benchmark::GetTimeUnitMultiplier(run.time_unit) * 1e9);
+        const double time = run.run_name.time_type.empty() ? run.GetAdjustedCPUTime() : run.GetAdjustedRealTime();
+        sorted.push_back(figure.inBytes ? bytes->second.value
+                                        : time / benchmark::GetTimeUnitMultiplier(run.time_unit) * 1e9);
     }
     std::sort(sorted.begin(), sorted.end());
     figure.median = quantile(sorted, 0.5);

@@ -12,6 +12,9 @@ namespace bench {
 /// row, and every other subject of the row gets a line with its own figure, the limit's, and the ratio of the two. Of
 /// repeated runs the median counts, and the spread is half the distance between the quartiles.
 ///
+/// Times are the processor's: on a machine that others share, what waits longest would look slowest. Benchmarks that
+/// wait for a disk ask for the time of the clock (`UseRealTime`).
+///
 /// A run with a counter "bytes" tells bytes instead of time.
 class MarkdownReporter final : public benchmark::BenchmarkReporter {
 public:

@@ -49,6 +49,7 @@ RowSuite::RowSuite(int argc, char** argv) : arguments(argv, argv + argc) {
     };
     growth = take("--growth");
     counts = take("--instructions");
+    arguments.insert(arguments.begin() + 1, interleaving.data());
 }
 
 void RowSuite::add(const std::string& row, const std::string& subject, Run run) {

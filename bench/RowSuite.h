@@ -1,7 +1,7 @@
 #pragma once
 
-#include <chrono>
 #include <cstddef>
+#include <ctime>
 #include <functional>
 #include <string>
 #include <vector>
@@ -11,12 +11,12 @@ namespace bench {
 /// Ends the program: a row that answers wrongly is not worth timing.
 void require(bool holds, const char* what);
 
-/// The seconds that the work takes.
+/// The seconds of processor time that the work takes.
 template <typename Work>
 double timed(Work work) {
-    const auto begin = std::chrono::steady_clock::now();
+    const auto begin = std::clock();
     work();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+    return static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC;
 }
 
 /// The rows of one program. Each is measured over and over, together with its limit, in an order that is drawn anew
@@ -53,6 +53,7 @@ private:
 
     void countInstructions() const;
 
+    std::string interleaving = "--benchmark_enable_random_interleaving=true";
     std::vector<char*> arguments;
     bool growth = false;
     bool counts = false;

@@ -2,6 +2,7 @@
 // the arrival of ever larger stores beside filling a map, and a write through the whole road.
 #include "BareTable.h"
 #include "MarkdownReporter.h"
+#include "RowSuite.h"
 #include "SyntheticKeys.h"
 #include "services/impl/InjectConfigService.h"
 
@@ -14,7 +15,6 @@
 #include <TemporaryProfile.h>
 #include <benchmark/benchmark.h>
 
-#include <chrono>
 #include <cstdlib>
 #include <functional>
 #include <memory>
@@ -121,10 +121,7 @@ void registerConstruction(const testing_host::TemporaryProfile& profile, const s
 /// Times `arrive` alone; `leave` puts things back.
 void timeArrival(benchmark::State& state, const std::function<void()>& arrive, const std::function<void()>& leave) {
     while (state.KeepRunning()) {
-        const auto begin = std::chrono::steady_clock::now();
-        arrive();
-        const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - begin;
-        state.SetIterationTime(elapsed.count());
+        state.SetIterationTime(bench::timed(arrive));
         leave();
     }
 }

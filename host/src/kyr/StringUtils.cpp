@@ -17,6 +17,23 @@ constexpr bool isBlank(Unit unit) {
     return unit == Unit{' '} || (unit >= Unit{'\t'} && unit <= Unit{'\r'});
 }
 
+/// Most texts are: then each unit is a character, and stays one in every conversion.
+template <class Unit>
+bool isAscii(std::basic_string_view<Unit> text) noexcept {
+    std::uint32_t seen = 0;
+    for (const Unit unit : text) {
+        seen |= static_cast<std::uint32_t>(unit);
+    }
+    return seen < 0x80;
+}
+
+template <class To, class From, class Map>
+std::basic_string<To> mapUnits(std::basic_string_view<From> text, Map map) {
+    std::basic_string<To> mapped(text.size(), To{});
+    std::transform(text.begin(), text.end(), mapped.begin(), map);
+    return mapped;
+}
+
 template <class Unit>
 std::basic_string_view<Unit> withoutLeadingBlanks(std::basic_string_view<Unit> text) noexcept {
     while (!text.empty() && isBlank(text.front())) {
@@ -64,11 +81,13 @@ bool startsWithIgnoringCase(lettercase::WideCursor text, lettercase::WideCursor 
 } // namespace
 
 std::string toString(std::wstring_view text) {
-    return codepoints::wideToUtf8(text);
+    return isAscii(text) ? mapUnits<char>(text, [](wchar_t unit) { return static_cast<char>(unit); })
+                         : codepoints::wideToUtf8(text);
 }
 
 std::wstring toWideString(std::string_view text) {
-    return codepoints::utf8ToWide<wchar_t>(text);
+    return isAscii(text) ? mapUnits<wchar_t>(text, [](char unit) { return static_cast<wchar_t>(unit); })
+                         : codepoints::utf8ToWide<wchar_t>(text);
 }
 
 std::wstring toWideString(int number) {
@@ -80,6 +99,10 @@ std::wstring toWideString(unsigned int number) {
 }
 
 std::wstring toLowercase(std::wstring_view text) {
+    if (isAscii(text)) {
+        return mapUnits<wchar_t>(
+            text, [](wchar_t unit) { return static_cast<wchar_t>(lettercase::toLower(codepoints::unitValue(unit))); });
+    }
     std::wstring result;
     result.reserve(text.size());
     for (lettercase::WideCursor cursor(text); !cursor.atEnd();) {
