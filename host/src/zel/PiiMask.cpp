@@ -1,9 +1,7 @@
 #include "PiiMask.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
-#include <cstdint>
 
 namespace zel::logging {
 
@@ -312,14 +310,20 @@ constexpr bool endsIn(std::basic_string_view<Unit> text, std::string_view lower)
     return text.size() >= lower.size() && equalsIgnoringAsciiCase(text.substr(text.size() - lower.size()), lower);
 }
 
-/// The characters with which rules of the scanner begin, none of them behind the backslash.
-constexpr auto triggers = [] {
-    std::array<bool, '\\' + 1> marks{};
-    for (const char trigger : {'@', '+', ':', '/', '\\'}) {
-        marks[static_cast<unsigned char>(trigger)] = true;
+/// The characters with which rules of the scanner begin.
+template <class Unit>
+constexpr bool isTrigger(Unit unit) noexcept {
+    switch (unit) {
+    case '@':
+    case '+':
+    case ':':
+    case '/':
+    case '\\':
+        return true;
+    default:
+        return false;
     }
-    return marks;
-}();
+}
 
 /// Whether a rule of the scanner could begin with the trigger at `place`. The user of a web address needs an "@".
 template <class Unit>
@@ -342,8 +346,7 @@ bool mayBeginAt(std::basic_string_view<Unit> text, std::size_t place) noexcept {
 template <class Unit>
 bool mayBegin(std::basic_string_view<Unit> text) noexcept {
     for (std::size_t i = 0; i < text.size(); ++i) {
-        const auto unit = static_cast<std::make_unsigned_t<Unit>>(text[i]);
-        if (unit < triggers.size() && triggers[unit] && mayBeginAt(text, i)) {
+        if (isTrigger(text[i]) && mayBeginAt(text, i)) {
             return true;
         }
     }
