@@ -1,6 +1,11 @@
-// A document gives the same table from memory and from a plain file, and the table survives its own document.
+// A document gives the same table from memory, from a plain file and from a protected one, and the table survives its
+// own document.
 #include "Require.h"
 #include "featuresets/adapters/config/XmlConfigParser.h"
+#include "model/UnsyncedFiles.h"
+#include "secure/SecureString.h"
+
+#include <zel/EncryptFileUtils.h>
 
 #include <TemporaryProfile.h>
 
@@ -24,6 +29,20 @@ void requireSameFromFile(const std::string& text, const ConfigMap& values, const
     require(fromFile == values && sensitiveInFile == sensitive);
 }
 
+void requireSameFromProtectedFile(const std::string& text, const ConfigMap& values, const ConfigKeySet& sensitive) {
+    static const testing_host::TemporaryProfile profile;
+    static const config_model::UnsyncedFiles unsynced;
+    static const std::string path = (profile.config() / "document.dat").string();
+    using zel::storage::EncryptFileUtils;
+    require(EncryptFileUtils::writeDataToFile(path, zel::SecureString(text), zel::storage::FileCategoryType::UserData));
+    ConfigMap fromFile;
+    ConfigKeySet sensitiveInFile;
+    const bool isRead = XmlConfigParser::readFromEncryptedFile(path, fromFile, sensitiveInFile);
+    // Its text ends at a zero, which only other encodings have.
+    require(isRead || (text.find('\0') != std::string::npos && fromFile.empty()));
+    require(!isRead || (fromFile == values && sensitiveInFile == sensitive));
+}
+
 } // namespace
 
 // The name is libFuzzer's.
@@ -40,6 +59,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data,
         require(values.contains(key));
     }
     requireSameFromFile(text, values, sensitive);
+    requireSameFromProtectedFile(text, values, sensitive);
 
     std::string written;
     ConfigMap again;

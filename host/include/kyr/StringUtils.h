@@ -30,6 +30,8 @@ std::wstring toWideString(Bool flag) {
 /// what is ill-formed stays as it is.
 LUMORA_HOST_API std::wstring toLowercase(std::wstring_view text);
 LUMORA_HOST_API std::string toLowercase(std::string_view text);
+/// The same in place.
+LUMORA_HOST_API void makeLowercase(std::wstring& text);
 
 /// Negative, zero or positive as `a` sorts before, with or behind `b`, lower-cased code point by code point.
 /// A strict weak order without locale or full folding: "ß" is not "ss". Allocates nothing.
@@ -44,6 +46,8 @@ LUMORA_HOST_API std::ptrdiff_t caseInsensitiveFind(std::wstring_view text, std::
 /// Cuts blank, tab, LF, VT, FF and CR from both ends.
 LUMORA_HOST_API std::string trim(std::string_view text);
 LUMORA_HOST_API std::wstring trim(std::wstring_view text);
+/// The same without a copy: a part of `text`.
+LUMORA_HOST_API std::string_view trimmed(std::string_view text) noexcept;
 /// The same from the left end only.
 LUMORA_HOST_API std::string trimleft(std::string_view text);
 LUMORA_HOST_API std::wstring trimleft(std::wstring_view text);

@@ -99,16 +99,24 @@ std::wstring toWideString(unsigned int number) {
 }
 
 std::wstring toLowercase(std::wstring_view text) {
-    if (isAscii(text)) {
-        return mapUnits<wchar_t>(
-            text, [](wchar_t unit) { return static_cast<wchar_t>(lettercase::toLower(codepoints::unitValue(unit))); });
-    }
-    std::wstring result;
-    result.reserve(text.size());
-    for (lettercase::WideCursor cursor(text); !cursor.atEnd();) {
-        codepoints::appendWide(result, cursor.next());
-    }
+    std::wstring result(text);
+    makeLowercase(result);
     return result;
+}
+
+void makeLowercase(std::wstring& text) {
+    if (isAscii(std::wstring_view(text))) {
+        for (wchar_t& unit : text) {
+            unit = static_cast<wchar_t>(lettercase::toLower(codepoints::unitValue(unit)));
+        }
+        return;
+    }
+    std::wstring lower;
+    lower.reserve(text.size());
+    for (lettercase::WideCursor cursor(text); !cursor.atEnd();) {
+        codepoints::appendWide(lower, cursor.next());
+    }
+    text.swap(lower);
 }
 
 std::string toLowercase(std::string_view text) {
@@ -175,6 +183,10 @@ std::string trim(std::string_view text) {
 
 std::wstring trim(std::wstring_view text) {
     return std::wstring(withoutBlanks(text));
+}
+
+std::string_view trimmed(std::string_view text) noexcept {
+    return withoutBlanks(text);
 }
 
 std::string trimleft(std::string_view text) {

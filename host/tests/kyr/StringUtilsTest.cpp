@@ -127,6 +127,9 @@ TEST(ToLowercase, IsIdempotentAndKeepsTheNumberOfUnits) {
         const std::wstring lower = toLowercase(text);
         ASSERT_EQ(lower.size(), text.size()) << static_cast<unsigned>(value);
         ASSERT_EQ(toLowercase(lower), lower) << static_cast<unsigned>(value);
+        std::wstring inPlace = text;
+        KyrCoreUtils::makeLowercase(inPlace);
+        ASSERT_EQ(inPlace, lower) << static_cast<unsigned>(value);
         ASSERT_TRUE(caseInsensitiveStringEquals(text, lower)) << static_cast<unsigned>(value);
         ASSERT_EQ(toWideString(toLowercase(toString(text))), lower) << static_cast<unsigned>(value);
     });
@@ -248,6 +251,8 @@ TEST(Trim, CutsTheSixBlanksAlone) {
     EXPECT_EQ(trim("\0 a"s), "\0 a"s);
     EXPECT_EQ(trim(wide(0xA0) + L"a" + wide(0x2003)), wide(0xA0) + L"a" + wide(0x2003));
     EXPECT_EQ(trim("\x08\x0E"s), "\x08\x0E");
+    EXPECT_EQ(KyrCoreUtils::trimmed(" \t a b\r"), "a b");
+    EXPECT_EQ(KyrCoreUtils::trimmed(" "), "");
 }
 
 TEST(Trim, CutsTheLeftEndAloneOnDemand) {

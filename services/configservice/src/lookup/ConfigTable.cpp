@@ -36,8 +36,8 @@ void ConfigTable::clear() {
 void ConfigTable::replace(ConfigMap values) {
     clear();
     map = std::move(values);
+    index.reserve(map.size());
     for (auto& entry : map) {
-        index.reserveOne();
         index.insert(FoldedKey(entry.first), entry);
     }
 }

@@ -37,11 +37,18 @@ public:
     /// Makes room for one more entry. What can fail stands here, so that container and index stay of one mind.
     void reserveOne() {
         if ((count + 1) * 4 > slots.size() * 3) {
-            grow();
+            resize(slots.size() < smallest ? smallest : slots.size() + slots.size() / 2);
         }
     }
 
-    /// After reserveOne(). The key must not be in the index yet.
+    /// Makes room for so many entries in all.
+    void reserve(std::size_t entries) {
+        if (entries * 4 > slots.size() * 3) {
+            resize(entries + entries / 3 + 1);
+        }
+    }
+
+    /// After reserve() or reserveOne(). The key must not be in the index yet.
     void insert(const FoldedKey& key, Entry& entry) noexcept {
         place({markOf(key), &entry});
         ++count;
@@ -119,8 +126,8 @@ private:
         slots[at] = slot;
     }
 
-    void grow() {
-        std::vector<Slot> old(slots.size() < smallest ? smallest : slots.size() + slots.size() / 2);
+    void resize(std::size_t places) {
+        std::vector<Slot> old(places);
         slots.swap(old);
         for (const auto& slot : old) {
             if (!slot.isFree()) {

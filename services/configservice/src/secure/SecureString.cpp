@@ -10,6 +10,7 @@
 #include <openssl/rand.h>
 
 #include <algorithm>
+#include <cstring>
 #include <limits>
 #include <new>
 
@@ -138,7 +139,7 @@ void SecureString::decrypt(SecureBuffer& buffer) const {
         return;
     }
     auto clear = std::make_unique<char[]>(length + 1);
-    std::copy_n(output.data(), length, clear.get());
+    std::memcpy(clear.get(), output.data(), length);
     buffer.set(std::move(clear), static_cast<std::uint32_t>(length));
 }
 

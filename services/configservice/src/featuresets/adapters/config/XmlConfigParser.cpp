@@ -120,6 +120,30 @@ std::size_t textLength(const xmlNode& element) {
     return length;
 }
 
+/// The new entry of the key that an element's name stands for; null when an earlier element had the key.
+ConfigMap::value_type* insertKey(std::string_view name, ConfigMap& values) {
+    std::wstring key = toWideString(name);
+    KyrCoreUtils::makeLowercase(key);
+    const std::size_t known = values.size();
+    // The library writes its documents in the order of the table, so most keys belong at its end.
+    const auto entry = values.try_emplace(values.end(), std::move(key));
+    return values.size() == known ? nullptr : &*entry;
+}
+
+void parsePlainElement(std::string_view name, std::string_view text, ConfigMap& values) {
+    if (ConfigMap::value_type* entry = insertKey(name, values)) {
+        entry->second = toWideString(KyrCoreUtils::trimmed(text));
+        zel::applyFipsValueOverride(entry->first, entry->second);
+    }
+}
+
+void wipe(ConfigMap& values) {
+    for (auto& [key, value] : values) {
+        zel::SecureString::wipe(value);
+    }
+    values.clear();
+}
+
 bool isSensitive(const xmlNode& element) {
     return SensitiveKeySecuringUtility::isWellKnownSensitiveKey(toWideString(XmlReader::getName(element)));
 }
@@ -151,9 +175,11 @@ bool XmlConfigParser::readFromEncryptedFile(const std::string& path, ConfigMap& 
     zel::SecureBuffer clear;
     content.decrypt(clear);
     std::string text(clear.getData(), clear.getLength());
-    const XmlDocument document = XmlReader::parseDoc(text);
+    const XmlDocument document = XmlReader::parseDoc(
+        text, [&values](std::string_view name, std::string_view value) { parsePlainElement(name, value, values); });
     zel::SecureString::wipe(text);
     if (!document) {
+        wipe(values);
         warnOfFile(L"XML in file did not exist or is an invalid XML document: ", path);
         return false;
     }
@@ -230,20 +256,17 @@ void XmlConfigParser::parseXmlGroup(XmlScrubber& scrubber, xmlNode& group, Confi
         if (element->type != XML_ELEMENT_NODE) {
             continue;
         }
-        const std::wstring key = KyrCoreUtils::toLowercase(toWideString(XmlReader::getName(*element)));
-        // The library writes its documents in the order of the table, so most keys belong at its end.
-        const std::size_t known = values.size();
-        const auto entry = values.try_emplace(values.end(), key);
-        if (values.size() == known) {
+        ConfigMap::value_type* entry = insertKey(XmlReader::getName(*element), values);
+        if (entry == nullptr) {
             continue;
         }
         std::string text = holdsOnlyText(*element) ? extractStringFromXmlNode(scrubber, *element)
                                                    : extractXmlStringFromXmlNode(scrubber, *element);
         entry->second = toWideString(text);
         zel::SecureString::wipe(text);
-        zel::applyFipsValueOverride(key, entry->second);
+        zel::applyFipsValueOverride(entry->first, entry->second);
         if (parseSensitiveAttribute(*element)) {
-            sensitiveKeys.insert(key);
+            sensitiveKeys.insert(entry->first);
         }
     }
 }
@@ -263,9 +286,9 @@ std::string XmlConfigParser::extractStringFromXmlNode(XmlScrubber& scrubber, xml
             scrubber.scrubText(*child);
         }
     }
-    std::string trimmed = KyrCoreUtils::trim(text);
+    std::string value = KyrCoreUtils::trim(text);
     zel::SecureString::wipe(text);
-    return trimmed;
+    return value;
 }
 
 std::string XmlConfigParser::extractXmlStringFromXmlNode(XmlScrubber& scrubber, xmlNode& element) {

@@ -87,6 +87,29 @@ bool appendText(const xmlNode* node, int depth, std::size_t& budget, std::string
     return true;
 }
 
+/// `take`, if there is one, is handed the plain elements.
+XmlDocument parse(const std::string& text, const XmlPlainElements::Take* take) {
+    // The library would end at a zero and take what stands before it for the whole.
+    if (text.size() > XmlReader::sizeLimit || text.find('\0') != std::string::npos) {
+        return nullptr;
+    }
+    const XmlGuard guard;
+    const ParserContext context(xmlCreateDocParserCtxt(reinterpret_cast<const xmlChar*>(text.c_str())),
+                                &xmlFreeParserCtxt);
+    if (!context) {
+        return nullptr;
+    }
+    const Bytes copy = fixInput(*context, text);
+    std::optional<XmlPlainElements> plainElements;
+    if (take != nullptr) {
+        plainElements.emplace(*context, *take);
+    }
+    xmlParseDocument(context.get());
+    wipeInput(*context, copy);
+    const XmlDocument document = own(std::exchange(context->myDoc, nullptr));
+    return context->wellFormed != 0 ? document : nullptr;
+}
+
 } // namespace
 
 XmlDocument XmlReader::readFile(const std::string& path) {
@@ -100,21 +123,11 @@ XmlDocument XmlReader::readFile(const std::string& path) {
 }
 
 XmlDocument XmlReader::parseDoc(const std::string& text) {
-    // The library would end at a zero and take what stands before it for the whole.
-    if (text.size() > sizeLimit || text.find('\0') != std::string::npos) {
-        return nullptr;
-    }
-    const XmlGuard guard;
-    const ParserContext context(xmlCreateDocParserCtxt(reinterpret_cast<const xmlChar*>(text.c_str())),
-                                &xmlFreeParserCtxt);
-    if (!context) {
-        return nullptr;
-    }
-    const Bytes copy = fixInput(*context, text);
-    xmlParseDocument(context.get());
-    wipeInput(*context, copy);
-    const XmlDocument document = own(std::exchange(context->myDoc, nullptr));
-    return context->wellFormed != 0 ? document : nullptr;
+    return parse(text, nullptr);
+}
+
+XmlDocument XmlReader::parseDoc(const std::string& text, const XmlPlainElements::Take& take) {
+    return parse(text, &take);
 }
 
 XmlDocument XmlReader::readMemory(const std::string& text, const std::string& url) {

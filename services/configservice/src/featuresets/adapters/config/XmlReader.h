@@ -1,5 +1,7 @@
 #pragma once
 
+#include "XmlPlainElements.h"
+
 #include <libxml/tree.h>
 
 #include <memory>
@@ -20,6 +22,8 @@ public:
     static XmlDocument readFile(const std::string& path);
     /// The document shares nothing with others: its texts are not in a dictionary. A text with a zero in it gives none.
     static XmlDocument parseDoc(const std::string& text);
+    /// Hands plain elements out instead of keeping them in the document. They count only if a document comes.
+    static XmlDocument parseDoc(const std::string& text, const XmlPlainElements::Take& take);
     static XmlDocument readMemory(const std::string& text, const std::string& url);
 
     static std::string getName(const xmlNode& node);

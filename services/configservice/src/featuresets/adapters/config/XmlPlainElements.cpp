@@ -1,0 +1,149 @@
+#include "XmlPlainElements.h"
+
+#include <openssl/crypto.h>
+
+#include <utility>
+
+namespace ZelUnified {
+
+namespace {
+
+constexpr int depthOfGroup = 2;
+
+/// In bytes. A longer text goes to the tree, where the library's own limits hold.
+constexpr std::size_t longestText = std::size_t{64} * 1024;
+
+} // namespace
+
+XmlPlainElements::XmlPlainElements(xmlParserCtxt& parser, const Take& taker)
+    : context(parser), take(taker), tree(*parser.sax) {
+    text.reserve(longestText);
+    context._private = this;
+    xmlSAXHandler& handlers = *context.sax;
+    handlers.internalSubset = &onInternalSubset;
+    handlers.startElementNs = &onStartElement;
+    handlers.endElementNs = &onEndElement;
+    handlers.characters = &onCharacters;
+    handlers.ignorableWhitespace = &onCharacters;
+    handlers.cdataBlock = &onCdata;
+    handlers.comment = &onComment;
+    handlers.processingInstruction = &onInstruction;
+}
+
+XmlPlainElements::~XmlPlainElements() {
+    OPENSSL_cleanse(text.data(), text.size());
+    *context.sax = tree;
+    context._private = nullptr;
+}
+
+XmlPlainElements& XmlPlainElements::of(void* parser) noexcept {
+    return *static_cast<XmlPlainElements*>(static_cast<xmlParserCtxt*>(parser)->_private);
+}
+
+void XmlPlainElements::onInternalSubset(void* parser, const xmlChar* name, const xmlChar* publicId,
+                                        const xmlChar* systemId) {
+    auto& self = of(parser);
+    self.stop();
+    self.tree.internalSubset(parser, name, publicId, systemId);
+}
+
+void XmlPlainElements::onStartElement(void* parser, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri,
+                                      int namespaceCount, const xmlChar** namespaces, int attributeCount,
+                                      int defaultedCount, const xmlChar** attributes) {
+    auto& self = of(parser);
+    const bool isPlain = prefix == nullptr && uri == nullptr && namespaceCount == 0 && attributeCount == 0;
+    if (self.handsOut && self.depth == depthOfGroup && isPlain) {
+        self.begin(name);
+        return;
+    }
+    if (self.depth >= depthOfGroup) {
+        self.stop();
+    }
+    ++self.depth;
+    self.tree.startElementNs(parser, name, prefix, uri, namespaceCount, namespaces, attributeCount, defaultedCount,
+                             attributes);
+}
+
+void XmlPlainElements::onEndElement(void* parser, const xmlChar* name, const xmlChar* prefix,
+                                    const xmlChar* uri) noexcept {
+    auto& self = of(parser);
+    --self.depth;
+    if (self.pending != nullptr) {
+        self.end();
+        return;
+    }
+    self.tree.endElementNs(parser, name, prefix, uri);
+}
+
+void XmlPlainElements::onCharacters(void* parser, const xmlChar* characters, int length) {
+    auto& self = of(parser);
+    if (self.handsOut && self.pending == nullptr) {
+        return; // between groups and between keys it means nothing
+    }
+    if (!self.append({reinterpret_cast<const char*>(characters), static_cast<std::size_t>(length)})) {
+        self.tree.characters(parser, characters, length);
+    }
+}
+
+void XmlPlainElements::onCdata(void* parser, const xmlChar* characters, int length) {
+    auto& self = of(parser);
+    if (!self.append({reinterpret_cast<const char*>(characters), static_cast<std::size_t>(length)})) {
+        self.tree.cdataBlock(parser, characters, length);
+    }
+}
+
+void XmlPlainElements::onComment(void* parser, const xmlChar* comment) {
+    auto& self = of(parser);
+    if (self.pending != nullptr) {
+        self.stop();
+    }
+    self.tree.comment(parser, comment);
+}
+
+void XmlPlainElements::onInstruction(void* parser, const xmlChar* target, const xmlChar* data) {
+    auto& self = of(parser);
+    if (self.pending != nullptr) {
+        self.stop();
+    }
+    self.tree.processingInstruction(parser, target, data);
+}
+
+void XmlPlainElements::begin(const xmlChar* name) {
+    pending = name;
+    ++depth;
+}
+
+/// False when the characters belong to the tree.
+bool XmlPlainElements::append(std::string_view characters) {
+    if (pending == nullptr) {
+        return false;
+    }
+    if (text.size() + characters.size() > longestText) {
+        stop();
+        return false;
+    }
+    text += characters;
+    return true;
+}
+
+void XmlPlainElements::end() {
+    take(reinterpret_cast<const char*>(std::exchange(pending, nullptr)), text);
+    OPENSSL_cleanse(text.data(), text.size());
+    text.clear();
+}
+
+/// From here on all enters the tree, the element that has begun first.
+void XmlPlainElements::stop() {
+    handsOut = false;
+    if (pending == nullptr) {
+        return;
+    }
+    tree.startElementNs(&context, std::exchange(pending, nullptr), nullptr, nullptr, 0, nullptr, 0, 0, nullptr);
+    if (!text.empty()) {
+        tree.characters(&context, reinterpret_cast<const xmlChar*>(text.data()), static_cast<int>(text.size()));
+    }
+    OPENSSL_cleanse(text.data(), text.size());
+    text.clear();
+}
+
+} // namespace ZelUnified
