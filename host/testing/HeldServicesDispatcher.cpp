@@ -3,8 +3,7 @@
 namespace testing_host {
 
 bool HeldServicesDispatcher::checkForUpdateAccess() const {
-    const std::lock_guard lock(mutex);
-    return owner == std::this_thread::get_id();
+    return owner.load() == std::this_thread::get_id();
 }
 
 void HeldServicesDispatcher::enqueue(std::shared_ptr<zel::Task> task, bool ahead) {
@@ -22,12 +21,10 @@ void HeldServicesDispatcher::enqueueBlock(std::shared_ptr<zel::Task> task, bool)
 }
 
 void HeldServicesDispatcher::disown() {
-    const std::lock_guard lock(mutex);
     owner = std::thread::id();
 }
 
 void HeldServicesDispatcher::claim() {
-    const std::lock_guard lock(mutex);
     owner = std::this_thread::get_id();
 }
 

@@ -2,6 +2,7 @@
 
 #include <unified/ServicesDispatcher.h>
 
+#include <atomic>
 #include <deque>
 #include <memory>
 #include <mutex>
@@ -31,8 +32,8 @@ public:
     void clear();
 
 private:
-    mutable std::mutex mutex;
-    std::thread::id owner = std::this_thread::get_id();
+    std::atomic<std::thread::id> owner = std::this_thread::get_id();
+    mutable std::mutex mutex; ///< Guards the tasks.
     std::deque<std::shared_ptr<zel::Task>> tasks;
 };
 

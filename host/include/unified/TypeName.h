@@ -10,9 +10,11 @@ namespace ZelUnified {
 /// The readable name of a type, "NULL" when there is none. Stable within a run.
 LUMORA_HOST_API std::string readableTypeName(const std::type_info* type);
 
+/// Worked out once for each type.
 template <class T>
-std::string readableTypeName() {
-    return readableTypeName(&typeid(T));
+const std::string& readableTypeName() {
+    static const std::string name = readableTypeName(&typeid(T));
+    return name;
 }
 
 } // namespace ZelUnified

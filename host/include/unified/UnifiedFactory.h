@@ -45,7 +45,7 @@ public:
         if (auto service = services.template getItem<T>()) {
             return service;
         }
-        const auto name = readableTypeName<T>();
+        const std::string& name = readableTypeName<T>();
         if (!triedServices.insert(name)) {
             return nullptr;
         }
@@ -59,7 +59,7 @@ public:
         if (auto featureSet = featureSets.template getItem<T>()) {
             return featureSet;
         }
-        const auto name = readableTypeName<T>();
+        const std::string& name = readableTypeName<T>();
         if (!triedFeatureSets.insert(name)) {
             return nullptr;
         }

@@ -4,11 +4,11 @@
 
 namespace ZelUnified {
 
-void enqueueBackgroundTask(const std::shared_ptr<UnifiedFactory>& factory, const std::string& name,
+void enqueueBackgroundTask(const std::shared_ptr<UnifiedFactory>& factory, std::string name,
                            std::function<void()> work) {
     const auto dispatcher = factory ? factory->getBackgroundDispatcher() : nullptr;
     if (dispatcher) {
-        dispatcher->enqueue(std::make_shared<KyrCoreUtils::FunctionTask>(std::move(work), name));
+        dispatcher->enqueue(std::make_shared<KyrCoreUtils::FunctionTask>(std::move(work), std::move(name)));
     }
 }
 

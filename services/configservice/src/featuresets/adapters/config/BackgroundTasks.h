@@ -10,7 +10,7 @@ namespace ZelUnified {
 
 /// Posts named work to the background dispatcher, which is asked for anew each time. Without a factory or a dispatcher,
 /// as after the host's end, the work is dropped.
-void enqueueBackgroundTask(const std::shared_ptr<UnifiedFactory>& factory, const std::string& name,
+void enqueueBackgroundTask(const std::shared_ptr<UnifiedFactory>& factory, std::string name,
                            std::function<void()> work);
 
 } // namespace ZelUnified
