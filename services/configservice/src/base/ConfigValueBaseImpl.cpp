@@ -103,10 +103,10 @@ void ConfigValueBaseImpl::fireisDefined() {
 
 std::wstring ConfigValueBaseImpl::getValueStoreName() {
     EnsureUpdateAccess(true);
-    return ValueStoreName;
+    return ValueStoreName.get();
 }
 
-void ConfigValueBaseImpl::setValueStoreName(std::wstring text) {
+void ConfigValueBaseImpl::setValueStoreName(SharedText text) {
     EnsureUpdateAccess(true);
     ValueStoreName = std::move(text);
 }
@@ -118,10 +118,10 @@ void ConfigValueBaseImpl::fireValueStoreName() {
 
 std::wstring ConfigValueBaseImpl::getOriginalValueStoreName() {
     EnsureUpdateAccess(true);
-    return OriginalValueStoreName;
+    return OriginalValueStoreName.get();
 }
 
-void ConfigValueBaseImpl::setOriginalValueStoreName(std::wstring text) {
+void ConfigValueBaseImpl::setOriginalValueStoreName(SharedText text) {
     EnsureUpdateAccess(true);
     OriginalValueStoreName = std::move(text);
 }

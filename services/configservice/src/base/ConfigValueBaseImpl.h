@@ -1,5 +1,7 @@
 #pragma once
 
+#include "SharedText.h"
+
 #include <unified/UnifiedBusinessObjectImpl.h>
 
 #include <ConfigValue.h>
@@ -35,8 +37,8 @@ public:
     virtual void setOriginalValue(std::wstring text);
     virtual void setisOverridden(bool flag);
     virtual void setisDefined(bool flag);
-    virtual void setValueStoreName(std::wstring text);
-    virtual void setOriginalValueStoreName(std::wstring text);
+    virtual void setValueStoreName(SharedText text);
+    virtual void setOriginalValueStoreName(SharedText text);
 
     void fireKey();
     void fireValue();
@@ -57,8 +59,8 @@ protected:
     std::wstring OriginalValue;
     bool isOverridden = false;
     bool isDefined = false;
-    std::wstring ValueStoreName;
-    std::wstring OriginalValueStoreName;
+    SharedText ValueStoreName;
+    SharedText OriginalValueStoreName;
 };
 
 #if defined(__clang__)

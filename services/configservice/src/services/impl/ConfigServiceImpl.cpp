@@ -1,7 +1,6 @@
 #include "ConfigServiceImpl.h"
 
 #include "CalendarIntegrationTypeCheck.h"
-#include "secure/SecureString.h"
 
 #include <kyr/StringUtils.h>
 #include <unified/UnifiedFactory.h>
@@ -40,6 +39,7 @@ ConfigServiceImpl::ConfigServiceImpl(const std::shared_ptr<UnifiedFactory>& fact
 void ConfigServiceImpl::initialize(const std::shared_ptr<UnifiedFactory>&) {
     configValuesIndex.clear();
     configValues.clear();
+    newConfigValues.clear();
 }
 
 std::shared_ptr<ConfigFeatureSet> ConfigServiceImpl::getFeatureSet() const {
@@ -73,6 +73,7 @@ void ConfigServiceImpl::setMdmConfig(std::string data) {
 }
 
 std::shared_ptr<std::list<std::shared_ptr<ConfigValue>>> ConfigServiceImpl::getAllConfig() {
+    orderNewRecords();
     auto all = std::make_shared<std::list<std::shared_ptr<ConfigValue>>>();
     for (const auto& [key, record] : configValues) {
         applyCachedValueFipsRule(*record);
@@ -148,7 +149,9 @@ void ConfigServiceImpl::reset() {
     EnsureUpdateAccess(true);
     // What dies with a record may call back into the service, so the map is emptied before the records go.
     ConfigValueMap released;
+    std::deque<std::shared_ptr<ConfigValueImpl>> releasedNew;
     released.swap(configValues);
+    releasedNew.swap(newConfigValues);
     configValuesIndex.clear();
 }
 
@@ -165,16 +168,18 @@ void ConfigServiceImpl::OnConfigChanged(std::wstring key, std::wstring value, st
     EnsureUpdateAccess(true);
     // Held here while observers are called: one of them may reset the service.
     const auto record = findConfig(key);
+    SharedText storeName = storeNames.share(std::move(valueStoreName));
+    SharedText originalStoreName = storeNames.share(std::move(originalValueStoreName));
     if (!record) {
-        createConfig(key, value, originalValue, isOverridden, valueStoreName, originalValueStoreName);
+        createConfig(key, std::move(value), std::move(originalValue), isOverridden, std::move(storeName),
+                     std::move(originalStoreName));
     } else if (deferFire) {
-        record->applyValues(value, originalValue, isOverridden, isDefined, valueStoreName, originalValueStoreName);
+        record->applyValues(std::move(value), std::move(originalValue), isOverridden, isDefined, std::move(storeName),
+                            std::move(originalStoreName));
     } else {
-        record->applyValuesAndFire(value, originalValue, isOverridden, isDefined, valueStoreName,
-                                   originalValueStoreName);
+        record->applyValuesAndFire(std::move(value), std::move(originalValue), isOverridden, isDefined,
+                                   std::move(storeName), std::move(originalStoreName));
     }
-    zel::SecureString::wipe(value);
-    zel::SecureString::wipe(originalValue);
 }
 
 void ConfigServiceImpl::FireIfRequired(std::wstring key) {
@@ -213,7 +218,7 @@ std::shared_ptr<ConfigValueImpl> ConfigServiceImpl::findConfig(const std::wstrin
     if (auto record = findConfigFromKey(folded)) {
         return record;
     }
-    return createConfig(alias != nullptr ? *alias : key);
+    return alias != nullptr ? createConfig(FoldedKey(*alias)) : createConfig(folded);
 }
 
 std::shared_ptr<ConfigValueImpl> ConfigServiceImpl::findConfigFromKey(const FoldedKey& key) {
@@ -222,35 +227,48 @@ std::shared_ptr<ConfigValueImpl> ConfigServiceImpl::findConfigFromKey(const Fold
         return record->shared_from_this();
     }
     if (key.names(calendarIntegrationType)) {
-        auto record = createConfig(key.getText());
+        auto record = createConfig(key);
         CalendarIntegrationTypeCheck::detectCalendarIntegrationType(logger, record);
         return record;
     }
     return nullptr;
 }
 
-std::shared_ptr<ConfigValueImpl> ConfigServiceImpl::createConfig(const std::wstring& key) {
-    auto record = std::make_shared<ConfigValueImpl>(unifiedFactory, key);
+std::shared_ptr<ConfigValueImpl> ConfigServiceImpl::createConfig(const FoldedKey& key) {
+    auto record = std::make_shared<ConfigValueImpl>(unifiedFactory, key.getText());
     keep(key, record);
     return record;
 }
 
-std::shared_ptr<ConfigValueImpl> ConfigServiceImpl::createConfig(const std::wstring& key, const std::wstring& value,
-                                                                 const std::wstring& originalValue, bool isOverridden,
-                                                                 const std::wstring& valueStoreName,
-                                                                 const std::wstring& originalValueStoreName) {
-    auto record = std::make_shared<ConfigValueImpl>(unifiedFactory, key, value, originalValue, isOverridden,
-                                                    valueStoreName, originalValueStoreName);
-    keep(key, record);
+std::shared_ptr<ConfigValueImpl> ConfigServiceImpl::createConfig(const std::wstring& key, std::wstring value,
+                                                                 std::wstring originalValue, bool isOverridden,
+                                                                 SharedText valueStoreName,
+                                                                 SharedText originalValueStoreName) {
+    auto record =
+        std::make_shared<ConfigValueImpl>(unifiedFactory, key, std::move(value), std::move(originalValue), isOverridden,
+                                          std::move(valueStoreName), std::move(originalValueStoreName));
+    keep(FoldedKey(key), record);
     return record;
 }
 
-void ConfigServiceImpl::keep(const std::wstring& key, const std::shared_ptr<ConfigValueImpl>& record) {
-    const FoldedKey folded(key);
+void ConfigServiceImpl::keep(const FoldedKey& key, const std::shared_ptr<ConfigValueImpl>& record) {
     configValuesIndex.reserveOne();
-    configValuesIndex.erase(folded); // while the former record lives
-    configValues.insert_or_assign(key, record);
-    configValuesIndex.insert(folded, *record);
+    if (configValuesIndex.find(key) == nullptr) {
+        newConfigValues.push_back(record);
+    } else {
+        orderNewRecords();
+        configValuesIndex.erase(key); // while the former record lives
+        configValues.insert_or_assign(key.getText(), record);
+    }
+    configValuesIndex.insert(key, *record);
+}
+
+void ConfigServiceImpl::orderNewRecords() {
+    for (auto& record : newConfigValues) {
+        const std::wstring& key = record->getIndexedKey();
+        configValues.emplace(key, std::move(record));
+    }
+    newConfigValues.clear();
 }
 
 std::wstring ConfigServiceImpl::describeAliasLookup(const std::wstring& key, const std::wstring& alias,
@@ -265,6 +283,7 @@ std::wstring ConfigServiceImpl::describeAliasLookup(const std::wstring& key, con
 
 void ConfigServiceImpl::logConfig() {
     EnsureUpdateAccess(true);
+    orderNewRecords();
     std::wstring report = L"\n*********************** Master Configuration Settings *********************\n"
                           L"\nOriginalValue is the value set by the administrator\n"
                           L"\nValue is the value retrieved by searching the config sources by priority\n"

@@ -9,6 +9,7 @@
 
 #include <ConfigMap.h>
 
+#include <deque>
 #include <list>
 #include <map>
 #include <memory>
@@ -75,18 +76,22 @@ private:
     std::shared_ptr<ConfigValueImpl> findConfig(const std::wstring& key);
     /// The record of exactly this key, empty when there is none.
     std::shared_ptr<ConfigValueImpl> findConfigFromKey(const FoldedKey& key);
-    std::shared_ptr<ConfigValueImpl> createConfig(const std::wstring& key);
-    std::shared_ptr<ConfigValueImpl> createConfig(const std::wstring& key, const std::wstring& value,
-                                                  const std::wstring& originalValue, bool isOverridden,
-                                                  const std::wstring& valueStoreName,
-                                                  const std::wstring& originalValueStoreName);
+    std::shared_ptr<ConfigValueImpl> createConfig(const FoldedKey& key);
+    std::shared_ptr<ConfigValueImpl> createConfig(const std::wstring& key, std::wstring value,
+                                                  std::wstring originalValue, bool isOverridden,
+                                                  SharedText valueStoreName, SharedText originalValueStoreName);
     /// Takes the place of a record of the same key.
-    void keep(const std::wstring& key, const std::shared_ptr<ConfigValueImpl>& record);
+    void keep(const FoldedKey& key, const std::shared_ptr<ConfigValueImpl>& record);
+    /// Before each walk over `configValues`.
+    void orderNewRecords();
     std::wstring describeAliasLookup(const std::wstring& key, const std::wstring& alias, ConfigValueImpl& record);
     void appendSettings(std::wstring& report, bool defined);
 
     ConfigValueMap configValues;
-    KeyIndex<ConfigValueImpl, KeyOfRecord> configValuesIndex; ///< Of the records in `configValues`.
+    /// Records that `configValues` doesn't hold yet: their order matters to lists alone, and a start makes thousands.
+    std::deque<std::shared_ptr<ConfigValueImpl>> newConfigValues;
+    KeyIndex<ConfigValueImpl, KeyOfRecord> configValuesIndex; ///< Of the records in both.
+    SharedTexts storeNames;                                   ///< What the records share.
     ConfigKeySet sensitiveKeys;
     ConfigTable keyAliases;
     std::shared_ptr<UnifiedFactory> unifiedFactory;

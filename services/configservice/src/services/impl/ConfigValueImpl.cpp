@@ -1,6 +1,7 @@
 #include "ConfigValueImpl.h"
 
 #include "secure/FipsValueOverride.h"
+#include "secure/SecureString.h"
 
 #include <kyr/StringUtils.h>
 #include <unified/UnifiedFactory.h>
@@ -16,7 +17,7 @@ ConfigValueImpl::ConfigValueImpl(const std::shared_ptr<UnifiedFactory>& factory,
 
 ConfigValueImpl::ConfigValueImpl(const std::shared_ptr<UnifiedFactory>& factory, std::wstring recordKey,
                                  std::wstring value, std::wstring originalValue, bool overridden,
-                                 std::wstring valueStoreName, std::wstring originalValueStoreName)
+                                 SharedText valueStoreName, SharedText originalValueStoreName)
     : ConfigValueImpl(factory, std::move(recordKey)) {
     Value = std::move(value);
     OriginalValue = std::move(originalValue);
@@ -53,16 +54,15 @@ bool ConfigValueImpl::differsFromOriginal() {
     return getValue() != getOriginalValue() || getValueStoreName() != getOriginalValueStoreName();
 }
 
-void ConfigValueImpl::applyValues(const std::wstring& value, const std::wstring& originalValue, bool overridden,
-                                  bool defined, const std::wstring& valueStoreName,
-                                  const std::wstring& originalValueStoreName) {
+void ConfigValueImpl::applyValues(std::wstring value, std::wstring originalValue, bool overridden, bool defined,
+                                  SharedText valueStoreName, SharedText originalValueStoreName) {
     EnsureUpdateAccess(true);
     if (!KyrCoreUtils::caseInsensitiveStringEquals(zel::withFipsOverride(Key, Value), value)) {
-        setValue(value);
+        setValue(std::move(value));
         isValueChanged = true;
     }
     if (!KyrCoreUtils::caseInsensitiveStringEquals(OriginalValue, originalValue)) {
-        setOriginalValue(originalValue);
+        setOriginalValue(std::move(originalValue));
         isOriginalValueChanged = true;
     }
     if (isOverridden != overridden) {
@@ -73,20 +73,23 @@ void ConfigValueImpl::applyValues(const std::wstring& value, const std::wstring&
         setisDefined(defined);
         isDefinedChanged = true;
     }
-    if (ValueStoreName != valueStoreName) {
-        setValueStoreName(valueStoreName);
+    if (ValueStoreName.get() != valueStoreName.get()) {
+        setValueStoreName(std::move(valueStoreName));
         isValueStoreNameChanged = true;
     }
-    if (OriginalValueStoreName != originalValueStoreName) {
-        setOriginalValueStoreName(originalValueStoreName);
+    if (OriginalValueStoreName.get() != originalValueStoreName.get()) {
+        setOriginalValueStoreName(std::move(originalValueStoreName));
         isOriginalValueStoreNameChanged = true;
     }
+    // What was not taken over.
+    zel::SecureString::wipe(value);
+    zel::SecureString::wipe(originalValue);
 }
 
-void ConfigValueImpl::applyValuesAndFire(const std::wstring& value, const std::wstring& originalValue, bool overridden,
-                                         bool defined, const std::wstring& valueStoreName,
-                                         const std::wstring& originalValueStoreName) {
-    applyValues(value, originalValue, overridden, defined, valueStoreName, originalValueStoreName);
+void ConfigValueImpl::applyValuesAndFire(std::wstring value, std::wstring originalValue, bool overridden, bool defined,
+                                         SharedText valueStoreName, SharedText originalValueStoreName) {
+    applyValues(std::move(value), std::move(originalValue), overridden, defined, std::move(valueStoreName),
+                std::move(originalValueStoreName));
     fireChanged();
 }
 

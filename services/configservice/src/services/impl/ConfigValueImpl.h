@@ -17,8 +17,8 @@ public:
     ConfigValueImpl(const std::shared_ptr<UnifiedFactory>& factory, std::wstring recordKey);
     /// A defined record with its values. No property counts as changed.
     ConfigValueImpl(const std::shared_ptr<UnifiedFactory>& factory, std::wstring recordKey, std::wstring value,
-                    std::wstring originalValue, bool overridden, std::wstring valueStoreName,
-                    std::wstring originalValueStoreName);
+                    std::wstring originalValue, bool overridden, SharedText valueStoreName,
+                    SharedText originalValueStoreName);
 
     /// The key, for the index in which the service finds the record; not guarded.
     const std::wstring& getIndexedKey() const noexcept { return Key; }
@@ -31,10 +31,10 @@ public:
     bool differsFromOriginal() override;
 
     /// Takes over every property that differs and marks it as changed. Values that differ in case only count as equal.
-    void applyValues(const std::wstring& value, const std::wstring& originalValue, bool overridden, bool defined,
-                     const std::wstring& valueStoreName, const std::wstring& originalValueStoreName);
-    void applyValuesAndFire(const std::wstring& value, const std::wstring& originalValue, bool overridden, bool defined,
-                            const std::wstring& valueStoreName, const std::wstring& originalValueStoreName);
+    void applyValues(std::wstring value, std::wstring originalValue, bool overridden, bool defined,
+                     SharedText valueStoreName, SharedText originalValueStoreName);
+    void applyValuesAndFire(std::wstring value, std::wstring originalValue, bool overridden, bool defined,
+                            SharedText valueStoreName, SharedText originalValueStoreName);
     /// Fires every property marked as changed. A mark is cleared after its firing: when an observer throws, the
     /// property and those behind it stay marked for the next attempt.
     void fireChanged();
