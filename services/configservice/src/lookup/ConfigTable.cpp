@@ -15,7 +15,10 @@ void ConfigTable::store(const std::wstring& key, const std::wstring& value) {
         return;
     }
     index.reserveOne();
-    index.insert(folded, *map.emplace(key, value).first);
+    reserveFilter(map.size() + 1);
+    auto& entry = *map.emplace(key, value).first;
+    filter.add(folded);
+    index.insert(folded, entry);
 }
 
 bool ConfigTable::remove(const std::wstring& key) {
@@ -34,11 +37,20 @@ void ConfigTable::clear() {
 }
 
 void ConfigTable::replace(ConfigMap values) {
+    reserveFilter(values.size()); // while the index still knows what is held
     clear();
     map = std::move(values);
     index.reserve(map.size());
     for (auto& entry : map) {
-        index.insert(FoldedKey(entry.first), entry);
+        const FoldedKey key(entry.first);
+        filter.add(key);
+        index.insert(key, entry);
+    }
+}
+
+void ConfigTable::reserveFilter(std::size_t keys) {
+    if (filter.isTooSmallFor(keys)) {
+        filter.grow(keys, [this](auto add) { index.forEachHash(add); });
     }
 }
 

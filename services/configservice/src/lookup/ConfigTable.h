@@ -1,6 +1,7 @@
 #pragma once
 
 #include "FoldedKey.h"
+#include "KeyFilter.h"
 #include "KeyIndex.h"
 
 #include <ConfigMap.h>
@@ -12,7 +13,7 @@
 namespace ZelUnified {
 
 /// The keys and values of a store: an ordered map, and an index that finds a key in it without comparing keys on the
-/// way. Has no lock; the store guards it.
+/// way. Has no lock; the store guards it, but for mayHold().
 class ConfigTable {
 public:
     ConfigTable() = default;
@@ -20,6 +21,9 @@ public:
     explicit ConfigTable(ConfigMap values);
     ConfigTable(const ConfigTable&) = delete;
     ConfigTable& operator=(const ConfigTable&) = delete;
+
+    /// False when the key is not held, which any thread may ask without the store's lock.
+    bool mayHold(const FoldedKey& key) const noexcept { return filter.mayHold(key); }
 
     /// Null when the key is not held.
     const std::wstring* find(const FoldedKey& key) const noexcept {
@@ -39,8 +43,11 @@ public:
     std::vector<std::wstring> getKeys() const;
 
 private:
+    void reserveFilter(std::size_t keys);
+
     ConfigMap map;
     KeyIndex<ConfigMap::value_type> index; ///< Of the entries of `map`, which stay in place while they live.
+    KeyFilter filter;
 };
 
 } // namespace ZelUnified

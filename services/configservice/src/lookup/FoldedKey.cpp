@@ -2,6 +2,7 @@
 
 #include <kyr/StringUtils.h>
 
+#include <algorithm>
 #include <cwchar>
 
 namespace ZelUnified {
@@ -37,7 +38,7 @@ std::uint32_t hashOf(std::wstring_view text) noexcept {
         hash = (hash ^ unit(at)) * odd;
     }
     hash ^= hash >> 32;
-    return static_cast<std::uint32_t>((hash * odd) >> 32);
+    return std::max(static_cast<std::uint32_t>((hash * odd) >> 32), std::uint32_t{1});
 }
 
 } // namespace

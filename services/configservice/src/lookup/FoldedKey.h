@@ -18,6 +18,7 @@ public:
 
     /// The key as it was given.
     const std::wstring& getText() const noexcept { return text; }
+    /// Never 0.
     std::uint32_t getHash() const noexcept { return hash; }
 
     /// Whether the keys are one key, ignoring case.

@@ -2,6 +2,7 @@
 
 #include "FoldedKey.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -35,16 +36,12 @@ public:
     }
 
     /// Makes room for one more entry. What can fail stands here, so that container and index stay of one mind.
-    void reserveOne() {
-        if ((count + 1) * 4 > slots.size() * 3) {
-            resize(slots.size() < smallest ? smallest : slots.size() + slots.size() / 2);
-        }
-    }
+    void reserveOne() { reserve(count + 1); }
 
     /// Makes room for so many entries in all.
     void reserve(std::size_t entries) {
         if (entries * 4 > slots.size() * 3) {
-            resize(entries + entries / 3 + 1);
+            resize(std::max({smallest, entries + entries / 3 + 1, slots.size() + slots.size() / 2}));
         }
     }
 
@@ -78,6 +75,16 @@ public:
         count = 0;
     }
 
+    /// The hashes of all keys, in no order.
+    template <class Use>
+    void forEachHash(Use use) const {
+        for (const auto& slot : slots) {
+            if (!slot.isFree()) {
+                use(slot.mark);
+            }
+        }
+    }
+
 private:
     static constexpr std::size_t smallest = 8;
 
@@ -99,7 +106,7 @@ private:
         alignas(std::uint32_t) std::array<std::byte, sizeof(void*)> pointer{};
     };
 
-    static std::uint32_t markOf(const FoldedKey& key) noexcept { return key.getHash() == 0 ? 1 : key.getHash(); }
+    static std::uint32_t markOf(const FoldedKey& key) noexcept { return key.getHash(); }
 
     /// Keeps the order of the hashes, so that any number of places will do, and the table grows by half only.
     std::size_t homeOf(std::uint32_t mark) const noexcept {

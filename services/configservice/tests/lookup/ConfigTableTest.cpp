@@ -1,5 +1,7 @@
 #include "lookup/ConfigTable.h"
 
+#include <kyr/StringUtils.h>
+
 #include <gtest/gtest.h>
 
 #include <string>
@@ -52,6 +54,20 @@ TEST(ConfigTable, HoldsOnlyTheNewValuesOnceReplaced) {
     table.clear();
     EXPECT_EQ(find(table, L"New"), nullptr);
     EXPECT_TRUE(table.getMap().empty());
+}
+
+TEST(ConfigTable, NeverDeniesAKeyThatItHolds) {
+    ConfigTable table;
+    for (int i = 0; i < 1000; ++i) {
+        const std::wstring key = L"Key" + std::to_wstring(i);
+        table.store(key, L"");
+        ASSERT_TRUE(table.mayHold(FoldedKey(key))) << i;
+    }
+    table.replace(ConfigMap{{L"New", L""}});
+    table.store(L"Newer", L"");
+    for (const std::wstring key : {L"NEW", L"newer"}) {
+        EXPECT_TRUE(table.mayHold(FoldedKey(key))) << KyrCoreUtils::toString(key);
+    }
 }
 
 } // namespace

@@ -23,6 +23,10 @@ bool InMemoryConfigStore::getValue(const std::wstring& key, std::wstring& value)
 }
 
 bool InMemoryConfigStore::lookUp(const FoldedKey& key, std::wstring& value) {
+    if (!values->mayHold(key)) {
+        value.clear();
+        return false;
+    }
     const zel::Mutex::ScopedLock lock(valuesMutex);
     const auto* found = values->find(key);
     if (found == nullptr) {

@@ -103,6 +103,10 @@ bool LocalFileConfigStore::getValue(const std::wstring& key, std::wstring& value
 }
 
 bool LocalFileConfigStore::lookUp(const FoldedKey& key, std::wstring& value) {
+    if (!values->mayHold(key)) {
+        value.clear();
+        return false;
+    }
     const zel::Mutex::ScopedLock lock(valuesMutex);
     const auto* found = values->find(key);
     if (found == nullptr) {

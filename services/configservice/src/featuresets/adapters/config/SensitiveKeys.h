@@ -1,6 +1,7 @@
 #pragma once
 
 #include "lookup/FoldedKey.h"
+#include "lookup/KeyFilter.h"
 #include "lookup/KeyIndex.h"
 #include "secure/RankedMutex.h"
 
@@ -17,12 +18,20 @@ public:
     void add(const std::wstring& key) {
         const std::lock_guard lock(sensitiveKeysLock);
         index.reserveOne();
+        if (filter.isTooSmallFor(sensitiveKeys.size() + 1)) {
+            filter.grow(sensitiveKeys.size() + 1, [this](auto addHash) { index.forEachHash(addHash); });
+        }
         if (const auto [added, isNew] = sensitiveKeys.insert(key); isNew) {
-            index.insert(FoldedKey(*added), *added);
+            const FoldedKey folded(*added);
+            filter.add(folded);
+            index.insert(folded, *added);
         }
     }
 
     bool contains(const FoldedKey& key) const {
+        if (!filter.mayHold(key)) {
+            return false;
+        }
         const std::lock_guard lock(sensitiveKeysLock);
         return index.find(key) != nullptr;
     }
@@ -32,6 +41,7 @@ private:
     mutable zel::RankedMutex<std::recursive_mutex, zel::LockRank::Innermost> sensitiveKeysLock;
     ConfigKeySet sensitiveKeys;
     KeyIndex<const std::wstring> index; ///< Of the entries of `sensitiveKeys`.
+    KeyFilter filter;                   ///< Each lookup of any key asks.
 };
 
 } // namespace ZelUnified

@@ -45,6 +45,10 @@ bool XmlConfigStore::getValue(const std::wstring& key, std::wstring& value) {
 }
 
 bool XmlConfigStore::lookUp(const FoldedKey& key, std::wstring& value) {
+    if (!values->mayHold(key)) {
+        value.clear();
+        return false;
+    }
     const zel::Mutex::ScopedLock lock(valuesLock);
     const auto* found = values->find(key);
     if (found == nullptr || isWithheld(key.getText())) {

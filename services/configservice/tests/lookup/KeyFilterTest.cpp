@@ -1,0 +1,106 @@
+#include "lookup/KeyFilter.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace ZelUnified {
+namespace {
+
+std::wstring keyOf(int number) {
+    return L"Key" + std::to_wstring(number);
+}
+
+void add(KeyFilter& filter, const std::wstring& key) {
+    filter.add(FoldedKey(key));
+}
+
+bool mayHold(const KeyFilter& filter, const std::wstring& key) {
+    return filter.mayHold(FoldedKey(key));
+}
+
+std::uint32_t hashOf(const std::wstring& key) {
+    return FoldedKey(key).getHash();
+}
+
+void addKeys(KeyFilter& filter, int from, int to) {
+    for (int i = from; i < to; ++i) {
+        add(filter, keyOf(i));
+    }
+}
+
+int countHeld(const KeyFilter& filter, int from, int to) {
+    int held = 0;
+    for (int i = from; i < to; ++i) {
+        held += mayHold(filter, keyOf(i)) ? 1 : 0;
+    }
+    return held;
+}
+
+TEST(KeyFilter, HoldsNothingAtFirst) {
+    const KeyFilter filter;
+    EXPECT_FALSE(mayHold(filter, keyOf(1)));
+    EXPECT_TRUE(filter.isTooSmallFor(0));
+}
+
+TEST(KeyFilter, NeverDeniesAKeyThatWasAddedInAnyCase) {
+    KeyFilter filter;
+    filter.grow(1000, [](auto) {});
+    addKeys(filter, 0, 1000);
+    EXPECT_EQ(countHeld(filter, 0, 1000), 1000);
+    EXPECT_TRUE(mayHold(filter, L"KEY7"));
+}
+
+TEST(KeyFilter, DeniesMostOtherKeys) {
+    KeyFilter filter;
+    filter.grow(1000, [](auto) {});
+    addKeys(filter, 0, 1000);
+    EXPECT_LT(countHeld(filter, 1000, 11'000), 1000);
+}
+
+TEST(KeyFilter, IsFullAtTwiceTheKeysThatItWasMadeFor) {
+    KeyFilter filter;
+    filter.grow(1000, [](auto) {});
+    EXPECT_FALSE(filter.isTooSmallFor(2000));
+    EXPECT_TRUE(filter.isTooSmallFor(2001));
+}
+
+TEST(KeyFilter, KeepsWhatItIsGivenWhenItGrows) {
+    KeyFilter filter;
+    filter.grow(1, [](auto) {});
+    filter.grow(1000, [](auto add) { add(hashOf(keyOf(1))); });
+    EXPECT_TRUE(mayHold(filter, keyOf(1)));
+    EXPECT_FALSE(mayHold(filter, keyOf(2)));
+}
+
+TEST(KeyFilter, AnswersYesForAHeldKeyWhileAnotherThreadAddsAndGrows) {
+    KeyFilter filter;
+    filter.grow(1, [](auto) {});
+    add(filter, keyOf(0));
+    std::atomic<bool> done = false;
+    std::thread owner([&] {
+        for (int count = 2; count < 2000; ++count) {
+            if (filter.isTooSmallFor(static_cast<std::size_t>(count))) {
+                filter.grow(static_cast<std::size_t>(count), [count](auto add) {
+                    for (int i = 0; i < count - 1; ++i) {
+                        add(hashOf(keyOf(i)));
+                    }
+                });
+            }
+            add(filter, keyOf(count - 1));
+        }
+        done = true;
+    });
+    const std::wstring held = keyOf(0);
+    do {
+        EXPECT_TRUE(mayHold(filter, held));
+    } while (!done);
+    owner.join();
+    EXPECT_EQ(countHeld(filter, 0, 1999), 1999);
+}
+
+} // namespace
+} // namespace ZelUnified
