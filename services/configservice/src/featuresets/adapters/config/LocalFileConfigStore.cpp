@@ -39,6 +39,25 @@ std::string toBackupName(std::string file) {
     return file.insert(file.find('.'), "_backup");
 }
 
+/// Makes one table the other, exactly, and touches only what differs: a persist follows few changes.
+void bringUpToDate(ConfigMap& kept, const ConfigMap& current) {
+    auto next = kept.begin();
+    for (const auto& entry : current) {
+        while (next != kept.end() && next->first != entry.first && !kept.key_comp()(entry.first, next->first)) {
+            next = kept.erase(next);
+        }
+        if (next == kept.end() || next->first != entry.first) {
+            kept.emplace_hint(next, entry);
+            continue;
+        }
+        if (next->second != entry.second) {
+            next->second = entry.second;
+        }
+        ++next;
+    }
+    kept.erase(next, kept.end());
+}
+
 std::string readWhole(const std::string& path) {
     std::fstream stream;
     if (!KyrCoreUtils::FstreamUtils::open(stream, path, KyrCoreUtils::StreamMode::Read)) {
@@ -268,7 +287,7 @@ void LocalFileConfigStore::persistValuesImpl(const std::string& target) {
         const zel::Mutex::ScopedLock lock(valuesMutex);
         getDataString(content);
         if (target == fileName) {
-            lastPersistedValues = values->getMap();
+            bringUpToDate(lastPersistedValues, values->getMap());
         }
     }
     // The facility refuses empty content, which is what protects the file of a store that must not write.

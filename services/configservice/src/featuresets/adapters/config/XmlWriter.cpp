@@ -1,6 +1,5 @@
 #include "XmlWriter.h"
 
-#include "XmlGuard.h"
 #include "secure/SecureString.h"
 
 #include <openssl/crypto.h>
@@ -17,10 +16,19 @@ const xmlChar* toXml(const std::string& text) {
     return reinterpret_cast<const xmlChar*>(text.c_str());
 }
 
+/// What most characters are told apart from illegal ones by.
+constexpr bool mayBeginIllegal(char character) {
+    const auto byte = static_cast<unsigned char>(character);
+    return byte < 0x20 || byte == 0xEF;
+}
+
 /// The length of an illegal character at `position` of valid UTF-8, or 0.
 std::size_t illegalLength(const std::string& text, std::size_t position) {
-    const auto byte = static_cast<unsigned char>(text[position]);
-    if (byte < 0x20 && byte != '\t' && byte != '\n' && byte != '\r') {
+    const char first = text[position];
+    if (!mayBeginIllegal(first) || first == '\t' || first == '\n' || first == '\r') {
+        return 0;
+    }
+    if (static_cast<unsigned char>(first) < 0x20) {
         return 1;
     }
     const bool isNonCharacter =
@@ -28,7 +36,7 @@ std::size_t illegalLength(const std::string& text, std::size_t position) {
     return isNonCharacter ? 3 : 0;
 }
 
-std::string_view escapeInElement(char character) {
+constexpr std::string_view escapeInElement(char character) {
     switch (character) {
     case '<':
         return "&lt;";
@@ -45,7 +53,7 @@ std::string_view escapeInElement(char character) {
     }
 }
 
-std::string_view escapeInAttribute(char character) {
+constexpr std::string_view escapeInAttribute(char character) {
     switch (character) {
     case '\n':
         return "&#10;";
@@ -55,6 +63,11 @@ std::string_view escapeInAttribute(char character) {
         return escapeInElement(character);
     }
 }
+
+/// In bytes. A piece and the markup around it stay far below what makes the library's own buffer grow, which would
+/// leave the smaller one as it was.
+constexpr std::size_t longestPiece = 512;
+constexpr std::size_t roomOfBuffer = 2048;
 
 /// Grows without leaving what was written in the memory given back.
 void makeRoom(std::string& document, std::size_t count) {
@@ -80,7 +93,6 @@ int append(void* document, const char* bytes, int count) {
 } // namespace
 
 XmlWriter::XmlWriter(Declaration declaration) {
-    const XmlGuard guard;
     output = xmlOutputBufferCreateIO(&append, nullptr, &document, nullptr);
     writer.reset(output == nullptr ? nullptr : xmlNewTextWriter(output));
     if (!writer) {
@@ -114,53 +126,60 @@ void XmlWriter::writeElement(const std::string& name, const std::string& text) {
     if (name.empty()) {
         return;
     }
-    const XmlGuard guard;
     startElement(name);
-    writeEscaped(text, &escapeInElement);
+    writeEscaped<escapeInElement>(text);
     endElement();
 }
 
 void XmlWriter::writeAttribute(const std::string& name, const std::string& text) {
-    const XmlGuard guard;
     note(xmlTextWriterStartAttribute(writer.get(), toXml(name)));
-    writeEscaped(text, &escapeInAttribute);
+    writeEscaped<escapeInAttribute>(text);
     note(xmlTextWriterEndAttribute(writer.get()));
 }
 
 std::string XmlWriter::finish() {
-    const XmlGuard guard;
+    flush(); // the library flushes when it ends a document
     note(xmlTextWriterEndDocument(writer.get()));
-    note(xmlTextWriterFlush(writer.get()));
     return failed ? std::string() : std::move(document);
 }
 
 /// Escaped here, since the library would leave its escaped copy in memory that it frees.
-void XmlWriter::writeEscaped(std::string_view text, Escape escape) {
+template <XmlWriter::Escape escape>
+void XmlWriter::writeEscaped(std::string_view text) {
     constexpr std::size_t longestEscape = 6;
-    std::array<char, 512> piece{};
+    std::array<char, longestPiece> piece;
     std::size_t length = 0;
-    for (const char& character : text) {
-        std::string_view shown = escape(character);
-        if (shown.empty()) {
-            shown = {&character, 1};
+    for (const char character : text) {
+        if (const std::string_view escaped = escape(character); !escaped.empty()) {
+            length += escaped.copy(piece.data() + length, escaped.size());
+        } else {
+            piece[length++] = character;
         }
-        length += shown.copy(piece.data() + length, shown.size());
         if (length + longestEscape > piece.size()) {
             writePiece({piece.data(), length});
             length = 0;
         }
     }
     writePiece({piece.data(), length});
-    OPENSSL_cleanse(piece.data(), piece.size());
+    OPENSSL_cleanse(piece.data(), std::min(text.size() * longestEscape, piece.size()));
 }
 
-/// Small enough never to make the library's own buffer grow, which would leave the smaller one as it was.
 void XmlWriter::writePiece(std::string_view piece) {
     if (failed) {
         return;
     }
     note(xmlTextWriterWriteRawLen(writer.get(), reinterpret_cast<const xmlChar*>(piece.data()),
                                   static_cast<int>(piece.size())));
+    if (xmlBufUse(output->buffer) > roomOfBuffer) {
+        flush();
+    }
+}
+
+/// Moves what the library has gathered into the document, and leaves none of it behind.
+void XmlWriter::flush() {
+    if (!isReady()) {
+        return;
+    }
     xmlChar* const buffered = xmlBufContent(output->buffer);
     const std::size_t length = xmlBufUse(output->buffer);
     note(xmlTextWriterFlush(writer.get()));
@@ -171,7 +190,7 @@ void XmlWriter::writePiece(std::string_view piece) {
 
 bool XmlWriter::replaceIllegalCharacters(std::string& utf8) {
     std::size_t position = 0;
-    while (position < utf8.size() && illegalLength(utf8, position) == 0) {
+    while (position < utf8.size() && (!mayBeginIllegal(utf8[position]) || illegalLength(utf8, position) == 0)) {
         ++position;
     }
     if (position == utf8.size()) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "XmlGuard.h"
+
 #include <libxml/xmlwriter.h>
 
 #include <memory>
@@ -46,9 +48,12 @@ private:
 
     /// Remembers the failure that the library's answer tells of.
     void note(int written) { failed = failed || written < 0; }
-    void writeEscaped(std::string_view text, Escape escape);
+    template <Escape escape>
+    void writeEscaped(std::string_view text);
     void writePiece(std::string_view piece);
+    void flush();
 
+    const XmlGuard guard; ///< A setting of the thread: the writer stays on it.
     bool failed = false;
     // The writer goes before what it writes into.
     std::string document;
