@@ -6,6 +6,7 @@
 
 #include <gmock/gmock.h>
 
+#include <chrono>
 #include <thread>
 
 namespace {
@@ -51,6 +52,15 @@ TEST_F(FileRegistryTest, TheUsersFilesLieOverTheAdministrators) {
     writeUser("a.reg", "[HKCU\\K]\r\n\"A\"=\"user\"\r\n\"c\"=\"user\"\r\n");
     EXPECT_THAT(Key(*registry, HKEY_CURRENT_USER, L"K").getValues(),
                 ElementsAre(makeTextValue(L"a", L"user"), makeTextValue(L"b", L"admin"), makeTextValue(L"c", L"user")));
+}
+
+TEST_F(FileRegistryTest, AFileWithAnEarlierTimeThanTheOneThatWasReadIsReadAnew) {
+    writeAdministrator("a.reg", "[HKCU\\K]\r\n\"a\"=\"first one\"\r\n");
+    EXPECT_EQ(textOf(*registry, L"K", L"a"), L"first one");
+    writeAdministrator("a.reg", "[HKCU\\K]\r\n\"a\"=\"other one\"\r\n");
+    const auto file = administrator / "HKEY_CURRENT_USER" / "a.reg";
+    std::filesystem::last_write_time(file, std::filesystem::last_write_time(file) - std::chrono::hours(24));
+    EXPECT_EQ(textOf(*registry, L"K", L"a"), L"other one");
 }
 
 TEST_F(FileRegistryTest, WithinALayerTheLaterNameWins) {

@@ -1,9 +1,11 @@
 #include <zel/BackgroundTimer.h>
 
+#include <JumpingClock.h>
 #include <LogRecorder.h>
 #include <ManualClock.h>
 #include <Signal.h>
 
+#include <chrono>
 #include <functional>
 #include <limits>
 #include <memory>
@@ -13,6 +15,7 @@
 
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing_host::JumpingClock;
 using testing_host::LogRecorder;
 using testing_host::ManualClock;
 using testing_host::Signal;
@@ -231,6 +234,31 @@ TEST(BackgroundTimer, AStopWaitsForTheRunningCallback) {
     go.set();
     stopper.join();
     EXPECT_TRUE(finished);
+}
+
+TEST(BackgroundTimer, FiresInItsTimeWhenTheClockIsSetBack) {
+    JumpingClock clock;
+    BackgroundTimer timer;
+    Signal fired;
+    const auto awaited = callback([&] { fired.set(); });
+    timer.start(awaited, 1);
+    clock.jump(-std::chrono::hours(24));
+    EXPECT_TRUE(fired.wait());
+}
+
+TEST(BackgroundTimer, DoesNotFireEarlyWhenTheClockIsSetForward) {
+    JumpingClock clock;
+    BackgroundTimer late;
+    BackgroundTimer soon;
+    Signal firedLate;
+    Signal firedSoon;
+    const auto lateOne = callback([&] { firedLate.set(); });
+    const auto awaited = callback([&] { firedSoon.set(); });
+    late.start(lateOne, 1000);
+    clock.jump(std::chrono::hours(24));
+    soon.start(awaited, 1);
+    EXPECT_TRUE(firedSoon.wait());
+    EXPECT_FALSE(firedLate.isSet());
 }
 
 TEST(BackgroundTimer, AStopFromItsOwnCallbackReturns) {

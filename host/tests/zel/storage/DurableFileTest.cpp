@@ -185,6 +185,15 @@ TEST_F(DurableFileTest, RemovesWhatKilledWritersLeftLongAgo) {
                             ".settings.dat.notes.tmp", "settings.dat"));
 }
 
+TEST_F(DurableFileTest, WithTheClockSetBackWhatSeemsToBeOfTheFutureStays) {
+    const std::string name = ".settings.dat.0123456789abcdef.tmp";
+    writeFile(profile.config() / name, "being written");
+    fs::last_write_time(profile.config() / name, fs::file_time_type::clock::now() + std::chrono::hours(24));
+    FaultInjectingFileLayer layer;
+    EXPECT_EQ(DurableFile::replace(layer, path, newContent), 0);
+    EXPECT_THAT(namesIn(profile.config()), ElementsAre(name, "settings.dat"));
+}
+
 TEST_F(DurableFileTest, ALinkIsReplacedAndItsTargetStays) {
     writeFile(profile.data() / "target", oldContent);
     fs::create_symlink(profile.data() / "target", path);

@@ -1,3 +1,4 @@
+#include "CrashRounds.h"
 #include "FileDamage.h"
 #include "KilledProcess.h"
 #include "NumberWriter.h"
@@ -7,7 +8,6 @@
 
 #include <chrono>
 #include <cstdint>
-#include <cstdlib>
 #include <random>
 #include <string>
 #include <vector>
@@ -20,15 +20,7 @@ namespace {
 
 enum class Disturbance { None, DamagedMain, DamagedBackup, FullDisk };
 
-constexpr unsigned long disturbances = 4;
-
-unsigned long fromEnvironment(const char* name, unsigned long otherwise) {
-    const char* text = std::getenv(name);
-    return text != nullptr ? std::strtoul(text, nullptr, 10) : otherwise;
-}
-
-/// One profile through many processes, each of which is killed. LUMORA_CRASH_ROUNDS is the number of kills of all
-/// disturbances together; LUMORA_CRASH_SEED repeats a run, as far as the scheduler does.
+/// One profile through many processes, each of which is killed.
 class CrashTest : public testing::TestWithParam<Disturbance> {
 protected:
     /// Begins with both files on the disk.
@@ -84,6 +76,10 @@ protected:
             case Report::Kind::Lost:
                 ADD_FAILURE() << "a write went astray; the file holds " << report.number;
                 break;
+            case Report::Kind::LoadedFile:
+            case Report::Kind::File:
+                ADD_FAILURE() << "not one of this process's reports";
+                break;
             }
         }
     }
@@ -96,7 +92,7 @@ protected:
     }
 
     testing_host::TemporaryProfile profile;
-    const unsigned long seed = fromEnvironment("LUMORA_CRASH_SEED", std::random_device()());
+    const unsigned long seed = crash_test::chooseSeed();
     std::mt19937 random{static_cast<std::uint32_t>(seed)};
     /// The last numbers reported; 0 for a file that is damaged.
     std::uint32_t mainHolds = 0;
@@ -107,7 +103,7 @@ protected:
 
 TEST_P(CrashTest, TheNextProcessBeginsWithWhatWasOnTheDisk) {
     SCOPED_TRACE("LUMORA_CRASH_SEED=" + std::to_string(seed));
-    const unsigned long rounds = fromEnvironment("LUMORA_CRASH_ROUNDS", 500) / disturbances;
+    const unsigned long rounds = crash_test::countRounds();
     for (unsigned long round = 0; round < rounds && !HasFailure(); ++round) {
         SCOPED_TRACE("round " + std::to_string(round));
         playRound();

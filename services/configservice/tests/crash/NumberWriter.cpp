@@ -116,7 +116,7 @@ private:
     }
 
     void report(Report::Kind kind, std::uint32_t held) const {
-        const Report told{kind, held};
+        const Report told{kind, held, 0};
         if (::write(pipeEnd, &told, sizeof(told)) != static_cast<ssize_t>(sizeof(told))) {
             _exit(EXIT_FAILURE);
         }

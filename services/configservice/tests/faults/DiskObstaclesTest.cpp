@@ -38,23 +38,6 @@ void put(Thing thing, const fs::path& path) {
     }
 }
 
-void changeAll(FaultySession& session, const std::wstring& value) {
-    session.adapter->setConfig(L"k", value);
-    session.download(value);
-    EXPECT_TRUE(session.provision(value));
-    session.persistAndBackUp();
-    EXPECT_EQ(session.valueOf(L"k"), value);
-    EXPECT_EQ(session.valueOf(L"d"), value);
-    EXPECT_EQ(session.valueOf(L"ServicesDomain"), value);
-}
-
-void expectAtTheNextStart(FaultySession& session, const std::wstring& value) {
-    session.restart();
-    EXPECT_EQ(session.valueOf(L"k"), value);
-    EXPECT_EQ(session.valueOf(L"d"), value);
-    EXPECT_EQ(session.valueOf(L"ServicesDomain"), value);
-}
-
 /// From now on nothing of the disk can be changed, and all of it can be read.
 void makeReadOnly(FaultInjectingFileLayer& layer) {
     using Operation = FaultInjectingFileLayer::Operation;

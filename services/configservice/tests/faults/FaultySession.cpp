@@ -66,4 +66,21 @@ std::string FaultySession::clearTextOf(const std::filesystem::path& path,
     return text;
 }
 
+void changeAll(FaultySession& session, const std::wstring& value) {
+    session.adapter->setConfig(L"k", value);
+    session.download(value);
+    EXPECT_TRUE(session.provision(value));
+    session.persistAndBackUp();
+    EXPECT_EQ(session.valueOf(L"k"), value);
+    EXPECT_EQ(session.valueOf(L"d"), value);
+    EXPECT_EQ(session.valueOf(L"ServicesDomain"), value);
+}
+
+void expectAtTheNextStart(FaultySession& session, const std::wstring& value) {
+    session.restart();
+    EXPECT_EQ(session.valueOf(L"k"), value);
+    EXPECT_EQ(session.valueOf(L"d"), value);
+    EXPECT_EQ(session.valueOf(L"ServicesDomain"), value);
+}
+
 } // namespace ZelUnified

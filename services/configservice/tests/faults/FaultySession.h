@@ -64,6 +64,10 @@ private:
     testing_host::LogRecorder debugLog{testing_host::LogRecorder::Debug::On};
 };
 
+/// Gives all that the session keeps on the disk this value, and lets it be written.
+void changeAll(FaultySession& session, const std::wstring& value);
+void expectAtTheNextStart(FaultySession& session, const std::wstring& value);
+
 constexpr const char* mainFile = "lumoraLocalConfig.dat";
 constexpr const char* backupFile = "lumoraLocalConfig_backup.dat";
 constexpr const char* downloadedStore = "Downloaded";

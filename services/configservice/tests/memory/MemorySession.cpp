@@ -1,10 +1,14 @@
 // A process that works with the files of a profile and then stands still, so that its memory can be looked at. It is
-// told where they are, never what is in them: memory_session CONFIG DATA STATE SCENARIO.
+// told where they are, never what is in them: memory_session CONFIG DATA STATE SCENARIO. In the scenario "operations"
+// it is given the secret by a line of input instead, and announces each operation on standard output.
+#include "featuresets/adapters/config/FakeConfigStore.h"
 #include "services/impl/ConfigFileCacheTimer.h"
 #include "services/impl/ConfigFileCacheTimerCallBack.h"
 #include "services/impl/InjectConfigService.h"
 
 #include <kyr/FileUtils.h>
+#include <kyr/StringUtils.h>
+#include <unified/ProviderResetDataCallback.h>
 #include <zel/LogSink.h>
 
 #include <CacheConfigStore.h>
@@ -12,14 +16,19 @@
 #include <ConfigService.h>
 #include <ConfigServiceIds.h>
 #include <LocalFileConfigStore.h>
+#include <ManualClock.h>
 #include <RecordingFactory.h>
 #include <sys/prctl.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <fstream>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace {
 
@@ -68,6 +77,126 @@ void runService() {
     factory->Destroy();
 }
 
+void announce(const std::string& operation) {
+    std::cout << "operation " << operation << std::endl;
+}
+
+std::wstring readSecret() {
+    std::string line;
+    std::getline(std::cin, line);
+    return KyrCoreUtils::toWideString(line);
+}
+
+/// A document that another service downloaded.
+std::shared_ptr<ZelUnified::ConfigStore> makeDocument(const std::wstring& secret) {
+    auto store = ZelUnified::makeReadOnlyStore("Downloaded", 40, {{L"ConnectionUsername", secret}});
+    store->caching = true;
+    store->local = false;
+    return store;
+}
+
+/// The service, as long as it is held.
+class LoadedSession {
+public:
+    LoadedSession() {
+        InjectConfigService(factory);
+        featureSet = factory->getFeatureSetByType<ZelUnified::ConfigFeatureSet>();
+        service = factory->getServiceByType<ZelUnified::ConfigService>();
+        factory->getFeatureSetAdapter(ZelUnified::configServiceId)
+            ->StartFeatureSet(ZelUnified::configServiceId, nullptr);
+        // What a link sets is not sensitive of itself.
+        service->setKeySensitive(L"ServicesDomain");
+    }
+    ~LoadedSession() { factory->Destroy(); }
+    LoadedSession(const LoadedSession&) = delete;
+    LoadedSession& operator=(const LoadedSession&) = delete;
+
+    bool answers(const std::vector<std::wstring>& keys, const std::wstring& expected) const {
+        return std::ranges::all_of(keys, [&](const auto& key) {
+            std::wstring value;
+            return featureSet->getConfig(key, value, false) && value == expected &&
+                   service->getConfig(key)->getValue() == expected;
+        });
+    }
+    void runTasks() const { factory->backgroundDispatcher->runAll(); }
+
+    const std::shared_ptr<testing_host::RecordingFactory> factory = std::make_shared<testing_host::RecordingFactory>();
+    std::shared_ptr<ZelUnified::ConfigFeatureSet> featureSet;
+    std::shared_ptr<ZelUnified::ConfigService> service;
+};
+
+void writeReport(const LoadedSession& session, const std::string& folder) {
+    std::ofstream(folder + "/report.xml") << KyrCoreUtils::toString(session.service->getAllConfigForPRT());
+}
+
+void reset(const LoadedSession& session) {
+    std::dynamic_pointer_cast<ZelUnified::ProviderResetDataCallback>(session.featureSet)
+        ->InvokeResetData(ZelUnified::ResetDataOptionEnum::ResetAll);
+    session.runTasks();
+}
+
+/// Every operation of the service that a secret goes through; false when one did not do what it should.
+bool runOperations(const std::string& folder) {
+    testing_host::ManualClock clock;
+    const auto secret = readSecret();
+    std::optional<LoadedSession> session(std::in_place);
+    announce("set");
+    session->service->setConfig(L"ConnectionPassword", secret);
+    session->service->setConfig(L"beside", L"not a secret");
+    announce("persist");
+    session->runTasks();
+    announce("backup");
+    clock.advance(30);
+    session->runTasks();
+    announce("cached copy");
+    session->featureSet->addConfigStore(makeDocument(secret));
+    session->runTasks();
+    announce("provisioning");
+    if (!session->service->setUrlProvisioningData(L"lumora://provision?ServicesDomain=" + secret)) {
+        return false;
+    }
+    session->runTasks();
+    announce("get");
+    if (!session->answers({L"ConnectionPassword", L"ConnectionUsername", L"ServicesDomain"}, secret)) {
+        return false;
+    }
+    announce("removal");
+    // The next run would take what it sets for no secret until it is told.
+    session->featureSet->removeConfigStore("UrlProvisioningConfigStore");
+    session->runTasks();
+    announce("load");
+    session.emplace();
+    if (!session->answers({L"ConnectionPassword", L"ConnectionUsername"}, secret)) {
+        return false;
+    }
+    announce("report");
+    writeReport(*session, folder);
+    announce("settings log");
+    session->service->logConfig();
+    announce("reset");
+    reset(*session);
+    announce("end");
+    session.reset();
+    return true;
+}
+
+/// What must be found by who looks for it.
+void leak(const std::string& folder) {
+    const auto secret = readSecret();
+    const auto narrow = KyrCoreUtils::toString(secret);
+    announce("narrow");
+    std::ofstream(folder + "/narrow") << narrow.substr(0, 20) << std::flush << narrow.substr(20);
+    announce("wide");
+    std::ofstream(folder + "/wide")
+        .write(reinterpret_cast<const char*>(secret.data()),
+               static_cast<std::streamsize>(secret.size() * sizeof(wchar_t)));
+    announce("utf-16");
+    std::ofstream file(folder + "/utf-16");
+    for (const char letter : narrow) {
+        file << letter << '\0';
+    }
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -82,6 +211,18 @@ int main(int argc, char** argv) {
     const std::string_view scenario = argv[4];
     if (scenario == "service") {
         runService();
+        return EXIT_SUCCESS;
+    }
+    if (scenario == "operations") {
+        if (!runOperations(argv[3])) {
+            return EXIT_FAILURE;
+        }
+        stopHere();
+        return EXIT_SUCCESS;
+    }
+    if (scenario == "leak") {
+        leak(argv[3]);
+        stopHere();
         return EXIT_SUCCESS;
     }
     const auto store = scenario == "user" ? openUserStore() : openCachedCopy(argv[4]);

@@ -36,6 +36,16 @@ std::size_t countNarrow(const std::string& bytes, const std::string& ascii) {
     return count;
 }
 
+std::size_t countUtf16(const std::string& bytes, const std::string& ascii) {
+    std::string lowFirst;
+    std::string highFirst;
+    for (const char letter : ascii) {
+        lowFirst.append({letter, '\0'});
+        highFirst.append({'\0', letter});
+    }
+    return countNarrow(bytes, lowFirst) + countNarrow(bytes, highFirst);
+}
+
 std::size_t countWide(const std::string& bytes, const std::string& ascii) {
     const std::wstring wide(ascii.begin(), ascii.end());
     return countNarrow(bytes, {reinterpret_cast<const char*>(wide.data()), wide.size() * sizeof(wchar_t)});

@@ -20,6 +20,8 @@ private:
 };
 
 std::size_t countNarrow(const std::string& bytes, const std::string& ascii);
+/// In both orders of bytes.
+std::size_t countUtf16(const std::string& bytes, const std::string& ascii);
 /// As wide characters.
 std::size_t countWide(const std::string& bytes, const std::string& ascii);
 

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <system_error>
+#include <utility>
 
 namespace memory_test {
 
@@ -20,12 +21,13 @@ void makePipe(int (&ends)[2]) {
 
 } // namespace
 
-SessionProcess::SessionProcess(const testing_host::TemporaryProfile& profile, const std::string& scenario)
+SessionProcess::SessionProcess(const testing_host::TemporaryProfile& profile, const std::string& scenario,
+                               std::vector<std::string> runner)
     : folder(profile.root().string()) {
     const std::string errors = folder + "/stderr";
-    const std::string config = profile.config().string();
-    const std::string data = profile.data().string();
-    const std::string state = profile.state().string();
+    auto command = std::move(runner);
+    command.insert(command.end(), {LUMORA_MEMORY_SESSION, profile.config().string(), profile.data().string(),
+                                   profile.state().string(), scenario});
     int inputEnds[2];
     int outputEnds[2];
     makePipe(inputEnds);
@@ -36,9 +38,7 @@ SessionProcess::SessionProcess(const testing_host::TemporaryProfile& profile, co
         dup2(inputEnds[0], STDIN_FILENO);
         dup2(outputEnds[1], STDOUT_FILENO);
         dup2(errorFile, STDERR_FILENO);
-        execl(LUMORA_MEMORY_SESSION, LUMORA_MEMORY_SESSION, config.c_str(), data.c_str(), state.c_str(),
-              scenario.c_str(), static_cast<char*>(nullptr));
-        _exit(EXIT_FAILURE);
+        become(std::move(command));
     }
     close(inputEnds[0]);
     close(outputEnds[1]);
@@ -56,11 +56,33 @@ SessionProcess::~SessionProcess() {
     }
 }
 
+void SessionProcess::become(std::vector<std::string> command) {
+    std::vector<char*> arguments;
+    for (auto& argument : command) {
+        arguments.push_back(argument.data());
+    }
+    arguments.push_back(nullptr);
+    execv(arguments.front(), arguments.data());
+    _exit(EXIT_FAILURE);
+}
+
+void SessionProcess::tell(const std::string& line) const {
+    const std::string bytes = line + "\n";
+    if (write(input, bytes.data(), bytes.size()) != static_cast<ssize_t>(bytes.size())) {
+        throw std::system_error(errno, std::generic_category(), "write");
+    }
+}
+
 bool SessionProcess::waitUntilDone() const {
+    std::string line;
     char byte = 0;
     while (read(output, &byte, 1) == 1) {
-        if (byte == '\n') {
+        if (byte != '\n') {
+            line += byte;
+        } else if (line == "ready") {
             return true;
+        } else {
+            line.clear();
         }
     }
     return false;

@@ -30,7 +30,13 @@ namespace ZelUnified {
 /// the observers or of the store-added observers; then a store's own. Callbacks may read and change the chain.
 class ConfigStoreManager {
 public:
+    using ChainLock = zel::RankedMutex<std::recursive_mutex, zel::LockRank::Chain>;
+    using HeldChain = std::unique_lock<ChainLock>;
+
     explicit ConfigStoreManager(std::shared_ptr<UnifiedFactory> factory);
+
+    /// Keeps other threads from the chain while it lives, for a write that depends on what was read before.
+    HeldChain holdChain() const { return HeldChain(chainLock); }
 
     /// Puts the store in the chain and announces its keys: all changes first, then that they may be shown. A store of a
     /// known name takes the place of the old one. A null store is ignored.
@@ -114,9 +120,8 @@ private:
     bool getValue(const FoldedKey& key, std::wstring& value, std::wstring* configStoreName, bool& valueFromLegacyKey,
                   bool skipLocal, const std::string& storeFilter) const;
 
-    mutable zel::RankedMutex<std::recursive_mutex, zel::LockRank::Chain>
-        chainLock;           ///< Recursive: updates go through addStore(), callbacks read the chain.
-    StoreChain configStores; ///< Changed under `chainLock`. No two stores of one name.
+    mutable ChainLock chainLock; ///< Recursive: updates go through addStore(), callbacks read the chain.
+    StoreChain configStores;     ///< Changed under `chainLock`. No two stores of one name.
     SensitiveKeys sensitiveKeys;
     ConfigChangeObservers observers;
     const std::shared_ptr<UnifiedFactory> unifiedFactory;

@@ -1,11 +1,14 @@
 #include "FakeConfigStore.h"
+#include "featuresets/adapters/config/CachedStoreRecord.h"
 #include "services/impl/InjectConfigService.h"
 
 #include <kyr/FunctionTask.h>
+#include <kyr/StringUtils.h>
 #include <unified/UnifiedFactoryImpl.h>
 #include <unified/UpdateAccessError.h>
 
 #include <ConfigFeatureSet.h>
+#include <ConfigKeys.h>
 #include <ConfigService.h>
 #include <ConfigServiceIds.h>
 #include <InMemoryRegistry.h>
@@ -17,6 +20,7 @@
 
 #include <atomic>
 #include <functional>
+#include <latch>
 #include <memory>
 #include <string>
 #include <thread>
@@ -138,6 +142,29 @@ TEST_F(ConfigAdapterThreads, EightThreadsAddRemoveAndAskAtOnce) {
     EXPECT_FALSE(featureSet->getConfig(L"shared", value, false));
     for (int number = 0; number < 8; ++number) {
         EXPECT_EQ(recordOf(L"own" + std::to_wstring(number)), std::to_wstring(rounds - 1));
+    }
+}
+
+TEST_F(ConfigAdapterThreads, EveryStoreThatArrivesAtOnceWithOthersIsOnTheRecordOfCopies) {
+    constexpr int count = 8;
+    for (int round = 0; round < rounds; ++round) {
+        const auto nameOf = [round](int number) {
+            return "Store" + std::to_string(round) + "-" + std::to_string(number);
+        };
+        std::latch ready(count);
+        runInThreads(count, [&](int number) {
+            const auto store = makeReadOnlyStore(nameOf(number), 40);
+            store->caching = true;
+            ready.arrive_and_wait();
+            featureSet->addConfigStore(store);
+        });
+        std::wstring record;
+        ASSERT_TRUE(featureSet->getConfig(std::wstring(ConfigKeys::primaryConfigStores), record, false));
+        const auto priorities = CachedStoreRecord::parse(record);
+        for (int number = 0; number < count; ++number) {
+            ASSERT_TRUE(priorities.contains(KyrCoreUtils::toWideString(nameOf(number))))
+                << nameOf(number) << " is not among " << priorities.size();
+        }
     }
 }
 

@@ -1,0 +1,99 @@
+#include "CountedTimers.h"
+
+#include "Signal.h"
+
+#include <zel/TimerSource.h>
+
+#include <map>
+#include <mutex>
+#include <utility>
+
+namespace testing_host {
+
+using zel::common::TimerSource;
+
+class CountedTimers::Source final : public TimerSource, public std::enable_shared_from_this<Source> {
+public:
+    Alarm set(std::int64_t seconds, std::function<void()> ring) override {
+        Alarm number = 0;
+        {
+            const std::lock_guard lock(mutex);
+            number = ++lastNumber;
+            pending.emplace(number, 0);
+            seconds = wait == Wait::None ? 0 : seconds;
+        }
+        const auto alarm = real->set(seconds, [self = shared_from_this(), number, ring = std::move(ring)] {
+            self->forget(number);
+            ring();
+        });
+        const std::lock_guard lock(mutex);
+        if (const auto found = pending.find(number); found != pending.end()) {
+            found->second = alarm;
+        }
+        return number;
+    }
+
+    void cancel(Alarm number) override {
+        Alarm alarm = 0;
+        {
+            const std::lock_guard lock(mutex);
+            const auto found = pending.find(number);
+            if (found == pending.end()) {
+                return;
+            }
+            alarm = found->second;
+            pending.erase(found);
+        }
+        real->cancel(alarm);
+    }
+
+    void setWait(Wait newWait) {
+        const std::lock_guard lock(mutex);
+        wait = newWait;
+    }
+
+    std::size_t getPendingCount() const {
+        const std::lock_guard lock(mutex);
+        return pending.size();
+    }
+
+    bool settle() const {
+        const auto reached = std::make_shared<Signal>();
+        real->set(0, [reached] { reached->set(); });
+        return reached->wait();
+    }
+
+private:
+    void forget(Alarm number) {
+        const std::lock_guard lock(mutex);
+        pending.erase(number);
+    }
+
+    const std::shared_ptr<TimerSource> real = TimerSource::getInstance();
+    mutable std::mutex mutex; ///< Guards all below.
+    Wait wait = Wait::AsAsked;
+    Alarm lastNumber = 0;
+    std::map<Alarm, Alarm> pending; ///< By the number given out, the real one's; 0 while it is being set.
+};
+
+CountedTimers::CountedTimers() : source(std::make_shared<Source>()) {
+    TimerSource::overrideInstance(source);
+}
+
+CountedTimers::~CountedTimers() {
+    TimerSource::overrideInstance(nullptr);
+}
+
+void CountedTimers::setWait(Wait wait) {
+    source->setWait(wait);
+}
+
+std::size_t CountedTimers::getPendingCount() const {
+    return source->getPendingCount();
+}
+
+bool CountedTimers::settle() const {
+    return source->settle();
+}
+
+} // namespace testing_host

@@ -1,0 +1,87 @@
+#include "ProcessUsage.h"
+
+#include <malloc.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <string>
+
+// A sanitizer's allocator, where there is one, knows what the library's own one doesn't.
+extern "C" std::size_t __sanitizer_get_current_allocated_bytes()
+    __attribute__((weak)); // NOLINT(bugprone-reserved-identifier)
+
+namespace testing_host {
+
+namespace {
+
+std::size_t measureHeap() {
+    if (ProcessUsage::isInstrumented()) {
+        return __sanitizer_get_current_allocated_bytes();
+    }
+    const auto info = mallinfo2();
+    return info.uordblks + info.hblkhd;
+}
+
+std::size_t measureResident() {
+    std::ifstream figures("/proc/self/statm");
+    std::size_t total = 0;
+    std::size_t resident = 0;
+    figures >> total >> resident;
+    return resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+}
+
+std::size_t countDescriptors() {
+    const std::filesystem::directory_iterator descriptors("/proc/self/fd");
+    // Reading the folder takes one of its own.
+    return static_cast<std::size_t>(std::distance(begin(descriptors), end(descriptors))) - 1;
+}
+
+/// Whether the thread has not ended: it stays listed for a moment after others were told of its end.
+bool isAlive(const std::filesystem::path& task) {
+    constexpr unsigned long exiting = 4;
+    std::ifstream stream(task / "stat");
+    const std::string line{std::istreambuf_iterator<char>(stream), {}};
+    // Behind the name, which may hold anything.
+    std::istringstream fields(line.substr(line.rfind(')') + 1));
+    std::string skipped;
+    unsigned long flags = exiting;
+    fields >> skipped >> skipped >> skipped >> skipped >> skipped >> skipped >> flags;
+    return (flags & exiting) == 0;
+}
+
+std::size_t countThreads() {
+    const std::filesystem::directory_iterator tasks("/proc/self/task");
+    return static_cast<std::size_t>(
+        std::count_if(begin(tasks), end(tasks), [](const auto& entry) { return isAlive(entry.path()); }));
+}
+
+} // namespace
+
+ProcessUsage ProcessUsage::measure() {
+    ProcessUsage usage;
+    usage.fileDescriptors = countDescriptors();
+    usage.threads = countThreads();
+    usage.heapBytes = measureHeap();
+    usage.residentBytes = measureResident();
+    return usage;
+}
+
+void ProcessUsage::makeHeapExact(char** arguments) {
+    constexpr const char* tunables = "GLIBC_TUNABLES";
+    if (isInstrumented() || std::getenv(tunables) != nullptr) {
+        return;
+    }
+    setenv(tunables, "glibc.malloc.tcache_count=0", 1);
+    execv("/proc/self/exe", arguments);
+}
+
+bool ProcessUsage::isInstrumented() {
+    return __sanitizer_get_current_allocated_bytes != nullptr;
+}
+
+} // namespace testing_host

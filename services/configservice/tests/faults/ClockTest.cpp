@@ -1,0 +1,46 @@
+#include "FaultySession.h"
+
+#include <JumpingClock.h>
+
+namespace ZelUnified {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using Days = std::chrono::duration<int, std::ratio<86400>>;
+
+} // namespace
+
+/// A clock that is set between two runs and in the middle of one, in days.
+class WallClock : public testing::TestWithParam<int> {};
+
+TEST_P(WallClock, NeitherChoosesAFileNorKeepsOneFromBeingWritten) {
+    const Days jump(GetParam());
+    testing_host::JumpingClock clock;
+    FaultySession session;
+    FaultySession::useRealDisk();
+    session.leaveFiles();
+    session.loadAndStart();
+    // The backup stays at "old", and is the newer one of the two by its time when the clock goes back.
+    clock.jump(jump);
+    session.adapter->setConfig(L"k", L"new");
+    session.persist();
+    session.unload();
+    const auto timeOfBackup = fs::last_write_time(session.file(backupFile));
+    fs::last_write_time(session.file(mainFile), timeOfBackup + jump);
+    session.restart();
+    EXPECT_EQ(session.valueOf(L"k"), L"new");
+    EXPECT_EQ(session.valueOf(L"d"), L"old");
+    changeAll(session, L"newer");
+    clock.jump(jump);
+    changeAll(session, L"newest");
+    expectAtTheNextStart(session, L"newest");
+    for (const auto* name : {mainFile, backupFile}) {
+        EXPECT_THAT(FaultySession::clearTextOf(session.file(name)), testing::HasSubstr("newest"));
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Days, WallClock, testing::Values(-400, -1, 1, 400));
+
+} // namespace ZelUnified
