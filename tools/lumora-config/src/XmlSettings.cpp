@@ -87,7 +87,7 @@ std::string valueOf(xmlNode& element) {
 
 class SettingsCollector {
 public:
-    void collect(xmlNode& root) {
+    void collect(const xmlNode& root) {
         for (auto* group = root.children; group != nullptr; group = group->next) {
             if (!isElement(*group) || takeUserConfig(*group)) {
                 continue;

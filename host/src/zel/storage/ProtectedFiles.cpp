@@ -95,9 +95,9 @@ bool ProtectedFiles::write(const std::string& path, std::string_view clear, File
 ReadOutcome ProtectedFiles::readOne(const std::string& path, FileCategoryType::FileCategory category,
                                     const std::function<void(std::string_view)>& use) {
     std::string file;
-    if (const ReadOutcome read = readRegularFile(layer, path, ProtectedFileFormat::maximumFileLength, file);
-        read.result != ReadResult::Ok) {
-        return read;
+    if (const ReadOutcome got = readRegularFile(layer, path, ProtectedFileFormat::maximumFileLength, file);
+        got.result != ReadResult::Ok) {
+        return got;
     }
     if (const ReadOutcome seen = ProtectedFileFormat::inspect(file, category); seen.result != ReadResult::Ok) {
         return seen;
