@@ -1,11 +1,10 @@
 #include "ProtectedFiles.h"
 
 #include "DurableFile.h"
+#include "EncryptFileUtilsLogger.h"
 #include "PathParts.h"
 #include "ProtectedFileFormat.h"
 #include "Quarantine.h"
-
-#include <zel/ZelLog.h>
 
 #include <optional>
 
@@ -13,7 +12,7 @@ namespace zel::storage {
 
 namespace {
 
-ZelLogger& logger = ZelLogger_getLogger("Host-EncryptFileUtils");
+ZelLogger& logger = encryptFileUtilsLogger();
 
 ReadOutcome outcomeOf(KeyResult result) {
     switch (result) {
