@@ -17,8 +17,15 @@ std::string parentOf(const std::string& path) {
     return fs::path(path).parent_path().string();
 }
 
-/// Puts the file's present content back, or nothing where there is none.
+/// Puts the file's present content back, or the link that stands there now, or nothing where there is neither.
 std::function<void()> restorer(const std::string& path) {
+    // Not followed: it may lead nowhere, or to itself.
+    if (fs::is_symlink(fs::symlink_status(path))) {
+        return [path, target = fs::read_symlink(path)] {
+            fs::remove(path);
+            fs::create_symlink(target, path);
+        };
+    }
     if (!fs::is_regular_file(path)) {
         return [path] { fs::remove(path); };
     }

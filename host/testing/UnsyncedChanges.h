@@ -10,7 +10,7 @@
 namespace testing_host {
 
 /// What a power cut would take back: bytes of files that were not synced, and changes of names whose directory was not.
-/// Knows regular files and new directories. Not thread-safe.
+/// Knows regular files, links and new directories. Not thread-safe.
 class UnsyncedChanges {
 public:
     /// Tell of each change just before it is made, those of names; of bytes, after it.

@@ -4,10 +4,9 @@
 
 namespace zel::platform {
 
-/// Owns a descriptor of the kernel; -1 for none.
+/// Owns a descriptor of the kernel; negative for none, as a call that failed gives it.
 class FileDescriptor {
 public:
-    FileDescriptor() = default;
     explicit FileDescriptor(int opened) : number(opened) {}
     ~FileDescriptor() {
         if (number >= 0) {
@@ -20,7 +19,7 @@ public:
     int get() const noexcept { return number; }
 
 private:
-    const int number = -1;
+    const int number;
 };
 
 } // namespace zel::platform

@@ -1,8 +1,7 @@
 #include "LoginManagerBus.h"
 
 #include "FileDescriptor.h"
-
-#include <zel/ZelLog.h>
+#include "LoginManagerLogger.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -20,7 +19,7 @@ namespace ZelSystemMonitor {
 
 namespace {
 
-ZelLogger& logger = ZelLogger_getLogger("SystemMonitor-LoginManager");
+ZelLogger& logger = loginManagerLogger();
 
 constexpr const char* service = "org.freedesktop.login1";
 constexpr const char* object = "/org/freedesktop/login1";

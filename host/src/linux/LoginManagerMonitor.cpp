@@ -2,8 +2,7 @@
 
 #include "FileDescriptor.h"
 #include "LoginManagerBus.h"
-
-#include <zel/ZelLog.h>
+#include "LoginManagerLogger.h"
 
 #include <sys/eventfd.h>
 
@@ -18,7 +17,7 @@ namespace ZelSystemMonitor {
 
 namespace {
 
-ZelLogger& logger = ZelLogger_getLogger("SystemMonitor-LoginManager");
+ZelLogger& logger = loginManagerLogger();
 
 } // namespace
 

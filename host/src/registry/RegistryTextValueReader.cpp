@@ -90,20 +90,20 @@ bool RegistryTextValueReader::readName(RegistryTextCursor& cursor, std::wstring&
 
 bool RegistryTextValueReader::readData(RegistryTextCursor& cursor, RegistryTextEntry& entry) {
     cursor.skipBlanks();
-    bool read = false;
+    bool taken = false;
     if (cursor.take(L"-")) {
         entry.deletion = true;
-        read = true;
+        taken = true;
     } else if (cursor.take(L"\"")) {
-        read = readQuoted(cursor, entry.value);
+        taken = readQuoted(cursor, entry.value);
     } else if (cursor.take(L"dword:")) {
-        read = readNumber(cursor, entry.value);
+        taken = readNumber(cursor, entry.value);
     } else if (cursor.take(L"hex")) {
         return readType(cursor, entry.value.type) && readBytes(cursor, entry.value);
     } else {
         return fail("a kind of value that is not known");
     }
-    return read && (cursor.isDone() || fail("text behind the value"));
+    return taken && (cursor.isDone() || fail("text behind the value"));
 }
 
 bool RegistryTextValueReader::readQuoted(RegistryTextCursor& cursor, RegistryValue& value) {

@@ -113,5 +113,5 @@ TEST(LibraryRecord, IsEmptyAtConstruction) {
     EXPECT_TRUE(record.path.empty());
     EXPECT_EQ(record.entries.size(), 19U);
     EXPECT_TRUE(
-        std::all_of(record.entries.begin(), record.entries.end(), [](void* entry) { return entry == nullptr; }));
+        std::all_of(record.entries.begin(), record.entries.end(), [](const void* entry) { return entry == nullptr; }));
 }

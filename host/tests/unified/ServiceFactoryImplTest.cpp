@@ -1,4 +1,5 @@
-#include <kyr/FunctionTask.h>
+#include "Task.h"
+
 #include <unified/ServiceFactoryImpl.h>
 
 #include <chrono>
@@ -9,12 +10,9 @@
 #include <utility>
 
 using namespace ZelUnified;
+using unified_test::task;
 
 namespace {
-
-std::shared_ptr<zel::Task> task(std::function<void()> work) {
-    return std::make_shared<KyrCoreUtils::FunctionTask>(std::move(work), "test");
-}
 
 class CountingCallback final : public ServicesDispatcherCallback {
 public:

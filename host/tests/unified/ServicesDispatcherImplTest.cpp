@@ -1,6 +1,6 @@
 #include "unified/ServicesDispatcherImpl.h"
 
-#include <kyr/FunctionTask.h>
+#include "Task.h"
 
 #include <functional>
 #include <memory>
@@ -9,14 +9,7 @@
 
 using testing::ElementsAre;
 using namespace ZelUnified::Processing;
-
-namespace {
-
-std::shared_ptr<zel::Task> task(std::function<void()> work) {
-    return std::make_shared<KyrCoreUtils::FunctionTask>(std::move(work), "test");
-}
-
-} // namespace
+using unified_test::task;
 
 TEST(ServicesDispatcherImpl, OnlyItsThreadHasUpdateAccess) {
     ServicesDispatcherImpl dispatcher(SerialQueue::Mode::OwnThread);

@@ -1,6 +1,6 @@
 #include "unified/TaskDispatcherImpl.h"
 
-#include <kyr/FunctionTask.h>
+#include "Task.h"
 
 #include <LogRecorder.h>
 
@@ -15,15 +15,8 @@
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing_host::LogRecorder;
+using unified_test::task;
 using ZelUnified::Processing::TaskDispatcherImpl;
-
-namespace {
-
-std::shared_ptr<zel::Task> task(std::function<void()> work) {
-    return std::make_shared<KyrCoreUtils::FunctionTask>(std::move(work), "test");
-}
-
-} // namespace
 
 TEST(TaskDispatcherImpl, RunsTasksAndFunctionsInOneOrderOnAThreadOfItsOwn) {
     TaskDispatcherImpl dispatcher;

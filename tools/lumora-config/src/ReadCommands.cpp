@@ -7,7 +7,7 @@ namespace lumora_config {
 namespace {
 
 std::optional<Reading> readFor(Session& session, const Command& command) {
-    auto& chain = session.getChain();
+    const auto& chain = session.getChain();
     const auto key = wide(command.key);
     return command.store.empty() ? chain.read(key, command.admin) : chain.readStore(command.store, key);
 }

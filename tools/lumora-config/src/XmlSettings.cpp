@@ -37,8 +37,17 @@ std::string_view toView(const xmlChar* text) {
     return text == nullptr ? std::string_view() : reinterpret_cast<const char*>(text);
 }
 
+/// The library prepares itself at its first use, and goes wrong when two threads make that use at once.
+void prepareLibrary() {
+    [[maybe_unused]] static const bool prepared = [] {
+        xmlInitParser();
+        return true;
+    }();
+}
+
 XmlPointer<xmlDoc> parse(const std::string& path) {
     const auto content = readWholeFile(path);
+    prepareLibrary();
     const XmlPointer<xmlParserCtxt> context(xmlNewParserCtxt());
     if (!context) {
         throw std::bad_alloc();
@@ -87,7 +96,7 @@ std::string valueOf(xmlNode& element) {
 
 class SettingsCollector {
 public:
-    void collect(xmlNode& root) {
+    void collect(const xmlNode& root) {
         for (auto* group = root.children; group != nullptr; group = group->next) {
             if (!isElement(*group) || takeUserConfig(*group)) {
                 continue;

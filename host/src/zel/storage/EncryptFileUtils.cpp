@@ -1,10 +1,10 @@
+#include "EncryptFileUtilsLogger.h"
 #include "FileKeyProvider.h"
 #include "PathParts.h"
 #include "ProtectedFiles.h"
 
 #include <kyr/FileUtils.h>
 #include <zel/EncryptFileUtils.h>
-#include <zel/ZelLog.h>
 
 #include <exception>
 #include <mutex>
@@ -14,7 +14,7 @@ namespace zel::storage {
 
 namespace {
 
-ZelLogger& logger = ZelLogger_getLogger("Host-EncryptFileUtils");
+ZelLogger& logger = encryptFileUtilsLogger();
 
 /// What an embedding program or a test has put in place of the defaults.
 struct Overrides {

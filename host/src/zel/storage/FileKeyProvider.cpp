@@ -1,6 +1,7 @@
 #include "FileKeyProvider.h"
 
 #include "DurableFile.h"
+#include "EncryptFileUtilsLogger.h"
 #include "FileHandle.h"
 #include "FileReader.h"
 #include "KeyDerivation.h"
@@ -8,7 +9,6 @@
 #include "WipedBytes.h"
 
 #include <kyr/FileUtils.h>
-#include <zel/ZelLog.h>
 
 #include <openssl/crypto.h>
 #include <openssl/rand.h>
@@ -21,7 +21,7 @@ namespace zel::storage {
 
 namespace {
 
-ZelLogger& logger = ZelLogger_getLogger("Host-EncryptFileUtils");
+ZelLogger& logger = encryptFileUtilsLogger();
 
 constexpr std::string_view magic = "LUMK";
 constexpr unsigned char currentVersion = 1;

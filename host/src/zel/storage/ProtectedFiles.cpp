@@ -1,11 +1,10 @@
 #include "ProtectedFiles.h"
 
 #include "DurableFile.h"
+#include "EncryptFileUtilsLogger.h"
 #include "PathParts.h"
 #include "ProtectedFileFormat.h"
 #include "Quarantine.h"
-
-#include <zel/ZelLog.h>
 
 #include <optional>
 
@@ -13,7 +12,7 @@ namespace zel::storage {
 
 namespace {
 
-ZelLogger& logger = ZelLogger_getLogger("Host-EncryptFileUtils");
+ZelLogger& logger = encryptFileUtilsLogger();
 
 ReadOutcome outcomeOf(KeyResult result) {
     switch (result) {
@@ -95,9 +94,9 @@ bool ProtectedFiles::write(const std::string& path, std::string_view clear, File
 ReadOutcome ProtectedFiles::readOne(const std::string& path, FileCategoryType::FileCategory category,
                                     const std::function<void(std::string_view)>& use) {
     std::string file;
-    if (const ReadOutcome read = readRegularFile(layer, path, ProtectedFileFormat::maximumFileLength, file);
-        read.result != ReadResult::Ok) {
-        return read;
+    if (const ReadOutcome got = readRegularFile(layer, path, ProtectedFileFormat::maximumFileLength, file);
+        got.result != ReadResult::Ok) {
+        return got;
     }
     if (const ReadOutcome seen = ProtectedFileFormat::inspect(file, category); seen.result != ReadResult::Ok) {
         return seen;

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <filesystem>
 #include <string>
 
 namespace {
@@ -84,6 +85,27 @@ TEST_F(FaultInjectingFileLayerTest, APowerCutTakesLinksRemovalsAndFoldersBack) {
     layer.cutPower(0);
     EXPECT_THAT(namesIn(folder), testing::ElementsAre("first"));
     EXPECT_EQ(readFile(first), "kept");
+}
+
+TEST_F(FaultInjectingFileLayerTest, APowerCutPutsLinksBackWhereverTheyLead) {
+    writeFile(folder + "/file", "of another");
+    for (const char* target : {"file", "nowhere", "second"}) {
+        SCOPED_TRACE(target);
+        std::filesystem::create_symlink(target, second);
+        put(first, "new", true);
+        ASSERT_EQ(layer.syncDirectory(folder), 0);
+        ASSERT_EQ(layer.rename(first, second), 0);
+        layer.cutPower(0);
+        EXPECT_EQ(std::filesystem::read_symlink(second), target);
+        EXPECT_EQ(readFile(first), "new");
+        ASSERT_EQ(layer.unlink(second), 0);
+        layer.cutPower(0);
+        EXPECT_EQ(std::filesystem::read_symlink(second), target);
+        ASSERT_EQ(layer.unlink(second), 0);
+        ASSERT_EQ(layer.unlink(first), 0);
+        ASSERT_EQ(layer.syncDirectory(folder), 0);
+    }
+    EXPECT_EQ(readFile(folder + "/file"), "of another");
 }
 
 TEST_F(FaultInjectingFileLayerTest, FailsAtTheChosenCallOnce) {

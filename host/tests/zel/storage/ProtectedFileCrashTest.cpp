@@ -34,7 +34,7 @@ struct ProtectedFileCrashTest : testing::TestWithParam<Before> {
     const std::string newContent = "<new>" + std::string(500, 'x') + "</new>";
     const std::string rubbish = "rubbish";
 
-    static void prepare(StorageProfile& storage, const std::string& content) {
+    static void prepare(const StorageProfile& storage, const std::string& content) {
         if (GetParam() != Before::Nothing) {
             ASSERT_TRUE(EncryptFileUtils::writeDataToFile(storage.configFile("a.dat"), PlainText(content), UserData));
         }
@@ -49,7 +49,7 @@ struct ProtectedFileCrashTest : testing::TestWithParam<Before> {
         }
     }
 
-    static bool write(StorageProfile& storage, const std::string& content) {
+    static bool write(const StorageProfile& storage, const std::string& content) {
         return EncryptFileUtils::writeDataToFile(storage.configFile("a.dat"), PlainText(content), UserData);
     }
 

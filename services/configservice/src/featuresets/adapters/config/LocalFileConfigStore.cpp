@@ -1,4 +1,5 @@
 #include "ConfigMapKeys.h"
+#include "LocalFileConfigStoreLogger.h"
 #include "LocalFileDocument.h"
 #include "XmlReader.h"
 #include "lookup/ConfigTable.h"
@@ -13,7 +14,6 @@
 #include <kyr/FstreamUtils.h>
 #include <kyr/StringUtils.h>
 #include <zel/EncryptFileUtils.h>
-#include <zel/ZelLog.h>
 
 #include <ConfigKeys.h>
 #include <LocalFileConfigStore.h>
@@ -30,7 +30,7 @@ using zel::storage::FileCategoryType::UserData;
 
 namespace {
 
-ZelLogger& logger = ZelLogger_getLogger("ConfigService-LocalFileConfigStore");
+ZelLogger& logger = localFileConfigStoreLogger();
 
 constexpr std::string_view invalidSyntax =
     "Error Invalid XML syntax detected - Unable to read localFileConfigStore configuration";

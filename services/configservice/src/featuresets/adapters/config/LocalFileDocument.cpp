@@ -1,11 +1,11 @@
 #include "LocalFileDocument.h"
 
+#include "LocalFileConfigStoreLogger.h"
 #include "XmlScrubber.h"
 #include "XmlWriter.h"
 #include "secure/SecureString.h"
 
 #include <kyr/StringUtils.h>
-#include <zel/ZelLog.h>
 
 #include <ConfigKeys.h>
 
@@ -13,7 +13,7 @@ namespace ZelUnified {
 
 namespace {
 
-ZelLogger& logger = ZelLogger_getLogger("ConfigService-LocalFileConfigStore");
+ZelLogger& logger = localFileConfigStoreLogger();
 
 void writeAttribute(XmlWriter& writer, const char* attribute, const std::wstring& text, const std::wstring& key) {
     std::string narrow = KyrCoreUtils::toString(text);

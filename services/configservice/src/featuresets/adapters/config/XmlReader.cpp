@@ -2,13 +2,17 @@
 
 #include "XmlGuard.h"
 
+#include <kyr/FstreamUtils.h>
 #include <kyr/StringUtils.h>
 
 #include <libxml/entities.h>
 #include <libxml/parser.h>
 #include <openssl/crypto.h>
 
+#include <algorithm>
+#include <array>
 #include <filesystem>
+#include <fstream>
 #include <memory>
 #include <span>
 #include <string_view>
@@ -87,6 +91,30 @@ bool appendText(const xmlNode* node, int depth, std::size_t& budget, std::string
     return true;
 }
 
+/// Whether a document can begin like this, in any of its encodings. The library inflates what begins as gzip, xz or
+/// lzma do, and the limit of a file's size would say nothing of what is parsed.
+bool canBeginDocument(std::string_view start) {
+    using namespace std::string_view_literals;
+    constexpr std::array beginnings{"<"sv,   "\xEF\xBB\xBF"sv, "\xFE\xFF"sv,     "\xFF\xFE"sv,
+                                    "\0<"sv, "\0\0\0<"sv,      "\0\0\xFE\xFF"sv, "\x4C\x6F\xA7\x94"sv};
+    const auto begins = [start](std::string_view beginning) { return start.starts_with(beginning); };
+    if (std::ranges::any_of(beginnings, begins)) {
+        return true;
+    }
+    // lzma can begin like a blank too, but the size of its dictionary follows, never without one of these bytes.
+    return start.find_first_of(" \t\r\n") == 0 && start.find_first_of("\0\xFF"sv) == std::string_view::npos;
+}
+
+bool isPlainDocument(const std::string& path) {
+    std::fstream file;
+    std::array<char, 5> start{};
+    if (!KyrCoreUtils::FstreamUtils::open(file, path, KyrCoreUtils::StreamMode::Read)) {
+        return false;
+    }
+    file.read(start.data(), start.size());
+    return canBeginDocument({start.data(), static_cast<std::size_t>(file.gcount())});
+}
+
 /// `take`, if there is one, is handed the plain elements.
 XmlDocument parse(const std::string& text, const XmlPlainElements::Take* take) {
     // The library would end at a zero and take what stands before it for the whole.
@@ -115,7 +143,7 @@ XmlDocument parse(const std::string& text, const XmlPlainElements::Take* take) {
 XmlDocument XmlReader::readFile(const std::string& path) {
     std::error_code unknown;
     const auto size = std::filesystem::file_size(path, unknown);
-    if (!unknown && size > sizeLimit) {
+    if (unknown || size > sizeLimit || !isPlainDocument(path)) {
         return nullptr;
     }
     const XmlGuard guard;

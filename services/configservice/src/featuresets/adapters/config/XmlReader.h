@@ -19,6 +19,7 @@ public:
     /// In bytes. What the library itself refuses differs between its versions.
     static constexpr std::size_t sizeLimit = std::size_t{64} * 1024 * 1024;
 
+    /// A compressed file gives none, nor does what is no regular file.
     static XmlDocument readFile(const std::string& path);
     /// The document shares nothing with others: its texts are not in a dictionary. A text with a zero in it gives none.
     static XmlDocument parseDoc(const std::string& text);

@@ -141,6 +141,17 @@ TEST_F(LocalFileConfigStoreTest, PutsABadPlainFileAside) {
                             "contents of invalid xml with string length: 3\n<r>"));
 }
 
+TEST_F(LocalFileConfigStoreTest, PutsACompressedPlainFileAside) {
+    testing_host::writeFile(profile.resources() / "defaults.xml", xml_test::gzipped());
+    auto store = plain("defaults.xml");
+    EXPECT_THAT(store.getKeys(), IsEmpty());
+    EXPECT_EQ(testing_host::readFile(profile.resources() / "defaults-backup.xml"), xml_test::gzipped());
+    EXPECT_THAT(log.getTexts(ZelLogLevel::Error),
+                ElementsAre(std::string(syntaxLine) +
+                                "\nrenaming invalid file to: defaults-backup.xml and creating new blank XML document",
+                            "contents of invalid xml with string length: 40\n" + xml_test::gzipped()));
+}
+
 TEST_F(LocalFileConfigStoreTest, TellsOfABadPlainFileThatWillNotMove) {
     testing_host::writeFile(profile.resources() / "defaults.xml", "");
     const fs::path target = profile.resources() / "defaults-backup.xml";

@@ -209,6 +209,21 @@ TEST(XmlConfigParser, RefusesHostileFilesWithALine) {
     }
 }
 
+TEST(XmlConfigParser, RefusesAFileThatWouldInflateBeyondEveryLimit) {
+    const testing_host::TemporaryProfile profile;
+    const std::string path = (profile.root() / "plain.xml").string();
+    xml_test::writeInflatingFile(path);
+    ASSERT_LT(std::filesystem::file_size(path), 200'000U) << "the library was built without zlib";
+    const testing_host::LogRecorder log;
+    ConfigMap values{{L"left over", L"x"}};
+    ConfigKeySet sensitive;
+    EXPECT_FALSE(XmlConfigParser::readFromFile(path, values, sensitive));
+    EXPECT_TRUE(values.empty());
+    ASSERT_THAT(log.getTexts(loggerName),
+                ElementsAre("XML in file did not exist or is an invalid XML document: " + path));
+    EXPECT_EQ(log.getRecords().front().level, ZelLogLevel::Warning);
+}
+
 TEST(XmlConfigParser, NeverExpandsNorLoadsEntities) {
     const testing_host::TemporaryProfile profile;
     const std::string secret = (profile.root() / "secret").string();

@@ -43,6 +43,49 @@ TEST(XmlReader, ReadsUtf16FilesByTheirMark) {
     EXPECT_EQ(XmlReader::getName(*xmlDocGetRootElement(document.get())), "a");
 }
 
+TEST(XmlReader, TakesFilesInEveryEncodingThatItTakesTextsIn) {
+    using namespace std::string_literals;
+    const testing_host::TemporaryProfile profile;
+    const std::string path = (profile.root() / "encoded.xml").string();
+    for (const auto& text :
+         {"<a/>"s, "\xEF\xBB\xBF<a/>"s, "\n \t\r<a/>"s, "\n"s + std::string(5'000, ' ') + "<a/>",
+          "\xFE\xFF\0<\0a\0/\0>"s, "\xFF\xFE<\0a\0/\0>\0"s,
+          "<\0?\0x\0m\0l\0 \0v\0e\0r\0s\0i\0o\0n\0=\0'\0\x31\0.\0\x30\0'\0?\0>\0<\0a\0/\0>\0"s,
+          "\0<\0?\0x\0m\0l\0 \0v\0e\0r\0s\0i\0o\0n\0=\0'\0\x31\0.\0\x30\0'\0?\0>\0<\0a\0/\0>"s,
+          "\0\0\0<\0\0\0a\0\0\0/\0\0\0>"s, "<\0\0\0a\0\0\0/\0\0\0>\0\0\0"s,
+          "\x4C\x6F\xA7\x94\x93\x40\xA5\x85\x99\xA2\x89\x96\x95\x7E\x7D\xF1\x4B\xF0\x7D\x6F\x6E\x4C\x81\x61\x6E"s}) {
+        testing_host::writeFile(path, text);
+        EXPECT_EQ(XmlReader::readFile(path) != nullptr, XmlReader::readMemory(text, "test") != nullptr)
+            << testing::PrintToString(text);
+    }
+}
+
+TEST(XmlReader, RefusesCompressedFilesThoughTheLibraryInflatesThem) {
+    const std::string xz(
+        "\xfd\x37\x7a\x58\x5a\x00\x00\x04\xe6\xd6\xb4\x46\x02\x00\x21\x01\x16\x00\x00\x00\x74\x2f\xe5\xa3\x01\x00\x15"
+        "\x3c\x61\x3e\x3c\x62\x3e\x3c\x6b\x3e\x31\x3c\x2f\x6b\x3e\x3c\x2f\x62\x3e\x3c\x2f\x61\x3e\x00\x00\x00\x6b\xbf"
+        "\x2b\xe2\x7b\xe9\x9d\xb2\x00\x01\x2e\x16\x56\x09\x55\xdf\x1f\xb6\xf3\x7d\x01\x00\x00\x00\x00\x04\x59\x5a",
+        80);
+    const std::string lzma("\x5d\x00\x00\x80\x00\xff\xff\xff\xff\xff\xff\xff\xff\x00\x1e\x18\x43\xc3\xc2\x68\xbf\x4f"
+                           "\xb4\xaf\xf8\x90\x37\xd2\x6a\xe0\x35\xb1\x0a\x1b\xee\xe3\xbf\xff\xf4\xc6\xb2\x00",
+                           42);
+    const std::string lzmaLikeABlank(
+        "\x0a\x00\x00\x01\x00\xff\xff\xff\xff\xff\xff\xff\xff\x00\x1e\x19\x07\x03\xd3\x3b\x0e\xf0\x7b\x13\x89\xe0\x25"
+        "\xb5\xda\x07\x8a\xb3\x69\xd8\x71\x1d\x03\xff\xf1\xa9\x74\x00",
+        42);
+    const testing_host::TemporaryProfile profile;
+    const std::string path = (profile.root() / "compressed.xml").string();
+    for (const auto& compressed : {xml_test::gzipped(), xz, lzma, lzmaLikeABlank}) {
+        testing_host::writeFile(path, compressed);
+        EXPECT_EQ(XmlReader::readFile(path), nullptr) << testing::PrintToString(compressed.substr(0, 6));
+    }
+}
+
+TEST(XmlReader, RefusesWhatIsNoRegularFile) {
+    const testing_host::TemporaryProfile profile;
+    EXPECT_EQ(XmlReader::readFile(profile.root().string()), nullptr);
+}
+
 TEST(XmlReader, RefusesNulBytesDepthAndHugeTexts) {
     EXPECT_EQ(XmlReader::readMemory(std::string("<a>x\0y</a>", 10), "test"), nullptr);
     std::string deep;

@@ -4,6 +4,7 @@
 #include "secure/SecureString.h"
 
 #include <libxml/parser.h>
+#include <libxml/xmlIO.h>
 #include <libxml/xmlmemory.h>
 
 #include <cstring>
@@ -124,6 +125,24 @@ std::vector<std::string> hostileTexts() {
         "<!DOCTYPE a [<!ENTITY e SYSTEM '/etc/hostname'>]><a><g><k v='&e;'>v</k></g></a>",
         "<!DOCTYPE a [<!ENTITY e '&e;'>]><a><g><k v='&e;'>v</k></g></a>",
     };
+}
+
+std::string gzipped() {
+    return {"\x1f\x8b\x08\x00\xbc\x85\x01\x6b\x02\xff\xb3\x49\xb4\xb3\x49\xb2\xb3\xc9\xb6\x33\xb4\xd1\xcf\xb6\xb3\xd1"
+            "\x07\xb2\xf5\x13\xed\x00\xa4\x38\x64\x03\x16\x00\x00\x00",
+            40};
+}
+
+void writeInflatingFile(const std::string& path) {
+    constexpr int best = 9;
+    xmlOutputBufferPtr file = xmlOutputBufferCreateFilename(path.c_str(), nullptr, best);
+    const std::string element = "<k>" + std::string(9'993, 'x') + "</k>";
+    xmlOutputBufferWriteString(file, "<a>");
+    for (int count = 0; count < 10'000; ++count) {
+        xmlOutputBufferWriteString(file, element.c_str());
+    }
+    xmlOutputBufferWriteString(file, "</a>");
+    xmlOutputBufferClose(file);
 }
 
 std::string billionLaughs(const std::string& body) {

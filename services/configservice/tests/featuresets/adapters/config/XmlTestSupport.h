@@ -51,6 +51,12 @@ public:
 /// not declared.
 std::vector<std::string> hostileTexts();
 
+/// "<a><b><k>1</k></b></a>", compressed.
+std::string gzipped();
+
+/// A document of 100 MB, compressed into 100 KB.
+void writeInflatingFile(const std::string& path);
+
 /// An entity that would expand to a billion copies of its innermost text.
 std::string billionLaughs(const std::string& body);
 
