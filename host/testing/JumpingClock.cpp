@@ -23,6 +23,7 @@ int askClock(clockid_t clock, timespec* moment) {
 } // namespace
 
 // In the place of the library's, for all libraries of the process.
+// NOLINTBEGIN(readability-inconsistent-declaration-parameter-name): the library's names are reserved ones.
 extern "C" {
 
 __attribute__((visibility("default"))) int clock_gettime(clockid_t clock, timespec* moment) noexcept {
@@ -45,6 +46,7 @@ __attribute__((visibility("default"))) time_t time(time_t* moment) noexcept {
     return exact.tv_sec;
 }
 }
+// NOLINTEND(readability-inconsistent-declaration-parameter-name)
 
 namespace testing_host {
 

@@ -12,8 +12,7 @@
 #include <string>
 
 // A sanitizer's allocator, where there is one, knows what the library's own one doesn't.
-extern "C" std::size_t __sanitizer_get_current_allocated_bytes()
-    __attribute__((weak)); // NOLINT(bugprone-reserved-identifier)
+std::size_t bytesOfSanitizer() __asm__("__sanitizer_get_current_allocated_bytes") __attribute__((weak));
 
 namespace testing_host {
 
@@ -21,7 +20,7 @@ namespace {
 
 std::size_t measureHeap() {
     if (ProcessUsage::isInstrumented()) {
-        return __sanitizer_get_current_allocated_bytes();
+        return bytesOfSanitizer();
     }
     const auto info = mallinfo2();
     return info.uordblks + info.hblkhd;
@@ -81,7 +80,7 @@ void ProcessUsage::makeHeapExact(char** arguments) {
 }
 
 bool ProcessUsage::isInstrumented() {
-    return __sanitizer_get_current_allocated_bytes != nullptr;
+    return bytesOfSanitizer != nullptr;
 }
 
 } // namespace testing_host

@@ -6,6 +6,7 @@
 #include <TemporaryProfile.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cstdint>

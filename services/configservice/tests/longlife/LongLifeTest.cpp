@@ -7,11 +7,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
-#include <functional>
 #include <iostream>
 #include <limits>
-#include <optional>
 #include <vector>
 
 namespace long_life {
@@ -20,16 +19,15 @@ using testing_host::ProcessUsage;
 
 namespace {
 
-constexpr std::size_t cyclesOfTheSuite = 96;
 /// Whole rounds of everything that is done every few cycles, so that the process stands where it stood.
-constexpr std::size_t cyclesToWarmUp = 32;
+constexpr std::size_t cyclesOfOneRound = 32;
 constexpr std::size_t cyclesOfOneLife = 8;
 
-/// The cycles are measured in so many parts: what a thread or a library takes once shows in one of them, what a cycle
-/// leaves behind in all.
-constexpr std::size_t partCount = 3;
-/// Of heap, for each cycle: a single lost byte takes a block of 32.
-constexpr std::size_t lossOfCycle = 16;
+/// What is lost in each cycle is lost in each stretch; spare room that is taken once is not. A single byte a cycle is a
+/// kilobyte in the shortest stretch, as the heap counts in blocks of 32.
+constexpr std::size_t stretches = 6;
+constexpr std::int64_t heapToleranceOfEveryStretch = 512;
+constexpr std::size_t heapTolerance = std::size_t{16} << 10;
 constexpr std::size_t residentTolerance = std::size_t{1} << 20;
 
 constexpr const char* policy =
@@ -37,22 +35,12 @@ constexpr const char* policy =
     "[HKEY_CURRENT_USER\\Software\\Policies\\Ventrix Systems, Inc.\\Unified Communications\\VentrixUC]\n"
     "\"policy\"=\"in force\"\n";
 
-/// `./test longlife` asks for more.
-std::size_t wantedCycles() {
+/// `./test longlife` asks for more than one round.
+std::size_t cyclesOfOneStretch() {
     const char* const text = std::getenv("LUMORA_LONG_LIFE_CYCLES");
-    const std::size_t wanted = text == nullptr ? cyclesOfTheSuite : std::strtoul(text, nullptr, 10);
-    constexpr std::size_t round = partCount * cyclesToWarmUp;
-    return (wanted + round - 1) / round * round;
-}
-
-/// The least that one part added.
-std::size_t leastGrowth(const std::vector<ProcessUsage>& measured) {
-    std::size_t least = std::numeric_limits<std::size_t>::max();
-    for (std::size_t i = 1; i < measured.size(); ++i) {
-        const std::size_t before = measured[i - 1].heapBytes;
-        least = std::min(least, std::max(measured[i].heapBytes, before) - before);
-    }
-    return least;
+    const std::size_t wanted = text == nullptr ? 0 : std::strtoul(text, nullptr, 10);
+    const std::size_t rounds = (wanted + stretches * cyclesOfOneRound - 1) / (stretches * cyclesOfOneRound);
+    return std::max<std::size_t>(rounds, 1) * cyclesOfOneRound;
 }
 
 void show(std::size_t cycles, const ProcessUsage& usage) {
@@ -70,23 +58,35 @@ protected:
     }
     ~LongLife() override { zel::registry::overrideRegistry(nullptr); }
 
+    using Play = std::function<void(std::size_t)>;
+
     /// `play` runs the cycle of that number.
-    static void expectFlat(const std::function<void(std::size_t)>& play) {
-        const std::size_t part = wantedCycles() / partCount;
-        const std::size_t cycles = cyclesToWarmUp + wantedCycles();
-        std::vector<ProcessUsage> measured;
-        for (std::size_t number = 0; number < cycles; ++number) {
-            play(number);
-            ASSERT_FALSE(HasFailure()) << "in cycle " << number;
-            if (const std::size_t played = number + 1;
-                played >= cyclesToWarmUp && (played - cyclesToWarmUp) % part == 0) {
-                measured.push_back(ProcessUsage::measure());
-                show(played, measured.back());
+    static void expectFlat(const Play& play) {
+        const std::size_t length = cyclesOfOneStretch();
+        std::vector<ProcessUsage> usages;
+        usages.reserve(stretches + 1); // not to be measured itself
+        for (std::size_t number = 0; number <= cyclesOfOneRound + stretches * length; ++number) {
+            if (number >= cyclesOfOneRound && (number - cyclesOfOneRound) % length == 0) {
+                usages.push_back(ProcessUsage::measure());
+                show(number, usages.back());
             }
+            if (number < cyclesOfOneRound + stretches * length) {
+                play(number);
+            }
+            ASSERT_FALSE(HasFailure()) << "in cycle " << number;
         }
-        const ProcessUsage& warm = measured.front();
-        const ProcessUsage& end = measured.back();
-        EXPECT_LT(leastGrowth(measured), part * lossOfCycle);
+        expectNoGrowth(usages);
+    }
+
+    static void expectNoGrowth(const std::vector<ProcessUsage>& usages) {
+        auto smallest = std::numeric_limits<std::int64_t>::max();
+        for (std::size_t i = 1; i < usages.size(); ++i) {
+            smallest = std::min(smallest, static_cast<std::int64_t>(usages[i].heapBytes - usages[i - 1].heapBytes));
+        }
+        const auto& warm = usages.front();
+        const auto& end = usages.back();
+        EXPECT_LE(smallest, heapToleranceOfEveryStretch) << "the heap grows in every stretch";
+        EXPECT_LE(end.heapBytes, warm.heapBytes + heapTolerance);
         EXPECT_EQ(end.fileDescriptors, warm.fileDescriptors);
         EXPECT_EQ(end.threads, warm.threads);
         if (!ProcessUsage::isInstrumented()) {
