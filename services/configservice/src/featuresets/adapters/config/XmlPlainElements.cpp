@@ -87,24 +87,19 @@ void XmlPlainElements::onCharacters(void* parser, const xmlChar* characters, int
 
 void XmlPlainElements::onCdata(void* parser, const xmlChar* characters, int length) {
     auto& self = of(parser);
-    if (!self.append({reinterpret_cast<const char*>(characters), static_cast<std::size_t>(length)})) {
-        self.tree.cdataBlock(parser, characters, length);
-    }
+    self.stopInElement(); // where an element turns out to hold more, the tree tells it from text
+    self.tree.cdataBlock(parser, characters, length);
 }
 
 void XmlPlainElements::onComment(void* parser, const xmlChar* comment) {
     auto& self = of(parser);
-    if (self.pending != nullptr) {
-        self.stop();
-    }
+    self.stopInElement();
     self.tree.comment(parser, comment);
 }
 
 void XmlPlainElements::onInstruction(void* parser, const xmlChar* target, const xmlChar* data) {
     auto& self = of(parser);
-    if (self.pending != nullptr) {
-        self.stop();
-    }
+    self.stopInElement();
     self.tree.processingInstruction(parser, target, data);
 }
 
@@ -130,6 +125,13 @@ void XmlPlainElements::end() {
     take(reinterpret_cast<const char*>(std::exchange(pending, nullptr)), text);
     OPENSSL_cleanse(text.data(), text.size());
     text.clear();
+}
+
+/// For what a plain element doesn't hold; between elements it means nothing.
+void XmlPlainElements::stopInElement() {
+    if (pending != nullptr) {
+        stop();
+    }
 }
 
 /// From here on all enters the tree, the element that has begun first.

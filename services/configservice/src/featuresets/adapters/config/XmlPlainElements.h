@@ -38,6 +38,7 @@ private:
     void begin(const xmlChar* name);
     bool append(std::string_view characters);
     void end();
+    void stopInElement();
     void stop();
 
     xmlParserCtxt& context;
