@@ -57,8 +57,8 @@ protected:
             return;
         }
         auto made = make();
-        notifiers = made;
         observers.push_back({made});
+        notifiers = made;
     }
 
     /// Calls `operation` on every living observer that is an `Observer`, with no lock held. An exception ends the walk.

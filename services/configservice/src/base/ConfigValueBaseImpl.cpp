@@ -1,6 +1,7 @@
 #include "ConfigValueBaseImpl.h"
 
 #include "ConfigValueNotifiersImpl.h"
+#include "secure/SecureString.h"
 
 #include <utility>
 
@@ -8,6 +9,11 @@ namespace ZelUnified {
 
 ConfigValueBaseImpl::ConfigValueBaseImpl(const std::shared_ptr<UnifiedFactory>& factory, std::wstring recordKey)
     : UnifiedBusinessObjectImpl(factory, "ConfigValueBaseImpl"), Key(std::move(recordKey)) {}
+
+ConfigValueBaseImpl::~ConfigValueBaseImpl() {
+    zel::SecureString::wipe(Value);
+    zel::SecureString::wipe(OriginalValue);
+}
 
 void ConfigValueBaseImpl::addObserver(std::weak_ptr<ConfigValueObserver> observer) {
     UnifiedBusinessObjectImpl::addObserver(std::move(observer));
@@ -48,7 +54,8 @@ std::wstring ConfigValueBaseImpl::getValue() {
 
 void ConfigValueBaseImpl::setValue(std::wstring text) {
     EnsureUpdateAccess(true);
-    Value = std::move(text);
+    Value.swap(text);
+    zel::SecureString::wipe(text);
 }
 
 void ConfigValueBaseImpl::fireValue() {
@@ -63,7 +70,8 @@ std::wstring ConfigValueBaseImpl::getOriginalValue() {
 
 void ConfigValueBaseImpl::setOriginalValue(std::wstring text) {
     EnsureUpdateAccess(true);
-    OriginalValue = std::move(text);
+    OriginalValue.swap(text);
+    zel::SecureString::wipe(text);
 }
 
 void ConfigValueBaseImpl::fireOriginalValue() {

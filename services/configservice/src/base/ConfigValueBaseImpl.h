@@ -50,6 +50,7 @@ public:
 
 protected:
     ConfigValueBaseImpl(const std::shared_ptr<UnifiedFactory>& factory, std::wstring recordKey);
+    ~ConfigValueBaseImpl() override;
 
     void initNotifiers() override;
 

@@ -1,5 +1,6 @@
 #include "ConfigTable.h"
 
+#include "WipedValues.h"
 #include "featuresets/adapters/config/ConfigMapKeys.h"
 
 namespace ZelUnified {
@@ -8,9 +9,14 @@ ConfigTable::ConfigTable(ConfigMap values) {
     replace(std::move(values));
 }
 
+ConfigTable::~ConfigTable() {
+    wipeValues(map);
+}
+
 void ConfigTable::store(const std::wstring& key, const std::wstring& value) {
     const FoldedKey folded(key);
     if (auto* entry = index.find(folded)) {
+        zel::SecureString::wipe(entry->second);
         entry->second = value;
         return;
     }
@@ -27,25 +33,30 @@ bool ConfigTable::remove(const std::wstring& key) {
         return false;
     }
     index.erase(folded); // while the entry's key can be read
-    map.erase(map.find(key));
+    const auto entry = map.find(key);
+    zel::SecureString::wipe(entry->second);
+    map.erase(entry);
     return true;
 }
 
 void ConfigTable::clear() {
     index.clear();
+    wipeValues(map);
     map.clear();
 }
 
 void ConfigTable::replace(ConfigMap values) {
     reserveFilter(values.size()); // while the index still knows what is held
-    clear();
-    map = std::move(values);
-    index.reserve(map.size());
-    for (auto& entry : map) {
+    KeyIndex<ConfigMap::value_type> indexOfValues;
+    indexOfValues.reserve(values.size());
+    for (auto& entry : values) {
         const FoldedKey key(entry.first);
         filter.add(key);
-        index.insert(key, entry);
+        indexOfValues.insert(key, entry);
     }
+    map.swap(values); // entries stay where they are
+    index.swap(indexOfValues);
+    wipeValues(values);
 }
 
 void ConfigTable::reserveFilter(std::size_t keys) {

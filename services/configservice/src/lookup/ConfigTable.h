@@ -13,12 +13,13 @@
 namespace ZelUnified {
 
 /// The keys and values of a store: an ordered map, and an index that finds a key in it without comparing keys on the
-/// way. Has no lock; the store guards it, but for mayHold().
+/// way. What leaves it is zeroed. Has no lock; the store guards it, but for mayHold().
 class ConfigTable {
 public:
     ConfigTable() = default;
     /// Takes the values over.
     explicit ConfigTable(ConfigMap values);
+    ~ConfigTable();
     ConfigTable(const ConfigTable&) = delete;
     ConfigTable& operator=(const ConfigTable&) = delete;
 

@@ -75,6 +75,11 @@ public:
         count = 0;
     }
 
+    void swap(KeyIndex& other) noexcept {
+        slots.swap(other.slots);
+        std::swap(count, other.count);
+    }
+
     /// The hashes of all keys, in no order.
     template <class Use>
     void forEachHash(Use use) const {

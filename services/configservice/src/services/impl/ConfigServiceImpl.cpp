@@ -255,20 +255,22 @@ void ConfigServiceImpl::keep(const FoldedKey& key, const std::shared_ptr<ConfigV
     configValuesIndex.reserveOne();
     if (configValuesIndex.find(key) == nullptr) {
         newConfigValues.push_back(record);
-    } else {
-        orderNewRecords();
-        configValuesIndex.erase(key); // while the former record lives
-        configValues.insert_or_assign(key.getText(), record);
+        configValuesIndex.insert(key, *record);
+        return;
     }
+    orderNewRecords();
+    auto& place = configValues[key.getText()];
+    const auto former = std::exchange(place, record); // what dies with it finds the new one
+    configValuesIndex.erase(key);
     configValuesIndex.insert(key, *record);
 }
 
 void ConfigServiceImpl::orderNewRecords() {
-    for (auto& record : newConfigValues) {
-        const std::wstring& key = record->getIndexedKey();
-        configValues.emplace(key, std::move(record));
+    // One by one: where memory ends, each stands in one of the two.
+    for (; !newConfigValues.empty(); newConfigValues.pop_front()) {
+        const auto& record = newConfigValues.front();
+        configValues.emplace(record->getIndexedKey(), record);
     }
-    newConfigValues.clear();
 }
 
 std::wstring ConfigServiceImpl::describeAliasLookup(const std::wstring& key, const std::wstring& alias,

@@ -1,5 +1,6 @@
 #include "XmlConfigParser.h"
 #include "lookup/ConfigTable.h"
+#include "lookup/WipedValues.h"
 
 #include <CacheConfigStore.h>
 
@@ -15,6 +16,7 @@ CacheConfigStore::CacheConfigStore(std::string storeName, int storePriority, std
     const zel::Mutex::ScopedLock lock(valuesLock);
     values->replace(contents);
     XmlConfigParser::writeToFile(filePath, values->getMap());
+    wipeValues(contents);
     contents.clear();
 }
 

@@ -3,6 +3,7 @@
 #include "LocalFileDocument.h"
 #include "XmlReader.h"
 #include "lookup/ConfigTable.h"
+#include "lookup/WipedValues.h"
 #include "secure/FipsValueOverride.h"
 #include "secure/SecureBuffer.h"
 #include "secure/SecureString.h"
@@ -44,6 +45,7 @@ void bringUpToDate(ConfigMap& kept, const ConfigMap& current) {
     auto next = kept.begin();
     for (const auto& entry : current) {
         while (next != kept.end() && next->first != entry.first && !kept.key_comp()(entry.first, next->first)) {
+            zel::SecureString::wipe(next->second);
             next = kept.erase(next);
         }
         if (next == kept.end() || next->first != entry.first) {
@@ -51,11 +53,14 @@ void bringUpToDate(ConfigMap& kept, const ConfigMap& current) {
             continue;
         }
         if (next->second != entry.second) {
+            zel::SecureString::wipe(next->second);
             next->second = entry.second;
         }
         ++next;
     }
-    kept.erase(next, kept.end());
+    for (; next != kept.end(); next = kept.erase(next)) {
+        zel::SecureString::wipe(next->second);
+    }
 }
 
 std::string readWhole(const std::string& path) {
@@ -115,7 +120,9 @@ LocalFileConfigStore::LocalFileConfigStore(std::string storeName, int storePrior
     readFromEncryptedFile();
 }
 
-LocalFileConfigStore::~LocalFileConfigStore() = default;
+LocalFileConfigStore::~LocalFileConfigStore() {
+    wipeValues(lastPersistedValues);
+}
 
 bool LocalFileConfigStore::getValue(const std::wstring& key, std::wstring& value) {
     return lookUp(FoldedKey(key), value);

@@ -17,15 +17,17 @@ class SensitiveKeys {
 public:
     void add(const std::wstring& key) {
         const std::lock_guard lock(sensitiveKeysLock);
+        const FoldedKey folded(key);
+        if (index.find(folded) != nullptr) {
+            return;
+        }
         index.reserveOne();
         if (filter.isTooSmallFor(sensitiveKeys.size() + 1)) {
             filter.grow(sensitiveKeys.size() + 1, [this](auto addHash) { index.forEachHash(addHash); });
         }
-        if (const auto [added, isNew] = sensitiveKeys.insert(key); isNew) {
-            const FoldedKey folded(*added);
-            filter.add(folded);
-            index.insert(folded, *added);
-        }
+        const auto& added = *sensitiveKeys.insert(key).first;
+        filter.add(folded);
+        index.insert(folded, added);
     }
 
     bool contains(const FoldedKey& key) const {

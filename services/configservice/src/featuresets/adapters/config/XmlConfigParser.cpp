@@ -6,6 +6,7 @@
 #include "XmlGuard.h"
 #include "XmlScrubber.h"
 #include "XmlWriter.h"
+#include "lookup/WipedValues.h"
 #include "secure/FipsValueOverride.h"
 #include "secure/SecureBuffer.h"
 #include "secure/SecureString.h"
@@ -137,13 +138,6 @@ void parsePlainElement(std::string_view name, std::string_view text, ConfigMap& 
     }
 }
 
-void wipe(ConfigMap& values) {
-    for (auto& [key, value] : values) {
-        zel::SecureString::wipe(value);
-    }
-    values.clear();
-}
-
 bool isSensitive(const xmlNode& element) {
     return SensitiveKeySecuringUtility::isWellKnownSensitiveKey(toWideString(XmlReader::getName(element)));
 }
@@ -179,7 +173,8 @@ bool XmlConfigParser::readFromEncryptedFile(const std::string& path, ConfigMap& 
         text, [&values](std::string_view name, std::string_view value) { parsePlainElement(name, value, values); });
     zel::SecureString::wipe(text);
     if (!document) {
-        wipe(values);
+        wipeValues(values);
+        values.clear();
         warnOfFile(L"XML in file did not exist or is an invalid XML document: ", path);
         return false;
     }

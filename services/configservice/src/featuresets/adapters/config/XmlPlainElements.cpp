@@ -64,8 +64,7 @@ void XmlPlainElements::onStartElement(void* parser, const xmlChar* name, const x
                              attributes);
 }
 
-void XmlPlainElements::onEndElement(void* parser, const xmlChar* name, const xmlChar* prefix,
-                                    const xmlChar* uri) noexcept {
+void XmlPlainElements::onEndElement(void* parser, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri) {
     auto& self = of(parser);
     --self.depth;
     if (self.pending != nullptr) {
@@ -121,10 +120,23 @@ bool XmlPlainElements::append(std::string_view characters) {
     return true;
 }
 
+/// An exception would have to pass through the library: it waits until the parsing is over, which is at once.
 void XmlPlainElements::end() {
-    take(reinterpret_cast<const char*>(std::exchange(pending, nullptr)), text);
+    const xmlChar* const name = std::exchange(pending, nullptr);
+    try {
+        take(reinterpret_cast<const char*>(name), text);
+    } catch (...) {
+        failure = std::current_exception();
+        xmlStopParser(&context);
+    }
     OPENSSL_cleanse(text.data(), text.size());
     text.clear();
+}
+
+void XmlPlainElements::rethrowFailure() const {
+    if (failure) {
+        std::rethrow_exception(failure);
+    }
 }
 
 /// For what a plain element doesn't hold; between elements it means nothing.

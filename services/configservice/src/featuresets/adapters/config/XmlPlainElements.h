@@ -2,6 +2,7 @@
 
 #include <libxml/parser.h>
 
+#include <exception>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -23,13 +24,16 @@ public:
     XmlPlainElements(const XmlPlainElements&) = delete;
     XmlPlainElements& operator=(const XmlPlainElements&) = delete;
 
+    /// After the parsing: what the taker threw, which ended it.
+    void rethrowFailure() const;
+
 private:
     static XmlPlainElements& of(void* parser) noexcept;
     static void onInternalSubset(void* parser, const xmlChar* name, const xmlChar* publicId, const xmlChar* systemId);
     static void onStartElement(void* parser, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri,
                                int namespaceCount, const xmlChar** namespaces, int attributeCount, int defaultedCount,
                                const xmlChar** attributes);
-    static void onEndElement(void* parser, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri) noexcept;
+    static void onEndElement(void* parser, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri);
     static void onCharacters(void* parser, const xmlChar* characters, int length);
     static void onCdata(void* parser, const xmlChar* characters, int length);
     static void onComment(void* parser, const xmlChar* comment);
@@ -47,7 +51,8 @@ private:
     bool handsOut = true;
     int depth = 0;                    ///< Of open elements, while it hands out.
     const xmlChar* pending = nullptr; ///< The name of a plain element that has begun.
-    std::string text;                 ///< Of the pending element; never grows.
+    std::exception_ptr failure;
+    std::string text; ///< Of the pending element; never grows.
 };
 
 } // namespace ZelUnified

@@ -1,6 +1,7 @@
 #include "XmlReader.h"
 
 #include "XmlGuard.h"
+#include "XmlScrubber.h"
 
 #include <kyr/FstreamUtils.h>
 #include <kyr/StringUtils.h>
@@ -34,7 +35,8 @@ using Bytes = std::span<xmlChar>;
 
 /// Whether a parser takes the bytes as they are; in doubt false.
 bool isUtf8(std::string_view text) {
-    const auto declaration = text.substr(0, text.find("?>"));
+    const auto begin = text.starts_with("\xEF\xBB\xBF") ? std::size_t{3} : 0;
+    const auto declaration = text.substr(begin).starts_with("<?xml") ? text.substr(0, text.find("?>")) : "";
     const auto encoding = declaration.find("encoding");
     return encoding == std::string_view::npos ||
            KyrCoreUtils::toLowercase(declaration.substr(encoding)).find("utf-8") != std::string::npos;
@@ -134,8 +136,17 @@ XmlDocument parse(const std::string& text, const XmlPlainElements::Take* take) {
     }
     xmlParseDocument(context.get());
     wipeInput(*context, copy);
+    if (plainElements) {
+        plainElements->rethrowFailure();
+    }
     const XmlDocument document = own(std::exchange(context->myDoc, nullptr));
-    return context->wellFormed != 0 ? document : nullptr;
+    if (context->wellFormed != 0) {
+        return document;
+    }
+    if (xmlNode* root = document ? xmlDocGetRootElement(document.get()) : nullptr) {
+        XmlScrubber(document).scrubElement(*root);
+    }
+    return nullptr;
 }
 
 } // namespace

@@ -2,18 +2,16 @@
 
 #include "secure/SecureString.h"
 
-#include <openssl/crypto.h>
-
 #include <algorithm>
-#include <array>
+#include <new>
 #include <utility>
 
 namespace ZelUnified {
 
 namespace {
 
-const xmlChar* toXml(const std::string& text) {
-    return reinterpret_cast<const xmlChar*>(text.c_str());
+const xmlChar* toXml(const char* text) {
+    return reinterpret_cast<const xmlChar*>(text);
 }
 
 /// What most characters are told apart from illegal ones by.
@@ -64,11 +62,6 @@ constexpr std::string_view escapeInAttribute(char character) {
     }
 }
 
-/// In bytes. A piece and the markup around it stay far below what makes the library's own buffer grow, which would
-/// leave the smaller one as it was.
-constexpr std::size_t longestPiece = 512;
-constexpr std::size_t roomOfBuffer = 2048;
-
 /// Grows without leaving what was written in the memory given back.
 void makeRoom(std::string& document, std::size_t count) {
     const std::size_t needed = document.size() + count;
@@ -82,10 +75,15 @@ void makeRoom(std::string& document, std::size_t count) {
     document.swap(larger);
 }
 
-int append(void* document, const char* bytes, int count) {
+/// For the library, which no exception may pass through.
+int append(void* document, const char* bytes, int count) noexcept {
     auto& text = *static_cast<std::string*>(document);
     const auto length = static_cast<std::size_t>(count);
-    makeRoom(text, length);
+    try {
+        makeRoom(text, length);
+    } catch (const std::bad_alloc&) {
+        return -1;
+    }
     text.append(bytes, length);
     return count;
 }
@@ -115,7 +113,7 @@ XmlWriter::~XmlWriter() {
 }
 
 void XmlWriter::startElement(const std::string& name) {
-    note(xmlTextWriterStartElement(writer.get(), toXml(name)));
+    note(xmlTextWriterStartElement(writer.get(), toXml(name.c_str())));
 }
 
 void XmlWriter::endElement() {
@@ -132,59 +130,35 @@ void XmlWriter::writeElement(const std::string& name, const std::string& text) {
 }
 
 void XmlWriter::writeAttribute(const std::string& name, const std::string& text) {
-    note(xmlTextWriterStartAttribute(writer.get(), toXml(name)));
+    note(xmlTextWriterStartAttribute(writer.get(), toXml(name.c_str())));
     writeEscaped<escapeInAttribute>(text);
     note(xmlTextWriterEndAttribute(writer.get()));
 }
 
 std::string XmlWriter::finish() {
-    flush(); // the library flushes when it ends a document
     note(xmlTextWriterEndDocument(writer.get()));
+    note(xmlTextWriterFlush(writer.get()));
     return failed ? std::string() : std::move(document);
 }
 
-/// Escaped here, since the library would leave its escaped copy in memory that it frees.
+/// Past the library, which would leave copies in memory that it frees or moves away from: it gets an empty text, and
+/// its markup goes first.
 template <XmlWriter::Escape escape>
 void XmlWriter::writeEscaped(std::string_view text) {
-    constexpr std::size_t longestEscape = 6;
-    std::array<char, longestPiece> piece;
-    std::size_t length = 0;
-    for (const char character : text) {
-        if (const std::string_view escaped = escape(character); !escaped.empty()) {
-            length += escaped.copy(piece.data() + length, escaped.size());
-        } else {
-            piece[length++] = character;
-        }
-        if (length + longestEscape > piece.size()) {
-            writePiece({piece.data(), length});
-            length = 0;
-        }
-    }
-    writePiece({piece.data(), length});
-    OPENSSL_cleanse(piece.data(), std::min(text.size() * longestEscape, piece.size()));
-}
-
-void XmlWriter::writePiece(std::string_view piece) {
+    note(xmlTextWriterWriteRawLen(writer.get(), toXml(""), 0));
+    note(xmlTextWriterFlush(writer.get()));
     if (failed) {
         return;
     }
-    note(xmlTextWriterWriteRawLen(writer.get(), reinterpret_cast<const xmlChar*>(piece.data()),
-                                  static_cast<int>(piece.size())));
-    if (xmlBufUse(output->buffer) > roomOfBuffer) {
-        flush();
-    }
-}
-
-/// Moves what the library has gathered into the document, and leaves none of it behind.
-void XmlWriter::flush() {
-    if (!isReady()) {
-        return;
-    }
-    xmlChar* const buffered = xmlBufContent(output->buffer);
-    const std::size_t length = xmlBufUse(output->buffer);
-    note(xmlTextWriterFlush(writer.get()));
-    if (buffered != nullptr) {
-        OPENSSL_cleanse(buffered, length);
+    makeRoom(document, text.size());
+    for (const char character : text) {
+        const std::string_view escaped = escape(character);
+        makeRoom(document, std::max<std::size_t>(escaped.size(), 1));
+        if (escaped.empty()) {
+            document += character;
+        } else {
+            document += escaped;
+        }
     }
 }
 

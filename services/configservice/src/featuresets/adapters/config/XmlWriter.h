@@ -10,8 +10,8 @@
 
 namespace ZelUnified {
 
-/// Builds one document in memory with libxml2's text writer: UTF-8, indented. Texts may be secrets: they pass through
-/// the library in pieces that are zeroed, and so is the document at the end.
+/// Builds one document in memory with libxml2's text writer: UTF-8, indented. Texts may be secrets: they
+/// never enter the library, and the document is zeroed at the end.
 class XmlWriter {
 public:
     enum class Declaration { With, Without };
@@ -50,8 +50,6 @@ private:
     void note(int written) { failed = failed || written < 0; }
     template <Escape escape>
     void writeEscaped(std::string_view text);
-    void writePiece(std::string_view piece);
-    void flush();
 
     const XmlGuard guard; ///< A setting of the thread: the writer stays on it.
     bool failed = false;
