@@ -15,7 +15,7 @@ public:
     CacheConfigStore(std::string storeName, int storePriority, std::string file, ConfigMap& contents);
     ~CacheConfigStore() override;
 
-    /// Holds the lock for the whole write: readers wait for the disk.
+    /// Holds the lock for the whole write: readers of what is held wait for the disk.
     void persistValues() override;
 
     const std::type_info& getIndexedType() const override { return typeid(CacheConfigStore); }

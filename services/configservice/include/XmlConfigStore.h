@@ -13,7 +13,8 @@ namespace ZelUnified {
 class ConfigTable;
 
 /// An administrator's store over one XML file, read once at construction: a changed file reaches the system by a new
-/// store only. A file that can't be read gives an empty store. Any thread; one lock around every operation.
+/// store only. A file that can't be read gives an empty store. Any thread; one lock around every
+/// operation, but for the answer that a key is not held.
 ///
 /// "CertificateValidationEnabled" is held and listed but never answered.
 class LUMORA_CONFIG_API XmlConfigStore : public ConfigStore, public IndexedStore {

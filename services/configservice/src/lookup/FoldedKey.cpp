@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cwchar>
+#include <random>
 
 namespace ZelUnified {
 
@@ -23,18 +24,26 @@ constexpr Unit toLowerAscii(Unit unit) noexcept {
     return unit | (static_cast<Unit>(isUpper) << 5);
 }
 
-/// Four units at a time; what matters is that keys which differ in few places end far apart.
-std::uint32_t hashOf(std::wstring_view text) noexcept {
+/// Another one in each process, so that nobody can make a document whose keys all share one hash.
+std::uint64_t seedOfProcess() {
+    static const std::uint64_t seed = [] {
+        std::random_device device;
+        return (std::uint64_t{device()} << 32) | device();
+    }();
+    return seed;
+}
+
+/// Two units at a time, each whole: what matters is that keys which differ in few places end far apart.
+std::uint32_t hashOf(std::wstring_view text) {
     constexpr std::uint64_t odd = 0x9E3779B97F4A7C15;
-    std::uint64_t hash = text.size() * odd;
+    std::uint64_t hash = seedOfProcess() ^ (text.size() * odd);
     const auto unit = [&text](std::size_t place) { return std::uint64_t{unitOf(text[place])}; };
     std::size_t at = 0;
-    for (; at + 4 <= text.size(); at += 4) {
-        const std::uint64_t four = unit(at) ^ (unit(at + 1) << 16) ^ (unit(at + 2) << 32) ^ (unit(at + 3) << 48);
-        hash = (hash ^ four) * odd;
+    for (; at + 2 <= text.size(); at += 2) {
+        hash = (hash ^ unit(at) ^ (unit(at + 1) << 32)) * odd;
         hash ^= hash >> 29;
     }
-    for (; at < text.size(); ++at) {
+    if (at < text.size()) {
         hash = (hash ^ unit(at)) * odd;
     }
     hash ^= hash >> 32;

@@ -14,12 +14,13 @@ namespace ZelUnified {
 /// Tells without a lock that a table does not hold a key. Most tables of a walk don't, and to lock each of them costs
 /// more than to search it. The answer to a key that is held is always yes, to one that isn't mostly no.
 ///
-/// Any thread asks; its owner adds keys one thread at a time. What was added stays, also when the key is removed: a
-/// reader that saw it gone could miss a key that was held all the while.
+/// Any thread asks, and sees what others added in one order, as under locks; its owner adds keys one thread at a time.
+/// What was added stays, also when the key is removed: a reader that saw it gone could miss a key that was held all the
+/// while.
 class KeyFilter {
 public:
     bool mayHold(const FoldedKey& key) const noexcept {
-        const Bits* bits = current.load(std::memory_order_acquire);
+        const Bits* bits = current.load();
         return bits != nullptr && bits->contains(key.getHash());
     }
 
@@ -33,7 +34,7 @@ public:
     void grow(std::size_t keys, AddAll addAll) {
         made.push_back(std::make_unique<Bits>(std::max(keys * bitsForKey, smallest)));
         addAll([bits = made.back().get()](std::uint32_t hash) { bits->add(hash); });
-        current.store(made.back().get(), std::memory_order_release);
+        current.store(made.back().get());
     }
 
     /// While it is not too small.
@@ -51,11 +52,11 @@ private:
         std::size_t size() const noexcept { return words.size() * bitsInWord; }
         bool contains(std::uint32_t hash) const noexcept {
             const std::size_t bit = bitOf(hash);
-            return (words[bit / bitsInWord].load(std::memory_order_relaxed) >> (bit % bitsInWord) & 1) != 0;
+            return (words[bit / bitsInWord].load() >> (bit % bitsInWord) & 1) != 0;
         }
         void add(std::uint32_t hash) noexcept {
             const std::size_t bit = bitOf(hash);
-            words[bit / bitsInWord].fetch_or(std::uint32_t{1} << (bit % bitsInWord), std::memory_order_relaxed);
+            words[bit / bitsInWord].fetch_or(std::uint32_t{1} << (bit % bitsInWord));
         }
 
     private:

@@ -84,5 +84,20 @@ TEST(FoldedKey, NamesWhatTheComparisonOfKeysCallsEqual) {
     }
 }
 
+TEST(FoldedKey, SpreadsKeysThatDifferInTheUpperBitsOfTheirCharacters) {
+    std::set<std::uint32_t> hashes;
+    std::size_t count = 0;
+    for (wchar_t first = 1; first <= 20; ++first) {
+        for (wchar_t second = 1; second <= 20; ++second) {
+            // The same in the lower bits, which was all that counted once.
+            const auto shifted = [](wchar_t number) { return static_cast<wchar_t>(0x3400 + number * 0x400); };
+            const std::wstring key = std::wstring(L"aaa") + shifted(first) + L"bbb" + shifted(second);
+            hashes.insert(FoldedKey(key).getHash());
+            ++count;
+        }
+    }
+    EXPECT_GT(hashes.size(), count - 5);
+}
+
 } // namespace
 } // namespace ZelUnified

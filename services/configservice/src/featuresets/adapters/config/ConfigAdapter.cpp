@@ -233,8 +233,8 @@ void ConfigAdapter::onPowerEvent(ZelSystemMonitor::PowerEventTypeEnum::PowerEven
 }
 
 ConfigServiceImpl* ConfigAdapter::getServiceOfThisThread() const {
-    const bool mayBeCalled = configService && unifiedFactory->getServicesDispatcher()->checkForUpdateAccess();
-    return mayBeCalled ? configService.get() : nullptr;
+    const auto dispatcher = configService ? unifiedFactory->getServicesDispatcher() : nullptr;
+    return dispatcher && dispatcher->checkForUpdateAccess() ? configService.get() : nullptr;
 }
 
 void ConfigAdapter::callService(std::string_view taskName, std::wstring_view taskSubject,
@@ -243,19 +243,19 @@ void ConfigAdapter::callService(std::string_view taskName, std::wstring_view tas
         call(*service);
         return;
     }
-    if (!configService) {
+    const auto dispatcher = configService ? unifiedFactory->getServicesDispatcher() : nullptr;
+    if (!dispatcher) {
         return;
     }
     // A weak reference: a strong one would keep service, factory and queue alive in a circle.
-    unifiedFactory->getServicesDispatcher()->enqueue(
-        std::make_shared<FunctionTask>(
-            [service = std::weak_ptr(configService), call = std::move(call)] {
-                if (const auto alive = service.lock()) {
-                    call(*alive);
-                }
-            },
-            std::string(taskName) + KyrCoreUtils::toString(taskSubject)),
-        false);
+    dispatcher->enqueue(std::make_shared<FunctionTask>(
+                            [service = std::weak_ptr(configService), call = std::move(call)] {
+                                if (const auto alive = service.lock()) {
+                                    call(*alive);
+                                }
+                            },
+                            std::string(taskName) + KyrCoreUtils::toString(taskSubject)),
+                        false);
 }
 
 void ConfigAdapter::notifyConfigKeyAliases() {
@@ -305,6 +305,9 @@ void ConfigAdapter::addServiceEvent(int code, ConfigServiceIdsEnum::ConfigServic
         return;
     }
     const auto dispatcher = unifiedFactory->getServicesDispatcher();
+    if (!dispatcher) {
+        return;
+    }
     if (!dispatcher->checkForUpdateAccess()) {
         dispatcher->enqueue(
             std::make_shared<FunctionTask>([this, code, id, severity] { addServiceEvent(code, id, severity); },

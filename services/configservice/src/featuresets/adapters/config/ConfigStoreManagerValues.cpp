@@ -72,14 +72,12 @@ bool ConfigStoreManager::getValue(const FoldedKey& key, std::wstring& value, std
                                   bool& valueFromLegacyKey, bool skipLocal, const std::string& storeFilter) const {
     const std::lock_guard lock(chainLock);
     const bool isLogged = ZelLog_isDebugEnabled(configStoreManagerLogger());
-    std::wstring loggedName;
-    if (configStoreName == nullptr && isLogged) {
-        configStoreName = &loggedName;
-    }
     auto foundUnder = ConfigLookup::FoundUnder::AskedName;
-    std::wstring answer; // the caller may hand in one string for key and value
-    const bool found =
-        lookup.getValue(key, answer, configStoreName, valueFromLegacyKey, skipLocal, storeFilter, foundUnder);
+    // The caller may hand in one string for the key and one of these.
+    std::wstring answer;
+    std::wstring storeName = configStoreName == nullptr ? std::wstring() : *configStoreName;
+    std::wstring* const wantedName = configStoreName != nullptr || isLogged ? &storeName : nullptr;
+    const bool found = lookup.getValue(key, answer, wantedName, valueFromLegacyKey, skipLocal, storeFilter, foundUnder);
     std::wstring masked;
     const auto shown =
         withoutPersonalData(sensitiveKeys.contains(key) ? ConfigKeys::valueHidden : std::wstring_view(answer), masked);
@@ -87,10 +85,13 @@ bool ConfigStoreManager::getValue(const FoldedKey& key, std::wstring& value, std
         std::wostringstream text;
         text << L"key : [" << key.getText() << L"] " << describeRenaming(foundUnder, keyAliases, key)
              << L"skipLocal : [" << skipLocal << L"]  value: [" << shown << L"] success: ["
-             << (found ? L"true" : L"false") << L"] configStoreName: [" << *configStoreName << L"]";
+             << (found ? L"true" : L"false") << L"] configStoreName: [" << storeName << L"]";
         ZelLog(configStoreManagerLogger(), ZelLogLevel::Debug, ZEL_HERE, text.str());
     }
     value = std::move(answer);
+    if (configStoreName != nullptr) {
+        *configStoreName = std::move(storeName);
+    }
     return found;
 }
 
@@ -116,7 +117,8 @@ std::wstring ConfigStoreManager::getValue(const std::string& storeFilter, const 
 bool ConfigStoreManager::getOriginalValue(const std::wstring& key, std::wstring& originalValue,
                                           std::wstring& originalValueStoreName, bool& fromLegacyKey) const {
     const std::lock_guard lock(chainLock);
-    return lookup.getOriginalValue(FoldedKey(key), originalValue, originalValueStoreName, fromLegacyKey);
+    const std::wstring asked = key; // which may be one string with a result
+    return lookup.getOriginalValue(FoldedKey(asked), originalValue, originalValueStoreName, fromLegacyKey);
 }
 
 bool ConfigStoreManager::storeValue(const std::wstring& key, const std::wstring& value) {
