@@ -3,11 +3,13 @@
 
 #include <zel/ZelLog.h>
 
+#include <FaultInjectingFileLayer.h>
 #include <LogRecorder.h>
 #include <TemporaryProfile.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <filesystem>
 #include <memory>
@@ -370,6 +372,23 @@ TEST_F(LocalFileConfigStoreWritingTest, LetsReadersReadAndAResetWaitWhileItWrite
     EXPECT_TRUE(writtenAtReset);
     EXPECT_EQ(readProtected(main), document);
     zel::storage::EncryptFileUtils::overrideKeyProvider(nullptr);
+}
+
+TEST_F(LocalFileConfigStoreWritingTest, TakesOneSyncOneRenameAndOneSyncOfTheFolder) {
+    using Operation = testing_host::FaultInjectingFileLayer::Operation;
+    store->storeValue(L"Key", L"v");
+    store->persistValues(); // makes the key
+    const auto files = std::make_shared<testing_host::FaultInjectingFileLayer>();
+    zel::storage::EncryptFileUtils::overrideFileLayer(files);
+    store->storeValue(L"Key", L"w");
+    store->persistValues();
+    zel::storage::EncryptFileUtils::overrideFileLayer(nullptr);
+    const auto calls = files->getCalls();
+    const auto count = [&calls](Operation operation) { return std::ranges::count(calls, operation); };
+    EXPECT_EQ(count(Operation::CreateFile), 1);
+    EXPECT_EQ(count(Operation::Sync), 1);
+    EXPECT_EQ(count(Operation::Rename), 1);
+    EXPECT_EQ(count(Operation::SyncDirectory), 1);
 }
 
 TEST_F(LocalFileConfigStoreWritingTest, StandsManyThreads) {
