@@ -1,8 +1,8 @@
 # Writes a C++ file with the bytes of another file in it: cmake -DINPUT=... -DOUTPUT=... -DFUNCTION=... -DHEADER=... -P
 # FUNCTION is declared by HEADER in namespace lumora_config and gives a std::string_view.
 file(READ ${INPUT} bytes HEX)
-string(LENGTH ${bytes} digits)
-math(EXPR count "${digits} / 2") # to be deduced by the compiler, it is more than some can count
+string(LENGTH "${bytes}" digits)
+math(EXPR count "${digits} / 2") # told, since some compilers can't deduce so many
 string(REGEX REPLACE "([0-9a-f][0-9a-f])" "'\\\\x\\1'," bytes "${bytes}")
 string(REGEX REPLACE "('[^']+',('[^']+',)?('[^']+',)?('[^']+',)?('[^']+',)?('[^']+',)?('[^']+',)?('[^']+',)?)" "\\1\n" bytes "${bytes}")
 file(WRITE ${OUTPUT}

@@ -12,9 +12,9 @@ if(LUMORA_SANITIZER MATCHES "thread")
   list(APPEND LUMORA_TEST_ENVIRONMENT "TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1:detect_deadlocks=1")
 endif()
 
-# Optimizing instrumented assertions costs more than half of the build and gains nothing: the product is what runs long.
+# Optimizing assertions costs more than half of the build and gains nothing: the product is what runs long.
 set(LUMORA_TEST_OPTIONS "")
-if(LUMORA_SANITIZER)
+if(NOT MSVC)
   set(LUMORA_TEST_OPTIONS -O0)
 endif()
 

@@ -36,7 +36,7 @@ public:
 
 private:
     const std::unique_ptr<ConfigTable> values;
-    zel::Mutex valuesMutex; ///< Guards `values`.
+    zel::Mutex valuesMutex; ///< Guards `values`, but for ConfigTable::mayHold().
     const std::string name;
     const int priority;
 };

@@ -83,7 +83,7 @@ private:
     bool local;
     bool readOnly;
     bool destroyed = false;
-    zel::Mutex valuesMutex; ///< Guards `destroyed`, `values` and `lastPersistedValues`.
+    zel::Mutex valuesMutex; ///< Guards `destroyed`, `lastPersistedValues`, and `values` but for ConfigTable::mayHold().
     zel::Mutex fileMutex;   ///< Held while the files are read or written.
     const std::unique_ptr<ConfigTable> values;
     ConfigMap lastPersistedValues;

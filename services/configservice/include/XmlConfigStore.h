@@ -45,7 +45,7 @@ public:
 protected:
     const std::unique_ptr<ConfigTable> values;
     std::string filePath;
-    zel::Mutex valuesLock; ///< Guards `values`.
+    zel::Mutex valuesLock; ///< Guards `values`, but for ConfigTable::mayHold().
 
 private:
     std::shared_ptr<void> reserved;

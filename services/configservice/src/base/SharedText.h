@@ -7,7 +7,7 @@
 
 namespace ZelUnified {
 
-/// A text that never changes and may have many holders, who then hold it once.
+/// A text that never changes and may have many holders, who then hold it once. Copies may go to any thread.
 class SharedText {
 public:
     SharedText() = default;

@@ -47,7 +47,7 @@ public:
 
     /// After reserve() or reserveOne(). The key must not be in the index yet.
     void insert(const FoldedKey& key, Entry& entry) noexcept {
-        place({markOf(key), &entry});
+        place({key.getHash(), &entry});
         ++count;
     }
 
@@ -107,11 +107,9 @@ private:
             return entry;
         }
 
-        std::uint32_t mark = 0; ///< Of the hash; 0 for a free slot.
+        std::uint32_t mark = 0; ///< The key's hash; 0 for a free slot.
         alignas(std::uint32_t) std::array<std::byte, sizeof(void*)> pointer{};
     };
-
-    static std::uint32_t markOf(const FoldedKey& key) noexcept { return key.getHash(); }
 
     /// Keeps the order of the hashes, so that any number of places will do, and the table grows by half only.
     std::size_t homeOf(std::uint32_t mark) const noexcept {
@@ -122,7 +120,7 @@ private:
 
     /// Where the key's entry stands, or the free place behind its last candidate.
     std::size_t placeOf(const FoldedKey& key) const noexcept {
-        const std::uint32_t mark = markOf(key);
+        const std::uint32_t mark = key.getHash();
         std::size_t at = homeOf(mark);
         while (!slots[at].isFree() && !(slots[at].mark == mark && key.names(KeyOf{}(*slots[at].getEntry())))) {
             at = next(at);

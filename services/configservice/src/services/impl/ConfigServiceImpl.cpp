@@ -147,7 +147,7 @@ void ConfigServiceImpl::configDownloadFailed() {
 
 void ConfigServiceImpl::reset() {
     EnsureUpdateAccess(true);
-    // What dies with a record may call back into the service, so the map is emptied before the records go.
+    // What dies with a record may call back into the service, so both containers are emptied before the records go.
     ConfigValueMap released;
     std::deque<std::shared_ptr<ConfigValueImpl>> releasedNew;
     released.swap(configValues);

@@ -139,7 +139,7 @@ void CachedStores::updateCacheStorePriority(const std::string& name, int priorit
     if (!configStoreManager) {
         return;
     }
-    const auto chain = configStoreManager->holdChain();
+    const auto chainLock = configStoreManager->holdChain();
     std::wstring record;
     adapter.getConfig(recordKey(), record, false);
     auto priorities = CachedStoreRecord::parse(record);
@@ -148,7 +148,7 @@ void CachedStores::updateCacheStorePriority(const std::string& name, int priorit
 }
 
 void CachedStores::removeFromCachedStorePriorityMap(const std::wstring& name) {
-    const auto chain = configStoreManager ? configStoreManager->holdChain() : ConfigStoreManager::HeldChain();
+    const auto chainLock = configStoreManager ? configStoreManager->holdChain() : ConfigStoreManager::HeldChain();
     std::wstring record;
     adapter.getConfig(recordKey(), record, false);
     adapter.setConfig(recordKey(), CachedStoreRecord::without(std::move(record), name));

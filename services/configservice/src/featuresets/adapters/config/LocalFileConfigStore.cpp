@@ -40,7 +40,8 @@ std::string toBackupName(std::string file) {
     return file.insert(file.find('.'), "_backup");
 }
 
-/// Makes one table the other, exactly, and touches only what differs: a persist follows few changes.
+/// Makes `kept` equal to `current`, the case of keys included, and zeroes what leaves it. Touches only what differs,
+/// since few values change between two writes.
 void bringUpToDate(ConfigMap& kept, const ConfigMap& current) {
     auto next = kept.begin();
     for (const auto& entry : current) {

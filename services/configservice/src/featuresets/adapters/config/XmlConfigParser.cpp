@@ -138,6 +138,32 @@ void parsePlainElement(std::string_view name, std::string_view text, ConfigMap& 
     }
 }
 
+/// Plain keys go into `values`, the document holds the rest. Without one the table stays empty.
+XmlDocument parseProtectedText(const zel::SecureString& content, ConfigMap& values) {
+    zel::SecureBuffer clear;
+    content.decrypt(clear);
+    std::string text(clear.getData(), clear.getLength());
+    const auto take = [&values](std::string_view name, std::string_view value) {
+        parsePlainElement(name, value, values);
+    };
+    const auto forget = [&] {
+        wipeValues(values);
+        values.clear();
+    };
+    try {
+        XmlDocument document = XmlReader::parseDoc(text, take);
+        zel::SecureString::wipe(text);
+        if (!document) {
+            forget();
+        }
+        return document;
+    } catch (...) {
+        zel::SecureString::wipe(text);
+        forget();
+        throw;
+    }
+}
+
 bool isSensitive(const xmlNode& element) {
     return SensitiveKeySecuringUtility::isWellKnownSensitiveKey(toWideString(XmlReader::getName(element)));
 }
@@ -166,15 +192,8 @@ bool XmlConfigParser::readFromEncryptedFile(const std::string& path, ConfigMap& 
         warnOfFile(L"Failed to read XML document: ", path);
         return false;
     }
-    zel::SecureBuffer clear;
-    content.decrypt(clear);
-    std::string text(clear.getData(), clear.getLength());
-    const XmlDocument document = XmlReader::parseDoc(
-        text, [&values](std::string_view name, std::string_view value) { parsePlainElement(name, value, values); });
-    zel::SecureString::wipe(text);
+    const XmlDocument document = parseProtectedText(content, values);
     if (!document) {
-        wipeValues(values);
-        values.clear();
         warnOfFile(L"XML in file did not exist or is an invalid XML document: ", path);
         return false;
     }

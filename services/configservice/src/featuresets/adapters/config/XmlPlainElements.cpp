@@ -16,7 +16,7 @@ constexpr std::size_t longestText = std::size_t{64} * 1024;
 } // namespace
 
 XmlPlainElements::XmlPlainElements(xmlParserCtxt& parser, const Take& taker)
-    : context(parser), take(taker), tree(*parser.sax) {
+    : context(parser), take(taker), treeHandlers(*parser.sax) {
     text.reserve(longestText);
     context._private = this;
     xmlSAXHandler& handlers = *context.sax;
@@ -32,7 +32,7 @@ XmlPlainElements::XmlPlainElements(xmlParserCtxt& parser, const Take& taker)
 
 XmlPlainElements::~XmlPlainElements() {
     OPENSSL_cleanse(text.data(), text.size());
-    *context.sax = tree;
+    *context.sax = treeHandlers;
     context._private = nullptr;
 }
 
@@ -43,8 +43,8 @@ XmlPlainElements& XmlPlainElements::of(void* parser) noexcept {
 void XmlPlainElements::onInternalSubset(void* parser, const xmlChar* name, const xmlChar* publicId,
                                         const xmlChar* systemId) {
     auto& self = of(parser);
-    self.stop();
-    self.tree.internalSubset(parser, name, publicId, systemId);
+    self.leaveToTree();
+    self.treeHandlers.internalSubset(parser, name, publicId, systemId);
 }
 
 void XmlPlainElements::onStartElement(void* parser, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri,
@@ -53,25 +53,25 @@ void XmlPlainElements::onStartElement(void* parser, const xmlChar* name, const x
     auto& self = of(parser);
     const bool isPlain = prefix == nullptr && uri == nullptr && namespaceCount == 0 && attributeCount == 0;
     if (self.handsOut && self.depth == depthOfGroup && isPlain) {
-        self.begin(name);
+        self.beginPlain(name);
         return;
     }
     if (self.depth >= depthOfGroup) {
-        self.stop();
+        self.leaveToTree();
     }
     ++self.depth;
-    self.tree.startElementNs(parser, name, prefix, uri, namespaceCount, namespaces, attributeCount, defaultedCount,
-                             attributes);
+    self.treeHandlers.startElementNs(parser, name, prefix, uri, namespaceCount, namespaces, attributeCount,
+                                     defaultedCount, attributes);
 }
 
 void XmlPlainElements::onEndElement(void* parser, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri) {
     auto& self = of(parser);
     --self.depth;
     if (self.pending != nullptr) {
-        self.end();
+        self.endPlain();
         return;
     }
-    self.tree.endElementNs(parser, name, prefix, uri);
+    self.treeHandlers.endElementNs(parser, name, prefix, uri);
 }
 
 void XmlPlainElements::onCharacters(void* parser, const xmlChar* characters, int length) {
@@ -80,29 +80,29 @@ void XmlPlainElements::onCharacters(void* parser, const xmlChar* characters, int
         return; // between groups and between keys it means nothing
     }
     if (!self.append({reinterpret_cast<const char*>(characters), static_cast<std::size_t>(length)})) {
-        self.tree.characters(parser, characters, length);
+        self.treeHandlers.characters(parser, characters, length);
     }
 }
 
 void XmlPlainElements::onCdata(void* parser, const xmlChar* characters, int length) {
     auto& self = of(parser);
-    self.stopInElement(); // where an element turns out to hold more, the tree tells it from text
-    self.tree.cdataBlock(parser, characters, length);
+    self.leaveToTreeInElement(); // where an element turns out to hold more, the tree tells it from text
+    self.treeHandlers.cdataBlock(parser, characters, length);
 }
 
 void XmlPlainElements::onComment(void* parser, const xmlChar* comment) {
     auto& self = of(parser);
-    self.stopInElement();
-    self.tree.comment(parser, comment);
+    self.leaveToTreeInElement();
+    self.treeHandlers.comment(parser, comment);
 }
 
 void XmlPlainElements::onInstruction(void* parser, const xmlChar* target, const xmlChar* data) {
     auto& self = of(parser);
-    self.stopInElement();
-    self.tree.processingInstruction(parser, target, data);
+    self.leaveToTreeInElement();
+    self.treeHandlers.processingInstruction(parser, target, data);
 }
 
-void XmlPlainElements::begin(const xmlChar* name) {
+void XmlPlainElements::beginPlain(const xmlChar* name) {
     pending = name;
     ++depth;
 }
@@ -113,7 +113,7 @@ bool XmlPlainElements::append(std::string_view characters) {
         return false;
     }
     if (text.size() + characters.size() > longestText) {
-        stop();
+        leaveToTree();
         return false;
     }
     text += characters;
@@ -121,7 +121,7 @@ bool XmlPlainElements::append(std::string_view characters) {
 }
 
 /// An exception would have to pass through the library: it waits until the parsing is over, which is at once.
-void XmlPlainElements::end() {
+void XmlPlainElements::endPlain() {
     const xmlChar* const name = std::exchange(pending, nullptr);
     try {
         take(reinterpret_cast<const char*>(name), text);
@@ -133,28 +133,22 @@ void XmlPlainElements::end() {
     text.clear();
 }
 
-void XmlPlainElements::rethrowFailure() const {
-    if (failure) {
-        std::rethrow_exception(failure);
-    }
-}
-
 /// For what a plain element doesn't hold; between elements it means nothing.
-void XmlPlainElements::stopInElement() {
+void XmlPlainElements::leaveToTreeInElement() {
     if (pending != nullptr) {
-        stop();
+        leaveToTree();
     }
 }
 
 /// From here on all enters the tree, the element that has begun first.
-void XmlPlainElements::stop() {
+void XmlPlainElements::leaveToTree() {
     handsOut = false;
     if (pending == nullptr) {
         return;
     }
-    tree.startElementNs(&context, std::exchange(pending, nullptr), nullptr, nullptr, 0, nullptr, 0, 0, nullptr);
+    treeHandlers.startElementNs(&context, std::exchange(pending, nullptr), nullptr, nullptr, 0, nullptr, 0, 0, nullptr);
     if (!text.empty()) {
-        tree.characters(&context, reinterpret_cast<const xmlChar*>(text.data()), static_cast<int>(text.size()));
+        treeHandlers.characters(&context, reinterpret_cast<const xmlChar*>(text.data()), static_cast<int>(text.size()));
     }
     OPENSSL_cleanse(text.data(), text.size());
     text.clear();

@@ -24,8 +24,9 @@ public:
     XmlPlainElements(const XmlPlainElements&) = delete;
     XmlPlainElements& operator=(const XmlPlainElements&) = delete;
 
-    /// After the parsing: what the taker threw, which ended it.
-    void rethrowFailure() const;
+    /// What the taker threw, which ended the parsing.
+    bool hasFailed() const noexcept { return failure != nullptr; }
+    void rethrowFailure() const { std::rethrow_exception(failure); }
 
 private:
     static XmlPlainElements& of(void* parser) noexcept;
@@ -39,18 +40,18 @@ private:
     static void onComment(void* parser, const xmlChar* comment);
     static void onInstruction(void* parser, const xmlChar* target, const xmlChar* data);
 
-    void begin(const xmlChar* name);
+    void beginPlain(const xmlChar* name);
     bool append(std::string_view characters);
-    void end();
-    void stopInElement();
-    void stop();
+    void endPlain();
+    void leaveToTreeInElement();
+    void leaveToTree();
 
     xmlParserCtxt& context;
     const Take& take;
-    const xmlSAXHandler tree; ///< The handlers that build it.
+    const xmlSAXHandler treeHandlers; ///< The handlers that build it.
     bool handsOut = true;
-    int depth = 0;                    ///< Of open elements, while it hands out.
-    const xmlChar* pending = nullptr; ///< The name of a plain element that has begun.
+    int depth = 0;                    ///< Of open elements.
+    const xmlChar* pending = nullptr; ///< The name of a plain element that has begun; the parser's.
     std::exception_ptr failure;
     std::string text; ///< Of the pending element; never grows.
 };

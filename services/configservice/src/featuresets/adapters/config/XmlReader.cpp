@@ -136,15 +136,16 @@ XmlDocument parse(const std::string& text, const XmlPlainElements::Take* take) {
     }
     xmlParseDocument(context.get());
     wipeInput(*context, copy);
-    if (plainElements) {
-        plainElements->rethrowFailure();
-    }
     const XmlDocument document = own(std::exchange(context->myDoc, nullptr));
-    if (context->wellFormed != 0) {
+    const bool isTaken = !plainElements || !plainElements->hasFailed();
+    if (context->wellFormed != 0 && isTaken) {
         return document;
     }
     if (xmlNode* root = document ? xmlDocGetRootElement(document.get()) : nullptr) {
         XmlScrubber(document).scrubElement(*root);
+    }
+    if (!isTaken) {
+        plainElements->rethrowFailure();
     }
     return nullptr;
 }
