@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -196,6 +197,15 @@ TEST(PropertyNotifierImpl, MovingTakesTheListOver) {
     target.fire();
     EXPECT_EQ(calls.names, Names{"moved"});
     EXPECT_TRUE(handle.lock()->connected());
+}
+
+TEST(PropertyNotifierImpl, WhatWasMovedFromHoldsTheListNoMore) {
+    PropertyNotifierImpl original;
+    const auto handle = original.connect([] {});
+    std::optional<PropertyNotifierImpl> target(std::move(original));
+    EXPECT_FALSE(handle.expired());
+    target.reset();
+    EXPECT_TRUE(handle.expired());
 }
 
 } // namespace

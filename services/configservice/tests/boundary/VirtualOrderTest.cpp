@@ -1,6 +1,8 @@
 // On the Itanium ABI a pointer to a virtual member holds the member's offset in the virtual table, so the order that
 // other plug-ins were compiled against can be read and compared. The signature of each operation is checked by the way.
 
+#include "services/impl/ConfigServiceImpl.h"
+
 #include <unified/FeatureSetAdapter.h>
 #include <unified/PropertyNotifier.h>
 #include <unified/ProviderResetDataCallback.h>
@@ -177,6 +179,31 @@ TEST(VirtualOrder, ConfigValue) {
                     op<bool()>("differsFromOriginal", &T::differsFromOriginal),
                 });
     EXPECT_EQ(slotsOf<T>(), businessObjectSlots + 14);
+}
+
+/// What the owner of a record calls follows what anyone may.
+TEST(VirtualOrder, OwnersOperationsOfConfigValue) {
+    using T = ConfigValueBaseImpl;
+    const auto last = op<Text()>("getOriginalValueStoreName", &T::getOriginalValueStoreName);
+    expectOrder(last.slot + 1, {
+                                   op<void(Text)>("setKey", &T::setKey),
+                                   op<void(Text)>("setValue", &T::setValue),
+                                   op<void(Text)>("setOriginalValue", &T::setOriginalValue),
+                                   op<void(bool)>("setisOverridden", &T::setisOverridden),
+                                   op<void(bool)>("setisDefined", &T::setisDefined),
+                                   op<void(SharedText)>("setValueStoreName", &T::setValueStoreName),
+                                   op<void(SharedText)>("setOriginalValueStoreName", &T::setOriginalValueStoreName),
+                               });
+}
+
+TEST(VirtualOrder, OwnersOperationsOfConfigService) {
+    using T = ConfigServiceImpl;
+    const auto last = op<Text(Bytes, Text)>("getValueFromConfigStore", &T::getValueFromConfigStore);
+    expectOrder(last.slot + 1, {
+                                   op<void()>("configDownloadFailed", &T::configDownloadFailed),
+                                   op<void()>("reset", &T::reset),
+                                   op<void()>("refreshConfigFeatureSet", &T::refreshConfigFeatureSet),
+                               });
 }
 
 TEST(VirtualOrder, ConfigValueObserver) {

@@ -14,6 +14,17 @@ const std::wstring* find(const ConfigTable& table, const std::wstring& key) {
     return table.find(FoldedKey(key));
 }
 
+/// Each `step`th of the numbered keys, asked for in another case, has its number for a value.
+void expectToHold(const ConfigTable& table, int from, int to, int step) {
+    for (int i = from; i < to; i += step) {
+        const std::wstring spelling = L"KEY" + std::to_wstring(i);
+        const FoldedKey key(spelling);
+        ASSERT_TRUE(table.mayHold(key)) << i;
+        ASSERT_NE(table.find(key), nullptr) << i;
+        ASSERT_EQ(*table.find(key), std::to_wstring(i));
+    }
+}
+
 TEST(ConfigTable, FindsWhatWasStoredUnderAnySpelling) {
     ConfigTable table;
     table.store(L"Key", L"value");
@@ -60,9 +71,15 @@ TEST(ConfigTable, NeverDeniesAKeyThatItHolds) {
     ConfigTable table;
     for (int i = 0; i < 1000; ++i) {
         const std::wstring key = L"Key" + std::to_wstring(i);
-        table.store(key, L"");
+        table.store(key, std::to_wstring(i));
         ASSERT_TRUE(table.mayHold(FoldedKey(key))) << i;
     }
+    expectToHold(table, 0, 1000, 1);
+    for (int i = 0; i < 1000; i += 3) {
+        ASSERT_TRUE(table.remove(L"kEY" + std::to_wstring(i)));
+    }
+    expectToHold(table, 1, 1000, 3);
+    expectToHold(table, 2, 1000, 3);
     table.replace(ConfigMap{{L"New", L""}});
     table.store(L"Newer", L"");
     for (const std::wstring key : {L"NEW", L"newer"}) {

@@ -126,6 +126,25 @@ TEST_F(ConfigServiceImplTest, AfterAResetALookupGivesAnUndefinedRecord) {
     EXPECT_FALSE(service->getConfig(L"k")->getisDefined());
 }
 
+TEST_F(ConfigServiceImplTest, ResetLetsGoOfRecordsThatWereListedAndOfThoseMadeSince) {
+    announce(L"listed", L"v");
+    service->getAllConfig();
+    announce(L"since", L"w");
+    const std::weak_ptr<ConfigValue> listed = service->getConfig(L"listed");
+    const std::weak_ptr<ConfigValue> since = service->getConfig(L"since");
+    service->reset();
+    EXPECT_TRUE(listed.expired());
+    EXPECT_TRUE(since.expired());
+    EXPECT_THAT(*service->getAllConfig(), IsEmpty());
+    for (const auto* key : {L"LISTED", L"SINCE"}) {
+        const auto fresh = service->getConfig(key);
+        EXPECT_EQ(fresh->getKey(), key);
+        EXPECT_EQ(fresh->getValue(), L"");
+        EXPECT_FALSE(fresh->getisDefined());
+    }
+    EXPECT_EQ(service->getAllConfig()->size(), 2U);
+}
+
 TEST_F(ConfigServiceImplTest, WhatDiesInAResetMayCallBack) {
     struct CallsBack {
         ~CallsBack() { size = service.getAllConfig()->size(); }

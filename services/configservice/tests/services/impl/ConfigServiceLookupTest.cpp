@@ -79,6 +79,19 @@ TEST_F(ConfigServiceLookup, ListsAllRecordsInKeyOrderIgnoringCaseAsASnapshotOfLi
     EXPECT_EQ((*std::next(before->begin(), 2))->getValue(), L"changed");
 }
 
+TEST_F(ConfigServiceLookup, RecordsMadeBetweenTwoListingsTakeTheirPlaceInKeyOrder) {
+    service->getConfig(L"m");
+    announce(L"C", L"1");
+    EXPECT_THAT(listKeys(), ElementsAre(L"C", L"m"));
+    announce(L"z", L"2");
+    service->getConfig(L"D");
+    service->getConfig(L"M");
+    service->getConfig(L"a");
+    EXPECT_THAT(listKeys(), ElementsAre(L"a", L"C", L"D", L"m", L"z"));
+    service->getConfig(L"B");
+    EXPECT_THAT(listKeys(), ElementsAre(L"a", L"B", L"C", L"D", L"m", L"z"));
+}
+
 TEST_F(ConfigServiceLookup, AnAliasGivesTheTargetsRecordAndSaysSoInOneLine) {
     announce(L"TftpServer1", L"tftp.example.com");
     service->setupConfigKeyAliases({{L"TFTPPrimaryServer", L"TftpServer1"}});

@@ -99,6 +99,33 @@ TEST_F(ConfigServicePropagation, ANotifierFollowsOneProperty) {
     EXPECT_EQ(values, 1);
 }
 
+TEST_F(ConfigServicePropagation, AStoreNameThatDiffersInCaseAloneCountsAsChanged) {
+    service->OnConfigChanged(L"k", L"v", L"ov", true, true, L"Store", L"Origin", false);
+    const auto observer = observe(L"k");
+    service->OnConfigChanged(L"k", L"v", L"ov", true, true, L"STORE", L"Origin", false);
+    EXPECT_THAT(observer->heard, ElementsAre("ValueStoreName"));
+    observer->heard.clear();
+    service->OnConfigChanged(L"k", L"v", L"ov", true, true, L"STORE", L"origin", false);
+    EXPECT_THAT(observer->heard, ElementsAre("OriginalValueStoreName"));
+    EXPECT_EQ(service->getConfig(L"k")->getValueStoreName(), L"STORE");
+    EXPECT_EQ(service->getConfig(L"k")->getOriginalValueStoreName(), L"origin");
+}
+
+TEST_F(ConfigServicePropagation, ManyDifferentStoreNamesAreAllToldRight) {
+    const auto observer = observe(L"k");
+    announce(L"k", L"v");
+    const auto record = service->getConfig(L"k");
+    for (int i = 0; i < 200; ++i) {
+        observer->heard.clear();
+        const std::wstring name = L"Store " + std::to_wstring(i);
+        const std::wstring original = L"Original " + std::to_wstring(i);
+        service->OnConfigChanged(L"k", L"v", L"", false, true, name, original, false);
+        ASSERT_THAT(observer->heard, ElementsAre("ValueStoreName", "OriginalValueStoreName")) << i;
+        ASSERT_EQ(record->getValueStoreName(), name);
+        ASSERT_EQ(record->getOriginalValueStoreName(), original);
+    }
+}
+
 TEST_F(ConfigServicePropagation, AnObserverMayReadConnectAndRemoveItself) {
     const auto observer = observe(L"k");
     const auto added = std::make_shared<configservice_test::RecordingValueObserver>();

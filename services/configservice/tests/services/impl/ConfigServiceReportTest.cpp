@@ -47,6 +47,21 @@ TEST_F(ConfigServiceReport, ListsDefinedAndUndefinedRecordsEachInKeyOrder) {
                   "Key: zed -  Value - [] valueStoreName [] | OriginalValue [] originalValueStoreName []\n" + tail);
 }
 
+TEST_F(ConfigServiceReport, RecordsMadeBetweenTwoReportsTakeTheirPlaceInKeyOrder) {
+    service->OnConfigChanged(L"m", L"1", L"", false, true, L"s", L"", false);
+    service->getConfig(L"y");
+    report();
+    service->OnConfigChanged(L"z", L"2", L"", false, true, L"s", L"", false);
+    service->OnConfigChanged(L"A", L"3", L"", false, true, L"s", L"", false);
+    service->getConfig(L"X");
+    EXPECT_EQ(report(),
+              head + "Key: A -  Value - [3] valueStoreName [s] | OriginalValue [] originalValueStoreName []\n" +
+                  "Key: m -  Value - [1] valueStoreName [s] | OriginalValue [] originalValueStoreName []\n" +
+                  "Key: z -  Value - [2] valueStoreName [s] | OriginalValue [] originalValueStoreName []\n" + middle +
+                  "Key: X -  Value - [] valueStoreName [] | OriginalValue [] originalValueStoreName []\n" +
+                  "Key: y -  Value - [] valueStoreName [] | OriginalValue [] originalValueStoreName []\n" + tail);
+}
+
 TEST_F(ConfigServiceReport, ADefinedSensitiveKeyHidesBothValuesAlsoWhenEmpty) {
     service->updateSensitiveKeyList(L"SECRET");
     service->updateSensitiveKeyList(L"void");

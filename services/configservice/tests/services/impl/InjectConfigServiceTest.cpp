@@ -102,6 +102,17 @@ TEST_F(InjectConfigServiceTest, AdapterFeedsTheServiceThatWasFiledWithIt) {
     EXPECT_EQ(factory->getServiceByType<ConfigService>()->getConfig(L"k")->getValue(), L"v");
 }
 
+TEST_F(InjectConfigServiceTest, NeitherServiceNorFeatureSetOutlivesTheFactorysEnd) {
+    InjectConfigService(factory);
+    const std::weak_ptr<ConfigService> service = factory->getServiceByType<ConfigService>();
+    const std::weak_ptr<ConfigFeatureSet> featureSet = factory->getFeatureSetByType<ConfigFeatureSet>();
+    featureSet.lock()->setInMemoryConfig(L"k", L"v");
+    service.lock()->getConfig(L"other");
+    factory->Destroy();
+    EXPECT_TRUE(service.expired());
+    EXPECT_TRUE(featureSet.expired());
+}
+
 TEST_F(InjectConfigServiceTest, LeavesAFeatureSetThatExistsInItsPlace) {
     const auto other = std::make_shared<ConfigAdapter>();
     factory->getFeatureSets().registerItem<ConfigFeatureSet>(77, other);

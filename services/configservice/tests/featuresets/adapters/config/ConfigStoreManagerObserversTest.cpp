@@ -51,6 +51,16 @@ TEST_F(ConfigStoreManagerObservers, SensitiveKeyIsToldEachTimeAndKnownInAnyCase)
     EXPECT_FALSE(manager.isSensitiveKey(L"Secre"));
 }
 
+TEST_F(ConfigStoreManagerObservers, SensitiveKeysStayKnownInAnyCaseHoweverManyFollow) {
+    for (int added = 0; added < 200; ++added) {
+        manager.setKeySensitive(L"Secret" + std::to_wstring(added));
+        for (int known = 0; known <= added; ++known) {
+            ASSERT_TRUE(manager.isSensitiveKey(L"SECRET" + std::to_wstring(known))) << known << " after " << added;
+        }
+        ASSERT_FALSE(manager.isSensitiveKey(L"Secret" + std::to_wstring(added + 1)));
+    }
+}
+
 TEST_F(ConfigStoreManagerObservers, StoreAddedObserverRegisteredTwiceIsToldTwiceAndLeavesAtOnce) {
     const auto added = std::make_shared<StoreAddedRecorder>();
     manager.registerConfigStoreAddedObserver(added);
