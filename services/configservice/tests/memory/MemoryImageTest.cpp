@@ -83,6 +83,14 @@ TEST_F(MemoryImageTest, AUserStoreOfManyKeysHoldsASecretNoMoreOften) {
     expectCopies("user", 2);
 }
 
+TEST_F(MemoryImageTest, ASecretThatLeavesAUserStoreIsInTheTableOfTheLastWriteUntilTheNextOne) {
+    for (const std::string way : {"removed, unwritten", "reset, unwritten"}) {
+        SCOPED_TRACE(way);
+        plantInUserFile(200);
+        expectCopies(way, 1);
+    }
+}
+
 TEST_F(MemoryImageTest, ASecretThatLeavesAUserStoreLeavesNothingBehind) {
     for (const std::string way : {"removed", "longer", "shorter", "reset", "released"}) {
         SCOPED_TRACE(way);

@@ -186,10 +186,24 @@ bool runOperations(const std::string& folder) {
 }
 
 /// How a secret leaves a user's store. The backup is written whenever the main file is.
-enum class Leaving { Removed, OverwrittenByLonger, OverwrittenByShorter, Reset, Released };
+enum class Leaving {
+    RemovedUnwritten,
+    ResetUnwritten,
+    Removed,
+    OverwrittenByLonger,
+    OverwrittenByShorter,
+    Reset,
+    Released
+};
 
 void leave(ZelUnified::ConfigStore& store, Leaving way) {
     switch (way) {
+    case Leaving::RemovedUnwritten:
+        store.removeValue(secretKey);
+        return;
+    case Leaving::ResetUnwritten:
+        store.removeAllValues();
+        return;
     case Leaving::Removed:
         store.removeValue(secretKey);
         break;
@@ -208,7 +222,9 @@ void leave(ZelUnified::ConfigStore& store, Leaving way) {
     store.persistValues();
 }
 
-constexpr std::array<std::pair<std::string_view, Leaving>, 5> waysToLeave{{
+constexpr std::array<std::pair<std::string_view, Leaving>, 7> waysToLeave{{
+    {"removed, unwritten", Leaving::RemovedUnwritten},
+    {"reset, unwritten", Leaving::ResetUnwritten},
     {"removed", Leaving::Removed},
     {"longer", Leaving::OverwrittenByLonger},
     {"shorter", Leaving::OverwrittenByShorter},
