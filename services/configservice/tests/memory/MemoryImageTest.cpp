@@ -20,9 +20,14 @@ namespace {
 /// What a process holds in memory that was only ever told by files what the secret is.
 class MemoryImageTest : public testing::Test {
 protected:
-    void plantInUserFile() const {
+    /// Beside as many keys, on both sides of it.
+    void plantInUserFile(int keys = 0) const {
         const auto store = std::make_shared<ZelUnified::LocalFileConfigStore>("LocalFileConfigStore", 20, false);
         store->storeValue(L"ConnectionPassword", secret.text());
+        for (int number = 0; number < keys; ++number) {
+            const auto text = std::to_wstring(number);
+            store->storeValue((number % 2 == 0 ? L"a key " : L"z key ") + text, L"value " + text);
+        }
         store->persistValues();
     }
 
@@ -71,6 +76,35 @@ TEST_F(MemoryImageTest, AValueThatIsWrittenInPartsLeavesNoneOfThemBehind) {
     ASSERT_TRUE(zel::storage::EncryptFileUtils::writeDataToFile(path.string(), document,
                                                                 zel::storage::FileCategoryType::UserData));
     expectCopies("Presence", 1);
+}
+
+TEST_F(MemoryImageTest, AUserStoreOfManyKeysHoldsASecretNoMoreOften) {
+    plantInUserFile(200);
+    expectCopies("user", 2);
+}
+
+TEST_F(MemoryImageTest, ASecretThatLeavesAUserStoreIsInTheTableOfTheLastWriteUntilTheNextOne) {
+    for (const std::string way : {"removed, unwritten", "reset, unwritten"}) {
+        SCOPED_TRACE(way);
+        plantInUserFile(200);
+        expectCopies(way, 1);
+    }
+}
+
+TEST_F(MemoryImageTest, ASecretThatLeavesAUserStoreLeavesNothingBehind) {
+    for (const std::string way : {"removed", "longer", "shorter", "reset", "released"}) {
+        SCOPED_TRACE(way);
+        plantInUserFile(200);
+        expectCopies(way, 0);
+    }
+}
+
+TEST_F(MemoryImageTest, ASecretThatLeavesAServiceLeavesNothingBehind) {
+    for (const std::string way : {"service overwritten", "service reset"}) {
+        SCOPED_TRACE(way);
+        plantInUserFile(200);
+        expectCopies(way, 0);
+    }
 }
 
 } // namespace

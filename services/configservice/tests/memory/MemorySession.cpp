@@ -2,6 +2,7 @@
 // told where they are, never what is in them: memory_session CONFIG DATA STATE SCENARIO. In the scenario "operations"
 // it is given the secret by a line of input instead, and announces each operation on standard output.
 #include "featuresets/adapters/config/FakeConfigStore.h"
+#include "secure/SecureString.h"
 #include "services/impl/ConfigFileCacheTimer.h"
 #include "services/impl/ConfigFileCacheTimerCallBack.h"
 #include "services/impl/InjectConfigService.h"
@@ -21,6 +22,7 @@
 #include <sys/prctl.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
@@ -28,11 +30,14 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace {
 
 using KyrCoreUtils::FileUtils;
+
+constexpr const wchar_t* secretKey = L"ConnectionPassword";
 
 /// Writes the backup as soon as it is asked for.
 class ImpatientTimer final : public ZelUnified::ConfigFileCacheTimer {
@@ -180,6 +185,91 @@ bool runOperations(const std::string& folder) {
     return true;
 }
 
+/// How a secret leaves a user's store. The backup is written whenever the main file is.
+enum class Leaving {
+    RemovedUnwritten,
+    ResetUnwritten,
+    Removed,
+    OverwrittenByLonger,
+    OverwrittenByShorter,
+    Reset,
+    Released
+};
+
+void leave(ZelUnified::ConfigStore& store, Leaving way) {
+    switch (way) {
+    case Leaving::RemovedUnwritten:
+        store.removeValue(secretKey);
+        return;
+    case Leaving::ResetUnwritten:
+        store.removeAllValues();
+        return;
+    case Leaving::Removed:
+        store.removeValue(secretKey);
+        break;
+    case Leaving::OverwrittenByLonger:
+        store.storeValue(secretKey, std::wstring(500, L'x'));
+        break;
+    case Leaving::OverwrittenByShorter:
+        store.storeValue(secretKey, L"short");
+        break;
+    case Leaving::Reset:
+        store.removeAllValues();
+        break;
+    case Leaving::Released:
+        return;
+    }
+    store.persistValues();
+}
+
+constexpr std::array<std::pair<std::string_view, Leaving>, 7> waysToLeave{{
+    {"removed, unwritten", Leaving::RemovedUnwritten},
+    {"reset, unwritten", Leaving::ResetUnwritten},
+    {"removed", Leaving::Removed},
+    {"longer", Leaving::OverwrittenByLonger},
+    {"shorter", Leaving::OverwrittenByShorter},
+    {"reset", Leaving::Reset},
+    {"released", Leaving::Released},
+}};
+
+/// A store that was read from the file has its secret set anew, written and taken away. It is answered while it lives
+/// on, unless it was released.
+std::shared_ptr<ZelUnified::ConfigStore> outliveSecret(Leaving way) {
+    auto store = openUserStore();
+    std::wstring value;
+    store->getValue(secretKey, value);
+    store->storeValue(L"another", L"key");
+    store->persistValues();
+    store->removeValue(secretKey);
+    store->persistValues();
+    store->storeValue(secretKey, value);
+    store->persistValues();
+    zel::SecureString::wipe(value);
+    leave(*store, way);
+    if (way == Leaving::Released) {
+        store.reset();
+    }
+    return store;
+}
+
+/// The same in a service, whose record holds the secret too and may outlive it.
+void outliveSecretInService(bool isReset) {
+    testing_host::ManualClock clock;
+    const LoadedSession session;
+    const auto record = session.service->getConfig(secretKey);
+    session.service->setConfig(L"another", L"key");
+    session.runTasks();
+    if (isReset) {
+        reset(session);
+    } else {
+        session.service->setConfig(secretKey, L"no secret any more");
+    }
+    session.runTasks();
+    clock.advance(30);
+    session.runTasks();
+    stopHere();
+}
+
 /// What must be found by who looks for it.
 void leak(const std::string& folder) {
     const auto secret = readSecret();
@@ -224,6 +314,17 @@ int main(int argc, char** argv) {
         leak(argv[3]);
         stopHere();
         return EXIT_SUCCESS;
+    }
+    if (scenario == "service reset" || scenario == "service overwritten") {
+        outliveSecretInService(scenario == "service reset");
+        return EXIT_SUCCESS;
+    }
+    for (const auto& [name, way] : waysToLeave) {
+        if (scenario == name) {
+            const auto store = outliveSecret(way);
+            stopHere();
+            return EXIT_SUCCESS;
+        }
     }
     const auto store = scenario == "user" ? openUserStore() : openCachedCopy(argv[4]);
     store->storeValue(L"another", L"key");

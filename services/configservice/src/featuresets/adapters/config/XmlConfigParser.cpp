@@ -306,7 +306,7 @@ std::string XmlConfigParser::extractStringFromXmlNode(XmlScrubber& scrubber, xml
 }
 
 std::string XmlConfigParser::extractXmlStringFromXmlNode(XmlScrubber& scrubber, xmlNode& element) {
-    const XmlBuffer buffer = makeXmlBuffer();
+    const XmlBuffer buffer = makeXmlBuffer(element);
     if (!buffer || xmlNodeDump(buffer.get(), element.doc, &element, 0, 0) == -1) {
         return {};
     }

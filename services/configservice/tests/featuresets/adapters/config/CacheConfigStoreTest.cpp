@@ -1,4 +1,5 @@
 #include "ConfigStoreConformance.h"
+#include "LocalFileTestSupport.h"
 #include "XmlTestSupport.h"
 
 #include <CacheConfigStore.h>
@@ -7,7 +8,10 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <memory>
+#include <mutex>
 #include <string>
+#include <thread>
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -15,6 +19,27 @@ using ZelUnified::CacheConfigStore;
 using ZelUnified::ConfigMap;
 
 namespace {
+
+/// The private lock of this name: that it is held can't be seen from outside without waiting for it.
+std::recursive_mutex& platformLockOf(zel::Mutex& mutex);
+
+template <auto lock>
+struct PrivateMember {
+    friend std::recursive_mutex& platformLockOf(zel::Mutex& mutex) { return *(mutex.*lock); }
+};
+
+// The arguments of an explicit instantiation may name what is private.
+template struct PrivateMember<&zel::Mutex::platformLock>;
+
+class OpenCacheConfigStore final : public CacheConfigStore {
+public:
+    using CacheConfigStore::CacheConfigStore;
+    /// Whether another thread holds the lock that every reader of a held key takes.
+    bool isLockedElsewhere() {
+        const std::unique_lock lock(platformLockOf(valuesLock), std::try_to_lock);
+        return !lock.owns_lock();
+    }
+};
 
 class CacheConfigStoreTest : public testing::Test {
 protected:
@@ -119,4 +144,26 @@ TEST_F(CacheConfigStoreTest, KeepsItsTableWhenTheCopyCantBeWritten) {
     CacheConfigStore store("X", 240, path, contents);
     EXPECT_EQ(valueOf(store, L"key"), "v");
     EXPECT_THAT(contents, IsEmpty());
+}
+
+TEST_F(CacheConfigStoreTest, LetsReadersOfAHeldKeyWaitForTheDisk) {
+    const auto keys = std::make_shared<xml_test::GatedKeyProvider>();
+    zel::storage::EncryptFileUtils::overrideKeyProvider(keys);
+    ConfigMap contents = {{L"key", L"v"}};
+    OpenCacheConfigStore store("X", 240, path, contents);
+    EXPECT_FALSE(store.isLockedElsewhere());
+    keys->close();
+    std::thread writer([&] { store.persistValues(); });
+    EXPECT_TRUE(keys->waitForWriter());
+    EXPECT_TRUE(store.isLockedElsewhere());
+    EXPECT_EQ(valueOf(store, L"absent"), "(none)"); // at once
+    std::string read;
+    std::thread reader([&] { read = valueOf(store, L"key"); });
+    EXPECT_TRUE(store.isLockedElsewhere());
+    keys->open();
+    writer.join();
+    reader.join();
+    EXPECT_EQ(read, "v");
+    EXPECT_FALSE(store.isLockedElsewhere());
+    zel::storage::EncryptFileUtils::overrideKeyProvider(nullptr);
 }

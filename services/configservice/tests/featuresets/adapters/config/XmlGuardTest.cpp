@@ -26,7 +26,7 @@ void parse(const char* text) {
 TEST(XmlGuard, TheFirstUseOfTheLibraryMayBeOnSeveralThreadsAtOnce) {
     const auto use = [] {
         const XmlGuard guard;
-        EXPECT_NE(ZelUnified::makeXmlBuffer(), nullptr);
+        EXPECT_NE(ZelUnified::makeXmlBuffer(xmlNode{}), nullptr);
     };
     std::thread other(use);
     use();

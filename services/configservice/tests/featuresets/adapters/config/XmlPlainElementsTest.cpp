@@ -10,6 +10,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <new>
 #include <string>
 #include <utility>
 #include <vector>
@@ -119,7 +120,18 @@ TEST(XmlPlainElements, AreWorthNothingWithoutADocument) {
     EXPECT_THAT(tables.fromProtected, IsEmpty());
 }
 
+TEST(XmlPlainElements, LetWhatTheTakerThrowsReachTheCaller) {
+    int calls = 0;
+    const auto take = [&](std::string_view, std::string_view) {
+        ++calls;
+        throw std::bad_alloc();
+    };
+    EXPECT_THROW(XmlReader::parseDoc("<r><g><k>1</k><l>2</l></g></r>", take), std::bad_alloc);
+    EXPECT_EQ(calls, 1);
+}
+
 TEST(XmlPlainElements, ChangeNothingOfWhatADocumentSays) {
+    const std::string longestText(std::size_t{64} * 1024, 'x');
     const std::vector<std::string> documents{
         "<a><b><c>1</c></b><b><c>2</c></b></a>",
         "<a>text<k>no group's key</k><g>text<Key>  x  </Key><!-- note --><key>y</key></g></a>",
@@ -131,6 +143,9 @@ TEST(XmlPlainElements, ChangeNothingOfWhatADocumentSays) {
         "<!DOCTYPE a [<!ATTLIST k sensitive CDATA 'true'><!ENTITY e 'x'>]><a><g><k>1</k><l>&e;</l></g></a>",
         "<p:a xmlns:p='u'><p:g><p:k>1</p:k><k>2</k></p:g></p:a>",
         "<a><g><connectionpassword>abc</connectionpassword><abc>abc</abc></g></a>",
+        "<a><g><k>1</k><l>" + longestText + "<b>x</b></l><m>2</m></g></a>",
+        "<a><g><k>1</k><l>" + longestText + "<![CDATA[x]]></l><m>2</m></g></a>",
+        "<?xml version='1.0' encoding='ISO-8859-1'?><a><g><k>\xE9</k><l>x\xE9<b>\xE9</b></l></g></a>",
         "<a/>",
         "<a><g/></a>",
     };

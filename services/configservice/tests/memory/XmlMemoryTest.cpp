@@ -1,0 +1,110 @@
+#include "XmlFreedBlocks.h"
+#include "featuresets/adapters/config/XmlConfigParser.h"
+#include "featuresets/adapters/config/XmlReader.h"
+#include "featuresets/adapters/config/XmlWriter.h"
+
+#include <gtest/gtest.h>
+#include <libxml/parser.h>
+#include <libxml/xmlmemory.h>
+
+#include <string>
+
+using memory_test::XmlFreedBlocks;
+using ZelUnified::ConfigKeySet;
+using ZelUnified::ConfigMap;
+using ZelUnified::XmlConfigParser;
+using ZelUnified::XmlDocument;
+using ZelUnified::XmlReader;
+using ZelUnified::XmlWriter;
+
+namespace {
+
+const std::string secret = "planted secret";
+
+/// The private operation of this name: what parses a text keeps a copy of all of it, which is not the tree's.
+bool parseDocument(const XmlDocument& document, ConfigMap& values, ConfigKeySet& sensitiveKeys);
+
+template <auto operation>
+struct PrivateOperation {
+    friend bool parseDocument(const XmlDocument& document, ConfigMap& values, ConfigKeySet& sensitiveKeys) {
+        return operation(document, values, sensitiveKeys);
+    }
+};
+
+// The arguments of an explicit instantiation may name what is private.
+template struct PrivateOperation<&XmlConfigParser::parseXmlConfig>;
+
+/// The secret again and again, in at least that many bytes.
+std::string secretOf(std::size_t bytes) {
+    std::string text = secret;
+    while (text.size() < bytes) {
+        text += ", " + secret;
+    }
+    return text;
+}
+
+/// In how many blocks the secret stands that go with a tree, and with what is read out of it. The only key is to get
+/// the secret.
+std::size_t countBehindTree(const std::string& element) {
+    XmlDocument document = XmlReader::readMemory("<a><g>" + element + "</g></a>", "test");
+    const XmlFreedBlocks freed(secret);
+    ConfigMap values;
+    ConfigKeySet sensitive;
+    EXPECT_TRUE(parseDocument(document, values, sensitive));
+    EXPECT_EQ(values.size(), 1U);
+    EXPECT_NE(values.begin()->second.find(L"planted secret"), std::wstring::npos);
+    document.reset();
+    EXPECT_GT(freed.countAll(), 0U);
+    return freed.count();
+}
+
+} // namespace
+
+TEST(XmlFreedBlocks, AreThoseThatAreFreedAndThoseThatGrow) {
+    const XmlFreedBlocks freed(secret);
+    void* block = xmlMemStrdup(("a " + secret).c_str());
+    EXPECT_EQ(freed.count(), 0U);
+    block = xmlRealloc(block, 1000);
+    EXPECT_EQ(freed.count(), 1U);
+    xmlFree(block);
+    EXPECT_EQ(freed.count(), 2U);
+}
+
+TEST(XmlMemory, KeepsNothingOfATextThatIsWritten) {
+    for (const std::size_t kilobytes : {1U, 5U, 50U}) {
+        const XmlFreedBlocks freed(secret);
+        {
+            XmlWriter writer;
+            writer.startElement("root");
+            writer.writeElement("key", secretOf(kilobytes * 400));
+            for (std::size_t count = 0; count < kilobytes * 5; ++count) {
+                writer.startElement("userConfig");
+                writer.writeAttribute("name", "key & " + std::to_string(count));
+                writer.writeAttribute("value", secretOf(100) + "<&>\"\n\r\t\xC3\xA9");
+                writer.endElement();
+            }
+            const std::string document = writer.finish();
+            EXPECT_GE(document.size(), kilobytes * 1024);
+            EXPECT_NE(document.find(secret), std::string::npos);
+        }
+        EXPECT_GT(freed.countAll(), 0U);
+        EXPECT_EQ(freed.count(), 0U) << kilobytes;
+    }
+}
+
+TEST(XmlMemory, KeepsNothingOfASensitiveText) {
+    for (const std::size_t bytes : {10U, 1'000U, 50'000U}) {
+        const std::string text = secretOf(bytes);
+        EXPECT_GT(countBehindTree("<other>" + text + "</other>"), 0U) << bytes;
+        EXPECT_EQ(countBehindTree("<connectionpassword>" + text + "</connectionpassword>"), 0U) << bytes;
+        EXPECT_EQ(countBehindTree("<ConnectionPassword>x<![CDATA[" + text + "]]></ConnectionPassword>"), 0U) << bytes;
+    }
+}
+
+TEST(XmlMemory, KeepsNothingOfASensitiveElementThatHoldsMoreThanText) {
+    for (const std::size_t bytes : {10U, 1'000U, 5'000U, 50'000U}) {
+        const std::string nested = "<b c='" + secretOf(bytes) + "'>" + secretOf(bytes) + "</b>";
+        EXPECT_GT(countBehindTree("<other>" + nested + "</other>"), 0U) << bytes;
+        EXPECT_EQ(countBehindTree("<connectionpassword>" + nested + "</connectionpassword>"), 0U) << bytes;
+    }
+}
