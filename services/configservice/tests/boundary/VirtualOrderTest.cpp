@@ -16,6 +16,7 @@
 #include <ConfigStoreAddedObserver.h>
 #include <ConfigStoreManager_Observer.h>
 #include <ConfigValue.h>
+#include <RegistryConfigStore.h>
 #include <gtest/gtest.h>
 
 #include <array>
@@ -347,6 +348,11 @@ TEST(VirtualOrder, ProviderResetDataCallback) {
     EXPECT_EQ(slotsOf<UnifiedCallback>(), destructor + 1);
     expectOrder(destructor + 1, {op<void(ResetDataOptionEnum::ResetDataOption)>(
                                     "InvokeResetData", &ProviderResetDataCallback::InvokeResetData)});
+}
+
+TEST(VirtualOrder, RegistryConfigStore) {
+    constexpr std::ptrdiff_t storeSlots = destructor + 14;
+    expectOrder(storeSlots, {op<void()>("onRegistryChanged", &RegistryConfigStore::onRegistryChanged)});
 }
 
 } // namespace

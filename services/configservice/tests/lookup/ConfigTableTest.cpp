@@ -87,5 +87,17 @@ TEST(ConfigTable, NeverDeniesAKeyThatItHolds) {
     }
 }
 
+TEST(ConfigTable, FindsAndRemovesKeysBeyondAsciiInAnotherCase) {
+    ConfigTable table;
+    table.store(L"\u212Aey", L"1"); // the Kelvin sign, whose lower case is an ASCII letter
+    table.store(L"\u00c4rger", L"2");
+    ASSERT_NE(find(table, L"KEY"), nullptr);
+    EXPECT_EQ(*find(table, L"KEY"), L"1");
+    EXPECT_TRUE(table.remove(L"KEY"));
+    EXPECT_TRUE(table.remove(L"\u00e4RGER"));
+    EXPECT_EQ(find(table, L"\u212Aey"), nullptr);
+    EXPECT_TRUE(table.getMap().empty());
+}
+
 } // namespace
 } // namespace ZelUnified

@@ -1,5 +1,7 @@
 #include "ConfigAdapterFixture.h"
 
+#include <XmlConfigStore.h>
+
 namespace ZelUnified {
 
 using testing::Contains;
@@ -47,6 +49,31 @@ TEST_F(ConfigAdapterCachedStores, RecordListsStoresByNameIgnoringCase) {
     EXPECT_EQ(record(), L"PresenceConfigStore:31;tftpStore:41;");
 }
 
+TEST_F(ConfigAdapterCachedStores, StoreNamesThePriorityOfItsCopy) {
+    struct Distant final : XmlConfigStore {
+        Distant() : XmlConfigStore("TftpStore", 40, false, false, "", false) {}
+        bool shouldCacheConfigStore() override { return true; }
+        int getCachedPriority() override { return 77; }
+    };
+    loadAndStart();
+    adapter->addConfigStore(std::make_shared<Distant>());
+    EXPECT_EQ(record(), L"TftpStore:77;");
+}
+
+TEST_F(ConfigAdapterCachedStores, KnownStoreKeepsItsSpellingInTheRecordAndGetsTheNewPriority) {
+    givenRecord(L"TFTPSTORE:9;");
+    loadAndStart();
+    adapter->addConfigStore(makeCachingStore("TftpStore", 40));
+    EXPECT_EQ(record(), L"TFTPSTORE:41;");
+}
+
+TEST_F(ConfigAdapterCachedStores, ArrivalLosesWhatIsNoPairInTheRecord) {
+    givenRecord(L"B;A:1:2;Z:x;");
+    loadAndStart();
+    adapter->addConfigStore(makeCachingStore("TftpStore", 40));
+    EXPECT_EQ(record(), L"TftpStore:41;Z:x;");
+}
+
 TEST_F(ConfigAdapterCachedStores, NextRunHasTheValuesUnderTheBareNameAndRecordedPriority) {
     givenEarlierRunWith(makeCachingStore("TftpStore", 40, {{L"k", L"v"}}));
     load();
@@ -78,6 +105,12 @@ TEST_F(ConfigAdapterCachedStores, PriorityThatIsNoNumberBecomes240) {
     load();
     EXPECT_EQ(priorityOf("A"), 240);
     EXPECT_FALSE(inChain("B"));
+}
+
+TEST_F(ConfigAdapterCachedStores, PresencePriorityThatIsNoNumberBecomes240) {
+    givenRecord(L"PresenceConfigStore:abc;");
+    load();
+    EXPECT_EQ(priorityOf("PresenceConfigStore"), 240);
 }
 
 TEST_F(ConfigAdapterCachedStores, NameThatLeadsOutOfTheFolderIsNoStore) {

@@ -219,6 +219,15 @@ TEST_F(ConfigAdapterLifecycle, StartOfAnAdapterNobodySharesThrowsAndStaysStarted
     factory->servicesDispatcher->clear();
 }
 
+TEST_F(ConfigAdapterLifecycle, StartMakesItsStoresBeforeItCountsAsStarted) {
+    loadAndStart();
+    adapter->StopFeatureSet(1300, nullptr);
+    log.clear();
+    start();
+    EXPECT_EQ(countLogged("Config FeatureSet Not Started"), 1) << "the mode in which the user's store is made is read";
+    EXPECT_TRUE(inChain("LocalFileConfigStore"));
+}
+
 TEST(ConfigAdapter, WithoutAFactoryEveryOperationDoesNothing) {
     const auto adapter = std::make_shared<ConfigAdapter>();
     std::wstring text = L"before";

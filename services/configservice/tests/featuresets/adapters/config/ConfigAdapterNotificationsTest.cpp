@@ -105,4 +105,26 @@ TEST_F(ConfigAdapterNotifications, WithoutAServiceChangesAreDropped) {
     EXPECT_THAT(tasks(), IsEmpty());
 }
 
+TEST_F(ConfigAdapterNotifications, WithoutAServicesDispatcherCallsAreDropped) {
+    struct DispatcherlessFactory final : testing_host::RecordingFactory {
+        std::shared_ptr<Processing::ServicesDispatcher> getServicesDispatcher() override {
+            return gone ? nullptr : servicesDispatcher;
+        }
+        bool gone = false;
+    };
+    const auto ending = std::make_shared<DispatcherlessFactory>();
+    factory = ending;
+    const auto systemService = fileSystemService(*factory);
+    loadAndStart();
+    ending->gone = true;
+    adapter->onConfigAddedOrUpdated(L"k", L"v", L"", false, true, L"S", L"", false);
+    adapter->onFireIfRequired(L"k");
+    adapter->onSensitiveKeyAddedOrUpdated(L"k");
+    adapter->addServiceEvent(7, ConfigServiceIdsEnum::TFTPDownloadFailed, ServiceEventSeverityEnum::Warning);
+    ending->gone = false;
+    EXPECT_THAT(tasks(), IsEmpty());
+    EXPECT_EQ(recordOf(L"k"), L"");
+    EXPECT_THAT(systemService->events, IsEmpty());
+}
+
 } // namespace ZelUnified

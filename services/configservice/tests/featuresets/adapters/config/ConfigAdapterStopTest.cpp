@@ -30,9 +30,13 @@ public:
     void enqueueBlock(std::shared_ptr<zel::Task> task, bool ahead) override {
         awaited.push_back(task->getName());
         dispatcher->enqueueBlock(task, ahead);
+        if (whenWaitedFor) {
+            whenWaitedFor();
+        }
     }
 
     std::vector<std::string> awaited;
+    std::function<void()> whenWaitedFor; ///< Called at the end of each wait.
 
 private:
     const std::shared_ptr<Processing::ServicesDispatcher> dispatcher;
@@ -101,6 +105,17 @@ TEST_F(ConfigAdapterStopTask, IsHandedToTheDispatcherUnderItsNameAndWaitedFor) {
     EXPECT_FALSE(inChain("RegistryConfigStore"));
 }
 
+TEST_F(ConfigAdapterStopTask, LeavesTheFeatureSetStartedUntilItHasRun) {
+    const auto naming = std::make_shared<NamingFactory>();
+    factory = naming;
+    loadAndStart();
+    bool started = false;
+    naming->naming->whenWaitedFor = [&] { started = adapter->IsFeatureSetStarted(1300); };
+    adapter->StopFeatureSet(1300, nullptr);
+    EXPECT_TRUE(started);
+    EXPECT_FALSE(adapter->IsFeatureSetStarted(1300));
+}
+
 TEST_F(ConfigAdapterStop, WaitsForADispatcherThatWorksOnTheChainMeanwhile) {
     std::wstring seen;
     post([&] {
@@ -108,6 +123,7 @@ TEST_F(ConfigAdapterStop, WaitsForADispatcherThatWorksOnTheChainMeanwhile) {
         service->setConfig(L"k", L"v");
         seen = service->getConfig(L"k")->getValue();
         featureSet->addConfigStore(makeReadOnlyStore("Foreign", 100, {{L"f", L"1"}}));
+        EXPECT_TRUE(featureSet->isConfigStorePresent("Foreign"));
         featureSet->addServiceEvent(1, ConfigServiceIdsEnum::TFTPDownloadFailed, ServiceEventSeverityEnum::Error);
         service->setKeySensitive(L"k");
         service->removeConfigStoreAndCache(L"Foreign");

@@ -56,6 +56,17 @@ TEST_F(ConfigAdapterStores, BeforeTheStartTheOthersLogAndGoOn) {
                                    "Config FeatureSet Not Started, failed to remove cached ConfigStores"));
 }
 
+TEST_F(ConfigAdapterStores, BeforeTheStartCopiesAreRemovedAllTheSameWithAnError) {
+    loadAndStart();
+    adapter->addConfigStore(makeCachingStore("TftpStore", 40, {{L"k", L"v"}}));
+    unload();
+    loadQuietly();
+    ASSERT_TRUE(std::filesystem::exists(cacheFile("TftpStore")));
+    adapter->removeAllCachedConfigStores();
+    EXPECT_FALSE(std::filesystem::exists(cacheFile("TftpStore")));
+    EXPECT_THAT(errors(), ElementsAre("Config FeatureSet Not Started, failed to remove cached ConfigStores"));
+}
+
 TEST_F(ConfigAdapterStores, BeforeTheStartWritesAndSwitchesWorkWithoutALine) {
     loadQuietly();
     EXPECT_TRUE(adapter->setConfig(L"k", L"v"));

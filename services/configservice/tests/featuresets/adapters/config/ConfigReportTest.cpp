@@ -2,7 +2,9 @@
 #include "secure/SecureString.h"
 
 #include <zel/EncryptFileUtils.h>
+#include <zel/FipsUtils.h>
 
+#include <CacheConfigStore.h>
 #include <TemporaryProfile.h>
 
 namespace ZelUnified {
@@ -13,6 +15,8 @@ using testing::Not;
 
 class ConfigReport : public ConfigStoreManagerFixture {
 protected:
+    ~ConfigReport() override { zel::common::FipsUtils::overrideFipsMode(std::nullopt); }
+
     std::string report() {
         std::wstring text = L"before";
         manager.getConfigForPRT(text);
@@ -93,6 +97,37 @@ TEST_F(ConfigReport, DataFileWithoutADeclarationLosesItsFirstCharacter) {
 TEST_F(ConfigReport, MarkAtTheVeryStartIsNoDeclaration) {
     givenDataFile("service-location.dat", "x?>rest");
     EXPECT_THAT(report(), HasSubstr(">\nx?>rest\n"));
+}
+
+TEST_F(ConfigReport, StoreNamedLikeTheDefaultsInAnotherCaseIsShown) {
+    given(makeReadOnlyStore("Lumora-Config-Defaults.xml", 900, {{L"k", L"v"}}));
+    EXPECT_THAT(report(), HasSubstr(" <store name=\"Lumora-Config-Defaults.xml\" priority=\"900\">\n  <k>v</k>\n"));
+}
+
+TEST_F(ConfigReport, ShowsWhatEachStoreItselfAnswers) {
+    ConfigMap values{
+        {L"before", L"1"}, {L"CertificateValidationEnabled", L"true"}, {L"Telephony_P2P_Enabled", L"true"}};
+    given(std::make_shared<CacheConfigStore>("Downloaded", 40, (profile.root() / "copy.dat").string(), values));
+    zel::common::FipsUtils::overrideFipsMode(true);
+    EXPECT_THAT(report(), HasSubstr(" <store name=\"Downloaded\" priority=\"40\">\n"
+                                    "  <before>1</before>\n"
+                                    "  <CertificateValidationEnabled></CertificateValidationEnabled>\n"
+                                    "  <Telephony_P2P_Enabled>false</Telephony_P2P_Enabled>\n"
+                                    " </store>\n"));
+    zel::common::FipsUtils::overrideFipsMode(false);
+    EXPECT_THAT(report(), HasSubstr("<Telephony_P2P_Enabled>true</Telephony_P2P_Enabled>"));
+}
+
+TEST_F(ConfigReport, KeyThatIsNoXmlNameStandsAsItIs) {
+    given(makeReadOnlyStore("S", 20, {{L"a b", L"v"}, {L"1st", L"w"}}));
+    EXPECT_THAT(report(), HasSubstr("  <1st>w</1st>\n  <a b>v</a b>\n"));
+}
+
+TEST_F(ConfigReport, DataFilesFollowInTheirOrder) {
+    givenDataFile("SSOAuthInfoStore.dat", "<?xml version=\"1.0\"?><sso/>");
+    givenDataFile("service-location.dat", "<?xml version=\"1.0\"?><where/>");
+    givenDataFile("home-fenn-info.dat", "<?xml version=\"1.0\"?><home/>");
+    EXPECT_THAT(report(), testing::EndsWith("<AllMemoryConfigs/>\n<home/><where/><sso/>\n</AllConfigs>"));
 }
 
 } // namespace ZelUnified

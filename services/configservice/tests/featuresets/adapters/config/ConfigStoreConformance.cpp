@@ -1,5 +1,9 @@
 #include "ConfigStoreConformance.h"
 
+#include <Signal.h>
+#include <Watchdog.h>
+
+#include <atomic>
 #include <thread>
 #include <vector>
 
@@ -113,6 +117,32 @@ TEST_P(ConfigStoreConformance, MayBeUsedFromManyThreads) {
     std::wstring value;
     EXPECT_TRUE(store->getValue(L"beta", value));
     EXPECT_EQ(value, L"2");
+}
+
+TEST_P(ConfigStoreConformance, KeyThatIsHeldIsNeverMissedWhileOthersAreAdded) {
+    constexpr int rounds = 5;
+    constexpr int newKeys = 300;
+    const testing_host::Watchdog watchdog;
+    int missed = 0;
+    for (int round = 0; round < rounds; ++round) {
+        const auto store = make({{L"alpha", L"1"}, {L"beta", L"2"}});
+        testing_host::Signal reading;
+        std::atomic<bool> written = false;
+        std::thread reader([&] {
+            std::wstring value;
+            do {
+                missed += store->getValue(L"beta", value) && value == L"2" ? 0 : 1;
+                reading.set();
+            } while (!written);
+        });
+        ASSERT_TRUE(reading.wait());
+        for (int i = 0; i < newKeys; ++i) {
+            store->storeValue(L"new" + std::to_wstring(i), L"");
+        }
+        written = true;
+        reader.join();
+    }
+    EXPECT_EQ(missed, 0);
 }
 
 } // namespace ZelUnified

@@ -305,4 +305,55 @@ TEST_F(ConfigStoreManagerLookup, OriginalValueOfANewNameFallsBackOnTheOldOne) {
     EXPECT_EQ(original.value, L"a");
 }
 
+TEST_F(DebugLookup, LineNamesTheStoreAlsoWhenTheCallerDoesNotAskForIt) {
+    given(makeReadOnlyStore("R", 33, {{L"k", L"v"}}));
+    debugLog.clear();
+    EXPECT_EQ(valueOf(L"k"), L"v");
+    EXPECT_THAT(debugLines(),
+                ElementsAre("key : [k] skipLocal : [0]  value: [v] success: [true] configStoreName: [R]"));
+}
+
+TEST_F(DebugLookup, KeyAndStoreNameMayBeOneString) {
+    zel::common::FipsUtils::overrideFipsMode(true);
+    given(makeReadOnlyStore("R", 33, {{L"Telephony_P2P_Enabled", L"true"}}));
+    debugLog.clear();
+    std::wstring text = L"Telephony_P2P_Enabled";
+    std::wstring value;
+    bool valueFromLegacyKey = false;
+    EXPECT_TRUE(manager.getValue(text, value, text, valueFromLegacyKey, false, ""));
+    EXPECT_EQ(value, L"false");
+    EXPECT_EQ(text, L"R");
+    EXPECT_THAT(debugLines(), ElementsAre("key : [Telephony_P2P_Enabled] skipLocal : [0]  value: [false] success: "
+                                          "[true] configStoreName: [R]"));
+}
+
+TEST_F(DebugLookup, SensitiveValueIsHiddenWhenKeyAndStoreNameAreOneString) {
+    manager.setKeySensitive(L"Schl\u00fcssel");
+    given(makeReadOnlyStore("R", 33, {{L"Schl\u00fcssel", L"hunter2"}}));
+    debugLog.clear();
+    std::wstring text = L"SCHL\u00dcSSEL";
+    std::wstring value;
+    bool valueFromLegacyKey = false;
+    EXPECT_TRUE(manager.getValue(text, value, text, valueFromLegacyKey, false, ""));
+    EXPECT_EQ(value, L"hunter2");
+    EXPECT_THAT(debugLines(), ElementsAre("key : [SCHL\xC3\x9CSSEL] skipLocal : [0]  value: [VALUE_HIDDEN] success: "
+                                          "[true] configStoreName: [R]"));
+}
+
+TEST_F(ConfigStoreManagerLookup, OriginalValueIsReadWhenTheKeyIsOneStringWithAResult) {
+    given(makeWritableStore("L", 20, {{L"TftpServer1", L"u"}}));
+    given(makeReadOnlyStore("R", 33, {{L"TFTPPrimaryServer", L"new"}, {L"TftpServer1", L"old"}}));
+    std::wstring other;
+    bool fromLegacyKey = false;
+    std::wstring keyAndName = L"TftpServer1";
+    EXPECT_TRUE(manager.getOriginalValue(keyAndName, other, keyAndName, fromLegacyKey));
+    EXPECT_EQ(other, L"old");
+    EXPECT_EQ(keyAndName, L"R");
+    EXPECT_TRUE(fromLegacyKey);
+    std::wstring keyAndValue = L"TftpServer1";
+    EXPECT_TRUE(manager.getOriginalValue(keyAndValue, keyAndValue, other, fromLegacyKey));
+    EXPECT_EQ(keyAndValue, L"old");
+    EXPECT_EQ(other, L"R");
+}
+
 } // namespace ZelUnified

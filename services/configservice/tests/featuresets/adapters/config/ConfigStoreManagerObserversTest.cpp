@@ -223,4 +223,15 @@ TEST_F(ConfigStoreManagerObservers, TheFactoryIsAskedForTheDispatcherOfEachTask)
     EXPECT_EQ(counting->questions, 3);
 }
 
+TEST_F(ConfigStoreManagerObservers, SensitiveKeyIsKnownWhileAnotherThreadHoldsTheChain) {
+    const testing_host::Watchdog watchdog;
+    manager.setKeySensitive(L"Secret");
+    bool known = false;
+    observer.reaction = [&](const std::wstring&) {
+        std::thread([&] { known = manager.isSensitiveKey(L"secret"); }).join();
+    };
+    manager.addStore(makeReadOnlyStore("S", 34, {{L"k", L"1"}}));
+    EXPECT_TRUE(known);
+}
+
 } // namespace ZelUnified

@@ -199,6 +199,12 @@ TEST_F(ConfigStoreManagerProvisioning, SecondUrlReplacesTheStore) {
     EXPECT_EQ(valueOf(L"IP_MODE"), L"(none)");
 }
 
+TEST_F(ConfigStoreManagerProvisioning, UrlIsTakenThoughNoStoreCanForbidAnother) {
+    EXPECT_TRUE(manager.setUrlProvisioningData(L"?ServicesDomain=one"));
+    EXPECT_EQ(valueOf(L"ServicesDomain"), L"one");
+    EXPECT_EQ(valueOf(L"AllowUrlProvisioning"), L"(none)");
+}
+
 TEST_F(ConfigStoreManagerProvisioning, RemovedStoreTakesItsFileAlong) {
     manager.setUrlProvisioningData(L"?ServicesDomain=one");
     EXPECT_TRUE(manager.removeStoreWithSameName("UrlProvisioningConfigStore"));
