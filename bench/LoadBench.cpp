@@ -125,11 +125,10 @@ int main(int argc, char** argv) {
         return bench::timed([&] { stores = subjects->load(); });
     });
     suite.addTimed("3 load of 8 documents of 5000 keys", "bare parser", 2, parse);
-    suite.addTimed("3b start on 8 documents of 5000 keys", "service", 2,
-                   [subjects] {
-                       std::optional<Service> service; // ends when the time has been taken
-                       return bench::timed([&] { service.emplace(); });
-                   });
+    suite.addTimed("3b start on 8 documents of 5000 keys", "service", 2, [subjects] {
+        std::optional<Service> service; // ends when the time has been taken
+        return bench::timed([&] { service.emplace(); });
+    });
     suite.addTimed("3b start on 8 documents of 5000 keys", "bare parser", 2, parse);
     return suite.main();
 }
