@@ -76,6 +76,18 @@ TEST(KeyFilter, KeepsWhatItIsGivenWhenItGrows) {
     EXPECT_FALSE(mayHold(filter, keyOf(2)));
 }
 
+TEST(KeyFilter, AnswersYesForAHeldKeyInTheMidstOfItsGrowth) {
+    KeyFilter filter;
+    filter.grow(1, [](auto) {});
+    add(filter, keyOf(0));
+    bool held = false;
+    filter.grow(1000, [&](auto add) {
+        held = mayHold(filter, keyOf(0));
+        add(hashOf(keyOf(0)));
+    });
+    EXPECT_TRUE(held);
+}
+
 TEST(KeyFilter, AnswersYesForAHeldKeyWhileAnotherThreadAddsAndGrows) {
     KeyFilter filter;
     filter.grow(1, [](auto) {});
