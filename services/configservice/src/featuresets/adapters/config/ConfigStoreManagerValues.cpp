@@ -73,7 +73,7 @@ bool ConfigStoreManager::getValue(const FoldedKey& key, std::wstring& value, std
     const std::lock_guard lock(chainLock);
     const bool isLogged = ZelLog_isDebugEnabled(configStoreManagerLogger());
     auto foundUnder = ConfigLookup::FoundUnder::AskedName;
-    // The caller may hand in one string for the key and one of these.
+    // Results of its own: the caller may hand in one string for the key and one of them.
     std::wstring answer;
     std::wstring storeName = configStoreName == nullptr ? std::wstring() : *configStoreName;
     std::wstring* const wantedName = configStoreName != nullptr || isLogged ? &storeName : nullptr;
@@ -117,8 +117,13 @@ std::wstring ConfigStoreManager::getValue(const std::string& storeFilter, const 
 bool ConfigStoreManager::getOriginalValue(const std::wstring& key, std::wstring& originalValue,
                                           std::wstring& originalValueStoreName, bool& fromLegacyKey) const {
     const std::lock_guard lock(chainLock);
-    const std::wstring asked = key; // which may be one string with a result
-    return lookup.getOriginalValue(FoldedKey(asked), originalValue, originalValueStoreName, fromLegacyKey);
+    // Results of its own: the caller may hand in one string for the key and one of them.
+    std::wstring value;
+    std::wstring storeName = originalValueStoreName;
+    const bool hasOverride = lookup.getOriginalValue(FoldedKey(key), value, storeName, fromLegacyKey);
+    originalValue = std::move(value);
+    originalValueStoreName = std::move(storeName);
+    return hasOverride;
 }
 
 bool ConfigStoreManager::storeValue(const std::wstring& key, const std::wstring& value) {

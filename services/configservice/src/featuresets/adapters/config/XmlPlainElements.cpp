@@ -47,6 +47,8 @@ void XmlPlainElements::onInternalSubset(void* parser, const xmlChar* name, const
     self.treeHandlers.internalSubset(parser, name, publicId, systemId);
 }
 
+// As many parameters as the library gives.
+// NOLINTNEXTLINE(readability-function-size)
 void XmlPlainElements::onStartElement(void* parser, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri,
                                       int namespaceCount, const xmlChar** namespaces, int attributeCount,
                                       int defaultedCount, const xmlChar** attributes) {

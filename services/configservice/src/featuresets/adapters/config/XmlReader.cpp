@@ -136,7 +136,7 @@ XmlDocument parse(const std::string& text, const XmlPlainElements::Take* take) {
     }
     xmlParseDocument(context.get());
     wipeInput(*context, copy);
-    const XmlDocument document = own(std::exchange(context->myDoc, nullptr));
+    XmlDocument document = own(std::exchange(context->myDoc, nullptr));
     const bool isTaken = !plainElements || !plainElements->hasFailed();
     if (context->wellFormed != 0 && isTaken) {
         return document;
