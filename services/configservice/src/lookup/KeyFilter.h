@@ -16,7 +16,7 @@ namespace ZelUnified {
 ///
 /// Any thread asks, and sees what others added in one order, as under locks; its owner adds keys one thread at a time.
 /// What was added stays, also when the key is removed: a reader that saw it gone could miss a key that was held all the
-/// while.
+/// while. So a table whose keys are exchanged many times fills it until it no longer says no; answers stay right.
 class KeyFilter {
 public:
     bool mayHold(const FoldedKey& key) const noexcept {

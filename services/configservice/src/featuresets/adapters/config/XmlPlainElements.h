@@ -10,9 +10,9 @@
 namespace ZelUnified {
 
 /// Stands between a parser and the tree that it builds. The plain elements of a document's groups, which hold text
-/// alone and have neither attributes nor a namespace, are handed out where they end, and leave no node. From the first
-/// other one on all enters the tree, so what was handed out stands before what the tree holds. Nothing is handed out of
-/// a document that makes declarations.
+/// alone, no CDATA, and have neither attributes nor a namespace, are handed out where they end, and leave no node. From
+/// the first other one on all enters the tree, so what was handed out stands before what the tree holds. Nothing is
+/// handed out of a document that makes declarations. What the taker throws ends the parsing and waits to be rethrown.
 class XmlPlainElements {
 public:
     /// Given the name and the text, which go when it returns.
