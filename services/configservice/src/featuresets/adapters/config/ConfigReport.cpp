@@ -58,12 +58,10 @@ void ConfigReport::writeStore(XmlWriter& writer, ConfigStore& store, const IsSen
             continue;
         }
         store.getValue(key, value);
-        auto text = toString(value);
-        if (XmlWriter::replaceIllegalCharacters(text)) {
+        if (!writer.writeElement(toString(key), value)) {
             ZelLog(configStoreManagerLogger(), ZelLogLevel::Warning, ZEL_HERE,
                    L"Characters that XML can't carry are replaced in the report of key: " + key);
         }
-        writer.writeElement(toString(key), text);
     }
     writer.endElement();
 }

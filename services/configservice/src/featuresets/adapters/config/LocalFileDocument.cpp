@@ -16,13 +16,10 @@ namespace {
 ZelLogger& logger = localFileConfigStoreLogger();
 
 void writeAttribute(XmlWriter& writer, const char* attribute, const std::wstring& text, const std::wstring& key) {
-    std::string narrow = KyrCoreUtils::toString(text);
-    if (XmlWriter::replaceIllegalCharacters(narrow)) {
+    if (!writer.writeAttribute(attribute, text)) {
         ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE,
                L"Characters that XML can't carry are replaced in the entry of key: " + key);
     }
-    writer.writeAttribute(attribute, narrow);
-    zel::SecureString::wipe(narrow);
 }
 
 } // namespace

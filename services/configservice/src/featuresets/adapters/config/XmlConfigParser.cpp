@@ -92,13 +92,10 @@ bool build(const ConfigMap& values, std::string& xml) {
     writer.startElement("Lumora");
     writer.startElement("CachedConfig");
     for (const auto& [key, value] : values) {
-        std::string text = KyrCoreUtils::toString(value);
-        if (XmlWriter::replaceIllegalCharacters(text)) {
+        if (!writer.writeElement(KyrCoreUtils::toString(key), value)) {
             ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE,
                    L"Characters that XML can't carry are replaced in the value of key: " + key);
         }
-        writer.writeElement(KyrCoreUtils::toString(key), text);
-        zel::SecureString::wipe(text);
     }
     xml = writer.finish();
     return !xml.empty();

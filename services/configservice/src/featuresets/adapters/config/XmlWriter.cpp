@@ -2,7 +2,11 @@
 
 #include "secure/SecureString.h"
 
+#include <kyr/StringUtils.h>
+
 #include <algorithm>
+#include <array>
+#include <cstdint>
 #include <new>
 #include <utility>
 
@@ -62,6 +66,18 @@ constexpr std::string_view escapeInAttribute(char character) {
     }
 }
 
+constexpr std::size_t asciiCount = 0x80;
+
+/// Which characters of ASCII stand in the document as they are.
+template <auto escape>
+constexpr auto plainCharacters = [] {
+    std::array<bool, asciiCount> plain{};
+    for (std::size_t code = 0x20; code < asciiCount; ++code) {
+        plain.at(code) = escape(static_cast<char>(code)).empty();
+    }
+    return plain;
+}();
+
 /// Grows without leaving what was written in the memory given back.
 void makeRoom(std::string& document, std::size_t count) {
     const std::size_t needed = document.size() + count;
@@ -75,16 +91,18 @@ void makeRoom(std::string& document, std::size_t count) {
     document.swap(larger);
 }
 
+void appendTo(std::string& document, std::string_view bytes) {
+    makeRoom(document, bytes.size());
+    document.append(bytes);
+}
+
 /// For the library, which no exception may pass through.
 int append(void* document, const char* bytes, int count) noexcept {
-    auto& text = *static_cast<std::string*>(document);
-    const auto length = static_cast<std::size_t>(count);
     try {
-        makeRoom(text, length);
+        appendTo(*static_cast<std::string*>(document), {bytes, static_cast<std::size_t>(count)});
     } catch (const std::bad_alloc&) {
         return -1;
     }
-    text.append(bytes, length);
     return count;
 }
 
@@ -121,18 +139,35 @@ void XmlWriter::endElement() {
 }
 
 void XmlWriter::writeElement(const std::string& name, const std::string& text) {
-    if (name.empty()) {
-        return;
+    if (startText(name)) {
+        writeEscaped<escapeInElement>(text);
+        endElement();
     }
-    startElement(name);
-    writeEscaped<escapeInElement>(text);
+}
+
+bool XmlWriter::writeElement(const std::string& name, const std::wstring& text) {
+    if (!startText(name)) {
+        return true;
+    }
+    const bool isWhole = writeEscaped<escapeInElement>(text);
     endElement();
+    return isWhole;
 }
 
 void XmlWriter::writeAttribute(const std::string& name, const std::string& text) {
-    note(xmlTextWriterStartAttribute(writer.get(), toXml(name.c_str())));
-    writeEscaped<escapeInAttribute>(text);
-    note(xmlTextWriterEndAttribute(writer.get()));
+    if (startAttribute(name)) {
+        writeEscaped<escapeInAttribute>(text);
+        appendTo(document, "\"");
+    }
+}
+
+bool XmlWriter::writeAttribute(const std::string& name, const std::wstring& text) {
+    if (!startAttribute(name)) {
+        return true;
+    }
+    const bool isWhole = writeEscaped<escapeInAttribute>(text);
+    appendTo(document, "\"");
+    return isWhole;
 }
 
 std::string XmlWriter::finish() {
@@ -141,25 +176,68 @@ std::string XmlWriter::finish() {
     return failed ? std::string() : std::move(document);
 }
 
-/// Past the library, which would leave copies in memory that it frees or moves away from: it gets an empty text, and
-/// its markup goes first.
+bool XmlWriter::flush() {
+    note(xmlTextWriterFlush(writer.get()));
+    return !failed;
+}
+
+/// The library gets an empty text, so that it closes the tag.
+bool XmlWriter::startText(const std::string& name) {
+    if (name.empty()) {
+        return false;
+    }
+    startElement(name);
+    note(xmlTextWriterWriteRawLen(writer.get(), toXml(""), 0));
+    return flush();
+}
+
+/// Past the library, whose tag stays open until the next element begins or this one ends.
+bool XmlWriter::startAttribute(const std::string& name) {
+    if (!flush()) {
+        return false;
+    }
+    for (const std::string_view part : {std::string_view(" "), std::string_view(name), std::string_view("=\"")}) {
+        appendTo(document, part);
+    }
+    return true;
+}
+
+/// Past the library, which would leave copies in memory that it frees or moves away from.
 template <XmlWriter::Escape escape>
 void XmlWriter::writeEscaped(std::string_view text) {
-    note(xmlTextWriterWriteRawLen(writer.get(), toXml(""), 0));
-    note(xmlTextWriterFlush(writer.get()));
-    if (failed) {
-        return;
-    }
     makeRoom(document, text.size());
-    for (const char character : text) {
-        const std::string_view escaped = escape(character);
-        makeRoom(document, std::max<std::size_t>(escaped.size(), 1));
-        if (escaped.empty()) {
-            document += character;
-        } else {
-            document += escaped;
+    while (!text.empty()) {
+        const auto* const special =
+            std::find_if(text.begin(), text.end(), [](char character) { return !escape(character).empty(); });
+        const auto plain = static_cast<std::size_t>(special - text.begin());
+        appendTo(document, text.substr(0, plain));
+        text.remove_prefix(plain);
+        if (!text.empty()) {
+            appendTo(document, escape(text.front()));
+            text.remove_prefix(1);
         }
     }
+}
+
+template <XmlWriter::Escape escape>
+bool XmlWriter::writeEscaped(std::wstring_view text) {
+    const auto isPlain = [](wchar_t unit) {
+        const auto code = static_cast<std::uint32_t>(unit);
+        return code < asciiCount && plainCharacters<escape>[code];
+    };
+    if (std::all_of(text.begin(), text.end(), isPlain)) {
+        const std::size_t length = document.size();
+        makeRoom(document, text.size());
+        document.resize(length + text.size());
+        std::transform(text.begin(), text.end(), document.data() + length,
+                       [](wchar_t unit) { return static_cast<char>(unit); });
+        return true;
+    }
+    std::string narrow = KyrCoreUtils::toString(text);
+    const bool isWhole = !replaceIllegalCharacters(narrow);
+    writeEscaped<escape>(std::string_view(narrow));
+    zel::SecureString::wipe(narrow);
+    return isWhole;
 }
 
 bool XmlWriter::replaceIllegalCharacters(std::string& utf8) {

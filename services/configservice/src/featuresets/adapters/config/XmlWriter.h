@@ -10,8 +10,8 @@
 
 namespace ZelUnified {
 
-/// Builds one document in memory with libxml2's text writer: UTF-8, indented. Texts may be secrets: they
-/// never enter the library, and the document is zeroed at the end.
+/// Builds one document in memory with libxml2's text writer: UTF-8, indented. Texts may be secrets: they never enter the
+/// library, and the document is zeroed at the end.
 class XmlWriter {
 public:
     enum class Declaration { With, Without };
@@ -29,8 +29,12 @@ public:
     void endElement();
     /// An element with a text, which is to be free of illegal characters. Without a name it is left out.
     void writeElement(const std::string& name, const std::string& text);
-    /// Right behind startElement().
+    /// An element with any text. False when U+FFFD took the place of a character that XML can't carry.
+    bool writeElement(const std::string& name, const std::wstring& text);
+    /// Right behind startElement() or another attribute.
     void writeAttribute(const std::string& name, const std::string& text);
+    /// As writeElement() of a wide text.
+    bool writeAttribute(const std::string& name, const std::wstring& text);
     /// Ends all that is open and gives the document, which is the caller's to wipe, or nothing when a part of it could
     /// not be written. Call once.
     std::string finish();
@@ -48,8 +52,14 @@ private:
 
     /// Remembers the failure that the library's answer tells of.
     void note(int written) { failed = failed || written < 0; }
+    /// Has the library write all that it holds back. False when nothing may follow.
+    bool flush();
+    bool startText(const std::string& name);
+    bool startAttribute(const std::string& name);
     template <Escape escape>
     void writeEscaped(std::string_view text);
+    template <Escape escape>
+    bool writeEscaped(std::wstring_view text);
 
     const XmlGuard guard; ///< A setting of the thread: the writer stays on it.
     bool failed = false;
