@@ -15,6 +15,7 @@ class SecureString;
 
 namespace ZelUnified {
 
+class ChangedEntries;
 class ConfigFileCacheTimer;
 class ConfigTable;
 
@@ -83,9 +84,11 @@ private:
     bool local;
     bool readOnly;
     bool destroyed = false;
-    zel::Mutex valuesMutex; ///< Guards `destroyed`, `lastPersistedValues`, and `values` but for ConfigTable::mayHold().
-    zel::Mutex fileMutex;   ///< Held while the files are read or written.
+    /// Guards `destroyed`, `changedEntries`, `lastPersistedValues`, and `values` but for ConfigTable::mayHold().
+    zel::Mutex valuesMutex;
+    zel::Mutex fileMutex; ///< Held while the files are read or written.
     const std::unique_ptr<ConfigTable> values;
+    const std::unique_ptr<ChangedEntries> changedEntries; ///< Of `values`, against `lastPersistedValues`.
     ConfigMap lastPersistedValues;
     std::string configDirectory;
     std::string fileName;

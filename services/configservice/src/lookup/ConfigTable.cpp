@@ -13,18 +13,19 @@ ConfigTable::~ConfigTable() {
     wipeValues(map);
 }
 
-void ConfigTable::store(const std::wstring& key, const std::wstring& value) {
+const ConfigMap::value_type& ConfigTable::store(const std::wstring& key, const std::wstring& value) {
     const FoldedKey folded(key);
     if (auto* entry = index.find(folded)) {
         zel::SecureString::wipe(entry->second);
         entry->second = value;
-        return;
+        return *entry;
     }
     index.reserveOne();
     reserveFilter(map.size() + 1);
     auto& entry = *map.emplace(key, value).first;
     filter.add(folded);
     index.insert(folded, entry);
+    return entry;
 }
 
 bool ConfigTable::remove(const std::wstring& key) {

@@ -3,6 +3,8 @@
 #include "featuresets/adapters/config/XmlReader.h"
 #include "featuresets/adapters/config/XmlWriter.h"
 
+#include <kyr/StringUtils.h>
+
 #include <gtest/gtest.h>
 #include <libxml/parser.h>
 #include <libxml/xmlmemory.h>
@@ -81,7 +83,9 @@ TEST(XmlMemory, KeepsNothingOfATextThatIsWritten) {
                 writer.startElement("userConfig");
                 writer.writeAttribute("name", "key & " + std::to_string(count));
                 writer.writeAttribute("value", secretOf(100) + "<&>\"\n\r\t\xC3\xA9");
+                writer.writeAttribute("wide", KyrCoreUtils::toWideString(secretOf(100)));
                 writer.endElement();
+                writer.writeElement("wide", KyrCoreUtils::toWideString(secretOf(100)) + L"\u00E9");
             }
             const std::string document = writer.finish();
             EXPECT_GE(document.size(), kilobytes * 1024);

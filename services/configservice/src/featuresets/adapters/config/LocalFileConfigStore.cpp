@@ -2,6 +2,7 @@
 #include "LocalFileConfigStoreLogger.h"
 #include "LocalFileDocument.h"
 #include "XmlReader.h"
+#include "lookup/ChangedEntries.h"
 #include "lookup/ConfigTable.h"
 #include "lookup/WipedValues.h"
 #include "secure/FipsValueOverride.h"
@@ -38,30 +39,6 @@ constexpr std::string_view invalidSyntax =
 
 std::string toBackupName(std::string file) {
     return file.insert(file.find('.'), "_backup");
-}
-
-/// Makes `kept` equal to `current`, the case of keys included, and zeroes what leaves it. Touches only what differs,
-/// since few values change between two writes.
-void bringUpToDate(ConfigMap& kept, const ConfigMap& current) {
-    auto next = kept.begin();
-    for (const auto& entry : current) {
-        while (next != kept.end() && next->first != entry.first && !kept.key_comp()(entry.first, next->first)) {
-            zel::SecureString::wipe(next->second);
-            next = kept.erase(next);
-        }
-        if (next == kept.end() || next->first != entry.first) {
-            kept.emplace_hint(next, entry);
-            continue;
-        }
-        if (next->second != entry.second) {
-            zel::SecureString::wipe(next->second);
-            next->second = entry.second;
-        }
-        ++next;
-    }
-    for (; next != kept.end(); next = kept.erase(next)) {
-        zel::SecureString::wipe(next->second);
-    }
 }
 
 std::string readWhole(const std::string& path) {
@@ -103,6 +80,7 @@ LocalFileConfigStore::LocalFileConfigStore(std::string storeName, int storePrior
       local(isLocalStore),
       readOnly(isReadOnlyStore),
       values(std::make_unique<ConfigTable>()),
+      changedEntries(std::make_unique<ChangedEntries>()),
       configDirectory(directory.empty() ? std::move(directory) : directory + FileUtils::FileSeparator()),
       fileName(std::move(file)),
       backupFileName(toBackupName(fileName)) {
@@ -115,6 +93,7 @@ LocalFileConfigStore::LocalFileConfigStore(std::string storeName, int storePrior
       local(isLocalStore),
       readOnly(false),
       values(std::make_unique<ConfigTable>()),
+      changedEntries(std::make_unique<ChangedEntries>()),
       configDirectory(FileUtils::getConfigDirectory() + FileUtils::FileSeparator()),
       fileName(ConfigKeys::localConfigFile),
       backupFileName(ConfigKeys::localConfigBackupFile) {
@@ -146,7 +125,7 @@ bool LocalFileConfigStore::lookUp(const FoldedKey& key, std::wstring& value) {
 
 bool LocalFileConfigStore::storeValue(const std::wstring& key, const std::wstring& value) {
     const zel::Mutex::ScopedLock lock(valuesMutex);
-    values->store(LocalFileDocument::migrateKey(key), value);
+    changedEntries->add(values->store(LocalFileDocument::migrateKey(key), value));
     return true;
 }
 
@@ -157,6 +136,7 @@ std::vector<std::wstring> LocalFileConfigStore::getKeys() {
 
 bool LocalFileConfigStore::removeValue(const std::wstring& key) {
     const zel::Mutex::ScopedLock lock(valuesMutex);
+    changedEntries->addAny();
     return values->remove(key);
 }
 
@@ -164,6 +144,7 @@ void LocalFileConfigStore::removeAllValues() {
     // A reset deletes the files next: a write in flight must be over by then.
     const zel::Mutex::ScopedLock fileLock(fileMutex);
     const zel::Mutex::ScopedLock valuesLock(valuesMutex);
+    changedEntries->addAny();
     values->clear();
 }
 
@@ -194,6 +175,7 @@ bool LocalFileConfigStore::readFromEncryptedFile() {
     if (const XmlDocument document = XmlReader::parseDoc(text)) {
         ConfigMap read;
         LocalFileDocument(name, read).read(document);
+        changedEntries->addAny();
         values->replace(std::move(read));
     } else {
         ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, invalidSyntax);
@@ -228,6 +210,7 @@ bool LocalFileConfigStore::readFromFile() {
     if (const XmlDocument document = XmlReader::readFile(path)) {
         ConfigMap read;
         LocalFileDocument(name, read).read(document);
+        changedEntries->addAny();
         values->replace(std::move(read));
     } else {
         quarantine(path);
@@ -264,8 +247,7 @@ void LocalFileConfigStore::createConfigDirectory() {
 void LocalFileConfigStore::persistValues() {
     {
         const zel::Mutex::ScopedLock lock(valuesMutex);
-        // Exact, case included, unlike the order of the table.
-        if (values->getMap() == lastPersistedValues) {
+        if (changedEntries->isUpToDate(lastPersistedValues, values->getMap())) {
             if (ZelLog_isDebugEnabled(logger)) {
                 ZelLog(logger, ZelLogLevel::Debug, ZEL_HERE, "Same content has been saved.");
             }
@@ -295,7 +277,7 @@ void LocalFileConfigStore::persistValuesImpl(const std::string& target) {
         const zel::Mutex::ScopedLock lock(valuesMutex);
         getDataString(content);
         if (target == fileName) {
-            bringUpToDate(lastPersistedValues, values->getMap());
+            changedEntries->bringUpToDate(lastPersistedValues, values->getMap());
         }
     }
     // The facility refuses empty content, which is what protects the file of a store that must not write.

@@ -10,8 +10,8 @@
 
 namespace ZelUnified {
 
-/// Builds one document in memory with libxml2's text writer: UTF-8, indented. Texts may be secrets: they never enter the
-/// library, and the document is zeroed at the end.
+/// Builds one document in memory with libxml2's text writer: UTF-8, indented. Texts may be secrets: they never enter
+/// the library, and the document is zeroed at the end.
 class XmlWriter {
 public:
     enum class Declaration { With, Without };

@@ -3,6 +3,8 @@
 #include "XmlTestSupport.h"
 #include "featuresets/adapters/config/XmlReader.h"
 
+#include <kyr/StringUtils.h>
+
 #include <gtest/gtest.h>
 #include <libxml/xmlwriter.h>
 
@@ -52,9 +54,8 @@ std::string writeByLibrary(const std::vector<std::string>& texts) {
     return reinterpret_cast<const char*>(xmlBufferContent(buffer.get()));
 }
 
-} // namespace
-
-TEST(XmlWriter, WritesWhatTheLibrarysWriterWrites) {
+/// Texts with each character of ASCII and some beyond it.
+std::vector<std::string> makeTexts() {
     std::vector<std::string> texts = {"",
                                       " ",
                                       "]]>",
@@ -66,6 +67,12 @@ TEST(XmlWriter, WritesWhatTheLibrarysWriterWrites) {
         texts.emplace_back(1, character);
         XmlWriter::replaceIllegalCharacters(texts.back());
     }
+    return texts;
+}
+
+/// The same document as writeByLibrary(), of texts of any width.
+template <class Text>
+std::string writeByWriter(const std::vector<Text>& texts) {
     XmlWriter writer;
     writer.startElement("root");
     for (const auto& text : texts) {
@@ -76,7 +83,32 @@ TEST(XmlWriter, WritesWhatTheLibrarysWriterWrites) {
         writer.endElement();
         writer.endElement();
     }
-    EXPECT_EQ(writer.finish(), writeByLibrary(texts));
+    return writer.finish();
+}
+
+} // namespace
+
+TEST(XmlWriter, WritesWhatTheLibrarysWriterWrites) {
+    EXPECT_EQ(writeByWriter(makeTexts()), writeByLibrary(makeTexts()));
+}
+
+TEST(XmlWriter, WritesWideTextsAsItWritesNarrowOnes) {
+    std::vector<std::wstring> wide;
+    for (const auto& text : makeTexts()) {
+        wide.push_back(KyrCoreUtils::toWideString(text));
+    }
+    EXPECT_EQ(writeByWriter(wide), writeByLibrary(makeTexts()));
+}
+
+TEST(XmlWriter, SaysWhenItReplacedACharacterOfAWideText) {
+    XmlWriter writer(XmlWriter::Declaration::Without);
+    writer.startElement("a");
+    EXPECT_TRUE(writer.writeAttribute("b", L"<\u00E9>"));
+    EXPECT_FALSE(writer.writeAttribute("c", L"x\u0001"));
+    EXPECT_TRUE(writer.writeElement("d", L"\u00E9"));
+    EXPECT_FALSE(writer.writeElement("e", L"\uFFFE"));
+    EXPECT_EQ(writer.finish(), "<a b=\"&lt;\xC3\xA9&gt;\" c=\"x\xEF\xBF\xBD\">\n <d>\xC3\xA9</d>\n"
+                               " <e>\xEF\xBF\xBD</e>\n</a>\n");
 }
 
 TEST(XmlWriter, GivesEachLevelABlankAndEndsWhatIsOpen) {
