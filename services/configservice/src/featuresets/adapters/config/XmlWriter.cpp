@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <new>
 #include <utility>
@@ -66,6 +67,11 @@ constexpr std::string_view escapeInAttribute(char character) {
     }
 }
 
+// An attribute goes past the library, whose tag stays open until the next element begins or this one ends.
+constexpr std::string_view beforeName = " ";
+constexpr std::string_view beforeText = "=\"";
+constexpr std::string_view afterText = "\"";
+
 constexpr std::size_t asciiCount = 0x80;
 
 /// Which characters of ASCII stand in the document as they are.
@@ -91,15 +97,40 @@ void makeRoom(std::string& document, std::size_t count) {
     document.swap(larger);
 }
 
-void appendTo(std::string& document, std::string_view bytes) {
-    makeRoom(document, bytes.size());
-    document.append(bytes);
+/// Appends pieces of ASCII or UTF-8, of any width, in one step.
+template <class... Pieces>
+void appendTo(std::string& document, const Pieces&... pieces) {
+    const std::size_t length = document.size();
+    const std::size_t count = (pieces.size() + ...);
+    makeRoom(document, count);
+    document.resize(length + count);
+    auto next = document.begin() + static_cast<std::ptrdiff_t>(length);
+    const auto toChar = [](auto unit) { return static_cast<char>(unit); };
+    ((next = std::transform(pieces.begin(), pieces.end(), next, toChar)), ...);
+}
+
+template <auto escape>
+bool isPlain(const std::wstring& text) {
+    return std::all_of(text.begin(), text.end(), [](wchar_t unit) {
+        const auto code = static_cast<std::uint32_t>(unit);
+        return code < asciiCount && plainCharacters<escape>[code];
+    });
+}
+
+/// Has `write` take the text in UTF-8. False when a character was replaced.
+template <class Write>
+bool writeNarrow(const std::wstring& text, Write write) {
+    std::string narrow = KyrCoreUtils::toString(text);
+    const bool isWhole = !XmlWriter::replaceIllegalCharacters(narrow);
+    write(narrow);
+    zel::SecureString::wipe(narrow);
+    return isWhole;
 }
 
 /// For the library, which no exception may pass through.
 int append(void* document, const char* bytes, int count) noexcept {
     try {
-        appendTo(*static_cast<std::string*>(document), {bytes, static_cast<std::size_t>(count)});
+        appendTo(*static_cast<std::string*>(document), std::string_view(bytes, static_cast<std::size_t>(count)));
     } catch (const std::bad_alloc&) {
         return -1;
     }
@@ -146,28 +177,32 @@ void XmlWriter::writeElement(const std::string& name, const std::string& text) {
 }
 
 bool XmlWriter::writeElement(const std::string& name, const std::wstring& text) {
-    if (!startText(name)) {
-        return true;
+    if (!isPlain<escapeInElement>(text)) {
+        return writeNarrow(text, [&](const std::string& narrow) { writeElement(name, narrow); });
     }
-    const bool isWhole = writeEscaped<escapeInElement>(text);
-    endElement();
-    return isWhole;
+    if (startText(name)) {
+        appendTo(document, text);
+        endElement();
+    }
+    return true;
 }
 
 void XmlWriter::writeAttribute(const std::string& name, const std::string& text) {
-    if (startAttribute(name)) {
+    if (flush()) {
+        appendTo(document, beforeName, name, beforeText);
         writeEscaped<escapeInAttribute>(text);
-        appendTo(document, "\"");
+        appendTo(document, afterText);
     }
 }
 
 bool XmlWriter::writeAttribute(const std::string& name, const std::wstring& text) {
-    if (!startAttribute(name)) {
-        return true;
+    if (!isPlain<escapeInAttribute>(text)) {
+        return writeNarrow(text, [&](const std::string& narrow) { writeAttribute(name, narrow); });
     }
-    const bool isWhole = writeEscaped<escapeInAttribute>(text);
-    appendTo(document, "\"");
-    return isWhole;
+    if (flush()) {
+        appendTo(document, beforeName, name, beforeText, text, afterText);
+    }
+    return true;
 }
 
 std::string XmlWriter::finish() {
@@ -191,25 +226,13 @@ bool XmlWriter::startText(const std::string& name) {
     return flush();
 }
 
-/// Past the library, whose tag stays open until the next element begins or this one ends.
-bool XmlWriter::startAttribute(const std::string& name) {
-    if (!flush()) {
-        return false;
-    }
-    for (const std::string_view part : {std::string_view(" "), std::string_view(name), std::string_view("=\"")}) {
-        appendTo(document, part);
-    }
-    return true;
-}
-
 /// Past the library, which would leave copies in memory that it frees or moves away from.
 template <XmlWriter::Escape escape>
 void XmlWriter::writeEscaped(std::string_view text) {
     makeRoom(document, text.size());
+    const auto isSpecial = [](char character) { return !escape(character).empty(); };
     while (!text.empty()) {
-        const auto* const special =
-            std::find_if(text.begin(), text.end(), [](char character) { return !escape(character).empty(); });
-        const auto plain = static_cast<std::size_t>(special - text.begin());
+        const auto plain = static_cast<std::size_t>(std::find_if(text.begin(), text.end(), isSpecial) - text.begin());
         appendTo(document, text.substr(0, plain));
         text.remove_prefix(plain);
         if (!text.empty()) {
@@ -217,27 +240,6 @@ void XmlWriter::writeEscaped(std::string_view text) {
             text.remove_prefix(1);
         }
     }
-}
-
-template <XmlWriter::Escape escape>
-bool XmlWriter::writeEscaped(std::wstring_view text) {
-    const auto isPlain = [](wchar_t unit) {
-        const auto code = static_cast<std::uint32_t>(unit);
-        return code < asciiCount && plainCharacters<escape>[code];
-    };
-    if (std::all_of(text.begin(), text.end(), isPlain)) {
-        const std::size_t length = document.size();
-        makeRoom(document, text.size());
-        document.resize(length + text.size());
-        std::transform(text.begin(), text.end(), document.data() + length,
-                       [](wchar_t unit) { return static_cast<char>(unit); });
-        return true;
-    }
-    std::string narrow = KyrCoreUtils::toString(text);
-    const bool isWhole = !replaceIllegalCharacters(narrow);
-    writeEscaped<escape>(std::string_view(narrow));
-    zel::SecureString::wipe(narrow);
-    return isWhole;
 }
 
 bool XmlWriter::replaceIllegalCharacters(std::string& utf8) {

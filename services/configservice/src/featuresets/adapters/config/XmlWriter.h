@@ -55,11 +55,8 @@ private:
     /// Has the library write all that it holds back. False when nothing may follow.
     bool flush();
     bool startText(const std::string& name);
-    bool startAttribute(const std::string& name);
     template <Escape escape>
     void writeEscaped(std::string_view text);
-    template <Escape escape>
-    bool writeEscaped(std::wstring_view text);
 
     const XmlGuard guard; ///< A setting of the thread: the writer stays on it.
     bool failed = false;
