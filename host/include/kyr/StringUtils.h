@@ -47,7 +47,7 @@ LUMORA_HOST_API std::ptrdiff_t caseInsensitiveFind(std::wstring_view text, std::
 LUMORA_HOST_API std::string trim(std::string_view text);
 LUMORA_HOST_API std::wstring trim(std::wstring_view text);
 /// The same without a copy: a part of `text`.
-LUMORA_HOST_API std::string_view trimmed(std::string_view text) noexcept;
+LUMORA_HOST_API std::string_view trimmedView(std::string_view text) noexcept;
 /// The same from the left end only.
 LUMORA_HOST_API std::string trimleft(std::string_view text);
 LUMORA_HOST_API std::wstring trimleft(std::wstring_view text);

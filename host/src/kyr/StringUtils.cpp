@@ -185,7 +185,7 @@ std::wstring trim(std::wstring_view text) {
     return std::wstring(withoutBlanks(text));
 }
 
-std::string_view trimmed(std::string_view text) noexcept {
+std::string_view trimmedView(std::string_view text) noexcept {
     return withoutBlanks(text);
 }
 

@@ -251,8 +251,8 @@ TEST(Trim, CutsTheSixBlanksAlone) {
     EXPECT_EQ(trim("\0 a"s), "\0 a"s);
     EXPECT_EQ(trim(wide(0xA0) + L"a" + wide(0x2003)), wide(0xA0) + L"a" + wide(0x2003));
     EXPECT_EQ(trim("\x08\x0E"s), "\x08\x0E");
-    EXPECT_EQ(KyrCoreUtils::trimmed(" \t a b\r"), "a b");
-    EXPECT_EQ(KyrCoreUtils::trimmed(" "), "");
+    EXPECT_EQ(KyrCoreUtils::trimmedView(" \t a b\r"), "a b");
+    EXPECT_EQ(KyrCoreUtils::trimmedView(" "), "");
 }
 
 TEST(Trim, CutsTheLeftEndAloneOnDemand) {

@@ -3,7 +3,6 @@
 #include <memory>
 #include <string>
 #include <utility>
-#include <vector>
 
 namespace ZelUnified {
 
@@ -20,31 +19,14 @@ public:
         return text ? *text : empty;
     }
 
+    friend bool operator==(const SharedText& a, const SharedText& b) noexcept {
+        return a.text == b.text || a.get() == b.get();
+    }
+    /// Makes no holder of `other`.
+    friend bool operator==(const SharedText& a, const std::wstring& other) noexcept { return a.get() == other; }
+
 private:
     std::shared_ptr<const std::wstring> text;
-};
-
-/// Gives equal texts as one. For texts of which there are few, as the names of stores; it forgets none, and beyond a
-/// limit it takes up no more. Has no lock.
-class SharedTexts {
-public:
-    SharedText share(std::wstring text) {
-        for (const auto& known : texts) {
-            if (known.get() == text) {
-                return known;
-            }
-        }
-        SharedText added(std::move(text));
-        if (texts.size() < limit) {
-            texts.push_back(added);
-        }
-        return added;
-    }
-
-private:
-    static constexpr std::size_t limit = 64;
-
-    std::vector<SharedText> texts;
 };
 
 } // namespace ZelUnified

@@ -61,9 +61,7 @@ void ConfigTable::replace(ConfigMap values) {
 }
 
 void ConfigTable::reserveFilter(std::size_t keys) {
-    if (filter.isTooSmallFor(keys)) {
-        filter.grow(keys, [this](auto add) { index.forEachHash(add); });
-    }
+    filter.reserve(keys, [this](auto add) { index.forEachHash(add); });
 }
 
 std::vector<std::wstring> ConfigTable::getKeys() const {

@@ -24,20 +24,16 @@ public:
         return bits != nullptr && bits->contains(key.getHash());
     }
 
-    /// Whether that many keys in all would fill it so far that it rarely says no.
-    bool isTooSmallFor(std::size_t keys) const noexcept {
-        return made.empty() || keys * fewestBitsForKey > made.back()->size();
-    }
-
-    /// Takes the right size for that many keys. `addAll` is given a function for the hashes of those that are held.
+    /// Makes room for that many keys in all. Where it has to grow, `addAll` is given a function for the hashes of those
+    /// that are held; readers see the new size once all are in it.
     template <class AddAll>
-    void grow(std::size_t keys, AddAll addAll) {
-        made.push_back(std::make_unique<Bits>(std::max(keys * bitsForKey, smallest)));
-        addAll([bits = made.back().get()](std::uint32_t hash) { bits->add(hash); });
-        current.store(made.back().get());
+    void reserve(std::size_t keys, AddAll addAll) {
+        if (isTooSmallFor(keys)) {
+            grow(keys, addAll);
+        }
     }
 
-    /// While it is not too small.
+    /// While there is room.
     void add(const FoldedKey& key) noexcept { made.back()->add(key.getHash()); }
 
 private:
@@ -68,6 +64,18 @@ private:
 
         std::vector<std::atomic<std::uint32_t>> words;
     };
+
+    /// Whether that many keys in all would fill it so far that it rarely says no.
+    bool isTooSmallFor(std::size_t keys) const noexcept {
+        return made.empty() || keys * fewestBitsForKey > made.back()->size();
+    }
+
+    template <class AddAll>
+    void grow(std::size_t keys, AddAll addAll) {
+        made.push_back(std::make_unique<Bits>(std::max(keys * bitsForKey, smallest)));
+        addAll([bits = made.back().get()](std::uint32_t hash) { bits->add(hash); });
+        current.store(made.back().get());
+    }
 
     std::atomic<const Bits*> current = nullptr;
     std::vector<std::unique_ptr<Bits>> made; ///< The last one counts; others may still be looked at.

@@ -20,55 +20,23 @@ TEST(SharedText, CopiesHoldTheSameText) {
     EXPECT_EQ(&copy.get(), &text.get());
 }
 
-TEST(SharedTexts, HoldEqualTextsOnce) {
-    SharedTexts texts;
-    const auto first = texts.share(L"LocalStore");
-    const auto other = texts.share(L"CachedStore");
-    const auto second = texts.share(L"LocalStore");
-    EXPECT_EQ(second.get(), L"LocalStore");
-    EXPECT_EQ(&second.get(), &first.get());
-    EXPECT_EQ(other.get(), L"CachedStore");
+TEST(SharedText, IsEqualToWhatReadsTheSame) {
+    const SharedText text(L"LocalStore");
+    const SharedText copy(text); // NOLINT(performance-unnecessary-copy-initialization)
+    EXPECT_TRUE(text == copy);
+    EXPECT_TRUE(text == SharedText(L"LocalStore"));
+    EXPECT_TRUE(text == std::wstring(L"LocalStore"));
+    EXPECT_TRUE(SharedText() == SharedText(L""));
+    EXPECT_TRUE(SharedText() == std::wstring());
 }
 
-TEST(SharedTexts, TellCaseApart) {
-    SharedTexts texts;
-    texts.share(L"LocalStore");
-    EXPECT_EQ(texts.share(L"LOCALSTORE").get(), L"LOCALSTORE");
-    EXPECT_EQ(texts.share(L"LocalStore").get(), L"LocalStore");
-}
-
-TEST(SharedTexts, GiveTheEmptyTextAsItIs) {
-    SharedTexts texts;
-    EXPECT_EQ(texts.share(L"").get(), L"");
-    texts.share(L"LocalStore");
-    EXPECT_EQ(texts.share(L"").get(), L"");
-}
-
-TEST(SharedTexts, HoldATextOnceAlsoWhenNoHolderIsLeft) {
-    SharedTexts texts;
-    const auto* const address = &texts.share(L"LocalStore").get();
-    EXPECT_EQ(&texts.share(L"LocalStore").get(), address);
-}
-
-TEST(SharedTexts, GiveTheRightTextBeyondTheLimitToo) {
-    SharedTexts texts;
-    const auto nameOf = [](int number) { return L"Store " + std::to_wstring(number); };
-    for (int round = 0; round < 2; ++round) {
-        for (int i = 0; i < 200; ++i) {
-            ASSERT_EQ(texts.share(nameOf(i)).get(), nameOf(i));
-        }
-    }
-    const auto early = texts.share(nameOf(0));
-    EXPECT_EQ(&texts.share(nameOf(0)).get(), &early.get());
-}
-
-TEST(SharedTexts, TakeUpNoMoreBeyondTheLimit) {
-    SharedTexts texts;
-    for (int i = 0; i < 1000; ++i) {
-        texts.share(L"Store " + std::to_wstring(i));
-    }
-    const auto late = texts.share(L"Store 999");
-    EXPECT_NE(&texts.share(L"Store 999").get(), &late.get());
+TEST(SharedText, DiffersFromAnotherTextAndFromAnotherCase) {
+    const SharedText text(L"LocalStore");
+    EXPECT_TRUE(text != SharedText(L"CachedStore"));
+    EXPECT_TRUE(text != SharedText(L"LOCALSTORE"));
+    EXPECT_TRUE(text != SharedText());
+    EXPECT_TRUE(text != std::wstring(L"LOCALSTORE"));
+    EXPECT_TRUE(text != std::wstring());
 }
 
 } // namespace

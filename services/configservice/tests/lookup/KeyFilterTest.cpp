@@ -40,15 +40,23 @@ int countHeld(const KeyFilter& filter, int from, int to) {
     return held;
 }
 
+/// Whether it had to.
+bool growsFor(KeyFilter& filter, std::size_t keys) {
+    bool grew = false;
+    filter.reserve(keys, [&grew](auto) { grew = true; });
+    return grew;
+}
+
 TEST(KeyFilter, HoldsNothingAtFirst) {
-    const KeyFilter filter;
+    KeyFilter filter;
     EXPECT_FALSE(mayHold(filter, keyOf(1)));
-    EXPECT_TRUE(filter.isTooSmallFor(0));
+    EXPECT_TRUE(growsFor(filter, 0));
+    EXPECT_FALSE(mayHold(filter, keyOf(1)));
 }
 
 TEST(KeyFilter, NeverDeniesAKeyThatWasAddedInAnyCase) {
     KeyFilter filter;
-    filter.grow(1000, [](auto) {});
+    filter.reserve(1000, [](auto) {});
     addKeys(filter, 0, 1000);
     EXPECT_EQ(countHeld(filter, 0, 1000), 1000);
     EXPECT_TRUE(mayHold(filter, L"KEY7"));
@@ -56,32 +64,32 @@ TEST(KeyFilter, NeverDeniesAKeyThatWasAddedInAnyCase) {
 
 TEST(KeyFilter, DeniesMostOtherKeys) {
     KeyFilter filter;
-    filter.grow(1000, [](auto) {});
+    filter.reserve(1000, [](auto) {});
     addKeys(filter, 0, 1000);
     EXPECT_LT(countHeld(filter, 1000, 11'000), 1000);
 }
 
 TEST(KeyFilter, IsFullAtTwiceTheKeysThatItWasMadeFor) {
     KeyFilter filter;
-    filter.grow(1000, [](auto) {});
-    EXPECT_FALSE(filter.isTooSmallFor(2000));
-    EXPECT_TRUE(filter.isTooSmallFor(2001));
+    filter.reserve(1000, [](auto) {});
+    EXPECT_FALSE(growsFor(filter, 2000));
+    EXPECT_TRUE(growsFor(filter, 2001));
 }
 
 TEST(KeyFilter, KeepsWhatItIsGivenWhenItGrows) {
     KeyFilter filter;
-    filter.grow(1, [](auto) {});
-    filter.grow(1000, [](auto add) { add(hashOf(keyOf(1))); });
+    filter.reserve(1, [](auto) {});
+    filter.reserve(1000, [](auto add) { add(hashOf(keyOf(1))); });
     EXPECT_TRUE(mayHold(filter, keyOf(1)));
     EXPECT_FALSE(mayHold(filter, keyOf(2)));
 }
 
 TEST(KeyFilter, AnswersYesForAHeldKeyInTheMidstOfItsGrowth) {
     KeyFilter filter;
-    filter.grow(1, [](auto) {});
+    filter.reserve(1, [](auto) {});
     add(filter, keyOf(0));
     bool held = false;
-    filter.grow(1000, [&](auto add) {
+    filter.reserve(1000, [&](auto add) {
         held = mayHold(filter, keyOf(0));
         add(hashOf(keyOf(0)));
     });
@@ -90,18 +98,16 @@ TEST(KeyFilter, AnswersYesForAHeldKeyInTheMidstOfItsGrowth) {
 
 TEST(KeyFilter, AnswersYesForAHeldKeyWhileAnotherThreadAddsAndGrows) {
     KeyFilter filter;
-    filter.grow(1, [](auto) {});
+    filter.reserve(1, [](auto) {});
     add(filter, keyOf(0));
     std::atomic<bool> done = false;
     std::thread owner([&] {
         for (int count = 2; count < 2000; ++count) {
-            if (filter.isTooSmallFor(static_cast<std::size_t>(count))) {
-                filter.grow(static_cast<std::size_t>(count), [count](auto add) {
-                    for (int i = 0; i < count - 1; ++i) {
-                        add(hashOf(keyOf(i)));
-                    }
-                });
-            }
+            filter.reserve(static_cast<std::size_t>(count), [count](auto add) {
+                for (int i = 0; i < count - 1; ++i) {
+                    add(hashOf(keyOf(i)));
+                }
+            });
             add(filter, keyOf(count - 1));
         }
         done = true;

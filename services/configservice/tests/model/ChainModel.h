@@ -62,9 +62,6 @@ public:
     /// What a store's own file takes when the store is persisted.
     std::function<void(ModelStore&)> persisted;
 
-    static std::wstring findNewName(const std::wstring& key);
-    static std::wstring findOldName(const std::wstring& key);
-
 private:
     Reading lookupInStores(const std::wstring& key, bool skipLocal, const std::string& filter);
     bool findOriginalValue(const std::wstring& key, OriginalReading& reading, bool& found);

@@ -1,9 +1,9 @@
 #include "ServiceModel.h"
 
 #include "ModelUrl.h"
+#include "StoreRecord.h"
 
 #include <algorithm>
-#include <charconv>
 #include <limits>
 
 namespace config_model {
@@ -12,7 +12,6 @@ namespace {
 
 using Kind = StoreShape::Kind;
 
-constexpr int priorityOfUnreadableEntry = 240;
 const std::string urlStore = "UrlProvisioningConfigStore";
 const std::string presenceStore = "PresenceConfigStore";
 
@@ -34,37 +33,6 @@ bool beginsWith(const std::string& text, const std::string& beginning) {
 
 std::string copyNameOf(const std::string& storeName) {
     return "cached" + storeName + ".dat";
-}
-
-std::vector<std::string> split(const std::string& text, char separator) {
-    std::vector<std::string> pieces(1);
-    for (const auto character : text) {
-        if (character == separator) {
-            pieces.emplace_back();
-        } else {
-            pieces.back() += character;
-        }
-    }
-    return pieces;
-}
-
-/// The record of cached stores, as pairs of name and priority.
-Pairs readRecord(const std::wstring& text) {
-    Pairs entries;
-    for (const auto& piece : split(narrow(text), ';')) {
-        const auto parts = split(piece, ':');
-        if (parts.size() == 2) {
-            entries.emplace_back(widen(parts[0]), widen(parts[1]));
-        }
-    }
-    return ModelStore({.name = "record", .pairs = entries}).shape.pairs;
-}
-
-int readPriority(const std::wstring& text) {
-    const auto digits = narrow(text);
-    int priority = 0;
-    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), priority);
-    return error == std::errc() && end == digits.data() + digits.size() ? priority : priorityOfUnreadableEntry;
 }
 
 } // namespace
@@ -271,25 +239,11 @@ void ServiceModel::cacheStore(const ModelStore& store) {
 }
 
 void ServiceModel::writeRecord(const std::string& name, int priority) {
-    auto entries = readRecord(valueOf(L"PrimaryConfigStores"));
-    entries.emplace_back(widen(name), std::to_wstring(priority));
-    std::wstring text;
-    for (const auto& [entry, itsPriority] : ModelStore({.name = "record", .pairs = entries}).shape.pairs) {
-        text += entry + L":" + itsPriority + L";";
-    }
-    chain->storeValue(L"PrimaryConfigStores", text);
+    chain->storeValue(L"PrimaryConfigStores", recordWith(valueOf(L"PrimaryConfigStores"), name, priority));
 }
 
 void ServiceModel::removeFromRecord(const std::string& name) {
-    auto record = valueOf(L"PrimaryConfigStores");
-    for (std::size_t i = 0; i + name.size() <= record.size(); ++i) {
-        if (isSame(std::wstring_view(record).substr(i, name.size()), widen(name))) {
-            const auto end = record.find(L';', i);
-            record.erase(i, end == std::wstring::npos ? end : end - i + 1);
-            break;
-        }
-    }
-    chain->storeValue(L"PrimaryConfigStores", record);
+    chain->storeValue(L"PrimaryConfigStores", recordWithout(valueOf(L"PrimaryConfigStores"), name));
 }
 
 bool ServiceModel::removeStore(const std::string& name) {

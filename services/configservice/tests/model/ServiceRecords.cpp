@@ -1,6 +1,6 @@
 #include "ServiceRecords.h"
 
-#include "ChainModel.h"
+#include "KeyNames.h"
 
 #include <algorithm>
 
@@ -63,7 +63,7 @@ RecordView ServiceRecords::get(const std::wstring& key, bool fips) {
 }
 
 ServiceRecords::Record& ServiceRecords::find(const std::wstring& key) {
-    const auto newName = ChainModel::findNewName(key);
+    const auto newName = findNewName(key);
     auto* record = newName.empty() ? nullptr : findExactly(newName);
     record = record ? record : findExactly(key);
     if (record) {

@@ -2,6 +2,7 @@
 
 #include "ConfigValueImpl.h"
 #include "base/ConfigServiceBaseImpl.h"
+#include "base/SharedTexts.h"
 #include "lookup/ConfigTable.h"
 #include "lookup/KeyIndex.h"
 

@@ -73,11 +73,11 @@ void ConfigValueImpl::applyValues(std::wstring value, std::wstring originalValue
         setisDefined(defined);
         isDefinedChanged = true;
     }
-    if (ValueStoreName.get() != valueStoreName.get()) {
+    if (ValueStoreName != valueStoreName) {
         setValueStoreName(std::move(valueStoreName));
         isValueStoreNameChanged = true;
     }
-    if (OriginalValueStoreName.get() != originalValueStoreName.get()) {
+    if (OriginalValueStoreName != originalValueStoreName) {
         setOriginalValueStoreName(std::move(originalValueStoreName));
         isOriginalValueStoreNameChanged = true;
     }

@@ -1,5 +1,5 @@
+#include "StoreAnswer.h"
 #include "lookup/ConfigTable.h"
-#include "secure/FipsValueOverride.h"
 
 #include <zel/ZelLog.h>
 
@@ -24,17 +24,10 @@ bool InMemoryConfigStore::getValue(const std::wstring& key, std::wstring& value)
 
 bool InMemoryConfigStore::lookUp(const FoldedKey& key, std::wstring& value) {
     if (!values->mayHold(key)) {
-        value.clear();
-        return false;
+        return answerWith(nullptr, key, value);
     }
     const zel::Mutex::ScopedLock lock(valuesMutex);
-    const auto* found = values->find(key);
-    if (found == nullptr) {
-        value.clear();
-        return false;
-    }
-    value = zel::withFipsOverride(key.getText(), *found); // last: key and value may be one string
-    return true;
+    return answerWith(values->find(key), key, value);
 }
 
 bool InMemoryConfigStore::storeValue(const std::wstring& key, const std::wstring& value) {

@@ -1,11 +1,11 @@
 #include "ConfigMapKeys.h"
 #include "LocalFileConfigStoreLogger.h"
 #include "LocalFileDocument.h"
+#include "StoreAnswer.h"
 #include "XmlReader.h"
 #include "lookup/ChangedEntries.h"
 #include "lookup/ConfigTable.h"
 #include "lookup/WipedValues.h"
-#include "secure/FipsValueOverride.h"
 #include "secure/SecureBuffer.h"
 #include "secure/SecureString.h"
 #include "secure/StackWiper.h"
@@ -110,17 +110,10 @@ bool LocalFileConfigStore::getValue(const std::wstring& key, std::wstring& value
 
 bool LocalFileConfigStore::lookUp(const FoldedKey& key, std::wstring& value) {
     if (!values->mayHold(key)) {
-        value.clear();
-        return false;
+        return answerWith(nullptr, key, value);
     }
     const zel::Mutex::ScopedLock lock(valuesMutex);
-    const auto* found = values->find(key);
-    if (found == nullptr) {
-        value.clear();
-        return false;
-    }
-    value = zel::withFipsOverride(key.getText(), *found); // last: key and value may be one string
-    return true;
+    return answerWith(values->find(key), key, value);
 }
 
 bool LocalFileConfigStore::storeValue(const std::wstring& key, const std::wstring& value) {

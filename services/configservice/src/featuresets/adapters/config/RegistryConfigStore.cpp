@@ -2,8 +2,8 @@
 #include "FilePermissions.h"
 #include "RegistryKeyHandle.h"
 #include "RegistryTreeReader.h"
+#include "StoreAnswer.h"
 #include "lookup/ConfigTable.h"
-#include "secure/FipsValueOverride.h"
 
 #include <kyr/FileUtils.h>
 #include <kyr/FstreamUtils.h>
@@ -83,12 +83,8 @@ bool RegistryConfigStore::getValue(const std::wstring& key, std::wstring& value)
 
 bool RegistryConfigStore::lookUp(const FoldedKey& key, std::wstring& value) {
     const auto* found = values->find(key);
-    if (found == nullptr || isWithheld(key.getText())) {
-        value.clear();
-        return false;
-    }
-    value = zel::withFipsOverride(key.getText(), *found); // last: key and value may be one string
-    return true;
+    const bool withheld = found != nullptr && isWithheld(key.getText());
+    return answerWith(withheld ? nullptr : found, key, value);
 }
 
 bool RegistryConfigStore::storeValue(const std::wstring&, const std::wstring&) {

@@ -22,9 +22,7 @@ public:
             return;
         }
         index.reserveOne();
-        if (filter.isTooSmallFor(sensitiveKeys.size() + 1)) {
-            filter.grow(sensitiveKeys.size() + 1, [this](auto addHash) { index.forEachHash(addHash); });
-        }
+        filter.reserve(sensitiveKeys.size() + 1, [this](auto addHash) { index.forEachHash(addHash); });
         const auto& added = *sensitiveKeys.insert(key).first;
         filter.add(folded);
         index.insert(folded, added);

@@ -130,7 +130,7 @@ ConfigMap::value_type* insertKey(std::string_view name, ConfigMap& values) {
 
 void parsePlainElement(std::string_view name, std::string_view text, ConfigMap& values) {
     if (ConfigMap::value_type* entry = insertKey(name, values)) {
-        entry->second = toWideString(KyrCoreUtils::trimmed(text));
+        entry->second = toWideString(KyrCoreUtils::trimmedView(text));
         zel::applyFipsValueOverride(entry->first, entry->second);
     }
 }

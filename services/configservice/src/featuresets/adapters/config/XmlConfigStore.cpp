@@ -1,7 +1,7 @@
 #include "ConfigMapKeys.h"
+#include "StoreAnswer.h"
 #include "XmlConfigParser.h"
 #include "lookup/ConfigTable.h"
-#include "secure/FipsValueOverride.h"
 
 #include <kyr/StringUtils.h>
 
@@ -46,17 +46,12 @@ bool XmlConfigStore::getValue(const std::wstring& key, std::wstring& value) {
 
 bool XmlConfigStore::lookUp(const FoldedKey& key, std::wstring& value) {
     if (!values->mayHold(key)) {
-        value.clear();
-        return false;
+        return answerWith(nullptr, key, value);
     }
     const zel::Mutex::ScopedLock lock(valuesLock);
     const auto* found = values->find(key);
-    if (found == nullptr || isWithheld(key.getText())) {
-        value.clear();
-        return false;
-    }
-    value = zel::withFipsOverride(key.getText(), *found); // last: key and value may be one string
-    return true;
+    const bool withheld = found != nullptr && isWithheld(key.getText());
+    return answerWith(withheld ? nullptr : found, key, value);
 }
 
 bool XmlConfigStore::storeValue(const std::wstring& key, const std::wstring& value) {

@@ -1,11 +1,9 @@
-#include "LocalFileTestSupport.h"
+#include "LocalFileWritingFixture.h"
 #include "XmlTestSupport.h"
 
 #include <zel/ZelLog.h>
 
 #include <FaultInjectingFileLayer.h>
-#include <LogRecorder.h>
-#include <TemporaryProfile.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -15,7 +13,6 @@
 #include <memory>
 #include <string>
 #include <thread>
-#include <vector>
 
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -29,40 +26,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* userName = "LocalFileConfigStore";
-constexpr const char* mainName = "lumoraLocalConfig.dat";
-constexpr const char* backupName = "lumoraLocalConfig_backup.dat";
-
-enum class State { Absent, Readable, Bad };
-
-class LocalFileConfigStoreWritingTest : public testing::Test {
-protected:
-    LocalFileConfigStoreWritingTest() {
-        store->setTimer(timer);
-        log.clear();
-    }
-
-    static void put(const std::string& path, State state) {
-        fs::remove(path);
-        if (state == State::Readable) {
-            ASSERT_TRUE(xml_test::writeProtected(path, "<old/>"));
-        } else if (state == State::Bad) {
-            testing_host::writeFile(path, "garbage");
-        }
-    }
-
-    void fireBackup() { timer->requests.back().callback->onTimerFired(); }
-
-    std::vector<std::string> errors() const { return log.getTexts(ZelLogLevel::Error); }
-
-    testing_host::TemporaryProfile profile;
-    const std::string main = (profile.config() / mainName).string();
-    const std::string backup = (profile.config() / backupName).string();
-    testing_host::LogRecorder log{testing_host::LogRecorder::Debug::On};
-    const std::shared_ptr<xml_test::RecordingCacheTimer> timer = std::make_shared<xml_test::RecordingCacheTimer>();
-    std::shared_ptr<LocalFileConfigStore> store = std::make_shared<LocalFileConfigStore>(userName, 20, false);
-    const std::string document = localDocument(" <userConfig name=\"Key\" value=\"v\"/>\n");
-};
+class LocalFileConfigStoreWritingTest : public xml_test::LocalFileWritingFixture {};
 
 } // namespace
 
@@ -172,77 +136,6 @@ TEST_F(LocalFileConfigStoreWritingTest, StoresTheOldVoicemailKeyUnderItsNewName)
     }
 }
 
-TEST_F(LocalFileConfigStoreWritingTest, FollowsTheRuleOfTheTwoFiles) {
-    const auto refused = [](const std::string& target) {
-        return "Failed to read lumoraLocalConfig/backup file, so don't write to " + target + " to keep file good.";
-    };
-    const auto broken = [](const std::string& target) { return "Both files are broken, write to " + target; };
-    int round = 0;
-    for (const State target : {State::Absent, State::Readable, State::Bad}) {
-        for (const State counterpart : {State::Absent, State::Readable, State::Bad}) {
-            for (const bool isMain : {true, false}) {
-                store->storeValue(L"Key", L"v" + std::to_wstring(++round));
-                put(main, State::Absent);
-                put(backup, State::Absent);
-                if (!isMain) {
-                    store->persistValues();
-                }
-                put(isMain ? main : backup, target);
-                put(isMain ? backup : main, counterpart);
-                const std::string& path = isMain ? main : backup;
-                const std::string before = testing_host::readFile(path);
-                log.clear();
-                isMain ? store->persistValues() : fireBackup();
-                const std::string name = isMain ? mainName : backupName;
-                SCOPED_TRACE(name + " target " + std::to_string(static_cast<int>(target)) + " counterpart " +
-                             std::to_string(static_cast<int>(counterpart)));
-                if (counterpart != State::Bad) {
-                    EXPECT_THAT(readProtected(path), HasSubstr("value=\"v" + std::to_string(round)));
-                    EXPECT_THAT(errors(), IsEmpty());
-                } else if (target == State::Bad) {
-                    EXPECT_THAT(readProtected(path), HasSubstr("value=\"v" + std::to_string(round)));
-                    EXPECT_THAT(errors(), ElementsAre(broken(name)));
-                } else {
-                    EXPECT_EQ(testing_host::readFile(path), before);
-                    EXPECT_EQ(fs::exists(path), target == State::Readable);
-                    EXPECT_THAT(errors(), ElementsAre(refused(name)));
-                }
-            }
-        }
-    }
-}
-
-TEST_F(LocalFileConfigStoreWritingTest, RepairsACorruptBackupAndThenWritesTheMainFile) {
-    store->storeValue(L"Key", L"old");
-    store->persistValues();
-    put(backup, State::Bad);
-    store->storeValue(L"Key", L"v");
-    store->persistValues();
-    EXPECT_THAT(readProtected(main), HasSubstr("\"old\""));
-    EXPECT_THAT(errors(), ElementsAre("Failed to read lumoraLocalConfig/backup file, so don't write to "
-                                      "lumoraLocalConfig.dat to keep file good."));
-    EXPECT_EQ(valueOf(*store, L"Key"), L"v");
-    ASSERT_EQ(timer->requests.size(), 2U); // also after a refused write
-    fireBackup();
-    EXPECT_EQ(readProtected(backup), document);
-    store->persistValues(); // the refused write left the difference standing
-    EXPECT_EQ(readProtected(main), document);
-}
-
-TEST_F(LocalFileConfigStoreWritingTest, JudgesTheProtectionNotTheXml) {
-    ASSERT_TRUE(xml_test::writeProtected(backup, "no xml"));
-    store->storeValue(L"Key", L"v");
-    store->persistValues();
-    EXPECT_EQ(readProtected(main), document);
-    EXPECT_TRUE(store->checkIfGoodToWrite(mainName, false));
-    put(backup, State::Bad);
-    EXPECT_FALSE(store->checkIfGoodToWrite(mainName, false));
-    EXPECT_TRUE(store->checkIfGoodToWrite(mainName, true));
-    EXPECT_TRUE(store->checkIfGoodToWrite(backupName, false));
-    EXPECT_FALSE(store->checkIfGoodToWrite(backupName, true));
-    EXPECT_TRUE(store->checkIfGoodToWrite("any other", false));
-}
-
 TEST_F(LocalFileConfigStoreWritingTest, IsSilentWhenTheFacilityFailsAndWritesWithTheNextChange) {
     fs::remove(profile.config());
     testing_host::writeFile(profile.config(), "a file is in the way");
@@ -307,43 +200,6 @@ TEST_F(LocalFileConfigStoreWritingTest, WritesNothingWhenItIsReadOnly) {
     defaults.persistValues();
     EXPECT_EQ(std::distance(fs::directory_iterator(profile.resources()), fs::directory_iterator()), 1);
     EXPECT_EQ(testing_host::readFile(profile.resources() / "defaults.xml"), "<r><userConfig name='k' value='v'/></r>");
-}
-
-TEST_F(LocalFileConfigStoreWritingTest, SchedulesNoBackupUnderAnotherNameOrWithoutATimer) {
-    LocalFileConfigStore other("localfileconfigstore", 20, false);
-    other.setTimer(timer);
-    other.storeValue(L"Key", L"v");
-    other.persistValues();
-    EXPECT_THAT(timer->requests, IsEmpty());
-    LocalFileConfigStore without(userName, 20, false);
-    without.storeValue(L"Key", L"w");
-    without.persistValues();
-    EXPECT_THAT(readProtected(main), HasSubstr("\"w\""));
-}
-
-TEST_F(LocalFileConfigStoreWritingTest, WritesNoBackupOfAStoreThatIsNotShared) {
-    LocalFileConfigStore unshared(userName, 20, false);
-    unshared.setTimer(timer);
-    unshared.storeValue(L"Key", L"v");
-    unshared.persistValues();
-    fireBackup();
-    EXPECT_EQ(readProtected(main), document);
-    EXPECT_FALSE(fs::exists(backup));
-}
-
-TEST_F(LocalFileConfigStoreWritingTest, UsesTheIntervalItWasGiven) {
-    store->setInterval(5);
-    store->storeValue(L"Key", L"v");
-    store->persistValues();
-    EXPECT_EQ(timer->requests.at(0).milliseconds, 5);
-}
-
-TEST_F(LocalFileConfigStoreWritingTest, DropsTheBackupOfAStoreThatIsGone) {
-    store->storeValue(L"Key", L"v");
-    store->persistValues();
-    store.reset();
-    fireBackup();
-    EXPECT_FALSE(fs::exists(backup));
 }
 
 TEST_F(LocalFileConfigStoreWritingTest, LetsReadersReadAndAResetWaitWhileItWrites) {

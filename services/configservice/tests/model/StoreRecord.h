@@ -1,0 +1,17 @@
+#pragma once
+
+#include "ModelStore.h"
+
+#include <string>
+
+namespace config_model {
+
+/// The record of cached stores, as pairs of name and priority.
+Pairs readRecord(const std::wstring& text);
+int readPriority(const std::wstring& text);
+
+/// The record with an entry more, or without the first entry that mentions the store.
+std::wstring recordWith(const std::wstring& text, const std::string& name, int priority);
+std::wstring recordWithout(std::wstring text, const std::string& name);
+
+} // namespace config_model
