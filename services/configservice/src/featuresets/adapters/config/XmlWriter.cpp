@@ -7,8 +7,8 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
-#include <cstdint>
 #include <new>
+#include <type_traits>
 #include <utility>
 
 namespace ZelUnified {
@@ -112,7 +112,7 @@ void appendTo(std::string& document, const Pieces&... pieces) {
 template <auto escape>
 bool isPlain(const std::wstring& text) {
     return std::all_of(text.begin(), text.end(), [](wchar_t unit) {
-        const auto code = static_cast<std::uint32_t>(unit);
+        const auto code = static_cast<std::make_unsigned_t<wchar_t>>(unit);
         return code < asciiCount && plainCharacters<escape>[code];
     });
 }
