@@ -111,9 +111,9 @@ void appendTo(std::string& document, const Pieces&... pieces) {
 
 template <auto escape>
 bool isPlain(const std::wstring& text) {
-    return std::all_of(text.begin(), text.end(), [](wchar_t unit) {
-        const auto code = static_cast<std::make_unsigned_t<wchar_t>>(unit);
-        return code < asciiCount && plainCharacters<escape>[code];
+    const auto isPlainCode = [](auto code) { return code < asciiCount && plainCharacters<escape>[code]; };
+    return std::all_of(text.begin(), text.end(), [&](wchar_t unit) {
+        return isPlainCode(static_cast<std::make_unsigned_t<wchar_t>>(unit)); // it may be signed
     });
 }
 
