@@ -15,9 +15,9 @@ class SecureString;
 
 namespace ZelUnified {
 
-class ChangedEntries;
 class ConfigFileCacheTimer;
 class ConfigTable;
+class PersistedCopy;
 
 /// Keeps its keys in a file: the user's settings in a protected file with a backup beside it, or the plain read-only
 /// defaults of the installation. A file that can't be read gives an empty store.
@@ -48,7 +48,8 @@ public:
     bool isReadOnly() override { return readOnly; }
     std::string getName() override { return name; }
     int getPriority() override { return priority; }
-    /// Writes nothing when the table is what was last written. The facility's failure is silent.
+    /// Writes nothing when the table is what was last handed to the facility, whose failure is silent: the next change
+    /// writes.
     void persistValues() override;
     /// From here on no document is written.
     void destroy() override;
@@ -73,6 +74,7 @@ private:
     bool readFromFile();
     bool readFromEncryptedFile();
     bool readProtectedText(zel::SecureString& content);
+    void take(ConfigMap read);
     void quarantine(const std::string& path);
     void createConfigDirectory();
     void persistValuesImpl(const std::string& target);
@@ -84,12 +86,10 @@ private:
     bool local;
     bool readOnly;
     bool destroyed = false;
-    /// Guards `destroyed`, `changedEntries`, `lastPersistedValues`, and `values` but for ConfigTable::mayHold().
-    zel::Mutex valuesMutex;
-    zel::Mutex fileMutex; ///< Held while the files are read or written.
+    zel::Mutex valuesMutex; ///< Guards `destroyed`, `lastPersistedValues`, and `values` but for ConfigTable::mayHold().
+    zel::Mutex fileMutex;   ///< Held while the files are read or written.
     const std::unique_ptr<ConfigTable> values;
-    const std::unique_ptr<ChangedEntries> changedEntries; ///< Of `values`, against `lastPersistedValues`.
-    ConfigMap lastPersistedValues;
+    const std::unique_ptr<PersistedCopy> lastPersistedValues; ///< Told of each change of `values`.
     std::string configDirectory;
     std::string fileName;
     std::string backupFileName;

@@ -28,9 +28,12 @@ public:
     /// that are held; readers see the new size once all are in it.
     template <class AddAll>
     void reserve(std::size_t keys, AddAll addAll) {
-        if (isTooSmallFor(keys)) {
-            grow(keys, addAll);
+        if (!made.empty() && keys * fewestBitsForKey <= made.back()->size()) {
+            return;
         }
+        made.push_back(std::make_unique<Bits>(std::max(keys * bitsForKey, smallest)));
+        addAll([bits = made.back().get()](std::uint32_t hash) { bits->add(hash); });
+        current.store(made.back().get());
     }
 
     /// While there is room.
@@ -38,7 +41,7 @@ public:
 
 private:
     static constexpr std::size_t bitsForKey = 24;
-    static constexpr std::size_t fewestBitsForKey = 12;
+    static constexpr std::size_t fewestBitsForKey = 12; ///< With fewer it would rarely say no.
     static constexpr std::size_t smallest = 256;
 
     class Bits {
@@ -64,18 +67,6 @@ private:
 
         std::vector<std::atomic<std::uint32_t>> words;
     };
-
-    /// Whether that many keys in all would fill it so far that it rarely says no.
-    bool isTooSmallFor(std::size_t keys) const noexcept {
-        return made.empty() || keys * fewestBitsForKey > made.back()->size();
-    }
-
-    template <class AddAll>
-    void grow(std::size_t keys, AddAll addAll) {
-        made.push_back(std::make_unique<Bits>(std::max(keys * bitsForKey, smallest)));
-        addAll([bits = made.back().get()](std::uint32_t hash) { bits->add(hash); });
-        current.store(made.back().get());
-    }
 
     std::atomic<const Bits*> current = nullptr;
     std::vector<std::unique_ptr<Bits>> made; ///< The last one counts; others may still be looked at.

@@ -45,6 +45,10 @@ std::string secretOf(std::size_t bytes) {
     return text;
 }
 
+std::wstring wideSecretOf(std::size_t bytes) {
+    return KyrCoreUtils::toWideString(secretOf(bytes));
+}
+
 /// In how many blocks the secret stands that go with a tree, and with what is read out of it. The only key is to get
 /// the secret.
 std::size_t countBehindTree(const std::string& element) {
@@ -78,14 +82,14 @@ TEST(XmlMemory, KeepsNothingOfATextThatIsWritten) {
         {
             XmlWriter writer;
             writer.startElement("root");
-            writer.writeElement("key", secretOf(kilobytes * 400));
+            writer.writeElement("key", wideSecretOf(kilobytes * 400));
             for (std::size_t count = 0; count < kilobytes * 5; ++count) {
                 writer.startElement("userConfig");
-                writer.writeAttribute("name", "key & " + std::to_string(count));
-                writer.writeAttribute("value", secretOf(100) + "<&>\"\n\r\t\xC3\xA9");
-                writer.writeAttribute("wide", KyrCoreUtils::toWideString(secretOf(100)));
+                writer.writeAttribute("name", L"key & " + std::to_wstring(count));
+                writer.writeAttribute("plain", wideSecretOf(100));
+                writer.writeAttribute("value", wideSecretOf(100) + L"<&>\"\n\r\t\u00E9");
                 writer.endElement();
-                writer.writeElement("wide", KyrCoreUtils::toWideString(secretOf(100)) + L"\u00E9");
+                writer.writeElement("plain", wideSecretOf(100));
             }
             const std::string document = writer.finish();
             EXPECT_GE(document.size(), kilobytes * 1024);

@@ -50,8 +50,8 @@ void ConfigReport::writeStore(XmlWriter& writer, ConfigStore& store, const IsSen
         return;
     }
     writer.startElement("store");
-    writer.writeAttribute("name", name);
-    writer.writeAttribute("priority", std::to_string(priority));
+    writer.writeAttribute("name", toWideString(name));
+    writer.writeAttribute("priority", std::to_wstring(priority));
     std::wstring value;
     for (const auto& key : keys) {
         if (isSensitive(key)) {

@@ -3,9 +3,8 @@
 #include "LocalFileDocument.h"
 #include "StoreAnswer.h"
 #include "XmlReader.h"
-#include "lookup/ChangedEntries.h"
 #include "lookup/ConfigTable.h"
-#include "lookup/WipedValues.h"
+#include "lookup/PersistedCopy.h"
 #include "secure/SecureBuffer.h"
 #include "secure/SecureString.h"
 #include "secure/StackWiper.h"
@@ -39,6 +38,12 @@ constexpr std::string_view invalidSyntax =
 
 std::string toBackupName(std::string file) {
     return file.insert(file.find('.'), "_backup");
+}
+
+ConfigMap readTable(const std::string& store, const XmlDocument& document) {
+    ConfigMap table;
+    LocalFileDocument(store, table).read(document);
+    return table;
 }
 
 std::string readWhole(const std::string& path) {
@@ -80,7 +85,7 @@ LocalFileConfigStore::LocalFileConfigStore(std::string storeName, int storePrior
       local(isLocalStore),
       readOnly(isReadOnlyStore),
       values(std::make_unique<ConfigTable>()),
-      changedEntries(std::make_unique<ChangedEntries>()),
+      lastPersistedValues(std::make_unique<PersistedCopy>()),
       configDirectory(directory.empty() ? std::move(directory) : directory + FileUtils::FileSeparator()),
       fileName(std::move(file)),
       backupFileName(toBackupName(fileName)) {
@@ -93,16 +98,14 @@ LocalFileConfigStore::LocalFileConfigStore(std::string storeName, int storePrior
       local(isLocalStore),
       readOnly(false),
       values(std::make_unique<ConfigTable>()),
-      changedEntries(std::make_unique<ChangedEntries>()),
+      lastPersistedValues(std::make_unique<PersistedCopy>()),
       configDirectory(FileUtils::getConfigDirectory() + FileUtils::FileSeparator()),
       fileName(ConfigKeys::localConfigFile),
       backupFileName(ConfigKeys::localConfigBackupFile) {
     readFromEncryptedFile();
 }
 
-LocalFileConfigStore::~LocalFileConfigStore() {
-    wipeValues(lastPersistedValues);
-}
+LocalFileConfigStore::~LocalFileConfigStore() = default;
 
 bool LocalFileConfigStore::getValue(const std::wstring& key, std::wstring& value) {
     return lookUp(FoldedKey(key), value);
@@ -118,7 +121,7 @@ bool LocalFileConfigStore::lookUp(const FoldedKey& key, std::wstring& value) {
 
 bool LocalFileConfigStore::storeValue(const std::wstring& key, const std::wstring& value) {
     const zel::Mutex::ScopedLock lock(valuesMutex);
-    changedEntries->add(values->store(LocalFileDocument::migrateKey(key), value));
+    lastPersistedValues->noteStored(values->store(LocalFileDocument::migrateKey(key), value));
     return true;
 }
 
@@ -129,15 +132,18 @@ std::vector<std::wstring> LocalFileConfigStore::getKeys() {
 
 bool LocalFileConfigStore::removeValue(const std::wstring& key) {
     const zel::Mutex::ScopedLock lock(valuesMutex);
-    changedEntries->addAny();
-    return values->remove(key);
+    if (!values->remove(key)) {
+        return false;
+    }
+    lastPersistedValues->noteRemoval();
+    return true;
 }
 
 void LocalFileConfigStore::removeAllValues() {
     // A reset deletes the files next: a write in flight must be over by then.
     const zel::Mutex::ScopedLock fileLock(fileMutex);
     const zel::Mutex::ScopedLock valuesLock(valuesMutex);
-    changedEntries->addAny();
+    lastPersistedValues->noteRemoval();
     values->clear();
 }
 
@@ -166,10 +172,7 @@ bool LocalFileConfigStore::readFromEncryptedFile() {
     content.decrypt(clear);
     std::string text(clear.getData(), clear.getLength());
     if (const XmlDocument document = XmlReader::parseDoc(text)) {
-        ConfigMap read;
-        LocalFileDocument(name, read).read(document);
-        changedEntries->addAny();
-        values->replace(std::move(read));
+        take(readTable(name, document));
     } else {
         ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, invalidSyntax);
     }
@@ -201,14 +204,16 @@ bool LocalFileConfigStore::readFromFile() {
         return false;
     }
     if (const XmlDocument document = XmlReader::readFile(path)) {
-        ConfigMap read;
-        LocalFileDocument(name, read).read(document);
-        changedEntries->addAny();
-        values->replace(std::move(read));
+        take(readTable(name, document));
     } else {
         quarantine(path);
     }
     return true;
+}
+
+void LocalFileConfigStore::take(ConfigMap read) {
+    lastPersistedValues->noteRemoval();
+    values->replace(std::move(read));
 }
 
 void LocalFileConfigStore::quarantine(const std::string& path) {
@@ -240,7 +245,7 @@ void LocalFileConfigStore::createConfigDirectory() {
 void LocalFileConfigStore::persistValues() {
     {
         const zel::Mutex::ScopedLock lock(valuesMutex);
-        if (changedEntries->isUpToDate(lastPersistedValues, values->getMap())) {
+        if (lastPersistedValues->equals(values->getMap())) {
             if (ZelLog_isDebugEnabled(logger)) {
                 ZelLog(logger, ZelLogLevel::Debug, ZEL_HERE, "Same content has been saved.");
             }
@@ -270,7 +275,7 @@ void LocalFileConfigStore::persistValuesImpl(const std::string& target) {
         const zel::Mutex::ScopedLock lock(valuesMutex);
         getDataString(content);
         if (target == fileName) {
-            changedEntries->bringUpToDate(lastPersistedValues, values->getMap());
+            lastPersistedValues->bringUpToDate(values->getMap());
         }
     }
     // The facility refuses empty content, which is what protects the file of a store that must not write.

@@ -33,11 +33,6 @@ ZelLogger& logger = ZelLogger_getLogger("ConfigService-RegistryConfigStore");
 /// Policies of the current user lie below it.
 constexpr std::wstring_view softwareKey = L"Software\\";
 
-/// Held and listed, never answered.
-bool isWithheld(std::wstring_view key) {
-    return KyrCoreUtils::caseInsensitiveStringEquals(key, ConfigKeys::certificateValidationEnabled);
-}
-
 bool isPasswordLike(std::wstring_view key) {
     return KyrCoreUtils::caseInsensitiveFind(key, ConfigKeys::connectionPassword) >= 0;
 }
@@ -82,9 +77,7 @@ bool RegistryConfigStore::getValue(const std::wstring& key, std::wstring& value)
 }
 
 bool RegistryConfigStore::lookUp(const FoldedKey& key, std::wstring& value) {
-    const auto* found = values->find(key);
-    const bool withheld = found != nullptr && isWithheld(key.getText());
-    return answerWith(withheld ? nullptr : found, key, value);
+    return answerUnlessWithheld(values->find(key), key, value);
 }
 
 bool RegistryConfigStore::storeValue(const std::wstring&, const std::wstring&) {

@@ -3,6 +3,10 @@
 #include "lookup/FoldedKey.h"
 #include "secure/FipsValueOverride.h"
 
+#include <kyr/StringUtils.h>
+
+#include <ConfigKeys.h>
+
 #include <string>
 
 namespace ZelUnified {
@@ -15,6 +19,13 @@ inline bool answerWith(const std::wstring* found, const FoldedKey& key, std::wst
     }
     value = zel::withFipsOverride(key.getText(), *found); // last: key and value may be one string
     return true;
+}
+
+/// The same for sources whose word on the check of certificates is held and listed, but never given.
+inline bool answerUnlessWithheld(const std::wstring* found, const FoldedKey& key, std::wstring& value) {
+    const bool isWithheld = found != nullptr && KyrCoreUtils::caseInsensitiveStringEquals(
+                                                    key.getText(), ConfigKeys::certificateValidationEnabled);
+    return answerWith(isWithheld ? nullptr : found, key, value);
 }
 
 } // namespace ZelUnified

@@ -3,23 +3,11 @@
 #include "XmlConfigParser.h"
 #include "lookup/ConfigTable.h"
 
-#include <kyr/StringUtils.h>
-
-#include <ConfigKeys.h>
 #include <XmlConfigStore.h>
 
 #include <utility>
 
 namespace ZelUnified {
-
-namespace {
-
-/// Held and listed, never answered.
-bool isWithheld(std::wstring_view key) {
-    return KyrCoreUtils::caseInsensitiveStringEquals(key, ConfigKeys::certificateValidationEnabled);
-}
-
-} // namespace
 
 XmlConfigStore::XmlConfigStore(std::string storeName, int storePriority, bool isLocalStorage, bool encrypted,
                                std::string file, bool readNow)
@@ -49,9 +37,7 @@ bool XmlConfigStore::lookUp(const FoldedKey& key, std::wstring& value) {
         return answerWith(nullptr, key, value);
     }
     const zel::Mutex::ScopedLock lock(valuesLock);
-    const auto* found = values->find(key);
-    const bool withheld = found != nullptr && isWithheld(key.getText());
-    return answerWith(withheld ? nullptr : found, key, value);
+    return answerUnlessWithheld(values->find(key), key, value);
 }
 
 bool XmlConfigStore::storeValue(const std::wstring& key, const std::wstring& value) {

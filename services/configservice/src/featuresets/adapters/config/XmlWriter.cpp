@@ -67,11 +67,6 @@ constexpr std::string_view escapeInAttribute(char character) {
     }
 }
 
-// An attribute goes past the library, whose tag stays open until the next element begins or this one ends.
-constexpr std::string_view beforeName = " ";
-constexpr std::string_view beforeText = "=\"";
-constexpr std::string_view afterText = "\"";
-
 constexpr std::size_t asciiCount = 0x80;
 
 /// Which characters of ASCII stand in the document as they are.
@@ -117,12 +112,30 @@ bool isPlain(const std::wstring& text) {
     });
 }
 
-/// Has `write` take the text in UTF-8. False when a character was replaced.
-template <class Write>
-bool writeNarrow(const std::wstring& text, Write write) {
+template <auto escape>
+void appendEscaped(std::string& document, std::string_view text) {
+    const auto isSpecial = [](char character) { return !escape(character).empty(); };
+    while (!text.empty()) {
+        const auto plain = static_cast<std::size_t>(std::find_if(text.begin(), text.end(), isSpecial) - text.begin());
+        appendTo(document, text.substr(0, plain));
+        text.remove_prefix(plain);
+        if (!text.empty()) {
+            appendTo(document, escape(text.front()));
+            text.remove_prefix(1);
+        }
+    }
+}
+
+/// False when a character was replaced.
+template <auto escape>
+bool appendText(std::string& document, const std::wstring& text) {
+    if (isPlain<escape>(text)) {
+        appendTo(document, text);
+        return true;
+    }
     std::string narrow = KyrCoreUtils::toString(text);
     const bool isWhole = !XmlWriter::replaceIllegalCharacters(narrow);
-    write(narrow);
+    appendEscaped<escape>(document, narrow);
     zel::SecureString::wipe(narrow);
     return isWhole;
 }
@@ -169,40 +182,26 @@ void XmlWriter::endElement() {
     note(xmlTextWriterEndElement(writer.get()));
 }
 
-void XmlWriter::writeElement(const std::string& name, const std::string& text) {
-    if (startText(name)) {
-        writeEscaped<escapeInElement>(text);
-        endElement();
-    }
-}
-
 bool XmlWriter::writeElement(const std::string& name, const std::wstring& text) {
-    if (!isPlain<escapeInElement>(text)) {
-        return writeNarrow(text, [&](const std::string& narrow) { writeElement(name, narrow); });
+    if (name.empty()) {
+        return true;
     }
-    if (startText(name)) {
-        appendTo(document, text);
-        endElement();
-    }
-    return true;
+    startElement(name);
+    note(xmlTextWriterWriteRawLen(writer.get(), toXml(""), 0)); // closes the tag
+    const bool isWhole = !flush() || appendText<escapeInElement>(document, text);
+    endElement();
+    return isWhole;
 }
 
-void XmlWriter::writeAttribute(const std::string& name, const std::string& text) {
-    if (flush()) {
-        appendTo(document, beforeName, name, beforeText);
-        writeEscaped<escapeInAttribute>(text);
-        appendTo(document, afterText);
-    }
-}
-
+/// The library keeps the tag open until the next element begins or this one ends.
 bool XmlWriter::writeAttribute(const std::string& name, const std::wstring& text) {
-    if (!isPlain<escapeInAttribute>(text)) {
-        return writeNarrow(text, [&](const std::string& narrow) { writeAttribute(name, narrow); });
+    if (!flush()) {
+        return true;
     }
-    if (flush()) {
-        appendTo(document, beforeName, name, beforeText, text, afterText);
-    }
-    return true;
+    appendTo(document, std::string_view(" "), name, std::string_view("=\""));
+    const bool isWhole = appendText<escapeInAttribute>(document, text);
+    appendTo(document, std::string_view("\""));
+    return isWhole;
 }
 
 std::string XmlWriter::finish() {
@@ -214,32 +213,6 @@ std::string XmlWriter::finish() {
 bool XmlWriter::flush() {
     note(xmlTextWriterFlush(writer.get()));
     return !failed;
-}
-
-/// The library gets an empty text, so that it closes the tag.
-bool XmlWriter::startText(const std::string& name) {
-    if (name.empty()) {
-        return false;
-    }
-    startElement(name);
-    note(xmlTextWriterWriteRawLen(writer.get(), toXml(""), 0));
-    return flush();
-}
-
-/// Past the library, which would leave copies in memory that it frees or moves away from.
-template <XmlWriter::Escape escape>
-void XmlWriter::writeEscaped(std::string_view text) {
-    makeRoom(document, text.size());
-    const auto isSpecial = [](char character) { return !escape(character).empty(); };
-    while (!text.empty()) {
-        const auto plain = static_cast<std::size_t>(std::find_if(text.begin(), text.end(), isSpecial) - text.begin());
-        appendTo(document, text.substr(0, plain));
-        text.remove_prefix(plain);
-        if (!text.empty()) {
-            appendTo(document, escape(text.front()));
-            text.remove_prefix(1);
-        }
-    }
 }
 
 bool XmlWriter::replaceIllegalCharacters(std::string& utf8) {

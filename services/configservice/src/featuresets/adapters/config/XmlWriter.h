@@ -6,7 +6,6 @@
 
 #include <memory>
 #include <string>
-#include <string_view>
 
 namespace ZelUnified {
 
@@ -27,13 +26,10 @@ public:
     /// Names are not checked.
     void startElement(const std::string& name);
     void endElement();
-    /// An element with a text, which is to be free of illegal characters. Without a name it is left out.
-    void writeElement(const std::string& name, const std::string& text);
-    /// An element with any text. False when U+FFFD took the place of a character that XML can't carry.
+    /// An element with a text. Without a name it is left out. False when U+FFFD took the place of a character that XML
+    /// can't carry.
     bool writeElement(const std::string& name, const std::wstring& text);
-    /// Right behind startElement() or another attribute.
-    void writeAttribute(const std::string& name, const std::string& text);
-    /// As writeElement() of a wide text.
+    /// Right behind startElement() or another attribute. The result is as that of writeElement().
     bool writeAttribute(const std::string& name, const std::wstring& text);
     /// Ends all that is open and gives the document, which is the caller's to wipe, or nothing when a part of it could
     /// not be written. Call once.
@@ -44,8 +40,6 @@ public:
     static bool replaceIllegalCharacters(std::string& utf8);
 
 private:
-    using Escape = std::string_view (*)(char character);
-
     struct WriterDeleter {
         void operator()(xmlTextWriter* released) const { xmlFreeTextWriter(released); }
     };
@@ -54,9 +48,6 @@ private:
     void note(int written) { failed = failed || written < 0; }
     /// Has the library write all that it holds back. False when nothing may follow.
     bool flush();
-    bool startText(const std::string& name);
-    template <Escape escape>
-    void writeEscaped(std::string_view text);
 
     const XmlGuard guard; ///< A setting of the thread: the writer stays on it.
     bool failed = false;

@@ -1,4 +1,4 @@
-#include "LocalFileTestSupport.h"
+#include "LocalFileWritingFixture.h"
 #include "XmlTestSupport.h"
 
 #include <kyr/StringUtils.h>
@@ -25,7 +25,6 @@ using ZelUnified::LocalFileConfigStore;
 
 namespace {
 
-constexpr const char* userName = "LocalFileConfigStore";
 constexpr const char* loggerName = "ConfigService-LocalFileConfigStore";
 constexpr const char* unchangedLine = "Same content has been saved.";
 
@@ -61,7 +60,21 @@ class RandomEditor {
 public:
     RandomEditor(LocalFileConfigStore& edited, unsigned seed) : store(edited), random(seed) {}
 
-    void edit() {
+    void edit(int times) {
+        for (; times > 0; --times) {
+            editOnce();
+        }
+    }
+
+    /// More new values than the store keeps account of one by one.
+    void storeOften() {
+        for (int i = 0; i < 200; ++i) {
+            store.storeValue(L"key" + std::to_wstring(100 + below(60)), newValue());
+        }
+    }
+
+private:
+    void editOnce() {
         const auto keys = store.getKeys();
         const std::wstring held = keys.empty() ? L"none" : pick(keys);
         switch (below(4)) {
@@ -79,7 +92,6 @@ public:
         }
     }
 
-private:
     unsigned below(unsigned limit) { return static_cast<unsigned>(random() % limit); }
 
     /// Both ends as often as all between them.
@@ -110,22 +122,15 @@ private:
     std::mt19937 random;
 };
 
-class LocalFileConfigStorePersistTest : public testing::Test {
+class LocalFileConfigStorePersistTest : public xml_test::LocalFileWritingFixture {
 protected:
-    LocalFileConfigStorePersistTest() { log.clear(); }
-
-    bool saysUnchanged(LocalFileConfigStore& persisted) {
+    bool saysUnchanged() {
         log.clear();
-        persisted.persistValues();
+        store->persistValues();
         const auto texts = log.getTexts(loggerName);
         EXPECT_LE(texts.size(), 1U);
         return texts == std::vector<std::string>{unchangedLine};
     }
-
-    testing_host::TemporaryProfile profile;
-    const std::string main = (profile.config() / "lumoraLocalConfig.dat").string();
-    testing_host::LogRecorder log{testing_host::LogRecorder::Debug::On};
-    LocalFileConfigStore store{userName, 20, false};
 };
 
 } // namespace
@@ -134,17 +139,19 @@ TEST_F(LocalFileConfigStorePersistTest, KnowsExactlyWhatItLastWroteWhateverChang
     constexpr unsigned seeds = 4;
     constexpr int rounds = 40;
     for (unsigned seed = 1; seed <= seeds; ++seed) {
-        RandomEditor editor(store, seed);
+        RandomEditor editor(*store, seed);
         for (int round = 0; round < rounds; ++round) {
             SCOPED_TRACE("seed " + std::to_string(seed) + ", round " + std::to_string(round));
-            const auto before = entriesOf(store);
-            for (int edits = round % 10 == 9 ? 200 : 1 + round % 5; edits > 0; --edits) {
-                editor.edit();
+            const auto before = entriesOf(*store);
+            if (round % 10 == 9) {
+                editor.storeOften();
+            } else {
+                editor.edit(1 + round % 5);
             }
-            const auto entries = entriesOf(store);
-            ASSERT_EQ(saysUnchanged(store), entries == before);
+            const auto entries = entriesOf(*store);
+            ASSERT_EQ(saysUnchanged(), entries == before);
             const std::string written = testing_host::readFile(main); // no two writes give the same bytes
-            ASSERT_TRUE(saysUnchanged(store));
+            ASSERT_TRUE(saysUnchanged());
             ASSERT_EQ(testing_host::readFile(main), written);
             if (!written.empty()) {
                 ASSERT_EQ(readProtected(main), documentOf(entries));
@@ -156,11 +163,11 @@ TEST_F(LocalFileConfigStorePersistTest, KnowsExactlyWhatItLastWroteWhateverChang
 }
 
 TEST_F(LocalFileConfigStorePersistTest, SaysThatNothingChangedToThoseWhoDebugAlone) {
-    store.storeValue(L"Key", L"v");
-    store.persistValues();
-    EXPECT_TRUE(saysUnchanged(store));
+    store->storeValue(L"Key", L"v");
+    store->persistValues();
+    EXPECT_TRUE(saysUnchanged());
     const testing_host::LogRecorder quiet;
-    store.persistValues();
+    store->persistValues();
     EXPECT_THAT(quiet.getRecords(), IsEmpty());
 }
 
