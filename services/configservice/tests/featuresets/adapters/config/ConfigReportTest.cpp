@@ -123,6 +123,12 @@ TEST_F(ConfigReport, KeyThatIsNoXmlNameStandsAsItIs) {
     EXPECT_THAT(report(), HasSubstr("  <1st>w</1st>\n  <a b>v</a b>\n"));
 }
 
+TEST_F(ConfigReport, ReplacesWhatXmlCantCarry) {
+    given(makeReadOnlyStore("S\x01\xC3\xA9", 20, {{L"k", L"v\u0002"}}));
+    EXPECT_THAT(report(), HasSubstr(" <store name=\"S\xEF\xBF\xBD\xC3\xA9\" priority=\"20\">\n"
+                                    "  <k>v\xEF\xBF\xBD</k>\n"));
+}
+
 TEST_F(ConfigReport, DataFilesFollowInTheirOrder) {
     givenDataFile("SSOAuthInfoStore.dat", "<?xml version=\"1.0\"?><sso/>");
     givenDataFile("service-location.dat", "<?xml version=\"1.0\"?><where/>");
