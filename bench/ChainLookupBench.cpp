@@ -1,5 +1,5 @@
 // A lookup through the whole chain beside the same lookup in one hash map for each layer.
-#include "BareTable.h"
+#include "BareChain.h"
 #include "HostedService.h"
 #include "ProbeWalk.h"
 
@@ -17,13 +17,6 @@ class Subjects {
 public:
     Subjects(std::size_t layers, std::size_t keys)
         : workload(layers, keys), hosted(workload.getLayers(), bench::HostedService::Records::Without) {
-        bench::Folder fold;
-        for (const auto& layer : workload.getLayers()) {
-            auto& table = tables.emplace_back();
-            for (const auto& [key, value] : layer) {
-                table.emplace(fold(key).folded, value);
-            }
-        }
         check(workload.getHits(), true);
         check(workload.getMisses(), false);
     }
@@ -36,15 +29,7 @@ public:
         return value;
     }
 
-    std::wstring askBare(const std::wstring& key) {
-        const auto probe = folder(key);
-        for (const auto& table : tables) {
-            if (const auto found = table.find(probe); found != table.end()) {
-                return found->second;
-            }
-        }
-        return {};
-    }
+    std::wstring askBare(const std::wstring& key) { return bare.read(key); }
 
 private:
     void check(const Probes& probes, bool held) {
@@ -57,8 +42,7 @@ private:
 
     const bench::Workload workload;
     bench::HostedService hosted;
-    std::vector<bench::BareTable> tables;
-    bench::Folder folder;
+    bench::BareChain bare{workload};
 };
 
 void addRow(bench::RowSuite& suite, const std::string& name, const std::shared_ptr<Subjects>& subjects,

@@ -1,8 +1,8 @@
 // What it takes to read eight protected documents, alone and as the start of the whole service, beside parsing the same
 // bytes in the clear without keeping anything.
+#include "BareParser.h"
 #include "RowSuite.h"
 #include "Workload.h"
-#include "featuresets/adapters/config/XmlConfigParser.h"
 #include "services/impl/InjectConfigService.h"
 
 #include <CacheConfigStore.h>
@@ -11,7 +11,6 @@
 #include <ConfigValue.h>
 #include <RecordingFactory.h>
 #include <TemporaryProfile.h>
-#include <libxml/parser.h>
 
 #include <memory>
 #include <optional>
@@ -23,20 +22,6 @@ namespace {
 using namespace ZelUnified;
 
 constexpr int firstPriority = 100;
-
-/// Counts what a parser without a tree reports, so that the work is done.
-struct Counts {
-    std::size_t elements = 0;
-    std::size_t characters = 0;
-};
-
-void countElement(void* context, const xmlChar* /*name*/, const xmlChar** /*attributes*/) {
-    ++static_cast<Counts*>(context)->elements;
-}
-
-void countCharacters(void* context, const xmlChar* /*text*/, int length) {
-    static_cast<Counts*>(context)->characters += static_cast<std::size_t>(length);
-}
 
 /// The whole service, constructed on the profile that there is.
 class Service {
@@ -59,7 +44,6 @@ public:
         std::string record;
         for (std::size_t i = 0; i < workload.getLayers().size(); ++i) {
             auto values = workload.getLayers()[i];
-            XmlConfigParser::writeToMemory(documents.emplace_back(), values);
             const CacheConfigStore writer(nameOf(i), priorityOf(i), pathOf(i), values);
             record += nameOf(i) + ":" + std::to_string(priorityOf(i)) + ";";
         }
@@ -72,28 +56,19 @@ public:
 
     Stores load() const {
         Stores stores;
-        for (std::size_t i = 0; i < documents.size(); ++i) {
+        for (std::size_t i = 0; i < workload.getLayers().size(); ++i) {
             stores.push_back(std::make_unique<CacheConfigStore>(nameOf(i), priorityOf(i), pathOf(i)));
         }
         return stores;
     }
 
-    void parse() const {
-        for (const auto& document : documents) {
-            Counts counts;
-            xmlSAXHandler handler{};
-            handler.startElement = countElement;
-            handler.characters = countCharacters;
-            xmlSAXUserParseMemory(&handler, &counts, document.data(), static_cast<int>(document.size()));
-            bench::require(counts.elements == keys + 2 && counts.characters > 0, "the bare parser");
-        }
-    }
+    const bench::BareParser& bareParser() const { return parser; }
 
 private:
     static constexpr std::size_t keys = 5000;
 
     void check() const {
-        for (std::size_t i = 0; i < documents.size(); ++i) {
+        for (std::size_t i = 0; i < workload.getLayers().size(); ++i) {
             CacheConfigStore store(nameOf(i), priorityOf(i), pathOf(i));
             bench::require(store.getKeys().size() == keys, "a copy");
         }
@@ -111,7 +86,7 @@ private:
 
     const bench::Workload workload{8, keys};
     testing_host::TemporaryProfile profile;
-    std::vector<std::string> documents;
+    const bench::BareParser parser{workload};
 };
 
 } // namespace
@@ -119,7 +94,7 @@ private:
 int main(int argc, char** argv) {
     bench::RowSuite suite(argc, argv);
     const auto subjects = std::make_shared<Subjects>();
-    const auto parse = [subjects] { return bench::timed([&] { subjects->parse(); }); };
+    const auto parse = [subjects] { return bench::timed([&] { subjects->bareParser().parse(); }); };
     suite.addTimed("3 load of 8 documents of 5000 keys", "stores", 2, [subjects] {
         Subjects::Stores stores; // given up when the time has been taken
         return bench::timed([&] { stores = subjects->load(); });

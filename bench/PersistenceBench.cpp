@@ -1,93 +1,37 @@
 // What the user's file costs beside what no implementation can do without: parsing and deciphering the same bytes, and
 // writing them durably.
+#include "BareCipher.h"
+#include "BareDurableFile.h"
 #include "MarkdownReporter.h"
+#include "RowSuite.h"
 #include "SyntheticKeys.h"
 #include "featuresets/adapters/config/LocalFileDocument.h"
 #include "secure/SecureString.h"
-
-#include <kyr/StringUtils.h>
-#include <zel/FileLayer.h>
 
 #include <ConfigMap.h>
 #include <LocalFileConfigStore.h>
 #include <TemporaryProfile.h>
 #include <benchmark/benchmark.h>
 #include <libxml/parser.h>
-#include <openssl/evp.h>
 
 #include <algorithm>
-#include <array>
 #include <atomic>
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
-#include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
 
 namespace {
 
-using zel::storage::FileLayer;
+using bench::require;
 using ZelUnified::ConfigMap;
 using ZelUnified::LocalFileConfigStore;
 
 constexpr std::size_t keyCount = 5000;
 constexpr std::size_t readsInRound = 1000;
-
-void require(bool holds, const char* what) {
-    if (!holds) {
-        throw std::logic_error(std::string("went wrong: ") + what);
-    }
-}
-
-using CipherContext = std::unique_ptr<EVP_CIPHER_CTX, decltype(&EVP_CIPHER_CTX_free)>;
-
-/// AES-256-GCM of the library and nothing else.
-class BareCipher {
-public:
-    explicit BareCipher(const std::string& clear) { encipher(clear); }
-
-    /// Enciphers a text, of any length, anew.
-    void encipher(const std::string& clear) {
-        int count = 0;
-        cipherText.resize(clear.size());
-        require(EVP_EncryptInit_ex(context.get(), EVP_aes_256_gcm(), nullptr, key.data(), nonce.data()) == 1 &&
-                    EVP_EncryptUpdate(context.get(), to(cipherText), &count, from(clear),
-                                      static_cast<int>(clear.size())) == 1 &&
-                    EVP_EncryptFinal_ex(context.get(), to(cipherText), &count) == 1 &&
-                    EVP_CIPHER_CTX_ctrl(context.get(), EVP_CTRL_AEAD_GET_TAG, static_cast<int>(tag.size()),
-                                        tag.data()) == 1,
-                "the bare encryption");
-    }
-
-    const std::string& getCipherText() const { return cipherText; }
-
-    void decipher(std::string& clear) {
-        int count = 0;
-        clear.resize(cipherText.size());
-        require(EVP_DecryptInit_ex(context.get(), EVP_aes_256_gcm(), nullptr, key.data(), nonce.data()) == 1 &&
-                    EVP_DecryptUpdate(context.get(), to(clear), &count, from(cipherText),
-                                      static_cast<int>(cipherText.size())) == 1 &&
-                    EVP_CIPHER_CTX_ctrl(context.get(), EVP_CTRL_AEAD_SET_TAG, static_cast<int>(tag.size()),
-                                        tag.data()) == 1 &&
-                    EVP_DecryptFinal_ex(context.get(), to(clear), &count) == 1,
-                "the bare decryption");
-    }
-
-private:
-    static unsigned char* to(std::string& text) { return reinterpret_cast<unsigned char*>(text.data()); }
-    static const unsigned char* from(const std::string& text) {
-        return reinterpret_cast<const unsigned char*>(text.data());
-    }
-
-    CipherContext context{EVP_CIPHER_CTX_new(), &EVP_CIPHER_CTX_free};
-    std::array<unsigned char, 32> key{};
-    std::array<unsigned char, 12> nonce{};
-    std::array<unsigned char, 16> tag{};
-    std::string cipherText;
-};
 
 /// A user's file of many keys, the same bytes in the clear, and a store on it.
 class Subjects {
@@ -104,7 +48,7 @@ public:
         zel::SecureString content;
         ZelUnified::LocalFileDocument::write(values, content);
         content.withClearText([this](std::string_view clear) { document = clear; });
-        cipher = std::make_unique<BareCipher>(document);
+        cipher.encipher(document);
         require(openStore()->getKeys().size() == keyCount, "the file");
     }
 
@@ -116,8 +60,8 @@ public:
     const std::vector<std::wstring>& allKeys() const { return keys; }
     const ConfigMap& getValues() const { return values; }
     const std::string& text() const { return document; }
-    BareCipher& bareCipher() { return *cipher; }
-    std::string pathOf(const char* name) const { return (profile.config() / name).string(); }
+    bench::BareCipher& bareCipher() { return cipher; }
+    std::filesystem::path folder() const { return profile.config(); }
 
     /// A change, without which nothing is written.
     void change() { store->storeValue(keys.front(), std::to_wstring(++changes)); }
@@ -128,7 +72,7 @@ private:
     ConfigMap values;
     std::shared_ptr<LocalFileConfigStore> store;
     std::string document;
-    std::unique_ptr<BareCipher> cipher;
+    bench::BareCipher cipher;
     unsigned long changes = 0;
 };
 
@@ -154,30 +98,6 @@ private:
     std::atomic<bool> stopped = false;
     std::thread thread;
 };
-
-/// The document's text, put together with no more care than its characters need.
-std::string serialise(const ConfigMap& values) {
-    std::string text = "<Lumora>\n";
-    for (const auto& [key, value] : values) {
-        text.append(" <userConfig name=\"").append(KyrCoreUtils::toString(key));
-        text.append("\" value=\"").append(KyrCoreUtils::toString(value)).append("\"/>\n");
-    }
-    return text.append("</Lumora>\n");
-}
-
-void replaceDurably(const std::string& temporary, const std::string& path, std::string_view bytes) {
-    FileLayer& files = FileLayer::platform();
-    FileLayer::Handle handle = -1;
-    require(files.createFile(temporary, handle) == 0, "the bare file");
-    while (!bytes.empty()) {
-        std::size_t count = 0;
-        require(files.write(handle, bytes, count) == 0, "the bare write");
-        bytes.remove_prefix(count);
-    }
-    require(files.sync(handle) == 0 && files.close(handle) == 0 && files.rename(temporary, path) == 0 &&
-                files.syncDirectory(std::filesystem::path(path).parent_path().string()) == 0,
-            "the bare replacement");
-}
 
 void registerLoad(Subjects& subjects) {
     const std::string name = "load of a file of 5,000 keys";
@@ -211,11 +131,10 @@ void registerPersist(Subjects& subjects) {
         }
     })->UseRealTime();
     benchmark::RegisterBenchmark((name + "/bare durable file").c_str(), [&](benchmark::State& state) {
+        bench::BareDurableFile file(subjects.folder());
         while (state.KeepRunning()) {
-            subjects.bareCipher().encipher(serialise(subjects.getValues()));
-            replaceDurably(subjects.pathOf("bare.tmp"), subjects.pathOf("bare"), subjects.bareCipher().getCipherText());
+            file.persist(subjects.getValues());
         }
-        subjects.bareCipher().encipher(subjects.text());
     })->UseRealTime();
 }
 

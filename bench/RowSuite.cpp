@@ -106,6 +106,7 @@ int RowSuite::main() {
     }
     MarkdownReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
+    benchmark::ClearRegisteredBenchmarks(); // gives up the subjects before the folders that they stand on
     return EXIT_SUCCESS;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <ctime>
 #include <functional>
@@ -17,6 +18,14 @@ double timed(Work work) {
     const auto begin = std::clock();
     work();
     return static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC;
+}
+
+/// The seconds by the clock, for work that waits for a disk.
+template <typename Work>
+double timedByClock(Work work) {
+    const auto begin = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
 }
 
 /// The rows of one program. Each is measured over and over, together with its limit, in an order that is drawn anew

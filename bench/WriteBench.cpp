@@ -1,8 +1,9 @@
 // A write on the services dispatcher's thread, announced and in its record when it returns, beside setting a value in a
 // hash map. The file is written elsewhere and later, and not here.
-#include "BareTable.h"
+#include "BareWriter.h"
 #include "RowSuite.h"
 #include "Workload.h"
+#include "WriteRounds.h"
 #include "services/impl/InjectConfigService.h"
 
 #include <ConfigFeatureSet.h>
@@ -13,7 +14,6 @@
 #include <TemporaryProfile.h>
 #include <XmlConfigStore.h>
 
-#include <array>
 #include <memory>
 #include <string>
 
@@ -34,7 +34,6 @@ public:
                 "Document" + std::to_string(i), 100 + static_cast<int>(i), true, false, std::string(), false);
             for (const auto& [key, value] : workload.getLayers()[i]) {
                 store->storeValue(key, value);
-                table.emplace(folder(key).folded, value);
             }
             featureSet->addConfigStore(store);
         }
@@ -48,33 +47,25 @@ public:
     Subjects& operator=(const Subjects&) = delete;
 
     void write(std::size_t times) {
-        const std::wstring& value = values[++rounds % 2]; // another one for each key when its turn comes again
-        for (std::size_t i = 0; i < times; ++i) {
-            service->setConfig(keyAt(i), value);
-        }
-        bench::require(service->getConfig(keyAt(times - 1))->getValue() == value, "a write");
+        const auto& value = rounds.run(times, [this](std::size_t number, const std::wstring& written) {
+            service->setConfig(keyAt(number), written);
+        });
+        bench::require(service->getConfig(keyAt((times - 1) % workload.getHits().size()))->getValue() == value,
+                       "a write");
         factory->backgroundDispatcher->clear();
     }
 
-    void writeBare(std::size_t times) {
-        const std::wstring& value = values[++rounds % 2];
-        for (std::size_t i = 0; i < times; ++i) {
-            table.find(folder(keyAt(i)))->second = value;
-        }
-    }
+    void writeBare(std::size_t times) { bare.write(times); }
 
 private:
-    const std::wstring& keyAt(std::size_t number) const {
-        return workload.getHits()[number % workload.getHits().size()].key;
-    }
+    const std::wstring& keyAt(std::size_t number) const { return workload.getHits()[number].key; }
+
     const bench::Workload workload;
-    const std::array<std::wstring, 2> values{L"sip.primary.example.com:5061", L"sip.backup.example.com:5061"};
-    std::size_t rounds = 0;
+    bench::WriteRounds<std::wstring> rounds{workload.getHits().size()};
+    bench::BareWriter bare{workload};
     testing_host::TemporaryProfile profile;
     std::shared_ptr<testing_host::RecordingFactory> factory = std::make_shared<testing_host::RecordingFactory>();
     std::shared_ptr<ConfigService> service;
-    bench::BareTable table;
-    bench::Folder folder;
 };
 
 } // namespace
