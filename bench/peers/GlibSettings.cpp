@@ -1,4 +1,5 @@
-#include "Peer.h"
+#include "PeerLibrary.h"
+#include "RowSuite.h"
 
 #define G_SETTINGS_ENABLE_BACKEND
 #include <gio/gio.h>
@@ -6,59 +7,126 @@
 
 #include <cstdlib>
 #include <fstream>
-#include <stdexcept>
 
 namespace bench {
 
 namespace {
 
-/// The keys are declared in a compiled schema, whose defaults stand for a layer; the user's values lie in memory. A key
-/// that is not declared ends the program, so whether there is one is asked first.
+template <auto release>
+struct Releaser {
+    template <typename T>
+    void operator()(T* object) const {
+        release(object);
+    }
+};
+
+template <typename T>
+using Object = std::unique_ptr<T, Releaser<&g_object_unref>>;
+using Backend = Object<GSettingsBackend>;
+using MainContext = std::unique_ptr<GMainContext, Releaser<&g_main_context_unref>>;
+using Schema = std::unique_ptr<GSettingsSchema, Releaser<&g_settings_schema_unref>>;
+using SchemaSource = std::unique_ptr<GSettingsSchemaSource, Releaser<&g_settings_schema_source_unref>>;
+
+Schema openSchema(const std::filesystem::path& folder) {
+    const SchemaSource source(g_settings_schema_source_new_from_directory(folder.c_str(), nullptr, FALSE, nullptr));
+    require(source != nullptr, "a compiled schema");
+    return Schema(g_settings_schema_source_lookup(source.get(), "bench.settings", FALSE));
+}
+
+Backend openMemory(const std::filesystem::path& /*folder*/) {
+    return Backend(g_memory_settings_backend_new());
+}
+
+Backend openKeyFile(const std::filesystem::path& folder) {
+    return Backend(g_keyfile_settings_backend_new((folder / "settings.ini").c_str(), "/", nullptr));
+}
+
+using OpenBackend = Backend (*)(const std::filesystem::path& folder);
+
+Object<GSettings> openSettings(const std::filesystem::path& folder, GSettingsSchema* schema, OpenBackend openBackend,
+                               GMainContext* context) {
+    g_main_context_push_thread_default(context);
+    Object<GSettings> settings(g_settings_new_full(schema, openBackend(folder).get(), nullptr));
+    g_main_context_pop_thread_default(context);
+    return settings;
+}
+
+/// A key that is not declared in the schema ends the program, so whether there is one is asked first.
 class GlibSettings final : public Peer {
 public:
-    explicit GlibSettings(const std::string& folder) {
-        GSettingsSchemaSource* source =
-            g_settings_schema_source_new_from_directory(folder.c_str(), nullptr, FALSE, nullptr);
-        schema = g_settings_schema_source_lookup(source, "bench.settings", FALSE);
-        g_settings_schema_source_unref(source);
-        GSettingsBackend* memory = g_memory_settings_backend_new();
-        settings = g_settings_new_full(schema, memory, nullptr);
-        g_object_unref(memory);
-    }
-    ~GlibSettings() override {
-        g_object_unref(settings);
-        g_settings_schema_unref(schema);
+    GlibSettings(const std::filesystem::path& folder, OpenBackend openBackend)
+        : schema(openSchema(folder)), settings(openSettings(folder, schema.get(), openBackend, context.get())) {
+        g_signal_connect(settings.get(), "changed", G_CALLBACK(&GlibSettings::onChanged), &announced);
     }
 
     std::optional<std::string> read(const std::string& key) override {
-        if (!g_settings_schema_has_key(schema, key.c_str())) {
+        if (!g_settings_schema_has_key(schema.get(), key.c_str())) {
             return std::nullopt;
         }
-        gchar* value = g_settings_get_string(settings, key.c_str());
+        gchar* value = g_settings_get_string(settings.get(), key.c_str());
         std::string text = value;
         g_free(value);
         return text;
     }
 
+    void set(const std::string& key, const std::string& value) override {
+        announced = false;
+        require(g_settings_set_string(settings.get(), key.c_str(), value.c_str()), "a value of GSettings");
+        while (g_main_context_iteration(context.get(), FALSE)) { // it tells of changes from the main loop
+        }
+        require(announced, "an announcement of GSettings");
+    }
+
+    void persist() override { g_settings_sync(); }
+
+    /// All at once, as each change would write the whole file.
+    void set(const PeerLayer& layer) {
+        g_settings_delay(settings.get());
+        for (const auto& [key, value] : layer) {
+            require(g_settings_set_string(settings.get(), key.c_str(), value.c_str()), "a value of GSettings");
+        }
+        g_settings_apply(settings.get());
+    }
+
 private:
-    GSettingsSchema* schema = nullptr;
-    GSettings* settings = nullptr;
+    static void onChanged(GSettings* /*settings*/, const gchar* /*key*/, gboolean* announced) { *announced = TRUE; }
+
+    gboolean announced = FALSE;
+    const MainContext context{g_main_context_new()}; // of its own: others wait for their events elsewhere
+    const Schema schema;
+    const Object<GSettings> settings;
 };
 
-} // namespace
-
-std::unique_ptr<Peer> makeGlibSettings(const Layer& layer, const std::filesystem::path& folder) {
+/// Declares the keys, with the values or with none as their defaults.
+void declare(const PeerLayer& layer, bool withValues, const std::filesystem::path& folder) {
     std::ofstream xml(folder / "bench.gschema.xml");
     xml << "<schemalist><schema id=\"bench.settings\" path=\"/bench/\">\n";
     for (const auto& [key, value] : layer) {
-        xml << "<key name=\"" << key << "\" type=\"s\"><default>'" << value << "'</default></key>\n";
+        xml << "<key name=\"" << key << "\" type=\"s\"><default>'" << (withValues ? value : "")
+            << "'</default></key>\n";
     }
     xml << "</schema></schemalist>\n";
     xml.close();
-    if (std::system(("glib-compile-schemas '" + folder.string() + "'").c_str()) != 0) {
-        throw std::runtime_error("the schema could not be compiled");
-    }
-    return std::make_unique<GlibSettings>(folder.string());
+    require(std::system(("glib-compile-schemas '" + folder.string() + "'").c_str()) == 0, "the compiler of schemas");
+}
+
+} // namespace
+
+PeerLibrary glibSettings() {
+    return {"GSettings",
+            [](const PeerLayer& layer, const std::filesystem::path& folder) { declare(layer, true, folder); },
+            [](const std::filesystem::path& folder) { return std::make_unique<GlibSettings>(folder, &openMemory); },
+            true, false};
+}
+
+PeerLibrary glibSettingsOnFile() {
+    return {"GSettings, key file",
+            [](const PeerLayer& layer, const std::filesystem::path& folder) {
+                declare(layer, false, folder);
+                GlibSettings(folder, &openKeyFile).set(layer);
+            },
+            [](const std::filesystem::path& folder) { return std::make_unique<GlibSettings>(folder, &openKeyFile); },
+            false, true};
 }
 
 } // namespace bench

@@ -1,4 +1,5 @@
-#include "Peer.h"
+#include "PeerLibrary.h"
+#include "RowSuite.h"
 
 #include <KConfig>
 #include <KConfigGroup>
@@ -7,16 +8,22 @@ namespace bench {
 
 namespace {
 
-constexpr const char* group = "Settings";
-
 class KdeConfig final : public Peer {
 public:
-    explicit KdeConfig(const QString& file) : config(file, KConfig::SimpleConfig), settings(&config, group) {}
+    explicit KdeConfig(const std::filesystem::path& folder)
+        : config(QString::fromStdString((folder / "settingsrc").string()), KConfig::SimpleConfig),
+          settings(&config, "Settings") {}
 
     std::optional<std::string> read(const std::string& key) override {
         const QString value = settings.readEntry(key.c_str(), QString());
         return value.isNull() ? std::nullopt : std::optional(value.toStdString());
     }
+
+    void set(const std::string& key, const std::string& value) override {
+        settings.writeEntry(key.c_str(), QString::fromStdString(value));
+    }
+
+    void persist() override { require(config.sync(), "a synchronised KConfig"); }
 
 private:
     KConfig config;
@@ -25,15 +32,16 @@ private:
 
 } // namespace
 
-std::unique_ptr<Peer> makeKdeConfig(const Layer& layer, const std::filesystem::path& folder) {
-    const auto file = QString::fromStdString((folder / "settingsrc").string());
-    KConfig config(file, KConfig::SimpleConfig);
-    KConfigGroup settings(&config, group);
-    for (const auto& [key, value] : layer) {
-        settings.writeEntry(key.c_str(), QString::fromStdString(value));
-    }
-    config.sync();
-    return std::make_unique<KdeConfig>(file);
+PeerLibrary kdeConfig() {
+    return {"KConfig",
+            [](const PeerLayer& layer, const std::filesystem::path& folder) {
+                KdeConfig config(folder);
+                for (const auto& [key, value] : layer) {
+                    config.set(key, value);
+                }
+                config.persist();
+            },
+            [](const std::filesystem::path& folder) { return std::make_unique<KdeConfig>(folder); }};
 }
 
 } // namespace bench

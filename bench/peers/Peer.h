@@ -1,14 +1,7 @@
 #pragma once
 
-#include <ConfigMap.h>
-
-#include <filesystem>
-#include <functional>
-#include <memory>
 #include <optional>
 #include <string>
-#include <utility>
-#include <vector>
 
 namespace bench {
 
@@ -23,18 +16,13 @@ public:
 
     /// What the library hands out, as the client's own text; empty on a miss.
     virtual std::optional<std::string> read(const std::string& key) = 0;
+
+    /// Sets the value of a key that there is. Whoever listens has heard of it when this returns, where the library
+    /// tells of changes.
+    virtual void set(const std::string& key, const std::string& value) = 0;
+
+    /// Brings what was set into the file, as durably as the library does it.
+    virtual void persist() = 0;
 };
-
-using Layer = std::vector<std::pair<std::string, std::string>>;
-
-/// Makes a peer of a layer, with its files in the folder.
-using MakePeer = std::function<std::unique_ptr<Peer>(const Layer& layer, const std::filesystem::path& folder)>;
-
-std::unique_ptr<Peer> makeBoostTree(const Layer& layer, const std::filesystem::path& folder);
-std::unique_ptr<Peer> makeGlibKeyFile(const Layer& layer, const std::filesystem::path& folder);
-std::unique_ptr<Peer> makeGlibSettings(const Layer& layer, const std::filesystem::path& folder);
-std::unique_ptr<Peer> makeKdeConfig(const Layer& layer, const std::filesystem::path& folder);
-std::unique_ptr<Peer> makeLibConfig(const Layer& layer, const std::filesystem::path& folder);
-std::unique_ptr<Peer> makeQtSettings(const Layer& layer, const std::filesystem::path& folder);
 
 } // namespace bench

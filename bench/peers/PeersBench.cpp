@@ -1,98 +1,39 @@
-// The rows of reads and of chains with what else a program on this system would keep its settings in: one object of the
-// peer for each layer, asked in the order of the layers. The probe is folded for them, as most of them tell cases
-// apart.
-#include "BareTable.h"
-#include "Peer.h"
+// Some of the rows with what else a program on this system would keep its settings in, beside the limits of our own.
+#include "BareChain.h"
+#include "BareDurableFile.h"
+#include "BareParser.h"
+#include "BareWriter.h"
+#include "PeerFiles.h"
+#include "PeerPersister.h"
+#include "PeerWriter.h"
 #include "ProbeWalk.h"
-
-#include <kyr/StringUtils.h>
 
 #include <TemporaryProfile.h>
 
-#include <array>
 #include <filesystem>
 #include <memory>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace {
 
-using bench::Peer;
+using bench::PeerChain;
+using bench::PeerFiles;
+using bench::PeerLibrary;
+using bench::PeerPersister;
+using bench::PeerWriter;
+using bench::RowSuite;
+using bench::Workload;
 
-std::string toFolded(const std::wstring& key) {
-    return KyrCoreUtils::toString(KyrCoreUtils::toLowercase(std::wstring_view(key)));
-}
-
-/// The layers of a workload in one library.
-class PeerChain {
-public:
-    PeerChain(const bench::Workload& workload, const bench::MakePeer& make, const std::filesystem::path& folder) {
-        for (const auto& values : workload.getLayers()) {
-            bench::Layer layer;
-            for (const auto& [key, value] : values) {
-                layer.emplace_back(toFolded(key), KyrCoreUtils::toString(value));
-            }
-            const auto place = folder / std::to_string(peers.size());
-            std::filesystem::create_directories(place);
-            peers.push_back(make(layer, place));
-        }
-        for (const auto& [key, value] : workload.getHits()) {
-            bench::require(read(key) == KyrCoreUtils::toString(value), "a peer");
-        }
-        for (const auto& probe : workload.getMisses()) {
-            bench::require(read(probe.key).empty(), "a peer's miss");
-        }
-    }
-
-    std::string read(const std::wstring& key) {
-        folded.resize(key.size());
-        for (std::size_t i = 0; i < key.size(); ++i) {
-            const auto letter = static_cast<char>(key[i]);
-            folded[i] = letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter + ('a' - 'A')) : letter;
-        }
-        for (const auto& peer : peers) {
-            if (auto value = peer->read(folded)) {
-                return *std::move(value);
-            }
-        }
-        return {};
-    }
-
-private:
-    std::vector<std::unique_ptr<Peer>> peers;
-    std::string folded;
-};
-
-class BareChain {
-public:
-    explicit BareChain(const bench::Workload& workload) {
-        for (const auto& layer : workload.getLayers()) {
-            auto& table = tables.emplace_back();
-            for (const auto& [key, value] : layer) {
-                table.emplace(folder(key).folded, value);
-            }
-        }
-    }
-
-    std::wstring read(const std::wstring& key) {
-        const auto probe = folder(key);
-        for (const auto& table : tables) {
-            if (const auto found = table.find(probe); found != table.end()) {
-                return found->second;
-            }
-        }
-        return {};
-    }
-
-private:
-    std::vector<bench::BareTable> tables;
-    bench::Folder folder;
-};
+constexpr const char* loadRow = "3 load of 8 documents of 5000 keys";
+constexpr const char* writeRow = "4 write of 8 layers of 5000 keys";
+constexpr const char* persistRow = "5 persist of 5000 keys";
+constexpr int loadsInRound = 2;
+constexpr int persistsInRound = 20;
 
 template <class Chain>
-void addRows(bench::RowSuite& suite, const bench::Workload& workload, const std::string& subject,
-             const std::shared_ptr<Chain>& chain) {
+void addReads(RowSuite& suite, const Workload& workload, const std::string& subject,
+              const std::shared_ptr<Chain>& chain) {
     const auto ask = [chain](const std::wstring& key) { return chain->read(key); };
     if (workload.getLayers().size() == 1) {
         suite.add("1 cached read, all of 5000 keys", subject, bench::walkOver(workload.getHits(), ask));
@@ -104,25 +45,65 @@ void addRows(bench::RowSuite& suite, const bench::Workload& workload, const std:
     suite.add("2 chain, none of 8 layers of 5000 keys", subject, bench::walkOver(workload.getMisses(), ask));
 }
 
+void addLoad(RowSuite& suite, const std::string& subject, const PeerFiles& files) {
+    files.openChecked();
+    suite.addTimed(loadRow, subject, loadsInRound, [files] {
+        std::shared_ptr<PeerChain> chain; // given up when the time has been taken
+        return bench::timed([&] {
+            chain = files.open();
+            chain->read(files.getWorkload().getMisses().front().key); // each has parsed its file when it can answer
+        });
+    });
+}
+
+void addWrite(RowSuite& suite, const std::string& subject, const PeerFiles& files) {
+    const auto writer = std::make_shared<PeerWriter>(files);
+    suite.add(writeRow, subject, [writer](std::size_t times) { writer->write(times); });
+}
+
+void addPersist(RowSuite& suite, const std::string& subject, const PeerFiles& files) {
+    const auto persister = std::make_shared<PeerPersister>(files);
+    suite.addTimed(persistRow, subject, persistsInRound,
+                   [persister] { return bench::timedByClock([&] { persister->persist(); }); });
+}
+
+void addLimits(RowSuite& suite, const Workload& one, const Workload& eight, const std::filesystem::path& folder) {
+    addReads(suite, one, "bare maps", std::make_shared<bench::BareChain>(one));
+    addReads(suite, eight, "bare maps", std::make_shared<bench::BareChain>(eight));
+    const auto parser = std::make_shared<bench::BareParser>(eight);
+    suite.addTimed(loadRow, "bare parser", loadsInRound, [parser] { return bench::timed([&] { parser->parse(); }); });
+    const auto writer = std::make_shared<bench::BareWriter>(eight);
+    suite.add(writeRow, "bare map", [writer](std::size_t times) { writer->write(times); });
+    const auto file = std::make_shared<bench::BareDurableFile>(folder);
+    suite.addTimed(persistRow, "bare durable file", persistsInRound,
+                   [file, &one] { return bench::timedByClock([&] { file->persist(one.getLayers().front()); }); });
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
     const testing_host::TemporaryProfile profile;
-    bench::RowSuite suite(argc, argv);
-    const std::array<std::pair<std::string, bench::MakePeer>, 6> makers{{{"QSettings", bench::makeQtSettings},
-                                                                         {"KConfig", bench::makeKdeConfig},
-                                                                         {"GKeyFile", bench::makeGlibKeyFile},
-                                                                         {"GSettings", bench::makeGlibSettings},
-                                                                         {"Boost.PropertyTree", bench::makeBoostTree},
-                                                                         {"libconfig++", bench::makeLibConfig}}};
-    const bench::Workload one(1, 5000);
-    const bench::Workload eight(8, 5000);
-    for (const auto* workload : {&one, &eight}) {
-        for (const auto& [name, make] : makers) {
-            const auto folder = profile.root() / name / std::to_string(workload->getLayers().size());
-            addRows(suite, *workload, name, std::make_shared<PeerChain>(*workload, make, folder));
+    const Workload one(1, 5000);
+    const Workload eight(8, 5000);
+    const std::vector<PeerLibrary> libraries{bench::qtSettings(),   bench::kdeConfig(),          bench::glibKeyFile(),
+                                             bench::glibSettings(), bench::glibSettingsOnFile(), bench::boostTree(),
+                                             bench::libConfig()};
+    RowSuite suite(argc, argv);
+    for (const auto& library : libraries) {
+        const auto& name = library.name;
+        const auto filesFor = [&](const char* row, const Workload& workload) {
+            return PeerFiles(library, workload, profile.root() / name / row);
+        };
+        addReads(suite, one, name, filesFor("read", one).openChecked());
+        addReads(suite, eight, name, filesFor("chain", eight).openChecked());
+        addLoad(suite, name, filesFor("load", eight));
+        if (library.setsInMemory) {
+            addWrite(suite, name, filesFor("write", eight));
         }
-        addRows(suite, *workload, "bare maps", std::make_shared<BareChain>(*workload));
+        if (library.persists) {
+            addPersist(suite, name, filesFor("persist", one));
+        }
     }
+    addLimits(suite, one, eight, profile.root());
     return suite.main();
 }

@@ -1,4 +1,5 @@
-#include "Peer.h"
+#include "PeerLibrary.h"
+#include "RowSuite.h"
 
 #include <QSettings>
 
@@ -8,11 +9,21 @@ namespace {
 
 class QtSettings final : public Peer {
 public:
-    explicit QtSettings(const QString& file) : settings(file, QSettings::IniFormat) {}
+    explicit QtSettings(const std::filesystem::path& folder)
+        : settings(QString::fromStdString((folder / "settings.conf").string()), QSettings::IniFormat) {}
 
     std::optional<std::string> read(const std::string& key) override {
         const QVariant value = settings.value(QString::fromStdString(key));
         return value.isValid() ? std::optional(value.toString().toStdString()) : std::nullopt;
+    }
+
+    void set(const std::string& key, const std::string& value) override {
+        settings.setValue(QString::fromStdString(key), QString::fromStdString(value));
+    }
+
+    void persist() override {
+        settings.sync();
+        require(settings.status() == QSettings::NoError, "synchronised QSettings");
     }
 
 private:
@@ -21,15 +32,16 @@ private:
 
 } // namespace
 
-std::unique_ptr<Peer> makeQtSettings(const Layer& layer, const std::filesystem::path& folder) {
-    const auto file = QString::fromStdString((folder / "settings.conf").string());
-    {
-        QSettings settings(file, QSettings::IniFormat);
-        for (const auto& [key, value] : layer) {
-            settings.setValue(QString::fromStdString(key), QString::fromStdString(value));
-        }
-    }
-    return std::make_unique<QtSettings>(file);
+PeerLibrary qtSettings() {
+    return {"QSettings",
+            [](const PeerLayer& layer, const std::filesystem::path& folder) {
+                QtSettings settings(folder);
+                for (const auto& [key, value] : layer) {
+                    settings.set(key, value);
+                }
+                settings.persist();
+            },
+            [](const std::filesystem::path& folder) { return std::make_unique<QtSettings>(folder); }};
 }
 
 } // namespace bench
