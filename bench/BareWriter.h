@@ -12,7 +12,7 @@ namespace bench {
 /// The limit of a write: the value set in a hash map that holds the keys of all layers. The workload must outlive it.
 class BareWriter {
 public:
-    explicit BareWriter(const Workload& written) : workload(written), rounds(written.getHits().size()) {
+    explicit BareWriter(const Workload& written) : workload(written) {
         for (const auto& layer : workload.getLayers()) {
             for (const auto& [key, value] : layer) {
                 table.emplace(folder(key).folded, value);
@@ -20,7 +20,7 @@ public:
         }
     }
 
-    void write(std::size_t times) {
+    void write(WriteRounds<std::wstring>& rounds, std::size_t times) {
         rounds.run(times, [this](std::size_t number, const std::wstring& value) {
             table.find(folder(workload.getHits()[number].key))->second = value;
         });
@@ -28,7 +28,6 @@ public:
 
 private:
     const Workload& workload;
-    WriteRounds<std::wstring> rounds;
     BareTable table;
     Folder folder;
 };

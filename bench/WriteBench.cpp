@@ -46,27 +46,36 @@ public:
     Subjects(const Subjects&) = delete;
     Subjects& operator=(const Subjects&) = delete;
 
-    void write(std::size_t times) {
-        const auto& value = rounds.run(times, [this](std::size_t number, const std::wstring& written) {
+    void write(bench::WriteRounds<std::wstring>& rounds, std::size_t times) {
+        const auto last = rounds.run(times, [this](std::size_t number, const std::wstring& written) {
             service->setConfig(keyAt(number), written);
         });
-        bench::require(service->getConfig(keyAt((times - 1) % workload.getHits().size()))->getValue() == value,
-                       "a write");
+        bench::require(service->getConfig(keyAt(last.key))->getValue() == *last.value, "a write");
         factory->backgroundDispatcher->clear();
     }
 
-    void writeBare(std::size_t times) { bare.write(times); }
+    void writeBare(bench::WriteRounds<std::wstring>& rounds, std::size_t times) { bare.write(rounds, times); }
+
+    std::size_t countKeys() const { return workload.getHits().size(); }
 
 private:
     const std::wstring& keyAt(std::size_t number) const { return workload.getHits()[number].key; }
 
     const bench::Workload workload;
-    bench::WriteRounds<std::wstring> rounds{workload.getHits().size()};
     bench::BareWriter bare{workload};
     testing_host::TemporaryProfile profile;
     std::shared_ptr<testing_host::RecordingFactory> factory = std::make_shared<testing_host::RecordingFactory>();
     std::shared_ptr<ConfigService> service;
 };
+
+void addRow(bench::RowSuite& suite, const std::string& row, const std::shared_ptr<Subjects>& subjects,
+            std::size_t keys) {
+    using Rounds = bench::WriteRounds<std::wstring>;
+    const auto rounds = std::make_shared<Rounds>(keys);
+    suite.add(row, "service", [=](std::size_t times) { subjects->write(*rounds, times); });
+    const auto bareRounds = std::make_shared<Rounds>(keys);
+    suite.add(row, "bare map", [=](std::size_t times) { subjects->writeBare(*bareRounds, times); });
+}
 
 } // namespace
 
@@ -75,9 +84,9 @@ int main(int argc, char** argv) {
     const auto sizes = suite.measuresGrowth() ? std::vector<std::size_t>{1000, 10000, 100000} : std::vector{5000UL};
     for (const auto size : sizes) {
         const auto subjects = std::make_shared<Subjects>(size);
-        const auto row = "4 write of 8 layers of " + std::to_string(size) + " keys";
-        suite.add(row, "service", [subjects](std::size_t times) { subjects->write(times); });
-        suite.add(row, "bare map", [subjects](std::size_t times) { subjects->writeBare(times); });
+        const auto of = " of 8 layers of " + std::to_string(size) + " keys";
+        addRow(suite, "4 write, all" + of, subjects, subjects->countKeys());
+        addRow(suite, "4 write, 64 hot" + of, subjects, bench::Workload::hotKeys);
     }
     return suite.main();
 }

@@ -6,20 +6,26 @@
 
 namespace bench {
 
-/// Sets the same keys in each round, and to another value than in the round before.
+/// Sets one key after the other, in each round to another value than in the round before.
 template <typename Text>
 class WriteRounds {
 public:
+    struct Write {
+        std::size_t key = 0;
+        const Text* value = nullptr;
+    };
+
     explicit WriteRounds(std::size_t keyCount) : keys(keyCount) {}
 
-    /// Hands the number of each key and the round's value to `set`; returns that value.
+    /// Hands so many numbers of keys and their values to `set`, behind those of the last call; returns the last write.
     template <typename Set>
-    const Text& run(std::size_t times, Set set) {
-        const Text& value = values[++rounds % values.size()];
-        for (std::size_t i = 0; i < times; ++i) {
-            set(i % keys, value);
+    Write run(std::size_t times, Set set) {
+        Write last;
+        for (; times > 0; --times, ++writes) {
+            last = {writes % keys, &values[writes / keys % values.size()]};
+            set(last.key, *last.value);
         }
-        return value;
+        return last;
     }
 
 private:
@@ -27,7 +33,7 @@ private:
 
     const std::size_t keys;
     const std::array<Text, 2> values{toText("sip.primary.example.com:5061"), toText("sip.backup.example.com:5061")};
-    std::size_t rounds = 0;
+    std::size_t writes = 0;
 };
 
 } // namespace bench

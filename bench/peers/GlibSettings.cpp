@@ -80,7 +80,7 @@ public:
     void persist() override { g_settings_sync(); }
 
     /// All at once, as each change would write the whole file.
-    void set(const PeerLayer& layer) {
+    void setAll(const PeerLayer& layer) {
         g_settings_delay(settings.get());
         for (const auto& [key, value] : layer) {
             require(g_settings_set_string(settings.get(), key.c_str(), value.c_str()), "a value of GSettings");
@@ -113,20 +113,26 @@ void declare(const PeerLayer& layer, bool withValues, const std::filesystem::pat
 } // namespace
 
 PeerLibrary glibSettings() {
-    return {"GSettings",
-            [](const PeerLayer& layer, const std::filesystem::path& folder) { declare(layer, true, folder); },
-            [](const std::filesystem::path& folder) { return std::make_unique<GlibSettings>(folder, &openMemory); },
-            true, false};
+    return {
+        .name = "GSettings",
+        .write = [](const PeerLayer& layer, const std::filesystem::path& folder) { declare(layer, true, folder); },
+        .open = [](const std::filesystem::path& folder) { return std::make_unique<GlibSettings>(folder, &openMemory); },
+        .setsInMemory = true,
+        .persists = false};
 }
 
 PeerLibrary glibSettingsOnFile() {
-    return {"GSettings, key file",
+    return {
+        .name = "GSettings, key file",
+        .write =
             [](const PeerLayer& layer, const std::filesystem::path& folder) {
                 declare(layer, false, folder);
-                GlibSettings(folder, &openKeyFile).set(layer);
+                GlibSettings(folder, &openKeyFile).setAll(layer);
             },
+        .open =
             [](const std::filesystem::path& folder) { return std::make_unique<GlibSettings>(folder, &openKeyFile); },
-            false, true};
+        .setsInMemory = false,
+        .persists = true};
 }
 
 } // namespace bench

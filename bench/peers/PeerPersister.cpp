@@ -8,7 +8,7 @@ namespace bench {
 
 PeerPersister::PeerPersister(const PeerFiles& files)
     : chain(files.open()), key(files.getWorkload().getHits().front().key), holder(chain->holderOf(key)) {
-    const std::string changed = "told by the peer";
+    const std::string changed = "changed";
     persist(changed);
     const auto copy = files.openCopy();
     for (const auto& probe : files.getWorkload().getHits()) {

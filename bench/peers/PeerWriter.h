@@ -13,18 +13,18 @@ namespace bench {
 /// Sets values in memory. Which object holds a key is found out beforehand.
 class PeerWriter {
 public:
-    explicit PeerWriter(const PeerFiles& files);
+    /// Sets the first so many keys of the workload.
+    PeerWriter(const PeerFiles& files, std::size_t keys);
 
     void write(std::size_t times);
 
 private:
-    /// Sets so many keys and returns their value.
-    const std::string& set(std::size_t times);
+    WriteRounds<std::string>::Write set(std::size_t times);
     const std::wstring& keyAt(std::size_t number) const { return workload.getHits()[number].key; }
 
     const Workload& workload;
     const std::shared_ptr<PeerChain> chain;
-    std::vector<Peer*> holders; ///< One for each hit of the workload.
+    std::vector<Peer*> holders; ///< One for each key that is set.
     WriteRounds<std::string> rounds;
 };
 

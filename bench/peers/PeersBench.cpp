@@ -26,7 +26,8 @@ using bench::RowSuite;
 using bench::Workload;
 
 constexpr const char* loadRow = "3 load of 8 documents of 5000 keys";
-constexpr const char* writeRow = "4 write of 8 layers of 5000 keys";
+constexpr const char* writeRow = "4 write, all of 8 layers of 5000 keys";
+constexpr const char* hotWriteRow = "4 write, 64 hot of 8 layers of 5000 keys";
 constexpr const char* persistRow = "5 persist of 5000 keys";
 constexpr int loadsInRound = 2;
 constexpr int persistsInRound = 20;
@@ -57,8 +58,12 @@ void addLoad(RowSuite& suite, const std::string& subject, const PeerFiles& files
 }
 
 void addWrite(RowSuite& suite, const std::string& subject, const PeerFiles& files) {
-    const auto writer = std::make_shared<PeerWriter>(files);
-    suite.add(writeRow, subject, [writer](std::size_t times) { writer->write(times); });
+    const auto add = [&](const char* row, std::size_t keys) {
+        const auto writer = std::make_shared<PeerWriter>(files, keys);
+        suite.add(row, subject, [writer](std::size_t times) { writer->write(times); });
+    };
+    add(writeRow, files.getWorkload().getHits().size());
+    add(hotWriteRow, Workload::hotKeys);
 }
 
 void addPersist(RowSuite& suite, const std::string& subject, const PeerFiles& files) {
@@ -73,7 +78,12 @@ void addLimits(RowSuite& suite, const Workload& one, const Workload& eight, cons
     const auto parser = std::make_shared<bench::BareParser>(eight);
     suite.addTimed(loadRow, "bare parser", loadsInRound, [parser] { return bench::timed([&] { parser->parse(); }); });
     const auto writer = std::make_shared<bench::BareWriter>(eight);
-    suite.add(writeRow, "bare map", [writer](std::size_t times) { writer->write(times); });
+    const auto addBareWrite = [&](const char* row, std::size_t keys) {
+        const auto rounds = std::make_shared<bench::WriteRounds<std::wstring>>(keys);
+        suite.add(row, "bare map", [writer, rounds](std::size_t times) { writer->write(*rounds, times); });
+    };
+    addBareWrite(writeRow, eight.getHits().size());
+    addBareWrite(hotWriteRow, Workload::hotKeys);
     const auto file = std::make_shared<bench::BareDurableFile>(folder);
     suite.addTimed(persistRow, "bare durable file", persistsInRound,
                    [file, &one] { return bench::timedByClock([&] { file->persist(one.getLayers().front()); }); });
