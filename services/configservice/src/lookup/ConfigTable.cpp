@@ -16,8 +16,7 @@ ConfigTable::~ConfigTable() {
 const ConfigMap::value_type& ConfigTable::store(const std::wstring& key, const std::wstring& value) {
     const FoldedKey folded(key);
     if (auto* entry = index.find(folded)) {
-        zel::SecureString::wipe(entry->second);
-        entry->second = value;
+        overwriteValue(entry->second, value);
         return *entry;
     }
     index.reserveOne();

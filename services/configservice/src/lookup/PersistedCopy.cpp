@@ -10,8 +10,7 @@ namespace {
 
 void assign(ConfigMap::value_type& kept, const ConfigMap::value_type& current) {
     if (kept.second != current.second) {
-        zel::SecureString::wipe(kept.second);
-        kept.second = current.second;
+        overwriteValue(kept.second, current.second);
     }
 }
 

@@ -123,6 +123,19 @@ TEST(MemoryShortage, AStoreThatFailedLeavesTheTableAsItWas) {
     }
 }
 
+TEST(MemoryShortage, AnOverwriteThatFailedLeavesTheValueAsItWas) {
+    ConfigTable table(valuesOf(0, 10));
+    const std::wstring longer(500, L'x');
+    std::size_t failures = 0;
+    while (failsAt(failures + 1, [&, key = keyOf(5)] { table.store(key, longer); })) {
+        ++failures;
+        expectToHoldExactly(table, 0, 10);
+    }
+    const std::wstring spelling = keyOf(5);
+    EXPECT_EQ(*table.find(FoldedKey(spelling)), longer);
+    EXPECT_GE(failures, 1U) << "the value was needed";
+}
+
 TEST(MemoryShortage, ASensitiveKeyThatCouldNotBeAddedIsAddedByTheNextAttempt) {
     SensitiveKeys keys;
     const auto isKnown = [&](int number) {

@@ -183,7 +183,7 @@ void XmlWriter::endElement() {
 }
 
 bool XmlWriter::writeElement(const std::string& name, const std::wstring& text) {
-    if (name.empty()) {
+    if (*name.c_str() == '\0') { // also a name that only begins so, which the library takes for none
         return true;
     }
     startElement(name);

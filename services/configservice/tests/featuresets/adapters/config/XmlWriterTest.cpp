@@ -115,6 +115,7 @@ TEST(XmlWriter, LeavesOutAnElementWithoutAName) {
     XmlWriter writer(XmlWriter::Declaration::Without);
     writer.startElement("a");
     EXPECT_TRUE(writer.writeElement("", L"lost\u0001"));
+    EXPECT_TRUE(writer.writeElement(std::string("\0b", 2), L"lost"));
     writer.writeElement(std::string("b\0c", 3), L"kept");
     EXPECT_EQ(writer.finish(), "<a>\n <b>kept</b>\n</a>\n");
 }
