@@ -50,7 +50,7 @@ public:
         const auto last = rounds.run(times, [this](std::size_t number, const std::wstring& written) {
             service->setConfig(keyAt(number), written);
         });
-        bench::require(service->getConfig(keyAt(last.key))->getValue() == *last.value, "a write");
+        bench::require(service->getConfig(keyAt(last.key))->getValue() == last.value, "a write");
         factory->backgroundDispatcher->clear();
     }
 

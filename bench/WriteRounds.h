@@ -11,8 +11,8 @@ template <typename Text>
 class WriteRounds {
 public:
     struct Write {
-        std::size_t key = 0;
-        const Text* value = nullptr;
+        std::size_t key;
+        const Text& value;
     };
 
     explicit WriteRounds(std::size_t keyCount) : keys(keyCount) {}
@@ -20,19 +20,21 @@ public:
     /// Hands so many numbers of keys and their values to `set`, behind those of the last call; returns the last write.
     template <typename Set>
     Write run(std::size_t times, Set set) {
-        Write last;
         for (; times > 0; --times, ++writes) {
-            last = {writes % keys, &values[writes / keys % values.size()]};
-            set(last.key, *last.value);
+            const Write next = getWrite(writes);
+            set(next.key, next.value);
         }
-        return last;
+        return getWrite(writes - 1);
     }
 
 private:
-    static Text toText(std::string_view ascii) { return Text(ascii.begin(), ascii.end()); }
+    Write getWrite(std::size_t number) const { return {number % keys, values[number / keys % values.size()]}; }
+
+    static constexpr std::string_view primary = "sip.primary.example.com:5061";
+    static constexpr std::string_view backup = "sip.backup.example.com:5061";
 
     const std::size_t keys;
-    const std::array<Text, 2> values{toText("sip.primary.example.com:5061"), toText("sip.backup.example.com:5061")};
+    const std::array<Text, 2> values{Text(primary.begin(), primary.end()), Text(backup.begin(), backup.end())};
     std::size_t writes = 0;
 };
 

@@ -11,13 +11,13 @@ PeerWriter::PeerWriter(const PeerFiles& files, std::size_t keys)
     }
     const auto last = set(holders.size());
     for (std::size_t i = 0; i < keys; ++i) {
-        require(chain->read(keyAt(i)) == *last.value, "a peer's value");
+        require(chain->read(keyAt(i)) == last.value, "a peer's value");
     }
 }
 
 void PeerWriter::write(std::size_t times) {
     const auto last = set(times);
-    require(chain->read(keyAt(last.key)) == *last.value, "a peer's write");
+    require(chain->read(keyAt(last.key)) == last.value, "a peer's write");
 }
 
 WriteRounds<std::string>::Write PeerWriter::set(std::size_t times) {
