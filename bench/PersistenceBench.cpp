@@ -2,7 +2,6 @@
 // writing them durably.
 #include "BareCipher.h"
 #include "BareDurableFile.h"
-#include "MarkdownReporter.h"
 #include "RowSuite.h"
 #include "SyntheticKeys.h"
 #include "featuresets/adapters/config/LocalFileDocument.h"
@@ -32,6 +31,7 @@ using ZelUnified::LocalFileConfigStore;
 
 constexpr std::size_t keyCount = 5000;
 constexpr std::size_t readsInRound = 1000;
+constexpr int persistsInRound = 20;
 
 /// A user's file of many keys, the same bytes in the clear, and a store on it.
 class Subjects {
@@ -122,20 +122,15 @@ void registerLoad(Subjects& subjects) {
     });
 }
 
-void registerPersist(Subjects& subjects) {
-    const std::string name = "5 persist of 5000 keys";
-    benchmark::RegisterBenchmark((name + "/store").c_str(), [&](benchmark::State& state) {
-        while (state.KeepRunning()) {
-            subjects.change();
-            subjects.userStore().persistValues();
-        }
-    })->UseRealTime();
-    benchmark::RegisterBenchmark((name + "/bare durable file").c_str(), [&](benchmark::State& state) {
-        bench::BareDurableFile file(subjects.folder());
-        while (state.KeepRunning()) {
-            file.persist(subjects.getValues());
-        }
-    })->UseRealTime();
+void registerPersist(bench::RowSuite& suite, Subjects& subjects) {
+    const std::string row = "5 persist of 5000 keys";
+    suite.addTimed(row, "store", persistsInRound, [&subjects] {
+        subjects.change();
+        return bench::timedByClock([&] { subjects.userStore().persistValues(); });
+    });
+    const auto file = std::make_shared<bench::BareDurableFile>(subjects.folder());
+    suite.addTimed(row, "bare durable file", persistsInRound,
+                   [&subjects, file] { return bench::timedByClock([&] { file->persist(subjects.getValues()); }); });
 }
 
 /// Times the longest of many reads in a row.
@@ -183,15 +178,10 @@ void registerReads(Subjects& subjects) {
 } // namespace
 
 int main(int argc, char** argv) {
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
-        return EXIT_FAILURE;
-    }
+    bench::RowSuite suite(argc, argv);
     Subjects subjects;
     registerLoad(subjects);
-    registerPersist(subjects);
+    registerPersist(suite, subjects);
     registerReads(subjects);
-    bench::MarkdownReporter reporter;
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-    return EXIT_SUCCESS;
+    return suite.main();
 }

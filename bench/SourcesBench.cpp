@@ -1,7 +1,6 @@
 // What it takes to bring sources together: the construction of a chain with cached stores beside reading their files,
 // the arrival of ever larger stores beside filling a map, and a write through the whole road.
 #include "BareTable.h"
-#include "MarkdownReporter.h"
 #include "RowSuite.h"
 #include "SyntheticKeys.h"
 #include "services/impl/InjectConfigService.h"
@@ -29,6 +28,7 @@ using namespace ZelUnified;
 
 constexpr int cachedStores = 10;
 constexpr std::size_t keysInStore = 2000;
+constexpr std::size_t arrivingKeysInRound = 200000;
 /// The stores that the service makes of itself.
 constexpr int initialStores = 5;
 
@@ -118,14 +118,6 @@ void registerConstruction(const testing_host::TemporaryProfile& profile, const s
                                  });
 }
 
-/// Times `arrive` alone; `leave` puts things back.
-void timeArrival(benchmark::State& state, const std::function<void()>& arrive, const std::function<void()>& leave) {
-    while (state.KeepRunning()) {
-        state.SetIterationTime(bench::timed(arrive));
-        leave();
-    }
-}
-
 /// A service with a chain of ten stores.
 class ChainOfTen : public Service {
 public:
@@ -193,22 +185,21 @@ private:
 };
 
 /// Each on a service of its own, which has made the records when the first arrival is timed.
-void registerArrival(bench::SyntheticKeys& generator, const ConfigMap& values) {
-    const auto name = "8 arrival of " + std::to_string(values.size()) + " keys in a chain of 10";
+void registerArrival(bench::RowSuite& suite, bench::SyntheticKeys& generator, const ConfigMap& values) {
+    const auto row = "8 arrival of " + std::to_string(values.size()) + " keys in a chain of 10";
+    const auto calls = static_cast<int>(arrivingKeysInRound / values.size());
     const auto subject = std::make_shared<ChainOfTen>(generator);
     const auto store = makeStore("Arriving", 45, values);
     const auto key = values.begin()->first;
     subject->take(store, key);
     subject->drop(store, key);
-    benchmark::RegisterBenchmark((name + "/service").c_str(), [=](benchmark::State& state) {
-        timeArrival(
-            state, [&] { subject->take(store, key); }, [&] { subject->drop(store, key); });
-    })->UseManualTime();
+    suite.addTimed(row, "service", calls, [=] {
+        const double seconds = bench::timed([&] { subject->take(store, key); });
+        subject->drop(store, key);
+        return seconds;
+    });
     const auto bare = std::make_shared<BareArrival>(generator, values);
-    benchmark::RegisterBenchmark((name + "/bare maps").c_str(), [=, &values](benchmark::State& state) {
-        timeArrival(
-            state, [&] { bare->arrive(values); }, [] {});
-    })->UseManualTime();
+    suite.addTimed(row, "bare maps", calls, [=, &values] { return bench::timed([&] { bare->arrive(values); }); });
 }
 
 void registerWrites(bench::SyntheticKeys& generator) {
@@ -230,24 +221,18 @@ void registerWrites(bench::SyntheticKeys& generator) {
 } // namespace
 
 int main(int argc, char** argv) {
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
-        return EXIT_FAILURE;
-    }
     const testing_host::ManualClock clock; // the late backup is nobody's business here
     const testing_host::TemporaryProfile profile;
     bench::SyntheticKeys generator(20240229);
     const std::vector<ConfigMap> arrivals{makeValues(generator, 1000), makeValues(generator, 10000),
                                           makeValues(generator, 100000)};
+    bench::RowSuite suite(argc, argv);
     // The services before the copies that are left for the constructions alone.
     for (const auto& values : arrivals) {
-        registerArrival(generator, values);
+        registerArrival(suite, generator, values);
     }
     registerWrites(generator);
     const auto lastKey = leaveCopies(profile, generator);
     registerConstruction(profile, lastKey);
-    bench::MarkdownReporter reporter;
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-    benchmark::ClearRegisteredBenchmarks(); // and the services with them, while the profile is there
-    return EXIT_SUCCESS;
+    return suite.main();
 }
