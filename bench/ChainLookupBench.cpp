@@ -72,7 +72,7 @@ int main(int argc, char** argv) {
     for (const std::size_t keys : {1000U, 10000U, 100000U}) {
         addRows(suite, 8, keys);
     }
-    for (const std::size_t layers : {2U, 32U}) {
+    for (const std::size_t layers : {2U, 8U, 32U}) {
         addRows(suite, layers, 5000);
     }
     return suite.main();
