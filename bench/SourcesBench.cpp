@@ -162,7 +162,7 @@ public:
     void arrive(const ConfigMap& arriving) {
         for (const auto& entry : arriving) {
             const auto probe = folder(entry.first);
-            const std::wstring* value = nullptr;
+            const std::wstring* value = &entry.second; // the last table has it too
             for (const auto& table : tables) {
                 if (const auto found = table.find(probe); found != table.end()) {
                     value = &found->second;
