@@ -32,8 +32,8 @@ public:
         return entry == nullptr ? nullptr : &entry->second;
     }
 
-    /// Inserts or overwrites; a key that is held keeps its form. The entry stays in place until
-    /// its key is removed, or the table cleared or replaced.
+    /// Inserts or overwrites; a key that is held keeps its form. The entry stays in place until its key is
+    /// removed, or the table cleared or replaced.
     const ConfigMap::value_type& store(const std::wstring& key, const std::wstring& value);
     /// True when the key was held.
     bool remove(const std::wstring& key);
