@@ -17,6 +17,8 @@ LUMORA_HOST_API std::string toString(std::wstring_view text);
 
 /// UTF-8 to wide. Each maximal ill-formed part becomes one U+FFFD.
 LUMORA_HOST_API std::wstring toWideString(std::string_view text);
+/// The same into a string whose memory is used again.
+LUMORA_HOST_API void toWideString(std::string_view text, std::wstring& wide);
 /// Decimal text.
 LUMORA_HOST_API std::wstring toWideString(int number);
 LUMORA_HOST_API std::wstring toWideString(unsigned int number);

@@ -27,11 +27,10 @@ bool isAscii(std::basic_string_view<Unit> text) noexcept {
     return seen < 0x80;
 }
 
-template <class To, class From, class Map>
-std::basic_string<To> mapUnits(std::basic_string_view<From> text, Map map) {
-    std::basic_string<To> mapped(text.size(), To{});
+template <class From, class To, class Map>
+void mapUnits(std::basic_string_view<From> text, std::basic_string<To>& mapped, Map map) {
+    mapped.resize(text.size());
     std::transform(text.begin(), text.end(), mapped.begin(), map);
-    return mapped;
 }
 
 template <class Unit>
@@ -69,6 +68,25 @@ void splitInto(std::basic_string_view<Unit> text, std::vector<std::basic_string<
     pieces.swap(found);
 }
 
+/// How far the texts begin with the same ASCII units, in whole blocks: neighbours in an order have long beginnings in
+/// common.
+std::size_t equalAsciiBlocks(std::wstring_view a, std::wstring_view b, std::size_t shared) noexcept {
+    constexpr std::size_t block = 4;
+    std::size_t at = 0;
+    for (; at + block <= shared; at += block) {
+        char32_t differing = 0;
+        char32_t seen = 0;
+        for (std::size_t i = at; i < at + block; ++i) {
+            differing |= codepoints::unitValue(a[i]) ^ codepoints::unitValue(b[i]);
+            seen |= codepoints::unitValue(a[i]);
+        }
+        if (differing != 0 || seen >= 0x80) {
+            break;
+        }
+    }
+    return at;
+}
+
 bool startsWithIgnoringCase(lettercase::WideCursor text, lettercase::WideCursor start) noexcept {
     while (!start.atEnd()) {
         if (text.atEnd() || text.next() != start.next()) {
@@ -81,13 +99,26 @@ bool startsWithIgnoringCase(lettercase::WideCursor text, lettercase::WideCursor 
 } // namespace
 
 std::string toString(std::wstring_view text) {
-    return isAscii(text) ? mapUnits<char>(text, [](wchar_t unit) { return static_cast<char>(unit); })
-                         : codepoints::wideToUtf8(text);
+    if (!isAscii(text)) {
+        return codepoints::wideToUtf8(text);
+    }
+    std::string narrow;
+    mapUnits(text, narrow, [](wchar_t unit) { return static_cast<char>(unit); });
+    return narrow;
 }
 
 std::wstring toWideString(std::string_view text) {
-    return isAscii(text) ? mapUnits<wchar_t>(text, [](char unit) { return static_cast<wchar_t>(unit); })
-                         : codepoints::utf8ToWide<wchar_t>(text);
+    std::wstring wide;
+    toWideString(text, wide);
+    return wide;
+}
+
+void toWideString(std::string_view text, std::wstring& wide) {
+    if (!isAscii(text)) { // first, as what is written and thrown away may be a secret
+        wide = codepoints::utf8ToWide<wchar_t>(text);
+        return;
+    }
+    mapUnits(text, wide, [](char unit) { return static_cast<wchar_t>(unit); });
 }
 
 std::wstring toWideString(int number) {
@@ -137,7 +168,7 @@ std::string toLowercase(std::string_view text) {
 int caseInsensitiveStringCompare(std::wstring_view a, std::wstring_view b) noexcept {
     // As long as both are ASCII no unit needs decoding.
     const std::size_t shared = std::min(a.size(), b.size());
-    for (std::size_t at = 0; at < shared; ++at) {
+    for (std::size_t at = equalAsciiBlocks(a, b, shared); at < shared; ++at) {
         const char32_t left = codepoints::unitValue(a[at]);
         const char32_t right = codepoints::unitValue(b[at]);
         if (left == right && left < 0x80) {

@@ -1,7 +1,11 @@
 #include "PiiMask.h"
 
+#include "kyr/CodePoints.h"
+
 #include <algorithm>
+#include <array>
 #include <cstddef>
+#include <cstdint>
 
 namespace zel::logging {
 
@@ -310,21 +314,6 @@ constexpr bool endsIn(std::basic_string_view<Unit> text, std::string_view lower)
     return text.size() >= lower.size() && equalsIgnoringAsciiCase(text.substr(text.size() - lower.size()), lower);
 }
 
-/// The characters with which rules of the scanner begin.
-template <class Unit>
-constexpr bool isTrigger(Unit unit) noexcept {
-    switch (unit) {
-    case '@':
-    case '+':
-    case ':':
-    case '/':
-    case '\\':
-        return true;
-    default:
-        return false;
-    }
-}
-
 /// Whether a rule of the scanner could begin with the trigger at `place`. The user of a web address needs an "@".
 template <class Unit>
 bool mayBeginAt(std::basic_string_view<Unit> text, std::size_t place) noexcept {
@@ -343,11 +332,32 @@ bool mayBeginAt(std::basic_string_view<Unit> text, std::size_t place) noexcept {
     }
 }
 
+/// For each character of ASCII whether a rule of the scanner begins with it, as a number to add up.
+constexpr auto triggers = [] {
+    std::array<std::uint8_t, 128> table{};
+    for (const char trigger : std::string_view("@+:/\\")) {
+        table[static_cast<unsigned char>(trigger)] = 1;
+    }
+    return table;
+}();
+
+/// Notes the places of triggers before it looks at any: a branch at each character would often be mispredicted.
 template <class Unit>
 bool mayBegin(std::basic_string_view<Unit> text) noexcept {
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (isTrigger(text[i]) && mayBeginAt(text, i)) {
-            return true;
+    constexpr std::size_t partLength = 64;
+    std::array<std::uint8_t, partLength> places;
+    for (std::size_t begin = 0; begin < text.size(); begin += partLength) {
+        const auto part = text.substr(begin, partLength);
+        std::size_t count = 0;
+        for (std::size_t i = 0; i < part.size(); ++i) {
+            const char32_t unit = KyrCoreUtils::codepoints::unitValue(part[i]);
+            places[count] = static_cast<std::uint8_t>(i);
+            count += triggers[unit < triggers.size() ? unit : 0];
+        }
+        for (std::size_t i = 0; i < count; ++i) {
+            if (mayBeginAt(text, begin + places[i])) {
+                return true;
+            }
         }
     }
     return false;

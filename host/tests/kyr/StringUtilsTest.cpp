@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <climits>
 #include <clocale>
+#include <cwchar>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -49,6 +51,11 @@ TEST(ToWideString, ReadsUtf8) {
     EXPECT_EQ(toWideString("plain"), L"plain");
     EXPECT_EQ(toWideString("\xC3\xBC\xE2\x82\xAC\xF0\x9F\x98\x80"), wide(0xFC) + wide(0x20AC) + wide(0x1F600));
     EXPECT_EQ(toWideString("a\0b"s), L"a\0b"s);
+    std::wstring used = L"something longer";
+    for (const std::string& text : {"plain"s, "\xC3\xBC"s, ""s, "\xE2\x82"s}) {
+        toWideString(text, used);
+        EXPECT_EQ(used, toWideString(text));
+    }
 }
 
 TEST(ToWideString, ReplacesEachMaximalIllFormedPartOnce) {
@@ -149,6 +156,17 @@ TEST(CaseInsensitiveCompare, IgnoresCaseAlone) {
 
 TEST(CaseInsensitiveCompare, GoesOnBehindABeginningInAscii) {
     EXPECT_EQ(caseInsensitiveStringCompare(L"ab" + wide(0xC4), L"AB" + wide(0xE4)), 0);
+    for (const std::size_t common : {0U, 1U, 3U, 4U, 5U, 7U, 8U, 40U}) {
+        for (const std::wstring& begin : {std::wstring(common, L'k'), std::wstring(common, wide(0xE4).front())}) {
+            EXPECT_EQ(caseInsensitiveStringCompare(begin, begin), 0);
+            EXPECT_EQ(caseInsensitiveStringCompare(begin + L"aBcDe", begin + L"AbCdE"), 0);
+            EXPECT_LT(caseInsensitiveStringCompare(begin, begin + L"a"), 0);
+            EXPECT_GT(caseInsensitiveStringCompare(begin + L"b", begin + L"Abc"), 0);
+            EXPECT_LT(caseInsensitiveStringCompare(begin + L"z", begin + wide(0x1F600)), 0);
+            EXPECT_LT(caseInsensitiveStringCompare(begin + wide(0x1F600), begin + wide(0x1F601)), 0);
+            EXPECT_EQ(caseInsensitiveStringCompare(begin + wide(0x10400), begin + wide(0x10428)), 0);
+        }
+    }
     EXPECT_GT(caseInsensitiveStringCompare(L"ab" + wide(0xC4), L"ABz"), 0);
     EXPECT_LT(caseInsensitiveStringCompare(L"ABz", L"ab" + wide(0xC4)), 0);
     EXPECT_LT(caseInsensitiveStringCompare(L"AB", L"ab" + wide(0xC4)), 0);
@@ -329,6 +347,38 @@ TEST(ToInt, FallsBackOnAllElse) {
           L"-2147483649"s, L"99999999999999999999999999"s, L"4\0"s, wide(0x664)}) {
         EXPECT_EQ(toInt(text, 7), 7) << toString(text);
     }
+}
+
+TEST(CaseInsensitiveCompare, IsTheOrderOfTheLowerCaseWhereverTextsDiffer) {
+    std::mt19937 chance(3); // NOLINT(cert-msc32-c,cert-msc51-cpp): the same texts in each run
+    const std::u32string alphabet = U"aAbBzZ_[@`{\0\u0080\u00C4\u00E4\u212A\U00010400\U00010428\uFFFD"s;
+    const auto someText = [&](std::size_t length) {
+        std::wstring text;
+        for (; length > 0; --length) {
+            text += wide(chance() % 3 == 0 ? alphabet[chance() % alphabet.size()] : alphabet[chance() % 4]);
+        }
+        return text;
+    };
+    const auto sign = [](int number) { return (number > 0) - (number < 0); };
+    for (int round = 0; round < 20000; ++round) {
+        const std::wstring beginning = someText(chance() % 14);
+        const std::wstring a = beginning + someText(chance() % 4);
+        const std::wstring b = (chance() % 2 == 0 ? toLowercase(beginning) : beginning) + someText(chance() % 4);
+        // All characters of the alphabet are one unit each where a unit is wide; elsewhere UTF-8 has their order.
+        const int expected = toString(toLowercase(a)).compare(toString(toLowercase(b)));
+        ASSERT_EQ(sign(caseInsensitiveStringCompare(a, b)), sign(expected)) << toString(a) << " and " << toString(b);
+    }
+}
+
+TEST(ToWideString, TakesAStringAgainWhateverItHeld) {
+    std::wstring reused;
+    for (const std::string text : {"0123456789", "abc", "", "\xC3\xA4", "ascii again, and longer than before",
+                                   "\xC3\xA4 \xF0\x90\x90\x80 \xFF and longer than all that came before", "x"}) {
+        toWideString(text, reused);
+        EXPECT_EQ(reused, toWideString(text));
+        EXPECT_EQ(reused.size(), std::wcslen(reused.c_str()));
+    }
+    EXPECT_EQ(reused, L"x");
 }
 
 } // namespace

@@ -45,6 +45,17 @@ TEST(PersonalDataMask, IsNotNeededForHostsNumbersAndPaths) {
     }
 }
 
+TEST(PersonalDataMask, IsNeededWhereverALongTextNamesSomebody) {
+    for (const std::size_t place : {0U, 60U, 63U, 64U, 65U, 127U, 128U, 1000U}) {
+        const std::wstring before(place, L'x');
+        EXPECT_TRUE(ZelLogger_mayHoldPIIData(before + L"john@example.com")) << place;
+        EXPECT_TRUE(ZelLogger_mayHoldPIIData(before + L"sip:john@example.com")) << place;
+        EXPECT_TRUE(ZelLogger_mayHoldPIIData(before + L"/home/john")) << place;
+        EXPECT_FALSE(ZelLogger_mayHoldPIIData(before + L":/\\" + before)) << place;
+    }
+    EXPECT_FALSE(ZelLogger_mayHoldPIIData(L"\u0140\u4E40")) << "the low bytes are those of an at sign";
+}
+
 TEST(PersonalDataMask, LeavesAtSignsThatNameNobody) {
     for (const std::string text : {"@example.com", "john@", "5 @ 3", "a @b", "@", "@@", "<@h"}) {
         EXPECT_EQ(ZelLogger_replacePIIData(text), text);
@@ -189,6 +200,21 @@ TEST(PersonalDataMask, TakesTimeThatGrowsWithTheTextOnly) {
         EXPECT_FALSE(ZelLogger_replacePIIData(text).empty());
     }
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(30));
+}
+
+TEST(PersonalDataMask, IsNeededWhereverInATextItBegins) {
+    for (const std::wstring told : {L"sip:john@example.com", L"john@example.com", L"tel:5", L" +4989123456",
+                                    L"https://a:b@example.com/", L"/home/john/x", L"C:\\Users\\john\\x"}) {
+        for (std::size_t before = 0; before < 200; ++before) {
+            for (const wchar_t filler : {L' ', L'\u00E4', L'\uFF20'}) {
+                const std::wstring text =
+                    std::wstring(before, filler) + L' ' + told + std::wstring(before % 70, filler);
+                const std::string narrow = KyrCoreUtils::toString(text);
+                ASSERT_TRUE(ZelLogger_mayHoldPIIData(text) || ZelLogger_replacePIIData(narrow) == narrow) << narrow;
+                ASSERT_TRUE(ZelLogger_mayHoldPIIData(text)) << narrow;
+            }
+        }
+    }
 }
 
 } // namespace
