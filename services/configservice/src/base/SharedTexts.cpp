@@ -6,15 +6,19 @@
 namespace ZelUnified {
 
 SharedText SharedTexts::share(std::wstring text) {
+    if (last == text) { // as a store arrives all its keys name it
+        return last;
+    }
     const auto known = std::find(texts.begin(), texts.end(), text);
     if (known != texts.end()) {
-        return *known;
+        last = *known;
+        return last;
     }
-    SharedText added(std::move(text));
+    last = SharedText(std::move(text));
     if (texts.size() < limit) {
-        texts.push_back(added);
+        texts.push_back(last);
     }
-    return added;
+    return last;
 }
 
 } // namespace ZelUnified

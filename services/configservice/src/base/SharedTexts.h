@@ -18,6 +18,7 @@ private:
     static constexpr std::size_t limit = 64;
 
     std::vector<SharedText> texts;
+    SharedText last; ///< Mostly asked for again next.
 };
 
 } // namespace ZelUnified

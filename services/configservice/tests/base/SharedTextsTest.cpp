@@ -55,6 +55,7 @@ TEST(SharedTexts, TakeUpNoMoreBeyondTheLimit) {
         texts.share(L"Store " + std::to_wstring(i));
     }
     const auto late = texts.share(L"Store 999");
+    texts.share(L"Store 998");
     EXPECT_NE(&texts.share(L"Store 999").get(), &late.get());
 }
 

@@ -48,7 +48,7 @@ std::shared_ptr<ConfigFeatureSet> ConfigServiceImpl::getFeatureSet() const {
 
 std::shared_ptr<ConfigValue> ConfigServiceImpl::getConfig(std::wstring key) {
     EnsureUpdateAccess(true);
-    return findConfig(key);
+    return findConfig(FoldedKey(key));
 }
 
 void ConfigServiceImpl::setConfig(std::wstring key, std::wstring value) {
@@ -153,6 +153,7 @@ void ConfigServiceImpl::reset() {
     released.swap(configValues);
     releasedNew.swap(newConfigValues);
     configValuesIndex.clear();
+    deferredRecords.clear();
 }
 
 void ConfigServiceImpl::refreshConfigFeatureSet() {
@@ -167,7 +168,8 @@ void ConfigServiceImpl::OnConfigChanged(std::wstring key, std::wstring value, st
                                         std::wstring originalValueStoreName, bool deferFire) {
     EnsureUpdateAccess(true);
     // Held here while observers are called: one of them may reset the service.
-    const auto record = findConfig(key);
+    const FoldedKey folded(key);
+    const auto record = findConfig(folded);
     SharedText storeName = storeNames.share(std::move(valueStoreName));
     SharedText originalStoreName = storeNames.share(std::move(originalValueStoreName));
     if (!record) {
@@ -176,6 +178,9 @@ void ConfigServiceImpl::OnConfigChanged(std::wstring key, std::wstring value, st
     } else if (deferFire) {
         record->applyValues(std::move(value), std::move(originalValue), isOverridden, isDefined, std::move(storeName),
                             std::move(originalStoreName));
+        if (keyAliases.find(folded) == nullptr) {
+            deferredRecords.add(record);
+        }
     } else {
         record->applyValuesAndFire(std::move(value), std::move(originalValue), isOverridden, isDefined,
                                    std::move(storeName), std::move(originalStoreName));
@@ -183,14 +188,22 @@ void ConfigServiceImpl::OnConfigChanged(std::wstring key, std::wstring value, st
 }
 
 void ConfigServiceImpl::FireIfRequired(std::wstring key) {
-    if (const auto record = findConfig(key)) {
+    EnsureUpdateAccess(true);
+    auto record = deferredRecords.take(key);
+    if (record) {
+        applyCachedValueFipsRule(*record); // as a search would
+    } else {
+        record = findConfig(FoldedKey(key));
+    }
+    if (record) {
         record->fireChanged();
     }
 }
 
 void ConfigServiceImpl::setupConfigKeyAliases(ConfigMap aliases) {
     EnsureUpdateAccess(true);
-    keyAliases.replace(std::move(aliases));
+    deferredRecords.clear(); // found under other names from here on
+    keyAliases = KeySuccessors(std::move(aliases));
 }
 
 void ConfigServiceImpl::updateSensitiveKeyList(std::wstring key) {
@@ -205,20 +218,19 @@ void ConfigServiceImpl::onFeatureSetReady(bool ready) {
     }
 }
 
-std::shared_ptr<ConfigValueImpl> ConfigServiceImpl::findConfig(const std::wstring& key) {
+std::shared_ptr<ConfigValueImpl> ConfigServiceImpl::findConfig(const FoldedKey& key) {
     EnsureUpdateAccess(true);
-    const FoldedKey folded(key);
-    const auto* alias = keyAliases.find(folded);
+    const auto* alias = keyAliases.find(key);
     if (alias != nullptr) {
         if (auto record = findConfigFromKey(FoldedKey(*alias))) {
-            ZelLog(logger, ZelLogLevel::Info, ZEL_HERE, describeAliasLookup(key, *alias, *record));
+            ZelLog(logger, ZelLogLevel::Info, ZEL_HERE, describeAliasLookup(key.getText(), *alias, *record));
             return record;
         }
     }
-    if (auto record = findConfigFromKey(folded)) {
+    if (auto record = findConfigFromKey(key)) {
         return record;
     }
-    return alias != nullptr ? createConfig(FoldedKey(*alias)) : createConfig(folded);
+    return alias != nullptr ? createConfig(FoldedKey(*alias)) : createConfig(key);
 }
 
 std::shared_ptr<ConfigValueImpl> ConfigServiceImpl::findConfigFromKey(const FoldedKey& key) {
@@ -258,6 +270,7 @@ void ConfigServiceImpl::keep(const FoldedKey& key, const std::shared_ptr<ConfigV
         configValuesIndex.insert(key, *record);
         return;
     }
+    deferredRecords.clear();
     orderNewRecords();
     auto& place = configValues[key.getText()];
     const auto former = std::exchange(place, record); // what dies with it finds the new one

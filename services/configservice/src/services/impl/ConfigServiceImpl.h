@@ -1,10 +1,11 @@
 #pragma once
 
 #include "ConfigValueImpl.h"
+#include "DeferredRecords.h"
 #include "base/ConfigServiceBaseImpl.h"
 #include "base/SharedTexts.h"
-#include "lookup/ConfigTable.h"
 #include "lookup/KeyIndex.h"
+#include "lookup/KeySuccessors.h"
 
 #include <unified/FeatureSetReadyListener.h>
 
@@ -74,7 +75,7 @@ private:
     std::shared_ptr<ConfigFeatureSet> getFeatureSet() const;
 
     /// The record of the key, looked up under its new name first; made under the new name when there is none.
-    std::shared_ptr<ConfigValueImpl> findConfig(const std::wstring& key);
+    std::shared_ptr<ConfigValueImpl> findConfig(const FoldedKey& key);
     /// The record of exactly this key, empty when there is none.
     std::shared_ptr<ConfigValueImpl> findConfigFromKey(const FoldedKey& key);
     std::shared_ptr<ConfigValueImpl> createConfig(const FoldedKey& key);
@@ -92,9 +93,10 @@ private:
     /// Records that `configValues` doesn't hold yet: their order matters to lists alone, and a start makes thousands.
     std::deque<std::shared_ptr<ConfigValueImpl>> newConfigValues;
     KeyIndex<ConfigValueImpl, KeyOfRecord> configValuesIndex; ///< Of the records in both.
-    SharedTexts storeNames;                                   ///< What the records share.
+    DeferredRecords deferredRecords; ///< Of keys that are no old names, so that each is what a search would give.
+    SharedTexts storeNames;          ///< What the records share.
     ConfigKeySet sensitiveKeys;
-    ConfigTable keyAliases;
+    KeySuccessors keyAliases;
     std::shared_ptr<UnifiedFactory> unifiedFactory;
 };
 

@@ -71,6 +71,43 @@ TEST_F(ConfigServicePropagation, ABatchIsUpToDateBeforeAnObserverHearsOfIt) {
     EXPECT_THAT(seen, ElementsAre(L"1", L"2"));
 }
 
+TEST_F(ConfigServicePropagation, ABatchFiresInAnyOrderAndSpelling) {
+    const auto a = observe(L"a");
+    const auto b = observe(L"b");
+    const auto c = observe(L"c");
+    for (const std::wstring key : {L"a", L"b", L"c"}) {
+        announce(key, L"v", true);
+    }
+    for (const std::wstring key : {L"B", L"A", L"x", L"c", L"a", L"b", L"C"}) {
+        service->FireIfRequired(key);
+    }
+    for (const auto& observer : {a, b, c}) {
+        EXPECT_THAT(observer->heard, ElementsAre("Value", "isDefined", "ValueStoreName"));
+    }
+}
+
+TEST_F(ConfigServicePropagation, AResetForgetsWhatWasDeferred) {
+    const auto before = observe(L"k");
+    announce(L"k", L"v", true);
+    service->reset();
+    const auto after = observe(L"k");
+    service->FireIfRequired(L"k");
+    EXPECT_THAT(before->heard, IsEmpty());
+    EXPECT_THAT(after->heard, IsEmpty());
+    EXPECT_FALSE(service->getConfig(L"k")->getisDefined());
+}
+
+TEST_F(ConfigServicePropagation, ADeferredChangeOfAnOldNameFiresTheRecordThatTheNameHasThen) {
+    const auto old = observe(L"Old");
+    service->setupConfigKeyAliases({{L"Old", L"New"}});
+    announce(L"Old", L"one", true); // there is none of the new name yet
+    const auto current = observe(L"New");
+    announce(L"New", L"two", true);
+    service->FireIfRequired(L"Old");
+    EXPECT_THAT(old->heard, IsEmpty());
+    EXPECT_THAT(current->heard, ElementsAre("Value", "isDefined", "ValueStoreName"));
+}
+
 TEST_F(ConfigServicePropagation, FiringAnUnknownKeyMakesARecordAndFiresNothing) {
     service->FireIfRequired(L"k");
     ASSERT_EQ(service->getAllConfig()->size(), 1U);
@@ -198,6 +235,54 @@ TEST_F(ConfigServicePropagation, InFipsModeTheForcedKeyFiresForEveryOtherValue) 
     EXPECT_THAT(observer->heard, ElementsAre("Value"));
     announce(L"Telephony_P2P_Enabled", L"false");
     EXPECT_THAT(observer->heard, ElementsAre("Value"));
+}
+
+TEST_F(ConfigServicePropagation, ABatchThatWasNeverShownHoldsNothingOfLaterOnes) {
+    announce(L"never shown", L"v", true);
+    const std::weak_ptr<ConfigValue> record = service->getConfig(L"k");
+    const auto holders = record.use_count();
+    for (int i = 0; i < 100; ++i) {
+        announce(L"k", std::to_wstring(i), true);
+        service->FireIfRequired(L"k");
+    }
+    EXPECT_LE(record.use_count(), holders + 1);
+}
+
+TEST_F(ConfigServicePropagation, AnObserverMayBeginABatchInTheMiddleOfShowingAnother) {
+    const auto first = observe(L"a");
+    const auto second = observe(L"b");
+    const auto third = observe(L"c");
+    for (const auto* key : {L"a", L"b", L"c"}) {
+        announce(key, L"1", true);
+    }
+    bool isFirst = true;
+    first->reaction = [&](const std::string&) {
+        if (!std::exchange(isFirst, false)) {
+            return;
+        }
+        announce(L"c", L"2", true);
+        announce(L"b", L"2", true);
+        service->FireIfRequired(L"c");
+        EXPECT_THAT(third->heard, ElementsAre("Value", "isDefined", "ValueStoreName"));
+        EXPECT_TRUE(second->heard.empty());
+    };
+    for (const auto* key : {L"A", L"B", L"C"}) {
+        service->FireIfRequired(key);
+    }
+    EXPECT_EQ(second->heard.size(), 3U);
+    EXPECT_EQ(third->heard.size(), 3U);
+    EXPECT_EQ(service->getConfig(L"b")->getValue(), L"2");
+}
+
+TEST_F(ConfigServicePropagation, ABatchIsShownUnderTheNamesOfAliasesThatCameInBetween) {
+    const auto observer = observe(L"new");
+    const auto former = observe(L"old");
+    announce(L"old", L"1", true);
+    service->setupConfigKeyAliases({{L"old", L"new"}});
+    announce(L"new", L"2", true);
+    service->FireIfRequired(L"old");
+    EXPECT_EQ(observer->heard.size(), 3U);
+    EXPECT_TRUE(former->heard.empty());
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "KeyAliases.h"
 
+#include <utility>
+
 namespace ZelUnified {
 
 KeyAliases::KeyAliases()
@@ -24,9 +26,11 @@ KeyAliases::KeyAliases()
           {L"EnableImProtocolHandler", L"EnableIMProtocol"},
           {L"PresenceServerType", L"DiscoveredPresenceServerType"},
       }) {
+    ConfigMap oldNames;
     for (const auto& [oldName, newName] : getKeyAliases()) {
-        legacyKeys.store(newName, oldName);
+        oldNames.insert_or_assign(newName, oldName);
     }
+    legacyKeys = KeySuccessors(std::move(oldNames));
 }
 
 } // namespace ZelUnified

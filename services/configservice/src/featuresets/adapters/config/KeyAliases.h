@@ -1,6 +1,6 @@
 #pragma once
 
-#include "lookup/ConfigTable.h"
+#include "lookup/KeySuccessors.h"
 
 #include <ConfigMap.h>
 
@@ -25,8 +25,8 @@ public:
     const ConfigMap& getKeyAliases() const noexcept { return keyAliases.getMap(); }
 
 private:
-    ConfigTable keyAliases;
-    ConfigTable legacyKeys;
+    KeySuccessors keyAliases;
+    KeySuccessors legacyKeys;
 };
 
 } // namespace ZelUnified
