@@ -28,6 +28,11 @@ void* operator new(std::size_t size) {
     return block + headerSize;
 }
 
+/// No alignment beyond the usual one is asked for.
+void* operator new(std::size_t size, std::align_val_t /*alignment*/) {
+    return operator new(size);
+}
+
 void operator delete(void* memory) noexcept {
     if (memory == nullptr) {
         return;
@@ -40,5 +45,13 @@ void operator delete(void* memory) noexcept {
 }
 
 void operator delete(void* memory, std::size_t /*size*/) noexcept {
+    operator delete(memory);
+}
+
+void operator delete(void* memory, std::align_val_t /*alignment*/) noexcept {
+    operator delete(memory);
+}
+
+void operator delete(void* memory, std::size_t /*size*/, std::align_val_t /*alignment*/) noexcept {
     operator delete(memory);
 }

@@ -5,6 +5,7 @@
 #include "RowSuite.h"
 #include "SyntheticKeys.h"
 #include "featuresets/adapters/config/LocalFileDocument.h"
+#include "lookup/ConfigTable.h"
 #include "secure/SecureString.h"
 
 #include <ConfigMap.h>
@@ -46,7 +47,8 @@ public:
         }
         store->persistValues();
         zel::SecureString content;
-        ZelUnified::LocalFileDocument::write(values, content);
+        ZelUnified::ConfigTable table(values);
+        ZelUnified::LocalFileDocument::write(table, content);
         content.withClearText([this](std::string_view clear) { document = clear; });
         cipher.encipher(document);
         require(openStore()->getKeys().size() == keyCount, "the file");

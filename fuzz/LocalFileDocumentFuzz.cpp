@@ -1,6 +1,7 @@
 // Whatever is read from a local file's document is written in a form that reads back as the same table.
 #include "Require.h"
 #include "featuresets/adapters/config/LocalFileDocument.h"
+#include "lookup/ConfigTable.h"
 #include "secure/SecureString.h"
 
 #include <algorithm>
@@ -9,6 +10,7 @@
 
 using fuzz::require;
 using ZelUnified::ConfigMap;
+using ZelUnified::ConfigTable;
 using ZelUnified::LocalFileDocument;
 using ZelUnified::XmlReader;
 
@@ -19,7 +21,8 @@ constexpr std::size_t comparedLength = 1'000'000;
 
 std::string write(const ConfigMap& values) {
     zel::SecureString content;
-    LocalFileDocument::write(values, content);
+    ConfigTable table(values);
+    LocalFileDocument::write(table, content);
     std::string text;
     content.withClearText([&](std::string_view clear) { text = clear; });
     return text;

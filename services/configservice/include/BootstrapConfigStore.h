@@ -3,7 +3,6 @@
 #include <ConfigStore.h>
 #include <IndexedStore.h>
 
-#include <istream>
 #include <memory>
 #include <string>
 #include <vector>
@@ -35,11 +34,9 @@ public:
 
     bool lookUp(const FoldedKey& key, std::wstring& value) override;
     const std::type_info& getIndexedType() const override { return typeid(BootstrapConfigStore); }
+    KeyList listKeys() override;
 
 private:
-    void readLines(std::istream& stream);
-    void readLine(const std::string& line);
-
     const int priority;
     const std::unique_ptr<ConfigTable> values;
     const std::string filePath;

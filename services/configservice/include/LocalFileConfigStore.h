@@ -59,6 +59,7 @@ public:
 
     bool lookUp(const FoldedKey& key, std::wstring& value) override;
     const std::type_info& getIndexedType() const override { return typeid(LocalFileConfigStore); }
+    KeyList listKeys() override;
 
     /// Before the store is shared. Without a timer there are no backup writes.
     void setTimer(std::shared_ptr<ConfigFileCacheTimer> cacheTimer);

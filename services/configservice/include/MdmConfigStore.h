@@ -41,6 +41,7 @@ public:
 
     bool lookUp(const FoldedKey& key, std::wstring& value) override;
     const std::type_info& getIndexedType() const override { return typeid(MdmConfigStore); }
+    KeyList listKeys() override;
 
 private:
     const std::unique_ptr<ConfigTable> values;

@@ -48,6 +48,7 @@ public:
 
     bool lookUp(const FoldedKey& key, std::wstring& value) override;
     const std::type_info& getIndexedType() const override { return typeid(RegistryConfigStore); }
+    KeyList listKeys() override;
 
     /// Deletes the policy key of the current user with all that lies below it, as far as that may be done.
     static void removeRegistrySettings();

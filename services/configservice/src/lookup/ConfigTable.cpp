@@ -1,70 +1,134 @@
 #include "ConfigTable.h"
 
 #include "WipedValues.h"
-#include "featuresets/adapters/config/ConfigMapKeys.h"
+
+#include <algorithm>
 
 namespace ZelUnified {
+
+namespace {
+
+bool isBefore(const ConfigEntry::Owner& a, const ConfigEntry::Owner& b) {
+    return caseInsensitiveMapComparator()(a->getKey(), b->getKey());
+}
+
+/// The first block has room for some dozen entries, each later one for more.
+std::unique_ptr<std::pmr::monotonic_buffer_resource> makeBlocks() {
+    constexpr std::size_t firstBlock = std::size_t{4} * 1024;
+    return std::make_unique<std::pmr::monotonic_buffer_resource>(firstBlock);
+}
+
+} // namespace
 
 ConfigTable::ConfigTable(ConfigMap values) {
     replace(std::move(values));
 }
 
-ConfigTable::~ConfigTable() {
-    wipeValues(map);
-}
-
-const ConfigMap::value_type& ConfigTable::store(const std::wstring& key, const std::wstring& value) {
+const ConfigEntry& ConfigTable::store(const std::wstring& key, std::wstring_view value) {
     const FoldedKey folded(key);
     if (auto* entry = index.find(folded)) {
-        overwriteValue(entry->second, value);
+        entry->setValue(value);
         return *entry;
     }
+    return insert(folded, ConfigEntry::make(key, value));
+}
+
+bool ConfigTable::load(const FoldedKey& key, std::wstring_view value) {
+    if (index.find(key) != nullptr) {
+        return false;
+    }
+    if (!blocks) {
+        blocks = makeBlocks();
+    }
+    insert(key, ConfigEntry::make(key.getFolded(), value, *blocks));
+    return true;
+}
+
+const ConfigEntry& ConfigTable::insert(const FoldedKey& key, ConfigEntry::Owner added) {
     index.reserveOne();
-    reserveFilter(map.size() + 1);
-    auto& entry = *map.emplace(key, value).first;
-    filter.add(folded);
-    index.insert(folded, entry);
-    return entry;
+    reserveFilter(entries.size() + 1);
+    entries.push_back(std::move(added));
+    // Documents are written in order, so mostly what is read from them stands where it belongs.
+    if (ordered + 1 == entries.size() && (ordered == 0 || isBefore(entries[ordered - 1], entries[ordered]))) {
+        ++ordered;
+    }
+    filter.add(key);
+    index.insert(key, *entries.back());
+    return *entries.back();
 }
 
 bool ConfigTable::remove(const std::wstring& key) {
     const FoldedKey folded(key);
-    if (index.find(folded) == nullptr) {
+    const auto* const removed = index.find(folded);
+    if (removed == nullptr) {
         return false;
     }
     index.erase(folded); // while the entry's key can be read
-    const auto entry = map.find(key);
-    zel::SecureString::wipe(entry->second);
-    map.erase(entry);
+    const auto place = std::ranges::find_if(entries, [removed](const auto& entry) { return entry.get() == removed; });
+    if (static_cast<std::size_t>(place - entries.begin()) < ordered) {
+        --ordered;
+    }
+    entries.erase(place);
     return true;
 }
 
-void ConfigTable::clear() {
+void ConfigTable::clear() noexcept {
     index.clear();
-    wipeValues(map);
-    map.clear();
+    entries.clear();
+    blocks.reset();
+    ordered = 0;
 }
 
 void ConfigTable::replace(ConfigMap values) {
+    const ValuesWiper wiper(values);
     reserveFilter(values.size()); // while the index still knows what is held
-    KeyIndex<ConfigMap::value_type> indexOfValues;
-    indexOfValues.reserve(values.size());
-    for (auto& entry : values) {
-        const FoldedKey key(entry.first);
-        filter.add(key);
-        indexOfValues.insert(key, entry);
+    auto nextBlocks = makeBlocks();
+    std::vector<ConfigEntry::Owner> next;
+    KeyIndex<ConfigEntry, KeyOfConfigEntry> nextIndex;
+    next.reserve(values.size());
+    nextIndex.reserve(values.size());
+    for (auto& [key, value] : values) {
+        const FoldedKey folded(key);
+        next.push_back(ConfigEntry::make(key, value, *nextBlocks));
+        filter.add(folded);
+        nextIndex.insert(folded, *next.back());
     }
-    map.swap(values); // entries stay where they are
-    index.swap(indexOfValues);
-    wipeValues(values);
+    blocks.swap(nextBlocks);
+    entries.swap(next);
+    index.swap(nextIndex);
+    ordered = entries.size();
+}
+
+const std::vector<ConfigEntry::Owner>& ConfigTable::list() {
+    if (ordered < entries.size()) {
+        const auto tail = entries.begin() + static_cast<std::ptrdiff_t>(ordered);
+        std::sort(tail, entries.end(), isBefore);
+        std::inplace_merge(entries.begin(), tail, entries.end(), isBefore);
+        ordered = entries.size();
+    }
+    return entries;
+}
+
+std::vector<std::wstring> ConfigTable::getKeys() {
+    std::vector<std::wstring> keys;
+    keys.reserve(entries.size());
+    for (const auto& entry : list()) {
+        keys.emplace_back(entry->getKey());
+    }
+    return keys;
+}
+
+KeyList ConfigTable::listKeys() {
+    KeyList keys;
+    keys.reserve(entries.size());
+    for (const auto& entry : list()) {
+        keys.add(entry->getKey());
+    }
+    return keys;
 }
 
 void ConfigTable::reserveFilter(std::size_t keys) {
     filter.reserve(keys, [this](auto add) { index.forEachHash(add); });
-}
-
-std::vector<std::wstring> ConfigTable::getKeys() const {
-    return keysOf(map);
 }
 
 } // namespace ZelUnified

@@ -3,6 +3,7 @@
 #include <kyr/StringUtils.h>
 
 #include <algorithm>
+#include <cstring>
 #include <cwchar>
 #include <random>
 
@@ -33,22 +34,62 @@ std::uint64_t seedOfProcess() {
     return seed;
 }
 
-/// Two units at a time, each whole: what matters is that keys which differ in few places end far apart.
-std::uint32_t hashOf(std::wstring_view text) {
-    constexpr std::uint64_t odd = 0x9E3779B97F4A7C15;
-    std::uint64_t hash = seedOfProcess() ^ (text.size() * odd);
-    const auto unit = [&text](std::size_t place) { return std::uint64_t{unitOf(text[place])}; };
+/// As many units as are folded and hashed in one step.
+using Block = std::uint64_t;
+constexpr std::size_t unitsInBlock = sizeof(Block) / sizeof(wchar_t);
+
+constexpr Block inEachUnit(Block number) noexcept {
+    Block block = 0;
+    for (std::size_t i = 0; i < unitsInBlock; ++i) {
+        block = block << (8 * sizeof(wchar_t)) | number;
+    }
+    return block;
+}
+
+/// For units of ASCII; of others it makes anything. Where one reaches 'A' its bit 0x80 is set in the one sum, where it
+/// passes 'Z' in the other too.
+constexpr Block toLowerAsciiUnits(Block block) noexcept {
+    const Block reachesA = block + inEachUnit(0x80 - 'A');
+    const Block passesZ = block + inEachUnit(0x80 - 'Z' - 1);
+    return block | ((reachesA ^ passesZ) & inEachUnit(0x80)) >> 2;
+}
+
+/// What is short of a block at the end is filled with zeros.
+template <class Use>
+void forEachBlock(std::wstring_view text, Use use) {
+    Block block = 0;
     std::size_t at = 0;
-    for (; at + 2 <= text.size(); at += 2) {
-        hash = (hash ^ unit(at) ^ (unit(at + 1) << 32)) * odd;
-        hash ^= hash >> 29;
+    for (; at + unitsInBlock <= text.size(); at += unitsInBlock) {
+        std::memcpy(&block, text.data() + at, sizeof block);
+        use(block, at, unitsInBlock);
     }
     if (at < text.size()) {
-        hash = (hash ^ unit(at)) * odd;
+        block = 0;
+        std::memcpy(&block, text.data() + at, (text.size() - at) * sizeof(wchar_t));
+        use(block, at, text.size() - at);
     }
-    hash ^= hash >> 32;
-    return std::max(static_cast<std::uint32_t>((hash * odd) >> 32), std::uint32_t{1});
 }
+
+/// What matters is that keys which differ in few places end far apart.
+class Hash {
+public:
+    explicit Hash(std::size_t length) : state(seedOfProcess() ^ (length * odd)) {}
+
+    void add(Block block) noexcept {
+        state = (state ^ block) * odd;
+        state ^= state >> 29;
+    }
+
+    /// Never 0.
+    std::uint32_t get() const noexcept {
+        return std::max(static_cast<std::uint32_t>(((state ^ (state >> 32)) * odd) >> 32), std::uint32_t{1});
+    }
+
+private:
+    static constexpr std::uint64_t odd = 0x9E3779B97F4A7C15;
+
+    std::uint64_t state;
+};
 
 } // namespace
 
@@ -58,21 +99,27 @@ FoldedKey::FoldedKey(const std::wstring& key) : text(key) {
         longFolded.resize(key.size());
         target = longFolded.data();
     }
-    Unit seen = 0;
-    for (std::size_t i = 0; i < key.size(); ++i) {
-        seen |= unitOf(key[i]);
-        target[i] = static_cast<wchar_t>(toLowerAscii(unitOf(key[i])));
-    }
+    Block seen = 0;
+    Hash hashOfKey(key.size());
+    forEachBlock(key, [&](Block block, std::size_t at, std::size_t count) {
+        seen |= block;
+        block = toLowerAsciiUnits(block);
+        hashOfKey.add(block);
+        std::memcpy(target + at, &block, count * sizeof(wchar_t));
+    });
     folded = {target, key.size()};
-    if (seen >= firstBeyondAscii) {
+    hash = hashOfKey.get();
+    if ((seen & ~inEachUnit(firstBeyondAscii - 1)) != 0) {
         foldBeyondAscii();
     }
-    hash = hashOf(folded);
 }
 
 void FoldedKey::foldBeyondAscii() {
     longFolded = KyrCoreUtils::toLowercase(std::wstring_view(text));
     folded = longFolded;
+    Hash hashOfKey(folded.size());
+    forEachBlock(folded, [&](Block block, std::size_t, std::size_t) { hashOfKey.add(block); });
+    hash = hashOfKey.get();
 }
 
 bool FoldedKey::names(std::wstring_view other) const noexcept {

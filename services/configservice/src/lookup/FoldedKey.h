@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -18,6 +19,8 @@ public:
 
     /// The key as it was given.
     const std::wstring& getText() const noexcept { return text; }
+    /// The key in lower case.
+    std::wstring_view getFolded() const noexcept { return folded; }
     /// Never 0.
     std::uint32_t getHash() const noexcept { return hash; }
 

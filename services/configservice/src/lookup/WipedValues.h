@@ -5,6 +5,7 @@
 #include <ConfigMap.h>
 
 #include <string>
+#include <string_view>
 
 namespace ZelUnified {
 
@@ -15,8 +16,20 @@ inline void wipeValues(ConfigMap& values) {
     }
 }
 
+/// Does so when it goes, whatever ends the scope.
+class ValuesWiper {
+public:
+    explicit ValuesWiper(ConfigMap& wiped) noexcept : values(wiped) {}
+    ~ValuesWiper() { wipeValues(values); }
+    ValuesWiper(const ValuesWiper&) = delete;
+    ValuesWiper& operator=(const ValuesWiper&) = delete;
+
+private:
+    ConfigMap& values;
+};
+
 /// Overwrites a value, which stays as it is when there is no memory for the next one.
-inline void overwriteValue(std::wstring& value, const std::wstring& next) {
+inline void overwriteValue(std::wstring& value, std::wstring_view next) {
     if (next.size() <= value.capacity()) {
         zel::SecureString::wipe(value);
         value = next;

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <functional>
 #include <new>
+#include <string_view>
 
 namespace configservice_test {
 
@@ -17,14 +19,25 @@ struct Shortage {
 constexpr std::size_t room = 256;
 
 struct Watch {
-    const void* block = nullptr;
+    const wchar_t* text = nullptr;
     std::size_t length = 0;
     bool isFreed = false;
     wchar_t content[room] = {};
 };
 
+struct Search {
+    std::wstring_view text;
+    std::size_t count = 0;
+};
+
+/// Stands before each block.
+struct alignas(std::max_align_t) Head {
+    std::size_t size;
+};
+
 thread_local Shortage shortage;
 thread_local Watch watch;
+thread_local Search search;
 
 bool isShort() noexcept {
     if (shortage.remaining == 0 || --shortage.remaining != 0) {
@@ -35,20 +48,38 @@ bool isShort() noexcept {
 }
 
 void* allocate(std::size_t size) {
-    auto* const block = isShort() ? nullptr : std::malloc(size == 0 ? 1 : size);
-    if (block == nullptr) {
+    auto* const head = isShort() ? nullptr : std::malloc(sizeof(Head) + size);
+    if (head == nullptr) {
         throw std::bad_alloc();
     }
-    return block;
+    return new (head) Head{size} + 1;
+}
+
+bool isIn(const void* place, const void* block, std::size_t size) noexcept {
+    const auto* const begin = static_cast<const std::byte*>(block);
+    return !std::less<>()(place, begin) && std::less<>()(place, begin + size);
+}
+
+bool holds(const void* block, std::size_t size, std::wstring_view text) noexcept {
+    const auto* const begin = static_cast<const char*>(block);
+    const std::string_view bytes(reinterpret_cast<const char*>(text.data()), text.size() * sizeof(wchar_t));
+    return std::string_view(begin, size).find(bytes) != std::string_view::npos;
 }
 
 void release(void* block) noexcept {
-    if (block != nullptr && block == watch.block) {
-        std::copy_n(static_cast<const wchar_t*>(block), watch.length, watch.content);
-        watch.isFreed = true;
-        watch.block = nullptr;
+    if (block == nullptr) {
+        return;
     }
-    std::free(block);
+    auto* const head = static_cast<Head*>(block) - 1;
+    if (watch.text != nullptr && isIn(watch.text, block, head->size)) {
+        std::copy_n(watch.text, watch.length, watch.content);
+        watch.isFreed = true;
+        watch.text = nullptr;
+    }
+    if (!search.text.empty() && holds(block, head->size, search.text)) {
+        ++search.count;
+    }
+    std::free(head);
 }
 
 } // namespace
@@ -65,9 +96,9 @@ bool FailingAllocation::hasFailed() const noexcept {
     return shortage.hasFailed;
 }
 
-FreedText::FreedText(const std::wstring& text) noexcept {
+FreedText::FreedText(std::wstring_view text) noexcept {
     watch = {};
-    watch.block = text.data();
+    watch.text = text.data();
     watch.length = std::min(text.size(), room);
 }
 
@@ -79,11 +110,40 @@ std::optional<std::wstring> FreedText::getContent() const {
     return watch.isFreed ? std::optional(std::wstring(watch.content, watch.length)) : std::nullopt;
 }
 
+BlocksFreedWith::BlocksFreedWith(std::wstring_view text) noexcept {
+    search = {text, 0};
+}
+
+BlocksFreedWith::~BlocksFreedWith() {
+    search = {};
+}
+
+std::size_t BlocksFreedWith::getCount() const noexcept {
+    return search.count;
+}
+
 } // namespace configservice_test
 
-// The other forms of these operators call them.
+// Other forms of these operators would call them, but a sanitizer has its own. No test needs more than the usual
+// alignment.
 
 void* operator new(std::size_t size) {
+    return configservice_test::allocate(size);
+}
+
+void* operator new[](std::size_t size) {
+    return configservice_test::allocate(size);
+}
+
+void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
+    try {
+        return configservice_test::allocate(size);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
+void* operator new(std::size_t size, std::align_val_t /*alignment*/) {
     return configservice_test::allocate(size);
 }
 
@@ -92,5 +152,21 @@ void operator delete(void* block) noexcept {
 }
 
 void operator delete(void* block, std::size_t /*size*/) noexcept {
+    configservice_test::release(block);
+}
+
+void operator delete[](void* block) noexcept {
+    configservice_test::release(block);
+}
+
+void operator delete[](void* block, std::size_t /*size*/) noexcept {
+    configservice_test::release(block);
+}
+
+void operator delete(void* block, std::align_val_t /*alignment*/) noexcept {
+    configservice_test::release(block);
+}
+
+void operator delete(void* block, std::size_t /*size*/, std::align_val_t /*alignment*/) noexcept {
     configservice_test::release(block);
 }

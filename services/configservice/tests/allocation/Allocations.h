@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace configservice_test {
 
@@ -17,16 +18,29 @@ public:
     bool hasFailed() const noexcept;
 };
 
-/// Waits for the heap block of a text to be freed by this thread and keeps what it holds at that moment. One at a time.
+/// Waits for the heap block that a text lies in to be freed by this thread and keeps what the text is at that moment.
+/// One at a time.
 class FreedText {
 public:
-    explicit FreedText(const std::wstring& text) noexcept;
+    explicit FreedText(std::wstring_view text) noexcept;
     ~FreedText();
     FreedText(const FreedText&) = delete;
     FreedText& operator=(const FreedText&) = delete;
 
     /// As long as the text was; nullopt while the block lives.
     std::optional<std::wstring> getContent() const;
+};
+
+/// Counts the heap blocks that this thread frees while a text still stands in them. One at a time; the text must
+/// outlive it.
+class BlocksFreedWith {
+public:
+    explicit BlocksFreedWith(std::wstring_view text) noexcept;
+    ~BlocksFreedWith();
+    BlocksFreedWith(const BlocksFreedWith&) = delete;
+    BlocksFreedWith& operator=(const BlocksFreedWith&) = delete;
+
+    std::size_t getCount() const noexcept;
 };
 
 } // namespace configservice_test

@@ -71,15 +71,15 @@ TEST_F(MemoryShortageOfTheService, AListingThatFailedLosesNoRecordAndDoublesNone
 }
 
 /// What the table lists it finds, in any case and past its filter, and nothing else of the keys of both halves.
-void expectToHoldExactly(const ConfigTable& table, int from, int to) {
-    ASSERT_EQ(table.getMap().size(), static_cast<std::size_t>(to - from));
+void expectToHoldExactly(ConfigTable& table, int from, int to) {
+    ASSERT_EQ(table.getKeys().size(), static_cast<std::size_t>(to - from));
     for (int i = 0; i < 60; ++i) {
         const std::wstring spelling = otherSpellingOf(i);
         const FoldedKey key(spelling);
-        const auto* const value = table.find(key);
-        ASSERT_EQ(value != nullptr, i >= from && i < to) << i;
-        ASSERT_TRUE(value == nullptr || table.mayHold(key)) << i;
-        ASSERT_TRUE(value == nullptr || *value == keyOf(i)) << i;
+        const auto value = table.find(key);
+        ASSERT_EQ(value.has_value(), i >= from && i < to) << i;
+        ASSERT_TRUE(!value || table.mayHold(key)) << i;
+        ASSERT_TRUE(!value || *value == keyOf(i)) << i;
     }
 }
 
@@ -119,7 +119,24 @@ TEST(MemoryShortage, AStoreThatFailedLeavesTheTableAsItWas) {
             }
             expectToHoldExactly(table, 0, held + 1);
         }
-        ASSERT_GE(failures, 3U) << "an entry, its key and its value were needed";
+        ASSERT_GE(failures, 1U) << "an entry was needed";
+    }
+}
+
+TEST(MemoryShortage, ALoadThatFailedLeavesTheTableAsItWas) {
+    for (int held = 0; held < 60; held += 7) {
+        std::size_t failures = 0;
+        for (bool failed = true; failed; failures += failed ? 1 : 0) {
+            ConfigTable table(valuesOf(0, held));
+            const std::wstring key = keyOf(held);
+            const auto load = [&] { table.load(FoldedKey(key), key); };
+            failed = failsAt(failures + 1, load);
+            if (failed) {
+                expectToHoldExactly(table, 0, held);
+                load();
+            }
+            expectToHoldExactly(table, 0, held + 1);
+        }
     }
 }
 

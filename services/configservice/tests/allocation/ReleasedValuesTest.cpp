@@ -42,15 +42,45 @@ TEST(ReleasedValues, OfATableAreZeroed) {
         {"gone with the table", [](Table& table) { table.reset(); }},
     };
     for (const auto& [name, goesOut] : waysOut) {
-        SCOPED_TRACE(name);
-        auto table = std::make_unique<ConfigTable>();
-        table->store(L"a", L"1");
-        table->store(L"k", secret);
-        const std::wstring key = L"k";
-        const FreedText freed(*table->find(FoldedKey(key)));
-        goesOut(table);
-        EXPECT_EQ(freed.getContent(), zeroes);
+        for (const bool isLoaded : {false, true}) {
+            SCOPED_TRACE(name + (isLoaded ? ", of a document" : ", stored"));
+            auto table = std::make_unique<ConfigTable>(ConfigMap{{L"a", L"1"}});
+            const std::wstring key = L"k";
+            isLoaded ? static_cast<void>(table->load(FoldedKey(key), secret))
+                     : static_cast<void>(table->store(key, secret));
+            const FreedText freed(*table->find(FoldedKey(key)));
+            goesOut(table);
+            table.reset(); // the memory may be freed with the table only
+            EXPECT_EQ(freed.getContent(), zeroes);
+        }
     }
+}
+
+TEST(ReleasedValues, ThatATableTookOverAreZeroed) {
+    ConfigMap values{{L"k", secret}};
+    const FreedText freed(values.at(L"k"));
+    ConfigTable table;
+    table.replace(std::move(values));
+    EXPECT_EQ(freed.getContent(), zeroes);
+}
+
+TEST(ReleasedValues, AreZeroedInTheRoomThatTheyLeave) {
+    ConfigTable table(ConfigMap{{L"k", secret}});
+    const std::wstring key = L"k";
+    const std::wstring_view room = *table.find(FoldedKey(key));
+    table.store(key, secret.substr(0, 3));
+    EXPECT_EQ(room, secret.substr(0, 3) + zeroes.substr(3));
+    table.store(key, longer);
+    EXPECT_EQ(room, zeroes);
+}
+
+TEST(ReleasedValues, ThatOutgrewTheirRoomAreZeroed) {
+    ConfigTable table(ConfigMap{{L"k", L"short"}});
+    const std::wstring key = L"k";
+    table.store(key, secret);
+    const FreedText freed(*table.find(FoldedKey(key)));
+    table.store(key, longer);
+    EXPECT_EQ(freed.getContent(), zeroes);
 }
 
 struct ReleasedValuesOfRecords : configservice_test::ServiceFixture {

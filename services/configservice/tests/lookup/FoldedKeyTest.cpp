@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <set>
 #include <string>
 #include <vector>
@@ -81,6 +82,26 @@ TEST(FoldedKey, NamesWhatTheComparisonOfKeysCallsEqual) {
                 EXPECT_EQ(key.getHash(), hashOf(right)) << KyrCoreUtils::toString(left);
             }
         }
+    }
+}
+
+TEST(FoldedKey, FoldsAllOfAsciiAtEachPlaceOfABlock) {
+    for (const std::size_t length : {1U, 2U, 3U, 4U, 5U, 63U, 64U, 65U, 66U}) {
+        for (wchar_t unit = 0; unit < 0x80; ++unit) {
+            for (const std::wstring& key : {std::wstring(length, unit), std::wstring(length - 1, L'[') + unit}) {
+                const FoldedKey folded(key);
+                ASSERT_EQ(folded.getFolded(), KyrCoreUtils::toLowercase(std::wstring_view(key)));
+                ASSERT_EQ(folded.getHash(), hashOf(KyrCoreUtils::toLowercase(std::wstring_view(key))));
+            }
+        }
+    }
+}
+
+TEST(FoldedKey, FoldsWhatStandsBesideUnitsThatAreNoCharacters) {
+    for (const auto unit : {std::numeric_limits<wchar_t>::max(), std::numeric_limits<wchar_t>::min()}) {
+        const std::wstring key = std::wstring(L"Ab") + unit + L"Cd" + unit + unit + L"E";
+        EXPECT_TRUE(FoldedKey(key).names(std::wstring(L"aB") + unit + L"cD" + unit + unit + L"e"));
+        EXPECT_FALSE(FoldedKey(key).names(std::wstring(L"aB") + unit + L"cD" + unit + unit + L"f"));
     }
 }
 

@@ -4,7 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace ZelUnified {
 namespace {
@@ -25,7 +28,7 @@ protected:
         table.remove(key);
     }
 
-    bool equals() const { return copy.equals(table.getMap()); }
+    bool equals() { return copy.equals(table); }
 
     /// Whether it is so in full, whatever the copy was told.
     bool holdsTheTable() {
@@ -35,10 +38,10 @@ protected:
 
     void expectDifference() {
         EXPECT_FALSE(equals());
-        copy.bringUpToDate(table.getMap());
+        copy.bringUpToDate(table);
         EXPECT_TRUE(equals());
         EXPECT_TRUE(holdsTheTable());
-        copy.bringUpToDate(table.getMap());
+        copy.bringUpToDate(table);
     }
 
     ConfigTable table;
@@ -47,7 +50,8 @@ protected:
 
 TEST_F(PersistedCopyTest, IsEmptyAtFirst) {
     EXPECT_FALSE(equals());
-    EXPECT_TRUE(PersistedCopy().equals({}));
+    ConfigTable empty;
+    EXPECT_TRUE(PersistedCopy().equals(empty));
 }
 
 TEST_F(PersistedCopyTest, TakesOverANewValueAndANewKey) {
@@ -59,7 +63,7 @@ TEST_F(PersistedCopyTest, TakesOverANewValueAndANewKey) {
 }
 
 TEST_F(PersistedCopyTest, EqualsATableWhoseValueIsSetBack) {
-    copy.bringUpToDate(table.getMap());
+    copy.bringUpToDate(table);
     store(L"key7", L"new");
     store(L"key8", L"new");
     store(L"key7", L"old");
@@ -69,7 +73,7 @@ TEST_F(PersistedCopyTest, EqualsATableWhoseValueIsSetBack) {
 }
 
 TEST_F(PersistedCopyTest, LosesAKeyThatWentAndTakesOneInAnotherCase) {
-    copy.bringUpToDate(table.getMap());
+    copy.bringUpToDate(table);
     remove(L"key7");
     expectDifference();
     remove(L"key8");
@@ -78,7 +82,7 @@ TEST_F(PersistedCopyTest, LosesAKeyThatWentAndTakesOneInAnotherCase) {
 }
 
 TEST_F(PersistedCopyTest, TakesOverMoreThanItCanName) {
-    copy.bringUpToDate(table.getMap());
+    copy.bringUpToDate(table);
     for (int i = 0; i < 200; ++i) {
         store(L"key" + std::to_wstring(i), L"new");
     }
@@ -88,6 +92,38 @@ TEST_F(PersistedCopyTest, TakesOverMoreThanItCanName) {
         store(L"key" + std::to_wstring(i), L"new");
     }
     EXPECT_TRUE(equals());
+}
+
+TEST_F(PersistedCopyTest, KnowsOfEachDifferenceThatManyChangesLeave) {
+    std::mt19937 chance(7); // NOLINT(cert-msc32-c,cert-msc51-cpp): the same changes in each run
+    const auto list = [this] {
+        std::vector<std::pair<std::wstring, std::wstring>> pairs;
+        for (const auto& entry : table.list()) {
+            pairs.emplace_back(entry->getKey(), entry->getValue());
+        }
+        return pairs;
+    };
+    auto written = list();
+    copy.bringUpToDate(table);
+    for (int step = 0; step < 5000; ++step) {
+        const std::wstring key = (chance() % 2 == 0 ? L"key" : L"KEY") + std::to_wstring(chance() % 210);
+        const auto what = chance() % 100;
+        if (what < 80) {
+            store(key, std::wstring(chance() % 30, L'v'));
+        } else if (what < 84) {
+            remove(key);
+        } else if (what == 84) {
+            copy.noteRemoval();
+            table.replace({written.begin(), written.end()});
+        } else if (what == 85) {
+            copy.noteRemoval();
+            table.clear();
+        } else if (what < 90) {
+            copy.bringUpToDate(table);
+            written = list();
+        }
+        ASSERT_EQ(equals(), list() == written) << step;
+    }
 }
 
 } // namespace

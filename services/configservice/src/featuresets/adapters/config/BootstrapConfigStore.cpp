@@ -1,12 +1,15 @@
 #include "lookup/ConfigTable.h"
+#include "lookup/WipedValues.h"
 #include "secure/FipsValueOverride.h"
 
 #include <kyr/FstreamUtils.h>
 #include <zel/ZelLog.h>
 
 #include <BootstrapConfigStore.h>
+#include <ConfigMap.h>
 
 #include <fstream>
+#include <utility>
 
 namespace ZelUnified {
 
@@ -17,34 +20,7 @@ ZelLogger& logger = ZelLogger_getLogger("ConfigService-BootstrapConfigStore");
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 constexpr std::string_view separator = ":";
 
-} // namespace
-
-BootstrapConfigStore::BootstrapConfigStore(const std::string& storeName, const std::string& path, int storePriority)
-    : priority(storePriority), values(std::make_unique<ConfigTable>()), filePath(path), name(storeName) {
-    std::fstream stream;
-    KyrCoreUtils::FstreamUtils::open(stream, filePath, KyrCoreUtils::StreamMode::Read);
-    if (!stream.is_open()) {
-        ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE, "File does not exist " + filePath);
-        return;
-    }
-    readLines(stream);
-}
-
-void BootstrapConfigStore::readLines(std::istream& stream) {
-    std::string line;
-    for (bool first = true; std::getline(stream, line); first = false) {
-        if (first && line.starts_with(byteOrderMark)) {
-            line.erase(0, byteOrderMark.size());
-        }
-        // The file may have been written with Windows line ends.
-        if (line.ends_with('\r')) {
-            line.pop_back();
-        }
-        readLine(line);
-    }
-}
-
-void BootstrapConfigStore::readLine(const std::string& line) {
+void readLine(const std::string& line, ConfigMap& read) {
     if (line.empty() || KyrCoreUtils::trimleft(line).starts_with('#')) {
         return;
     }
@@ -60,8 +36,37 @@ void BootstrapConfigStore::readLine(const std::string& line) {
         }
         value += pieces[i];
     }
-    values->store(KyrCoreUtils::toWideString(KyrCoreUtils::trim(pieces.front())),
-                  KyrCoreUtils::toWideString(KyrCoreUtils::trim(value)));
+    overwriteValue(read[KyrCoreUtils::toWideString(KyrCoreUtils::trim(pieces.front()))],
+                   KyrCoreUtils::toWideString(KyrCoreUtils::trim(value)));
+}
+
+void readLines(std::istream& stream, ConfigMap& read) {
+    std::string line;
+    for (bool first = true; std::getline(stream, line); first = false) {
+        if (first && line.starts_with(byteOrderMark)) {
+            line.erase(0, byteOrderMark.size());
+        }
+        // The file may have been written with Windows line ends.
+        if (line.ends_with('\r')) {
+            line.pop_back();
+        }
+        readLine(line, read);
+    }
+}
+
+} // namespace
+
+BootstrapConfigStore::BootstrapConfigStore(const std::string& storeName, const std::string& path, int storePriority)
+    : priority(storePriority), values(std::make_unique<ConfigTable>()), filePath(path), name(storeName) {
+    std::fstream stream;
+    KyrCoreUtils::FstreamUtils::open(stream, filePath, KyrCoreUtils::StreamMode::Read);
+    if (!stream.is_open()) {
+        ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE, "File does not exist " + filePath);
+        return;
+    }
+    ConfigMap read;
+    readLines(stream, read);
+    values->replace(std::move(read));
 }
 
 BootstrapConfigStore::~BootstrapConfigStore() = default;
@@ -71,14 +76,18 @@ bool BootstrapConfigStore::getValue(const std::wstring& key, std::wstring& value
 }
 
 bool BootstrapConfigStore::lookUp(const FoldedKey& key, std::wstring& value) {
-    const auto* found = values->find(key);
-    const auto held = found == nullptr ? std::wstring() : KyrCoreUtils::trim(*found);
+    const auto found = values->find(key);
+    const auto held = KyrCoreUtils::trim(found.value_or(std::wstring_view()));
     value = zel::withFipsOverride(key.getText(), held); // last: key and value may be one string
-    return found != nullptr;
+    return found.has_value();
 }
 
 std::vector<std::wstring> BootstrapConfigStore::getKeys() {
     return values->getKeys();
+}
+
+KeyList BootstrapConfigStore::listKeys() {
+    return values->listKeys();
 }
 
 } // namespace ZelUnified

@@ -15,7 +15,7 @@ CacheConfigStore::CacheConfigStore(std::string storeName, int storePriority, std
     : XmlConfigStore(std::move(storeName), storePriority, true, true, std::move(file), false) {
     const zel::Mutex::ScopedLock lock(valuesLock);
     values->replace(contents);
-    XmlConfigParser::writeToFile(filePath, values->getMap());
+    XmlConfigParser::writeToFile(filePath, *values);
     wipeValues(contents);
     contents.clear();
 }
@@ -24,7 +24,7 @@ CacheConfigStore::~CacheConfigStore() = default;
 
 void CacheConfigStore::persistValues() {
     const zel::Mutex::ScopedLock lock(valuesLock);
-    XmlConfigParser::writeToFile(filePath, values->getMap());
+    XmlConfigParser::writeToFile(filePath, *values);
 }
 
 } // namespace ZelUnified

@@ -33,4 +33,8 @@ std::wstring ChainLink::getWideName() const {
     return indexed != nullptr ? indexedName : KyrCoreUtils::toWideString(store->getName());
 }
 
+KeyList ChainLink::listKeys() const {
+    return indexed != nullptr ? indexed->listKeys() : KeyList(store->getKeys());
+}
+
 } // namespace ZelUnified

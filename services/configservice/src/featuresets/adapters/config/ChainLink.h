@@ -1,6 +1,7 @@
 #pragma once
 
 #include "lookup/FoldedKey.h"
+#include "lookup/KeyList.h"
 
 #include <ConfigStore.h>
 
@@ -20,6 +21,9 @@ public:
     /// As ConfigStore::getValue(). Not for keys that view `value`.
     bool getValue(const FoldedKey& key, std::wstring& value) const;
     std::wstring getWideName() const;
+    KeyList listKeys() const;
+    /// Whether it is a store of this library, to which it makes no difference how often it is asked.
+    bool isIndexed() const noexcept { return indexed != nullptr; }
 
     ConfigStore* operator->() const noexcept { return store.get(); }
 

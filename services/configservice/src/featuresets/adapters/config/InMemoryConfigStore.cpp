@@ -24,7 +24,7 @@ bool InMemoryConfigStore::getValue(const std::wstring& key, std::wstring& value)
 
 bool InMemoryConfigStore::lookUp(const FoldedKey& key, std::wstring& value) {
     if (!values->mayHold(key)) {
-        return answerWith(nullptr, key, value);
+        return answerWith(std::nullopt, key, value);
     }
     const zel::Mutex::ScopedLock lock(valuesMutex);
     return answerWith(values->find(key), key, value);
@@ -39,6 +39,11 @@ bool InMemoryConfigStore::storeValue(const std::wstring& key, const std::wstring
 std::vector<std::wstring> InMemoryConfigStore::getKeys() {
     const zel::Mutex::ScopedLock lock(valuesMutex);
     return values->getKeys();
+}
+
+KeyList InMemoryConfigStore::listKeys() {
+    const zel::Mutex::ScopedLock lock(valuesMutex);
+    return values->listKeys();
 }
 
 bool InMemoryConfigStore::removeValue(const std::wstring& key) {

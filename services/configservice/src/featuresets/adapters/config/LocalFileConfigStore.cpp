@@ -1,4 +1,3 @@
-#include "ConfigMapKeys.h"
 #include "LocalFileConfigStoreLogger.h"
 #include "LocalFileDocument.h"
 #include "StoreAnswer.h"
@@ -113,7 +112,7 @@ bool LocalFileConfigStore::getValue(const std::wstring& key, std::wstring& value
 
 bool LocalFileConfigStore::lookUp(const FoldedKey& key, std::wstring& value) {
     if (!values->mayHold(key)) {
-        return answerWith(nullptr, key, value);
+        return answerWith(std::nullopt, key, value);
     }
     const zel::Mutex::ScopedLock lock(valuesMutex);
     return answerWith(values->find(key), key, value);
@@ -128,6 +127,11 @@ bool LocalFileConfigStore::storeValue(const std::wstring& key, const std::wstrin
 std::vector<std::wstring> LocalFileConfigStore::getKeys() {
     const zel::Mutex::ScopedLock lock(valuesMutex);
     return values->getKeys();
+}
+
+KeyList LocalFileConfigStore::listKeys() {
+    const zel::Mutex::ScopedLock lock(valuesMutex);
+    return values->listKeys();
 }
 
 bool LocalFileConfigStore::removeValue(const std::wstring& key) {
@@ -245,7 +249,7 @@ void LocalFileConfigStore::createConfigDirectory() {
 void LocalFileConfigStore::persistValues() {
     {
         const zel::Mutex::ScopedLock lock(valuesMutex);
-        if (lastPersistedValues->equals(values->getMap())) {
+        if (lastPersistedValues->equals(*values)) {
             if (ZelLog_isDebugEnabled(logger)) {
                 ZelLog(logger, ZelLogLevel::Debug, ZEL_HERE, "Same content has been saved.");
             }
@@ -275,7 +279,7 @@ void LocalFileConfigStore::persistValuesImpl(const std::string& target) {
         const zel::Mutex::ScopedLock lock(valuesMutex);
         getDataString(content);
         if (target == fileName) {
-            lastPersistedValues->bringUpToDate(values->getMap());
+            lastPersistedValues->bringUpToDate(*values);
         }
     }
     // The facility refuses empty content, which is what protects the file of a store that must not write.
@@ -299,7 +303,7 @@ void LocalFileConfigStore::getDataString(zel::SecureString& content) {
         return;
     }
     createConfigDirectory();
-    LocalFileDocument::write(values->getMap(), content);
+    LocalFileDocument::write(*values, content);
 }
 
 void LocalFileConfigStore::backupConfigFile() {

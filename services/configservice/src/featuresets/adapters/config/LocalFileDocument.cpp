@@ -3,6 +3,7 @@
 #include "LocalFileConfigStoreLogger.h"
 #include "XmlScrubber.h"
 #include "XmlWriter.h"
+#include "lookup/ConfigTable.h"
 #include "secure/SecureString.h"
 
 #include <kyr/StringUtils.h>
@@ -15,10 +16,10 @@ namespace {
 
 ZelLogger& logger = localFileConfigStoreLogger();
 
-void writeAttribute(XmlWriter& writer, const char* attribute, const std::wstring& text, const std::wstring& key) {
+void writeAttribute(XmlWriter& writer, const char* attribute, std::wstring_view text, std::wstring_view key) {
     if (!writer.writeAttribute(attribute, text)) {
         ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE,
-               L"Characters that XML can't carry are replaced in the entry of key: " + key);
+               L"Characters that XML can't carry are replaced in the entry of key: " + std::wstring(key));
     }
 }
 
@@ -85,13 +86,13 @@ std::wstring LocalFileDocument::migrateKey(const std::wstring& key) {
     return isOldName ? std::wstring(ConfigKeys::voicemailPrimaryServer) : key;
 }
 
-void LocalFileDocument::write(const ConfigMap& table, zel::SecureString& content) {
+void LocalFileDocument::write(ConfigTable& table, zel::SecureString& content) {
     XmlWriter writer;
     writer.startElement("Lumora");
-    for (const auto& [key, value] : table) {
+    for (const auto& entry : table.list()) {
         writer.startElement("userConfig");
-        writeAttribute(writer, "name", key, key);
-        writeAttribute(writer, "value", value, key);
+        writeAttribute(writer, "name", entry->getKey(), entry->getKey());
+        writeAttribute(writer, "value", entry->getValue(), entry->getKey());
         writer.endElement();
     }
     std::string text = writer.finish();

@@ -12,6 +12,8 @@ class SecureString;
 
 namespace ZelUnified {
 
+class ConfigTable;
+
 /// The document of a local file: "userConfig" elements, anywhere, with the attributes "name" and "value".
 class LocalFileDocument {
 public:
@@ -20,8 +22,8 @@ public:
 
     void read(const XmlDocument& document);
 
-    /// Makes the document of `table`.
-    static void write(const ConfigMap& table, zel::SecureString& content);
+    /// Makes the document of `table`, which may put that in order.
+    static void write(ConfigTable& table, zel::SecureString& content);
 
     /// The key under which `key` is kept: an old name gives way to its successor.
     static std::wstring migrateKey(const std::wstring& key);

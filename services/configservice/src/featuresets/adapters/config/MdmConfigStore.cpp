@@ -1,4 +1,3 @@
-#include "ConfigMapKeys.h"
 #include "StorePriorities.h"
 #include "XmlConfigParser.h"
 #include "lookup/ConfigTable.h"
@@ -36,15 +35,19 @@ bool MdmConfigStore::getValue(const std::wstring& key, std::wstring& value) {
 }
 
 bool MdmConfigStore::lookUp(const FoldedKey& key, std::wstring& value) {
-    const auto* found = values->find(key);
-    const auto held = found == nullptr ? std::wstring() : KyrCoreUtils::trim(*found);
+    const auto found = values->find(key);
+    const auto held = KyrCoreUtils::trim(found.value_or(std::wstring_view()));
     // Also on a miss: device management can't leave the answer open here.
     value = zel::withFipsOverride(key.getText(), held); // last: key and value may be one string
-    return found != nullptr;
+    return found.has_value();
 }
 
 std::vector<std::wstring> MdmConfigStore::getKeys() {
     return values->getKeys();
+}
+
+KeyList MdmConfigStore::listKeys() {
+    return values->listKeys();
 }
 
 std::string MdmConfigStore::getName() {

@@ -1,4 +1,3 @@
-#include "ConfigMapKeys.h"
 #include "FilePermissions.h"
 #include "RegistryKeyHandle.h"
 #include "RegistryTreeReader.h"
@@ -38,8 +37,8 @@ bool isPasswordLike(std::wstring_view key) {
 }
 
 /// What a log or a file may show.
-std::wstring shownValue(const std::wstring& key, const std::wstring& value) {
-    return isPasswordLike(key) ? std::wstring(ConfigKeys::valueHidden) : value;
+std::wstring_view shownValue(const ConfigEntry& entry) {
+    return isPasswordLike(entry.getKey()) ? ConfigKeys::valueHidden : entry.getValue();
 }
 
 /// Writes `text` into the buffer behind its first `length` characters, as much of it as has room.
@@ -88,6 +87,10 @@ std::vector<std::wstring> RegistryConfigStore::getKeys() {
     return values->getKeys();
 }
 
+KeyList RegistryConfigStore::listKeys() {
+    return values->listKeys();
+}
+
 bool RegistryConfigStore::removeValue(const std::wstring&) {
     return false;
 }
@@ -98,7 +101,7 @@ void RegistryConfigStore::markSensitiveKeys() const {
     if (!featureSet) {
         return;
     }
-    for (const auto& [key, value] : values->getMap()) {
+    for (const auto& key : values->getKeys()) {
         if (isPasswordLike(key)) {
             featureSet->setKeySensitive(key);
         }
@@ -106,12 +109,12 @@ void RegistryConfigStore::markSensitiveKeys() const {
 }
 
 void RegistryConfigStore::logConfigMap() const {
-    if (values->getMap().empty()) {
+    if (values->isEmpty()) {
         return;
     }
     std::wstring text;
-    for (const auto& [key, value] : values->getMap()) {
-        text.append(L"\n").append(key).append(L": ").append(shownValue(key, value));
+    for (const auto& entry : values->list()) {
+        text.append(L"\n").append(entry->getKey()).append(L": ").append(shownValue(*entry));
     }
     ZelLog(logger, ZelLogLevel::Info, ZEL_HERE, text);
 }
@@ -126,13 +129,13 @@ void RegistryConfigStore::writeTextCopy() const {
         FileUtils::removeFile(path);
     }
     std::fstream stream;
-    if (values->getMap().empty() || !KyrCoreUtils::FstreamUtils::open(stream, path, KyrCoreUtils::StreamMode::Write)) {
+    if (values->isEmpty() || !KyrCoreUtils::FstreamUtils::open(stream, path, KyrCoreUtils::StreamMode::Write)) {
         return;
     }
     // Policies are nobody else's business. The file is new and still empty.
     restrictToOwner(path);
-    for (const auto& [key, value] : values->getMap()) {
-        stream << KyrCoreUtils::toString(key) << ": " << KyrCoreUtils::toString(shownValue(key, value)) << '\n';
+    for (const auto& entry : values->list()) {
+        stream << KyrCoreUtils::toString(entry->getKey()) << ": " << KyrCoreUtils::toString(shownValue(*entry)) << '\n';
     }
 }
 

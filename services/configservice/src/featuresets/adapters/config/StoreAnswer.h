@@ -7,13 +7,15 @@
 
 #include <ConfigKeys.h>
 
+#include <optional>
 #include <string>
+#include <string_view>
 
 namespace ZelUnified {
 
-/// What a store says of a key for which it holds `found`, null when it holds nothing: a miss empties the value.
-inline bool answerWith(const std::wstring* found, const FoldedKey& key, std::wstring& value) {
-    if (found == nullptr) {
+/// What a store says of a key for which it holds `found`, if anything: a miss empties the value.
+inline bool answerWith(std::optional<std::wstring_view> found, const FoldedKey& key, std::wstring& value) {
+    if (!found) {
         value.clear();
         return false;
     }
@@ -22,10 +24,10 @@ inline bool answerWith(const std::wstring* found, const FoldedKey& key, std::wst
 }
 
 /// The same for sources whose word on the check of certificates is held and listed, but never given.
-inline bool answerUnlessWithheld(const std::wstring* found, const FoldedKey& key, std::wstring& value) {
-    const bool isWithheld = found != nullptr && KyrCoreUtils::caseInsensitiveStringEquals(
-                                                    key.getText(), ConfigKeys::certificateValidationEnabled);
-    return answerWith(isWithheld ? nullptr : found, key, value);
+inline bool answerUnlessWithheld(std::optional<std::wstring_view> found, const FoldedKey& key, std::wstring& value) {
+    const bool isWithheld =
+        found && KyrCoreUtils::caseInsensitiveStringEquals(key.getText(), ConfigKeys::certificateValidationEnabled);
+    return answerWith(isWithheld ? std::nullopt : found, key, value);
 }
 
 } // namespace ZelUnified

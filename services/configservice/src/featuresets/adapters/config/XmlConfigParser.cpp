@@ -6,6 +6,7 @@
 #include "XmlGuard.h"
 #include "XmlScrubber.h"
 #include "XmlWriter.h"
+#include "lookup/ConfigTable.h"
 #include "lookup/WipedValues.h"
 #include "secure/FipsValueOverride.h"
 #include "secure/SecureBuffer.h"
@@ -84,17 +85,18 @@ void reserveForOwner(const std::string& path) {
 }
 
 /// The document of a table; false when the library fails.
-bool build(const ConfigMap& values, std::string& xml) {
+bool build(ConfigTable& values, std::string& xml) {
     XmlWriter writer;
     if (!writer.isReady()) {
         return false;
     }
     writer.startElement("Lumora");
     writer.startElement("CachedConfig");
-    for (const auto& [key, value] : values) {
-        if (!writer.writeElement(KyrCoreUtils::toString(key), value)) {
+    for (const auto& entry : values.list()) {
+        if (!writer.writeElement(KyrCoreUtils::toString(entry->getKey()), entry->getValue())) {
             ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE,
-                   L"Characters that XML can't carry are replaced in the value of key: " + key);
+                   L"Characters that XML can't carry are replaced in the value of key: " +
+                       std::wstring(entry->getKey()));
         }
     }
     xml = writer.finish();
@@ -128,35 +130,45 @@ ConfigMap::value_type* insertKey(std::string_view name, ConfigMap& values) {
     return values.size() == known ? nullptr : &*entry;
 }
 
-void parsePlainElement(std::string_view name, std::string_view text, ConfigMap& values) {
-    if (ConfigMap::value_type* entry = insertKey(name, values)) {
-        entry->second = toWideString(KyrCoreUtils::trimmedView(text));
-        zel::applyFipsValueOverride(entry->first, entry->second);
+/// Puts plain elements into a table. Their texts pass through the same two strings, so that each costs no memory but
+/// its entry's.
+class PlainElementTaker {
+public:
+    explicit PlainElementTaker(ConfigTable& table) : values(table) {}
+    ~PlainElementTaker() { zel::SecureString::wipe(value); }
+    PlainElementTaker(const PlainElementTaker&) = delete;
+    PlainElementTaker& operator=(const PlainElementTaker&) = delete;
+
+    void take(std::string_view name, std::string_view text) {
+        toWideString(name, key);
+        toWideString(KyrCoreUtils::trimmedView(text), value);
+        values.load(FoldedKey(key), zel::withFipsOverride(key, value));
+        zel::SecureString::wipe(value);
     }
-}
+
+private:
+    ConfigTable& values;
+    std::wstring key;
+    std::wstring value;
+};
 
 /// Plain keys go into `values`, the document holds the rest. Without one the table stays empty.
-XmlDocument parseProtectedText(const zel::SecureString& content, ConfigMap& values) {
+XmlDocument parseProtectedText(const zel::SecureString& content, ConfigTable& values) {
     zel::SecureBuffer clear;
     content.decrypt(clear);
     std::string text(clear.getData(), clear.getLength());
-    const auto take = [&values](std::string_view name, std::string_view value) {
-        parsePlainElement(name, value, values);
-    };
-    const auto forget = [&] {
-        wipeValues(values);
-        values.clear();
-    };
+    PlainElementTaker taker(values);
     try {
-        XmlDocument document = XmlReader::parseDoc(text, take);
+        XmlDocument document =
+            XmlReader::parseDoc(text, [&](std::string_view name, std::string_view value) { taker.take(name, value); });
         zel::SecureString::wipe(text);
         if (!document) {
-            forget();
+            values.clear();
         }
         return document;
     } catch (...) {
         zel::SecureString::wipe(text);
-        forget();
+        values.clear();
         throw;
     }
 }
@@ -182,6 +194,16 @@ bool XmlConfigParser::readFromFile(const std::string& path, ConfigMap& values, C
 }
 
 bool XmlConfigParser::readFromEncryptedFile(const std::string& path, ConfigMap& values, ConfigKeySet& sensitiveKeys) {
+    values.clear();
+    ConfigTable table;
+    const bool isRead = readFromEncryptedFile(path, table, sensitiveKeys);
+    for (const auto& entry : table.list()) {
+        values.emplace_hint(values.end(), entry->getKey(), entry->getValue());
+    }
+    return isRead;
+}
+
+bool XmlConfigParser::readFromEncryptedFile(const std::string& path, ConfigTable& values, ConfigKeySet& sensitiveKeys) {
     const zel::StackWiper wiper;
     values.clear();
     zel::SecureString content;
@@ -194,10 +216,23 @@ bool XmlConfigParser::readFromEncryptedFile(const std::string& path, ConfigMap& 
         warnOfFile(L"XML in file did not exist or is an invalid XML document: ", path);
         return false;
     }
-    const bool parsed = parseXmlConfig(document, values, sensitiveKeys);
+    const bool parsed = addOtherKeys(document, values, sensitiveKeys);
     if (xmlNode* root = xmlDocGetRootElement(document.get())) {
         // What was protected on the disk does not linger in the tree, whatever its key.
         XmlScrubber(document).scrubElement(*root);
+    }
+    return parsed;
+}
+
+bool XmlConfigParser::addOtherKeys(const XmlDocument& document, ConfigTable& values, ConfigKeySet& sensitiveKeys) {
+    ConfigMap rest;
+    const ValuesWiper wiper(rest);
+    ConfigKeySet marked;
+    const bool parsed = parseXmlConfig(document, rest, marked);
+    for (const auto& [key, value] : rest) {
+        if (values.load(FoldedKey(key), value) && marked.contains(key)) {
+            sensitiveKeys.insert(key);
+        }
     }
     return parsed;
 }
@@ -222,6 +257,11 @@ bool XmlConfigParser::writeToFile(const std::string& path, const std::string& xm
 }
 
 bool XmlConfigParser::writeToFile(const std::string& path, const ConfigMap& values) {
+    ConfigTable table(values);
+    return writeToFile(path, table);
+}
+
+bool XmlConfigParser::writeToFile(const std::string& path, ConfigTable& values) {
     const zel::StackWiper wiper;
     ensureParentDirectory(path);
     std::string text;
@@ -236,7 +276,8 @@ bool XmlConfigParser::writeToFile(const std::string& path, const ConfigMap& valu
 }
 
 bool XmlConfigParser::writeToMemory(std::string& xml, const ConfigMap& values) {
-    return build(values, xml);
+    ConfigTable table(values);
+    return build(table, xml);
 }
 
 bool XmlConfigParser::parseXmlConfig(const XmlDocument& document, ConfigMap& values, ConfigKeySet& sensitiveKeys) {

@@ -9,6 +9,7 @@
 
 namespace ZelUnified {
 
+class ConfigTable;
 class XmlScrubber;
 
 /// Turns a document of root, groups and keys into a table, and a table into such a document. The elements of all groups
@@ -22,15 +23,19 @@ public:
     static bool readFromFile(const std::string& path, ConfigMap& values, ConfigKeySet& sensitiveKeys);
     /// A protected file.
     static bool readFromEncryptedFile(const std::string& path, ConfigMap& values, ConfigKeySet& sensitiveKeys);
+    static bool readFromEncryptedFile(const std::string& path, ConfigTable& values, ConfigKeySet& sensitiveKeys);
     static bool readFromMemory(const std::string& xml, ConfigMap& values, ConfigKeySet& sensitiveKeys);
 
     /// Saves the document as it is, unprotected. False when the text is not well-formed or can't be saved.
     static bool writeToFile(const std::string& path, const std::string& xml);
     /// Writes a protected file. A key that is no XML name makes it unreadable.
     static bool writeToFile(const std::string& path, const ConfigMap& values);
+    static bool writeToFile(const std::string& path, ConfigTable& values);
     static bool writeToMemory(std::string& xml, const ConfigMap& values);
 
 private:
+    /// Adds the keys that were not handed out as plain ones; those win.
+    static bool addOtherKeys(const XmlDocument& document, ConfigTable& values, ConfigKeySet& sensitiveKeys);
     static bool parseXmlConfig(const XmlDocument& document, ConfigMap& values, ConfigKeySet& sensitiveKeys);
     static void parseXmlGroup(XmlScrubber& scrubber, xmlNode& group, ConfigMap& values, ConfigKeySet& sensitiveKeys);
     static std::string extractStringFromXmlNode(XmlScrubber& scrubber, xmlNode& element);

@@ -1,4 +1,3 @@
-#include "ConfigMapKeys.h"
 #include "StoreAnswer.h"
 #include "XmlConfigParser.h"
 #include "lookup/ConfigTable.h"
@@ -20,9 +19,12 @@ XmlConfigStore::XmlConfigStore(std::string storeName, int storePriority, bool is
         return;
     }
     ConfigKeySet unused;
+    if (encrypted) {
+        XmlConfigParser::readFromEncryptedFile(filePath, *values, unused);
+        return;
+    }
     ConfigMap read;
-    encrypted ? XmlConfigParser::readFromEncryptedFile(filePath, read, unused)
-              : XmlConfigParser::readFromFile(filePath, read, unused);
+    XmlConfigParser::readFromFile(filePath, read, unused);
     values->replace(std::move(read));
 }
 
@@ -34,7 +36,7 @@ bool XmlConfigStore::getValue(const std::wstring& key, std::wstring& value) {
 
 bool XmlConfigStore::lookUp(const FoldedKey& key, std::wstring& value) {
     if (!values->mayHold(key)) {
-        return answerWith(nullptr, key, value);
+        return answerWith(std::nullopt, key, value);
     }
     const zel::Mutex::ScopedLock lock(valuesLock);
     return answerUnlessWithheld(values->find(key), key, value);
@@ -49,6 +51,11 @@ bool XmlConfigStore::storeValue(const std::wstring& key, const std::wstring& val
 std::vector<std::wstring> XmlConfigStore::getKeys() {
     const zel::Mutex::ScopedLock lock(valuesLock);
     return values->getKeys();
+}
+
+KeyList XmlConfigStore::listKeys() {
+    const zel::Mutex::ScopedLock lock(valuesLock);
+    return values->listKeys();
 }
 
 bool XmlConfigStore::removeValue(const std::wstring& key) {

@@ -105,7 +105,7 @@ void appendTo(std::string& document, const Pieces&... pieces) {
 }
 
 template <auto escape>
-bool isPlain(const std::wstring& text) {
+bool isPlain(std::wstring_view text) {
     const auto isPlainCode = [](auto code) { return code < asciiCount && plainCharacters<escape>[code]; };
     return std::all_of(text.begin(), text.end(), [&](wchar_t unit) {
         return isPlainCode(static_cast<std::make_unsigned_t<wchar_t>>(unit)); // it may be signed
@@ -128,7 +128,7 @@ void appendEscaped(std::string& document, std::string_view text) {
 
 /// False when a character was replaced.
 template <auto escape>
-bool appendText(std::string& document, const std::wstring& text) {
+bool appendText(std::string& document, std::wstring_view text) {
     if (isPlain<escape>(text)) {
         appendTo(document, text);
         return true;
@@ -182,7 +182,7 @@ void XmlWriter::endElement() {
     note(xmlTextWriterEndElement(writer.get()));
 }
 
-bool XmlWriter::writeElement(const std::string& name, const std::wstring& text) {
+bool XmlWriter::writeElement(const std::string& name, std::wstring_view text) {
     if (*name.c_str() == '\0') { // also a name that only begins so, which the library takes for none
         return true;
     }
@@ -194,7 +194,7 @@ bool XmlWriter::writeElement(const std::string& name, const std::wstring& text) 
 }
 
 /// The library keeps the tag open until the next element begins or this one ends.
-bool XmlWriter::writeAttribute(const std::string& name, const std::wstring& text) {
+bool XmlWriter::writeAttribute(const std::string& name, std::wstring_view text) {
     if (!flush()) {
         return true;
     }

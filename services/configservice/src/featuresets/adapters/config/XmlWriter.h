@@ -28,9 +28,9 @@ public:
     void endElement();
     /// An element with a text. Without a name it is left out. False when U+FFFD took the place of a character that XML
     /// can't carry.
-    bool writeElement(const std::string& name, const std::wstring& text);
+    bool writeElement(const std::string& name, std::wstring_view text);
     /// Right behind startElement() or another attribute. The result is as that of writeElement().
-    bool writeAttribute(const std::string& name, const std::wstring& text);
+    bool writeAttribute(const std::string& name, std::wstring_view text);
     /// Ends all that is open and gives the document, which is the caller's to wipe, or nothing when a part of it could
     /// not be written. Call once.
     std::string finish();

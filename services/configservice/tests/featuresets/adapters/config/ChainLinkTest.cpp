@@ -6,8 +6,10 @@
 #include <XmlConfigStore.h>
 #include <gtest/gtest.h>
 
+#include <initializer_list>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace ZelUnified {
 namespace {
@@ -21,6 +23,7 @@ public:
         value = L"my own " + key;
         return true;
     }
+    std::vector<std::wstring> getKeys() override { return {L"mine"}; }
 };
 
 std::wstring ask(const ChainLink& link, const std::wstring& key) {
@@ -47,6 +50,28 @@ TEST(ChainLink, AsksAStoreOfAnotherService) {
 
 TEST(ChainLink, LetsADerivedStoreAnswerInItsOwnWay) {
     EXPECT_EQ(ask(ChainLink(std::make_shared<BoastfulStore>()), L"Key"), L"my own Key");
+}
+
+TEST(ChainLink, ListsTheKeysAsTheStoreDoes) {
+    const auto own = std::make_shared<InMemoryConfigStore>("Own", 1);
+    own->storeValue(L"b", L"");
+    own->storeValue(L"A", L"");
+    const auto foreign = makeReadOnlyStore("Foreign", 1, {{L"A", L""}, {L"b", L""}});
+    for (const auto& store : std::initializer_list<std::shared_ptr<ConfigStore>>{own, foreign}) {
+        const KeyList keys = ChainLink(store).listKeys();
+        ASSERT_EQ(keys.size(), 2U);
+        EXPECT_EQ(keys[0], L"A");
+        EXPECT_EQ(keys[1], L"b");
+    }
+    const KeyList keys = ChainLink(std::make_shared<BoastfulStore>()).listKeys();
+    ASSERT_EQ(keys.size(), 1U);
+    EXPECT_EQ(keys[0], L"mine");
+}
+
+TEST(ChainLink, KnowsTheStoresOfTheLibrary) {
+    EXPECT_TRUE(ChainLink(std::make_shared<InMemoryConfigStore>("Own", 1)).isIndexed());
+    EXPECT_FALSE(ChainLink(makeReadOnlyStore("Foreign", 1)).isIndexed());
+    EXPECT_FALSE(ChainLink(std::make_shared<BoastfulStore>()).isIndexed());
 }
 
 } // namespace

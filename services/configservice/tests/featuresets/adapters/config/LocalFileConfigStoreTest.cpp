@@ -2,6 +2,7 @@
 #include "LocalFileTestSupport.h"
 #include "XmlTestSupport.h"
 #include "featuresets/adapters/config/LocalFileDocument.h"
+#include "lookup/ConfigTable.h"
 #include "secure/SecureString.h"
 
 #include <zel/ZelLog.h>
@@ -72,7 +73,8 @@ INSTANTIATE_TEST_SUITE_P(
         "Defaults",
         [](const testing_host::TemporaryProfile& profile, const ConfigMap& values) -> std::shared_ptr<ConfigStore> {
             zel::SecureString content;
-            LocalFileDocument::write(values, content);
+            ZelUnified::ConfigTable table(values);
+            LocalFileDocument::write(table, content);
             content.withClearText(
                 [&](std::string_view text) { testing_host::writeFile(profile.resources() / "d.xml", text); });
             return std::make_shared<LocalFileConfigStore>("d.xml", std::numeric_limits<int>::max(),

@@ -2,6 +2,7 @@
 
 #include "LocalFileTestSupport.h"
 #include "XmlTestSupport.h"
+#include "lookup/ConfigTable.h"
 #include "secure/SecureBuffer.h"
 #include "secure/SecureString.h"
 
@@ -18,6 +19,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pair;
 using ZelUnified::ConfigMap;
+using ZelUnified::ConfigTable;
 using ZelUnified::LocalFileDocument;
 using ZelUnified::XmlReader;
 
@@ -34,7 +36,8 @@ ConfigMap read(const std::string& xml, const std::string& store = "LocalFileConf
 
 std::string write(const ConfigMap& values) {
     zel::SecureString content;
-    LocalFileDocument::write(values, content);
+    ConfigTable table(values);
+    LocalFileDocument::write(table, content);
     zel::SecureBuffer clear;
     content.decrypt(clear);
     return {clear.getData(), clear.getLength()};
@@ -120,7 +123,8 @@ TEST(LocalFileDocument, LeavesTheTextAloneWithoutMemory) {
     zel::SecureString content("left over");
     for (const std::size_t limit : {0U, 500U}) { // nothing at all, no writer
         const xml_test::XmlMemoryLimit memory(limit);
-        LocalFileDocument::write({{L"k", std::wstring(500'000, L'x')}}, content);
+        ConfigTable table({{L"k", std::wstring(500'000, L'x')}});
+        LocalFileDocument::write(table, content);
     }
     std::string text;
     content.withClearText([&](std::string_view clear) { text = clear; });

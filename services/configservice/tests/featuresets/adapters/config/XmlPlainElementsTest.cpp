@@ -5,12 +5,15 @@
 #include "secure/SecureString.h"
 
 #include <zel/EncryptFileUtils.h>
+#include <zel/FipsUtils.h>
 
 #include <TemporaryProfile.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <new>
+#include <optional>
+#include <random>
 #include <string>
 #include <utility>
 #include <vector>
@@ -104,6 +107,17 @@ TEST(XmlPlainElements, AreNotSoughtInADocumentWithDeclarations) {
     EXPECT_THAT(namesInTree(parsed.document), ElementsAre("k", "l"));
 }
 
+TEST(XmlPlainElements, WinOverALaterElementOfTheirKeyAndItsMark) {
+    const auto tables = readBothWays("<r><g><k>plain</k><l sensitive='true'>marked</l>"
+                                     "<K sensitive='true'>late</K></g></r>");
+    for (const auto& values : {tables.fromProtected, tables.fromMemory}) {
+        EXPECT_THAT(values, ElementsAre(Pair(L"k", L"plain"), Pair(L"l", L"marked")));
+    }
+    for (const auto& marks : {tables.protectedMarks, tables.memoryMarks}) {
+        EXPECT_THAT(marks, ElementsAre(L"l"));
+    }
+}
+
 TEST(XmlPlainElements, LeaveLongTextsToTheTree) {
     const std::string longText(100'000, 'x');
     const auto parsed = parse("<r><g><k>1</k><l>" + longText + "</l></g></r>");
@@ -155,5 +169,38 @@ TEST(XmlPlainElements, ChangeNothingOfWhatADocumentSays) {
         EXPECT_TRUE(tables.memoryRead) << document;
         EXPECT_EQ(tables.fromProtected, tables.fromMemory) << document;
         EXPECT_EQ(tables.protectedMarks, tables.memoryMarks) << document;
+    }
+}
+
+TEST(XmlPlainElements, ChangeNothingOfWhatDocumentsOfManyElementsSay) {
+    std::mt19937 chance(5); // NOLINT(cert-msc32-c,cert-msc51-cpp): the same documents in each run
+    const std::vector<std::string> names{"k", "K", "l", "Telephony_P2P_Enabled", "\xC3\x84", "\xC3\xA4", "password"};
+    const std::vector<std::string> marks{"", "", "", "", "", " sensitive='true'", " SENSITIVE='no'", " xmlns='u'"};
+    const std::vector<std::string> texts{"",
+                                         "1",
+                                         " two ",
+                                         "\xC3\xA9t\xC3\xA9",
+                                         "&lt;&#9;",
+                                         std::string(100, 'x'),
+                                         "3",
+                                         "true",
+                                         "<![CDATA[c]]>",
+                                         "a<b/>",
+                                         "<!--n-->"};
+    const auto oneOf = [&chance](const auto& all) { return all[chance() % all.size()]; };
+    for (int round = 0; round < 200; ++round) {
+        std::string document = "<a><g>";
+        for (auto i = chance() % 12; i > 0; --i) {
+            const auto name = oneOf(names);
+            document += "<" + name + oneOf(marks) + ">" + oneOf(texts) + "</" + name + ">";
+            document += chance() % 5 == 0 ? "</g><g>" : "";
+        }
+        document += "</g></a>";
+        zel::common::FipsUtils::overrideFipsMode(chance() % 2 == 0);
+        const Tables tables = readBothWays(document);
+        zel::common::FipsUtils::overrideFipsMode(std::nullopt);
+        ASSERT_TRUE(tables.memoryRead && tables.protectedRead) << document;
+        ASSERT_EQ(tables.fromProtected, tables.fromMemory) << document;
+        ASSERT_EQ(tables.protectedMarks, tables.memoryMarks) << document;
     }
 }
