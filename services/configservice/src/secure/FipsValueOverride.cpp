@@ -11,21 +11,21 @@ namespace {
 
 constexpr std::wstring_view overridden = L"false";
 
-bool isOverridden(std::wstring_view key) {
+} // namespace
+
+bool hasFipsOverride(std::wstring_view key) {
     return common::FipsUtils::isFipsEnabled() &&
            KyrCoreUtils::caseInsensitiveStringEquals(key, ZelUnified::ConfigKeys::telephonyP2PEnabled);
 }
 
-} // namespace
-
 void applyFipsValueOverride(std::wstring_view key, std::wstring& value) {
-    if (isOverridden(key)) {
+    if (hasFipsOverride(key)) {
         value = overridden;
     }
 }
 
 std::wstring_view withFipsOverride(std::wstring_view key, std::wstring_view held) {
-    return isOverridden(key) ? overridden : held;
+    return hasFipsOverride(key) ? overridden : held;
 }
 
 } // namespace zel

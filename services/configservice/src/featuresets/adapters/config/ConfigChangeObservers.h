@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ConfigChange.h"
 #include "secure/RankedMutex.h"
 
 #include <ConfigStoreManager_Observer.h>
@@ -9,19 +10,6 @@
 #include <string>
 
 namespace ZelUnified {
-
-/// What is now true of a key, as observers are told.
-struct ConfigChange {
-    /// Zeroes the values: they may be secrets.
-    ~ConfigChange();
-
-    std::wstring value;
-    std::wstring originalValue;
-    bool isOverridden = false;
-    bool isDefined = false;
-    std::wstring valueStoreName;
-    std::wstring originalValueStoreName;
-};
 
 /// The manager's observers: plain pointers that outlive it. They are called on the caller's thread with the lock held;
 /// it is recursive because what they do may lead back here.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ConfigChange.h"
 #include "KeyAliases.h"
 #include "StoreChain.h"
 
@@ -31,6 +32,11 @@ public:
     /// holds the key stands ahead of the first read-only one with a value.
     bool getOriginalValue(const FoldedKey& key, std::wstring& originalValue, std::wstring& originalValueStoreName,
                           bool& fromLegacyKey) const;
+
+    /// getValue() and getOriginalValue() in one walk, and whether the one overrides the other. `change` comes empty.
+    /// False, and nothing read, where one walk could tell something else: the key has another name, FIPS mode overrides
+    /// it, or a store of another service must be asked as often as before.
+    bool readInOneWalk(const FoldedKey& key, ConfigChange& change) const;
 
 private:
     bool findOriginalValue(const FoldedKey& key, std::wstring& originalValue, std::wstring& originalValueStoreName,

@@ -172,17 +172,22 @@ ConfigMap ConfigStoreManager::getKeyAliases() const {
 
 void ConfigStoreManager::refreshStoreKeys(const std::shared_ptr<ConfigStore>& store) {
     if (store) {
-        refreshKeys(store->getKeys());
+        refreshKeys(ChainLink(store).listKeys());
     }
 }
 
-void ConfigStoreManager::refreshKeys(const std::vector<std::wstring>& keys) {
-    for (const auto& key : keys) {
-        fireConfigChange(key, true);
+void ConfigStoreManager::refreshKeys(const KeyList& keys) {
+    std::wstring key;
+    std::vector<const std::wstring*> newNames;
+    newNames.reserve(keys.size());
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+        key = keys[i];
+        newNames.push_back(fireConfigChange(key, true));
     }
-    for (const auto& key : keys) {
-        const auto* newName = keyAliases.lookupKeyAlias(key);
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+        const auto* const newName = newNames[i];
         if (newName == nullptr) {
+            key = keys[i];
             observers.notifyFireIfRequired(key);
         } else if (!isHeld(*newName)) {
             observers.notifyFireIfRequired(*newName);
@@ -190,23 +195,29 @@ void ConfigStoreManager::refreshKeys(const std::vector<std::wstring>& keys) {
     }
 }
 
-void ConfigStoreManager::fireConfigChange(const std::wstring& key, bool deferFire) {
+const std::wstring* ConfigStoreManager::fireConfigChange(const std::wstring& key, bool deferFire) {
     const std::lock_guard lock(chainLock);
     const FoldedKey folded(key);
     auto change = readConfigChange(folded);
     const auto* newName = keyAliases.lookupKeyAlias(folded);
     if (newName == nullptr) {
         observers.notifyConfigAddedOrUpdated(key, std::move(change), deferFire);
-        return;
+        return nullptr;
     }
     // A new name that some store holds speaks for itself.
     if (!isHeld(*newName)) {
         observers.notifyConfigAddedOrUpdated(*newName, std::move(change), deferFire);
     }
+    return newName;
 }
 
 ConfigChange ConfigStoreManager::readConfigChange(const FoldedKey& key) const {
     ConfigChange change;
+    if (lookup.readInOneWalk(key, change)) {
+        logLookup(key, change.value, change.isDefined, change.valueStoreName, ConfigLookup::FoundUnder::AskedName,
+                  false);
+        return change;
+    }
     bool valueFromLegacyKey = false;
     bool originalFromLegacyKey = false;
     change.isDefined = getValue(key, change.value, &change.valueStoreName, valueFromLegacyKey, false, "");

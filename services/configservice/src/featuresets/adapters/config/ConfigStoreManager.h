@@ -110,15 +110,20 @@ private:
     void persistLater(const std::shared_ptr<ConfigStore>& store) const;
 
     void refreshStoreKeys(const std::shared_ptr<ConfigStore>& store);
-    void refreshKeys(const std::vector<std::wstring>& keys);
+    void refreshKeys(const KeyList& keys);
     /// Works out what is now true of the key and tells the observers: the only source of onConfigAddedOrUpdated().
-    void fireConfigChange(const std::wstring& key, bool deferFire);
+    /// The result is the key's new name if it is an old one, else null.
+    const std::wstring* fireConfigChange(const std::wstring& key, bool deferFire);
     ConfigChange readConfigChange(const FoldedKey& key) const;
     /// Whether any store holds the key under exactly this name.
     bool isHeld(const std::wstring& key) const;
     /// As the public ones. The store's name is asked for only where `configStoreName` is not null.
     bool getValue(const FoldedKey& key, std::wstring& value, std::wstring* configStoreName, bool& valueFromLegacyKey,
                   bool skipLocal, const std::string& storeFilter) const;
+
+    /// Logs what a lookup ended with.
+    void logLookup(const FoldedKey& key, std::wstring_view value, bool found, std::wstring_view storeName,
+                   ConfigLookup::FoundUnder foundUnder, bool skipLocal) const;
 
     mutable ChainLock chainLock; ///< Recursive: updates go through addStore(), callbacks read the chain.
     StoreChain configStores;     ///< Changed under `chainLock`. No two stores of one name.

@@ -78,21 +78,30 @@ bool ConfigStoreManager::getValue(const FoldedKey& key, std::wstring& value, std
     std::wstring storeName = configStoreName == nullptr ? std::wstring() : *configStoreName;
     std::wstring* const wantedName = configStoreName != nullptr || isLogged ? &storeName : nullptr;
     const bool found = lookup.getValue(key, answer, wantedName, valueFromLegacyKey, skipLocal, storeFilter, foundUnder);
-    std::wstring masked;
-    const auto shown =
-        withoutPersonalData(sensitiveKeys.contains(key) ? ConfigKeys::valueHidden : std::wstring_view(answer), masked);
-    if (isLogged) {
-        std::wostringstream text;
-        text << L"key : [" << key.getText() << L"] " << describeRenaming(foundUnder, keyAliases, key)
-             << L"skipLocal : [" << skipLocal << L"]  value: [" << shown << L"] success: ["
-             << (found ? L"true" : L"false") << L"] configStoreName: [" << storeName << L"]";
-        ZelLog(configStoreManagerLogger(), ZelLogLevel::Debug, ZEL_HERE, text.str());
-    }
+    logLookup(key, answer, found, storeName, foundUnder, skipLocal);
     value = std::move(answer);
     if (configStoreName != nullptr) {
         *configStoreName = std::move(storeName);
     }
     return found;
+}
+
+void ConfigStoreManager::logLookup(const FoldedKey& key, std::wstring_view value, bool found,
+                                   std::wstring_view storeName, ConfigLookup::FoundUnder foundUnder,
+                                   bool skipLocal) const {
+    // Masked before it is asked whether anybody logs, so that a log changes nothing but itself.
+    std::wstring masked;
+    const auto shown = withoutPersonalData(sensitiveKeys.contains(key) ? ConfigKeys::valueHidden : value, masked);
+    if (!ZelLog_isDebugEnabled(configStoreManagerLogger())) {
+        return;
+    }
+    std::wostringstream text;
+    text << L"key : [" << key.getText() << L"] " << describeRenaming(foundUnder, keyAliases, key) << L"skipLocal : ["
+         << skipLocal << L"]  value: [" << shown << L"] success: [" << (found ? L"true" : L"false")
+         << L"] configStoreName: [" << storeName << L"]";
+    // Under the name of the operation, whichever walk ends here.
+    ZelLog(configStoreManagerLogger(), ZelLogLevel::Debug, __FILE__, __LINE__,
+           "ZelUnified::ConfigStoreManager::getValue", text.str());
 }
 
 bool ConfigStoreManager::getValue(const std::wstring& key, std::wstring& value, std::wstring& configStoreName,
