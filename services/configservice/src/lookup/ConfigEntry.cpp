@@ -1,5 +1,7 @@
 #include "ConfigEntry.h"
 
+#include "EntryBlocks.h"
+
 #include <openssl/crypto.h>
 
 #include <limits>
@@ -21,10 +23,9 @@ ConfigEntry::Owner ConfigEntry::make(std::wstring_view key, std::wstring_view va
     return Owner(new (memory) ConfigEntry(key, value, true));
 }
 
-ConfigEntry::Owner ConfigEntry::make(std::wstring_view key, std::wstring_view value,
-                                     std::pmr::memory_resource& memory) {
-    void* const block = memory.allocate(sizeOf(key, value), alignof(ConfigEntry));
-    return Owner(new (block) ConfigEntry(key, value, false));
+ConfigEntry::Owner ConfigEntry::make(std::wstring_view key, std::wstring_view value, EntryBlocks& blocks) {
+    void* const memory = blocks.allocate(sizeOf(key, value));
+    return Owner(new (memory) ConfigEntry(key, value, false));
 }
 
 void ConfigEntry::Deleter::operator()(ConfigEntry* entry) const noexcept {

@@ -3,11 +3,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <memory_resource>
 #include <string>
 #include <string_view>
 
 namespace ZelUnified {
+
+class EntryBlocks;
 
 /// A key and its value in one block of memory: a table of them costs an allocation for each, and whoever finds a key
 /// has its value at hand. A value that outgrows its room moves to memory of its own. Zeroes each value that goes.
@@ -19,8 +20,8 @@ public:
     using Owner = std::unique_ptr<ConfigEntry, Deleter>;
 
     static Owner make(std::wstring_view key, std::wstring_view value);
-    /// In memory that is the resource's to take back when the entry is gone.
-    static Owner make(std::wstring_view key, std::wstring_view value, std::pmr::memory_resource& memory);
+    /// In the blocks, which must outlive it.
+    static Owner make(std::wstring_view key, std::wstring_view value, EntryBlocks& blocks);
     ConfigEntry(const ConfigEntry&) = delete;
     ConfigEntry& operator=(const ConfigEntry&) = delete;
 

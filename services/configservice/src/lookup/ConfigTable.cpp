@@ -12,12 +12,6 @@ bool isBefore(const ConfigEntry::Owner& a, const ConfigEntry::Owner& b) {
     return caseInsensitiveMapComparator()(a->getKey(), b->getKey());
 }
 
-/// The first block has room for some dozen entries, each later one for more.
-std::unique_ptr<std::pmr::monotonic_buffer_resource> makeBlocks() {
-    constexpr std::size_t firstBlock = std::size_t{4} * 1024;
-    return std::make_unique<std::pmr::monotonic_buffer_resource>(firstBlock);
-}
-
 } // namespace
 
 ConfigTable::ConfigTable(ConfigMap values) {
@@ -37,10 +31,7 @@ bool ConfigTable::load(const FoldedKey& key, std::wstring_view value) {
     if (index.find(key) != nullptr) {
         return false;
     }
-    if (!blocks) {
-        blocks = makeBlocks();
-    }
-    insert(key, ConfigEntry::make(key.getFolded(), value, *blocks));
+    insert(key, ConfigEntry::make(key.getFolded(), value, blocks));
     return true;
 }
 
@@ -75,25 +66,25 @@ bool ConfigTable::remove(const std::wstring& key) {
 void ConfigTable::clear() noexcept {
     index.clear();
     entries.clear();
-    blocks.reset();
+    blocks = {};
     ordered = 0;
 }
 
 void ConfigTable::replace(ConfigMap values) {
     const ValuesWiper wiper(values);
     reserveFilter(values.size()); // while the index still knows what is held
-    auto nextBlocks = makeBlocks();
+    EntryBlocks nextBlocks;
     std::vector<ConfigEntry::Owner> next;
     KeyIndex<ConfigEntry, KeyOfConfigEntry> nextIndex;
     next.reserve(values.size());
     nextIndex.reserve(values.size());
     for (auto& [key, value] : values) {
         const FoldedKey folded(key);
-        next.push_back(ConfigEntry::make(key, value, *nextBlocks));
+        next.push_back(ConfigEntry::make(key, value, nextBlocks));
         filter.add(folded);
         nextIndex.insert(folded, *next.back());
     }
-    blocks.swap(nextBlocks);
+    std::swap(blocks, nextBlocks);
     entries.swap(next);
     index.swap(nextIndex);
     ordered = entries.size();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ConfigEntry.h"
+#include "EntryBlocks.h"
 #include "FoldedKey.h"
 #include "KeyFilter.h"
 #include "KeyIndex.h"
@@ -9,8 +10,6 @@
 #include <ConfigMap.h>
 
 #include <cstddef>
-#include <memory>
-#include <memory_resource>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -62,7 +61,7 @@ private:
     void reserveFilter(std::size_t keys);
 
     /// Of entries that came together. What a removed one took stays until the table is cleared or replaced.
-    std::unique_ptr<std::pmr::monotonic_buffer_resource> blocks;
+    EntryBlocks blocks;
     std::vector<ConfigEntry::Owner> entries;
     std::size_t ordered = 0; ///< So many of the first entries stand in order.
     KeyIndex<ConfigEntry, KeyOfConfigEntry> index;
