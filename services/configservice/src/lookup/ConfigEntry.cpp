@@ -66,7 +66,7 @@ void ConfigEntry::setValue(std::wstring_view next) {
         Characters::move(valueText(), next.data(), length);
         wipeValueFrom(length);
     } else {
-        auto larger = std::make_unique<wchar_t[]>(length);
+        auto larger = std::make_unique_for_overwrite<wchar_t[]>(length);
         Characters::copy(larger.get(), next.data(), length);
         wipeValueFrom(0);
         outgrown = std::move(larger);

@@ -20,7 +20,7 @@ void* EntryBlocks::allocate(std::size_t bytes) {
     if (bytes > freeBytes) {
         const std::size_t usual = std::min(firstBlock << std::min<std::size_t>(blocks.size(), 8), largestBlock);
         const std::size_t size = std::max(bytes, usual);
-        blocks.push_back(std::make_unique<std::byte[]>(size));
+        blocks.push_back(std::make_unique_for_overwrite<std::byte[]>(size));
         free = blocks.back().get();
         freeBytes = size;
     }
