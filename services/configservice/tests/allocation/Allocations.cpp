@@ -52,7 +52,8 @@ void* allocate(std::size_t size) {
     if (head == nullptr) {
         throw std::bad_alloc();
     }
-    return new (head) Head{size} + 1;
+    auto* const begun = new (head) Head{size};
+    return begun + 1;
 }
 
 bool isIn(const void* place, const void* block, std::size_t size) noexcept {
