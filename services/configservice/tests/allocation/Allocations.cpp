@@ -48,12 +48,12 @@ bool isShort() noexcept {
 }
 
 void* allocate(std::size_t size) {
-    auto* const head = isShort() ? nullptr : std::malloc(sizeof(Head) + size);
+    auto* const head = isShort() ? nullptr : static_cast<Head*>(std::malloc(sizeof(Head) + size));
     if (head == nullptr) {
         throw std::bad_alloc();
     }
-    auto* const begun = new (head) Head{size};
-    return begun + 1;
+    head->size = size;
+    return head + 1;
 }
 
 bool isIn(const void* place, const void* block, std::size_t size) noexcept {

@@ -12,7 +12,7 @@ namespace ZelUnified {
 namespace {
 
 TEST(EntryBlocks, GiveEachItsOwnAlignedMemory) {
-    EntryBlocks blocks;
+    EntryBlocks blocks{};
     std::vector<std::pair<unsigned char*, std::size_t>> given;
     for (std::size_t i = 0; i < 2000; ++i) {
         const std::size_t bytes = i % 100 == 99 ? 50'000 : 1 + i * 7 % 300;
