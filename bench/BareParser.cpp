@@ -1,7 +1,7 @@
 #include "BareParser.h"
 
 #include "RowSuite.h"
-#include "featuresets/adapters/config/XmlConfigParser.h"
+#include "featuresets/adapters/config/xml/XmlConfigParser.h"
 
 #include <libxml/parser.h>
 

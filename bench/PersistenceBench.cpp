@@ -4,7 +4,7 @@
 #include "BareDurableFile.h"
 #include "RowSuite.h"
 #include "SyntheticKeys.h"
-#include "featuresets/adapters/config/LocalFileDocument.h"
+#include "featuresets/adapters/config/stores/LocalFileDocument.h"
 #include "lookup/ConfigTable.h"
 #include "secure/SecureString.h"
 

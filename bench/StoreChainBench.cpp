@@ -2,7 +2,7 @@
 // ordered map and one hash map of all keys, both blind to case as the chain is.
 #include "MarkdownReporter.h"
 #include "SyntheticKeys.h"
-#include "featuresets/adapters/config/ConfigStoreManager.h"
+#include "featuresets/adapters/config/chain/ConfigStoreManager.h"
 
 #include <ConfigMap.h>
 #include <InMemoryConfigStore.h>

@@ -1,6 +1,6 @@
 // The record of cached stores survives being read and written, and taking a store out of it makes it shorter.
 #include "Require.h"
-#include "featuresets/adapters/config/CachedStoreRecord.h"
+#include "featuresets/adapters/config/cache/CachedStoreRecord.h"
 
 #include <kyr/StringUtils.h>
 

@@ -1,6 +1,6 @@
 // A provisioning link gives trimmed, undecoded pairs of known keys, the same ones when they are put in a link again.
 #include "Require.h"
-#include "featuresets/adapters/config/UrlProvisioningData.h"
+#include "featuresets/adapters/config/chain/UrlProvisioningData.h"
 
 #include <kyr/StringUtils.h>
 

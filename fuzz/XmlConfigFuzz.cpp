@@ -1,7 +1,7 @@
 // A document gives the same table from memory, from a plain file and from a protected one, and the table survives its
 // own document.
 #include "Require.h"
-#include "featuresets/adapters/config/XmlConfigParser.h"
+#include "featuresets/adapters/config/xml/XmlConfigParser.h"
 #include "model/UnsyncedFiles.h"
 #include "secure/SecureString.h"
 

@@ -1,5 +1,5 @@
 #include "Allocations.h"
-#include "featuresets/adapters/config/SensitiveKeys.h"
+#include "featuresets/adapters/config/chain/SensitiveKeys.h"
 #include "lookup/ConfigTable.h"
 #include "services/impl/ServiceFixture.h"
 

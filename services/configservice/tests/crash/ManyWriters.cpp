@@ -1,9 +1,9 @@
 #include "ManyWriters.h"
 
 #include "Report.h"
-#include "featuresets/adapters/config/CachedConfigFiles.h"
 #include "featuresets/adapters/config/ConfigAdapter.h"
 #include "featuresets/adapters/config/FakeConfigStore.h"
+#include "featuresets/adapters/config/chain/CachedConfigFiles.h"
 #include "services/impl/InjectConfigService.h"
 
 #include <kyr/FileUtils.h>

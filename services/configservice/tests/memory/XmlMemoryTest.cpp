@@ -1,7 +1,7 @@
 #include "XmlFreedBlocks.h"
-#include "featuresets/adapters/config/XmlConfigParser.h"
-#include "featuresets/adapters/config/XmlReader.h"
-#include "featuresets/adapters/config/XmlWriter.h"
+#include "featuresets/adapters/config/xml/XmlConfigParser.h"
+#include "featuresets/adapters/config/xml/XmlReader.h"
+#include "featuresets/adapters/config/xml/XmlWriter.h"
 
 #include <kyr/StringUtils.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Chain.h"
-#include "featuresets/adapters/config/ConfigStoreManager.h"
+#include "featuresets/adapters/config/chain/ConfigStoreManager.h"
 
 #include <ConfigStoreManager_Observer.h>
 #include <LogRecorder.h>

@@ -1,6 +1,6 @@
 #include "secure/LockOrder.h"
 
-#include "featuresets/adapters/config/ConfigStoreManager.h"
+#include "featuresets/adapters/config/chain/ConfigStoreManager.h"
 
 #include <ConfigStoreManager_Observer.h>
 #include <RecordingFactory.h>

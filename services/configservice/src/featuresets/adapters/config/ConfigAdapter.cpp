@@ -1,9 +1,9 @@
 #include "ConfigAdapter.h"
 
-#include "ConfigAdapterLogger.h"
-#include "ConfigChangeObservers.h"
 #include "ConfigDirectoryReset.h"
-#include "StorePriorities.h"
+#include "featuresets/adapters/config/cache/ConfigAdapterLogger.h"
+#include "featuresets/adapters/config/chain/ConfigChangeObservers.h"
+#include "featuresets/adapters/config/stores/StorePriorities.h"
 #include "services/impl/ConfigFileCacheTimer.h"
 #include "services/impl/ConfigServiceImpl.h"
 

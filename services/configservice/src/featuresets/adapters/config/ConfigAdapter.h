@@ -1,8 +1,8 @@
 #pragma once
 
-#include "CachedStores.h"
-#include "ConfigStoreManager.h"
 #include "EnabledServices.h"
+#include "featuresets/adapters/config/cache/CachedStores.h"
+#include "featuresets/adapters/config/chain/ConfigStoreManager.h"
 #include "secure/RankedMutex.h"
 
 #include <unified/FeatureSetAdapter.h>

@@ -1,10 +1,10 @@
 // The adapter as other services see it: the ConfigFeatureSet face, sensitive keys and policy. Lifecycle, reset and
 // notifications stand in ConfigAdapter.cpp.
 
-#include "CachedConfigFiles.h"
 #include "ConfigAdapter.h"
-#include "ConfigAdapterLogger.h"
 #include "StoreNamePredicates.h"
+#include "featuresets/adapters/config/cache/ConfigAdapterLogger.h"
+#include "featuresets/adapters/config/chain/CachedConfigFiles.h"
 
 #include <kyr/StringUtils.h>
 

@@ -1,6 +1,6 @@
 #include "ConfigDirectoryReset.h"
 
-#include "ConfigAdapterLogger.h"
+#include "featuresets/adapters/config/cache/ConfigAdapterLogger.h"
 
 #include <kyr/FileUtils.h>
 #include <kyr/StringUtils.h>

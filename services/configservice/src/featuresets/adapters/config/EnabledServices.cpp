@@ -1,8 +1,8 @@
 #include "EnabledServices.h"
 
-#include "CachedConfigFiles.h"
-#include "ConfigAdapterLogger.h"
 #include "StoreNamePredicates.h"
+#include "featuresets/adapters/config/cache/ConfigAdapterLogger.h"
+#include "featuresets/adapters/config/chain/CachedConfigFiles.h"
 
 #include <kyr/FileUtils.h>
 #include <kyr/StringUtils.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ConfigStoreManager.h"
+#include "featuresets/adapters/config/chain/ConfigStoreManager.h"
 
 #include <memory>
 #include <string>

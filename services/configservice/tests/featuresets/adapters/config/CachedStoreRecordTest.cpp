@@ -1,4 +1,4 @@
-#include "featuresets/adapters/config/CachedStoreRecord.h"
+#include "featuresets/adapters/config/cache/CachedStoreRecord.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "featuresets/adapters/config/ChainLink.h"
+#include "featuresets/adapters/config/chain/ChainLink.h"
 
 #include "FakeConfigStore.h"
 

@@ -1,5 +1,5 @@
 #include "ConfigAdapterFixture.h"
-#include "featuresets/adapters/config/CachedStoreRecord.h"
+#include "featuresets/adapters/config/cache/CachedStoreRecord.h"
 
 namespace ZelUnified {
 

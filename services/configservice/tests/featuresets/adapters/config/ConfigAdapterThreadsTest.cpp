@@ -1,5 +1,5 @@
 #include "FakeConfigStore.h"
-#include "featuresets/adapters/config/CachedStoreRecord.h"
+#include "featuresets/adapters/config/cache/CachedStoreRecord.h"
 #include "services/impl/InjectConfigService.h"
 
 #include <kyr/FunctionTask.h>

@@ -2,7 +2,7 @@
 
 #include "FakeConfigStore.h"
 #include "RecordingObserver.h"
-#include "featuresets/adapters/config/ConfigStoreManager.h"
+#include "featuresets/adapters/config/chain/ConfigStoreManager.h"
 
 #include <LogRecorder.h>
 #include <RecordingFactory.h>

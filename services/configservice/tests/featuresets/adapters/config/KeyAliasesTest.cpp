@@ -1,4 +1,4 @@
-#include "featuresets/adapters/config/KeyAliases.h"
+#include "featuresets/adapters/config/chain/KeyAliases.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "ConfigStoreConformance.h"
 #include "LocalFileTestSupport.h"
 #include "XmlTestSupport.h"
-#include "featuresets/adapters/config/LocalFileDocument.h"
+#include "featuresets/adapters/config/stores/LocalFileDocument.h"
 #include "lookup/ConfigTable.h"
 #include "secure/SecureString.h"
 

@@ -1,4 +1,4 @@
-#include "featuresets/adapters/config/LocalFileDocument.h"
+#include "featuresets/adapters/config/stores/LocalFileDocument.h"
 
 #include "LocalFileTestSupport.h"
 #include "XmlTestSupport.h"

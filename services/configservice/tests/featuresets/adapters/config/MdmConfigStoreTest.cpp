@@ -1,6 +1,6 @@
 #include "ConfigStoreConformance.h"
 #include "XmlTestSupport.h"
-#include "featuresets/adapters/config/XmlConfigParser.h"
+#include "featuresets/adapters/config/xml/XmlConfigParser.h"
 
 #include <zel/ZelLog.h>
 

@@ -1,4 +1,4 @@
-#include "featuresets/adapters/config/SensitiveKeySecuringUtility.h"
+#include "featuresets/adapters/config/xml/SensitiveKeySecuringUtility.h"
 
 #include "LogRecorder.h"
 #include "secure/CipherKey.h"

@@ -1,4 +1,4 @@
-#include "featuresets/adapters/config/UrlProvisioningData.h"
+#include "featuresets/adapters/config/chain/UrlProvisioningData.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "featuresets/adapters/config/XmlConfigParser.h"
+#include "featuresets/adapters/config/xml/XmlConfigParser.h"
 
 #include "XmlTestSupport.h"
 

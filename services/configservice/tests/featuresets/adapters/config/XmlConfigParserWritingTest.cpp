@@ -1,5 +1,5 @@
 #include "XmlTestSupport.h"
-#include "featuresets/adapters/config/XmlConfigParser.h"
+#include "featuresets/adapters/config/xml/XmlConfigParser.h"
 
 #include <zel/ZelLog.h>
 

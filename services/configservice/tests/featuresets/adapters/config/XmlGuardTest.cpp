@@ -1,6 +1,6 @@
-#include "featuresets/adapters/config/XmlGuard.h"
+#include "featuresets/adapters/config/xml/XmlGuard.h"
 
-#include "featuresets/adapters/config/XmlBuffer.h"
+#include "featuresets/adapters/config/xml/XmlBuffer.h"
 
 #include <gtest/gtest.h>
 #include <libxml/parser.h>

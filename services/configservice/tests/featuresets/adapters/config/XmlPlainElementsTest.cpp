@@ -1,7 +1,7 @@
-#include "featuresets/adapters/config/XmlPlainElements.h"
+#include "featuresets/adapters/config/xml/XmlPlainElements.h"
 
-#include "featuresets/adapters/config/XmlConfigParser.h"
-#include "featuresets/adapters/config/XmlReader.h"
+#include "featuresets/adapters/config/xml/XmlConfigParser.h"
+#include "featuresets/adapters/config/xml/XmlReader.h"
 #include "secure/SecureString.h"
 
 #include <zel/EncryptFileUtils.h>

@@ -1,4 +1,4 @@
-#include "featuresets/adapters/config/XmlReader.h"
+#include "featuresets/adapters/config/xml/XmlReader.h"
 
 #include "XmlTestSupport.h"
 

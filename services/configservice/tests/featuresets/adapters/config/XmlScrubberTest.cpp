@@ -1,4 +1,4 @@
-#include "featuresets/adapters/config/XmlScrubber.h"
+#include "featuresets/adapters/config/xml/XmlScrubber.h"
 
 #include <gtest/gtest.h>
 

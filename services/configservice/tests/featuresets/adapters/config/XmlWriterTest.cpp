@@ -1,7 +1,7 @@
-#include "featuresets/adapters/config/XmlWriter.h"
+#include "featuresets/adapters/config/xml/XmlWriter.h"
 
 #include "XmlTestSupport.h"
-#include "featuresets/adapters/config/XmlReader.h"
+#include "featuresets/adapters/config/xml/XmlReader.h"
 
 #include <kyr/StringUtils.h>
 

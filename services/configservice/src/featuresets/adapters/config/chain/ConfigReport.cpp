@@ -1,7 +1,7 @@
 #include "ConfigReport.h"
 
 #include "ConfigStoreManagerLogger.h"
-#include "XmlWriter.h"
+#include "featuresets/adapters/config/xml/XmlWriter.h"
 #include "secure/SecureString.h"
 
 #include <kyr/FileUtils.h>

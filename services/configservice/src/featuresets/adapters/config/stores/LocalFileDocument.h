@@ -1,6 +1,6 @@
 #pragma once
 
-#include "XmlReader.h"
+#include "featuresets/adapters/config/xml/XmlReader.h"
 
 #include <ConfigMap.h>
 

@@ -1,7 +1,7 @@
 #include "LocalFileConfigStoreLogger.h"
 #include "LocalFileDocument.h"
 #include "StoreAnswer.h"
-#include "XmlReader.h"
+#include "featuresets/adapters/config/xml/XmlReader.h"
 #include "lookup/ConfigTable.h"
 #include "lookup/PersistedCopy.h"
 #include "secure/SecureBuffer.h"

@@ -1,8 +1,8 @@
 #include "LocalFileDocument.h"
 
 #include "LocalFileConfigStoreLogger.h"
-#include "XmlScrubber.h"
-#include "XmlWriter.h"
+#include "featuresets/adapters/config/xml/XmlScrubber.h"
+#include "featuresets/adapters/config/xml/XmlWriter.h"
 #include "lookup/ConfigTable.h"
 #include "secure/SecureString.h"
 

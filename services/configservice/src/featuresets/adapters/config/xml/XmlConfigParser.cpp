@@ -1,6 +1,5 @@
 #include "XmlConfigParser.h"
 
-#include "FilePermissions.h"
 #include "SensitiveKeySecuringUtility.h"
 #include "XmlBuffer.h"
 #include "XmlGuard.h"
@@ -8,6 +7,7 @@
 #include "XmlWriter.h"
 #include "lookup/ConfigTable.h"
 #include "lookup/WipedValues.h"
+#include "secure/FilePermissions.h"
 #include "secure/FipsValueOverride.h"
 #include "secure/SecureBuffer.h"
 #include "secure/SecureString.h"

@@ -1,9 +1,9 @@
 #include "CachedStores.h"
 
-#include "CachedConfigFiles.h"
 #include "CachedStoreRecord.h"
 #include "ConfigAdapterLogger.h"
-#include "StorePriorities.h"
+#include "featuresets/adapters/config/chain/CachedConfigFiles.h"
+#include "featuresets/adapters/config/stores/StorePriorities.h"
 
 #include <kyr/StringUtils.h>
 

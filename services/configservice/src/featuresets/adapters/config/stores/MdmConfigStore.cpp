@@ -1,5 +1,5 @@
 #include "StorePriorities.h"
-#include "XmlConfigParser.h"
+#include "featuresets/adapters/config/xml/XmlConfigParser.h"
 #include "lookup/ConfigTable.h"
 #include "secure/FipsValueOverride.h"
 

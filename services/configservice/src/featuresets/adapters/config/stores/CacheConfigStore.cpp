@@ -1,4 +1,4 @@
-#include "XmlConfigParser.h"
+#include "featuresets/adapters/config/xml/XmlConfigParser.h"
 #include "lookup/ConfigTable.h"
 #include "lookup/WipedValues.h"
 

@@ -6,8 +6,8 @@
 #include "ConfigReport.h"
 #include "ConfigStoreManager.h"
 #include "ConfigStoreManagerLogger.h"
-#include "StorePriorities.h"
 #include "UrlProvisioningData.h"
+#include "featuresets/adapters/config/stores/StorePriorities.h"
 
 #include <kyr/StringUtils.h>
 
