@@ -5,8 +5,8 @@
 #include "RowSuite.h"
 #include "SyntheticKeys.h"
 #include "featuresets/adapters/config/stores/LocalFileDocument.h"
-#include "lookup/ConfigTable.h"
 #include "secure/SecureString.h"
+#include "table/ConfigTable.h"
 
 #include <ConfigMap.h>
 #include <LocalFileConfigStore.h>

@@ -1,8 +1,8 @@
 // Whatever is read from a local file's document is written in a form that reads back as the same table.
 #include "Require.h"
 #include "featuresets/adapters/config/stores/LocalFileDocument.h"
-#include "lookup/ConfigTable.h"
 #include "secure/SecureString.h"
+#include "table/ConfigTable.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,7 +1,7 @@
 #include "Allocations.h"
 #include "featuresets/adapters/config/chain/SensitiveKeys.h"
-#include "lookup/ConfigTable.h"
 #include "services/impl/ServiceFixture.h"
+#include "table/ConfigTable.h"
 
 #include <gtest/gtest.h>
 

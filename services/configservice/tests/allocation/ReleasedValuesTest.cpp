@@ -1,6 +1,6 @@
 #include "Allocations.h"
-#include "lookup/ConfigTable.h"
 #include "services/impl/ServiceFixture.h"
+#include "table/ConfigTable.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "lookup/ConfigTable.h"
+#include "table/ConfigTable.h"
 
 #include <kyr/StringUtils.h>
 

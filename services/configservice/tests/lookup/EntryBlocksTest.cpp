@@ -1,4 +1,4 @@
-#include "lookup/EntryBlocks.h"
+#include "table/EntryBlocks.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "lookup/FoldedKey.h"
+#include "table/FoldedKey.h"
 
 #include <kyr/StringUtils.h>
 

@@ -1,4 +1,4 @@
-#include "lookup/KeyFilter.h"
+#include "table/KeyFilter.h"
 
 #include <gtest/gtest.h>
 

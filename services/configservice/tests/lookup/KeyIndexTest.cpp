@@ -1,4 +1,4 @@
-#include "lookup/KeyIndex.h"
+#include "table/KeyIndex.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "lookup/KeyList.h"
+#include "table/KeyList.h"
 
 #include <gtest/gtest.h>
 

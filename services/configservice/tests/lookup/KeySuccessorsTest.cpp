@@ -1,4 +1,4 @@
-#include "lookup/KeySuccessors.h"
+#include "table/KeySuccessors.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
-#include "lookup/PersistedCopy.h"
+#include "table/PersistedCopy.h"
 
-#include "lookup/ConfigTable.h"
+#include "table/ConfigTable.h"
 
 #include <gtest/gtest.h>
 

@@ -4,8 +4,8 @@
 #include "DeferredRecords.h"
 #include "base/ConfigServiceBaseImpl.h"
 #include "base/SharedTexts.h"
-#include "lookup/KeyIndex.h"
-#include "lookup/KeySuccessors.h"
+#include "table/KeyIndex.h"
+#include "table/KeySuccessors.h"
 
 #include <unified/FeatureSetReadyListener.h>
 

@@ -2,8 +2,8 @@
 #include "LocalFileTestSupport.h"
 #include "XmlTestSupport.h"
 #include "featuresets/adapters/config/stores/LocalFileDocument.h"
-#include "lookup/ConfigTable.h"
 #include "secure/SecureString.h"
+#include "table/ConfigTable.h"
 
 #include <zel/ZelLog.h>
 

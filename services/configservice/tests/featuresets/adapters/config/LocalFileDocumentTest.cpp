@@ -2,9 +2,9 @@
 
 #include "LocalFileTestSupport.h"
 #include "XmlTestSupport.h"
-#include "lookup/ConfigTable.h"
 #include "secure/SecureBuffer.h"
 #include "secure/SecureString.h"
+#include "table/ConfigTable.h"
 
 #include <zel/ZelLog.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "lookup/FoldedKey.h"
-#include "lookup/KeyList.h"
+#include "table/FoldedKey.h"
+#include "table/KeyList.h"
 
 #include <ConfigStore.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "lookup/KeySuccessors.h"
+#include "table/KeySuccessors.h"
 
 #include <ConfigMap.h>
 

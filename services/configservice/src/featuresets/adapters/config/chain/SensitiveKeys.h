@@ -1,9 +1,9 @@
 #pragma once
 
-#include "lookup/FoldedKey.h"
-#include "lookup/KeyFilter.h"
-#include "lookup/KeyIndex.h"
 #include "secure/RankedMutex.h"
+#include "table/FoldedKey.h"
+#include "table/KeyFilter.h"
+#include "table/KeyIndex.h"
 
 #include <ConfigMap.h>
 

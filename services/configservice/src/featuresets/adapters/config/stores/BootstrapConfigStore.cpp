@@ -1,6 +1,6 @@
-#include "lookup/ConfigTable.h"
-#include "lookup/WipedValues.h"
 #include "secure/FipsValueOverride.h"
+#include "table/ConfigTable.h"
+#include "table/WipedValues.h"
 
 #include <kyr/FstreamUtils.h>
 #include <zel/ZelLog.h>

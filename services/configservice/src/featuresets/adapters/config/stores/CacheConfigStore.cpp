@@ -1,6 +1,6 @@
 #include "featuresets/adapters/config/xml/XmlConfigParser.h"
-#include "lookup/ConfigTable.h"
-#include "lookup/WipedValues.h"
+#include "table/ConfigTable.h"
+#include "table/WipedValues.h"
 
 #include <CacheConfigStore.h>
 

@@ -1,5 +1,5 @@
 #include "StoreAnswer.h"
-#include "lookup/ConfigTable.h"
+#include "table/ConfigTable.h"
 
 #include <zel/ZelLog.h>
 

@@ -2,13 +2,13 @@
 #include "LocalFileDocument.h"
 #include "StoreAnswer.h"
 #include "featuresets/adapters/config/xml/XmlReader.h"
-#include "lookup/ConfigTable.h"
-#include "lookup/PersistedCopy.h"
 #include "secure/SecureBuffer.h"
 #include "secure/SecureString.h"
 #include "secure/StackWiper.h"
 #include "services/impl/ConfigFileCacheTimer.h"
 #include "services/impl/ConfigFileCacheTimerCallBack.h"
+#include "table/ConfigTable.h"
+#include "table/PersistedCopy.h"
 
 #include <kyr/FileUtils.h>
 #include <kyr/FstreamUtils.h>

@@ -3,8 +3,8 @@
 #include "LocalFileConfigStoreLogger.h"
 #include "featuresets/adapters/config/xml/XmlScrubber.h"
 #include "featuresets/adapters/config/xml/XmlWriter.h"
-#include "lookup/ConfigTable.h"
 #include "secure/SecureString.h"
+#include "table/ConfigTable.h"
 
 #include <kyr/StringUtils.h>
 

@@ -1,7 +1,7 @@
 #include "StorePriorities.h"
 #include "featuresets/adapters/config/xml/XmlConfigParser.h"
-#include "lookup/ConfigTable.h"
 #include "secure/FipsValueOverride.h"
+#include "table/ConfigTable.h"
 
 #include <kyr/StringUtils.h>
 

@@ -1,8 +1,8 @@
 #include "RegistryKeyHandle.h"
 #include "RegistryTreeReader.h"
 #include "StoreAnswer.h"
-#include "lookup/ConfigTable.h"
 #include "secure/FilePermissions.h"
+#include "table/ConfigTable.h"
 
 #include <kyr/FileUtils.h>
 #include <kyr/FstreamUtils.h>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "lookup/FoldedKey.h"
 #include "secure/FipsValueOverride.h"
+#include "table/FoldedKey.h"
 
 #include <kyr/StringUtils.h>
 

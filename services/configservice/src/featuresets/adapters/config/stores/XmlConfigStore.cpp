@@ -1,6 +1,6 @@
 #include "StoreAnswer.h"
 #include "featuresets/adapters/config/xml/XmlConfigParser.h"
-#include "lookup/ConfigTable.h"
+#include "table/ConfigTable.h"
 
 #include <XmlConfigStore.h>
 

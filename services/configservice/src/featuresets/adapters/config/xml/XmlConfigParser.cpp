@@ -5,13 +5,13 @@
 #include "XmlGuard.h"
 #include "XmlScrubber.h"
 #include "XmlWriter.h"
-#include "lookup/ConfigTable.h"
-#include "lookup/WipedValues.h"
 #include "secure/FilePermissions.h"
 #include "secure/FipsValueOverride.h"
 #include "secure/SecureBuffer.h"
 #include "secure/SecureString.h"
 #include "secure/StackWiper.h"
+#include "table/ConfigTable.h"
+#include "table/WipedValues.h"
 
 #include <kyr/FileUtils.h>
 #include <kyr/FstreamUtils.h>
