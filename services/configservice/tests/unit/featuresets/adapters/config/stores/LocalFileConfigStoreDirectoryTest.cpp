@@ -1,0 +1,56 @@
+#include "LocalFileTestSupport.h"
+#include "MadeDirectories.h"
+#include "featuresets/adapters/config/xml/XmlTestSupport.h"
+
+#include <TemporaryProfile.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using ZelUnified::LocalFileConfigStore;
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The directories that a write asks for on behalf of a store whose directory is this one. It gets no further: the
+/// facility, which makes directories of its own, is not reached with a document.
+std::vector<std::string> madeFor(const std::string& directory) {
+    LocalFileConfigStore store("Name", 7, directory, "file.dat", true, false, true);
+    store.storeValue(L"key", L"v");
+    const xml_test::XmlMemoryLimit memory(0);
+    const xml_test::MadeDirectories made;
+    store.persistValues();
+    return made.getPaths();
+}
+
+class LocalFileConfigStoreDirectoryTest : public testing::Test {
+protected:
+    testing_host::TemporaryProfile profile;
+    const std::string folder = (profile.root() / "made").string();
+};
+
+} // namespace
+
+TEST_F(LocalFileConfigStoreDirectoryTest, IsMadeWithoutTheSeparatorBehindIt) {
+    EXPECT_THAT(madeFor(folder), ElementsAre(folder));
+    EXPECT_TRUE(fs::is_directory(folder));
+}
+
+TEST_F(LocalFileConfigStoreDirectoryTest, LosesNoMoreThanOneSeparator) {
+    EXPECT_THAT(madeFor(folder + "/"), ElementsAre(folder + "/"));
+    EXPECT_TRUE(fs::is_directory(folder));
+}
+
+TEST_F(LocalFileConfigStoreDirectoryTest, IsNotMadeWhenItIsTheCurrentOne) {
+    const fs::path before = fs::current_path();
+    fs::current_path(profile.root());
+    const std::vector<std::string> made = madeFor("");
+    fs::current_path(before);
+    EXPECT_THAT(made, IsEmpty());
+}
