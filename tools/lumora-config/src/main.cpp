@@ -1,12 +1,12 @@
-#include "BootstrapStores.h"
-#include "CommandLine.h"
-#include "Commands.h"
-#include "ConfigHost.h"
-#include "JsonPrinter.h"
-#include "Session.h"
-#include "Shell.h"
-#include "Terminal.h"
-#include "TextPrinter.h"
+#include "commands/CommandLine.h"
+#include "commands/Commands.h"
+#include "commands/Session.h"
+#include "commands/Shell.h"
+#include "host/ConfigHost.h"
+#include "output/JsonPrinter.h"
+#include "output/Terminal.h"
+#include "output/TextPrinter.h"
+#include "stores/BootstrapStores.h"
 
 #include <iostream>
 #include <memory>

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "KeyWatcher.h"
+#include "SecretMask.h"
+#include "host/ConfigHost.h"
+#include "output/Printer.h"
+#include "stores/ChainInspector.h"
+
+#include <map>
+#include <memory>
+#include <string>
+
+namespace lumora_config {
+
+/// What every command works with. Main thread; the inspector and the watchers are used on the services dispatcher's.
+class Session {
+public:
+    /// The host and the printer must outlive the session.
+    Session(ConfigHost& configHost, Printer& target, bool showSecrets);
+    ~Session();
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    /// Hands a store to the service, as another service would. The feature set must be started.
+    void addStore(const std::shared_ptr<ZelUnified::ConfigStore>& store);
+    /// The same for a file of the user; keys that the document marks as sensitive become so.
+    void addForeignStore(const StoreSpec& spec);
+
+    ConfigHost& getHost() { return host; }
+    Printer& getPrinter() { return printer; }
+    const SecretMask& getMask() const { return mask; }
+    ChainInspector& getChain() { return *chain; }
+    /// By the current name of the key. Services dispatcher's thread.
+    std::map<std::wstring, std::shared_ptr<KeyWatcher>, ZelUnified::caseInsensitiveMapComparator>& getWatchers() {
+        return watchers;
+    }
+
+private:
+    ConfigHost& host;
+    Printer& printer;
+    const SecretMask mask;
+    std::unique_ptr<ChainInspector> chain;
+    std::map<std::wstring, std::shared_ptr<KeyWatcher>, ZelUnified::caseInsensitiveMapComparator> watchers;
+};
+
+} // namespace lumora_config

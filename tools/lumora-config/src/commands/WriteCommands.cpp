@@ -1,0 +1,179 @@
+#include "CommandTable.h"
+#include "stores/PolicyFile.h"
+#include "stores/RenamedKeys.h"
+#include "stores/XmlSettings.h"
+
+#include <kyr/StringUtils.h>
+
+#include <ConfigKeys.h>
+
+#include <algorithm>
+
+namespace lumora_config {
+
+namespace {
+
+using KyrCoreUtils::toString;
+namespace ConfigKeys = ZelUnified::ConfigKeys;
+
+/// Runs a write where the user wants it: on the services dispatcher's thread, or on this one.
+void runWrite(Session& session, const Command& command, const std::function<void()>& write) {
+    if (command.fromWorker) {
+        write();
+        return;
+    }
+    session.getHost().onServices("lumora-config: " + command.name, write);
+}
+
+/// The value that counts now, and whose it is: a write may be hidden by a store in front.
+std::string describeOutcome(Session& session, const std::wstring& key) {
+    std::optional<Reading> reading;
+    session.getHost().onServices("lumora-config: outcome", [&] { reading = session.getChain().read(key); });
+    if (!reading) {
+        return "no store holds the key now";
+    }
+    return "in force: \"" + toString(session.getMask().show(key, reading->value)) + "\" from " +
+           toString(reading->storeName);
+}
+
+void set(Session& session, const Command& command) {
+    const auto key = wide(command.key);
+    bool stored = false;
+    runWrite(session, command,
+             [&] { stored = session.getHost().getFeatureSet()->setConfig(key, wide(command.value)); });
+    if (!stored) {
+        throw Failure(ExitCode::NotFound, "no store takes the key '" + command.key + "'");
+    }
+    reportDone(session, command, command.key + " set; " + describeOutcome(session, key));
+}
+
+void memory(Session& session, const Command& command) {
+    const auto key = wide(command.key);
+    bool stored = false;
+    runWrite(session, command,
+             [&] { stored = session.getHost().getFeatureSet()->setInMemoryConfig(key, wide(command.value)); });
+    if (!stored) {
+        throw Failure(ExitCode::NotFound, "there is no volatile store");
+    }
+    reportDone(session, command, command.key + " set for this run; " + describeOutcome(session, key));
+}
+
+bool userHolds(Session& session, const std::wstring& key) {
+    const auto names = namesOf(key).getAll();
+    return std::ranges::any_of(session.getChain().getStores(), [&](const auto& store) {
+        std::wstring value;
+        return !store->isReadOnly() &&
+               std::ranges::any_of(names, [&](const std::wstring& name) { return store->getValue(name, value); });
+    });
+}
+
+/// A user's file that loses its last value before anything was written to it in this run stays as it was on disk: the
+/// service takes the empty table for an unchanged one. The user had better know.
+std::string warnOfEmptyFile(Session& session) {
+    bool empty = false;
+    session.getHost().onServices("lumora-config: user's file", [&] {
+        const auto store =
+            session.getHost().getFeatureSet()->getConfigStoreByName(std::string(ConfigKeys::localFileConfigStore));
+        empty = store && store->getKeys().empty();
+    });
+    return empty ? "; no value of the user is left: the last one is back at the next start unless another is set" : "";
+}
+
+void reset(Session& session, const Command& command) {
+    const auto key = wide(command.key);
+    bool held = false;
+    session.getHost().onServices("lumora-config: reset", [&] {
+        held = userHolds(session, key);
+        session.getHost().getService()->resetConfig(key);
+    });
+    if (!held) {
+        throw Failure(ExitCode::NotFound, "the user has no value for the key '" + command.key + "'");
+    }
+    reportDone(session, command, command.key + " reset; " + describeOutcome(session, key) + warnOfEmptyFile(session));
+}
+
+void provision(Session& session, const Command& command) {
+    bool allowed = true;
+    bool taken = false;
+    session.getHost().onServices("lumora-config: provision", [&] {
+        const auto policy = session.getChain().read(std::wstring(ConfigKeys::allowUrlProvisioning));
+        allowed = !policy || !KyrCoreUtils::caseInsensitiveStringEquals(policy->value, L"false");
+        taken = session.getHost().getService()->setUrlProvisioningData(wide(command.url));
+    });
+    if (!taken) {
+        throw Failure(ExitCode::NotFound, allowed
+                                              ? "the URL holds no setting that may be provisioned"
+                                              : "provisioning by URL is not allowed: AllowUrlProvisioning is false");
+    }
+    reportDone(session, command, "settings of the URL taken; another URL needs reset-provisioning first");
+}
+
+void resetProvisioning(Session& session, const Command& command) {
+    bool done = false;
+    session.getHost().onServices("lumora-config: reset-provisioning",
+                                 [&] { done = session.getHost().getService()->resetAllowUriProvisioningData(); });
+    if (!done) {
+        throw Failure(ExitCode::NotFound,
+                      "there was nothing to take back: the user's settings do not forbid provisioning");
+    }
+    reportDone(session, command, "another provisioning URL is allowed" + warnOfEmptyFile(session));
+}
+
+void mdm(Session& session, const Command& command) {
+    // A document that is not XML would empty the store without a word.
+    readXmlSettings(command.file);
+    const auto document = readWholeFile(command.file);
+    const std::string storeName(ConfigKeys::mdmConfigStore);
+    std::size_t keyCount = 0;
+    session.getHost().onServices("lumora-config: mdm", [&] {
+        session.getHost().getService()->setMdmConfig(document);
+        if (const auto store = session.getHost().getFeatureSet()->getConfigStoreByName(storeName)) {
+            keyCount = store->getKeys().size();
+        }
+    });
+    reportDone(session, command, storeName + " holds " + std::to_string(keyCount) + " keys for this run");
+}
+
+void importPolicy(Session& session, const Command& command) {
+    const PolicyFile policy(command.file);
+    const auto import = policy.describe();
+    if (!import.taken.empty()) {
+        policy.install();
+    }
+    session.getPrinter().showImport(import);
+    if (import.taken.empty()) {
+        throw Failure(ExitCode::NotFound, command.file + ": holds nothing for the current user; nothing is changed");
+    }
+    constexpr auto when = " from the next start or refresh on";
+    if (!import.refused.empty()) {
+        throw Failure(ExitCode::NotFound, command.file + ": " + std::to_string(import.refused.size()) +
+                                              " of its lines are refused; the others count" + when);
+    }
+    reportDone(session, command, command.file + " counts" + when);
+}
+
+void removeStore(Session& session, const Command& command) {
+    bool removed = false;
+    session.getHost().onServices("lumora-config: remove-store", [&] {
+        removed = session.getHost().getService()->removeConfigStoreAndCache(wide(command.store));
+    });
+    if (!removed) {
+        throw Failure(ExitCode::NotFound, "there is no store '" + command.store + "'");
+    }
+    reportDone(session, command, command.store + " removed");
+}
+
+} // namespace
+
+void addWriteCommands(CommandTable& table) {
+    table["set"] = set;
+    table["memory"] = memory;
+    table["reset"] = reset;
+    table["provision"] = provision;
+    table["reset-provisioning"] = resetProvisioning;
+    table["mdm"] = mdm;
+    table["import-policy"] = importPolicy;
+    table["remove-store"] = removeStore;
+}
+
+} // namespace lumora_config

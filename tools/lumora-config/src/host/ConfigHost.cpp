@@ -1,0 +1,158 @@
+#include "ConfigHost.h"
+
+#include "DefaultsFile.h"
+#include "LogLineCatcher.h"
+#include "PluginFolder.h"
+#include "output/Failure.h"
+
+#include <kyr/FileUtils.h>
+#include <kyr/FunctionTask.h>
+#include <unified/TypeName.h>
+#include <zel/LogSink.h>
+#include <zel/SystemMonitorFactory.h>
+
+#include <ConfigServiceIds.h>
+
+#include <exception>
+#include <utility>
+
+namespace lumora_config {
+
+using KyrCoreUtils::FileUtils;
+using ZelSystemMonitor::SystemMonitorFactory;
+using ZelUnified::UnifiedFactoryImpl;
+
+namespace {
+
+/// Settles the folders before anything asks for them, and makes sure that they are the product's before anything is
+/// written there. Gives the configuration directory.
+std::string settleDirectories(const CommandLine& line) {
+    FileUtils::overrideDirectories(line.directories);
+    auto configDirectory = FileUtils::getConfigDirectory();
+    if (configDirectory.empty()) {
+        throw Failure(ExitCode::Environment, "no usable configuration directory: a reset empties it, so it must be a "
+                                             "folder of its own");
+    }
+    DefaultsFile(FileUtils::getResourcesDirectory()).requireReadable();
+    return configDirectory;
+}
+
+void startLog(bool verbose) {
+    zel::logging::setDebugEnabled(verbose);
+    if (verbose) {
+        zel::logging::logToStandardError(true);
+    }
+    zel::logging::logToFile(FileUtils::getStateDirectory() + FileUtils::FileSeparator() + "lumora-config.log");
+}
+
+std::shared_ptr<UnifiedFactoryImpl> makeFactory(const std::string& pluginDirectory) {
+    ZelUnified::UnifiedFactoryOptions options;
+    options.pluginFolder = pluginDirectory;
+    options.plugins = {{ZelUnified::readableTypeName<ZelUnified::ConfigService>(), LUMORA_PLUGIN_LIBRARY},
+                       {ZelUnified::readableTypeName<ZelUnified::ConfigFeatureSet>(), LUMORA_PLUGIN_LIBRARY}};
+    return std::make_shared<UnifiedFactoryImpl>(std::move(options));
+}
+
+} // namespace
+
+ConfigHost::ConfigHost(const CommandLine& line)
+    : configDirectory(settleDirectories(line)),
+      pluginDirectory(findPluginFolder(line.pluginDirectory)),
+      lock(configDirectory, FileUtils::getStateDirectory()),
+      factory(makeFactory(pluginDirectory)) {
+    if (!lock.isHeld()) {
+        throw Failure(ExitCode::Environment, lock.getProblem());
+    }
+    startLog(line.verbose);
+    SystemMonitorFactory::overrideInstance(powerSwitch);
+    zel::common::TimerSource::overrideInstance(timerSwitch);
+    factory->Init();
+    try {
+        load();
+        DefaultsFile(FileUtils::getResourcesDirectory()).requireAccepted();
+    } catch (...) {
+        end();
+        throw;
+    }
+}
+
+ConfigHost::~ConfigHost() {
+    end();
+}
+
+void ConfigHost::start() {
+    factory->StartFeatureSet(ZelUnified::configServiceId, nullptr);
+}
+
+void ConfigHost::stop() {
+    factory->StopFeatureSet(ZelUnified::configServiceId, nullptr);
+}
+
+bool ConfigHost::isStarted() const {
+    return factory->IsFeatureSetStarted(ZelUnified::configServiceId);
+}
+
+void ConfigHost::resetData() {
+    factory->invokeResetData(ZelUnified::ResetDataOptionEnum::ResetAll);
+}
+
+void ConfigHost::powerDown() {
+    onServices("lumora-config: power-down",
+               [this] { powerSwitch->announce(ZelSystemMonitor::PowerEventTypeEnum::PowerDown); });
+}
+
+void ConfigHost::onServices(const std::string& name, const std::function<void()>& work) const {
+    std::exception_ptr failure;
+    const auto guarded = [&] {
+        try {
+            work();
+        } catch (...) {
+            failure = std::current_exception();
+        }
+    };
+    factory->getServicesDispatcher()->enqueueBlock(std::make_shared<KyrCoreUtils::FunctionTask>(guarded, name), false);
+    if (failure) {
+        std::rethrow_exception(failure);
+    }
+}
+
+void ConfigHost::settle() const {
+    // A task of one dispatcher may post to the other: the order of the two rounds doesn't matter, the second does.
+    for (int round = 0; round < 2; ++round) {
+        factory->flushBackgroundDispatcher();
+        onServices("lumora-config: settle", [] {});
+    }
+}
+
+std::string ConfigHost::nameThread() const {
+    if (factory->getServicesDispatcher()->checkForUpdateAccess()) {
+        return "services";
+    }
+    return std::this_thread::get_id() == mainThread ? "main" : "background";
+}
+
+void ConfigHost::load() {
+    const LogLineCatcher loaderLog("UnifiedFactory-PluginLoader");
+    onServices("lumora-config: load", [this] {
+        service = factory->getServiceByType<ZelUnified::ConfigService>();
+        featureSet = factory->getFeatureSetByType<ZelUnified::ConfigFeatureSet>();
+    });
+    if (!service || !featureSet) {
+        throw Failure(ExitCode::Environment, "the plug-in does not work: " + loaderLog.getText());
+    }
+}
+
+void ConfigHost::end() {
+    // A value that waits to be written sets the timer of the backup, and the timer posts its writing.
+    settle();
+    timerSwitch->ringAll();
+    settle();
+    factory->Destroy();
+    service.reset();
+    featureSet.reset();
+    zel::common::TimerSource::overrideInstance(nullptr);
+    SystemMonitorFactory::overrideInstance(nullptr);
+    FileUtils::overrideDirectories({});
+}
+
+} // namespace lumora_config

@@ -1,0 +1,175 @@
+#include "ChainInspector.h"
+
+#include "RenamedKeys.h"
+#include "output/Failure.h"
+
+#include <kyr/StringUtils.h>
+
+#include <ConfigKeys.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace lumora_config {
+
+using KyrCoreUtils::caseInsensitiveStringEquals;
+using ZelUnified::ConfigStore;
+
+namespace {
+
+StoreFacts factsOf(ConfigStore& store) {
+    return {store.getName(), store.getPriority(), store.isReadOnly(), store.isLocal(), store.getKeys().size()};
+}
+
+bool beginsWith(std::wstring_view text, std::wstring_view prefix) {
+    return text.size() >= prefix.size() && caseInsensitiveStringEquals(text.substr(0, prefix.size()), prefix);
+}
+
+Opinion askStore(ConfigStore& store, const KeyNames& names, const std::optional<Reading>& winner) {
+    Opinion opinion{factsOf(store), {}};
+    const bool wins =
+        winner && caseInsensitiveStringEquals(KyrCoreUtils::toWideString(opinion.store.name), winner->storeName);
+    for (const auto& name : names.getAll()) {
+        std::wstring value;
+        if (store.getValue(name, value)) {
+            const bool earlier = name == names.earlier;
+            opinion.holdings.push_back({name, value, wins && earlier == winner->underEarlierName});
+        }
+    }
+    return opinion;
+}
+
+/// Every key that a store holds, once: its current name, and the name to ask for, which is the earlier one where no
+/// store holds the current one. The lowest store decides on the spelling, since the user's file, the first one, knows
+/// lower case only.
+ZelUnified::ConfigMap namesToAsk(const std::vector<std::shared_ptr<ConfigStore>>& stores) {
+    ZelUnified::ConfigMap asked;
+    const std::vector lowestFirst(stores.rbegin(), stores.rend());
+    for (const auto& store : lowestFirst) {
+        for (const auto& key : store->getKeys()) {
+            const auto names = namesOf(key);
+            const auto [entry, isNew] = asked.try_emplace(names.current, key);
+            if (!isNew && !names.askedByEarlierName) {
+                entry->second = key;
+            }
+        }
+    }
+    return asked;
+}
+
+} // namespace
+
+ChainInspector::ChainInspector(std::shared_ptr<ZelUnified::ConfigFeatureSet> adapter,
+                               std::shared_ptr<ZelUnified::ConfigService> configService)
+    : featureSet(std::move(adapter)), service(std::move(configService)), names(std::make_shared<StoreNames>()) {
+    learnNames();
+    featureSet->registerConfigStoreAddedObserver(names);
+}
+
+ChainInspector::~ChainInspector() {
+    featureSet->unregisterConfigStoreAddedObserver(names);
+}
+
+std::optional<Reading> ChainInspector::read(const std::wstring& key, bool administratorsOnly) const {
+    Reading reading;
+    if (!featureSet->getConfig(key, reading.value, reading.storeName, reading.underEarlierName, administratorsOnly)) {
+        return std::nullopt;
+    }
+    return reading;
+}
+
+std::optional<Reading> ChainInspector::readStore(const std::string& storeName, const std::wstring& key) const {
+    const auto store = featureSet->getConfigStoreByName(storeName);
+    if (!store) {
+        throw Failure(ExitCode::NotFound, "there is no store '" + storeName + "'");
+    }
+    const auto keyNames = namesOf(key);
+    const auto opinion = askStore(*store, keyNames, std::nullopt);
+    if (opinion.holdings.empty()) {
+        return std::nullopt;
+    }
+    // An empty text means both "empty" and "nothing" there, hence the question before.
+    return Reading{service->getValueFromConfigStore(storeName, key), KyrCoreUtils::toWideString(opinion.store.name),
+                   opinion.holdings.front().name == keyNames.earlier};
+}
+
+Explanation ChainInspector::explain(const std::wstring& key) const {
+    return explain(key, getStores());
+}
+
+std::vector<Explanation> ChainInspector::explainAll() const {
+    const auto stores = getStores();
+    std::vector<Explanation> explanations;
+    for (const auto& [current, asked] : namesToAsk(stores)) {
+        explanations.push_back(explain(asked, stores));
+    }
+    return explanations;
+}
+
+Explanation ChainInspector::explain(const std::wstring& key, const Stores& stores) const {
+    const auto keyNames = namesOf(key);
+    Explanation explanation;
+    explanation.key = key;
+    explanation.currentName = keyNames.current;
+    explanation.earlierName = keyNames.earlier;
+    explanation.askedByEarlierName = keyNames.askedByEarlierName;
+    explanation.inForce = read(key);
+    explanation.administrators = read(key, true);
+    for (const auto& store : stores) {
+        explanation.opinions.push_back(askStore(*store, keyNames, explanation.inForce));
+    }
+    const auto record = service->getConfig(key);
+    explanation.record = {record->getisDefined(), record->getisOverridden(), record->getOriginalValue(),
+                          record->getOriginalValueStoreName()};
+    return explanation;
+}
+
+std::vector<ListedValue> ChainInspector::list(const std::wstring& prefix) const {
+    std::vector<ListedValue> listed;
+    const auto records = service->getAllConfig();
+    for (const auto& record : *records) {
+        const auto key = record->getKey();
+        if (record->getisDefined() && beginsWith(key, prefix)) {
+            listed.push_back({key, record->getValue(), record->getValueStoreName(), record->getisOverridden()});
+        }
+    }
+    return listed;
+}
+
+std::vector<StoreFacts> ChainInspector::listStores() const {
+    std::vector<StoreFacts> facts;
+    for (const auto& store : getStores()) {
+        facts.push_back(factsOf(*store));
+    }
+    return facts;
+}
+
+ChainInspector::Stores ChainInspector::getStores() const {
+    learnNames();
+    Stores stores;
+    for (const auto& name : names->getAll()) {
+        if (auto store = featureSet->getConfigStoreByName(name)) {
+            stores.push_back(std::move(store));
+        }
+    }
+    std::ranges::stable_sort(stores, {}, &ConfigStore::getPriority);
+    return stores;
+}
+
+void ChainInspector::learnNames() const {
+    // The cached stores of earlier runs are recorded under this key: NAME:PRIORITY; and so on.
+    std::wstring record;
+    featureSet->getConfig(std::wstring(ZelUnified::ConfigKeys::primaryConfigStores), record, false);
+    std::vector<std::wstring> entries;
+    KyrCoreUtils::split(record, entries, L";");
+    for (const auto& entry : entries) {
+        names->learn(KyrCoreUtils::toString(entry.substr(0, entry.find(L':'))));
+    }
+    const auto records = service->getAllConfig();
+    for (const auto& value : *records) {
+        names->learn(KyrCoreUtils::toString(value->getValueStoreName()));
+        names->learn(KyrCoreUtils::toString(value->getOriginalValueStoreName()));
+    }
+}
+
+} // namespace lumora_config

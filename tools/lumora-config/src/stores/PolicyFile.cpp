@@ -1,0 +1,79 @@
+#include "PolicyFile.h"
+
+#include "XmlSettings.h"
+#include "output/Failure.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+namespace lumora_config {
+
+using namespace zel::registry;
+
+namespace {
+
+// The client reads a policy through buffers of fixed size: a value that does not fit ends its reading of the key, and
+// hides the values behind it.
+constexpr std::size_t longestName = 259;
+constexpr std::size_t longestData = 4096;
+
+bool isTooLong(const RegistryTextEntry& entry) {
+    return !entry.deletion && (entry.value.name.size() > longestName || entry.value.data.size() > longestData);
+}
+
+ImportedKey describeSection(const RegistryTextSection& section) {
+    const auto root = section.root == HKEY_LOCAL_MACHINE ? L"HKEY_LOCAL_MACHINE" : L"HKEY_CURRENT_USER";
+    ImportedKey key{section.firstLine, root, section.deletion};
+    if (!section.path.empty()) {
+        key.key += L'\\' + section.path;
+    }
+    key.valuesDeleted =
+        static_cast<std::size_t>(std::ranges::count(section.entries, true, &RegistryTextEntry::deletion));
+    key.valuesSet = section.entries.size() - key.valuesDeleted;
+    return key;
+}
+
+} // namespace
+
+PolicyFile::PolicyFile(std::string filePath)
+    : path(std::move(filePath)), text(parseRegistryText(readWholeFile(path), HKEY_CURRENT_USER, AfterFault::GoOn)) {
+    // Only the header can be at fault there.
+    if (!text.refusals.empty() && text.refusals.front().line == 1) {
+        throw Failure(ExitCode::Environment, path + ":1: " + text.refusals.front().reason);
+    }
+    dropLongValues();
+}
+
+PolicyImport PolicyFile::describe() const {
+    PolicyImport import{path, {}, {}};
+    for (const auto& section : text.sections) {
+        import.taken.push_back(describeSection(section));
+    }
+    for (const auto& refusal : text.refusals) {
+        import.refused.push_back({refusal.line, refusal.reason});
+    }
+    return import;
+}
+
+void PolicyFile::install() const {
+    if (const int error = installRegistryText(text, std::filesystem::path(path).filename().string()); error != 0) {
+        throw Failure(ExitCode::Environment, path + ": cannot be put into the user's registry files: " +
+                                                 std::system_category().message(error));
+    }
+}
+
+void PolicyFile::dropLongValues() {
+    for (auto& section : text.sections) {
+        for (const auto& entry : section.entries) {
+            if (isTooLong(entry)) {
+                text.refusals.push_back({entry.line, "a name or a value that is longer than the client reads"});
+            }
+        }
+        std::erase_if(section.entries, isTooLong);
+    }
+    std::ranges::stable_sort(text.refusals, {}, &RegistryTextRefusal::line);
+}
+
+} // namespace lumora_config

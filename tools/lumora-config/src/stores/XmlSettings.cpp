@@ -1,0 +1,163 @@
+#include "XmlSettings.h"
+
+#include "output/Failure.h"
+
+#include <kyr/StringUtils.h>
+
+#include <libxml/parser.h>
+#include <libxml/tree.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <optional>
+#include <string_view>
+
+namespace lumora_config {
+
+namespace {
+
+constexpr std::uintmax_t largestFile = 64U << 20U;
+
+struct XmlDeleter {
+    void operator()(xmlParserCtxt* context) const { xmlFreeParserCtxt(context); }
+    void operator()(xmlDoc* document) const { xmlFreeDoc(document); }
+    void operator()(xmlBuffer* buffer) const { xmlBufferFree(buffer); }
+    void operator()(xmlChar* text) const { xmlFree(text); }
+};
+template <class T>
+using XmlPointer = std::unique_ptr<T, XmlDeleter>;
+
+[[noreturn]] void refuse(const std::string& path, const std::string& why) {
+    throw Failure(ExitCode::Environment, path + ": " + why);
+}
+
+std::string_view toView(const xmlChar* text) {
+    return text == nullptr ? std::string_view() : reinterpret_cast<const char*>(text);
+}
+
+/// The library prepares itself at its first use, and goes wrong when two threads make that use at once.
+void prepareLibrary() {
+    [[maybe_unused]] static const bool prepared = [] {
+        xmlInitParser();
+        return true;
+    }();
+}
+
+XmlPointer<xmlDoc> parse(const std::string& path) {
+    const auto content = readWholeFile(path);
+    prepareLibrary();
+    const XmlPointer<xmlParserCtxt> context(xmlNewParserCtxt());
+    if (!context) {
+        throw std::bad_alloc();
+    }
+    constexpr int options = XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING;
+    XmlPointer<xmlDoc> document(
+        xmlCtxtReadMemory(context.get(), content.data(), static_cast<int>(content.size()), nullptr, nullptr, options));
+    if (!document) {
+        const auto* error = xmlCtxtGetLastError(context.get());
+        refuse(path, error == nullptr ? "not XML" : "not XML, see line " + std::to_string(error->line));
+    }
+    if (xmlGetIntSubset(document.get()) != nullptr) {
+        refuse(path, "a document type is not accepted");
+    }
+    return document;
+}
+
+bool isElement(const xmlNode& node) {
+    return node.type == XML_ELEMENT_NODE;
+}
+
+/// The attribute of that name in any case; nothing when there is none.
+std::optional<std::string> attributeOf(xmlNode& element, std::string_view name) {
+    for (auto* attribute = element.properties; attribute != nullptr; attribute = attribute->next) {
+        if (KyrCoreUtils::caseInsensitiveStringEquals(toView(attribute->name), name)) {
+            const XmlPointer<xmlChar> text(xmlNodeListGetString(element.doc, attribute->children, 1));
+            return std::string(toView(text.get()));
+        }
+    }
+    return std::nullopt;
+}
+
+/// Text and CDATA joined and trimmed; an element with anything else inside is kept as XML.
+std::string valueOf(xmlNode& element) {
+    std::string text;
+    for (auto* child = element.children; child != nullptr; child = child->next) {
+        if (child->type != XML_TEXT_NODE && child->type != XML_CDATA_SECTION_NODE) {
+            const XmlPointer<xmlBuffer> buffer(xmlBufferCreate());
+            xmlNodeDump(buffer.get(), element.doc, &element, 0, 0);
+            return std::string(toView(xmlBufferContent(buffer.get())));
+        }
+        text += toView(child->content);
+    }
+    return KyrCoreUtils::trim(text);
+}
+
+class SettingsCollector {
+public:
+    void collect(const xmlNode& root) {
+        for (auto* group = root.children; group != nullptr; group = group->next) {
+            if (!isElement(*group) || takeUserConfig(*group)) {
+                continue;
+            }
+            for (auto* child = group->children; child != nullptr; child = child->next) {
+                if (isElement(*child) && !takeUserConfig(*child)) {
+                    add(toView(child->name), valueOf(*child), *child);
+                }
+            }
+        }
+    }
+
+    std::vector<XmlSetting> take() { return std::move(settings); }
+
+private:
+    bool takeUserConfig(xmlNode& element) {
+        if (!KyrCoreUtils::caseInsensitiveStringEquals(toView(element.name), "userConfig")) {
+            return false;
+        }
+        const auto key = attributeOf(element, "name");
+        if (key && !key->empty()) {
+            add(*key, attributeOf(element, "value").value_or(""), element);
+        }
+        return true;
+    }
+
+    void add(std::string_view key, const std::string& value, xmlNode& element) {
+        const bool sensitive = KyrCoreUtils::toBool(attributeOf(element, "sensitive").value_or(""));
+        settings.push_back({KyrCoreUtils::toWideString(key), KyrCoreUtils::toWideString(value), sensitive});
+    }
+
+    std::vector<XmlSetting> settings;
+};
+
+} // namespace
+
+std::string readWholeFile(const std::string& path) {
+    std::error_code error;
+    const auto status = std::filesystem::status(path, error);
+    if (status.type() == std::filesystem::file_type::not_found) {
+        refuse(path, "no such file");
+    }
+    if (!std::filesystem::is_regular_file(status)) {
+        refuse(path, "not a regular file");
+    }
+    if (std::filesystem::file_size(path, error) > largestFile) {
+        refuse(path, "larger than 64 MiB");
+    }
+    std::ifstream stream(path, std::ios::binary);
+    std::string content(std::istreambuf_iterator<char>(stream), {});
+    if (!stream) {
+        refuse(path, "cannot be read");
+    }
+    return content;
+}
+
+std::vector<XmlSetting> readXmlSettings(const std::string& path) {
+    const auto document = parse(path);
+    SettingsCollector collector;
+    collector.collect(*xmlDocGetRootElement(document.get()));
+    return collector.take();
+}
+
+} // namespace lumora_config

@@ -1,0 +1,36 @@
+#include "commands/Shell.h"
+
+#include <gmock/gmock.h>
+
+namespace lumora_config {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+TEST(ShellWords, AreSplitAtBlanks) {
+    EXPECT_THAT(splitWords("  set\tKey   value \r"), ElementsAre("set", "Key", "value"));
+}
+
+TEST(ShellWords, KeepQuotedTextTogether) {
+    EXPECT_THAT(splitWords(R"(set "a key" 'it is "so"')"), ElementsAre("set", "a key", R"(it is "so")"));
+    EXPECT_THAT(splitWords(R"(pre"fix and"suffix)"), ElementsAre("prefix andsuffix"));
+}
+
+TEST(ShellWords, KnowTheEmptyText) {
+    EXPECT_THAT(splitWords(R"(set Key "")"), ElementsAre("set", "Key", ""));
+}
+
+TEST(ShellWords, TakeTheCharacterBehindABackslash) {
+    EXPECT_THAT(splitWords(R"(a\ b "c\"d" 'e\f')"), ElementsAre("a b", R"(c"d)", R"(e\f)"));
+    EXPECT_THAT(splitWords("a\\"), ElementsAre("a\\"));
+}
+
+TEST(ShellWords, RefuseAnOpenQuote) {
+    EXPECT_THROW(splitWords("set 'Key"), Failure);
+}
+
+TEST(ShellWords, OfNothingAreNone) {
+    EXPECT_THAT(splitWords(" \t"), IsEmpty());
+}
+
+} // namespace lumora_config

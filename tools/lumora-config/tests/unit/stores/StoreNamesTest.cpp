@@ -1,0 +1,31 @@
+#include "stores/StoreNames.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+
+namespace lumora_config {
+
+TEST(StoreNames, AnArrivingStoreStandsLast) {
+    StoreNames names;
+    names.OnConfigStoreAdded("A");
+    names.OnConfigStoreAdded("B");
+    names.OnConfigStoreAdded("a");
+    const auto all = names.getAll();
+    EXPECT_EQ(all.back(), "a");
+    EXPECT_EQ(all[all.size() - 2], "B");
+    EXPECT_EQ(std::ranges::count(all, "A"), 0);
+}
+
+TEST(StoreNames, LearningANameTwiceKeepsItsPlace) {
+    StoreNames names;
+    names.learn("A");
+    names.learn("B");
+    names.learn("A");
+    names.learn("");
+    const auto all = names.getAll();
+    EXPECT_EQ(all.back(), "B");
+    EXPECT_EQ(all[all.size() - 2], "A");
+}
+
+} // namespace lumora_config
