@@ -25,7 +25,7 @@ std::unique_ptr<Printer> makePrinter(const CommandLine& line) {
 }
 
 ExitCode runSession(const CommandLine& line, Printer& printer) {
-    ConfigHost host(line);
+    ConfigHost host(line.directories, line.pluginDirectory, line.verbose);
     Session session(host, printer, line.showSecrets);
     host.start();
     BootstrapStores bootstraps(host.getPluginDirectory());

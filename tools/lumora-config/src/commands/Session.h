@@ -5,6 +5,7 @@
 #include "host/ConfigHost.h"
 #include "output/Printer.h"
 #include "stores/ChainInspector.h"
+#include "stores/StoreSpec.h"
 
 #include <map>
 #include <memory>

@@ -26,8 +26,8 @@ namespace {
 
 /// Settles the folders before anything asks for them, and makes sure that they are the product's before anything is
 /// written there. Gives the configuration directory.
-std::string settleDirectories(const CommandLine& line) {
-    FileUtils::overrideDirectories(line.directories);
+std::string settleDirectories(const KyrCoreUtils::HostDirectories& directories) {
+    FileUtils::overrideDirectories(directories);
     auto configDirectory = FileUtils::getConfigDirectory();
     if (configDirectory.empty()) {
         throw Failure(ExitCode::Environment, "no usable configuration directory: a reset empties it, so it must be a "
@@ -55,15 +55,15 @@ std::shared_ptr<UnifiedFactoryImpl> makeFactory(const std::string& pluginDirecto
 
 } // namespace
 
-ConfigHost::ConfigHost(const CommandLine& line)
-    : configDirectory(settleDirectories(line)),
-      pluginDirectory(findPluginFolder(line.pluginDirectory)),
+ConfigHost::ConfigHost(const KyrCoreUtils::HostDirectories& directories, const std::string& plugins, bool verbose)
+    : configDirectory(settleDirectories(directories)),
+      pluginDirectory(findPluginFolder(plugins)),
       lock(configDirectory, FileUtils::getStateDirectory()),
       factory(makeFactory(pluginDirectory)) {
     if (!lock.isHeld()) {
         throw Failure(ExitCode::Environment, lock.getProblem());
     }
-    startLog(line.verbose);
+    startLog(verbose);
     SystemMonitorFactory::overrideInstance(powerSwitch);
     zel::common::TimerSource::overrideInstance(timerSwitch);
     factory->Init();

@@ -2,8 +2,8 @@
 
 #include "PowerSwitch.h"
 #include "TimerSwitch.h"
-#include "commands/CommandLine.h"
 
+#include <kyr/FileUtils.h>
 #include <unified/ProfileLock.h>
 #include <unified/UnifiedFactoryImpl.h>
 
@@ -22,8 +22,9 @@ namespace lumora_config {
 /// user's file and its backup are both written then. Made, used and destroyed by the main thread.
 class ConfigHost {
 public:
-    /// Loads the plug-in; the feature set is not started yet. Throws Failure (Environment): nothing is left running.
-    explicit ConfigHost(const CommandLine& line);
+    /// Loads the plug-in from the folder `plugins`, if empty from the one beside the program; the feature set is not
+    /// started yet. Throws Failure (Environment): nothing is left running.
+    ConfigHost(const KyrCoreUtils::HostDirectories& directories, const std::string& plugins, bool verbose);
     ~ConfigHost();
     ConfigHost(const ConfigHost&) = delete;
     ConfigHost& operator=(const ConfigHost&) = delete;
