@@ -312,12 +312,13 @@ void XmlConfigParser::parseXmlGroup(XmlScrubber& scrubber, xmlNode& group, Confi
         if (entry == nullptr) {
             continue;
         }
+        const bool isMarked = parseSensitiveAttribute(*element); // extracting a password wipes its attributes
         std::string text = holdsOnlyText(*element) ? extractStringFromXmlNode(scrubber, *element)
                                                    : extractXmlStringFromXmlNode(scrubber, *element);
         entry->second = toWideString(text);
         zel::SecureString::wipe(text);
         zel::applyFipsValueOverride(entry->first, entry->second);
-        if (parseSensitiveAttribute(*element)) {
+        if (isMarked) {
             sensitiveKeys.insert(entry->first);
         }
     }
