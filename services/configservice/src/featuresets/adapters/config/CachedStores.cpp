@@ -54,7 +54,7 @@ void CachedStores::InitialiseCachedConfigStores() {
     std::wstring record;
     configStoreManager->getValue(recordKey(), record);
     std::optional<std::wstring> presencePriority;
-    for (const auto& [name, priority] : CachedStoreRecord::parse(record)) {
+    for (const auto& [name, priority] : CachedStoreRecord::getCachedConfigStorePrioityMap(record)) {
         if (caseInsensitiveStringEquals(name, ConfigKeys::presenceConfigStore)) {
             presencePriority = priority;
         } else {
@@ -104,7 +104,7 @@ void CachedStores::addCachedConfigStore(const std::string& name, int priority) {
 }
 
 void CachedStores::addCachedConfigStores(const std::wstring& record) {
-    for (const auto& [name, priority] : CachedStoreRecord::parse(record)) {
+    for (const auto& [name, priority] : CachedStoreRecord::getCachedConfigStorePrioityMap(record)) {
         addCachedConfigStore(toString(name), toInt(priority, StorePriorities::cachedCopyOfGivenRecord));
     }
 }
@@ -142,7 +142,7 @@ void CachedStores::updateCacheStorePriority(const std::string& name, int priorit
     const auto chainLock = configStoreManager->holdChain();
     std::wstring record;
     adapter.getConfig(recordKey(), record, false);
-    auto priorities = CachedStoreRecord::parse(record);
+    auto priorities = CachedStoreRecord::getCachedConfigStorePrioityMap(record);
     priorities.insert_or_assign(KyrCoreUtils::toWideString(name), KyrCoreUtils::toWideString(priority));
     configStoreManager->storeValue(recordKey(), CachedStoreRecord::format(priorities));
 }
