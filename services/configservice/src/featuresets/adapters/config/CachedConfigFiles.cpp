@@ -39,7 +39,7 @@ std::string CachedConfigFiles::getPath(const std::string& fileName) {
     return getDirectory() + FileUtils::FileSeparator() + fileName;
 }
 
-bool CachedConfigFiles::remove(const std::string& fileName) {
+bool CachedConfigFiles::removeCachedFiles(const std::string& fileName) {
     bool found = removeIfPresent(getPath(fileName));
     if (extensionOf(fileName) == xmlExtension && removeIfPresent(getPath(withExtension(fileName, datExtension)))) {
         found = true;

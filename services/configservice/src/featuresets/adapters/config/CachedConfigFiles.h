@@ -17,8 +17,8 @@ public:
     /// Where a store's copy lies.
     static std::string getPathOfCopy(const std::string& storeName) { return getPath(getFileName(storeName)); }
 
-    /// Deletes the file, and the ".dat" twin of an ".xml" file. True when either was there, deleted or not.
-    static bool remove(const std::string& fileName);
+    /// Deletes the file, and the ".dat" twin of an ".xml" file. Returns true if either existed, deleted or not.
+    static bool removeCachedFiles(const std::string& fileName);
 
     /// The names of the copies, each in its ".xml" form, whichever form lies in the folder.
     static std::vector<std::string> getXmlNames();

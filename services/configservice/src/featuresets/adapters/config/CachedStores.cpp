@@ -64,7 +64,7 @@ void CachedStores::InitialiseCachedConfigStores() {
     if (presencePriority) {
         addPresenceStore(*presencePriority);
     }
-    addUrlProvisioningStore();
+    addUrlProvisioningStore({ZEL_HERE});
 }
 
 /// Comes last, so that the product's mode is read with all the other copies in the chain.
@@ -79,13 +79,13 @@ void CachedStores::addPresenceStore(const std::wstring& priority) {
     addCachedConfigStore(toString(name), toInt(priority, StorePriorities::cachedCopy));
 }
 
-void CachedStores::addUrlProvisioningStore() {
+void CachedStores::addUrlProvisioningStore(const LogPlace& place) {
     const std::string name(ConfigKeys::urlProvisioningConfigStore);
     std::wstring allowed;
     configStoreManager->getValue(std::wstring(ConfigKeys::allowUrlProvisioning), allowed,
                                  std::string(ConfigKeys::mdmConfigStore));
     if (caseInsensitiveStringEquals(allowed, L"false")) {
-        ZelLog(configAdapterLogger(), ZelLogLevel::Info, ZEL_HERE,
+        ZelLog(configAdapterLogger(), ZelLogLevel::Info, place.file, place.line, place.function,
                "Url Provisioning not allowed by MDM configuration, removing cached URL provisioning store");
         adapter.removeConfigStore(name);
         return;

@@ -114,7 +114,7 @@ TEST_F(ConfigStoreManagerReset, CachedXmlFileGoesWithItsTwin) {
     EXPECT_THAT(logged(), ElementsAre("Removed file: " + cached("cachedR.xml").string(),
                                       "Removed file: " + cached("cachedR.dat").string()));
     EXPECT_EQ(loggedAt(ZelLogLevel::Info), logged());
-    EXPECT_EQ(log.getRecords().front().function, "ZelUnified::CachedConfigFiles::removeFile");
+    EXPECT_EQ(log.getRecords().front().function, "ZelUnified::ConfigStoreManager::removeFile");
 }
 
 TEST_F(ConfigStoreManagerReset, TwinOfACachedXmlFileIsEnough) {
