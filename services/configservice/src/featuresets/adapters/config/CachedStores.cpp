@@ -26,19 +26,14 @@ const std::wstring& recordKey() {
     return key;
 }
 
-/// Whether a copy of that name would lie outside the cache folder. A name may hold separators, but the record is
-/// foreign text, and no store needs the parent folder in its name.
-bool leadsOutOfCacheFolder(std::string_view name) {
-    constexpr std::string_view separators = "/\\";
-    const auto isSeparator = [&](std::size_t at) {
-        return at < name.size() && separators.find(name[at]) != std::string_view::npos;
-    };
-    for (auto at = name.find(".."); at != std::string_view::npos; at = name.find("..", at + 1)) {
-        if (at > 0 && isSeparator(at - 1) && isSeparator(at + 2)) {
-            return true;
-        }
+/// Returns true and logs a warning if a store of that name has no copy.
+bool isRefused(const std::string& name, std::string_view refusal, const LogPlace& place) {
+    if (CachedConfigFiles::mayHaveCopy(name)) {
+        return false;
     }
-    return false;
+    ZelLog(configAdapterLogger(), ZelLogLevel::Warning, place.file, place.line, place.function,
+           "Name contains \"..\", " + std::string(refusal) + ": [" + name + "]");
+    return true;
 }
 
 } // namespace
@@ -95,7 +90,7 @@ void CachedStores::addUrlProvisioningStore(const LogPlace& place) {
 }
 
 void CachedStores::addCachedConfigStore(const std::string& name, int priority) {
-    if (getLumoraSDKMode() || leadsOutOfCacheFolder(name)) {
+    if (getLumoraSDKMode() || isRefused(name, "cached store not read", {ZEL_HERE})) {
         return;
     }
     // The copy bears the live store's own name, so that the live store takes its place on arrival.
@@ -110,7 +105,7 @@ void CachedStores::addCachedConfigStores(const std::wstring& record) {
 }
 
 void CachedStores::cacheStoreOnConfigStoreAdded(const std::shared_ptr<ConfigStore>& store) {
-    if (getLumoraSDKMode()) {
+    if (getLumoraSDKMode() || isRefused(store->getName(), "store not cached", {ZEL_HERE})) {
         return;
     }
     ConfigMap values;

@@ -148,6 +148,24 @@ TEST_F(ConfigStoreManagerReset, FileThatCannotBeRemovedIsAnErrorAndStillCounts) 
                 ElementsAre("Failed to remove file: " + cached("cachedR.dat").string()));
 }
 
+TEST_F(ConfigStoreManagerReset, FileThroughTheParentFolderIsNotRemoved) {
+    testing_host::writeFile(profile.config() / "victim.dat", "x");
+    testing_host::writeFile(cached("cached..") / "x.dat", "x");
+    testing_host::writeFile(cached("cached...dat"), "x");
+    testing_host::writeFile(cached("other...dat"), "x");
+    for (const auto* name : {"../victim.dat", "../victim.xml", "cached../x.dat", "cached../x.xml", "cached...dat"}) {
+        log.clear();
+        EXPECT_FALSE(manager.removeCachedFiles(name)) << name;
+        EXPECT_THAT(logged(),
+                    ElementsAre("Name contains \"..\", cached file not removed: [" + std::string(name) + "]"));
+        EXPECT_EQ(loggedAt(ZelLogLevel::Warning), logged());
+    }
+    EXPECT_TRUE(std::filesystem::exists(profile.config() / "victim.dat"));
+    EXPECT_TRUE(std::filesystem::exists(cached("cached..") / "x.dat"));
+    EXPECT_TRUE(std::filesystem::exists(cached("cached...dat")));
+    EXPECT_TRUE(manager.removeCachedFiles("other...dat"));
+}
+
 TEST_F(ConfigStoreManagerReset, AllCachedFilesGoAndStoresNamedAfterThem) {
     testing_host::writeFile(cached("cachedA.dat"), "x");
     testing_host::writeFile(cached("cachedB.xml"), "x");
