@@ -48,7 +48,7 @@ public:
         store->persistValues();
         zel::SecureString content;
         ZelUnified::ConfigTable table(values);
-        ZelUnified::LocalFileDocument::write(table, content);
+        ZelUnified::LocalFileDocument::getDataString(table, content);
         content.withClearText([this](std::string_view clear) { document = clear; });
         cipher.encipher(document);
         require(openStore()->getKeys().size() == keyCount, "the file");

@@ -14,9 +14,9 @@ using ZelUnified::CachedStoreRecord;
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data,
                                       std::size_t size) { // NOLINT(readability-identifier-naming)
     const auto record = KyrCoreUtils::toWideString(std::string_view(reinterpret_cast<const char*>(data), size));
-    const auto priorities = CachedStoreRecord::parse(record);
+    const auto priorities = CachedStoreRecord::getCachedConfigStorePrioityMap(record);
     const auto written = CachedStoreRecord::format(priorities);
-    require(CachedStoreRecord::parse(written) == priorities);
+    require(CachedStoreRecord::getCachedConfigStorePrioityMap(written) == priorities);
     for (const auto& [name, priority] : priorities) {
         require(CachedStoreRecord::without(record, name).size() < record.size());
         require(CachedStoreRecord::without(written, name).size() < written.size());

@@ -22,7 +22,7 @@ constexpr std::size_t comparedLength = 1'000'000;
 std::string write(const ConfigMap& values) {
     zel::SecureString content;
     ConfigTable table(values);
-    LocalFileDocument::write(table, content);
+    LocalFileDocument::getDataString(table, content);
     std::string text;
     content.withClearText([&](std::string_view clear) { text = clear; });
     return text;

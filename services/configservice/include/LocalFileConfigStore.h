@@ -75,8 +75,9 @@ private:
     bool readFromFile();
     bool readFromEncryptedFile();
     bool readProtectedText(zel::SecureString& content);
+    /// Whether the store keeps a second file: only the user's own store does.
+    bool hasBackup() const;
     void take(ConfigMap read);
-    void quarantine(const std::string& path);
     void createConfigDirectory();
     void persistValuesImpl(const std::string& target);
     void getDataString(zel::SecureString& content);

@@ -1,6 +1,7 @@
 #include "ChainModel.h"
 
 #include "KeyNames.h"
+#include "StoreRecord.h"
 
 #include <algorithm>
 #include <utility>
@@ -218,6 +219,11 @@ void ChainModel::removeAllCachedStores() {
 }
 
 bool ChainModel::removeCachedFiles(const std::string& fileName) {
+    const bool isCopy = fileName.starts_with("cached") && (fileName.ends_with(".dat") || fileName.ends_with(".xml"));
+    if (!mayHaveCopy(fileName) || (isCopy && !mayHaveCopy(fileName.substr(6, fileName.size() - 10)))) {
+        log.push_back("Name contains \"..\", cached file not removed: [" + fileName + "]");
+        return false;
+    }
     bool found = removeCachedFile(fileName);
     if (extensionOf(fileName) == ".xml") {
         found = removeCachedFile(withExtension(fileName, ".dat")) || found;

@@ -179,7 +179,7 @@ void ServiceModel::initialiseCachedStores() {
         if (isSame(narrow(name), presenceStore)) {
             presence = true;
             presencePriority = priority;
-        } else if (!isSdkMode()) {
+        } else if (!isSdkMode() && mayHaveCopy(narrow(name))) {
             addCopy(narrow(name), readPriority(priority));
         }
     }
@@ -227,7 +227,7 @@ void ServiceModel::updateStore(const StoreShape& shape, const std::vector<std::w
 }
 
 void ServiceModel::cacheStore(const ModelStore& store) {
-    if (isSdkMode()) {
+    if (isSdkMode() || !mayHaveCopy(store.shape.name)) {
         return;
     }
     const auto fileName = copyNameOf(store.shape.name);

@@ -1,5 +1,6 @@
 #include "StoreRecord.h"
 
+#include <algorithm>
 #include <charconv>
 #include <string_view>
 #include <vector>
@@ -61,6 +62,11 @@ std::wstring recordWithout(std::wstring text, const std::string& name) {
         }
     }
     return text;
+}
+
+bool mayHaveCopy(std::string storeName) {
+    std::replace(storeName.begin(), storeName.end(), '\\', '/');
+    return ("/" + storeName + "/").find("/../") == std::string::npos;
 }
 
 } // namespace config_model

@@ -14,4 +14,7 @@ int readPriority(const std::wstring& text);
 std::wstring recordWith(const std::wstring& text, const std::string& name, int priority);
 std::wstring recordWithout(std::wstring text, const std::string& name);
 
+/// Returns false if ".." stands between the separators of the name: such a store has no copy on the disk.
+bool mayHaveCopy(std::string storeName);
+
 } // namespace config_model

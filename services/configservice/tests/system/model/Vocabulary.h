@@ -47,6 +47,8 @@ inline const std::string storeNames[] = {
     "cachedAlpha.dat",
     "cachedBeta.xml",
     "Beta",
+    "/../Away",
+    "../Near",
 };
 
 inline const std::string placedFiles[] = {
@@ -54,8 +56,9 @@ inline const std::string placedFiles[] = {
 };
 
 inline const std::string removedFiles[] = {
-    "cachedAlpha.dat", "cachedALPHA.dat", "cachedBeta.xml", "cachedBeta.dat",
-    "plain",           "other.txt",       "Alpha.xml",      "cachedUrlProvisioningConfigStore.dat",
+    "cachedAlpha.dat", "cachedALPHA.dat",   "cachedBeta.xml", "cachedBeta.dat",
+    "plain",           "other.txt",         "Alpha.xml",      "cachedUrlProvisioningConfigStore.dat",
+    "../outside.dat",  "cached../Near.dat",
 };
 
 inline const std::wstring urls[] = {
@@ -99,7 +102,8 @@ inline const std::wstring serviceKeys[] = {
 inline const std::wstring serviceValues[] = {L"one", L"two", L"", L"ONE", L"false", L"True", L"Phone_Mode", L"mirrox"};
 
 inline const std::wstring records[] = {
-    L"Alpha:41;", L"A:abc;B;", L"PresenceConfigStore:31;TftpStore:41;", L"alpha:5;::;;", L"MyTftpStore:7", L"",
+    L"Alpha:41;",           L"A:abc;B;", L"PresenceConfigStore:31;TftpStore:41;", L"alpha:5;::;;", L"MyTftpStore:7",
+    L"/../Away:7;Alpha:9;", L"",
 };
 
 inline const std::string serviceStores[] = {
@@ -115,6 +119,7 @@ inline const std::string serviceStores[] = {
     "InMemoryConfigStore",
     "RegistryConfigStore",
     "BrindleConfigStore",
+    "/../Away",
     "lumora-config-defaults.xml",
 };
 

@@ -32,21 +32,24 @@ void EnabledServices::SetEnabledServices() {
 }
 
 void EnabledServices::SetTelephonyEnabled() {
-    if (isLeftToDerivation(ConfigKeys::telephonyEnabled)) {
+    const LogPlace place{ZEL_HERE};
+    if (isLeftToDerivation(ConfigKeys::telephonyEnabled, place)) {
         setFlag(ConfigKeys::telephonyEnabled,
-                "Setting telephonyEnabled flag: ", isAnySet(ConfigKeys::ctiServer1, ConfigKeys::sabrelServer1));
+                "Setting telephonyEnabled flag: ", isAnySet(ConfigKeys::ctiServer1, ConfigKeys::sabrelServer1), place);
     }
 }
 
 void EnabledServices::SetVoicemailEnabled() {
-    if (isLeftToDerivation(voicemailEnabledKey)) {
+    const LogPlace place{ZEL_HERE};
+    if (isLeftToDerivation(voicemailEnabledKey, place)) {
         setFlag(voicemailEnabledKey, "Setting voicemailEnabled flag:",
-                isAnySet(ConfigKeys::voicemailPrimaryServer, ConfigKeys::vvmMailstoreServer0));
+                isAnySet(ConfigKeys::voicemailPrimaryServer, ConfigKeys::vvmMailstoreServer0), place);
     }
 }
 
 void EnabledServices::SetMeetingsEnabled() {
-    if (!isLeftToDerivation(ConfigKeys::meetingsEnabled)) {
+    const LogPlace place{ZEL_HERE};
+    if (!isLeftToDerivation(ConfigKeys::meetingsEnabled, place)) {
         return;
     }
     constexpr std::array<std::wstring_view, 3> suffixes{L"", L"_Backup", L"_Backup2"};
@@ -54,7 +57,7 @@ void EnabledServices::SetMeetingsEnabled() {
     for (const auto suffix : suffixes) {
         flag |= hasMeetingServer(suffix);
     }
-    setFlag(ConfigKeys::meetingsEnabled, "Setting Meetings_Enabled flag: ", flag);
+    setFlag(ConfigKeys::meetingsEnabled, "Setting Meetings_Enabled flag: ", flag, place);
 }
 
 bool EnabledServices::shouldSetEnabledServicesBasedOnCachedStores() {
@@ -66,7 +69,7 @@ bool EnabledServices::shouldSetEnabledServicesBasedOnCachedStores() {
     });
 }
 
-bool EnabledServices::isLeftToDerivation(std::wstring_view flagKey) const {
+bool EnabledServices::isLeftToDerivation(std::wstring_view flagKey, const LogPlace& place) const {
     std::wstring value;
     std::wstring storeName;
     bool valueFromLegacyKey = false;
@@ -74,7 +77,7 @@ bool EnabledServices::isLeftToDerivation(std::wstring_view flagKey) const {
     if (caseInsensitiveStringEquals(storeName, KyrCoreUtils::toWideString(ConfigKeys::configDefaultsFile))) {
         return true;
     }
-    ZelLog(configAdapterLogger(), ZelLogLevel::Info, ZEL_HERE,
+    ZelLog(configAdapterLogger(), ZelLogLevel::Info, place.file, place.line, place.function,
            std::wstring(flagKey) + L" explicitly set to '" + value + L"' in the '" + storeName + L"' config store");
     return false;
 }
@@ -97,8 +100,10 @@ std::wstring EnabledServices::read(std::wstring_view key) const {
     return value;
 }
 
-void EnabledServices::setFlag(std::wstring_view flagKey, const std::string& logPrefix, bool flag) {
-    ZelLog(configAdapterLogger(), ZelLogLevel::Info, ZEL_HERE, logPrefix + (flag ? "1" : "0"));
+void EnabledServices::setFlag(std::wstring_view flagKey, const std::string& logPrefix, bool flag,
+                              const LogPlace& place) {
+    ZelLog(configAdapterLogger(), ZelLogLevel::Info, place.file, place.line, place.function,
+           logPrefix + (flag ? "1" : "0"));
     configStoreManager->setInMemoryValue(std::wstring(flagKey), KyrCoreUtils::toWideString(flag));
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "featuresets/adapters/config/chain/ConfigStoreManager.h"
+#include "logging/LogPlace.h"
 
 #include <memory>
 #include <string>
@@ -29,12 +30,13 @@ private:
     /// "STARTUP_AUTHENTICATION_REQUIRED" is never derived.
     void SetStartupAuthenticationRequiredEnabled() {}
 
-    /// Whether the flag is to be derived; logs who set it otherwise.
-    bool isLeftToDerivation(std::wstring_view flagKey) const;
+    /// Returns true if the flag is to be derived; otherwise logs who set it.
+    bool isLeftToDerivation(std::wstring_view flagKey, const LogPlace& place) const;
     bool isAnySet(std::wstring_view firstKey, std::wstring_view secondKey) const;
     bool hasMeetingServer(std::wstring_view suffix) const;
     std::wstring read(std::wstring_view key) const;
-    void setFlag(std::wstring_view flagKey, const std::string& logPrefix, bool flag);
+    /// Logs the flag and stores it in the in-memory store.
+    void setFlag(std::wstring_view flagKey, const std::string& logPrefix, bool flag, const LogPlace& place);
 
     const std::shared_ptr<ConfigStoreManager> configStoreManager; ///< Null in an adapter without a factory.
 };

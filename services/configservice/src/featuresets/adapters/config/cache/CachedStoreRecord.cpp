@@ -6,7 +6,7 @@
 
 namespace ZelUnified {
 
-ConfigMap CachedStoreRecord::parse(std::wstring_view record) {
+ConfigMap CachedStoreRecord::getCachedConfigStorePrioityMap(const std::wstring& record) {
     ConfigMap priorities;
     std::vector<std::wstring> entries;
     std::vector<std::wstring> parts;

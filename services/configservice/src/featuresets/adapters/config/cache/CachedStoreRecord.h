@@ -11,9 +11,9 @@ namespace ZelUnified {
 /// `name:priority;`, the last one closed too.
 class CachedStoreRecord {
 public:
-    /// Name to priority text. A piece that is not exactly a name and a priority is left out; a repeated name keeps its
-    /// last priority.
-    static ConfigMap parse(std::wstring_view record);
+    /// Returns the entries as name to priority text. A piece that is not exactly a name and a priority is left out; a
+    /// repeated name keeps its last priority. The misspelt name is the published one.
+    static ConfigMap getCachedConfigStorePrioityMap(const std::wstring& record);
     /// The entries in map order.
     static std::wstring format(const ConfigMap& priorities);
     /// Cuts the first occurrence of `name`, as plain text ignoring case, through the ";" that closes its entry.

@@ -26,19 +26,14 @@ const std::wstring& recordKey() {
     return key;
 }
 
-/// Whether a copy of that name would lie outside the cache folder. A name may hold separators, but the record is
-/// foreign text, and no store needs the parent folder in its name.
-bool leadsOutOfCacheFolder(std::string_view name) {
-    constexpr std::string_view separators = "/\\";
-    const auto isSeparator = [&](std::size_t at) {
-        return at < name.size() && separators.find(name[at]) != std::string_view::npos;
-    };
-    for (auto at = name.find(".."); at != std::string_view::npos; at = name.find("..", at + 1)) {
-        if (at > 0 && isSeparator(at - 1) && isSeparator(at + 2)) {
-            return true;
-        }
+/// Returns true and logs a warning if a store of that name has no copy.
+bool isRefused(const std::string& name, std::string_view refusal, const LogPlace& place) {
+    if (CachedConfigFiles::mayHaveCopy(name)) {
+        return false;
     }
-    return false;
+    ZelLog(configAdapterLogger(), ZelLogLevel::Warning, place.file, place.line, place.function,
+           "Name contains \"..\", " + std::string(refusal) + ": [" + name + "]");
+    return true;
 }
 
 } // namespace
@@ -54,7 +49,7 @@ void CachedStores::InitialiseCachedConfigStores() {
     std::wstring record;
     configStoreManager->getValue(recordKey(), record);
     std::optional<std::wstring> presencePriority;
-    for (const auto& [name, priority] : CachedStoreRecord::parse(record)) {
+    for (const auto& [name, priority] : CachedStoreRecord::getCachedConfigStorePrioityMap(record)) {
         if (caseInsensitiveStringEquals(name, ConfigKeys::presenceConfigStore)) {
             presencePriority = priority;
         } else {
@@ -64,7 +59,7 @@ void CachedStores::InitialiseCachedConfigStores() {
     if (presencePriority) {
         addPresenceStore(*presencePriority);
     }
-    addUrlProvisioningStore();
+    addUrlProvisioningStore({ZEL_HERE});
 }
 
 /// Comes last, so that the product's mode is read with all the other copies in the chain.
@@ -79,13 +74,13 @@ void CachedStores::addPresenceStore(const std::wstring& priority) {
     addCachedConfigStore(toString(name), toInt(priority, StorePriorities::cachedCopy));
 }
 
-void CachedStores::addUrlProvisioningStore() {
+void CachedStores::addUrlProvisioningStore(const LogPlace& place) {
     const std::string name(ConfigKeys::urlProvisioningConfigStore);
     std::wstring allowed;
     configStoreManager->getValue(std::wstring(ConfigKeys::allowUrlProvisioning), allowed,
                                  std::string(ConfigKeys::mdmConfigStore));
     if (caseInsensitiveStringEquals(allowed, L"false")) {
-        ZelLog(configAdapterLogger(), ZelLogLevel::Info, ZEL_HERE,
+        ZelLog(configAdapterLogger(), ZelLogLevel::Info, place.file, place.line, place.function,
                "Url Provisioning not allowed by MDM configuration, removing cached URL provisioning store");
         adapter.removeConfigStore(name);
         return;
@@ -95,7 +90,7 @@ void CachedStores::addUrlProvisioningStore() {
 }
 
 void CachedStores::addCachedConfigStore(const std::string& name, int priority) {
-    if (getLumoraSDKMode() || leadsOutOfCacheFolder(name)) {
+    if (getLumoraSDKMode() || isRefused(name, "cached store not read", {ZEL_HERE})) {
         return;
     }
     // The copy bears the live store's own name, so that the live store takes its place on arrival.
@@ -104,13 +99,13 @@ void CachedStores::addCachedConfigStore(const std::string& name, int priority) {
 }
 
 void CachedStores::addCachedConfigStores(const std::wstring& record) {
-    for (const auto& [name, priority] : CachedStoreRecord::parse(record)) {
+    for (const auto& [name, priority] : CachedStoreRecord::getCachedConfigStorePrioityMap(record)) {
         addCachedConfigStore(toString(name), toInt(priority, StorePriorities::cachedCopyOfGivenRecord));
     }
 }
 
 void CachedStores::cacheStoreOnConfigStoreAdded(const std::shared_ptr<ConfigStore>& store) {
-    if (getLumoraSDKMode()) {
+    if (getLumoraSDKMode() || isRefused(store->getName(), "store not cached", {ZEL_HERE})) {
         return;
     }
     ConfigMap values;
@@ -142,7 +137,7 @@ void CachedStores::updateCacheStorePriority(const std::string& name, int priorit
     const auto chainLock = configStoreManager->holdChain();
     std::wstring record;
     adapter.getConfig(recordKey(), record, false);
-    auto priorities = CachedStoreRecord::parse(record);
+    auto priorities = CachedStoreRecord::getCachedConfigStorePrioityMap(record);
     priorities.insert_or_assign(KyrCoreUtils::toWideString(name), KyrCoreUtils::toWideString(priority));
     configStoreManager->storeValue(recordKey(), CachedStoreRecord::format(priorities));
 }

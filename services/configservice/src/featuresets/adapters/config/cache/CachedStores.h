@@ -1,6 +1,7 @@
 #pragma once
 
 #include "featuresets/adapters/config/chain/ConfigStoreManager.h"
+#include "logging/LogPlace.h"
 
 #include <ConfigFeatureSet.h>
 #include <ConfigStore.h>
@@ -37,7 +38,7 @@ public:
 private:
     void addCachedConfigStore(const std::string& name, int priority);
     void addPresenceStore(const std::wstring& priority);
-    void addUrlProvisioningStore();
+    void addUrlProvisioningStore(const LogPlace& place);
     static void copyAllStoreValues(const std::shared_ptr<ConfigStore>& store, ConfigMap& values);
 
     ConfigFeatureSet& adapter;

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <zel/ZelLog.h>
+#include "logging/OperationLogger.h"
 
 namespace ZelUnified {
 
 /// The logger of the adapter and of the classes it is made of.
-inline ZelLogger& configAdapterLogger() {
-    static ZelLogger& logger = ZelLogger_getLogger("ConfigService-ConfigAdapter");
+inline const OperationLogger& configAdapterLogger() {
+    static const OperationLogger logger("ConfigAdapter");
     return logger;
 }
 

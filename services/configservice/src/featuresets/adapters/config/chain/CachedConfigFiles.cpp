@@ -12,6 +12,7 @@ using KyrCoreUtils::FileUtils;
 
 namespace {
 
+constexpr std::string_view copyPrefix = "cached";
 constexpr std::string_view xmlExtension = ".xml";
 constexpr std::string_view datExtension = ".dat";
 
@@ -25,6 +26,17 @@ std::string withExtension(std::string_view name, std::string_view extension) {
     return std::string(name.substr(0, name.rfind('.'))).append(extension);
 }
 
+/// Returns the name of the store whose copy has that name, or the file's name if it is no copy.
+std::string_view storeNameOf(std::string_view fileName) {
+    const auto extension = extensionOf(fileName);
+    if (!fileName.starts_with(copyPrefix) || (extension != datExtension && extension != xmlExtension)) {
+        return fileName;
+    }
+    fileName.remove_suffix(extension.size());
+    fileName.remove_prefix(copyPrefix.size());
+    return fileName;
+}
+
 } // namespace
 
 std::string CachedConfigFiles::getDirectory() {
@@ -32,14 +44,32 @@ std::string CachedConfigFiles::getDirectory() {
 }
 
 std::string CachedConfigFiles::getFileName(const std::string& storeName) {
-    return "cached" + storeName + ".dat";
+    return std::string(copyPrefix).append(storeName).append(datExtension);
 }
 
 std::string CachedConfigFiles::getPath(const std::string& fileName) {
     return getDirectory() + FileUtils::FileSeparator() + fileName;
 }
 
-bool CachedConfigFiles::remove(const std::string& fileName) {
+bool CachedConfigFiles::mayHaveCopy(std::string_view storeName) {
+    for (;;) {
+        const auto separator = storeName.find_first_of("/\\");
+        if (storeName.substr(0, separator) == "..") {
+            return false;
+        }
+        if (separator == storeName.npos) {
+            return true;
+        }
+        storeName.remove_prefix(separator + 1);
+    }
+}
+
+bool CachedConfigFiles::removeCachedFiles(const std::string& fileName) {
+    if (!mayHaveCopy(fileName) || !mayHaveCopy(storeNameOf(fileName))) {
+        ZelLog(configStoreManagerLogger(), ZelLogLevel::Warning, ZEL_HERE,
+               "Name contains \"..\", cached file not removed: [" + fileName + "]");
+        return false;
+    }
     bool found = removeIfPresent(getPath(fileName));
     if (extensionOf(fileName) == xmlExtension && removeIfPresent(getPath(withExtension(fileName, datExtension)))) {
         found = true;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace ZelUnified {
@@ -17,8 +18,13 @@ public:
     /// Where a store's copy lies.
     static std::string getPathOfCopy(const std::string& storeName) { return getPath(getFileName(storeName)); }
 
-    /// Deletes the file, and the ".dat" twin of an ".xml" file. True when either was there, deleted or not.
-    static bool remove(const std::string& fileName);
+    /// Returns false if ".." is a component of the name, split at the separators of either platform: the path of the
+    /// copy could lead out of the folder. Such a store has no copy.
+    static bool mayHaveCopy(std::string_view storeName);
+
+    /// Deletes the file, and the ".dat" twin of an ".xml" file. Returns true if either existed, deleted or not. Refuses
+    /// a path through ".." and the copy of a store that has none, logs a warning and returns false.
+    static bool removeCachedFiles(const std::string& fileName);
 
     /// The names of the copies, each in its ".xml" form, whichever form lies in the folder.
     static std::vector<std::string> getXmlNames();

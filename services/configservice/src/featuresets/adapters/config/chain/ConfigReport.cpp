@@ -32,17 +32,19 @@ std::size_t startOfContent(const std::string& text) {
 
 } // namespace
 
-std::wstring ConfigReport::describeStores(const StoreChain::Stores& stores, const IsSensitive& isSensitive) {
+std::wstring ConfigReport::describeStores(const StoreChain::Stores& stores, const IsSensitive& isSensitive,
+                                          const LogPlace& place) {
     XmlWriter writer(XmlWriter::Declaration::Without);
     writer.startElement("AllMemoryConfigs");
     for (const auto& store : stores) {
-        writeStore(writer, *store, isSensitive);
+        writeStore(writer, *store, isSensitive, place);
     }
     writer.endElement();
     return toWideString(writer.finish());
 }
 
-void ConfigReport::writeStore(XmlWriter& writer, ConfigStore& store, const IsSensitive& isSensitive) {
+void ConfigReport::writeStore(XmlWriter& writer, ConfigStore& store, const IsSensitive& isSensitive,
+                              const LogPlace& place) {
     const auto keys = store.getKeys();
     const auto name = store.getName();
     const auto priority = store.getPriority();
@@ -59,14 +61,14 @@ void ConfigReport::writeStore(XmlWriter& writer, ConfigStore& store, const IsSen
         }
         store.getValue(key, value);
         if (!writer.writeElement(toString(key), value)) {
-            ZelLog(configStoreManagerLogger(), ZelLogLevel::Warning, ZEL_HERE,
+            ZelLog(configStoreManagerLogger(), ZelLogLevel::Warning, place.file, place.line, place.function,
                    L"Characters that XML can't carry are replaced in the report of key: " + key);
         }
     }
     writer.endElement();
 }
 
-std::wstring ConfigReport::readDataFiles() {
+std::wstring ConfigReport::getConfigForPRTFromFile() {
     std::wstring report;
     for (const auto* name : {"home-fenn-info.dat", "service-location.dat", "SSOAuthInfoStore.dat"}) {
         const auto path = FileUtils::getConfigDirectory() + FileUtils::FileSeparator() + name;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "StoreChain.h"
+#include "logging/LogPlace.h"
 
 #include <functional>
 #include <string>
@@ -17,14 +18,17 @@ public:
 
     /// The element "AllMemoryConfigs". The shipped defaults, the same on every installation, and stores without keys
     /// are left out. Keys are written as they stand, valid XML names or not. Empty when the writer can't be made.
-    static std::wstring describeStores(const StoreChain::Stores& stores, const IsSensitive& isSensitive);
+    /// `place` is the caller's, for the log.
+    static std::wstring describeStores(const StoreChain::Stores& stores, const IsSensitive& isSensitive,
+                                       const LogPlace& place);
 
     /// The data files without their XML declarations. One that can't be read is logged and left out. An empty one
-    /// raises std::out_of_range.
-    static std::wstring readDataFiles();
+    /// raises std::out_of_range. Named after the manager's operation, which is what a log line names.
+    static std::wstring getConfigForPRTFromFile();
 
 private:
-    static void writeStore(XmlWriter& writer, ConfigStore& store, const IsSensitive& isSensitive);
+    static void writeStore(XmlWriter& writer, ConfigStore& store, const IsSensitive& isSensitive,
+                           const LogPlace& place);
 };
 
 } // namespace ZelUnified

@@ -146,11 +146,11 @@ std::shared_ptr<ConfigStore> ConfigStoreManager::getStoreByName(const std::strin
 }
 
 void ConfigStoreManager::registerConfigStoreAddedObserver(const std::shared_ptr<ConfigStoreAddedObserver>& observer) {
-    storeAddedObservers.add(observer);
+    storeAddedObservers.registerConfigStoreAddedObserver(observer);
 }
 
 void ConfigStoreManager::unregisterConfigStoreAddedObserver(const std::shared_ptr<ConfigStoreAddedObserver>& observer) {
-    storeAddedObservers.remove(observer);
+    storeAddedObservers.unregisterConfigStoreAddedObserver(observer);
 }
 
 void ConfigStoreManager::addObserver(ConfigStoreManager_Observer* observer) {
@@ -213,9 +213,7 @@ const std::wstring* ConfigStoreManager::fireConfigChange(const std::wstring& key
 
 ConfigChange ConfigStoreManager::readConfigChange(const FoldedKey& key) const {
     ConfigChange change;
-    if (lookup.readInOneWalk(key, change)) {
-        logLookup(key, change.value, change.isDefined, change.valueStoreName, ConfigLookup::FoundUnder::AskedName,
-                  false);
+    if (getValue(key, change)) {
         return change;
     }
     bool valueFromLegacyKey = false;

@@ -17,6 +17,7 @@
 
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -120,10 +121,13 @@ private:
     /// As the public ones. The store's name is asked for only where `configStoreName` is not null.
     bool getValue(const FoldedKey& key, std::wstring& value, std::wstring* configStoreName, bool& valueFromLegacyKey,
                   bool skipLocal, const std::string& storeFilter) const;
+    /// Reads all of `change` in one walk and logs the lookup. Returns false and reads nothing if two walks are needed.
+    bool getValue(const FoldedKey& key, ConfigChange& change) const;
 
-    /// Logs what a lookup ended with.
-    void logLookup(const FoldedKey& key, std::wstring_view value, bool found, std::wstring_view storeName,
-                   ConfigLookup::FoundUnder foundUnder, bool skipLocal) const;
+    /// Returns the debug line of a lookup, or nothing if debug logging is off.
+    std::optional<std::wstring> describeLookup(const FoldedKey& key, std::wstring_view value, bool found,
+                                               std::wstring_view storeName, ConfigLookup::FoundUnder foundUnder,
+                                               bool skipLocal) const;
 
     mutable ChainLock chainLock; ///< Recursive: updates go through addStore(), callbacks read the chain.
     StoreChain configStores;     ///< Changed under `chainLock`. No two stores of one name.

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <zel/ZelLog.h>
+#include "logging/OperationLogger.h"
 
 namespace ZelUnified {
 
 /// The logger of the manager and of the classes it is made of.
-inline ZelLogger& configStoreManagerLogger() {
-    static ZelLogger& logger = ZelLogger_getLogger("ConfigService-ConfigStoreManager");
+inline const OperationLogger& configStoreManagerLogger() {
+    static const OperationLogger logger("ConfigStoreManager");
     return logger;
 }
 

@@ -78,7 +78,9 @@ bool ConfigStoreManager::getValue(const FoldedKey& key, std::wstring& value, std
     std::wstring storeName = configStoreName == nullptr ? std::wstring() : *configStoreName;
     std::wstring* const wantedName = configStoreName != nullptr || isLogged ? &storeName : nullptr;
     const bool found = lookup.getValue(key, answer, wantedName, valueFromLegacyKey, skipLocal, storeFilter, foundUnder);
-    logLookup(key, answer, found, storeName, foundUnder, skipLocal);
+    if (const auto line = describeLookup(key, answer, found, storeName, foundUnder, skipLocal)) {
+        ZelLog(configStoreManagerLogger(), ZelLogLevel::Debug, ZEL_HERE, *line);
+    }
     value = std::move(answer);
     if (configStoreName != nullptr) {
         *configStoreName = std::move(storeName);
@@ -86,22 +88,32 @@ bool ConfigStoreManager::getValue(const FoldedKey& key, std::wstring& value, std
     return found;
 }
 
-void ConfigStoreManager::logLookup(const FoldedKey& key, std::wstring_view value, bool found,
-                                   std::wstring_view storeName, ConfigLookup::FoundUnder foundUnder,
-                                   bool skipLocal) const {
+bool ConfigStoreManager::getValue(const FoldedKey& key, ConfigChange& change) const {
+    if (!lookup.readInOneWalk(key, change)) {
+        return false;
+    }
+    if (const auto line = describeLookup(key, change.value, change.isDefined, change.valueStoreName,
+                                         ConfigLookup::FoundUnder::AskedName, false)) {
+        ZelLog(configStoreManagerLogger(), ZelLogLevel::Debug, ZEL_HERE, *line);
+    }
+    return true;
+}
+
+std::optional<std::wstring> ConfigStoreManager::describeLookup(const FoldedKey& key, std::wstring_view value,
+                                                               bool found, std::wstring_view storeName,
+                                                               ConfigLookup::FoundUnder foundUnder,
+                                                               bool skipLocal) const {
     // Masked before it is asked whether anybody logs, so that a log changes nothing but itself.
     std::wstring masked;
     const auto shown = withoutPersonalData(sensitiveKeys.contains(key) ? ConfigKeys::valueHidden : value, masked);
     if (!ZelLog_isDebugEnabled(configStoreManagerLogger())) {
-        return;
+        return std::nullopt;
     }
     std::wostringstream text;
     text << L"key : [" << key.getText() << L"] " << describeRenaming(foundUnder, keyAliases, key) << L"skipLocal : ["
          << skipLocal << L"]  value: [" << shown << L"] success: [" << (found ? L"true" : L"false")
          << L"] configStoreName: [" << storeName << L"]";
-    // Under the name of the operation, whichever walk ends here.
-    ZelLog(configStoreManagerLogger(), ZelLogLevel::Debug, __FILE__, __LINE__,
-           "ZelUnified::ConfigStoreManager::getValue", text.str());
+    return text.str();
 }
 
 bool ConfigStoreManager::getValue(const std::wstring& key, std::wstring& value, std::wstring& configStoreName,
@@ -264,17 +276,17 @@ void ConfigStoreManager::removeAllCachedStores() {
 
 bool ConfigStoreManager::removeCachedFiles(const std::string& fileName) {
     const std::lock_guard lock(chainLock);
-    return CachedConfigFiles::remove(fileName);
+    return CachedConfigFiles::removeCachedFiles(fileName);
 }
 
 void ConfigStoreManager::getConfigForPRT(std::wstring& out) const {
     out = L"<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<AllConfigs>\n";
     {
         const std::lock_guard lock(chainLock);
-        out += ConfigReport::describeStores(*configStores.getStores(),
-                                            [this](const std::wstring& key) { return isSensitiveKey(key); });
+        out += ConfigReport::describeStores(
+            *configStores.getStores(), [this](const std::wstring& key) { return isSensitiveKey(key); }, {ZEL_HERE});
     }
-    out += ConfigReport::readDataFiles();
+    out += ConfigReport::getConfigForPRTFromFile();
     out += L"\n</AllConfigs>";
 }
 

@@ -5,7 +5,7 @@
 
 namespace ZelUnified {
 
-void StoreAddedObservers::add(const std::shared_ptr<ConfigStoreAddedObserver>& observer) {
+void StoreAddedObservers::registerConfigStoreAddedObserver(const std::shared_ptr<ConfigStoreAddedObserver>& observer) {
     if (!observer) {
         return;
     }
@@ -14,7 +14,8 @@ void StoreAddedObservers::add(const std::shared_ptr<ConfigStoreAddedObserver>& o
     ZelLog(configStoreManagerLogger(), ZelLogLevel::Info, ZEL_HERE, "ConfigStoreAddedObserver registered");
 }
 
-void StoreAddedObservers::remove(const std::shared_ptr<ConfigStoreAddedObserver>& observer) {
+void StoreAddedObservers::unregisterConfigStoreAddedObserver(
+    const std::shared_ptr<ConfigStoreAddedObserver>& observer) {
     // Keeps every observer alive until the lock is released: none may die under it.
     const auto living = getLiving();
     const std::lock_guard lock(storeAddedObserversLock);

@@ -19,10 +19,12 @@ class StoreAddedObservers {
 public:
     explicit StoreAddedObservers(std::shared_ptr<UnifiedFactory> factory) : unifiedFactory(std::move(factory)) {}
 
-    /// A null observer is ignored; one that registers twice is called twice.
-    void add(const std::shared_ptr<ConfigStoreAddedObserver>& observer);
-    /// Drops every registration of the observer.
-    void remove(const std::shared_ptr<ConfigStoreAddedObserver>& observer);
+    // The first two are named after the manager's operations, which is what their log lines name.
+
+    /// Appends the observer. Ignores a null one; calls one that registers twice twice.
+    void registerConfigStoreAddedObserver(const std::shared_ptr<ConfigStoreAddedObserver>& observer);
+    /// Removes every registration of the observer.
+    void unregisterConfigStoreAddedObserver(const std::shared_ptr<ConfigStoreAddedObserver>& observer);
     /// Posts one task for each living observer. Without a dispatcher nothing is told.
     void fireConfigStoreAdded(const std::string& storeName) const;
 

@@ -2,6 +2,7 @@
 #include "LocalFileDocument.h"
 #include "StoreAnswer.h"
 #include "featuresets/adapters/config/xml/XmlReader.h"
+#include "logging/LogPlace.h"
 #include "secure/SecureBuffer.h"
 #include "secure/SecureString.h"
 #include "secure/StackWiper.h"
@@ -30,7 +31,7 @@ using zel::storage::FileCategoryType::UserData;
 
 namespace {
 
-ZelLogger& logger = localFileConfigStoreLogger();
+const OperationLogger& logger = localFileConfigStoreLogger();
 
 constexpr std::string_view invalidSyntax =
     "Error Invalid XML syntax detected - Unable to read localFileConfigStore configuration";
@@ -51,6 +52,22 @@ std::string readWhole(const std::string& path) {
         return {};
     }
     return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+/// Logs the content of a file that is not well-formed and moves the file aside.
+void quarantine(const std::string& directory, const std::string& file, const LogPlace& place) {
+    const auto logError = [&place](const auto& text) {
+        ZelLog(logger, ZelLogLevel::Error, place.file, place.line, place.function, text);
+    };
+    const std::string quarantineName = file.substr(0, file.rfind('.')) + "-backup.xml";
+    logError(std::string(invalidSyntax) + "\nrenaming invalid file to: " + quarantineName +
+             " and creating new blank XML document");
+    const std::string content = readWhole(directory + file);
+    logError("contents of invalid xml with string length: " + std::to_string(content.size()) + "\n" + content);
+    const std::string target = directory + quarantineName;
+    if (FileUtils::moveFile(directory + file, target, false) != 0) {
+        logError(L"error creating backup file: " + KyrCoreUtils::toWideString(target));
+    }
 }
 
 } // namespace
@@ -170,6 +187,8 @@ bool LocalFileConfigStore::readFromEncryptedFile() {
     const zel::Mutex::ScopedLock valuesLock(valuesMutex);
     zel::SecureString content;
     if (!readProtectedText(content)) {
+        ZelLog(logger, ZelLogLevel::Error, ZEL_HERE,
+               "Failed to read config file " + configDirectory + (hasBackup() ? backupFileName : fileName));
         return false;
     }
     zel::SecureBuffer clear;
@@ -185,17 +204,12 @@ bool LocalFileConfigStore::readFromEncryptedFile() {
 }
 
 bool LocalFileConfigStore::readProtectedText(zel::SecureString& content) {
-    const std::string mainPath = configDirectory + fileName;
-    const std::string backupPath = configDirectory + backupFileName;
-    if (EncryptFileUtils::readDataFromFile(mainPath, content, UserData)) {
-        return true;
-    }
-    const bool hasBackup = name == ConfigKeys::localFileConfigStore;
-    if (hasBackup && EncryptFileUtils::readDataFromFile(backupPath, content, UserData)) {
-        return true;
-    }
-    ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, "Failed to read config file " + (hasBackup ? backupPath : mainPath));
-    return false;
+    return EncryptFileUtils::readDataFromFile(configDirectory + fileName, content, UserData) ||
+           (hasBackup() && EncryptFileUtils::readDataFromFile(configDirectory + backupFileName, content, UserData));
+}
+
+bool LocalFileConfigStore::hasBackup() const {
+    return name == ConfigKeys::localFileConfigStore;
 }
 
 bool LocalFileConfigStore::readFromFile() {
@@ -210,7 +224,7 @@ bool LocalFileConfigStore::readFromFile() {
     if (const XmlDocument document = XmlReader::readFile(path)) {
         take(readTable(name, document));
     } else {
-        quarantine(path);
+        quarantine(configDirectory, fileName, {ZEL_HERE});
     }
     return true;
 }
@@ -218,21 +232,6 @@ bool LocalFileConfigStore::readFromFile() {
 void LocalFileConfigStore::take(ConfigMap read) {
     lastPersistedValues->noteRemoval();
     values->replace(std::move(read));
-}
-
-void LocalFileConfigStore::quarantine(const std::string& path) {
-    const std::string quarantineName = fileName.substr(0, fileName.rfind('.')) + "-backup.xml";
-    ZelLog(logger, ZelLogLevel::Error, ZEL_HERE,
-           std::string(invalidSyntax) + "\nrenaming invalid file to: " + quarantineName +
-               " and creating new blank XML document");
-    const std::string content = readWhole(path);
-    ZelLog(logger, ZelLogLevel::Error, ZEL_HERE,
-           "contents of invalid xml with string length: " + std::to_string(content.size()) + "\n" + content);
-    const std::string target = configDirectory + quarantineName;
-    if (FileUtils::moveFile(path, target, false) != 0) {
-        ZelLog(logger, ZelLogLevel::Error, ZEL_HERE,
-               L"error creating backup file: " + KyrCoreUtils::toWideString(target));
-    }
 }
 
 void LocalFileConfigStore::createConfigDirectory() {
@@ -257,7 +256,7 @@ void LocalFileConfigStore::persistValues() {
         }
     }
     persistValuesImpl(fileName);
-    if (name == ConfigKeys::localFileConfigStore && timer) {
+    if (hasBackup() && timer) {
         timer->scheduleTimer(
             std::make_shared<LocalFileConfigFileCacheTimerCallBackImpl>(weak_from_this(), backupFileName), interval);
     }
@@ -303,7 +302,7 @@ void LocalFileConfigStore::getDataString(zel::SecureString& content) {
         return;
     }
     createConfigDirectory();
-    LocalFileDocument::write(*values, content);
+    LocalFileDocument::getDataString(*values, content);
 }
 
 void LocalFileConfigStore::backupConfigFile() {

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <zel/ZelLog.h>
+#include "logging/OperationLogger.h"
 
 namespace ZelUnified {
 
 /// The logger of the store and of its document.
-inline ZelLogger& localFileConfigStoreLogger() {
-    static ZelLogger& logger = ZelLogger_getLogger("ConfigService-LocalFileConfigStore");
+inline const OperationLogger& localFileConfigStoreLogger() {
+    static const OperationLogger logger("LocalFileConfigStore");
     return logger;
 }
 

@@ -14,14 +14,7 @@ namespace ZelUnified {
 
 namespace {
 
-ZelLogger& logger = localFileConfigStoreLogger();
-
-void writeAttribute(XmlWriter& writer, const char* attribute, std::wstring_view text, std::wstring_view key) {
-    if (!writer.writeAttribute(attribute, text)) {
-        ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE,
-               L"Characters that XML can't carry are replaced in the entry of key: " + std::wstring(key));
-    }
-}
+const OperationLogger& logger = localFileConfigStoreLogger();
 
 } // namespace
 
@@ -86,13 +79,17 @@ std::wstring LocalFileDocument::migrateKey(const std::wstring& key) {
     return isOldName ? std::wstring(ConfigKeys::voicemailPrimaryServer) : key;
 }
 
-void LocalFileDocument::write(ConfigTable& table, zel::SecureString& content) {
+void LocalFileDocument::getDataString(ConfigTable& table, zel::SecureString& content) {
     XmlWriter writer;
     writer.startElement("Lumora");
     for (const auto& entry : table.list()) {
         writer.startElement("userConfig");
-        writeAttribute(writer, "name", entry->getKey(), entry->getKey());
-        writeAttribute(writer, "value", entry->getValue(), entry->getKey());
+        const bool isKeyWhole = writer.writeAttribute("name", entry->getKey());
+        if (!writer.writeAttribute("value", entry->getValue()) || !isKeyWhole) {
+            ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE,
+                   L"Characters that XML can't carry are replaced in the entry of key: " +
+                       std::wstring(entry->getKey()));
+        }
         writer.endElement();
     }
     std::string text = writer.finish();

@@ -22,8 +22,9 @@ public:
 
     void read(const XmlDocument& document);
 
-    /// Makes the document of `table`, which may put that in order.
-    static void write(ConfigTable& table, zel::SecureString& content);
+    /// Writes the document of `table`, which may put that in order, into `content`. Named after the store's operation,
+    /// which is what a log line names. Leaves `content` unchanged on failure.
+    static void getDataString(ConfigTable& table, zel::SecureString& content);
 
     /// The key under which `key` is kept: an old name gives way to its successor.
     static std::wstring migrateKey(const std::wstring& key);

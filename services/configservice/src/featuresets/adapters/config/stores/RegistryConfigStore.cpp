@@ -5,7 +5,6 @@
 #include "table/ConfigTable.h"
 
 #include <kyr/FileUtils.h>
-#include <kyr/FstreamUtils.h>
 #include <kyr/StringUtils.h>
 #include <unified/UnifiedFactory.h>
 #include <zel/ZelLog.h>
@@ -16,7 +15,6 @@
 
 #include <algorithm>
 #include <array>
-#include <fstream>
 #include <string_view>
 #include <utility>
 
@@ -125,18 +123,15 @@ void RegistryConfigStore::writeTextCopy() const {
         return;
     }
     const auto path = directory + FileUtils::FileSeparator() + std::string(ConfigKeys::registryConfigStore) + ".txt";
-    if (FileUtils::fileExists(path)) {
-        FileUtils::removeFile(path);
-    }
-    std::fstream stream;
-    if (values->isEmpty() || !KyrCoreUtils::FstreamUtils::open(stream, path, KyrCoreUtils::StreamMode::Write)) {
+    FileUtils::removeFile(path); // a dangling link too, which would not count as an existing file
+    if (values->isEmpty()) {
         return;
     }
-    // Policies are nobody else's business. The file is new and still empty.
-    restrictToOwner(path);
+    std::string text;
     for (const auto& entry : values->list()) {
-        stream << KyrCoreUtils::toString(entry->getKey()) << ": " << KyrCoreUtils::toString(shownValue(*entry)) << '\n';
+        text += KyrCoreUtils::toString(entry->getKey()) + ": " + KyrCoreUtils::toString(shownValue(*entry)) + '\n';
     }
+    createForOwner(path, text); // policies are nobody else's business
 }
 
 void RegistryConfigStore::removeRegistrySettings() {

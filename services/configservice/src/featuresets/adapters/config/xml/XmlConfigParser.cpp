@@ -5,6 +5,7 @@
 #include "XmlGuard.h"
 #include "XmlScrubber.h"
 #include "XmlWriter.h"
+#include "logging/LogPlace.h"
 #include "secure/FilePermissions.h"
 #include "secure/FipsValueOverride.h"
 #include "secure/SecureBuffer.h"
@@ -55,10 +56,10 @@ void ensureParentDirectory(const std::string& path) {
     }
 }
 
-void warnOfFile(std::wstring_view message, const std::string& path) {
+/// Returns both names under which a protected file may be kept.
+std::wstring describeFile(const std::string& path) {
     const std::string name = FileUtils::getFileName(path);
-    ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE,
-           std::wstring(message) + toWideString(name) + L" or " + toWideString(toProtectedName(name)));
+    return toWideString(name) + L" or " + toWideString(toProtectedName(name));
 }
 
 /// The library reads a path that is a valid URI as one and decodes it.
@@ -84,8 +85,8 @@ void reserveForOwner(const std::string& path) {
     restrictToOwner(path);
 }
 
-/// The document of a table; false when the library fails.
-bool build(ConfigTable& values, std::string& xml) {
+/// Writes the document of a table into `xml`. Returns false if the library fails. `place` is the caller's, for the log.
+bool build(ConfigTable& values, std::string& xml, const LogPlace& place) {
     XmlWriter writer;
     if (!writer.isReady()) {
         return false;
@@ -94,7 +95,7 @@ bool build(ConfigTable& values, std::string& xml) {
     writer.startElement("CachedConfig");
     for (const auto& entry : values.list()) {
         if (!writer.writeElement(KyrCoreUtils::toString(entry->getKey()), entry->getValue())) {
-            ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE,
+            ZelLog(logger, ZelLogLevel::Warning, place.file, place.line, place.function,
                    L"Characters that XML can't carry are replaced in the value of key: " +
                        std::wstring(entry->getKey()));
         }
@@ -208,12 +209,13 @@ bool XmlConfigParser::readFromEncryptedFile(const std::string& path, ConfigTable
     values.clear();
     zel::SecureString content;
     if (!EncryptFileUtils::readDataFromFile(path, content, categoryOf(path))) {
-        warnOfFile(L"Failed to read XML document: ", path);
+        ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE, L"Failed to read XML document: " + describeFile(path));
         return false;
     }
     const XmlDocument document = parseProtectedText(content, values);
     if (!document) {
-        warnOfFile(L"XML in file did not exist or is an invalid XML document: ", path);
+        ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE,
+               L"XML in file did not exist or is an invalid XML document: " + describeFile(path));
         return false;
     }
     const bool parsed = addOtherKeys(document, values, sensitiveKeys);
@@ -265,7 +267,7 @@ bool XmlConfigParser::writeToFile(const std::string& path, ConfigTable& values) 
     const zel::StackWiper wiper;
     ensureParentDirectory(path);
     std::string text;
-    if (!build(values, text)) {
+    if (!build(values, text, {ZEL_HERE})) {
         return false;
     }
     const zel::SecureString content(text);
@@ -277,7 +279,7 @@ bool XmlConfigParser::writeToFile(const std::string& path, ConfigTable& values) 
 
 bool XmlConfigParser::writeToMemory(std::string& xml, const ConfigMap& values) {
     ConfigTable table(values);
-    return build(table, xml);
+    return build(table, xml, {ZEL_HERE});
 }
 
 bool XmlConfigParser::parseXmlConfig(const XmlDocument& document, ConfigMap& values, ConfigKeySet& sensitiveKeys) {
@@ -312,12 +314,13 @@ void XmlConfigParser::parseXmlGroup(XmlScrubber& scrubber, xmlNode& group, Confi
         if (entry == nullptr) {
             continue;
         }
+        const bool isMarked = parseSensitiveAttribute(*element); // extracting a password wipes its attributes
         std::string text = holdsOnlyText(*element) ? extractStringFromXmlNode(scrubber, *element)
                                                    : extractXmlStringFromXmlNode(scrubber, *element);
         entry->second = toWideString(text);
         zel::SecureString::wipe(text);
         zel::applyFipsValueOverride(entry->first, entry->second);
-        if (parseSensitiveAttribute(*element)) {
+        if (isMarked) {
             sensitiveKeys.insert(entry->first);
         }
     }

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdio>
 #include <new>
 #include <type_traits>
 #include <utility>
@@ -68,6 +69,7 @@ constexpr std::string_view escapeInAttribute(char character) {
 }
 
 constexpr std::size_t asciiCount = 0x80;
+constexpr std::size_t longestCharacter = 4; ///< In bytes of UTF-8.
 
 /// Which characters of ASCII stand in the document as they are.
 template <auto escape>
@@ -126,16 +128,38 @@ void appendEscaped(std::string& document, std::string_view text) {
     }
 }
 
-/// False when a character was replaced.
+/// Appends an attribute's text in ASCII. Without a declared encoding the library writes every other character as a
+/// reference.
+void appendEscapedInAscii(std::string& document, std::string_view utf8) {
+    const auto isAscii = [](char character) { return static_cast<unsigned char>(character) < asciiCount; };
+    while (!utf8.empty()) {
+        const auto ascii = static_cast<std::size_t>(std::find_if_not(utf8.begin(), utf8.end(), isAscii) - utf8.begin());
+        appendEscaped<escapeInAttribute>(document, utf8.substr(0, ascii));
+        utf8.remove_prefix(ascii);
+        int length = static_cast<int>(std::min(utf8.size(), longestCharacter));
+        const int code = utf8.empty() ? -1 : xmlGetUTF8Char(reinterpret_cast<const xmlChar*>(utf8.data()), &length);
+        if (code < 0) {
+            return;
+        }
+        std::array<char, sizeof("&#x10FFFF;")> reference{};
+        std::snprintf(reference.data(), reference.size(), "&#x%X;", static_cast<unsigned>(code));
+        appendTo(document, std::string_view(reference.data()));
+        utf8.remove_prefix(static_cast<std::size_t>(length));
+    }
+}
+
+using Append = void (*)(std::string& document, std::string_view utf8);
+
+/// Appends `text`; what is not plain goes through `appendRest`. Returns false if a character was replaced.
 template <auto escape>
-bool appendText(std::string& document, std::wstring_view text) {
+bool appendText(std::string& document, std::wstring_view text, Append appendRest = &appendEscaped<escape>) {
     if (isPlain<escape>(text)) {
         appendTo(document, text);
         return true;
     }
     std::string narrow = KyrCoreUtils::toString(text);
     const bool isWhole = !XmlWriter::replaceIllegalCharacters(narrow);
-    appendEscaped<escape>(document, narrow);
+    appendRest(document, narrow);
     zel::SecureString::wipe(narrow);
     return isWhole;
 }
@@ -152,7 +176,7 @@ int append(void* document, const char* bytes, int count) noexcept {
 
 } // namespace
 
-XmlWriter::XmlWriter(Declaration declaration) {
+XmlWriter::XmlWriter(Declaration declaration) : attributesAreAscii(declaration == Declaration::Without) {
     output = xmlOutputBufferCreateIO(&append, nullptr, &document, nullptr);
     writer.reset(output == nullptr ? nullptr : xmlNewTextWriter(output));
     if (!writer) {
@@ -199,7 +223,8 @@ bool XmlWriter::writeAttribute(const std::string& name, std::wstring_view text) 
         return true;
     }
     appendTo(document, std::string_view(" "), name, std::string_view("=\""));
-    const bool isWhole = appendText<escapeInAttribute>(document, text);
+    const bool isWhole = appendText<escapeInAttribute>(
+        document, text, attributesAreAscii ? &appendEscapedInAscii : &appendEscaped<escapeInAttribute>);
     appendTo(document, std::string_view("\""));
     return isWhole;
 }

@@ -9,8 +9,9 @@
 
 namespace ZelUnified {
 
-/// Builds one document in memory with libxml2's text writer: UTF-8, indented. Texts may be secrets: they never enter
-/// the library, and the document is zeroed at the end.
+/// Builds one document in memory with libxml2's text writer: UTF-8, indented. The bytes are those that the library's
+/// own operations would write: without a declaration, an attribute holds ASCII and references to all other characters.
+/// Texts may be secrets: they never enter the library, and the document is zeroed at the end.
 class XmlWriter {
 public:
     enum class Declaration { With, Without };
@@ -49,6 +50,7 @@ private:
     /// Has the library write all that it holds back. False when nothing may follow.
     bool flush();
 
+    const bool attributesAreAscii;
     const XmlGuard guard; ///< A setting of the thread: the writer stays on it.
     bool failed = false;
     // The writer goes before what it writes into.

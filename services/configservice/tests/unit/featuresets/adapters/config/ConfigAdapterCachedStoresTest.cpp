@@ -113,14 +113,65 @@ TEST_F(ConfigAdapterCachedStores, PresencePriorityThatIsNoNumberBecomes240) {
     EXPECT_EQ(priorityOf("PresenceConfigStore"), 240);
 }
 
-TEST_F(ConfigAdapterCachedStores, NameThatLeadsOutOfTheFolderIsNoStore) {
-    givenRecord(L"/../x:1;a\\..\\x:2;Corp/Policy:3;..x:4;a..b:5;a_.._b:6;");
+TEST_F(ConfigAdapterCachedStores, RecordedNameThroughTheParentFolderIsNoStore) {
+    givenRecord(L"/../x:1;a\\..\\x:2;Corp/Policy:3;..x:4;a..b:5;a_.._b:6;..:7;../y:8;y\\..:9;");
     load();
-    EXPECT_FALSE(inChain("/../x"));
-    EXPECT_FALSE(inChain("a\\..\\x"));
+    for (const std::string name : {"/../x", "a\\..\\x", "..", "../y", "y\\.."}) {
+        EXPECT_FALSE(inChain(name)) << name;
+        const std::string line = "Name contains \"..\", cached store not read: [" + name + "]";
+        EXPECT_EQ(countLogged(line), 1);
+        EXPECT_EQ(levelOf(line), ZelLogLevel::Warning);
+    }
     for (const auto* name : {"Corp/Policy", "..x", "a..b", "a_.._b"}) {
         EXPECT_TRUE(inChain(name)) << name;
     }
+}
+
+TEST_F(ConfigAdapterCachedStores, StoreNamedThroughTheParentFolderIsNeitherCachedNorRecorded) {
+    const auto elsewhere = profile.root() / "elsewhere.dat";
+    for (const std::string name : {"/../../../elsewhere", "..", "../elsewhere", "a\\..\\elsewhere"}) {
+        loadAndStart();
+        adapter->addConfigStore(makeCachingStore(name, 40, {{L"k", L"v"}}));
+        EXPECT_TRUE(inChain(name)) << name;
+        EXPECT_EQ(record(), L"(none)") << name;
+        const std::string line = "Name contains \"..\", store not cached: [" + name + "]";
+        EXPECT_EQ(countLogged(line), 1) << name;
+        EXPECT_EQ(levelOf(line), ZelLogLevel::Warning);
+        unload();
+    }
+    EXPECT_FALSE(std::filesystem::exists(elsewhere));
+    EXPECT_FALSE(std::filesystem::exists(profile.config() / "Cache"));
+}
+
+TEST_F(ConfigAdapterCachedStores, StoreNamedThroughTheParentFolderDoesNotReplaceAnotherStoresCopy) {
+    loadAndStart();
+    adapter->addConfigStore(makeCachingStore("Alpha", 40, {{L"k", L"v"}}));
+    adapter->addConfigStore(makeCachingStore("x/../cachedAlpha", 41, {{L"k", L"stolen"}}));
+    unload();
+    load();
+    EXPECT_EQ(adapter->getValueFromConfigStore("Alpha", L"k"), L"v");
+}
+
+TEST_F(ConfigAdapterCachedStores, RemovalOfAStoreNamedThroughTheParentFolderDeletesNoFile) {
+    const auto victim = profile.root() / "victim.dat";
+    testing_host::writeFile(victim, "precious");
+    std::filesystem::create_directories(profile.config() / "Cache" / "cached");
+    loadAndStart();
+    const std::string name = "/../../../victim";
+    adapter->addConfigStore(makeCachingStore(name, 40));
+    log.clear();
+    EXPECT_TRUE(adapter->removeConfigStore(name));
+    EXPECT_FALSE(inChain(name));
+    EXPECT_EQ(testing_host::readFile(victim), "precious");
+    EXPECT_THAT(log.getTexts(ZelLogLevel::Warning),
+                testing::ElementsAre("Name contains \"..\", cached file not removed: [cached" + name + ".dat]"));
+}
+
+TEST_F(ConfigAdapterCachedStores, NameWithASeparatorHasACopyBelowTheFolder) {
+    givenEarlierRunWith(makeCachingStore("Corp/Policy", 40, {{L"k", L"v"}}));
+    EXPECT_TRUE(std::filesystem::exists(profile.config() / "Cache" / "cachedCorp" / "Policy.dat"));
+    loadAndStart();
+    EXPECT_EQ(valueOf(L"k"), L"v");
 }
 
 TEST_F(ConfigAdapterCachedStores, MissingCopyJoinsTheChainEmpty) {

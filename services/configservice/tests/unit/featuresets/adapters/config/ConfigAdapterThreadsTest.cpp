@@ -160,7 +160,7 @@ TEST_F(ConfigAdapterThreads, EveryStoreThatArrivesAtOnceWithOthersIsOnTheRecordO
         });
         std::wstring record;
         ASSERT_TRUE(featureSet->getConfig(std::wstring(ConfigKeys::primaryConfigStores), record, false));
-        const auto priorities = CachedStoreRecord::parse(record);
+        const auto priorities = CachedStoreRecord::getCachedConfigStorePrioityMap(record);
         for (int number = 0; number < count; ++number) {
             ASSERT_TRUE(priorities.contains(KyrCoreUtils::toWideString(nameOf(number))))
                 << nameOf(number) << " is not among " << priorities.size();

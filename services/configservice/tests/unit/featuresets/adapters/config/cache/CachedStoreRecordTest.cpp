@@ -10,18 +10,19 @@ using testing::IsEmpty;
 using testing::Pair;
 
 TEST(CachedStoreRecord, ReadsNamesAndPriorities) {
-    EXPECT_THAT(CachedStoreRecord::parse(L"PresenceConfigStore:31;TftpStore:41;"),
+    EXPECT_THAT(CachedStoreRecord::getCachedConfigStorePrioityMap(L"PresenceConfigStore:31;TftpStore:41;"),
                 ElementsAre(Pair(L"PresenceConfigStore", L"31"), Pair(L"TftpStore", L"41")));
 }
 
 TEST(CachedStoreRecord, SkipsWhatIsNoPair) {
-    EXPECT_THAT(CachedStoreRecord::parse(L"A:abc;B;C:1:2;;"), ElementsAre(Pair(L"A", L"abc")));
-    EXPECT_THAT(CachedStoreRecord::parse(L"B:"), ElementsAre(Pair(L"B", L"")));
-    EXPECT_THAT(CachedStoreRecord::parse(L""), IsEmpty());
+    EXPECT_THAT(CachedStoreRecord::getCachedConfigStorePrioityMap(L"A:abc;B;C:1:2;;"), ElementsAre(Pair(L"A", L"abc")));
+    EXPECT_THAT(CachedStoreRecord::getCachedConfigStorePrioityMap(L"B:"), ElementsAre(Pair(L"B", L"")));
+    EXPECT_THAT(CachedStoreRecord::getCachedConfigStorePrioityMap(L""), IsEmpty());
 }
 
 TEST(CachedStoreRecord, RepeatedNameKeepsItsLastPriorityAndFirstSpelling) {
-    EXPECT_THAT(CachedStoreRecord::parse(L"Store:1;STORE:2;"), ElementsAre(Pair(L"Store", L"2")));
+    EXPECT_THAT(CachedStoreRecord::getCachedConfigStorePrioityMap(L"Store:1;STORE:2;"),
+                ElementsAre(Pair(L"Store", L"2")));
 }
 
 TEST(CachedStoreRecord, WritesEveryEntryClosedInNameOrder) {

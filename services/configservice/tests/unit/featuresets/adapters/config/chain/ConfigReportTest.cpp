@@ -125,8 +125,13 @@ TEST_F(ConfigReport, KeyThatIsNoXmlNameStandsAsItIs) {
 
 TEST_F(ConfigReport, ReplacesWhatXmlCantCarry) {
     given(makeReadOnlyStore("S\x01\xC3\xA9", 20, {{L"k", L"v\u0002"}}));
-    EXPECT_THAT(report(), HasSubstr(" <store name=\"S\xEF\xBF\xBD\xC3\xA9\" priority=\"20\">\n"
+    EXPECT_THAT(report(), HasSubstr(" <store name=\"S&#xFFFD;&#xE9;\" priority=\"20\">\n"
                                     "  <k>v\xEF\xBF\xBD</k>\n"));
+}
+
+TEST_F(ConfigReport, WritesTheNameOfAStoreInAsciiAndAValueInUtf8) {
+    given(makeReadOnlyStore("Z\xC3\xA9", 20, {{L"k", L"\u00E9"}}));
+    EXPECT_THAT(report(), HasSubstr(" <store name=\"Z&#xE9;\" priority=\"20\">\n  <k>\xC3\xA9</k>\n"));
 }
 
 TEST_F(ConfigReport, DataFilesFollowInTheirOrder) {

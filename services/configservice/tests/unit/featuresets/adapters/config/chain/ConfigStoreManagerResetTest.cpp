@@ -114,7 +114,7 @@ TEST_F(ConfigStoreManagerReset, CachedXmlFileGoesWithItsTwin) {
     EXPECT_THAT(logged(), ElementsAre("Removed file: " + cached("cachedR.xml").string(),
                                       "Removed file: " + cached("cachedR.dat").string()));
     EXPECT_EQ(loggedAt(ZelLogLevel::Info), logged());
-    EXPECT_EQ(log.getRecords().front().function, "ZelUnified::CachedConfigFiles::removeFile");
+    EXPECT_EQ(log.getRecords().front().function, "ZelUnified::ConfigStoreManager::removeFile");
 }
 
 TEST_F(ConfigStoreManagerReset, TwinOfACachedXmlFileIsEnough) {
@@ -146,6 +146,24 @@ TEST_F(ConfigStoreManagerReset, FileThatCannotBeRemovedIsAnErrorAndStillCounts) 
     EXPECT_TRUE(manager.removeCachedFiles("cachedR.dat"));
     EXPECT_THAT(log.getTexts(ZelLogLevel::Error),
                 ElementsAre("Failed to remove file: " + cached("cachedR.dat").string()));
+}
+
+TEST_F(ConfigStoreManagerReset, FileThroughTheParentFolderIsNotRemoved) {
+    testing_host::writeFile(profile.config() / "victim.dat", "x");
+    testing_host::writeFile(cached("cached..") / "x.dat", "x");
+    testing_host::writeFile(cached("cached...dat"), "x");
+    testing_host::writeFile(cached("other...dat"), "x");
+    for (const auto* name : {"../victim.dat", "../victim.xml", "cached../x.dat", "cached../x.xml", "cached...dat"}) {
+        log.clear();
+        EXPECT_FALSE(manager.removeCachedFiles(name)) << name;
+        EXPECT_THAT(logged(),
+                    ElementsAre("Name contains \"..\", cached file not removed: [" + std::string(name) + "]"));
+        EXPECT_EQ(loggedAt(ZelLogLevel::Warning), logged());
+    }
+    EXPECT_TRUE(std::filesystem::exists(profile.config() / "victim.dat"));
+    EXPECT_TRUE(std::filesystem::exists(cached("cached..") / "x.dat"));
+    EXPECT_TRUE(std::filesystem::exists(cached("cached...dat")));
+    EXPECT_TRUE(manager.removeCachedFiles("other...dat"));
 }
 
 TEST_F(ConfigStoreManagerReset, AllCachedFilesGoAndStoresNamedAfterThem) {

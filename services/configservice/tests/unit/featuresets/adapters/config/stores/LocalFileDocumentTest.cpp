@@ -37,7 +37,7 @@ ConfigMap read(const std::string& xml, const std::string& store = "LocalFileConf
 std::string write(const ConfigMap& values) {
     zel::SecureString content;
     ConfigTable table(values);
-    LocalFileDocument::write(table, content);
+    LocalFileDocument::getDataString(table, content);
     zel::SecureBuffer clear;
     content.decrypt(clear);
     return {clear.getData(), clear.getLength()};
@@ -124,7 +124,7 @@ TEST(LocalFileDocument, LeavesTheTextAloneWithoutMemory) {
     for (const std::size_t limit : {0U, 500U}) { // nothing at all, no writer
         const xml_test::XmlMemoryLimit memory(limit);
         ConfigTable table({{L"k", std::wstring(500'000, L'x')}});
-        LocalFileDocument::write(table, content);
+        LocalFileDocument::getDataString(table, content);
     }
     std::string text;
     content.withClearText([&](std::string_view clear) { text = clear; });

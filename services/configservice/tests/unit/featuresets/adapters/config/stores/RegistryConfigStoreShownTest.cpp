@@ -76,6 +76,21 @@ TEST_F(RegistryConfigStoreTest, ALinkInTheTextCopysPlaceIsNotFollowed) {
     EXPECT_EQ(readFile(textFile), "Key: value\n");
 }
 
+TEST_F(RegistryConfigStoreTest, ADanglingLinkInTheTextCopysPlaceIsReplacedAndItsTargetIsNotCreated) {
+    std::filesystem::create_symlink(profile.root() / "elsewhere", textFile);
+    setText(L"", L"Key", L"value");
+    makeStore();
+    EXPECT_FALSE(std::filesystem::exists(profile.root() / "elsewhere"));
+    EXPECT_FALSE(std::filesystem::is_symlink(textFile));
+    EXPECT_EQ(readFile(textFile), "Key: value\n");
+}
+
+TEST_F(RegistryConfigStoreTest, ADanglingLinkInTheTextCopysPlaceGoesWithAnEmptyTable) {
+    std::filesystem::create_symlink(profile.root() / "elsewhere", textFile);
+    makeStore();
+    EXPECT_FALSE(std::filesystem::is_symlink(textFile));
+}
+
 TEST_F(RegistryConfigStoreTest, WithoutAConfigurationDirectoryNoTextCopyIsMadeAndNoneIsMissed) {
     std::filesystem::remove(profile.config());
     setText(L"", L"Key", L"value");

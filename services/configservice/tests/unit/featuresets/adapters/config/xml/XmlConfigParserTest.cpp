@@ -2,6 +2,7 @@
 
 #include "XmlTestSupport.h"
 
+#include <kyr/StringUtils.h>
 #include <zel/ZelLog.h>
 
 #include <LogRecorder.h>
@@ -126,6 +127,35 @@ TEST(XmlConfigParser, TakesTheFirstMarkInAnyCase) {
     EXPECT_THAT(parse("<a><g><k sensitive='false' SENSITIVE='true'>x</k></g></a>").sensitive, IsEmpty());
     EXPECT_THAT(parse("<a><g><k sensitive=''>x</k></g></a>").sensitive, IsEmpty());
     EXPECT_THAT(parse("<a><g><k secret='true'>x</k></g></a>").sensitive, IsEmpty());
+}
+
+TEST(XmlConfigParser, MarksANestedPasswordOnEveryPath) {
+    const testing_host::TemporaryProfile profile;
+    const std::string plain = (profile.root() / "plain.xml").string();
+    const std::string encrypted = (profile.root() / "cachedX.dat").string();
+    for (const std::string key : {"connectionpassword", "BDIConnectionPassword"}) {
+        for (const std::string mark : {"true", "1", "yes", "on"}) {
+            const std::string xml = "<a><g><" + key + " sensitive='" + mark + "'><v>hunter2</v></" + key + "></g></a>";
+            SCOPED_TRACE(xml);
+            const std::wstring value =
+                KyrCoreUtils::toWideString("<" + key + " sensitive=\"" + mark + "\"><v>hunter2</v></" + key + ">");
+            const std::wstring name = KyrCoreUtils::toLowercase(KyrCoreUtils::toWideString(key));
+            const Table table = parse(xml);
+            EXPECT_THAT(table.values, ElementsAre(Pair(name, value)));
+            EXPECT_THAT(table.sensitive, ElementsAre(name));
+            testing_host::writeFile(plain, xml);
+            Table fromFile;
+            EXPECT_TRUE(XmlConfigParser::readFromFile(plain, fromFile.values, fromFile.sensitive));
+            EXPECT_EQ(fromFile.values, table.values);
+            EXPECT_THAT(fromFile.sensitive, ElementsAre(name));
+            ASSERT_TRUE(xml_test::writeProtected(encrypted, xml));
+            Table fromProtected;
+            EXPECT_TRUE(
+                XmlConfigParser::readFromEncryptedFile(encrypted, fromProtected.values, fromProtected.sensitive));
+            EXPECT_EQ(fromProtected.values, table.values);
+            EXPECT_THAT(fromProtected.sensitive, ElementsAre(name));
+        }
+    }
 }
 
 TEST(XmlConfigParser, ClearsTheTableAlwaysAndTheMarksNever) {

@@ -34,12 +34,14 @@ const xmlChar* toXml(const std::string& text) {
     return reinterpret_cast<const xmlChar*>(text.c_str());
 }
 
-/// The same document by the library's own writer.
-std::string writeByLibrary(const std::vector<std::string>& texts) {
+/// Returns the same document as the library's own writer writes it.
+std::string writeByLibrary(XmlWriter::Declaration declaration, const std::vector<std::string>& texts) {
     const std::unique_ptr<xmlBuffer, decltype(&xmlBufferFree)> buffer(xmlBufferCreate(), &xmlBufferFree);
     xmlTextWriter* writer = xmlNewTextWriterMemory(buffer.get(), 0);
     xmlTextWriterSetIndent(writer, 1);
-    xmlTextWriterStartDocument(writer, nullptr, "utf-8", nullptr);
+    if (declaration == XmlWriter::Declaration::With) {
+        xmlTextWriterStartDocument(writer, nullptr, "utf-8", nullptr);
+    }
     xmlTextWriterStartElement(writer, toXml("root"));
     for (const auto& text : texts) {
         xmlTextWriterStartElement(writer, toXml("group"));
@@ -61,6 +63,7 @@ std::vector<std::string> makeTexts() {
                                       "]]>",
                                       "&amp;",
                                       "\xC3\xA9\xE4\xB8\xAD\xF0\x9F\x98\x80",
+                                      "Z\xC3\xA9 \xDF\xBF\xE0\xA0\x80<\xF4\x8F\xBF\xBD>\xC2\x80\t",
                                       "\xEF\xBF\xBD",
                                       std::string(20'000, 'x') + "<&>"};
     for (char character = 1; character < 127; ++character) {
@@ -74,18 +77,20 @@ std::vector<std::string> makeTexts() {
 
 TEST(XmlWriter, WritesWhatTheLibrarysWriterWrites) {
     const auto texts = makeTexts();
-    XmlWriter writer;
-    writer.startElement("root");
-    for (const auto& text : texts) {
-        const std::wstring wide = KyrCoreUtils::toWideString(text);
-        writer.startElement("group");
-        writer.writeAttribute("text", wide);
-        writer.writeElement("key", wide);
-        writer.startElement("empty");
-        writer.endElement();
-        writer.endElement();
+    for (const auto declaration : {XmlWriter::Declaration::With, XmlWriter::Declaration::Without}) {
+        XmlWriter writer(declaration);
+        writer.startElement("root");
+        for (const auto& text : texts) {
+            const std::wstring wide = KyrCoreUtils::toWideString(text);
+            writer.startElement("group");
+            writer.writeAttribute("text", wide);
+            writer.writeElement("key", wide);
+            writer.startElement("empty");
+            writer.endElement();
+            writer.endElement();
+        }
+        EXPECT_EQ(writer.finish(), writeByLibrary(declaration, texts));
     }
-    EXPECT_EQ(writer.finish(), writeByLibrary(texts));
 }
 
 TEST(XmlWriter, SaysWhenItReplacedACharacter) {
@@ -96,7 +101,7 @@ TEST(XmlWriter, SaysWhenItReplacedACharacter) {
     EXPECT_TRUE(writer.writeElement("d", L"\u00E9"));
     EXPECT_FALSE(writer.writeElement("e", L"\uFFFE"));
     EXPECT_FALSE(writer.writeElement("f", std::wstring(1, L'\0')));
-    EXPECT_EQ(writer.finish(), "<a b=\"&lt;\xC3\xA9&gt;\" c=\"x\xEF\xBF\xBD\">\n <d>\xC3\xA9</d>\n"
+    EXPECT_EQ(writer.finish(), "<a b=\"&lt;&#xE9;&gt;\" c=\"x&#xFFFD;\">\n <d>\xC3\xA9</d>\n"
                                " <e>\xEF\xBF\xBD</e>\n <f>\xEF\xBF\xBD</f>\n</a>\n");
 }
 
