@@ -49,16 +49,22 @@ protected:
     /// The set of the most derived interface; null before initNotifiers().
     std::shared_ptr<UnifiedBusinessObjectNotifiers> getNotifiers() const;
 
-    /// Makes the notifier set with `make` unless there is one, and registers it as an observer like any other.
-    template <class Make>
-    void initNotifiersOnce(Make make) {
+    /// Creates the notifier set unless there is one, and calls `addOwnObserver` with it, which registers it through the
+    /// addObserver() of the object's own interface. If that throws, there is no set.
+    template <class Notifiers, class AddOwnObserver>
+    void initNotifiersOnce(AddOwnObserver addOwnObserver) {
         const std::lock_guard lock(observersMutex);
         if (notifiers) {
             return;
         }
-        auto made = make();
-        observers.push_back({made});
+        const auto made = std::make_shared<Notifiers>();
         notifiers = made;
+        try {
+            addOwnObserver(made);
+        } catch (...) {
+            notifiers.reset();
+            throw;
+        }
     }
 
     /// Calls `operation` on every living observer that is an `Observer`, with no lock held. An exception ends the walk.
@@ -122,7 +128,9 @@ private:
     const std::shared_ptr<Processing::ServicesDispatcher> dispatcher;
     const char* const className;
     std::atomic<bool> enforced;
-    mutable std::mutex observersMutex; ///< Guards the next three; never held during a callback.
+    /// Guards the next three; never held during a callback. Recursive, because initNotifiersOnce() holds it while it
+    /// calls addObserver(): no thread gets a set that is not registered yet.
+    mutable std::recursive_mutex observersMutex;
     std::vector<Entry> observers;
     std::shared_ptr<UnifiedBusinessObjectNotifiers> notifiers;
     mutable std::unique_ptr<const std::string> guid; ///< Made at the first request, which most objects never see.

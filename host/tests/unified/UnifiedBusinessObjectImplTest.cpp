@@ -84,7 +84,8 @@ public:
 
 private:
     void initNotifiers() override {
-        initNotifiersOnce([] { return std::make_shared<Notifiers>(); });
+        initNotifiersOnce<Notifiers>(
+            [this](std::weak_ptr<UnifiedBusinessObjectObserver> set) { addObserver(std::move(set)); });
     }
 };
 

@@ -23,7 +23,8 @@ std::shared_ptr<ConfigServiceNotifiers> ConfigServiceBaseImpl::getConfigServiceN
 }
 
 void ConfigServiceBaseImpl::initNotifiers() {
-    initNotifiersOnce([] { return std::make_shared<ConfigServiceNotifiersImpl>(); });
+    initNotifiersOnce<ConfigServiceNotifiersImpl>(
+        [this](std::weak_ptr<ConfigServiceObserver> set) { addObserver(std::move(set)); });
 }
 
 bool ConfigServiceBaseImpl::getConfigReady() {

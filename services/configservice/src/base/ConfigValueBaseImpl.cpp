@@ -29,7 +29,8 @@ std::shared_ptr<ConfigValueNotifiers> ConfigValueBaseImpl::getConfigValueNotifie
 }
 
 void ConfigValueBaseImpl::initNotifiers() {
-    initNotifiersOnce([] { return std::make_shared<ConfigValueNotifiersImpl>(); });
+    initNotifiersOnce<ConfigValueNotifiersImpl>(
+        [this](std::weak_ptr<ConfigValueObserver> set) { addObserver(std::move(set)); });
 }
 
 std::wstring ConfigValueBaseImpl::getKey() {

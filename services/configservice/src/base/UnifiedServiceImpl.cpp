@@ -27,7 +27,8 @@ std::shared_ptr<UnifiedServiceNotifiers> UnifiedServiceImpl::getUnifiedServiceNo
 }
 
 void UnifiedServiceImpl::initNotifiers() {
-    initNotifiersOnce([] { return std::make_shared<UnifiedServiceNotifiersImpl>(); });
+    initNotifiersOnce<UnifiedServiceNotifiersImpl>(
+        [this](std::weak_ptr<UnifiedServiceObserver> set) { addObserver(std::move(set)); });
 }
 
 void UnifiedServiceImpl::commitToServicesDispatcher() {

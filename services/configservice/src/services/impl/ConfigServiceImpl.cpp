@@ -39,7 +39,6 @@ ConfigServiceImpl::ConfigServiceImpl(const std::shared_ptr<UnifiedFactory>& fact
 void ConfigServiceImpl::initialize(const std::shared_ptr<UnifiedFactory>&) {
     configValuesIndex.clear();
     configValues.clear();
-    newConfigValues.clear();
 }
 
 std::shared_ptr<ConfigFeatureSet> ConfigServiceImpl::getFeatureSet() const {
@@ -73,7 +72,6 @@ void ConfigServiceImpl::setMdmConfig(std::string data) {
 }
 
 std::shared_ptr<std::list<std::shared_ptr<ConfigValue>>> ConfigServiceImpl::getAllConfig() {
-    orderNewRecords();
     auto all = std::make_shared<std::list<std::shared_ptr<ConfigValue>>>();
     for (const auto& [key, record] : configValues) {
         applyCachedValueFipsRule(*record);
@@ -147,13 +145,10 @@ void ConfigServiceImpl::configDownloadFailed() {
 
 void ConfigServiceImpl::reset() {
     EnsureUpdateAccess(true);
-    // What dies with a record may call back into the service, so both containers are emptied before the records go.
+    // The destructor of an observer may call back into the service, so the map is empty before the records go.
     ConfigValueMap released;
-    std::deque<std::shared_ptr<ConfigValueImpl>> releasedNew;
     released.swap(configValues);
-    releasedNew.swap(newConfigValues);
     configValuesIndex.clear();
-    deferredRecords.clear();
 }
 
 void ConfigServiceImpl::refreshConfigFeatureSet() {
@@ -168,8 +163,7 @@ void ConfigServiceImpl::OnConfigChanged(std::wstring key, std::wstring value, st
                                         std::wstring originalValueStoreName, bool deferFire) {
     EnsureUpdateAccess(true);
     // Held here while observers are called: one of them may reset the service.
-    const FoldedKey folded(key);
-    const auto record = findConfig(folded);
+    const auto record = findConfig(FoldedKey(key));
     SharedText storeName = storeNames.share(std::move(valueStoreName));
     SharedText originalStoreName = storeNames.share(std::move(originalValueStoreName));
     if (!record) {
@@ -178,9 +172,6 @@ void ConfigServiceImpl::OnConfigChanged(std::wstring key, std::wstring value, st
     } else if (deferFire) {
         record->applyValues(std::move(value), std::move(originalValue), isOverridden, isDefined, std::move(storeName),
                             std::move(originalStoreName));
-        if (keyAliases.find(folded) == nullptr) {
-            deferredRecords.add(record);
-        }
     } else {
         record->applyValuesAndFire(std::move(value), std::move(originalValue), isOverridden, isDefined,
                                    std::move(storeName), std::move(originalStoreName));
@@ -189,20 +180,13 @@ void ConfigServiceImpl::OnConfigChanged(std::wstring key, std::wstring value, st
 
 void ConfigServiceImpl::FireIfRequired(std::wstring key) {
     EnsureUpdateAccess(true);
-    auto record = deferredRecords.take(key);
-    if (record) {
-        applyCachedValueFipsRule(*record); // as a search would
-    } else {
-        record = findConfig(FoldedKey(key));
-    }
-    if (record) {
+    if (const auto record = findConfig(FoldedKey(key))) {
         record->fireChanged();
     }
 }
 
 void ConfigServiceImpl::setupConfigKeyAliases(ConfigMap aliases) {
     EnsureUpdateAccess(true);
-    deferredRecords.clear(); // found under other names from here on
     keyAliases = KeySuccessors(std::move(aliases));
 }
 
@@ -234,9 +218,9 @@ std::shared_ptr<ConfigValueImpl> ConfigServiceImpl::findConfig(const FoldedKey& 
 }
 
 std::shared_ptr<ConfigValueImpl> ConfigServiceImpl::findConfigFromKey(const FoldedKey& key) {
-    if (auto* const record = configValuesIndex.find(key)) {
-        applyCachedValueFipsRule(*record);
-        return record->shared_from_this();
+    if (const auto* const entry = configValuesIndex.find(key)) {
+        applyCachedValueFipsRule(*entry->second);
+        return entry->second;
     }
     if (key.names(calendarIntegrationType)) {
         auto record = createConfig(key);
@@ -263,27 +247,14 @@ std::shared_ptr<ConfigValueImpl> ConfigServiceImpl::createConfig(const std::wstr
     return record;
 }
 
-void ConfigServiceImpl::keep(const FoldedKey& key, const std::shared_ptr<ConfigValueImpl>& record) {
+void ConfigServiceImpl::keep(const FoldedKey& key, std::shared_ptr<ConfigValueImpl> record) {
+    // All allocation happens before the insertion into the index, so map and index stay consistent.
     configValuesIndex.reserveOne();
-    if (configValuesIndex.find(key) == nullptr) {
-        newConfigValues.push_back(record);
-        configValuesIndex.insert(key, *record);
-        return;
+    const auto [entry, isNew] = configValues.try_emplace(key.getText());
+    if (isNew) {
+        configValuesIndex.insert(key, *entry);
     }
-    deferredRecords.clear();
-    orderNewRecords();
-    auto& place = configValues[key.getText()];
-    const auto former = std::exchange(place, record); // what dies with it finds the new one
-    configValuesIndex.erase(key);
-    configValuesIndex.insert(key, *record);
-}
-
-void ConfigServiceImpl::orderNewRecords() {
-    // One by one: where memory ends, each stands in one of the two.
-    for (; !newConfigValues.empty(); newConfigValues.pop_front()) {
-        const auto& record = newConfigValues.front();
-        configValues.emplace(record->getIndexedKey(), record);
-    }
+    entry->second.swap(record); // a replaced record is destroyed on return
 }
 
 std::wstring ConfigServiceImpl::describeAliasLookup(const std::wstring& key, const std::wstring& alias,
@@ -298,7 +269,6 @@ std::wstring ConfigServiceImpl::describeAliasLookup(const std::wstring& key, con
 
 void ConfigServiceImpl::logConfig() {
     EnsureUpdateAccess(true);
-    orderNewRecords();
     std::wstring report = L"\n*********************** Master Configuration Settings *********************\n"
                           L"\nOriginalValue is the value set by the administrator\n"
                           L"\nValue is the value retrieved by searching the config sources by priority\n"

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "ConfigValueImpl.h"
-#include "DeferredRecords.h"
 #include "base/ConfigServiceBaseImpl.h"
 #include "base/SharedTexts.h"
 #include "table/KeyIndex.h"
@@ -11,7 +10,6 @@
 
 #include <ConfigMap.h>
 
-#include <deque>
 #include <list>
 #include <map>
 #include <memory>
@@ -67,10 +65,6 @@ public:
 private:
     using ConfigValueMap = std::map<std::wstring, std::shared_ptr<ConfigValueImpl>, caseInsensitiveMapComparator>;
 
-    struct KeyOfRecord {
-        const std::wstring& operator()(const ConfigValueImpl& record) const noexcept { return record.getIndexedKey(); }
-    };
-
     void initialize(const std::shared_ptr<UnifiedFactory>& factory);
     std::shared_ptr<ConfigFeatureSet> getFeatureSet() const;
 
@@ -82,19 +76,15 @@ private:
     std::shared_ptr<ConfigValueImpl> createConfig(const std::wstring& key, std::wstring value,
                                                   std::wstring originalValue, bool isOverridden,
                                                   SharedText valueStoreName, SharedText originalValueStoreName);
-    /// Takes the place of a record of the same key.
-    void keep(const FoldedKey& key, const std::shared_ptr<ConfigValueImpl>& record);
-    /// Before each walk over `configValues`.
-    void orderNewRecords();
+    /// Inserts the record, or replaces the one of the same key.
+    void keep(const FoldedKey& key, std::shared_ptr<ConfigValueImpl> record);
     std::wstring describeAliasLookup(const std::wstring& key, const std::wstring& alias, ConfigValueImpl& record);
     void appendSettings(std::wstring& report, bool defined);
 
     ConfigValueMap configValues;
-    /// Records that `configValues` doesn't hold yet: their order matters to lists alone, and a start makes thousands.
-    std::deque<std::shared_ptr<ConfigValueImpl>> newConfigValues;
-    KeyIndex<ConfigValueImpl, KeyOfRecord> configValuesIndex; ///< Of the records in both.
-    DeferredRecords deferredRecords; ///< Of keys that are no old names, so that each is what a search would give.
-    SharedTexts storeNames;          ///< What the records share.
+    /// Of the entries of `configValues`. It compares the map's keys, because the key of a record can change.
+    KeyIndex<ConfigValueMap::value_type> configValuesIndex;
+    SharedTexts storeNames; ///< What the records share.
     ConfigKeySet sensitiveKeys;
     KeySuccessors keyAliases;
     std::shared_ptr<UnifiedFactory> unifiedFactory;

@@ -11,7 +11,7 @@ class ConfigFeatureSet;
 
 /// The live record of one key. It takes what the store chain resolved, remembers which properties changed, and fires
 /// them when told; so many records can be brought up to date before any observer hears of the first.
-class ConfigValueImpl final : public ConfigValueBaseImpl, public std::enable_shared_from_this<ConfigValueImpl> {
+class ConfigValueImpl final : public ConfigValueBaseImpl {
 public:
     /// An undefined record.
     ConfigValueImpl(const std::shared_ptr<UnifiedFactory>& factory, std::wstring recordKey);
@@ -19,9 +19,6 @@ public:
     ConfigValueImpl(const std::shared_ptr<UnifiedFactory>& factory, std::wstring recordKey, std::wstring value,
                     std::wstring originalValue, bool overridden, SharedText valueStoreName,
                     SharedText originalValueStoreName);
-
-    /// The key, for the index in which the service finds the record; not guarded.
-    const std::wstring& getIndexedKey() const noexcept { return Key; }
 
     /// In FIPS mode the key "Telephony_P2P_Enabled" reads "false"; the stored value stays.
     std::wstring getValue() override;

@@ -43,6 +43,23 @@ public:
     std::shared_ptr<bool> freed;
 };
 
+/// Records what its addObserver() is called with.
+class RegisteringRecord final : public configservice_test::RecordWithoutOperations {
+public:
+    using RecordWithoutOperations::RecordWithoutOperations;
+
+    void addObserver(std::weak_ptr<ConfigValueObserver> observer) override {
+        added.push_back(observer.lock());
+        if (whenAdding) {
+            whenAdding();
+        }
+        ConfigValueBaseImpl::addObserver(std::move(observer));
+    }
+
+    std::vector<std::shared_ptr<ConfigValueObserver>> added;
+    std::function<void()> whenAdding;
+};
+
 struct ConfigValueBaseImplTest : testing::Test {
     std::shared_ptr<RecordingValueObserver> observe() {
         auto observer = std::make_shared<RecordingValueObserver>();
@@ -112,6 +129,35 @@ TEST_F(ConfigValueBaseImplTest, TheNotifierSetIsMadeOnceAndHearsEachFiringOnce) 
     int fired = 0;
     notifiers->getValueNotifier()->connect([&] { ++fired; });
     record->fireValue();
+    EXPECT_EQ(fired, 1);
+}
+
+TEST_F(ConfigValueBaseImplTest, TheNotifierSetIsRegisteredOnceThroughTheRecordsOwnAddObserver) {
+    RegisteringRecord registering(factory, L"k");
+    const auto notifiers = registering.getConfigValueNotifiers();
+    EXPECT_EQ(registering.getConfigValueNotifiers(), notifiers);
+    ASSERT_EQ(registering.added.size(), 1U);
+    EXPECT_EQ(std::dynamic_pointer_cast<ConfigValueNotifiers>(registering.added.front()), notifiers);
+}
+
+TEST_F(ConfigValueBaseImplTest, TheNotifierSetIsKnownWhileItIsRegistered) {
+    RegisteringRecord registering(factory, L"k");
+    std::shared_ptr<ConfigValueNotifiers> seen;
+    registering.whenAdding = [&] { seen = registering.getConfigValueNotifiers(); };
+    const auto notifiers = registering.getConfigValueNotifiers();
+    ASSERT_TRUE(notifiers);
+    EXPECT_EQ(seen, notifiers);
+    EXPECT_EQ(registering.added.size(), 1U);
+}
+
+TEST_F(ConfigValueBaseImplTest, AfterARegistrationThatFailedTheNextRequestMakesTheSet) {
+    RegisteringRecord registering(factory, L"k");
+    registering.whenAdding = [] { throw std::runtime_error("refused"); };
+    EXPECT_THROW(registering.getConfigValueNotifiers(), std::runtime_error);
+    registering.whenAdding = nullptr;
+    int fired = 0;
+    registering.getConfigValueNotifiers()->getValueNotifier()->connect([&] { ++fired; });
+    registering.fireValue();
     EXPECT_EQ(fired, 1);
 }
 

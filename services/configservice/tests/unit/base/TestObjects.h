@@ -52,16 +52,22 @@ public:
     std::function<void()> reaction;
 };
 
-/// A record of the base class alone.
-class PlainRecord final : public ZelUnified::ConfigValueBaseImpl {
+/// The base class of a record, with operations that do nothing.
+class RecordWithoutOperations : public ZelUnified::ConfigValueBaseImpl {
 public:
-    PlainRecord(const std::shared_ptr<ZelUnified::UnifiedFactory>& factory, std::wstring recordKey)
+    RecordWithoutOperations(const std::shared_ptr<ZelUnified::UnifiedFactory>& factory, std::wstring recordKey)
         : ConfigValueBaseImpl(factory, std::move(recordKey)) {}
 
     void storeValueAndNotify(std::wstring) override {}
     bool isValueEqual(std::wstring) override { return false; }
     void resetToDefault() override {}
     bool differsFromOriginal() override { return false; }
+};
+
+/// A record of the base class alone.
+class PlainRecord final : public RecordWithoutOperations {
+public:
+    using RecordWithoutOperations::RecordWithoutOperations;
 };
 
 /// A service without any but the properties that all services share.

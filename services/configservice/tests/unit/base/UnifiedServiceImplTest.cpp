@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <utility>
+#include <vector>
 
 namespace ZelUnified {
 namespace {
@@ -15,6 +17,20 @@ class BulkUpdateObserver final : public UnifiedServiceObserver {
 public:
     void OnBulkUpdateInProgressChanged() override { ++changes; }
     int changes = 0;
+};
+
+/// Records what its addObserver() is called with.
+class RegisteringService final : public UnifiedServiceImpl {
+public:
+    explicit RegisteringService(const std::shared_ptr<UnifiedFactory>& factory)
+        : UnifiedServiceImpl(factory, "RegisteringService") {}
+
+    void addObserver(std::weak_ptr<UnifiedServiceObserver> observer) override {
+        added.push_back(observer.lock());
+        UnifiedServiceImpl::addObserver(std::move(observer));
+    }
+
+    std::vector<std::shared_ptr<UnifiedServiceObserver>> added;
 };
 
 struct UnifiedServiceImplTest : testing::Test {
@@ -53,6 +69,14 @@ TEST_F(UnifiedServiceImplTest, GivesOneNotifierSetUnderBothItsFaces) {
     notifiers->getBulkUpdateInProgressNotifier()->connect([&] { ++fired; });
     service->fireOnBulkUpdateInProgressChanged();
     EXPECT_EQ(fired, 1) << "asking again must not register the set again";
+}
+
+TEST_F(UnifiedServiceImplTest, TheNotifierSetIsRegisteredOnceThroughTheServicesOwnAddObserver) {
+    RegisteringService registering(factory);
+    const auto notifiers = registering.getUnifiedServiceNotifiers();
+    EXPECT_EQ(registering.getUnifiedServiceNotifiers(), notifiers);
+    ASSERT_EQ(registering.added.size(), 1U);
+    EXPECT_EQ(std::dynamic_pointer_cast<UnifiedServiceNotifiers>(registering.added.front()), notifiers);
 }
 
 TEST_F(UnifiedServiceImplTest, BearsTwoClassNames) {

@@ -283,6 +283,7 @@ void ConfigAdapter::onConfigAddedOrUpdated(std::wstring key, std::wstring value,
                                            bool isOverridden, bool isDefined, std::wstring valueStoreName,
                                            std::wstring originalValueStoreName, bool deferFire) {
     if (auto* const service = getServiceOfThisThread()) {
+        announcementOrder->addDirect(key);
         service->OnConfigChanged(std::move(key), std::move(value), std::move(originalValue), isOverridden, isDefined,
                                  std::move(valueStoreName), std::move(originalValueStoreName), deferFire);
         return;
@@ -292,7 +293,11 @@ void ConfigAdapter::onConfigAddedOrUpdated(std::wstring key, std::wstring value,
         ConfigChange{std::move(value), std::move(originalValue), isOverridden, isDefined, std::move(valueStoreName),
                      std::move(originalValueStoreName)});
     callService("ConfigServiceImpl::OnConfigChanged", {},
-                [key = std::move(key), change, deferFire](ConfigServiceImpl& service) {
+                [key = std::move(key), change, deferFire, order = announcementOrder,
+                 number = announcementOrder->addQueued()](ConfigServiceImpl& service) {
+                    if (!order->takeQueued(key, number)) {
+                        return; // the record already holds a later value
+                    }
                     service.OnConfigChanged(key, change->value, change->originalValue, change->isOverridden,
                                             change->isDefined, change->valueStoreName, change->originalValueStoreName,
                                             deferFire);

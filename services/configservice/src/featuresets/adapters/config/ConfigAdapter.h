@@ -1,5 +1,6 @@
 #pragma once
 
+#include "AnnouncementOrder.h"
 #include "EnabledServices.h"
 #include "featuresets/adapters/config/cache/CachedStores.h"
 #include "featuresets/adapters/config/chain/ConfigStoreManager.h"
@@ -136,6 +137,8 @@ private:
     bool resetDataCallbackRegistered = false; ///< Guarded by adapterMutex; never goes back.
     const std::shared_ptr<ConfigStoreManager> configStoreManager;
     std::shared_ptr<ConfigServiceImpl> configService;
+    /// Shared with the tasks on the services dispatcher, which hold no reference to the adapter.
+    const std::shared_ptr<AnnouncementOrder> announcementOrder = std::make_shared<AnnouncementOrder>();
     std::shared_ptr<ConfigFileCacheTimer> configFileCacheTimer;
     CachedStores cachedStores{*this, configStoreManager};
     EnabledServices enabledServices{configStoreManager};

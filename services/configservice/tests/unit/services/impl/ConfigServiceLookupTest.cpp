@@ -3,6 +3,9 @@
 #include <InMemoryRegistry.h>
 #include <LogRecorder.h>
 
+#include <latch>
+#include <list>
+#include <thread>
 #include <vector>
 
 namespace ZelUnified {
@@ -21,6 +24,9 @@ struct ConfigServiceLookup : configservice_test::ServiceFixture {
             keys.push_back(record->getKey());
         }
         return keys;
+    }
+    std::shared_ptr<ConfigValueImpl> makeRecord(const std::wstring& key) {
+        return std::dynamic_pointer_cast<ConfigValueImpl>(service->getConfig(key));
     }
     std::vector<std::string> takeLines() {
         auto lines = log.getTexts(serviceLogger);
@@ -90,6 +96,63 @@ TEST_F(ConfigServiceLookup, RecordsMadeBetweenTwoListingsTakeTheirPlaceInKeyOrde
     EXPECT_THAT(listKeys(), ElementsAre(L"a", L"C", L"D", L"m", L"z"));
     service->getConfig(L"B");
     EXPECT_THAT(listKeys(), ElementsAre(L"a", L"B", L"C", L"D", L"m", L"z"));
+}
+
+TEST_F(ConfigServiceLookup, ARecordWhoseKeyChangesIsStillFoundByTheKeyOfItsCreation) {
+    const auto record = makeRecord(L"k");
+    record->setKey(L"renamed");
+    EXPECT_EQ(service->getAllConfig()->size(), 1U);
+    EXPECT_EQ(service->getConfig(L"K"), record);
+    EXPECT_NE(service->getConfig(L"renamed"), record);
+    EXPECT_EQ(service->getAllConfig()->size(), 2U);
+}
+
+TEST_F(ConfigServiceLookup, ARecordThatTakesTheKeyOfAnotherOneIsStillListedAndFound) {
+    const auto first = makeRecord(L"a");
+    auto second = makeRecord(L"b");
+    second->setKey(L"a");
+    EXPECT_THAT(*service->getAllConfig(), ElementsAre(first, second));
+    const auto* const address = second.get();
+    second.reset(); // the service alone holds it now
+    EXPECT_EQ(service->getConfig(L"b").get(), address);
+    EXPECT_EQ(service->getConfig(L"a"), first);
+}
+
+TEST_F(ConfigServiceLookup, AListingKeepsTheOrderOfCreationKeysWhateverARecordsKeyBecomes) {
+    const auto a = makeRecord(L"a");
+    const auto b = makeRecord(L"b");
+    const auto c = makeRecord(L"c");
+    a->setKey(L"z");
+    EXPECT_THAT(*service->getAllConfig(), ElementsAre(a, b, c));
+    c->setKey(L"0");
+    EXPECT_THAT(*service->getAllConfig(), ElementsAre(a, b, c));
+}
+
+TEST_F(ConfigServiceLookup, SeveralThreadsMayListAtOnceWhileNobodyChangesARecord) {
+    constexpr int keys = 300;
+    constexpr int listers = 4;
+    for (int round = 0; round < 20; ++round) {
+        service->reset();
+        for (int i = 0; i < keys; ++i) {
+            service->getConfig(L"k" + std::to_wstring(i));
+        }
+        std::vector<std::list<std::shared_ptr<ConfigValue>>> listings(listers);
+        std::vector<std::thread> threads;
+        std::latch ready(listers);
+        for (auto& listing : listings) {
+            threads.emplace_back([&] {
+                ready.arrive_and_wait();
+                listing = *service->getAllConfig();
+            });
+        }
+        for (auto& thread : threads) {
+            thread.join();
+        }
+        for (const auto& listing : listings) {
+            ASSERT_EQ(listing.size(), std::size_t{keys});
+            ASSERT_EQ(listing, *service->getAllConfig());
+        }
+    }
 }
 
 TEST_F(ConfigServiceLookup, AnAliasGivesTheTargetsRecordAndSaysSoInOneLine) {

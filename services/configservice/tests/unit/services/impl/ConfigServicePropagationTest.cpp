@@ -86,6 +86,19 @@ TEST_F(ConfigServicePropagation, ABatchFiresInAnyOrderAndSpelling) {
     }
 }
 
+TEST_F(ConfigServicePropagation, ADeferredChangeIsFiredByTheKeyOfItsRecordsCreation) {
+    const auto a = observe(L"a");
+    const auto b = observe(L"b");
+    announce(L"a", L"1", true);
+    announce(L"b", L"2", true);
+    std::dynamic_pointer_cast<ConfigValueImpl>(service->getConfig(L"a"))->setKey(L"b");
+    service->FireIfRequired(L"b");
+    EXPECT_THAT(a->heard, IsEmpty());
+    EXPECT_THAT(b->heard, ElementsAre("Value", "isDefined", "ValueStoreName"));
+    service->FireIfRequired(L"a");
+    EXPECT_THAT(a->heard, ElementsAre("Value", "isDefined", "ValueStoreName"));
+}
+
 TEST_F(ConfigServicePropagation, AResetForgetsWhatWasDeferred) {
     const auto before = observe(L"k");
     announce(L"k", L"v", true);
@@ -235,6 +248,58 @@ TEST_F(ConfigServicePropagation, InFipsModeTheForcedKeyFiresForEveryOtherValue) 
     EXPECT_THAT(observer->heard, ElementsAre("Value"));
     announce(L"Telephony_P2P_Enabled", L"false");
     EXPECT_THAT(observer->heard, ElementsAre("Value"));
+}
+
+TEST_F(ConfigServicePropagation, InFipsModeAFiringOverwritesADeferredValueThatNamesTheFipsKey) {
+    const auto observer = observe(L"k");
+    std::vector<std::wstring> seen;
+    const auto record = std::dynamic_pointer_cast<ConfigValueImpl>(service->getConfig(L"k"));
+    observer->reaction = [&](const std::string&) { seen.push_back(record->ConfigValueBaseImpl::getValue()); };
+    announce(L"k", L"Telephony_P2P_Enabled", true);
+    zel::common::FipsUtils::overrideFipsMode(true);
+    EXPECT_EQ(record->getValue(), L"Telephony_P2P_Enabled") << "no lookup has come yet";
+    service->FireIfRequired(L"K");
+    EXPECT_THAT(observer->heard, ElementsAre("Value", "isDefined", "ValueStoreName"));
+    EXPECT_THAT(seen, testing::Each(L"false"));
+    EXPECT_EQ(record->ConfigValueBaseImpl::getValue(), L"false");
+}
+
+TEST_F(ConfigServicePropagation, InFipsModeALookupBeforeTheFiringOverwritesTheValueAndTheFiringStillComesOnce) {
+    const auto observer = observe(L"k");
+    zel::common::FipsUtils::overrideFipsMode(true);
+    announce(L"k", L"telephony_p2p_enabled", true);
+    EXPECT_EQ(service->getConfig(L"k")->getValue(), L"false");
+    EXPECT_THAT(observer->heard, IsEmpty());
+    service->FireIfRequired(L"k");
+    EXPECT_THAT(observer->heard, ElementsAre("Value", "isDefined", "ValueStoreName"));
+    service->FireIfRequired(L"k");
+    EXPECT_EQ(observer->heard.size(), 3U);
+}
+
+TEST_F(ConfigServicePropagation, InFipsModeTheNextAnnouncementOverwritesADeferredValueThatNamesTheFipsKey) {
+    zel::common::FipsUtils::overrideFipsMode(true);
+    announce(L"k", L"Telephony_P2P_Enabled", true);
+    const auto observer = observe(L"k"); // its lookup overwrites the value
+    announce(L"k", L"false", true);
+    service->FireIfRequired(L"k");
+    EXPECT_THAT(observer->heard, ElementsAre("Value", "isDefined", "ValueStoreName")) << "marks of the first change";
+    announce(L"k", L"Telephony_P2P_Enabled", true);
+    announce(L"k", L"Telephony_P2P_Enabled", true);
+    service->FireIfRequired(L"k");
+    EXPECT_EQ(observer->heard.size(), 4U);
+    EXPECT_EQ(service->getConfig(L"k")->getValue(), L"false");
+}
+
+TEST_F(ConfigServicePropagation, InFipsModeTheForcedKeyFiresADeferredChangeAndKeepsItsStoredValue) {
+    const auto observer = observe(L"Telephony_P2P_Enabled");
+    zel::common::FipsUtils::overrideFipsMode(true);
+    announce(L"Telephony_P2P_Enabled", L"true", true);
+    EXPECT_THAT(observer->heard, IsEmpty());
+    service->FireIfRequired(L"telephony_p2p_enabled");
+    EXPECT_THAT(observer->heard, ElementsAre("Value", "isDefined", "ValueStoreName"));
+    const auto record = std::dynamic_pointer_cast<ConfigValueImpl>(service->getConfig(L"Telephony_P2P_Enabled"));
+    EXPECT_EQ(record->getValue(), L"false");
+    EXPECT_EQ(record->ConfigValueBaseImpl::getValue(), L"true");
 }
 
 TEST_F(ConfigServicePropagation, ABatchThatWasNeverShownHoldsNothingOfLaterOnes) {

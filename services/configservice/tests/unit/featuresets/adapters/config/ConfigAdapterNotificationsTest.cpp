@@ -1,13 +1,64 @@
 #include "ConfigAdapterFixture.h"
 #include "FakeSystemService.h"
+#include "base/TestObjects.h"
+
+#include <thread>
 
 namespace ZelUnified {
 
+using configservice_test::RecordingValueObserver;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
+namespace {
+
+/// The arguments of one change but the last: seven that differ from each other.
+struct Change {
+    std::wstring key;
+    std::wstring value;
+    std::wstring originalValue;
+    bool isOverridden;
+    bool isDefined;
+    std::wstring valueStoreName;
+    std::wstring originalValueStoreName;
+
+    bool operator==(const Change&) const = default;
+};
+
+std::ostream& operator<<(std::ostream& stream, const Change& change) {
+    return stream << KyrCoreUtils::toString(change.key + L": " + change.value + L" | " + change.originalValue) << " | "
+                  << change.isOverridden << " | " << change.isDefined << " | "
+                  << KyrCoreUtils::toString(change.valueStoreName + L" | " + change.originalValueStoreName);
+}
+
+// The two together tell the booleans apart.
+const Change overriddenChange{L"k", L"value one", L"original one", true, false, L"store one", L"origin one"};
+const Change definedChange{L"k", L"value two", L"original two", false, true, L"store two", L"origin two"};
+
+} // namespace
+
 class ConfigAdapterNotifications : public ConfigAdapterFixture {
 protected:
+    void announce(const Change& change, bool deferFire) {
+        adapter->onConfigAddedOrUpdated(change.key, change.value, change.originalValue, change.isOverridden,
+                                        change.isDefined, change.valueStoreName, change.originalValueStoreName,
+                                        deferFire);
+    }
+    Change readRecord(const std::wstring& key) {
+        const auto record = service->getConfig(key);
+        return {record->getKey(),
+                record->getValue(),
+                record->getOriginalValue(),
+                record->getisOverridden(),
+                record->getisDefined(),
+                record->getValueStoreName(),
+                record->getOriginalValueStoreName()};
+    }
+    std::shared_ptr<RecordingValueObserver> observe(const std::wstring& key) {
+        auto observer = std::make_shared<RecordingValueObserver>();
+        service->getConfig(key)->addObserver(std::weak_ptr<ConfigValueObserver>(observer));
+        return observer;
+    }
     std::vector<std::string> tasks() const { return factory->servicesDispatcher->getTaskNames(); }
     void elsewhere() { factory->servicesDispatcher->disown(); }
 };
@@ -37,6 +88,99 @@ TEST_F(ConfigAdapterNotifications, ElsewhereEachIsPostedUnderItsName) {
     factory->servicesDispatcher->runAll();
     EXPECT_EQ(recordOf(L"k"), L"v");
     EXPECT_TRUE(service->isKeySensitive(L"k"));
+}
+
+TEST_F(ConfigAdapterNotifications, EveryArgumentOfAChangeFromAnotherThreadReachesItsProperty) {
+    loadAndStart();
+    const auto observer = observe(L"k");
+    std::vector<Change> seen;
+    observer->reaction = [&](const std::string&) { seen.push_back(readRecord(L"k")); };
+    std::thread([&] {
+        announce(overriddenChange, false);
+        announce(definedChange, false);
+    }).join();
+    EXPECT_EQ(readRecord(L"k").value, L"");
+    EXPECT_THAT(observer->heard, IsEmpty());
+    factory->servicesDispatcher->runAll();
+    EXPECT_EQ(readRecord(L"k"), definedChange);
+    EXPECT_THAT(observer->heard, ElementsAre("Value", "OriginalValue", "isOverridden", "ValueStoreName",
+                                             "OriginalValueStoreName", "Value", "OriginalValue", "isOverridden",
+                                             "isDefined", "ValueStoreName", "OriginalValueStoreName"));
+    // The whole record is up to date before the first property fires.
+    ASSERT_EQ(seen.size(), 11U);
+    EXPECT_THAT(std::vector(seen.begin(), seen.begin() + 5), testing::Each(overriddenChange));
+    EXPECT_THAT(std::vector(seen.begin() + 5, seen.end()), testing::Each(definedChange));
+}
+
+TEST_F(ConfigAdapterNotifications, EveryArgumentOfADeferredChangeFromAnotherThreadReachesItsProperty) {
+    loadAndStart();
+    const auto observer = observe(L"k");
+    std::thread([&] { announce(overriddenChange, true); }).join();
+    factory->servicesDispatcher->runAll();
+    EXPECT_EQ(readRecord(L"k"), overriddenChange);
+    EXPECT_THAT(observer->heard, IsEmpty());
+    std::thread([&] { announce(definedChange, true); }).join();
+    factory->servicesDispatcher->runAll();
+    EXPECT_EQ(readRecord(L"k"), definedChange);
+    EXPECT_THAT(observer->heard, IsEmpty());
+    std::thread([&] { adapter->onFireIfRequired(L"k"); }).join();
+    EXPECT_THAT(observer->heard, IsEmpty());
+    factory->servicesDispatcher->runAll();
+    EXPECT_THAT(observer->heard, ElementsAre("Value", "OriginalValue", "isOverridden", "isDefined", "ValueStoreName",
+                                             "OriginalValueStoreName"));
+}
+
+TEST_F(ConfigAdapterNotifications, ChangesFromAnotherThreadArriveInTheOrderOfTheirPosting) {
+    loadAndStart();
+    std::vector<std::string> order;
+    std::vector<std::shared_ptr<RecordingValueObserver>> observers;
+    for (const std::wstring key : {L"a", L"b", L"c"}) {
+        observers.push_back(observe(key));
+        observers.back()->reaction = [&order, this, key](const std::string& property) {
+            if (property == "Value") {
+                order.push_back(KyrCoreUtils::toString(key + L"=" + recordOf(key)));
+            }
+        };
+    }
+    std::thread([&] {
+        adapter->onConfigAddedOrUpdated(L"b", L"deferred", L"", false, true, L"S", L"", true);
+        adapter->onConfigAddedOrUpdated(L"c", L"1", L"", false, true, L"S", L"", false);
+        adapter->onConfigAddedOrUpdated(L"a", L"1", L"", false, true, L"S", L"", false);
+        adapter->onConfigAddedOrUpdated(L"c", L"2", L"", false, true, L"S", L"", false);
+        adapter->onFireIfRequired(L"b");
+    }).join();
+    factory->servicesDispatcher->runAll();
+    EXPECT_THAT(order, ElementsAre("c=1", "a=1", "c=2", "b=deferred"));
+}
+
+TEST_F(ConfigAdapterNotifications, AStoreThatArrivesOnAnotherThreadPostsAllChangesBeforeAllFirings) {
+    loadAndStart();
+    std::thread([&] {
+        adapter->addConfigStore(makeReadOnlyStore("S", 100, {{L"alpha", L"1"}, {L"middle", L"2"}, {L"zed", L"3"}}));
+    }).join();
+    EXPECT_THAT(tasks(),
+                ElementsAre("ConfigServiceImpl::OnConfigChanged", "ConfigServiceImpl::OnConfigChanged",
+                            "ConfigServiceImpl::OnConfigChanged", "ConfigServiceImpl::FireIfRequired - alpha",
+                            "ConfigServiceImpl::FireIfRequired - middle", "ConfigServiceImpl::FireIfRequired - zed"));
+    EXPECT_EQ(recordOf(L"middle"), L"");
+    factory->servicesDispatcher->runAll();
+    EXPECT_EQ(readRecord(L"middle"), (Change{L"middle", L"2", L"2", false, true, L"S", L"S"}));
+}
+
+TEST_F(ConfigAdapterNotifications, InFipsModeAQueuedDeferredChangeFiresTheOverwrittenValue) {
+    loadAndStart();
+    zel::common::FipsUtils::overrideFipsMode(true);
+    const auto observer = observe(L"k");
+    std::vector<std::wstring> seen;
+    observer->reaction = [&](const std::string&) { seen.push_back(recordOf(L"k")); };
+    std::thread([&] {
+        adapter->onConfigAddedOrUpdated(L"k", L"Telephony_P2P_Enabled", L"", false, true, L"S", L"", true);
+        adapter->onFireIfRequired(L"k");
+    }).join();
+    factory->servicesDispatcher->runAll();
+    EXPECT_THAT(seen, ElementsAre(L"false", L"false", L"false"));
+    zel::common::FipsUtils::overrideFipsMode(false);
+    EXPECT_EQ(recordOf(L"k"), L"false");
 }
 
 TEST_F(ConfigAdapterNotifications, AliasTableIsPostedOnceWhenThePluginLoadsElsewhere) {

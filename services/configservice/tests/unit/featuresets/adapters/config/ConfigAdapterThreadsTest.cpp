@@ -22,6 +22,7 @@
 #include <functional>
 #include <latch>
 #include <memory>
+#include <random>
 #include <string>
 #include <thread>
 #include <vector>
@@ -165,6 +166,109 @@ TEST_F(ConfigAdapterThreads, EveryStoreThatArrivesAtOnceWithOthersIsOnTheRecordO
             ASSERT_TRUE(priorities.contains(KyrCoreUtils::toWideString(nameOf(number))))
                 << nameOf(number) << " is not among " << priorities.size();
         }
+    }
+}
+
+TEST_F(ConfigAdapterThreads, TheRecordOfCopiesIsRightAfterStoresArriveWhileOthersAreRemoved) {
+    constexpr int pairs = 4;
+    constexpr int fewRounds = 12; // each writes a file for every store
+    const auto nameOf = [](const char* group, int round, int number) {
+        return group + std::to_string(round) + "-" + std::to_string(number);
+    };
+    const auto addCaching = [this](const std::string& name) {
+        const auto store = makeReadOnlyStore(name, 40);
+        store->caching = true;
+        featureSet->addConfigStore(store);
+    };
+    for (int round = 0; round < fewRounds; ++round) {
+        for (int number = 0; number < pairs; ++number) {
+            addCaching(nameOf("Leaving", round, number));
+        }
+        std::latch ready(2 * pairs);
+        runInThreads(2 * pairs, [&](int thread) {
+            ready.arrive_and_wait();
+            if (thread % 2 == 0) {
+                addCaching(nameOf("Arriving", round, thread / 2));
+            } else {
+                EXPECT_TRUE(featureSet->removeConfigStore(nameOf("Leaving", round, thread / 2)));
+            }
+        });
+        std::wstring record;
+        ASSERT_TRUE(featureSet->getConfig(std::wstring(ConfigKeys::primaryConfigStores), record, false));
+        const auto priorities = CachedStoreRecord::parse(record);
+        for (int number = 0; number < pairs; ++number) {
+            ASSERT_TRUE(priorities.contains(KyrCoreUtils::toWideString(nameOf("Arriving", round, number)))) << round;
+            ASSERT_FALSE(priorities.contains(KyrCoreUtils::toWideString(nameOf("Leaving", round, number)))) << round;
+        }
+    }
+}
+
+TEST_F(ConfigAdapterThreads, SettingsMadeWhileALargeStoreArrivesOnAWorkerAreKept) {
+    constexpr int keys = 500;
+    const auto store = makeReadOnlyStore("S", 100);
+    for (int i = 0; i < keys; ++i) {
+        store->values[L"key" + std::to_wstring(i)] = L"store";
+    }
+    // The worker holds the chain when the first setting is made, so all its announcements are queued before.
+    const auto arriving = std::make_shared<testing_host::Signal>();
+    store->beforeReading = [arriving] { arriving->set(); };
+    std::thread worker;
+    onDispatcher([&] {
+        worker = std::thread([&] { featureSet->addConfigStore(store); });
+        ASSERT_TRUE(arriving->wait());
+        for (int i = 0; i < keys; i += 3) {
+            service->setConfig(L"KEY" + std::to_wstring(i), L"user" + std::to_wstring(i));
+        }
+    });
+    worker.join();
+    for (int i = 0; i < keys; ++i) {
+        const auto key = L"key" + std::to_wstring(i);
+        EXPECT_EQ(recordOf(key), i % 3 == 0 ? L"user" + std::to_wstring(i) : L"store") << i;
+    }
+}
+
+TEST_F(ConfigAdapterThreads, TheRecordEqualsTheLookupAfterSeveralThreadsChangedOneKey) {
+    constexpr std::uint32_t workers = 3;
+    const auto change = [this](std::uint_fast32_t choice, const std::wstring& value) {
+        switch (choice % 5) {
+        case 0:
+            featureSet->addConfigStore(makeReadOnlyStore("S", 10, {{L"K", value}}));
+            break;
+        case 1:
+            featureSet->removeConfigStore("S");
+            break;
+        case 2:
+            featureSet->resetConfig(L"k");
+            break;
+        default:
+            featureSet->setConfig(L"k", value);
+        }
+    };
+    for (std::uint32_t round = 0; round < rounds; ++round) {
+        std::latch ready(workers + 1);
+        const auto changeAtRandom = [&](std::uint32_t number) {
+            std::mt19937 random(round * (workers + 1) + number);
+            ready.arrive_and_wait();
+            for (int step = 0; step < 25; ++step) {
+                change(random(), std::to_wstring(number) + L"-" + std::to_wstring(step));
+            }
+        };
+        runInThreads(workers + 1, [&](int number) {
+            const auto own = static_cast<std::uint32_t>(number);
+            if (own < workers) {
+                changeAtRandom(own);
+            } else {
+                onDispatcher([&] { changeAtRandom(own); }); // ahead of what the others queue meanwhile
+            }
+        });
+        onDispatcher([&] {
+            std::wstring value;
+            const bool isDefined = featureSet->getConfig(L"k", value, false);
+            const auto record = service->getConfig(L"k");
+            EXPECT_EQ(record->getValue(), value) << "round " << round;
+            EXPECT_EQ(record->getisDefined(), isDefined) << "round " << round;
+        });
+        ASSERT_FALSE(HasFailure());
     }
 }
 

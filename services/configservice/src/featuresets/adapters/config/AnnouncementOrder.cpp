@@ -1,0 +1,28 @@
+#include "AnnouncementOrder.h"
+
+namespace ZelUnified {
+
+std::uint64_t AnnouncementOrder::addQueued() noexcept {
+    const auto number = ++lastNumber;
+    lastQueued = number;
+    return number;
+}
+
+void AnnouncementOrder::addDirect(const std::wstring& key) {
+    const auto number = ++lastNumber;
+    if (lastTaken < lastQueued) {
+        directNumbers.insert_or_assign(key, number);
+    }
+}
+
+bool AnnouncementOrder::takeQueued(const std::wstring& key, std::uint64_t number) {
+    const auto direct = directNumbers.find(key);
+    const bool isCurrent = direct == directNumbers.end() || direct->second < number;
+    lastTaken = number;
+    if (lastTaken == lastQueued) {
+        directNumbers.clear();
+    }
+    return isCurrent;
+}
+
+} // namespace ZelUnified

@@ -1,0 +1,88 @@
+#pragma once
+
+#include "featuresets/adapters/config/FakeConfigStore.h"
+
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace ZelUnified {
+
+/// What FailingConfigStore throws.
+class StoreFailure final : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// A store of another service, of which one operation throws.
+class FailingConfigStore final : public ConfigStore {
+public:
+    FailingConfigStore(std::string name, int priority, ConfigMap values)
+        : store(std::move(name), priority, std::move(values)) {}
+
+    bool getValue(const std::wstring& key, std::wstring& value) override {
+        failAt("getValue");
+        return store.getValue(key, value);
+    }
+    bool storeValue(const std::wstring& key, const std::wstring& value) override {
+        failAt("storeValue");
+        return store.storeValue(key, value);
+    }
+    std::vector<std::wstring> getKeys() override {
+        failAt("getKeys");
+        return store.getKeys();
+    }
+    bool removeValue(const std::wstring& key) override {
+        failAt("removeValue");
+        return store.removeValue(key);
+    }
+    void removeAllValues() override {
+        failAt("removeAllValues");
+        store.removeAllValues();
+    }
+    bool isReadOnly() override {
+        failAt("isReadOnly");
+        return store.isReadOnly();
+    }
+    std::string getName() override {
+        failAt("getName");
+        return store.getName();
+    }
+    int getPriority() override {
+        failAt("getPriority");
+        return store.getPriority();
+    }
+    void persistValues() override {
+        failAt("persistValues");
+        store.persistValues();
+    }
+    void destroy() override {
+        failAt("destroy");
+        store.destroy();
+    }
+    bool isLocal() override {
+        failAt("isLocal");
+        return store.isLocal();
+    }
+    bool waitForStoreReady() override { return true; }
+    bool shouldCacheConfigStore() override {
+        failAt("shouldCacheConfigStore");
+        return store.shouldCacheConfigStore();
+    }
+
+    /// What answers while no operation fails.
+    FakeConfigStore store;
+    /// The name of the operation that throws; empty for none. Stores may share it.
+    std::shared_ptr<std::string> failing = std::make_shared<std::string>();
+
+private:
+    void failAt(std::string_view operation) const {
+        if (*failing == operation) {
+            throw StoreFailure(*failing);
+        }
+    }
+};
+
+} // namespace ZelUnified
