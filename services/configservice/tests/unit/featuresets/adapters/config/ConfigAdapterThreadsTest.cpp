@@ -195,7 +195,7 @@ TEST_F(ConfigAdapterThreads, TheRecordOfCopiesIsRightAfterStoresArriveWhileOther
         });
         std::wstring record;
         ASSERT_TRUE(featureSet->getConfig(std::wstring(ConfigKeys::primaryConfigStores), record, false));
-        const auto priorities = CachedStoreRecord::parse(record);
+        const auto priorities = CachedStoreRecord::getCachedConfigStorePrioityMap(record);
         for (int number = 0; number < pairs; ++number) {
             ASSERT_TRUE(priorities.contains(KyrCoreUtils::toWideString(nameOf("Arriving", round, number)))) << round;
             ASSERT_FALSE(priorities.contains(KyrCoreUtils::toWideString(nameOf("Leaving", round, number)))) << round;

@@ -1,5 +1,5 @@
 #include "ConfigAdapterFixture.h"
-#include "featuresets/adapters/config/XmlConfigParser.h"
+#include "featuresets/adapters/config/xml/XmlConfigParser.h"
 #include "secure/SecureString.h"
 #include "services/impl/ConfigServiceImpl.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "featuresets/adapters/config/FakeConfigStore.h"
+#include "FakeConfigStore.h"
 
 #include <memory>
 #include <stdexcept>
