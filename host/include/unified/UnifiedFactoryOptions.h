@@ -2,6 +2,7 @@
 
 #include <unified/ServiceEventListener.h>
 
+#include <chrono>
 #include <map>
 #include <memory>
 #include <string>
@@ -23,6 +24,8 @@ struct UnifiedFactoryOptions {
     /// then moves damaged, empty and wrongly keyed protected files of the configuration directory aside (see
     /// EncryptFileUtils::moveAsideUnusable). A program that only reads leaves it false, and nothing is changed.
     bool openedForWriting = false;
+    /// How long Destroy() retries failed writes of protected files at most, before it logs what is lost.
+    std::chrono::milliseconds lastRetries{2000};
 };
 
 } // namespace ZelUnified
