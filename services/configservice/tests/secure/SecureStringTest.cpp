@@ -1,5 +1,6 @@
 #include "secure/SecureString.h"
 
+#include "FreedBlock.h"
 #include "secure/Base64Encoding.h"
 #include "secure/CipherKey.h"
 #include "secure/SecureBuffer.h"
@@ -9,6 +10,7 @@
 #include <openssl/evp.h>
 
 #include <algorithm>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -204,6 +206,20 @@ TEST(SecureString, WipingWorksOnShortAndEmptyTexts) {
     EXPECT_EQ(std::string(bytes, 3), std::string(3, '\0'));
     SecureString::wipe(shortText);
     EXPECT_EQ(shortText, "");
+}
+
+TEST(SecureString, ZeroesTheCiphertextAndTheVectorThatNewContentReplaces) {
+    // The sizes of the blocks, and how much of them the cipher filled.
+    const std::map<std::size_t, std::size_t> blocks{{101 + 32, 112}, {16, 16}};
+    for (const auto& [size, filled] : blocks) {
+        SecureString secret(std::string(101, 'x'));
+        const void* const block = secure_test::lastBlockOfSize(size);
+        ASSERT_NE(block, nullptr) << size;
+        const secure_test::FreedBlock freed(block, filled);
+        secret.setContent("y", 1);
+        EXPECT_EQ(freed.getContent(), std::string(filled, '\0'));
+        EXPECT_EQ(clearTextOf(secret), "y");
+    }
 }
 
 } // namespace
