@@ -5,6 +5,7 @@
 #include "secure/CipherKey.h"
 #include "secure/SecureBuffer.h"
 
+#include <LogRecorder.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <openssl/evp.h>
@@ -147,7 +148,8 @@ TEST(SecureString, MovingFromOneLeavesItUsable) {
     EXPECT_EQ(clearTextOf(one), "abc"); // NOLINT(bugprone-use-after-move): that it may be used is the point
 }
 
-TEST(SecureString, AFailingCipherMarksItEmpty) {
+TEST(SecureString, AFailingCipherMarksItEmptyInSilence) {
+    const testing_host::LogRecorder log(testing_host::LogRecorder::Debug::On);
     SecureString secret("abc");
     {
         const NoCipher policy;
@@ -157,11 +159,13 @@ TEST(SecureString, AFailingCipherMarksItEmpty) {
         EXPECT_EQ(secret.toBase64(), "");
         EXPECT_EQ(shownBy(secret), "not called");
     }
+    EXPECT_THAT(log.getRecords(), testing::IsEmpty());
     secret.setContent("works again", 11);
     EXPECT_EQ(clearTextOf(secret), "works again");
 }
 
-TEST(SecureString, AFailingDecryptionLeavesTheBufferAsItWas) {
+TEST(SecureString, AFailingDecryptionLeavesTheBufferAsItWasInSilence) {
+    const testing_host::LogRecorder log(testing_host::LogRecorder::Debug::On);
     SecureBuffer buffer;
     SecureString("old").decrypt(buffer);
     SecureString().decrypt(buffer);
@@ -173,6 +177,7 @@ TEST(SecureString, AFailingDecryptionLeavesTheBufferAsItWas) {
         EXPECT_STREQ(buffer.getData(), "old");
         EXPECT_EQ(buffer.getLength(), 3U);
     }
+    EXPECT_THAT(log.getRecords(), testing::IsEmpty());
     secret.decrypt(buffer);
     EXPECT_STREQ(buffer.getData(), "new");
 }
