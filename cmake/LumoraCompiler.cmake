@@ -8,6 +8,17 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 
+# The build tree's programs find its libraries from where they are.
+set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
+
+# lumora_set_runpath(TARGET FOLDERS...): the RUNPATH of an installed target, the same in the build tree. If both differed,
+# CMake would add an empty element to the build tree's, and for that the loader searches the working directory.
+function(lumora_set_runpath target)
+  set(folders ${ARGN})
+  list(REMOVE_DUPLICATES folders)
+  set_target_properties(${target} PROPERTIES INSTALL_RPATH "${folders}" BUILD_WITH_INSTALL_RPATH ON)
+endfunction()
+
 find_program(CCACHE_PROGRAM ccache)
 if(CCACHE_PROGRAM AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
   # Precompiled headers make ccache miss unless it may overlook their time stamps and definitions.

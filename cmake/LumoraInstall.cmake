@@ -10,7 +10,7 @@ foreach(library lumora_host configservice)
   target_include_directories(${library} INTERFACE $<INSTALL_INTERFACE:${lumora_include_folder}>)
 endforeach()
 set_target_properties(lumora_host PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
-set_target_properties(configservice PROPERTIES INSTALL_RPATH "$ORIGIN/..")
+lumora_set_runpath(configservice "$ORIGIN" "$ORIGIN/..")
 
 install(TARGETS lumora_host EXPORT LumoraConfigTargets
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <registry/Registry.h>
+#include <zel/FileLayer.h>
 
 #include <functional>
 #include <memory>
@@ -29,8 +30,15 @@ LUMORA_HOST_API std::string getUserRegistryFolder();
 /// the user's files say at and below it is dropped, so that the administrator's word stands bare, and the answer is
 /// AccessDenied.
 ///
-/// Where a root has no "SOFTWARE\Clients\Mail", `defaultMailClient` fills it in.
-LUMORA_HOST_API std::shared_ptr<Registry> makeFileRegistry(RegistryFolders folders,
-                                                           DefaultMailClient defaultMailClient = {});
+/// A recursive deletion rewrites each file once or twice, however many subkeys there are: after the deletion of a key
+/// was refused because it has subkeys, what the same thread deletes below it while a key is open is written when that
+/// key itself is deleted, or when the last open key is closed. If a file can't be written, that call returns
+/// AccessDenied and the keys of the file are there again; a key that was to be closed is closed.
+///
+/// Where a root has no "SOFTWARE\Clients\Mail", `defaultMailClient` fills it in. The user's files are rewritten through
+/// `files`, which must outlive the registry.
+LUMORA_HOST_API std::shared_ptr<Registry>
+makeFileRegistry(RegistryFolders folders, DefaultMailClient defaultMailClient = {},
+                 zel::storage::FileLayer& files = zel::storage::FileLayer::platform());
 
 } // namespace zel::registry

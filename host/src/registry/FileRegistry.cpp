@@ -36,8 +36,9 @@ std::vector<RegistryTextSection> readSections(const std::string& path, HKEY root
 
 } // namespace
 
-FileRegistry::FileRegistry(RegistryFolders registryFolders, DefaultMailClient mailClient)
-    : folders(std::move(registryFolders)), defaultMailClient(std::move(mailClient)) {}
+FileRegistry::FileRegistry(RegistryFolders registryFolders, DefaultMailClient mailClient,
+                           zel::storage::FileLayer& files)
+    : folders(std::move(registryFolders)), defaultMailClient(std::move(mailClient)), fileLayer(files) {}
 
 FileRegistry::Sources FileRegistry::findSources() const {
     Sources sources;
@@ -116,25 +117,53 @@ RegistryResult FileRegistry::RegDeleteKeyW(HKEY key, const wchar_t* subkey) {
         return RegistryResult::AccessDenied;
     }
     if (administrator->find(place->root, place->path)) {
-        if (dropFromUserFiles(place->path, Reach::WithAllBelow) != Dropped::Nothing) {
+        const auto isAtOrBelow = [&](const auto& section) { return isKeyAtOrBelow(section.path, place->path); };
+        if (writePostponed() && dropFromUserFiles(isAtOrBelow) != Dropped::Nothing) {
             load(findSources());
         }
         return RegistryResult::AccessDenied;
     }
     if (hive.hasSubkeys(place->root, place->path)) {
+        expectDeletionsBelow(place->path);
         return RegistryResult::AccessDenied;
     }
-    if (dropFromUserFiles(place->path, Reach::KeyAlone) == Dropped::Failed) {
-        load(findSources());
+    postponed.insert(place->path);
+    if (!isPartOfRecursiveDeletion(place->path) && !writePostponed()) {
         return RegistryResult::AccessDenied;
     }
     return hive.RegDeleteKeyW(key, subkey);
 }
 
-FileRegistry::Dropped FileRegistry::dropFromUserFiles(const std::wstring& path, Reach reach) {
+/// Whoever deletes a key with all below it tries the key itself first, then opens it and deletes its subkeys.
+void FileRegistry::expectDeletionsBelow(const std::wstring& path) {
+    if (postponed.empty() && !isPartOfRecursiveDeletion(path)) {
+        recursiveDeletion = {path, std::this_thread::get_id()};
+    }
+}
+
+/// Without an open key no call follows in which the files would be written.
+bool FileRegistry::isPartOfRecursiveDeletion(const std::wstring& path) const {
+    return recursiveDeletion && recursiveDeletion->thread == std::this_thread::get_id() && hive.getOpenKeyCount() > 0 &&
+           isKeyAtOrBelow(path, recursiveDeletion->path) && !isSameKey(path, recursiveDeletion->path);
+}
+
+bool FileRegistry::writePostponed() {
+    recursiveDeletion.reset();
+    const auto keys = std::exchange(postponed, {});
+    if (keys.empty()) {
+        return true;
+    }
+    if (dropFromUserFiles([&](const auto& section) { return keys.contains(section.path); }) != Dropped::Failed) {
+        return true;
+    }
+    load(findSources());
+    return false;
+}
+
+FileRegistry::Dropped FileRegistry::dropFromUserFiles(const SectionFilter& isDropped) {
     auto outcome = Dropped::Nothing;
     for (auto& file : loaded->user) {
-        const auto dropped = dropFromFile(file, path, reach);
+        const auto dropped = dropFromFile(file, isDropped);
         if (dropped == Dropped::Failed) {
             return dropped;
         }
@@ -145,19 +174,17 @@ FileRegistry::Dropped FileRegistry::dropFromUserFiles(const std::wstring& path, 
     return outcome;
 }
 
-FileRegistry::Dropped FileRegistry::dropFromFile(RegistryFile& file, const std::wstring& path, Reach reach) {
+FileRegistry::Dropped FileRegistry::dropFromFile(RegistryFile& file, const SectionFilter& isDropped) {
     const auto bytes = readRegistryFile(file.path);
     if (!bytes) {
         return Dropped::Failed;
     }
     auto sections = parseRegistryText(*bytes, HKEY_CURRENT_USER, AfterFault::GoOn).sections;
-    std::erase_if(sections, [&](const RegistryTextSection& section) {
-        return reach == Reach::WithAllBelow ? !isKeyAtOrBelow(section.path, path) : !isSameKey(section.path, path);
-    });
+    std::erase_if(sections, std::not_fn(isDropped));
     if (sections.empty()) {
         return Dropped::Nothing;
     }
-    if (replaceRegistryFile(file.path, cutRegistryText(*bytes, sections)) != 0) {
+    if (replaceRegistryFile(fileLayer, file.path, cutRegistryText(*bytes, sections)) != 0) {
         return Dropped::Failed;
     }
     // Our own writing is no news: the hive goes on with the tree it has.
@@ -186,7 +213,12 @@ RegistryResult FileRegistry::RegQueryValueExA(HKEY key, const char* name, std::u
 }
 
 RegistryResult FileRegistry::RegCloseKey(HKEY key) {
-    return hive.RegCloseKey(key);
+    const std::lock_guard lock(mutex);
+    const auto result = hive.RegCloseKey(key);
+    if (hive.getOpenKeyCount() > 0) {
+        return result;
+    }
+    return writePostponed() ? result : RegistryResult::AccessDenied;
 }
 
 } // namespace zel::registry

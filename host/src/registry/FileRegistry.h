@@ -6,11 +6,15 @@
 #include <registry/RegistryFiles.h>
 #include <registry/RegistryHive.h>
 #include <registry/RegistryTextFile.h>
+#include <zel/FileLayer.h>
 
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <set>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace zel::registry {
@@ -19,7 +23,8 @@ namespace zel::registry {
 /// the hive's.
 class FileRegistry final : public Registry {
 public:
-    FileRegistry(RegistryFolders registryFolders, DefaultMailClient mailClient);
+    /// `files` must outlive the registry.
+    FileRegistry(RegistryFolders registryFolders, DefaultMailClient mailClient, zel::storage::FileLayer& files);
 
     RegistryResult RegOpenKeyExW(HKEY key, const wchar_t* subkey, std::uint32_t options, std::uint32_t access,
                                  HKEY& opened) override;
@@ -48,22 +53,38 @@ private:
     Sources findSources() const;
     void refresh();
     void load(const Sources& sources);
-    /// What came of taking a key out of the user's files.
+    /// What came of taking sections out of the user's files.
     enum class Dropped { Nothing, Something, Failed };
-    /// Which sections go with a key.
-    enum class Reach { KeyAlone, WithAllBelow };
+    using SectionFilter = std::function<bool(const RegistryTextSection&)>;
 
-    Dropped dropFromUserFiles(const std::wstring& path, Reach reach);
-    Dropped dropFromFile(RegistryFile& file, const std::wstring& path, Reach reach);
+    Dropped dropFromUserFiles(const SectionFilter& isDropped);
+    Dropped dropFromFile(RegistryFile& file, const SectionFilter& isDropped);
+
+    /// A key whose deletion was refused because it has subkeys, and the thread that is expected to delete those next.
+    struct RecursiveDeletion {
+        std::wstring path;
+        std::thread::id thread;
+    };
+
+    void expectDeletionsBelow(const std::wstring& path);
+    bool isPartOfRecursiveDeletion(const std::wstring& path) const;
+    /// Rewrites the files without the keys in `postponed`. Returns false on failure; then the tree is read from the
+    /// files again, so that it contains the keys that were not deleted.
+    bool writePostponed();
 
     const RegistryFolders folders;
     const DefaultMailClient defaultMailClient;
+    zel::storage::FileLayer& fileLayer;
     std::mutex mutex;
     /// What the hive was filled from; nothing before the first reading.
     std::optional<Sources> loaded;
     /// The administrator's layer alone: its keys can't be deleted.
     std::unique_ptr<RegistryTree> administrator;
     RegistryHive hive;
+    /// Empty while no key is open.
+    std::optional<RecursiveDeletion> recursiveDeletion;
+    /// Keys that the hive no longer contains but the user's files do. Empty while no key is open.
+    std::set<std::wstring, RegistryNameOrder> postponed;
 };
 
 } // namespace zel::registry

@@ -15,8 +15,9 @@ std::string getUserRegistryFolder() {
     return data.empty() ? data : data + KyrCoreUtils::FileUtils::FileSeparator() + "registry";
 }
 
-std::shared_ptr<Registry> makeFileRegistry(RegistryFolders folders, DefaultMailClient defaultMailClient) {
-    return std::make_shared<FileRegistry>(std::move(folders), std::move(defaultMailClient));
+std::shared_ptr<Registry> makeFileRegistry(RegistryFolders folders, DefaultMailClient defaultMailClient,
+                                           zel::storage::FileLayer& files) {
+    return std::make_shared<FileRegistry>(std::move(folders), std::move(defaultMailClient), files);
 }
 
 int installRegistryText(const RegistryText& text, const std::string& name) {
@@ -34,7 +35,7 @@ int installRegistryText(const RegistryText& text, const std::string& name) {
     if (!isRegistryFileName(name)) {
         path += registryFileExtension;
     }
-    return replaceRegistryFile(path, formatRegistryText(text.sections));
+    return replaceRegistryFile(zel::storage::FileLayer::platform(), path, formatRegistryText(text.sections));
 }
 
 } // namespace zel::registry

@@ -5,7 +5,6 @@
 
 #include <kyr/FstreamUtils.h>
 #include <kyr/StringUtils.h>
-#include <zel/FileLayer.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -75,11 +74,11 @@ std::optional<std::string> readRegistryFile(const std::string& path) {
     return stream.bad() ? std::nullopt : std::make_optional(std::move(bytes));
 }
 
-int replaceRegistryFile(const std::string& path, std::string_view content) {
+int replaceRegistryFile(zel::storage::FileLayer& layer, const std::string& path, std::string_view content) {
     if (content.size() > maximumSize) {
         return EFBIG;
     }
-    return zel::storage::DurableFile::replace(zel::storage::FileLayer::platform(), path, content);
+    return zel::storage::DurableFile::replace(layer, path, content);
 }
 
 } // namespace zel::registry

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <zel/FileLayer.h>
+
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
@@ -36,6 +38,6 @@ std::optional<std::string> readRegistryFile(const std::string& path);
 
 /// Replaces the file as a whole, durably, or leaves the old one as it was; a new one is the owner's alone. 0, or an
 /// errno value: EFBIG for a content that no reader would take.
-int replaceRegistryFile(const std::string& path, std::string_view content);
+int replaceRegistryFile(zel::storage::FileLayer& layer, const std::string& path, std::string_view content);
 
 } // namespace zel::registry

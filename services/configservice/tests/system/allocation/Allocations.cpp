@@ -26,7 +26,7 @@ struct Watch {
 };
 
 struct Search {
-    std::wstring_view text;
+    std::string_view bytes;
     std::size_t count = 0;
 };
 
@@ -61,10 +61,8 @@ bool isIn(const void* place, const void* block, std::size_t size) noexcept {
     return !std::less<>()(place, begin) && std::less<>()(place, begin + size);
 }
 
-bool holds(const void* block, std::size_t size, std::wstring_view text) noexcept {
-    const auto* const begin = static_cast<const char*>(block);
-    const std::string_view bytes(reinterpret_cast<const char*>(text.data()), text.size() * sizeof(wchar_t));
-    return std::string_view(begin, size).find(bytes) != std::string_view::npos;
+bool holds(const void* block, std::size_t size, std::string_view bytes) noexcept {
+    return std::string_view(static_cast<const char*>(block), size).find(bytes) != std::string_view::npos;
 }
 
 void release(void* block) noexcept {
@@ -77,7 +75,7 @@ void release(void* block) noexcept {
         watch.isFreed = true;
         watch.text = nullptr;
     }
-    if (!search.text.empty() && holds(block, head->size, search.text)) {
+    if (!search.bytes.empty() && holds(block, head->size, search.bytes)) {
         ++search.count;
     }
     std::free(head);
@@ -111,7 +109,10 @@ std::optional<std::wstring> FreedText::getContent() const {
     return watch.isFreed ? std::optional(std::wstring(watch.content, watch.length)) : std::nullopt;
 }
 
-BlocksFreedWith::BlocksFreedWith(std::wstring_view text) noexcept {
+BlocksFreedWith::BlocksFreedWith(std::wstring_view text) noexcept
+    : BlocksFreedWith(std::string_view(reinterpret_cast<const char*>(text.data()), text.size() * sizeof(wchar_t))) {}
+
+BlocksFreedWith::BlocksFreedWith(std::string_view text) noexcept {
     search = {text, 0};
 }
 

@@ -36,6 +36,7 @@ public:
 class BlocksFreedWith {
 public:
     explicit BlocksFreedWith(std::wstring_view text) noexcept;
+    explicit BlocksFreedWith(std::string_view text) noexcept;
     ~BlocksFreedWith();
     BlocksFreedWith(const BlocksFreedWith&) = delete;
     BlocksFreedWith& operator=(const BlocksFreedWith&) = delete;

@@ -1,8 +1,10 @@
 #include "Allocations.h"
+#include "secure/SecureString.h"
 
 #include <kyr/StringUtils.h>
 
 #include <CacheConfigStore.h>
+#include <LocalFileConfigStore.h>
 #include <TemporaryProfile.h>
 #include <gtest/gtest.h>
 
@@ -15,17 +17,25 @@ namespace {
 
 using configservice_test::BlocksFreedWith;
 using configservice_test::FailingAllocation;
+using configservice_test::FreedText;
 
 // Long enough for the heap on every platform.
 const std::wstring secret(40, L's');
+const std::string narrowSecret(40, 's');
 /// What is not ASCII takes another way through the conversions.
 const std::wstring secretWithAccent = L"\u00E9" + secret;
 
 TEST(ReleasedDocuments, ATextInABlockThatIsFreedIsSeen) {
     auto text = std::make_unique<std::wstring>(secret);
-    const BlocksFreedWith freed(secret);
-    EXPECT_EQ(freed.getCount(), 0U);
-    text.reset();
+    {
+        const BlocksFreedWith freed(secret);
+        EXPECT_EQ(freed.getCount(), 0U);
+        text.reset();
+        EXPECT_EQ(freed.getCount(), 1U);
+    }
+    auto narrow = std::make_unique<std::string>(narrowSecret);
+    const BlocksFreedWith freed(narrowSecret);
+    narrow.reset();
     EXPECT_EQ(freed.getCount(), 1U);
 }
 
@@ -59,6 +69,64 @@ TEST_F(ReleasedCachedDocuments, LeaveNoValueBehindWhenTheyAreRead) {
         }
         EXPECT_EQ(freed.getCount(), 0U) << value.size();
     }
+}
+
+TEST_F(ReleasedCachedDocuments, LeaveNoNarrowValueBehindWhenTheyAreRead) {
+    write(secret);
+    const BlocksFreedWith freed(narrowSecret);
+    const CacheConfigStore store("X", 1, path);
+    EXPECT_EQ(freed.getCount(), 0U);
+}
+
+TEST_F(ReleasedCachedDocuments, LeaveNoValueBehindWhenTheyAreWritten) {
+    ConfigMap values;
+    values.emplace(L"k", secret);
+    {
+        auto handedIn = values;
+        const BlocksFreedWith freed(secret);
+        CacheConfigStore("X", 1, path, handedIn);
+        EXPECT_EQ(freed.getCount(), 0U);
+    }
+    const BlocksFreedWith freed(narrowSecret);
+    CacheConfigStore("X", 1, path, values);
+    EXPECT_EQ(freed.getCount(), 0U);
+}
+
+TEST_F(ReleasedCachedDocuments, AreMadeOfValuesThatAreZeroedWhenTheyAreTakenOver) {
+    ConfigMap values{{L"k", secret}};
+    const FreedText freed(values.at(L"k"));
+    const CacheConfigStore store("X", 1, path, values);
+    EXPECT_TRUE(values.empty());
+    EXPECT_EQ(freed.getContent(), std::wstring(secret.size(), L'\0'));
+}
+
+struct ReleasedUserFiles : testing::Test {
+    ReleasedUserFiles() {
+        LocalFileConfigStore store("LocalFileConfigStore", 1, false);
+        store.storeValue(L"a", L"1");
+        store.storeValue(L"k", secret);
+        store.persistValues();
+    }
+    static void read() {
+        LocalFileConfigStore store("LocalFileConfigStore", 1, true);
+        std::wstring value;
+        EXPECT_TRUE(store.getValue(L"k", value));
+        EXPECT_EQ(value, secret);
+        zel::SecureString::wipe(value);
+    }
+
+    testing_host::TemporaryProfile profile;
+};
+
+TEST_F(ReleasedUserFiles, LeaveNoValueBehindWhenTheyAreRead) {
+    {
+        const BlocksFreedWith freed(secret);
+        read();
+        EXPECT_EQ(freed.getCount(), 0U);
+    }
+    const BlocksFreedWith freed(narrowSecret);
+    read();
+    EXPECT_EQ(freed.getCount(), 0U);
 }
 
 TEST_F(ReleasedCachedDocuments, LeaveNoValueBehindWhenMemoryEnds) {

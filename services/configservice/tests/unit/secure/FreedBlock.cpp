@@ -1,5 +1,6 @@
 #include "FreedBlock.h"
 
+#include <iterator>
 #include <new>
 
 namespace secure_test {
@@ -16,7 +17,24 @@ struct Watch {
     char content[room] = {};
 };
 
+/// The last blocks that were allocated.
+struct Allocations {
+    struct Block {
+        const void* place = nullptr;
+        std::size_t size = 0;
+    };
+    Block blocks[8];
+    std::size_t next = 0;
+};
+
 thread_local Watch watch;
+thread_local Allocations allocations;
+
+void* allocate(std::size_t size) {
+    void* const place = ::operator new(size);
+    allocations.blocks[allocations.next++ % std::size(allocations.blocks)] = {place, size};
+    return place;
+}
 
 void free(void* block) noexcept {
     if (block != nullptr && block == watch.block) {
@@ -31,6 +49,17 @@ void free(void* block) noexcept {
 }
 
 } // namespace
+
+const void* lastBlockOfSize(std::size_t size) {
+    constexpr std::size_t count = std::size(allocations.blocks);
+    for (std::size_t age = 1; age <= count && age <= allocations.next; ++age) {
+        const auto& block = allocations.blocks[(allocations.next - age) % count];
+        if (block.size == size) {
+            return block.place;
+        }
+    }
+    return nullptr;
+}
 
 FreedBlock::FreedBlock(const void* block, std::size_t size) {
     watch = {};
@@ -49,7 +78,7 @@ std::optional<std::string> FreedBlock::getContent() const {
 } // namespace secure_test
 
 void* operator new[](std::size_t size) {
-    return ::operator new(size);
+    return secure_test::allocate(size);
 }
 
 void operator delete[](void* block) noexcept {

@@ -6,6 +6,9 @@
 
 namespace secure_test {
 
+/// Returns the block of that size that new[] gave this thread last.
+const void* lastBlockOfSize(std::size_t size);
+
 /// Waits for one block of new[] to be freed and keeps what it holds at that moment. One at a time; this thread.
 class FreedBlock {
 public:

@@ -5,22 +5,24 @@
 #include <cstddef>
 #include <cstdio>
 #include <future>
+#include <mutex>
 #include <new>
 #include <string>
 
 namespace {
 
 thread_local bool isMemoryShort = false;
+thread_local void* lastAllocation = nullptr;
 
 } // namespace
 
-/// Lets an allocation fail that is ready for it.
+/// Lets an allocation fail that is ready for it, and remembers the others.
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
     if (isMemoryShort) {
         return nullptr;
     }
     try {
-        return ::operator new(size);
+        return lastAllocation = ::operator new(size);
     } catch (const std::bad_alloc&) {
         return nullptr;
     }
@@ -64,22 +66,45 @@ TEST(Mutex, KeepsOtherThreadsOut) {
     EXPECT_EQ(counter, 20'000);
 }
 
-TEST(Mutex, AScopedLockThatWasReleasedDoesNotUnlockAgain) {
-    Mutex mutex;
-    mutex.lock();
-    {
-        Mutex::ScopedLock lock(mutex);
-        lock.release();
-        lock.release();
+/// A mutex whose platform lock is known. That one can be tried without waiting, so that a test sees whether it is held.
+struct ObservedMutex {
+    bool isHeld() const {
+        return std::async(std::launch::async,
+                          [this] {
+                              const std::unique_lock attempt(platformLock, std::try_to_lock);
+                              return !attempt.owns_lock();
+                          })
+            .get();
     }
-    bool entered = false;
-    auto other = std::async(std::launch::async, [&] {
-        const Mutex::ScopedLock lock(mutex);
-        return entered;
-    });
-    entered = true;
-    mutex.unlock();
-    EXPECT_TRUE(other.get()) << "the outer lock was given up early";
+
+    Mutex mutex;
+    std::recursive_mutex& platformLock = *static_cast<std::recursive_mutex*>(lastAllocation);
+};
+
+TEST(Mutex, IsHeldUntilItWasUnlockedAsOftenAsLocked) {
+    ObservedMutex observed;
+    EXPECT_FALSE(observed.isHeld());
+    observed.mutex.lock();
+    observed.mutex.lock();
+    observed.mutex.unlock();
+    EXPECT_TRUE(observed.isHeld());
+    observed.mutex.unlock();
+    EXPECT_FALSE(observed.isHeld());
+}
+
+TEST(Mutex, AScopedLockThatWasReleasedDoesNotUnlockAgain) {
+    ObservedMutex observed;
+    observed.mutex.lock();
+    {
+        Mutex::ScopedLock lock(observed.mutex);
+        lock.release();
+        EXPECT_TRUE(observed.isHeld());
+        lock.release();
+        EXPECT_TRUE(observed.isHeld()) << "the second release unlocked";
+    }
+    EXPECT_TRUE(observed.isHeld()) << "the end of the scope unlocked";
+    observed.mutex.unlock();
+    EXPECT_FALSE(observed.isHeld());
 }
 
 TEST(Mutex, WithoutMemoryItSaysSoOnStandardOutputAndLocksNothing) {

@@ -1,14 +1,17 @@
 #include "secure/SecureString.h"
 
+#include "FreedBlock.h"
 #include "secure/Base64Encoding.h"
 #include "secure/CipherKey.h"
 #include "secure/SecureBuffer.h"
 
+#include <LogRecorder.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <openssl/evp.h>
 
 #include <algorithm>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -158,7 +161,8 @@ TEST(SecureString, MovingFromOneLeavesItUsable) {
     EXPECT_EQ(clearTextOf(one), "abc"); // NOLINT(bugprone-use-after-move): that it may be used is the point
 }
 
-TEST(SecureString, AFailingCipherMarksItEmpty) {
+TEST(SecureString, AFailingCipherMarksItEmptyInSilence) {
+    const testing_host::LogRecorder log(testing_host::LogRecorder::Debug::On);
     SecureString secret("abc");
     {
         const NoCipher policy;
@@ -168,11 +172,13 @@ TEST(SecureString, AFailingCipherMarksItEmpty) {
         EXPECT_EQ(secret.toBase64(), "");
         EXPECT_EQ(shownBy(secret), "not called");
     }
+    EXPECT_THAT(log.getRecords(), testing::IsEmpty());
     secret.setContent("works again", 11);
     EXPECT_EQ(clearTextOf(secret), "works again");
 }
 
-TEST(SecureString, AFailingDecryptionLeavesTheBufferAsItWas) {
+TEST(SecureString, AFailingDecryptionLeavesTheBufferAsItWasInSilence) {
+    const testing_host::LogRecorder log(testing_host::LogRecorder::Debug::On);
     SecureBuffer buffer;
     SecureString("old").decrypt(buffer);
     SecureString().decrypt(buffer);
@@ -184,6 +190,7 @@ TEST(SecureString, AFailingDecryptionLeavesTheBufferAsItWas) {
         EXPECT_STREQ(buffer.getData(), "old");
         EXPECT_EQ(buffer.getLength(), 3U);
     }
+    EXPECT_THAT(log.getRecords(), testing::IsEmpty());
     secret.decrypt(buffer);
     EXPECT_STREQ(buffer.getData(), "new");
 }
@@ -217,6 +224,20 @@ TEST(SecureString, WipingWorksOnShortAndEmptyTexts) {
     EXPECT_EQ(std::string(bytes, 3), std::string(3, '\0'));
     SecureString::wipe(shortText);
     EXPECT_EQ(shortText, "");
+}
+
+TEST(SecureString, ZeroesTheCiphertextAndTheVectorThatNewContentReplaces) {
+    // The sizes of the blocks, and how much of them the cipher filled.
+    const std::map<std::size_t, std::size_t> blocks{{101 + 32, 112}, {16, 16}};
+    for (const auto& [size, filled] : blocks) {
+        SecureString secret(std::string(101, 'x'));
+        const void* const block = secure_test::lastBlockOfSize(size);
+        ASSERT_NE(block, nullptr) << size;
+        const secure_test::FreedBlock freed(block, filled);
+        secret.setContent("y", 1);
+        EXPECT_EQ(freed.getContent(), std::string(filled, '\0'));
+        EXPECT_EQ(clearTextOf(secret), "y");
+    }
 }
 
 } // namespace

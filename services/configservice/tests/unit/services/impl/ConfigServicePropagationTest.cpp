@@ -1,5 +1,7 @@
 #include "ServiceFixture.h"
 
+#include <LogRecorder.h>
+
 #include <stdexcept>
 #include <vector>
 
@@ -34,13 +36,15 @@ TEST_F(ConfigServicePropagation, OverriddenComesBeforeDefined) {
     EXPECT_FALSE(service->getConfig(L"a")->getisDefined());
 }
 
-TEST_F(ConfigServicePropagation, AnEqualNotificationFiresNothing) {
+TEST_F(ConfigServicePropagation, AnEqualNotificationFiresAndLogsNothing) {
     const auto observer = observe(L"k");
     announce(L"k", L"v");
     observer->heard.clear();
+    const testing_host::LogRecorder log(testing_host::LogRecorder::Debug::On);
     announce(L"k", L"v");
     announce(L"k", L"V");
     EXPECT_THAT(observer->heard, IsEmpty());
+    EXPECT_THAT(log.getRecords(), IsEmpty());
     EXPECT_EQ(service->getConfig(L"k")->getValue(), L"v");
 }
 

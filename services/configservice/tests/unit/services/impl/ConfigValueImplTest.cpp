@@ -2,6 +2,8 @@
 
 #include <unified/UpdateAccessError.h>
 
+#include <LogRecorder.h>
+
 #include <stdexcept>
 
 namespace ZelUnified {
@@ -157,10 +159,12 @@ TEST_F(ConfigValueImplTest, AResetGoesToTheFeatureSetAndLeavesTheRecord) {
     EXPECT_EQ(record->getValue(), L"v");
 }
 
-TEST_F(ConfigValueImplTest, WithoutAFeatureSetWritesAndResetsAreIgnored) {
+TEST_F(ConfigValueImplTest, WithoutAFeatureSetWritesAndResetsAreIgnoredInSilence) {
     record->setValue(L"v");
+    const testing_host::LogRecorder log;
     EXPECT_NO_THROW(record->storeValueAndNotify(L"w"));
     EXPECT_NO_THROW(record->resetToDefault());
+    EXPECT_THAT(log.getRecords(), IsEmpty());
     EXPECT_EQ(record->getValue(), L"v");
     EXPECT_THAT(observer->heard, IsEmpty());
 }

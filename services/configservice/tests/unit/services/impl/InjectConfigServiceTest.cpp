@@ -5,6 +5,7 @@
 #include <ConfigFeatureSet.h>
 #include <ConfigService.h>
 #include <InMemoryRegistry.h>
+#include <LogRecorder.h>
 #include <RecordingFactory.h>
 #include <TemporaryProfile.h>
 #include <gmock/gmock.h>
@@ -122,11 +123,13 @@ TEST_F(InjectConfigServiceTest, LeavesAFeatureSetThatExistsInItsPlace) {
     EXPECT_EQ(factory->getFeatureSetByType<ConfigFeatureSet>(), std::shared_ptr<ConfigFeatureSet>(other));
 }
 
-TEST_F(InjectConfigServiceTest, SecondCallMakesASecondServiceAndNoSecondAdapter) {
+TEST_F(InjectConfigServiceTest, SecondCallReplacesTheServiceInSilenceAndMakesNoSecondAdapter) {
     InjectConfigService(factory);
     const auto first = factory->getServiceByType<ConfigService>();
     const auto adapter = factory->getFeatureSetByType<ConfigFeatureSet>();
+    const testing_host::LogRecorder log;
     InjectConfigService(factory);
+    EXPECT_THAT(log.getRecords(), IsEmpty());
     EXPECT_NE(factory->getServiceByType<ConfigService>(), first);
     EXPECT_EQ(factory->getFeatureSetByType<ConfigFeatureSet>(), adapter);
 }

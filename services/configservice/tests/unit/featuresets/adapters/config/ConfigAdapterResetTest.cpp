@@ -5,6 +5,8 @@
 namespace ZelUnified {
 
 using testing::Contains;
+using testing::HasSubstr;
+using testing::Not;
 
 namespace {
 
@@ -176,16 +178,116 @@ TEST_F(ConfigAdapterReset, BeforeTheStartItWorksTheSame) {
     EXPECT_TRUE(inChain("LocalFileConfigStore"));
 }
 
-TEST_F(ConfigAdapterReset, EveryOptionDoesTheSame) {
-    for (const auto option :
-         {ResetDataOptionEnum::ResetAll, ResetDataOptionEnum::ResetUserData, ResetDataOptionEnum::ResetOnSignOut}) {
+TEST_F(ConfigAdapterReset, MissingCalendarFolderGivesNoLine) {
+    load();
+    ASSERT_FALSE(std::filesystem::exists(profile.data() / "Google calendar"));
+    reset();
+    EXPECT_FALSE(log.mentions("alendar"));
+    EXPECT_THAT(log.getTexts(ZelLogLevel::Error), Not(Contains(HasSubstr("delete"))));
+    EXPECT_EQ(logged().back(), "ConfigAdapter reset.");
+}
+
+/// All that a reset does, for each option.
+class ConfigAdapterResetOption : public ConfigAdapterReset,
+                                 public testing::WithParamInterface<ResetDataOptionEnum::ResetDataOption> {
+protected:
+    void SetUp() override {
+        givenDefaults({{L"d", L"default"}});
+        givenPolicy(L"p", L"policy");
+        testing_host::writeFile(calendarHelper, "x");
         loadAndStart();
-        adapter->setConfig(L"k", L"v");
-        reset(option);
-        EXPECT_EQ(valueOf(L"k"), L"(none)");
-        unload();
+        adapter->setMdmConfig("<a><b><m>mdm</m></b></a>");
+        adapter->setUrlProvisioningData(L"?ServicesDomain=example.com");
+        adapter->addConfigStore(makeReadOnlyStore("BootstrapConfigStore", 50, {{L"b", L"boot"}}));
+        adapter->addConfigStore(makeReadOnlyStore("devOverrideConfigStore", 1, {{L"o", L"override"}}));
+        adapter->addConfigStore(makeCachingStore("TftpConfigStore", 40, {{L"t", L"tftp"}}));
+        adapter->setConfig(L"k", L"user");
+        adapter->setInMemoryConfig(L"v", L"volatile");
+        factory->backgroundDispatcher->runAll();
+        ASSERT_TRUE(std::filesystem::exists(userFile));
+        ASSERT_TRUE(std::filesystem::exists(cacheFile("TftpConfigStore")));
+        testing_host::writeFile(backupFile, "x");
+        testing_host::writeFile(cacheFile("Orphan"), "x");
+        for (const auto& path : otherFiles) {
+            write(path);
+        }
+    }
+    void reset() { ConfigAdapterReset::reset(GetParam()); }
+
+    const std::filesystem::path calendarHelper = profile.data() / "Google calendar" / "calendar.bat";
+    const std::filesystem::path userFile = profile.config() / "lumoraLocalConfig.dat";
+    const std::filesystem::path backupFile = profile.config() / "lumoraLocalConfig_backup.dat";
+    const std::vector<std::filesystem::path> otherFiles{"other.log", "deviceData4.properties", "lumora-config-user.xml",
+                                                        "installationId.txt"};
+};
+
+TEST_P(ConfigAdapterResetOption, EmptiesAllStoresButTheFiveSparedOnes) {
+    reset();
+    for (const auto* key : {L"k", L"v", L"p", L"t"}) {
+        EXPECT_EQ(valueOf(key), L"(none)") << KyrCoreUtils::toString(key);
+        EXPECT_FALSE(service->getConfig(key)->getisDefined()) << KyrCoreUtils::toString(key);
+    }
+    EXPECT_EQ(valueOf(L"d"), L"default");
+    EXPECT_EQ(valueOf(L"m"), L"mdm");
+    EXPECT_EQ(valueOf(L"ServicesDomain"), L"example.com");
+    EXPECT_EQ(valueOf(L"b"), L"boot");
+    EXPECT_EQ(valueOf(L"o"), L"override");
+}
+
+TEST_P(ConfigAdapterResetOption, DeletesTheFilesOfTheProfileButFour) {
+    reset();
+    EXPECT_FALSE(std::filesystem::exists(cacheFile("TftpConfigStore"))) << "goes with its store";
+    for (const auto& path : {userFile, backupFile, cacheFile("Orphan"), profile.config() / otherFiles[0]}) {
+        EXPECT_FALSE(std::filesystem::exists(path)) << path;
+        EXPECT_EQ(levelOf("File: [" + path.string() + "] deleted"), ZelLogLevel::Info);
+    }
+    for (const auto& path : {cacheFile("UrlProvisioningConfigStore"), profile.config() / otherFiles[1],
+                             profile.config() / otherFiles[2], profile.config() / otherFiles[3]}) {
+        EXPECT_TRUE(std::filesystem::exists(path)) << path;
+        EXPECT_EQ(levelOf("file will be excluded from reset deletion: [" + path.filename().string() + "]"),
+                  ZelLogLevel::Info);
     }
 }
+
+TEST_P(ConfigAdapterResetOption, DeletesTheCalendarHelperAndThePolicy) {
+    reset();
+    EXPECT_FALSE(std::filesystem::exists(calendarHelper));
+    EXPECT_FALSE(registry->hasKey(zel::registry::HKEY_CURRENT_USER, policyPath));
+}
+
+TEST_P(ConfigAdapterResetOption, StopsTheTimers) {
+    const testing_host::LogRecorder debugLog(testing_host::LogRecorder::Debug::On);
+    reset();
+    EXPECT_TRUE(debugLog.mentions("Removing all timers, which should stop them all"));
+}
+
+TEST_P(ConfigAdapterResetOption, RebuildsTheChainBetweenItsFirstAndItsLastLine) {
+    reset();
+    for (const auto* name :
+         {"LocalFileConfigStore", "RegistryConfigStore", "UrlProvisioningConfigStore", "InMemoryConfigStore",
+          "lumora-config-defaults.xml", "MdmConfigStore", "BootstrapConfigStore", "devOverrideConfigStore"}) {
+        EXPECT_TRUE(inChain(name)) << name;
+    }
+    EXPECT_FALSE(inChain("TftpConfigStore"));
+    EXPECT_TRUE(adapter->IsFeatureSetStarted(configServiceId));
+    EXPECT_EQ(logged().front(), "About to reset the ConfigAdapter...");
+    EXPECT_EQ(logged().back(), "ConfigAdapter reset.");
+}
+
+TEST_P(ConfigAdapterResetOption, LeavesNothingForTheNextRunButWhatWasSpared) {
+    reset();
+    unload();
+    load();
+    for (const auto* key : {L"k", L"v", L"p", L"t", L"b", L"o"}) {
+        EXPECT_EQ(valueOf(key), L"(none)") << KyrCoreUtils::toString(key);
+    }
+    EXPECT_EQ(valueOf(L"d"), L"default");
+    EXPECT_EQ(valueOf(L"ServicesDomain"), L"example.com");
+}
+
+INSTANTIATE_TEST_SUITE_P(Each, ConfigAdapterResetOption,
+                         testing::Values(ResetDataOptionEnum::ResetAll, ResetDataOptionEnum::ResetUserData,
+                                         ResetDataOptionEnum::ResetOnSignOut));
 
 TEST_F(ConfigAdapterReset, WaitingBackupIsForgotten) {
     loadAndStart();

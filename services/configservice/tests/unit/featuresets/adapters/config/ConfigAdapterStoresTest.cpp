@@ -90,7 +90,9 @@ TEST_F(ConfigAdapterStores, ArrivingStoreReachesTheRecordsAndLeaves) {
 TEST_F(ConfigAdapterStores, NullStoreIsIgnored) {
     loadAndStart();
     adapter->addConfigStore(nullptr);
+    EXPECT_THAT(log.getTexts("ConfigService-ConfigStoreManager"), IsEmpty());
     adapter->updateExistingConfigStore(nullptr, {});
+    EXPECT_THAT(log.getTexts("ConfigService-ConfigStoreManager"), IsEmpty());
     EXPECT_THAT(errors(), IsEmpty());
 }
 

@@ -1,5 +1,6 @@
 #include "featuresets/adapters/config/cache/CachedStoreRecord.h"
 
+#include <LogRecorder.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -14,10 +15,12 @@ TEST(CachedStoreRecord, ReadsNamesAndPriorities) {
                 ElementsAre(Pair(L"PresenceConfigStore", L"31"), Pair(L"TftpStore", L"41")));
 }
 
-TEST(CachedStoreRecord, SkipsWhatIsNoPair) {
+TEST(CachedStoreRecord, SkipsWhatIsNoPairInSilence) {
+    const testing_host::LogRecorder log;
     EXPECT_THAT(CachedStoreRecord::getCachedConfigStorePrioityMap(L"A:abc;B;C:1:2;;"), ElementsAre(Pair(L"A", L"abc")));
     EXPECT_THAT(CachedStoreRecord::getCachedConfigStorePrioityMap(L"B:"), ElementsAre(Pair(L"B", L"")));
     EXPECT_THAT(CachedStoreRecord::getCachedConfigStorePrioityMap(L""), IsEmpty());
+    EXPECT_THAT(log.getRecords(), IsEmpty());
 }
 
 TEST(CachedStoreRecord, RepeatedNameKeepsItsLastPriorityAndFirstSpelling) {

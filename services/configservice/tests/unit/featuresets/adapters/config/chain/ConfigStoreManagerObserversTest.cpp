@@ -90,7 +90,7 @@ TEST_F(ConfigStoreManagerObservers, StoreAddedObserverIsKeptAliveByItsNotificati
 
 TEST_F(ConfigStoreManagerObservers, RegistrationOfStoreAddedObserversIsLogged) {
     manager.registerConfigStoreAddedObserver(nullptr);
-    EXPECT_THAT(logged(), IsEmpty());
+    EXPECT_THAT(log.getRecords(), IsEmpty());
     const auto added = std::make_shared<StoreAddedRecorder>();
     manager.registerConfigStoreAddedObserver(added);
     manager.unregisterConfigStoreAddedObserver(nullptr);
@@ -175,6 +175,7 @@ TEST_F(ConfigStoreManagerObservers, StoreAddedObserversAreToldInTheOrderOfTheirR
 TEST_F(ConfigStoreManagerObservers, EveryObserverIsToldOnceAndANullOneIsIgnored) {
     RecordingObserver second;
     manager.addObserver(nullptr);
+    EXPECT_THAT(log.getRecords(), IsEmpty());
     manager.addObserver(&second);
     manager.addObserver(&second);
     manager.addStore(makeReadOnlyStore("R", 33, {{L"k", L"1"}}));

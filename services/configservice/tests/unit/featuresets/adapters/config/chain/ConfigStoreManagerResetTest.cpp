@@ -184,4 +184,15 @@ TEST_F(ConfigStoreManagerReset, AllCachedFilesGoAndStoresNamedAfterThem) {
     EXPECT_TRUE(manager.hasStoreWithName("A"));
 }
 
+TEST_F(ConfigStoreManagerReset, OtherFilesOfTheCacheFolderAreIgnoredInSilence) {
+    for (const auto* name : {"notes.txt", "dat", "cachedC.DAT", "cachedC.dat.bak"}) {
+        testing_host::writeFile(cached(name), "x");
+    }
+    manager.removeAllCachedStores();
+    for (const auto* name : {"notes.txt", "dat", "cachedC.DAT", "cachedC.dat.bak"}) {
+        EXPECT_TRUE(std::filesystem::exists(cached(name))) << name;
+    }
+    EXPECT_THAT(log.getRecords(), IsEmpty());
+}
+
 } // namespace ZelUnified

@@ -181,6 +181,7 @@ TEST_F(ConfigStoreManagerProvisioning, MakesAStoreOfTheAllowedKeysAndForbidsAnot
     EXPECT_TRUE(std::filesystem::exists(copy));
     EXPECT_EQ(user->values.at(L"AllowUrlProvisioning"), L"False");
     EXPECT_EQ(logged().front(), "setting url provisioning data");
+    EXPECT_FALSE(log.mentions("Foreign"));
 }
 
 TEST_F(ConfigStoreManagerProvisioning, UrlWithoutAnAllowedPairChangesNothing) {
@@ -188,7 +189,10 @@ TEST_F(ConfigStoreManagerProvisioning, UrlWithoutAnAllowedPairChangesNothing) {
     EXPECT_FALSE(manager.setUrlProvisioningData(L"app://x?ServicesDomain"));
     EXPECT_FALSE(manager.hasStoreWithName("UrlProvisioningConfigStore"));
     EXPECT_FALSE(std::filesystem::exists(copy));
-    EXPECT_THAT(logged(), ElementsAre("setting url provisioning data"));
+    EXPECT_FALSE(manager.setUrlProvisioningData(L"app://x?Foreign=1"));
+    EXPECT_FALSE(manager.setUrlProvisioningData(L""));
+    EXPECT_THAT(log.getTexts(loggerName), testing::Each("setting url provisioning data"));
+    EXPECT_EQ(log.getRecords().size(), 3U);
     EXPECT_THAT(observer.announcements, IsEmpty());
 }
 

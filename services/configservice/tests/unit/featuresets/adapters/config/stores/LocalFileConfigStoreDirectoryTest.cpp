@@ -2,6 +2,7 @@
 #include "MadeDirectories.h"
 #include "featuresets/adapters/config/xml/XmlTestSupport.h"
 
+#include <LogRecorder.h>
 #include <TemporaryProfile.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -53,4 +54,14 @@ TEST_F(LocalFileConfigStoreDirectoryTest, IsNotMadeWhenItIsTheCurrentOne) {
     const std::vector<std::string> made = madeFor("");
     fs::current_path(before);
     EXPECT_THAT(made, IsEmpty());
+}
+
+TEST_F(LocalFileConfigStoreDirectoryTest, IsMissedInSilenceWhenItCantBeMade) {
+    testing_host::writeFile(folder, "a file is in the way");
+    const testing_host::LogRecorder log;
+    EXPECT_THAT(madeFor(folder + "/below"), ElementsAre(folder + "/below"));
+    EXPECT_FALSE(fs::is_directory(folder));
+    // The line is of the reading, before the write.
+    EXPECT_THAT(log.getTexts("ConfigService-LocalFileConfigStore"),
+                ElementsAre("Failed to read config file " + folder + "/below/file.dat"));
 }

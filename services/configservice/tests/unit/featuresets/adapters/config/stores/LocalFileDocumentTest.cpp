@@ -57,9 +57,12 @@ TEST(LocalFileDocument, VisitsEveryElementTheRootIncluded) {
     EXPECT_THAT(read("<userConfig name='k' value='v'/><!-- behind -->"), ElementsAre(Pair(L"k", L"v")));
 }
 
-TEST(LocalFileDocument, IgnoresOtherElements) {
+TEST(LocalFileDocument, IgnoresOtherElementsAttributesAndTextInSilence) {
+    const testing_host::LogRecorder log;
     EXPECT_THAT(read("<r><user name='k' value='v'/><k>v</k></r>"), IsEmpty());
+    EXPECT_THAT(read("<r other='x'>text<userConfig names='k' value='v' other='x'>text</userConfig></r>"), IsEmpty());
     EXPECT_THAT(read("<r/>"), IsEmpty());
+    EXPECT_THAT(log.getRecords(), IsEmpty());
 }
 
 TEST(LocalFileDocument, TakesTheFirstElementOfAKey) {
@@ -69,6 +72,13 @@ TEST(LocalFileDocument, TakesTheFirstElementOfAKey) {
 
 TEST(LocalFileDocument, TakesTheLastOfSeveralAttributes) {
     EXPECT_THAT(read("<r><userConfig name='a' NAME='b' value='1' Value='2'/></r>"), ElementsAre(Pair(L"b", L"2")));
+}
+
+TEST(LocalFileDocument, IgnoresASecondElementOfAKeyInSilence) {
+    const testing_host::LogRecorder log;
+    EXPECT_THAT(read("<r><userConfig name='k' value='first'/><userConfig name='K' value='second'/></r>"),
+                ElementsAre(Pair(L"k", L"first")));
+    EXPECT_THAT(log.getRecords(), IsEmpty());
 }
 
 TEST(LocalFileDocument, IgnoresAnEmptyKeyAndTakesAnEmptyValue) {

@@ -1,3 +1,4 @@
+#include "FaultInjectingFileLayer.h"
 #include "InMemoryRegistry.h"
 #include "LogRecorder.h"
 #include "TemporaryProfile.h"
@@ -194,6 +195,24 @@ TEST_F(RegistryDeletionTest, OnFilesAPolicyOfTheUserAloneGoesWhole) {
     EXPECT_EQ(testing_host::readFile(profile.data() / "registry/own.reg"), "REGEDIT4\n");
     EXPECT_EQ(log.getTexts(ZelLogLevel::Info).size(), 4U);
     EXPECT_THAT(log.getTexts(ZelLogLevel::Warning), IsEmpty());
+}
+
+TEST_F(RegistryDeletionTest, OnFilesAPolicyWithManySubkeysIsDeletedInOneOrTwoRewrites) {
+    const testing_host::TemporaryProfile profile;
+    std::string lines = "REGEDIT4\n";
+    for (int i = 0; i < 300; ++i) {
+        lines += "[HKEY_CURRENT_USER\\Software\\Policies\\Ventrix Systems, Inc.\\Unified Communications\\VentrixUC\\" +
+                 std::to_string(i) + "]\n\"Key\"=\"value\"\n";
+    }
+    const auto file = profile.data() / "registry/own.reg";
+    testing_host::writeFile(file, lines);
+    testing_host::FaultInjectingFileLayer layer;
+    overrideRegistry(makeFileRegistry({(profile.root() / "none").string(), {}}, {}, layer));
+    RegistryConfigStore::removeRegistrySettings();
+    EXPECT_EQ(testing_host::readFile(file), "REGEDIT4\n");
+    EXPECT_EQ(log.getTexts(ZelLogLevel::Info).size(), 301U);
+    EXPECT_LE(std::ranges::count(layer.getCalls(), testing_host::FaultInjectingFileLayer::Operation::Rename), 2);
+    overrideRegistry(nullptr);
 }
 
 } // namespace

@@ -79,7 +79,8 @@ TEST(XmlConfigParser, TellsOfADocumentWithoutARoot) {
     EXPECT_THAT(log.getTexts(ZelLogLevel::Warning), ElementsAre("XML document root element not available."));
 }
 
-TEST(XmlConfigParser, IgnoresAllButElementsOnTheUpperLevels) {
+TEST(XmlConfigParser, IgnoresAllButElementsOnTheUpperLevelsInSilence) {
+    const testing_host::LogRecorder log;
     const Table table = parse("<?xml version='1.0'?><!-- c --><a x='1'>text<!-- c --><?p i?><g k='2'>text"
                               "<![CDATA[data]]><!-- c --></g><h>text</h></a>");
     EXPECT_TRUE(table.read);
@@ -87,6 +88,7 @@ TEST(XmlConfigParser, IgnoresAllButElementsOnTheUpperLevels) {
     const Table bare = parse("<a/>");
     EXPECT_TRUE(bare.read);
     EXPECT_THAT(bare.values, IsEmpty());
+    EXPECT_THAT(log.getRecords(), IsEmpty());
 }
 
 TEST(XmlConfigParser, JoinsTextAndCDataAndTrimsTheWhole) {
