@@ -39,9 +39,6 @@ std::string settleDirectories(const CommandLine& line) {
 
 void startLog(bool verbose) {
     zel::logging::setDebugEnabled(verbose);
-    if (verbose) {
-        zel::logging::logToStandardError(true);
-    }
     zel::logging::logToFile(FileUtils::getStateDirectory() + FileUtils::FileSeparator() + "lumora-config.log");
 }
 
