@@ -50,6 +50,7 @@ void addReads(CLI::App& app, Command& command) {
 void addWrites(CLI::App& app, Command& command, CommandScope scope) {
     auto* set = addKeyCommand(app, command, "set", "Set the user's value of a key");
     addValue(set, command);
+    set->add_flag("--force", command.forced, "Set it though XML has no such name or no such character");
     if (scope == CommandScope::Shell) {
         addWorkerFlag(set, command);
     }
