@@ -71,6 +71,7 @@ void addWrites(CLI::App& app, Command& command, CommandScope scope) {
     auto* resetData =
         addCommand(app, command, "reset-data", "Reset the client: the user's settings and the cached stores go");
     resetData->add_flag("--yes", command.confirmed, "Really do it");
+    resetData->add_flag("--force", command.forced, "Remove files that are not the client's, too");
 }
 
 void addShellCommands(CLI::App& app, Command& command) {

@@ -1,7 +1,9 @@
 #include "ChainPage.h"
 #include "CommandTable.h"
+#include "ForeignFiles.h"
 #include "LogLineCatcher.h"
 
+#include <kyr/FileUtils.h>
 #include <kyr/StringUtils.h>
 #include <zel/RegularFile.h>
 
@@ -82,9 +84,26 @@ void log(Session& session, const Command& /*command*/) {
     session.getPrinter().showText("log", catcher.getText());
 }
 
+/// A reset empties the configuration directory; a wrong one may be full of something else.
+void requireNoForeignFiles() {
+    const auto directory = KyrCoreUtils::FileUtils::getConfigDirectory();
+    const auto foreign = findForeignFiles(directory);
+    if (foreign.empty()) {
+        return;
+    }
+    auto message = directory + " contains files that are not the client's; --force removes them, too: ";
+    for (const auto& file : foreign) {
+        message += (&file == &foreign.front() ? "" : ", ") + file;
+    }
+    throw Failure(ExitCode::NotFound, message);
+}
+
 void resetData(Session& session, const Command& command) {
     if (!command.confirmed) {
         throw Failure(ExitCode::Usage, "reset-data removes the user's settings and the cached stores; say --yes");
+    }
+    if (!command.forced) {
+        requireNoForeignFiles();
     }
     session.getHost().resetData();
     reportDone(session, command, "the client's configuration is reset");
