@@ -7,9 +7,11 @@
 #include "Output.h"
 #include "Session.h"
 #include "Shell.h"
+#include "StandardInput.h"
 #include "Terminal.h"
 #include "TextPrinter.h"
 
+#include <kyr/EndSignals.h>
 #include <kyr/StandardStreams.h>
 
 #include <cerrno>
@@ -21,6 +23,7 @@
 namespace {
 
 using namespace lumora_config;
+using KyrCoreUtils::EndSignals;
 
 using KyrCoreUtils::StandardStreams;
 
@@ -43,6 +46,36 @@ std::unique_ptr<Printer> makePrinter(const CommandLine& line, Outputs& outputs) 
                                          inShell ? JsonPrinter::Failures::AsObjects : JsonPrinter::Failures::AsText);
 }
 
+/// Hands in the stores of the command line. One whose copy is not on the disk serves this run all the same.
+ExitCode addForeignStores(Session& session, const CommandLine& line, Printer& printer) {
+    auto code = ExitCode::Done;
+    for (const auto& spec : line.stores) {
+        const auto store = session.addForeignStore(spec);
+        try {
+            if (spec.cached) {
+                session.getDisk().requireCopy(*store);
+            }
+        } catch (const Failure& failure) {
+            printer.showFailure("--store", failure);
+            code = failure.getCode();
+        }
+    }
+    return code;
+}
+
+ExitCode runOne(Session& session, const Command& command) {
+    runCommand(session, command);
+    return ExitCode::Done;
+}
+
+ExitCode runShell(Session& session) {
+    StandardInput buffer;
+    std::istream input(&buffer);
+    Shell shell(session, input, Terminal::isInteractive());
+    shell.endWhen([] { return EndSignals::getReceived() != 0; });
+    return shell.run();
+}
+
 ExitCode runSession(const CommandLine& line, Printer& printer) {
     ConfigHost host(line);
     Session session(host, printer, line.showSecrets);
@@ -51,14 +84,9 @@ ExitCode runSession(const CommandLine& line, Printer& printer) {
     for (const auto& spec : line.bootstraps) {
         session.addStore(bootstraps.make(spec));
     }
-    for (const auto& spec : line.stores) {
-        session.addForeignStore(spec);
-    }
-    if (line.command.name == "shell") {
-        return Shell(session, std::cin, Terminal::isInteractive()).run();
-    }
-    runCommand(session, line.command);
-    return ExitCode::Done;
+    const auto storesCode = addForeignStores(session, line, printer);
+    const auto code = line.command.name == "shell" ? runShell(session) : runOne(session, line.command);
+    return code == ExitCode::Done ? storesCode : code;
 }
 
 ExitCode runLine(const CommandLine& line, Outputs& outputs) {
@@ -117,6 +145,10 @@ ExitCode checkAnswers(ExitCode code, Outputs& outputs) {
 
 int main(int argc, char** argv) {
     StandardStreams::prepare();
+    // A command, and the end of the host, run to their end first: what was acknowledged is on the disk then.
+    const EndSignals signals;
     Outputs outputs;
-    return static_cast<int>(checkAnswers(runGuarded(argc, argv, outputs), outputs));
+    const auto code = checkAnswers(runGuarded(argc, argv, outputs), outputs);
+    EndSignals::endProcess();
+    return static_cast<int>(code);
 }
