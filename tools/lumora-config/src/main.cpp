@@ -1,7 +1,10 @@
 #include "BootstrapStores.h"
 #include "CommandLine.h"
+#include "CommandTable.h"
 #include "Commands.h"
 #include "ConfigHost.h"
+#include "Doctor.h"
+#include "HealthNotice.h"
 #include "JsonPrinter.h"
 #include "LogLinePrinter.h"
 #include "Output.h"
@@ -76,8 +79,19 @@ ExitCode runShell(Session& session) {
     return shell.run();
 }
 
+/// Needs no plug-in, and shows a damaged file before a host moves it aside.
+void examineProfile(const CommandLine& line, Printer& printer) {
+    KyrCoreUtils::FileUtils::overrideDirectories(line.directories);
+    showHealth(Doctor(Doctor::Lock::NotHeld).examine(), printer);
+}
+
 ExitCode runSession(const CommandLine& line, Printer& printer) {
+    if (line.command.name == "doctor") {
+        examineProfile(line, printer);
+        return ExitCode::Done;
+    }
     ConfigHost host(line);
+    showHealthNotice(host.getConfigDirectory(), printer);
     Session session(host, printer, line.showSecrets);
     host.start();
     BootstrapStores bootstraps(host.getPluginDirectory());
