@@ -14,12 +14,6 @@
 
 namespace zel::registry {
 
-namespace {
-
-constexpr std::uintmax_t maximumSize = 64U << 20U;
-
-} // namespace
-
 bool isRegistryFileName(std::string_view name) {
     constexpr auto extension = registryFileExtension;
     return name.size() > extension.size() && name.front() != '.' &&
@@ -61,7 +55,7 @@ std::optional<RegistryFile> inspectRegistryFile(const std::string& path) {
 
 std::optional<std::string> readRegistryFile(const std::string& path) {
     const auto file = inspectRegistryFile(path);
-    if (!file || file->size > maximumSize) {
+    if (!file || file->size > largestRegistryFile) {
         return std::nullopt;
     }
     std::fstream stream;
@@ -75,7 +69,7 @@ std::optional<std::string> readRegistryFile(const std::string& path) {
 }
 
 int replaceRegistryFile(zel::storage::FileLayer& layer, const std::string& path, std::string_view content) {
-    if (content.size() > maximumSize) {
+    if (content.size() > largestRegistryFile) {
         return EFBIG;
     }
     return zel::storage::DurableFile::replace(layer, path, content);

@@ -9,6 +9,7 @@ function __lumora_config_ask
             set -a folders $option $words[(math $at + 1)]
         end
     end
+    contains -- --trust $words; and set -a folders --trust
     $words[1] $folders $argv 2>/dev/null
 end
 
@@ -35,6 +36,7 @@ complete -c lumora-config -l bootstrap -r -F -d "The installer's file: FILE:PRIO
 complete -c lumora-config -l json -d 'One JSON object a line'
 complete -c lumora-config -s v -l verbose -d 'Log lines on standard error'
 complete -c lumora-config -l show-secrets -d 'Show sensitive values'
+complete -c lumora-config -l trust -d 'Use folders of others, too'
 
 complete -c lumora-config -n __fish_use_subcommand -a get -d 'Show the value of a key'
 complete -c lumora-config -n __fish_use_subcommand -a explain -d "Show every store's opinion of a key"
@@ -42,6 +44,7 @@ complete -c lumora-config -n __fish_use_subcommand -a list -d 'List keys, values
 complete -c lumora-config -n __fish_use_subcommand -a stores -d 'List the stores of the chain'
 complete -c lumora-config -n __fish_use_subcommand -a report -d 'Write the report of all stores'
 complete -c lumora-config -n __fish_use_subcommand -a log -d 'Show the settings report of the log'
+complete -c lumora-config -n __fish_use_subcommand -a doctor -d 'Examine the profile on the disk'
 complete -c lumora-config -n __fish_use_subcommand -a set -d "Set the user's value of a key"
 complete -c lumora-config -n __fish_use_subcommand -a reset -d "Take the user's value of a key back"
 complete -c lumora-config -n __fish_use_subcommand -a provision -d 'Take the settings of a provisioning URL'
@@ -49,12 +52,13 @@ complete -c lumora-config -n __fish_use_subcommand -a reset-provisioning -d 'All
 complete -c lumora-config -n __fish_use_subcommand -a mdm -d 'Push a document of the device management'
 complete -c lumora-config -n __fish_use_subcommand -a import-policy -d 'Take a policy file for this user'
 complete -c lumora-config -n __fish_use_subcommand -a remove-store -d 'Remove a store and its cached copy'
+complete -c lumora-config -n __fish_use_subcommand -a restore -d 'Put back a file that was moved aside'
 complete -c lumora-config -n __fish_use_subcommand -a reset-data -d 'Reset the client'
 complete -c lumora-config -n __fish_use_subcommand -a shell -d 'Read commands from standard input'
 
 complete -c lumora-config -n '__fish_seen_subcommand_from get explain list set reset' -a '(__lumora_config_keys)'
 complete -c lumora-config -n '__fish_seen_subcommand_from remove-store' -a '(__lumora_config_stores)'
-complete -c lumora-config -n '__fish_seen_subcommand_from mdm import-policy' -F
+complete -c lumora-config -n '__fish_seen_subcommand_from mdm import-policy restore' -F
 
 complete -c lumora-config -n '__fish_seen_subcommand_from get' -l origin -d 'With the store that it came from'
 complete -c lumora-config -n '__fish_seen_subcommand_from get' -l admin -d "The administrator's value"
@@ -62,3 +66,5 @@ complete -c lumora-config -n '__fish_seen_subcommand_from get' -l store -x -a '(
 complete -c lumora-config -n '__fish_seen_subcommand_from report' -s o -l output -r -F -d 'Into this file'
 complete -c lumora-config -n '__fish_seen_subcommand_from report' -l html -r -F -d 'A page for a browser'
 complete -c lumora-config -n '__fish_seen_subcommand_from reset-data' -l yes -d 'Really do it'
+complete -c lumora-config -n '__fish_seen_subcommand_from reset-data' -l force -d "Remove files that are not the client's, too"
+complete -c lumora-config -n '__fish_seen_subcommand_from set' -l force -d 'Set it though XML has no such name or character'

@@ -1,57 +1,118 @@
 #include "commands/CommandLine.h"
+#include "commands/CommandTable.h"
 #include "commands/Commands.h"
 #include "commands/Session.h"
 #include "commands/Shell.h"
+#include "commands/StandardInput.h"
+#include "disk/Doctor.h"
+#include "disk/HealthNotice.h"
 #include "host/ConfigHost.h"
+#include "host/DirectoryTrust.h"
 #include "output/JsonPrinter.h"
+#include "output/LogLinePrinter.h"
+#include "output/Output.h"
 #include "output/Terminal.h"
 #include "output/TextPrinter.h"
 #include "stores/BootstrapStores.h"
 
+#include <kyr/EndSignals.h>
+#include <kyr/StandardStreams.h>
+
+#include <cerrno>
 #include <iostream>
 #include <memory>
+#include <optional>
+#include <system_error>
 
 namespace {
 
 using namespace lumora_config;
+using KyrCoreUtils::EndSignals;
 
-std::unique_ptr<Printer> makePrinter(const CommandLine& line) {
+using KyrCoreUtils::StandardStreams;
+
+Output openStream(StandardStreams::Stream stream, const OutputForm& form) {
+    return {form, [stream](std::string_view bytes) { return StandardStreams::write(stream, bytes); }};
+}
+
+/// Where the program writes. Outlives everything that prints or logs.
+struct Outputs {
+    Output answers = openStream(StandardStreams::Stream::Output, Terminal::describeOutput());
+    Output messages = openStream(StandardStreams::Stream::Error, Terminal::describeError());
+};
+
+std::unique_ptr<Printer> makePrinter(const CommandLine& line, Outputs& outputs) {
     if (!line.json) {
-        return std::make_unique<TextPrinter>(std::cout, std::cerr, Terminal::wantsColour());
+        return std::make_unique<TextPrinter>(outputs.answers, outputs.messages);
     }
     const bool inShell = line.command.name == "shell";
-    return std::make_unique<JsonPrinter>(std::cout, std::cerr,
+    return std::make_unique<JsonPrinter>(outputs.answers, outputs.messages,
                                          inShell ? JsonPrinter::Failures::AsObjects : JsonPrinter::Failures::AsText);
 }
 
+/// Hands in the stores of the command line. One whose copy is not on the disk serves this run all the same.
+ExitCode addForeignStores(Session& session, const CommandLine& line, Printer& printer) {
+    auto code = ExitCode::Done;
+    for (const auto& spec : line.stores) {
+        const auto store = session.addForeignStore(spec);
+        try {
+            if (spec.cached) {
+                session.getDisk().requireCopy(*store);
+            }
+        } catch (const Failure& failure) {
+            printer.showFailure("--store", failure);
+            code = failure.getCode();
+        }
+    }
+    return code;
+}
+
+ExitCode runOne(Session& session, const Command& command) {
+    runCommand(session, command);
+    return ExitCode::Done;
+}
+
+ExitCode runShell(Session& session) {
+    StandardInput buffer;
+    std::istream input(&buffer);
+    Shell shell(session, input, Terminal::isInteractive());
+    shell.endWhen([] { return EndSignals::getReceived() != 0; });
+    return shell.run();
+}
+
+/// Needs no plug-in, and shows a damaged file before a host moves it aside.
+void examineProfile(const CommandLine& line, Printer& printer) {
+    KyrCoreUtils::FileUtils::overrideDirectories(line.directories);
+    showHealth(Doctor(Doctor::Lock::NotHeld).examine(), printer);
+}
+
 ExitCode runSession(const CommandLine& line, Printer& printer) {
+    if (line.command.name == "doctor") {
+        examineProfile(line, printer);
+        return ExitCode::Done;
+    }
+    if (!line.trusted) {
+        requireTrusted(line.namedDirectories);
+    }
     ConfigHost host(line.directories, line.pluginDirectory, line.verbose);
+    showHealthNotice(host.getConfigDirectory(), printer);
     Session session(host, printer, line.showSecrets);
     host.start();
     BootstrapStores bootstraps(host.getPluginDirectory());
     for (const auto& spec : line.bootstraps) {
         session.addStore(bootstraps.make(spec));
     }
-    for (const auto& spec : line.stores) {
-        session.addForeignStore(spec);
-    }
-    if (line.command.name == "shell") {
-        return Shell(session, std::cin, Terminal::isInteractive()).run();
-    }
-    runCommand(session, line.command);
-    return ExitCode::Done;
+    const auto storesCode = addForeignStores(session, line, printer);
+    const auto code = line.command.name == "shell" ? runShell(session) : runOne(session, line.command);
+    return code == ExitCode::Done ? storesCode : code;
 }
 
-ExitCode run(int argc, char** argv) {
-    CommandLine line;
-    try {
-        line = CommandLine::parse(argc, argv);
-    } catch (const Failure& failure) {
-        const bool asked = failure.getCode() == ExitCode::Done;
-        (asked ? std::cout : std::cerr) << (asked ? "" : "lumora-config: ") << failure.what() << '\n';
-        return failure.getCode();
+ExitCode runLine(const CommandLine& line, Outputs& outputs) {
+    std::optional<LogLinePrinter> logLines;
+    if (line.verbose) {
+        logLines.emplace(outputs.messages);
     }
-    const auto printer = makePrinter(line);
+    const auto printer = makePrinter(line, outputs);
     try {
         return runSession(line, *printer);
     } catch (const Failure& failure) {
@@ -60,13 +121,52 @@ ExitCode run(int argc, char** argv) {
     }
 }
 
+ExitCode run(int argc, char** argv, Outputs& outputs) {
+    CommandLine line;
+    try {
+        line = CommandLine::parse(argc, argv);
+    } catch (const Failure& failure) {
+        if (failure.getCode() == ExitCode::Done) {
+            outputs.answers.writeText(std::string(failure.what()) + '\n');
+        } else {
+            outputs.messages.writeMessage(std::string("lumora-config: ") + failure.what());
+        }
+        return failure.getCode();
+    }
+    return runLine(line, outputs);
+}
+
+ExitCode runGuarded(int argc, char** argv, Outputs& outputs) {
+    try {
+        return run(argc, argv, outputs);
+    } catch (const std::exception& error) {
+        outputs.messages.writeMessage(std::string("lumora-config: ") + error.what());
+        return ExitCode::Environment;
+    }
+}
+
+/// An answer that nobody could read was not given. A reader that closed its pipe had seen enough.
+ExitCode checkAnswers(ExitCode code, Outputs& outputs) {
+    int error = outputs.answers.getError();
+    if (error == 0) {
+        error = StandardStreams::flush(StandardStreams::Stream::Output);
+    }
+    if (error == 0 || error == EPIPE) {
+        return code;
+    }
+    outputs.messages.writeMessage("lumora-config: standard output cannot be written: " +
+                                  std::generic_category().message(error));
+    return ExitCode::Environment;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
-    try {
-        return static_cast<int>(run(argc, argv));
-    } catch (const std::exception& error) {
-        std::cerr << "lumora-config: " << error.what() << '\n';
-        return static_cast<int>(lumora_config::ExitCode::Environment);
-    }
+    StandardStreams::prepare();
+    // A command, and the end of the host, run to their end first: what was acknowledged is on the disk then.
+    const EndSignals signals;
+    Outputs outputs;
+    const auto code = checkAnswers(runGuarded(argc, argv, outputs), outputs);
+    EndSignals::endProcess();
+    return static_cast<int>(code);
 }

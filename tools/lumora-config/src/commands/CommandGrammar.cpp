@@ -39,16 +39,19 @@ void addReads(CLI::App& app, Command& command) {
         ->add_option("PREFIX", command.prefix, "Only keys that begin so");
     addCommand(app, command, "stores", "List the stores of the chain");
     auto* report = addCommand(app, command, "report", "Write the report of all stores");
-    auto* output = report->add_option("-o,--output", command.file, "Into this file")->type_name("FILE");
+    auto* output =
+        report->add_option("-o,--output", command.file, "Into this file, - for standard output")->type_name("FILE");
     report->add_option("--html", command.htmlFile, "A page for a browser instead, into this file")
         ->type_name("FILE")
         ->excludes(output);
     addCommand(app, command, "log", "Show the settings report of the log");
+    addCommand(app, command, "doctor", "Examine the files, directories, policies and the lock of the profile");
 }
 
 void addWrites(CLI::App& app, Command& command, CommandScope scope) {
     auto* set = addKeyCommand(app, command, "set", "Set the user's value of a key");
     addValue(set, command);
+    set->add_flag("--force", command.forced, "Set it though XML has no such name or no such character");
     if (scope == CommandScope::Shell) {
         addWorkerFlag(set, command);
     }
@@ -66,8 +69,13 @@ void addWrites(CLI::App& app, Command& command, CommandScope scope) {
     addCommand(app, command, "remove-store", "Remove a store and its cached copy")
         ->add_option("NAME", command.store, "The store's name")
         ->required();
-    addCommand(app, command, "reset-data", "Reset the client: the user's settings and the cached stores go")
-        ->add_flag("--yes", command.confirmed, "Really do it");
+    addCommand(app, command, "restore", "Put back a file that was moved aside")
+        ->add_option("FILE", command.file, "Its name, as doctor lists it")
+        ->required();
+    auto* resetData =
+        addCommand(app, command, "reset-data", "Reset the client: the user's settings and the cached stores go");
+    resetData->add_flag("--yes", command.confirmed, "Really do it");
+    resetData->add_flag("--force", command.forced, "Remove files that are not the client's, too");
 }
 
 void addShellCommands(CLI::App& app, Command& command) {

@@ -3,19 +3,25 @@
 #include "Session.h"
 #include "output/Failure.h"
 
+#include <functional>
 #include <istream>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace lumora_config {
 
-/// Reads commands, one a line, and runs them until "quit" or the end of the input. An empty line and one that begins
-/// with "#" are passed over; a command that fails does not end the shell. Main thread.
+/// Reads commands, one a line, and runs them until "quit" or the end of the input, or until an answer could not be
+/// written. An empty line and one that begins with "#" are passed over; a command that fails does not end the shell.
+/// Main thread.
 class Shell {
 public:
     /// With `interactive` a prompt is printed on standard error.
     Shell(Session& commandSession, std::istream& commands, bool interactive);
+
+    /// Before each line the shell asks `question` and ends, as at the end of its input, if the answer is true.
+    void endWhen(std::function<bool()> question) { mustEnd = std::move(question); }
 
     /// The first failure's code, Done when there was none.
     ExitCode run();
@@ -24,11 +30,13 @@ private:
     enum class Next { Continue, Quit };
 
     Next runLine(const std::string& line);
+    void confirmWrites();
     void remember(ExitCode code);
 
     Session& session;
     std::istream& input;
     const bool prompting;
+    std::function<bool()> mustEnd = [] { return false; };
     ExitCode result = ExitCode::Done;
 };
 

@@ -24,8 +24,7 @@ using ZelUnified::UnifiedFactoryImpl;
 
 namespace {
 
-/// Settles the folders before anything asks for them, and makes sure that they are the product's before anything is
-/// written there. Gives the configuration directory.
+/// Sets the folders before anything asks for them. Returns the configuration directory.
 std::string settleDirectories(const KyrCoreUtils::HostDirectories& directories) {
     FileUtils::overrideDirectories(directories);
     auto configDirectory = FileUtils::getConfigDirectory();
@@ -39,14 +38,12 @@ std::string settleDirectories(const KyrCoreUtils::HostDirectories& directories) 
 
 void startLog(bool verbose) {
     zel::logging::setDebugEnabled(verbose);
-    if (verbose) {
-        zel::logging::logToStandardError(true);
-    }
     zel::logging::logToFile(FileUtils::getStateDirectory() + FileUtils::FileSeparator() + "lumora-config.log");
 }
 
 std::shared_ptr<UnifiedFactoryImpl> makeFactory(const std::string& pluginDirectory) {
     ZelUnified::UnifiedFactoryOptions options;
+    options.openedForWriting = true;
     options.pluginFolder = pluginDirectory;
     options.plugins = {{ZelUnified::readableTypeName<ZelUnified::ConfigService>(), LUMORA_PLUGIN_LIBRARY},
                        {ZelUnified::readableTypeName<ZelUnified::ConfigFeatureSet>(), LUMORA_PLUGIN_LIBRARY}};
@@ -94,11 +91,25 @@ bool ConfigHost::isStarted() const {
 
 void ConfigHost::resetData() {
     factory->invokeResetData(ZelUnified::ResetDataOptionEnum::ResetAll);
+    poweredDown = false; // the stores were made anew
+}
+
+void ConfigHost::refresh() {
+    // A store that reads its file anew would overtake a queued write to it.
+    settle();
+    onServices("lumora-config: refresh", [this] { featureSet->refreshConfigFeatureSet(); });
+    poweredDown = false;
 }
 
 void ConfigHost::powerDown() {
+    settle();
     onServices("lumora-config: power-down",
                [this] { powerSwitch->announce(ZelSystemMonitor::PowerEventTypeEnum::PowerDown); });
+    poweredDown = true;
+}
+
+void ConfigHost::onBackground(const std::string& name, std::function<void()> work) const {
+    factory->getBackgroundDispatcher()->enqueue(std::move(work), name);
 }
 
 void ConfigHost::onServices(const std::string& name, const std::function<void()>& work) const {

@@ -3,7 +3,11 @@
 #include "XmlSettings.h"
 #include "output/Failure.h"
 
+#include <kyr/StringUtils.h>
+#include <registry/RegistryFiles.h>
+
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <system_error>
 #include <utility>
@@ -59,9 +63,23 @@ PolicyImport PolicyFile::describe() const {
 
 void PolicyFile::install() const {
     if (const int error = installRegistryText(text, std::filesystem::path(path).filename().string()); error != 0) {
-        throw Failure(ExitCode::Environment, path + ": cannot be put into the user's registry files: " +
-                                                 std::system_category().message(error));
+        const auto reason = error == EEXIST ? std::string("its name is taken there by what is not a regular file")
+                                            : std::generic_category().message(error);
+        throw Failure(ExitCode::Environment, path + ": cannot be put into the user's registry files: " + reason);
     }
+}
+
+std::string PolicyFile::getInstalledPath() const {
+    const std::filesystem::path folder(getUserRegistryFolder());
+    auto name = std::filesystem::path(path).filename().string();
+    if (!KyrCoreUtils::caseInsensitiveStringEquals(std::filesystem::path(name).extension().string(), ".reg")) {
+        name += ".reg";
+    }
+    return (folder / name).string();
+}
+
+std::string PolicyFile::getInstalledText() const {
+    return formatRegistryText(text.sections);
 }
 
 void PolicyFile::dropLongValues() {

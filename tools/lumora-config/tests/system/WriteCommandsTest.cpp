@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <utility>
+
 namespace program_test {
 
 using testing::AllOf;
@@ -52,6 +54,41 @@ TEST(Set, DoesNotRepeatASecret) {
     EXPECT_THAT(outcome.out + outcome.error, AllOf(HasSubstr("VALUE_HIDDEN"), Not(HasSubstr("planted-secret"))));
 }
 
+TEST(Set, AnEmptyKeyIsRefused) {
+    const Profile profile;
+    for (const auto& arguments : {Arguments{"set", "", "x"}, Arguments{"set", "", "x", "--force"}}) {
+        const auto outcome = profile.run(arguments);
+        EXPECT_EQ(outcome.exitCode, 1);
+        EXPECT_EQ(outcome.error, "lumora-config: the key is empty\n");
+    }
+    EXPECT_FALSE(std::filesystem::exists(profile.root() / "config" / "lumoraLocalConfig.dat"));
+}
+
+TEST(Set, AKeyThatIsNoXmlNameIsRefusedUnlessForced) {
+    const Profile profile;
+    for (const auto* key : {"a key", "1key", "<key>", "key\xff"}) {
+        const auto outcome = profile.run({"set", key, "x"});
+        EXPECT_EQ(outcome.exitCode, 1) << key;
+        EXPECT_THAT(outcome.error, HasSubstr("is not an XML name: a document or report with it would be ill-formed; "
+                                             "--force sets it all the same"));
+    }
+    EXPECT_EQ(profile.run({"set", "1key", "x", "--force"}).exitCode, 0);
+    EXPECT_EQ(profile.run({"get", "1key"}).out, "x\n");
+}
+
+TEST(Set, AValueThatXmlCannotRepresentIsRefusedUnlessForced) {
+    const Profile profile;
+    for (const auto& [value, reason] :
+         {std::pair{"planted\x01secret", "contains U+0001, which XML cannot represent"},
+          std::pair{"planted\xEF\xBF\xBEsecret", "contains U+FFFE"}, std::pair{"planted\xffsecret", "is not UTF-8"}}) {
+        const auto outcome = profile.run({"set", "Theme", value});
+        EXPECT_EQ(outcome.exitCode, 1);
+        EXPECT_THAT(outcome.error, AllOf(HasSubstr(reason), HasSubstr("U+FFFD; --force"), Not(HasSubstr("planted"))));
+    }
+    EXPECT_EQ(profile.run({"get", "Theme"}).out, "system\n");
+    EXPECT_EQ(profile.shell({"set Theme 'a\x01z' --force", "get Theme"}).out, "a\x01z\n");
+}
+
 TEST(Reset, BringsTheAdministratorsValueBack) {
     const Profile profile;
     ASSERT_EQ(profile.shell({"set Other x", "set Theme dark"}).exitCode, 0);
@@ -64,15 +101,6 @@ TEST(Reset, TakesBothNamesOfAKey) {
     ASSERT_EQ(profile.shell({"set Other x", "set TFTPPrimaryServer mine.example"}).exitCode, 0);
     EXPECT_EQ(profile.run({"reset", "TftpServer1"}).exitCode, 0);
     EXPECT_EQ(profile.run({"get", "TFTPPrimaryServer"}).exitCode, 1);
-}
-
-TEST(Reset, OfTheOnlyValueSaysThatItComesBack) {
-    const Profile profile;
-    ASSERT_EQ(profile.run({"set", "Theme", "dark"}).exitCode, 0);
-    const auto outcome = profile.run({"reset", "Theme"});
-    EXPECT_EQ(outcome.exitCode, 0);
-    EXPECT_THAT(outcome.error, HasSubstr("back at the next start"));
-    EXPECT_EQ(profile.run({"get", "Theme"}).out, "dark\n");
 }
 
 TEST(Reset, OfWhatTheUserNeverSetIsRefused) {
@@ -127,21 +155,6 @@ TEST(Mdm, ADocumentThatIsNotXmlChangesNothing) {
     EXPECT_EQ(outcome.exitCode, 3);
     EXPECT_THAT(outcome.error, HasSubstr("bad.xml: not XML"));
     EXPECT_EQ(outcome.out, "managed\n");
-}
-
-TEST(RemoveStore, TakesTheStoreAndItsCopy) {
-    const Profile profile;
-    const auto file = profile.writeDocument("a.xml", "<FromServer>x</FromServer>");
-    ASSERT_EQ(profile.run({"--store", file + ":Foreign:40:cache", "get", "FromServer"}).exitCode, 0);
-    EXPECT_EQ(profile.run({"remove-store", "Foreign"}).exitCode, 0);
-    EXPECT_EQ(profile.run({"get", "FromServer"}).exitCode, 1);
-}
-
-TEST(RemoveStore, OfAnUnknownNameIsRefused) {
-    const Profile profile;
-    const auto outcome = profile.run({"remove-store", "NoSuchStore"});
-    EXPECT_EQ(outcome.exitCode, 1);
-    EXPECT_THAT(outcome.error, HasSubstr("no store 'NoSuchStore'"));
 }
 
 } // namespace program_test
