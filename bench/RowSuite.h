@@ -32,7 +32,7 @@ double timedByClock(Work work) {
 /// each round, so that a slow spell of the machine meets both.
 ///
 /// With "--growth" the program measures its rows at several sizes; with "--instructions" it runs each of its own
-/// subjects so that a profiler can count (scripts/bench-instructions).
+/// subjects so that a profiler can count (`scripts/bench instructions`).
 class RowSuite {
 public:
     /// Does the work that many times.

@@ -2,6 +2,8 @@
 # mutant costs one object and one link, and its sources are compiled as quickly as possible.
 add_link_options(-fuse-ld=gold)
 set(CMAKE_LINK_DEPENDS_NO_SHARED ON)
+# The prelude is compiled with other options than the service is here.
+set(LUMORA_WITHOUT_PRELUDE configservice_core)
 
 function(lumora_share_the_service)
   target_compile_options(configservice_core PRIVATE -w -O0 -g0 -fvisibility=default -fno-visibility-inlines-hidden)

@@ -20,7 +20,7 @@ std::string hexOf(std::uint32_t number, std::size_t width) {
     return text;
 }
 
-std::string quoted(std::wstring_view text) {
+std::string inQuotes(std::wstring_view text) {
     std::string result = "\"";
     for (const char c : KyrCoreUtils::toString(text)) {
         if (c == '"' || c == '\\') {
@@ -42,7 +42,7 @@ bool isPlainText(const RegistryValue& value) {
 
 std::string formatData(const RegistryValue& value) {
     if (isPlainText(value)) {
-        return quoted(decodeRegistryText(value.data));
+        return inQuotes(decodeRegistryText(value.data));
     }
     if (value.type == REG_DWORD && value.data.size() == 4) {
         std::uint32_t number = 0;
@@ -62,7 +62,7 @@ std::string formatData(const RegistryValue& value) {
 }
 
 std::string formatEntry(const RegistryTextEntry& entry) {
-    const auto name = entry.value.name.empty() ? std::string("@") : quoted(entry.value.name);
+    const auto name = entry.value.name.empty() ? std::string("@") : inQuotes(entry.value.name);
     return name + '=' + (entry.deletion ? "-" : formatData(entry.value));
 }
 

@@ -6,5 +6,5 @@ using KyrCoreUtils::ProcessUtils;
 
 TEST(ProcessUtils, KnowsWhereTheProgramLies) {
     const std::filesystem::path folder = ProcessUtils::getProgramFolder();
-    EXPECT_TRUE(std::filesystem::exists(folder / "host_process_test")) << folder;
+    EXPECT_TRUE(std::filesystem::exists(folder / "host_kyr_test")) << folder;
 }
