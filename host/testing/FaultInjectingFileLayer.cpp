@@ -214,14 +214,14 @@ int FaultInjectingFileLayer::syncDirectory(const std::string& path) {
     return 0;
 }
 
-int FaultInjectingFileLayer::lockDirectory(const std::string& path, Handle& handle) {
+int FaultInjectingFileLayer::lockDirectory(const std::string& path, std::chrono::milliseconds timeout, Handle& handle) {
     {
         const std::lock_guard lock(mutex);
         if (const int error = enter(Operation::LockDirectory); error != 0) {
             return error;
         }
     }
-    return real.lockDirectory(path, handle);
+    return real.lockDirectory(path, timeout, handle);
 }
 
 } // namespace testing_host

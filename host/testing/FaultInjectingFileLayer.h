@@ -4,6 +4,7 @@
 
 #include <zel/FileLayer.h>
 
+#include <chrono>
 #include <cstddef>
 #include <limits>
 #include <map>
@@ -65,7 +66,7 @@ public:
     int unlink(const std::string& path) override;
     int createDirectory(const std::string& path) override;
     int syncDirectory(const std::string& path) override;
-    int lockDirectory(const std::string& path, Handle& handle) override;
+    int lockDirectory(const std::string& path, std::chrono::milliseconds timeout, Handle& handle) override;
 
 private:
     struct Fault {

@@ -32,13 +32,15 @@ public:
     /// "/" or "\\".
     static std::string FileSeparator();
 
-    /// True for files and for directories.
+    /// True for files and for directories, and for a protected file whose content waits to be written.
     static bool fileExists(const std::string& path) noexcept;
     /// Makes the directory and its parents, mode 0700. 0 on success or when it exists already, else an errno value.
     static int createDirectory(const std::string& path) noexcept;
-    /// Removes a file or a link, never a directory. 0 on success, else an errno value.
+    /// Removes a file or a link, never a directory. 0 on success, else an errno value. Content of a protected file that
+    /// waits to be written to `path` is dropped, whether the file exists or not.
     static int removeFile(const std::string& path) noexcept;
-    /// Moves a file. An existing target is replaced, unless `failIfExists`. 0 on success, else an errno value.
+    /// Moves a file. An existing target is replaced, unless `failIfExists`. 0 on success, else an errno value. Content
+    /// that waits to be written to either path is dropped, unless the file stays where it is.
     static int moveFile(const std::string& source, const std::string& target, bool failIfExists) noexcept;
 
     /// The last component of `path`.

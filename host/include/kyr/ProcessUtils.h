@@ -13,8 +13,6 @@ public:
     static std::string getProgramFolder();
     /// Somebody types what standard input reads.
     static bool isInputTerminal() noexcept;
-    /// Somebody sees what standard output writes.
-    static bool isOutputTerminal() noexcept;
 };
 
 } // namespace KyrCoreUtils

@@ -57,9 +57,10 @@ LUMORA_HOST_API std::string formatRegistryText(std::span<const RegistryTextSecti
 LUMORA_HOST_API std::string cutRegistryText(std::string_view bytes, std::span<const RegistryTextSection> sections);
 
 /// Puts the sections into the current user's layer as the file `name`, ".reg" added where it is missing, over a file of
-/// that name. Where the registry is made of files, it counts from the next time that a key is opened. 0, or an errno
-/// value: EINVAL for a name that is no bare file name or begins with a point, EFBIG for a text of more than 64 MiB,
-/// which would not be read.
+/// that name; if that is a link, over the file that it names. Where the registry is made of files, it counts from the
+/// next time that a key is opened. 0, or an errno value: EINVAL for a name that is no bare file name or begins with a
+/// point, EFBIG for a text of more than 64 MiB, which would not be read, EEXIST if something other than a regular file
+/// has the name.
 LUMORA_HOST_API int installRegistryText(const RegistryText& text, const std::string& name);
 
 } // namespace zel::registry

@@ -7,12 +7,16 @@
 
 namespace ZelUnified {
 
-/// Keeps a second process off a profile: an advisory lock, held while the object lives, in the state folder, for one
-/// configuration directory. The system releases it when the process dies. Different spellings of one directory meet.
+/// Keeps a second process off a profile: an advisory lock on the configuration directory itself, held while the object
+/// lives. The system releases it when the process dies. All spellings of one directory are one lock, the state folder
+/// of the other process doesn't matter, and removing files can't release it.
 class LUMORA_HOST_API ProfileLock {
 public:
-    /// Tries once, without waiting. The state folder is made when it is missing. Never throws for a file's sake.
+    /// Tries once, without waiting. Makes both directories if they are missing. The state folder only records which
+    /// process holds the lock; the lock does not need it. Never throws for a file's sake.
     ProfileLock(const std::string& configDirectory, const std::string& stateDirectory);
+    /// Drops content of protected files of the directory that waits to be written, with a log line: nothing writes to
+    /// the profile after the release.
     ~ProfileLock();
     ProfileLock(const ProfileLock&) = delete;
     ProfileLock& operator=(const ProfileLock&) = delete;
@@ -24,9 +28,9 @@ public:
     const std::string& getProblem() const noexcept;
 
 private:
-    class LockFile;
+    class LockedDirectory;
 
-    const std::unique_ptr<LockFile> file;
+    const std::unique_ptr<LockedDirectory> directory;
 };
 
 } // namespace ZelUnified

@@ -22,6 +22,7 @@ class TaskDispatcherImpl;
 
 class PluginLoader;
 class ResetDataCallbackRegistryImpl;
+class WriteRetrier;
 
 /// The host's factory. A program makes it with make_shared, calls Init(), and Destroy() at the end: without it the
 /// services and the factory keep each other alive.
@@ -31,6 +32,9 @@ class ResetDataCallbackRegistryImpl;
 /// background dispatcher run what was posted before and during, so that no queued write is overtaken by a store that
 /// reads its file anew. A task of the background dispatcher may call them too; what is queued behind it then runs
 /// first.
+///
+/// Writes of protected files that failed are retried whenever the background dispatcher is flushed, after increasing
+/// delays, and in Destroy(), which logs what is lost. A process has one factory at a time.
 class LUMORA_HOST_API UnifiedFactoryImpl final : public UnifiedFactory {
 public:
     /// The number under which the host's own SystemService is filed.
@@ -53,6 +57,7 @@ public:
     std::vector<unsigned int> GetFeatureSetDependencies(unsigned int id) override;
 
     /// Starts the dispatchers and files the SystemService. The caller owns a pumped services dispatcher from here on.
+    /// With `openedForWriting` first moves protected files aside that can't be used.
     void Init() override;
     std::shared_ptr<Processing::ServicesDispatcher> getServicesDispatcher() override;
     std::shared_ptr<Processing::TaskDispatcher> getBackgroundDispatcher() override;
@@ -62,10 +67,11 @@ public:
     std::shared_ptr<IDataPersistor> getDataPersistor() override;
     std::shared_ptr<FeatureSetAdapter> getFeatureSetAdapter(unsigned int id) override;
 
-    /// Resets the client: calls every reset callback, those of a lower order first. One that throws is logged and the
-    /// next one called.
+    /// Resets the client: drops the kept content of failed writes of user data, then calls every reset callback, those
+    /// of a lower order first. One that throws is logged and the next one called.
     void invokeResetData(ResetDataOptionEnum::ResetDataOption option);
-    /// Waits until every task posted to the background dispatcher so far has run.
+    /// Waits until every task posted to the background dispatcher so far has run, then retries failed writes of
+    /// protected files.
     void flushBackgroundDispatcher();
 
     // For programs that pump the services dispatcher.
@@ -89,6 +95,7 @@ private:
     void runOnServicesThread(const std::string& name, const std::function<void()>& work);
     void runWithBackgroundAtRest(const std::string& name, const std::function<void()>& work);
     void restBackground();
+    void flushAsBackground();
     void startOnServicesThread(unsigned int id, const std::shared_ptr<ServiceEventList>& events);
     void stopFeatureSets();
     void destroyFeatureSets();
@@ -99,6 +106,7 @@ private:
     const std::shared_ptr<Processing::TaskDispatcherImpl> backgroundDispatcher;
     const std::shared_ptr<ResetDataCallbackRegistryImpl> resetCallbacks;
     const std::unique_ptr<PluginLoader> pluginLoader;
+    const std::shared_ptr<WriteRetrier> writeRetrier;
     std::atomic<bool> initialised = false;
     std::atomic<bool> destroyed = false;
     std::mutex persistorMutex; ///< Guards `persistor`.

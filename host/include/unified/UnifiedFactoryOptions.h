@@ -2,6 +2,7 @@
 
 #include <unified/ServiceEventListener.h>
 
+#include <chrono>
 #include <map>
 #include <memory>
 #include <string>
@@ -19,6 +20,12 @@ struct UnifiedFactoryOptions {
     /// Readable type name of an interface -> file name, in that folder, of the library that provides it.
     std::map<std::string, std::string> plugins;
     std::weak_ptr<ServiceEventListener> serviceEventListener;
+    /// Set it if the program holds the profile's lock and may write. Init(), which comes before any plug-in's entry,
+    /// then moves damaged, empty and wrongly keyed protected files of the configuration directory aside (see
+    /// EncryptFileUtils::moveAsideUnusable). A program that only reads leaves it false, and nothing is changed.
+    bool openedForWriting = false;
+    /// How long Destroy() retries failed writes of protected files at most, before it logs what is lost.
+    std::chrono::milliseconds lastRetries{2000};
 };
 
 } // namespace ZelUnified

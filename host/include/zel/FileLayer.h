@@ -2,6 +2,7 @@
 
 #include <zel/HostExport.h>
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -46,9 +47,9 @@ public:
     /// Returns once the directory's names are on the disk; 0 where the platform has no such call. "" is the current
     /// one.
     virtual int syncDirectory(const std::string& path) = 0;
-    /// Waits until no other process or thread holds the directory; held until the handle is closed. Where locks are not
-    /// supported it holds nothing.
-    virtual int lockDirectory(const std::string& path, Handle& handle) = 0;
+    /// Waits until no other process or thread holds the directory, and holds it until the handle is closed. Returns
+    /// ETIMEDOUT if it is still held after `timeout`; 0 tries once. Where locks are not supported it holds nothing.
+    virtual int lockDirectory(const std::string& path, std::chrono::milliseconds timeout, Handle& handle) = 0;
 };
 
 } // namespace zel::storage

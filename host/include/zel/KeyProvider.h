@@ -27,9 +27,10 @@ private:
 
 enum class KeyResult {
     Found,
-    Absent,     ///< Never made, or removed: files written with it can't be read any more.
-    Malformed,  ///< Something stands in its place that is no key.
-    Unavailable ///< It may be there but can't be had now; asking again later may help.
+    Absent,      ///< Never made, or removed: files written with it can't be read any more.
+    Malformed,   ///< Something stands in its place that is no key.
+    Unavailable, ///< It may be there but can't be had now; asking again later may help.
+    Locked       ///< Another process locks the keys and did not release them in time; asking again later may help.
 };
 
 /// Where master keys live: files by default, a desktop keyring or the platform's data protection in their place. Any
@@ -41,7 +42,7 @@ public:
     /// `key` holds the key on Found and is of no meaning otherwise.
     virtual KeyResult find(FileCategoryType::FileCategory category, MasterKey& key) = 0;
     /// Makes the key when it is absent or malformed. All who ask, at once too, get the same one, and it is durable
-    /// before the call returns. Found or Unavailable.
+    /// before the call returns. Returns Found, Unavailable or Locked.
     virtual KeyResult findOrMake(FileCategoryType::FileCategory category, MasterKey& key) = 0;
 };
 

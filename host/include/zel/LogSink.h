@@ -2,8 +2,10 @@
 
 #include <zel/ZelLog.h>
 
+#include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 
 namespace zel::logging {
 
@@ -28,6 +30,10 @@ public:
 /// thread, as all below.
 LUMORA_HOST_API void addSink(std::shared_ptr<LogSink> sink);
 LUMORA_HOST_API void removeSink(const std::shared_ptr<LogSink>& sink);
+
+/// Returns a sink that formats each record as the log files have it and passes it to `writeLine` with its line feed.
+/// One call at a time, on the thread that logs.
+LUMORA_HOST_API std::shared_ptr<LogSink> makeLineSink(std::function<void(std::string_view line)> writeLine);
 
 /// Whether debug lines are written; off at start.
 LUMORA_HOST_API void setDebugEnabled(bool enabled) noexcept;

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <memory>
 #include <string_view>
 
 namespace zel::storage {
@@ -16,6 +17,9 @@ public:
     virtual void setContent(const char* bytes, std::size_t length) = 0;
     /// Shows the clear bytes for the length of the call; they are wiped afterwards. Not called when there are none.
     virtual void withClearText(const std::function<void(std::string_view)>& use) const = 0;
+    /// Returns a copy that later changes of this text don't reach, protected in the same way. The copy is empty if it
+    /// can't be protected.
+    virtual std::shared_ptr<const ProtectedText> copy() const = 0;
 
 protected:
     ~ProtectedText() = default;

@@ -1,5 +1,6 @@
 #include "PathText.h"
 #include "PlatformFiles.h"
+#include "zel/storage/PendingWrites.h"
 
 #include <kyr/FileUtils.h>
 #include <kyr/StringUtils.h>
@@ -10,6 +11,8 @@
 #include <new>
 
 namespace fs = std::filesystem;
+
+using zel::storage::PendingWrites;
 
 namespace KyrCoreUtils {
 
@@ -72,7 +75,7 @@ bool FileUtils::fileExists(const std::string& path) noexcept {
     return asErrorCode([&] {
                const auto file = pathFromText(path);
                std::error_code error;
-               return file && fs::exists(*file, error) ? 0 : ENOENT;
+               return file && (fs::exists(*file, error) || PendingWrites::ofProcess().find(path)) ? 0 : ENOENT;
            }) == 0;
 }
 
@@ -86,7 +89,12 @@ int FileUtils::createDirectory(const std::string& path) noexcept {
 int FileUtils::removeFile(const std::string& path) noexcept {
     return asErrorCode([&] {
         const auto file = pathFromText(path);
-        return file ? platform::removeFile(*file) : ENOENT;
+        if (!file) {
+            return ENOENT;
+        }
+        const bool waited = PendingWrites::ofProcess().drop(path);
+        const int result = platform::removeFile(*file);
+        return waited && result == ENOENT ? 0 : result;
     });
 }
 
@@ -94,7 +102,21 @@ int FileUtils::moveFile(const std::string& source, const std::string& target, bo
     return asErrorCode([&] {
         const auto from = pathFromText(source);
         const auto to = pathFromText(target);
-        return from && to ? platform::moveFile(*from, *to, failIfExists) : ENOENT;
+        if (!from || !to) {
+            return ENOENT;
+        }
+        auto& writes = PendingWrites::ofProcess();
+        const auto ofSource = writes.take(source);
+        const auto ofTarget = writes.take(target);
+        const int result = platform::moveFile(*from, *to, failIfExists);
+        if (result != 0) {
+            writes.putBack(ofTarget);
+            std::error_code error;
+            if (fs::exists(fs::symlink_status(*from, error))) {
+                writes.putBack(ofSource);
+            }
+        }
+        return result;
     });
 }
 

@@ -6,7 +6,9 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
+#include <thread>
 
 namespace zel::storage {
 
@@ -34,6 +36,22 @@ int openDirectory(const std::string& path, int& handle) {
     const char* const name = path.empty() ? "." : path.c_str();
     handle = uninterrupted([&] { return ::open(name, O_RDONLY | O_DIRECTORY | O_CLOEXEC); });
     return handle < 0 ? errno : 0;
+}
+
+/// There is no lock call with a timeout, so it asks again and again.
+int lockWithin(int handle, std::chrono::milliseconds timeout) {
+    constexpr std::chrono::milliseconds pause(10);
+    const auto deadline = std::chrono::steady_clock::now() + timeout;
+    for (;;) {
+        const int error = errorOf([&] { return ::flock(handle, LOCK_EX | LOCK_NB); });
+        if (error != EWOULDBLOCK) {
+            return error;
+        }
+        if (std::chrono::steady_clock::now() >= deadline) {
+            return ETIMEDOUT;
+        }
+        std::this_thread::sleep_for(pause);
+    }
 }
 
 FileKind kindOf(const struct stat& status) {
@@ -139,11 +157,11 @@ int PosixFileLayer::syncDirectory(const std::string& path) {
     return error == EINVAL || error == ENOTSUP || error == ENOSYS ? 0 : error;
 }
 
-int PosixFileLayer::lockDirectory(const std::string& path, Handle& handle) {
+int PosixFileLayer::lockDirectory(const std::string& path, std::chrono::milliseconds timeout, Handle& handle) {
     if (const int error = openDirectory(path, handle); error != 0) {
         return error;
     }
-    const int error = errorOf([&] { return ::flock(handle, LOCK_EX); });
+    const int error = lockWithin(handle, timeout);
     if (error == 0 || error == ENOLCK || error == ENOTSUP || error == ENOSYS) {
         return 0;
     }

@@ -18,7 +18,7 @@ public:
     int unlink(const std::string& path) override;
     int createDirectory(const std::string& path) override;
     int syncDirectory(const std::string& path) override;
-    int lockDirectory(const std::string& path, Handle& handle) override;
+    int lockDirectory(const std::string& path, std::chrono::milliseconds timeout, Handle& handle) override;
 };
 
 } // namespace zel::storage

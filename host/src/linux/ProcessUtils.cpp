@@ -16,8 +16,4 @@ bool ProcessUtils::isInputTerminal() noexcept {
     return isatty(STDIN_FILENO) != 0;
 }
 
-bool ProcessUtils::isOutputTerminal() noexcept {
-    return isatty(STDOUT_FILENO) != 0;
-}
-
 } // namespace KyrCoreUtils

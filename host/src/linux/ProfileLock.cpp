@@ -1,4 +1,6 @@
+#include "FileDescriptor.h"
 #include "kyr/HexDigits.h"
+#include "zel/storage/PendingWrites.h"
 
 #include <kyr/FileUtils.h>
 #include <unified/ProfileLock.h>
@@ -12,7 +14,7 @@
 #include <array>
 #include <cerrno>
 #include <charconv>
-#include <cstring>
+#include <csignal>
 #include <filesystem>
 #include <string_view>
 #include <system_error>
@@ -32,7 +34,7 @@ std::string settledPath(const std::string& directory) {
 }
 
 /// A digest, since a path may be longer than a file's name.
-std::string lockFileName(const std::string& path) {
+std::string holderFileName(const std::string& path) {
     std::array<unsigned char, SHA256_DIGEST_LENGTH> digest{};
     SHA256(reinterpret_cast<const unsigned char*>(path.data()), path.size(), digest.data());
     std::string name = "profile-";
@@ -46,88 +48,122 @@ std::string describe(int error) {
     return std::error_code(error, std::generic_category()).message();
 }
 
+/// The file system can't lock a directory, as some network file systems can't.
+bool isUnsupported(int error) {
+    return error == EBADF || error == EINVAL || error == ENOLCK || error == ENOTSUP;
+}
+
+int lockAtOnce(int descriptor) {
+    return flock(descriptor, LOCK_EX | LOCK_NB) == 0 ? 0 : errno;
+}
+
+/// Records in the state folder which process holds a lock. Only a user reads it; every failure is ignored.
+class HolderFile {
+public:
+    HolderFile(const std::string& configDirectory, const std::string& stateDirectory)
+        : file(open(stateDirectory, configDirectory)) {}
+
+    int getDescriptor() const { return file.get(); }
+
+    void write(std::string_view content) const {
+        if (ftruncate(file.get(), 0) == 0 && !content.empty()) {
+            [[maybe_unused]] const auto written = pwrite(file.get(), content.data(), content.size(), 0);
+        }
+    }
+
+    /// 0 if it isn't known. A number that a killed process left behind isn't one.
+    long read() const {
+        std::array<char, 32> content{};
+        const auto length = pread(file.get(), content.data(), content.size(), 0);
+        long number = 0;
+        if (length > 0) {
+            std::from_chars(content.data(), content.data() + length, number);
+        }
+        const bool isAlive = number > 0 && (kill(static_cast<pid_t>(number), 0) == 0 || errno == EPERM);
+        return isAlive ? number : 0;
+    }
+
+private:
+    static int open(const std::string& stateDirectory, const std::string& configDirectory) {
+        KyrCoreUtils::FileUtils::createDirectory(stateDirectory);
+        const auto path = stateDirectory + "/" + holderFileName(settledPath(configDirectory));
+        return ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, S_IRUSR | S_IWUSR);
+    }
+
+    const zel::platform::FileDescriptor file;
+};
+
 } // namespace
 
-/// The open file, and with it the lock.
-class ProfileLock::LockFile {
+/// The open directory, and with it the lock.
+class ProfileLock::LockedDirectory {
 public:
-    LockFile(const std::string& configDirectory, const std::string& stateDirectory) {
-        if (const int error = KyrCoreUtils::FileUtils::createDirectory(stateDirectory); error != 0) {
-            problem = "The state folder " + stateDirectory + " can't be made: " + describe(error);
+    LockedDirectory(const std::string& configDirectory, const std::string& stateDirectory)
+        : path(configDirectory),
+          created(KyrCoreUtils::FileUtils::createDirectory(path)),
+          directory(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)),
+          openError(directory.get() < 0 ? errno : 0),
+          holderFile(configDirectory, stateDirectory) {
+        if (created != 0 || openError != 0) {
+            problem = "The configuration directory " + path +
+                      " can't be opened: " + describe(created != 0 ? created : openError);
             return;
         }
-        const auto path = stateDirectory + "/" + lockFileName(settledPath(configDirectory));
-        descriptor = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, S_IRUSR | S_IWUSR);
-        if (descriptor < 0) {
-            problem = "The lock file " + path + " can't be opened: " + describe(errno);
-            return;
+        int error = lockAtOnce(directory.get());
+        if (isUnsupported(error)) {
+            error = lockAtOnce(holderFile.getDescriptor());
         }
-        if (flock(descriptor, LOCK_EX | LOCK_NB) == 0) {
+        if (error == 0) {
             held = true;
-            write(std::to_string(getpid()) + "\n");
+            holderFile.write(std::to_string(getpid()) + "\n");
             return;
         }
-        if (errno != EWOULDBLOCK) {
-            problem = "The lock file " + path + " can't be locked: " + describe(errno);
+        if (error != EWOULDBLOCK) {
+            problem = "The configuration directory " + path + " can't be locked: " + describe(error);
             return;
         }
-        holder = readHolder();
-        problem = "The profile " + configDirectory + " is in use by " +
+        holder = holderFile.read();
+        problem = "The profile " + path + " is in use by " +
                   (holder != 0 ? "process " + std::to_string(holder) : std::string("another process")) + ".";
     }
 
-    ~LockFile() {
+    ~LockedDirectory() {
         if (held) {
-            write(""); // whoever is refused next must not be told of this process
-        }
-        if (descriptor >= 0) {
-            close(descriptor);
+            zel::storage::PendingWrites::ofProcess().giveUp(path);
+            holderFile.write(""); // whoever is refused next must not be told of this process
         }
     }
 
-    LockFile(const LockFile&) = delete;
-    LockFile& operator=(const LockFile&) = delete;
+    LockedDirectory(const LockedDirectory&) = delete;
+    LockedDirectory& operator=(const LockedDirectory&) = delete;
 
     bool held = false;
     long holder = 0;
     std::string problem;
 
 private:
-    /// The content only tells the user who it is; the lock stands without it.
-    void write(std::string_view content) const {
-        if (ftruncate(descriptor, 0) == 0 && !content.empty()) {
-            [[maybe_unused]] const auto written = pwrite(descriptor, content.data(), content.size(), 0);
-        }
-    }
-
-    long readHolder() const {
-        std::array<char, 32> content{};
-        const auto length = pread(descriptor, content.data(), content.size(), 0);
-        long number = 0;
-        if (length > 0) {
-            std::from_chars(content.data(), content.data() + length, number);
-        }
-        return number;
-    }
-
-    int descriptor = -1;
+    const std::string path;
+    const int created;
+    const zel::platform::FileDescriptor directory;
+    const int openError;
+    const HolderFile holderFile;
 };
 
 ProfileLock::ProfileLock(const std::string& configDirectory, const std::string& stateDirectory)
-    : file(std::make_unique<LockFile>(configDirectory, stateDirectory)) {}
+    : directory(std::make_unique<LockedDirectory>(configDirectory, stateDirectory)) {}
 
 ProfileLock::~ProfileLock() = default;
 
 bool ProfileLock::isHeld() const noexcept {
-    return file->held;
+    return directory->held;
 }
 
 long ProfileLock::getHolder() const noexcept {
-    return file->holder;
+    return directory->holder;
 }
 
 const std::string& ProfileLock::getProblem() const noexcept {
-    return file->problem;
+    return directory->problem;
 }
 
 } // namespace ZelUnified

@@ -4,6 +4,7 @@
 #include <kyr/FileUtils.h>
 #include <registry/RegistryFiles.h>
 #include <registry/RegistryTextFile.h>
+#include <zel/RegularFile.h>
 
 #include <cerrno>
 #include <utility>
@@ -34,7 +35,8 @@ int installRegistryText(const RegistryText& text, const std::string& name) {
     if (!isRegistryFileName(name)) {
         path += registryFileExtension;
     }
-    return replaceRegistryFile(path, formatRegistryText(text.sections));
+    const auto content = formatRegistryText(text.sections);
+    return content.size() > largestRegistryFile ? EFBIG : zel::storage::RegularFile::replace(path, content);
 }
 
 } // namespace zel::registry

@@ -15,12 +15,6 @@
 
 namespace zel::registry {
 
-namespace {
-
-constexpr std::uintmax_t maximumSize = 64U << 20U;
-
-} // namespace
-
 bool isRegistryFileName(std::string_view name) {
     constexpr auto extension = registryFileExtension;
     return name.size() > extension.size() && name.front() != '.' &&
@@ -62,7 +56,7 @@ std::optional<RegistryFile> inspectRegistryFile(const std::string& path) {
 
 std::optional<std::string> readRegistryFile(const std::string& path) {
     const auto file = inspectRegistryFile(path);
-    if (!file || file->size > maximumSize) {
+    if (!file || file->size > largestRegistryFile) {
         return std::nullopt;
     }
     std::fstream stream;
@@ -76,7 +70,7 @@ std::optional<std::string> readRegistryFile(const std::string& path) {
 }
 
 int replaceRegistryFile(const std::string& path, std::string_view content) {
-    if (content.size() > maximumSize) {
+    if (content.size() > largestRegistryFile) {
         return EFBIG;
     }
     return zel::storage::DurableFile::replace(zel::storage::FileLayer::platform(), path, content);

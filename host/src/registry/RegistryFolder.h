@@ -15,6 +15,9 @@ inline constexpr std::string_view registryFileExtension = ".reg";
 /// Whether a file of that name is policy: it ends with the extension, in any case, and is not hidden.
 bool isRegistryFileName(std::string_view name);
 
+/// A larger file is no policy: it is not read.
+inline constexpr std::uintmax_t largestRegistryFile = 64U << 20U;
+
 /// A file of a registry folder and what tells that it was changed.
 struct RegistryFile {
     std::string path;

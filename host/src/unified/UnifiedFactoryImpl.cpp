@@ -3,11 +3,15 @@
 #include "ServicesDispatcherImpl.h"
 #include "SystemServiceImpl.h"
 #include "TaskDispatcherImpl.h"
+#include "WriteRetrier.h"
 #include "zel/SystemMonitorImpl.h"
+#include "zel/storage/PendingWrites.h"
 
+#include <kyr/FileUtils.h>
 #include <kyr/FunctionTask.h>
 #include <unified/FeatureSetReadyListener.h>
 #include <unified/UnifiedFactoryImpl.h>
+#include <zel/EncryptFileUtils.h>
 #include <zel/ZelLog.h>
 
 #include <exception>
@@ -20,6 +24,8 @@ namespace {
 using Processing::SerialQueue;
 using Processing::ServicesDispatcherImpl;
 using Processing::TaskDispatcherImpl;
+using zel::storage::EncryptFileUtils;
+using zel::storage::PendingWrites;
 using ZelSystemMonitor::SystemMonitorImpl;
 
 ZelLogger& logger = ZelLogger_getLogger("UnifiedFactory");
@@ -47,7 +53,8 @@ UnifiedFactoryImpl::UnifiedFactoryImpl(UnifiedFactoryOptions factoryOptions)
       servicesDispatcher(std::make_shared<ServicesDispatcherImpl>(queueMode(options.servicesThread))),
       backgroundDispatcher(std::make_shared<TaskDispatcherImpl>()),
       resetCallbacks(std::make_shared<ResetDataCallbackRegistryImpl>()),
-      pluginLoader(std::make_unique<PluginLoader>(options.pluginFolder, options.plugins)) {}
+      pluginLoader(std::make_unique<PluginLoader>(options.pluginFolder, options.plugins)),
+      writeRetrier(std::make_shared<WriteRetrier>(backgroundDispatcher)) {}
 
 UnifiedFactoryImpl::~UnifiedFactoryImpl() = default;
 
@@ -55,11 +62,20 @@ void UnifiedFactoryImpl::Init() {
     if (destroyed || initialised.exchange(true)) {
         return;
     }
+    if (options.openedForWriting) {
+        EncryptFileUtils::moveAsideUnusable(KyrCoreUtils::FileUtils::getConfigDirectory());
+    }
+    writeRetrier->start();
     services.registerItem(systemServiceId, std::static_pointer_cast<SystemService>(std::make_shared<SystemServiceImpl>(
                                                shared_from_this(), resetCallbacks, options.serviceEventListener)));
     servicesDispatcher->getQueue().start();
     backgroundDispatcher->getQueue().start();
-    SystemMonitorImpl::getMachineMonitor()->attach(servicesDispatcher);
+    // On a power-down the feature set destroys its stores: what waits to be written goes first.
+    SystemMonitorImpl::getMachineMonitor()->attach(servicesDispatcher, [weak = weak_from_this()] {
+        if (const auto self = std::static_pointer_cast<UnifiedFactoryImpl>(weak.lock())) {
+            self->flushBackgroundDispatcher();
+        }
+    });
 }
 
 void UnifiedFactoryImpl::StartFeatureSet(unsigned int id, std::shared_ptr<ServiceEventList> events) {
@@ -123,6 +139,8 @@ void UnifiedFactoryImpl::invokeResetData(ResetDataOptionEnum::ResetDataOption op
         if (destroyed) {
             return;
         }
+        // Also where no file exists that a callback could remove. Device data outlives a reset.
+        PendingWrites::ofProcess().drop(zel::storage::FileCategoryType::UserData);
         for (const auto& callback : resetCallbacks->getCallbacks()) {
             runStep("A reset callback", [&] { callback->InvokeResetData(option); });
         }
@@ -144,6 +162,9 @@ void UnifiedFactoryImpl::Destroy() {
             [this] { runWithBackgroundAtRest("UnifiedFactory::Destroy", [this] { destroyFeatureSets(); }); });
     SystemMonitorImpl::getMachineMonitor()->detach(servicesDispatcher);
     endDispatchers();
+    if (initialised) {
+        runStep("Writing protected files", [this] { writeRetrier->finish(options.lastRetries); });
+    }
     resetCallbacks->clear();
     featureSets.clear();
     services.clear();
@@ -216,7 +237,7 @@ void UnifiedFactoryImpl::flushBackgroundDispatcher() {
     if (servicesDispatcher->getQueue().isOwner()) {
         restBackground();
     } else {
-        backgroundDispatcher->getQueue().flush();
+        flushAsBackground();
     }
 }
 
@@ -230,6 +251,13 @@ void UnifiedFactoryImpl::restBackground() {
     while (!servicesQueue.isAwaitedBy(background) && !background.flushFor(mark, interval)) {
         servicesQueue.runTasksAwaitedBy(background);
     }
+    WriteRetrier::retryNow();
+}
+
+/// On any thread but that of the services.
+void UnifiedFactoryImpl::flushAsBackground() {
+    backgroundDispatcher->getQueue().flush();
+    WriteRetrier::retryNow();
 }
 
 void UnifiedFactoryImpl::runOnServicesThread(const std::string& name, const std::function<void()>& work) {
@@ -253,9 +281,9 @@ void UnifiedFactoryImpl::runWithBackgroundAtRest(const std::string& name, const 
     auto& background = backgroundDispatcher->getQueue();
     if (background.isOwner()) {
         // The services' thread can't wait for the very task that waits for it; what is queued behind is run here.
-        background.flush();
+        flushAsBackground();
         runOnServicesThread(name, work);
-        background.flush();
+        flushAsBackground();
         return;
     }
     runOnServicesThread(name, [&] {

@@ -28,8 +28,4 @@ bool ProcessUtils::isInputTerminal() noexcept {
     return ::_isatty(::_fileno(stdin)) != 0;
 }
 
-bool ProcessUtils::isOutputTerminal() noexcept {
-    return ::_isatty(::_fileno(stdout)) != 0;
-}
-
 } // namespace KyrCoreUtils

@@ -3,6 +3,8 @@
 
 #include <zel/LogSink.h>
 
+#include <utility>
+
 namespace zel::logging {
 
 namespace {
@@ -38,6 +40,10 @@ bool logToFile(const std::string& path) {
 
 void closeLogFiles() {
     LogDispatcher::instance().removeNamed(filePrefix);
+}
+
+std::shared_ptr<LogSink> makeLineSink(std::function<void(std::string_view)> writeLine) {
+    return SpdlogSink::passLinesTo(std::move(writeLine));
 }
 
 void logToStandardError(bool verbose) {

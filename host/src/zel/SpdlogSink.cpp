@@ -5,8 +5,12 @@
 
 #include <kyr/FileUtils.h>
 
+#include <spdlog/sinks/base_sink.h>
 #include <spdlog/sinks/rotating_file_sink.h>
 #include <spdlog/sinks/stdout_sinks.h>
+
+#include <mutex>
+#include <utility>
 
 namespace zel::logging {
 
@@ -36,6 +40,21 @@ void makePrivate(const spdlog::filename_t& name) {
         KyrCoreUtils::platform::makePrivateFile(*path);
     }
 }
+
+class FormattedLines final : public spdlog::sinks::base_sink<std::mutex> {
+public:
+    explicit FormattedLines(std::function<void(std::string_view)> lineWriter) : writeLine(std::move(lineWriter)) {}
+
+private:
+    void sink_it_(const spdlog::details::log_msg& message) override {
+        spdlog::memory_buf_t line;
+        formatter_->format(message, line);
+        writeLine({line.data(), line.size()});
+    }
+    void flush_() override {}
+
+    const std::function<void(std::string_view)> writeLine;
+};
 
 } // namespace
 
@@ -71,6 +90,11 @@ std::shared_ptr<LogSink> SpdlogSink::openFile(const std::string& path) {
 std::shared_ptr<LogSink> SpdlogSink::standardError(ZelLogLevel mildest) {
     return std::make_shared<SpdlogSink>(std::make_unique<Output>(std::make_unique<spdlog::sinks::stderr_sink_mt>()),
                                         mildest);
+}
+
+std::shared_ptr<LogSink> SpdlogSink::passLinesTo(std::function<void(std::string_view)> writeLine) {
+    return std::make_shared<SpdlogSink>(
+        std::make_unique<Output>(std::make_unique<FormattedLines>(std::move(writeLine))), ZelLogLevel::Debug);
 }
 
 SpdlogSink::SpdlogSink(std::unique_ptr<Output> to, ZelLogLevel mildestLevel)

@@ -2,8 +2,10 @@
 
 #include <zel/LogSink.h>
 
+#include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 
 namespace zel::logging {
 
@@ -13,6 +15,7 @@ public:
     /// 5 MiB a file, three old ones kept, each for the owner alone. Null when the file can't be opened.
     static std::shared_ptr<LogSink> openFile(const std::string& path);
     static std::shared_ptr<LogSink> standardError(ZelLogLevel mildest);
+    static std::shared_ptr<LogSink> passLinesTo(std::function<void(std::string_view)> writeLine);
 
     class Output;
     SpdlogSink(std::unique_ptr<Output> to, ZelLogLevel mildestLevel);

@@ -22,13 +22,13 @@ bool isSame(const std::weak_ptr<T>& a, const std::weak_ptr<T>& b) {
 }
 
 /// One that fails must not keep the others from saving what they have.
-void tell(PowerEventObserver& observer, PowerEventType type) {
+void runGuarded(const std::string& who, const std::function<void()>& work) {
     try {
-        observer.onPowerEvent(type);
+        work();
     } catch (const std::exception& failure) {
-        ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, std::string("A power event observer failed: ") + failure.what());
+        ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, who + " failed: " + failure.what());
     } catch (...) {
-        ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, "A power event observer failed.");
+        ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, who + " failed.");
     }
 }
 
@@ -53,9 +53,9 @@ void SystemMonitorImpl::removePowerEventObserver(std::weak_ptr<PowerEventObserve
     std::erase_if(observers, [&](const auto& present) { return isSame(present, observer) || present.expired(); });
 }
 
-void SystemMonitorImpl::attach(const std::shared_ptr<Dispatcher>& dispatcher) {
+void SystemMonitorImpl::attach(const std::shared_ptr<Dispatcher>& dispatcher, std::function<void()> beforePowerDown) {
     const std::lock_guard lock(mutex);
-    dispatchers.push_back(dispatcher);
+    attachments.push_back({dispatcher, std::move(beforePowerDown)});
     std::erase_if(observers, [](const auto& present) { return present.expired(); });
     if (!observers.empty()) {
         openSource();
@@ -65,9 +65,10 @@ void SystemMonitorImpl::attach(const std::shared_ptr<Dispatcher>& dispatcher) {
 void SystemMonitorImpl::detach(const std::shared_ptr<Dispatcher>& dispatcher) {
     std::unique_ptr<PowerEventSource> closing;
     const std::lock_guard lock(mutex);
-    std::erase_if(dispatchers,
-                  [&](const auto& present) { return present.expired() || isSame(present, std::weak_ptr(dispatcher)); });
-    if (dispatchers.empty()) {
+    std::erase_if(attachments, [&](const auto& present) {
+        return present.dispatcher.expired() || isSame(present.dispatcher, std::weak_ptr(dispatcher));
+    });
+    if (attachments.empty()) {
         closing.swap(source);
     }
 }
@@ -85,26 +86,31 @@ void SystemMonitorImpl::openSource() {
 
 void SystemMonitorImpl::receive(PowerEventType type, PowerEventHold hold) {
     ZelLog(logger, ZelLogLevel::Info, ZEL_HERE, "The machine announces power event " + std::to_string(type));
-    const auto dispatcher = getDispatcher();
+    std::function<void()> beforePowerDown;
+    const auto dispatcher = getDispatcher(beforePowerDown);
     if (!dispatcher) {
-        notify(type);
+        notify(type, {});
         return;
     }
     // The hold goes with the task, so it ends as well when the dispatcher drops it.
-    dispatcher->enqueue(std::make_shared<KyrCoreUtils::FunctionTask>(
-                            [self = weak_from_this(), type, held = std::move(hold)] {
-                                if (const auto alive = self.lock()) {
-                                    alive->notify(type);
-                                }
-                            },
-                            "SystemMonitor::notify"),
-                        false);
+    dispatcher->enqueue(
+        std::make_shared<KyrCoreUtils::FunctionTask>(
+            [self = weak_from_this(), type, held = std::move(hold), prepare = std::move(beforePowerDown)] {
+                if (const auto alive = self.lock()) {
+                    alive->notify(type, prepare);
+                }
+            },
+            "SystemMonitor::notify"),
+        false);
 }
 
-std::shared_ptr<SystemMonitorImpl::Dispatcher> SystemMonitorImpl::getDispatcher() const {
+/// The dispatcher that counts, and what it prepares a power-down with; null without one.
+std::shared_ptr<SystemMonitorImpl::Dispatcher>
+SystemMonitorImpl::getDispatcher(std::function<void()>& beforePowerDown) const {
     const std::lock_guard lock(mutex);
-    for (auto last = dispatchers.rbegin(); last != dispatchers.rend(); ++last) {
-        if (auto alive = last->lock()) {
+    for (auto last = attachments.rbegin(); last != attachments.rend(); ++last) {
+        if (auto alive = last->dispatcher.lock()) {
+            beforePowerDown = last->beforePowerDown;
             return alive;
         }
     }
@@ -122,9 +128,12 @@ std::vector<std::shared_ptr<PowerEventObserver>> SystemMonitorImpl::getLivingObs
     return living;
 }
 
-void SystemMonitorImpl::notify(PowerEventType type) const {
+void SystemMonitorImpl::notify(PowerEventType type, const std::function<void()>& beforePowerDown) const {
+    if (type == PowerEventTypeEnum::PowerDown && beforePowerDown) {
+        runGuarded("Preparing the power-down", beforePowerDown);
+    }
     for (const auto& observer : getLivingObservers()) {
-        tell(*observer, type);
+        runGuarded("A power event observer", [&] { observer->onPowerEvent(type); });
     }
 }
 

@@ -32,7 +32,8 @@ public:
     void removePowerEventObserver(std::weak_ptr<PowerEventObserver> observer) override;
 
     /// From here on observers are told on that dispatcher's thread. Of several the last one counts. Held weakly.
-    void attach(const std::shared_ptr<Dispatcher>& dispatcher);
+    /// `beforePowerDown` is called on that thread before observers are told of a power-down; empty for nothing.
+    void attach(const std::shared_ptr<Dispatcher>& dispatcher, std::function<void()> beforePowerDown = {});
     /// Never waits for an observer that is told on a dispatcher's thread.
     void detach(const std::shared_ptr<Dispatcher>& dispatcher);
 
@@ -40,15 +41,20 @@ public:
     void receive(PowerEventTypeEnum::PowerEventType type, PowerEventHold hold);
 
 private:
+    struct Attachment {
+        std::weak_ptr<Dispatcher> dispatcher;
+        std::function<void()> beforePowerDown;
+    };
+
     void openSource();
-    std::shared_ptr<Dispatcher> getDispatcher() const;
+    std::shared_ptr<Dispatcher> getDispatcher(std::function<void()>& beforePowerDown) const;
     std::vector<std::shared_ptr<PowerEventObserver>> getLivingObservers() const;
-    void notify(PowerEventTypeEnum::PowerEventType type) const;
+    void notify(PowerEventTypeEnum::PowerEventType type, const std::function<void()>& beforePowerDown) const;
 
     const SourceOpener opener;
     mutable std::mutex mutex; ///< Guards all below; never held while an observer is told or a source ends.
     std::vector<std::weak_ptr<PowerEventObserver>> observers;
-    std::vector<std::weak_ptr<Dispatcher>> dispatchers;
+    std::vector<Attachment> attachments;
     std::unique_ptr<PowerEventSource> source;
 };
 

@@ -6,6 +6,7 @@
 #include <registry/RegistryTextFile.h>
 
 #include <gmock/gmock.h>
+#include <sys/stat.h>
 
 #include <cerrno>
 
@@ -53,6 +54,23 @@ TEST_F(RegistryInstallTest, ASecondFileOfTheNameReplacesTheFirst) {
     const auto registry = makeFileRegistry({(profile.root() / "none").string(), {}});
     EXPECT_FALSE(hasKey(*registry, L"Old"));
     EXPECT_TRUE(hasKey(*registry, L"New"));
+}
+
+TEST_F(RegistryInstallTest, ALinkOfTheNameStaysAndItsTargetIsReplaced) {
+    const auto target = profile.root() / "shared" / "policy.reg";
+    testing_host::writeFile(target, "old");
+    std::filesystem::create_directories(folder);
+    std::filesystem::create_symlink(target, folder / "policy.reg");
+    ASSERT_EQ(installRegistryText(parse("[HKCU\\K]\r\n"), "policy"), 0);
+    EXPECT_TRUE(std::filesystem::is_symlink(folder / "policy.reg"));
+    EXPECT_THAT(readFile(target), testing::HasSubstr("[HKEY_CURRENT_USER\\K]"));
+}
+
+TEST_F(RegistryInstallTest, WhatIsNoRegularFileIsNotReplaced) {
+    std::filesystem::create_directories(folder);
+    ASSERT_EQ(mkfifo((folder / "policy.reg").c_str(), 0600), 0);
+    EXPECT_EQ(installRegistryText(parse("[HKCU\\K]\r\n"), "policy"), EEXIST);
+    EXPECT_TRUE(std::filesystem::is_fifo(folder / "policy.reg"));
 }
 
 TEST_F(RegistryInstallTest, ANameThatIsNoBareFileNameIsRefused) {

@@ -1,4 +1,8 @@
+#include "../zel/storage/PlainText.h"
+#include "../zel/storage/StorageProfile.h"
+
 #include <unified/ProfileLock.h>
+#include <zel/EncryptFileUtils.h>
 
 #include <TemporaryProfile.h>
 #include <sys/wait.h>
@@ -54,7 +58,7 @@ private:
 
 class ProfileLockTest : public testing::Test {
 protected:
-    TemporaryProfile profile;
+    const TemporaryProfile profile;
     const std::string config = profile.config().string();
     const std::string state = profile.state().string();
 };
@@ -117,15 +121,75 @@ TEST_F(ProfileLockTest, MakesTheStateFolder) {
     EXPECT_TRUE(lock.isHeld());
 }
 
-TEST_F(ProfileLockTest, TellsWhyTheLockCantBeMade) {
+TEST_F(ProfileLockTest, TellsWhyTheDirectoryCantBeLocked) {
     testing_host::writeFile(profile.root() / "file", "x");
-    const ProfileLock lock(config, (profile.root() / "file").string());
+    const ProfileLock lock((profile.root() / "file").string(), state);
     EXPECT_FALSE(lock.isHeld());
     EXPECT_EQ(lock.getHolder(), 0);
     EXPECT_THAT(lock.getProblem(), HasSubstr((profile.root() / "file").string()));
 }
 
-TEST_F(ProfileLockTest, TheLockFileIsTheUsersAlone) {
+TEST_F(ProfileLockTest, MakesTheConfigurationDirectoryForTheOwnerAlone) {
+    const auto missing = profile.config() / "new";
+    const ProfileLock lock(missing.string(), state);
+    EXPECT_TRUE(lock.isHeld());
+    EXPECT_EQ(std::filesystem::status(missing).permissions(), std::filesystem::perms::owner_all);
+}
+
+TEST_F(ProfileLockTest, ASecondProcessIsRefusedWhateverItsStateFolderIs) {
+    const HoldingProcess other(config, state);
+    const ProfileLock lock(config, (profile.root() / "other state").string());
+    EXPECT_FALSE(lock.isHeld());
+    EXPECT_EQ(lock.getHolder(), 0) << "the number is in the other state folder";
+    EXPECT_EQ(lock.getProblem(), "The profile " + config + " is in use by another process.");
+}
+
+TEST_F(ProfileLockTest, RemovingEveryFileReleasesNothing) {
+    const HoldingProcess other(config, state);
+    std::filesystem::remove_all(state);
+    for (const auto& entry : std::filesystem::directory_iterator(config)) {
+        std::filesystem::remove_all(entry);
+    }
+    EXPECT_FALSE(ProfileLock(config, state).isHeld());
+}
+
+TEST_F(ProfileLockTest, TheLockNeedsNoStateFolderAndAddsNothingToTheProfile) {
+    testing_host::writeFile(profile.root() / "file", "x");
+    const ProfileLock lock(config, (profile.root() / "file").string());
+    EXPECT_TRUE(lock.isHeld());
+    EXPECT_TRUE(std::filesystem::is_empty(config));
+    EXPECT_FALSE(ProfileLock(config, state).isHeld());
+}
+
+TEST_F(ProfileLockTest, TheNumberOfAProcessThatDiedIsNotNamed) {
+    {
+        HoldingProcess killed(config, state);
+        killed.end(); // leaves its number behind
+    }
+    const HoldingProcess other(config, (profile.root() / "other state").string());
+    const ProfileLock lock(config, state);
+    EXPECT_FALSE(lock.isHeld());
+    EXPECT_EQ(lock.getHolder(), 0);
+}
+
+TEST_F(ProfileLockTest, ContentThatWaitsToBeWrittenEndsWithTheLock) {
+    using zel::storage::EncryptFileUtils;
+    testing_host::StorageProfile storage;
+    const std::string path = storage.configFile("settings.dat");
+    {
+        const ProfileLock lock(storage.profile.config().string(), storage.profile.state().string());
+        { const ProfileLock refused(storage.profile.config().string(), storage.profile.state().string()); }
+        storage.layer->setFreeSpace(0);
+        EXPECT_FALSE(EncryptFileUtils::writeDataToFile(path, testing_host::PlainText("new"),
+                                                       zel::storage::FileCategoryType::UserData));
+        EXPECT_FALSE(EncryptFileUtils::retryPendingWrites()) << "a lock that was refused ends nothing";
+    }
+    storage.layer->heal();
+    EXPECT_TRUE(EncryptFileUtils::retryPendingWrites());
+    EXPECT_FALSE(std::filesystem::exists(path));
+}
+
+TEST_F(ProfileLockTest, TheFileOfTheHoldersNumberIsTheUsersAlone) {
     const ProfileLock lock(config, state);
     int files = 0;
     for (const auto& entry : std::filesystem::directory_iterator(state)) {

@@ -8,7 +8,9 @@
 
 #include <memory>
 #include <stdexcept>
+#include <string>
 #include <utility>
+#include <vector>
 
 using namespace ZelSystemMonitor;
 using testing::ElementsAre;
@@ -134,6 +136,29 @@ TEST_F(SystemMonitorImplTest, ADispatcherTellsAndHoldsTheMachineUntilItHas) {
     EXPECT_THAT(observer->getTypes(), ElementsAre(3));
     EXPECT_TRUE(held);
     EXPECT_TRUE(hold.expired());
+}
+
+TEST_F(SystemMonitorImplTest, APowerDownIsPreparedOnTheDispatcherBeforeObserversAreTold) {
+    const auto dispatcher = std::make_shared<HeldServicesDispatcher>();
+    std::vector<std::string> order;
+    monitor->attach(dispatcher, [&] { order.push_back("prepared"); });
+    const auto observer = addObserver([&](auto type) { order.push_back("told " + std::to_string(type)); });
+    announce(PowerEventTypeEnum::Suspend);
+    announce(PowerEventTypeEnum::PowerDown);
+    EXPECT_TRUE(order.empty());
+    dispatcher->runAll();
+    EXPECT_THAT(order, ElementsAre("told 1", "prepared", "told 3"));
+}
+
+TEST_F(SystemMonitorImplTest, AFailedPreparationKeepsNoObserverFromBeingTold) {
+    const LogRecorder log;
+    const auto dispatcher = std::make_shared<HeldServicesDispatcher>();
+    monitor->attach(dispatcher, [] { throw std::runtime_error("no"); });
+    const auto observer = addObserver();
+    announce(PowerEventTypeEnum::PowerDown);
+    dispatcher->runAll();
+    EXPECT_THAT(observer->getTypes(), ElementsAre(3));
+    EXPECT_THAT(log.getTexts(ZelLogLevel::Error), ElementsAre("Preparing the power-down failed: no"));
 }
 
 TEST_F(SystemMonitorImplTest, ADispatcherThatHasEndedDoesNotHoldTheMachine) {

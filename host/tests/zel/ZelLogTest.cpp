@@ -213,6 +213,21 @@ TEST_F(ZelLogTest, SendsWarningsAndWorseToStandardError) {
     EXPECT_THAT(verbose, HasSubstr("once"));
 }
 
+TEST_F(ZelLogTest, AFunctionGetsEachLineAsAFileHasIt) {
+    const TemporaryProfile profile;
+    const auto path = profile.state() / "lines.log";
+    ASSERT_TRUE(zel::logging::logToFile(path.string()));
+    std::string lines;
+    const auto sink = zel::logging::makeLineSink([&](std::string_view line) { lines += line; });
+    zel::logging::addSink(sink);
+    write(ZelLogLevel::Info, "first");
+    write(ZelLogLevel::Error, "second");
+    zel::logging::removeSink(sink);
+    EXPECT_THAT(lines, HasSubstr(" info [Test] ns::A::f first\n"));
+    EXPECT_THAT(lines, HasSubstr(" error [Test] ns::A::f second\n"));
+    EXPECT_EQ(readFile(path), lines);
+}
+
 TEST_F(ZelLogTest, TakesLinesAndSinksFromManyThreads) {
     const LogRecorder recorder;
     constexpr int threadCount = 4;

@@ -3,7 +3,7 @@
 
 # The options that stand before or behind every command, and those that want an argument.
 _lumora_config_global='-h --help --version --profile --config-dir --data-dir --state-dir --resources-dir --plugin-dir
-  --store --bootstrap --json -v --verbose --show-secrets'
+  --store --bootstrap --json -v --verbose --show-secrets --trust'
 _lumora_config_with_argument=' --profile --config-dir --data-dir --state-dir --resources-dir --plugin-dir --store --bootstrap
   -o --output --html '
 _lumora_config_commands='get explain list stores report log set reset provision reset-provisioning mdm import-policy
@@ -13,7 +13,8 @@ _lumora_config_options_of() {
   case $1 in
     get) echo '--origin --admin --store' ;;
     report) echo '-o --output --html' ;;
-    reset-data) echo '--yes' ;;
+    set) echo '--force' ;;
+    reset-data) echo '--yes --force' ;;
   esac
 }
 
@@ -38,6 +39,7 @@ _lumora_config() {
         _lumora_config_folders+=("$word" "${COMP_WORDS[index + 1]}")
         index=$((index + 1))
         ;;
+      --trust) _lumora_config_folders+=("$word") ;;
       -*) case $_lumora_config_with_argument in *" $word "*) index=$((index + 1)) ;; esac ;;
       *) command=${command:-$word} ;;
     esac

@@ -9,6 +9,7 @@ function __lumora_config_ask
             set -a folders $option $words[(math $at + 1)]
         end
     end
+    contains -- --trust $words; and set -a folders --trust
     $words[1] $folders $argv 2>/dev/null
 end
 
@@ -35,6 +36,7 @@ complete -c lumora-config -l bootstrap -r -F -d "The installer's file: FILE:PRIO
 complete -c lumora-config -l json -d 'One JSON object a line'
 complete -c lumora-config -s v -l verbose -d 'Log lines on standard error'
 complete -c lumora-config -l show-secrets -d 'Show sensitive values'
+complete -c lumora-config -l trust -d 'Use folders of others, too'
 
 complete -c lumora-config -n __fish_use_subcommand -a get -d 'Show the value of a key'
 complete -c lumora-config -n __fish_use_subcommand -a explain -d "Show every store's opinion of a key"
@@ -62,3 +64,5 @@ complete -c lumora-config -n '__fish_seen_subcommand_from get' -l store -x -a '(
 complete -c lumora-config -n '__fish_seen_subcommand_from report' -s o -l output -r -F -d 'Into this file'
 complete -c lumora-config -n '__fish_seen_subcommand_from report' -l html -r -F -d 'A page for a browser'
 complete -c lumora-config -n '__fish_seen_subcommand_from reset-data' -l yes -d 'Really do it'
+complete -c lumora-config -n '__fish_seen_subcommand_from reset-data' -l force -d "Remove files that are not the client's, too"
+complete -c lumora-config -n '__fish_seen_subcommand_from set' -l force -d 'Set it though XML has no such name or character'

@@ -19,6 +19,7 @@ struct Command {
     bool origin = false;
     bool admin = false;
     bool confirmed = false;
+    bool forced = false;
     bool fromWorker = false; ///< Call from a thread other than the services dispatcher's.
 };
 

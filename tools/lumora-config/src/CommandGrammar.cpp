@@ -39,7 +39,8 @@ void addReads(CLI::App& app, Command& command) {
         ->add_option("PREFIX", command.prefix, "Only keys that begin so");
     addCommand(app, command, "stores", "List the stores of the chain");
     auto* report = addCommand(app, command, "report", "Write the report of all stores");
-    auto* output = report->add_option("-o,--output", command.file, "Into this file")->type_name("FILE");
+    auto* output =
+        report->add_option("-o,--output", command.file, "Into this file, - for standard output")->type_name("FILE");
     report->add_option("--html", command.htmlFile, "A page for a browser instead, into this file")
         ->type_name("FILE")
         ->excludes(output);
@@ -49,6 +50,7 @@ void addReads(CLI::App& app, Command& command) {
 void addWrites(CLI::App& app, Command& command, CommandScope scope) {
     auto* set = addKeyCommand(app, command, "set", "Set the user's value of a key");
     addValue(set, command);
+    set->add_flag("--force", command.forced, "Set it though XML has no such name or no such character");
     if (scope == CommandScope::Shell) {
         addWorkerFlag(set, command);
     }
@@ -66,8 +68,10 @@ void addWrites(CLI::App& app, Command& command, CommandScope scope) {
     addCommand(app, command, "remove-store", "Remove a store and its cached copy")
         ->add_option("NAME", command.store, "The store's name")
         ->required();
-    addCommand(app, command, "reset-data", "Reset the client: the user's settings and the cached stores go")
-        ->add_flag("--yes", command.confirmed, "Really do it");
+    auto* resetData =
+        addCommand(app, command, "reset-data", "Reset the client: the user's settings and the cached stores go");
+    resetData->add_flag("--yes", command.confirmed, "Really do it");
+    resetData->add_flag("--force", command.forced, "Remove files that are not the client's, too");
 }
 
 void addShellCommands(CLI::App& app, Command& command) {

@@ -49,6 +49,7 @@ void addOptions(CLI::App& app, RawOptions& raw, CommandLine& line) {
     app.add_flag("--json", line.json, "One JSON object a line");
     app.add_flag("-v,--verbose", line.verbose, "Log lines on standard error");
     app.add_flag("--show-secrets", line.showSecrets, "Show sensitive values");
+    app.add_flag("--trust", line.trusted, "Use a named folder though others own it or everybody may write it");
     app.fallthrough();
     app.footer(footer);
 }
@@ -60,6 +61,18 @@ void applyProfile(const std::string& profile, KyrCoreUtils::HostDirectories& dir
     const std::filesystem::path root(profile);
     directories = {(root / "config").string(), (root / "data").string(), (root / "state").string(),
                    (root / "resources").string()};
+}
+
+/// The folders that the user named and from which the program loads code or to which it writes settings. A profile
+/// counts with the folders in it.
+std::vector<std::string> nameDirectories(const std::string& profile, const CommandLine& line) {
+    const auto& folders = line.directories;
+    std::vector<std::string> named{line.pluginDirectory, folders.config};
+    if (!profile.empty()) {
+        named.insert(named.end(), {profile, folders.applicationData, folders.state, folders.resources});
+    }
+    std::erase(named, "");
+    return named;
 }
 
 /// The host asks that its folders be told apart by their paths, so no path may depend on the working directory.
@@ -91,6 +104,7 @@ CommandLine CommandLine::parse(int argc, const char* const* argv) {
                             &line.directories.resources, &line.pluginDirectory}) {
         makeAbsolute(*directory);
     }
+    line.namedDirectories = nameDirectories(raw.profile, line);
     std::ranges::transform(raw.stores, std::back_inserter(line.stores), StoreSpec::parse);
     std::ranges::transform(raw.bootstraps, std::back_inserter(line.bootstraps), BootstrapSpec::parse);
     return line;

@@ -1,6 +1,7 @@
 #include "ConfigHost.h"
 
 #include "DefaultsFile.h"
+#include "DirectoryTrust.h"
 #include "Failure.h"
 #include "LogLineCatcher.h"
 #include "PluginFolder.h"
@@ -27,6 +28,9 @@ namespace {
 /// Settles the folders before anything asks for them, and makes sure that they are the product's before anything is
 /// written there. Gives the configuration directory.
 std::string settleDirectories(const CommandLine& line) {
+    if (!line.trusted) {
+        requireTrusted(line.namedDirectories);
+    }
     FileUtils::overrideDirectories(line.directories);
     auto configDirectory = FileUtils::getConfigDirectory();
     if (configDirectory.empty()) {
@@ -39,9 +43,6 @@ std::string settleDirectories(const CommandLine& line) {
 
 void startLog(bool verbose) {
     zel::logging::setDebugEnabled(verbose);
-    if (verbose) {
-        zel::logging::logToStandardError(true);
-    }
     zel::logging::logToFile(FileUtils::getStateDirectory() + FileUtils::FileSeparator() + "lumora-config.log");
 }
 

@@ -46,7 +46,7 @@ Json toJson(const Opinion& opinion) {
 
 } // namespace
 
-JsonPrinter::JsonPrinter(std::ostream& out, std::ostream& messages, Failures failureForm)
+JsonPrinter::JsonPrinter(Output& out, Output& messages, Failures failureForm)
     : output(out), diagnostics(messages), failures(failureForm) {}
 
 void JsonPrinter::showValue(const std::wstring& key, const std::optional<Reading>& reading, bool /*withOrigin*/) {
@@ -140,15 +140,18 @@ void JsonPrinter::showFailure(const std::string& command, const Failure& failure
                {"message", failure.what()}});
         return;
     }
-    const std::lock_guard lock(mutex);
-    diagnostics << "lumora-config: " << failure.what() << '\n' << std::flush;
+    diagnostics.writeMessage(std::string("lumora-config: ") + failure.what());
+}
+
+bool JsonPrinter::isHeard() const {
+    return output.getError() == 0;
 }
 
 void JsonPrinter::write(const nlohmann::ordered_json& object) {
+    // JSON may hold DEL and C1 as they are, so a terminal gets everything beyond ASCII escaped.
+    const bool asciiOnly = output.getForm().terminal;
     // A store's name may be anything; a byte that is not UTF-8 must not end the program.
-    const auto line = object.dump(-1, ' ', false, Json::error_handler_t::replace);
-    const std::lock_guard lock(mutex);
-    output << line << '\n' << std::flush;
+    output.writeEscaped(object.dump(-1, ' ', asciiOnly, Json::error_handler_t::replace) + '\n');
 }
 
 } // namespace lumora_config

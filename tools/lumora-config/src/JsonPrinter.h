@@ -1,10 +1,9 @@
 #pragma once
 
+#include "Output.h"
 #include "Printer.h"
 
-#include <mutex>
 #include <nlohmann/json_fwd.hpp>
-#include <ostream>
 
 namespace lumora_config {
 
@@ -15,8 +14,8 @@ public:
     /// Where failures go: to `messages` as text, or with the other objects.
     enum class Failures { AsText, AsObjects };
 
-    /// The streams must outlive the printer.
-    JsonPrinter(std::ostream& out, std::ostream& messages, Failures failureForm);
+    /// The outputs must outlive the printer.
+    JsonPrinter(Output& out, Output& messages, Failures failureForm);
 
     void showValue(const std::wstring& key, const std::optional<Reading>& reading, bool withOrigin) override;
     void showExplanation(const Explanation& explanation) override;
@@ -27,13 +26,13 @@ public:
     void showNotification(const Notification& notification) override;
     void showDone(const std::string& command, const std::string& message) override;
     void showFailure(const std::string& command, const Failure& failure) override;
+    bool isHeard() const override;
 
 private:
     void write(const nlohmann::ordered_json& object);
 
-    std::mutex mutex; ///< Keeps lines whole.
-    std::ostream& output;
-    std::ostream& diagnostics;
+    Output& output;
+    Output& diagnostics;
     const Failures failures;
 };
 

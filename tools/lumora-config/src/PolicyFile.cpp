@@ -4,6 +4,7 @@
 #include "XmlSettings.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <system_error>
 #include <utility>
@@ -59,8 +60,9 @@ PolicyImport PolicyFile::describe() const {
 
 void PolicyFile::install() const {
     if (const int error = installRegistryText(text, std::filesystem::path(path).filename().string()); error != 0) {
-        throw Failure(ExitCode::Environment, path + ": cannot be put into the user's registry files: " +
-                                                 std::system_category().message(error));
+        const auto reason = error == EEXIST ? std::string("its name is taken there by what is not a regular file")
+                                            : std::generic_category().message(error);
+        throw Failure(ExitCode::Environment, path + ": cannot be put into the user's registry files: " + reason);
     }
 }
 

@@ -27,6 +27,9 @@ public:
     /// A command that has no answer has done its work.
     virtual void showDone(const std::string& command, const std::string& message) = 0;
     virtual void showFailure(const std::string& command, const Failure& failure) = 0;
+
+    /// False once an answer could not be written. Nothing more is written then.
+    virtual bool isHeard() const = 0;
 };
 
 } // namespace lumora_config

@@ -1,34 +1,40 @@
 #include "ChainPage.h"
 #include "CommandTable.h"
+#include "ForeignFiles.h"
 #include "LogLineCatcher.h"
 
-#include <kyr/FstreamUtils.h>
+#include <kyr/FileUtils.h>
 #include <kyr/StringUtils.h>
+#include <zel/RegularFile.h>
 
+#include <cerrno>
 #include <chrono>
-#include <filesystem>
-#include <fstream>
 #include <iomanip>
 #include <sstream>
+#include <system_error>
 
 namespace lumora_config {
 
 namespace {
 
-enum class Readers { AsUsual, OwnerAlone };
+void writeReport(const std::string& path, const std::string& text) {
+    const int error = zel::storage::RegularFile::replace(path, text);
+    if (error == EEXIST) {
+        throw Failure(ExitCode::Environment, path + ": cannot be written: it is not a regular file");
+    }
+    if (error != 0) {
+        throw Failure(ExitCode::Environment, path + ": cannot be written: " + std::generic_category().message(error));
+    }
+}
 
-void writeReport(const std::string& path, const std::string& text, Readers readers = Readers::AsUsual) {
-    std::fstream stream;
-    if (KyrCoreUtils::FstreamUtils::open(stream, path, KyrCoreUtils::StreamMode::Write)) {
-        if (readers == Readers::OwnerAlone) {
-            using std::filesystem::perms;
-            std::filesystem::permissions(path, perms::owner_read | perms::owner_write);
-        }
-        stream << text << std::flush;
+/// Prints the text, or writes it into the file and says so. "" and "-" are standard output.
+void deliver(Session& session, const Command& command, const std::string& path, const std::string& text) {
+    if (path.empty() || path == "-") {
+        session.getPrinter().showText("report", text);
+        return;
     }
-    if (!stream) {
-        throw Failure(ExitCode::Environment, path + ": cannot be written");
-    }
+    writeReport(path, text);
+    reportDone(session, command, (command.htmlFile.empty() ? "report" : "page") + std::string(" written to ") + path);
 }
 
 /// In the form of ISO 8601, which a page can turn into the reader's time.
@@ -57,9 +63,7 @@ void reportAsPage(Session& session, const Command& command) {
     }
     findings.madeAt = nameThisMoment();
     findings.showsSecrets = session.getMask().showsSecrets();
-    writeReport(command.htmlFile, renderChainPage(findings),
-                findings.showsSecrets ? Readers::OwnerAlone : Readers::AsUsual);
-    reportDone(session, command, "page written to " + command.htmlFile);
+    deliver(session, command, command.htmlFile, renderChainPage(findings));
 }
 
 void report(Session& session, const Command& command) {
@@ -71,12 +75,7 @@ void report(Session& session, const Command& command) {
     session.getHost().onServices("lumora-config: report", [&] {
         text = KyrCoreUtils::toString(session.getHost().getService()->getAllConfigForPRT());
     });
-    if (command.file.empty()) {
-        session.getPrinter().showText("report", text);
-        return;
-    }
-    writeReport(command.file, text);
-    reportDone(session, command, "report written to " + command.file);
+    deliver(session, command, command.file, text);
 }
 
 void log(Session& session, const Command& /*command*/) {
@@ -85,9 +84,26 @@ void log(Session& session, const Command& /*command*/) {
     session.getPrinter().showText("log", catcher.getText());
 }
 
+/// A reset empties the configuration directory; a wrong one may be full of something else.
+void requireNoForeignFiles() {
+    const auto directory = KyrCoreUtils::FileUtils::getConfigDirectory();
+    const auto foreign = findForeignFiles(directory);
+    if (foreign.empty()) {
+        return;
+    }
+    auto message = directory + " contains files that are not the client's; --force removes them, too: ";
+    for (const auto& file : foreign) {
+        message += (&file == &foreign.front() ? "" : ", ") + file;
+    }
+    throw Failure(ExitCode::NotFound, message);
+}
+
 void resetData(Session& session, const Command& command) {
     if (!command.confirmed) {
         throw Failure(ExitCode::Usage, "reset-data removes the user's settings and the cached stores; say --yes");
+    }
+    if (!command.forced) {
+        requireNoForeignFiles();
     }
     session.getHost().resetData();
     reportDone(session, command, "the client's configuration is reset");

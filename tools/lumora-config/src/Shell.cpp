@@ -4,7 +4,6 @@
 #include "Commands.h"
 
 #include <iostream>
-#include <optional>
 #include <utility>
 
 namespace lumora_config {
@@ -18,7 +17,7 @@ ExitCode Shell::run() {
         if (prompting) {
             std::cerr << "lumora> " << std::flush;
         }
-        if (!std::getline(input, line) || runLine(line) == Next::Quit) {
+        if (!std::getline(input, line) || runLine(line) == Next::Quit || !session.getPrinter().isHeard()) {
             return result;
         }
     }
@@ -56,30 +55,34 @@ void Shell::remember(ExitCode code) {
 
 std::vector<std::string> splitWords(std::string_view line) {
     std::vector<std::string> words;
-    std::optional<std::string> word;
+    std::string word;
+    bool inWord = false; // An empty word is one, too.
     char quote = '\0';
+    const auto endWord = [&] {
+        if (inWord) {
+            words.push_back(std::exchange(word, {}));
+        }
+        inWord = false;
+    };
     for (std::size_t i = 0; i < line.size(); ++i) {
         const char c = line[i];
+        if (quote == '\0' && (c == ' ' || c == '\t' || c == '\r')) {
+            endWord();
+            continue;
+        }
+        inWord = true;
         if (c == '\\' && quote != '\'' && i + 1 < line.size()) {
-            word = word.value_or("") + line[++i];
+            word += line[++i];
         } else if (quote != '\0' ? c == quote : c == '"' || c == '\'') {
             quote = quote == '\0' ? c : '\0';
-            word = word.value_or("");
-        } else if (quote == '\0' && (c == ' ' || c == '\t' || c == '\r')) {
-            if (word) {
-                words.push_back(std::move(*word));
-                word.reset();
-            }
         } else {
-            word = word.value_or("") + c;
+            word += c;
         }
     }
     if (quote != '\0') {
         throw Failure(ExitCode::Usage, "a quote is left open");
     }
-    if (word) {
-        words.push_back(std::move(*word));
-    }
+    endWord();
     return words;
 }
 

@@ -10,8 +10,9 @@
 
 namespace lumora_config {
 
-/// Reads commands, one a line, and runs them until "quit" or the end of the input. An empty line and one that begins
-/// with "#" are passed over; a command that fails does not end the shell. Main thread.
+/// Reads commands, one a line, and runs them until "quit" or the end of the input, or until an answer could not be
+/// written. An empty line and one that begins with "#" are passed over; a command that fails does not end the shell.
+/// Main thread.
 class Shell {
 public:
     /// With `interactive` a prompt is printed on standard error.

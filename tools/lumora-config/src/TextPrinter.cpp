@@ -1,5 +1,6 @@
 #include "TextPrinter.h"
 
+#include "EscapedText.h"
 #include "TextTable.h"
 
 #include <kyr/StringUtils.h>
@@ -8,7 +9,7 @@
 
 namespace lumora_config {
 
-using Align = TextTable::Align;
+using Column = TextTable::Column;
 using Style = TextTable::Style;
 
 namespace {
@@ -66,69 +67,68 @@ std::string describe(const ImportedKey& key) {
 
 } // namespace
 
-TextPrinter::TextPrinter(std::ostream& out, std::ostream& messages, bool useColour)
-    : output(out), diagnostics(messages), coloured(useColour) {}
+TextPrinter::TextPrinter(Output& out, Output& messages) : output(out), diagnostics(messages) {}
 
 void TextPrinter::showValue(const std::wstring& /*key*/, const std::optional<Reading>& reading, bool withOrigin) {
     if (!reading) {
         return;
     }
-    auto text = KyrCoreUtils::toString(reading->value);
+    std::string origin;
     if (withOrigin) {
-        text += "  (" + narrow(reading->storeName) + (reading->underEarlierName ? ", under its old name)" : ")");
+        origin = "  (" + narrow(reading->storeName) + (reading->underEarlierName ? ", under its old name)" : ")");
     }
-    write(text + '\n');
+    output.writeValue(KyrCoreUtils::toString(reading->value), origin);
 }
 
 void TextPrinter::showExplanation(const Explanation& explanation) {
-    TextTable opinions({Align::Left, Align::Right, Align::Left, Align::Left, Align::Left});
+    TextTable opinions({Column::Left, Column::Right, Column::Left, Column::Left, Column::Left});
     opinions.addRow({"", "PRIORITY", "STORE", "NAME", "VALUE"}, Style::Faint);
     for (const auto& opinion : explanation.opinions) {
         addOpinion(opinions, opinion);
     }
-    TextTable summary({Align::Left, Align::Left});
+    TextTable summary({Column::Left, Column::Left});
     summary.addRow({"in force", describe(explanation.inForce, explanation)});
     summary.addRow({"administrator's", describe(explanation.administrators, explanation)});
     summary.addRow({"overridden", explanation.record.overridden ? "yes" : "no"});
-    write(nameOfKey(explanation) + "\n\n" + opinions.toString(coloured) + '\n' + summary.toString(coloured));
+    const auto& form = output.getForm();
+    output.writeEscaped(nameOfKey(explanation) + "\n\n" + opinions.toString(form) + '\n' + summary.toString(form));
 }
 
 void TextPrinter::showList(const std::vector<ListedValue>& values) {
-    TextTable table({Align::Left, Align::Left, Align::Left, Align::Left});
+    TextTable table({Column::Left, Column::Left, Column::Truncated, Column::Left});
     table.addRow({"", "KEY", "VALUE", "STORE"}, Style::Faint);
     for (const auto& listed : values) {
         table.addRow({listed.overridden ? "*" : "", narrow(listed.key), quote(listed.value), narrow(listed.storeName)},
                      listed.overridden ? Style::Emphasis : Style::Plain);
     }
-    write(table.toString(coloured));
+    const auto& form = output.getForm();
+    output.writeEscaped(table.toString(form, form.terminal ? TextTable::Padding::Aligned : TextTable::Padding::None));
 }
 
 void TextPrinter::showStores(const std::vector<StoreFacts>& stores) {
-    TextTable table({Align::Right, Align::Left, Align::Left, Align::Left, Align::Right});
+    TextTable table({Column::Right, Column::Left, Column::Left, Column::Left, Column::Right});
     table.addRow({"PRIORITY", "STORE", "WRITES", "ORIGIN", "KEYS"}, Style::Faint);
     for (const auto& store : stores) {
         table.addRow({std::to_string(store.priority), toOneLine(store.name), store.readOnly ? "read-only" : "writable",
                       store.local ? "local" : "not local", std::to_string(store.keyCount)});
     }
-    write(table.toString(coloured));
+    output.writeEscaped(table.toString(output.getForm()));
 }
 
 void TextPrinter::showText(const std::string& /*kind*/, const std::string& text) {
-    write(text.ends_with('\n') ? text : text + '\n');
+    output.writeText(text.ends_with('\n') ? text : text + '\n');
 }
 
 void TextPrinter::showImport(const PolicyImport& import) {
-    const auto place = [&](std::size_t line) { return toOneLine(import.file) + ':' + std::to_string(line) + ": "; };
+    const auto place = [&](std::size_t line) { return import.file + ':' + std::to_string(line) + ": "; };
     std::string taken;
     for (const auto& key : import.taken) {
-        taken += place(key.line) + narrow(key.key) + ": " + describe(key) + '\n';
+        taken += toOneLine(place(key.line)) + narrow(key.key) + ": " + describe(key) + '\n';
     }
-    write(taken);
-    const std::lock_guard lock(mutex);
+    output.writeEscaped(taken);
     for (const auto& refusal : import.refused) {
-        diagnostics << place(refusal.line) << "refused: " << refusal.reason << '\n';
+        diagnostics.writeMessage(place(refusal.line) + "refused: " + refusal.reason);
     }
-    diagnostics << std::flush;
 }
 
 void TextPrinter::showNotification(const Notification& notification) {
@@ -136,23 +136,21 @@ void TextPrinter::showNotification(const Notification& notification) {
     for (const auto& [key, value] : notification.companions) {
         companions += "  " + narrow(key) + "=" + quote(value);
     }
-    write(narrow(notification.key) + ": " + notification.property + " " + quote(notification.oldValue) + " -> " +
-          quote(notification.newValue) + "  [" + notification.thread + " thread]" + companions + "\n");
+    output.writeEscaped(narrow(notification.key) + ": " + notification.property + " " + quote(notification.oldValue) +
+                        " -> " + quote(notification.newValue) + "  [" + notification.thread + " thread]" + companions +
+                        "\n");
 }
 
 void TextPrinter::showDone(const std::string& /*command*/, const std::string& message) {
-    const std::lock_guard lock(mutex);
-    diagnostics << toOneLine(message) << '\n' << std::flush;
+    diagnostics.writeMessage(message);
 }
 
 void TextPrinter::showFailure(const std::string& /*command*/, const Failure& failure) {
-    const std::lock_guard lock(mutex);
-    diagnostics << "lumora-config: " << failure.what() << '\n' << std::flush;
+    diagnostics.writeMessage(std::string("lumora-config: ") + failure.what());
 }
 
-void TextPrinter::write(const std::string& text) {
-    const std::lock_guard lock(mutex);
-    output << text << std::flush;
+bool TextPrinter::isHeard() const {
+    return output.getError() == 0;
 }
 
 } // namespace lumora_config

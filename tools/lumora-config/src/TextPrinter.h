@@ -1,17 +1,15 @@
 #pragma once
 
+#include "Output.h"
 #include "Printer.h"
-
-#include <mutex>
-#include <ostream>
 
 namespace lumora_config {
 
 /// For people: aligned columns on `out`, messages on `messages`.
 class TextPrinter final : public Printer {
 public:
-    /// The streams must outlive the printer. `useColour` is for a terminal.
-    TextPrinter(std::ostream& out, std::ostream& messages, bool useColour);
+    /// The outputs must outlive the printer.
+    TextPrinter(Output& out, Output& messages);
 
     void showValue(const std::wstring& key, const std::optional<Reading>& reading, bool withOrigin) override;
     void showExplanation(const Explanation& explanation) override;
@@ -22,14 +20,11 @@ public:
     void showNotification(const Notification& notification) override;
     void showDone(const std::string& command, const std::string& message) override;
     void showFailure(const std::string& command, const Failure& failure) override;
+    bool isHeard() const override;
 
 private:
-    void write(const std::string& text);
-
-    std::mutex mutex; ///< Keeps lines whole.
-    std::ostream& output;
-    std::ostream& diagnostics;
-    const bool coloured;
+    Output& output;
+    Output& diagnostics;
 };
 
 } // namespace lumora_config

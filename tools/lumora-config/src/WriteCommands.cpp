@@ -1,6 +1,7 @@
 #include "CommandTable.h"
 #include "PolicyFile.h"
 #include "RenamedKeys.h"
+#include "XmlNames.h"
 #include "XmlSettings.h"
 
 #include <kyr/StringUtils.h>
@@ -8,6 +9,8 @@
 #include <ConfigKeys.h>
 
 #include <algorithm>
+#include <iomanip>
+#include <sstream>
 
 namespace lumora_config {
 
@@ -36,7 +39,45 @@ std::string describeOutcome(Session& session, const std::wstring& key) {
            toString(reading->storeName);
 }
 
+[[noreturn]] void refuseUnlessForced(const std::string& reason) {
+    throw Failure(ExitCode::NotFound, reason + "; --force sets it all the same");
+}
+
+std::string nameCodePoint(char32_t c) {
+    std::ostringstream text;
+    text << "U+" << std::uppercase << std::hex << std::setw(4) << std::setfill('0') << static_cast<unsigned long>(c);
+    return text.str();
+}
+
+/// Never quotes the value, which may be a secret.
+void requireKeptValue(const Command& command) {
+    const auto value = wide(command.value);
+    if (toString(value) != command.value) {
+        refuseUnlessForced("the value of the key '" + command.key + "' is not UTF-8 and would be stored with U+FFFD");
+    }
+    if (const auto character = findUnrepresentable(value)) {
+        refuseUnlessForced("the value of the key '" + command.key + "' contains " + nameCodePoint(*character) +
+                           ", which XML cannot represent: it would be stored as U+FFFD");
+    }
+}
+
+/// Refuses what the user's file, a cached copy or the report could not give back.
+void requireStorable(const Command& command) {
+    if (command.key.empty()) {
+        throw Failure(ExitCode::NotFound, "the key is empty");
+    }
+    if (command.forced) {
+        return;
+    }
+    if (toString(wide(command.key)) != command.key || !isXmlName(wide(command.key))) {
+        refuseUnlessForced("the key '" + command.key +
+                           "' is not an XML name: a document or report with it would be ill-formed");
+    }
+    requireKeptValue(command);
+}
+
 void set(Session& session, const Command& command) {
+    requireStorable(command);
     const auto key = wide(command.key);
     bool stored = false;
     runWrite(session, command,

@@ -3,24 +3,43 @@
 #include "Commands.h"
 #include "ConfigHost.h"
 #include "JsonPrinter.h"
+#include "LogLinePrinter.h"
+#include "Output.h"
 #include "Session.h"
 #include "Shell.h"
 #include "Terminal.h"
 #include "TextPrinter.h"
 
+#include <kyr/StandardStreams.h>
+
+#include <cerrno>
 #include <iostream>
 #include <memory>
+#include <optional>
+#include <system_error>
 
 namespace {
 
 using namespace lumora_config;
 
-std::unique_ptr<Printer> makePrinter(const CommandLine& line) {
+using KyrCoreUtils::StandardStreams;
+
+Output openStream(StandardStreams::Stream stream, const OutputForm& form) {
+    return {form, [stream](std::string_view bytes) { return StandardStreams::write(stream, bytes); }};
+}
+
+/// Where the program writes. Outlives everything that prints or logs.
+struct Outputs {
+    Output answers = openStream(StandardStreams::Stream::Output, Terminal::describeOutput());
+    Output messages = openStream(StandardStreams::Stream::Error, Terminal::describeError());
+};
+
+std::unique_ptr<Printer> makePrinter(const CommandLine& line, Outputs& outputs) {
     if (!line.json) {
-        return std::make_unique<TextPrinter>(std::cout, std::cerr, Terminal::wantsColour());
+        return std::make_unique<TextPrinter>(outputs.answers, outputs.messages);
     }
     const bool inShell = line.command.name == "shell";
-    return std::make_unique<JsonPrinter>(std::cout, std::cerr,
+    return std::make_unique<JsonPrinter>(outputs.answers, outputs.messages,
                                          inShell ? JsonPrinter::Failures::AsObjects : JsonPrinter::Failures::AsText);
 }
 
@@ -42,16 +61,12 @@ ExitCode runSession(const CommandLine& line, Printer& printer) {
     return ExitCode::Done;
 }
 
-ExitCode run(int argc, char** argv) {
-    CommandLine line;
-    try {
-        line = CommandLine::parse(argc, argv);
-    } catch (const Failure& failure) {
-        const bool asked = failure.getCode() == ExitCode::Done;
-        (asked ? std::cout : std::cerr) << (asked ? "" : "lumora-config: ") << failure.what() << '\n';
-        return failure.getCode();
+ExitCode runLine(const CommandLine& line, Outputs& outputs) {
+    std::optional<LogLinePrinter> logLines;
+    if (line.verbose) {
+        logLines.emplace(outputs.messages);
     }
-    const auto printer = makePrinter(line);
+    const auto printer = makePrinter(line, outputs);
     try {
         return runSession(line, *printer);
     } catch (const Failure& failure) {
@@ -60,13 +75,48 @@ ExitCode run(int argc, char** argv) {
     }
 }
 
+ExitCode run(int argc, char** argv, Outputs& outputs) {
+    CommandLine line;
+    try {
+        line = CommandLine::parse(argc, argv);
+    } catch (const Failure& failure) {
+        if (failure.getCode() == ExitCode::Done) {
+            outputs.answers.writeText(std::string(failure.what()) + '\n');
+        } else {
+            outputs.messages.writeMessage(std::string("lumora-config: ") + failure.what());
+        }
+        return failure.getCode();
+    }
+    return runLine(line, outputs);
+}
+
+ExitCode runGuarded(int argc, char** argv, Outputs& outputs) {
+    try {
+        return run(argc, argv, outputs);
+    } catch (const std::exception& error) {
+        outputs.messages.writeMessage(std::string("lumora-config: ") + error.what());
+        return ExitCode::Environment;
+    }
+}
+
+/// An answer that nobody could read was not given. A reader that closed its pipe had seen enough.
+ExitCode checkAnswers(ExitCode code, Outputs& outputs) {
+    int error = outputs.answers.getError();
+    if (error == 0) {
+        error = StandardStreams::flush(StandardStreams::Stream::Output);
+    }
+    if (error == 0 || error == EPIPE) {
+        return code;
+    }
+    outputs.messages.writeMessage("lumora-config: standard output cannot be written: " +
+                                  std::generic_category().message(error));
+    return ExitCode::Environment;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
-    try {
-        return static_cast<int>(run(argc, argv));
-    } catch (const std::exception& error) {
-        std::cerr << "lumora-config: " << error.what() << '\n';
-        return static_cast<int>(lumora_config::ExitCode::Environment);
-    }
+    StandardStreams::prepare();
+    Outputs outputs;
+    return static_cast<int>(checkAnswers(runGuarded(argc, argv, outputs), outputs));
 }

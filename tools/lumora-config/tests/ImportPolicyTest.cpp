@@ -213,4 +213,15 @@ TEST(ImportPolicy, AHundredThousandValuesAreTaken) {
     EXPECT_EQ(originOf(profile, "Key99999"), "99999  (RegistryConfigStore)\n");
 }
 
+TEST(ImportPolicy, WhatIsNoRegularFileIsNotReplaced) {
+    const Profile profile;
+    const auto file = profile.write("mine.reg", "REGEDIT4\r\n[HKEY_CURRENT_USER\\K]\r\n\"a\"=\"1\"\r\n");
+    const auto taken = profile.root() / "data" / "registry" / "mine.reg";
+    std::filesystem::create_directories(taken);
+    const auto outcome = profile.run({"import-policy", file});
+    EXPECT_EQ(outcome.exitCode, 3);
+    EXPECT_THAT(outcome.error, HasSubstr("its name is taken there by what is not a regular file"));
+    EXPECT_TRUE(std::filesystem::is_directory(taken));
+}
+
 } // namespace program_test

@@ -2,6 +2,9 @@
 
 #include <TemporaryProfile.h>
 #include <gmock/gmock.h>
+#include <sys/stat.h>
+
+#include <utility>
 
 namespace program_test {
 
@@ -37,6 +40,57 @@ TEST(Report, AFileThatCannotBeWrittenIsNamed) {
     const auto outcome = profile.run({"report", "-o", file});
     EXPECT_EQ(outcome.exitCode, 3);
     EXPECT_THAT(outcome.error, HasSubstr(file + ": cannot be written"));
+}
+
+TEST(Report, ItsFilesAreReplacedWholeAndForTheirOwnerAlone) {
+    const Profile profile;
+    const auto file = profile.write("report", "an older report");
+    for (const auto* option : {"-o", "--html"}) {
+        fs::permissions(file, fs::perms::others_read, fs::perm_options::add);
+        // A reader of the old file goes on seeing it: it was replaced, not emptied.
+        fs::create_hard_link(file, profile.root() / "old");
+        const auto old = testing_host::readFile(file);
+        const auto outcome = profile.run({"report", option, file});
+        EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
+        EXPECT_TRUE(testing_host::readFile(profile.root() / "old") == old);
+        EXPECT_FALSE(testing_host::readFile(file) == old);
+        EXPECT_EQ(fs::status(file).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+        fs::remove(profile.root() / "old");
+    }
+}
+
+TEST(Report, ATargetThatIsNoRegularFileIsRefused) {
+    const Profile profile;
+    const auto pipe = (profile.root() / "pipe").string();
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    for (const auto* option : {"-o", "--html"}) {
+        const auto outcome = profile.run({"report", option, pipe});
+        EXPECT_EQ(outcome.exitCode, 3);
+        EXPECT_EQ(outcome.error, "lumora-config: " + pipe + ": cannot be written: it is not a regular file\n");
+        EXPECT_TRUE(fs::is_fifo(pipe));
+    }
+}
+
+TEST(Report, OfALinkReplacesItsTarget) {
+    const Profile profile;
+    const auto link = profile.root() / "link";
+    fs::create_symlink(profile.write("target", "old"), link);
+    for (const auto& [option, start] : {std::pair{"-o", "<?xml"}, std::pair{"--html", "<!DOCTYPE html>"}}) {
+        EXPECT_EQ(profile.run({"report", option, link.string()}).exitCode, 0);
+        EXPECT_TRUE(fs::is_symlink(link));
+        EXPECT_THAT(testing_host::readFile(profile.root() / "target"), StartsWith(start));
+    }
+}
+
+TEST(Report, AHyphenIsStandardOutput) {
+    const Profile profile;
+    const auto plain = profile.run({"report"});
+    const auto outcome = profile.run({"report", "-o", "-"});
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_EQ(outcome.out, plain.out);
+    EXPECT_EQ(outcome.error, "");
+    EXPECT_THAT(profile.run({"report", "--html", "-"}).out, StartsWith("<!DOCTYPE html>"));
+    EXPECT_FALSE(fs::exists("-"));
 }
 
 TEST(Log, ShowsTheSettingsReport) {

@@ -64,7 +64,7 @@ TEST_F(ResetOfAFullProfile, LeavesExactlyWhatMaySurviveByteForByte) {
     auto before = contentOf(config());
     ASSERT_THAT(before, testing::Contains(Key("lumoraLocalConfig.dat")));
     ASSERT_THAT(before, testing::Contains(Key("Cache/cachedForeign.dat")));
-    run({"reset-data", "--yes"});
+    run({"reset-data", "--yes", "--force"});
     const auto after = contentOf(config());
     EXPECT_THAT(after,
                 ElementsAre(Key("Cache/cachedUrlProvisioningConfigStore.dat"), Key("Cache/deep/installationId.TXT"),
@@ -75,7 +75,7 @@ TEST_F(ResetOfAFullProfile, LeavesExactlyWhatMaySurviveByteForByte) {
 }
 
 TEST_F(ResetOfAFullProfile, WhatSurvivesWorksInTheNextRun) {
-    run({"reset-data", "--yes"});
+    run({"reset-data", "--yes", "--force"});
     EXPECT_EQ(run({"get", "ServicesDomain", "--origin"}).out, "example.net  (UrlProvisioningConfigStore)\n");
     EXPECT_EQ(run({"get", "Theme", "--origin"}).out, "system  (lumora-config-defaults.xml)\n");
     EXPECT_EQ(run({"get", "TelemetryEnabled", "--origin"}).out, "true  (lumora-config-defaults.xml)\n");
@@ -85,12 +85,12 @@ TEST_F(ResetOfAFullProfile, WhatSurvivesWorksInTheNextRun) {
 }
 
 TEST_F(ResetOfAFullProfile, LeavesTheFoldersStanding) {
-    run({"reset-data", "--yes"});
+    run({"reset-data", "--yes", "--force"});
     EXPECT_TRUE(fs::is_directory(config() / "Cache" / "deep"));
 }
 
 TEST_F(ResetOfAFullProfile, LinksThatLeadOutAreNotFollowed) {
-    const auto outcome = run({"reset-data", "--yes"});
+    const auto outcome = run({"reset-data", "--yes", "--force"});
     EXPECT_FALSE(fs::exists(fs::symlink_status(config() / "file-link")));
     EXPECT_THAT(contentOf(profile.root() / "outside"), ElementsAre(testing::Pair("precious.txt", "precious")));
 }
@@ -98,14 +98,42 @@ TEST_F(ResetOfAFullProfile, LinksThatLeadOutAreNotFollowed) {
 TEST_F(ResetOfAFullProfile, KeysOfTheEncryptedFilesAreNotTouched) {
     const auto before = contentOf(profile.root() / "data" / "keys");
     ASSERT_THAT(before, Not(IsEmpty()));
-    run({"reset-data", "--yes"});
+    run({"reset-data", "--yes", "--force"});
     EXPECT_EQ(contentOf(profile.root() / "data" / "keys"), before);
 }
 
+TEST_F(ResetOfAFullProfile, ListsForeignFilesAndLeavesEverythingAlone) {
+    const auto before = contentOf(config());
+    const auto outcome = profile.run({"reset-data", "--yes"});
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_THAT(outcome.error, HasSubstr("contains files that are not the client's; --force removes them, too: "
+                                         ".hidden, Cache/deep/other.xml, file-link, folder-link, "
+                                         "installationId.txt.bak, other.log\n"));
+    EXPECT_EQ(contentOf(config()), before);
+    EXPECT_EQ(run({"get", "Theme"}).out, "dark\n");
+}
+
 TEST_F(ResetOfAFullProfile, TellsNoSecret) {
-    const auto outcome = run({"-v", "reset-data", "--yes"});
+    const auto outcome = run({"-v", "reset-data", "--yes", "--force"});
     EXPECT_THAT(outcome.error, HasSubstr("ConfigAdapter reset."));
     EXPECT_THAT(outcome.out + outcome.error, Not(HasSubstr("planted-secret")));
+}
+
+TEST(ResetData, FilesMovedAsideAndTemporaryOnesAreTheClientsOwn) {
+    const Profile profile;
+    ASSERT_EQ(profile.run({"set", "Theme", "dark"}).exitCode, 0);
+    for (const auto* name : {"lumoraLocalConfig.dat.unreadable", "lumoraLocalConfig.dat.unreadable.2",
+                             ".lumoraLocalConfig.dat.0123456789abcdef.tmp"}) {
+        profile.write("config/" + std::string(name), "damaged");
+    }
+    const auto outcome = profile.run({"reset-data", "--yes"});
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
+    EXPECT_THAT(contentOf(profile.root() / "config"), IsEmpty());
+}
+
+TEST(ResetData, ForceIsNoConfirmation) {
+    const Profile profile;
+    EXPECT_EQ(profile.run({"reset-data", "--force"}).exitCode, 2);
 }
 
 } // namespace program_test

@@ -25,6 +25,18 @@ TEST(ShellWords, TakeTheCharacterBehindABackslash) {
     EXPECT_THAT(splitWords("a\\"), ElementsAre("a\\"));
 }
 
+/// A split that copies the word for each character would take hours.
+TEST(ShellWords, OfALongLineTakeTheTimeOfItsLength) {
+    const std::string longWord(5'000'000, 'x');
+    EXPECT_THAT(splitWords("set Key " + longWord), ElementsAre("set", "Key", longWord));
+    EXPECT_THAT(splitWords("set Key \"" + longWord + '"'), ElementsAre("set", "Key", longWord));
+    std::string escaped;
+    for (std::size_t i = 0; i < longWord.size() / 2; ++i) {
+        escaped += "\\y";
+    }
+    EXPECT_THAT(splitWords(escaped), ElementsAre(std::string(longWord.size() / 2, 'y')));
+}
+
 TEST(ShellWords, RefuseAnOpenQuote) {
     EXPECT_THROW(splitWords("set 'Key"), Failure);
 }

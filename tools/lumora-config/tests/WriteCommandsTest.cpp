@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <utility>
+
 namespace program_test {
 
 using testing::AllOf;
@@ -50,6 +52,41 @@ TEST(Set, DoesNotRepeatASecret) {
     const Profile profile;
     const auto outcome = profile.run({"set", "connectionpassword", "planted-secret"});
     EXPECT_THAT(outcome.out + outcome.error, AllOf(HasSubstr("VALUE_HIDDEN"), Not(HasSubstr("planted-secret"))));
+}
+
+TEST(Set, AnEmptyKeyIsRefused) {
+    const Profile profile;
+    for (const auto& arguments : {Arguments{"set", "", "x"}, Arguments{"set", "", "x", "--force"}}) {
+        const auto outcome = profile.run(arguments);
+        EXPECT_EQ(outcome.exitCode, 1);
+        EXPECT_EQ(outcome.error, "lumora-config: the key is empty\n");
+    }
+    EXPECT_FALSE(std::filesystem::exists(profile.root() / "config" / "lumoraLocalConfig.dat"));
+}
+
+TEST(Set, AKeyThatIsNoXmlNameIsRefusedUnlessForced) {
+    const Profile profile;
+    for (const auto* key : {"a key", "1key", "<key>", "key\xff"}) {
+        const auto outcome = profile.run({"set", key, "x"});
+        EXPECT_EQ(outcome.exitCode, 1) << key;
+        EXPECT_THAT(outcome.error, HasSubstr("is not an XML name: a document or report with it would be ill-formed; "
+                                             "--force sets it all the same"));
+    }
+    EXPECT_EQ(profile.run({"set", "1key", "x", "--force"}).exitCode, 0);
+    EXPECT_EQ(profile.run({"get", "1key"}).out, "x\n");
+}
+
+TEST(Set, AValueThatXmlCannotRepresentIsRefusedUnlessForced) {
+    const Profile profile;
+    for (const auto& [value, reason] :
+         {std::pair{"planted\x01secret", "contains U+0001, which XML cannot represent"},
+          std::pair{"planted\xEF\xBF\xBEsecret", "contains U+FFFE"}, std::pair{"planted\xffsecret", "is not UTF-8"}}) {
+        const auto outcome = profile.run({"set", "Theme", value});
+        EXPECT_EQ(outcome.exitCode, 1);
+        EXPECT_THAT(outcome.error, AllOf(HasSubstr(reason), HasSubstr("U+FFFD; --force"), Not(HasSubstr("planted"))));
+    }
+    EXPECT_EQ(profile.run({"get", "Theme"}).out, "system\n");
+    EXPECT_EQ(profile.shell({"set Theme 'a\x01z' --force", "get Theme"}).out, "a\x01z\n");
 }
 
 TEST(Reset, BringsTheAdministratorsValueBack) {

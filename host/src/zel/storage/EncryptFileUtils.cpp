@@ -1,11 +1,16 @@
 #include "EncryptFileUtilsLogger.h"
 #include "FileKeyProvider.h"
+#include "MovedFiles.h"
 #include "PathParts.h"
+#include "PendingWrites.h"
+#include "ProtectedFileTree.h"
 #include "ProtectedFiles.h"
+#include "Quarantine.h"
 
 #include <kyr/FileUtils.h>
 #include <zel/EncryptFileUtils.h>
 
+#include <chrono>
 #include <exception>
 #include <mutex>
 #include <utility>
@@ -28,6 +33,11 @@ Overrides& overrides() {
     return current;
 }
 
+MovedFiles& movedFiles() {
+    static MovedFiles files;
+    return files;
+}
+
 /// The layer and the keys for one call, kept alive over it.
 class Environment {
 public:
@@ -46,7 +56,7 @@ public:
         }
     }
 
-    ProtectedFiles files() { return {*layer, *provider}; }
+    ProtectedFiles files() { return {*layer, *provider, movedFiles()}; }
 
 private:
     std::shared_ptr<FileLayer> layer;
@@ -75,6 +85,29 @@ Result guarded(const std::string& path, Result failed, Work work) noexcept {
     }
 }
 
+/// An attempt of PendingWrites.
+std::string writeToDisk(const std::string& path, const ProtectedText& content,
+                        FileCategoryType::FileCategory category) {
+    return guarded(path, std::string("unexpected failure"), [&] {
+        std::string cause = "the content can't be deciphered";
+        content.withClearText(
+            [&](std::string_view clear) { cause = Environment().files().write(path, clear, category); });
+        return cause;
+    });
+}
+
+ReadResult readKept(const PendingWrites::Kept& kept, ProtectedText& content, FileCategoryType::FileCategory category) {
+    if (kept.category != category) {
+        return ReadResult::WrongKey;
+    }
+    bool shown = false;
+    kept.content->withClearText([&](std::string_view clear) {
+        content.setContent(clear.data(), clear.size());
+        shown = true;
+    });
+    return shown && !content.isEmpty() ? ReadResult::Ok : ReadResult::Unreadable;
+}
+
 } // namespace
 
 bool EncryptFileUtils::readDataFromFile(const std::string& path, ProtectedText& content,
@@ -84,26 +117,76 @@ bool EncryptFileUtils::readDataFromFile(const std::string& path, ProtectedText& 
 
 ReadResult EncryptFileUtils::readData(const std::string& path, ProtectedText& content,
                                       FileCategoryType::FileCategory category) {
+    return guarded(path, ReadResult::Unreadable, [&] {
+        if (const auto kept = PendingWrites::ofProcess().find(ProtectedFiles::physicalPath(path))) {
+            return readKept(*kept, content, category);
+        }
+        return Environment().files().read(path, content, category);
+    });
+}
+
+ReadResult EncryptFileUtils::readFromDisk(const std::string& path, ProtectedText& content,
+                                          FileCategoryType::FileCategory category) {
     return guarded(path, ReadResult::Unreadable, [&] { return Environment().files().read(path, content, category); });
 }
 
 bool EncryptFileUtils::writeDataToFile(const std::string& path, const ProtectedText& content,
                                        FileCategoryType::FileCategory category) {
     return guarded(path, false, [&] {
-        bool written = false;
-        if (!content.isEmpty()) {
-            content.withClearText([&](std::string_view clear) {
-                Environment environment;
-                written = environment.files().write(path, clear, category);
-            });
+        return !content.isEmpty() &&
+               PendingWrites::ofProcess().write(ProtectedFiles::physicalPath(path), content, category, writeToDisk);
+    });
+}
+
+bool EncryptFileUtils::retryPendingWrites() {
+    return guarded("pending writes", false, [] { return PendingWrites::ofProcess().retry(writeToDisk); });
+}
+
+StorageHealth EncryptFileUtils::health(const std::string& configDirectory) {
+    return guarded(configDirectory, StorageHealth(), [&] {
+        Environment environment;
+        ProtectedFiles files = environment.files();
+        return StorageHealth{ProtectedFileTree(files, configDirectory).examine(PendingWrites::ofProcess()),
+                             movedFiles().list(configDirectory)};
+    });
+}
+
+std::vector<KeptFile> EncryptFileUtils::listMovedAside(const std::string& directory) {
+    return guarded(directory, std::vector<KeptFile>(), [&] {
+        Environment environment;
+        ProtectedFiles files = environment.files();
+        return ProtectedFileTree(files, directory).listMovedAside();
+    });
+}
+
+std::vector<MovedFile> EncryptFileUtils::moveAsideUnusable(const std::string& configDirectory) {
+    return guarded(configDirectory, std::vector<MovedFile>(), [&] {
+        Environment environment;
+        ProtectedFiles files = environment.files();
+        ProtectedFileTree(files, configDirectory).moveAsideUnusable();
+        return movedFiles().list(configDirectory);
+    });
+}
+
+WriteOutcome EncryptFileUtils::restoreMovedAside(const std::string& keptAs) {
+    const auto now = std::chrono::system_clock::now();
+    return guarded(keptAs, WriteOutcome{false, "unexpected failure", now}, [&] {
+        const auto dropped = PendingWrites::ofProcess().take(Quarantine::parse(keptAs).original);
+        const std::string cause = Environment().files().restore(keptAs);
+        if (!cause.empty()) {
+            PendingWrites::ofProcess().putBack(dropped);
         }
-        return written;
+        return WriteOutcome{cause.empty(), cause, now};
     });
 }
 
 void EncryptFileUtils::overrideFileLayer(std::shared_ptr<FileLayer> layer) {
-    const std::lock_guard lock(overrides().mutex);
-    overrides().layer.swap(layer);
+    {
+        const std::lock_guard lock(overrides().mutex);
+        overrides().layer.swap(layer);
+    }
+    PendingWrites::ofProcess().clear();
+    movedFiles().clear();
 }
 
 void EncryptFileUtils::overrideKeyProvider(std::shared_ptr<KeyProvider> provider) {

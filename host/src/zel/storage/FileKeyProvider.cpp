@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <utility>
 
 namespace zel::storage {
@@ -30,6 +31,9 @@ constexpr std::size_t categoryAt = 5;
 constexpr std::size_t idAt = 8;
 constexpr std::size_t keyAt = 16;
 constexpr std::size_t fileLength = keyAt + MasterKey::length;
+
+/// Others hold the lock for as long as it takes to make one key.
+constexpr std::chrono::seconds longestWait{2};
 
 /// All but the key itself.
 bool fillHeader(FileCategoryType::FileCategory category, const MasterKey& key, unsigned char* file) {
@@ -97,8 +101,8 @@ KeyResult FileKeyProvider::findOrMake(FileCategoryType::FileCategory category, M
     }
     // Without the lock one process could set aside, as malformed, the good key that another has just put there.
     FileLayer::Handle opened = -1;
-    if (layer.lockDirectory(folder, opened) != 0) {
-        return KeyResult::Unavailable;
+    if (const int error = layer.lockDirectory(folder, longestWait, opened); error != 0) {
+        return reportLockFailure(error);
     }
     const FileHandle lock(layer, opened);
     const KeyResult underLock = find(category, key);
@@ -117,6 +121,16 @@ KeyResult FileKeyProvider::findOrMake(FileCategoryType::FileCategory category, M
         return KeyResult::Unavailable;
     }
     return find(category, key) == KeyResult::Found ? KeyResult::Found : KeyResult::Unavailable;
+}
+
+KeyResult FileKeyProvider::reportLockFailure(int error) const {
+    if (error != ETIMEDOUT) {
+        return KeyResult::Unavailable;
+    }
+    ZelLog(logger, ZelLogLevel::Error, ZEL_HERE,
+           "The keys in " + ZelLogger_replacePIIData(folder) + " are locked by another process, gave up after " +
+               std::to_string(longestWait.count()) + " seconds");
+    return KeyResult::Locked;
 }
 
 bool FileKeyProvider::prepareFolder() {

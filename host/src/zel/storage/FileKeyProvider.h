@@ -16,11 +16,12 @@ public:
     FileKeyProvider(FileLayer& files, std::string applicationData);
 
     KeyResult find(FileCategoryType::FileCategory category, MasterKey& key) override;
-    /// A malformed key file is kept as "catN.key.bad".
+    /// A malformed key file is kept as "catN.key.bad". Waits two seconds for another process that makes keys.
     KeyResult findOrMake(FileCategoryType::FileCategory category, MasterKey& key) override;
 
 private:
     std::string pathOf(FileCategoryType::FileCategory category) const;
+    KeyResult reportLockFailure(int error) const;
     bool prepareFolder();
     bool make(FileCategoryType::FileCategory category);
 

@@ -1,8 +1,20 @@
 #include "PathParts.h"
 
 #include <filesystem>
+#include <system_error>
 
 namespace zel::storage {
+
+namespace {
+
+std::filesystem::path spellDirectory(const std::string& directory) {
+    std::error_code failure;
+    auto spelled = std::filesystem::weakly_canonical(
+        std::filesystem::absolute(directory.empty() ? "." : directory, failure), failure);
+    return failure ? std::filesystem::path(directory) : spelled;
+}
+
+} // namespace
 
 PathParts splitPath(const std::string& path) {
     // Both separators where the platform knows two.
@@ -13,6 +25,16 @@ PathParts splitPath(const std::string& path) {
         parts.directory.pop_back();
     }
     return parts;
+}
+
+std::string spellPath(const std::string& path) {
+    const PathParts parts = splitPath(path);
+    return (spellDirectory(parts.directory) / parts.name).string();
+}
+
+std::string directoryPrefix(const std::string& directory) {
+    // The separator at its end keeps out directories whose names only begin alike.
+    return directory.empty() ? directory : (spellDirectory(directory) / "").string();
 }
 
 } // namespace zel::storage

@@ -13,4 +13,9 @@ struct PathParts {
 
 PathParts splitPath(const std::string& path);
 
+/// Returns one spelling for all paths to a file, whether it exists or not. A link in the last place is not followed.
+std::string spellPath(const std::string& path);
+/// Returns what the spelled paths of all files at and below `directory` begin with; "" for "".
+std::string directoryPrefix(const std::string& directory);
+
 } // namespace zel::storage

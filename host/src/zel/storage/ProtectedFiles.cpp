@@ -7,6 +7,7 @@
 #include "Quarantine.h"
 
 #include <optional>
+#include <system_error>
 
 namespace zel::storage {
 
@@ -25,6 +26,10 @@ ReadOutcome outcomeOf(KeyResult result) {
     default:
         return {ReadResult::Unreadable, "its key can't be had"};
     }
+}
+
+std::string describe(int error) {
+    return std::error_code(error, std::generic_category()).message();
 }
 
 /// The name alone: folders may tell who the user is.
@@ -63,32 +68,61 @@ ReadResult ProtectedFiles::read(const std::string& path, ProtectedText& content,
     return outcome.result;
 }
 
-bool ProtectedFiles::write(const std::string& path, std::string_view clear, FileCategoryType::FileCategory category) {
-    constexpr std::string_view function = "zel::storage::ProtectedFiles::write";
-    const std::string physical = physicalPath(path);
+std::string ProtectedFiles::write(const std::string& path, std::string_view clear,
+                                  FileCategoryType::FileCategory category) {
     std::optional<std::string> file;
     {
         MasterKey key;
-        if (clear.empty() || keys.findOrMake(category, key) != KeyResult::Found) {
-            logDebug(function, __LINE__, "Protected file not written, ", physical,
-                     clear.empty() ? "no content" : "no key");
-            return false;
+        if (const KeyResult found = keys.findOrMake(category, key); found != KeyResult::Found) {
+            return found == KeyResult::Locked ? "another process locks the keys" : "the key can't be read or made";
         }
         file = ProtectedFileFormat::seal(clear, category, key);
     }
     if (!file) {
-        logDebug(function, __LINE__, "Protected file not written, ", physical, "too long, or no cipher");
-        return false;
+        return "the content is too long, or the cipher failed";
     }
-    if (!keepIfUnreadable(physical, category)) {
-        logDebug(function, __LINE__, "Protected file not written, ", physical, "the unreadable one can't be kept");
-        return false;
+    if (const int error = keepIfUnreadable(path, category); error != 0) {
+        return "the unreadable file in its place can't be kept: " + describe(error);
     }
-    if (const int error = DurableFile::replace(layer, physical, *file); error != 0) {
-        logDebug(function, __LINE__, "Protected file not written, ", physical, "error " + std::to_string(error));
-        return false;
+    const int error = DurableFile::replace(layer, path, *file);
+    return error == 0 ? std::string() : describe(error);
+}
+
+ReadOutcome ProtectedFiles::examine(const std::string& path, FileCategoryType::FileCategory category) {
+    return readOne(path, category, [](std::string_view) {});
+}
+
+void ProtectedFiles::moveAsideIfUnusable(const std::string& path, FileCategoryType::FileCategory category) {
+    const ReadOutcome outcome = examine(path, category);
+    const bool isOfAnotherKey = outcome.result == ReadResult::WrongKey && hasKey(category);
+    if (!isOfAnotherKey && outcome.result != ReadResult::Damaged && outcome.result != ReadResult::Empty) {
+        return;
     }
-    return true;
+    const std::string shown = ZelLogger_replacePIIData(path) + ", which can't be read (" + std::string(outcome.reason);
+    std::string keptAs;
+    if (const int error = Quarantine(layer).moveAside(path, keptAs); error != 0) {
+        ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, "Failed to move aside " + shown + "): " + describe(error));
+        return;
+    }
+    ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE, "Moved aside " + shown + "), as " + splitPath(keptAs).name);
+    movedFiles.add({path, keptAs, outcome.result});
+}
+
+std::string ProtectedFiles::restore(const std::string& keptAs) {
+    const std::string original = Quarantine::parse(keptAs).original;
+    if (original.empty()) {
+        return "it is not the name of a file that was moved aside";
+    }
+    if (const ReadOutcome outcome = examine(keptAs, categoryOf(original)); outcome.result != ReadResult::Ok) {
+        return "it can't be read: " + std::string(outcome.reason);
+    }
+    const int error = Quarantine(layer).putBack(keptAs, original);
+    return error == 0 ? std::string() : describe(error);
+}
+
+FileCategoryType::FileCategory ProtectedFiles::categoryOf(const std::string& path) {
+    return splitPath(path).name.find("UrlProvisioningConfigStore") == std::string::npos ? FileCategoryType::UserData
+                                                                                        : FileCategoryType::DeviceData;
 }
 
 ReadOutcome ProtectedFiles::readOne(const std::string& path, FileCategoryType::FileCategory category,
@@ -108,19 +142,27 @@ ReadOutcome ProtectedFiles::readOne(const std::string& path, FileCategoryType::F
     return ProtectedFileFormat::open(file, category, key, use);
 }
 
-bool ProtectedFiles::keepIfUnreadable(const std::string& path, FileCategoryType::FileCategory category) {
-    const ReadOutcome outcome = readOne(path, category, [](std::string_view) {});
+/// Returns 0 or an errno value.
+int ProtectedFiles::keepIfUnreadable(const std::string& path, FileCategoryType::FileCategory category) {
+    const ReadOutcome outcome = examine(path, category);
     if (outcome.result == ReadResult::Ok || outcome.result == ReadResult::Absent) {
-        return true;
+        return 0;
     }
-    if (keepUnreadable(layer, path) != 0) {
-        return false;
+    std::string keptAs;
+    const int error = Quarantine(layer).keep(path, keptAs);
+    if (error != 0 || keptAs.empty()) {
+        return error;
     }
-    const std::string name = splitPath(path).name;
     ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE,
-           "Replacing " + name + ", which can't be read (" + std::string(outcome.reason) + "), kept as " + name +
-               ".unreadable");
-    return true;
+           "Replacing " + splitPath(path).name + ", which can't be read (" + std::string(outcome.reason) +
+               "), kept as " + splitPath(keptAs).name);
+    movedFiles.add({path, keptAs, outcome.result});
+    return 0;
+}
+
+bool ProtectedFiles::hasKey(FileCategoryType::FileCategory category) {
+    MasterKey key;
+    return keys.find(category, key) == KeyResult::Found;
 }
 
 } // namespace zel::storage

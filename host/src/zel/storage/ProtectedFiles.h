@@ -1,35 +1,53 @@
 #pragma once
 
 #include "FileReader.h"
+#include "MovedFiles.h"
 
 #include <zel/EncryptFileUtils.h>
 #include <zel/FileLayer.h>
 #include <zel/KeyProvider.h>
 
+#include <functional>
 #include <string>
 #include <string_view>
 
 namespace zel::storage {
 
-/// What EncryptFileUtils does, on a given layer with given keys. Both outlive it. Exceptions of the key provider, of
-/// the content and of allocation pass.
+/// What EncryptFileUtils does on the disk, on a given layer with given keys. Layer, keys and list outlive it.
+/// Exceptions of the key provider, of the content and of allocation pass.
 class ProtectedFiles {
 public:
-    ProtectedFiles(FileLayer& files, KeyProvider& provider) : layer(files), keys(provider) {}
+    ProtectedFiles(FileLayer& files, KeyProvider& provider, MovedFiles& list)
+        : layer(files), keys(provider), movedFiles(list) {}
 
     /// The named path's last component, cut at its last point, with ".dat".
     static std::string physicalPath(const std::string& path);
 
+    /// Reads the physical file of `path`, or else `path` itself.
     ReadResult read(const std::string& path, ProtectedText& content, FileCategoryType::FileCategory category);
-    bool write(const std::string& path, std::string_view clear, FileCategoryType::FileCategory category);
+    /// Writes the physical file `path`. Returns why it failed, for a user; "" on success.
+    std::string write(const std::string& path, std::string_view clear, FileCategoryType::FileCategory category);
+
+    /// Reads exactly this file and forgets its content.
+    ReadOutcome examine(const std::string& path, FileCategoryType::FileCategory category);
+    /// Moves the file aside if it is damaged, empty or encrypted with another key than the present one.
+    void moveAsideIfUnusable(const std::string& path, FileCategoryType::FileCategory category);
+    /// Puts a file that was moved aside back in its place; a file that is there is kept. Returns why it failed, for a
+    /// user; "" on success.
+    std::string restore(const std::string& keptAs);
+
+    /// The category of a file that exists already: the copy of the provisioned settings is device data.
+    static FileCategoryType::FileCategory categoryOf(const std::string& path);
 
 private:
     ReadOutcome readOne(const std::string& path, FileCategoryType::FileCategory category,
                         const std::function<void(std::string_view)>& use);
-    bool keepIfUnreadable(const std::string& path, FileCategoryType::FileCategory category);
+    int keepIfUnreadable(const std::string& path, FileCategoryType::FileCategory category);
+    bool hasKey(FileCategoryType::FileCategory category);
 
     FileLayer& layer;
     KeyProvider& keys;
+    MovedFiles& movedFiles;
 };
 
 } // namespace zel::storage

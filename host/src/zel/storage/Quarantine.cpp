@@ -1,40 +1,141 @@
 #include "Quarantine.h"
 
-#include "DurableFile.h"
+#include "PathParts.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <charconv>
+#include <filesystem>
+#include <string_view>
+#include <system_error>
 
 namespace zel::storage {
 
 namespace {
+
+constexpr std::string_view suffix = ".unreadable";
 
 /// The file system has no links, or none for this kind of file.
 bool isWithoutLinks(int error) {
     return error == EPERM || error == ENOTSUP || error == ENOSYS || error == EMLINK;
 }
 
+std::string nameOf(const std::string& path, unsigned long number) {
+    std::string name = path + std::string(suffix);
+    return number == 1 ? name : name + "." + std::to_string(number);
+}
+
+/// 0 unless `end`, what follows the suffix, is empty or a point and a number that nameOf() makes.
+unsigned long numberOf(std::string_view end) {
+    if (end.empty()) {
+        return 1;
+    }
+    unsigned long number = 0;
+    const char* const last = end.data() + end.size();
+    const auto [stopped, error] = std::from_chars(end.data() + 1, last, number);
+    const bool isNumber = end.size() > 1 && end[0] == '.' && end[1] != '0' && error == std::errc() && stopped == last;
+    return isNumber && number > 1 && number <= Quarantine::highestNumber ? number : 0;
+}
+
+bool isSameFile(const std::string& a, const std::string& b) {
+    std::error_code ignored;
+    return std::filesystem::equivalent(a, b, ignored);
+}
+
 } // namespace
 
-int keepUnreadable(FileLayer& layer, const std::string& path) {
-    const std::string kept = path + ".unreadable";
-    const std::string temporary = DurableFile::makeTemporaryName(path);
-    if (temporary.empty()) {
-        return EIO;
+int Quarantine::keep(const std::string& path, std::string& keptAs) const {
+    const int error = giveSecondName(path, keptAs);
+    if (error == 0) {
+        removeOldest(path);
     }
-    const int linkError = layer.link(path, temporary);
-    if (linkError == ENOENT) {
-        return 0;
-    }
-    if (isWithoutLinks(linkError)) {
-        return layer.rename(path, kept);
-    }
-    if (linkError != 0) {
-        return linkError;
-    }
-    const int error = layer.rename(temporary, kept);
-    // Also after success: a rename does nothing when an interrupted write had kept this very file already.
-    layer.unlink(temporary);
     return error;
+}
+
+int Quarantine::moveAside(const std::string& path, std::string& keptAs) const {
+    const Numbered names = list(path);
+    keptAs = nameOf(path, names.empty() ? 1 : names.back().first + 1);
+    if (const int error = layer.rename(path, keptAs); error != 0) {
+        return error;
+    }
+    const int error = layer.syncDirectory(splitPath(path).directory);
+    removeOldest(path);
+    return error;
+}
+
+int Quarantine::putBack(const std::string& replacement, const std::string& path) const {
+    std::string keptAs;
+    if (const int error = giveSecondName(path, keptAs); error != 0) {
+        return error;
+    }
+    if (const int error = layer.rename(replacement, path); error != 0) {
+        return error;
+    }
+    return layer.syncDirectory(splitPath(path).directory);
+}
+
+Quarantine::KeptName Quarantine::parse(const std::string& path) {
+    const PathParts parts = splitPath(path);
+    const auto at = parts.name.rfind(suffix);
+    if (at == std::string::npos || at == 0) {
+        return {};
+    }
+    const unsigned long number = numberOf(std::string_view(parts.name).substr(at + suffix.size()));
+    return number == 0 ? KeptName{} : KeptName{parts.prefix + parts.name.substr(0, at), number};
+}
+
+int Quarantine::giveSecondName(const std::string& path, std::string& keptAs) const {
+    keptAs.clear();
+    const Numbered names = list(path);
+    for (const auto& [number, name] : names) {
+        if (isSameFile(path, name)) {
+            keptAs = name;
+            return 0;
+        }
+    }
+    for (unsigned long number = names.empty() ? 1 : names.back().first + 1; number <= highestNumber; ++number) {
+        const std::string name = nameOf(path, number);
+        const int linkError = layer.link(path, name);
+        if (linkError == EEXIST) {
+            continue;
+        }
+        if (linkError == ENOENT) {
+            return 0;
+        }
+        const int error = isWithoutLinks(linkError) ? layer.rename(path, name) : linkError;
+        if (error == 0) {
+            keptAs = name;
+        }
+        return error;
+    }
+    return EEXIST;
+}
+
+/// The kept files and the directories between them, lowest number first.
+Quarantine::Numbered Quarantine::list(const std::string& path) {
+    const PathParts parts = splitPath(path);
+    Numbered found;
+    std::error_code failed;
+    for (std::filesystem::directory_iterator entry(parts.directory.empty() ? "." : parts.directory, failed), end;
+         !failed && entry != end; entry.increment(failed)) {
+        std::string name = parts.prefix + entry->path().filename().string();
+        if (const KeptName kept = parse(name); kept.original == path) {
+            found.emplace_back(kept.number, std::move(name));
+        }
+    }
+    std::ranges::sort(found);
+    return found;
+}
+
+void Quarantine::removeOldest(const std::string& path) const {
+    Numbered files = list(path);
+    std::erase_if(files, [](const auto& entry) {
+        std::error_code ignored;
+        return std::filesystem::is_directory(std::filesystem::symlink_status(entry.second, ignored));
+    });
+    for (std::size_t i = 0; i + keptFiles < files.size(); ++i) {
+        layer.unlink(files[i].second);
+    }
 }
 
 } // namespace zel::storage

@@ -238,6 +238,19 @@ TEST_F(FileKeyProviderTest, ProcessesThatMakeTheKeyAtOnceAgree) {
     }
 }
 
+TEST_F(FileKeyProviderTest, ALockThatIsHeldTooLongIsReportedAndMakesNoKey) {
+    FaultInjectingFileLayer layer;
+    layer.failAt(Operation::LockDirectory, 1, ETIMEDOUT);
+    FileKeyProvider waiting(layer, profile.data().string());
+    const testing_host::LogRecorder log;
+    EXPECT_EQ(waiting.findOrMake(UserData, key), KeyResult::Locked);
+    EXPECT_THAT(
+        log.getTexts(ZelLogLevel::Error),
+        ElementsAre("The keys in " + folder.string() + " are locked by another process, gave up after 2 seconds"));
+    EXPECT_THAT(namesIn(folder), IsEmpty());
+    EXPECT_EQ(waiting.findOrMake(UserData, key), KeyResult::Found);
+}
+
 TEST_F(FileKeyProviderTest, WhereLocksHoldNothingTheLinkDecides) {
     // Another process makes its key between the look and the link.
     class LateLayer final : public zel::storage::FileLayer {
@@ -266,7 +279,7 @@ TEST_F(FileKeyProviderTest, WhereLocksHoldNothingTheLinkDecides) {
         int unlink(const std::string& path) override { return real.unlink(path); }
         int createDirectory(const std::string& path) override { return real.createDirectory(path); }
         int syncDirectory(const std::string& path) override { return real.syncDirectory(path); }
-        int lockDirectory(const std::string& path, Handle& handle) override {
+        int lockDirectory(const std::string& path, std::chrono::milliseconds, Handle& handle) override {
             FileKind kind{};
             std::uint64_t size = 0;
             return real.openForReading(path, handle, kind, size);

@@ -2,6 +2,7 @@
 
 #include <zel/ProtectedText.h>
 
+#include <memory>
 #include <string>
 #include <utility>
 
@@ -20,6 +21,8 @@ public:
             use(text);
         }
     }
+
+    std::shared_ptr<const ProtectedText> copy() const override { return std::make_shared<PlainText>(text); }
 
     std::string text;
 };

@@ -86,6 +86,18 @@ TEST_F(PosixFileLayerTest, TellsWhatItOpens) {
     layer.close(handle);
 }
 
+TEST_F(PosixFileLayerTest, WaitingForALockedDirectoryEndsWithTheTimeout) {
+    using std::chrono::milliseconds;
+    const std::string directory = profile.config().string();
+    zel::storage::FileLayer::Handle held = -1;
+    ASSERT_EQ(layer.lockDirectory(directory, milliseconds(0), held), 0);
+    EXPECT_EQ(layer.lockDirectory(directory, milliseconds(0), handle), ETIMEDOUT);
+    EXPECT_EQ(layer.lockDirectory(directory, milliseconds(25), handle), ETIMEDOUT);
+    layer.close(held);
+    ASSERT_EQ(layer.lockDirectory(directory, milliseconds(0), handle), 0);
+    layer.close(handle);
+}
+
 TEST_F(PosixFileLayerTest, ErrorsAreThoseOfThePlatform) {
     std::size_t count = 0;
     char byte = 0;
@@ -99,7 +111,7 @@ TEST_F(PosixFileLayerTest, ErrorsAreThoseOfThePlatform) {
     EXPECT_EQ(layer.unlink(path), ENOENT);
     EXPECT_EQ(layer.createDirectory(path + "/a/b"), ENOENT);
     EXPECT_EQ(layer.syncDirectory(path), ENOENT);
-    EXPECT_EQ(layer.lockDirectory(path, handle), ENOENT);
+    EXPECT_EQ(layer.lockDirectory(path, std::chrono::milliseconds(0), handle), ENOENT);
 }
 
 } // namespace

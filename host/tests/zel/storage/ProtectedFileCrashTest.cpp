@@ -65,7 +65,7 @@ struct ProtectedFileCrashTest : testing::TestWithParam<Before> {
     /// The old state, as far as it could be read, or the new one; nothing between.
     void expectOldOrNew(StorageProfile& storage, const std::string& fileBefore, bool reported) const {
         PlainText content;
-        const ReadResult result = EncryptFileUtils::readData(storage.configFile("a.dat"), content, UserData);
+        const ReadResult result = EncryptFileUtils::readFromDisk(storage.configFile("a.dat"), content, UserData);
         if (result == ReadResult::Ok) {
             EXPECT_THAT(content.text, AnyOf(oldContent, newContent));
         } else {

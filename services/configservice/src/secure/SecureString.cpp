@@ -129,6 +129,12 @@ void SecureString::withClearText(const std::function<void(std::string_view)>& us
     }
 }
 
+std::shared_ptr<const storage::ProtectedText> SecureString::copy() const {
+    const auto copied = std::make_shared<SecureString>();
+    withClearText([&](std::string_view clear) { copied->setContent(clear.data(), clear.size()); });
+    return copied;
+}
+
 void SecureString::decrypt(SecureBuffer& buffer) const {
     if (data->cipherTextLength == 0) {
         return;

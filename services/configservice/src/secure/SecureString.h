@@ -29,6 +29,8 @@ public:
     /// Zeros are content. A length of 0 only marks the secret as empty: decrypt() still gives what it held before.
     void setContent(const char* bytes, std::size_t length) override;
     void withClearText(const std::function<void(std::string_view)>& use) const override;
+    /// Enciphers the content anew: unlike a copy by value, the result shares nothing with this one.
+    std::shared_ptr<const storage::ProtectedText> copy() const override;
 
     /// Leaves `buffer` as it was when there is nothing to decrypt or the cipher fails.
     void decrypt(SecureBuffer& buffer) const;

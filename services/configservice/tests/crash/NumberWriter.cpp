@@ -71,9 +71,7 @@ std::uint32_t numberIn(const char* file) {
 class NumberWriter {
 public:
     NumberWriter(int end, Disk kind, std::uint32_t seed) : pipeEnd(end), random(seed), disk(kind) {
-        if (disk == Disk::Fills) {
-            zel::storage::EncryptFileUtils::overrideFileLayer(layer);
-        }
+        useDisk();
         store->setTimer(backup);
         number = numberOf(*store);
         report(Report::Kind::Loaded, number);
@@ -97,6 +95,9 @@ public:
     }
 
 private:
+    /// Also forgets content that waits to be written: only what is on the disk survives a crash.
+    void useDisk() const { zel::storage::EncryptFileUtils::overrideFileLayer(disk == Disk::Fills ? layer : nullptr); }
+
     /// Whether the next file will fit.
     bool chooseSpace() {
         if (disk == Disk::Healthy) {
@@ -111,6 +112,7 @@ private:
     }
 
     void reportFile(Report::Kind kind, const char* file, bool mustHold) {
+        useDisk();
         const std::uint32_t held = numberIn(file);
         report(mustHold && held != number ? Report::Kind::Lost : kind, held);
     }

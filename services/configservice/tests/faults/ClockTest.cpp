@@ -19,7 +19,7 @@ TEST_P(WallClock, NeitherChoosesAFileNorKeepsOneFromBeingWritten) {
     const Days jump(GetParam());
     testing_host::JumpingClock clock;
     FaultySession session;
-    FaultySession::useRealDisk();
+    session.useRealDisk();
     session.leaveFiles();
     session.loadAndStart();
     // The backup stays at "old", and is the newer one of the two by its time when the clock goes back.

@@ -79,7 +79,8 @@ protected:
         expectOldOrNew(content);
         if (content.find("new") == std::string::npos) {
             const auto name = path.filename().string();
-            EXPECT_TRUE(session.isLogged("Protected file not written, " + name + ": ") ||
+            // "Failed to write protected file PATH: CAUSE"
+            EXPECT_TRUE(session.isLogged("/" + name + ": ") ||
                         session.isLogged("Failed to read lumoraLocalConfig/backup file, so don't write to " + name +
                                          " to keep file good."))
                 << name;

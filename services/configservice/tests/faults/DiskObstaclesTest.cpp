@@ -86,7 +86,7 @@ TEST_P(FileObstacles, AreMovedOutOfTheWayByTheNextWrite) {
          {mainFile, backupFile, "Cache/cachedDownloaded.dat", "Cache/cachedUrlProvisioningConfigStore.dat"}) {
         SCOPED_TRACE(name);
         FaultySession session;
-        FaultySession::useRealDisk();
+        session.useRealDisk();
         session.leaveFiles();
         fs::remove(session.file(name));
         put(GetParam(), session.file(name));
@@ -185,8 +185,8 @@ TEST_F(DiskObstacles, ReadOnlyDiskServesItsFilesAndEveryChangeForThisRun) {
     EXPECT_EQ(session.valueOf(L"d"), L"old");
     EXPECT_EQ(session.valueOf(L"ServicesDomain"), L"old");
     changeAll(session, L"new");
-    EXPECT_TRUE(
-        session.isLogged(std::string("Protected file not written, ") + mainFile + ": error " + std::to_string(EROFS)));
+    EXPECT_TRUE(session.isLogged("Failed to write protected file " + session.file(mainFile).string() +
+                                 ": Read-only file system"));
     session.unload();
     session.layer->heal();
     expectAtTheNextStart(session, L"old");
@@ -197,7 +197,7 @@ TEST_F(DiskObstacles, ReadOnlyDiskServesItsFilesAndEveryChangeForThisRun) {
 TEST_F(DiskObstacles, TwoProcessesOnOneProfileNeverTearAFile) {
     session.leaveFiles();
     session.loadAndStart();
-    FaultySession::useRealDisk();
+    session.useRealDisk();
     const auto other = fork();
     ASSERT_NE(other, -1);
     if (other == 0) {

@@ -30,6 +30,16 @@ void FaultySession::leaveFiles() {
     unload();
 }
 
+void FaultySession::useRealDisk() {
+    disk = nullptr;
+    EncryptFileUtils::overrideFileLayer(disk);
+}
+
+void FaultySession::unload() {
+    ConfigAdapterFixture::unload();
+    EncryptFileUtils::overrideFileLayer(disk);
+}
+
 void FaultySession::restart() {
     unload();
     loadAndStart();
@@ -60,7 +70,7 @@ std::string FaultySession::clearTextOf(const std::filesystem::path& path,
                                        zel::storage::FileCategoryType::FileCategory category) {
     zel::SecureString content;
     std::string text;
-    if (EncryptFileUtils::readDataFromFile(path.string(), content, category)) {
+    if (EncryptFileUtils::readFromDisk(path.string(), content, category) == zel::storage::ReadResult::Ok) {
         content.withClearText([&](std::string_view clear) { text = clear; });
     }
     return text;

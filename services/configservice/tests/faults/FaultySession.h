@@ -22,11 +22,13 @@ public:
     void TestBody() override {}
 
     /// For what the platform itself is to answer.
-    static void useRealDisk() { zel::storage::EncryptFileUtils::overrideFileLayer(nullptr); }
+    void useRealDisk();
 
     /// Leaves the files of an earlier run behind: the user's two, a downloaded document's copy, a provisioning link's
     /// and those that the report quotes. The values are "old".
     void leaveFiles();
+    /// Ends the run, and with it what waits to be written.
+    void unload();
     /// Ends the run and begins the next one on the same files.
     void restart();
 
@@ -41,7 +43,7 @@ public:
     void forgetLog() { debugLog.clear(); }
 
     std::filesystem::path file(const std::string& name) const { return profile.config() / name; }
-    /// What a protected file holds; "" when it can't be read.
+    /// What a protected file holds on the disk; "" when it can't be read.
     static std::string
     clearTextOf(const std::filesystem::path& path,
                 zel::storage::FileCategoryType::FileCategory category = zel::storage::FileCategoryType::UserData);
@@ -52,14 +54,15 @@ public:
     using ConfigAdapterFixture::givenPolicy;
     using ConfigAdapterFixture::inChain;
     using ConfigAdapterFixture::loadAndStart;
+    using ConfigAdapterFixture::makeCachingStore;
     using ConfigAdapterFixture::profile;
-    using ConfigAdapterFixture::unload;
     using ConfigAdapterFixture::valueOf;
 
     const std::shared_ptr<testing_host::FaultInjectingFileLayer> layer =
         std::make_shared<testing_host::FaultInjectingFileLayer>();
 
 private:
+    std::shared_ptr<zel::storage::FileLayer> disk = layer;
     testing_host::ManualClock clock;
     testing_host::LogRecorder debugLog{testing_host::LogRecorder::Debug::On};
 };

@@ -2,8 +2,6 @@
 
 #include <SmallDisk.h>
 
-#include <cerrno>
-
 namespace ZelUnified {
 
 using testing::HasSubstr;
@@ -15,14 +13,16 @@ protected:
         if (!disk.getObstacle().empty()) {
             GTEST_SKIP() << "this machine lets the test mount nothing: " << disk.getObstacle();
         }
-        FaultySession::useRealDisk();
+        session.useRealDisk();
         session.leaveFiles();
     }
     void TearDown() override { session.unload(); }
 
-    void expectNotWritten(int error) {
-        for (const std::string name : {mainFile, "cachedDownloaded.dat", "cachedUrlProvisioningConfigStore.dat"}) {
-            EXPECT_TRUE(session.isLogged("Protected file not written, " + name + ": error " + std::to_string(error)))
+    void expectNotWritten(const std::string& cause) {
+        for (const std::string name :
+             {mainFile, "Cache/cachedDownloaded.dat", "Cache/cachedUrlProvisioningConfigStore.dat"}) {
+            EXPECT_TRUE(
+                session.isLogged("Failed to write protected file " + session.file(name).string() + ": " + cause))
                 << name;
         }
         EXPECT_THAT(FaultySession::clearTextOf(session.file(mainFile)), HasSubstr("old"));
@@ -37,7 +37,7 @@ TEST_F(RealDisk, FullOneKeepsItsFilesAndTakesChangesWhenThereIsRoomAgain) {
     disk.fill();
     session.restart();
     changeAll(session, L"new");
-    expectNotWritten(ENOSPC);
+    expectNotWritten("No space left on device");
     session.unload();
     disk.empty();
     expectAtTheNextStart(session, L"old");
@@ -50,7 +50,7 @@ TEST_F(RealDisk, ReadOnlyOneServesItsFilesAndTakesChangesWhenItIsWritableAgain) 
     session.restart();
     EXPECT_EQ(session.valueOf(L"k"), L"old");
     changeAll(session, L"new");
-    expectNotWritten(EROFS);
+    expectNotWritten("Read-only file system");
     session.unload();
     ASSERT_TRUE(disk.setReadOnly(false));
     expectAtTheNextStart(session, L"old");

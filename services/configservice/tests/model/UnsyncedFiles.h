@@ -3,6 +3,7 @@
 #include <zel/EncryptFileUtils.h>
 #include <zel/FileLayer.h>
 
+#include <chrono>
 #include <memory>
 #include <string>
 
@@ -37,7 +38,9 @@ private:
         int unlink(const std::string& path) override { return real.unlink(path); }
         int createDirectory(const std::string& path) override { return real.createDirectory(path); }
         int syncDirectory(const std::string&) override { return 0; }
-        int lockDirectory(const std::string& path, Handle& handle) override { return real.lockDirectory(path, handle); }
+        int lockDirectory(const std::string& path, std::chrono::milliseconds timeout, Handle& handle) override {
+            return real.lockDirectory(path, timeout, handle);
+        }
 
     private:
         zel::storage::FileLayer& real = platform();

@@ -9,6 +9,7 @@
 #include <openssl/evp.h>
 
 #include <algorithm>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -136,6 +137,18 @@ TEST(SecureString, CopiesShareTheirContent) {
     other.setContent("changed", 7);
     EXPECT_EQ(clearTextOf(one), "changed");
     EXPECT_EQ(clearTextOf(assigned), "changed");
+}
+
+TEST(SecureString, AnIndependentCopyIsEncipheredAnewAndKeepsItsContent) {
+    SecureString secret("secret");
+    const auto copied = std::dynamic_pointer_cast<const SecureString>(secret.copy());
+    ASSERT_NE(copied, nullptr);
+    EXPECT_NE(copied->toBytes(), secret.toBytes()) << "a vector of its own";
+    secret.setContent("other", 5);
+    EXPECT_EQ(clearTextOf(*copied), "secret");
+    EXPECT_TRUE(SecureString().copy()->isEmpty());
+    const NoCipher guard;
+    EXPECT_TRUE(secret.copy()->isEmpty());
 }
 
 TEST(SecureString, MovingFromOneLeavesItUsable) {

@@ -136,13 +136,14 @@ TEST_F(LocalFileConfigStoreWritingTest, StoresTheOldVoicemailKeyUnderItsNewName)
     }
 }
 
-TEST_F(LocalFileConfigStoreWritingTest, IsSilentWhenTheFacilityFailsAndWritesWithTheNextChange) {
+TEST_F(LocalFileConfigStoreWritingTest, LeavesAFailureToTheFacilityWhichReportsItAndWritesWithTheNextChange) {
     fs::remove(profile.config());
     testing_host::writeFile(profile.config(), "a file is in the way");
     store->storeValue(L"Key", L"w");
     log.clear();
     store->persistValues();
-    EXPECT_THAT(errors(), IsEmpty());
+    EXPECT_THAT(log.getTexts("ConfigService-LocalFileConfigStore"), IsEmpty());
+    EXPECT_THAT(errors(), ElementsAre(testing::HasSubstr("Failed to write protected file " + main)));
     fs::remove(profile.config());
     store->persistValues();
     EXPECT_FALSE(fs::exists(main));

@@ -1,0 +1,41 @@
+#include <kyr/FileAccess.h>
+
+#include <pwd.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <vector>
+
+namespace KyrCoreUtils {
+
+namespace {
+
+constexpr uid_t root = 0;
+constexpr std::size_t longestRecord = 16384;
+
+FileAccess::Owner classify(uid_t owner) {
+    if (owner == ::geteuid()) {
+        return FileAccess::Owner::Self;
+    }
+    return owner == root ? FileAccess::Owner::Administrator : FileAccess::Owner::Other;
+}
+
+std::string nameOf(uid_t user) {
+    std::vector<char> buffer(longestRecord);
+    passwd record{};
+    passwd* found = nullptr;
+    const int error = ::getpwuid_r(user, &record, buffer.data(), buffer.size(), &found);
+    return error == 0 && found != nullptr ? record.pw_name : std::to_string(user);
+}
+
+} // namespace
+
+std::optional<FileAccess> FileAccess::of(const std::string& path) {
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0) {
+        return std::nullopt;
+    }
+    return FileAccess{classify(status.st_uid), nameOf(status.st_uid), (status.st_mode & S_IWOTH) != 0};
+}
+
+} // namespace KyrCoreUtils

@@ -1,0 +1,60 @@
+#include "TemporaryProfile.h"
+
+#include <kyr/FileAccess.h>
+
+#include <gtest/gtest.h>
+#include <pwd.h>
+#include <unistd.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+using KyrCoreUtils::FileAccess;
+
+} // namespace
+
+TEST(FileAccess, NamesTheOwnerOfADirectoryOfOnesOwn) {
+    const testing_host::TemporaryProfile profile;
+    const auto access = FileAccess::of(profile.root().string());
+    ASSERT_TRUE(access);
+    EXPECT_EQ(access->owner, FileAccess::Owner::Self);
+    const auto* user = getpwuid(geteuid());
+    EXPECT_EQ(access->ownerName, user == nullptr ? std::to_string(geteuid()) : user->pw_name);
+}
+
+TEST(FileAccess, TellsWhetherEverybodyMayWrite) {
+    const testing_host::TemporaryProfile profile;
+    const auto folder = profile.root() / "open";
+    fs::create_directory(folder);
+    fs::permissions(folder, fs::perms::owner_all | fs::perms::group_all);
+    EXPECT_FALSE(FileAccess::of(folder.string())->writableByEverybody);
+    fs::permissions(folder, fs::perms::all);
+    EXPECT_TRUE(FileAccess::of(folder.string())->writableByEverybody);
+    fs::create_directory_symlink(folder, profile.root() / "link");
+    EXPECT_TRUE(FileAccess::of((profile.root() / "link").string())->writableByEverybody);
+}
+
+TEST(FileAccess, RootIsTheAdministratorOfOthers) {
+    const auto access = FileAccess::of("/");
+    ASSERT_TRUE(access);
+    EXPECT_EQ(access->owner, geteuid() == 0 ? FileAccess::Owner::Self : FileAccess::Owner::Administrator);
+}
+
+TEST(FileAccess, AnotherUserIsToldFromOneself) {
+    const testing_host::TemporaryProfile profile;
+    const auto folder = profile.root() / "foreign";
+    fs::create_directory(folder);
+    constexpr uid_t namelessUser = 1234567;
+    if (chown(folder.c_str(), namelessUser, static_cast<gid_t>(-1)) != 0) {
+        GTEST_SKIP() << "only root can give a directory away";
+    }
+    const auto access = FileAccess::of(folder.string());
+    ASSERT_TRUE(access);
+    EXPECT_EQ(access->owner, FileAccess::Owner::Other);
+    EXPECT_EQ(access->ownerName, "1234567");
+}
+
+TEST(FileAccess, OfNothingIsNone) {
+    const testing_host::TemporaryProfile profile;
+    EXPECT_FALSE(FileAccess::of((profile.root() / "absent").string()));
+}

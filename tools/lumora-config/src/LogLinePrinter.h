@@ -1,0 +1,24 @@
+#pragma once
+
+#include "Output.h"
+
+#include <zel/LogSink.h>
+
+#include <memory>
+
+namespace lumora_config {
+
+/// Writes each log line to an output while it lives. Main thread; lines may come from any.
+class LogLinePrinter {
+public:
+    /// The output must outlive the printer and every thread that logs.
+    explicit LogLinePrinter(Output& target);
+    ~LogLinePrinter();
+    LogLinePrinter(const LogLinePrinter&) = delete;
+    LogLinePrinter& operator=(const LogLinePrinter&) = delete;
+
+private:
+    const std::shared_ptr<zel::logging::LogSink> sink;
+};
+
+} // namespace lumora_config

@@ -1,0 +1,86 @@
+#include "XmlNames.h"
+
+#include <algorithm>
+#include <array>
+#include <span>
+
+namespace lumora_config {
+
+namespace {
+
+struct Range {
+    char32_t first;
+    char32_t last;
+};
+
+constexpr std::array<Range, 16> nameStartRanges{{{':', ':'},
+                                                 {'A', 'Z'},
+                                                 {'_', '_'},
+                                                 {'a', 'z'},
+                                                 {0xC0, 0xD6},
+                                                 {0xD8, 0xF6},
+                                                 {0xF8, 0x2FF},
+                                                 {0x370, 0x37D},
+                                                 {0x37F, 0x1FFF},
+                                                 {0x200C, 0x200D},
+                                                 {0x2070, 0x218F},
+                                                 {0x2C00, 0x2FEF},
+                                                 {0x3001, 0xD7FF},
+                                                 {0xF900, 0xFDCF},
+                                                 {0xFDF0, 0xFFFD},
+                                                 {0x10000, 0xEFFFF}}};
+/// What a name may contain behind its first character, besides those above.
+constexpr std::array<Range, 5> furtherNameRanges{
+    {{'-', '.'}, {'0', '9'}, {0xB7, 0xB7}, {0x300, 0x36F}, {0x203F, 0x2040}}};
+constexpr std::array<Range, 5> representableRanges{
+    {{'\t', '\n'}, {'\r', '\r'}, {0x20, 0xD7FF}, {0xE000, 0xFFFD}, {0x10000, 0x10FFFF}}};
+
+bool isIn(std::span<const Range> ranges, char32_t c) {
+    return std::ranges::any_of(ranges, [c](const Range& range) { return c >= range.first && c <= range.last; });
+}
+
+bool isSurrogate(char32_t unit, char32_t first) {
+    return unit >= first && unit < first + 0x400;
+}
+
+/// Removes the first code point of a text that is not empty and returns it. A lone surrogate is returned as it is.
+char32_t takeCodePoint(std::wstring_view& text) {
+    constexpr char32_t firstHigh = 0xD800;
+    constexpr char32_t firstLow = 0xDC00;
+    const auto unit = static_cast<char32_t>(text.front());
+    text.remove_prefix(1);
+    if (sizeof(wchar_t) == sizeof(char32_t) || !isSurrogate(unit, firstHigh) || text.empty() ||
+        !isSurrogate(static_cast<char32_t>(text.front()), firstLow)) {
+        return unit;
+    }
+    const auto low = static_cast<char32_t>(text.front()) - firstLow;
+    text.remove_prefix(1);
+    return 0x10000 + ((unit - firstHigh) << 10U) + low;
+}
+
+} // namespace
+
+bool isXmlName(std::wstring_view text) {
+    if (text.empty() || !isIn(nameStartRanges, takeCodePoint(text))) {
+        return false;
+    }
+    while (!text.empty()) {
+        const auto c = takeCodePoint(text);
+        if (!isIn(nameStartRanges, c) && !isIn(furtherNameRanges, c)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+std::optional<char32_t> findUnrepresentable(std::wstring_view text) {
+    while (!text.empty()) {
+        const auto c = takeCodePoint(text);
+        if (!isIn(representableRanges, c)) {
+            return c;
+        }
+    }
+    return std::nullopt;
+}
+
+} // namespace lumora_config
