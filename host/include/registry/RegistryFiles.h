@@ -22,6 +22,9 @@ using DefaultMailClient = std::function<std::wstring(HKEY root)>;
 /// The folder "registry" of the application data; "" when that folder is not known.
 LUMORA_HOST_API std::string getUserRegistryFolder();
 
+/// The administrator's folder; "" on a platform with a registry of its own.
+LUMORA_HOST_API std::string getAdministratorRegistryFolder();
+
 /// A registry over these folders. Files are taken in the order of their names, a later one wins. They are looked at
 /// when a key is opened or deleted while no other is open, so that a walk through the tree sees one state of it.
 ///

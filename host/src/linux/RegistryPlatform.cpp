@@ -5,8 +5,12 @@
 
 namespace zel::registry {
 
+std::string getAdministratorRegistryFolder() {
+    return "/etc/lumora/registry";
+}
+
 std::shared_ptr<Registry> makePlatformRegistry() {
-    return makeFileRegistry({"/etc/lumora/registry", {}}, findDefaultMailClient);
+    return makeFileRegistry({getAdministratorRegistryFolder(), {}}, findDefaultMailClient);
 }
 
 } // namespace zel::registry

@@ -1,5 +1,7 @@
 #include "registry/PlatformRegistry.h"
 
+#include <registry/RegistryFiles.h>
+
 #include <algorithm>
 #include <cstddef>
 #include <limits>
@@ -107,6 +109,10 @@ public:
 };
 
 } // namespace
+
+std::string getAdministratorRegistryFolder() {
+    return {};
+}
 
 std::shared_ptr<Registry> makePlatformRegistry() {
     return std::make_shared<WindowsRegistry>();

@@ -6,8 +6,8 @@ _lumora_config_global='-h --help --version --profile --config-dir --data-dir --s
   --store --bootstrap --json -v --verbose --show-secrets --trust'
 _lumora_config_with_argument=' --profile --config-dir --data-dir --state-dir --resources-dir --plugin-dir --store --bootstrap
   -o --output --html '
-_lumora_config_commands='get explain list stores report log set reset provision reset-provisioning mdm import-policy
-  remove-store reset-data shell'
+_lumora_config_commands='get explain list stores report log doctor set reset provision reset-provisioning mdm import-policy
+  remove-store restore reset-data shell'
 
 _lumora_config_options_of() {
   case $1 in
@@ -61,7 +61,7 @@ _lumora_config() {
         :*) words=$_lumora_config_commands ;;
         get:* | explain:* | list:* | set:* | reset:*) words=$(_lumora_config_keys) ;;
         remove-store:*) words=$(_lumora_config_stores) ;;
-        mdm:* | import-policy:*)
+        mdm:* | import-policy:* | restore:*)
           mapfile -t COMPREPLY < <(compgen -f -- "$current")
           return
           ;;

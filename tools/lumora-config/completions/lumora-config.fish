@@ -44,6 +44,7 @@ complete -c lumora-config -n __fish_use_subcommand -a list -d 'List keys, values
 complete -c lumora-config -n __fish_use_subcommand -a stores -d 'List the stores of the chain'
 complete -c lumora-config -n __fish_use_subcommand -a report -d 'Write the report of all stores'
 complete -c lumora-config -n __fish_use_subcommand -a log -d 'Show the settings report of the log'
+complete -c lumora-config -n __fish_use_subcommand -a doctor -d 'Examine the profile on the disk'
 complete -c lumora-config -n __fish_use_subcommand -a set -d "Set the user's value of a key"
 complete -c lumora-config -n __fish_use_subcommand -a reset -d "Take the user's value of a key back"
 complete -c lumora-config -n __fish_use_subcommand -a provision -d 'Take the settings of a provisioning URL'
@@ -51,12 +52,13 @@ complete -c lumora-config -n __fish_use_subcommand -a reset-provisioning -d 'All
 complete -c lumora-config -n __fish_use_subcommand -a mdm -d 'Push a document of the device management'
 complete -c lumora-config -n __fish_use_subcommand -a import-policy -d 'Take a policy file for this user'
 complete -c lumora-config -n __fish_use_subcommand -a remove-store -d 'Remove a store and its cached copy'
+complete -c lumora-config -n __fish_use_subcommand -a restore -d 'Put back a file that was moved aside'
 complete -c lumora-config -n __fish_use_subcommand -a reset-data -d 'Reset the client'
 complete -c lumora-config -n __fish_use_subcommand -a shell -d 'Read commands from standard input'
 
 complete -c lumora-config -n '__fish_seen_subcommand_from get explain list set reset' -a '(__lumora_config_keys)'
 complete -c lumora-config -n '__fish_seen_subcommand_from remove-store' -a '(__lumora_config_stores)'
-complete -c lumora-config -n '__fish_seen_subcommand_from mdm import-policy' -F
+complete -c lumora-config -n '__fish_seen_subcommand_from mdm import-policy restore' -F
 
 complete -c lumora-config -n '__fish_seen_subcommand_from get' -l origin -d 'With the store that it came from'
 complete -c lumora-config -n '__fish_seen_subcommand_from get' -l admin -d "The administrator's value"

@@ -45,6 +45,7 @@ void addReads(CLI::App& app, Command& command) {
         ->type_name("FILE")
         ->excludes(output);
     addCommand(app, command, "log", "Show the settings report of the log");
+    addCommand(app, command, "doctor", "Examine the files, directories, policies and the lock of the profile");
 }
 
 void addWrites(CLI::App& app, Command& command, CommandScope scope) {
@@ -67,6 +68,9 @@ void addWrites(CLI::App& app, Command& command, CommandScope scope) {
         ->required();
     addCommand(app, command, "remove-store", "Remove a store and its cached copy")
         ->add_option("NAME", command.store, "The store's name")
+        ->required();
+    addCommand(app, command, "restore", "Put back a file that was moved aside")
+        ->add_option("FILE", command.file, "Its name, as doctor lists it")
         ->required();
     auto* resetData =
         addCommand(app, command, "reset-data", "Reset the client: the user's settings and the cached stores go");

@@ -14,7 +14,7 @@ namespace {
 
 constexpr auto footer =
     "Exit codes: 0 found or done, 1 not found or refused, 2 usage, 3 environment (no plug-in, profile "
-    "in use, unreadable file).\nSensitive values are shown as VALUE_HIDDEN.";
+    "in use, unreadable file, change not on the disk).\nSensitive values are shown as VALUE_HIDDEN.";
 
 /// The options as text, before they are understood.
 struct RawOptions {

@@ -17,10 +17,13 @@ void addReadCommands(CommandTable& table);
 void addWriteCommands(CommandTable& table);
 void addReportCommands(CommandTable& table);
 void addLifecycleCommands(CommandTable& table);
+void addStorageCommands(CommandTable& table);
 
 /// Arguments come as UTF-8, the service wants wide text.
 std::wstring wide(const std::string& text);
 /// The answer of a command that has nothing to show.
 void reportDone(Session& session, const Command& command, const std::string& message);
+/// Prints what `doctor` has found. Throws Failure (NotFound) if anything needs attention.
+void showHealth(const HealthReport& report, Printer& printer);
 
 } // namespace lumora_config

@@ -14,6 +14,7 @@ CommandTable makeTable() {
     addWriteCommands(table);
     addReportCommands(table);
     addLifecycleCommands(table);
+    addStorageCommands(table);
     return table;
 }
 

@@ -48,6 +48,7 @@ void startLog(bool verbose) {
 
 std::shared_ptr<UnifiedFactoryImpl> makeFactory(const std::string& pluginDirectory) {
     ZelUnified::UnifiedFactoryOptions options;
+    options.openedForWriting = true;
     options.pluginFolder = pluginDirectory;
     options.plugins = {{ZelUnified::readableTypeName<ZelUnified::ConfigService>(), LUMORA_PLUGIN_LIBRARY},
                        {ZelUnified::readableTypeName<ZelUnified::ConfigFeatureSet>(), LUMORA_PLUGIN_LIBRARY}};
@@ -95,11 +96,25 @@ bool ConfigHost::isStarted() const {
 
 void ConfigHost::resetData() {
     factory->invokeResetData(ZelUnified::ResetDataOptionEnum::ResetAll);
+    poweredDown = false; // the stores were made anew
+}
+
+void ConfigHost::refresh() {
+    // A store that reads its file anew would overtake a queued write to it.
+    settle();
+    onServices("lumora-config: refresh", [this] { featureSet->refreshConfigFeatureSet(); });
+    poweredDown = false;
 }
 
 void ConfigHost::powerDown() {
+    settle();
     onServices("lumora-config: power-down",
                [this] { powerSwitch->announce(ZelSystemMonitor::PowerEventTypeEnum::PowerDown); });
+    poweredDown = true;
+}
+
+void ConfigHost::onBackground(const std::string& name, std::function<void()> work) const {
+    factory->getBackgroundDispatcher()->enqueue(std::move(work), name);
 }
 
 void ConfigHost::onServices(const std::string& name, const std::function<void()>& work) const {

@@ -33,8 +33,14 @@ public:
     bool isStarted() const;
     /// Resets the client as a user would: every provider's reset callback is called.
     void resetData();
-    /// Announces that the machine goes down.
+    /// Reads the stores that are not local anew, once what was queued before has been written.
+    void refresh();
+    /// Announces that the machine goes down, once what was queued before has been written.
     void powerDown();
+    /// The stores write nothing any more: the machine has announced that it goes down, and no refresh came since.
+    bool isPoweredDown() const { return poweredDown; }
+    /// Runs `work` on the background dispatcher's thread, later.
+    void onBackground(const std::string& name, std::function<void()> work) const;
 
     /// Runs `work` on the services dispatcher's thread and returns when it is done. What it throws is thrown here.
     void onServices(const std::string& name, const std::function<void()>& work) const;
@@ -45,6 +51,7 @@ public:
 
     const std::shared_ptr<ZelUnified::ConfigFeatureSet>& getFeatureSet() const { return featureSet; }
     const std::shared_ptr<ZelUnified::ConfigService>& getService() const { return service; }
+    const std::string& getConfigDirectory() const { return configDirectory; }
     const std::string& getPluginDirectory() const { return pluginDirectory; }
 
 private:
@@ -61,6 +68,7 @@ private:
     const std::shared_ptr<ZelUnified::UnifiedFactoryImpl> factory;
     std::shared_ptr<ZelUnified::ConfigFeatureSet> featureSet;
     std::shared_ptr<ZelUnified::ConfigService> service;
+    bool poweredDown = false;
 };
 
 } // namespace lumora_config

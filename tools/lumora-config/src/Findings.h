@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <utility>
@@ -81,6 +83,22 @@ struct PolicyImport {
     std::string file; ///< As the user named it.
     std::vector<ImportedKey> taken;
     std::vector<RefusedLine> refused; ///< By line.
+};
+
+/// One thing that `doctor` has looked at.
+struct HealthItem {
+    std::string area; ///< "directory", "lock", "file", ...
+    std::string path;
+    std::string state;
+    bool needsAttention = false;
+};
+
+struct HealthReport {
+    std::vector<HealthItem> items;
+
+    std::size_t countAttention() const {
+        return static_cast<std::size_t>(std::ranges::count(items, true, &HealthItem::needsAttention));
+    }
 };
 
 /// One property of an observed record has changed.

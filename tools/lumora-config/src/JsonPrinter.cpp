@@ -99,6 +99,15 @@ void JsonPrinter::showText(const std::string& kind, const std::string& text) {
     write({{"type", kind}, {"text", text}});
 }
 
+void JsonPrinter::showHealth(const HealthReport& report) {
+    Json object{{"type", "health"}, {"attention", report.countAttention() != 0}, {"items", Json::array()}};
+    for (const auto& item : report.items) {
+        object["items"].push_back(
+            {{"area", item.area}, {"path", item.path}, {"state", item.state}, {"attention", item.needsAttention}});
+    }
+    write(object);
+}
+
 void JsonPrinter::showImport(const PolicyImport& import) {
     Json object{{"type", "import"}, {"file", import.file}, {"taken", Json::array()}, {"refused", Json::array()}};
     for (const auto& key : import.taken) {
@@ -130,6 +139,10 @@ void JsonPrinter::showNotification(const Notification& notification) {
 
 void JsonPrinter::showDone(const std::string& command, const std::string& message) {
     write({{"type", "done"}, {"command", command}, {"message", message}});
+}
+
+void JsonPrinter::showWarning(const std::string& message) {
+    diagnostics.writeMessage("lumora-config: " + message);
 }
 
 void JsonPrinter::showFailure(const std::string& command, const Failure& failure) {

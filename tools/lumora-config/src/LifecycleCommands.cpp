@@ -16,8 +16,7 @@ void stop(Session& session, const Command& command) {
 }
 
 void refresh(Session& session, const Command& command) {
-    session.getHost().onServices("lumora-config: refresh",
-                                 [&] { session.getHost().getFeatureSet()->refreshConfigFeatureSet(); });
+    session.getHost().refresh();
     reportDone(session, command, "the stores that are not local are read anew");
 }
 
@@ -66,7 +65,10 @@ void addStore(Session& session, const Command& command) {
     if (!session.getHost().isStarted()) {
         throw Failure(ExitCode::NotFound, "stores are taken only while the feature set is started");
     }
-    session.addForeignStore(spec);
+    const auto store = session.addForeignStore(spec);
+    if (spec.cached) {
+        session.getDisk().requireCopy(*store);
+    }
     reportDone(session, command, spec.name + " added with priority " + std::to_string(spec.priority));
 }
 
@@ -78,6 +80,7 @@ void sensitive(Session& session, const Command& command) {
 
 void wait(Session& session, const Command& command) {
     session.getHost().settle();
+    session.confirmWrites();
     reportDone(session, command, "nothing is under way");
 }
 

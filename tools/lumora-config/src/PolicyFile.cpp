@@ -3,6 +3,9 @@
 #include "Failure.h"
 #include "XmlSettings.h"
 
+#include <kyr/StringUtils.h>
+#include <registry/RegistryFiles.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
@@ -64,6 +67,19 @@ void PolicyFile::install() const {
                                             : std::generic_category().message(error);
         throw Failure(ExitCode::Environment, path + ": cannot be put into the user's registry files: " + reason);
     }
+}
+
+std::string PolicyFile::getInstalledPath() const {
+    const std::filesystem::path folder(getUserRegistryFolder());
+    auto name = std::filesystem::path(path).filename().string();
+    if (!KyrCoreUtils::caseInsensitiveStringEquals(std::filesystem::path(name).extension().string(), ".reg")) {
+        name += ".reg";
+    }
+    return (folder / name).string();
+}
+
+std::string PolicyFile::getInstalledText() const {
+    return formatRegistryText(text.sections);
 }
 
 void PolicyFile::dropLongValues() {

@@ -18,6 +18,9 @@ public:
     /// Writes what was taken into the current user's layer, over an earlier file of that name. Throws Failure
     /// (Environment).
     void install() const;
+    /// Where install() writes, and what.
+    std::string getInstalledPath() const;
+    std::string getInstalledText() const;
 
 private:
     /// Refuses what would stop the client's reading.

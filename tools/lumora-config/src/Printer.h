@@ -22,10 +22,13 @@ public:
     virtual void showStores(const std::vector<StoreFacts>& stores) = 0;
     /// A text of the service, "report" or "log".
     virtual void showText(const std::string& kind, const std::string& text) = 0;
+    virtual void showHealth(const HealthReport& report) = 0;
     virtual void showImport(const PolicyImport& import) = 0;
     virtual void showNotification(const Notification& notification) = 0;
     /// A command that has no answer has done its work.
     virtual void showDone(const std::string& command, const std::string& message) = 0;
+    /// One line about the profile, whatever the command.
+    virtual void showWarning(const std::string& message) = 0;
     virtual void showFailure(const std::string& command, const Failure& failure) = 0;
 
     /// False once an answer could not be written. Nothing more is written then.

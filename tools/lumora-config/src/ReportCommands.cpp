@@ -106,6 +106,8 @@ void resetData(Session& session, const Command& command) {
         requireNoForeignFiles();
     }
     session.getHost().resetData();
+    session.forgetAllExpected();
+    session.getDisk().requireReset();
     reportDone(session, command, "the client's configuration is reset");
 }
 

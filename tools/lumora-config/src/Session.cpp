@@ -2,10 +2,12 @@
 
 #include "ForeignXmlStore.h"
 
+#include <utility>
+
 namespace lumora_config {
 
 Session::Session(ConfigHost& configHost, Printer& target, bool showSecrets)
-    : host(configHost), printer(target), mask(configHost.getFeatureSet(), showSecrets) {
+    : host(configHost), printer(target), mask(configHost.getFeatureSet(), showSecrets), disk(configHost) {
     host.onServices("lumora-config: inspect",
                     [this] { chain = std::make_unique<ChainInspector>(host.getFeatureSet(), host.getService()); });
 }
@@ -24,7 +26,7 @@ void Session::addStore(const std::shared_ptr<ZelUnified::ConfigStore>& store) {
     });
 }
 
-void Session::addForeignStore(const StoreSpec& spec) {
+std::shared_ptr<ZelUnified::ConfigStore> Session::addForeignStore(const StoreSpec& spec) {
     const auto store = std::make_shared<ForeignXmlStore>(spec);
     host.onServices("lumora-config: sensitive keys", [&] {
         for (const auto& key : store->getSensitiveKeys()) {
@@ -32,6 +34,24 @@ void Session::addForeignStore(const StoreSpec& spec) {
         }
     });
     addStore(store);
+    return store;
+}
+
+void Session::expectStored(const std::wstring& key, const std::wstring& value) {
+    expectedValues.insert_or_assign(key, value);
+}
+
+void Session::forgetExpected(const std::vector<std::wstring>& keys) {
+    for (const auto& key : keys) {
+        expectedValues.erase(key);
+    }
+}
+
+void Session::confirmWrites() {
+    const auto expected = std::exchange(expectedValues, {});
+    for (const auto& [key, value] : expected) {
+        disk.requireStored(key, value);
+    }
 }
 
 } // namespace lumora_config

@@ -13,13 +13,23 @@ Shell::Shell(Session& commandSession, std::istream& commands, bool interactive)
 
 ExitCode Shell::run() {
     std::string line;
-    for (;;) {
+    do {
         if (prompting) {
             std::cerr << "lumora> " << std::flush;
         }
-        if (!std::getline(input, line) || runLine(line) == Next::Quit || !session.getPrinter().isHeard()) {
-            return result;
-        }
+    } while (!mustEnd() && std::getline(input, line) && !mustEnd() && runLine(line) == Next::Continue &&
+             session.getPrinter().isHeard());
+    confirmWrites();
+    return result;
+}
+
+/// The writes of workers that no `wait` has confirmed.
+void Shell::confirmWrites() {
+    try {
+        session.confirmWrites();
+    } catch (const Failure& failure) {
+        session.getPrinter().showFailure("shell", failure);
+        remember(failure.getCode());
     }
 }
 

@@ -3,9 +3,11 @@
 #include "Failure.h"
 #include "Session.h"
 
+#include <functional>
 #include <istream>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace lumora_config {
@@ -18,6 +20,9 @@ public:
     /// With `interactive` a prompt is printed on standard error.
     Shell(Session& commandSession, std::istream& commands, bool interactive);
 
+    /// Before each line the shell asks `question` and ends, as at the end of its input, if the answer is true.
+    void endWhen(std::function<bool()> question) { mustEnd = std::move(question); }
+
     /// The first failure's code, Done when there was none.
     ExitCode run();
 
@@ -25,11 +30,13 @@ private:
     enum class Next { Continue, Quit };
 
     Next runLine(const std::string& line);
+    void confirmWrites();
     void remember(ExitCode code);
 
     Session& session;
     std::istream& input;
     const bool prompting;
+    std::function<bool()> mustEnd = [] { return false; };
     ExitCode result = ExitCode::Done;
 };
 

@@ -119,6 +119,16 @@ void TextPrinter::showText(const std::string& /*kind*/, const std::string& text)
     output.writeText(text.ends_with('\n') ? text : text + '\n');
 }
 
+void TextPrinter::showHealth(const HealthReport& report) {
+    TextTable table({Column::Left, Column::Left, Column::Left, Column::Left});
+    table.addRow({"", "WHAT", "PATH", "STATE"}, Style::Faint);
+    for (const auto& item : report.items) {
+        table.addRow({item.needsAttention ? "!" : "", item.area, toOneLine(item.path), toOneLine(item.state)},
+                     item.needsAttention ? Style::Emphasis : Style::Plain);
+    }
+    output.writeEscaped(table.toString(output.getForm()));
+}
+
 void TextPrinter::showImport(const PolicyImport& import) {
     const auto place = [&](std::size_t line) { return import.file + ':' + std::to_string(line) + ": "; };
     std::string taken;
@@ -143,6 +153,10 @@ void TextPrinter::showNotification(const Notification& notification) {
 
 void TextPrinter::showDone(const std::string& /*command*/, const std::string& message) {
     diagnostics.writeMessage(message);
+}
+
+void TextPrinter::showWarning(const std::string& message) {
+    diagnostics.writeMessage("lumora-config: " + message);
 }
 
 void TextPrinter::showFailure(const std::string& /*command*/, const Failure& failure) {

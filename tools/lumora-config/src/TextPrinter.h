@@ -16,9 +16,11 @@ public:
     void showList(const std::vector<ListedValue>& values) override;
     void showStores(const std::vector<StoreFacts>& stores) override;
     void showText(const std::string& kind, const std::string& text) override;
+    void showHealth(const HealthReport& report) override;
     void showImport(const PolicyImport& import) override;
     void showNotification(const Notification& notification) override;
     void showDone(const std::string& command, const std::string& message) override;
+    void showWarning(const std::string& message) override;
     void showFailure(const std::string& command, const Failure& failure) override;
     bool isHeard() const override;
 

@@ -1,6 +1,7 @@
 #include "CommandTable.h"
 #include "PolicyFile.h"
 #include "RenamedKeys.h"
+#include "StoreRemoval.h"
 #include "XmlNames.h"
 #include "XmlSettings.h"
 
@@ -85,6 +86,13 @@ void set(Session& session, const Command& command) {
     if (!stored) {
         throw Failure(ExitCode::NotFound, "no store takes the key '" + command.key + "'");
     }
+    if (command.fromWorker) {
+        session.expectStored(key, wide(command.value));
+        reportDone(session, command, command.key + " is being set; " + describeOutcome(session, key));
+        return;
+    }
+    session.forgetExpected({key});
+    session.getDisk().requireStored(key, wide(command.value));
     reportDone(session, command, command.key + " set; " + describeOutcome(session, key));
 }
 
@@ -108,21 +116,29 @@ bool userHolds(Session& session, const std::wstring& key) {
     });
 }
 
-/// A user's file that loses its last value before anything was written to it in this run stays as it was on disk: the
-/// service takes the empty table for an unchanged one. The user had better know.
-std::string warnOfEmptyFile(Session& session) {
-    bool empty = false;
-    session.getHost().onServices("lumora-config: user's file", [&] {
-        const auto store =
-            session.getHost().getFeatureSet()->getConfigStoreByName(std::string(ConfigKeys::localFileConfigStore));
-        empty = store && store->getKeys().empty();
+/// The service takes an empty table for an unchanged one if it has written nothing in this run, and would leave the
+/// last value in the file. Having written once before, it sees the change.
+void prepareLastRemoval(Session& session, const std::vector<std::wstring>& names) {
+    const auto& host = session.getHost();
+    std::shared_ptr<ZelUnified::ConfigStore> store;
+    host.onServices("lumora-config: user's store", [&] {
+        store = host.getFeatureSet()->getConfigStoreByName(std::string(ConfigKeys::localFileConfigStore));
     });
-    return empty ? "; no value of the user is left: the last one is back at the next start unless another is set" : "";
+    const auto isNamed = [&](const std::wstring& held) {
+        return std::ranges::any_of(
+            names, [&](const std::wstring& name) { return KyrCoreUtils::caseInsensitiveStringEquals(held, name); });
+    };
+    if (store && std::ranges::all_of(store->getKeys(), isNamed)) {
+        host.onBackground("lumora-config: write user's file", [store] { store->persistValues(); });
+        host.settle();
+    }
 }
 
 void reset(Session& session, const Command& command) {
     const auto key = wide(command.key);
+    const auto names = namesOf(key).getAll();
     bool held = false;
+    prepareLastRemoval(session, names);
     session.getHost().onServices("lumora-config: reset", [&] {
         held = userHolds(session, key);
         session.getHost().getService()->resetConfig(key);
@@ -130,7 +146,21 @@ void reset(Session& session, const Command& command) {
     if (!held) {
         throw Failure(ExitCode::NotFound, "the user has no value for the key '" + command.key + "'");
     }
-    reportDone(session, command, command.key + " reset; " + describeOutcome(session, key) + warnOfEmptyFile(session));
+    session.forgetExpected(names);
+    session.getDisk().requireRemoved(command.key, names);
+    reportDone(session, command, command.key + " reset; " + describeOutcome(session, key));
+}
+
+void requireProvisioned(Session& session) {
+    std::shared_ptr<ZelUnified::ConfigStore> store;
+    session.getHost().onServices("lumora-config: provisioned", [&] {
+        store = session.getHost().getFeatureSet()->getConfigStoreByName(
+            std::string(ConfigKeys::urlProvisioningConfigStore));
+    });
+    if (store) {
+        session.getDisk().requireProvisioned(*store);
+    }
+    session.getDisk().requireStored(std::wstring(ConfigKeys::allowUrlProvisioning), L"False");
 }
 
 void provision(Session& session, const Command& command) {
@@ -146,18 +176,24 @@ void provision(Session& session, const Command& command) {
                                               ? "the URL holds no setting that may be provisioned"
                                               : "provisioning by URL is not allowed: AllowUrlProvisioning is false");
     }
+    session.forgetExpected({std::wstring(ConfigKeys::allowUrlProvisioning)});
+    requireProvisioned(session);
     reportDone(session, command, "settings of the URL taken; another URL needs reset-provisioning first");
 }
 
 void resetProvisioning(Session& session, const Command& command) {
+    const std::wstring key(ConfigKeys::allowUrlProvisioning);
     bool done = false;
+    prepareLastRemoval(session, {key});
     session.getHost().onServices("lumora-config: reset-provisioning",
                                  [&] { done = session.getHost().getService()->resetAllowUriProvisioningData(); });
     if (!done) {
         throw Failure(ExitCode::NotFound,
                       "there was nothing to take back: the user's settings do not forbid provisioning");
     }
-    reportDone(session, command, "another provisioning URL is allowed" + warnOfEmptyFile(session));
+    session.forgetExpected({key});
+    session.getDisk().requireRemoved(toString(key), {key});
+    reportDone(session, command, "another provisioning URL is allowed");
 }
 
 void mdm(Session& session, const Command& command) {
@@ -180,6 +216,7 @@ void importPolicy(Session& session, const Command& command) {
     const auto import = policy.describe();
     if (!import.taken.empty()) {
         policy.install();
+        DiskCheck::requireFile(policy.getInstalledPath(), policy.getInstalledText());
     }
     session.getPrinter().showImport(import);
     if (import.taken.empty()) {
@@ -194,14 +231,9 @@ void importPolicy(Session& session, const Command& command) {
 }
 
 void removeStore(Session& session, const Command& command) {
-    bool removed = false;
-    session.getHost().onServices("lumora-config: remove-store", [&] {
-        removed = session.getHost().getService()->removeConfigStoreAndCache(wide(command.store));
-    });
-    if (!removed) {
-        throw Failure(ExitCode::NotFound, "there is no store '" + command.store + "'");
-    }
-    reportDone(session, command, command.store + " removed");
+    StoreRemoval removal(session.getHost(), command.store);
+    removal.run();
+    reportDone(session, command, removal.describe());
 }
 
 } // namespace

@@ -45,8 +45,7 @@ void prepareLibrary() {
     }();
 }
 
-XmlPointer<xmlDoc> parse(const std::string& path) {
-    const auto content = readWholeFile(path);
+XmlPointer<xmlDoc> parse(std::string_view content, const std::string& path) {
     prepareLibrary();
     const XmlPointer<xmlParserCtxt> context(xmlNewParserCtxt());
     if (!context) {
@@ -154,7 +153,11 @@ std::string readWholeFile(const std::string& path) {
 }
 
 std::vector<XmlSetting> readXmlSettings(const std::string& path) {
-    const auto document = parse(path);
+    return parseXmlSettings(readWholeFile(path), path);
+}
+
+std::vector<XmlSetting> parseXmlSettings(std::string_view content, const std::string& name) {
+    const auto document = parse(content, name);
     SettingsCollector collector;
     collector.collect(*xmlDocGetRootElement(document.get()));
     return collector.take();

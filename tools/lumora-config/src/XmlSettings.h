@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace lumora_config {
@@ -17,6 +18,8 @@ struct XmlSetting {
 /// wins. Nothing outside the file is fetched, no entity is expanded, a document type is refused, and the parser prints
 /// nothing. Throws Failure (Environment) that names the file and why it was refused.
 std::vector<XmlSetting> readXmlSettings(const std::string& path);
+/// The same for a text in memory; messages call it `name`.
+std::vector<XmlSetting> parseXmlSettings(std::string_view content, const std::string& name);
 
 /// The bytes of a regular file. Throws Failure (Environment).
 std::string readWholeFile(const std::string& path);

@@ -1,15 +1,20 @@
 #include "BootstrapStores.h"
 #include "CommandLine.h"
+#include "CommandTable.h"
 #include "Commands.h"
 #include "ConfigHost.h"
+#include "Doctor.h"
+#include "HealthNotice.h"
 #include "JsonPrinter.h"
 #include "LogLinePrinter.h"
 #include "Output.h"
 #include "Session.h"
 #include "Shell.h"
+#include "StandardInput.h"
 #include "Terminal.h"
 #include "TextPrinter.h"
 
+#include <kyr/EndSignals.h>
 #include <kyr/StandardStreams.h>
 
 #include <cerrno>
@@ -21,6 +26,7 @@
 namespace {
 
 using namespace lumora_config;
+using KyrCoreUtils::EndSignals;
 
 using KyrCoreUtils::StandardStreams;
 
@@ -43,22 +49,58 @@ std::unique_ptr<Printer> makePrinter(const CommandLine& line, Outputs& outputs) 
                                          inShell ? JsonPrinter::Failures::AsObjects : JsonPrinter::Failures::AsText);
 }
 
+/// Hands in the stores of the command line. One whose copy is not on the disk serves this run all the same.
+ExitCode addForeignStores(Session& session, const CommandLine& line, Printer& printer) {
+    auto code = ExitCode::Done;
+    for (const auto& spec : line.stores) {
+        const auto store = session.addForeignStore(spec);
+        try {
+            if (spec.cached) {
+                session.getDisk().requireCopy(*store);
+            }
+        } catch (const Failure& failure) {
+            printer.showFailure("--store", failure);
+            code = failure.getCode();
+        }
+    }
+    return code;
+}
+
+ExitCode runOne(Session& session, const Command& command) {
+    runCommand(session, command);
+    return ExitCode::Done;
+}
+
+ExitCode runShell(Session& session) {
+    StandardInput buffer;
+    std::istream input(&buffer);
+    Shell shell(session, input, Terminal::isInteractive());
+    shell.endWhen([] { return EndSignals::getReceived() != 0; });
+    return shell.run();
+}
+
+/// Needs no plug-in, and shows a damaged file before a host moves it aside.
+void examineProfile(const CommandLine& line, Printer& printer) {
+    KyrCoreUtils::FileUtils::overrideDirectories(line.directories);
+    showHealth(Doctor(Doctor::Lock::NotHeld).examine(), printer);
+}
+
 ExitCode runSession(const CommandLine& line, Printer& printer) {
+    if (line.command.name == "doctor") {
+        examineProfile(line, printer);
+        return ExitCode::Done;
+    }
     ConfigHost host(line);
+    showHealthNotice(host.getConfigDirectory(), printer);
     Session session(host, printer, line.showSecrets);
     host.start();
     BootstrapStores bootstraps(host.getPluginDirectory());
     for (const auto& spec : line.bootstraps) {
         session.addStore(bootstraps.make(spec));
     }
-    for (const auto& spec : line.stores) {
-        session.addForeignStore(spec);
-    }
-    if (line.command.name == "shell") {
-        return Shell(session, std::cin, Terminal::isInteractive()).run();
-    }
-    runCommand(session, line.command);
-    return ExitCode::Done;
+    const auto storesCode = addForeignStores(session, line, printer);
+    const auto code = line.command.name == "shell" ? runShell(session) : runOne(session, line.command);
+    return code == ExitCode::Done ? storesCode : code;
 }
 
 ExitCode runLine(const CommandLine& line, Outputs& outputs) {
@@ -117,6 +159,10 @@ ExitCode checkAnswers(ExitCode code, Outputs& outputs) {
 
 int main(int argc, char** argv) {
     StandardStreams::prepare();
+    // A command, and the end of the host, run to their end first: what was acknowledged is on the disk then.
+    const EndSignals signals;
     Outputs outputs;
-    return static_cast<int>(checkAnswers(runGuarded(argc, argv, outputs), outputs));
+    const auto code = checkAnswers(runGuarded(argc, argv, outputs), outputs);
+    EndSignals::endProcess();
+    return static_cast<int>(code);
 }

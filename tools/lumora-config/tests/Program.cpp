@@ -2,15 +2,19 @@
 
 #include <TemporaryProfile.h>
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
+#include <chrono>
+#include <csignal>
 #include <cstdlib>
 #include <random>
 #include <sstream>
 #include <stdexcept>
 #include <thread>
+#include <utility>
 
 namespace program_test {
 
@@ -67,10 +71,14 @@ int start(const std::string& program, const Arguments& arguments, const Pipe& in
     return process;
 }
 
+int toExitCode(int status) {
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
 int waitFor(int process) {
     int status = 0;
     waitpid(process, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    return toExitCode(status);
 }
 
 void writeAll(int descriptor, const std::string& text) {
@@ -177,17 +185,64 @@ RunningShell::RunningShell(const Profile& profile) {
     close(error.readEnd);
     input = in.writeEnd;
     output = out.readEnd;
-    writeAll(input, "wait\n");
-    char first = '\0';
-    if (read(output, &first, 1) != 1) {
-        throw std::runtime_error("the shell does not answer");
-    }
+    send("wait");
+    receive();
 }
 
 RunningShell::~RunningShell() {
-    close(input);
+    closeInput();
+    if (process > 0) {
+        waitForEnd();
+    }
+}
+
+void RunningShell::send(const std::string& line) const {
+    writeAll(input, line + '\n');
+}
+
+nlohmann::json RunningShell::receive() const {
+    std::string line;
+    for (char next = '\0'; read(output, &next, 1) == 1;) {
+        if (next == '\n') {
+            return nlohmann::json::parse(line);
+        }
+        line += next;
+    }
+    throw std::runtime_error("the shell does not answer");
+}
+
+void RunningShell::signal(int number) const {
+    kill(process, number);
+}
+
+void RunningShell::awaitOutput() const {
+    pollfd source{output, POLLIN, 0};
+    poll(&source, 1, -1);
+}
+
+int RunningShell::signalUntilEnd(int number) {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    while (std::chrono::steady_clock::now() < deadline) {
+        int status = 0;
+        kill(process, number);
+        if (waitpid(process, &status, WNOHANG) == process) {
+            process = -1;
+            return toExitCode(status);
+        }
+        std::this_thread::yield();
+    }
+    return -1;
+}
+
+int RunningShell::waitForEnd() {
     drain(output);
-    waitFor(process);
+    return waitFor(std::exchange(process, -1));
+}
+
+void RunningShell::closeInput() {
+    if (input >= 0) {
+        close(std::exchange(input, -1));
+    }
 }
 
 } // namespace program_test

@@ -53,7 +53,7 @@ private:
     std::filesystem::path base;
 };
 
-/// A process that is still running, for a profile in use. Ended with the object.
+/// A shell that is still running, with JSON answers. Ended with the object.
 class RunningShell {
 public:
     /// Returns when the shell has answered its first command.
@@ -63,8 +63,21 @@ public:
     RunningShell& operator=(const RunningShell&) = delete;
 
     int getProcess() const { return process; }
+    void send(const std::string& line) const;
+    /// Waits for the next object. Throws std::runtime_error at the end of the output.
+    nlohmann::json receive() const;
+    /// Waits until there is something to receive.
+    void awaitOutput() const;
+    void signal(int number) const;
+    /// Sends the signal again and again until the process has ended, and reads nothing from it. Its exit code, as in
+    /// Outcome; -1 if it has not ended after ten seconds.
+    int signalUntilEnd(int number);
+    /// Waits for the end of the process; what it still prints is dropped. Its exit code, as in Outcome.
+    int waitForEnd();
 
 private:
+    void closeInput();
+
     int process = -1;
     int input = -1;
     int output = -1;

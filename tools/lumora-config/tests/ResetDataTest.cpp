@@ -103,6 +103,7 @@ TEST_F(ResetOfAFullProfile, KeysOfTheEncryptedFilesAreNotTouched) {
 }
 
 TEST_F(ResetOfAFullProfile, ListsForeignFilesAndLeavesEverythingAlone) {
+    run({"stores"}); // moves a protected file aside that holds anything else
     const auto before = contentOf(config());
     const auto outcome = profile.run({"reset-data", "--yes"});
     EXPECT_EQ(outcome.exitCode, 1);

@@ -103,15 +103,6 @@ TEST(Reset, TakesBothNamesOfAKey) {
     EXPECT_EQ(profile.run({"get", "TFTPPrimaryServer"}).exitCode, 1);
 }
 
-TEST(Reset, OfTheOnlyValueSaysThatItComesBack) {
-    const Profile profile;
-    ASSERT_EQ(profile.run({"set", "Theme", "dark"}).exitCode, 0);
-    const auto outcome = profile.run({"reset", "Theme"});
-    EXPECT_EQ(outcome.exitCode, 0);
-    EXPECT_THAT(outcome.error, HasSubstr("back at the next start"));
-    EXPECT_EQ(profile.run({"get", "Theme"}).out, "dark\n");
-}
-
 TEST(Reset, OfWhatTheUserNeverSetIsRefused) {
     const Profile profile;
     const auto outcome = profile.run({"reset", "Theme"});
@@ -164,21 +155,6 @@ TEST(Mdm, ADocumentThatIsNotXmlChangesNothing) {
     EXPECT_EQ(outcome.exitCode, 3);
     EXPECT_THAT(outcome.error, HasSubstr("bad.xml: not XML"));
     EXPECT_EQ(outcome.out, "managed\n");
-}
-
-TEST(RemoveStore, TakesTheStoreAndItsCopy) {
-    const Profile profile;
-    const auto file = profile.writeDocument("a.xml", "<FromServer>x</FromServer>");
-    ASSERT_EQ(profile.run({"--store", file + ":Foreign:40:cache", "get", "FromServer"}).exitCode, 0);
-    EXPECT_EQ(profile.run({"remove-store", "Foreign"}).exitCode, 0);
-    EXPECT_EQ(profile.run({"get", "FromServer"}).exitCode, 1);
-}
-
-TEST(RemoveStore, OfAnUnknownNameIsRefused) {
-    const Profile profile;
-    const auto outcome = profile.run({"remove-store", "NoSuchStore"});
-    EXPECT_EQ(outcome.exitCode, 1);
-    EXPECT_THAT(outcome.error, HasSubstr("no store 'NoSuchStore'"));
 }
 
 } // namespace program_test

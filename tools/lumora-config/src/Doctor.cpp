@@ -1,0 +1,202 @@
+#include "Doctor.h"
+
+#include "DefaultsFile.h"
+#include "Failure.h"
+#include "PolicyFile.h"
+#include "SettingsOnDisk.h"
+
+#include <kyr/FileAccess.h>
+#include <kyr/FileUtils.h>
+#include <registry/RegistryFiles.h>
+#include <unified/ProfileLock.h>
+#include <zel/EncryptFileUtils.h>
+
+#include <ConfigKeys.h>
+
+#include <filesystem>
+#include <iomanip>
+#include <sstream>
+
+namespace lumora_config {
+
+using KyrCoreUtils::FileAccess;
+using KyrCoreUtils::FileUtils;
+using zel::storage::ReadResult;
+namespace ConfigKeys = ZelUnified::ConfigKeys;
+
+namespace {
+
+constexpr unsigned writableByOthers = 0022;
+constexpr unsigned usableByOthers = 0077;
+
+unsigned modeOf(const std::string& path) {
+    std::error_code ignored;
+    const auto permissions = std::filesystem::status(path, ignored).permissions();
+    return permissions == std::filesystem::perms::unknown ? 0 : static_cast<unsigned>(permissions);
+}
+
+std::string describeMode(unsigned mode) {
+    std::ostringstream text;
+    text << std::oct << std::setw(4) << std::setfill('0') << (mode & 07777U);
+    return text.str();
+}
+
+bool isDirectory(const std::string& path) {
+    std::error_code ignored;
+    return std::filesystem::is_directory(path, ignored);
+}
+
+std::string describeFile(const zel::storage::ProtectedFileHealth& file) {
+    auto text = describe(file.state);
+    if (file.lastWrite && !file.lastWrite->succeeded) {
+        text += ", the last write failed: " + file.lastWrite->cause;
+    }
+    return file.pending ? text + ", a change waits to be written" : text;
+}
+
+bool needsAttention(const zel::storage::ProtectedFileHealth& file) {
+    const bool isGood = file.state == ReadResult::Ok || file.state == ReadResult::Absent;
+    return !isGood || file.pending || (file.lastWrite && !file.lastWrite->succeeded);
+}
+
+std::string describePolicy(const PolicyImport& policy) {
+    auto text = std::to_string(policy.taken.size()) + " keys";
+    for (const auto& line : policy.refused) {
+        text += ", line " + std::to_string(line.line) + " refused: " + line.reason;
+    }
+    return text;
+}
+
+} // namespace
+
+Doctor::Doctor(Lock lockState) : lock(lockState), configDirectory(FileUtils::getConfigDirectory()) {}
+
+HealthReport Doctor::examine() {
+    report = {};
+    examineDirectories();
+    examineLock();
+    examineDefaults();
+    if (!configDirectory.empty()) {
+        examineProtectedFiles();
+        examineMovedAside();
+    }
+    examineKeys();
+    examinePolicies(zel::registry::getUserRegistryFolder());
+    if (const auto folder = zel::registry::getAdministratorRegistryFolder(); !folder.empty()) {
+        examinePolicies(folder + FileUtils::FileSeparator() + "HKEY_CURRENT_USER");
+    }
+    return report;
+}
+
+void Doctor::examineDirectories() {
+    if (configDirectory.empty()) {
+        add("directory", "configuration", "not usable: a reset empties it, so it must be a folder of its own", true);
+    }
+    for (const auto& directory : {configDirectory, FileUtils::getUserLocalAppDir(), FileUtils::getStateDirectory(),
+                                  FileUtils::getResourcesDirectory()}) {
+        if (directory.empty()) {
+            continue;
+        }
+        if (!FileUtils::fileExists(directory)) {
+            add("directory", directory, "absent", false);
+            continue;
+        }
+        const bool isGood = isDirectory(directory);
+        addExisting("directory", directory, isGood ? "good" : "not a directory", !isGood, writableByOthers);
+    }
+}
+
+void Doctor::examineLock() {
+    if (lock == Lock::Held || !isDirectory(configDirectory)) {
+        add("lock", configDirectory, lock == Lock::Held ? "held by this process" : "free", false);
+        return;
+    }
+    const ZelUnified::ProfileLock attempt(configDirectory, FileUtils::getStateDirectory());
+    const bool inUse = attempt.getProblem().find("is in use by") != std::string::npos;
+    add("lock", configDirectory, attempt.isHeld() ? "free" : attempt.getProblem(), !attempt.isHeld() && !inUse);
+}
+
+void Doctor::examineDefaults() {
+    const auto path =
+        FileUtils::getResourcesDirectory() + FileUtils::FileSeparator() + std::string(ConfigKeys::configDefaultsFile);
+    try {
+        DefaultsFile(FileUtils::getResourcesDirectory()).requireReadable();
+        addExisting("defaults", path, "good", false, writableByOthers);
+    } catch (const Failure& failure) {
+        add("defaults", path, failure.what(), true);
+    }
+}
+
+void Doctor::examineProtectedFiles() {
+    bool hasMain = false;
+    bool hasBackup = false;
+    for (const auto& file : lumora_config::examineProtectedFiles(configDirectory)) {
+        const auto name = FileUtils::getFileName(file.path);
+        const bool exists = file.state != ReadResult::Absent;
+        hasMain = hasMain || (exists && name == ConfigKeys::localConfigFile);
+        hasBackup = hasBackup || (exists && name == ConfigKeys::localConfigBackupFile);
+        if (exists) {
+            addExisting("file", file.path, describeFile(file), needsAttention(file), writableByOthers);
+        } else if (needsAttention(file)) {
+            add("file", file.path, describeFile(file), true);
+        }
+    }
+    if (hasBackup && !hasMain) {
+        add("file", configDirectory + FileUtils::FileSeparator() + std::string(ConfigKeys::localConfigFile),
+            "absent, its backup is read instead", true);
+    }
+}
+
+void Doctor::examineMovedAside() {
+    for (const auto& file : zel::storage::EncryptFileUtils::listMovedAside(configDirectory)) {
+        const bool isGood = file.state == ReadResult::Ok;
+        addExisting("moved aside", file.keptAs, describe(file.state) + (isGood ? ", 'restore' can put it back" : ""),
+                    true, writableByOthers);
+    }
+}
+
+void Doctor::examineKeys() {
+    const auto folder = FileUtils::getUserLocalAppDir() + FileUtils::FileSeparator() + "keys";
+    std::vector<std::string> files;
+    FileUtils::getFilesFromDirectory(folder, "", files);
+    if (FileUtils::fileExists(folder)) {
+        addExisting("keys", folder, std::to_string(files.size()) + " files", false, usableByOthers);
+    }
+    for (const auto& path : files) {
+        const bool isReplaced = path.ends_with(".bad");
+        addExisting("key", path, isReplaced ? "not a key, kept when a new one was made" : "present", isReplaced,
+                    usableByOthers);
+    }
+}
+
+void Doctor::examinePolicies(const std::string& folder) {
+    std::vector<std::string> files;
+    FileUtils::getFilesFromDirectory(folder, "reg", files);
+    for (const auto& path : files) {
+        try {
+            const auto policy = PolicyFile(path).describe();
+            addExisting("policy", path, describePolicy(policy), !policy.refused.empty(), writableByOthers);
+        } catch (const Failure& failure) {
+            add("policy", path, failure.what(), true);
+        }
+    }
+}
+
+void Doctor::add(const std::string& area, const std::string& path, const std::string& state, bool needsAttention) {
+    report.items.push_back({area, path, state, needsAttention});
+}
+
+void Doctor::addExisting(const std::string& area, const std::string& path, const std::string& state,
+                         bool needsAttention, unsigned harmfulMode) {
+    const auto access = FileAccess::of(path);
+    const auto mode = modeOf(path);
+    const bool isForeign = !access || access->owner == FileAccess::Owner::Other;
+    const bool isOpen = (mode & harmfulMode) != 0;
+    auto text =
+        state + "; owner " + (access ? access->ownerName : std::string("unknown")) + ", mode " + describeMode(mode);
+    text += isForeign ? ", owned by another user" : "";
+    text += isOpen ? ", too open" : "";
+    add(area, path, text, needsAttention || isForeign || isOpen);
+}
+
+} // namespace lumora_config

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace lumora_config {
+
+/// Returns what a reset should have deleted and is still there: files of the configuration directory but for those that
+/// survive a reset, and the user's own policy files that still hold the client's policy.
+std::vector<std::string> findResetLeftovers(const std::string& configDirectory);
+
+} // namespace lumora_config

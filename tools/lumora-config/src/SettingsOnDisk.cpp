@@ -1,0 +1,152 @@
+#include "SettingsOnDisk.h"
+
+#include "Failure.h"
+#include "XmlSettings.h"
+
+#include <kyr/FileUtils.h>
+#include <kyr/StringUtils.h>
+#include <zel/EncryptFileUtils.h>
+#include <zel/ProtectedText.h>
+
+#include <ConfigKeys.h>
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+
+namespace lumora_config {
+
+using KyrCoreUtils::FileUtils;
+using zel::storage::ReadResult;
+namespace ConfigKeys = ZelUnified::ConfigKeys;
+namespace Category = zel::storage::FileCategoryType;
+
+namespace {
+
+template <class Text>
+void wipe(Text& text) {
+    volatile auto* characters = text.data();
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        characters[i] = 0;
+    }
+}
+
+/// The clear content of a file for the time of one parse.
+class ClearText final : public zel::storage::ProtectedText {
+public:
+    ClearText() = default;
+    ~ClearText() { wipe(text); }
+    ClearText(const ClearText&) = delete;
+    ClearText& operator=(const ClearText&) = delete;
+
+    bool isEmpty() const override { return text.empty(); }
+    void setContent(const char* bytes, std::size_t length) override {
+        if (bytes != nullptr) {
+            wipe(text);
+            text.assign(bytes, length);
+        }
+    }
+    void withClearText(const std::function<void(std::string_view)>& use) const override {
+        if (!text.empty()) {
+            use(text);
+        }
+    }
+    std::shared_ptr<const ProtectedText> copy() const override {
+        auto other = std::make_shared<ClearText>();
+        other->setContent(text.data(), text.size());
+        return other;
+    }
+
+private:
+    std::string text;
+};
+
+/// The rule by which the service chooses a file's key.
+Category::FileCategory categoryOf(const std::string& path) {
+    const bool isProvisioned = path.find(ConfigKeys::urlProvisioningConfigStore) != std::string::npos;
+    return isProvisioned ? Category::DeviceData : Category::UserData;
+}
+
+bool isInXml(wchar_t character) {
+    constexpr std::wstring_view blanks = L"\t\n\r";
+    const auto code = static_cast<unsigned long>(character);
+    return (code >= 0x20 && code != 0xFFFE && code != 0xFFFF) || blanks.find(character) != std::wstring_view::npos;
+}
+
+} // namespace
+
+SettingsOnDisk::~SettingsOnDisk() {
+    for (auto& [key, value] : values) {
+        wipe(value);
+    }
+}
+
+SettingsOnDisk readSettings(const std::string& path) {
+    SettingsOnDisk read;
+    ClearText content;
+    read.state = zel::storage::EncryptFileUtils::readFromDisk(path, content, categoryOf(path));
+    if (read.state != ReadResult::Ok) {
+        return read;
+    }
+    content.withClearText([&](std::string_view clear) {
+        try {
+            for (auto& setting : parseXmlSettings(clear, path)) {
+                read.values.emplace(std::move(setting.key), std::move(setting.value));
+            }
+            read.wellFormed = true;
+        } catch (const Failure&) {
+            read.values.clear();
+        }
+    });
+    return read;
+}
+
+SettingsOnDisk readUserSettings(const std::string& configDirectory) {
+    const auto folder = configDirectory + FileUtils::FileSeparator();
+    auto read = readSettings(folder + std::string(ConfigKeys::localConfigFile));
+    if (read.state == ReadResult::Ok) {
+        return read;
+    }
+    auto backup = readSettings(folder + std::string(ConfigKeys::localConfigBackupFile));
+    return backup.state == ReadResult::Ok ? std::move(backup) : std::move(read);
+}
+
+std::vector<zel::storage::ProtectedFileHealth> examineProtectedFiles(const std::string& configDirectory) {
+    auto files = zel::storage::EncryptFileUtils::health(configDirectory).files;
+    for (const auto name : {ConfigKeys::localConfigFile, ConfigKeys::localConfigBackupFile}) {
+        const auto path = configDirectory + FileUtils::FileSeparator() + std::string(name);
+        const bool isListed = std::ranges::find(files, path, &zel::storage::ProtectedFileHealth::path) != files.end();
+        if (!isListed && FileUtils::fileExists(path)) {
+            files.push_back({path, readSettings(path).state, {}, false});
+        }
+    }
+    return files;
+}
+
+std::string describe(ReadResult state) {
+    switch (state) {
+    case ReadResult::Ok:
+        return "good";
+    case ReadResult::Absent:
+        return "absent";
+    case ReadResult::Unreadable:
+        return "unreadable";
+    case ReadResult::WrongKey:
+        return "encrypted with another key";
+    case ReadResult::Damaged:
+        return "damaged";
+    case ReadResult::Empty:
+        return "empty";
+    }
+    return "unknown";
+}
+
+std::wstring asDocumentsKeepIt(const std::wstring& value) {
+    // Through UTF-8, because that is where the service replaces halves of characters.
+    auto kept = KyrCoreUtils::toWideString(KyrCoreUtils::toString(value));
+    std::ranges::replace_if(
+        kept, [](wchar_t character) { return !isInXml(character); }, L'\xFFFD');
+    return kept;
+}
+
+} // namespace lumora_config

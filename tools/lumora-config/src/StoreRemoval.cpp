@@ -1,0 +1,128 @@
+#include "StoreRemoval.h"
+
+#include "DiskCheck.h"
+#include "Failure.h"
+#include "StoreCopy.h"
+
+#include <kyr/FileUtils.h>
+#include <kyr/StringUtils.h>
+
+#include <ConfigKeys.h>
+
+#include <algorithm>
+#include <array>
+
+namespace lumora_config {
+
+using KyrCoreUtils::caseInsensitiveStringEquals;
+using KyrCoreUtils::FileUtils;
+using KyrCoreUtils::toWideString;
+namespace ConfigKeys = ZelUnified::ConfigKeys;
+
+namespace {
+
+const std::wstring& recordKey() {
+    static const std::wstring key(ConfigKeys::primaryConfigStores);
+    return key;
+}
+
+/// The product makes these stores itself.
+bool isMadeAtEachStart(const std::string& name) {
+    constexpr std::array ownStores{ConfigKeys::localFileConfigStore, ConfigKeys::registryConfigStore,
+                                   ConfigKeys::urlProvisioningConfigStore, ConfigKeys::inMemoryConfigStore,
+                                   ConfigKeys::configDefaultsFile};
+    return std::ranges::any_of(ownStores, [&](std::string_view own) { return caseInsensitiveStringEquals(own, name); });
+}
+
+} // namespace
+
+StoreRemoval::StoreRemoval(const ConfigHost& configHost, const std::string& storeName)
+    : host(configHost), name(storeName) {
+    if (!host.isStarted()) {
+        throw Failure(ExitCode::NotFound, "stores are removed only while the feature set is started");
+    }
+    host.onServices("lumora-config: find store", [&] {
+        const auto featureSet = host.getFeatureSet();
+        const auto store = featureSet->getConfigStoreByName(storeName);
+        if (!store && !featureSet->isConfigStorePresent("cached" + storeName + ".dat")) {
+            throw Failure(ExitCode::NotFound, "there is no store '" + storeName + "'");
+        }
+        if (store) {
+            name = store->getName();
+        }
+        // The copy was made under the spelling of the record, which may be an earlier one.
+        copies = {name, storeName};
+        if (const auto entry = StoreRecord(readUsersRecord()).find(toWideString(name))) {
+            copies.push_back(KyrCoreUtils::toString(entry->name));
+        }
+    });
+}
+
+void StoreRemoval::run() {
+    for (const auto& copy : copies) {
+        const auto path = findPathOfCopy(host.getConfigDirectory(), copy);
+        hadCopy = hadCopy || (path && FileUtils::fileExists(*path));
+    }
+    host.onServices("lumora-config: remove-store", [this] { removeOnServices(); });
+    deleteCopies();
+    if (remainingRecord) {
+        DiskCheck(host).requireRecord(*remainingRecord);
+    }
+}
+
+/// The service cuts the name from the record where it first occurs, which may be inside of another entry. If so, a
+/// piece that is no entry is put in front, for the cut to find: the record means the same with it, whenever the
+/// process ends.
+void StoreRemoval::removeOnServices() {
+    const auto storeName = toWideString(name);
+    const auto featureSet = host.getFeatureSet();
+    const StoreRecord record(readUsersRecord());
+    const auto remaining = record.without(storeName);
+    if (!isUsersStore() && !record.isCutAsWhole(storeName)) {
+        featureSet->setConfig(recordKey(), storeName + L';' + remaining);
+    }
+    host.getService()->removeConfigStoreAndCache(storeName);
+    if (!findUsersStore()) {
+        return;
+    }
+    // The service reads the record from the whole chain; a store in front of the user's may hold another one.
+    if (readUsersRecord() != remaining) {
+        featureSet->setConfig(recordKey(), remaining);
+    }
+    remainingRecord = remaining;
+}
+
+/// The service deletes the copy of a live store alone, and not that of a store which it has read from its copy. A copy
+/// that could not be written yet is dropped too, so the deletion is tried whether or not there is a file.
+void StoreRemoval::deleteCopies() {
+    host.settle();
+    for (const auto& copy : copies) {
+        if (const auto path = findPathOfCopy(host.getConfigDirectory(), copy)) {
+            FileUtils::removeFile(*path);
+            DiskCheck(host).requireGone(*path);
+        }
+    }
+}
+
+std::string StoreRemoval::describe() const {
+    const std::string copy = hadCopy ? "; its copy on the disk is deleted" : "; it has no copy on the disk";
+    return name + (isMadeAtEachStart(name) ? " removed for this run, the next start makes it anew" : " removed") + copy;
+}
+
+bool StoreRemoval::isUsersStore() const {
+    return caseInsensitiveStringEquals(name, ConfigKeys::localFileConfigStore);
+}
+
+std::shared_ptr<ZelUnified::ConfigStore> StoreRemoval::findUsersStore() const {
+    return host.getFeatureSet()->getConfigStoreByName(std::string(ConfigKeys::localFileConfigStore));
+}
+
+std::wstring StoreRemoval::readUsersRecord() const {
+    std::wstring record;
+    if (const auto store = findUsersStore()) {
+        store->getValue(recordKey(), record);
+    }
+    return record;
+}
+
+} // namespace lumora_config

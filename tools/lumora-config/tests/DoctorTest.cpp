@@ -1,0 +1,263 @@
+#include "Program.h"
+
+#include <TemporaryProfile.h>
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+
+namespace program_test {
+
+using nlohmann::json;
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+namespace {
+
+const std::string mainFile = "lumoraLocalConfig.dat";
+const std::string backupFile = "lumoraLocalConfig_backup.dat";
+
+std::size_t countLines(const std::string& text, const std::string& part) {
+    std::size_t count = 0;
+    for (std::size_t begin = 0; begin < text.size();) {
+        const auto end = std::min(text.find('\n', begin), text.size());
+        count += text.substr(begin, end - begin).find(part) == std::string::npos ? 0 : 1;
+        begin = end + 1;
+    }
+    return count;
+}
+
+} // namespace
+
+/// A profile in which the user has set a value, with a copy of another store.
+class HealthOfAProfile : public testing::Test {
+protected:
+    HealthOfAProfile() {
+        const auto file = profile.writeDocument("a.xml", "<FromServer>x</FromServer>");
+        const auto outcome = profile.run({"--store", file + ":Foreign:40:cache", "set", "Theme", "dark"});
+        EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
+    }
+
+    std::filesystem::path config() const { return profile.root() / "config"; }
+    void damage(const std::string& name) const { profile.write("config/" + name, "damaged"); }
+    /// Every file's key is another one from now on.
+    void replaceKeys() const { std::filesystem::remove_all(profile.root() / "data/keys"); }
+
+    Outcome doctor() const { return profile.run({"--json", "doctor"}); }
+    /// What doctor says of the path that ends so.
+    static json item(const Outcome& outcome, const std::string& ending) {
+        const auto lines = outcome.lines();
+        for (const auto& entry : lines.at(0).at("items")) {
+            if (entry.at("path").get<std::string>().ends_with(ending)) {
+                return entry;
+            }
+        }
+        return {{"state", "not examined"}, {"attention", false}, {"area", ""}};
+    }
+    void expectAttention(const std::string& ending, const std::string& state) const {
+        const auto outcome = doctor();
+        EXPECT_EQ(outcome.exitCode, 1);
+        EXPECT_THAT(std::string(item(outcome, ending).at("state")), HasSubstr(state));
+        EXPECT_EQ(item(outcome, ending).at("attention"), true) << outcome.out;
+    }
+
+    const Profile profile;
+};
+
+class Doctor : public HealthOfAProfile {};
+
+TEST_F(Doctor, OfAGoodProfileShowsEveryFileAndEndsWith0) {
+    profile.writePolicy("Theme", "corporate");
+    const auto outcome = doctor();
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.out;
+    EXPECT_EQ(outcome.lines().at(0).at("attention"), false);
+    for (const auto& name : {mainFile, backupFile, std::string("cachedForeign.dat")}) {
+        EXPECT_EQ(item(outcome, name).at("area"), "file") << name;
+        EXPECT_THAT(std::string(item(outcome, name).at("state")), AllOf(HasSubstr("good"), HasSubstr("mode 0600")));
+    }
+    for (const auto* folder : {"/config", "/data", "/state", "/resources"}) {
+        EXPECT_EQ(item(outcome, folder).at("area"), "directory") << folder;
+        EXPECT_THAT(std::string(item(outcome, folder).at("state")), AllOf(HasSubstr("owner"), HasSubstr("mode 0")));
+    }
+    EXPECT_EQ(item(outcome, "cat2.key").at("area"), "key");
+    EXPECT_EQ(item(outcome, "lumora-config-defaults.xml").at("area"), "defaults");
+    EXPECT_THAT(std::string(item(outcome, "policy.reg").at("state")), HasSubstr("1 keys"));
+    EXPECT_THAT(outcome.out, HasSubstr("\"free\""));
+}
+
+TEST_F(Doctor, ChangesNothing) {
+    damage(backupFile);
+    EXPECT_EQ(profile.run({"doctor"}).exitCode, 1);
+    EXPECT_EQ(testing_host::readFile(config() / backupFile), "damaged");
+    EXPECT_FALSE(std::filesystem::exists(config() / (backupFile + ".unreadable")));
+}
+
+TEST_F(Doctor, AsTextMarksWhatNeedsAttentionAndCountsIt) {
+    damage(backupFile);
+    const auto outcome = profile.run({"doctor"});
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_EQ(outcome.error, "lumora-config: 1 item needs attention\n");
+    EXPECT_EQ(countLines(outcome.out, "damaged"), 1U);
+    EXPECT_THAT(outcome.out, HasSubstr("!"));
+}
+
+TEST_F(Doctor, ShowsADamagedFile) {
+    damage(mainFile);
+    expectAttention(mainFile, "damaged");
+}
+
+TEST_F(Doctor, ShowsAFileThatIsEncryptedWithAnotherKey) {
+    replaceKeys();
+    expectAttention("cachedForeign.dat", "another key");
+}
+
+TEST_F(Doctor, ShowsAFileThatCannotBeRead) {
+    std::filesystem::remove(config() / mainFile);
+    std::filesystem::create_directory(config() / mainFile);
+    expectAttention(mainFile, "unreadable");
+}
+
+TEST_F(Doctor, ShowsThatTheBackupServes) {
+    std::filesystem::remove(config() / mainFile);
+    expectAttention(mainFile, "its backup is read instead");
+}
+
+TEST_F(Doctor, ShowsAFileThatWasMovedAside) {
+    damage(mainFile);
+    profile.run({"get", "Theme"});
+    expectAttention(mainFile + ".unreadable", "damaged");
+}
+
+TEST_F(Doctor, ShowsADirectoryThatOthersCanWrite) {
+    std::filesystem::permissions(config(), std::filesystem::perms::all);
+    expectAttention("/config", "mode 0777, too open");
+}
+
+TEST_F(Doctor, ShowsAKeyThatOthersCanRead) {
+    std::filesystem::permissions(profile.root() / "data/keys/cat2.key", std::filesystem::perms{0644});
+    expectAttention("cat2.key", "mode 0644, too open");
+}
+
+TEST_F(Doctor, ShowsADirectoryOfAnotherUser) {
+    if (::chown(profile.root().append("state").c_str(), 12345, 12345) != 0) {
+        GTEST_SKIP() << "only root can give a directory away";
+    }
+    expectAttention("/state", "owned by another user");
+}
+
+TEST_F(Doctor, ShowsTheRejectedLinesOfAPolicyFile) {
+    profile.write("data/registry/mixed.reg",
+                  "Windows Registry Editor Version 5.00\r\n\r\n[HKEY_CURRENT_USER\\Software\\K]\r\nrubbish\r\n");
+    expectAttention("mixed.reg", "line 4 refused: neither a key nor a value nor a comment");
+    profile.write("data/registry/mixed.reg", "<xml/>");
+    expectAttention("mixed.reg", "no exported registry file");
+}
+
+TEST_F(Doctor, ShowsThatTheDefaultsAreMissing) {
+    std::filesystem::remove(profile.defaultsFile());
+    expectAttention("lumora-config-defaults.xml", "no defaults file");
+}
+
+TEST_F(Doctor, NamesTheProcessThatHoldsTheLock) {
+    const RunningShell shell(profile);
+    const auto outcome = doctor();
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.out;
+    EXPECT_THAT(outcome.out, HasSubstr("in use by process " + std::to_string(shell.getProcess())));
+}
+
+TEST_F(Doctor, InTheShellSeesItsOwnLock) {
+    const auto outcome = profile.shell({"doctor"});
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
+    EXPECT_THAT(outcome.out, HasSubstr("held by this process"));
+}
+
+class HealthLine : public HealthOfAProfile {
+protected:
+    /// Any command tells of the file, in one line.
+    void expectLine(const std::string& name, const std::string& text) const {
+        const auto outcome = profile.run({"get", "IP_MODE"});
+        EXPECT_EQ(outcome.exitCode, 0);
+        EXPECT_EQ(countLines(outcome.error, name), 1U) << outcome.error;
+        EXPECT_THAT(outcome.error, HasSubstr(text));
+        EXPECT_EQ(countLines(outcome.error, ""), 1U) << outcome.error;
+    }
+};
+
+TEST_F(HealthLine, IsNotThereWhileAllFilesAreGood) {
+    EXPECT_THAT(profile.run({"get", "Theme"}).error, IsEmpty());
+}
+
+TEST_F(HealthLine, TellsOfADamagedFileAndWhereItIsKept) {
+    damage(mainFile);
+    expectLine(mainFile, mainFile + " was moved aside as " + mainFile + ".unreadable (damaged)");
+}
+
+TEST_F(HealthLine, ComesInEveryRunUntilTheFileIsGone) {
+    damage(mainFile);
+    profile.run({"get", "IP_MODE"});
+    expectLine(mainFile, "was moved aside");
+    std::filesystem::remove(config() / (mainFile + ".unreadable"));
+    EXPECT_THAT(profile.run({"get", "IP_MODE"}).error, IsEmpty());
+}
+
+TEST_F(HealthLine, TellsOfAFileThatIsEncryptedWithAnotherKey) {
+    replaceKeys();
+    expectLine("cachedForeign.dat", "another key");
+}
+
+TEST_F(HealthLine, TellsOfAFileThatCannotBeRead) {
+    std::filesystem::remove(config() / mainFile);
+    std::filesystem::create_directory(config() / mainFile);
+    expectLine(mainFile, mainFile + " is unreadable");
+}
+
+class Restore : public HealthOfAProfile {
+protected:
+    const std::string kept = mainFile + ".unreadable";
+};
+
+TEST_F(Restore, PutsAFileBackAndMovesThePresentOneAside) {
+    std::filesystem::rename(config() / mainFile, config() / kept);
+    std::filesystem::remove(config() / backupFile);
+    ASSERT_EQ(profile.run({"set", "Theme", "light"}).exitCode, 0);
+    const auto outcome = profile.run({"restore", kept});
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
+    EXPECT_EQ(profile.run({"get", "Theme"}).out, "dark\n");
+    // The other way round.
+    const auto aside = kept + ".2";
+    EXPECT_EQ(item(doctor(), aside).at("area"), "moved aside");
+    EXPECT_EQ(profile.run({"restore", aside}).exitCode, 0);
+    EXPECT_EQ(profile.run({"get", "Theme"}).out, "light\n");
+}
+
+TEST_F(Restore, OfAFileThatCannotBeReadIsRefused) {
+    damage(mainFile);
+    ASSERT_EQ(profile.run({"set", "Theme", "light"}).exitCode, 0);
+    const auto outcome = profile.run({"restore", kept});
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_THAT(outcome.error, HasSubstr("is damaged; nothing is changed"));
+    EXPECT_EQ(profile.run({"get", "Theme"}).out, "light\n");
+    EXPECT_EQ(testing_host::readFile(config() / kept), "damaged");
+}
+
+TEST_F(Restore, OfAnotherFileIsRefused) {
+    for (const auto* name : {"lumoraLocalConfig.dat", "nothing", "../a.xml"}) {
+        const auto outcome = profile.run({"restore", name});
+        EXPECT_EQ(outcome.exitCode, 1) << name;
+        EXPECT_THAT(outcome.error, HasSubstr("no file was moved aside as"));
+    }
+}
+
+TEST_F(Restore, InTheShellIsNotOverwrittenByTheNextSet) {
+    std::filesystem::rename(config() / mainFile, config() / kept);
+    std::filesystem::remove(config() / backupFile);
+    const auto outcome = profile.shell({"set Other x", "restore " + kept, "get Theme", "set Fresh y"});
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
+    EXPECT_EQ(outcome.out, "dark\n");
+    EXPECT_EQ(profile.run({"get", "Theme"}).out, "dark\n");
+    EXPECT_EQ(profile.run({"get", "Fresh"}).out, "y\n");
+}
+
+} // namespace program_test

@@ -1,0 +1,38 @@
+#include "StoreRecord.h"
+
+#include <gtest/gtest.h>
+
+namespace lumora_config {
+
+TEST(StoreRecord, FindsTheEntryOfAStoreIgnoringCase) {
+    const StoreRecord record(L"ATFTP:31;Tftp:41;");
+    ASSERT_TRUE(record.find(L"TFTP").has_value());
+    EXPECT_EQ(record.find(L"TFTP")->name, L"Tftp");
+    EXPECT_EQ(record.find(L"TFTP")->priority, L"41");
+    EXPECT_FALSE(record.find(L"FTP").has_value());
+    EXPECT_FALSE(StoreRecord(L"").find(L"TFTP").has_value());
+}
+
+TEST(StoreRecord, ARepeatedStoreKeepsItsFirstSpellingAndItsLastPriority) {
+    const auto entry = StoreRecord(L"Foo:1;foo:2;").find(L"FOO");
+    ASSERT_TRUE(entry.has_value());
+    EXPECT_EQ(entry->name, L"Foo");
+    EXPECT_EQ(entry->priority, L"2");
+}
+
+TEST(StoreRecord, WithoutAStoreKeepsAllOtherPiecesAsTheyAre) {
+    EXPECT_EQ(StoreRecord(L"ATFTP:31;junk;Tftp:41;TftpX:7").without(L"TFTP"), L"ATFTP:31;junk;TftpX:7");
+    EXPECT_EQ(StoreRecord(L"Foo:1;foo:2;").without(L"FOO"), L"");
+    EXPECT_EQ(StoreRecord(L"Foo:1;").without(L"Fo"), L"Foo:1;");
+}
+
+TEST(StoreRecord, KnowsWhenTheServicesCutWouldHitAnotherEntry) {
+    EXPECT_TRUE(StoreRecord(L"").isCutAsWhole(L"TFTP"));
+    EXPECT_TRUE(StoreRecord(L"Other:1;").isCutAsWhole(L"TFTP"));
+    EXPECT_TRUE(StoreRecord(L"Other:1;TFTP:2;").isCutAsWhole(L"tftp"));
+    EXPECT_FALSE(StoreRecord(L"TFTPConfigStore:1;").isCutAsWhole(L"TFTP"));
+    EXPECT_FALSE(StoreRecord(L"ATFTP:1;TFTP:2;").isCutAsWhole(L"TFTP"));
+    EXPECT_FALSE(StoreRecord(L"TFTP:1;tftp:2;").isCutAsWhole(L"TFTP"));
+}
+
+} // namespace lumora_config
