@@ -58,7 +58,7 @@ public:
     static std::vector<KeptFile> listMovedAside(const std::string& directory);
     /// Moves aside every protected file at and below `configDirectory` that is damaged, empty or encrypted with another
     /// key than the present one, each with a log line. A file that can't be opened, or whose key can't, stays. Call it
-    /// only with the profile open for writing and before anything reads the files. Returns what was moved.
+    /// only with the profile open for writing and before anything reads the files. Returns what this process moved.
     static std::vector<MovedFile> moveAsideUnusable(const std::string& configDirectory);
     /// Puts a file of listMovedAside() back in its original place. A file that stands there is moved aside first.
     /// Kept content for the path is dropped. Fails and changes nothing if `keptAs` can't be read.

@@ -176,7 +176,8 @@ std::string DiskCheck::explainFile(const std::string& path) const {
     const auto name = FileUtils::getFileName(path);
     const auto written = files.find(name);
     if (written != files.end() && written->second->lastWrite && !written->second->lastWrite->succeeded) {
-        return name + ": " + written->second->lastWrite->cause;
+        return name + ": " + written->second->lastWrite->cause +
+               (written->second->pending ? "; the program tries again until it ends" : "");
     }
     const auto backup = files.find(std::string(ConfigKeys::localConfigBackupFile));
     if (path == getUserFile() && backup != files.end() && backup->second->state != ReadResult::Ok &&

@@ -70,7 +70,7 @@ bool PendingWrites::retry(const Attempt& attempt) {
     if (isEmpty()) {
         return true;
     }
-    for (const auto& entry : getAll()) {
+    for (const auto& entry : getBelow("")) {
         retryOne(*entry, attempt);
     }
     return isEmpty();
@@ -118,9 +118,6 @@ bool PendingWrites::drop(const std::string& path) {
 
 PendingWrites::Taken PendingWrites::take(const std::string& path) {
     Taken taken;
-    if (isEmpty()) {
-        return taken;
-    }
     taken.entry = findEntry(path);
     if (taken.entry) {
         const std::lock_guard turn(taken.entry->turn);
@@ -147,7 +144,7 @@ void PendingWrites::putBack(const Taken& taken) {
 }
 
 void PendingWrites::drop(FileCategory category) {
-    for (const auto& entry : getAll()) {
+    for (const auto& entry : getBelow("")) {
         const std::lock_guard turn(entry->turn);
         if (const auto kept = getKept(*entry); kept && kept->category == category) {
             setKept(*entry, std::nullopt);
@@ -156,14 +153,18 @@ void PendingWrites::drop(FileCategory category) {
 }
 
 void PendingWrites::giveUp(const std::string& directory) {
-    if (isEmpty()) {
-        return;
-    }
-    for (const auto& record : list(directory)) {
-        if (drop(record.path)) {
-            ZelLog(logger, ZelLogLevel::Error, ZEL_HERE,
-                   "Lost the content of protected file " + ZelLogger_replacePIIData(record.path) +
-                       ", not written: " + (record.lastWrite ? record.lastWrite->cause : "no attempt ended"));
+    for (const auto& entry : getBelow(directory)) {
+        const std::lock_guard turn(entry->turn);
+        std::string lost;
+        {
+            const std::lock_guard lock(mutex);
+            if (entry->kept && entry->lastWrite) {
+                lost = ZelLogger_replacePIIData(entry->path) + ", not written: " + entry->lastWrite->cause;
+            }
+        }
+        if (!lost.empty()) {
+            setKept(*entry, std::nullopt);
+            ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, "Lost the content of protected file " + lost);
         }
     }
 }
@@ -213,13 +214,17 @@ std::shared_ptr<PendingWrites::Entry> PendingWrites::makeEntry(const std::string
     return entry;
 }
 
-std::vector<std::shared_ptr<PendingWrites::Entry>> PendingWrites::getAll() const {
-    std::vector<std::shared_ptr<Entry>> all;
+/// Those of paths at and below the directory, or all of them.
+std::vector<std::shared_ptr<PendingWrites::Entry>> PendingWrites::getBelow(const std::string& directory) const {
+    const std::string prefix = directoryPrefix(directory);
+    std::vector<std::shared_ptr<Entry>> found;
     const std::lock_guard lock(mutex);
     for (const auto& [spelling, entry] : entries) {
-        all.push_back(entry);
+        if (spelling.starts_with(prefix)) {
+            found.push_back(entry);
+        }
     }
-    return all;
+    return found;
 }
 
 std::optional<PendingWrites::Kept> PendingWrites::getKept(const Entry& entry) const {

@@ -61,14 +61,14 @@ public:
     bool drop(const std::string& path);
     /// The same, in a way that can be undone.
     Taken take(const std::string& path);
-    /// Does nothing if the path was written in the meantime.
+    /// Keeps the content again, unless the path was written in the meantime.
     void putBack(const Taken& taken);
     /// Drops the content of one category, silently.
     void drop(FileCategory category);
     /// Drops all content at and below `directory` ("" for everywhere) and logs an error for each path that loses it.
     void giveUp(const std::string& directory);
 
-    /// The paths at and below `directory` that were written or wait to be, sorted.
+    /// Returns the paths at and below `directory` that were written or wait to be, sorted.
     std::vector<Record> list(const std::string& directory) const;
     /// Forgets contents and outcomes, silently.
     void clear();
@@ -82,7 +82,7 @@ private:
 
     std::shared_ptr<Entry> findEntry(const std::string& path) const;
     std::shared_ptr<Entry> makeEntry(const std::string& path);
-    std::vector<std::shared_ptr<Entry>> getAll() const;
+    std::vector<std::shared_ptr<Entry>> getBelow(const std::string& directory) const;
     std::optional<Kept> getKept(const Entry& entry) const;
     void setKept(Entry& entry, std::optional<Kept> kept);
     void succeed(Entry& entry);

@@ -2,6 +2,7 @@
 
 #include "LogRecorder.h"
 #include "PlainText.h"
+#include "Signal.h"
 #include "StorageProfile.h"
 
 #include <kyr/FileUtils.h>
@@ -10,7 +11,9 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <chrono>
 #include <string>
+#include <thread>
 
 namespace {
 
@@ -289,6 +292,25 @@ TEST_F(PendingWritesTest, AContentPutBackNeverReplacesANewerWrite) {
     EXPECT_FALSE(write("newer"));
     writes.putBack(again);
     EXPECT_EQ(read(), "newer");
+}
+
+TEST_F(PendingWritesTest, RemovingTheFileWaitsForAWriteThatRuns) {
+    auto& writes = PendingWrites::ofProcess();
+    testing_host::Signal begun;
+    testing_host::Signal removed;
+    std::thread writer([&] {
+        writes.write(path, PlainText("new"), UserData, [&](const auto&, const auto&, FileCategory) {
+            begun.set();
+            EXPECT_FALSE(removed.waitFor(std::chrono::milliseconds(100))) << "the removal did not wait";
+            return std::string("full");
+        });
+    });
+    ASSERT_TRUE(begun.wait());
+    EXPECT_EQ(FileUtils::removeFile(path), 0);
+    removed.set();
+    writer.join();
+    EXPECT_TRUE(writes.isEmpty());
+    EXPECT_FALSE(FileUtils::fileExists(path));
 }
 
 TEST_F(PendingWritesTest, AnotherFileLayerForgetsWhatWasKept) {
