@@ -141,7 +141,7 @@ void appendEscapedInAscii(std::string& document, std::string_view utf8) {
         if (code < 0) {
             return;
         }
-        std::array<char, sizeof("&#x10FFFF;")> reference{};
+        std::array<char, sizeof("&#xFFFFFFFF;")> reference{}; // room for any unsigned, so that g++ does not warn
         std::snprintf(reference.data(), reference.size(), "&#x%X;", static_cast<unsigned>(code));
         appendTo(document, std::string_view(reference.data()));
         utf8.remove_prefix(static_cast<std::size_t>(length));
