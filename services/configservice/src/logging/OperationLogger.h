@@ -11,8 +11,8 @@ namespace ZelUnified {
 /// line names the operation as a member of the class, not of the helper. Immutable, so any thread may use it.
 class OperationLogger {
 public:
-    /// `className` comes without its namespace. The host's logger is "ConfigService-" followed by it.
-    explicit OperationLogger(std::string_view className);
+    /// `loggedClass` is a literal, without its namespace. The host's logger is "ConfigService-" followed by it.
+    explicit OperationLogger(std::string_view loggedClass);
 
     ZelLogger& getLogger() const noexcept { return logger; }
     /// Returns the name of `function` as a member of the class: "ZelUnified::CachedStores::addCachedConfigStore"
@@ -21,7 +21,7 @@ public:
 
 private:
     ZelLogger& logger;
-    const std::string scope;
+    const std::string_view className; ///< Not a string: threads that outlive main() may still log.
 };
 
 inline bool ZelLog_isDebugEnabled(const OperationLogger& logger) noexcept {
