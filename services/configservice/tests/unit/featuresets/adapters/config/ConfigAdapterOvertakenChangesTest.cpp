@@ -2,6 +2,7 @@
 #include "StepwiseServicesDispatcher.h"
 #include "base/TestObjects.h"
 
+#include <map>
 #include <random>
 
 namespace ZelUnified {
@@ -173,9 +174,19 @@ TEST_F(ConfigAdapterOvertakenChanges, SettingsMadeWhileALargeStoreArrivesAreKept
     }
 }
 
-TEST_F(ConfigAdapterOvertakenChanges, EveryRecordEqualsItsLookupAfterAnyHistory) {
+TEST_F(ConfigAdapterOvertakenChanges, RecordsEqualTheirLookupsAndWereShownToObserversAfterAnyHistory) {
     const std::wstring keys[] = {L"k", L"K", L"other", L"Phone_Mode"};
     const std::string stores[] = {"First", "Second"};
+    std::map<std::wstring, std::wstring> shown;
+    std::vector<std::shared_ptr<RecordingValueObserver>> observers;
+    for (const auto& key : keys) {
+        observers.push_back(observe(key));
+        observers.back()->reaction = [this, &shown, key](const std::string& property) {
+            if (property == "Value") {
+                shown[key] = recordOf(key);
+            }
+        };
+    }
     std::mt19937 random(14);
     const auto below = [&](std::size_t limit) { return static_cast<std::size_t>(random() % limit); };
     int written = 0;
@@ -212,6 +223,7 @@ TEST_F(ConfigAdapterOvertakenChanges, EveryRecordEqualsItsLookupAfterAnyHistory)
         factory->backgroundDispatcher->clear();
         for (const auto& key : keys) {
             expectRecordEqualsLookup(key);
+            EXPECT_EQ(shown[key], recordOf(key));
         }
         ASSERT_FALSE(HasFailure());
     }
