@@ -1,5 +1,7 @@
 #pragma once
 
+#include "LogPlace.h"
+
 #include <zel/ZelLog.h>
 
 #include <string>
@@ -33,5 +35,10 @@ void ZelLog(const OperationLogger& logger, ZelLogLevel level, const char* file, 
             std::string_view text);
 void ZelLog(const OperationLogger& logger, ZelLogLevel level, const char* file, int line, std::string_view function,
             std::wstring_view text);
+/// For a helper that logs on behalf of the operation at `place`.
+template <class Text>
+void ZelLog(const OperationLogger& logger, ZelLogLevel level, const LogPlace& place, const Text& text) {
+    ZelLog(logger, level, place.file, place.line, place.function, text);
+}
 
 } // namespace ZelUnified

@@ -31,7 +31,7 @@ bool isRefused(const std::string& name, std::string_view refusal, const LogPlace
     if (CachedConfigFiles::mayHaveCopy(name)) {
         return false;
     }
-    ZelLog(configAdapterLogger(), ZelLogLevel::Warning, place.file, place.line, place.function,
+    ZelLog(configAdapterLogger(), ZelLogLevel::Warning, place,
            "Name contains \"..\", " + std::string(refusal) + ": [" + name + "]");
     return true;
 }
@@ -80,7 +80,7 @@ void CachedStores::addUrlProvisioningStore(const LogPlace& place) {
     configStoreManager->getValue(std::wstring(ConfigKeys::allowUrlProvisioning), allowed,
                                  std::string(ConfigKeys::mdmConfigStore));
     if (caseInsensitiveStringEquals(allowed, L"false")) {
-        ZelLog(configAdapterLogger(), ZelLogLevel::Info, place.file, place.line, place.function,
+        ZelLog(configAdapterLogger(), ZelLogLevel::Info, place,
                "Url Provisioning not allowed by MDM configuration, removing cached URL provisioning store");
         adapter.removeConfigStore(name);
         return;

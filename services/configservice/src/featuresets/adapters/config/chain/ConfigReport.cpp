@@ -61,7 +61,7 @@ void ConfigReport::writeStore(XmlWriter& writer, ConfigStore& store, const IsSen
         }
         store.getValue(key, value);
         if (!writer.writeElement(toString(key), value)) {
-            ZelLog(configStoreManagerLogger(), ZelLogLevel::Warning, place.file, place.line, place.function,
+            ZelLog(configStoreManagerLogger(), ZelLogLevel::Warning, place,
                    L"Characters that XML can't carry are replaced in the report of key: " + key);
         }
     }

@@ -2,7 +2,6 @@
 #include "LocalFileDocument.h"
 #include "StoreAnswer.h"
 #include "featuresets/adapters/config/xml/XmlReader.h"
-#include "logging/LogPlace.h"
 #include "secure/SecureBuffer.h"
 #include "secure/SecureString.h"
 #include "secure/StackWiper.h"
@@ -56,9 +55,7 @@ std::string readWhole(const std::string& path) {
 
 /// Logs the content of a file that is not well-formed and moves the file aside.
 void quarantine(const std::string& directory, const std::string& file, const LogPlace& place) {
-    const auto logError = [&place](const auto& text) {
-        ZelLog(logger, ZelLogLevel::Error, place.file, place.line, place.function, text);
-    };
+    const auto logError = [&place](const auto& text) { ZelLog(logger, ZelLogLevel::Error, place, text); };
     const std::string quarantineName = file.substr(0, file.rfind('.')) + "-backup.xml";
     logError(std::string(invalidSyntax) + "\nrenaming invalid file to: " + quarantineName +
              " and creating new blank XML document");
