@@ -54,7 +54,11 @@ int Quarantine::keep(const std::string& path, std::string& keptAs) const {
 
 int Quarantine::moveAside(const std::string& path, std::string& keptAs) const {
     const Numbered names = list(path);
-    keptAs = nameOf(path, names.empty() ? 1 : names.back().first + 1);
+    const unsigned long number = names.empty() ? 1 : names.back().first + 1;
+    if (number > highestNumber) {
+        return EEXIST; // list() does not find a file with a higher number, so the next one would replace it
+    }
+    keptAs = nameOf(path, number);
     if (const int error = layer.rename(path, keptAs); error != 0) {
         return error;
     }
