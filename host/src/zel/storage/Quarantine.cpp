@@ -73,6 +73,9 @@ int Quarantine::putBack(const std::string& replacement, const std::string& path)
         return error;
     }
     if (const int error = layer.rename(replacement, path); error != 0) {
+        if (!keptAs.empty()) {
+            layer.rename(keptAs, path); // where the file system has no links, the file has been moved
+        }
         return error;
     }
     return layer.syncDirectory(splitPath(path).directory);

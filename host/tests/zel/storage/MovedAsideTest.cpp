@@ -260,6 +260,20 @@ TEST_F(MovedAsideTest, RestoringDropsContentThatWaits) {
     EXPECT_EQ(content.text, "kept");
 }
 
+TEST_F(MovedAsideTest, AFailedRestoringLeavesThePresentFileInItsPlaceWithoutLinksToo) {
+    write("a.dat", "kept");
+    fs::rename(config / "a.dat", config / "a.dat.unreadable");
+    write("a.dat", "present");
+    storage.layer->failAt(Operation::Link, 1, EPERM);
+    storage.layer->failAt(Operation::Rename, 2, EIO); // the present file, then the kept one
+    EXPECT_FALSE(EncryptFileUtils::restoreMovedAside(storage.configFile("a.dat.unreadable")).succeeded);
+    PlainText content;
+    ASSERT_TRUE(EncryptFileUtils::readDataFromFile(storage.configFile("a.dat"), content, UserData));
+    EXPECT_EQ(content.text, "present");
+    ASSERT_TRUE(EncryptFileUtils::readDataFromFile(storage.configFile("a.dat.unreadable"), content, UserData));
+    EXPECT_EQ(content.text, "kept");
+}
+
 TEST_F(MovedAsideTest, WhatCantBeReadIsNotRestored) {
     writeFile(config / "a.dat.unreadable", "rubbish");
     write("a.dat", "present");
