@@ -40,6 +40,11 @@ bool isReadAsHeld(const std::wstring& key) {
            !caseInsensitiveStringEquals(key, ConfigKeys::telephonyP2PEnabled);
 }
 
+/// What cannot be read now may be readable at the next start.
+bool mayHoldMore(const SettingsOnDisk& onDisk) {
+    return onDisk.state != ReadResult::Ok && onDisk.state != ReadResult::Absent;
+}
+
 [[noreturn]] void fail(const std::string& message) {
     throw Failure(ExitCode::Environment, message);
 }
@@ -59,6 +64,9 @@ void DiskCheck::requireRemoved(const std::string& key, const std::vector<std::ws
     host.settle();
     const auto onDisk = readUserSettings(host.getConfigDirectory());
     const auto isHeld = [&](const std::wstring& name) { return onDisk.values.contains(nameInUserFile(name)); };
+    if (mayHoldMore(onDisk)) {
+        failForUser(key + " may be reset for this run only, because the user's file cannot be read back");
+    }
     if (std::ranges::any_of(names, isHeld)) {
         failForUser(key + " is reset for this run only, because the disk still holds the user's value");
     }
@@ -113,6 +121,9 @@ void DiskCheck::requireCopyAt(const std::string& path, ZelUnified::ConfigStore& 
 void DiskCheck::requireRecord(const std::wstring& record) const {
     host.settle();
     const auto onDisk = readUserSettings(host.getConfigDirectory());
+    if (mayHoldMore(onDisk)) {
+        failForUser("the store may be removed for this run only, because the user's file cannot be read back");
+    }
     const auto found = onDisk.values.find(ConfigKeys::primaryConfigStores);
     if ((found == onDisk.values.end() ? std::wstring() : found->second) != asDocumentsKeepIt(record)) {
         failForUser("the store is removed for this run only, because the disk still holds the record of its copy");

@@ -63,8 +63,10 @@ private:
 
 /// The rule by which the service chooses a file's key.
 Category::FileCategory categoryOf(const std::string& path) {
+    const auto name = FileUtils::getFileName(path);
+    const bool isUsersFile = name == ConfigKeys::localConfigFile || name == ConfigKeys::localConfigBackupFile;
     const bool isProvisioned = path.find(ConfigKeys::urlProvisioningConfigStore) != std::string::npos;
-    return isProvisioned ? Category::DeviceData : Category::UserData;
+    return isProvisioned && !isUsersFile ? Category::DeviceData : Category::UserData;
 }
 
 bool isInXml(wchar_t character) {

@@ -95,6 +95,18 @@ TEST_F(ReadBack, OfAResetOnAReadOnlyDiskFails) {
     EXPECT_EQ(profile.run({"get", "Kept"}).out, "old\n");
 }
 
+TEST_F(ReadBack, OfAResetFailsIfTheUsersFileCannotBeRead) {
+    RunningShell shell(profile);
+    std::filesystem::remove(profile.root() / "config/lumoraLocalConfig.dat");
+    std::filesystem::remove(profile.root() / "config/lumoraLocalConfig_backup.dat");
+    std::filesystem::create_directory(profile.root() / "config/lumoraLocalConfig.dat");
+    ASSERT_TRUE(disk.setReadOnly(true));
+    shell.send("reset Kept");
+    const auto answer = shell.receive();
+    EXPECT_EQ(answer.at("type"), "failure") << answer;
+    EXPECT_THAT(answer.at("message").get<std::string>(), HasSubstr("cannot be read back"));
+}
+
 TEST_F(ReadBack, OfAProvisioningOnAReadOnlyDiskFails) {
     ASSERT_TRUE(disk.setReadOnly(true));
     expectNotOnDisk(profile.run({"provision", link}), "not on the disk");
