@@ -7,11 +7,11 @@
 
 namespace ZelUnified {
 
-/// Logs the operations of one class. A helper class that carries out some of them logs through the same object: the
-/// line names the operation as a member of the class, not of the helper. Immutable, so any thread may use it.
+/// Logs the operations of one class. A helper class that implements some of them uses the same object, so the line
+/// names the operation as a member of the class, not of the helper. Immutable, so any thread may use it.
 class OperationLogger {
 public:
-    /// `className` comes without its namespace. The host's logger is "ConfigService-" followed by it.
+    /// Uses the host's logger "ConfigService-" + `className`. `className` has no namespace.
     explicit OperationLogger(std::string_view className);
 
     ZelLogger& getLogger() const noexcept { return logger; }
