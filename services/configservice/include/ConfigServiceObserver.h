@@ -9,7 +9,7 @@ namespace ZelUnified {
 /// Observes the configuration service. The service holds a weak reference and calls it on the services dispatcher's
 /// thread. The order of the operations is part of the contract.
 ///
-/// A callback may read, write, register and unregister. It must not wait for another thread, and must not start, stop,
+/// A callback may read, write, connect and disconnect. It must not wait for another thread, and must not start, stop,
 /// refresh or reset the feature set.
 class LUMORA_CONFIG_API ConfigServiceObserver : public virtual UnifiedBusinessObjectObserver,
                                                 public virtual UnifiedServiceObserver {

@@ -10,7 +10,7 @@ namespace ZelUnified {
 /// dispatcher's thread, once for each property that changed, after it has updated all of them. The order of the
 /// operations is part of the contract.
 ///
-/// A callback may read, write, register and unregister. It must not wait for another thread, and must not start, stop,
+/// A callback may read, write, connect and disconnect. It must not wait for another thread, and must not start, stop,
 /// refresh or reset the feature set: if the change was made on this thread, the chain's lock is held during the
 /// callback.
 class LUMORA_CONFIG_API ConfigValueObserver : public virtual UnifiedBusinessObjectObserver {

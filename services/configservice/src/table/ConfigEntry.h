@@ -10,8 +10,8 @@ namespace ZelUnified {
 
 class EntryBlocks;
 
-/// A key and its value in one block of memory: a table needs one allocation for each entry, and finding a key also
-/// loads its value into the cache. A value that does not fit its space moves to a separate allocation. Zeroes each
+/// A key and its value in one block of memory: a table needs one allocation for each entry, and each value is
+/// next to its key. A value that does not fit its space moves to a separate allocation. Zeroes each
 /// value before freeing or overwriting it.
 class ConfigEntry {
 public:
