@@ -30,7 +30,7 @@ public:
     /// the previous content.
     void setContent(const char* bytes, std::size_t length) override;
     void withClearText(const std::function<void(std::string_view)>& use) const override;
-    /// Enciphers the content anew: unlike a copy by value, the result shares nothing with this one.
+    /// Enciphers the content again: unlike a copy by value, the result shares nothing with this one.
     std::shared_ptr<const storage::ProtectedText> copy() const override;
 
     /// Decrypts the content into `buffer`. Leaves `buffer` unchanged if there is no content or the cipher fails.

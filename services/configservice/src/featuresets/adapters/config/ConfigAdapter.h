@@ -43,8 +43,8 @@ class LUMORA_CONFIG_API ConfigAdapter final : public FeatureSetAdapter,
                                               public std::enable_shared_from_this<ConfigAdapter> {
 public:
     /// Constructs an adapter without a factory and a chain, for the type's export. Its operations do nothing, with two
-    /// exceptions: registering or unregistering a store-added observer requires a chain, and InvokeResetData() still
-    /// deletes the user's files and policy.
+    /// exceptions: store-added observers must not be registered or unregistered, because there is no chain, and
+    /// InvokeResetData() still deletes the user's files and policy.
     ConfigAdapter();
     /// Builds the whole chain, without starting the feature set. The chain calls the adapter before this constructor
     /// returns, so no class may derive from the adapter.

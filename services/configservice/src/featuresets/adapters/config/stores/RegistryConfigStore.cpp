@@ -176,8 +176,8 @@ void RegistryConfigStore::deleteSubkeys(Registry& registry, HKEY root, HKEY key,
     while (registry.RegEnumKeyExW(key, 0, name, nameLength) == RegistryResult::Success) {
         std::wstring child(name.data(), nameLength);
         place(subkey, prefixLength, child);
-        // With an empty name the path would be that of this key. A key whose path was truncated counts as deleted
-        // although it still exists, so a repeated name ends the loop.
+        // If the buffer has no space for the name, the path would be that of this key. A key whose path was truncated
+        // counts as deleted although it still exists, so a repeated name ends the loop.
         if (lengthOf(subkey) == prefixLength || child == previous || !regDelnodeRecurse(root, subkey)) {
             break;
         }

@@ -13,8 +13,8 @@
 
 namespace ZelUnified {
 
-/// Sets `value` to `found` and returns true; if `found` is empty, clears `value` and returns false. The FIPS override
-/// applies to a hit.
+/// Sets `value` to `found` and returns true; if `found` has no value, clears `value` and returns false. The FIPS
+/// override applies to a hit.
 inline bool answerWith(std::optional<std::wstring_view> found, const FoldedKey& key, std::wstring& value) {
     if (!found) {
         value.clear();
