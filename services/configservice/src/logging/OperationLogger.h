@@ -9,11 +9,11 @@
 
 namespace ZelUnified {
 
-/// Logs the operations of one class. A helper class that carries out some of them logs through the same object: the
-/// line names the operation as a member of the class, not of the helper. Immutable, so any thread may use it.
+/// Logs the operations of one class. A helper class that implements some of them uses the same object, so the line
+/// names the operation as a member of the class, not of the helper. Immutable, so any thread may use it.
 class OperationLogger {
 public:
-    /// `loggedClass` is a literal, without its namespace. The host's logger is "ConfigService-" followed by it.
+    /// Uses the host's logger "ConfigService-" + `loggedClass`. `loggedClass` is a literal without a namespace.
     explicit OperationLogger(std::string_view loggedClass);
 
     ZelLogger& getLogger() const noexcept { return logger; }

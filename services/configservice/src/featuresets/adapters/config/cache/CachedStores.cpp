@@ -62,7 +62,7 @@ void CachedStores::InitialiseCachedConfigStores() {
     addUrlProvisioningStore({ZEL_HERE});
 }
 
-/// Comes last, so that the product's mode is read with all the other copies in the chain.
+/// Called last, so that the lookup of the product mode includes all other copies.
 void CachedStores::addPresenceStore(const std::wstring& priority) {
     const std::wstring name(ConfigKeys::presenceConfigStore);
     std::wstring productMode;
@@ -93,7 +93,7 @@ void CachedStores::addCachedConfigStore(const std::string& name, int priority) {
     if (getLumoraSDKMode() || isRefused(name, "cached store not read", {ZEL_HERE})) {
         return;
     }
-    // The copy bears the live store's own name, so that the live store takes its place on arrival.
+    // The copy has the name of the live store, so that the live store replaces it when added.
     configStoreManager->addStore(
         std::make_shared<CacheConfigStore>(name, priority, CachedConfigFiles::getPathOfCopy(name)));
 }
@@ -113,7 +113,7 @@ void CachedStores::cacheStoreOnConfigStoreAdded(const std::shared_ptr<ConfigStor
     const int priority = store->getCachedPriority();
     updateCacheStorePriority(store->getName(), priority);
     const auto fileName = CachedConfigFiles::getFileName(store->getName());
-    // Exists to write the file, and never joins the chain.
+    // This store only writes the file; it is never added to the chain.
     const int writerPriority = priority == std::numeric_limits<int>::max() ? priority : priority + 1;
     const CacheConfigStore writer(fileName, writerPriority, CachedConfigFiles::getPath(fileName), values);
     if (configStoreManager->hasStoreWithName(fileName)) {
