@@ -1,5 +1,5 @@
-// Any file that is read gives the same keys after it is written and read again,
-// unchanged.
+// Any file that is read gives the same keys after it is written and read again, and no keys after all of them are
+// removed.
 #include "Require.h"
 
 #include <registry/RegistryTextFile.h>
