@@ -27,7 +27,7 @@ public:
     /// Creates the files of an earlier run: the user's two, the copy of a downloaded document, that of a provisioning
     /// link, and those that the report quotes. The values are "old".
     void leaveFiles();
-    /// Ends the run. Pending writes are done.
+    /// Ends the run and drops pending writes.
     void unload();
     /// Ends the run and starts the next one on the same files.
     void restart();
