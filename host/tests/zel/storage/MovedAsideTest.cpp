@@ -193,7 +193,7 @@ TEST_F(MovedAsideTest, TheNewestFiveAreKeptAndDirectoriesAreLeftAlone) {
     for (int i = 1; i <= 12; ++i) {
         writeFile(config / "lumoraLocalConfig.dat", "rubbish " + std::to_string(i));
         check(configDirectory);
-        if (i == 6) { // replaced in place, as a write does it
+        if (i == 6) { // replaced in place, as a write does
             writeFile(config / "lumoraLocalConfig.dat", "rubbish while writing");
             write("lumoraLocalConfig.dat");
         }

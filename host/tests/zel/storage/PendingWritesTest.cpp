@@ -36,7 +36,7 @@ using Operation = testing_host::FaultInjectingFileLayer::Operation;
 
 namespace fs = std::filesystem;
 
-/// Writes that fail because the disk is full, until heal().
+/// Tests writes that fail because the disk is full until heal().
 struct PendingWritesTest : testing::Test {
     testing_host::StorageProfile storage;
     const std::string path = storage.configFile("settings.dat");

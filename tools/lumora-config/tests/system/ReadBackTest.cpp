@@ -22,7 +22,7 @@ Profile& withSdkMode(Profile& profile) {
 
 } // namespace
 
-/// A profile whose configuration directory is a disk of its own.
+/// A profile whose configuration directory is a separate file system.
 class ReadBack : public testing::Test {
 protected:
     void SetUp() override {
@@ -250,7 +250,7 @@ TEST(ReadBackOfAResetOfTheData, FailsIfThePolicyIsStillThere) {
     EXPECT_THAT(outcome.error, HasSubstr("policy.reg is still there"));
 }
 
-/// A change that takes a while to write, because the file is large.
+/// A change that takes long to write because the file is large.
 class ChangeUnderWay : public testing::Test {
 protected:
     ChangeUnderWay() { EXPECT_EQ(profile.shell({"set Big " + std::string(4000000, 'x')}).exitCode, 0); }

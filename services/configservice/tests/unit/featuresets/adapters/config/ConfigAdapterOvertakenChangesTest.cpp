@@ -11,7 +11,7 @@ using configservice_test::RecordingValueObserver;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// Changes that wait for the services dispatcher while later ones of the same key are applied directly.
+/// Changes that are queued on the services dispatcher while later changes of the same key are applied directly.
 class ConfigAdapterOvertakenChanges : public ConfigAdapterFixture {
 protected:
     ConfigAdapterOvertakenChanges() {
@@ -34,7 +34,7 @@ protected:
         return observer;
     }
 
-    /// Compares everything that a lookup can answer with what the record says.
+    /// Compares the complete result of a lookup with the record.
     void expectRecordEqualsLookup(const std::wstring& key) {
         std::wstring value;
         std::wstring storeName;
