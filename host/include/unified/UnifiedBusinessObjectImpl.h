@@ -101,8 +101,7 @@ private:
     template <class Observer>
     std::vector<std::shared_ptr<Observer>> collectObservers() {
         std::vector<std::shared_ptr<Observer>> collected;
-        std::vector<std::shared_ptr<UnifiedBusinessObjectObserver>> held; // prevents destruction of an observer under
-                                                                          // the lock
+        std::vector<std::shared_ptr<UnifiedBusinessObjectObserver>> held; // not destroyed under the lock
         const std::lock_guard lock(observersMutex);
         collected.reserve(observers.size());
         held.reserve(observers.size());

@@ -8,13 +8,13 @@
 
 namespace zel::storage {
 
-/// The protected files at and below one directory: those that end in ".dat", and those moved aside.
+/// The protected files at and below one directory: the files that end in ".dat", and those moved aside.
 class ProtectedFileTree {
 public:
-    /// `access` outlives the tree.
+    /// `access` must outlive the tree.
     ProtectedFileTree(ProtectedFiles& access, std::string root);
 
-    /// Examines what is on the disk and adds what `writes` knows, sorted by path.
+    /// Checks the files on the disk and adds the records of `writes`, sorted by path.
     std::vector<ProtectedFileHealth> examine(const PendingWrites& writes) const;
     void moveAsideUnusable() const;
     std::vector<KeptFile> listMovedAside() const;
