@@ -113,8 +113,7 @@ int LoginManagerBus::requestInhibitor() {
 int LoginManagerBus::onInhibited(sd_bus_message* reply, void* self, sd_bus_error*) {
     auto& connection = *static_cast<LoginManagerBus*>(self);
     connection.inhibitorRequested = false;
-    if (const auto sender = senderOf(reply); sender != busService) { // the bus itself replies if the service does not
-                                                                     // exist
+    if (const auto sender = senderOf(reply); sender != busService) { // the bus replies for a missing service
         connection.loginManager = sender;
     }
     connection.acceptInhibitor(reply);
