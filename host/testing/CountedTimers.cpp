@@ -73,8 +73,7 @@ private:
     mutable std::mutex mutex; ///< Guards all members below.
     Wait wait = Wait::AsAsked;
     Alarm lastNumber = 0;
-    std::map<Alarm, Alarm> pending; ///< Maps the returned number to the real one, which is 0 while the alarm is being
-                                    ///< set.
+    std::map<Alarm, Alarm> pending; ///< Returned number to real one, which is 0 until set() returns.
 };
 
 CountedTimers::CountedTimers() : source(std::make_shared<Source>()) {

@@ -4,7 +4,7 @@
 
 namespace ZelUnified {
 
-/// Provides the client's credentials. Only the headers of other plug-ins refer to this interface; the host calls none
+/// Provides the client's credentials. The headers of other plug-ins refer to this interface; the host calls none
 /// of its operations.
 class LUMORA_HOST_API Authenticator {
 public:

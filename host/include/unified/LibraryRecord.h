@@ -5,7 +5,7 @@
 
 namespace ZelUnified {
 
-/// Describes a loaded library. Only the headers of other plug-ins refer to it; the host reads none.
+/// Describes a loaded library. The headers of other plug-ins refer to it; the host reads none.
 struct LibraryRecord {
     std::string name;
     std::string path;

@@ -15,7 +15,7 @@ class LifeCycleObserver;
 #pragma clang diagnostic ignored "-Woverloaded-virtual" // as in UnifiedService
 #endif
 
-/// The stages of the client's session. Only the headers of other plug-ins refer to it; the host neither provides nor
+/// The stages of the client's session. The headers of other plug-ins refer to it; the host neither provides nor
 /// reads one.
 class LUMORA_HOST_API LifeCycle : public virtual UnifiedBusinessObject {
 public:

@@ -15,7 +15,7 @@ class ServerHealthInformationObserver;
 #pragma clang diagnostic ignored "-Woverloaded-virtual" // as in UnifiedService
 #endif
 
-/// The client's information on the state of one server. Only the headers of other plug-ins refer to it; the host
+/// The client's information on the state of one server. The headers of other plug-ins refer to it; the host
 /// neither provides nor reads one.
 class LUMORA_HOST_API ServerHealthInformation : public virtual UnifiedBusinessObject {
 public:

@@ -16,7 +16,7 @@ public:
 
     /// Returns the service registered under `id`; null if there is none. Any thread.
     virtual std::shared_ptr<UnifiedService> getService(unsigned int id) = 0;
-    /// Destroys the host's factory; afterwards getService() returns null.
+    /// Ends the host; afterwards getService() returns null.
     virtual void reset() = 0;
     /// Sets the callback that is called for each posted task; null for none.
     virtual void setDispatcherCallback(std::shared_ptr<ServicesDispatcherCallback> callback) = 0;

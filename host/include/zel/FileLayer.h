@@ -37,7 +37,7 @@ public:
     virtual int sync(Handle handle) = 0;
     virtual int close(Handle handle) = 0;
 
-    /// Renames a file and replaces `to`. If both names are links to one file, both remain.
+    /// Renames a file and replaces `to`. If both are hard links to one file, both remain.
     virtual int rename(const std::string& from, const std::string& to) = 0;
     /// Creates a second name for a file. Returns EEXIST if the name exists.
     virtual int link(const std::string& existing, const std::string& name) = 0;

@@ -42,8 +42,7 @@ private:
 
     const PowerEventReceiver receiver;
     std::unique_ptr<sd_bus, decltype(&sd_bus_close_unref)> bus{nullptr, &sd_bus_close_unref};
-    std::string loginManager; ///< Its unique name on the bus. Needed because any process may send a signal with the
-                              ///< same content.
+    std::string loginManager; ///< Its unique bus name: any process may send the same signals.
     bool inhibitorRequested = false;
     PowerEventHold inhibitor;
 };
