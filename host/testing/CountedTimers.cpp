@@ -70,10 +70,10 @@ private:
     }
 
     const std::shared_ptr<TimerSource> real = TimerSource::getInstance();
-    mutable std::mutex mutex; ///< Guards all below.
+    mutable std::mutex mutex; ///< Guards all members below.
     Wait wait = Wait::AsAsked;
     Alarm lastNumber = 0;
-    std::map<Alarm, Alarm> pending; ///< By the number given out, the real one's; 0 while it is being set.
+    std::map<Alarm, Alarm> pending; ///< Returned number to real one, which is 0 until set() returns.
 };
 
 CountedTimers::CountedTimers() : source(std::make_shared<Source>()) {

@@ -5,7 +5,7 @@
 
 namespace testing_host {
 
-/// While it lives, every BackgroundTimer that is started runs on the process's real timer thread and is counted.
+/// While it exists, runs every started BackgroundTimer on the process's real timer thread and counts it.
 class CountedTimers {
 public:
     enum class Wait { AsAsked, None };
@@ -15,11 +15,11 @@ public:
     CountedTimers(const CountedTimers&) = delete;
     CountedTimers& operator=(const CountedTimers&) = delete;
 
-    /// Whether timers that are started from here on wait at all.
+    /// Sets whether timers that are started later wait or fire immediately.
     void setWait(Wait wait);
-    /// Timers that are started, have not fired and were not stopped.
+    /// Returns the number of timers that were started, have not fired and were not stopped.
     std::size_t getPendingCount() const;
-    /// Waits until the timer thread has done what it was asked for so far. False when it doesn't.
+    /// Waits until the timer thread has handled all requests so far. Returns false on timeout.
     bool settle() const;
 
 private:

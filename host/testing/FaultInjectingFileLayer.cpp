@@ -10,7 +10,7 @@ using zel::storage::FileKind;
 
 namespace {
 
-/// The error of the fault whose turn it is; 0 for none.
+/// Counts one call. Returns the error of the fault that is due; 0 if there is none.
 template <typename Faults>
 int takeDue(Faults& faults) {
     int error = 0;
@@ -77,7 +77,7 @@ void FaultInjectingFileLayer::cutPower(std::size_t keptNames) {
     unsynced.revert(keptNames);
 }
 
-/// Counts the call; the error that it is to fail with, or 0.
+/// Records the call. Returns the error with which it must fail, or 0.
 int FaultInjectingFileLayer::enter(Operation operation) {
     calls.push_back(operation);
     const int error = takeDue(faults);
@@ -91,7 +91,7 @@ int FaultInjectingFileLayer::enter(Operation operation) {
     return error != 0 ? error : operationError;
 }
 
-/// Forgets the change told of last when it failed.
+/// Removes the last recorded change if the operation failed.
 int FaultInjectingFileLayer::keep(int error) {
     if (error != 0) {
         unsynced.dropLast();

@@ -14,9 +14,9 @@
 
 namespace testing_host {
 
-/// The platform's files, with failures at chosen calls, writes that take a part, a disk that fills up, and a power cut
-/// that takes back what was not synced. A call that fails does nothing, but a handle is closed all the same. Any
-/// thread.
+/// A file layer on the platform's files that can make chosen calls fail, write fewer bytes than requested, simulate a
+/// full disk, and simulate a power cut that reverts unsynced changes. A failing call has no effect, except that a
+/// handle is closed anyway. Any thread.
 class FaultInjectingFileLayer final : public zel::storage::FileLayer {
 public:
     enum class Operation {
@@ -34,24 +34,24 @@ public:
         LockDirectory
     };
 
-    /// The call that many calls from now, 1 is the next one, fails once.
+    /// Makes one later call fail once; 1 is the next call.
     void failAt(std::size_t call, int error);
-    /// The same among calls of one operation.
+    /// The same, but counts only the calls of one operation.
     void failAt(Operation operation, std::size_t call, int error);
-    /// From that call on all fail, as if the process were gone.
+    /// Makes that call and all later ones fail, as if the process had died.
     void dieAt(std::size_t call);
-    /// No write takes more bytes than that at once.
+    /// Limits the number of bytes per write.
     void limitWrites(std::size_t bytes);
-    /// The disk takes that many bytes more; a write that does not fit takes what does, the next one fails.
+    /// Sets the free space of the disk. A write that exceeds it writes the bytes that fit; the next one fails.
     void setFreeSpace(std::size_t bytes);
-    /// Ends all of the above.
+    /// Removes all faults and limits set above.
     void heal();
 
-    /// All calls so far, those that failed too.
+    /// Returns all calls so far, including the failed ones.
     std::vector<Operation> getCalls() const;
     std::size_t countUnsyncedNames() const;
-    /// The machine stops: bytes that were not synced are gone, and of the changes of names that were not, all but the
-    /// first `keptNames`. Heals.
+    /// Simulates a power cut: removes bytes that were not synced, and reverts all unsynced changes of names except the
+    /// first `keptNames`. Then heals.
     void cutPower(std::size_t keptNames);
 
     int createFile(const std::string& path, Handle& handle) override;

@@ -12,23 +12,24 @@
 
 namespace testing_host {
 
-/// A services dispatcher without a thread: tasks wait until the test runs them. The thread that made it owns it.
+/// A services dispatcher without a thread: tasks are queued until the test runs them. The thread that constructs it is
+/// its owner.
 class HeldServicesDispatcher final : public ZelUnified::Processing::ServicesDispatcher {
 public:
     bool checkForUpdateAccess() const override;
     void enqueue(std::shared_ptr<zel::Task> task, bool ahead) override;
-    /// Runs the task at once.
+    /// Runs the task immediately.
     void enqueueBlock(std::shared_ptr<zel::Task> task, bool ahead) override;
 
-    /// From here on no thread has access until claim() or runAll(): everything is posted.
+    /// Removes access from all threads until claim() or runAll(); everything is posted.
     void disown();
     /// Gives access to the calling thread.
     void claim();
 
     std::vector<std::string> getTaskNames() const;
-    /// Runs what waits, and what that posts, with access for the calling thread.
+    /// Runs all queued tasks, including those that they post. The calling thread has access during the call.
     void runAll();
-    /// Drops what waits.
+    /// Drops all queued tasks.
     void clear();
 
 private:

@@ -10,16 +10,16 @@
 
 namespace testing_host {
 
-/// A background dispatcher without a thread: tasks wait until the test runs them.
+/// A background dispatcher without a thread: tasks are queued until the test runs them.
 class HeldTaskDispatcher final : public ZelUnified::Processing::TaskDispatcher {
 public:
     void enqueue(std::shared_ptr<zel::Task> task) override;
     void enqueue(std::function<void()> work, const std::string& name) override;
 
     std::vector<std::string> getTaskNames() const;
-    /// Runs what waits, and what that posts.
+    /// Runs all queued tasks, including those that they post.
     void runAll();
-    /// Drops what waits.
+    /// Drops all queued tasks.
     void clear();
 
 private:

@@ -11,14 +11,13 @@
 
 namespace testing_host {
 
-/// A registry in memory that is the process's own while it lives, remembers what was opened, and fails where it is
-/// told. For one thread.
+/// An in-memory registry that records the opened keys and makes chosen calls fail. Not thread-safe.
 class InMemoryRegistry final : public zel::registry::RegistryHive {
 public:
     using HKEY = zel::registry::HKEY;
     using RegistryResult = zel::registry::RegistryResult;
 
-    /// Makes one and puts it in the place of the platform's until the last holder lets it go.
+    /// Creates a registry and installs it as the process's registry until the last owner releases it.
     class Installed {
     public:
         Installed();
@@ -42,16 +41,16 @@ public:
     void setText(HKEY root, std::wstring_view path, std::wstring name, std::wstring_view text);
     void setNumber(HKEY root, std::wstring_view path, std::wstring name, std::uint32_t number);
 
-    /// From here on opening, or deleting, that path answers the result. Success with no handle: the null key.
+    /// Makes opening (or deleting) that path return the result. Success returns no handle, but the null key.
     void failOpening(std::wstring path, RegistryResult result) { failingToOpen[std::move(path)] = result; }
     void failDeleting(std::wstring path, RegistryResult result) { failingToDelete[std::move(path)] = result; }
-    /// From here on enumerating subkeys fails at that index, whichever key.
+    /// Makes enumerating subkeys fail at that index, for every key.
     void failEnumerating(std::uint32_t index) { failingIndex = static_cast<std::int64_t>(index); }
 
     const std::vector<Opened>& getOpened() const { return opened; }
-    /// The keys whose deletion was asked for.
+    /// Returns the keys that were passed to RegDeleteKeyW(), including failed deletions.
     const std::vector<std::wstring>& getDeletions() const { return deletions; }
-    /// Handles given to RegCloseKey().
+    /// Returns the handles that were passed to RegCloseKey().
     const std::vector<HKEY>& getClosed() const { return closed; }
 
     RegistryResult RegOpenKeyExW(HKEY key, const wchar_t* subkey, std::uint32_t options, std::uint32_t access,

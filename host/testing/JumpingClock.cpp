@@ -22,7 +22,7 @@ int askClock(clockid_t clock, timespec* moment) {
 
 } // namespace
 
-// In the place of the library's, for all libraries of the process.
+// Replaces the library's functions, for all libraries of the process.
 // NOLINTBEGIN(readability-inconsistent-declaration-parameter-name): the library's names are reserved ones.
 extern "C" {
 

@@ -4,9 +4,9 @@
 
 namespace testing_host {
 
-/// Sets the wall clock of this process, and of nobody else, until its life ends. The monotonic clock goes on as it is,
-/// and so do the times that the file system writes. A program that uses it has its questions for the time answered
-/// here.
+/// Shifts the wall clock of this process until the object is destroyed. Does not affect other processes, the monotonic
+/// clock or the times that the file system writes. It replaces the time functions of the library for a program that
+/// links it.
 class JumpingClock {
 public:
     JumpingClock() = default;
@@ -14,7 +14,7 @@ public:
     JumpingClock(const JumpingClock&) = delete;
     JumpingClock& operator=(const JumpingClock&) = delete;
 
-    /// Forward, or back for a negative time.
+    /// Moves the clock forward, or back for a negative duration.
     void jump(std::chrono::seconds by);
 };
 

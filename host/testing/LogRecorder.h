@@ -9,7 +9,7 @@
 
 namespace testing_host {
 
-/// Collects every log record while it lives. Debug lines only when asked for.
+/// Collects every log record while it exists. Debug lines only on request.
 class LogRecorder {
 public:
     enum class Debug { Off, On };
@@ -20,11 +20,11 @@ public:
     LogRecorder& operator=(const LogRecorder&) = delete;
 
     std::vector<zel::logging::LogRecord> getRecords() const;
-    /// The texts of one logger, in order.
+    /// Returns the texts of one logger, in order.
     std::vector<std::string> getTexts(std::string_view logger) const;
-    /// The texts of one level, in order.
+    /// Returns the texts of one level, in order.
     std::vector<std::string> getTexts(ZelLogLevel level) const;
-    /// Whether any record holds `part` in its text.
+    /// Returns true if the text of any record contains `part`.
     bool mentions(std::string_view part) const;
     void clear();
 

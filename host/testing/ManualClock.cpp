@@ -53,8 +53,8 @@ private:
         return wait > never - now ? never : now + wait;
     }
 
-    /// The next alarm up to `target`, with the clock moved to it; empty, with the clock at `target`, when there is
-    /// none.
+    /// Returns the next alarm up to `target` and moves the clock to it; if there is none, moves the clock to `target`
+    /// and returns an empty function.
     std::function<void()> takeDue(std::int64_t target) {
         const std::lock_guard lock(mutex);
         if (pending.empty() || pending.begin()->first.first > target) {
@@ -68,7 +68,7 @@ private:
         return ring;
     }
 
-    mutable std::mutex mutex; ///< Guards all below; never held while an alarm rings.
+    mutable std::mutex mutex; ///< Guards all members below; never held while an alarm rings.
     std::int64_t now = 0;
     Alarm lastAlarm = 0;
     std::map<std::pair<std::int64_t, Alarm>, std::function<void()>> pending;

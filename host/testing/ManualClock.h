@@ -6,8 +6,7 @@
 
 namespace testing_host {
 
-/// While it lives, every BackgroundTimer that is started follows this clock, which stands still until the test moves
-/// it.
+/// While it exists, every started BackgroundTimer uses this clock, which moves only by advance().
 class ManualClock {
 public:
     ManualClock();
@@ -15,10 +14,10 @@ public:
     ManualClock(const ManualClock&) = delete;
     ManualClock& operator=(const ManualClock&) = delete;
 
-    /// Moves the clock. What falls due on the way fires on the calling thread, in order of time and then of start; so
-    /// does what these callbacks start, if it falls due. advance(0) fires the timers of at most 0 seconds.
+    /// Moves the clock. Fires each timer that becomes due on the calling thread, in order of time and then of start,
+    /// including timers that these callbacks start. advance(0) fires the timers of at most 0 seconds.
     void advance(std::int64_t seconds);
-    /// Timers that are started and have not fired.
+    /// Returns the number of timers that were started and have not fired.
     std::size_t getPendingCount() const;
 
 private:

@@ -11,7 +11,7 @@
 #include <sstream>
 #include <string>
 
-// A sanitizer's allocator, where there is one, knows what the library's own one doesn't.
+// Weak: only a sanitizer's allocator defines it, and then the library's own statistics are incomplete.
 std::size_t bytesOfSanitizer() __asm__("__sanitizer_get_current_allocated_bytes") __attribute__((weak));
 
 namespace testing_host {
@@ -36,16 +36,16 @@ std::size_t measureResident() {
 
 std::size_t countDescriptors() {
     const std::filesystem::directory_iterator descriptors("/proc/self/fd");
-    // Reading the folder takes one of its own.
+    // Excludes the descriptor with which the folder is read.
     return static_cast<std::size_t>(std::distance(begin(descriptors), end(descriptors))) - 1;
 }
 
-/// Whether the thread has not ended: it stays listed for a moment after others were told of its end.
+/// Returns true if the thread has not ended: it stays listed for a moment after it was joined.
 bool isAlive(const std::filesystem::path& task) {
     constexpr unsigned long exiting = 4;
     std::ifstream stream(task / "stat");
     const std::string line{std::istreambuf_iterator<char>(stream), {}};
-    // Behind the name, which may hold anything.
+    // Starts after the name, which may contain any character.
     std::istringstream fields(line.substr(line.rfind(')') + 1));
     std::string skipped;
     unsigned long flags = exiting;

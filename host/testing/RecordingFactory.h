@@ -11,13 +11,13 @@
 
 namespace testing_host {
 
-/// A factory without threads: both dispatchers are held, and the loads that were tried are remembered. Items are filed
-/// through getServices() and getFeatureSets(). A test that files something calls Destroy() at its end.
+/// A factory without threads: both dispatchers are held, and the attempted loads are recorded. A test registers items
+/// with getServices() and getFeatureSets(), and must then call Destroy() at its end.
 class RecordingFactory : public ZelUnified::UnifiedFactory {
 public:
     void StartFeatureSet(unsigned int id, std::shared_ptr<ZelUnified::ServiceEventList> events) override;
     void StopFeatureSet(unsigned int id, std::shared_ptr<ZelUnified::ServiceEventList> events) override;
-    /// Destroys the feature sets and lets go of everything filed and queued.
+    /// Destroys the feature sets and releases all registered items and queued tasks.
     void Destroy() override;
     bool IsFeatureSetStarted(unsigned int id) override;
     bool IsFeatureSetProvisioned(unsigned int id) override;

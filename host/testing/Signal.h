@@ -6,17 +6,17 @@
 
 namespace testing_host {
 
-/// Something that happens once, on another thread. The deadline only ends a test that would hang.
+/// A one-time event from another thread. The timeout only ends a test that would hang.
 class Signal {
 public:
     void set() {
-        // Under the lock: who waits may end this object's life at once.
+        // Notifies under the lock, because the waiting thread may destroy this object immediately.
         const std::lock_guard lock(mutex);
         happened = true;
         changed.notify_all();
     }
 
-    /// False when it did not happen before the deadline.
+    /// Returns false on timeout.
     bool wait() { return waitFor(std::chrono::seconds(60)); }
     bool waitFor(std::chrono::milliseconds timeout) {
         std::unique_lock lock(mutex);

@@ -18,7 +18,8 @@ void writeLine(const char* path, const std::string& line) {
     std::ofstream(path) << line;
 }
 
-/// A view of the file systems that nobody else sees; who is not root becomes it in there. Once for the process.
+/// Creates a mount namespace for this process, once; without root also a user namespace in which the user is root.
+/// Returns the reason of a failure.
 std::string makeOwnView() {
     const auto user = geteuid();
     const auto group = getegid();

@@ -6,7 +6,7 @@
 
 namespace testing_host {
 
-/// A real file system of a few kilobytes over a folder, for this process alone, until its life ends.
+/// A real file system of a few kilobytes, mounted on a folder for this process only, until the object is destroyed.
 class SmallDisk {
 public:
     SmallDisk(const std::filesystem::path& folder, std::size_t bytes);
@@ -14,14 +14,14 @@ public:
     SmallDisk(const SmallDisk&) = delete;
     SmallDisk& operator=(const SmallDisk&) = delete;
 
-    /// Why the machine does not allow it; empty when it stands.
+    /// Returns the reason why the mount is not possible; empty if it succeeded.
     const std::string& getObstacle() const { return obstacle; }
 
-    /// Leaves room for nothing.
+    /// Fills the free space.
     void fill();
-    /// Takes back what fill() wrote.
+    /// Removes the data that fill() wrote.
     void empty();
-    /// False when the system refuses.
+    /// Remounts the file system. Returns false on failure.
     bool setReadOnly(bool readOnly);
 
 private:

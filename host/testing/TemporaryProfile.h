@@ -6,8 +6,8 @@
 
 namespace testing_host {
 
-/// A profile of its own under the temporary folder: the host's directories point into it while it lives, and it is
-/// removed at the end.
+/// A profile in a new temporary folder: the host's directories are in it while the object exists; the destructor
+/// removes it.
 class TemporaryProfile {
 public:
     TemporaryProfile();
@@ -25,9 +25,9 @@ private:
     std::filesystem::path base;
 };
 
-/// The whole file; empty when it can't be read.
+/// Returns the content of the file; empty if it cannot be read.
 std::string readFile(const std::filesystem::path& path);
-/// Writes the file, making its folder.
+/// Writes the file and creates its folder.
 void writeFile(const std::filesystem::path& path, std::string_view content);
 
 } // namespace testing_host

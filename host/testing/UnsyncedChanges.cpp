@@ -17,9 +17,9 @@ std::string parentOf(const std::string& path) {
     return fs::path(path).parent_path().string();
 }
 
-/// Puts the file's present content back, or the link that stands there now, or nothing where there is neither.
+/// Returns a function that restores the current content of the file, the current link, or the absence of both.
 std::function<void()> restorer(const std::string& path) {
-    // Not followed: it may lead nowhere, or to itself.
+    // Does not follow the link: it may be dangling or refer to itself.
     if (fs::is_symlink(fs::symlink_status(path))) {
         return [path, target = fs::read_symlink(path)] {
             fs::remove(path);

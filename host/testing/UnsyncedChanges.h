@@ -9,26 +9,26 @@
 
 namespace testing_host {
 
-/// What a power cut would take back: bytes of files that were not synced, and changes of names whose directory was not.
-/// Knows regular files, links and new directories. Not thread-safe.
+/// The changes that a power cut would revert: bytes of files that were not synced, and changes of names whose directory
+/// was not synced. Supports regular files, links and new directories. Not thread-safe.
 class UnsyncedChanges {
 public:
-    /// Tell of each change just before it is made, those of names; of bytes, after it.
+    /// Records a change. Call it just before a change of a name, and after a change of bytes.
     void creating(const std::string& path);
     void renaming(const std::string& from, const std::string& to);
     void linking(const std::string& existing, const std::string& name);
     void unlinking(const std::string& path);
     void creatingDirectory(const std::string& path);
-    /// The change told of last was not made after all.
+    /// Removes the last recorded change, because the operation failed.
     void dropLast();
 
     void written(const std::string& path, std::size_t count);
     void synced(const std::string& path);
     void syncedDirectory(const std::string& path);
 
-    /// Changes of names that are not safe yet.
+    /// Returns the number of unsynced changes of names.
     std::size_t countNames() const { return names.size(); }
-    /// Takes back all but the first `kept` of them, and all bytes that are not safe.
+    /// Reverts all unsynced changes of names except the first `kept`, and all unsynced bytes.
     void revert(std::size_t kept);
 
 private:

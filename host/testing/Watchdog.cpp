@@ -26,7 +26,7 @@ void writeStack(int) {
     std::array<void*, mostFrames> frames{};
     const int count = backtrace(frames.data(), mostFrames);
     backtrace_symbols_fd(frames.data(), count, STDERR_FILENO);
-    // Separates the threads; nothing can be done if it fails.
+    // Separates the threads; a failure cannot be handled.
     [[maybe_unused]] const auto written = write(STDERR_FILENO, "\n", 1);
     sem_post(&stackWritten);
 }
@@ -38,7 +38,7 @@ void writeAllStacks() {
         const auto id = std::stol(task.path().filename().string());
         std::fprintf(stderr, "thread %ld:\n", id);
         syscall(SYS_tgkill, getpid(), id, stackSignal);
-        // One thread at a time; one that can't be reached is passed over.
+        // One thread at a time; skips a thread that does not respond.
         timespec deadline{};
         clock_gettime(CLOCK_REALTIME, &deadline);
         deadline.tv_sec += secondsForOneStack;

@@ -7,8 +7,8 @@
 
 namespace testing_host {
 
-/// Ends the process when its scope takes too long, after writing the stack of every thread to standard error: a hang
-/// becomes a report.
+/// Ends the process if its scope exceeds a time limit, after it has written the stack of every thread to standard
+/// error, so that a test that hangs is reported.
 class Watchdog {
 public:
     explicit Watchdog(std::chrono::seconds limit = std::chrono::seconds(60));

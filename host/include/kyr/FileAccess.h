@@ -7,11 +7,11 @@
 
 namespace KyrCoreUtils {
 
-/// Who owns a file or a directory, and whether everybody may change it.
+/// The owner of a file or a directory, and whether every user may change it.
 struct FileAccess {
     enum class Owner {
         Self,          ///< The user of this process.
-        Administrator, ///< Root; a process of root owns its files itself.
+        Administrator, ///< Root. For a process of root, its files have the owner Self.
         Other
     };
 
@@ -19,7 +19,7 @@ struct FileAccess {
     std::string ownerName; ///< The user's name, or the number of a user without a name.
     bool writableByEverybody = false;
 
-    /// Returns the access of what the path (UTF-8) names, links followed; nothing if it does not exist or cannot be
+    /// Returns the access of the file at the path (UTF-8), following links; nullopt if it does not exist or cannot be
     /// inspected. Any thread.
     LUMORA_HOST_API static std::optional<FileAccess> of(const std::string& path);
 };

@@ -7,14 +7,15 @@
 
 namespace KyrCoreUtils {
 
-/// Numbers of our own: the standard library's differ between platforms, so a number never reaches it.
+/// Defined here because the numbers of the standard library differ between platforms; these numbers are never passed to
+/// it.
 enum class StreamMode : unsigned int { Read = 1, Write = 2 };
 
-/// Opens streams by paths in UTF-8. Nothing throws but a failed allocation. Any thread.
+/// Opens streams by UTF-8 paths. Throws only if an allocation fails. Any thread.
 class LUMORA_HOST_API FstreamUtils {
 public:
-    /// Opens a regular file in binary mode; Write truncates. On failure the stream is left closed with its failbit set:
-    /// a directory or an unreadable file counts as a failure.
+    /// Opens a regular file in binary mode; Write truncates it. On failure returns false and leaves the stream closed
+    /// with its failbit set. A directory or an unreadable file is a failure.
     static bool open(std::fstream& stream, const std::string& path, StreamMode mode);
 };
 

@@ -7,7 +7,7 @@
 
 namespace KyrCoreUtils {
 
-/// A task made of a function.
+/// A task that calls a function.
 class FunctionTask final : public zel::Task {
 public:
     FunctionTask(std::function<void()> function, std::string label)

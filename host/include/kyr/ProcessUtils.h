@@ -6,12 +6,12 @@
 
 namespace KyrCoreUtils {
 
-/// The running process. Nothing throws. Any thread.
+/// Information on the running process. Never throws. Any thread.
 class LUMORA_HOST_API ProcessUtils {
 public:
-    /// The folder in which the running program lies, UTF-8; "" when the platform can't tell.
+    /// Returns the folder of the running program in UTF-8; "" if it is unknown.
     static std::string getProgramFolder();
-    /// Somebody types what standard input reads.
+    /// Returns true if standard input is a terminal.
     static bool isInputTerminal() noexcept;
 };
 

@@ -6,14 +6,15 @@
 
 namespace KyrCoreUtils {
 
-/// A library loaded at run time. It is never unloaded: objects of its classes, tasks and type names outlive any moment
-/// at which that would be safe. Any thread.
+/// A library loaded at run time. It is never unloaded, because objects of its classes, tasks and type names may exist
+/// until the process ends. Any thread.
 class LUMORA_HOST_API SharedLibrary {
 public:
-    /// `path` is UTF-8. Throws std::runtime_error with the platform's reason, which names the file.
+    /// Loads the library; `path` is UTF-8. Throws std::runtime_error with the platform's reason, which includes the
+    /// file name.
     explicit SharedLibrary(const std::string& path);
 
-    /// The address of an exported symbol, never null. Throws std::runtime_error when there is none.
+    /// Returns the address of an exported symbol, never null. Throws std::runtime_error if there is none.
     void* find(const std::string& symbol) const;
 
 private:

@@ -8,63 +8,66 @@
 #include <string_view>
 #include <vector>
 
-/// Text helpers of the host. Narrow text is UTF-8 everywhere, wide text is UTF-32 or UTF-16 by the width of wchar_t.
-/// Nothing here depends on the C locale, throws on bad input, or stops at an embedded NUL.
+/// Text helpers of the host. Narrow text is UTF-8 everywhere, wide text is UTF-32 or UTF-16 by the width of wchar_t. No
+/// function depends on the C locale, throws on bad input, or stops at an embedded NUL.
 namespace KyrCoreUtils {
 
-/// Wide to UTF-8. A lone surrogate or a value beyond U+10FFFF becomes U+FFFD.
+/// Converts wide text to UTF-8. A lone surrogate or a value beyond U+10FFFF becomes U+FFFD.
 LUMORA_HOST_API std::string toString(std::wstring_view text);
 
-/// UTF-8 to wide. Each maximal ill-formed part becomes one U+FFFD.
+/// Converts UTF-8 to wide text. Each maximal ill-formed part becomes one U+FFFD.
 LUMORA_HOST_API std::wstring toWideString(std::string_view text);
-/// The same into a string whose memory is used again.
+/// Converts UTF-8 to wide text in `wide` and reuses its memory.
 LUMORA_HOST_API void toWideString(std::string_view text, std::wstring& wide);
-/// Decimal text.
+/// Returns the number in decimal.
 LUMORA_HOST_API std::wstring toWideString(int number);
 LUMORA_HOST_API std::wstring toWideString(unsigned int number);
-/// "true" or "false", which toBool() reads back. A template so that a literal never converts to bool by accident.
+/// Returns "true" or "false", which toBool() parses. A template, so that a string literal never converts to bool by
+/// accident.
 template <std::same_as<bool> Bool>
 std::wstring toWideString(Bool flag) {
     return flag ? L"true" : L"false";
 }
 
-/// Maps each code point by Unicode's simple lower-case mapping: idempotent. Wide text keeps its number of code units;
-/// what is ill-formed stays as it is.
+/// Maps each code point with Unicode's simple lower-case mapping, which is idempotent. Wide text keeps its number of
+/// code units; ill-formed parts are unchanged.
 LUMORA_HOST_API std::wstring toLowercase(std::wstring_view text);
 LUMORA_HOST_API std::string toLowercase(std::string_view text);
-/// The same in place.
+/// Like toLowercase(), in place.
 LUMORA_HOST_API void makeLowercase(std::wstring& text);
 
-/// Negative, zero or positive as `a` sorts before, with or behind `b`, lower-cased code point by code point.
-/// A strict weak order without locale or full folding: "ß" is not "ss". Allocates nothing.
+/// Returns a negative number, zero or a positive number if `a` sorts before, equal to or after `b`, comparing the
+/// lower-case code points. A strict weak order, independent of the locale and without full case folding: "ß" differs
+/// from "ss". Does not allocate.
 LUMORA_HOST_API int caseInsensitiveStringCompare(std::wstring_view a, std::wstring_view b) noexcept;
 LUMORA_HOST_API bool caseInsensitiveStringEquals(std::wstring_view a, std::wstring_view b) noexcept;
-/// As above on UTF-8; ill-formed bytes compare as they are.
+/// Compares UTF-8 text; ill-formed bytes compare as they are.
 LUMORA_HOST_API bool caseInsensitiveStringEquals(std::string_view a, std::string_view b) noexcept;
 
-/// Position of the first occurrence of `needle` in `text`, ignoring case, in code units; -1 when it is absent.
+/// Returns the position of the first case-insensitive occurrence of `needle` in `text`, in code units; -1 if there is
+/// none.
 LUMORA_HOST_API std::ptrdiff_t caseInsensitiveFind(std::wstring_view text, std::wstring_view needle);
 
-/// Cuts blank, tab, LF, VT, FF and CR from both ends.
+/// Removes blank, tab, LF, VT, FF and CR from both ends.
 LUMORA_HOST_API std::string trim(std::string_view text);
 LUMORA_HOST_API std::wstring trim(std::wstring_view text);
-/// The same without a copy: a part of `text`.
+/// Like trim(), but returns a view of `text` instead of a copy.
 LUMORA_HOST_API std::string_view trimmedView(std::string_view text) noexcept;
-/// The same from the left end only.
+/// Like trim(), but removes only from the left end.
 LUMORA_HOST_API std::string trimleft(std::string_view text);
 LUMORA_HOST_API std::wstring trimleft(std::wstring_view text);
 
-/// Replaces `pieces` by what stands between the occurrences of `separator`, a whole string. Every empty piece is kept,
-/// the trailing one too; the empty text gives no piece; an empty separator gives the text as one piece.
+/// Replaces `pieces` with the parts of `text` between the occurrences of the string `separator`. Keeps every empty
+/// part, including the last one. An empty text gives no part; an empty separator gives the whole text as one part.
 LUMORA_HOST_API void split(std::string_view text, std::vector<std::string>& pieces, std::string_view separator);
 LUMORA_HOST_API void split(std::wstring_view text, std::vector<std::wstring>& pieces, std::wstring_view separator);
 
-/// True for "true", "1", "yes" and "on" in any case, white space around them ignored; false for all else.
+/// Returns true for "true", "1", "yes" and "on", case-insensitive, ignoring white space around them; false otherwise.
 LUMORA_HOST_API bool toBool(std::string_view text) noexcept;
 LUMORA_HOST_API bool toBool(std::wstring_view text) noexcept;
 
-/// The decimal number, white space around it ignored, with an optional sign. `fallback` when the text is anything else
-/// or out of range.
+/// Parses a decimal number with an optional sign, ignoring white space around it. Returns `fallback` if the text is not
+/// a number or out of range.
 LUMORA_HOST_API int toInt(std::wstring_view text, int fallback) noexcept;
 
 } // namespace KyrCoreUtils

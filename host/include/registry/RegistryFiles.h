@@ -9,37 +9,39 @@
 
 namespace zel::registry {
 
-/// The folders of a registry that is made of files in the administrators' text format.
+/// The folders of a registry that consists of files in the administrators' text format.
 struct RegistryFolders {
-    /// Holds "HKEY_CURRENT_USER" and "HKEY_LOCAL_MACHINE", folders of ".reg" files. Never written.
+    /// Contains the folders "HKEY_CURRENT_USER" and "HKEY_LOCAL_MACHINE" with ".reg" files. Never written.
     std::string administrator;
-    /// Files of the current user's root, laid over the administrator's. Empty: getUserRegistryFolder().
+    /// Contains the files of the current user's root; they override the administrator's. If empty,
+    /// getUserRegistryFolder().
     std::string user;
 };
 
-/// The name of the default mail client, empty when none is known. Asked whenever the files are looked at.
+/// Returns the name of the default mail client, empty if it is unknown. Called each time the files are checked.
 using DefaultMailClient = std::function<std::wstring(HKEY root)>;
 
-/// The folder "registry" of the application data; "" when that folder is not known.
+/// Returns the folder "registry" in the application data; "" if the application data folder is unknown.
 LUMORA_HOST_API std::string getUserRegistryFolder();
 
-/// The administrator's folder; "" on a platform with a registry of its own.
+/// Returns the administrator's folder; "" on a platform that has a registry.
 LUMORA_HOST_API std::string getAdministratorRegistryFolder();
 
-/// A registry over these folders. Files are taken in the order of their names, a later one wins. They are looked at
-/// when a key is opened or deleted while no other is open, so that a walk through the tree sees one state of it.
+/// Returns a registry over these folders. Files are read in the order of their names; a later file overrides an earlier
+/// one. The files are checked for changes when a key is opened or deleted while no other key is open, so a traversal of
+/// the tree sees one state of it.
 ///
-/// Deleting a key takes it out of the user's files. A key that stands in an administrator's file can't be deleted: what
-/// the user's files say at and below it is dropped, so that the administrator's word stands bare, and the answer is
+/// Deleting a key removes it from the user's files. A key in an administrator's file cannot be deleted: the call
+/// removes the user's entries at and below the key, so that only the administrator's values remain, and returns
 /// AccessDenied.
 ///
-/// A recursive deletion rewrites each file once or twice, however many subkeys there are: after the deletion of a key
-/// was refused because it has subkeys, what the same thread deletes below it while a key is open is written when that
-/// key itself is deleted, or when the last open key is closed. If a file can't be written, that call returns
-/// AccessDenied and the keys of the file are there again; a key that was to be closed is closed.
+/// A recursive deletion rewrites each file once or twice, regardless of the number of subkeys. After the deletion of a
+/// key fails because the key has subkeys, deletions below it by the same thread while a key is open are written when
+/// that key itself is deleted or when the last open key is closed. If a file cannot be written, that call returns
+/// AccessDenied and the keys of the file exist again; a key passed to RegCloseKey() is closed anyway.
 ///
-/// Where a root has no "SOFTWARE\Clients\Mail", `defaultMailClient` fills it in. The user's files are rewritten through
-/// `files`, which must outlive the registry.
+/// If a root has no "SOFTWARE\Clients\Mail", `defaultMailClient` provides its value. The user's files are rewritten
+/// through `files`, which must outlive the registry.
 LUMORA_HOST_API std::shared_ptr<Registry>
 makeFileRegistry(RegistryFolders folders, DefaultMailClient defaultMailClient = {},
                  zel::storage::FileLayer& files = zel::storage::FileLayer::platform());

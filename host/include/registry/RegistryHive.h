@@ -12,15 +12,15 @@ namespace zel::registry {
 
 class RegistryTree;
 
-/// Where a key lies.
+/// The absolute position of a key.
 struct RegistryPlace {
     HKEY root{};
     std::wstring path;
 };
 
-/// A registry in memory: both roots, empty at first. Subkeys come in case-insensitive order, values in the order in
-/// which they were first set. A handle to a key that was deleted is an invalid one. Every operation takes the hive's
-/// own lock, the innermost one.
+/// An in-memory registry with both roots, initially empty. Subkeys are enumerated in case-insensitive order, values in
+/// the order in which they were first set. The handle of a deleted key is invalid. Every operation holds the hive's own
+/// lock; no other lock is acquired under it.
 class LUMORA_HOST_API RegistryHive : public Registry {
 public:
     RegistryHive();
@@ -28,20 +28,20 @@ public:
     RegistryHive(const RegistryHive&) = delete;
     RegistryHive& operator=(const RegistryHive&) = delete;
 
-    /// Makes the key and those above it.
+    /// Creates the key and its missing parents.
     void makeKey(HKEY root, std::wstring_view path);
-    /// Sets the value, making its key. An older value of that name keeps its place.
+    /// Sets the value and creates its key if necessary. An existing value of that name keeps its position.
     void setValue(HKEY root, std::wstring_view path, RegistryValue value);
-    /// Deletes the key with all that lies below it. False when there was none.
+    /// Deletes the key with all its subkeys. Returns false if the key does not exist.
     bool removeTree(HKEY root, std::wstring_view path);
     bool hasKey(HKEY root, std::wstring_view path) const;
     bool hasSubkeys(HKEY root, std::wstring_view path) const;
 
-    /// The number of handles that are not closed.
+    /// Returns the number of handles that are not closed.
     std::size_t getOpenKeyCount() const;
-    /// The absolute place that an operation means; nothing for an invalid handle.
+    /// Returns the absolute position of the key that an operation refers to; nullopt if the handle is invalid.
     std::optional<RegistryPlace> getPlace(HKEY key, std::wstring_view subkey) const;
-    /// Takes over a whole tree. Open handles stay with the old one.
+    /// Replaces the whole tree. Open handles still refer to the old one.
     void replaceTree(std::unique_ptr<RegistryTree> tree);
 
     RegistryResult RegOpenKeyExW(HKEY key, const wchar_t* subkey, std::uint32_t options, std::uint32_t access,

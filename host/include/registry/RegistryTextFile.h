@@ -12,55 +12,57 @@
 /// The text format in which administrators export and import parts of a registry.
 namespace zel::registry {
 
-/// One line of a section: a value that is set, or the name of one that is deleted.
+/// One line of a section: a value to set, or the name of a value to delete.
 struct RegistryTextEntry {
     std::size_t line = 0;
     bool deletion = false;
     RegistryValue value;
 };
 
-/// One key of the file: the values below its header, or its deletion with all that lies under it.
+/// One key of the file: either the values below its header, or the deletion of the key with all its subkeys.
 struct RegistryTextSection {
-    std::size_t firstLine = 0; ///< The header's.
-    std::size_t lastLine = 0;  ///< The last before the next header.
+    std::size_t firstLine = 0; ///< The line of the header.
+    std::size_t lastLine = 0;  ///< The last line before the next header.
     bool deletion = false;
     HKEY root{};
-    std::wstring path; ///< Below the root, without empty parts.
+    std::wstring path; ///< Relative to the root, without empty components.
     std::vector<RegistryTextEntry> entries;
 };
 
-/// A line that was not taken. The reason never quotes the file, which may hold secrets.
+/// A rejected line. The reason never quotes the file, which may contain secrets.
 struct RegistryTextRefusal {
     std::size_t line = 0;
     std::string reason;
-    /// True: the file is broken here, and a reader of policy stops. False: the line is well written, but is not for us.
+    /// True if the file is malformed here; a reader of policies stops at this line. False if the line is well-formed,
+    /// but does not apply to this registry.
     bool fault = false;
 };
 
 struct RegistryText {
     std::vector<RegistryTextSection> sections;
-    std::vector<RegistryTextRefusal> refusals; ///< By line.
+    std::vector<RegistryTextRefusal> refusals; ///< Sorted by line.
 };
 
-/// What a reader does with the rest of a file behind a fault.
+/// Says whether the parser reads the rest of a file after a fault.
 enum class AfterFault { Stop, GoOn };
 
-/// Reads "Windows Registry Editor Version 5.00" or "REGEDIT4" text, in UTF-16LE with a mark or in UTF-8 with or without
-/// one, lines ended by LF or CR LF. Sections below `root` are taken, those of other roots are refusals without fault.
-/// Time and memory grow with the size of the text alone; nothing is too broken to read.
+/// Parses "Windows Registry Editor Version 5.00" or "REGEDIT4" text: UTF-16LE with a byte order mark, or UTF-8 with or
+/// without one, lines terminated by LF or CR LF. Returns the sections below `root`; sections of other roots become
+/// refusals without fault. Time and memory grow linearly with the size of the text. No malformed input makes the call
+/// fail.
 LUMORA_HOST_API RegistryText parseRegistryText(std::string_view bytes, HKEY root, AfterFault afterFault);
 
-/// The sections as a file of version 5.00 in UTF-8 that parseRegistryText() takes whole.
+/// Returns the sections as a file of version 5.00 in UTF-8 that parseRegistryText() accepts completely.
 LUMORA_HOST_API std::string formatRegistryText(std::span<const RegistryTextSection> sections);
 
-/// The file's own bytes without the lines of these sections of it.
+/// Returns the bytes of the file without the lines of these sections, which must come from the same file.
 LUMORA_HOST_API std::string cutRegistryText(std::string_view bytes, std::span<const RegistryTextSection> sections);
 
-/// Puts the sections into the current user's layer as the file `name`, ".reg" added where it is missing, over a file of
-/// that name; if that is a link, over the file that it names. Where the registry is made of files, it counts from the
-/// next time that a key is opened. 0, or an errno value: EINVAL for a name that is no bare file name or begins with a
-/// point, EFBIG for a text of more than 64 MiB, which would not be read, EEXIST if something other than a regular file
-/// has the name.
+/// Writes the sections to the current user's layer as the file `name`, with ".reg" appended if it is missing. Replaces
+/// an existing file of that name; if that is a link, replaces the target of the link. A registry that consists of files
+/// reads the new file when a key is opened next. Returns 0 or an errno value: EINVAL if `name` is not a plain file name
+/// or begins with a dot, EFBIG if the text exceeds 64 MiB (such a file would not be read), EEXIST if something other
+/// than a regular file has the name.
 LUMORA_HOST_API int installRegistryText(const RegistryText& text, const std::string& name);
 
 } // namespace zel::registry

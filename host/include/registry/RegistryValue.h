@@ -11,7 +11,7 @@
 
 namespace zel::registry {
 
-/// One value of a key. The empty name is the key's default value.
+/// One value of a key. The empty name denotes the key's default value.
 struct RegistryValue {
     std::wstring name;
     std::uint32_t type = REG_NONE;
@@ -20,19 +20,19 @@ struct RegistryValue {
     bool operator==(const RegistryValue&) const = default;
 };
 
-/// The data of a text value: UTF-16, low byte first, with a terminator.
+/// Returns the data of a text value: UTF-16, low byte first, with a terminator.
 LUMORA_HOST_API std::vector<std::uint8_t> encodeRegistryText(std::wstring_view text);
 
-/// The text up to the first terminator, or the whole where there is none. An odd last byte is left out; a lone
-/// surrogate becomes U+FFFD where wchar_t holds code points.
+/// Returns the text up to the first terminator, or the whole text if there is none. Ignores an odd last byte. Replaces
+/// a lone surrogate with U+FFFD if wchar_t holds code points.
 LUMORA_HOST_API std::wstring decodeRegistryText(std::span<const std::uint8_t> data);
 
-/// The whole, terminators included.
+/// Returns the whole text, terminators included.
 LUMORA_HOST_API std::wstring decodeAllRegistryText(std::span<const std::uint8_t> data);
 
-/// A REG_SZ value.
+/// Returns a REG_SZ value.
 LUMORA_HOST_API RegistryValue makeTextValue(std::wstring name, std::wstring_view text);
-/// A REG_DWORD value.
+/// Returns a REG_DWORD value.
 LUMORA_HOST_API RegistryValue makeNumberValue(std::wstring name, std::uint32_t number);
 
 } // namespace zel::registry

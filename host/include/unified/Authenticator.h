@@ -4,8 +4,8 @@
 
 namespace ZelUnified {
 
-/// Provides the client's credentials. Named by other plug-ins' headers; its operations are its providers' matter, and
-/// nothing here calls one.
+/// Provides the client's credentials. The headers of other plug-ins refer to this interface; the host calls none
+/// of its operations.
 class LUMORA_HOST_API Authenticator {
 public:
     virtual ~Authenticator() = default;

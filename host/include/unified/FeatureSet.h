@@ -4,7 +4,7 @@
 
 namespace ZelUnified {
 
-/// Base of every feature set's interface.
+/// Base class of every feature set interface.
 class LUMORA_HOST_API FeatureSet {
 public:
     virtual ~FeatureSet() = default;

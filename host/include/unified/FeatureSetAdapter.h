@@ -12,19 +12,19 @@ class ServiceEvent;
 
 using ServiceEventList = std::list<std::shared_ptr<ServiceEvent>>;
 
-/// The interface through which the host drives a feature set. The order of the operations is contract.
-/// The host calls them on the services dispatcher's thread. Owned by shared pointers made from the concrete type.
-/// An id that is not its own changes nothing and answers false.
+/// The interface through which the host controls a feature set. The order of the operations is part of the contract.
+/// The host calls them on the services dispatcher's thread. Shared pointers made from the concrete type own the object.
+/// With an id of another feature set, an operation changes nothing and returns false.
 class LUMORA_HOST_API FeatureSetAdapter {
 public:
-    /// `events` takes what the user is to be told of it; it may be null.
+    /// Starts the feature set. Appends events for the user to `events`, which may be null.
     virtual void StartFeatureSet(unsigned int id, std::shared_ptr<ServiceEventList> events) = 0;
     virtual void StopFeatureSet(unsigned int id, std::shared_ptr<ServiceEventList> events) = 0;
-    /// Releases what the feature set holds. The last call.
+    /// Releases everything that the feature set holds. The host makes no call after this one.
     virtual void Destroy() = 0;
     virtual bool IsFeatureSetStarted(unsigned int id) = 0;
     virtual bool IsFeatureSetProvisioned(unsigned int id) = 0;
-    /// The feature sets that this one needs.
+    /// Returns the ids of the feature sets that this one depends on.
     virtual std::vector<unsigned int> GetFeatureSetDependencies(unsigned int id) = 0;
 
 protected:

@@ -4,8 +4,8 @@
 
 namespace ZelUnified {
 
-/// A service that wants to know when the feature set of its own number stands started. The host calls it on the
-/// services dispatcher's thread: true after a successful start.
+/// Implemented by a service that needs to know when the feature set with the service's own id has started. The host
+/// calls it on the services dispatcher's thread, with true, after a successful start.
 class LUMORA_HOST_API FeatureSetReadyListener {
 public:
     virtual void onFeatureSetReady(bool ready) = 0;

@@ -4,8 +4,8 @@
 
 namespace ZelUnified {
 
-/// Keeps data for other plug-ins. The factory holds the one it is given and hands it out; its operations are its
-/// providers' matter, and nothing here calls one.
+/// Stores data for other plug-ins. The factory holds and returns the object that was set; the host calls none of its
+/// operations.
 class LUMORA_HOST_API IDataPersistor {
 public:
     virtual ~IDataPersistor() = default;

@@ -5,11 +5,11 @@
 
 namespace ZelUnified {
 
-/// What a host may note of a loaded library. Named by other plug-ins' headers; nothing here reads one.
+/// Describes a loaded library. The headers of other plug-ins refer to it; the host reads none.
 struct LibraryRecord {
     std::string name;
     std::string path;
-    std::array<void*, 19> entries{}; ///< All empty at first.
+    std::array<void*, 19> entries{}; ///< Null by default.
 };
 
 } // namespace ZelUnified

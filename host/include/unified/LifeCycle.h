@@ -15,7 +15,8 @@ class LifeCycleObserver;
 #pragma clang diagnostic ignored "-Woverloaded-virtual" // as in UnifiedService
 #endif
 
-/// The stages of the client's session. Named by other plug-ins' headers; nothing here provides or reads one.
+/// The stages of the client's session. The headers of other plug-ins refer to it; the host neither provides nor
+/// reads one.
 class LUMORA_HOST_API LifeCycle : public virtual UnifiedBusinessObject {
 public:
     virtual void addObserver(std::weak_ptr<LifeCycleObserver> observer) = 0;

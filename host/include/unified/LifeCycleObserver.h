@@ -4,7 +4,7 @@
 
 namespace ZelUnified {
 
-/// Follows the client's session.
+/// Observes the client's session.
 class LUMORA_HOST_API LifeCycleObserver : public virtual UnifiedBusinessObjectObserver {
 public:
     std::string getInterfaceName() override { return "LifeCycleObserver"; }

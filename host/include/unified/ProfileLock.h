@@ -7,24 +7,25 @@
 
 namespace ZelUnified {
 
-/// Keeps a second process off a profile: an advisory lock on the configuration directory itself, held while the object
-/// lives. The system releases it when the process dies. All spellings of one directory are one lock, the state folder
-/// of the other process doesn't matter, and removing files can't release it.
+/// Prevents a second process from using a profile. The object holds an advisory lock on the configuration directory
+/// itself until it is destroyed; the system releases the lock if the process dies. Different spellings of one directory
+/// share one lock. The state folder of the other process has no influence, and removing files does not release the
+/// lock.
 class LUMORA_HOST_API ProfileLock {
 public:
-    /// Tries once, without waiting. Makes both directories if they are missing. The state folder only records which
-    /// process holds the lock; the lock does not need it. Never throws for a file's sake.
+    /// Tries once to acquire the lock, without waiting. Creates both directories if they are missing. The state folder
+    /// only records which process holds the lock; the lock works without it. File errors do not throw; see isHeld().
     ProfileLock(const std::string& configDirectory, const std::string& stateDirectory);
-    /// Drops content of protected files of the directory that waits to be written, with a log line: nothing writes to
-    /// the profile after the release.
+    /// Releases the lock. Before that, drops and logs pending content of protected files in the directory: nothing may
+    /// write to the profile after the release.
     ~ProfileLock();
     ProfileLock(const ProfileLock&) = delete;
     ProfileLock& operator=(const ProfileLock&) = delete;
 
     bool isHeld() const noexcept;
-    /// The process that holds the profile when this object doesn't; 0 when that isn't known.
+    /// Returns the id of the process that holds the profile if this object does not; 0 if it is unknown.
     long getHolder() const noexcept;
-    /// Why the lock isn't held, for the user; "" when it is.
+    /// Returns a text for the user that says why the lock is not held; "" if it is held.
     const std::string& getProblem() const noexcept;
 
 private:

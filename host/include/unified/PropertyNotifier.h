@@ -7,12 +7,12 @@
 
 namespace ZelUnified {
 
-/// A signal for one property of one object. Services dispatcher's thread.
+/// A signal for one property of one object. Call on the services dispatcher's thread.
 class LUMORA_HOST_API PropertyNotifier {
 public:
-    /// The callback is called after each change, until it is disconnected or the notifier is gone. It may connect and
-    /// disconnect on this notifier: what it adds is not called in the same pass, what it removes neither. The notifier
-    /// owns the connection; the handle does not keep it alive.
+    /// Connects `callback`, which is called after each change until it is disconnected or the notifier is destroyed.
+    /// The callback may connect and disconnect on this notifier: a callback that it adds or removes is not called in
+    /// the current pass. The notifier owns the connection; the returned handle does not keep it alive.
     virtual std::weak_ptr<PropertyNotifierConnection> connect(std::function<void()> callback) = 0;
     virtual ~PropertyNotifier() = default;
 };

@@ -4,8 +4,8 @@
 
 namespace ZelUnified {
 
-/// Handle of one callback on one property. Hold a locked shared pointer across disconnect(): the notifier's list may
-/// own the only other one. Services dispatcher's thread.
+/// The handle of one callback for one property. Hold a locked shared pointer during disconnect(): the notifier's list
+/// may own the only other one. Call on the services dispatcher's thread.
 class LUMORA_HOST_API PropertyNotifierConnection {
 public:
     virtual void disconnect() = 0;

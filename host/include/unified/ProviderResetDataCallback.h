@@ -6,12 +6,12 @@ namespace ZelUnified {
 
 namespace ResetDataOptionEnum {
 
-/// What the user asked to reset.
+/// The reset that the user requested.
 enum ResetDataOption { ResetAll = 0, ResetUserData = 1, ResetOnSignOut = 2 };
 
 } // namespace ResetDataOptionEnum
 
-/// Called when the user resets the client, on the services dispatcher's thread.
+/// Called on the services dispatcher's thread when the user resets the client.
 class LUMORA_HOST_API ProviderResetDataCallback : public UnifiedCallback {
 public:
     std::string getInterfaceName() override { return "ProviderResetDataCallback"; }

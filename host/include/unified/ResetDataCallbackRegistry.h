@@ -6,11 +6,11 @@
 
 namespace ZelUnified {
 
-/// Holds the callbacks of a reset by shared pointer until they are removed or the factory is destroyed. Any thread.
+/// Holds the reset callbacks by shared pointer until they are removed or the factory is destroyed. Any thread.
 class LUMORA_HOST_API ResetDataCallbackRegistry {
 public:
     virtual ~ResetDataCallbackRegistry() = default;
-    /// Callbacks with a lower `order` are called first.
+    /// Adds a callback. Callbacks with a lower `order` are called first.
     virtual void add(int order, std::shared_ptr<ProviderResetDataCallback> callback) = 0;
     virtual void remove(int order, std::shared_ptr<ProviderResetDataCallback> callback) = 0;
 };

@@ -4,7 +4,7 @@
 
 namespace ZelUnified {
 
-/// Watches the resources of the process. Named by the factory's interface; this host provides none.
+/// Watches the resources of the process. The factory's interface refers to it; this host provides none.
 class LUMORA_HOST_API ResourceMonitor {
 public:
     virtual ~ResourceMonitor() = default;

@@ -15,8 +15,8 @@ class ServerHealthInformationObserver;
 #pragma clang diagnostic ignored "-Woverloaded-virtual" // as in UnifiedService
 #endif
 
-/// What the client knows of the state of one server. Named by other plug-ins' headers; nothing here provides or reads
-/// one.
+/// The client's information on the state of one server. The headers of other plug-ins refer to it; the host
+/// neither provides nor reads one.
 class LUMORA_HOST_API ServerHealthInformation : public virtual UnifiedBusinessObject {
 public:
     virtual void addObserver(std::weak_ptr<ServerHealthInformationObserver> observer) = 0;

@@ -4,7 +4,7 @@
 
 namespace ZelUnified {
 
-/// Follows the health of a server.
+/// Observes the health of a server.
 class LUMORA_HOST_API ServerHealthInformationObserver : public virtual UnifiedBusinessObjectObserver {
 public:
     std::string getInterfaceName() override { return "ServerHealthInformationObserver"; }

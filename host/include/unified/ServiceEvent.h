@@ -15,8 +15,8 @@ class ServiceEventObserver;
 #pragma clang diagnostic ignored "-Woverloaded-virtual" // as in UnifiedService
 #endif
 
-/// A coded, translatable message of a service to the user. Start and stop of a feature set carry lists of them; nothing
-/// here reads their properties.
+/// A coded, translatable message from a service to the user. Start and stop of a feature set pass lists of them; the
+/// host does not read their properties.
 class LUMORA_HOST_API ServiceEvent : public virtual UnifiedBusinessObject {
 public:
     virtual void addObserver(std::weak_ptr<ServiceEventObserver> observer) = 0;

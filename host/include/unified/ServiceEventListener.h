@@ -5,15 +5,15 @@
 
 namespace ZelUnified {
 
-/// What a service reported to the user, by numbers; the texts are in the service's event descriptions.
+/// A service event reported to the user. Holds numbers only; the texts are in the service's event descriptions.
 struct ReportedServiceEvent {
     int code = 0;
     int eventId = 0;
     ServiceEventSeverityEnum::ServiceEventSeverity severity = ServiceEventSeverityEnum::Info;
 };
 
-/// How an embedding program learns of service events. Held weakly; called on the services dispatcher's thread with no
-/// lock held.
+/// Receives service events in an embedding program. The host holds it weakly and calls it on the services dispatcher's
+/// thread, with no lock held.
 class LUMORA_HOST_API ServiceEventListener {
 public:
     virtual void onServiceEvent(const ReportedServiceEvent& event) = 0;

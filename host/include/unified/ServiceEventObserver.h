@@ -4,7 +4,7 @@
 
 namespace ZelUnified {
 
-/// Follows a service event.
+/// Observes a service event.
 class LUMORA_HOST_API ServiceEventObserver : public virtual UnifiedBusinessObjectObserver {
 public:
     std::string getInterfaceName() override { return "ServiceEventObserver"; }

@@ -2,7 +2,7 @@
 
 namespace ZelUnified::ServiceEventSeverityEnum {
 
-/// How the user is told of a service event.
+/// The severity with which a service event is reported to the user.
 enum ServiceEventSeverity { Info = 0, Warning = 1, Error = 2, Critical = 3 };
 
 } // namespace ZelUnified::ServiceEventSeverityEnum

@@ -8,24 +8,25 @@
 
 namespace ZelUnified {
 
-/// What a program with a loop of its own needs of the host: services by number, and the services dispatcher to pump.
+/// The host's interface for a program with its own event loop: returns services by id and lets the program pump the
+/// services dispatcher.
 class LUMORA_HOST_API ServiceFactory {
 public:
     virtual ~ServiceFactory() = default;
 
-    /// Empty when no service is filed under the number. Any thread.
+    /// Returns the service registered under `id`; null if there is none. Any thread.
     virtual std::shared_ptr<UnifiedService> getService(unsigned int id) = 0;
-    /// Ends everything; no service is found afterwards.
+    /// Ends the host; afterwards getService() returns null.
     virtual void reset() = 0;
-    /// Who is told of each posted task; empty for nobody.
+    /// Sets the callback that is called for each posted task; null for none.
     virtual void setDispatcherCallback(std::shared_ptr<ServicesDispatcherCallback> callback) = 0;
-    /// The calling thread is the dispatcher's from here on.
+    /// Makes the calling thread the dispatcher's thread.
     virtual void resetDispatcherThread() = 0;
-    /// False when no task came in time. Any thread.
+    /// Waits until a task is posted. Returns false on timeout. Any thread.
     virtual bool waitForDispatcherTask(std::chrono::milliseconds timeout) = 0;
-    /// Runs the next task; false when none waits, or on another thread than the dispatcher's.
+    /// Runs the next task. Returns false if no task is queued, or if called on another thread than the dispatcher's.
     virtual bool pumpNextDispatcherTask() = 0;
-    /// Runs what waits, and what that posts.
+    /// Runs all queued tasks, including those that they post.
     virtual void pumpAllDispatcherTasks() = 0;
 };
 

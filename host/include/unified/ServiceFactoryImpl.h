@@ -7,7 +7,8 @@
 
 namespace ZelUnified {
 
-/// The service factory over a UnifiedFactory whose services dispatcher is pumped. It holds that factory.
+/// Implements the service factory with a UnifiedFactory whose services dispatcher is pumped. Holds that factory by
+/// shared pointer.
 class LUMORA_HOST_API ServiceFactoryImpl final : public ServiceFactory {
 public:
     explicit ServiceFactoryImpl(std::shared_ptr<UnifiedFactoryImpl> unifiedFactory);

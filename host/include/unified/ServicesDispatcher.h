@@ -7,20 +7,21 @@
 
 namespace ZelUnified::Processing {
 
-/// The one thread that owns all public objects. First in, first out.
+/// Runs tasks on the one thread that owns all public objects, first in, first out.
 class LUMORA_HOST_API ServicesDispatcher {
 public:
     virtual ~ServicesDispatcher() = default;
 
-    /// True when the caller stands on the dispatcher's thread. Any thread; one atomic read.
+    /// Returns true if the caller is on the dispatcher's thread. Any thread; costs one atomic read.
     virtual bool checkForUpdateAccess() const = 0;
 
-    /// Posts the task and returns; `ahead` puts it before what already waits. A null task is ignored. After the
-    /// dispatcher's end the task is dropped with a warning.
+    /// Posts the task and returns. With `ahead` the task is inserted before the queued ones. Ignores a null task. After
+    /// the dispatcher has ended, drops the task with a warning.
     virtual void enqueue(std::shared_ptr<zel::Task> task, bool ahead) = 0;
 
-    /// Posts the task and returns when it has run. On the dispatcher's own thread, and on a dispatcher that does not
-    /// run, the task runs at once on the caller's. A task that throws is logged, and the caller released all the same.
+    /// Posts the task and returns after it has run. If called on the dispatcher's own thread, or if the dispatcher does
+    /// not run, runs the task immediately on the caller's thread. A task that throws is logged, and the call returns
+    /// normally.
     virtual void enqueueBlock(std::shared_ptr<zel::Task> task, bool ahead) = 0;
 };
 

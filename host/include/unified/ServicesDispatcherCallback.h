@@ -4,8 +4,8 @@
 
 namespace ZelUnified {
 
-/// Tells a program that pumps the services dispatcher that a task waits. Called on the posting thread; it must only
-/// wake the pumping one.
+/// Notifies a program that pumps the services dispatcher of a posted task. Called on the posting thread; it must do no
+/// more than wake the pumping thread.
 class LUMORA_HOST_API ServicesDispatcherCallback {
 public:
     virtual ~ServicesDispatcherCallback() = default;

@@ -16,16 +16,16 @@ class SystemServiceObserver;
 #pragma clang diagnostic ignored "-Woverloaded-virtual" // as in UnifiedService
 #endif
 
-/// The host's own service: what other services report to it, and the reset of the client.
+/// The host's own service: receives the events that other services report and holds the reset callbacks.
 class LUMORA_HOST_API SystemService : public virtual UnifiedService {
 public:
     virtual void addObserver(std::weak_ptr<SystemServiceObserver> observer) = 0;
     virtual void removeObserver(std::weak_ptr<SystemServiceObserver> observer) = 0;
     virtual std::shared_ptr<SystemServiceNotifiers> getSystemServiceNotifiers() = 0;
-    /// Any thread.
+    /// Returns the registry of reset callbacks. Any thread.
     virtual std::shared_ptr<ResetDataCallbackRegistry> getResetDataCallbackRegistry() = 0;
-    /// Reports an event of a service to the user: its code, the service's own identifier of the event, its severity.
-    /// Services dispatcher's thread.
+    /// Reports a service event to the user. `code` is the event's code, `eventId` the service's own identifier of the
+    /// event. Call on the services dispatcher's thread.
     virtual void addServiceEvent(int code, int eventId, ServiceEventSeverityEnum::ServiceEventSeverity severity) = 0;
     std::string getInterfaceName() override { return "SystemService"; }
 };

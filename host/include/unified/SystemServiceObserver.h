@@ -4,7 +4,7 @@
 
 namespace ZelUnified {
 
-/// Follows the host's own service.
+/// Observes the host's own service.
 class LUMORA_HOST_API SystemServiceObserver : public virtual UnifiedServiceObserver {
 public:
     std::string getInterfaceName() override { return "SystemServiceObserver"; }

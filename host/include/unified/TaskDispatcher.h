@@ -9,13 +9,13 @@
 
 namespace ZelUnified::Processing {
 
-/// The background thread: work that must not run on the caller's. First in, first out.
+/// Runs tasks on the background thread, first in, first out: work that must not run on the caller's thread.
 class LUMORA_HOST_API TaskDispatcher {
 public:
     virtual ~TaskDispatcher() = default;
 
-    /// Posts the task and returns. A null task is ignored; after the dispatcher's end the task is dropped with a
-    /// warning. A task that throws is logged with its name and the next one runs.
+    /// Posts the task and returns. Ignores a null task. After the dispatcher has ended, drops the task with a warning.
+    /// A task that throws is logged with its name, and the next one runs.
     virtual void enqueue(std::shared_ptr<zel::Task> task) = 0;
     virtual void enqueue(std::function<void()> work, const std::string& name) = 0;
 };

@@ -10,12 +10,12 @@
 
 namespace ZelUnified {
 
-/// A registry of shared items, by the readable name of their interface and by number.
-/// Any thread. The two locks are taken in turn, never nested, and no item is destroyed under one.
+/// A registry of shared items, by the readable name of their interface and by id. Any thread. The two locks are
+/// acquired one after the other, never nested, and no item is destroyed while one is held.
 template <class Item>
 class TypeMap {
 public:
-    /// Files the item under the interface's name and under `id`. What stood there is replaced without a word.
+    /// Registers the item under the interface's name and under `id`. Replaces earlier items without a log line.
     template <class Interface>
     void registerItem(unsigned int id, std::shared_ptr<Interface> item) {
         std::shared_ptr<Item> replacedByName = item;
@@ -30,7 +30,8 @@ public:
         }
     }
 
-    /// Empty when nothing is filed under the interface's name, or when what is filed does not provide it.
+    /// Returns the item registered under the interface's name; null if there is none or if it does not implement the
+    /// interface.
     template <class Interface>
     std::shared_ptr<Interface> getItem() const {
         std::shared_ptr<Item> item;
@@ -54,7 +55,7 @@ public:
         return itemsById;
     }
 
-    /// Lets go of every item, after the locks are released.
+    /// Removes all items and destroys them after the locks are released.
     void clear() {
         std::map<std::string, std::shared_ptr<Item>> names;
         std::map<unsigned int, std::shared_ptr<Item>> ids;

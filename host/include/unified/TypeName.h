@@ -7,10 +7,11 @@
 
 namespace ZelUnified {
 
-/// The readable name of a type, "NULL" when there is none. Stable within a run.
+/// Returns the readable name of a type; "NULL" if `type` is null. The name does not change during a run.
 LUMORA_HOST_API std::string readableTypeName(const std::type_info* type);
 
-/// Worked out once for each type. Never destroyed: threads and static objects may ask when the process ends.
+/// Returns the name, computed once per type. The string is never destroyed: threads and static objects may use it while
+/// the process ends.
 template <class T>
 const std::string& readableTypeName() {
     static const std::string& name = *new std::string(readableTypeName(&typeid(T)));

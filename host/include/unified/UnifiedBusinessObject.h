@@ -9,21 +9,22 @@
 
 namespace ZelUnified {
 
-/// Base of every public object. Interfaces inherit it virtually; each interface answers getInterfaceName() itself, so
-/// that no implementing class has to. Properties belong to the services dispatcher's thread: getters and setters refuse
-/// any other with UpdateAccessError. The observer operations, getGuid() and toString() answer on any thread.
+/// Base class of every public object. Interfaces inherit it virtually; each interface implements getInterfaceName(), so
+/// implementing classes need not. Getters and setters of properties must be called on the services dispatcher's thread;
+/// on any other thread they throw UpdateAccessError. The observer operations, getGuid() and toString() may be called on
+/// any thread.
 class LUMORA_HOST_API UnifiedBusinessObject {
 public:
     virtual ~UnifiedBusinessObject() = default;
 
-    /// Adds once; an empty or known observer is ignored.
+    /// Adds the observer. Ignores an expired observer and one that is already in the list.
     virtual void addObserver(std::weak_ptr<UnifiedBusinessObjectObserver> observer) = 0;
-    /// An observer removed by another one during a pass is still called in that pass.
+    /// Removes the observer. During a pass, an observer removed by another observer is still called in that pass.
     virtual void removeObserver(std::weak_ptr<UnifiedBusinessObjectObserver> observer) = 0;
     virtual std::shared_ptr<UnifiedBusinessObjectNotifiers> getUnifiedBusinessObjectNotifiers() = 0;
-    /// A random version 4 UUID in lower case, made at the first request.
+    /// Returns a random version 4 UUID in lower case, created on the first request.
     virtual std::string getGuid() = 0;
-    /// Class name and guid; never a property's value.
+    /// Returns the class name and the guid, never the value of a property.
     virtual std::string toString() = 0;
     virtual std::string getInterfaceName() { return "UnifiedBusinessObject"; }
 };

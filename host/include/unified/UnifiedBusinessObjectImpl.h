@@ -15,7 +15,8 @@ namespace ZelUnified {
 
 class UnifiedFactory;
 
-/// What all public objects share: the observer list, the notifier set, the guid and the guard of the thread.
+/// Base class of all public objects: holds the observer list, the notifier set and the guid, and checks the calling
+/// thread.
 class LUMORA_HOST_API UnifiedBusinessObjectImpl : public virtual UnifiedBusinessObject {
 public:
     void addObserver(std::weak_ptr<UnifiedBusinessObjectObserver> observer) override;
@@ -25,15 +26,15 @@ public:
     std::string toString() override;
 
 protected:
-    /// `objectClass`, a literal, is what logs and toString() show.
+    /// `objectClass` must be a literal; logs and toString() show it.
     UnifiedBusinessObjectImpl(const std::shared_ptr<UnifiedFactory>& factory, const char* objectClass);
-    /// `enforceUpdateAccess` false: any thread may use the object until commitToServicesDispatcher().
+    /// With `enforceUpdateAccess` false, any thread may use the object until commitToServicesDispatcher().
     UnifiedBusinessObjectImpl(const std::shared_ptr<UnifiedFactory>& factory, bool enforceUpdateAccess,
                               const char* objectClass);
 
-    /// First statement of every guarded operation. On another thread than the services dispatcher's it logs which
-    /// operation of which object was called where, and with `enforce` throws UpdateAccessError. The default argument
-    /// names the caller.
+    /// Checks the calling thread; the first statement of every guarded operation. On another thread than the services
+    /// dispatcher's it logs the operation, the object and the thread, and throws UpdateAccessError if `enforce` is
+    /// true. The default argument is the caller's name.
     void EnsureUpdateAccess(bool enforce, const char* operation = __builtin_FUNCTION()) const {
         if (dispatcher && dispatcher->checkForUpdateAccess()) {
             return;
@@ -41,16 +42,17 @@ protected:
         refuseUpdateAccess(enforce, operation);
     }
 
-    /// Makes the notifier set of the most derived interface by initNotifiersOnce(). Called at each request.
+    /// Creates the notifier set of the most derived interface through initNotifiersOnce(). Called on each request for
+    /// the set.
     virtual void initNotifiers() = 0;
-    /// From here on the object belongs to the services dispatcher's thread.
+    /// Binds the object to the services dispatcher's thread from here on.
     virtual void commitToServicesDispatcher();
 
-    /// The set of the most derived interface; null before initNotifiers().
+    /// Returns the notifier set of the most derived interface; null before initNotifiers().
     std::shared_ptr<UnifiedBusinessObjectNotifiers> getNotifiers() const;
 
-    /// Creates the notifier set unless there is one, and calls `addOwnObserver` with it, which registers it through the
-    /// addObserver() of the object's own interface. If that throws, there is no set.
+    /// Creates the notifier set if there is none, and passes it to `addOwnObserver`, which registers it with the
+    /// addObserver() of the object's own interface. If that throws, the object keeps no set.
     template <class Notifiers, class AddOwnObserver>
     void initNotifiersOnce(AddOwnObserver addOwnObserver) {
         const std::lock_guard lock(observersMutex);
@@ -67,7 +69,8 @@ protected:
         }
     }
 
-    /// Calls `operation` on every living observer that is an `Observer`, with no lock held. An exception ends the walk.
+    /// Calls `operation` on every living observer of type `Observer`, with no lock held. An exception ends the pass and
+    /// reaches the caller.
     template <class Observer>
     void fire(void (Observer::*operation)()) {
         for (const auto& observer : collectObservers<Observer>()) {
@@ -76,9 +79,9 @@ protected:
     }
 
 private:
-    /// An observer, and what it was when it was last asked for: to ask its type costs more than to call it.
+    /// An observer with the result of its last type query: querying the type costs more than calling the observer.
     struct Entry {
-        /// Null when the observer, which is alive, is none of that kind.
+        /// Returns the observer as `Observer`; null if it is not one. The caller must keep the observer alive.
         template <class Observer>
         Observer* as(UnifiedBusinessObjectObserver& observer) {
             if (kind != &typeid(Observer)) {
@@ -93,12 +96,12 @@ private:
         void* asKind = nullptr;
     };
 
-    /// The living observers of one kind. Dead ones are dropped from the list: the last entry takes the place of a dead
-    /// one, so the order of the list may change.
+    /// Returns the living observers of one type and removes expired ones. The last entry replaces an expired one, so
+    /// the order of the list may change.
     template <class Observer>
     std::vector<std::shared_ptr<Observer>> collectObservers() {
         std::vector<std::shared_ptr<Observer>> collected;
-        std::vector<std::shared_ptr<UnifiedBusinessObjectObserver>> held; // none may die under the lock
+        std::vector<std::shared_ptr<UnifiedBusinessObjectObserver>> held; // not destroyed under the lock
         const std::lock_guard lock(observersMutex);
         collected.reserve(observers.size());
         held.reserve(observers.size());
@@ -128,12 +131,12 @@ private:
     const std::shared_ptr<Processing::ServicesDispatcher> dispatcher;
     const char* const className;
     std::atomic<bool> enforced;
-    /// Guards the next three; never held during a callback. Recursive, because initNotifiersOnce() holds it while it
-    /// calls addObserver(): no thread gets a set that is not registered yet.
+    /// Guards the next three members; never held during a callback. Recursive because initNotifiersOnce() holds it
+    /// while it calls addObserver(), so that no thread receives a set that is not registered yet.
     mutable std::recursive_mutex observersMutex;
     std::vector<Entry> observers;
     std::shared_ptr<UnifiedBusinessObjectNotifiers> notifiers;
-    mutable std::unique_ptr<const std::string> guid; ///< Made at the first request, which most objects never see.
+    mutable std::unique_ptr<const std::string> guid; ///< Created on the first request; most objects never need it.
 };
 
 } // namespace ZelUnified

@@ -6,7 +6,8 @@
 
 namespace ZelUnified {
 
-/// The notifiers of an object's properties, each made at its first request. Services dispatcher's thread.
+/// The notifiers of an object's properties; each is created on the first request. Call on the services dispatcher's
+/// thread.
 class LUMORA_HOST_API UnifiedBusinessObjectNotifiers {
 public:
     virtual ~UnifiedBusinessObjectNotifiers() = default;

@@ -6,7 +6,7 @@
 
 namespace ZelUnified {
 
-/// Base of the callbacks that the host calls.
+/// Base class of the callbacks that the host calls.
 class LUMORA_HOST_API UnifiedCallback {
 public:
     virtual ~UnifiedCallback() = default;

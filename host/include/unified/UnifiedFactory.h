@@ -17,29 +17,30 @@ namespace ZelUnified {
 class IDataPersistor;
 class ResourceMonitor;
 
-/// The host's object: it holds the services and the feature sets, gives the dispatchers, and loads plug-ins.
-/// Services, feature sets and records hold it by shared pointer, a cycle that only Destroy() breaks.
+/// The central object of the host: holds the services and the feature sets, returns the dispatchers, and loads
+/// plug-ins. Services, feature sets and records hold it by shared pointer; only Destroy() breaks this cycle.
 class LUMORA_HOST_API UnifiedFactory : public FeatureSetAdapter, public std::enable_shared_from_this<UnifiedFactory> {
 public:
-    // The six operations of FeatureSetAdapter come first; they forward to the feature set filed under the id.
+    // The six inherited operations of FeatureSetAdapter precede these; they forward to the feature set registered under
+    // the id.
     virtual ~UnifiedFactory() = default;
 
     /// Starts the dispatchers.
     virtual void Init() = 0;
-    /// Keeps answering after Destroy(), with a dispatcher that does not run.
+    /// Returns the services dispatcher. After Destroy(), it is one that does not run.
     virtual std::shared_ptr<Processing::ServicesDispatcher> getServicesDispatcher() = 0;
     virtual std::shared_ptr<Processing::TaskDispatcher> getBackgroundDispatcher() = 0;
     virtual std::shared_ptr<ResourceMonitor> getResourceMonitor() = 0;
     virtual void setDataPersistor(std::shared_ptr<IDataPersistor> persistor) = 0;
     virtual std::shared_ptr<IDataPersistor> getDataPersistor() = 0;
-    /// Empty when no feature set is filed under the id.
+    /// Returns the adapter registered under `id`; null if there is none.
     virtual std::shared_ptr<FeatureSetAdapter> getFeatureSetAdapter(unsigned int id) = 0;
 
     TypeMap<UnifiedService>& getServices() { return services; }
     TypeMap<FeatureSet>& getFeatureSets() { return featureSets; }
 
-    /// The service that provides `T`, loading a plug-in for it once. Empty when there is none. Any thread; while one
-    /// thread loads, another gets what the registry holds.
+    /// Returns the service that implements `T`; null if there is none. The first lookup of an unregistered type tries
+    /// to load a plug-in. Any thread; while one thread loads, other threads get the current entry of the registry.
     template <class T>
     std::shared_ptr<T> getServiceByType() {
         if (auto service = services.template getItem<T>()) {
@@ -53,7 +54,7 @@ public:
         return services.template getItem<T>();
     }
 
-    /// The same for feature sets.
+    /// Returns the feature set that implements `T`, like getServiceByType().
     template <class T>
     std::shared_ptr<T> getFeatureSetByType() {
         if (auto featureSet = featureSets.template getItem<T>()) {
@@ -72,10 +73,10 @@ protected:
     TypeMap<FeatureSet> featureSets;
 
 private:
-    /// Type names for which a load was tried; never emptied, so that a late lookup does not load again.
+    /// The type names for which a load was tried. Never cleared, so that a later lookup does not load again.
     class TriedNames {
     public:
-        /// False when the name was there already.
+        /// Returns false if the set contains the name already.
         bool insert(const std::string& name) {
             const std::lock_guard lock(mutex);
             return names.insert(name).second;
@@ -86,7 +87,7 @@ private:
         std::set<std::string> names;
     };
 
-    /// Try to load a plug-in that provides the named interface. Called without a lock.
+    /// Tries to load a plug-in that provides the named interface. Called without a lock.
     virtual void loadService(const std::string& typeName) = 0;
     virtual void loadFeatureSet(const std::string& typeName) = 0;
 

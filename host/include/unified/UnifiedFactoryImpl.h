@@ -24,20 +24,20 @@ class PluginLoader;
 class ResetDataCallbackRegistryImpl;
 class WriteRetrier;
 
-/// The host's factory. A program makes it with make_shared, calls Init(), and Destroy() at the end: without it the
-/// services and the factory keep each other alive.
+/// Implements the host's factory. A program creates it with make_shared, calls Init(), and calls Destroy() at the end;
+/// otherwise the services and the factory keep each other alive.
 ///
-/// What it forwards to a feature set runs on the services dispatcher's thread, at once when called there; from another
-/// thread the caller waits. An exception of the feature set reaches the caller. Start, stop and reset let the
-/// background dispatcher run what was posted before and during, so that no queued write is overtaken by a store that
-/// reads its file anew. A task of the background dispatcher may call them too; what is queued behind it then runs
+/// Calls that are forwarded to a feature set run on the services dispatcher's thread: immediately if the caller is on
+/// it, else the caller waits. An exception of the feature set reaches the caller. Start, stop and reset let the
+/// background dispatcher run all tasks posted before and during the call, so that a store never reads its file before a
+/// queued write of it. A task of the background dispatcher may call them too; the tasks queued behind it then run
 /// first.
 ///
-/// Writes of protected files that failed are retried whenever the background dispatcher is flushed, after increasing
-/// delays, and in Destroy(), which logs what is lost. A process has one factory at a time.
+/// Failed writes of protected files are retried on each flush of the background dispatcher, after increasing delays,
+/// and in Destroy(), which logs the content that is lost. A process has one factory at a time.
 class LUMORA_HOST_API UnifiedFactoryImpl final : public UnifiedFactory {
 public:
-    /// The number under which the host's own SystemService is filed.
+    /// The id under which the host's own SystemService is registered.
     static constexpr unsigned int systemServiceId = 1;
 
     explicit UnifiedFactoryImpl(UnifiedFactoryOptions factoryOptions = {});
@@ -45,46 +45,47 @@ public:
     UnifiedFactoryImpl(const UnifiedFactoryImpl&) = delete;
     UnifiedFactoryImpl& operator=(const UnifiedFactoryImpl&) = delete;
 
-    /// After a start that succeeded, the service of the same number is told if it is a FeatureSetReadyListener.
+    /// Starts the feature set. On success, calls the service with the same id if it is a FeatureSetReadyListener.
     void StartFeatureSet(unsigned int id, std::shared_ptr<ServiceEventList> events) override;
     void StopFeatureSet(unsigned int id, std::shared_ptr<ServiceEventList> events) override;
-    /// Stops and destroys the feature sets, ends both dispatchers once they are empty, lets go of all reset callbacks,
-    /// services and feature sets. Only the first call does anything; another one doesn't wait for it. Any thread: one
-    /// of the dispatchers' own ends after its task. A pumped dispatcher's owner calls it, or pumps meanwhile.
+    /// Stops and destroys the feature sets, ends both dispatchers after their queues are empty, and releases all reset
+    /// callbacks, services and feature sets. Only the first call has an effect; a second one returns without waiting
+    /// for it. Any thread: if called on a dispatcher's own thread, that dispatcher ends after the current task. With a
+    /// pumped dispatcher, call it on the pumping thread, or keep pumping until it returns.
     void Destroy() override;
     bool IsFeatureSetStarted(unsigned int id) override;
     bool IsFeatureSetProvisioned(unsigned int id) override;
     std::vector<unsigned int> GetFeatureSetDependencies(unsigned int id) override;
 
-    /// Starts the dispatchers and files the SystemService. The caller owns a pumped services dispatcher from here on.
-    /// With `openedForWriting` first moves protected files aside that can't be used.
+    /// Starts the dispatchers and registers the SystemService. The calling thread becomes the thread of a pumped
+    /// services dispatcher. With `openedForWriting`, first moves unusable protected files aside.
     void Init() override;
     std::shared_ptr<Processing::ServicesDispatcher> getServicesDispatcher() override;
     std::shared_ptr<Processing::TaskDispatcher> getBackgroundDispatcher() override;
-    /// Empty: this host watches no resources.
+    /// Returns null: this host watches no resources.
     std::shared_ptr<ResourceMonitor> getResourceMonitor() override;
     void setDataPersistor(std::shared_ptr<IDataPersistor> newPersistor) override;
     std::shared_ptr<IDataPersistor> getDataPersistor() override;
     std::shared_ptr<FeatureSetAdapter> getFeatureSetAdapter(unsigned int id) override;
 
-    /// Resets the client: drops the kept content of failed writes of user data, then calls every reset callback, those
-    /// of a lower order first. One that throws is logged and the next one called.
+    /// Resets the client: drops the pending content of failed writes of user data, then calls every reset callback,
+    /// lowest order first. A callback that throws is logged, and the next one is called.
     void invokeResetData(ResetDataOptionEnum::ResetDataOption option);
     /// Waits until every task posted to the background dispatcher so far has run, then retries failed writes of
     /// protected files.
     void flushBackgroundDispatcher();
 
-    // For programs that pump the services dispatcher.
+    // The following operations are for programs that pump the services dispatcher.
 
-    /// The calling thread is the dispatcher's from here on.
+    /// Makes the calling thread the dispatcher's thread.
     void resetDispatcherThread();
-    /// Empty for none.
+    /// Sets the callback that is called for each posted task; null for none.
     void setDispatcherCallback(std::shared_ptr<ServicesDispatcherCallback> callback);
-    /// False when no task came in time.
+    /// Waits until a task is posted. Returns false on timeout.
     bool waitForDispatcherTask(std::chrono::milliseconds timeout);
-    /// Runs the next task; false when none waits, or on another thread than the dispatcher's.
+    /// Runs the next task. Returns false if no task is queued, or if called on another thread than the dispatcher's.
     bool pumpNextDispatcherTask();
-    /// Runs what waits, and what that posts.
+    /// Runs all queued tasks, including those that they post.
     void pumpAllDispatcherTasks();
 
 private:

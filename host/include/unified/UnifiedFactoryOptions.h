@@ -9,22 +9,24 @@
 
 namespace ZelUnified {
 
-/// How a program wants its factory.
+/// Options of a program for its factory.
 struct UnifiedFactoryOptions {
-    /// Who runs the services dispatcher: a thread of the factory's own, or the program, which pumps it.
+    /// The owner of the services dispatcher's thread: Own is a thread of the factory, Pumped is a thread of the
+    /// program.
     enum class ServicesThread { Own, Pumped };
 
     ServicesThread servicesThread = ServicesThread::Own;
-    /// The one folder from which plug-ins are loaded.
+    /// The only folder from which plug-ins are loaded.
     std::string pluginFolder;
-    /// Readable type name of an interface -> file name, in that folder, of the library that provides it.
+    /// Maps the readable type name of an interface to the file name, in that folder, of the library that implements it.
     std::map<std::string, std::string> plugins;
     std::weak_ptr<ServiceEventListener> serviceEventListener;
-    /// Set it if the program holds the profile's lock and may write. Init(), which comes before any plug-in's entry,
-    /// then moves damaged, empty and wrongly keyed protected files of the configuration directory aside (see
+    /// True if the program holds the profile's lock and may write. Init(), before it calls the entry point of any
+    /// plug-in, then moves damaged, empty and wrongly keyed protected files of the configuration directory aside (see
     /// EncryptFileUtils::moveAsideUnusable). A program that only reads leaves it false, and nothing is changed.
     bool openedForWriting = false;
-    /// How long Destroy() retries failed writes of protected files at most, before it logs what is lost.
+    /// The maximum time for which Destroy() retries failed writes of protected files, before it logs the content that
+    /// is lost.
     std::chrono::milliseconds lastRetries{2000};
 };
 

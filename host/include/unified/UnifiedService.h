@@ -7,13 +7,13 @@
 namespace ZelUnified {
 
 #if defined(__clang__)
-// The overloads for a derived observer hide the base's on purpose: with both in sight a shared pointer to a client's
-// observer would be ambiguous.
+// An overload for a derived observer intentionally hides the base's: with both visible, a call with a shared pointer to
+// a client's observer would be ambiguous.
 #pragma clang diagnostic push
 #pragma clang diagnostic ignored "-Woverloaded-virtual"
 #endif
 
-/// Base of every service's interface.
+/// Base class of every service interface.
 class LUMORA_HOST_API UnifiedService : public virtual UnifiedBusinessObject {
 public:
     virtual void addObserver(std::weak_ptr<UnifiedServiceObserver> observer) = 0;

@@ -4,7 +4,7 @@
 
 namespace ZelUnified {
 
-/// Follows a service.
+/// Observes a service.
 class LUMORA_HOST_API UnifiedServiceObserver : public virtual UnifiedBusinessObjectObserver {
 public:
     virtual void OnBulkUpdateInProgressChanged() = 0;

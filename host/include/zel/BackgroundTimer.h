@@ -7,7 +7,7 @@
 
 namespace zel::common {
 
-/// Called by a BackgroundTimer on the timer's thread.
+/// The callback of a BackgroundTimer. Called on the timer's thread.
 class LUMORA_HOST_API BackgroundTimerCallback {
 public:
     BackgroundTimerCallback() = default;
@@ -23,9 +23,10 @@ public:
     BackgroundTimer& operator=(const BackgroundTimer&) = delete;
     virtual ~BackgroundTimer();
 
-    /// Arms the timer, anew if it was armed. A count of at most 0 fires at once, on the timer's thread.
+    /// Starts the timer, or restarts it. If `seconds` is at most 0, it fires immediately, on the timer's thread.
     virtual void start(std::weak_ptr<BackgroundTimerCallback> callback, const std::int64_t& seconds);
-    /// Afterwards no onTimer() comes: waits for one that runs, unless called from it.
+    /// Stops the timer. After the return, onTimer() is not called: stop() waits for a running onTimer(), unless it is
+    /// called from it.
     virtual void stop();
 
 private:

@@ -12,43 +12,45 @@ namespace zel::storage {
 
 enum class FileKind { Regular, Directory, Other };
 
-/// The file operations that durable writes and protected reads are made of, so that a test can let each of them fail.
-/// All answer 0 or an errno value and never throw; interrupted calls are resumed. Paths are UTF-8. Any thread.
+/// The file operations on which durable writes and protected reads are built, so that a test can make each of them
+/// fail. Each returns 0 or an errno value and never throws; interrupted system calls are restarted. Paths are UTF-8.
+/// Any thread.
 class LUMORA_HOST_API FileLayer {
 public:
     using Handle = int;
 
     virtual ~FileLayer() = default;
 
-    /// The platform's own.
+    /// Returns the platform's implementation.
     static FileLayer& platform();
 
-    /// Makes a new file of mode 0600, whatever the umask, and opens it for writing. EEXIST when the name is taken, by a
-    /// dangling link too.
+    /// Creates a new file with mode 0600, regardless of the umask, and opens it for writing. Returns EEXIST if the name
+    /// exists, even as a dangling link.
     virtual int createFile(const std::string& path, Handle& handle) = 0;
-    /// Opens what stands there; links are followed. Never blocks on a pipe.
+    /// Opens an existing file and follows links. Never blocks on a pipe.
     virtual int openForReading(const std::string& path, Handle& handle, FileKind& kind, std::uint64_t& size) = 0;
-    /// May give fewer bytes than there is room for; 0 bytes is the end.
+    /// Reads at most `room` bytes; may read fewer. 0 bytes mean the end of the file.
     virtual int read(Handle handle, char* buffer, std::size_t room, std::size_t& count) = 0;
-    /// May take fewer bytes than it is given.
+    /// Writes at most all of `bytes`; may write fewer.
     virtual int write(Handle handle, std::string_view bytes, std::size_t& count) = 0;
-    /// Returns once the file's bytes are on the disk.
+    /// Returns after the file's bytes are on the disk.
     virtual int sync(Handle handle) = 0;
     virtual int close(Handle handle) = 0;
 
-    /// Replaces `to`. Two names of one file stay as they are.
+    /// Renames a file and replaces `to`. If both are hard links to one file, both remain.
     virtual int rename(const std::string& from, const std::string& to) = 0;
-    /// Gives a file a second name; EEXIST when the name is taken.
+    /// Creates a second name for a file. Returns EEXIST if the name exists.
     virtual int link(const std::string& existing, const std::string& name) = 0;
     virtual int unlink(const std::string& path) = 0;
 
-    /// Makes the directory, not its parents, or takes the one that stands there; its mode is 0700 afterwards.
+    /// Creates the directory but not its parents, or uses an existing one. Sets its mode to 0700.
     virtual int createDirectory(const std::string& path) = 0;
-    /// Returns once the directory's names are on the disk; 0 where the platform has no such call. "" is the current
-    /// one.
+    /// Returns after the directory's entries are on the disk; returns 0 on a platform without such a call. "" is the
+    /// current directory.
     virtual int syncDirectory(const std::string& path) = 0;
-    /// Waits until no other process or thread holds the directory, and holds it until the handle is closed. Returns
-    /// ETIMEDOUT if it is still held after `timeout`; 0 tries once. Where locks are not supported it holds nothing.
+    /// Waits until no other process or thread holds the directory's lock, and holds it until the handle is closed.
+    /// Returns ETIMEDOUT if it is still held after `timeout`; a timeout of 0 tries once. If locks are not supported, no
+    /// lock is held.
     virtual int lockDirectory(const std::string& path, std::chrono::milliseconds timeout, Handle& handle) = 0;
 };
 

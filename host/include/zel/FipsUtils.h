@@ -6,11 +6,11 @@
 
 namespace zel::common {
 
-/// Whether the machine runs in FIPS mode. Asked on every read of a value, so the answer is read once and kept.
+/// Reports whether the machine runs in FIPS mode. Called on every read of a value, so the mode is read once and cached.
 class LUMORA_HOST_API FipsUtils {
 public:
     static bool isFipsEnabled() noexcept;
-    /// Replaces the machine's answer; nullopt asks the machine again. For embedding programs and tests.
+    /// Replaces the mode of the machine; nullopt reads it from the machine again. For embedding programs and tests.
     static void overrideFipsMode(std::optional<bool> enabled) noexcept;
 };
 

@@ -5,7 +5,7 @@
 
 namespace zel::logging {
 
-/// The end of the name of the operator that begins at `at`: where its parameters begin.
+/// Returns the end of the operator name that begins at `at`, which is the position of its parameter list.
 constexpr std::size_t endOfOperatorName(std::string_view pretty, std::size_t at) {
     at += std::string_view("operator").size();
     const std::size_t call = pretty.find("()", at);
@@ -16,7 +16,7 @@ constexpr std::size_t endOfOperatorName(std::string_view pretty, std::size_t at)
     return parameters == pretty.npos ? pretty.size() : parameters;
 }
 
-/// Whether the word "operator" begins at `at`.
+/// Returns true if the word "operator" begins at `at`.
 constexpr bool isOperatorName(std::string_view pretty, std::size_t at) {
     constexpr std::string_view word = "operator";
     constexpr std::string_view inNames = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_";
@@ -24,7 +24,7 @@ constexpr bool isOperatorName(std::string_view pretty, std::size_t at) {
            (at + word.size() == pretty.size() || inNames.find(pretty[at + word.size()]) == inNames.npos);
 }
 
-/// Where to go on behind a parenthesis at `at` that belongs to no parameter list; `at` when it does.
+/// Returns the position after a parenthesis at `at` that is not a parameter list; returns `at` if it is one.
 constexpr std::size_t endOfNamedParenthesis(std::string_view pretty, std::size_t at) {
     const bool isUnnamedScope = pretty.substr(at).starts_with("(anonymous ");
     if (isUnnamedScope || pretty.substr(0, at).ends_with("decltype") || pretty.substr(0, at).ends_with("decltype ")) {
@@ -33,9 +33,9 @@ constexpr std::size_t endOfNamedParenthesis(std::string_view pretty, std::size_t
     return at;
 }
 
-/// Cuts the compiler's description of a function to its qualified name: no result type, parameters, own template
-/// arguments or lambda tail. The arguments of an enclosing class template stay. Not consteval: clang 14 refuses that
-/// inside of templates.
+/// Reduces the compiler's description of a function to its qualified name: removes the result type, the parameters, the
+/// function's own template arguments and a lambda suffix. The arguments of an enclosing class template stay. Not
+/// consteval because clang 14 rejects that inside templates.
 constexpr std::string_view functionName(std::string_view pretty) {
     std::size_t begin = 0;
     std::size_t arguments = 0;
@@ -60,7 +60,7 @@ constexpr std::string_view functionName(std::string_view pretty) {
             if (behind > end) {
                 end = behind - 1;
             } else if (pretty.substr(end + 1).starts_with('*') || pretty.substr(end + 1).starts_with('&')) {
-                begin = end + 1; // the result is a pointer or reference to a function or an array
+                begin = end + 1; // the result type is a pointer or reference to a function or an array
             } else {
                 break;
             }

@@ -8,7 +8,7 @@
 
 namespace zel::storage {
 
-/// The secret that the files of one category are protected with. Zeroed before it is freed.
+/// The secret that protects the files of one category. Zeroed before it is freed.
 class LUMORA_HOST_API MasterKey {
 public:
     static constexpr std::size_t length = 32;
@@ -27,21 +27,21 @@ private:
 
 enum class KeyResult {
     Found,
-    Absent,      ///< Never made, or removed: files written with it can't be read any more.
-    Malformed,   ///< Something stands in its place that is no key.
-    Unavailable, ///< It may be there but can't be had now; asking again later may help.
-    Locked       ///< Another process locks the keys and did not release them in time; asking again later may help.
+    Absent,      ///< Never created, or removed: files written with it are unreadable.
+    Malformed,   ///< The key's place contains something that is not a key.
+    Unavailable, ///< The key may exist but cannot be read now; a retry may succeed.
+    Locked       ///< Another process holds the lock of the keys and did not release it in time; a retry may succeed.
 };
 
-/// Where master keys live: files by default, a desktop keyring or the platform's data protection in their place. Any
-/// thread, and several processes at once. May throw; the facility turns that into a failure.
+/// Stores the master keys: in files by default; a desktop keyring or the platform's data protection can replace them.
+/// Any thread, and several processes concurrently. May throw; the caller converts that to a failure.
 class LUMORA_HOST_API KeyProvider {
 public:
     virtual ~KeyProvider() = default;
 
-    /// `key` holds the key on Found and is of no meaning otherwise.
+    /// Reads the key. `key` is valid only if the call returns Found.
     virtual KeyResult find(FileCategoryType::FileCategory category, MasterKey& key) = 0;
-    /// Makes the key when it is absent or malformed. All who ask, at once too, get the same one, and it is durable
+    /// Reads the key; creates it if it is absent or malformed. Concurrent callers get the same key, and it is durable
     /// before the call returns. Returns Found, Unavailable or Locked.
     virtual KeyResult findOrMake(FileCategoryType::FileCategory category, MasterKey& key) = 0;
 };

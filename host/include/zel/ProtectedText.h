@@ -9,16 +9,15 @@
 
 namespace zel::storage {
 
-/// A text that its owner keeps enciphered in memory, as the encrypted-file facility sees it.
+/// A text that its owner keeps encrypted in memory. EncryptFileUtils accesses it through this interface.
 class LUMORA_HOST_API ProtectedText {
 public:
     virtual bool isEmpty() const = 0;
-    /// Takes a copy of the bytes. A null pointer changes nothing.
+    /// Copies the bytes. A null pointer changes nothing.
     virtual void setContent(const char* bytes, std::size_t length) = 0;
-    /// Shows the clear bytes for the length of the call; they are wiped afterwards. Not called when there are none.
+    /// Calls `use` with the clear text, which is zeroed after the call. Does not call `use` if the text is empty.
     virtual void withClearText(const std::function<void(std::string_view)>& use) const = 0;
-    /// Returns a copy that later changes of this text don't reach, protected in the same way. The copy is empty if it
-    /// can't be protected.
+    /// Returns an independent copy with the same protection. The copy is empty if it cannot be protected.
     virtual std::shared_ptr<const ProtectedText> copy() const = 0;
 
 protected:

@@ -2,14 +2,14 @@
 
 namespace zel::storage {
 
-/// Why a protected file could not be read.
+/// The result of reading a protected file.
 enum class ReadResult {
     Ok,
     Absent,
-    Unreadable, ///< No regular file, no access, over 64 MiB, or of a later version.
-    WrongKey,   ///< Written under another key or category, or the key is gone.
-    Damaged,    ///< Not in the facility's format, cut short, or changed since it was written.
-    Empty       ///< In order, but without content.
+    Unreadable, ///< Not a regular file, no access, more than 64 MiB, or of a later version.
+    WrongKey,   ///< Written with another key or category, or the key does not exist any more.
+    Damaged,    ///< Not in the expected format, truncated, or changed after it was written.
+    Empty       ///< Valid, but without content.
 };
 
 } // namespace zel::storage

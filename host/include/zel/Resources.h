@@ -8,23 +8,23 @@
 
 namespace zel {
 
-/// A document that is compiled into a library. Its content is bytes, to be taken as they stand.
+/// A document that is compiled into a library. Its content is raw bytes.
 struct Resource {
     std::string_view type;
     std::string_view name;
     std::string_view content;
 };
 
-/// The documents that the libraries of this process carry, the same on every platform. Any thread.
+/// Finds the documents in the libraries of this process. The documents are the same on every platform. Any thread.
 class LUMORA_HOST_API Resources {
 public:
-    /// Type and name are compared letter by letter. The content stays as long as the library that carries it; empty
-    /// when no library does.
+    /// Returns the content; nullopt if no library contains the document. Type and name are case-sensitive. The content
+    /// is valid as long as its library is loaded.
     static std::optional<std::string_view> find(std::string_view type, std::string_view name);
 };
 
-/// Makes what a library carries known for as long as it lives: a static object of that library, which also owns the
-/// table. Any thread.
+/// Registers the documents of a library for the lifetime of this object, which is a static object of that library. The
+/// library also owns the table. Any thread.
 class LUMORA_HOST_API CarriedResources {
 public:
     explicit CarriedResources(std::span<const Resource> carried);

@@ -9,39 +9,39 @@
 
 namespace zel::storage {
 
-/// How a write ended. Failed attempts to write kept content again count as writes.
+/// The outcome of a write. Failed retries of pending content count as writes.
 struct WriteOutcome {
     bool succeeded = false;
-    std::string cause; ///< Why it failed, for a user; "" after success. Contains no content and no path.
+    std::string cause; ///< The cause of a failure, for a user; "" on success. Contains no content and no path.
     std::chrono::system_clock::time_point time;
 };
 
 /// One protected file.
 struct ProtectedFileHealth {
-    std::string path;                      ///< The physical file.
-    ReadResult state = ReadResult::Absent; ///< Of the file on the disk, whatever content is kept for it.
-    std::optional<WriteOutcome> lastWrite; ///< By this process; empty if it did not write the file.
-    bool pending = false;                  ///< Content is kept in memory and waits to be written.
+    std::string path;                      ///< The physical path.
+    ReadResult state = ReadResult::Absent; ///< The state of the file on the disk, regardless of pending content.
+    std::optional<WriteOutcome> lastWrite; ///< The last write by this process; empty if it did not write the file.
+    bool pending = false;                  ///< Content is kept in memory until it can be written.
 };
 
 /// A file that this process moved aside.
 struct MovedFile {
     std::string original;
-    std::string keptAs; ///< In the same directory.
+    std::string keptAs; ///< The new path, in the same directory.
     ReadResult reason = ReadResult::Damaged;
 };
 
-/// A file found on the disk that this or an earlier process moved aside.
+/// A file on the disk that this process or an earlier one moved aside.
 struct KeptFile {
     std::string original;
     std::string keptAs;
-    ReadResult state = ReadResult::Damaged; ///< What reading it gives now; Ok if it can be restored.
+    ReadResult state = ReadResult::Damaged; ///< The result of reading it now; Ok if it can be restored.
 };
 
 /// The state of the protected files of one directory tree.
 struct StorageHealth {
     std::vector<ProtectedFileHealth> files; ///< Sorted by path.
-    std::vector<MovedFile> movedAside;      ///< In the order in which they were moved.
+    std::vector<MovedFile> movedAside;      ///< In chronological order.
 };
 
 } // namespace zel::storage

@@ -10,9 +10,9 @@ namespace ZelSystemMonitor {
 class LUMORA_HOST_API SystemMonitor {
 public:
     virtual ~SystemMonitor() = default;
-    /// An observer that is on the list already is not added twice.
+    /// Adds the observer, unless the list contains it already.
     virtual void addPowerEventObserver(std::weak_ptr<PowerEventObserver> observer) = 0;
-    /// Doesn't wait for an observer that is just being told.
+    /// Removes the observer. Does not wait for a running callback of it.
     virtual void removePowerEventObserver(std::weak_ptr<PowerEventObserver> observer) = 0;
 };
 

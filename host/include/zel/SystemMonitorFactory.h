@@ -6,12 +6,13 @@
 
 namespace ZelSystemMonitor {
 
-/// Where the process's power events come from. Any thread.
+/// Provides the source of power events of the process. Any thread.
 class LUMORA_HOST_API SystemMonitorFactory {
 public:
-    /// The process's monitor; never empty. On a machine without a source of power events it delivers nothing.
+    /// Returns the monitor of the process, never null. On a machine without a source of power events the monitor
+    /// delivers nothing.
     static std::shared_ptr<SystemMonitor> getInstance();
-    /// Puts another monitor in its place, for embedding programs and tests; empty brings the machine's back.
+    /// Replaces the monitor, for embedding programs and tests; null restores the machine's.
     static void overrideInstance(std::shared_ptr<SystemMonitor> monitor);
 };
 

@@ -4,13 +4,13 @@
 
 namespace zel {
 
-/// A piece of work for a dispatcher. It runs once, and is destroyed, with no lock of the dispatcher held.
+/// A unit of work for a dispatcher. The dispatcher runs it once and destroys it, and holds no lock during either.
 class Task {
 public:
     virtual ~Task() = default;
 
     virtual void run() = 0;
-    /// A label for diagnostics.
+    /// Returns a label for diagnostics.
     virtual std::string getName() const = 0;
 };
 

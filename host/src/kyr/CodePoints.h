@@ -6,13 +6,15 @@
 #include <string_view>
 #include <type_traits>
 
-/// Steps between code units and code points. Wide units are templates so that both widths are tested on any platform.
+/// Conversions between code units and code points. Functions on wide units are templates, so that both widths are
+/// tested on any platform.
 namespace KyrCoreUtils::codepoints {
 
 constexpr char32_t replacement = 0xFFFD;
 constexpr char32_t last = 0x10FFFF;
 
-/// What stands at a place: one code point, or an ill-formed part of `length` units with `value` its first unit.
+/// The result of decoding at a position: one code point, or an ill-formed part of `length` units, of which `value` is
+/// the first.
 struct Decoded {
     char32_t value;
     std::size_t length;
@@ -49,7 +51,7 @@ constexpr Decoded decodeWide(std::basic_string_view<Unit> text, std::size_t at) 
     return {unit, 1, !isSurrogate(unit) && unit <= last};
 }
 
-/// An ill-formed part is as long as it could still have begun a character, at least one byte.
+/// Decodes at `at`. An ill-formed part extends as far as it could still begin a character, at least one byte.
 constexpr Decoded decodeUtf8(std::string_view text, std::size_t at) {
     const auto byteAt = [&](std::size_t place) { return static_cast<unsigned char>(text[place]); };
     const unsigned char lead = byteAt(at);
@@ -60,7 +62,7 @@ constexpr Decoded decodeUtf8(std::string_view text, std::size_t at) {
         return {lead, 1, false};
     }
     const std::size_t length = lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
-    // The second byte's range excludes overlong forms, surrogates and what lies beyond the last code point.
+    // The range of the second byte excludes overlong forms, surrogates and values beyond the last code point.
     unsigned char low = lead == 0xE0 ? 0xA0 : lead == 0xF0 ? 0x90 : 0x80;
     unsigned char high = lead == 0xED ? 0x9F : lead == 0xF4 ? 0x8F : 0xBF;
     char32_t value = static_cast<char32_t>(lead & (0x7F >> length));
@@ -75,7 +77,7 @@ constexpr Decoded decodeUtf8(std::string_view text, std::size_t at) {
     return {value, length, true};
 }
 
-/// `value` is a scalar value; the caller has replaced all else.
+/// Appends `value`, which must be a scalar value; the caller replaces all others.
 template <class Unit>
 void appendWide(std::basic_string<Unit>& text, char32_t value) {
     if constexpr (sizeof(Unit) == 2) {
@@ -108,7 +110,7 @@ inline void appendUtf8(std::string& text, char32_t value) {
     append(0x80 | (value & 0x3F));
 }
 
-/// An upper bound of what `text` needs in UTF-8, exact for ASCII.
+/// Returns an upper bound of the length of `text` in UTF-8, exact for ASCII.
 template <class Unit>
 std::size_t roomInUtf8(std::basic_string_view<Unit> text) {
     std::size_t room = text.size();
@@ -122,7 +124,8 @@ std::size_t roomInUtf8(std::basic_string_view<Unit> text) {
 template <class Unit>
 std::string wideToUtf8(std::basic_string_view<Unit> text) {
     std::string result;
-    // A text that grew would leave its beginning in freed memory, and it may be a secret.
+    // Reserves the memory first: a reallocation would leave a copy of the beginning, possibly of a secret, in freed
+    // memory.
     result.reserve(roomInUtf8(text));
     for (std::size_t at = 0; at < text.size();) {
         const Decoded decoded = decodeWide(text, at);

@@ -13,7 +13,7 @@ namespace KyrCoreUtils {
 
 namespace {
 
-/// The host's own folders, for the whole process as the question has no other context.
+/// The folders set by the host. Process-wide, because the getters have no other context.
 class Overrides {
 public:
     static Overrides& instance() {
@@ -36,7 +36,8 @@ private:
     HostDirectories current;
 };
 
-/// Absolute, without links where the system can resolve them, without a trailing separator; empty stays empty.
+/// Returns the absolute path without a trailing separator, with links resolved where possible; an empty path stays
+/// empty.
 fs::path resolved(const fs::path& path) {
     if (path.empty()) {
         return {};
@@ -49,7 +50,7 @@ fs::path resolved(const fs::path& path) {
     return result.has_filename() || !result.has_relative_path() ? result : result.parent_path();
 }
 
-/// Absolute and without a trailing separator, links kept as they were written.
+/// Returns the absolute path without a trailing separator; links are not resolved.
 std::string tidy(const std::string& directory) {
     const auto path = pathFromText(directory);
     if (!path) {
@@ -72,7 +73,8 @@ std::string directoryOf(std::string HostDirectories::*member) {
     return own.empty() ? tidy(platform::defaultDirectories().*member) : own;
 }
 
-/// A reset empties the directory, so nothing that must outlive a reset may lie in it.
+/// Returns true if a reset may empty the directory: it contains neither the home folder, nor the application data, nor
+/// the logs.
 bool isSafeToEmpty(const std::string& directory) {
     const auto path = pathFromText(directory);
     if (!path) {

@@ -18,7 +18,7 @@ namespace KyrCoreUtils {
 
 namespace {
 
-/// Runs `operation`, which can only throw for want of memory, as one that never throws.
+/// Calls `operation` and converts an exception, which can only be a failed allocation, to an errno value.
 template <class Operation>
 int asErrorCode(Operation operation) noexcept {
     try {
@@ -50,7 +50,7 @@ bool hasExtension(const fs::path& file, const std::string& extension) {
     return !own.empty() && caseInsensitiveStringEquals(std::string_view(own).substr(1), extension);
 }
 
-/// The files of `directory` that bear `extension` go to `files`, its subdirectories to `pending`.
+/// Appends the files of `directory` with the extension to `files` and its subdirectories to `pending`.
 void listOne(const fs::path& directory, const std::string& extension, std::vector<std::string>& files,
              std::vector<fs::path>& pending) {
     std::error_code error;

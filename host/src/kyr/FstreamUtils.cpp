@@ -8,7 +8,7 @@ namespace KyrCoreUtils {
 
 namespace {
 
-/// Whether `path` may be opened: opening a pipe would block, and a directory opens but can't be read.
+/// Returns true if `path` may be opened. Opening a pipe would block; a directory opens but cannot be read.
 bool isOpenable(const std::filesystem::path& path, StreamMode mode) {
     std::error_code error;
     const auto status = std::filesystem::status(path, error);

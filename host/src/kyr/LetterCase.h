@@ -14,7 +14,7 @@ inline char32_t toLower(char32_t value) noexcept {
                                     : static_cast<char32_t>(utf8proc_tolower(static_cast<utf8proc_int32_t>(value)));
 }
 
-/// Lower-cased code points one by one; an ill-formed unit stands for itself, apart from all characters.
+/// Iterates over lower-case code points. An ill-formed unit is returned unchanged; its value equals no character.
 class WideCursor {
 public:
     explicit WideCursor(std::wstring_view wide) noexcept : text(wide) {}
@@ -54,7 +54,7 @@ private:
     std::size_t at = 0;
 };
 
-/// Negative, zero or positive.
+/// Returns a negative number, zero or a positive number.
 template <class Cursor>
 int compare(Cursor a, Cursor b) noexcept {
     while (!a.atEnd() && !b.atEnd()) {

@@ -6,7 +6,8 @@
 
 namespace KyrCoreUtils {
 
-/// The path that UTF-8 text names; nothing for the empty text and for text that the system would cut at a NUL.
+/// Converts UTF-8 text to a path. Returns nullopt for empty text and for text with a NUL, at which the system would
+/// truncate it.
 std::optional<std::filesystem::path> pathFromText(const std::string& text);
 
 std::string textFromPath(const std::filesystem::path& path);

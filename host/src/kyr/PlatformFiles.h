@@ -5,21 +5,21 @@
 #include <filesystem>
 #include <string>
 
-/// What the platform contributes to the files and directories. Errors are errno values, 0 is success.
+/// The platform-specific file and directory operations. Errors are errno values, 0 is success.
 namespace KyrCoreUtils::platform {
 
-/// The folders of the current user and of the installation; "" where one can't be settled.
+/// Returns the folders of the current user and of the installation; "" for a folder that cannot be determined.
 HostDirectories defaultDirectories();
-/// The home folder; empty when it is unknown.
+/// Returns the home folder; empty if it is unknown.
 std::filesystem::path homeDirectory();
 
-/// Makes one directory that only its owner may enter.
+/// Creates one directory that only its owner may enter.
 int makeDirectory(const std::filesystem::path& path) noexcept;
-/// Removes a file or a link.
+/// Removes a file or a link, never a directory.
 int removeFile(const std::filesystem::path& path) noexcept;
-/// Moves a file, across devices too; the target appears whole or not at all.
+/// Moves a file, also across devices; the target appears complete or not at all.
 int moveFile(const std::filesystem::path& source, const std::filesystem::path& target, bool failIfExists) noexcept;
-/// Makes sure that `path` is a regular file of the owner alone, without changing its content.
+/// Creates `path` or checks that it is a regular file, and restricts it to its owner. Does not change its content.
 int makePrivateFile(const std::filesystem::path& path) noexcept;
 
 } // namespace KyrCoreUtils::platform

@@ -17,7 +17,7 @@ constexpr bool isBlank(Unit unit) {
     return unit == Unit{' '} || (unit >= Unit{'\t'} && unit <= Unit{'\r'});
 }
 
-/// Most texts are: then each unit is a character, and stays one in every conversion.
+/// Cheap test for the common case: each unit is one character and remains one in every conversion.
 template <class Unit>
 bool isAscii(std::basic_string_view<Unit> text) noexcept {
     std::uint32_t seen = 0;
@@ -64,12 +64,12 @@ void splitInto(std::basic_string_view<Unit> text, std::vector<std::basic_string<
         }
         found.emplace_back(text.substr(begin));
     }
-    // Swapped in at the end: the text may view a former piece.
+    // Swaps at the end because the text may be a view of an old piece.
     pieces.swap(found);
 }
 
-/// How far the texts begin with the same ASCII units, in whole blocks: neighbours in an order have long beginnings in
-/// common.
+/// Returns the length of the common ASCII prefix, in whole blocks. Neighbours in a sorted order have long common
+/// prefixes.
 std::size_t equalAsciiBlocks(std::wstring_view a, std::wstring_view b, std::size_t shared) noexcept {
     constexpr std::size_t block = 4;
     std::size_t at = 0;
@@ -114,7 +114,7 @@ std::wstring toWideString(std::string_view text) {
 }
 
 void toWideString(std::string_view text, std::wstring& wide) {
-    if (!isAscii(text)) { // first, as what is written and thrown away may be a secret
+    if (!isAscii(text)) { // tested first: discarded output could contain a secret
         wide = codepoints::utf8ToWide<wchar_t>(text);
         return;
     }
@@ -166,7 +166,7 @@ std::string toLowercase(std::string_view text) {
 }
 
 int caseInsensitiveStringCompare(std::wstring_view a, std::wstring_view b) noexcept {
-    // As long as both are ASCII no unit needs decoding.
+    // While both texts are ASCII, no unit needs decoding.
     const std::size_t shared = std::min(a.size(), b.size());
     for (std::size_t at = equalAsciiBlocks(a, b, shared); at < shared; ++at) {
         const char32_t left = codepoints::unitValue(a[at]);

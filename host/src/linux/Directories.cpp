@@ -13,7 +13,7 @@ namespace KyrCoreUtils::platform {
 
 namespace {
 
-/// Relative values are invalid and count as absent.
+/// Returns the path in an environment variable; empty for a relative path, which is invalid there.
 fs::path absoluteFromEnvironment(const char* name) {
     const char* value = std::getenv(name);
     const fs::path path = value != nullptr ? value : "";
@@ -31,7 +31,7 @@ fs::path homeFromUserDatabase() {
     return path.is_absolute() ? path : fs::path();
 }
 
-/// The folder of that XDG variable, its default below the home folder, or "".
+/// Returns the folder of an XDG variable, or its default below the home folder, or "".
 std::string userFolder(const char* variable, const char* belowHome, const char* leaf) {
     fs::path base = absoluteFromEnvironment(variable);
     if (base.empty()) {
@@ -41,7 +41,7 @@ std::string userFolder(const char* variable, const char* belowHome, const char* 
     return base.empty() ? std::string() : (base / leaf).string();
 }
 
-/// The data folder that belongs to the place this library was installed in, even when the whole tree was moved.
+/// Returns the data folder of the installation that contains this library; also works after the whole tree was moved.
 fs::path resourcesBesideLibrary() {
     Dl_info info{};
     if (::dladdr(reinterpret_cast<const void*>(&defaultDirectories), &info) == 0 || info.dli_fname == nullptr) {

@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::array endSignals{SIGINT, SIGTERM, SIGHUP};
 
-// A signal's action can reach nothing but the process's own variables.
+// Global because a signal handler can access nothing else.
 std::atomic<int> received = 0;
 std::atomic<int> wakeWriter = -1;
 std::atomic<int> wakeReader = -1;
@@ -29,7 +29,7 @@ void openWakePipe() noexcept {
     }
 }
 
-/// Calls nothing but async-signal-safe functions.
+/// Calls only async-signal-safe functions.
 extern "C" void onEndSignal(int number) {
     int none = 0;
     if (!received.compare_exchange_strong(none, number)) {
@@ -49,7 +49,7 @@ EndSignals::EndSignals() {
     openWakePipe();
     struct sigaction action {};
     action.sa_handler = &onEndSignal;
-    action.sa_flags = SA_RESTART; // a write of a command's answer goes on
+    action.sa_flags = SA_RESTART; // restarts an interrupted write of a command's output
     sigemptyset(&action.sa_mask);
     for (std::size_t i = 0; i < endSignals.size(); ++i) {
         sigaction(endSignals[i], nullptr, &previousActions[i]);

@@ -4,7 +4,8 @@
 
 namespace zel::platform {
 
-/// Owns a descriptor of the kernel; negative for none, as a call that failed gives it.
+/// Owns a file descriptor and closes it in the destructor. A negative descriptor means none, as a failed system call
+/// returns it.
 class FileDescriptor {
 public:
     explicit FileDescriptor(int opened) : number(opened) {}

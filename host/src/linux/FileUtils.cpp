@@ -24,7 +24,7 @@ int renameToFreeName(const char* source, const char* target) {
     if (result != EINVAL && result != ENOSYS) {
         return result;
     }
-    // The file system can't; a second name is refused just as well when the target stands.
+    // Fallback for a file system without this flag: link() also fails if the target exists.
     if (::link(source, target) != 0) {
         return errno;
     }
@@ -68,7 +68,7 @@ int copyContent(int from, int to) {
     }
 }
 
-/// A copy beside the target takes its name only when it is complete.
+/// Copies the file to a temporary name beside the target and renames it after the copy is complete.
 int moveAcrossDevices(const std::filesystem::path& source, const std::filesystem::path& target, bool failIfExists) {
     const FileDescriptor from(::open(source.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
     struct stat status {};

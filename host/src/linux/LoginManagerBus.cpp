@@ -41,7 +41,7 @@ std::optional<bool> readFlag(sd_bus_message* message) {
     return flag != 0;
 }
 
-/// What poll takes: the milliseconds until the connection wants to be processed again, -1 for ever.
+/// Returns the timeout for poll(): the milliseconds until the connection must be processed again, -1 for none.
 int timeoutOf(sd_bus* bus) {
     std::uint64_t due = 0; // microseconds of the monotonic clock
     if (sd_bus_get_timeout(bus, &due) < 0 || due == std::numeric_limits<std::uint64_t>::max()) {
@@ -113,7 +113,7 @@ int LoginManagerBus::requestInhibitor() {
 int LoginManagerBus::onInhibited(sd_bus_message* reply, void* self, sd_bus_error*) {
     auto& connection = *static_cast<LoginManagerBus*>(self);
     connection.inhibitorRequested = false;
-    if (const auto sender = senderOf(reply); sender != busService) { // the bus answers for one that isn't there
+    if (const auto sender = senderOf(reply); sender != busService) { // the bus replies for a missing service
         connection.loginManager = sender;
     }
     connection.acceptInhibitor(reply);
@@ -127,7 +127,7 @@ void LoginManagerBus::acceptInhibitor(sd_bus_message* reply) {
                    (refusal->message != nullptr ? refusal->message : refusal->name));
         return;
     }
-    int given = -1; // the message's own
+    int given = -1; // owned by the message
     if (sd_bus_message_read(reply, "h", &given) < 0) {
         return;
     }

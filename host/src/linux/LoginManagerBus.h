@@ -9,23 +9,23 @@
 
 namespace ZelSystemMonitor {
 
-/// One connection to the system bus on which the login manager's announcements are heard. It holds an inhibitor, so
-/// that the machine waits with a shutdown until the receiver has let go of the hold that comes with the event. Sleep is
-/// announced but not delayed: nobody has anything to save for it.
+/// A connection to the system bus that receives the login manager's signals. It holds an inhibitor, which delays a
+/// shutdown until the receiver has released the hold that is passed with the event. Sleep is signalled but not delayed,
+/// because nothing needs to be saved before it.
 ///
-/// Nothing here waits but wait(). To be used by one thread.
+/// Only wait() blocks. Not thread-safe.
 class LoginManagerBus {
 public:
     explicit LoginManagerBus(PowerEventReceiver eventReceiver);
     LoginManagerBus(const LoginManagerBus&) = delete;
     LoginManagerBus& operator=(const LoginManagerBus&) = delete;
 
-    /// Connects and asks for everything; the answers come with process(). 0 or a negative errno.
+    /// Connects and sends all requests; process() handles the replies. Returns 0 or a negative errno value.
     int open();
-    /// Handles what has come. Positive when there may be more, 0 when not, a negative errno when the connection is
-    /// gone.
+    /// Handles the received messages. Returns a positive value if there may be more, 0 if not, a negative errno value
+    /// if the connection is lost.
     int process();
-    /// Returns when something has come, or when `wakeDescriptor` can be read. 0 or a negative errno.
+    /// Waits until a message has arrived or `wakeDescriptor` is readable. Returns 0 or a negative errno value.
     int wait(int wakeDescriptor);
 
 private:
@@ -42,7 +42,7 @@ private:
 
     const PowerEventReceiver receiver;
     std::unique_ptr<sd_bus, decltype(&sd_bus_close_unref)> bus{nullptr, &sd_bus_close_unref};
-    std::string loginManager; ///< Its unique name on the bus: anyone may send a signal that looks like its own.
+    std::string loginManager; ///< Its unique bus name: any process may send the same signals.
     bool inhibitorRequested = false;
     PowerEventHold inhibitor;
 };

@@ -4,7 +4,7 @@
 
 namespace ZelSystemMonitor {
 
-/// The logger of all that speaks with the login manager.
+/// Returns the logger of all classes that communicate with the login manager.
 inline ZelLogger& loginManagerLogger() {
     static ZelLogger& logger = ZelLogger_getLogger("SystemMonitor-LoginManager");
     return logger;

@@ -21,7 +21,7 @@ ZelLogger& logger = loginManagerLogger();
 
 } // namespace
 
-/// What the thread runs, until it is told to stop or the connection is gone.
+/// The loop of the thread. It runs until stop() is called or the connection is lost.
 class LoginManagerMonitor::Loop {
 public:
     explicit Loop(PowerEventReceiver eventReceiver)
@@ -40,7 +40,7 @@ public:
     }
 
 private:
-    /// 0 when stopped, else a negative errno.
+    /// Returns 0 if stopped, otherwise a negative errno value.
     int listen() {
         LoginManagerBus bus(receiver);
         int result = bus.open();
@@ -64,7 +64,7 @@ LoginManagerMonitor::LoginManagerMonitor(PowerEventReceiver receiver)
 LoginManagerMonitor::~LoginManagerMonitor() {
     loop->stop();
     if (thread.get_id() == std::this_thread::get_id()) {
-        thread.detach(); // ended by what it just told
+        thread.detach(); // the receiver destroyed this object during an event
         return;
     }
     thread.join();

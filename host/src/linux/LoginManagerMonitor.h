@@ -7,7 +7,7 @@
 
 namespace ZelSystemMonitor {
 
-/// Listens to the login manager on a thread of its own. Without a system bus that thread ends at once.
+/// Receives the login manager's signals on its own thread. Without a system bus that thread ends immediately.
 class LUMORA_HOST_API LoginManagerMonitor final : public PowerEventSource {
 public:
     explicit LoginManagerMonitor(PowerEventReceiver receiver);

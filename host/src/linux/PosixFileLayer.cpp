@@ -17,7 +17,7 @@ namespace {
 constexpr mode_t privateFile = 0600;
 constexpr mode_t privateDirectory = 0700;
 
-/// Calls until it is not interrupted; the result of the call.
+/// Repeats the call while it is interrupted. Returns its result.
 template <typename Call>
 auto uninterrupted(Call call) {
     auto result = call();
@@ -38,7 +38,7 @@ int openDirectory(const std::string& path, int& handle) {
     return handle < 0 ? errno : 0;
 }
 
-/// There is no lock call with a timeout, so it asks again and again.
+/// Retries in intervals, because the system has no lock call with a timeout.
 int lockWithin(int handle, std::chrono::milliseconds timeout) {
     constexpr std::chrono::milliseconds pause(10);
     const auto deadline = std::chrono::steady_clock::now() + timeout;
@@ -74,7 +74,7 @@ int PosixFileLayer::createFile(const std::string& path, Handle& handle) {
     if (handle < 0) {
         return errno;
     }
-    // A strict umask may have taken away what the owner needs.
+    // A strict umask may have removed permissions that the owner needs.
     const int error = errorOf([&] { return ::fchmod(handle, privateFile); });
     if (error != 0) {
         ::close(handle);
@@ -116,7 +116,7 @@ int PosixFileLayer::sync(Handle handle) {
 }
 
 int PosixFileLayer::close(Handle handle) {
-    // The handle is gone even when the call was interrupted; a second try might close somebody else's.
+    // The handle is closed even if the call was interrupted; a second call could close a handle of another thread.
     return ::close(handle) < 0 && errno != EINTR ? errno : 0;
 }
 
@@ -153,7 +153,7 @@ int PosixFileLayer::syncDirectory(const std::string& path) {
     }
     const int error = sync(handle);
     close(handle);
-    // Some network and user-space file systems can't sync a directory.
+    // Some network and user-space file systems cannot sync a directory.
     return error == EINVAL || error == ENOTSUP || error == ENOSYS ? 0 : error;
 }
 

@@ -4,7 +4,7 @@
 
 namespace zel::storage {
 
-/// The file operations of the kernel. Stateless.
+/// Implements the file operations with system calls. Stateless.
 class PosixFileLayer final : public FileLayer {
 public:
     int createFile(const std::string& path, Handle& handle) override;

@@ -23,7 +23,7 @@ namespace ZelUnified {
 
 namespace {
 
-/// One spelling of the directory for all processes, whether it exists yet or not.
+/// Returns the same spelling of the directory in all processes, whether it exists or not.
 std::string settledPath(const std::string& directory) {
     std::error_code failure;
     auto path = std::filesystem::weakly_canonical(std::filesystem::absolute(directory, failure), failure);
@@ -33,7 +33,7 @@ std::string settledPath(const std::string& directory) {
     return (path.has_filename() ? path : path.parent_path()).string();
 }
 
-/// A digest, since a path may be longer than a file's name.
+/// Uses a digest because a path may be longer than a file name.
 std::string holderFileName(const std::string& path) {
     std::array<unsigned char, SHA256_DIGEST_LENGTH> digest{};
     SHA256(reinterpret_cast<const unsigned char*>(path.data()), path.size(), digest.data());
@@ -48,7 +48,7 @@ std::string describe(int error) {
     return std::error_code(error, std::generic_category()).message();
 }
 
-/// The file system can't lock a directory, as some network file systems can't.
+/// Returns true if the file system cannot lock a directory; some network file systems cannot.
 bool isUnsupported(int error) {
     return error == EBADF || error == EINVAL || error == ENOLCK || error == ENOTSUP;
 }
@@ -57,7 +57,7 @@ int lockAtOnce(int descriptor) {
     return flock(descriptor, LOCK_EX | LOCK_NB) == 0 ? 0 : errno;
 }
 
-/// Records in the state folder which process holds a lock. Only a user reads it; every failure is ignored.
+/// Records in the state folder which process holds a lock. The record is for users only; every failure is ignored.
 class HolderFile {
 public:
     HolderFile(const std::string& configDirectory, const std::string& stateDirectory)
@@ -71,7 +71,7 @@ public:
         }
     }
 
-    /// 0 if it isn't known. A number that a killed process left behind isn't one.
+    /// Returns the id of the holder; 0 if it is unknown or belongs to a process that was killed.
     long read() const {
         std::array<char, 32> content{};
         const auto length = pread(file.get(), content.data(), content.size(), 0);
@@ -95,7 +95,7 @@ private:
 
 } // namespace
 
-/// The open directory, and with it the lock.
+/// The open directory, which holds the lock.
 class ProfileLock::LockedDirectory {
 public:
     LockedDirectory(const std::string& configDirectory, const std::string& stateDirectory)
@@ -130,7 +130,7 @@ public:
     ~LockedDirectory() {
         if (held) {
             zel::storage::PendingWrites::ofProcess().giveUp(path);
-            holderFile.write(""); // whoever is refused next must not be told of this process
+            holderFile.write(""); // the next process that fails to lock must not report this one
         }
     }
 

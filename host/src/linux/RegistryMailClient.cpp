@@ -17,7 +17,7 @@ namespace zel::registry {
 
 namespace {
 
-/// The absolute paths of a list in the environment, or those of the default where it has none.
+/// Returns the absolute paths in a list in the environment, or in the default if the variable is missing.
 std::vector<fs::path> listFromEnvironment(const char* name, const std::string& otherwise) {
     const char* value = std::getenv(name);
     std::vector<std::string> pieces;
@@ -47,7 +47,7 @@ std::vector<fs::path> joined(std::vector<fs::path> first, const std::vector<fs::
     return first;
 }
 
-/// The value of a key in one group of a desktop file; empty when it is not there.
+/// Returns the value of a key in one group of a desktop file; empty if it does not exist.
 std::string readEntry(const fs::path& path, std::string_view group, std::string_view key) {
     std::fstream stream;
     KyrCoreUtils::FstreamUtils::open(stream, path.string(), KyrCoreUtils::StreamMode::Read);
@@ -66,7 +66,7 @@ std::string readEntry(const fs::path& path, std::string_view group, std::string_
     return {};
 }
 
-/// The first name in any of the folders that the desktop file bears.
+/// Returns the program name in the first of the folders that contains the desktop file with a name.
 std::string findProgramName(const std::string& desktopFile, const std::vector<fs::path>& folders) {
     if (desktopFile.find('/') != std::string::npos) {
         return {};
@@ -89,7 +89,7 @@ std::wstring findDefaultMailClient(HKEY root) {
                                   : joined(listFromEnvironment("XDG_CONFIG_DIRS", "/etc/xdg"), systemData);
     const auto programs = root == HKEY_CURRENT_USER ? joined(userData, systemData) : systemData;
     for (const auto& file : below(associations, "mimeapps.list")) {
-        // Several programs may be named; the first one that is installed counts.
+        // Several programs may be listed; the first installed one is used.
         std::vector<std::string> candidates;
         KyrCoreUtils::split(readEntry(file, "[Default Applications]", "x-scheme-handler/mailto"), candidates, ";");
         for (const auto& candidate : candidates) {

@@ -6,8 +6,8 @@
 
 namespace zel::registry {
 
-/// The name of the desktop's program for "mailto" links, from the current user's associations or from the system's.
-/// Empty when there is none.
+/// Returns the name of the desktop's program for "mailto" links, from the associations of the current user or of the
+/// system, depending on `root`. Empty if there is none.
 std::wstring findDefaultMailClient(HKEY root);
 
 } // namespace zel::registry

@@ -20,15 +20,15 @@ bool isClosed(int descriptor) {
     return ::fcntl(descriptor, F_GETFD) < 0 && errno == EBADF;
 }
 
-/// The system gives a new file the lowest free number, so with the streams occupied in order this one gets
-/// `descriptor`.
+/// Opens a closed standard stream. A new file gets the lowest free number, so this one gets `descriptor` if the streams
+/// are handled in order.
 void occupyIfClosed(int descriptor, int access) {
     if (isClosed(descriptor)) {
         [[maybe_unused]] const int opened = ::open("/dev/null", access);
     }
 }
 
-/// Another program that shares the terminal or the pipe may have made it non-blocking.
+/// Needed because another program that shares the terminal or the pipe may have made it non-blocking.
 void waitUntilWritable(int descriptor) {
     pollfd event{descriptor, POLLOUT, 0};
     ::poll(&event, 1, -1);
@@ -39,7 +39,7 @@ void waitUntilWritable(int descriptor) {
 void StandardStreams::prepare() noexcept {
     std::signal(SIGPIPE, SIG_IGN);
     occupyIfClosed(STDIN_FILENO, O_RDONLY);
-    occupyIfClosed(STDOUT_FILENO, O_RDONLY); // for reading: a write is to fail
+    occupyIfClosed(STDOUT_FILENO, O_RDONLY); // read-only, so that writes fail
     occupyIfClosed(STDERR_FILENO, O_WRONLY);
 }
 

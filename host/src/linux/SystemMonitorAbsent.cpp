@@ -2,7 +2,7 @@
 
 namespace ZelSystemMonitor {
 
-// Built without the bus library.
+// Used if the build has no bus library.
 std::unique_ptr<PowerEventSource> openPowerEventSource(PowerEventReceiver) {
     return nullptr;
 }

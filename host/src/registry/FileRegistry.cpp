@@ -19,7 +19,7 @@ void warn(const std::string& path, std::size_t line, const std::string& reason) 
                "; the rest of the file is not read");
 }
 
-/// What stands before a fault counts.
+/// Returns the sections before the first fault.
 std::vector<RegistryTextSection> readSections(const std::string& path, HKEY root) {
     const auto bytes = readRegistryFile(path);
     if (!bytes) {
@@ -57,7 +57,7 @@ FileRegistry::Sources FileRegistry::findSources() const {
     return sources;
 }
 
-/// Reads the files again when one has changed, but not under the feet of someone who has a key open.
+/// Reads the files again if one has changed, unless a key is open: its owner must see one state of the tree.
 void FileRegistry::refresh() {
     if (hive.getOpenKeyCount() > 0) {
         return;
@@ -134,14 +134,14 @@ RegistryResult FileRegistry::RegDeleteKeyW(HKEY key, const wchar_t* subkey) {
     return hive.RegDeleteKeyW(key, subkey);
 }
 
-/// Whoever deletes a key with all below it tries the key itself first, then opens it and deletes its subkeys.
+/// A recursive deletion first tries to delete the key itself, then opens it and deletes its subkeys.
 void FileRegistry::expectDeletionsBelow(const std::wstring& path) {
     if (postponed.empty() && !isPartOfRecursiveDeletion(path)) {
         recursiveDeletion = {path, std::this_thread::get_id()};
     }
 }
 
-/// Without an open key no call follows in which the files would be written.
+/// Requires an open key: otherwise no later call would write the files.
 bool FileRegistry::isPartOfRecursiveDeletion(const std::wstring& path) const {
     return recursiveDeletion && recursiveDeletion->thread == std::this_thread::get_id() && hive.getOpenKeyCount() > 0 &&
            isKeyAtOrBelow(path, recursiveDeletion->path) && !isSameKey(path, recursiveDeletion->path);
@@ -187,7 +187,7 @@ FileRegistry::Dropped FileRegistry::dropFromFile(RegistryFile& file, const Secti
     if (replaceRegistryFile(fileLayer, file.path, cutRegistryText(*bytes, sections)) != 0) {
         return Dropped::Failed;
     }
-    // Our own writing is no news: the hive goes on with the tree it has.
+    // A change by this class must not cause a reload; the hive already has the new state.
     file = inspectRegistryFile(file.path).value_or(file);
     return Dropped::Something;
 }

@@ -19,7 +19,7 @@
 
 namespace zel::registry {
 
-/// The registry of a platform that has none: a hive filled from the files of both layers. Its own lock is taken before
+/// The registry on a platform that has none: a hive filled from the files of both layers. Acquires its own lock before
 /// the hive's.
 class FileRegistry final : public Registry {
 public:
@@ -39,7 +39,7 @@ public:
     RegistryResult RegCloseKey(HKEY key) override;
 
 private:
-    /// Everything that the hive is filled from. Equal sources give equal trees.
+    /// All inputs of the hive. Equal sources produce equal trees.
     struct Sources {
         std::vector<RegistryFile> currentUser;
         std::vector<RegistryFile> localMachine;
@@ -53,14 +53,14 @@ private:
     Sources findSources() const;
     void refresh();
     void load(const Sources& sources);
-    /// What came of taking sections out of the user's files.
+    /// The result of removing sections from the user's files.
     enum class Dropped { Nothing, Something, Failed };
     using SectionFilter = std::function<bool(const RegistryTextSection&)>;
 
     Dropped dropFromUserFiles(const SectionFilter& isDropped);
     Dropped dropFromFile(RegistryFile& file, const SectionFilter& isDropped);
 
-    /// A key whose deletion was refused because it has subkeys, and the thread that is expected to delete those next.
+    /// A key whose deletion failed because it has subkeys, and the thread that is expected to delete those next.
     struct RecursiveDeletion {
         std::wstring path;
         std::thread::id thread;
@@ -68,7 +68,7 @@ private:
 
     void expectDeletionsBelow(const std::wstring& path);
     bool isPartOfRecursiveDeletion(const std::wstring& path) const;
-    /// Rewrites the files without the keys in `postponed`. Returns false on failure; then the tree is read from the
+    /// Rewrites the files without the keys in `postponed`. Returns false on failure and then reads the tree from the
     /// files again, so that it contains the keys that were not deleted.
     bool writePostponed();
 
@@ -76,14 +76,14 @@ private:
     const DefaultMailClient defaultMailClient;
     zel::storage::FileLayer& fileLayer;
     std::mutex mutex;
-    /// What the hive was filled from; nothing before the first reading.
+    /// The sources of the hive's current tree; empty before the first load.
     std::optional<Sources> loaded;
-    /// The administrator's layer alone: its keys can't be deleted.
+    /// The administrator's layer alone: its keys cannot be deleted.
     std::unique_ptr<RegistryTree> administrator;
     RegistryHive hive;
     /// Empty while no key is open.
     std::optional<RecursiveDeletion> recursiveDeletion;
-    /// Keys that the hive no longer contains but the user's files do. Empty while no key is open.
+    /// Keys that exist in the user's files but no longer in the hive. Empty while no key is open.
     std::set<std::wstring, RegistryNameOrder> postponed;
 };
 

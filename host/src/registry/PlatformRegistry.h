@@ -6,7 +6,8 @@
 
 namespace zel::registry {
 
-/// The platform's own registry, or the one made of files where the platform has none. One for each platform.
+/// Creates the platform's registry, or one that consists of files if the platform has none. Each platform implements
+/// it.
 std::shared_ptr<Registry> makePlatformRegistry();
 
 } // namespace zel::registry

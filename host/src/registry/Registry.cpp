@@ -7,7 +7,7 @@ namespace zel::registry {
 
 namespace {
 
-/// The process has one registry, whoever asks.
+/// The registry shared by the whole process.
 class ProcessRegistry {
 public:
     std::shared_ptr<Registry> get() {

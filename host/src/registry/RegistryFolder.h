@@ -14,13 +14,13 @@ namespace zel::registry {
 
 inline constexpr std::string_view registryFileExtension = ".reg";
 
-/// Whether a file of that name is policy: it ends with the extension, in any case, and is not hidden.
+/// Returns true if a file of that name is a policy file: it has the extension (case-insensitive) and is not hidden.
 bool isRegistryFileName(std::string_view name);
 
-/// A larger file is no policy: it is not read.
+/// The maximum size of a policy file; a larger file is not read.
 inline constexpr std::uintmax_t largestRegistryFile = 64U << 20U;
 
-/// A file of a registry folder and what tells that it was changed.
+/// A file of a registry folder, with the data that shows whether it was changed.
 struct RegistryFile {
     std::string path;
     std::uintmax_t size = 0;
@@ -29,18 +29,18 @@ struct RegistryFile {
     bool operator==(const RegistryFile&) const = default;
 };
 
-/// The ".reg" files of one folder, not of those below, in the order of their names. Hidden files are none of them: an
-/// unfinished one is hidden. A folder that is missing has none.
+/// Returns the ".reg" files of one folder without its subfolders, sorted by name. Excludes hidden files, because an
+/// unfinished file is hidden. Returns an empty list if the folder is missing.
 std::vector<RegistryFile> listRegistryFiles(const std::string& folder);
 
-/// The file as it is now; nothing when it is gone.
+/// Returns the current state of the file; nullopt if it does not exist.
 std::optional<RegistryFile> inspectRegistryFile(const std::string& path);
 
-/// The whole file; nothing when it can't be read or is too large to be a policy.
+/// Returns the content of the file; nullopt if it cannot be read or exceeds the maximum size.
 std::optional<std::string> readRegistryFile(const std::string& path);
 
-/// Replaces the file as a whole, durably, or leaves the old one as it was; a new one is the owner's alone. 0, or an
-/// errno value: EFBIG for a content that no reader would take.
+/// Replaces the whole file durably, or leaves the old one unchanged; only the owner can access a new file. Returns 0 or
+/// an errno value: EFBIG if the content exceeds the maximum size.
 int replaceRegistryFile(zel::storage::FileLayer& layer, const std::string& path, std::string_view content);
 
 } // namespace zel::registry

@@ -25,7 +25,7 @@ std::wstring_view orEmpty(const wchar_t* text) {
     return text == nullptr ? std::wstring_view() : text;
 }
 
-/// False when the text and its terminator don't fit.
+/// Copies the text with a terminator. Returns false if it does not fit.
 bool copyName(std::wstring_view text, std::span<wchar_t> buffer, std::uint32_t& length) {
     if (text.size() >= buffer.size()) {
         return false;
@@ -49,7 +49,8 @@ RegistryResult copyData(const Source& source, std::span<Byte> buffer, std::uint3
 } // namespace
 
 struct RegistryHive::State {
-    /// Null for a handle that is not open or whose key was deleted. `place` is filled for every open one.
+    /// Returns the key of a handle; null if the handle is not open or its key was deleted. Sets `place` for every open
+    /// handle.
     std::shared_ptr<RegistryKeyNode> find(HKEY key, RegistryPlace* place = nullptr) const {
         if (auto root = tree->getRoot(key)) {
             if (place != nullptr) {
@@ -121,7 +122,7 @@ std::optional<RegistryPlace> RegistryHive::getPlace(HKEY key, std::wstring_view 
 }
 
 void RegistryHive::replaceTree(std::unique_ptr<RegistryTree> tree) {
-    // The old tree dies after the unlock: it may be large.
+    // The old tree is destroyed after the unlock, because it may be large.
     const std::lock_guard lock(state->mutex);
     state->tree.swap(tree);
 }
@@ -139,7 +140,7 @@ RegistryResult RegistryHive::RegOpenKeyExW(HKEY key, const wchar_t* subkey, std:
         return RegistryResult::NotFound;
     }
     open.place.path = normalizeKeyPath(open.place.path.append(1, L'\\').append(orEmpty(subkey)));
-    // Skips the numbers of the roots, should a process ever get there.
+    // Skips the numbers of the roots if the counter ever reaches them.
     do {
         opened = HKEY{++state->lastHandle};
     } while (state->tree->getRoot(opened));

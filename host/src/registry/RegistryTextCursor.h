@@ -10,13 +10,13 @@ inline bool isBlank(wchar_t c) {
     return c == L' ' || c == L'\t' || c == L'\r';
 }
 
-/// Reads along one line.
+/// A cursor for parsing one line.
 class RegistryTextCursor {
 public:
     explicit RegistryTextCursor(std::wstring lineText) : text(std::move(lineText)) {}
 
     bool atEnd() const { return position >= text.size(); }
-    /// A NUL at the end.
+    /// Returns NUL at the end.
     wchar_t peek() const { return atEnd() ? L'\0' : text[position]; }
     wchar_t take() { return text[position++]; }
     std::wstring_view rest() const { return std::wstring_view(text).substr(position); }
@@ -27,7 +27,7 @@ public:
         }
     }
 
-    /// Takes the word if it comes next.
+    /// Skips `word` if the rest of the line starts with it. Returns false otherwise.
     bool take(std::wstring_view word) {
         if (!rest().starts_with(word)) {
             return false;
@@ -36,7 +36,7 @@ public:
         return true;
     }
 
-    /// Whether nothing follows but blanks and a comment.
+    /// Returns true if only blanks and a comment follow.
     bool isDone() {
         skipBlanks();
         return atEnd() || peek() == L';';

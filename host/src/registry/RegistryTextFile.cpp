@@ -31,7 +31,7 @@ std::string inQuotes(std::wstring_view text) {
     return result + '"';
 }
 
-/// Whether the text between quotes gives the same data again, on one line.
+/// Returns true if the value can be written as quoted text on one line without changing its data.
 bool isPlainText(const RegistryValue& value) {
     if (value.type != REG_SZ) {
         return false;

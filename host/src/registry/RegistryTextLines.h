@@ -7,16 +7,16 @@
 
 namespace zel::registry {
 
-/// The lines of a registry text, found in its bytes and decoded one at a time, so that a file can be cut without being
-/// written anew. Holds a view: the bytes must outlive it.
+/// The lines of a registry text. Decodes one line at a time and also returns its bytes, so that lines can be cut from a
+/// file without changing the others. Holds a view: the bytes must outlive it.
 class RegistryTextLines {
 public:
     explicit RegistryTextLines(std::string_view fileBytes);
 
     std::size_t getCount() const { return starts.size(); }
-    /// Without its LF; a CR before it stays.
+    /// Returns the line without its LF, but with a CR before it.
     std::wstring getText(std::size_t index) const;
-    /// With its end, as it stands in the file. The first line has the mark, if there is one.
+    /// Returns the bytes of the line with its line end. The first line includes the byte order mark, if there is one.
     std::string_view getBytes(std::size_t index) const;
 
 private:

@@ -12,7 +12,7 @@ namespace zel::registry {
 
 namespace {
 
-// The platform's own limits. The first one bounds every walk through a tree that came from a file.
+// The limits of the platform's registry. The first one bounds the recursion depth for a tree from a file.
 constexpr std::ptrdiff_t maximumDepth = 512;
 constexpr std::size_t maximumKeyName = 255;
 
@@ -27,7 +27,8 @@ HKEY rootOf(std::wstring_view name) {
     return {};
 }
 
-/// A name may hold brackets: the closing one is the first that nothing but blanks and a comment follows.
+/// Returns the position of the closing bracket: the first one that only blanks and a comment follow, because a name may
+/// contain brackets.
 std::size_t findClosingBracket(std::wstring_view text) {
     for (auto at = text.find(L']'); at != std::wstring_view::npos; at = text.find(L']', at + 1)) {
         const auto behind = std::ranges::find_if_not(text.substr(at + 1), isBlank);
@@ -143,7 +144,7 @@ void RegistryTextParser::openSection(std::size_t line, bool deletion, HKEY secti
     result.sections.push_back({line + 1, line + 1, deletion, sectionRoot, std::move(path), {}});
 }
 
-/// `line` is the first one that is not of the section.
+/// Ends the section before `line`.
 void RegistryTextParser::closeSection(std::size_t line) {
     if (std::exchange(sectionOpen, false)) {
         result.sections.back().lastLine = line;

@@ -12,7 +12,7 @@ namespace zel::registry {
 
 class RegistryTextCursor;
 
-/// Turns the lines of one registry text into sections.
+/// Parses the lines of one registry text into sections.
 class RegistryTextParser {
 public:
     RegistryTextParser(std::string_view bytes, HKEY wantedRoot, AfterFault whatAfterFault);
@@ -20,11 +20,11 @@ public:
     RegistryText run();
 
 private:
-    /// What values belong to at this place of the file.
+    /// The section to which a value at the current line belongs.
     enum class Place { BeforeFirstKey, Key, DeletedKey, RefusedKey };
 
     bool readHeader();
-    /// Reads what begins on that line, and says which line comes behind it.
+    /// Parses the element that begins on that line. Returns the line after it.
     std::size_t readLine(std::size_t line);
     void readSection(std::size_t line, std::wstring_view text);
     std::size_t readValue(std::size_t line);

@@ -8,7 +8,7 @@ namespace zel::registry {
 
 namespace {
 
-/// -1 for what is no hexadecimal digit.
+/// Returns -1 if `c` is not a hexadecimal digit.
 int digitOf(wchar_t c) {
     if (c >= L'0' && c <= L'9') {
         return static_cast<int>(c - L'0');
@@ -19,7 +19,7 @@ int digitOf(wchar_t c) {
     return c >= L'A' && c <= L'F' ? static_cast<int>(c - L'A') + 10 : -1;
 }
 
-/// One to `maximum` hexadecimal digits.
+/// Reads one to `maximum` hexadecimal digits. Returns false if there are none or more.
 bool takeHex(RegistryTextCursor& cursor, int maximum, std::uint32_t& number) {
     number = 0;
     int count = 0;
@@ -37,7 +37,7 @@ bool isText(std::uint32_t type) {
     return type == REG_SZ || type == REG_EXPAND_SZ || type == REG_MULTI_SZ;
 }
 
-/// The bytes of the older version of the format as a value holds them. They bring their own terminators.
+/// Converts the bytes of the older version of the format to UTF-16. They contain their own terminators.
 std::vector<std::uint8_t> widen(const std::vector<std::uint8_t>& bytes) {
     auto data = encodeRegistryText(KyrCoreUtils::toWideString(std::string(bytes.begin(), bytes.end())));
     data.pop_back();
@@ -45,14 +45,14 @@ std::vector<std::uint8_t> widen(const std::vector<std::uint8_t>& bytes) {
     return data;
 }
 
-/// Reads up to the closing quote. False at the end of the line.
+/// Reads up to the closing quote. Returns false if the line ends before it.
 bool takeQuoted(RegistryTextCursor& cursor, std::wstring& text) {
     while (!cursor.atEnd()) {
         const auto c = cursor.take();
         if (c == L'"') {
             return true;
         }
-        // Only these two are escaped; a path that was written by hand keeps its other backslashes.
+        // Only these two characters are escaped; a hand-written path keeps its other backslashes.
         if (c == L'\\' && (cursor.peek() == L'\\' || cursor.peek() == L'"')) {
             text.push_back(cursor.take());
         } else {
@@ -109,7 +109,7 @@ bool RegistryTextValueReader::readData(RegistryTextCursor& cursor, RegistryTextE
 bool RegistryTextValueReader::readQuoted(RegistryTextCursor& cursor, RegistryValue& value) {
     std::wstring text;
     while (!takeQuoted(cursor, text)) {
-        // A text of several lines is exported with its line ends as they are.
+        // A text of several lines is exported with unescaped line ends.
         if (++current >= lines.getCount()) {
             return fail("the value has no closing quote");
         }
@@ -167,8 +167,8 @@ bool RegistryTextValueReader::readBytes(RegistryTextCursor& cursor, RegistryValu
     return true;
 }
 
-/// Goes on to the next line that is no comment. False when the value ends before it: at the end of the file or at a
-/// line that is blank.
+/// Advances to the next line that is not a comment. Returns false if the value ends first, at the end of the file or at
+/// a blank line.
 bool RegistryTextValueReader::readContinuation(RegistryTextCursor& cursor) {
     while (current + 1 < lines.getCount()) {
         RegistryTextCursor following(lines.getText(current + 1));
@@ -190,7 +190,7 @@ bool RegistryTextValueReader::fail(const char* text) {
     return false;
 }
 
-/// The lines that continue a broken one are part of the same mistake.
+/// Skips the continuation lines of a malformed line; they are not separate faults.
 void RegistryTextValueReader::skipContinuation() {
     while (current + 1 < lines.getCount()) {
         const auto text = KyrCoreUtils::trim(lines.getText(current));

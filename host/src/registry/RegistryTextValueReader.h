@@ -10,14 +10,14 @@
 
 namespace zel::registry {
 
-/// Reads one value of a registry text, over as many lines as it takes.
+/// Parses one value of a registry text, which may span several lines.
 class RegistryTextValueReader {
 public:
-    /// `narrow`: text kinds in hexadecimal are bytes and not UTF-16, as in the older version of the format.
+    /// With `narrow`, hexadecimal data of text types is bytes instead of UTF-16, as in the older version of the format.
     RegistryTextValueReader(const RegistryTextLines& textLines, bool narrow) : lines(textLines), narrowText(narrow) {}
 
-    /// Reads what begins on that line with a quote or "@". On success `next` is the line behind the value. On a failure
-    /// it is the line to go on with, and the reason is set.
+    /// Parses the value that begins on that line with a quote or "@". On success sets `next` to the line after the
+    /// value. On failure returns nullopt, sets the reason, and sets `next` to the line at which parsing can continue.
     std::optional<RegistryTextEntry> read(std::size_t line, std::size_t& next);
     const char* getReason() const { return reason; }
 
@@ -35,7 +35,7 @@ private:
     const RegistryTextLines& lines;
     bool narrowText;
     const char* reason = "";
-    /// The line being read.
+    /// The line that is being read.
     std::size_t current = 0;
 };
 

@@ -6,7 +6,7 @@ namespace zel::registry {
 
 namespace {
 
-/// Takes the first part off the path; empty when there is none left.
+/// Removes the first component from the path and returns it; empty if there is none left.
 std::wstring_view takePart(std::wstring_view& path) {
     while (!path.empty()) {
         const auto end = path.find(L'\\');

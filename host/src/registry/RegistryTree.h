@@ -10,20 +10,20 @@
 
 namespace zel::registry {
 
-/// Both roots with all that lies below them. No lock of its own.
+/// Both roots with all their subkeys. Has no lock.
 class RegistryTree {
 public:
     RegistryTree();
 
-    /// Null for what is no root.
+    /// Returns null if `root` is not a root.
     std::shared_ptr<RegistryKeyNode> getRoot(HKEY root) const;
-    /// Null when there is no such key.
+    /// Returns null if the key does not exist.
     std::shared_ptr<RegistryKeyNode> find(HKEY root, std::wstring_view path) const;
-    /// Makes the key and those above it. Null for what is no root.
+    /// Returns the key; creates it and its missing parents. Returns null if `root` is not a root.
     std::shared_ptr<RegistryKeyNode> make(HKEY root, std::wstring_view path);
-    /// Removes the key with all that lies below it. False when there was none; a root never goes.
+    /// Removes the key with all its subkeys. Returns false if it does not exist; a root cannot be removed.
     bool remove(HKEY root, std::wstring_view path);
-    /// Does what the sections say, in their order.
+    /// Applies the sections in their order.
     void apply(std::span<const RegistryTextSection> sections);
 
 private:
@@ -31,13 +31,14 @@ private:
     std::shared_ptr<RegistryKeyNode> localMachine;
 };
 
-/// Below `node`; empty parts of the path count for nothing.
+/// Returns the key below `node`; null if it does not exist. Ignores empty components of the path.
 std::shared_ptr<RegistryKeyNode> findKey(std::shared_ptr<RegistryKeyNode> node, std::wstring_view path);
 
-/// The path without empty parts.
+/// Returns the path without empty components.
 std::wstring normalizeKeyPath(std::wstring_view path);
 
-/// Whether both paths, which are normalized, name the same key, or `path` one below `above`.
+/// Both paths must be normalized. isSameKey() returns true if they name the same key, isKeyAtOrBelow() also if `path`
+/// names a key below `above`.
 bool isSameKey(std::wstring_view path, std::wstring_view other);
 bool isKeyAtOrBelow(std::wstring_view path, std::wstring_view above);
 

@@ -25,7 +25,7 @@ bool isBareFileName(const std::string& name) {
            name.find('\0') == std::string::npos;
 }
 
-/// Null when there is none, which goes to the log.
+/// Returns the entry point of the library. If there is none, logs that and returns null.
 Entry findEntry(const KyrCoreUtils::SharedLibrary& library, const std::string& path) {
     try {
         return reinterpret_cast<Entry>(library.find(entryName));

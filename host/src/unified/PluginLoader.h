@@ -12,14 +12,16 @@ namespace ZelUnified {
 
 class UnifiedFactory;
 
-/// Loads the plug-in that provides an interface, and calls its entry. Libraries come from one folder only; each is
-/// loaded once, whatever came of it, and stays in the process. Any thread; no lock is held during an entry.
+/// Loads the plug-in that provides an interface and calls its entry point. Loads libraries from one folder only, each
+/// at most once, even if loading fails; a loaded library stays in the process. Any thread; no lock is held during an
+/// entry point.
 class LUMORA_HOST_API PluginLoader {
 public:
-    /// `libraries` maps the readable name of an interface to a bare file name in `folder`.
+    /// `libraryNames` maps the readable name of an interface to a plain file name in the folder.
     PluginLoader(std::string pluginFolder, std::map<std::string, std::string> libraryNames);
 
-    /// Does nothing for an unknown name, and for a library that is loading or was loaded. Failures go to the log.
+    /// Loads the library of the interface. Does nothing for an unknown name and for a library that is loading or was
+    /// loaded. Logs failures.
     void load(const std::string& typeName, std::shared_ptr<UnifiedFactory> factory);
 
 private:

@@ -16,7 +16,7 @@ void ResetDataCallbackRegistryImpl::add(int order, std::shared_ptr<ProviderReset
 }
 
 void ResetDataCallbackRegistryImpl::remove(int order, std::shared_ptr<ProviderResetDataCallback> callback) {
-    // The argument keeps the callback alive until the lock is released.
+    // The argument prevents destruction of the callback under the lock.
     const std::lock_guard lock(mutex);
     if (const auto found = find(order, callback); found != callbacks.end()) {
         callbacks.erase(found);

@@ -9,16 +9,16 @@
 
 namespace ZelUnified {
 
-/// The reset callbacks by order, those of one order as they came.
+/// The reset callbacks, sorted by order; callbacks of the same order are in insertion order.
 class LUMORA_HOST_API ResetDataCallbackRegistryImpl final : public ResetDataCallbackRegistry {
 public:
-    /// A callback that stands under this order already is not added twice; an empty one is ignored.
+    /// Adds the callback. Ignores a null callback and one that is already registered with this order.
     void add(int order, std::shared_ptr<ProviderResetDataCallback> callback) override;
     void remove(int order, std::shared_ptr<ProviderResetDataCallback> callback) override;
 
-    /// In the order in which they are to be called.
+    /// Returns the callbacks in the order in which they must be called.
     std::vector<std::shared_ptr<ProviderResetDataCallback>> getCallbacks() const;
-    /// Lets go of all, with no lock held.
+    /// Removes all callbacks and destroys them with no lock held.
     void clear();
 
 private:

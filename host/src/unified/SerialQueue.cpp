@@ -38,8 +38,8 @@ void runGuarded(zel::Task& task) {
 
 } // namespace
 
-/// The queue's state. One handler of the io_context stands for each task; the tasks themselves wait in a deque, since
-/// some go ahead of others.
+/// The state of the queue. Each task has one handler in the io_context; the tasks themselves are in a deque, because
+/// some are inserted at its front.
 class SerialQueue::Core {
 public:
     explicit Core(Mode queueMode) : mode(queueMode), keepRunning(asio::make_work_guard(context)) {}
@@ -72,7 +72,7 @@ public:
         std::function<void()> posted;
         {
             const std::lock_guard lock(mutex);
-            // Who waits for a task must not wait for a queue that nobody runs.
+            // A caller that blocks must not wait for a queue that does not run.
             if (state == State::Closed || (finished && state != State::Running)) {
                 return false;
             }
@@ -112,7 +112,7 @@ public:
         if (mode != Mode::Pumped || !isOwner()) {
             return false;
         }
-        // A handler whose task was run ahead of its turn finds nothing to do.
+        // If a task was run ahead of its turn, its handler has nothing to run.
         const auto before = runs.load();
         while (context.poll_one() != 0) {
             if (runs.load() != before) {
@@ -158,7 +158,7 @@ public:
         changed.notify_all();
     }
 
-    /// Lets the thread run out of work.
+    /// Releases the work guard, so that the thread returns when no handler is left.
     void letGo() {
         const std::lock_guard lock(mutex);
         keepRunning.reset();
@@ -194,9 +194,9 @@ private:
 
     struct Entry {
         std::shared_ptr<zel::Task> task;
-        std::shared_ptr<std::promise<void>> finished; ///< Set when somebody waits for the task.
+        std::shared_ptr<std::promise<void>> finished; ///< Null unless a thread waits for the task.
         std::thread::id waiter;
-        std::uint64_t number = 0; ///< In order of posting.
+        std::uint64_t number = 0; ///< Increases in the order of posting.
     };
 
     struct Running {
@@ -238,15 +238,15 @@ private:
 
     asio::io_context context{1};
     std::atomic<std::thread::id> owner{};
-    std::atomic<unsigned long> runs = 0; ///< Tasks begun.
+    std::atomic<unsigned long> runs = 0; ///< The number of tasks that have begun.
 
-    mutable std::mutex mutex; ///< Guards all below; never held while a task runs or is destroyed.
+    mutable std::mutex mutex; ///< Guards all members below; never held while a task runs or is destroyed.
     std::condition_variable changed;
     asio::executor_work_guard<asio::io_context::executor_type> keepRunning;
     State state = State::Waiting;
     std::deque<Entry> entries;
     std::uint64_t lastNumber = 0;
-    std::vector<Running> running; ///< The innermost last.
+    std::vector<Running> running; ///< The innermost one is last.
     std::function<void()> postedCallback;
 };
 

@@ -13,64 +13,68 @@
 
 namespace ZelUnified::Processing {
 
-/// Runs tasks one at a time, first in first out, on one thread: its own, or one that pumps. Tasks run and are destroyed
-/// with no lock held; what a task throws is logged with its name. Every operation may be called on any thread, unless
-/// it says otherwise.
+/// Runs tasks one at a time, first in, first out, on one thread: its own, or a thread that pumps. Tasks run and are
+/// destroyed with no lock held; an exception of a task is logged with the task's name. Any thread, unless an operation
+/// says otherwise.
 class LUMORA_HOST_API SerialQueue {
 public:
     enum class Mode { OwnThread, Pumped };
 
     explicit SerialQueue(Mode mode);
-    /// Ends the queue. The queue's own thread is waited for, unless it runs the destructor itself.
+    /// Ends the queue. Joins the queue's own thread, unless the destructor runs on it.
     ~SerialQueue();
     SerialQueue(const SerialQueue&) = delete;
     SerialQueue& operator=(const SerialQueue&) = delete;
 
-    /// Starts the thread, or makes the calling one the owner of a pumped queue. What was queued before is run.
+    /// Starts the thread, or makes the calling thread the owner of a pumped queue. Tasks that were queued before are
+    /// run.
     void start();
     /// Makes the calling thread the owner of a running pumped queue.
     void claim();
-    /// True on the thread that runs the tasks. One atomic read.
+    /// Returns true on the thread that runs the tasks. Costs one atomic read.
     bool isOwner() const noexcept;
 
-    /// False when the task is null, or dropped because the queue has ended. `ahead` goes before what waits.
+    /// Appends the task; with `ahead`, inserts it before the queued tasks. Returns false if the task is null, or if it
+    /// is dropped because the queue has ended.
     bool enqueue(std::shared_ptr<zel::Task> task, bool ahead);
-    /// Returns when the task has run: at once on the calling thread when that is the owner, or when the queue does not
-    /// run.
+    /// Returns after the task has run. If the caller is the owner, or if the queue does not run, the task runs
+    /// immediately on the calling thread.
     void enqueueBlock(std::shared_ptr<zel::Task> task, bool ahead);
-    /// Is called after each posted task, on the posting thread. Empty for nothing.
+    /// Sets a callback that is called on the posting thread after each posted task; empty for none.
     void setPostedCallback(std::function<void()> callback);
 
-    /// Pumped queues, on the owner's thread: runs the next task; false when none waits or the caller is not the owner.
+    /// For pumped queues, on the owner's thread: runs the next task. Returns false if no task is queued or the caller
+    /// is not the owner.
     bool pumpNext();
-    /// Pumped queues, on the owner's thread: runs what waits, and what that posts.
+    /// For pumped queues, on the owner's thread: runs all queued tasks, including those that they post.
     void pumpAll();
-    /// Waits until a task waits; false when none came in time or the queue has ended.
+    /// Waits until a task is queued. Returns false on timeout or if the queue has ended.
     bool waitForTask(std::chrono::milliseconds timeout);
 
-    /// Waits until every task posted before the call has run; a stream of new ones does not hold it up. On the owner's
-    /// thread it runs them itself. Returns at once on a queue that was never started.
+    /// Waits until every task posted before the call has run; does not wait for later ones. On the owner's thread it
+    /// runs them itself. Returns immediately if the queue was never started.
     void flush();
-    /// Stands for the tasks posted so far.
+    /// Returns a mark that identifies all tasks posted so far.
     std::uint64_t getMark() const;
-    /// Waits until the tasks of the mark have run, not on the owner's thread; false when the deadline passed.
+    /// Waits until the tasks before the mark have run. Returns false on timeout. Must not be called on the owner's
+    /// thread.
     bool flushFor(std::uint64_t mark, std::chrono::milliseconds timeout);
     /// On the owner's thread: runs the tasks for which the owner of `other` waits in enqueueBlock(), ahead of the rest.
-    /// A thread that waits for `other` lets it come to an end this way.
+    /// This prevents a deadlock while the calling thread waits for `other`.
     void runTasksAwaitedBy(const SerialQueue& other);
-    /// Whether the owner of `other` waits for a task that runs here. To wait for `other` from such a task is a
+    /// Returns true if the owner of `other` waits for a task that runs here. Waiting for `other` in such a task would
     /// deadlock.
     bool isAwaitedBy(const SerialQueue& other) const;
 
-    /// From here on new tasks are dropped with a warning; what waits is still run.
+    /// Closes the queue: new tasks are dropped with a warning, queued tasks still run.
     void close();
-    /// Closes, runs what waits where the calling thread can (it drops the rest with a warning) and ends the thread: one
-    /// of its own is joined, unless it is the caller, and then ends after its task.
+    /// Closes the queue, runs the queued tasks if the calling thread can (otherwise drops them with a warning) and ends
+    /// the thread. Joins the queue's own thread, unless called on it; that thread then ends after the current task.
     void end();
 
 private:
     class Core;
-    const std::shared_ptr<Core> core; ///< The thread holds it too.
+    const std::shared_ptr<Core> core; ///< Shared with the thread.
     std::mutex threadMutex;           ///< Guards `thread`.
     std::thread thread;
 };

@@ -8,7 +8,7 @@
 
 namespace ZelUnified::Processing {
 
-/// The services dispatcher on a serial queue, with a thread of its own or pumped by the program.
+/// Implements the services dispatcher with a serial queue that has its own thread or is pumped by the program.
 class LUMORA_HOST_API ServicesDispatcherImpl final : public ServicesDispatcher {
 public:
     explicit ServicesDispatcherImpl(SerialQueue::Mode mode) : queue(mode) {}

@@ -15,8 +15,8 @@ namespace ZelUnified {
 #pragma clang diagnostic ignored "-Woverloaded-virtual" // as in UnifiedService
 #endif
 
-/// Hands service events on to the embedding program and holds the reset callbacks. None of its properties ever changes,
-/// so it has no notifiers: the three notifier getters answer an empty pointer.
+/// Forwards service events to the embedding program and holds the reset callbacks. Its properties never change, so it
+/// has no notifiers: the three notifier getters return null.
 class LUMORA_HOST_API SystemServiceImpl final : public UnifiedBusinessObjectImpl, public virtual SystemService {
 public:
     SystemServiceImpl(const std::shared_ptr<UnifiedFactory>& factory,

@@ -10,7 +10,7 @@
 
 namespace ZelUnified::Processing {
 
-/// The background dispatcher on a serial queue with a thread of its own.
+/// Implements the background dispatcher with a serial queue that has its own thread.
 class LUMORA_HOST_API TaskDispatcherImpl final : public TaskDispatcher {
 public:
     void enqueue(std::shared_ptr<zel::Task> task) override;

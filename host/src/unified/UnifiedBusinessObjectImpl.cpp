@@ -53,7 +53,8 @@ void UnifiedBusinessObjectImpl::removeObserver(std::weak_ptr<UnifiedBusinessObje
     }
 }
 
-/// With the lock held; the caller lets go of what it gets once the lock is released, as an observer may die of it.
+/// Call with the lock held. The caller must release the returned pointers after the unlock, because that may destroy an
+/// observer.
 std::vector<std::shared_ptr<UnifiedBusinessObjectObserver>> UnifiedBusinessObjectImpl::lockObservers() const {
     std::vector<std::shared_ptr<UnifiedBusinessObjectObserver>> locked;
     locked.reserve(observers.size());
@@ -82,7 +83,7 @@ std::string UnifiedBusinessObjectImpl::describe() const {
     return std::string(className) + " {" + requireGuid() + "}";
 }
 
-/// With the lock held.
+/// Call with the lock held.
 const std::string& UnifiedBusinessObjectImpl::requireGuid() const {
     if (!guid) {
         guid = std::make_unique<const std::string>(makeRandomUuid());

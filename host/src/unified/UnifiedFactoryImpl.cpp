@@ -35,7 +35,7 @@ SerialQueue::Mode queueMode(UnifiedFactoryOptions::ServicesThread thread) {
                                                                    : SerialQueue::Mode::OwnThread;
 }
 
-/// For the steps of an end or a reset: one that fails must not keep the others from their turn.
+/// Runs one step of an end or a reset and logs its exception, so that the next steps still run.
 void runStep(const char* step, const std::function<void()>& work) {
     try {
         work();
@@ -70,7 +70,7 @@ void UnifiedFactoryImpl::Init() {
                                                shared_from_this(), resetCallbacks, options.serviceEventListener)));
     servicesDispatcher->getQueue().start();
     backgroundDispatcher->getQueue().start();
-    // On a power-down the feature set destroys its stores: what waits to be written goes first.
+    // On a power-down the feature set destroys its stores, so queued writes must run before.
     SystemMonitorImpl::getMachineMonitor()->attach(servicesDispatcher, [weak = weak_from_this()] {
         if (const auto self = std::static_pointer_cast<UnifiedFactoryImpl>(weak.lock())) {
             self->flushBackgroundDispatcher();
@@ -84,7 +84,7 @@ void UnifiedFactoryImpl::StartFeatureSet(unsigned int id, std::shared_ptr<Servic
 
 void UnifiedFactoryImpl::startOnServicesThread(unsigned int id, const std::shared_ptr<ServiceEventList>& events) {
     const auto adapter = getFeatureSetAdapter(id);
-    // Another thread may ask while the factory ends: what was stopped for good stays so.
+    // Another thread may call this while the factory ends: a stopped feature set must not start again.
     if (!adapter || destroyed) {
         return;
     }
@@ -139,7 +139,7 @@ void UnifiedFactoryImpl::invokeResetData(ResetDataOptionEnum::ResetDataOption op
         if (destroyed) {
             return;
         }
-        // Also where no file exists that a callback could remove. Device data outlives a reset.
+        // Also drops content for which no file exists that a callback could remove. Device data survives a reset.
         PendingWrites::ofProcess().drop(zel::storage::FileCategoryType::UserData);
         for (const auto& callback : resetCallbacks->getCallbacks()) {
             runStep("A reset callback", [&] { callback->InvokeResetData(option); });
@@ -148,11 +148,11 @@ void UnifiedFactoryImpl::invokeResetData(ResetDataOptionEnum::ResetDataOption op
 }
 
 void UnifiedFactoryImpl::Destroy() {
-    const auto self = weak_from_this().lock(); // the registries may hold the last references
+    const auto self = weak_from_this().lock(); // the registries may own the last references
     if (destroyed.exchange(true)) {
         return;
     }
-    // Feature sets whose end fails must not keep the rest alive.
+    // If a feature set throws, the remaining steps still release everything.
     runStep("Stopping the feature sets",
             [this] { runWithBackgroundAtRest("UnifiedFactory::Destroy - stop", [this] { stopFeatureSets(); }); });
     runStep("Emptying the services dispatcher", [this] {
@@ -196,12 +196,12 @@ void UnifiedFactoryImpl::destroyFeatureSets() {
 void UnifiedFactoryImpl::endDispatchers() {
     auto& servicesQueue = servicesDispatcher->getQueue();
     auto& background = backgroundDispatcher->getQueue();
-    // What the background still has to write is written; it may wait for the services' thread while it does.
+    // Runs the queued writes of the background dispatcher, which may wait for the services thread.
     background.close();
     if (servicesQueue.isOwner()) {
         restBackground();
     }
-    if (!servicesQueue.isAwaitedBy(background)) { // else it ends by itself, once released
+    if (!servicesQueue.isAwaitedBy(background)) { // otherwise it ends by itself after this thread releases it
         background.end();
     }
     servicesQueue.end();
@@ -241,8 +241,9 @@ void UnifiedFactoryImpl::flushBackgroundDispatcher() {
     }
 }
 
-/// On the services dispatcher's thread. A background task that waits for this thread is let through; one that waits for
-/// what this thread does just now can't come to an end, nor can what is queued behind it.
+/// Waits for the background dispatcher, then retries failed writes. Call on the services dispatcher's thread. A
+/// background task that waits for another task of this thread gets it run. If a background task waits for the task that
+/// runs here now, neither it nor the tasks queued behind it can finish, so they are not waited for.
 void UnifiedFactoryImpl::restBackground() {
     constexpr std::chrono::milliseconds interval(5);
     auto& background = backgroundDispatcher->getQueue();
@@ -254,7 +255,7 @@ void UnifiedFactoryImpl::restBackground() {
     WriteRetrier::retryNow();
 }
 
-/// On any thread but that of the services.
+/// Flushes the background dispatcher, then retries failed writes. Call on any thread except the services dispatcher's.
 void UnifiedFactoryImpl::flushAsBackground() {
     backgroundDispatcher->getQueue().flush();
     WriteRetrier::retryNow();
@@ -280,7 +281,7 @@ void UnifiedFactoryImpl::runOnServicesThread(const std::string& name, const std:
 void UnifiedFactoryImpl::runWithBackgroundAtRest(const std::string& name, const std::function<void()>& work) {
     auto& background = backgroundDispatcher->getQueue();
     if (background.isOwner()) {
-        // The services' thread can't wait for the very task that waits for it; what is queued behind is run here.
+        // The services thread cannot wait for a task that waits for it, so the tasks queued behind this one run here.
         flushAsBackground();
         runOnServicesThread(name, work);
         flushAsBackground();

@@ -4,7 +4,7 @@
 
 namespace ZelUnified {
 
-/// A random version 4 UUID, lower case. Throws std::runtime_error when the machine has no random bytes to give.
+/// Returns a random version 4 UUID in lower case. Throws std::runtime_error if no random bytes are available.
 std::string makeRandomUuid();
 
 } // namespace ZelUnified

@@ -59,7 +59,7 @@ void WriteRetrier::onKept() {
     }
 }
 
-/// On the timer's thread, which writes to no disk.
+/// Called on the timer's thread, which must not write to a disk.
 void WriteRetrier::onTimer() {
     if (const auto dispatcher = background.lock()) {
         dispatcher->enqueue([self = shared_from_this()] { self->retryAndRearm(); },

@@ -11,8 +11,8 @@
 
 namespace ZelUnified {
 
-/// Lets the protected files write kept content again while a factory runs: on the background dispatcher's thread, after
-/// a second at first and then after delays that double up to a minute. Made with make_shared. Any thread.
+/// Retries failed writes of protected files while a factory runs: on the background dispatcher's thread, first after
+/// one second, then after delays that double up to one minute. Create it with make_shared. Any thread.
 class LUMORA_HOST_API WriteRetrier final : public zel::common::BackgroundTimerCallback,
                                            public std::enable_shared_from_this<WriteRetrier> {
 public:
@@ -21,11 +21,12 @@ public:
     WriteRetrier(const WriteRetrier&) = delete;
     WriteRetrier& operator=(const WriteRetrier&) = delete;
 
-    /// From here on a failed write starts the timer.
+    /// Starts the timer on each failed write from here on.
     void start();
     /// Retries on the calling thread. Call it when the background dispatcher is flushed.
     static void retryNow();
-    /// Stops the timer, retries on the calling thread for at most `limit`, then logs and drops what is not on the disk.
+    /// Stops the timer, retries on the calling thread for at most `limit`, then logs and drops the content that is not
+    /// on the disk.
     void finish(std::chrono::milliseconds limit);
 
     void onTimer() override;
@@ -35,9 +36,9 @@ private:
     void retryAndRearm();
 
     const std::weak_ptr<Processing::TaskDispatcher> background;
-    std::mutex mutex; ///< Guards all below; never held during a retry.
+    std::mutex mutex; ///< Guards all members below; never held during a retry.
     bool stopped = false;
-    bool armed = false; ///< From the start of the timer to the end of the retry.
+    bool armed = false; ///< True from the start of the timer until the end of the retry.
     std::int64_t delay = 0;
     zel::common::BackgroundTimer timer;
 };

@@ -19,7 +19,7 @@ namespace {
 fs::path knownFolder(const KNOWNFOLDERID& id) {
     PWSTR text = nullptr;
     const HRESULT result = ::SHGetKnownFolderPath(id, KF_FLAG_DEFAULT, nullptr, &text);
-    // To be freed whatever the result.
+    // Must be freed even if the call failed.
     const std::unique_ptr<wchar_t, decltype(&::CoTaskMemFree)> owner(text, &::CoTaskMemFree);
     return SUCCEEDED(result) ? fs::path(text) : fs::path();
 }
@@ -28,7 +28,7 @@ std::string below(const fs::path& base, const char* leaf) {
     return base.empty() ? std::string() : textFromPath(base / leaf);
 }
 
-/// The folder of this library.
+/// Returns the folder of this library.
 fs::path moduleFolder() {
     HMODULE module = nullptr;
     if (::GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,

@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::array endSignals{SIGINT, SIGTERM};
 
-// A signal's action can reach nothing but the process's own variables.
+// Global because a signal handler can access nothing else.
 std::atomic<int> received = 0;
 
 extern "C" void onEndSignal(int number) {

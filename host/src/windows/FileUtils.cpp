@@ -20,7 +20,7 @@ int errorOf(BOOL result) {
 
 } // namespace
 
-// The user's folders give new entries to the user alone by inheritance, so no access list is written here.
+// Writes no access list: new entries inherit access for the user only from the user's folders.
 
 int makeDirectory(const std::filesystem::path& path) noexcept {
     return errorOf(::CreateDirectoryW(path.c_str(), nullptr));

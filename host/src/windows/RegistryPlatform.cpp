@@ -8,7 +8,7 @@
 
 namespace {
 
-// Named before the platform's header makes macros of the names.
+// Constants for names that the platform's header redefines as macros.
 constexpr auto currentUserRoot = zel::registry::HKEY_CURRENT_USER;
 constexpr auto localMachineRoot = zel::registry::HKEY_LOCAL_MACHINE;
 
@@ -18,7 +18,7 @@ constexpr auto localMachineRoot = zel::registry::HKEY_LOCAL_MACHINE;
 
 namespace {
 
-/// Outside the namespace of the interface: the platform's macros cast to whatever is called HKEY.
+/// Outside the namespace of the interface, because the platform's macros cast to any type named HKEY.
 ::HKEY toPlatform(zel::registry::HKEY key) {
     if (key == currentUserRoot) {
         return HKEY_CURRENT_USER;
@@ -44,7 +44,7 @@ DWORD roomOf(std::span<Element> buffer) {
     return static_cast<DWORD>(std::min<std::size_t>(buffer.size(), std::numeric_limits<DWORD>::max()));
 }
 
-/// The platform's own registry. Predefined roots and opened keys are the platform's handles.
+/// The platform's registry. Predefined roots and opened keys are the platform's handles.
 class WindowsRegistry final : public Registry {
 public:
     RegistryResult RegOpenKeyExW(zel::registry::HKEY key, const wchar_t* subkey, std::uint32_t options,

@@ -12,7 +12,7 @@ namespace KyrCoreUtils {
 
 namespace {
 
-// A console refuses much longer texts.
+// A console rejects much longer texts.
 constexpr std::size_t longestWrite = 16384;
 
 int descriptorOf(StandardStreams::Stream stream) {
@@ -22,8 +22,8 @@ int descriptorOf(StandardStreams::Stream stream) {
 } // namespace
 
 void StandardStreams::prepare() noexcept {
-    // Closed streams have no number here that a file could get, and a closed pipe is an error like any other. Line
-    // breaks are written as they are.
+    // A closed stream has no number here that a file could get, and writing to a closed pipe is an ordinary error. Line
+    // breaks are written unchanged.
     ::_setmode(descriptorOf(Stream::Output), _O_BINARY);
     ::_setmode(descriptorOf(Stream::Error), _O_BINARY);
 }
@@ -34,7 +34,7 @@ int StandardStreams::write(Stream stream, std::string_view text) noexcept {
         const auto length = static_cast<unsigned int>(std::min(text.size(), longestWrite));
         const int written = ::_write(descriptor, text.data(), length);
         if (written < 0) {
-            // The C library says EINVAL of a pipe that nobody reads.
+            // The C library reports EINVAL for a pipe without a reader.
             return errno == EINVAL ? EPIPE : errno;
         }
         text.remove_prefix(static_cast<std::size_t>(written));

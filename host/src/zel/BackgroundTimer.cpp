@@ -27,8 +27,8 @@ void callGuarded(BackgroundTimerCallback& callback) {
 
 } // namespace
 
-/// Outlives the timer while a callback runs. An alarm that rings after its timer was stopped or started anew finds
-/// another number in `armed` and does nothing.
+/// Outlives the timer while a callback runs. If an alarm rings after its timer was stopped or restarted, its number
+/// differs from `armed` and it does nothing.
 class BackgroundTimer::Impl : public std::enable_shared_from_this<BackgroundTimer::Impl> {
 public:
     void start(std::weak_ptr<BackgroundTimerCallback> newCallback, std::int64_t seconds) {
@@ -56,8 +56,8 @@ public:
     }
 
 private:
-    /// With the lock held. The caller lets go of the source once the lock is released: at the process's end that may
-    /// wait for the timer's thread.
+    /// Call with the lock held. The caller must release the returned source after the unlock: at the end of the process
+    /// its destructor may wait for the timer's thread.
     std::shared_ptr<TimerSource> disarm() {
         ++armed;
         callback.reset();
@@ -84,7 +84,7 @@ private:
             runningOn = std::this_thread::get_id();
         }
         callGuarded(*called);
-        // May end the life of the callback and of its timer, which then stops itself on this thread.
+        // May destroy the callback and its timer, which then stops itself on this thread.
         called.reset();
         {
             const std::lock_guard lock(mutex);
@@ -93,10 +93,10 @@ private:
         changed.notify_all();
     }
 
-    std::mutex mutex; ///< Guards all below; never held during a callback.
+    std::mutex mutex; ///< Guards all members below; never held during a callback.
     std::condition_variable changed;
     std::weak_ptr<BackgroundTimerCallback> callback;
-    std::shared_ptr<TimerSource> source; ///< Of the pending alarm.
+    std::shared_ptr<TimerSource> source; ///< The source of the pending alarm.
     TimerSource::Alarm alarm = 0;
     std::uint64_t armed = 0;
     std::thread::id runningOn;

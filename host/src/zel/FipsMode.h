@@ -2,7 +2,7 @@
 
 namespace zel::common {
 
-/// The machine's answer; false when it gives none.
+/// Reads the FIPS mode of the machine; returns false if it is unknown.
 bool readFipsMode() noexcept;
 
 } // namespace zel::common

@@ -25,7 +25,7 @@ bool FipsUtils::isFipsEnabled() noexcept {
     Mode mode = knownMode().load(std::memory_order_relaxed);
     if (mode == Mode::Unknown) {
         const Mode machine = modeOf(readFipsMode());
-        // An override that came in between stands.
+        // Keeps an override that was set in the meantime.
         mode = knownMode().compare_exchange_strong(mode, machine) ? machine : mode;
     }
     return mode == Mode::On;

@@ -6,7 +6,7 @@
 namespace zel::logging {
 
 LogDispatcher& LogDispatcher::instance() {
-    // Never destroyed: static objects of other libraries may log while they die.
+    // Never destroyed: static objects of other libraries may log in their destructors.
     static LogDispatcher& dispatcher = *new LogDispatcher;
     return dispatcher;
 }
@@ -70,7 +70,7 @@ void LogDispatcher::dispatch(const LogRecord& record) noexcept {
         try {
             sink->write(record);
         } catch (...) {
-            // There is nowhere left to report it.
+            // A failure of a sink cannot be reported anywhere.
             continue;
         }
     }

@@ -12,8 +12,8 @@
 
 namespace zel::logging {
 
-/// Hands every record to the sinks that stand at that moment, with no lock held: a sink may take locks of its own, add
-/// and remove sinks. A sink that was removed may still receive the record that is on its way. One for the process.
+/// Passes every record to the current sinks, with no lock held: a sink may acquire its own locks, and add and remove
+/// sinks. A removed sink may still receive one record that is being written. The process has one dispatcher.
 class LogDispatcher {
 public:
     static LogDispatcher& instance();
@@ -23,13 +23,13 @@ public:
 
     void add(std::shared_ptr<LogSink> sink);
     void remove(const std::shared_ptr<LogSink>& sink);
-    /// Adds `sink` in the place of the one that was set under the same name.
+    /// Adds `sink`, which replaces the one that was set with the same name.
     void set(const std::string& name, std::shared_ptr<LogSink> sink);
     bool has(const std::string& name) const;
-    /// Removes the sinks whose names begin so.
+    /// Removes the sinks whose names have that prefix.
     void removeNamed(std::string_view prefix);
 
-    /// A sink that throws loses the record, the others don't.
+    /// Passes the record to all sinks. If a sink throws, the others still receive the record.
     void dispatch(const LogRecord& record) noexcept;
 
 private:
@@ -39,9 +39,9 @@ private:
     std::shared_ptr<const Sinks> getSinks() const;
 
     std::atomic<bool> debugEnabled{false};
-    /// Guards the two below.
+    /// Guards the next two members.
     mutable std::mutex mutex;
-    /// Replaced as a whole, so that a dispatch under way keeps the list it began with.
+    /// Replaced as a whole, so that a running dispatch keeps its list.
     std::shared_ptr<const Sinks> sinks = std::make_shared<const Sinks>();
     std::map<std::string, std::shared_ptr<LogSink>> named;
 };

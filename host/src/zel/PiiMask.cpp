@@ -83,8 +83,8 @@ bool equalsIgnoringCase(std::string_view text, std::string_view lower) {
     return std::ranges::equal(text, lower, {}, toLower);
 }
 
-/// Walks once over the text. Each rule looks only at what it then masks or steps over, or remembers how far it looked,
-/// so the work stays linear; no rule looks across a marker, so a second run finds nothing more.
+/// Scans the text once. A rule examines only text that it then masks or skips, or stores the position it has reached,
+/// so the time is linear. No rule matches across a marker, so a second run changes nothing.
 class Scanner {
 public:
     explicit Scanner(std::string_view line) : text(line) {}
@@ -129,7 +129,7 @@ private:
 
     char charAt(std::size_t place) const { return place < text.size() ? text[place] : '\0'; }
 
-    /// Puts `marker` in the place of what stands from here to `end`.
+    /// Replaces the text from the current position to `end` with `marker`.
     void mask(std::size_t end, std::string_view marker) {
         output.append(text.substr(copied, at - copied)).append(marker);
         at = copied = end;
@@ -156,7 +156,7 @@ private:
         return false;
     }
 
-    /// The local part before an "@" that a host follows.
+    /// Masks the local part before an "@" if a host follows.
     bool maskMailName() {
         nameEnd = endOfRun(at, isInName);
         if (charAt(nameEnd) != '@' || !beginsHost(charAt(nameEnd + 1))) {
@@ -166,7 +166,7 @@ private:
         return true;
     }
 
-    /// "+" and at least eight digits, with the separators that people put between them.
+    /// Masks "+" and at least eight digits, including the usual separators between them.
     bool maskNumber() {
         std::size_t digits = 0;
         std::size_t end = at;
@@ -185,7 +185,7 @@ private:
         return true;
     }
 
-    /// The folder after "/home/", "\Users\" and their like. In the path of a web address these are no home folders.
+    /// Masks the folder after "/home/", "\Users\" and similar. Does not apply to the path of a web address.
     bool maskHomeFolder() {
         if (inUrlPath) {
             return false;
@@ -207,7 +207,8 @@ private:
         return false;
     }
 
-    /// Windows allows blanks in a user's folder; there they count when a separator shows where the name ends.
+    /// Returns the end of the name. Windows allows blanks in the name of a user's folder; they are included only if a
+    /// separator marks the end of the name.
     std::size_t endOfFolderName(std::size_t begin, bool mayHoldBlanks) const {
         const std::size_t end = endOfRun(begin, isInFolderName);
         if (!mayHoldBlanks || end == begin || charAt(end) != ' ') {
@@ -235,7 +236,7 @@ private:
         return false;
     }
 
-    /// Whether the name of that scheme ends at `place`.
+    /// Returns true if the name of that scheme ends at `place`.
     bool endsScheme(std::size_t place, std::string_view scheme) const {
         const std::size_t known = place - std::min(place, copied);
         if (known < scheme.size() || !equalsIgnoringCase(text.substr(place - scheme.size(), scheme.size()), scheme)) {
@@ -266,7 +267,7 @@ private:
         if (!beginsName(charAt(at))) {
             return;
         }
-        // Without an "@" the whole is a host or a user: a host has points or a port.
+        // Without an "@" the text is either a host or a user: a host contains dots or has a port.
         const std::size_t end = endOfRun(at, isInName);
         const std::string_view name = text.substr(at, end - at);
         const bool hasPort =
@@ -277,7 +278,8 @@ private:
         }
     }
 
-    /// The first "@" of the run that begins here. Remembered, as each "sip:" of a long run asks anew.
+    /// Returns the position of the first "@" of the run that begins here. Stores it, because each "sip:" in a long run
+    /// searches again.
     std::size_t nextSipAt() {
         if (sipSearchEnd <= at) {
             sipSearchEnd = endOfRun(at, [](char c) { return c != '@' && isInSipUser(c); });
@@ -296,9 +298,9 @@ private:
     const std::string_view text;
     std::string output;
     std::size_t at = 0;
-    std::size_t copied = 0;       ///< What stands before it is in the output.
-    std::size_t nameEnd = 0;      ///< Up to here no further name begins.
-    std::size_t sipSearchEnd = 0; ///< Where the last search for an "@" stopped.
+    std::size_t copied = 0;       ///< The text before this position was copied to the output.
+    std::size_t nameEnd = 0;      ///< No further name begins before this position.
+    std::size_t sipSearchEnd = 0; ///< The end of the last search for an "@".
     bool inUrlPath = false;
 };
 
@@ -314,7 +316,8 @@ constexpr bool endsIn(std::basic_string_view<Unit> text, std::string_view lower)
     return text.size() >= lower.size() && equalsIgnoringAsciiCase(text.substr(text.size() - lower.size()), lower);
 }
 
-/// Whether a rule of the scanner could begin with the trigger at `place`. The user of a web address needs an "@".
+/// Returns true if a rule of the scanner may begin with the trigger at `place`. The user of a web address needs no case
+/// because it contains an "@".
 template <class Unit>
 bool mayBeginAt(std::basic_string_view<Unit> text, std::size_t place) noexcept {
     const auto before = text.substr(0, place);
@@ -332,7 +335,7 @@ bool mayBeginAt(std::basic_string_view<Unit> text, std::size_t place) noexcept {
     }
 }
 
-/// For each character of ASCII whether a rule of the scanner begins with it, as a number to add up.
+/// 1 for each ASCII character with which a rule of the scanner begins, otherwise 0; a number, so that it can be added.
 constexpr auto triggers = [] {
     std::array<std::uint8_t, 128> table{};
     for (const char trigger : std::string_view("@+:/\\")) {
@@ -341,7 +344,7 @@ constexpr auto triggers = [] {
     return table;
 }();
 
-/// Notes the places of triggers before it looks at any: a branch at each character would often be mispredicted.
+/// Collects the positions of triggers before it checks any: a branch for each character would often be mispredicted.
 template <class Unit>
 bool mayBegin(std::basic_string_view<Unit> text) noexcept {
     constexpr std::size_t partLength = 64;

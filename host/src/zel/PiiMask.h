@@ -5,11 +5,11 @@
 
 namespace zel::logging {
 
-/// Masks personal data in UTF-8 text in one pass, as ZelLogger_replacePIIData() promises.
+/// Masks personal data in UTF-8 text in one pass; see ZelLogger_replacePIIData().
 std::string maskPersonalData(std::string_view text);
 
-/// False where maskPersonalData() leaves the text as it is. True may be wrong: only the characters are looked for that
-/// one of the rules begins with.
+/// Returns false if maskPersonalData() would not change the text. May return true for other texts, too, because it only
+/// searches for the characters with which a rule begins.
 bool mayHoldPersonalData(std::string_view text) noexcept;
 bool mayHoldPersonalData(std::wstring_view text) noexcept;
 

@@ -7,21 +7,22 @@
 
 namespace ZelSystemMonitor {
 
-/// What the machine waits for before it goes on with what it announced: until the last reference is gone, or until its
-/// own patience ends. Empty when it doesn't wait.
+/// Delays the machine's announced action until the last reference is released, or until the machine's own timeout. Null
+/// if the machine does not wait.
 using PowerEventHold = std::shared_ptr<const void>;
 
-/// Called on the source's thread; doesn't throw.
+/// Called on the source's thread; must not throw.
 using PowerEventReceiver = std::function<void(PowerEventTypeEnum::PowerEventType type, PowerEventHold hold)>;
 
-/// Where the machine's power events come from. After its end nothing is received any more; only when the receiver ends
-/// it, the call that is under way goes on.
+/// The source of the machine's power events. After its destructor the receiver is not called. If the receiver itself
+/// destroys the source, only that running call continues.
 class PowerEventSource {
 public:
     virtual ~PowerEventSource() = default;
 };
 
-/// The platform's source; empty when it has none. Returns at once: that nothing can be heard shows later, in the log.
+/// Returns the platform's source; null if it has none. Returns immediately: if no events can be received, the log says
+/// so later.
 LUMORA_HOST_API std::unique_ptr<PowerEventSource> openPowerEventSource(PowerEventReceiver receiver);
 
 } // namespace ZelSystemMonitor

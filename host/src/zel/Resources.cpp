@@ -13,7 +13,7 @@ struct Carriers {
     std::vector<const Resource*> all;
 };
 
-/// Never destroyed: libraries leave the list while the process ends, in an order that nobody knows.
+/// Never destroyed: libraries remove themselves from the list while the process ends, in an unknown order.
 Carriers& carriers() {
     static auto& held = *new Carriers;
     return held;

@@ -34,7 +34,7 @@ spdlog::level::level_enum levelOf(ZelLogLevel level) {
     return spdlog::level::info;
 }
 
-/// Before each opening, the first and those of a rotation, so that no file is ever readable by others.
+/// Called before each file is opened, including by a rotation, so that no file is ever readable by others.
 void makePrivate(const spdlog::filename_t& name) {
     if (const auto path = KyrCoreUtils::pathFromText(name)) {
         KyrCoreUtils::platform::makePrivateFile(*path);

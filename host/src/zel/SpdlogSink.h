@@ -9,10 +9,11 @@
 
 namespace zel::logging {
 
-/// Sends records from `worst` down to the numbers of severe levels to a place that spdlog writes to.
+/// Writes records of the level `mildest` and of more severe levels through spdlog.
 class SpdlogSink final : public LogSink {
 public:
-    /// 5 MiB a file, three old ones kept, each for the owner alone. Null when the file can't be opened.
+    /// Opens a rotating file: 5 MiB per file, three old files, each accessible to its owner only. Returns null if the
+    /// file cannot be opened.
     static std::shared_ptr<LogSink> openFile(const std::string& path);
     static std::shared_ptr<LogSink> standardError(ZelLogLevel mildest);
     static std::shared_ptr<LogSink> passLinesTo(std::function<void(std::string_view)> writeLine);

@@ -21,7 +21,7 @@ bool isSame(const std::weak_ptr<T>& a, const std::weak_ptr<T>& b) {
     return !a.owner_before(b) && !b.owner_before(a);
 }
 
-/// One that fails must not keep the others from saving what they have.
+/// Logs an exception, so that the other observers can still save their data.
 void runGuarded(const std::string& who, const std::function<void()>& work) {
     try {
         work();
@@ -92,7 +92,7 @@ void SystemMonitorImpl::receive(PowerEventType type, PowerEventHold hold) {
         notify(type, {});
         return;
     }
-    // The hold goes with the task, so it ends as well when the dispatcher drops it.
+    // The task owns the hold, so dropping the task releases it, too.
     dispatcher->enqueue(
         std::make_shared<KyrCoreUtils::FunctionTask>(
             [self = weak_from_this(), type, held = std::move(hold), prepare = std::move(beforePowerDown)] {
@@ -104,7 +104,7 @@ void SystemMonitorImpl::receive(PowerEventType type, PowerEventHold hold) {
         false);
 }
 
-/// The dispatcher that counts, and what it prepares a power-down with; null without one.
+/// Returns the last attached dispatcher and its `beforePowerDown`; null if there is none.
 std::shared_ptr<SystemMonitorImpl::Dispatcher>
 SystemMonitorImpl::getDispatcher(std::function<void()>& beforePowerDown) const {
     const std::lock_guard lock(mutex);

@@ -12,15 +12,16 @@
 
 namespace ZelSystemMonitor {
 
-/// The list of observers, and on which thread they are told. The platform's source feeds it: it is opened for the first
-/// observer and closed with the last dispatcher, or at the end of the process. Made with make_shared. Any thread.
+/// Holds the list of observers and selects the thread on which they are called. The platform's source delivers the
+/// events: it is opened for the first observer and closed with the last dispatcher, or at the end of the process.
+/// Create it with make_shared. Any thread.
 class LUMORA_HOST_API SystemMonitorImpl final : public SystemMonitor,
                                                 public std::enable_shared_from_this<SystemMonitorImpl> {
 public:
     using Dispatcher = ZelUnified::Processing::ServicesDispatcher;
     using SourceOpener = std::function<std::unique_ptr<PowerEventSource>(PowerEventReceiver)>;
 
-    /// The process's own, also while another one stands in its place.
+    /// Returns the machine's monitor, even while the process uses a replacement.
     static std::shared_ptr<SystemMonitorImpl> getMachineMonitor();
 
     explicit SystemMonitorImpl(SourceOpener sourceOpener = openPowerEventSource);
@@ -31,13 +32,15 @@ public:
     void addPowerEventObserver(std::weak_ptr<PowerEventObserver> observer) override;
     void removePowerEventObserver(std::weak_ptr<PowerEventObserver> observer) override;
 
-    /// From here on observers are told on that dispatcher's thread. Of several the last one counts. Held weakly.
-    /// `beforePowerDown` is called on that thread before observers are told of a power-down; empty for nothing.
+    /// Observers are called on that dispatcher's thread from here on; with several dispatchers, on that of the last
+    /// one. The dispatcher is held weakly. `beforePowerDown` is called on that thread before the observers of a
+    /// power-down; empty for none.
     void attach(const std::shared_ptr<Dispatcher>& dispatcher, std::function<void()> beforePowerDown = {});
-    /// Never waits for an observer that is told on a dispatcher's thread.
+    /// Removes the dispatcher. Never waits for an observer that is running on a dispatcher's thread.
     void detach(const std::shared_ptr<Dispatcher>& dispatcher);
 
-    /// Posts the event to the dispatcher, else tells it on the calling thread. The hold ends when all are told.
+    /// Posts the event to the dispatcher; without one, calls the observers on the calling thread. Releases the hold
+    /// after all observers have returned.
     void receive(PowerEventTypeEnum::PowerEventType type, PowerEventHold hold);
 
 private:
@@ -52,7 +55,7 @@ private:
     void notify(PowerEventTypeEnum::PowerEventType type, const std::function<void()>& beforePowerDown) const;
 
     const SourceOpener opener;
-    mutable std::mutex mutex; ///< Guards all below; never held while an observer is told or a source ends.
+    mutable std::mutex mutex; ///< Guards all members below; never held while an observer runs or a source is destroyed.
     std::vector<std::weak_ptr<PowerEventObserver>> observers;
     std::vector<Attachment> attachments;
     std::unique_ptr<PowerEventSource> source;

@@ -15,7 +15,7 @@ namespace zel::common {
 
 namespace {
 
-/// Far enough to be never, near enough to be added to any moment of the clock.
+/// Long enough to count as never, short enough to be added to any time point of the clock.
 constexpr std::int64_t longestWait = std::int64_t{100} * 365 * 24 * 60 * 60;
 
 std::mutex& sourceMutex() {
@@ -23,7 +23,7 @@ std::mutex& sourceMutex() {
     return mutex;
 }
 
-/// What stands in the timer thread's place; empty for nothing.
+/// The source that replaces the timer thread; null for none.
 std::shared_ptr<TimerSource>& replacement() {
     static std::shared_ptr<TimerSource> source;
     return source;
@@ -31,7 +31,7 @@ std::shared_ptr<TimerSource>& replacement() {
 
 } // namespace
 
-/// The pending alarms; touched by the timer's thread only.
+/// The pending alarms; accessed only on the timer's thread.
 class TimerService::Core {
 public:
     Core() : keepRunning(asio::make_work_guard(context)) {}

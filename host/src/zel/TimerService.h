@@ -8,11 +8,11 @@
 
 namespace zel::common {
 
-/// Alarms on the monotonic clock. All ring on one thread, which is started by the first of them.
+/// Runs alarms on the monotonic clock. All alarms ring on one thread, which the first one starts.
 class LUMORA_HOST_API TimerService final : public TimerSource {
 public:
     TimerService();
-    /// Forgets all alarms. Waits for the thread, unless it runs the destructor itself.
+    /// Cancels all alarms. Joins the thread, unless the destructor runs on it.
     ~TimerService() override;
     TimerService(const TimerService&) = delete;
     TimerService& operator=(const TimerService&) = delete;
@@ -24,7 +24,7 @@ private:
     class Core;
     void requireThread();
 
-    const std::shared_ptr<Core> core; ///< The thread holds it too.
+    const std::shared_ptr<Core> core; ///< Shared with the thread.
     std::mutex threadMutex;           ///< Guards `thread`.
     std::thread thread;
 };

@@ -13,7 +13,7 @@ using zel::logging::LogDispatcher;
 
 ZelLogger& ZelLogger_getLogger(std::string_view name) {
     using Loggers = std::map<std::string, std::unique_ptr<ZelLogger>, std::less<>>;
-    // Never destroyed: static objects of other libraries may log while they die.
+    // Never destroyed: static objects of other libraries may log in their destructors.
     static Loggers& loggers = *new Loggers;
     static std::mutex& mutex = *new std::mutex;
 

@@ -4,7 +4,7 @@
 #include <string_view>
 #include <utility>
 
-/// A name under which lines are written; all the rest is common to the process.
+/// A named logger. All other logging state is shared by the process.
 class ZelLogger {
 public:
     explicit ZelLogger(std::string loggerName) : name(std::move(loggerName)) {}

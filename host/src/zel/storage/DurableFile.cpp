@@ -63,15 +63,16 @@ std::string DurableFile::makeTemporaryName(const std::string& path) {
     return name + std::string(temporarySuffix);
 }
 
-/// 1. Make a new file of a random name in the same directory: only there is a rename a single step.
-/// 2. Write all bytes, however many calls that takes.
-/// 3. Sync the file, so that no name ever leads to bytes that are not on the disk.
+/// Writes the file in these steps:
+/// 1. Create a new file with a random name in the same directory: a rename is atomic only there.
+/// 2. Write all bytes, in as many calls as necessary.
+/// 3. Sync the file, so that no name ever refers to bytes that are not on the disk.
 /// 4. Close it: some file systems report a failed write only now.
-/// 5. Publish: rename it over the path, or link it to the path and drop the first name.
-/// 6. Sync the directory, so that a power cut can't bring the old file back after success was reported.
-/// 7. Remove what writers of this path left behind when they were killed long ago.
-/// A failure in 1 to 5 removes the new file and leaves the old one. A failure in 6 is reported, with the new file
-/// in place: it will or will not survive a power cut, as a whole.
+/// 5. Publish: rename the file to the path, or link it to the path and remove the first name.
+/// 6. Sync the directory, so that a power cut cannot restore the old file after success was reported.
+/// 7. Remove the temporary files of writers of this path that were killed long ago.
+/// A failure in steps 1 to 5 removes the new file and leaves the old one unchanged. A failure in step 6 is reported
+/// while the new file is in place: after a power cut the path holds either file, complete.
 int DurableFile::write(FileLayer& layer, const std::string& path, std::string_view bytes, Publish publish) {
     const PathParts parts = splitPath(path);
     if (parts.name.empty()) {

@@ -7,19 +7,21 @@
 
 namespace zel::storage {
 
-/// The one way in which this product writes a file that must survive. Afterwards the path holds the old or the new
-/// content as a whole, whatever fails, and after a power cut too. It is no protection against a disk that lies about
-/// having written, nor against bytes that change later.
+/// Writes files durably; every file of this product that must survive is written here. Afterwards the path holds the
+/// complete old or the complete new content, after any failure and after a power cut. It does not protect against a
+/// disk that reports unwritten bytes as written, nor against bytes that change later.
 class LUMORA_HOST_API DurableFile {
 public:
     DurableFile() = delete;
 
-    /// Replaces the file or makes it. 0, or an errno value; unless only the last step failed the old file is as it was.
+    /// Replaces or creates the file. Returns 0 or an errno value. On failure the old file is unchanged, except when
+    /// only syncing the directory fails.
     static int replace(FileLayer& layer, const std::string& path, std::string_view bytes);
-    /// Makes the file; EEXIST and nothing changed when the name is taken. Of several that try at once one succeeds.
+    /// Creates the file. Returns EEXIST and changes nothing if the name exists. Of several concurrent calls, one
+    /// succeeds.
     static int create(FileLayer& layer, const std::string& path, std::string_view bytes);
 
-    /// A name beside `path`, hidden, that nothing else uses; "" when no random bytes can be had.
+    /// Returns an unused hidden name in the directory of `path`; "" if no random bytes are available.
     static std::string makeTemporaryName(const std::string& path);
 
 private:

@@ -21,7 +21,7 @@ namespace {
 
 ZelLogger& logger = encryptFileUtilsLogger();
 
-/// What an embedding program or a test has put in place of the defaults.
+/// The layer and key provider that an embedding program or a test has set in place of the defaults.
 struct Overrides {
     std::mutex mutex;
     std::shared_ptr<FileLayer> layer;
@@ -38,7 +38,7 @@ MovedFiles& movedFiles() {
     return files;
 }
 
-/// The layer and the keys for one call, kept alive over it.
+/// The layer and the key provider of one call, kept alive during the call.
 class Environment {
 public:
     Environment() {
@@ -63,18 +63,18 @@ private:
     std::shared_ptr<KeyProvider> provider;
 };
 
-/// The text of an exception may quote what it was about, so it is not told.
+/// Logs without the text of the exception, which may quote the content.
 void logException(const std::string& path) noexcept {
     try {
         if (ZelLog_isDebugEnabled(logger)) {
             ZelLog(logger, ZelLogLevel::Debug, ZEL_HERE, "Exception at " + splitPath(path).name);
         }
     } catch (...) {
-        return; // No memory for the line either; the caller hears of the failure all the same.
+        return; // no memory for the log line; the caller still gets the failure
     }
 }
 
-/// Runs `work`; a failure that it throws becomes `failed`.
+/// Runs `work` and returns its result; returns `failed` if it throws.
 template <typename Result, typename Work>
 Result guarded(const std::string& path, Result failed, Work work) noexcept {
     try {
@@ -85,7 +85,7 @@ Result guarded(const std::string& path, Result failed, Work work) noexcept {
     }
 }
 
-/// An attempt of PendingWrites.
+/// The Attempt that is passed to PendingWrites.
 std::string writeToDisk(const std::string& path, const ProtectedText& content,
                         FileCategoryType::FileCategory category) {
     return guarded(path, std::string("unexpected failure"), [&] {

@@ -4,7 +4,7 @@
 
 namespace zel::storage {
 
-/// The logger of the protected files and of their keys.
+/// Returns the logger of the protected files and their keys.
 inline ZelLogger& encryptFileUtilsLogger() {
     static ZelLogger& logger = ZelLogger_getLogger("Host-EncryptFileUtils");
     return logger;

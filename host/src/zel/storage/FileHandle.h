@@ -6,7 +6,7 @@
 
 namespace zel::storage {
 
-/// Closes a handle of a layer at the end of a scope.
+/// Owns a handle of a file layer and closes it in the destructor.
 class FileHandle {
 public:
     FileHandle(FileLayer& owner, FileLayer::Handle opened) : layer(owner), handle(opened) {}
@@ -15,7 +15,7 @@ public:
     FileHandle& operator=(const FileHandle&) = delete;
 
     FileLayer::Handle get() const { return *handle; }
-    /// Closes it now; 0 when it was closed before.
+    /// Closes the handle now. Returns 0 or an errno value; 0 if it is closed already.
     int close();
 
 private:

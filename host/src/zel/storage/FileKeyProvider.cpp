@@ -32,10 +32,10 @@ constexpr std::size_t idAt = 8;
 constexpr std::size_t keyAt = 16;
 constexpr std::size_t fileLength = keyAt + MasterKey::length;
 
-/// Others hold the lock for as long as it takes to make one key.
+/// Another process holds the lock only while it creates one key.
 constexpr std::chrono::seconds longestWait{2};
 
-/// All but the key itself.
+/// Writes all fields except the key itself.
 bool fillHeader(FileCategoryType::FileCategory category, const MasterKey& key, unsigned char* file) {
     KeyId id{};
     if (!deriveKeyId(key, id)) {
@@ -99,7 +99,7 @@ KeyResult FileKeyProvider::findOrMake(FileCategoryType::FileCategory category, M
     if (!prepareFolder()) {
         return KeyResult::Unavailable;
     }
-    // Without the lock one process could set aside, as malformed, the good key that another has just put there.
+    // Without the lock, one process could move aside, as malformed, the valid key that another one has just created.
     FileLayer::Handle opened = -1;
     if (const int error = layer.lockDirectory(folder, longestWait, opened); error != 0) {
         return reportLockFailure(error);
@@ -147,7 +147,7 @@ bool FileKeyProvider::make(FileCategoryType::FileCategory category) {
     }
     std::copy_n(fresh.data(), MasterKey::length, file.data() + keyAt);
     const int error = DurableFile::create(layer, pathOf(category), file.view());
-    // Where locks hold nothing somebody may have been first: the link decides whose key it is.
+    // Without working locks another process may have created the key first: the link decides which key is used.
     return error == 0 || error == EEXIST;
 }
 

@@ -7,16 +7,17 @@
 
 namespace zel::storage {
 
-/// Master keys in files "catN.key", readable by their owner alone, below the application data folder and so never below
-/// the configuration directory, which a reset empties. A file: "LUMK", version 1, category, 2 reserved bytes, the key's
-/// id in 8 bytes, the key in 32. No state: each call reads the file.
+/// Stores master keys in files "catN.key" that only their owner can read, in the application data folder. That folder
+/// is never in the configuration directory, which a reset empties. File format: "LUMK", version 1, category, 2 reserved
+/// bytes, 8 bytes key id, 32 bytes key. Stateless: each call reads the file.
 class LUMORA_HOST_API FileKeyProvider final : public KeyProvider {
 public:
-    /// The layer outlives the provider. An empty folder means that no key can be had.
+    /// The layer must outlive the provider. With an empty folder no key is available.
     FileKeyProvider(FileLayer& files, std::string applicationData);
 
     KeyResult find(FileCategoryType::FileCategory category, MasterKey& key) override;
-    /// A malformed key file is kept as "catN.key.bad". Waits two seconds for another process that makes keys.
+    /// Returns or creates the key. A malformed key file is kept as "catN.key.bad". Waits up to two seconds for another
+    /// process that creates keys.
     KeyResult findOrMake(FileCategoryType::FileCategory category, MasterKey& key) override;
 
 private:

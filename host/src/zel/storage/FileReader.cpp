@@ -41,7 +41,7 @@ ReadOutcome readRegularFile(FileLayer& layer, const std::string& path, std::size
     if (size > limit) {
         return tooLong;
     }
-    // One byte more than expected, so that a file that grows meanwhile is noticed.
+    // One byte more than expected detects a file that grows during the read.
     bytes.resize(static_cast<std::size_t>(size) + 1);
     std::size_t filled = 0;
     for (;;) {

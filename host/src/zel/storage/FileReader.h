@@ -9,14 +9,15 @@
 
 namespace zel::storage {
 
-/// How a reading ended. The reason is for a log: a constant text that says nothing of the content.
+/// The outcome of a read. The reason is for a log: a constant text without any content of the file.
 struct ReadOutcome {
     ReadResult result = ReadResult::Ok;
     std::string_view reason;
-    bool lasting = false; ///< What stands there can't be a file of ours: asking again won't help.
+    bool lasting = false; ///< True if the file cannot be a protected file, so a retry will fail, too.
 };
 
-/// Reads a regular file of at most `limit` bytes. Ok, Absent or Unreadable; `bytes` is of no meaning unless Ok.
+/// Reads a regular file of at most `limit` bytes. Returns Ok, Absent or Unreadable; `bytes` is valid only if the result
+/// is Ok.
 ReadOutcome readRegularFile(FileLayer& layer, const std::string& path, std::size_t limit, std::string& bytes);
 
 } // namespace zel::storage

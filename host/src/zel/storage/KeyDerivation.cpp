@@ -14,7 +14,7 @@ namespace {
 using Kdf = std::unique_ptr<EVP_KDF, decltype(&EVP_KDF_free)>;
 using KdfContext = std::unique_ptr<EVP_KDF_CTX, decltype(&EVP_KDF_CTX_free)>;
 
-// The library's parameters are not const, though it only reads them.
+// The parameters of the library are not const, although it only reads them.
 OSSL_PARAM octets(const char* name, const void* bytes, std::size_t length) {
     return OSSL_PARAM_construct_octet_string(name, const_cast<void*>(bytes), length);
 }

@@ -8,10 +8,10 @@
 
 namespace zel::storage {
 
-/// Tells keys apart without telling anything about them.
+/// Identifies a key without revealing anything about it.
 using KeyId = std::array<unsigned char, 8>;
 
-/// HKDF-SHA256. False when the library can't; `derived` is of no meaning then.
+/// Derives a key with HKDF-SHA256. Returns false if the library fails; `derived` is then invalid.
 bool deriveKey(const MasterKey& key, std::span<const unsigned char> salt, std::string_view purpose,
                std::span<unsigned char> derived);
 

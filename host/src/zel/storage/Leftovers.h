@@ -9,8 +9,8 @@ namespace zel::storage {
 
 inline constexpr std::string_view temporarySuffix = ".tmp";
 
-/// Removes the temporary files of writers of `path` that were killed before they could. They are told by their name
-/// and by their age: a live writer is done within seconds.
+/// Removes temporary files that killed writers of `path` left behind. It recognizes them by their name and age: a
+/// living writer finishes within seconds.
 void removeLeftovers(FileLayer& layer, const std::string& path);
 
 } // namespace zel::storage

@@ -8,11 +8,12 @@
 
 namespace zel::storage {
 
-/// The files that this process moved aside, in order. Any thread; its mutex is a leaf.
+/// The files that this process moved aside, in chronological order. Any thread; no other lock is acquired under its
+/// mutex.
 class MovedFiles {
 public:
     void add(MovedFile file);
-    /// Those at and below `directory`.
+    /// Returns the files at and below `directory`.
     std::vector<MovedFile> list(const std::string& directory) const;
     void clear();
 

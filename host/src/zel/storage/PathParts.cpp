@@ -17,7 +17,7 @@ std::filesystem::path spellDirectory(const std::string& directory) {
 } // namespace
 
 PathParts splitPath(const std::string& path) {
-    // Both separators where the platform knows two.
+    // Splits at both separators on a platform that has two.
     const std::string name = std::filesystem::path(path).filename().string();
     PathParts parts{path.substr(0, path.size() - name.size()), {}, name};
     parts.directory = parts.prefix;
@@ -33,7 +33,7 @@ std::string spellPath(const std::string& path) {
 }
 
 std::string directoryPrefix(const std::string& directory) {
-    // The separator at its end keeps out directories whose names only begin alike.
+    // The trailing separator excludes directories whose names only start with the same text.
     return directory.empty() ? directory : (spellDirectory(directory) / "").string();
 }
 

@@ -4,18 +4,19 @@
 
 namespace zel::storage {
 
-/// A path cut at its last separator.
+/// A path split at its last separator.
 struct PathParts {
-    std::string prefix;    ///< Up to and with the separator; "" for a bare name.
-    std::string directory; ///< Without the separator, but "/" for the root.
+    std::string prefix;    ///< The part up to and including the separator; "" for a plain name.
+    std::string directory; ///< The same without the separator, but "/" for the root.
     std::string name;
 };
 
 PathParts splitPath(const std::string& path);
 
-/// Returns one spelling for all paths to a file, whether it exists or not. A link in the last place is not followed.
+/// Returns the same spelling for all paths of a file, whether it exists or not. Does not follow a link in the last
+/// component.
 std::string spellPath(const std::string& path);
-/// Returns what the spelled paths of all files at and below `directory` begin with; "" for "".
+/// Returns the common prefix of the normalized paths of all files at and below `directory`; "" for "".
 std::string directoryPrefix(const std::string& directory);
 
 } // namespace zel::storage

@@ -11,7 +11,7 @@ namespace {
 
 ZelLogger& logger = encryptFileUtilsLogger();
 
-/// Empty if the content can't be protected, or if there is no memory for it.
+/// Copies the content. Returns nullopt if it cannot be protected or an allocation fails.
 std::optional<PendingWrites::Kept> keep(const ProtectedText& content, PendingWrites::FileCategory category) noexcept {
     try {
         auto copy = content.copy();
@@ -30,10 +30,10 @@ struct PendingWrites::Entry {
     std::mutex turn; ///< Held during an attempt.
 
     // Guarded by the mutex of PendingWrites.
-    std::string path; ///< As the writer spelled it last.
+    std::string path; ///< The spelling of the last writer.
     std::optional<WriteOutcome> lastWrite;
     std::optional<Kept> kept;
-    std::uint64_t writes = 0; ///< Tells whether the path was written since content was taken out.
+    std::uint64_t writes = 0; ///< Shows whether the path was written after take().
 };
 
 PendingWrites::PendingWrites() = default;
@@ -100,7 +100,7 @@ void PendingWrites::retryOne(Entry& entry, const Attempt& attempt) {
         return;
     }
     fail(entry, cause, kept);
-    if (cause != lastCause) { // a disk that stays full is reported once, not at every retry
+    if (cause != lastCause) { // a disk that stays full is reported once, not on every retry
         ZelLog(logger, ZelLogLevel::Error, ZEL_HERE,
                "Failed again to write protected file " + ZelLogger_replacePIIData(path) + ": " + cause);
     }
@@ -184,7 +184,7 @@ std::vector<PendingWrites::Record> PendingWrites::list(const std::string& direct
 }
 
 void PendingWrites::clear() {
-    std::vector<std::optional<Kept>> forgotten; // goes after the unlock
+    std::vector<std::optional<Kept>> forgotten; // destroyed after the unlock
     const std::lock_guard lock(mutex);
     for (const auto& [spelling, entry] : entries) {
         forgotten.emplace_back().swap(entry->kept);
@@ -216,7 +216,7 @@ std::shared_ptr<PendingWrites::Entry> PendingWrites::makeEntry(const std::string
     return entry;
 }
 
-/// Those of paths at and below the directory, or all of them.
+/// Returns the entries of the paths at and below the directory, or all entries.
 std::vector<std::shared_ptr<PendingWrites::Entry>> PendingWrites::getBelow(const std::string& directory) const {
     const std::string prefix = directoryPrefix(directory);
     std::vector<std::shared_ptr<Entry>> found;
@@ -235,7 +235,7 @@ std::optional<PendingWrites::Kept> PendingWrites::getKept(const Entry& entry) co
 }
 
 void PendingWrites::setKept(Entry& entry, std::optional<Kept> kept) {
-    // The former content goes after the unlock.
+    // The old content is destroyed after the unlock.
     const std::lock_guard lock(mutex);
     if (kept.has_value() != entry.kept.has_value()) {
         kept ? ++pendingCount : --pendingCount;
@@ -250,7 +250,8 @@ void PendingWrites::succeed(Entry& entry) {
     entry.lastWrite = {true, "", std::chrono::system_clock::now()};
 }
 
-/// Without new content what was kept before stays: it is newer than what the disk holds. Returns whether there is any.
+/// Records the failure. Without new content the older pending content stays, because it is newer than the file on the
+/// disk. Returns true if the entry has pending content.
 bool PendingWrites::fail(Entry& entry, const std::string& cause, std::optional<Kept> kept) {
     if (kept) {
         setKept(entry, std::move(kept));

@@ -17,15 +17,16 @@
 
 namespace zel::storage {
 
-/// Keeps the content of failed writes until it is on the disk, and the outcome of the last write of each path. It
-/// decides when content is dropped; how a file is written is up to an Attempt. Any thread.
+/// Keeps the content of failed writes in memory until it is on the disk, and the outcome of the last write of each
+/// path. Decides when content is dropped; an Attempt writes the file. Any thread.
 ///
-/// Paths are physical. Two spellings of one path meet. Locks: each path has a lock that is held during an attempt, so
-/// writes, retries and drops of one path run one after another; then `mutex`, which is a leaf.
+/// Paths are physical. Different spellings of one path share one entry. Locks: each path has a lock that is held during
+/// an attempt, so writes, retries and drops of one path run one after another; below it `mutex`, under which no other
+/// lock is acquired.
 class LUMORA_HOST_API PendingWrites {
 public:
     using FileCategory = FileCategoryType::FileCategory;
-    /// Writes the file. Returns why it failed, "" on success.
+    /// Writes the file. Returns the cause of a failure, "" on success.
     using Attempt = std::function<std::string(const std::string& path, const ProtectedText& content, FileCategory)>;
 
     struct Kept {
@@ -37,7 +38,7 @@ public:
         std::optional<WriteOutcome> lastWrite;
         bool pending;
     };
-    /// Content that was taken out and may be put back.
+    /// Content that was removed by take() and may be put back.
     class Taken;
 
     PendingWrites();
@@ -45,35 +46,37 @@ public:
     PendingWrites(const PendingWrites&) = delete;
     PendingWrites& operator=(const PendingWrites&) = delete;
 
-    /// The one that EncryptFileUtils, FileUtils, the factory and the profile lock share.
+    /// Returns the instance that EncryptFileUtils, FileUtils, the factory and the profile lock share.
     static PendingWrites& ofProcess();
 
-    /// Attempts the write. On failure logs path and cause and keeps a copy of `content`, which replaces older content.
+    /// Attempts the write. Returns true on success. On failure logs path and cause and keeps a copy of `content`, which
+    /// replaces older pending content.
     bool write(const std::string& path, const ProtectedText& content, FileCategory category, const Attempt& attempt);
-    /// Attempts to write all kept content. Returns true if none is left.
+    /// Attempts to write all pending content. Returns true if none is left.
     bool retry(const Attempt& attempt);
 
-    /// Returns the content that waits for `path`, if there is any.
+    /// Returns the pending content of `path`, if there is any.
     std::optional<Kept> find(const std::string& path) const;
     bool isEmpty() const noexcept { return pendingCount == 0; }
 
-    /// Drops the content that waits for `path`, after a running attempt. Returns false if there was none.
+    /// Drops the pending content of `path`, after a running attempt. Returns false if there is none.
     bool drop(const std::string& path);
-    /// The same, in a way that can be undone.
+    /// Drops the pending content like drop(), but returns it so that putBack() can undo it.
     Taken take(const std::string& path);
-    /// Keeps the content again, unless the path was written in the meantime.
+    /// Restores the content, unless the path was written since take().
     void putBack(const Taken& taken);
-    /// Drops the content of one category, silently.
+    /// Drops the pending content of one category, without a log line.
     void drop(FileCategory category);
-    /// Drops all content at and below `directory` ("" for everywhere) and logs an error for each path that loses it.
+    /// Drops all pending content at and below `directory` ("" for all) and logs an error for each path that loses
+    /// content.
     void giveUp(const std::string& directory);
 
-    /// Returns the paths at and below `directory` that were written or wait to be, sorted.
+    /// Returns the records of the paths at and below `directory` that were written or have pending content, sorted.
     std::vector<Record> list(const std::string& directory) const;
-    /// Forgets contents and outcomes, silently.
+    /// Removes all contents and outcomes, without a log line.
     void clear();
 
-    /// `listener` is called after content was kept, on the writer's thread and with no lock held.
+    /// Sets the listener that is called after content was kept, on the writer's thread and with no lock held.
     void setListener(std::function<void()> listener);
 
 private:
@@ -90,10 +93,10 @@ private:
     void retryOne(Entry& entry, const Attempt& attempt);
     void notifyListener();
 
-    mutable std::mutex mutex; ///< Guards all below and the entries, but for their locks.
+    mutable std::mutex mutex; ///< Guards all members below and the entries, except the locks of the entries.
     Entries entries;
     std::function<void()> listener;
-    std::atomic<std::size_t> pendingCount = 0; ///< Changed under `mutex`.
+    std::atomic<std::size_t> pendingCount = 0; ///< Changed only while `mutex` is held.
 };
 
 class PendingWrites::Taken {

@@ -46,7 +46,7 @@ bool deriveFileKey(const MasterKey& key, std::string_view file, WipedBytes& file
     return deriveKey(key, {at(file, saltAt), saltLength}, purpose, {fileKey.data(), fileKey.size()});
 }
 
-/// All before the ciphertext.
+/// Writes all fields before the ciphertext.
 bool fillHeader(std::string& file, FileCategoryType::FileCategory category, const MasterKey& key) {
     KeyId id{};
     if (!deriveKeyId(key, id)) {
@@ -75,7 +75,7 @@ bool encipher(std::string& file, std::string_view clear, const MasterKey& key) {
            EVP_CIPHER_CTX_ctrl(context.get(), EVP_CTRL_AEAD_GET_TAG, tagLength, ciphertext + clear.size()) == 1;
 }
 
-/// False unless the whole file is what was written; `clear` must not be looked at then.
+/// Decrypts and verifies the whole file. Returns false if it was changed; `clear` must then not be used.
 bool decipher(std::string_view file, const MasterKey& key, WipedBytes& clear) {
     WipedBytes fileKey(fileKeyLength);
     const CipherContext context(EVP_CIPHER_CTX_new(), &EVP_CIPHER_CTX_free);

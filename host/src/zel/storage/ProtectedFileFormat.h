@@ -13,7 +13,7 @@
 
 namespace zel::storage {
 
-/// The bytes of a protected file: AES-256-GCM under a key that each file derives for itself.
+/// Encrypts and decrypts the bytes of a protected file with AES-256-GCM and a key derived per file.
 ///
 ///     at  bytes
 ///      0      4  "LUMS"
@@ -24,10 +24,10 @@ namespace zel::storage {
 ///     16     16  salt of the file key
 ///     32     12  nonce
 ///     44      n  ciphertext
-///   44+n     16  tag over all before it
+///   44+n     16  tag over all preceding bytes
 ///
-/// File key: HKDF-SHA256 of the master key, the salt and "lumora-file" + version + category. The path is not bound, so
-/// that a main file and its backup can be copied onto each other. Stateless; any bytes may be handed in.
+/// File key: HKDF-SHA256 of the master key, the salt and "lumora-file" + version + category. The path is not part of
+/// it, so a main file and its backup can be copied over each other. Stateless; accepts any bytes.
 class LUMORA_HOST_API ProtectedFileFormat {
 public:
     static constexpr std::size_t headerLength = 44;
@@ -36,17 +36,18 @@ public:
 
     ProtectedFileFormat() = delete;
 
-    /// nullopt for no text, for one that is too long, and when the cipher or the random bytes fail.
+    /// Returns the encrypted file; nullopt if the text is empty or too long, or if the cipher or the random number
+    /// generator fails.
     static std::optional<std::string> seal(std::string_view clear, FileCategoryType::FileCategory category,
                                            const MasterKey& key);
 
     /// Returns true if the bytes begin like a file of any version.
     static bool hasMagic(std::string_view file);
-    /// Looks at what can be told without a key. Ok promises nothing about the rest.
+    /// Checks the parts that can be checked without a key. Ok does not imply that the rest is valid.
     static ReadOutcome inspect(std::string_view file, FileCategoryType::FileCategory category);
 
-    /// Shows the clear text, after all of the file was found in order, and wipes it. Not called unless the outcome is
-    /// Ok.
+    /// Verifies the whole file, then calls `use` with the clear text and zeroes it. Does not call `use` unless the
+    /// outcome is Ok.
     static ReadOutcome open(std::string_view file, FileCategoryType::FileCategory category, const MasterKey& key,
                             const std::function<void(std::string_view)>& use);
 };

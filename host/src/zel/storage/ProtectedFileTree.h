@@ -8,14 +8,14 @@
 
 namespace zel::storage {
 
-/// The protected files at and below one configuration directory: those with a name that the client gives its protected
-/// files, those with the header of the format, and those moved aside. Ignores the files of other programs.
+/// The protected files at and below one configuration directory: files with one of the client's own names, files with
+/// the header of the format, and files moved aside. Ignores the files of other programs.
 class ProtectedFileTree {
 public:
-    /// `access` outlives the tree.
+    /// `access` must outlive the tree.
     ProtectedFileTree(ProtectedFiles& access, std::string root);
 
-    /// Examines what is on the disk and adds what `writes` knows, sorted by path.
+    /// Checks the files on the disk and adds the records of `writes`, sorted by path.
     std::vector<ProtectedFileHealth> examine(const PendingWrites& writes) const;
     void moveAsideUnusable() const;
     std::vector<KeptFile> listMovedAside() const;

@@ -32,7 +32,7 @@ std::string describe(int error) {
     return std::error_code(error, std::generic_category()).message();
 }
 
-/// The name alone: folders may tell who the user is.
+/// Logs only the name of the file: folders may identify the user.
 void logDebug(std::string_view function, int line, std::string_view action, const std::string& path,
               std::string_view reason) {
     if (ZelLog_isDebugEnabled(logger)) {
@@ -149,7 +149,7 @@ ReadOutcome ProtectedFiles::readOne(const std::string& path, FileCategoryType::F
     return ProtectedFileFormat::open(file, category, key, use);
 }
 
-/// Returns 0 or an errno value.
+/// Keeps a copy of the file if it is unreadable. Returns 0 or an errno value.
 int ProtectedFiles::keepIfUnreadable(const std::string& path, FileCategoryType::FileCategory category) {
     const ReadOutcome outcome = examine(path, category);
     if (outcome.result == ReadResult::Ok || outcome.result == ReadResult::Absent) {

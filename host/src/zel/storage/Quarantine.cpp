@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::string_view suffix = ".unreadable";
 
-/// The file system has no links, or none for this kind of file.
+/// Returns true if the file system does not support links, or not for this kind of file.
 bool isWithoutLinks(int error) {
     return error == EPERM || error == ENOTSUP || error == ENOSYS || error == EMLINK;
 }
@@ -25,7 +25,8 @@ std::string nameOf(const std::string& path, unsigned long number) {
     return number == 1 ? name : name + "." + std::to_string(number);
 }
 
-/// 0 unless `end`, what follows the suffix, is empty or a point and a number that nameOf() makes.
+/// Returns the number for `end`, the text after the suffix; 0 unless it is empty or a dot and a number that nameOf()
+/// creates.
 unsigned long numberOf(std::string_view end) {
     if (end.empty()) {
         return 1;
@@ -118,7 +119,7 @@ int Quarantine::giveSecondName(const std::string& path, std::string& keptAs) con
     return EEXIST;
 }
 
-/// The kept files and the directories between them, lowest number first.
+/// Returns the kept files and the directories with such names, lowest number first.
 Quarantine::Numbered Quarantine::list(const std::string& path) {
     const PathParts parts = splitPath(path);
     Numbered found;

@@ -9,32 +9,32 @@
 
 namespace zel::storage {
 
-/// Keeps files that can't be used beside their original: "NAME.unreadable", then "NAME.unreadable.2" and so on. Each
-/// file gets a higher number than all that are there, files or directories, so the highest one is the newest. The
-/// newest five files of a name are kept. The layer outlives it.
+/// Keeps unusable files beside their original: "NAME.unreadable", then "NAME.unreadable.2" and so on. Each file gets a
+/// higher number than all existing entries, files or directories, so the highest number is the newest file. The newest
+/// five files of a name are kept. The layer must outlive it.
 class LUMORA_HOST_API Quarantine {
 public:
     static constexpr std::size_t keptFiles = 5;
-    /// More than any directory holds; ends a search that another process disturbs.
+    /// Larger than the number of entries in any directory; ends a search that another process disturbs.
     static constexpr unsigned long highestNumber = 1'000'000;
 
     explicit Quarantine(FileLayer& files) : layer(files) {}
 
-    /// Gives the file at `path` a second name, so that its replacement is still a single step; where the file system
-    /// has no links, moves it. A file that an interrupted write kept already is not kept again. Returns 0 or an errno
-    /// value. `keptAs` is empty if there is no file.
+    /// Gives the file at `path` a second name, so that its replacement is still one atomic step; on a file system
+    /// without links, moves the file. Does not keep a file again that an interrupted write has kept already. Returns 0
+    /// or an errno value. `keptAs` is empty if there is no file.
     int keep(const std::string& path, std::string& keptAs) const;
     /// Moves the file at `path` and syncs its directory. Returns 0 or an errno value.
     int moveAside(const std::string& path, std::string& keptAs) const;
-    /// Replaces the file at `path`, which is kept, by the kept file `replacement`. Returns 0 or an errno value. If it
-    /// can't be replaced, it stays in its place.
+    /// Replaces the file at `path` with the kept file `replacement`; the replaced file is kept, too. Returns 0 or an
+    /// errno value. If it cannot be replaced, it stays in its place.
     int putBack(const std::string& replacement, const std::string& path) const;
 
     struct KeptName {
         std::string original;
         unsigned long number;
     };
-    /// Takes the path of a kept file apart. `original` is empty if `path` isn't one.
+    /// Splits the path of a kept file into its parts. `original` is empty if `path` is not the path of a kept file.
     static KeptName parse(const std::string& path);
 
 private:

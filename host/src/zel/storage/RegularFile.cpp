@@ -20,20 +20,20 @@ int errorOf(const std::error_code& error) {
     return error.default_error_condition().value();
 }
 
-/// Replaces `path`, at which no file exists, by the name that its dangling links lead to.
+/// Replaces `path`, at which no file exists, with the target of its dangling links.
 int followDanglingLinks(fs::path& path) {
     for (int links = 0; links < longestChain; ++links) {
         std::error_code error;
         const auto next = fs::read_symlink(path, error);
         if (error) {
-            return 0; // No link: this is the name to create.
+            return 0; // not a link: this is the name to create
         }
         path = path.parent_path() / next;
     }
     return ELOOP;
 }
 
-/// Replaces `path` by the file that it names. EEXIST if that is no regular file.
+/// Replaces `path` with the file that its links refer to. Returns EEXIST if that is not a regular file.
 int followLinks(fs::path& path) {
     std::error_code error;
     const auto status = fs::status(path, error);

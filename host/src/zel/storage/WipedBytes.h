@@ -7,7 +7,7 @@
 
 namespace zel::storage {
 
-/// Bytes in the clear, of a fixed number, zeroed before they are freed.
+/// A fixed number of clear-text bytes, zeroed before they are freed.
 class WipedBytes {
 public:
     explicit WipedBytes(std::size_t size) : bytes(size) {}
@@ -24,7 +24,7 @@ private:
     std::vector<unsigned char> bytes;
 };
 
-/// A text that is zeroed, with all its allocation, before it is freed.
+/// A text whose whole allocation is zeroed before it is freed.
 struct WipedText {
     WipedText() = default;
     ~WipedText();
