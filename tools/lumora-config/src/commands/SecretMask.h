@@ -16,9 +16,9 @@ class SecretMask {
 public:
     SecretMask(std::shared_ptr<ZelUnified::ConfigFeatureSet> adapter, bool showAll);
 
-    /// Returns the value, or "VALUE_HIDDEN" if the key is sensitive.
+    /// Returns "VALUE_HIDDEN" if the key is sensitive and secrets are not shown, otherwise the value.
     std::wstring show(const std::wstring& key, const std::wstring& value) const;
-    /// Masks all values of a sensitive key and marks the explanation as sensitive.
+    /// Sets `sensitive`, and masks all values of a sensitive key unless secrets are shown.
     void hide(Explanation& explanation) const;
     void hide(std::vector<ListedValue>& values) const;
 

@@ -7,8 +7,8 @@
 
 namespace lumora_config {
 
-/// Returns why a directory with this access is not trusted, or "" if it is: it belongs to another user who is not root,
-/// or everybody may write it.
+/// Returns "" if a directory with this access is trusted. Otherwise returns the reason: it belongs to another user who
+/// is not root, or everybody may write it.
 std::string whyUntrusted(const KyrCoreUtils::FileAccess& access);
 
 /// Throws Failure (Environment) for the first existing directory that is not trusted.
