@@ -8,7 +8,7 @@
 
 namespace bench {
 
-/// The limit of a lookup through layers: one hash map for each, one hash for all.
+/// The limit of a lookup through layers: one hash map per layer, and one hash map of all layers.
 class BareChain {
 public:
     explicit BareChain(const Workload& workload) {

@@ -8,10 +8,10 @@
 
 namespace bench {
 
-/// AES-256-GCM of the library and nothing else.
+/// Encrypts and decrypts with AES-256-GCM of the library and does nothing else.
 class BareCipher {
 public:
-    /// Enciphers a text, of any length, anew.
+    /// Replaces the ciphertext by that of a text of any length.
     void encipher(const std::string& clear);
     void decipher(std::string& clear);
 

@@ -9,8 +9,8 @@
 
 namespace bench {
 
-/// The limit of persisting: the document's text put together with no more care than its characters need, enciphered,
-/// and written to a file that replaces the last one durably.
+/// The limit of persisting: builds the text of the document with the necessary escaping only, encrypts it, and replaces
+/// the last file durably.
 class BareDurableFile {
 public:
     explicit BareDurableFile(const std::filesystem::path& place) : folder(place) {}

@@ -11,7 +11,7 @@ namespace bench {
 
 namespace {
 
-/// Counts what the parser reports, so that the work is done.
+/// Counts the parser's events, so that the compiler cannot remove the work.
 struct Counts {
     std::size_t elements = 0;
     std::size_t characters = 0;

@@ -7,8 +7,7 @@
 
 namespace bench {
 
-/// The limit of a load: libxml2's parser without a tree over the documents of a workload in the clear, which keeps
-/// nothing of them.
+/// The limit of a load: runs libxml2's parser without a tree over the clear documents of a workload and stores nothing.
 class BareParser {
 public:
     explicit BareParser(const Workload& workload);

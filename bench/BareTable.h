@@ -8,13 +8,13 @@
 
 namespace bench {
 
-/// A key, folded and hashed once for all the tables that it is looked up in.
+/// A key, folded and hashed once for all tables in which it is looked up.
 struct FoldedProbe {
     std::wstring_view folded;
     std::size_t hash;
 };
 
-/// Folds one probe after the other into one buffer. Knows no letters but ASCII's.
+/// Folds one probe after another into one buffer. Folds ASCII letters only.
 class Folder {
 public:
     FoldedProbe operator()(std::wstring_view key) {
@@ -30,7 +30,7 @@ private:
     std::wstring buffer;
 };
 
-// Not noexcept: the library then keeps the hash in each entry, and so never works it out anew while it searches.
+// Not noexcept: the library then stores the hash in each entry and does not compute it again during a search.
 struct FoldedHash {
     using is_transparent = void;
     std::size_t operator()(const std::wstring& key) const { return std::hash<std::wstring>{}(key); }
@@ -43,8 +43,8 @@ struct FoldedEqual {
     bool operator()(const FoldedProbe& probe, const std::wstring& key) const { return probe.folded == key; }
 };
 
-/// The limit of a lookup: the standard library's hash map of folded keys, asked with a probe that is folded and hashed
-/// once. What the product adds to it is the chain, the records, the locks and the guards.
+/// The limit of a lookup: the standard library's hash map of folded keys, with a probe that is folded and hashed once.
+/// The product adds the chain, the records, the locks and the guards.
 using BareTable = std::unordered_map<std::wstring, std::wstring, FoldedHash, FoldedEqual>;
 
 } // namespace bench

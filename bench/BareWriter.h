@@ -9,7 +9,7 @@
 
 namespace bench {
 
-/// The limit of a write: the value set in a hash map that holds the keys of all layers. The workload must outlive it.
+/// The limit of a write: sets the value in a hash map with the keys of all layers. The workload must outlive it.
 class BareWriter {
 public:
     explicit BareWriter(const Workload& written) : workload(written) {

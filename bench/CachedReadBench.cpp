@@ -1,4 +1,4 @@
-// A read of a record, which is all that a client does most of the time, beside one look into a hash map.
+// Compares a read of a record, the most frequent operation of a client, with one lookup in a hash map.
 #include "BareTable.h"
 #include "HostedService.h"
 #include "ProbeWalk.h"

@@ -1,4 +1,4 @@
-// A lookup through the whole chain beside the same lookup in one hash map for each layer.
+// Compares a lookup through the whole chain with the same lookup in one hash map per layer.
 #include "BareChain.h"
 #include "HostedService.h"
 #include "ProbeWalk.h"

@@ -9,7 +9,7 @@ namespace {
 
 std::atomic<std::size_t> liveBytes = 0;
 
-/// The size of each block stands before it.
+/// The size of each block is stored in a header before it.
 constexpr std::size_t headerSize = alignof(std::max_align_t);
 
 } // namespace
@@ -28,7 +28,7 @@ void* operator new(std::size_t size) {
     return block + headerSize;
 }
 
-/// No alignment beyond the usual one is asked for.
+/// No program here needs more than the default alignment.
 void* operator new(std::size_t size, std::align_val_t /*alignment*/) {
     return operator new(size);
 }

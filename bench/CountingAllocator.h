@@ -4,8 +4,8 @@
 
 namespace bench {
 
-/// The bytes that are allocated by `new` at this moment. A program that links CountingAllocator.cpp has the global
-/// operators replaced by counting ones.
+/// Returns the number of bytes currently allocated by `new`. Linking CountingAllocator.cpp replaces the global
+/// operators by counting ones.
 std::size_t getLiveBytes();
 
 } // namespace bench

@@ -13,15 +13,16 @@
 
 namespace bench {
 
-/// The service in the real host, on a profile of its own; the thread that makes it is the services dispatcher's.
+/// The service in the real host, on a temporary profile. The thread that constructs it acts as the services
+/// dispatcher's.
 class HostedService {
 public:
-    /// Without records there is no public service and the chain announces to nobody, which saves a gigabyte where a
-    /// row asks the chain alone.
+    /// Without records there is no public service and the chain has no observer. That saves a gigabyte in rows that
+    /// only use the chain.
     enum class Records { With, Without };
 
-    /// The first layer is the user's own, the last one the defaults of the installation, those between are documents
-    /// that other services handed in. A single layer is such a document.
+    /// The first layer is the user's store, the last one the defaults of the installation; those between are documents
+    /// added by other services. A single layer is such a document.
     explicit HostedService(const std::vector<ZelUnified::ConfigMap>& layers, Records records = Records::With);
     ~HostedService();
     HostedService(const HostedService&) = delete;

@@ -1,5 +1,5 @@
-// What it takes to read eight protected documents, alone and as the start of the whole service, beside parsing the same
-// bytes in the clear without keeping anything.
+// Measures reading eight protected documents, alone and as part of starting the whole service, beside parsing the same
+// clear bytes without storing anything.
 #include "BareParser.h"
 #include "RowSuite.h"
 #include "Workload.h"
@@ -23,7 +23,7 @@ using namespace ZelUnified;
 
 constexpr int firstPriority = 100;
 
-/// The whole service, constructed on the profile that there is.
+/// The whole service, constructed on the existing profile.
 class Service {
 public:
     Service() { InjectConfigService(factory); }
@@ -96,12 +96,12 @@ int main(int argc, char** argv) {
     const auto subjects = std::make_shared<Subjects>();
     const auto parse = [subjects] { return bench::timed([&] { subjects->bareParser().parse(); }); };
     suite.addTimed("3 load of 8 documents of 5000 keys", "stores", 2, [subjects] {
-        Subjects::Stores stores; // given up when the time has been taken
+        Subjects::Stores stores; // destroyed after the time is taken
         return bench::timed([&] { stores = subjects->load(); });
     });
     suite.addTimed("3 load of 8 documents of 5000 keys", "bare parser", 2, parse);
     suite.addTimed("3b start on 8 documents of 5000 keys", "service", 2, [subjects] {
-        std::optional<Service> service; // ends when the time has been taken
+        std::optional<Service> service; // destroyed after the time is taken
         return bench::timed([&] { service.emplace(); });
     });
     suite.addTimed("3b start on 8 documents of 5000 keys", "bare parser", 2, parse);

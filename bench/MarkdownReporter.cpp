@@ -23,7 +23,7 @@ bool isLimit(const std::string& subject) {
     return subject.starts_with("bare");
 }
 
-/// Between the neighbours of the place, as most programs for statistics do it.
+/// Interpolates between the two neighbouring values, as most statistics programs do.
 double quantile(const std::vector<double>& sorted, double part) {
     const double place = part * static_cast<double>(sorted.size() - 1);
     const auto below = static_cast<std::size_t>(place);
@@ -31,7 +31,7 @@ double quantile(const std::vector<double>& sorted, double part) {
     return sorted[below] + (place - std::floor(place)) * (sorted[above] - sorted[below]);
 }
 
-/// Three significant digits at least.
+/// Formats with at least three significant digits.
 std::string toDigits(double number) {
     std::ostringstream text;
     text << std::fixed << std::setprecision(number < 10 ? 2 : number < 100 ? 1 : 0) << number;
@@ -55,7 +55,7 @@ void MarkdownReporter::ReportRuns(const std::vector<Run>& runs) {
         }
     }
     if (runs.front().run_type == Run::RT_Aggregate) {
-        return; // the figures of this table are worked out from the runs themselves
+        return; // this table is computed from the individual runs
     }
     const std::string& name = runs.front().run_name.function_name;
     const auto [row, subject] = toRowAndSubject(name);
@@ -117,7 +117,7 @@ void MarkdownReporter::printLine(const std::string& row, const std::string& subj
 void MarkdownReporter::Finalize() {
     GetOutputStream() << "| row | subject | median | spread | limit | spread | ratio |\n"
                          "| --- | --- | ---: | ---: | ---: | ---: | ---: |\n";
-    // The rounds end in an order of their own.
+    // Rounds do not end in the order of the rows.
     for (const auto& [name, figure] : figures) {
         const auto [row, subject] = toRowAndSubject(name);
         printLine(row, subject, figure);

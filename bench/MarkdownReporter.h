@@ -8,14 +8,14 @@
 
 namespace bench {
 
-/// Prints one Markdown table. A benchmark is named "row/subject"; a subject that begins with "bare" is the limit of its
-/// row, and every other subject of the row gets a line with its own figure, the limit's, and the ratio of the two. Of
-/// repeated runs the median counts, and the spread is half the distance between the quartiles.
+/// Prints one Markdown table. A benchmark is named "row/subject". A subject that begins with "bare" is the limit of its
+/// row; every other subject of the row gets a line with its own figure, the limit's figure, and the ratio. For repeated
+/// runs it prints the median; the spread is half the distance between the quartiles.
 ///
-/// Times are the processor's: on a machine that others share, what waits longest would look slowest. Benchmarks that
-/// wait for a disk ask for the time of the clock (`UseRealTime`).
+/// Times are processor times, since waiting would distort them on a shared machine. Benchmarks that wait for a disk use
+/// the wall clock (`UseRealTime`).
 ///
-/// A run with a counter "bytes" tells bytes instead of time.
+/// A run with a counter "bytes" reports bytes instead of time.
 class MarkdownReporter final : public benchmark::BenchmarkReporter {
 public:
     bool ReportContext(const Context& context) override;
@@ -25,7 +25,7 @@ public:
 private:
     struct Figure {
         double median = 0;
-        double spread = 0; ///< A part of the median.
+        double spread = 0; ///< As a fraction of the median.
         bool inBytes = false;
     };
 
@@ -33,8 +33,8 @@ private:
     static std::string describe(const Figure& figure);
     void printLine(const std::string& row, const std::string& subject, const Figure& figure);
 
-    std::map<std::string, Figure> figures; ///< By the benchmark's name.
-    std::map<std::string, Figure> limits;  ///< By the row.
+    std::map<std::string, Figure> figures; ///< Keyed by the name of the benchmark.
+    std::map<std::string, Figure> limits;  ///< Keyed by the row.
 };
 
 } // namespace bench

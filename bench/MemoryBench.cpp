@@ -1,5 +1,5 @@
-// How many bytes of memory a key takes: as bare text, in a plain map, in the stores, and in the record that follows it.
-// Counted at the allocator, what it asked for; the allocator's own overhead is not in it.
+// Measures the bytes of memory per key: as bare text, in a plain map, in the stores, and in the record of the key.
+// Counts the sizes requested from the allocator, without the allocator's own overhead.
 #include "BareTable.h"
 #include "CountingAllocator.h"
 #include "RowSuite.h"
@@ -33,7 +33,7 @@ ConfigMap makeValues() {
     return values;
 }
 
-/// What `make` leaves allocated, as long as its result lives.
+/// Returns the number of bytes that `make` leaves allocated while its result exists.
 template <typename Make>
 std::size_t measure(Make make) {
     const auto before = bench::getLiveBytes();

@@ -1,4 +1,4 @@
-// What each observer and each notifier connection adds to a change, beside calling a vector of functions.
+// Measures the cost of each observer and each notifier connection per change, beside calling a vector of functions.
 #include "HostedService.h"
 #include "RowSuite.h"
 #include "Workload.h"
@@ -39,7 +39,7 @@ private:
     std::size_t& changes;
 };
 
-/// Three records that nobody, a thousand observers and a thousand connections watch, and a bare vector of functions.
+/// Three records, with no watchers, a thousand observers and a thousand connections, and a bare vector of functions.
 class Subjects {
 public:
     explicit Subjects(std::size_t keys) : workload(1, keys), hosted(workload.getLayers()) {
@@ -75,7 +75,7 @@ private:
         return bench::timed([&] { hosted.featureSet().setInMemoryConfig(key, value); });
     }
 
-    /// What the watchers add to the write, for each of them.
+    /// Returns the time that each watcher adds to a write.
     double perWatcher(const std::wstring& key) {
         ++round;
         const double write = change(unwatched);

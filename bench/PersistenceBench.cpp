@@ -1,5 +1,5 @@
-// What the user's file costs beside what no implementation can do without: parsing and deciphering the same bytes, and
-// writing them durably.
+// Compares the cost of the user's file with the unavoidable work: parsing and decrypting the same bytes, and writing
+// them durably.
 #include "BareCipher.h"
 #include "BareDurableFile.h"
 #include "RowSuite.h"
@@ -34,7 +34,7 @@ constexpr std::size_t keyCount = 5000;
 constexpr std::size_t readsInRound = 1000;
 constexpr int persistsInRound = 20;
 
-/// A user's file of many keys, the same bytes in the clear, and a store on it.
+/// A user's file of many keys, the same bytes in the clear, and a store over the file.
 class Subjects {
 public:
     Subjects() {
@@ -65,7 +65,7 @@ public:
     bench::BareCipher& bareCipher() { return cipher; }
     std::filesystem::path folder() const { return profile.config(); }
 
-    /// A change, without which nothing is written.
+    /// Changes a value, since an unchanged store writes nothing.
     void change() { store->storeValue(keys.front(), std::to_wstring(++changes)); }
 
 private:
@@ -78,7 +78,7 @@ private:
     unsigned long changes = 0;
 };
 
-/// Persists over and over on a thread of its own.
+/// Persists repeatedly on a separate thread.
 class PersistingThread {
 public:
     explicit PersistingThread(Subjects& written)
@@ -135,14 +135,14 @@ void registerPersist(bench::RowSuite& suite, Subjects& subjects) {
                    [&subjects, file] { return bench::timedByClock([&] { file->persist(subjects.getValues()); }); });
 }
 
-/// Times the longest of many reads in a row.
+/// Reports the longest of many consecutive reads.
 void timeLongestRead(benchmark::State& state, Subjects& subjects) {
     std::wstring value;
     std::size_t position = 0;
     while (state.KeepRunning()) {
         std::chrono::steady_clock::duration longest{};
         for (std::size_t i = 0; i < readsInRound; ++i) {
-            position = (position + 1999) % keyCount; // an order that no cache of the processor foresees
+            position = (position + 1999) % keyCount; // an order that the processor cannot prefetch
             const auto begin = std::chrono::steady_clock::now();
             benchmark::DoNotOptimize(subjects.userStore().getValue(subjects.allKeys()[position], value));
             longest = std::max(longest, std::chrono::steady_clock::now() - begin);

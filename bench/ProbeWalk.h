@@ -11,7 +11,7 @@
 
 namespace bench {
 
-/// Asks for one probe after the other, and for the first one again behind the last.
+/// Looks up one probe after another, and starts again after the last.
 template <typename Ask>
 RowSuite::Run walkOver(const std::vector<Probe>& probes, Ask ask) {
     return [&probes, ask, position = std::make_shared<std::size_t>(0)](std::size_t times) {

@@ -15,7 +15,7 @@ namespace bench {
 
 namespace {
 
-/// The timer of the library is asked once for so many calls.
+/// Calls per reading of the library's timer.
 constexpr std::size_t batch = 256;
 constexpr std::size_t countedCalls = 2000;
 constexpr std::size_t countedTimedCalls = 3;
@@ -32,8 +32,8 @@ void require(bool holds, const char* what) {
     }
 }
 
-// The profiler knows these two by their names: it counts inside the first alone, and writes down what it counted
-// whenever it enters the second.
+// The profiler knows these two functions by name: it counts inside the first only, and dumps its counts at each call of
+// the second.
 
 [[gnu::noinline]] void countedSection(const RowSuite::Run& run, std::size_t times) {
     run(times);
@@ -106,7 +106,7 @@ int RowSuite::main() {
     }
     MarkdownReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
-    benchmark::ClearRegisteredBenchmarks(); // gives up the subjects before the folders that they stand on
+    benchmark::ClearRegisteredBenchmarks(); // destroys the subjects before their folders
     return EXIT_SUCCESS;
 }
 
@@ -115,7 +115,7 @@ void RowSuite::countInstructions() const {
         if (name.find("/bare") != std::string::npos) {
             continue;
         }
-        run(countedCalls); // what is made at the first call stands before the count
+        run(countedCalls); // allocations of the first call are excluded from the count
         countedSection(run, countedCalls);
         endOfRow(name);
     }

@@ -9,10 +9,10 @@
 
 namespace bench {
 
-/// Ends the program: a row that answers wrongly is not worth timing.
+/// Ends the program if `holds` is false: a row with wrong answers must not be timed.
 void require(bool holds, const char* what);
 
-/// The seconds of processor time that the work takes.
+/// Returns the processor time of the work in seconds.
 template <typename Work>
 double timed(Work work) {
     const auto begin = std::clock();
@@ -20,7 +20,7 @@ double timed(Work work) {
     return static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC;
 }
 
-/// The seconds by the clock, for work that waits for a disk.
+/// Returns the wall-clock time in seconds, for work that waits for a disk.
 template <typename Work>
 double timedByClock(Work work) {
     const auto begin = std::chrono::steady_clock::now();
@@ -28,16 +28,16 @@ double timedByClock(Work work) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
 }
 
-/// The rows of one program. Each is measured over and over, together with its limit, in an order that is drawn anew
-/// each round, so that a slow spell of the machine meets both.
+/// The rows of one program. Each row is measured repeatedly together with its limit, in a random order per round, so
+/// that a slow phase of the machine affects both.
 ///
-/// With "--growth" the program measures its rows at several sizes; with "--instructions" it runs each of its own
-/// subjects so that a profiler can count (`scripts/bench instructions`).
+/// With "--growth" the program measures its rows at several sizes. With "--instructions" it runs each of its own
+/// subjects under a profiler that counts (`scripts/bench instructions`).
 class RowSuite {
 public:
-    /// Does the work that many times.
+    /// Does the work `times` times.
     using Run = std::function<void(std::size_t times)>;
-    /// Does the work once and tells the seconds that count.
+    /// Does the work once and returns the measured seconds.
     using TimedRun = std::function<double()>;
 
     RowSuite(int argc, char** argv);
@@ -45,13 +45,13 @@ public:
     bool measuresGrowth() const { return growth; }
 
     void add(const std::string& row, const std::string& subject, Run run);
-    /// `calls` of it make a round.
+    /// Adds a timed subject; a round makes `calls` calls.
     void addTimed(const std::string& row, const std::string& subject, int calls, TimedRun run);
 
-    /// A figure that is not a time.
+    /// Adds a figure in bytes instead of a time.
     void addBytes(const std::string& row, const std::string& subject, double bytes);
 
-    /// The program's exit code.
+    /// Measures all rows. Returns the exit code of the program.
     int main();
 
 private:

@@ -1,5 +1,5 @@
-// What the records cost beside the bare thing: a batch of changes beside filling a map, and the construction of the
-// whole service beside reading its one file.
+// Compares the records with plain containers: a batch of changes with filling a map, and the construction of the whole
+// service with reading its one file.
 #include "MarkdownReporter.h"
 #include "SyntheticKeys.h"
 #include "services/impl/InjectConfigService.h"
@@ -33,7 +33,7 @@ void require(bool holds, const char* what) {
     }
 }
 
-/// The service on a factory without threads: this thread is the dispatcher's.
+/// The service on a factory without threads: the calling thread is the dispatcher's.
 class Service {
 public:
     Service() {

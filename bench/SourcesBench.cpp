@@ -1,5 +1,5 @@
-// What it takes to bring sources together: the construction of a chain with cached stores beside reading their files,
-// the arrival of ever larger stores beside filling a map, and a write through the whole road.
+// Measures the combination of sources: the construction of a chain with cached stores beside reading their files, the
+// arrival of stores of growing size beside filling a map, and a write through the whole service.
 #include "BareTable.h"
 #include "RowSuite.h"
 #include "SyntheticKeys.h"
@@ -29,7 +29,7 @@ using namespace ZelUnified;
 constexpr int cachedStores = 10;
 constexpr std::size_t keysInStore = 2000;
 constexpr std::size_t arrivingKeysInRound = 200000;
-/// The stores that the service makes of itself.
+/// The stores that the service creates itself.
 constexpr int initialStores = 5;
 
 void require(bool holds, const char* what) {
@@ -54,7 +54,7 @@ std::shared_ptr<InMemoryConfigStore> makeStore(const std::string& name, int prio
     return store;
 }
 
-/// The service on a factory without threads: this thread is the dispatcher's.
+/// The service on a factory without threads: the calling thread is the dispatcher's.
 class Service {
 public:
     Service() {
@@ -84,7 +84,7 @@ std::string cachePath(const testing_host::TemporaryProfile& profile, int index) 
     return (profile.config() / "Cache" / ("cached" + cacheName(index) + ".dat")).string();
 }
 
-/// Leaves a profile as a run does in which ten services delivered a document, and gives a key of the last one.
+/// Leaves a profile like that of a run in which ten services delivered a document. Returns a key of the last one.
 std::wstring leaveCopies(const testing_host::TemporaryProfile& profile, bench::SyntheticKeys& generator) {
     std::string record;
     std::wstring lastKey;
@@ -137,7 +137,7 @@ public:
         require(!service->getConfig(key)->getisDefined(), "a departure");
         factory->backgroundDispatcher->clear();
     }
-    /// The user's own value, another one each time.
+    /// Writes a new user value in each call.
     void write() {
         const std::wstring value = ++writes % 2 == 0 ? L"even.example.com" : L"odd.example.com";
         service->setConfig(L"ServicesDomain", value);
@@ -148,7 +148,7 @@ private:
     std::size_t writes = 0;
 };
 
-/// What an arrival can't do without: each key looked up in ten tables, and its record set.
+/// The minimum work of an arrival: looks up each key in ten tables and sets its record.
 class BareArrival {
 public:
     BareArrival(bench::SyntheticKeys& generator, const ConfigMap& arriving) : tables(10) {
@@ -162,7 +162,7 @@ public:
     void arrive(const ConfigMap& arriving) {
         for (const auto& entry : arriving) {
             const auto probe = folder(entry.first);
-            const std::wstring* value = &entry.second; // the last table has it too
+            const std::wstring* value = &entry.second; // the last table contains it too
             for (const auto& table : tables) {
                 if (const auto found = table.find(probe); found != table.end()) {
                     value = &found->second;
@@ -184,7 +184,7 @@ private:
     bench::BareTable records;
 };
 
-/// Each on a service of its own, which has made the records when the first arrival is timed.
+/// Uses a separate service for each size, with the records created before the first timed arrival.
 void registerArrival(bench::RowSuite& suite, bench::SyntheticKeys& generator, const ConfigMap& values) {
     const auto row = "8 arrival of " + std::to_string(values.size()) + " keys in a chain of 10";
     const auto calls = static_cast<int>(arrivingKeysInRound / values.size());
@@ -221,13 +221,13 @@ void registerWrites(bench::SyntheticKeys& generator) {
 } // namespace
 
 int main(int argc, char** argv) {
-    const testing_host::ManualClock clock; // the late backup is nobody's business here
+    const testing_host::ManualClock clock; // the delayed backup is not measured
     const testing_host::TemporaryProfile profile;
     bench::SyntheticKeys generator(20240229);
     const std::vector<ConfigMap> arrivals{makeValues(generator, 1000), makeValues(generator, 10000),
                                           makeValues(generator, 100000)};
     bench::RowSuite suite(argc, argv);
-    // The services before the copies that are left for the constructions alone.
+    // Constructs the services before the copies exist, which only the constructions measure.
     for (const auto& values : arrivals) {
         registerArrival(suite, generator, values);
     }

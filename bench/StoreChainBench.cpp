@@ -1,5 +1,5 @@
-// What the chain costs beside the plain containers that a program without sources of different rank would use: one
-// ordered map and one hash map of all keys, both blind to case as the chain is.
+// Compares the chain with the plain containers of a program without prioritized sources: one ordered map and one hash
+// map of all keys, both case-insensitive like the chain.
 #include "MarkdownReporter.h"
 #include "SyntheticKeys.h"
 #include "featuresets/adapters/config/chain/ConfigStoreManager.h"
@@ -27,7 +27,7 @@ using ZelUnified::InMemoryConfigStore;
 constexpr std::size_t storeCount = 8;
 constexpr std::size_t keysInStore = 5000;
 constexpr std::size_t arrivingKeys = 10000;
-/// So many of the arriving keys are known to the first store already, which then goes on answering them.
+/// Number of arriving keys that the first store already contains. That store remains the effective one.
 constexpr std::size_t arrivingKnownKeys = 2500;
 
 struct CaseBlindHash {
@@ -49,7 +49,7 @@ struct CaseBlindEqual {
 
 using HashMap = std::unordered_map<std::wstring, std::wstring, CaseBlindHash, CaseBlindEqual>;
 
-/// Remembers the last value announced for each key.
+/// Records the last announced value of each key.
 class Announcements final : public ZelUnified::ConfigStoreManager_Observer {
 public:
     void onFireIfRequired(std::wstring /*key*/) override { ++fired; }
@@ -75,7 +75,7 @@ void require(bool holds, const char* what) {
     }
 }
 
-/// The chain and the containers with the same contents, and the keys to ask for.
+/// The chain and the containers with the same contents, and the keys to look up.
 class Subjects {
 public:
     Subjects() {
@@ -112,7 +112,7 @@ private:
         for (const auto& key : storeKeys) {
             const auto value = generator.makeValue();
             store->storeValue(key, value);
-            // The first store that holds a key answers it, and the stores are made in their order.
+            // The first store that contains a key determines its value; the stores are created in that order.
             ordered.emplace(key, value);
             hashed.emplace(key, value);
         }
@@ -172,10 +172,10 @@ private:
 
 using Keys = std::vector<std::wstring>;
 
-/// Asks for the keys in an order that no cache of the processor foresees.
+/// Looks up the keys in an order that the processor cannot prefetch.
 template <typename Ask>
 void lookUp(benchmark::State& state, const Keys& keys, Ask ask) {
-    constexpr std::size_t stride = 1999; // prime to the number of keys
+    constexpr std::size_t stride = 1999; // coprime to the number of keys
     std::size_t position = 0;
     std::wstring value;
     while (state.KeepRunning()) {
@@ -209,7 +209,7 @@ void registerLookup(const std::string& name, Subjects& subjects, const Keys& key
                                  });
 }
 
-/// Times `arrive` alone; `leave` puts things back.
+/// Times `arrive` only; `leave` restores the state.
 void timeArrival(benchmark::State& state, const std::function<void()>& arrive, const std::function<void()>& leave) {
     while (state.KeepRunning()) {
         const auto begin = std::chrono::steady_clock::now();

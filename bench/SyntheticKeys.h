@@ -9,8 +9,8 @@
 
 namespace bench {
 
-/// Makes keys and values that look like a client's: camel case of 10 to 35 letters with many common beginnings, values
-/// of 5 to 60. The same seed gives the same ones on every machine. No key is given twice, ignoring case.
+/// Generates keys and values that resemble a client's: camel case of 10 to 35 letters with many common prefixes, and
+/// values of 5 to 60 characters. Equal seeds give equal results on every machine. No two keys are equal ignoring case.
 class SyntheticKeys {
 public:
     explicit SyntheticKeys(std::uint32_t seed) : engine(seed) {}
@@ -20,7 +20,7 @@ public:
     std::wstring makeValue();
 
 private:
-    // The distributions of the standard library differ from one to the next; the engine doesn't.
+    // The distributions differ between standard libraries; the engine does not.
     std::size_t below(std::size_t limit) { return engine() % limit; }
 
     std::mt19937 engine;

@@ -12,7 +12,7 @@ namespace bench {
 namespace {
 
 constexpr std::uint32_t seed = 20240229;
-/// Of a hundred keys of a layer so many are those of an earlier one.
+/// The percentage of a layer's keys that an earlier layer contains too.
 constexpr std::size_t overlapPercent = 30;
 
 } // namespace

@@ -12,15 +12,15 @@ namespace bench {
 
 class SyntheticKeys;
 
-/// A key to ask for, in mixed case, and what the answer must be.
+/// A key to look up, in mixed case, and the expected value.
 struct Probe {
     std::wstring key;
     std::wstring value;
 };
 
-/// Layers of keys, of which three in ten stand in an earlier layer as well, and probes in an order that no cache of the
-/// processor foresees. The first layer that holds a key answers it; the answers are worked out by a plain map, apart
-/// from all that is measured. The same on every machine.
+/// Layers of keys, three in ten of which are in an earlier layer too, and probes in an order that the processor cannot
+/// prefetch. The first layer that contains a key determines the value. A plain map computes the expected values
+/// independently of the measured code. The same on every machine.
 class Workload {
 public:
     static constexpr std::size_t hotKeys = 64;
@@ -29,11 +29,11 @@ public:
     Workload(std::size_t layerCount, std::size_t keysInLayer);
 
     const std::vector<ZelUnified::ConfigMap>& getLayers() const { return layers; }
-    /// One for each key of the union of all layers.
+    /// One probe for each key of the union of all layers.
     const std::vector<Probe>& getHits() const { return hits; }
-    /// A few of them.
+    /// A small subset of the hits.
     const std::vector<Probe>& getHotHits() const { return hotHits; }
-    /// Keys that no layer holds; their values are empty.
+    /// Keys that no layer contains; their values are empty.
     const std::vector<Probe>& getMisses() const { return misses; }
 
 private:

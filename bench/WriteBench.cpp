@@ -1,5 +1,5 @@
-// A write on the services dispatcher's thread, announced and in its record when it returns, beside setting a value in a
-// hash map. The file is written elsewhere and later, and not here.
+// Compares a write on the services dispatcher's thread, including the announcement and the update of its record, with
+// setting a value in a hash map. The file is written later on another thread and not measured.
 #include "BareWriter.h"
 #include "RowSuite.h"
 #include "Workload.h"
@@ -21,7 +21,7 @@ namespace {
 
 using namespace ZelUnified;
 
-/// A service whose background tasks are dropped, and a table; both hold the keys of eight layers.
+/// A service whose background tasks are dropped, and a table. Both contain the keys of eight layers.
 class Subjects {
 public:
     explicit Subjects(std::size_t keys) : workload(8, keys) {

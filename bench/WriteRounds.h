@@ -6,7 +6,7 @@
 
 namespace bench {
 
-/// Sets one key after the other, in each round to another value than in the round before.
+/// Sets one key after another, with a different value in each round.
 template <typename Text>
 class WriteRounds {
 public:
@@ -17,7 +17,8 @@ public:
 
     explicit WriteRounds(std::size_t keyCount) : keys(keyCount) {}
 
-    /// Hands so many numbers of keys and their values to `set`, behind those of the last call; returns the last write.
+    /// Calls `set` with the next so many key numbers and values, continuing after the last call. Returns the last
+    /// write.
     template <typename Set>
     Write run(std::size_t times, Set set) {
         for (; times > 0; --times, ++writes) {

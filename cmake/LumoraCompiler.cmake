@@ -1,4 +1,4 @@
-# Language level, warnings and instrumentation, the same for every target of the tree.
+# Language level, warnings and instrumentation for every target of the tree.
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
@@ -8,11 +8,12 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 
-# The build tree's programs find its libraries from where they are.
+# The build tree's programs find its libraries relative to their own location.
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
 
-# lumora_set_runpath(TARGET FOLDERS...): the RUNPATH of an installed target, the same in the build tree. If both differed,
-# CMake would add an empty element to the build tree's, and for that the loader searches the working directory.
+# lumora_set_runpath(TARGET FOLDERS...): sets the RUNPATH of an installed target, the same in the build tree. If both
+# differed, CMake would add an empty element to that of the build tree, and the loader would search the working
+# directory.
 function(lumora_set_runpath target)
   set(folders ${ARGN})
   list(REMOVE_DUPLICATES folders)
@@ -21,16 +22,17 @@ endfunction()
 
 find_program(CCACHE_PROGRAM ccache)
 if(CCACHE_PROGRAM AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
-  # Precompiled headers make ccache miss unless it may overlook their time stamps and definitions.
+  # Precompiled headers make ccache miss unless it ignores their time stamps and definitions.
   set(ccache_settings CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime)
   if(NOT LUMORA_COVERAGE)
-    # One clone finds what another one compiled. Coverage notes the folder it was built in.
+    # All clones share their compiled objects. Coverage records the folder of the build.
     list(APPEND ccache_settings CCACHE_BASEDIR=${CMAKE_SOURCE_DIR} CCACHE_NOHASHDIR=1)
   endif()
   set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env ${ccache_settings} ${CCACHE_PROGRAM})
 endif()
 
-# The quickest linker that is installed. Most of what is linked is debug information, which the usual one handles slowly.
+# Selects the fastest installed linker. Most of the linked data is debug information, which the default linker handles
+# slowly.
 include(CheckLinkerFlag)
 get_directory_property(chosen_options LINK_OPTIONS)
 foreach(linker mold lld)
@@ -47,7 +49,7 @@ endforeach()
 if(MSVC)
   add_compile_options(/W4 /WX /utf-8 /permissive- /Zc:__cplusplus)
 else()
-  # Log lines and assertions name files by their place in the tree, not on a machine; ccache makes the paths relative.
+  # Log lines and assertions contain file paths relative to the tree; ccache makes the paths relative.
   file(RELATIVE_PATH root_from_build ${CMAKE_BINARY_DIR} ${CMAKE_SOURCE_DIR})
   add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror
                       -fmacro-prefix-map=${CMAKE_SOURCE_DIR}/= -fmacro-prefix-map=${root_from_build}=)
@@ -65,9 +67,10 @@ if(LUMORA_COVERAGE)
   add_link_options(--coverage)
 endif()
 
-# Headers that most sources include, directly or not: parsing them is half of the time of an average source. Compiled once
-# for the libraries that call lumora_use_prelude. Executables cannot use it: their code is of another kind. A library must
-# not have a header of its own instead: the linker would be given it among the objects of the library.
+# Headers that most sources include, directly or not; parsing them takes half of the time of an average source. They are
+# compiled once for the libraries that call lumora_use_prelude. Executables cannot use them: they are compiled with other
+# code generation options. A library must not have a precompiled header of its own: the linker would get it among the
+# objects of the library.
 add_library(lumora_prelude OBJECT ${CMAKE_CURRENT_LIST_DIR}/Prelude.cpp)
 target_precompile_headers(lumora_prelude PRIVATE
   <algorithm> <array> <atomic> <chrono> <filesystem> <fstream> <functional> <list> <map> <memory> <mutex> <optional> <set>

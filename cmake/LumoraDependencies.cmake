@@ -1,4 +1,4 @@
-# Everything comes from the system's packages; scripts/dependencies names them. Nothing is downloaded here.
+# All dependencies are packages of the system; scripts/dependencies lists them. Nothing is downloaded here.
 find_package(Threads REQUIRED)
 find_package(LibXml2 REQUIRED)
 find_package(OpenSSL REQUIRED COMPONENTS Crypto)

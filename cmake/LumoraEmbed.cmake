@@ -1,8 +1,9 @@
-# Writes a C++ file with the bytes of another file in it: cmake -DINPUT=... -DOUTPUT=... -DFUNCTION=... -DHEADER=... -P
-# FUNCTION is declared by HEADER in namespace lumora_config and gives a std::string_view.
+# Writes a C++ file that contains the bytes of another file:
+# cmake -DINPUT=... -DOUTPUT=... -DFUNCTION=... -DHEADER=... -P
+# HEADER declares FUNCTION in namespace lumora_config; the function returns a std::string_view.
 file(READ ${INPUT} bytes HEX)
 string(LENGTH "${bytes}" digits)
-math(EXPR count "${digits} / 2") # told, since some compilers can't deduce so many
+math(EXPR count "${digits} / 2") # explicit because some compilers can't deduce so many elements
 string(REGEX REPLACE "([0-9a-f][0-9a-f])" "'\\\\x\\1'," bytes "${bytes}")
 string(REGEX REPLACE "('[^']+',('[^']+',)?('[^']+',)?('[^']+',)?('[^']+',)?('[^']+',)?('[^']+',)?('[^']+',)?)" "\\1\n" bytes "${bytes}")
 file(WRITE ${OUTPUT}

@@ -1,6 +1,6 @@
-# lumora_add_fuzz(NAME SOURCES... [LIBRARIES...]): a reader of foreign bytes behind LLVMFuzzerTestOneInput.
-# With LUMORA_BUILD_FUZZ it is a libFuzzer program; with the tests, a program that replays fuzz/corpus/NAME, so that
-# the corpus and past crashes are checked in every run.
+# lumora_add_fuzz(NAME SOURCES... [LIBRARIES...]): adds a fuzz target with LLVMFuzzerTestOneInput. With
+# LUMORA_BUILD_FUZZ it is a libFuzzer program; with the tests, a program that replays fuzz/corpus/NAME, so that every
+# run checks the corpus and past crashes.
 function(lumora_add_fuzz name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES" ${ARGN})
   set(corpus ${CMAKE_SOURCE_DIR}/fuzz/corpus/${name})
@@ -19,7 +19,7 @@ function(lumora_add_fuzz name)
   target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES})
 endfunction()
 
-# Leaves the names of the targets where scripts/fuzz reads them.
+# Writes the names of the targets to the file that scripts/fuzz reads.
 function(lumora_write_fuzz_targets)
   get_property(targets GLOBAL PROPERTY LUMORA_FUZZ_TARGETS)
   list(JOIN targets "\n" lines)

@@ -1,6 +1,6 @@
-# What `cmake --install` lays down, in three components, each a Debian package (LumoraPackages): runtime, the host and the
-# plug-in; program, lumora-config; development, headers and what find_package(LumoraConfig) and pkg-config need.
-# The plug-in lies in a folder of its own, since a host takes plug-ins from its plug-in folder only.
+# Installs three components, each a Debian package (LumoraPackages): runtime, the host and the plug-in; program,
+# lumora-config; development, headers and the files of find_package(LumoraConfig) and pkg-config. The plug-in is in a
+# folder of its own, since a host loads plug-ins from its plug-in folder only.
 include(CMakePackageConfigHelpers)
 
 set(lumora_include_folder ${CMAKE_INSTALL_INCLUDEDIR}/lumora)
@@ -29,7 +29,7 @@ write_basic_package_version_file(${CMAKE_BINARY_DIR}/LumoraConfigConfigVersion.c
 install(FILES ${CMAKE_BINARY_DIR}/LumoraConfigConfig.cmake ${CMAKE_BINARY_DIR}/LumoraConfigConfigVersion.cmake
         DESTINATION ${lumora_package_folder} COMPONENT development)
 
-# The prefix is found from where the file lies, so that a tree can be installed anywhere, or moved.
+# The prefix is computed from the location of the file, so that a tree can be installed anywhere, or moved.
 file(RELATIVE_PATH lumora_prefix_from_pkgconfig
   ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
 configure_file(${CMAKE_CURRENT_LIST_DIR}/lumora-config.pc.in ${CMAKE_BINARY_DIR}/lumora-config.pc @ONLY)

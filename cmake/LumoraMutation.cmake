@@ -1,13 +1,13 @@
-# For scripts/mutate, as CMAKE_PROJECT_INCLUDE: the test programs take the service from one shared library, so that a
-# mutant costs one object and one link, and its sources are compiled as quickly as possible.
+# For scripts/mutate, as CMAKE_PROJECT_INCLUDE: the test programs link the service as one shared library, so that a
+# mutant costs one object and one link, and the sources are compiled as fast as possible.
 add_link_options(-fuse-ld=gold)
 set(CMAKE_LINK_DEPENDS_NO_SHARED ON)
-# The prelude is compiled with other options than the service is here.
+# The service is compiled here with other options than the prelude.
 set(LUMORA_WITHOUT_PRELUDE configservice_core)
 
 function(lumora_share_the_service)
   target_compile_options(configservice_core PRIVATE -w -O0 -g0 -fvisibility=default -fno-visibility-inlines-hidden)
-  # A race is seen only by code that is instrumented.
+  # Only instrumented code detects a race.
   if(NOT LUMORA_SANITIZER MATCHES "thread")
     target_compile_options(configservice_core PRIVATE -fno-sanitize=all)
   endif()
@@ -18,7 +18,7 @@ function(lumora_share_the_service)
   target_link_libraries(mutated_service PRIVATE lumora_host LibXml2::LibXml2 OpenSSL::Crypto)
   set(libraries mutated_service host_testing LibXml2::LibXml2 OpenSSL::Crypto)
   set_target_properties(configservice_test_base PROPERTIES INTERFACE_LINK_LIBRARIES "${libraries};configservice_core")
-  # A library that named the objects as one of its own would contain them.
+  # The test libraries must not link the objects, or they would contain them.
   set_target_properties(config_model PROPERTIES LINK_LIBRARIES "${libraries}" INTERFACE_LINK_LIBRARIES "${libraries}")
   target_include_directories(config_model PUBLIC
     $<TARGET_PROPERTY:configservice_core,INTERFACE_INCLUDE_DIRECTORIES>)

@@ -1,4 +1,4 @@
-# Debian packages, one for each component, made by `scripts/package` with CPack.
+# Debian packages, one per component; `scripts/package` builds them with CPack.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME lumora-config)
 set(CPACK_PACKAGE_VENDOR Lumora)
@@ -10,7 +10,7 @@ set(CPACK_COMPONENTS_ALL runtime development program)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-# The libraries of one package serve the others of the same build.
+# The libraries of one package satisfy dependencies of the others in the same build.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_BINARY_DIR}/lib)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS OFF)

@@ -1,4 +1,5 @@
-// The table of a bootstrap file is trimmed, answers each of its keys, and survives being written as one line a key.
+// The table of a bootstrap file is trimmed, contains each of its keys, and is unchanged after it is written with one
+// line per key and read again.
 #include "Require.h"
 
 #include <kyr/StringUtils.h>
@@ -35,11 +36,11 @@ ConfigMap read(const std::string& bytes) {
 
 } // namespace
 
-// The name is libFuzzer's.
+// libFuzzer prescribes the name.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data,
                                       std::size_t size) { // NOLINT(readability-identifier-naming)
     const ConfigMap values = read(std::string(reinterpret_cast<const char*>(data), size));
-    // The comment stands where a byte order mark would be taken off.
+    // The comment occupies the position where a byte order mark would be removed.
     std::string written = "# written again\n";
     for (const auto& [key, value] : values) {
         written += KyrCoreUtils::toString(key) + ":" + KyrCoreUtils::toString(value) + "\r\n";

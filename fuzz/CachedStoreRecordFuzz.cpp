@@ -1,4 +1,4 @@
-// The record of cached stores survives being read and written, and taking a store out of it makes it shorter.
+// The record of cached stores is unchanged after it is written and read again. Removing a store shortens it.
 #include "Require.h"
 #include "featuresets/adapters/config/cache/CachedStoreRecord.h"
 
@@ -10,7 +10,7 @@
 using fuzz::require;
 using ZelUnified::CachedStoreRecord;
 
-// The name is libFuzzer's.
+// libFuzzer prescribes the name.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data,
                                       std::size_t size) { // NOLINT(readability-identifier-naming)
     const auto record = KyrCoreUtils::toWideString(std::string_view(reinterpret_cast<const char*>(data), size));

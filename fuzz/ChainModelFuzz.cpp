@@ -1,4 +1,4 @@
-// Whatever calls the bytes stand for, the manager of the chain and the model of its rules answer and announce the same.
+// For any sequence of calls encoded by the bytes, the manager of the chain and the model return and announce the same.
 #include <ChainScript.h>
 #include <ChainStep.h>
 #include <TemporaryProfile.h>
@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <iostream>
 
-// The name is libFuzzer's.
+// libFuzzer prescribes the name.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data,
                                       std::size_t size) { // NOLINT(readability-identifier-naming)
     static const testing_host::TemporaryProfile profile;

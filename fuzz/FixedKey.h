@@ -6,7 +6,7 @@
 
 namespace fuzz {
 
-/// One key for all, so that a protected file in a corpus stays readable.
+/// Returns one fixed key, so that the protected files of a corpus stay readable.
 class FixedKey final : public zel::storage::KeyProvider {
 public:
     zel::storage::KeyResult find(zel::storage::FileCategoryType::FileCategory, zel::storage::MasterKey& key) override {

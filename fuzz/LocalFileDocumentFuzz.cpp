@@ -1,4 +1,4 @@
-// Whatever is read from a local file's document is written in a form that reads back as the same table.
+// A table read from any local document is equal after it is written and read again.
 #include "Require.h"
 #include "featuresets/adapters/config/stores/LocalFileDocument.h"
 #include "secure/SecureString.h"
@@ -16,7 +16,7 @@ using ZelUnified::XmlReader;
 
 namespace {
 
-/// The library's own limits refuse very long values when they come back.
+/// The library refuses very long values when it reads them again.
 constexpr std::size_t comparedLength = 1'000'000;
 
 std::string write(const ConfigMap& values) {
@@ -36,7 +36,7 @@ bool isSame(const ConfigMap& a, const ConfigMap& b) {
 
 } // namespace
 
-// The name is libFuzzer's.
+// libFuzzer prescribes the name.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data,
                                       std::size_t size) { // NOLINT(readability-identifier-naming)
     const auto document = XmlReader::parseDoc(std::string(reinterpret_cast<const char*>(data), size));

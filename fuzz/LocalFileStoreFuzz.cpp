@@ -1,5 +1,5 @@
-// Two files with anything in them, of which the first three bytes tell how they are laid out. A store on them never
-// writes over the one file that can be read while the other one can't, and the next store has what was written.
+// Two files with arbitrary content; the first three bytes determine their layout. A store over them never overwrites
+// the only readable file, and the next store reads what was written.
 #include "FixedKey.h"
 #include "Require.h"
 #include "secure/SecureString.h"
@@ -33,12 +33,12 @@ enum Layout : unsigned { MainIsSealed = 1, BackupIsSealed = 2, MainIsAbsent = 4,
 constexpr const char* userStore = "LocalFileConfigStore";
 constexpr std::size_t headLength = 3;
 
-/// The user's two files, and the plain one of the installation.
+/// The user's two files, and the plain file of the installation.
 class Files {
 public:
     Files() { EncryptFileUtils::overrideKeyProvider(std::make_shared<fuzz::FixedKey>()); }
 
-    /// Without syncs, which an emulated power cut alone would miss.
+    /// Deletes all files. Uses a layer without syncs, which matter only to an emulated power failure.
     void clear() {
         EncryptFileUtils::overrideFileLayer(std::make_shared<testing_host::FaultInjectingFileLayer>());
         for (const auto& entry : fs::directory_iterator(profile.config())) {
@@ -105,7 +105,7 @@ void checkUserFiles(unsigned layout, const std::string& mainBytes, const std::st
     requireSame(*store, *next);
 }
 
-/// A plain file stays, or is set aside whole.
+/// Checks that a plain file is unchanged or moved aside as a whole.
 void checkPlainFile(const std::string& bytes) {
     const fs::path file = files().folder() / "lumora-config-defaults.xml";
     const fs::path aside = files().folder() / "lumora-config-defaults-backup.xml";
@@ -119,7 +119,7 @@ void checkPlainFile(const std::string& bytes) {
 
 } // namespace
 
-// The name is libFuzzer's.
+// libFuzzer prescribes the name.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data,
                                       std::size_t size) { // NOLINT(readability-identifier-naming)
     if (size < headLength) {

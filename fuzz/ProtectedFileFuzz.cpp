@@ -1,5 +1,5 @@
-// The first byte tells what the others are: a whole protected file, a content, the header before a good ciphertext, or
-// a key file. Nothing but what was sealed is ever opened.
+// The first byte selects the meaning of the others: a whole protected file, a content, the header of a good ciphertext,
+// or a key file. Only content that was encrypted is ever returned.
 #include "FixedKey.h"
 #include "Require.h"
 
@@ -40,7 +40,7 @@ const MasterKey& key() {
     return *fixed;
 }
 
-/// The content, or nothing when the file is refused.
+/// Returns the content, or nothing if the file is refused.
 std::optional<std::string> open(std::string_view file, FileCategory category) {
     std::optional<std::string> content;
     const auto outcome =
@@ -93,7 +93,7 @@ void checkKeyFile(std::string_view bytes) {
 
 } // namespace
 
-// The name is libFuzzer's.
+// libFuzzer prescribes the name.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data,
                                       std::size_t size) { // NOLINT(readability-identifier-naming)
     if (size == 0) {

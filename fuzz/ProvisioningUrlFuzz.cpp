@@ -1,4 +1,5 @@
-// A provisioning link gives trimmed, undecoded pairs of known keys, the same ones when they are put in a link again.
+// A provisioning link gives trimmed, undecoded pairs of known keys, and the same pairs after they are put into a link
+// again.
 #include "Require.h"
 #include "featuresets/adapters/config/chain/UrlProvisioningData.h"
 
@@ -18,7 +19,7 @@ constexpr std::size_t knownKeys = 23;
 
 } // namespace
 
-// The name is libFuzzer's.
+// libFuzzer prescribes the name.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data,
                                       std::size_t size) { // NOLINT(readability-identifier-naming)
     const auto url = KyrCoreUtils::toWideString(std::string_view(reinterpret_cast<const char*>(data), size));

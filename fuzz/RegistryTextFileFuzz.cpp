@@ -1,4 +1,5 @@
-// Whatever is read must be written in a form that reads back as the same keys, and cut to nothing but the rest.
+// Any file that is read gives the same keys after it is written and read again, and no keys after all of them are
+// removed.
 #include "Require.h"
 
 #include <registry/RegistryTextFile.h>
@@ -18,7 +19,7 @@ bool isSame(const RegistryTextSection& a, const RegistryTextSection& b) {
 
 } // namespace
 
-// The name is libFuzzer's.
+// libFuzzer prescribes the name.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data,
                                       std::size_t size) { // NOLINT(readability-identifier-naming)
     const std::string_view bytes(reinterpret_cast<const char*>(data), size);

@@ -1,4 +1,4 @@
-// Feeds every file of the folders named to a fuzz target: its corpus as an ordinary test.
+// Passes every file of the given folders to a fuzz target, so that its corpus is an ordinary test.
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -7,7 +7,7 @@
 #include <iterator>
 #include <string>
 
-// The name is libFuzzer's.
+// libFuzzer prescribes the name.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data,
                                       std::size_t size); // NOLINT(readability-identifier-naming)
 

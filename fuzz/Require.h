@@ -4,7 +4,7 @@
 
 namespace fuzz {
 
-/// What must hold for any input. Ends the process otherwise, so that the fuzzer keeps the input.
+/// Ends the process if the condition is false, so that the fuzzer keeps the input.
 inline void require(bool held) {
     if (!held) {
         std::abort();

@@ -1,4 +1,4 @@
-// Whatever calls the bytes stand for, the whole service and the model of its rules answer and show the same.
+// For any sequence of calls encoded by the bytes, the whole service and the model return and show the same.
 #include <ServiceScript.h>
 #include <ServiceStep.h>
 
@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <iostream>
 
-// The name is libFuzzer's.
+// libFuzzer prescribes the name.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data,
                                       std::size_t size) { // NOLINT(readability-identifier-naming)
     const auto difference = config_model::compareServices(config_model::readServiceSteps({data, size}));

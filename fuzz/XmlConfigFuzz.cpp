@@ -1,5 +1,5 @@
-// A document gives the same table from memory, from a plain file and from a protected one, and the table survives its
-// own document.
+// A document gives the same table from memory, from a plain file and from a protected one, and again after the table is
+// written.
 #include "Require.h"
 #include "featuresets/adapters/config/xml/XmlConfigParser.h"
 #include "model/UnsyncedFiles.h"
@@ -38,14 +38,14 @@ void requireSameFromProtectedFile(const std::string& text, const ConfigMap& valu
     ConfigMap fromFile;
     ConfigKeySet sensitiveInFile;
     const bool isRead = XmlConfigParser::readFromEncryptedFile(path, fromFile, sensitiveInFile);
-    // Its text ends at a zero, which only other encodings have.
+    // The reader ends the text at a zero byte, which occurs only in other encodings.
     require(isRead || (text.find('\0') != std::string::npos && fromFile.empty()));
     require(!isRead || (fromFile == values && sensitiveInFile == sensitive));
 }
 
 } // namespace
 
-// The name is libFuzzer's.
+// libFuzzer prescribes the name.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data,
                                       std::size_t size) { // NOLINT(readability-identifier-naming)
     const std::string text(reinterpret_cast<const char*>(data), size);

@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# What run, test and .ci/run share. Sourced with the working directory at the root of the tree.
+# Functions of run, test and .ci/run. Source it with the working directory at the root of the tree.
 
 say() { printf '%s\n' "$*" >&2; }
 
@@ -10,7 +10,8 @@ fail() {
   exit "$status"
 }
 
-# How many compilers at once: the cores, fewer where memory is short (an instrumented test file takes over a gigabyte).
+# Prints the number of parallel compilers: the number of cores, or fewer if memory is short (an instrumented test file
+# takes over a gigabyte).
 jobs_at_once() {
   local cores memory
   cores=$(nproc)
@@ -21,24 +22,24 @@ jobs_at_once() {
 
 configure() {
   local -r preset=$1 tree=build/$1
-  # Ninja configures anew by itself when a CMake file changed, but knows nothing of the presets.
+  # Ninja configures again if a CMake file has changed, but does not know the presets.
   if [ ! -e "$tree/build.ninja" ] || [ CMakePresets.json -nt "$tree/build.ninja" ]; then
     cmake --preset "$preset" && touch "$tree/build.ninja"
   fi
 }
 
-# build PRESET [TARGET...]: configures where needed and builds. Two commands on one tree wait for each other.
+# build PRESET [TARGET...]: configures if needed and builds. Two commands on one tree wait for each other.
 build() {
   local -r preset=$1
   shift
   mkdir -p build
   if [ $# -gt 0 ]; then set -- --target "$@"; fi
-  # Chained, not left to errexit, which is off inside a condition.
+  # Uses && because errexit is off inside a condition.
   (flock 9 && configure "$preset" && cmake --build --preset "$preset" --parallel "$(jobs_at_once)" "$@") \
     9>"build/$preset.lock"
 }
 
-# quietly LOG COMMAND...: shows what the command printed only when it fails, on standard error.
+# quietly LOG COMMAND...: prints the command's output on standard error, but only if it fails.
 quietly() {
   local -r log=$1
   shift
@@ -48,12 +49,12 @@ quietly() {
   return 1
 }
 
-# The C++ files of the tree, NUL after each. Not asked of git: an unpacked archive has none.
+# Prints the C++ files of the tree, each followed by NUL. Does not use git because an unpacked archive has none.
 sources() {
   find bench examples fuzz host services tools \( -name '*.cpp' -o -name '*.h' \) -print0 | sort -z
 }
 
-# The shell scripts of the tree, NUL after each.
+# Prints the shell scripts of the tree, each followed by NUL.
 shell_scripts() {
   {
     printf '%s\0' run test

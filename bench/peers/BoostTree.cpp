@@ -21,7 +21,7 @@ public:
     }
 
     std::optional<std::string> read(const std::string& key) override {
-        const auto found = tree.find(key); // its map; get() would parse the key as a path
+        const auto found = tree.find(key); // the tree's map; get() would parse the key as a path
         return found == tree.not_found() ? std::nullopt : std::optional(found->second.data());
     }
 

@@ -51,7 +51,7 @@ Object<GSettings> openSettings(const std::filesystem::path& folder, GSettingsSch
     return settings;
 }
 
-/// A key that is not declared in the schema ends the program, so whether there is one is asked first.
+/// The library aborts on a key that the schema does not declare, so the key is checked first.
 class GlibSettings final : public Peer {
 public:
     GlibSettings(const std::filesystem::path& folder, OpenBackend openBackend)
@@ -72,14 +72,14 @@ public:
     void set(const std::string& key, const std::string& value) override {
         announced = false;
         require(g_settings_set_string(settings.get(), key.c_str(), value.c_str()), "a value of GSettings");
-        while (g_main_context_iteration(context.get(), FALSE)) { // it tells of changes from the main loop
+        while (g_main_context_iteration(context.get(), FALSE)) { // the library reports changes from the main loop
         }
         require(announced, "an announcement of GSettings");
     }
 
     void persist() override { g_settings_sync(); }
 
-    /// All at once, as each change would write the whole file.
+    /// Sets all values at once, since each change would write the whole file.
     void setAll(const PeerLayer& layer) {
         g_settings_delay(settings.get());
         for (const auto& [key, value] : layer) {
@@ -92,12 +92,12 @@ private:
     static void onChanged(GSettings* /*settings*/, const gchar* /*key*/, gboolean* announced) { *announced = TRUE; }
 
     gboolean announced = FALSE;
-    const MainContext context{g_main_context_new()}; // of its own: others wait for their events elsewhere
+    const MainContext context{g_main_context_new()}; // a separate context: other objects wait for events on theirs
     const Schema schema;
     const Object<GSettings> settings;
 };
 
-/// Declares the keys, with the values or with none as their defaults.
+/// Declares the keys in a schema, with the values or nothing as their defaults.
 void declare(const PeerLayer& layer, bool withValues, const std::filesystem::path& folder) {
     std::ofstream xml(folder / "bench.gschema.xml");
     xml << "<schemalist><schema id=\"bench.settings\" path=\"/bench/\">\n";

@@ -5,8 +5,8 @@
 
 namespace bench {
 
-/// One layer of keys in another library, read from the file that the library itself wrote. Keys are in lower case:
-/// most of these libraries tell cases apart, so whoever asks folds the key first.
+/// One layer of keys in another library, read from a file that the library itself wrote. Keys are in lower case: most
+/// of these libraries are case-sensitive, so the caller folds the key first.
 class Peer {
 public:
     virtual ~Peer() = default;
@@ -14,14 +14,13 @@ public:
     Peer(const Peer&) = delete;
     Peer& operator=(const Peer&) = delete;
 
-    /// What the library hands out, as the client's own text; empty on a miss.
+    /// Returns the value as text of the client, or nothing if the key does not exist.
     virtual std::optional<std::string> read(const std::string& key) = 0;
 
-    /// Sets the value of a key that there is. Whoever listens has heard of it when this returns, where the library
-    /// tells of changes.
+    /// Sets the value of an existing key. If the library reports changes, listeners have been called when this returns.
     virtual void set(const std::string& key, const std::string& value) = 0;
 
-    /// Brings what was set into the file, as durably as the library does it.
+    /// Writes the changes to the file, as durably as the library does.
     virtual void persist() = 0;
 };
 

@@ -11,13 +11,13 @@
 
 namespace bench {
 
-/// The layers of a workload in one library: an object for each, asked in the order of the layers.
+/// The layers of a workload in one library: one object per layer, searched in order.
 class PeerChain {
 public:
-    /// Leaves the files of the layers in the folder.
+    /// Writes the files of the layers to the folder.
     static void write(const PeerLibrary& library, const Workload& workload, const std::filesystem::path& folder);
 
-    /// Opens the files of so many layers.
+    /// Opens the files of the first `layers` layers.
     PeerChain(const PeerLibrary& library, std::size_t layers, const std::filesystem::path& folder);
 
     /// Compares every answer with that of the workload.
@@ -25,10 +25,10 @@ public:
 
     std::string read(const std::wstring& key);
 
-    /// The first object that has the key.
+    /// Returns the first object that contains the key.
     Peer& holderOf(const std::wstring& key);
 
-    /// The key as the peers know it; valid until the next call.
+    /// Returns the key in lower case, valid until the next call.
     const std::string& fold(const std::wstring& key);
 
 private:

@@ -7,19 +7,19 @@
 
 namespace bench {
 
-/// The files of one library in a folder of their own: some libraries share what they hold of a file that is open twice.
+/// The files of one library in a folder of their own: some libraries share the state of a file that is opened twice.
 /// Library and workload must outlive it.
 class PeerFiles {
 public:
-    /// Has the library write them.
+    /// Lets the library write the files.
     PeerFiles(const PeerLibrary& peer, const Workload& written, const std::filesystem::path& place);
 
     const Workload& getWorkload() const { return workload; }
 
     std::shared_ptr<PeerChain> open() const;
-    /// Compares every answer before it hands the chain out.
+    /// Opens the files, compares every answer, and returns the chain.
     std::shared_ptr<PeerChain> openChecked() const;
-    /// Opens a copy of the files, of which the library can't remember anything. Can be done once.
+    /// Opens a copy of the files, which the library cannot have cached. Call once only.
     std::shared_ptr<PeerChain> openCopy() const;
 
 private:

@@ -11,25 +11,25 @@
 
 namespace bench {
 
-/// Keys in lower case, and values.
+/// Keys in lower case with their values.
 using PeerLayer = std::vector<std::pair<std::string, std::string>>;
 
-/// How one library comes to its files, and which of the work it can do.
+/// Describes how one library writes and opens its files, and which operations it supports.
 struct PeerLibrary {
     std::string name;
-    /// Leaves the layer in a file of the library's own in the folder.
+    /// Writes the layer to a file in the library's own format in the folder.
     std::function<void(const PeerLayer& layer, const std::filesystem::path& folder)> write;
-    /// Opens what `write` left there.
+    /// Opens the file that `write` created.
     std::function<std::unique_ptr<Peer>(const std::filesystem::path& folder)> open;
-    bool setsInMemory = true; ///< Whether a value can be set without the file being written at once.
+    bool setsInMemory = true; ///< Whether a value can be set without writing the file at once.
     bool persists = true;
 };
 
 PeerLibrary boostTree();
 PeerLibrary glibKeyFile();
-/// The values are the defaults of a compiled schema, what is set stays in memory.
+/// The values are the defaults of a compiled schema; changes stay in memory.
 PeerLibrary glibSettings();
-/// The values lie in a key file, which every change writes.
+/// The values are in a key file, which every change writes.
 PeerLibrary glibSettingsOnFile();
 PeerLibrary kdeConfig();
 PeerLibrary libConfig();

@@ -7,7 +7,7 @@
 
 namespace bench {
 
-/// Changes one key of a file, again and again.
+/// Changes one key of a file repeatedly.
 class PeerPersister {
 public:
     explicit PeerPersister(const PeerFiles& files);

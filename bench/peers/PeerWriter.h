@@ -10,10 +10,10 @@
 
 namespace bench {
 
-/// Sets values in memory. Which object holds a key is found out beforehand.
+/// Sets values in memory. The object that contains each key is determined beforehand.
 class PeerWriter {
 public:
-    /// Sets the first so many keys of the workload.
+    /// Prepares the first `keys` keys of the workload.
     PeerWriter(const PeerFiles& files, std::size_t keys);
 
     void write(std::size_t times);
@@ -24,7 +24,7 @@ private:
 
     const Workload& workload;
     const std::shared_ptr<PeerChain> chain;
-    std::vector<Peer*> holders; ///< One for each key that is set.
+    std::vector<Peer*> holders; ///< One entry for each key that is set.
     WriteRounds<std::string> rounds;
 };
 

@@ -1,4 +1,4 @@
-// Some of the rows with what else a program on this system would keep its settings in, beside the limits of our own.
+// Measures some of the rows with other settings libraries of this system, beside our own limits.
 #include "BareChain.h"
 #include "BareDurableFile.h"
 #include "BareParser.h"
@@ -49,10 +49,11 @@ void addReads(RowSuite& suite, const Workload& workload, const std::string& subj
 void addLoad(RowSuite& suite, const std::string& subject, const PeerFiles& files) {
     files.openChecked();
     suite.addTimed(loadRow, subject, loadsInRound, [files] {
-        std::shared_ptr<PeerChain> chain; // given up when the time has been taken
+        std::shared_ptr<PeerChain> chain; // destroyed after the time is taken
         return bench::timed([&] {
             chain = files.open();
-            chain->read(files.getWorkload().getMisses().front().key); // each has parsed its file when it can answer
+            chain->read(files.getWorkload().getMisses().front().key); // the first answer guarantees that each file is
+                                                                      // parsed
         });
     });
 }

@@ -9,18 +9,18 @@
 
 namespace example {
 
-/// What this plug-in offers to its host: a directory service that downloads its servers and hands them to the
-/// configuration. Filed with the factory under this type and `directoryServiceId`. Any thread but the services
-/// dispatcher's may wait for it; the work itself is done there.
+/// The service of this plug-in: downloads its servers and adds them to the configuration. Registered with the factory
+/// under this type and `directoryServiceId`. The operations run on the services dispatcher's thread; any other thread
+/// may wait for them.
 class FOREIGN_SERVICE_API DirectoryService : public ZelUnified::FeatureSet {
 public:
     static constexpr unsigned int directoryServiceId = 7100;
 
-    /// The download has arrived: its settings join the chain, and a copy of them stays on disk for the next run.
+    /// Adds the downloaded settings to the chain. A copy of them stays on the disk for the next run.
     virtual void deliver(const std::string& presenceServer, const std::string& directoryServer) = 0;
-    /// The user signed out: the settings and their copy go. False when there were none.
+    /// Removes the settings and their copy when the user signs out. Returns false if there were none.
     virtual bool withdraw() = 0;
-    /// What was heard of the two keys that are followed, oldest first: "KEY=VALUE".
+    /// Returns the received changes of the two observed keys, oldest first: "KEY=VALUE".
     virtual std::vector<std::string> getHeard() = 0;
 };
 

@@ -5,7 +5,8 @@
 
 namespace example {
 
-/// One download: read-only, gone on a refresh, and cached for the next run. The table never changes, so no lock.
+/// One download: read-only, removed by a refresh, and cached for the next run. The table never changes, so the class
+/// has no lock.
 class DeliveredStore final : public ZelUnified::ConfigStore {
 public:
     static constexpr auto storeName = "ExampleDirectoryConfigStore";

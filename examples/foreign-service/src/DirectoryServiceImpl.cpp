@@ -27,7 +27,7 @@ DirectoryServiceImpl::DirectoryServiceImpl(const std::shared_ptr<ZelUnified::Uni
 }
 
 DirectoryServiceImpl::~DirectoryServiceImpl() {
-    // The notifier outlives this object while anyone holds the record, and its callback points here.
+    // The notifier may outlive this object, and its callback refers to it.
     if (const auto connection = directoryConnection.lock()) {
         connection->disconnect();
     }

@@ -16,8 +16,8 @@
 
 namespace example {
 
-/// Holds the records that it follows. A record holds its observer weakly, so that goes by itself; the connection to a
-/// notifier is the one thing to be undone at the end.
+/// Holds the records that it observes. A record holds its observer weakly and needs no cleanup; only the connection to
+/// a notifier must be disconnected at the end.
 class DirectoryServiceImpl final : public DirectoryService {
 public:
     explicit DirectoryServiceImpl(const std::shared_ptr<ZelUnified::UnifiedFactory>& factory);

@@ -6,7 +6,7 @@
 
 namespace example {
 
-/// Follows the value of one record; the other properties are of no interest here.
+/// Observes the value of one record and ignores the other properties.
 class ServerObserver final : public ZelUnified::ConfigValueObserver {
 public:
     explicit ServerObserver(std::function<void()> valueChanged);

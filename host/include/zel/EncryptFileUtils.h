@@ -51,14 +51,17 @@ public:
     /// Writes all kept content now. Returns true if nothing is left to be written.
     static bool retryPendingWrites();
 
-    /// Examines the protected files at and below `configDirectory` on the disk (files that end in ".dat") and those
-    /// that this process wrote there. Reads every file whole; changes nothing.
+    /// Examines the protected files at and below `configDirectory` on the disk and those that this process wrote there.
+    /// A file that ends in ".dat" is one if the client has a protected file of its name ("lumoraLocalConfig.dat",
+    /// "lumoraLocalConfig_backup.dat", "Cache/cached...") or if it begins with the header of the format. Reads every
+    /// file whole; changes nothing.
     static StorageHealth health(const std::string& configDirectory);
     /// Returns the files at and below `directory` that were moved aside, by any process, newest last for each original.
     static std::vector<KeptFile> listMovedAside(const std::string& directory);
-    /// Moves aside every protected file at and below `configDirectory` that is damaged, empty or encrypted with another
-    /// key than the present one, each with a log line. A file that can't be opened, or whose key can't, stays. Call it
-    /// only with the profile open for writing and before anything reads the files. Returns what this process moved.
+    /// Moves aside every protected file, as in health(), that is damaged, empty or encrypted with another key than the
+    /// present one, each with a log line. A file that can't be opened, or whose key can't, stays. So do the files of
+    /// other programs. Call it only with the profile open for writing and before anything reads the files. Returns what
+    /// this process moved.
     static std::vector<MovedFile> moveAsideUnusable(const std::string& configDirectory);
     /// Puts a file of listMovedAside() back in its original place. A file that stands there is moved aside first.
     /// Kept content for the path is dropped. Fails and changes nothing if `keptAs` can't be read.

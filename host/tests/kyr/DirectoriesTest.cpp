@@ -13,7 +13,7 @@ namespace fs = std::filesystem;
 using KyrCoreUtils::FileUtils;
 using testing_host::TemporaryProfile;
 
-/// Sets variables of the environment for a test.
+/// Sets environment variables for one test and restores them.
 class Environment {
 public:
     ~Environment() {
@@ -40,7 +40,7 @@ private:
     std::map<std::string, std::optional<std::string>> former;
 };
 
-/// The platform's own directories, with a home folder of the test's.
+/// The platform's own directories, with a temporary home folder.
 class PlatformDirectoriesTest : public testing::Test {
 protected:
     PlatformDirectoriesTest() {

@@ -71,7 +71,7 @@ TEST_F(FstreamUtilsTest, RefusesWhatIsNoRegularFile) {
         expectRefused(profile.root(), mode);
         expectRefused("", mode);
         expectRefused(profile.root() / "no" / "folder", mode);
-        // Opening a pipe would wait for its other end.
+        // Opening a pipe blocks until its other end is opened.
         const fs::path pipe = profile.root() / "pipe";
         ::mkfifo(pipe.c_str(), 0600);
         expectRefused(pipe, mode);

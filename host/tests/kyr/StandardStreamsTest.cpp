@@ -15,11 +15,11 @@ namespace {
 using KyrCoreUtils::StandardStreams;
 using Stream = StandardStreams::Stream;
 
-/// Exit codes of the processes below for what is no errno value.
+/// Exit codes of the child processes that are not errno values.
 constexpr int asExpected = 200;
 constexpr int otherwise = 201;
 
-/// Ends the process without the test framework's own ways, which write.
+/// Ends the process without the exit handlers of the test framework, which write output.
 [[noreturn]] void endWith(int code) {
     _exit(code);
 }
@@ -71,7 +71,7 @@ std::array<int, 2> makePipe(int flags) {
     endWith(file > STDERR_FILENO && inputIsAtItsEnd && errorsAreIgnored ? asExpected : otherwise);
 }
 
-/// More than the pipe holds, into a pipe whose writers do not wait of their own accord.
+/// Writes more than the pipe can buffer, into a non-blocking pipe.
 [[noreturn]] void writeALongTextToASlowReader() {
     constexpr std::size_t length = 1'000'000;
     const auto ends = makePipe(O_NONBLOCK);

@@ -15,7 +15,7 @@ using namespace std::string_literals;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// One code point as wide text, in one or two units.
+/// Returns one code point as wide text, in one or two units.
 std::wstring wide(char32_t value) {
     if (sizeof(wchar_t) == 2 && value > 0xFFFF) {
         return {static_cast<wchar_t>(0xD800 + ((value - 0x10000) >> 10)),
@@ -73,8 +73,8 @@ TEST(ToWideString, ReplacesEachMaximalIllFormedPartOnce) {
         {"\xE0\x80\x80", bad + bad + bad},           // overlong
         {"\xED\xA0\x80", bad + bad + bad},           // surrogate
         {"\xF4\x90\x80\x80", bad + bad + bad + bad}, // beyond the last code point
-        {"\xE2\x82", bad},                           // cut off at the end
-        {"\xE2\x82\x41", bad + L"A"},                // cut off by another character
+        {"\xE2\x82", bad},                           // truncated at the end
+        {"\xE2\x82\x41", bad + L"A"},                // truncated by another character
         {"\xF0\x9F\x98", bad},
         {"\xF0\x9F\x98\xF0\x9F\x98\x80", bad + wide(0x1F600)},
         {"\xE1\x80\xE2\xF0\x91\x92\xF1\xBF\x41", bad + bad + bad + bad + L"A"},
@@ -171,7 +171,7 @@ TEST(CaseInsensitiveCompare, GoesOnBehindABeginningInAscii) {
     EXPECT_LT(caseInsensitiveStringCompare(L"ABz", L"ab" + wide(0xC4)), 0);
     EXPECT_LT(caseInsensitiveStringCompare(L"AB", L"ab" + wide(0xC4)), 0);
     EXPECT_LT(caseInsensitiveStringCompare(L"ab" + wide(0x10400) + L"A", L"AB" + wide(0x10428) + L"b"), 0);
-    EXPECT_EQ(caseInsensitiveStringCompare(L"k", wide(0x212A)), 0); // the sign for kelvin
+    EXPECT_EQ(caseInsensitiveStringCompare(L"k", wide(0x212A)), 0); // the Kelvin sign
 }
 
 TEST(CaseInsensitiveCompare, SortsTheUnderscoreBeforeLetters) {
@@ -235,7 +235,7 @@ TEST(CaseInsensitiveCompare, IsAStrictWeakOrder) {
 TEST(CaseInsensitiveEquals, ComparesUtf8) {
     EXPECT_TRUE(caseInsensitiveStringEquals("LocalFile"s, "localfile"s));
     EXPECT_TRUE(caseInsensitiveStringEquals("\xC3\x84"s, "\xC3\xA4"s));
-    EXPECT_TRUE(caseInsensitiveStringEquals("\xE2\x84\xAA"s, "k"s)); // Kelvin sign
+    EXPECT_TRUE(caseInsensitiveStringEquals("\xE2\x84\xAA"s, "k"s)); // the Kelvin sign
     EXPECT_FALSE(caseInsensitiveStringEquals("abc"s, "abcd"s));
     EXPECT_FALSE(caseInsensitiveStringEquals("a\0b"s, "a\0c"s));
 }
@@ -364,7 +364,8 @@ TEST(CaseInsensitiveCompare, IsTheOrderOfTheLowerCaseWhereverTextsDiffer) {
         const std::wstring beginning = someText(chance() % 14);
         const std::wstring a = beginning + someText(chance() % 4);
         const std::wstring b = (chance() % 2 == 0 ? toLowercase(beginning) : beginning) + someText(chance() % 4);
-        // All characters of the alphabet are one unit each where a unit is wide; elsewhere UTF-8 has their order.
+        // Where wide units hold a code point, all characters of the alphabet are one unit each; elsewhere UTF-8 has the
+        // same order.
         const int expected = toString(toLowercase(a)).compare(toString(toLowercase(b)));
         ASSERT_EQ(sign(caseInsensitiveStringCompare(a, b)), sign(expected)) << toString(a) << " and " << toString(b);
     }

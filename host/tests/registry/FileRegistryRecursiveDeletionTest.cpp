@@ -27,7 +27,7 @@ protected:
 
     RegistryResult remove(const std::wstring& path) { return registry->RegDeleteKeyW(HKEY_CURRENT_USER, path.c_str()); }
 
-    /// Deletes as the service does: the key itself first, then its subkeys through an open key, then the key again.
+    /// Deletes as the service does: first the key itself, then its subkeys through an open key, then the key again.
     RegistryResult removeTree(const std::wstring& path) {
         if (remove(path) == RegistryResult::Success) {
             return RegistryResult::Success;

@@ -215,7 +215,7 @@ TEST_F(FileRegistryTest, RootsAndTheMachinesKeysAreNeverDeleted) {
 }
 
 TEST_F(FileRegistryTest, WhereAFileCantBeRewrittenTheKeyStays) {
-    // Longer names than this one don't exist, so none can stand beside it.
+    // The longest possible file name, so no temporary file with a longer name can exist beside it.
     const auto name = std::string(251, 'n') + ".reg";
     writeUser(name, "[HKCU\\K]\r\n\"a\"=\"1\"\r\n");
     EXPECT_EQ(remove(L"K"), RegistryResult::AccessDenied);

@@ -12,7 +12,7 @@ using testing_host::writeFile;
 
 constexpr const wchar_t* mailClients = L"SOFTWARE\\Clients\\Mail";
 
-/// Points the desktop's folders into a temporary place.
+/// Redirects the desktop's folders to a temporary folder.
 class RegistryMailClientTest : public testing::Test {
 protected:
     RegistryMailClientTest() {

@@ -9,12 +9,12 @@
 #include <string>
 #include <vector>
 
-/// Reads a registry as its users do, through the seven operations.
+/// Reads a registry through the seven operations, as its callers do.
 namespace registry_reading {
 
 using namespace zel::registry;
 
-/// A key held open for a scope.
+/// Holds a key open for a scope.
 class Key {
 public:
     Key(Registry& owner, HKEY root, const std::wstring& path) : registry(owner) {
@@ -69,7 +69,7 @@ inline bool hasKey(Registry& registry, const std::wstring& path, HKEY root = HKE
     return Key(registry, root, path).getResult() == RegistryResult::Success;
 }
 
-/// The text of one value of the key; nothing when either is missing.
+/// Returns the text of one value of the key, or nothing if the key or the value does not exist.
 inline std::optional<std::wstring> textOf(Registry& registry, const std::wstring& path, const std::wstring& name,
                                           HKEY root = HKEY_CURRENT_USER) {
     const Key key(registry, root, path);

@@ -17,13 +17,13 @@ RegistryText parse(const std::string& bytes, AfterFault afterFault = AfterFault:
     return parseRegistryText(bytes, HKEY_CURRENT_USER, afterFault);
 }
 
-/// UTF-16LE with its mark, as exports are written.
+/// Returns the text in UTF-16LE with a byte order mark, like an export.
 std::string toUtf16File(std::wstring_view text) {
     const auto data = encodeRegistryText(text);
     return "\xFF\xFE" + std::string(data.begin(), data.end() - 2);
 }
 
-/// The entries of a file that holds one key.
+/// Returns the entries of a file with one key.
 std::vector<RegistryTextEntry> entriesOf(const std::string& lines) {
     const auto text = parse(header + "[HKEY_CURRENT_USER\\K]\r\n" + lines);
     EXPECT_THAT(text.refusals, IsEmpty());
@@ -37,7 +37,7 @@ RegistryValue valueOf(const std::string& line) {
     return entries.empty() ? RegistryValue{} : entries[0].value;
 }
 
-/// The one fault of a file that holds one key, by line and reason.
+/// Returns the line and reason of the only refusal in a file with one key.
 std::pair<std::size_t, std::string> faultOf(const std::string& lines) {
     const auto text = parse(header + "[HKEY_CURRENT_USER\\K]\r\n" + lines);
     if (text.refusals.size() != 1 || !text.refusals[0].fault) {
@@ -325,7 +325,7 @@ TEST(RegistryTextFile, CuttingKeepsUtf16AndItsMark) {
 }
 
 TEST(RegistryTextFile, ReadingTimeGrowsWithTheSizeAlone) {
-    // Each of these once-tempting shapes would be read again and again by a reader that looks back or ahead.
+    // A parser with backtracking or lookahead would read each of these texts in quadratic time.
     std::string openQuotes = header + "[HKCU\\K]\r\n";
     std::string brackets = header;
     std::string continued = header + "[HKCU\\K]\r\n";

@@ -19,7 +19,7 @@ TEST(ProcessUsageTest, TellsHeapAndResidentMemory) {
 }
 
 TEST(ProcessUsageTest, CountsDescriptorsAndThreads) {
-    std::thread([] {}).join(); // a sanitizer may begin a thread of its own with the first one
+    std::thread([] {}).join(); // a sanitizer may start a thread of its own with the first one
     const testing_host::TemporaryProfile profile;
     testing_host::Signal end;
     const auto before = ProcessUsage::measure();

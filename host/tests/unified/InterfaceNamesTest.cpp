@@ -18,7 +18,7 @@ using namespace ZelUnified;
 
 namespace {
 
-/// The name that an object of an interface gives, whatever its class; none of its operations is overridden here.
+/// Returns the name that an object of an interface returns, whatever its class. Overrides none of the operations.
 template <class Interface>
 class Observing final : public virtual Interface {};
 

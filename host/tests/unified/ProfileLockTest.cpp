@@ -20,7 +20,7 @@ using ZelUnified::ProfileLock;
 
 namespace {
 
-/// Another process that holds a profile until it is killed.
+/// Another process that holds the lock of a profile until it is killed.
 class HoldingProcess {
 public:
     HoldingProcess(const std::string& config, const std::string& state) {
@@ -164,7 +164,7 @@ TEST_F(ProfileLockTest, TheLockNeedsNoStateFolderAndAddsNothingToTheProfile) {
 TEST_F(ProfileLockTest, TheNumberOfAProcessThatDiedIsNotNamed) {
     {
         HoldingProcess killed(config, state);
-        killed.end(); // leaves its number behind
+        killed.end(); // leaves its process id in the file
     }
     const HoldingProcess other(config, (profile.root() / "other state").string());
     const ProfileLock lock(config, state);

@@ -13,7 +13,7 @@ public:
     void InvokeResetData(ResetDataOptionEnum::ResetDataOption) override {}
 };
 
-/// Asks the registry while it dies.
+/// Calls the registry from its destructor.
 class Curious final : public ProviderResetDataCallback {
 public:
     explicit Curious(const ResetDataCallbackRegistryImpl& watched) : registry(watched) {}

@@ -25,7 +25,7 @@ using ZelUnified::Processing::SerialQueue;
 
 namespace {
 
-/// A task whose end of life can be watched.
+/// A task that reports its destruction.
 class DyingTask final : public zel::Task {
 public:
     explicit DyingTask(std::function<void()> lastWill) : onDeath(std::move(lastWill)) {}
@@ -148,7 +148,7 @@ TEST(SerialQueue, EnqueueBlockOnTheOwnThreadRunsAtOnceAheadOfWhatWaits) {
                   false);
     queue.start();
     queue.flush();
-    queue.flush(); // for the task that the first one posted
+    queue.flush(); // for the task posted by the first one
     EXPECT_THAT(order, ElementsAre(1, 2));
 }
 

@@ -15,7 +15,7 @@ struct First : virtual Item {};
 struct Second : virtual Item {};
 struct Both final : First, Second {};
 
-/// Looks at the registry while it dies.
+/// Reads the registry from its destructor.
 struct Curious final : First {
     explicit Curious(const TypeMap<Item>& watched) : map(watched) {}
     ~Curious() override {

@@ -89,7 +89,7 @@ private:
     }
 };
 
-/// Asks the object for something that takes its lock, while it dies.
+/// In its destructor, calls an operation that acquires the object's lock.
 class LeavingObserver final : public UnifiedBusinessObjectObserver {
 public:
     explicit LeavingObserver(TestObject& watched) : object(watched) {}
@@ -105,7 +105,7 @@ using namespace business_object_test;
 
 namespace {
 
-/// "x" any digit, "v" the variant's, all else as it stands.
+/// Matches a pattern: "x" any digit, "v" a digit of the variant, every other character itself.
 bool isVersion4Uuid(const std::string& text) {
     const std::string form = "xxxxxxxx-xxxx-4xxx-vxxx-xxxxxxxxxxxx";
     return std::equal(text.begin(), text.end(), form.begin(), form.end(), [](char found, char wanted) {
@@ -207,7 +207,7 @@ TEST_F(UnifiedBusinessObjectImplTest, AnObserverMayAddAndRemoveWhileItIsCalled) 
     object.addObserver(first);
     object.addObserver(removed);
     object.fireGuid();
-    EXPECT_EQ(removed->calls, 1); // it was on the list when the pass began
+    EXPECT_EQ(removed->calls, 1); // it was in the list when the pass began
     EXPECT_EQ(added->calls, 0);
     object.fireGuid();
     EXPECT_EQ(removed->calls, 1);

@@ -21,7 +21,7 @@ using namespace ZelUnified;
 
 inline constexpr unsigned int id = 1300;
 
-/// What happened, in order. Any thread.
+/// Records events in order. Any thread.
 class Journal {
 public:
     void add(std::string entry) {
@@ -40,7 +40,7 @@ private:
 
 class TestFeatureSet : public FeatureSet {};
 
-/// Writes down what it is told. Holds the factory, as a real feature set does.
+/// Records the calls it receives. Owns the factory, like a real feature set.
 class RecordingFeatureSet final : public TestFeatureSet, public FeatureSetAdapter {
 public:
     RecordingFeatureSet(std::shared_ptr<UnifiedFactory> owner, Journal& target)
@@ -129,7 +129,7 @@ makeFactory(UnifiedFactoryOptions::ServicesThread thread = UnifiedFactoryOptions
     return factory;
 }
 
-/// Fails a test that leaves one object behind.
+/// Fails a test that leaks an object.
 class UnifiedFactoryImplTest : public testing::Test {
 protected:
     void TearDown() override {

@@ -30,7 +30,7 @@ using zel::storage::FileCategoryType::UserData;
 
 namespace {
 
-/// A factory over protected files on a disk that is full until heal().
+/// A factory with protected files on a disk that is full until heal().
 class UnifiedFactoryImplStorageTest : public UnifiedFactoryImplTest {
 protected:
     UnifiedFactoryImplStorageTest() { storage.layer->setFreeSpace(0); }
@@ -118,7 +118,7 @@ TEST_F(UnifiedFactoryImplStorageTest, DestroyWritesWhatTheLastTaskCouldNot) {
     fileFeatureSet();
     featureSet->onDestroy = [&] {
         factory->getBackgroundDispatcher()->enqueue([&] { failToWrite(path); }, "last write");
-        storage.layer->setFreeSpace(1'000'000); // for all but this write
+        storage.layer->setFreeSpace(1'000'000); // enough for all writes except this one
         storage.layer->failAt(testing_host::FaultInjectingFileLayer::Operation::CreateFile, 1, ENOSPC);
     };
     failToWrite(storage.configFile("other.dat"));

@@ -104,7 +104,7 @@ TEST_F(UnifiedFactoryImplTest, AStartReturnsOnlyWhenWhatItPostedIsWritten) {
     featureSet->onStart = [&] {
         factory->getBackgroundDispatcher()->enqueue(
             [&] {
-                EXPECT_FALSE(never.waitFor(std::chrono::milliseconds(20))); // a slow disk
+                EXPECT_FALSE(never.waitFor(std::chrono::milliseconds(20))); // simulates a slow disk
                 journal.add("written");
             },
             "write");

@@ -16,7 +16,7 @@ class Wanted : public FeatureSet {};
 class Other : public FeatureSet {};
 class WantedService : public virtual UnifiedService {};
 
-/// Files what is asked for while it is loaded.
+/// Registers the requested provider when it is asked to load it.
 class LoadingFactory final : public RecordingFactory {
 public:
     std::shared_ptr<Wanted> provided = std::make_shared<Wanted>();

@@ -29,7 +29,7 @@ namespace {
 class WriteRetrierTest : public testing::Test {
 protected:
     void SetUp() override {
-        // The key is made while there is space.
+        // Creates the key while there is space.
         ASSERT_TRUE(EncryptFileUtils::writeDataToFile(storage.configFile("first.dat"), PlainText("first"), UserData));
         storage.layer->setFreeSpace(0);
         retrier->start();
@@ -44,7 +44,7 @@ protected:
         EncryptFileUtils::readFromDisk(path, content, UserData);
         return content.text;
     }
-    /// Whether a retry is queued after so many seconds and not before.
+    /// Returns true if a retry is queued after this number of seconds and not before.
     bool retriesAfter(std::int64_t seconds) {
         clock.advance(seconds - 1);
         const bool early = !background->getTaskNames().empty();

@@ -37,7 +37,7 @@ std::shared_ptr<Callback> callback(std::function<void()> work) {
     return std::make_shared<Callback>(std::move(work));
 }
 
-/// What owns its timer, as the timer's usual user does.
+/// Owns its timer, like the usual caller.
 class Owner final : public BackgroundTimerCallback {
 public:
     explicit Owner(Signal& signal) : died(signal) {}

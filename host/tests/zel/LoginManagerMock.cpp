@@ -25,7 +25,7 @@ constexpr const char* service = "org.freedesktop.login1";
 constexpr const char* object = "/org/freedesktop/login1";
 constexpr const char* interface = "org.freedesktop.login1.Manager";
 
-/// The distribution's own: another one doesn't see its packages.
+/// The distribution's interpreter: another one does not find the distribution's packages.
 constexpr const char* python = "/usr/bin/python3";
 
 constexpr const char* configuration =
@@ -109,7 +109,7 @@ PrivateSystemBus::PrivateSystemBus() : folder(makeFolder()) {
                                  "--nopidfile", "--print-address=" + std::to_string(ends[1])},
         ends[1]);
     close(ends[1]);
-    // It tells its address once it can be reached.
+    // The child writes its address when it accepts connections.
     char first = 0;
     const auto length = read(ends[0], &first, 1);
     close(ends[0]);
@@ -174,7 +174,7 @@ void LoginManagerMock::forge(const char* signal, bool begins) {
         require(sd_bus_message_set_destination(message.get(), name.c_str()), "addressing a signal");
         require(sd_bus_send(bus.get(), message.get(), nullptr), "sending a signal");
     }
-    isThere(); // what the bus answers comes after what it was sent before
+    isThere(); // the bus answers in order, so this answer follows all earlier messages
 }
 
 std::vector<std::string> LoginManagerMock::getConnectionNames() {
@@ -214,7 +214,7 @@ std::vector<std::string> LoginManagerMock::getInhibitors() {
 }
 
 bool LoginManagerMock::waitForInhibitors(std::size_t count) {
-    // It doesn't announce them, so it is asked; each answer is waited for.
+    // Inhibitors are not announced, so they are polled, with a wait for each answer.
     const auto deadline = Clock::now() + patience;
     while (getInhibitors().size() != count) {
         if (Clock::now() > deadline) {

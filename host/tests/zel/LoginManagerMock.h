@@ -11,10 +11,10 @@
 
 namespace testing_host {
 
-/// A program that ends with this object, or with the test's thread that started it.
+/// A program that ends with this object or with the thread that started it.
 class ChildProcess {
 public:
-    /// The child keeps `inherited`, a descriptor of the caller's; -1 for none.
+    /// The child inherits the descriptor `inherited` of the caller; -1 for none.
     explicit ChildProcess(std::vector<std::string> arguments, int inherited = -1);
     ~ChildProcess();
     ChildProcess(const ChildProcess&) = delete;
@@ -24,7 +24,7 @@ private:
     int process = -1;
 };
 
-/// A bus of the test's own. While it lives, it is what this process takes for the system bus.
+/// A private bus. During its lifetime this process uses it as the system bus.
 class PrivateSystemBus {
 public:
     PrivateSystemBus();
@@ -39,23 +39,23 @@ private:
     std::unique_ptr<ChildProcess> daemon;
 };
 
-/// A stand-in for the login manager, and the test's connection to it. To be used by one thread.
+/// A mock of the login manager with a connection to it. Use it on one thread.
 class LoginManagerMock {
 public:
-    /// Returns when it can be reached.
+    /// Starts the mock and waits until it is reachable.
     LoginManagerMock();
     ~LoginManagerMock();
     LoginManagerMock(const LoginManagerMock&) = delete;
     LoginManagerMock& operator=(const LoginManagerMock&) = delete;
 
-    /// Announces like the real one: "PrepareForShutdown" or "PrepareForSleep".
+    /// Sends a signal like the real one: "PrepareForShutdown" or "PrepareForSleep".
     void announce(const char* signal, bool begins);
-    /// The same signal, but sent by the test and to everybody's face.
+    /// Sends the same signal from the test's own connection, addressed to each connection of the bus.
     void forge(const char* signal, bool begins);
 
-    /// What each inhibitor that is held inhibits, and how: "shutdown delay".
+    /// Returns what each active inhibitor inhibits, and how: "shutdown delay".
     std::vector<std::string> getInhibitors();
-    /// False when there were not so many before the deadline.
+    /// Returns false if there were not `count` inhibitors before the deadline.
     bool waitForInhibitors(std::size_t count);
 
 private:

@@ -187,7 +187,7 @@ TEST(PersonalDataMask, IsIdempotentOnAnyMixtureOfItsTriggers) {
 }
 
 TEST(PersonalDataMask, TakesTimeThatGrowsWithTheTextOnly) {
-    // Each text takes milliseconds; a scan that starts again at each trigger would take minutes.
+    // Each text takes milliseconds; a quadratic scan that starts again at each trigger would take minutes.
     const std::vector<std::string> parts = {"sip:",          "sips:a.b:", "+1234567-", "+12345678a", "a@",   "/home/",
                                             "\\Users\\ ",    "://",       "tel:-",     "<user",      "\\",   "a+",
                                             "\\Users\\a b ", "sip:a.b,",  "@a",        "http://a:b", "((((+"};

@@ -11,7 +11,7 @@
 
 namespace testing_host {
 
-/// Writes down what it is told, after doing what the test wants done meanwhile.
+/// Records the received events after it has run the test's reaction.
 class RecordingPowerObserver final : public ZelSystemMonitor::PowerEventObserver {
 public:
     using Type = ZelSystemMonitor::PowerEventTypeEnum::PowerEventType;
@@ -33,7 +33,7 @@ public:
         const std::lock_guard lock(mutex);
         return types;
     }
-    /// What was told once there were so many, or at the deadline.
+    /// Returns the events once there are `count` of them, or at the deadline.
     std::vector<int> waitForTypes(std::size_t count) {
         std::unique_lock lock(mutex);
         changed.wait_for(lock, std::chrono::seconds(60), [&] { return types.size() >= count; });

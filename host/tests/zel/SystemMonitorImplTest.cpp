@@ -21,7 +21,7 @@ using testing_host::RecordingPowerObserver;
 
 namespace {
 
-/// A source that the test speaks through.
+/// Fires events through a source that the test controls.
 class SystemMonitorImplTest : public testing::Test {
 protected:
     class Source final : public PowerEventSource {
@@ -39,7 +39,7 @@ protected:
         return observer;
     }
 
-    /// Gives what still holds the machine.
+    /// Fires the event. Returns a weak pointer that expires when nothing delays the machine any more.
     std::weak_ptr<const void> announce(PowerEventTypeEnum::PowerEventType type) {
         auto hold = std::make_shared<const int>(0);
         std::weak_ptr<const void> watched = hold;

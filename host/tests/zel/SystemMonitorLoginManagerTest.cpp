@@ -22,7 +22,7 @@ using testing_host::Signal;
 
 namespace {
 
-/// A monitor that listens on a bus of the test's own.
+/// A monitor connected to a private bus.
 class SystemMonitorLoginManager : public testing::Test {
 protected:
     void listen(std::function<void(RecordingPowerObserver::Type)> whileTold = {}) {
@@ -35,7 +35,7 @@ protected:
     std::shared_ptr<SystemMonitorImpl> monitor = std::make_shared<SystemMonitorImpl>();
 };
 
-/// Waits for the line that tells why nothing is delivered.
+/// Waits for the log line with the reason why no events are delivered.
 class SilenceSink final : public zel::logging::LogSink {
 public:
     void write(const zel::logging::LogRecord& record) override {

@@ -11,11 +11,12 @@ namespace ZelUnified {
 
 class ConfigTable;
 
-/// The read-only store that an installer's file fills: lines of `key:value` in UTF-8, "#" for comments. The first colon
-/// divides, so a value may hold more; a later line wins over an earlier one. Read once; any thread.
+/// A read-only store filled from an installer's file: lines of `key:value` in UTF-8; "#" starts a comment. The first
+/// colon is the separator, so a value may contain colons. A later line overrides an earlier one. The constructor reads
+/// the file, once. Any thread.
 class LUMORA_CONFIG_API BootstrapConfigStore final : public ConfigStore, public IndexedStore {
 public:
-    /// A file that can't be opened is a warning and an empty store.
+    /// Reads the file. If it cannot be opened, logs a warning, and the store is empty.
     BootstrapConfigStore(const std::string& storeName, const std::string& path, int storePriority);
     ~BootstrapConfigStore() override;
 

@@ -5,17 +5,17 @@
 
 namespace ZelUnified {
 
-/// The copy of another store that is kept on disk for the next run, in a protected file. It survives a stop and a
-/// refresh.
+/// A copy of another store, kept in a protected file for the next run. A stop and a refresh do not remove it.
 class LUMORA_CONFIG_API CacheConfigStore : public XmlConfigStore {
 public:
-    /// Reads the copy.
+    /// Reads an existing copy.
     CacheConfigStore(std::string storeName, int storePriority, std::string file);
-    /// Makes the copy: takes the pairs, writes the file at once on the caller's thread, and empties `contents`.
+    /// Creates the copy: moves the pairs out of `contents`, which is empty afterwards, and writes the file immediately
+    /// on the caller's thread.
     CacheConfigStore(std::string storeName, int storePriority, std::string file, ConfigMap& contents);
     ~CacheConfigStore() override;
 
-    /// Holds the lock for the whole write: readers of what is held wait for the disk.
+    /// Holds the lock during the whole write, so lookups of keys that the store contains wait for the disk.
     void persistValues() override;
 
     const std::type_info& getIndexedType() const override { return typeid(CacheConfigStore); }

@@ -8,10 +8,10 @@
 
 namespace ZelUnified::ConfigKeys {
 
-/// One row of the catalogue: a text in the one width in which it is used.
+/// One row of the catalogue: a name in the character width in which it is used.
 using CatalogueEntry = std::variant<std::wstring_view, std::string_view>;
 
-/// All names in their order. A new name is a constant in ConfigKeys.h and a row here.
+/// All names, in order. To add a name, add a constant in ConfigKeys.h and a row here.
 inline constexpr std::array<CatalogueEntry, 97> catalogue{{
     additionalInfo,
     connectionUserDn,

@@ -13,63 +13,69 @@
 
 namespace ZelUnified {
 
-/// The store chain as other services see it. The order of the operations is contract. Any thread may call; a change is
-/// announced to the records on the services dispatcher's thread, at once when the caller stands on it.
-/// Operations marked "started" log an error before the feature set is started.
+/// The interface of the store chain for other services. The order of the operations is part of the contract. Any thread
+/// may call. A change notifies the records on the services dispatcher's thread, immediately if the caller is on that
+/// thread.
+///
+/// Before the feature set is started, operations marked "Requires start" log an error, do nothing and return false;
+/// operations marked "Expects start" log an error and run.
 class LUMORA_CONFIG_API ConfigFeatureSet : public FeatureSet {
 public:
     ~ConfigFeatureSet() override = default;
 
-    /// Puts the store in the chain, or in the place of the one that bears its name. Started, refuses otherwise.
+    /// Inserts the store into the chain, or replaces the store of the same name. Requires start.
     virtual void addConfigStore(std::shared_ptr<ConfigStore> store) = 0;
-    /// Takes the store and its cached copy out. False when there was neither. Started, refuses otherwise.
+    /// Removes the store and its cached copy. Returns false if neither existed. Requires start.
     virtual bool removeConfigStore(const std::string& name) = 0;
-    /// Started, refuses otherwise.
+    /// Returns true if the chain contains a store of that name. Requires start.
     virtual bool isConfigStorePresent(const std::string& name) = 0;
-    /// Held weakly. One that is registered twice is told twice.
+    /// Registers the observer; the chain holds a weak reference. An observer that registers twice is called twice.
     virtual void registerConfigStoreAddedObserver(std::shared_ptr<ConfigStoreAddedObserver> observer) = 0;
-    /// Drops every registration of the observer.
+    /// Removes every registration of the observer.
     virtual void unregisterConfigStoreAddedObserver(std::shared_ptr<ConfigStoreAddedObserver> observer) = 0;
-    /// Deletes the cached copies on disk. Started.
+    /// Deletes the cached copies on disk. Expects start.
     virtual void removeAllCachedConfigStores() = 0;
 
-    /// The value in force, the store that gave it, and whether it was found under the key's old name (which is only
-    /// ever set: pass a cleared flag). `skipLocal` leaves out the writable stores. False and an empty value on a miss.
-    /// Started.
+    /// Returns true and sets `value` to the effective value and `configStoreName` to the store that holds it. On a miss
+    /// returns false and clears `value`. Sets `valueFromLegacyKey` to true if the value was found under the key's old
+    /// name; never sets it to false, so pass a flag that is false. `skipLocal` leaves out the writable stores. Expects
+    /// start.
     virtual bool getConfig(const std::wstring& key, std::wstring& value, std::wstring& configStoreName,
                            bool& valueFromLegacyKey, bool skipLocal) = 0;
     virtual bool getConfig(const std::wstring& key, std::wstring& value, bool skipLocal) = 0;
 
-    /// Writes every pair to every writable store but the volatile one. False when there is none.
+    /// Writes every pair to every writable store except the volatile one. Returns false if there is no such store.
     virtual bool setConfig(ConfigMap values) = 0;
-    /// Writes to the first writable store but the volatile one. False when there is none or it refuses.
+    /// Writes to the first writable store except the volatile one. Returns false if there is no such store or the store
+    /// rejects the write.
     virtual bool setConfig(const std::wstring& key, const std::wstring& value) = 0;
-    /// Sets a value for the length of this run. Started.
+    /// Sets a value that lasts until the process ends. Expects start.
     virtual bool setInMemoryConfig(const std::wstring& key, const std::wstring& value) = 0;
-    /// Replaces what device management pushed, an XML document in UTF-8.
+    /// Replaces the settings from device management with `xml`, an XML document in UTF-8.
     virtual void setMdmConfig(const std::string& xml) = 0;
     /// Removes the key, under its old and new names, from every writable store.
     virtual void resetConfig(const std::wstring& key) = 0;
     virtual bool isKeySensitive(const std::wstring& key) = 0;
-    /// The key's value never shows in a log or a report from here on.
+    /// Marks the key as sensitive: from then on its value appears in no log and no report.
     virtual void setKeySensitive(const std::wstring& key) = 0;
-    /// Drops and re-reads the stores that are not local.
+    /// Removes the stores that are not local and reads them again.
     virtual void refreshConfigFeatureSet() = 0;
 
-    /// Takes the settings of a provisioning URL. False when it holds none, or when provisioning is not allowed.
+    /// Adds the settings of a provisioning URL. Returns false if the URL contains none or if provisioning is not
+    /// allowed.
     virtual bool setUrlProvisioningData(std::wstring data) = 0;
-    /// Allows another provisioning URL. False when the user's settings do not forbid it.
+    /// Allows another provisioning URL. Returns false if the user's settings do not forbid one.
     virtual bool resetAllowUriProvisioningData() = 0;
-    /// Empties the store of that name, exactly spelt. Nothing is announced.
+    /// Removes all values of the store of that name, compared case-sensitively. Observers are not notified.
     virtual void resetConfigData(const std::string& storeName) = 0;
     /// Reports an event of the service to the user, through the host.
     virtual void addServiceEvent(int code, ConfigServiceIdsEnum::ConfigServiceIds id,
                                  ServiceEventSeverityEnum::ServiceEventSeverity severity) = 0;
-    /// Replaces `report` by the XML text of a problem report. Started.
+    /// Replaces `report` with the XML text of a problem report. Expects start.
     virtual void getAllConfigForPRT(std::wstring& report) = 0;
-    /// What one store says of the key; empty when it says nothing. Started.
+    /// Returns the value that one store holds for the key, or an empty string if it holds none. Expects start.
     virtual std::wstring getValueFromConfigStore(const std::string& storeName, const std::wstring& key) = 0;
-    /// Empty when no store bears the name, ignoring case. Started.
+    /// Returns the store of that name (case-insensitive), or null if there is none. Expects start.
     virtual std::shared_ptr<ConfigStore> getConfigStoreByName(const std::string& name) = 0;
 };
 

@@ -2,11 +2,11 @@
 
 #include <string_view>
 
-/// The names that the configuration system and its clients agree on: keys, store names, file names and a few fixed
-/// texts. The text is what counts, misspellings included: it is shown and written to files, while keys are looked up
-/// ignoring case. Wide names are used with wide strings, narrow ones are file names, paths and store names; a store
-/// name that stands here in one width is converted where it is compared in the other. A name without a remark is common
-/// vocabulary of the client's services and has no use in this library. `catalogue` in ConfigCatalogue.h lists them all.
+/// The names that the configuration system and its clients share: keys, store names, file names and a few fixed texts.
+/// The spelling is fixed, including misspellings, because it is shown and written to files; keys are looked up
+/// case-insensitively. Wide names are used with wide strings. Narrow names are file names, paths and store names. A
+/// store name that is defined in one width is converted where it is compared in the other. A name without a remark is
+/// used by the client's services but not by this library. `catalogue` in ConfigCatalogue.h lists all names.
 namespace ZelUnified::ConfigKeys {
 
 inline constexpr std::wstring_view additionalInfo = L"Addtional_Info"; // sensitive key

@@ -9,8 +9,8 @@
 
 namespace ZelUnified {
 
-/// Orders keys ignoring case, so that spellings of one key are one key. A container keeps the form of the first
-/// insertion: a later write in another case replaces the value and leaves the key.
+/// Orders keys case-insensitively, so all spellings of a key are the same key. A container keeps the spelling of the
+/// first insertion: a later write in a different case replaces the value only.
 struct caseInsensitiveMapComparator {
     using is_transparent = void;
     bool operator()(std::wstring_view a, std::wstring_view b) const noexcept {
@@ -18,7 +18,7 @@ struct caseInsensitiveMapComparator {
     }
 };
 
-/// The same rule for sets.
+/// The same order for sets.
 using caseInsensitiveStringComparator = caseInsensitiveMapComparator;
 
 using ConfigMap = std::map<std::wstring, std::wstring, caseInsensitiveMapComparator>;

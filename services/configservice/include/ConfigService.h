@@ -17,46 +17,50 @@ namespace ZelUnified {
 #pragma clang diagnostic ignored "-Woverloaded-virtual" // as in UnifiedService
 #endif
 
-/// The configuration service, filed with the factory under 1300: reads come from records kept in memory, writes go to
-/// the store chain. The order of the operations is contract. Services dispatcher's thread, unless said otherwise; on
-/// another one a call throws UpdateAccessError and changes nothing. Without a feature set, operations that need one do
-/// nothing and give false or an empty text.
+/// The configuration service, registered with the factory under 1300. Reads return records from memory; writes go to
+/// the store chain. The order of the operations is part of the contract.
+///
+/// Call it on the services dispatcher's thread unless an operation says otherwise. On another thread a call throws
+/// UpdateAccessError and changes nothing. Without a feature set, operations that need one do nothing and return false
+/// or an empty string.
 class LUMORA_CONFIG_API ConfigService : public virtual UnifiedService {
 public:
     virtual void addObserver(std::weak_ptr<ConfigServiceObserver> observer) = 0;
     virtual void removeObserver(std::weak_ptr<ConfigServiceObserver> observer) = 0;
     virtual std::shared_ptr<ConfigServiceNotifiers> getConfigServiceNotifiers() = 0;
-    /// True once the host has told that the feature set stands started.
+    /// Returns true once the host has reported the feature set as started.
     virtual bool getConfigReady() = 0;
-    /// The record of the key, never empty. A key that no store ever spoke of has an undefined record.
+    /// Returns the record of the key; never null. A key that no store ever held has an undefined record.
     virtual std::shared_ptr<ConfigValue> getConfig(std::wstring key) = 0;
-    /// Writes a value through the chain, where it need not win. The record changes when the change has come back.
+    /// Writes a value to the store chain, where a store of higher priority may override it. The record changes when the
+    /// chain reports the change.
     virtual void setConfig(std::wstring key, std::wstring value) = 0;
-    /// Sets a value for the length of this run.
+    /// Sets a value that lasts until the process ends.
     virtual void setInMemoryConfig(std::wstring key, std::wstring value) = 0;
-    /// Replaces what device management pushed, an XML document in UTF-8.
+    /// Replaces the settings from device management with `data`, an XML document in UTF-8.
     virtual void setMdmConfig(std::string data) = 0;
-    /// Every record, undefined ones too, in key order. Another thread is not refused, yet must not call.
+    /// Returns every record in key order, including undefined ones. Does not check the thread, but only the services
+    /// dispatcher's thread may call it.
     virtual std::shared_ptr<std::list<std::shared_ptr<ConfigValue>>> getAllConfig() = 0;
-    /// Takes the user's own value back, under the key's old and new names.
+    /// Removes the user's own value, under the key's old and new names.
     virtual void resetConfig(std::wstring key) = 0;
-    /// False when there was neither the store nor a cached copy of it.
+    /// Removes the store and its cached copy. Returns false if neither existed.
     virtual bool removeConfigStoreAndCache(std::wstring storeName) = 0;
     /// Deletes the cached copies on disk.
     virtual void removeAllCachedConfigStores() = 0;
-    /// Writes every record to the log, as one entry.
+    /// Writes all records to the log as one entry.
     virtual void logConfig() = 0;
-    /// The key's value never shows in a log or a report from here on.
+    /// Marks the key as sensitive: from then on its value appears in no log and no report.
     virtual void setKeySensitive(std::wstring key) = 0;
     virtual bool isKeySensitive(std::wstring key) = 0;
-    /// Takes the settings of a provisioning URL. False when it holds none, or when provisioning is not allowed. Any
-    /// thread.
+    /// Adds the settings of a provisioning URL. Returns false if the URL contains none or if provisioning is not
+    /// allowed. Any thread.
     virtual bool setUrlProvisioningData(std::wstring data) = 0;
-    /// Allows another provisioning URL. False when the user's settings do not forbid it. Any thread.
+    /// Allows another provisioning URL. Returns false if the user's settings do not forbid one. Any thread.
     virtual bool resetAllowUriProvisioningData() = 0;
-    /// The XML text of a problem report, sensitive keys left out.
+    /// Returns the XML text of a problem report, without the sensitive keys.
     virtual std::wstring getAllConfigForPRT() = 0;
-    /// What one store says of the key; empty when it says nothing.
+    /// Returns the value that one store holds for the key, or an empty string if it holds none.
     virtual std::wstring getValueFromConfigStore(std::string storeName, std::wstring key) = 0;
     std::string getInterfaceName() override { return "ConfigService"; }
 };

@@ -2,7 +2,7 @@
 
 namespace ZelUnified {
 
-/// The number under which the service and its feature set are filed with the factory.
+/// The number under which the service and its feature set are registered with the factory.
 inline constexpr unsigned int configServiceId = 1300;
 
 namespace ConfigServiceIdsEnum {

@@ -6,8 +6,8 @@
 
 namespace ZelUnified {
 
-/// Follows the configuration service. Held weakly; called on the services dispatcher's thread. The order of the
-/// operations is contract.
+/// Observes the configuration service. The service holds a weak reference and calls it on the services dispatcher's
+/// thread. The order of the operations is part of the contract.
 ///
 /// A callback may read, write, connect and disconnect. It must not wait for another thread, and must not start, stop,
 /// refresh or reset the feature set.

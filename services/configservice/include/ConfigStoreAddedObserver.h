@@ -6,8 +6,8 @@
 
 namespace ZelUnified {
 
-/// Told of every store that joins the chain, later, on the background dispatcher's thread, with no lock held. Held
-/// weakly; a notification on its way keeps the observer alive.
+/// Receives the name of every store that joins the chain: asynchronously, on the background dispatcher's thread, with
+/// no lock held. The chain holds a weak reference; a pending notification keeps the observer alive.
 class LUMORA_CONFIG_API ConfigStoreAddedObserver {
 public:
     virtual void OnConfigStoreAdded(const std::string& storeName) = 0;

@@ -16,32 +16,34 @@ namespace ZelUnified {
 #pragma clang diagnostic ignored "-Woverloaded-virtual" // as in UnifiedService
 #endif
 
-/// The record of one key: a view of what the store chain resolved, kept up to date in place. Hold it and observe it.
-/// The order of the operations is contract. Services dispatcher's thread, but for the observer operations.
+/// The record of one key: the result of its lookup in the store chain, updated in place. Keep the record and observe
+/// it. The order of the operations is part of the contract. Services dispatcher's thread, except for the observer
+/// operations.
 class LUMORA_CONFIG_API ConfigValue : public virtual UnifiedBusinessObject {
 public:
     virtual void addObserver(std::weak_ptr<ConfigValueObserver> observer) = 0;
     virtual void removeObserver(std::weak_ptr<ConfigValueObserver> observer) = 0;
     virtual std::shared_ptr<ConfigValueNotifiers> getConfigValueNotifiers() = 0;
-    /// The key as first used; the new name when the record was asked for by an old one.
+    /// Returns the key as spelled when it was first used. A record requested by an old name returns the new name.
     virtual std::wstring getKey() = 0;
-    /// The value in force.
+    /// Returns the effective value.
     virtual std::wstring getValue() = 0;
-    /// The administrator's value: what stands in force without the user's own settings.
+    /// Returns the administrator's value: the value that applies without the user's own settings.
     virtual std::wstring getOriginalValue() = 0;
-    /// True while the user's own value stands before the administrator's, also when the administrator has none.
+    /// Returns true if the user's own value takes precedence over the administrator's, even if the administrator has
+    /// set none.
     virtual bool getisOverridden() = 0;
-    /// True while a store holds the key.
+    /// Returns true if a store holds the key.
     virtual bool getisDefined() = 0;
     virtual std::wstring getValueStoreName() = 0;
     virtual std::wstring getOriginalValueStoreName() = 0;
-    /// Writes a value through the chain. The record changes when the change has come back.
+    /// Writes a value to the store chain. The record changes when the chain reports the change.
     virtual void storeValueAndNotify(std::wstring value) = 0;
-    /// Ignores case.
+    /// Compares case-insensitively.
     virtual bool isValueEqual(std::wstring value) = 0;
-    /// Takes the user's own value back.
+    /// Removes the user's own value.
     virtual void resetToDefault() = 0;
-    /// True when value or store differ from the administrator's; exact.
+    /// Returns true if the value or its store differs from the administrator's. Compares case-sensitively.
     virtual bool differsFromOriginal() = 0;
     std::string getInterfaceName() override { return "ConfigValue"; }
 };

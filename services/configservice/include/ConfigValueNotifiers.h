@@ -6,7 +6,8 @@
 
 namespace ZelUnified {
 
-/// The notifiers of one configuration record. Services dispatcher's thread. The order of the operations is contract.
+/// The notifiers of one configuration record. Services dispatcher's thread. The order of the operations is part of the
+/// contract.
 class LUMORA_CONFIG_API ConfigValueNotifiers : public virtual UnifiedBusinessObjectNotifiers {
 public:
     virtual std::shared_ptr<PropertyNotifier> getKeyNotifier() = 0;

@@ -6,11 +6,13 @@
 
 namespace ZelUnified {
 
-/// Follows one configuration record. Held weakly; called on the services dispatcher's thread for each property that
-/// changed, when the record has taken over all of them. The order of the operations is contract.
+/// Observes one configuration record. The record holds a weak reference. It calls the observer on the services
+/// dispatcher's thread, once for each property that changed, after it has updated all of them. The order of the
+/// operations is part of the contract.
 ///
 /// A callback may read, write, connect and disconnect. It must not wait for another thread, and must not start, stop,
-/// refresh or reset the feature set: the chain's lock is held around it when the change was made on this thread.
+/// refresh or reset the feature set: if the change was made on this thread, the chain's lock is held during the
+/// callback.
 class LUMORA_CONFIG_API ConfigValueObserver : public virtual UnifiedBusinessObjectObserver {
 public:
     virtual void OnKeyChanged() = 0;

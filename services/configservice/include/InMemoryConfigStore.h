@@ -12,7 +12,7 @@ namespace ZelUnified {
 
 class ConfigTable;
 
-/// The volatile store: a writable table that dies with the process. Any thread.
+/// The volatile store: a writable table that exists only in memory. Any thread.
 class LUMORA_CONFIG_API InMemoryConfigStore final : public ConfigStore, public IndexedStore {
 public:
     InMemoryConfigStore(std::string storeName, int storePriority);
@@ -37,7 +37,7 @@ public:
 
 private:
     const std::unique_ptr<ConfigTable> values;
-    zel::Mutex valuesMutex; ///< Guards `values`, but for ConfigTable::mayHold().
+    zel::Mutex valuesMutex; ///< Guards `values`, except for ConfigTable::mayHold().
     const std::string name;
     const int priority;
 };

@@ -10,19 +10,20 @@ namespace ZelUnified {
 class FoldedKey;
 class KeyList;
 
-/// What the library's own stores answer beside ConfigStore: a walk of the chain folds and hashes a key once and not in
-/// every store, and a list of keys takes one piece of memory and not one for each. Their names never change. Stores of
-/// other services have no part in it: they are asked through ConfigStore alone.
+/// The fast lookup of the library's own stores, beside ConfigStore. A walk of the chain folds and hashes a key once
+/// instead of once in every store, and a list of keys needs one allocation instead of one for each key. The names of
+/// these stores never change. Stores of other services do not implement this interface and are called through
+/// ConfigStore alone.
 ///
-/// As the store's own operations: any thread, called with the chain's lock held.
+/// Like the operations of ConfigStore: any thread, called with the chain's lock held.
 class LUMORA_CONFIG_API IndexedStore {
 public:
-    /// Says what ConfigStore::getValue() says.
+    /// Behaves like ConfigStore::getValue().
     virtual bool lookUp(const FoldedKey& key, std::wstring& value) = 0;
-    /// The class for which lookUp() and listKeys() speak. A class derived from it may answer otherwise, and is then
-    /// asked through ConfigStore, like any store of another service.
+    /// Returns the class whose behaviour lookUp() and listKeys() implement. A class derived from it may behave
+    /// differently, so the chain calls it through ConfigStore, like a store of another service.
     virtual const std::type_info& getIndexedType() const = 0;
-    /// Lists what ConfigStore::getKeys() lists.
+    /// Returns the same keys as ConfigStore::getKeys().
     virtual KeyList listKeys() = 0;
 
 protected:

@@ -19,23 +19,23 @@ class ConfigFileCacheTimer;
 class ConfigTable;
 class PersistedCopy;
 
-/// Keeps its keys in a file: the user's settings in a protected file with a backup beside it, or the plain read-only
-/// defaults of the installation. A file that can't be read gives an empty store.
+/// Keeps its keys in a file: either the user's settings, in a protected file with a backup beside it, or the read-only
+/// defaults of the installation, in a plain file. If the file cannot be read, the store is empty.
 ///
-/// The file is read once, at construction. persistValues() writes the main file at once, on its caller's thread, and,
-/// in the store named "LocalFileConfigStore" that was given a timer, the backup a while later. A readable file is never
-/// overwritten while the other one is unreadable. Hold it by shared pointer: the delayed write keeps a weak one.
+/// The constructor reads the file, once. persistValues() writes the main file immediately, on its caller's thread. The
+/// store named "LocalFileConfigStore" also writes the backup after a delay, if it has a timer. A readable file is never
+/// overwritten while the other file is unreadable. Own the store by shared pointer: the delayed write holds a weak one.
 ///
-/// Locks: `fileMutex` before `valuesMutex`; readers of keys don't wait for a write to the disk.
+/// Lock order: `fileMutex` before `valuesMutex`. Reading a key does not wait for a write to the disk.
 class LUMORA_CONFIG_API LocalFileConfigStore : public ConfigStore,
                                                public IndexedStore,
                                                public std::enable_shared_from_this<LocalFileConfigStore> {
 public:
-    /// Any file. `directory` without its last separator; the empty one stays empty. `file` must have an extension:
-    /// without one this throws std::out_of_range.
+    /// Opens any file. `directory` has no trailing separator and may be empty. `file` must have an extension; otherwise
+    /// this throws std::out_of_range.
     LocalFileConfigStore(std::string storeName, int storePriority, std::string directory, std::string file,
                          bool isLocalStore, bool isReadOnlyStore, bool encrypted);
-    /// The user's protected file in the configuration directory.
+    /// Opens the user's protected file in the configuration directory.
     LocalFileConfigStore(std::string storeName, int storePriority, bool isLocalStore);
     ~LocalFileConfigStore() override;
 
@@ -43,15 +43,15 @@ public:
     bool storeValue(const std::wstring& key, const std::wstring& value) override;
     std::vector<std::wstring> getKeys() override;
     bool removeValue(const std::wstring& key) override;
-    /// Empties the table, not the file. Waits for a write in flight.
+    /// Clears the table but not the file. Waits for a write in progress.
     void removeAllValues() override;
     bool isReadOnly() override { return readOnly; }
     std::string getName() override { return name; }
     int getPriority() override { return priority; }
-    /// Writes nothing when the table is what was last handed to the facility, whose failure is silent: the next change
-    /// writes.
+    /// Writes nothing if the table equals the one last passed to the encryption facility. The facility does not report
+    /// a failed write, so the store writes again only after the next change.
     void persistValues() override;
-    /// From here on no document is written.
+    /// Disables writing: from now on the store writes no file.
     void destroy() override;
     bool isLocal() override { return local; }
     bool waitForStoreReady() override { return true; }
@@ -61,12 +61,13 @@ public:
     const std::type_info& getIndexedType() const override { return typeid(LocalFileConfigStore); }
     KeyList listKeys() override;
 
-    /// Before the store is shared. Without a timer there are no backup writes.
+    /// Sets the timer of the backup writes. Without a timer the store writes no backup. Call before the store is
+    /// shared.
     void setTimer(std::shared_ptr<ConfigFileCacheTimer> cacheTimer);
-    /// The delay of the backup write in milliseconds. Before the store is shared.
+    /// Sets the delay of the backup write in milliseconds. Call before the store is shared.
     void setInterval(int milliseconds);
 
-    /// Whether the counterpart of `target`, or with `checkTarget` the target itself, is absent or readable.
+    /// Returns true if the other file of the pair is absent or readable; with `checkTarget`, if `target` itself is.
     bool checkIfGoodToWrite(const std::string& target, bool checkTarget);
 
 private:
@@ -75,7 +76,7 @@ private:
     bool readFromFile();
     bool readFromEncryptedFile();
     bool readProtectedText(zel::SecureString& content);
-    /// Whether the store keeps a second file: only the user's own store does.
+    /// Returns true if the store keeps a backup file: only the user's own store does.
     bool hasBackup() const;
     void take(ConfigMap read);
     void createConfigDirectory();
@@ -88,10 +89,11 @@ private:
     bool local;
     bool readOnly;
     bool destroyed = false;
-    zel::Mutex valuesMutex; ///< Guards `destroyed`, `lastPersistedValues`, and `values` but for ConfigTable::mayHold().
-    zel::Mutex fileMutex;   ///< Held while the files are read or written.
+    /// Guards `destroyed`, `lastPersistedValues` and `values`, except for ConfigTable::mayHold().
+    zel::Mutex valuesMutex;
+    zel::Mutex fileMutex; ///< Held while files are read or written.
     const std::unique_ptr<ConfigTable> values;
-    const std::unique_ptr<PersistedCopy> lastPersistedValues; ///< Told of each change of `values`.
+    const std::unique_ptr<PersistedCopy> lastPersistedValues; ///< Notified of each change of `values`.
     std::string configDirectory;
     std::string fileName;
     std::string backupFileName;

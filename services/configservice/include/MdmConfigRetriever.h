@@ -5,11 +5,11 @@
 
 namespace ZelUnified {
 
-/// Another service's source of the settings that device management pushes.
+/// Retrieves the settings from device management; implemented by another service.
 class LUMORA_CONFIG_API MdmConfigRetriever {
 public:
     virtual ~MdmConfigRetriever() = default;
-    /// Called once, by the constructor of the store, on its thread.
+    /// Returns the settings. Called once, by the store's constructor, on its thread.
     virtual ConfigMap retrieveMdmConfig() = 0;
 };
 

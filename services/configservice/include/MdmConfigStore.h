@@ -14,15 +14,15 @@ namespace ZelUnified {
 class ConfigTable;
 class MdmConfigRetriever;
 
-/// What a device-management system pushed. Each push makes a new store, which replaces the old one. Needs no lock:
-/// nothing changes the table after construction.
+/// Contains the settings from a device-management system. Each push creates a new store, which replaces the old one.
+/// Needs no lock, because the table is constant after construction.
 class LUMORA_CONFIG_API MdmConfigStore : public ConfigStore, public IndexedStore {
 public:
-    /// UTF-8 XML of root, groups and keys. A text that can't be read gives an empty store.
+    /// Reads a UTF-8 XML document of a root, groups and keys. If it cannot be parsed, the store is empty.
     explicit MdmConfigStore(const std::string& configXml);
-    /// A null retriever gives an empty store.
+    /// Reads the settings from `retriever`. If it is null, the store is empty.
     explicit MdmConfigStore(std::shared_ptr<MdmConfigRetriever> retriever);
-    /// As a null retriever.
+    /// Creates an empty store, like a null retriever.
     explicit MdmConfigStore(std::nullptr_t);
     ~MdmConfigStore() override;
 

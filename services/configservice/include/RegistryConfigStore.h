@@ -17,20 +17,20 @@ namespace ZelUnified {
 class ConfigTable;
 class UnifiedFactory;
 
-/// The policy that administrators leave in the registry of the current user: one key with all keys below it, flattened
-/// into one table. Read-only, and read once, in the constructor; a refresh makes a new store.
+/// Contains the policy that administrators set in the registry of the current user: one key with all its subkeys,
+/// flattened into one table. Read-only. The constructor reads the registry, once; a refresh creates a new store.
 ///
-/// The table never changes once constructed, so every operation may be called from any thread.
+/// The table is constant after construction, so any thread may call every operation.
 class LUMORA_CONFIG_API RegistryConfigStore : public ConfigStore, public IndexedStore {
 public:
-    /// Reads "Software\" + `subkey` (UTF-8) under the current user's root, marks passwords as sensitive keys of the
-    /// factory's feature set if there is one, logs the table, and leaves a text copy of it in the configuration
-    /// directory, which replaces that of any earlier store. A missing key gives an empty store.
+    /// Reads "Software\" + `subkey` (UTF-8) under the current user's root. Marks passwords as sensitive keys of the
+    /// factory's feature set, if there is one. Logs the table and writes it as a text file into the configuration
+    /// directory, where it replaces the file of any earlier store. If the registry key is missing, the store is empty.
     RegistryConfigStore(std::shared_ptr<UnifiedFactory> factory, std::string storeName, int storePriority,
                         std::string subkey);
     ~RegistryConfigStore() override;
 
-    /// Never answers for "CertificateValidationEnabled".
+    /// Never returns a value for "CertificateValidationEnabled".
     bool getValue(const std::wstring& key, std::wstring& value) override;
     bool storeValue(const std::wstring& key, const std::wstring& value) override;
     std::vector<std::wstring> getKeys() override;
@@ -43,22 +43,22 @@ public:
     void destroy() override {}
     bool isLocal() override { return false; }
     bool waitForStoreReady() override { return true; }
-    /// A place for stores that follow a registry which changes. This one does not.
+    /// Does nothing. A derived store that monitors the registry can override it.
     virtual void onRegistryChanged() {}
 
     bool lookUp(const FoldedKey& key, std::wstring& value) override;
     const std::type_info& getIndexedType() const override { return typeid(RegistryConfigStore); }
     KeyList listKeys() override;
 
-    /// Deletes the policy key of the current user with all that lies below it, as far as that may be done.
+    /// Deletes the current user's policy key with all its subkeys. Keys that cannot be deleted remain.
     static void removeRegistrySettings();
 
-    /// The room for a path, its terminator included.
+    /// The size of a path buffer in characters, including the terminator.
     static constexpr std::size_t pathBufferSize = 520;
     using PathBuffer = wchar_t[pathBufferSize];
 
-    /// Deletes the key with all that lies below it. True when it is gone, or never was. `subkey` is the buffer in which
-    /// the paths of the keys below are formed; afterwards it holds the path it came with.
+    /// Deletes the key with all its subkeys. Returns true if the key is gone or never existed. `subkey` is also the
+    /// buffer in which the paths of the subkeys are built; on return it contains the original path.
     static bool regDelnodeRecurse(zel::registry::HKEY root, PathBuffer& subkey);
 
 private:

@@ -12,21 +12,21 @@ namespace ZelUnified {
 
 class ConfigTable;
 
-/// An administrator's store over one XML file, read once at construction: a changed file reaches the system by a new
-/// store only. A file that can't be read gives an empty store. Any thread; one lock around every
-/// operation, but for the answer that a key is not held.
+/// An administrator's store, read once from an XML file by the constructor: a change of the file takes effect only in a
+/// new store. If the file cannot be read, the store is empty. Any thread. One lock guards every operation, except that
+/// a lookup may report a miss without it.
 ///
-/// "CertificateValidationEnabled" is held and listed but never answered.
+/// The store holds and lists "CertificateValidationEnabled" but never returns its value.
 class LUMORA_CONFIG_API XmlConfigStore : public ConfigStore, public IndexedStore {
 public:
-    /// With `readNow` the file is read at once, as a protected one when `encrypted`.
+    /// Reads the file if `readNow` is true, as a protected file if `encrypted` is true.
     XmlConfigStore(std::string storeName, int storePriority, bool isLocalStorage, bool encrypted, std::string file,
                    bool readNow);
     ~XmlConfigStore() override;
 
     bool getValue(const std::wstring& key, std::wstring& value) override;
-    /// Works although the store calls itself read-only: that flag keeps the chain from writing here, not the cache. The
-    /// file is not touched.
+    /// Inserts or overwrites the value although isReadOnly() returns true: that flag stops writes from the chain, not
+    /// from the cache. Does not write to the file.
     bool storeValue(const std::wstring& key, const std::wstring& value) override;
     std::vector<std::wstring> getKeys() override;
     bool removeValue(const std::wstring& key) override;
@@ -46,7 +46,7 @@ public:
 protected:
     const std::unique_ptr<ConfigTable> values;
     std::string filePath;
-    zel::Mutex valuesLock; ///< Guards `values`, but for ConfigTable::mayHold().
+    zel::Mutex valuesLock; ///< Guards `values`, except for ConfigTable::mayHold().
 
 private:
     std::shared_ptr<void> reserved;

@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-/// Makes the installer's store for a program that loads the service at run time and so can't name its classes.
+/// Creates the installer's store for a program that loads the service at run time and so cannot name its classes.
 extern "C" LUMORA_BOOTSTRAP_API void LumoraMakeBootstrapStore(const std::string& file, int priority,
                                                               std::shared_ptr<ZelUnified::ConfigStore>& store) {
     store = std::make_shared<ZelUnified::BootstrapConfigStore>(

@@ -1,7 +1,7 @@
 # bash completion for lumora-config
 # shellcheck shell=bash
 
-# The options that stand before or behind every command, and those that want an argument.
+# The options allowed before or after every command, and those with an argument.
 _lumora_config_global='-h --help --version --profile --config-dir --data-dir --state-dir --resources-dir --plugin-dir
   --store --bootstrap --json -v --verbose --show-secrets --trust'
 _lumora_config_with_argument=' --profile --config-dir --data-dir --state-dir --resources-dir --plugin-dir --store --bootstrap
@@ -18,7 +18,7 @@ _lumora_config_options_of() {
   esac
 }
 
-# Asks the program itself, on the profile that the line names. The first line is a heading.
+# Asks the program, using the profile that the command line names. The first line is a heading.
 _lumora_config_keys() {
   "${COMP_WORDS[0]}" "${_lumora_config_folders[@]}" list 2>/dev/null | awk 'NR > 1 { print $1 == "*" ? $2 : $1 }'
 }

@@ -1,6 +1,6 @@
 # fish completion for lumora-config
 
-# Asks the program itself, on the profile that the line names.
+# Asks the program, using the profile that the command line names.
 function __lumora_config_ask
     set -l words (commandline -opc)
     set -l folders

@@ -35,7 +35,7 @@ Output openStream(StandardStreams::Stream stream, const OutputForm& form) {
     return {form, [stream](std::string_view bytes) { return StandardStreams::write(stream, bytes); }};
 }
 
-/// Where the program writes. Outlives everything that prints or logs.
+/// The outputs of the program. They outlive everything that prints or logs.
 struct Outputs {
     Output answers = openStream(StandardStreams::Stream::Output, Terminal::describeOutput());
     Output messages = openStream(StandardStreams::Stream::Error, Terminal::describeError());
@@ -50,7 +50,7 @@ std::unique_ptr<Printer> makePrinter(const CommandLine& line, Outputs& outputs) 
                                          inShell ? JsonPrinter::Failures::AsObjects : JsonPrinter::Failures::AsText);
 }
 
-/// Hands in the stores of the command line. One whose copy is not on the disk serves this run all the same.
+/// Adds the stores of the command line. A store whose copy is not on the disk still serves this run.
 ExitCode addForeignStores(Session& session, const CommandLine& line, Printer& printer) {
     auto code = ExitCode::Done;
     for (const auto& spec : line.stores) {
@@ -80,7 +80,7 @@ ExitCode runShell(Session& session) {
     return shell.run();
 }
 
-/// Needs no plug-in, and shows a damaged file before a host moves it aside.
+/// Runs without a plug-in, before a host moves a damaged file aside.
 void examineProfile(const CommandLine& line, Printer& printer) {
     KyrCoreUtils::FileUtils::overrideDirectories(line.directories);
     showHealth(Doctor(Doctor::Lock::NotHeld).examine(), printer);
@@ -145,7 +145,7 @@ ExitCode runGuarded(int argc, char** argv, Outputs& outputs) {
     }
 }
 
-/// An answer that nobody could read was not given. A reader that closed its pipe had seen enough.
+/// Returns Environment if an answer could not be written, otherwise `code`. A closed pipe is not an error.
 ExitCode checkAnswers(ExitCode code, Outputs& outputs) {
     int error = outputs.answers.getError();
     if (error == 0) {
@@ -163,7 +163,7 @@ ExitCode checkAnswers(ExitCode code, Outputs& outputs) {
 
 int main(int argc, char** argv) {
     StandardStreams::prepare();
-    // A command, and the end of the host, run to their end first: what was acknowledged is on the disk then.
+    // A signal does not interrupt a command or the end of the host, so acknowledged changes are on the disk.
     const EndSignals signals;
     Outputs outputs;
     const auto code = checkAnswers(runGuarded(argc, argv, outputs), outputs);

@@ -55,10 +55,12 @@ bool PendingWrites::write(const std::string& path, const ProtectedText& content,
             succeed(*entry);
             return true;
         }
-        isKept = fail(*entry, cause, keep(content, category));
+        auto copy = keep(content, category);
+        const bool isCopied = copy.has_value();
+        isKept = fail(*entry, cause, std::move(copy));
         ZelLog(logger, ZelLogLevel::Error, ZEL_HERE,
                "Failed to write protected file " + ZelLogger_replacePIIData(path) + ": " + cause +
-                   (isKept ? "; the content is kept and will be written again" : "; the content is not kept"));
+                   (isCopied ? "; the content is kept and will be written again" : "; the content is not kept"));
     }
     if (isKept) {
         notifyListener();

@@ -106,11 +106,15 @@ std::optional<std::string> ProtectedFileFormat::seal(std::string_view clear, Fil
     return file;
 }
 
+bool ProtectedFileFormat::hasMagic(std::string_view file) {
+    return file.starts_with(magic);
+}
+
 ReadOutcome ProtectedFileFormat::inspect(std::string_view file, FileCategoryType::FileCategory category) {
     if (file.size() < overhead) {
         return {ReadResult::Damaged, "too short"};
     }
-    if (!file.starts_with(magic)) {
+    if (!hasMagic(file)) {
         return {ReadResult::Damaged, "not a protected file"};
     }
     if (file[versionAt] != currentVersion) {

@@ -40,6 +40,8 @@ public:
     static std::optional<std::string> seal(std::string_view clear, FileCategoryType::FileCategory category,
                                            const MasterKey& key);
 
+    /// Returns true if the bytes begin like a file of any version.
+    static bool hasMagic(std::string_view file);
     /// Looks at what can be told without a key. Ok promises nothing about the rest.
     static ReadOutcome inspect(std::string_view file, FileCategoryType::FileCategory category);
 

@@ -6,6 +6,7 @@
 #include <kyr/FileUtils.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <map>
 #include <string_view>
 #include <utility>
@@ -15,6 +16,10 @@ namespace zel::storage {
 namespace {
 
 constexpr std::string_view extension = ".dat";
+constexpr std::string_view localFile = "lumoraLocalConfig.dat";
+constexpr std::string_view localBackupFile = "lumoraLocalConfig_backup.dat";
+/// The name of a store, which follows, may contain separators.
+constexpr std::string_view cachedCopies = "Cache/cached";
 
 } // namespace
 
@@ -68,8 +73,16 @@ std::vector<KeptFile> ProtectedFileTree::listMovedAside() const {
 std::vector<std::string> ProtectedFileTree::listFiles() const {
     std::vector<std::string> found;
     KyrCoreUtils::FileUtils::getFilesFromDirectory(directory, "dat", found);
-    std::erase_if(found, [](const std::string& path) { return !path.ends_with(extension); });
+    std::erase_if(found, [this](const std::string& path) {
+        return !path.ends_with(extension) || (!hasClientsName(path) && !files.hasHeader(path));
+    });
     return found;
+}
+
+/// A damaged file may have lost its header, so only its name tells whose it is.
+bool ProtectedFileTree::hasClientsName(const std::string& path) const {
+    const std::string name = std::filesystem::path(path).lexically_relative(directory).generic_string();
+    return name == localFile || name == localBackupFile || name.starts_with(cachedCopies);
 }
 
 } // namespace zel::storage

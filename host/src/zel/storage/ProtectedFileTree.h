@@ -8,7 +8,8 @@
 
 namespace zel::storage {
 
-/// The protected files at and below one directory: those that end in ".dat", and those moved aside.
+/// The protected files at and below one configuration directory: those with a name that the client gives its protected
+/// files, those with the header of the format, and those moved aside. Ignores the files of other programs.
 class ProtectedFileTree {
 public:
     /// `access` outlives the tree.
@@ -21,6 +22,7 @@ public:
 
 private:
     std::vector<std::string> listFiles() const;
+    bool hasClientsName(const std::string& path) const;
 
     ProtectedFiles& files;
     const std::string directory;

@@ -92,6 +92,12 @@ ReadOutcome ProtectedFiles::examine(const std::string& path, FileCategoryType::F
     return readOne(path, category, [](std::string_view) {});
 }
 
+bool ProtectedFiles::hasHeader(const std::string& path) {
+    std::string file;
+    return readRegularFile(layer, path, ProtectedFileFormat::maximumFileLength, file).result == ReadResult::Ok &&
+           ProtectedFileFormat::hasMagic(file);
+}
+
 void ProtectedFiles::moveAsideIfUnusable(const std::string& path, FileCategoryType::FileCategory category) {
     const ReadOutcome outcome = examine(path, category);
     const bool isOfAnotherKey = outcome.result == ReadResult::WrongKey && hasKey(category);
@@ -121,8 +127,9 @@ std::string ProtectedFiles::restore(const std::string& keptAs) {
 }
 
 FileCategoryType::FileCategory ProtectedFiles::categoryOf(const std::string& path) {
-    return splitPath(path).name.find("UrlProvisioningConfigStore") == std::string::npos ? FileCategoryType::UserData
-                                                                                        : FileCategoryType::DeviceData;
+    const bool isUsersFile = splitPath(path).name.starts_with("lumoraLocalConfig");
+    return isUsersFile || path.find("UrlProvisioningConfigStore") == std::string::npos ? FileCategoryType::UserData
+                                                                                       : FileCategoryType::DeviceData;
 }
 
 ReadOutcome ProtectedFiles::readOne(const std::string& path, FileCategoryType::FileCategory category,

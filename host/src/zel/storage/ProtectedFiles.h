@@ -30,13 +30,16 @@ public:
 
     /// Reads exactly this file and forgets its content.
     ReadOutcome examine(const std::string& path, FileCategoryType::FileCategory category);
+    /// Returns true if this file can be opened and begins like a protected file.
+    bool hasHeader(const std::string& path);
     /// Moves the file aside if it is damaged, empty or encrypted with another key than the present one.
     void moveAsideIfUnusable(const std::string& path, FileCategoryType::FileCategory category);
     /// Puts a file that was moved aside back in its place; a file that is there is kept. Returns why it failed, for a
     /// user; "" on success.
     std::string restore(const std::string& keptAs);
 
-    /// The category of a file that exists already: the copy of the provisioned settings is device data.
+    /// The category of a file that exists already: the copy of the provisioned settings is device data. For cached
+    /// copies folders count, because the name of a store may contain separators.
     static FileCategoryType::FileCategory categoryOf(const std::string& path);
 
 private:

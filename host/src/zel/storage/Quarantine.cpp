@@ -54,7 +54,11 @@ int Quarantine::keep(const std::string& path, std::string& keptAs) const {
 
 int Quarantine::moveAside(const std::string& path, std::string& keptAs) const {
     const Numbered names = list(path);
-    keptAs = nameOf(path, names.empty() ? 1 : names.back().first + 1);
+    const unsigned long number = names.empty() ? 1 : names.back().first + 1;
+    if (number > highestNumber) {
+        return EEXIST; // list() does not find a file with a higher number, so the next one would replace it
+    }
+    keptAs = nameOf(path, number);
     if (const int error = layer.rename(path, keptAs); error != 0) {
         return error;
     }
@@ -69,6 +73,9 @@ int Quarantine::putBack(const std::string& replacement, const std::string& path)
         return error;
     }
     if (const int error = layer.rename(replacement, path); error != 0) {
+        if (!keptAs.empty()) {
+            layer.rename(keptAs, path); // where the file system has no links, the file has been moved
+        }
         return error;
     }
     return layer.syncDirectory(splitPath(path).directory);

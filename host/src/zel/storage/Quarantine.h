@@ -26,7 +26,8 @@ public:
     int keep(const std::string& path, std::string& keptAs) const;
     /// Moves the file at `path` and syncs its directory. Returns 0 or an errno value.
     int moveAside(const std::string& path, std::string& keptAs) const;
-    /// Replaces the file at `path`, which is kept, by the kept file `replacement`. Returns 0 or an errno value.
+    /// Replaces the file at `path`, which is kept, by the kept file `replacement`. Returns 0 or an errno value. If it
+    /// can't be replaced, it stays in its place.
     int putBack(const std::string& replacement, const std::string& path) const;
 
     struct KeptName {

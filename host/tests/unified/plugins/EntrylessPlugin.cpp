@@ -1,4 +1,4 @@
-/// A library that is no plug-in.
+/// A library without the entry point of a plug-in.
 extern "C" [[gnu::visibility("default")]] int somethingElse() {
     return 1;
 }

@@ -6,12 +6,12 @@
 
 namespace host_tests {
 
-/// What the test plug-in provides. Its visibility lets both sides agree on the type.
+/// The feature set of the test plug-in. Its visibility makes the type equal on both sides.
 class [[gnu::visibility("default")]] PluginFeatureSet : public ZelUnified::FeatureSet {
 public:
-    /// How often the library's entry was called with this factory.
+    /// Returns how often the library's entry point was called with this factory.
     virtual int getEntryCalls() const = 0;
-    /// Whether a lookup of this interface, made from inside the entry, gave something.
+    /// Returns true if a lookup of this interface inside the entry point succeeded.
     virtual bool wasFoundInsideTheEntry() const = 0;
 };
 

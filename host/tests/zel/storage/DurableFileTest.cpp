@@ -29,7 +29,7 @@ struct DurableFileTest : testing::Test {
     const std::string oldContent = "the old content";
     const std::string newContent = "a new content that is a little longer";
 
-    /// Leaves the old content in place, as a layer sees it that starts now.
+    /// Deletes all files and writes the old content.
     void startOver() {
         fs::remove_all(profile.config());
         writeFile(path, oldContent);

@@ -44,7 +44,7 @@ struct EncryptFileUtilsTest : testing::Test {
     static bool write(const std::string& to, const PlainText& content) {
         return EncryptFileUtils::writeDataToFile(to, content, UserData);
     }
-    /// The content, or the result in angle brackets; checks that a failure leaves the content alone.
+    /// Returns the content, or the result in angle brackets. Checks that a failure leaves the out parameter unchanged.
     static std::string read(const std::string& from, FileCategory category = UserData) {
         PlainText content("untouched");
         const ReadResult result = EncryptFileUtils::readData(from, content, category);
@@ -57,7 +57,7 @@ struct EncryptFileUtilsTest : testing::Test {
         EXPECT_EQ(content.text, "untouched");
         return nameOf(result);
     }
-    /// What the disk holds, whatever content is kept.
+    /// Returns the content of the disk, ignoring content that is kept in memory.
     std::string onDisk() const {
         PlainText content;
         const ReadResult result = EncryptFileUtils::readFromDisk(path, content, UserData);
@@ -233,7 +233,7 @@ TEST_F(EncryptFileUtilsTest, AFileOfALostKeyIsKeptBeside) {
 
 TEST_F(EncryptFileUtilsTest, WhatCanNotBeKeptIsNotReplaced) {
     writeFile(physical, "rubbish");
-    storage.layer->failAt(Operation::Link, 2, EIO); // the first one publishes the key
+    storage.layer->failAt(Operation::Link, 2, EIO); // the first link publishes the key
     EXPECT_FALSE(write(path, first));
     EXPECT_EQ(readFile(physical), "rubbish");
     EXPECT_THAT(namesIn(config), ElementsAre("settings.dat"));

@@ -17,7 +17,7 @@ using testing_host::readFile;
 using testing_host::writeFile;
 using Operation = FaultInjectingFileLayer::Operation;
 
-/// The tests that stand on the layer mean nothing if it takes nothing back.
+/// The tests that use the layer depend on its reverting unsynced changes.
 struct FaultInjectingFileLayerTest : testing::Test {
     testing_host::TemporaryProfile profile;
     FaultInjectingFileLayer layer;

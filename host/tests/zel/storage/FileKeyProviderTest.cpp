@@ -188,7 +188,7 @@ TEST_F(FileKeyProviderTest, ThreadsThatMakeTheKeyAtOnceAgree) {
     EXPECT_THAT(seen, testing::Each(make()));
 }
 
-/// Starts processes that all wait for one moment, make the key and send it home. What they sent.
+/// Starts processes that wait for the same moment, create the key and send it to the parent. Returns the received keys.
 std::vector<std::string> makeInProcesses(FileKeyProvider& provider, std::size_t count) {
     int start[2];
     int answers[2];
@@ -252,7 +252,7 @@ TEST_F(FileKeyProviderTest, ALockThatIsHeldTooLongIsReportedAndMakesNoKey) {
 }
 
 TEST_F(FileKeyProviderTest, WhereLocksHoldNothingTheLinkDecides) {
-    // Another process makes its key between the look and the link.
+    // Another process creates its key between the check and the link.
     class LateLayer final : public zel::storage::FileLayer {
     public:
         explicit LateLayer(FileKeyProvider& provider) : other(provider) {}

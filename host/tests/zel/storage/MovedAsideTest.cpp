@@ -52,7 +52,7 @@ struct MovedAsideTest : testing::Test {
         write("good.dat");
         fs::create_directory(config / "Cache");
         write("Cache/cachedUrlProvisioningConfigStore.dat", "link", DeviceData);
-        writeFile(config / "damaged.dat", "rubbish");
+        writeFile(config / "lumoraLocalConfig.dat", "rubbish");
         writeFile(config / "Cache/cachedStore.dat", "");
         writeFile(config / "later.dat", readFile(config / "good.dat").replace(4, 1, "\x02"));
         writeFile(config / "foreign.xml", "rubbish");
@@ -73,18 +73,49 @@ TEST_F(MovedAsideTest, DamagedEmptyAndWronglyKeyedFilesAreMovedAsideAndReported)
         EXPECT_TRUE(fs::exists(moved.keptAs));
     }
     EXPECT_EQ(reasons, (std::map<std::string, ReadResult>{{"cachedStore.dat", ReadResult::Damaged},
-                                                          {"damaged.dat", ReadResult::Damaged},
+                                                          {"lumoraLocalConfig.dat", ReadResult::Damaged},
                                                           {"wrongcategory.dat", ReadResult::WrongKey},
                                                           {"wrongkey.dat", ReadResult::WrongKey}}));
     EXPECT_EQ(log.getTexts(ZelLogLevel::Warning).size(), 4U);
-    EXPECT_TRUE(log.mentions("Moved aside " + storage.configFile("damaged.dat") +
-                             ", which can't be read (too short), as damaged.dat.unreadable"));
+    EXPECT_TRUE(log.mentions("Moved aside " + storage.configFile("lumoraLocalConfig.dat") +
+                             ", which can't be read (too short), as lumoraLocalConfig.dat.unreadable"));
     EXPECT_EQ(EncryptFileUtils::health(configDirectory).movedAside.size(), 4U);
     EXPECT_THAT(EncryptFileUtils::health(storage.profile.data().string()).movedAside, IsEmpty());
     EXPECT_TRUE(fs::exists(config / "good.dat"));
     EXPECT_TRUE(fs::exists(config / "later.dat")) << "of a later version, which can't be opened";
     EXPECT_TRUE(fs::exists(config / "foreign.xml"));
     EXPECT_TRUE(fs::exists(config / "Cache/cachedUrlProvisioningConfigStore.dat"));
+}
+
+TEST_F(MovedAsideTest, FilesOfOtherProgramsAreNeitherMovedNorExamined) {
+    fs::create_directories(config / "Cache");
+    fs::create_directories(config / "other");
+    for (const char* name : {"SSOAuthInfoStore.dat", "Cache/other.dat", "other/cachedStore.dat",
+                             "other/lumoraLocalConfig.dat", "lumoraLocalConfig_backup.dat.txt"}) {
+        writeFile(config / name, "text of another program");
+    }
+    for (const std::string& root : {configDirectory, configDirectory + "/"}) {
+        EXPECT_THAT(check(root), IsEmpty());
+        EXPECT_THAT(EncryptFileUtils::health(root).files, IsEmpty());
+    }
+    EXPECT_EQ(readFile(config / "SSOAuthInfoStore.dat"), "text of another program");
+    EXPECT_EQ(readFile(config / "other/lumoraLocalConfig.dat"), "text of another program");
+}
+
+TEST_F(MovedAsideTest, ACopyOfAStoreWithSeparatorsInItsNameIsChecked) {
+    fs::create_directories(config / "Cache/cachedA");
+    writeFile(config / "Cache/cachedA/B.dat", "rubbish");
+    EXPECT_EQ(check(configDirectory + "/").size(), 1U);
+}
+
+TEST_F(MovedAsideTest, AGoodFileKeepsItsPlaceIfAFolderBearsTheNameOfTheProvisionedStore) {
+    const fs::path folder = config / "Cache/cachedUrlProvisioningConfigStore";
+    fs::create_directories(folder);
+    write("Cache/cachedUrlProvisioningConfigStore/B.dat", "text", DeviceData);
+    write("lumoraLocalConfig.dat", "text", UserData);
+    EXPECT_THAT(check(configDirectory), IsEmpty());
+    fs::rename(config / "lumoraLocalConfig.dat", folder / "lumoraLocalConfig.dat");
+    EXPECT_THAT(check(folder.string()), IsEmpty());
 }
 
 TEST_F(MovedAsideTest, AnEmptyFileIsMovedAside) {
@@ -101,20 +132,20 @@ TEST_F(MovedAsideTest, AnEmptyFileIsMovedAside) {
 }
 
 TEST_F(MovedAsideTest, AFileThatCantBeOpenedStays) {
-    write("good.dat");
-    writeFile(config / "damaged.dat", "rubbish");
+    write("lumoraLocalConfig_backup.dat");
+    writeFile(config / "lumoraLocalConfig.dat", "rubbish");
     for (const Operation step : {Operation::OpenForReading, Operation::Read}) {
-        storage.layer->failAt(step, 1, EACCES); // damaged.dat is the first
+        storage.layer->failAt(step, 1, EACCES); // lumoraLocalConfig.dat is the first
         EXPECT_THAT(check(configDirectory), IsEmpty());
     }
-    fs::remove(config / "damaged.dat");
-    fs::create_directory(config / "damaged.dat");
+    fs::remove(config / "lumoraLocalConfig.dat");
+    fs::create_directory(config / "lumoraLocalConfig.dat");
     EXPECT_THAT(check(configDirectory), IsEmpty());
-    EXPECT_THAT(namesIn(config), ElementsAre("damaged.dat", "good.dat"));
+    EXPECT_THAT(namesIn(config), ElementsAre("lumoraLocalConfig.dat", "lumoraLocalConfig_backup.dat"));
 }
 
 TEST_F(MovedAsideTest, AFileWhoseKeyCantBeOpenedStays) {
-    write("good.dat");
+    write("lumoraLocalConfig_backup.dat");
     fs::rename(storage.keys() / "cat2.key", storage.keys() / "gone");
     EXPECT_THAT(check(configDirectory), IsEmpty()) << "no key";
     writeFile(storage.keys() / "cat2.key", "rubbish");
@@ -123,43 +154,56 @@ TEST_F(MovedAsideTest, AFileWhoseKeyCantBeOpenedStays) {
     fs::rename(storage.keys() / "gone", storage.keys() / "cat2.key");
     storage.layer->failAt(Operation::OpenForReading, 2, EACCES); // the file, then its key
     EXPECT_THAT(check(configDirectory), IsEmpty()) << "no access to the key";
-    EXPECT_THAT(namesIn(config), ElementsAre("good.dat"));
+    EXPECT_THAT(namesIn(config), ElementsAre("lumoraLocalConfig_backup.dat"));
 }
 
 TEST_F(MovedAsideTest, AFileThatCantBeMovedIsReportedAsAnErrorAndStays) {
-    writeFile(config / "damaged.dat", "rubbish");
+    writeFile(config / "lumoraLocalConfig.dat", "rubbish");
     storage.layer->failAt(Operation::Rename, 1, EROFS);
     const LogRecorder log;
     EXPECT_THAT(check(configDirectory), IsEmpty());
-    EXPECT_THAT(log.getTexts(ZelLogLevel::Error), ElementsAre(HasSubstr("damaged.dat, which can't be read (too short): "
-                                                                        "Read-only file system")));
-    EXPECT_EQ(readFile(config / "damaged.dat"), "rubbish");
+    EXPECT_THAT(log.getTexts(ZelLogLevel::Error),
+                ElementsAre(HasSubstr("lumoraLocalConfig.dat, which can't be read (too short): "
+                                      "Read-only file system")));
+    EXPECT_EQ(readFile(config / "lumoraLocalConfig.dat"), "rubbish");
 }
 
 TEST_F(MovedAsideTest, ATakenNameIsNeverReplaced) {
-    writeFile(config / "a.dat.unreadable", "older");
-    fs::create_directory(config / "a.dat.unreadable.2");
-    writeFile(config / "a.dat", "rubbish");
+    writeFile(config / "lumoraLocalConfig.dat.unreadable", "older");
+    fs::create_directory(config / "lumoraLocalConfig.dat.unreadable.2");
+    writeFile(config / "lumoraLocalConfig.dat", "rubbish");
     ASSERT_EQ(check(configDirectory).size(), 1U);
-    EXPECT_THAT(namesIn(config), ElementsAre("a.dat.unreadable", "a.dat.unreadable.2", "a.dat.unreadable.3"));
-    EXPECT_EQ(readFile(config / "a.dat.unreadable"), "older");
-    EXPECT_EQ(readFile(config / "a.dat.unreadable.3"), "rubbish");
+    EXPECT_THAT(namesIn(config), ElementsAre("lumoraLocalConfig.dat.unreadable", "lumoraLocalConfig.dat.unreadable.2",
+                                             "lumoraLocalConfig.dat.unreadable.3"));
+    EXPECT_EQ(readFile(config / "lumoraLocalConfig.dat.unreadable"), "older");
+    EXPECT_EQ(readFile(config / "lumoraLocalConfig.dat.unreadable.3"), "rubbish");
+}
+
+TEST_F(MovedAsideTest, AFileStaysIfTheHighestNumberIsTaken) {
+    writeFile(config / "lumoraLocalConfig.dat.unreadable.1000000", "older");
+    writeFile(config / "lumoraLocalConfig.dat.unreadable.1000001", "not a kept file");
+    writeFile(config / "lumoraLocalConfig.dat", "rubbish");
+    EXPECT_THAT(check(configDirectory), IsEmpty());
+    EXPECT_EQ(readFile(config / "lumoraLocalConfig.dat"), "rubbish");
+    EXPECT_EQ(readFile(config / "lumoraLocalConfig.dat.unreadable.1000001"), "not a kept file");
 }
 
 TEST_F(MovedAsideTest, TheNewestFiveAreKeptAndDirectoriesAreLeftAlone) {
-    fs::create_directory(config / "a.dat.unreadable.3");
+    fs::create_directory(config / "lumoraLocalConfig.dat.unreadable.3");
     for (int i = 1; i <= 12; ++i) {
-        writeFile(config / "a.dat", "rubbish " + std::to_string(i));
+        writeFile(config / "lumoraLocalConfig.dat", "rubbish " + std::to_string(i));
         check(configDirectory);
-        if (i == 6) { // replaced in place, as a write does it
-            writeFile(config / "a.dat", "rubbish while writing");
-            write("a.dat");
+        if (i == 6) { // replaced in place, as a write does
+            writeFile(config / "lumoraLocalConfig.dat", "rubbish while writing");
+            write("lumoraLocalConfig.dat");
         }
     }
-    EXPECT_THAT(namesIn(config), ElementsAre("a.dat.unreadable.12", "a.dat.unreadable.13", "a.dat.unreadable.14",
-                                             "a.dat.unreadable.15", "a.dat.unreadable.16", "a.dat.unreadable.3"));
-    EXPECT_EQ(readFile(config / "a.dat.unreadable.12"), "rubbish 8");
-    EXPECT_EQ(readFile(config / "a.dat.unreadable.16"), "rubbish 12");
+    EXPECT_THAT(namesIn(config),
+                ElementsAre("lumoraLocalConfig.dat.unreadable.12", "lumoraLocalConfig.dat.unreadable.13",
+                            "lumoraLocalConfig.dat.unreadable.14", "lumoraLocalConfig.dat.unreadable.15",
+                            "lumoraLocalConfig.dat.unreadable.16", "lumoraLocalConfig.dat.unreadable.3"));
+    EXPECT_EQ(readFile(config / "lumoraLocalConfig.dat.unreadable.12"), "rubbish 8");
+    EXPECT_EQ(readFile(config / "lumoraLocalConfig.dat.unreadable.16"), "rubbish 12");
 }
 
 TEST_F(MovedAsideTest, NamesOfKeptFilesAreTakenApartExactly) {
@@ -216,6 +260,20 @@ TEST_F(MovedAsideTest, RestoringDropsContentThatWaits) {
     EXPECT_EQ(content.text, "kept");
 }
 
+TEST_F(MovedAsideTest, AFailedRestoringLeavesThePresentFileInItsPlaceWithoutLinksToo) {
+    write("a.dat", "kept");
+    fs::rename(config / "a.dat", config / "a.dat.unreadable");
+    write("a.dat", "present");
+    storage.layer->failAt(Operation::Link, 1, EPERM);
+    storage.layer->failAt(Operation::Rename, 2, EIO); // the present file, then the kept one
+    EXPECT_FALSE(EncryptFileUtils::restoreMovedAside(storage.configFile("a.dat.unreadable")).succeeded);
+    PlainText content;
+    ASSERT_TRUE(EncryptFileUtils::readDataFromFile(storage.configFile("a.dat"), content, UserData));
+    EXPECT_EQ(content.text, "present");
+    ASSERT_TRUE(EncryptFileUtils::readDataFromFile(storage.configFile("a.dat.unreadable"), content, UserData));
+    EXPECT_EQ(content.text, "kept");
+}
+
 TEST_F(MovedAsideTest, WhatCantBeReadIsNotRestored) {
     writeFile(config / "a.dat.unreadable", "rubbish");
     write("a.dat", "present");
@@ -235,8 +293,8 @@ TEST_F(MovedAsideTest, HealthTellsTheStateOfEachFileOnTheDisk) {
     writeAllStates();
     storage.layer->setFreeSpace(0);
     EXPECT_FALSE(EncryptFileUtils::writeDataToFile(storage.configFile("absent.dat"), PlainText("x"), UserData));
-    fs::create_directory(config / "directory.dat");
-    fs::create_symlink(config / "directory.dat", config / "linked.dat");
+    fs::create_directory(config / "directory");
+    fs::create_symlink(config / "directory", config / "lumoraLocalConfig_backup.dat");
     std::map<std::string, ReadResult> states;
     for (const auto& file : EncryptFileUtils::health(configDirectory).files) {
         states[fs::path(file.path).filename()] = file.state;
@@ -245,13 +303,13 @@ TEST_F(MovedAsideTest, HealthTellsTheStateOfEachFileOnTheDisk) {
     EXPECT_EQ(states, (std::map<std::string, ReadResult>{{"absent.dat", ReadResult::Absent},
                                                          {"cachedStore.dat", ReadResult::Damaged},
                                                          {"cachedUrlProvisioningConfigStore.dat", ReadResult::Ok},
-                                                         {"damaged.dat", ReadResult::Damaged},
+                                                         {"lumoraLocalConfig.dat", ReadResult::Damaged},
                                                          {"good.dat", ReadResult::Ok},
                                                          {"later.dat", ReadResult::Unreadable},
-                                                         {"linked.dat", ReadResult::Unreadable},
+                                                         {"lumoraLocalConfig_backup.dat", ReadResult::Unreadable},
                                                          {"wrongcategory.dat", ReadResult::WrongKey},
                                                          {"wrongkey.dat", ReadResult::WrongKey}}));
-    EXPECT_TRUE(fs::exists(config / "damaged.dat")) << "the query changes nothing";
+    EXPECT_TRUE(fs::exists(config / "lumoraLocalConfig.dat")) << "the query changes nothing";
 }
 
 TEST_F(MovedAsideTest, AReplacedUnreadableFileIsReportedToo) {

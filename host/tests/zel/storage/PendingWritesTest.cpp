@@ -36,7 +36,7 @@ using Operation = testing_host::FaultInjectingFileLayer::Operation;
 
 namespace fs = std::filesystem;
 
-/// Writes that fail because the disk is full, until heal().
+/// Tests writes that fail because the disk is full until heal().
 struct PendingWritesTest : testing::Test {
     testing_host::StorageProfile storage;
     const std::string path = storage.configFile("settings.dat");
@@ -279,6 +279,10 @@ TEST_F(PendingWritesTest, ContentThatCantBeCopiedIsNotKeptAndTheLogSaysSo) {
     EXPECT_THAT(log.getTexts(ZelLogLevel::Error),
                 ElementsAre(AllOf(HasSubstr("No space left"), HasSubstr("; the content is not kept"))));
     EXPECT_EQ(read(), "old");
+    EXPECT_FALSE(write("older"));
+    EXPECT_FALSE(EncryptFileUtils::writeDataToFile(path, Uncopied(), UserData));
+    EXPECT_THAT(log.getTexts(ZelLogLevel::Error).back(), HasSubstr("; the content is not kept"));
+    EXPECT_EQ(read(), "older") << "newer than what the disk holds";
 }
 
 TEST_F(PendingWritesTest, AContentPutBackNeverReplacesANewerWrite) {

@@ -8,7 +8,7 @@
 
 namespace testing_host {
 
-/// A content that is not protected at all.
+/// An unprotected content.
 class PlainText final : public zel::storage::ProtectedText {
 public:
     PlainText() = default;

@@ -26,7 +26,7 @@ using zel::storage::FileCategoryType::UserData;
 
 namespace fs = std::filesystem;
 
-/// What stands on the disk before the write that is disturbed.
+/// The state of the disk before the disturbed write.
 enum class Before { Nothing, Readable, Damaged, KeyLost, KeyMalformed };
 
 struct ProtectedFileCrashTest : testing::TestWithParam<Before> {
@@ -53,7 +53,7 @@ struct ProtectedFileCrashTest : testing::TestWithParam<Before> {
         return EncryptFileUtils::writeDataToFile(storage.configFile("a.dat"), PlainText(content), UserData);
     }
 
-    /// The calls of an undisturbed write.
+    /// Returns the number of calls of an undisturbed write.
     std::size_t countCalls() const {
         StorageProfile storage;
         prepare(storage, oldContent);
@@ -62,7 +62,7 @@ struct ProtectedFileCrashTest : testing::TestWithParam<Before> {
         return storage.layer->getCalls().size() - before;
     }
 
-    /// The old state, as far as it could be read, or the new one; nothing between.
+    /// Expects the old state, as far as it was readable, or the new one.
     void expectOldOrNew(StorageProfile& storage, const std::string& fileBefore, bool reported) const {
         PlainText content;
         const ReadResult result = EncryptFileUtils::readFromDisk(storage.configFile("a.dat"), content, UserData);
@@ -91,7 +91,7 @@ TEST_P(ProtectedFileCrashTest, AFailureAtAnyCallLeavesOldOrNewAndNoTemporaryFile
             const bool reported = write(storage, newContent);
             storage.layer->heal();
             expectOldOrNew(storage, fileBefore, reported);
-            // Only when the removal itself fails a name stays behind, until it is old enough to be swept away.
+            // A name remains only if its removal failed, until it is old enough to be cleaned up.
             if (storage.layer->getCalls().at(callsBefore + call - 1) != FaultInjectingFileLayer::Operation::Unlink) {
                 EXPECT_THAT(namesIn(storage.profile.config()),
                             testing::Not(testing::Contains(testing::EndsWith(".tmp"))));

@@ -143,7 +143,7 @@ TEST_F(ProtectedFileFormatTest, NoTextAndTooLongATextAreRefused) {
     EXPECT_FALSE(ProtectedFileFormat::seal(longest + "x", UserData, key).has_value());
 }
 
-/// A folder as the first release left it: it must stay readable for ever.
+/// A folder written by the first release, which must always stay readable.
 TEST_F(ProtectedFileFormatTest, TheFirstReleasesFilesOpen) {
     const std::filesystem::path data = LUMORA_TEST_DATA;
     FileKeyProvider provider(FileLayer::platform(), (data / "first-release").string());

@@ -9,8 +9,8 @@
 
 namespace testing_host {
 
-/// The file format written down a second time, from its description and with other calls of the library, so that a slip
-/// in the product's own writer and reader alike does not go unnoticed. Seals the empty text as well.
+/// A second implementation of the file format, written from its description with other calls of the library, so that an
+/// error in both the product's writer and reader is detected. It also encrypts the empty text.
 inline std::string hmacSha256(const std::string& key, const std::string& text) {
     std::string result(32, '\0');
     unsigned int length = 0;

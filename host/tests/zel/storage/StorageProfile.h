@@ -13,7 +13,7 @@
 
 namespace testing_host {
 
-/// A profile whose protected files go through a fault-injecting layer.
+/// A profile whose protected files use a fault-injecting layer.
 struct StorageProfile {
     StorageProfile() { zel::storage::EncryptFileUtils::overrideFileLayer(layer); }
     ~StorageProfile() {
@@ -30,7 +30,7 @@ struct StorageProfile {
     std::shared_ptr<FaultInjectingFileLayer> layer = std::make_shared<FaultInjectingFileLayer>();
 };
 
-/// The names in a folder, sorted.
+/// Returns the sorted names in a folder.
 inline std::vector<std::string> namesIn(const std::filesystem::path& folder) {
     std::vector<std::string> names;
     for (const auto& entry : std::filesystem::directory_iterator(folder)) {

@@ -7,7 +7,7 @@
 
 namespace zel {
 
-/// A recursive lock. When the platform's lock can't be allocated it says so on standard output and locks nothing.
+/// A recursive lock. If the platform's lock cannot be allocated, prints a message to standard output and locks nothing.
 class LUMORA_CONFIG_API Mutex {
 public:
     Mutex();

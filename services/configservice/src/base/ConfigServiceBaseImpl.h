@@ -13,8 +13,8 @@ namespace ZelUnified {
 #pragma clang diagnostic ignored "-Woverloaded-virtual" // as in UnifiedService
 #endif
 
-/// The property of the service, with the setter and the firing that belong to its owner. The setter does not fire.
-/// Services dispatcher's thread, but for the constructor and the observer operations.
+/// Holds the property of the service. Only the owner calls the setter and fireConfigReady(); the setter does not fire.
+/// Call on the services dispatcher's thread, except the constructor and the observer operations.
 class ConfigServiceBaseImpl : public UnifiedServiceImpl, public virtual ConfigService {
 public:
     void addObserver(std::weak_ptr<ConfigServiceObserver> observer) override;

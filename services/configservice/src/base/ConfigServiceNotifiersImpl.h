@@ -7,7 +7,7 @@
 
 namespace ZelUnified {
 
-/// The notifiers of the configuration service.
+/// The notifier set of the configuration service.
 class ConfigServiceNotifiersImpl final : public UnifiedServiceNotifiersImpl,
                                          public virtual ConfigServiceNotifiers,
                                          public virtual ConfigServiceObserver {

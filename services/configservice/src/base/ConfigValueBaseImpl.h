@@ -16,8 +16,8 @@ namespace ZelUnified {
 #pragma clang diagnostic ignored "-Woverloaded-virtual" // as in UnifiedService
 #endif
 
-/// The properties of a record, with the setters and the firing that belong to its owner. A setter neither compares nor
-/// fires. Services dispatcher's thread, but for the constructors and the observer operations.
+/// Holds the properties of a record. Only the owner calls the setters and the fire operations; a setter neither
+/// compares nor fires. Call on the services dispatcher's thread, except the constructors and the observer operations.
 class ConfigValueBaseImpl : public UnifiedBusinessObjectImpl, public virtual ConfigValue {
 public:
     void addObserver(std::weak_ptr<ConfigValueObserver> observer) override;

@@ -7,7 +7,7 @@
 
 namespace ZelUnified {
 
-/// The notifiers of one configuration record.
+/// The notifier set of one configuration record.
 class ConfigValueNotifiersImpl final : public UnifiedBusinessObjectNotifiersImpl,
                                        public virtual ConfigValueNotifiers,
                                        public virtual ConfigValueObserver {

@@ -9,8 +9,9 @@
 
 namespace ZelUnified {
 
-/// One callback on one notifier's list. The list owns it; it knows the list weakly, so neither keeps the other alive.
-/// `Notifier` only tells apart the connections of different kinds of notifier. Services dispatcher's thread.
+/// One callback in the list of a notifier. The list owns the connection; the connection holds a weak pointer to the
+/// list. `Notifier` only makes the connections of different kinds of notifier distinct types. Call on the services
+/// dispatcher's thread.
 template <class Fxn, class Notifier>
 class PropertyNotifierConnectionImpl final
     : public PropertyNotifierConnection,
@@ -21,7 +22,7 @@ public:
     PropertyNotifierConnectionImpl(const Fxn& function, const std::weak_ptr<List>& list)
         : callback(function), connections(list) {}
 
-    /// Puts the connection on the list's end, also when it stands there already. Does nothing when the list is gone.
+    /// Appends the connection to the list, even if the list contains it already. Does nothing if the list has expired.
     void connect() {
         if (const auto list = connections.lock()) {
             list->push_back(this->shared_from_this());
@@ -29,9 +30,9 @@ public:
         }
     }
 
-    /// Takes the first entry of this connection off the list.
+    /// Removes the first entry of this connection from the list.
     void disconnect() override {
-        // The entry may be the last owner, so the object is held until the flag is written.
+        // The entry may be the last owner: keeps this object alive until the flag is written.
         std::shared_ptr<PropertyNotifierConnectionImpl> self;
         if (const auto list = connections.lock(); list && !list->empty()) {
             self = this->shared_from_this();

@@ -15,7 +15,7 @@ std::weak_ptr<PropertyNotifierConnection> PropertyNotifierImpl::connect(std::fun
 
 void PropertyNotifierImpl::fire() {
     assert(notifierConnections);
-    // From here on no member is touched: a callback may change the list or destroy this notifier.
+    // Uses no member from here on: a callback may change the list or destroy this notifier.
     const Connection::List pass = *notifierConnections;
     for (const auto& connection : pass) {
         if (connection->connected()) {

@@ -9,8 +9,9 @@
 
 namespace ZelUnified {
 
-/// The signal of one property. Only the owner of the notifier sees fire(). Copies share one list of connections; what
-/// was moved from has none and is used no more. Services dispatcher's thread; no lock, no check of the thread.
+/// The signal of one property. Only the owner of the notifier calls fire(). Copies share one list of connections; a
+/// moved-from notifier has no list and must not be used. Call on the services dispatcher's thread; the class has no
+/// lock and does not check the thread.
 class PropertyNotifierImpl : public virtual PropertyNotifier,
                              public std::enable_shared_from_this<PropertyNotifierImpl> {
 public:
@@ -20,8 +21,8 @@ public:
 
     std::weak_ptr<PropertyNotifierConnection> connect(std::function<void()> callback) override;
 
-    /// Calls every callback that was connected at the start and still is when its turn comes. An exception ends the
-    /// pass. A callback may destroy the notifier.
+    /// Calls each callback that was connected when fire() began and is still connected at its turn. An exception ends
+    /// the pass and reaches the caller. A callback may destroy the notifier.
     void fire();
     bool isEmpty() const;
 

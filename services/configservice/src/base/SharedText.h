@@ -6,11 +6,11 @@
 
 namespace ZelUnified {
 
-/// A text that never changes and may have many holders, who then hold it once. Copies may go to any thread.
+/// An immutable text; copies share one allocation. Copies may be used on any thread.
 class SharedText {
 public:
     SharedText() = default;
-    SharedText(std::wstring held) // NOLINT(google-explicit-constructor): stands where a text is expected
+    SharedText(std::wstring held) // NOLINT(google-explicit-constructor): converts like a string
         : text(held.empty() ? nullptr : std::make_shared<const std::wstring>(std::move(held))) {}
     SharedText(const wchar_t* held) : SharedText(std::wstring(held)) {} // NOLINT(google-explicit-constructor)
 

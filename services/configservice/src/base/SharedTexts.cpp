@@ -6,7 +6,7 @@
 namespace ZelUnified {
 
 SharedText SharedTexts::share(std::wstring text) {
-    if (last == text) { // as a store arrives all its keys name it
+    if (last == text) { // all keys of an arriving store have the same store name
         return last;
     }
     const auto known = std::find(texts.begin(), texts.end(), text);

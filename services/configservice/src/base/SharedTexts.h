@@ -8,8 +8,8 @@
 
 namespace ZelUnified {
 
-/// Gives equal texts as one. For texts of which there are few, as the names of stores; it forgets none, and beyond a
-/// limit it takes up no more. Has no lock.
+/// Returns one shared text for equal texts. Meant for small sets such as store names: it never removes a text, and
+/// stops adding at a fixed limit. Has no lock.
 class SharedTexts {
 public:
     SharedText share(std::wstring text);
@@ -18,7 +18,7 @@ private:
     static constexpr std::size_t limit = 64;
 
     std::vector<SharedText> texts;
-    SharedText last; ///< Mostly asked for again next.
+    SharedText last; ///< Usually the text of the next request, too.
 };
 
 } // namespace ZelUnified

@@ -9,8 +9,9 @@
 
 namespace ZelUnified {
 
-/// Base of every notifier set: an observer of its object that passes each notification on to the property's notifier,
-/// if anyone asked for that. A set knows nothing of its object. Services dispatcher's thread.
+/// Base class of every notifier set. A set observes its object and forwards each notification to the notifier of the
+/// property, if that notifier was requested. A set holds no pointer to its object. Call on the services dispatcher's
+/// thread.
 class UnifiedBusinessObjectNotifiersImpl : public virtual UnifiedBusinessObjectNotifiers,
                                            public virtual UnifiedBusinessObjectObserver,
                                            public std::enable_shared_from_this<UnifiedBusinessObjectNotifiersImpl> {
@@ -18,13 +19,13 @@ public:
     std::shared_ptr<PropertyNotifier> getGuidNotifier() override;
 
     void OnGuidChanged() override;
-    /// Each class of the hierarchy fires its own properties only.
+    /// Each class of the hierarchy fires only its own properties.
     void OnInfoChanged() override;
 
 protected:
-    /// The notifier in `field`, made at the first request.
+    /// Returns the notifier in `field`; creates it on the first request.
     static std::shared_ptr<PropertyNotifier> request(std::shared_ptr<PropertyNotifierImpl>& field);
-    /// Fires the notifier, if it was ever requested. By value: a callback may destroy the set.
+    /// Fires the notifier if it exists. Takes it by value because a callback may destroy the set.
     static void fireIfRequested(std::shared_ptr<PropertyNotifierImpl> notifier);
 
 private:

@@ -13,7 +13,7 @@ namespace ZelUnified {
 #pragma clang diagnostic ignored "-Woverloaded-virtual" // as in UnifiedService
 #endif
 
-/// What all services share. Services dispatcher's thread, but for the observer operations and
+/// Base class of all services. Call on the services dispatcher's thread, except the observer operations and
 /// getBulkUpdateInProgress().
 class UnifiedServiceImpl : public UnifiedBusinessObjectImpl, public virtual UnifiedService {
 public:
@@ -30,10 +30,10 @@ protected:
 
     void initNotifiers() override;
     void commitToServicesDispatcher() override;
-    /// The name of this layer; the name that was handed to the constructor is what logs show.
+    /// Returns the name of this class. Logs show the name that was passed to the constructor instead.
     virtual std::string getClassName();
 
-    /// Does not fire.
+    /// Sets the property without firing.
     void setBulkUpdateInProgress(bool flag);
 
 private:

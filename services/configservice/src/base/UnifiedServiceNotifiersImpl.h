@@ -7,7 +7,7 @@
 
 namespace ZelUnified {
 
-/// The notifiers that every service has.
+/// The notifier set of a service.
 class UnifiedServiceNotifiersImpl : public UnifiedBusinessObjectNotifiersImpl,
                                     public virtual UnifiedServiceNotifiers,
                                     public virtual UnifiedServiceObserver {

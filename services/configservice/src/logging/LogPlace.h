@@ -4,8 +4,8 @@
 
 namespace ZelUnified {
 
-/// Where a log line comes from. An operation makes one of ZEL_HERE for the helpers that log on its behalf, so that the
-/// line names the operation. The views are of literals.
+/// The source of a log line. An operation creates one from ZEL_HERE for the helpers that log on its behalf, so that the
+/// line names the operation. The view refers to a literal.
 struct LogPlace {
     const char* file;
     int line;

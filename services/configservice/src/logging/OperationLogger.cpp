@@ -2,11 +2,11 @@
 
 namespace ZelUnified {
 
-OperationLogger::OperationLogger(std::string_view className)
-    : logger(ZelLogger_getLogger(std::string("ConfigService-").append(className))),
-      scope(std::string("ZelUnified::").append(className).append("::")) {}
+OperationLogger::OperationLogger(std::string_view loggedClass)
+    : logger(ZelLogger_getLogger(std::string("ConfigService-").append(loggedClass))), className(loggedClass) {}
 
 std::string OperationLogger::nameOperation(std::string_view function) const {
+    const auto scope = std::string("ZelUnified::").append(className).append("::");
     if (function.starts_with(scope)) {
         return std::string(function);
     }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "LogPlace.h"
+
 #include <zel/ZelLog.h>
 
 #include <string>
@@ -7,12 +9,12 @@
 
 namespace ZelUnified {
 
-/// Logs the operations of one class. A helper class that carries out some of them logs through the same object: the
-/// line names the operation as a member of the class, not of the helper. Immutable, so any thread may use it.
+/// Logs the operations of one class. A helper class that implements some of them uses the same object, so the line
+/// names the operation as a member of the class, not of the helper. Immutable, so any thread may use it.
 class OperationLogger {
 public:
-    /// `className` comes without its namespace. The host's logger is "ConfigService-" followed by it.
-    explicit OperationLogger(std::string_view className);
+    /// Uses the host's logger "ConfigService-" + `loggedClass`. `loggedClass` is a literal without a namespace.
+    explicit OperationLogger(std::string_view loggedClass);
 
     ZelLogger& getLogger() const noexcept { return logger; }
     /// Returns the name of `function` as a member of the class: "ZelUnified::CachedStores::addCachedConfigStore"
@@ -21,7 +23,7 @@ public:
 
 private:
     ZelLogger& logger;
-    const std::string scope;
+    const std::string_view className; ///< Not a string: threads that outlive main() may still log.
 };
 
 inline bool ZelLog_isDebugEnabled(const OperationLogger& logger) noexcept {
@@ -33,5 +35,10 @@ void ZelLog(const OperationLogger& logger, ZelLogLevel level, const char* file, 
             std::string_view text);
 void ZelLog(const OperationLogger& logger, ZelLogLevel level, const char* file, int line, std::string_view function,
             std::wstring_view text);
+/// For a helper that logs on behalf of the operation at `place`.
+template <class Text>
+void ZelLog(const OperationLogger& logger, ZelLogLevel level, const LogPlace& place, const Text& text) {
+    ZelLog(logger, level, place.file, place.line, place.function, text);
+}
 
 } // namespace ZelUnified

@@ -4,7 +4,7 @@
 
 namespace zel {
 
-/// The standard alphabet, padded with "=".
+/// Base64 with the standard alphabet, padded with "=".
 class Base64Encoding final : public Encoding {
 public:
     static const Base64Encoding& instance();

@@ -4,7 +4,7 @@
 
 namespace zel {
 
-/// The alphabet that URLs carry as it stands, padded with an escaped "=".
+/// Base64 with the alphabet that needs no escaping in URLs, padded with an escaped "=".
 class Base64urlEncoding final : public Encoding {
 public:
     static const Base64urlEncoding& instance();

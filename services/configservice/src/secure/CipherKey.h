@@ -5,8 +5,8 @@
 
 namespace zel {
 
-/// The fixed key of all secure strings, put together for the span of one call and zeroed at its end. It hides secrets
-/// from a memory dump, not from somebody who has the code.
+/// The fixed key of all secure strings. The constructor computes it, the destructor zeroes it. It hides secrets in a
+/// memory dump, but not from somebody who has the code.
 class CipherKey {
 public:
     static constexpr std::size_t length = 32;

@@ -6,14 +6,14 @@ namespace zel {
 
 class Mutex;
 
-/// What threads wait on while they hold a Mutex. A waiter asks again what it waits for: it may wake without a signal.
+/// A condition variable for Mutex. A wait may end without a signal, so the caller checks its condition in a loop.
 class Condition {
 public:
-    /// Gives the mutex back while it waits. The caller holds `owner` exactly once.
+    /// Releases the mutex while waiting and acquires it again. The caller must hold `owner` exactly once.
     void wait(Mutex& owner);
-    /// Wakes one of those that wait now. Best called without the mutex.
+    /// Wakes one waiting thread. Cheaper if the caller does not hold the mutex.
     void signal() noexcept;
-    /// Wakes all that wait now.
+    /// Wakes all waiting threads.
     void broadcast() noexcept;
 
 private:

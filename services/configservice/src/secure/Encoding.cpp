@@ -17,7 +17,7 @@ std::size_t countLineBreaks(std::string_view text) {
     return count;
 }
 
-/// One to three bytes, left-aligned in 24 bits.
+/// Returns one to three bytes, left-aligned in 24 bits.
 std::uint32_t readGroup(const unsigned char* bytes, std::size_t count) {
     std::uint32_t group = 0;
     for (std::size_t i = 0; i < bytesPerGroup; ++i) {

@@ -8,10 +8,10 @@
 
 namespace zel {
 
-/// What all encodings put at the end of a full line.
+/// The line break after a full line, in all encodings.
 inline constexpr std::string_view encodingLineBreak = "\r\n";
 
-/// Turns bytes into text, six bits a character. Stateless: any thread.
+/// Encodes bytes as text, six bits per character. Stateless; any thread.
 class Encoding {
 public:
     /// The 6-bit value of each character, 0 for "=", 0xFF for all other bytes.
@@ -21,12 +21,13 @@ public:
     virtual ~Encoding() = default;
     virtual std::string_view getAlphabet() const = 0;
     virtual const DecodingTable& getDecodingTable() const = 0;
-    /// Stands for each missing character of the last group.
+    /// Replaces each missing character of the last group.
     virtual std::string_view getEncodingPadding() const = 0;
     virtual std::string_view getDecodingPadding() const = 0;
     virtual bool isForUrls() const = 0;
 
-    /// Empty for no bytes. A line of 72 characters gets its break at once, at the very end of the text too.
+    /// Returns the encoded text, empty for no bytes. Each line of 72 characters ends with a line break, including the
+    /// last one if it is full.
     std::string encode(const unsigned char* bytes, std::size_t length, LineBreaks lineBreaks) const;
 
 protected:

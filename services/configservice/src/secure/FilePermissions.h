@@ -5,8 +5,8 @@
 
 namespace ZelUnified {
 
-/// Leaves the file to its owner alone, to read and to write, whatever the umask said when it was made. `path` is UTF-8.
-/// A failure is silent.
+/// Restricts the file to reading and writing by its owner, whatever the umask was when it was created. `path` is UTF-8.
+/// Failures are ignored.
 void restrictToOwner(const std::string& path);
 
 /// Creates a file that only its owner can read and write, and writes `content` to it. Follows no link: if the name is

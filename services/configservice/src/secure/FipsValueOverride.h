@@ -5,14 +5,14 @@
 
 namespace zel {
 
-/// Whether it is "Telephony_P2P_Enabled", in any case, on a machine in FIPS mode, where that reads "false" whatever a
-/// source says.
+/// Returns true if `key` is "Telephony_P2P_Enabled" (case-insensitive) and the machine is in FIPS mode. There the key
+/// reads "false", whatever a store contains.
 bool hasFipsOverride(std::wstring_view key);
 
-/// Overwrites the value of such a key.
+/// Sets `value` to "false" if the override applies to `key`.
 void applyFipsValueOverride(std::wstring_view key, std::wstring& value);
 
-/// What a source holds for the key, or what overrides it.
+/// Returns `value`, or "false" if the override applies to `key`.
 std::wstring_view withFipsOverride(std::wstring_view key, std::wstring_view held);
 
 } // namespace zel

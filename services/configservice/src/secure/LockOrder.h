@@ -2,11 +2,11 @@
 
 namespace zel {
 
-/// What the calling thread holds of the ranked locks.
+/// Tracks which ranked locks the calling thread holds.
 class LockOrder {
 public:
-    /// Before a thread takes the lock. Ends the process when it holds another one of this rank or a higher one, unless
-    /// it holds this very lock already.
+    /// Call before acquiring the lock. Ends the process if the thread holds another lock of this rank or a higher one,
+    /// unless it already holds this same lock.
     static void enter(const void* lock, int rank);
     static void leave(const void* lock);
 };

@@ -8,17 +8,17 @@
 
 namespace zel {
 
-/// The order of the locks that threads of several owners take together, outermost first. A thread that holds one may
-/// take those of a higher rank, and again what it holds. A store's own locks lie within all of these.
+/// The order of the locks that are held together, outermost first. A thread that holds a lock may acquire locks of a
+/// higher rank, and the same lock again. The locks of the stores are inside all of these.
 enum class LockRank : std::uint8_t {
     Adapter,
     Chain,
-    Observers, ///< Held while observers are called, who may read the chain and let stores arrive.
-    Innermost, ///< Held for a look at a table; nothing is taken under it.
+    Observers, ///< Held while observers are called; they may read the chain and add stores.
+    Innermost, ///< Held while a table is read; no other lock is acquired under it.
 };
 
-/// A standard mutex of a rank. In a debug build a thread that breaks the order ends the process with a message, whether
-/// or not it would have met another thread there.
+/// A standard mutex with a rank. In a debug build a thread that violates the order ends the process with a message,
+/// even if no deadlock happens.
 template <class Lock, LockRank rank>
 class RankedMutex {
 public:

@@ -8,15 +8,15 @@
 
 namespace zel {
 
-/// Many readers or one writer. Waiting writers go first, so a thread that takes the read lock twice can block itself
-/// behind a writer. Not recursive.
+/// Lock for many readers or one writer. Not recursive: waiting writers go first, so a thread that acquires the read
+/// lock twice can deadlock with a waiting writer.
 class ReadWriteLock {
 public:
     void lockForReading();
     void lockForWriting();
     void unlock();
 
-    /// How many are kept waiting for the write lock now, for a diagnosis; it may have changed on return.
+    /// Returns the number of threads that wait for the write lock. For diagnosis only; it may be outdated on return.
     std::int32_t countWaitingWriters();
 
     /// Holds the lock for a scope, or until release().

@@ -5,7 +5,7 @@
 
 namespace zel {
 
-/// The clear bytes of a secret, zeroed before they are freed.
+/// Owns the clear bytes of a secret and zeroes them before it frees them.
 class SecureBuffer {
 public:
     SecureBuffer();
@@ -13,11 +13,11 @@ public:
     SecureBuffer(const SecureBuffer&) = delete;
     SecureBuffer& operator=(const SecureBuffer&) = delete;
 
-    /// The bytes, followed by a zero; an empty text when there are none.
+    /// Returns the bytes, followed by a zero; an empty text if there are none.
     const char* getData() const;
-    /// The number of bytes without the final zero.
+    /// Returns the number of bytes without the final zero.
     std::uint32_t getLength() const;
-    /// Zeroes and frees what it held and takes the new bytes.
+    /// Zeroes and frees the old bytes and copies the new ones.
     void set(std::unique_ptr<char[]> bytes, std::uint32_t length);
 
 private:

@@ -25,7 +25,7 @@ constexpr auto cipherLimit = static_cast<std::size_t>(std::numeric_limits<int>::
 
 using CipherContext = std::unique_ptr<EVP_CIPHER_CTX, decltype(&EVP_CIPHER_CTX_free)>;
 
-/// A byte buffer that is zeroed as a whole before it is freed.
+/// A byte buffer that is zeroed before it is freed.
 class ScratchBytes {
 public:
     explicit ScratchBytes(std::size_t size) : bytes(size, filler) {}
@@ -39,7 +39,7 @@ private:
     std::vector<unsigned char> bytes;
 };
 
-/// Fills `data.cipherText`; false leaves its length alone.
+/// Fills `data.cipherText`. Returns false on failure and leaves its length unchanged.
 bool encipher(const char* bytes, std::size_t length, const CipherKey& key, SecureStringData& data) {
     if (length > cipherLimit) {
         return false;
@@ -58,7 +58,8 @@ bool encipher(const char* bytes, std::size_t length, const CipherKey& key, Secur
     return done;
 }
 
-/// The number of clear bytes written to `output`, which has room for the whole ciphertext; false on failure.
+/// Writes the clear bytes to `output`, which must have the size of the whole ciphertext, and their number to the out
+/// parameter. Returns false on failure.
 bool decipher(const SecureStringData& data, unsigned char* output, std::size_t& length) {
     if (data.cipherTextLength > cipherLimit) {
         return false;
@@ -104,7 +105,7 @@ void SecureString::setContent(const char* bytes, std::size_t length) {
     }
     const CipherKey key;
     data->wipeIv();
-    // Zeroed first, and the result not looked at: without random bytes the secret is hidden all the same.
+    // The result is ignored on purpose: with an initialization vector of zeros the secret is still enciphered.
     data->iv = std::make_unique<unsigned char[]>(ivBytes);
     data->ivLength = ivBytes;
     RAND_bytes(data->iv.get(), static_cast<int>(ivBytes));

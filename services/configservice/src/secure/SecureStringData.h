@@ -5,7 +5,7 @@
 
 namespace zel {
 
-/// What the copies of one SecureString share. Zeroes both buffers before they are freed.
+/// The content that copies of one SecureString share. Zeroes both buffers before it frees them.
 struct SecureStringData {
     SecureStringData() = default;
     ~SecureStringData();
@@ -15,11 +15,11 @@ struct SecureStringData {
     void wipeIv();
     void wipeCipherText();
 
-    bool empty = true; ///< No usable content; also set when enciphering failed.
+    bool empty = true; ///< True without usable content, also after the cipher failed.
     std::unique_ptr<unsigned char[]> iv;
     std::size_t ivLength = 0;
     std::unique_ptr<unsigned char[]> cipherText;
-    /// Bytes of the ciphertext. The buffer's whole size after a failure of the cipher.
+    /// Length of the ciphertext in bytes; the size of the whole buffer after a failure of the cipher.
     std::size_t cipherTextLength = 0;
 };
 

@@ -2,9 +2,9 @@
 
 namespace zel {
 
-/// At the end of a scope, zeroes the stack that the functions called in it used, and the vector registers that copying
-/// and deciphering leave pieces of secrets in: the loader saves them on the stack whenever a library's function is
-/// bound at its first call. Declare it before all else in the outermost function that handles a secret in the clear.
+/// Zeroes, at the end of a scope, the stack that the called functions used and the vector registers. Copying and
+/// deciphering leave parts of secrets in these registers, and the loader saves them on the stack when it binds a
+/// library function at its first call. Declare it first in the outermost function that handles a secret in the clear.
 class StackWiper {
 public:
     StackWiper() = default;

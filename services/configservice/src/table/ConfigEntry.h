@@ -10,8 +10,9 @@ namespace ZelUnified {
 
 class EntryBlocks;
 
-/// A key and its value in one block of memory: a table of them costs an allocation for each, and whoever finds a key
-/// has its value at hand. A value that outgrows its room moves to memory of its own. Zeroes each value that goes.
+/// A key and its value in one block of memory: a table needs one allocation for each entry, and each value is
+/// next to its key. A value that does not fit its space moves to a separate allocation. Zeroes each
+/// value before freeing or overwriting it.
 class ConfigEntry {
 public:
     struct Deleter {
@@ -20,14 +21,15 @@ public:
     using Owner = std::unique_ptr<ConfigEntry, Deleter>;
 
     static Owner make(std::wstring_view key, std::wstring_view value);
-    /// In the blocks, which must outlive it.
+    /// Allocates the entry in `blocks`, which must outlive it.
     static Owner make(std::wstring_view key, std::wstring_view value, EntryBlocks& blocks);
     ConfigEntry(const ConfigEntry&) = delete;
     ConfigEntry& operator=(const ConfigEntry&) = delete;
 
     std::wstring_view getKey() const noexcept { return {keyText(), keyLength}; }
     std::wstring_view getValue() const noexcept { return {outgrown ? outgrown.get() : firstRoom(), valueLength}; }
-    /// The value stays as it is when there is no memory for the next one, which may be part of it.
+    /// Overwrites the value. `next` may refer to a part of the current value. If an allocation fails, throws and leaves
+    /// the value unchanged.
     void setValue(std::wstring_view next);
 
 private:
@@ -39,7 +41,7 @@ private:
     static Length toLength(std::wstring_view text);
     static std::size_t sizeOf(std::wstring_view key, std::wstring_view value);
 
-    /// The key stands right behind the entry, and behind it the room for the value that the entry was made with.
+    /// The memory after this object contains the key, then the space for the initial value.
     const wchar_t* keyText() const noexcept { return reinterpret_cast<const wchar_t*>(this + 1); }
     wchar_t* keyText() noexcept { return reinterpret_cast<wchar_t*>(this + 1); }
     const wchar_t* firstRoom() const noexcept { return keyText() + keyLength; }
@@ -47,14 +49,14 @@ private:
     wchar_t* valueText() noexcept { return outgrown ? outgrown.get() : firstRoom(); }
     void wipeValueFrom(Length place) noexcept;
 
-    std::unique_ptr<wchar_t[]> outgrown; ///< The value, when the first room is too small for it.
+    std::unique_ptr<wchar_t[]> outgrown; ///< The value, if it does not fit the initial space.
     Length valueLength;
     Length valueCapacity;
     Length keyLength;
     bool ownsMemory;
 };
 
-/// The key of an entry, for a KeyIndex.
+/// Returns the key of an entry, for a KeyIndex.
 struct KeyOfConfigEntry {
     std::wstring_view operator()(const ConfigEntry& entry) const noexcept { return entry.getKey(); }
 };

@@ -39,7 +39,7 @@ const ConfigEntry& ConfigTable::insert(const FoldedKey& key, ConfigEntry::Owner 
     index.reserveOne();
     reserveFilter(entries.size() + 1);
     entries.push_back(std::move(added));
-    // Documents are written in order, so mostly what is read from them stands where it belongs.
+    // Documents are written in order, so most entries read from them are already in order.
     if (ordered + 1 == entries.size() && (ordered == 0 || isBefore(entries[ordered - 1], entries[ordered]))) {
         ++ordered;
     }
@@ -54,7 +54,7 @@ bool ConfigTable::remove(const std::wstring& key) {
     if (removed == nullptr) {
         return false;
     }
-    index.erase(folded); // while the entry's key can be read
+    index.erase(folded); // before the entry and its key are destroyed
     const auto place = std::ranges::find_if(entries, [removed](const auto& entry) { return entry.get() == removed; });
     if (static_cast<std::size_t>(place - entries.begin()) < ordered) {
         --ordered;
@@ -72,7 +72,7 @@ void ConfigTable::clear() noexcept {
 
 void ConfigTable::replace(ConfigMap values) {
     const ValuesWiper wiper(values);
-    reserveFilter(values.size()); // while the index still knows what is held
+    reserveFilter(values.size()); // reads the hashes of the old index
     EntryBlocks nextBlocks;
     std::vector<ConfigEntry::Owner> next;
     KeyIndex<ConfigEntry, KeyOfConfigEntry> nextIndex;

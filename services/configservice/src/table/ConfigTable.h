@@ -17,53 +17,57 @@
 
 namespace ZelUnified {
 
-/// The keys and values of a store, listed in the order of a ConfigMap and found by an index without comparing keys on
-/// the way. What leaves it is zeroed. Has no lock; the store guards it, but for mayHold(). Listing counts as a change,
-/// since it puts in order what was stored since the last time.
+/// The keys and values of a store, listed in the order of a ConfigMap. An index finds a key without comparing other
+/// keys. Zeroes each value that it removes. Has no lock: the store guards every operation except mayHold(). Listing
+/// counts as a change, because it sorts the entries stored since the last listing.
 class ConfigTable {
 public:
     ConfigTable() = default;
-    /// Takes the values over.
+    /// Constructs a table with the contents of `values`.
     explicit ConfigTable(ConfigMap values);
     ConfigTable(const ConfigTable&) = delete;
     ConfigTable& operator=(const ConfigTable&) = delete;
 
-    /// False when the key is not held, which any thread may ask without the store's lock.
+    /// Returns false only if the table does not contain the key. Any thread, without the store's lock.
     bool mayHold(const FoldedKey& key) const noexcept { return filter.mayHold(key); }
 
-    /// Empty when the key is not held. Good until the key's value changes or goes.
+    /// Returns the value, or std::nullopt if the table does not contain the key. The view is valid until the value
+    /// changes or is removed.
     std::optional<std::wstring_view> find(const FoldedKey& key) const noexcept {
         const auto* entry = index.find(key);
         return entry == nullptr ? std::nullopt : std::optional(entry->getValue());
     }
 
-    /// Inserts or overwrites; a key that is held keeps its form. The entry stays in place until its key is
-    /// removed, or the table cleared or replaced.
+    /// Inserts or overwrites the value; an existing key keeps its spelling. The returned entry stays at its address
+    /// until its key is removed or the table is cleared or replaced.
     const ConfigEntry& store(const std::wstring& key, std::wstring_view value);
-    /// Takes up a key of a document, in lower case, unless it is held: then all stays as it is and the result is false.
+    /// Inserts a key of a document, in lower case, and returns true. If the table already contains the key, changes
+    /// nothing and returns false.
     bool load(const FoldedKey& key, std::wstring_view value);
-    /// True when the key was held.
+    /// Removes the key. Returns true if the table contained it.
     bool remove(const std::wstring& key);
     void clear() noexcept;
-    /// Takes the values over and zeroes what they were in. Until something is stored, listing changes nothing.
+    /// Replaces the contents with `values`, and zeroes the values in `values`. The table is then sorted, so listing
+    /// changes nothing until the next store().
     void replace(ConfigMap values);
 
     bool isEmpty() const noexcept { return entries.empty(); }
-    /// In order. Good until the table changes.
+    /// Returns the entries in order; valid until the table changes.
     const std::vector<ConfigEntry::Owner>& list();
-    /// In order.
+    /// Returns copies of the keys in order.
     std::vector<std::wstring> getKeys();
-    /// In order.
+    /// Returns the keys in order.
     KeyList listKeys();
 
 private:
     const ConfigEntry& insert(const FoldedKey& key, ConfigEntry::Owner added);
     void reserveFilter(std::size_t keys);
 
-    /// Of entries that came together. What a removed one took stays until the table is cleared or replaced.
+    /// Memory of entries that are read together. The memory of a removed entry is not reused until the table is cleared
+    /// or replaced.
     EntryBlocks blocks;
     std::vector<ConfigEntry::Owner> entries;
-    std::size_t ordered = 0; ///< So many of the first entries stand in order.
+    std::size_t ordered = 0; ///< This many entries at the beginning are sorted.
     KeyIndex<ConfigEntry, KeyOfConfigEntry> index;
     KeyFilter filter;
 };

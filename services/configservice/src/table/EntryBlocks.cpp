@@ -7,7 +7,7 @@ namespace ZelUnified {
 
 namespace {
 
-// A small table takes little, and of a large one less than a block is left over.
+// A small table needs little memory, and a large one wastes less than one block.
 constexpr std::size_t firstBlock = 1024;
 constexpr std::size_t largestBlock = std::size_t{16} * 1024;
 

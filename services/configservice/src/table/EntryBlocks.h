@@ -6,16 +6,16 @@
 
 namespace ZelUnified {
 
-/// Memory for entries that come together: taken in blocks, given back as a whole. What lies in it is its user's to
-/// wipe.
+/// An arena for entries that are created together: allocates blocks and frees all of them at once. The caller must zero
+/// the contents.
 class EntryBlocks {
 public:
-    /// Aligned as by operator new. Good until the blocks go.
+    /// Returns memory aligned like that of operator new. It is valid until this object is destroyed.
     void* allocate(std::size_t bytes);
 
 private:
     std::vector<std::unique_ptr<std::byte[]>> blocks;
-    std::byte* free = nullptr; ///< In the last block.
+    std::byte* free = nullptr; ///< Points into the last block.
     std::size_t freeBytes = 0;
 };
 

@@ -11,7 +11,7 @@ namespace ZelUnified {
 
 namespace {
 
-using Unit = std::uint32_t; // wide units may be signed
+using Unit = std::uint32_t; // wchar_t may be signed
 
 constexpr Unit firstBeyondAscii = 0x80;
 
@@ -19,13 +19,13 @@ constexpr Unit unitOf(wchar_t character) noexcept {
     return static_cast<Unit>(character);
 }
 
-/// Without a branch, since letters of both cases mix in a key.
+/// Branch-free, because keys mix upper and lower case.
 constexpr Unit toLowerAscii(Unit unit) noexcept {
     const bool isUpper = unit - 'A' <= 'Z' - 'A';
     return unit | (static_cast<Unit>(isUpper) << 5);
 }
 
-/// Another one in each process, so that nobody can make a document whose keys all share one hash.
+/// The seed differs in each process, so that nobody can prepare a document whose keys all have the same hash.
 std::uint64_t seedOfProcess() {
     static const std::uint64_t seed = [] {
         std::random_device device;
@@ -34,7 +34,7 @@ std::uint64_t seedOfProcess() {
     return seed;
 }
 
-/// As many units as are folded and hashed in one step.
+/// The units that are folded and hashed in one step.
 using Block = std::uint64_t;
 constexpr std::size_t unitsInBlock = sizeof(Block) / sizeof(wchar_t);
 
@@ -46,15 +46,15 @@ constexpr Block inEachUnit(Block number) noexcept {
     return block;
 }
 
-/// For units of ASCII; of others it makes anything. Where one reaches 'A' its bit 0x80 is set in the one sum, where it
-/// passes 'Z' in the other too.
+/// Folds a block of ASCII units; the result for other units is arbitrary. Bit 0x80 of a unit is set in `reachesA` from
+/// 'A' on, and in `passesZ` from behind 'Z' on.
 constexpr Block toLowerAsciiUnits(Block block) noexcept {
     const Block reachesA = block + inEachUnit(0x80 - 'A');
     const Block passesZ = block + inEachUnit(0x80 - 'Z' - 1);
     return block | ((reachesA ^ passesZ) & inEachUnit(0x80)) >> 2;
 }
 
-/// What is short of a block at the end is filled with zeros.
+/// Calls `use` for each block of `text`. The last block is padded with zeros.
 template <class Use>
 void forEachBlock(std::wstring_view text, Use use) {
     Block block = 0;
@@ -70,7 +70,7 @@ void forEachBlock(std::wstring_view text, Use use) {
     }
 }
 
-/// What matters is that keys which differ in few places end far apart.
+/// Distributes similar keys evenly: keys that differ in few places have very different hashes.
 class Hash {
 public:
     explicit Hash(std::size_t length) : state(seedOfProcess() ^ (length * odd)) {}
@@ -80,7 +80,7 @@ public:
         state ^= state >> 29;
     }
 
-    /// Never 0.
+    /// Returns the hash; never 0.
     std::uint32_t get() const noexcept {
         return std::max(static_cast<std::uint32_t>(((state ^ (state >> 32)) * odd) >> 32), std::uint32_t{1});
     }
@@ -126,7 +126,7 @@ bool FoldedKey::names(std::wstring_view other) const noexcept {
     if (other.size() != folded.size()) {
         return false;
     }
-    // Documents are read into keys of lower case, so this decides most often.
+    // Fast path: keys read from documents are in lower case.
     if (std::wmemcmp(other.data(), folded.data(), folded.size()) == 0) {
         return true;
     }

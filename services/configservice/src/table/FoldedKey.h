@@ -8,8 +8,8 @@
 
 namespace ZelUnified {
 
-/// A key as tables look it up: folded to lower case and hashed, once for all tables of a walk. It refers to the text
-/// that it was made of. Keys of usual length cost no allocation.
+/// A key folded to lower case and hashed, computed once for all tables of a walk. It refers to the string passed to the
+/// constructor. Keys of usual length need no allocation.
 class FoldedKey {
 public:
     explicit FoldedKey(const std::wstring& key);
@@ -17,14 +17,14 @@ public:
     FoldedKey(const FoldedKey&) = delete;
     FoldedKey& operator=(const FoldedKey&) = delete;
 
-    /// The key as it was given.
+    /// Returns the original key.
     const std::wstring& getText() const noexcept { return text; }
-    /// The key in lower case.
+    /// Returns the key in lower case.
     std::wstring_view getFolded() const noexcept { return folded; }
-    /// Never 0.
+    /// Returns the hash; never 0.
     std::uint32_t getHash() const noexcept { return hash; }
 
-    /// Whether the keys are one key, ignoring case.
+    /// Returns true if the keys are equal (case-insensitive).
     bool names(std::wstring_view other) const noexcept;
 
 private:

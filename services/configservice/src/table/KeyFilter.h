@@ -11,12 +11,14 @@
 
 namespace ZelUnified {
 
-/// Tells without a lock that a table does not hold a key. Most tables of a walk don't, and to lock each of them costs
-/// more than to search it. The answer to a key that is held is always yes, to one that isn't mostly no.
+/// A lock-free filter that reports most misses of a table. Most tables of a walk do not contain the key, and locking
+/// each of them costs more than searching it. mayHold() is always true for a key in the table and usually false for any
+/// other key.
 ///
-/// Any thread asks, and sees what others added in one order, as under locks; its owner adds keys one thread at a time.
-/// What was added stays, also when the key is removed: a reader that saw it gone could miss a key that was held all the
-/// while. So a table whose keys are exchanged many times fills it until it no longer says no; answers stay right.
+/// Any thread may call mayHold(), and all threads see additions in the same order, as under locks. The owner adds keys
+/// from one thread at a time. Removing a key from the table does not remove it here: a reader could otherwise miss a
+/// key that is in the table all the time. A table whose keys are replaced many times therefore fills its filter until
+/// mayHold() is always true; the results stay correct.
 class KeyFilter {
 public:
     bool mayHold(const FoldedKey& key) const noexcept {
@@ -24,8 +26,8 @@ public:
         return bits != nullptr && bits->contains(key.getHash());
     }
 
-    /// Makes room for that many keys in all. Where it has to grow, `addAll` is given a function for the hashes of those
-    /// that are held; readers see the new size once all are in it.
+    /// Reserves capacity for `keys` keys in total. To grow, calls `addAll` with a function that adds the hash of one
+    /// key; `addAll` must call it for all keys of the table. Readers see the new size only after that.
     template <class AddAll>
     void reserve(std::size_t keys, AddAll addAll) {
         if (!made.empty() && keys * fewestBitsForKey <= made.back()->size()) {
@@ -36,12 +38,12 @@ public:
         current.store(made.back().get());
     }
 
-    /// While there is room.
+    /// Adds a key. Call reserve() first.
     void add(const FoldedKey& key) noexcept { made.back()->add(key.getHash()); }
 
 private:
     static constexpr std::size_t bitsForKey = 24;
-    static constexpr std::size_t fewestBitsForKey = 12; ///< With fewer it would rarely say no.
+    static constexpr std::size_t fewestBitsForKey = 12; ///< With fewer bits mayHold() is rarely false.
     static constexpr std::size_t smallest = 256;
 
     class Bits {
@@ -69,7 +71,7 @@ private:
     };
 
     std::atomic<const Bits*> current = nullptr;
-    std::vector<std::unique_ptr<Bits>> made; ///< The last one counts; others may still be looked at.
+    std::vector<std::unique_ptr<Bits>> made; ///< The last one is current; readers may still use the others.
 };
 
 } // namespace ZelUnified

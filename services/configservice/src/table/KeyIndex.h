@@ -13,7 +13,7 @@
 
 namespace ZelUnified {
 
-/// The key of an entry of an ordered map or set.
+/// Returns the key of an entry of an ordered map or set.
 struct KeyOfEntry {
     const std::wstring& operator()(const std::wstring& entry) const noexcept { return entry; }
     template <class Value>
@@ -22,43 +22,44 @@ struct KeyOfEntry {
     }
 };
 
-/// Finds entries by the hash of their keys. It stands beside the container that owns them and refers to them, so they
-/// must stay where they are and keep their keys. Takes 16 to 24 bytes for an entry.
+/// Finds entries by the hash of their keys. It is used beside the container that owns the entries and holds pointers to
+/// them, so entries must keep their addresses and keys. Needs 16 to 24 bytes for an entry.
 ///
-/// Open addressing: an entry stands at the place that its hash gives, or as near behind as there was room, so a search
-/// ends at the first free place. An erased entry leaves no mark: those behind it move up.
+/// Open addressing with linear probing: an entry is at the slot of its hash or at the next free slot behind it, so a
+/// search ends at the first free slot. Erasing leaves no tombstone: following entries move up.
 template <class Entry, class KeyOf = KeyOfEntry>
 class KeyIndex {
 public:
-    /// Null when no entry bears the key.
+    /// Returns the entry of that key, or null if there is none.
     Entry* find(const FoldedKey& key) const noexcept {
         return slots.empty() ? nullptr : slots[placeOf(key)].getEntry();
     }
 
-    /// Makes room for one more entry. What can fail stands here, so that container and index stay of one mind.
+    /// Reserves a slot for one more entry. All allocation happens here, so insert() cannot fail and leave container and
+    /// index inconsistent.
     void reserveOne() { reserve(count + 1); }
 
-    /// Makes room for so many entries in all.
+    /// Reserves slots for `entries` entries in total.
     void reserve(std::size_t entries) {
         if (entries * 4 > slots.size() * 3) {
             resize(std::max({smallest, entries + entries / 3 + 1, slots.size() + slots.size() / 2}));
         }
     }
 
-    /// After reserve() or reserveOne(). The key must not be in the index yet.
+    /// Inserts the entry. Call reserve() or reserveOne() first. The index must not contain the key.
     void insert(const FoldedKey& key, Entry& entry) noexcept {
         place({key.getHash(), &entry});
         ++count;
     }
 
-    /// Does nothing when no entry bears the key.
+    /// Removes the entry of that key; does nothing if there is none.
     void erase(const FoldedKey& key) noexcept {
         if (find(key) == nullptr) {
             return;
         }
         std::size_t hole = placeOf(key);
         for (std::size_t i = next(hole); !slots[i].isFree(); i = next(i)) {
-            // An entry whose own place lies between the hole and itself would not be found in the hole.
+            // An entry whose home slot is between the hole and its current slot would not be found in the hole.
             const std::size_t home = homeOf(slots[i].mark);
             const bool mayMove = hole <= i ? (home <= hole || home > i) : (home <= hole && home > i);
             if (mayMove) {
@@ -80,7 +81,7 @@ public:
         std::swap(count, other.count);
     }
 
-    /// The hashes of all keys, in no order.
+    /// Calls `use` with the hash of each key, in no particular order.
     template <class Use>
     void forEachHash(Use use) const {
         for (const auto& slot : slots) {
@@ -93,7 +94,7 @@ public:
 private:
     static constexpr std::size_t smallest = 8;
 
-    /// The pointer lies in bytes of its own, or four bytes in each slot would be padding.
+    /// The pointer is stored as bytes; otherwise each slot would contain four bytes of padding.
     struct Slot {
         Slot() = default;
         Slot(std::uint32_t hashMark, Entry* entry) noexcept : mark(hashMark) {
@@ -111,14 +112,15 @@ private:
         alignas(std::uint32_t) std::array<std::byte, sizeof(void*)> pointer{};
     };
 
-    /// Keeps the order of the hashes, so that any number of places will do, and the table grows by half only.
+    /// Maps the hashes to slots in their order. This works for any number of slots, so the index grows by only half its
+    /// size.
     std::size_t homeOf(std::uint32_t mark) const noexcept {
         return static_cast<std::size_t>((static_cast<std::uint64_t>(mark) * slots.size()) >> 32);
     }
 
     std::size_t next(std::size_t place) const noexcept { return place + 1 == slots.size() ? 0 : place + 1; }
 
-    /// Where the key's entry stands, or the free place behind its last candidate.
+    /// Returns the slot of the key's entry, or the free slot where the search for it ends.
     std::size_t placeOf(const FoldedKey& key) const noexcept {
         const std::uint32_t mark = key.getHash();
         std::size_t at = homeOf(mark);

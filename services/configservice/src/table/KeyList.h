@@ -7,14 +7,14 @@
 
 namespace ZelUnified {
 
-/// Keys that lie one behind the other, so that making and walking a list of thousands does not wait for as many places
-/// in memory.
+/// A list of keys in contiguous memory: creating and reading a list of thousands of keys needs few allocations and few
+/// cache misses.
 class KeyList {
 public:
     KeyList() = default;
     explicit KeyList(const std::vector<std::wstring>& keys);
 
-    /// Room for so many ends; their characters take it as they come.
+    /// Reserves memory for the ends of `keys` keys, but not for their characters.
     void reserve(std::size_t keys) { ends.reserve(keys); }
     void add(std::wstring_view key);
 
@@ -25,8 +25,8 @@ public:
     }
 
 private:
-    std::wstring characters;       ///< Of all keys.
-    std::vector<std::size_t> ends; ///< Of each key in `characters`.
+    std::wstring characters;       ///< The characters of all keys.
+    std::vector<std::size_t> ends; ///< The end of each key in `characters`.
 };
 
 } // namespace ZelUnified

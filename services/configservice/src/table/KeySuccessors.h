@@ -9,7 +9,8 @@
 
 namespace ZelUnified {
 
-/// Old names of keys and what took their place, found without comparing keys on the way. Constant but for assignment.
+/// A map from key names to the names that replace them. An index finds a name without comparing other names. Constant
+/// except for assignment.
 class KeySuccessors {
 public:
     KeySuccessors() = default;
@@ -17,7 +18,7 @@ public:
     KeySuccessors(KeySuccessors&&) noexcept = default;
     KeySuccessors& operator=(KeySuccessors&&) noexcept = default;
 
-    /// The name that takes the place of the key; null when none does.
+    /// Returns the name that replaces `key`, or null if there is none.
     const std::wstring* find(const FoldedKey& key) const noexcept {
         const auto* entry = index.find(key);
         return entry == nullptr ? nullptr : &entry->second;
@@ -27,7 +28,7 @@ public:
 
 private:
     ConfigMap map;
-    KeyIndex<ConfigMap::value_type> index; ///< Of the entries of `map`, which stay in place.
+    KeyIndex<ConfigMap::value_type> index; ///< Refers to the entries of `map`, whose addresses are stable.
 };
 
 } // namespace ZelUnified

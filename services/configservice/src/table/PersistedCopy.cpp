@@ -64,7 +64,7 @@ void PersistedCopy::copyNamed() {
     });
 }
 
-/// Touches only what differs.
+/// Changes only the entries that differ.
 void PersistedCopy::copyAll(ConfigTable& table) {
     auto next = values.begin();
     for (const auto& entry : table.list()) {

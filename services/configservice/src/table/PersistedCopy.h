@@ -10,8 +10,8 @@ namespace ZelUnified {
 class ConfigEntry;
 class ConfigTable;
 
-/// A table as it was last written. Told of each change of the table, it names the entries that differ while they are
-/// few and none has gone, so that neither comparing nor copying walks both tables. Has no lock.
+/// A copy of a table as last written. It is notified of each change of the table and records the changed entries while
+/// they are few and none has been removed, so that comparing and copying need not walk both tables. Has no lock.
 class PersistedCopy {
 public:
     PersistedCopy() = default;
@@ -19,14 +19,14 @@ public:
     PersistedCopy(const PersistedCopy&) = delete;
     PersistedCopy& operator=(const PersistedCopy&) = delete;
 
-    /// An entry of the table that is new or was given a value. It stays in place until noteRemoval().
+    /// Records that `entry` was inserted or its value changed. The entry must stay at its address until noteRemoval().
     void noteStored(const ConfigEntry& entry) noexcept;
-    /// Entries leave the table, or are others from now on.
+    /// Records that entries were removed or replaced.
     void noteRemoval() noexcept { anyMayDiffer = true; }
 
-    /// Whether the table has the same entries, the case of keys included. May put the table in order.
+    /// Returns true if the table has the same entries; keys are compared case-sensitively. May sort the table.
     bool equals(ConfigTable& table) const;
-    /// Takes over what the table holds, and zeroes the values that this replaces.
+    /// Copies the contents of the table, and zeroes the values that this overwrites.
     void bringUpToDate(ConfigTable& table);
 
 private:
@@ -36,7 +36,7 @@ private:
     void copyAll(ConfigTable& table);
 
     ConfigMap values;
-    std::array<const ConfigEntry*, limit> named{}; ///< Entries of the table, unless any may differ.
+    std::array<const ConfigEntry*, limit> named{}; ///< The changed entries; unused if `anyMayDiffer`.
     std::size_t count = 0;
     bool anyMayDiffer = false;
 };

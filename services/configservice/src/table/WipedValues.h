@@ -9,14 +9,14 @@
 
 namespace ZelUnified {
 
-/// Zeroes the values of a table that is about to go: any of them may be a secret.
+/// Zeroes the values of a table before it is destroyed, because any of them may be a secret.
 inline void wipeValues(ConfigMap& values) {
     for (auto& [key, value] : values) {
         zel::SecureString::wipe(value);
     }
 }
 
-/// Does so when it goes, whatever ends the scope.
+/// Calls wipeValues() in its destructor, however the scope ends.
 class ValuesWiper {
 public:
     explicit ValuesWiper(ConfigMap& wiped) noexcept : values(wiped) {}
@@ -28,7 +28,7 @@ private:
     ConfigMap& values;
 };
 
-/// Overwrites a value, which stays as it is when there is no memory for the next one.
+/// Overwrites a value and zeroes the old one. If an allocation fails, throws and leaves the value unchanged.
 inline void overwriteValue(std::wstring& value, std::wstring_view next) {
     if (next.size() <= value.capacity()) {
         zel::SecureString::wipe(value);

@@ -11,14 +11,14 @@ class App;
 
 namespace lumora_config {
 
-/// Which commands are understood: those of the command line, or those of the shell as well.
+/// The set of accepted commands: those of the command line only, or those of the shell too.
 enum class CommandScope { CommandLine, Shell };
 
-/// Adds every command of the scope to `app`; parsing then fills `command`, which must outlive the parse.
+/// Adds every command of the scope to `app`. Parsing then writes to `command`, which must outlive the parse.
 void addCommands(CLI::App& app, Command& command, CommandScope scope);
 
-/// Reads one line of the shell, split into words already. Throws Failure (Usage); "help" gives Failure (Done) with the
-/// text to show.
+/// Parses one line of the shell, already split into words. Throws Failure: Usage with a message; Done with the help
+/// text for "help".
 Command parseShellCommand(std::vector<std::string> words);
 
 } // namespace lumora_config

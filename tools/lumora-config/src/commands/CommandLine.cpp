@@ -16,7 +16,7 @@ constexpr auto footer =
     "Exit codes: 0 found or done, 1 not found or refused, 2 usage, 3 environment (no plug-in, profile "
     "in use, unreadable file, change not on the disk).\nSensitive values are shown as VALUE_HIDDEN.";
 
-/// The options as text, before they are understood.
+/// The options as text, before they are parsed.
 struct RawOptions {
     std::string profile;
     std::vector<std::string> stores;
@@ -63,8 +63,8 @@ void applyProfile(const std::string& profile, KyrCoreUtils::HostDirectories& dir
                    (root / "resources").string()};
 }
 
-/// The folders that the user named and from which the program loads code or to which it writes settings. A profile
-/// counts with the folders in it.
+/// Returns the directories named by the user from which the program loads code or to which it writes settings. For a
+/// profile, also returns its subdirectories.
 std::vector<std::string> nameDirectories(const std::string& profile, const CommandLine& line) {
     const auto& folders = line.directories;
     std::vector<std::string> named{line.pluginDirectory, folders.config};
@@ -75,7 +75,7 @@ std::vector<std::string> nameDirectories(const std::string& profile, const Comma
     return named;
 }
 
-/// The host asks that its folders be told apart by their paths, so no path may depend on the working directory.
+/// The host compares its directories by path, so no path may depend on the working directory.
 void makeAbsolute(std::string& directory) {
     if (!directory.empty()) {
         directory = std::filesystem::absolute(directory).lexically_normal().string();

@@ -10,20 +10,20 @@
 
 namespace lumora_config {
 
-/// What the user asked for.
+/// The parsed command line.
 struct CommandLine {
-    KyrCoreUtils::HostDirectories directories; ///< Empty members: the platform's.
-    std::string pluginDirectory;               ///< Empty: found from the program's own place.
-    std::vector<std::string> namedDirectories; ///< Those of --profile, --config-dir and --plugin-dir.
+    KyrCoreUtils::HostDirectories directories; ///< An empty member means the default of the platform.
+    std::string pluginDirectory;               ///< If empty, searched relative to the program.
+    std::vector<std::string> namedDirectories; ///< The directories of --profile, --config-dir and --plugin-dir.
     std::vector<StoreSpec> stores;
     std::vector<BootstrapSpec> bootstraps;
     bool json = false;
     bool verbose = false;
     bool showSecrets = false;
-    bool trusted = false; ///< Whoever owns the named directories, they are used.
+    bool trusted = false; ///< Uses the named directories whoever owns them.
     Command command;
 
-    /// Throws Failure: Usage with a message, Done with the text of --help or --version.
+    /// Parses the arguments. Throws Failure: Usage with a message; Done with the text of --help or --version.
     static CommandLine parse(int argc, const char* const* argv);
 };
 

@@ -14,14 +14,15 @@
 
 namespace lumora_config {
 
-/// Follows one record and prints every property that changes, with what it was before. Services dispatcher's thread.
+/// Observes one record and prints every changed property with its old and new value. Call on the services dispatcher's
+/// thread.
 class KeyWatcher final : public ZelUnified::ConfigValueObserver {
 public:
-    /// Answers the name of the calling thread.
+    /// Returns the name of the calling thread.
     using NameThread = std::function<std::string()>;
 
-    /// The printer and the mask must outlive the watcher. What the records of `shownWithIt` say at the moment of a
-    /// change is printed with it.
+    /// The printer and the mask must outlive the watcher. Each change is printed with the current values of the records
+    /// in `shownWithIt`.
     KeyWatcher(std::shared_ptr<ZelUnified::ConfigValue> followed,
                std::vector<std::shared_ptr<ZelUnified::ConfigValue>> shownWithIt, Printer& target,
                const SecretMask& secretMask, NameThread threadNamer);
@@ -47,7 +48,7 @@ private:
     Printer& printer;
     const SecretMask& mask;
     const NameThread nameThread;
-    std::map<std::string, std::wstring> lastSeen; ///< By property.
+    std::map<std::string, std::wstring> lastSeen; ///< The last printed value of each property.
 };
 
 } // namespace lumora_config

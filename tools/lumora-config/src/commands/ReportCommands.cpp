@@ -27,7 +27,7 @@ void writeReport(const std::string& path, const std::string& text) {
     }
 }
 
-/// Prints the text, or writes it into the file and says so. "" and "-" are standard output.
+/// Prints the text, or writes it to the file and reports that. The paths "" and "-" mean standard output.
 void deliver(Session& session, const Command& command, const std::string& path, const std::string& text) {
     if (path.empty() || path == "-") {
         session.getPrinter().showText("report", text);
@@ -37,7 +37,7 @@ void deliver(Session& session, const Command& command, const std::string& path, 
     reportDone(session, command, (command.htmlFile.empty() ? "report" : "page") + std::string(" written to ") + path);
 }
 
-/// In the form of ISO 8601, which a page can turn into the reader's time.
+/// Returns the current time in ISO 8601, which the page converts to the reader's time zone.
 std::string nameThisMoment() {
     using namespace std::chrono;
     const auto now = floor<seconds>(system_clock::now());
@@ -84,7 +84,7 @@ void log(Session& session, const Command& /*command*/) {
     session.getPrinter().showText("log", catcher.getText());
 }
 
-/// A reset empties the configuration directory; a wrong one may be full of something else.
+/// A reset empties the configuration directory. A wrong directory may contain files of other programs.
 void requireNoForeignFiles() {
     const auto directory = KyrCoreUtils::FileUtils::getConfigDirectory();
     const auto foreign = findForeignFiles(directory);

@@ -10,15 +10,15 @@
 
 namespace lumora_config {
 
-/// The one place that decides whether a value may be shown. A key is sensitive when the service says so of either of
-/// its names. Any thread.
+/// Decides whether a value may be shown; nothing else in the program does. A key is sensitive if the service reports
+/// its old name or its new name as sensitive. Any thread.
 class SecretMask {
 public:
     SecretMask(std::shared_ptr<ZelUnified::ConfigFeatureSet> adapter, bool showAll);
 
-    /// The value, or "VALUE_HIDDEN".
+    /// Returns "VALUE_HIDDEN" if the key is sensitive and secrets are not shown, otherwise the value.
     std::wstring show(const std::wstring& key, const std::wstring& value) const;
-    /// Marks a sensitive key as such, too.
+    /// Sets `sensitive`, and masks all values of a sensitive key unless secrets are shown.
     void hide(Explanation& explanation) const;
     void hide(std::vector<ListedValue>& values) const;
 

@@ -15,7 +15,8 @@
 
 namespace lumora_config {
 
-/// What every command works with. Main thread; the inspector and the watchers are used on the services dispatcher's.
+/// Holds the objects that all commands use. Main thread, except the inspector and the watchers, which are used on the
+/// services dispatcher's thread.
 class Session {
 public:
     /// The host and the printer must outlive the session.
@@ -24,18 +25,18 @@ public:
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
-    /// Hands a store to the service, as another service would. The feature set must be started.
+    /// Adds a store to the service, as another service would. The feature set must be started.
     void addStore(const std::shared_ptr<ZelUnified::ConfigStore>& store);
-    /// The same for a file of the user; keys that the document marks as sensitive become so. The copy, if one is
-    /// wanted, is written but not checked.
+    /// Adds a store that reads the user's file. Keys that the document marks as sensitive become sensitive. Writes the
+    /// cached copy if one is requested, but does not check it.
     std::shared_ptr<ZelUnified::ConfigStore> addForeignStore(const StoreSpec& spec);
 
-    /// A worker has set this value; confirmWrites() will look for it on the disk.
+    /// Records a value that a worker has set; confirmWrites() checks that it is on the disk.
     void expectStored(const std::wstring& key, const std::wstring& value);
-    /// These keys have been written again since.
+    /// Removes keys that have been written again since from the expected values.
     void forgetExpected(const std::vector<std::wstring>& keys);
     void forgetAllExpected() { expectedValues.clear(); }
-    /// Forgets all expected values and throws Failure (Environment) if one of them is not on the disk.
+    /// Clears the expected values. Throws Failure (Environment) if one of them is not on the disk.
     void confirmWrites();
 
     ConfigHost& getHost() { return host; }
@@ -43,7 +44,7 @@ public:
     Printer& getPrinter() { return printer; }
     const SecretMask& getMask() const { return mask; }
     ChainInspector& getChain() { return *chain; }
-    /// By the current name of the key. Services dispatcher's thread.
+    /// Keyed by the new name. Services dispatcher's thread.
     std::map<std::wstring, std::shared_ptr<KeyWatcher>, ZelUnified::caseInsensitiveMapComparator>& getWatchers() {
         return watchers;
     }
@@ -53,7 +54,7 @@ private:
     Printer& printer;
     const SecretMask mask;
     const DiskCheck disk;
-    ZelUnified::ConfigMap expectedValues; ///< Set by workers and not looked for yet.
+    ZelUnified::ConfigMap expectedValues; ///< Set by workers and not checked yet.
     std::unique_ptr<ChainInspector> chain;
     std::map<std::wstring, std::shared_ptr<KeyWatcher>, ZelUnified::caseInsensitiveMapComparator> watchers;
 };

@@ -23,7 +23,7 @@ ExitCode Shell::run() {
     return result;
 }
 
-/// The writes of workers that no `wait` has confirmed.
+/// Checks the writes of workers that no `wait` has confirmed.
 void Shell::confirmWrites() {
     try {
         session.confirmWrites();
@@ -66,7 +66,7 @@ void Shell::remember(ExitCode code) {
 std::vector<std::string> splitWords(std::string_view line) {
     std::vector<std::string> words;
     std::string word;
-    bool inWord = false; // An empty word is one, too.
+    bool inWord = false; // True inside an empty quoted word, too.
     char quote = '\0';
     const auto endWord = [&] {
         if (inWord) {

@@ -12,18 +12,17 @@
 
 namespace lumora_config {
 
-/// Reads commands, one a line, and runs them until "quit" or the end of the input, or until an answer could not be
-/// written. An empty line and one that begins with "#" are passed over; a command that fails does not end the shell.
-/// Main thread.
+/// Reads one command per line and runs it, until "quit", the end of the input, or a failure to write an answer. Skips
+/// empty lines and lines that begin with "#". A failing command does not end the shell. Main thread.
 class Shell {
 public:
-    /// With `interactive` a prompt is printed on standard error.
+    /// If `interactive` is true, prints a prompt on standard error.
     Shell(Session& commandSession, std::istream& commands, bool interactive);
 
-    /// Before each line the shell asks `question` and ends, as at the end of its input, if the answer is true.
+    /// Calls `question` before each line. The shell ends, as at the end of its input, if it returns true.
     void endWhen(std::function<bool()> question) { mustEnd = std::move(question); }
 
-    /// The first failure's code, Done when there was none.
+    /// Returns the exit code of the first failure, or Done.
     ExitCode run();
 
 private:
@@ -40,8 +39,8 @@ private:
     ExitCode result = ExitCode::Done;
 };
 
-/// Splits a line at blanks. Single and double quotes hold text together; a backslash takes the next character as it is,
-/// but not between single quotes. Throws Failure (Usage) when a quote is left open.
+/// Splits a line at blanks. Single and double quotes enclose one word. A backslash escapes the next character, except
+/// in single quotes. Throws Failure (Usage) if a quote is not closed.
 std::vector<std::string> splitWords(std::string_view line);
 
 } // namespace lumora_config

@@ -5,7 +5,8 @@
 
 namespace lumora_config {
 
-/// Standard input as a stream buffer that ends as soon as a signal asks the program to end. Main thread.
+/// A stream buffer over standard input that reports the end of the input when a signal asks the program to end. Main
+/// thread.
 class StandardInput final : public std::streambuf {
 private:
     int_type underflow() override;

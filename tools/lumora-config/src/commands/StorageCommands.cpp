@@ -16,7 +16,7 @@ using zel::storage::ReadResult;
 
 namespace {
 
-/// The file that was moved aside under this name or path.
+/// Returns the file that was moved aside under this name or path.
 KeptFile findMovedAside(const std::string& configDirectory, const std::string& name) {
     std::vector<KeptFile> found;
     for (const auto& file : EncryptFileUtils::listMovedAside(configDirectory)) {
@@ -44,7 +44,8 @@ void restore(Session& session, const Command& command) {
         throw Failure(ExitCode::Environment, file.keptAs + " is not put back: " + outcome.cause);
     }
     session.getDisk().requireReadable(file.original);
-    // The stores still hold what they read before, and their next write would replace the file.
+    // The stores still hold what they read before; without a refresh, their next write would overwrite the restored
+    // file.
     host.refresh();
     reportDone(session, command,
                file.keptAs + " is put back as " + FileUtils::getFileName(file.original) +

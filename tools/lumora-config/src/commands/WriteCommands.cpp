@@ -20,7 +20,7 @@ namespace {
 using KyrCoreUtils::toString;
 namespace ConfigKeys = ZelUnified::ConfigKeys;
 
-/// Runs a write where the user wants it: on the services dispatcher's thread, or on this one.
+/// Runs a write on the services dispatcher's thread or, for `--worker`, on the calling thread.
 void runWrite(Session& session, const Command& command, const std::function<void()>& write) {
     if (command.fromWorker) {
         write();
@@ -29,7 +29,7 @@ void runWrite(Session& session, const Command& command, const std::function<void
     session.getHost().onServices("lumora-config: " + command.name, write);
 }
 
-/// The value that counts now, and whose it is: a write may be hidden by a store in front.
+/// Returns the effective value and its store: a store of higher priority may hide the written value.
 std::string describeOutcome(Session& session, const std::wstring& key) {
     std::optional<Reading> reading;
     session.getHost().onServices("lumora-config: outcome", [&] { reading = session.getChain().read(key); });
@@ -62,7 +62,7 @@ void requireKeptValue(const Command& command) {
     }
 }
 
-/// Refuses what the user's file, a cached copy or the report could not give back.
+/// Refuses a key or value that the user's file, a cached copy or the report cannot represent.
 void requireStorable(const Command& command) {
     if (command.key.empty()) {
         throw Failure(ExitCode::NotFound, "the key is empty");
@@ -116,8 +116,8 @@ bool userHolds(Session& session, const std::wstring& key) {
     });
 }
 
-/// The service takes an empty table for an unchanged one if it has written nothing in this run, and would leave the
-/// last value in the file. Having written once before, it sees the change.
+/// The service treats an empty table as unchanged if it has written nothing in this run, and would leave the last value
+/// in the file. After one write it detects the change.
 void prepareLastRemoval(Session& session, const std::vector<std::wstring>& names) {
     const auto& host = session.getHost();
     std::shared_ptr<ZelUnified::ConfigStore> store;
@@ -197,7 +197,7 @@ void resetProvisioning(Session& session, const Command& command) {
 }
 
 void mdm(Session& session, const Command& command) {
-    // A document that is not XML would empty the store without a word.
+    // A document that is not XML would empty the store without an error.
     readXmlSettings(command.file);
     const auto document = readWholeFile(command.file);
     const std::string storeName(ConfigKeys::mdmConfigStore);

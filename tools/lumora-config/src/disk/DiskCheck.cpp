@@ -27,17 +27,22 @@ namespace ConfigKeys = ZelUnified::ConfigKeys;
 
 namespace {
 
-/// The one key that the user's file keeps under another name than it was given.
+/// Returns the name of the key in the user's file: one key is stored under another name.
 std::wstring nameInUserFile(const std::wstring& key) {
     return caseInsensitiveStringEquals(key, ConfigKeys::vvmMailstoreServer0)
                ? std::wstring(ConfigKeys::voicemailPrimaryServer)
                : key;
 }
 
-/// In FIPS mode a store does not return what it holds for this key.
+/// In FIPS mode a store does not return its value of this key.
 bool isReadAsHeld(const std::wstring& key) {
     return !zel::common::FipsUtils::isFipsEnabled() ||
            !caseInsensitiveStringEquals(key, ConfigKeys::telephonyP2PEnabled);
+}
+
+/// What cannot be read now may be readable at the next start.
+bool mayHoldMore(const SettingsOnDisk& onDisk) {
+    return onDisk.state != ReadResult::Ok && onDisk.state != ReadResult::Absent;
 }
 
 [[noreturn]] void fail(const std::string& message) {
@@ -59,6 +64,9 @@ void DiskCheck::requireRemoved(const std::string& key, const std::vector<std::ws
     host.settle();
     const auto onDisk = readUserSettings(host.getConfigDirectory());
     const auto isHeld = [&](const std::wstring& name) { return onDisk.values.contains(nameInUserFile(name)); };
+    if (mayHoldMore(onDisk)) {
+        failForUser(key + " may be reset for this run only, because the user's file cannot be read back");
+    }
     if (std::ranges::any_of(names, isHeld)) {
         failForUser(key + " is reset for this run only, because the disk still holds the user's value");
     }
@@ -77,7 +85,7 @@ void DiskCheck::requireCopy(ZelUnified::ConfigStore& store) const {
     if (!entry || entry->priority != toWideString(store.getCachedPriority())) {
         failForUser("the record of the copy of " + store.getName() + " is not on the disk");
     }
-    // The next start looks for the file by the name in the record.
+    // The next start searches the file by the name in the record.
     const auto path = findPathOfCopy(host.getConfigDirectory(), toString(entry->name));
     if (!path) {
         fail(what + ": its name leads out of the folder of the copies");
@@ -96,7 +104,7 @@ void DiskCheck::requireCopyAt(const std::string& path, ZelUnified::ConfigStore& 
         std::wstring value;
         const auto found = onDisk.values.find(asDocumentsKeepIt(key));
         const bool isHeld = store.getValue(key, value);
-        // A document does not keep the blanks around a text.
+        // A document does not preserve leading and trailing blanks of a text.
         return !isHeld || (found != onDisk.values.end() &&
                            (!isReadAsHeld(key) ||
                             KyrCoreUtils::trim(found->second) == KyrCoreUtils::trim(asDocumentsKeepIt(value))));
@@ -113,6 +121,9 @@ void DiskCheck::requireCopyAt(const std::string& path, ZelUnified::ConfigStore& 
 void DiskCheck::requireRecord(const std::wstring& record) const {
     host.settle();
     const auto onDisk = readUserSettings(host.getConfigDirectory());
+    if (mayHoldMore(onDisk)) {
+        failForUser("the store may be removed for this run only, because the user's file cannot be read back");
+    }
     const auto found = onDisk.values.find(ConfigKeys::primaryConfigStores);
     if ((found == onDisk.values.end() ? std::wstring() : found->second) != asDocumentsKeepIt(record)) {
         failForUser("the store is removed for this run only, because the disk still holds the record of its copy");

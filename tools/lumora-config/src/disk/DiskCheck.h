@@ -10,35 +10,36 @@
 
 namespace lumora_config {
 
-/// Reads back from the disk what a command has written, as the next start will read it. Each check waits for queued
-/// writes first and throws Failure (Environment), which says what is not on the disk and why. Main thread.
+/// Reads back from the disk what a command has written, in the way the next start reads it. Each check first waits for
+/// queued writes, and throws Failure (Environment) with what is not on the disk and why. Main thread.
 class DiskCheck {
 public:
     /// The host must outlive the check.
     explicit DiskCheck(const ConfigHost& configHost) : host(configHost) {}
 
-    /// The user's file holds this value.
+    /// Checks that the user's file contains this value.
     void requireStored(const std::wstring& key, const std::wstring& value) const;
-    /// The user's file holds none of these keys. `key` is the one that the user named.
+    /// Checks that the user's file contains none of these keys. `key` is the key as the user typed it.
     void requireRemoved(const std::string& key, const std::vector<std::wstring>& names) const;
-    /// The copy of the store is on the disk with all its values, and the next start restores it.
+    /// Checks that the copy of the store is on the disk with all values, and that the next start restores it.
     void requireCopy(ZelUnified::ConfigStore& store) const;
-    /// The file of the settings of a provisioning URL holds what this store holds.
+    /// Checks that the file of the provisioning settings contains the values of this store.
     void requireProvisioned(ZelUnified::ConfigStore& store) const;
-    /// The record of the cached copies in the user's file is this text.
+    /// Checks that the record of cached copies in the user's file equals this text.
     void requireRecord(const std::wstring& record) const;
-    /// No file is left at this path.
+    /// Checks that no file exists at this path.
     void requireGone(const std::string& path) const;
-    /// The file holds these bytes.
+    /// Checks that the file contains exactly these bytes.
     static void requireFile(const std::string& path, std::string_view content);
-    /// The protected file can be read.
+    /// Checks that the protected file can be read.
     void requireReadable(const std::string& path) const;
-    /// The user's settings, the cached copies and the user's policy are gone.
+    /// Checks that the user's settings, the cached copies and the user's policy are deleted.
     void requireReset() const;
 
 private:
     void requireCopyAt(const std::string& path, ZelUnified::ConfigStore& store) const;
-    /// What keeps the user's settings from the disk; `path` is the file in which they should be.
+    /// Throws Failure with the reason why the user's settings are not on the disk; `path` is the file that should
+    /// contain them.
     [[noreturn]] void failForUser(const std::string& what) const;
     [[noreturn]] void failForFile(const std::string& what, const std::string& path) const;
     std::string getUserFile() const;

@@ -7,10 +7,10 @@
 namespace lumora_config {
 
 /// Examines a profile on the disk: its directories, the lock, every protected file, the files moved aside, the keys and
-/// the policy files. It needs no plug-in and changes no setting. The host's directories must be settled. Main thread.
+/// the policy files. Needs no plug-in and changes no setting. The directories of the host must be set. Main thread.
 class Doctor {
 public:
-    /// Whether this process holds the profile's lock.
+    /// Whether this process holds the lock of the profile.
     enum class Lock { Held, NotHeld };
 
     explicit Doctor(Lock lockState);
@@ -26,7 +26,7 @@ private:
     void examineKeys();
     void examinePolicies(const std::string& folder);
     void add(const std::string& area, const std::string& path, const std::string& state, bool needsAttention);
-    /// Adds owner and mode to the state. `harmfulMode` are the permissions that need attention.
+    /// Adds an item with owner and mode. `harmfulMode` contains the permission bits that need attention.
     void addExisting(const std::string& area, const std::string& path, const std::string& state, bool needsAttention,
                      unsigned harmfulMode);
 

@@ -14,7 +14,7 @@ namespace {
 constexpr std::array<std::string_view, 6> namesAtTheTop{"lumoraLocalConfig.dat",   "lumoraLocalConfig_backup.dat",
                                                         "RegistryConfigStore.txt", "home-fenn-info.dat",
                                                         "service-location.dat",    "SSOAuthInfoStore.dat"};
-/// Those that a reset keeps: it looks for them in every folder and ignores case.
+/// Files that a reset keeps: it searches them in every folder, case-insensitively.
 constexpr std::array<std::string_view, 4> namesAnywhere{
     "cachedUrlProvisioningConfigStore.dat", "deviceData4.properties", "lumora-config-user.xml", "installationId.txt"};
 
@@ -52,7 +52,7 @@ std::string_view dropMovedAsideParts(std::string_view name) {
     return number.empty() || isNumber ? name.substr(0, at) : name;
 }
 
-/// A cached copy; the name of its store may contain separators.
+/// Returns true for a cached copy. The name of its store may contain separators.
 bool isCachedCopy(std::string_view path) {
     return path.starts_with("Cache/cached") && (path.ends_with(".dat") || path.ends_with(".xml"));
 }
@@ -60,7 +60,7 @@ bool isCachedCopy(std::string_view path) {
 } // namespace
 
 bool isFileOfTheClient(std::string_view path) {
-    const auto folder = path.substr(0, path.rfind('/') + 1); // with its separator; npos + 1 is 0
+    const auto folder = path.substr(0, path.rfind('/') + 1); // Includes the separator; npos + 1 is 0.
     const auto name = dropMovedAsideParts(dropTemporaryParts(path.substr(folder.size())));
     const auto isName = [name](std::string_view other) {
         return KyrCoreUtils::caseInsensitiveStringEquals(name, other);

@@ -6,12 +6,13 @@
 
 namespace lumora_config {
 
-/// Returns true if the client writes or reads a file of this name in its configuration directory, or one that stands
-/// for it: moved aside because it could not be read, or the temporary file of a write. `path` is relative to the
-/// directory, with "/" between its parts.
+/// Returns true if the client reads or writes a file of this name in its configuration directory, or if the file
+/// derives from one: moved aside because it was unreadable, or the temporary file of a write. `path` is relative to the
+/// directory and uses "/".
 bool isFileOfTheClient(std::string_view path);
 
-/// Returns the files at and below the configuration directory that are not the client's, relative to it and sorted.
+/// Returns the files in and below the configuration directory that are not the client's. The paths are relative to it
+/// and sorted.
 std::vector<std::string> findForeignFiles(const std::string& configDirectory);
 
 } // namespace lumora_config

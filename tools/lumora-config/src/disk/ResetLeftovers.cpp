@@ -22,7 +22,7 @@ namespace ConfigKeys = ZelUnified::ConfigKeys;
 
 namespace {
 
-// The last one is made anew of the policy that is left, when the chain is rebuilt.
+// Rebuilding the chain writes the last one again from the remaining policy.
 constexpr std::array<std::string_view, 5> survivors{"cachedUrlProvisioningConfigStore.dat", "deviceData4.properties",
                                                     "lumora-config-user.xml", "installationId.txt",
                                                     "RegistryConfigStore.txt"};
@@ -32,7 +32,7 @@ bool survives(const std::string& fileName) {
         survivors, [&](std::string_view survivor) { return caseInsensitiveStringEquals(fileName, survivor); });
 }
 
-/// The rebuilt chain may write the user's file anew, with an empty record of copies and nothing else.
+/// Returns true if the user's file contains only an empty record of copies: the rebuilt chain may write such a file.
 bool isFreshUserFile(const std::string& path, const std::string& configDirectory) {
     const auto folder = configDirectory + FileUtils::FileSeparator();
     if (path != folder + std::string(ConfigKeys::localConfigFile) &&
@@ -45,7 +45,7 @@ bool isFreshUserFile(const std::string& path, const std::string& configDirectory
            });
 }
 
-/// At or below the key of the client's policy.
+/// Returns true if the section is the key of the client's policy or below it.
 bool isClientsPolicy(const zel::registry::RegistryTextSection& section) {
     const std::wstring key = L"Software\\" + KyrCoreUtils::toWideString(ConfigKeys::policyRegistryPath);
     const auto& path = section.path;
@@ -60,7 +60,7 @@ bool holdsPolicy(const std::string& path) {
                                                            zel::registry::AfterFault::Stop);
         return std::ranges::any_of(text.sections, isClientsPolicy);
     } catch (const Failure&) {
-        return false; // what cannot be read is no policy
+        return false; // an unreadable file contains no policy
     }
 }
 

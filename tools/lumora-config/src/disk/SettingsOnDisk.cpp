@@ -31,7 +31,7 @@ void wipe(Text& text) {
     }
 }
 
-/// The clear content of a file for the time of one parse.
+/// Holds the decrypted content of a file during one parse.
 class ClearText final : public zel::storage::ProtectedText {
 public:
     ClearText() = default;
@@ -61,10 +61,12 @@ private:
     std::string text;
 };
 
-/// The rule by which the service chooses a file's key.
+/// Returns the category by which the service chooses the encryption key of the file.
 Category::FileCategory categoryOf(const std::string& path) {
+    const auto name = FileUtils::getFileName(path);
+    const bool isUsersFile = name == ConfigKeys::localConfigFile || name == ConfigKeys::localConfigBackupFile;
     const bool isProvisioned = path.find(ConfigKeys::urlProvisioningConfigStore) != std::string::npos;
-    return isProvisioned ? Category::DeviceData : Category::UserData;
+    return isProvisioned && !isUsersFile ? Category::DeviceData : Category::UserData;
 }
 
 bool isInXml(wchar_t character) {
@@ -142,7 +144,7 @@ std::string describe(ReadResult state) {
 }
 
 std::wstring asDocumentsKeepIt(const std::wstring& value) {
-    // Through UTF-8, because that is where the service replaces halves of characters.
+    // Converts through UTF-8 because the service replaces lone surrogates in that conversion.
     auto kept = KyrCoreUtils::toWideString(KyrCoreUtils::toString(value));
     std::ranges::replace_if(
         kept, [](wchar_t character) { return !isInXml(character); }, L'\xFFFD');

@@ -9,7 +9,7 @@
 
 namespace lumora_config {
 
-/// What a protected file holds on the disk. The values are wiped at the end.
+/// The content of a protected file on the disk. The destructor wipes the values.
 struct SettingsOnDisk {
     SettingsOnDisk() = default;
     ~SettingsOnDisk();
@@ -23,19 +23,19 @@ struct SettingsOnDisk {
     ZelUnified::ConfigMap values;
 };
 
-/// Reads one file from the disk, never what the host keeps in memory for it.
+/// Reads one file from the disk, never the copy that the host holds in memory.
 SettingsOnDisk readSettings(const std::string& path);
-/// Reads the user's settings as the next start does: from the backup if the file can't be read.
+/// Reads the user's settings as the next start does: from the backup if the file is unreadable.
 SettingsOnDisk readUserSettings(const std::string& configDirectory);
 
-/// Returns the state of every protected file at and below the directory, the user's files included if something that is
-/// no file has their names.
+/// Returns the state of every protected file in and below the directory. Includes the user's files if something that is
+/// not a file has their names.
 std::vector<zel::storage::ProtectedFileHealth> examineProtectedFiles(const std::string& configDirectory);
 
-/// "good", "damaged", ...
+/// Returns the state as a word: "good", "damaged", ...
 std::string describe(zel::storage::ReadResult state);
 
-/// `value` as a document keeps it: U+FFFD in place of the characters that XML cannot represent.
+/// Returns `value` as a document stores it: each character that XML cannot represent is replaced by U+FFFD.
 std::wstring asDocumentsKeepIt(const std::wstring& value);
 
 } // namespace lumora_config

@@ -10,7 +10,7 @@ namespace lumora_config {
 
 namespace {
 
-/// The separators of every platform count, because the folder may be shared.
+/// Accepts the separators of every platform because platforms may share the folder.
 bool hasParentComponent(std::string_view name) {
     constexpr std::string_view separators = "/\\";
     while (true) {

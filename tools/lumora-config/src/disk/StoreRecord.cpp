@@ -8,7 +8,7 @@ namespace lumora_config {
 
 namespace {
 
-/// The pieces of the record, each with the ";" that closes it.
+/// Returns the parts of the record, each with its closing ";".
 std::vector<std::wstring> piecesOf(const std::wstring& text) {
     std::vector<std::wstring> pieces;
     for (std::size_t begin = 0; begin < text.size();) {
@@ -45,7 +45,7 @@ std::optional<StoreRecord::Entry> StoreRecord::find(const std::wstring& storeNam
     for (auto& piece : piecesOf(text)) {
         auto entry = toEntry(std::move(piece));
         if (isOf(entry, storeName)) {
-            // The service keeps the first spelling of a name and the last priority.
+            // Like the service, keeps the first spelling of a name and the last priority.
             found = Entry{found ? found->name : entry->name, entry->priority};
         }
     }

@@ -6,21 +6,21 @@
 
 namespace lumora_config {
 
-/// The text of "PrimaryConfigStores", in which each cached store has an entry `NAME:PRIORITY;`.
+/// Parses the text of "PrimaryConfigStores", which contains an entry `NAME:PRIORITY;` for each cached store.
 class StoreRecord {
 public:
     explicit StoreRecord(std::wstring recordText);
 
-    /// The priority text of the store's entry, the name compared ignoring case. A later entry of the same name wins.
+    /// The entry of a store, found by case-insensitive name. If entries repeat, the last priority wins.
     struct Entry {
         std::wstring name;
         std::wstring priority;
     };
     std::optional<Entry> find(const std::wstring& storeName) const;
-    /// The text without the entries of this store. All others stay as they are, pieces that are no entries included.
+    /// Returns the text without the entries of this store. All other parts are unchanged, including malformed ones.
     std::wstring without(const std::wstring& storeName) const;
-    /// The service cuts a store from the record at the first place where its name occurs, which may be inside of
-    /// another store's entry. Returns whether that cut gives the same text as without().
+    /// Returns true if the service's way of removing the store gives the same text as without(). The service erases the
+    /// entry at the first occurrence of the name, which may be inside the entry of another store.
     bool isCutAsWhole(const std::wstring& storeName) const;
     const std::wstring& getText() const { return text; }
 

@@ -26,7 +26,7 @@ const std::wstring& recordKey() {
     return key;
 }
 
-/// The product makes these stores itself.
+/// Returns true for the stores that the product creates at each start.
 bool isMadeAtEachStart(const std::string& name) {
     constexpr std::array ownStores{ConfigKeys::localFileConfigStore, ConfigKeys::registryConfigStore,
                                    ConfigKeys::urlProvisioningConfigStore, ConfigKeys::inMemoryConfigStore,
@@ -50,7 +50,7 @@ StoreRemoval::StoreRemoval(const ConfigHost& configHost, const std::string& stor
         if (store) {
             name = store->getName();
         }
-        // The copy was made under the spelling of the record, which may be an earlier one.
+        // The copy was written under the spelling in the record, which may be an older one.
         copies = {name, storeName};
         if (const auto entry = StoreRecord(readUsersRecord()).find(toWideString(name))) {
             copies.push_back(KyrCoreUtils::toString(entry->name));
@@ -70,9 +70,9 @@ void StoreRemoval::run() {
     }
 }
 
-/// The service cuts the name from the record where it first occurs, which may be inside of another entry. If so, a
-/// piece that is no entry is put in front, for the cut to find: the record means the same with it, whenever the
-/// process ends.
+/// The service erases the name from the record at its first occurrence, which may be inside another entry. In that
+/// case, inserts a malformed part at the front for the service to erase. The extra part does not change the meaning of
+/// the record, even if the process ends before it is erased.
 void StoreRemoval::removeOnServices() {
     const auto storeName = toWideString(name);
     const auto featureSet = host.getFeatureSet();
@@ -85,15 +85,16 @@ void StoreRemoval::removeOnServices() {
     if (!findUsersStore()) {
         return;
     }
-    // The service reads the record from the whole chain; a store in front of the user's may hold another one.
+    // The service reads the record from the whole chain; a store of higher priority than the user's may hold another
+    // one.
     if (readUsersRecord() != remaining) {
         featureSet->setConfig(recordKey(), remaining);
     }
     remainingRecord = remaining;
 }
 
-/// The service deletes the copy of a live store alone, and not that of a store which it has read from its copy. A copy
-/// that could not be written yet is dropped too, so the deletion is tried whether or not there is a file.
+/// The service deletes the copy of a live store only, not that of a store read from its copy. Deleting also drops a
+/// copy that could not be written yet, so this is called even if there is no file.
 void StoreRemoval::deleteCopies() {
     host.settle();
     for (const auto& copy : copies) {

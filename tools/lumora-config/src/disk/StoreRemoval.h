@@ -12,17 +12,17 @@
 
 namespace lumora_config {
 
-/// Takes one store out of the chain, deletes its copy and its entry in the record of copies, and leaves the entries of
-/// all other stores as they are. Main thread.
+/// Removes one store from the chain, its copy, and its entry in the record of copies. The entries of all other stores
+/// are unchanged. Main thread.
 class StoreRemoval {
 public:
-    /// The host must outlive the removal. Throws Failure (NotFound), and nothing is changed, if there is no such store
+    /// The host must outlive the removal. Throws Failure (NotFound) without changing anything if there is no such store
     /// or the feature set is not started.
     StoreRemoval(const ConfigHost& configHost, const std::string& storeName);
 
-    /// Throws Failure (Environment) if the copy or its record is still on the disk.
+    /// Removes the store. Throws Failure (Environment) if the copy or its record is still on the disk afterwards.
     void run();
-    /// What has become of the store and its copy. After run().
+    /// Returns what happened to the store and its copy. Call after run().
     std::string describe() const;
 
 private:
@@ -33,7 +33,7 @@ private:
     std::wstring readUsersRecord() const;
 
     const ConfigHost& host;
-    std::string name; ///< As the store spells it.
+    std::string name; ///< In the spelling of the store.
     std::vector<std::string> copies;
     bool hadCopy = false;
     std::optional<std::wstring> remainingRecord; ///< Empty if the user's store is not in the chain.

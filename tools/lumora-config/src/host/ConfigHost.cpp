@@ -24,7 +24,7 @@ using ZelUnified::UnifiedFactoryImpl;
 
 namespace {
 
-/// Sets the folders before anything asks for them. Returns the configuration directory.
+/// Sets the directories before anything reads them. Returns the configuration directory.
 std::string settleDirectories(const KyrCoreUtils::HostDirectories& directories) {
     FileUtils::overrideDirectories(directories);
     auto configDirectory = FileUtils::getConfigDirectory();
@@ -91,11 +91,11 @@ bool ConfigHost::isStarted() const {
 
 void ConfigHost::resetData() {
     factory->invokeResetData(ZelUnified::ResetDataOptionEnum::ResetAll);
-    poweredDown = false; // the stores were made anew
+    poweredDown = false; // the stores have been created again
 }
 
 void ConfigHost::refresh() {
-    // A store that reads its file anew would overtake a queued write to it.
+    // A store that reads its file again must not overtake a queued write to it.
     settle();
     onServices("lumora-config: refresh", [this] { featureSet->refreshConfigFeatureSet(); });
     poweredDown = false;
@@ -128,7 +128,7 @@ void ConfigHost::onServices(const std::string& name, const std::function<void()>
 }
 
 void ConfigHost::settle() const {
-    // A task of one dispatcher may post to the other: the order of the two rounds doesn't matter, the second does.
+    // A task of one dispatcher may post to the other. Two rounds are needed; the order within a round does not matter.
     for (int round = 0; round < 2; ++round) {
         factory->flushBackgroundDispatcher();
         onServices("lumora-config: settle", [] {});
@@ -154,7 +154,7 @@ void ConfigHost::load() {
 }
 
 void ConfigHost::end() {
-    // A value that waits to be written sets the timer of the backup, and the timer posts its writing.
+    // A value that waits to be written sets the timer of the backup, whose alarm posts the write.
     settle();
     timerSwitch->ringAll();
     settle();

@@ -17,13 +17,13 @@
 
 namespace lumora_config {
 
-/// A whole host in one object: it settles the folders, takes the profile, loads the plug-in and ends it again. The
-/// service and the feature set live as long as the host does. At its end all that was delayed happens at once: the
-/// user's file and its backup are both written then. Made, used and destroyed by the main thread.
+/// A complete host: sets the directories, locks the profile, loads the plug-in and unloads it. The service and the
+/// feature set live as long as the host. The destructor runs all delayed work at once, so the user's file and its
+/// backup are both written. Construct, use and destroy on the main thread.
 class ConfigHost {
 public:
-    /// Loads the plug-in from the folder `plugins`, if empty from the one beside the program; the feature set is not
-    /// started yet. Throws Failure (Environment): nothing is left running.
+    /// Loads the plug-in from the folder `plugins` or, if that is empty, from the folder beside the program. Does not
+    /// start the feature set. Throws Failure (Environment) and leaves nothing running.
     ConfigHost(const KyrCoreUtils::HostDirectories& directories, const std::string& plugins, bool verbose);
     ~ConfigHost();
     ConfigHost(const ConfigHost&) = delete;
@@ -32,22 +32,22 @@ public:
     void start();
     void stop();
     bool isStarted() const;
-    /// Resets the client as a user would: every provider's reset callback is called.
+    /// Resets the client as a user does: calls the reset callback of every provider.
     void resetData();
-    /// Reads the stores that are not local anew, once what was queued before has been written.
+    /// Waits for queued writes, then makes the stores that are not local read their sources again.
     void refresh();
-    /// Announces that the machine goes down, once what was queued before has been written.
+    /// Waits for queued writes, then announces that the machine shuts down.
     void powerDown();
-    /// The stores write nothing any more: the machine has announced that it goes down, and no refresh came since.
+    /// Returns true after powerDown() until the next refresh. The stores write nothing meanwhile.
     bool isPoweredDown() const { return poweredDown; }
-    /// Runs `work` on the background dispatcher's thread, later.
+    /// Posts `work` to the background dispatcher.
     void onBackground(const std::string& name, std::function<void()> work) const;
 
-    /// Runs `work` on the services dispatcher's thread and returns when it is done. What it throws is thrown here.
+    /// Runs `work` on the services dispatcher's thread and waits for it. Rethrows what it throws.
     void onServices(const std::string& name, const std::function<void()>& work) const;
-    /// Returns when everything that was queued on both dispatchers has run.
+    /// Waits until all tasks queued on both dispatchers have run.
     void settle() const;
-    /// "services", "main" or "background".
+    /// Returns "services", "main" or "background" for the calling thread.
     std::string nameThread() const;
 
     const std::shared_ptr<ZelUnified::ConfigFeatureSet>& getFeatureSet() const { return featureSet; }
@@ -64,7 +64,7 @@ private:
     const std::shared_ptr<TimerSwitch> timerSwitch = std::make_shared<TimerSwitch>();
     const std::string configDirectory;
     const std::string pluginDirectory;
-    /// Two processes that write one configuration would lose each other's values.
+    /// Two processes that write one configuration would overwrite each other's values.
     const ZelUnified::ProfileLock lock;
     const std::shared_ptr<ZelUnified::UnifiedFactoryImpl> factory;
     std::shared_ptr<ZelUnified::ConfigFeatureSet> featureSet;

@@ -4,16 +4,16 @@
 
 namespace lumora_config {
 
-/// The defaults file of the installation. The service goes on without it, with an empty store; a user of the program is
-/// told, since every answer would be wrong.
+/// Checks the defaults file of the installation. The service works without it, with an empty store; the program reports
+/// an error, since every answer would be wrong.
 class DefaultsFile {
 public:
     explicit DefaultsFile(const std::string& resourcesDirectory);
 
-    /// Before the service reads the file. Throws Failure (Environment) when it is missing or can't be read.
+    /// Call before the service reads the file. Throws Failure (Environment) if it is missing or unreadable.
     void requireReadable() const;
-    /// After the service has read the file: it puts one that is not XML aside. Throws Failure (Environment) that says
-    /// where it is kept.
+    /// Call after the service has read the file; the service moves a file aside that is not XML. Throws Failure
+    /// (Environment) with the new path in that case.
     void requireAccepted() const;
 
 private:

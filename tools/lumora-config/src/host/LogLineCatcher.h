@@ -7,7 +7,8 @@
 
 namespace lumora_config {
 
-/// Keeps the last line that one logger wrote while it lives. Main thread; lines may come from any.
+/// Holds the last line that one logger wrote during the lifetime of this object. Main thread; log lines may come from
+/// any thread.
 class LogLineCatcher {
 public:
     explicit LogLineCatcher(std::string loggerName);

@@ -8,13 +8,13 @@
 
 namespace lumora_config {
 
-/// Stands in for the machine's power events, so that the shell can announce one. Any thread.
+/// Replaces the system monitor, so that the shell can announce power events. Any thread.
 class PowerSwitch final : public ZelSystemMonitor::SystemMonitor {
 public:
     void addPowerEventObserver(std::weak_ptr<ZelSystemMonitor::PowerEventObserver> observer) override;
     void removePowerEventObserver(std::weak_ptr<ZelSystemMonitor::PowerEventObserver> observer) override;
 
-    /// Tells every observer, on the calling thread and with no lock held. The number of them.
+    /// Notifies every observer on the calling thread without holding the lock. Returns the number of observers.
     std::size_t announce(ZelSystemMonitor::PowerEventTypeEnum::PowerEventType type);
 
 private:

@@ -22,7 +22,7 @@ void TimerSwitch::cancel(Alarm alarm) {
     const std::lock_guard lock(mutex);
     if (const auto found = waiting.find(alarm); found != waiting.end()) {
         clock->cancel(found->second.ofClock);
-        cancelled = std::move(found->second); // its captures may be the last of their kind: they go after the unlock
+        cancelled = std::move(found->second); // may own the last references of its captures: destroyed after the unlock
         waiting.erase(found);
     }
 }

@@ -8,14 +8,14 @@
 
 namespace lumora_config {
 
-/// The process's timers, and a switch that lets all that wait ring at once, so that nothing which was delayed is lost
-/// when the program ends. Any thread.
+/// The timers of the process, with a switch that fires all pending alarms at once, so that no delayed work is lost when
+/// the program ends. Any thread.
 class TimerSwitch final : public zel::common::TimerSource, public std::enable_shared_from_this<TimerSwitch> {
 public:
     Alarm set(std::int64_t seconds, std::function<void()> ring) override;
     void cancel(Alarm alarm) override;
 
-    /// Rings what waits now, on the calling thread and with no lock held. What they set in turn waits as usual.
+    /// Fires all pending alarms on the calling thread without holding the lock. Alarms that they set wait as usual.
     void ringAll();
 
 private:
@@ -29,7 +29,7 @@ private:
     const std::shared_ptr<TimerSource> clock = TimerSource::getInstance();
     std::mutex mutex;
     Alarm last = 0;                   ///< Guarded by `mutex`.
-    std::map<Alarm, Waiting> waiting; ///< Guarded by `mutex`. Who takes an alarm out of it rings it.
+    std::map<Alarm, Waiting> waiting; ///< Guarded by `mutex`. The thread that removes an alarm fires it.
 };
 
 } // namespace lumora_config

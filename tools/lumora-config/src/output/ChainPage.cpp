@@ -46,7 +46,7 @@ std::string whatHolds(const std::string& storeName) {
     return std::string(known == knownStores.end() ? "handed in by another service" : known->holds);
 }
 
-/// As the catalogue spells the key: the stores that read files give lower case.
+/// Returns the key in the spelling of the catalogue: the stores that read files return lower case.
 std::wstring spell(const std::wstring& key) {
     for (const auto& entry : ConfigKeys::catalogue) {
         const auto* const known = std::get_if<std::wstring_view>(&entry);

@@ -7,7 +7,7 @@
 
 namespace lumora_config {
 
-/// All of the chain at one moment. Secrets are hidden in it already.
+/// The whole chain at one moment. Secrets are already masked.
 struct ChainFindings {
     std::vector<StoreFacts> stores;
     std::vector<Explanation> keys;
@@ -15,10 +15,10 @@ struct ChainFindings {
     bool showsSecrets = false;
 };
 
-/// The page for support people: one document that needs nothing but a browser. Any thread.
+/// Returns the page for support staff: one self-contained HTML document. Any thread.
 std::string renderChainPage(const ChainFindings& findings);
 
-/// The page as it is before it is filled, from report/chain.html.
+/// Returns the template of the page, report/chain.html.
 std::string_view getChainPageTemplate();
 
 } // namespace lumora_config

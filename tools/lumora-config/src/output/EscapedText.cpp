@@ -10,7 +10,7 @@ namespace {
 
 enum class LineBreaks { Escape, Keep };
 
-/// The well-formed sequences of UTF-8 by their first byte; the second byte has limits of its own.
+/// The well-formed UTF-8 sequences by their first byte, with the limits of the second byte.
 struct SequenceForm {
     unsigned char firstFrom;
     unsigned char firstTo;
@@ -35,7 +35,7 @@ bool isFollower(char byte) {
     return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
 }
 
-/// Returns the bytes of the sequence with which `text` begins; 0 if it is ill-formed.
+/// Returns the number of bytes of the sequence at the start of `text`, or 0 if it is ill-formed.
 std::size_t lengthOfSequence(std::string_view text) {
     const auto first = byteAt(text, 0);
     if (first < 0x80U) {

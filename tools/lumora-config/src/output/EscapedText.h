@@ -5,11 +5,11 @@
 
 namespace lumora_config {
 
-/// Returns the text (UTF-8) made fit for one line: control characters (C0, DEL and C1) and line separators are shown as
-/// escapes, and so is each byte that is not UTF-8.
+/// Returns the text (UTF-8) for output on one line: control characters (C0, DEL and C1), line separators and each byte
+/// that is not UTF-8 are escaped.
 std::string toOneLine(std::string_view text);
 
-/// As toOneLine(), but line feeds and tabulators remain.
+/// Like toOneLine(), but keeps line feeds and tabs.
 std::string toVisibleLines(std::string_view text);
 
 } // namespace lumora_config

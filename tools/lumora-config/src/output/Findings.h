@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-/// What the commands found out, ready to be printed: secrets are hidden in these already.
+/// The results of commands, ready to be printed. Secrets are already masked.
 namespace lumora_config {
 
 struct StoreFacts {
@@ -18,14 +18,14 @@ struct StoreFacts {
     std::size_t keyCount = 0;
 };
 
-/// A value and where it came from.
+/// A value and its store.
 struct Reading {
     std::wstring value;
     std::wstring storeName;
     bool underEarlierName = false;
 };
 
-/// One name of the key that a store holds.
+/// One name of the key that a store contains, with its value.
 struct Holding {
     std::wstring name;
     std::wstring value;
@@ -34,10 +34,10 @@ struct Holding {
 
 struct Opinion {
     StoreFacts store;
-    std::vector<Holding> holdings; ///< Empty: the store says nothing of the key.
+    std::vector<Holding> holdings; ///< Empty if the store does not contain the key.
 };
 
-/// What the service's record of the key says.
+/// The properties of the service's record of the key.
 struct RecordFacts {
     bool defined = false;
     bool overridden = false;
@@ -46,7 +46,7 @@ struct RecordFacts {
 };
 
 struct Explanation {
-    std::wstring key; ///< As asked.
+    std::wstring key; ///< In the spelling of the request.
     std::wstring currentName;
     std::optional<std::wstring> earlierName;
     bool askedByEarlierName = false;
@@ -64,10 +64,10 @@ struct ListedValue {
     bool overridden = false;
 };
 
-/// A key that a policy file names, and what happens to it.
+/// A key in a policy file, and what the import does with it.
 struct ImportedKey {
     std::size_t line = 0;
-    std::wstring key; ///< With its root.
+    std::wstring key; ///< Including its root.
     bool deleted = false;
     std::size_t valuesSet = 0;
     std::size_t valuesDeleted = 0;
@@ -78,14 +78,14 @@ struct RefusedLine {
     std::string reason; ///< Never quotes the file.
 };
 
-/// What became of a policy file.
+/// The result of the import of a policy file.
 struct PolicyImport {
-    std::string file; ///< As the user named it.
+    std::string file; ///< In the spelling of the user.
     std::vector<ImportedKey> taken;
-    std::vector<RefusedLine> refused; ///< By line.
+    std::vector<RefusedLine> refused; ///< In order of lines.
 };
 
-/// One thing that `doctor` has looked at.
+/// One thing that `doctor` has examined.
 struct HealthItem {
     std::string area; ///< "directory", "lock", "file", ...
     std::string path;
@@ -101,7 +101,7 @@ struct HealthReport {
     }
 };
 
-/// One property of an observed record has changed.
+/// A change of one property of an observed record.
 struct Notification {
     std::wstring key;
     std::string property;

@@ -39,7 +39,7 @@ std::string toText(const json& field) {
     return field.is_string() ? field.get<std::string>() : field.dump();
 }
 
-/// Where the section's end tag begins. A section may hold others of the same name.
+/// Returns the position of the section's end tag. A section may contain others of the same name.
 std::size_t findEnd(std::string_view part, std::string_view name) {
     const auto end = "{{/" + std::string(name) + "}}";
     const auto nested = "{{#" + std::string(name) + "}}";

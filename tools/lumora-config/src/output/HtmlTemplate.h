@@ -7,16 +7,16 @@
 
 namespace lumora_config {
 
-/// A page with places to fill. `{{name}}` is replaced by the field of that name, `{{.}}` by the item itself, both
-/// escaped always: there is no way to put markup in. `{{#name}}...{{/name}}` is repeated for each item of a list, and
-/// shown once for a field that is true, an object or a text that isn't empty; `{{^name}}...{{/name}}` is shown when the
-/// other is not. A field is looked for in the innermost item first. Any thread.
+/// A page template. `{{name}}` is replaced by the field of that name, `{{.}}` by the item itself. Both are always
+/// escaped; a field cannot insert markup. `{{#name}}...{{/name}}` is repeated for each item of a list, and shown once
+/// for a field that is true, an object or a non-empty text. `{{^name}}...{{/name}}` is shown in all other cases. Fields
+/// are looked up in the innermost item first. Any thread.
 class HtmlTemplate {
 public:
     /// The text must outlive the object.
     explicit HtmlTemplate(std::string_view templateText) : text(templateText) {}
 
-    /// Throws std::logic_error when the template is malformed or asks for a field that does not exist.
+    /// Returns the page. Throws std::logic_error if the template is malformed or contains a field that does not exist.
     std::string render(const nlohmann::json& fields) const;
 
 private:
@@ -29,7 +29,7 @@ private:
     const std::string_view text;
 };
 
-/// Text that stands in a page, between tags or in a quoted attribute, as what it is.
+/// Escapes text for use between tags or in a quoted attribute.
 std::string escapeHtml(std::string_view text);
 
 } // namespace lumora_config

@@ -161,9 +161,9 @@ bool JsonPrinter::isHeard() const {
 }
 
 void JsonPrinter::write(const nlohmann::ordered_json& object) {
-    // JSON may hold DEL and C1 as they are, so a terminal gets everything beyond ASCII escaped.
+    // JSON may contain DEL and C1 unescaped, so everything beyond ASCII is escaped for a terminal.
     const bool asciiOnly = output.getForm().terminal;
-    // A store's name may be anything; a byte that is not UTF-8 must not end the program.
+    // The name of a store may contain any bytes; bytes that are not UTF-8 must not throw.
     output.writeEscaped(object.dump(-1, ' ', asciiOnly, Json::error_handler_t::replace) + '\n');
 }
 

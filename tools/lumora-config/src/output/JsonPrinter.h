@@ -7,11 +7,11 @@
 
 namespace lumora_config {
 
-/// For scripts: one JSON object a line on `out`. The field "type" says what it is; README.md lists the fields, which
-/// are part of the program's interface.
+/// Prints one JSON object per line on `out`, for scripts. The field "type" names the kind of object. README.md lists
+/// the fields, which are part of the program's interface.
 class JsonPrinter final : public Printer {
 public:
-    /// Where failures go: to `messages` as text, or with the other objects.
+    /// Whether failures are printed as text to `messages` or as objects to `out`.
     enum class Failures { AsText, AsObjects };
 
     /// The outputs must outlive the printer.

@@ -8,7 +8,8 @@
 
 namespace lumora_config {
 
-/// Writes each log line to an output while it lives. Main thread; lines may come from any.
+/// Writes each log line to an output during the lifetime of this object. Main thread; log lines may come from any
+/// thread.
 class LogLinePrinter {
 public:
     /// The output must outlive the printer and every thread that logs.

@@ -8,16 +8,15 @@
 
 namespace lumora_config {
 
-/// What an output is, as far as it matters for the text written to it.
+/// The properties of an output that affect the text written to it.
 struct OutputForm {
-    bool terminal = false;    ///< Somebody reads it, through a device that obeys control characters.
+    bool terminal = false;    ///< A terminal, which interprets control characters.
     std::size_t columns = 80; ///< Lines are not padded beyond this width.
     bool coloured = false;
 };
 
-/// One of the program's two outputs, and the one place that decides how text is written there: escaped to a terminal,
-/// as it is elsewhere. A call's text is never mixed with that of another call. After a failure nothing more is written.
-/// Any thread.
+/// One of the two outputs of the program. It decides how text is written: escaped to a terminal, unchanged elsewhere.
+/// Each call writes atomically. After a failure, writes nothing more. Any thread.
 class Output {
 public:
     /// Writes all of the text. Returns 0 or an errno value.
@@ -25,18 +24,18 @@ public:
 
     Output(const OutputForm& outputForm, Writer bytesWriter);
 
-    /// Writes a value, `remark` and a line feed. A terminal gets one line, others the bytes of the value.
+    /// Writes a value, `remark` and a line feed. A terminal gets one escaped line, other outputs the unchanged bytes of
+    /// the value.
     void writeValue(std::string_view value, std::string_view remark = {});
-    /// Writes a text of several lines. A terminal gets control characters escaped, apart from line feeds and
-    /// tabulators.
+    /// Writes a text of several lines. For a terminal, escapes control characters except line feeds and tabs.
     void writeText(std::string_view text);
-    /// Writes a message as one line, escaped everywhere: no message can look like two.
+    /// Writes a message as one line, escaped for every output, so that a message cannot imitate two.
     void writeMessage(std::string_view message);
-    /// Writes text whose parts are escaped already, such as a table with colours.
+    /// Writes text whose parts are already escaped, such as a table with colours.
     void writeEscaped(std::string_view text);
 
     const OutputForm& getForm() const { return form; }
-    /// Returns the failure of an earlier write as an errno value, or 0.
+    /// Returns the errno value of the first failed write, or 0.
     int getError() const;
 
 private:

@@ -4,11 +4,11 @@
 
 namespace lumora_config::Terminal {
 
-/// Standard output: coloured if it is a terminal that shows colours, and the user has not declined them (NO_COLOR).
+/// Returns the form of standard output: coloured if it is a terminal with colours and NO_COLOR is not set.
 OutputForm describeOutput();
-/// Standard error, which is never coloured.
+/// Returns the form of standard error, which is never coloured.
 OutputForm describeError();
-/// Somebody types the commands.
+/// Returns true if a person types the commands.
 bool isInteractive();
 
 } // namespace lumora_config::Terminal

@@ -5,7 +5,7 @@
 
 namespace lumora_config {
 
-/// For people: aligned columns on `out`, messages on `messages`.
+/// Prints text for people: aligned columns on `out`, messages on `messages`.
 class TextPrinter final : public Printer {
 public:
     /// The outputs must outlive the printer.

@@ -21,7 +21,7 @@ std::size_t widthOf(std::string_view text) {
     return static_cast<std::size_t>(std::ranges::count_if(text, isFirstByte));
 }
 
-/// Cuts the text to `width` code points, the last of which shows that something is missing.
+/// Truncates the text to `width` code points; the last one marks the truncation.
 std::string truncate(const std::string& text, std::size_t width) {
     std::size_t count = 0;
     std::size_t end = 0;

@@ -8,22 +8,21 @@
 
 namespace lumora_config {
 
-/// Text in columns that line up. Widths are counted in code points. A cell much longer than its column's others is not
-/// made room for: it is printed whole, and its row does not line up.
+/// Prints text in aligned columns. Widths count code points. A cell that is much longer than the others of its column
+/// does not widen the column: it is printed in full and its row is not aligned.
 class TextTable {
 public:
-    /// A cell of a truncated column is cut on a terminal when its row would be longer than a line there.
+    /// On a terminal, a Truncated cell is truncated if its row would exceed the width.
     enum class Column { Left, Right, Truncated };
     enum class Style { Plain, Emphasis, Faint };
     enum class Padding { Aligned, None };
 
     explicit TextTable(std::vector<Column> tableColumns);
 
-    /// The cells must be escaped, see EscapedText.h.
+    /// Adds a row. The cells must be escaped, see EscapedText.h.
     void addRow(std::vector<std::string> cells, Style style = Style::Plain);
     bool isEmpty() const { return rows.empty(); }
-    /// Returns one line for each row, without trailing blanks and without blanks beyond the output's width that only
-    /// align.
+    /// Returns one line per row without trailing blanks. Padding does not exceed the width of the output.
     std::string toString(const OutputForm& form, Padding padding = Padding::Aligned) const;
 
 private:

@@ -10,7 +10,7 @@ bool isControl(char32_t c) {
     return (c < 0x20 && c != U'\n' && c != U'\t') || c == deleteCharacter;
 }
 
-/// Marks that could make a value read as another one.
+/// Bidirectional marks, which could make a value look like another one.
 bool turnsDirection(char32_t c) {
     return c == 0x200e || c == 0x200f || (c >= 0x202a && c <= 0x202e) || (c >= 0x2066 && c <= 0x2069);
 }

@@ -12,14 +12,14 @@
 
 namespace lumora_config {
 
-/// Makes the installer's stores. Their class lives in the plug-in, which the program must not need to start; so a small
-/// library beside the plug-in, bound to it, makes them. It is loaded at the first store and stays while the process
-/// does, since stores of it do.
+/// Creates the installer's stores. Their class is in the plug-in, and the program must start without the plug-in; so a
+/// small library beside the plug-in, linked to it, creates them. The first store loads the library, which is never
+/// unloaded because its stores may still exist.
 class BootstrapStores {
 public:
     explicit BootstrapStores(std::string directory);
 
-    /// Throws Failure (Environment) when the file can't be read or the library is missing.
+    /// Returns the store. Throws Failure (Environment) if the file is unreadable or the library is missing.
     std::shared_ptr<ZelUnified::ConfigStore> make(const BootstrapSpec& spec);
 
 private:

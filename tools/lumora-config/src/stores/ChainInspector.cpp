@@ -39,9 +39,9 @@ Opinion askStore(ConfigStore& store, const KeyNames& names, const std::optional<
     return opinion;
 }
 
-/// Every key that a store holds, once: its current name, and the name to ask for, which is the earlier one where no
-/// store holds the current one. The lowest store decides on the spelling, since the user's file, the first one, knows
-/// lower case only.
+/// Returns every key in the stores once: its new name, and the name to ask for, which is the old name if no store
+/// contains the new one. The store of lowest priority determines the spelling, since the user's file, the first store,
+/// contains lower case only.
 ZelUnified::ConfigMap namesToAsk(const std::vector<std::shared_ptr<ConfigStore>>& stores) {
     ZelUnified::ConfigMap asked;
     const std::vector lowestFirst(stores.rbegin(), stores.rend());
@@ -88,7 +88,7 @@ std::optional<Reading> ChainInspector::readStore(const std::string& storeName, c
     if (opinion.holdings.empty()) {
         return std::nullopt;
     }
-    // An empty text means both "empty" and "nothing" there, hence the question before.
+    // The service returns an empty text both for an empty value and for no value, so containment is checked first.
     return Reading{service->getValueFromConfigStore(storeName, key), KyrCoreUtils::toWideString(opinion.store.name),
                    opinion.holdings.front().name == keyNames.earlier};
 }
@@ -157,7 +157,7 @@ ChainInspector::Stores ChainInspector::getStores() const {
 }
 
 void ChainInspector::learnNames() const {
-    // The cached stores of earlier runs are recorded under this key: NAME:PRIORITY; and so on.
+    // The value of this key names the cached stores of earlier runs: NAME:PRIORITY; and so on.
     std::wstring record;
     featureSet->getConfig(std::wstring(ZelUnified::ConfigKeys::primaryConfigStores), record, false);
     std::vector<std::wstring> entries;

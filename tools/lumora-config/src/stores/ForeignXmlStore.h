@@ -8,11 +8,11 @@
 
 namespace lumora_config {
 
-/// A read-only store over one XML file, the kind that another service would download and hand in. The table is made
-/// once and never changes, so any thread may ask.
+/// A read-only store over one XML file, like one that another service downloads and adds. The table never changes after
+/// construction, so any thread may read it.
 class ForeignXmlStore final : public ZelUnified::ConfigStore {
 public:
-    /// Reads the file. Throws Failure (Environment).
+    /// Reads the file. Throws Failure (Environment) on failure.
     explicit ForeignXmlStore(StoreSpec description);
 
     bool getValue(const std::wstring& key, std::wstring& value) override;
@@ -29,7 +29,7 @@ public:
     bool waitForStoreReady() override { return true; }
     bool shouldCacheConfigStore() override { return spec.cached; }
 
-    /// The keys that the document marks as sensitive.
+    /// Returns the keys that the document marks as sensitive.
     const ZelUnified::ConfigKeySet& getSensitiveKeys() const { return sensitiveKeys; }
 
 private:

@@ -18,8 +18,8 @@ using namespace zel::registry;
 
 namespace {
 
-// The client reads a policy through buffers of fixed size: a value that does not fit ends its reading of the key, and
-// hides the values behind it.
+// The client reads a policy into buffers of fixed size. A value that does not fit stops the reading of its key, so the
+// values after it are ignored.
 constexpr std::size_t longestName = 259;
 constexpr std::size_t longestData = 4096;
 
@@ -43,7 +43,7 @@ ImportedKey describeSection(const RegistryTextSection& section) {
 
 PolicyFile::PolicyFile(std::string filePath)
     : path(std::move(filePath)), text(parseRegistryText(readWholeFile(path), HKEY_CURRENT_USER, AfterFault::GoOn)) {
-    // Only the header can be at fault there.
+    // A refusal in line 1 means that the header is wrong.
     if (!text.refusals.empty() && text.refusals.front().line == 1) {
         throw Failure(ExitCode::Environment, path + ":1: " + text.refusals.front().reason);
     }

@@ -8,22 +8,22 @@
 
 namespace lumora_config {
 
-/// An administrator's policy file, read and checked. A line that can't be taken is left out, and the rest counts.
+/// Reads and checks an administrator's policy file. Invalid lines are skipped; the others are imported.
 class PolicyFile {
 public:
-    /// Throws Failure (Environment) when the file can't be read or is no export of a registry.
+    /// Reads the file. Throws Failure (Environment) if it is unreadable or not an export of a registry.
     explicit PolicyFile(std::string filePath);
 
     PolicyImport describe() const;
-    /// Writes what was taken into the current user's layer, over an earlier file of that name. Throws Failure
-    /// (Environment).
+    /// Writes the accepted lines to the current user's layer and overwrites a file of the same name. Throws Failure
+    /// (Environment) on failure.
     void install() const;
-    /// Where install() writes, and what.
+    /// Return the path and the content that install() writes.
     std::string getInstalledPath() const;
     std::string getInstalledText() const;
 
 private:
-    /// Refuses what would stop the client's reading.
+    /// Removes values that would stop the client's reading.
     void dropLongValues();
 
     const std::string path;

@@ -7,17 +7,17 @@
 
 namespace lumora_config {
 
-/// The names under which one key may stand in a store.
+/// The names that one key may have in a store.
 struct KeyNames {
-    std::wstring current;                ///< The new name; the key as asked when it was never renamed.
+    std::wstring current;                ///< The new name, or the requested key if it was never renamed.
     std::optional<std::wstring> earlier; ///< The old name.
     bool askedByEarlierName = false;
 
-    /// In the order in which a lookup tries them.
+    /// Returns the names in lookup order.
     std::vector<std::wstring> getAll() const;
 };
 
-/// What the program knows of renamed keys. Used to show them; the service decides by a table of its own.
+/// Returns the names of a key. Only for display; the service uses its own table.
 KeyNames namesOf(std::wstring_view key);
 
 } // namespace lumora_config

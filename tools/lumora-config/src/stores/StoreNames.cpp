@@ -12,7 +12,7 @@ namespace {
 
 namespace ConfigKeys = ZelUnified::ConfigKeys;
 
-// The catalogue holds each name in one width.
+// Converts a name to narrow text; the catalogue contains each name in one width only.
 std::string narrow(std::string_view name) {
     return std::string(name);
 }

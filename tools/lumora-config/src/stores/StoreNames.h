@@ -8,16 +8,16 @@
 
 namespace lumora_config {
 
-/// The names that a store of the chain may bear, in the order in which such stores arrived: it breaks the tie between
-/// stores of one priority. Any thread.
+/// Holds the names of the stores in the chain in order of arrival. The order decides between stores of equal priority.
+/// Any thread.
 class StoreNames final : public ZelUnified::ConfigStoreAddedObserver {
 public:
-    /// Knows the names of the product's own stores, in the order in which it makes them.
+    /// Starts with the names of the product's own stores, in the order of their creation.
     StoreNames();
 
-    /// A store that arrives, or is replaced, stands behind its equals from then on.
+    /// Moves the store to the end of the order, whether it is new or replaced.
     void OnConfigStoreAdded(const std::string& storeName) override;
-    /// Enters a name unless it is known.
+    /// Adds a name if it is not known yet.
     void learn(const std::string& storeName);
     std::vector<std::string> getAll() const;
 

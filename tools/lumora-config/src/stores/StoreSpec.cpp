@@ -13,7 +13,7 @@ namespace {
     throw Failure(ExitCode::Usage, "'" + std::string(text) + "' is not of the form " + std::string(form));
 }
 
-/// Cuts what stands behind the last colon off `rest`; nothing when there is no colon.
+/// Removes the text after the last colon from `rest` and returns it. Returns nothing if there is no colon.
 std::optional<std::string_view> takeLast(std::string_view& rest) {
     const auto colon = rest.rfind(':');
     if (colon == std::string_view::npos) {

@@ -5,23 +5,23 @@
 
 namespace lumora_config {
 
-/// A foreign store as the user writes it: "FILE.xml:NAME:PRIORITY[:cache]".
+/// The description of a foreign store on the command line: "FILE.xml:NAME:PRIORITY[:cache]".
 struct StoreSpec {
     std::string file;
     std::string name;
     int priority = 0;
     bool cached = false;
 
-    /// Read from the right, so that the file's path may hold colons. Throws Failure (Usage).
+    /// Parses from the right, so that the path may contain colons. Throws Failure (Usage) if the text is malformed.
     static StoreSpec parse(std::string_view text);
 };
 
-/// An installer's file as the user writes it: "FILE:PRIORITY".
+/// The description of an installer's file on the command line: "FILE:PRIORITY".
 struct BootstrapSpec {
     std::string file;
     int priority = 0;
 
-    /// Throws Failure (Usage).
+    /// Parses the text. Throws Failure (Usage) if it is malformed.
     static BootstrapSpec parse(std::string_view text);
 };
 

@@ -29,7 +29,7 @@ constexpr std::array<Range, 16> nameStartRanges{{{':', ':'},
                                                  {0xF900, 0xFDCF},
                                                  {0xFDF0, 0xFFFD},
                                                  {0x10000, 0xEFFFF}}};
-/// What a name may contain behind its first character, besides those above.
+/// Additional ranges allowed after the first character of a name.
 constexpr std::array<Range, 5> furtherNameRanges{
     {{'-', '.'}, {'0', '9'}, {0xB7, 0xB7}, {0x300, 0x36F}, {0x203F, 0x2040}}};
 constexpr std::array<Range, 5> representableRanges{
@@ -43,7 +43,7 @@ bool isSurrogate(char32_t unit, char32_t first) {
     return unit >= first && unit < first + 0x400;
 }
 
-/// Removes the first code point of a text that is not empty and returns it. A lone surrogate is returned as it is.
+/// Removes the first code point from a non-empty text and returns it. Returns a lone surrogate unchanged.
 char32_t takeCodePoint(std::wstring_view& text) {
     constexpr char32_t firstHigh = 0xD800;
     constexpr char32_t firstLow = 0xDC00;

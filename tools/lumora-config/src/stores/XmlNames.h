@@ -5,11 +5,10 @@
 
 namespace lumora_config {
 
-/// Returns true if an XML document may have an element of this name.
+/// Returns true if the text is a valid name of an XML element.
 bool isXmlName(std::wstring_view text);
 
-/// Returns the first character (or lone surrogate) of the text that no XML document can contain; nothing if there is
-/// none.
+/// Returns the first character or lone surrogate that no XML document can contain, or nothing.
 std::optional<char32_t> findUnrepresentable(std::wstring_view text);
 
 } // namespace lumora_config

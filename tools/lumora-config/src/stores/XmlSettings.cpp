@@ -37,7 +37,7 @@ std::string_view toView(const xmlChar* text) {
     return text == nullptr ? std::string_view() : reinterpret_cast<const char*>(text);
 }
 
-/// The library prepares itself at its first use, and goes wrong when two threads make that use at once.
+/// Initializes the library once: its implicit initialization at the first use is not thread-safe.
 void prepareLibrary() {
     [[maybe_unused]] static const bool prepared = [] {
         xmlInitParser();
@@ -68,7 +68,7 @@ bool isElement(const xmlNode& node) {
     return node.type == XML_ELEMENT_NODE;
 }
 
-/// The attribute of that name in any case; nothing when there is none.
+/// Returns the attribute of that name, case-insensitively, or nothing.
 std::optional<std::string> attributeOf(xmlNode& element, std::string_view name) {
     for (auto* attribute = element.properties; attribute != nullptr; attribute = attribute->next) {
         if (KyrCoreUtils::caseInsensitiveStringEquals(toView(attribute->name), name)) {
@@ -79,7 +79,7 @@ std::optional<std::string> attributeOf(xmlNode& element, std::string_view name) 
     return std::nullopt;
 }
 
-/// Text and CDATA joined and trimmed; an element with anything else inside is kept as XML.
+/// Returns text and CDATA joined and trimmed. An element with other content is returned as XML.
 std::string valueOf(xmlNode& element) {
     std::string text;
     for (auto* child = element.children; child != nullptr; child = child->next) {

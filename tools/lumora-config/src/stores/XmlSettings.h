@@ -6,22 +6,22 @@
 
 namespace lumora_config {
 
-/// One setting of a document, as written there.
+/// One setting in the spelling of the document.
 struct XmlSetting {
     std::wstring key;
     std::wstring value;
     bool sensitive = false;
 };
 
-/// Reads settings from an XML file of somebody else. Two spellings are understood, also mixed: a root with groups whose
-/// children are the keys, and `userConfig` elements with the attributes "name" and "value". The first element of a key
-/// wins. Nothing outside the file is fetched, no entity is expanded, a document type is refused, and the parser prints
-/// nothing. Throws Failure (Environment) that names the file and why it was refused.
+/// Reads settings from an XML file. Accepts two formats, also mixed: a root with groups whose children are the keys,
+/// and `userConfig` elements with the attributes "name" and "value". The first element of a key wins. The parser
+/// fetches nothing from outside the file, expands no entity, refuses a document type and prints nothing. Throws Failure
+/// (Environment) with the file and the reason.
 std::vector<XmlSetting> readXmlSettings(const std::string& path);
-/// The same for a text in memory; messages call it `name`.
+/// Like readXmlSettings(), for a text in memory. Messages use `name` as the file.
 std::vector<XmlSetting> parseXmlSettings(std::string_view content, const std::string& name);
 
-/// The bytes of a regular file. Throws Failure (Environment).
+/// Returns the bytes of a regular file. Throws Failure (Environment) on failure.
 std::string readWholeFile(const std::string& path);
 
 } // namespace lumora_config

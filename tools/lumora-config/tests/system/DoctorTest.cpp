@@ -31,7 +31,7 @@ std::size_t countLines(const std::string& text, const std::string& part) {
 
 } // namespace
 
-/// A profile in which the user has set a value, with a copy of another store.
+/// A profile with a value set by the user and a cached copy of another store.
 class HealthOfAProfile : public testing::Test {
 protected:
     HealthOfAProfile() {
@@ -42,11 +42,11 @@ protected:
 
     std::filesystem::path config() const { return profile.root() / "config"; }
     void damage(const std::string& name) const { profile.write("config/" + name, "damaged"); }
-    /// Every file's key is another one from now on.
+    /// Removes the keys, so the program creates new ones.
     void replaceKeys() const { std::filesystem::remove_all(profile.root() / "data/keys"); }
 
     Outcome doctor() const { return profile.run({"--json", "doctor"}); }
-    /// What doctor says of the path that ends so.
+    /// Returns the item of doctor's answer whose path ends with `ending`.
     static json item(const Outcome& outcome, const std::string& ending) {
         const auto lines = outcome.lines();
         for (const auto& entry : lines.at(0).at("items")) {
@@ -175,7 +175,7 @@ TEST_F(Doctor, InTheShellSeesItsOwnLock) {
 
 class HealthLine : public HealthOfAProfile {
 protected:
-    /// Any command tells of the file, in one line.
+    /// Expects that any command names the file in one line.
     void expectLine(const std::string& name, const std::string& text) const {
         const auto outcome = profile.run({"get", "IP_MODE"});
         EXPECT_EQ(outcome.exitCode, 0);
@@ -225,7 +225,7 @@ TEST_F(Restore, PutsAFileBackAndMovesThePresentOneAside) {
     const auto outcome = profile.run({"restore", kept});
     EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
     EXPECT_EQ(profile.run({"get", "Theme"}).out, "dark\n");
-    // The other way round.
+    // The opposite case.
     const auto aside = kept + ".2";
     EXPECT_EQ(item(doctor(), aside).at("area"), "moved aside");
     EXPECT_EQ(profile.run({"restore", aside}).exitCode, 0);

@@ -11,7 +11,7 @@ using testing::Not;
 
 namespace {
 
-/// The part of the page that tells of one key.
+/// Returns the section of the page about one key.
 std::string sectionOf(const std::string& page, const std::string& key) {
     const auto name = page.find("<span class=\"name\">" + key + "</span>");
     if (name == std::string::npos) {

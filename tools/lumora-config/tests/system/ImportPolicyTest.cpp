@@ -23,7 +23,7 @@ std::string header(const std::string& below = "") {
     return "[" + policyKey + below + "]\r\n";
 }
 
-/// The text as a registry editor saves it.
+/// Returns the text in the encoding of a registry editor's export.
 std::string asExported(const std::wstring& text) {
     const auto bytes = zel::registry::encodeRegistryText(text);
     return "\xFF\xFE" + std::string(bytes.begin(), bytes.end() - 2);

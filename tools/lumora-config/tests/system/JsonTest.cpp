@@ -39,7 +39,7 @@ Fields operator+(Fields fields, const Fields& more) {
 const Fields reading{"found", "value", "store", "underOldName"};
 const Fields store{"priority", "name", "readOnly", "local", "keys"};
 
-/// What scripts rely on. A field may join; none may go or get another name.
+/// The fields that scripts rely on. Fields may be added, but none may be removed or renamed.
 const std::map<std::string, Fields> published{
     {"value", Fields{"type", "key"} + reading},
     {"explanation", Fields{"type", "key", "newName", "oldName", "stores", "administrator", "defined", "overridden",
@@ -55,7 +55,7 @@ const std::map<std::string, Fields> published{
     {"failure", {"type", "command", "exitCode", "message"}},
 };
 
-/// One object of each type.
+/// Returns one object of each type.
 std::map<std::string, json> oneOfEach(const Profile& profile) {
     std::map<std::string, json> objects;
     for (auto& line : profile

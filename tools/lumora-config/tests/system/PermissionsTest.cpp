@@ -14,7 +14,7 @@ namespace {
 constexpr auto ownersFile = fs::perms::owner_read | fs::perms::owner_write;
 constexpr auto ownersFolder = fs::perms::owner_all;
 
-/// The program inherits it: what it makes is as open as the program itself leaves it.
+/// Clears the umask, which the program inherits: only the program restricts the mode of its files.
 class OpenUmask {
 public:
     OpenUmask() : before(umask(0)) {}
@@ -44,7 +44,7 @@ TEST(Permissions, AllThatASessionLeavesIsTheOwnersAlone) {
     for (const auto& entry : fs::recursive_directory_iterator(profile.root())) {
         const std::string name = fs::relative(entry.path(), profile.root()).generic_string();
         if (name.starts_with("resources")) {
-            continue; // the installation's
+            continue; // belongs to the installation
         }
         seen.insert(name);
         EXPECT_EQ(entry.symlink_status().permissions(), entry.is_directory() ? ownersFolder : ownersFile) << name;

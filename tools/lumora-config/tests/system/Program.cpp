@@ -86,7 +86,7 @@ void writeAll(int descriptor, const std::string& text) {
     while (written < text.size()) {
         const auto length = write(descriptor, text.data() + written, text.size() - written);
         if (length <= 0) {
-            break; // the program has ended without reading all
+            break; // the program has ended without reading all input
         }
         written += static_cast<std::size_t>(length);
     }

@@ -8,26 +8,26 @@
 
 namespace program_test {
 
-/// What a finished process left behind.
+/// The result of a finished process.
 struct Outcome {
-    int exitCode = -1; ///< 128 and the signal's number when a signal ended it.
+    int exitCode = -1; ///< 128 plus the signal's number if a signal ended the process.
     std::string out;
     std::string error;
 
-    /// One parsed object for each line of the output.
+    /// Returns one parsed object per line of the output.
     std::vector<nlohmann::json> lines() const;
 };
 
-/// The names in the answer of `stores`, in chain order.
+/// Returns the names in the answer of `stores`, in chain order.
 std::vector<std::string> storeNames(const nlohmann::json& answer);
 
 using Arguments = std::vector<std::string>;
 
-/// Runs a program with `input` on its standard input and waits for its end. The environment is that of the test,
-/// without colours.
+/// Runs a program with `input` on its standard input and waits for its end. The program gets the environment of the
+/// test, without colours.
 Outcome runProcess(const std::string& program, const Arguments& arguments, const std::string& input = {});
 
-/// A profile of its own for the program, with the sample's defaults file, removed at the end.
+/// A temporary profile with the sample's defaults file. The destructor removes it.
 class Profile {
 public:
     Profile();
@@ -37,26 +37,26 @@ public:
 
     std::filesystem::path root() const { return base; }
     std::filesystem::path defaultsFile() const { return base / "resources" / "lumora-config-defaults.xml"; }
-    /// Writes a file of the profile's folder and gives its path.
+    /// Writes a file to the profile's folder and returns its path.
     std::string write(const std::string& name, std::string_view content) const;
-    /// Writes a document of one group with these elements and gives its path.
+    /// Writes a document of one group with these elements and returns its path.
     std::string writeDocument(const std::string& name, std::string_view elements) const;
     /// Sets a value in the current user's policy.
     void writePolicy(const std::string& name, const std::string& value) const;
 
     /// lumora-config --profile ROOT ARGUMENTS.
     Outcome run(const Arguments& arguments, const std::string& input = {}) const;
-    /// The shell with these lines.
+    /// Runs the shell with these input lines.
     Outcome shell(const Arguments& lines, const Arguments& options = {}) const;
 
 private:
     std::filesystem::path base;
 };
 
-/// A shell that is still running, with JSON answers. Ended with the object.
+/// A running shell with JSON answers. The destructor ends it.
 class RunningShell {
 public:
-    /// Returns when the shell has answered its first command.
+    /// Starts the shell and waits until it has answered its first command.
     explicit RunningShell(const Profile& profile);
     ~RunningShell();
     RunningShell(const RunningShell&) = delete;
@@ -64,15 +64,15 @@ public:
 
     int getProcess() const { return process; }
     void send(const std::string& line) const;
-    /// Waits for the next object. Throws std::runtime_error at the end of the output.
+    /// Waits for the next object and returns it. Throws std::runtime_error at the end of the output.
     nlohmann::json receive() const;
-    /// Waits until there is something to receive.
+    /// Waits until there is output to receive.
     void awaitOutput() const;
     void signal(int number) const;
-    /// Sends the signal again and again until the process has ended, and reads nothing from it. Its exit code, as in
-    /// Outcome; -1 if it has not ended after ten seconds.
+    /// Sends the signal repeatedly until the process has ended, without reading its output. Returns the exit code as in
+    /// Outcome, or -1 if the process has not ended after ten seconds.
     int signalUntilEnd(int number);
-    /// Waits for the end of the process; what it still prints is dropped. Its exit code, as in Outcome.
+    /// Waits for the end of the process and discards its remaining output. Returns the exit code as in Outcome.
     int waitForEnd();
 
 private:

@@ -22,7 +22,7 @@ Profile& withSdkMode(Profile& profile) {
 
 } // namespace
 
-/// A profile whose configuration directory is a disk of its own.
+/// A profile whose configuration directory is a separate file system.
 class ReadBack : public testing::Test {
 protected:
     void SetUp() override {
@@ -93,6 +93,18 @@ TEST_F(ReadBack, OfAResetOnAReadOnlyDiskFails) {
     ASSERT_TRUE(disk.setReadOnly(true));
     expectNotOnDisk(profile.run({"reset", "Kept"}), "the disk still holds the user's value");
     EXPECT_EQ(profile.run({"get", "Kept"}).out, "old\n");
+}
+
+TEST_F(ReadBack, OfAResetFailsIfTheUsersFileCannotBeRead) {
+    RunningShell shell(profile);
+    std::filesystem::remove(profile.root() / "config/lumoraLocalConfig.dat");
+    std::filesystem::remove(profile.root() / "config/lumoraLocalConfig_backup.dat");
+    std::filesystem::create_directory(profile.root() / "config/lumoraLocalConfig.dat");
+    ASSERT_TRUE(disk.setReadOnly(true));
+    shell.send("reset Kept");
+    const auto answer = shell.receive();
+    EXPECT_EQ(answer.at("type"), "failure") << answer;
+    EXPECT_THAT(answer.at("message").get<std::string>(), HasSubstr("cannot be read back"));
 }
 
 TEST_F(ReadBack, OfAProvisioningOnAReadOnlyDiskFails) {
@@ -238,7 +250,7 @@ TEST(ReadBackOfAResetOfTheData, FailsIfThePolicyIsStillThere) {
     EXPECT_THAT(outcome.error, HasSubstr("policy.reg is still there"));
 }
 
-/// A change that takes a while to write, because the file is large.
+/// A change that takes long to write because the file is large.
 class ChangeUnderWay : public testing::Test {
 protected:
     ChangeUnderWay() { EXPECT_EQ(profile.shell({"set Big " + std::string(4000000, 'x')}).exitCode, 0); }

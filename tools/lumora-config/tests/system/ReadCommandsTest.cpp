@@ -92,7 +92,7 @@ TEST(Explain, ShowsEveryOpinionInChainOrderAndWhichOneWinsByWhichName) {
         profile.run({"--store", newNames + ":New:60", "--store", oldNames + ":Old:50", "explain", "TftpServer1"});
     EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
     EXPECT_THAT(outcome.out, HasSubstr("TftpServer1, the old name of TFTPPrimaryServer"));
-    // The new name wins, though the store with the old one stands before.
+    // The new name wins, although the store with the old name comes first.
     EXPECT_THAT(outcome.out, ContainsRegex("20  LocalFileConfigStore +-\n"));
     EXPECT_THAT(outcome.out, ContainsRegex("\n +50  Old +TftpServer1 +\"old.example\"\n"
                                            "> +60  New +TFTPPrimaryServer +\"new.example\"\n"));

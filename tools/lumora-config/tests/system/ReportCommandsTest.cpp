@@ -47,7 +47,7 @@ TEST(Report, ItsFilesAreReplacedWholeAndForTheirOwnerAlone) {
     const auto file = profile.write("report", "an older report");
     for (const auto* option : {"-o", "--html"}) {
         fs::permissions(file, fs::perms::others_read, fs::perm_options::add);
-        // A reader of the old file goes on seeing it: it was replaced, not emptied.
+        // The file is replaced, not truncated, so a reader of the old file still sees its content.
         fs::create_hard_link(file, profile.root() / "old");
         const auto old = testing_host::readFile(file);
         const auto outcome = profile.run({"report", option, file});

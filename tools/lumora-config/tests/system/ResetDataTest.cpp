@@ -14,11 +14,11 @@ using testing::Not;
 
 namespace {
 
-/// Every file below the folder, with what it holds; a link to a folder holds nothing.
+/// Returns every file below the folder with its content. A link to a folder has no content.
 std::map<std::string, std::string> contentOf(const fs::path& folder) {
     std::map<std::string, std::string> files;
     for (const auto& entry : fs::recursive_directory_iterator(folder)) {
-        // Not fs::relative(), which would give a link's target.
+        // fs::relative() would return the target of a link.
         const auto name = entry.path().lexically_relative(folder).generic_string();
         if (entry.is_regular_file()) {
             files[name] = testing_host::readFile(entry.path());
@@ -31,7 +31,7 @@ std::map<std::string, std::string> contentOf(const fs::path& folder) {
 
 } // namespace
 
-/// A profile in which every source has said something, and files of others lie about.
+/// A profile in which every source has a value, with files of other programs beside them.
 class ResetOfAFullProfile : public testing::Test {
 protected:
     ResetOfAFullProfile() {
@@ -103,7 +103,7 @@ TEST_F(ResetOfAFullProfile, KeysOfTheEncryptedFilesAreNotTouched) {
 }
 
 TEST_F(ResetOfAFullProfile, ListsForeignFilesAndLeavesEverythingAlone) {
-    run({"stores"}); // moves a protected file aside that holds anything else
+    run({"stores"}); // moves a protected file with any other content aside
     const auto before = contentOf(config());
     const auto outcome = profile.run({"reset-data", "--yes"});
     EXPECT_EQ(outcome.exitCode, 1);

@@ -12,7 +12,7 @@ using testing::HasSubstr;
 
 namespace {
 
-/// The lines of one kind, in order.
+/// Returns the objects of one type, in order.
 std::vector<json> ofType(const Outcome& outcome, const std::string& type) {
     auto lines = outcome.lines();
     std::erase_if(lines, [&](const json& line) { return line.at("type") != type; });

@@ -17,7 +17,7 @@ class EndSignal : public testing::TestWithParam<int> {
 protected:
     static constexpr std::size_t bigSize = 1 << 20;
 
-    /// The shell is in the midst of an answer that is larger than a pipe holds; `next` waits behind it.
+    /// Blocks the shell in an answer that is larger than the pipe's buffer; `next` waits behind it.
     void startBlockedAnswer(const RunningShell& shell, const std::string& next) const {
         const auto document = profile.writeDocument("big.xml", "<Big>" + std::string(bigSize, 'x') + "</Big>");
         shell.send("add-store " + document + ":Foreign:40");

@@ -10,11 +10,11 @@ namespace {
 
 constexpr auto toFullDevice = "exec \"$@\" >/dev/full";
 constexpr auto toClosedStream = "exec \"$@\" >&-";
-/// A pipe whose reader is gone before the program starts, and the signal in its default state.
+/// A pipe whose reader ends before the program starts, with the default action for the signal.
 constexpr auto toClosedPipe = "mkfifo \"$0\" && exec 4<>\"$0\" 5>\"$0\" 4<&- && "
                               "exec env --default-signal=PIPE \"$@\" >&5";
 
-/// Runs the program with its standard output as the words of the shell direct it.
+/// Runs the program with its standard output redirected by shell words.
 Outcome runInto(const char* redirection, const Profile& profile, const Arguments& arguments,
                 const std::string& input = {}) {
     const auto pipe = (profile.root() / "pipe").string();

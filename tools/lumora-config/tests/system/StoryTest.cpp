@@ -12,12 +12,12 @@ namespace {
 
 constexpr const char* key = "InvalidCertificateBehavior";
 
-/// One profile through many runs of the program, from the installation to the device management's last word.
+/// Uses one profile in many runs of the program, from the installation to the last change by the device management.
 class Story : public testing::Test {
 protected:
-    /// What a run without documents of a server answers.
+    /// Returns the value in a run without documents of a server.
     std::string valueOf(const std::string& name) const { return profile.run({"get", name, "--origin"}).out; }
-    /// The same of a run in which a server delivers a document.
+    /// Returns the value in a run in which a server delivers a document.
     std::string valueWith(const std::string& store) const {
         return profile.run({"--store", store, "get", key, "--origin"}).out;
     }
@@ -36,7 +36,7 @@ protected:
     void set(const std::string& name, const std::string& value) const {
         EXPECT_EQ(profile.run({"set", name, value}).exitCode, 0);
     }
-    /// Which store says what of the key.
+    /// Returns the value of the key in each store.
     std::map<std::string, std::string> opinions() const {
         std::map<std::string, std::string> found;
         const auto explanation = profile.run({"--json", "explain", key}).lines().at(0);
@@ -92,7 +92,7 @@ void Story::aSwitchTakesTheUsersServers() const {
     for (const auto* server : {"TFTPPrimaryServer", "CtiServer1", "SabrelServer1"}) {
         EXPECT_EQ(profile.run({"get", server}).exitCode, 1) << server;
     }
-    // Taken back the switch brings nothing back: the settings are gone from the user's file.
+    // Removing the switch does not restore the settings: they are deleted from the user's file.
     importPolicy("servers.reg", "Customize_Phone_Server", "true");
     EXPECT_EQ(profile.run({"get", "CtiServer1"}).exitCode, 1);
 }
@@ -118,7 +118,7 @@ void Story::deviceManagementForbidsIt() const {
     }
     EXPECT_THAT(answers, testing::ElementsAre("mdm done", "provision failure", "reset-provisioning failure",
                                               "provision failure", "refresh done"));
-    // The refresh has taken away what an earlier link had set, with its copy.
+    // The refresh has removed the settings of an earlier link and their copy.
     EXPECT_EQ(profile.run({"get", "ServicesDomain"}).exitCode, 1);
 }
 

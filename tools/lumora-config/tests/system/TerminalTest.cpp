@@ -13,8 +13,7 @@ namespace {
 
 constexpr auto emphasis = "\x1b[1;32m";
 
-/// Runs the program with its outputs on a terminal of 60 columns, under these settings of the environment. The
-/// arguments are words of a shell.
+/// Runs the program on a terminal of 60 columns with these environment variables. The arguments are shell words.
 std::string runOnTerminal(const Profile& profile, const std::string& environment, const std::string& arguments) {
     const auto command = "stty cols 60; env -u NO_COLOR " + environment + " " LUMORA_CONFIG_PROGRAM " --profile " +
                          profile.root().string() + " " + arguments;

@@ -14,7 +14,7 @@ fs::path pluginFolder() {
     return fs::path(LUMORA_CONFIG_PROGRAM).parent_path().parent_path() / "lib";
 }
 
-/// Runs the program with the folders of the profile named one by one.
+/// Runs the program with each folder of the profile named by its own option.
 Outcome runWithFolders(const Profile& profile, Arguments arguments) {
     const auto folder = [&](const char* name) { return (profile.root() / name).string(); };
     Arguments all{"--config-dir", folder("config"), "--data-dir",      folder("data"),

@@ -26,7 +26,7 @@ std::string failure(const char* text, RegistryResult code) {
     return text + std::to_string(static_cast<std::int32_t>(code));
 }
 
-/// Opens the key of the mail clients and closes whatever came of it.
+/// Opens the registry key of the mail clients; the destructor closes the handle even if opening it failed.
 class MailClientsKey {
 public:
     explicit MailClientsKey(HKEY root)

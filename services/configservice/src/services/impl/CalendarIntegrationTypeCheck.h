@@ -15,11 +15,12 @@ class CalendarIntegrationTypeCheck {
 public:
     CalendarIntegrationTypeCheck() = delete;
 
-    /// Sets the record's value: "1" for Outlook, "2" for Notes, "0" for all else. Nothing is fired, and the record
-    /// stays as undefined as it was.
+    /// Sets the record's value: "1" for Outlook, "2" for Notes, "0" otherwise. Notifies no observer and does not change
+    /// whether the record is defined.
     static void detectCalendarIntegrationType(ZelLogger& logger, const std::shared_ptr<ConfigValueImpl>& record);
 
-    /// The name of the default mail client under that root, UTF-8; empty when there is none, with an error line.
+    /// Returns the name of the default mail client under `root`, in UTF-8. If there is none, logs an error and returns
+    /// an empty string.
     static std::string GetDefaultMailClientFromRegedit(ZelLogger& logger, zel::registry::HKEY root);
 };
 

@@ -22,7 +22,7 @@ ZelLogger& logger = ZelLogger_getLogger("ConfigFileCacheTimer");
 
 } // namespace
 
-/// Holds the waiting timers.
+/// Owns the pending timers.
 class ConfigFileCacheTimer::Impl final : public std::enable_shared_from_this<Impl> {
 public:
     explicit Impl(std::shared_ptr<UnifiedFactory> unifiedFactory) : factory(std::move(unifiedFactory)) {}
@@ -41,8 +41,7 @@ private:
     std::shared_ptr<UnifiedFactory> factory;
 };
 
-/// One waiting write. It is held by the set and by its queued task alone; its last reference may go on the timer's own
-/// thread.
+/// One pending write. Only the set and the queued task own it. The last owner may destroy it on the timer's own thread.
 class ConfigFileCacheTimer::TimerImpl final : public zel::common::BackgroundTimerCallback,
                                               public std::enable_shared_from_this<TimerImpl> {
 public:
@@ -51,7 +50,7 @@ public:
         : callback(std::move(fired)), impl(std::move(owner)), factory(std::move(unifiedFactory)) {}
     ~TimerImpl() override;
 
-    /// Leaves the timer's thread at once. Takes no lock that a stop() is called under.
+    /// Queues the callback and returns immediately. Acquires no lock that is held during stop().
     void onTimer() override;
 
     std::string getFileName() const { return callback->getFileName(); }
@@ -139,7 +138,7 @@ void ConfigFileCacheTimer::Impl::clearTimers() {
     for (const auto& timer : timers) {
         timer->forbidCallback();
     }
-    // They die after the unlock: a callback's destructor is foreign code.
+    // Destroyed after the unlock: a callback's destructor is other code's.
     released.swap(timers);
 }
 
@@ -183,7 +182,7 @@ void ConfigFileCacheTimer::TimerImpl::onTimer() {
 }
 
 void ConfigFileCacheTimer::TimerImpl::callBackAndRemove() {
-    // Also when the callback throws: else its file would be locked for ever.
+    // Runs even if the callback throws; otherwise writes of this file could never be scheduled again.
     struct Removal {
         std::shared_ptr<TimerImpl> timer;
         ~Removal() {

@@ -7,22 +7,22 @@ namespace ZelUnified {
 class ConfigFileCacheTimerCallBack;
 class UnifiedFactory;
 
-/// Delays and merges file writes: the first request for a file settles the moment; more of them, until its callback has
-/// finished, are dropped. The callback runs on the background dispatcher. Any thread.
+/// Delays and merges file writes. The first request for a file sets the time; further requests are dropped until the
+/// callback has returned. The callback runs on the background dispatcher. Any thread.
 class ConfigFileCacheTimer {
 public:
     explicit ConfigFileCacheTimer(std::shared_ptr<UnifiedFactory> unifiedFactory);
     ConfigFileCacheTimer(const ConfigFileCacheTimer&) = delete;
     ConfigFileCacheTimer& operator=(const ConfigFileCacheTimer&) = delete;
-    /// No waiting callback is called any more.
+    /// Cancels all pending callbacks.
     virtual ~ConfigFileCacheTimer();
 
-    /// Milliseconds are cut to whole seconds; less than one fires at once, on another thread. A null callback is
-    /// ignored.
+    /// Schedules the callback. The delay is truncated to whole seconds; with less than one second the timer fires
+    /// immediately, on another thread. Ignores a null callback.
     virtual void scheduleTimer(std::shared_ptr<ConfigFileCacheTimerCallBack> callback, int milliseconds);
-    /// Afterwards no callback that has not begun is called.
+    /// Cancels all callbacks that have not started.
     virtual void clearTimers();
-    /// The files that wait or are being written.
+    /// Returns the number of files whose write is pending or in progress.
     int getCount();
 
 private:

@@ -4,12 +4,13 @@
 
 namespace ZelUnified {
 
-/// A write that waits for its time.
+/// A delayed write.
 class ConfigFileCacheTimerCallBack {
 public:
-    /// On the background dispatcher's thread, no lock held.
+    /// Performs the write. Called on the background dispatcher's thread, with no lock held.
     virtual void onTimerFired() = 0;
-    /// Names the file: requests for one name, case included, are merged. Any thread, under the timer's lock.
+    /// Returns the name of the file. Requests with the same name (case-sensitive) are merged. Any thread, called with
+    /// the timer's lock held.
     virtual std::string getFileName() = 0;
     virtual ~ConfigFileCacheTimerCallBack() = default;
 };

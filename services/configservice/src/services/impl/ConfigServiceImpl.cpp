@@ -18,10 +18,11 @@ namespace {
 
 ZelLogger& logger = ZelLogger_getLogger("ConfigService-ConfigServiceImpl");
 
-/// The record of this key describes the machine, not a store.
+/// The value of this key depends on the machine, not on a store.
 constexpr std::wstring_view calendarIntegrationType = L"calendarintegrationtype";
 
-/// Not the rule of ConfigValueImpl::getValue(): this one looks at the value, that one at the key, and this one stores.
+/// Differs from the rule in ConfigValueImpl::getValue(): this one compares the value instead of the key, and overwrites
+/// the stored value.
 void applyCachedValueFipsRule(ConfigValueImpl& record) {
     if (zel::common::FipsUtils::isFipsEnabled() &&
         KyrCoreUtils::caseInsensitiveStringEquals(record.getValue(), ConfigKeys::telephonyP2PEnabled)) {
@@ -145,7 +146,7 @@ void ConfigServiceImpl::configDownloadFailed() {
 
 void ConfigServiceImpl::reset() {
     EnsureUpdateAccess(true);
-    // The destructor of an observer may call back into the service, so the map is empty before the records go.
+    // Clears the map before it destroys the records, because an observer's destructor may call the service.
     ConfigValueMap released;
     released.swap(configValues);
     configValuesIndex.clear();
@@ -162,7 +163,7 @@ void ConfigServiceImpl::OnConfigChanged(std::wstring key, std::wstring value, st
                                         bool isOverridden, bool isDefined, std::wstring valueStoreName,
                                         std::wstring originalValueStoreName, bool deferFire) {
     EnsureUpdateAccess(true);
-    // Held here while observers are called: one of them may reset the service.
+    // Keeps the record alive while observers run: one of them may reset the service.
     const auto record = findConfig(FoldedKey(key));
     SharedText storeName = storeNames.share(std::move(valueStoreName));
     SharedText originalStoreName = storeNames.share(std::move(originalValueStoreName));
@@ -259,7 +260,7 @@ void ConfigServiceImpl::keep(const FoldedKey& key, std::shared_ptr<ConfigValueIm
 
 std::wstring ConfigServiceImpl::describeAliasLookup(const std::wstring& key, const std::wstring& alias,
                                                     ConfigValueImpl& record) {
-    // The key as it was asked decides whether the value is hidden, not the one that it stands for.
+    // The requested key, not its new name, decides whether the value is hidden.
     const std::wstring safeValue = isKeySensitive(key) ? std::wstring(ConfigKeys::valueHidden) : record.getValue();
     const std::wstring loggedValue =
         KyrCoreUtils::toWideString(ZelLogger_replacePIIData(KyrCoreUtils::toString(safeValue)));
@@ -289,8 +290,8 @@ void ConfigServiceImpl::appendSettings(std::wstring& report, bool defined) {
         const bool hidden = isKeySensitive(recordKey);
         const std::wstring safeValue = hidden ? std::wstring(ConfigKeys::valueHidden) : record->getValue();
         const std::wstring safeOriginal = hidden ? std::wstring(ConfigKeys::valueHidden) : record->getOriginalValue();
-        // The report's readers expect this of the undefined section: the value as it is, and the masked one in the
-        // place of the store's name.
+        // Readers of the report expect this in the undefined section: the raw value, and the masked value instead of
+        // the store's name.
         const std::wstring shownValue = defined ? safeValue : record->getValue();
         const std::wstring shownStoreName = defined ? record->getValueStoreName() : safeValue;
         report += L"Key: " + recordKey + L" -  Value - [" + shownValue + L"] valueStoreName [" + shownStoreName +

@@ -20,9 +20,9 @@ namespace ZelUnified {
 class ConfigFeatureSet;
 class UnifiedFactory;
 
-/// The public service. Reads are answered from records in memory, which the adapter keeps up to date; everything that
-/// touches a store is forwarded to ConfigFeatureSet. It starts inert and comes alive when the adapter pushes to it.
-/// All containers belong to the services dispatcher's thread; there is no lock.
+/// Implements the public service. Reads return records in memory, which the adapter updates; every operation on a store
+/// is forwarded to ConfigFeatureSet. The service has no values until the adapter calls it. All containers belong to the
+/// services dispatcher's thread; there is no lock.
 class ConfigServiceImpl final : public ConfigServiceBaseImpl, public FeatureSetReadyListener {
 public:
     explicit ConfigServiceImpl(const std::shared_ptr<UnifiedFactory>& factory);
@@ -37,27 +37,29 @@ public:
     void removeAllCachedConfigStores() override;
     void logConfig() override;
     void setKeySensitive(std::wstring key) override;
-    /// Knows the keys of updateSensitiveKeyList() only; the feature set is not asked.
+    /// Returns true only for keys passed to updateSensitiveKeyList(). Does not ask the feature set.
     bool isKeySensitive(std::wstring key) override;
     bool setUrlProvisioningData(std::wstring data) override;
     bool resetAllowUriProvisioningData() override;
     std::wstring getAllConfigForPRT() override;
     std::wstring getValueFromConfigStore(std::string storeName, std::wstring key) override;
 
-    /// Says so in a debug line; the user is told by a service event.
+    /// Logs a debug line. A service event informs the user.
     virtual void configDownloadFailed();
-    /// Lets go of all records. What clients hold lives on and is updated no more; sensitive keys and aliases stay.
+    /// Removes all records. Records that clients hold remain valid but are no longer updated. Sensitive keys and
+    /// aliases remain.
     virtual void reset();
     virtual void refreshConfigFeatureSet();
 
-    /// Takes what the store chain resolved for the key. With `deferFire` observers hear of it at FireIfRequired().
+    /// Updates the record with the result of the store chain. With `deferFire` observers are notified by
+    /// FireIfRequired().
     void OnConfigChanged(std::wstring key, std::wstring value, std::wstring originalValue, bool isOverridden,
                          bool isDefined, std::wstring valueStoreName, std::wstring originalValueStoreName,
                          bool deferFire);
     void FireIfRequired(std::wstring key);
-    /// Replaces the table of old names: each is looked up under its new one first.
+    /// Replaces the table of old key names. An old name is looked up under its new name first.
     void setupConfigKeyAliases(ConfigMap aliases);
-    /// From here on the key's value is hidden in logs. Nothing takes that back.
+    /// Hides the key's value in logs from now on. This cannot be undone.
     void updateSensitiveKeyList(std::wstring key);
 
     void onFeatureSetReady(bool ready) override;
@@ -68,9 +70,10 @@ private:
     void initialize(const std::shared_ptr<UnifiedFactory>& factory);
     std::shared_ptr<ConfigFeatureSet> getFeatureSet() const;
 
-    /// The record of the key, looked up under its new name first; made under the new name when there is none.
+    /// Returns the record of the key, looked up under its new name first. If there is none, creates it under the new
+    /// name.
     std::shared_ptr<ConfigValueImpl> findConfig(const FoldedKey& key);
-    /// The record of exactly this key, empty when there is none.
+    /// Returns the record of exactly this key, or null if there is none.
     std::shared_ptr<ConfigValueImpl> findConfigFromKey(const FoldedKey& key);
     std::shared_ptr<ConfigValueImpl> createConfig(const FoldedKey& key);
     std::shared_ptr<ConfigValueImpl> createConfig(const std::wstring& key, std::wstring value,
@@ -82,9 +85,9 @@ private:
     void appendSettings(std::wstring& report, bool defined);
 
     ConfigValueMap configValues;
-    /// Of the entries of `configValues`. It compares the map's keys, because the key of a record can change.
+    /// Refers to the entries of `configValues`. Compares the map's keys, because the key of a record can change.
     KeyIndex<ConfigValueMap::value_type> configValuesIndex;
-    SharedTexts storeNames; ///< What the records share.
+    SharedTexts storeNames; ///< Shared by the records.
     ConfigKeySet sensitiveKeys;
     KeySuccessors keyAliases;
     std::shared_ptr<UnifiedFactory> unifiedFactory;

@@ -81,7 +81,7 @@ void ConfigValueImpl::applyValues(std::wstring value, std::wstring originalValue
         setOriginalValueStoreName(std::move(originalValueStoreName));
         isOriginalValueStoreNameChanged = true;
     }
-    // What was not taken over.
+    // The values that were not moved into the record.
     zel::SecureString::wipe(value);
     zel::SecureString::wipe(originalValue);
 }

@@ -9,31 +9,32 @@ namespace ZelUnified {
 
 class ConfigFeatureSet;
 
-/// The live record of one key. It takes what the store chain resolved, remembers which properties changed, and fires
-/// them when told; so many records can be brought up to date before any observer hears of the first.
+/// The live record of one key. It stores the result of the store chain, marks the properties that changed, and fires
+/// them on request, so that many records can be updated before the first observer is notified.
 class ConfigValueImpl final : public ConfigValueBaseImpl {
 public:
-    /// An undefined record.
+    /// Constructs an undefined record.
     ConfigValueImpl(const std::shared_ptr<UnifiedFactory>& factory, std::wstring recordKey);
-    /// A defined record with its values. No property counts as changed.
+    /// Constructs a defined record. No property is marked as changed.
     ConfigValueImpl(const std::shared_ptr<UnifiedFactory>& factory, std::wstring recordKey, std::wstring value,
                     std::wstring originalValue, bool overridden, SharedText valueStoreName,
                     SharedText originalValueStoreName);
 
-    /// In FIPS mode the key "Telephony_P2P_Enabled" reads "false"; the stored value stays.
+    /// Returns the value. In FIPS mode returns "false" for the key "Telephony_P2P_Enabled"; the stored value is
+    /// unchanged.
     std::wstring getValue() override;
     void storeValueAndNotify(std::wstring value) override;
     bool isValueEqual(std::wstring value) override;
     void resetToDefault() override;
     bool differsFromOriginal() override;
 
-    /// Takes over every property that differs and marks it as changed. Values that differ in case only count as equal.
+    /// Assigns every property that differs and marks it as changed. Values that differ only in case are equal.
     void applyValues(std::wstring value, std::wstring originalValue, bool overridden, bool defined,
                      SharedText valueStoreName, SharedText originalValueStoreName);
     void applyValuesAndFire(std::wstring value, std::wstring originalValue, bool overridden, bool defined,
                             SharedText valueStoreName, SharedText originalValueStoreName);
-    /// Fires every property marked as changed. A mark is cleared after its firing: when an observer throws, the
-    /// property and those behind it stay marked for the next attempt.
+    /// Fires every property marked as changed. Clears each mark after its firing: if an observer throws, that property
+    /// and the following ones stay marked for the next call.
     void fireChanged();
 
 private:

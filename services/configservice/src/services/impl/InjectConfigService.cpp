@@ -11,9 +11,9 @@
 using namespace ZelUnified;
 
 void InjectConfigService(std::shared_ptr<UnifiedFactory> factory) {
-    // Once, before any thread parses. Never cleaned up: the process shares the library.
+    // Called once, before any thread parses. Never cleaned up, because other users in the process share the library.
     xmlInitParser();
-    // The service comes first: the adapter's constructor looks it up.
+    // Registers the service first: the adapter's constructor looks it up.
     factory->getServices().registerItem<ConfigService>(configServiceId, std::make_shared<ConfigServiceImpl>(factory));
     if (factory->getFeatureSetByType<ConfigFeatureSet>()) {
         return;

@@ -6,6 +6,7 @@
 
 #include <memory>
 
-/// The one entry of the plug-in, called once on the host's loading thread. Files the configuration service with the
-/// factory and, unless another plug-in provides it already, the feature set. Starts nothing and catches nothing.
+/// The only entry point of the plug-in, called once on the host's loading thread. Registers the configuration service
+/// with the factory and, unless another plug-in already provides it, the feature set. Starts nothing and catches no
+/// exception.
 extern "C" LUMORA_CONFIG_API void InjectConfigService(std::shared_ptr<ZelUnified::UnifiedFactory> factory);

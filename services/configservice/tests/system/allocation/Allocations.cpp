@@ -11,11 +11,11 @@ namespace configservice_test {
 namespace {
 
 struct Shortage {
-    std::size_t remaining = 0; ///< 0 while none is to come.
+    std::size_t remaining = 0; ///< 0 if no failure is pending.
     bool hasFailed = false;
 };
 
-// Keeping the content may itself allocate: so it goes where there is room.
+// A fixed buffer: storing the content must not allocate.
 constexpr std::size_t room = 256;
 
 struct Watch {
@@ -30,7 +30,7 @@ struct Search {
     std::size_t count = 0;
 };
 
-/// Stands before each block.
+/// Precedes each block.
 struct alignas(std::max_align_t) Head {
     std::size_t size;
 };
@@ -126,8 +126,8 @@ std::size_t BlocksFreedWith::getCount() const noexcept {
 
 } // namespace configservice_test
 
-// Other forms of these operators would call them, but a sanitizer has its own. No test needs more than the usual
-// alignment.
+// The other forms of these operators call them by default, but a sanitizer replaces those too. No test needs more than
+// the default alignment.
 
 void* operator new(std::size_t size) {
     return configservice_test::allocate(size);

@@ -7,7 +7,8 @@
 
 namespace configservice_test {
 
-/// While it lives, one allocation of this thread fails: the one with this number, counted from 1. One at a time.
+/// Makes one allocation of this thread fail during its lifetime: the one with this number, counted from 1. Only one
+/// object at a time.
 class FailingAllocation {
 public:
     explicit FailingAllocation(std::size_t number) noexcept;
@@ -18,8 +19,8 @@ public:
     bool hasFailed() const noexcept;
 };
 
-/// Waits for the heap block that a text lies in to be freed by this thread and keeps what the text is at that moment.
-/// One at a time.
+/// Records the content of the heap block of a text at the moment when this thread frees the block. Only one object at a
+/// time.
 class FreedText {
 public:
     explicit FreedText(std::wstring_view text) noexcept;
@@ -27,12 +28,12 @@ public:
     FreedText(const FreedText&) = delete;
     FreedText& operator=(const FreedText&) = delete;
 
-    /// As long as the text was; nullopt while the block lives.
+    /// Returns as many characters as the text had, or nullopt while the block is allocated.
     std::optional<std::wstring> getContent() const;
 };
 
-/// Counts the heap blocks that this thread frees while a text still stands in them. One at a time; the text must
-/// outlive it.
+/// Counts the heap blocks that still contain a text when this thread frees them. Only one object at a time; the text
+/// must outlive it.
 class BlocksFreedWith {
 public:
     explicit BlocksFreedWith(std::wstring_view text) noexcept;

@@ -22,7 +22,7 @@ std::wstring otherSpellingOf(int number) {
     return L"KEY NUMBER " + std::to_wstring(100 + number);
 }
 
-/// Runs `operation` with its Nth allocation failing. False when it had enough memory.
+/// Runs `operation` with its Nth allocation failing. Returns false if no allocation failed.
 template <class Operation>
 bool failsAt(std::size_t number, Operation operation) {
     const FailingAllocation failing(number);
@@ -93,7 +93,7 @@ TEST_F(MemoryShortageOfTheService, ARecordThatCouldNotBeCreatedIsCreatedByTheNex
     EXPECT_GT(failures, 3U) << "index, map, record and its key";
 }
 
-/// What the table lists it finds, in any case and past its filter, and nothing else of the keys of both halves.
+/// Expects that a search finds every listed key in any case and through the filter, and no other key of both halves.
 void expectToHoldExactly(ConfigTable& table, int from, int to) {
     ASSERT_EQ(table.getKeys().size(), static_cast<std::size_t>(to - from));
     for (int i = 0; i < 60; ++i) {

@@ -19,10 +19,10 @@ using configservice_test::BlocksFreedWith;
 using configservice_test::FailingAllocation;
 using configservice_test::FreedText;
 
-// Long enough for the heap on every platform.
+// Too long for the small string buffer on every platform.
 const std::wstring secret(40, L's');
 const std::string narrowSecret(40, 's');
-/// What is not ASCII takes another way through the conversions.
+/// Characters beyond ASCII use another path through the conversions.
 const std::wstring secretWithAccent = L"\u00E9" + secret;
 
 TEST(ReleasedDocuments, ATextInABlockThatIsFreedIsSeen) {

@@ -16,7 +16,7 @@ namespace {
 
 using configservice_test::FreedText;
 
-// Long enough for the heap on every platform.
+// Too long for the small string buffer on every platform.
 const std::wstring secret(40, L's');
 const std::wstring longer(200, L'l');
 const std::wstring zeroes(40, L'\0');
@@ -50,7 +50,7 @@ TEST(ReleasedValues, OfATableAreZeroed) {
                      : static_cast<void>(table->store(key, secret));
             const FreedText freed(*table->find(FoldedKey(key)));
             goesOut(table);
-            table.reset(); // the memory may be freed with the table only
+            table.reset(); // the memory may be freed only with the table
             EXPECT_EQ(freed.getContent(), zeroes);
         }
     }
@@ -84,7 +84,7 @@ TEST(ReleasedValues, ThatOutgrewTheirRoomAreZeroed) {
 }
 
 struct ReleasedValuesOfRecords : configservice_test::ServiceFixture {
-    /// The record takes the text's block over: what is freed later is what is handed in here.
+    /// The record takes over the block of the text, so the block of these arguments is freed later.
     void announceWhole(std::wstring value, std::wstring original) {
         service->OnConfigChanged(L"k", std::move(value), std::move(original), false, true, L"s", L"s", false);
     }

@@ -22,7 +22,7 @@ struct Row {
     Width width;
 };
 
-/// The catalogue as it was agreed on, kept apart from the header: a change of either must be a change of both.
+/// The agreed catalogue, independent of the header: each change must be made in both.
 const std::vector<Row> agreed = {
     {1, "Addtional_Info", Width::Wide},
     {2, "ConnectionUserDn", Width::Wide},

@@ -1,5 +1,5 @@
-// On the Itanium ABI a pointer to a virtual member holds the member's offset in the virtual table, so the order that
-// other plug-ins were compiled against can be read and compared. The signature of each operation is checked by the way.
+// In the Itanium ABI a pointer to a virtual member contains the member's offset in the virtual table, so a test can
+// read the order that other plug-ins were compiled against. The test also checks the signature of each operation.
 
 #include "services/impl/ConfigServiceImpl.h"
 
@@ -43,18 +43,18 @@ Operation op(const char* name, Signature Class::*member) {
     std::array<std::ptrdiff_t, 2> pointer{};
     static_assert(sizeof(pointer) == sizeof(member));
     std::memcpy(pointer.data(), &member, sizeof(member));
-    // The lowest bit of the first word marks a virtual member where it is not kept in the second one.
+    // Where the second word does not contain it, the lowest bit of the first word marks a virtual member.
     return {name, (pointer[0] & ~std::ptrdiff_t{1}) / static_cast<std::ptrdiff_t>(sizeof(void*))};
 }
 
-/// Checks that the operations stand in this order without a gap, the first one in slot `first`.
+/// Checks that the operations are in this order without gaps, beginning with slot `first`.
 void expectOrder(std::ptrdiff_t first, const std::vector<Operation>& operations) {
     for (const auto& [name, slot] : operations) {
         EXPECT_EQ(slot, first++) << name;
     }
 }
 
-/// The slot that an operation added behind all those of the interface gets: the length of its table.
+/// Returns the slot of an operation added after all those of the interface, which is the length of its table.
 template <class Interface>
 std::ptrdiff_t slotsOf() {
     class Longer : public Interface {
@@ -182,7 +182,7 @@ TEST(VirtualOrder, ConfigValue) {
     EXPECT_EQ(slotsOf<T>(), businessObjectSlots + 14);
 }
 
-/// What the owner of a record calls follows what anyone may.
+/// The operations for the owner of a record follow the public ones.
 TEST(VirtualOrder, OwnersOperationsOfConfigValue) {
     using T = ConfigValueBaseImpl;
     const auto last = op<Text()>("getOriginalValueStoreName", &T::getOriginalValueStoreName);

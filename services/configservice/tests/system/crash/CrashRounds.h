@@ -2,9 +2,9 @@
 
 namespace crash_test {
 
-/// The kills of each test of this program. LUMORA_CRASH_ROUNDS is the number of all of them together.
+/// Returns the number of kills per test of this program. LUMORA_CRASH_ROUNDS sets the total of all tests.
 unsigned long countRounds();
-/// LUMORA_CRASH_SEED, which repeats a run as far as the scheduler does, or a new one.
+/// Returns LUMORA_CRASH_SEED, which repeats a run as far as the scheduler allows, or a random seed.
 unsigned long chooseSeed();
 
 } // namespace crash_test

@@ -20,10 +20,10 @@ namespace {
 
 enum class Disturbance { None, DamagedMain, DamagedBackup, FullDisk };
 
-/// One profile through many processes, each of which is killed.
+/// Uses one profile in many processes, each of which is killed.
 class CrashTest : public testing::TestWithParam<Disturbance> {
 protected:
-    /// Begins with both files on the disk.
+    /// Starts with both files on the disk.
     void SetUp() override {
         expectGoodRun(runUntilKilled(Disk::Healthy, 20, std::chrono::microseconds(0)));
         ASSERT_GT(mainHolds, 0U);
@@ -42,7 +42,7 @@ protected:
         if (random() % 2 == 0) {
             return;
         }
-        // Never both files: what no file holds can't be asked for.
+        // Never damages both files, since then no content would remain to check.
         if (GetParam() == Disturbance::DamagedMain && backupHolds > 0) {
             crash_test::damage(profile.config() / "lumoraLocalConfig.dat", random);
             mainHolds = 0;
@@ -94,7 +94,7 @@ protected:
     testing_host::TemporaryProfile profile;
     const unsigned long seed = crash_test::chooseSeed();
     std::mt19937 random{static_cast<std::uint32_t>(seed)};
-    /// The last numbers reported; 0 for a file that is damaged.
+    /// The last reported numbers; 0 for a damaged file.
     std::uint32_t mainHolds = 0;
     std::uint32_t backupHolds = 0;
     unsigned long writes = 0;

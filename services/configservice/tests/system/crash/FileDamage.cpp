@@ -27,7 +27,7 @@ void zero(std::string& bytes, std::mt19937& random) {
 void damage(const std::filesystem::path& path, std::mt19937& random) {
     const std::string before = testing_host::readFile(path);
     std::string bytes = before;
-    // Flips may undo each other, and zeroes may meet zeroes.
+    // Flips may cancel each other out, and zeroes may overwrite zeroes.
     while (bytes == before) {
         switch (random() % 3) {
         case 0:

@@ -5,7 +5,8 @@
 
 namespace crash_test {
 
-/// Flips, cuts or zeroes bytes of the file at random; it differs afterwards. The file is there and not empty.
+/// Flips, truncates or zeroes random bytes of the file. The content differs afterwards. The file must exist and not be
+/// empty.
 void damage(const std::filesystem::path& path, std::mt19937& random);
 
 } // namespace crash_test

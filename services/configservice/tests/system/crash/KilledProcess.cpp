@@ -61,7 +61,7 @@ std::vector<Report> KilledProcess::killAfter(std::size_t reports, std::chrono::m
     return std::move(received);
 }
 
-/// False at the end of the pipe.
+/// Returns false at the end of the pipe.
 bool KilledProcess::receive() {
     Report report;
     if (read(pipeEnd, &report, sizeof(report)) != static_cast<ssize_t>(sizeof(report))) {

@@ -10,19 +10,19 @@
 
 namespace crash_test {
 
-/// A child of this process, from its beginning to its violent end.
+/// A child process that is killed at a chosen moment.
 class KilledProcess {
 public:
-    /// `work` runs in the child, with the end of a pipe to write reports to, until the child is killed. The caller has
+    /// Runs `work` in the child until it is killed, with the writing end of a pipe for reports. The caller must have
     /// one thread only.
     explicit KilledProcess(const std::function<void(int)>& work);
     ~KilledProcess();
     KilledProcess(const KilledProcess&) = delete;
     KilledProcess& operator=(const KilledProcess&) = delete;
 
-    /// Kills it that long after its report of this number, and gives all that it reported. Call once.
+    /// Kills the child that long after its report of this number. Returns all reports. Call once.
     std::vector<Report> killAfter(std::size_t reports, std::chrono::microseconds delay);
-    /// Whether it was this kill that ended it.
+    /// Returns true if this kill ended the child.
     bool wasKilled() const { return killed; }
 
 private:

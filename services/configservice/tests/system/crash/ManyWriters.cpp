@@ -43,14 +43,14 @@ struct Document {
 constexpr Document firstDocument{WrittenFile::FirstCopy, "FirstStore", L"first"};
 constexpr Document secondDocument{WrittenFile::SecondCopy, "SecondStore", L"second"};
 
-/// A number and, of a length that differs from number to number, what goes with it: one value, since two may be written
-/// apart. A provisioning link has not much room.
+/// Returns a number with a filler whose length depends on the number. It is one value, since two values may be written
+/// separately. A provisioning link has little space.
 std::wstring textOf(std::uint32_t number) {
     return KyrCoreUtils::toWideString(number) + L":" +
            std::wstring(number * 397 % 800, static_cast<wchar_t>(L'a' + number % 26));
 }
 
-/// 0 unless all of it is there.
+/// Returns the number, or 0 unless the text is complete.
 std::uint32_t numberOf(const std::wstring& text) {
     const auto number = static_cast<std::uint32_t>(KyrCoreUtils::toInt(text.substr(0, text.find(L':')), 0));
     return text == textOf(number) ? number : 0;
@@ -114,7 +114,7 @@ private:
             store->caching = true;
             store->local = false;
             adapter->addConfigStore(store);
-            // Which copies there are stands in the user's file.
+            // The user's file records which copies exist.
             factory->flushBackgroundDispatcher();
             report(document.file, number, numberInCopy(document.store, document.key));
         }

@@ -20,10 +20,10 @@ using crash_test::WrittenFile;
 
 namespace {
 
-/// One profile through many processes that write all of its files at once, each of which is killed.
+/// Uses one profile in many processes that write all of its files concurrently, each of which is killed.
 class ManyWritersCrashTest : public testing::Test {
 protected:
-    /// Begins with every file on the disk.
+    /// Starts with every file on the disk.
     void SetUp() override {
         while (!HasFailure() && std::ranges::find(holds, 0U) != holds.end()) {
             playProcess(50, std::chrono::microseconds(0));
@@ -38,7 +38,7 @@ protected:
             auto& held = holds.at(report.file);
             EXPECT_NE(report.kind, Report::Kind::Lost) << "of file " << report.file;
             EXPECT_GE(report.number, held) << "file " << report.file << " is older than what was on the disk";
-            // A backup that is found may be ahead of the main file, which the next one is made of.
+            // A backup that is found may be newer than the main file, from which the next backup is written.
             const bool isWritten = report.kind == Report::Kind::File;
             if (isWritten || report.file != static_cast<std::uint32_t>(WrittenFile::Backup)) {
                 held = report.number;
@@ -51,8 +51,8 @@ protected:
     const testing_host::InMemoryRegistry::Installed registry;
     const unsigned long seed = crash_test::chooseSeed();
     std::mt19937 random{static_cast<std::uint32_t>(seed)};
-    std::array<std::uint32_t, crash_test::writtenFiles> holds{}; ///< What each is known to hold.
-    std::array<unsigned long, 2> counts{};                       ///< Files that were loaded, and written.
+    std::array<std::uint32_t, crash_test::writtenFiles> holds{}; ///< The known content of each file.
+    std::array<unsigned long, 2> counts{};                       ///< The number of loaded files and of written files.
 };
 
 TEST_F(ManyWritersCrashTest, TheNextProcessBeginsWithWhatWasOnTheDiskInEachFile) {

@@ -28,7 +28,7 @@ constexpr const char* userStore = "LocalFileConfigStore";
 constexpr const char* mainFile = "lumoraLocalConfig.dat";
 constexpr const char* backupFile = "lumoraLocalConfig_backup.dat";
 
-/// Keeps the backup that is asked for, until it is to be written.
+/// Holds a requested backup until the test writes it.
 class HeldBackup final : public ZelUnified::ConfigFileCacheTimer {
 public:
     HeldBackup() : ConfigFileCacheTimer(nullptr) {}
@@ -41,7 +41,7 @@ private:
     std::shared_ptr<ZelUnified::ConfigFileCacheTimerCallBack> waiting;
 };
 
-/// Of a length that differs from number to number, so that files grow and shrink.
+/// Returns a filler whose length depends on the number, so that files grow and shrink.
 std::wstring fillerOf(std::uint32_t number) {
     return std::wstring(number * 397 % 6000, static_cast<wchar_t>(L'a' + number % 26));
 }
@@ -51,7 +51,7 @@ void putNumber(LocalFileConfigStore& store, std::uint32_t number) {
     store.storeValue(L"filler", fillerOf(number));
 }
 
-/// 0 unless the table holds all of what was put.
+/// Returns the number, or 0 unless the table is complete.
 std::uint32_t numberOf(LocalFileConfigStore& store) {
     std::wstring number;
     std::wstring filler;
@@ -62,7 +62,7 @@ std::uint32_t numberOf(LocalFileConfigStore& store) {
     return filler == fillerOf(found) ? found : 0;
 }
 
-/// What one file holds, the other one not looked at.
+/// Returns the number in one file, ignoring the other file.
 std::uint32_t numberIn(const char* file) {
     LocalFileConfigStore reader("Reader", 0, KyrCoreUtils::FileUtils::getConfigDirectory(), file, true, true, true);
     return numberOf(reader);
@@ -78,7 +78,7 @@ public:
     }
 
     [[noreturn]] void run() {
-        // A backup that can't be read keeps the main file from being written until it is written anew.
+        // While the backup is unreadable the main file is not written, until the backup is written again.
         bool backupIsGood = number == 0 || numberIn(backupFile) != 0;
         for (;;) {
             putNumber(*store, ++number);
@@ -95,10 +95,10 @@ public:
     }
 
 private:
-    /// Also forgets content that waits to be written: only what is on the disk survives a crash.
+    /// Also drops content that waits to be written: only the content of the disk survives a crash.
     void useDisk() const { zel::storage::EncryptFileUtils::overrideFileLayer(disk == Disk::Fills ? layer : nullptr); }
 
-    /// Whether the next file will fit.
+    /// Returns whether the next file will fit.
     bool chooseSpace() {
         if (disk == Disk::Healthy) {
             return true;

@@ -12,7 +12,7 @@ using Days = std::chrono::duration<int, std::ratio<86400>>;
 
 } // namespace
 
-/// A clock that is set between two runs and in the middle of one, in days.
+/// Sets the clock between two runs and during a run; the parameter is in days.
 class WallClock : public testing::TestWithParam<int> {};
 
 TEST_P(WallClock, NeitherChoosesAFileNorKeepsOneFromBeingWritten) {
@@ -22,7 +22,7 @@ TEST_P(WallClock, NeitherChoosesAFileNorKeepsOneFromBeingWritten) {
     session.useRealDisk();
     session.leaveFiles();
     session.loadAndStart();
-    // The backup stays at "old", and is the newer one of the two by its time when the clock goes back.
+    // The backup keeps "old". If the clock goes back, its time is the newer one.
     clock.jump(jump);
     session.adapter->setConfig(L"k", L"new");
     session.persist();

@@ -13,10 +13,10 @@ namespace {
 
 using Step = std::function<void(FaultySession&)>;
 
-/// How the disk fails: at one call, or at that one and all after it until the operation is over.
+/// The kind of failure: one call, or that call and all later ones of the operation.
 enum class Fault { Once, FromThenOn };
 
-/// A dead disk has one error for all.
+/// Returns the errors to inject. A dead disk returns one error for all calls.
 std::vector<int> errorsOf(Fault fault) {
     return fault == Fault::Once ? std::vector{EIO, ENOSPC, EACCES} : std::vector{EIO};
 }
@@ -29,7 +29,7 @@ void begin(FaultySession& session) {
 
 } // namespace
 
-/// Every operation that touches the disk, disturbed at each of its calls in turn.
+/// Runs every operation that uses the disk and fails each of its calls in turn.
 class DiskFaults : public testing::TestWithParam<Fault> {
 protected:
     static std::size_t countCalls(const Step& prepare, const Step& operate) {
@@ -69,7 +69,7 @@ protected:
         }
     }
 
-    /// The file holds what it held or what was to be written, whole.
+    /// Expects the complete old content or the complete new one.
     static void expectOldOrNew(const std::string& content) {
         EXPECT_THAT(content, AnyOf(HasSubstr("old"), HasSubstr("new")));
     }
@@ -87,7 +87,7 @@ protected:
         }
     }
 
-    /// Everything can be changed and is there at the next start.
+    /// Expects that everything can be changed and is present at the next start.
     static void expectAllWellAgain(FaultySession& session) {
         session.adapter->setConfig(L"k", L"newest");
         session.download(L"newest");
@@ -111,7 +111,7 @@ TEST_P(DiskFaults, LoadLosesNothingAndTheNextStartHasItAll) {
         }
         for (const auto& [key, store] :
              {std::pair(L"d", downloadedStore), std::pair(L"ServicesDomain", provisioningStore)}) {
-            // Which copies there are stands in the user's file.
+            // The user's file records which copies exist.
             if (session.valueOf(key) == L"(none)" && session.inChain(store)) {
                 const auto name = session.cacheFile(store).filename().string();
                 EXPECT_TRUE(session.isLogged("Failed to read XML document: " + name + " or " + name));
@@ -199,7 +199,7 @@ TEST_P(DiskFaults, ReportLeavesOutWhatCannotBeReadAndSaysSo) {
         [](FaultySession& session) {
             const auto report = session.report();
             for (const std::string name : quotedFiles) {
-                // The first byte goes, for want of a declaration.
+                // The report omits the first byte because the document has no declaration.
                 const bool quoted = report.find(KyrCoreUtils::toWideString(name + "/>")) != std::wstring::npos;
                 EXPECT_NE(quoted, session.isLogged("Failed to read config file " + session.file(name).string()))
                     << name;

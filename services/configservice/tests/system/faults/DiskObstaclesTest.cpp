@@ -38,7 +38,7 @@ void put(Thing thing, const fs::path& path) {
     }
 }
 
-/// From now on nothing of the disk can be changed, and all of it can be read.
+/// Makes every change of the disk fail; reading still works.
 void makeReadOnly(FaultInjectingFileLayer& layer) {
     using Operation = FaultInjectingFileLayer::Operation;
     for (const auto operation :
@@ -49,7 +49,7 @@ void makeReadOnly(FaultInjectingFileLayer& layer) {
     }
 }
 
-/// Everything of the user's settings at once, in a process of its own.
+/// Changes all user settings in a separate process.
 [[noreturn]] void writeAsOtherProcess() {
     LocalFileConfigStore store("LocalFileConfigStore", 20, false);
     for (int round = 0; round < 100; ++round) {
@@ -63,7 +63,7 @@ void makeReadOnly(FaultInjectingFileLayer& layer) {
 
 class DiskObstacles : public testing::Test {
 protected:
-    /// Puts something in the place of what stands there, which is kept for `putBack`.
+    /// Replaces the file by an obstacle. Keeps the file for `putBack`.
     void obstruct(const fs::path& path, Thing thing) {
         aside = path.string() + ".aside";
         fs::rename(path, aside);
@@ -78,7 +78,7 @@ protected:
     fs::path aside;
 };
 
-/// Something else in the place of one of the protected files.
+/// An obstacle in the place of one of the protected files.
 class FileObstacles : public testing::TestWithParam<Thing> {};
 
 TEST_P(FileObstacles, AreMovedOutOfTheWayByTheNextWrite) {
@@ -92,7 +92,7 @@ TEST_P(FileObstacles, AreMovedOutOfTheWayByTheNextWrite) {
         put(GetParam(), session.file(name));
         session.restart();
         EXPECT_EQ(session.valueOf(L"k"), L"old");
-        // The main file waits until its backup can be read again.
+        // The main file is not written until its backup is readable again.
         changeAll(session, L"new");
         changeAll(session, L"newer");
         expectAtTheNextStart(session, L"newer");

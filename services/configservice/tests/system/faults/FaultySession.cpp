@@ -11,7 +11,7 @@ FaultySession::FaultySession() {
 }
 
 FaultySession::~FaultySession() {
-    // While the clock that its timers follow still stands.
+    // Unload while the clock of the timers still exists.
     unload();
     EncryptFileUtils::overrideFileLayer(nullptr);
 }

@@ -13,26 +13,26 @@
 
 namespace ZelUnified {
 
-/// A whole service on a profile of its own whose protected files go through a fault-injecting layer. Made as often as a
-/// test needs, one at a time.
+/// A whole service on a temporary profile whose protected files use a fault-injecting layer. A test may construct
+/// several, one at a time.
 class FaultySession final : public ConfigAdapterFixture {
 public:
     FaultySession();
     ~FaultySession() override;
     void TestBody() override {}
 
-    /// For what the platform itself is to answer.
+    /// Uses the file layer of the platform.
     void useRealDisk();
 
-    /// Leaves the files of an earlier run behind: the user's two, a downloaded document's copy, a provisioning link's
-    /// and those that the report quotes. The values are "old".
+    /// Creates the files of an earlier run: the user's two, the copy of a downloaded document, that of a provisioning
+    /// link, and those that the report quotes. The values are "old".
     void leaveFiles();
-    /// Ends the run, and with it what waits to be written.
+    /// Ends the run and drops pending writes.
     void unload();
-    /// Ends the run and begins the next one on the same files.
+    /// Ends the run and starts the next one on the same files.
     void restart();
 
-    /// Runs what waits in the background, the backup not included.
+    /// Runs the pending background tasks, but not the backup.
     void persist() { factory->backgroundDispatcher->runAll(); }
     void persistAndBackUp();
     void download(const std::wstring& value);
@@ -43,7 +43,7 @@ public:
     void forgetLog() { debugLog.clear(); }
 
     std::filesystem::path file(const std::string& name) const { return profile.config() / name; }
-    /// What a protected file holds on the disk; "" when it can't be read.
+    /// Returns the content of a protected file on the disk, or "" if it is unreadable.
     static std::string
     clearTextOf(const std::filesystem::path& path,
                 zel::storage::FileCategoryType::FileCategory category = zel::storage::FileCategoryType::UserData);
@@ -67,7 +67,7 @@ private:
     testing_host::LogRecorder debugLog{testing_host::LogRecorder::Debug::On};
 };
 
-/// Gives all that the session keeps on the disk this value, and lets it be written.
+/// Sets all persisted data of the session to this value and writes it.
 void changeAll(FaultySession& session, const std::wstring& value);
 void expectAtTheNextStart(FaultySession& session, const std::wstring& value);
 

@@ -11,7 +11,7 @@ using zel::storage::EncryptFileUtils;
 
 namespace fs = std::filesystem;
 
-/// What the service sees of writes that fail and are kept.
+/// The effects on the service of failed writes that are kept.
 class KeptWrites : public testing::Test {
 protected:
     void SetUp() override {

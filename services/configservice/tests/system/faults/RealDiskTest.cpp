@@ -6,7 +6,7 @@ namespace ZelUnified {
 
 using testing::HasSubstr;
 
-/// What the other tests of this program feign, from the system itself.
+/// Uses a real file system for the faults that the other tests of this program simulate.
 class RealDisk : public testing::Test {
 protected:
     void SetUp() override {

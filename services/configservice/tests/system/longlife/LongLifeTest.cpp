@@ -19,12 +19,12 @@ using testing_host::ProcessUsage;
 
 namespace {
 
-/// Whole rounds of everything that is done every few cycles, so that the process stands where it stood.
+/// Complete rounds of all periodic operations, so that the process returns to its initial state.
 constexpr std::size_t cyclesOfOneRound = 32;
 constexpr std::size_t cyclesOfOneLife = 8;
 
-/// What is lost in each cycle is lost in each stretch; spare room that is taken once is not. A single byte a cycle is a
-/// kilobyte in the shortest stretch, as the heap counts in blocks of 32.
+/// A leak of each cycle appears in each stretch; a buffer that grows once does not. A leak of one byte per cycle is a
+/// kilobyte in the shortest stretch, because the heap allocates blocks of 32 bytes.
 constexpr std::size_t stretches = 6;
 constexpr std::int64_t heapToleranceOfEveryStretch = 512;
 constexpr std::size_t heapTolerance = std::size_t{16} << 10;
@@ -35,7 +35,7 @@ constexpr const char* policy =
     "[HKEY_CURRENT_USER\\Software\\Policies\\Ventrix Systems, Inc.\\Unified Communications\\VentrixUC]\n"
     "\"policy\"=\"in force\"\n";
 
-/// `./test longlife` asks for more than one round.
+/// `./test longlife` sets more than one round.
 std::size_t cyclesOfOneStretch() {
     const char* const text = std::getenv("LUMORA_LONG_LIFE_CYCLES");
     const std::size_t wanted = text == nullptr ? 0 : std::strtoul(text, nullptr, 10);
@@ -60,11 +60,11 @@ protected:
 
     using Play = std::function<void(std::size_t)>;
 
-    /// `play` runs the cycle of that number.
+    /// Measures the usage over the stretches; `play` runs the cycle of the given number.
     static void expectFlat(const Play& play) {
         const std::size_t length = cyclesOfOneStretch();
         std::vector<ProcessUsage> usages;
-        usages.reserve(stretches + 1); // not to be measured itself
+        usages.reserve(stretches + 1); // must not allocate during the measurement
         for (std::size_t number = 0; number <= cyclesOfOneRound + stretches * length; ++number) {
             if (number >= cyclesOfOneRound && (number - cyclesOfOneRound) % length == 0) {
                 usages.push_back(ProcessUsage::measure());

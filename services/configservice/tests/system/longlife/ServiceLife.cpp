@@ -23,14 +23,14 @@ namespace {
 const std::wstring watchedKey = L"watched";
 const std::string arrivingStore = "Downloaded";
 
-/// Another one in each cycle, of one length.
+/// Returns a different value of equal length for each cycle.
 std::wstring valueOf(std::size_t number) {
     return L"value " + std::to_wstring(1000 + number % 1000);
 }
 
 } // namespace
 
-/// Counts what is announced of one record.
+/// Counts the announcements of one record.
 class ServiceLife::RecordObserver final : public ConfigValueObserver {
 public:
     void OnKeyChanged() override {}
@@ -44,7 +44,7 @@ public:
     int announcements = 0;
 };
 
-/// Counts the arrivals of the one store.
+/// Counts the arrivals of one store.
 class ServiceLife::ArrivalObserver final : public ConfigStoreAddedObserver {
 public:
     void OnConfigStoreAdded(const std::string& storeName) override { arrivals += storeName == arrivingStore ? 1 : 0; }
@@ -91,7 +91,7 @@ void ServiceLife::playCycle(std::size_t number) {
     rest();
 }
 
-/// Waiting for the disk takes most of a cycle's time; now and then it is done all the same.
+/// Syncing takes most of the time of a cycle, so only some cycles do it.
 void ServiceLife::chooseFiles(std::size_t number) {
     constexpr std::size_t oneIn = 32;
     if (number % oneIn == 0) {
@@ -138,7 +138,7 @@ void ServiceLife::onDispatcher(const std::function<void()>& work) {
                                                    false);
 }
 
-/// A write leads to a timer, which leads to a write.
+/// A write may set a timer, which may cause a write.
 void ServiceLife::rest() {
     factory->flushBackgroundDispatcher();
     EXPECT_TRUE(timers.settle());

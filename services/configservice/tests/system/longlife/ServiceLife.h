@@ -15,8 +15,8 @@
 
 namespace long_life {
 
-/// The whole service on its real dispatchers, timers and files, from its start to its end, and what happens to it over
-/// and over in a long run. Installs nothing: the caller holds the profile, the registry and the timers.
+/// Runs the whole service on its real dispatchers, timers and files, and repeats what happens to it in a long run.
+/// Installs nothing: the caller holds the profile, the registry and the timers.
 class ServiceLife {
 public:
     explicit ServiceLife(testing_host::CountedTimers& processTimers);
@@ -25,8 +25,8 @@ public:
     ServiceLife(const ServiceLife&) = delete;
     ServiceLife& operator=(const ServiceLife&) = delete;
 
-    /// Start, refresh, observers, a store's arrival, a write and its announcement, the store's removal, stop; every few
-    /// cycles a report, a provisioning link, a timer that waits, a reset. Nothing of it is under way afterwards.
+    /// Start, refresh, observers, the arrival of a store, a write and its announcement, the removal of the store, stop;
+    /// in some cycles a report, a provisioning link, a pending timer, a reset. Nothing is pending afterwards.
     void playCycle(std::size_t number);
 
 private:

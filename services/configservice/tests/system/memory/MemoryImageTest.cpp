@@ -17,10 +17,10 @@ using memory_test::SessionProcess;
 
 namespace {
 
-/// What a process holds in memory that was only ever told by files what the secret is.
+/// Searches the memory of a process that knows the secret from files only.
 class MemoryImageTest : public testing::Test {
 protected:
-    /// Beside as many keys, on both sides of it.
+    /// Plants the secret among this number of other keys, on both sides of it.
     void plantInUserFile(int keys = 0) const {
         const auto store = std::make_shared<ZelUnified::LocalFileConfigStore>("LocalFileConfigStore", 20, false);
         store->storeValue(L"ConnectionPassword", secret.text());

@@ -1,6 +1,6 @@
-// A process that works with the files of a profile and then stands still, so that its memory can be looked at. It is
-// told where they are, never what is in them: memory_session CONFIG DATA STATE SCENARIO. In the scenario "operations"
-// it is given the secret by a line of input instead, and announces each operation on standard output.
+// A process that works with the files of a profile and then stops, so that its memory can be read. Its arguments
+// contain the paths but never the contents: memory_session CONFIG DATA STATE SCENARIO. In the scenario "operations" it
+// reads the secret from a line of input instead, and announces each operation on standard output.
 #include "featuresets/adapters/config/chain/FakeConfigStore.h"
 #include "secure/SecureString.h"
 #include "services/impl/ConfigFileCacheTimer.h"
@@ -39,7 +39,7 @@ using KyrCoreUtils::FileUtils;
 
 constexpr const wchar_t* secretKey = L"ConnectionPassword";
 
-/// Writes the backup as soon as it is asked for.
+/// Writes the backup as soon as it is requested.
 class ImpatientTimer final : public ZelUnified::ConfigFileCacheTimer {
 public:
     ImpatientTimer() : ConfigFileCacheTimer(nullptr) {}
@@ -48,7 +48,7 @@ public:
     }
 };
 
-/// Nobody else's memory is a concern of this process, its own is to be read by its parent's debugger.
+/// Allows the debugger of the parent to read this process.
 void allowDebugger() {
     prctl(PR_SET_PTRACER, PR_SET_PTRACER_ANY, 0, 0, 0);
 }
@@ -92,7 +92,7 @@ std::wstring readSecret() {
     return KyrCoreUtils::toWideString(line);
 }
 
-/// A document that another service downloaded.
+/// Returns a document that another service downloaded.
 std::shared_ptr<ZelUnified::ConfigStore> makeDocument(const std::wstring& secret) {
     auto store = ZelUnified::makeReadOnlyStore("Downloaded", 40, {{L"ConnectionUsername", secret}});
     store->caching = true;
@@ -100,7 +100,7 @@ std::shared_ptr<ZelUnified::ConfigStore> makeDocument(const std::wstring& secret
     return store;
 }
 
-/// The service, as long as it is held.
+/// Holds the service for its lifetime.
 class LoadedSession {
 public:
     LoadedSession() {
@@ -109,7 +109,7 @@ public:
         service = factory->getServiceByType<ZelUnified::ConfigService>();
         factory->getFeatureSetAdapter(ZelUnified::configServiceId)
             ->StartFeatureSet(ZelUnified::configServiceId, nullptr);
-        // What a link sets is not sensitive of itself.
+        // Keys set by a link are not sensitive by default.
         service->setKeySensitive(L"ServicesDomain");
     }
     ~LoadedSession() { factory->Destroy(); }
@@ -140,7 +140,7 @@ void reset(const LoadedSession& session) {
     session.runTasks();
 }
 
-/// Every operation of the service that a secret goes through; false when one did not do what it should.
+/// Runs every operation of the service that handles a secret. Returns false if one did not have the expected result.
 bool runOperations(const std::string& folder) {
     testing_host::ManualClock clock;
     const auto secret = readSecret();
@@ -166,7 +166,7 @@ bool runOperations(const std::string& folder) {
         return false;
     }
     announce("removal");
-    // The next run would take what it sets for no secret until it is told.
+    // The next run does not know that its keys are sensitive until it is told.
     session->featureSet->removeConfigStore("UrlProvisioningConfigStore");
     session->runTasks();
     announce("load");
@@ -185,7 +185,7 @@ bool runOperations(const std::string& folder) {
     return true;
 }
 
-/// How a secret leaves a user's store. The backup is written whenever the main file is.
+/// The ways to remove a secret from a user's store. The backup is written whenever the main file is.
 enum class Leaving {
     RemovedUnwritten,
     ResetUnwritten,
@@ -232,8 +232,8 @@ constexpr std::array<std::pair<std::string_view, Leaving>, 7> waysToLeave{{
     {"released", Leaving::Released},
 }};
 
-/// A store that was read from the file has its secret set anew, written and taken away. It is answered while it lives
-/// on, unless it was released.
+/// Sets the secret of a store read from the file again, writes it and removes it. Returns the store while it lives, or
+/// null if it was released.
 std::shared_ptr<ZelUnified::ConfigStore> outliveSecret(Leaving way) {
     auto store = openUserStore();
     std::wstring value;
@@ -252,7 +252,7 @@ std::shared_ptr<ZelUnified::ConfigStore> outliveSecret(Leaving way) {
     return store;
 }
 
-/// The same in a service, whose record holds the secret too and may outlive it.
+/// Does the same in a service, whose record holds the secret too and may outlive it.
 void outliveSecretInService(bool isReset) {
     testing_host::ManualClock clock;
     const LoadedSession session;
@@ -270,7 +270,7 @@ void outliveSecretInService(bool isReset) {
     stopHere();
 }
 
-/// What must be found by who looks for it.
+/// Leaves the secret where a search must find it.
 void leak(const std::string& folder) {
     const auto secret = readSecret();
     const auto narrow = KyrCoreUtils::toString(secret);

@@ -6,13 +6,13 @@
 
 namespace memory_test {
 
-/// A value that occurs nowhere by chance, not even a part of it.
+/// A value whose parts occur nowhere by chance.
 class PlantedSecret {
 public:
     PlantedSecret();
 
     const std::wstring& text() const { return secret; }
-    /// Its parts, each long enough to be telling: freed memory often keeps but the rest of what it held.
+    /// Returns its parts, each long enough to be unique: freed memory often contains only the rest of its content.
     std::vector<std::string> pieces() const;
 
 private:
@@ -20,9 +20,9 @@ private:
 };
 
 std::size_t countNarrow(const std::string& bytes, const std::string& ascii);
-/// In both orders of bytes.
+/// Counts occurrences as UTF-16 in both byte orders.
 std::size_t countUtf16(const std::string& bytes, const std::string& ascii);
-/// As wide characters.
+/// Counts occurrences as wide characters.
 std::size_t countWide(const std::string& bytes, const std::string& ascii);
 
 } // namespace memory_test

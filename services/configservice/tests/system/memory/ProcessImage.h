@@ -6,8 +6,8 @@
 
 namespace memory_test {
 
-/// The memory of a child of this process, which stands still; empty when it can't be read. What has to be put on the
-/// disk for it goes to `folder` and is removed.
+/// Returns the memory of a stopped child of this process, or "" if it is unreadable. Temporary files are written to
+/// `folder` and removed.
 std::string readProcessImage(pid_t process, const std::string& folder);
 
 } // namespace memory_test

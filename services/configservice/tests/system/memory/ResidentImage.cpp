@@ -1,5 +1,5 @@
-// The image put together from the pages that are in memory: a sanitizer reserves terabytes, which a debugger would try
-// to write. The memory that a sanitizer keeps from being used again makes the image the more telling.
+// Builds the image from the resident pages: a sanitizer reserves terabytes, which a debugger would try to write. A
+// sanitizer delays the reuse of freed memory, so the image shows more.
 #include "ProcessImage.h"
 
 #include <fcntl.h>
@@ -20,10 +20,10 @@ struct Mapping {
     std::uint64_t end = 0;
     std::string access;
     std::uint64_t residentKilobytes = 0;
-    bool isInDumps = true; ///< The sanitizers' shadows are not.
+    bool isInDumps = true; ///< False for the shadow memory of a sanitizer.
 };
 
-/// The first line of a mapping; nothing for one of those that tell more about it.
+/// Parses the first line of a mapping. Returns nothing for the detail lines that follow it.
 std::optional<Mapping> parseHead(const std::string& line) {
     std::istringstream fields(line);
     Mapping mapping;
@@ -75,7 +75,7 @@ std::string readProcessImage(pid_t process, const std::string& /*folder*/) {
             continue;
         }
         readDetail(line, current);
-        if (line.starts_with("VmFlags:")) { // the last one of each
+        if (line.starts_with("VmFlags:")) { // the last line of each mapping
             appendMemory(memory, current, image);
         }
     }

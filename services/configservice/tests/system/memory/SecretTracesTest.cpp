@@ -23,11 +23,11 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// Everything that a secret leaves on the disk.
+/// Searches all files on the disk for the secret.
 class SecretTracesTest : public testing::Test {
 protected:
     SecretTracesTest() {
-        // The product is to make it itself, as tight as it should be.
+        // The product must create it with restricted permissions itself.
         fs::remove(profile.config());
     }
     ~SecretTracesTest() override { EncryptFileUtils::overrideFileLayer(nullptr); }
@@ -39,7 +39,7 @@ protected:
         store->persistValues();
     }
 
-    /// Leaves a temporary file behind for each step of a write.
+    /// Leaves a temporary file for each step of a write.
     void dieInEachStep() const {
         for (std::size_t call = 1; call <= 60; ++call) {
             const auto layer = std::make_shared<FaultInjectingFileLayer>();
@@ -79,7 +79,7 @@ TEST_F(SecretTracesTest, LogsErrorsTemporaryFilesAndBackupsHoldNoSecret) {
     dieInEachStep();
     runSession("user");
     runSession("service");
-    // A document that is not well-formed makes the parser quote it.
+    // The parser quotes a document that is not well-formed.
     writeProtected("lumoraLocalConfig.dat", "<Lumora><userConfig name=\"secret\" value=\"" + narrow + "\"></oops>");
     runSession("user");
     fs::create_directory(profile.config() / "Cache");

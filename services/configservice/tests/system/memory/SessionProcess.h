@@ -10,22 +10,22 @@
 
 namespace memory_test {
 
-/// memory_session in a process of its own, standing still at its end until this object goes.
+/// Runs memory_session in a child process, which stops at its end until this object is destroyed.
 class SessionProcess {
 public:
-    /// Its standard error goes to the file "stderr" in the profile's root. `runner` is a program, with its arguments,
-    /// that runs the session; empty for none.
+    /// Standard error is written to the file "stderr" in the profile's root. `runner` is a program with its arguments
+    /// that runs the session, or empty.
     SessionProcess(const testing_host::TemporaryProfile& profile, const std::string& scenario,
                    std::vector<std::string> runner = {});
     ~SessionProcess();
     SessionProcess(const SessionProcess&) = delete;
     SessionProcess& operator=(const SessionProcess&) = delete;
 
-    /// Gives it a line to read.
+    /// Sends a line to the process.
     void tell(const std::string& line) const;
-    /// Waits until it stands still; false when it ended instead.
+    /// Waits until the process stops. Returns false if it ended instead.
     bool waitUntilDone() const;
-    /// All of its memory; empty when it can't be read.
+    /// Returns all of its memory, or "" if it is unreadable.
     std::string readImage() const { return readProcessImage(child, folder); }
 
 private:

@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::string_view announcement = "operation ";
 
-/// What strace writes for a byte is always "\xHH".
+/// strace writes every byte as "\xHH".
 std::string textsOf(std::string_view line) {
     constexpr std::size_t lengthOfOne = 4;
     std::string bytes;
@@ -21,7 +21,7 @@ std::string textsOf(std::string_view line) {
     return bytes;
 }
 
-/// Bytes that leave by these are not shown.
+/// Returns true for calls that send bytes which strace does not show.
 bool isUnseen(std::string_view name, std::string_view line) {
     constexpr std::array<std::string_view, 5> blind{"sendfile", "copy_file_range", "splice", "vmsplice",
                                                     "io_uring_setup"};
@@ -40,11 +40,11 @@ bool isUnseen(std::string_view name, std::string_view line) {
 
 std::vector<std::string> SystemCallTrace::makeRunner(const std::string& file) {
     const std::string strace = LUMORA_STRACE;
-    // Some machines have it and let nobody trace.
+    // Some machines have strace but do not permit tracing.
     if (strace.empty() || std::system(("'" + strace + "' -o /dev/null true 2>/dev/null").c_str()) != 0) {
         return {};
     }
-    // Names that a machine does not know are passed over. A leak check can't be made by who is traced.
+    // strace ignores names that a machine does not know. A traced process cannot run a leak check.
     return {strace,
             "-f",
             "-qq",
@@ -68,7 +68,7 @@ SystemCallTrace::SystemCallTrace(const std::string& file) {
     }
 }
 
-/// A line is "PID NAME(FIRST, ...) = RESULT".
+/// Parses a line: "PID NAME(FIRST, ...) = RESULT".
 void SystemCallTrace::read(const std::string& line) {
     const auto nameAt = line.find_first_not_of("0123456789 ");
     const auto bracket = line.find('(');

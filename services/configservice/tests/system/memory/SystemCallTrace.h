@@ -6,21 +6,22 @@
 
 namespace memory_test {
 
-/// All that a process handed to the system, as strace saw it.
+/// All data that a process passed to system calls, recorded by strace.
 class SystemCallTrace {
 public:
-    /// What runs a program under strace and writes the trace to `file`; empty where that can't be done.
+    /// Returns the command that runs a program under strace and writes the trace to `file`, or nothing if strace does
+    /// not work here.
     static std::vector<std::string> makeRunner(const std::string& file);
 
     /// Reads the trace of a process that has ended.
     explicit SystemCallTrace(const std::string& file);
 
-    /// The texts and bytes of all calls, in one piece for each descriptor or name they went to, by the operation that
-    /// the process had announced on its standard output ("" before the first).
+    /// Returns the texts and bytes of all calls, joined per descriptor or name, by the operation that the process had
+    /// announced on its standard output ("" before the first).
     const std::map<std::string, std::map<std::string, std::string>>& getOperations() const { return operations; }
-    /// The calls of these names.
+    /// Returns the number of calls with this name.
     std::size_t countCalls(const std::string& name) const;
-    /// Calls by which bytes could have left without being seen, or that strace showed cut short.
+    /// Returns the calls that may have sent bytes which strace did not show or truncated.
     const std::vector<std::string>& getUnseen() const { return unseen; }
 
 private:

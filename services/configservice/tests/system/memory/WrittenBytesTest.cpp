@@ -18,7 +18,7 @@ using testing::IsEmpty;
 
 namespace {
 
-/// What the system is handed by a process that is told a secret and takes it through its operations.
+/// Checks what a process passes to the system after it has received a secret and used it in its operations.
 class WrittenBytesTest : public testing::Test {
 protected:
     void SetUp() override {
@@ -36,7 +36,7 @@ protected:
         return SystemCallTrace(file);
     }
 
-    /// The operations, in order of their names, in which any piece of the secret was handed over in any form.
+    /// Returns the operations, sorted by name, that passed any piece of the secret in any form.
     std::vector<std::string> findSecret(const SystemCallTrace& trace) const {
         std::vector<std::string> found;
         for (const auto& [operation, targets] : trace.getOperations()) {
@@ -74,7 +74,7 @@ TEST_F(WrittenBytesTest, NoOperationHandsASecretToTheSystemInTheClear) {
     const auto seen = trace("operations");
     EXPECT_THAT(findSecret(seen), IsEmpty());
     EXPECT_THAT(seen.getUnseen(), IsEmpty());
-    // What was to be written was.
+    // All expected writes have happened.
     for (const auto* operation : {"persist", "backup", "cached copy", "provisioning"}) {
         EXPECT_TRUE(wrote(seen, operation, "LUMS")) << operation;
     }

@@ -12,7 +12,7 @@ namespace memory_test {
 
 namespace {
 
-// The library takes plain functions, so what they know can't be members.
+// Not members, because the library takes plain functions.
 struct Watch {
     std::string text;
     std::size_t found = 0;
@@ -21,7 +21,7 @@ struct Watch {
 
 Watch* watch = nullptr;
 
-/// In front of each block.
+/// Precedes each block.
 struct alignas(std::max_align_t) Head {
     std::size_t size;
 };
@@ -42,7 +42,7 @@ void look(void* block) {
 }
 
 void* allocate(std::size_t size) {
-    void* const memory = std::calloc(1, sizeof(Head) + size); // bytes of other blocks are none of its own
+    void* const memory = std::calloc(1, sizeof(Head) + size); // zeroed, so that it contains no bytes of earlier blocks
     if (memory == nullptr) {
         return nullptr;
     }
@@ -56,7 +56,7 @@ void release(void* block) {
     }
 }
 
-/// Always moves, as any growth may.
+/// Always moves, as any reallocation may.
 void* grow(void* block, std::size_t size) {
     void* const larger = allocate(size);
     if (block != nullptr && larger != nullptr) {

@@ -5,8 +5,8 @@
 
 namespace memory_test {
 
-/// Counts the blocks that libxml2 gives back, or moves away from by growing, while a text stands in them. One at a
-/// time; for a program that has not used the library before main(), on one thread.
+/// Counts the blocks that still contain a text when libxml2 frees or reallocates them. Only one object at a time; for a
+/// program that has not used the library before main(), on one thread.
 class XmlFreedBlocks {
 public:
     explicit XmlFreedBlocks(const std::string& text);
@@ -14,9 +14,9 @@ public:
     XmlFreedBlocks(const XmlFreedBlocks&) = delete;
     XmlFreedBlocks& operator=(const XmlFreedBlocks&) = delete;
 
-    /// Those with the text.
+    /// Returns the number of freed blocks that contained the text.
     std::size_t count() const;
-    /// All of them.
+    /// Returns the number of all freed blocks.
     std::size_t countAll() const;
 };
 

@@ -23,7 +23,8 @@ namespace {
 
 const std::string secret = "planted secret";
 
-/// The private operation of this name: what parses a text keeps a copy of all of it, which is not the tree's.
+/// Calls the private operation of this name: parsing a text would add a copy of all of it, which is not part of the
+/// tree.
 bool parseDocument(const XmlDocument& document, ConfigMap& values, ConfigKeySet& sensitiveKeys);
 
 template <auto operation>
@@ -33,10 +34,10 @@ struct PrivateOperation {
     }
 };
 
-// The arguments of an explicit instantiation may name what is private.
+// Explicit instantiation may name private members.
 template struct PrivateOperation<&XmlConfigParser::parseXmlConfig>;
 
-/// The secret again and again, in at least that many bytes.
+/// Returns the secret repeated to at least this number of bytes.
 std::string secretOf(std::size_t bytes) {
     std::string text = secret;
     while (text.size() < bytes) {
@@ -49,8 +50,8 @@ std::wstring wideSecretOf(std::size_t bytes) {
     return KyrCoreUtils::toWideString(secretOf(bytes));
 }
 
-/// In how many blocks the secret stands that go with a tree, and with what is read out of it. The only key is to get
-/// the secret.
+/// Returns the number of blocks with the secret that are freed together with a tree and the values read from it. The
+/// only key has the secret as its value.
 std::size_t countBehindTree(const std::string& element) {
     XmlDocument document = XmlReader::readMemory("<a><g>" + element + "</g></a>", "test");
     const XmlFreedBlocks freed(secret);

@@ -8,7 +8,8 @@
 
 namespace config_model {
 
-/// Small choices out of bytes, so that a seed and a fuzzer drive the same generator. Zero when the bytes have run out.
+/// Converts bytes to small choices, so that a seed and a fuzzer use the same generator. Returns zeroes after the last
+/// byte.
 class ByteSource {
 public:
     explicit ByteSource(std::span<const std::uint8_t> source) : bytes(source) {}
@@ -23,7 +24,7 @@ public:
         return choice;
     }
     bool flip() { return below(2) == 1; }
-    /// True once in so many times.
+    /// Returns true once in `times` calls on average.
     bool oneIn(std::size_t times) { return below(times) + 1 == times; }
     template <class Range>
     const auto& pick(const Range& range) {

@@ -7,7 +7,7 @@
 
 namespace config_model {
 
-/// The names in a folder, sorted; none when it is missing.
+/// Returns the sorted names in a folder, or nothing if the folder does not exist.
 inline std::vector<std::string> listFolder(const std::filesystem::path& folder) {
     std::vector<std::string> names;
     if (std::filesystem::exists(folder)) {

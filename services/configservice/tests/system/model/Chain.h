@@ -8,7 +8,7 @@
 
 namespace config_model {
 
-/// What a lookup of the value in force answers.
+/// The result of a lookup of the effective value.
 struct Reading {
     bool found = false;
     std::wstring value;
@@ -16,7 +16,7 @@ struct Reading {
     bool fromLegacyKey = false;
 };
 
-/// What the reading beneath the user's settings answers.
+/// The result of a lookup of the original value, without the user's settings.
 struct OriginalReading {
     bool hasOverride = false;
     std::wstring value;
@@ -24,7 +24,7 @@ struct OriginalReading {
     bool fromLegacyKey = false;
 };
 
-/// What onConfigAddedOrUpdated() says.
+/// The arguments of onConfigAddedOrUpdated().
 struct Change {
     std::wstring key;
     std::wstring value;
@@ -36,7 +36,7 @@ struct Change {
     bool deferFire = false;
 };
 
-/// A chain of stores as a script drives it: the model, or the product's manager behind the same operations.
+/// The operations of a chain that a script calls. Implemented by the model and by the product's manager.
 class Chain {
 public:
     virtual ~Chain() = default;
@@ -47,13 +47,13 @@ public:
     virtual void removeNonLocalStores() = 0;
     virtual void destroyStores() = 0;
     virtual bool hasStore(const std::string& name) = 0;
-    /// The name in the store's own spelling; empty when there is none.
+    /// Returns the name in the store's own spelling, or "" if there is no such store.
     virtual std::string findStore(const std::string& name) = 0;
 
-    /// The observers have numbers; number 0 is the null one.
+    /// Observers have numbers; number 0 is null.
     virtual void registerStoreObserver(std::size_t number) = 0;
     virtual void unregisterStoreObserver(std::size_t number) = 0;
-    /// The observer dies, and another one takes its number.
+    /// Destroys the observer and registers another one under its number.
     virtual void renewStoreObserver(std::size_t number) = 0;
 
     virtual Reading getValue(const std::wstring& key, bool skipLocal, const std::string& filter) = 0;
@@ -73,23 +73,23 @@ public:
     virtual void removeAllCachedStores() = 0;
     virtual bool removeCachedFiles(const std::string& fileName) = 0;
 
-    /// From here on the machine is, or is not, in the FIPS mode.
+    /// Sets the FIPS mode of the machine.
     virtual void setFipsMode(bool on) = 0;
-    /// Puts a file in the folder of cached copies.
+    /// Creates a file in the folder of cached copies.
     virtual void placeCachedFile(const std::string& fileName) = 0;
     virtual std::vector<std::string> listCachedFiles() = 0;
 
-    /// The names of the background tasks that wait, in order; and their run, which says what they did by `told`.
+    /// Returns the names of the pending background tasks, in order. Running them reports their effects through `told`.
     virtual std::vector<std::string> getTaskNames() = 0;
     virtual void runTasks() = 0;
-    /// What was logged since the last call.
+    /// Returns the lines logged since the last call.
     virtual std::vector<std::string> takeLog() = 0;
 
-    /// The announcements.
+    /// Called for each announcement.
     std::function<void(const Change&)> changed;
     std::function<void(const std::wstring& key)> mayFire;
     std::function<void(const std::wstring& key)> madeSensitive;
-    /// Hears what stores and store-added observers were asked to do.
+    /// Called for each operation on stores and store-added observers.
     std::function<void(const std::string& line)> told;
 };
 

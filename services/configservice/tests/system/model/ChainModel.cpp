@@ -24,7 +24,7 @@ std::string withExtension(const std::string& fileName, const std::string& extens
 
 } // namespace
 
-// How stores arrive and leave.
+// Arrival and removal of stores.
 
 void ChainModel::addStore(const Store& store) {
     const auto& name = store->shape.name;
@@ -128,7 +128,7 @@ ChainModel::Store ChainModel::getStoreByName(const std::string& name) {
     return nullptr;
 }
 
-// What observers are told.
+// Announcements.
 
 void ChainModel::fireConfigChange(const std::wstring& key, bool deferFire) {
     const auto reading = getValue(key, false, "");
@@ -239,7 +239,7 @@ bool ChainModel::removeCachedFile(const std::string& fileName) {
     return true;
 }
 
-// Work for later.
+// Background tasks.
 
 void ChainModel::persistLater(const Store& store) {
     tasks.push_back({"ConfigStore::persistValues", [this, store] {

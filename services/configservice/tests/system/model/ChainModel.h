@@ -12,7 +12,7 @@
 
 namespace config_model {
 
-/// The rules of the chain written down a second time, as plainly as they can be said: no lock, no index, no cache.
+/// A second implementation of the rules of the chain, as simple as possible: no lock, no index, no cache.
 class ChainModel final : public Chain {
 public:
     void addStore(const StoreShape& shape) override { addStore(std::make_shared<ModelStore>(shape)); }
@@ -55,11 +55,11 @@ public:
     std::vector<std::string> takeLog() override { return std::exchange(log, {}); }
 
     using Store = std::shared_ptr<ModelStore>;
-    /// For the model of what stands above the chain.
+    /// For the model of the service.
     void addStore(const Store& store);
     void updateExistingStore(const Store& store, const std::vector<std::wstring>& oldKeys);
     Store getStoreByName(const std::string& name);
-    /// What a store's own file takes when the store is persisted.
+    /// Called when a store is persisted, to write the store's file.
     std::function<void(ModelStore&)> persisted;
 
 private:
@@ -76,7 +76,7 @@ private:
 
     std::vector<Store> chain;
     std::vector<std::wstring> sensitiveKeys;
-    /// Serial numbers: an observer that died keeps its place in the list.
+    /// Serial numbers: a destroyed observer keeps its place in the list.
     std::vector<std::size_t> storeObservers;
     std::size_t serials[4] = {0, 1, 2, 3};
     std::size_t nextSerial = 4;

@@ -6,7 +6,7 @@
 
 namespace config_model {
 
-// How a key becomes a value.
+// Lookup of values.
 
 Reading ChainModel::lookupInStores(const std::wstring& key, bool skipLocal, const std::string& filter) {
     Reading reading;

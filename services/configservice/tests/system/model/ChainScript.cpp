@@ -37,7 +37,7 @@ std::string answer(bool yes) {
 ChainScript::ChainScript(Chain& subject) : chain(subject) {
     chain.changed = [this](const Change& change) { heard(change.key, describe(change)); };
     chain.mayFire = [this](const std::wstring& key) { heard(key, "fire " + narrow(key)); };
-    // The chain's lock is not held here, and must not be taken: the observer reads nothing.
+    // The caller does not hold the chain's lock here, and the observer must not acquire it: it reads nothing.
     chain.madeSensitive = [this](const std::wstring& key) { trace.push_back("  sensitive " + narrow(key)); };
     chain.told = [this](const std::string& line) { trace.push_back("  told: " + line); };
     chain.takeLog();

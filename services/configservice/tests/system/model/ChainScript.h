@@ -9,17 +9,17 @@
 
 namespace config_model {
 
-/// Makes the calls of steps on a chain, and writes down everything that can be seen of them.
+/// Calls the steps on a chain and records all observable effects.
 class ChainScript {
 public:
     explicit ChainScript(Chain& subject);
     ChainScript(const ChainScript&) = delete;
     ChainScript& operator=(const ChainScript&) = delete;
 
-    /// The answer, the announcements and what their observer could read meanwhile, what stores were asked to do, the
-    /// background tasks, the log and the cached files.
+    /// Performs the step. Returns the result, the announcements and the values that their observer read meanwhile, the
+    /// calls to stores, the background tasks, the log and the cached files.
     std::vector<std::string> perform(const ChainStep& step);
-    /// Every key read in every way.
+    /// Returns the value of every key, read in every way.
     std::vector<std::string> readEverything();
 
 private:
@@ -32,8 +32,8 @@ private:
     std::size_t announcements = 0;
 };
 
-/// The steps on the model and on the product's manager. Empty when both do the same; else the steps up to the first
-/// difference, and the difference. A TemporaryProfile must live.
+/// Performs the steps on the model and on the product's manager. Returns "" if both behave alike, otherwise the steps
+/// up to the first difference, and the difference. A TemporaryProfile must exist.
 std::string compareChains(std::span<const ChainStep> steps);
 
 } // namespace config_model

@@ -13,7 +13,7 @@ using Kind = ChainStep::Kind;
 
 constexpr std::size_t mostSteps = 200;
 
-// A kind that stands more often is chosen more often.
+// A kind that is listed more often is chosen more often.
 constexpr Kind kinds[] = {
     Kind::AddStore,
     Kind::AddStore,
@@ -55,7 +55,8 @@ constexpr Kind kinds[] = {
     Kind::PlaceCachedFile,
 };
 
-// What an observer does meanwhile. The chain itself may change only where no walk over it is under way.
+// The calls that an observer makes during an announcement. They may change the chain only while no lookup is in
+// progress.
 constexpr Kind nestedKinds[] = {Kind::StoreValue,       Kind::SetInMemoryValue, Kind::RemoveValue,
                                 Kind::GetOriginalValue, Kind::AddStore,         Kind::RemoveStore};
 constexpr std::size_t nestedKindsThatKeepTheChain = 4;
@@ -69,7 +70,7 @@ StoreShape readShape(ByteSource& bytes) {
     shape.name = bytes.pick(vocabulary::storeNames);
     shape.priority = bytes.pick(vocabulary::priorities);
     const auto flags = bytes.below(64);
-    // The volatile store is the product's own, most of the time.
+    // Mostly the product's own volatile store.
     const bool memory = shape.name == "InMemoryConfigStore" ? flags < 48 : flags < 4;
     if (memory) {
         shape.kind = StoreShape::Kind::Memory;

@@ -9,7 +9,7 @@
 
 namespace config_model {
 
-/// One call on a chain, with all it needs; what a kind does not need stays empty.
+/// One call on a chain with all its arguments. Members that a kind does not use are empty.
 struct ChainStep {
     enum class Kind {
         AddStore,
@@ -46,7 +46,7 @@ struct ChainStep {
     Pairs pairs;
     std::size_t number = 0;
     bool flag = false;
-    /// Made by an observer from inside the announcement of that number, counted from 1.
+    /// Called by an observer during the announcement of this number, counted from 1.
     std::size_t nestedAt = 0;
     std::vector<ChainStep> nested;
 };

@@ -8,8 +8,8 @@
 
 namespace config_model {
 
-/// Empty when the lines are the same; else those both say, those of the model, and those of the product, where the
-/// lines that end both alike are left out.
+/// Returns "" if the lines are equal. Otherwise returns the common first lines, those of the model and those of the
+/// product, without the common last lines.
 inline std::string describeDifference(std::vector<std::string> model, std::vector<std::string> product) {
     if (model == product) {
         return "";
@@ -30,7 +30,7 @@ inline std::string describeDifference(std::vector<std::string> model, std::vecto
     return text;
 }
 
-/// Performs the steps on both sides until their traces differ. The readers read all there is to read at the end.
+/// Performs the steps on both sides until their traces differ. At the end, compares everything that can be read.
 template <class Step>
 std::string compare(std::span<const Step> steps, auto&& performOnModel, auto&& performOnProduct, auto&& readModel,
                     auto&& readProduct) {
@@ -46,7 +46,7 @@ std::string compare(std::span<const Step> steps, auto&& performOnModel, auto&& p
     return difference.empty() ? "" : story + "(everything read)\n" + difference;
 }
 
-/// The fewest steps, by leaving out ever smaller runs of them, that still make a difference.
+/// Returns the smallest sequence of steps that still shows a difference, found by removing ever shorter runs of steps.
 template <class Step>
 std::vector<Step> shrink(std::vector<Step> steps, auto&& differs) {
     for (std::size_t run = steps.size(); run > 0; run /= 2) {

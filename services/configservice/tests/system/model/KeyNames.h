@@ -4,7 +4,7 @@
 
 namespace config_model {
 
-/// The name that took the place of this key, or the name that this key took the place of; empty when there is none.
+/// Return the new name of an old one, or the old name of a new one; empty if there is none.
 std::wstring findNewName(const std::wstring& key);
 std::wstring findOldName(const std::wstring& key);
 

@@ -25,7 +25,7 @@ std::shared_ptr<ConfigStore> makeStore(const StoreShape& shape) {
 
 } // namespace
 
-/// Tells each property that the record of its key fires.
+/// Reports each property that the record of its key fires.
 class LoadedService::RecordObserver final : public ConfigValueObserver {
 public:
     RecordObserver(const LoadedService& owner, std::wstring itsKey) : subject(owner), key(std::move(itsKey)) {}

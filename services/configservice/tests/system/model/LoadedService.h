@@ -15,8 +15,8 @@
 
 namespace config_model {
 
-/// The product behind the operations of a service, on a factory without threads: the caller's thread is the services
-/// dispatcher's. One at a time.
+/// The product's service for scripts, on a factory without threads: the caller's thread is the services dispatcher's.
+/// Only one object at a time.
 class LoadedService final : public Service {
 public:
     explicit LoadedService(const Pairs& shippedDefaults);
@@ -71,7 +71,7 @@ private:
     void runTasks() { factory->backgroundDispatcher->runAll(); }
 
     const testing_host::TemporaryProfile profile;
-    const testing_host::ManualClock clock; ///< Never advanced: no backup is written.
+    const testing_host::ManualClock clock; ///< Never advanced, so no backup is written.
     testing_host::InMemoryRegistry::Installed registry;
     std::shared_ptr<testing_host::RecordingFactory> factory = std::make_shared<testing_host::RecordingFactory>();
     std::shared_ptr<ZelUnified::ConfigAdapter> adapter;

@@ -14,7 +14,7 @@ namespace config_model {
 
 using namespace ZelUnified;
 
-/// Tells the name of each store that arrived, and its own number.
+/// Reports the name of each arriving store, and its own number.
 class ManagerChain::StoreObserver final : public ConfigStoreAddedObserver {
 public:
     StoreObserver(const ManagerChain& owner, std::size_t itsNumber) : chain(owner), number(itsNumber) {}

@@ -13,8 +13,8 @@
 
 namespace config_model {
 
-/// The product's manager behind the operations of a chain, on a factory without threads. One at a time, while a
-/// TemporaryProfile lives.
+/// The product's manager for scripts, on a factory without threads. Only one object at a time, while a TemporaryProfile
+/// exists.
 class ManagerChain final : public Chain, private ZelUnified::ConfigStoreManager_Observer {
 public:
     ManagerChain();

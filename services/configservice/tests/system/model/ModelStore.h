@@ -9,7 +9,7 @@ namespace config_model {
 
 using Pairs = std::vector<std::pair<std::wstring, std::wstring>>;
 
-/// Upper and lower case fold for ASCII alone: the generators use nothing else.
+/// Folds ASCII only: the generators use nothing else.
 template <class Character>
 Character fold(Character character) {
     return character >= 'A' && character <= 'Z' ? static_cast<Character>(character - 'A' + 'a') : character;
@@ -21,10 +21,10 @@ std::wstring toSmallLetters(std::wstring_view text);
 std::string narrow(std::wstring_view text);
 std::wstring widen(std::string_view text);
 
-/// What a store is like, for the model and for who makes the real one.
+/// The properties of a store, for the model and for the construction of the real store.
 struct StoreShape {
     enum class Kind {
-        Foreign, ///< Another service's, its flags as below.
+        Foreign, ///< A store of another service, with the flags below.
         Memory,
         UserFile,
         Defaults,
@@ -43,12 +43,12 @@ struct StoreShape {
     bool refusesWrites = false;
 };
 
-/// A store as a sorted list that is searched from its front.
+/// A store as a sorted list with linear search.
 class ModelStore {
 public:
     explicit ModelStore(const StoreShape& form);
 
-    /// On a miss the value is what such a store leaves behind, which in the FIPS mode need not be nothing.
+    /// If the key is missing, `value` is what such a store leaves in it, which may be non-empty in FIPS mode.
     bool getValue(const std::wstring& key, std::wstring& value, bool fips) const;
     bool storeValue(const std::wstring& key, const std::wstring& value);
     bool removeValue(const std::wstring& key);
@@ -58,7 +58,7 @@ public:
 
     StoreShape shape;
     bool destroyed = false;
-    Pairs lastPersisted; ///< What went to the store's own file.
+    Pairs lastPersisted; ///< The last content of the store's file.
 
 private:
     void put(const std::wstring& key, const std::wstring& value);

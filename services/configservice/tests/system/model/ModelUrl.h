@@ -6,7 +6,7 @@
 
 namespace config_model {
 
-/// The settings in a provisioning URL, in the spelling of the URL; the last one of a repeated key counts.
+/// Returns the settings of a provisioning URL in its spelling. The last setting of a repeated key wins.
 Pairs readProvisioningUrl(const std::wstring& url);
 
 } // namespace config_model

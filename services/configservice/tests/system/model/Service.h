@@ -8,7 +8,7 @@
 
 namespace config_model {
 
-/// What a record of one key shows.
+/// The properties of the record of one key.
 struct RecordView {
     std::wstring key;
     std::wstring value;
@@ -19,13 +19,13 @@ struct RecordView {
     std::wstring originalValueStoreName;
 };
 
-/// The whole service on a profile of its own as a script drives it: the model, or the product. Nothing is loaded until
-/// restart(); what was queued has run whenever a call returns.
+/// The operations of the whole service on a temporary profile that a script calls. Implemented by the model and by the
+/// product. Nothing is loaded until restart(). Each call runs all queued tasks before it returns.
 class Service {
 public:
     virtual ~Service() = default;
 
-    /// Ends the run, if there is one, and begins the next on the same profile. The records of the keys are watched.
+    /// Ends the current run, if any, and starts the next one on the same profile. Observes the records of the keys.
     virtual void restart(const std::vector<std::wstring>& watchedKeys) = 0;
     virtual void start() = 0;
     virtual void stop() = 0;
@@ -52,19 +52,19 @@ public:
     virtual bool provision(const std::wstring& url) = 0;
     virtual bool resetProvisioning() = 0;
     virtual void setKeySensitive(const std::wstring& key) = 0;
-    /// As the feature set says, and as the service says.
+    /// Returns the answers of the feature set and of the service.
     virtual bool isKeySensitive(const std::wstring& key) = 0;
     virtual bool isRecordSensitive(const std::wstring& key) = 0;
     virtual bool isStarted() = 0;
 
-    /// What the platform has: the policy takes effect when the registry is read again.
+    /// Sets a value of the platform's policy. It takes effect when the registry is read again.
     virtual void setPolicy(const std::wstring& key, const std::wstring& value) = 0;
     virtual void setFipsMode(bool on) = 0;
 
     virtual RecordView getRecord(const std::wstring& key) = 0;
     virtual std::vector<std::string> listCachedFiles() = 0;
 
-    /// Hears each property that a watched record fires.
+    /// Called for each property that an observed record fires.
     std::function<void(const std::wstring& key, const std::string& property)> fired;
 };
 

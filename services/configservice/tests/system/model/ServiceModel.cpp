@@ -37,7 +37,7 @@ std::string copyNameOf(const std::string& storeName) {
 
 } // namespace
 
-// Runs.
+// Start and stop.
 
 void ServiceModel::restart(const std::vector<std::wstring>& watchedKeys) {
     connect();
@@ -139,7 +139,7 @@ void ServiceModel::resetAllData() {
     refresh();
 }
 
-// The stores.
+// Stores.
 
 void ServiceModel::addMemoryStore() {
     chain->addStore(
@@ -232,7 +232,7 @@ void ServiceModel::cacheStore(const ModelStore& store) {
     }
     const auto fileName = copyNameOf(store.shape.name);
     copies[fileName] = store.shape.pairs;
-    // The record may be written to that very store: the copy has what was there before.
+    // The record may be written to the same store, so the copy contains the values before that write.
     writeRecord(store.shape.name, store.getCachedPriority());
     chain->placeCachedFile(fileName);
     chain->removeStore(fileName);
@@ -262,7 +262,7 @@ bool ServiceModel::removeStore(const std::string& name) {
 }
 
 void ServiceModel::setMdmConfig(const Pairs& pairs) {
-    // The first of two elements of one key counts, unlike everywhere else.
+    // Unlike elsewhere, the first of two elements of one key wins.
     chain->addStore(StoreShape{.kind = Kind::DeviceManagement,
                                .name = "MdmConfigStore",
                                .priority = 500,

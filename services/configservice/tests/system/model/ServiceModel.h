@@ -12,8 +12,8 @@
 
 namespace config_model {
 
-/// The rules of what stands above the chain written down a second time: which stores there are and when, what is kept
-/// from run to run, the started guard, the policy switches, the derived flags.
+/// A second implementation of the rules of the service: which stores exist and when, what persists between runs, the
+/// started guard, the policy switches, the derived flags.
 class ServiceModel final : public Service {
 public:
     explicit ServiceModel(Pairs shippedDefaults) : defaults(std::move(shippedDefaults)) {}
@@ -75,17 +75,17 @@ private:
     void deriveFlag(const std::wstring& key, bool flag);
     bool hasCachedServerData();
     std::wstring valueOf(const std::wstring& key) { return chain->getValue(key, false, "").value; }
-    /// As a document of keys comes back: the keys in small letters, and what the FIPS mode makes of them.
+    /// Returns the pairs as they are read from a document: keys in lower case, and changed as FIPS mode requires.
     Pairs readBack(const Pairs& pairs) const;
 
     const Pairs defaults;
-    // What outlives a run.
+    // State that survives a run.
     Pairs policy;
     Pairs userFile;
     std::map<std::string, Pairs> copies;
     std::vector<std::string> cachedFiles;
     bool fips = false;
-    // The run.
+    // State of the current run.
     std::unique_ptr<ChainModel> chain;
     ServiceRecords records;
     std::vector<std::wstring> sensitiveRecords;

@@ -13,7 +13,7 @@ namespace config_model {
 
 namespace {
 
-// 2,000 sequences in all; each case is a process of its own under ctest.
+// 2,000 sequences in total; under ctest each case is a separate process.
 constexpr std::uint32_t cases = 20;
 constexpr std::uint32_t sequencesOfOneCase = 100;
 constexpr std::size_t bytesForOneSequence = 80;

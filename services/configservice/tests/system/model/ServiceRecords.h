@@ -9,7 +9,7 @@
 
 namespace config_model {
 
-/// The model of the records: what the service makes of the chain's announcements.
+/// The model of the records, updated by the chain's announcements.
 class ServiceRecords {
 public:
     void change(const Change& change, bool fips);
@@ -21,7 +21,7 @@ public:
 
 private:
     struct Record : RecordView {
-        /// Properties that changed and were not yet shown.
+        /// Changed properties that have not fired yet.
         std::vector<std::string> pending;
     };
 

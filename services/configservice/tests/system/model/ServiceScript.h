@@ -9,7 +9,7 @@
 
 namespace config_model {
 
-/// Makes the calls of steps on a service, and writes down everything that can be seen of them.
+/// Calls the steps on a service and records all observable effects.
 class ServiceScript {
 public:
     /// Loads the service.
@@ -17,9 +17,10 @@ public:
     ServiceScript(const ServiceScript&) = delete;
     ServiceScript& operator=(const ServiceScript&) = delete;
 
-    /// The answer, what the watched records fired, and what they and the folder of copies hold then.
+    /// Performs the step. Returns the result, the properties that the observed records fired, and the contents of the
+    /// records and of the folder of copies.
     std::vector<std::string> perform(const ServiceStep& step);
-    /// Every key read in every way.
+    /// Returns the value of every key, read in every way.
     std::vector<std::string> readEverything();
 
 private:
@@ -31,8 +32,8 @@ private:
     std::vector<std::string> trace;
 };
 
-/// The steps on the model and on the product. Empty when both do the same; else the steps up to the first difference,
-/// and the difference.
+/// Performs the steps on the model and on the product. Returns "" if both behave alike, otherwise the steps up to the
+/// first difference, and the difference.
 std::string compareServices(std::span<const ServiceStep> steps);
 
 } // namespace config_model

@@ -12,7 +12,7 @@ using Kind = ServiceStep::Kind;
 
 constexpr std::size_t mostSteps = 100;
 
-// A kind that stands more often is chosen more often.
+// A kind that is listed more often is chosen more often.
 constexpr Kind kinds[] = {
     Kind::Restart,
     Kind::Restart,

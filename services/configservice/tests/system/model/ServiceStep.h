@@ -9,7 +9,7 @@
 
 namespace config_model {
 
-/// One call on the service, with all it needs; what a kind does not need stays empty.
+/// One call on the service with all its arguments. Members that a kind does not use are empty.
 struct ServiceStep {
     enum class Kind {
         Restart,

@@ -6,15 +6,15 @@
 
 namespace config_model {
 
-/// The record of cached stores, as pairs of name and priority.
+/// Parses the record of cached stores into pairs of name and priority.
 Pairs readRecord(const std::wstring& text);
 int readPriority(const std::wstring& text);
 
-/// The record with an entry more, or without the first entry that mentions the store.
+/// Return the record with one more entry, or without the first entry that mentions the store.
 std::wstring recordWith(const std::wstring& text, const std::string& name, int priority);
 std::wstring recordWithout(std::wstring text, const std::string& name);
 
-/// Returns false if ".." stands between the separators of the name: such a store has no copy on the disk.
+/// Returns false if the name contains ".." as a path component: such a store has no copy on the disk.
 bool mayHaveCopy(std::string storeName);
 
 } // namespace config_model

@@ -12,7 +12,7 @@
 
 namespace config_model {
 
-/// Another service's store of a given shape. It tells when it is persisted or destroyed.
+/// A store of another service with the given shape. Reports when it is persisted or destroyed.
 class TracedConfigStore final : public ZelUnified::ConfigStore {
 public:
     TracedConfigStore(StoreShape form, std::function<void(const std::string&)> listener)

@@ -9,7 +9,8 @@
 
 namespace config_model {
 
-/// While it lives no protected write waits for the disk: thousands of sequences write, and none survives its process.
+/// Makes protected writes skip syncs during its lifetime: thousands of sequences write files, and none is used by a
+/// later process.
 class UnsyncedFiles {
 public:
     UnsyncedFiles() { zel::storage::EncryptFileUtils::overrideFileLayer(std::make_shared<Layer>()); }

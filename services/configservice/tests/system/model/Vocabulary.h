@@ -6,7 +6,7 @@
 #include <limits>
 #include <string>
 
-/// What the generators choose from: few words, so that they meet.
+/// The words of the generators: few, so that equal ones meet.
 namespace config_model::vocabulary {
 
 inline const std::wstring keys[] = {
@@ -72,7 +72,7 @@ inline const std::wstring urls[] = {
     L"",
 };
 
-// Of the service as a whole. The keys are names that a document can carry.
+// For the whole service. The keys are valid names of elements.
 
 inline const std::wstring serviceKeys[] = {
     L"TftpServer1",
@@ -123,7 +123,7 @@ inline const std::string serviceStores[] = {
     "lumora-config-defaults.xml",
 };
 
-/// New names and plain keys: no record bears an old name.
+/// New names and keys without an old name: no record has an old name.
 inline const std::wstring watchedRecords[] = {
     L"TFTPPrimaryServer",
     L"CTIPrimaryServer",

@@ -19,7 +19,7 @@ using Clock = std::chrono::steady_clock;
 constexpr std::uint32_t livesOfTheSuite = 4;
 constexpr std::size_t callsOfOneThread = 120;
 
-/// `./test stress` asks for a time; the suite is bounded by a count.
+/// Returns the duration set by `./test stress`; in the suite a count limits the test.
 std::chrono::seconds wantedTime() {
     const char* const text = std::getenv("LUMORA_STRESS_SECONDS");
     return std::chrono::seconds(text == nullptr ? 0 : std::atol(text));

@@ -20,7 +20,7 @@ using namespace ZelUnified;
 
 namespace {
 
-// In a store that nothing takes away: every reader finds it at any time.
+// In a store that is never removed: every reader finds it at any time.
 const std::wstring anchorKey = L"anchor";
 const std::wstring anchorValue = L"fixed";
 
@@ -35,7 +35,7 @@ std::shared_ptr<ConfigStore> makeStore(const StoreShape& shape) {
 
 } // namespace
 
-/// Does what an observer of a record may do.
+/// Calls the operations that an observer of a record may call.
 class ServiceUnderStress::RecordObserver final : public ConfigValueObserver {
 public:
     explicit RecordObserver(ServiceUnderStress& subject) : owner(subject) {}
@@ -51,7 +51,7 @@ private:
     ServiceUnderStress& owner;
 };
 
-/// Asks for what arrived.
+/// Reads the store that arrived.
 class ServiceUnderStress::ArrivalObserver final : public ConfigStoreAddedObserver {
 public:
     explicit ArrivalObserver(std::weak_ptr<ConfigAdapter> featureSet) : adapter(std::move(featureSet)) {}
@@ -207,7 +207,7 @@ void ServiceUnderStress::changeLife(ByteSource& bytes) {
 
 void ServiceUnderStress::react() {
     const int number = ++reactions;
-    // A change made here leads back here.
+    // A change made here calls this function again.
     if (++reactionDepth <= 2) {
         std::wstring value;
         adapter->getConfig(L"watched", value, number % 2 == 0);
@@ -247,7 +247,7 @@ void ServiceUnderStress::onDispatcher(const std::function<void()>& work) {
         try {
             work();
         } catch (const UpdateAccessError&) {
-            // After the end of the dispatcher no thread has access any more.
+            // After the dispatcher has ended, no thread has access any more.
         }
     };
     factory->getServicesDispatcher()->enqueueBlock(std::make_shared<KyrCoreUtils::FunctionTask>(guarded, "stress"),

@@ -18,24 +18,24 @@
 
 namespace config_model {
 
-/// One life of the service on real dispatchers: threads of every kind of caller at once, and an end in the middle of
-/// their work. Installs nothing: the caller holds the profile and the registry.
+/// Runs the service once on real dispatchers, with concurrent threads of every kind of caller, and ends it in the
+/// middle of their work. Installs nothing: the caller holds the profile and the registry.
 class ServiceUnderStress {
 public:
-    /// `seed` chooses what each thread does.
+    /// `seed` determines the calls of each thread.
     explicit ServiceUnderStress(std::uint32_t seed);
     ~ServiceUnderStress();
     ServiceUnderStress(const ServiceUnderStress&) = delete;
     ServiceUnderStress& operator=(const ServiceUnderStress&) = delete;
 
-    /// Each thread makes so many calls; the service is destroyed when half of all are made.
+    /// Each thread makes this number of calls. The service is destroyed after half of all calls.
     void live(std::size_t callsOfOneThread);
 
-    /// What was seen wrong.
+    /// Returns the violations found.
     std::vector<std::string> getComplaints() const;
-    /// How often observers of records were called.
+    /// Returns the number of calls to observers of records.
     int countReactions() const { return reactions; }
-    /// Lets go of everything; whether the service and its feature set died of it.
+    /// Releases everything. Returns true if that destroyed the service and its feature set.
     bool end();
 
 private:

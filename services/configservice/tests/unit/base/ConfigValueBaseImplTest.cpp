@@ -23,7 +23,8 @@ using configservice_test::RecordingValueObserver;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// Tells when the memory of a shared object is given back: once no weak pointer to it is left on any list.
+/// Reports when the memory of a shared object is freed, which happens after the last weak pointer to it is removed from
+/// every list.
 template <class T>
 class TellingAllocator {
 public:

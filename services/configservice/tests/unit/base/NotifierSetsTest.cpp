@@ -13,7 +13,7 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-/// What the notifiers of a set fired, in order.
+/// Records the firings of the notifiers of a set, in order.
 struct Follower {
     void follow(const std::shared_ptr<PropertyNotifier>& notifier, const std::string& property) {
         notifier->connect([this, property] { fired.push_back(property); });

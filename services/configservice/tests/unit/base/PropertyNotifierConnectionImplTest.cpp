@@ -67,7 +67,7 @@ TEST_F(PropertyNotifierConnectionImplTest, DisconnectingTwiceLeavesTheOthersAlon
 
 TEST_F(PropertyNotifierConnectionImplTest, SurvivesItsOwnDisconnectWhenTheListOwnsItAlone) {
     const auto captured = std::make_shared<int>(0);
-    // No weak handle is kept here: it would keep the memory, and a late write to it would go unnoticed.
+    // The test keeps no weak pointer: it would keep the memory allocated and hide a late write to it.
     auto connection = std::make_shared<Connection>([captured] {}, list);
     connection->connect();
     Connection& raw = *connection;

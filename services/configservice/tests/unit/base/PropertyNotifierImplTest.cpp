@@ -13,7 +13,7 @@
 namespace ZelUnified {
 namespace {
 
-/// Notes the names of the callbacks in the order of their calls.
+/// Records the names of the callbacks in call order.
 struct Calls {
     std::function<void()> note(std::string name) {
         return [this, name = std::move(name)] { names.push_back(name); };

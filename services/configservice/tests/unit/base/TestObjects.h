@@ -13,7 +13,7 @@
 
 namespace configservice_test {
 
-/// Notes which property was announced, and may react to it.
+/// Records which property was announced, and may react to it.
 class RecordingValueObserver final : public ZelUnified::ConfigValueObserver {
 public:
     void OnKeyChanged() override { hear("Key"); }
@@ -64,13 +64,13 @@ public:
     bool differsFromOriginal() override { return false; }
 };
 
-/// A record of the base class alone.
+/// A record with the base class only.
 class PlainRecord final : public RecordWithoutOperations {
 public:
     using RecordWithoutOperations::RecordWithoutOperations;
 };
 
-/// A service without any but the properties that all services share.
+/// A service with only the properties that all services share.
 class PlainService final : public ZelUnified::UnifiedServiceImpl {
 public:
     explicit PlainService(const std::shared_ptr<ZelUnified::UnifiedFactory>& factory)

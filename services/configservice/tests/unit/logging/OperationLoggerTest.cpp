@@ -3,6 +3,8 @@
 #include <LogRecorder.h>
 #include <gtest/gtest.h>
 
+#include <type_traits>
+
 namespace ZelUnified {
 
 TEST(OperationLogger, NamesTheFunctionOfAHelperAsAMemberOfItsClass) {
@@ -38,6 +40,10 @@ TEST(OperationLogger, WritesNarrowAndWideTextToTheLoggerOfItsClass) {
         EXPECT_EQ(record.file, "file");
         EXPECT_EQ(record.function, "ZelUnified::ConfigAdapter::call");
     }
+}
+
+TEST(OperationLogger, StaysUsableWhileStaticObjectsAreDestroyed) {
+    EXPECT_TRUE(std::is_trivially_destructible_v<OperationLogger>);
 }
 
 TEST(OperationLogger, TellsWhetherDebugLinesAreWritten) {

@@ -60,7 +60,7 @@ std::string attributeOf(const xmlNode* element, const char* name) {
     return take(xmlGetProp(element, reinterpret_cast<const xmlChar*>(name)));
 }
 
-/// One language's document.
+/// The document of one language.
 class EventDescriptions : public testing::TestWithParam<const char*> {
 protected:
     void SetUp() override { ASSERT_TRUE(found) << nameOf(GetParam()); }

@@ -15,7 +15,7 @@ std::string encode(const std::string& bytes, Encoding::LineBreaks lineBreaks = E
                                              lineBreaks);
 }
 
-/// A line of 72 characters, and what follows it.
+/// Returns a line of 72 characters followed by `rest`.
 std::string lineAnd(std::string_view rest) {
     return std::string(72, 'A').append(rest);
 }

@@ -26,7 +26,7 @@ TEST(CipherKey, StandsNowhereAsAWholeInTheProgram) {
     const CipherKey key;
     const std::string program = testing_host::readFile(std::filesystem::read_symlink("/proc/self/exe"));
     ASSERT_FALSE(program.empty());
-    // Half of it would be a find too: an optimiser that precomputes works on chunks.
+    // Searches for parts of the key too, because an optimiser may precompute it in chunks.
     for (const std::size_t at : {0U, 8U, 16U, 24U}) {
         EXPECT_EQ(program.find(std::string(reinterpret_cast<const char*>(key.data() + at), 8)), std::string::npos);
     }

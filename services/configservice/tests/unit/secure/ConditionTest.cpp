@@ -18,7 +18,7 @@ struct ConditionTest : testing::Test {
     int waiting = 0;
     int tickets = 0;
 
-    /// Waits for a ticket and takes it.
+    /// Starts a thread that waits for a ticket and removes it.
     std::future<void> startWaiter() {
         return std::async(std::launch::async, [this] {
             const Mutex::ScopedLock lock(mutex);

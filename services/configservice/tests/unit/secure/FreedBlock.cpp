@@ -7,7 +7,7 @@ namespace secure_test {
 
 namespace {
 
-// The operators below know no object, and keeping the content may itself allocate: so it goes where there is room.
+// A fixed buffer: the operators below have no object, and storing the content must not allocate.
 constexpr std::size_t room = 256;
 
 struct Watch {
@@ -17,7 +17,7 @@ struct Watch {
     char content[room] = {};
 };
 
-/// The last blocks that were allocated.
+/// The last allocated blocks.
 struct Allocations {
     struct Block {
         const void* place = nullptr;

@@ -6,10 +6,10 @@
 
 namespace secure_test {
 
-/// Returns the block of that size that new[] gave this thread last.
+/// Returns the last block of that size that new[] returned to this thread.
 const void* lastBlockOfSize(std::size_t size);
 
-/// Waits for one block of new[] to be freed and keeps what it holds at that moment. One at a time; this thread.
+/// Records the content of one block of new[] at the moment it is freed. Only one object at a time, on this thread.
 class FreedBlock {
 public:
     FreedBlock(const void* block, std::size_t size);
@@ -17,7 +17,7 @@ public:
     FreedBlock(const FreedBlock&) = delete;
     FreedBlock& operator=(const FreedBlock&) = delete;
 
-    /// nullopt while the block lives.
+    /// Returns nullopt while the block is allocated.
     std::optional<std::string> getContent() const;
 };
 

@@ -33,7 +33,7 @@ void takeTwoOfOneRank() {
 }
 
 #ifndef NDEBUG
-/// Reads the chain from where its lock must not be taken.
+/// Reads the chain from a callback that must not acquire its lock.
 class ReadingObserver final : public ZelUnified::ConfigStoreManager_Observer {
 public:
     explicit ReadingObserver(ZelUnified::ConfigStoreManager& subject) : manager(subject) {}

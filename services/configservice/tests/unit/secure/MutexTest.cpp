@@ -16,7 +16,7 @@ thread_local void* lastAllocation = nullptr;
 
 } // namespace
 
-/// Lets an allocation fail that is ready for it, and remembers the others.
+/// Makes a prepared allocation fail, and records the others.
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
     if (isMemoryShort) {
         return nullptr;
@@ -32,7 +32,7 @@ namespace {
 
 using zel::Mutex;
 
-/// Tries from another thread, where the recursion of this one does not help: counts on both sides of a lock.
+/// Returns true if another thread can acquire the mutex. On this thread the recursion would hide that it is held.
 bool isFree(Mutex& mutex) {
     std::promise<void> locked;
     auto tried = std::async(std::launch::async, [&] {
@@ -66,7 +66,7 @@ TEST(Mutex, KeepsOtherThreadsOut) {
     EXPECT_EQ(counter, 20'000);
 }
 
-/// A mutex whose platform lock is known. That one can be tried without waiting, so that a test sees whether it is held.
+/// A mutex with access to its platform lock, which a test can try without waiting to see whether it is held.
 struct ObservedMutex {
     bool isHeld() const {
         return std::async(std::launch::async,

@@ -20,7 +20,7 @@ using zel::WriteLock;
 
 constexpr std::chrono::seconds watchdog{20};
 
-/// The order in which things happened, to wait on.
+/// Records the order of events; a thread can wait for one.
 class Events {
 public:
     void add(const std::string& event) {
@@ -48,7 +48,7 @@ struct ReadWriteLockTest : testing::Test {
     ReadWriteLock lock;
     Events events;
 
-    /// False when the writer got in instead.
+    /// Returns false if the writer acquired the lock instead.
     bool waitForWaitingWriter() {
         while (lock.countWaitingWriters() == 0) {
             const auto seen = events.get();

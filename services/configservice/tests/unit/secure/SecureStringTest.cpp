@@ -34,7 +34,7 @@ std::string shownBy(const SecureString& secret) {
     return shown;
 }
 
-/// While it lives the library finds no cipher, as on a machine whose policy forbids all it has.
+/// Makes the library find no cipher during its lifetime, as on a machine whose policy forbids all of them.
 class NoCipher {
 public:
     NoCipher() { EVP_set_default_properties(nullptr, "provider=none"); }
@@ -205,7 +205,7 @@ TEST(SecureString, WipingZeroesTheBytesAndKeepsTheAllocation) {
     EXPECT_EQ(narrow.capacity(), capacity);
     EXPECT_EQ(narrow.data(), bytes);
     narrow.reserve(length);
-    // Within the capacity, so the bytes are the string's own; only resize() would overwrite them.
+    // The new size is within the capacity, so the bytes still belong to the string; only resize() would overwrite them.
     EXPECT_TRUE(std::all_of(bytes, bytes + length, [](char c) { return c == '\0'; }));
 }
 
@@ -227,7 +227,7 @@ TEST(SecureString, WipingWorksOnShortAndEmptyTexts) {
 }
 
 TEST(SecureString, ZeroesTheCiphertextAndTheVectorThatNewContentReplaces) {
-    // The sizes of the blocks, and how much of them the cipher filled.
+    // The block sizes, with the number of bytes that the cipher wrote.
     const std::map<std::size_t, std::size_t> blocks{{101 + 32, 112}, {16, 16}};
     for (const auto& [size, filled] : blocks) {
         SecureString secret(std::string(101, 'x'));

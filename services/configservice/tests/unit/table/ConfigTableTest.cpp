@@ -18,7 +18,7 @@ std::optional<std::wstring_view> find(const ConfigTable& table, const std::wstri
     return table.find(FoldedKey(key));
 }
 
-/// Each `step`th of the numbered keys, asked for in another case, has its number for a value.
+/// Expects each `step`th numbered key, in another case, to have its number as its value.
 void expectToHold(const ConfigTable& table, int from, int to, int step) {
     for (int i = from; i < to; i += step) {
         const std::wstring spelling = L"KEY" + std::to_wstring(i);
@@ -142,8 +142,8 @@ std::vector<std::wstring> toVector(const KeyList& keys) {
     return all;
 }
 
-/// Few keys, so that they meet, of all kinds: empty, with a zero, beyond ASCII and the basic plane, and longer than any
-/// usual one. In a spelling of chance.
+/// Returns one of a few keys of all kinds, so that equal ones meet: empty, with a zero, beyond ASCII and the basic
+/// plane, and very long. The case is random.
 std::wstring someKey(std::mt19937& chance) {
     static const std::vector<std::wstring> keys = {
         L"",
@@ -236,7 +236,7 @@ TEST(ConfigTable, TakesAPartOfAValueForTheNextOne) {
     table.store(L"k", find(table, L"k")->substr(3));
     EXPECT_EQ(*find(table, L"k"), L"3456789");
     table.store(L"other", L"0123456789ABCDEF");
-    table.store(L"k", *find(table, L"other")); // outgrows its room
+    table.store(L"k", *find(table, L"other")); // outgrows its capacity
     table.store(L"k", find(table, L"k")->substr(10));
     EXPECT_EQ(*find(table, L"k"), L"ABCDEF");
     table.store(L"new", *find(table, L"k"));

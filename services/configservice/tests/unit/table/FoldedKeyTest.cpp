@@ -41,7 +41,7 @@ TEST(FoldedKey, HashesKeysThatDifferInOneCharacterApart) {
     EXPECT_EQ(hashes.size(), key.size() * 10);
 }
 
-/// Texts around the borders of the letters, of the usual length and of what is well-formed.
+/// Returns texts at the limits of letters, of the usual length and of well-formed text.
 std::vector<std::wstring> oddTexts() {
     std::vector<std::wstring> texts{L"",
                                     L"a",
@@ -110,7 +110,7 @@ TEST(FoldedKey, SpreadsKeysThatDifferInTheUpperBitsOfTheirCharacters) {
     std::size_t count = 0;
     for (wchar_t first = 1; first <= 20; ++first) {
         for (wchar_t second = 1; second <= 20; ++second) {
-            // The same in the lower bits, which was all that counted once.
+            // The same in the lower bits, because only they counted in an earlier hash.
             const auto shifted = [](wchar_t number) { return static_cast<wchar_t>(0x3400 + number * 0x400); };
             const std::wstring key = std::wstring(L"aaa") + shifted(first) + L"bbb" + shifted(second);
             hashes.insert(FoldedKey(key).getHash());

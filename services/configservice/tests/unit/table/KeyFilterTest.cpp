@@ -40,7 +40,7 @@ int countHeld(const KeyFilter& filter, int from, int to) {
     return held;
 }
 
-/// Whether it had to.
+/// Returns true if the filter had to grow.
 bool growsFor(KeyFilter& filter, std::size_t keys) {
     bool grew = false;
     filter.reserve(keys, [&grew](auto) { grew = true; });

@@ -54,7 +54,7 @@ TEST(KeyIndex, IsEmptyOnceCleared) {
 }
 
 TEST(KeyIndex, AgreesWithAMapThroughManyInsertionsAndErasures) {
-    // Few keys in a small table: chains of entries form, wrap round its end and are torn.
+    // Few keys in a small table: chains of entries form, wrap around the end and are split.
     std::mt19937 random(7);
     for (const unsigned keys : {5U, 40U, 3000U}) {
         std::map<std::wstring, int> map;

@@ -12,7 +12,7 @@
 namespace ZelUnified {
 namespace {
 
-/// A table and its copy, which knows of more entries than it can name.
+/// A table and its copy, with more changed entries than the copy can record by name.
 class PersistedCopyTest : public testing::Test {
 protected:
     PersistedCopyTest() {
@@ -30,7 +30,7 @@ protected:
 
     bool equals() { return copy.equals(table); }
 
-    /// Whether it is so in full, whatever the copy was told.
+    /// Compares the whole copy with the table, whatever the copy was told.
     bool holdsTheTable() {
         copy.noteRemoval();
         return equals();

@@ -25,7 +25,7 @@ TEST(ShellWords, TakeTheCharacterBehindABackslash) {
     EXPECT_THAT(splitWords("a\\"), ElementsAre("a\\"));
 }
 
-/// A split that copies the word for each character would take hours.
+/// A split with quadratic time would take hours.
 TEST(ShellWords, OfALongLineTakeTheTimeOfItsLength) {
     const std::string longWord(5'000'000, 'x');
     EXPECT_THAT(splitWords("set Key " + longWord), ElementsAre("set", "Key", longWord));

@@ -10,7 +10,7 @@ namespace {
 
 constexpr auto hostile = "a\x1b[2J\n\xC2\x9B\x7f";
 
-/// An output that keeps what is written to it.
+/// An output that records what is written to it.
 struct Recorded {
     explicit Recorded(bool terminal) : form{terminal, 80, false} {}
 

@@ -16,7 +16,7 @@ namespace {
 constexpr OutputForm pipe;
 constexpr OutputForm narrowTerminal{true, 40, false};
 
-/// The longest line in code points.
+/// Returns the length of the longest line in code points.
 std::size_t widestLine(const std::string& text) {
     std::size_t widest = 0;
     std::istringstream stream(text);
@@ -27,7 +27,7 @@ std::size_t widestLine(const std::string& text) {
     return widest;
 }
 
-/// A table like that of `list`.
+/// Returns a table like that of `list`.
 TextTable makeList(const std::string& key, const std::string& value) {
     TextTable table({Column::Left, Column::Left, Column::Truncated, Column::Left});
     table.addRow({"", "KEY", "VALUE", "STORE"});

@@ -18,7 +18,7 @@ struct DocumentDeleter {
     void operator()(xmlDoc* document) const { xmlFreeDoc(document); }
 };
 
-/// What a reader of XML makes of a document: true if `name` is taken as the name of its root.
+/// Returns true if the XML reader accepts `name` as the name of the root.
 bool isTakenAsRoot(const std::string& name) {
     const auto text = "<" + name + "/>";
     constexpr int quietly = XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_NONET;
@@ -31,7 +31,7 @@ bool isTakenAsRoot(const std::string& name) {
     return root->properties == nullptr && name == reinterpret_cast<const char*>(root->name);
 }
 
-/// The reader's opinion of a text in an element.
+/// Returns true if the XML reader accepts the text in an element.
 bool isTakenAsText(const std::string& content) {
     const auto text = "<a>" + content + "</a>";
     constexpr int quietly = XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_NONET;
@@ -64,7 +64,7 @@ bool isSurrogate(char32_t c) {
     return c >= 0xD800 && c <= 0xDFFF;
 }
 
-/// Every code point of the ranges in which names differ, and samples of the others.
+/// Returns the next code point to test: all in the ranges where names differ, and samples of the others.
 char32_t nextSample(char32_t c) {
     return c < 0x3100 || (c >= 0xD700 && c < 0x10100) ? c + 1 : c + 251;
 }
@@ -74,7 +74,7 @@ char32_t nextSample(char32_t c) {
 TEST(XmlNames, AgreeWithAReaderOnEveryCharacter) {
     for (char32_t c = 1; c <= 0x10FFFF; c = nextSample(c)) {
         if (isSurrogate(c) || c == ':') {
-            continue; // A surrogate has no UTF-8. A lone colon is a name, but the reader looks for a prefix.
+            continue; // A surrogate has no UTF-8 form. A lone colon is a valid name, but the reader expects a prefix.
         }
         const auto alone = wideOf(c);
         EXPECT_EQ(isXmlName(alone), isTakenAsRoot(KyrCoreUtils::toString(alone))) << "U+" << std::hex << unsigned{c};

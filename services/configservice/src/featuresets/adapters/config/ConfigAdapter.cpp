@@ -134,7 +134,7 @@ void ConfigAdapter::addInitialConfigStores() {
     if (ZelLog_isDebugEnabled(configAdapterLogger())) {
         ZelLog(configAdapterLogger(), ZelLogLevel::Debug, ZEL_HERE, "adding initial config stores");
     }
-    // One after the other: the defaults may hold the SDK mode that decides on the user's store.
+    // One at a time: makeUserStore() reads the SDK mode, which the defaults may contain.
     configStoreManager->addStore(makeDefaultsStore());
     configStoreManager->addStore(makeInMemoryStore());
     configStoreManager->addStore(makeUserStore(BackupTimer::With));
@@ -247,7 +247,7 @@ void ConfigAdapter::callService(std::string_view taskName, std::wstring_view tas
     if (!dispatcher) {
         return;
     }
-    // A weak reference: a strong one would keep service, factory and queue alive in a circle.
+    // A weak reference: a strong one would create a cycle of service, factory and queue.
     dispatcher->enqueue(std::make_shared<FunctionTask>(
                             [service = std::weak_ptr(configService), call = std::move(call)] {
                                 if (const auto alive = service.lock()) {
@@ -288,7 +288,7 @@ void ConfigAdapter::onConfigAddedOrUpdated(std::wstring key, std::wstring value,
                                  std::move(valueStoreName), std::move(originalValueStoreName), deferFire);
         return;
     }
-    // Shared, and zeroed with its last holder: a task is copied on its way.
+    // Shared, because the dispatcher copies the task. The last owner zeroes the values.
     const auto change = std::make_shared<const ConfigChange>(
         ConfigChange{std::move(value), std::move(originalValue), isOverridden, isDefined, std::move(valueStoreName),
                      std::move(originalValueStoreName)});

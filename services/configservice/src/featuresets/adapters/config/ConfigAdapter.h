@@ -29,13 +29,12 @@ class ConfigFileCacheTimer;
 class ConfigServiceImpl;
 class ResetDataCallbackRegistry;
 
-/// The feature set of the configuration service: builds and rebuilds the chain, decides what survives a stop, a
-/// refresh, a power-down and a reset, and carries what the chain announces to the service. Always held by shared
-/// pointers.
+/// The feature set of the configuration service. Builds and rebuilds the chain, decides which stores a stop, a refresh,
+/// a power-down and a reset keep, and passes the chain's announcements to the service. Always owned by shared pointers.
 ///
-/// `adapterMutex` serialises start, stop, destroy, refresh and reset; it is the outermost lock, and re-entrant, since a
-/// reset refreshes. Stop holds it while it waits on the services dispatcher, so no task queued there may take it. The
-/// other operations rely on the manager's locks, and read the started flag without one.
+/// `adapterMutex` serialises start, stop, destroy, refresh and reset. It is the outermost lock, and re-entrant because
+/// a reset calls refresh. Stop holds it while waiting for the services dispatcher, so no task queued there may acquire
+/// it. The other operations rely on the manager's locks and read the started flag without a lock.
 class LUMORA_CONFIG_API ConfigAdapter final : public FeatureSetAdapter,
                                               public ConfigFeatureSet,
                                               public ConfigStoreManager_Observer,
@@ -43,12 +42,12 @@ class LUMORA_CONFIG_API ConfigAdapter final : public FeatureSetAdapter,
                                               public ProviderResetDataCallback,
                                               public std::enable_shared_from_this<ConfigAdapter> {
 public:
-    /// An adapter without a factory and a chain, for the type's export. Its operations do nothing, with two exceptions:
-    /// store-added observers can't be registered or unregistered without a chain, and InvokeResetData() still deletes
-    /// the user's files and policy.
+    /// Constructs an adapter without a factory and a chain, for the type's export. Its operations do nothing, with two
+    /// exceptions: store-added observers must not be registered or unregistered, because there is no chain, and
+    /// InvokeResetData() still deletes the user's files and policy.
     ConfigAdapter();
-    /// Builds the whole chain; nothing is started. The chain calls the adapter back from here on, before its own body
-    /// has ended: no class may derive from it.
+    /// Builds the whole chain, without starting the feature set. The chain calls the adapter before this constructor
+    /// returns, so no class may derive from the adapter.
     explicit ConfigAdapter(std::shared_ptr<UnifiedFactory> factory);
 
     void StartFeatureSet(unsigned int id, std::shared_ptr<ServiceEventList> events) override;
@@ -90,16 +89,17 @@ public:
                                 bool isDefined, std::wstring valueStoreName, std::wstring originalValueStoreName,
                                 bool deferFire) override;
 
-    /// A power-down destroys the stores; other events change nothing.
+    /// Destroys the stores on a power-down; ignores other events.
     void onPowerEvent(ZelSystemMonitor::PowerEventTypeEnum::PowerEventType type) override;
 
     std::string getInterfaceName() override { return "ProviderResetDataCallback"; }
-    /// Wipes the user's configuration and rebuilds the chain; every option does the same.
+    /// Deletes the user's configuration and rebuilds the chain. Ignores `option`.
     void InvokeResetData(ResetDataOptionEnum::ResetDataOption option) override;
 
-    /// Replaces a store and its cached copy, for stores of other services that renew themselves. Only while started.
+    /// Replaces a store and its cached copy, for stores of other services that update themselves. Does nothing unless
+    /// started.
     void updateExistingConfigStore(const std::shared_ptr<ConfigStore>& store, const std::vector<std::wstring>& oldKeys);
-    /// Works out the three enable flags.
+    /// Computes the three enable flags.
     void SetEnabledServices();
 
 private:
@@ -114,7 +114,7 @@ private:
     std::shared_ptr<ConfigStore> makeDefaultsStore() const;
     std::shared_ptr<ConfigStore> makeInMemoryStore() const;
     enum class BackupTimer { Without, With };
-    /// The user's own store: the encrypted file, or a volatile store under its name in the SDK mode.
+    /// Returns the user's own store: the encrypted file or, in the SDK mode, a volatile store of the same name.
     std::shared_ptr<ConfigStore> makeUserStore(BackupTimer backupTimer);
     std::shared_ptr<ConfigStore> makeRegistryStore() const;
 
@@ -123,10 +123,12 @@ private:
     bool isSwitchedOff(std::wstring_view key) const;
     void setEnabledServicesFromCachedStores();
 
-    /// The service when the caller stands on the services dispatcher's thread, where it may be called; else null.
+    /// Returns the service if the caller is on the services dispatcher's thread, the only one that may call it;
+    /// otherwise null.
     ConfigServiceImpl* getServiceOfThisThread() const;
-    /// Makes the call on the services dispatcher's thread: at once when the caller stands there, else later, in a task
-    /// named `taskName` followed by `taskSubject`. The call gets the service; it is dropped when the service is gone.
+    /// Runs `call` on the services dispatcher's thread: immediately if the caller is on it, otherwise later, in a task
+    /// named `taskName` + `taskSubject`. Passes the service to `call`. If the service no longer exists, the call is
+    /// dropped.
     void callService(std::string_view taskName, std::wstring_view taskSubject,
                      std::function<void(ConfigServiceImpl&)> call);
     void notifyConfigKeyAliases();
@@ -134,10 +136,10 @@ private:
     const std::shared_ptr<UnifiedFactory> unifiedFactory;
     zel::RankedMutex<std::recursive_mutex, zel::LockRank::Adapter> adapterMutex;
     std::atomic<bool> featureSetStarted = false;
-    bool resetDataCallbackRegistered = false; ///< Guarded by adapterMutex; never goes back.
+    bool resetDataCallbackRegistered = false; ///< Guarded by adapterMutex; never reset to false.
     const std::shared_ptr<ConfigStoreManager> configStoreManager;
     std::shared_ptr<ConfigServiceImpl> configService;
-    /// Shared with the tasks on the services dispatcher, which hold no reference to the adapter.
+    /// Shared with the tasks on the services dispatcher, which do not own the adapter.
     const std::shared_ptr<AnnouncementOrder> announcementOrder = std::make_shared<AnnouncementOrder>();
     std::shared_ptr<ConfigFileCacheTimer> configFileCacheTimer;
     CachedStores cachedStores{*this, configStoreManager};

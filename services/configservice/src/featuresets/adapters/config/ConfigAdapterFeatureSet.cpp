@@ -1,5 +1,5 @@
-// The adapter as other services see it: the ConfigFeatureSet face, sensitive keys and policy. Lifecycle, reset and
-// notifications stand in ConfigAdapter.cpp.
+// Implements ConfigFeatureSet, the sensitive keys and the policy. ConfigAdapter.cpp contains lifecycle, reset and
+// notifications.
 
 #include "ConfigAdapter.h"
 #include "StoreNamePredicates.h"
@@ -25,7 +25,7 @@ void logError(const char* file, int line, std::string_view function, const std::
     ZelLog(configAdapterLogger(), ZelLogLevel::Error, file, line, function, text);
 }
 
-/// The stores whose arrival tells which services exist.
+/// Returns true for stores from which the enabled services are derived when they are added.
 bool isTelephonyStore(const std::string& name) {
     return isGarnConfigStore(name) || isPresenceConfigStore(name) || isTftpConfigStore(name) ||
            isTaviLyncRegistryConfigStore(name);

@@ -4,8 +4,8 @@
 
 namespace ZelUnified {
 
-/// Deletes every file at and below the directory but the four that outlive a reset, and logs what became of each.
-/// Folders stay, and linked ones are not entered.
+/// Deletes all files in the directory and its subdirectories, except the four that a reset keeps, and logs each result.
+/// Does not delete directories and does not follow links to directories.
 void removeFilesFromDirectory(const std::string& directory);
 
 } // namespace ZelUnified

@@ -8,29 +8,29 @@
 
 namespace ZelUnified {
 
-/// Works out which services exist from the server keys, where no administrator said so: "Telephony_Enabled",
-/// "Voicemail_Enabled" and "Meetings_Enabled". A flag that comes from the shipped defaults, or from the user, counts as
-/// not said. The answers go into the in-memory store.
+/// Derives the flags "Telephony_Enabled", "Voicemail_Enabled" and "Meetings_Enabled" from the server keys, unless an
+/// administrator set them. A flag set by the shipped defaults or by the user is derived too. The results are written to
+/// the in-memory store.
 class EnabledServices {
 public:
     explicit EnabledServices(std::shared_ptr<ConfigStoreManager> storeManager)
         : configStoreManager(std::move(storeManager)) {}
 
-    /// Telephony, voicemail and meetings, in this order. Nothing without a manager.
+    /// Derives telephony, voicemail and meetings, in this order. Does nothing without a manager.
     void SetEnabledServices();
 
-    /// Whether a cached copy of a server's store lies on disk. Without one, as on a first run, the flags are left
-    /// alone.
+    /// Returns true if a cached copy of a server's store exists on disk. Without one, as in a first run, the flags are
+    /// not derived.
     static bool shouldSetEnabledServicesBasedOnCachedStores();
 
 private:
     void SetTelephonyEnabled();
     void SetVoicemailEnabled();
     void SetMeetingsEnabled();
-    /// "STARTUP_AUTHENTICATION_REQUIRED" is never derived.
+    /// Does nothing: "STARTUP_AUTHENTICATION_REQUIRED" is never derived.
     void SetStartupAuthenticationRequiredEnabled() {}
 
-    /// Returns true if the flag is to be derived; otherwise logs who set it.
+    /// Returns true if the flag must be derived; otherwise logs which store set it.
     bool isLeftToDerivation(std::wstring_view flagKey, const LogPlace& place) const;
     bool isAnySet(std::wstring_view firstKey, std::wstring_view secondKey) const;
     bool hasMeetingServer(std::wstring_view suffix) const;

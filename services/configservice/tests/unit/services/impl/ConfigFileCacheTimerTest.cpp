@@ -49,7 +49,7 @@ std::shared_ptr<CountingCallBack> callBack(const std::string& file) {
 
 class ConfigFileCacheTimerTest : public testing::Test {
 protected:
-    /// A task that still waits holds the factory that holds it.
+    /// A pending task owns the factory that owns the task.
     ~ConfigFileCacheTimerTest() override { factory->Destroy(); }
 
     void runTasks() { factory->backgroundDispatcher->runAll(); }
@@ -61,7 +61,7 @@ protected:
     std::shared_ptr<CountingCallBack> first = callBack("file.dat");
 };
 
-/// Runs each task at once, on the timer's own thread.
+/// Runs each task immediately on the timer's own thread.
 class InlineDispatcher final : public ZelUnified::Processing::TaskDispatcher {
 public:
     void enqueue(std::shared_ptr<zel::Task> task) override { task->run(); }

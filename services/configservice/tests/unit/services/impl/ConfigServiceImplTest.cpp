@@ -224,7 +224,7 @@ std::vector<Operation> guardedOperations() {
 }
 
 TEST_F(ConfigServiceImplTest, AnotherThreadIsRefusedAndChangesNothing) {
-    const auto featureSet = fileFeatureSet(); // strict: no call may reach it
+    const auto featureSet = fileFeatureSet(); // a strict mock: any call fails the test
     announce(L"known", L"v");
     service->setupConfigKeyAliases({{L"Old", L"known"}});
     const auto observer = observe(L"known");

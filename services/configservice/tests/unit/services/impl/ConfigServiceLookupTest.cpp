@@ -15,7 +15,7 @@ using configservice_test::serviceLogger;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// How the service finds, makes and lists its records.
+/// Tests how the service finds, creates and lists its records.
 struct ConfigServiceLookup : configservice_test::ServiceFixture {
     std::vector<std::wstring> listKeys() {
         std::vector<std::wstring> keys;
@@ -66,7 +66,7 @@ TEST_F(ConfigServiceLookup, SpellingsOfOneKeyShareTheRecordOfTheFirst) {
 }
 
 TEST_F(ConfigServiceLookup, AReadTouchesNoStore) {
-    const auto featureSet = fileFeatureSet(); // strict
+    const auto featureSet = fileFeatureSet(); // a strict mock
     service->getConfig(L"k");
     service->getAllConfig();
     service->FireIfRequired(L"other");
@@ -113,7 +113,7 @@ TEST_F(ConfigServiceLookup, ARecordThatTakesTheKeyOfAnotherOneIsStillListedAndFo
     second->setKey(L"a");
     EXPECT_THAT(*service->getAllConfig(), ElementsAre(first, second));
     const auto* const address = second.get();
-    second.reset(); // the service alone holds it now
+    second.reset(); // only the service holds it now
     EXPECT_EQ(service->getConfig(L"b").get(), address);
     EXPECT_EQ(service->getConfig(L"a"), first);
 }

@@ -12,7 +12,7 @@ using testing::ElementsAre;
 using testing::InvokeWithoutArgs;
 using testing::IsEmpty;
 
-/// How a change reaches a record and its observers.
+/// Tests how a change reaches a record and its observers.
 struct ConfigServicePropagation : configservice_test::ServiceFixture {};
 
 TEST_F(ConfigServicePropagation, AChangeUpdatesTheRecordAndFiresEachPropertyOnce) {
@@ -117,7 +117,7 @@ TEST_F(ConfigServicePropagation, AResetForgetsWhatWasDeferred) {
 TEST_F(ConfigServicePropagation, ADeferredChangeOfAnOldNameFiresTheRecordThatTheNameHasThen) {
     const auto old = observe(L"Old");
     service->setupConfigKeyAliases({{L"Old", L"New"}});
-    announce(L"Old", L"one", true); // there is none of the new name yet
+    announce(L"Old", L"one", true); // no record of the new name exists yet
     const auto current = observe(L"New");
     announce(L"New", L"two", true);
     service->FireIfRequired(L"Old");
@@ -283,7 +283,7 @@ TEST_F(ConfigServicePropagation, InFipsModeALookupBeforeTheFiringOverwritesTheVa
 TEST_F(ConfigServicePropagation, InFipsModeTheNextAnnouncementOverwritesADeferredValueThatNamesTheFipsKey) {
     zel::common::FipsUtils::overrideFipsMode(true);
     announce(L"k", L"Telephony_P2P_Enabled", true);
-    const auto observer = observe(L"k"); // its lookup overwrites the value
+    const auto observer = observe(L"k"); // looks the record up, which overwrites the value
     announce(L"k", L"false", true);
     service->FireIfRequired(L"k");
     EXPECT_THAT(observer->heard, ElementsAre("Value", "isDefined", "ValueStoreName")) << "marks of the first change";

@@ -8,7 +8,7 @@
 
 namespace configservice_test {
 
-/// The store chain as a test wants it to answer.
+/// The store chain with results that a test sets.
 class FakeConfigFeatureSet : public ZelUnified::ConfigFeatureSet {
 public:
     MOCK_METHOD(void, addConfigStore, (std::shared_ptr<ZelUnified::ConfigStore>), (override));

@@ -21,7 +21,7 @@ using testing::IsEmpty;
 
 namespace {
 
-/// Does something when the entry makes it look for a provider of the feature set.
+/// Calls a function when the entry point searches a provider of the feature set.
 class LoadingFactory final : public testing_host::RecordingFactory {
 public:
     std::function<void(LoadingFactory&)> whenLoading;

@@ -18,7 +18,7 @@ namespace configservice_test {
 
 inline constexpr auto serviceLogger = "ConfigService-ConfigServiceImpl";
 
-/// A service on a factory without threads, outside FIPS mode whatever the machine says.
+/// A service on a factory without threads, with FIPS mode off whatever the machine's setting.
 struct ServiceFixture : testing::Test {
     ServiceFixture() { zel::common::FipsUtils::overrideFipsMode(false); }
     ~ServiceFixture() override {
@@ -26,14 +26,14 @@ struct ServiceFixture : testing::Test {
         zel::common::FipsUtils::overrideFipsMode(std::nullopt);
     }
 
-    /// Files a feature set with the factory.
+    /// Registers a feature set with the factory.
     std::shared_ptr<testing::StrictMock<FakeConfigFeatureSet>> fileFeatureSet() {
         auto featureSet = std::make_shared<testing::StrictMock<FakeConfigFeatureSet>>();
         factory->getFeatureSets().registerItem<ZelUnified::ConfigFeatureSet>(ZelUnified::configServiceId, featureSet);
         return featureSet;
     }
 
-    /// A change of the value alone, from one store.
+    /// Announces a change of the value only, from one store.
     void announce(const std::wstring& key, const std::wstring& value, bool deferFire = false) {
         service->OnConfigChanged(key, value, L"", false, true, L"Store", L"", deferFire);
     }

@@ -7,16 +7,17 @@
 
 namespace ZelUnified {
 
-/// The text of "PrimaryConfigStores": which cached copies the next run restores, and their priorities. An entry is
-/// `name:priority;`, the last one closed too.
+/// Formats and parses the text of "PrimaryConfigStores": the cached copies that the next run restores, and their
+/// priorities. Every entry, including the last, is `name:priority;`.
 class CachedStoreRecord {
 public:
-    /// Returns the entries as name to priority text. A piece that is not exactly a name and a priority is left out; a
-    /// repeated name keeps its last priority. The misspelt name is the published one.
+    /// Returns the entries as a map from name to priority text. Skips a piece that is not exactly a name and a
+    /// priority. The last priority of a repeated name wins. The misspelt function name is published.
     static ConfigMap getCachedConfigStorePrioityMap(const std::wstring& record);
-    /// The entries in map order.
+    /// Returns the text of the entries, in map order.
     static std::wstring format(const ConfigMap& priorities);
-    /// Cuts the first occurrence of `name`, as plain text ignoring case, through the ";" that closes its entry.
+    /// Returns `record` without the first occurrence of `name` (plain text, case-insensitive) through the ";" that ends
+    /// its entry.
     static std::wstring without(std::wstring record, std::wstring_view name);
 };
 

@@ -31,7 +31,7 @@ bool isRefused(const std::string& name, std::string_view refusal, const LogPlace
     if (CachedConfigFiles::mayHaveCopy(name)) {
         return false;
     }
-    ZelLog(configAdapterLogger(), ZelLogLevel::Warning, place.file, place.line, place.function,
+    ZelLog(configAdapterLogger(), ZelLogLevel::Warning, place,
            "Name contains \"..\", " + std::string(refusal) + ": [" + name + "]");
     return true;
 }
@@ -62,7 +62,7 @@ void CachedStores::InitialiseCachedConfigStores() {
     addUrlProvisioningStore({ZEL_HERE});
 }
 
-/// Comes last, so that the product's mode is read with all the other copies in the chain.
+/// Called last, so that the lookup of the product mode includes all other copies.
 void CachedStores::addPresenceStore(const std::wstring& priority) {
     const std::wstring name(ConfigKeys::presenceConfigStore);
     std::wstring productMode;
@@ -80,7 +80,7 @@ void CachedStores::addUrlProvisioningStore(const LogPlace& place) {
     configStoreManager->getValue(std::wstring(ConfigKeys::allowUrlProvisioning), allowed,
                                  std::string(ConfigKeys::mdmConfigStore));
     if (caseInsensitiveStringEquals(allowed, L"false")) {
-        ZelLog(configAdapterLogger(), ZelLogLevel::Info, place.file, place.line, place.function,
+        ZelLog(configAdapterLogger(), ZelLogLevel::Info, place,
                "Url Provisioning not allowed by MDM configuration, removing cached URL provisioning store");
         adapter.removeConfigStore(name);
         return;
@@ -93,7 +93,7 @@ void CachedStores::addCachedConfigStore(const std::string& name, int priority) {
     if (getLumoraSDKMode() || isRefused(name, "cached store not read", {ZEL_HERE})) {
         return;
     }
-    // The copy bears the live store's own name, so that the live store takes its place on arrival.
+    // The copy has the name of the live store, so that the live store replaces it when added.
     configStoreManager->addStore(
         std::make_shared<CacheConfigStore>(name, priority, CachedConfigFiles::getPathOfCopy(name)));
 }
@@ -113,7 +113,7 @@ void CachedStores::cacheStoreOnConfigStoreAdded(const std::shared_ptr<ConfigStor
     const int priority = store->getCachedPriority();
     updateCacheStorePriority(store->getName(), priority);
     const auto fileName = CachedConfigFiles::getFileName(store->getName());
-    // Exists to write the file, and never joins the chain.
+    // This store only writes the file; it is never added to the chain.
     const int writerPriority = priority == std::numeric_limits<int>::max() ? priority : priority + 1;
     const CacheConfigStore writer(fileName, writerPriority, CachedConfigFiles::getPath(fileName), values);
     if (configStoreManager->hasStoreWithName(fileName)) {

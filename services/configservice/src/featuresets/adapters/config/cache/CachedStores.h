@@ -12,27 +12,28 @@
 
 namespace ZelUnified {
 
-/// Keeps copies of the stores that live only while their service has delivered them, so that the next run has their
-/// values at once: a file for each copy, and the record of names and priorities in the configuration itself.
-/// Reads and writes go through the adapter where its guard is to speak, else straight to the manager.
+/// Keeps copies of the stores that other services deliver, so that the next run has their values from the start: a file
+/// for each copy, and in the configuration a record of names and priorities. Uses the adapter's operations where its
+/// check for a start must apply, otherwise the manager's.
 class CachedStores {
 public:
-    /// The feature set owns this object.
+    /// `featureSet` must own this object.
     CachedStores(ConfigFeatureSet& featureSet, std::shared_ptr<ConfigStoreManager> storeManager)
         : adapter(featureSet), configStoreManager(std::move(storeManager)) {}
 
-    /// Restores every recorded copy, the presence store last, and the copy made by a provisioning URL.
+    /// Restores every recorded copy, the presence store last, and the copy written for a provisioning URL.
     void InitialiseCachedConfigStores();
-    /// Restores every copy of a record given as text.
+    /// Restores every copy listed in `record`.
     void addCachedConfigStores(const std::wstring& record);
-    /// Writes the copy of a store that has just arrived and records it.
+    /// Writes and records the copy of a store that has just been added.
     void cacheStoreOnConfigStoreAdded(const std::shared_ptr<ConfigStore>& store);
     void updateCacheStorePriority(const std::string& name, int priority);
-    /// Writes the record even when the name is not in it.
+    /// Removes the name from the record. Writes the record even if it does not contain the name.
     void removeFromCachedStorePriorityMap(const std::wstring& name);
     void removeOldCacheConfigStores(std::shared_ptr<std::list<std::string>>) {}
 
-    /// In the SDK mode nothing is kept on disk. Never remembered: a store that holds the key may arrive.
+    /// Returns true in the SDK mode, which keeps nothing on disk. Not cached, because a store with this key may be
+    /// added at any time.
     bool getLumoraSDKMode();
 
 private:

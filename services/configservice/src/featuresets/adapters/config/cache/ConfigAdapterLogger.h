@@ -4,7 +4,7 @@
 
 namespace ZelUnified {
 
-/// The logger of the adapter and of the classes it is made of.
+/// The logger of the adapter and its helper classes.
 inline const OperationLogger& configAdapterLogger() {
     static const OperationLogger logger("ConfigAdapter");
     return logger;

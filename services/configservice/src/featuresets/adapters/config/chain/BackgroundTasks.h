@@ -8,8 +8,8 @@
 
 namespace ZelUnified {
 
-/// Posts named work to the background dispatcher, which is asked for anew each time. Without a factory or a dispatcher,
-/// as after the host's end, the work is dropped.
+/// Posts a named task to the background dispatcher, which is looked up for each call. Without a factory or a
+/// dispatcher, as after the host has ended, the task is dropped.
 void enqueueBackgroundTask(const std::shared_ptr<UnifiedFactory>& factory, std::string name,
                            std::function<void()> work);
 

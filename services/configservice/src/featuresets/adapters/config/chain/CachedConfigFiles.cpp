@@ -16,7 +16,7 @@ constexpr std::string_view copyPrefix = "cached";
 constexpr std::string_view xmlExtension = ".xml";
 constexpr std::string_view datExtension = ".dat";
 
-/// From the last "." on; empty when there is none.
+/// Returns the extension including the "."; empty if there is none.
 std::string_view extensionOf(std::string_view name) {
     const auto point = name.rfind('.');
     return point == std::string_view::npos ? std::string_view() : name.substr(point);

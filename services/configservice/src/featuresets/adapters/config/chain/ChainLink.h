@@ -12,17 +12,17 @@ namespace ZelUnified {
 
 class IndexedStore;
 
-/// A store at its place in the chain, and the shortest way to ask it: a store of this library by a folded key, any
-/// other one through ConfigStore. As constant as the chain that it is part of.
+/// A store in the chain, with the fastest way to call it: a store of this library receives the folded key, any other
+/// store is called through ConfigStore. Constant, like the chain that contains it.
 class ChainLink {
 public:
     explicit ChainLink(std::shared_ptr<ConfigStore> linkedStore);
 
-    /// As ConfigStore::getValue(). Not for keys that view `value`.
+    /// Behaves like ConfigStore::getValue(). `key` must not refer to `value`.
     bool getValue(const FoldedKey& key, std::wstring& value) const;
     std::wstring getWideName() const;
     KeyList listKeys() const;
-    /// Whether it is a store of this library, to which it makes no difference how often it is asked.
+    /// Returns true for a store of this library. The number of calls makes no difference to such a store.
     bool isIndexed() const noexcept { return indexed != nullptr; }
 
     ConfigStore* operator->() const noexcept { return store.get(); }

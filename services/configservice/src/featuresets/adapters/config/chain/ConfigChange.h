@@ -4,9 +4,9 @@
 
 namespace ZelUnified {
 
-/// What is now true of a key, as observers are told.
+/// The new state of a key, as observers receive it.
 struct ConfigChange {
-    /// Zeroes the values: they may be secrets.
+    /// Zeroes the values, which may be secrets.
     ~ConfigChange();
 
     std::wstring value;

@@ -11,14 +11,14 @@
 
 namespace ZelUnified {
 
-/// The manager's observers: plain pointers that outlive it. They are called on the caller's thread with the lock held;
-/// it is recursive because what they do may lead back here.
+/// The manager's observers, held as plain pointers; they must outlive this object. They are called on the caller's
+/// thread with the lock held. The lock is recursive because an observer may call back into this object.
 class ConfigChangeObservers {
 public:
-    /// A null observer is ignored.
+    /// Registers the observer; ignores null.
     void add(ConfigStoreManager_Observer* observer);
 
-    /// Each observer gets texts of its own, the last one those of `change`.
+    /// Passes each observer its own copies of the texts; the last observer receives those of `change`.
     void notifyConfigAddedOrUpdated(const std::wstring& key, ConfigChange&& change, bool deferFire);
     void notifyFireIfRequired(const std::wstring& key);
     void notifySensitiveKey(const std::wstring& key);

@@ -104,7 +104,7 @@ bool ConfigLookup::readInOneWalk(const FoldedKey& key, ConfigChange& change) con
         }
         zel::SecureString::wipe(answer);
         if (!change.originalValue.empty()) {
-            break; // what the user sets behind it overrides nothing
+            break; // a user's value further down the chain overrides nothing
         }
     }
     change.isOverridden = change.isDefined && hasOverride;

@@ -8,34 +8,38 @@
 
 namespace ZelUnified {
 
-/// How a key becomes a value: name first, chain second. The new name of a key wins over its old one wherever in the
-/// chain each stands; the first store that answers wins, and an empty value is an answer.
-/// Any thread; the owner holds the chain's lock so that the answers of one lookup belong together.
+/// Looks keys up in the chain. The new name of a key wins over its old name, whichever stores hold them. For one name,
+/// the first store that contains it wins, even with an empty value.
+///
+/// Any thread. The owner holds the chain's lock, so that the results of one lookup are consistent.
 class ConfigLookup {
 public:
     ConfigLookup(const StoreChain& storeChain, const KeyAliases& aliases) : chain(storeChain), keyAliases(aliases) {}
 
-    /// Which name of a key a lookup ended at: the one asked for, or the other one.
+    /// The name under which a lookup found the key: the requested name, or its new or old name.
     enum class FoundUnder { AskedName, NewName, OldName };
 
-    /// The walk for one exact name. `skipLocal` leaves out the writable stores, a filter all stores but the one it
-    /// names. On a miss `value` is empty (but for the FIPS override) and `configStoreName`, which
-    /// may be null, as it was. `key` must not view `value`.
+    /// Looks up one exact name. `skipLocal` leaves out the writable stores; a non-empty `storeFilter` leaves out all
+    /// stores except the one it names. Returns true and sets `value` and `configStoreName` (which may be null) on a
+    /// hit. On a miss returns false, clears `value` (the FIPS override may still set it) and leaves `configStoreName`
+    /// unchanged. `key` must not refer to `value`.
     bool lookupInStores(const FoldedKey& key, std::wstring& value, std::wstring* configStoreName, bool skipLocal,
                         const std::string& storeFilter) const;
 
-    /// The lookup under new and old names. `valueFromLegacyKey` is only ever set, `foundUnder` only on a hit.
+    /// Looks the key up under its new and old names. `valueFromLegacyKey` is only ever set to true; `foundUnder`
+    /// changes only on a hit.
     bool getValue(const FoldedKey& key, std::wstring& value, std::wstring* configStoreName, bool& valueFromLegacyKey,
                   bool skipLocal, const std::string& storeFilter, FoundUnder& foundUnder) const;
 
-    /// What an administrator's source says beneath the user's settings. The result is whether a writable store that
-    /// holds the key stands ahead of the first read-only one with a value.
+    /// Reads the administrator's value, which applies without the user's settings. Returns true if a writable store
+    /// that contains the key comes before the first read-only store with a value.
     bool getOriginalValue(const FoldedKey& key, std::wstring& originalValue, std::wstring& originalValueStoreName,
                           bool& fromLegacyKey) const;
 
-    /// getValue() and getOriginalValue() in one walk, and whether the one overrides the other. `change` comes empty.
-    /// False, and nothing read, where one walk could tell something else: the key has another name, FIPS mode overrides
-    /// it, or a store of another service must be asked as often as before.
+    /// Combines getValue() and getOriginalValue() in one walk and determines whether the former overrides the latter.
+    /// The caller passes an empty `change`. Returns false and reads nothing if one walk could give a different result:
+    /// the key has another name, FIPS mode overrides it, or the chain contains a store of another service, which must
+    /// receive as many calls as before.
     bool readInOneWalk(const FoldedKey& key, ConfigChange& change) const;
 
 private:

@@ -20,8 +20,8 @@ namespace {
 
 constexpr std::string_view declarationEnd = "?>";
 
-/// Where the text behind the XML declaration starts. A mark at the very start is no declaration's end; without one the
-/// first byte goes.
+/// Returns where the content behind the XML declaration starts. A mark at position 0 does not end a declaration.
+/// Without a mark the first byte is dropped.
 std::size_t startOfContent(const std::string& text) {
     const auto mark = text.find(declarationEnd);
     if (mark == std::string::npos) {
@@ -61,7 +61,7 @@ void ConfigReport::writeStore(XmlWriter& writer, ConfigStore& store, const IsSen
         }
         store.getValue(key, value);
         if (!writer.writeElement(toString(key), value)) {
-            ZelLog(configStoreManagerLogger(), ZelLogLevel::Warning, place.file, place.line, place.function,
+            ZelLog(configStoreManagerLogger(), ZelLogLevel::Warning, place,
                    L"Characters that XML can't carry are replaced in the report of key: " + key);
         }
     }

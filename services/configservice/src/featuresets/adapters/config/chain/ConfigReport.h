@@ -10,20 +10,21 @@ namespace ZelUnified {
 
 class XmlWriter;
 
-/// The parts of the XML text that is attached to a problem report: what every store says, without the sensitive keys,
-/// and the data files of other services as they stand on disk.
+/// Builds the parts of the XML text of a problem report: the values of every store, without the sensitive keys, and the
+/// data files of other services, read from disk.
 class ConfigReport {
 public:
     using IsSensitive = std::function<bool(const std::wstring& key)>;
 
-    /// The element "AllMemoryConfigs". The shipped defaults, the same on every installation, and stores without keys
-    /// are left out. Keys are written as they stand, valid XML names or not. Empty when the writer can't be made.
-    /// `place` is the caller's, for the log.
+    /// Returns the element "AllMemoryConfigs", or an empty string if the writer cannot be created. Leaves out stores
+    /// without keys and the shipped defaults, which are the same on every installation. Writes keys unchanged, even if
+    /// they are not valid XML names. `place` is the caller's, for the log.
     static std::wstring describeStores(const StoreChain::Stores& stores, const IsSensitive& isSensitive,
                                        const LogPlace& place);
 
-    /// The data files without their XML declarations. One that can't be read is logged and left out. An empty one
-    /// raises std::out_of_range. Named after the manager's operation, which is what a log line names.
+    /// Returns the data files without their XML declarations. Logs and leaves out a file that cannot be read. Throws
+    /// std::out_of_range for an empty file. Log lines show this function's name, so it is the name of the manager's
+    /// operation.
     static std::wstring getConfigForPRTFromFile();
 
 private:

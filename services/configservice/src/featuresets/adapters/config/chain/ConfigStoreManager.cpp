@@ -14,7 +14,7 @@ using KyrCoreUtils::caseInsensitiveStringEquals;
 
 namespace {
 
-/// A developer's override file takes part in everything but the logs.
+/// Returns true for the developer's override store, which is left out of the logs only.
 bool isOverrideStore(std::string_view name) {
     return caseInsensitiveStringEquals(name, ConfigKeys::devOverrideConfigStore);
 }
@@ -62,8 +62,8 @@ std::string ConfigStoreManager::describeChain() const {
 void ConfigStoreManager::updateConfigStore(const std::shared_ptr<ConfigStore>& store) {
     const std::lock_guard lock(chainLock);
     const auto name = store->getName();
-    // Each update changes the chain, so the walk looks at what stands there now: a new version that lands behind the
-    // place of the old one is met again.
+    // Each update changes the chain, so the loop reads the current store at each position. It visits a new version
+    // again if that is inserted behind the position of the old one.
     for (std::size_t i = 0; const auto present = configStores.at(i); ++i) {
         if (caseInsensitiveStringEquals(present->getName(), name)) {
             updateExistingConfigStore(store, present->getKeys());
@@ -120,7 +120,7 @@ bool ConfigStoreManager::removeStoreWithSameName(const std::string& name) {
 void ConfigStoreManager::removeNonLocalStores() {
     const std::lock_guard lock(chainLock);
     for (std::size_t i = configStores.getStores()->size(); i-- > 0;) {
-        // Observers may have changed the chain since the last round.
+        // Observers may have changed the chain during the last iteration.
         const auto store = configStores.at(i);
         if (store && !store->isLocal()) {
             configStores.remove(store);
@@ -204,7 +204,7 @@ const std::wstring* ConfigStoreManager::fireConfigChange(const std::wstring& key
         observers.notifyConfigAddedOrUpdated(key, std::move(change), deferFire);
         return nullptr;
     }
-    // A new name that some store holds speaks for itself.
+    // If a store contains the new name, that name has its own announcement.
     if (!isHeld(*newName)) {
         observers.notifyConfigAddedOrUpdated(*newName, std::move(change), deferFire);
     }

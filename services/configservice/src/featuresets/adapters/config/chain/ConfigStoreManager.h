@@ -23,12 +23,12 @@
 
 namespace ZelUnified {
 
-/// Owns the chain of stores: how they arrive, leave and are announced, how a key is read and written, what a reset
-/// takes away. ConfigAdapter owns the one manager and is its only caller.
+/// Owns the chain of stores: adds, removes and announces stores, reads and writes keys, and resets the chain.
+/// ConfigAdapter owns the only manager and is its only caller.
 ///
-/// Any thread. `chainLock` serialises every operation on the chain but getStoreByName(), and is held while observers
-/// are told and stores are called. Lock order, outermost first: `chainLock`, then the locks of the sensitive keys, of
-/// the observers or of the store-added observers; then a store's own. Callbacks may read and change the chain.
+/// Any thread. `chainLock` serialises every operation on the chain except getStoreByName(), and is held while observers
+/// and stores are called. Lock order, outermost first: `chainLock`; then the lock of the sensitive keys, of the
+/// observers or of the store-added observers; then a store's own. Callbacks may read and change the chain.
 class ConfigStoreManager {
 public:
     using ChainLock = zel::RankedMutex<std::recursive_mutex, zel::LockRank::Chain>;
@@ -36,89 +36,94 @@ public:
 
     explicit ConfigStoreManager(std::shared_ptr<UnifiedFactory> factory);
 
-    /// Keeps other threads from the chain while it lives, for a write that depends on what was read before.
+    /// Locks the chain for the lifetime of the returned object, so that a write can depend on an earlier read.
     HeldChain holdChain() const { return HeldChain(chainLock); }
 
-    /// Puts the store in the chain and announces its keys: all changes first, then that they may be shown. A store of a
-    /// known name takes the place of the old one. A null store is ignored.
+    /// Inserts the store into the chain, or replaces the store of the same name, and announces its keys: first all
+    /// changes, then that they may be shown. Ignores a null store.
     void addStore(const std::shared_ptr<ConfigStore>& store);
-    /// Replaces the store of that name, if there is one. `oldKeys` are announced where the new version lacks them.
+    /// Replaces the store of that name, if there is one. Also announces those of `oldKeys` that the new version does
+    /// not contain.
     void updateExistingConfigStore(const std::shared_ptr<ConfigStore>& store, const std::vector<std::wstring>& oldKeys);
-    /// Takes the store out, deletes its cached copy and announces its keys. False when there is none.
+    /// Removes the store, deletes its cached copy and announces its keys. Returns false if there is no such store.
     bool removeStoreWithSameName(const std::string& name);
-    /// Drops every store whose `isLocal` is false and announces its keys.
+    /// Removes every store whose `isLocal` is false and announces its keys.
     void removeNonLocalStores();
-    /// Calls `destroy` on every store; they stay in the chain.
+    /// Calls `destroy` on every store. The stores remain in the chain.
     void destroyStores();
 
     bool hasStoreWithName(const std::string& name) const;
-    /// Empty when there is none. Answers while another thread holds the chain.
+    /// Returns the store of that name, or null if there is none. Does not wait for `chainLock`.
     std::shared_ptr<ConfigStore> getStoreByName(const std::string& name) const;
 
     void registerConfigStoreAddedObserver(const std::shared_ptr<ConfigStoreAddedObserver>& observer);
     void unregisterConfigStoreAddedObserver(const std::shared_ptr<ConfigStoreAddedObserver>& observer);
-    /// Not owned: the observer must outlive the manager.
+    /// Registers the observer, which is not owned and must outlive the manager.
     void addObserver(ConfigStoreManager_Observer* observer);
 
-    /// Tells the observers every time. Called without the chain's lock: what they do then must not need it.
+    /// Marks the key as sensitive and notifies the observers, each time. The observers are called without the chain's
+    /// lock, so they must not use the chain.
     void setKeySensitive(const std::wstring& key);
     bool isSensitiveKey(const std::wstring& key) const;
-    /// Old key names to new ones.
+    /// Returns the new name of each old key name.
     ConfigMap getKeyAliases() const;
 
-    /// The value in force. `skipLocal` leaves out the writable stores; a filter leaves out all stores but the one it
-    /// names. `valueFromLegacyKey` is only ever set. On a miss `value` is empty (but for the FIPS override), the rest
-    /// as it was.
+    /// Returns true and sets `value` to the effective value and `configStoreName` to its store. `skipLocal` leaves out
+    /// the writable stores; a non-empty `storeFilter` leaves out all stores except the one it names.
+    /// `valueFromLegacyKey` is only ever set to true. On a miss returns false, clears `value` (the FIPS override may
+    /// still set it) and leaves the rest unchanged.
     bool getValue(const std::wstring& key, std::wstring& value, std::wstring& configStoreName, bool& valueFromLegacyKey,
                   bool skipLocal, const std::string& storeFilter) const;
     bool getValue(const std::wstring& key, std::wstring& value) const;
     bool getValue(const std::wstring& key, std::wstring& value, const std::string& storeFilter) const;
-    /// What one store says; empty on a miss.
+    /// Returns the value that one store holds, or an empty string on a miss.
     std::wstring getValue(const std::string& storeFilter, const std::wstring& key) const;
-    /// What an administrator's source says beneath the user's settings; the result is whether the user overrides it.
+    /// Reads the administrator's value, which applies without the user's settings. Returns true if the user overrides
+    /// it.
     bool getOriginalValue(const std::wstring& key, std::wstring& originalValue, std::wstring& originalValueStoreName,
                           bool& fromLegacyKey) const;
 
-    /// Writes to the first writable store but the volatile one, and persists it later. The store's answer; false
-    /// without such a store.
+    /// Writes to the first writable store except the volatile one, and persists that store later. Returns the store's
+    /// result, or false if there is no such store.
     bool storeValue(const std::wstring& key, const std::wstring& value);
-    /// Writes every pair to every writable store but the volatile one. False without such a store.
+    /// Writes every pair to every writable store except the volatile one. Returns false if there is no such store.
     bool storeValue(const ConfigMap& values);
-    /// Writes to the volatile store. False without one.
+    /// Writes to the volatile store. Returns false if there is none.
     bool setInMemoryValue(const std::wstring& key, const std::wstring& value);
-    /// Removes the key under its old and new names from every writable store. True when anything went.
+    /// Removes the key under its old and new names from every writable store. Returns true if any store contained it.
     bool removeValue(const std::wstring& key);
-    /// Makes a store of the settings in a provisioning URL and forbids another one. False when the URL holds none.
+    /// Adds a store with the settings of a provisioning URL and forbids another such URL. Returns false if the URL
+    /// contains no settings.
     bool setUrlProvisioningData(const std::wstring& url);
 
-    /// Takes away and empties every store but the five that a reset spares.
+    /// Removes and clears every store except the five that a reset keeps.
     void resetConfigData();
-    /// Empties one store, exactly named. Nothing is announced.
+    /// Clears the store of that name (case-sensitive). Observers are not notified.
     void resetConfigData(const std::string& storeName);
     /// Deletes the cached copies on disk.
     void removeAllCachedStores();
-    /// Deletes a file of the cache folder, and the ".dat" twin of an ".xml" file. True when there was one.
+    /// Deletes a file of the cache folder, and the ".dat" twin of an ".xml" file. Returns true if either existed.
     bool removeCachedFiles(const std::string& fileName);
 
-    /// Replaces `out` by the XML text of a problem report. The chain is held for the stores' part only.
+    /// Replaces `out` with the XML text of a problem report. Holds the chain's lock only while it reads the stores.
     void getConfigForPRT(std::wstring& out) const;
 
 private:
     void updateConfigStore(const std::shared_ptr<ConfigStore>& store);
     void removeStoreAndCachedCopy(const std::string& name);
-    /// The chain as logs show it.
+    /// Returns the text of the chain for logs.
     std::string describeChain() const;
     void persistLater(const std::shared_ptr<ConfigStore>& store) const;
 
     void refreshStoreKeys(const std::shared_ptr<ConfigStore>& store);
     void refreshKeys(const KeyList& keys);
-    /// Works out what is now true of the key and tells the observers: the only source of onConfigAddedOrUpdated().
-    /// The result is the key's new name if it is an old one, else null.
+    /// Reads the new state of the key and notifies the observers; the only source of onConfigAddedOrUpdated(). Returns
+    /// the key's new name if `key` is an old one, otherwise null.
     const std::wstring* fireConfigChange(const std::wstring& key, bool deferFire);
     ConfigChange readConfigChange(const FoldedKey& key) const;
-    /// Whether any store holds the key under exactly this name.
+    /// Returns true if any store contains the key under exactly this name.
     bool isHeld(const std::wstring& key) const;
-    /// As the public ones. The store's name is asked for only where `configStoreName` is not null.
+    /// Behaves like the public overloads. Asks for the store's name only if `configStoreName` is not null.
     bool getValue(const FoldedKey& key, std::wstring& value, std::wstring* configStoreName, bool& valueFromLegacyKey,
                   bool skipLocal, const std::string& storeFilter) const;
     /// Reads all of `change` in one walk and logs the lookup. Returns false and reads nothing if two walks are needed.
@@ -130,7 +135,7 @@ private:
                                                bool skipLocal) const;
 
     mutable ChainLock chainLock; ///< Recursive: updates go through addStore(), callbacks read the chain.
-    StoreChain configStores;     ///< Changed under `chainLock`. No two stores of one name.
+    StoreChain configStores;     ///< Changed under `chainLock`. Names are unique.
     SensitiveKeys sensitiveKeys;
     ConfigChangeObservers observers;
     const std::shared_ptr<UnifiedFactory> unifiedFactory;

@@ -4,7 +4,7 @@
 
 namespace ZelUnified {
 
-/// The logger of the manager and of the classes it is made of.
+/// The logger of the manager and its helper classes.
 inline const OperationLogger& configStoreManagerLogger() {
     static const OperationLogger logger("ConfigStoreManager");
     return logger;

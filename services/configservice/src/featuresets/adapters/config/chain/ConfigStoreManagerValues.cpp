@@ -1,5 +1,5 @@
-// The manager's operations on values: reading, writing, and what a reset takes away. How stores arrive, leave and are
-// announced stands in ConfigStoreManager.cpp.
+// The manager's operations on values: reading, writing and resetting. ConfigStoreManager.cpp contains adding, removing
+// and announcing stores.
 
 #include "BackgroundTasks.h"
 #include "CachedConfigFiles.h"
@@ -26,7 +26,7 @@ using KyrCoreUtils::toWideString;
 
 namespace {
 
-/// What the log says of a key that was found under another name than the one asked for.
+/// Returns the log text for a key that was found under a name other than the requested one.
 std::wstring describeRenaming(ConfigLookup::FoundUnder foundUnder, const KeyAliases& keyAliases, const FoldedKey& key) {
     switch (foundUnder) {
     case ConfigLookup::FoundUnder::NewName:
@@ -40,8 +40,8 @@ std::wstring describeRenaming(ConfigLookup::FoundUnder foundUnder, const KeyAlia
     return L"";
 }
 
-/// The text without what it tells of a person. `room` holds it where that differs: most texts tell nothing, and are not
-/// converted and copied for it.
+/// Returns the text with personal data masked. `room` stores the masked text. Most texts contain no personal data and
+/// are returned without a copy.
 std::wstring_view withoutPersonalData(std::wstring_view text, std::wstring& room) {
     if (!ZelLogger_mayHoldPIIData(text)) {
         return text;
@@ -54,7 +54,7 @@ bool isInMemoryStore(ConfigStore& store) {
     return caseInsensitiveStringEquals(store.getName(), ConfigKeys::inMemoryConfigStore);
 }
 
-/// The stores that an ordinary write may go to.
+/// Returns true for the stores that receive ordinary writes.
 bool isWriteTarget(ConfigStore& store) {
     return !store.isReadOnly() && !isInMemoryStore(store);
 }
@@ -73,7 +73,7 @@ bool ConfigStoreManager::getValue(const FoldedKey& key, std::wstring& value, std
     const std::lock_guard lock(chainLock);
     const bool isLogged = ZelLog_isDebugEnabled(configStoreManagerLogger());
     auto foundUnder = ConfigLookup::FoundUnder::AskedName;
-    // Results of its own: the caller may hand in one string for the key and one of them.
+    // Uses local results: the caller may pass the same string as the key and as an out parameter.
     std::wstring answer;
     std::wstring storeName = configStoreName == nullptr ? std::wstring() : *configStoreName;
     std::wstring* const wantedName = configStoreName != nullptr || isLogged ? &storeName : nullptr;
@@ -103,7 +103,7 @@ std::optional<std::wstring> ConfigStoreManager::describeLookup(const FoldedKey& 
                                                                bool found, std::wstring_view storeName,
                                                                ConfigLookup::FoundUnder foundUnder,
                                                                bool skipLocal) const {
-    // Masked before it is asked whether anybody logs, so that a log changes nothing but itself.
+    // Masks before the test for debug logging, so that enabling the log changes nothing else.
     std::wstring masked;
     const auto shown = withoutPersonalData(sensitiveKeys.contains(key) ? ConfigKeys::valueHidden : value, masked);
     if (!ZelLog_isDebugEnabled(configStoreManagerLogger())) {
@@ -138,7 +138,7 @@ std::wstring ConfigStoreManager::getValue(const std::string& storeFilter, const 
 bool ConfigStoreManager::getOriginalValue(const std::wstring& key, std::wstring& originalValue,
                                           std::wstring& originalValueStoreName, bool& fromLegacyKey) const {
     const std::lock_guard lock(chainLock);
-    // Results of its own: the caller may hand in one string for the key and one of them.
+    // Uses local results: the caller may pass the same string as the key and as an out parameter.
     std::wstring value;
     std::wstring storeName = originalValueStoreName;
     const bool hasOverride = lookup.getOriginalValue(FoldedKey(key), value, storeName, fromLegacyKey);
@@ -230,7 +230,7 @@ bool ConfigStoreManager::setUrlProvisioningData(const std::wstring& url) {
     const std::string name(ConfigKeys::urlProvisioningConfigStore);
     addStore(std::make_shared<CacheConfigStore>(name, StorePriorities::urlProvisioning,
                                                 CachedConfigFiles::getPathOfCopy(name), settings));
-    // Provisioning works once: from here on the user's file forbids another.
+    // Provisioning works once: from now on the user's file forbids another.
     storeValue(std::wstring(ConfigKeys::allowUrlProvisioning), L"False");
     return true;
 }
@@ -242,7 +242,7 @@ void ConfigStoreManager::persistLater(const std::shared_ptr<ConfigStore>& store)
 void ConfigStoreManager::resetConfigData() {
     const std::lock_guard lock(chainLock);
     for (std::size_t i = configStores.getStores()->size(); i-- > 0;) {
-        // Observers may have changed the chain since the last round.
+        // Observers may have changed the chain during the last iteration.
         const auto store = configStores.at(i);
         if (!store || isSparedByReset(store->getName())) {
             continue;

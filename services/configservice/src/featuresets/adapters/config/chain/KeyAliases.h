@@ -8,20 +8,20 @@
 
 namespace ZelUnified {
 
-/// Keys that changed their names: stores in the field may hold either one. Constant after construction, so any thread
-/// reads it without a lock.
+/// The old and new names of keys that were renamed. Existing stores may contain either name. Constant after
+/// construction, so any thread may read it without a lock.
 class KeyAliases {
 public:
     KeyAliases();
 
-    /// The new name of a key that is an old one; null for any other. Ignores case.
+    /// Returns the new name if `key` is an old name (case-insensitive), otherwise null.
     const std::wstring* lookupKeyAlias(const FoldedKey& key) const noexcept { return keyAliases.find(key); }
     const std::wstring* lookupKeyAlias(const std::wstring& key) const { return lookupKeyAlias(FoldedKey(key)); }
-    /// The old name of a key that is a new one; null for any other. Ignores case.
+    /// Returns the old name if `key` is a new name (case-insensitive), otherwise null.
     const std::wstring* lookupLegacyKey(const FoldedKey& key) const noexcept { return legacyKeys.find(key); }
     const std::wstring* lookupLegacyKey(const std::wstring& key) const { return lookupLegacyKey(FoldedKey(key)); }
 
-    /// Old names to new ones.
+    /// Returns the map from old names to new names.
     const ConfigMap& getKeyAliases() const noexcept { return keyAliases.getMap(); }
 
 private:

@@ -12,7 +12,7 @@
 
 namespace ZelUnified {
 
-/// The keys whose values are never shown, ignoring case. Any thread.
+/// The keys whose values are never shown; case-insensitive. Any thread.
 class SensitiveKeys {
 public:
     void add(const std::wstring& key) {
@@ -37,11 +37,11 @@ public:
     }
 
 private:
-    /// Recursive, as all locks of the manager.
+    /// Recursive, like all locks of the manager.
     mutable zel::RankedMutex<std::recursive_mutex, zel::LockRank::Innermost> sensitiveKeysLock;
     ConfigKeySet sensitiveKeys;
-    KeyIndex<const std::wstring> index; ///< Of the entries of `sensitiveKeys`.
-    KeyFilter filter;                   ///< Each lookup of any key asks.
+    KeyIndex<const std::wstring> index; ///< Refers to the entries of `sensitiveKeys`.
+    KeyFilter filter;                   ///< Cheap first test: every lookup calls contains().
 };
 
 } // namespace ZelUnified

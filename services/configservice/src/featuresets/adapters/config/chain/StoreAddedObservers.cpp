@@ -16,7 +16,7 @@ void StoreAddedObservers::registerConfigStoreAddedObserver(const std::shared_ptr
 
 void StoreAddedObservers::unregisterConfigStoreAddedObserver(
     const std::shared_ptr<ConfigStoreAddedObserver>& observer) {
-    // Keeps every observer alive until the lock is released: none may die under it.
+    // Keeps every observer alive until the lock is released: no observer's destructor may run under the lock.
     const auto living = getLiving();
     const std::lock_guard lock(storeAddedObserversLock);
     if (!observer) {

@@ -35,7 +35,7 @@ std::shared_ptr<ConfigStore> StoreChain::find(std::string_view name) const {
 }
 
 void StoreChain::add(std::shared_ptr<ConfigStore> store) {
-    // A foreign store may change its answer between two questions: each is asked once for the whole sort.
+    // A store of another service may return a different priority each time, so the sort reads each priority once.
     std::vector<std::pair<int, std::shared_ptr<ConfigStore>>> ranked;
     for (const auto walked = getStores(); const auto& present : *walked) {
         ranked.emplace_back(present->getPriority(), present);
@@ -65,7 +65,7 @@ void StoreChain::replace(Stores next) {
         changed->links.emplace_back(store);
     }
     changed->stores = std::move(next);
-    std::shared_ptr<const Chain> replaced = std::move(changed); // dies behind the lock
+    std::shared_ptr<const Chain> replaced = std::move(changed); // destroyed after the lock is released
     const std::lock_guard lock(chainMutex);
     chain.swap(replaced);
 }

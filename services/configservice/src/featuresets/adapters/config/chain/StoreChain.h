@@ -11,22 +11,23 @@
 
 namespace ZelUnified {
 
-/// The stores in ascending priority; equal priorities keep their order of arrival. Each change makes a new vector, so
-/// that a walk goes on undisturbed when a callback changes the chain, and a reader needs no lock but the moment it
-/// takes the vector. Changes are the owner's to serialise.
+/// The stores in ascending order of priority; equal priorities keep their order of insertion. Each change replaces the
+/// vector, so a walk is not affected when a callback changes the chain, and a reader holds the lock only while it
+/// copies the pointer to the vector. The owner serialises changes.
 class StoreChain {
 public:
     using Stores = std::vector<std::shared_ptr<ConfigStore>>;
     using Links = std::vector<ChainLink>;
 
-    /// The chain as it stands; never null.
+    /// Returns the current stores; never null.
     std::shared_ptr<const Stores> getStores() const;
-    /// The same stores, to be asked for keys; never null. For a caller that holds what serialises the changes.
+    /// Returns the links to the same stores, for looking up keys; never null. The caller must hold the lock that
+    /// serialises changes.
     std::shared_ptr<const Links> getLinks() const;
 
-    /// The store at that place; empty behind the end.
+    /// Returns the store at that index, or null if `index` is past the end.
     std::shared_ptr<ConfigStore> at(std::size_t index) const;
-    /// The first store of that name, ignoring case; empty when there is none.
+    /// Returns the first store of that name (case-insensitive), or null if there is none.
     std::shared_ptr<ConfigStore> find(std::string_view name) const;
 
     void add(std::shared_ptr<ConfigStore> store);
@@ -41,8 +42,8 @@ private:
     std::shared_ptr<const Chain> getChain() const;
     void replace(Stores next);
 
-    mutable std::mutex chainMutex; ///< Guards the pointer against readers without the owner's lock; nothing is called
-                                   ///< under it.
+    /// Guards the pointer for readers without the owner's lock. No other function is called under it.
+    mutable std::mutex chainMutex;
     std::shared_ptr<const Chain> chain = std::make_shared<const Chain>();
 };
 

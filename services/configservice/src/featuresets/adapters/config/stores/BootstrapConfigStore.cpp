@@ -46,7 +46,7 @@ void readLines(std::istream& stream, ConfigMap& read) {
         if (first && line.starts_with(byteOrderMark)) {
             line.erase(0, byteOrderMark.size());
         }
-        // The file may have been written with Windows line ends.
+        // The file may have Windows line endings.
         if (line.ends_with('\r')) {
             line.pop_back();
         }
@@ -78,7 +78,7 @@ bool BootstrapConfigStore::getValue(const std::wstring& key, std::wstring& value
 bool BootstrapConfigStore::lookUp(const FoldedKey& key, std::wstring& value) {
     const auto found = values->find(key);
     const auto held = KyrCoreUtils::trim(found.value_or(std::wstring_view()));
-    value = zel::withFipsOverride(key.getText(), held); // last: key and value may be one string
+    value = zel::withFipsOverride(key.getText(), held); // last: `key` may refer to `value`
     return found.has_value();
 }
 

@@ -2,7 +2,6 @@
 #include "LocalFileDocument.h"
 #include "StoreAnswer.h"
 #include "featuresets/adapters/config/xml/XmlReader.h"
-#include "logging/LogPlace.h"
 #include "secure/SecureBuffer.h"
 #include "secure/SecureString.h"
 #include "secure/StackWiper.h"
@@ -54,11 +53,9 @@ std::string readWhole(const std::string& path) {
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-/// Logs the content of a file that is not well-formed and moves the file aside.
+/// Logs the content of a file that is not well-formed and renames the file.
 void quarantine(const std::string& directory, const std::string& file, const LogPlace& place) {
-    const auto logError = [&place](const auto& text) {
-        ZelLog(logger, ZelLogLevel::Error, place.file, place.line, place.function, text);
-    };
+    const auto logError = [&place](const auto& text) { ZelLog(logger, ZelLogLevel::Error, place, text); };
     const std::string quarantineName = file.substr(0, file.rfind('.')) + "-backup.xml";
     logError(std::string(invalidSyntax) + "\nrenaming invalid file to: " + quarantineName +
              " and creating new blank XML document");
@@ -72,7 +69,7 @@ void quarantine(const std::string& directory, const std::string& file, const Log
 
 } // namespace
 
-/// Writes the backup of a store that still lives when the timer fires.
+/// Writes the backup if the store still exists when the timer fires.
 class LocalFileConfigStore::LocalFileConfigFileCacheTimerCallBackImpl final : public ConfigFileCacheTimerCallBack {
 public:
     LocalFileConfigFileCacheTimerCallBackImpl(std::weak_ptr<LocalFileConfigStore> written, std::string file)
@@ -161,7 +158,7 @@ bool LocalFileConfigStore::removeValue(const std::wstring& key) {
 }
 
 void LocalFileConfigStore::removeAllValues() {
-    // A reset deletes the files next: a write in flight must be over by then.
+    // Waits for a write in progress, because a reset deletes the files next.
     const zel::Mutex::ScopedLock fileLock(fileMutex);
     const zel::Mutex::ScopedLock valuesLock(valuesMutex);
     lastPersistedValues->noteRemoval();
@@ -281,7 +278,7 @@ void LocalFileConfigStore::persistValuesImpl(const std::string& target) {
             lastPersistedValues->bringUpToDate(*values);
         }
     }
-    // The facility refuses empty content, which is what protects the file of a store that must not write.
+    // The facility rejects empty content. This protects the file of a store that must not write.
     EncryptFileUtils::writeDataToFile(configDirectory + target, content, UserData);
 }
 

@@ -32,7 +32,7 @@ void LocalFileDocument::read(const XmlDocument& document) {
 
 void LocalFileDocument::processXml(const xmlNode* node) {
     for (; node != nullptr; node = node->next) {
-        // An entity reference's child is its declaration, which leads out of the tree.
+        // The child of an entity reference is its declaration, which is outside the tree.
         if (node->type == XML_ELEMENT_NODE) {
             processUserConfigXml(*node);
             processXml(node->children);
@@ -64,7 +64,7 @@ void LocalFileDocument::processUserConfigXml(const xmlNode& element) {
         zel::SecureString::wipe(*text);
     }
     if (!key.empty()) {
-        values.try_emplace(values.end(), key, value); // where it belongs in a document that the store wrote
+        values.try_emplace(values.end(), key, value); // the hint is right for a document that the store wrote
     }
     zel::SecureString::wipe(value);
 }

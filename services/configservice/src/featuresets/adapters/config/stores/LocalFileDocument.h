@@ -14,19 +14,19 @@ namespace ZelUnified {
 
 class ConfigTable;
 
-/// The document of a local file: "userConfig" elements, anywhere, with the attributes "name" and "value".
+/// The document of a local file: "userConfig" elements at any depth, with the attributes "name" and "value".
 class LocalFileDocument {
 public:
-    /// `table` receives the keys; the first element of a key wins. The caller holds the table's lock.
+    /// Reads into `table`; the first element of a key wins. The caller holds the table's lock.
     LocalFileDocument(const std::string& store, ConfigMap& table);
 
     void read(const XmlDocument& document);
 
-    /// Writes the document of `table`, which may put that in order, into `content`. Named after the store's operation,
-    /// which is what a log line names. Leaves `content` unchanged on failure.
+    /// Writes the document of `table` into `content`; may sort the table. On failure leaves `content` unchanged. Log
+    /// lines show this function's name, so it is the name of the store's operation.
     static void getDataString(ConfigTable& table, zel::SecureString& content);
 
-    /// The key under which `key` is kept: an old name gives way to its successor.
+    /// Returns the key under which `key` is stored: the new name if `key` is an old one.
     static std::wstring migrateKey(const std::wstring& key);
 
 private:

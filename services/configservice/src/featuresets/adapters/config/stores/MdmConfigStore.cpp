@@ -37,8 +37,9 @@ bool MdmConfigStore::getValue(const std::wstring& key, std::wstring& value) {
 bool MdmConfigStore::lookUp(const FoldedKey& key, std::wstring& value) {
     const auto found = values->find(key);
     const auto held = KyrCoreUtils::trim(found.value_or(std::wstring_view()));
-    // Also on a miss: device management can't leave the answer open here.
-    value = zel::withFipsOverride(key.getText(), held); // last: key and value may be one string
+    // The FIPS override applies on a miss too: a key that device management does not set must still return the forced
+    // value.
+    value = zel::withFipsOverride(key.getText(), held); // last: `key` may refer to `value`
     return found.has_value();
 }
 

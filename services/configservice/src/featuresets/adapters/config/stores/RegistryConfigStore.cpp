@@ -27,19 +27,19 @@ namespace {
 
 ZelLogger& logger = ZelLogger_getLogger("ConfigService-RegistryConfigStore");
 
-/// Policies of the current user lie below it.
+/// The parent key of the current user's policies.
 constexpr std::wstring_view softwareKey = L"Software\\";
 
 bool isPasswordLike(std::wstring_view key) {
     return KyrCoreUtils::caseInsensitiveFind(key, ConfigKeys::connectionPassword) >= 0;
 }
 
-/// What a log or a file may show.
+/// Returns the value that a log or a file may show.
 std::wstring_view shownValue(const ConfigEntry& entry) {
     return isPasswordLike(entry.getKey()) ? ConfigKeys::valueHidden : entry.getValue();
 }
 
-/// Writes `text` into the buffer behind its first `length` characters, as much of it as has room.
+/// Writes `text` into the buffer after its first `length` characters, truncated to the size of the buffer.
 void place(RegistryConfigStore::PathBuffer& buffer, std::size_t length, std::wstring_view text) {
     const auto room = RegistryConfigStore::pathBufferSize - 1 - length;
     const auto end = std::ranges::copy(text.substr(0, room), buffer + length).out;
@@ -93,7 +93,7 @@ bool RegistryConfigStore::removeValue(const std::wstring&) {
     return false;
 }
 
-/// While the adapter constructs itself there is no feature set yet, and nothing is marked.
+/// Marks nothing while the adapter is being constructed, because there is no feature set yet.
 void RegistryConfigStore::markSensitiveKeys() const {
     const auto featureSet = unifiedFactory ? unifiedFactory->getFeatureSetByType<ConfigFeatureSet>() : nullptr;
     if (!featureSet) {
@@ -123,7 +123,7 @@ void RegistryConfigStore::writeTextCopy() const {
         return;
     }
     const auto path = directory + FileUtils::FileSeparator() + std::string(ConfigKeys::registryConfigStore) + ".txt";
-    FileUtils::removeFile(path); // a dangling link too, which would not count as an existing file
+    FileUtils::removeFile(path); // also a dangling link, which does not count as an existing file
     if (values->isEmpty()) {
         return;
     }
@@ -131,7 +131,7 @@ void RegistryConfigStore::writeTextCopy() const {
     for (const auto& entry : values->list()) {
         text += KyrCoreUtils::toString(entry->getKey()) + ": " + KyrCoreUtils::toString(shownValue(*entry)) + '\n';
     }
-    createForOwner(path, text); // policies are nobody else's business
+    createForOwner(path, text); // only the owner may read policies
 }
 
 void RegistryConfigStore::removeRegistrySettings() {
@@ -176,8 +176,8 @@ void RegistryConfigStore::deleteSubkeys(Registry& registry, HKEY root, HKEY key,
     while (registry.RegEnumKeyExW(key, 0, name, nameLength) == RegistryResult::Success) {
         std::wstring child(name.data(), nameLength);
         place(subkey, prefixLength, child);
-        // Without a character of its name the path would lead back to this key. And a key whose path was cut counts as
-        // gone while it is still there: it must not be tried for ever.
+        // If the buffer has no space for the name, the path would be that of this key. A key whose path was truncated
+        // counts as deleted although it still exists, so a repeated name ends the loop.
         if (lengthOf(subkey) == prefixLength || child == previous || !regDelnodeRecurse(root, subkey)) {
             break;
         }

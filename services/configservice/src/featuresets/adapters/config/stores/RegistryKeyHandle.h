@@ -4,7 +4,7 @@
 
 namespace ZelUnified {
 
-/// A key opened for reading, for the length of a scope.
+/// A registry key opened for reading. The destructor closes it.
 class RegistryKeyHandle {
 public:
     RegistryKeyHandle(zel::registry::Registry& platformRegistry, zel::registry::HKEY root, const wchar_t* path)
@@ -13,7 +13,7 @@ public:
     RegistryKeyHandle(const RegistryKeyHandle&) = delete;
     RegistryKeyHandle& operator=(const RegistryKeyHandle&) = delete;
 
-    /// False also when the opening went well and gave no key.
+    /// Returns false if opening the key failed, or succeeded without a handle.
     explicit operator bool() const {
         return result == zel::registry::RegistryResult::Success && key != zel::registry::HKEY{};
     }

@@ -13,7 +13,7 @@ using namespace zel::registry;
 
 namespace {
 
-/// The room for a path, its terminator included.
+/// The size of a path buffer in characters, including the terminator.
 constexpr std::size_t pathBufferSize = 1024;
 
 std::uint32_t numberOf(std::span<const std::uint8_t> data) {
@@ -36,7 +36,8 @@ void RegistryTreeReader::read(const std::wstring& path) {
     walkSubkeys(key.get(), path, count, count);
 }
 
-/// A value that does not fit ends the reading, and those behind it are not seen.
+/// Reads the values of one key. Stops at the first value that does not fit the buffers; the following ones are not
+/// read.
 void RegistryTreeReader::readValues(HKEY key) {
     for (std::uint32_t index = 0;; ++index) {
         auto nameLength = static_cast<std::uint32_t>(valueName.size());
@@ -54,7 +55,7 @@ void RegistryTreeReader::insert(std::wstring key, std::uint32_t type, std::span<
     switch (type) {
     case REG_SZ:
     case REG_EXPAND_SZ:
-    case REG_MULTI_SZ: // of a list the first text counts
+    case REG_MULTI_SZ: // the first string of a list
         values.emplace(std::move(key), decodeRegistryText(data));
         break;
     case REG_DWORD:
@@ -65,8 +66,8 @@ void RegistryTreeReader::insert(std::wstring key, std::uint32_t type, std::span<
     }
 }
 
-/// `bound` limits the indices that are tried. Below the first level it is the number of keys beside `key`, not of those
-/// below it, and a key with more subkeys than its parent has is read only so far.
+/// Reads the subkeys with indices below `bound`. Below the first level `bound` is the number of siblings of `key`, not
+/// of its subkeys, so a key with more subkeys than its parent is read only in part.
 void RegistryTreeReader::walkSubkeys(HKEY key, const std::wstring& path, std::uint32_t bound, std::uint32_t count) {
     for (std::uint32_t index = 0; index < bound; ++index) {
         auto length = static_cast<std::uint32_t>(keyName.size());
@@ -79,7 +80,7 @@ void RegistryTreeReader::walkSubkeys(HKEY key, const std::wstring& path, std::ui
 
 void RegistryTreeReader::readSubkey(const std::wstring& path, std::uint32_t bound) {
     if (path.size() >= pathBufferSize) {
-        return; // cut short it would name another key
+        return; // truncated, the path would name another key
     }
     const RegistryKeyHandle key(registry, HKEY_CURRENT_USER, path.c_str());
     if (!key) {

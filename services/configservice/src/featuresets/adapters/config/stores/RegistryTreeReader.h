@@ -11,14 +11,14 @@
 
 namespace ZelUnified {
 
-/// Flattens a tree of the current user's registry into one table. The path is lost; the first met wins a key: a parent
-/// before its children, lower indices first.
+/// Flattens a tree of the current user's registry into one table, without the paths. The first occurrence of a key
+/// wins: a parent before its children, lower indices first.
 class RegistryTreeReader {
 public:
     RegistryTreeReader(zel::registry::Registry& platformRegistry, ConfigMap& table)
         : registry(platformRegistry), values(table) {}
 
-    /// A key that can't be opened adds nothing.
+    /// Adds the values of the key and its subkeys. Adds nothing if the key cannot be opened.
     void read(const std::wstring& path);
 
 private:

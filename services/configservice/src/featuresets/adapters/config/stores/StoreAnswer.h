@@ -13,17 +13,18 @@
 
 namespace ZelUnified {
 
-/// What a store says of a key for which it holds `found`, if anything: a miss empties the value.
+/// Sets `value` to `found` and returns true; if `found` has no value, clears `value` and returns false. The FIPS
+/// override applies to a hit.
 inline bool answerWith(std::optional<std::wstring_view> found, const FoldedKey& key, std::wstring& value) {
     if (!found) {
         value.clear();
         return false;
     }
-    value = zel::withFipsOverride(key.getText(), *found); // last: key and value may be one string
+    value = zel::withFipsOverride(key.getText(), *found); // last: `key` may refer to `value`
     return true;
 }
 
-/// The same for sources whose word on the check of certificates is held and listed, but never given.
+/// The same for stores that hold and list the key for certificate validation but never return its value.
 inline bool answerUnlessWithheld(std::optional<std::wstring_view> found, const FoldedKey& key, std::wstring& value) {
     const bool isWithheld =
         found && KyrCoreUtils::caseInsensitiveStringEquals(key.getText(), ConfigKeys::certificateValidationEnabled);

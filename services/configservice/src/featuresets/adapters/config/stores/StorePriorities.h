@@ -2,15 +2,15 @@
 
 #include <limits>
 
-/// Where the stores that this library makes stand in the chain; a lower number comes first and wins. Stores of other
-/// services bring their own priority, and their cached copies the recorded one.
+/// The priorities of the stores that this library creates; the lowest number comes first in the chain and wins. Stores
+/// of other services have their own priority, and their cached copies have the recorded one.
 namespace ZelUnified::StorePriorities {
 
 inline constexpr int localFile = 20;
 inline constexpr int registry = 33;
-/// Of a cached copy whose recorded priority is no number.
+/// For a cached copy whose recorded priority is not a number.
 inline constexpr int cachedCopy = 240;
-/// The same for a record that is handed in as text; differs by tradition.
+/// The same for a record passed as text. The difference is historical.
 inline constexpr int cachedCopyOfGivenRecord = 40;
 inline constexpr int urlProvisioning = 499;
 inline constexpr int mdm = 500;

@@ -12,13 +12,13 @@ namespace ZelUnified {
 
 namespace {
 
-constexpr std::wstring_view ediPassword = L"ConnectionPassword"; // not as the catalogue spells the key
+constexpr std::wstring_view ediPassword = L"ConnectionPassword"; // spelled differently from the catalogue
 constexpr std::wstring_view bdiPassword = ConfigKeys::bdiConnectionPassword;
 constexpr std::wstring_view wellKnown[SensitiveKeySecuringUtility::KEYS_TO_SECURE] = {ediPassword, bdiPassword};
 
 } // namespace
 
-// In this order in this file: the array copies the two names when the library is loaded.
+// Must be defined in this order: the array copies the two names when the library is loaded.
 const std::wstring SensitiveKeySecuringUtility::EDI_PSW_KEY(ediPassword);
 const std::wstring SensitiveKeySecuringUtility::BDI_PSW_KEY(bdiPassword);
 const std::wstring SensitiveKeySecuringUtility::WELL_KNOWN_SENSITIVE_KEYS[KEYS_TO_SECURE] = {EDI_PSW_KEY, BDI_PSW_KEY};

@@ -18,11 +18,11 @@ void wipeAndFree(xmlBuffer* buffer) {
     xmlBufferFree(buffer);
 }
 
-/// What the library wants to have free beside what it writes.
+/// Free space that the library requires in addition to its output.
 constexpr std::size_t slack = std::size_t{16} * 1024;
-constexpr std::size_t longestMarkup = 16; ///< Around a name or a text.
+constexpr std::size_t longestMarkup = 16; ///< Markup around a name or a text.
 
-/// No less than the text takes, escaped.
+/// Returns an upper bound for the size of the escaped text.
 std::size_t roomFor(const xmlChar* text) {
     constexpr std::size_t longestEscape = 6;
     std::size_t room = longestMarkup;
@@ -37,7 +37,7 @@ std::size_t roomFor(const xmlNs* space) {
     return space == nullptr ? 0 : roomFor(space->prefix) + roomFor(space->href);
 }
 
-/// As deep as the parser lets a document be.
+/// Returns an upper bound for the output of the node. The parser limits the depth of the recursion.
 std::size_t roomFor(const xmlNode& node) {
     std::size_t room = 2 * roomFor(node.name);
     if (node.type == XML_ELEMENT_NODE) {
@@ -54,7 +54,7 @@ std::size_t roomFor(const xmlNode& node) {
     } else {
         room += roomFor(node.content);
     }
-    // A reference's child is the entity's declaration, which is not written.
+    // The child of an entity reference is the entity's declaration, which is not written.
     const xmlNode* child = node.type == XML_ELEMENT_NODE ? node.children : nullptr;
     for (; child != nullptr; child = child->next) {
         room += roomFor(*child);

@@ -6,11 +6,11 @@
 
 namespace ZelUnified {
 
-/// Memory that libxml2 writes into; zeroed before it is freed.
+/// Memory that libxml2 writes into. It is zeroed before it is freed.
 using XmlBuffer = std::shared_ptr<xmlBuffer>;
 
-/// With room for all that the library writes of `node`: growing, it would leave behind what it had written. Empty when
-/// the library has no memory.
+/// Returns a buffer with enough memory for everything that the library writes for `node`: growing it would leave a copy
+/// of the output behind. Returns null if the library cannot allocate it.
 XmlBuffer makeXmlBuffer(const xmlNode& node);
 
 } // namespace ZelUnified

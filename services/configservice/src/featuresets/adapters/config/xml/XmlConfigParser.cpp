@@ -42,7 +42,7 @@ zel::storage::FileCategoryType::FileCategory categoryOf(const std::string& path)
     return outlivesReset ? zel::storage::FileCategoryType::DeviceData : zel::storage::FileCategoryType::UserData;
 }
 
-/// The path with the extension of its last component replaced by the facility's.
+/// Returns the path with the extension of its last component replaced by the extension of protected files.
 std::string toProtectedName(const std::string& path) {
     const std::string name = FileUtils::getFileName(path);
     const std::string directory = path.substr(0, path.size() - name.size());
@@ -62,7 +62,7 @@ std::wstring describeFile(const std::string& path) {
     return toWideString(name) + L" or " + toWideString(toProtectedName(name));
 }
 
-/// The library reads a path that is a valid URI as one and decodes it.
+/// Returns the path as the library must receive it: the library decodes a path that is a valid URI.
 std::string toSavePath(const std::string& path) {
     if (path.find('%') == std::string::npos) {
         return path;
@@ -78,7 +78,7 @@ std::string toSavePath(const std::string& path) {
     return escaped ? "file://" + std::string(reinterpret_cast<const char*>(escaped.get())) : path;
 }
 
-/// The library would make the file by the process's umask.
+/// Creates the file for the owner only. Otherwise the library would create it with the process's umask.
 void reserveForOwner(const std::string& path) {
     std::fstream stream;
     KyrCoreUtils::FstreamUtils::open(stream, path, KyrCoreUtils::StreamMode::Write);
@@ -121,18 +121,18 @@ std::size_t textLength(const xmlNode& element) {
     return length;
 }
 
-/// The new entry of the key that an element's name stands for; null when an earlier element had the key.
+/// Inserts the key of an element's name and returns the new entry, or null if an earlier element had the key.
 ConfigMap::value_type* insertKey(std::string_view name, ConfigMap& values) {
     std::wstring key = toWideString(name);
     KyrCoreUtils::makeLowercase(key);
     const std::size_t known = values.size();
-    // The library writes its documents in the order of the table, so most keys belong at its end.
+    // Documents are written in the order of the table, so most keys belong at its end.
     const auto entry = values.try_emplace(values.end(), std::move(key));
     return values.size() == known ? nullptr : &*entry;
 }
 
-/// Puts plain elements into a table. Their texts pass through the same two strings, so that each costs no memory but
-/// its entry's.
+/// Inserts plain elements into a table. All elements share two strings, so each element needs memory only for its
+/// entry.
 class PlainElementTaker {
 public:
     explicit PlainElementTaker(ConfigTable& table) : values(table) {}
@@ -153,7 +153,8 @@ private:
     std::wstring value;
 };
 
-/// Plain keys go into `values`, the document holds the rest. Without one the table stays empty.
+/// Inserts the plain keys into `values` and returns the document of all other elements. On failure returns null or
+/// throws, and `values` is empty.
 XmlDocument parseProtectedText(const zel::SecureString& content, ConfigTable& values) {
     zel::SecureBuffer clear;
     content.decrypt(clear);
@@ -220,7 +221,7 @@ bool XmlConfigParser::readFromEncryptedFile(const std::string& path, ConfigTable
     }
     const bool parsed = addOtherKeys(document, values, sensitiveKeys);
     if (xmlNode* root = xmlDocGetRootElement(document.get())) {
-        // What was protected on the disk does not linger in the tree, whatever its key.
+        // The file is protected, so all its texts in the tree are zeroed, not only passwords.
         XmlScrubber(document).scrubElement(*root);
     }
     return parsed;
@@ -314,7 +315,7 @@ void XmlConfigParser::parseXmlGroup(XmlScrubber& scrubber, xmlNode& group, Confi
         if (entry == nullptr) {
             continue;
         }
-        const bool isMarked = parseSensitiveAttribute(*element); // extracting a password wipes its attributes
+        const bool isMarked = parseSensitiveAttribute(*element); // first: extracting a password wipes its attributes
         std::string text = holdsOnlyText(*element) ? extractStringFromXmlNode(scrubber, *element)
                                                    : extractXmlStringFromXmlNode(scrubber, *element);
         entry->second = toWideString(text);
@@ -362,7 +363,7 @@ std::string XmlConfigParser::extractXmlStringFromXmlNode(XmlScrubber& scrubber, 
 bool XmlConfigParser::parseSensitiveAttribute(const xmlNode& element) {
     for (const xmlAttr* attribute = element.properties; attribute != nullptr; attribute = attribute->next) {
         if (KyrCoreUtils::toLowercase(XmlReader::getName(*attribute)) == "sensitive") {
-            std::size_t budget = 1000; // a truth value is short
+            std::size_t budget = 1000; // a boolean is short
             const auto text = XmlReader::getText(*attribute, budget);
             return text && KyrCoreUtils::toBool(*text);
         }

@@ -12,29 +12,30 @@ namespace ZelUnified {
 class ConfigTable;
 class XmlScrubber;
 
-/// Turns a document of root, groups and keys into a table, and a table into such a document. The elements of all groups
-/// fall into one table, the first of a key wins; its value is the element's trimmed text, or the whole element as XML
-/// when it holds more than text. No state; any thread; two writers on one path are the caller's to keep apart.
+/// Converts a document of root, groups and keys into a table, and a table into such a document. The elements of all
+/// groups go into one table; the first element of a key wins. The value is the element's trimmed text, or the whole
+/// element as XML if it contains more than text. Stateless; any thread. The caller must prevent two writes to the same
+/// path at once.
 ///
-/// A reader empties the table first, also when it then fails, and only adds to the sensitive keys.
+/// A read operation clears the table first, even if it then fails. It adds to the sensitive keys and removes none.
 class LUMORA_CONFIG_API XmlConfigParser {
 public:
-    /// A plain file.
+    /// Reads a plain file.
     static bool readFromFile(const std::string& path, ConfigMap& values, ConfigKeySet& sensitiveKeys);
-    /// A protected file.
+    /// Reads a protected file.
     static bool readFromEncryptedFile(const std::string& path, ConfigMap& values, ConfigKeySet& sensitiveKeys);
     static bool readFromEncryptedFile(const std::string& path, ConfigTable& values, ConfigKeySet& sensitiveKeys);
     static bool readFromMemory(const std::string& xml, ConfigMap& values, ConfigKeySet& sensitiveKeys);
 
-    /// Saves the document as it is, unprotected. False when the text is not well-formed or can't be saved.
+    /// Saves the document unchanged and unprotected. Returns false if the text is not well-formed or cannot be saved.
     static bool writeToFile(const std::string& path, const std::string& xml);
-    /// Writes a protected file. A key that is no XML name makes it unreadable.
+    /// Writes a protected file. A key that is not a valid XML name makes the file unreadable.
     static bool writeToFile(const std::string& path, const ConfigMap& values);
     static bool writeToFile(const std::string& path, ConfigTable& values);
     static bool writeToMemory(std::string& xml, const ConfigMap& values);
 
 private:
-    /// Adds the keys that were not handed out as plain ones; those win.
+    /// Adds the keys that remain in the document. Keys already in `values` win.
     static bool addOtherKeys(const XmlDocument& document, ConfigTable& values, ConfigKeySet& sensitiveKeys);
     static bool parseXmlConfig(const XmlDocument& document, ConfigMap& values, ConfigKeySet& sensitiveKeys);
     static void parseXmlGroup(XmlScrubber& scrubber, xmlNode& group, ConfigMap& values, ConfigKeySet& sensitiveKeys);

@@ -19,7 +19,7 @@ XmlGuard::XmlGuard()
       loadExternalDtd(xmlLoadExtDtdDefaultValue),
       validate(xmlDoValidityCheckingDefaultValue),
       keepBlanks(xmlKeepBlanksDefaultValue) {
-    // The second parameter's type differs between versions of the library.
+    // `auto`: the type of the second parameter differs between versions of the library.
     xmlSetStructuredErrorFunc(nullptr, [](void*, auto*) {});
     xmlSetGenericErrorFunc(nullptr, &ignoreMessage);
     xmlSubstituteEntitiesDefaultValue = 0;

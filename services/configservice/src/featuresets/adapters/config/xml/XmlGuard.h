@@ -7,10 +7,10 @@
 
 namespace ZelUnified {
 
-/// Stands around every use of libxml2 on foreign bytes. For the calling thread and its own lifetime: the library says
-/// nothing (its messages quote the offending line, secrets included), substitutes no entity, loads no external DTD and
-/// so opens neither a file nor a connection of the document's choice. The thread's settings are then put back, since
-/// the process shares the library.
+/// Makes libxml2 safe for untrusted bytes. Create one before every use of libxml2 on such bytes. While it exists, on
+/// the calling thread, the library prints no messages (they quote the offending line, including secrets), substitutes
+/// no entities and loads no external DTD, so a document cannot make it open a file or a connection. The destructor
+/// restores the thread's settings, because other users in the process share the library.
 class XmlGuard {
 public:
     XmlGuard();
@@ -19,7 +19,7 @@ public:
     XmlGuard& operator=(const XmlGuard&) = delete;
 
 private:
-    const XmlLibrary library; ///< First: what is kept behind it is asked of the library.
+    const XmlLibrary library; ///< Declared first: the other members read the library's settings.
     xmlStructuredErrorFunc structuredHandler;
     void* structuredContext;
     xmlGenericErrorFunc genericHandler;

@@ -2,8 +2,8 @@
 
 namespace ZelUnified {
 
-/// To be made before anything else of libxml2 is used: the library prepares itself at its first use, and goes wrong
-/// when two threads make that use at once.
+/// Initialises libxml2. Construct one before any other use of libxml2: the library otherwise initialises itself at its
+/// first use, which is a race if two threads do so at once.
 class XmlLibrary {
 public:
     XmlLibrary();

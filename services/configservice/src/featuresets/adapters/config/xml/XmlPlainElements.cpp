@@ -10,7 +10,7 @@ namespace {
 
 constexpr int depthOfGroup = 2;
 
-/// In bytes. A longer text goes to the tree, where the library's own limits hold.
+/// In bytes. A longer text is added to the tree, where the library's own limits apply.
 constexpr std::size_t longestText = std::size_t{64} * 1024;
 
 } // namespace
@@ -47,7 +47,7 @@ void XmlPlainElements::onInternalSubset(void* parser, const xmlChar* name, const
     self.treeHandlers.internalSubset(parser, name, publicId, systemId);
 }
 
-// As many parameters as the library gives.
+// The library defines the parameters.
 // NOLINTNEXTLINE(readability-function-size)
 void XmlPlainElements::onStartElement(void* parser, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri,
                                       int namespaceCount, const xmlChar** namespaces, int attributeCount,
@@ -79,7 +79,7 @@ void XmlPlainElements::onEndElement(void* parser, const xmlChar* name, const xml
 void XmlPlainElements::onCharacters(void* parser, const xmlChar* characters, int length) {
     auto& self = of(parser);
     if (self.handsOut && self.pending == nullptr) {
-        return; // between groups and between keys it means nothing
+        return; // ignores text between groups and between keys
     }
     if (!self.append({reinterpret_cast<const char*>(characters), static_cast<std::size_t>(length)})) {
         self.treeHandlers.characters(parser, characters, length);
@@ -88,7 +88,8 @@ void XmlPlainElements::onCharacters(void* parser, const xmlChar* characters, int
 
 void XmlPlainElements::onCdata(void* parser, const xmlChar* characters, int length) {
     auto& self = of(parser);
-    self.leaveToTreeInElement(); // where an element turns out to hold more, the tree tells it from text
+    self.leaveToTreeInElement(); // the tree distinguishes CDATA from text, which matters if the element contains more
+                                 // than text
     self.treeHandlers.cdataBlock(parser, characters, length);
 }
 
@@ -109,7 +110,7 @@ void XmlPlainElements::beginPlain(const xmlChar* name) {
     ++depth;
 }
 
-/// False when the characters belong to the tree.
+/// Appends to the pending element. Returns false if the characters belong to the tree.
 bool XmlPlainElements::append(std::string_view characters) {
     if (pending == nullptr) {
         return false;
@@ -122,7 +123,8 @@ bool XmlPlainElements::append(std::string_view characters) {
     return true;
 }
 
-/// An exception would have to pass through the library: it waits until the parsing is over, which is at once.
+/// Passes the element to the taker. An exception must not pass through the library, so this stores it and stops the
+/// parser.
 void XmlPlainElements::endPlain() {
     const xmlChar* const name = std::exchange(pending, nullptr);
     try {
@@ -135,14 +137,15 @@ void XmlPlainElements::endPlain() {
     text.clear();
 }
 
-/// For what a plain element doesn't hold; between elements it means nothing.
+/// Switches to the tree if a plain element is open. Called for content that a plain element cannot contain; between
+/// elements such content is ignored.
 void XmlPlainElements::leaveToTreeInElement() {
     if (pending != nullptr) {
         leaveToTree();
     }
 }
 
-/// From here on all enters the tree, the element that has begun first.
+/// Switches to the tree: adds the open element and everything that follows.
 void XmlPlainElements::leaveToTree() {
     handsOut = false;
     if (pending == nullptr) {

@@ -9,22 +9,23 @@
 
 namespace ZelUnified {
 
-/// Stands between a parser and the tree that it builds. The plain elements of a document's groups, which hold text
-/// alone, no CDATA, and have neither attributes nor a namespace, are handed out where they end, and leave no node. From
-/// the first other one on all enters the tree, so what was handed out stands before what the tree holds. Nothing is
-/// handed out of a document that makes declarations. What the taker throws ends the parsing and waits to be rethrown.
+/// Filters the events between a parser and the tree that it builds. Passes each plain element of the document's groups
+/// to the taker when the element ends, and adds no node for it. A plain element contains only text, no CDATA, and has
+/// no attributes and no namespace. From the first other element on, everything is added to the tree, so all elements
+/// passed to the taker precede those in the tree. If the document contains declarations, everything is added to the
+/// tree. If the taker throws, the parser stops and the exception is stored.
 class XmlPlainElements {
 public:
-    /// Given the name and the text, which go when it returns.
+    /// Receives the name and the text, which are valid only during the call.
     using Take = std::function<void(std::string_view name, std::string_view text)>;
 
-    /// Both arguments must outlive it, and it the parsing.
+    /// `parser` and `taker` must outlive this object, and this object must outlive the parsing.
     XmlPlainElements(xmlParserCtxt& parser, const Take& taker);
     ~XmlPlainElements();
     XmlPlainElements(const XmlPlainElements&) = delete;
     XmlPlainElements& operator=(const XmlPlainElements&) = delete;
 
-    /// What the taker threw, which ended the parsing.
+    /// Returns true if the taker threw an exception, which stopped the parser.
     bool hasFailed() const noexcept { return failure != nullptr; }
     void rethrowFailure() const { std::rethrow_exception(failure); }
 
@@ -48,12 +49,12 @@ private:
 
     xmlParserCtxt& context;
     const Take& take;
-    const xmlSAXHandler treeHandlers; ///< The handlers that build it.
+    const xmlSAXHandler treeHandlers; ///< The handlers that build the tree.
     bool handsOut = true;
-    int depth = 0;                    ///< Of open elements.
-    const xmlChar* pending = nullptr; ///< The name of a plain element that has begun; the parser's.
+    int depth = 0;                    ///< Number of open elements.
+    const xmlChar* pending = nullptr; ///< Name of the open plain element, owned by the parser.
     std::exception_ptr failure;
-    std::string text; ///< Of the pending element; never grows.
+    std::string text; ///< Text of the pending element; never reallocates.
 };
 
 } // namespace ZelUnified

@@ -27,13 +27,13 @@ namespace {
 using ParserContext = std::unique_ptr<xmlParserCtxt, decltype(&xmlFreeParserCtxt)>;
 
 XmlDocument own(xmlDocPtr document) {
-    // An empty owner for no document: callers test it as they would the pointer.
+    // Returns null for no document, so that callers can test the result like a pointer.
     return document == nullptr ? nullptr : XmlDocument(document, &xmlFreeDoc);
 }
 
 using Bytes = std::span<xmlChar>;
 
-/// Whether a parser takes the bytes as they are; in doubt false.
+/// Returns true if a parser uses the bytes without conversion, and false if this is uncertain.
 bool isUtf8(std::string_view text) {
     const auto begin = text.starts_with("\xEF\xBB\xBF") ? std::size_t{3} : 0;
     const auto declaration = text.substr(begin).starts_with("<?xml") ? text.substr(0, text.find("?>")) : "";
@@ -42,8 +42,8 @@ bool isUtf8(std::string_view text) {
            KyrCoreUtils::toLowercase(declaration.substr(encoding)).find("utf-8") != std::string::npos;
 }
 
-/// The copy of `text` that a parser works on. It is kept from growing, which it would do for nothing and by moving away
-/// from what it held. Empty where there is none to look after: a conversion puts other memory in its place.
+/// Returns the parser's copy of `text` and stops it from growing, which would be useless and would leave the old memory
+/// unzeroed. Returns an empty span if the parser has no copy, or if a conversion will replace it.
 Bytes fixInput(const xmlParserCtxt& context, const std::string& text) {
     const xmlParserInput* input = context.input;
     const bool isCopy = input != nullptr && input->base != reinterpret_cast<const xmlChar*>(text.data());
@@ -54,7 +54,7 @@ Bytes fixInput(const xmlParserCtxt& context, const std::string& text) {
     return {const_cast<xmlChar*>(input->base), const_cast<xmlChar*>(input->end)};
 }
 
-/// Zeroes the copy, if the parser still holds it where it was.
+/// Zeroes the copy if the parser still holds it at the same address.
 void wipeInput(const xmlParserCtxt& context, Bytes copy) {
     const xmlParserInput* input = context.input;
     if (copy.empty() || input == nullptr || input->buf == nullptr) {
@@ -70,9 +70,9 @@ std::string_view toText(const xmlChar* text) {
     return text == nullptr ? std::string_view() : reinterpret_cast<const char*>(text);
 }
 
-/// Appends the text of `node` and its siblings, their entities resolved; false when `budget`, which the content of
-/// entities is paid from, does not suffice. The library's own function begins the text anew with each reference, so its
-/// time grows with the square of their number.
+/// Appends the text of `node` and its siblings with their entities resolved. The content of entities reduces `budget`;
+/// returns false if the budget is too small. The library's own function copies the text again for each reference, so
+/// its time grows with the square of their number.
 bool appendText(const xmlNode* node, int depth, std::size_t& budget, std::string& text) {
     constexpr int deepest = 256;
     for (; node != nullptr; node = node->next) {
@@ -93,8 +93,8 @@ bool appendText(const xmlNode* node, int depth, std::size_t& budget, std::string
     return true;
 }
 
-/// Whether a document can begin like this, in any of its encodings. The library inflates what begins as gzip, xz or
-/// lzma do, and the limit of a file's size would say nothing of what is parsed.
+/// Returns true if a document can start like this, in any encoding. The library decompresses input that starts like
+/// gzip, xz or lzma, and the limit of the file's size would not limit what is parsed.
 bool canBeginDocument(std::string_view start) {
     using namespace std::string_view_literals;
     constexpr std::array beginnings{"<"sv,   "\xEF\xBB\xBF"sv, "\xFE\xFF"sv,     "\xFF\xFE"sv,
@@ -103,7 +103,8 @@ bool canBeginDocument(std::string_view start) {
     if (std::ranges::any_of(beginnings, begins)) {
         return true;
     }
-    // lzma can begin like a blank too, but the size of its dictionary follows, never without one of these bytes.
+    // lzma input can also start like a blank, but then its dictionary size follows, which contains at least one of
+    // these bytes.
     return start.find_first_of(" \t\r\n") == 0 && start.find_first_of("\0\xFF"sv) == std::string_view::npos;
 }
 
@@ -117,9 +118,9 @@ bool isPlainDocument(const std::string& path) {
     return canBeginDocument({start.data(), static_cast<std::size_t>(file.gcount())});
 }
 
-/// `take`, if there is one, is handed the plain elements.
+/// Passes the plain elements to `take`, which may be null.
 XmlDocument parse(const std::string& text, const XmlPlainElements::Take* take) {
-    // The library would end at a zero and take what stands before it for the whole.
+    // The library would stop at a NUL and treat the text before it as the whole document.
     if (text.size() > XmlReader::sizeLimit || text.find('\0') != std::string::npos) {
         return nullptr;
     }

@@ -12,28 +12,31 @@ namespace ZelUnified {
 
 using XmlDocument = std::shared_ptr<xmlDoc>;
 
-/// Parses under XmlGuard. A text that is not well-formed, too long, or beyond the library's limits of depth and size,
-/// gives no document.
+/// Parses XML under an XmlGuard. Returns null if the text is not well-formed, too long, or beyond the library's limits
+/// of depth and size.
 class XmlReader {
 public:
-    /// In bytes. What the library itself refuses differs between its versions.
+    /// In bytes. The library's own limits differ between its versions.
     static constexpr std::size_t sizeLimit = std::size_t{64} * 1024 * 1024;
 
-    /// A compressed file gives none, nor does what is no regular file.
+    /// Parses a file. Returns null for a compressed file and for anything but a regular file.
     static XmlDocument readFile(const std::string& path);
-    /// The document shares nothing with others: its texts are not in a dictionary. A text with a zero in it gives none.
+    /// Parses a text. The document shares no memory with others: its texts are not in a dictionary. Returns null if
+    /// `text` contains a NUL.
     static XmlDocument parseDoc(const std::string& text);
-    /// Hands plain elements out instead of keeping them in the document. They count only if a document comes.
+    /// Passes plain elements to `take` instead of keeping them in the document. They are valid only if this returns a
+    /// document.
     static XmlDocument parseDoc(const std::string& text, const XmlPlainElements::Take& take);
     static XmlDocument readMemory(const std::string& text, const std::string& url);
 
     static std::string getName(const xmlNode& node);
     static std::string getName(const xmlAttr& attribute);
 
-    /// What the entities of one document's attributes may expand to, in bytes and steps together. The library itself
-    /// sets no limit to nested entities there.
+    /// Limit for the expansion of entities in the attributes of one document: bytes and steps together. The library
+    /// itself does not limit nested entities there.
     static constexpr std::size_t expansionLimit = 1'000'000;
-    /// The text with its entities resolved, which `budget` pays for; nothing when it does not suffice.
+    /// Returns the text with its entities resolved, whose expansion reduces `budget`. Returns std::nullopt if the
+    /// budget is too small.
     static std::optional<std::string> getText(const xmlAttr& attribute, std::size_t& budget);
 };
 

@@ -6,9 +6,9 @@
 
 namespace ZelUnified {
 
-/// Zeroes texts of a parsed tree. A text that the document's dictionary owns stands for equal texts and names elsewhere
-/// in the document, so it is zeroed only when the scrubber goes, which must be after the last read of the document and
-/// before its release. The content of an entity belongs to its declaration and is never touched.
+/// Zeroes texts of a parsed tree. A text in the document's dictionary is shared with equal texts and names elsewhere in
+/// the document, so only the destructor zeroes it. The destructor must run after the last read of the document and
+/// before its release. The content of an entity belongs to its declaration and is never zeroed.
 class XmlScrubber {
 public:
     explicit XmlScrubber(XmlDocument scrubbed) : document(std::move(scrubbed)) {}
@@ -16,9 +16,9 @@ public:
     XmlScrubber(const XmlScrubber&) = delete;
     XmlScrubber& operator=(const XmlScrubber&) = delete;
 
-    /// One text or CDATA node; others are left alone.
+    /// Zeroes one text or CDATA node; ignores other nodes.
     void scrubText(xmlNode& node);
-    /// All texts and attributes of an element and below it.
+    /// Zeroes all texts and attributes of the element and its descendants.
     void scrubElement(xmlNode& element);
 
 private:

@@ -20,13 +20,13 @@ const xmlChar* toXml(const char* text) {
     return reinterpret_cast<const xmlChar*>(text);
 }
 
-/// What most characters are told apart from illegal ones by.
+/// Cheap first test: most bytes cannot start an illegal character.
 constexpr bool mayBeginIllegal(char character) {
     const auto byte = static_cast<unsigned char>(character);
     return byte < 0x20 || byte == 0xEF;
 }
 
-/// The length of an illegal character at `position` of valid UTF-8, or 0.
+/// Returns the length of the illegal character at `position` of valid UTF-8, or 0 if the character is legal.
 std::size_t illegalLength(const std::string& text, std::size_t position) {
     const char first = text[position];
     if (!mayBeginIllegal(first) || first == '\t' || first == '\n' || first == '\r') {
@@ -71,7 +71,7 @@ constexpr std::string_view escapeInAttribute(char character) {
 constexpr std::size_t asciiCount = 0x80;
 constexpr std::size_t longestCharacter = 4; ///< In bytes of UTF-8.
 
-/// Which characters of ASCII stand in the document as they are.
+/// The ASCII characters that need no escape.
 template <auto escape>
 constexpr auto plainCharacters = [] {
     std::array<bool, asciiCount> plain{};
@@ -81,7 +81,7 @@ constexpr auto plainCharacters = [] {
     return plain;
 }();
 
-/// Grows without leaving what was written in the memory given back.
+/// Grows `document` and zeroes the memory that it frees.
 void makeRoom(std::string& document, std::size_t count) {
     const std::size_t needed = document.size() + count;
     if (needed <= document.capacity()) {
@@ -94,7 +94,7 @@ void makeRoom(std::string& document, std::size_t count) {
     document.swap(larger);
 }
 
-/// Appends pieces of ASCII or UTF-8, of any width, in one step.
+/// Appends all pieces with one resize. Pieces are ASCII or UTF-8, of any character width.
 template <class... Pieces>
 void appendTo(std::string& document, const Pieces&... pieces) {
     const std::size_t length = document.size();
@@ -110,7 +110,7 @@ template <auto escape>
 bool isPlain(std::wstring_view text) {
     const auto isPlainCode = [](auto code) { return code < asciiCount && plainCharacters<escape>[code]; };
     return std::all_of(text.begin(), text.end(), [&](wchar_t unit) {
-        return isPlainCode(static_cast<std::make_unsigned_t<wchar_t>>(unit)); // it may be signed
+        return isPlainCode(static_cast<std::make_unsigned_t<wchar_t>>(unit)); // wchar_t may be signed
     });
 }
 
@@ -128,8 +128,8 @@ void appendEscaped(std::string& document, std::string_view text) {
     }
 }
 
-/// Appends an attribute's text in ASCII. Without a declared encoding the library writes every other character as a
-/// reference.
+/// Appends an attribute's text in ASCII, with references for all other characters, as the library does without a
+/// declared encoding.
 void appendEscapedInAscii(std::string& document, std::string_view utf8) {
     const auto isAscii = [](char character) { return static_cast<unsigned char>(character) < asciiCount; };
     while (!utf8.empty()) {
@@ -150,7 +150,7 @@ void appendEscapedInAscii(std::string& document, std::string_view utf8) {
 
 using Append = void (*)(std::string& document, std::string_view utf8);
 
-/// Appends `text`; what is not plain goes through `appendRest`. Returns false if a character was replaced.
+/// Appends `text`, through `appendRest` if it is not plain. Returns false if a character was replaced.
 template <auto escape>
 bool appendText(std::string& document, std::wstring_view text, Append appendRest = &appendEscaped<escape>) {
     if (isPlain<escape>(text)) {
@@ -164,7 +164,7 @@ bool appendText(std::string& document, std::wstring_view text, Append appendRest
     return isWhole;
 }
 
-/// For the library, which no exception may pass through.
+/// Write callback of the library. Throws nothing, because no exception may pass through the library.
 int append(void* document, const char* bytes, int count) noexcept {
     try {
         appendTo(*static_cast<std::string*>(document), std::string_view(bytes, static_cast<std::size_t>(count)));
@@ -188,7 +188,7 @@ XmlWriter::XmlWriter(Declaration declaration) : attributesAreAscii(declaration =
     if (declaration == Declaration::With) {
         note(xmlTextWriterStartDocument(writer.get(), nullptr, "utf-8", nullptr));
         note(xmlTextWriterFlush(writer.get()));
-        // All that follows is UTF-8 already; the conversion would make another copy of it.
+        // Everything that follows is already UTF-8; a conversion would make another copy of it.
         xmlCharEncCloseFunc(std::exchange(output->encoder, nullptr));
     }
 }
@@ -207,17 +207,17 @@ void XmlWriter::endElement() {
 }
 
 bool XmlWriter::writeElement(const std::string& name, std::wstring_view text) {
-    if (*name.c_str() == '\0') { // also a name that only begins so, which the library takes for none
+    if (*name.c_str() == '\0') { // c_str(): the library reads a name up to its first NUL
         return true;
     }
     startElement(name);
-    note(xmlTextWriterWriteRawLen(writer.get(), toXml(""), 0)); // closes the tag
+    note(xmlTextWriterWriteRawLen(writer.get(), toXml(""), 0)); // ends the start tag
     const bool isWhole = !flush() || appendText<escapeInElement>(document, text);
     endElement();
     return isWhole;
 }
 
-/// The library keeps the tag open until the next element begins or this one ends.
+/// Works because the library keeps the start tag open until the next element starts or this one ends.
 bool XmlWriter::writeAttribute(const std::string& name, std::wstring_view text) {
     if (!flush()) {
         return true;

@@ -9,9 +9,9 @@
 
 namespace ZelUnified {
 
-/// Builds one document in memory with libxml2's text writer: UTF-8, indented. The bytes are those that the library's
-/// own operations would write: without a declaration, an attribute holds ASCII and references to all other characters.
-/// Texts may be secrets: they never enter the library, and the document is zeroed at the end.
+/// Builds one document in memory with libxml2's text writer: UTF-8, indented. The output is identical to that of the
+/// library's own operations: without a declaration, an attribute contains ASCII and references for all other
+/// characters. Texts may be secrets: they are never passed to the library, and the destructor zeroes the document.
 class XmlWriter {
 public:
     enum class Declaration { With, Without };
@@ -21,23 +21,24 @@ public:
     XmlWriter(const XmlWriter&) = delete;
     XmlWriter& operator=(const XmlWriter&) = delete;
 
-    /// False when the library could not give what is needed; nothing comes of what is written then.
+    /// Returns false if the library could not allocate the writer. Everything written is then discarded.
     bool isReady() const { return writer != nullptr; }
 
-    /// Names are not checked.
+    /// Starts an element. Does not validate the name.
     void startElement(const std::string& name);
     void endElement();
-    /// An element with a text. Without a name it is left out. False when U+FFFD took the place of a character that XML
-    /// can't carry.
+    /// Writes an element with a text. Does nothing if the name is empty. Returns false if a character that XML cannot
+    /// represent was replaced with U+FFFD.
     bool writeElement(const std::string& name, std::wstring_view text);
-    /// Right behind startElement() or another attribute. The result is as that of writeElement().
+    /// Writes an attribute; call directly after startElement() or another attribute. Returns the same as
+    /// writeElement().
     bool writeAttribute(const std::string& name, std::wstring_view text);
-    /// Ends all that is open and gives the document, which is the caller's to wipe, or nothing when a part of it could
-    /// not be written. Call once.
+    /// Ends all open elements and returns the document, which the caller must wipe. Returns an empty string if a part
+    /// of the document could not be written. Call once.
     std::string finish();
 
-    /// Puts U+FFFD in the place of each character that XML 1.0 can't carry, NUL included: one of them would make the
-    /// whole document unreadable. True when there was one.
+    /// Replaces each character that XML 1.0 cannot represent, including NUL, with U+FFFD: one such character would make
+    /// the whole document unreadable. Returns true if it replaced any.
     static bool replaceIllegalCharacters(std::string& utf8);
 
 private:
@@ -45,17 +46,17 @@ private:
         void operator()(xmlTextWriter* released) const { xmlFreeTextWriter(released); }
     };
 
-    /// Remembers the failure that the library's answer tells of.
+    /// Records a failure reported by the library.
     void note(int written) { failed = failed || written < 0; }
-    /// Has the library write all that it holds back. False when nothing may follow.
+    /// Flushes the library's pending output. Returns false if writing has failed; then nothing more may be written.
     bool flush();
 
     const bool attributesAreAscii;
-    const XmlGuard guard; ///< A setting of the thread: the writer stays on it.
+    const XmlGuard guard; ///< Changes settings of the thread, so all calls must come from one thread.
     bool failed = false;
-    // The writer goes before what it writes into.
+    // Declared before `writer`, which must be destroyed first.
     std::string document;
-    xmlOutputBuffer* output = nullptr; ///< The writer's.
+    xmlOutputBuffer* output = nullptr; ///< Owned by the writer.
     std::unique_ptr<xmlTextWriter, WriterDeleter> writer;
 };
 

@@ -12,7 +12,7 @@ using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
 
-/// The problem report of a chain with everything in it, secrets included.
+/// The problem report of a chain with every kind of content, including secrets.
 class AllConfigsReport : public ConfigAdapterFixture {
 protected:
     static constexpr const wchar_t* secret = L"planted-secret";
@@ -73,7 +73,7 @@ TEST_F(AllConfigsReport, IsOneWellFormedDocument) {
 TEST_F(AllConfigsReport, CacheOfTheNextRunSaysTheSameAsTheStoreThatItStandsFor) {
     unload();
     loadAndStart();
-    // A mark lasts for the run; whoever owns the key sets it anew.
+    // A mark lasts for one run; the owner of the key sets it again.
     adapter->setKeySensitive(L"Token");
     EXPECT_THAT(report(), AllOf(HasSubstr("<store name=\"TFTPConfigStore\" priority=\"41\">"),
                                 HasSubstr(">tftp.example.net</"), Not(HasSubstr("planted-secret"))));

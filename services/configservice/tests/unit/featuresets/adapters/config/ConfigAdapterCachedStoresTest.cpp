@@ -8,7 +8,7 @@ using testing::Contains;
 
 class ConfigAdapterCachedStores : public ConfigAdapterFixture {
 protected:
-    /// A run in which a remote store was delivered, ended again.
+    /// Runs and ends the service once with a delivered remote store.
     void givenEarlierRunWith(const std::shared_ptr<FakeConfigStore>& store) {
         loadAndStart();
         adapter->addConfigStore(store);

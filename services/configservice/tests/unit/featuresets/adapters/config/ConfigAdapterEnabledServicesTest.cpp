@@ -4,7 +4,7 @@ namespace ZelUnified {
 
 using testing::ElementsAre;
 
-/// The shipped defaults hold the three flags, as they must for any to be derived.
+/// The shipped defaults contain the three flags, without which none is derived.
 class ConfigAdapterEnabledServices : public ConfigAdapterFixture {
 protected:
     void givenDefaultFlags(ConfigMap others = {}) {
@@ -12,7 +12,7 @@ protected:
             {{L"Telephony_Enabled", L"true"}, {L"Voicemail_Enabled", L"true"}, {L"Meetings_Enabled", L"true"}});
         givenDefaults(others);
     }
-    /// Lets a store of these keys arrive under a name that makes the flags be worked out.
+    /// Adds a store of these keys under a name that makes the service derive the flags.
     void arrive(const ConfigMap& values) {
         log.clear();
         adapter->addConfigStore(makeReadOnlyStore("TftpConfigStore", 100, values));

@@ -23,7 +23,7 @@
 
 namespace ZelUnified {
 
-/// Remembers who asked for power events; nothing comes of itself.
+/// Records the observers of power events; never fires on its own.
 class FakeSystemMonitor final : public ZelSystemMonitor::SystemMonitor {
 public:
     void addPowerEventObserver(std::weak_ptr<ZelSystemMonitor::PowerEventObserver> observer) override {
@@ -43,7 +43,7 @@ public:
     std::vector<std::weak_ptr<ZelSystemMonitor::PowerEventObserver>> observers;
 };
 
-/// A whole service on a profile of its own, on a factory without threads: the test's thread is the services
+/// A whole service on a temporary profile, on a factory without threads: the test's thread is the services
 /// dispatcher's, and background tasks wait until the test runs them.
 class ConfigAdapterFixture : public testing::Test {
 protected:
@@ -58,7 +58,7 @@ protected:
         zel::common::FipsUtils::overrideFipsMode(std::nullopt);
     }
 
-    /// Writes the shipped defaults. Before load().
+    /// Writes the shipped defaults. Call before load().
     void givenDefaults(const ConfigMap& values) {
         std::wstring document = L"<Lumora>\n";
         for (const auto& [key, value] : values) {
@@ -71,7 +71,7 @@ protected:
         registry->setText(zel::registry::HKEY_CURRENT_USER, policyPath, key, value);
     }
 
-    /// Loads the plug-in, as the host does.
+    /// Loads the plug-in as the host does.
     void load() {
         InjectConfigService(factory);
         adapter = std::dynamic_pointer_cast<ConfigAdapter>(factory->getFeatureSetByType<ConfigFeatureSet>());
@@ -83,7 +83,7 @@ protected:
         start();
         log.clear();
     }
-    /// Ends the run, with everything that was queued done; load() begins the next on the same profile.
+    /// Runs all queued tasks and ends the run. load() starts the next run on the same profile.
     void unload() {
         adapter.reset();
         service.reset();
@@ -92,12 +92,12 @@ protected:
         factory = std::make_shared<testing_host::RecordingFactory>();
     }
 
-    /// The value in force, read through the chain.
+    /// Returns the effective value from the chain.
     std::wstring valueOf(const std::wstring& key) {
         std::wstring value;
         return adapter->getConfig(key, value, false) ? value : L"(none)";
     }
-    /// What the record says.
+    /// Returns the value of the record.
     std::wstring recordOf(const std::wstring& key) { return service->getConfig(key)->getValue(); }
     bool inChain(const std::string& name) { return adapter->getConfigStoreByName(name) != nullptr; }
 
@@ -113,7 +113,7 @@ protected:
     }
 
     std::vector<std::string> logged() const { return log.getTexts(loggerName); }
-    /// The level of the first line of that text; fails the test when there is none.
+    /// Returns the level of the first line with that text. Fails the test if there is none.
     ZelLogLevel levelOf(const std::string& text) const {
         for (const auto& record : log.getRecords()) {
             if (record.logger == loggerName && record.text == text) {

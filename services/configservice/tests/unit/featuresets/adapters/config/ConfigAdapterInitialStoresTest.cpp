@@ -42,7 +42,7 @@ TEST_F(ConfigAdapterInitialStores, AMissingDefaultsFileLeavesAnEmptyStore) {
     load();
     EXPECT_TRUE(adapter->getConfigStoreByName("lumora-config-defaults.xml")->getKeys().empty());
     EXPECT_TRUE(isA<LocalFileConfigStore>("LocalFileConfigStore"));
-    // The directory is given with its separator, and the store adds its own.
+    // The directory is passed with its separator, and the store appends its own.
     EXPECT_TRUE(log.mentions("Read config FAILED, config file doesn't exist: " + profile.resources().string() +
                              "//lumora-config-defaults.xml"));
 }
@@ -119,7 +119,7 @@ TEST_F(ConfigAdapterInitialStores, EachStoreWinsOverAllThatStandBehindIt) {
 TEST_F(ConfigAdapterInitialStores, EachReadOfTheirConstructionIsGuarded) {
     givenDefaults({{L"PrimaryConfigStores", L"A:1;B:2;"}});
     load();
-    // The SDK mode is asked for the user's store and for each of the two copies.
+    // The SDK mode is read for the user's store and for each of the two copies.
     EXPECT_EQ(countLogged("Config FeatureSet Not Started"), 3);
     EXPECT_EQ(levelOf("Config FeatureSet Not Started"), ZelLogLevel::Error);
     log.clear();

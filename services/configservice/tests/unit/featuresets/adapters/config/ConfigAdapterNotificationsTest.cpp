@@ -12,7 +12,7 @@ using testing::IsEmpty;
 
 namespace {
 
-/// The arguments of one change but the last: seven that differ from each other.
+/// The arguments of one change except the last: seven distinct values.
 struct Change {
     std::wstring key;
     std::wstring value;
@@ -31,7 +31,7 @@ std::ostream& operator<<(std::ostream& stream, const Change& change) {
                   << KyrCoreUtils::toString(change.valueStoreName + L" | " + change.originalValueStoreName);
 }
 
-// The two together tell the booleans apart.
+// The two changes distinguish the booleans.
 const Change overriddenChange{L"k", L"value one", L"original one", true, false, L"store one", L"origin one"};
 const Change definedChange{L"k", L"value two", L"original two", false, true, L"store two", L"origin two"};
 
@@ -106,7 +106,7 @@ TEST_F(ConfigAdapterNotifications, EveryArgumentOfAChangeFromAnotherThreadReache
     EXPECT_THAT(observer->heard, ElementsAre("Value", "OriginalValue", "isOverridden", "ValueStoreName",
                                              "OriginalValueStoreName", "Value", "OriginalValue", "isOverridden",
                                              "isDefined", "ValueStoreName", "OriginalValueStoreName"));
-    // The whole record is up to date before the first property fires.
+    // The whole record is updated before the first property fires.
     ASSERT_EQ(seen.size(), 11U);
     EXPECT_THAT(std::vector(seen.begin(), seen.begin() + 5), testing::Each(overriddenChange));
     EXPECT_THAT(std::vector(seen.begin() + 5, seen.end()), testing::Each(definedChange));

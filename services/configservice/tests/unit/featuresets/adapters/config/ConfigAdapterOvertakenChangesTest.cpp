@@ -2,6 +2,7 @@
 #include "StepwiseServicesDispatcher.h"
 #include "base/TestObjects.h"
 
+#include <map>
 #include <random>
 
 namespace ZelUnified {
@@ -10,7 +11,7 @@ using configservice_test::RecordingValueObserver;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// Changes that wait for the services dispatcher while later ones of the same key are applied directly.
+/// Changes that are queued on the services dispatcher while later changes of the same key are applied directly.
 class ConfigAdapterOvertakenChanges : public ConfigAdapterFixture {
 protected:
     ConfigAdapterOvertakenChanges() {
@@ -33,7 +34,7 @@ protected:
         return observer;
     }
 
-    /// Compares everything that a lookup can answer with what the record says.
+    /// Compares the complete result of a lookup with the record.
     void expectRecordEqualsLookup(const std::wstring& key) {
         std::wstring value;
         std::wstring storeName;
@@ -173,9 +174,19 @@ TEST_F(ConfigAdapterOvertakenChanges, SettingsMadeWhileALargeStoreArrivesAreKept
     }
 }
 
-TEST_F(ConfigAdapterOvertakenChanges, EveryRecordEqualsItsLookupAfterAnyHistory) {
+TEST_F(ConfigAdapterOvertakenChanges, RecordsEqualTheirLookupsAndWereShownToObserversAfterAnyHistory) {
     const std::wstring keys[] = {L"k", L"K", L"other", L"Phone_Mode"};
     const std::string stores[] = {"First", "Second"};
+    std::map<std::wstring, std::wstring> shown;
+    std::vector<std::shared_ptr<RecordingValueObserver>> observers;
+    for (const auto& key : keys) {
+        observers.push_back(observe(key));
+        observers.back()->reaction = [this, &shown, key](const std::string& property) {
+            if (property == "Value") {
+                shown[key] = recordOf(key);
+            }
+        };
+    }
     std::mt19937 random(14);
     const auto below = [&](std::size_t limit) { return static_cast<std::size_t>(random() % limit); };
     int written = 0;
@@ -212,6 +223,7 @@ TEST_F(ConfigAdapterOvertakenChanges, EveryRecordEqualsItsLookupAfterAnyHistory)
         factory->backgroundDispatcher->clear();
         for (const auto& key : keys) {
             expectRecordEqualsLookup(key);
+            EXPECT_EQ(shown[key], recordOf(key));
         }
         ASSERT_FALSE(HasFailure());
     }

@@ -7,7 +7,7 @@ using testing::ElementsAre;
 
 namespace {
 
-/// Notes down the keys of the records it follows, as their values change.
+/// Records the keys of the observed records whose values change.
 class KeyRecorder final : public ConfigValueObserver {
 public:
     KeyRecorder(std::wstring followedKey, std::vector<std::wstring>& changedKeys)

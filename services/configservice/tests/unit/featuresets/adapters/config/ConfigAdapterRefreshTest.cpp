@@ -2,7 +2,7 @@
 
 namespace ZelUnified {
 
-/// How a refresh differs from the first construction.
+/// Tests how a refresh differs from the first construction.
 class ConfigAdapterRefresh : public ConfigAdapterFixture {
 protected:
     std::wstring derivedTelephony() {

@@ -10,7 +10,7 @@ using testing::Not;
 
 namespace {
 
-/// Deletes a file as soon as a line of that text is logged.
+/// Deletes a file as soon as a line with that text is logged.
 class Meddler final : public zel::logging::LogSink {
 public:
     Meddler(std::string lineText, std::filesystem::path filePath)
@@ -80,7 +80,7 @@ TEST_F(ConfigAdapterReset, SparedStoresKeepTheirValues) {
     EXPECT_EQ(valueOf(L"m"), L"mdm");
     EXPECT_EQ(valueOf(L"ServicesDomain"), L"example.com");
     EXPECT_EQ(valueOf(L"b"), L"boot");
-    // The user's own word that forbade another URL is gone with the user's file.
+    // The user's setting that forbade another URL was deleted with the user's file.
     EXPECT_EQ(valueOf(L"AllowUrlProvisioning"), L"(none)");
 }
 
@@ -121,7 +121,7 @@ TEST_F(ConfigAdapterReset, FileThatCannotBeDeletedIsAnErrorAndTheOthersGo) {
     const auto vanishing = write("b.log");
     const auto last = write("c.log");
     load();
-    // Listed already when it vanishes, so that its deletion fails.
+    // The file is already listed when it vanishes, so its deletion fails.
     const auto meddler = std::make_shared<Meddler>("File: [" + first.string() + "] deleted", vanishing);
     zel::logging::addSink(meddler);
     reset();
@@ -187,7 +187,7 @@ TEST_F(ConfigAdapterReset, MissingCalendarFolderGivesNoLine) {
     EXPECT_EQ(logged().back(), "ConfigAdapter reset.");
 }
 
-/// All that a reset does, for each option.
+/// Tests everything that a reset does, for each option.
 class ConfigAdapterResetOption : public ConfigAdapterReset,
                                  public testing::WithParamInterface<ResetDataOptionEnum::ResetDataOption> {
 protected:

@@ -8,7 +8,7 @@ using testing::IsEmpty;
 
 namespace {
 
-/// A writable store that remembers which keys it was asked to remove.
+/// A writable store that records the keys it was asked to remove.
 class WatchedStore final : public ConfigStore {
 public:
     bool getValue(const std::wstring&, std::wstring& value) override {
@@ -33,7 +33,7 @@ public:
     std::vector<std::wstring> removals;
 };
 
-/// A remote store that lists two keys and answers one of them.
+/// A remote store that lists two keys but returns the value of one only.
 class ReluctantStore final : public ConfigStore {
 public:
     bool getValue(const std::wstring& key, std::wstring& value) override {
@@ -57,7 +57,7 @@ public:
 
 } // namespace
 
-/// What follows an arrival, and what does not, where several sources meet.
+/// Tests the consequences of an arrival among several sources.
 class ConfigAdapterSources : public ConfigAdapterFixture {};
 
 TEST_F(ConfigAdapterSources, BothSwitchesTakeFourServersVoicemailFirstEachUnderAllItsNames) {

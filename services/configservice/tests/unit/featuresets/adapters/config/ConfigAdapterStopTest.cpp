@@ -20,7 +20,7 @@ using testing::ElementsAre;
 
 namespace {
 
-/// Notes the names of the tasks that are waited for.
+/// Records the names of pending tasks.
 class NamingDispatcher final : public Processing::ServicesDispatcher {
 public:
     explicit NamingDispatcher(std::shared_ptr<Processing::ServicesDispatcher> target) : dispatcher(std::move(target)) {}
@@ -49,7 +49,7 @@ public:
     const std::shared_ptr<NamingDispatcher> naming = std::make_shared<NamingDispatcher>(servicesDispatcher);
 };
 
-/// Tells when a stop is under way: by then it holds the adapter's mutex, and waits for the dispatcher next.
+/// Reports that a stop is in progress: it holds the adapter's mutex then, and next waits for the dispatcher.
 class StopTellingMonitor final : public ZelSystemMonitor::SystemMonitor {
 public:
     void addPowerEventObserver(std::weak_ptr<ZelSystemMonitor::PowerEventObserver>) override {}
@@ -58,7 +58,7 @@ public:
     testing_host::Signal stopping;
 };
 
-/// The service on a factory with threads of its own. A hang ends the test with the stacks.
+/// The service on a factory with its own threads. A deadlock ends the test with the stacks.
 class ConfigAdapterStop : public testing::Test {
 protected:
     ConfigAdapterStop() {

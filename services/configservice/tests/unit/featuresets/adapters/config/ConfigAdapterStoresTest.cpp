@@ -157,7 +157,7 @@ TEST_F(ConfigAdapterStores, ProvisioningIsForbiddenInAnyCaseAndInSilence) {
     loadAndStart();
     EXPECT_FALSE(adapter->setUrlProvisioningData(L"?ServicesDomain=one"));
     EXPECT_THAT(logged(), IsEmpty());
-    // What an administrator forbids can't be taken back.
+    // The user cannot remove a prohibition of the administrator.
     EXPECT_FALSE(adapter->resetAllowUriProvisioningData());
 }
 

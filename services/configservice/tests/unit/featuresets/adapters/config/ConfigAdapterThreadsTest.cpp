@@ -47,7 +47,7 @@ private:
     std::function<void()> reaction;
 };
 
-/// The service as a program runs it: on a factory with threads of its own. A hang ends the test with the stacks.
+/// The service as a program runs it: on a factory with its own threads. A deadlock ends the test with the stacks.
 class ConfigAdapterThreads : public testing::Test {
 protected:
     ConfigAdapterThreads() {
@@ -65,7 +65,7 @@ protected:
         factory->Destroy();
     }
 
-    /// Runs the work on the services dispatcher's thread and waits for it and for all that was posted before.
+    /// Runs the work on the services dispatcher's thread. Waits for it and for all tasks posted before.
     void onDispatcher(const std::function<void()>& work) {
         factory->getServicesDispatcher()->enqueueBlock(std::make_shared<KyrCoreUtils::FunctionTask>(work, "test"),
                                                        false);
@@ -171,7 +171,7 @@ TEST_F(ConfigAdapterThreads, EveryStoreThatArrivesAtOnceWithOthersIsOnTheRecordO
 
 TEST_F(ConfigAdapterThreads, TheRecordOfCopiesIsRightAfterStoresArriveWhileOthersAreRemoved) {
     constexpr int pairs = 4;
-    constexpr int fewRounds = 12; // each writes a file for every store
+    constexpr int fewRounds = 12; // each round writes a file for every store
     const auto nameOf = [](const char* group, int round, int number) {
         return group + std::to_string(round) + "-" + std::to_string(number);
     };
@@ -209,7 +209,7 @@ TEST_F(ConfigAdapterThreads, SettingsMadeWhileALargeStoreArrivesOnAWorkerAreKept
     for (int i = 0; i < keys; ++i) {
         store->values[L"key" + std::to_wstring(i)] = L"store";
     }
-    // The worker holds the chain when the first setting is made, so all its announcements are queued before.
+    // The worker holds the chain's lock when the first setting is made, so all its announcements are queued before.
     const auto arriving = std::make_shared<testing_host::Signal>();
     store->beforeReading = [arriving] { arriving->set(); };
     std::thread worker;
@@ -258,7 +258,7 @@ TEST_F(ConfigAdapterThreads, TheRecordEqualsTheLookupAfterSeveralThreadsChangedO
             if (own < workers) {
                 changeAtRandom(own);
             } else {
-                onDispatcher([&] { changeAtRandom(own); }); // ahead of what the others queue meanwhile
+                onDispatcher([&] { changeAtRandom(own); }); // before what the others queue meanwhile
             }
         });
         onDispatcher([&] {
@@ -315,7 +315,7 @@ TEST_F(ConfigAdapterThreads, StopFromAnotherThreadWaitsForTheDispatcher) {
         store->local = false;
         return store;
     }());
-    // The dispatcher is busy with work that asks for the state of the feature set itself.
+    // The dispatcher runs a task that reads the state of the feature set itself.
     testing_host::Signal busy;
     factory->getServicesDispatcher()->enqueue(std::make_shared<KyrCoreUtils::FunctionTask>(
                                                   [&] {
@@ -337,7 +337,7 @@ TEST_F(ConfigAdapterThreads, RefreshStopAndStartGoOnWhileWorkersWrite) {
     std::thread worker([&] {
         for (int round = 0; !ended; ++round) {
             featureSet->setConfig(L"k", std::to_wstring(round));
-            // No faster than the disk, or the writes that wait would grow without end.
+            // Limits the rate to that of the disk; otherwise the pending writes would grow without limit.
             factory->flushBackgroundDispatcher();
         }
     });

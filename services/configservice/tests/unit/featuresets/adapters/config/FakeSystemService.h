@@ -10,7 +10,7 @@
 
 namespace ZelUnified {
 
-/// Remembers the reset callbacks it was given.
+/// Records the registered reset callbacks.
 class RecordingCallbackRegistry final : public ResetDataCallbackRegistry {
 public:
     void add(int order, std::shared_ptr<ProviderResetDataCallback> callback) override {
@@ -28,7 +28,7 @@ public:
 #pragma clang diagnostic ignored "-Woverloaded-virtual" // as in UnifiedService
 #endif
 
-/// The host's service as the adapter uses it.
+/// The host's service with the operations that the adapter uses.
 class FakeSystemService final : public SystemService {
 public:
     using Event = std::tuple<int, int, ServiceEventSeverityEnum::ServiceEventSeverity>;

@@ -19,7 +19,7 @@ namespace ZelUnified {
 
 namespace {
 
-/// A line that the service logs, and the operation that it names.
+/// A line that the service logs, with the operation it names.
 struct LogLine {
     std::string_view logger;
     ZelLogLevel level;

@@ -11,8 +11,8 @@
 
 namespace ZelUnified {
 
-/// A services dispatcher without a thread that runs what was posted task by task, and remembers the names of the tasks
-/// that somebody waited for. For one thread.
+/// A services dispatcher without a thread that runs posted tasks one by one and records the names of the tasks that a
+/// caller waited for. For one thread.
 class StepwiseServicesDispatcher final : public Processing::ServicesDispatcher {
 public:
     bool checkForUpdateAccess() const override { return access; }
@@ -22,7 +22,7 @@ public:
         task->run();
     }
 
-    /// Runs the oldest task that waits, with access, and tells its name.
+    /// Runs the oldest pending task with access and returns its name.
     std::string step() {
         const auto task = posted.front();
         posted.pop_front();
@@ -36,7 +36,7 @@ public:
     std::vector<std::string> waitedFor;
 };
 
-/// A recording factory on such a dispatcher.
+/// A recording factory with such a dispatcher.
 class StepwiseFactory final : public testing_host::RecordingFactory {
 public:
     std::shared_ptr<Processing::ServicesDispatcher> getServicesDispatcher() override { return dispatcher; }

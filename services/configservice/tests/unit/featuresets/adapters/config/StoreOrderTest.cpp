@@ -8,7 +8,7 @@
 
 namespace ZelUnified {
 
-/// Every kind of store that a chain can have, in the order in which they answer.
+/// A chain with every kind of store, in lookup order.
 class StoreOrder : public ConfigAdapterFixture, public testing::WithParamInterface<bool> {
 protected:
     enum Kind : std::size_t { User, Policy, Document, Copy, Link, Device, Installer, Memory, Defaults, kindCount };
@@ -22,9 +22,9 @@ protected:
                                                                  L"InMemoryConfigStore",
                                                                  L"lumora-config-defaults.xml"};
 
-    /// Lets the stores from the first to the last of these hold a key of its own.
+    /// Returns a key that exactly the stores from the first to the last of these contain.
     std::wstring makeKey(std::size_t first, std::size_t last) {
-        // A provisioning link carries these keys alone.
+        // A provisioning link accepts only these keys.
         static constexpr std::array<const wchar_t*, 19> pool{L"ServicesDomain",
                                                              L"VoiceServicesDomain",
                                                              L"ServiceDiscoveryExcludedServices",
@@ -59,7 +59,7 @@ protected:
         return KyrCoreUtils::toString(text + L"</b></a>");
     }
 
-    /// Makes the chain. The stores that come after the start do so in their order, or in the opposite one.
+    /// Builds the chain. The stores that are added after the start arrive in their order or in the opposite one.
     void buildChain() {
         givenDefaults(contents[Defaults]);
         for (const auto& [key, value] : contents[Policy]) {
@@ -80,8 +80,8 @@ protected:
         }
     }
 
-    /// The key is answered by that store, in the chain as in the record, and the administrator's word beneath it is
-    /// that of the first read-only store from there on.
+    /// Expects that the chain and the record return the value of store `first`, and as the administrator's value that
+    /// of the first read-only store from there on.
     void expectAnswer(const std::wstring& key, std::size_t first, std::size_t last) {
         std::wstring value;
         std::wstring storeName;

@@ -14,7 +14,7 @@
 namespace ZelUnified {
 namespace {
 
-/// A store of another service that is made of one of the library's, and answers otherwise.
+/// A store of another service that derives from one of the library's and returns other values.
 class BoastfulStore final : public XmlConfigStore {
 public:
     BoastfulStore() : XmlConfigStore("BoastfulStore", 1, true, false, "", false) {}

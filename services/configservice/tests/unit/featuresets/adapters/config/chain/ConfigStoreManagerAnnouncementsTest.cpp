@@ -5,12 +5,12 @@ namespace ZelUnified {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// What observers are told of one key, given who holds it.
+/// Tests the announcements of one key for each combination of stores that contain it.
 class ConfigStoreManagerAnnouncements : public ConfigStoreManagerFixture {};
 
 namespace {
 
-/// One row of the table of what is announced for a key, given who holds it.
+/// One row of the table: the stores that contain a key, and the announcement.
 struct AnnouncedCase {
     const char* name;
     std::vector<std::shared_ptr<FakeConfigStore> (*)()> stores;
@@ -28,7 +28,7 @@ TEST_P(AnnouncedValues, FollowTheRules) {
     for (const auto make : GetParam().stores) {
         given(make());
     }
-    // An update announces the keys that it is told the old version had: the plainest way to have one key announced.
+    // An update announces the given keys of the old version. This is the simplest way to have one key announced.
     given(makeReadOnlyStore("Probe", 1000));
     manager.updateExistingConfigStore(makeReadOnlyStore("Probe", 1000), {GetParam().key});
     EXPECT_EQ(observer.announcements, GetParam().announced);
@@ -118,7 +118,7 @@ TEST_F(ConfigStoreManagerAnnouncements, OldAndNewNameAreAnnouncedInEveryCombinat
         {true, false, true, false, "lo [L] | ro [R] overridden"},
         {true, false, false, true, "rn [R] | rn [R]"},
         {true, false, true, true, "rn [R] | rn [R]"},
-        // A new name of the user's alone counts as overriding nothing, unless the old one stands beside it.
+        // A new name that only the user's store contains overrides nothing unless the old name is there too.
         {false, true, false, false, "ln [L] |  []"},
         {false, true, true, false, "ln [L] | ro [R]"},
         {false, true, false, true, "ln [L] | rn [R] overridden"},
@@ -166,7 +166,7 @@ TEST_F(ConfigStoreManagerAnnouncements, StoresThatChangeBetweenTheTwoReadingsAnn
     given(makeReadOnlyStore("Probe", 1000));
     int readings = 0;
     user->beforeReading = [&] {
-        // The first two readings are those of the value in force, under the new and then under the old name.
+        // The first two readings are those of the effective value, under the new name and then under the old name.
         if (++readings == 3) {
             user->values[L"TFTPPrimaryServer"] = L"new";
             admin->values[L"TFTPPrimaryServer"] = L"admin";

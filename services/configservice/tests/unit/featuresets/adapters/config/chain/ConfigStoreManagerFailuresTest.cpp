@@ -21,16 +21,16 @@ public:
     ObserverFailure() : std::runtime_error("observer") {}
 };
 
-/// The name of a store that removeAllCachedStores() removes, because a file of that name is in the cache folder.
+/// The name of a store that removeAllCachedStores() removes because the cache folder contains a file of that name.
 const std::string storeOfCopy = "cachedF.xml";
-/// The name of a store that a reset spares.
+/// The name of a store that a reset keeps.
 const std::string restName = "BootstrapConfigStore";
 const std::wstring provisioningUrl = L"app://x?ServicesDomain=example.com";
 
-/// An exception in the middle of an operation passes to the caller, and leaves the manager usable by every thread.
+/// An exception during an operation reaches the caller and leaves the manager usable by every thread.
 class ConfigStoreManagerFailures : public ConfigStoreManagerFixture {
 protected:
-    /// A writable store at the head of a chain, with a read-only one behind it that holds a key of it.
+    /// Builds a chain of a writable store and, after it, a read-only one with a key of the first.
     std::shared_ptr<FailingConfigStore> givenChain(const std::string& name = "F") {
         auto store = makeFailing(name);
         given(makeReadOnlyStore(restName, 700, {{L"k", L"rest"}}));
@@ -44,7 +44,7 @@ protected:
         return store;
     }
 
-    /// Fails by the watchdog if a lock is still held.
+    /// If a lock is still held, the watchdog fails the test.
     void expectUsableByAnotherThread() {
         std::thread([this] {
             EXPECT_TRUE(manager.hasStoreWithName(restName));
@@ -66,7 +66,7 @@ struct StoreCase {
     /// The operation of the store that throws.
     const char* failing;
     std::function<void(ConfigStoreManager&, const std::shared_ptr<FailingConfigStore>&)> call;
-    /// What a lookup of "k" answers afterwards: "v" if the store is still in the chain, else "rest".
+    /// The expected value of "k" afterwards: "v" if the store is still in the chain, otherwise "rest".
     const wchar_t* valueAfterwards = L"v";
     const char* storeName = "F";
 };
@@ -91,7 +91,7 @@ TEST_P(StoreThatThrows, FailsTheOperationAndLeavesTheManagerUsable) {
 
 using Store = std::shared_ptr<FailingConfigStore>;
 
-/// Hands in a second version of the store, which fails where the first one does.
+/// Adds a second version of the store, which throws in the same operation as the first.
 void update(ConfigStoreManager& manager, const Store& store) {
     const auto next = std::make_shared<FailingConfigStore>("F", 20, ConfigMap{{L"k", L"next"}});
     next->failing = store->failing;

@@ -15,7 +15,7 @@
 
 namespace ZelUnified {
 
-/// A manager on a factory without threads, its announcements and its log lines recorded.
+/// A manager on a factory without threads, with its announcements and log lines recorded.
 class ConfigStoreManagerFixture : public testing::Test {
 protected:
     static constexpr const char* loggerName = "ConfigService-ConfigStoreManager";
@@ -26,7 +26,7 @@ protected:
     }
     ~ConfigStoreManagerFixture() override { factory->backgroundDispatcher->clear(); }
 
-    /// Adds without leaving a trace in the records.
+    /// Adds a store and clears the records.
     template <class Store>
     std::shared_ptr<Store> given(std::shared_ptr<Store> store) {
         manager.addStore(store);
@@ -41,7 +41,7 @@ protected:
     }
 
     std::vector<std::string> logged() const { return log.getTexts(loggerName); }
-    /// Lines of the manager at that level; a test that compares them with logged() knows that there are no others.
+    /// Returns the manager's lines at that level. Comparing them with logged() shows that there are no others.
     std::vector<std::string> loggedAt(ZelLogLevel level) const {
         std::vector<std::string> texts;
         for (const auto& record : log.getRecords()) {

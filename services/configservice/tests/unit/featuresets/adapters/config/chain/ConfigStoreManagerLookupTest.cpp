@@ -7,7 +7,7 @@ namespace ZelUnified {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// Reads with everything that the full operation takes and gives.
+/// Calls the full operation with all its arguments and out parameters.
 class ConfigStoreManagerLookup : public ConfigStoreManagerFixture {
 protected:
     ~ConfigStoreManagerLookup() override { zel::common::FipsUtils::overrideFipsMode(std::nullopt); }

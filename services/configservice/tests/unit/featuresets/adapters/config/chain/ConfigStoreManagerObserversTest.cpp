@@ -21,7 +21,7 @@ public:
 
 } // namespace
 
-/// Who is told of changes, when, and what may be done from inside a callback.
+/// Tests which observers are notified, when, and what a callback may do.
 class ConfigStoreManagerObservers : public ConfigStoreManagerFixture {};
 
 TEST_F(ConfigStoreManagerObservers, ArrivalTellsStoreAddedObserversLaterOnTheBackgroundDispatcher) {

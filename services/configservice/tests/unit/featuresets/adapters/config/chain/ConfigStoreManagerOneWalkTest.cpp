@@ -21,7 +21,7 @@
 namespace ZelUnified {
 namespace {
 
-/// A store of another service that answers as the library's does, so that the manager reads it through ConfigStore.
+/// A store of another service with the behaviour of the library's, so that the manager reads it through ConfigStore.
 class ForeignStore final : public ConfigStore {
 public:
     explicit ForeignStore(std::shared_ptr<ConfigStore> library) : store(std::move(library)) {}
@@ -51,7 +51,7 @@ struct Retriever final : MdmConfigRetriever {
     ConfigMap values;
 };
 
-/// Keys, stores and steps of chance; the same for the same number.
+/// Random keys, stores and steps, the same for the same seed.
 class Story {
 public:
     Story(unsigned number, bool isForeign) : chance(number), foreign(isForeign) {
@@ -61,7 +61,7 @@ public:
     }
     ~Story() { factory->backgroundDispatcher->clear(); }
 
-    /// What was announced, answered and logged.
+    /// Returns everything that was announced, returned and logged.
     std::vector<std::string> tell() {
         zel::common::FipsUtils::overrideFipsMode(below(3) == 0);
         for (int step = 0; step < 25; ++step) {
@@ -149,7 +149,7 @@ private:
         }
     }
 
-    /// Now and then the chain changes in the middle of an announcement.
+    /// Sometimes changes the chain during an announcement.
     void react(const std::wstring&) {
         if (depth < 2 && below(12) == 0) {
             ++depth;
@@ -158,7 +158,7 @@ private:
         }
     }
 
-    std::mt19937 chance; // NOLINT(cert-msc32-c,cert-msc51-cpp): the same story each time
+    std::mt19937 chance; // NOLINT(cert-msc32-c,cert-msc51-cpp): the same steps in each run
     const bool foreign;
     int depth = 0;
     testing_host::TemporaryProfile profile;

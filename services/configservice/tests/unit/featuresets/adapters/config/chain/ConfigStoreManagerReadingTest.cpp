@@ -11,7 +11,7 @@
 namespace ZelUnified {
 namespace {
 
-/// What one store of a chain says of a key.
+/// The contents of one store for a key.
 struct Source {
     bool readOnly;
     std::optional<std::wstring> value;
@@ -43,8 +43,8 @@ std::shared_ptr<ConfigStore> makeStore(int priority, const Source& source, const
     return store;
 }
 
-/// What is told of the key while such stores arrive, the last one first. An empty store of another service behind them
-/// makes two walks necessary.
+/// Returns the announcements of the key while such stores arrive, the last one first. An empty store of another service
+/// after them makes two walks necessary.
 std::vector<std::string> announced(const Sources& sources, const std::wstring& key, bool endsInForeignStore) {
     const auto factory = std::make_shared<testing_host::RecordingFactory>();
     ConfigStoreManager manager(factory);

@@ -89,7 +89,7 @@ TEST_F(ConfigStoreManagerWrite, ObserverOfAMapMayRemoveAndAddStoresMeanwhile) {
     given(makeWritableStore("L", 20));
     observer.reaction = [&](const std::wstring&) {
         observer.reaction = nullptr;
-        // Nothing but the walk itself keeps the removed store.
+        // Only the walk itself keeps the removed store alive.
         manager.removeStoreWithSameName("M");
         factory->backgroundDispatcher->clear();
         for (int i = 0; i < 8; ++i) {

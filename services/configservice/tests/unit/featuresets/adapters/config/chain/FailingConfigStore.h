@@ -10,13 +10,13 @@
 
 namespace ZelUnified {
 
-/// What FailingConfigStore throws.
+/// The exception that FailingConfigStore throws.
 class StoreFailure final : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// A store of another service, of which one operation throws.
+/// A store of another service, one operation of which throws.
 class FailingConfigStore final : public ConfigStore {
 public:
     FailingConfigStore(std::string name, int priority, ConfigMap values)
@@ -72,9 +72,9 @@ public:
         return store.shouldCacheConfigStore();
     }
 
-    /// What answers while no operation fails.
+    /// Implements the operations that do not throw.
     FakeConfigStore store;
-    /// The name of the operation that throws; empty for none. Stores may share it.
+    /// The name of the operation that throws, or empty. Stores may share it.
     std::shared_ptr<std::string> failing = std::make_shared<std::string>();
 
 private:

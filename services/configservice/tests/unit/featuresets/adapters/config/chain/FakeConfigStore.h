@@ -10,7 +10,7 @@
 
 namespace ZelUnified {
 
-/// A store as another service might hand it in, every answer of it adjustable.
+/// A store of another service whose return values can all be set.
 class FakeConfigStore final : public ConfigStore {
 public:
     FakeConfigStore(std::string storeName, int storePriority, ConfigMap table = {})
@@ -74,7 +74,7 @@ public:
     int timesPersisted = 0;
     int timesDestroyed = 0;
     ConfigMap values;
-    ConfigKeySet unanswered;             ///< Listed among the keys if held, and never answered.
+    ConfigKeySet unanswered;             ///< Listed among the keys if held, but never returned as a value.
     std::function<void()> beforeReading; ///< Called before each value is read.
     std::function<void()> whenDestroyed;
 

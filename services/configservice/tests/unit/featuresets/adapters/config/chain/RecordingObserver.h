@@ -10,8 +10,8 @@
 
 namespace ZelUnified {
 
-/// Writes down what the manager announces, a line for each call, in a form that a test can read:
-/// "Key: value [store] | original [store]", then "overridden", "undefined" and "deferred" where they apply.
+/// Records the announcements of the manager as text, one line per call: "Key: value [store] | original [store]", then
+/// "overridden", "undefined" and "deferred" where they apply.
 class RecordingObserver final : public ConfigStoreManager_Observer {
 public:
     void onFireIfRequired(std::wstring key) override {

@@ -20,7 +20,7 @@ using ZelUnified::ConfigMap;
 
 namespace {
 
-/// The private lock of this name: that it is held can't be seen from outside without waiting for it.
+/// Returns the private lock of this name. Without it a test could only see that it is held by waiting for it.
 std::recursive_mutex& platformLockOf(zel::Mutex& mutex);
 
 template <auto lock>
@@ -28,13 +28,13 @@ struct PrivateMember {
     friend std::recursive_mutex& platformLockOf(zel::Mutex& mutex) { return *(mutex.*lock); }
 };
 
-// The arguments of an explicit instantiation may name what is private.
+// Explicit instantiation may name private members.
 template struct PrivateMember<&zel::Mutex::platformLock>;
 
 class OpenCacheConfigStore final : public CacheConfigStore {
 public:
     using CacheConfigStore::CacheConfigStore;
-    /// Whether another thread holds the lock that every reader of a held key takes.
+    /// Returns true if another thread holds the lock that every reader of a held key acquires.
     bool isLockedElsewhere() {
         const std::unique_lock lock(platformLockOf(valuesLock), std::try_to_lock);
         return !lock.owns_lock();
@@ -156,7 +156,7 @@ TEST_F(CacheConfigStoreTest, LetsReadersOfAHeldKeyWaitForTheDisk) {
     std::thread writer([&] { store.persistValues(); });
     EXPECT_TRUE(keys->waitForWriter());
     EXPECT_TRUE(store.isLockedElsewhere());
-    EXPECT_EQ(valueOf(store, L"absent"), "(none)"); // at once
+    EXPECT_EQ(valueOf(store, L"absent"), "(none)"); // returns at once
     std::string read;
     std::thread reader([&] { read = valueOf(store, L"key"); });
     EXPECT_TRUE(store.isLockedElsewhere());

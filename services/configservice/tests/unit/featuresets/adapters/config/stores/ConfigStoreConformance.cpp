@@ -125,7 +125,7 @@ TEST_P(ConfigStoreConformance, KeyThatIsHeldIsNeverMissedWhileOthersAreAdded) {
     const testing_host::Watchdog watchdog;
     int missed = 0;
     for (int round = 0; round < rounds; ++round) {
-        const std::wstring held = L"held" + std::to_wstring(round); // each has a place of its own in a filter
+        const std::wstring held = L"held" + std::to_wstring(round); // each key sets another bit of a filter
         const auto store = make({{held, L"2"}});
         testing_host::Signal reading;
         std::atomic<bool> written = false;

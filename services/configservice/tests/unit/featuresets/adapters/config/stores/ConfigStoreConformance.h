@@ -13,14 +13,14 @@
 
 namespace ZelUnified {
 
-/// How one kind of store is made for the conformance suite, and what it promises.
+/// How the conformance suite constructs one kind of store, and the properties of that kind.
 struct StoreKind {
     enum class Writes { Refused, Taken };
     enum class Emptying { Ignored, Done };
 
     std::string label;
-    /// Makes a store that holds the pairs. Keys are lower case and values without white space around them, which every
-    /// format on disk keeps.
+    /// Creates a store with the pairs. Keys are in lower case and values have no surrounding white space, which every
+    /// disk format preserves.
     std::function<std::shared_ptr<ConfigStore>(const testing_host::TemporaryProfile&, const ConfigMap&)> make;
     std::string name;
     int priority;
@@ -32,7 +32,7 @@ struct StoreKind {
     friend std::ostream& operator<<(std::ostream& stream, const StoreKind& kind) { return stream << kind.label; }
 };
 
-/// What every store of the product answers alike. A test file of a store instantiates it with its kind:
+/// The behaviour that all stores of the product share. The test file of a store instantiates it with its kind:
 /// INSTANTIATE_TEST_SUITE_P(InMemoryConfigStore, ConfigStoreConformance, testing::Values(kind), storeKindLabel);
 class ConfigStoreConformance : public testing::TestWithParam<StoreKind> {
 protected:

@@ -5,7 +5,7 @@
 
 namespace ZelUnified {
 
-/// The store chain as a store or a service sees it.
+/// A mock of the store chain for stores and services.
 class FeatureSetMock : public ConfigFeatureSet {
 public:
     MOCK_METHOD(void, addConfigStore, (std::shared_ptr<ConfigStore>), (override));

@@ -87,7 +87,7 @@ TEST_F(LocalFileConfigStoreBackupTest, RepairsACorruptBackupAndThenWritesTheMain
     ASSERT_EQ(timer->requests.size(), 2U); // also after a refused write
     fireBackup();
     EXPECT_EQ(readProtected(backup), document);
-    store->persistValues(); // the refused write left the difference standing
+    store->persistValues(); // the values still differ from the file after the refused write
     EXPECT_EQ(readProtected(main), document);
 }
 

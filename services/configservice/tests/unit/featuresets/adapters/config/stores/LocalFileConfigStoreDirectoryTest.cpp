@@ -19,8 +19,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The directories that a write asks for on behalf of a store whose directory is this one. It gets no further: the
-/// facility, which makes directories of its own, is not reached with a document.
+/// Returns the directories that a write creates for a store with this directory. The write stops before the file
+/// facility, which creates directories of its own.
 std::vector<std::string> madeFor(const std::string& directory) {
     LocalFileConfigStore store("Name", 7, directory, "file.dat", true, false, true);
     store.storeValue(L"key", L"v");
@@ -61,7 +61,7 @@ TEST_F(LocalFileConfigStoreDirectoryTest, IsMissedInSilenceWhenItCantBeMade) {
     const testing_host::LogRecorder log;
     EXPECT_THAT(madeFor(folder + "/below"), ElementsAre(folder + "/below"));
     EXPECT_FALSE(fs::is_directory(folder));
-    // The line is of the reading, before the write.
+    // The line was logged by the read before the write.
     EXPECT_THAT(log.getTexts("ConfigService-LocalFileConfigStore"),
                 ElementsAre("Failed to read config file " + folder + "/below/file.dat"));
 }

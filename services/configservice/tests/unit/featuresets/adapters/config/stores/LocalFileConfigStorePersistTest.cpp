@@ -47,7 +47,7 @@ std::string documentOf(const Entries& entries) {
     return localDocument(lines);
 }
 
-/// A file keeps its keys as they are spelled, a reader takes them in lower case.
+/// A file preserves the spelling of its keys; a reader converts them to lower case.
 Entries inLowerCase(Entries entries) {
     for (auto& [key, value] : entries) {
         KyrCoreUtils::makeLowercase(key);
@@ -55,7 +55,7 @@ Entries inLowerCase(Entries entries) {
     return entries;
 }
 
-/// Changes a store the way a run of calls would, the same for the same seed.
+/// Makes random changes to a store, the same for the same seed.
 class RandomEditor {
 public:
     RandomEditor(LocalFileConfigStore& edited, unsigned seed) : store(edited), random(seed) {}
@@ -66,7 +66,7 @@ public:
         }
     }
 
-    /// More new values than the store keeps account of one by one.
+    /// Stores more new values than the store records individually.
     void storeOften() {
         for (int i = 0; i < 200; ++i) {
             store.storeValue(L"key" + std::to_wstring(100 + below(60)), newValue());
@@ -94,7 +94,7 @@ private:
 
     unsigned below(unsigned limit) { return static_cast<unsigned>(random() % limit); }
 
-    /// Both ends as often as all between them.
+    /// Chooses the two ends as often as all keys between them.
     std::wstring pick(const std::vector<std::wstring>& keys) {
         switch (below(3)) {
         case 0:

@@ -35,7 +35,7 @@ constexpr const char* syntaxLine = "Error Invalid XML syntax detected - Unable t
 
 class LocalFileConfigStoreTest : public testing::Test {
 protected:
-    /// A plain, read-only store in the resources folder.
+    /// Returns a plain, read-only store in the resources folder.
     LocalFileConfigStore plain(const std::string& file, const std::string& name = "Name") {
         return {name, 7, profile.resources().string(), file, true, true, false};
     }

@@ -157,7 +157,7 @@ TEST_F(LocalFileConfigStoreWritingTest, IsSilentWithoutMemoryForADocumentAndKeep
     store->persistValues();
     store->storeValue(L"Key", L"w");
     log.clear();
-    for (const std::size_t limit : {0U, 500U}) { // nothing at all, and a buffer but no writer
+    for (const std::size_t limit : {0U, 500U}) { // enough for nothing, and for a buffer but no writer
         const xml_test::XmlMemoryLimit memory(limit);
         store->persistValues();
         EXPECT_EQ(readProtected(main), document) << limit;
@@ -234,7 +234,7 @@ TEST_F(LocalFileConfigStoreWritingTest, LetsReadersReadAndAResetWaitWhileItWrite
 TEST_F(LocalFileConfigStoreWritingTest, TakesOneSyncOneRenameAndOneSyncOfTheFolder) {
     using Operation = testing_host::FaultInjectingFileLayer::Operation;
     store->storeValue(L"Key", L"v");
-    store->persistValues(); // makes the key
+    store->persistValues(); // creates the key
     const auto files = std::make_shared<testing_host::FaultInjectingFileLayer>();
     zel::storage::EncryptFileUtils::overrideFileLayer(files);
     store->storeValue(L"Key", L"w");

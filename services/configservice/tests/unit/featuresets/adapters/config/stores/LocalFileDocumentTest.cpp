@@ -131,7 +131,7 @@ TEST(LocalFileDocument, WritesExactlyThisDocument) {
 
 TEST(LocalFileDocument, LeavesTheTextAloneWithoutMemory) {
     zel::SecureString content("left over");
-    for (const std::size_t limit : {0U, 500U}) { // nothing at all, no writer
+    for (const std::size_t limit : {0U, 500U}) { // enough for nothing, and for no writer
         const xml_test::XmlMemoryLimit memory(limit);
         ConfigTable table({{L"k", std::wstring(500'000, L'x')}});
         LocalFileDocument::getDataString(table, content);

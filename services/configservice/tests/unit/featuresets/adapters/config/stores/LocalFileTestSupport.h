@@ -16,7 +16,7 @@
 
 namespace xml_test {
 
-/// Remembers what is scheduled; the test fires it.
+/// Records the scheduled backup; the test fires it.
 class RecordingCacheTimer final : public ZelUnified::ConfigFileCacheTimer {
 public:
     struct Request {
@@ -32,7 +32,7 @@ public:
     std::vector<Request> requests;
 };
 
-/// One key for all; whoever wants to write waits until the gate is open.
+/// Returns one fixed key. A writer waits until the gate is open.
 class GatedKeyProvider final : public zel::storage::KeyProvider {
 public:
     zel::storage::KeyResult find(zel::storage::FileCategoryType::FileCategory category,
@@ -42,7 +42,7 @@ public:
 
     void close();
     void open();
-    /// Returns once a writer waits at the closed gate; false after a minute.
+    /// Waits until a writer waits at the closed gate. Returns false after a minute.
     bool waitForWriter();
 
 private:
@@ -52,10 +52,10 @@ private:
     bool hasWriter = false;
 };
 
-/// The value, or "(none)".
+/// Returns the value, or "(none)".
 std::wstring valueOf(ZelUnified::ConfigStore& store, const std::wstring& key);
 
-/// The document of a local file, as it is written, with these entries between the tags of the root.
+/// Returns the document of a local file with these entries in the root.
 std::string localDocument(const std::string& entries);
 
 } // namespace xml_test

@@ -14,7 +14,7 @@
 
 namespace xml_test {
 
-/// The user's store in an empty folder, its backup fired by the test.
+/// The user's store in an empty folder. The test fires its backup.
 class LocalFileWritingFixture : public testing::Test {
 protected:
     static constexpr const char* userName = "LocalFileConfigStore";

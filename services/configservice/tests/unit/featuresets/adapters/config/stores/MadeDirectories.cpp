@@ -21,7 +21,7 @@ MadeDirectories::~MadeDirectories() {
 
 } // namespace xml_test
 
-/// In the place of the system's for the libraries too; the other call does its work.
+/// Replaces the system's function for the libraries too, and calls another one that does the work.
 extern "C" [[gnu::visibility("default")]] int mkdir(const char* path, mode_t mode) noexcept {
     if (xml_test::noted != nullptr) {
         xml_test::noted->emplace_back(path);

@@ -5,8 +5,8 @@
 
 namespace xml_test {
 
-/// The paths that this thread asks the system to make directories of, as they are handed to it, while it lives. One at
-/// a time.
+/// Records the paths of the directories that this thread asks the system to create during its lifetime. Only one object
+/// at a time.
 class MadeDirectories {
 public:
     MadeDirectories();

@@ -22,7 +22,7 @@ using testing_host::LogRecorder;
 constexpr const char* loggerName = "ConfigService-RegistryConfigStore";
 const std::wstring policies = L"Software\\Policies\\Ventrix Systems, Inc.\\Unified Communications\\VentrixUC";
 
-/// A path in the writable buffer that the deletion works in.
+/// A path in the writable buffer that the deletion uses.
 struct Path {
     explicit Path(const std::wstring& text) { *std::ranges::copy(text, buffer).out = L'\0'; }
     RegistryConfigStore::PathBuffer buffer;

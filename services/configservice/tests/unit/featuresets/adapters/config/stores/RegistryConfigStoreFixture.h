@@ -16,7 +16,7 @@
 
 namespace ZelUnified {
 
-/// Stores on a registry in memory.
+/// Stores over a registry in memory.
 class RegistryConfigStoreTest : public testing::Test {
 protected:
     static inline const std::wstring root = L"Software\\Policies\\Client";
@@ -30,7 +30,7 @@ protected:
         registry->setValue(zel::registry::HKEY_CURRENT_USER, root, {std::move(name), type, std::move(data)});
     }
 
-    /// What a new store answers; nothing when it does not.
+    /// Returns the value in a new store, or nothing if it does not contain the key.
     std::optional<std::wstring> readBack(const std::wstring& key) {
         auto store = makeStore();
         std::wstring value = L"left over";

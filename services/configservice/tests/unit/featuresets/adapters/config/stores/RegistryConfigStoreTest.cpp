@@ -177,7 +177,7 @@ TEST_F(RegistryConfigStoreTest, AllChildrenOfTheRootAreRead) {
 }
 
 TEST_F(RegistryConfigStoreTest, ASubkeyIsReadOnlyAsFarAsItsParentHasSubkeys) {
-    // The root has two subkeys: of the three below "A" two are read, and of those below "A\1" as many as "A" has.
+    // The root has two subkeys: two of the three below "A" are read, and below "A\1" as many as "A" has.
     for (const auto* name : {L"\\A\\1\\w", L"\\A\\1\\x", L"\\A\\1\\y", L"\\A\\1\\z", L"\\A\\2", L"\\A\\3", L"\\B"}) {
         setText(name, std::wstring(name).substr(1), L"1");
     }
@@ -214,7 +214,7 @@ TEST_F(RegistryConfigStoreTest, PathsThatDontFitTheBufferAreNotOpenedUnderAnothe
     const std::wstring fits(room, L'f');
     setText(deep + L"\\" + fits, L"fits", L"1");
     setText(deep + L"\\" + fits + L"f", L"does not fit", L"1");
-    // Keys enough above it that the second of the two is reached.
+    // Adds enough keys at the levels above, so that the read reaches the second of the two.
     setText(L"\\z", L"other", L"1");
     for (std::size_t end = 201; end < deep.size(); end += 201) {
         setText(deep.substr(0, end) + L"\\z", L"other", L"1");

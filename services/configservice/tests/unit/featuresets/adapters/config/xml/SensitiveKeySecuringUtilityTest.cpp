@@ -23,7 +23,7 @@ std::wstring secured(const std::wstring& value) {
     return values.at(L"ConnectionPassword");
 }
 
-/// Turns a secured value back, as nothing in the product does.
+/// Decrypts a secured value; the product never does.
 std::string openSecured(const std::wstring& value) {
     const std::string base64 = KyrCoreUtils::toString(value);
     std::vector<unsigned char> bytes(base64.size());

@@ -27,7 +27,7 @@ constexpr const char* loggerName = "ConfigService-XmlConfigParser";
 constexpr const char* syntaxLine = "\n************\nError Invalid XML syntax detected - Unable to read xml "
                                    "configuration.\n************";
 
-/// The private operation of this name: no text that parses lacks a root.
+/// Calls the private operation of this name: every text that parses has a root.
 bool parseDocument(const ZelUnified::XmlDocument& document, ConfigMap& values, ConfigKeySet& sensitiveKeys);
 
 template <auto operation>
@@ -37,7 +37,7 @@ struct PrivateOperation {
     }
 };
 
-// The arguments of an explicit instantiation may name what is private.
+// Explicit instantiation may name private members.
 template struct PrivateOperation<&XmlConfigParser::parseXmlConfig>;
 
 struct Table {
@@ -53,7 +53,7 @@ Table parse(const std::string& xml) {
     return table;
 }
 
-/// The value of the only key "k" in `element`.
+/// Returns the value of the only key "k" in `element`.
 std::wstring valueOf(const std::string& element) {
     const Table table = parse("<a><g>" + element + "</g></a>");
     EXPECT_EQ(table.values.size(), 1U) << element;
@@ -185,7 +185,7 @@ TEST(XmlConfigParser, OverridesTheKeyThatFipsForbids) {
 }
 
 TEST(XmlConfigParser, ScrubsAPasswordWithoutHarmToItsNeighbours) {
-    // "abc" is short enough to be shared with the name and the equal value.
+    // "abc" is short enough for the dictionary to share it with the name and the equal value.
     const Table table = parse("<a><g><ConnectionPassword>abc</ConnectionPassword><abc>1</abc><k>abc</k>"
                               "<BDIConnectionPassword><v p='abc'>abc</v></BDIConnectionPassword><l>abc</l></g></a>");
     EXPECT_THAT(table.values, ElementsAre(Pair(L"abc", L"1"),

@@ -129,7 +129,7 @@ TEST(XmlConfigParserWriting, WritesAndSaysNothingWithoutMemory) {
     const fs::path path = profile.root() / "cachedX.dat";
     std::string xml = "left over";
     const ConfigMap values = {{L"k", L"v"}};
-    for (const std::size_t limit : {0U, 500U}) { // nothing at all, and a buffer but no writer
+    for (const std::size_t limit : {0U, 500U}) { // enough for nothing, and for a buffer but no writer
         const xml_test::XmlMemoryLimit memory(limit);
         EXPECT_FALSE(XmlConfigParser::writeToMemory(xml, values)) << limit;
         EXPECT_FALSE(XmlConfigParser::writeToFile(path.string(), values)) << limit;

@@ -22,7 +22,7 @@ void parse(const char* text) {
 
 } // namespace
 
-// Each case is a process of its own: here the library has not been used before.
+// Each case runs in a separate process, so the library has not been used before.
 TEST(XmlGuard, TheFirstUseOfTheLibraryMayBeOnSeveralThreadsAtOnce) {
     const auto use = [] {
         const XmlGuard guard;
@@ -38,7 +38,7 @@ TEST(XmlGuard, KeepsTheParserFromQuotingTheDocumentOnStandardError) {
     {
         const XmlGuard guard;
         parse("<a><connectionpassword>hunter2</oops></a>");
-        EXPECT_EQ(xmlGetLastError()->code, XML_ERR_TAG_NAME_MISMATCH); // the text does raise an error
+        EXPECT_EQ(xmlGetLastError()->code, XML_ERR_TAG_NAME_MISMATCH); // the text raises an error
     }
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
     EXPECT_EQ(xmlGetLastError() == nullptr ? XML_ERR_OK : xmlGetLastError()->code, XML_ERR_OK);

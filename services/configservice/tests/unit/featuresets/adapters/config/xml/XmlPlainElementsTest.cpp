@@ -43,7 +43,7 @@ Parsed parse(const std::string& xml) {
     return parsed;
 }
 
-/// The names of the elements that the tree's first group holds.
+/// Returns the names of the elements in the tree's first group.
 std::vector<std::string> namesInTree(const XmlDocument& document) {
     std::vector<std::string> names;
     const xmlNode* group = xmlFirstElementChild(xmlDocGetRootElement(document.get()));
@@ -55,7 +55,7 @@ std::vector<std::string> namesInTree(const XmlDocument& document) {
     return names;
 }
 
-/// What the two ways of reading make of one document.
+/// The tables that the two ways of reading return for one document.
 struct Tables {
     bool protectedRead = false;
     bool memoryRead = false;

@@ -130,7 +130,7 @@ TEST(XmlReader, LoadsNothingThatADocumentNames) {
                              "\"><!ENTITY % p SYSTEM \"http://127.0.0.1:9/p.ent\"> %p;]><r><g><k>&e;</k></g></r>";
     const std::string file = (profile.root() / "attack.xml").string();
     testing_host::writeFile(file, text);
-    // What another user of the library in this process may have set.
+    // Settings that another user of the library in this process may have changed.
     xmlSubstituteEntitiesDefaultValue = 1;
     xmlLoadExtDtdDefaultValue = 1;
     const xml_test::LoadCounter loads(file);
@@ -190,7 +190,7 @@ TEST(XmlReader, SurvivesABillionLaughs) {
     for (const std::string body : {"<r><g><k>&a9;</k></g></r>", "<r v='&a9;'/>"}) {
         const auto document = XmlReader::parseDoc(xml_test::billionLaughs(body));
         if (!document || xmlDocGetRootElement(document.get())->properties == nullptr) {
-            continue; // refused as a whole, or kept as a reference
+            continue; // refused, or kept as a reference
         }
         std::size_t budget = XmlReader::expansionLimit;
         EXPECT_EQ(XmlReader::getText(firstAttribute(document), budget), std::nullopt);

@@ -29,7 +29,7 @@ TEST(XmlScrubber, ZeroesTextCDataAndAttributesBelowAnElement) {
 }
 
 TEST(XmlScrubber, ZeroesSharedTextsOnlyAtItsEnd) {
-    // Short texts stand in the document's dictionary, where equal texts and names share them.
+    // Short texts are in the document's dictionary, where equal texts and names share them.
     const auto document = XmlReader::readMemory("<r><k>abc</k><l>abc</l><abc/></r>", "test");
     const xmlNode* root = xmlDocGetRootElement(document.get());
     xmlNode* first = root->children->children;

@@ -14,7 +14,7 @@ namespace xml_test {
 
 namespace {
 
-// The library takes a plain function, so the counter's state can't be a member.
+// Not a member, because the library takes a plain function.
 struct Loads {
     xmlExternalEntityLoader previous = nullptr;
     std::string expected;

@@ -11,7 +11,7 @@
 
 namespace xml_test {
 
-/// The machine runs in FIPS mode, or doesn't, while it lives.
+/// Sets the FIPS mode of the machine during its lifetime.
 class FipsMode {
 public:
     explicit FipsMode(bool enabled) { zel::common::FipsUtils::overrideFipsMode(enabled); }
@@ -22,12 +22,12 @@ public:
 
 bool writeProtected(const std::string& path, const std::string& text,
                     zel::storage::FileCategoryType::FileCategory category = zel::storage::FileCategoryType::UserData);
-/// The clear text; "" when the file can't be read.
+/// Returns the clear text, or "" if the file is unreadable.
 std::string
 readProtected(const std::string& path,
               zel::storage::FileCategoryType::FileCategory category = zel::storage::FileCategoryType::UserData);
 
-/// Counts what libxml2 tries to load besides `expected`, and loads nothing.
+/// Counts the files that libxml2 tries to load besides `expected`, and loads none.
 class LoadCounter {
 public:
     explicit LoadCounter(std::string expected = {});
@@ -38,7 +38,7 @@ public:
     int count() const;
 };
 
-/// While it lives libxml2 gets no block of more than that many bytes.
+/// Makes every libxml2 allocation above this number of bytes fail during its lifetime.
 class XmlMemoryLimit {
 public:
     explicit XmlMemoryLimit(std::size_t bytes);
@@ -47,17 +47,17 @@ public:
     XmlMemoryLimit& operator=(const XmlMemoryLimit&) = delete;
 };
 
-/// Texts that no reader takes: too deep, too long, cut short, in a wrong encoding, with a zero, with an entity that is
-/// not declared.
+/// Returns texts that every reader refuses: too deep, too long, truncated, in a wrong encoding, with a zero byte, with
+/// an undeclared entity.
 std::vector<std::string> hostileTexts();
 
-/// "<a><b><k>1</k></b></a>", compressed.
+/// Returns "<a><b><k>1</k></b></a>", compressed.
 std::string gzipped();
 
-/// A document of 100 MB, compressed into 100 KB.
+/// Writes a document of 100 MB, compressed to 100 KB.
 void writeInflatingFile(const std::string& path);
 
-/// An entity that would expand to a billion copies of its innermost text.
+/// Returns a document with an entity that would expand to a billion copies of its innermost text.
 std::string billionLaughs(const std::string& body);
 
 } // namespace xml_test

@@ -34,7 +34,7 @@ const xmlChar* toXml(const std::string& text) {
     return reinterpret_cast<const xmlChar*>(text.c_str());
 }
 
-/// Returns the same document as the library's own writer writes it.
+/// Returns the document that the library's own writer writes.
 std::string writeByLibrary(XmlWriter::Declaration declaration, const std::vector<std::string>& texts) {
     const std::unique_ptr<xmlBuffer, decltype(&xmlBufferFree)> buffer(xmlBufferCreate(), &xmlBufferFree);
     xmlTextWriter* writer = xmlNewTextWriterMemory(buffer.get(), 0);
@@ -56,7 +56,7 @@ std::string writeByLibrary(XmlWriter::Declaration declaration, const std::vector
     return reinterpret_cast<const char*>(xmlBufferContent(buffer.get()));
 }
 
-/// Texts with each character of ASCII and some beyond it.
+/// Returns texts with each ASCII character and some others.
 std::vector<std::string> makeTexts() {
     std::vector<std::string> texts = {"",
                                       " ",
