@@ -1,22 +1,73 @@
 #include "ConfigStoreManager.h"
 
+#include "BackgroundTasks.h"
 #include "CachedConfigFiles.h"
+#include "ConfigReport.h"
 #include "ConfigStoreManagerLogger.h"
+#include "UrlProvisioningData.h"
+#include "featuresets/adapters/config/stores/StorePriorities.h"
 #include "secure/SecureString.h"
 
 #include <kyr/StringUtils.h>
 
+#include <CacheConfigStore.h>
 #include <ConfigKeys.h>
+
+#include <algorithm>
+#include <array>
+#include <sstream>
 
 namespace ZelUnified {
 
 using KyrCoreUtils::caseInsensitiveStringEquals;
+using KyrCoreUtils::toString;
+using KyrCoreUtils::toWideString;
 
 namespace {
 
 /// Returns true for the developer's override store, which is left out of the logs only.
 bool isOverrideStore(std::string_view name) {
     return caseInsensitiveStringEquals(name, ConfigKeys::devOverrideConfigStore);
+}
+
+/// Returns the log text for a key that was found under a name other than the requested one.
+std::wstring describeRenaming(ConfigLookup::FoundUnder foundUnder, const KeyAliases& keyAliases, const FoldedKey& key) {
+    switch (foundUnder) {
+    case ConfigLookup::FoundUnder::NewName:
+        return L"is an alias. Key has been renamed. Actual lookup done on key name: [" +
+               *keyAliases.lookupKeyAlias(key) + L"] - ";
+    case ConfigLookup::FoundUnder::OldName:
+        return L"did not exist. actual lookup done on legacy key name : [" + *keyAliases.lookupLegacyKey(key) + L"] - ";
+    case ConfigLookup::FoundUnder::AskedName:
+        break;
+    }
+    return L"";
+}
+
+/// Returns the text with personal data masked. `room` stores the masked text. Most texts contain no personal data and
+/// are returned without a copy.
+std::wstring_view withoutPersonalData(std::wstring_view text, std::wstring& room) {
+    if (!ZelLogger_mayHoldPIIData(text)) {
+        return text;
+    }
+    room = toWideString(ZelLogger_replacePIIData(toString(text)));
+    return room;
+}
+
+bool isInMemoryStore(ConfigStore& store) {
+    return caseInsensitiveStringEquals(store.getName(), ConfigKeys::inMemoryConfigStore);
+}
+
+/// Returns true for the stores that receive ordinary writes.
+bool isWriteTarget(ConfigStore& store) {
+    return !store.isReadOnly() && !isInMemoryStore(store);
+}
+
+bool isSparedByReset(const std::string& name) {
+    constexpr std::array<std::string_view, 5> spared{
+        ConfigKeys::urlProvisioningConfigStore, ConfigKeys::bootstrapConfigStore, ConfigKeys::mdmConfigStore,
+        ConfigKeys::configDefaultsFile, ConfigKeys::devOverrideConfigStore};
+    return std::find(spared.begin(), spared.end(), name) != spared.end();
 }
 
 } // namespace
@@ -235,6 +286,228 @@ bool ConfigStoreManager::isHeld(const std::wstring& key) const {
     const bool held = lookup.lookupInStores(FoldedKey(key), value, nullptr, false, "");
     zel::SecureString::wipe(value);
     return held;
+}
+
+bool ConfigStoreManager::getValue(const FoldedKey& key, std::wstring& value, std::wstring* configStoreName,
+                                  bool& valueFromLegacyKey, bool skipLocal, const std::string& storeFilter) const {
+    const std::lock_guard lock(chainLock);
+    const bool isLogged = ZelLog_isDebugEnabled(configStoreManagerLogger());
+    auto foundUnder = ConfigLookup::FoundUnder::AskedName;
+    // Uses local results: the caller may pass the same string as the key and as an out parameter.
+    std::wstring answer;
+    std::wstring storeName = configStoreName == nullptr ? std::wstring() : *configStoreName;
+    std::wstring* const wantedName = configStoreName != nullptr || isLogged ? &storeName : nullptr;
+    const bool found = lookup.getValue(key, answer, wantedName, valueFromLegacyKey, skipLocal, storeFilter, foundUnder);
+    if (const auto line = describeLookup(key, answer, found, storeName, foundUnder, skipLocal)) {
+        ZelLog(configStoreManagerLogger(), ZelLogLevel::Debug, ZEL_HERE, *line);
+    }
+    value = std::move(answer);
+    if (configStoreName != nullptr) {
+        *configStoreName = std::move(storeName);
+    }
+    return found;
+}
+
+bool ConfigStoreManager::getValue(const FoldedKey& key, ConfigChange& change) const {
+    if (!lookup.readInOneWalk(key, change)) {
+        return false;
+    }
+    if (const auto line = describeLookup(key, change.value, change.isDefined, change.valueStoreName,
+                                         ConfigLookup::FoundUnder::AskedName, false)) {
+        ZelLog(configStoreManagerLogger(), ZelLogLevel::Debug, ZEL_HERE, *line);
+    }
+    return true;
+}
+
+std::optional<std::wstring> ConfigStoreManager::describeLookup(const FoldedKey& key, std::wstring_view value,
+                                                               bool found, std::wstring_view storeName,
+                                                               ConfigLookup::FoundUnder foundUnder,
+                                                               bool skipLocal) const {
+    // Masks before the test for debug logging, so that enabling the log changes nothing else.
+    std::wstring masked;
+    const auto shown = withoutPersonalData(sensitiveKeys.contains(key) ? ConfigKeys::valueHidden : value, masked);
+    if (!ZelLog_isDebugEnabled(configStoreManagerLogger())) {
+        return std::nullopt;
+    }
+    std::wostringstream text;
+    text << L"key : [" << key.getText() << L"] " << describeRenaming(foundUnder, keyAliases, key) << L"skipLocal : ["
+         << skipLocal << L"]  value: [" << shown << L"] success: [" << (found ? L"true" : L"false")
+         << L"] configStoreName: [" << storeName << L"]";
+    return text.str();
+}
+
+bool ConfigStoreManager::getValue(const std::wstring& key, std::wstring& value, std::wstring& configStoreName,
+                                  bool& valueFromLegacyKey, bool skipLocal, const std::string& storeFilter) const {
+    return getValue(FoldedKey(key), value, &configStoreName, valueFromLegacyKey, skipLocal, storeFilter);
+}
+
+bool ConfigStoreManager::getValue(const std::wstring& key, std::wstring& value) const {
+    return getValue(key, value, std::string());
+}
+
+bool ConfigStoreManager::getValue(const std::wstring& key, std::wstring& value, const std::string& storeFilter) const {
+    bool valueFromLegacyKey = false;
+    return getValue(FoldedKey(key), value, nullptr, valueFromLegacyKey, false, storeFilter);
+}
+
+std::wstring ConfigStoreManager::getValue(const std::string& storeFilter, const std::wstring& key) const {
+    std::wstring value;
+    return getValue(key, value, storeFilter) ? value : std::wstring();
+}
+
+bool ConfigStoreManager::getOriginalValue(const std::wstring& key, std::wstring& originalValue,
+                                          std::wstring& originalValueStoreName, bool& fromLegacyKey) const {
+    const std::lock_guard lock(chainLock);
+    // Uses local results: the caller may pass the same string as the key and as an out parameter.
+    std::wstring value;
+    std::wstring storeName = originalValueStoreName;
+    const bool hasOverride = lookup.getOriginalValue(FoldedKey(key), value, storeName, fromLegacyKey);
+    originalValue = std::move(value);
+    originalValueStoreName = std::move(storeName);
+    return hasOverride;
+}
+
+bool ConfigStoreManager::storeValue(const std::wstring& key, const std::wstring& value) {
+    const std::lock_guard lock(chainLock);
+    const auto stores = configStores.getStores();
+    const auto target =
+        std::find_if(stores->begin(), stores->end(), [](const auto& store) { return isWriteTarget(*store); });
+    if (target == stores->end()) {
+        return false;
+    }
+    const bool stored = (*target)->storeValue(key, value);
+    persistLater(*target);
+    fireConfigChange(key, false);
+    return stored;
+}
+
+bool ConfigStoreManager::storeValue(const ConfigMap& values) {
+    const std::lock_guard lock(chainLock);
+    bool targetFound = false;
+    for (const auto walked = configStores.getStores(); const auto& store : *walked) {
+        if (!isWriteTarget(*store)) {
+            continue;
+        }
+        targetFound = true;
+        for (const auto& [key, value] : values) {
+            if (!store->storeValue(key, value)) {
+                ZelLog(configStoreManagerLogger(), ZelLogLevel::Warning, ZEL_HERE,
+                       L"Unable to store the value with key: " + key.substr(0, 1));
+            }
+        }
+        persistLater(store);
+        for (const auto& [key, value] : values) {
+            fireConfigChange(key, false);
+        }
+    }
+    return targetFound;
+}
+
+bool ConfigStoreManager::setInMemoryValue(const std::wstring& key, const std::wstring& value) {
+    const std::lock_guard lock(chainLock);
+    const auto store = configStores.find(ConfigKeys::inMemoryConfigStore);
+    if (!store) {
+        return false;
+    }
+    const bool stored = store->storeValue(key, value);
+    fireConfigChange(key, false);
+    return stored;
+}
+
+bool ConfigStoreManager::removeValue(const std::wstring& key) {
+    const std::lock_guard lock(chainLock);
+    std::vector<const std::wstring*> names{&key};
+    for (const auto* otherName : {keyAliases.lookupKeyAlias(key), keyAliases.lookupLegacyKey(key)}) {
+        if (otherName != nullptr) {
+            names.push_back(otherName);
+        }
+    }
+    bool removed = false;
+    for (const auto walked = configStores.getStores(); const auto& store : *walked) {
+        if (store->isReadOnly()) {
+            continue;
+        }
+        for (const auto* name : names) {
+            if (store->removeValue(*name)) {
+                persistLater(store);
+                removed = true;
+            }
+        }
+    }
+    if (removed) {
+        fireConfigChange(key, false);
+    }
+    return removed;
+}
+
+bool ConfigStoreManager::setUrlProvisioningData(const std::wstring& url) {
+    const std::lock_guard lock(chainLock);
+    ZelLog(configStoreManagerLogger(), ZelLogLevel::Info, ZEL_HERE, "setting url provisioning data");
+    auto settings = parseUrlProvisioningData(url);
+    if (settings.empty()) {
+        return false;
+    }
+    const std::string name(ConfigKeys::urlProvisioningConfigStore);
+    addStore(std::make_shared<CacheConfigStore>(name, StorePriorities::urlProvisioning,
+                                                CachedConfigFiles::getPathOfCopy(name), settings));
+    // Provisioning works once: from now on the user's file forbids another.
+    storeValue(std::wstring(ConfigKeys::allowUrlProvisioning), L"False");
+    return true;
+}
+
+void ConfigStoreManager::persistLater(const std::shared_ptr<ConfigStore>& store) const {
+    enqueueBackgroundTask(unifiedFactory, "ConfigStore::persistValues", [store] { store->persistValues(); });
+}
+
+void ConfigStoreManager::resetConfigData() {
+    const std::lock_guard lock(chainLock);
+    for (std::size_t i = configStores.getStores()->size(); i-- > 0;) {
+        // Observers may have changed the chain during the last iteration.
+        const auto store = configStores.at(i);
+        if (!store || isSparedByReset(store->getName())) {
+            continue;
+        }
+        const auto name = store->getName();
+        ZelLog(configStoreManagerLogger(), ZelLogLevel::Info, ZEL_HERE,
+               "Removing store " + name + " from ConfigManager.");
+        removeStoreWithSameName(name);
+        ZelLog(configStoreManagerLogger(), ZelLogLevel::Info, ZEL_HERE, "Removing all keys for store: " + name);
+        store->removeAllValues();
+    }
+}
+
+void ConfigStoreManager::resetConfigData(const std::string& storeName) {
+    const std::lock_guard lock(chainLock);
+    const auto stores = configStores.getStores();
+    const auto found = std::find_if(stores->rbegin(), stores->rend(),
+                                    [&](const auto& store) { return store->getName() == storeName; });
+    if (found != stores->rend()) {
+        ZelLog(configStoreManagerLogger(), ZelLogLevel::Info, ZEL_HERE, "Removing all keys for store: " + storeName);
+        (*found)->removeAllValues();
+    }
+}
+
+void ConfigStoreManager::removeAllCachedStores() {
+    for (const auto& name : CachedConfigFiles::getXmlNames()) {
+        removeStoreWithSameName(name);
+        removeCachedFiles(name);
+    }
+}
+
+bool ConfigStoreManager::removeCachedFiles(const std::string& fileName) {
+    const std::lock_guard lock(chainLock);
+    return CachedConfigFiles::removeCachedFiles(fileName);
+}
+
+void ConfigStoreManager::getConfigForPRT(std::wstring& out) const {
+    out = L"<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<AllConfigs>\n";
+    {
+        const std::lock_guard lock(chainLock);
+        out += ConfigReport::describeStores(
+            *configStores.getStores(), [this](const std::wstring& key) { return isSensitiveKey(key); }, {ZEL_HERE});
+    }
+    out += ConfigReport::getConfigForPRTFromFile();
+    out += L"\n</AllConfigs>";
 }
 
 } // namespace ZelUnified
