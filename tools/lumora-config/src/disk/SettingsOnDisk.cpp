@@ -71,8 +71,8 @@ Category::FileCategory categoryOf(const std::string& path) {
 
 bool isInXml(wchar_t character) {
     constexpr std::wstring_view blanks = L"\t\n\r";
-    const auto code = static_cast<unsigned long>(character);
-    return (code >= 0x20 && code != 0xFFFE && code != 0xFFFF) || blanks.find(character) != std::wstring_view::npos;
+    return (character >= L' ' && character != L'\uFFFE' && character != L'\uFFFF') ||
+           blanks.find(character) != std::wstring_view::npos;
 }
 
 } // namespace
