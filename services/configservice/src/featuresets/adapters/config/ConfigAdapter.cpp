@@ -32,13 +32,14 @@ using KyrCoreUtils::FunctionTask;
 
 namespace {
 
-constexpr const char* notStarted = "Config FeatureSet Not Started";
-
 void logInfo(const char* file, int line, std::string_view function, const char* text) {
     ZelLog(configAdapterLogger(), ZelLogLevel::Info, file, line, function, text);
 }
 
-void logError(const char* file, int line, std::string_view function, const std::string& text) {
+/// `consequence` continues the sentence.
+void logNotStarted(const char* file, int line, std::string_view function, std::string_view consequence = "") {
+    std::string text("Config FeatureSet Not Started");
+    text.append(consequence);
     ZelLog(configAdapterLogger(), ZelLogLevel::Error, file, line, function, text);
 }
 
@@ -348,8 +349,8 @@ void ConfigAdapter::addServiceEvent(int code, ConfigServiceIdsEnum::ConfigServic
 
 void ConfigAdapter::addConfigStore(std::shared_ptr<ConfigStore> store) {
     if (!featureSetStarted) {
-        logError(ZEL_HERE, std::string(notStarted) + ", failed to add ConfigStore with name: [" +
-                               (store ? store->getName() : std::string()) + "]");
+        const auto name = store ? store->getName() : std::string();
+        logNotStarted(ZEL_HERE, ", failed to add ConfigStore with name: [" + name + "]");
         return;
     }
     if (!configStoreManager || !store) {
@@ -367,7 +368,7 @@ void ConfigAdapter::addConfigStore(std::shared_ptr<ConfigStore> store) {
 
 bool ConfigAdapter::removeConfigStore(const std::string& name) {
     if (!featureSetStarted) {
-        logError(ZEL_HERE, std::string(notStarted) + ", failed to remove ConfigStore with name: [" + name + "]");
+        logNotStarted(ZEL_HERE, ", failed to remove ConfigStore with name: [" + name + "]");
         return false;
     }
     if (!configStoreManager) {
@@ -388,8 +389,7 @@ bool ConfigAdapter::removeConfigStore(const std::string& name) {
 
 bool ConfigAdapter::isConfigStorePresent(const std::string& name) {
     if (!featureSetStarted) {
-        logError(ZEL_HERE,
-                 std::string(notStarted) + ", failed to check existance of ConfigStore with name: [" + name + "]");
+        logNotStarted(ZEL_HERE, ", failed to check existance of ConfigStore with name: [" + name + "]");
         return false;
     }
     return configStoreManager && configStoreManager->hasStoreWithName(name);
@@ -416,7 +416,7 @@ void ConfigAdapter::unregisterConfigStoreAddedObserver(std::shared_ptr<ConfigSto
 
 void ConfigAdapter::removeAllCachedConfigStores() {
     if (!featureSetStarted) {
-        logError(ZEL_HERE, std::string(notStarted) + ", failed to remove cached ConfigStores");
+        logNotStarted(ZEL_HERE, ", failed to remove cached ConfigStores");
     }
     if (configStoreManager) {
         configStoreManager->removeAllCachedStores();
@@ -425,7 +425,7 @@ void ConfigAdapter::removeAllCachedConfigStores() {
 
 std::shared_ptr<ConfigStore> ConfigAdapter::getConfigStoreByName(const std::string& name) {
     if (!featureSetStarted) {
-        logError(ZEL_HERE, notStarted);
+        logNotStarted(ZEL_HERE);
     }
     return configStoreManager ? configStoreManager->getStoreByName(name) : nullptr;
 }
@@ -433,7 +433,7 @@ std::shared_ptr<ConfigStore> ConfigAdapter::getConfigStoreByName(const std::stri
 bool ConfigAdapter::getConfig(const std::wstring& key, std::wstring& value, std::wstring& configStoreName,
                               bool& valueFromLegacyKey, bool skipLocal) {
     if (!featureSetStarted) {
-        logError(ZEL_HERE, notStarted);
+        logNotStarted(ZEL_HERE);
     }
     return configStoreManager &&
            configStoreManager->getValue(key, value, configStoreName, valueFromLegacyKey, skipLocal, "");
@@ -455,7 +455,7 @@ bool ConfigAdapter::setConfig(const std::wstring& key, const std::wstring& value
 
 bool ConfigAdapter::setInMemoryConfig(const std::wstring& key, const std::wstring& value) {
     if (!featureSetStarted) {
-        logError(ZEL_HERE, notStarted);
+        logNotStarted(ZEL_HERE);
     }
     return configStoreManager && configStoreManager->setInMemoryValue(key, value);
 }
@@ -536,14 +536,14 @@ void ConfigAdapter::removeValuesIfPolicySet() {
 
 std::wstring ConfigAdapter::getValueFromConfigStore(const std::string& storeName, const std::wstring& key) {
     if (!featureSetStarted) {
-        logError(ZEL_HERE, notStarted);
+        logNotStarted(ZEL_HERE);
     }
     return configStoreManager ? configStoreManager->getValue(storeName, key) : std::wstring();
 }
 
 void ConfigAdapter::getAllConfigForPRT(std::wstring& report) {
     if (!featureSetStarted) {
-        logError(ZEL_HERE, notStarted);
+        logNotStarted(ZEL_HERE);
     }
     if (configStoreManager) {
         configStoreManager->getConfigForPRT(report);
