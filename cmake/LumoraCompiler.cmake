@@ -59,8 +59,8 @@ if(LUMORA_SANITIZER)
   add_compile_options(-fsanitize=${LUMORA_SANITIZER} -fno-omit-frame-pointer -fno-sanitize-recover=all -O1 -g1)
   add_link_options(-fsanitize=${LUMORA_SANITIZER})
   if(LUMORA_SANITIZER STREQUAL "thread" AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-    # With this instrumentation g++ 12 warns falsely about concatenated strings. The other builds keep the warning.
-    add_compile_options(-Wno-array-bounds)
+    # With this instrumentation g++ 12 warns falsely about concatenated strings. The other builds keep the warnings.
+    add_compile_options(-Wno-array-bounds -Wno-restrict -Wno-stringop-overflow)
   endif()
 endif()
 if(LUMORA_BUILD_FUZZ)
