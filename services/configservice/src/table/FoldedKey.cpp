@@ -25,7 +25,7 @@ constexpr Unit toLowerAscii(Unit unit) noexcept {
     return unit | (static_cast<Unit>(isUpper) << 5);
 }
 
-/// The seed differs in each process, so that nobody can prepare a document whose keys all have the same hash.
+/// The start value differs in each process, so that nobody can prepare a document whose keys all have the same hash.
 std::uint64_t seedOfProcess() {
     static const std::uint64_t seed = [] {
         std::random_device device;

@@ -166,7 +166,7 @@ bool runOperations(const std::string& folder) {
         return false;
     }
     announce("removal");
-    // The next run does not know that its keys are sensitive until it is told.
+    // The next run does not know that its keys are sensitive until they are marked again.
     session->featureSet->removeConfigStore("UrlProvisioningConfigStore");
     session->runTasks();
     announce("load");
