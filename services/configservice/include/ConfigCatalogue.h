@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -128,21 +129,19 @@ inline std::wstring_view spellKey(std::wstring_view key) noexcept {
 
 /// The names under which stores may contain a key.
 struct KeyNames {
-    std::wstring newName; ///< The requested key itself if it is not in the catalogue.
-    std::wstring oldName; ///< Empty if the key was never renamed.
+    std::wstring newName;                ///< The requested name itself if the key was never renamed.
+    std::optional<std::wstring> oldName; ///< Empty if the key was never renamed.
     bool isRequestedByOldName = false;
 
     /// Returns the names in the order in which a lookup tries them.
-    std::vector<std::wstring> getAll() const {
-        return oldName.empty() ? std::vector{newName} : std::vector{newName, oldName};
-    }
+    std::vector<std::wstring> getAll() const { return oldName ? std::vector{newName, *oldName} : std::vector{newName}; }
 };
 
 /// Returns the names of the key with this new or old name (case-insensitive).
 inline KeyNames getKeyNames(std::wstring_view key) {
     const auto* const row = findKey(key);
     if (row == nullptr || !row->isRenamed()) {
-        return {std::wstring(key), {}, false};
+        return {std::wstring(key), std::nullopt, false};
     }
     return {std::wstring(row->name), std::wstring(row->oldName),
             KyrCoreUtils::caseInsensitiveStringEquals(row->oldName, key)};
