@@ -277,8 +277,8 @@ void ConfigAdapter::callService(std::string_view taskName, std::wstring_view tas
 
 void ConfigAdapter::notifyConfigKeyAliases() {
     callService("ConfigServiceImpl::setupConfigKeyAliases", {},
-                [aliases = configStoreManager->getKeyAliases()](ConfigServiceImpl& service) {
-                    service.setupConfigKeyAliases(aliases);
+                [newNameOf = configStoreManager->getKeyAliases()](ConfigServiceImpl& service) {
+                    service.setupConfigKeyAliases(newNameOf);
                 });
 }
 
