@@ -13,7 +13,6 @@
 #include "output/Output.h"
 #include "output/Terminal.h"
 #include "output/TextPrinter.h"
-#include "stores/BootstrapStores.h"
 
 #include <kyr/EndSignals.h>
 #include <kyr/StandardStreams.h>
@@ -98,9 +97,8 @@ ExitCode runSession(const CommandLine& line, Printer& printer) {
     showHealthNotice(host.getConfigDirectory(), printer);
     Session session(host, printer, line.showSecrets);
     host.start();
-    BootstrapStores bootstraps(host.getPluginDirectory());
     for (const auto& spec : line.bootstraps) {
-        session.addStore(bootstraps.make(spec));
+        session.addBootstrapStore(spec);
     }
     const auto storesCode = addForeignStores(session, line, printer);
     const auto code = line.command.name == "shell" ? runShell(session) : runOne(session, line.command);
