@@ -1,24 +1,19 @@
 #include "commands/CommandLine.h"
 #include "commands/CommandTable.h"
-#include "commands/Commands.h"
 #include "commands/Session.h"
 #include "commands/Shell.h"
-#include "commands/StandardInput.h"
 #include "disk/Doctor.h"
-#include "disk/HealthNotice.h"
 #include "host/ConfigHost.h"
-#include "host/DirectoryTrust.h"
+#include "host/HostFolders.h"
 #include "output/JsonPrinter.h"
 #include "output/LogLinePrinter.h"
 #include "output/Output.h"
-#include "output/Terminal.h"
 #include "output/TextPrinter.h"
 
 #include <kyr/EndSignals.h>
 #include <kyr/StandardStreams.h>
 
 #include <cerrno>
-#include <iostream>
 #include <memory>
 #include <optional>
 #include <system_error>
@@ -36,8 +31,8 @@ Output openStream(StandardStreams::Stream stream, const OutputForm& form) {
 
 /// The outputs of the program. They outlive everything that prints or logs.
 struct Outputs {
-    Output answers = openStream(StandardStreams::Stream::Output, Terminal::describeOutput());
-    Output messages = openStream(StandardStreams::Stream::Error, Terminal::describeError());
+    Output answers = openStream(StandardStreams::Stream::Output, describeStandardOutput());
+    Output messages = openStream(StandardStreams::Stream::Error, describeStandardError());
 };
 
 std::unique_ptr<Printer> makePrinter(const CommandLine& line, Outputs& outputs) {
@@ -71,14 +66,6 @@ ExitCode runOne(Session& session, const Command& command) {
     return ExitCode::Done;
 }
 
-ExitCode runShell(Session& session) {
-    StandardInput buffer;
-    std::istream input(&buffer);
-    Shell shell(session, input, Terminal::isInteractive());
-    shell.endWhen([] { return EndSignals::getReceived() != 0; });
-    return shell.run();
-}
-
 /// Runs without a plug-in, before a host moves a damaged file aside.
 void examineProfile(const CommandLine& line, Printer& printer) {
     KyrCoreUtils::FileUtils::overrideDirectories(line.directories);
@@ -101,7 +88,7 @@ ExitCode runSession(const CommandLine& line, Printer& printer) {
         session.addBootstrapStore(spec);
     }
     const auto storesCode = addForeignStores(session, line, printer);
-    const auto code = line.command.name == "shell" ? runShell(session) : runOne(session, line.command);
+    const auto code = line.command.name == "shell" ? Shell(session).run() : runOne(session, line.command);
     return code == ExitCode::Done ? storesCode : code;
 }
 

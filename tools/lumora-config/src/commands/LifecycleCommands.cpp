@@ -28,12 +28,12 @@ void powerDown(Session& session, const Command& command) {
 void observe(Session& session, const Command& command) {
     auto& host = session.getHost();
     host.onServices("lumora-config: observe", [&] {
-        const auto record = host.getService()->getConfig(wide(command.key));
+        const auto record = host.getService()->getConfig(toWide(command.key));
         std::vector<std::shared_ptr<ZelUnified::ConfigValue>> companions;
         for (const auto& key : command.companions) {
-            companions.push_back(host.getService()->getConfig(wide(key)));
+            companions.push_back(host.getService()->getConfig(toWide(key)));
         }
-        auto& watcher = session.getWatchers()[namesOf(wide(command.key)).current];
+        auto& watcher = session.getWatchers()[namesOf(toWide(command.key)).current];
         if (watcher) {
             watcher->getRecord()->removeObserver(std::weak_ptr<ZelUnified::ConfigValueObserver>(watcher));
         }
@@ -47,7 +47,7 @@ void observe(Session& session, const Command& command) {
 void unobserve(Session& session, const Command& command) {
     bool observed = false;
     session.getHost().onServices("lumora-config: unobserve", [&] {
-        auto watcher = session.getWatchers().extract(namesOf(wide(command.key)).current);
+        auto watcher = session.getWatchers().extract(namesOf(toWide(command.key)).current);
         observed = !watcher.empty();
         if (observed) {
             watcher.mapped()->getRecord()->removeObserver(
@@ -74,7 +74,7 @@ void addStore(Session& session, const Command& command) {
 
 void sensitive(Session& session, const Command& command) {
     session.getHost().onServices("lumora-config: sensitive",
-                                 [&] { session.getHost().getService()->setKeySensitive(wide(command.key)); });
+                                 [&] { session.getHost().getService()->setKeySensitive(toWide(command.key)); });
     reportDone(session, command, command.key + " is hidden from here on");
 }
 
@@ -86,16 +86,10 @@ void wait(Session& session, const Command& command) {
 
 } // namespace
 
-void addLifecycleCommands(CommandTable& table) {
-    table["start"] = start;
-    table["stop"] = stop;
-    table["refresh"] = refresh;
-    table["power-down"] = powerDown;
-    table["observe"] = observe;
-    table["unobserve"] = unobserve;
-    table["add-store"] = addStore;
-    table["sensitive"] = sensitive;
-    table["wait"] = wait;
+CommandTable getLifecycleCommands() {
+    return {{"start", start},          {"stop", stop},           {"refresh", refresh},
+            {"power-down", powerDown}, {"observe", observe},     {"unobserve", unobserve},
+            {"add-store", addStore},   {"sensitive", sensitive}, {"wait", wait}};
 }
 
 } // namespace lumora_config

@@ -1,9 +1,7 @@
 #include "CommandTable.h"
-#include "disk/ForeignFiles.h"
 #include "host/LogLineCatcher.h"
 #include "output/ChainPage.h"
 
-#include <kyr/FileUtils.h>
 #include <kyr/StringUtils.h>
 #include <zel/RegularFile.h>
 
@@ -84,39 +82,10 @@ void log(Session& session, const Command& /*command*/) {
     session.getPrinter().showText("log", catcher.getText());
 }
 
-/// A reset empties the configuration directory. A wrong directory may contain files of other programs.
-void requireNoForeignFiles() {
-    const auto directory = KyrCoreUtils::FileUtils::getConfigDirectory();
-    const auto foreign = findForeignFiles(directory);
-    if (foreign.empty()) {
-        return;
-    }
-    auto message = directory + " contains files that are not the client's; --force removes them, too: ";
-    for (const auto& file : foreign) {
-        message += (&file == &foreign.front() ? "" : ", ") + file;
-    }
-    throw Failure(ExitCode::NotFound, message);
-}
-
-void resetData(Session& session, const Command& command) {
-    if (!command.confirmed) {
-        throw Failure(ExitCode::Usage, "reset-data removes the user's settings and the cached stores; say --yes");
-    }
-    if (!command.forced) {
-        requireNoForeignFiles();
-    }
-    session.getHost().resetData();
-    session.forgetAllExpected();
-    session.getDisk().requireReset();
-    reportDone(session, command, "the client's configuration is reset");
-}
-
 } // namespace
 
-void addReportCommands(CommandTable& table) {
-    table["report"] = report;
-    table["log"] = log;
-    table["reset-data"] = resetData;
+CommandTable getReportCommands() {
+    return {{"report", report}, {"log", log}};
 }
 
 } // namespace lumora_config

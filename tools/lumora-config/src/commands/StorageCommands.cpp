@@ -1,6 +1,9 @@
 #include "CommandTable.h"
 #include "disk/Doctor.h"
+#include "disk/ResetFiles.h"
 #include "disk/SettingsOnDisk.h"
+#include "disk/StoreRemoval.h"
+#include "stores/PolicyFile.h"
 
 #include <kyr/FileUtils.h>
 #include <zel/EncryptFileUtils.h>
@@ -57,6 +60,58 @@ void doctor(Session& session, const Command& /*command*/) {
     showHealth(Doctor(Doctor::Lock::Held).examine(), session.getPrinter());
 }
 
+/// A reset empties the configuration directory. A wrong directory may contain files of other programs.
+void requireNoForeignFiles() {
+    const auto directory = FileUtils::getConfigDirectory();
+    const auto foreign = findForeignFiles(directory);
+    if (foreign.empty()) {
+        return;
+    }
+    auto message = directory + " contains files that are not the client's; --force removes them, too: ";
+    for (const auto& file : foreign) {
+        message += (&file == &foreign.front() ? "" : ", ") + file;
+    }
+    throw Failure(ExitCode::NotFound, message);
+}
+
+void resetData(Session& session, const Command& command) {
+    if (!command.confirmed) {
+        throw Failure(ExitCode::Usage, "reset-data removes the user's settings and the cached stores; say --yes");
+    }
+    if (!command.forced) {
+        requireNoForeignFiles();
+    }
+    session.getHost().resetData();
+    session.forgetAllExpected();
+    session.getDisk().requireReset();
+    reportDone(session, command, "the client's configuration is reset");
+}
+
+void importPolicy(Session& session, const Command& command) {
+    const PolicyFile policy(command.file);
+    const auto import = policy.describe();
+    if (!import.taken.empty()) {
+        policy.install();
+        DiskCheck::requireFile(policy.getInstalledPath(), policy.getInstalledText());
+    }
+    session.getPrinter().showImport(import);
+    if (import.taken.empty()) {
+        throw Failure(ExitCode::NotFound, command.file + ": holds nothing for the current user; nothing is changed");
+    }
+    constexpr auto when = " from the next start or refresh on";
+    if (!import.refused.empty()) {
+        throw Failure(ExitCode::NotFound, command.file + ": " + std::to_string(import.refused.size()) +
+                                              " of its lines are refused; the others count" + when);
+    }
+    reportDone(session, command, command.file + " counts" + when);
+}
+
+void removeStore(Session& session, const Command& command) {
+    StoreRemoval removal(session.getHost(), command.store);
+    removal.run();
+    reportDone(session, command, removal.describe());
+}
+
 } // namespace
 
 void showHealth(const HealthReport& report, Printer& printer) {
@@ -67,9 +122,12 @@ void showHealth(const HealthReport& report, Printer& printer) {
     }
 }
 
-void addStorageCommands(CommandTable& table) {
-    table["doctor"] = doctor;
-    table["restore"] = restore;
+CommandTable getStorageCommands() {
+    return {{"doctor", doctor},
+            {"restore", restore},
+            {"reset-data", resetData},
+            {"import-policy", importPolicy},
+            {"remove-store", removeStore}};
 }
 
 } // namespace lumora_config

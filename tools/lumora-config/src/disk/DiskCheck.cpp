@@ -1,8 +1,7 @@
 #include "DiskCheck.h"
 
-#include "ResetLeftovers.h"
+#include "ResetFiles.h"
 #include "SettingsOnDisk.h"
-#include "StoreCopy.h"
 #include "StoreRecord.h"
 #include "output/Failure.h"
 #include "stores/XmlSettings.h"
@@ -86,7 +85,7 @@ void DiskCheck::requireCopy(ZelUnified::ConfigStore& store) const {
         failForUser("the record of the copy of " + store.getName() + " is not on the disk");
     }
     // The next start searches the file by the name in the record.
-    const auto path = findPathOfCopy(host.getConfigDirectory(), toString(entry->name));
+    const auto path = StoreRecord::findCopyPath(host.getConfigDirectory(), toString(entry->name));
     if (!path) {
         fail(what + ": its name leads out of the folder of the copies");
     }
@@ -95,7 +94,7 @@ void DiskCheck::requireCopy(ZelUnified::ConfigStore& store) const {
 
 void DiskCheck::requireProvisioned(ZelUnified::ConfigStore& store) const {
     host.settle();
-    requireCopyAt(*findPathOfCopy(host.getConfigDirectory(), store.getName()), store);
+    requireCopyAt(*StoreRecord::findCopyPath(host.getConfigDirectory(), store.getName()), store);
 }
 
 void DiskCheck::requireCopyAt(const std::string& path, ZelUnified::ConfigStore& store) const {

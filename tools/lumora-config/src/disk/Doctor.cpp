@@ -1,7 +1,7 @@
 #include "Doctor.h"
 
 #include "SettingsOnDisk.h"
-#include "host/DefaultsFile.h"
+#include "host/HostFolders.h"
 #include "output/Failure.h"
 #include "stores/PolicyFile.h"
 
@@ -67,6 +67,22 @@ std::string describePolicy(const PolicyImport& policy) {
     return text;
 }
 
+constexpr std::size_t mostNamed = 3;
+
+std::vector<std::string> describeTroubles(const std::string& directory) {
+    std::vector<std::string> troubles;
+    for (const auto& file : examineProtectedFiles(directory)) {
+        if (file.state != ReadResult::Ok && file.state != ReadResult::Absent) {
+            troubles.push_back(FileUtils::getFileName(file.path) + " is " + describe(file.state));
+        }
+    }
+    for (const auto& file : zel::storage::EncryptFileUtils::listMovedAside(directory)) {
+        troubles.push_back(FileUtils::getFileName(file.original) + " was moved aside as " +
+                           FileUtils::getFileName(file.keptAs) + " (" + describe(file.state) + ")");
+    }
+    return troubles;
+}
+
 } // namespace
 
 Doctor::Doctor(Lock lockState) : lock(lockState), configDirectory(FileUtils::getConfigDirectory()) {}
@@ -120,7 +136,7 @@ void Doctor::examineDefaults() {
     const auto path =
         FileUtils::getResourcesDirectory() + FileUtils::FileSeparator() + std::string(ConfigKeys::configDefaultsFile);
     try {
-        DefaultsFile(FileUtils::getResourcesDirectory()).requireReadable();
+        requireDefaultsFile(FileUtils::getResourcesDirectory());
         addExisting("defaults", path, "good", false, writableByOthers);
     } catch (const Failure& failure) {
         add("defaults", path, failure.what(), true);
@@ -197,6 +213,21 @@ void Doctor::addExisting(const std::string& area, const std::string& path, const
     text += isForeign ? ", owned by another user" : "";
     text += isOpen ? ", too open" : "";
     add(area, path, text, needsAttention || isForeign || isOpen);
+}
+
+void showHealthNotice(const std::string& configDirectory, Printer& printer) {
+    const auto troubles = describeTroubles(configDirectory);
+    if (troubles.empty()) {
+        return;
+    }
+    std::string line;
+    for (std::size_t i = 0; i < troubles.size() && i < mostNamed; ++i) {
+        line += (i == 0 ? "" : "; ") + troubles[i];
+    }
+    if (troubles.size() > mostNamed) {
+        line += "; and " + std::to_string(troubles.size() - mostNamed) + " more";
+    }
+    printer.showWarning(line + "; see 'lumora-config doctor'");
 }
 
 } // namespace lumora_config

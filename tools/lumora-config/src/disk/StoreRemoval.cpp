@@ -1,7 +1,6 @@
 #include "StoreRemoval.h"
 
 #include "DiskCheck.h"
-#include "StoreCopy.h"
 #include "output/Failure.h"
 
 #include <kyr/FileUtils.h>
@@ -60,7 +59,7 @@ StoreRemoval::StoreRemoval(const ConfigHost& configHost, const std::string& stor
 
 void StoreRemoval::run() {
     for (const auto& copy : copies) {
-        const auto path = findPathOfCopy(host.getConfigDirectory(), copy);
+        const auto path = StoreRecord::findCopyPath(host.getConfigDirectory(), copy);
         hadCopy = hadCopy || (path && FileUtils::fileExists(*path));
     }
     host.onServices("lumora-config: remove-store", [this] { removeOnServices(); });
@@ -78,7 +77,7 @@ void StoreRemoval::removeOnServices() {
     const auto featureSet = host.getFeatureSet();
     const StoreRecord record(readUsersRecord());
     const auto remaining = record.without(storeName);
-    if (!isUsersStore() && !record.isCutAsWhole(storeName)) {
+    if (!isUsersStore() && !record.canBeErasedByService(storeName)) {
         featureSet->setConfig(recordKey(), storeName + L';' + remaining);
     }
     host.getService()->removeConfigStoreAndCache(storeName);
@@ -98,7 +97,7 @@ void StoreRemoval::removeOnServices() {
 void StoreRemoval::deleteCopies() {
     host.settle();
     for (const auto& copy : copies) {
-        if (const auto path = findPathOfCopy(host.getConfigDirectory(), copy)) {
+        if (const auto path = StoreRecord::findCopyPath(host.getConfigDirectory(), copy)) {
             FileUtils::removeFile(*path);
             DiskCheck(host).requireGone(*path);
         }

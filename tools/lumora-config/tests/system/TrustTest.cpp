@@ -26,7 +26,7 @@ Outcome runWithFolders(const Profile& profile, Arguments arguments) {
 void expectRefused(const Outcome& outcome, const fs::path& folder, const std::string& reason) {
     EXPECT_EQ(outcome.exitCode, 3);
     EXPECT_EQ(outcome.out, "");
-    EXPECT_EQ(outcome.error, "lumora-config: " + folder.string() + ": " + reason + "; --trust uses it all the same\n");
+    EXPECT_EQ(outcome.error, "lumora-config: " + folder.string() + ": " + reason + "; --trust accepts it\n");
 }
 
 void openToEverybody(const fs::path& folder) {

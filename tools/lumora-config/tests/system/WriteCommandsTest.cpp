@@ -70,7 +70,7 @@ TEST(Set, AKeyThatIsNoXmlNameIsRefusedUnlessForced) {
         const auto outcome = profile.run({"set", key, "x"});
         EXPECT_EQ(outcome.exitCode, 1) << key;
         EXPECT_THAT(outcome.error, HasSubstr("is not an XML name: a document or report with it would be ill-formed; "
-                                             "--force sets it all the same"));
+                                             "--force sets it anyway"));
     }
     EXPECT_EQ(profile.run({"set", "1key", "x", "--force"}).exitCode, 0);
     EXPECT_EQ(profile.run({"get", "1key"}).out, "x\n");

@@ -1,4 +1,4 @@
-#include "host/DirectoryTrust.h"
+#include "host/HostFolders.h"
 
 #include "output/Failure.h"
 
