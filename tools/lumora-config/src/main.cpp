@@ -51,7 +51,7 @@ ExitCode addForeignStores(Session& session, const CommandLine& line, Printer& pr
         const auto store = session.addForeignStore(spec);
         try {
             if (spec.cached) {
-                session.getDisk().requireCopy(*store);
+                session.getDiskCheck().requireCopy(*store);
             }
         } catch (const Failure& failure) {
             printer.showFailure("--store", failure);

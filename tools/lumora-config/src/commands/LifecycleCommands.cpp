@@ -17,12 +17,12 @@ void stop(Session& session, const Command& command) {
 
 void refresh(Session& session, const Command& command) {
     session.getHost().refresh();
-    reportDone(session, command, "the stores that are not local are read anew");
+    reportDone(session, command, "the stores that are not local have read their sources again");
 }
 
 void powerDown(Session& session, const Command& command) {
     session.getHost().powerDown();
-    reportDone(session, command, "the machine announced that it goes down");
+    reportDone(session, command, "a shutdown of the machine is announced");
 }
 
 void observe(Session& session, const Command& command) {
@@ -57,17 +57,17 @@ void unobserve(Session& session, const Command& command) {
     if (!observed) {
         throw Failure(ExitCode::NotFound, "the key '" + command.key + "' is not observed");
     }
-    reportDone(session, command, "observing " + command.key + " no longer");
+    reportDone(session, command, command.key + " is no longer observed");
 }
 
 void addStore(Session& session, const Command& command) {
     const auto spec = StoreSpec::parse(command.store);
     if (!session.getHost().isStarted()) {
-        throw Failure(ExitCode::NotFound, "stores are taken only while the feature set is started");
+        throw Failure(ExitCode::NotFound, "a store can be added only while the feature set is started");
     }
     const auto store = session.addForeignStore(spec);
     if (spec.cached) {
-        session.getDisk().requireCopy(*store);
+        session.getDiskCheck().requireCopy(*store);
     }
     reportDone(session, command, spec.name + " added with priority " + std::to_string(spec.priority));
 }
@@ -75,13 +75,13 @@ void addStore(Session& session, const Command& command) {
 void sensitive(Session& session, const Command& command) {
     session.getHost().onServices("lumora-config: sensitive",
                                  [&] { session.getHost().getService()->setKeySensitive(toWide(command.key)); });
-    reportDone(session, command, command.key + " is hidden from here on");
+    reportDone(session, command, "the value of " + command.key + " is hidden from now on");
 }
 
 void wait(Session& session, const Command& command) {
     session.getHost().settle();
     session.confirmWrites();
-    reportDone(session, command, "nothing is under way");
+    reportDone(session, command, "no change is pending");
 }
 
 } // namespace

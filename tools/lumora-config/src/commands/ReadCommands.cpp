@@ -6,13 +6,13 @@ namespace lumora_config {
 
 namespace {
 
-std::optional<Reading> readFor(Session& session, const Command& command) {
+std::optional<Reading> readRequested(Session& session, const Command& command) {
     const auto& chain = session.getChain();
     const auto key = toWide(command.key);
     return command.store.empty() ? chain.read(key, command.admin) : chain.readStore(command.store, key);
 }
 
-std::string whoHasNothing(const Command& command) {
+std::string describeMiss(const Command& command) {
     if (!command.store.empty()) {
         return "the store '" + command.store + "' does not hold";
     }
@@ -21,13 +21,13 @@ std::string whoHasNothing(const Command& command) {
 
 void get(Session& session, const Command& command) {
     std::optional<Reading> reading;
-    session.getHost().onServices("lumora-config: get", [&] { reading = readFor(session, command); });
+    session.getHost().onServices("lumora-config: get", [&] { reading = readRequested(session, command); });
     if (reading) {
         reading->value = session.getMask().show(toWide(command.key), reading->value);
     }
     session.getPrinter().showValue(toWide(command.key), reading, command.origin);
     if (!reading) {
-        throw Failure(ExitCode::NotFound, whoHasNothing(command) + " the key '" + command.key + "'");
+        throw Failure(ExitCode::NotFound, describeMiss(command) + " the key '" + command.key + "'");
     }
 }
 

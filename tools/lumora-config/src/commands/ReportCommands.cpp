@@ -26,7 +26,7 @@ void writeReport(const std::string& path, const std::string& text) {
 }
 
 /// Prints the text, or writes it to the file and reports that. The paths "" and "-" mean standard output.
-void deliver(Session& session, const Command& command, const std::string& path, const std::string& text) {
+void printOrWrite(Session& session, const Command& command, const std::string& path, const std::string& text) {
     if (path.empty() || path == "-") {
         session.getPrinter().showText("report", text);
         return;
@@ -36,7 +36,7 @@ void deliver(Session& session, const Command& command, const std::string& path, 
 }
 
 /// Returns the current time in ISO 8601, which the page converts to the reader's time zone.
-std::string nameThisMoment() {
+std::string getCurrentTime() {
     using namespace std::chrono;
     const auto now = floor<seconds>(system_clock::now());
     const auto today = floor<days>(now);
@@ -59,9 +59,9 @@ void reportAsPage(Session& session, const Command& command) {
     for (auto& key : findings.keys) {
         session.getMask().hide(key);
     }
-    findings.madeAt = nameThisMoment();
+    findings.madeAt = getCurrentTime();
     findings.showsSecrets = session.getMask().showsSecrets();
-    deliver(session, command, command.htmlFile, renderChainPage(findings));
+    printOrWrite(session, command, command.htmlFile, renderChainPage(findings));
 }
 
 void report(Session& session, const Command& command) {
@@ -73,7 +73,7 @@ void report(Session& session, const Command& command) {
     session.getHost().onServices("lumora-config: report", [&] {
         text = KyrCoreUtils::toString(session.getHost().getService()->getAllConfigForPRT());
     });
-    deliver(session, command, command.file, text);
+    printOrWrite(session, command, command.file, text);
 }
 
 void log(Session& session, const Command& /*command*/) {

@@ -17,7 +17,7 @@ Session::Session(ConfigHost& configHost, Printer& target, bool showSecrets)
 }
 
 Session::~Session() {
-    host.onServices("lumora-config: let go", [this] {
+    host.onServices("lumora-config: end session", [this] {
         watchers.clear();
         chain.reset();
     });

@@ -43,7 +43,7 @@ public:
     void confirmWrites();
 
     ConfigHost& getHost() { return host; }
-    const DiskCheck& getDisk() const { return disk; }
+    const DiskCheck& getDiskCheck() const { return disk; }
     Printer& getPrinter() { return printer; }
     const SecretMask& getMask() const { return mask; }
     ChainInspector& getChain() { return *chain; }

@@ -121,7 +121,7 @@ std::vector<std::string> splitWords(std::string_view line) {
         }
     }
     if (quote != '\0') {
-        throw Failure(ExitCode::Usage, "a quote is left open");
+        throw Failure(ExitCode::Usage, "a quote is not closed");
     }
     endWord();
     return words;

@@ -32,7 +32,7 @@ std::string describeOutcome(Session& session, const std::wstring& key) {
     std::optional<Reading> reading;
     session.getHost().onServices("lumora-config: outcome", [&] { reading = session.getChain().read(key); });
     if (!reading) {
-        return "no store holds the key now";
+        return "no store contains the key now";
     }
     return "in force: \"" + toString(session.getMask().show(key, reading->value)) + "\" from " +
            toString(reading->storeName);
@@ -82,7 +82,7 @@ void set(Session& session, const Command& command) {
     runWrite(session, command,
              [&] { stored = session.getHost().getFeatureSet()->setConfig(key, toWide(command.value)); });
     if (!stored) {
-        throw Failure(ExitCode::NotFound, "no store takes the key '" + command.key + "'");
+        throw Failure(ExitCode::NotFound, "no store accepts a value for the key '" + command.key + "'");
     }
     if (command.fromWorker) {
         session.expectStored(key, toWide(command.value));
@@ -90,7 +90,7 @@ void set(Session& session, const Command& command) {
         return;
     }
     session.forgetExpected({key});
-    session.getDisk().requireStored(key, toWide(command.value));
+    session.getDiskCheck().requireStored(key, toWide(command.value));
     reportDone(session, command, command.key + " set; " + describeOutcome(session, key));
 }
 
@@ -145,7 +145,7 @@ void reset(Session& session, const Command& command) {
         throw Failure(ExitCode::NotFound, "the user has no value for the key '" + command.key + "'");
     }
     session.forgetExpected(names);
-    session.getDisk().requireRemoved(command.key, names);
+    session.getDiskCheck().requireRemoved(command.key, names);
     reportDone(session, command, command.key + " reset; " + describeOutcome(session, key));
 }
 
@@ -156,9 +156,9 @@ void requireProvisioned(Session& session) {
             std::string(ConfigKeys::urlProvisioningConfigStore));
     });
     if (store) {
-        session.getDisk().requireProvisioned(*store);
+        session.getDiskCheck().requireProvisioned(*store);
     }
-    session.getDisk().requireStored(std::wstring(ConfigKeys::allowUrlProvisioning), L"False");
+    session.getDiskCheck().requireStored(std::wstring(ConfigKeys::allowUrlProvisioning), L"False");
 }
 
 void provision(Session& session, const Command& command) {
@@ -171,12 +171,12 @@ void provision(Session& session, const Command& command) {
     });
     if (!taken) {
         throw Failure(ExitCode::NotFound, allowed
-                                              ? "the URL holds no setting that may be provisioned"
+                                              ? "the URL contains no setting that may be provisioned"
                                               : "provisioning by URL is not allowed: AllowUrlProvisioning is false");
     }
     session.forgetExpected({std::wstring(ConfigKeys::allowUrlProvisioning)});
     requireProvisioned(session);
-    reportDone(session, command, "settings of the URL taken; another URL needs reset-provisioning first");
+    reportDone(session, command, "the settings of the URL are stored; run reset-provisioning before another URL");
 }
 
 void resetProvisioning(Session& session, const Command& command) {
@@ -186,11 +186,10 @@ void resetProvisioning(Session& session, const Command& command) {
     session.getHost().onServices("lumora-config: reset-provisioning",
                                  [&] { done = session.getHost().getService()->resetAllowUriProvisioningData(); });
     if (!done) {
-        throw Failure(ExitCode::NotFound,
-                      "there was nothing to take back: the user's settings do not forbid provisioning");
+        throw Failure(ExitCode::NotFound, "there is nothing to reset: the user's settings do not forbid provisioning");
     }
     session.forgetExpected({key});
-    session.getDisk().requireRemoved(toString(key), {key});
+    session.getDiskCheck().requireRemoved(toString(key), {key});
     reportDone(session, command, "another provisioning URL is allowed");
 }
 

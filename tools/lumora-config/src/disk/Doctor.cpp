@@ -51,7 +51,7 @@ std::string describeFile(const zel::storage::ProtectedFileHealth& file) {
     if (file.lastWrite && !file.lastWrite->succeeded) {
         text += ", the last write failed: " + file.lastWrite->cause;
     }
-    return file.pending ? text + ", a change waits to be written" : text;
+    return file.pending ? text + ", a change is not written yet" : text;
 }
 
 bool needsAttention(const zel::storage::ProtectedFileHealth& file) {
@@ -67,20 +67,20 @@ std::string describePolicy(const PolicyImport& policy) {
     return text;
 }
 
-constexpr std::size_t mostNamed = 3;
+constexpr std::size_t maxListed = 3;
 
-std::vector<std::string> describeTroubles(const std::string& directory) {
-    std::vector<std::string> troubles;
+std::vector<std::string> describeProblems(const std::string& directory) {
+    std::vector<std::string> problems;
     for (const auto& file : examineProtectedFiles(directory)) {
         if (file.state != ReadResult::Ok && file.state != ReadResult::Absent) {
-            troubles.push_back(FileUtils::getFileName(file.path) + " is " + describe(file.state));
+            problems.push_back(FileUtils::getFileName(file.path) + " is " + describe(file.state));
         }
     }
     for (const auto& file : zel::storage::EncryptFileUtils::listMovedAside(directory)) {
-        troubles.push_back(FileUtils::getFileName(file.original) + " was moved aside as " +
+        problems.push_back(FileUtils::getFileName(file.original) + " was moved aside as " +
                            FileUtils::getFileName(file.keptAs) + " (" + describe(file.state) + ")");
     }
-    return troubles;
+    return problems;
 }
 
 } // namespace
@@ -180,8 +180,8 @@ void Doctor::examineKeys() {
     }
     for (const auto& path : files) {
         const bool isReplaced = path.ends_with(".bad");
-        addExisting("key", path, isReplaced ? "not a key, kept when a new one was made" : "present", isReplaced,
-                    usableByOthers);
+        addExisting("key", path, isReplaced ? "not a key, moved aside when a new one was created" : "present",
+                    isReplaced, usableByOthers);
     }
 }
 
@@ -216,16 +216,16 @@ void Doctor::addExisting(const std::string& area, const std::string& path, const
 }
 
 void showHealthNotice(const std::string& configDirectory, Printer& printer) {
-    const auto troubles = describeTroubles(configDirectory);
-    if (troubles.empty()) {
+    const auto problems = describeProblems(configDirectory);
+    if (problems.empty()) {
         return;
     }
     std::string line;
-    for (std::size_t i = 0; i < troubles.size() && i < mostNamed; ++i) {
-        line += (i == 0 ? "" : "; ") + troubles[i];
+    for (std::size_t i = 0; i < problems.size() && i < maxListed; ++i) {
+        line += (i == 0 ? "" : "; ") + problems[i];
     }
-    if (troubles.size() > mostNamed) {
-        line += "; and " + std::to_string(troubles.size() - mostNamed) + " more";
+    if (problems.size() > maxListed) {
+        line += "; and " + std::to_string(problems.size() - maxListed) + " more";
     }
     printer.showWarning(line + "; see 'lumora-config doctor'");
 }

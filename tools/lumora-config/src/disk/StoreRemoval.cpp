@@ -26,7 +26,7 @@ const std::wstring& recordKey() {
 }
 
 /// Returns true for the stores that the product creates at each start.
-bool isMadeAtEachStart(const std::string& name) {
+bool isCreatedAtEachStart(const std::string& name) {
     constexpr std::array ownStores{ConfigKeys::localFileConfigStore, ConfigKeys::registryConfigStore,
                                    ConfigKeys::urlProvisioningConfigStore, ConfigKeys::inMemoryConfigStore,
                                    ConfigKeys::configDefaultsFile};
@@ -38,7 +38,7 @@ bool isMadeAtEachStart(const std::string& name) {
 StoreRemoval::StoreRemoval(const ConfigHost& configHost, const std::string& storeName)
     : host(configHost), name(storeName) {
     if (!host.isStarted()) {
-        throw Failure(ExitCode::NotFound, "stores are removed only while the feature set is started");
+        throw Failure(ExitCode::NotFound, "a store can be removed only while the feature set is started");
     }
     host.onServices("lumora-config: find store", [&] {
         const auto featureSet = host.getFeatureSet();
@@ -106,7 +106,8 @@ void StoreRemoval::deleteCopies() {
 
 std::string StoreRemoval::describe() const {
     const std::string copy = hadCopy ? "; its copy on the disk is deleted" : "; it has no copy on the disk";
-    return name + (isMadeAtEachStart(name) ? " removed for this run, the next start makes it anew" : " removed") + copy;
+    return name + (isCreatedAtEachStart(name) ? " removed for this run; the next start creates it again" : " removed") +
+           copy;
 }
 
 bool StoreRemoval::isUsersStore() const {

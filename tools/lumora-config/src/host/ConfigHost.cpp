@@ -155,7 +155,7 @@ void ConfigHost::load() {
 void ConfigHost::end() {
     // A value that waits to be written sets the timer of the backup, whose alarm posts the write.
     settle();
-    timerSwitch->ringAll();
+    timerSwitch->fireAll();
     settle();
     factory->Destroy();
     service.reset();

@@ -93,7 +93,7 @@ TEST(Trust, ADirectoryOfAnotherUserIsRefused) {
     EXPECT_EQ(profile.run({"--trust", "get", "Theme"}).out, "system\n");
 }
 
-TEST(Trust, FoldersOfRootAreFine) {
+TEST(Trust, FoldersOfRootAreAccepted) {
     const Profile profile;
     const auto outcome = profile.run({"--plugin-dir", "/usr/bin", "get", "Theme"});
     EXPECT_THAT(outcome.error, HasSubstr("no plug-in libconfigservice.so in /usr/bin"));

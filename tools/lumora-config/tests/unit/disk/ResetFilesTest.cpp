@@ -10,7 +10,7 @@ using testing::IsEmpty;
 
 namespace fs = std::filesystem;
 
-TEST(ForeignFiles, AreNoneOfThoseThatTheClientWritesOrReads) {
+TEST(ForeignFiles, ExcludeFilesOfTheClient) {
     for (const auto* path :
          {"lumoraLocalConfig.dat", "lumoraLocalConfig_backup.dat", "RegistryConfigStore.txt", "home-fenn-info.dat",
           "service-location.dat", "SSOAuthInfoStore.dat", "Cache/cachedForeign.dat", "Cache/cachedForeign.xml",
@@ -20,7 +20,7 @@ TEST(ForeignFiles, AreNoneOfThoseThatTheClientWritesOrReads) {
     }
 }
 
-TEST(ForeignFiles, AreNotThoseMovedAside) {
+TEST(ForeignFiles, ExcludeFilesMovedAside) {
     for (const auto* path : {"lumoraLocalConfig.dat.unreadable", "lumoraLocalConfig_backup.dat.unreadable.2",
                              "Cache/cachedForeign.dat.unreadable.10", "installationId.txt.unreadable"}) {
         EXPECT_TRUE(isClientFile(path)) << path;
@@ -32,7 +32,7 @@ TEST(ForeignFiles, AreNotThoseMovedAside) {
     }
 }
 
-TEST(ForeignFiles, AreNotTemporaryOnesOfTheClient) {
+TEST(ForeignFiles, ExcludeTemporaryFilesOfTheClient) {
     for (const auto* path :
          {".lumoraLocalConfig.dat.0123456789abcdef.tmp", "Cache/.cachedForeign.dat.0123456789ABCDEF.tmp",
           "Cache/cachedA/.B.dat.0123456789abcdef.tmp", ".lumoraLocalConfig.dat.unreadable.0123456789abcdef.tmp"}) {
@@ -45,7 +45,7 @@ TEST(ForeignFiles, AreNotTemporaryOnesOfTheClient) {
     }
 }
 
-TEST(ForeignFiles, AreAllOthers) {
+TEST(ForeignFiles, IncludeAllOtherFiles) {
     for (const auto* path : {"thesis.odt", ".hidden", "Cache/other.dat", "Cache/deep/cachedA.dat", "cachedForeign.dat",
                              "deep/lumoraLocalConfig.dat", "LUMORALOCALCONFIG.DAT", "Cache/cachedForeign.txt",
                              "installationId.txt.bak", "Cache", "lumora-config-defaults.xml", ""}) {

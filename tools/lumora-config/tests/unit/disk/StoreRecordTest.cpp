@@ -31,13 +31,13 @@ TEST(StoreRecord, ARepeatedStoreKeepsItsFirstSpellingAndItsLastPriority) {
     EXPECT_EQ(entry->priority, L"2");
 }
 
-TEST(StoreRecord, WithoutAStoreKeepsAllOtherPiecesAsTheyAre) {
+TEST(StoreRecord, WithoutAStoreKeepsAllOtherPartsUnchanged) {
     EXPECT_EQ(StoreRecord(L"ATFTP:31;junk;Tftp:41;TftpX:7").without(L"TFTP"), L"ATFTP:31;junk;TftpX:7");
     EXPECT_EQ(StoreRecord(L"Foo:1;foo:2;").without(L"FOO"), L"");
     EXPECT_EQ(StoreRecord(L"Foo:1;").without(L"Fo"), L"Foo:1;");
 }
 
-TEST(StoreRecord, KnowsWhenTheServicesCutWouldHitAnotherEntry) {
+TEST(StoreRecord, DetectsThatTheServiceWouldEraseAnotherEntry) {
     EXPECT_TRUE(StoreRecord(L"").canBeErasedByService(L"TFTP"));
     EXPECT_TRUE(StoreRecord(L"Other:1;").canBeErasedByService(L"TFTP"));
     EXPECT_TRUE(StoreRecord(L"Other:1;TFTP:2;").canBeErasedByService(L"tftp"));
@@ -46,13 +46,13 @@ TEST(StoreRecord, KnowsWhenTheServicesCutWouldHitAnotherEntry) {
     EXPECT_FALSE(StoreRecord(L"TFTP:1;tftp:2;").canBeErasedByService(L"TFTP"));
 }
 
-TEST(StoreCopy, LiesInTheFolderOfTheCopies) {
+TEST(StoreCopy, IsInTheFolderOfTheCopies) {
     EXPECT_EQ(StoreRecord::findCopyPath("dir", "Foreign"), path("cachedForeign.dat"));
     EXPECT_EQ(StoreRecord::findCopyPath("dir", "A/B"), path("cachedA/B.dat"));
     EXPECT_EQ(StoreRecord::findCopyPath("dir", "a..b/..c"), path("cacheda..b/..c.dat"));
 }
 
-TEST(StoreCopy, IsNoneIfTheNameHasAParentComponentOfAnyPlatform) {
+TEST(StoreCopy, DoesNotExistForANameWithAParentComponentOfAnyPlatform) {
     for (const auto* name : {"..", "../x", "F/../x", "F\\..\\x", "F/..", "F\\../x"}) {
         EXPECT_FALSE(StoreRecord::findCopyPath("dir", name).has_value()) << name;
     }
