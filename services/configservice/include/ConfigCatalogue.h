@@ -102,8 +102,8 @@ consteval auto listByPlace() {
     return rows;
 }
 
-/// The keys whose values are never shown, in the order in which they are marked at the start. Others may be marked at
-/// run time, so ConfigFeatureSet::isKeySensitive() decides.
+/// The keys that are marked as sensitive at the start, in this order. Others are marked at run time, so ask
+/// ConfigFeatureSet::isKeySensitive() before you show a value.
 inline constexpr auto sensitiveKeys = listByPlace<&KeyRow::sensitive>();
 /// The keys that a provisioning URL may set.
 inline constexpr auto provisioningKeys = listByPlace<&KeyRow::provisioning>();
