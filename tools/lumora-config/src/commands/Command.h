@@ -16,6 +16,7 @@ struct Command {
     std::string file;
     std::string htmlFile;
     std::string url;
+    std::string topic;                   ///< For help: a command. For completion: a shell.
     std::vector<std::string> companions; ///< Keys whose values are shown with each change of the observed key.
     bool origin = false;
     bool admin = false;

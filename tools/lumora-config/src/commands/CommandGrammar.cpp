@@ -1,5 +1,6 @@
 #include "CommandGrammar.h"
 
+#include "UsageMessage.h"
 #include "output/Failure.h"
 
 #include <CLI/CLI.hpp>
@@ -103,29 +104,36 @@ void addShellCommands(CLI::App& app, Command& command) {
 
 void addCommands(CLI::App& app, Command& command, CommandScope scope) {
     app.require_subcommand(1);
+    app.get_formatter()->label("SUBCOMMAND", "COMMAND");
     addReads(app, command);
     addWrites(app, command, scope);
     if (scope == CommandScope::Shell) {
         addShellCommands(app, command);
     } else {
-        addCommand(app, command, "shell", "Read commands from standard input, one a line");
+        addCommand(app, command, "shell", "Read commands from standard input, one per line");
+        addCommand(app, command, "completion", "Print the completion script of a shell")
+            ->add_option("SHELL", command.topic, "The shell")
+            ->type_name("bash|fish|zsh")
+            ->required();
     }
+    addCommand(app, command, "help", "Print the help, or that of a command")
+        ->add_option("COMMAND", command.topic, "The command");
 }
 
 Command parseShellCommand(std::vector<std::string> words) {
     Command command;
     CLI::App app("Commands of the shell");
     addCommands(app, command, CommandScope::Shell);
-    if (words == std::vector<std::string>{"help"}) {
-        throw Failure(ExitCode::Done, app.help());
-    }
     std::ranges::reverse(words);
     try {
         app.parse(words);
     } catch (const CLI::CallForHelp&) {
         throw Failure(ExitCode::Done, app.help());
     } catch (const CLI::ParseError& error) {
-        throw Failure(ExitCode::Usage, error.what());
+        throw Failure(ExitCode::Usage, describeUsage(app, error));
+    }
+    if (command.name == "help") {
+        throw Failure(ExitCode::Done, getHelp(app, command.topic));
     }
     return command;
 }

@@ -1,6 +1,7 @@
 #include "CommandLine.h"
 
 #include "CommandGrammar.h"
+#include "UsageMessage.h"
 #include "output/Failure.h"
 
 #include <CLI/CLI.hpp>
@@ -54,27 +55,6 @@ void addOptions(CLI::App& app, RawOptions& raw, CommandLine& line) {
     app.footer(footer);
 }
 
-void applyProfile(const std::string& profile, KyrCoreUtils::HostDirectories& directories) {
-    if (profile.empty()) {
-        return;
-    }
-    const std::filesystem::path root(profile);
-    directories = {(root / "config").string(), (root / "data").string(), (root / "state").string(),
-                   (root / "resources").string()};
-}
-
-/// Returns the directories named by the user from which the program loads code or to which it writes settings. For a
-/// profile, also returns its subdirectories.
-std::vector<std::string> nameDirectories(const std::string& profile, const CommandLine& line) {
-    const auto& folders = line.directories;
-    std::vector<std::string> named{line.pluginDirectory, folders.config};
-    if (!profile.empty()) {
-        named.insert(named.end(), {profile, folders.applicationData, folders.state, folders.resources});
-    }
-    std::erase(named, "");
-    return named;
-}
-
 /// The host compares its directories by path, so no path may depend on the working directory.
 void makeAbsolute(std::string& directory) {
     if (!directory.empty()) {
@@ -82,12 +62,15 @@ void makeAbsolute(std::string& directory) {
     }
 }
 
+constexpr auto description = "Shows and changes the configuration of the Lumora client";
+constexpr auto programName = "lumora-config";
+
 } // namespace
 
 CommandLine CommandLine::parse(int argc, const char* const* argv) {
     CommandLine line;
     RawOptions raw;
-    CLI::App app("Shows and changes the configuration of the Lumora client", "lumora-config");
+    CLI::App app(description, programName);
     addOptions(app, raw, line);
     addCommands(app, line.command, CommandScope::CommandLine);
     try {
@@ -97,17 +80,51 @@ CommandLine CommandLine::parse(int argc, const char* const* argv) {
     } catch (const CLI::CallForVersion& version) {
         throw Failure(ExitCode::Done, version.what());
     } catch (const CLI::ParseError& error) {
-        throw Failure(ExitCode::Usage, std::string(error.what()) + " (lumora-config --help shows how)");
+        throw Failure(ExitCode::Usage, describeUsage(app, error) + " (lumora-config help shows how)");
     }
-    applyProfile(raw.profile, line.directories);
+    if (line.command.name == "help") {
+        throw Failure(ExitCode::Done, getHelp(app, line.command.topic));
+    }
+    if (!raw.profile.empty()) {
+        line.directories = directoriesOfProfile(raw.profile);
+    }
     for (auto* directory : {&line.directories.config, &line.directories.applicationData, &line.directories.state,
                             &line.directories.resources, &line.pluginDirectory}) {
         makeAbsolute(*directory);
     }
-    line.namedDirectories = nameDirectories(raw.profile, line);
+    line.namedDirectories = nameDirectories(raw.profile, line.directories);
+    if (!line.pluginDirectory.empty()) {
+        line.namedDirectories.insert(line.namedDirectories.begin(), line.pluginDirectory);
+    }
     std::ranges::transform(raw.stores, std::back_inserter(line.stores), StoreSpec::parse);
     std::ranges::transform(raw.bootstraps, std::back_inserter(line.bootstraps), BootstrapSpec::parse);
     return line;
+}
+
+void CommandLine::withGrammar(const std::function<void(const CLI::App& grammar)>& use) {
+    CommandLine line;
+    RawOptions raw;
+    CLI::App app(description, programName);
+    addOptions(app, raw, line);
+    addCommands(app, line.command, CommandScope::CommandLine);
+    use(app);
+}
+
+KyrCoreUtils::HostDirectories directoriesOfProfile(const std::string& profile) {
+    auto absolute = profile;
+    makeAbsolute(absolute);
+    const std::filesystem::path root(absolute);
+    return {(root / "config").string(), (root / "data").string(), (root / "state").string(),
+            (root / "resources").string()};
+}
+
+std::vector<std::string> nameDirectories(const std::string& profile, const KyrCoreUtils::HostDirectories& folders) {
+    std::vector<std::string> named{folders.config};
+    if (!profile.empty()) {
+        named.insert(named.end(), {profile, folders.applicationData, folders.state, folders.resources});
+    }
+    std::erase(named, "");
+    return named;
 }
 
 } // namespace lumora_config
