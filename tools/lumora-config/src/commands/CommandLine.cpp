@@ -25,12 +25,13 @@ struct RawOptions {
 };
 
 void addDirectories(CLI::App& app, RawOptions& raw, CommandLine& line) {
-    auto* profile = app.add_option("--profile", raw.profile, "Folder with config, data, state and resources in it");
+    auto* profile =
+        app.add_option("--profile", raw.profile, "Use the folders config, data, state and resources in this one");
     profile->type_name("DIR");
     const auto add = [&](const std::string& name, std::string& target, const std::string& help) {
         app.add_option(name, target, help)->type_name("DIR")->excludes(profile);
     };
-    add("--config-dir", line.directories.config, "The configuration directory");
+    add("--config-dir", line.directories.config, "The configuration directory; a reset empties it");
     add("--data-dir", line.directories.applicationData, "Application data: keys and registry files");
     add("--state-dir", line.directories.state, "Logs and the lock of the profile");
     add("--resources-dir", line.directories.resources, "Installed resources: the defaults file");
@@ -41,16 +42,16 @@ void addDirectories(CLI::App& app, RawOptions& raw, CommandLine& line) {
 void addOptions(CLI::App& app, RawOptions& raw, CommandLine& line) {
     app.set_version_flag("--version", std::string("lumora-config ") + LUMORA_VERSION);
     addDirectories(app, raw, line);
-    app.add_option("--store", raw.stores, "Hand in a read-only store of this XML file")
+    app.add_option("--store", raw.stores, "Add a read-only store of this XML file; may be repeated")
         ->type_name("FILE.xml:NAME:PRIORITY[:cache]")
         ->allow_extra_args(false);
-    app.add_option("--bootstrap", raw.bootstraps, "Hand in the installer's file of key:value lines")
+    app.add_option("--bootstrap", raw.bootstraps, "Add the installer's file of key:value lines; may be repeated")
         ->type_name("FILE:PRIORITY")
         ->allow_extra_args(false);
-    app.add_flag("--json", line.json, "One JSON object a line");
-    app.add_flag("-v,--verbose", line.verbose, "Log lines on standard error");
+    app.add_flag("--json", line.json, "Print one JSON object per line");
+    app.add_flag("-v,--verbose", line.verbose, "Print log lines on standard error");
     app.add_flag("--show-secrets", line.showSecrets, "Show sensitive values");
-    app.add_flag("--trust", line.trusted, "Use a named folder though others own it or everybody may write it");
+    app.add_flag("--trust", line.trusted, "Use a named folder even if another user owns it or everybody may write it");
     app.fallthrough();
     app.footer(footer);
 }

@@ -62,7 +62,6 @@ ZelUnified::ConfigMap namesToAsk(const std::vector<std::shared_ptr<ConfigStore>>
 ChainInspector::ChainInspector(std::shared_ptr<ZelUnified::ConfigFeatureSet> adapter,
                                std::shared_ptr<ZelUnified::ConfigService> configService)
     : featureSet(std::move(adapter)), service(std::move(configService)), names(std::make_shared<StoreNames>()) {
-    learnNames();
     featureSet->registerConfigStoreAddedObserver(names);
 }
 
