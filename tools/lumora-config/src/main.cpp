@@ -2,6 +2,7 @@
 #include "commands/CommandTable.h"
 #include "commands/Commands.h"
 #include "commands/CompletionCommand.h"
+#include "commands/KeyCommands.h"
 #include "commands/Session.h"
 #include "commands/Shell.h"
 #include "commands/StandardInput.h"
@@ -90,6 +91,10 @@ void examineProfile(const CommandLine& line, Printer& printer) {
 ExitCode runSession(const CommandLine& line, Printer& printer) {
     if (line.command.name == "doctor") {
         examineProfile(line, printer);
+        return ExitCode::Done;
+    }
+    if (line.command.name == "keys") {
+        showKnownKeys(line.command, printer);
         return ExitCode::Done;
     }
     if (line.command.name == "completion") {

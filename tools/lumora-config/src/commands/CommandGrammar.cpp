@@ -38,6 +38,11 @@ void addReads(CLI::App& app, Command& command) {
     addKeyCommand(app, command, "explain", "Show the value of a key in each store, and which one wins");
     addCommand(app, command, "list", "List keys, values and stores")
         ->add_option("PREFIX", command.prefix, "Only keys with this prefix");
+    auto* keys = addCommand(app, command, "keys", "List the keys of the catalogue with their meaning");
+    keys->add_option("PATTERN", command.prefix, "Only keys that contain this text or match its wildcards * and ?");
+    keys->add_flag("--sensitive", command.sensitive, "Only sensitive keys");
+    keys->add_flag("--renamed", command.renamed, "Only renamed keys");
+    addKeyCommand(app, command, "describe", "Show what is known about a key, its value and its source");
     addCommand(app, command, "stores", "List the stores of the chain");
     auto* report = addCommand(app, command, "report", "Write the report of all stores");
     auto* output =
@@ -52,7 +57,7 @@ void addReads(CLI::App& app, Command& command) {
 void addWrites(CLI::App& app, Command& command, CommandScope scope) {
     auto* set = addKeyCommand(app, command, "set", "Set the user's value of a key");
     addValue(set, command);
-    set->add_flag("--force", command.forced, "Also set a key or a value that XML cannot represent");
+    set->add_flag("--force", command.forced, "Also set what XML cannot represent or the kind of the key excludes");
     if (scope == CommandScope::Shell) {
         addWorkerFlag(set, command);
     }

@@ -14,6 +14,7 @@ using CommandTable = std::map<std::string, CommandBody>;
 
 /// Each function adds the commands of one group.
 void addReadCommands(CommandTable& table);
+void addKeyCommands(CommandTable& table);
 void addWriteCommands(CommandTable& table);
 void addReportCommands(CommandTable& table);
 void addLifecycleCommands(CommandTable& table);

@@ -11,6 +11,7 @@ namespace {
 CommandTable makeTable() {
     CommandTable table;
     addReadCommands(table);
+    addKeyCommands(table);
     addWriteCommands(table);
     addReportCommands(table);
     addLifecycleCommands(table);

@@ -5,6 +5,7 @@
 #include "disk/ProfileNames.h"
 #include "host/DirectoryTrust.h"
 #include "output/Failure.h"
+#include "stores/KnownKeys.h"
 
 #include <kyr/FileUtils.h>
 #include <kyr/StringUtils.h>
@@ -37,12 +38,31 @@ bool useProfile(const CommandLineCursor& cursor) {
 
 std::vector<Candidate> listKeys(const CommandLineCursor& cursor) {
     std::vector<Candidate> keys;
-    if (useProfile(cursor)) {
-        for (const auto& key : readKeysOfProfile()) {
+    for (const auto& facts : findKeys("")) {
+        keys.push_back({KyrCoreUtils::toString(facts.key), facts.meaning});
+        if (facts.oldName) {
+            keys.push_back({KyrCoreUtils::toString(*facts.oldName), facts.meaning});
+        }
+    }
+    if (!useProfile(cursor)) {
+        return keys;
+    }
+    for (const auto& key : readKeysOfProfile()) {
+        if (!findKeyFacts(key)) {
             keys.push_back({KyrCoreUtils::toString(key), ""});
         }
     }
     return keys;
+}
+
+std::vector<Candidate> listValues(const std::string& key) {
+    std::vector<Candidate> values;
+    if (const auto facts = findKeyFacts(KyrCoreUtils::toWideString(key))) {
+        for (const auto& value : facts->values) {
+            values.push_back({value, ""});
+        }
+    }
+    return values;
 }
 
 std::vector<Candidate> listStores(const CommandLineCursor& cursor) {
@@ -63,7 +83,7 @@ std::string completeCommandLine(const std::vector<std::string>& words) noexcept 
         CommandLine::withGrammar([&](const CLI::App& grammar) {
             const CommandLineCursor cursor(grammar, words);
             const CompletionNames names{[&] { return listKeys(cursor); }, [&] { return listStores(cursor); },
-                                        [](const std::string&) { return std::vector<Candidate>(); }};
+                                        listValues};
             answer = complete(cursor, names).toString();
         });
         return answer;
