@@ -139,6 +139,21 @@ TEST(Completion, KeysOfTheProfileAreOfferedIgnoringCase) {
     EXPECT_THAT(completeIn(profile, {"reset", "ze"}), ElementsAre(":none", "ZebraOfThePolicy", "zetaOfTheUser"));
 }
 
+TEST(Completion, KeysOfTheCatalogueAreOfferedInItsSpellingWithTheirMeaning) {
+    const auto outcome =
+        runProcess(LUMORA_CONFIG_PROGRAM, {"complete", "--", "--profile", "/no/such/folder", "get", "tftps"});
+    EXPECT_THAT(splitLines(outcome.out), Contains("TftpServer1\tThe primary TFTP server."));
+    const Profile profile;
+    profile.writePolicy("servicesdomain", "x");
+    EXPECT_THAT(completeIn(profile, {"get", "servicesdomain"}),
+                ElementsAre(":none", "ServicesDomain", "ServicesDomainSsoEmailPrompt"));
+}
+
+TEST(Completion, ValuesOfAKindAreOffered) {
+    EXPECT_THAT(completeWords({"set", "allowurlprovisioning", ""}), ElementsAre(":none", "true", "false"));
+    EXPECT_THAT(completeWords({"set", "Theme", ""}), ElementsAre(":none"));
+}
+
 TEST(Completion, StoresOfTheProfileAreOfferedIgnoringCase) {
     const Profile profile;
     const auto document = profile.writeDocument("a.xml", "<Pin>1</Pin>");
