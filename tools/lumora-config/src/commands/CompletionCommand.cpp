@@ -3,7 +3,7 @@
 #include "CommandLine.h"
 #include "Completion.h"
 #include "disk/ProfileNames.h"
-#include "host/DirectoryTrust.h"
+#include "host/HostFolders.h"
 #include "output/Failure.h"
 #include "stores/KnownKeys.h"
 

@@ -17,7 +17,7 @@ namespace {
 namespace ConfigKeys = ZelUnified::ConfigKeys;
 
 void describeKey(Session& session, const Command& command) {
-    const auto key = wide(command.key);
+    const auto key = toWide(command.key);
     KeyDescription description{key, findKeyFacts(key), session.getMask().hides(key), std::nullopt};
     if (description.facts) {
         description.key = description.facts->key;
@@ -61,11 +61,11 @@ void showKnownKeys(const Command& command, Printer& printer) {
 }
 
 void suggestKeys(Session& session, const std::string& key) {
-    if (ConfigKeys::findKey(wide(key)) != nullptr) {
+    if (ConfigKeys::findKey(toWide(key)) != nullptr) {
         return;
     }
     std::optional<Reading> reading;
-    session.getHost().onServices("lumora-config: known key", [&] { reading = session.getChain().read(wide(key)); });
+    session.getHost().onServices("lumora-config: known key", [&] { reading = session.getChain().read(toWide(key)); });
     if (reading) {
         return;
     }
@@ -78,17 +78,19 @@ void suggestKeys(Session& session, const std::string& key) {
 }
 
 void requirePermitted(const std::string& key, const std::string& value) {
-    const auto* const row = ConfigKeys::findKey(wide(key));
-    if (row != nullptr && !ConfigKeys::permits(*row, wide(value))) {
+    const auto* const row = ConfigKeys::findKey(toWide(key));
+    if (row != nullptr && !ConfigKeys::permits(*row, toWide(value))) {
         throw Failure(ExitCode::NotFound, "the value of the key '" + spell(key) + "' must be " +
                                               ConfigKeys::describePermittedValues(*row) +
-                                              "; --force sets it all the same");
+                                              "; --force sets it anyway");
     }
 }
 
-void addKeyCommands(CommandTable& table) {
-    table["keys"] = [](Session& session, const Command& command) { showKnownKeys(command, session.getPrinter()); };
-    table["describe"] = describeKey;
+CommandTable getKeyCommands() {
+    return {
+        {"keys", [](Session& session, const Command& command) { showKnownKeys(command, session.getPrinter()); }},
+        {"describe", describeKey},
+    };
 }
 
 } // namespace lumora_config

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Command.h"
+#include "CommandGrammar.h"
 #include "Session.h"
 
 namespace lumora_config {

@@ -260,28 +260,42 @@ TEST(FishCompletion, CompletesCommandsOptionsKeysStoresAndFolders) {
     EXPECT_THAT(completeInFish("lumora-config no-such-command x"), IsEmpty());
 }
 
-TEST(ZshCompletion, ATabCompletesAKeyIgnoringCase) {
-    const auto zsh = findShell("zsh");
-    if (zsh.empty()) {
-        GTEST_SKIP() << "zsh is not installed";
-    }
-    const Profile profile;
-    // The program finds the key only if the tab has completed it. The pieces of "ready" and "done" do not match the
-    // terminal's echo of the input.
+namespace {
+
+/// Types a line with tabs into an interactive zsh in which `prepare` has set up the completion. The program finds the
+/// key only if the tab has completed it.
+std::string typeIntoZsh(const std::string& zsh, const Profile& profile, const std::string& prepare) {
+    // The pieces of "ready" and "done" do not match the terminal's echo of the input.
     const auto script = profile.write("drive.zsh", R"(
         zmodload zsh/zpty
         zpty z 'TERM=dumb zsh -f -i'
-        zpty -w z "PS1=; autoload -Uz compinit; compinit -u -D; source <(lumora-config completion zsh); print rea''dy"
+        zpty -w z "PS1=; autoload -Uz compinit; $2; print rea''dy"
         zpty -r z line '*ready*'
         zpty -w -n z "lumora-config --prof"$'\t'"$1 ge"$'\t'"NOTIFICATIONsou"$'\t'
         zpty -w z "; print do''ne"
         zpty -r z line '*done*'
         print -r -- $line
     )");
-    const auto outcome = runShell("timeout", {"60", zsh, "-f", script, profile.root().string()});
+    const auto outcome = runShell("timeout", {"60", zsh, "-f", script, profile.root().string(), prepare});
     EXPECT_EQ(outcome.exitCode, 0);
-    EXPECT_THAT(outcome.out, HasSubstr("NotificationSounds"));
-    EXPECT_THAT(outcome.out, HasSubstr("\ntrue"));
+    return outcome.out;
+}
+
+} // namespace
+
+TEST(ZshCompletion, ATabCompletesAKeyIgnoringCase) {
+    const auto zsh = findShell("zsh");
+    if (zsh.empty()) {
+        GTEST_SKIP() << "zsh is not installed";
+    }
+    const Profile profile;
+    const std::string installed = "fpath=(" LUMORA_SOURCE_FOLDER "/tools/lumora-config/completions $fpath)";
+    for (const auto& prepare :
+         {std::string("compinit -u -D; source <(lumora-config completion zsh)"), installed + "; compinit -u -D"}) {
+        const auto output = typeIntoZsh(zsh, profile, prepare);
+        EXPECT_THAT(output, HasSubstr("NotificationSounds")) << prepare;
+        EXPECT_THAT(output, HasSubstr("\ntrue")) << prepare;
+    }
 }
 
 } // namespace program_test

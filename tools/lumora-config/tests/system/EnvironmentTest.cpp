@@ -12,7 +12,7 @@ using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-TEST(Environment, WithoutAPlugInItSaysWhere) {
+TEST(Environment, AMissingPlugInIsReportedWithItsFolder) {
     const Profile profile;
     const auto empty = profile.root() / "empty";
     fs::create_directory(empty);
@@ -55,7 +55,7 @@ TEST(Environment, APlugInThatCannotBeLoadedIsNamed) {
     EXPECT_THAT(outcome.error, HasSubstr("libconfigservice.so"));
 }
 
-TEST(Environment, AFolderWithoutADefaultsFileIsRefusedAndLeftAlone) {
+TEST(Environment, AFolderWithoutADefaultsFileIsRefusedAndNotChanged) {
     const Profile profile;
     fs::remove(profile.defaultsFile());
     const auto outcome = profile.run({"explain", "TftpServer1"});
@@ -138,7 +138,7 @@ TEST(Environment, AProfileInUseNamesTheProcessThatHoldsIt) {
     EXPECT_EQ(profile.run({"get", "Theme"}).exitCode, 0);
 }
 
-TEST(Environment, LogLinesAppearOnlyWhenAskedFor) {
+TEST(Environment, LogLinesArePrintedOnlyIfRequested) {
     const Profile profile;
     EXPECT_EQ(profile.run({"get", "Theme"}).error, "");
     EXPECT_THAT(profile.run({"-v", "get", "Theme"}).error, HasSubstr("starting config feature set"));

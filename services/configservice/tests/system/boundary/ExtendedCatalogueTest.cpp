@@ -1,5 +1,5 @@
 #include "KeysPage.h"
-#include "featuresets/adapters/config/chain/KeyAliases.h"
+#include "featuresets/adapters/config/chain/RenamedKeys.h"
 #include "featuresets/adapters/config/chain/UrlProvisioningData.h"
 
 #include <ConfigCatalogue.h>
@@ -27,11 +27,11 @@ TEST(ExtendedCatalogue, AddedKeyIsTheLastSensitiveKeyAndTheLastProvisioningKey) 
 }
 
 TEST(ExtendedCatalogue, LookupKnowsTheOldNameOfTheAddedKey) {
-    const KeyAliases renamed;
-    const auto* const newName = renamed.lookupKeyAlias(L"added_key_before");
+    const RenamedKeys renamed;
+    const auto* const newName = renamed.findNewName(L"added_key_before");
     ASSERT_NE(newName, nullptr);
     EXPECT_EQ(*newName, L"Added_Key");
-    const auto* const oldName = renamed.lookupLegacyKey(L"added_key");
+    const auto* const oldName = renamed.findOldName(L"added_key");
     ASSERT_NE(oldName, nullptr);
     EXPECT_EQ(*oldName, L"Added_Key_Before");
 }
