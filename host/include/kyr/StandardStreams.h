@@ -29,6 +29,9 @@ public:
 
     /// Returns true if the stream is a terminal.
     static bool isTerminal(Stream stream) noexcept;
+    /// Returns true if the stream is a regular file of the user that nobody else may read or write. Always false where
+    /// files have no such modes.
+    static bool isPrivateFile(Stream stream) noexcept;
     /// Returns the width of the stream's terminal in characters; 0 if there is none or its width is unknown.
     static std::size_t getColumns(Stream stream) noexcept;
 };

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/ioctl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -65,6 +66,12 @@ int StandardStreams::flush(Stream stream) noexcept {
 
 bool StandardStreams::isTerminal(Stream stream) noexcept {
     return ::isatty(descriptorOf(stream)) != 0;
+}
+
+bool StandardStreams::isPrivateFile(Stream stream) noexcept {
+    struct stat status {};
+    return ::fstat(descriptorOf(stream), &status) == 0 && S_ISREG(status.st_mode) && status.st_uid == ::geteuid() &&
+           (status.st_mode & (S_IRWXG | S_IRWXO)) == 0;
 }
 
 std::size_t StandardStreams::getColumns(Stream stream) noexcept {

@@ -50,6 +50,10 @@ bool StandardStreams::isTerminal(Stream stream) noexcept {
     return ::_isatty(descriptorOf(stream)) != 0;
 }
 
+bool StandardStreams::isPrivateFile(Stream /*stream*/) noexcept {
+    return false;
+}
+
 std::size_t StandardStreams::getColumns(Stream stream) noexcept {
     CONSOLE_SCREEN_BUFFER_INFO info{};
     const auto handle = ::GetStdHandle(stream == Stream::Output ? STD_OUTPUT_HANDLE : STD_ERROR_HANDLE);

@@ -1,8 +1,10 @@
 #include "commands/CommandLine.h"
 #include "commands/CommandTable.h"
 #include "commands/CompletionCommand.h"
+#include "commands/DiffCommand.h"
 #include "commands/KeyCommands.h"
 #include "commands/Session.h"
+#include "commands/SettingsReader.h"
 #include "commands/Shell.h"
 #include "disk/Doctor.h"
 #include "host/ConfigHost.h"
@@ -16,6 +18,7 @@
 #include <kyr/StandardStreams.h>
 
 #include <cerrno>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <system_error>
@@ -74,6 +77,47 @@ void examineProfile(const CommandLine& line, Printer& printer) {
     showHealth(Doctor(Doctor::Lock::NotHeld).examine(), printer);
 }
 
+/// Opens the profile of the command line and adds its stores. Returns the code of `use`, or that of a store that could
+/// not be added.
+ExitCode withSession(const CommandLine& line, Printer& printer, const std::function<ExitCode(Session&)>& use) {
+    if (!line.trusted) {
+        requireTrusted(line.namedDirectories);
+    }
+    ConfigHost host(line.directories, line.pluginDirectory, line.verbose);
+    showHealthNotice(host.getConfigDirectory(), printer);
+    Session session(host, printer, line.showSecrets);
+    host.start();
+    for (const auto& spec : line.bootstraps) {
+        session.addBootstrapStore(spec);
+    }
+    const auto storesCode = addForeignStores(session, line, printer);
+    const auto code = use(session);
+    return code == ExitCode::Done ? storesCode : code;
+}
+
+SettingsDump readProfile(const CommandLine& line, Printer& printer, const std::string& folder) {
+    auto opened = line;
+    if (!folder.empty()) {
+        opened.directories = directoriesOfProfile(folder);
+        opened.namedDirectories = nameDirectories(folder, opened.directories);
+    }
+    SettingsDump dump;
+    const auto code = withSession(opened, printer, [&](Session& session) {
+        dump = readEffectiveValues(session);
+        return ExitCode::Done;
+    });
+    if (code != ExitCode::Done) {
+        throw Failure(code, "the profile cannot be compared");
+    }
+    return dump;
+}
+
+/// Opens the profiles one after the other, because a process has one set of directories.
+void compareOperands(const CommandLine& line, Printer& printer) {
+    const auto read = [&](const std::string& folder) { return readProfile(line, printer, folder); };
+    showDifferences(line.command, read, line.showSecrets, printer);
+}
+
 ExitCode runSession(const CommandLine& line, Printer& printer) {
     if (line.command.name == "doctor") {
         examineProfile(line, printer);
@@ -87,19 +131,13 @@ ExitCode runSession(const CommandLine& line, Printer& printer) {
         printer.showText("completion", std::string(getCompletionScript(line.command.topic)));
         return ExitCode::Done;
     }
-    if (!line.trusted) {
-        requireTrusted(line.namedDirectories);
+    if (line.command.name == "diff" && !line.command.operands.empty()) {
+        compareOperands(line, printer);
+        return ExitCode::Done;
     }
-    ConfigHost host(line.directories, line.pluginDirectory, line.verbose);
-    showHealthNotice(host.getConfigDirectory(), printer);
-    Session session(host, printer, line.showSecrets);
-    host.start();
-    for (const auto& spec : line.bootstraps) {
-        session.addBootstrapStore(spec);
-    }
-    const auto storesCode = addForeignStores(session, line, printer);
-    const auto code = line.command.name == "shell" ? Shell(session).run() : runOne(session, line.command);
-    return code == ExitCode::Done ? storesCode : code;
+    return withSession(line, printer, [&](Session& session) {
+        return line.command.name == "shell" ? Shell(session).run() : runOne(session, line.command);
+    });
 }
 
 ExitCode runLine(const CommandLine& line, Outputs& outputs) {

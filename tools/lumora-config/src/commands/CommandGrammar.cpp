@@ -30,14 +30,44 @@ void addWorkerFlag(CLI::App* app, Command& command) {
     app->add_flag("--worker", command.fromWorker, "Call from a worker thread instead of the services dispatcher's");
 }
 
+void addList(CLI::App& app, Command& command) {
+    auto* list = addCommand(app, command, "list", "List keys, values and stores");
+    list->add_option("PATTERN", command.prefix, "Only keys that begin with this text or match its wildcards * and ?");
+    list->add_flag("--regexp", command.byExpression, "PATTERN is a regular expression that matches a part of the key");
+    list->add_flag("--value", command.byValue, "Search the values instead of the keys, and any part of them");
+    list->add_option("--store", command.store, "The keys and values of this store")->type_name("NAME");
+    list->add_flag("--overridden", command.overridden, "Only keys whose value is not the administrator's");
+    list->add_flag("--sensitive", command.sensitive, "Only sensitive keys");
+}
+
+void addDumps(CLI::App& app, Command& command) {
+    auto* dump = addCommand(app, command, "dump", "Write keys and values as text or JSON that load reads");
+    dump->add_option("PATTERN", command.prefix, "Only keys that begin with this text or match its wildcards * and ?");
+    auto* user = dump->add_flag_callback(
+        "--user", [] {}, "The user's own settings; the default");
+    auto* effective = dump->add_flag("--effective", command.effective, "The values in force")->excludes(user);
+    dump->add_option("--store", command.store, "The values of this store")
+        ->type_name("NAME")
+        ->excludes(user)
+        ->excludes(effective);
+    dump->add_option("-o,--output", command.file, "Write to this file, - for standard output")->type_name("FILE");
+    auto* load = addCommand(app, command, "load", "Set all values of a dump with one write, or none");
+    load->add_option("FILE", command.file, "The dump, - for standard input")->required();
+    load->add_flag("--dry-run", command.dryRun, "Check and count, but set nothing");
+    load->add_flag("--force", command.forced, "Also set what XML cannot represent or the kind of a key excludes");
+    auto* diff = addCommand(app, command, "diff", "Compare profiles, dumps, reports or the values in force");
+    diff->add_option("FILE", command.operands, "A dump, a report, or the folder of a profile")->expected(0, 2);
+    diff->add_flag("--stores", command.withStores, "Also report equal values that come from different stores");
+}
+
 void addReads(CLI::App& app, Command& command) {
     auto* get = addKeyCommand(app, command, "get", "Show the value of a key");
     get->add_flag("--origin", command.origin, "Also print the store of the value");
     auto* admin = get->add_flag("--admin", command.admin, "The administrator's value, without the user's own settings");
     get->add_option("--store", command.store, "The value in this store")->type_name("NAME")->excludes(admin);
+    get->add_option("--default", command.fallback, "Print this value if there is none")->type_name("VALUE");
     addKeyCommand(app, command, "explain", "Show the value of a key in each store, and which one wins");
-    addCommand(app, command, "list", "List keys, values and stores")
-        ->add_option("PREFIX", command.prefix, "Only keys with this prefix");
+    addList(app, command);
     auto* keys = addCommand(app, command, "keys", "List the keys of the catalogue with their meaning");
     keys->add_option("PATTERN", command.prefix, "Only keys that contain this text or match its wildcards * and ?");
     keys->add_flag("--sensitive", command.sensitive, "Only sensitive keys");
@@ -56,7 +86,7 @@ void addReads(CLI::App& app, Command& command) {
 
 void addWrites(CLI::App& app, Command& command, CommandScope scope) {
     auto* set = addKeyCommand(app, command, "set", "Set the user's value of a key");
-    addValue(set, command);
+    set->add_option("VALUE", command.value, "The value, - to read it from standard input")->required();
     set->add_flag("--force", command.forced, "Also set what XML cannot represent or the kind of the key excludes");
     if (scope == CommandScope::Shell) {
         addWorkerFlag(set, command);
@@ -112,6 +142,7 @@ void addCommands(CLI::App& app, Command& command, CommandScope scope) {
     app.get_formatter()->label("SUBCOMMAND", "COMMAND");
     addReads(app, command);
     addWrites(app, command, scope);
+    addDumps(app, command);
     if (scope == CommandScope::Shell) {
         addShellCommands(app, command);
     } else {

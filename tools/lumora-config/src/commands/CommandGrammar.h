@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -20,6 +21,8 @@ struct Command {
     std::string file;
     std::string htmlFile;
     std::string url;
+    std::vector<std::string> operands;   ///< For diff: files and profiles.
+    std::optional<std::string> fallback; ///< For get: the value of --default.
     std::string topic;                   ///< For help: a command. For completion: a shell.
     std::vector<std::string> companions; ///< Keys whose values are shown with each change of the observed key.
     bool origin = false;
@@ -28,6 +31,12 @@ struct Command {
     bool forced = false;
     bool sensitive = false;
     bool renamed = false;
+    bool effective = false;
+    bool dryRun = false;
+    bool byExpression = false;
+    bool byValue = false;
+    bool overridden = false;
+    bool withStores = false; ///< For diff: a different store of an equal value is a difference.
     bool fromWorker = false; ///< Runs the call on a thread other than the services dispatcher's.
 };
 

@@ -19,6 +19,8 @@ using CommandTable = std::map<std::string, std::function<void(Session&, const Co
 CommandTable getReadCommands();
 CommandTable getKeyCommands();
 CommandTable getWriteCommands();
+CommandTable getDumpCommands();
+CommandTable getDiffCommands();
 CommandTable getReportCommands();
 CommandTable getLifecycleCommands();
 CommandTable getStorageCommands();

@@ -1,7 +1,13 @@
 #include "CommandTable.h"
 #include "KeyCommands.h"
 #include "stores/KnownKeys.h"
+#include "stores/SearchPattern.h"
 
+#include <ConfigCatalogue.h>
+
+#include <algorithm>
+#include <iterator>
+#include <map>
 #include <optional>
 
 namespace lumora_config {
@@ -27,6 +33,10 @@ void get(Session& session, const Command& command) {
     if (reading) {
         reading->value = session.getMask().show(toWide(command.key), reading->value);
     }
+    if (!reading && command.fallback) {
+        session.getPrinter().showDefault(toWide(command.key), toWide(*command.fallback));
+        return;
+    }
     session.getPrinter().showValue(toWide(command.key), reading, command.origin);
     if (!reading) {
         suggestKeys(session, command.key);
@@ -46,14 +56,59 @@ void explain(Session& session, const Command& command) {
     }
 }
 
+/// Returns the keys of one store, with the flag of the effective value.
+std::vector<ListedValue> listStore(Session& session, const Command& command) {
+    auto inForce = session.getChain().list(L"");
+    const auto store = session.getHost().getFeatureSet()->getConfigStoreByName(command.store);
+    if (!store) {
+        throw Failure(ExitCode::NotFound, "there is no store '" + command.store + "'");
+    }
+    std::map<std::wstring, bool, ZelUnified::caseInsensitiveMapComparator> overridden;
+    for (const auto& listed : inForce) {
+        overridden[listed.key] = listed.overridden;
+    }
+    std::map<std::wstring, ListedValue, ZelUnified::caseInsensitiveMapComparator> values;
+    std::wstring value;
+    for (const auto& key : store->getKeys()) {
+        if (store->getValue(key, value)) {
+            const std::wstring spelled(ZelUnified::ConfigKeys::spellKey(key));
+            values.insert_or_assign(spelled,
+                                    ListedValue{spelled, value, toWide(store->getName()), overridden[spelled]});
+        }
+    }
+    std::vector<ListedValue> listed;
+    std::ranges::transform(values, std::back_inserter(listed), [](const auto& entry) { return entry.second; });
+    return listed;
+}
+
+/// Removes what the options of the search exclude. The values are masked, so that a search reveals no secret.
+void filter(Session& session, const Command& command, std::vector<ListedValue>& values) {
+    using Kind = SearchPattern::Kind;
+    const auto kind = command.byExpression ? Kind::Expression : command.byValue ? Kind::Part : Kind::Prefix;
+    const SearchPattern pattern(toWide(command.prefix), kind);
+    std::erase_if(values, [&](const ListedValue& listed) {
+        return !pattern.matches(command.byValue ? listed.value : listed.key) ||
+               (command.overridden && !listed.overridden) ||
+               (command.sensitive && !session.getMask().hides(listed.key));
+    });
+}
+
+std::string describeEmptyList(const Command& command) {
+    const bool isPrefix = !command.byExpression && !command.byValue && command.store.empty() && !command.overridden &&
+                          !command.sensitive && command.prefix.find_first_of("*?") == std::string::npos;
+    return isPrefix ? "no key begins with '" + command.prefix + "'" : "the search finds no key";
+}
+
 void list(Session& session, const Command& command) {
     std::vector<ListedValue> values;
-    session.getHost().onServices("lumora-config: list",
-                                 [&] { values = session.getChain().list(toWide(command.prefix)); });
+    session.getHost().onServices("lumora-config: list", [&] {
+        values = command.store.empty() ? session.getChain().list(L"") : listStore(session, command);
+    });
     session.getMask().hide(values);
+    filter(session, command, values);
     session.getPrinter().showList(values);
     if (values.empty()) {
-        throw Failure(ExitCode::NotFound, "no key begins with '" + command.prefix + "'");
+        throw Failure(ExitCode::NotFound, describeEmptyList(command));
     }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "CommandInput.h"
 #include "KeyWatcher.h"
 #include "SecretMask.h"
 #include "disk/DiskCheck.h"
@@ -46,6 +47,7 @@ public:
     const DiskCheck& getDiskCheck() const { return disk; }
     Printer& getPrinter() { return printer; }
     const SecretMask& getMask() const { return mask; }
+    CommandInput& getInput() { return input; }
     ChainInspector& getChain() { return *chain; }
     /// Keyed by the new name. Services dispatcher's thread.
     std::map<std::wstring, std::shared_ptr<KeyWatcher>, ZelUnified::caseInsensitiveMapComparator>& getWatchers() {
@@ -57,6 +59,7 @@ private:
     Printer& printer;
     const SecretMask mask;
     const DiskCheck disk;
+    CommandInput input;
     ZelUnified::ConfigMap expectedValues; ///< Set by workers and not checked yet.
     std::unique_ptr<ChainInspector> chain;
     std::map<std::wstring, std::shared_ptr<KeyWatcher>, ZelUnified::caseInsensitiveMapComparator> watchers;

@@ -43,6 +43,7 @@ ExitCode Shell::run() {
     const bool interactive = KyrCoreUtils::ProcessUtils::isInputTerminal();
     StandardInput buffer;
     std::istream input(&buffer);
+    session.getInput().setLineReader([&input](std::string& text) { return bool(std::getline(input, text)); });
     std::string line;
     do {
         if (interactive) {
@@ -50,6 +51,7 @@ ExitCode Shell::run() {
         }
     } while (!mustEnd() && std::getline(input, line) && !mustEnd() && runLine(line) == Next::Continue &&
              session.getPrinter().isHeard());
+    session.getInput().setLineReader({});
     confirmWrites();
     return result;
 }

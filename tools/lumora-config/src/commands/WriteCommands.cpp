@@ -1,7 +1,7 @@
 #include "CommandTable.h"
 #include "KeyCommands.h"
+#include "StorableCheck.h"
 #include "stores/KnownKeys.h"
-#include "stores/XmlNames.h"
 #include "stores/XmlSettings.h"
 
 #include <kyr/StringUtils.h>
@@ -9,8 +9,6 @@
 #include <ConfigCatalogue.h>
 
 #include <algorithm>
-#include <iomanip>
-#include <sstream>
 
 namespace lumora_config {
 
@@ -39,46 +37,12 @@ std::string describeOutcome(Session& session, const std::wstring& key) {
            toString(reading->storeName);
 }
 
-[[noreturn]] void refuseUnlessForced(const std::string& reason) {
-    throw Failure(ExitCode::NotFound, reason + "; --force sets it anyway");
-}
-
-std::string nameCodePoint(char32_t c) {
-    std::ostringstream text;
-    text << "U+" << std::uppercase << std::hex << std::setw(4) << std::setfill('0') << static_cast<unsigned long>(c);
-    return text.str();
-}
-
-/// Never quotes the value, which may be a secret.
-void requireKeptValue(const Command& command) {
-    const auto value = toWide(command.value);
-    if (toString(value) != command.value) {
-        refuseUnlessForced("the value of the key '" + command.key + "' is not UTF-8 and would be stored with U+FFFD");
+void set(Session& session, const Command& given) {
+    auto command = given;
+    if (given.value == "-") {
+        command.value = session.getInput().readValue();
     }
-    if (const auto character = findUnrepresentable(value)) {
-        refuseUnlessForced("the value of the key '" + command.key + "' contains " + nameCodePoint(*character) +
-                           ", which XML cannot represent: it would be stored as U+FFFD");
-    }
-}
-
-/// Refuses a key or value that the user's file, a cached copy or the report cannot represent.
-void requireStorable(const Command& command) {
-    if (command.key.empty()) {
-        throw Failure(ExitCode::NotFound, "the key is empty");
-    }
-    if (command.forced) {
-        return;
-    }
-    if (toString(toWide(command.key)) != command.key || !isXmlName(toWide(command.key))) {
-        refuseUnlessForced("the key '" + command.key +
-                           "' is not an XML name: a document or report with it would be ill-formed");
-    }
-    requireKeptValue(command);
-    requirePermitted(command.key, command.value);
-}
-
-void set(Session& session, const Command& command) {
-    requireStorable(command);
+    requireStorable(command.key, command.value, command.forced);
     suggestKeys(session, command.key);
     const auto key = toWide(command.key);
     bool stored = false;

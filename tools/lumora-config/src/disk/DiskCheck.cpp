@@ -44,6 +44,11 @@ bool mayContainMore(const SettingsOnDisk& onDisk) {
     return onDisk.state != ReadResult::Ok && onDisk.state != ReadResult::Absent;
 }
 
+bool containsValue(const SettingsOnDisk& onDisk, const std::wstring& key, const std::wstring& value) {
+    const auto found = onDisk.values.find(toStoredText(nameInUserFile(key)));
+    return found != onDisk.values.end() && found->second == toStoredText(value);
+}
+
 [[noreturn]] void fail(const std::string& message) {
     throw Failure(ExitCode::Environment, message);
 }
@@ -52,10 +57,19 @@ bool mayContainMore(const SettingsOnDisk& onDisk) {
 
 void DiskCheck::requireStored(const std::wstring& key, const std::wstring& value) const {
     host.settle();
-    const auto onDisk = readUserSettings(host.getConfigDirectory());
-    const auto found = onDisk.values.find(toStoredText(nameInUserFile(key)));
-    if (found == onDisk.values.end() || found->second != toStoredText(value)) {
+    if (!containsValue(readUserSettings(host.getConfigDirectory()), key, value)) {
         failForUser(toString(key) + " is set for this run only, because it is not on the disk");
+    }
+}
+
+void DiskCheck::requireAllStored(const ZelUnified::ConfigMap& values) const {
+    host.settle();
+    const auto onDisk = readUserSettings(host.getConfigDirectory());
+    const auto missing = std::ranges::count_if(
+        values, [&](const auto& entry) { return !containsValue(onDisk, entry.first, entry.second); });
+    if (missing != 0) {
+        failForUser(std::to_string(missing) + " of " + std::to_string(values.size()) +
+                    " values are set for this run only, because they are not on the disk");
     }
 }
 

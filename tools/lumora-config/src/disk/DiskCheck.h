@@ -2,6 +2,7 @@
 
 #include "host/ConfigHost.h"
 
+#include <ConfigMap.h>
 #include <ConfigStore.h>
 
 #include <string>
@@ -19,6 +20,8 @@ public:
 
     /// Checks that the user's file contains this value.
     void requireStored(const std::wstring& key, const std::wstring& value) const;
+    /// Checks that the user's file contains all of these values. Reads it once.
+    void requireAllStored(const ZelUnified::ConfigMap& values) const;
     /// Checks that the user's file contains none of these keys. `key` is the key as the user typed it.
     void requireRemoved(const std::string& key, const std::vector<std::wstring>& names) const;
     /// Checks that the copy of the store is on the disk with all values, and that the next start restores it.

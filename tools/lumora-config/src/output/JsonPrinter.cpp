@@ -1,5 +1,7 @@
 #include "JsonPrinter.h"
 
+#include "SettingsJson.h"
+
 #include <kyr/StringUtils.h>
 
 #include <nlohmann/json.hpp>
@@ -70,6 +72,10 @@ void JsonPrinter::showValue(const std::wstring& key, const std::optional<Reading
     Json object{{"type", "value"}, {"key", toString(key)}};
     object.update(toJson(reading));
     write(object);
+}
+
+void JsonPrinter::showDefault(const std::wstring& key, const std::wstring& value) {
+    write({{"type", "value"}, {"key", toString(key)}, {"found", false}, {"default", toString(value)}});
 }
 
 void JsonPrinter::showExplanation(const Explanation& explanation) {
@@ -159,6 +165,22 @@ void JsonPrinter::showImport(const PolicyImport& import) {
         object["refused"].push_back({{"line", refusal.line}, {"reason", refusal.reason}});
     }
     write(object);
+}
+
+void JsonPrinter::showDump(const SettingsDump& dump) {
+    write(toJson(dump));
+}
+
+std::string JsonPrinter::formatDump(const SettingsDump& dump) const {
+    return toJson(dump).dump(-1, ' ', false, Json::error_handler_t::replace) + '\n';
+}
+
+void JsonPrinter::showLoad(const LoadSummary& summary) {
+    write(toJson(summary));
+}
+
+void JsonPrinter::showComparison(const Comparison& comparison) {
+    write(toJson(comparison));
 }
 
 void JsonPrinter::showNotification(const Notification& notification) {

@@ -18,6 +18,7 @@ public:
     JsonPrinter(Output& out, Output& messages, Failures failureForm);
 
     void showValue(const std::wstring& key, const std::optional<Reading>& reading, bool withOrigin) override;
+    void showDefault(const std::wstring& key, const std::wstring& value) override;
     void showExplanation(const Explanation& explanation) override;
     void showList(const std::vector<ListedValue>& values) override;
     void showKeys(const std::vector<KeyFacts>& keys) override;
@@ -26,6 +27,10 @@ public:
     void showText(const std::string& kind, const std::string& text) override;
     void showHealth(const HealthReport& report) override;
     void showImport(const PolicyImport& import) override;
+    void showDump(const SettingsDump& dump) override;
+    std::string formatDump(const SettingsDump& dump) const override;
+    void showLoad(const LoadSummary& summary) override;
+    void showComparison(const Comparison& comparison) override;
     void showNotification(const Notification& notification) override;
     void showDone(const std::string& command, const std::string& message) override;
     void showWarning(const std::string& message) override;

@@ -3,6 +3,7 @@
 #include "Failure.h"
 #include "Findings.h"
 #include "KeyFindings.h"
+#include "SettingsDump.h"
 
 #include <optional>
 #include <string>
@@ -19,6 +20,8 @@ public:
     /// Prints the answer to `get`, or nothing if no store contains the key. If `withOrigin` is true, prints the store
     /// too.
     virtual void showValue(const std::wstring& key, const std::optional<Reading>& reading, bool withOrigin) = 0;
+    /// Prints the answer to `get --default` if there is no value.
+    virtual void showDefault(const std::wstring& key, const std::wstring& value) = 0;
     virtual void showExplanation(const Explanation& explanation) = 0;
     virtual void showList(const std::vector<ListedValue>& values) = 0;
     virtual void showKeys(const std::vector<KeyFacts>& keys) = 0;
@@ -28,6 +31,11 @@ public:
     virtual void showText(const std::string& kind, const std::string& text) = 0;
     virtual void showHealth(const HealthReport& report) = 0;
     virtual void showImport(const PolicyImport& import) = 0;
+    virtual void showDump(const SettingsDump& dump) = 0;
+    /// Returns the text that showDump() prints outside a terminal.
+    virtual std::string formatDump(const SettingsDump& dump) const = 0;
+    virtual void showLoad(const LoadSummary& summary) = 0;
+    virtual void showComparison(const Comparison& comparison) = 0;
     virtual void showNotification(const Notification& notification) = 0;
     /// Reports that a command without a result is done.
     virtual void showDone(const std::string& command, const std::string& message) = 0;

@@ -1,6 +1,7 @@
 #include "TextPrinter.h"
 
 #include "EscapedText.h"
+#include "SettingsText.h"
 #include "TextTable.h"
 
 #include <kyr/StringUtils.h>
@@ -78,6 +79,10 @@ void TextPrinter::showValue(const std::wstring& /*key*/, const std::optional<Rea
         origin = "  (" + narrow(reading->storeName) + (reading->underEarlierName ? ", under its old name)" : ")");
     }
     output.writeValue(KyrCoreUtils::toString(reading->value), origin);
+}
+
+void TextPrinter::showDefault(const std::wstring& /*key*/, const std::wstring& value) {
+    output.writeValue(KyrCoreUtils::toString(value));
 }
 
 void TextPrinter::showExplanation(const Explanation& explanation) {
@@ -176,6 +181,40 @@ void TextPrinter::showImport(const PolicyImport& import) {
     for (const auto& refusal : import.refused) {
         diagnostics.writeMessage(place(refusal.line) + "refused: " + refusal.reason);
     }
+}
+
+void TextPrinter::showDump(const SettingsDump& dump) {
+    output.writeEscaped(formatSettings(dump)); // the format escapes control characters itself
+}
+
+std::string TextPrinter::formatDump(const SettingsDump& dump) const {
+    return formatSettings(dump);
+}
+
+void TextPrinter::showLoad(const LoadSummary& summary) {
+    auto text = std::to_string(summary.countSet()) + (summary.dryRun ? " values would be set: " : " values set: ") +
+                std::to_string(summary.added) + " added, " + std::to_string(summary.changed) + " changed, " +
+                std::to_string(summary.unchanged) + " unchanged";
+    if (summary.leftOut != 0) {
+        text += "; " + std::to_string(summary.leftOut) + " left out";
+    }
+    diagnostics.writeMessage(text);
+}
+
+void TextPrinter::showComparison(const Comparison& comparison) {
+    if (comparison.differences.empty()) {
+        return;
+    }
+    auto text = "--- " + toOneLine(comparison.left) + "\n+++ " + toOneLine(comparison.right) + '\n';
+    for (const auto& difference : comparison.differences) {
+        if (difference.left) {
+            text += '-' + formatSetting(*difference.left) + '\n';
+        }
+        if (difference.right) {
+            text += '+' + formatSetting(*difference.right) + '\n';
+        }
+    }
+    output.writeEscaped(text);
 }
 
 void TextPrinter::showNotification(const Notification& notification) {

@@ -100,6 +100,7 @@ public:
             if (!isElement(*group) || addUserConfig(*group)) {
                 continue;
             }
+            groupName = KyrCoreUtils::toWideString(attributeOf(*group, "name").value_or(""));
             for (auto* child = group->children; child != nullptr; child = child->next) {
                 if (isElement(*child) && !addUserConfig(*child)) {
                     add(toView(child->name), valueOf(*child), *child);
@@ -124,10 +125,11 @@ private:
 
     void add(std::string_view key, const std::string& value, xmlNode& element) {
         const bool sensitive = KyrCoreUtils::toBool(attributeOf(element, "sensitive").value_or(""));
-        settings.push_back({KyrCoreUtils::toWideString(key), KyrCoreUtils::toWideString(value), sensitive});
+        settings.push_back({KyrCoreUtils::toWideString(key), KyrCoreUtils::toWideString(value), sensitive, groupName});
     }
 
     std::vector<XmlSetting> settings;
+    std::wstring groupName; ///< Of the group that is being read.
 };
 
 } // namespace

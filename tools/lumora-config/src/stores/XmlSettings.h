@@ -11,6 +11,7 @@ struct XmlSetting {
     std::wstring key;
     std::wstring value;
     bool sensitive = false;
+    std::wstring group; ///< The attribute "name" of the group, or an empty text.
 };
 
 /// Reads settings from an XML file. Accepts two formats, also mixed: a root with groups whose children are the keys,

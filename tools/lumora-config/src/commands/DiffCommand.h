@@ -1,0 +1,19 @@
+#pragma once
+
+#include "CommandGrammar.h"
+#include "output/Printer.h"
+#include "output/SettingsDump.h"
+
+#include <functional>
+#include <string>
+
+namespace lumora_config {
+
+/// Returns the values in force, with secrets, of the profile in this folder; an empty text means the profile in use.
+using ProfileReader = std::function<SettingsDump(const std::string& folder)>;
+
+/// Compares the operands of `diff`: each is a dump, a report or a profile; a missing second operand means the profile
+/// in use. Throws Failure: NotFound if they differ, Environment if one cannot be read.
+void showDifferences(const Command& command, const ProfileReader& readProfile, bool showSecrets, Printer& printer);
+
+} // namespace lumora_config

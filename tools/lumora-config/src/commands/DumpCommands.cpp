@@ -1,0 +1,142 @@
+#include "CommandTable.h"
+#include "SettingsReader.h"
+#include "StorableCheck.h"
+#include "output/SettingsText.h"
+#include "stores/SearchPattern.h"
+#include "stores/XmlSettings.h"
+
+#include <kyr/StandardStreams.h>
+#include <kyr/StringUtils.h>
+#include <zel/RegularFile.h>
+
+#include <ConfigKeys.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <iterator>
+#include <system_error>
+
+namespace lumora_config {
+
+namespace {
+
+using KyrCoreUtils::StandardStreams;
+using KyrCoreUtils::toString;
+
+bool isStandardStream(const std::string& path) {
+    return path.empty() || path == "-";
+}
+
+SettingsDump readForDump(Session& session, const Command& command) {
+    if (command.effective) {
+        return readEffectiveValues(session);
+    }
+    return command.store.empty() ? readUsersValues(session) : readStoreValues(session, command.store);
+}
+
+/// Secrets are written only to files that nobody else may read.
+void requirePrivateOutput(const SettingsDump& dump, const std::string& path) {
+    const auto isSecret = [](const DumpedSetting& setting) { return setting.sensitive && !setting.hidden; };
+    if (isStandardStream(path) && std::ranges::any_of(dump.settings, isSecret) &&
+        !StandardStreams::isPrivateFile(StandardStreams::Stream::Output)) {
+        throw Failure(ExitCode::NotFound, "the dump contains secrets, and standard output is not a file of mode 0600; "
+                                          "--output FILE creates one");
+    }
+}
+
+void writeDump(const std::string& path, const std::string& text) {
+    const int error = zel::storage::RegularFile::replace(path, text);
+    if (error == EEXIST) {
+        throw Failure(ExitCode::Environment, path + ": cannot be written: it is not a regular file");
+    }
+    if (error != 0) {
+        throw Failure(ExitCode::Environment, path + ": cannot be written: " + std::generic_category().message(error));
+    }
+    DiskCheck::requireFile(path, text);
+}
+
+void dump(Session& session, const Command& command) {
+    auto content = readForDump(session, command);
+    if (!command.prefix.empty()) {
+        const SearchPattern pattern(toWide(command.prefix), SearchPattern::Kind::Prefix);
+        std::erase_if(content.settings, [&](const DumpedSetting& setting) { return !pattern.matches(setting.key); });
+    }
+    if (!session.getMask().showsSecrets()) {
+        hideSecrets(content);
+    }
+    requirePrivateOutput(content, command.file);
+    if (isStandardStream(command.file)) {
+        session.getPrinter().showDump(content);
+        return;
+    }
+    writeDump(command.file, session.getPrinter().formatDump(content));
+    reportDone(session, command, std::to_string(content.settings.size()) + " keys written to " + command.file);
+}
+
+SettingsDump readDump(Session& session, const std::string& path) {
+    return path == "-" ? parseDump(session.getInput().readAll(), "standard input")
+                       : parseDump(readWholeFile(path), path);
+}
+
+/// Returns the values to set. Throws Failure (NotFound) if one of them cannot be set: then none is.
+ZelUnified::ConfigMap collectValues(const SettingsDump& dump, bool forced, LoadSummary& summary) {
+    ZelUnified::ConfigMap values;
+    for (const auto& setting : dump.settings) {
+        if (setting.hidden || belongsToProfile(setting.key)) {
+            ++summary.leftOut;
+            continue;
+        }
+        const auto key = toString(setting.key);
+        requireStorable(key, toString(setting.value), forced);
+        if (!values.emplace(setting.key, setting.value).second) {
+            throw Failure(ExitCode::NotFound, dump.source + " contains the key '" + key + "' twice");
+        }
+    }
+    return values;
+}
+
+void countChanges(Session& session, const ZelUnified::ConfigMap& values, LoadSummary& summary) {
+    session.getHost().onServices("lumora-config: values before load", [&] {
+        const auto store = session.getHost().getFeatureSet()->getConfigStoreByName(
+            std::string(ZelUnified::ConfigKeys::localFileConfigStore));
+        std::wstring held;
+        for (const auto& [key, value] : values) {
+            const bool isHeld = store && store->getValue(key, held);
+            ++(!isHeld ? summary.added : held == value ? summary.unchanged : summary.changed);
+        }
+    });
+}
+
+void storeAll(Session& session, const ZelUnified::ConfigMap& values) {
+    bool stored = false;
+    session.getHost().onServices("lumora-config: load",
+                                 [&] { stored = session.getHost().getFeatureSet()->setConfig(values); });
+    if (!stored) {
+        throw Failure(ExitCode::NotFound, "no store accepts values");
+    }
+    std::vector<std::wstring> keys;
+    std::ranges::transform(values, std::back_inserter(keys), [](const auto& entry) { return entry.first; });
+    session.forgetExpected(keys);
+    session.getDiskCheck().requireAllStored(values);
+}
+
+void load(Session& session, const Command& command) {
+    const auto content = readDump(session, command.file);
+    LoadSummary summary;
+    summary.file = content.source;
+    summary.dryRun = command.dryRun;
+    const auto values = collectValues(content, command.forced, summary);
+    countChanges(session, values, summary);
+    if (!command.dryRun && !values.empty()) {
+        storeAll(session, values);
+    }
+    session.getPrinter().showLoad(summary);
+}
+
+} // namespace
+
+CommandTable getDumpCommands() {
+    return {{"dump", dump}, {"load", load}};
+}
+
+} // namespace lumora_config
