@@ -95,7 +95,8 @@ ExitCode withSession(const CommandLine& line, Printer& printer, const std::funct
     return code == ExitCode::Done ? storesCode : code;
 }
 
-SettingsDump readProfile(const CommandLine& line, Printer& printer, const std::string& folder) {
+SettingsDump readProfile(const CommandLine& line, Printer& printer, const std::string& folder,
+                         const std::string& source) {
     auto opened = line;
     if (!folder.empty()) {
         opened.directories = directoriesOfProfile(folder);
@@ -103,7 +104,7 @@ SettingsDump readProfile(const CommandLine& line, Printer& printer, const std::s
     }
     SettingsDump dump;
     const auto code = withSession(opened, printer, [&](Session& session) {
-        dump = readEffectiveValues(session);
+        dump = readSource(session, source);
         return ExitCode::Done;
     });
     if (code != ExitCode::Done) {
@@ -114,7 +115,9 @@ SettingsDump readProfile(const CommandLine& line, Printer& printer, const std::s
 
 /// Opens the profiles one after the other, because a process has one set of directories.
 void compareOperands(const CommandLine& line, Printer& printer) {
-    const auto read = [&](const std::string& folder) { return readProfile(line, printer, folder); };
+    const auto read = [&](const std::string& folder, const std::string& source) {
+        return readProfile(line, printer, folder, source);
+    };
     showDifferences(line.command, read, line.showSecrets, printer);
 }
 

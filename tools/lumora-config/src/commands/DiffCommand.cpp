@@ -5,47 +5,14 @@
 #include "output/SettingsComparison.h"
 #include "output/SettingsText.h"
 #include "stores/KnownKeys.h"
+#include "stores/ReportSettings.h"
 #include "stores/XmlSettings.h"
 
-#include <ConfigCatalogue.h>
-
-#include <algorithm>
 #include <filesystem>
 
 namespace lumora_config {
 
 namespace {
-
-namespace ConfigKeys = ZelUnified::ConfigKeys;
-
-/// Returns the part of a report that lists the stores with their keys.
-std::string_view findStores(std::string_view report, const std::string& name) {
-    constexpr std::string_view end = "</AllMemoryConfigs>";
-    const auto from = report.find("<AllMemoryConfigs>");
-    const auto to = report.find(end, std::min(from, report.size()));
-    if (to == std::string_view::npos) {
-        throw Failure(ExitCode::Environment, name + ": neither a dump nor a report");
-    }
-    return report.substr(from, to + end.size() - from);
-}
-
-/// Returns the first setting of each key in a report, which is the one in force: the stores are in chain order, and the
-/// new name of a key wins in whichever store it is.
-SettingsDump parseReport(std::string_view content, const std::string& name) {
-    SettingsDump dump{name, {}};
-    ZelUnified::ConfigKeySet found;
-    const auto settings = parseXmlSettings(findStores(content, name), name);
-    for (const bool byOldName : {false, true}) {
-        for (const auto& setting : settings) {
-            const auto names = ConfigKeys::getKeyNames(setting.key);
-            if (names.isRequestedByOldName == byOldName && found.insert(names.newName).second) {
-                dump.settings.push_back(
-                    {std::wstring(ConfigKeys::spellKey(setting.key)), setting.value, setting.group, false, false});
-            }
-        }
-    }
-    return dump;
-}
 
 /// A value that a file contains is a secret if the catalogue says so, whatever the file says.
 void markSecrets(SettingsDump& dump) {
@@ -64,14 +31,9 @@ SettingsDump readFile(const std::string& path) {
     return dump;
 }
 
-SettingsDump readOperand(const std::string& operand, const ProfileReader& readProfile) {
+bool isProfile(const std::string& operand) {
     std::error_code error;
-    if (!std::filesystem::is_directory(operand, error)) {
-        return readFile(operand);
-    }
-    auto dump = readProfile(operand);
-    dump.source = operand;
-    return dump;
+    return std::filesystem::is_directory(operand, error);
 }
 
 void show(SettingsDump& left, SettingsDump& right, const Command& command, bool showSecrets, Printer& printer) {
@@ -81,8 +43,8 @@ void show(SettingsDump& left, SettingsDump& right, const Command& command, bool 
     }
     printer.showComparison(comparison);
     if (comparison.unknown != 0) {
-        printer.showWarning(std::to_string(comparison.unknown) +
-                            " sensitive keys were not compared, because a file does not contain their values");
+        printer.showWarning("sensitive keys that are not compared, because a file does not contain their values: " +
+                            std::to_string(comparison.unknown));
     }
     if (!comparison.differences.empty()) {
         throw Failure(ExitCode::NotFound,
@@ -100,11 +62,11 @@ void diff(Session& session, const Command& command) {
         show(administrators, inForce, command, showSecrets, session.getPrinter());
         return;
     }
-    const auto readProfile = [&](const std::string& folder) {
+    const auto readProfile = [&](const std::string& folder, const std::string& source) {
         if (!folder.empty()) {
             throw Failure(ExitCode::Usage, folder + ": the shell uses a profile already; compare profiles outside it");
         }
-        return readEffectiveValues(session);
+        return readSource(session, source);
     };
     showDifferences(command, readProfile, showSecrets, session.getPrinter());
 }
@@ -112,8 +74,28 @@ void diff(Session& session, const Command& command) {
 } // namespace
 
 void showDifferences(const Command& command, const ProfileReader& readProfile, bool showSecrets, Printer& printer) {
-    auto left = readOperand(command.operands.front(), readProfile);
-    auto right = command.operands.size() == 1 ? readProfile("") : readOperand(command.operands.back(), readProfile);
+    const auto& first = command.operands.front();
+    const auto second = command.operands.size() == 1 ? std::string() : command.operands.back();
+    const bool isFirstProfile = isProfile(first);
+    const bool isSecondProfile = second.empty() || isProfile(second);
+    SettingsDump left;
+    SettingsDump right;
+    if (!isFirstProfile) {
+        left = readFile(first);
+    }
+    if (!isSecondProfile) {
+        right = readFile(second);
+    }
+    // Of a profile, the values that the file contains are read; of two profiles, the values in force.
+    const auto source = !isFirstProfile ? left.source : !isSecondProfile ? right.source : "effective";
+    if (isFirstProfile) {
+        left = readProfile(first, source);
+        left.name = first;
+    }
+    if (isSecondProfile) {
+        right = readProfile(second, source);
+        right.name = second;
+    }
     show(left, right, command, showSecrets, printer);
 }
 

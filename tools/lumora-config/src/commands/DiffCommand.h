@@ -9,8 +9,9 @@
 
 namespace lumora_config {
 
-/// Returns the values in force, with secrets, of the profile in this folder; an empty text means the profile in use.
-using ProfileReader = std::function<SettingsDump(const std::string& folder)>;
+/// Returns the values of a profile, with secrets. `folder` is empty for the profile in use, and `source` names the
+/// values as in SettingsDump.
+using ProfileReader = std::function<SettingsDump(const std::string& folder, const std::string& source)>;
 
 /// Compares the operands of `diff`: each is a dump, a report or a profile; a missing second operand means the profile
 /// in use. Throws Failure: NotFound if they differ, Environment if one cannot be read.

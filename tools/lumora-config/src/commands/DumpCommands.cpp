@@ -89,7 +89,7 @@ ZelUnified::ConfigMap collectValues(const SettingsDump& dump, bool forced, LoadS
         const auto key = toString(setting.key);
         requireStorable(key, toString(setting.value), forced);
         if (!values.emplace(setting.key, setting.value).second) {
-            throw Failure(ExitCode::NotFound, dump.source + " contains the key '" + key + "' twice");
+            throw Failure(ExitCode::NotFound, dump.name + " contains the key '" + key + "' twice");
         }
     }
     return values;
@@ -123,7 +123,7 @@ void storeAll(Session& session, const ZelUnified::ConfigMap& values) {
 void load(Session& session, const Command& command) {
     const auto content = readDump(session, command.file);
     LoadSummary summary;
-    summary.file = content.source;
+    summary.file = content.name;
     summary.dryRun = command.dryRun;
     const auto values = collectValues(content, command.forced, summary);
     countChanges(session, values, summary);

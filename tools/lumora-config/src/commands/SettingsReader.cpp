@@ -1,6 +1,7 @@
 #include "SettingsReader.h"
 
 #include "output/Failure.h"
+#include "stores/ReportSettings.h"
 
 #include <kyr/StringUtils.h>
 
@@ -35,7 +36,7 @@ std::shared_ptr<ZelUnified::ConfigStore> findStore(Session& session, const std::
 } // namespace
 
 SettingsDump readStoreValues(Session& session, const std::string& storeName) {
-    SettingsDump dump{storeName, {}};
+    SettingsDump dump{storeName, {}, ""};
     session.getHost().onServices("lumora-config: values of a store", [&] {
         const auto store = findStore(session, storeName);
         dump.source = store->getName();
@@ -59,7 +60,7 @@ SettingsDump readUsersValues(Session& session) {
 }
 
 SettingsDump readEffectiveValues(Session& session) {
-    SettingsDump dump{"effective", {}};
+    SettingsDump dump{"effective", {}, ""};
     session.getHost().onServices("lumora-config: values in force", [&] {
         for (const auto& listed : session.getChain().list(L"")) {
             addSetting(session, dump, listed.key, {listed.value, listed.storeName, false});
@@ -70,7 +71,7 @@ SettingsDump readEffectiveValues(Session& session) {
 }
 
 SettingsDump readAdministratorsValues(Session& session) {
-    SettingsDump dump{"administrator", {}};
+    SettingsDump dump{"administrator", {}, ""};
     session.getHost().onServices("lumora-config: administrator's values", [&] {
         for (const auto& listed : session.getChain().list(L"")) {
             if (const auto reading = session.getChain().read(listed.key, true)) {
@@ -80,6 +81,26 @@ SettingsDump readAdministratorsValues(Session& session) {
     });
     sortByKey(dump);
     return dump;
+}
+
+SettingsDump readSource(Session& session, const std::string& source) {
+    if (source.empty() || source == "user") {
+        return readUsersValues(session);
+    }
+    if (source == "effective") {
+        return readEffectiveValues(session);
+    }
+    if (source == "administrator") {
+        return readAdministratorsValues(session);
+    }
+    if (source != "report") {
+        return readStoreValues(session, source);
+    }
+    std::string report;
+    session.getHost().onServices("lumora-config: report", [&] {
+        report = KyrCoreUtils::toString(session.getHost().getService()->getAllConfigForPRT());
+    });
+    return parseReport(report, "");
 }
 
 void hideSecrets(SettingsDump& dump) {

@@ -18,6 +18,9 @@ SettingsDump readEffectiveValues(Session& session);
 /// Returns the values in force without the user's own settings.
 SettingsDump readAdministratorsValues(Session& session);
 
+/// Returns the values that SettingsDump names `source`; an empty text means the user's.
+SettingsDump readSource(Session& session, const std::string& source);
+
 /// Leaves out the values of sensitive keys.
 void hideSecrets(SettingsDump& dump);
 

@@ -28,6 +28,10 @@ std::map<std::wstring, Difference, IgnoringCase> pairByKey(const SettingsDump& l
     return pairs;
 }
 
+std::string describeSide(const SettingsDump& side) {
+    return side.name.empty() ? side.source : side.name;
+}
+
 bool isUnknown(const Difference& pair) {
     return pair.left && pair.right && (pair.left->hidden || pair.right->hidden);
 }
@@ -41,7 +45,7 @@ bool isEqual(const Difference& pair, Compared compared) {
 } // namespace
 
 Comparison compareSettings(const SettingsDump& left, const SettingsDump& right, Compared compared) {
-    Comparison comparison{left.source, right.source, {}};
+    Comparison comparison{describeSide(left), describeSide(right), {}};
     for (auto& [key, pair] : pairByKey(left, right)) {
         if (isUnknown(pair)) {
             ++comparison.unknown;

@@ -18,8 +18,10 @@ struct DumpedSetting {
 
 /// The answer to `dump`, and the content of a file that it wrote.
 struct SettingsDump {
-    std::string source; ///< "user", "effective" or the name of a store; after parsing, the name of the file.
+    std::string
+        source; ///< "user", "effective", "administrator", "report" or a store; empty if a file does not name it.
     std::vector<DumpedSetting> settings;
+    std::string name; ///< The file or the profile; empty for the profile in use.
 };
 
 /// What `load` did, or would do.

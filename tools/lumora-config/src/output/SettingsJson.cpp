@@ -75,12 +75,13 @@ nlohmann::ordered_json toJson(const Comparison& comparison) {
 }
 
 SettingsDump parseJsonDump(std::string_view content, const std::string& name) {
-    SettingsDump dump{name, {}};
+    SettingsDump dump{"", {}, name};
     try {
         const auto object = Object::parse(content);
         if (object.value("type", "") != "dump") {
             throw Failure(ExitCode::Environment, name + ": not a dump");
         }
+        dump.source = object.value("source", "");
         for (const auto& value : object.at("values")) {
             dump.settings.push_back(parseSetting(value));
         }

@@ -185,9 +185,15 @@ private:
     const std::string place;
 };
 
+constexpr std::string_view header = "# lumora-config dump: ";
+
 void parseDumpLine(std::string_view line, const std::string& place, SettingsDump& dump) {
     if (line.ends_with('\r')) {
         line.remove_suffix(1);
+    }
+    if (line.starts_with(header) && dump.source.empty()) {
+        dump.source = line.substr(header.size());
+        return;
     }
     const auto wideLine = toWideString(line);
     DumpLineReader reader(wideLine, place);
@@ -215,7 +221,7 @@ std::string formatSetting(const DumpedSetting& setting) {
 }
 
 std::string formatSettings(const SettingsDump& dump) {
-    auto text = "# lumora-config dump: " + toString(toEscaped(toWideString(dump.source))) + '\n';
+    auto text = std::string(header) + toString(toEscaped(toWideString(dump.source))) + '\n';
     for (const auto& setting : dump.settings) {
         text += formatSetting(setting) + '\n';
     }
@@ -234,7 +240,7 @@ SettingsDump parseDump(std::string_view content, const std::string& name) {
     if (start != std::string_view::npos && content[start] == '{') {
         return parseJsonDump(content, name);
     }
-    SettingsDump dump{name, {}};
+    SettingsDump dump{"", {}, name};
     for (std::size_t line = 1; !content.empty(); ++line) {
         const auto end = std::min(content.find('\n'), content.size());
         parseDumpLine(content.substr(0, end), name + ':' + std::to_string(line), dump);
