@@ -14,7 +14,8 @@ namespace {
 std::vector<std::string> listKeys(const Profile& profile, Arguments arguments) {
     arguments.insert(arguments.begin(), {"--json", "list"});
     std::vector<std::string> keys;
-    for (const auto& value : profile.run(arguments).lines().at(0).at("values")) {
+    const auto answers = profile.run(arguments).lines();
+    for (const auto& value : answers.at(0).at("values")) {
         keys.push_back(value.at("key"));
     }
     return keys;
@@ -52,8 +53,7 @@ TEST(Search, SelectsAStoreOverriddenAndSensitiveKeys) {
     profile.writePolicy("Note", "policy");
     ASSERT_EQ(profile.run({"set", "Note", "mine"}).exitCode, 0);
     ASSERT_EQ(profile.run({"set", "connectionpassword", "x"}).exitCode, 0);
-    const auto outcome = profile.run({"--json", "list", "--store", "registryconfigstore"});
-    const auto values = outcome.lines().at(0).at("values");
+    const auto values = profile.run({"--json", "list", "--store", "registryconfigstore"}).lines().at(0).at("values");
     ASSERT_EQ(values.size(), 1U);
     EXPECT_EQ(values[0].at("value"), "policy");
     EXPECT_EQ(values[0].at("store"), "RegistryConfigStore");
