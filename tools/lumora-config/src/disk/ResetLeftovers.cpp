@@ -56,8 +56,7 @@ bool isClientsPolicy(const zel::registry::RegistryTextSection& section) {
 
 bool holdsPolicy(const std::string& path) {
     try {
-        const auto text = zel::registry::parseRegistryText(readWholeFile(path), zel::registry::HKEY_CURRENT_USER,
-                                                           zel::registry::AfterFault::Stop);
+        const auto text = zel::registry::parseRegistryText(readWholeFile(path), zel::registry::HKEY_CURRENT_USER);
         return std::ranges::any_of(text.sections, isClientsPolicy);
     } catch (const Failure&) {
         return false; // an unreadable file contains no policy

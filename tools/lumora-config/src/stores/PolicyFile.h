@@ -23,9 +23,6 @@ public:
     std::string getInstalledText() const;
 
 private:
-    /// Removes values that would stop the client's reading.
-    void dropLongValues();
-
     const std::string path;
     zel::registry::RegistryText text;
 };

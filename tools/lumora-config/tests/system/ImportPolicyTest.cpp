@@ -80,8 +80,9 @@ TEST(ImportPolicy, TellsEachRefusedLineAndTakesTheOthers) {
     EXPECT_EQ(outcome.out, file + ":3: " + policyKey + ": 2 set\n");
     EXPECT_EQ(outcome.error, file + ":5: refused: a kind of value that is not known\n" + file +
                                  ":6: refused: neither a key nor a value nor a comment\n" + file +
-                                 ":8: refused: a key of another root\n" + "lumora-config: " + file +
-                                 ": 3 of its lines are refused; the others count from the next start or refresh on\n");
+                                 ":8: refused: a key of another root\n" + file +
+                                 ":9: refused: a value below a refused key\n" + "lumora-config: " + file +
+                                 ": 4 of its lines are refused; the others count from the next start or refresh on\n");
     EXPECT_EQ(originOf(profile, "Theme"), "corporate  (RegistryConfigStore)\n");
     EXPECT_EQ(originOf(profile, "Other"), "1  (RegistryConfigStore)\n");
 }
@@ -111,7 +112,8 @@ TEST(ImportPolicy, AFileWithNothingForTheUserChangesNothing) {
     const auto outcome = profile.run({"import-policy", file});
     EXPECT_EQ(outcome.exitCode, 1);
     EXPECT_EQ(outcome.out, "");
-    EXPECT_EQ(outcome.error, file + ":3: refused: a key of another root\nlumora-config: " + file +
+    EXPECT_EQ(outcome.error, file + ":3: refused: a key of another root\n" + file +
+                                 ":4: refused: a value below a refused key\nlumora-config: " + file +
                                  ": holds nothing for the current user; nothing is changed\n");
     EXPECT_EQ(originOf(profile, "Theme"), "old  (RegistryConfigStore)\n");
 }
