@@ -100,7 +100,7 @@ ExitCode runSession(const CommandLine& line, Printer& printer) {
     host.start();
     BootstrapStores bootstraps(host.getPluginDirectory());
     for (const auto& spec : line.bootstraps) {
-        session.addStore(bootstraps.make(spec));
+        session.addBootstrapStore(bootstraps.make(spec), spec.file);
     }
     const auto storesCode = addForeignStores(session, line, printer);
     const auto code = line.command.name == "shell" ? runShell(session) : runOne(session, line.command);

@@ -25,6 +25,9 @@ void get(Session& session, const Command& command) {
     if (reading) {
         reading->value = session.getMask().show(wide(command.key), reading->value);
     }
+    if (reading && (command.origin || session.getPrinter().alwaysShowsOrigin())) {
+        session.makeOriginFinder().locate(wide(command.key), *reading);
+    }
     session.getPrinter().showValue(wide(command.key), reading, command.origin);
     if (!reading) {
         throw Failure(ExitCode::NotFound, whoHasNothing(command) + " the key '" + command.key + "'");
@@ -36,6 +39,7 @@ void explain(Session& session, const Command& command) {
     session.getHost().onServices("lumora-config: explain",
                                  [&] { explanation = session.getChain().explain(wide(command.key)); });
     session.getMask().hide(explanation);
+    session.makeOriginFinder().locate(explanation);
     session.getPrinter().showExplanation(explanation);
     if (!explanation.inForce) {
         throw Failure(ExitCode::NotFound, "no store holds the key '" + command.key + "'");

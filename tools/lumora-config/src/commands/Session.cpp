@@ -2,6 +2,8 @@
 
 #include "stores/ForeignXmlStore.h"
 
+#include <ConfigKeys.h>
+
 #include <utility>
 
 namespace lumora_config {
@@ -34,7 +36,22 @@ std::shared_ptr<ZelUnified::ConfigStore> Session::addForeignStore(const StoreSpe
         }
     });
     addStore(store);
+    arrivals.add(store, StoreArrivals::Kind::Document, spec.file);
     return store;
+}
+
+void Session::addBootstrapStore(const std::shared_ptr<ZelUnified::ConfigStore>& store, const std::string& file) {
+    addStore(store);
+    arrivals.add(store, StoreArrivals::Kind::Bootstrap, file);
+}
+
+void Session::noteArrival(const std::string& storeName, StoreArrivals::Kind kind, const std::string& file) {
+    arrivals.add(host.getFeatureSet()->getConfigStoreByName(storeName), kind, file);
+}
+
+void Session::noteInMemory(const std::wstring& key, const std::wstring& value) {
+    const std::string storeName(ZelUnified::ConfigKeys::inMemoryConfigStore);
+    arrivals.addValue(host.getFeatureSet()->getConfigStoreByName(storeName), key, value);
 }
 
 void Session::expectStored(const std::wstring& key, const std::wstring& value) {

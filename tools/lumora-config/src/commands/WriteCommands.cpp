@@ -104,6 +104,7 @@ void memory(Session& session, const Command& command) {
     if (!stored) {
         throw Failure(ExitCode::NotFound, "there is no volatile store");
     }
+    session.noteInMemory(key, wide(command.value));
     reportDone(session, command, command.key + " set for this run; " + describeOutcome(session, key));
 }
 
@@ -176,6 +177,7 @@ void provision(Session& session, const Command& command) {
                                               ? "the URL holds no setting that may be provisioned"
                                               : "provisioning by URL is not allowed: AllowUrlProvisioning is false");
     }
+    session.noteArrival(std::string(ConfigKeys::urlProvisioningConfigStore), StoreArrivals::Kind::ProvisioningUrl);
     session.forgetExpected({std::wstring(ConfigKeys::allowUrlProvisioning)});
     requireProvisioned(session);
     reportDone(session, command, "settings of the URL taken; another URL needs reset-provisioning first");
@@ -208,6 +210,7 @@ void mdm(Session& session, const Command& command) {
             keyCount = store->getKeys().size();
         }
     });
+    session.noteArrival(storeName, StoreArrivals::Kind::DeviceManagement, command.file);
     reportDone(session, command, storeName + " holds " + std::to_string(keyCount) + " keys for this run");
 }
 

@@ -18,11 +18,22 @@ struct StoreFacts {
     std::size_t keyCount = 0;
 };
 
+/// Where a value comes from, as far as it is known: a line of a file, or how and when the value arrived.
+struct Origin {
+    std::string file;
+    std::size_t line = 0; ///< Zero if unknown. In an encrypted file, the line of the decrypted document.
+    std::string how;      ///< "pushed by device management", ... Empty for a value that was read from a file.
+    std::string when;     ///< ISO 8601, or empty.
+
+    bool isKnown() const { return !file.empty() || !how.empty(); }
+};
+
 /// A value and its store.
 struct Reading {
     std::wstring value;
     std::wstring storeName;
     bool underEarlierName = false;
+    Origin origin{};
 };
 
 /// One name of the key that a store contains, with its value.
@@ -30,6 +41,7 @@ struct Holding {
     std::wstring name;
     std::wstring value;
     bool wins = false;
+    Origin origin{};
 };
 
 struct Opinion {

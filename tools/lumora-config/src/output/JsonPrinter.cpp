@@ -11,6 +11,23 @@ using KyrCoreUtils::toString;
 
 namespace {
 
+/// Returns null if nothing is known.
+Json toJson(const Origin& origin) {
+    Json object;
+    const auto add = [&](const char* name, const std::string& text) {
+        if (!text.empty()) {
+            object[name] = text;
+        }
+    };
+    add("file", origin.file);
+    if (origin.line != 0) {
+        object["line"] = origin.line;
+    }
+    add("how", origin.how);
+    add("when", origin.when);
+    return object;
+}
+
 Json toJson(const std::optional<Reading>& reading) {
     Json object;
     object["found"] = reading.has_value();
@@ -18,6 +35,7 @@ Json toJson(const std::optional<Reading>& reading) {
         object["value"] = toString(reading->value);
         object["store"] = toString(reading->storeName);
         object["underOldName"] = reading->underEarlierName;
+        object["origin"] = toJson(reading->origin);
     }
     return object;
 }
@@ -34,8 +52,10 @@ Json toJson(const Opinion& opinion) {
     Json holdings = Json::array();
     bool wins = false;
     for (const auto& holding : opinion.holdings) {
-        holdings.push_back(
-            {{"name", toString(holding.name)}, {"value", toString(holding.value)}, {"wins", holding.wins}});
+        holdings.push_back({{"name", toString(holding.name)},
+                            {"value", toString(holding.value)},
+                            {"wins", holding.wins},
+                            {"origin", toJson(holding.origin)}});
         wins = wins || holding.wins;
     }
     auto object = toJson(opinion.store);

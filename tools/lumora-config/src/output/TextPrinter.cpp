@@ -1,6 +1,7 @@
 #include "TextPrinter.h"
 
 #include "EscapedText.h"
+#include "OriginText.h"
 #include "TextTable.h"
 
 #include <kyr/StringUtils.h>
@@ -47,12 +48,12 @@ void addOpinion(TextTable& table, const Opinion& opinion) {
     auto priority = std::to_string(opinion.store.priority);
     auto store = toOneLine(opinion.store.name);
     if (opinion.holdings.empty()) {
-        table.addRow({"", priority, store, "-", ""}, Style::Faint);
+        table.addRow({"", priority, store, "-", "", ""}, Style::Faint);
         return;
     }
     for (const auto& holding : opinion.holdings) {
         table.addRow({holding.wins ? ">" : "", std::exchange(priority, ""), std::exchange(store, ""),
-                      narrow(holding.name), quote(holding.value)},
+                      narrow(holding.name), quote(holding.value), toOneLine(describe(holding.origin))},
                      holding.wins ? Style::Emphasis : Style::Plain);
     }
 }
@@ -75,14 +76,16 @@ void TextPrinter::showValue(const std::wstring& /*key*/, const std::optional<Rea
     }
     std::string origin;
     if (withOrigin) {
-        origin = "  (" + narrow(reading->storeName) + (reading->underEarlierName ? ", under its old name)" : ")");
+        const auto place = toOneLine(describe(reading->origin));
+        origin = "  (" + narrow(reading->storeName) + (reading->underEarlierName ? ", under its old name" : "") +
+                 (place.empty() ? "" : ", " + place) + ')';
     }
     output.writeValue(KyrCoreUtils::toString(reading->value), origin);
 }
 
 void TextPrinter::showExplanation(const Explanation& explanation) {
-    TextTable opinions({Column::Left, Column::Right, Column::Left, Column::Left, Column::Left});
-    opinions.addRow({"", "PRIORITY", "STORE", "NAME", "VALUE"}, Style::Faint);
+    TextTable opinions({Column::Left, Column::Right, Column::Left, Column::Left, Column::Left, Column::Left});
+    opinions.addRow({"", "PRIORITY", "STORE", "NAME", "VALUE", "ORIGIN"}, Style::Faint);
     for (const auto& opinion : explanation.opinions) {
         addOpinion(opinions, opinion);
     }

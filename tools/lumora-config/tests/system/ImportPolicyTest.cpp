@@ -62,9 +62,9 @@ TEST(ImportPolicy, TakesAnExportAndSaysWhat) {
                                "\\Old: deleted with all below it\n");
     EXPECT_EQ(outcome.error, file + " counts from the next start or refresh on\n");
 
-    EXPECT_EQ(originOf(profile, "Theme"), "gr\xC3\xBCn  (RegistryConfigStore)\n");
-    EXPECT_EQ(originOf(profile, "Port"), "8080  (RegistryConfigStore)\n");
-    EXPECT_EQ(originOf(profile, "Hosts"), "one  (RegistryConfigStore)\n");
+    EXPECT_THAT(originOf(profile, "Theme"), testing::StartsWith("gr\xC3\xBCn  (RegistryConfigStore, "));
+    EXPECT_THAT(originOf(profile, "Port"), testing::StartsWith("8080  (RegistryConfigStore, "));
+    EXPECT_THAT(originOf(profile, "Hosts"), testing::StartsWith("one  (RegistryConfigStore, "));
     EXPECT_EQ(profile.run({"get", "Long"}).out, std::string(2000, 'x') + "\n");
     EXPECT_EQ(profile.run({"get", "Gone"}).exitCode, 1);
 }
@@ -83,8 +83,8 @@ TEST(ImportPolicy, TellsEachRefusedLineAndTakesTheOthers) {
                                  ":8: refused: a key of another root\n" + file +
                                  ":9: refused: a value below a refused key\n" + "lumora-config: " + file +
                                  ": 4 of its lines are refused; the others count from the next start or refresh on\n");
-    EXPECT_EQ(originOf(profile, "Theme"), "corporate  (RegistryConfigStore)\n");
-    EXPECT_EQ(originOf(profile, "Other"), "1  (RegistryConfigStore)\n");
+    EXPECT_THAT(originOf(profile, "Theme"), testing::StartsWith("corporate  (RegistryConfigStore, "));
+    EXPECT_THAT(originOf(profile, "Other"), testing::StartsWith("1  (RegistryConfigStore, "));
 }
 
 TEST(ImportPolicy, RefusesAValueThatWouldHideThoseBehindIt) {
@@ -99,7 +99,7 @@ TEST(ImportPolicy, RefusesAValueThatWouldHideThoseBehindIt) {
                 StartsWith(file + ":5: refused: a name or a value that is longer than the client reads\n" + file +
                            ":6: refused: a name or a value that is longer than the client reads\n"));
     EXPECT_EQ(profile.run({"get", "Fits"}).out, fits + "\n");
-    EXPECT_EQ(originOf(profile, "Theme"), "last  (RegistryConfigStore)\n");
+    EXPECT_THAT(originOf(profile, "Theme"), testing::StartsWith("last  (RegistryConfigStore, "));
 }
 
 TEST(ImportPolicy, AFileWithNothingForTheUserChangesNothing) {
@@ -115,7 +115,7 @@ TEST(ImportPolicy, AFileWithNothingForTheUserChangesNothing) {
     EXPECT_EQ(outcome.error, file + ":3: refused: a key of another root\n" + file +
                                  ":4: refused: a value below a refused key\nlumora-config: " + file +
                                  ": holds nothing for the current user; nothing is changed\n");
-    EXPECT_EQ(originOf(profile, "Theme"), "old  (RegistryConfigStore)\n");
+    EXPECT_THAT(originOf(profile, "Theme"), testing::StartsWith("old  (RegistryConfigStore, "));
 }
 
 TEST(ImportPolicy, AFileOfTheSameNameReplacesTheEarlierOne) {
@@ -126,7 +126,7 @@ TEST(ImportPolicy, AFileOfTheSameNameReplacesTheEarlierOne) {
         0);
     ASSERT_EQ(profile.run({"import-policy", profile.write("p.reg", version + header() + "\"A\"=\"2\"\r\n")}).exitCode,
               0);
-    EXPECT_EQ(originOf(profile, "A"), "2  (RegistryConfigStore)\n");
+    EXPECT_THAT(originOf(profile, "A"), testing::StartsWith("2  (RegistryConfigStore, "));
     EXPECT_EQ(profile.run({"get", "B"}).exitCode, 1);
 }
 
@@ -212,7 +212,7 @@ TEST(ImportPolicy, AHundredThousandValuesAreTaken) {
     const auto outcome = profile.run({"import-policy", profile.write("big.reg", text)});
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_THAT(outcome.out, EndsWith(": 100000 set\n"));
-    EXPECT_EQ(originOf(profile, "Key99999"), "99999  (RegistryConfigStore)\n");
+    EXPECT_THAT(originOf(profile, "Key99999"), testing::StartsWith("99999  (RegistryConfigStore, "));
 }
 
 TEST(ImportPolicy, WhatIsNoRegularFileIsNotReplaced) {
