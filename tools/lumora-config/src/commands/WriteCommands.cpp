@@ -1,13 +1,12 @@
 #include "CommandTable.h"
 #include "disk/StoreRemoval.h"
 #include "stores/PolicyFile.h"
-#include "stores/RenamedKeys.h"
 #include "stores/XmlNames.h"
 #include "stores/XmlSettings.h"
 
 #include <kyr/StringUtils.h>
 
-#include <ConfigKeys.h>
+#include <ConfigCatalogue.h>
 
 #include <algorithm>
 #include <iomanip>
@@ -109,7 +108,7 @@ void memory(Session& session, const Command& command) {
 }
 
 bool userHolds(Session& session, const std::wstring& key) {
-    const auto names = namesOf(key).getAll();
+    const auto names = ConfigKeys::getKeyNames(key).getAll();
     return std::ranges::any_of(session.getChain().getStores(), [&](const auto& store) {
         std::wstring value;
         return !store->isReadOnly() &&
@@ -137,7 +136,7 @@ void prepareLastRemoval(Session& session, const std::vector<std::wstring>& names
 
 void reset(Session& session, const Command& command) {
     const auto key = wide(command.key);
-    const auto names = namesOf(key).getAll();
+    const auto names = ConfigKeys::getKeyNames(key).getAll();
     bool held = false;
     prepareLastRemoval(session, names);
     session.getHost().onServices("lumora-config: reset", [&] {

@@ -6,7 +6,6 @@
 #include "output/TimeText.h"
 #include "stores/BootstrapKeyFinder.h"
 #include "stores/PolicyKeyFinder.h"
-#include "stores/RenamedKeys.h"
 #include "stores/XmlKeyFinder.h"
 #include "stores/XmlSettings.h"
 
@@ -14,7 +13,7 @@
 #include <kyr/StringUtils.h>
 #include <registry/RegistryFiles.h>
 
-#include <ConfigKeys.h>
+#include <ConfigCatalogue.h>
 
 #include <filesystem>
 #include <utility>
@@ -93,8 +92,8 @@ Origin OriginFinder::find(const std::string& storeName, const std::wstring& name
 }
 
 void OriginFinder::locate(const std::wstring& key, Reading& reading) {
-    const auto names = namesOf(key);
-    const auto& name = reading.underEarlierName && names.earlier ? *names.earlier : names.current;
+    const auto names = ConfigKeys::getKeyNames(key);
+    const auto& name = reading.underEarlierName && names.oldName ? *names.oldName : names.newName;
     reading.origin = find(KyrCoreUtils::toString(reading.storeName), name);
 }
 

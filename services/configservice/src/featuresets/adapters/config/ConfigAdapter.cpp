@@ -15,14 +15,12 @@
 #include <unified/SystemService.h>
 #include <zel/SystemMonitorFactory.h>
 
-#include <ConfigKeys.h>
+#include <ConfigCatalogue.h>
 #include <ConfigService.h>
 #include <InMemoryConfigStore.h>
 #include <LocalFileConfigStore.h>
 #include <MdmConfigStore.h>
 #include <RegistryConfigStore.h>
-
-#include <array>
 
 namespace ZelUnified {
 
@@ -279,8 +277,8 @@ void ConfigAdapter::callService(std::string_view taskName, std::wstring_view tas
 
 void ConfigAdapter::notifyConfigKeyAliases() {
     callService("ConfigServiceImpl::setupConfigKeyAliases", {},
-                [aliases = configStoreManager->getKeyAliases()](ConfigServiceImpl& service) {
-                    service.setupConfigKeyAliases(aliases);
+                [newNameOf = configStoreManager->getKeyAliases()](ConfigServiceImpl& service) {
+                    service.setupConfigKeyAliases(newNameOf);
                 });
 }
 
@@ -500,13 +498,11 @@ void ConfigAdapter::SetEnabledServices() {
 }
 
 void ConfigAdapter::setSensitiveKeys() {
-    constexpr std::array keys{
-        ConfigKeys::initialInfo,         ConfigKeys::additionalInfo,         ConfigKeys::connectionPassword,
-        ConfigKeys::connectionUsername,  ConfigKeys::bdiConnectionPassword,  ConfigKeys::bdiConnectionUsername,
-        ConfigKeys::bdiConnectionUserDn, ConfigKeys::meetingListOfflineData, ConfigKeys::meetingListOnlineData,
-    };
-    for (const auto key : keys) {
-        ConfigAdapter::setKeySensitive(std::wstring(key));
+    for (const auto* const row : ConfigKeys::sensitiveKeys) {
+        ConfigAdapter::setKeySensitive(std::wstring(row->name));
+        if (row->isRenamed()) {
+            ConfigAdapter::setKeySensitive(std::wstring(row->oldName));
+        }
     }
 }
 
