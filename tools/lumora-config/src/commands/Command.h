@@ -21,6 +21,7 @@ struct Command {
     bool admin = false;
     bool confirmed = false;
     bool forced = false;
+    bool dryRun = false;
     bool fromWorker = false; ///< Runs the call on a thread other than the services dispatcher's.
 };
 

@@ -129,13 +129,26 @@ void JsonPrinter::showHealth(const HealthReport& report) {
 }
 
 void JsonPrinter::showImport(const PolicyImport& import) {
-    Json object{{"type", "import"}, {"file", import.file}, {"taken", Json::array()}, {"refused", Json::array()}};
+    Json object{{"type", "import"},        {"file", import.file},     {"dryRun", import.dryRun},
+                {"taken", Json::array()},  {"values", Json::array()}, {"refused", Json::array()},
+                {"remarks", Json::array()}};
     for (const auto& key : import.taken) {
         object["taken"].push_back({{"line", key.line},
                                    {"key", toString(key.key)},
                                    {"deleted", key.deleted},
                                    {"valuesSet", key.valuesSet},
                                    {"valuesDeleted", key.valuesDeleted}});
+    }
+    for (const auto& value : import.values) {
+        object["values"].push_back({{"line", value.line},
+                                    {"key", toString(value.key)},
+                                    {"deleted", value.deleted},
+                                    {"value", toString(value.value)}});
+    }
+    for (const auto& remark : import.remarks) {
+        object["remarks"].push_back({{"line", remark.line},
+                                     {"message", remark.text},
+                                     {"ineffective", remark.kind == PolicyRemark::Kind::Ineffective}});
     }
     for (const auto& refusal : import.refused) {
         object["refused"].push_back({{"line", refusal.line}, {"reason", refusal.reason}});

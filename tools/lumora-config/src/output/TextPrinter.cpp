@@ -6,6 +6,7 @@
 
 #include <kyr/StringUtils.h>
 
+#include <map>
 #include <utility>
 
 namespace lumora_config {
@@ -134,13 +135,20 @@ void TextPrinter::showHealth(const HealthReport& report) {
 
 void TextPrinter::showImport(const PolicyImport& import) {
     const auto place = [&](std::size_t line) { return import.file + ':' + std::to_string(line) + ": "; };
-    std::string taken;
+    std::map<std::size_t, std::string> taken;
     for (const auto& key : import.taken) {
-        taken += toOneLine(place(key.line)) + narrow(key.key) + ": " + describe(key) + '\n';
+        taken[key.line] = narrow(key.key) + ": " + describe(key);
     }
-    output.writeEscaped(taken);
-    for (const auto& refusal : import.refused) {
-        diagnostics.writeMessage(place(refusal.line) + "refused: " + refusal.reason);
+    for (const auto& value : import.values) {
+        taken[value.line] = narrow(value.key) + (value.deleted ? ": deleted" : " = " + quote(value.value));
+    }
+    std::string text;
+    for (const auto& [line, what] : taken) {
+        text += toOneLine(place(line)) + what + '\n';
+    }
+    output.writeEscaped(text);
+    for (const auto& [line, message] : import.listMessages()) {
+        diagnostics.writeMessage(place(line) + message);
     }
 }
 

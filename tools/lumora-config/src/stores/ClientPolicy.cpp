@@ -22,4 +22,15 @@ bool isReadByClient(std::uint32_t valueType) {
     return valueType == REG_SZ || valueType == REG_EXPAND_SZ || valueType == REG_MULTI_SZ || valueType == REG_DWORD;
 }
 
+std::wstring getPolicyText(const zel::registry::RegistryValue& value) {
+    if (value.type != zel::registry::REG_DWORD) {
+        return zel::registry::decodeRegistryText(value.data);
+    }
+    std::uint32_t number = 0;
+    for (std::size_t i = 0; i < value.data.size() && i < sizeof(number); ++i) {
+        number |= static_cast<std::uint32_t>(value.data[i]) << (8 * i);
+    }
+    return KyrCoreUtils::toWideString(number);
+}
+
 } // namespace lumora_config

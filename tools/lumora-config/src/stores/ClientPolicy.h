@@ -1,5 +1,7 @@
 #pragma once
 
+#include <registry/RegistryValue.h>
+
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -15,5 +17,8 @@ bool isInPolicy(std::wstring_view path);
 
 /// Returns true if the client reads values of that type. It ignores the others.
 bool isReadByClient(std::uint32_t valueType);
+
+/// Returns the text that the client reads from a value of such a type: the decimal number, or the first string.
+std::wstring getPolicyText(const zel::registry::RegistryValue& value);
 
 } // namespace lumora_config

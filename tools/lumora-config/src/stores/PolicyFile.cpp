@@ -1,5 +1,7 @@
 #include "PolicyFile.h"
 
+#include "ClientPolicy.h"
+#include "PolicyCheck.h"
 #include "XmlSettings.h"
 #include "output/Failure.h"
 
@@ -41,14 +43,28 @@ PolicyFile::PolicyFile(std::string filePath)
 }
 
 PolicyImport PolicyFile::describe() const {
-    PolicyImport import{path, {}, {}};
+    PolicyImport import;
+    import.file = path;
     for (const auto& section : text.sections) {
         import.taken.push_back(describeSection(section));
     }
     for (const auto& refusal : text.refusals) {
         import.refused.push_back({refusal.line, refusal.reason});
     }
+    import.remarks = PolicyCheck::examine(text.sections);
     return import;
+}
+
+std::vector<ImportedValue> PolicyFile::listValues() const {
+    std::vector<ImportedValue> values;
+    for (const auto& section : text.sections) {
+        for (const auto& entry : section.entries) {
+            const auto& name = entry.value.name;
+            values.push_back({entry.line, name.empty() ? L"@" : name,
+                              entry.deletion ? std::wstring() : getPolicyText(entry.value), entry.deletion});
+        }
+    }
+    return values;
 }
 
 void PolicyFile::install() const {

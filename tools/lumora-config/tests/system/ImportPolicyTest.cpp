@@ -191,8 +191,106 @@ TEST(ImportPolicy, InJsonIsOneObject) {
     const json refused{{"line", 6}, {"reason", "neither a key nor a value nor a comment"}};
     EXPECT_EQ(outcome.lines().front(), (json{{"type", "import"},
                                              {"file", file},
+                                             {"dryRun", false},
                                              {"taken", json::array({set, gone})},
+                                             {"values", json::array()},
+                                             {"remarks", json::array()},
                                              {"refused", json::array({refused})}}));
+}
+
+TEST(ImportPolicy, ADryRunPrintsEachValueAndChangesNothing) {
+    const Profile profile;
+    const auto file = profile.write("p.reg", version + header() + "\"TelemetryEnabled\"=\"false\"\r\n\"Gone\"=-\r\n" +
+                                                 "\"connectionpassword\"=\"planted-secret\"\r\n" +
+                                                 "\"MyConnectionPassword\"=\"planted-secret\"\r\n");
+    const auto outcome = profile.run({"import-policy", "--dry-run", file});
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
+    EXPECT_EQ(outcome.out, file + ":3: " + policyKey + ": 3 set, 1 deleted\n" + file +
+                               ":4: TelemetryEnabled = \"false\"\n" + file + ":5: Gone: deleted\n" + file +
+                               ":6: connectionpassword = \"VALUE_HIDDEN\"\n" + file +
+                               ":7: MyConnectionPassword = \"VALUE_HIDDEN\"\n");
+    EXPECT_EQ(outcome.error,
+              file + ":7: the key 'MyConnectionPassword' is unknown; did you mean 'connectionpassword'?\n" + file +
+                  " is valid; nothing is changed\n");
+    EXPECT_FALSE(std::filesystem::exists(installed(profile, "p.reg")));
+    EXPECT_THAT(profile.run({"--show-secrets", "import-policy", "--dry-run", file}).out, HasSubstr("planted-secret"));
+}
+
+TEST(ImportPolicy, ADryRunGivesTheReasonsOfTheImport) {
+    const Profile profile;
+    const auto file = profile.write("p.reg", version + header() + "\"TelemetryEnabeld\"=\"false\"\r\nrubbish\r\n" +
+                                                 "\"AllowUrlProvisioning\"=\"0\"\r\n[broken\r\n\"Theme\"=\"1\"\r\n");
+    const auto messages = file + ":4: the key 'TelemetryEnabeld' is unknown; did you mean 'TelemetryEnabled'?\n" +
+                          file + ":5: refused: neither a key nor a value nor a comment\n" + file +
+                          ":6: the value of the key 'AllowUrlProvisioning' must be \"true\" or \"false\"\n" + file +
+                          ":7: refused: the key has no closing bracket\n" + file +
+                          ":8: refused: a value below a refused key\n";
+    const auto dryRun = profile.run({"import-policy", "--dry-run", file});
+    EXPECT_EQ(dryRun.exitCode, 1);
+    EXPECT_EQ(dryRun.error, messages + "lumora-config: " + file +
+                                ": 3 of its lines are refused, 1 have no effect; nothing is changed\n");
+    const auto imported = profile.run({"import-policy", file});
+    EXPECT_EQ(imported.exitCode, 1);
+    EXPECT_THAT(imported.error, StartsWith(messages));
+}
+
+TEST(ImportPolicy, AKeyThatIsAlmostThePolicyKeyEndsWithOne) {
+    const Profile profile;
+    const auto file =
+        profile.write("p.reg", version + "[HKEY_CURRENT_USER\\Software\\Policies\\Ventrix Systems Inc.\\Unified "
+                                         "Communications\\VentrixUC]\r\n\"TelemetryEnabled\"=\"false\"\r\n");
+    for (const auto& arguments : {Arguments{"import-policy", "--dry-run", file}, Arguments{"import-policy", file}}) {
+        const auto outcome = profile.run(arguments);
+        EXPECT_EQ(outcome.exitCode, 1);
+        EXPECT_THAT(outcome.error, HasSubstr(file +
+                                             ":3: not the client's policy key, so its values are never in force; "
+                                             "did you mean '" +
+                                             policyKey + "'?\n"));
+    }
+}
+
+TEST(ImportPolicy, UnknownKeysAreShownByADryRunOnly) {
+    const Profile profile;
+    const auto file = profile.write("p.reg", version + header() + "\"SomethingOfAnotherService\"=\"1\"\r\n");
+    EXPECT_THAT(profile.run({"import-policy", "--dry-run", file}).error,
+                StartsWith(file + ":4: the key 'SomethingOfAnotherService' is unknown\n"));
+    const auto imported = profile.run({"import-policy", file});
+    EXPECT_EQ(imported.exitCode, 0);
+    EXPECT_EQ(imported.error, file + " counts from the next start or refresh on\n");
+}
+
+TEST(ImportPolicy, AFileInTheFolderFollowsTheSameRules) {
+    const Profile profile;
+    const auto text = version + header() +
+                      "\"Theme\"=\"policy\"\r\nrubbish\r\n\"Other\"=\"1\"\r\n[broken\r\n\"Lost\"=\"1\"\r\n" + header() +
+                      "\"Last\"=\"1\"\r\n";
+    std::filesystem::create_directories(profile.root() / "data/registry");
+    const auto file = profile.write("data/registry/p.reg", text);
+    EXPECT_THAT(originOf(profile, "Theme"), StartsWith("policy  (RegistryConfigStore, " + file + ":4)"));
+    EXPECT_THAT(originOf(profile, "Other"), StartsWith("1  (RegistryConfigStore, " + file + ":6)"));
+    EXPECT_THAT(originOf(profile, "Last"), StartsWith("1  (RegistryConfigStore, " + file + ":10)"));
+    EXPECT_EQ(profile.run({"get", "Lost"}).exitCode, 1);
+    const auto log = profile.run({"-v", "get", "Theme"}).error;
+    for (const auto* message :
+         {":5: refused: neither a key nor a value nor a comment", ":7: refused: the key has no closing bracket",
+          ":8: refused: a value below a refused key"}) {
+        EXPECT_THAT(log, HasSubstr(file + message));
+        EXPECT_THAT(profile.run({"import-policy", "--dry-run", file}).error, HasSubstr(file + message));
+    }
+}
+
+TEST(ImportPolicy, ADryRunInJsonHasValuesAndRemarks) {
+    const Profile profile;
+    const auto file = profile.write("p.reg", version + header() + "\"AllowUrlProvisioning\"=\"0\"\r\n\"B\"=-\r\n");
+    const auto object = profile.run({"--json", "import-policy", "--dry-run", file}).lines().at(0);
+    EXPECT_EQ(object.at("dryRun"), true);
+    EXPECT_EQ(object.at("values"),
+              (json::array({{{"line", 4}, {"key", "AllowUrlProvisioning"}, {"deleted", false}, {"value", "0"}},
+                            {{"line", 5}, {"key", "B"}, {"deleted", true}, {"value", ""}}})));
+    EXPECT_EQ(object.at("remarks"),
+              (json::array({{{"line", 4},
+                             {"message", "the value of the key 'AllowUrlProvisioning' must be \"true\" or \"false\""},
+                             {"ineffective", true}}})));
 }
 
 TEST(ImportPolicy, CountsInTheShellFromTheNextRefresh) {

@@ -9,10 +9,10 @@ namespace {
 
 using testing::IsEmpty;
 
-const std::string policy = "HKCU\\Software\\Policies\\Ventrix Systems, Inc.\\Unified Communications\\VentrixUC";
+const std::string policyKey = "HKCU\\Software\\Policies\\Ventrix Systems, Inc.\\Unified Communications\\VentrixUC";
 
 std::string section(const std::string& below = "") {
-    return "[" + policy + below + "]\n";
+    return "[" + policyKey + below + "]\n";
 }
 
 class PolicyKeyFinderTest : public testing::Test {
@@ -48,7 +48,7 @@ TEST_F(PolicyKeyFinderTest, ALaterFileOverwritesAnEarlierOne) {
 
 TEST_F(PolicyKeyFinderTest, DeletionsUncoverNothing) {
     write("a.reg", section() + "\"A\"=\"1\"\n\"B\"=\"1\"\n" + section("\\Sub") + "\"C\"=\"1\"\n");
-    write("b.reg", section() + "\"A\"=-\n[-" + policy + "\\sub]\n[-" + policy + "\\none\\none]\n");
+    write("b.reg", section() + "\"A\"=-\n[-" + policyKey + "\\sub]\n[-" + policyKey + "\\none\\none]\n");
     EXPECT_EQ(placeOf(L"A"), "");
     EXPECT_EQ(placeOf(L"B"), "a.reg:4");
     EXPECT_EQ(placeOf(L"C"), "");
