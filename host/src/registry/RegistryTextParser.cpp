@@ -159,7 +159,7 @@ void RegistryTextParser::addEntry(std::size_t line, RegistryTextEntry entry) {
         break;
     }
     if (!entry.deletion && isTooLong(entry.value)) {
-        return refuse(line, "a name or a value that is longer than the client reads");
+        return refuse(line, "the name or the value is longer than the client can read");
     }
     result.sections.back().entries.push_back(std::move(entry));
 }

@@ -285,7 +285,7 @@ TEST(RegistryTextFile, AValueThatTheClientCannotReadIsRejectedAndTheNextOneIsNot
                             std::string(260, 'n') + "\"=-\r\n");
     ASSERT_THAT(text.refusals, SizeIs(2));
     EXPECT_EQ(text.refusals[0].line, 5U);
-    EXPECT_EQ(text.refusals[0].reason, "a name or a value that is longer than the client reads");
+    EXPECT_EQ(text.refusals[0].reason, "the name or the value is longer than the client can read");
     EXPECT_EQ(text.refusals[1].line, 7U);
     EXPECT_THAT(text.sections.at(0).entries, SizeIs(3));
 }

@@ -1,10 +1,8 @@
 #include "CommandTable.h"
-#include "disk/ForeignFiles.h"
 #include "host/LogLineCatcher.h"
 #include "output/ChainPage.h"
 #include "output/TimeText.h"
 
-#include <kyr/FileUtils.h>
 #include <kyr/StringUtils.h>
 #include <zel/RegularFile.h>
 
@@ -27,7 +25,7 @@ void writeReport(const std::string& path, const std::string& text) {
 }
 
 /// Prints the text, or writes it to the file and reports that. The paths "" and "-" mean standard output.
-void deliver(Session& session, const Command& command, const std::string& path, const std::string& text) {
+void printOrWrite(Session& session, const Command& command, const std::string& path, const std::string& text) {
     if (path.empty() || path == "-") {
         session.getPrinter().showText("report", text);
         return;
@@ -49,7 +47,7 @@ void reportAsPage(Session& session, const Command& command) {
     }
     findings.madeAt = formatTime(std::chrono::system_clock::now());
     findings.showsSecrets = session.getMask().showsSecrets();
-    deliver(session, command, command.htmlFile, renderChainPage(findings));
+    printOrWrite(session, command, command.htmlFile, renderChainPage(findings));
 }
 
 void report(Session& session, const Command& command) {
@@ -61,7 +59,7 @@ void report(Session& session, const Command& command) {
     session.getHost().onServices("lumora-config: report", [&] {
         text = KyrCoreUtils::toString(session.getHost().getService()->getAllConfigForPRT());
     });
-    deliver(session, command, command.file, text);
+    printOrWrite(session, command, command.file, text);
 }
 
 void log(Session& session, const Command& /*command*/) {
@@ -70,39 +68,10 @@ void log(Session& session, const Command& /*command*/) {
     session.getPrinter().showText("log", catcher.getText());
 }
 
-/// A reset empties the configuration directory. A wrong directory may contain files of other programs.
-void requireNoForeignFiles() {
-    const auto directory = KyrCoreUtils::FileUtils::getConfigDirectory();
-    const auto foreign = findForeignFiles(directory);
-    if (foreign.empty()) {
-        return;
-    }
-    auto message = directory + " contains files that are not the client's; --force removes them, too: ";
-    for (const auto& file : foreign) {
-        message += (&file == &foreign.front() ? "" : ", ") + file;
-    }
-    throw Failure(ExitCode::NotFound, message);
-}
-
-void resetData(Session& session, const Command& command) {
-    if (!command.confirmed) {
-        throw Failure(ExitCode::Usage, "reset-data removes the user's settings and the cached stores; say --yes");
-    }
-    if (!command.forced) {
-        requireNoForeignFiles();
-    }
-    session.getHost().resetData();
-    session.forgetAllExpected();
-    session.getDisk().requireReset();
-    reportDone(session, command, "the client's configuration is reset");
-}
-
 } // namespace
 
-void addReportCommands(CommandTable& table) {
-    table["report"] = report;
-    table["log"] = log;
-    table["reset-data"] = resetData;
+CommandTable getReportCommands() {
+    return {{"report", report}, {"log", log}};
 }
 
 } // namespace lumora_config

@@ -1,7 +1,10 @@
 #include "Session.h"
 
+#include "output/Failure.h"
 #include "stores/ForeignXmlStore.h"
+#include "stores/XmlSettings.h"
 
+#include <BootstrapStoreFactory.h>
 #include <ConfigKeys.h>
 
 #include <utility>
@@ -15,7 +18,7 @@ Session::Session(ConfigHost& configHost, Printer& target, bool showSecrets)
 }
 
 Session::~Session() {
-    host.onServices("lumora-config: let go", [this] {
+    host.onServices("lumora-config: end session", [this] {
         watchers.clear();
         chain.reset();
     });
@@ -40,11 +43,6 @@ std::shared_ptr<ZelUnified::ConfigStore> Session::addForeignStore(const StoreSpe
     return store;
 }
 
-void Session::addBootstrapStore(const std::shared_ptr<ZelUnified::ConfigStore>& store, const std::string& file) {
-    addStore(store);
-    arrivals.add(store, StoreArrivals::Kind::Bootstrap, file);
-}
-
 void Session::noteArrival(const std::string& storeName, StoreArrivals::Kind kind, const std::string& file) {
     arrivals.add(host.getFeatureSet()->getConfigStoreByName(storeName), kind, file);
 }
@@ -52,6 +50,17 @@ void Session::noteArrival(const std::string& storeName, StoreArrivals::Kind kind
 void Session::noteInMemory(const std::wstring& key, const std::wstring& value) {
     const std::string storeName(ZelUnified::ConfigKeys::inMemoryConfigStore);
     arrivals.addValue(host.getFeatureSet()->getConfigStoreByName(storeName), key, value);
+}
+
+void Session::addBootstrapStore(const BootstrapSpec& spec) {
+    readWholeFile(spec.file); // the store itself would be empty if it could not read the file
+    auto* const factory = dynamic_cast<ZelUnified::BootstrapStoreFactory*>(host.getFeatureSet().get());
+    if (factory == nullptr) {
+        throw Failure(ExitCode::Environment, "the plug-in cannot create a store for " + spec.file);
+    }
+    const auto store = factory->createBootstrapStore(spec.file, spec.priority);
+    addStore(store);
+    arrivals.add(store, StoreArrivals::Kind::Bootstrap, spec.file);
 }
 
 void Session::expectStored(const std::wstring& key, const std::wstring& value) {

@@ -31,6 +31,9 @@ public:
     /// Adds a store that reads the user's file. Keys that the document marks as sensitive become sensitive. Writes the
     /// cached copy if one is requested, but does not check it.
     std::shared_ptr<ZelUnified::ConfigStore> addForeignStore(const StoreSpec& spec);
+    /// Adds a store of the plug-in that reads an installer's file. Throws Failure (Environment) if the file is
+    /// unreadable.
+    void addBootstrapStore(const BootstrapSpec& spec);
 
     /// Adds the installer's store, which reads this file.
     void addBootstrapStore(const std::shared_ptr<ZelUnified::ConfigStore>& store, const std::string& file);
@@ -50,7 +53,7 @@ public:
     void confirmWrites();
 
     ConfigHost& getHost() { return host; }
-    const DiskCheck& getDisk() const { return disk; }
+    const DiskCheck& getDiskCheck() const { return disk; }
     Printer& getPrinter() { return printer; }
     const SecretMask& getMask() const { return mask; }
     ChainInspector& getChain() { return *chain; }

@@ -1,7 +1,7 @@
 #include "OriginFinder.h"
 
 #include "SettingsOnDisk.h"
-#include "StoreCopy.h"
+#include "StoreRecord.h"
 #include "output/Failure.h"
 #include "output/TimeText.h"
 #include "stores/BootstrapKeyFinder.h"
@@ -157,7 +157,7 @@ void OriginFinder::readArrival(const StoreArrivals::Arrival& arrival, StoreOrigi
 
 /// Reads the cached copy of a store, which may be that of a provisioning URL.
 void OriginFinder::readCopy(const std::string& storeName, StoreOrigins& origins) const {
-    const auto path = findPathOfCopy(configDirectory, storeName);
+    const auto path = StoreRecord::findCopyPath(configDirectory, storeName);
     if (!path) {
         return;
     }

@@ -69,9 +69,9 @@ std::vector<ImportedValue> PolicyFile::listValues() const {
 
 void PolicyFile::install() const {
     if (const int error = installRegistryText(text, std::filesystem::path(path).filename().string()); error != 0) {
-        const auto reason = error == EEXIST ? std::string("its name is taken there by what is not a regular file")
+        const auto reason = error == EEXIST ? std::string("something there has its name and is not a regular file")
                                             : std::generic_category().message(error);
-        throw Failure(ExitCode::Environment, path + ": cannot be put into the user's registry files: " + reason);
+        throw Failure(ExitCode::Environment, path + ": cannot be written to the user's registry files: " + reason);
     }
 }
 

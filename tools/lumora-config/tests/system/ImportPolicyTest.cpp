@@ -39,7 +39,7 @@ std::string originOf(const Profile& profile, const std::string& key) {
 
 } // namespace
 
-TEST(ImportPolicy, TakesAnExportAndSaysWhat) {
+TEST(ImportPolicy, ImportsAnExportAndListsItsKeys) {
     const Profile profile;
     const auto file =
         profile.write("branch.reg", asExported(L"Windows Registry Editor Version 5.00\r\n\r\n"
@@ -60,7 +60,7 @@ TEST(ImportPolicy, TakesAnExportAndSaysWhat) {
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_EQ(outcome.out, file + ":4: " + policyKey + ": 4 set, 1 deleted\n" + file + ":12: " + policyKey +
                                "\\Old: deleted with all below it\n");
-    EXPECT_EQ(outcome.error, file + " counts from the next start or refresh on\n");
+    EXPECT_EQ(outcome.error, file + " applies from the next start or refresh on\n");
 
     EXPECT_THAT(originOf(profile, "Theme"), testing::StartsWith("gr\xC3\xBCn  (RegistryConfigStore, "));
     EXPECT_THAT(originOf(profile, "Port"), testing::StartsWith("8080  (RegistryConfigStore, "));
@@ -69,7 +69,7 @@ TEST(ImportPolicy, TakesAnExportAndSaysWhat) {
     EXPECT_EQ(profile.run({"get", "Gone"}).exitCode, 1);
 }
 
-TEST(ImportPolicy, TellsEachRefusedLineAndTakesTheOthers) {
+TEST(ImportPolicy, ListsEachRefusedLineAndImportsTheOthers) {
     const Profile profile;
     const auto file =
         profile.write("mixed.reg", version + header() + "\"Theme\"=\"corporate\"\r\n" +
@@ -82,12 +82,12 @@ TEST(ImportPolicy, TellsEachRefusedLineAndTakesTheOthers) {
                                  ":6: refused: neither a key nor a value nor a comment\n" + file +
                                  ":8: refused: a key of another root\n" + file +
                                  ":9: refused: a value below a refused key\n" + "lumora-config: " + file +
-                                 ": 4 of its lines are refused; the others count from the next start or refresh on\n");
+                                 ": 4 of its lines are refused; the others apply from the next start or refresh on\n");
     EXPECT_THAT(originOf(profile, "Theme"), testing::StartsWith("corporate  (RegistryConfigStore, "));
     EXPECT_THAT(originOf(profile, "Other"), testing::StartsWith("1  (RegistryConfigStore, "));
 }
 
-TEST(ImportPolicy, RefusesAValueThatWouldHideThoseBehindIt) {
+TEST(ImportPolicy, RefusesAValueThatWouldHideTheFollowingOnes) {
     const Profile profile;
     const auto fits = std::string(2047, 'x');
     const auto file = profile.write("long.reg", version + header() + "\"Fits\"=\"" + fits + "\"\r\n" +
@@ -96,8 +96,8 @@ TEST(ImportPolicy, RefusesAValueThatWouldHideThoseBehindIt) {
     const auto outcome = profile.run({"import-policy", file});
     EXPECT_EQ(outcome.exitCode, 1);
     EXPECT_THAT(outcome.error,
-                StartsWith(file + ":5: refused: a name or a value that is longer than the client reads\n" + file +
-                           ":6: refused: a name or a value that is longer than the client reads\n"));
+                StartsWith(file + ":5: refused: the name or the value is longer than the client can read\n" + file +
+                           ":6: refused: the name or the value is longer than the client can read\n"));
     EXPECT_EQ(profile.run({"get", "Fits"}).out, fits + "\n");
     EXPECT_THAT(originOf(profile, "Theme"), testing::StartsWith("last  (RegistryConfigStore, "));
 }
@@ -114,7 +114,7 @@ TEST(ImportPolicy, AFileWithNothingForTheUserChangesNothing) {
     EXPECT_EQ(outcome.out, "");
     EXPECT_EQ(outcome.error, file + ":3: refused: a key of another root\n" + file +
                                  ":4: refused: a value below a refused key\nlumora-config: " + file +
-                                 ": holds nothing for the current user; nothing is changed\n");
+                                 ": contains nothing for the current user; nothing is changed\n");
     EXPECT_THAT(originOf(profile, "Theme"), testing::StartsWith("old  (RegistryConfigStore, "));
 }
 
@@ -130,7 +130,7 @@ TEST(ImportPolicy, AFileOfTheSameNameReplacesTheEarlierOne) {
     EXPECT_EQ(profile.run({"get", "B"}).exitCode, 1);
 }
 
-TEST(ImportPolicy, ALaterFileTakesBackWhatAnEarlierOneSet) {
+TEST(ImportPolicy, ALaterFileDeletesValuesOfAnEarlierOne) {
     const Profile profile;
     const auto first = profile.write("10-first.reg", version + header() + "\"A\"=\"1\"\r\n\"B\"=\"1\"\r\n" +
                                                          header("\\Sub") + "\"C\"=\"1\"\r\n");
@@ -143,7 +143,7 @@ TEST(ImportPolicy, ALaterFileTakesBackWhatAnEarlierOneSet) {
     EXPECT_EQ(profile.run({"get", "B"}).out, "1\n");
 }
 
-TEST(ImportPolicy, WhatIsNoExportIsRefusedAsAWhole) {
+TEST(ImportPolicy, AFileThatIsNotAnExportIsRefusedAsAWhole) {
     const Profile profile;
     const auto file = profile.write("p.reg", "<xml/>");
     const auto outcome = profile.run({"import-policy", file});
@@ -163,7 +163,7 @@ TEST(ImportPolicy, AHiddenFileIsRefusedBecauseItWouldNotBeRead) {
     const auto outcome = profile.run({"import-policy", file});
     EXPECT_EQ(outcome.exitCode, 3);
     EXPECT_EQ(outcome.out, "");
-    EXPECT_THAT(outcome.error, HasSubstr("cannot be put into the user's registry files"));
+    EXPECT_THAT(outcome.error, HasSubstr("cannot be written to the user's registry files"));
 }
 
 TEST(ImportPolicy, ShowsNoValue) {
@@ -209,9 +209,9 @@ TEST(ImportPolicy, ADryRunPrintsEachValueAndChangesNothing) {
                                ":4: TelemetryEnabled = \"false\"\n" + file + ":5: Gone: deleted\n" + file +
                                ":6: connectionpassword = \"VALUE_HIDDEN\"\n" + file +
                                ":7: MyConnectionPassword = \"VALUE_HIDDEN\"\n");
-    EXPECT_EQ(outcome.error,
-              file + ":7: the key 'MyConnectionPassword' is unknown; did you mean 'connectionpassword'?\n" + file +
-                  " is valid; nothing is changed\n");
+    EXPECT_EQ(outcome.error, file +
+                                 ":7: the key 'MyConnectionPassword' is unknown; did you mean 'connectionpassword'?\n" +
+                                 file + " is valid; nothing is changed\n");
     EXPECT_FALSE(std::filesystem::exists(installed(profile, "p.reg")));
     EXPECT_THAT(profile.run({"--show-secrets", "import-policy", "--dry-run", file}).out, HasSubstr("planted-secret"));
 }
@@ -256,7 +256,7 @@ TEST(ImportPolicy, UnknownKeysAreShownByADryRunOnly) {
                 StartsWith(file + ":4: the key 'SomethingOfAnotherService' is unknown\n"));
     const auto imported = profile.run({"import-policy", file});
     EXPECT_EQ(imported.exitCode, 0);
-    EXPECT_EQ(imported.error, file + " counts from the next start or refresh on\n");
+    EXPECT_EQ(imported.error, file + " applies from the next start or refresh on\n");
 }
 
 TEST(ImportPolicy, AFileInTheFolderFollowsTheSameRules) {
@@ -293,7 +293,7 @@ TEST(ImportPolicy, ADryRunInJsonHasValuesAndRemarks) {
                              {"ineffective", true}}})));
 }
 
-TEST(ImportPolicy, CountsInTheShellFromTheNextRefresh) {
+TEST(ImportPolicy, AppliesInTheShellFromTheNextRefresh) {
     const Profile profile;
     const auto file = profile.write("p.reg", version + header() + "\"Theme\"=\"corporate\"\r\n");
     const auto outcome = profile.shell({"import-policy " + file, "get Theme", "refresh", "get Theme"});
@@ -301,7 +301,7 @@ TEST(ImportPolicy, CountsInTheShellFromTheNextRefresh) {
     EXPECT_THAT(outcome.out, EndsWith("\nsystem\ncorporate\n"));
 }
 
-TEST(ImportPolicy, AHundredThousandValuesAreTaken) {
+TEST(ImportPolicy, AHundredThousandValuesAreImported) {
     const Profile profile;
     std::string text = version + header();
     for (int i = 0; i < 100000; ++i) {
@@ -313,14 +313,14 @@ TEST(ImportPolicy, AHundredThousandValuesAreTaken) {
     EXPECT_THAT(originOf(profile, "Key99999"), testing::StartsWith("99999  (RegistryConfigStore, "));
 }
 
-TEST(ImportPolicy, WhatIsNoRegularFileIsNotReplaced) {
+TEST(ImportPolicy, APathThatIsNotARegularFileIsNotReplaced) {
     const Profile profile;
     const auto file = profile.write("mine.reg", "REGEDIT4\r\n[HKEY_CURRENT_USER\\K]\r\n\"a\"=\"1\"\r\n");
     const auto taken = profile.root() / "data" / "registry" / "mine.reg";
     std::filesystem::create_directories(taken);
     const auto outcome = profile.run({"import-policy", file});
     EXPECT_EQ(outcome.exitCode, 3);
-    EXPECT_THAT(outcome.error, HasSubstr("its name is taken there by what is not a regular file"));
+    EXPECT_THAT(outcome.error, HasSubstr("something there has its name and is not a regular file"));
     EXPECT_TRUE(std::filesystem::is_directory(taken));
 }
 

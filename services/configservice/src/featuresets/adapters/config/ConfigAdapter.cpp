@@ -15,6 +15,7 @@
 #include <unified/SystemService.h>
 #include <zel/SystemMonitorFactory.h>
 
+#include <BootstrapConfigStore.h>
 #include <ConfigCatalogue.h>
 #include <ConfigService.h>
 #include <InMemoryConfigStore.h>
@@ -426,6 +427,10 @@ std::shared_ptr<ConfigStore> ConfigAdapter::getConfigStoreByName(const std::stri
         logNotStarted(ZEL_HERE);
     }
     return configStoreManager ? configStoreManager->getStoreByName(name) : nullptr;
+}
+
+std::shared_ptr<ConfigStore> ConfigAdapter::createBootstrapStore(const std::string& path, int priority) {
+    return std::make_shared<BootstrapConfigStore>(std::string(ConfigKeys::bootstrapConfigStore), path, priority);
 }
 
 bool ConfigAdapter::getConfig(const std::wstring& key, std::wstring& value, std::wstring& configStoreName,
