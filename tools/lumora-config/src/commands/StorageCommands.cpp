@@ -109,7 +109,7 @@ std::string summarize(const PolicyImport& import) {
     const auto ineffective = import.countIneffective();
     std::string text = refused == 0 ? "" : std::to_string(refused) + " of its lines are refused";
     if (ineffective != 0) {
-        text += (text.empty() ? "" : ", ") + std::to_string(ineffective) + " have no effect";
+        text += (text.empty() ? "" : ", ") + std::to_string(ineffective) + " need attention";
     }
     return text;
 }

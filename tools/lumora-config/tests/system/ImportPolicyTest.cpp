@@ -228,7 +228,7 @@ TEST(ImportPolicy, ADryRunGivesTheReasonsOfTheImport) {
     const auto dryRun = profile.run({"import-policy", "--dry-run", file});
     EXPECT_EQ(dryRun.exitCode, 1);
     EXPECT_EQ(dryRun.error, messages + "lumora-config: " + file +
-                                ": 3 of its lines are refused, 1 have no effect; nothing is changed\n");
+                                ": 3 of its lines are refused, 1 need attention; nothing is changed\n");
     const auto imported = profile.run({"import-policy", file});
     EXPECT_EQ(imported.exitCode, 1);
     EXPECT_THAT(imported.error, StartsWith(messages));
