@@ -1,5 +1,6 @@
 #pragma once
 
+#include <kyr/AnnotatedMutex.h>
 #include <zel/EncryptFileUtils.h>
 #include <zel/ProtectedText.h>
 #include <zel/StorageHealth.h>
@@ -10,7 +11,6 @@
 #include <functional>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
@@ -80,7 +80,7 @@ public:
     void setListener(std::function<void()> listener);
 
 private:
-    struct Entry;
+    class Entry;
     using Entries = std::map<std::string, std::shared_ptr<Entry>>;
 
     std::shared_ptr<Entry> findEntry(const std::string& path) const;
@@ -93,10 +93,12 @@ private:
     void retryOne(Entry& entry, const Attempt& attempt);
     void notifyListener();
 
-    mutable std::mutex mutex; ///< Guards all members below and the entries, except the locks of the entries.
-    Entries entries;
-    std::function<void()> listener;
-    std::atomic<std::size_t> pendingCount = 0; ///< Changed only while `mutex` is held.
+    mutable KyrCoreUtils::AnnotatedMutex<> mutex; ///< Also guards the state of the entries.
+    Entries entries LUMORA_GUARDED_BY(mutex);
+    std::function<void()> listener LUMORA_GUARDED_BY(mutex);
+    /// Changed only while `mutex` is held. Not annotated, because isEmpty() reads it without: each read of a file calls
+    /// it.
+    std::atomic<std::size_t> pendingCount = 0;
 };
 
 class PendingWrites::Taken {

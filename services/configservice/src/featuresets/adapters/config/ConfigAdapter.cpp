@@ -11,6 +11,7 @@
 
 #include <kyr/FileUtils.h>
 #include <kyr/FunctionTask.h>
+#include <kyr/LockGuard.h>
 #include <kyr/StringUtils.h>
 #include <unified/SystemService.h>
 #include <zel/SystemMonitorFactory.h>
@@ -29,6 +30,7 @@ namespace ZelUnified {
 using KyrCoreUtils::caseInsensitiveStringEquals;
 using KyrCoreUtils::FileUtils;
 using KyrCoreUtils::FunctionTask;
+using KyrCoreUtils::LockGuard;
 
 namespace {
 
@@ -73,7 +75,7 @@ void ConfigAdapter::StartFeatureSet(unsigned int id, std::shared_ptr<ServiceEven
 
 void ConfigAdapter::startConfigFeatureSet() {
     logInfo(ZEL_HERE, "starting config feature set");
-    const std::lock_guard lock(adapterMutex);
+    const LockGuard lock(adapterMutex);
     if (featureSetStarted || !configStoreManager) {
         return;
     }
@@ -94,7 +96,7 @@ void ConfigAdapter::startConfigFeatureSet() {
 }
 
 void ConfigAdapter::StopFeatureSet(unsigned int id, std::shared_ptr<ServiceEventList>) {
-    const std::lock_guard lock(adapterMutex);
+    const LockGuard lock(adapterMutex);
     if (id == configServiceId) {
         stopConfigFeatureSet();
     }
@@ -102,7 +104,7 @@ void ConfigAdapter::StopFeatureSet(unsigned int id, std::shared_ptr<ServiceEvent
 
 void ConfigAdapter::stopConfigFeatureSet() {
     logInfo(ZEL_HERE, "stopping config feature set");
-    const std::lock_guard lock(adapterMutex);
+    const LockGuard lock(adapterMutex);
     if (!featureSetStarted) {
         return;
     }
@@ -115,7 +117,7 @@ void ConfigAdapter::stopConfigFeatureSet() {
 }
 
 void ConfigAdapter::Destroy() {
-    const std::lock_guard lock(adapterMutex);
+    const LockGuard lock(adapterMutex);
     if (configStoreManager) {
         configStoreManager->destroyStores();
     }
@@ -123,7 +125,7 @@ void ConfigAdapter::Destroy() {
 }
 
 bool ConfigAdapter::IsFeatureSetStarted(unsigned int id) {
-    const std::lock_guard lock(adapterMutex);
+    const LockGuard lock(adapterMutex);
     return id == configServiceId && featureSetStarted;
 }
 
@@ -136,7 +138,7 @@ std::vector<unsigned int> ConfigAdapter::GetFeatureSetDependencies(unsigned int)
 }
 
 void ConfigAdapter::refreshConfigFeatureSet() {
-    const std::lock_guard lock(adapterMutex);
+    const LockGuard lock(adapterMutex);
     if (!configStoreManager) {
         return;
     }
@@ -228,7 +230,7 @@ std::shared_ptr<ResetDataCallbackRegistry> ConfigAdapter::getResetDataCallbackRe
 
 void ConfigAdapter::InvokeResetData(ResetDataOptionEnum::ResetDataOption) {
     logInfo(ZEL_HERE, "About to reset the ConfigAdapter...");
-    const std::lock_guard lock(adapterMutex);
+    const LockGuard lock(adapterMutex);
     if (configFileCacheTimer) {
         configFileCacheTimer->clearTimers();
     }
@@ -348,7 +350,7 @@ void ConfigAdapter::addServiceEvent(int code, ConfigServiceIdsEnum::ConfigServic
 }
 
 void ConfigAdapter::addConfigStore(std::shared_ptr<ConfigStore> store) {
-    if (!featureSetStarted) {
+    if (!isStarted()) {
         const auto name = store ? store->getName() : std::string();
         logNotStarted(ZEL_HERE, ", failed to add ConfigStore with name: [" + name + "]");
         return;
@@ -367,7 +369,7 @@ void ConfigAdapter::addConfigStore(std::shared_ptr<ConfigStore> store) {
 }
 
 bool ConfigAdapter::removeConfigStore(const std::string& name) {
-    if (!featureSetStarted) {
+    if (!isStarted()) {
         logNotStarted(ZEL_HERE, ", failed to remove ConfigStore with name: [" + name + "]");
         return false;
     }
@@ -388,7 +390,7 @@ bool ConfigAdapter::removeConfigStore(const std::string& name) {
 }
 
 bool ConfigAdapter::isConfigStorePresent(const std::string& name) {
-    if (!featureSetStarted) {
+    if (!isStarted()) {
         logNotStarted(ZEL_HERE, ", failed to check existance of ConfigStore with name: [" + name + "]");
         return false;
     }
@@ -397,7 +399,7 @@ bool ConfigAdapter::isConfigStorePresent(const std::string& name) {
 
 void ConfigAdapter::updateExistingConfigStore(const std::shared_ptr<ConfigStore>& store,
                                               const std::vector<std::wstring>& oldKeys) {
-    if (!featureSetStarted || !configStoreManager || !store) {
+    if (!isStarted() || !configStoreManager || !store) {
         return;
     }
     configStoreManager->updateExistingConfigStore(store, oldKeys);
@@ -415,7 +417,7 @@ void ConfigAdapter::unregisterConfigStoreAddedObserver(std::shared_ptr<ConfigSto
 }
 
 void ConfigAdapter::removeAllCachedConfigStores() {
-    if (!featureSetStarted) {
+    if (!isStarted()) {
         logNotStarted(ZEL_HERE, ", failed to remove cached ConfigStores");
     }
     if (configStoreManager) {
@@ -424,7 +426,7 @@ void ConfigAdapter::removeAllCachedConfigStores() {
 }
 
 std::shared_ptr<ConfigStore> ConfigAdapter::getConfigStoreByName(const std::string& name) {
-    if (!featureSetStarted) {
+    if (!isStarted()) {
         logNotStarted(ZEL_HERE);
     }
     return configStoreManager ? configStoreManager->getStoreByName(name) : nullptr;
@@ -432,7 +434,7 @@ std::shared_ptr<ConfigStore> ConfigAdapter::getConfigStoreByName(const std::stri
 
 bool ConfigAdapter::getConfig(const std::wstring& key, std::wstring& value, std::wstring& configStoreName,
                               bool& valueFromLegacyKey, bool skipLocal) {
-    if (!featureSetStarted) {
+    if (!isStarted()) {
         logNotStarted(ZEL_HERE);
     }
     return configStoreManager &&
@@ -454,7 +456,7 @@ bool ConfigAdapter::setConfig(const std::wstring& key, const std::wstring& value
 }
 
 bool ConfigAdapter::setInMemoryConfig(const std::wstring& key, const std::wstring& value) {
-    if (!featureSetStarted) {
+    if (!isStarted()) {
         logNotStarted(ZEL_HERE);
     }
     return configStoreManager && configStoreManager->setInMemoryValue(key, value);
@@ -535,14 +537,14 @@ void ConfigAdapter::removeValuesIfPolicySet() {
 }
 
 std::wstring ConfigAdapter::getValueFromConfigStore(const std::string& storeName, const std::wstring& key) {
-    if (!featureSetStarted) {
+    if (!isStarted()) {
         logNotStarted(ZEL_HERE);
     }
     return configStoreManager ? configStoreManager->getValue(storeName, key) : std::wstring();
 }
 
 void ConfigAdapter::getAllConfigForPRT(std::wstring& report) {
-    if (!featureSetStarted) {
+    if (!isStarted()) {
         logNotStarted(ZEL_HERE);
     }
     if (configStoreManager) {
