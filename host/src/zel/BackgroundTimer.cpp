@@ -59,8 +59,8 @@ public:
     }
 
 private:
-    /// The caller must release the returned source after the unlock: at the end of the process
-    /// its destructor may wait for the timer's thread.
+    /// The caller must release the returned source after the unlock: at the end of the process its destructor may wait
+    /// for the timer's thread.
     std::shared_ptr<TimerSource> disarm() LUMORA_REQUIRES(mutex) {
         ++armed;
         callback.reset();
