@@ -16,14 +16,13 @@
 #include <unified/SystemService.h>
 #include <zel/SystemMonitorFactory.h>
 
-#include <ConfigKeys.h>
+#include <BootstrapConfigStore.h>
+#include <ConfigCatalogue.h>
 #include <ConfigService.h>
 #include <InMemoryConfigStore.h>
 #include <LocalFileConfigStore.h>
 #include <MdmConfigStore.h>
 #include <RegistryConfigStore.h>
-
-#include <array>
 
 namespace ZelUnified {
 
@@ -281,8 +280,8 @@ void ConfigAdapter::callService(std::string_view taskName, std::wstring_view tas
 
 void ConfigAdapter::notifyConfigKeyAliases() {
     callService("ConfigServiceImpl::setupConfigKeyAliases", {},
-                [aliases = configStoreManager->getKeyAliases()](ConfigServiceImpl& service) {
-                    service.setupConfigKeyAliases(aliases);
+                [newNameOf = configStoreManager->getKeyAliases()](ConfigServiceImpl& service) {
+                    service.setupConfigKeyAliases(newNameOf);
                 });
 }
 
@@ -432,6 +431,10 @@ std::shared_ptr<ConfigStore> ConfigAdapter::getConfigStoreByName(const std::stri
     return configStoreManager ? configStoreManager->getStoreByName(name) : nullptr;
 }
 
+std::shared_ptr<ConfigStore> ConfigAdapter::createBootstrapStore(const std::string& path, int priority) {
+    return std::make_shared<BootstrapConfigStore>(std::string(ConfigKeys::bootstrapConfigStore), path, priority);
+}
+
 bool ConfigAdapter::getConfig(const std::wstring& key, std::wstring& value, std::wstring& configStoreName,
                               bool& valueFromLegacyKey, bool skipLocal) {
     if (!isStarted()) {
@@ -502,13 +505,11 @@ void ConfigAdapter::SetEnabledServices() {
 }
 
 void ConfigAdapter::setSensitiveKeys() {
-    constexpr std::array keys{
-        ConfigKeys::initialInfo,         ConfigKeys::additionalInfo,         ConfigKeys::connectionPassword,
-        ConfigKeys::connectionUsername,  ConfigKeys::bdiConnectionPassword,  ConfigKeys::bdiConnectionUsername,
-        ConfigKeys::bdiConnectionUserDn, ConfigKeys::meetingListOfflineData, ConfigKeys::meetingListOnlineData,
-    };
-    for (const auto key : keys) {
-        ConfigAdapter::setKeySensitive(std::wstring(key));
+    for (const auto* const row : ConfigKeys::sensitiveKeys) {
+        ConfigAdapter::setKeySensitive(std::wstring(row->name));
+        if (row->isRenamed()) {
+            ConfigAdapter::setKeySensitive(std::wstring(row->oldName));
+        }
     }
 }
 

@@ -11,6 +11,7 @@
 #include <unified/UnifiedFactory.h>
 #include <zel/PowerEventObserver.h>
 
+#include <BootstrapStoreFactory.h>
 #include <ConfigFeatureSet.h>
 #include <ConfigServiceExport.h>
 #include <ConfigStoreManager_Observer.h>
@@ -40,6 +41,7 @@ class LUMORA_CONFIG_API ConfigAdapter final : public FeatureSetAdapter,
                                               public ConfigStoreManager_Observer,
                                               public ZelSystemMonitor::PowerEventObserver,
                                               public ProviderResetDataCallback,
+                                              public BootstrapStoreFactory,
                                               public std::enable_shared_from_this<ConfigAdapter> {
 public:
     /// Constructs an adapter without a factory and a chain, for the type's export. Its operations do nothing, with two
@@ -82,6 +84,8 @@ public:
     void getAllConfigForPRT(std::wstring& report) override;
     std::wstring getValueFromConfigStore(const std::string& storeName, const std::wstring& key) override;
     std::shared_ptr<ConfigStore> getConfigStoreByName(const std::string& name) override;
+
+    std::shared_ptr<ConfigStore> createBootstrapStore(const std::string& path, int priority) override;
 
     void onFireIfRequired(std::wstring key) override;
     void onSensitiveKeyAddedOrUpdated(std::wstring key) override;

@@ -2,7 +2,7 @@
 
 #include "ConfigChangeObservers.h"
 #include "ConfigLookup.h"
-#include "KeyAliases.h"
+#include "RenamedKeys.h"
 #include "SensitiveKeys.h"
 #include "StoreAddedObservers.h"
 #include "StoreChain.h"
@@ -140,8 +140,8 @@ private:
     SensitiveKeys sensitiveKeys;
     ConfigChangeObservers observers;
     const std::shared_ptr<UnifiedFactory> unifiedFactory;
-    const KeyAliases keyAliases;
-    const ConfigLookup lookup LUMORA_GUARDED_BY(chainLock){configStores, keyAliases};
+    const RenamedKeys renamedKeys;
+    const ConfigLookup lookup LUMORA_GUARDED_BY(chainLock){configStores, renamedKeys};
     StoreAddedObservers storeAddedObservers;
 };
 
