@@ -505,11 +505,8 @@ void ConfigAdapter::SetEnabledServices() {
 }
 
 void ConfigAdapter::setSensitiveKeys() {
-    for (const auto* const row : ConfigKeys::sensitiveKeys) {
-        ConfigAdapter::setKeySensitive(std::wstring(row->name));
-        if (row->isRenamed()) {
-            ConfigAdapter::setKeySensitive(std::wstring(row->oldName));
-        }
+    for (const auto& name : ConfigKeys::listSensitiveNames()) {
+        ConfigAdapter::setKeySensitive(name);
     }
 }
 
