@@ -1,3 +1,3 @@
 #pragma once
 
-#include "stores/ClosestNames.h" // IWYU pragma: export
+#include "stores/ClosestNames.h"
