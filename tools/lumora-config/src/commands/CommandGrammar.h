@@ -15,17 +15,20 @@ struct Command {
     std::string name;
     std::string key;
     std::string value;
-    std::string prefix;
-    std::string store; ///< The name of a store. For add-store: the description of the store.
+    std::string prefix; ///< For keys: the pattern.
+    std::string store;  ///< The name of a store. For add-store: the description of the store.
     std::string file;
     std::string htmlFile;
     std::string url;
+    std::string topic;                   ///< For help: a command. For completion: a shell.
     std::vector<std::string> companions; ///< Keys whose values are shown with each change of the observed key.
     bool origin = false;
     bool admin = false;
     bool confirmed = false;
     bool forced = false;
     bool dryRun = false;
+    bool sensitive = false;
+    bool renamed = false;
     bool fromWorker = false; ///< Runs the call on a thread other than the services dispatcher's.
 };
 

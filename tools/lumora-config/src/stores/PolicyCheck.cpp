@@ -2,6 +2,7 @@
 
 #include "ClientPolicy.h"
 #include "ClosestNames.h"
+#include "KnownKeys.h"
 
 #include <kyr/StringUtils.h>
 
@@ -20,17 +21,6 @@ namespace {
 
 // A suggestion compares the key with the whole catalogue, which takes too long for a file of many unknown keys.
 constexpr std::size_t mostSuggestions = 200;
-
-std::vector<std::string> listKnownNames() {
-    std::vector<std::string> names;
-    for (const auto& row : ConfigKeys::keys) {
-        names.push_back(toString(row.name));
-        if (row.isRenamed()) {
-            names.push_back(toString(row.oldName));
-        }
-    }
-    return names;
-}
 
 std::vector<std::string> componentsOf(std::wstring_view path) {
     std::vector<std::string> components;

@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <chrono>
+
 namespace program_test {
 
 using nlohmann::json;

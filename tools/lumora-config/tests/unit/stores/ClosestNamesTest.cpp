@@ -49,6 +49,10 @@ TEST(ClosestNames, AWordUnlikeEveryCandidateHasNone) {
     EXPECT_THAT(closestNames("ServicesUnrelated", keys), IsEmpty());
 }
 
+TEST(ClosestNames, AWordOfManyMegabytesHasNone) {
+    EXPECT_THAT(closestNames(std::string(5'000'000, 'a'), keys), IsEmpty());
+}
+
 TEST(ClosestNames, AnEmptyWordOrListHasNone) {
     EXPECT_THAT(closestNames("", commands), IsEmpty());
     EXPECT_THAT(closestNames("get", {}), IsEmpty());
