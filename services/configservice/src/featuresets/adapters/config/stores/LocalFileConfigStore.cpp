@@ -57,8 +57,9 @@ std::string readWhole(const std::string& path) {
 void quarantine(const std::string& directory, const std::string& file, const LogPlace& place) {
     const auto logError = [&place](const auto& text) { ZelLog(logger, ZelLogLevel::Error, place, text); };
     const std::string quarantineName = file.substr(0, file.rfind('.')) + "-backup.xml";
-    logError(std::string(invalidSyntax) + "\nrenaming invalid file to: " + quarantineName +
-             " and creating new blank XML document");
+    std::string text(invalidSyntax);
+    text.append("\nrenaming invalid file to: ").append(quarantineName).append(" and creating new blank XML document");
+    logError(text);
     const std::string content = readWhole(directory + file);
     logError("contents of invalid xml with string length: " + std::to_string(content.size()) + "\n" + content);
     const std::string target = directory + quarantineName;
