@@ -22,8 +22,6 @@ public:
     bool getValue(const FoldedKey& key, std::wstring& value) const;
     std::wstring getWideName() const;
     KeyList listKeys() const;
-    /// Returns true for a store of this library. The number of calls makes no difference to such a store.
-    bool isIndexed() const noexcept { return indexed != nullptr; }
 
     ConfigStore* operator->() const noexcept { return store.get(); }
 
