@@ -17,7 +17,6 @@ namespace ZelUnified {
 
 class ConfigFileCacheTimer;
 class ConfigTable;
-class PersistedCopy;
 
 /// Keeps its keys in a file: either the user's settings, in a protected file with a backup beside it, or the read-only
 /// defaults of the installation, in a plain file. If the file cannot be read, the store is empty.
@@ -93,7 +92,7 @@ private:
     zel::Mutex valuesMutex;
     zel::Mutex fileMutex; ///< Held while files are read or written.
     const std::unique_ptr<ConfigTable> values;
-    const std::unique_ptr<PersistedCopy> lastPersistedValues; ///< Notified of each change of `values`.
+    ConfigMap lastPersistedValues;
     std::string configDirectory;
     std::string fileName;
     std::string backupFileName;

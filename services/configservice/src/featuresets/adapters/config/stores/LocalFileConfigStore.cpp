@@ -8,7 +8,7 @@
 #include "services/impl/ConfigFileCacheTimer.h"
 #include "services/impl/ConfigFileCacheTimerCallBack.h"
 #include "table/ConfigTable.h"
-#include "table/PersistedCopy.h"
+#include "table/WipedValues.h"
 
 #include <kyr/FileUtils.h>
 #include <kyr/FstreamUtils.h>
@@ -18,6 +18,7 @@
 #include <ConfigKeys.h>
 #include <LocalFileConfigStore.h>
 
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <utility>
@@ -99,7 +100,6 @@ LocalFileConfigStore::LocalFileConfigStore(std::string storeName, int storePrior
       local(isLocalStore),
       readOnly(isReadOnlyStore),
       values(std::make_unique<ConfigTable>()),
-      lastPersistedValues(std::make_unique<PersistedCopy>()),
       configDirectory(directory.empty() ? std::move(directory) : directory + FileUtils::FileSeparator()),
       fileName(std::move(file)),
       backupFileName(toBackupName(fileName)) {
@@ -112,14 +112,15 @@ LocalFileConfigStore::LocalFileConfigStore(std::string storeName, int storePrior
       local(isLocalStore),
       readOnly(false),
       values(std::make_unique<ConfigTable>()),
-      lastPersistedValues(std::make_unique<PersistedCopy>()),
       configDirectory(FileUtils::getConfigDirectory() + FileUtils::FileSeparator()),
       fileName(ConfigKeys::localConfigFile),
       backupFileName(ConfigKeys::localConfigBackupFile) {
     readFromEncryptedFile();
 }
 
-LocalFileConfigStore::~LocalFileConfigStore() = default;
+LocalFileConfigStore::~LocalFileConfigStore() {
+    wipeValues(lastPersistedValues);
+}
 
 bool LocalFileConfigStore::getValue(const std::wstring& key, std::wstring& value) {
     return lookUp(FoldedKey(key), value);
@@ -135,7 +136,7 @@ bool LocalFileConfigStore::lookUp(const FoldedKey& key, std::wstring& value) {
 
 bool LocalFileConfigStore::storeValue(const std::wstring& key, const std::wstring& value) {
     const zel::Mutex::ScopedLock lock(valuesMutex);
-    lastPersistedValues->noteStored(values->store(LocalFileDocument::migrateKey(key), value));
+    values->store(LocalFileDocument::migrateKey(key), value);
     return true;
 }
 
@@ -151,18 +152,13 @@ KeyList LocalFileConfigStore::listKeys() {
 
 bool LocalFileConfigStore::removeValue(const std::wstring& key) {
     const zel::Mutex::ScopedLock lock(valuesMutex);
-    if (!values->remove(key)) {
-        return false;
-    }
-    lastPersistedValues->noteRemoval();
-    return true;
+    return values->remove(key);
 }
 
 void LocalFileConfigStore::removeAllValues() {
     // Waits for a write in progress, because a reset deletes the files next.
     const zel::Mutex::ScopedLock fileLock(fileMutex);
     const zel::Mutex::ScopedLock valuesLock(valuesMutex);
-    lastPersistedValues->noteRemoval();
     values->clear();
 }
 
@@ -228,7 +224,6 @@ bool LocalFileConfigStore::readFromFile() {
 }
 
 void LocalFileConfigStore::take(ConfigMap read) {
-    lastPersistedValues->noteRemoval();
     values->replace(std::move(read));
 }
 
@@ -246,7 +241,9 @@ void LocalFileConfigStore::createConfigDirectory() {
 void LocalFileConfigStore::persistValues() {
     {
         const zel::Mutex::ScopedLock lock(valuesMutex);
-        if (lastPersistedValues->equals(*values)) {
+        if (std::ranges::equal(lastPersistedValues, values->list(), [](const auto& persisted, const auto& entry) {
+                return persisted.first == entry->getKey() && persisted.second == entry->getValue();
+            })) {
             if (ZelLog_isDebugEnabled(logger)) {
                 ZelLog(logger, ZelLogLevel::Debug, ZEL_HERE, "Same content has been saved.");
             }
@@ -276,7 +273,11 @@ void LocalFileConfigStore::persistValuesImpl(const std::string& target) {
         const zel::Mutex::ScopedLock lock(valuesMutex);
         getDataString(content);
         if (target == fileName) {
-            lastPersistedValues->bringUpToDate(*values);
+            wipeValues(lastPersistedValues);
+            lastPersistedValues.clear();
+            for (const auto& entry : values->list()) {
+                lastPersistedValues.emplace_hint(lastPersistedValues.end(), entry->getKey(), entry->getValue());
+            }
         }
     }
     // The facility rejects empty content. This protects the file of a store that must not write.
