@@ -1,13 +1,12 @@
 #include "LocalFileConfigStoreLogger.h"
 #include "LocalFileDocument.h"
-#include "StoreAnswer.h"
+#include "StoreTable.h"
 #include "featuresets/adapters/config/xml/XmlReader.h"
 #include "secure/SecureBuffer.h"
 #include "secure/SecureString.h"
 #include "secure/StackWiper.h"
 #include "services/impl/ConfigFileCacheTimer.h"
 #include "services/impl/ConfigFileCacheTimerCallBack.h"
-#include "table/ConfigTable.h"
 #include "table/WipedValues.h"
 
 #include <kyr/FileUtils.h>
@@ -99,7 +98,7 @@ LocalFileConfigStore::LocalFileConfigStore(std::string storeName, int storePrior
       priority(storePriority),
       local(isLocalStore),
       readOnly(isReadOnlyStore),
-      values(std::make_unique<ConfigTable>()),
+      table(std::make_unique<StoreTable>(StoreTable::Rule::AnswersAll)),
       configDirectory(directory.empty() ? std::move(directory) : directory + FileUtils::FileSeparator()),
       fileName(std::move(file)),
       backupFileName(toBackupName(fileName)) {
@@ -111,7 +110,7 @@ LocalFileConfigStore::LocalFileConfigStore(std::string storeName, int storePrior
       priority(storePriority),
       local(isLocalStore),
       readOnly(false),
-      values(std::make_unique<ConfigTable>()),
+      table(std::make_unique<StoreTable>(StoreTable::Rule::AnswersAll)),
       configDirectory(FileUtils::getConfigDirectory() + FileUtils::FileSeparator()),
       fileName(ConfigKeys::localConfigFile),
       backupFileName(ConfigKeys::localConfigBackupFile) {
@@ -123,47 +122,29 @@ LocalFileConfigStore::~LocalFileConfigStore() {
 }
 
 bool LocalFileConfigStore::getValue(const std::wstring& key, std::wstring& value) {
-    return lookUp(FoldedKey(key), value);
-}
-
-bool LocalFileConfigStore::lookUp(const FoldedKey& key, std::wstring& value) {
-    if (!values->mayHold(key)) {
-        return answerWith(std::nullopt, key, value);
-    }
-    const zel::Mutex::ScopedLock lock(valuesMutex);
-    return answerWith(values->find(key), key, value);
+    return table->getValue(key, value);
 }
 
 bool LocalFileConfigStore::storeValue(const std::wstring& key, const std::wstring& value) {
-    const zel::Mutex::ScopedLock lock(valuesMutex);
-    values->store(LocalFileDocument::migrateKey(key), value);
-    return true;
+    return table->storeValue(LocalFileDocument::migrateKey(key), value);
 }
 
 std::vector<std::wstring> LocalFileConfigStore::getKeys() {
-    const zel::Mutex::ScopedLock lock(valuesMutex);
-    return values->getKeys();
-}
-
-KeyList LocalFileConfigStore::listKeys() {
-    const zel::Mutex::ScopedLock lock(valuesMutex);
-    return values->listKeys();
+    return table->getKeys();
 }
 
 bool LocalFileConfigStore::removeValue(const std::wstring& key) {
-    const zel::Mutex::ScopedLock lock(valuesMutex);
-    return values->remove(key);
+    return table->removeValue(key);
 }
 
 void LocalFileConfigStore::removeAllValues() {
     // Waits for a write in progress, because a reset deletes the files next.
     const zel::Mutex::ScopedLock fileLock(fileMutex);
-    const zel::Mutex::ScopedLock valuesLock(valuesMutex);
-    values->clear();
+    table->removeAllValues();
 }
 
 void LocalFileConfigStore::destroy() {
-    const zel::Mutex::ScopedLock lock(valuesMutex);
+    const auto values = table->lock();
     destroyed = true;
 }
 
@@ -178,7 +159,7 @@ void LocalFileConfigStore::setInterval(int milliseconds) {
 bool LocalFileConfigStore::readFromEncryptedFile() {
     const zel::StackWiper wiper;
     const zel::Mutex::ScopedLock fileLock(fileMutex);
-    const zel::Mutex::ScopedLock valuesLock(valuesMutex);
+    const auto values = table->lock();
     zel::SecureString content;
     if (!readProtectedText(content)) {
         ZelLog(logger, ZelLogLevel::Error, ZEL_HERE,
@@ -189,7 +170,7 @@ bool LocalFileConfigStore::readFromEncryptedFile() {
     content.decrypt(clear);
     std::string text(clear.getData(), clear.getLength());
     if (const XmlDocument document = XmlReader::parseDoc(text)) {
-        take(readTable(name, document));
+        values->replace(readTable(name, document));
     } else {
         ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, invalidSyntax);
     }
@@ -208,7 +189,7 @@ bool LocalFileConfigStore::hasBackup() const {
 
 bool LocalFileConfigStore::readFromFile() {
     const zel::Mutex::ScopedLock fileLock(fileMutex);
-    const zel::Mutex::ScopedLock valuesLock(valuesMutex);
+    const auto values = table->lock();
     const std::string path = configDirectory + fileName;
     if (!FileUtils::fileExists(path)) {
         ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE,
@@ -216,15 +197,11 @@ bool LocalFileConfigStore::readFromFile() {
         return false;
     }
     if (const XmlDocument document = XmlReader::readFile(path)) {
-        take(readTable(name, document));
+        values->replace(readTable(name, document));
     } else {
         quarantine(configDirectory, fileName, {ZEL_HERE});
     }
     return true;
-}
-
-void LocalFileConfigStore::take(ConfigMap read) {
-    values->replace(std::move(read));
 }
 
 void LocalFileConfigStore::createConfigDirectory() {
@@ -240,7 +217,7 @@ void LocalFileConfigStore::createConfigDirectory() {
 
 void LocalFileConfigStore::persistValues() {
     {
-        const zel::Mutex::ScopedLock lock(valuesMutex);
+        const auto values = table->lock();
         if (std::ranges::equal(lastPersistedValues, values->list(), [](const auto& persisted, const auto& entry) {
                 return persisted.first == entry->getKey() && persisted.second == entry->getValue();
             })) {
@@ -270,7 +247,7 @@ void LocalFileConfigStore::persistValuesImpl(const std::string& target) {
     }
     zel::SecureString content;
     {
-        const zel::Mutex::ScopedLock lock(valuesMutex);
+        const auto values = table->lock();
         getDataString(content);
         if (target == fileName) {
             wipeValues(lastPersistedValues);
@@ -296,7 +273,7 @@ bool LocalFileConfigStore::checkIfGoodToWrite(const std::string& target, bool ch
 }
 
 void LocalFileConfigStore::getDataString(zel::SecureString& content) {
-    const zel::Mutex::ScopedLock lock(valuesMutex);
+    const auto values = table->lock();
     if (readOnly || destroyed) {
         return;
     }

@@ -1,8 +1,7 @@
 #include "RegistryKeyHandle.h"
 #include "RegistryTreeReader.h"
-#include "StoreAnswer.h"
+#include "StoreTable.h"
 #include "secure/FilePermissions.h"
-#include "table/ConfigTable.h"
 
 #include <kyr/FileUtils.h>
 #include <kyr/StringUtils.h>
@@ -54,14 +53,14 @@ std::size_t lengthOf(const RegistryConfigStore::PathBuffer& buffer) {
 
 RegistryConfigStore::RegistryConfigStore(std::shared_ptr<UnifiedFactory> factory, std::string storeName,
                                          int storePriority, std::string subkey)
-    : values(std::make_unique<ConfigTable>()),
+    : table(std::make_unique<StoreTable>(StoreTable::Rule::WithholdsCertificateValidation)),
       priority(storePriority),
       name(std::move(storeName)),
       unifiedFactory(std::move(factory)) {
     const auto registry = getRegistry();
     ConfigMap read;
     RegistryTreeReader(*registry, read).read(std::wstring(softwareKey) + KyrCoreUtils::toWideString(subkey));
-    values->replace(std::move(read));
+    table->replace(std::move(read));
     markSensitiveKeys();
     logConfigMap();
     writeTextCopy();
@@ -70,11 +69,7 @@ RegistryConfigStore::RegistryConfigStore(std::shared_ptr<UnifiedFactory> factory
 RegistryConfigStore::~RegistryConfigStore() = default;
 
 bool RegistryConfigStore::getValue(const std::wstring& key, std::wstring& value) {
-    return lookUp(FoldedKey(key), value);
-}
-
-bool RegistryConfigStore::lookUp(const FoldedKey& key, std::wstring& value) {
-    return answerUnlessWithheld(values->find(key), key, value);
+    return table->getValue(key, value);
 }
 
 bool RegistryConfigStore::storeValue(const std::wstring&, const std::wstring&) {
@@ -82,11 +77,7 @@ bool RegistryConfigStore::storeValue(const std::wstring&, const std::wstring&) {
 }
 
 std::vector<std::wstring> RegistryConfigStore::getKeys() {
-    return values->getKeys();
-}
-
-KeyList RegistryConfigStore::listKeys() {
-    return values->listKeys();
+    return table->getKeys();
 }
 
 bool RegistryConfigStore::removeValue(const std::wstring&) {
@@ -99,7 +90,7 @@ void RegistryConfigStore::markSensitiveKeys() const {
     if (!featureSet) {
         return;
     }
-    for (const auto& key : values->getKeys()) {
+    for (const auto& key : table->getKeys()) {
         if (isPasswordLike(key)) {
             featureSet->setKeySensitive(key);
         }
@@ -107,6 +98,7 @@ void RegistryConfigStore::markSensitiveKeys() const {
 }
 
 void RegistryConfigStore::logConfigMap() const {
+    const auto values = table->lock();
     if (values->isEmpty()) {
         return;
     }
@@ -123,6 +115,7 @@ void RegistryConfigStore::writeTextCopy() const {
         return;
     }
     const auto path = directory + FileUtils::FileSeparator() + std::string(ConfigKeys::registryConfigStore) + ".txt";
+    const auto values = table->lock();
     FileUtils::removeFile(path); // also a dangling link, which does not count as an existing file
     if (values->isEmpty()) {
         return;

@@ -1,0 +1,72 @@
+#include "StoreTable.h"
+
+#include "secure/FipsValueOverride.h"
+
+#include <kyr/StringUtils.h>
+
+#include <BootstrapConfigStore.h>
+#include <CacheConfigStore.h>
+#include <ConfigKeys.h>
+#include <InMemoryConfigStore.h>
+#include <LocalFileConfigStore.h>
+#include <MdmConfigStore.h>
+#include <RegistryConfigStore.h>
+
+#include <typeinfo>
+
+namespace ZelUnified {
+
+StoreTable* StoreTable::find(ConfigStore& store) {
+    const auto& type = typeid(store);
+    if (type == typeid(LocalFileConfigStore)) {
+        return static_cast<LocalFileConfigStore&>(store).table.get();
+    }
+    if (type == typeid(XmlConfigStore) || type == typeid(CacheConfigStore)) {
+        return static_cast<XmlConfigStore&>(store).table.get();
+    }
+    if (type == typeid(InMemoryConfigStore)) {
+        return static_cast<InMemoryConfigStore&>(store).table.get();
+    }
+    if (type == typeid(RegistryConfigStore)) {
+        return static_cast<RegistryConfigStore&>(store).table.get();
+    }
+    if (type == typeid(MdmConfigStore)) {
+        return static_cast<MdmConfigStore&>(store).table.get();
+    }
+    if (type == typeid(BootstrapConfigStore)) {
+        return static_cast<BootstrapConfigStore&>(store).table.get();
+    }
+    return nullptr;
+}
+
+bool StoreTable::getValue(const FoldedKey& key, std::wstring& value) {
+    if (!values.mayHold(key)) {
+        return answer(std::nullopt, key, value);
+    }
+    const zel::Mutex::ScopedLock lock(tableLock);
+    return answer(values.find(key), key, value);
+}
+
+bool StoreTable::storeValue(const std::wstring& key, const std::wstring& value) {
+    lock()->store(key, value);
+    return true;
+}
+
+bool StoreTable::answer(std::optional<std::wstring_view> found, const FoldedKey& key, std::wstring& value) const {
+    if (rule == Rule::Trims) {
+        const auto trimmed = KyrCoreUtils::trim(found.value_or(std::wstring_view()));
+        value = zel::withFipsOverride(key.getText(), trimmed); // last: `key` may refer to `value`
+        return found.has_value();
+    }
+    const bool isWithheld =
+        found && rule == Rule::WithholdsCertificateValidation &&
+        KyrCoreUtils::caseInsensitiveStringEquals(key.getText(), ConfigKeys::certificateValidationEnabled);
+    if (!found || isWithheld) {
+        value.clear();
+        return false;
+    }
+    value = zel::withFipsOverride(key.getText(), *found); // last: `key` may refer to `value`
+    return true;
+}
+
+} // namespace ZelUnified
