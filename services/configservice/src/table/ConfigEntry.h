@@ -28,8 +28,8 @@ public:
     ConfigEntry(const ConfigEntry&) = delete;
     ConfigEntry& operator=(const ConfigEntry&) = delete;
 
-    std::wstring_view getKey() const noexcept { return {keyText(), keyLength}; }
-    std::wstring_view getValue() const noexcept { return {outgrown ? outgrown.get() : firstRoom(), valueLength}; }
+    std::wstring_view getKey() const noexcept { return {keyCharacters(), keyLength}; }
+    std::wstring_view getValue() const noexcept { return {outgrown ? outgrown.get() : initialSpace(), valueLength}; }
     /// Overwrites the value. `next` may refer to a part of the current value. If an allocation fails, throws and leaves
     /// the value unchanged.
     void setValue(std::wstring_view next);
@@ -44,12 +44,12 @@ private:
     static std::size_t sizeOf(std::wstring_view key, std::wstring_view value);
 
     /// The memory after this object contains the key, then the space for the initial value.
-    const wchar_t* keyText() const noexcept { return reinterpret_cast<const wchar_t*>(this + 1); }
-    wchar_t* keyText() noexcept { return reinterpret_cast<wchar_t*>(this + 1); }
-    const wchar_t* firstRoom() const noexcept { return keyText() + keyLength; }
-    wchar_t* firstRoom() noexcept { return keyText() + keyLength; }
-    wchar_t* valueText() noexcept { return outgrown ? outgrown.get() : firstRoom(); }
-    void wipeValueFrom(Length place) noexcept;
+    const wchar_t* keyCharacters() const noexcept { return reinterpret_cast<const wchar_t*>(this + 1); }
+    wchar_t* keyCharacters() noexcept { return reinterpret_cast<wchar_t*>(this + 1); }
+    const wchar_t* initialSpace() const noexcept { return keyCharacters() + keyLength; }
+    wchar_t* initialSpace() noexcept { return keyCharacters() + keyLength; }
+    wchar_t* valueCharacters() noexcept { return outgrown ? outgrown.get() : initialSpace(); }
+    void wipeValueFrom(Length position) noexcept;
 
     std::unique_ptr<wchar_t[]> outgrown; ///< The value, if it does not fit the initial space.
     Length valueLength;

@@ -62,11 +62,12 @@ bool ConfigTable::remove(const std::wstring& key) {
         return false;
     }
     index.erase(folded); // before the entry and its key are destroyed
-    const auto place = std::ranges::find_if(entries, [removed](const auto& entry) { return entry.get() == removed; });
-    if (static_cast<std::size_t>(place - entries.begin()) < ordered) {
+    const auto position =
+        std::ranges::find_if(entries, [removed](const auto& entry) { return entry.get() == removed; });
+    if (static_cast<std::size_t>(position - entries.begin()) < ordered) {
         --ordered;
     }
-    entries.erase(place);
+    entries.erase(position);
     return true;
 }
 
@@ -99,9 +100,9 @@ void ConfigTable::replace(ConfigMap values) {
 
 const std::vector<ConfigEntry::Owner>& ConfigTable::list() {
     if (ordered < entries.size()) {
-        const auto tail = entries.begin() + static_cast<std::ptrdiff_t>(ordered);
-        std::sort(tail, entries.end(), isBefore);
-        std::inplace_merge(entries.begin(), tail, entries.end(), isBefore);
+        const auto unsorted = entries.begin() + static_cast<std::ptrdiff_t>(ordered);
+        std::sort(unsorted, entries.end(), isBefore);
+        std::inplace_merge(entries.begin(), unsorted, entries.end(), isBefore);
         ordered = entries.size();
     }
     return entries;

@@ -19,9 +19,9 @@ public:
     void add(std::wstring_view key);
 
     std::size_t size() const noexcept { return ends.size(); }
-    std::wstring_view operator[](std::size_t place) const noexcept {
-        const std::size_t begin = place == 0 ? 0 : ends[place - 1];
-        return std::wstring_view(characters).substr(begin, ends[place] - begin);
+    std::wstring_view operator[](std::size_t index) const noexcept {
+        const std::size_t begin = index == 0 ? 0 : ends[index - 1];
+        return std::wstring_view(characters).substr(begin, ends[index] - begin);
     }
 
 private:

@@ -223,7 +223,7 @@ std::shared_ptr<ConfigValueImpl> ConfigServiceImpl::findConfigFromKey(const Fold
         applyCachedValueFipsRule(*entry->second);
         return entry->second;
     }
-    if (key.names(calendarIntegrationType)) {
+    if (key.equals(calendarIntegrationType)) {
         auto record = createConfig(key);
         CalendarIntegrationTypeCheck::detectCalendarIntegrationType(logger, record);
         return record;

@@ -34,8 +34,8 @@ bool ConfigLookup::lookupInStores(const FoldedKey& key, std::wstring& value, std
 bool ConfigLookup::getValue(const FoldedKey& key, std::wstring& value, std::wstring* configStoreName,
                             bool& valueFromLegacyKey, bool skipLocal, const std::string& storeFilter,
                             FoundUnder& foundUnder) const {
-    if (const auto* alias = keyAliases.lookupKeyAlias(key)) {
-        if (lookupInStores(FoldedKey(*alias), value, configStoreName, skipLocal, storeFilter)) {
+    if (const auto* newName = keyAliases.lookupKeyAlias(key)) {
+        if (lookupInStores(FoldedKey(*newName), value, configStoreName, skipLocal, storeFilter)) {
             foundUnder = FoundUnder::NewName;
             return true;
         }
@@ -48,8 +48,8 @@ bool ConfigLookup::getValue(const FoldedKey& key, std::wstring& value, std::wstr
     if (lookupInStores(key, value, configStoreName, skipLocal, storeFilter)) {
         return true;
     }
-    const auto* legacy = keyAliases.lookupLegacyKey(key);
-    if (legacy == nullptr || !lookupInStores(FoldedKey(*legacy), value, configStoreName, skipLocal, storeFilter)) {
+    const auto* oldName = keyAliases.lookupLegacyKey(key);
+    if (oldName == nullptr || !lookupInStores(FoldedKey(*oldName), value, configStoreName, skipLocal, storeFilter)) {
         return false;
     }
     foundUnder = FoundUnder::OldName;
@@ -61,19 +61,19 @@ bool ConfigLookup::getOriginalValue(const FoldedKey& key, std::wstring& original
                                     std::wstring& originalValueStoreName, bool& fromLegacyKey) const {
     fromLegacyKey = false;
     bool found = false;
-    if (const auto* alias = keyAliases.lookupKeyAlias(key)) {
-        if (findOriginalValue(FoldedKey(*alias), originalValue, originalValueStoreName, found)) {
+    if (const auto* newName = keyAliases.lookupKeyAlias(key)) {
+        if (findOriginalValue(FoldedKey(*newName), originalValue, originalValueStoreName, found)) {
             return true;
         }
         fromLegacyKey = findOriginalValue(key, originalValue, originalValueStoreName, found);
         return fromLegacyKey;
     }
     const bool hasOverride = findOriginalValue(key, originalValue, originalValueStoreName, found);
-    const auto* legacy = found ? nullptr : keyAliases.lookupLegacyKey(key);
-    if (legacy == nullptr) {
+    const auto* oldName = found ? nullptr : keyAliases.lookupLegacyKey(key);
+    if (oldName == nullptr) {
         return hasOverride;
     }
-    fromLegacyKey = findOriginalValue(FoldedKey(*legacy), originalValue, originalValueStoreName, found);
+    fromLegacyKey = findOriginalValue(FoldedKey(*oldName), originalValue, originalValueStoreName, found);
     return fromLegacyKey;
 }
 

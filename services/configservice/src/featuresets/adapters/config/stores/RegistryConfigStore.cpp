@@ -39,13 +39,13 @@ std::wstring_view shownValue(const ConfigEntry& entry) {
 }
 
 /// Writes `text` into the buffer after its first `length` characters, truncated to the size of the buffer.
-void place(RegistryConfigStore::PathBuffer& buffer, std::size_t length, std::wstring_view text) {
-    const auto room = RegistryConfigStore::pathBufferSize - 1 - length;
-    const auto end = std::ranges::copy(text.substr(0, room), buffer + length).out;
+void writeAt(RegistryConfigStore::PathBuffer& buffer, std::size_t length, std::wstring_view text) {
+    const auto capacity = RegistryConfigStore::pathBufferSize - 1 - length;
+    const auto end = std::ranges::copy(text.substr(0, capacity), buffer + length).out;
     *end = L'\0';
 }
 
-std::size_t lengthOf(const RegistryConfigStore::PathBuffer& buffer) {
+std::size_t textLength(const RegistryConfigStore::PathBuffer& buffer) {
     return static_cast<std::size_t>(std::ranges::find(buffer, L'\0') - buffer);
 }
 
@@ -129,7 +129,7 @@ void RegistryConfigStore::writeTextCopy() const {
 
 void RegistryConfigStore::removeRegistrySettings() {
     PathBuffer path{};
-    place(path, 0, std::wstring(softwareKey) + KyrCoreUtils::toWideString(ConfigKeys::policyRegistryPath));
+    writeAt(path, 0, std::wstring(softwareKey) + KyrCoreUtils::toWideString(ConfigKeys::policyRegistryPath));
     regDelnodeRecurse(HKEY_CURRENT_USER, path);
 }
 
@@ -158,20 +158,20 @@ bool RegistryConfigStore::regDelnodeRecurse(HKEY root, PathBuffer& subkey) {
 }
 
 void RegistryConfigStore::deleteSubkeys(Registry& registry, HKEY root, HKEY key, PathBuffer& subkey) {
-    const auto ownLength = lengthOf(subkey);
+    const auto ownLength = textLength(subkey);
     if (ownLength > 0 && subkey[ownLength - 1] != L'\\') {
-        place(subkey, ownLength, L"\\");
+        writeAt(subkey, ownLength, L"\\");
     }
-    const auto prefixLength = lengthOf(subkey);
+    const auto prefixLength = textLength(subkey);
     std::array<wchar_t, 260> name{};
     auto nameLength = static_cast<std::uint32_t>(name.size());
     std::wstring previous;
     while (registry.RegEnumKeyExW(key, 0, name, nameLength) == RegistryResult::Success) {
         std::wstring child(name.data(), nameLength);
-        place(subkey, prefixLength, child);
+        writeAt(subkey, prefixLength, child);
         // If the buffer has no space for the name, the path would be that of this key. A key whose path was truncated
         // counts as deleted although it still exists, so a repeated name ends the loop.
-        if (lengthOf(subkey) == prefixLength || child == previous || !regDelnodeRecurse(root, subkey)) {
+        if (textLength(subkey) == prefixLength || child == previous || !regDelnodeRecurse(root, subkey)) {
             break;
         }
         previous = std::move(child);
