@@ -1,7 +1,7 @@
 #include "CachedDocuments.h"
 
 #include "RowSuite.h"
-#include "services/impl/InjectConfigService.h"
+#include "services/impl/entry/InjectConfigService.h"
 
 #include <ConfigService.h>
 #include <ConfigValue.h>

@@ -1,25 +1,19 @@
 #include "commands/CommandLine.h"
 #include "commands/CommandTable.h"
-#include "commands/Commands.h"
 #include "commands/Session.h"
 #include "commands/Shell.h"
-#include "commands/StandardInput.h"
 #include "disk/Doctor.h"
-#include "disk/HealthNotice.h"
 #include "host/ConfigHost.h"
-#include "host/DirectoryTrust.h"
+#include "host/HostFolders.h"
 #include "output/JsonPrinter.h"
 #include "output/LogLinePrinter.h"
 #include "output/Output.h"
-#include "output/Terminal.h"
 #include "output/TextPrinter.h"
-#include "stores/BootstrapStores.h"
 
 #include <kyr/EndSignals.h>
 #include <kyr/StandardStreams.h>
 
 #include <cerrno>
-#include <iostream>
 #include <memory>
 #include <optional>
 #include <system_error>
@@ -37,8 +31,8 @@ Output openStream(StandardStreams::Stream stream, const OutputForm& form) {
 
 /// The outputs of the program. They outlive everything that prints or logs.
 struct Outputs {
-    Output answers = openStream(StandardStreams::Stream::Output, Terminal::describeOutput());
-    Output messages = openStream(StandardStreams::Stream::Error, Terminal::describeError());
+    Output answers = openStream(StandardStreams::Stream::Output, describeStandardOutput());
+    Output messages = openStream(StandardStreams::Stream::Error, describeStandardError());
 };
 
 std::unique_ptr<Printer> makePrinter(const CommandLine& line, Outputs& outputs) {
@@ -57,7 +51,7 @@ ExitCode addForeignStores(Session& session, const CommandLine& line, Printer& pr
         const auto store = session.addForeignStore(spec);
         try {
             if (spec.cached) {
-                session.getDisk().requireCopy(*store);
+                session.getDiskCheck().requireCopy(*store);
             }
         } catch (const Failure& failure) {
             printer.showFailure("--store", failure);
@@ -70,14 +64,6 @@ ExitCode addForeignStores(Session& session, const CommandLine& line, Printer& pr
 ExitCode runOne(Session& session, const Command& command) {
     runCommand(session, command);
     return ExitCode::Done;
-}
-
-ExitCode runShell(Session& session) {
-    StandardInput buffer;
-    std::istream input(&buffer);
-    Shell shell(session, input, Terminal::isInteractive());
-    shell.endWhen([] { return EndSignals::getReceived() != 0; });
-    return shell.run();
 }
 
 /// Runs without a plug-in, before a host moves a damaged file aside.
@@ -98,12 +84,11 @@ ExitCode runSession(const CommandLine& line, Printer& printer) {
     showHealthNotice(host.getConfigDirectory(), printer);
     Session session(host, printer, line.showSecrets);
     host.start();
-    BootstrapStores bootstraps(host.getPluginDirectory());
     for (const auto& spec : line.bootstraps) {
-        session.addStore(bootstraps.make(spec));
+        session.addBootstrapStore(spec);
     }
     const auto storesCode = addForeignStores(session, line, printer);
-    const auto code = line.command.name == "shell" ? runShell(session) : runOne(session, line.command);
+    const auto code = line.command.name == "shell" ? Shell(session).run() : runOne(session, line.command);
     return code == ExitCode::Done ? storesCode : code;
 }
 

@@ -1,6 +1,5 @@
 #include "CommandLine.h"
 
-#include "CommandGrammar.h"
 #include "output/Failure.h"
 
 #include <CLI/CLI.hpp>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Command.h"
+#include "CommandGrammar.h"
 #include "stores/StoreSpec.h"
 
 #include <kyr/FileUtils.h>

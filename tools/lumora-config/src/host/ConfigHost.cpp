@@ -1,8 +1,7 @@
 #include "ConfigHost.h"
 
-#include "DefaultsFile.h"
+#include "HostFolders.h"
 #include "LogLineCatcher.h"
-#include "PluginFolder.h"
 #include "output/Failure.h"
 
 #include <kyr/FileUtils.h>
@@ -32,7 +31,7 @@ std::string settleDirectories(const KyrCoreUtils::HostDirectories& directories) 
         throw Failure(ExitCode::Environment, "no usable configuration directory: a reset empties it, so it must be a "
                                              "folder of its own");
     }
-    DefaultsFile(FileUtils::getResourcesDirectory()).requireReadable();
+    requireDefaultsFile(FileUtils::getResourcesDirectory());
     return configDirectory;
 }
 
@@ -66,7 +65,7 @@ ConfigHost::ConfigHost(const KyrCoreUtils::HostDirectories& directories, const s
     factory->Init();
     try {
         load();
-        DefaultsFile(FileUtils::getResourcesDirectory()).requireAccepted();
+        requireDefaultsAccepted(FileUtils::getResourcesDirectory());
     } catch (...) {
         end();
         throw;
@@ -156,7 +155,7 @@ void ConfigHost::load() {
 void ConfigHost::end() {
     // A value that waits to be written sets the timer of the backup, whose alarm posts the write.
     settle();
-    timerSwitch->ringAll();
+    timerSwitch->fireAll();
     settle();
     factory->Destroy();
     service.reset();

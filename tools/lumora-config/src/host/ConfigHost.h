@@ -53,7 +53,6 @@ public:
     const std::shared_ptr<ZelUnified::ConfigFeatureSet>& getFeatureSet() const { return featureSet; }
     const std::shared_ptr<ZelUnified::ConfigService>& getService() const { return service; }
     const std::string& getConfigDirectory() const { return configDirectory; }
-    const std::string& getPluginDirectory() const { return pluginDirectory; }
 
 private:
     void load();

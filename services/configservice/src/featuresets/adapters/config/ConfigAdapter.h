@@ -11,6 +11,7 @@
 #include <unified/UnifiedFactory.h>
 #include <zel/PowerEventObserver.h>
 
+#include <BootstrapStoreFactory.h>
 #include <ConfigFeatureSet.h>
 #include <ConfigServiceExport.h>
 #include <ConfigStoreManager_Observer.h>
@@ -40,6 +41,7 @@ class LUMORA_CONFIG_API ConfigAdapter final : public FeatureSetAdapter,
                                               public ConfigStoreManager_Observer,
                                               public ZelSystemMonitor::PowerEventObserver,
                                               public ProviderResetDataCallback,
+                                              public BootstrapStoreFactory,
                                               public std::enable_shared_from_this<ConfigAdapter> {
 public:
     /// Constructs an adapter without a factory and a chain, for the type's export. Its operations do nothing, with two
@@ -83,6 +85,8 @@ public:
     std::wstring getValueFromConfigStore(const std::string& storeName, const std::wstring& key) override;
     std::shared_ptr<ConfigStore> getConfigStoreByName(const std::string& name) override;
 
+    std::shared_ptr<ConfigStore> createBootstrapStore(const std::string& path, int priority) override;
+
     void onFireIfRequired(std::wstring key) override;
     void onSensitiveKeyAddedOrUpdated(std::wstring key) override;
     void onConfigAddedOrUpdated(std::wstring key, std::wstring value, std::wstring originalValue, bool isOverridden,
@@ -103,6 +107,9 @@ public:
     void SetEnabledServices();
 
 private:
+    /// Reads the flag without `adapterMutex`, which a stop holds while it waits for the services dispatcher: a task of
+    /// that dispatcher may call the operations that check the flag.
+    bool isStarted() const LUMORA_NO_THREAD_SAFETY_ANALYSIS { return featureSetStarted; }
     void startConfigFeatureSet();
     void stopConfigFeatureSet();
     void registerResetDataCallback();
@@ -135,8 +142,8 @@ private:
 
     const std::shared_ptr<UnifiedFactory> unifiedFactory;
     zel::RankedMutex<std::recursive_mutex, zel::LockRank::Adapter> adapterMutex;
-    std::atomic<bool> featureSetStarted = false;
-    bool resetDataCallbackRegistered = false; ///< Guarded by adapterMutex; never reset to false.
+    std::atomic<bool> featureSetStarted LUMORA_GUARDED_BY(adapterMutex) = false;
+    bool resetDataCallbackRegistered LUMORA_GUARDED_BY(adapterMutex) = false; ///< Never reset to false.
     const std::shared_ptr<ConfigStoreManager> configStoreManager;
     std::shared_ptr<ConfigServiceImpl> configService;
     /// Shared with the tasks on the services dispatcher, which do not own the adapter.

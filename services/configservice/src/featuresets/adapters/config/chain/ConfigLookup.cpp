@@ -34,7 +34,7 @@ bool ConfigLookup::lookupInStores(const FoldedKey& key, std::wstring& value, std
 bool ConfigLookup::getValue(const FoldedKey& key, std::wstring& value, std::wstring* configStoreName,
                             bool& valueFromLegacyKey, bool skipLocal, const std::string& storeFilter,
                             FoundUnder& foundUnder) const {
-    if (const auto* newName = keyAliases.lookupKeyAlias(key)) {
+    if (const auto* newName = renamedKeys.findNewName(key)) {
         if (lookupInStores(FoldedKey(*newName), value, configStoreName, skipLocal, storeFilter)) {
             foundUnder = FoundUnder::NewName;
             return true;
@@ -48,7 +48,7 @@ bool ConfigLookup::getValue(const FoldedKey& key, std::wstring& value, std::wstr
     if (lookupInStores(key, value, configStoreName, skipLocal, storeFilter)) {
         return true;
     }
-    const auto* oldName = keyAliases.lookupLegacyKey(key);
+    const auto* oldName = renamedKeys.findOldName(key);
     if (oldName == nullptr || !lookupInStores(FoldedKey(*oldName), value, configStoreName, skipLocal, storeFilter)) {
         return false;
     }
@@ -61,7 +61,7 @@ bool ConfigLookup::getOriginalValue(const FoldedKey& key, std::wstring& original
                                     std::wstring& originalValueStoreName, bool& fromLegacyKey) const {
     fromLegacyKey = false;
     bool found = false;
-    if (const auto* newName = keyAliases.lookupKeyAlias(key)) {
+    if (const auto* newName = renamedKeys.findNewName(key)) {
         if (findOriginalValue(FoldedKey(*newName), originalValue, originalValueStoreName, found)) {
             return true;
         }
@@ -69,7 +69,7 @@ bool ConfigLookup::getOriginalValue(const FoldedKey& key, std::wstring& original
         return fromLegacyKey;
     }
     const bool hasOverride = findOriginalValue(key, originalValue, originalValueStoreName, found);
-    const auto* oldName = found ? nullptr : keyAliases.lookupLegacyKey(key);
+    const auto* oldName = found ? nullptr : renamedKeys.findOldName(key);
     if (oldName == nullptr) {
         return hasOverride;
     }

@@ -8,6 +8,7 @@
 #include "featuresets/adapters/config/stores/StorePriorities.h"
 #include "secure/SecureString.h"
 
+#include <kyr/LockGuard.h>
 #include <kyr/StringUtils.h>
 
 #include <CacheConfigStore.h>
@@ -20,6 +21,7 @@
 namespace ZelUnified {
 
 using KyrCoreUtils::caseInsensitiveStringEquals;
+using KyrCoreUtils::LockGuard;
 using KyrCoreUtils::toString;
 using KyrCoreUtils::toWideString;
 
@@ -31,13 +33,14 @@ bool isOverrideStore(std::string_view name) {
 }
 
 /// Returns the log text for a key that was found under a name other than the requested one.
-std::wstring describeRenaming(ConfigLookup::FoundUnder foundUnder, const KeyAliases& keyAliases, const FoldedKey& key) {
+std::wstring describeRenaming(ConfigLookup::FoundUnder foundUnder, const RenamedKeys& renamedKeys,
+                              const FoldedKey& key) {
     switch (foundUnder) {
     case ConfigLookup::FoundUnder::NewName:
-        return L"is an alias. Key has been renamed. Actual lookup done on key name: [" +
-               *keyAliases.lookupKeyAlias(key) + L"] - ";
+        return L"is an alias. Key has been renamed. Actual lookup done on key name: [" + *renamedKeys.findNewName(key) +
+               L"] - ";
     case ConfigLookup::FoundUnder::OldName:
-        return L"did not exist. actual lookup done on legacy key name : [" + *keyAliases.lookupLegacyKey(key) + L"] - ";
+        return L"did not exist. actual lookup done on legacy key name : [" + *renamedKeys.findOldName(key) + L"] - ";
     case ConfigLookup::FoundUnder::AskedName:
         break;
     }
@@ -79,7 +82,7 @@ ConfigStoreManager::ConfigStoreManager(std::shared_ptr<UnifiedFactory> factory)
 }
 
 void ConfigStoreManager::addStore(const std::shared_ptr<ConfigStore>& store) {
-    const std::lock_guard lock(chainLock);
+    const LockGuard lock(chainLock);
     if (!store) {
         return;
     }
@@ -111,7 +114,7 @@ std::string ConfigStoreManager::describeChain() const {
 }
 
 void ConfigStoreManager::updateConfigStore(const std::shared_ptr<ConfigStore>& store) {
-    const std::lock_guard lock(chainLock);
+    const LockGuard lock(chainLock);
     const auto name = store->getName();
     // Each update changes the chain, so the loop reads the current store at each position. It visits a new version
     // again if that is inserted behind the position of the old one.
@@ -124,7 +127,7 @@ void ConfigStoreManager::updateConfigStore(const std::shared_ptr<ConfigStore>& s
 
 void ConfigStoreManager::updateExistingConfigStore(const std::shared_ptr<ConfigStore>& store,
                                                    const std::vector<std::wstring>& oldKeys) {
-    const std::lock_guard lock(chainLock);
+    const LockGuard lock(chainLock);
     if (!store || !hasStoreWithName(store->getName())) {
         return;
     }
@@ -140,7 +143,7 @@ void ConfigStoreManager::updateExistingConfigStore(const std::shared_ptr<ConfigS
 }
 
 void ConfigStoreManager::removeStoreAndCachedCopy(const std::string& name) {
-    const std::lock_guard lock(chainLock);
+    const LockGuard lock(chainLock);
     const auto store = configStores.find(name);
     if (!store) {
         return;
@@ -152,7 +155,7 @@ void ConfigStoreManager::removeStoreAndCachedCopy(const std::string& name) {
 }
 
 bool ConfigStoreManager::removeStoreWithSameName(const std::string& name) {
-    const std::lock_guard lock(chainLock);
+    const LockGuard lock(chainLock);
     const auto store = configStores.find(name);
     if (!store) {
         return false;
@@ -169,7 +172,7 @@ bool ConfigStoreManager::removeStoreWithSameName(const std::string& name) {
 }
 
 void ConfigStoreManager::removeNonLocalStores() {
-    const std::lock_guard lock(chainLock);
+    const LockGuard lock(chainLock);
     for (std::size_t i = configStores.getStores()->size(); i-- > 0;) {
         // Observers may have changed the chain during the last iteration.
         const auto store = configStores.at(i);
@@ -181,14 +184,14 @@ void ConfigStoreManager::removeNonLocalStores() {
 }
 
 void ConfigStoreManager::destroyStores() {
-    const std::lock_guard lock(chainLock);
+    const LockGuard lock(chainLock);
     for (const auto walked = configStores.getStores(); const auto& store : *walked) {
         store->destroy();
     }
 }
 
 bool ConfigStoreManager::hasStoreWithName(const std::string& name) const {
-    const std::lock_guard lock(chainLock);
+    const LockGuard lock(chainLock);
     return configStores.find(name) != nullptr;
 }
 
@@ -218,7 +221,7 @@ bool ConfigStoreManager::isSensitiveKey(const std::wstring& key) const {
 }
 
 ConfigMap ConfigStoreManager::getKeyAliases() const {
-    return keyAliases.getKeyAliases();
+    return renamedKeys.getNewNames();
 }
 
 void ConfigStoreManager::refreshStoreKeys(const std::shared_ptr<ConfigStore>& store) {
@@ -247,10 +250,10 @@ void ConfigStoreManager::refreshKeys(const KeyList& keys) {
 }
 
 const std::wstring* ConfigStoreManager::fireConfigChange(const std::wstring& key, bool deferFire) {
-    const std::lock_guard lock(chainLock);
+    const LockGuard lock(chainLock);
     const FoldedKey folded(key);
     auto change = readConfigChange(folded);
-    const auto* newName = keyAliases.lookupKeyAlias(folded);
+    const auto* newName = renamedKeys.findNewName(folded);
     if (newName == nullptr) {
         observers.notifyConfigAddedOrUpdated(key, std::move(change), deferFire);
         return nullptr;
@@ -287,7 +290,7 @@ bool ConfigStoreManager::isHeld(const std::wstring& key) const {
 
 bool ConfigStoreManager::getValue(const FoldedKey& key, std::wstring& value, std::wstring* configStoreName,
                                   bool& valueFromLegacyKey, bool skipLocal, const std::string& storeFilter) const {
-    const std::lock_guard lock(chainLock);
+    const LockGuard lock(chainLock);
     const bool isLogged = ZelLog_isDebugEnabled(configStoreManagerLogger());
     auto foundUnder = ConfigLookup::FoundUnder::AskedName;
     // Uses local results: the caller may pass the same string as the key and as an out parameter.
@@ -316,7 +319,7 @@ std::optional<std::wstring> ConfigStoreManager::describeLookup(const FoldedKey& 
         return std::nullopt;
     }
     std::wostringstream text;
-    text << L"key : [" << key.getText() << L"] " << describeRenaming(foundUnder, keyAliases, key) << L"skipLocal : ["
+    text << L"key : [" << key.getText() << L"] " << describeRenaming(foundUnder, renamedKeys, key) << L"skipLocal : ["
          << skipLocal << L"]  value: [" << shown << L"] success: [" << (found ? L"true" : L"false")
          << L"] configStoreName: [" << storeName << L"]";
     return text.str();
@@ -343,7 +346,7 @@ std::wstring ConfigStoreManager::getValue(const std::string& storeFilter, const 
 
 bool ConfigStoreManager::getOriginalValue(const std::wstring& key, std::wstring& originalValue,
                                           std::wstring& originalValueStoreName, bool& fromLegacyKey) const {
-    const std::lock_guard lock(chainLock);
+    const LockGuard lock(chainLock);
     // Uses local results: the caller may pass the same string as the key and as an out parameter.
     std::wstring value;
     std::wstring storeName = originalValueStoreName;
@@ -354,7 +357,7 @@ bool ConfigStoreManager::getOriginalValue(const std::wstring& key, std::wstring&
 }
 
 bool ConfigStoreManager::storeValue(const std::wstring& key, const std::wstring& value) {
-    const std::lock_guard lock(chainLock);
+    const LockGuard lock(chainLock);
     const auto stores = configStores.getStores();
     const auto target =
         std::find_if(stores->begin(), stores->end(), [](const auto& store) { return isWriteTarget(*store); });
@@ -368,7 +371,7 @@ bool ConfigStoreManager::storeValue(const std::wstring& key, const std::wstring&
 }
 
 bool ConfigStoreManager::storeValue(const ConfigMap& values) {
-    const std::lock_guard lock(chainLock);
+    const LockGuard lock(chainLock);
     bool targetFound = false;
     for (const auto walked = configStores.getStores(); const auto& store : *walked) {
         if (!isWriteTarget(*store)) {
@@ -390,7 +393,7 @@ bool ConfigStoreManager::storeValue(const ConfigMap& values) {
 }
 
 bool ConfigStoreManager::setInMemoryValue(const std::wstring& key, const std::wstring& value) {
-    const std::lock_guard lock(chainLock);
+    const LockGuard lock(chainLock);
     const auto store = configStores.find(ConfigKeys::inMemoryConfigStore);
     if (!store) {
         return false;
@@ -401,9 +404,9 @@ bool ConfigStoreManager::setInMemoryValue(const std::wstring& key, const std::ws
 }
 
 bool ConfigStoreManager::removeValue(const std::wstring& key) {
-    const std::lock_guard lock(chainLock);
+    const LockGuard lock(chainLock);
     std::vector<const std::wstring*> names{&key};
-    for (const auto* otherName : {keyAliases.lookupKeyAlias(key), keyAliases.lookupLegacyKey(key)}) {
+    for (const auto* otherName : {renamedKeys.findNewName(key), renamedKeys.findOldName(key)}) {
         if (otherName != nullptr) {
             names.push_back(otherName);
         }
@@ -427,7 +430,7 @@ bool ConfigStoreManager::removeValue(const std::wstring& key) {
 }
 
 bool ConfigStoreManager::setUrlProvisioningData(const std::wstring& url) {
-    const std::lock_guard lock(chainLock);
+    const LockGuard lock(chainLock);
     ZelLog(configStoreManagerLogger(), ZelLogLevel::Info, ZEL_HERE, "setting url provisioning data");
     auto settings = parseUrlProvisioningData(url);
     if (settings.empty()) {
@@ -446,7 +449,7 @@ void ConfigStoreManager::persistLater(const std::shared_ptr<ConfigStore>& store)
 }
 
 void ConfigStoreManager::resetConfigData() {
-    const std::lock_guard lock(chainLock);
+    const LockGuard lock(chainLock);
     for (std::size_t i = configStores.getStores()->size(); i-- > 0;) {
         // Observers may have changed the chain during the last iteration.
         const auto store = configStores.at(i);
@@ -463,7 +466,7 @@ void ConfigStoreManager::resetConfigData() {
 }
 
 void ConfigStoreManager::resetConfigData(const std::string& storeName) {
-    const std::lock_guard lock(chainLock);
+    const LockGuard lock(chainLock);
     const auto stores = configStores.getStores();
     const auto found = std::find_if(stores->rbegin(), stores->rend(),
                                     [&](const auto& store) { return store->getName() == storeName; });
@@ -481,14 +484,14 @@ void ConfigStoreManager::removeAllCachedStores() {
 }
 
 bool ConfigStoreManager::removeCachedFiles(const std::string& fileName) {
-    const std::lock_guard lock(chainLock);
+    const LockGuard lock(chainLock);
     return CachedConfigFiles::removeCachedFiles(fileName);
 }
 
 void ConfigStoreManager::getConfigForPRT(std::wstring& out) const {
     out = L"<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<AllConfigs>\n";
     {
-        const std::lock_guard lock(chainLock);
+        const LockGuard lock(chainLock);
         out += ConfigReport::describeStores(
             *configStores.getStores(), [this](const std::wstring& key) { return isSensitiveKey(key); }, {ZEL_HERE});
     }

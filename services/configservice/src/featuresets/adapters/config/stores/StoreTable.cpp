@@ -40,7 +40,7 @@ StoreTable* StoreTable::find(ConfigStore& store) {
 }
 
 bool StoreTable::getValue(const FoldedKey& key, std::wstring& value) {
-    if (!values.mayHold(key)) {
+    if (!mayHold(key)) {
         return answer(std::nullopt, key, value);
     }
     const zel::Mutex::ScopedLock lock(tableLock);

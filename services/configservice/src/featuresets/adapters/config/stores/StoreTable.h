@@ -2,12 +2,15 @@
 
 #include "table/ConfigTable.h"
 
+#include <kyr/ThreadSafety.h>
+
 #include <ConfigMap.h>
 #include <secure/Mutex.h>
 
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace ZelUnified {
@@ -31,7 +34,8 @@ public:
     /// Locks the table while it exists.
     class Locked {
     public:
-        explicit Locked(StoreTable& table) : lock(table.tableLock), values(table.values) {}
+        explicit Locked(StoreTable& table) LUMORA_NO_THREAD_SAFETY_ANALYSIS : lock(table.tableLock),
+                                                                              values(table.values) {}
 
         ConfigTable* operator->() const noexcept { return &values; }
         ConfigTable& operator*() const noexcept { return values; }
@@ -68,11 +72,13 @@ public:
     void replace(ConfigMap read) { lock()->replace(std::move(read)); }
 
 private:
+    /// Without the lock, which ConfigTable::mayHold() does not need.
+    bool mayHold(const FoldedKey& key) const noexcept LUMORA_NO_THREAD_SAFETY_ANALYSIS { return values.mayHold(key); }
     bool answer(std::optional<std::wstring_view> found, const FoldedKey& key, std::wstring& value) const;
 
     const Rule rule;
-    zel::Mutex tableLock; ///< Guards `values`, except for ConfigTable::mayHold().
-    ConfigTable values;
+    zel::Mutex tableLock;
+    ConfigTable values LUMORA_GUARDED_BY(tableLock);
 };
 
 } // namespace ZelUnified
