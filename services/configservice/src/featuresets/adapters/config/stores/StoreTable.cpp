@@ -12,6 +12,7 @@
 #include <MdmConfigStore.h>
 #include <RegistryConfigStore.h>
 
+#include <string_view>
 #include <typeinfo>
 
 namespace ZelUnified {
@@ -39,33 +40,41 @@ StoreTable* StoreTable::find(ConfigStore& store) {
     return nullptr;
 }
 
+// The rules are tested here and not in an operation of their own: most stores of a walk miss, and a call for each of
+// them would make the walk a quarter longer.
 bool StoreTable::getValue(const FoldedKey& key, std::wstring& value) {
+    if (rule == Rule::Trims) {
+        return getTrimmedValue(key, value);
+    }
     if (!mayHold(key)) {
-        return answer(std::nullopt, key, value);
+        value.clear();
+        return false;
     }
     const zel::Mutex::ScopedLock lock(tableLock);
-    return answer(values.find(key), key, value);
-}
-
-bool StoreTable::storeValue(const std::wstring& key, const std::wstring& value) {
-    lock()->store(key, value);
-    return true;
-}
-
-bool StoreTable::answer(std::optional<std::wstring_view> found, const FoldedKey& key, std::wstring& value) const {
-    if (rule == Rule::Trims) {
-        const auto trimmed = KyrCoreUtils::trim(found.value_or(std::wstring_view()));
-        value = zel::withFipsOverride(key.getText(), trimmed); // last: `key` may refer to `value`
-        return found.has_value();
-    }
-    const bool isWithheld =
-        found && rule == Rule::WithholdsCertificateValidation &&
-        KyrCoreUtils::caseInsensitiveStringEquals(key.getText(), ConfigKeys::certificateValidationEnabled);
-    if (!found || isWithheld) {
+    const auto found = values.find(key);
+    if (!found || isWithheld(key)) {
         value.clear();
         return false;
     }
     value = zel::withFipsOverride(key.getText(), *found); // last: `key` may refer to `value`
+    return true;
+}
+
+bool StoreTable::getTrimmedValue(const FoldedKey& key, std::wstring& value) {
+    const zel::Mutex::ScopedLock lock(tableLock);
+    const auto found = values.find(key);
+    const auto trimmed = KyrCoreUtils::trim(found.value_or(std::wstring_view()));
+    value = zel::withFipsOverride(key.getText(), trimmed); // last: `key` may refer to `value`
+    return found.has_value();
+}
+
+bool StoreTable::isWithheld(const FoldedKey& key) const {
+    return rule == Rule::WithholdsCertificateValidation &&
+           KyrCoreUtils::caseInsensitiveStringEquals(key.getText(), ConfigKeys::certificateValidationEnabled);
+}
+
+bool StoreTable::storeValue(const std::wstring& key, const std::wstring& value) {
+    lock()->store(key, value);
     return true;
 }
 

@@ -7,9 +7,7 @@
 #include <ConfigMap.h>
 #include <secure/Mutex.h>
 
-#include <optional>
 #include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -58,7 +56,7 @@ public:
     Locked lock() { return Locked(*this); }
 
     // The operations of ConfigStore.
-    /// `key` may refer to `value`. Reports most misses without the lock.
+    /// `key` may refer to `value`. Unless the rule is Trims, reports most misses without the lock.
     bool getValue(const std::wstring& key, std::wstring& value) { return getValue(FoldedKey(key), value); }
     bool getValue(const FoldedKey& key, std::wstring& value);
     bool storeValue(const std::wstring& key, const std::wstring& value);
@@ -74,7 +72,8 @@ public:
 private:
     /// Without the lock, which ConfigTable::mayHold() does not need.
     bool mayHold(const FoldedKey& key) const noexcept LUMORA_NO_THREAD_SAFETY_ANALYSIS { return values.mayHold(key); }
-    bool answer(std::optional<std::wstring_view> found, const FoldedKey& key, std::wstring& value) const;
+    bool getTrimmedValue(const FoldedKey& key, std::wstring& value);
+    bool isWithheld(const FoldedKey& key) const;
 
     const Rule rule;
     zel::Mutex tableLock;
