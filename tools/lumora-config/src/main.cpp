@@ -101,6 +101,9 @@ SettingsDump readProfile(const CommandLine& line, Printer& printer, const std::s
     if (!folder.empty()) {
         opened.directories = directoriesOfProfile(folder);
         opened.namedDirectories = nameDirectories(folder, opened.directories);
+        if (!line.pluginDirectory.empty()) {
+            opened.namedDirectories.push_back(line.pluginDirectory);
+        }
     }
     SettingsDump dump;
     const auto code = withSession(opened, printer, [&](Session& session) {

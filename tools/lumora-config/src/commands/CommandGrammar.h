@@ -29,6 +29,7 @@ struct Command {
     bool admin = false;
     bool confirmed = false;
     bool forced = false;
+    bool dryRun = false;
     bool sensitive = false;
     bool renamed = false;
     bool effective = false;

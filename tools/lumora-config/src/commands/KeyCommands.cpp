@@ -81,8 +81,7 @@ void requirePermitted(const std::string& key, const std::string& value) {
     const auto* const row = ConfigKeys::findKey(toWide(key));
     if (row != nullptr && !ConfigKeys::permits(*row, toWide(value))) {
         throw Failure(ExitCode::NotFound, "the value of the key '" + spell(key) + "' must be " +
-                                              ConfigKeys::describePermittedValues(*row) +
-                                              "; --force sets it anyway");
+                                              ConfigKeys::describePermittedValues(*row) + "; --force sets it anyway");
     }
 }
 

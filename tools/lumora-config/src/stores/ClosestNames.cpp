@@ -53,6 +53,10 @@ std::vector<std::string> closestNames(std::string_view word, const std::vector<s
     auto smallest = mostEditsFor(folded);
     std::vector<std::string> closest;
     for (const auto& candidate : candidates) {
+        // Each edit changes the length by at most one, so most candidates need no comparison.
+        if (std::max(candidate.size(), folded.size()) - std::min(candidate.size(), folded.size()) > smallest) {
+            continue;
+        }
         const auto distance = editDistance(folded, lower(candidate));
         if (distance > smallest) {
             continue;

@@ -1,4 +1,4 @@
-#include "commands/ClosestNames.h"
+#include "stores/ClosestNames.h"
 
 #include <gmock/gmock.h>
 
@@ -47,6 +47,10 @@ TEST(ClosestNames, AWordUnlikeEveryCandidateHasNone) {
     EXPECT_THAT(closestNames("Theme", keys), IsEmpty());
     EXPECT_THAT(closestNames("foo", commands), IsEmpty());
     EXPECT_THAT(closestNames("ServicesUnrelated", keys), IsEmpty());
+}
+
+TEST(ClosestNames, AWordOfManyMegabytesHasNone) {
+    EXPECT_THAT(closestNames(std::string(5'000'000, 'a'), keys), IsEmpty());
 }
 
 TEST(ClosestNames, AnEmptyWordOrListHasNone) {
