@@ -16,7 +16,7 @@ struct Command {
     std::string name;
     std::string key;
     std::string value;
-    std::string prefix; ///< For keys: the pattern.
+    std::string prefix; ///< For keys, list and dump: the pattern.
     std::string store;  ///< The name of a store. For add-store: the description of the store.
     std::string file;
     std::string htmlFile;
@@ -33,7 +33,6 @@ struct Command {
     bool sensitive = false;
     bool renamed = false;
     bool effective = false;
-    bool dryRun = false;
     bool byExpression = false;
     bool byValue = false;
     bool overridden = false;
