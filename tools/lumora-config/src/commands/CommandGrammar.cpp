@@ -56,7 +56,9 @@ void addDumps(CLI::App& app, Command& command) {
     load->add_flag("--dry-run", command.dryRun, "Check and count, but set nothing");
     load->add_flag("--force", command.forced, "Also set what XML cannot represent or the kind of a key excludes");
     auto* diff = addCommand(app, command, "diff", "Compare profiles, dumps, reports or the values in force");
-    diff->add_option("FILE", command.operands, "A dump, a report, or the folder of a profile")->expected(0, 2);
+    const auto addOperand = [&command](const std::string& operand) { command.operands.push_back(operand); };
+    diff->add_option_function<std::string>("FILE", addOperand, "A dump, a report, or the folder of a profile");
+    diff->add_option_function<std::string>("FILE2", addOperand, "The other one; without it the profile in use");
     diff->add_flag("--stores", command.withStores, "Also report equal values that come from different stores");
 }
 
