@@ -24,13 +24,13 @@ namespace ZelUnified::ConfigKeys {
 /// The values that a key may have.
 enum class KeyKind {
     Text,         ///< Any text.
-    ExactBoolean, ///< "true" or "false", ignoring case: the value is compared with one of these words.
-    Boolean,      ///< What toBool() accepts, and the corresponding words for false.
+    ExactBoolean, ///< "true" or "false", ignoring case. No other spelling is known.
+    Boolean,      ///< A word that toBool() reads as true, or the corresponding word for false.
     Enumeration,  ///< One of `KeyRow::values`.
     List,         ///< Entries NAME:PRIORITY, each followed by a semicolon.
 };
 
-/// The place of a row behind all numbered ones; rows with the same place are in the order of the catalogue.
+/// The place of a row that follows all numbered rows. Rows with the same place are in the order of the catalogue.
 inline constexpr int atEnd = 99;
 
 /// The facts about one key.

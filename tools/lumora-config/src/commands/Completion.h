@@ -8,13 +8,13 @@
 
 namespace lumora_config {
 
-/// A word that may stand at the cursor, and its meaning in a few words.
+/// A word that fits at the cursor, and its meaning in a few words.
 struct Candidate {
     std::string text;
     std::string description;
 };
 
-/// What may stand at the cursor of an unfinished command line.
+/// What fits at the cursor of an unfinished command line.
 struct Completion {
     enum class Paths { None, Files, Directories };
 

@@ -88,7 +88,7 @@ std::string completeCommandLine(const std::vector<std::string>& words) noexcept 
         });
         return answer;
     } catch (const std::exception&) {
-        return {}; // A shell has no place for a message while the user types.
+        return {}; // A shell cannot show a message while the user types.
     }
 }
 

@@ -7,7 +7,7 @@
 namespace lumora_config {
 
 /// Returns the answer to `lumora-config complete -- WORDS...`, which the scripts of the shells call: the words that may
-/// stand at the place of the last one, see Completion::toString(). Reads the profile that the words name but never
+/// replace the last one, see Completion::toString(). Reads the profile that the words name but never
 /// changes it. Returns fewer words on any failure; never throws.
 std::string completeCommandLine(const std::vector<std::string>& words) noexcept;
 

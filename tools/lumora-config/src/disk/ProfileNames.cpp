@@ -23,7 +23,7 @@ namespace {
 
 using Keys = std::set<std::wstring, ZelUnified::caseInsensitiveMapComparator>;
 
-/// A file that cannot be read is no reason to complete nothing.
+/// Calls `read` and drops its exceptions: an unreadable file adds no names.
 void ignoringFailures(const std::function<void()>& read) {
     try {
         read();

@@ -19,7 +19,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Says why the plug-in is not in this folder.
+/// Returns why the plug-in is not in this folder.
 std::string describeAbsence(const fs::path& folder) {
     std::error_code ignored;
     const auto status = fs::status(folder, ignored);

@@ -31,7 +31,7 @@ KeyFacts factsOf(const ConfigKeys::KeyRow& row) {
     return facts;
 }
 
-/// `*` is tried with ever longer texts; only the last one needs to be tried again.
+/// Matches without recursion: after a mismatch, the last `*` takes one more character. Earlier ones need no retry.
 bool matchesWildcards(std::wstring_view name, std::wstring_view pattern) {
     std::size_t at = 0;
     std::size_t next = 0;
