@@ -1,3 +1,5 @@
+#include "EndSignalPipe.h"
+
 #include <kyr/EndSignals.h>
 
 #include <fcntl.h>
@@ -100,3 +102,7 @@ void EndSignals::endProcess() noexcept {
 }
 
 } // namespace KyrCoreUtils
+
+int zel::platform::getEndSignalPipe() noexcept {
+    return KyrCoreUtils::wakeReader;
+}

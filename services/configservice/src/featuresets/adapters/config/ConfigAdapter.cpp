@@ -430,6 +430,14 @@ std::shared_ptr<ConfigStore> ConfigAdapter::getConfigStoreByName(const std::stri
     return configStoreManager ? configStoreManager->getStoreByName(name) : nullptr;
 }
 
+std::vector<std::shared_ptr<ConfigStore>> ConfigAdapter::getConfigStores() {
+    return configStoreManager ? configStoreManager->getStores() : std::vector<std::shared_ptr<ConfigStore>>();
+}
+
+ConfigMap ConfigAdapter::getRenamedKeys() {
+    return configStoreManager ? configStoreManager->getKeyAliases() : ConfigMap();
+}
+
 bool ConfigAdapter::getConfig(const std::wstring& key, std::wstring& value, std::wstring& configStoreName,
                               bool& valueFromLegacyKey, bool skipLocal) {
     if (!featureSetStarted) {

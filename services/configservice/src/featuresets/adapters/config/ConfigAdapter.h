@@ -11,6 +11,7 @@
 #include <unified/UnifiedFactory.h>
 #include <zel/PowerEventObserver.h>
 
+#include <ConfigChainView.h>
 #include <ConfigFeatureSet.h>
 #include <ConfigServiceExport.h>
 #include <ConfigStoreManager_Observer.h>
@@ -37,6 +38,7 @@ class ResetDataCallbackRegistry;
 /// it. The other operations rely on the manager's locks and read the started flag without a lock.
 class LUMORA_CONFIG_API ConfigAdapter final : public FeatureSetAdapter,
                                               public ConfigFeatureSet,
+                                              public ConfigChainView,
                                               public ConfigStoreManager_Observer,
                                               public ZelSystemMonitor::PowerEventObserver,
                                               public ProviderResetDataCallback,
@@ -82,6 +84,9 @@ public:
     void getAllConfigForPRT(std::wstring& report) override;
     std::wstring getValueFromConfigStore(const std::string& storeName, const std::wstring& key) override;
     std::shared_ptr<ConfigStore> getConfigStoreByName(const std::string& name) override;
+
+    std::vector<std::shared_ptr<ConfigStore>> getConfigStores() override;
+    ConfigMap getRenamedKeys() override;
 
     void onFireIfRequired(std::wstring key) override;
     void onSensitiveKeyAddedOrUpdated(std::wstring key) override;

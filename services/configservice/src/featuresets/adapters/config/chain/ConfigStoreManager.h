@@ -56,6 +56,9 @@ public:
     /// Returns the store of that name, or null if there is none. Does not wait for `chainLock`.
     std::shared_ptr<ConfigStore> getStoreByName(const std::string& name) const;
 
+    /// Returns the stores in chain order. Does not wait for `chainLock`.
+    StoreChain::Stores getStores() const { return *configStores.getStores(); }
+
     void registerConfigStoreAddedObserver(const std::shared_ptr<ConfigStoreAddedObserver>& observer);
     void unregisterConfigStoreAddedObserver(const std::shared_ptr<ConfigStoreAddedObserver>& observer);
     /// Registers the observer, which is not owned and must outlive the manager.
