@@ -34,6 +34,8 @@ public:
     bool sendLine(std::string_view text, std::chrono::milliseconds timeout);
     /// Waits for the next line and sets `line` to it, without the line feed. Without `timeout` it waits for ever.
     Received receiveLine(std::string& line, std::optional<std::chrono::milliseconds> timeout);
+    /// Waits until the other process has closed the connection, without reading. Returns false on a timeout.
+    bool awaitEnd(std::chrono::milliseconds timeout) const;
 
 private:
     bool takeLine(std::string& line);

@@ -104,6 +104,17 @@ LocalConnection::Received LocalConnection::receiveLine(std::string& line,
     return Received::End;
 }
 
+bool LocalConnection::awaitEnd(std::chrono::milliseconds timeout) const {
+    const auto deadline = Clock::now() + timeout;
+    pollfd source{descriptor, 0, 0}; // the end is always reported
+    while (Clock::now() < deadline) {
+        if (poll(&source, 1, timeLeft(deadline)) > 0) {
+            return true;
+        }
+    }
+    return false;
+}
+
 bool LocalConnection::takeLine(std::string& line) {
     const auto end = buffered.find('\n', searched);
     if (end == std::string::npos) {

@@ -41,4 +41,8 @@ LocalConnection::Received LocalConnection::receiveLine(std::string& /*line*/,
     return Received::End;
 }
 
+bool LocalConnection::awaitEnd(std::chrono::milliseconds /*timeout*/) const {
+    return true;
+}
+
 } // namespace KyrCoreUtils
