@@ -1,25 +1,21 @@
 #include "commands/CommandLine.h"
 #include "commands/CommandTable.h"
-#include "commands/Commands.h"
 #include "commands/Session.h"
 #include "commands/Shell.h"
-#include "commands/StandardInput.h"
 #include "disk/Doctor.h"
-#include "disk/HealthNotice.h"
 #include "host/ConfigHost.h"
-#include "host/DirectoryTrust.h"
+#include "host/HostFolders.h"
+#include "live/ChangeWatch.h"
+#include "live/LiveCommands.h"
 #include "output/JsonPrinter.h"
 #include "output/LogLinePrinter.h"
 #include "output/Output.h"
-#include "output/Terminal.h"
 #include "output/TextPrinter.h"
-#include "stores/BootstrapStores.h"
 
 #include <kyr/EndSignals.h>
 #include <kyr/StandardStreams.h>
 
 #include <cerrno>
-#include <iostream>
 #include <memory>
 #include <optional>
 #include <system_error>
@@ -37,8 +33,8 @@ Output openStream(StandardStreams::Stream stream, const OutputForm& form) {
 
 /// The outputs of the program. They outlive everything that prints or logs.
 struct Outputs {
-    Output answers = openStream(StandardStreams::Stream::Output, Terminal::describeOutput());
-    Output messages = openStream(StandardStreams::Stream::Error, Terminal::describeError());
+    Output answers = openStream(StandardStreams::Stream::Output, describeStandardOutput());
+    Output messages = openStream(StandardStreams::Stream::Error, describeStandardError());
 };
 
 std::unique_ptr<Printer> makePrinter(const CommandLine& line, Outputs& outputs) {
@@ -57,7 +53,7 @@ ExitCode addForeignStores(Session& session, const CommandLine& line, Printer& pr
         const auto store = session.addForeignStore(spec);
         try {
             if (spec.cached) {
-                session.getDisk().requireCopy(*store);
+                session.getDiskCheck().requireCopy(*store);
             }
         } catch (const Failure& failure) {
             printer.showFailure("--store", failure);
@@ -72,24 +68,68 @@ ExitCode runOne(Session& session, const Command& command) {
     return ExitCode::Done;
 }
 
-ExitCode runShell(Session& session) {
-    StandardInput buffer;
-    std::istream input(&buffer);
-    Shell shell(session, input, Terminal::isInteractive());
-    shell.endWhen([] { return EndSignals::getReceived() != 0; });
-    return shell.run();
-}
-
 /// Runs without a plug-in, before a host moves a damaged file aside.
 void examineProfile(const CommandLine& line, Printer& printer) {
     KyrCoreUtils::FileUtils::overrideDirectories(line.directories);
     showHealth(Doctor(Doctor::Lock::NotHeld).examine(), printer);
 }
 
-ExitCode runSession(const CommandLine& line, Printer& printer) {
+/// Answers other processes until a signal arrives, which is the regular end.
+ExitCode serve(Session& session, const Command& command, Printer& printer) {
+    const auto socket = session.getHost().startInspection(!command.changesRefused);
+    printer.showText("ready", "serving " + session.getHost().getConfigDirectory() + " on " + socket);
+    EndSignals::wait();
+    EndSignals::acknowledge();
+    return ExitCode::Done;
+}
+
+ExitCode watch(const CommandLine& line, Outputs& outputs) {
+    KyrCoreUtils::FileUtils::overrideDirectories(line.directories);
+    ChangeWatch watch(outputs.answers, outputs.messages, line.json ? ChangeWatch::Form::Json : ChangeWatch::Form::Text,
+                      line.command.watched, line.showSecrets);
+    if (line.command.follows) {
+        watch.runForEver();
+    } else {
+        watch.run();
+    }
+    return ExitCode::Done;
+}
+
+/// Runs the command on the client that uses the profile. Returns false if there is none, or none that can be asked.
+/// Stores of the command line belong to a host of their own.
+bool runLive(const CommandLine& line, Printer& printer) {
+    if (line.offline || !line.stores.empty() || !line.bootstraps.empty() || !LiveCommands::canRun(line.command)) {
+        return false;
+    }
+    KyrCoreUtils::FileUtils::overrideDirectories(line.directories);
+    InspectionClient client;
+    if (!client.isConnected()) {
+        return false;
+    }
+    LiveCommands(client, printer, line.showSecrets).run(line.command);
+    return true;
+}
+
+ExitCode runInSession(Session& session, const CommandLine& line, Printer& printer) {
+    if (line.command.name == "shell") {
+        return Shell(session).run();
+    }
+    return line.command.name == "serve" ? serve(session, line.command, printer) : runOne(session, line.command);
+}
+
+ExitCode runSession(const CommandLine& line, Printer& printer, Outputs& outputs) {
     if (line.command.name == "doctor") {
         examineProfile(line, printer);
         return ExitCode::Done;
+    }
+    if (line.command.name == "watch") {
+        return watch(line, outputs);
+    }
+    if (runLive(line, printer)) {
+        return ExitCode::Done;
+    }
+    if (line.live) {
+        throw Failure(ExitCode::Environment, "no running client can carry out '" + line.command.name + "'");
     }
     if (!line.trusted) {
         requireTrusted(line.namedDirectories);
@@ -98,12 +138,11 @@ ExitCode runSession(const CommandLine& line, Printer& printer) {
     showHealthNotice(host.getConfigDirectory(), printer);
     Session session(host, printer, line.showSecrets);
     host.start();
-    BootstrapStores bootstraps(host.getPluginDirectory());
     for (const auto& spec : line.bootstraps) {
-        session.addStore(bootstraps.make(spec));
+        session.addBootstrapStore(spec);
     }
     const auto storesCode = addForeignStores(session, line, printer);
-    const auto code = line.command.name == "shell" ? runShell(session) : runOne(session, line.command);
+    const auto code = runInSession(session, line, printer);
     return code == ExitCode::Done ? storesCode : code;
 }
 
@@ -114,7 +153,7 @@ ExitCode runLine(const CommandLine& line, Outputs& outputs) {
     }
     const auto printer = makePrinter(line, outputs);
     try {
-        return runSession(line, *printer);
+        return runSession(line, *printer, outputs);
     } catch (const Failure& failure) {
         printer->showFailure(line.command.name, failure);
         return failure.getCode();

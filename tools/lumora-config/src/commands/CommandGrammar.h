@@ -1,7 +1,5 @@
 #pragma once
 
-#include "Command.h"
-
 #include <string>
 #include <vector>
 
@@ -10,6 +8,28 @@ class App;
 }
 
 namespace lumora_config {
+
+/// One command with its arguments in UTF-8, as the user typed them. A command reads only the members that its grammar
+/// sets.
+struct Command {
+    std::string name;
+    std::string key;
+    std::string value;
+    std::string prefix;
+    std::string store; ///< The name of a store. For add-store: the description of the store.
+    std::string file;
+    std::string htmlFile;
+    std::string url;
+    std::vector<std::string> companions; ///< Keys whose values are shown with each change of the observed key.
+    std::vector<std::string> watched;    ///< Keys and patterns.
+    bool origin = false;
+    bool admin = false;
+    bool confirmed = false;
+    bool forced = false;
+    bool follows = false; ///< Waits for the next client.
+    bool changesRefused = false;
+    bool fromWorker = false; ///< Runs the call on a thread other than the services dispatcher's.
+};
 
 /// The set of accepted commands: those of the command line only, or those of the shell too.
 enum class CommandScope { CommandLine, Shell };

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Command.h"
+#include "CommandGrammar.h"
 #include "Session.h"
 
 #include <functional>
@@ -9,18 +9,21 @@
 
 namespace lumora_config {
 
-using CommandBody = std::function<void(Session&, const Command&)>;
-using CommandTable = std::map<std::string, CommandBody>;
+/// Runs one command and prints its answer. Throws Failure if the command finds nothing, is refused or cannot be
+/// completed.
+void runCommand(Session& session, const Command& command);
 
-/// Each function adds the commands of one group.
-void addReadCommands(CommandTable& table);
-void addWriteCommands(CommandTable& table);
-void addReportCommands(CommandTable& table);
-void addLifecycleCommands(CommandTable& table);
-void addStorageCommands(CommandTable& table);
+using CommandTable = std::map<std::string, std::function<void(Session&, const Command&)>>;
+
+/// Each function returns the commands of one group by their names.
+CommandTable getReadCommands();
+CommandTable getWriteCommands();
+CommandTable getReportCommands();
+CommandTable getLifecycleCommands();
+CommandTable getStorageCommands();
 
 /// Converts an argument (UTF-8) to the wide text that the service expects.
-std::wstring wide(const std::string& text);
+std::wstring toWide(const std::string& text);
 /// Prints the answer of a command that has no result to show.
 void reportDone(Session& session, const Command& command, const std::string& message);
 /// Prints the findings of `doctor`. Throws Failure (NotFound) if anything needs attention.

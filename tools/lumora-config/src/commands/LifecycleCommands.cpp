@@ -17,23 +17,23 @@ void stop(Session& session, const Command& command) {
 
 void refresh(Session& session, const Command& command) {
     session.getHost().refresh();
-    reportDone(session, command, "the stores that are not local are read anew");
+    reportDone(session, command, "the stores that are not local have read their sources again");
 }
 
 void powerDown(Session& session, const Command& command) {
     session.getHost().powerDown();
-    reportDone(session, command, "the machine announced that it goes down");
+    reportDone(session, command, "a shutdown of the machine is announced");
 }
 
 void observe(Session& session, const Command& command) {
     auto& host = session.getHost();
     host.onServices("lumora-config: observe", [&] {
-        const auto record = host.getService()->getConfig(wide(command.key));
+        const auto record = host.getService()->getConfig(toWide(command.key));
         std::vector<std::shared_ptr<ZelUnified::ConfigValue>> companions;
         for (const auto& key : command.companions) {
-            companions.push_back(host.getService()->getConfig(wide(key)));
+            companions.push_back(host.getService()->getConfig(toWide(key)));
         }
-        auto& watcher = session.getWatchers()[namesOf(wide(command.key)).current];
+        auto& watcher = session.getWatchers()[namesOf(toWide(command.key)).current];
         if (watcher) {
             watcher->getRecord()->removeObserver(std::weak_ptr<ZelUnified::ConfigValueObserver>(watcher));
         }
@@ -47,7 +47,7 @@ void observe(Session& session, const Command& command) {
 void unobserve(Session& session, const Command& command) {
     bool observed = false;
     session.getHost().onServices("lumora-config: unobserve", [&] {
-        auto watcher = session.getWatchers().extract(namesOf(wide(command.key)).current);
+        auto watcher = session.getWatchers().extract(namesOf(toWide(command.key)).current);
         observed = !watcher.empty();
         if (observed) {
             watcher.mapped()->getRecord()->removeObserver(
@@ -57,45 +57,39 @@ void unobserve(Session& session, const Command& command) {
     if (!observed) {
         throw Failure(ExitCode::NotFound, "the key '" + command.key + "' is not observed");
     }
-    reportDone(session, command, "observing " + command.key + " no longer");
+    reportDone(session, command, command.key + " is no longer observed");
 }
 
 void addStore(Session& session, const Command& command) {
     const auto spec = StoreSpec::parse(command.store);
     if (!session.getHost().isStarted()) {
-        throw Failure(ExitCode::NotFound, "stores are taken only while the feature set is started");
+        throw Failure(ExitCode::NotFound, "a store can be added only while the feature set is started");
     }
     const auto store = session.addForeignStore(spec);
     if (spec.cached) {
-        session.getDisk().requireCopy(*store);
+        session.getDiskCheck().requireCopy(*store);
     }
     reportDone(session, command, spec.name + " added with priority " + std::to_string(spec.priority));
 }
 
 void sensitive(Session& session, const Command& command) {
     session.getHost().onServices("lumora-config: sensitive",
-                                 [&] { session.getHost().getService()->setKeySensitive(wide(command.key)); });
-    reportDone(session, command, command.key + " is hidden from here on");
+                                 [&] { session.getHost().getService()->setKeySensitive(toWide(command.key)); });
+    reportDone(session, command, "the value of " + command.key + " is hidden from now on");
 }
 
 void wait(Session& session, const Command& command) {
     session.getHost().settle();
     session.confirmWrites();
-    reportDone(session, command, "nothing is under way");
+    reportDone(session, command, "no change is pending");
 }
 
 } // namespace
 
-void addLifecycleCommands(CommandTable& table) {
-    table["start"] = start;
-    table["stop"] = stop;
-    table["refresh"] = refresh;
-    table["power-down"] = powerDown;
-    table["observe"] = observe;
-    table["unobserve"] = unobserve;
-    table["add-store"] = addStore;
-    table["sensitive"] = sensitive;
-    table["wait"] = wait;
+CommandTable getLifecycleCommands() {
+    return {{"start", start},          {"stop", stop},           {"refresh", refresh},
+            {"power-down", powerDown}, {"observe", observe},     {"unobserve", unobserve},
+            {"add-store", addStore},   {"sensitive", sensitive}, {"wait", wait}};
 }
 
 } // namespace lumora_config

@@ -6,13 +6,13 @@ namespace lumora_config {
 
 namespace {
 
-std::optional<Reading> readFor(Session& session, const Command& command) {
+std::optional<Reading> readRequested(Session& session, const Command& command) {
     const auto& chain = session.getChain();
-    const auto key = wide(command.key);
+    const auto key = toWide(command.key);
     return command.store.empty() ? chain.read(key, command.admin) : chain.readStore(command.store, key);
 }
 
-std::string whoHasNothing(const Command& command) {
+std::string describeMiss(const Command& command) {
     if (!command.store.empty()) {
         return "the store '" + command.store + "' does not hold";
     }
@@ -21,20 +21,20 @@ std::string whoHasNothing(const Command& command) {
 
 void get(Session& session, const Command& command) {
     std::optional<Reading> reading;
-    session.getHost().onServices("lumora-config: get", [&] { reading = readFor(session, command); });
+    session.getHost().onServices("lumora-config: get", [&] { reading = readRequested(session, command); });
     if (reading) {
-        reading->value = session.getMask().show(wide(command.key), reading->value);
+        reading->value = session.getMask().show(toWide(command.key), reading->value);
     }
-    session.getPrinter().showValue(wide(command.key), reading, command.origin);
+    session.getPrinter().showValue(toWide(command.key), reading, command.origin);
     if (!reading) {
-        throw Failure(ExitCode::NotFound, whoHasNothing(command) + " the key '" + command.key + "'");
+        throw Failure(ExitCode::NotFound, describeMiss(command) + " the key '" + command.key + "'");
     }
 }
 
 void explain(Session& session, const Command& command) {
     Explanation explanation;
     session.getHost().onServices("lumora-config: explain",
-                                 [&] { explanation = session.getChain().explain(wide(command.key)); });
+                                 [&] { explanation = session.getChain().explain(toWide(command.key)); });
     session.getMask().hide(explanation);
     session.getPrinter().showExplanation(explanation);
     if (!explanation.inForce) {
@@ -45,7 +45,7 @@ void explain(Session& session, const Command& command) {
 void list(Session& session, const Command& command) {
     std::vector<ListedValue> values;
     session.getHost().onServices("lumora-config: list",
-                                 [&] { values = session.getChain().list(wide(command.prefix)); });
+                                 [&] { values = session.getChain().list(toWide(command.prefix)); });
     session.getMask().hide(values);
     session.getPrinter().showList(values);
     if (values.empty()) {
@@ -61,11 +61,8 @@ void stores(Session& session, const Command& /*command*/) {
 
 } // namespace
 
-void addReadCommands(CommandTable& table) {
-    table["get"] = get;
-    table["explain"] = explain;
-    table["list"] = list;
-    table["stores"] = stores;
+CommandTable getReadCommands() {
+    return {{"get", get}, {"explain", explain}, {"list", list}, {"stores", stores}};
 }
 
 } // namespace lumora_config

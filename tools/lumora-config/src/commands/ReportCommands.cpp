@@ -1,9 +1,7 @@
 #include "CommandTable.h"
-#include "disk/ForeignFiles.h"
 #include "host/LogLineCatcher.h"
 #include "output/ChainPage.h"
 
-#include <kyr/FileUtils.h>
 #include <kyr/StringUtils.h>
 #include <zel/RegularFile.h>
 
@@ -28,7 +26,7 @@ void writeReport(const std::string& path, const std::string& text) {
 }
 
 /// Prints the text, or writes it to the file and reports that. The paths "" and "-" mean standard output.
-void deliver(Session& session, const Command& command, const std::string& path, const std::string& text) {
+void printOrWrite(Session& session, const Command& command, const std::string& path, const std::string& text) {
     if (path.empty() || path == "-") {
         session.getPrinter().showText("report", text);
         return;
@@ -38,7 +36,7 @@ void deliver(Session& session, const Command& command, const std::string& path, 
 }
 
 /// Returns the current time in ISO 8601, which the page converts to the reader's time zone.
-std::string nameThisMoment() {
+std::string getCurrentTime() {
     using namespace std::chrono;
     const auto now = floor<seconds>(system_clock::now());
     const auto today = floor<days>(now);
@@ -61,9 +59,9 @@ void reportAsPage(Session& session, const Command& command) {
     for (auto& key : findings.keys) {
         session.getMask().hide(key);
     }
-    findings.madeAt = nameThisMoment();
+    findings.madeAt = getCurrentTime();
     findings.showsSecrets = session.getMask().showsSecrets();
-    deliver(session, command, command.htmlFile, renderChainPage(findings));
+    printOrWrite(session, command, command.htmlFile, renderChainPage(findings));
 }
 
 void report(Session& session, const Command& command) {
@@ -75,7 +73,7 @@ void report(Session& session, const Command& command) {
     session.getHost().onServices("lumora-config: report", [&] {
         text = KyrCoreUtils::toString(session.getHost().getService()->getAllConfigForPRT());
     });
-    deliver(session, command, command.file, text);
+    printOrWrite(session, command, command.file, text);
 }
 
 void log(Session& session, const Command& /*command*/) {
@@ -84,39 +82,10 @@ void log(Session& session, const Command& /*command*/) {
     session.getPrinter().showText("log", catcher.getText());
 }
 
-/// A reset empties the configuration directory. A wrong directory may contain files of other programs.
-void requireNoForeignFiles() {
-    const auto directory = KyrCoreUtils::FileUtils::getConfigDirectory();
-    const auto foreign = findForeignFiles(directory);
-    if (foreign.empty()) {
-        return;
-    }
-    auto message = directory + " contains files that are not the client's; --force removes them, too: ";
-    for (const auto& file : foreign) {
-        message += (&file == &foreign.front() ? "" : ", ") + file;
-    }
-    throw Failure(ExitCode::NotFound, message);
-}
-
-void resetData(Session& session, const Command& command) {
-    if (!command.confirmed) {
-        throw Failure(ExitCode::Usage, "reset-data removes the user's settings and the cached stores; say --yes");
-    }
-    if (!command.forced) {
-        requireNoForeignFiles();
-    }
-    session.getHost().resetData();
-    session.forgetAllExpected();
-    session.getDisk().requireReset();
-    reportDone(session, command, "the client's configuration is reset");
-}
-
 } // namespace
 
-void addReportCommands(CommandTable& table) {
-    table["report"] = report;
-    table["log"] = log;
-    table["reset-data"] = resetData;
+CommandTable getReportCommands() {
+    return {{"report", report}, {"log", log}};
 }
 
 } // namespace lumora_config

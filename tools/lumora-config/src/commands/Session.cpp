@@ -1,6 +1,10 @@
 #include "Session.h"
 
+#include "output/Failure.h"
 #include "stores/ForeignXmlStore.h"
+#include "stores/XmlSettings.h"
+
+#include <BootstrapStoreFactory.h>
 
 #include <utility>
 
@@ -13,7 +17,7 @@ Session::Session(ConfigHost& configHost, Printer& target, bool showSecrets)
 }
 
 Session::~Session() {
-    host.onServices("lumora-config: let go", [this] {
+    host.onServices("lumora-config: end session", [this] {
         watchers.clear();
         chain.reset();
     });
@@ -35,6 +39,15 @@ std::shared_ptr<ZelUnified::ConfigStore> Session::addForeignStore(const StoreSpe
     });
     addStore(store);
     return store;
+}
+
+void Session::addBootstrapStore(const BootstrapSpec& spec) {
+    readWholeFile(spec.file); // the store itself would be empty if it could not read the file
+    auto* const factory = dynamic_cast<ZelUnified::BootstrapStoreFactory*>(host.getFeatureSet().get());
+    if (factory == nullptr) {
+        throw Failure(ExitCode::Environment, "the plug-in cannot create a store for " + spec.file);
+    }
+    addStore(factory->createBootstrapStore(spec.file, spec.priority));
 }
 
 void Session::expectStored(const std::wstring& key, const std::wstring& value) {

@@ -30,6 +30,9 @@ public:
     /// Adds a store that reads the user's file. Keys that the document marks as sensitive become sensitive. Writes the
     /// cached copy if one is requested, but does not check it.
     std::shared_ptr<ZelUnified::ConfigStore> addForeignStore(const StoreSpec& spec);
+    /// Adds a store of the plug-in that reads an installer's file. Throws Failure (Environment) if the file is
+    /// unreadable.
+    void addBootstrapStore(const BootstrapSpec& spec);
 
     /// Records a value that a worker has set; confirmWrites() checks that it is on the disk.
     void expectStored(const std::wstring& key, const std::wstring& value);
@@ -40,7 +43,7 @@ public:
     void confirmWrites();
 
     ConfigHost& getHost() { return host; }
-    const DiskCheck& getDisk() const { return disk; }
+    const DiskCheck& getDiskCheck() const { return disk; }
     Printer& getPrinter() { return printer; }
     const SecretMask& getMask() const { return mask; }
     ChainInspector& getChain() { return *chain; }

@@ -1,20 +1,51 @@
 #include "Shell.h"
 
 #include "CommandGrammar.h"
-#include "Commands.h"
+#include "CommandTable.h"
 
+#include <kyr/EndSignals.h>
+#include <kyr/ProcessUtils.h>
+
+#include <array>
 #include <iostream>
+#include <istream>
+#include <streambuf>
 #include <utility>
 
 namespace lumora_config {
 
-Shell::Shell(Session& commandSession, std::istream& commands, bool interactive)
-    : session(commandSession), input(commands), prompting(interactive) {}
+using KyrCoreUtils::EndSignals;
+
+namespace {
+
+/// A stream buffer over standard input that reports the end of the input when a signal asks the program to end.
+class StandardInput final : public std::streambuf {
+private:
+    int_type underflow() override {
+        const auto length = EndSignals::readInput(buffer.data(), buffer.size());
+        if (length == 0) {
+            return traits_type::eof();
+        }
+        setg(buffer.data(), buffer.data(), buffer.data() + length);
+        return traits_type::to_int_type(buffer.front());
+    }
+
+    std::array<char, 4096> buffer{};
+};
+
+bool mustEnd() {
+    return EndSignals::getReceived() != 0;
+}
+
+} // namespace
 
 ExitCode Shell::run() {
+    const bool interactive = KyrCoreUtils::ProcessUtils::isInputTerminal();
+    StandardInput buffer;
+    std::istream input(&buffer);
     std::string line;
     do {
-        if (prompting) {
+        if (interactive) {
             std::cerr << "lumora> " << std::flush;
         }
     } while (!mustEnd() && std::getline(input, line) && !mustEnd() && runLine(line) == Next::Continue &&
@@ -29,7 +60,7 @@ void Shell::confirmWrites() {
         session.confirmWrites();
     } catch (const Failure& failure) {
         session.getPrinter().showFailure("shell", failure);
-        remember(failure.getCode());
+        recordFailure(failure.getCode());
     }
 }
 
@@ -52,12 +83,12 @@ Shell::Next Shell::runLine(const std::string& line) {
             return Next::Continue;
         }
         session.getPrinter().showFailure(name, failure);
-        remember(failure.getCode());
+        recordFailure(failure.getCode());
     }
     return Next::Continue;
 }
 
-void Shell::remember(ExitCode code) {
+void Shell::recordFailure(ExitCode code) {
     if (result == ExitCode::Done) {
         result = code;
     }
@@ -90,7 +121,7 @@ std::vector<std::string> splitWords(std::string_view line) {
         }
     }
     if (quote != '\0') {
-        throw Failure(ExitCode::Usage, "a quote is left open");
+        throw Failure(ExitCode::Usage, "a quote is not closed");
     }
     endWord();
     return words;

@@ -3,24 +3,19 @@
 #include "Session.h"
 #include "output/Failure.h"
 
-#include <functional>
-#include <istream>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 namespace lumora_config {
 
-/// Reads one command per line and runs it, until "quit", the end of the input, or a failure to write an answer. Skips
-/// empty lines and lines that begin with "#". A failing command does not end the shell. Main thread.
+/// Reads one command per line from standard input and runs it, until "quit", the end of the input, a signal that asks
+/// the program to end, or a failure to write an answer. Skips empty lines and lines that begin with "#". A failing
+/// command does not end the shell. Prints a prompt on standard error if a person types the commands. Main thread.
 class Shell {
 public:
-    /// If `interactive` is true, prints a prompt on standard error.
-    Shell(Session& commandSession, std::istream& commands, bool interactive);
-
-    /// Calls `question` before each line. The shell ends, as at the end of its input, if it returns true.
-    void endWhen(std::function<bool()> question) { mustEnd = std::move(question); }
+    /// The session must outlive the shell.
+    explicit Shell(Session& commandSession) : session(commandSession) {}
 
     /// Returns the exit code of the first failure, or Done.
     ExitCode run();
@@ -30,12 +25,10 @@ private:
 
     Next runLine(const std::string& line);
     void confirmWrites();
-    void remember(ExitCode code);
+    /// Keeps the code of the first failure.
+    void recordFailure(ExitCode code);
 
     Session& session;
-    std::istream& input;
-    const bool prompting;
-    std::function<bool()> mustEnd = [] { return false; };
     ExitCode result = ExitCode::Done;
 };
 

@@ -1,6 +1,9 @@
 #include "CommandTable.h"
 #include "disk/Doctor.h"
+#include "disk/ResetFiles.h"
 #include "disk/SettingsOnDisk.h"
+#include "disk/StoreRemoval.h"
+#include "stores/PolicyFile.h"
 
 #include <kyr/FileUtils.h>
 #include <zel/EncryptFileUtils.h>
@@ -28,7 +31,7 @@ KeptFile findMovedAside(const std::string& configDirectory, const std::string& n
         throw Failure(ExitCode::NotFound, "no file was moved aside as '" + name + "'; 'doctor' lists them");
     }
     if (found.size() > 1) {
-        throw Failure(ExitCode::NotFound, "several files were moved aside as '" + name + "'; give the whole path");
+        throw Failure(ExitCode::NotFound, "several files were moved aside as '" + name + "'; specify its path");
     }
     return found.front();
 }
@@ -41,20 +44,73 @@ void restore(Session& session, const Command& command) {
         throw Failure(ExitCode::NotFound, file.keptAs + " is " + describe(file.state) + "; nothing is changed");
     }
     if (const auto outcome = EncryptFileUtils::restoreMovedAside(file.keptAs); !outcome.succeeded) {
-        throw Failure(ExitCode::Environment, file.keptAs + " is not put back: " + outcome.cause);
+        throw Failure(ExitCode::Environment, file.keptAs + " cannot be restored: " + outcome.cause);
     }
-    session.getDisk().requireReadable(file.original);
+    session.getDiskCheck().requireReadable(file.original);
     // The stores still hold what they read before; without a refresh, their next write would overwrite the restored
     // file.
     host.refresh();
     reportDone(session, command,
-               file.keptAs + " is put back as " + FileUtils::getFileName(file.original) +
-                   "; the stores that are not local are read anew");
+               file.keptAs + " is restored as " + FileUtils::getFileName(file.original) +
+                   "; the stores that are not local have read their sources again");
 }
 
 void doctor(Session& session, const Command& /*command*/) {
     session.getHost().settle();
     showHealth(Doctor(Doctor::Lock::Held).examine(), session.getPrinter());
+}
+
+/// A reset empties the configuration directory. A wrong directory may contain files of other programs.
+void requireNoForeignFiles() {
+    const auto directory = FileUtils::getConfigDirectory();
+    const auto foreign = findForeignFiles(directory);
+    if (foreign.empty()) {
+        return;
+    }
+    auto message = directory + " contains files that are not the client's; --force deletes them too: ";
+    for (const auto& file : foreign) {
+        message += (&file == &foreign.front() ? "" : ", ") + file;
+    }
+    throw Failure(ExitCode::NotFound, message);
+}
+
+void resetData(Session& session, const Command& command) {
+    if (!command.confirmed) {
+        throw Failure(ExitCode::Usage,
+                      "reset-data removes the user's settings and the cached stores; confirm it with --yes");
+    }
+    if (!command.forced) {
+        requireNoForeignFiles();
+    }
+    session.getHost().resetData();
+    session.forgetAllExpected();
+    session.getDiskCheck().requireReset();
+    reportDone(session, command, "the client's configuration is reset");
+}
+
+void importPolicy(Session& session, const Command& command) {
+    const PolicyFile policy(command.file);
+    const auto import = policy.describe();
+    if (!import.taken.empty()) {
+        policy.install();
+        DiskCheck::requireFile(policy.getInstalledPath(), policy.getInstalledText());
+    }
+    session.getPrinter().showImport(import);
+    if (import.taken.empty()) {
+        throw Failure(ExitCode::NotFound, command.file + ": contains nothing for the current user; nothing is changed");
+    }
+    constexpr auto when = " from the next start or refresh on";
+    if (!import.refused.empty()) {
+        throw Failure(ExitCode::NotFound, command.file + ": " + std::to_string(import.refused.size()) +
+                                              " of its lines are refused; the others apply" + when);
+    }
+    reportDone(session, command, command.file + " applies" + when);
+}
+
+void removeStore(Session& session, const Command& command) {
+    StoreRemoval removal(session.getHost(), command.store);
+    removal.run();
+    reportDone(session, command, removal.describe());
 }
 
 } // namespace
@@ -67,9 +123,12 @@ void showHealth(const HealthReport& report, Printer& printer) {
     }
 }
 
-void addStorageCommands(CommandTable& table) {
-    table["doctor"] = doctor;
-    table["restore"] = restore;
+CommandTable getStorageCommands() {
+    return {{"doctor", doctor},
+            {"restore", restore},
+            {"reset-data", resetData},
+            {"import-policy", importPolicy},
+            {"remove-store", removeStore}};
 }
 
 } // namespace lumora_config

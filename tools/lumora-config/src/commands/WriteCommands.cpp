@@ -1,6 +1,4 @@
 #include "CommandTable.h"
-#include "disk/StoreRemoval.h"
-#include "stores/PolicyFile.h"
 #include "stores/RenamedKeys.h"
 #include "stores/XmlNames.h"
 #include "stores/XmlSettings.h"
@@ -34,14 +32,14 @@ std::string describeOutcome(Session& session, const std::wstring& key) {
     std::optional<Reading> reading;
     session.getHost().onServices("lumora-config: outcome", [&] { reading = session.getChain().read(key); });
     if (!reading) {
-        return "no store holds the key now";
+        return "no store contains the key now";
     }
     return "in force: \"" + toString(session.getMask().show(key, reading->value)) + "\" from " +
            toString(reading->storeName);
 }
 
 [[noreturn]] void refuseUnlessForced(const std::string& reason) {
-    throw Failure(ExitCode::NotFound, reason + "; --force sets it all the same");
+    throw Failure(ExitCode::NotFound, reason + "; --force sets it anyway");
 }
 
 std::string nameCodePoint(char32_t c) {
@@ -52,7 +50,7 @@ std::string nameCodePoint(char32_t c) {
 
 /// Never quotes the value, which may be a secret.
 void requireKeptValue(const Command& command) {
-    const auto value = wide(command.value);
+    const auto value = toWide(command.value);
     if (toString(value) != command.value) {
         refuseUnlessForced("the value of the key '" + command.key + "' is not UTF-8 and would be stored with U+FFFD");
     }
@@ -70,7 +68,7 @@ void requireStorable(const Command& command) {
     if (command.forced) {
         return;
     }
-    if (toString(wide(command.key)) != command.key || !isXmlName(wide(command.key))) {
+    if (toString(toWide(command.key)) != command.key || !isXmlName(toWide(command.key))) {
         refuseUnlessForced("the key '" + command.key +
                            "' is not an XML name: a document or report with it would be ill-formed");
     }
@@ -79,28 +77,28 @@ void requireStorable(const Command& command) {
 
 void set(Session& session, const Command& command) {
     requireStorable(command);
-    const auto key = wide(command.key);
+    const auto key = toWide(command.key);
     bool stored = false;
     runWrite(session, command,
-             [&] { stored = session.getHost().getFeatureSet()->setConfig(key, wide(command.value)); });
+             [&] { stored = session.getHost().getFeatureSet()->setConfig(key, toWide(command.value)); });
     if (!stored) {
-        throw Failure(ExitCode::NotFound, "no store takes the key '" + command.key + "'");
+        throw Failure(ExitCode::NotFound, "no store accepts a value for the key '" + command.key + "'");
     }
     if (command.fromWorker) {
-        session.expectStored(key, wide(command.value));
+        session.expectStored(key, toWide(command.value));
         reportDone(session, command, command.key + " is being set; " + describeOutcome(session, key));
         return;
     }
     session.forgetExpected({key});
-    session.getDisk().requireStored(key, wide(command.value));
+    session.getDiskCheck().requireStored(key, toWide(command.value));
     reportDone(session, command, command.key + " set; " + describeOutcome(session, key));
 }
 
 void memory(Session& session, const Command& command) {
-    const auto key = wide(command.key);
+    const auto key = toWide(command.key);
     bool stored = false;
     runWrite(session, command,
-             [&] { stored = session.getHost().getFeatureSet()->setInMemoryConfig(key, wide(command.value)); });
+             [&] { stored = session.getHost().getFeatureSet()->setInMemoryConfig(key, toWide(command.value)); });
     if (!stored) {
         throw Failure(ExitCode::NotFound, "there is no volatile store");
     }
@@ -135,7 +133,7 @@ void prepareLastRemoval(Session& session, const std::vector<std::wstring>& names
 }
 
 void reset(Session& session, const Command& command) {
-    const auto key = wide(command.key);
+    const auto key = toWide(command.key);
     const auto names = namesOf(key).getAll();
     bool held = false;
     prepareLastRemoval(session, names);
@@ -147,7 +145,7 @@ void reset(Session& session, const Command& command) {
         throw Failure(ExitCode::NotFound, "the user has no value for the key '" + command.key + "'");
     }
     session.forgetExpected(names);
-    session.getDisk().requireRemoved(command.key, names);
+    session.getDiskCheck().requireRemoved(command.key, names);
     reportDone(session, command, command.key + " reset; " + describeOutcome(session, key));
 }
 
@@ -158,9 +156,9 @@ void requireProvisioned(Session& session) {
             std::string(ConfigKeys::urlProvisioningConfigStore));
     });
     if (store) {
-        session.getDisk().requireProvisioned(*store);
+        session.getDiskCheck().requireProvisioned(*store);
     }
-    session.getDisk().requireStored(std::wstring(ConfigKeys::allowUrlProvisioning), L"False");
+    session.getDiskCheck().requireStored(std::wstring(ConfigKeys::allowUrlProvisioning), L"False");
 }
 
 void provision(Session& session, const Command& command) {
@@ -169,16 +167,16 @@ void provision(Session& session, const Command& command) {
     session.getHost().onServices("lumora-config: provision", [&] {
         const auto policy = session.getChain().read(std::wstring(ConfigKeys::allowUrlProvisioning));
         allowed = !policy || !KyrCoreUtils::caseInsensitiveStringEquals(policy->value, L"false");
-        taken = session.getHost().getService()->setUrlProvisioningData(wide(command.url));
+        taken = session.getHost().getService()->setUrlProvisioningData(toWide(command.url));
     });
     if (!taken) {
         throw Failure(ExitCode::NotFound, allowed
-                                              ? "the URL holds no setting that may be provisioned"
+                                              ? "the URL contains no setting that may be provisioned"
                                               : "provisioning by URL is not allowed: AllowUrlProvisioning is false");
     }
     session.forgetExpected({std::wstring(ConfigKeys::allowUrlProvisioning)});
     requireProvisioned(session);
-    reportDone(session, command, "settings of the URL taken; another URL needs reset-provisioning first");
+    reportDone(session, command, "the settings of the URL are stored; run reset-provisioning before another URL");
 }
 
 void resetProvisioning(Session& session, const Command& command) {
@@ -188,11 +186,10 @@ void resetProvisioning(Session& session, const Command& command) {
     session.getHost().onServices("lumora-config: reset-provisioning",
                                  [&] { done = session.getHost().getService()->resetAllowUriProvisioningData(); });
     if (!done) {
-        throw Failure(ExitCode::NotFound,
-                      "there was nothing to take back: the user's settings do not forbid provisioning");
+        throw Failure(ExitCode::NotFound, "there is nothing to reset: the user's settings do not forbid provisioning");
     }
     session.forgetExpected({key});
-    session.getDisk().requireRemoved(toString(key), {key});
+    session.getDiskCheck().requireRemoved(toString(key), {key});
     reportDone(session, command, "another provisioning URL is allowed");
 }
 
@@ -211,42 +208,15 @@ void mdm(Session& session, const Command& command) {
     reportDone(session, command, storeName + " holds " + std::to_string(keyCount) + " keys for this run");
 }
 
-void importPolicy(Session& session, const Command& command) {
-    const PolicyFile policy(command.file);
-    const auto import = policy.describe();
-    if (!import.taken.empty()) {
-        policy.install();
-        DiskCheck::requireFile(policy.getInstalledPath(), policy.getInstalledText());
-    }
-    session.getPrinter().showImport(import);
-    if (import.taken.empty()) {
-        throw Failure(ExitCode::NotFound, command.file + ": holds nothing for the current user; nothing is changed");
-    }
-    constexpr auto when = " from the next start or refresh on";
-    if (!import.refused.empty()) {
-        throw Failure(ExitCode::NotFound, command.file + ": " + std::to_string(import.refused.size()) +
-                                              " of its lines are refused; the others count" + when);
-    }
-    reportDone(session, command, command.file + " counts" + when);
-}
-
-void removeStore(Session& session, const Command& command) {
-    StoreRemoval removal(session.getHost(), command.store);
-    removal.run();
-    reportDone(session, command, removal.describe());
-}
-
 } // namespace
 
-void addWriteCommands(CommandTable& table) {
-    table["set"] = set;
-    table["memory"] = memory;
-    table["reset"] = reset;
-    table["provision"] = provision;
-    table["reset-provisioning"] = resetProvisioning;
-    table["mdm"] = mdm;
-    table["import-policy"] = importPolicy;
-    table["remove-store"] = removeStore;
+CommandTable getWriteCommands() {
+    return {{"set", set},
+            {"memory", memory},
+            {"reset", reset},
+            {"provision", provision},
+            {"reset-provisioning", resetProvisioning},
+            {"mdm", mdm}};
 }
 
 } // namespace lumora_config

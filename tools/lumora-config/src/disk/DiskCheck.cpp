@@ -1,8 +1,7 @@
 #include "DiskCheck.h"
 
-#include "ResetLeftovers.h"
+#include "ResetFiles.h"
 #include "SettingsOnDisk.h"
-#include "StoreCopy.h"
 #include "StoreRecord.h"
 #include "output/Failure.h"
 #include "stores/XmlSettings.h"
@@ -35,13 +34,13 @@ std::wstring nameInUserFile(const std::wstring& key) {
 }
 
 /// In FIPS mode a store does not return its value of this key.
-bool isReadAsHeld(const std::wstring& key) {
+bool isReadUnchanged(const std::wstring& key) {
     return !zel::common::FipsUtils::isFipsEnabled() ||
            !caseInsensitiveStringEquals(key, ConfigKeys::telephonyP2PEnabled);
 }
 
 /// What cannot be read now may be readable at the next start.
-bool mayHoldMore(const SettingsOnDisk& onDisk) {
+bool mayContainMore(const SettingsOnDisk& onDisk) {
     return onDisk.state != ReadResult::Ok && onDisk.state != ReadResult::Absent;
 }
 
@@ -54,8 +53,8 @@ bool mayHoldMore(const SettingsOnDisk& onDisk) {
 void DiskCheck::requireStored(const std::wstring& key, const std::wstring& value) const {
     host.settle();
     const auto onDisk = readUserSettings(host.getConfigDirectory());
-    const auto found = onDisk.values.find(asDocumentsKeepIt(nameInUserFile(key)));
-    if (found == onDisk.values.end() || found->second != asDocumentsKeepIt(value)) {
+    const auto found = onDisk.values.find(toStoredText(nameInUserFile(key)));
+    if (found == onDisk.values.end() || found->second != toStoredText(value)) {
         failForUser(toString(key) + " is set for this run only, because it is not on the disk");
     }
 }
@@ -64,7 +63,7 @@ void DiskCheck::requireRemoved(const std::string& key, const std::vector<std::ws
     host.settle();
     const auto onDisk = readUserSettings(host.getConfigDirectory());
     const auto isHeld = [&](const std::wstring& name) { return onDisk.values.contains(nameInUserFile(name)); };
-    if (mayHoldMore(onDisk)) {
+    if (mayContainMore(onDisk)) {
         failForUser(key + " may be reset for this run only, because the user's file cannot be read back");
     }
     if (std::ranges::any_of(names, isHeld)) {
@@ -86,7 +85,7 @@ void DiskCheck::requireCopy(ZelUnified::ConfigStore& store) const {
         failForUser("the record of the copy of " + store.getName() + " is not on the disk");
     }
     // The next start searches the file by the name in the record.
-    const auto path = findPathOfCopy(host.getConfigDirectory(), toString(entry->name));
+    const auto path = StoreRecord::findCopyPath(host.getConfigDirectory(), toString(entry->name));
     if (!path) {
         fail(what + ": its name leads out of the folder of the copies");
     }
@@ -95,23 +94,23 @@ void DiskCheck::requireCopy(ZelUnified::ConfigStore& store) const {
 
 void DiskCheck::requireProvisioned(ZelUnified::ConfigStore& store) const {
     host.settle();
-    requireCopyAt(*findPathOfCopy(host.getConfigDirectory(), store.getName()), store);
+    requireCopyAt(*StoreRecord::findCopyPath(host.getConfigDirectory(), store.getName()), store);
 }
 
 void DiskCheck::requireCopyAt(const std::string& path, ZelUnified::ConfigStore& store) const {
     const auto onDisk = readSettings(path);
     const auto isOnDisk = [&](const std::wstring& key) {
         std::wstring value;
-        const auto found = onDisk.values.find(asDocumentsKeepIt(key));
+        const auto found = onDisk.values.find(toStoredText(key));
         const bool isHeld = store.getValue(key, value);
         // A document does not preserve leading and trailing blanks of a text.
-        return !isHeld || (found != onDisk.values.end() &&
-                           (!isReadAsHeld(key) ||
-                            KyrCoreUtils::trim(found->second) == KyrCoreUtils::trim(asDocumentsKeepIt(value))));
+        return !isHeld ||
+               (found != onDisk.values.end() && (!isReadUnchanged(key) || KyrCoreUtils::trim(found->second) ==
+                                                                              KyrCoreUtils::trim(toStoredText(value))));
     };
     const auto what = "the copy of " + store.getName() + " is not on the disk";
     if (onDisk.state == ReadResult::Ok && !onDisk.wellFormed) {
-        fail(what + ": the document cannot be read back, because a key is no name in XML or a value is too long");
+        fail(what + ": the document cannot be read back, because a key is not an XML name or a value is too long");
     }
     if (onDisk.state != ReadResult::Ok || !std::ranges::all_of(store.getKeys(), isOnDisk)) {
         failForFile(what, path);
@@ -121,11 +120,11 @@ void DiskCheck::requireCopyAt(const std::string& path, ZelUnified::ConfigStore& 
 void DiskCheck::requireRecord(const std::wstring& record) const {
     host.settle();
     const auto onDisk = readUserSettings(host.getConfigDirectory());
-    if (mayHoldMore(onDisk)) {
+    if (mayContainMore(onDisk)) {
         failForUser("the store may be removed for this run only, because the user's file cannot be read back");
     }
     const auto found = onDisk.values.find(ConfigKeys::primaryConfigStores);
-    if ((found == onDisk.values.end() ? std::wstring() : found->second) != asDocumentsKeepIt(record)) {
+    if ((found == onDisk.values.end() ? std::wstring() : found->second) != toStoredText(record)) {
         failForUser("the store is removed for this run only, because the disk still holds the record of its copy");
     }
 }
@@ -139,7 +138,7 @@ void DiskCheck::requireGone(const std::string& path) const {
 
 void DiskCheck::requireFile(const std::string& path, std::string_view content) {
     if (!FileUtils::fileExists(path) || readWholeFile(path) != content) {
-        fail(path + " does not hold what was written to it");
+        fail(path + " does not contain what was written to it");
     }
 }
 
@@ -155,17 +154,17 @@ void DiskCheck::requireReset() const {
     const auto leftovers = findResetLeftovers(host.getConfigDirectory());
     if (!leftovers.empty()) {
         const auto more = leftovers.size() - 1;
-        fail("the reset is not complete: " + leftovers.front() + " is still there" +
+        fail("the reset is not complete: " + leftovers.front() + " still exists" +
              (more == 0 ? "" : ", and " + std::to_string(more) + " more"));
     }
 }
 
 void DiskCheck::failForUser(const std::string& what) const {
     if (isVolatile()) {
-        fail(what + ": in SDK mode nothing of the user is kept (Lumora_SDK_Mode is true)");
+        fail(what + ": in SDK mode no settings of the user are stored (Lumora_SDK_Mode is true)");
     }
     if (host.isPoweredDown()) {
-        fail(what + ": the machine announced that it goes down, and nothing is written until a refresh");
+        fail(what + ": a shutdown of the machine is announced, and nothing is written until a refresh");
     }
     failForFile(what, getUserFile());
 }

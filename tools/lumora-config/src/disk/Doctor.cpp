@@ -1,7 +1,7 @@
 #include "Doctor.h"
 
 #include "SettingsOnDisk.h"
-#include "host/DefaultsFile.h"
+#include "host/HostFolders.h"
 #include "output/Failure.h"
 #include "stores/PolicyFile.h"
 
@@ -51,7 +51,7 @@ std::string describeFile(const zel::storage::ProtectedFileHealth& file) {
     if (file.lastWrite && !file.lastWrite->succeeded) {
         text += ", the last write failed: " + file.lastWrite->cause;
     }
-    return file.pending ? text + ", a change waits to be written" : text;
+    return file.pending ? text + ", a change is not written yet" : text;
 }
 
 bool needsAttention(const zel::storage::ProtectedFileHealth& file) {
@@ -65,6 +65,22 @@ std::string describePolicy(const PolicyImport& policy) {
         text += ", line " + std::to_string(line.line) + " refused: " + line.reason;
     }
     return text;
+}
+
+constexpr std::size_t maxListed = 3;
+
+std::vector<std::string> describeProblems(const std::string& directory) {
+    std::vector<std::string> problems;
+    for (const auto& file : examineProtectedFiles(directory)) {
+        if (file.state != ReadResult::Ok && file.state != ReadResult::Absent) {
+            problems.push_back(FileUtils::getFileName(file.path) + " is " + describe(file.state));
+        }
+    }
+    for (const auto& file : zel::storage::EncryptFileUtils::listMovedAside(directory)) {
+        problems.push_back(FileUtils::getFileName(file.original) + " was moved aside as " +
+                           FileUtils::getFileName(file.keptAs) + " (" + describe(file.state) + ")");
+    }
+    return problems;
 }
 
 } // namespace
@@ -120,7 +136,7 @@ void Doctor::examineDefaults() {
     const auto path =
         FileUtils::getResourcesDirectory() + FileUtils::FileSeparator() + std::string(ConfigKeys::configDefaultsFile);
     try {
-        DefaultsFile(FileUtils::getResourcesDirectory()).requireReadable();
+        requireDefaultsFile(FileUtils::getResourcesDirectory());
         addExisting("defaults", path, "good", false, writableByOthers);
     } catch (const Failure& failure) {
         add("defaults", path, failure.what(), true);
@@ -164,8 +180,8 @@ void Doctor::examineKeys() {
     }
     for (const auto& path : files) {
         const bool isReplaced = path.ends_with(".bad");
-        addExisting("key", path, isReplaced ? "not a key, kept when a new one was made" : "present", isReplaced,
-                    usableByOthers);
+        addExisting("key", path, isReplaced ? "not a key, moved aside when a new one was created" : "present",
+                    isReplaced, usableByOthers);
     }
 }
 
@@ -197,6 +213,21 @@ void Doctor::addExisting(const std::string& area, const std::string& path, const
     text += isForeign ? ", owned by another user" : "";
     text += isOpen ? ", too open" : "";
     add(area, path, text, needsAttention || isForeign || isOpen);
+}
+
+void showHealthNotice(const std::string& configDirectory, Printer& printer) {
+    const auto problems = describeProblems(configDirectory);
+    if (problems.empty()) {
+        return;
+    }
+    std::string line;
+    for (std::size_t i = 0; i < problems.size() && i < maxListed; ++i) {
+        line += (i == 0 ? "" : "; ") + problems[i];
+    }
+    if (problems.size() > maxListed) {
+        line += "; and " + std::to_string(problems.size() - maxListed) + " more";
+    }
+    printer.showWarning(line + "; see 'lumora-config doctor'");
 }
 
 } // namespace lumora_config

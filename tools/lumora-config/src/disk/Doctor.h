@@ -1,6 +1,7 @@
 #pragma once
 
 #include "output/Findings.h"
+#include "output/Printer.h"
 
 #include <string>
 
@@ -34,5 +35,9 @@ private:
     const std::string configDirectory;
     HealthReport report;
 };
+
+/// Prints one line that names the protected files that are unreadable, damaged or encrypted with another key, and the
+/// files that this run or an earlier one has moved aside. Prints nothing if there are none.
+void showHealthNotice(const std::string& configDirectory, Printer& printer);
 
 } // namespace lumora_config

@@ -143,7 +143,7 @@ std::string describe(ReadResult state) {
     return "unknown";
 }
 
-std::wstring asDocumentsKeepIt(const std::wstring& value) {
+std::wstring toStoredText(const std::wstring& value) {
     // Converts through UTF-8 because the service replaces lone surrogates in that conversion.
     auto kept = KyrCoreUtils::toWideString(KyrCoreUtils::toString(value));
     std::ranges::replace_if(

@@ -36,6 +36,6 @@ std::vector<zel::storage::ProtectedFileHealth> examineProtectedFiles(const std::
 std::string describe(zel::storage::ReadResult state);
 
 /// Returns `value` as a document stores it: each character that XML cannot represent is replaced by U+FFFD.
-std::wstring asDocumentsKeepIt(const std::wstring& value);
+std::wstring toStoredText(const std::wstring& value);
 
 } // namespace lumora_config

@@ -6,7 +6,8 @@
 
 namespace lumora_config {
 
-/// Parses the text of "PrimaryConfigStores", which contains an entry `NAME:PRIORITY;` for each cached store.
+/// The record of the cached copies of stores: the text of "PrimaryConfigStores", which contains an entry
+/// `NAME:PRIORITY;` for each copy.
 class StoreRecord {
 public:
     explicit StoreRecord(std::wstring recordText);
@@ -21,8 +22,12 @@ public:
     std::wstring without(const std::wstring& storeName) const;
     /// Returns true if the service's way of removing the store gives the same text as without(). The service erases the
     /// entry at the first occurrence of the name, which may be inside the entry of another store.
-    bool isCutAsWhole(const std::wstring& storeName) const;
+    bool canBeErasedByService(const std::wstring& storeName) const;
     const std::wstring& getText() const { return text; }
+
+    /// Returns the path of the cached copy of this store. Returns nothing if the name would lead out of the folder of
+    /// the copies: such a store has no copy.
+    static std::optional<std::string> findCopyPath(const std::string& configDirectory, const std::string& storeName);
 
 private:
     std::wstring text;

@@ -1,7 +1,6 @@
 #include "StoreRemoval.h"
 
 #include "DiskCheck.h"
-#include "StoreCopy.h"
 #include "output/Failure.h"
 
 #include <kyr/FileUtils.h>
@@ -27,7 +26,7 @@ const std::wstring& recordKey() {
 }
 
 /// Returns true for the stores that the product creates at each start.
-bool isMadeAtEachStart(const std::string& name) {
+bool isCreatedAtEachStart(const std::string& name) {
     constexpr std::array ownStores{ConfigKeys::localFileConfigStore, ConfigKeys::registryConfigStore,
                                    ConfigKeys::urlProvisioningConfigStore, ConfigKeys::inMemoryConfigStore,
                                    ConfigKeys::configDefaultsFile};
@@ -39,7 +38,7 @@ bool isMadeAtEachStart(const std::string& name) {
 StoreRemoval::StoreRemoval(const ConfigHost& configHost, const std::string& storeName)
     : host(configHost), name(storeName) {
     if (!host.isStarted()) {
-        throw Failure(ExitCode::NotFound, "stores are removed only while the feature set is started");
+        throw Failure(ExitCode::NotFound, "a store can be removed only while the feature set is started");
     }
     host.onServices("lumora-config: find store", [&] {
         const auto featureSet = host.getFeatureSet();
@@ -60,7 +59,7 @@ StoreRemoval::StoreRemoval(const ConfigHost& configHost, const std::string& stor
 
 void StoreRemoval::run() {
     for (const auto& copy : copies) {
-        const auto path = findPathOfCopy(host.getConfigDirectory(), copy);
+        const auto path = StoreRecord::findCopyPath(host.getConfigDirectory(), copy);
         hadCopy = hadCopy || (path && FileUtils::fileExists(*path));
     }
     host.onServices("lumora-config: remove-store", [this] { removeOnServices(); });
@@ -78,7 +77,7 @@ void StoreRemoval::removeOnServices() {
     const auto featureSet = host.getFeatureSet();
     const StoreRecord record(readUsersRecord());
     const auto remaining = record.without(storeName);
-    if (!isUsersStore() && !record.isCutAsWhole(storeName)) {
+    if (!isUsersStore() && !record.canBeErasedByService(storeName)) {
         featureSet->setConfig(recordKey(), storeName + L';' + remaining);
     }
     host.getService()->removeConfigStoreAndCache(storeName);
@@ -98,7 +97,7 @@ void StoreRemoval::removeOnServices() {
 void StoreRemoval::deleteCopies() {
     host.settle();
     for (const auto& copy : copies) {
-        if (const auto path = findPathOfCopy(host.getConfigDirectory(), copy)) {
+        if (const auto path = StoreRecord::findCopyPath(host.getConfigDirectory(), copy)) {
             FileUtils::removeFile(*path);
             DiskCheck(host).requireGone(*path);
         }
@@ -107,7 +106,8 @@ void StoreRemoval::deleteCopies() {
 
 std::string StoreRemoval::describe() const {
     const std::string copy = hadCopy ? "; its copy on the disk is deleted" : "; it has no copy on the disk";
-    return name + (isMadeAtEachStart(name) ? " removed for this run, the next start makes it anew" : " removed") + copy;
+    return name + (isCreatedAtEachStart(name) ? " removed for this run; the next start creates it again" : " removed") +
+           copy;
 }
 
 bool StoreRemoval::isUsersStore() const {

@@ -1,8 +1,8 @@
 #include "ConfigHost.h"
 
-#include "DefaultsFile.h"
+#include "HostFolders.h"
+#include "InspectionPlugin.h"
 #include "LogLineCatcher.h"
-#include "PluginFolder.h"
 #include "output/Failure.h"
 
 #include <kyr/FileUtils.h>
@@ -32,7 +32,7 @@ std::string settleDirectories(const KyrCoreUtils::HostDirectories& directories) 
         throw Failure(ExitCode::Environment, "no usable configuration directory: a reset empties it, so it must be a "
                                              "folder of its own");
     }
-    DefaultsFile(FileUtils::getResourcesDirectory()).requireReadable();
+    requireDefaultsFile(FileUtils::getResourcesDirectory());
     return configDirectory;
 }
 
@@ -47,6 +47,7 @@ std::shared_ptr<UnifiedFactoryImpl> makeFactory(const std::string& pluginDirecto
     options.pluginFolder = pluginDirectory;
     options.plugins = {{ZelUnified::readableTypeName<ZelUnified::ConfigService>(), LUMORA_PLUGIN_LIBRARY},
                        {ZelUnified::readableTypeName<ZelUnified::ConfigFeatureSet>(), LUMORA_PLUGIN_LIBRARY}};
+    options.plugins.merge(InspectionPlugin::describe());
     return std::make_shared<UnifiedFactoryImpl>(std::move(options));
 }
 
@@ -66,7 +67,7 @@ ConfigHost::ConfigHost(const KyrCoreUtils::HostDirectories& directories, const s
     factory->Init();
     try {
         load();
-        DefaultsFile(FileUtils::getResourcesDirectory()).requireAccepted();
+        requireDefaultsAccepted(FileUtils::getResourcesDirectory());
     } catch (...) {
         end();
         throw;
@@ -79,6 +80,10 @@ ConfigHost::~ConfigHost() {
 
 void ConfigHost::start() {
     factory->StartFeatureSet(ZelUnified::configServiceId, nullptr);
+}
+
+std::string ConfigHost::startInspection(bool changesAllowed) {
+    return InspectionPlugin::start(*factory, changesAllowed);
 }
 
 void ConfigHost::stop() {
@@ -156,7 +161,7 @@ void ConfigHost::load() {
 void ConfigHost::end() {
     // A value that waits to be written sets the timer of the backup, whose alarm posts the write.
     settle();
-    timerSwitch->ringAll();
+    timerSwitch->fireAll();
     settle();
     factory->Destroy();
     service.reset();

@@ -7,50 +7,50 @@ namespace lumora_config {
 TimerSwitch::Alarm TimerSwitch::set(std::int64_t seconds, std::function<void()> ring) {
     const std::lock_guard lock(mutex);
     const Alarm alarm = ++last;
-    Waiting& added = waiting[alarm];
-    added.ring = std::move(ring);
-    added.ofClock = clock->set(seconds, [weak = weak_from_this(), alarm] {
+    PendingAlarm& added = pending[alarm];
+    added.action = std::move(ring);
+    added.clockAlarm = clock->set(seconds, [weak = weak_from_this(), alarm] {
         if (const auto self = weak.lock()) {
-            self->ring(alarm);
+            self->fire(alarm);
         }
     });
     return alarm;
 }
 
 void TimerSwitch::cancel(Alarm alarm) {
-    Waiting cancelled;
+    PendingAlarm cancelled;
     const std::lock_guard lock(mutex);
-    if (const auto found = waiting.find(alarm); found != waiting.end()) {
-        clock->cancel(found->second.ofClock);
+    if (const auto found = pending.find(alarm); found != pending.end()) {
+        clock->cancel(found->second.clockAlarm);
         cancelled = std::move(found->second); // may own the last references of its captures: destroyed after the unlock
-        waiting.erase(found);
+        pending.erase(found);
     }
 }
 
-void TimerSwitch::ringAll() {
-    std::map<Alarm, Waiting> rung;
+void TimerSwitch::fireAll() {
+    std::map<Alarm, PendingAlarm> due;
     {
         const std::lock_guard lock(mutex);
-        rung.swap(waiting);
+        due.swap(pending);
     }
-    for (const auto& [alarm, entry] : rung) {
-        clock->cancel(entry.ofClock);
-        entry.ring();
+    for (const auto& [alarm, entry] : due) {
+        clock->cancel(entry.clockAlarm);
+        entry.action();
     }
 }
 
-void TimerSwitch::ring(Alarm alarm) {
-    Waiting rung;
+void TimerSwitch::fire(Alarm alarm) {
+    PendingAlarm due;
     {
         const std::lock_guard lock(mutex);
-        const auto found = waiting.find(alarm);
-        if (found == waiting.end()) {
+        const auto found = pending.find(alarm);
+        if (found == pending.end()) {
             return;
         }
-        rung = std::move(found->second);
-        waiting.erase(found);
+        due = std::move(found->second);
+        pending.erase(found);
     }
-    rung.ring();
+    due.action();
 }
 
 } // namespace lumora_config

@@ -15,21 +15,22 @@ public:
     Alarm set(std::int64_t seconds, std::function<void()> ring) override;
     void cancel(Alarm alarm) override;
 
-    /// Fires all pending alarms on the calling thread without holding the lock. Alarms that they set wait as usual.
-    void ringAll();
+    /// Fires all pending alarms on the calling thread without holding the lock. Alarms that they set fire at their
+    /// time.
+    void fireAll();
 
 private:
-    struct Waiting {
-        Alarm ofClock = 0;
-        std::function<void()> ring;
+    struct PendingAlarm {
+        Alarm clockAlarm = 0;
+        std::function<void()> action;
     };
 
-    void ring(Alarm alarm);
+    void fire(Alarm alarm);
 
     const std::shared_ptr<TimerSource> clock = TimerSource::getInstance();
     std::mutex mutex;
-    Alarm last = 0;                   ///< Guarded by `mutex`.
-    std::map<Alarm, Waiting> waiting; ///< Guarded by `mutex`. The thread that removes an alarm fires it.
+    Alarm last = 0;                        ///< Guarded by `mutex`.
+    std::map<Alarm, PendingAlarm> pending; ///< Guarded by `mutex`. The thread that removes an alarm fires it.
 };
 
 } // namespace lumora_config

@@ -1,7 +1,7 @@
 #include "ChainPage.h"
 
+#include "EscapedText.h"
 #include "HtmlTemplate.h"
-#include "VisibleText.h"
 
 #include <kyr/StringUtils.h>
 

@@ -108,6 +108,32 @@ std::string escape(std::string_view text, LineBreaks lineBreaks) {
     return shown;
 }
 
+constexpr char32_t deleteCharacter = 0x7f;
+
+bool isControl(char32_t c) {
+    return (c < 0x20 && c != U'\n' && c != U'\t') || c == deleteCharacter;
+}
+
+/// Bidirectional marks, which could make a value look like another one.
+bool isBidirectionalMark(char32_t c) {
+    return c == 0x200e || c == 0x200f || (c >= 0x202a && c <= 0x202e) || (c >= 0x2066 && c <= 0x2069);
+}
+
+wchar_t symbolOf(char32_t control) {
+    constexpr char32_t firstSymbol = 0x2400;
+    constexpr char32_t deleteSymbol = 0x2421;
+    return static_cast<wchar_t>(control == deleteCharacter ? deleteSymbol : firstSymbol + control);
+}
+
+std::wstring nameOf(char32_t c) {
+    constexpr std::wstring_view digits = L"0123456789ABCDEF";
+    std::wstring name = L"[U+";
+    for (const unsigned shift : {12U, 8U, 4U, 0U}) {
+        name += digits[(c >> shift) & 0xfU];
+    }
+    return name + L']';
+}
+
 } // namespace
 
 std::string toOneLine(std::string_view text) {
@@ -116,6 +142,22 @@ std::string toOneLine(std::string_view text) {
 
 std::string toVisibleLines(std::string_view text) {
     return escape(text, LineBreaks::Keep);
+}
+
+std::wstring makeVisible(std::wstring_view text) {
+    std::wstring visible;
+    visible.reserve(text.size());
+    for (const wchar_t unit : text) {
+        const auto c = static_cast<char32_t>(unit);
+        if (isControl(c)) {
+            visible += symbolOf(c);
+        } else if (isBidirectionalMark(c)) {
+            visible += nameOf(c);
+        } else {
+            visible += unit;
+        }
+    }
+    return visible;
 }
 
 } // namespace lumora_config

@@ -12,4 +12,8 @@ std::string toOneLine(std::string_view text);
 /// Like toOneLine(), but keeps line feeds and tabs.
 std::string toVisibleLines(std::string_view text);
 
+/// Returns the text with invisible characters replaced for a page: control characters become their symbols,
+/// bidirectional marks their names. Keeps line breaks and tabs.
+std::wstring makeVisible(std::wstring_view text);
+
 } // namespace lumora_config

@@ -5,6 +5,7 @@
 #include <zel/LogSink.h>
 
 #include <memory>
+#include <string_view>
 
 namespace lumora_config {
 
@@ -13,8 +14,11 @@ namespace lumora_config {
 class LogLinePrinter {
 public:
     /// The output must outlive the printer and every thread that logs.
-    explicit LogLinePrinter(Output& target);
-    ~LogLinePrinter();
+    explicit LogLinePrinter(Output& target)
+        : sink(zel::logging::makeLineSink([&target](std::string_view line) { target.writeText(line); })) {
+        zel::logging::addSink(sink);
+    }
+    ~LogLinePrinter() { zel::logging::removeSink(sink); }
     LogLinePrinter(const LogLinePrinter&) = delete;
     LogLinePrinter& operator=(const LogLinePrinter&) = delete;
 

@@ -2,9 +2,42 @@
 
 #include "EscapedText.h"
 
+#include <kyr/StandardStreams.h>
+
+#include <cstdlib>
 #include <utility>
 
 namespace lumora_config {
+
+using KyrCoreUtils::StandardStreams;
+
+namespace {
+
+std::string_view getEnvironment(const char* name) {
+    const char* value = std::getenv(name);
+    return value == nullptr ? std::string_view() : value;
+}
+
+OutputForm describe(StandardStreams::Stream stream) {
+    OutputForm form;
+    form.terminal = StandardStreams::isTerminal(stream);
+    if (const auto columns = StandardStreams::getColumns(stream); columns != 0) {
+        form.columns = columns;
+    }
+    return form;
+}
+
+} // namespace
+
+OutputForm describeStandardOutput() {
+    auto form = describe(StandardStreams::Stream::Output);
+    form.coloured = form.terminal && getEnvironment("NO_COLOR").empty() && getEnvironment("TERM") != "dumb";
+    return form;
+}
+
+OutputForm describeStandardError() {
+    return describe(StandardStreams::Stream::Error);
+}
 
 Output::Output(const OutputForm& outputForm, Writer bytesWriter) : form(outputForm), writer(std::move(bytesWriter)) {}
 

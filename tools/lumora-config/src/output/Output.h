@@ -15,6 +15,11 @@ struct OutputForm {
     bool coloured = false;
 };
 
+/// Returns the form of standard output: coloured if it is a terminal with colours and NO_COLOR is not set.
+OutputForm describeStandardOutput();
+/// Returns the form of standard error, which is never coloured.
+OutputForm describeStandardError();
+
 /// One of the two outputs of the program. It decides how text is written: escaped to a terminal, unchanged elsewhere.
 /// Each call writes atomically. After a failure, writes nothing more. Any thread.
 class Output {

@@ -63,9 +63,9 @@ PolicyImport PolicyFile::describe() const {
 
 void PolicyFile::install() const {
     if (const int error = installRegistryText(text, std::filesystem::path(path).filename().string()); error != 0) {
-        const auto reason = error == EEXIST ? std::string("its name is taken there by what is not a regular file")
+        const auto reason = error == EEXIST ? std::string("something there has its name and is not a regular file")
                                             : std::generic_category().message(error);
-        throw Failure(ExitCode::Environment, path + ": cannot be put into the user's registry files: " + reason);
+        throw Failure(ExitCode::Environment, path + ": cannot be written to the user's registry files: " + reason);
     }
 }
 
@@ -86,7 +86,7 @@ void PolicyFile::dropLongValues() {
     for (auto& section : text.sections) {
         for (const auto& entry : section.entries) {
             if (isTooLong(entry)) {
-                text.refusals.push_back({entry.line, "a name or a value that is longer than the client reads"});
+                text.refusals.push_back({entry.line, "the name or the value is longer than the client can read"});
             }
         }
         std::erase_if(section.entries, isTooLong);

@@ -97,21 +97,21 @@ class SettingsCollector {
 public:
     void collect(const xmlNode& root) {
         for (auto* group = root.children; group != nullptr; group = group->next) {
-            if (!isElement(*group) || takeUserConfig(*group)) {
+            if (!isElement(*group) || addUserConfig(*group)) {
                 continue;
             }
             for (auto* child = group->children; child != nullptr; child = child->next) {
-                if (isElement(*child) && !takeUserConfig(*child)) {
+                if (isElement(*child) && !addUserConfig(*child)) {
                     add(toView(child->name), valueOf(*child), *child);
                 }
             }
         }
     }
 
-    std::vector<XmlSetting> take() { return std::move(settings); }
+    std::vector<XmlSetting> takeSettings() { return std::move(settings); }
 
 private:
-    bool takeUserConfig(xmlNode& element) {
+    bool addUserConfig(xmlNode& element) {
         if (!KyrCoreUtils::caseInsensitiveStringEquals(toView(element.name), "userConfig")) {
             return false;
         }
@@ -160,7 +160,7 @@ std::vector<XmlSetting> parseXmlSettings(std::string_view content, const std::st
     const auto document = parse(content, name);
     SettingsCollector collector;
     collector.collect(*xmlDocGetRootElement(document.get()));
-    return collector.take();
+    return collector.takeSettings();
 }
 
 } // namespace lumora_config

@@ -68,7 +68,7 @@ protected:
 
 class Doctor : public HealthOfAProfile {};
 
-TEST_F(Doctor, OfAGoodProfileShowsEveryFileAndEndsWith0) {
+TEST_F(Doctor, OfAGoodProfileShowsEveryFileAndExitsWith0) {
     profile.writePolicy("Theme", "corporate");
     const auto outcome = doctor();
     EXPECT_EQ(outcome.exitCode, 0) << outcome.out;
@@ -119,7 +119,7 @@ TEST_F(Doctor, ShowsAFileThatCannotBeRead) {
     expectAttention(mainFile, "unreadable");
 }
 
-TEST_F(Doctor, ShowsThatTheBackupServes) {
+TEST_F(Doctor, ShowsThatTheBackupIsRead) {
     std::filesystem::remove(config() / mainFile);
     expectAttention(mainFile, "its backup is read instead");
 }
@@ -185,16 +185,16 @@ protected:
     }
 };
 
-TEST_F(HealthLine, IsNotThereWhileAllFilesAreGood) {
+TEST_F(HealthLine, IsNotPrintedWhileAllFilesAreGood) {
     EXPECT_THAT(profile.run({"get", "Theme"}).error, IsEmpty());
 }
 
-TEST_F(HealthLine, TellsOfADamagedFileAndWhereItIsKept) {
+TEST_F(HealthLine, NamesADamagedFileAndItsNewPath) {
     damage(mainFile);
     expectLine(mainFile, mainFile + " was moved aside as " + mainFile + ".unreadable (damaged)");
 }
 
-TEST_F(HealthLine, ComesInEveryRunUntilTheFileIsGone) {
+TEST_F(HealthLine, IsPrintedInEveryRunUntilTheFileIsDeleted) {
     damage(mainFile);
     profile.run({"get", "IP_MODE"});
     expectLine(mainFile, "was moved aside");
@@ -202,12 +202,12 @@ TEST_F(HealthLine, ComesInEveryRunUntilTheFileIsGone) {
     EXPECT_THAT(profile.run({"get", "IP_MODE"}).error, IsEmpty());
 }
 
-TEST_F(HealthLine, TellsOfAFileThatIsEncryptedWithAnotherKey) {
+TEST_F(HealthLine, NamesAFileThatIsEncryptedWithAnotherKey) {
     replaceKeys();
     expectLine("cachedForeign.dat", "another key");
 }
 
-TEST_F(HealthLine, TellsOfAFileThatCannotBeRead) {
+TEST_F(HealthLine, NamesAFileThatCannotBeRead) {
     std::filesystem::remove(config() / mainFile);
     std::filesystem::create_directory(config() / mainFile);
     expectLine(mainFile, mainFile + " is unreadable");
@@ -218,7 +218,7 @@ protected:
     const std::string kept = mainFile + ".unreadable";
 };
 
-TEST_F(Restore, PutsAFileBackAndMovesThePresentOneAside) {
+TEST_F(Restore, RestoresAFileAndMovesThePresentOneAside) {
     std::filesystem::rename(config() / mainFile, config() / kept);
     std::filesystem::remove(config() / backupFile);
     ASSERT_EQ(profile.run({"set", "Theme", "light"}).exitCode, 0);

@@ -9,7 +9,7 @@ namespace fs = std::filesystem;
 using testing::AllOf;
 using testing::HasSubstr;
 
-TEST(Environment, WithoutAPlugInItSaysWhere) {
+TEST(Environment, AMissingPlugInIsReportedWithItsFolder) {
     const Profile profile;
     const auto empty = profile.root() / "empty";
     fs::create_directory(empty);
@@ -27,7 +27,7 @@ TEST(Environment, APlugInThatCannotBeLoadedIsNamed) {
     EXPECT_THAT(outcome.error, HasSubstr("libconfigservice.so"));
 }
 
-TEST(Environment, AFolderWithoutADefaultsFileIsRefusedAndLeftAlone) {
+TEST(Environment, AFolderWithoutADefaultsFileIsRefusedAndNotChanged) {
     const Profile profile;
     fs::remove(profile.defaultsFile());
     const auto outcome = profile.run({"explain", "TftpServer1"});
@@ -110,7 +110,7 @@ TEST(Environment, AProfileInUseNamesTheProcessThatHoldsIt) {
     EXPECT_EQ(profile.run({"get", "Theme"}).exitCode, 0);
 }
 
-TEST(Environment, LogLinesAppearOnlyWhenAskedFor) {
+TEST(Environment, LogLinesArePrintedOnlyIfRequested) {
     const Profile profile;
     EXPECT_EQ(profile.run({"get", "Theme"}).error, "");
     EXPECT_THAT(profile.run({"-v", "get", "Theme"}).error, HasSubstr("starting config feature set"));

@@ -39,7 +39,7 @@ std::string originOf(const Profile& profile, const std::string& key) {
 
 } // namespace
 
-TEST(ImportPolicy, TakesAnExportAndSaysWhat) {
+TEST(ImportPolicy, ImportsAnExportAndListsItsKeys) {
     const Profile profile;
     const auto file =
         profile.write("branch.reg", asExported(L"Windows Registry Editor Version 5.00\r\n\r\n"
@@ -60,7 +60,7 @@ TEST(ImportPolicy, TakesAnExportAndSaysWhat) {
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_EQ(outcome.out, file + ":4: " + policyKey + ": 4 set, 1 deleted\n" + file + ":12: " + policyKey +
                                "\\Old: deleted with all below it\n");
-    EXPECT_EQ(outcome.error, file + " counts from the next start or refresh on\n");
+    EXPECT_EQ(outcome.error, file + " applies from the next start or refresh on\n");
 
     EXPECT_EQ(originOf(profile, "Theme"), "gr\xC3\xBCn  (RegistryConfigStore)\n");
     EXPECT_EQ(originOf(profile, "Port"), "8080  (RegistryConfigStore)\n");
@@ -69,7 +69,7 @@ TEST(ImportPolicy, TakesAnExportAndSaysWhat) {
     EXPECT_EQ(profile.run({"get", "Gone"}).exitCode, 1);
 }
 
-TEST(ImportPolicy, TellsEachRefusedLineAndTakesTheOthers) {
+TEST(ImportPolicy, ListsEachRefusedLineAndImportsTheOthers) {
     const Profile profile;
     const auto file =
         profile.write("mixed.reg", version + header() + "\"Theme\"=\"corporate\"\r\n" +
@@ -81,12 +81,12 @@ TEST(ImportPolicy, TellsEachRefusedLineAndTakesTheOthers) {
     EXPECT_EQ(outcome.error, file + ":5: refused: a kind of value that is not known\n" + file +
                                  ":6: refused: neither a key nor a value nor a comment\n" + file +
                                  ":8: refused: a key of another root\n" + "lumora-config: " + file +
-                                 ": 3 of its lines are refused; the others count from the next start or refresh on\n");
+                                 ": 3 of its lines are refused; the others apply from the next start or refresh on\n");
     EXPECT_EQ(originOf(profile, "Theme"), "corporate  (RegistryConfigStore)\n");
     EXPECT_EQ(originOf(profile, "Other"), "1  (RegistryConfigStore)\n");
 }
 
-TEST(ImportPolicy, RefusesAValueThatWouldHideThoseBehindIt) {
+TEST(ImportPolicy, RefusesAValueThatWouldHideTheFollowingOnes) {
     const Profile profile;
     const auto fits = std::string(2047, 'x');
     const auto file = profile.write("long.reg", version + header() + "\"Fits\"=\"" + fits + "\"\r\n" +
@@ -95,8 +95,8 @@ TEST(ImportPolicy, RefusesAValueThatWouldHideThoseBehindIt) {
     const auto outcome = profile.run({"import-policy", file});
     EXPECT_EQ(outcome.exitCode, 1);
     EXPECT_THAT(outcome.error,
-                StartsWith(file + ":5: refused: a name or a value that is longer than the client reads\n" + file +
-                           ":6: refused: a name or a value that is longer than the client reads\n"));
+                StartsWith(file + ":5: refused: the name or the value is longer than the client can read\n" + file +
+                           ":6: refused: the name or the value is longer than the client can read\n"));
     EXPECT_EQ(profile.run({"get", "Fits"}).out, fits + "\n");
     EXPECT_EQ(originOf(profile, "Theme"), "last  (RegistryConfigStore)\n");
 }
@@ -112,7 +112,7 @@ TEST(ImportPolicy, AFileWithNothingForTheUserChangesNothing) {
     EXPECT_EQ(outcome.exitCode, 1);
     EXPECT_EQ(outcome.out, "");
     EXPECT_EQ(outcome.error, file + ":3: refused: a key of another root\nlumora-config: " + file +
-                                 ": holds nothing for the current user; nothing is changed\n");
+                                 ": contains nothing for the current user; nothing is changed\n");
     EXPECT_EQ(originOf(profile, "Theme"), "old  (RegistryConfigStore)\n");
 }
 
@@ -128,7 +128,7 @@ TEST(ImportPolicy, AFileOfTheSameNameReplacesTheEarlierOne) {
     EXPECT_EQ(profile.run({"get", "B"}).exitCode, 1);
 }
 
-TEST(ImportPolicy, ALaterFileTakesBackWhatAnEarlierOneSet) {
+TEST(ImportPolicy, ALaterFileDeletesValuesOfAnEarlierOne) {
     const Profile profile;
     const auto first = profile.write("10-first.reg", version + header() + "\"A\"=\"1\"\r\n\"B\"=\"1\"\r\n" +
                                                          header("\\Sub") + "\"C\"=\"1\"\r\n");
@@ -141,7 +141,7 @@ TEST(ImportPolicy, ALaterFileTakesBackWhatAnEarlierOneSet) {
     EXPECT_EQ(profile.run({"get", "B"}).out, "1\n");
 }
 
-TEST(ImportPolicy, WhatIsNoExportIsRefusedAsAWhole) {
+TEST(ImportPolicy, AFileThatIsNotAnExportIsRefusedAsAWhole) {
     const Profile profile;
     const auto file = profile.write("p.reg", "<xml/>");
     const auto outcome = profile.run({"import-policy", file});
@@ -161,7 +161,7 @@ TEST(ImportPolicy, AHiddenFileIsRefusedBecauseItWouldNotBeRead) {
     const auto outcome = profile.run({"import-policy", file});
     EXPECT_EQ(outcome.exitCode, 3);
     EXPECT_EQ(outcome.out, "");
-    EXPECT_THAT(outcome.error, HasSubstr("cannot be put into the user's registry files"));
+    EXPECT_THAT(outcome.error, HasSubstr("cannot be written to the user's registry files"));
 }
 
 TEST(ImportPolicy, ShowsNoValue) {
@@ -193,7 +193,7 @@ TEST(ImportPolicy, InJsonIsOneObject) {
                                              {"refused", json::array({refused})}}));
 }
 
-TEST(ImportPolicy, CountsInTheShellFromTheNextRefresh) {
+TEST(ImportPolicy, AppliesInTheShellFromTheNextRefresh) {
     const Profile profile;
     const auto file = profile.write("p.reg", version + header() + "\"Theme\"=\"corporate\"\r\n");
     const auto outcome = profile.shell({"import-policy " + file, "get Theme", "refresh", "get Theme"});
@@ -201,7 +201,7 @@ TEST(ImportPolicy, CountsInTheShellFromTheNextRefresh) {
     EXPECT_THAT(outcome.out, EndsWith("\nsystem\ncorporate\n"));
 }
 
-TEST(ImportPolicy, AHundredThousandValuesAreTaken) {
+TEST(ImportPolicy, AHundredThousandValuesAreImported) {
     const Profile profile;
     std::string text = version + header();
     for (int i = 0; i < 100000; ++i) {
@@ -213,14 +213,14 @@ TEST(ImportPolicy, AHundredThousandValuesAreTaken) {
     EXPECT_EQ(originOf(profile, "Key99999"), "99999  (RegistryConfigStore)\n");
 }
 
-TEST(ImportPolicy, WhatIsNoRegularFileIsNotReplaced) {
+TEST(ImportPolicy, APathThatIsNotARegularFileIsNotReplaced) {
     const Profile profile;
     const auto file = profile.write("mine.reg", "REGEDIT4\r\n[HKEY_CURRENT_USER\\K]\r\n\"a\"=\"1\"\r\n");
     const auto taken = profile.root() / "data" / "registry" / "mine.reg";
     std::filesystem::create_directories(taken);
     const auto outcome = profile.run({"import-policy", file});
     EXPECT_EQ(outcome.exitCode, 3);
-    EXPECT_THAT(outcome.error, HasSubstr("its name is taken there by what is not a regular file"));
+    EXPECT_THAT(outcome.error, HasSubstr("something there has its name and is not a regular file"));
     EXPECT_TRUE(std::filesystem::is_directory(taken));
 }
 

@@ -28,7 +28,7 @@ private:
 
 } // namespace
 
-TEST(Permissions, AllThatASessionLeavesIsTheOwnersAlone) {
+TEST(Permissions, AllFilesOfASessionAreAccessibleToTheirOwnerOnly) {
     const Profile profile;
     const std::string document = profile.writeDocument("resources/a.xml", "<FromServer>x</FromServer>");
     {

@@ -61,14 +61,14 @@ TEST_F(ReadBack, OfASetOnAReadOnlyDiskFailsAndNamesTheCause) {
                     "Read-only file system; the program tries again until it ends");
 }
 
-TEST_F(ReadBack, OfASetInTheShellFailsAndTheShellGoesOn) {
+TEST_F(ReadBack, OfASetInTheShellFailsAndTheShellContinues) {
     ASSERT_TRUE(disk.setReadOnly(true));
     const auto outcome = profile.shell({"set Theme dark", "get Theme"});
     expectNotOnDisk(outcome, "Theme is set for this run only");
     EXPECT_EQ(outcome.out, "dark\n");
 }
 
-TEST_F(ReadBack, OfAWorkersSetComesWithTheWait) {
+TEST_F(ReadBack, OfAWorkersSetIsMadeByWait) {
     ASSERT_TRUE(disk.setReadOnly(true));
     const auto outcome = profile.shell({"set Theme dark --worker", "wait"}, {"--json"});
     const auto lines = outcome.lines();
@@ -79,12 +79,12 @@ TEST_F(ReadBack, OfAWorkersSetComesWithTheWait) {
     EXPECT_EQ(outcome.exitCode, 3);
 }
 
-TEST_F(ReadBack, OfAWorkersSetComesAtTheEndOfTheShellWithoutAWait) {
+TEST_F(ReadBack, OfAWorkersSetIsMadeAtTheEndOfTheShell) {
     ASSERT_TRUE(disk.setReadOnly(true));
     expectNotOnDisk(profile.shell({"set Theme dark --worker"}), "Theme is set for this run only");
 }
 
-TEST_F(ReadBack, OfAWorkersSetThatWasTakenBackSinceSucceeds) {
+TEST_F(ReadBack, OfAWorkersSetThatWasResetSinceSucceeds) {
     const auto outcome = profile.shell({"set Theme dark --worker", "reset Theme", "wait"});
     EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
 }
@@ -119,7 +119,7 @@ TEST_F(ReadBack, OfAResetProvisioningOnAReadOnlyDiskFails) {
     expectNotOnDisk(profile.run({"reset-provisioning"}), "the disk still holds");
 }
 
-TEST_F(ReadBack, OfACopyOnAReadOnlyDiskFailsAndTheCommandRunsAllTheSame) {
+TEST_F(ReadBack, OfACopyOnAReadOnlyDiskFailsAndTheCommandStillRuns) {
     ASSERT_TRUE(disk.setReadOnly(true));
     const auto outcome = profile.run({"--store", document() + ":Foreign:40:cache", "get", "FromServer"});
     expectNotOnDisk(outcome, "copy of Foreign is not on the disk");
@@ -171,7 +171,7 @@ TEST(ReadBackOfSet, WithADamagedBackupIsOnDisk) {
     EXPECT_EQ(profile.run({"get", "Theme"}).out, "light\n");
 }
 
-TEST(ReadBackOfSet, WhileTheBackupIsDamagedInTheRunFailsAndSaysSo) {
+TEST(ReadBackOfSet, FailsAndNamesTheBackupIfItIsDamagedDuringTheRun) {
     const Profile profile;
     ASSERT_EQ(profile.run({"set", "Theme", "dark"}).exitCode, 0);
     RunningShell shell(profile);
@@ -190,19 +190,19 @@ TEST(ReadBackOfSet, AfterAPowerDownFailsUntilARefresh) {
     ASSERT_EQ(lines.size(), 4U) << outcome.out;
     EXPECT_EQ(lines[1].at("type"), "failure");
     EXPECT_EQ(lines[1].at("exitCode"), 3);
-    EXPECT_THAT(std::string(lines[1].at("message")), HasSubstr("announced that it goes down"));
+    EXPECT_THAT(std::string(lines[1].at("message")), HasSubstr("a shutdown of the machine is announced"));
     EXPECT_EQ(lines[3].at("type"), "done");
     EXPECT_EQ(profile.run({"get", "Theme"}).out, "light\n");
 }
 
-TEST(ReadBackOfSet, InSdkModeSaysThatTheSettingIsVolatile) {
+TEST(ReadBackOfSet, InSdkModeReportsThatTheSettingIsVolatile) {
     Profile profile;
     const auto outcome = withSdkMode(profile).run({"set", "Theme", "dark"});
     EXPECT_EQ(outcome.exitCode, 3);
     EXPECT_THAT(outcome.error, AllOf(HasSubstr("for this run only"), HasSubstr("SDK mode")));
 }
 
-TEST(ReadBackOfCopies, InSdkModeSaysThatThereIsNone) {
+TEST(ReadBackOfCopies, InSdkModeReportsThatThereIsNone) {
     Profile profile;
     const auto file = profile.writeDocument("a.xml", "<FromServer>x</FromServer>");
     const auto outcome = withSdkMode(profile).run({"--store", file + ":Foreign:40:cache", "get", "FromServer"});
@@ -219,7 +219,7 @@ TEST(ReadBackOfCopies, FailsForAKeyThatMakesTheDocumentUnreadable) {
     EXPECT_THAT(outcome.error, HasSubstr("cannot be read back"));
 }
 
-TEST(ReadBackOfCopies, FailsForANameThatLeadsOut) {
+TEST(ReadBackOfCopies, FailsForANameThatLeadsOutOfTheFolder) {
     const Profile profile;
     const auto file = profile.writeDocument("a.xml", "<FromServer>x</FromServer>");
     const auto outcome = profile.run({"--store", file + ":F/../x:40:cache", "get", "FromServer"});
@@ -227,7 +227,7 @@ TEST(ReadBackOfCopies, FailsForANameThatLeadsOut) {
     EXPECT_THAT(outcome.error, HasSubstr("F/../x"));
 }
 
-TEST(ReadBackOfCopies, FailsForANameThatTheRecordCannotHold) {
+TEST(ReadBackOfCopies, FailsForANameThatTheRecordCannotContain) {
     const Profile profile;
     const auto file = profile.writeDocument("a.xml", "<FromServer>x</FromServer>");
     const auto outcome = profile.run({"--store", file + ":A;B:40:cache", "get", "FromServer"});
@@ -235,7 +235,7 @@ TEST(ReadBackOfCopies, FailsForANameThatTheRecordCannotHold) {
     EXPECT_THAT(outcome.error, HasSubstr("the record of the copy of A;B is not on the disk"));
 }
 
-TEST(ReadBackOfAResetOfTheData, FailsIfThePolicyIsStillThere) {
+TEST(ReadBackOfAResetOfTheData, FailsIfThePolicyStillExists) {
     const Profile profile;
     profile.writePolicy("Theme", "corporate");
     const auto folder = profile.root() / "data/registry";
@@ -247,30 +247,30 @@ TEST(ReadBackOfAResetOfTheData, FailsIfThePolicyIsStillThere) {
     ASSERT_TRUE(disk.setReadOnly(true));
     const auto outcome = profile.run({"reset-data", "--yes"});
     EXPECT_EQ(outcome.exitCode, 3);
-    EXPECT_THAT(outcome.error, HasSubstr("policy.reg is still there"));
+    EXPECT_THAT(outcome.error, HasSubstr("policy.reg still exists"));
 }
 
 /// A change that takes long to write because the file is large.
-class ChangeUnderWay : public testing::Test {
+class PendingChange : public testing::Test {
 protected:
-    ChangeUnderWay() { EXPECT_EQ(profile.shell({"set Big " + std::string(4000000, 'x')}).exitCode, 0); }
+    PendingChange() { EXPECT_EQ(profile.shell({"set Big " + std::string(4000000, 'x')}).exitCode, 0); }
 
     const Profile profile;
 };
 
-TEST_F(ChangeUnderWay, IsNotLostByAPowerDown) {
+TEST_F(PendingChange, IsNotLostByAPowerDown) {
     const auto outcome = profile.shell({"set Small 1 --worker", "power-down"});
     EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
     EXPECT_EQ(profile.run({"get", "Small"}).out, "1\n");
 }
 
-TEST_F(ChangeUnderWay, IsNotLostByARefresh) {
+TEST_F(PendingChange, IsNotLostByARefresh) {
     const auto outcome = profile.shell({"set Small 1 --worker", "refresh", "get Small"});
     EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
     EXPECT_EQ(outcome.out, "1\n");
 }
 
-TEST(ReadBackOfAReset, OfTheUsersLastKeyFindsItGone) {
+TEST(ReadBackOfAReset, OfTheUsersLastKeyFindsItRemoved) {
     const Profile profile;
     ASSERT_EQ(profile.run({"set", "Theme", "dark"}).exitCode, 0);
     const auto outcome = profile.run({"reset", "Theme"});
@@ -278,7 +278,7 @@ TEST(ReadBackOfAReset, OfTheUsersLastKeyFindsItGone) {
     EXPECT_EQ(profile.run({"get", "Theme"}).out, "system\n");
 }
 
-TEST(ReadBackOfAReset, OfProvisioningAsTheLastKeyFindsItGone) {
+TEST(ReadBackOfAReset, OfProvisioningAsTheLastKeyFindsItRemoved) {
     const Profile profile;
     ASSERT_EQ(profile.run({"provision", link}).exitCode, 0);
     const auto outcome = profile.run({"reset-provisioning"});

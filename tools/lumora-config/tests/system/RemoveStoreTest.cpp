@@ -46,13 +46,13 @@ TEST_F(RemoveStore, OfANameThatIsPartOfOthersChangesNothing) {
     }
 }
 
-TEST_F(RemoveStore, LeavesTheRecordsOfAllOtherStoresAsTheyWere) {
+TEST_F(RemoveStore, DoesNotChangeTheRecordsOfOtherStores) {
     EXPECT_EQ(profile.run({"remove-store", "TFTP"}).exitCode, 0);
     EXPECT_EQ(record(), "MyTFTP:51;TFTPConfigStore:41;\n");
     EXPECT_THAT(stores(), AllOf(Contains("MyTFTP"), Contains("TFTPConfigStore"), Not(Contains("Tftp"))));
 }
 
-TEST_F(RemoveStore, OfAStoreWithoutRecordLeavesTheOthersAsTheyWere) {
+TEST_F(RemoveStore, OfAStoreWithoutRecordDoesNotChangeTheOthers) {
     const auto file = profile.writeDocument("b.xml", "<Other>x</Other>");
     const auto outcome = profile.run({"--store", file + ":Config:70", "remove-store", "Config"});
     EXPECT_EQ(outcome.exitCode, 0);
@@ -82,21 +82,21 @@ TEST_F(RemoveStore, DeletesTheCopyOfALiveStore) {
     EXPECT_EQ(record(), "Tftp:61;TFTPConfigStore:41;\n");
 }
 
-TEST_F(RemoveStore, SaysThatAnUncachedStoreHasNoCopy) {
+TEST_F(RemoveStore, ReportsThatAnUncachedStoreHasNoCopy) {
     const auto file = profile.writeDocument("b.xml", "<Other>x</Other>");
     const auto outcome = profile.run({"--store", file + ":Plain:70", "remove-store", "Plain"});
     EXPECT_EQ(outcome.error, "Plain removed; it has no copy on the disk\n");
 }
 
-TEST_F(RemoveStore, OfAStoreThatTheProductMakesSaysThatItComesBack) {
+TEST_F(RemoveStore, OfAStoreOfTheProductReportsThatTheNextStartCreatesItAgain) {
     const auto outcome = profile.run({"remove-store", "RegistryConfigStore"});
     EXPECT_EQ(outcome.exitCode, 0);
-    EXPECT_THAT(outcome.error, HasSubstr("removed for this run, the next start makes it anew"));
+    EXPECT_THAT(outcome.error, HasSubstr("removed for this run; the next start creates it again"));
     EXPECT_THAT(stores(), Contains("RegistryConfigStore"));
     EXPECT_EQ(record(), wholeRecord);
 }
 
-TEST_F(RemoveStore, OfTheUsersStoreLeavesItsFileAsItWas) {
+TEST_F(RemoveStore, OfTheUsersStoreDoesNotChangeItsFile) {
     ASSERT_EQ(profile.run({"set", "Theme", "dark"}).exitCode, 0);
     const auto outcome = profile.run({"remove-store", "LocalFileConfigStore"});
     EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
@@ -104,7 +104,7 @@ TEST_F(RemoveStore, OfTheUsersStoreLeavesItsFileAsItWas) {
     EXPECT_EQ(record(), wholeRecord);
 }
 
-TEST_F(RemoveStore, LeavesTheUsersRecordAloneIfAnotherStoreHoldsOneInFront) {
+TEST_F(RemoveStore, DoesNotChangeTheUsersRecordIfAStoreOfHigherPriorityHasOne) {
     const auto file = profile.writeDocument("front.xml", "<PrimaryConfigStores>Alien:1;</PrimaryConfigStores>");
     const auto outcome = profile.run({"--store", file + ":Front:10", "remove-store", "Tftp"});
     EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
@@ -118,7 +118,7 @@ TEST_F(RemoveStore, IsRefusedWhileTheFeatureSetIsStopped) {
     EXPECT_EQ(record(), wholeRecord);
 }
 
-TEST_F(RemoveStore, OfANameThatLeadsOutDeletesNoOtherFile) {
+TEST_F(RemoveStore, OfANameThatLeadsOutOfTheFolderDeletesNoOtherFile) {
     const auto file = profile.writeDocument("b.xml", "<Other>x</Other>");
     std::filesystem::create_directories(profile.root() / "config/Cache/cachedF");
     const auto victim = profile.write("victim.dat", "precious");

@@ -14,7 +14,7 @@ using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
 
-TEST(Report, HoldsEveryStoreWithoutSecrets) {
+TEST(Report, ContainsEveryStoreWithoutSecrets) {
     const Profile profile;
     ASSERT_EQ(profile.run({"set", "Theme", "dark"}).exitCode, 0);
     ASSERT_EQ(profile.run({"set", "connectionpassword", "planted-secret"}).exitCode, 0);
@@ -25,7 +25,7 @@ TEST(Report, HoldsEveryStoreWithoutSecrets) {
                                    Not(HasSubstr("planted-secret"))));
 }
 
-TEST(Report, GoesIntoAFile) {
+TEST(Report, IsWrittenToAFile) {
     const Profile profile;
     const auto file = (profile.root() / "report.xml").string();
     const auto outcome = profile.run({"report", "-o", file});
@@ -42,7 +42,7 @@ TEST(Report, AFileThatCannotBeWrittenIsNamed) {
     EXPECT_THAT(outcome.error, HasSubstr(file + ": cannot be written"));
 }
 
-TEST(Report, ItsFilesAreReplacedWholeAndForTheirOwnerAlone) {
+TEST(Report, ReplacesTheWholeFileAndRestrictsItToItsOwner) {
     const Profile profile;
     const auto file = profile.write("report", "an older report");
     for (const auto* option : {"-o", "--html"}) {
@@ -59,7 +59,7 @@ TEST(Report, ItsFilesAreReplacedWholeAndForTheirOwnerAlone) {
     }
 }
 
-TEST(Report, ATargetThatIsNoRegularFileIsRefused) {
+TEST(Report, ATargetThatIsNotARegularFileIsRefused) {
     const Profile profile;
     const auto pipe = (profile.root() / "pipe").string();
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
@@ -82,7 +82,7 @@ TEST(Report, OfALinkReplacesItsTarget) {
     }
 }
 
-TEST(Report, AHyphenIsStandardOutput) {
+TEST(Report, AHyphenMeansStandardOutput) {
     const Profile profile;
     const auto plain = profile.run({"report"});
     const auto outcome = profile.run({"report", "-o", "-"});
@@ -101,7 +101,7 @@ TEST(Log, ShowsTheSettingsReport) {
                                    HasSubstr("End Settings")));
 }
 
-TEST(ResetData, AsksForConfirmation) {
+TEST(ResetData, RequiresConfirmation) {
     const Profile profile;
     ASSERT_EQ(profile.run({"set", "Theme", "dark"}).exitCode, 0);
     const auto outcome = profile.run({"reset-data"});
@@ -110,7 +110,7 @@ TEST(ResetData, AsksForConfirmation) {
     EXPECT_EQ(profile.run({"get", "Theme"}).out, "dark\n");
 }
 
-TEST(ResetData, TakesTheUsersSettingsAndTheCopies) {
+TEST(ResetData, DeletesTheUsersSettingsAndTheCopies) {
     const Profile profile;
     const auto file = profile.writeDocument("a.xml", "<FromServer>x</FromServer>");
     ASSERT_EQ(profile.run({"--store", file + ":Foreign:40:cache", "set", "Theme", "dark"}).exitCode, 0);

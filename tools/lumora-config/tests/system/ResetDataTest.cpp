@@ -60,7 +60,7 @@ protected:
     const Profile profile;
 };
 
-TEST_F(ResetOfAFullProfile, LeavesExactlyWhatMaySurviveByteForByte) {
+TEST_F(ResetOfAFullProfile, KeepsExactlyTheFilesThatSurviveUnchanged) {
     auto before = contentOf(config());
     ASSERT_THAT(before, testing::Contains(Key("lumoraLocalConfig.dat")));
     ASSERT_THAT(before, testing::Contains(Key("Cache/cachedForeign.dat")));
@@ -74,7 +74,7 @@ TEST_F(ResetOfAFullProfile, LeavesExactlyWhatMaySurviveByteForByte) {
     }
 }
 
-TEST_F(ResetOfAFullProfile, WhatSurvivesWorksInTheNextRun) {
+TEST_F(ResetOfAFullProfile, FilesThatSurviveAreUsedInTheNextRun) {
     run({"reset-data", "--yes", "--force"});
     EXPECT_EQ(run({"get", "ServicesDomain", "--origin"}).out, "example.net  (UrlProvisioningConfigStore)\n");
     EXPECT_EQ(run({"get", "Theme", "--origin"}).out, "system  (lumora-config-defaults.xml)\n");
@@ -84,43 +84,43 @@ TEST_F(ResetOfAFullProfile, WhatSurvivesWorksInTheNextRun) {
     EXPECT_EQ(run({"get", "Theme"}).out, "light\n");
 }
 
-TEST_F(ResetOfAFullProfile, LeavesTheFoldersStanding) {
+TEST_F(ResetOfAFullProfile, KeepsTheFolders) {
     run({"reset-data", "--yes", "--force"});
     EXPECT_TRUE(fs::is_directory(config() / "Cache" / "deep"));
 }
 
-TEST_F(ResetOfAFullProfile, LinksThatLeadOutAreNotFollowed) {
+TEST_F(ResetOfAFullProfile, LinksOutOfTheFolderAreNotFollowed) {
     const auto outcome = run({"reset-data", "--yes", "--force"});
     EXPECT_FALSE(fs::exists(fs::symlink_status(config() / "file-link")));
     EXPECT_THAT(contentOf(profile.root() / "outside"), ElementsAre(testing::Pair("precious.txt", "precious")));
 }
 
-TEST_F(ResetOfAFullProfile, KeysOfTheEncryptedFilesAreNotTouched) {
+TEST_F(ResetOfAFullProfile, KeysOfTheEncryptedFilesAreKept) {
     const auto before = contentOf(profile.root() / "data" / "keys");
     ASSERT_THAT(before, Not(IsEmpty()));
     run({"reset-data", "--yes", "--force"});
     EXPECT_EQ(contentOf(profile.root() / "data" / "keys"), before);
 }
 
-TEST_F(ResetOfAFullProfile, ListsForeignFilesAndLeavesEverythingAlone) {
+TEST_F(ResetOfAFullProfile, ListsForeignFilesAndChangesNothing) {
     run({"stores"}); // moves a protected file with any other content aside
     const auto before = contentOf(config());
     const auto outcome = profile.run({"reset-data", "--yes"});
     EXPECT_EQ(outcome.exitCode, 1);
-    EXPECT_THAT(outcome.error, HasSubstr("contains files that are not the client's; --force removes them, too: "
+    EXPECT_THAT(outcome.error, HasSubstr("contains files that are not the client's; --force deletes them too: "
                                          ".hidden, Cache/deep/other.xml, file-link, folder-link, "
                                          "installationId.txt.bak, other.log\n"));
     EXPECT_EQ(contentOf(config()), before);
     EXPECT_EQ(run({"get", "Theme"}).out, "dark\n");
 }
 
-TEST_F(ResetOfAFullProfile, TellsNoSecret) {
+TEST_F(ResetOfAFullProfile, PrintsNoSecret) {
     const auto outcome = run({"-v", "reset-data", "--yes", "--force"});
     EXPECT_THAT(outcome.error, HasSubstr("ConfigAdapter reset."));
     EXPECT_THAT(outcome.out + outcome.error, Not(HasSubstr("planted-secret")));
 }
 
-TEST(ResetData, FilesMovedAsideAndTemporaryOnesAreTheClientsOwn) {
+TEST(ResetData, FilesMovedAsideAndTemporaryFilesBelongToTheClient) {
     const Profile profile;
     ASSERT_EQ(profile.run({"set", "Theme", "dark"}).exitCode, 0);
     for (const auto* name : {"lumoraLocalConfig.dat.unreadable", "lumoraLocalConfig.dat.unreadable.2",
@@ -132,7 +132,7 @@ TEST(ResetData, FilesMovedAsideAndTemporaryOnesAreTheClientsOwn) {
     EXPECT_THAT(contentOf(profile.root() / "config"), IsEmpty());
 }
 
-TEST(ResetData, ForceIsNoConfirmation) {
+TEST(ResetData, ForceDoesNotConfirm) {
     const Profile profile;
     EXPECT_EQ(profile.run({"reset-data", "--force"}).exitCode, 2);
 }

@@ -44,14 +44,14 @@ TEST(Shell, QuitLeavesTheRestUnread) {
     EXPECT_EQ(profile.shell({"get Theme", "quit", "get IP_MODE"}).out, "system\n");
 }
 
-TEST(Shell, AFailureDoesNotEndItAndTheFirstOneIsItsExitCode) {
+TEST(Shell, AFailureDoesNotEndItAndTheFirstOneIsTheExitCode) {
     const Profile profile;
     const auto outcome = profile.shell({"get NoSuchKey", "get", "get Theme"});
     EXPECT_EQ(outcome.exitCode, 1);
     EXPECT_EQ(outcome.out, "system\n");
 }
 
-TEST(Shell, HelpNamesItsOwnCommands) {
+TEST(Shell, HelpListsTheCommandsOfTheShell) {
     const Profile profile;
     const auto outcome = profile.shell({"help"});
     EXPECT_EQ(outcome.exitCode, 0);
@@ -61,7 +61,7 @@ TEST(Shell, HelpNamesItsOwnCommands) {
     }
 }
 
-TEST(Shell, AWriteIsToldToTheObserverPropertyByProperty) {
+TEST(Shell, AWriteNotifiesTheObserverOfEachProperty) {
     const Profile profile;
     const auto outcome = profile.shell({"observe Theme", "set Theme dark"}, {"--json"});
     const auto notifications = ofType(outcome, "notification");
@@ -97,7 +97,7 @@ TEST(Shell, AWriteOfAWorkerReachesTheObserverOnTheDispatcher) {
     EXPECT_TRUE(std::ranges::all_of(notifications, [](const json& line) { return line.at("thread") == "services"; }));
 }
 
-TEST(Shell, AStoreArrivesAndLeavesAndTheObserverHearsEachPropertyOnce) {
+TEST(Shell, AddingAndRemovingAStoreNotifiesTheObserverOnceForEachProperty) {
     const Profile profile;
     const auto file = profile.writeDocument("three.xml", "<Theme>corporate</Theme><New_A>a</New_A><New_B>b</New_B>");
     const auto outcome = profile.shell({"observe New_A --with New_B --with Theme", "add-store " + file + ":Foreign:40",
@@ -121,7 +121,7 @@ TEST(Shell, AStoreArrivesAndLeavesAndTheObserverHearsEachPropertyOnce) {
     EXPECT_EQ(values.at(1).at("value"), "system");
 }
 
-TEST(Shell, ARecordFallsBackOnTheRestOfTheChainWhenItsStoreLeaves) {
+TEST(Shell, ARecordGetsTheNextValueOfTheChainWhenItsStoreIsRemoved) {
     const Profile profile;
     const auto file = profile.writeDocument("three.xml", "<Theme>corporate</Theme><New_A>a</New_A><New_B>b</New_B>");
     const auto outcome =
@@ -136,7 +136,7 @@ TEST(Shell, ARecordFallsBackOnTheRestOfTheChainWhenItsStoreLeaves) {
         << outcome.out;
 }
 
-TEST(Shell, ObservingAgainReplacesWhatIsShownWithTheKey) {
+TEST(Shell, ObservingAgainReplacesTheKeysShownWithIt) {
     const Profile profile;
     const auto outcome = profile.shell({"observe Theme", "observe THEME --with IP_MODE", "set Theme dark"}, {"--json"});
     const auto notifications = ofType(outcome, "notification");
@@ -152,7 +152,7 @@ TEST(Shell, UnobserveEndsTheNotifications) {
     EXPECT_EQ(ofType(outcome, "failure").at(0).at("exitCode"), 1);
 }
 
-TEST(Shell, ASensitiveKeyIsHiddenFromThenOn) {
+TEST(Shell, SensitiveHidesTheValueFromThenOn) {
     const Profile profile;
     const auto outcome =
         profile.shell({"sensitive Pin", "observe Pin", "set Pin planted-secret", "get Pin", "list Pin"}, {"--json"});
@@ -160,13 +160,13 @@ TEST(Shell, ASensitiveKeyIsHiddenFromThenOn) {
     EXPECT_EQ(ofType(outcome, "value").at(0).at("value"), "VALUE_HIDDEN");
 }
 
-TEST(Shell, AMemoryValueIsGoneWithTheRun) {
+TEST(Shell, AMemoryValueEndsWithTheRun) {
     const Profile profile;
     EXPECT_EQ(profile.shell({"memory Fresh one", "get Fresh --origin"}).out, "one  (InMemoryConfigStore)\n");
     EXPECT_EQ(profile.run({"get", "Fresh"}).exitCode, 1);
 }
 
-TEST(Shell, StopDropsWhatIsNotLocalAndStartBringsTheUsersFileBack) {
+TEST(Shell, StopDropsStoresThatAreNotLocalAndStartReadsTheUsersFileAgain) {
     const Profile profile;
     const auto file = profile.writeDocument("a.xml", "<FromServer>x</FromServer>");
     const auto outcome =
@@ -185,7 +185,7 @@ TEST(Shell, StopDropsWhatIsNotLocalAndStartBringsTheUsersFileBack) {
                                                                 "InMemoryConfigStore", "lumora-config-defaults.xml"));
 }
 
-TEST(Shell, RefreshBringsTheRegistryBackAndDropsForeignStores) {
+TEST(Shell, RefreshReadsTheRegistryAgainAndDropsForeignStores) {
     const Profile profile;
     profile.writePolicy("Theme", "corporate");
     const auto file = profile.writeDocument("a.xml", "<FromServer>x</FromServer>");
@@ -199,7 +199,7 @@ TEST(Shell, RefreshBringsTheRegistryBackAndDropsForeignStores) {
     EXPECT_EQ(values[2].at("found"), false);
 }
 
-TEST(Shell, APowerDownKeepsWhatTheUserSet) {
+TEST(Shell, APowerDownKeepsTheUsersSettings) {
     const Profile profile;
     const auto outcome = profile.shell({"set Theme dark", "wait", "power-down", "get Theme"});
     EXPECT_EQ(outcome.exitCode, 0) << outcome.error;

@@ -41,7 +41,7 @@ TEST_P(EndSignal, EndsTheShellWithTheFileAndItsBackupOnDisk) {
     EXPECT_EQ(profile.run({"get", "Theme"}).out, "dark\n");
 }
 
-TEST_P(EndSignal, LetsTheCommandThatRunsEndAndRunsNoOther) {
+TEST_P(EndSignal, FinishesTheRunningCommandAndRunsNoOther) {
     RunningShell shell(profile);
     startBlockedAnswer(shell, "set Never 1");
     shell.signal(GetParam());
@@ -51,7 +51,7 @@ TEST_P(EndSignal, LetsTheCommandThatRunsEndAndRunsNoOther) {
     EXPECT_EQ(profile.run({"get", "Never"}).exitCode, 1);
 }
 
-TEST_P(EndSignal, ASecondOneEndsTheProcessAtOnce) {
+TEST_P(EndSignal, ASecondSignalEndsTheProcessAtOnce) {
     RunningShell shell(profile);
     startBlockedAnswer(shell, "wait");
     EXPECT_EQ(shell.signalUntilEnd(GetParam()), 128 + GetParam());

@@ -36,7 +36,7 @@ TEST(StandardOutput, ThatIsFullIsAnError) {
     }
 }
 
-TEST(StandardOutput, ThatIsClosedIsAnErrorAndHarmsNoFile) {
+TEST(StandardOutput, ThatIsClosedIsAnErrorAndDamagesNoFile) {
     const Profile profile;
     const auto outcome = runInto(toClosedStream, profile, {"shell"}, "set Greeting hello\nget Greeting\n");
     EXPECT_EQ(outcome.exitCode, 3);
@@ -52,7 +52,7 @@ TEST(StandardOutput, ThatIsNotNeededMayBeClosedOrFull) {
     }
 }
 
-TEST(StandardOutput, ThatNobodyReadsEndsQuietly) {
+TEST(StandardOutput, ThatNobodyReadsEndsWithoutAMessage) {
     const Profile profile;
     for (const auto& arguments : {Arguments{"get", "Theme"}, Arguments{"--json", "list"}, Arguments{"report"},
                                   Arguments{"--help"}, Arguments{"--version"}}) {
@@ -62,7 +62,7 @@ TEST(StandardOutput, ThatNobodyReadsEndsQuietly) {
     }
 }
 
-TEST(StandardOutput, ThatNobodyReadsEndsTheShellWithWhatItAcknowledgedOnDisk) {
+TEST(StandardOutput, ThatNobodyReadsEndsTheShellWithAcknowledgedChangesOnDisk) {
     const Profile profile;
     const auto outcome =
         runInto(toClosedPipe, profile, {"shell"}, "set First 1\nget First\nset Second 2\nget Second\n");

@@ -124,7 +124,7 @@ void Story::deviceManagementForbidsIt() const {
 
 } // namespace
 
-TEST_F(Story, OfAProfileFromItsInstallationToItsLastWord) {
+TEST_F(Story, RunsFromTheInstallationOfAProfileToItsReset) {
     sourcesComeAndGo();
     theUserHasTheFirstWord();
     aSwitchTakesTheUsersServers();

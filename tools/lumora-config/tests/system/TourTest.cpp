@@ -16,7 +16,7 @@ std::string inTree(const std::string& path) {
 
 } // namespace
 
-TEST(Tour, PlaysToItsEndAndShowsEachStep) {
+TEST(Tour, RunsToItsEndAndShowsEachStep) {
     setenv("LUMORA_CONFIG", LUMORA_CONFIG_PROGRAM, 1);
     const auto outcome = runProcess("/bin/bash", {inTree("scripts/tour")});
     EXPECT_EQ(outcome.exitCode, 0) << outcome.out << outcome.error;
@@ -28,7 +28,7 @@ TEST(Tour, PlaysToItsEndAndShowsEachStep) {
     EXPECT_THAT(outcome.out, testing::Not(HasSubstr("not-for-the-screen")));
 }
 
-TEST(Tour, LeavesTheSampleProfileAsItWas) {
+TEST(Tour, DoesNotChangeTheSampleProfile) {
     setenv("LUMORA_CONFIG", LUMORA_CONFIG_PROGRAM, 1);
     runProcess("/bin/bash", {inTree("scripts/tour")});
     EXPECT_FALSE(std::filesystem::exists(inTree("examples/profile/config")));

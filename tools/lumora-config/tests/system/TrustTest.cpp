@@ -26,7 +26,7 @@ Outcome runWithFolders(const Profile& profile, Arguments arguments) {
 void expectRefused(const Outcome& outcome, const fs::path& folder, const std::string& reason) {
     EXPECT_EQ(outcome.exitCode, 3);
     EXPECT_EQ(outcome.out, "");
-    EXPECT_EQ(outcome.error, "lumora-config: " + folder.string() + ": " + reason + "; --trust uses it all the same\n");
+    EXPECT_EQ(outcome.error, "lumora-config: " + folder.string() + ": " + reason + "; --trust accepts it\n");
 }
 
 void openToEverybody(const fs::path& folder) {
@@ -93,7 +93,7 @@ TEST(Trust, ADirectoryOfAnotherUserIsRefused) {
     EXPECT_EQ(profile.run({"--trust", "get", "Theme"}).out, "system\n");
 }
 
-TEST(Trust, FoldersOfRootAreFine) {
+TEST(Trust, FoldersOfRootAreAccepted) {
     const Profile profile;
     const auto outcome = profile.run({"--plugin-dir", "/usr/bin", "get", "Theme"});
     EXPECT_THAT(outcome.error, HasSubstr("no plug-in libconfigservice.so in /usr/bin"));

@@ -10,7 +10,7 @@ using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
 
-TEST(Set, LastsAndSaysWhatIsInForce) {
+TEST(Set, IsPersistentAndReportsTheEffectiveValue) {
     const Profile profile;
     const auto outcome = profile.run({"set", "Theme", "dark"});
     EXPECT_EQ(outcome.exitCode, 0);
@@ -40,7 +40,7 @@ TEST(Set, KeepsUmlautsSpacesAndMarkup) {
     EXPECT_EQ(profile.run({"get", "Greeting"}).out, value + "\n");
 }
 
-TEST(Set, TellsThatAStoreInFrontStillWins) {
+TEST(Set, ReportsThatAStoreOfHigherPriorityStillWins) {
     const Profile profile;
     const auto file = profile.writeDocument("a.xml", "<Theme>corporate</Theme>");
     const auto outcome = profile.run({"--store", file + ":Front:10", "set", "Theme", "dark"});
@@ -48,7 +48,7 @@ TEST(Set, TellsThatAStoreInFrontStillWins) {
     EXPECT_THAT(outcome.error, HasSubstr("in force: \"corporate\" from Front"));
 }
 
-TEST(Set, DoesNotRepeatASecret) {
+TEST(Set, DoesNotPrintASecret) {
     const Profile profile;
     const auto outcome = profile.run({"set", "connectionpassword", "planted-secret"});
     EXPECT_THAT(outcome.out + outcome.error, AllOf(HasSubstr("VALUE_HIDDEN"), Not(HasSubstr("planted-secret"))));
@@ -70,7 +70,7 @@ TEST(Set, AKeyThatIsNoXmlNameIsRefusedUnlessForced) {
         const auto outcome = profile.run({"set", key, "x"});
         EXPECT_EQ(outcome.exitCode, 1) << key;
         EXPECT_THAT(outcome.error, HasSubstr("is not an XML name: a document or report with it would be ill-formed; "
-                                             "--force sets it all the same"));
+                                             "--force sets it anyway"));
     }
     EXPECT_EQ(profile.run({"set", "1key", "x", "--force"}).exitCode, 0);
     EXPECT_EQ(profile.run({"get", "1key"}).out, "x\n");
@@ -89,28 +89,28 @@ TEST(Set, AValueThatXmlCannotRepresentIsRefusedUnlessForced) {
     EXPECT_EQ(profile.shell({"set Theme 'a\x01z' --force", "get Theme"}).out, "a\x01z\n");
 }
 
-TEST(Reset, BringsTheAdministratorsValueBack) {
+TEST(Reset, RestoresTheAdministratorsValue) {
     const Profile profile;
     ASSERT_EQ(profile.shell({"set Other x", "set Theme dark"}).exitCode, 0);
     EXPECT_EQ(profile.run({"reset", "THEME"}).exitCode, 0);
     EXPECT_EQ(profile.run({"get", "Theme", "--origin"}).out, "system  (lumora-config-defaults.xml)\n");
 }
 
-TEST(Reset, TakesBothNamesOfAKey) {
+TEST(Reset, RemovesBothNamesOfAKey) {
     const Profile profile;
     ASSERT_EQ(profile.shell({"set Other x", "set TFTPPrimaryServer mine.example"}).exitCode, 0);
     EXPECT_EQ(profile.run({"reset", "TftpServer1"}).exitCode, 0);
     EXPECT_EQ(profile.run({"get", "TFTPPrimaryServer"}).exitCode, 1);
 }
 
-TEST(Reset, OfWhatTheUserNeverSetIsRefused) {
+TEST(Reset, OfAKeyThatTheUserNeverSetIsRefused) {
     const Profile profile;
     const auto outcome = profile.run({"reset", "Theme"});
     EXPECT_EQ(outcome.exitCode, 1);
     EXPECT_THAT(outcome.error, HasSubstr("the user has no value for the key 'Theme'"));
 }
 
-TEST(Provision, TakesTheSettingsOfAUrlOnceUntilItIsAllowedAgain) {
+TEST(Provision, StoresTheSettingsOfOneUrlUntilAnotherIsAllowed) {
     const Profile profile;
     ASSERT_EQ(profile.run({"set", "Theme", "dark"}).exitCode, 0);
     const std::string url = "lumora://provision?ServicesDomain=example.org&Unknown=1";
@@ -138,7 +138,7 @@ TEST(ResetProvisioning, WithoutAPriorProvisioningIsRefused) {
     EXPECT_EQ(profile.run({"reset-provisioning"}).exitCode, 1);
 }
 
-TEST(Mdm, PutsTheDocumentIntoTheChain) {
+TEST(Mdm, AddsTheDocumentToTheChain) {
     const Profile profile;
     const auto file = profile.writeDocument("mdm.xml", "<Theme>managed</Theme><Other>1</Other>");
     const auto outcome = profile.shell({"mdm " + file, "get Theme --origin"});

@@ -16,17 +16,17 @@ TEST(ShellWords, KeepQuotedTextTogether) {
     EXPECT_THAT(splitWords(R"(pre"fix and"suffix)"), ElementsAre("prefix andsuffix"));
 }
 
-TEST(ShellWords, KnowTheEmptyText) {
+TEST(ShellWords, IncludeAnEmptyQuotedWord) {
     EXPECT_THAT(splitWords(R"(set Key "")"), ElementsAre("set", "Key", ""));
 }
 
-TEST(ShellWords, TakeTheCharacterBehindABackslash) {
+TEST(ShellWords, KeepTheCharacterAfterABackslash) {
     EXPECT_THAT(splitWords(R"(a\ b "c\"d" 'e\f')"), ElementsAre("a b", R"(c"d)", R"(e\f)"));
     EXPECT_THAT(splitWords("a\\"), ElementsAre("a\\"));
 }
 
 /// A split with quadratic time would take hours.
-TEST(ShellWords, OfALongLineTakeTheTimeOfItsLength) {
+TEST(ShellWords, OfALongLineTakeLinearTime) {
     const std::string longWord(5'000'000, 'x');
     EXPECT_THAT(splitWords("set Key " + longWord), ElementsAre("set", "Key", longWord));
     EXPECT_THAT(splitWords("set Key \"" + longWord + '"'), ElementsAre("set", "Key", longWord));
@@ -41,7 +41,7 @@ TEST(ShellWords, RefuseAnOpenQuote) {
     EXPECT_THROW(splitWords("set 'Key"), Failure);
 }
 
-TEST(ShellWords, OfNothingAreNone) {
+TEST(ShellWords, OfAnEmptyLineAreNone) {
     EXPECT_THAT(splitWords(" \t"), IsEmpty());
 }
 

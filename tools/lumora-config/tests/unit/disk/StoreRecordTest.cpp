@@ -1,8 +1,19 @@
 #include "disk/StoreRecord.h"
 
+#include <kyr/FileUtils.h>
+
 #include <gtest/gtest.h>
 
 namespace lumora_config {
+
+namespace {
+
+std::string path(const std::string& fileName) {
+    const auto separator = KyrCoreUtils::FileUtils::FileSeparator();
+    return "dir" + separator + "Cache" + separator + fileName;
+}
+
+} // namespace
 
 TEST(StoreRecord, FindsTheEntryOfAStoreIgnoringCase) {
     const StoreRecord record(L"ATFTP:31;Tftp:41;");
@@ -20,19 +31,31 @@ TEST(StoreRecord, ARepeatedStoreKeepsItsFirstSpellingAndItsLastPriority) {
     EXPECT_EQ(entry->priority, L"2");
 }
 
-TEST(StoreRecord, WithoutAStoreKeepsAllOtherPiecesAsTheyAre) {
+TEST(StoreRecord, WithoutAStoreKeepsAllOtherPartsUnchanged) {
     EXPECT_EQ(StoreRecord(L"ATFTP:31;junk;Tftp:41;TftpX:7").without(L"TFTP"), L"ATFTP:31;junk;TftpX:7");
     EXPECT_EQ(StoreRecord(L"Foo:1;foo:2;").without(L"FOO"), L"");
     EXPECT_EQ(StoreRecord(L"Foo:1;").without(L"Fo"), L"Foo:1;");
 }
 
-TEST(StoreRecord, KnowsWhenTheServicesCutWouldHitAnotherEntry) {
-    EXPECT_TRUE(StoreRecord(L"").isCutAsWhole(L"TFTP"));
-    EXPECT_TRUE(StoreRecord(L"Other:1;").isCutAsWhole(L"TFTP"));
-    EXPECT_TRUE(StoreRecord(L"Other:1;TFTP:2;").isCutAsWhole(L"tftp"));
-    EXPECT_FALSE(StoreRecord(L"TFTPConfigStore:1;").isCutAsWhole(L"TFTP"));
-    EXPECT_FALSE(StoreRecord(L"ATFTP:1;TFTP:2;").isCutAsWhole(L"TFTP"));
-    EXPECT_FALSE(StoreRecord(L"TFTP:1;tftp:2;").isCutAsWhole(L"TFTP"));
+TEST(StoreRecord, DetectsThatTheServiceWouldEraseAnotherEntry) {
+    EXPECT_TRUE(StoreRecord(L"").canBeErasedByService(L"TFTP"));
+    EXPECT_TRUE(StoreRecord(L"Other:1;").canBeErasedByService(L"TFTP"));
+    EXPECT_TRUE(StoreRecord(L"Other:1;TFTP:2;").canBeErasedByService(L"tftp"));
+    EXPECT_FALSE(StoreRecord(L"TFTPConfigStore:1;").canBeErasedByService(L"TFTP"));
+    EXPECT_FALSE(StoreRecord(L"ATFTP:1;TFTP:2;").canBeErasedByService(L"TFTP"));
+    EXPECT_FALSE(StoreRecord(L"TFTP:1;tftp:2;").canBeErasedByService(L"TFTP"));
+}
+
+TEST(StoreCopy, IsInTheFolderOfTheCopies) {
+    EXPECT_EQ(StoreRecord::findCopyPath("dir", "Foreign"), path("cachedForeign.dat"));
+    EXPECT_EQ(StoreRecord::findCopyPath("dir", "A/B"), path("cachedA/B.dat"));
+    EXPECT_EQ(StoreRecord::findCopyPath("dir", "a..b/..c"), path("cacheda..b/..c.dat"));
+}
+
+TEST(StoreCopy, DoesNotExistForANameWithAParentComponentOfAnyPlatform) {
+    for (const auto* name : {"..", "../x", "F/../x", "F\\..\\x", "F/..", "F\\../x"}) {
+        EXPECT_FALSE(StoreRecord::findCopyPath("dir", name).has_value()) << name;
+    }
 }
 
 } // namespace lumora_config

@@ -4,12 +4,12 @@
 
 namespace lumora_config {
 
-TEST(ToOneLine, ShowsControlCharactersInsteadOfObeyingThem) {
+TEST(ToOneLine, EscapesControlCharacters) {
     EXPECT_EQ(toOneLine("a\nb\x1b[31m\tü\r\x7f"), "a\\nb\\x1b[31m\\x09ü\\x0d\\x7f");
     EXPECT_EQ(toOneLine(std::string_view("\0", 1)), "\\x00");
 }
 
-TEST(ToOneLine, ShowsTheSecondSetOfControlCharacters) {
+TEST(ToOneLine, EscapesC1ControlCharacters) {
     EXPECT_EQ(toOneLine("\xC2\x80 \xC2\x85 \xC2\x9B \xC2\x9F"), "\\u0080 \\u0085 \\u009b \\u009f");
     EXPECT_EQ(toOneLine("\xC2\xA0\xC3\x80"), "\xC2\xA0\xC3\x80");
 }
@@ -26,7 +26,7 @@ TEST(ToOneLine, KeepsEveryOtherCharacter) {
     EXPECT_EQ(toOneLine(text), text);
 }
 
-TEST(ToOneLine, ShowsBytesThatAreNotUtf8) {
+TEST(ToOneLine, EscapesBytesThatAreNotUtf8) {
     EXPECT_EQ(toOneLine("\x9b"
                         "31m\xC0\x80\xE0\x9F\xBF"),
               "\\x9b31m\\xc0\\x80\\xe0\\x9f\\xbf");
@@ -36,8 +36,21 @@ TEST(ToOneLine, ShowsBytesThatAreNotUtf8) {
     EXPECT_EQ(toOneLine("\xF0\x9F\x98 \xC3"), "\\xf0\\x9f\\x98 \\xc3");
 }
 
-TEST(ToVisibleLines, KeepsLineFeedsAndTabulatorsOnly) {
+TEST(ToVisibleLines, KeepsOnlyLineFeedsAndTabs) {
     EXPECT_EQ(toVisibleLines("a\n\tb\r\x1b\xC2\x9B\n"), "a\n\tb\\x0d\\x1b\\u009b\n");
+}
+
+TEST(MakeVisible, ReplacesControlCharactersByTheirSymbols) {
+    EXPECT_EQ(makeVisible(std::wstring_view(L"a\0\x1b\x7f", 4)), L"a\x2400\x241b\x2421");
+}
+
+TEST(MakeVisible, KeepsLineBreaksTabsAndOtherLetters) {
+    EXPECT_EQ(makeVisible(L"a\n\tß\x05d0"), L"a\n\tß\x05d0");
+}
+
+TEST(MakeVisible, ReplacesBidirectionalMarksByTheirNames) {
+    EXPECT_EQ(makeVisible(L"abc\x202egpj.exe"), L"abc[U+202E]gpj.exe");
+    EXPECT_EQ(makeVisible(L"\x200f\x2066\x2069"), L"[U+200F][U+2066][U+2069]");
 }
 
 } // namespace lumora_config

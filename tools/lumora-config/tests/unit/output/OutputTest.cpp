@@ -36,19 +36,19 @@ TEST(Output, APipeGetsTheBytesOfAValue) {
     EXPECT_EQ(recorded.text, std::string(hostile) + "  (store)\n");
 }
 
-TEST(Output, ATerminalGetsATextWithItsLines) {
+TEST(Output, ATerminalGetsATextWithItsLineBreaks) {
     Recorded recorded(true);
     recorded.output.writeText("first\tline\x1b\nsecond\xC2\x9B\n");
     EXPECT_EQ(recorded.text, "first\tline\\x1b\nsecond\\u009b\n");
 }
 
-TEST(Output, APipeGetsATextAsItIs) {
+TEST(Output, APipeGetsATextUnchanged) {
     Recorded recorded(false);
     recorded.output.writeText(hostile);
     EXPECT_EQ(recorded.text, hostile);
 }
 
-TEST(Output, AMessageIsOneLineEverywhere) {
+TEST(Output, AMessageIsOneLineOnEveryOutput) {
     for (const bool terminal : {true, false}) {
         Recorded recorded(terminal);
         recorded.output.writeMessage(hostile);

@@ -38,28 +38,28 @@ TextTable makeList(const std::string& key, const std::string& value) {
 
 } // namespace
 
-TEST(TextTable, LinesUpColumnsByCodePoints) {
+TEST(TextTable, AlignsColumnsByCodePoints) {
     TextTable table({Column::Right, Column::Left, Column::Left});
     table.addRow({"7", "größe", "x"});
     table.addRow({"600", "a", "y"});
     EXPECT_EQ(table.toString(pipe), "  7  größe  x\n600  a      y\n");
 }
 
-TEST(TextTable, LeavesNoBlanksAtTheEnd) {
+TEST(TextTable, RemovesTrailingBlanks) {
     TextTable table({Column::Left, Column::Left});
     table.addRow({"a", ""});
     table.addRow({"", "long"});
     EXPECT_EQ(table.toString(pipe), "a\n   long\n");
 }
 
-TEST(TextTable, ColoursOnlyWhenAsked) {
+TEST(TextTable, ColoursOnlyIfRequested) {
     TextTable table({Column::Left});
     table.addRow({"x"}, Style::Emphasis);
     EXPECT_EQ(table.toString(pipe), "x\n");
     EXPECT_EQ(table.toString({true, 80, true}), "\x1b[1;32mx\x1b[0m\n");
 }
 
-TEST(TextTable, ATerminalGetsATruncatedCellInTheRoomOfItsLine) {
+TEST(TextTable, TruncatesACellToTheWidthOfATerminal) {
     const auto table = makeList("key", std::string(1000, 'v'));
     EXPECT_EQ(table.toString(narrowTerminal), "   KEY    VALUE                   STORE\n"
                                               "   key    vvvvvvvvvvvvvvvvvvvvv…  A\n"
@@ -67,7 +67,7 @@ TEST(TextTable, ATerminalGetsATruncatedCellInTheRoomOfItsLine) {
     EXPECT_EQ(widestLine(table.toString(narrowTerminal)), narrowTerminal.columns);
 }
 
-TEST(TextTable, ATerminalGetsACellThatFitsWhole) {
+TEST(TextTable, DoesNotTruncateACellThatFits) {
     EXPECT_EQ(makeList("key", "größer").toString(narrowTerminal), "   KEY    VALUE   STORE\n"
                                                                   "   key    größer  A\n"
                                                                   "*  short  1       Second\n");
@@ -80,7 +80,7 @@ TEST(TextTable, TruncatesByCodePoints) {
     EXPECT_EQ(table.toString({true, 15, false}), "äöüäöüäöüäöüäöü\n");
 }
 
-TEST(TextTable, APipeGetsEveryCellWhole) {
+TEST(TextTable, DoesNotTruncateForAPipe) {
     const std::string value(1000, 'v');
     for (const auto padding : {Padding::Aligned, Padding::None}) {
         EXPECT_THAT(makeList("key", value).toString(pipe, padding), testing::HasSubstr("  " + value + "  A\n"));
@@ -93,7 +93,7 @@ TEST(TextTable, WithoutPaddingOnlyGapsSeparateCells) {
                                                                       "*  short  1  Second\n");
 }
 
-TEST(TextTable, NoRowIsPaddedBeyondTheWidthForALongCellOfAnother) {
+TEST(TextTable, DoesNotPadARowBeyondTheWidthForALongCellOfAnother) {
     TextTable table({Column::Left, Column::Right, Column::Left, Column::Left});
     const std::string longCell(1000, 'x');
     table.addRow({longCell, longCell, longCell, longCell});

@@ -20,7 +20,7 @@ protected:
 
 } // namespace
 
-TEST_F(ForeignXmlStoreTest, AnswersInAnyCaseAndKeepsTheFirstOfAKey) {
+TEST_F(ForeignXmlStoreTest, FindsKeysIgnoringCaseAndKeepsTheFirstValue) {
     ForeignXmlStore store(describe(false));
     std::wstring value;
     EXPECT_TRUE(store.getValue(L"kEY", value));
@@ -28,7 +28,7 @@ TEST_F(ForeignXmlStoreTest, AnswersInAnyCaseAndKeepsTheFirstOfAKey) {
     EXPECT_THAT(store.getKeys(), testing::ElementsAre(L"b", L"Key"));
 }
 
-TEST_F(ForeignXmlStoreTest, TellsAnEmptyValueFromAMiss) {
+TEST_F(ForeignXmlStoreTest, DistinguishesAnEmptyValueFromAMiss) {
     ForeignXmlStore store(describe(false));
     std::wstring value = L"old";
     EXPECT_TRUE(store.getValue(L"B", value));
@@ -38,7 +38,7 @@ TEST_F(ForeignXmlStoreTest, TellsAnEmptyValueFromAMiss) {
     EXPECT_EQ(value, L"");
 }
 
-TEST_F(ForeignXmlStoreTest, IsAnAdministratorsSourceThatTakesNoWrites) {
+TEST_F(ForeignXmlStoreTest, IsReadOnlyAndNotLocal) {
     ForeignXmlStore store(describe(false));
     std::wstring value;
     EXPECT_TRUE(store.isReadOnly());
@@ -50,13 +50,13 @@ TEST_F(ForeignXmlStoreTest, IsAnAdministratorsSourceThatTakesNoWrites) {
     EXPECT_EQ(value, L"first");
 }
 
-TEST_F(ForeignXmlStoreTest, AsksForACachedCopyOnlyWhenDescribedSo) {
+TEST_F(ForeignXmlStoreTest, RequestsACachedCopyOnlyIfItsDescriptionDoes) {
     EXPECT_FALSE(ForeignXmlStore(describe(false)).shouldCacheConfigStore());
     EXPECT_TRUE(ForeignXmlStore(describe(true)).shouldCacheConfigStore());
     EXPECT_EQ(ForeignXmlStore(describe(true)).getCachedPriority(), 41);
 }
 
-TEST_F(ForeignXmlStoreTest, NamesTheKeysThatTheDocumentHides) {
+TEST_F(ForeignXmlStoreTest, ReturnsTheKeysThatTheDocumentMarksAsSensitive) {
     EXPECT_THAT(ForeignXmlStore(describe(false)).getSensitiveKeys(), testing::ElementsAre(L"b"));
 }
 

@@ -6,7 +6,7 @@
 
 namespace lumora_config {
 
-TEST(StoreNames, AnArrivingStoreStandsLast) {
+TEST(StoreNames, AnAddedStoreIsTheLast) {
     StoreNames names;
     names.OnConfigStoreAdded("A");
     names.OnConfigStoreAdded("B");
@@ -17,7 +17,7 @@ TEST(StoreNames, AnArrivingStoreStandsLast) {
     EXPECT_EQ(std::ranges::count(all, "A"), 0);
 }
 
-TEST(StoreNames, LearningANameTwiceKeepsItsPlace) {
+TEST(StoreNames, LearningANameTwiceKeepsItsPosition) {
     StoreNames names;
     names.learn("A");
     names.learn("B");

@@ -27,18 +27,18 @@ TEST(StoreSpec, ReadsFileNameAndPriority) {
     EXPECT_FALSE(spec.cached);
 }
 
-TEST(StoreSpec, AsksForACachedCopy) {
+TEST(StoreSpec, ParsesTheRequestForACachedCopy) {
     EXPECT_TRUE(StoreSpec::parse("a.xml:A:40:cache").cached);
 }
 
-TEST(StoreSpec, LeavesColonsToThePath) {
+TEST(StoreSpec, AcceptsColonsInThePath) {
     const auto spec = StoreSpec::parse("C:/a:b.xml:A:-7:cache");
     EXPECT_EQ(spec.file, "C:/a:b.xml");
     EXPECT_EQ(spec.name, "A");
     EXPECT_EQ(spec.priority, -7);
 }
 
-TEST(StoreSpec, RefusesWhatIsIncomplete) {
+TEST(StoreSpec, RefusesAnIncompleteDescription) {
     for (const auto* text : {"", "a.xml", "a.xml:A", "a.xml::40", ":A:40", "A:40:cache", "a.xml:A:4x",
                              "a.xml:A:", "a.xml:A:99999999999", "a.xml:A:40:cached"}) {
         EXPECT_EQ(codeOf(text), ExitCode::Usage) << text;
@@ -51,7 +51,7 @@ TEST(BootstrapSpec, ReadsFileAndPriority) {
     EXPECT_EQ(spec.priority, 700);
 }
 
-TEST(BootstrapSpec, RefusesWhatIsIncomplete) {
+TEST(BootstrapSpec, RefusesAnIncompleteDescription) {
     for (const auto* text : {"", "boot", "boot:", ":7", "boot:seven"}) {
         EXPECT_THROW(BootstrapSpec::parse(text), Failure) << text;
     }

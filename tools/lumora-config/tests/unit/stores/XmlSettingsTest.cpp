@@ -42,12 +42,12 @@ using testing::IsEmpty;
 
 } // namespace
 
-TEST_F(XmlSettingsTest, TakesTheElementsOfEveryGroup) {
+TEST_F(XmlSettingsTest, ReadsTheElementsOfEveryGroup) {
     EXPECT_THAT(read("<r>x<g><A> 1 </A><B/></g><h><C><![CDATA[x]]>y</C></h></r>"),
                 ElementsAre(Setting(L"A", L"1"), Setting(L"B", L""), Setting(L"C", L"xy")));
 }
 
-TEST_F(XmlSettingsTest, TakesNothingDirectlyUnderTheRoot) {
+TEST_F(XmlSettingsTest, IgnoresElementsDirectlyUnderTheRoot) {
     EXPECT_THAT(read("<r><A>1</A></r>"), IsEmpty());
 }
 
@@ -56,7 +56,7 @@ TEST_F(XmlSettingsTest, KeepsNestedXmlAsText) {
                 ElementsAre(Setting(L"Rules", L"<Rules><rule from=\"9\"/></Rules>")));
 }
 
-TEST_F(XmlSettingsTest, UnderstandsUserConfigElements) {
+TEST_F(XmlSettingsTest, ReadsUserConfigElements) {
     EXPECT_THAT(read("<r><userConfig name=\"A\" value=\"1\"/><g><USERCONFIG NAME=\"B\" Value=\"2\"/></g>"
                      "<userConfig value=\"nameless\"/></r>"),
                 ElementsAre(Setting(L"A", L"1"), Setting(L"B", L"2")));
@@ -69,7 +69,7 @@ TEST_F(XmlSettingsTest, ReadsTheSensitiveMark) {
     EXPECT_FALSE(settings[1].sensitive);
 }
 
-TEST_F(XmlSettingsTest, NamesTheLineThatIsNotXmlWithoutQuotingIt) {
+TEST_F(XmlSettingsTest, ReportsTheLineThatIsNotXmlWithoutQuotingIt) {
     const auto refusal = refusalOf("<r>\n<g>\n<A>secret-text</B>\n</g></r>");
     EXPECT_THAT(refusal, EndsWith("doc.xml: not XML, see line 3"));
 }
@@ -84,7 +84,7 @@ TEST_F(XmlSettingsTest, RefusesADocumentTypeSoThatNoEntityIsExpanded) {
                 HasSubstr("document type"));
 }
 
-TEST_F(XmlSettingsTest, PrintsNothingOfItsOwn) {
+TEST_F(XmlSettingsTest, PrintsNothing) {
     testing::internal::CaptureStderr();
     testing::internal::CaptureStdout();
     refusalOf("<r><g><A>planted</g></r>");
@@ -92,7 +92,7 @@ TEST_F(XmlSettingsTest, PrintsNothingOfItsOwn) {
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
 }
 
-TEST_F(XmlSettingsTest, TellsAMissingFileFromAFolder) {
+TEST_F(XmlSettingsTest, DistinguishesAMissingFileFromAFolder) {
     try {
         readXmlSettings((profile.root() / "absent.xml").string());
         FAIL();

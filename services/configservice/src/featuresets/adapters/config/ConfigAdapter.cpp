@@ -15,6 +15,7 @@
 #include <unified/SystemService.h>
 #include <zel/SystemMonitorFactory.h>
 
+#include <BootstrapConfigStore.h>
 #include <ConfigKeys.h>
 #include <ConfigService.h>
 #include <InMemoryConfigStore.h>
@@ -436,6 +437,10 @@ std::vector<std::shared_ptr<ConfigStore>> ConfigAdapter::getConfigStores() {
 
 ConfigMap ConfigAdapter::getRenamedKeys() {
     return configStoreManager ? configStoreManager->getKeyAliases() : ConfigMap();
+}
+
+std::shared_ptr<ConfigStore> ConfigAdapter::createBootstrapStore(const std::string& path, int priority) {
+    return std::make_shared<BootstrapConfigStore>(std::string(ConfigKeys::bootstrapConfigStore), path, priority);
 }
 
 bool ConfigAdapter::getConfig(const std::wstring& key, std::wstring& value, std::wstring& configStoreName,

@@ -11,6 +11,7 @@
 #include <unified/UnifiedFactory.h>
 #include <zel/PowerEventObserver.h>
 
+#include <BootstrapStoreFactory.h>
 #include <ConfigChainView.h>
 #include <ConfigFeatureSet.h>
 #include <ConfigServiceExport.h>
@@ -42,6 +43,7 @@ class LUMORA_CONFIG_API ConfigAdapter final : public FeatureSetAdapter,
                                               public ConfigStoreManager_Observer,
                                               public ZelSystemMonitor::PowerEventObserver,
                                               public ProviderResetDataCallback,
+                                              public BootstrapStoreFactory,
                                               public std::enable_shared_from_this<ConfigAdapter> {
 public:
     /// Constructs an adapter without a factory and a chain, for the type's export. Its operations do nothing, with two
@@ -87,6 +89,7 @@ public:
 
     std::vector<std::shared_ptr<ConfigStore>> getConfigStores() override;
     ConfigMap getRenamedKeys() override;
+    std::shared_ptr<ConfigStore> createBootstrapStore(const std::string& path, int priority) override;
 
     void onFireIfRequired(std::wstring key) override;
     void onSensitiveKeyAddedOrUpdated(std::wstring key) override;

@@ -186,4 +186,19 @@ TEST_F(ConfigAdapterStores, AllCachedFilesGoAndTheStoresStay) {
     EXPECT_TRUE(inChain("TftpStore"));
 }
 
+TEST_F(ConfigAdapterStores, CreatesABootstrapStoreThatACallerAdds) {
+    loadAndStart();
+    const auto file = profile.config() / "installer.properties";
+    testing_host::writeFile(file, "FromInstaller: installed\n");
+    const auto featureSet = factory->getFeatureSetByType<ConfigFeatureSet>();
+    auto* const stores = dynamic_cast<BootstrapStoreFactory*>(featureSet.get());
+    ASSERT_NE(stores, nullptr);
+    const auto store = stores->createBootstrapStore(file.string(), 50);
+    EXPECT_EQ(store->getName(), "BootstrapConfigStore");
+    EXPECT_EQ(store->getPriority(), 50);
+    EXPECT_FALSE(inChain("BootstrapConfigStore"));
+    adapter->addConfigStore(store);
+    EXPECT_EQ(valueOf(L"FromInstaller"), L"installed");
+}
+
 } // namespace ZelUnified

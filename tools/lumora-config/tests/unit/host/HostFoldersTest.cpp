@@ -1,4 +1,4 @@
-#include "host/DirectoryTrust.h"
+#include "host/HostFolders.h"
 
 #include "output/Failure.h"
 
@@ -12,27 +12,27 @@ using testing::HasSubstr;
 
 namespace fs = std::filesystem;
 
-TEST(DirectoryTrust, DirectoriesOfOnesOwnAndOfRootAreFine) {
+TEST(DirectoryTrust, TrustsDirectoriesOfTheUserAndOfRoot) {
     EXPECT_EQ(whyUntrusted({FileAccess::Owner::Self, "me", false}), "");
     EXPECT_EQ(whyUntrusted({FileAccess::Owner::Administrator, "root", false}), "");
 }
 
-TEST(DirectoryTrust, ADirectoryOfAnotherUserIsNot) {
+TEST(DirectoryTrust, RejectsADirectoryOfAnotherUser) {
     EXPECT_EQ(whyUntrusted({FileAccess::Owner::Other, "mallory", false}), "belongs to another user, mallory");
 }
 
-TEST(DirectoryTrust, ADirectoryThatEverybodyMayWriteIsNot) {
+TEST(DirectoryTrust, RejectsADirectoryThatEverybodyMayWrite) {
     for (const auto owner : {FileAccess::Owner::Self, FileAccess::Owner::Administrator}) {
         EXPECT_EQ(whyUntrusted({owner, "x", true}), "can be written by everybody");
     }
 }
 
-TEST(DirectoryTrust, ADirectoryThatDoesNotExistHarmsNobody) {
+TEST(DirectoryTrust, AcceptsADirectoryThatDoesNotExist) {
     const testing_host::TemporaryProfile profile;
     EXPECT_NO_THROW(requireTrusted({(profile.root() / "absent").string()}));
 }
 
-TEST(DirectoryTrust, EveryDirectoryIsChecked) {
+TEST(DirectoryTrust, ChecksEveryDirectory) {
     const testing_host::TemporaryProfile profile;
     const auto open = profile.root() / "open";
     fs::create_directory(open);

@@ -1,5 +1,3 @@
-#include "Commands.h"
-
 #include "CommandTable.h"
 
 #include <kyr/StringUtils.h>
@@ -8,24 +6,23 @@ namespace lumora_config {
 
 namespace {
 
-CommandTable makeTable() {
-    CommandTable table;
-    addReadCommands(table);
-    addWriteCommands(table);
-    addReportCommands(table);
-    addLifecycleCommands(table);
-    addStorageCommands(table);
-    return table;
+CommandTable getAllCommands() {
+    CommandTable all;
+    for (auto group :
+         {getReadCommands(), getWriteCommands(), getReportCommands(), getLifecycleCommands(), getStorageCommands()}) {
+        all.merge(group);
+    }
+    return all;
 }
 
 } // namespace
 
 void runCommand(Session& session, const Command& command) {
-    static const CommandTable table = makeTable();
+    static const CommandTable table = getAllCommands();
     table.at(command.name)(session, command);
 }
 
-std::wstring wide(const std::string& text) {
+std::wstring toWide(const std::string& text) {
     return KyrCoreUtils::toWideString(text);
 }
 

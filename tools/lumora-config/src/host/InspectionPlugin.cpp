@@ -1,6 +1,6 @@
 #include "InspectionPlugin.h"
 
-#include "host/LogLineCatcher.h"
+#include "LogLineCatcher.h"
 #include "output/Failure.h"
 
 #include <unified/TypeName.h>

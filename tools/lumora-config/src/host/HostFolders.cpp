@@ -1,0 +1,85 @@
+#include "HostFolders.h"
+
+#include "output/Failure.h"
+#include "stores/XmlSettings.h"
+
+#include <kyr/FileUtils.h>
+#include <kyr/ProcessUtils.h>
+
+#include <ConfigKeys.h>
+
+#include <filesystem>
+
+namespace lumora_config {
+
+using KyrCoreUtils::FileAccess;
+using KyrCoreUtils::FileUtils;
+
+namespace {
+
+std::string getDefaultsPath(const std::string& resourcesDirectory) {
+    return resourcesDirectory + FileUtils::FileSeparator() + std::string(ZelUnified::ConfigKeys::configDefaultsFile);
+}
+
+/// Returns the path to which the service moves a defaults file that is not XML.
+std::string getQuarantinePath(const std::string& resourcesDirectory) {
+    return resourcesDirectory + FileUtils::FileSeparator() + "lumora-config-defaults-backup.xml";
+}
+
+} // namespace
+
+std::string whyUntrusted(const FileAccess& access) {
+    if (access.owner == FileAccess::Owner::Other) {
+        return "belongs to another user, " + access.ownerName;
+    }
+    return access.writableByEverybody ? "can be written by everybody" : "";
+}
+
+void requireTrusted(const std::vector<std::string>& directories) {
+    for (const auto& directory : directories) {
+        const auto access = FileAccess::of(directory);
+        const auto reason = access ? whyUntrusted(*access) : std::string();
+        if (!reason.empty()) {
+            throw Failure(ExitCode::Environment, directory + ": " + reason + "; --trust accepts it");
+        }
+    }
+}
+
+std::string findPluginFolder(const std::string& requested) {
+    namespace fs = std::filesystem;
+    std::vector<fs::path> candidates{requested};
+    if (requested.empty()) {
+        const fs::path program = KyrCoreUtils::ProcessUtils::getProgramFolder();
+        candidates = {program / ".." / "lib", program / ".." / LUMORA_PLUGIN_FOLDER, LUMORA_INSTALLED_PLUGIN_FOLDER};
+    }
+    for (const auto& folder : candidates) {
+        std::error_code ignored;
+        if (fs::is_regular_file(folder / LUMORA_PLUGIN_LIBRARY, ignored)) {
+            return folder.lexically_normal().string();
+        }
+    }
+    throw Failure(ExitCode::Environment,
+                  "no plug-in " LUMORA_PLUGIN_LIBRARY " in " + candidates.front().lexically_normal().string());
+}
+
+void requireDefaultsFile(const std::string& resourcesDirectory) {
+    const auto path = getDefaultsPath(resourcesDirectory);
+    if (FileUtils::fileExists(path)) {
+        readWholeFile(path);
+        return;
+    }
+    auto message = path + ": no defaults file";
+    if (const auto quarantined = getQuarantinePath(resourcesDirectory); FileUtils::fileExists(quarantined)) {
+        message += "; one that was not XML is kept as " + quarantined;
+    }
+    throw Failure(ExitCode::Environment, message);
+}
+
+void requireDefaultsAccepted(const std::string& resourcesDirectory) {
+    const auto path = getDefaultsPath(resourcesDirectory);
+    if (!FileUtils::fileExists(path)) {
+        throw Failure(ExitCode::Environment, path + ": not XML; kept as " + getQuarantinePath(resourcesDirectory));
+    }
+}
+
+} // namespace lumora_config

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <kyr/FileAccess.h>
+
+#include <string>
+#include <vector>
+
+/// Checks the folders of the host: their owner, the plug-in and the defaults file in them.
+namespace lumora_config {
+
+/// Returns "" if a directory with this access is trusted. Otherwise returns the reason: it belongs to another user who
+/// is not root, or everybody may write it.
+std::string whyUntrusted(const KyrCoreUtils::FileAccess& access);
+
+/// Throws Failure (Environment) for the first existing directory that is not trusted.
+void requireTrusted(const std::vector<std::string>& directories);
+
+/// Returns the folder of the plug-in `configservice`: `requested` or, if that is empty, the folder of the build or
+/// installation of the program. Throws Failure (Environment) if there is no plug-in.
+std::string findPluginFolder(const std::string& requested);
+
+/// Checks the defaults file of the installation, before the service reads it. Throws Failure (Environment) if it is
+/// missing or unreadable: the service would use an empty store instead, and every answer would be wrong.
+void requireDefaultsFile(const std::string& resourcesDirectory);
+
+/// Checks that the service has accepted the defaults file; it moves a file aside that is not XML. Throws Failure
+/// (Environment) with the new path in that case.
+void requireDefaultsAccepted(const std::string& resourcesDirectory);
+
+} // namespace lumora_config
