@@ -23,7 +23,7 @@ if(TARGET inspection)
 endif()
 install(DIRECTORY host/include/ services/configservice/include/
         ${CMAKE_BINARY_DIR}/host/include/ ${CMAKE_BINARY_DIR}/services/configservice/include/
-        DESTINATION ${lumora_include_folder} COMPONENT development FILES_MATCHING PATTERN *.h)
+        DESTINATION ${lumora_include_folder} COMPONENT development FILES_MATCHING PATTERN *.h PATTERN *.def)
 
 install(EXPORT LumoraConfigTargets NAMESPACE Lumora:: DESTINATION ${lumora_package_folder} COMPONENT development)
 file(WRITE ${CMAKE_BINARY_DIR}/LumoraConfigConfig.cmake

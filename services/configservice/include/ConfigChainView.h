@@ -1,6 +1,5 @@
 #pragma once
 
-#include <ConfigMap.h>
 #include <ConfigServiceExport.h>
 #include <ConfigStore.h>
 
@@ -17,8 +16,6 @@ public:
 
     /// Returns the stores in chain order. The chain may change after the call.
     virtual std::vector<std::shared_ptr<ConfigStore>> getConfigStores() = 0;
-    /// Returns the new name of each key that was renamed, by its old name.
-    virtual ConfigMap getRenamedKeys() = 0;
 };
 
 } // namespace ZelUnified

@@ -1,5 +1,6 @@
 #include "ChangeFeed.h"
 
+#include <ConfigCatalogue.h>
 #include <utility>
 
 namespace inspection {
@@ -39,7 +40,7 @@ void ChangeFeed::OnRecordChanged(const std::wstring& key, const ZelUnified::Conf
     Change change;
     change.time = std::chrono::system_clock::now();
     change.key = key;
-    change.oldName = inspector->namesOf(key).oldName;
+    change.oldName = ZelUnified::ConfigKeys::getKeyNames(key).oldName;
     change.storeName = after.valueStoreName;
     const bool sensitive = inspector->isSensitive(key);
     const auto report = [&](const char* property, const std::wstring& was, const std::wstring& is, bool secret) {

@@ -2,7 +2,7 @@
 
 #include "RequestError.h"
 
-#include <ConfigKeys.h>
+#include <ConfigCatalogue.h>
 #include <InspectionService.h>
 
 #include <algorithm>
@@ -13,27 +13,13 @@ namespace inspection {
 using KyrCoreUtils::caseInsensitiveStringEquals;
 using KyrCoreUtils::toString;
 using ZelUnified::ConfigStore;
-
-std::vector<std::wstring> KeyNames::getAll() const {
-    if (!oldName) {
-        return {newName};
-    }
-    return {newName, *oldName};
-}
+using ZelUnified::ConfigKeys::getKeyNames;
 
 ConfigInspector::ConfigInspector(const std::shared_ptr<ZelUnified::UnifiedFactory>& factory)
     : service(factory->getServiceByType<ZelUnified::ConfigService>()),
       featureSet(factory->getFeatureSetByType<ZelUnified::ConfigFeatureSet>()),
       records(std::dynamic_pointer_cast<ZelUnified::ConfigRecords>(service)),
-      chain(std::dynamic_pointer_cast<ZelUnified::ConfigChainView>(featureSet)) {
-    if (!chain) {
-        return;
-    }
-    newNames = chain->getRenamedKeys();
-    for (const auto& [oldName, newName] : newNames) {
-        oldNames.insert_or_assign(newName, oldName);
-    }
-}
+      chain(std::dynamic_pointer_cast<ZelUnified::ConfigChainView>(featureSet)) {}
 
 std::optional<ConfigInspector::Reading> ConfigInspector::read(const std::wstring& key, bool administratorsOnly) const {
     Reading reading;
@@ -49,7 +35,7 @@ std::optional<ConfigInspector::Reading> ConfigInspector::readStore(const std::st
     if (!store) {
         throw RequestError(RequestError::Code::Refused, "there is no store '" + storeName + "'");
     }
-    const auto names = namesOf(key);
+    const auto names = getKeyNames(key);
     for (const auto& name : names.getAll()) {
         std::wstring value;
         if (store->getValue(name, value)) {
@@ -67,7 +53,7 @@ Json ConfigInspector::showValue(const std::wstring& key, std::optional<Reading> 
 }
 
 Json ConfigInspector::beginExplanation(const std::wstring& key, bool showSecrets) const {
-    const auto names = namesOf(key);
+    const auto names = getKeyNames(key);
     Json object{{"type", "explanation"}, {"key", toString(key)}, {"newName", toString(names.newName)}};
     object["oldName"] = names.oldName ? Json(toString(*names.oldName)) : Json();
     object.update(showReading(key, read(key, false), showSecrets));
@@ -84,7 +70,7 @@ Json ConfigInspector::beginExplanation(const std::wstring& key, bool showSecrets
 Json ConfigInspector::showOpinion(ConfigStore& store, const std::wstring& key, const std::optional<Reading>& winner,
                                   bool showSecrets) const {
     auto object = showStore(store);
-    const auto names = namesOf(key);
+    const auto names = getKeyNames(key);
     const bool storeWins =
         winner && caseInsensitiveStringEquals(KyrCoreUtils::toWideString(store.getName()), winner->storeName);
     Json holdings = Json::array();
@@ -120,7 +106,7 @@ Json ConfigInspector::showStore(ConfigStore& store) {
 }
 
 bool ConfigInspector::userHolds(const std::wstring& key) const {
-    const auto names = namesOf(key).getAll();
+    const auto names = getKeyNames(key).getAll();
     return std::ranges::any_of(getStores(), [&](const auto& store) {
         std::wstring value;
         return !store->isReadOnly() &&
@@ -141,18 +127,8 @@ bool ConfigInspector::administratorAllowsChanges() const {
     return !policy || KyrCoreUtils::toBool(policy->value);
 }
 
-KeyNames ConfigInspector::namesOf(const std::wstring& key) const {
-    if (const auto renamed = newNames.find(key); renamed != newNames.end()) {
-        return {renamed->second, renamed->first};
-    }
-    if (const auto renamed = oldNames.find(key); renamed != oldNames.end()) {
-        return {renamed->first, renamed->second};
-    }
-    return {key, std::nullopt};
-}
-
 bool ConfigInspector::isSensitive(const std::wstring& key) const {
-    return std::ranges::any_of(namesOf(key).getAll(),
+    return std::ranges::any_of(getKeyNames(key).getAll(),
                                [this](const std::wstring& name) { return featureSet->isKeySensitive(name); });
 }
 

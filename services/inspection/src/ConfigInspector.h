@@ -17,15 +17,6 @@
 
 namespace inspection {
 
-/// The names that one key may have in a store.
-struct KeyNames {
-    std::wstring newName; ///< The requested key if it was never renamed.
-    std::optional<std::wstring> oldName;
-
-    /// Returns the names in lookup order.
-    std::vector<std::wstring> getAll() const;
-};
-
 /// Reads the configuration through its public interfaces and returns what the program prints with --json. Creates no
 /// records. Services dispatcher's thread, except for the operations marked otherwise.
 class ConfigInspector {
@@ -66,8 +57,6 @@ public:
     bool administratorAllowsChanges() const;
 
     Stores getStores() const { return chain->getConfigStores(); }
-    /// Any thread.
-    KeyNames namesOf(const std::wstring& key) const;
     /// Returns true if the key is sensitive under its old or its new name. Any thread.
     bool isSensitive(const std::wstring& key) const;
 
@@ -83,8 +72,6 @@ private:
     const std::shared_ptr<ZelUnified::ConfigFeatureSet> featureSet;
     const std::shared_ptr<ZelUnified::ConfigRecords> records;
     const std::shared_ptr<ZelUnified::ConfigChainView> chain;
-    ZelUnified::ConfigMap newNames; ///< By old name.
-    ZelUnified::ConfigMap oldNames; ///< By new name.
 };
 
 } // namespace inspection

@@ -8,7 +8,7 @@
 #include <kyr/FileUtils.h>
 #include <zel/ZelLog.h>
 
-#include <ConfigKeys.h>
+#include <ConfigCatalogue.h>
 
 #include <algorithm>
 #include <exception>
@@ -232,7 +232,7 @@ void RequestRunner::set(const JobPointer& job) {
 void RequestRunner::reset(const JobPointer& job) {
     onServices(job, [this, job] {
         requireChangesAllowed();
-        const auto names = inspector->namesOf(job->request.key).getAll();
+        const auto names = ConfigKeys::getKeyNames(job->request.key).getAll();
         if (!inspector->userHolds(job->request.key)) {
             throw RequestError(Code::Refused, "the user has no value for the key '" + toString(job->request.key) + "'");
         }

@@ -3,11 +3,11 @@
 
 # The options allowed before or after every command, and those with an argument.
 _lumora_config_global='-h --help --version --profile --config-dir --data-dir --state-dir --resources-dir --plugin-dir
-  --store --bootstrap --json -v --verbose --show-secrets --trust'
+  --store --bootstrap --json -v --verbose --show-secrets --trust --live --offline'
 _lumora_config_with_argument=' --profile --config-dir --data-dir --state-dir --resources-dir --plugin-dir --store --bootstrap
   -o --output --html '
 _lumora_config_commands='get explain list stores report log doctor set reset provision reset-provisioning mdm import-policy
-  remove-store restore reset-data shell'
+  remove-store restore reset-data serve watch shell'
 
 _lumora_config_options_of() {
   case $1 in
@@ -15,6 +15,8 @@ _lumora_config_options_of() {
     report) echo '-o --output --html' ;;
     set) echo '--force' ;;
     reset-data) echo '--yes --force' ;;
+    serve) echo '--no-changes' ;;
+    watch) echo '--follow' ;;
   esac
 }
 
@@ -59,7 +61,7 @@ _lumora_config() {
       case $command:$current in
         *:-*) words="$_lumora_config_global $(_lumora_config_options_of "$command")" ;;
         :*) words=$_lumora_config_commands ;;
-        get:* | explain:* | list:* | set:* | reset:*) words=$(_lumora_config_keys) ;;
+        get:* | explain:* | list:* | set:* | reset:* | watch:*) words=$(_lumora_config_keys) ;;
         remove-store:*) words=$(_lumora_config_stores) ;;
         mdm:* | import-policy:* | restore:*)
           mapfile -t COMPREPLY < <(compgen -f -- "$current")

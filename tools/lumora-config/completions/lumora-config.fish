@@ -37,6 +37,8 @@ complete -c lumora-config -l json -d 'One JSON object a line'
 complete -c lumora-config -s v -l verbose -d 'Log lines on standard error'
 complete -c lumora-config -l show-secrets -d 'Show sensitive values'
 complete -c lumora-config -l trust -d 'Use folders of others, too'
+complete -c lumora-config -l offline -d 'Do not ask a running client'
+complete -c lumora-config -l live -d 'Fail if no running client can be asked'
 
 complete -c lumora-config -n __fish_use_subcommand -a get -d 'Show the value of a key'
 complete -c lumora-config -n __fish_use_subcommand -a explain -d "Show every store's opinion of a key"
@@ -54,9 +56,11 @@ complete -c lumora-config -n __fish_use_subcommand -a import-policy -d 'Take a p
 complete -c lumora-config -n __fish_use_subcommand -a remove-store -d 'Remove a store and its cached copy'
 complete -c lumora-config -n __fish_use_subcommand -a restore -d 'Put back a file that was moved aside'
 complete -c lumora-config -n __fish_use_subcommand -a reset-data -d 'Reset the client'
+complete -c lumora-config -n __fish_use_subcommand -a serve -d 'Run a client with the profile'
+complete -c lumora-config -n __fish_use_subcommand -a watch -d 'Print each change of the running client'
 complete -c lumora-config -n __fish_use_subcommand -a shell -d 'Read commands from standard input'
 
-complete -c lumora-config -n '__fish_seen_subcommand_from get explain list set reset' -a '(__lumora_config_keys)'
+complete -c lumora-config -n '__fish_seen_subcommand_from get explain list set reset watch' -a '(__lumora_config_keys)'
 complete -c lumora-config -n '__fish_seen_subcommand_from remove-store' -a '(__lumora_config_stores)'
 complete -c lumora-config -n '__fish_seen_subcommand_from mdm import-policy restore' -F
 
@@ -68,3 +72,5 @@ complete -c lumora-config -n '__fish_seen_subcommand_from report' -l html -r -F 
 complete -c lumora-config -n '__fish_seen_subcommand_from reset-data' -l yes -d 'Really do it'
 complete -c lumora-config -n '__fish_seen_subcommand_from reset-data' -l force -d "Remove files that are not the client's, too"
 complete -c lumora-config -n '__fish_seen_subcommand_from set' -l force -d 'Set it though XML has no such name or character'
+complete -c lumora-config -n '__fish_seen_subcommand_from serve' -l no-changes -d 'Refuse changes by other processes'
+complete -c lumora-config -n '__fish_seen_subcommand_from watch' -l follow -d 'Wait for the next client'

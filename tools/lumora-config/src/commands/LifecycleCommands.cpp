@@ -1,5 +1,6 @@
 #include "CommandTable.h"
-#include "stores/RenamedKeys.h"
+
+#include <ConfigCatalogue.h>
 
 namespace lumora_config {
 
@@ -33,7 +34,7 @@ void observe(Session& session, const Command& command) {
         for (const auto& key : command.companions) {
             companions.push_back(host.getService()->getConfig(toWide(key)));
         }
-        auto& watcher = session.getWatchers()[namesOf(toWide(command.key)).current];
+        auto& watcher = session.getWatchers()[ZelUnified::ConfigKeys::getKeyNames(toWide(command.key)).newName];
         if (watcher) {
             watcher->getRecord()->removeObserver(std::weak_ptr<ZelUnified::ConfigValueObserver>(watcher));
         }
@@ -47,7 +48,7 @@ void observe(Session& session, const Command& command) {
 void unobserve(Session& session, const Command& command) {
     bool observed = false;
     session.getHost().onServices("lumora-config: unobserve", [&] {
-        auto watcher = session.getWatchers().extract(namesOf(toWide(command.key)).current);
+        auto watcher = session.getWatchers().extract(ZelUnified::ConfigKeys::getKeyNames(toWide(command.key)).newName);
         observed = !watcher.empty();
         if (observed) {
             watcher.mapped()->getRecord()->removeObserver(

@@ -1,8 +1,6 @@
 #include "SecretMask.h"
 
-#include "stores/RenamedKeys.h"
-
-#include <ConfigKeys.h>
+#include <ConfigCatalogue.h>
 
 #include <algorithm>
 #include <utility>
@@ -43,7 +41,7 @@ void SecretMask::hide(std::vector<ListedValue>& values) const {
 }
 
 bool SecretMask::isSensitive(const std::wstring& key) const {
-    const auto names = namesOf(key).getAll();
+    const auto names = ZelUnified::ConfigKeys::getKeyNames(key).getAll();
     return featureSet->isKeySensitive(key) ||
            std::ranges::any_of(names, [this](const std::wstring& name) { return featureSet->isKeySensitive(name); });
 }

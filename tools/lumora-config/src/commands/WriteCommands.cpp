@@ -1,11 +1,10 @@
 #include "CommandTable.h"
-#include "stores/RenamedKeys.h"
 #include "stores/XmlNames.h"
 #include "stores/XmlSettings.h"
 
 #include <kyr/StringUtils.h>
 
-#include <ConfigKeys.h>
+#include <ConfigCatalogue.h>
 
 #include <algorithm>
 #include <iomanip>
@@ -106,7 +105,7 @@ void memory(Session& session, const Command& command) {
 }
 
 bool userHolds(Session& session, const std::wstring& key) {
-    const auto names = namesOf(key).getAll();
+    const auto names = ConfigKeys::getKeyNames(key).getAll();
     return std::ranges::any_of(session.getChain().getStores(), [&](const auto& store) {
         std::wstring value;
         return !store->isReadOnly() &&
@@ -134,7 +133,7 @@ void prepareLastRemoval(Session& session, const std::vector<std::wstring>& names
 
 void reset(Session& session, const Command& command) {
     const auto key = toWide(command.key);
-    const auto names = namesOf(key).getAll();
+    const auto names = ConfigKeys::getKeyNames(key).getAll();
     bool held = false;
     prepareLastRemoval(session, names);
     session.getHost().onServices("lumora-config: reset", [&] {

@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <array>
-#include <variant>
 
 namespace lumora_config {
 
@@ -48,13 +47,7 @@ std::string whatHolds(const std::string& storeName) {
 
 /// Returns the key in the spelling of the catalogue: the stores that read files return lower case.
 std::wstring spell(const std::wstring& key) {
-    for (const auto& entry : ConfigKeys::catalogue) {
-        const auto* const known = std::get_if<std::wstring_view>(&entry);
-        if (known != nullptr && KyrCoreUtils::caseInsensitiveStringEquals(*known, key)) {
-            return std::wstring(*known);
-        }
-    }
-    return key;
+    return std::wstring(ConfigKeys::spellKey(key));
 }
 
 bool isNamed(const StoreFacts& store, const std::wstring& name) {

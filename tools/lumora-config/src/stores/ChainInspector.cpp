@@ -1,11 +1,10 @@
 #include "ChainInspector.h"
 
-#include "RenamedKeys.h"
 #include "output/Failure.h"
 
 #include <kyr/StringUtils.h>
 
-#include <ConfigKeys.h>
+#include <ConfigCatalogue.h>
 
 #include <algorithm>
 #include <utility>
@@ -14,6 +13,8 @@ namespace lumora_config {
 
 using KyrCoreUtils::caseInsensitiveStringEquals;
 using ZelUnified::ConfigStore;
+using ZelUnified::ConfigKeys::getKeyNames;
+using ZelUnified::ConfigKeys::KeyNames;
 
 namespace {
 
@@ -32,8 +33,8 @@ Opinion askStore(ConfigStore& store, const KeyNames& names, const std::optional<
     for (const auto& name : names.getAll()) {
         std::wstring value;
         if (store.getValue(name, value)) {
-            const bool earlier = name == names.earlier;
-            opinion.holdings.push_back({name, value, wins && earlier == winner->underEarlierName});
+            const bool isOldName = name == names.oldName;
+            opinion.holdings.push_back({name, value, wins && isOldName == winner->underEarlierName});
         }
     }
     return opinion;
@@ -47,9 +48,9 @@ ZelUnified::ConfigMap namesToAsk(const std::vector<std::shared_ptr<ConfigStore>>
     const std::vector lowestFirst(stores.rbegin(), stores.rend());
     for (const auto& store : lowestFirst) {
         for (const auto& key : store->getKeys()) {
-            const auto names = namesOf(key);
-            const auto [entry, isNew] = asked.try_emplace(names.current, key);
-            if (!isNew && !names.askedByEarlierName) {
+            const auto names = getKeyNames(key);
+            const auto [entry, isNew] = asked.try_emplace(names.newName, key);
+            if (!isNew && !names.isRequestedByOldName) {
                 entry->second = key;
             }
         }
@@ -83,14 +84,14 @@ std::optional<Reading> ChainInspector::readStore(const std::string& storeName, c
     if (!store) {
         throw Failure(ExitCode::NotFound, "there is no store '" + storeName + "'");
     }
-    const auto keyNames = namesOf(key);
+    const auto keyNames = getKeyNames(key);
     const auto opinion = askStore(*store, keyNames, std::nullopt);
     if (opinion.holdings.empty()) {
         return std::nullopt;
     }
     // The service returns an empty text both for an empty value and for no value, so containment is checked first.
     return Reading{service->getValueFromConfigStore(storeName, key), KyrCoreUtils::toWideString(opinion.store.name),
-                   opinion.holdings.front().name == keyNames.earlier};
+                   opinion.holdings.front().name == keyNames.oldName};
 }
 
 Explanation ChainInspector::explain(const std::wstring& key) const {
@@ -107,12 +108,12 @@ std::vector<Explanation> ChainInspector::explainAll() const {
 }
 
 Explanation ChainInspector::explain(const std::wstring& key, const Stores& stores) const {
-    const auto keyNames = namesOf(key);
+    const auto keyNames = getKeyNames(key);
     Explanation explanation;
     explanation.key = key;
-    explanation.currentName = keyNames.current;
-    explanation.earlierName = keyNames.earlier;
-    explanation.askedByEarlierName = keyNames.askedByEarlierName;
+    explanation.currentName = keyNames.newName;
+    explanation.earlierName = keyNames.oldName;
+    explanation.askedByEarlierName = keyNames.isRequestedByOldName;
     explanation.inForce = read(key);
     explanation.administrators = read(key, true);
     for (const auto& store : stores) {

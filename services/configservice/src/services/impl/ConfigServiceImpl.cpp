@@ -18,9 +18,6 @@ namespace {
 
 ZelLogger& logger = ZelLogger_getLogger("ConfigService-ConfigServiceImpl");
 
-/// The value of this key depends on the machine, not on a store.
-constexpr std::wstring_view calendarIntegrationType = L"calendarintegrationtype";
-
 /// Differs from the rule in ConfigValueImpl::getValue(): this one compares the value instead of the key, and overwrites
 /// the stored value.
 void applyCachedValueFipsRule(ConfigValueImpl& record) {
@@ -193,9 +190,9 @@ void ConfigServiceImpl::FireIfRequired(std::wstring key) {
     }
 }
 
-void ConfigServiceImpl::setupConfigKeyAliases(ConfigMap aliases) {
+void ConfigServiceImpl::setupConfigKeyAliases(ConfigMap newNameOf) {
     EnsureUpdateAccess(true);
-    keyAliases = KeySuccessors(std::move(aliases));
+    newNames = KeyNameMap(std::move(newNameOf));
 }
 
 void ConfigServiceImpl::updateSensitiveKeyList(std::wstring key) {
@@ -213,7 +210,7 @@ void ConfigServiceImpl::onFeatureSetReady(bool ready) {
 std::shared_ptr<ConfigValue> ConfigServiceImpl::findRecord(const std::wstring& key) {
     EnsureUpdateAccess(true);
     const FoldedKey folded(key);
-    if (const auto* newName = keyAliases.find(folded)) {
+    if (const auto* newName = newNames.find(folded)) {
         if (const auto* const entry = configValuesIndex.find(FoldedKey(*newName))) {
             return entry->second;
         }
@@ -245,17 +242,17 @@ void ConfigServiceImpl::removeRecordObserver(std::weak_ptr<ConfigRecordObserver>
 
 std::shared_ptr<ConfigValueImpl> ConfigServiceImpl::findConfig(const FoldedKey& key) {
     EnsureUpdateAccess(true);
-    const auto* alias = keyAliases.find(key);
-    if (alias != nullptr) {
-        if (auto record = findConfigFromKey(FoldedKey(*alias))) {
-            ZelLog(logger, ZelLogLevel::Info, ZEL_HERE, describeAliasLookup(key.getText(), *alias, *record));
+    const auto* newName = newNames.find(key);
+    if (newName != nullptr) {
+        if (auto record = findConfigFromKey(FoldedKey(*newName))) {
+            ZelLog(logger, ZelLogLevel::Info, ZEL_HERE, describeLookupByOldName(key.getText(), *newName, *record));
             return record;
         }
     }
     if (auto record = findConfigFromKey(key)) {
         return record;
     }
-    return alias != nullptr ? createConfig(FoldedKey(*alias)) : createConfig(key);
+    return newName != nullptr ? createConfig(FoldedKey(*newName)) : createConfig(key);
 }
 
 std::shared_ptr<ConfigValueImpl> ConfigServiceImpl::findConfigFromKey(const FoldedKey& key) {
@@ -263,7 +260,8 @@ std::shared_ptr<ConfigValueImpl> ConfigServiceImpl::findConfigFromKey(const Fold
         applyCachedValueFipsRule(*entry->second);
         return entry->second;
     }
-    if (key.names(calendarIntegrationType)) {
+    // The value of this key depends on the machine, not on a store.
+    if (key.names(ConfigKeys::calendarIntegrationType)) {
         auto record = createConfig(key);
         CalendarIntegrationTypeCheck::detectCalendarIntegrationType(logger, record);
         return record;
@@ -298,13 +296,13 @@ void ConfigServiceImpl::keep(const FoldedKey& key, std::shared_ptr<ConfigValueIm
     entry->second.swap(record); // a replaced record is destroyed on return
 }
 
-std::wstring ConfigServiceImpl::describeAliasLookup(const std::wstring& key, const std::wstring& alias,
-                                                    ConfigValueImpl& record) {
+std::wstring ConfigServiceImpl::describeLookupByOldName(const std::wstring& key, const std::wstring& newName,
+                                                        ConfigValueImpl& record) {
     // The requested key, not its new name, decides whether the value is hidden.
     const std::wstring safeValue = isKeySensitive(key) ? std::wstring(ConfigKeys::valueHidden) : record.getValue();
     const std::wstring loggedValue =
         KyrCoreUtils::toWideString(ZelLogger_replacePIIData(KyrCoreUtils::toString(safeValue)));
-    return L"findConfig key : [" + key + L"] is an alias for key : [" + alias +
+    return L"findConfig key : [" + key + L"] is an alias for key : [" + newName +
            L"] actual lookup done on this key - value : [" + loggedValue + L"]";
 }
 

@@ -5,7 +5,7 @@
 #include "base/ConfigServiceBaseImpl.h"
 #include "base/SharedTexts.h"
 #include "table/KeyIndex.h"
-#include "table/KeySuccessors.h"
+#include "table/KeyNameMap.h"
 
 #include <unified/FeatureSetReadyListener.h>
 
@@ -51,7 +51,7 @@ public:
     /// Logs a debug line. A service event informs the user.
     virtual void configDownloadFailed();
     /// Removes all records. Records that clients hold remain valid but are no longer updated. Sensitive keys and
-    /// aliases remain.
+    /// old key names remain.
     virtual void reset();
     virtual void refreshConfigFeatureSet();
 
@@ -62,7 +62,7 @@ public:
                          bool deferFire);
     void FireIfRequired(std::wstring key);
     /// Replaces the table of old key names. An old name is looked up under its new name first.
-    void setupConfigKeyAliases(ConfigMap aliases);
+    void setupConfigKeyAliases(ConfigMap newNameOf);
     /// Hides the key's value in logs from now on. This cannot be undone.
     void updateSensitiveKeyList(std::wstring key);
 
@@ -90,7 +90,7 @@ private:
                                                   SharedText valueStoreName, SharedText originalValueStoreName);
     /// Inserts the record, or replaces the one of the same key.
     void keep(const FoldedKey& key, std::shared_ptr<ConfigValueImpl> record);
-    std::wstring describeAliasLookup(const std::wstring& key, const std::wstring& alias, ConfigValueImpl& record);
+    std::wstring describeLookupByOldName(const std::wstring& key, const std::wstring& newName, ConfigValueImpl& record);
     void appendSettings(std::wstring& report, bool defined);
 
     ConfigValueMap configValues;
@@ -98,8 +98,8 @@ private:
     KeyIndex<ConfigValueMap::value_type> configValuesIndex;
     SharedTexts storeNames; ///< Shared by the records.
     ConfigKeySet sensitiveKeys;
-    KeySuccessors keyAliases;
     RecordObservers recordObservers;
+    KeyNameMap newNames; ///< Found by old name.
     std::shared_ptr<UnifiedFactory> unifiedFactory;
 };
 

@@ -16,14 +16,12 @@
 #include <zel/SystemMonitorFactory.h>
 
 #include <BootstrapConfigStore.h>
-#include <ConfigKeys.h>
+#include <ConfigCatalogue.h>
 #include <ConfigService.h>
 #include <InMemoryConfigStore.h>
 #include <LocalFileConfigStore.h>
 #include <MdmConfigStore.h>
 #include <RegistryConfigStore.h>
-
-#include <array>
 
 namespace ZelUnified {
 
@@ -280,8 +278,8 @@ void ConfigAdapter::callService(std::string_view taskName, std::wstring_view tas
 
 void ConfigAdapter::notifyConfigKeyAliases() {
     callService("ConfigServiceImpl::setupConfigKeyAliases", {},
-                [aliases = configStoreManager->getKeyAliases()](ConfigServiceImpl& service) {
-                    service.setupConfigKeyAliases(aliases);
+                [newNameOf = configStoreManager->getKeyAliases()](ConfigServiceImpl& service) {
+                    service.setupConfigKeyAliases(newNameOf);
                 });
 }
 
@@ -435,10 +433,6 @@ std::vector<std::shared_ptr<ConfigStore>> ConfigAdapter::getConfigStores() {
     return configStoreManager ? configStoreManager->getStores() : std::vector<std::shared_ptr<ConfigStore>>();
 }
 
-ConfigMap ConfigAdapter::getRenamedKeys() {
-    return configStoreManager ? configStoreManager->getKeyAliases() : ConfigMap();
-}
-
 std::shared_ptr<ConfigStore> ConfigAdapter::createBootstrapStore(const std::string& path, int priority) {
     return std::make_shared<BootstrapConfigStore>(std::string(ConfigKeys::bootstrapConfigStore), path, priority);
 }
@@ -513,13 +507,11 @@ void ConfigAdapter::SetEnabledServices() {
 }
 
 void ConfigAdapter::setSensitiveKeys() {
-    constexpr std::array keys{
-        ConfigKeys::initialInfo,         ConfigKeys::additionalInfo,         ConfigKeys::connectionPassword,
-        ConfigKeys::connectionUsername,  ConfigKeys::bdiConnectionPassword,  ConfigKeys::bdiConnectionUsername,
-        ConfigKeys::bdiConnectionUserDn, ConfigKeys::meetingListOfflineData, ConfigKeys::meetingListOnlineData,
-    };
-    for (const auto key : keys) {
-        ConfigAdapter::setKeySensitive(std::wstring(key));
+    for (const auto* const row : ConfigKeys::sensitiveKeys) {
+        ConfigAdapter::setKeySensitive(std::wstring(row->name));
+        if (row->isRenamed()) {
+            ConfigAdapter::setKeySensitive(std::wstring(row->oldName));
+        }
     }
 }
 

@@ -88,7 +88,6 @@ public:
     std::shared_ptr<ConfigStore> getConfigStoreByName(const std::string& name) override;
 
     std::vector<std::shared_ptr<ConfigStore>> getConfigStores() override;
-    ConfigMap getRenamedKeys() override;
     std::shared_ptr<ConfigStore> createBootstrapStore(const std::string& path, int priority) override;
 
     void onFireIfRequired(std::wstring key) override;

@@ -11,16 +11,11 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace ZelUnified {
 
 using KyrCoreUtils::caseInsensitiveStringEquals;
-
-namespace {
-
-constexpr std::wstring_view voicemailEnabledKey = L"Voicemail_Enabled";
-
-} // namespace
 
 void EnabledServices::SetEnabledServices() {
     if (!configStoreManager) {
@@ -41,8 +36,8 @@ void EnabledServices::SetTelephonyEnabled() {
 
 void EnabledServices::SetVoicemailEnabled() {
     const LogPlace place{ZEL_HERE};
-    if (isLeftToDerivation(voicemailEnabledKey, place)) {
-        setFlag(voicemailEnabledKey, "Setting voicemailEnabled flag:",
+    if (isLeftToDerivation(ConfigKeys::voicemailEnabled, place)) {
+        setFlag(ConfigKeys::voicemailEnabled, "Setting voicemailEnabled flag:",
                 isAnySet(ConfigKeys::voicemailPrimaryServer, ConfigKeys::vvmMailstoreServer0), place);
     }
 }
@@ -52,10 +47,14 @@ void EnabledServices::SetMeetingsEnabled() {
     if (!isLeftToDerivation(ConfigKeys::meetingsEnabled, place)) {
         return;
     }
-    constexpr std::array<std::wstring_view, 3> suffixes{L"", L"_Backup", L"_Backup2"};
+    constexpr std::array servers{
+        std::pair{ConfigKeys::meetingServerAddress, ConfigKeys::meetingServerType},
+        std::pair{ConfigKeys::meetingServerAddressBackup, ConfigKeys::meetingServerTypeBackup},
+        std::pair{ConfigKeys::meetingServerAddressBackup2, ConfigKeys::meetingServerTypeBackup2},
+    };
     bool flag = false;
-    for (const auto suffix : suffixes) {
-        flag |= hasMeetingServer(suffix);
+    for (const auto& [addressKey, typeKey] : servers) {
+        flag |= hasMeetingServer(addressKey, typeKey);
     }
     setFlag(ConfigKeys::meetingsEnabled, "Setting Meetings_Enabled flag: ", flag, place);
 }
@@ -88,9 +87,9 @@ bool EnabledServices::isAnySet(std::wstring_view firstKey, std::wstring_view sec
     return !first.empty() || !second.empty();
 }
 
-bool EnabledServices::hasMeetingServer(std::wstring_view suffix) const {
-    const auto address = read(std::wstring(L"Meeting_Server_Address").append(suffix));
-    const auto type = read(std::wstring(L"Meeting_Server_Type").append(suffix));
+bool EnabledServices::hasMeetingServer(std::wstring_view addressKey, std::wstring_view typeKey) const {
+    const auto address = read(addressKey);
+    const auto type = read(typeKey);
     return !address.empty() && (type.empty() || caseInsensitiveStringEquals(type, L"Mirrox"));
 }
 

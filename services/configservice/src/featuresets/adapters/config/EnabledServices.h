@@ -33,7 +33,7 @@ private:
     /// Returns true if the flag must be derived; otherwise logs which store set it.
     bool isLeftToDerivation(std::wstring_view flagKey, const LogPlace& place) const;
     bool isAnySet(std::wstring_view firstKey, std::wstring_view secondKey) const;
-    bool hasMeetingServer(std::wstring_view suffix) const;
+    bool hasMeetingServer(std::wstring_view addressKey, std::wstring_view typeKey) const;
     std::wstring read(std::wstring_view key) const;
     /// Logs the flag and stores it in the in-memory store.
     void setFlag(std::wstring_view flagKey, const std::string& logPrefix, bool flag, const LogPlace& place);

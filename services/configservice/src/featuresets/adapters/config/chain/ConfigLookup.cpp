@@ -36,8 +36,8 @@ bool ConfigLookup::lookupInStores(const FoldedKey& key, std::wstring& value, std
 bool ConfigLookup::getValue(const FoldedKey& key, std::wstring& value, std::wstring* configStoreName,
                             bool& valueFromLegacyKey, bool skipLocal, const std::string& storeFilter,
                             FoundUnder& foundUnder) const {
-    if (const auto* alias = keyAliases.lookupKeyAlias(key)) {
-        if (lookupInStores(FoldedKey(*alias), value, configStoreName, skipLocal, storeFilter)) {
+    if (const auto* newName = renamedKeys.findNewName(key)) {
+        if (lookupInStores(FoldedKey(*newName), value, configStoreName, skipLocal, storeFilter)) {
             foundUnder = FoundUnder::NewName;
             return true;
         }
@@ -50,8 +50,8 @@ bool ConfigLookup::getValue(const FoldedKey& key, std::wstring& value, std::wstr
     if (lookupInStores(key, value, configStoreName, skipLocal, storeFilter)) {
         return true;
     }
-    const auto* legacy = keyAliases.lookupLegacyKey(key);
-    if (legacy == nullptr || !lookupInStores(FoldedKey(*legacy), value, configStoreName, skipLocal, storeFilter)) {
+    const auto* oldName = renamedKeys.findOldName(key);
+    if (oldName == nullptr || !lookupInStores(FoldedKey(*oldName), value, configStoreName, skipLocal, storeFilter)) {
         return false;
     }
     foundUnder = FoundUnder::OldName;
@@ -63,25 +63,25 @@ bool ConfigLookup::getOriginalValue(const FoldedKey& key, std::wstring& original
                                     std::wstring& originalValueStoreName, bool& fromLegacyKey) const {
     fromLegacyKey = false;
     bool found = false;
-    if (const auto* alias = keyAliases.lookupKeyAlias(key)) {
-        if (findOriginalValue(FoldedKey(*alias), originalValue, originalValueStoreName, found)) {
+    if (const auto* newName = renamedKeys.findNewName(key)) {
+        if (findOriginalValue(FoldedKey(*newName), originalValue, originalValueStoreName, found)) {
             return true;
         }
         fromLegacyKey = findOriginalValue(key, originalValue, originalValueStoreName, found);
         return fromLegacyKey;
     }
     const bool hasOverride = findOriginalValue(key, originalValue, originalValueStoreName, found);
-    const auto* legacy = found ? nullptr : keyAliases.lookupLegacyKey(key);
-    if (legacy == nullptr) {
+    const auto* oldName = found ? nullptr : renamedKeys.findOldName(key);
+    if (oldName == nullptr) {
         return hasOverride;
     }
-    fromLegacyKey = findOriginalValue(FoldedKey(*legacy), originalValue, originalValueStoreName, found);
+    fromLegacyKey = findOriginalValue(FoldedKey(*oldName), originalValue, originalValueStoreName, found);
     return fromLegacyKey;
 }
 
 bool ConfigLookup::readInOneWalk(const FoldedKey& key, ConfigChange& change) const {
     const auto walked = chain.getLinks();
-    const bool hasOtherName = keyAliases.lookupKeyAlias(key) != nullptr || keyAliases.lookupLegacyKey(key) != nullptr;
+    const bool hasOtherName = renamedKeys.findNewName(key) != nullptr || renamedKeys.findOldName(key) != nullptr;
     if (hasOtherName || zel::hasFipsOverride(key.getText()) || !std::ranges::all_of(*walked, &ChainLink::isIndexed)) {
         return false;
     }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "ConfigChange.h"
-#include "KeyAliases.h"
+#include "RenamedKeys.h"
 #include "StoreChain.h"
 
 #include <string>
@@ -14,7 +14,7 @@ namespace ZelUnified {
 /// Any thread. The owner holds the chain's lock, so that the results of one lookup are consistent.
 class ConfigLookup {
 public:
-    ConfigLookup(const StoreChain& storeChain, const KeyAliases& aliases) : chain(storeChain), keyAliases(aliases) {}
+    ConfigLookup(const StoreChain& storeChain, const RenamedKeys& keys) : chain(storeChain), renamedKeys(keys) {}
 
     /// The name under which a lookup found the key: the requested name, or its new or old name.
     enum class FoundUnder { AskedName, NewName, OldName };
@@ -47,7 +47,7 @@ private:
                            bool& found) const;
 
     const StoreChain& chain;
-    const KeyAliases& keyAliases;
+    const RenamedKeys& renamedKeys;
 };
 
 } // namespace ZelUnified

@@ -31,13 +31,14 @@ bool isOverrideStore(std::string_view name) {
 }
 
 /// Returns the log text for a key that was found under a name other than the requested one.
-std::wstring describeRenaming(ConfigLookup::FoundUnder foundUnder, const KeyAliases& keyAliases, const FoldedKey& key) {
+std::wstring describeRenaming(ConfigLookup::FoundUnder foundUnder, const RenamedKeys& renamedKeys,
+                              const FoldedKey& key) {
     switch (foundUnder) {
     case ConfigLookup::FoundUnder::NewName:
-        return L"is an alias. Key has been renamed. Actual lookup done on key name: [" +
-               *keyAliases.lookupKeyAlias(key) + L"] - ";
+        return L"is an alias. Key has been renamed. Actual lookup done on key name: [" + *renamedKeys.findNewName(key) +
+               L"] - ";
     case ConfigLookup::FoundUnder::OldName:
-        return L"did not exist. actual lookup done on legacy key name : [" + *keyAliases.lookupLegacyKey(key) + L"] - ";
+        return L"did not exist. actual lookup done on legacy key name : [" + *renamedKeys.findOldName(key) + L"] - ";
     case ConfigLookup::FoundUnder::AskedName:
         break;
     }
@@ -218,7 +219,7 @@ bool ConfigStoreManager::isSensitiveKey(const std::wstring& key) const {
 }
 
 ConfigMap ConfigStoreManager::getKeyAliases() const {
-    return keyAliases.getKeyAliases();
+    return renamedKeys.getNewNames();
 }
 
 void ConfigStoreManager::refreshStoreKeys(const std::shared_ptr<ConfigStore>& store) {
@@ -250,7 +251,7 @@ const std::wstring* ConfigStoreManager::fireConfigChange(const std::wstring& key
     const std::lock_guard lock(chainLock);
     const FoldedKey folded(key);
     auto change = readConfigChange(folded);
-    const auto* newName = keyAliases.lookupKeyAlias(folded);
+    const auto* newName = renamedKeys.findNewName(folded);
     if (newName == nullptr) {
         observers.notifyConfigAddedOrUpdated(key, std::move(change), deferFire);
         return nullptr;
@@ -330,7 +331,7 @@ std::optional<std::wstring> ConfigStoreManager::describeLookup(const FoldedKey& 
         return std::nullopt;
     }
     std::wostringstream text;
-    text << L"key : [" << key.getText() << L"] " << describeRenaming(foundUnder, keyAliases, key) << L"skipLocal : ["
+    text << L"key : [" << key.getText() << L"] " << describeRenaming(foundUnder, renamedKeys, key) << L"skipLocal : ["
          << skipLocal << L"]  value: [" << shown << L"] success: [" << (found ? L"true" : L"false")
          << L"] configStoreName: [" << storeName << L"]";
     return text.str();
@@ -417,7 +418,7 @@ bool ConfigStoreManager::setInMemoryValue(const std::wstring& key, const std::ws
 bool ConfigStoreManager::removeValue(const std::wstring& key) {
     const std::lock_guard lock(chainLock);
     std::vector<const std::wstring*> names{&key};
-    for (const auto* otherName : {keyAliases.lookupKeyAlias(key), keyAliases.lookupLegacyKey(key)}) {
+    for (const auto* otherName : {renamedKeys.findNewName(key), renamedKeys.findOldName(key)}) {
         if (otherName != nullptr) {
             names.push_back(otherName);
         }

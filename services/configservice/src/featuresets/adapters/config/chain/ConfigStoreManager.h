@@ -2,7 +2,7 @@
 
 #include "ConfigChangeObservers.h"
 #include "ConfigLookup.h"
-#include "KeyAliases.h"
+#include "RenamedKeys.h"
 #include "SensitiveKeys.h"
 #include "StoreAddedObservers.h"
 #include "StoreChain.h"
@@ -142,8 +142,8 @@ private:
     SensitiveKeys sensitiveKeys;
     ConfigChangeObservers observers;
     const std::shared_ptr<UnifiedFactory> unifiedFactory;
-    const KeyAliases keyAliases;
-    const ConfigLookup lookup{configStores, keyAliases};
+    const RenamedKeys renamedKeys;
+    const ConfigLookup lookup{configStores, renamedKeys};
     StoreAddedObservers storeAddedObservers;
 };
 

@@ -2,10 +2,9 @@
 
 #include <kyr/StringUtils.h>
 
-#include <ConfigKeys.h>
+#include <ConfigCatalogue.h>
 
 #include <algorithm>
-#include <array>
 #include <string>
 #include <vector>
 
@@ -15,35 +14,9 @@ namespace {
 
 constexpr std::size_t maximumUrlLength = 999;
 
-constexpr std::array allowedKeys{
-    ConfigKeys::servicesDomain,
-    ConfigKeys::voiceServicesDomain,
-    ConfigKeys::serviceDiscoveryExcludedServices,
-    ConfigKeys::servicesDomainSsoEmailPrompt,
-    ConfigKeys::telephonyEnabled,
-    ConfigKeys::telemetryEnabled,
-    ConfigKeys::ssoEnabled,
-    ConfigKeys::edgeSsoPrecedence,
-    ConfigKeys::meetingsEnabled,
-    ConfigKeys::telephonyP2PEnabled,
-    ConfigKeys::alphaP2PEnabled,
-    ConfigKeys::invalidCertificateBehavior,
-    ConfigKeys::enablePrtEncryption,
-    ConfigKeys::prtCertificateName,
-    ConfigKeys::ipMode,
-    ConfigKeys::systemProxyUsage,
-    ConfigKeys::diagnosticsToolEnabled,
-    ConfigKeys::contactsDiagnosticsToolEnabled,
-    ConfigKeys::startupAuthenticationRequired,
-    ConfigKeys::configRefetchInterval,
-    ConfigKeys::enableUserIdUrlEscape,
-    ConfigKeys::edgeOnlyMode,
-    ConfigKeys::allowTeamsUseEmbeddedSafari,
-};
-
 bool isAllowed(std::wstring_view key) {
-    return std::any_of(allowedKeys.begin(), allowedKeys.end(), [&](std::wstring_view allowed) {
-        return KyrCoreUtils::caseInsensitiveStringEquals(allowed, key);
+    return std::ranges::any_of(ConfigKeys::provisioningKeys, [key](const ConfigKeys::KeyRow* allowed) {
+        return KyrCoreUtils::caseInsensitiveStringEquals(allowed->name, key);
     });
 }
 

@@ -1,6 +1,8 @@
 #include "ConfigAdapterFixture.h"
 #include "StepwiseServicesDispatcher.h"
 
+#include <ConfigCatalogue.h>
+
 namespace ZelUnified {
 
 using testing::ElementsAre;
@@ -46,6 +48,18 @@ TEST_F(ConfigAdapterPolicy, NineKeysAreSensitiveFromTheStart) {
     }
     EXPECT_TRUE(adapter->isKeySensitive(L"CONNECTIONPASSWORD"));
     EXPECT_FALSE(adapter->isKeySensitive(L"Additional_Info"));
+}
+
+TEST_F(ConfigAdapterPolicy, KeysAreSensitiveUnderBothNamesIfTheCatalogueSaysSo) {
+    load();
+    for (const auto& row : ConfigKeys::keys) {
+        const std::wstring name(row.name);
+        EXPECT_EQ(adapter->isKeySensitive(name), row.isSensitive()) << KyrCoreUtils::toString(name);
+        if (row.isRenamed()) {
+            EXPECT_EQ(adapter->isKeySensitive(std::wstring(row.oldName)), row.isSensitive())
+                << KyrCoreUtils::toString(row.oldName);
+        }
+    }
 }
 
 TEST_F(ConfigAdapterPolicy, SensitiveKeysAreMarkedInTheirOrder) {

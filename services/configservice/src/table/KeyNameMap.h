@@ -11,12 +11,12 @@ namespace ZelUnified {
 
 /// A map from key names to the names that replace them. An index finds a name without comparing other names. Constant
 /// except for assignment.
-class KeySuccessors {
+class KeyNameMap {
 public:
-    KeySuccessors() = default;
-    explicit KeySuccessors(ConfigMap names);
-    KeySuccessors(KeySuccessors&&) noexcept = default;
-    KeySuccessors& operator=(KeySuccessors&&) noexcept = default;
+    KeyNameMap() = default;
+    explicit KeyNameMap(ConfigMap names);
+    KeyNameMap(KeyNameMap&&) noexcept = default;
+    KeyNameMap& operator=(KeyNameMap&&) noexcept = default;
 
     /// Returns the name that replaces `key`, or null if there is none.
     const std::wstring* find(const FoldedKey& key) const noexcept {

@@ -1,10 +1,10 @@
-#include "KeySuccessors.h"
+#include "KeyNameMap.h"
 
 #include <utility>
 
 namespace ZelUnified {
 
-KeySuccessors::KeySuccessors(ConfigMap names) : map(std::move(names)) {
+KeyNameMap::KeyNameMap(ConfigMap names) : map(std::move(names)) {
     index.reserve(map.size());
     for (auto& entry : map) {
         index.insert(FoldedKey(entry.first), entry);
