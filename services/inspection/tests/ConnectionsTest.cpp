@@ -3,9 +3,13 @@
 #include <kyr/LocalListener.h>
 
 #include <LogRecorder.h>
+#include <ProcessUsage.h>
 #include <gmock/gmock.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
-#include <array>
 #include <optional>
 
 namespace inspection_test {
@@ -108,6 +112,75 @@ TEST(InspectionConnections, ThereIsALimitOfConnections) {
     ASSERT_EQ(second.ask({{"verb", "hello"}})["type"], "hello");
     Peer fourth(host);
     EXPECT_EQ(fourth.ask({{"verb", "hello"}})["type"], "hello");
+}
+
+TEST(InspectionConnections, TenThousandConnectionsLeaveNothingBehind) {
+    constexpr int connections = 10000;
+    TestHost host;
+    Peer lasting(host);
+    const auto connect = [&](int count) {
+        for (int i = 0; i < count; ++i) {
+            Peer peer(host);
+            ASSERT_EQ(peer.ask({{"verb", i % 10 == 0 ? "watch" : "hello"}}).count("type"), 1U);
+        }
+    };
+    const auto descriptors = [] { return testing_host::ProcessUsage::measure().fileDescriptors; };
+    // Asks until the server has noticed the end of the other connections.
+    const auto settle = [&](std::size_t expected) {
+        for (int i = 0; i < 10000 && descriptors() != expected; ++i) {
+            lasting.ask({{"verb", "hello"}});
+        }
+        EXPECT_EQ(descriptors(), expected);
+    };
+    lasting.ask({{"verb", "hello"}});
+    const auto open = descriptors();
+    connect(connections / 10); // fills the caches of the allocator
+    settle(open);
+    const auto before = testing_host::ProcessUsage::measure();
+    connect(connections);
+    settle(open);
+    const auto after = testing_host::ProcessUsage::measure();
+    EXPECT_EQ(after.threads, before.threads);
+    if (!testing_host::ProcessUsage::isInstrumented()) {
+        EXPECT_LT(after.heapBytes, before.heapBytes + 200000) << "less than 20 bytes for each connection";
+    }
+}
+
+/// Connects as another user and returns 0 if the server closes the connection without a word.
+int connectAsNobody(const std::string& path) {
+    constexpr uid_t nobody = 65534;
+    const int child = fork();
+    if (child == 0) {
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        path.copy(address.sun_path, sizeof(address.sun_path) - 1);
+        const int descriptor = socket(AF_UNIX, SOCK_STREAM, 0);
+        char byte = 0;
+        if (setuid(nobody) != 0 ||
+            connect(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0) {
+            _exit(2);
+        }
+        _exit(recv(descriptor, &byte, 1, 0) == 0 ? 0 : 1);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+TEST(InspectionConnections, AProcessOfAnotherUserIsRefusedEvenIfItReachesTheSocket) {
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "only root can become another user";
+    }
+    using std::filesystem::perms;
+    const TestHost host;
+    EXPECT_EQ(connectAsNobody(host.socketPath()), 2) << "the folder belongs to the user only";
+    for (const auto& path : {host.getProfile().root(), std::filesystem::path(host.socketPath()).parent_path(),
+                             std::filesystem::path(host.socketPath())}) {
+        std::filesystem::permissions(path, perms::all);
+    }
+    const testing_host::LogRecorder log;
+    EXPECT_EQ(connectAsNobody(host.socketPath()), 0);
+    EXPECT_TRUE(log.mentions("of another user"));
 }
 
 TEST(InspectionConnections, APeerThatVanishesDisturbsNobody) {

@@ -61,11 +61,11 @@ bool ChangeWatch::watch(InspectionClient& client) {
     try {
         client.ask({{"verb", "watch"}, {"keys", keys}, {"showSecrets", showSecrets}});
     } catch (const Failure&) {
-        // The client ends at this moment, unless it refuses.
-        if (EndSignals::getReceived() != 0) {
-            return false;
+        // A client that is about to end may still accept a connection.
+        if (!client.hasEnded()) {
+            throw;
         }
-        throw;
+        return EndSignals::getReceived() == 0;
     }
     diagnostics.writeMessage("lumora-config: watching " + process);
     Json event;

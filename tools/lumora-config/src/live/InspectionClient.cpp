@@ -42,6 +42,7 @@ InspectionClient::Json InspectionClient::ask(Json request) {
     const auto text = request.dump(-1, ' ', false, Json::error_handler_t::replace);
     std::string line;
     if (!connection.sendLine(text, patience) || connection.receiveLine(line, patience) != Received::Line) {
+        ended = true;
         throw Failure(ExitCode::Environment, "the running client does not answer");
     }
     auto reply = Json::parse(line, nullptr, false);

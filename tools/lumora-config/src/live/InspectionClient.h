@@ -17,6 +17,8 @@ public:
     InspectionClient();
 
     bool isConnected() const noexcept { return connection.isOpen(); }
+    /// Returns true once the client has closed the connection or given no answer.
+    bool hasEnded() const noexcept { return ended; }
     /// Returns the id of the client's process.
     long getProcess() const noexcept { return connection.getPeer(); }
 
@@ -29,6 +31,7 @@ public:
 private:
     KyrCoreUtils::LocalConnection connection;
     int lastId = 0;
+    bool ended = false;
 };
 
 } // namespace lumora_config

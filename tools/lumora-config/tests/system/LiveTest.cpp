@@ -239,7 +239,7 @@ TEST_F(Live, AStoppedOrKilledWatcherDisturbsNobody) {
     stopped.signal(SIGCONT);
     set("Theme", "end");
     // It receives what was queued, then how much it missed, then what comes later.
-    nlohmann::json last;
+    auto last = nlohmann::json::object();
     std::size_t received = 0;
     while (last.value("new", "") != "end") {
         last = stopped.receive();
