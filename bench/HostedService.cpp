@@ -1,7 +1,7 @@
 #include "HostedService.h"
 
 #include "featuresets/adapters/config/ConfigAdapter.h"
-#include "services/impl/InjectConfigService.h"
+#include "services/impl/entry/InjectConfigService.h"
 
 #include <kyr/StringUtils.h>
 

@@ -3,7 +3,7 @@
 #include "BareParser.h"
 #include "RowSuite.h"
 #include "Workload.h"
-#include "services/impl/InjectConfigService.h"
+#include "services/impl/entry/InjectConfigService.h"
 
 #include <CacheConfigStore.h>
 #include <ConfigService.h>

@@ -4,7 +4,7 @@
 #include "CountingAllocator.h"
 #include "RowSuite.h"
 #include "SyntheticKeys.h"
-#include "services/impl/InjectConfigService.h"
+#include "services/impl/entry/InjectConfigService.h"
 
 #include <CacheConfigStore.h>
 #include <ConfigFeatureSet.h>

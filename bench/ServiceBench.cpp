@@ -2,7 +2,7 @@
 // service with reading its one file.
 #include "MarkdownReporter.h"
 #include "SyntheticKeys.h"
-#include "services/impl/InjectConfigService.h"
+#include "services/impl/entry/InjectConfigService.h"
 
 #include <kyr/StringUtils.h>
 

@@ -3,7 +3,7 @@
 #include "BareTable.h"
 #include "RowSuite.h"
 #include "SyntheticKeys.h"
-#include "services/impl/InjectConfigService.h"
+#include "services/impl/entry/InjectConfigService.h"
 
 #include <CacheConfigStore.h>
 #include <ConfigFeatureSet.h>

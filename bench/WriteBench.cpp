@@ -4,7 +4,7 @@
 #include "RowSuite.h"
 #include "Workload.h"
 #include "WriteRounds.h"
-#include "services/impl/InjectConfigService.h"
+#include "services/impl/entry/InjectConfigService.h"
 
 #include <ConfigFeatureSet.h>
 #include <ConfigService.h>

@@ -52,6 +52,7 @@ else()
   # Log lines and assertions contain file paths relative to the tree; ccache makes the paths relative.
   file(RELATIVE_PATH root_from_build ${CMAKE_BINARY_DIR} ${CMAKE_SOURCE_DIR})
   add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror
+                      $<$<CXX_COMPILER_ID:Clang,AppleClang>:-Wthread-safety>
                       -fmacro-prefix-map=${CMAKE_SOURCE_DIR}/= -fmacro-prefix-map=${root_from_build}=)
 endif()
 

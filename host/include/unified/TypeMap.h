@@ -1,10 +1,11 @@
 #pragma once
 
+#include <kyr/AnnotatedMutex.h>
+#include <kyr/LockGuard.h>
 #include <unified/TypeName.h>
 
 #include <map>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <utility>
 
@@ -21,11 +22,11 @@ public:
         std::shared_ptr<Item> replacedByName = item;
         std::shared_ptr<Item> replacedById = item;
         {
-            const std::lock_guard lock(namesMutex);
+            const KyrCoreUtils::LockGuard lock(namesMutex);
             itemsByName[readableTypeName<Interface>()].swap(replacedByName);
         }
         {
-            const std::lock_guard lock(idsMutex);
+            const KyrCoreUtils::LockGuard lock(idsMutex);
             itemsById[id].swap(replacedById);
         }
     }
@@ -36,7 +37,7 @@ public:
     std::shared_ptr<Interface> getItem() const {
         std::shared_ptr<Item> item;
         {
-            const std::lock_guard lock(namesMutex);
+            const KyrCoreUtils::LockGuard lock(namesMutex);
             if (const auto found = itemsByName.find(readableTypeName<Interface>()); found != itemsByName.end()) {
                 item = found->second;
             }
@@ -45,13 +46,13 @@ public:
     }
 
     std::shared_ptr<Item> getItem(unsigned int id) const {
-        const std::lock_guard lock(idsMutex);
+        const KyrCoreUtils::LockGuard lock(idsMutex);
         const auto found = itemsById.find(id);
         return found == itemsById.end() ? nullptr : found->second;
     }
 
     std::map<unsigned int, std::shared_ptr<Item>> getAll() const {
-        const std::lock_guard lock(idsMutex);
+        const KyrCoreUtils::LockGuard lock(idsMutex);
         return itemsById;
     }
 
@@ -60,20 +61,20 @@ public:
         std::map<std::string, std::shared_ptr<Item>> names;
         std::map<unsigned int, std::shared_ptr<Item>> ids;
         {
-            const std::lock_guard lock(namesMutex);
+            const KyrCoreUtils::LockGuard lock(namesMutex);
             names.swap(itemsByName);
         }
         {
-            const std::lock_guard lock(idsMutex);
+            const KyrCoreUtils::LockGuard lock(idsMutex);
             ids.swap(itemsById);
         }
     }
 
 private:
-    mutable std::mutex namesMutex;
-    std::map<std::string, std::shared_ptr<Item>> itemsByName;
-    mutable std::mutex idsMutex;
-    std::map<unsigned int, std::shared_ptr<Item>> itemsById;
+    mutable KyrCoreUtils::AnnotatedMutex<> namesMutex;
+    std::map<std::string, std::shared_ptr<Item>> itemsByName LUMORA_GUARDED_BY(namesMutex);
+    mutable KyrCoreUtils::AnnotatedMutex<> idsMutex;
+    std::map<unsigned int, std::shared_ptr<Item>> itemsById LUMORA_GUARDED_BY(idsMutex);
 };
 
 } // namespace ZelUnified

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kyr/AnnotatedMutex.h>
+#include <kyr/LockGuard.h>
 #include <unified/ServicesDispatcher.h>
 #include <unified/UnifiedBusinessObject.h>
 
@@ -55,7 +57,7 @@ protected:
     /// addObserver() of the object's own interface. If that throws, the object keeps no set.
     template <class Notifiers, class AddOwnObserver>
     void initNotifiersOnce(AddOwnObserver addOwnObserver) {
-        const std::lock_guard lock(observersMutex);
+        const KyrCoreUtils::LockGuard lock(observersMutex);
         if (notifiers) {
             return;
         }
@@ -102,7 +104,7 @@ private:
     std::vector<std::shared_ptr<Observer>> collectObservers() {
         std::vector<std::shared_ptr<Observer>> collected;
         std::vector<std::shared_ptr<UnifiedBusinessObjectObserver>> held; // not destroyed under the lock
-        const std::lock_guard lock(observersMutex);
+        const KyrCoreUtils::LockGuard lock(observersMutex);
         collected.reserve(observers.size());
         held.reserve(observers.size());
         std::size_t alive = observers.size();
@@ -125,18 +127,19 @@ private:
 
     void refuseUpdateAccess(bool enforce, const char* operation) const;
     std::string describe() const;
-    const std::string& requireGuid() const;
-    std::vector<std::shared_ptr<UnifiedBusinessObjectObserver>> lockObservers() const;
+    const std::string& requireGuid() const LUMORA_REQUIRES(observersMutex);
+    std::vector<std::shared_ptr<UnifiedBusinessObjectObserver>> lockObservers() const LUMORA_REQUIRES(observersMutex);
 
     const std::shared_ptr<Processing::ServicesDispatcher> dispatcher;
     const char* const className;
     std::atomic<bool> enforced;
-    /// Guards the next three members; never held during a callback. Recursive because initNotifiersOnce() holds it
-    /// while it calls addObserver(), so that no thread receives a set that is not registered yet.
-    mutable std::recursive_mutex observersMutex;
-    std::vector<Entry> observers;
-    std::shared_ptr<UnifiedBusinessObjectNotifiers> notifiers;
-    mutable std::unique_ptr<const std::string> guid; ///< Created on the first request; most objects never need it.
+    /// Never held during a callback. Recursive because initNotifiersOnce() holds it while it calls addObserver(), so
+    /// that no thread receives a set that is not registered yet.
+    mutable KyrCoreUtils::AnnotatedMutex<std::recursive_mutex> observersMutex;
+    std::vector<Entry> observers LUMORA_GUARDED_BY(observersMutex);
+    std::shared_ptr<UnifiedBusinessObjectNotifiers> notifiers LUMORA_GUARDED_BY(observersMutex);
+    /// Created on the first request; most objects never need it.
+    mutable std::unique_ptr<const std::string> guid LUMORA_GUARDED_BY(observersMutex);
 };
 
 } // namespace ZelUnified

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kyr/AnnotatedMutex.h>
+#include <kyr/LockGuard.h>
 #include <unified/FeatureSet.h>
 #include <unified/FeatureSetAdapter.h>
 #include <unified/ServicesDispatcher.h>
@@ -8,7 +10,6 @@
 #include <unified/UnifiedService.h>
 
 #include <memory>
-#include <mutex>
 #include <set>
 #include <string>
 
@@ -78,13 +79,13 @@ private:
     public:
         /// Returns false if the set contains the name already.
         bool insert(const std::string& name) {
-            const std::lock_guard lock(mutex);
+            const KyrCoreUtils::LockGuard lock(mutex);
             return names.insert(name).second;
         }
 
     private:
-        std::mutex mutex;
-        std::set<std::string> names;
+        KyrCoreUtils::AnnotatedMutex<> mutex;
+        std::set<std::string> names LUMORA_GUARDED_BY(mutex);
     };
 
     /// Tries to load a plug-in that provides the named interface. Called without a lock.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <kyr/AnnotatedMutex.h>
 #include <unified/ProviderResetDataCallback.h>
 #include <unified/ServicesDispatcherCallback.h>
 #include <unified/UnifiedFactory.h>
@@ -9,7 +10,6 @@
 #include <chrono>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <vector>
 
@@ -110,8 +110,8 @@ private:
     const std::shared_ptr<WriteRetrier> writeRetrier;
     std::atomic<bool> initialised = false;
     std::atomic<bool> destroyed = false;
-    std::mutex persistorMutex; ///< Guards `persistor`.
-    std::shared_ptr<IDataPersistor> persistor;
+    KyrCoreUtils::AnnotatedMutex<> persistorMutex;
+    std::shared_ptr<IDataPersistor> persistor LUMORA_GUARDED_BY(persistorMutex);
 };
 
 } // namespace ZelUnified

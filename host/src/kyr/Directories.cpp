@@ -1,11 +1,12 @@
 #include "PathText.h"
 #include "PlatformFiles.h"
 
+#include <kyr/AnnotatedMutex.h>
 #include <kyr/FileUtils.h>
+#include <kyr/LockGuard.h>
 
 #include <algorithm>
 #include <filesystem>
-#include <mutex>
 
 namespace fs = std::filesystem;
 
@@ -22,18 +23,18 @@ public:
     }
 
     void set(HostDirectories directories) {
-        const std::lock_guard lock(mutex);
+        const LockGuard lock(mutex);
         current = std::move(directories);
     }
 
     std::string get(std::string HostDirectories::*member) const {
-        const std::lock_guard lock(mutex);
+        const LockGuard lock(mutex);
         return current.*member;
     }
 
 private:
-    mutable std::mutex mutex;
-    HostDirectories current;
+    mutable AnnotatedMutex<> mutex;
+    HostDirectories current LUMORA_GUARDED_BY(mutex);
 };
 
 /// Returns the absolute path without a trailing separator, with links resolved where possible; an empty path stays

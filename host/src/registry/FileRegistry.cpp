@@ -1,5 +1,6 @@
 #include "FileRegistry.h"
 
+#include <kyr/LockGuard.h>
 #include <zel/ZelLog.h>
 
 #include <algorithm>
@@ -98,13 +99,13 @@ void FileRegistry::load(const Sources& sources) {
 
 RegistryResult FileRegistry::RegOpenKeyExW(HKEY key, const wchar_t* subkey, std::uint32_t options, std::uint32_t access,
                                            HKEY& opened) {
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     refresh();
     return hive.RegOpenKeyExW(key, subkey, options, access, opened);
 }
 
 RegistryResult FileRegistry::RegDeleteKeyW(HKEY key, const wchar_t* subkey) {
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     refresh();
     const auto place = hive.getPlace(key, subkey == nullptr ? std::wstring_view() : subkey);
     if (!place) {
@@ -213,7 +214,7 @@ RegistryResult FileRegistry::RegQueryValueExA(HKEY key, const char* name, std::u
 }
 
 RegistryResult FileRegistry::RegCloseKey(HKEY key) {
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     const auto result = hive.RegCloseKey(key);
     if (hive.getOpenKeyCount() > 0) {
         return result;

@@ -3,6 +3,7 @@
 #include "RegistryFolder.h"
 #include "RegistryTree.h"
 
+#include <kyr/AnnotatedMutex.h>
 #include <registry/RegistryFiles.h>
 #include <registry/RegistryHive.h>
 #include <registry/RegistryTextFile.h>
@@ -10,7 +11,6 @@
 
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <set>
 #include <string>
@@ -51,13 +51,13 @@ private:
     };
 
     Sources findSources() const;
-    void refresh();
-    void load(const Sources& sources);
+    void refresh() LUMORA_REQUIRES(mutex);
+    void load(const Sources& sources) LUMORA_REQUIRES(mutex);
     /// The result of removing sections from the user's files.
     enum class Dropped { Nothing, Something, Failed };
     using SectionFilter = std::function<bool(const RegistryTextSection&)>;
 
-    Dropped dropFromUserFiles(const SectionFilter& isDropped);
+    Dropped dropFromUserFiles(const SectionFilter& isDropped) LUMORA_REQUIRES(mutex);
     Dropped dropFromFile(RegistryFile& file, const SectionFilter& isDropped);
 
     /// A key whose deletion failed because it has subkeys, and the thread that is expected to delete those next.
@@ -66,25 +66,25 @@ private:
         std::thread::id thread;
     };
 
-    void expectDeletionsBelow(const std::wstring& path);
-    bool isPartOfRecursiveDeletion(const std::wstring& path) const;
+    void expectDeletionsBelow(const std::wstring& path) LUMORA_REQUIRES(mutex);
+    bool isPartOfRecursiveDeletion(const std::wstring& path) const LUMORA_REQUIRES(mutex);
     /// Rewrites the files without the keys in `postponed`. Returns false on failure and then reads the tree from the
     /// files again, so that it contains the keys that were not deleted.
-    bool writePostponed();
+    bool writePostponed() LUMORA_REQUIRES(mutex);
 
     const RegistryFolders folders;
     const DefaultMailClient defaultMailClient;
     zel::storage::FileLayer& fileLayer;
-    std::mutex mutex;
+    KyrCoreUtils::AnnotatedMutex<> mutex;
     /// The sources of the hive's current tree; empty before the first load.
-    std::optional<Sources> loaded;
+    std::optional<Sources> loaded LUMORA_GUARDED_BY(mutex);
     /// The administrator's layer alone: its keys cannot be deleted.
-    std::unique_ptr<RegistryTree> administrator;
+    std::unique_ptr<RegistryTree> administrator LUMORA_GUARDED_BY(mutex);
     RegistryHive hive;
     /// Empty while no key is open.
-    std::optional<RecursiveDeletion> recursiveDeletion;
+    std::optional<RecursiveDeletion> recursiveDeletion LUMORA_GUARDED_BY(mutex);
     /// Keys that exist in the user's files but no longer in the hive. Empty while no key is open.
-    std::set<std::wstring, RegistryNameOrder> postponed;
+    std::set<std::wstring, RegistryNameOrder> postponed LUMORA_GUARDED_BY(mutex);
 };
 
 } // namespace zel::registry

@@ -1,6 +1,8 @@
 #include "PlatformRegistry.h"
 
-#include <mutex>
+#include <kyr/AnnotatedMutex.h>
+#include <kyr/LockGuard.h>
+
 #include <utility>
 
 namespace zel::registry {
@@ -11,7 +13,7 @@ namespace {
 class ProcessRegistry {
 public:
     std::shared_ptr<Registry> get() {
-        const std::lock_guard lock(mutex);
+        const KyrCoreUtils::LockGuard lock(mutex);
         if (overriding) {
             return overriding;
         }
@@ -22,14 +24,14 @@ public:
     }
 
     void replace(std::shared_ptr<Registry> registry) {
-        const std::lock_guard lock(mutex);
+        const KyrCoreUtils::LockGuard lock(mutex);
         overriding.swap(registry);
     }
 
 private:
-    std::mutex mutex;
-    std::shared_ptr<Registry> platform;
-    std::shared_ptr<Registry> overriding;
+    KyrCoreUtils::AnnotatedMutex<> mutex;
+    std::shared_ptr<Registry> platform LUMORA_GUARDED_BY(mutex);
+    std::shared_ptr<Registry> overriding LUMORA_GUARDED_BY(mutex);
 };
 
 ProcessRegistry& processRegistry() {

@@ -1,11 +1,12 @@
 #include "RegistryTree.h"
 
+#include <kyr/AnnotatedMutex.h>
+#include <kyr/LockGuard.h>
 #include <kyr/StringUtils.h>
 #include <registry/RegistryHive.h>
 
 #include <algorithm>
 #include <map>
-#include <mutex>
 #include <utility>
 
 namespace zel::registry {
@@ -51,7 +52,7 @@ RegistryResult copyData(const Source& source, std::span<Byte> buffer, std::uint3
 struct RegistryHive::State {
     /// Returns the key of a handle; null if the handle is not open or its key was deleted. Sets `place` for every open
     /// handle.
-    std::shared_ptr<RegistryKeyNode> find(HKEY key, RegistryPlace* place = nullptr) const {
+    std::shared_ptr<RegistryKeyNode> find(HKEY key, RegistryPlace* place = nullptr) const LUMORA_REQUIRES(mutex) {
         if (auto root = tree->getRoot(key)) {
             if (place != nullptr) {
                 place->root = key;
@@ -68,10 +69,11 @@ struct RegistryHive::State {
         return found->second.node->isRemoved() ? nullptr : found->second.node;
     }
 
-    mutable std::mutex mutex;
-    std::unique_ptr<RegistryTree> tree = std::make_unique<RegistryTree>();
-    std::map<HKEY, OpenKey> openKeys;
-    std::uintptr_t lastHandle = 0;
+    mutable KyrCoreUtils::AnnotatedMutex<> mutex;
+    std::unique_ptr<RegistryTree> tree LUMORA_GUARDED_BY(mutex)
+        LUMORA_PT_GUARDED_BY(mutex) = std::make_unique<RegistryTree>();
+    std::map<HKEY, OpenKey> openKeys LUMORA_GUARDED_BY(mutex);
+    std::uintptr_t lastHandle LUMORA_GUARDED_BY(mutex) = 0;
 };
 
 RegistryHive::RegistryHive() : state(std::make_unique<State>()) {}
@@ -79,40 +81,40 @@ RegistryHive::RegistryHive() : state(std::make_unique<State>()) {}
 RegistryHive::~RegistryHive() = default;
 
 void RegistryHive::makeKey(HKEY root, std::wstring_view path) {
-    const std::lock_guard lock(state->mutex);
+    const KyrCoreUtils::LockGuard lock(state->mutex);
     state->tree->make(root, path);
 }
 
 void RegistryHive::setValue(HKEY root, std::wstring_view path, RegistryValue value) {
-    const std::lock_guard lock(state->mutex);
+    const KyrCoreUtils::LockGuard lock(state->mutex);
     if (const auto key = state->tree->make(root, path)) {
         key->setValue(std::move(value));
     }
 }
 
 bool RegistryHive::removeTree(HKEY root, std::wstring_view path) {
-    const std::lock_guard lock(state->mutex);
+    const KyrCoreUtils::LockGuard lock(state->mutex);
     return state->tree->remove(root, path);
 }
 
 bool RegistryHive::hasKey(HKEY root, std::wstring_view path) const {
-    const std::lock_guard lock(state->mutex);
+    const KyrCoreUtils::LockGuard lock(state->mutex);
     return state->tree->find(root, path) != nullptr;
 }
 
 bool RegistryHive::hasSubkeys(HKEY root, std::wstring_view path) const {
-    const std::lock_guard lock(state->mutex);
+    const KyrCoreUtils::LockGuard lock(state->mutex);
     const auto key = state->tree->find(root, path);
     return key && key->getChildCount() > 0;
 }
 
 std::size_t RegistryHive::getOpenKeyCount() const {
-    const std::lock_guard lock(state->mutex);
+    const KyrCoreUtils::LockGuard lock(state->mutex);
     return state->openKeys.size();
 }
 
 std::optional<RegistryPlace> RegistryHive::getPlace(HKEY key, std::wstring_view subkey) const {
-    const std::lock_guard lock(state->mutex);
+    const KyrCoreUtils::LockGuard lock(state->mutex);
     RegistryPlace place;
     if (!state->find(key, &place)) {
         return std::nullopt;
@@ -123,13 +125,13 @@ std::optional<RegistryPlace> RegistryHive::getPlace(HKEY key, std::wstring_view 
 
 void RegistryHive::replaceTree(std::unique_ptr<RegistryTree> tree) {
     // The old tree is destroyed after the unlock, because it may be large.
-    const std::lock_guard lock(state->mutex);
+    const KyrCoreUtils::LockGuard lock(state->mutex);
     state->tree.swap(tree);
 }
 
 RegistryResult RegistryHive::RegOpenKeyExW(HKEY key, const wchar_t* subkey, std::uint32_t, std::uint32_t,
                                            HKEY& opened) {
-    const std::lock_guard lock(state->mutex);
+    const KyrCoreUtils::LockGuard lock(state->mutex);
     OpenKey open;
     const auto above = state->find(key, &open.place);
     if (!above) {
@@ -149,7 +151,7 @@ RegistryResult RegistryHive::RegOpenKeyExW(HKEY key, const wchar_t* subkey, std:
 }
 
 RegistryResult RegistryHive::RegQueryInfoKeyW(HKEY key, std::uint32_t& subkeys) {
-    const std::lock_guard lock(state->mutex);
+    const KyrCoreUtils::LockGuard lock(state->mutex);
     const auto node = state->find(key);
     if (!node) {
         return RegistryResult::InvalidHandle;
@@ -160,7 +162,7 @@ RegistryResult RegistryHive::RegQueryInfoKeyW(HKEY key, std::uint32_t& subkeys) 
 
 RegistryResult RegistryHive::RegEnumKeyExW(HKEY key, std::uint32_t index, std::span<wchar_t> name,
                                            std::uint32_t& nameLength) {
-    const std::lock_guard lock(state->mutex);
+    const KyrCoreUtils::LockGuard lock(state->mutex);
     const auto node = state->find(key);
     if (!node) {
         return RegistryResult::InvalidHandle;
@@ -175,7 +177,7 @@ RegistryResult RegistryHive::RegEnumKeyExW(HKEY key, std::uint32_t index, std::s
 RegistryResult RegistryHive::RegEnumValueW(HKEY key, std::uint32_t index, std::span<wchar_t> name,
                                            std::uint32_t& nameLength, std::uint32_t& type, std::span<std::uint8_t> data,
                                            std::uint32_t& dataLength) {
-    const std::lock_guard lock(state->mutex);
+    const KyrCoreUtils::LockGuard lock(state->mutex);
     const auto node = state->find(key);
     if (!node) {
         return RegistryResult::InvalidHandle;
@@ -192,7 +194,7 @@ RegistryResult RegistryHive::RegEnumValueW(HKEY key, std::uint32_t index, std::s
 }
 
 RegistryResult RegistryHive::RegDeleteKeyW(HKEY key, const wchar_t* subkey) {
-    const std::lock_guard lock(state->mutex);
+    const KyrCoreUtils::LockGuard lock(state->mutex);
     RegistryPlace place;
     const auto above = state->find(key, &place);
     if (!above) {
@@ -209,7 +211,7 @@ RegistryResult RegistryHive::RegDeleteKeyW(HKEY key, const wchar_t* subkey) {
 
 RegistryResult RegistryHive::RegQueryValueExA(HKEY key, const char* name, std::uint32_t& type, std::span<char> data,
                                               std::uint32_t& dataLength) {
-    const std::lock_guard lock(state->mutex);
+    const KyrCoreUtils::LockGuard lock(state->mutex);
     const auto node = state->find(key);
     if (!node) {
         return RegistryResult::InvalidHandle;
@@ -226,7 +228,7 @@ RegistryResult RegistryHive::RegQueryValueExA(HKEY key, const char* name, std::u
 }
 
 RegistryResult RegistryHive::RegCloseKey(HKEY key) {
-    const std::lock_guard lock(state->mutex);
+    const KyrCoreUtils::LockGuard lock(state->mutex);
     const bool known = state->tree->getRoot(key) != nullptr || state->openKeys.erase(key) > 0;
     return known ? RegistryResult::Success : RegistryResult::InvalidHandle;
 }

@@ -1,6 +1,7 @@
 #include "unified/PluginLoader.h"
 
 #include <kyr/FileUtils.h>
+#include <kyr/LockGuard.h>
 #include <kyr/SharedLibrary.h>
 #include <unified/UnifiedFactory.h>
 #include <zel/ZelLog.h>
@@ -60,7 +61,7 @@ void PluginLoader::load(const std::string& typeName, std::shared_ptr<UnifiedFact
         return;
     }
     {
-        const std::lock_guard lock(mutex);
+        const KyrCoreUtils::LockGuard lock(mutex);
         if (!begun.insert(library).second) {
             return;
         }

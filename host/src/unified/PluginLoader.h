@@ -1,10 +1,10 @@
 #pragma once
 
+#include <kyr/AnnotatedMutex.h>
 #include <zel/HostExport.h>
 
 #include <map>
 #include <memory>
-#include <mutex>
 #include <set>
 #include <string>
 
@@ -29,8 +29,8 @@ private:
 
     const std::string folder;
     const std::map<std::string, std::string> libraries;
-    std::mutex mutex; ///< Guards `begun`.
-    std::set<std::string> begun;
+    KyrCoreUtils::AnnotatedMutex<> mutex;
+    std::set<std::string> begun LUMORA_GUARDED_BY(mutex);
 };
 
 } // namespace ZelUnified

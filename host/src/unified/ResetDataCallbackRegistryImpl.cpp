@@ -1,5 +1,7 @@
 #include "ResetDataCallbackRegistryImpl.h"
 
+#include <kyr/LockGuard.h>
+
 #include <algorithm>
 #include <utility>
 
@@ -9,7 +11,7 @@ void ResetDataCallbackRegistryImpl::add(int order, std::shared_ptr<ProviderReset
     if (!callback) {
         return;
     }
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     if (find(order, callback) == callbacks.end()) {
         callbacks.emplace(order, std::move(callback));
     }
@@ -17,14 +19,14 @@ void ResetDataCallbackRegistryImpl::add(int order, std::shared_ptr<ProviderReset
 
 void ResetDataCallbackRegistryImpl::remove(int order, std::shared_ptr<ProviderResetDataCallback> callback) {
     // The argument prevents destruction of the callback under the lock.
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     if (const auto found = find(order, callback); found != callbacks.end()) {
         callbacks.erase(found);
     }
 }
 
 std::vector<std::shared_ptr<ProviderResetDataCallback>> ResetDataCallbackRegistryImpl::getCallbacks() const {
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     std::vector<std::shared_ptr<ProviderResetDataCallback>> ordered;
     for (const auto& [order, callback] : callbacks) {
         ordered.push_back(callback);
@@ -34,7 +36,7 @@ std::vector<std::shared_ptr<ProviderResetDataCallback>> ResetDataCallbackRegistr
 
 void ResetDataCallbackRegistryImpl::clear() {
     Callbacks dropped;
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     dropped.swap(callbacks);
 }
 

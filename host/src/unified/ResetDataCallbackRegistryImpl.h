@@ -1,10 +1,10 @@
 #pragma once
 
+#include <kyr/AnnotatedMutex.h>
 #include <unified/ResetDataCallbackRegistry.h>
 
 #include <map>
 #include <memory>
-#include <mutex>
 #include <vector>
 
 namespace ZelUnified {
@@ -24,10 +24,11 @@ public:
 private:
     using Callbacks = std::multimap<int, std::shared_ptr<ProviderResetDataCallback>>;
 
-    Callbacks::iterator find(int order, const std::shared_ptr<ProviderResetDataCallback>& callback);
+    Callbacks::iterator find(int order, const std::shared_ptr<ProviderResetDataCallback>& callback)
+        LUMORA_REQUIRES(mutex);
 
-    mutable std::mutex mutex;
-    Callbacks callbacks;
+    mutable KyrCoreUtils::AnnotatedMutex<> mutex;
+    Callbacks callbacks LUMORA_GUARDED_BY(mutex);
 };
 
 } // namespace ZelUnified

@@ -1,5 +1,8 @@
 #include "SerialQueue.h"
 
+#include <kyr/AnnotatedMutex.h>
+#include <kyr/LockGuard.h>
+#include <kyr/WaitLock.h>
 #include <zel/ZelLog.h>
 
 #include <algorithm>
@@ -51,7 +54,7 @@ public:
     }
 
     bool start() {
-        const std::lock_guard lock(mutex);
+        const KyrCoreUtils::LockGuard lock(mutex);
         if (state != State::Waiting) {
             return false;
         }
@@ -64,14 +67,14 @@ public:
     bool isOwner() const noexcept { return owner.load() == std::this_thread::get_id(); }
 
     bool isRunning() const {
-        const std::lock_guard lock(mutex);
+        const KyrCoreUtils::LockGuard lock(mutex);
         return state == State::Running;
     }
 
     bool post(std::shared_ptr<zel::Task>& task, bool ahead, std::shared_ptr<std::promise<void>> finished = nullptr) {
         std::function<void()> posted;
         {
-            const std::lock_guard lock(mutex);
+            const KyrCoreUtils::LockGuard lock(mutex);
             // A caller that blocks must not wait for a queue that does not run.
             if (state == State::Closed || (finished && state != State::Running)) {
                 return false;
@@ -90,7 +93,7 @@ public:
     }
 
     void setPostedCallback(std::function<void()> callback) {
-        const std::lock_guard lock(mutex);
+        const KyrCoreUtils::LockGuard lock(mutex);
         postedCallback.swap(callback);
     }
 
@@ -104,7 +107,7 @@ public:
     }
 
     bool isRunningFor(std::thread::id waiter) const {
-        const std::lock_guard lock(mutex);
+        const KyrCoreUtils::LockGuard lock(mutex);
         return std::any_of(running.begin(), running.end(), [&](const Running& task) { return task.waiter == waiter; });
     }
 
@@ -123,36 +126,37 @@ public:
     }
 
     bool waitForTask(std::chrono::milliseconds timeout) {
-        std::unique_lock lock(mutex);
-        changed.wait_for(lock, timeout, [this] { return !entries.empty() || state == State::Closed; });
+        KyrCoreUtils::WaitLock lock(mutex);
+        changed.wait_for(lock.get(), timeout,
+                         [this]() LUMORA_REQUIRES(mutex) { return !entries.empty() || state == State::Closed; });
         return !entries.empty();
     }
 
     std::uint64_t getMark() const {
-        const std::lock_guard lock(mutex);
+        const KyrCoreUtils::LockGuard lock(mutex);
         return lastNumber;
     }
 
     bool isWaiting(std::uint64_t mark) const {
-        const std::lock_guard lock(mutex);
+        const KyrCoreUtils::LockGuard lock(mutex);
         return holdsUpTo(mark, entries);
     }
 
     bool waitUntilRun(std::uint64_t mark, std::optional<std::chrono::milliseconds> timeout) {
-        const auto done = [&] {
+        const auto done = [&]() LUMORA_REQUIRES(mutex) {
             return state == State::Waiting || !(holdsUpTo(mark, running) || holdsUpTo(mark, entries));
         };
-        std::unique_lock lock(mutex);
+        KyrCoreUtils::WaitLock lock(mutex);
         if (timeout) {
-            return changed.wait_for(lock, *timeout, done);
+            return changed.wait_for(lock.get(), *timeout, done);
         }
-        changed.wait(lock, done);
+        changed.wait(lock.get(), done);
         return true;
     }
 
     void close() {
         {
-            const std::lock_guard lock(mutex);
+            const KyrCoreUtils::LockGuard lock(mutex);
             state = State::Closed;
         }
         changed.notify_all();
@@ -160,14 +164,14 @@ public:
 
     /// Releases the work guard, so that the thread returns when no handler is left.
     void letGo() {
-        const std::lock_guard lock(mutex);
+        const KyrCoreUtils::LockGuard lock(mutex);
         keepRunning.reset();
     }
 
     void dropAll() {
         std::deque<Entry> dropped;
         {
-            const std::lock_guard lock(mutex);
+            const KyrCoreUtils::LockGuard lock(mutex);
             dropped.swap(entries);
         }
         changed.notify_all();
@@ -213,7 +217,7 @@ private:
     bool runFirst(Predicate matches) {
         Entry entry;
         {
-            const std::lock_guard lock(mutex);
+            const KyrCoreUtils::LockGuard lock(mutex);
             const auto found = std::find_if(entries.begin(), entries.end(), matches);
             if (found == entries.end()) {
                 return false;
@@ -226,7 +230,7 @@ private:
         runGuarded(*entry.task);
         entry.task.reset();
         {
-            const std::lock_guard lock(mutex);
+            const KyrCoreUtils::LockGuard lock(mutex);
             running.pop_back();
         }
         changed.notify_all();
@@ -240,28 +244,28 @@ private:
     std::atomic<std::thread::id> owner{};
     std::atomic<unsigned long> runs = 0; ///< The number of tasks that have begun.
 
-    mutable std::mutex mutex; ///< Guards all members below; never held while a task runs or is destroyed.
+    mutable KyrCoreUtils::AnnotatedMutex<> mutex; ///< Never held while a task runs or is destroyed.
     std::condition_variable changed;
-    asio::executor_work_guard<asio::io_context::executor_type> keepRunning;
-    State state = State::Waiting;
-    std::deque<Entry> entries;
-    std::uint64_t lastNumber = 0;
-    std::vector<Running> running; ///< The innermost one is last.
-    std::function<void()> postedCallback;
+    asio::executor_work_guard<asio::io_context::executor_type> keepRunning LUMORA_GUARDED_BY(mutex);
+    State state LUMORA_GUARDED_BY(mutex) = State::Waiting;
+    std::deque<Entry> entries LUMORA_GUARDED_BY(mutex);
+    std::uint64_t lastNumber LUMORA_GUARDED_BY(mutex) = 0;
+    std::vector<Running> running LUMORA_GUARDED_BY(mutex); ///< The innermost one is last.
+    std::function<void()> postedCallback LUMORA_GUARDED_BY(mutex);
 };
 
 SerialQueue::SerialQueue(Mode mode) : core(std::make_shared<Core>(mode)) {}
 
 SerialQueue::~SerialQueue() {
     end();
-    const std::lock_guard lock(threadMutex);
+    const KyrCoreUtils::LockGuard lock(threadMutex);
     if (thread.joinable()) {
         thread.detach();
     }
 }
 
 void SerialQueue::start() {
-    const std::lock_guard lock(threadMutex);
+    const KyrCoreUtils::LockGuard lock(threadMutex);
     if (!core->start()) {
         return;
     }
@@ -367,7 +371,7 @@ void SerialQueue::end() {
     core->letGo();
     const bool joins = core->mode == Mode::OwnThread && !isOwner();
     if (joins) {
-        const std::lock_guard lock(threadMutex);
+        const KyrCoreUtils::LockGuard lock(threadMutex);
         if (thread.joinable()) {
             thread.join();
         }

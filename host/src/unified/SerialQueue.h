@@ -1,5 +1,6 @@
 #pragma once
 
+#include <kyr/AnnotatedMutex.h>
 #include <zel/HostExport.h>
 #include <zel/Task.h>
 
@@ -7,7 +8,6 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <thread>
 
@@ -75,8 +75,8 @@ public:
 private:
     class Core;
     const std::shared_ptr<Core> core; ///< Shared with the thread.
-    std::mutex threadMutex;           ///< Guards `thread`.
-    std::thread thread;
+    KyrCoreUtils::AnnotatedMutex<> threadMutex;
+    std::thread thread LUMORA_GUARDED_BY(threadMutex);
 };
 
 } // namespace ZelUnified::Processing

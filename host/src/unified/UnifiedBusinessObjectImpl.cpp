@@ -1,5 +1,6 @@
 #include "Uuid.h"
 
+#include <kyr/LockGuard.h>
 #include <unified/UnifiedBusinessObjectImpl.h>
 #include <unified/UnifiedFactory.h>
 #include <unified/UpdateAccessError.h>
@@ -33,7 +34,7 @@ void UnifiedBusinessObjectImpl::addObserver(std::weak_ptr<UnifiedBusinessObjectO
         return;
     }
     std::vector<std::shared_ptr<UnifiedBusinessObjectObserver>> known;
-    const std::lock_guard lock(observersMutex);
+    const KyrCoreUtils::LockGuard lock(observersMutex);
     known = lockObservers();
     if (std::find(known.begin(), known.end(), added) == known.end()) {
         observers.push_back({std::move(observer)});
@@ -46,14 +47,14 @@ void UnifiedBusinessObjectImpl::removeObserver(std::weak_ptr<UnifiedBusinessObje
         return;
     }
     std::vector<std::shared_ptr<UnifiedBusinessObjectObserver>> known;
-    const std::lock_guard lock(observersMutex);
+    const KyrCoreUtils::LockGuard lock(observersMutex);
     known = lockObservers();
     if (const auto found = std::find(known.begin(), known.end(), removed); found != known.end()) {
         observers.erase(observers.begin() + (found - known.begin()));
     }
 }
 
-/// Call with the lock held. The caller must release the returned pointers after the unlock, because that may destroy an
+/// The caller must release the returned pointers after the unlock, because that may destroy an
 /// observer.
 std::vector<std::shared_ptr<UnifiedBusinessObjectObserver>> UnifiedBusinessObjectImpl::lockObservers() const {
     std::vector<std::shared_ptr<UnifiedBusinessObjectObserver>> locked;
@@ -70,7 +71,7 @@ std::shared_ptr<UnifiedBusinessObjectNotifiers> UnifiedBusinessObjectImpl::getUn
 }
 
 std::string UnifiedBusinessObjectImpl::getGuid() {
-    const std::lock_guard lock(observersMutex);
+    const KyrCoreUtils::LockGuard lock(observersMutex);
     return requireGuid();
 }
 
@@ -79,11 +80,10 @@ std::string UnifiedBusinessObjectImpl::toString() {
 }
 
 std::string UnifiedBusinessObjectImpl::describe() const {
-    const std::lock_guard lock(observersMutex);
+    const KyrCoreUtils::LockGuard lock(observersMutex);
     return std::string(className) + " {" + requireGuid() + "}";
 }
 
-/// Call with the lock held.
 const std::string& UnifiedBusinessObjectImpl::requireGuid() const {
     if (!guid) {
         guid = std::make_unique<const std::string>(makeRandomUuid());
@@ -96,7 +96,7 @@ void UnifiedBusinessObjectImpl::commitToServicesDispatcher() {
 }
 
 std::shared_ptr<UnifiedBusinessObjectNotifiers> UnifiedBusinessObjectImpl::getNotifiers() const {
-    const std::lock_guard lock(observersMutex);
+    const KyrCoreUtils::LockGuard lock(observersMutex);
     return notifiers;
 }
 

@@ -9,6 +9,7 @@
 
 #include <kyr/FileUtils.h>
 #include <kyr/FunctionTask.h>
+#include <kyr/LockGuard.h>
 #include <unified/FeatureSetReadyListener.h>
 #include <unified/UnifiedFactoryImpl.h>
 #include <zel/EncryptFileUtils.h>
@@ -220,12 +221,12 @@ std::shared_ptr<ResourceMonitor> UnifiedFactoryImpl::getResourceMonitor() {
 }
 
 void UnifiedFactoryImpl::setDataPersistor(std::shared_ptr<IDataPersistor> newPersistor) {
-    const std::lock_guard lock(persistorMutex);
+    const KyrCoreUtils::LockGuard lock(persistorMutex);
     persistor.swap(newPersistor);
 }
 
 std::shared_ptr<IDataPersistor> UnifiedFactoryImpl::getDataPersistor() {
-    const std::lock_guard lock(persistorMutex);
+    const KyrCoreUtils::LockGuard lock(persistorMutex);
     return persistor;
 }
 

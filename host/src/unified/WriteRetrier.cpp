@@ -2,6 +2,7 @@
 
 #include "zel/storage/PendingWrites.h"
 
+#include <kyr/LockGuard.h>
 #include <zel/EncryptFileUtils.h>
 
 #include <algorithm>
@@ -39,7 +40,7 @@ void WriteRetrier::retryNow() {
 void WriteRetrier::finish(std::chrono::milliseconds limit) {
     constexpr std::chrono::milliseconds pause(50);
     {
-        const std::lock_guard lock(mutex);
+        const KyrCoreUtils::LockGuard lock(mutex);
         stopped = true;
     }
     timer.stop();
@@ -51,7 +52,7 @@ void WriteRetrier::finish(std::chrono::milliseconds limit) {
 }
 
 void WriteRetrier::onKept() {
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     if (!stopped && !armed) {
         delay = firstDelay;
         armed = true;
@@ -69,7 +70,7 @@ void WriteRetrier::onTimer() {
 
 void WriteRetrier::retryAndRearm() {
     const bool done = EncryptFileUtils::retryPendingWrites();
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     armed = !done && !stopped;
     if (armed) {
         delay = std::min(delay * 2, longestDelay);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <kyr/AnnotatedMutex.h>
 #include <unified/TaskDispatcher.h>
 #include <zel/BackgroundTimer.h>
 #include <zel/HostExport.h>
@@ -7,7 +8,6 @@
 #include <chrono>
 #include <cstdint>
 #include <memory>
-#include <mutex>
 
 namespace ZelUnified {
 
@@ -36,10 +36,11 @@ private:
     void retryAndRearm();
 
     const std::weak_ptr<Processing::TaskDispatcher> background;
-    std::mutex mutex; ///< Guards all members below; never held during a retry.
-    bool stopped = false;
-    bool armed = false; ///< True from the start of the timer until the end of the retry.
-    std::int64_t delay = 0;
+    KyrCoreUtils::AnnotatedMutex<> mutex; ///< Never held during a retry.
+    bool stopped LUMORA_GUARDED_BY(mutex) = false;
+    /// True from the start of the timer until the end of the retry.
+    bool armed LUMORA_GUARDED_BY(mutex) = false;
+    std::int64_t delay LUMORA_GUARDED_BY(mutex) = 0;
     zel::common::BackgroundTimer timer;
 };
 

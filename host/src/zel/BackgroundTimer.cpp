@@ -1,3 +1,6 @@
+#include <kyr/AnnotatedMutex.h>
+#include <kyr/LockGuard.h>
+#include <kyr/WaitLock.h>
 #include <zel/BackgroundTimer.h>
 #include <zel/TimerSource.h>
 #include <zel/ZelLog.h>
@@ -33,7 +36,7 @@ class BackgroundTimer::Impl : public std::enable_shared_from_this<BackgroundTime
 public:
     void start(std::weak_ptr<BackgroundTimerCallback> newCallback, std::int64_t seconds) {
         std::shared_ptr<TimerSource> former;
-        const std::lock_guard lock(mutex);
+        const KyrCoreUtils::LockGuard lock(mutex);
         former = disarm();
         callback = std::move(newCallback);
         source = TimerSource::getInstance();
@@ -47,18 +50,18 @@ public:
 
     void stop() {
         std::shared_ptr<TimerSource> former;
-        std::unique_lock lock(mutex);
+        KyrCoreUtils::WaitLock lock(mutex);
         former = disarm();
         if (runningOn == std::this_thread::get_id()) {
             return;
         }
-        changed.wait(lock, [this] { return runningOn == std::thread::id(); });
+        changed.wait(lock.get(), [this]() LUMORA_REQUIRES(mutex) { return runningOn == std::thread::id(); });
     }
 
 private:
-    /// Call with the lock held. The caller must release the returned source after the unlock: at the end of the process
-    /// its destructor may wait for the timer's thread.
-    std::shared_ptr<TimerSource> disarm() {
+    /// The caller must release the returned source after the unlock: at the end of the process its destructor may wait
+    /// for the timer's thread.
+    std::shared_ptr<TimerSource> disarm() LUMORA_REQUIRES(mutex) {
         ++armed;
         callback.reset();
         auto used = std::exchange(source, nullptr);
@@ -72,7 +75,7 @@ private:
         std::shared_ptr<BackgroundTimerCallback> called;
         std::shared_ptr<TimerSource> used;
         {
-            const std::lock_guard lock(mutex);
+            const KyrCoreUtils::LockGuard lock(mutex);
             if (number != armed) {
                 return;
             }
@@ -87,19 +90,19 @@ private:
         // May destroy the callback and its timer, which then stops itself on this thread.
         called.reset();
         {
-            const std::lock_guard lock(mutex);
+            const KyrCoreUtils::LockGuard lock(mutex);
             runningOn = std::thread::id();
         }
         changed.notify_all();
     }
 
-    std::mutex mutex; ///< Guards all members below; never held during a callback.
+    KyrCoreUtils::AnnotatedMutex<> mutex; ///< Never held during a callback.
     std::condition_variable changed;
-    std::weak_ptr<BackgroundTimerCallback> callback;
-    std::shared_ptr<TimerSource> source; ///< The source of the pending alarm.
-    TimerSource::Alarm alarm = 0;
-    std::uint64_t armed = 0;
-    std::thread::id runningOn;
+    std::weak_ptr<BackgroundTimerCallback> callback LUMORA_GUARDED_BY(mutex);
+    std::shared_ptr<TimerSource> source LUMORA_GUARDED_BY(mutex); ///< The source of the pending alarm.
+    TimerSource::Alarm alarm LUMORA_GUARDED_BY(mutex) = 0;
+    std::uint64_t armed LUMORA_GUARDED_BY(mutex) = 0;
+    std::thread::id runningOn LUMORA_GUARDED_BY(mutex);
 };
 
 BackgroundTimer::BackgroundTimer() : impl(std::make_shared<Impl>()) {}

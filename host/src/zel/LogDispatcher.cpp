@@ -1,5 +1,7 @@
 #include "LogDispatcher.h"
 
+#include <kyr/LockGuard.h>
+
 #include <utility>
 #include <vector>
 
@@ -15,7 +17,7 @@ void LogDispatcher::add(std::shared_ptr<LogSink> sink) {
     if (!sink) {
         return;
     }
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     auto changed = std::make_shared<Sinks>(*sinks);
     changed->push_back(std::move(sink));
     sinks = std::move(changed);
@@ -23,7 +25,7 @@ void LogDispatcher::add(std::shared_ptr<LogSink> sink) {
 
 void LogDispatcher::remove(const std::shared_ptr<LogSink>& sink) {
     std::shared_ptr<const Sinks> former;
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     auto changed = std::make_shared<Sinks>(*sinks);
     std::erase(*changed, sink);
     former = std::exchange(sinks, std::move(changed));
@@ -32,7 +34,7 @@ void LogDispatcher::remove(const std::shared_ptr<LogSink>& sink) {
 void LogDispatcher::set(const std::string& name, std::shared_ptr<LogSink> sink) {
     std::shared_ptr<LogSink> former;
     {
-        const std::lock_guard lock(mutex);
+        const KyrCoreUtils::LockGuard lock(mutex);
         former = std::exchange(named[name], sink);
     }
     if (former) {
@@ -42,14 +44,14 @@ void LogDispatcher::set(const std::string& name, std::shared_ptr<LogSink> sink) 
 }
 
 bool LogDispatcher::has(const std::string& name) const {
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     return named.contains(name);
 }
 
 void LogDispatcher::removeNamed(std::string_view prefix) {
     Sinks former;
     {
-        const std::lock_guard lock(mutex);
+        const KyrCoreUtils::LockGuard lock(mutex);
         for (auto entry = named.begin(); entry != named.end();) {
             if (entry->first.starts_with(prefix)) {
                 former.push_back(std::move(entry->second));
@@ -77,7 +79,7 @@ void LogDispatcher::dispatch(const LogRecord& record) noexcept {
 }
 
 std::shared_ptr<const LogDispatcher::Sinks> LogDispatcher::getSinks() const {
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     return sinks;
 }
 

@@ -1,11 +1,11 @@
 #pragma once
 
+#include <kyr/AnnotatedMutex.h>
 #include <zel/LogSink.h>
 
 #include <atomic>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -39,11 +39,10 @@ private:
     std::shared_ptr<const Sinks> getSinks() const;
 
     std::atomic<bool> debugEnabled{false};
-    /// Guards the next two members.
-    mutable std::mutex mutex;
+    mutable KyrCoreUtils::AnnotatedMutex<> mutex;
     /// Replaced as a whole, so that a running dispatch keeps its list.
-    std::shared_ptr<const Sinks> sinks = std::make_shared<const Sinks>();
-    std::map<std::string, std::shared_ptr<LogSink>> named;
+    std::shared_ptr<const Sinks> sinks LUMORA_GUARDED_BY(mutex) = std::make_shared<const Sinks>();
+    std::map<std::string, std::shared_ptr<LogSink>> named LUMORA_GUARDED_BY(mutex);
 };
 
 } // namespace zel::logging

@@ -1,7 +1,8 @@
+#include <kyr/AnnotatedMutex.h>
+#include <kyr/LockGuard.h>
 #include <zel/Resources.h>
 
 #include <algorithm>
-#include <mutex>
 #include <vector>
 
 namespace zel {
@@ -9,8 +10,8 @@ namespace zel {
 namespace {
 
 struct Carriers {
-    std::mutex mutex;
-    std::vector<const Resource*> all;
+    KyrCoreUtils::AnnotatedMutex<> mutex;
+    std::vector<const Resource*> all LUMORA_GUARDED_BY(mutex);
 };
 
 /// Never destroyed: libraries remove themselves from the list while the process ends, in an unknown order.
@@ -23,7 +24,7 @@ Carriers& carriers() {
 
 std::optional<std::string_view> Resources::find(std::string_view type, std::string_view name) {
     auto& known = carriers();
-    const std::lock_guard lock(known.mutex);
+    const KyrCoreUtils::LockGuard lock(known.mutex);
     const auto found = std::find_if(known.all.begin(), known.all.end(), [&](const Resource* resource) {
         return resource->type == type && resource->name == name;
     });
@@ -32,7 +33,7 @@ std::optional<std::string_view> Resources::find(std::string_view type, std::stri
 
 CarriedResources::CarriedResources(std::span<const Resource> carried) : table(carried) {
     auto& known = carriers();
-    const std::lock_guard lock(known.mutex);
+    const KyrCoreUtils::LockGuard lock(known.mutex);
     for (const auto& resource : table) {
         known.all.push_back(&resource);
     }
@@ -40,7 +41,7 @@ CarriedResources::CarriedResources(std::span<const Resource> carried) : table(ca
 
 CarriedResources::~CarriedResources() {
     auto& known = carriers();
-    const std::lock_guard lock(known.mutex);
+    const KyrCoreUtils::LockGuard lock(known.mutex);
     std::erase_if(known.all, [this](const Resource* resource) {
         return std::any_of(table.begin(), table.end(), [&](const Resource& own) { return &own == resource; });
     });

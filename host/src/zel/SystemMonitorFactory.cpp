@@ -1,16 +1,16 @@
 #include "SystemMonitorImpl.h"
 
+#include <kyr/AnnotatedMutex.h>
+#include <kyr/LockGuard.h>
 #include <zel/SystemMonitorFactory.h>
-
-#include <mutex>
 
 namespace ZelSystemMonitor {
 
 namespace {
 
 struct Instance {
-    std::mutex mutex;
-    std::shared_ptr<SystemMonitor> overriding;
+    KyrCoreUtils::AnnotatedMutex<> mutex;
+    std::shared_ptr<SystemMonitor> overriding LUMORA_GUARDED_BY(mutex);
     const std::shared_ptr<SystemMonitorImpl> own = std::make_shared<SystemMonitorImpl>();
 };
 
@@ -23,7 +23,7 @@ Instance& instance() {
 
 std::shared_ptr<SystemMonitor> SystemMonitorFactory::getInstance() {
     auto& held = instance();
-    const std::lock_guard lock(held.mutex);
+    const KyrCoreUtils::LockGuard lock(held.mutex);
     if (held.overriding) {
         return held.overriding;
     }
@@ -32,7 +32,7 @@ std::shared_ptr<SystemMonitor> SystemMonitorFactory::getInstance() {
 
 void SystemMonitorFactory::overrideInstance(std::shared_ptr<SystemMonitor> monitor) {
     auto& held = instance();
-    const std::lock_guard lock(held.mutex);
+    const KyrCoreUtils::LockGuard lock(held.mutex);
     held.overriding.swap(monitor);
 }
 

@@ -1,6 +1,7 @@
 #include "SystemMonitorImpl.h"
 
 #include <kyr/FunctionTask.h>
+#include <kyr/LockGuard.h>
 #include <zel/ZelLog.h>
 
 #include <algorithm>
@@ -39,7 +40,7 @@ SystemMonitorImpl::SystemMonitorImpl(SourceOpener sourceOpener) : opener(std::mo
 SystemMonitorImpl::~SystemMonitorImpl() = default;
 
 void SystemMonitorImpl::addPowerEventObserver(std::weak_ptr<PowerEventObserver> observer) {
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     const bool known =
         std::any_of(observers.begin(), observers.end(), [&](const auto& present) { return isSame(present, observer); });
     if (!known) {
@@ -49,12 +50,12 @@ void SystemMonitorImpl::addPowerEventObserver(std::weak_ptr<PowerEventObserver> 
 }
 
 void SystemMonitorImpl::removePowerEventObserver(std::weak_ptr<PowerEventObserver> observer) {
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     std::erase_if(observers, [&](const auto& present) { return isSame(present, observer) || present.expired(); });
 }
 
 void SystemMonitorImpl::attach(const std::shared_ptr<Dispatcher>& dispatcher, std::function<void()> beforePowerDown) {
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     attachments.push_back({dispatcher, std::move(beforePowerDown)});
     std::erase_if(observers, [](const auto& present) { return present.expired(); });
     if (!observers.empty()) {
@@ -64,7 +65,7 @@ void SystemMonitorImpl::attach(const std::shared_ptr<Dispatcher>& dispatcher, st
 
 void SystemMonitorImpl::detach(const std::shared_ptr<Dispatcher>& dispatcher) {
     std::unique_ptr<PowerEventSource> closing;
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     std::erase_if(attachments, [&](const auto& present) {
         return present.dispatcher.expired() || isSame(present.dispatcher, std::weak_ptr(dispatcher));
     });
@@ -107,7 +108,7 @@ void SystemMonitorImpl::receive(PowerEventType type, PowerEventHold hold) {
 /// Returns the last attached dispatcher and its `beforePowerDown`; null if there is none.
 std::shared_ptr<SystemMonitorImpl::Dispatcher>
 SystemMonitorImpl::getDispatcher(std::function<void()>& beforePowerDown) const {
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     for (auto last = attachments.rbegin(); last != attachments.rend(); ++last) {
         if (auto alive = last->dispatcher.lock()) {
             beforePowerDown = last->beforePowerDown;
@@ -119,7 +120,7 @@ SystemMonitorImpl::getDispatcher(std::function<void()>& beforePowerDown) const {
 
 std::vector<std::shared_ptr<PowerEventObserver>> SystemMonitorImpl::getLivingObservers() const {
     std::vector<std::shared_ptr<PowerEventObserver>> living;
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     for (const auto& observer : observers) {
         if (auto alive = observer.lock()) {
             living.push_back(std::move(alive));

@@ -2,12 +2,12 @@
 
 #include "PowerEventSource.h"
 
+#include <kyr/AnnotatedMutex.h>
 #include <unified/ServicesDispatcher.h>
 #include <zel/SystemMonitor.h>
 
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <vector>
 
 namespace ZelSystemMonitor {
@@ -49,16 +49,16 @@ private:
         std::function<void()> beforePowerDown;
     };
 
-    void openSource();
+    void openSource() LUMORA_REQUIRES(mutex);
     std::shared_ptr<Dispatcher> getDispatcher(std::function<void()>& beforePowerDown) const;
     std::vector<std::shared_ptr<PowerEventObserver>> getLivingObservers() const;
     void notify(PowerEventTypeEnum::PowerEventType type, const std::function<void()>& beforePowerDown) const;
 
     const SourceOpener opener;
-    mutable std::mutex mutex; ///< Guards all members below; never held while an observer runs or a source is destroyed.
-    std::vector<std::weak_ptr<PowerEventObserver>> observers;
-    std::vector<Attachment> attachments;
-    std::unique_ptr<PowerEventSource> source;
+    mutable KyrCoreUtils::AnnotatedMutex<> mutex; ///< Never held while an observer runs or a source is destroyed.
+    std::vector<std::weak_ptr<PowerEventObserver>> observers LUMORA_GUARDED_BY(mutex);
+    std::vector<Attachment> attachments LUMORA_GUARDED_BY(mutex);
+    std::unique_ptr<PowerEventSource> source LUMORA_GUARDED_BY(mutex);
 };
 
 } // namespace ZelSystemMonitor

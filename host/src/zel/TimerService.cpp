@@ -1,5 +1,8 @@
 #include "TimerService.h"
 
+#include <kyr/AnnotatedMutex.h>
+#include <kyr/LockGuard.h>
+
 #include <algorithm>
 #include <asio/executor_work_guard.hpp>
 #include <asio/io_context.hpp>
@@ -18,15 +21,15 @@ namespace {
 /// Long enough to count as never, short enough to be added to any time point of the clock.
 constexpr std::int64_t longestWait = std::int64_t{100} * 365 * 24 * 60 * 60;
 
-std::mutex& sourceMutex() {
-    static std::mutex mutex;
-    return mutex;
-}
-
 /// The source that replaces the timer thread; null for none.
-std::shared_ptr<TimerSource>& replacement() {
-    static std::shared_ptr<TimerSource> source;
-    return source;
+struct Replacement {
+    KyrCoreUtils::AnnotatedMutex<> mutex;
+    std::shared_ptr<TimerSource> source LUMORA_GUARDED_BY(mutex);
+};
+
+Replacement& replacement() {
+    static Replacement current;
+    return current;
 }
 
 } // namespace
@@ -90,7 +93,7 @@ void TimerService::cancel(Alarm alarm) {
 }
 
 void TimerService::requireThread() {
-    const std::lock_guard lock(threadMutex);
+    const KyrCoreUtils::LockGuard lock(threadMutex);
     if (!thread.joinable()) {
         thread = std::thread([running = core] { running->runThread(); });
     }
@@ -98,9 +101,10 @@ void TimerService::requireThread() {
 
 std::shared_ptr<TimerSource> TimerSource::getInstance() {
     {
-        const std::lock_guard lock(sourceMutex());
-        if (const auto& source = replacement()) {
-            return source;
+        auto& current = replacement();
+        const KyrCoreUtils::LockGuard lock(current.mutex);
+        if (current.source) {
+            return current.source;
         }
     }
     static const std::shared_ptr<TimerSource> service = std::make_shared<TimerService>();
@@ -108,8 +112,9 @@ std::shared_ptr<TimerSource> TimerSource::getInstance() {
 }
 
 void TimerSource::overrideInstance(std::shared_ptr<TimerSource> source) {
-    const std::lock_guard lock(sourceMutex());
-    replacement().swap(source);
+    auto& current = replacement();
+    const KyrCoreUtils::LockGuard lock(current.mutex);
+    current.source.swap(source);
 }
 
 } // namespace zel::common

@@ -1,9 +1,9 @@
 #pragma once
 
+#include <kyr/AnnotatedMutex.h>
 #include <zel/TimerSource.h>
 
 #include <memory>
-#include <mutex>
 #include <thread>
 
 namespace zel::common {
@@ -25,8 +25,8 @@ private:
     void requireThread();
 
     const std::shared_ptr<Core> core; ///< Shared with the thread.
-    std::mutex threadMutex;           ///< Guards `thread`.
-    std::thread thread;
+    KyrCoreUtils::AnnotatedMutex<> threadMutex;
+    std::thread thread LUMORA_GUARDED_BY(threadMutex);
 };
 
 } // namespace zel::common

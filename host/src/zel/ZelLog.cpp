@@ -2,6 +2,8 @@
 #include "PiiMask.h"
 #include "ZelLogger.h"
 
+#include <kyr/AnnotatedMutex.h>
+#include <kyr/LockGuard.h>
 #include <kyr/StringUtils.h>
 #include <zel/ZelLog.h>
 
@@ -12,15 +14,17 @@
 using zel::logging::LogDispatcher;
 
 ZelLogger& ZelLogger_getLogger(std::string_view name) {
-    using Loggers = std::map<std::string, std::unique_ptr<ZelLogger>, std::less<>>;
+    struct Loggers {
+        KyrCoreUtils::AnnotatedMutex<> mutex;
+        std::map<std::string, std::unique_ptr<ZelLogger>, std::less<>> byName LUMORA_GUARDED_BY(mutex);
+    };
     // Never destroyed: static objects of other libraries may log in their destructors.
     static Loggers& loggers = *new Loggers;
-    static std::mutex& mutex = *new std::mutex;
 
-    const std::lock_guard lock(mutex);
-    auto found = loggers.find(name);
-    if (found == loggers.end()) {
-        found = loggers.emplace(name, std::make_unique<ZelLogger>(std::string(name))).first;
+    const KyrCoreUtils::LockGuard lock(loggers.mutex);
+    auto found = loggers.byName.find(name);
+    if (found == loggers.byName.end()) {
+        found = loggers.byName.emplace(name, std::make_unique<ZelLogger>(std::string(name))).first;
     }
     return *found->second;
 }

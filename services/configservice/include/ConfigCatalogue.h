@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <iterator>
 #include <optional>
 #include <span>
 #include <string>
@@ -101,8 +102,8 @@ consteval auto listByPlace() {
     return rows;
 }
 
-/// The keys whose values are never shown, in the order in which they are marked at the start. Others may be marked at
-/// run time, so ConfigFeatureSet::isKeySensitive() decides.
+/// The keys that are marked as sensitive at the start, in this order. Others are marked at run time, so ask
+/// ConfigFeatureSet::isKeySensitive() before you show a value.
 inline constexpr auto sensitiveKeys = listByPlace<&KeyRow::sensitive>();
 /// The keys that a provisioning URL may set.
 inline constexpr auto provisioningKeys = listByPlace<&KeyRow::provisioning>();
@@ -145,6 +146,15 @@ inline KeyNames getKeyNames(std::wstring_view key) {
     }
     return {std::wstring(row->name), std::wstring(row->oldName),
             KyrCoreUtils::caseInsensitiveStringEquals(row->oldName, key)};
+}
+
+/// Returns the names of `sensitiveKeys`, old names included: a log line shows the name that was requested.
+inline std::vector<std::wstring> listSensitiveNames() {
+    std::vector<std::wstring> listed;
+    for (const auto* const row : sensitiveKeys) {
+        std::ranges::move(getKeyNames(row->name).getAll(), std::back_inserter(listed));
+    }
+    return listed;
 }
 
 /// Returns "text", "boolean", "enumeration" or "list".

@@ -1,6 +1,7 @@
 #include "ChangeFeed.h"
 
 #include <ConfigCatalogue.h>
+
 #include <utility>
 
 namespace inspection {

@@ -2,8 +2,11 @@
 
 #include "Change.h"
 
+#include <kyr/AnnotatedMutex.h>
+#include <kyr/LockGuard.h>
+
 #include <cstddef>
-#include <mutex>
+#include <utility>
 #include <vector>
 
 namespace inspection {
@@ -22,7 +25,7 @@ public:
 
     /// Adds a change, or counts it as lost. Returns true if the queue was empty, so that the reader must be woken.
     bool push(Change change) {
-        const std::lock_guard lock(mutex);
+        const KyrCoreUtils::LockGuard lock(mutex);
         const bool wasEmpty = batch.changes.empty();
         if (batch.changes.size() >= capacity) {
             ++batch.lost;
@@ -34,15 +37,15 @@ public:
 
     Batch take() {
         Batch taken;
-        const std::lock_guard lock(mutex);
+        const KyrCoreUtils::LockGuard lock(mutex);
         std::swap(taken, batch);
         return taken;
     }
 
 private:
     const std::size_t capacity;
-    std::mutex mutex;
-    Batch batch; ///< Guarded by `mutex`.
+    KyrCoreUtils::AnnotatedMutex<> mutex;
+    Batch batch LUMORA_GUARDED_BY(mutex);
 };
 
 } // namespace inspection

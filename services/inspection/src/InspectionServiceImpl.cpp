@@ -23,7 +23,7 @@ InspectionServiceImpl::InspectionServiceImpl(std::shared_ptr<ZelUnified::Unified
     : factory(std::move(hostFactory)) {}
 
 void InspectionServiceImpl::setChangesAllowed(bool allowed) {
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     changesAllowed = allowed;
     if (server) {
         server->getRunner().setChangesAllowed(allowed);
@@ -31,7 +31,7 @@ void InspectionServiceImpl::setChangesAllowed(bool allowed) {
 }
 
 std::string InspectionServiceImpl::getSocketPath() {
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     return socketPath;
 }
 
@@ -43,7 +43,7 @@ void InspectionServiceImpl::StartFeatureSet(unsigned int /*id*/,
     if (!started) {
         return;
     }
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     started->getRunner().setChangesAllowed(changesAllowed);
     server = std::move(started);
     socketPath = path;
@@ -80,13 +80,13 @@ void InspectionServiceImpl::Destroy() {
 
 void InspectionServiceImpl::stopServer() {
     std::unique_ptr<InspectionServer> stopped; // ended without the lock
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     server.swap(stopped);
     socketPath.clear();
 }
 
 bool InspectionServiceImpl::IsFeatureSetStarted(unsigned int /*id*/) {
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     return server != nullptr;
 }
 

@@ -2,13 +2,14 @@
 
 #include "InspectionServer.h"
 
+#include <kyr/AnnotatedMutex.h>
+#include <kyr/LockGuard.h>
 #include <unified/FeatureSetAdapter.h>
 #include <unified/UnifiedFactory.h>
 
 #include <InspectionService.h>
 
 #include <memory>
-#include <mutex>
 #include <string>
 #include <vector>
 
@@ -35,10 +36,10 @@ private:
     void stopServer();
 
     const std::shared_ptr<ZelUnified::UnifiedFactory> factory;
-    std::mutex mutex; ///< Guards the members below.
-    bool changesAllowed = true;
-    std::string socketPath; ///< "" while the server does not listen.
-    std::unique_ptr<InspectionServer> server;
+    KyrCoreUtils::AnnotatedMutex<> mutex;
+    bool changesAllowed LUMORA_GUARDED_BY(mutex) = true;
+    std::string socketPath LUMORA_GUARDED_BY(mutex); ///< "" while the server does not listen.
+    std::unique_ptr<InspectionServer> server LUMORA_GUARDED_BY(mutex);
 };
 
 } // namespace inspection

@@ -7,12 +7,13 @@
 #include "ProtectedFiles.h"
 #include "Quarantine.h"
 
+#include <kyr/AnnotatedMutex.h>
 #include <kyr/FileUtils.h>
+#include <kyr/LockGuard.h>
 #include <zel/EncryptFileUtils.h>
 
 #include <chrono>
 #include <exception>
-#include <mutex>
 #include <utility>
 
 namespace zel::storage {
@@ -23,9 +24,9 @@ ZelLogger& logger = encryptFileUtilsLogger();
 
 /// The layer and key provider that an embedding program or a test has set in place of the defaults.
 struct Overrides {
-    std::mutex mutex;
-    std::shared_ptr<FileLayer> layer;
-    std::shared_ptr<KeyProvider> provider;
+    KyrCoreUtils::AnnotatedMutex<> mutex;
+    std::shared_ptr<FileLayer> layer LUMORA_GUARDED_BY(mutex);
+    std::shared_ptr<KeyProvider> provider LUMORA_GUARDED_BY(mutex);
 };
 
 Overrides& overrides() {
@@ -44,7 +45,7 @@ public:
     Environment() {
         Overrides& current = overrides();
         {
-            const std::lock_guard lock(current.mutex);
+            const KyrCoreUtils::LockGuard lock(current.mutex);
             layer = current.layer;
             provider = current.provider;
         }
@@ -182,7 +183,7 @@ WriteOutcome EncryptFileUtils::restoreMovedAside(const std::string& keptAs) {
 
 void EncryptFileUtils::overrideFileLayer(std::shared_ptr<FileLayer> layer) {
     {
-        const std::lock_guard lock(overrides().mutex);
+        const KyrCoreUtils::LockGuard lock(overrides().mutex);
         overrides().layer.swap(layer);
     }
     PendingWrites::ofProcess().clear();
@@ -190,7 +191,7 @@ void EncryptFileUtils::overrideFileLayer(std::shared_ptr<FileLayer> layer) {
 }
 
 void EncryptFileUtils::overrideKeyProvider(std::shared_ptr<KeyProvider> provider) {
-    const std::lock_guard lock(overrides().mutex);
+    const KyrCoreUtils::LockGuard lock(overrides().mutex);
     overrides().provider.swap(provider);
 }
 

@@ -2,19 +2,21 @@
 
 #include "PathParts.h"
 
+#include <kyr/LockGuard.h>
+
 #include <utility>
 
 namespace zel::storage {
 
 void MovedFiles::add(MovedFile file) {
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     files.push_back(std::move(file));
 }
 
 std::vector<MovedFile> MovedFiles::list(const std::string& directory) const {
     const std::string prefix = directoryPrefix(directory);
     std::vector<MovedFile> found;
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     for (const auto& file : files) {
         if (spellPath(file.original).starts_with(prefix)) {
             found.push_back(file);
@@ -24,7 +26,7 @@ std::vector<MovedFile> MovedFiles::list(const std::string& directory) const {
 }
 
 void MovedFiles::clear() {
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     files.clear();
 }
 

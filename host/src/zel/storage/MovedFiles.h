@@ -1,8 +1,8 @@
 #pragma once
 
+#include <kyr/AnnotatedMutex.h>
 #include <zel/StorageHealth.h>
 
-#include <mutex>
 #include <string>
 #include <vector>
 
@@ -18,8 +18,8 @@ public:
     void clear();
 
 private:
-    mutable std::mutex mutex; ///< Guards `files`.
-    std::vector<MovedFile> files;
+    mutable KyrCoreUtils::AnnotatedMutex<> mutex;
+    std::vector<MovedFile> files LUMORA_GUARDED_BY(mutex);
 };
 
 } // namespace zel::storage

@@ -3,6 +3,9 @@
 #include "EncryptFileUtilsLogger.h"
 #include "PathParts.h"
 
+#include <kyr/AnnotatedMutex.h>
+#include <kyr/LockGuard.h>
+
 #include <utility>
 
 namespace zel::storage {
@@ -26,14 +29,28 @@ std::optional<PendingWrites::Kept> keep(const ProtectedText& content, PendingWri
 
 } // namespace
 
-struct PendingWrites::Entry {
-    std::mutex turn; ///< Held during an attempt.
+class PendingWrites::Entry {
+public:
+    struct State {
+        std::string path; ///< The spelling of the last writer.
+        std::optional<WriteOutcome> lastWrite;
+        std::optional<Kept> kept;
+        std::uint64_t writes = 0; ///< Shows whether the path was written after take().
+    };
 
-    // Guarded by the mutex of PendingWrites.
-    std::string path; ///< The spelling of the last writer.
-    std::optional<WriteOutcome> lastWrite;
-    std::optional<Kept> kept;
-    std::uint64_t writes = 0; ///< Shows whether the path was written after take().
+    State& getState(const PendingWrites& owner) LUMORA_REQUIRES(owner.mutex) {
+        static_cast<void>(owner); // named for the analysis only
+        return state;
+    }
+    const State& getState(const PendingWrites& owner) const LUMORA_REQUIRES(owner.mutex) {
+        static_cast<void>(owner);
+        return state;
+    }
+
+    KyrCoreUtils::AnnotatedMutex<> turn; ///< Held during an attempt.
+
+private:
+    State state;
 };
 
 PendingWrites::PendingWrites() = default;
@@ -49,7 +66,7 @@ bool PendingWrites::write(const std::string& path, const ProtectedText& content,
     const auto entry = makeEntry(path);
     bool isKept = false;
     {
-        const std::lock_guard turn(entry->turn);
+        const KyrCoreUtils::LockGuard turn(entry->turn);
         const std::string cause = attempt(path, content, category);
         if (cause.empty()) {
             succeed(*entry);
@@ -79,15 +96,16 @@ bool PendingWrites::retry(const Attempt& attempt) {
 }
 
 void PendingWrites::retryOne(Entry& entry, const Attempt& attempt) {
-    const std::lock_guard turn(entry.turn);
+    const KyrCoreUtils::LockGuard turn(entry.turn);
     std::optional<Kept> kept;
     std::string path;
     std::string lastCause;
     {
-        const std::lock_guard lock(mutex);
-        kept = entry.kept;
-        path = entry.path;
-        lastCause = entry.lastWrite ? entry.lastWrite->cause : std::string();
+        const KyrCoreUtils::LockGuard lock(mutex);
+        const auto& state = entry.getState(*this);
+        kept = state.kept;
+        path = state.path;
+        lastCause = state.lastWrite ? state.lastWrite->cause : std::string();
     }
     if (!kept) {
         return;
@@ -122,11 +140,11 @@ PendingWrites::Taken PendingWrites::take(const std::string& path) {
     Taken taken;
     taken.entry = findEntry(path);
     if (taken.entry) {
-        const std::lock_guard turn(taken.entry->turn);
+        const KyrCoreUtils::LockGuard turn(taken.entry->turn);
         taken.kept = getKept(*taken.entry);
         setKept(*taken.entry, std::nullopt);
-        const std::lock_guard lock(mutex);
-        taken.writes = taken.entry->writes;
+        const KyrCoreUtils::LockGuard lock(mutex);
+        taken.writes = taken.entry->getState(*this).writes;
     }
     return taken;
 }
@@ -135,10 +153,10 @@ void PendingWrites::putBack(const Taken& taken) {
     if (!taken.kept) {
         return;
     }
-    const std::lock_guard turn(taken.entry->turn);
+    const KyrCoreUtils::LockGuard turn(taken.entry->turn);
     {
-        const std::lock_guard lock(mutex);
-        if (taken.entry->writes != taken.writes) {
+        const KyrCoreUtils::LockGuard lock(mutex);
+        if (taken.entry->getState(*this).writes != taken.writes) {
             return;
         }
     }
@@ -147,7 +165,7 @@ void PendingWrites::putBack(const Taken& taken) {
 
 void PendingWrites::drop(FileCategory category) {
     for (const auto& entry : getBelow("")) {
-        const std::lock_guard turn(entry->turn);
+        const KyrCoreUtils::LockGuard turn(entry->turn);
         if (const auto kept = getKept(*entry); kept && kept->category == category) {
             setKept(*entry, std::nullopt);
         }
@@ -156,12 +174,13 @@ void PendingWrites::drop(FileCategory category) {
 
 void PendingWrites::giveUp(const std::string& directory) {
     for (const auto& entry : getBelow(directory)) {
-        const std::lock_guard turn(entry->turn);
+        const KyrCoreUtils::LockGuard turn(entry->turn);
         std::string lost;
         {
-            const std::lock_guard lock(mutex);
-            if (entry->kept && entry->lastWrite) {
-                lost = ZelLogger_replacePIIData(entry->path) + ", not written: " + entry->lastWrite->cause;
+            const KyrCoreUtils::LockGuard lock(mutex);
+            const auto& state = entry->getState(*this);
+            if (state.kept && state.lastWrite) {
+                lost = ZelLogger_replacePIIData(state.path) + ", not written: " + state.lastWrite->cause;
             }
         }
         if (!lost.empty()) {
@@ -174,10 +193,11 @@ void PendingWrites::giveUp(const std::string& directory) {
 std::vector<PendingWrites::Record> PendingWrites::list(const std::string& directory) const {
     const std::string prefix = directoryPrefix(directory);
     std::vector<Record> records;
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     for (const auto& [spelling, entry] : entries) {
-        if (spelling.starts_with(prefix) && (entry->lastWrite || entry->kept)) {
-            records.push_back({entry->path, entry->lastWrite, entry->kept.has_value()});
+        const auto& state = entry->getState(*this);
+        if (spelling.starts_with(prefix) && (state.lastWrite || state.kept)) {
+            records.push_back({state.path, state.lastWrite, state.kept.has_value()});
         }
     }
     return records;
@@ -185,34 +205,35 @@ std::vector<PendingWrites::Record> PendingWrites::list(const std::string& direct
 
 void PendingWrites::clear() {
     std::vector<std::optional<Kept>> forgotten; // destroyed after the unlock
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     for (const auto& [spelling, entry] : entries) {
-        forgotten.emplace_back().swap(entry->kept);
-        entry->lastWrite.reset();
+        auto& state = entry->getState(*this);
+        forgotten.emplace_back().swap(state.kept);
+        state.lastWrite.reset();
     }
     pendingCount = 0;
 }
 
 void PendingWrites::setListener(std::function<void()> newListener) {
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     listener.swap(newListener);
 }
 
 std::shared_ptr<PendingWrites::Entry> PendingWrites::findEntry(const std::string& path) const {
     const std::string spelling = spellPath(path);
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     const auto found = entries.find(spelling);
     return found == entries.end() ? nullptr : found->second;
 }
 
 std::shared_ptr<PendingWrites::Entry> PendingWrites::makeEntry(const std::string& path) {
     const std::string spelling = spellPath(path);
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     auto& entry = entries[spelling];
     if (!entry) {
         entry = std::make_shared<Entry>();
     }
-    entry->path = path;
+    entry->getState(*this).path = path;
     return entry;
 }
 
@@ -220,7 +241,7 @@ std::shared_ptr<PendingWrites::Entry> PendingWrites::makeEntry(const std::string
 std::vector<std::shared_ptr<PendingWrites::Entry>> PendingWrites::getBelow(const std::string& directory) const {
     const std::string prefix = directoryPrefix(directory);
     std::vector<std::shared_ptr<Entry>> found;
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     for (const auto& [spelling, entry] : entries) {
         if (spelling.starts_with(prefix)) {
             found.push_back(entry);
@@ -230,24 +251,26 @@ std::vector<std::shared_ptr<PendingWrites::Entry>> PendingWrites::getBelow(const
 }
 
 std::optional<PendingWrites::Kept> PendingWrites::getKept(const Entry& entry) const {
-    const std::lock_guard lock(mutex);
-    return entry.kept;
+    const KyrCoreUtils::LockGuard lock(mutex);
+    return entry.getState(*this).kept;
 }
 
 void PendingWrites::setKept(Entry& entry, std::optional<Kept> kept) {
     // The old content is destroyed after the unlock.
-    const std::lock_guard lock(mutex);
-    if (kept.has_value() != entry.kept.has_value()) {
+    const KyrCoreUtils::LockGuard lock(mutex);
+    auto& state = entry.getState(*this);
+    if (kept.has_value() != state.kept.has_value()) {
         kept ? ++pendingCount : --pendingCount;
     }
-    entry.kept.swap(kept);
+    state.kept.swap(kept);
 }
 
 void PendingWrites::succeed(Entry& entry) {
     setKept(entry, std::nullopt);
-    const std::lock_guard lock(mutex);
-    ++entry.writes;
-    entry.lastWrite = {true, "", std::chrono::system_clock::now()};
+    const KyrCoreUtils::LockGuard lock(mutex);
+    auto& state = entry.getState(*this);
+    ++state.writes;
+    state.lastWrite = {true, "", std::chrono::system_clock::now()};
 }
 
 /// Records the failure. Without new content the older pending content stays, because it is newer than the file on the
@@ -256,16 +279,17 @@ bool PendingWrites::fail(Entry& entry, const std::string& cause, std::optional<K
     if (kept) {
         setKept(entry, std::move(kept));
     }
-    const std::lock_guard lock(mutex);
-    ++entry.writes;
-    entry.lastWrite = {false, cause, std::chrono::system_clock::now()};
-    return entry.kept.has_value();
+    const KyrCoreUtils::LockGuard lock(mutex);
+    auto& state = entry.getState(*this);
+    ++state.writes;
+    state.lastWrite = {false, cause, std::chrono::system_clock::now()};
+    return state.kept.has_value();
 }
 
 void PendingWrites::notifyListener() {
     std::function<void()> called;
     {
-        const std::lock_guard lock(mutex);
+        const KyrCoreUtils::LockGuard lock(mutex);
         called = listener;
     }
     if (called) {

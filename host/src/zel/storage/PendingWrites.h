@@ -1,5 +1,6 @@
 #pragma once
 
+#include <kyr/AnnotatedMutex.h>
 #include <zel/EncryptFileUtils.h>
 #include <zel/ProtectedText.h>
 #include <zel/StorageHealth.h>
@@ -10,7 +11,6 @@
 #include <functional>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
@@ -80,23 +80,25 @@ public:
     void setListener(std::function<void()> listener);
 
 private:
-    struct Entry;
+    class Entry;
     using Entries = std::map<std::string, std::shared_ptr<Entry>>;
 
-    std::shared_ptr<Entry> findEntry(const std::string& path) const;
-    std::shared_ptr<Entry> makeEntry(const std::string& path);
-    std::vector<std::shared_ptr<Entry>> getBelow(const std::string& directory) const;
-    std::optional<Kept> getKept(const Entry& entry) const;
-    void setKept(Entry& entry, std::optional<Kept> kept);
-    void succeed(Entry& entry);
-    bool fail(Entry& entry, const std::string& cause, std::optional<Kept> kept);
-    void retryOne(Entry& entry, const Attempt& attempt);
-    void notifyListener();
+    std::shared_ptr<Entry> findEntry(const std::string& path) const LUMORA_EXCLUDES(mutex);
+    std::shared_ptr<Entry> makeEntry(const std::string& path) LUMORA_EXCLUDES(mutex);
+    std::vector<std::shared_ptr<Entry>> getBelow(const std::string& directory) const LUMORA_EXCLUDES(mutex);
+    std::optional<Kept> getKept(const Entry& entry) const LUMORA_EXCLUDES(mutex);
+    void setKept(Entry& entry, std::optional<Kept> kept) LUMORA_EXCLUDES(mutex);
+    void succeed(Entry& entry) LUMORA_EXCLUDES(mutex);
+    bool fail(Entry& entry, const std::string& cause, std::optional<Kept> kept) LUMORA_EXCLUDES(mutex);
+    void retryOne(Entry& entry, const Attempt& attempt) LUMORA_EXCLUDES(mutex);
+    void notifyListener() LUMORA_EXCLUDES(mutex);
 
-    mutable std::mutex mutex; ///< Guards all members below and the entries, except the locks of the entries.
-    Entries entries;
-    std::function<void()> listener;
-    std::atomic<std::size_t> pendingCount = 0; ///< Changed only while `mutex` is held.
+    mutable KyrCoreUtils::AnnotatedMutex<> mutex; ///< Also guards the state of the entries.
+    Entries entries LUMORA_GUARDED_BY(mutex);
+    std::function<void()> listener LUMORA_GUARDED_BY(mutex);
+    /// Changed only while `mutex` is held. Not annotated, because isEmpty() reads it without the lock before each read
+    /// of a file.
+    std::atomic<std::size_t> pendingCount = 0;
 };
 
 class PendingWrites::Taken {

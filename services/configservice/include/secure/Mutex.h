@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kyr/ThreadSafety.h>
+
 #include <ConfigServiceExport.h>
 
 #include <memory>
@@ -8,25 +10,25 @@
 namespace zel {
 
 /// A recursive lock. If the platform's lock cannot be allocated, prints a message to standard output and locks nothing.
-class LUMORA_CONFIG_API Mutex {
+class LUMORA_CONFIG_API LUMORA_CAPABILITY("mutex") Mutex {
 public:
     Mutex();
     ~Mutex();
     Mutex(const Mutex&) = delete;
     Mutex& operator=(const Mutex&) = delete;
 
-    void lock();
-    void unlock();
+    void lock() LUMORA_ACQUIRE();
+    void unlock() LUMORA_RELEASE();
 
     /// Holds the mutex for a scope, or until release().
-    class ScopedLock {
+    class LUMORA_SCOPED_CAPABILITY ScopedLock {
     public:
-        explicit ScopedLock(Mutex& locked) : mutex(&locked) { locked.lock(); }
-        ~ScopedLock() { release(); }
+        explicit ScopedLock(Mutex& locked) LUMORA_ACQUIRE(locked) : mutex(&locked) { locked.lock(); }
+        ~ScopedLock() LUMORA_RELEASE() { release(); }
         ScopedLock(const ScopedLock&) = delete;
         ScopedLock& operator=(const ScopedLock&) = delete;
 
-        void release() {
+        void release() LUMORA_RELEASE() {
             if (mutex != nullptr) {
                 mutex->unlock();
                 mutex = nullptr;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kyr/ThreadSafety.h>
+
 #include <condition_variable>
 
 namespace zel {
@@ -10,7 +12,7 @@ class Mutex;
 class Condition {
 public:
     /// Releases the mutex while waiting and acquires it again. The caller must hold `owner` exactly once.
-    void wait(Mutex& owner);
+    void wait(Mutex& owner) LUMORA_REQUIRES(owner);
     /// Wakes one waiting thread. Cheaper if the caller does not hold the mutex.
     void signal() noexcept;
     /// Wakes all waiting threads.

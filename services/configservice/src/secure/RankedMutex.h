@@ -4,6 +4,8 @@
 #include "LockOrder.h"
 #endif
 
+#include <kyr/ThreadSafety.h>
+
 #include <cstdint>
 
 namespace zel {
@@ -20,15 +22,15 @@ enum class LockRank : std::uint8_t {
 /// A standard mutex with a rank. In a debug build a thread that violates the order ends the process with a message,
 /// even if no deadlock happens.
 template <class Lock, LockRank rank>
-class RankedMutex {
+class LUMORA_CAPABILITY("mutex") RankedMutex {
 public:
-    void lock() {
+    void lock() LUMORA_ACQUIRE() {
 #ifndef NDEBUG
         LockOrder::enter(this, static_cast<int>(rank));
 #endif
         mutex.lock();
     }
-    void unlock() {
+    void unlock() LUMORA_RELEASE() {
         mutex.unlock();
 #ifndef NDEBUG
         LockOrder::leave(this);

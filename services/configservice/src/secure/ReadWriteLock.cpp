@@ -2,7 +2,7 @@
 
 namespace zel {
 
-void ReadWriteLock::lockForReading() {
+void ReadWriteLock::enterAsReader() {
     const Mutex::ScopedLock hold(mutex);
     while (state < 0 || waitingWriters > 0) {
         readers.wait(mutex);
@@ -10,7 +10,7 @@ void ReadWriteLock::lockForReading() {
     ++state;
 }
 
-void ReadWriteLock::lockForWriting() {
+void ReadWriteLock::enterAsWriter() {
     const Mutex::ScopedLock hold(mutex);
     while (state != 0) {
         ++waitingWriters;
@@ -20,7 +20,7 @@ void ReadWriteLock::lockForWriting() {
     state = -1;
 }
 
-void ReadWriteLock::unlock() {
+void ReadWriteLock::leave() {
     bool wakeWriter = false;
     bool wakeReaders = false;
     {

@@ -34,10 +34,10 @@ public:
     void removeTimerImpl(const std::shared_ptr<TimerImpl>& timer);
 
 private:
-    bool hasTimerFor(const std::string& fileName) const;
+    bool hasTimerFor(const std::string& fileName) const LUMORA_REQUIRES(timersMutex);
 
     zel::Mutex timersMutex;
-    std::set<std::shared_ptr<TimerImpl>> timers;
+    std::set<std::shared_ptr<TimerImpl>> timers LUMORA_GUARDED_BY(timersMutex);
     std::shared_ptr<UnifiedFactory> factory;
 };
 
@@ -61,7 +61,7 @@ public:
 private:
     void callBackAndRemove();
 
-    zel::Mutex timerMutex;
+    zel::Mutex timerMutex; ///< Held during onTimer(). The members below do not change, or are thread-safe.
     std::shared_ptr<ConfigFileCacheTimerCallBack> callback;
     std::weak_ptr<Impl> impl;
     std::shared_ptr<UnifiedFactory> factory;

@@ -26,6 +26,13 @@ TEST(ExtendedCatalogue, AddedKeyIsTheLastSensitiveKeyAndTheLastProvisioningKey) 
     static_assert(provisioningKeys.back() == &keys.back());
 }
 
+TEST(ExtendedCatalogue, BothNamesOfTheAddedKeyAreSensitive) {
+    const auto listed = listSensitiveNames();
+    ASSERT_GE(listed.size(), 2U);
+    EXPECT_EQ(listed[listed.size() - 2], L"Added_Key");
+    EXPECT_EQ(listed.back(), L"Added_Key_Before");
+}
+
 TEST(ExtendedCatalogue, LookupKnowsTheOldNameOfTheAddedKey) {
     const RenamedKeys renamed;
     const auto* const newName = renamed.findNewName(L"added_key_before");

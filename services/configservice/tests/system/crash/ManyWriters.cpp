@@ -4,7 +4,7 @@
 #include "featuresets/adapters/config/ConfigAdapter.h"
 #include "featuresets/adapters/config/chain/CachedConfigFiles.h"
 #include "featuresets/adapters/config/chain/FakeConfigStore.h"
-#include "services/impl/InjectConfigService.h"
+#include "services/impl/entry/InjectConfigService.h"
 
 #include <kyr/FileUtils.h>
 #include <kyr/FunctionTask.h>

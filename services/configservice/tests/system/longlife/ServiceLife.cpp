@@ -1,7 +1,7 @@
 #include "ServiceLife.h"
 
 #include "TracedConfigStore.h"
-#include "services/impl/InjectConfigService.h"
+#include "services/impl/entry/InjectConfigService.h"
 
 #include <kyr/FunctionTask.h>
 

@@ -5,7 +5,7 @@
 #include "secure/SecureString.h"
 #include "services/impl/ConfigFileCacheTimer.h"
 #include "services/impl/ConfigFileCacheTimerCallBack.h"
-#include "services/impl/InjectConfigService.h"
+#include "services/impl/entry/InjectConfigService.h"
 
 #include <kyr/FileUtils.h>
 #include <kyr/StringUtils.h>

@@ -2,7 +2,7 @@
 
 #include "CachedFolder.h"
 #include "TracedConfigStore.h"
-#include "services/impl/InjectConfigService.h"
+#include "services/impl/entry/InjectConfigService.h"
 
 #include <zel/FipsUtils.h>
 

@@ -1,7 +1,7 @@
 #include "ServiceUnderStress.h"
 
 #include "TracedConfigStore.h"
-#include "services/impl/InjectConfigService.h"
+#include "services/impl/entry/InjectConfigService.h"
 
 #include <kyr/FunctionTask.h>
 #include <unified/UpdateAccessError.h>

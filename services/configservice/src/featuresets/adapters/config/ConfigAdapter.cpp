@@ -11,6 +11,7 @@
 
 #include <kyr/FileUtils.h>
 #include <kyr/FunctionTask.h>
+#include <kyr/LockGuard.h>
 #include <kyr/StringUtils.h>
 #include <unified/SystemService.h>
 #include <zel/SystemMonitorFactory.h>
@@ -28,6 +29,7 @@ namespace ZelUnified {
 using KyrCoreUtils::caseInsensitiveStringEquals;
 using KyrCoreUtils::FileUtils;
 using KyrCoreUtils::FunctionTask;
+using KyrCoreUtils::LockGuard;
 
 namespace {
 
@@ -72,7 +74,7 @@ void ConfigAdapter::StartFeatureSet(unsigned int id, std::shared_ptr<ServiceEven
 
 void ConfigAdapter::startConfigFeatureSet() {
     logInfo(ZEL_HERE, "starting config feature set");
-    const std::lock_guard lock(adapterMutex);
+    const LockGuard lock(adapterMutex);
     if (featureSetStarted || !configStoreManager) {
         return;
     }
@@ -93,7 +95,7 @@ void ConfigAdapter::startConfigFeatureSet() {
 }
 
 void ConfigAdapter::StopFeatureSet(unsigned int id, std::shared_ptr<ServiceEventList>) {
-    const std::lock_guard lock(adapterMutex);
+    const LockGuard lock(adapterMutex);
     if (id == configServiceId) {
         stopConfigFeatureSet();
     }
@@ -101,7 +103,7 @@ void ConfigAdapter::StopFeatureSet(unsigned int id, std::shared_ptr<ServiceEvent
 
 void ConfigAdapter::stopConfigFeatureSet() {
     logInfo(ZEL_HERE, "stopping config feature set");
-    const std::lock_guard lock(adapterMutex);
+    const LockGuard lock(adapterMutex);
     if (!featureSetStarted) {
         return;
     }
@@ -114,7 +116,7 @@ void ConfigAdapter::stopConfigFeatureSet() {
 }
 
 void ConfigAdapter::Destroy() {
-    const std::lock_guard lock(adapterMutex);
+    const LockGuard lock(adapterMutex);
     if (configStoreManager) {
         configStoreManager->destroyStores();
     }
@@ -122,7 +124,7 @@ void ConfigAdapter::Destroy() {
 }
 
 bool ConfigAdapter::IsFeatureSetStarted(unsigned int id) {
-    const std::lock_guard lock(adapterMutex);
+    const LockGuard lock(adapterMutex);
     return id == configServiceId && featureSetStarted;
 }
 
@@ -135,7 +137,7 @@ std::vector<unsigned int> ConfigAdapter::GetFeatureSetDependencies(unsigned int)
 }
 
 void ConfigAdapter::refreshConfigFeatureSet() {
-    const std::lock_guard lock(adapterMutex);
+    const LockGuard lock(adapterMutex);
     if (!configStoreManager) {
         return;
     }
@@ -227,7 +229,7 @@ std::shared_ptr<ResetDataCallbackRegistry> ConfigAdapter::getResetDataCallbackRe
 
 void ConfigAdapter::InvokeResetData(ResetDataOptionEnum::ResetDataOption) {
     logInfo(ZEL_HERE, "About to reset the ConfigAdapter...");
-    const std::lock_guard lock(adapterMutex);
+    const LockGuard lock(adapterMutex);
     if (configFileCacheTimer) {
         configFileCacheTimer->clearTimers();
     }
@@ -347,7 +349,7 @@ void ConfigAdapter::addServiceEvent(int code, ConfigServiceIdsEnum::ConfigServic
 }
 
 void ConfigAdapter::addConfigStore(std::shared_ptr<ConfigStore> store) {
-    if (!featureSetStarted) {
+    if (!isStarted()) {
         const auto name = store ? store->getName() : std::string();
         logNotStarted(ZEL_HERE, ", failed to add ConfigStore with name: [" + name + "]");
         return;
@@ -366,7 +368,7 @@ void ConfigAdapter::addConfigStore(std::shared_ptr<ConfigStore> store) {
 }
 
 bool ConfigAdapter::removeConfigStore(const std::string& name) {
-    if (!featureSetStarted) {
+    if (!isStarted()) {
         logNotStarted(ZEL_HERE, ", failed to remove ConfigStore with name: [" + name + "]");
         return false;
     }
@@ -387,7 +389,7 @@ bool ConfigAdapter::removeConfigStore(const std::string& name) {
 }
 
 bool ConfigAdapter::isConfigStorePresent(const std::string& name) {
-    if (!featureSetStarted) {
+    if (!isStarted()) {
         logNotStarted(ZEL_HERE, ", failed to check existance of ConfigStore with name: [" + name + "]");
         return false;
     }
@@ -396,7 +398,7 @@ bool ConfigAdapter::isConfigStorePresent(const std::string& name) {
 
 void ConfigAdapter::updateExistingConfigStore(const std::shared_ptr<ConfigStore>& store,
                                               const std::vector<std::wstring>& oldKeys) {
-    if (!featureSetStarted || !configStoreManager || !store) {
+    if (!isStarted() || !configStoreManager || !store) {
         return;
     }
     configStoreManager->updateExistingConfigStore(store, oldKeys);
@@ -414,7 +416,7 @@ void ConfigAdapter::unregisterConfigStoreAddedObserver(std::shared_ptr<ConfigSto
 }
 
 void ConfigAdapter::removeAllCachedConfigStores() {
-    if (!featureSetStarted) {
+    if (!isStarted()) {
         logNotStarted(ZEL_HERE, ", failed to remove cached ConfigStores");
     }
     if (configStoreManager) {
@@ -423,7 +425,7 @@ void ConfigAdapter::removeAllCachedConfigStores() {
 }
 
 std::shared_ptr<ConfigStore> ConfigAdapter::getConfigStoreByName(const std::string& name) {
-    if (!featureSetStarted) {
+    if (!isStarted()) {
         logNotStarted(ZEL_HERE);
     }
     return configStoreManager ? configStoreManager->getStoreByName(name) : nullptr;
@@ -439,7 +441,7 @@ std::shared_ptr<ConfigStore> ConfigAdapter::createBootstrapStore(const std::stri
 
 bool ConfigAdapter::getConfig(const std::wstring& key, std::wstring& value, std::wstring& configStoreName,
                               bool& valueFromLegacyKey, bool skipLocal) {
-    if (!featureSetStarted) {
+    if (!isStarted()) {
         logNotStarted(ZEL_HERE);
     }
     return configStoreManager &&
@@ -461,7 +463,7 @@ bool ConfigAdapter::setConfig(const std::wstring& key, const std::wstring& value
 }
 
 bool ConfigAdapter::setInMemoryConfig(const std::wstring& key, const std::wstring& value) {
-    if (!featureSetStarted) {
+    if (!isStarted()) {
         logNotStarted(ZEL_HERE);
     }
     return configStoreManager && configStoreManager->setInMemoryValue(key, value);
@@ -507,11 +509,8 @@ void ConfigAdapter::SetEnabledServices() {
 }
 
 void ConfigAdapter::setSensitiveKeys() {
-    for (const auto* const row : ConfigKeys::sensitiveKeys) {
-        ConfigAdapter::setKeySensitive(std::wstring(row->name));
-        if (row->isRenamed()) {
-            ConfigAdapter::setKeySensitive(std::wstring(row->oldName));
-        }
+    for (const auto& name : ConfigKeys::listSensitiveNames()) {
+        ConfigAdapter::setKeySensitive(name);
     }
 }
 
@@ -540,14 +539,14 @@ void ConfigAdapter::removeValuesIfPolicySet() {
 }
 
 std::wstring ConfigAdapter::getValueFromConfigStore(const std::string& storeName, const std::wstring& key) {
-    if (!featureSetStarted) {
+    if (!isStarted()) {
         logNotStarted(ZEL_HERE);
     }
     return configStoreManager ? configStoreManager->getValue(storeName, key) : std::wstring();
 }
 
 void ConfigAdapter::getAllConfigForPRT(std::wstring& report) {
-    if (!featureSetStarted) {
+    if (!isStarted()) {
         logNotStarted(ZEL_HERE);
     }
     if (configStoreManager) {

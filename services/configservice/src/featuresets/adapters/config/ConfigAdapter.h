@@ -110,6 +110,9 @@ public:
     void SetEnabledServices();
 
 private:
+    /// Reads the flag without `adapterMutex`, which a stop holds while it waits for the services dispatcher: a task of
+    /// that dispatcher may call the operations that check the flag.
+    bool isStarted() const LUMORA_NO_THREAD_SAFETY_ANALYSIS { return featureSetStarted; }
     void startConfigFeatureSet();
     void stopConfigFeatureSet();
     void registerResetDataCallback();
@@ -142,8 +145,8 @@ private:
 
     const std::shared_ptr<UnifiedFactory> unifiedFactory;
     zel::RankedMutex<std::recursive_mutex, zel::LockRank::Adapter> adapterMutex;
-    std::atomic<bool> featureSetStarted = false;
-    bool resetDataCallbackRegistered = false; ///< Guarded by adapterMutex; never reset to false.
+    std::atomic<bool> featureSetStarted LUMORA_GUARDED_BY(adapterMutex) = false;
+    bool resetDataCallbackRegistered LUMORA_GUARDED_BY(adapterMutex) = false; ///< Never reset to false.
     const std::shared_ptr<ConfigStoreManager> configStoreManager;
     std::shared_ptr<ConfigServiceImpl> configService;
     /// Shared with the tasks on the services dispatcher, which do not own the adapter.

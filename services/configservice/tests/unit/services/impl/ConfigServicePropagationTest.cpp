@@ -3,6 +3,7 @@
 #include <LogRecorder.h>
 
 #include <stdexcept>
+#include <utility>
 #include <vector>
 
 namespace ZelUnified {

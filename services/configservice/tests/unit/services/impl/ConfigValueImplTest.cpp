@@ -5,6 +5,7 @@
 #include <LogRecorder.h>
 
 #include <stdexcept>
+#include <utility>
 
 namespace ZelUnified {
 namespace {

@@ -1,5 +1,7 @@
 #include "ConfigChangeObservers.h"
 
+#include <kyr/LockGuard.h>
+
 #include <utility>
 
 namespace ZelUnified {
@@ -8,12 +10,12 @@ void ConfigChangeObservers::add(ConfigStoreManager_Observer* observer) {
     if (observer == nullptr) {
         return;
     }
-    const std::lock_guard lock(observersLock);
+    const KyrCoreUtils::LockGuard lock(observersLock);
     observers.insert(observer);
 }
 
 void ConfigChangeObservers::notifyConfigAddedOrUpdated(const std::wstring& key, ConfigChange&& change, bool deferFire) {
-    const std::lock_guard lock(observersLock);
+    const KyrCoreUtils::LockGuard lock(observersLock);
     for (auto next = observers.begin(); next != observers.end();) {
         auto* const observer = *next;
         if (++next == observers.end()) {
@@ -28,14 +30,14 @@ void ConfigChangeObservers::notifyConfigAddedOrUpdated(const std::wstring& key, 
 }
 
 void ConfigChangeObservers::notifyFireIfRequired(const std::wstring& key) {
-    const std::lock_guard lock(observersLock);
+    const KyrCoreUtils::LockGuard lock(observersLock);
     for (auto* observer : observers) {
         observer->onFireIfRequired(key);
     }
 }
 
 void ConfigChangeObservers::notifySensitiveKey(const std::wstring& key) {
-    const std::lock_guard lock(observersLock);
+    const KyrCoreUtils::LockGuard lock(observersLock);
     for (auto* observer : observers) {
         observer->onSensitiveKeyAddedOrUpdated(key);
     }

@@ -25,7 +25,7 @@ public:
 
 private:
     zel::RankedMutex<std::recursive_mutex, zel::LockRank::Observers> observersLock;
-    std::set<ConfigStoreManager_Observer*> observers;
+    std::set<ConfigStoreManager_Observer*> observers LUMORA_GUARDED_BY(observersLock);
 };
 
 } // namespace ZelUnified

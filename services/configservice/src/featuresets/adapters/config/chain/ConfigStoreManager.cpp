@@ -8,6 +8,7 @@
 #include "featuresets/adapters/config/stores/StorePriorities.h"
 #include "secure/SecureString.h"
 
+#include <kyr/LockGuard.h>
 #include <kyr/StringUtils.h>
 
 #include <CacheConfigStore.h>
@@ -20,6 +21,7 @@
 namespace ZelUnified {
 
 using KyrCoreUtils::caseInsensitiveStringEquals;
+using KyrCoreUtils::LockGuard;
 using KyrCoreUtils::toString;
 using KyrCoreUtils::toWideString;
 
@@ -80,7 +82,7 @@ ConfigStoreManager::ConfigStoreManager(std::shared_ptr<UnifiedFactory> factory)
 }
 
 void ConfigStoreManager::addStore(const std::shared_ptr<ConfigStore>& store) {
-    const std::lock_guard lock(chainLock);
+    const LockGuard lock(chainLock);
     if (!store) {
         return;
     }
@@ -112,7 +114,7 @@ std::string ConfigStoreManager::describeChain() const {
 }
 
 void ConfigStoreManager::updateConfigStore(const std::shared_ptr<ConfigStore>& store) {
-    const std::lock_guard lock(chainLock);
+    const LockGuard lock(chainLock);
     const auto name = store->getName();
     // Each update changes the chain, so the loop reads the current store at each position. It visits a new version
     // again if that is inserted behind the position of the old one.
@@ -125,7 +127,7 @@ void ConfigStoreManager::updateConfigStore(const std::shared_ptr<ConfigStore>& s
 
 void ConfigStoreManager::updateExistingConfigStore(const std::shared_ptr<ConfigStore>& store,
                                                    const std::vector<std::wstring>& oldKeys) {
-    const std::lock_guard lock(chainLock);
+    const LockGuard lock(chainLock);
     if (!store || !hasStoreWithName(store->getName())) {
         return;
     }
@@ -141,7 +143,7 @@ void ConfigStoreManager::updateExistingConfigStore(const std::shared_ptr<ConfigS
 }
 
 void ConfigStoreManager::removeStoreAndCachedCopy(const std::string& name) {
-    const std::lock_guard lock(chainLock);
+    const LockGuard lock(chainLock);
     const auto store = configStores.find(name);
     if (!store) {
         return;
@@ -153,7 +155,7 @@ void ConfigStoreManager::removeStoreAndCachedCopy(const std::string& name) {
 }
 
 bool ConfigStoreManager::removeStoreWithSameName(const std::string& name) {
-    const std::lock_guard lock(chainLock);
+    const LockGuard lock(chainLock);
     const auto store = configStores.find(name);
     if (!store) {
         return false;
@@ -170,7 +172,7 @@ bool ConfigStoreManager::removeStoreWithSameName(const std::string& name) {
 }
 
 void ConfigStoreManager::removeNonLocalStores() {
-    const std::lock_guard lock(chainLock);
+    const LockGuard lock(chainLock);
     for (std::size_t i = configStores.getStores()->size(); i-- > 0;) {
         // Observers may have changed the chain during the last iteration.
         const auto store = configStores.at(i);
@@ -182,14 +184,14 @@ void ConfigStoreManager::removeNonLocalStores() {
 }
 
 void ConfigStoreManager::destroyStores() {
-    const std::lock_guard lock(chainLock);
+    const LockGuard lock(chainLock);
     for (const auto walked = configStores.getStores(); const auto& store : *walked) {
         store->destroy();
     }
 }
 
 bool ConfigStoreManager::hasStoreWithName(const std::string& name) const {
-    const std::lock_guard lock(chainLock);
+    const LockGuard lock(chainLock);
     return configStores.find(name) != nullptr;
 }
 
@@ -248,7 +250,7 @@ void ConfigStoreManager::refreshKeys(const KeyList& keys) {
 }
 
 const std::wstring* ConfigStoreManager::fireConfigChange(const std::wstring& key, bool deferFire) {
-    const std::lock_guard lock(chainLock);
+    const LockGuard lock(chainLock);
     const FoldedKey folded(key);
     auto change = readConfigChange(folded);
     const auto* newName = renamedKeys.findNewName(folded);
@@ -291,7 +293,7 @@ bool ConfigStoreManager::isHeld(const std::wstring& key) const {
 
 bool ConfigStoreManager::getValue(const FoldedKey& key, std::wstring& value, std::wstring* configStoreName,
                                   bool& valueFromLegacyKey, bool skipLocal, const std::string& storeFilter) const {
-    const std::lock_guard lock(chainLock);
+    const LockGuard lock(chainLock);
     const bool isLogged = ZelLog_isDebugEnabled(configStoreManagerLogger());
     auto foundUnder = ConfigLookup::FoundUnder::AskedName;
     // Uses local results: the caller may pass the same string as the key and as an out parameter.
@@ -358,7 +360,7 @@ std::wstring ConfigStoreManager::getValue(const std::string& storeFilter, const 
 
 bool ConfigStoreManager::getOriginalValue(const std::wstring& key, std::wstring& originalValue,
                                           std::wstring& originalValueStoreName, bool& fromLegacyKey) const {
-    const std::lock_guard lock(chainLock);
+    const LockGuard lock(chainLock);
     // Uses local results: the caller may pass the same string as the key and as an out parameter.
     std::wstring value;
     std::wstring storeName = originalValueStoreName;
@@ -369,7 +371,7 @@ bool ConfigStoreManager::getOriginalValue(const std::wstring& key, std::wstring&
 }
 
 bool ConfigStoreManager::storeValue(const std::wstring& key, const std::wstring& value) {
-    const std::lock_guard lock(chainLock);
+    const LockGuard lock(chainLock);
     const auto stores = configStores.getStores();
     const auto target =
         std::find_if(stores->begin(), stores->end(), [](const auto& store) { return isWriteTarget(*store); });
@@ -383,7 +385,7 @@ bool ConfigStoreManager::storeValue(const std::wstring& key, const std::wstring&
 }
 
 bool ConfigStoreManager::storeValue(const ConfigMap& values) {
-    const std::lock_guard lock(chainLock);
+    const LockGuard lock(chainLock);
     bool targetFound = false;
     for (const auto walked = configStores.getStores(); const auto& store : *walked) {
         if (!isWriteTarget(*store)) {
@@ -405,7 +407,7 @@ bool ConfigStoreManager::storeValue(const ConfigMap& values) {
 }
 
 bool ConfigStoreManager::setInMemoryValue(const std::wstring& key, const std::wstring& value) {
-    const std::lock_guard lock(chainLock);
+    const LockGuard lock(chainLock);
     const auto store = configStores.find(ConfigKeys::inMemoryConfigStore);
     if (!store) {
         return false;
@@ -416,7 +418,7 @@ bool ConfigStoreManager::setInMemoryValue(const std::wstring& key, const std::ws
 }
 
 bool ConfigStoreManager::removeValue(const std::wstring& key) {
-    const std::lock_guard lock(chainLock);
+    const LockGuard lock(chainLock);
     std::vector<const std::wstring*> names{&key};
     for (const auto* otherName : {renamedKeys.findNewName(key), renamedKeys.findOldName(key)}) {
         if (otherName != nullptr) {
@@ -442,7 +444,7 @@ bool ConfigStoreManager::removeValue(const std::wstring& key) {
 }
 
 bool ConfigStoreManager::setUrlProvisioningData(const std::wstring& url) {
-    const std::lock_guard lock(chainLock);
+    const LockGuard lock(chainLock);
     ZelLog(configStoreManagerLogger(), ZelLogLevel::Info, ZEL_HERE, "setting url provisioning data");
     auto settings = parseUrlProvisioningData(url);
     if (settings.empty()) {
@@ -461,7 +463,7 @@ void ConfigStoreManager::persistLater(const std::shared_ptr<ConfigStore>& store)
 }
 
 void ConfigStoreManager::resetConfigData() {
-    const std::lock_guard lock(chainLock);
+    const LockGuard lock(chainLock);
     for (std::size_t i = configStores.getStores()->size(); i-- > 0;) {
         // Observers may have changed the chain during the last iteration.
         const auto store = configStores.at(i);
@@ -478,7 +480,7 @@ void ConfigStoreManager::resetConfigData() {
 }
 
 void ConfigStoreManager::resetConfigData(const std::string& storeName) {
-    const std::lock_guard lock(chainLock);
+    const LockGuard lock(chainLock);
     const auto stores = configStores.getStores();
     const auto found = std::find_if(stores->rbegin(), stores->rend(),
                                     [&](const auto& store) { return store->getName() == storeName; });
@@ -496,14 +498,14 @@ void ConfigStoreManager::removeAllCachedStores() {
 }
 
 bool ConfigStoreManager::removeCachedFiles(const std::string& fileName) {
-    const std::lock_guard lock(chainLock);
+    const LockGuard lock(chainLock);
     return CachedConfigFiles::removeCachedFiles(fileName);
 }
 
 void ConfigStoreManager::getConfigForPRT(std::wstring& out) const {
     out = L"<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<AllConfigs>\n";
     {
-        const std::lock_guard lock(chainLock);
+        const LockGuard lock(chainLock);
         out += ConfigReport::describeStores(
             *configStores.getStores(), [this](const std::wstring& key) { return isSensitiveKey(key); }, {ZEL_HERE});
     }

@@ -53,8 +53,9 @@ public:
     void destroyStores();
 
     bool hasStoreWithName(const std::string& name) const;
-    /// Returns the store of that name, or null if there is none. Does not wait for `chainLock`.
-    std::shared_ptr<ConfigStore> getStoreByName(const std::string& name) const;
+    /// Returns the store of that name, or null if there is none. Does not acquire `chainLock`, so a caller
+    /// never waits for an operation of the chain; the walk uses an immutable copy of the chain.
+    std::shared_ptr<ConfigStore> getStoreByName(const std::string& name) const LUMORA_NO_THREAD_SAFETY_ANALYSIS;
 
     /// Returns the stores in chain order. Does not wait for `chainLock`.
     StoreChain::Stores getStores() const { return *configStores.getStores(); }
@@ -115,22 +116,22 @@ private:
     void updateConfigStore(const std::shared_ptr<ConfigStore>& store);
     void removeStoreAndCachedCopy(const std::string& name);
     /// Returns the text of the chain for logs.
-    std::string describeChain() const;
+    std::string describeChain() const LUMORA_REQUIRES(chainLock);
     void persistLater(const std::shared_ptr<ConfigStore>& store) const;
 
-    void refreshStoreKeys(const std::shared_ptr<ConfigStore>& store);
-    void refreshKeys(const KeyList& keys);
+    void refreshStoreKeys(const std::shared_ptr<ConfigStore>& store) LUMORA_REQUIRES(chainLock);
+    void refreshKeys(const KeyList& keys) LUMORA_REQUIRES(chainLock);
     /// Reads the new state of the key and notifies the observers; the only source of onConfigAddedOrUpdated(). Returns
     /// the key's new name if `key` is an old one, otherwise null.
     const std::wstring* fireConfigChange(const std::wstring& key, bool deferFire);
-    ConfigChange readConfigChange(const FoldedKey& key) const;
+    ConfigChange readConfigChange(const FoldedKey& key) const LUMORA_REQUIRES(chainLock);
     /// Returns true if any store contains the key under exactly this name.
-    bool isHeld(const std::wstring& key) const;
+    bool isHeld(const std::wstring& key) const LUMORA_REQUIRES(chainLock);
     /// Behaves like the public overloads. Asks for the store's name only if `configStoreName` is not null.
     bool getValue(const FoldedKey& key, std::wstring& value, std::wstring* configStoreName, bool& valueFromLegacyKey,
                   bool skipLocal, const std::string& storeFilter) const;
     /// Reads all of `change` in one walk and logs the lookup. Returns false and reads nothing if two walks are needed.
-    bool getValue(const FoldedKey& key, ConfigChange& change) const;
+    bool getValue(const FoldedKey& key, ConfigChange& change) const LUMORA_REQUIRES(chainLock);
 
     /// Returns the debug line of a lookup, or nothing if debug logging is off.
     std::optional<std::wstring> describeLookup(const FoldedKey& key, std::wstring_view value, bool found,
@@ -138,12 +139,12 @@ private:
                                                bool skipLocal) const;
 
     mutable ChainLock chainLock; ///< Recursive: updates go through addStore(), callbacks read the chain.
-    StoreChain configStores;     ///< Changed under `chainLock`. Names are unique.
+    StoreChain configStores LUMORA_GUARDED_BY(chainLock); ///< Names are unique.
     SensitiveKeys sensitiveKeys;
     ConfigChangeObservers observers;
     const std::shared_ptr<UnifiedFactory> unifiedFactory;
     const RenamedKeys renamedKeys;
-    const ConfigLookup lookup{configStores, renamedKeys};
+    const ConfigLookup lookup LUMORA_GUARDED_BY(chainLock){configStores, renamedKeys};
     StoreAddedObservers storeAddedObservers;
 };
 

@@ -3,13 +3,15 @@
 #include "BackgroundTasks.h"
 #include "ConfigStoreManagerLogger.h"
 
+#include <kyr/LockGuard.h>
+
 namespace ZelUnified {
 
 void StoreAddedObservers::registerConfigStoreAddedObserver(const std::shared_ptr<ConfigStoreAddedObserver>& observer) {
     if (!observer) {
         return;
     }
-    const std::lock_guard lock(storeAddedObserversLock);
+    const KyrCoreUtils::LockGuard lock(storeAddedObserversLock);
     storeAddedObservers.push_back(observer);
     ZelLog(configStoreManagerLogger(), ZelLogLevel::Info, ZEL_HERE, "ConfigStoreAddedObserver registered");
 }
@@ -18,7 +20,7 @@ void StoreAddedObservers::unregisterConfigStoreAddedObserver(
     const std::shared_ptr<ConfigStoreAddedObserver>& observer) {
     // Keeps every observer alive until the lock is released: no observer's destructor may run under the lock.
     const auto living = getLiving();
-    const std::lock_guard lock(storeAddedObserversLock);
+    const KyrCoreUtils::LockGuard lock(storeAddedObserversLock);
     if (!observer) {
         ZelLog(configStoreManagerLogger(), ZelLogLevel::Warning, ZEL_HERE,
                "Attempt to unregister null ConfigStoreAddedObserver");
@@ -42,7 +44,7 @@ void StoreAddedObservers::fireConfigStoreAdded(const std::string& storeName) con
 
 std::list<std::shared_ptr<ConfigStoreAddedObserver>> StoreAddedObservers::getLiving() const {
     std::list<std::shared_ptr<ConfigStoreAddedObserver>> living;
-    const std::lock_guard lock(storeAddedObserversLock);
+    const KyrCoreUtils::LockGuard lock(storeAddedObserversLock);
     for (const auto& known : storeAddedObservers) {
         if (auto observer = known.lock()) {
             living.push_back(std::move(observer));

@@ -34,7 +34,7 @@ private:
     const std::shared_ptr<UnifiedFactory> unifiedFactory;
     /// Recursive, like all locks of the manager.
     mutable zel::RankedMutex<std::recursive_mutex, zel::LockRank::Innermost> storeAddedObserversLock;
-    std::list<std::weak_ptr<ConfigStoreAddedObserver>> storeAddedObservers;
+    std::list<std::weak_ptr<ConfigStoreAddedObserver>> storeAddedObservers LUMORA_GUARDED_BY(storeAddedObserversLock);
 };
 
 } // namespace ZelUnified

@@ -1,5 +1,6 @@
 #include "StoreChain.h"
 
+#include <kyr/LockGuard.h>
 #include <kyr/StringUtils.h>
 
 #include <algorithm>
@@ -7,7 +8,7 @@
 namespace ZelUnified {
 
 std::shared_ptr<const StoreChain::Chain> StoreChain::getChain() const {
-    const std::lock_guard lock(chainMutex);
+    const KyrCoreUtils::LockGuard lock(chainMutex);
     return chain;
 }
 
@@ -66,7 +67,7 @@ void StoreChain::replace(Stores next) {
     }
     changed->stores = std::move(next);
     std::shared_ptr<const Chain> replaced = std::move(changed); // destroyed after the lock is released
-    const std::lock_guard lock(chainMutex);
+    const KyrCoreUtils::LockGuard lock(chainMutex);
     chain.swap(replaced);
 }
 

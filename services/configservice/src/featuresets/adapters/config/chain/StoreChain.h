@@ -2,10 +2,11 @@
 
 #include "ChainLink.h"
 
+#include <kyr/AnnotatedMutex.h>
+
 #include <ConfigStore.h>
 
 #include <memory>
-#include <mutex>
 #include <string_view>
 #include <vector>
 
@@ -22,8 +23,9 @@ public:
     /// Returns the current stores; never null.
     std::shared_ptr<const Stores> getStores() const;
     /// Returns the links to the same stores, for looking up keys; never null. The caller must hold the lock that
-    /// serialises changes.
-    std::shared_ptr<const Links> getLinks() const;
+    /// serialises changes. Does not acquire `chainMutex`: no other thread can replace the pointer meanwhile, and every
+    /// lookup of a key calls this.
+    std::shared_ptr<const Links> getLinks() const LUMORA_NO_THREAD_SAFETY_ANALYSIS;
 
     /// Returns the store at that index, or null if `index` is past the end.
     std::shared_ptr<ConfigStore> at(std::size_t index) const;
@@ -43,8 +45,8 @@ private:
     void replace(Stores next);
 
     /// Guards the pointer for readers without the owner's lock. No other function is called under it.
-    mutable std::mutex chainMutex;
-    std::shared_ptr<const Chain> chain = std::make_shared<const Chain>();
+    mutable KyrCoreUtils::AnnotatedMutex<> chainMutex;
+    std::shared_ptr<const Chain> chain LUMORA_GUARDED_BY(chainMutex) = std::make_shared<const Chain>();
 };
 
 } // namespace ZelUnified

@@ -2,7 +2,7 @@
 
 #include "featuresets/adapters/config/ConfigAdapter.h"
 #include "featuresets/adapters/config/chain/FakeConfigStore.h"
-#include "services/impl/InjectConfigService.h"
+#include "services/impl/entry/InjectConfigService.h"
 
 #include <zel/FipsUtils.h>
 #include <zel/SystemMonitorFactory.h>

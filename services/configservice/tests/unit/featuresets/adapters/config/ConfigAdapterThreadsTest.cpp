@@ -1,6 +1,6 @@
 #include "featuresets/adapters/config/cache/CachedStoreRecord.h"
 #include "featuresets/adapters/config/chain/FakeConfigStore.h"
-#include "services/impl/InjectConfigService.h"
+#include "services/impl/entry/InjectConfigService.h"
 
 #include <kyr/FunctionTask.h>
 #include <kyr/StringUtils.h>

@@ -4,6 +4,7 @@
 #include <Watchdog.h>
 
 #include <thread>
+#include <utility>
 
 namespace ZelUnified {
 

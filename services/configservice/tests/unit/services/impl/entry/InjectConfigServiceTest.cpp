@@ -1,4 +1,4 @@
-#include "services/impl/InjectConfigService.h"
+#include "services/impl/entry/InjectConfigService.h"
 
 #include "featuresets/adapters/config/ConfigAdapter.h"
 

@@ -1,7 +1,7 @@
 #include "InjectConfigService.h"
 
-#include "ConfigServiceImpl.h"
 #include "featuresets/adapters/config/ConfigAdapter.h"
+#include "services/impl/ConfigServiceImpl.h"
 
 #include <ConfigFeatureSet.h>
 #include <ConfigService.h>
