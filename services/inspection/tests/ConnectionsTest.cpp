@@ -151,6 +151,7 @@ int connectAsNobody(const std::string& path) {
     constexpr uid_t nobody = 65534;
     const int child = fork();
     if (child == 0) {
+        alarm(20); // bounds the wait for the server
         sockaddr_un address{};
         address.sun_family = AF_UNIX;
         path.copy(address.sun_path, sizeof(address.sun_path) - 1);
