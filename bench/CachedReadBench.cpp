@@ -51,7 +51,8 @@ void addRow(bench::RowSuite& suite, const std::string& name, const std::shared_p
 
 int main(int argc, char** argv) {
     bench::RowSuite suite(argc, argv);
-    const auto sizes = suite.measuresGrowth() ? std::vector<std::size_t>{1000, 10000, 100000} : std::vector{5000UL};
+    const auto sizes =
+        suite.measuresGrowth() ? std::vector<std::size_t>{1000, 10000, 100000} : std::vector<std::size_t>{500, 5000};
     for (const auto size : sizes) {
         const auto subjects = std::make_shared<Subjects>(size);
         const auto of = " of " + std::to_string(size) + " keys";

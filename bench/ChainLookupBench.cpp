@@ -66,6 +66,7 @@ void addRows(bench::RowSuite& suite, std::size_t layers, std::size_t keys) {
 int main(int argc, char** argv) {
     bench::RowSuite suite(argc, argv);
     if (!suite.measuresGrowth()) {
+        addRows(suite, 8, 500);
         addRows(suite, 8, 5000);
         return suite.main();
     }

@@ -1,5 +1,6 @@
 #include "CountingAllocator.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstdlib>
 #include <cstring>
@@ -8,14 +9,25 @@
 namespace {
 
 std::atomic<std::size_t> liveBytes = 0;
+std::atomic<std::size_t> liveHeapBytes = 0;
 
 /// The size of each block is stored in a header before it.
 constexpr std::size_t headerSize = alignof(std::max_align_t);
+
+/// The size of the block that an allocator like glibc's uses for a request: 8 bytes more, in steps of 16.
+std::size_t toHeapBytes(std::size_t size) {
+    constexpr std::size_t step = 16;
+    return std::max(2 * step, (size + 8 + step - 1) / step * step);
+}
 
 } // namespace
 
 std::size_t bench::getLiveBytes() {
     return liveBytes;
+}
+
+std::size_t bench::getLiveHeapBytes() {
+    return liveHeapBytes;
 }
 
 void* operator new(std::size_t size) {
@@ -25,6 +37,7 @@ void* operator new(std::size_t size) {
     }
     std::memcpy(block, &size, sizeof size);
     liveBytes += size;
+    liveHeapBytes += toHeapBytes(size);
     return block + headerSize;
 }
 
@@ -41,6 +54,7 @@ void operator delete(void* memory) noexcept {
     std::size_t size = 0;
     std::memcpy(&size, block, sizeof size);
     liveBytes -= size;
+    liveHeapBytes -= toHeapBytes(size);
     std::free(block);
 }
 

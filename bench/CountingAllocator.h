@@ -8,4 +8,7 @@ namespace bench {
 /// operators by counting ones.
 std::size_t getLiveBytes();
 
+/// Returns the memory of these blocks on the heap, which includes what an allocator adds to each request.
+std::size_t getLiveHeapBytes();
+
 } // namespace bench

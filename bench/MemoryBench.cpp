@@ -1,6 +1,8 @@
 // Measures the bytes of memory per key: as bare text, in a plain map, in the stores, and in the record of the key.
-// Counts the sizes requested from the allocator, without the allocator's own overhead.
+// Counts the sizes requested from the allocator, without the allocator's own overhead; only the rows of a whole service
+// include it.
 #include "BareTable.h"
+#include "CachedDocuments.h"
 #include "CountingAllocator.h"
 #include "RowSuite.h"
 #include "SyntheticKeys.h"
@@ -83,6 +85,15 @@ std::size_t measureRecords(const ConfigMap& values) {
     return bytes;
 }
 
+/// Returns the heap memory of a whole service that starts on eight documents.
+std::size_t measureService(const testing_host::TemporaryProfile& profile, std::size_t keys) {
+    const bench::CachedDocuments documents(profile, keys);
+    documents.select();
+    const auto before = bench::getLiveHeapBytes();
+    const bench::StartedService service;
+    return bench::getLiveHeapBytes() - before;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -106,5 +117,9 @@ int main(int argc, char** argv) {
     const std::string inRecord = "7 memory for each of 10000 keys in its record";
     add(inRecord, "service", measureRecords(values));
     add(inRecord, "bare hash map", table);
+    for (const std::size_t keys : {500U, 5000U}) {
+        suite.addBytes("memory on 8 documents of " + std::to_string(keys) + " keys", "service",
+                       static_cast<double>(measureService(profile, keys)));
+    }
     return suite.main();
 }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <ConfigStore.h>
-#include <IndexedStore.h>
 
 #include <memory>
 #include <string>
@@ -9,12 +8,12 @@
 
 namespace ZelUnified {
 
-class ConfigTable;
+class StoreTable;
 
 /// A read-only store filled from an installer's file: lines of `key:value` in UTF-8; "#" starts a comment. The first
 /// colon is the separator, so a value may contain colons. A later line overrides an earlier one. The constructor reads
 /// the file, once. Any thread.
-class LUMORA_CONFIG_API BootstrapConfigStore final : public ConfigStore, public IndexedStore {
+class LUMORA_CONFIG_API BootstrapConfigStore final : public ConfigStore {
 public:
     /// Reads the file. If it cannot be opened, logs a warning, and the store is empty.
     BootstrapConfigStore(const std::string& storeName, const std::string& path, int storePriority);
@@ -33,13 +32,11 @@ public:
     bool isLocal() override { return true; }
     bool waitForStoreReady() override { return true; }
 
-    bool lookUp(const FoldedKey& key, std::wstring& value) override;
-    const std::type_info& getIndexedType() const override { return typeid(BootstrapConfigStore); }
-    KeyList listKeys() override;
-
 private:
+    friend class StoreTable; // finds `table`
+
     const int priority;
-    const std::unique_ptr<ConfigTable> values;
+    const std::unique_ptr<StoreTable> table;
     const std::string filePath;
     const std::string name;
 };

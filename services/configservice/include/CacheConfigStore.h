@@ -17,8 +17,6 @@ public:
 
     /// Holds the lock during the whole write, so lookups of keys that the store contains wait for the disk.
     void persistValues() override;
-
-    const std::type_info& getIndexedType() const override { return typeid(CacheConfigStore); }
 };
 
 } // namespace ZelUnified

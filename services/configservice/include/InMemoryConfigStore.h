@@ -1,8 +1,6 @@
 #pragma once
 
 #include <ConfigStore.h>
-#include <IndexedStore.h>
-#include <secure/Mutex.h>
 
 #include <memory>
 #include <string>
@@ -10,10 +8,10 @@
 
 namespace ZelUnified {
 
-class ConfigTable;
+class StoreTable;
 
 /// The volatile store: a writable table that exists only in memory. Any thread.
-class LUMORA_CONFIG_API InMemoryConfigStore final : public ConfigStore, public IndexedStore {
+class LUMORA_CONFIG_API InMemoryConfigStore final : public ConfigStore {
 public:
     InMemoryConfigStore(std::string storeName, int storePriority);
     ~InMemoryConfigStore() override;
@@ -31,13 +29,10 @@ public:
     bool isLocal() override { return true; }
     bool waitForStoreReady() override { return true; }
 
-    bool lookUp(const FoldedKey& key, std::wstring& value) override;
-    const std::type_info& getIndexedType() const override { return typeid(InMemoryConfigStore); }
-    KeyList listKeys() override;
-
 private:
-    const std::unique_ptr<ConfigTable> values;
-    zel::Mutex valuesMutex; ///< Guards `values`, except for ConfigTable::mayHold().
+    friend class StoreTable; // finds `table`
+
+    const std::unique_ptr<StoreTable> table;
     const std::string name;
     const int priority;
 };

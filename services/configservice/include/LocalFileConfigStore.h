@@ -2,7 +2,6 @@
 
 #include <ConfigMap.h>
 #include <ConfigStore.h>
-#include <IndexedStore.h>
 #include <secure/Mutex.h>
 
 #include <memory>
@@ -16,8 +15,7 @@ class SecureString;
 namespace ZelUnified {
 
 class ConfigFileCacheTimer;
-class ConfigTable;
-class PersistedCopy;
+class StoreTable;
 
 /// Keeps its keys in a file: either the user's settings, in a protected file with a backup beside it, or the read-only
 /// defaults of the installation, in a plain file. If the file cannot be read, the store is empty.
@@ -26,9 +24,8 @@ class PersistedCopy;
 /// store named "LocalFileConfigStore" also writes the backup after a delay, if it has a timer. A readable file is never
 /// overwritten while the other file is unreadable. Own the store by shared pointer: the delayed write holds a weak one.
 ///
-/// Lock order: `fileMutex` before `valuesMutex`. Reading a key does not wait for a write to the disk.
+/// Lock order: `fileMutex` before the lock of `table`. Reading a key does not wait for a write to the disk.
 class LUMORA_CONFIG_API LocalFileConfigStore : public ConfigStore,
-                                               public IndexedStore,
                                                public std::enable_shared_from_this<LocalFileConfigStore> {
 public:
     /// Opens any file. `directory` has no trailing separator and may be empty. `file` must have an extension; otherwise
@@ -57,10 +54,6 @@ public:
     bool waitForStoreReady() override { return true; }
     bool shouldCacheConfigStore() override { return false; }
 
-    bool lookUp(const FoldedKey& key, std::wstring& value) override;
-    const std::type_info& getIndexedType() const override { return typeid(LocalFileConfigStore); }
-    KeyList listKeys() override;
-
     /// Sets the timer of the backup writes. Without a timer the store writes no backup. Call before the store is
     /// shared.
     void setTimer(std::shared_ptr<ConfigFileCacheTimer> cacheTimer);
@@ -71,6 +64,8 @@ public:
     bool checkIfGoodToWrite(const std::string& target, bool checkTarget);
 
 private:
+    friend class StoreTable; // finds `table`
+
     class LocalFileConfigFileCacheTimerCallBackImpl;
 
     bool readFromFile();
@@ -78,7 +73,6 @@ private:
     bool readProtectedText(zel::SecureString& content);
     /// Returns true if the store keeps a backup file: only the user's own store does.
     bool hasBackup() const;
-    void take(ConfigMap read);
     void createConfigDirectory();
     void persistValuesImpl(const std::string& target);
     void getDataString(zel::SecureString& content);
@@ -88,12 +82,10 @@ private:
     int priority;
     bool local;
     bool readOnly;
-    bool destroyed = false;
-    /// Guards `destroyed`, `lastPersistedValues` and `values`, except for ConfigTable::mayHold().
-    zel::Mutex valuesMutex;
-    zel::Mutex fileMutex; ///< Held while files are read or written.
-    const std::unique_ptr<ConfigTable> values;
-    const std::unique_ptr<PersistedCopy> lastPersistedValues; ///< Notified of each change of `values`.
+    bool destroyed = false; ///< Guarded by the lock of `table`.
+    zel::Mutex fileMutex;   ///< Held while files are read or written.
+    const std::unique_ptr<StoreTable> table;
+    ConfigMap lastPersistedValues; ///< Guarded by the lock of `table`.
     std::string configDirectory;
     std::string fileName;
     std::string backupFileName;

@@ -2,7 +2,6 @@
 
 #include <ConfigMap.h>
 #include <ConfigStore.h>
-#include <IndexedStore.h>
 
 #include <cstddef>
 #include <memory>
@@ -11,12 +10,12 @@
 
 namespace ZelUnified {
 
-class ConfigTable;
+class StoreTable;
 class MdmConfigRetriever;
 
 /// Contains the settings from a device-management system. Each push creates a new store, which replaces the old one.
 /// Needs no lock, because the table is constant after construction.
-class LUMORA_CONFIG_API MdmConfigStore : public ConfigStore, public IndexedStore {
+class LUMORA_CONFIG_API MdmConfigStore : public ConfigStore {
 public:
     /// Reads a UTF-8 XML document of a root, groups and keys. If it cannot be parsed, the store is empty.
     explicit MdmConfigStore(const std::string& configXml);
@@ -39,12 +38,10 @@ public:
     bool isLocal() override { return true; }
     bool waitForStoreReady() override { return true; }
 
-    bool lookUp(const FoldedKey& key, std::wstring& value) override;
-    const std::type_info& getIndexedType() const override { return typeid(MdmConfigStore); }
-    KeyList listKeys() override;
-
 private:
-    const std::unique_ptr<ConfigTable> values;
+    friend class StoreTable; // finds `table`
+
+    const std::unique_ptr<StoreTable> table;
 };
 
 } // namespace ZelUnified

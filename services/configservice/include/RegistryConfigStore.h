@@ -5,7 +5,6 @@
 #include <ConfigMap.h>
 #include <ConfigServiceExport.h>
 #include <ConfigStore.h>
-#include <IndexedStore.h>
 
 #include <cstddef>
 #include <memory>
@@ -14,14 +13,14 @@
 
 namespace ZelUnified {
 
-class ConfigTable;
+class StoreTable;
 class UnifiedFactory;
 
 /// Contains the policy that administrators set in the registry of the current user: one key with all its subkeys,
 /// flattened into one table. Read-only. The constructor reads the registry, once; a refresh creates a new store.
 ///
 /// The table is constant after construction, so any thread may call every operation.
-class LUMORA_CONFIG_API RegistryConfigStore : public ConfigStore, public IndexedStore {
+class LUMORA_CONFIG_API RegistryConfigStore : public ConfigStore {
 public:
     /// Reads "Software\" + `subkey` (UTF-8) under the current user's root. Marks passwords as sensitive keys of the
     /// factory's feature set, if there is one. Logs the table and writes it as a text file into the configuration
@@ -46,10 +45,6 @@ public:
     /// Does nothing. A derived store that monitors the registry can override it.
     virtual void onRegistryChanged() {}
 
-    bool lookUp(const FoldedKey& key, std::wstring& value) override;
-    const std::type_info& getIndexedType() const override { return typeid(RegistryConfigStore); }
-    KeyList listKeys() override;
-
     /// Deletes the current user's policy key with all its subkeys. Keys that cannot be deleted remain.
     static void removeRegistrySettings();
 
@@ -62,13 +57,15 @@ public:
     static bool regDelnodeRecurse(zel::registry::HKEY root, PathBuffer& subkey);
 
 private:
+    friend class StoreTable; // finds `table`
+
     static void deleteSubkeys(zel::registry::Registry& registry, zel::registry::HKEY root, zel::registry::HKEY key,
                               PathBuffer& subkey);
     void markSensitiveKeys() const;
     void logConfigMap() const;
     void writeTextCopy() const;
 
-    const std::unique_ptr<ConfigTable> values;
+    const std::unique_ptr<StoreTable> table;
     int priority;
     std::string name;
     std::shared_ptr<UnifiedFactory> unifiedFactory;

@@ -1,8 +1,6 @@
 #pragma once
 
 #include <ConfigStore.h>
-#include <IndexedStore.h>
-#include <secure/Mutex.h>
 
 #include <memory>
 #include <string>
@@ -10,14 +8,14 @@
 
 namespace ZelUnified {
 
-class ConfigTable;
+class StoreTable;
 
 /// An administrator's store, read once from an XML file by the constructor: a change of the file takes effect only in a
 /// new store. If the file cannot be read, the store is empty. Any thread. One lock guards every operation, except that
 /// a lookup may report a miss without it.
 ///
 /// The store holds and lists "CertificateValidationEnabled" but never returns its value.
-class LUMORA_CONFIG_API XmlConfigStore : public ConfigStore, public IndexedStore {
+class LUMORA_CONFIG_API XmlConfigStore : public ConfigStore {
 public:
     /// Reads the file if `readNow` is true, as a protected file if `encrypted` is true.
     XmlConfigStore(std::string storeName, int storePriority, bool isLocalStorage, bool encrypted, std::string file,
@@ -39,16 +37,13 @@ public:
     bool isLocal() override { return isLocalStore; }
     bool waitForStoreReady() override { return true; }
 
-    bool lookUp(const FoldedKey& key, std::wstring& value) override;
-    const std::type_info& getIndexedType() const override { return typeid(XmlConfigStore); }
-    KeyList listKeys() override;
-
 protected:
-    const std::unique_ptr<ConfigTable> values;
+    const std::unique_ptr<StoreTable> table;
     std::string filePath;
-    zel::Mutex valuesLock; ///< Guards `values`, except for ConfigTable::mayHold().
 
 private:
+    friend class StoreTable; // finds `table`
+
     std::shared_ptr<void> reserved;
     bool isLocalStore;
     int priority;

@@ -2,7 +2,7 @@
 
 #include "Json.h"
 
-#include <ConfigKeys.h>
+#include <ConfigCatalogue.h>
 
 #include <iomanip>
 #include <sstream>
@@ -35,7 +35,7 @@ std::string Change::toLine(bool showSecrets) const {
     };
     return inspection::toLine({{"type", "notification"},
                                {"time", toText(time)},
-                               {"key", toString(key)},
+                               {"key", toString(ZelUnified::ConfigKeys::spellKey(key))},
                                {"property", property},
                                {"old", shown(oldValue)},
                                {"new", shown(newValue)},

@@ -14,6 +14,7 @@ using KyrCoreUtils::caseInsensitiveStringEquals;
 using KyrCoreUtils::toString;
 using ZelUnified::ConfigStore;
 using ZelUnified::ConfigKeys::getKeyNames;
+using ZelUnified::ConfigKeys::spellKey;
 
 ConfigInspector::ConfigInspector(const std::shared_ptr<ZelUnified::UnifiedFactory>& factory)
     : service(factory->getServiceByType<ZelUnified::ConfigService>()),
@@ -54,7 +55,7 @@ Json ConfigInspector::showValue(const std::wstring& key, std::optional<Reading> 
 
 Json ConfigInspector::beginExplanation(const std::wstring& key, bool showSecrets) const {
     const auto names = getKeyNames(key);
-    Json object{{"type", "explanation"}, {"key", toString(key)}, {"newName", toString(names.newName)}};
+    Json object{{"type", "explanation"}, {"key", toString(spellKey(key))}, {"newName", toString(names.newName)}};
     object["oldName"] = names.oldName ? Json(toString(*names.oldName)) : Json();
     object.update(showReading(key, read(key, false), showSecrets));
     object["stores"] = Json::array();
@@ -91,7 +92,7 @@ Json ConfigInspector::showOpinion(ConfigStore& store, const std::wstring& key, c
 
 Json ConfigInspector::showRecord(ZelUnified::ConfigValue& record, bool showSecrets) const {
     const auto key = record.getKey();
-    return {{"key", toString(key)},
+    return {{"key", toString(spellKey(key))},
             {"value", toString(mask(key, record.getValue(), showSecrets))},
             {"store", toString(record.getValueStoreName())},
             {"overridden", record.getisOverridden()}};

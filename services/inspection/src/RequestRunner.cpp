@@ -45,6 +45,19 @@ Json makeDone(const std::string& verb, const std::string& message) {
     return {{"type", "done"}, {"command", verb}, {"message", message}};
 }
 
+std::string spell(const std::wstring& key) {
+    return toString(ConfigKeys::spellKey(key));
+}
+
+/// Refuses a value that the kind of the key excludes. Never quotes the value, which may be a secret.
+void requirePermitted(const InspectionRequest& request) {
+    const auto* const row = ConfigKeys::findKey(request.key);
+    if (row != nullptr && !ConfigKeys::permits(*row, request.value)) {
+        throw RequestError(Code::Refused, "the value of the key '" + spell(request.key) + "' must be " +
+                                              ConfigKeys::describePermittedValues(*row) + "; --force sets it anyway");
+    }
+}
+
 } // namespace
 
 struct RequestRunner::Job {
@@ -218,10 +231,11 @@ void RequestRunner::set(const JobPointer& job) {
     if (!request.force) {
         requireStorableKey(request.key);
         requireStorableValue(request.value);
+        requirePermitted(request);
     }
     onServices(job, [this, job] {
         requireChangesAllowed();
-        const auto key = toString(job->request.key);
+        const auto key = spell(job->request.key);
         if (key.empty() || !inspector->getFeatureSet().setConfig(job->request.key, job->request.value)) {
             throw RequestError(Code::Refused, "no store takes the key '" + key + "'");
         }
@@ -234,12 +248,12 @@ void RequestRunner::reset(const JobPointer& job) {
         requireChangesAllowed();
         const auto names = ConfigKeys::getKeyNames(job->request.key).getAll();
         if (!inspector->userHolds(job->request.key)) {
-            throw RequestError(Code::Refused, "the user has no value for the key '" + toString(job->request.key) + "'");
+            throw RequestError(Code::Refused, "the user has no value for the key '" + spell(job->request.key) + "'");
         }
         removeFromUserStore(job, names, [this, job] {
             inspector->getService().resetConfig(job->request.key);
             confirmWritten(job, [this, job] {
-                return toString(job->request.key) + " reset; " + inspector->describeOutcome(job->request.key);
+                return spell(job->request.key) + " reset; " + inspector->describeOutcome(job->request.key);
             });
         });
     });

@@ -1,76 +1,44 @@
-# bash completion for lumora-config
+# bash completion for lumora-config. The program completes the words itself, so this script contains no list.
 # shellcheck shell=bash
 
-# The options allowed before or after every command, and those with an argument.
-_lumora_config_global='-h --help --version --profile --config-dir --data-dir --state-dir --resources-dir --plugin-dir
-  --store --bootstrap --json -v --verbose --show-secrets --trust --live --offline'
-_lumora_config_with_argument=' --profile --config-dir --data-dir --state-dir --resources-dir --plugin-dir --store --bootstrap
-  -o --output --html '
-_lumora_config_commands='get explain list stores report log doctor set reset provision reset-provisioning mdm import-policy
-  remove-store restore reset-data serve watch shell'
-
-_lumora_config_options_of() {
-  case $1 in
-    get) echo '--origin --admin --store' ;;
-    report) echo '-o --output --html' ;;
-    set) echo '--force' ;;
-    reset-data) echo '--yes --force' ;;
-    serve) echo '--no-changes' ;;
-    watch) echo '--follow' ;;
-  esac
-}
-
-# Asks the program, using the profile that the command line names. The first line is a heading.
-_lumora_config_keys() {
-  "${COMP_WORDS[0]}" "${_lumora_config_folders[@]}" list 2>/dev/null | awk 'NR > 1 { print $1 == "*" ? $2 : $1 }'
-}
-_lumora_config_stores() {
-  "${COMP_WORDS[0]}" "${_lumora_config_folders[@]}" stores 2>/dev/null | awk 'NR > 1 { print $2 }'
-}
-
 _lumora_config() {
-  local -r current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-  local command='' word words='' index
-  local -a _lumora_config_folders=()
-  COMPREPLY=()
-
-  for ((index = 1; index < COMP_CWORD; index++)); do
-    word=${COMP_WORDS[index]}
-    case $word in
-      --*-dir | --profile)
-        _lumora_config_folders+=("$word" "${COMP_WORDS[index + 1]}")
-        index=$((index + 1))
-        ;;
-      --trust) _lumora_config_folders+=("$word") ;;
-      -*) case $_lumora_config_with_argument in *" $word "*) index=$((index + 1)) ;; esac ;;
-      *) command=${command:-$word} ;;
-    esac
+  local -a words=() answer=()
+  local word current=${COMP_WORDS[COMP_CWORD]} shared index
+  # bash splits words at colons: FILE:NAME:PRIORITY.
+  for word in "${COMP_WORDS[@]:1:COMP_CWORD}"; do
+    if [ ${#words[@]} -gt 0 ] && [[ $word == :* || ${words[-1]} == *: ]]; then
+      words[-1]+=$word
+    else
+      words+=("$word")
+    fi
   done
 
-  case $command:$previous in
-    *:--profile | *:--*-dir)
-      mapfile -t COMPREPLY < <(compgen -d -- "$current")
-      return
-      ;;
-    get:--store) words=$(_lumora_config_stores) ;;
-    *:--store | *:--bootstrap | *:-o | *:--output | *:--html)
+  mapfile -t answer < <("${COMP_WORDS[0]/#\~\//$HOME/}" complete -- "${words[@]/#\~\//$HOME/}" 2>/dev/null)
+  COMPREPLY=()
+  [ "$current" != = ] || current=''
+  case ${answer[0]:-} in
+    :files)
+      compopt -o filenames 2>/dev/null
       mapfile -t COMPREPLY < <(compgen -f -- "$current")
       return
       ;;
-    *)
-      case $command:$current in
-        *:-*) words="$_lumora_config_global $(_lumora_config_options_of "$command")" ;;
-        :*) words=$_lumora_config_commands ;;
-        get:* | explain:* | list:* | set:* | reset:* | watch:*) words=$(_lumora_config_keys) ;;
-        remove-store:*) words=$(_lumora_config_stores) ;;
-        mdm:* | import-policy:* | restore:*)
-          mapfile -t COMPREPLY < <(compgen -f -- "$current")
-          return
-          ;;
-      esac
+    :directories)
+      compopt -o filenames 2>/dev/null
+      mapfile -t COMPREPLY < <(compgen -d -- "$current")
+      return
       ;;
   esac
-  mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
+  COMPREPLY=("${answer[@]:1}")
+  COMPREPLY=("${COMPREPLY[@]%%$'\t'*}")
+
+  # bash replaces the word with what the candidates share, case-sensitively. It must not delete what was typed.
+  shared=${COMPREPLY[0]:-}
+  for word in "${COMPREPLY[@]}"; do
+    while [[ $word != "$shared"* ]]; do shared=${shared%?}; done
+  done
+  if [ ${#shared} -lt ${#current} ]; then
+    for index in "${!COMPREPLY[@]}"; do COMPREPLY[index]=$current${COMPREPLY[index]:${#current}}; done
+  fi
 }
 
 complete -F _lumora_config lumora-config

@@ -1,5 +1,7 @@
 #include "commands/CommandLine.h"
 #include "commands/CommandTable.h"
+#include "commands/CompletionCommand.h"
+#include "commands/KeyCommands.h"
 #include "commands/Session.h"
 #include "commands/Shell.h"
 #include "disk/Doctor.h"
@@ -122,6 +124,14 @@ ExitCode runSession(const CommandLine& line, Printer& printer, Outputs& outputs)
         examineProfile(line, printer);
         return ExitCode::Done;
     }
+    if (line.command.name == "keys") {
+        showKnownKeys(line.command, printer);
+        return ExitCode::Done;
+    }
+    if (line.command.name == "completion") {
+        printer.showText("completion", std::string(getCompletionScript(line.command.topic)));
+        return ExitCode::Done;
+    }
     if (line.command.name == "watch") {
         return watch(line, outputs);
     }
@@ -175,8 +185,21 @@ ExitCode run(int argc, char** argv, Outputs& outputs) {
     return runLine(line, outputs);
 }
 
+/// Returns the words to complete if a completion script has called the program. They may be no command line at all, so
+/// they are not parsed.
+std::optional<std::vector<std::string>> wordsToComplete(int argc, char** argv) {
+    if (argc < 3 || std::string_view(argv[1]) != "complete" || std::string_view(argv[2]) != "--") {
+        return std::nullopt;
+    }
+    return std::vector<std::string>(argv + 3, argv + argc);
+}
+
 ExitCode runGuarded(int argc, char** argv, Outputs& outputs) {
     try {
+        if (const auto words = wordsToComplete(argc, argv)) {
+            outputs.answers.writeText(completeCommandLine(*words));
+            return ExitCode::Done;
+        }
         return run(argc, argv, outputs);
     } catch (const std::exception& error) {
         outputs.messages.writeMessage(std::string("lumora-config: ") + error.what());

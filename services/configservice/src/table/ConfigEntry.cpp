@@ -1,7 +1,5 @@
 #include "ConfigEntry.h"
 
-#include "EntryBlocks.h"
-
 #include <openssl/crypto.h>
 
 #include <limits>
@@ -18,13 +16,14 @@ using Characters = std::char_traits<wchar_t>;
 } // namespace
 
 ConfigEntry::Owner ConfigEntry::make(std::wstring_view key, std::wstring_view value) {
-    static_assert(alignof(ConfigEntry) >= alignof(wchar_t), "the texts stand right behind");
+    static_assert(alignof(ConfigEntry) >= alignof(wchar_t), "the characters follow the object directly");
     void* const memory = ::operator new(sizeOf(key, value));
     return Owner(new (memory) ConfigEntry(key, value, true));
 }
 
-ConfigEntry::Owner ConfigEntry::make(std::wstring_view key, std::wstring_view value, EntryBlocks& blocks) {
-    void* const memory = blocks.allocate(sizeOf(key, value));
+ConfigEntry::Owner ConfigEntry::make(std::wstring_view key, std::wstring_view value,
+                                     std::pmr::monotonic_buffer_resource& arena) {
+    void* const memory = arena.allocate(sizeOf(key, value), alignof(ConfigEntry));
     return Owner(new (memory) ConfigEntry(key, value, false));
 }
 
@@ -41,8 +40,8 @@ ConfigEntry::ConfigEntry(std::wstring_view key, std::wstring_view value, bool ha
       valueCapacity(valueLength),
       keyLength(static_cast<Length>(key.size())),
       ownsMemory(hasOwnMemory) {
-    Characters::copy(keyText(), key.data(), key.size());
-    Characters::copy(firstRoom(), value.data(), value.size());
+    Characters::copy(keyCharacters(), key.data(), key.size());
+    Characters::copy(initialSpace(), value.data(), value.size());
 }
 
 ConfigEntry::~ConfigEntry() {
@@ -63,7 +62,7 @@ std::size_t ConfigEntry::sizeOf(std::wstring_view key, std::wstring_view value) 
 void ConfigEntry::setValue(std::wstring_view next) {
     const Length length = toLength(next);
     if (length <= valueCapacity) {
-        Characters::move(valueText(), next.data(), length);
+        Characters::move(valueCharacters(), next.data(), length);
         wipeValueFrom(length);
     } else {
         auto larger = std::make_unique_for_overwrite<wchar_t[]>(length);
@@ -75,9 +74,9 @@ void ConfigEntry::setValue(std::wstring_view next) {
     valueLength = length;
 }
 
-void ConfigEntry::wipeValueFrom(Length place) noexcept {
-    if (place < valueLength) {
-        OPENSSL_cleanse(valueText() + place, (valueLength - place) * sizeof(wchar_t));
+void ConfigEntry::wipeValueFrom(Length position) noexcept {
+    if (position < valueLength) {
+        OPENSSL_cleanse(valueCharacters() + position, (valueLength - position) * sizeof(wchar_t));
     }
 }
 

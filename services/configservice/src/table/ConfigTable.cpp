@@ -8,6 +8,9 @@ namespace ZelUnified {
 
 namespace {
 
+// A small table needs little memory; the blocks of a large one grow.
+constexpr std::size_t firstBlock = 1024;
+
 bool isBefore(const ConfigEntry::Owner& a, const ConfigEntry::Owner& b) {
     return caseInsensitiveMapComparator()(a->getKey(), b->getKey());
 }
@@ -31,8 +34,12 @@ bool ConfigTable::load(const FoldedKey& key, std::wstring_view value) {
     if (index.find(key) != nullptr) {
         return false;
     }
-    insert(key, ConfigEntry::make(key.getFolded(), value, blocks));
+    insert(key, ConfigEntry::make(key.getFolded(), value, *arena));
     return true;
+}
+
+std::unique_ptr<ConfigTable::Arena> ConfigTable::makeArena() {
+    return std::make_unique<Arena>(firstBlock);
 }
 
 const ConfigEntry& ConfigTable::insert(const FoldedKey& key, ConfigEntry::Owner added) {
@@ -55,36 +62,37 @@ bool ConfigTable::remove(const std::wstring& key) {
         return false;
     }
     index.erase(folded); // before the entry and its key are destroyed
-    const auto place = std::ranges::find_if(entries, [removed](const auto& entry) { return entry.get() == removed; });
-    if (static_cast<std::size_t>(place - entries.begin()) < ordered) {
+    const auto position =
+        std::ranges::find_if(entries, [removed](const auto& entry) { return entry.get() == removed; });
+    if (static_cast<std::size_t>(position - entries.begin()) < ordered) {
         --ordered;
     }
-    entries.erase(place);
+    entries.erase(position);
     return true;
 }
 
 void ConfigTable::clear() noexcept {
     index.clear();
     entries.clear();
-    blocks = {};
+    arena->release();
     ordered = 0;
 }
 
 void ConfigTable::replace(ConfigMap values) {
     const ValuesWiper wiper(values);
     reserveFilter(values.size()); // reads the hashes of the old index
-    EntryBlocks nextBlocks;
+    auto nextArena = makeArena();
     std::vector<ConfigEntry::Owner> next;
     KeyIndex<ConfigEntry, KeyOfConfigEntry> nextIndex;
     next.reserve(values.size());
     nextIndex.reserve(values.size());
     for (auto& [key, value] : values) {
         const FoldedKey folded(key);
-        next.push_back(ConfigEntry::make(key, value, nextBlocks));
+        next.push_back(ConfigEntry::make(key, value, *nextArena));
         filter.add(folded);
         nextIndex.insert(folded, *next.back());
     }
-    std::swap(blocks, nextBlocks);
+    arena.swap(nextArena); // the old entries are destroyed before their memory
     entries.swap(next);
     index.swap(nextIndex);
     ordered = entries.size();
@@ -92,9 +100,9 @@ void ConfigTable::replace(ConfigMap values) {
 
 const std::vector<ConfigEntry::Owner>& ConfigTable::list() {
     if (ordered < entries.size()) {
-        const auto tail = entries.begin() + static_cast<std::ptrdiff_t>(ordered);
-        std::sort(tail, entries.end(), isBefore);
-        std::inplace_merge(entries.begin(), tail, entries.end(), isBefore);
+        const auto unsorted = entries.begin() + static_cast<std::ptrdiff_t>(ordered);
+        std::sort(unsorted, entries.end(), isBefore);
+        std::inplace_merge(entries.begin(), unsorted, entries.end(), isBefore);
         ordered = entries.size();
     }
     return entries;

@@ -122,7 +122,7 @@ void FoldedKey::foldBeyondAscii() {
     hash = hashOfKey.get();
 }
 
-bool FoldedKey::names(std::wstring_view other) const noexcept {
+bool FoldedKey::equals(std::wstring_view other) const noexcept {
     if (other.size() != folded.size()) {
         return false;
     }

@@ -25,7 +25,7 @@ public:
     std::uint32_t getHash() const noexcept { return hash; }
 
     /// Returns true if the keys are equal (case-insensitive).
-    bool names(std::wstring_view other) const noexcept;
+    bool equals(std::wstring_view other) const noexcept;
 
 private:
     void foldBeyondAscii();

@@ -1,5 +1,6 @@
 #include "CommandGrammar.h"
 
+#include "UsageMessage.h"
 #include "output/Failure.h"
 
 #include <CLI/CLI.hpp>
@@ -31,17 +32,22 @@ void addWorkerFlag(CLI::App* app, Command& command) {
 
 void addReads(CLI::App& app, Command& command) {
     auto* get = addKeyCommand(app, command, "get", "Show the value of a key");
-    get->add_flag("--origin", command.origin, "With the store that it came from");
+    get->add_flag("--origin", command.origin, "Also print the store of the value");
     auto* admin = get->add_flag("--admin", command.admin, "The administrator's value, without the user's own settings");
-    get->add_option("--store", command.store, "What this store says")->type_name("NAME")->excludes(admin);
-    addKeyCommand(app, command, "explain", "Show every store's opinion of a key, and which one wins");
+    get->add_option("--store", command.store, "The value in this store")->type_name("NAME")->excludes(admin);
+    addKeyCommand(app, command, "explain", "Show the value of a key in each store, and which one wins");
     addCommand(app, command, "list", "List keys, values and stores")
-        ->add_option("PREFIX", command.prefix, "Only keys that begin so");
+        ->add_option("PREFIX", command.prefix, "Only keys with this prefix");
+    auto* keys = addCommand(app, command, "keys", "List the keys of the catalogue with their meaning");
+    keys->add_option("PATTERN", command.prefix, "Only keys that contain this text or match its wildcards * and ?");
+    keys->add_flag("--sensitive", command.sensitive, "Only sensitive keys");
+    keys->add_flag("--renamed", command.renamed, "Only renamed keys");
+    addKeyCommand(app, command, "describe", "Show what is known about a key, its value and its source");
     addCommand(app, command, "stores", "List the stores of the chain");
     auto* report = addCommand(app, command, "report", "Write the report of all stores");
     auto* output =
-        report->add_option("-o,--output", command.file, "Into this file, - for standard output")->type_name("FILE");
-    report->add_option("--html", command.htmlFile, "A page for a browser instead, into this file")
+        report->add_option("-o,--output", command.file, "Write to this file, - for standard output")->type_name("FILE");
+    report->add_option("--html", command.htmlFile, "Write a page for a browser to this file")
         ->type_name("FILE")
         ->excludes(output);
     addCommand(app, command, "log", "Show the settings report of the log");
@@ -51,31 +57,31 @@ void addReads(CLI::App& app, Command& command) {
 void addWrites(CLI::App& app, Command& command, CommandScope scope) {
     auto* set = addKeyCommand(app, command, "set", "Set the user's value of a key");
     addValue(set, command);
-    set->add_flag("--force", command.forced, "Set it though XML has no such name or no such character");
+    set->add_flag("--force", command.forced, "Also set what XML cannot represent or the kind of the key excludes");
     if (scope == CommandScope::Shell) {
         addWorkerFlag(set, command);
     }
-    addKeyCommand(app, command, "reset", "Take the user's value of a key back");
-    addCommand(app, command, "provision", "Take the settings of a provisioning URL")
-        ->add_option("URL", command.url, "The URL; what stands behind its '?' counts")
+    addKeyCommand(app, command, "reset", "Remove the user's value of a key");
+    addCommand(app, command, "provision", "Apply the settings of a provisioning URL")
+        ->add_option("URL", command.url, "The URL; the part after its '?' contains the settings")
         ->required();
     addCommand(app, command, "reset-provisioning", "Allow another provisioning URL");
-    addCommand(app, command, "mdm", "Push a document of the device management")
+    addCommand(app, command, "mdm", "Apply a document of the device management")
         ->add_option("FILE", command.file, "The XML document")
         ->required();
-    addCommand(app, command, "import-policy", "Check an administrator's policy file and take it for this user")
+    addCommand(app, command, "import-policy", "Check an administrator's policy file and import it for this user")
         ->add_option("FILE.reg", command.file, "The file, as a registry editor exports it")
         ->required();
     addCommand(app, command, "remove-store", "Remove a store and its cached copy")
         ->add_option("NAME", command.store, "The store's name")
         ->required();
-    addCommand(app, command, "restore", "Put back a file that was moved aside")
+    addCommand(app, command, "restore", "Restore a file that was moved aside")
         ->add_option("FILE", command.file, "Its name, as doctor lists it")
         ->required();
     auto* resetData =
-        addCommand(app, command, "reset-data", "Reset the client: the user's settings and the cached stores go");
-    resetData->add_flag("--yes", command.confirmed, "Really do it");
-    resetData->add_flag("--force", command.forced, "Remove files that are not the client's, too");
+        addCommand(app, command, "reset-data", "Reset the client: remove the user's settings and the cached stores");
+    resetData->add_flag("--yes", command.confirmed, "Confirm the reset");
+    resetData->add_flag("--force", command.forced, "Also remove files that are not the client's");
 }
 
 /// The commands that start a client or follow one; in a shell, the shell itself is the client.
@@ -91,20 +97,20 @@ void addShellCommands(CLI::App& app, Command& command) {
     addCommand(app, command, "start", "Start the feature set");
     addCommand(app, command, "stop", "Stop the feature set");
     addCommand(app, command, "refresh", "Drop and re-read the stores that are not local");
-    addCommand(app, command, "power-down", "Let the machine announce that it goes down");
+    addCommand(app, command, "power-down", "Announce that the machine shuts down");
     addKeyCommand(app, command, "observe", "Print each change of a key")
-        ->add_option("--with", command.companions, "Print what this key's record says at that moment, too")
+        ->add_option("--with", command.companions, "Also print the value of this key at that moment")
         ->type_name("KEY")
         ->allow_extra_args(false);
-    addKeyCommand(app, command, "unobserve", "Follow a key no longer");
-    addCommand(app, command, "add-store", "Hand in a foreign store")
+    addKeyCommand(app, command, "unobserve", "Stop observing a key");
+    addCommand(app, command, "add-store", "Add a foreign store")
         ->add_option("FILE.xml:NAME:PRIORITY[:cache]", command.store, "The store")
         ->required();
-    auto* memory = addKeyCommand(app, command, "memory", "Set a value for the length of this run");
+    auto* memory = addKeyCommand(app, command, "memory", "Set a value for this run");
     addValue(memory, command);
     addWorkerFlag(memory, command);
-    addKeyCommand(app, command, "sensitive", "Hide the value of a key from here on");
-    addCommand(app, command, "wait", "Wait until all that is under way has happened");
+    addKeyCommand(app, command, "sensitive", "Hide the value of a key from now on");
+    addCommand(app, command, "wait", "Wait until no change is pending");
     addCommand(app, command, "quit", "Leave the shell")->alias("exit");
 }
 
@@ -112,30 +118,37 @@ void addShellCommands(CLI::App& app, Command& command) {
 
 void addCommands(CLI::App& app, Command& command, CommandScope scope) {
     app.require_subcommand(1);
+    app.get_formatter()->label("SUBCOMMAND", "COMMAND");
     addReads(app, command);
     addWrites(app, command, scope);
     if (scope == CommandScope::Shell) {
         addShellCommands(app, command);
     } else {
-        addCommand(app, command, "shell", "Read commands from standard input, one a line");
+        addCommand(app, command, "shell", "Read commands from standard input, one per line");
+        addCommand(app, command, "completion", "Print the completion script of a shell")
+            ->add_option("SHELL", command.topic, "The shell")
+            ->type_name("bash|fish|zsh")
+            ->required();
         addLiveCommands(app, command);
     }
+    addCommand(app, command, "help", "Print the help, or that of a command")
+        ->add_option("COMMAND", command.topic, "The command");
 }
 
 Command parseShellCommand(std::vector<std::string> words) {
     Command command;
     CLI::App app("Commands of the shell");
     addCommands(app, command, CommandScope::Shell);
-    if (words == std::vector<std::string>{"help"}) {
-        throw Failure(ExitCode::Done, app.help());
-    }
     std::ranges::reverse(words);
     try {
         app.parse(words);
     } catch (const CLI::CallForHelp&) {
         throw Failure(ExitCode::Done, app.help());
     } catch (const CLI::ParseError& error) {
-        throw Failure(ExitCode::Usage, error.what());
+        throw Failure(ExitCode::Usage, describeUsage(app, error));
+    }
+    if (command.name == "help") {
+        throw Failure(ExitCode::Done, getHelp(app, command.topic));
     }
     return command;
 }

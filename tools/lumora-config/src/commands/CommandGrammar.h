@@ -15,11 +15,12 @@ struct Command {
     std::string name;
     std::string key;
     std::string value;
-    std::string prefix;
-    std::string store; ///< The name of a store. For add-store: the description of the store.
+    std::string prefix; ///< For keys: the pattern.
+    std::string store;  ///< The name of a store. For add-store: the description of the store.
     std::string file;
     std::string htmlFile;
     std::string url;
+    std::string topic;                   ///< For help: a command. For completion: a shell.
     std::vector<std::string> companions; ///< Keys whose values are shown with each change of the observed key.
     std::vector<std::string> watched;    ///< Keys and patterns.
     bool origin = false;
@@ -28,6 +29,8 @@ struct Command {
     bool forced = false;
     bool follows = false; ///< Waits for the next client.
     bool changesRefused = false;
+    bool sensitive = false;
+    bool renamed = false;
     bool fromWorker = false; ///< Runs the call on a thread other than the services dispatcher's.
 };
 

@@ -1,5 +1,6 @@
 #include "CommandLine.h"
 
+#include "UsageMessage.h"
 #include "output/Failure.h"
 
 #include <CLI/CLI.hpp>
@@ -23,12 +24,13 @@ struct RawOptions {
 };
 
 void addDirectories(CLI::App& app, RawOptions& raw, CommandLine& line) {
-    auto* profile = app.add_option("--profile", raw.profile, "Folder with config, data, state and resources in it");
+    auto* profile =
+        app.add_option("--profile", raw.profile, "Use the folders config, data, state and resources in this one");
     profile->type_name("DIR");
     const auto add = [&](const std::string& name, std::string& target, const std::string& help) {
         app.add_option(name, target, help)->type_name("DIR")->excludes(profile);
     };
-    add("--config-dir", line.directories.config, "The configuration directory");
+    add("--config-dir", line.directories.config, "The configuration directory; a reset empties it");
     add("--data-dir", line.directories.applicationData, "Application data: keys and registry files");
     add("--state-dir", line.directories.state, "Logs and the lock of the profile");
     add("--resources-dir", line.directories.resources, "Installed resources: the defaults file");
@@ -39,41 +41,20 @@ void addDirectories(CLI::App& app, RawOptions& raw, CommandLine& line) {
 void addOptions(CLI::App& app, RawOptions& raw, CommandLine& line) {
     app.set_version_flag("--version", std::string("lumora-config ") + LUMORA_VERSION);
     addDirectories(app, raw, line);
-    app.add_option("--store", raw.stores, "Hand in a read-only store of this XML file")
+    app.add_option("--store", raw.stores, "Add a read-only store of this XML file; may be repeated")
         ->type_name("FILE.xml:NAME:PRIORITY[:cache]")
         ->allow_extra_args(false);
-    app.add_option("--bootstrap", raw.bootstraps, "Hand in the installer's file of key:value lines")
+    app.add_option("--bootstrap", raw.bootstraps, "Add the installer's file of key:value lines; may be repeated")
         ->type_name("FILE:PRIORITY")
         ->allow_extra_args(false);
-    app.add_flag("--json", line.json, "One JSON object a line");
-    app.add_flag("-v,--verbose", line.verbose, "Log lines on standard error");
+    app.add_flag("--json", line.json, "Print one JSON object per line");
+    app.add_flag("-v,--verbose", line.verbose, "Print log lines on standard error");
     app.add_flag("--show-secrets", line.showSecrets, "Show sensitive values");
-    app.add_flag("--trust", line.trusted, "Use a named folder though others own it or everybody may write it");
+    app.add_flag("--trust", line.trusted, "Use a named folder even if another user owns it or everybody may write it");
     auto* offline = app.add_flag("--offline", line.offline, "Do not ask a running client");
     app.add_flag("--live", line.live, "Fail if no running client can be asked")->excludes(offline);
     app.fallthrough();
     app.footer(footer);
-}
-
-void applyProfile(const std::string& profile, KyrCoreUtils::HostDirectories& directories) {
-    if (profile.empty()) {
-        return;
-    }
-    const std::filesystem::path root(profile);
-    directories = {(root / "config").string(), (root / "data").string(), (root / "state").string(),
-                   (root / "resources").string()};
-}
-
-/// Returns the directories named by the user from which the program loads code or to which it writes settings. For a
-/// profile, also returns its subdirectories.
-std::vector<std::string> nameDirectories(const std::string& profile, const CommandLine& line) {
-    const auto& folders = line.directories;
-    std::vector<std::string> named{line.pluginDirectory, folders.config};
-    if (!profile.empty()) {
-        named.insert(named.end(), {profile, folders.applicationData, folders.state, folders.resources});
-    }
-    std::erase(named, "");
-    return named;
 }
 
 /// The host compares its directories by path, so no path may depend on the working directory.
@@ -83,12 +64,15 @@ void makeAbsolute(std::string& directory) {
     }
 }
 
+constexpr auto description = "Shows and changes the configuration of the Lumora client";
+constexpr auto programName = "lumora-config";
+
 } // namespace
 
 CommandLine CommandLine::parse(int argc, const char* const* argv) {
     CommandLine line;
     RawOptions raw;
-    CLI::App app("Shows and changes the configuration of the Lumora client", "lumora-config");
+    CLI::App app(description, programName);
     addOptions(app, raw, line);
     addCommands(app, line.command, CommandScope::CommandLine);
     try {
@@ -98,17 +82,51 @@ CommandLine CommandLine::parse(int argc, const char* const* argv) {
     } catch (const CLI::CallForVersion& version) {
         throw Failure(ExitCode::Done, version.what());
     } catch (const CLI::ParseError& error) {
-        throw Failure(ExitCode::Usage, std::string(error.what()) + " (lumora-config --help shows how)");
+        throw Failure(ExitCode::Usage, describeUsage(app, error) + " (lumora-config help shows how)");
     }
-    applyProfile(raw.profile, line.directories);
+    if (line.command.name == "help") {
+        throw Failure(ExitCode::Done, getHelp(app, line.command.topic));
+    }
+    if (!raw.profile.empty()) {
+        line.directories = directoriesOfProfile(raw.profile);
+    }
     for (auto* directory : {&line.directories.config, &line.directories.applicationData, &line.directories.state,
                             &line.directories.resources, &line.pluginDirectory}) {
         makeAbsolute(*directory);
     }
-    line.namedDirectories = nameDirectories(raw.profile, line);
+    line.namedDirectories = nameDirectories(raw.profile, line.directories);
+    if (!line.pluginDirectory.empty()) {
+        line.namedDirectories.insert(line.namedDirectories.begin(), line.pluginDirectory);
+    }
     std::ranges::transform(raw.stores, std::back_inserter(line.stores), StoreSpec::parse);
     std::ranges::transform(raw.bootstraps, std::back_inserter(line.bootstraps), BootstrapSpec::parse);
     return line;
+}
+
+void CommandLine::withGrammar(const std::function<void(const CLI::App& grammar)>& use) {
+    CommandLine line;
+    RawOptions raw;
+    CLI::App app(description, programName);
+    addOptions(app, raw, line);
+    addCommands(app, line.command, CommandScope::CommandLine);
+    use(app);
+}
+
+KyrCoreUtils::HostDirectories directoriesOfProfile(const std::string& profile) {
+    auto absolute = profile;
+    makeAbsolute(absolute);
+    const std::filesystem::path root(absolute);
+    return {(root / "config").string(), (root / "data").string(), (root / "state").string(),
+            (root / "resources").string()};
+}
+
+std::vector<std::string> nameDirectories(const std::string& profile, const KyrCoreUtils::HostDirectories& folders) {
+    std::vector<std::string> named{folders.config};
+    if (!profile.empty()) {
+        named.insert(named.end(), {profile, folders.applicationData, folders.state, folders.resources});
+    }
+    std::erase(named, "");
+    return named;
 }
 
 } // namespace lumora_config

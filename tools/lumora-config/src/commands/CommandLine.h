@@ -5,8 +5,13 @@
 
 #include <kyr/FileUtils.h>
 
+#include <functional>
 #include <string>
 #include <vector>
+
+namespace CLI {
+class App;
+}
 
 namespace lumora_config {
 
@@ -27,6 +32,15 @@ struct CommandLine {
 
     /// Parses the arguments. Throws Failure: Usage with a message; Done with the text of --help or --version.
     static CommandLine parse(int argc, const char* const* argv);
+    /// Calls `use` with the grammar of the command line, which exists during the call only.
+    static void withGrammar(const std::function<void(const CLI::App& grammar)>& use);
 };
+
+/// Returns the absolute paths of the four folders of a profile.
+KyrCoreUtils::HostDirectories directoriesOfProfile(const std::string& profile);
+
+/// Returns the directories named by the user to which the program writes settings. For a profile, also returns its
+/// subdirectories.
+std::vector<std::string> nameDirectories(const std::string& profile, const KyrCoreUtils::HostDirectories& folders);
 
 } // namespace lumora_config

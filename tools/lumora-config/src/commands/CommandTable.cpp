@@ -8,8 +8,8 @@ namespace {
 
 CommandTable getAllCommands() {
     CommandTable all;
-    for (auto group :
-         {getReadCommands(), getWriteCommands(), getReportCommands(), getLifecycleCommands(), getStorageCommands()}) {
+    for (auto group : {getReadCommands(), getKeyCommands(), getWriteCommands(), getReportCommands(),
+                       getLifecycleCommands(), getStorageCommands()}) {
         all.merge(group);
     }
     return all;

@@ -17,6 +17,7 @@ using CommandTable = std::map<std::string, std::function<void(Session&, const Co
 
 /// Each function returns the commands of one group by their names.
 CommandTable getReadCommands();
+CommandTable getKeyCommands();
 CommandTable getWriteCommands();
 CommandTable getReportCommands();
 CommandTable getLifecycleCommands();

@@ -1,4 +1,6 @@
 #include "CommandTable.h"
+#include "KeyCommands.h"
+#include "stores/KnownKeys.h"
 
 #include <optional>
 
@@ -27,7 +29,8 @@ void get(Session& session, const Command& command) {
     }
     session.getPrinter().showValue(toWide(command.key), reading, command.origin);
     if (!reading) {
-        throw Failure(ExitCode::NotFound, describeMiss(command) + " the key '" + command.key + "'");
+        suggestKeys(session, command.key);
+        throw Failure(ExitCode::NotFound, describeMiss(command) + " the key '" + spell(command.key) + "'");
     }
 }
 
@@ -38,7 +41,8 @@ void explain(Session& session, const Command& command) {
     session.getMask().hide(explanation);
     session.getPrinter().showExplanation(explanation);
     if (!explanation.inForce) {
-        throw Failure(ExitCode::NotFound, "no store holds the key '" + command.key + "'");
+        suggestKeys(session, command.key);
+        throw Failure(ExitCode::NotFound, "no store holds the key '" + spell(command.key) + "'");
     }
 }
 

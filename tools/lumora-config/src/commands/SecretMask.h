@@ -22,6 +22,9 @@ public:
     void hide(Explanation& explanation) const;
     void hide(std::vector<ListedValue>& values) const;
 
+    /// Returns true if the key is sensitive.
+    bool hides(const std::wstring& key) const { return isSensitive(key); }
+
     bool showsSecrets() const { return showSecrets; }
 
 private:

@@ -1,4 +1,6 @@
 #include "CommandTable.h"
+#include "KeyCommands.h"
+#include "stores/KnownKeys.h"
 #include "stores/XmlNames.h"
 #include "stores/XmlSettings.h"
 
@@ -72,25 +74,27 @@ void requireStorable(const Command& command) {
                            "' is not an XML name: a document or report with it would be ill-formed");
     }
     requireKeptValue(command);
+    requirePermitted(command.key, command.value);
 }
 
 void set(Session& session, const Command& command) {
     requireStorable(command);
+    suggestKeys(session, command.key);
     const auto key = toWide(command.key);
     bool stored = false;
     runWrite(session, command,
              [&] { stored = session.getHost().getFeatureSet()->setConfig(key, toWide(command.value)); });
     if (!stored) {
-        throw Failure(ExitCode::NotFound, "no store accepts a value for the key '" + command.key + "'");
+        throw Failure(ExitCode::NotFound, "no store accepts a value for the key '" + spell(command.key) + "'");
     }
     if (command.fromWorker) {
         session.expectStored(key, toWide(command.value));
-        reportDone(session, command, command.key + " is being set; " + describeOutcome(session, key));
+        reportDone(session, command, spell(command.key) + " is being set; " + describeOutcome(session, key));
         return;
     }
     session.forgetExpected({key});
     session.getDiskCheck().requireStored(key, toWide(command.value));
-    reportDone(session, command, command.key + " set; " + describeOutcome(session, key));
+    reportDone(session, command, spell(command.key) + " set; " + describeOutcome(session, key));
 }
 
 void memory(Session& session, const Command& command) {
@@ -101,7 +105,7 @@ void memory(Session& session, const Command& command) {
     if (!stored) {
         throw Failure(ExitCode::NotFound, "there is no volatile store");
     }
-    reportDone(session, command, command.key + " set for this run; " + describeOutcome(session, key));
+    reportDone(session, command, spell(command.key) + " set for this run; " + describeOutcome(session, key));
 }
 
 bool userHolds(Session& session, const std::wstring& key) {
@@ -141,11 +145,11 @@ void reset(Session& session, const Command& command) {
         session.getHost().getService()->resetConfig(key);
     });
     if (!held) {
-        throw Failure(ExitCode::NotFound, "the user has no value for the key '" + command.key + "'");
+        throw Failure(ExitCode::NotFound, "the user has no value for the key '" + spell(command.key) + "'");
     }
     session.forgetExpected(names);
     session.getDiskCheck().requireRemoved(command.key, names);
-    reportDone(session, command, command.key + " reset; " + describeOutcome(session, key));
+    reportDone(session, command, spell(command.key) + " reset; " + describeOutcome(session, key));
 }
 
 void requireProvisioned(Session& session) {

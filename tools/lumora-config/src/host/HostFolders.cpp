@@ -17,6 +17,19 @@ using KyrCoreUtils::FileUtils;
 
 namespace {
 
+namespace fs = std::filesystem;
+
+/// Says why the plug-in is not in this folder.
+std::string describeAbsence(const fs::path& folder) {
+    std::error_code ignored;
+    const auto status = fs::status(folder, ignored);
+    const auto name = folder.lexically_normal().string();
+    if (!fs::exists(status)) {
+        return "there is no folder " + name;
+    }
+    return fs::is_directory(status) ? "it is not in " + name : name + " is not a folder";
+}
+
 std::string getDefaultsPath(const std::string& resourcesDirectory) {
     return resourcesDirectory + FileUtils::FileSeparator() + std::string(ZelUnified::ConfigKeys::configDefaultsFile);
 }
@@ -46,20 +59,20 @@ void requireTrusted(const std::vector<std::string>& directories) {
 }
 
 std::string findPluginFolder(const std::string& requested) {
-    namespace fs = std::filesystem;
     std::vector<fs::path> candidates{requested};
     if (requested.empty()) {
         const fs::path program = KyrCoreUtils::ProcessUtils::getProgramFolder();
         candidates = {program / ".." / "lib", program / ".." / LUMORA_PLUGIN_FOLDER, LUMORA_INSTALLED_PLUGIN_FOLDER};
     }
+    std::string absences;
     for (const auto& folder : candidates) {
         std::error_code ignored;
         if (fs::is_regular_file(folder / LUMORA_PLUGIN_LIBRARY, ignored)) {
             return folder.lexically_normal().string();
         }
+        absences += (absences.empty() ? "" : ", ") + describeAbsence(folder);
     }
-    throw Failure(ExitCode::Environment,
-                  "no plug-in " LUMORA_PLUGIN_LIBRARY " in " + candidates.front().lexically_normal().string());
+    throw Failure(ExitCode::Environment, "no plug-in " LUMORA_PLUGIN_LIBRARY ": " + absences);
 }
 
 void requireDefaultsFile(const std::string& resourcesDirectory) {

@@ -44,6 +44,23 @@ Json toJson(const Opinion& opinion) {
     return object;
 }
 
+Json toJson(const KeyFacts& facts) {
+    Json object{{"key", toString(facts.key)},
+                {"oldName", nullptr},
+                {"sensitive", facts.sensitive},
+                {"kind", facts.kind},
+                {"values", facts.values},
+                {"permitted", facts.permitted},
+                {"provisioning", facts.provisionable},
+                {"meaning", facts.meaning},
+                {"rule", facts.rule},
+                {"use", facts.use}};
+    if (facts.oldName) {
+        object["oldName"] = toString(*facts.oldName);
+    }
+    return object;
+}
+
 } // namespace
 
 JsonPrinter::JsonPrinter(Output& out, Output& messages, Failures failureForm)
@@ -84,6 +101,27 @@ void JsonPrinter::showList(const std::vector<ListedValue>& values) {
                                     {"store", toString(listed.storeName)},
                                     {"overridden", listed.overridden}});
     }
+    write(object);
+}
+
+void JsonPrinter::showKeys(const std::vector<KeyFacts>& keys) {
+    Json object{{"type", "keys"}, {"keys", Json::array()}};
+    for (const auto& facts : keys) {
+        object["keys"].push_back(toJson(facts));
+    }
+    write(object);
+}
+
+void JsonPrinter::showDescription(const KeyDescription& description) {
+    Json object{{"type", "description"},
+                {"key", toString(description.key)},
+                {"known", description.facts.has_value()},
+                {"sensitive", description.sensitive}};
+    if (description.facts) {
+        object.update(toJson(*description.facts));
+        object["sensitive"] = description.sensitive;
+    }
+    object.update(toJson(description.inForce));
     write(object);
 }
 

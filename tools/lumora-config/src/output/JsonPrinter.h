@@ -20,6 +20,8 @@ public:
     void showValue(const std::wstring& key, const std::optional<Reading>& reading, bool withOrigin) override;
     void showExplanation(const Explanation& explanation) override;
     void showList(const std::vector<ListedValue>& values) override;
+    void showKeys(const std::vector<KeyFacts>& keys) override;
+    void showDescription(const KeyDescription& description) override;
     void showStores(const std::vector<StoreFacts>& stores) override;
     void showText(const std::string& kind, const std::string& text) override;
     void showHealth(const HealthReport& report) override;

@@ -2,6 +2,7 @@
 
 #include "Failure.h"
 #include "Findings.h"
+#include "KeyFindings.h"
 
 #include <optional>
 #include <string>
@@ -20,6 +21,8 @@ public:
     virtual void showValue(const std::wstring& key, const std::optional<Reading>& reading, bool withOrigin) = 0;
     virtual void showExplanation(const Explanation& explanation) = 0;
     virtual void showList(const std::vector<ListedValue>& values) = 0;
+    virtual void showKeys(const std::vector<KeyFacts>& keys) = 0;
+    virtual void showDescription(const KeyDescription& description) = 0;
     virtual void showStores(const std::vector<StoreFacts>& stores) = 0;
     /// Prints a text of the service; `kind` is "report" or "log".
     virtual void showText(const std::string& kind, const std::string& text) = 0;

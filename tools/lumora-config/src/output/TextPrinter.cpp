@@ -105,6 +105,43 @@ void TextPrinter::showList(const std::vector<ListedValue>& values) {
     output.writeEscaped(table.toString(form, form.terminal ? TextTable::Padding::Aligned : TextTable::Padding::None));
 }
 
+void TextPrinter::showKeys(const std::vector<KeyFacts>& keys) {
+    TextTable table({Column::Left, Column::Left, Column::Left, Column::Left, Column::Truncated});
+    table.addRow({"KEY", "OLD NAME", "KIND", "SENSITIVE", "MEANING"}, Style::Faint);
+    for (const auto& facts : keys) {
+        table.addRow({narrow(facts.key), facts.oldName ? narrow(*facts.oldName) : "-", facts.kind,
+                      facts.sensitive ? "sensitive" : "-", facts.meaning});
+    }
+    const auto& form = output.getForm();
+    output.writeEscaped(table.toString(form, form.terminal ? TextTable::Padding::Aligned : TextTable::Padding::None));
+}
+
+void TextPrinter::showDescription(const KeyDescription& description) {
+    TextTable table({Column::Left, Column::Left});
+    const auto addRow = [&](const std::string& name, const std::string& text) {
+        if (!text.empty()) {
+            table.addRow({name, text});
+        }
+    };
+    const auto& facts = description.facts;
+    addRow("meaning", facts ? facts->meaning : "not in the catalogue");
+    addRow("old name", facts && facts->oldName ? narrow(*facts->oldName) : "");
+    addRow("sensitive", description.sensitive ? "yes" : "no");
+    if (facts) {
+        addRow("kind", facts->kind);
+        addRow("permitted", facts->permitted);
+        addRow("rule", facts->rule);
+        addRow("used here", facts->use);
+        addRow("provisioning", facts->provisionable ? "a URL may set it" : "a URL cannot set it");
+    }
+    addRow("value", description.inForce ? quote(description.inForce->value) : "none");
+    if (description.inForce) {
+        addRow("source", narrow(description.inForce->storeName) +
+                             (description.inForce->underEarlierName ? ", under its old name" : ""));
+    }
+    output.writeEscaped(narrow(description.key) + "\n\n" + table.toString(output.getForm()));
+}
+
 void TextPrinter::showStores(const std::vector<StoreFacts>& stores) {
     TextTable table({Column::Right, Column::Left, Column::Left, Column::Left, Column::Right});
     table.addRow({"PRIORITY", "STORE", "WRITES", "ORIGIN", "KEYS"}, Style::Faint);

@@ -63,7 +63,6 @@ ZelUnified::ConfigMap namesToAsk(const std::vector<std::shared_ptr<ConfigStore>>
 ChainInspector::ChainInspector(std::shared_ptr<ZelUnified::ConfigFeatureSet> adapter,
                                std::shared_ptr<ZelUnified::ConfigService> configService)
     : featureSet(std::move(adapter)), service(std::move(configService)), names(std::make_shared<StoreNames>()) {
-    learnNames();
     featureSet->registerConfigStoreAddedObserver(names);
 }
 
@@ -110,7 +109,7 @@ std::vector<Explanation> ChainInspector::explainAll() const {
 Explanation ChainInspector::explain(const std::wstring& key, const Stores& stores) const {
     const auto keyNames = getKeyNames(key);
     Explanation explanation;
-    explanation.key = key;
+    explanation.key = ZelUnified::ConfigKeys::spellKey(key);
     explanation.currentName = keyNames.newName;
     explanation.earlierName = keyNames.oldName;
     explanation.askedByEarlierName = keyNames.isRequestedByOldName;
@@ -131,7 +130,8 @@ std::vector<ListedValue> ChainInspector::list(const std::wstring& prefix) const 
     for (const auto& record : *records) {
         const auto key = record->getKey();
         if (record->getisDefined() && beginsWith(key, prefix)) {
-            listed.push_back({key, record->getValue(), record->getValueStoreName(), record->getisOverridden()});
+            listed.push_back({std::wstring(ZelUnified::ConfigKeys::spellKey(key)), record->getValue(),
+                              record->getValueStoreName(), record->getisOverridden()});
         }
     }
     return listed;

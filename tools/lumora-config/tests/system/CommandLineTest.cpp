@@ -55,6 +55,44 @@ TEST(CommandLine, AnUnknownOptionIsNamed) {
     EXPECT_THAT(runProcess(LUMORA_CONFIG_PROGRAM, {"--no-such-option", "stores"}).error, HasSubstr("--no-such-option"));
 }
 
+TEST(CommandLine, AMistypedCommandNamesTheClosest) {
+    const std::vector<std::pair<Arguments, std::string>> cases{
+        {{"gte", "Theme"}, "there is no command 'gte'; did you mean 'get'?"},
+        {{"STORES"}, "there is no command 'STORES'; did you mean 'stores'?"},
+        {{"--json", "remove-stroe", "A"}, "there is no command 'remove-stroe'; did you mean 'remove-store'?"},
+        {{"help", "docter"}, "there is no command 'docter'; did you mean 'doctor'?"},
+        {{"unrelated"}, "there is no command 'unrelated' (lumora-config help"},
+        {{}, "no command is given"}};
+    for (const auto& [arguments, message] : cases) {
+        const auto outcome = runProcess(LUMORA_CONFIG_PROGRAM, arguments);
+        EXPECT_EQ(outcome.exitCode, 2);
+        EXPECT_EQ(outcome.out, "");
+        EXPECT_THAT(outcome.error, HasSubstr(message));
+    }
+}
+
+TEST(CommandLine, AMistypedOptionNamesTheClosest) {
+    const std::vector<std::pair<Arguments, std::string>> cases{
+        {{"--profil", "a", "get", "Theme"}, "there is no option '--profil'; did you mean '--profile'?"},
+        {{"--profil=a", "get", "Theme"}, "there is no option '--profil'; did you mean '--profile'?"},
+        {{"get", "Theme", "--orign"}, "there is no option '--orign'; did you mean '--origin'?"},
+        {{"get", "Theme", "--jsno"}, "there is no option '--jsno'; did you mean '--json'?"},
+        {{"stores", "--origin"}, "there is no option '--origin' (lumora-config help"}};
+    for (const auto& [arguments, message] : cases) {
+        const auto outcome = runProcess(LUMORA_CONFIG_PROGRAM, arguments);
+        EXPECT_EQ(outcome.exitCode, 2);
+        EXPECT_THAT(outcome.error, HasSubstr(message));
+    }
+}
+
+TEST(CommandLine, HelpOfACommandIsThatOfItsOption) {
+    const auto help = runProcess(LUMORA_CONFIG_PROGRAM, {"help", "report"});
+    EXPECT_EQ(help.exitCode, 0);
+    EXPECT_EQ(help.error, "");
+    EXPECT_EQ(help.out, runProcess(LUMORA_CONFIG_PROGRAM, {"report", "--help"}).out);
+    EXPECT_EQ(runProcess(LUMORA_CONFIG_PROGRAM, {"help"}).out, runProcess(LUMORA_CONFIG_PROGRAM, {"--help"}).out);
+}
+
 TEST(CommandLine, OptionsMayStandBehindTheCommand) {
     const Profile profile;
     EXPECT_EQ(profile.run({"get", "Theme", "--json"}).lines().at(0).at("value"), "system");

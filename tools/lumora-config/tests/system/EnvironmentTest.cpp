@@ -3,10 +3,13 @@
 #include <TemporaryProfile.h>
 #include <gmock/gmock.h>
 
+#include <sstream>
+
 namespace program_test {
 
 namespace fs = std::filesystem;
 using testing::AllOf;
+using testing::ElementsAre;
 using testing::HasSubstr;
 
 TEST(Environment, AMissingPlugInIsReportedWithItsFolder) {
@@ -16,7 +19,32 @@ TEST(Environment, AMissingPlugInIsReportedWithItsFolder) {
     const auto outcome = profile.run({"--plugin-dir", empty.string(), "stores"});
     EXPECT_EQ(outcome.exitCode, 3);
     EXPECT_EQ(outcome.out, "");
-    EXPECT_THAT(outcome.error, AllOf(HasSubstr("no plug-in"), HasSubstr(empty.string())));
+    EXPECT_THAT(outcome.error, HasSubstr("no plug-in libconfigservice.so: it is not in " + empty.string()));
+}
+
+TEST(Environment, APlugInFolderThatIsNoneIsNamedWithWhatWasLookedFor) {
+    const Profile profile;
+    const auto absent = (profile.root() / "absent").string();
+    EXPECT_THAT(profile.run({"--plugin-dir", absent, "stores"}).error,
+                HasSubstr("no plug-in libconfigservice.so: there is no folder " + absent));
+    const auto file = profile.write("file", "no folder");
+    EXPECT_THAT(profile.run({"--plugin-dir", file, "stores"}).error,
+                HasSubstr("no plug-in libconfigservice.so: " + file + " is not a folder"));
+}
+
+TEST(Environment, AHealthyRunLogsNoErrorOfTheProgram) {
+    const Profile profile;
+    ASSERT_EQ(profile.run({"set", "Theme", "dark"}).exitCode, 0);
+    std::istringstream log(profile.run({"-v", "get", "Theme"}).error);
+    std::vector<std::string> troubles;
+    for (std::string line; std::getline(log, line);) {
+        if (line.find(" error [") != std::string::npos || line.find(" warning [") != std::string::npos) {
+            troubles.push_back(line);
+        }
+    }
+    // The service itself reads before it is started, and misses a file without which it was never started.
+    EXPECT_THAT(troubles, ElementsAre(HasSubstr("ConfigAdapter::getConfig Config FeatureSet Not Started"),
+                                      HasSubstr("Failed to read XML document: cachedUrlProvisioningConfigStore.dat")));
 }
 
 TEST(Environment, APlugInThatCannotBeLoadedIsNamed) {

@@ -218,10 +218,10 @@ TEST_F(Live, AStoppedOrKilledWatcherDisturbsNobody) {
     const std::string filler(2000, 'x'); // the buffers of the socket hold few such events
     RunningProgram client(profile, {"serve"});
     client.receive();
-    RunningProgram reading(profile, {"watch", "AllowUrlProvisioning", "Theme"});
+    RunningProgram attentive(profile, {"watch", "AllowUrlProvisioning", "Theme"});
     RunningProgram stopped(profile, {"watch", "Theme"});
     RunningProgram killed(profile, {"watch"});
-    for (auto* watch : {&reading, &stopped, &killed}) {
+    for (auto* watch : {&attentive, &stopped, &killed}) {
         watch->receiveMessage();
     }
     stopped.signal(SIGSTOP);
@@ -231,7 +231,7 @@ TEST_F(Live, AStoppedOrKilledWatcherDisturbsNobody) {
         const nlohmann::json request{{"verb", "set"}, {"key", "Theme"}, {"value", filler + std::to_string(i)}};
         ASSERT_TRUE(changer.sendLine(request.dump(), 20s));
         ASSERT_EQ(changer.receiveLine(line, 20s), KyrCoreUtils::LocalConnection::Received::Line);
-        EXPECT_EQ(reading.receiveUntil("property", "Value").at("new"), filler + std::to_string(i));
+        EXPECT_EQ(attentive.receiveUntil("property", "Value").at("new"), filler + std::to_string(i));
         if (i == changes / 2) {
             killed.signal(SIGKILL);
         }

@@ -61,6 +61,21 @@ TEST(Shell, HelpListsTheCommandsOfTheShell) {
     }
 }
 
+TEST(Shell, HelpOfACommandNamesItsOptions) {
+    const Profile profile;
+    EXPECT_THAT(profile.shell({"help observe"}).out, HasSubstr("--with"));
+    EXPECT_EQ(profile.shell({"help observe"}).out, profile.shell({"observe --help"}).out);
+}
+
+TEST(Shell, AMistypedCommandOrOptionNamesTheClosest) {
+    const Profile profile;
+    const auto outcome = profile.shell({"obsreve Theme", "set Theme dark --wroker", "help memroy"});
+    EXPECT_EQ(outcome.exitCode, 2);
+    EXPECT_THAT(outcome.error, HasSubstr("there is no command 'obsreve'; did you mean 'observe'?"));
+    EXPECT_THAT(outcome.error, HasSubstr("there is no option '--wroker'; did you mean '--worker'?"));
+    EXPECT_THAT(outcome.error, HasSubstr("there is no command 'memroy'; did you mean 'memory'?"));
+}
+
 TEST(Shell, AWriteNotifiesTheObserverOfEachProperty) {
     const Profile profile;
     const auto outcome = profile.shell({"observe Theme", "set Theme dark"}, {"--json"});

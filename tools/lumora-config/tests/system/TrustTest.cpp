@@ -96,7 +96,7 @@ TEST(Trust, ADirectoryOfAnotherUserIsRefused) {
 TEST(Trust, FoldersOfRootAreAccepted) {
     const Profile profile;
     const auto outcome = profile.run({"--plugin-dir", "/usr/bin", "get", "Theme"});
-    EXPECT_THAT(outcome.error, HasSubstr("no plug-in libconfigservice.so in /usr/bin"));
+    EXPECT_THAT(outcome.error, HasSubstr("no plug-in libconfigservice.so: it is not in /usr/bin"));
 }
 
 } // namespace program_test

@@ -261,7 +261,7 @@ std::shared_ptr<ConfigValueImpl> ConfigServiceImpl::findConfigFromKey(const Fold
         return entry->second;
     }
     // The value of this key depends on the machine, not on a store.
-    if (key.names(ConfigKeys::calendarIntegrationType)) {
+    if (key.equals(ConfigKeys::calendarIntegrationType)) {
         auto record = createConfig(key);
         CalendarIntegrationTypeCheck::detectCalendarIntegrationType(logger, record);
         return record;

@@ -76,7 +76,7 @@ TEST(FoldedKey, NamesWhatTheComparisonOfKeysCallsEqual) {
         const FoldedKey key(left);
         for (const auto& right : oddTexts()) {
             const bool equal = KyrCoreUtils::caseInsensitiveStringEquals(std::wstring_view(left), right);
-            EXPECT_EQ(key.names(right), equal)
+            EXPECT_EQ(key.equals(right), equal)
                 << KyrCoreUtils::toString(left) << " and " << KyrCoreUtils::toString(right);
             if (equal) {
                 EXPECT_EQ(key.getHash(), hashOf(right)) << KyrCoreUtils::toString(left);
@@ -100,8 +100,8 @@ TEST(FoldedKey, FoldsAllOfAsciiAtEachPlaceOfABlock) {
 TEST(FoldedKey, FoldsWhatStandsBesideUnitsThatAreNoCharacters) {
     for (const auto unit : {std::numeric_limits<wchar_t>::max(), std::numeric_limits<wchar_t>::min()}) {
         const std::wstring key = std::wstring(L"Ab") + unit + L"Cd" + unit + unit + L"E";
-        EXPECT_TRUE(FoldedKey(key).names(std::wstring(L"aB") + unit + L"cD" + unit + unit + L"e"));
-        EXPECT_FALSE(FoldedKey(key).names(std::wstring(L"aB") + unit + L"cD" + unit + unit + L"f"));
+        EXPECT_TRUE(FoldedKey(key).equals(std::wstring(L"aB") + unit + L"cD" + unit + unit + L"e"));
+        EXPECT_FALSE(FoldedKey(key).equals(std::wstring(L"aB") + unit + L"cD" + unit + unit + L"f"));
     }
 }
 

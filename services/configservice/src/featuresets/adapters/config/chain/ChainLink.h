@@ -10,10 +10,10 @@
 
 namespace ZelUnified {
 
-class IndexedStore;
+class StoreTable;
 
-/// A store in the chain, with the fastest way to call it: a store of this library receives the folded key, any other
-/// store is called through ConfigStore. Constant, like the chain that contains it.
+/// A store in the chain, with the fastest way to call it: the table of a store of this library receives the
+/// folded key, any other store is called through ConfigStore. Constant, like the chain that contains it.
 class ChainLink {
 public:
     explicit ChainLink(std::shared_ptr<ConfigStore> linkedStore);
@@ -22,15 +22,13 @@ public:
     bool getValue(const FoldedKey& key, std::wstring& value) const;
     std::wstring getWideName() const;
     KeyList listKeys() const;
-    /// Returns true for a store of this library. The number of calls makes no difference to such a store.
-    bool isIndexed() const noexcept { return indexed != nullptr; }
 
     ConfigStore* operator->() const noexcept { return store.get(); }
 
 private:
     std::shared_ptr<ConfigStore> store;
-    IndexedStore* indexed; ///< The same object; null for a store of another service.
-    std::wstring indexedName;
+    StoreTable* table;               ///< The store's; null for a store of another service.
+    std::wstring nameOfLibraryStore; ///< The name of a store of this library never changes.
 };
 
 } // namespace ZelUnified

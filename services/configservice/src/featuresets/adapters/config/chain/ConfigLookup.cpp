@@ -5,8 +5,6 @@
 
 #include <kyr/StringUtils.h>
 
-#include <algorithm>
-
 namespace ZelUnified {
 
 bool ConfigLookup::lookupInStores(const FoldedKey& key, std::wstring& value, std::wstring* configStoreName,
@@ -77,38 +75,6 @@ bool ConfigLookup::getOriginalValue(const FoldedKey& key, std::wstring& original
     }
     fromLegacyKey = findOriginalValue(FoldedKey(*oldName), originalValue, originalValueStoreName, found);
     return fromLegacyKey;
-}
-
-bool ConfigLookup::readInOneWalk(const FoldedKey& key, ConfigChange& change) const {
-    const auto walked = chain.getLinks();
-    const bool hasOtherName = renamedKeys.findNewName(key) != nullptr || renamedKeys.findOldName(key) != nullptr;
-    if (hasOtherName || zel::hasFipsOverride(key.getText()) || !std::ranges::all_of(*walked, &ChainLink::isIndexed)) {
-        return false;
-    }
-    std::wstring answer;
-    bool hasOverride = false;
-    for (const auto& store : *walked) {
-        const bool isReadOnly = store->isReadOnly();
-        if ((!isReadOnly && hasOverride) || !store.getValue(key, answer)) {
-            continue;
-        }
-        hasOverride = hasOverride || !isReadOnly;
-        if (isReadOnly) {
-            change.originalValueStoreName = store.getWideName();
-            change.originalValue = answer;
-        }
-        if (!change.isDefined) {
-            change.isDefined = true;
-            change.valueStoreName = store.getWideName();
-            change.value.swap(answer);
-        }
-        zel::SecureString::wipe(answer);
-        if (!change.originalValue.empty()) {
-            break; // a user's value further down the chain overrides nothing
-        }
-    }
-    change.isOverridden = change.isDefined && hasOverride;
-    return true;
 }
 
 bool ConfigLookup::findOriginalValue(const FoldedKey& key, std::wstring& originalValue,

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "ConfigChange.h"
 #include "RenamedKeys.h"
 #include "StoreChain.h"
 
@@ -35,12 +34,6 @@ public:
     /// that contains the key comes before the first read-only store with a value.
     bool getOriginalValue(const FoldedKey& key, std::wstring& originalValue, std::wstring& originalValueStoreName,
                           bool& fromLegacyKey) const;
-
-    /// Combines getValue() and getOriginalValue() in one walk and determines whether the former overrides the latter.
-    /// The caller passes an empty `change`. Returns false and reads nothing if one walk could give a different result:
-    /// the key has another name, FIPS mode overrides it, or the chain contains a store of another service, which must
-    /// receive as many calls as before.
-    bool readInOneWalk(const FoldedKey& key, ConfigChange& change) const;
 
 private:
     bool findOriginalValue(const FoldedKey& key, std::wstring& originalValue, std::wstring& originalValueStoreName,

@@ -267,9 +267,6 @@ const std::wstring* ConfigStoreManager::fireConfigChange(const std::wstring& key
 
 ConfigChange ConfigStoreManager::readConfigChange(const FoldedKey& key) const {
     ConfigChange change;
-    if (getValue(key, change)) {
-        return change;
-    }
     bool valueFromLegacyKey = false;
     bool originalFromLegacyKey = false;
     change.isDefined = getValue(key, change.value, &change.valueStoreName, valueFromLegacyKey, false, "");
@@ -309,17 +306,6 @@ bool ConfigStoreManager::getValue(const FoldedKey& key, std::wstring& value, std
         *configStoreName = std::move(storeName);
     }
     return found;
-}
-
-bool ConfigStoreManager::getValue(const FoldedKey& key, ConfigChange& change) const {
-    if (!lookup.readInOneWalk(key, change)) {
-        return false;
-    }
-    if (const auto line = describeLookup(key, change.value, change.isDefined, change.valueStoreName,
-                                         ConfigLookup::FoundUnder::AskedName, false)) {
-        ZelLog(configStoreManagerLogger(), ZelLogLevel::Debug, ZEL_HERE, *line);
-    }
-    return true;
 }
 
 std::optional<std::wstring> ConfigStoreManager::describeLookup(const FoldedKey& key, std::wstring_view value,

@@ -130,8 +130,6 @@ private:
     /// Behaves like the public overloads. Asks for the store's name only if `configStoreName` is not null.
     bool getValue(const FoldedKey& key, std::wstring& value, std::wstring* configStoreName, bool& valueFromLegacyKey,
                   bool skipLocal, const std::string& storeFilter) const;
-    /// Reads all of `change` in one walk and logs the lookup. Returns false and reads nothing if two walks are needed.
-    bool getValue(const FoldedKey& key, ConfigChange& change) const LUMORA_REQUIRES(chainLock);
 
     /// Returns the debug line of a lookup, or nothing if debug logging is off.
     std::optional<std::wstring> describeLookup(const FoldedKey& key, std::wstring_view value, bool found,

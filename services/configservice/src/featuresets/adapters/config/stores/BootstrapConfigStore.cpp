@@ -1,5 +1,4 @@
-#include "secure/FipsValueOverride.h"
-#include "table/ConfigTable.h"
+#include "StoreTable.h"
 #include "table/WipedValues.h"
 
 #include <kyr/FstreamUtils.h>
@@ -57,7 +56,10 @@ void readLines(std::istream& stream, ConfigMap& read) {
 } // namespace
 
 BootstrapConfigStore::BootstrapConfigStore(const std::string& storeName, const std::string& path, int storePriority)
-    : priority(storePriority), values(std::make_unique<ConfigTable>()), filePath(path), name(storeName) {
+    : priority(storePriority),
+      table(std::make_unique<StoreTable>(StoreTable::Rule::Trims)),
+      filePath(path),
+      name(storeName) {
     std::fstream stream;
     KyrCoreUtils::FstreamUtils::open(stream, filePath, KyrCoreUtils::StreamMode::Read);
     if (!stream.is_open()) {
@@ -66,28 +68,17 @@ BootstrapConfigStore::BootstrapConfigStore(const std::string& storeName, const s
     }
     ConfigMap read;
     readLines(stream, read);
-    values->replace(std::move(read));
+    table->replace(std::move(read));
 }
 
 BootstrapConfigStore::~BootstrapConfigStore() = default;
 
 bool BootstrapConfigStore::getValue(const std::wstring& key, std::wstring& value) {
-    return lookUp(FoldedKey(key), value);
-}
-
-bool BootstrapConfigStore::lookUp(const FoldedKey& key, std::wstring& value) {
-    const auto found = values->find(key);
-    const auto held = KyrCoreUtils::trim(found.value_or(std::wstring_view()));
-    value = zel::withFipsOverride(key.getText(), held); // last: `key` may refer to `value`
-    return found.has_value();
+    return table->getValue(key, value);
 }
 
 std::vector<std::wstring> BootstrapConfigStore::getKeys() {
-    return values->getKeys();
-}
-
-KeyList BootstrapConfigStore::listKeys() {
-    return values->listKeys();
+    return table->getKeys();
 }
 
 } // namespace ZelUnified

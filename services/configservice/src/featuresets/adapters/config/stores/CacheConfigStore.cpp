@@ -1,5 +1,5 @@
+#include "StoreTable.h"
 #include "featuresets/adapters/config/xml/XmlConfigParser.h"
-#include "table/ConfigTable.h"
 #include "table/WipedValues.h"
 
 #include <CacheConfigStore.h>
@@ -13,7 +13,7 @@ CacheConfigStore::CacheConfigStore(std::string storeName, int storePriority, std
 
 CacheConfigStore::CacheConfigStore(std::string storeName, int storePriority, std::string file, ConfigMap& contents)
     : XmlConfigStore(std::move(storeName), storePriority, true, true, std::move(file), false) {
-    const zel::Mutex::ScopedLock lock(valuesLock);
+    const auto values = table->lock();
     values->replace(contents);
     XmlConfigParser::writeToFile(filePath, *values);
     wipeValues(contents);
@@ -23,7 +23,7 @@ CacheConfigStore::CacheConfigStore(std::string storeName, int storePriority, std
 CacheConfigStore::~CacheConfigStore() = default;
 
 void CacheConfigStore::persistValues() {
-    const zel::Mutex::ScopedLock lock(valuesLock);
+    const auto values = table->lock();
     XmlConfigParser::writeToFile(filePath, *values);
 }
 

@@ -1,5 +1,4 @@
-#include "StoreAnswer.h"
-#include "table/ConfigTable.h"
+#include "StoreTable.h"
 
 #include <zel/ZelLog.h>
 
@@ -14,46 +13,30 @@ ZelLogger& logger = ZelLogger_getLogger("ConfigService-InMemoryConfigStore");
 } // namespace
 
 InMemoryConfigStore::InMemoryConfigStore(std::string storeName, int storePriority)
-    : values(std::make_unique<ConfigTable>()), name(std::move(storeName)), priority(storePriority) {}
+    : table(std::make_unique<StoreTable>(StoreTable::Rule::AnswersAll)),
+      name(std::move(storeName)),
+      priority(storePriority) {}
 
 InMemoryConfigStore::~InMemoryConfigStore() = default;
 
 bool InMemoryConfigStore::getValue(const std::wstring& key, std::wstring& value) {
-    return lookUp(FoldedKey(key), value);
-}
-
-bool InMemoryConfigStore::lookUp(const FoldedKey& key, std::wstring& value) {
-    if (!values->mayHold(key)) {
-        return answerWith(std::nullopt, key, value);
-    }
-    const zel::Mutex::ScopedLock lock(valuesMutex);
-    return answerWith(values->find(key), key, value);
+    return table->getValue(key, value);
 }
 
 bool InMemoryConfigStore::storeValue(const std::wstring& key, const std::wstring& value) {
-    const zel::Mutex::ScopedLock lock(valuesMutex);
-    values->store(key, value);
-    return true;
+    return table->storeValue(key, value);
 }
 
 std::vector<std::wstring> InMemoryConfigStore::getKeys() {
-    const zel::Mutex::ScopedLock lock(valuesMutex);
-    return values->getKeys();
-}
-
-KeyList InMemoryConfigStore::listKeys() {
-    const zel::Mutex::ScopedLock lock(valuesMutex);
-    return values->listKeys();
+    return table->getKeys();
 }
 
 bool InMemoryConfigStore::removeValue(const std::wstring& key) {
-    const zel::Mutex::ScopedLock lock(valuesMutex);
-    return values->remove(key);
+    return table->removeValue(key);
 }
 
 void InMemoryConfigStore::removeAllValues() {
-    const zel::Mutex::ScopedLock lock(valuesMutex);
-    values->clear();
+    table->removeAllValues();
 }
 
 void InMemoryConfigStore::persistValues() {

@@ -1,14 +1,13 @@
 #include "LocalFileConfigStoreLogger.h"
 #include "LocalFileDocument.h"
-#include "StoreAnswer.h"
+#include "StoreTable.h"
 #include "featuresets/adapters/config/xml/XmlReader.h"
 #include "secure/SecureBuffer.h"
 #include "secure/SecureString.h"
 #include "secure/StackWiper.h"
 #include "services/impl/ConfigFileCacheTimer.h"
 #include "services/impl/ConfigFileCacheTimerCallBack.h"
-#include "table/ConfigTable.h"
-#include "table/PersistedCopy.h"
+#include "table/WipedValues.h"
 
 #include <kyr/FileUtils.h>
 #include <kyr/FstreamUtils.h>
@@ -18,6 +17,7 @@
 #include <ConfigKeys.h>
 #include <LocalFileConfigStore.h>
 
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <utility>
@@ -57,8 +57,9 @@ std::string readWhole(const std::string& path) {
 void quarantine(const std::string& directory, const std::string& file, const LogPlace& place) {
     const auto logError = [&place](const auto& text) { ZelLog(logger, ZelLogLevel::Error, place, text); };
     const std::string quarantineName = file.substr(0, file.rfind('.')) + "-backup.xml";
-    logError(std::string(invalidSyntax) + "\nrenaming invalid file to: " + quarantineName +
-             " and creating new blank XML document");
+    std::string text(invalidSyntax);
+    text.append("\nrenaming invalid file to: ").append(quarantineName).append(" and creating new blank XML document");
+    logError(text);
     const std::string content = readWhole(directory + file);
     logError("contents of invalid xml with string length: " + std::to_string(content.size()) + "\n" + content);
     const std::string target = directory + quarantineName;
@@ -97,8 +98,7 @@ LocalFileConfigStore::LocalFileConfigStore(std::string storeName, int storePrior
       priority(storePriority),
       local(isLocalStore),
       readOnly(isReadOnlyStore),
-      values(std::make_unique<ConfigTable>()),
-      lastPersistedValues(std::make_unique<PersistedCopy>()),
+      table(std::make_unique<StoreTable>(StoreTable::Rule::AnswersAll)),
       configDirectory(directory.empty() ? std::move(directory) : directory + FileUtils::FileSeparator()),
       fileName(std::move(file)),
       backupFileName(toBackupName(fileName)) {
@@ -110,63 +110,41 @@ LocalFileConfigStore::LocalFileConfigStore(std::string storeName, int storePrior
       priority(storePriority),
       local(isLocalStore),
       readOnly(false),
-      values(std::make_unique<ConfigTable>()),
-      lastPersistedValues(std::make_unique<PersistedCopy>()),
+      table(std::make_unique<StoreTable>(StoreTable::Rule::AnswersAll)),
       configDirectory(FileUtils::getConfigDirectory() + FileUtils::FileSeparator()),
       fileName(ConfigKeys::localConfigFile),
       backupFileName(ConfigKeys::localConfigBackupFile) {
     readFromEncryptedFile();
 }
 
-LocalFileConfigStore::~LocalFileConfigStore() = default;
-
-bool LocalFileConfigStore::getValue(const std::wstring& key, std::wstring& value) {
-    return lookUp(FoldedKey(key), value);
+LocalFileConfigStore::~LocalFileConfigStore() {
+    wipeValues(lastPersistedValues);
 }
 
-bool LocalFileConfigStore::lookUp(const FoldedKey& key, std::wstring& value) {
-    if (!values->mayHold(key)) {
-        return answerWith(std::nullopt, key, value);
-    }
-    const zel::Mutex::ScopedLock lock(valuesMutex);
-    return answerWith(values->find(key), key, value);
+bool LocalFileConfigStore::getValue(const std::wstring& key, std::wstring& value) {
+    return table->getValue(key, value);
 }
 
 bool LocalFileConfigStore::storeValue(const std::wstring& key, const std::wstring& value) {
-    const zel::Mutex::ScopedLock lock(valuesMutex);
-    lastPersistedValues->noteStored(values->store(LocalFileDocument::migrateKey(key), value));
-    return true;
+    return table->storeValue(LocalFileDocument::migrateKey(key), value);
 }
 
 std::vector<std::wstring> LocalFileConfigStore::getKeys() {
-    const zel::Mutex::ScopedLock lock(valuesMutex);
-    return values->getKeys();
-}
-
-KeyList LocalFileConfigStore::listKeys() {
-    const zel::Mutex::ScopedLock lock(valuesMutex);
-    return values->listKeys();
+    return table->getKeys();
 }
 
 bool LocalFileConfigStore::removeValue(const std::wstring& key) {
-    const zel::Mutex::ScopedLock lock(valuesMutex);
-    if (!values->remove(key)) {
-        return false;
-    }
-    lastPersistedValues->noteRemoval();
-    return true;
+    return table->removeValue(key);
 }
 
 void LocalFileConfigStore::removeAllValues() {
     // Waits for a write in progress, because a reset deletes the files next.
     const zel::Mutex::ScopedLock fileLock(fileMutex);
-    const zel::Mutex::ScopedLock valuesLock(valuesMutex);
-    lastPersistedValues->noteRemoval();
-    values->clear();
+    table->removeAllValues();
 }
 
 void LocalFileConfigStore::destroy() {
-    const zel::Mutex::ScopedLock lock(valuesMutex);
+    const auto values = table->lock();
     destroyed = true;
 }
 
@@ -181,7 +159,7 @@ void LocalFileConfigStore::setInterval(int milliseconds) {
 bool LocalFileConfigStore::readFromEncryptedFile() {
     const zel::StackWiper wiper;
     const zel::Mutex::ScopedLock fileLock(fileMutex);
-    const zel::Mutex::ScopedLock valuesLock(valuesMutex);
+    const auto values = table->lock();
     zel::SecureString content;
     if (!readProtectedText(content)) {
         ZelLog(logger, ZelLogLevel::Error, ZEL_HERE,
@@ -192,7 +170,7 @@ bool LocalFileConfigStore::readFromEncryptedFile() {
     content.decrypt(clear);
     std::string text(clear.getData(), clear.getLength());
     if (const XmlDocument document = XmlReader::parseDoc(text)) {
-        take(readTable(name, document));
+        values->replace(readTable(name, document));
     } else {
         ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, invalidSyntax);
     }
@@ -211,7 +189,7 @@ bool LocalFileConfigStore::hasBackup() const {
 
 bool LocalFileConfigStore::readFromFile() {
     const zel::Mutex::ScopedLock fileLock(fileMutex);
-    const zel::Mutex::ScopedLock valuesLock(valuesMutex);
+    const auto values = table->lock();
     const std::string path = configDirectory + fileName;
     if (!FileUtils::fileExists(path)) {
         ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE,
@@ -219,16 +197,11 @@ bool LocalFileConfigStore::readFromFile() {
         return false;
     }
     if (const XmlDocument document = XmlReader::readFile(path)) {
-        take(readTable(name, document));
+        values->replace(readTable(name, document));
     } else {
         quarantine(configDirectory, fileName, {ZEL_HERE});
     }
     return true;
-}
-
-void LocalFileConfigStore::take(ConfigMap read) {
-    lastPersistedValues->noteRemoval();
-    values->replace(std::move(read));
 }
 
 void LocalFileConfigStore::createConfigDirectory() {
@@ -244,8 +217,10 @@ void LocalFileConfigStore::createConfigDirectory() {
 
 void LocalFileConfigStore::persistValues() {
     {
-        const zel::Mutex::ScopedLock lock(valuesMutex);
-        if (lastPersistedValues->equals(*values)) {
+        const auto values = table->lock();
+        if (std::ranges::equal(lastPersistedValues, values->list(), [](const auto& persisted, const auto& entry) {
+                return persisted.first == entry->getKey() && persisted.second == entry->getValue();
+            })) {
             if (ZelLog_isDebugEnabled(logger)) {
                 ZelLog(logger, ZelLogLevel::Debug, ZEL_HERE, "Same content has been saved.");
             }
@@ -272,10 +247,14 @@ void LocalFileConfigStore::persistValuesImpl(const std::string& target) {
     }
     zel::SecureString content;
     {
-        const zel::Mutex::ScopedLock lock(valuesMutex);
+        const auto values = table->lock();
         getDataString(content);
         if (target == fileName) {
-            lastPersistedValues->bringUpToDate(*values);
+            wipeValues(lastPersistedValues);
+            lastPersistedValues.clear();
+            for (const auto& entry : values->list()) {
+                lastPersistedValues.emplace_hint(lastPersistedValues.end(), entry->getKey(), entry->getValue());
+            }
         }
     }
     // The facility rejects empty content. This protects the file of a store that must not write.
@@ -294,7 +273,7 @@ bool LocalFileConfigStore::checkIfGoodToWrite(const std::string& target, bool ch
 }
 
 void LocalFileConfigStore::getDataString(zel::SecureString& content) {
-    const zel::Mutex::ScopedLock lock(valuesMutex);
+    const auto values = table->lock();
     if (readOnly || destroyed) {
         return;
     }

@@ -1,8 +1,7 @@
 #include "RegistryKeyHandle.h"
 #include "RegistryTreeReader.h"
-#include "StoreAnswer.h"
+#include "StoreTable.h"
 #include "secure/FilePermissions.h"
-#include "table/ConfigTable.h"
 
 #include <kyr/FileUtils.h>
 #include <kyr/StringUtils.h>
@@ -40,13 +39,13 @@ std::wstring_view shownValue(const ConfigEntry& entry) {
 }
 
 /// Writes `text` into the buffer after its first `length` characters, truncated to the size of the buffer.
-void place(RegistryConfigStore::PathBuffer& buffer, std::size_t length, std::wstring_view text) {
-    const auto room = RegistryConfigStore::pathBufferSize - 1 - length;
-    const auto end = std::ranges::copy(text.substr(0, room), buffer + length).out;
+void writeAt(RegistryConfigStore::PathBuffer& buffer, std::size_t length, std::wstring_view text) {
+    const auto capacity = RegistryConfigStore::pathBufferSize - 1 - length;
+    const auto end = std::ranges::copy(text.substr(0, capacity), buffer + length).out;
     *end = L'\0';
 }
 
-std::size_t lengthOf(const RegistryConfigStore::PathBuffer& buffer) {
+std::size_t textLength(const RegistryConfigStore::PathBuffer& buffer) {
     return static_cast<std::size_t>(std::ranges::find(buffer, L'\0') - buffer);
 }
 
@@ -54,14 +53,14 @@ std::size_t lengthOf(const RegistryConfigStore::PathBuffer& buffer) {
 
 RegistryConfigStore::RegistryConfigStore(std::shared_ptr<UnifiedFactory> factory, std::string storeName,
                                          int storePriority, std::string subkey)
-    : values(std::make_unique<ConfigTable>()),
+    : table(std::make_unique<StoreTable>(StoreTable::Rule::WithholdsCertificateValidation)),
       priority(storePriority),
       name(std::move(storeName)),
       unifiedFactory(std::move(factory)) {
     const auto registry = getRegistry();
     ConfigMap read;
     RegistryTreeReader(*registry, read).read(std::wstring(softwareKey) + KyrCoreUtils::toWideString(subkey));
-    values->replace(std::move(read));
+    table->replace(std::move(read));
     markSensitiveKeys();
     logConfigMap();
     writeTextCopy();
@@ -70,11 +69,7 @@ RegistryConfigStore::RegistryConfigStore(std::shared_ptr<UnifiedFactory> factory
 RegistryConfigStore::~RegistryConfigStore() = default;
 
 bool RegistryConfigStore::getValue(const std::wstring& key, std::wstring& value) {
-    return lookUp(FoldedKey(key), value);
-}
-
-bool RegistryConfigStore::lookUp(const FoldedKey& key, std::wstring& value) {
-    return answerUnlessWithheld(values->find(key), key, value);
+    return table->getValue(key, value);
 }
 
 bool RegistryConfigStore::storeValue(const std::wstring&, const std::wstring&) {
@@ -82,11 +77,7 @@ bool RegistryConfigStore::storeValue(const std::wstring&, const std::wstring&) {
 }
 
 std::vector<std::wstring> RegistryConfigStore::getKeys() {
-    return values->getKeys();
-}
-
-KeyList RegistryConfigStore::listKeys() {
-    return values->listKeys();
+    return table->getKeys();
 }
 
 bool RegistryConfigStore::removeValue(const std::wstring&) {
@@ -99,7 +90,7 @@ void RegistryConfigStore::markSensitiveKeys() const {
     if (!featureSet) {
         return;
     }
-    for (const auto& key : values->getKeys()) {
+    for (const auto& key : table->getKeys()) {
         if (isPasswordLike(key)) {
             featureSet->setKeySensitive(key);
         }
@@ -107,6 +98,7 @@ void RegistryConfigStore::markSensitiveKeys() const {
 }
 
 void RegistryConfigStore::logConfigMap() const {
+    const auto values = table->lock();
     if (values->isEmpty()) {
         return;
     }
@@ -123,6 +115,7 @@ void RegistryConfigStore::writeTextCopy() const {
         return;
     }
     const auto path = directory + FileUtils::FileSeparator() + std::string(ConfigKeys::registryConfigStore) + ".txt";
+    const auto values = table->lock();
     FileUtils::removeFile(path); // also a dangling link, which does not count as an existing file
     if (values->isEmpty()) {
         return;
@@ -136,7 +129,7 @@ void RegistryConfigStore::writeTextCopy() const {
 
 void RegistryConfigStore::removeRegistrySettings() {
     PathBuffer path{};
-    place(path, 0, std::wstring(softwareKey) + KyrCoreUtils::toWideString(ConfigKeys::policyRegistryPath));
+    writeAt(path, 0, std::wstring(softwareKey) + KyrCoreUtils::toWideString(ConfigKeys::policyRegistryPath));
     regDelnodeRecurse(HKEY_CURRENT_USER, path);
 }
 
@@ -165,20 +158,20 @@ bool RegistryConfigStore::regDelnodeRecurse(HKEY root, PathBuffer& subkey) {
 }
 
 void RegistryConfigStore::deleteSubkeys(Registry& registry, HKEY root, HKEY key, PathBuffer& subkey) {
-    const auto ownLength = lengthOf(subkey);
+    const auto ownLength = textLength(subkey);
     if (ownLength > 0 && subkey[ownLength - 1] != L'\\') {
-        place(subkey, ownLength, L"\\");
+        writeAt(subkey, ownLength, L"\\");
     }
-    const auto prefixLength = lengthOf(subkey);
+    const auto prefixLength = textLength(subkey);
     std::array<wchar_t, 260> name{};
     auto nameLength = static_cast<std::uint32_t>(name.size());
     std::wstring previous;
     while (registry.RegEnumKeyExW(key, 0, name, nameLength) == RegistryResult::Success) {
         std::wstring child(name.data(), nameLength);
-        place(subkey, prefixLength, child);
+        writeAt(subkey, prefixLength, child);
         // If the buffer has no space for the name, the path would be that of this key. A key whose path was truncated
         // counts as deleted although it still exists, so a repeated name ends the loop.
-        if (lengthOf(subkey) == prefixLength || child == previous || !regDelnodeRecurse(root, subkey)) {
+        if (textLength(subkey) == prefixLength || child == previous || !regDelnodeRecurse(root, subkey)) {
             break;
         }
         previous = std::move(child);

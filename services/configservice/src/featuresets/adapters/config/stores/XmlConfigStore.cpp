@@ -1,6 +1,5 @@
-#include "StoreAnswer.h"
+#include "StoreTable.h"
 #include "featuresets/adapters/config/xml/XmlConfigParser.h"
-#include "table/ConfigTable.h"
 
 #include <XmlConfigStore.h>
 
@@ -10,7 +9,7 @@ namespace ZelUnified {
 
 XmlConfigStore::XmlConfigStore(std::string storeName, int storePriority, bool isLocalStorage, bool encrypted,
                                std::string file, bool readNow)
-    : values(std::make_unique<ConfigTable>()),
+    : table(std::make_unique<StoreTable>(StoreTable::Rule::WithholdsCertificateValidation)),
       filePath(std::move(file)),
       isLocalStore(isLocalStorage),
       priority(storePriority),
@@ -20,47 +19,30 @@ XmlConfigStore::XmlConfigStore(std::string storeName, int storePriority, bool is
     }
     ConfigKeySet unused;
     if (encrypted) {
-        XmlConfigParser::readFromEncryptedFile(filePath, *values, unused);
+        XmlConfigParser::readFromEncryptedFile(filePath, *table->lock(), unused);
         return;
     }
     ConfigMap read;
     XmlConfigParser::readFromFile(filePath, read, unused);
-    values->replace(std::move(read));
+    table->replace(std::move(read));
 }
 
 XmlConfigStore::~XmlConfigStore() = default;
 
 bool XmlConfigStore::getValue(const std::wstring& key, std::wstring& value) {
-    return lookUp(FoldedKey(key), value);
-}
-
-bool XmlConfigStore::lookUp(const FoldedKey& key, std::wstring& value) {
-    if (!values->mayHold(key)) {
-        return answerWith(std::nullopt, key, value);
-    }
-    const zel::Mutex::ScopedLock lock(valuesLock);
-    return answerUnlessWithheld(values->find(key), key, value);
+    return table->getValue(key, value);
 }
 
 bool XmlConfigStore::storeValue(const std::wstring& key, const std::wstring& value) {
-    const zel::Mutex::ScopedLock lock(valuesLock);
-    values->store(key, value);
-    return true;
+    return table->storeValue(key, value);
 }
 
 std::vector<std::wstring> XmlConfigStore::getKeys() {
-    const zel::Mutex::ScopedLock lock(valuesLock);
-    return values->getKeys();
-}
-
-KeyList XmlConfigStore::listKeys() {
-    const zel::Mutex::ScopedLock lock(valuesLock);
-    return values->listKeys();
+    return table->getKeys();
 }
 
 bool XmlConfigStore::removeValue(const std::wstring& key) {
-    const zel::Mutex::ScopedLock lock(valuesLock);
-    return values->remove(key);
+    return table->removeValue(key);
 }
 
 } // namespace ZelUnified

@@ -68,11 +68,5 @@ TEST(ChainLink, ListsTheKeysAsTheStoreDoes) {
     EXPECT_EQ(keys[0], L"mine");
 }
 
-TEST(ChainLink, KnowsTheStoresOfTheLibrary) {
-    EXPECT_TRUE(ChainLink(std::make_shared<InMemoryConfigStore>("Own", 1)).isIndexed());
-    EXPECT_FALSE(ChainLink(makeReadOnlyStore("Foreign", 1)).isIndexed());
-    EXPECT_FALSE(ChainLink(std::make_shared<BoastfulStore>()).isIndexed());
-}
-
 } // namespace
 } // namespace ZelUnified

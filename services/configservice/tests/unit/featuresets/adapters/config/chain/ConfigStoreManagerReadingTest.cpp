@@ -43,8 +43,8 @@ std::shared_ptr<ConfigStore> makeStore(int priority, const Source& source, const
     return store;
 }
 
-/// Returns the announcements of the key while such stores arrive, the last one first. An empty store of another service
-/// after them makes two walks necessary.
+/// Returns the announcements of the key while such stores arrive, the last one first. With `endsInForeignStore` the
+/// chain ends in an empty store of another service.
 std::vector<std::string> announced(const Sources& sources, const std::wstring& key, bool endsInForeignStore) {
     const auto factory = std::make_shared<testing_host::RecordingFactory>();
     ConfigStoreManager manager(factory);
@@ -64,7 +64,7 @@ class ConfigStoreManagerReading : public testing::Test {
 protected:
     ~ConfigStoreManagerReading() override { zel::common::FipsUtils::overrideFipsMode(std::nullopt); }
 
-    static void expectOneWalkToTellWhatTwoDo(const std::wstring& key) {
+    static void expectNoDifferenceWithAForeignStore(const std::wstring& key) {
         const auto sources = allSources();
         for (const auto& first : sources) {
             for (const auto& second : sources) {
@@ -77,21 +77,21 @@ protected:
     }
 };
 
-TEST_F(ConfigStoreManagerReading, TellsTheSameInOneWalkAsInTwo) {
-    expectOneWalkToTellWhatTwoDo(L"key");
+TEST_F(ConfigStoreManagerReading, AnnouncesTheSameBeforeAForeignStore) {
+    expectNoDifferenceWithAForeignStore(L"key");
 }
 
-TEST_F(ConfigStoreManagerReading, TellsTheSameOfAKeyWithAnOldName) {
-    expectOneWalkToTellWhatTwoDo(L"TFTPPrimaryServer");
-    expectOneWalkToTellWhatTwoDo(L"TftpServer1");
+TEST_F(ConfigStoreManagerReading, AnnouncesAKeyWithAnOldNameTheSameBeforeAForeignStore) {
+    expectNoDifferenceWithAForeignStore(L"TFTPPrimaryServer");
+    expectNoDifferenceWithAForeignStore(L"TftpServer1");
 }
 
-TEST_F(ConfigStoreManagerReading, TellsTheSameOfTheKeyThatFipsModeOverrides) {
+TEST_F(ConfigStoreManagerReading, AnnouncesTheKeyThatFipsModeOverridesTheSameBeforeAForeignStore) {
     zel::common::FipsUtils::overrideFipsMode(true);
-    expectOneWalkToTellWhatTwoDo(L"Telephony_P2P_Enabled");
+    expectNoDifferenceWithAForeignStore(L"Telephony_P2P_Enabled");
 }
 
-TEST_F(ConfigStoreManagerReading, LogsTheSameInOneWalkAsInTwo) {
+TEST_F(ConfigStoreManagerReading, LogsTheSameBeforeAForeignStore) {
     const Sources chain{Source{false, L"john@example.com"}, Source{true, L""}, Source{true, std::nullopt}};
     const auto logged = [&chain](bool endsInForeignStore) {
         const testing_host::LogRecorder log(testing_host::LogRecorder::Debug::On);
@@ -112,7 +112,7 @@ TEST_F(ConfigStoreManagerReading, LogsTheSameInOneWalkAsInTwo) {
     EXPECT_EQ(logged(false), logged(true));
 }
 
-TEST_F(ConfigStoreManagerReading, AsksAStoreOfAnotherServiceForEachReading) {
+TEST_F(ConfigStoreManagerReading, CallsAStoreOfAnotherServiceForEachReading) {
     const auto factory = std::make_shared<testing_host::RecordingFactory>();
     ConfigStoreManager manager(factory);
     const auto foreign = makeReadOnlyStore("Foreign", 100, {{L"k", L"v"}});

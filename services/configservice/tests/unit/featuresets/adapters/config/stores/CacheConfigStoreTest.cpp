@@ -1,5 +1,6 @@
 #include "ConfigStoreConformance.h"
 #include "LocalFileTestSupport.h"
+#include "featuresets/adapters/config/stores/StoreTable.h"
 #include "featuresets/adapters/config/xml/XmlTestSupport.h"
 
 #include <CacheConfigStore.h>
@@ -20,23 +21,25 @@ using ZelUnified::ConfigMap;
 
 namespace {
 
-/// Returns the private lock of this name. Without it a test could only see that it is held by waiting for it.
+/// Return the private members. Without them a test could only see that the lock is held by waiting for it.
+zel::Mutex& tableLockOf(ZelUnified::StoreTable& table);
 std::recursive_mutex& platformLockOf(zel::Mutex& mutex);
 
-template <auto lock>
-struct PrivateMember {
-    friend std::recursive_mutex& platformLockOf(zel::Mutex& mutex) { return *(mutex.*lock); }
+template <auto tableLock, auto platformLock>
+struct PrivateMembers {
+    friend zel::Mutex& tableLockOf(ZelUnified::StoreTable& table) { return table.*tableLock; }
+    friend std::recursive_mutex& platformLockOf(zel::Mutex& mutex) { return *(mutex.*platformLock); }
 };
 
 // Explicit instantiation may name private members.
-template struct PrivateMember<&zel::Mutex::platformLock>;
+template struct PrivateMembers<&ZelUnified::StoreTable::tableLock, &zel::Mutex::platformLock>;
 
 class OpenCacheConfigStore final : public CacheConfigStore {
 public:
     using CacheConfigStore::CacheConfigStore;
     /// Returns true if another thread holds the lock that every reader of a held key acquires.
     bool isLockedElsewhere() {
-        const std::unique_lock lock(platformLockOf(valuesLock), std::try_to_lock);
+        const std::unique_lock lock(platformLockOf(tableLockOf(*table)), std::try_to_lock);
         return !lock.owns_lock();
     }
 };

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "CommandGrammar.h"
+#include "Session.h"
+
+namespace lumora_config {
+
+/// Prints the catalogue's keys that match `command`. Needs no host. Throws Failure (NotFound) if there are none.
+void showKnownKeys(const Command& command, Printer& printer);
+
+/// Prints "did you mean ..." if no store and no catalogue contains the key and a known key is close to it.
+void suggestKeys(Session& session, const std::string& key);
+
+/// Throws Failure (NotFound) if the kind of the key excludes the value. Never quotes the value, which may be a secret.
+void requirePermitted(const std::string& key, const std::string& value);
+
+} // namespace lumora_config

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace CLI {
+class App;
+class ParseError;
+} // namespace CLI
+
+namespace lumora_config {
+
+/// Returns the message for a command line that `grammar` has refused with `error`. Names the word that the grammar does
+/// not know, and the closest commands or options that it knows.
+std::string describeUsage(const CLI::App& grammar, const CLI::ParseError& error);
+
+/// Returns the help of a command, or of the whole grammar if `command` is empty. Throws Failure (Usage) for an unknown
+/// command.
+std::string getHelp(const CLI::App& grammar, const std::string& command);
+
+/// Returns "; did you mean 'a', 'b' or 'c'?" for the candidates closest to the word, or an empty text.
+std::string suggest(const std::string& word, const std::vector<std::string>& candidates);
+
+} // namespace lumora_config
