@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace zel::registry {
 
@@ -26,6 +27,10 @@ LUMORA_HOST_API std::string getUserRegistryFolder();
 
 /// Returns the administrator's folder; "" on a platform that has a registry.
 LUMORA_HOST_API std::string getAdministratorRegistryFolder();
+
+/// Returns the files of the platform's registry that contain `root`, in the order in which they are applied. Returns an
+/// empty list on a platform whose registry does not consist of files.
+LUMORA_HOST_API std::vector<std::string> findRegistryFiles(HKEY root);
 
 /// Returns a registry over these folders. Files are read in the order of their names; a later file overrides an earlier
 /// one. The files are checked for changes when a key is opened or deleted while no other key is open, so a traversal of

@@ -33,9 +33,6 @@ struct RegistryTextSection {
 struct RegistryTextRefusal {
     std::size_t line = 0;
     std::string reason;
-    /// True if the file is malformed here; a reader of policies stops at this line. False if the line is well-formed,
-    /// but does not apply to this registry.
-    bool fault = false;
 };
 
 struct RegistryText {
@@ -43,14 +40,17 @@ struct RegistryText {
     std::vector<RegistryTextRefusal> refusals; ///< Sorted by line.
 };
 
-/// Says whether the parser reads the rest of a file after a fault.
-enum class AfterFault { Stop, GoOn };
+/// The limits of a value, in characters and in bytes of data. The client reads values into buffers of this size and
+/// ignores all values after one that does not fit, so the parser rejects such a value.
+inline constexpr std::size_t longestRegistryValueName = 259;
+inline constexpr std::size_t longestRegistryValueData = 4096;
 
 /// Parses "Windows Registry Editor Version 5.00" or "REGEDIT4" text: UTF-16LE with a byte order mark, or UTF-8 with or
-/// without one, lines terminated by LF or CR LF. Returns the sections below `root`; sections of other roots become
-/// refusals without fault. Time and memory grow linearly with the size of the text. No malformed input makes the call
-/// fail.
-LUMORA_HOST_API RegistryText parseRegistryText(std::string_view bytes, HKEY root, AfterFault afterFault);
+/// without one, lines terminated by LF or CR LF. Returns the sections below `root` and every rejected line. A rejected
+/// line does not end the reading, but without the header in line 1 nothing else is read. If a line that names a key is
+/// rejected, because it is malformed or names another root, so are the values up to the next valid key. Time and memory
+/// grow linearly with the size of the text. No malformed input makes the call fail.
+LUMORA_HOST_API RegistryText parseRegistryText(std::string_view bytes, HKEY root);
 
 /// Returns the sections as a file of version 5.00 in UTF-8 that parseRegistryText() accepts completely.
 LUMORA_HOST_API std::string formatRegistryText(std::span<const RegistryTextSection> sections);

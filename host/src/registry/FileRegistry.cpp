@@ -14,24 +14,32 @@ ZelLogger& logger = ZelLogger_getLogger("Host-Registry");
 
 constexpr std::wstring_view mailClients = L"SOFTWARE\\Clients\\Mail";
 
-void warn(const std::string& path, std::size_t line, const std::string& reason) {
-    ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE,
-           "Registry file " + path + ", line " + std::to_string(line) + ": " + reason +
-               "; the rest of the file is not read");
+// A file that is no policy file at all must not fill the log.
+constexpr std::size_t loggedRefusals = 50;
+
+void warn(const std::string& text) {
+    ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE, "Registry file " + text);
 }
 
-/// Returns the sections before the first fault.
+void logRefusals(const std::string& path, const std::vector<RegistryTextRefusal>& refusals) {
+    const auto logged = std::min(refusals.size(), loggedRefusals);
+    for (std::size_t i = 0; i < logged; ++i) {
+        warn(path + ":" + std::to_string(refusals[i].line) + ": refused: " + refusals[i].reason);
+    }
+    if (logged < refusals.size()) {
+        warn(path + ": " + std::to_string(refusals.size() - logged) + " further lines are refused");
+    }
+}
+
+/// Returns the accepted sections. Logs each rejected line.
 std::vector<RegistryTextSection> readSections(const std::string& path, HKEY root) {
     const auto bytes = readRegistryFile(path);
     if (!bytes) {
-        warn(path, 1, "the file can't be read");
+        warn(path + ": the file can't be read");
         return {};
     }
-    auto text = parseRegistryText(*bytes, root, AfterFault::Stop);
-    const auto fault = std::ranges::find_if(text.refusals, &RegistryTextRefusal::fault);
-    if (fault != text.refusals.end()) {
-        warn(path, fault->line, fault->reason);
-    }
+    auto text = parseRegistryText(*bytes, root);
+    logRefusals(path, text.refusals);
     return std::move(text.sections);
 }
 
@@ -180,7 +188,7 @@ FileRegistry::Dropped FileRegistry::dropFromFile(RegistryFile& file, const Secti
     if (!bytes) {
         return Dropped::Failed;
     }
-    auto sections = parseRegistryText(*bytes, HKEY_CURRENT_USER, AfterFault::GoOn).sections;
+    auto sections = parseRegistryText(*bytes, HKEY_CURRENT_USER).sections;
     std::erase_if(sections, std::not_fn(isDropped));
     if (sections.empty()) {
         return Dropped::Nothing;

@@ -16,6 +16,25 @@ std::string getUserRegistryFolder() {
     return data.empty() ? data : data + KyrCoreUtils::FileUtils::FileSeparator() + "registry";
 }
 
+std::vector<std::string> findRegistryFiles(HKEY root) {
+    std::vector<std::string> paths;
+    const auto add = [&](const std::string& folder) {
+        for (auto& file : listRegistryFiles(folder)) {
+            paths.push_back(std::move(file.path));
+        }
+    };
+    const auto administrator = getAdministratorRegistryFolder();
+    if (administrator.empty()) {
+        return paths;
+    }
+    const bool isUsers = root == HKEY_CURRENT_USER;
+    add(administrator + (isUsers ? "/HKEY_CURRENT_USER" : "/HKEY_LOCAL_MACHINE"));
+    if (const auto user = getUserRegistryFolder(); isUsers && !user.empty()) {
+        add(user);
+    }
+    return paths;
+}
+
 std::shared_ptr<Registry> makeFileRegistry(RegistryFolders folders, DefaultMailClient defaultMailClient,
                                            zel::storage::FileLayer& files) {
     return std::make_shared<FileRegistry>(std::move(folders), std::move(defaultMailClient), files);

@@ -68,8 +68,8 @@ std::string formatEntry(const RegistryTextEntry& entry) {
 
 } // namespace
 
-RegistryText parseRegistryText(std::string_view bytes, HKEY root, AfterFault afterFault) {
-    return RegistryTextParser(bytes, root, afterFault).run();
+RegistryText parseRegistryText(std::string_view bytes, HKEY root) {
+    return RegistryTextParser(bytes, root).run();
 }
 
 std::string formatRegistryText(std::span<const RegistryTextSection> sections) {

@@ -39,6 +39,20 @@ std::size_t findClosingBracket(std::wstring_view text) {
     return std::wstring_view::npos;
 }
 
+/// Returns true for a line that was meant to name a key: it begins with the name of a root, or contains a path that
+/// ends with a bracket.
+bool looksLikeKey(std::wstring_view text) {
+    const auto nameStart = text.find_first_not_of(L"-([{<\\/ \t");
+    const auto name = text.substr(std::min(nameStart, text.size()));
+    const auto root = name.substr(0, name.find_first_of(L"\\/"));
+    return rootOf(root) != HKEY{} || KyrCoreUtils::toLowercase(std::wstring(root)).starts_with(L"hkey_") ||
+           (text.ends_with(L']') && text.find(L'\\') != std::wstring_view::npos);
+}
+
+bool isTooLong(const RegistryValue& value) {
+    return value.name.size() > longestRegistryValueName || value.data.size() > longestRegistryValueData;
+}
+
 bool isWithinLimits(std::wstring_view path) {
     if (std::ranges::count(path, L'\\') >= maximumDepth) {
         return false;
@@ -55,13 +69,12 @@ bool isWithinLimits(std::wstring_view path) {
 
 } // namespace
 
-RegistryTextParser::RegistryTextParser(std::string_view bytes, HKEY wantedRoot, AfterFault whatAfterFault)
-    : lines(bytes), root(wantedRoot), afterFault(whatAfterFault) {}
+RegistryTextParser::RegistryTextParser(std::string_view bytes, HKEY wantedRoot) : lines(bytes), root(wantedRoot) {}
 
 RegistryText RegistryTextParser::run() {
     if (readHeader()) {
         std::size_t line = 1;
-        while (line < lines.getCount() && !stopped) {
+        while (line < lines.getCount()) {
             line = readLine(line);
         }
         closeSection(lines.getCount());
@@ -75,7 +88,7 @@ bool RegistryTextParser::readHeader() {
     if (narrowText || header == L"Windows Registry Editor Version 5.00") {
         return true;
     }
-    fault(0, "no exported registry file");
+    refuse(0, "no exported registry file");
     return false;
 }
 
@@ -89,35 +102,35 @@ std::size_t RegistryTextParser::readLine(std::size_t line) {
     }
     if (text.front() == L'[') {
         readSection(line, text);
+    } else if (looksLikeKey(text)) {
+        refuseKey(line, "the key does not begin with a bracket");
     } else {
-        fault(line, "neither a key nor a value nor a comment");
+        refuse(line, "neither a key nor a value nor a comment");
     }
     return line + 1;
 }
 
 void RegistryTextParser::readSection(std::size_t line, std::wstring_view text) {
-    closeSection(line);
-    place = Place::RefusedKey;
     const auto end = findClosingBracket(text);
     if (end == std::wstring_view::npos) {
-        return fault(line, "the key has no closing bracket");
+        return refuseKey(line, "the key has no closing bracket");
     }
     auto name = text.substr(1, end - 1);
     if (name.find(L'\0') != std::wstring_view::npos) {
-        return fault(line, "a zero in the name of a key");
+        return refuseKey(line, "a zero in the name of a key");
     }
     const bool deletion = name.starts_with(L'-');
     name.remove_prefix(deletion ? 1 : 0);
     const auto separator = name.find(L'\\');
     auto path = normalizeKeyPath(separator == std::wstring_view::npos ? std::wstring_view() : name.substr(separator));
     if (rootOf(name.substr(0, separator)) != root) {
-        return refuse(line, "a key of another root");
+        return refuseKey(line, "a key of another root");
     }
     if (!isWithinLimits(path)) {
-        return refuse(line, "a key that lies too deep or has too long a name");
+        return refuseKey(line, "a key that lies too deep or has too long a name");
     }
     if (deletion && path.empty()) {
-        return refuse(line, "the deletion of a whole root");
+        return refuseKey(line, "the deletion of a whole root");
     }
     openSection(line, deletion, root, std::move(path));
 }
@@ -126,19 +139,33 @@ std::size_t RegistryTextParser::readValue(std::size_t line) {
     RegistryTextValueReader reader(lines, narrowText);
     std::size_t next = line + 1;
     auto entry = reader.read(line, next);
-    if (place == Place::BeforeFirstKey) {
-        fault(line, "a value before the first key");
-    } else if (!entry) {
-        fault(line, reader.getReason());
-    } else if (place == Place::DeletedKey) {
-        refuse(line, "a value of a deleted key");
-    } else if (place == Place::Key) {
-        result.sections.back().entries.push_back(std::move(*entry));
+    if (entry) {
+        addEntry(line, std::move(*entry));
+    } else {
+        refuse(line, reader.getReason());
     }
     return next;
 }
 
+void RegistryTextParser::addEntry(std::size_t line, RegistryTextEntry entry) {
+    switch (place) {
+    case Place::BeforeFirstKey:
+        return refuse(line, "a value before the first key");
+    case Place::DeletedKey:
+        return refuse(line, "a value of a deleted key");
+    case Place::RefusedKey:
+        return refuse(line, "a value below a refused key");
+    case Place::Key:
+        break;
+    }
+    if (!entry.deletion && isTooLong(entry.value)) {
+        return refuse(line, "the name or the value is longer than the client can read");
+    }
+    result.sections.back().entries.push_back(std::move(entry));
+}
+
 void RegistryTextParser::openSection(std::size_t line, bool deletion, HKEY sectionRoot, std::wstring path) {
+    closeSection(line);
     place = deletion ? Place::DeletedKey : Place::Key;
     sectionOpen = true;
     result.sections.push_back({line + 1, line + 1, deletion, sectionRoot, std::move(path), {}});
@@ -152,12 +179,13 @@ void RegistryTextParser::closeSection(std::size_t line) {
 }
 
 void RegistryTextParser::refuse(std::size_t line, const char* reason) {
-    result.refusals.push_back({line + 1, reason, false});
+    result.refusals.push_back({line + 1, reason});
 }
 
-void RegistryTextParser::fault(std::size_t line, const char* reason) {
-    result.refusals.push_back({line + 1, reason, true});
-    stopped = afterFault == AfterFault::Stop;
+void RegistryTextParser::refuseKey(std::size_t line, const char* reason) {
+    closeSection(line);
+    place = Place::RefusedKey;
+    refuse(line, reason);
 }
 
 } // namespace zel::registry

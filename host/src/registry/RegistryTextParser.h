@@ -15,7 +15,7 @@ class RegistryTextCursor;
 /// Parses the lines of one registry text into sections.
 class RegistryTextParser {
 public:
-    RegistryTextParser(std::string_view bytes, HKEY wantedRoot, AfterFault whatAfterFault);
+    RegistryTextParser(std::string_view bytes, HKEY wantedRoot);
 
     RegistryText run();
 
@@ -30,14 +30,14 @@ private:
     std::size_t readValue(std::size_t line);
     void openSection(std::size_t line, bool deletion, HKEY root, std::wstring path);
     void closeSection(std::size_t line);
+    void addEntry(std::size_t line, RegistryTextEntry entry);
     void refuse(std::size_t line, const char* reason);
-    void fault(std::size_t line, const char* reason);
+    /// Rejects a line that names a key, and so the values up to the next key.
+    void refuseKey(std::size_t line, const char* reason);
 
     RegistryTextLines lines;
     HKEY root;
-    AfterFault afterFault;
     bool narrowText = false;
-    bool stopped = false;
     bool sectionOpen = false;
     Place place = Place::BeforeFirstKey;
     RegistryText result;

@@ -15,6 +15,7 @@ using namespace registry_reading;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::SizeIs;
 using testing_host::LogRecorder;
 using testing_host::readFile;
 using testing_host::writeFile;
@@ -90,7 +91,9 @@ TEST_F(FileRegistryTest, EachRootTakesItsOwnSectionsOnly) {
     LogRecorder log;
     EXPECT_THAT(Key(*registry, HKEY_CURRENT_USER, L"").getSubkeys(), ElementsAre(L"Right", L"Right too"));
     EXPECT_THAT(Key(*registry, HKEY_LOCAL_MACHINE, L"").getSubkeys(), ElementsAre(L"Right"));
-    EXPECT_THAT(log.getRecords(), IsEmpty());
+    EXPECT_THAT(log.getRecords(), SizeIs(3));
+    EXPECT_TRUE(
+        log.mentions((administrator / "HKEY_CURRENT_USER" / "a.reg").string() + ":3: refused: a key of another root"));
 }
 
 TEST_F(FileRegistryTest, OnlyVisibleFilesOfTheFolderItselfWithTheExtensionAreRead) {
@@ -104,18 +107,33 @@ TEST_F(FileRegistryTest, OnlyVisibleFilesOfTheFolderItselfWithTheExtensionAreRea
     EXPECT_THAT(Key(*registry, HKEY_CURRENT_USER, L"").getSubkeys(), ElementsAre(L"Upper", L"Yes"));
 }
 
-TEST_F(FileRegistryTest, ABrokenFileGivesOneWarningWithItsLineAndWhatStoodBefore) {
+TEST_F(FileRegistryTest, ARejectedLineIsLoggedAndTheOthersAreUsed) {
     writeUser("bad.reg", "[HKCU\\K]\r\n\"a\"=\"1\"\r\n\"secret\"=swordfish\r\n\"b\"=\"2\"\r\nmore rubbish\r\n");
     writeUser("good.reg", "[HKCU\\K]\r\n\"c\"=\"3\"\r\n");
     LogRecorder log;
     EXPECT_EQ(textOf(*registry, L"K", L"a"), L"1");
-    EXPECT_EQ(textOf(*registry, L"K", L"b"), std::nullopt);
+    EXPECT_EQ(textOf(*registry, L"K", L"b"), L"2");
     EXPECT_EQ(textOf(*registry, L"K", L"c"), L"3");
     const auto records = log.getRecords();
-    ASSERT_EQ(records.size(), 1U);
+    ASSERT_EQ(records.size(), 2U);
     EXPECT_EQ(records[0].level, ZelLogLevel::Warning);
-    EXPECT_THAT(records[0].text, HasSubstr((user / "bad.reg").string() + ", line 5:"));
+    EXPECT_THAT(records[0].text,
+                HasSubstr((user / "bad.reg").string() + ":5: refused: a kind of value that is not known"));
+    EXPECT_THAT(records[1].text,
+                HasSubstr((user / "bad.reg").string() + ":7: refused: neither a key nor a value nor a comment"));
     EXPECT_FALSE(log.mentions("swordfish"));
+}
+
+TEST_F(FileRegistryTest, AFileFullOfRejectedLinesDoesNotFillTheLog) {
+    std::string lines;
+    for (int i = 0; i < 1000; ++i) {
+        lines += "rubbish\r\n";
+    }
+    writeUser("bad.reg", lines);
+    LogRecorder log;
+    textOf(*registry, L"K", L"a");
+    EXPECT_THAT(log.getRecords(), SizeIs(51));
+    EXPECT_TRUE(log.mentions((user / "bad.reg").string() + ": 950 further lines are refused"));
 }
 
 TEST_F(FileRegistryTest, FilesAreReadAgainWhenOneChangesButNotUnderAnOpenKey) {

@@ -18,8 +18,7 @@ using testing_host::readFile;
 class RegistryInstallTest : public testing::Test {
 protected:
     RegistryText parse(const std::string& lines) {
-        return parseRegistryText("Windows Registry Editor Version 5.00\r\n" + lines, HKEY_CURRENT_USER,
-                                 AfterFault::GoOn);
+        return parseRegistryText("Windows Registry Editor Version 5.00\r\n" + lines, HKEY_CURRENT_USER);
     }
 
     testing_host::TemporaryProfile profile;
@@ -35,7 +34,7 @@ TEST_F(RegistryInstallTest, AnInstalledFileCountsFromTheNextOpening) {
 
 TEST_F(RegistryInstallTest, OnlyWhatWasTakenIsWrittenSoThatAllOfItCounts) {
     const auto text = parse("[HKCU\\K]\r\n\"a\"=\"1\"\r\nrubbish\r\n\"b\"=\"2\"\r\n[HKLM\\K]\r\n\"c\"=\"3\"\r\n");
-    ASSERT_EQ(text.refusals.size(), 2U);
+    ASSERT_EQ(text.refusals.size(), 3U);
     ASSERT_EQ(installRegistryText(text, "policy.reg"), 0);
     EXPECT_EQ(readFile(folder / "policy.reg"), "Windows Registry Editor Version 5.00\r\n\r\n"
                                                "[HKEY_CURRENT_USER\\K]\r\n\"a\"=\"1\"\r\n\"b\"=\"2\"\r\n");

@@ -69,9 +69,10 @@ void addWrites(CLI::App& app, Command& command, CommandScope scope) {
     addCommand(app, command, "mdm", "Apply a document of the device management")
         ->add_option("FILE", command.file, "The XML document")
         ->required();
-    addCommand(app, command, "import-policy", "Check an administrator's policy file and import it for this user")
-        ->add_option("FILE.reg", command.file, "The file, as a registry editor exports it")
-        ->required();
+    auto* import =
+        addCommand(app, command, "import-policy", "Check an administrator's policy file and import it for this user");
+    import->add_option("FILE.reg", command.file, "The file, as a registry editor exports it")->required();
+    import->add_flag("--dry-run", command.dryRun, "Only check it, and print each value that it sets");
     addCommand(app, command, "remove-store", "Remove a store and its cached copy")
         ->add_option("NAME", command.store, "The store's name")
         ->required();

@@ -29,6 +29,7 @@ struct Command {
     bool forced = false;
     bool follows = false; ///< Waits for the next client.
     bool changesRefused = false;
+    bool dryRun = false;
     bool sensitive = false;
     bool renamed = false;
     bool fromWorker = false; ///< Runs the call on a thread other than the services dispatcher's.

@@ -27,6 +27,9 @@ void get(Session& session, const Command& command) {
     if (reading) {
         reading->value = session.getMask().show(toWide(command.key), reading->value);
     }
+    if (reading && (command.origin || session.getPrinter().alwaysShowsOrigin())) {
+        session.makeOriginFinder().locate(toWide(command.key), *reading);
+    }
     session.getPrinter().showValue(toWide(command.key), reading, command.origin);
     if (!reading) {
         suggestKeys(session, command.key);
@@ -39,6 +42,7 @@ void explain(Session& session, const Command& command) {
     session.getHost().onServices("lumora-config: explain",
                                  [&] { explanation = session.getChain().explain(toWide(command.key)); });
     session.getMask().hide(explanation);
+    session.makeOriginFinder().locate(explanation);
     session.getPrinter().showExplanation(explanation);
     if (!explanation.inForce) {
         suggestKeys(session, command.key);

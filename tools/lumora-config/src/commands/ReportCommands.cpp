@@ -1,14 +1,13 @@
 #include "CommandTable.h"
 #include "host/LogLineCatcher.h"
 #include "output/ChainPage.h"
+#include "output/TimeText.h"
 
 #include <kyr/StringUtils.h>
 #include <zel/RegularFile.h>
 
 #include <cerrno>
 #include <chrono>
-#include <iomanip>
-#include <sstream>
 #include <system_error>
 
 namespace lumora_config {
@@ -35,31 +34,18 @@ void printOrWrite(Session& session, const Command& command, const std::string& p
     reportDone(session, command, (command.htmlFile.empty() ? "report" : "page") + std::string(" written to ") + path);
 }
 
-/// Returns the current time in ISO 8601, which the page converts to the reader's time zone.
-std::string getCurrentTime() {
-    using namespace std::chrono;
-    const auto now = floor<seconds>(system_clock::now());
-    const auto today = floor<days>(now);
-    const year_month_day date(today);
-    const hh_mm_ss time(now - today);
-    std::ostringstream text;
-    text << std::setfill('0') << static_cast<int>(date.year()) << '-' << std::setw(2)
-         << static_cast<unsigned>(date.month()) << '-' << std::setw(2) << static_cast<unsigned>(date.day()) << 'T'
-         << std::setw(2) << time.hours().count() << ':' << std::setw(2) << time.minutes().count() << ':' << std::setw(2)
-         << time.seconds().count() << 'Z';
-    return text.str();
-}
-
 void reportAsPage(Session& session, const Command& command) {
     ChainFindings findings;
     session.getHost().onServices("lumora-config: report", [&] {
         findings.stores = session.getChain().listStores();
         findings.keys = session.getChain().explainAll();
     });
+    auto origins = session.makeOriginFinder();
     for (auto& key : findings.keys) {
         session.getMask().hide(key);
+        origins.locate(key);
     }
-    findings.madeAt = getCurrentTime();
+    findings.madeAt = formatTime(std::chrono::system_clock::now());
     findings.showsSecrets = session.getMask().showsSecrets();
     printOrWrite(session, command, command.htmlFile, renderChainPage(findings));
 }

@@ -5,6 +5,7 @@
 #include "stores/XmlSettings.h"
 
 #include <BootstrapStoreFactory.h>
+#include <ConfigKeys.h>
 
 #include <utility>
 
@@ -38,7 +39,17 @@ std::shared_ptr<ZelUnified::ConfigStore> Session::addForeignStore(const StoreSpe
         }
     });
     addStore(store);
+    arrivals.add(store, StoreArrivals::Kind::Document, spec.file);
     return store;
+}
+
+void Session::noteArrival(const std::string& storeName, StoreArrivals::Kind kind, const std::string& file) {
+    arrivals.add(host.getFeatureSet()->getConfigStoreByName(storeName), kind, file);
+}
+
+void Session::noteInMemory(const std::wstring& key, const std::wstring& value) {
+    const std::string storeName(ZelUnified::ConfigKeys::inMemoryConfigStore);
+    arrivals.addValue(host.getFeatureSet()->getConfigStoreByName(storeName), key, value);
 }
 
 void Session::addBootstrapStore(const BootstrapSpec& spec) {
@@ -47,7 +58,9 @@ void Session::addBootstrapStore(const BootstrapSpec& spec) {
     if (factory == nullptr) {
         throw Failure(ExitCode::Environment, "the plug-in cannot create a store for " + spec.file);
     }
-    addStore(factory->createBootstrapStore(spec.file, spec.priority));
+    const auto store = factory->createBootstrapStore(spec.file, spec.priority);
+    addStore(store);
+    arrivals.add(store, StoreArrivals::Kind::Bootstrap, spec.file);
 }
 
 void Session::expectStored(const std::wstring& key, const std::wstring& value) {

@@ -3,6 +3,7 @@
 #include "KeyWatcher.h"
 #include "SecretMask.h"
 #include "disk/DiskCheck.h"
+#include "disk/OriginFinder.h"
 #include "host/ConfigHost.h"
 #include "output/Printer.h"
 #include "stores/ChainInspector.h"
@@ -34,6 +35,15 @@ public:
     /// unreadable.
     void addBootstrapStore(const BootstrapSpec& spec);
 
+    /// Adds the installer's store, which reads this file.
+    void addBootstrapStore(const std::shared_ptr<ZelUnified::ConfigStore>& store, const std::string& file);
+    /// Records that this program has just filled the store of that name.
+    void noteArrival(const std::string& storeName, StoreArrivals::Kind kind, const std::string& file = {});
+    /// Records that this program has just set a value in memory.
+    void noteInMemory(const std::wstring& key, const std::wstring& value);
+    /// Returns a finder for one question.
+    OriginFinder makeOriginFinder() const { return {host.getFeatureSet(), arrivals, host.getConfigDirectory()}; }
+
     /// Records a value that a worker has set; confirmWrites() checks that it is on the disk.
     void expectStored(const std::wstring& key, const std::wstring& value);
     /// Removes keys that have been written again since from the expected values.
@@ -57,6 +67,7 @@ private:
     Printer& printer;
     const SecretMask mask;
     const DiskCheck disk;
+    StoreArrivals arrivals;
     ZelUnified::ConfigMap expectedValues; ///< Set by workers and not checked yet.
     std::unique_ptr<ChainInspector> chain;
     std::map<std::wstring, std::shared_ptr<KeyWatcher>, ZelUnified::caseInsensitiveMapComparator> watchers;

@@ -6,7 +6,10 @@
 #include "stores/PolicyFile.h"
 
 #include <kyr/FileUtils.h>
+#include <kyr/StringUtils.h>
 #include <zel/EncryptFileUtils.h>
+
+#include <ConfigKeys.h>
 
 #include <vector>
 
@@ -16,6 +19,7 @@ using KyrCoreUtils::FileUtils;
 using zel::storage::EncryptFileUtils;
 using zel::storage::KeptFile;
 using zel::storage::ReadResult;
+namespace ConfigKeys = ZelUnified::ConfigKeys;
 
 namespace {
 
@@ -88,9 +92,51 @@ void resetData(Session& session, const Command& command) {
     reportDone(session, command, "the client's configuration is reset");
 }
 
-void importPolicy(Session& session, const Command& command) {
+/// Returns the file's values as they may be shown. The service marks such keys only when it reads the policy.
+std::vector<ImportedValue> listShownValues(Session& session, const PolicyFile& policy) {
+    auto values = policy.listValues();
+    for (auto& value : values) {
+        const bool isPassword = KyrCoreUtils::caseInsensitiveFind(value.key, ConfigKeys::connectionPassword) >= 0;
+        const bool hidden = isPassword && !session.getMask().showsSecrets();
+        value.value = hidden ? ConfigKeys::valueHidden : session.getMask().show(value.key, value.value);
+    }
+    return values;
+}
+
+/// Returns what is wrong with the file in one sentence, or "".
+std::string summarize(const PolicyImport& import) {
+    const auto refused = import.refused.size();
+    const auto ineffective = import.countIneffective();
+    std::string text = refused == 0 ? "" : std::to_string(refused) + " of its lines are refused";
+    if (ineffective != 0) {
+        text += (text.empty() ? "" : ", ") + std::to_string(ineffective) + " need attention";
+    }
+    return text;
+}
+
+void checkPolicy(Session& session, const Command& command) {
     const PolicyFile policy(command.file);
-    const auto import = policy.describe();
+    auto import = policy.describe();
+    import.dryRun = true;
+    import.values = listShownValues(session, policy);
+    session.getPrinter().showImport(import);
+    const auto trouble = summarize(import);
+    if (!trouble.empty()) {
+        throw Failure(ExitCode::NotFound, command.file + ": " + trouble + "; nothing is changed");
+    }
+    reportDone(session, command, command.file + " is valid; nothing is changed");
+}
+
+void importPolicy(Session& session, const Command& command) {
+    if (command.dryRun) {
+        checkPolicy(session, command);
+        return;
+    }
+    const PolicyFile policy(command.file);
+    auto import = policy.describe();
+    // Policies may contain keys of other services.
+    std::erase_if(import.remarks,
+                  [](const PolicyRemark& remark) { return remark.kind == PolicyRemark::Kind::UnknownKey; });
     if (!import.taken.empty()) {
         policy.install();
         DiskCheck::requireFile(policy.getInstalledPath(), policy.getInstalledText());
@@ -100,9 +146,9 @@ void importPolicy(Session& session, const Command& command) {
         throw Failure(ExitCode::NotFound, command.file + ": contains nothing for the current user; nothing is changed");
     }
     constexpr auto when = " from the next start or refresh on";
-    if (!import.refused.empty()) {
-        throw Failure(ExitCode::NotFound, command.file + ": " + std::to_string(import.refused.size()) +
-                                              " of its lines are refused; the others apply" + when);
+    const auto trouble = summarize(import);
+    if (!trouble.empty()) {
+        throw Failure(ExitCode::NotFound, command.file + ": " + trouble + "; the others apply" + when);
     }
     reportDone(session, command, command.file + " applies" + when);
 }

@@ -1,7 +1,7 @@
 #include "UsageMessage.h"
 
-#include "ClosestNames.h"
 #include "output/Failure.h"
+#include "stores/ClosestNames.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>

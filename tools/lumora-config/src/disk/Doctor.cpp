@@ -60,9 +60,15 @@ bool needsAttention(const zel::storage::ProtectedFileHealth& file) {
 }
 
 std::string describePolicy(const PolicyImport& policy) {
+    constexpr std::size_t mostMessages = 20;
     auto text = std::to_string(policy.taken.size()) + " keys";
-    for (const auto& line : policy.refused) {
-        text += ", line " + std::to_string(line.line) + " refused: " + line.reason;
+    const auto messages = policy.listMessages();
+    std::size_t count = 0;
+    for (const auto& [line, message] : messages) {
+        if (count++ == mostMessages) {
+            return text + "; and " + std::to_string(messages.size() - mostMessages) + " more";
+        }
+        text += "; line " + std::to_string(line) + ": " + message;
     }
     return text;
 }
@@ -191,7 +197,8 @@ void Doctor::examinePolicies(const std::string& folder) {
     for (const auto& path : files) {
         try {
             const auto policy = PolicyFile(path).describe();
-            addExisting("policy", path, describePolicy(policy), !policy.refused.empty(), writableByOthers);
+            addExisting("policy", path, describePolicy(policy),
+                        !policy.refused.empty() || policy.countIneffective() != 0, writableByOthers);
         } catch (const Failure& failure) {
             add("policy", path, failure.what(), true);
         }

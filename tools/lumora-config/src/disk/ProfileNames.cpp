@@ -42,8 +42,7 @@ void addDefaults(Keys& keys) {
 
 void addPolicy(Keys& keys, const std::string& path) {
     const auto policyPath = L"Software\\" + KyrCoreUtils::toWideString(std::string(ConfigKeys::policyRegistryPath));
-    const auto text = zel::registry::parseRegistryText(readWholeFile(path), zel::registry::HKEY_CURRENT_USER,
-                                                       zel::registry::AfterFault::GoOn);
+    const auto text = zel::registry::parseRegistryText(readWholeFile(path), zel::registry::HKEY_CURRENT_USER);
     for (const auto& section : text.sections) {
         if (section.deletion || !KyrCoreUtils::caseInsensitiveStringEquals(section.path, policyPath)) {
             continue;

@@ -2,6 +2,7 @@
 
 #include "SettingsOnDisk.h"
 #include "output/Failure.h"
+#include "stores/ClientPolicy.h"
 #include "stores/XmlSettings.h"
 
 #include <kyr/FileUtils.h>
@@ -93,17 +94,12 @@ bool isEmptyUserFile(const std::string& path, const std::string& configDirectory
 
 /// Returns true if the section is the key of the client's policy or below it.
 bool isClientPolicy(const zel::registry::RegistryTextSection& section) {
-    const std::wstring key = L"Software\\" + KyrCoreUtils::toWideString(ConfigKeys::policyRegistryPath);
-    const auto& path = section.path;
-    return !section.deletion && path.size() >= key.size() &&
-           caseInsensitiveStringEquals(std::wstring_view(path).substr(0, key.size()), key) &&
-           (path.size() == key.size() || path[key.size()] == L'\\');
+    return !section.deletion && isInPolicy(section.path);
 }
 
 bool containsPolicy(const std::string& path) {
     try {
-        const auto text = zel::registry::parseRegistryText(readWholeFile(path), zel::registry::HKEY_CURRENT_USER,
-                                                           zel::registry::AfterFault::Stop);
+        const auto text = zel::registry::parseRegistryText(readWholeFile(path), zel::registry::HKEY_CURRENT_USER);
         return std::ranges::any_of(text.sections, isClientPolicy);
     } catch (const Failure&) {
         return false; // an unreadable file contains no policy

@@ -83,14 +83,18 @@ SettingsOnDisk::~SettingsOnDisk() {
     }
 }
 
+ReadResult readDocument(const std::string& path, const std::function<void(std::string_view)>& use) {
+    ClearText content;
+    const auto state = zel::storage::EncryptFileUtils::readFromDisk(path, content, categoryOf(path));
+    if (state == ReadResult::Ok) {
+        content.withClearText(use);
+    }
+    return state;
+}
+
 SettingsOnDisk readSettings(const std::string& path) {
     SettingsOnDisk read;
-    ClearText content;
-    read.state = zel::storage::EncryptFileUtils::readFromDisk(path, content, categoryOf(path));
-    if (read.state != ReadResult::Ok) {
-        return read;
-    }
-    content.withClearText([&](std::string_view clear) {
+    read.state = readDocument(path, [&](std::string_view clear) {
         try {
             for (auto& setting : parseXmlSettings(clear, path)) {
                 read.values.emplace(std::move(setting.key), std::move(setting.value));

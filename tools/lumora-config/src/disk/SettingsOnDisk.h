@@ -4,7 +4,9 @@
 
 #include <ConfigMap.h>
 
+#include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace lumora_config {
@@ -23,6 +25,9 @@ struct SettingsOnDisk {
     ZelUnified::ConfigMap values;
 };
 
+/// Reads and decrypts one file from the disk, never the copy that the host holds in memory. Calls `use` with its
+/// content unless it is unreadable or empty; the content is wiped afterwards.
+zel::storage::ReadResult readDocument(const std::string& path, const std::function<void(std::string_view)>& use);
 /// Reads one file from the disk, never the copy that the host holds in memory.
 SettingsOnDisk readSettings(const std::string& path);
 /// Reads the user's settings as the next start does: from the backup if the file is unreadable.

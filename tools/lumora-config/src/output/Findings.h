@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <map>
 #include <optional>
 #include <string>
 #include <utility>
@@ -18,11 +19,22 @@ struct StoreFacts {
     std::size_t keyCount = 0;
 };
 
+/// Where a value comes from, as far as it is known: a line of a file, or how and when the value arrived.
+struct Origin {
+    std::string file;
+    std::size_t line = 0; ///< Zero if unknown. In an encrypted file, the line of the decrypted document.
+    std::string how;      ///< "pushed by device management", ... Empty for a value that was read from a file.
+    std::string when;     ///< ISO 8601, or empty.
+
+    bool isKnown() const { return !file.empty() || !how.empty(); }
+};
+
 /// A value and its store.
 struct Reading {
     std::wstring value;
     std::wstring storeName;
     bool underEarlierName = false;
+    Origin origin{};
 };
 
 /// One name of the key that a store contains, with its value.
@@ -30,6 +42,7 @@ struct Holding {
     std::wstring name;
     std::wstring value;
     bool wins = false;
+    Origin origin{};
 };
 
 struct Opinion {
@@ -78,11 +91,51 @@ struct RefusedLine {
     std::string reason; ///< Never quotes the file.
 };
 
+/// A line of a policy file that is valid, but probably not what its author meant.
+struct PolicyRemark {
+    enum class Kind {
+        UnknownKey,  ///< The catalogue does not contain the key, nor a similar one. Keys of other services are such.
+        MistypedKey, ///< The catalogue does not contain the key, but a similar one.
+        Ineffective, ///< The line has no effect on the client, or not the one that it seems to have.
+    };
+
+    std::size_t line = 0;
+    std::string text;
+    Kind kind{};
+};
+
+/// A value in a policy file.
+struct ImportedValue {
+    std::size_t line = 0;
+    std::wstring key; ///< "@" for the default value of a key of the registry.
+    std::wstring value;
+    bool deleted = false;
+};
+
 /// The result of the import of a policy file.
 struct PolicyImport {
     std::string file; ///< In the spelling of the user.
     std::vector<ImportedKey> taken;
-    std::vector<RefusedLine> refused; ///< In order of lines.
+    std::vector<RefusedLine> refused;  ///< In order of lines.
+    std::vector<PolicyRemark> remarks; ///< In order of lines.
+    std::vector<ImportedValue> values; ///< Only of a dry run.
+    bool dryRun = false;
+
+    std::size_t countIneffective() const {
+        return static_cast<std::size_t>(
+            std::ranges::count(remarks, PolicyRemark::Kind::Ineffective, &PolicyRemark::kind));
+    }
+    /// Returns the messages about single lines, in order of lines.
+    std::multimap<std::size_t, std::string> listMessages() const {
+        std::multimap<std::size_t, std::string> messages;
+        for (const auto& refusal : refused) {
+            messages.emplace(refusal.line, "refused: " + refusal.reason);
+        }
+        for (const auto& remark : remarks) {
+            messages.emplace(remark.line, remark.text);
+        }
+        return messages;
+    }
 };
 
 /// One thing that `doctor` has examined.

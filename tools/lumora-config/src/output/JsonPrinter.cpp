@@ -11,6 +11,23 @@ using KyrCoreUtils::toString;
 
 namespace {
 
+/// Returns null if nothing is known.
+Json toJson(const Origin& origin) {
+    Json object;
+    const auto add = [&](const char* name, const std::string& text) {
+        if (!text.empty()) {
+            object[name] = text;
+        }
+    };
+    add("file", origin.file);
+    if (origin.line != 0) {
+        object["line"] = origin.line;
+    }
+    add("how", origin.how);
+    add("when", origin.when);
+    return object;
+}
+
 Json toJson(const std::optional<Reading>& reading) {
     Json object;
     object["found"] = reading.has_value();
@@ -18,6 +35,7 @@ Json toJson(const std::optional<Reading>& reading) {
         object["value"] = toString(reading->value);
         object["store"] = toString(reading->storeName);
         object["underOldName"] = reading->underEarlierName;
+        object["origin"] = toJson(reading->origin);
     }
     return object;
 }
@@ -34,8 +52,10 @@ Json toJson(const Opinion& opinion) {
     Json holdings = Json::array();
     bool wins = false;
     for (const auto& holding : opinion.holdings) {
-        holdings.push_back(
-            {{"name", toString(holding.name)}, {"value", toString(holding.value)}, {"wins", holding.wins}});
+        holdings.push_back({{"name", toString(holding.name)},
+                            {"value", toString(holding.value)},
+                            {"wins", holding.wins},
+                            {"origin", toJson(holding.origin)}});
         wins = wins || holding.wins;
     }
     auto object = toJson(opinion.store);
@@ -147,13 +167,26 @@ void JsonPrinter::showHealth(const HealthReport& report) {
 }
 
 void JsonPrinter::showImport(const PolicyImport& import) {
-    Json object{{"type", "import"}, {"file", import.file}, {"taken", Json::array()}, {"refused", Json::array()}};
+    Json object{{"type", "import"},        {"file", import.file},     {"dryRun", import.dryRun},
+                {"taken", Json::array()},  {"values", Json::array()}, {"refused", Json::array()},
+                {"remarks", Json::array()}};
     for (const auto& key : import.taken) {
         object["taken"].push_back({{"line", key.line},
                                    {"key", toString(key.key)},
                                    {"deleted", key.deleted},
                                    {"valuesSet", key.valuesSet},
                                    {"valuesDeleted", key.valuesDeleted}});
+    }
+    for (const auto& value : import.values) {
+        object["values"].push_back({{"line", value.line},
+                                    {"key", toString(value.key)},
+                                    {"deleted", value.deleted},
+                                    {"value", toString(value.value)}});
+    }
+    for (const auto& remark : import.remarks) {
+        object["remarks"].push_back({{"line", remark.line},
+                                     {"message", remark.text},
+                                     {"ineffective", remark.kind == PolicyRemark::Kind::Ineffective}});
     }
     for (const auto& refusal : import.refused) {
         object["refused"].push_back({{"line", refusal.line}, {"reason", refusal.reason}});

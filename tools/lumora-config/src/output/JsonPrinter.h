@@ -30,6 +30,7 @@ public:
     void showDone(const std::string& command, const std::string& message) override;
     void showWarning(const std::string& message) override;
     void showFailure(const std::string& command, const Failure& failure) override;
+    bool alwaysShowsOrigin() const override { return true; }
     bool isHeard() const override;
 
 private:

@@ -17,7 +17,7 @@ public:
     virtual ~Printer() = default;
 
     /// Prints the answer to `get`, or nothing if no store contains the key. If `withOrigin` is true, prints the store
-    /// too.
+    /// and the origin too.
     virtual void showValue(const std::wstring& key, const std::optional<Reading>& reading, bool withOrigin) = 0;
     virtual void showExplanation(const Explanation& explanation) = 0;
     virtual void showList(const std::vector<ListedValue>& values) = 0;
@@ -34,6 +34,9 @@ public:
     /// Prints one line about the profile; not related to the command.
     virtual void showWarning(const std::string& message) = 0;
     virtual void showFailure(const std::string& command, const Failure& failure) = 0;
+
+    /// Returns true if showValue() prints the origin without being asked for it.
+    virtual bool alwaysShowsOrigin() const = 0;
 
     /// Returns false after an answer could not be written. Nothing more is written then.
     virtual bool isHeard() const = 0;

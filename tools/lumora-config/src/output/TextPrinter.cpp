@@ -1,10 +1,12 @@
 #include "TextPrinter.h"
 
 #include "EscapedText.h"
+#include "OriginText.h"
 #include "TextTable.h"
 
 #include <kyr/StringUtils.h>
 
+#include <map>
 #include <utility>
 
 namespace lumora_config {
@@ -47,12 +49,12 @@ void addOpinion(TextTable& table, const Opinion& opinion) {
     auto priority = std::to_string(opinion.store.priority);
     auto store = toOneLine(opinion.store.name);
     if (opinion.holdings.empty()) {
-        table.addRow({"", priority, store, "-", ""}, Style::Faint);
+        table.addRow({"", priority, store, "-", "", ""}, Style::Faint);
         return;
     }
     for (const auto& holding : opinion.holdings) {
         table.addRow({holding.wins ? ">" : "", std::exchange(priority, ""), std::exchange(store, ""),
-                      narrow(holding.name), quote(holding.value)},
+                      narrow(holding.name), quote(holding.value), toOneLine(describe(holding.origin))},
                      holding.wins ? Style::Emphasis : Style::Plain);
     }
 }
@@ -75,14 +77,16 @@ void TextPrinter::showValue(const std::wstring& /*key*/, const std::optional<Rea
     }
     std::string origin;
     if (withOrigin) {
-        origin = "  (" + narrow(reading->storeName) + (reading->underEarlierName ? ", under its old name)" : ")");
+        const auto place = toOneLine(describe(reading->origin));
+        origin = "  (" + narrow(reading->storeName) + (reading->underEarlierName ? ", under its old name" : "") +
+                 (place.empty() ? "" : ", " + place) + ')';
     }
     output.writeValue(KyrCoreUtils::toString(reading->value), origin);
 }
 
 void TextPrinter::showExplanation(const Explanation& explanation) {
-    TextTable opinions({Column::Left, Column::Right, Column::Left, Column::Left, Column::Left});
-    opinions.addRow({"", "PRIORITY", "STORE", "NAME", "VALUE"}, Style::Faint);
+    TextTable opinions({Column::Left, Column::Right, Column::Left, Column::Left, Column::Left, Column::Left});
+    opinions.addRow({"", "PRIORITY", "STORE", "NAME", "VALUE", "ORIGIN"}, Style::Faint);
     for (const auto& opinion : explanation.opinions) {
         addOpinion(opinions, opinion);
     }
@@ -168,13 +172,20 @@ void TextPrinter::showHealth(const HealthReport& report) {
 
 void TextPrinter::showImport(const PolicyImport& import) {
     const auto place = [&](std::size_t line) { return import.file + ':' + std::to_string(line) + ": "; };
-    std::string taken;
+    std::map<std::size_t, std::string> taken;
     for (const auto& key : import.taken) {
-        taken += toOneLine(place(key.line)) + narrow(key.key) + ": " + describe(key) + '\n';
+        taken[key.line] = narrow(key.key) + ": " + describe(key);
     }
-    output.writeEscaped(taken);
-    for (const auto& refusal : import.refused) {
-        diagnostics.writeMessage(place(refusal.line) + "refused: " + refusal.reason);
+    for (const auto& value : import.values) {
+        taken[value.line] = narrow(value.key) + (value.deleted ? ": deleted" : " = " + quote(value.value));
+    }
+    std::string text;
+    for (const auto& [line, what] : taken) {
+        text += toOneLine(place(line)) + what + '\n';
+    }
+    output.writeEscaped(text);
+    for (const auto& [line, message] : import.listMessages()) {
+        diagnostics.writeMessage(place(line) + message);
     }
 }
 

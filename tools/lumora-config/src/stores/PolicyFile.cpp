@@ -1,5 +1,7 @@
 #include "PolicyFile.h"
 
+#include "ClientPolicy.h"
+#include "PolicyCheck.h"
 #include "XmlSettings.h"
 #include "output/Failure.h"
 
@@ -18,15 +20,6 @@ using namespace zel::registry;
 
 namespace {
 
-// The client reads a policy into buffers of fixed size. A value that does not fit stops the reading of its key, so the
-// values after it are ignored.
-constexpr std::size_t longestName = 259;
-constexpr std::size_t longestData = 4096;
-
-bool isTooLong(const RegistryTextEntry& entry) {
-    return !entry.deletion && (entry.value.name.size() > longestName || entry.value.data.size() > longestData);
-}
-
 ImportedKey describeSection(const RegistryTextSection& section) {
     const auto root = section.root == HKEY_LOCAL_MACHINE ? L"HKEY_LOCAL_MACHINE" : L"HKEY_CURRENT_USER";
     ImportedKey key{section.firstLine, root, section.deletion};
@@ -42,23 +35,36 @@ ImportedKey describeSection(const RegistryTextSection& section) {
 } // namespace
 
 PolicyFile::PolicyFile(std::string filePath)
-    : path(std::move(filePath)), text(parseRegistryText(readWholeFile(path), HKEY_CURRENT_USER, AfterFault::GoOn)) {
+    : path(std::move(filePath)), text(parseRegistryText(readWholeFile(path), HKEY_CURRENT_USER)) {
     // A refusal in line 1 means that the header is wrong.
     if (!text.refusals.empty() && text.refusals.front().line == 1) {
         throw Failure(ExitCode::Environment, path + ":1: " + text.refusals.front().reason);
     }
-    dropLongValues();
 }
 
 PolicyImport PolicyFile::describe() const {
-    PolicyImport import{path, {}, {}};
+    PolicyImport import;
+    import.file = path;
     for (const auto& section : text.sections) {
         import.taken.push_back(describeSection(section));
     }
     for (const auto& refusal : text.refusals) {
         import.refused.push_back({refusal.line, refusal.reason});
     }
+    import.remarks = PolicyCheck::examine(text.sections);
     return import;
+}
+
+std::vector<ImportedValue> PolicyFile::listValues() const {
+    std::vector<ImportedValue> values;
+    for (const auto& section : text.sections) {
+        for (const auto& entry : section.entries) {
+            const auto& name = entry.value.name;
+            values.push_back({entry.line, name.empty() ? L"@" : name,
+                              entry.deletion ? std::wstring() : getPolicyText(entry.value), entry.deletion});
+        }
+    }
+    return values;
 }
 
 void PolicyFile::install() const {
@@ -80,18 +86,6 @@ std::string PolicyFile::getInstalledPath() const {
 
 std::string PolicyFile::getInstalledText() const {
     return formatRegistryText(text.sections);
-}
-
-void PolicyFile::dropLongValues() {
-    for (auto& section : text.sections) {
-        for (const auto& entry : section.entries) {
-            if (isTooLong(entry)) {
-                text.refusals.push_back({entry.line, "the name or the value is longer than the client can read"});
-            }
-        }
-        std::erase_if(section.entries, isTooLong);
-    }
-    std::ranges::stable_sort(text.refusals, {}, &RegistryTextRefusal::line);
 }
 
 } // namespace lumora_config

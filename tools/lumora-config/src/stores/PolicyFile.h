@@ -5,6 +5,7 @@
 #include <registry/RegistryTextFile.h>
 
 #include <string>
+#include <vector>
 
 namespace lumora_config {
 
@@ -14,7 +15,10 @@ public:
     /// Reads the file. Throws Failure (Environment) if it is unreadable or not an export of a registry.
     explicit PolicyFile(std::string filePath);
 
+    /// Returns what the import sets, deletes and rejects, and what is suspicious. Never contains values.
     PolicyImport describe() const;
+    /// Returns every value, unmasked.
+    std::vector<ImportedValue> listValues() const;
     /// Writes the accepted lines to the current user's layer and overwrites a file of the same name. Throws Failure
     /// (Environment) on failure.
     void install() const;
@@ -23,9 +27,6 @@ public:
     std::string getInstalledText() const;
 
 private:
-    /// Removes values that would stop the client's reading.
-    void dropLongValues();
-
     const std::string path;
     zel::registry::RegistryText text;
 };

@@ -150,7 +150,11 @@ TEST_F(Doctor, ShowsADirectoryOfAnotherUser) {
 TEST_F(Doctor, ShowsTheRejectedLinesOfAPolicyFile) {
     profile.write("data/registry/mixed.reg",
                   "Windows Registry Editor Version 5.00\r\n\r\n[HKEY_CURRENT_USER\\Software\\K]\r\nrubbish\r\n");
-    expectAttention("mixed.reg", "line 4 refused: neither a key nor a value nor a comment");
+    expectAttention("mixed.reg", "line 4: refused: neither a key nor a value nor a comment");
+    profile.write("data/registry/mixed.reg",
+                  "REGEDIT4\r\n[HKEY_CURRENT_USER\\Software\\Policies\\Ventrix Systems, Inc.\\Unified Communications\\"
+                  "VentrixUC]\r\n\"AllowUrlProvisioning\"=\"0\"\r\n");
+    expectAttention("mixed.reg", "line 3: the value of the key 'AllowUrlProvisioning' must be \"true\" or \"false\"");
     profile.write("data/registry/mixed.reg", "<xml/>");
     expectAttention("mixed.reg", "no exported registry file");
 }

@@ -62,9 +62,9 @@ TEST(ImportPolicy, ImportsAnExportAndListsItsKeys) {
                                "\\Old: deleted with all below it\n");
     EXPECT_EQ(outcome.error, file + " applies from the next start or refresh on\n");
 
-    EXPECT_EQ(originOf(profile, "Theme"), "gr\xC3\xBCn  (RegistryConfigStore)\n");
-    EXPECT_EQ(originOf(profile, "Port"), "8080  (RegistryConfigStore)\n");
-    EXPECT_EQ(originOf(profile, "Hosts"), "one  (RegistryConfigStore)\n");
+    EXPECT_THAT(originOf(profile, "Theme"), testing::StartsWith("gr\xC3\xBCn  (RegistryConfigStore, "));
+    EXPECT_THAT(originOf(profile, "Port"), testing::StartsWith("8080  (RegistryConfigStore, "));
+    EXPECT_THAT(originOf(profile, "Hosts"), testing::StartsWith("one  (RegistryConfigStore, "));
     EXPECT_EQ(profile.run({"get", "Long"}).out, std::string(2000, 'x') + "\n");
     EXPECT_EQ(profile.run({"get", "Gone"}).exitCode, 1);
 }
@@ -80,10 +80,11 @@ TEST(ImportPolicy, ListsEachRefusedLineAndImportsTheOthers) {
     EXPECT_EQ(outcome.out, file + ":3: " + policyKey + ": 2 set\n");
     EXPECT_EQ(outcome.error, file + ":5: refused: a kind of value that is not known\n" + file +
                                  ":6: refused: neither a key nor a value nor a comment\n" + file +
-                                 ":8: refused: a key of another root\n" + "lumora-config: " + file +
-                                 ": 3 of its lines are refused; the others apply from the next start or refresh on\n");
-    EXPECT_EQ(originOf(profile, "Theme"), "corporate  (RegistryConfigStore)\n");
-    EXPECT_EQ(originOf(profile, "Other"), "1  (RegistryConfigStore)\n");
+                                 ":8: refused: a key of another root\n" + file +
+                                 ":9: refused: a value below a refused key\n" + "lumora-config: " + file +
+                                 ": 4 of its lines are refused; the others apply from the next start or refresh on\n");
+    EXPECT_THAT(originOf(profile, "Theme"), testing::StartsWith("corporate  (RegistryConfigStore, "));
+    EXPECT_THAT(originOf(profile, "Other"), testing::StartsWith("1  (RegistryConfigStore, "));
 }
 
 TEST(ImportPolicy, RefusesAValueThatWouldHideTheFollowingOnes) {
@@ -98,7 +99,7 @@ TEST(ImportPolicy, RefusesAValueThatWouldHideTheFollowingOnes) {
                 StartsWith(file + ":5: refused: the name or the value is longer than the client can read\n" + file +
                            ":6: refused: the name or the value is longer than the client can read\n"));
     EXPECT_EQ(profile.run({"get", "Fits"}).out, fits + "\n");
-    EXPECT_EQ(originOf(profile, "Theme"), "last  (RegistryConfigStore)\n");
+    EXPECT_THAT(originOf(profile, "Theme"), testing::StartsWith("last  (RegistryConfigStore, "));
 }
 
 TEST(ImportPolicy, AFileWithNothingForTheUserChangesNothing) {
@@ -111,9 +112,10 @@ TEST(ImportPolicy, AFileWithNothingForTheUserChangesNothing) {
     const auto outcome = profile.run({"import-policy", file});
     EXPECT_EQ(outcome.exitCode, 1);
     EXPECT_EQ(outcome.out, "");
-    EXPECT_EQ(outcome.error, file + ":3: refused: a key of another root\nlumora-config: " + file +
+    EXPECT_EQ(outcome.error, file + ":3: refused: a key of another root\n" + file +
+                                 ":4: refused: a value below a refused key\nlumora-config: " + file +
                                  ": contains nothing for the current user; nothing is changed\n");
-    EXPECT_EQ(originOf(profile, "Theme"), "old  (RegistryConfigStore)\n");
+    EXPECT_THAT(originOf(profile, "Theme"), testing::StartsWith("old  (RegistryConfigStore, "));
 }
 
 TEST(ImportPolicy, AFileOfTheSameNameReplacesTheEarlierOne) {
@@ -124,7 +126,7 @@ TEST(ImportPolicy, AFileOfTheSameNameReplacesTheEarlierOne) {
         0);
     ASSERT_EQ(profile.run({"import-policy", profile.write("p.reg", version + header() + "\"A\"=\"2\"\r\n")}).exitCode,
               0);
-    EXPECT_EQ(originOf(profile, "A"), "2  (RegistryConfigStore)\n");
+    EXPECT_THAT(originOf(profile, "A"), testing::StartsWith("2  (RegistryConfigStore, "));
     EXPECT_EQ(profile.run({"get", "B"}).exitCode, 1);
 }
 
@@ -189,8 +191,106 @@ TEST(ImportPolicy, InJsonIsOneObject) {
     const json refused{{"line", 6}, {"reason", "neither a key nor a value nor a comment"}};
     EXPECT_EQ(outcome.lines().front(), (json{{"type", "import"},
                                              {"file", file},
+                                             {"dryRun", false},
                                              {"taken", json::array({set, gone})},
+                                             {"values", json::array()},
+                                             {"remarks", json::array()},
                                              {"refused", json::array({refused})}}));
+}
+
+TEST(ImportPolicy, ADryRunPrintsEachValueAndChangesNothing) {
+    const Profile profile;
+    const auto file = profile.write("p.reg", version + header() + "\"TelemetryEnabled\"=\"false\"\r\n\"Gone\"=-\r\n" +
+                                                 "\"connectionpassword\"=\"planted-secret\"\r\n" +
+                                                 "\"MyConnectionPassword\"=\"planted-secret\"\r\n");
+    const auto outcome = profile.run({"import-policy", "--dry-run", file});
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
+    EXPECT_EQ(outcome.out, file + ":3: " + policyKey + ": 3 set, 1 deleted\n" + file +
+                               ":4: TelemetryEnabled = \"false\"\n" + file + ":5: Gone: deleted\n" + file +
+                               ":6: connectionpassword = \"VALUE_HIDDEN\"\n" + file +
+                               ":7: MyConnectionPassword = \"VALUE_HIDDEN\"\n");
+    EXPECT_EQ(outcome.error, file +
+                                 ":7: the key 'MyConnectionPassword' is unknown; did you mean 'connectionpassword'?\n" +
+                                 file + " is valid; nothing is changed\n");
+    EXPECT_FALSE(std::filesystem::exists(installed(profile, "p.reg")));
+    EXPECT_THAT(profile.run({"--show-secrets", "import-policy", "--dry-run", file}).out, HasSubstr("planted-secret"));
+}
+
+TEST(ImportPolicy, ADryRunGivesTheReasonsOfTheImport) {
+    const Profile profile;
+    const auto file = profile.write("p.reg", version + header() + "\"TelemetryEnabeld\"=\"false\"\r\nrubbish\r\n" +
+                                                 "\"AllowUrlProvisioning\"=\"0\"\r\n[broken\r\n\"Theme\"=\"1\"\r\n");
+    const auto messages = file + ":4: the key 'TelemetryEnabeld' is unknown; did you mean 'TelemetryEnabled'?\n" +
+                          file + ":5: refused: neither a key nor a value nor a comment\n" + file +
+                          ":6: the value of the key 'AllowUrlProvisioning' must be \"true\" or \"false\"\n" + file +
+                          ":7: refused: the key has no closing bracket\n" + file +
+                          ":8: refused: a value below a refused key\n";
+    const auto dryRun = profile.run({"import-policy", "--dry-run", file});
+    EXPECT_EQ(dryRun.exitCode, 1);
+    EXPECT_EQ(dryRun.error, messages + "lumora-config: " + file +
+                                ": 3 of its lines are refused, 1 need attention; nothing is changed\n");
+    const auto imported = profile.run({"import-policy", file});
+    EXPECT_EQ(imported.exitCode, 1);
+    EXPECT_THAT(imported.error, StartsWith(messages));
+}
+
+TEST(ImportPolicy, AKeyThatIsAlmostThePolicyKeyEndsWithOne) {
+    const Profile profile;
+    const auto file =
+        profile.write("p.reg", version + "[HKEY_CURRENT_USER\\Software\\Policies\\Ventrix Systems Inc.\\Unified "
+                                         "Communications\\VentrixUC]\r\n\"TelemetryEnabled\"=\"false\"\r\n");
+    for (const auto& arguments : {Arguments{"import-policy", "--dry-run", file}, Arguments{"import-policy", file}}) {
+        const auto outcome = profile.run(arguments);
+        EXPECT_EQ(outcome.exitCode, 1);
+        EXPECT_THAT(outcome.error, HasSubstr(file +
+                                             ":3: not the client's policy key, so its values are never in force; "
+                                             "did you mean '" +
+                                             policyKey + "'?\n"));
+    }
+}
+
+TEST(ImportPolicy, UnknownKeysAreShownByADryRunOnly) {
+    const Profile profile;
+    const auto file = profile.write("p.reg", version + header() + "\"SomethingOfAnotherService\"=\"1\"\r\n");
+    EXPECT_THAT(profile.run({"import-policy", "--dry-run", file}).error,
+                StartsWith(file + ":4: the key 'SomethingOfAnotherService' is unknown\n"));
+    const auto imported = profile.run({"import-policy", file});
+    EXPECT_EQ(imported.exitCode, 0);
+    EXPECT_EQ(imported.error, file + " applies from the next start or refresh on\n");
+}
+
+TEST(ImportPolicy, AFileInTheFolderFollowsTheSameRules) {
+    const Profile profile;
+    const auto text = version + header() +
+                      "\"Theme\"=\"policy\"\r\nrubbish\r\n\"Other\"=\"1\"\r\n[broken\r\n\"Lost\"=\"1\"\r\n" + header() +
+                      "\"Last\"=\"1\"\r\n";
+    std::filesystem::create_directories(profile.root() / "data/registry");
+    const auto file = profile.write("data/registry/p.reg", text);
+    EXPECT_THAT(originOf(profile, "Theme"), StartsWith("policy  (RegistryConfigStore, " + file + ":4)"));
+    EXPECT_THAT(originOf(profile, "Other"), StartsWith("1  (RegistryConfigStore, " + file + ":6)"));
+    EXPECT_THAT(originOf(profile, "Last"), StartsWith("1  (RegistryConfigStore, " + file + ":10)"));
+    EXPECT_EQ(profile.run({"get", "Lost"}).exitCode, 1);
+    const auto log = profile.run({"-v", "get", "Theme"}).error;
+    for (const auto* message :
+         {":5: refused: neither a key nor a value nor a comment", ":7: refused: the key has no closing bracket",
+          ":8: refused: a value below a refused key"}) {
+        EXPECT_THAT(log, HasSubstr(file + message));
+        EXPECT_THAT(profile.run({"import-policy", "--dry-run", file}).error, HasSubstr(file + message));
+    }
+}
+
+TEST(ImportPolicy, ADryRunInJsonHasValuesAndRemarks) {
+    const Profile profile;
+    const auto file = profile.write("p.reg", version + header() + "\"AllowUrlProvisioning\"=\"0\"\r\n\"B\"=-\r\n");
+    const auto object = profile.run({"--json", "import-policy", "--dry-run", file}).lines().at(0);
+    EXPECT_EQ(object.at("dryRun"), true);
+    EXPECT_EQ(object.at("values"),
+              (json::array({{{"line", 4}, {"key", "AllowUrlProvisioning"}, {"deleted", false}, {"value", "0"}},
+                            {{"line", 5}, {"key", "B"}, {"deleted", true}, {"value", ""}}})));
+    EXPECT_EQ(object.at("remarks"),
+              (json::array({{{"line", 4},
+                             {"message", "the value of the key 'AllowUrlProvisioning' must be \"true\" or \"false\""},
+                             {"ineffective", true}}})));
 }
 
 TEST(ImportPolicy, AppliesInTheShellFromTheNextRefresh) {
@@ -210,7 +310,7 @@ TEST(ImportPolicy, AHundredThousandValuesAreImported) {
     const auto outcome = profile.run({"import-policy", profile.write("big.reg", text)});
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_THAT(outcome.out, EndsWith(": 100000 set\n"));
-    EXPECT_EQ(originOf(profile, "Key99999"), "99999  (RegistryConfigStore)\n");
+    EXPECT_THAT(originOf(profile, "Key99999"), testing::StartsWith("99999  (RegistryConfigStore, "));
 }
 
 TEST(ImportPolicy, APathThatIsNotARegularFileIsNotReplaced) {

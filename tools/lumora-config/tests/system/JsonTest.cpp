@@ -36,7 +36,7 @@ Fields operator+(Fields fields, const Fields& more) {
     return fields;
 }
 
-const Fields reading{"found", "value", "store", "underOldName"};
+const Fields reading{"found", "value", "store", "underOldName", "origin"};
 const Fields store{"priority", "name", "readOnly", "local", "keys"};
 
 /// The fields that scripts rely on. Fields may be added, but none may be removed or renamed.
@@ -79,7 +79,8 @@ TEST(Json, TheFieldsOfEachTypeAreThePublishedOnes) {
     const auto& explanation = objects["explanation"];
     EXPECT_EQ(fieldsOf(explanation.at("administrator")), reading);
     EXPECT_EQ(fieldsOf(explanation.at("stores").back()), (store + Fields{"wins", "holds"}));
-    EXPECT_EQ(fieldsOf(explanation.at("stores").back().at("holds").front()), (Fields{"name", "value", "wins"}));
+    EXPECT_EQ(fieldsOf(explanation.at("stores").back().at("holds").front()),
+              (Fields{"name", "value", "wins", "origin"}));
     EXPECT_EQ(fieldsOf(objects["stores"].at("stores").front()), store);
     EXPECT_EQ(fieldsOf(objects["list"].at("values").front()), (Fields{"key", "value", "store", "overridden"}));
 }
@@ -101,12 +102,14 @@ TEST(Json, EachTypeAndFieldIsOnThePage) {
 
 TEST(Json, OfAValue) {
     const Profile profile;
+    const json origin{{"file", profile.defaultsFile().string()}, {"line", lineOf(profile.defaultsFile(), "\"Theme\"")}};
     EXPECT_EQ(onlyLine(profile.run({"--json", "get", "Theme"})), (json{{"type", "value"},
                                                                        {"key", "Theme"},
                                                                        {"found", true},
                                                                        {"value", "system"},
                                                                        {"store", "lumora-config-defaults.xml"},
-                                                                       {"underOldName", false}}));
+                                                                       {"underOldName", false},
+                                                                       {"origin", origin}}));
 }
 
 TEST(Json, OfAMissKeepsTheMessageOnStandardError) {
@@ -132,14 +135,16 @@ TEST(Json, OfAnExplanation) {
     EXPECT_EQ(object.at("defined"), true);
     EXPECT_EQ(object.at("originalStore"), "Foreign");
     const auto& opinion = object.at("stores").at(2);
-    EXPECT_EQ(opinion,
-              (json{{"priority", 40},
-                    {"name", "Foreign"},
-                    {"readOnly", true},
-                    {"local", false},
-                    {"keys", 1},
-                    {"wins", true},
-                    {"holds", json::array({{{"name", "TftpServer1"}, {"value", "old.example"}, {"wins", true}}})}}));
+    EXPECT_EQ(opinion, (json{{"priority", 40},
+                             {"name", "Foreign"},
+                             {"readOnly", true},
+                             {"local", false},
+                             {"keys", 1},
+                             {"wins", true},
+                             {"holds", json::array({{{"name", "TftpServer1"},
+                                                     {"value", "old.example"},
+                                                     {"wins", true},
+                                                     {"origin", {{"file", file}, {"line", 1}}}}})}}));
 }
 
 TEST(Json, OfAList) {

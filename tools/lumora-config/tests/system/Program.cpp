@@ -10,6 +10,7 @@
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
+#include <fstream>
 #include <random>
 #include <sstream>
 #include <stdexcept>
@@ -101,6 +102,17 @@ std::vector<nlohmann::json> Outcome::lines() const {
         objects.push_back(nlohmann::json::parse(line));
     }
     return objects;
+}
+
+std::size_t lineOf(const std::filesystem::path& file, std::string_view text) {
+    std::ifstream stream(file);
+    std::string line;
+    for (std::size_t number = 1; std::getline(stream, line); ++number) {
+        if (line.find(text) != std::string::npos) {
+            return number;
+        }
+    }
+    return 0;
 }
 
 std::vector<std::string> storeNames(const nlohmann::json& answer) {

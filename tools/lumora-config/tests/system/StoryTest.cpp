@@ -59,17 +59,18 @@ protected:
 };
 
 void Story::sourcesComeAndGo() const {
-    EXPECT_EQ(valueOf(key), "PromptPerSession  (lumora-config-defaults.xml)\n");
+    EXPECT_THAT(valueOf(key), testing::StartsWith("PromptPerSession  (lumora-config-defaults.xml, "));
     importPolicy("branch.reg", key, "policy");
-    EXPECT_EQ(valueOf(key), "policy  (RegistryConfigStore)\n");
-    EXPECT_EQ(valueWith(document("behind.xml", "behind") + ":Behind:100:cache"), "policy  (RegistryConfigStore)\n");
-    EXPECT_EQ(valueWith(document("front.xml", "front") + ":Front:30:cache"), "front  (Front)\n");
-    EXPECT_EQ(valueOf(key), "front  (Front)\n");
+    EXPECT_THAT(valueOf(key), testing::StartsWith("policy  (RegistryConfigStore, "));
+    EXPECT_THAT(valueWith(document("behind.xml", "behind") + ":Behind:100:cache"),
+                testing::StartsWith("policy  (RegistryConfigStore, "));
+    EXPECT_THAT(valueWith(document("front.xml", "front") + ":Front:30:cache"), testing::StartsWith("front  (Front, "));
+    EXPECT_THAT(valueOf(key), testing::StartsWith("front  (Front, "));
 }
 
 void Story::theUserHasTheFirstWord() const {
     set(key, "mine");
-    EXPECT_EQ(valueOf(key), "mine  (LocalFileConfigStore)\n");
+    EXPECT_THAT(valueOf(key), testing::StartsWith("mine  (LocalFileConfigStore, "));
     EXPECT_EQ(opinions(), (std::map<std::string, std::string>{{"LocalFileConfigStore", "mine"},
                                                               {"Front", "front"},
                                                               {"RegistryConfigStore", "policy"},
@@ -78,16 +79,17 @@ void Story::theUserHasTheFirstWord() const {
     const auto before = profile.run({"get", key, "--admin"}).out;
     EXPECT_EQ(profile.run({"reset", key}).exitCode, 0);
     EXPECT_EQ(before, "front\n");
-    EXPECT_EQ(valueOf(key), "front  (Front)\n");
+    EXPECT_THAT(valueOf(key), testing::StartsWith("front  (Front, "));
     EXPECT_EQ(profile.run({"remove-store", "Front"}).exitCode, 0);
-    EXPECT_EQ(valueOf(key), "policy  (RegistryConfigStore)\n");
+    EXPECT_THAT(valueOf(key), testing::StartsWith("policy  (RegistryConfigStore, "));
 }
 
 void Story::aSwitchTakesTheUsersServers() const {
     for (const auto* server : {"TFTPPrimaryServer", "CtiServer1", "SabrelServer1"}) {
         set(server, "mine.example");
     }
-    EXPECT_EQ(valueOf("CtiServer1"), "mine.example  (LocalFileConfigStore, under its old name)\n");
+    EXPECT_THAT(valueOf("CtiServer1"),
+                testing::StartsWith("mine.example  (LocalFileConfigStore, under its old name, "));
     importPolicy("servers.reg", "Customize_Phone_Server", "false");
     for (const auto* server : {"TFTPPrimaryServer", "CtiServer1", "SabrelServer1"}) {
         EXPECT_EQ(profile.run({"get", server}).exitCode, 1) << server;
@@ -99,11 +101,11 @@ void Story::aSwitchTakesTheUsersServers() const {
 
 void Story::aLinkProvisionsOnce() const {
     EXPECT_EQ(profile.run({"provision", link}).exitCode, 0);
-    EXPECT_EQ(valueOf("ServicesDomain"), "example.org  (UrlProvisioningConfigStore)\n");
+    EXPECT_THAT(valueOf("ServicesDomain"), testing::StartsWith("example.org  (UrlProvisioningConfigStore, "));
     const auto again = profile.run({"provision", "lumora://provision?ServicesDomain=example.net"});
     EXPECT_EQ(again.exitCode, 1);
     EXPECT_THAT(again.error, HasSubstr("AllowUrlProvisioning is false"));
-    EXPECT_EQ(valueOf("ServicesDomain"), "example.org  (UrlProvisioningConfigStore)\n");
+    EXPECT_THAT(valueOf("ServicesDomain"), testing::StartsWith("example.org  (UrlProvisioningConfigStore, "));
 }
 
 void Story::deviceManagementForbidsIt() const {

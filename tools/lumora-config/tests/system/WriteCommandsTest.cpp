@@ -93,7 +93,8 @@ TEST(Reset, RestoresTheAdministratorsValue) {
     const Profile profile;
     ASSERT_EQ(profile.shell({"set Other x", "set Theme dark"}).exitCode, 0);
     EXPECT_EQ(profile.run({"reset", "THEME"}).exitCode, 0);
-    EXPECT_EQ(profile.run({"get", "Theme", "--origin"}).out, "system  (lumora-config-defaults.xml)\n");
+    EXPECT_THAT(profile.run({"get", "Theme", "--origin"}).out,
+                testing::StartsWith("system  (lumora-config-defaults.xml, "));
 }
 
 TEST(Reset, RemovesBothNamesOfAKey) {
@@ -115,7 +116,8 @@ TEST(Provision, StoresTheSettingsOfOneUrlUntilAnotherIsAllowed) {
     ASSERT_EQ(profile.run({"set", "Theme", "dark"}).exitCode, 0);
     const std::string url = "lumora://provision?ServicesDomain=example.org&Unknown=1";
     EXPECT_EQ(profile.run({"provision", url}).exitCode, 0);
-    EXPECT_EQ(profile.run({"get", "ServicesDomain", "--origin"}).out, "example.org  (UrlProvisioningConfigStore)\n");
+    EXPECT_THAT(profile.run({"get", "ServicesDomain", "--origin"}).out,
+                testing::StartsWith("example.org  (UrlProvisioningConfigStore, "));
     EXPECT_EQ(profile.run({"get", "Unknown"}).exitCode, 1);
 
     const auto again = profile.run({"provision", url});
@@ -143,7 +145,7 @@ TEST(Mdm, AddsTheDocumentToTheChain) {
     const auto file = profile.writeDocument("mdm.xml", "<Theme>managed</Theme><Other>1</Other>");
     const auto outcome = profile.shell({"mdm " + file, "get Theme --origin"});
     EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
-    EXPECT_EQ(outcome.out, "managed  (MdmConfigStore)\n");
+    EXPECT_THAT(outcome.out, testing::StartsWith("managed  (MdmConfigStore, "));
     EXPECT_THAT(outcome.error, HasSubstr("MdmConfigStore holds 2 keys"));
 }
 

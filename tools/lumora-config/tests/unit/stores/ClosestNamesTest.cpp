@@ -1,4 +1,4 @@
-#include "commands/ClosestNames.h"
+#include "stores/ClosestNames.h"
 
 #include <gmock/gmock.h>
 
