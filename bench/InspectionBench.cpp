@@ -63,13 +63,13 @@ public:
     Client& operator=(const Client&) = delete;
 
     void post(std::function<void()> work) const {
-        factory->getServicesDispatcher()->enqueue(std::make_shared<KyrCoreUtils::FunctionTask>(std::move(work), "bench"),
-                                                  false);
+        factory->getServicesDispatcher()->enqueue(
+            std::make_shared<KyrCoreUtils::FunctionTask>(std::move(work), "bench"), false);
     }
 
     void wait() const {
-        factory->getServicesDispatcher()->enqueueBlock(
-            std::make_shared<KyrCoreUtils::FunctionTask>([] {}, "bench"), false);
+        factory->getServicesDispatcher()->enqueueBlock(std::make_shared<KyrCoreUtils::FunctionTask>([] {}, "bench"),
+                                                       false);
     }
 
     void set(const std::wstring& value) const { featureSet->setInMemoryConfig(L"BenchKey", value); }
