@@ -11,6 +11,8 @@ class LUMORA_HOST_API ProcessUtils {
 public:
     /// Returns the folder of the running program in UTF-8; "" if it is unknown.
     static std::string getProgramFolder();
+    /// Returns the name of the machine in UTF-8; "" if it is unknown.
+    static std::string getHostName();
     /// Returns true if standard input is a terminal.
     static bool isInputTerminal() noexcept;
 };

@@ -24,6 +24,15 @@ std::string ProcessUtils::getProgramFolder() {
     }
 }
 
+std::string ProcessUtils::getHostName() {
+    std::wstring name(MAX_PATH, L'\0');
+    auto length = static_cast<DWORD>(name.size());
+    if (::GetComputerNameExW(ComputerNameDnsHostname, name.data(), &length) == 0) {
+        return {};
+    }
+    return toString(std::wstring_view(name).substr(0, length));
+}
+
 bool ProcessUtils::isInputTerminal() noexcept {
     return ::_isatty(::_fileno(stdin)) != 0;
 }

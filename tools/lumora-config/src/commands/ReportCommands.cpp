@@ -1,8 +1,10 @@
 #include "CommandTable.h"
+#include "disk/Doctor.h"
 #include "host/LogLineCatcher.h"
 #include "output/ChainPage.h"
 #include "output/TimeText.h"
 
+#include <kyr/ProcessUtils.h>
 #include <kyr/StringUtils.h>
 #include <zel/RegularFile.h>
 
@@ -45,6 +47,9 @@ void reportAsPage(Session& session, const Command& command) {
         session.getMask().hide(key);
         origins.locate(key);
     }
+    findings.health = Doctor(Doctor::Lock::Held, Doctor::Owners::Masked).examine();
+    findings.profile = session.getHost().getConfigDirectory();
+    findings.host = KyrCoreUtils::ProcessUtils::getHostName();
     findings.madeAt = formatTime(std::chrono::system_clock::now());
     findings.showsSecrets = session.getMask().showsSecrets();
     printOrWrite(session, command, command.htmlFile, renderChainPage(findings));

@@ -91,7 +91,8 @@ std::vector<std::string> describeProblems(const std::string& directory) {
 
 } // namespace
 
-Doctor::Doctor(Lock lockState) : lock(lockState), configDirectory(FileUtils::getConfigDirectory()) {}
+Doctor::Doctor(Lock lockState, Owners ownerForm)
+    : lock(lockState), owners(ownerForm), configDirectory(FileUtils::getConfigDirectory()) {}
 
 HealthReport Doctor::examine() {
     report = {};
@@ -215,8 +216,11 @@ void Doctor::addExisting(const std::string& area, const std::string& path, const
     const auto mode = modeOf(path);
     const bool isForeign = !access || access->owner == FileAccess::Owner::Other;
     const bool isOpen = (mode & harmfulMode) != 0;
-    auto text =
-        state + "; owner " + (access ? access->ownerName : std::string("unknown")) + ", mode " + describeMode(mode);
+    auto owner = access ? access->ownerName : std::string("unknown");
+    if (access && owners == Owners::Masked) {
+        owner = "<user>";
+    }
+    auto text = state + "; owner " + owner + ", mode " + describeMode(mode);
     text += isForeign ? ", owned by another user" : "";
     text += isOpen ? ", too open" : "";
     add(area, path, text, needsAttention || isForeign || isOpen);

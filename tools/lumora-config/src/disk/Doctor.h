@@ -14,7 +14,10 @@ public:
     /// Whether this process holds the lock of the profile.
     enum class Lock { Held, NotHeld };
 
-    explicit Doctor(Lock lockState);
+    /// Whether the report names the owners of the files.
+    enum class Owners { Named, Masked };
+
+    explicit Doctor(Lock lockState, Owners ownerForm = Owners::Named);
 
     HealthReport examine();
 
@@ -32,6 +35,7 @@ private:
                      unsigned harmfulMode);
 
     const Lock lock;
+    const Owners owners;
     const std::string configDirectory;
     HealthReport report;
 };

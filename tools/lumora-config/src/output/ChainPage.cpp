@@ -1,19 +1,24 @@
 #include "ChainPage.h"
 
 #include "EscapedText.h"
-#include "HtmlTemplate.h"
 
 #include <kyr/StringUtils.h>
+#include <zel/ZelLog.h>
 
 #include <ConfigCatalogue.h>
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <utility>
 
 namespace lumora_config {
 
 namespace {
 
+using KyrCoreUtils::toString;
 using nlohmann::json;
 namespace ConfigKeys = ZelUnified::ConfigKeys;
 
@@ -33,90 +38,267 @@ constexpr std::array knownStores{
 };
 
 std::string shown(std::wstring_view text) {
-    return KyrCoreUtils::toString(makeVisible(text));
+    return toString(makeVisible(text));
 }
 
 std::string shown(const std::string& text) {
     return shown(KyrCoreUtils::toWideString(text));
 }
 
+/// For texts about the machine, which the log masks, too.
+std::string shownMasked(const std::string& text) {
+    return shown(ZelLogger_replacePIIData(text));
+}
+
 std::string whatHolds(const std::string& storeName) {
-    const auto known = std::ranges::find(knownStores, storeName, &KnownStore::name);
-    return std::string(known == knownStores.end() ? "handed in by another service" : known->holds);
+    const auto* const known = std::ranges::find(knownStores, storeName, &KnownStore::name);
+    return std::string(known == knownStores.end() ? "added by another service" : known->holds);
+}
+
+std::string escapeHtml(std::string_view text) {
+    std::string escaped;
+    escaped.reserve(text.size());
+    for (const char c : text) {
+        switch (c) {
+        case '&':
+            escaped += "&amp;";
+            break;
+        case '<':
+            escaped += "&lt;";
+            break;
+        case '>':
+            escaped += "&gt;";
+            break;
+        case '"':
+            escaped += "&quot;";
+            break;
+        case '\'':
+            escaped += "&#39;";
+            break;
+        default:
+            escaped += c;
+        }
+    }
+    return escaped;
+}
+
+/// Returns JSON that is safe inside a script element: it contains no "<", so no end tag and no comment, and no line
+/// separators of Unicode.
+std::string toEmbeddedText(const json& data) {
+    constexpr std::string_view separators = "\xE2\x80"; // U+2028 ends in A8, U+2029 in A9
+    const auto text = data.dump(-1, ' ', false, json::error_handler_t::replace);
+    std::string escaped;
+    escaped.reserve(text.size());
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto third = i + 2 < text.size() ? static_cast<unsigned char>(text[i + 2]) : 0U;
+        if (text[i] == '<') {
+            escaped += "\\u003c";
+        } else if (text.compare(i, 2, separators) == 0 && (third == 0xA8U || third == 0xA9U)) {
+            escaped += third == 0xA8U ? "\\u2028" : "\\u2029";
+            i += 2;
+        } else {
+            escaped += text[i];
+        }
+    }
+    return escaped;
 }
 
 /// Returns the key in the spelling of the catalogue: the stores that read files return lower case.
-std::wstring spell(const std::wstring& key) {
-    return std::wstring(ConfigKeys::spellKey(key));
+std::string nameOf(const Explanation& key) {
+    return shown(ConfigKeys::spellKey(key.currentName));
 }
 
-bool isNamed(const StoreFacts& store, const std::wstring& name) {
-    return KyrCoreUtils::caseInsensitiveStringEquals(KyrCoreUtils::toWideString(store.name), name);
+std::string meaningOf(const Explanation& key) {
+    const auto* const row = ConfigKeys::findKey(key.currentName);
+    return std::string(row == nullptr ? std::string_view() : row->meaning);
 }
 
-json describe(const StoreFacts& store, const std::vector<Explanation>& keys) {
-    const auto answers = std::ranges::count_if(
-        keys, [&](const Explanation& key) { return key.inForce && isNamed(store, key.inForce->storeName); });
-    return {{"priority", store.priority}, {"name", shown(store.name)}, {"holds", whatHolds(store.name)},
-            {"readOnly", store.readOnly}, {"local", store.local},      {"keys", store.keyCount},
-            {"answers", answers}};
-}
-
-json describe(const std::optional<Reading>& reading) {
-    if (!reading) {
-        return false;
-    }
-    return {{"value", shown(reading->value)}, {"store", shown(reading->storeName)}};
-}
-
-json describe(const Opinion& opinion) {
-    json holdings = json::array();
-    for (const auto& holding : opinion.holdings) {
-        holdings.push_back({{"name", shown(holding.name)}, {"value", shown(holding.value)}, {"wins", holding.wins}});
-    }
-    return {{"priority", opinion.store.priority}, {"store", shown(opinion.store.name)}, {"holdings", holdings}};
-}
-
-json describe(const Explanation& key) {
-    json opinions = json::array();
-    std::string silent;
-    for (const auto& opinion : key.opinions) {
-        if (opinion.holdings.empty()) {
-            silent += (silent.empty() ? "" : ", ") + shown(opinion.store.name);
-        } else {
-            opinions.push_back(describe(opinion));
+/// Builds the data of the page. Rows are arrays instead of objects, since there may be tens of thousands of them.
+class PageData {
+public:
+    explicit PageData(const ChainFindings& chainFindings) : findings(chainFindings) {
+        for (const auto& store : findings.stores) {
+            storeNames.push_back(KyrCoreUtils::toWideString(store.name));
         }
     }
-    return {{"name", shown(spell(key.currentName))}, {"earlierName", key.earlierName ? shown(*key.earlierName) : ""},
-            {"inForce", describe(key.inForce)},      {"administrators", describe(key.administrators)},
-            {"overridden", key.record.overridden},   {"sensitive", key.sensitive},
-            {"opinions", std::move(opinions)},       {"silent", std::move(silent)}};
+
+    json build() {
+        auto keys = describeKeys();
+        return {{"version", LUMORA_VERSION},
+                {"madeAt", findings.madeAt},
+                {"profile", shownMasked(findings.profile)},
+                {"host", shownMasked(findings.host)},
+                {"showsSecrets", findings.showsSecrets},
+                {"stores", describeStores()},
+                {"health", describeHealth()},
+                {"files", files},
+                {"keys", std::move(keys)}};
+    }
+
+    /// Returns the rows of the table for readers without scripts.
+    std::string buildRows() const {
+        std::string rows;
+        for (const auto& key : findings.keys) {
+            if (!key.inForce) {
+                continue;
+            }
+            // The end tags of rows and cells are optional.
+            rows += "<tr><th scope=\"row\">" + escapeHtml(nameOf(key));
+            rows += "<td>" + escapeHtml(shown(key.inForce->value));
+            rows += "<td>" + escapeHtml(shown(key.inForce->storeName)) + "\n";
+        }
+        return rows;
+    }
+
+private:
+    json describeStores() const {
+        json stores = json::array();
+        for (const auto& store : findings.stores) {
+            stores.push_back({{"priority", store.priority},
+                              {"name", shown(store.name)},
+                              {"holds", whatHolds(store.name)},
+                              {"readOnly", store.readOnly},
+                              {"local", store.local},
+                              {"keys", store.keyCount}});
+        }
+        return stores;
+    }
+
+    json describeHealth() const {
+        json items = json::array();
+        for (const auto& item : findings.health.items) {
+            items.push_back({{"area", item.area},
+                             {"path", shownMasked(item.path)},
+                             {"state", shownMasked(item.state)},
+                             {"attention", item.needsAttention}});
+        }
+        return items;
+    }
+
+    json describeKeys() {
+        json keys = json::array();
+        for (const auto& key : findings.keys) {
+            keys.push_back(describe(key));
+        }
+        return keys;
+    }
+
+    /// A key: its name, what the stores hold, the value in force, the administrator's value, 1 if it is overridden plus
+    /// 2 if it is sensitive, its old name, its meaning. The last two are absent if they are empty.
+    json describe(const Explanation& key) {
+        json holdings = json::array();
+        for (const auto& opinion : key.opinions) {
+            const auto store = std::ranges::find(findings.stores, opinion.store.name, &StoreFacts::name);
+            for (const auto& holding : opinion.holdings) {
+                holdings.push_back(describe(holding, store - findings.stores.begin(), holding.name == key.earlierName));
+            }
+        }
+        json row{nameOf(key), std::move(holdings), refer(key.inForce, key), refer(key.administrators, key),
+                 (key.record.overridden ? 1 : 0) + (key.sensitive ? 2 : 0)};
+        row.push_back(key.earlierName ? shown(*key.earlierName) : "");
+        row.push_back(meaningOf(key));
+        while (row.back() == "") {
+            row.erase(row.size() - 1);
+        }
+        return row;
+    }
+
+    /// What a store holds: the number of the store, the value, 1 if it is held under the old name, the origin. The last
+    /// two are absent if they say nothing.
+    json describe(const Holding& holding, std::ptrdiff_t store, bool underOldName) {
+        json row{store, shown(holding.value)};
+        if (underOldName || holding.origin.isKnown()) {
+            row.push_back(underOldName ? 1 : 0);
+        }
+        if (holding.origin.isKnown()) {
+            row.push_back(describe(holding.origin));
+        }
+        return row;
+    }
+
+    /// An origin: the number of the file or null, the line, how and when the value arrived. The last two are absent for
+    /// a value that was read from a file.
+    json describe(const Origin& origin) {
+        json row{nullptr, origin.line};
+        if (!origin.file.empty()) {
+            row[0] = numberOf(origin.file);
+        }
+        if (!origin.how.empty()) {
+            row.push_back(shown(origin.how));
+            row.push_back(origin.when);
+        }
+        return row;
+    }
+
+    /// Thousands of values come from a few files.
+    std::size_t numberOf(const std::string& file) {
+        const auto [entry, isNew] = fileNumbers.try_emplace(file, files.size());
+        if (isNew) {
+            files.push_back(shownMasked(file));
+        }
+        return entry->second;
+    }
+
+    /// Returns the position of the reading among what the stores hold, or its value and store if no store holds just
+    /// this, or null if there is none.
+    json refer(const std::optional<Reading>& reading, const Explanation& key) const {
+        if (!reading) {
+            return nullptr;
+        }
+        std::size_t position = 0;
+        for (const auto& opinion : key.opinions) {
+            for (const auto& holding : opinion.holdings) {
+                if (reading->value == holding.value && isNamed(opinion.store, reading->storeName) &&
+                    reading->underEarlierName == (holding.name == key.earlierName)) {
+                    return position;
+                }
+                ++position;
+            }
+        }
+        return {shown(reading->value), shown(reading->storeName)};
+    }
+
+    bool isNamed(const StoreFacts& store, const std::wstring& name) const {
+        const auto known = std::ranges::find(findings.stores, store.name, &StoreFacts::name);
+        return known != findings.stores.end() &&
+               KyrCoreUtils::caseInsensitiveStringEquals(
+                   storeNames[static_cast<std::size_t>(known - findings.stores.begin())], name);
+    }
+
+    const ChainFindings& findings;
+    std::vector<std::wstring> storeNames;
+    std::vector<std::string> files;
+    std::map<std::string, std::size_t> fileNumbers;
+};
+
+/// Replaces each `{{name}}` of the template by the HTML of that name. What is inserted is not searched again.
+std::string fillIn(std::string_view text, const std::map<std::string_view, std::string>& parts) {
+    std::string page;
+    for (auto begin = text.find("{{"); begin != std::string_view::npos; begin = text.find("{{")) {
+        const auto end = text.find("}}", begin);
+        page += text.substr(0, begin);
+        page += parts.at(text.substr(begin + 2, end - begin - 2));
+        text.remove_prefix(end + 2);
+    }
+    page += text;
+    return page;
 }
 
 } // namespace
 
 std::string renderChainPage(const ChainFindings& findings) {
-    json stores = json::array();
-    for (const auto& store : findings.stores) {
-        stores.push_back(describe(store, findings.keys));
-    }
-    json keys = json::array();
-    for (const auto& key : findings.keys) {
-        keys.push_back(describe(key));
-    }
-    const auto overridden =
-        std::ranges::count_if(findings.keys, [](const Explanation& key) { return key.record.overridden; });
-    const auto sensitive = std::ranges::count_if(findings.keys, &Explanation::sensitive);
-    return HtmlTemplate(getChainPageTemplate())
-        .render({{"version", LUMORA_VERSION},
-                 {"madeAt", findings.madeAt},
-                 {"showsSecrets", findings.showsSecrets},
-                 {"storeCount", stores.size()},
-                 {"keyCount", keys.size()},
-                 {"overriddenCount", overridden},
-                 {"sensitiveCount", sensitive},
-                 {"stores", std::move(stores)},
-                 {"keys", std::move(keys)}});
+    PageData data(findings);
+    const std::string warning =
+        findings.showsSecrets
+            ? "<p class=\"alarm\" role=\"note\">This page shows secrets in clear. Do not pass it on.</p>"
+            : "";
+    return fillIn(getChainPageTemplate(), {{"version", LUMORA_VERSION},
+                                           {"madeAt", escapeHtml(findings.madeAt)},
+                                           {"profile", escapeHtml(shownMasked(findings.profile))},
+                                           {"host", escapeHtml(shownMasked(findings.host))},
+                                           {"warning", warning},
+                                           {"rows", data.buildRows()},
+                                           {"data", toEmbeddedText(data.build())}});
 }
 
 } // namespace lumora_config

@@ -26,8 +26,9 @@ bool beginsWith(std::wstring_view text, std::wstring_view prefix) {
     return text.size() >= prefix.size() && caseInsensitiveStringEquals(text.substr(0, prefix.size()), prefix);
 }
 
-Opinion askStore(ConfigStore& store, const KeyNames& names, const std::optional<Reading>& winner) {
-    Opinion opinion{factsOf(store), {}};
+Opinion askStore(ConfigStore& store, const StoreFacts& facts, const KeyNames& names,
+                 const std::optional<Reading>& winner) {
+    Opinion opinion{facts, {}};
     const bool wins =
         winner && caseInsensitiveStringEquals(KyrCoreUtils::toWideString(opinion.store.name), winner->storeName);
     for (const auto& name : names.getAll()) {
@@ -38,6 +39,14 @@ Opinion askStore(ConfigStore& store, const KeyNames& names, const std::optional<
         }
     }
     return opinion;
+}
+
+std::vector<StoreFacts> factsOf(const ChainInspector::Stores& stores) {
+    std::vector<StoreFacts> facts;
+    for (const auto& store : stores) {
+        facts.push_back(factsOf(*store));
+    }
+    return facts;
 }
 
 /// Returns every key in the stores once: its new name, and the name to ask for, which is the old name if no store
@@ -84,7 +93,7 @@ std::optional<Reading> ChainInspector::readStore(const std::string& storeName, c
         throw Failure(ExitCode::NotFound, "there is no store '" + storeName + "'");
     }
     const auto keyNames = getKeyNames(key);
-    const auto opinion = askStore(*store, keyNames, std::nullopt);
+    const auto opinion = askStore(*store, factsOf(*store), keyNames, std::nullopt);
     if (opinion.holdings.empty()) {
         return std::nullopt;
     }
@@ -94,19 +103,22 @@ std::optional<Reading> ChainInspector::readStore(const std::string& storeName, c
 }
 
 Explanation ChainInspector::explain(const std::wstring& key) const {
-    return explain(key, getStores());
+    const auto stores = getStores();
+    return explain(key, stores, factsOf(stores));
 }
 
 std::vector<Explanation> ChainInspector::explainAll() const {
     const auto stores = getStores();
+    const auto facts = factsOf(stores); // once, since counting the keys of a store copies them
     std::vector<Explanation> explanations;
     for (const auto& [current, asked] : namesToAsk(stores)) {
-        explanations.push_back(explain(asked, stores));
+        explanations.push_back(explain(asked, stores, facts));
     }
     return explanations;
 }
 
-Explanation ChainInspector::explain(const std::wstring& key, const Stores& stores) const {
+Explanation ChainInspector::explain(const std::wstring& key, const Stores& stores,
+                                    const std::vector<StoreFacts>& facts) const {
     const auto keyNames = getKeyNames(key);
     Explanation explanation;
     explanation.key = ZelUnified::ConfigKeys::spellKey(key);
@@ -115,8 +127,8 @@ Explanation ChainInspector::explain(const std::wstring& key, const Stores& store
     explanation.askedByEarlierName = keyNames.isRequestedByOldName;
     explanation.inForce = read(key);
     explanation.administrators = read(key, true);
-    for (const auto& store : stores) {
-        explanation.opinions.push_back(askStore(*store, keyNames, explanation.inForce));
+    for (std::size_t i = 0; i < stores.size(); ++i) {
+        explanation.opinions.push_back(askStore(*stores[i], facts[i], keyNames, explanation.inForce));
     }
     const auto record = service->getConfig(key);
     explanation.record = {record->getisDefined(), record->getisOverridden(), record->getOriginalValue(),
@@ -138,11 +150,7 @@ std::vector<ListedValue> ChainInspector::list(const std::wstring& prefix) const 
 }
 
 std::vector<StoreFacts> ChainInspector::listStores() const {
-    std::vector<StoreFacts> facts;
-    for (const auto& store : getStores()) {
-        facts.push_back(factsOf(*store));
-    }
-    return facts;
+    return factsOf(getStores());
 }
 
 ChainInspector::Stores ChainInspector::getStores() const {

@@ -43,7 +43,8 @@ public:
     void expectStore(const std::string& name) { names->learn(name); }
 
 private:
-    Explanation explain(const std::wstring& key, const Stores& stores) const;
+    /// `facts` describes each of `stores`.
+    Explanation explain(const std::wstring& key, const Stores& stores, const std::vector<StoreFacts>& facts) const;
     void learnNames() const;
 
     const std::shared_ptr<ZelUnified::ConfigFeatureSet> featureSet;
