@@ -16,6 +16,11 @@ install(TARGETS lumora_host EXPORT LumoraConfigTargets
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development)
 install(TARGETS configservice EXPORT LumoraConfigTargets
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/lumora COMPONENT runtime)
+if(TARGET inspection)
+  install(TARGETS inspection LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/lumora COMPONENT runtime)
+  install(DIRECTORY services/inspection/include/ ${CMAKE_BINARY_DIR}/services/inspection/include/
+          DESTINATION ${lumora_include_folder} COMPONENT development FILES_MATCHING PATTERN *.h)
+endif()
 install(DIRECTORY host/include/ services/configservice/include/
         ${CMAKE_BINARY_DIR}/host/include/ ${CMAKE_BINARY_DIR}/services/configservice/include/
         DESTINATION ${lumora_include_folder} COMPONENT development FILES_MATCHING PATTERN *.h PATTERN *.def)

@@ -2,6 +2,7 @@
 
 #include <zel/HostExport.h>
 
+#include <chrono>
 #include <cstddef>
 
 namespace KyrCoreUtils {
@@ -22,6 +23,12 @@ public:
     /// Waits for standard input and reads from it. Returns the number of bytes; 0 at the end of the input, on an error,
     /// and as soon as a signal has arrived. Main thread.
     static std::size_t readInput(char* buffer, std::size_t room) noexcept;
+    /// Waits until a signal has arrived, at most for the given time. Returns true if one has arrived. Main thread.
+    static bool waitFor(std::chrono::milliseconds time) noexcept;
+    /// Waits until a signal has arrived. Main thread.
+    static void wait() noexcept;
+    /// Forgets the signal, because it was the regular end of the command: endProcess() then returns.
+    static void acknowledge() noexcept;
     /// Ends the process by the signal that has arrived, with the default action. Returns if none has arrived.
     static void endProcess() noexcept;
 };

@@ -1,3 +1,5 @@
+#include "EndSignalPipe.h"
+
 #include <kyr/EndSignals.h>
 
 #include <fcntl.h>
@@ -92,6 +94,24 @@ std::size_t EndSignals::readInput(char* buffer, std::size_t room) noexcept {
     return 0;
 }
 
+bool EndSignals::waitFor(std::chrono::milliseconds time) noexcept {
+    pollfd source{wakeReader, POLLIN, 0};
+    if (getReceived() == 0) {
+        poll(&source, 1, static_cast<int>(time.count())); // an interruption is a signal, or the caller waits again
+    }
+    return getReceived() != 0;
+}
+
+void EndSignals::wait() noexcept {
+    constexpr std::chrono::hours turn(1); // poll() is woken by the signal; the length does not matter
+    while (!waitFor(turn)) {
+    }
+}
+
+void EndSignals::acknowledge() noexcept {
+    received = 0;
+}
+
 void EndSignals::endProcess() noexcept {
     if (const int number = getReceived(); number != 0) {
         signal(number, SIG_DFL);
@@ -100,3 +120,7 @@ void EndSignals::endProcess() noexcept {
 }
 
 } // namespace KyrCoreUtils
+
+int zel::platform::getEndSignalPipe() noexcept {
+    return KyrCoreUtils::wakeReader;
+}

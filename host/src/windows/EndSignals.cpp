@@ -8,6 +8,7 @@
 #include <array>
 #include <atomic>
 #include <climits>
+#include <thread>
 
 namespace KyrCoreUtils {
 
@@ -55,6 +56,23 @@ std::size_t EndSignals::readInput(char* buffer, std::size_t room) noexcept {
     }
     const auto length = _read(_fileno(stdin), buffer, static_cast<unsigned>(std::min<std::size_t>(room, INT_MAX)));
     return length > 0 && getReceived() == 0 ? static_cast<std::size_t>(length) : 0;
+}
+
+bool EndSignals::waitFor(std::chrono::milliseconds time) noexcept {
+    const auto end = std::chrono::steady_clock::now() + time;
+    while (getReceived() == 0 && std::chrono::steady_clock::now() < end) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(20)); // the handler of a signal can wake nobody
+    }
+    return getReceived() != 0;
+}
+
+void EndSignals::wait() noexcept {
+    while (!waitFor(std::chrono::seconds(1))) {
+    }
+}
+
+void EndSignals::acknowledge() noexcept {
+    received = 0;
 }
 
 void EndSignals::endProcess() noexcept {

@@ -9,6 +9,8 @@
 #include "disk/Doctor.h"
 #include "host/ConfigHost.h"
 #include "host/HostFolders.h"
+#include "live/ChangeWatch.h"
+#include "live/LiveCommands.h"
 #include "output/JsonPrinter.h"
 #include "output/LogLinePrinter.h"
 #include "output/Output.h"
@@ -124,7 +126,50 @@ void compareOperands(const CommandLine& line, Printer& printer) {
     showDifferences(line.command, read, line.showSecrets, printer);
 }
 
-ExitCode runSession(const CommandLine& line, Printer& printer) {
+/// Answers other processes until a signal arrives, which is the regular end.
+ExitCode serve(Session& session, const Command& command, Printer& printer) {
+    const auto socket = session.getHost().startInspection(!command.changesRefused);
+    printer.showText("ready", "serving " + session.getHost().getConfigDirectory() + " on " + socket);
+    EndSignals::wait();
+    EndSignals::acknowledge();
+    return ExitCode::Done;
+}
+
+ExitCode watch(const CommandLine& line, Outputs& outputs) {
+    KyrCoreUtils::FileUtils::overrideDirectories(line.directories);
+    ChangeWatch watch(outputs.answers, outputs.messages, line.json ? ChangeWatch::Form::Json : ChangeWatch::Form::Text,
+                      line.command.watched, line.showSecrets);
+    if (line.command.follows) {
+        watch.runForEver();
+    } else {
+        watch.run();
+    }
+    return ExitCode::Done;
+}
+
+/// Runs the command on the client that uses the profile. Returns false if there is none, or none that can be asked.
+/// Stores of the command line belong to a host of their own.
+bool runLive(const CommandLine& line, Printer& printer) {
+    if (line.offline || !line.stores.empty() || !line.bootstraps.empty() || !LiveCommands::canRun(line.command)) {
+        return false;
+    }
+    KyrCoreUtils::FileUtils::overrideDirectories(line.directories);
+    InspectionClient client;
+    if (!client.isConnected()) {
+        return false;
+    }
+    LiveCommands(client, printer, line.showSecrets).run(line.command);
+    return true;
+}
+
+ExitCode runInSession(Session& session, const CommandLine& line, Printer& printer) {
+    if (line.command.name == "shell") {
+        return Shell(session).run();
+    }
+    return line.command.name == "serve" ? serve(session, line.command, printer) : runOne(session, line.command);
+}
+
+ExitCode runSession(const CommandLine& line, Printer& printer, Outputs& outputs) {
     if (line.command.name == "doctor") {
         examineProfile(line, printer);
         return ExitCode::Done;
@@ -137,13 +182,20 @@ ExitCode runSession(const CommandLine& line, Printer& printer) {
         printer.showText("completion", std::string(getCompletionScript(line.command.topic)));
         return ExitCode::Done;
     }
+    if (line.command.name == "watch") {
+        return watch(line, outputs);
+    }
     if (line.command.name == "diff" && !line.command.operands.empty()) {
         compareOperands(line, printer);
         return ExitCode::Done;
     }
-    return withSession(line, printer, [&](Session& session) {
-        return line.command.name == "shell" ? Shell(session).run() : runOne(session, line.command);
-    });
+    if (runLive(line, printer)) {
+        return ExitCode::Done;
+    }
+    if (line.live) {
+        throw Failure(ExitCode::Environment, "no running client can carry out '" + line.command.name + "'");
+    }
+    return withSession(line, printer, [&](Session& session) { return runInSession(session, line, printer); });
 }
 
 ExitCode runLine(const CommandLine& line, Outputs& outputs) {
@@ -153,7 +205,7 @@ ExitCode runLine(const CommandLine& line, Outputs& outputs) {
     }
     const auto printer = makePrinter(line, outputs);
     try {
-        return runSession(line, *printer);
+        return runSession(line, *printer, outputs);
     } catch (const Failure& failure) {
         printer->showFailure(line.command.name, failure);
         return failure.getCode();

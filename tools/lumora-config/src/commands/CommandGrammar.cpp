@@ -117,6 +117,15 @@ void addWrites(CLI::App& app, Command& command, CommandScope scope) {
     resetData->add_flag("--force", command.forced, "Also remove files that are not the client's");
 }
 
+/// The commands that start a client or follow one; in a shell, the shell itself is the client.
+void addLiveCommands(CLI::App& app, Command& command) {
+    addCommand(app, command, "serve", "Run a client with the profile until a signal ends it")
+        ->add_flag("--no-changes", command.changesRefused, "Refuse changes by other processes");
+    auto* watch = addCommand(app, command, "watch", "Print each change of the running client");
+    watch->add_option("KEY", command.watched, "Only these keys; * stands for any text, ? for one character");
+    watch->add_flag("--follow", command.follows, "Wait for a client, and for the next one when it ends");
+}
+
 void addShellCommands(CLI::App& app, Command& command) {
     addCommand(app, command, "start", "Start the feature set");
     addCommand(app, command, "stop", "Stop the feature set");
@@ -154,6 +163,7 @@ void addCommands(CLI::App& app, Command& command, CommandScope scope) {
             ->add_option("SHELL", command.topic, "The shell")
             ->type_name("bash|fish|zsh")
             ->required();
+        addLiveCommands(app, command);
     }
     addCommand(app, command, "help", "Print the help, or that of a command")
         ->add_option("COMMAND", command.topic, "The command");

@@ -25,10 +25,13 @@ struct Command {
     std::optional<std::string> fallback; ///< For get: the value of --default.
     std::string topic;                   ///< For help: a command. For completion: a shell.
     std::vector<std::string> companions; ///< Keys whose values are shown with each change of the observed key.
+    std::vector<std::string> watched;    ///< Keys and patterns.
     bool origin = false;
     bool admin = false;
     bool confirmed = false;
     bool forced = false;
+    bool follows = false; ///< Waits for the next client.
+    bool changesRefused = false;
     bool dryRun = false;
     bool sensitive = false;
     bool renamed = false;

@@ -51,6 +51,8 @@ void addOptions(CLI::App& app, RawOptions& raw, CommandLine& line) {
     app.add_flag("-v,--verbose", line.verbose, "Print log lines on standard error");
     app.add_flag("--show-secrets", line.showSecrets, "Show sensitive values");
     app.add_flag("--trust", line.trusted, "Use a named folder even if another user owns it or everybody may write it");
+    auto* offline = app.add_flag("--offline", line.offline, "Do not ask a running client");
+    app.add_flag("--live", line.live, "Fail if no running client can be asked")->excludes(offline);
     app.fallthrough();
     app.footer(footer);
 }

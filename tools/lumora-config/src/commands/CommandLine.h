@@ -25,6 +25,8 @@ struct CommandLine {
     bool json = false;
     bool verbose = false;
     bool showSecrets = false;
+    bool live = false;    ///< Requires a running client.
+    bool offline = false; ///< Does not ask a running client.
     bool trusted = false; ///< Uses the named directories whoever owns them.
     Command command;
 

@@ -1,7 +1,7 @@
 #include "CommandTable.h"
 #include "KeyCommands.h"
+#include "ListSearch.h"
 #include "stores/KnownKeys.h"
-#include "stores/SearchPattern.h"
 
 #include <ConfigCatalogue.h>
 
@@ -85,31 +85,13 @@ std::vector<ListedValue> listStore(Session& session, const Command& command) {
     return listed;
 }
 
-/// Removes what the options of the search exclude. The values are masked, so that a search reveals no secret.
-void filter(Session& session, const Command& command, std::vector<ListedValue>& values) {
-    using Kind = SearchPattern::Kind;
-    const auto kind = command.byExpression ? Kind::Expression : command.byValue ? Kind::Part : Kind::Prefix;
-    const SearchPattern pattern(toWide(command.prefix), kind);
-    std::erase_if(values, [&](const ListedValue& listed) {
-        return !pattern.matches(command.byValue ? listed.value : listed.key) ||
-               (command.overridden && !listed.overridden) ||
-               (command.sensitive && !session.getMask().hides(listed.key));
-    });
-}
-
-std::string describeEmptyList(const Command& command) {
-    const bool isPrefix = !command.byExpression && !command.byValue && command.store.empty() && !command.overridden &&
-                          !command.sensitive && command.prefix.find_first_of("*?") == std::string::npos;
-    return isPrefix ? "no key begins with '" + command.prefix + "'" : "the search finds no key";
-}
-
 void list(Session& session, const Command& command) {
     std::vector<ListedValue> values;
     session.getHost().onServices("lumora-config: list", [&] {
         values = command.store.empty() ? session.getChain().list(L"") : listStore(session, command);
     });
     session.getMask().hide(values);
-    filter(session, command, values);
+    keepMatches(values, command, [&](const std::wstring& key) { return session.getMask().hides(key); });
     session.getPrinter().showList(values);
     if (values.empty()) {
         throw Failure(ExitCode::NotFound, describeEmptyList(command));

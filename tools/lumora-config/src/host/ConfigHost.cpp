@@ -1,6 +1,7 @@
 #include "ConfigHost.h"
 
 #include "HostFolders.h"
+#include "InspectionPlugin.h"
 #include "LogLineCatcher.h"
 #include "output/Failure.h"
 
@@ -46,6 +47,7 @@ std::shared_ptr<UnifiedFactoryImpl> makeFactory(const std::string& pluginDirecto
     options.pluginFolder = pluginDirectory;
     options.plugins = {{ZelUnified::readableTypeName<ZelUnified::ConfigService>(), LUMORA_PLUGIN_LIBRARY},
                        {ZelUnified::readableTypeName<ZelUnified::ConfigFeatureSet>(), LUMORA_PLUGIN_LIBRARY}};
+    options.plugins.merge(InspectionPlugin::describe());
     return std::make_shared<UnifiedFactoryImpl>(std::move(options));
 }
 
@@ -78,6 +80,10 @@ ConfigHost::~ConfigHost() {
 
 void ConfigHost::start() {
     factory->StartFeatureSet(ZelUnified::configServiceId, nullptr);
+}
+
+std::string ConfigHost::startInspection(bool changesAllowed) {
+    return InspectionPlugin::start(*factory, changesAllowed);
 }
 
 void ConfigHost::stop() {

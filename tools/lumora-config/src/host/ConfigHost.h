@@ -30,6 +30,9 @@ public:
     ConfigHost& operator=(const ConfigHost&) = delete;
 
     void start();
+    /// Lets other processes of the user inspect the configuration, and change it if `changesAllowed` is true. Returns
+    /// the path of the socket. Call it after start(). Throws Failure (Environment).
+    std::string startInspection(bool changesAllowed);
     void stop();
     bool isStarted() const;
     /// Resets the client as a user does: calls the reset callback of every provider.

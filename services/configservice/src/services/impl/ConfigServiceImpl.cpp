@@ -167,12 +167,19 @@ void ConfigServiceImpl::OnConfigChanged(std::wstring key, std::wstring value, st
     if (!record) {
         createConfig(key, std::move(value), std::move(originalValue), isOverridden, std::move(storeName),
                      std::move(originalStoreName));
-    } else if (deferFire) {
-        record->applyValues(std::move(value), std::move(originalValue), isOverridden, isDefined, std::move(storeName),
-                            std::move(originalStoreName));
-    } else {
+        return;
+    }
+    const auto before = recordObservers.beginChange(*record);
+    if (!before && !deferFire) {
         record->applyValuesAndFire(std::move(value), std::move(originalValue), isOverridden, isDefined,
                                    std::move(storeName), std::move(originalStoreName));
+        return;
+    }
+    record->applyValues(std::move(value), std::move(originalValue), isOverridden, isDefined, std::move(storeName),
+                        std::move(originalStoreName));
+    recordObservers.endChange(*record, before);
+    if (!deferFire) {
+        record->fireChanged();
     }
 }
 
@@ -198,6 +205,39 @@ void ConfigServiceImpl::onFeatureSetReady(bool ready) {
         setConfigReady(ready);
         fireConfigReady();
     }
+}
+
+std::shared_ptr<ConfigValue> ConfigServiceImpl::findRecord(const std::wstring& key) {
+    EnsureUpdateAccess(true);
+    const FoldedKey folded(key);
+    if (const auto* newName = newNames.find(folded)) {
+        if (const auto* const entry = configValuesIndex.find(FoldedKey(*newName))) {
+            return entry->second;
+        }
+    }
+    const auto* const entry = configValuesIndex.find(folded);
+    return entry != nullptr ? entry->second : nullptr;
+}
+
+std::vector<std::shared_ptr<ConfigValue>> ConfigServiceImpl::getRecordsBehind(const std::wstring& key,
+                                                                              std::size_t count) {
+    EnsureUpdateAccess(true);
+    std::vector<std::shared_ptr<ConfigValue>> records;
+    auto entry = key.empty() ? configValues.begin() : configValues.upper_bound(key);
+    for (; entry != configValues.end() && records.size() < count; ++entry) {
+        records.push_back(entry->second);
+    }
+    return records;
+}
+
+void ConfigServiceImpl::addRecordObserver(std::weak_ptr<ConfigRecordObserver> observer) {
+    EnsureUpdateAccess(true);
+    recordObservers.add(std::move(observer));
+}
+
+void ConfigServiceImpl::removeRecordObserver(std::weak_ptr<ConfigRecordObserver> observer) {
+    EnsureUpdateAccess(true);
+    recordObservers.remove(observer);
 }
 
 std::shared_ptr<ConfigValueImpl> ConfigServiceImpl::findConfig(const FoldedKey& key) {

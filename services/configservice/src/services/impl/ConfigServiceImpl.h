@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ConfigValueImpl.h"
+#include "RecordObservers.h"
 #include "base/ConfigServiceBaseImpl.h"
 #include "base/SharedTexts.h"
 #include "table/KeyIndex.h"
@@ -9,11 +10,14 @@
 #include <unified/FeatureSetReadyListener.h>
 
 #include <ConfigMap.h>
+#include <ConfigRecords.h>
 
+#include <cstddef>
 #include <list>
 #include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace ZelUnified {
 
@@ -23,7 +27,7 @@ class UnifiedFactory;
 /// Implements the public service. Reads return records in memory, which the adapter updates; every operation on a store
 /// is forwarded to ConfigFeatureSet. The service has no values until the adapter calls it. All containers belong to the
 /// services dispatcher's thread; there is no lock.
-class ConfigServiceImpl final : public ConfigServiceBaseImpl, public FeatureSetReadyListener {
+class ConfigServiceImpl final : public ConfigServiceBaseImpl, public FeatureSetReadyListener, public ConfigRecords {
 public:
     explicit ConfigServiceImpl(const std::shared_ptr<UnifiedFactory>& factory);
 
@@ -64,6 +68,11 @@ public:
 
     void onFeatureSetReady(bool ready) override;
 
+    std::shared_ptr<ConfigValue> findRecord(const std::wstring& key) override;
+    std::vector<std::shared_ptr<ConfigValue>> getRecordsBehind(const std::wstring& key, std::size_t count) override;
+    void addRecordObserver(std::weak_ptr<ConfigRecordObserver> observer) override;
+    void removeRecordObserver(std::weak_ptr<ConfigRecordObserver> observer) override;
+
 private:
     using ConfigValueMap = std::map<std::wstring, std::shared_ptr<ConfigValueImpl>, caseInsensitiveMapComparator>;
 
@@ -89,6 +98,7 @@ private:
     KeyIndex<ConfigValueMap::value_type> configValuesIndex;
     SharedTexts storeNames; ///< Shared by the records.
     ConfigKeySet sensitiveKeys;
+    RecordObservers recordObservers;
     KeyNameMap newNames; ///< Found by old name.
     std::shared_ptr<UnifiedFactory> unifiedFactory;
 };

@@ -431,6 +431,10 @@ std::shared_ptr<ConfigStore> ConfigAdapter::getConfigStoreByName(const std::stri
     return configStoreManager ? configStoreManager->getStoreByName(name) : nullptr;
 }
 
+std::vector<std::shared_ptr<ConfigStore>> ConfigAdapter::getConfigStores() {
+    return configStoreManager ? configStoreManager->getStores() : std::vector<std::shared_ptr<ConfigStore>>();
+}
+
 std::shared_ptr<ConfigStore> ConfigAdapter::createBootstrapStore(const std::string& path, int priority) {
     return std::make_shared<BootstrapConfigStore>(std::string(ConfigKeys::bootstrapConfigStore), path, priority);
 }

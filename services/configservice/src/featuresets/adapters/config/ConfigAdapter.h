@@ -12,6 +12,7 @@
 #include <zel/PowerEventObserver.h>
 
 #include <BootstrapStoreFactory.h>
+#include <ConfigChainView.h>
 #include <ConfigFeatureSet.h>
 #include <ConfigServiceExport.h>
 #include <ConfigStoreManager_Observer.h>
@@ -38,6 +39,7 @@ class ResetDataCallbackRegistry;
 /// it. The other operations rely on the manager's locks and read the started flag without a lock.
 class LUMORA_CONFIG_API ConfigAdapter final : public FeatureSetAdapter,
                                               public ConfigFeatureSet,
+                                              public ConfigChainView,
                                               public ConfigStoreManager_Observer,
                                               public ZelSystemMonitor::PowerEventObserver,
                                               public ProviderResetDataCallback,
@@ -85,6 +87,7 @@ public:
     std::wstring getValueFromConfigStore(const std::string& storeName, const std::wstring& key) override;
     std::shared_ptr<ConfigStore> getConfigStoreByName(const std::string& name) override;
 
+    std::vector<std::shared_ptr<ConfigStore>> getConfigStores() override;
     std::shared_ptr<ConfigStore> createBootstrapStore(const std::string& path, int priority) override;
 
     void onFireIfRequired(std::wstring key) override;

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <zel/HostExport.h>
+
+#include <optional>
+#include <string>
+
+namespace KyrCoreUtils {
+
+/// Stream sockets between processes of one user on one machine. Where the platform has none, every operation fails and
+/// isSupported() returns false. Never throws except for a failed allocation. Any thread.
+class LUMORA_HOST_API LocalSocket {
+public:
+    static bool isSupported() noexcept;
+
+    /// Returns the path of the socket that belongs to a directory, the same for each spelling of the directory and in
+    /// all processes of the user: in "lumora" of the runtime directory ($XDG_RUNTIME_DIR) or, without one or if the
+    /// path would be too long for a socket, in `stateDirectory`. Returns "" if there is no usable path. Creates
+    /// nothing.
+    static std::string getPathFor(const std::string& directory, const std::string& stateDirectory);
+
+    /// The process at the other end of a connection, as the system reports it.
+    struct Peer {
+        long process = 0;
+        bool isSameUser = false;
+    };
+    /// Returns nullopt if the descriptor is no connected local socket.
+    static std::optional<Peer> getPeer(int descriptor) noexcept;
+};
+
+} // namespace KyrCoreUtils

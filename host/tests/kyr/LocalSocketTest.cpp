@@ -1,0 +1,107 @@
+#include <kyr/LocalConnection.h>
+#include <kyr/LocalListener.h>
+#include <kyr/LocalSocket.h>
+
+#include <TemporaryProfile.h>
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+#include <optional>
+#include <string>
+
+namespace KyrCoreUtils {
+namespace {
+
+using namespace std::chrono_literals;
+
+/// Sets the runtime directory for the duration of a test.
+class RuntimeDirectory {
+public:
+    explicit RuntimeDirectory(const std::string& path) {
+        if (const char* const value = std::getenv(name)) {
+            before = value;
+        }
+        setenv(name, path.c_str(), 1);
+    }
+
+    ~RuntimeDirectory() {
+        if (before) {
+            setenv(name, before->c_str(), 1);
+        } else {
+            unsetenv(name);
+        }
+    }
+
+    RuntimeDirectory(const RuntimeDirectory&) = delete;
+    RuntimeDirectory& operator=(const RuntimeDirectory&) = delete;
+
+private:
+    static constexpr auto name = "XDG_RUNTIME_DIR";
+    std::optional<std::string> before;
+};
+
+TEST(LocalSocket, PathIsInTheRuntimeDirectoryElseInTheStateDirectory) {
+    {
+        const RuntimeDirectory runtime("/run/user/7");
+        EXPECT_TRUE(LocalSocket::getPathFor("/home/a/config", "/home/a/state").starts_with("/run/user/7/lumora/"));
+    }
+    for (const auto& unusable : {std::string(), std::string("relative"), "/too/long/" + std::string(100, 'x')}) {
+        const RuntimeDirectory runtime(unusable);
+        EXPECT_TRUE(LocalSocket::getPathFor("/home/a/config", "/home/a/state").starts_with("/home/a/state/lumora/"));
+    }
+}
+
+TEST(LocalSocket, PathIsShortEnoughForASocketOrEmpty) {
+    const RuntimeDirectory runtime("");
+    const std::string directory(300, 'd');
+    for (std::size_t length = 1; length < 120; ++length) {
+        const auto path = LocalSocket::getPathFor("/" + directory, "/" + std::string(length, 's'));
+        EXPECT_LE(path.size(), 107U);
+    }
+    EXPECT_EQ(LocalSocket::getPathFor("/a", "/" + std::string(100, 's')), "");
+}
+
+TEST(LocalSocket, EachSpellingOfADirectoryHasTheSamePath) {
+    const testing_host::TemporaryProfile profile;
+    const auto directory = profile.config().string();
+    std::filesystem::create_directory_symlink(profile.config(), profile.root() / "link");
+    const auto path = LocalSocket::getPathFor(directory, "/s");
+    EXPECT_EQ(LocalSocket::getPathFor(directory + "/", "/s"), path);
+    EXPECT_EQ(LocalSocket::getPathFor(directory + "/../config/.", "/s"), path);
+    EXPECT_EQ(LocalSocket::getPathFor((profile.root() / "link").string(), "/s"), path);
+    EXPECT_NE(LocalSocket::getPathFor(profile.state().string(), "/s"), path);
+}
+
+TEST(LocalSocket, ALinkOrAFolderForOthersIsNotUsedAsItIs) {
+    using std::filesystem::perms;
+    const testing_host::TemporaryProfile profile;
+    const auto open = profile.root() / "open";
+    std::filesystem::create_directory(open);
+    std::filesystem::permissions(open, perms::all);
+    const LocalListener listener((open / "s.sock").string());
+    EXPECT_EQ(listener.getError(), 0);
+    EXPECT_EQ(std::filesystem::status(open).permissions(), perms::owner_all);
+    std::filesystem::create_directory_symlink(open, profile.root() / "link");
+    const LocalListener behindLink((profile.root() / "link" / "t.sock").string());
+    EXPECT_EQ(behindLink.getError(), EPERM);
+}
+
+TEST(LocalConnection, ReportsTheOtherProcessAndItsEnd) {
+    const testing_host::TemporaryProfile profile;
+    const auto path = (profile.root() / "s" / "s.sock").string();
+    std::string line;
+    std::optional<LocalListener> listener(path);
+    LocalConnection connection(path);
+    ASSERT_TRUE(connection.isOpen());
+    EXPECT_GT(connection.getPeer(), 0);
+    EXPECT_TRUE(connection.sendLine("hello", 1s));
+    EXPECT_EQ(connection.receiveLine(line, 1ms), LocalConnection::Received::Timeout);
+    listener.reset();
+    EXPECT_EQ(connection.receiveLine(line, 20s), LocalConnection::Received::End);
+    EXPECT_FALSE(LocalConnection(path).isOpen());
+}
+
+} // namespace
+} // namespace KyrCoreUtils

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "ChangeQueue.h"
+#include "ConfigInspector.h"
+#include "InspectionLimits.h"
+#include "ServicesTasks.h"
+#include "Watcher.h"
+
+#include <ConfigRecordObserver.h>
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <set>
+
+namespace inspection {
+
+/// Observes the records while anybody watches, and distributes their changes. A client without watchers pays nothing:
+/// the observer is registered with the first watcher and removed with the last one.
+///
+/// The socket's thread calls everything except OnRecordChanged(), which only queues the change.
+class ChangeFeed final : public ZelUnified::ConfigRecordObserver, public std::enable_shared_from_this<ChangeFeed> {
+public:
+    /// `postToSocket` runs a function later on the socket's thread.
+    using PostToSocket = std::function<void(std::function<void()>)>;
+
+    ChangeFeed(const std::shared_ptr<ZelUnified::UnifiedFactory>& factory,
+               std::shared_ptr<const ConfigInspector> configInspector, const InspectionLimits& limits,
+               PostToSocket poster);
+
+    /// Adds the watcher, unless it is there already. Calls `ready`, on the services dispatcher's thread, once every
+    /// later change reaches it.
+    void add(Watcher& watcher, std::function<void()> ready);
+    /// Must be called before the watcher is destroyed.
+    void remove(Watcher& watcher);
+
+    void OnRecordChanged(const std::wstring& key, const ZelUnified::ConfigRecordState& before,
+                         const ZelUnified::ConfigRecordState& after) override;
+
+private:
+    void push(Change change);
+    void distribute();
+
+    const std::shared_ptr<const ConfigInspector> inspector;
+    const ServicesTasks tasks;
+    const PostToSocket postToSocket;
+    ChangeQueue queue;
+    std::set<Watcher*> watchers;
+};
+
+} // namespace inspection

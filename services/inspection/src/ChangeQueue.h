@@ -1,0 +1,51 @@
+#pragma once
+
+#include "Change.h"
+
+#include <kyr/AnnotatedMutex.h>
+#include <kyr/LockGuard.h>
+
+#include <cstddef>
+#include <utility>
+#include <vector>
+
+namespace inspection {
+
+/// Passes changes from the services dispatcher's thread to the socket's thread. Bounded: the client may change more
+/// than can be distributed. Any thread.
+class ChangeQueue {
+public:
+    explicit ChangeQueue(std::size_t mostChanges) : capacity(mostChanges) {}
+
+    /// The changes since the last call of take().
+    struct Batch {
+        std::vector<Change> changes;
+        std::size_t lost = 0; ///< How many did not fit behind them.
+    };
+
+    /// Adds a change, or counts it as lost. Returns true if the queue was empty, so that the reader must be woken.
+    bool push(Change change) {
+        const KyrCoreUtils::LockGuard lock(mutex);
+        const bool wasEmpty = batch.changes.empty();
+        if (batch.changes.size() >= capacity) {
+            ++batch.lost;
+            return false;
+        }
+        batch.changes.push_back(std::move(change));
+        return wasEmpty;
+    }
+
+    Batch take() {
+        Batch taken;
+        const KyrCoreUtils::LockGuard lock(mutex);
+        std::swap(taken, batch);
+        return taken;
+    }
+
+private:
+    const std::size_t capacity;
+    KyrCoreUtils::AnnotatedMutex<> mutex;
+    Batch batch LUMORA_GUARDED_BY(mutex);
+};
+
+} // namespace inspection

@@ -1,0 +1,269 @@
+#include "InspectionConnection.h"
+
+#include <asio/post.hpp>
+#include <asio/write.hpp>
+#include <system_error>
+#include <utility>
+
+namespace inspection {
+
+using Code = RequestError::Code;
+
+InspectionConnection::InspectionConnection(Socket peerSocket, std::shared_ptr<asio::io_context> socketContext,
+                                           long peer, const InspectionLimits& connectionLimits,
+                                           std::shared_ptr<RequestRunner> requestRunner,
+                                           std::shared_ptr<ChangeFeed> changeFeed, Ended endedCallback)
+    : socket(std::move(peerSocket)),
+      context(socketContext),
+      process(peer),
+      limits(connectionLimits),
+      runner(std::move(requestRunner)),
+      feed(std::move(changeFeed)),
+      ended(std::move(endedCallback)),
+      deadline(*socketContext) {}
+
+void InspectionConnection::start() {
+    enter(Phase::InRequest);
+    read();
+}
+
+void InspectionConnection::close() {
+    if (!socket.is_open()) {
+        return;
+    }
+    if (std::exchange(isWatching, false)) {
+        feed->remove(*this);
+    }
+    std::error_code ignored;
+    deadline.cancel();
+    socket.close(ignored);
+    std::exchange(ended, nullptr)(shared_from_this());
+}
+
+void InspectionConnection::read() {
+    socket.async_read_some(asio::buffer(chunk),
+                           [self = shared_from_this()](const std::error_code& error, std::size_t length) {
+                               if (error || length == 0) {
+                                   self->close();
+                                   return;
+                               }
+                               self->onRead(length);
+                           });
+}
+
+void InspectionConnection::onRead(std::size_t length) {
+    received.append(chunk.data(), length);
+    handleNextLine();
+}
+
+/// Handles the next line if it is complete, otherwise reads on. While a request is carried out nothing is read, so a
+/// peer cannot queue more than one.
+void InspectionConnection::handleNextLine() {
+    if (!socket.is_open()) {
+        return;
+    }
+    const auto end = received.find('\n', searched);
+    if (end == std::string::npos) {
+        searched = received.size();
+        if (received.size() > limits.requestBytes) {
+            skipOversizedLine();
+            return;
+        }
+        enterWaiting();
+        read();
+        return;
+    }
+    const auto line = received.substr(0, end);
+    received.erase(0, end + 1);
+    searched = 0;
+    if (std::exchange(skipsLine, false)) {
+        handleNextLine();
+        return;
+    }
+    enter(Phase::Executing);
+    hasServed = true;
+    handle(line);
+}
+
+void InspectionConnection::skipOversizedLine() {
+    received.clear();
+    searched = 0;
+    if (std::exchange(skipsLine, true)) {
+        enterWaiting();
+        read();
+        return;
+    }
+    enter(Phase::Executing);
+    reply(makeFailure({}, Code::Usage, "the request is longer than " + std::to_string(limits.requestBytes) + " bytes"));
+}
+
+void InspectionConnection::handle(const std::string& line) {
+    InspectionRequest request;
+    if (line.size() > limits.requestBytes) {
+        reply(makeFailure(request, Code::Usage,
+                          "the request is longer than " + std::to_string(limits.requestBytes) + " bytes"));
+        return;
+    }
+    try {
+        request.parse(line);
+    } catch (const RequestError& error) {
+        reply(makeFailure(request, error.getCode(), error.what()));
+        return;
+    }
+    if (request.verb == "watch") {
+        watch(request);
+    } else if (request.verb == "unwatch") {
+        unwatch(request);
+    } else {
+        runner->run(request, process, makeAnswer());
+    }
+}
+
+void InspectionConnection::watch(const InspectionRequest& request) {
+    if (request.showSecrets) {
+        runner->logSecretRequest(request, process);
+    }
+    addPatterns(request.keys);
+    setShowsSecrets(request.showSecrets);
+    isWatching = true;
+    const Json done{{"type", "done"}, {"command", request.verb}, {"message", "watching"}};
+    feed->add(*this, [answer = makeAnswer(), object = makeReply(request.id, done)] { answer(object); });
+}
+
+void InspectionConnection::unwatch(const InspectionRequest& request) {
+    if (std::exchange(isWatching, false)) {
+        feed->remove(*this);
+    }
+    clearPatterns();
+    reply(makeReply(request.id, {{"type", "done"}, {"command", request.verb}, {"message", "watching no longer"}}));
+}
+
+RequestRunner::Answer InspectionConnection::makeAnswer() {
+    return [weak = weak_from_this(), target = context](Json object) {
+        if (const auto alive = target.lock()) {
+            asio::post(*alive, [weak, object = std::move(object)] {
+                if (const auto self = weak.lock()) {
+                    self->reply(object);
+                }
+            });
+        }
+    };
+}
+
+void InspectionConnection::reply(const Json& object) {
+    if (!socket.is_open()) {
+        return;
+    }
+    enter(Phase::Replying);
+    send({std::make_shared<const std::string>(toLine(object)), true});
+}
+
+void InspectionConnection::sendEvent(const std::shared_ptr<const std::string>& line) {
+    if (!socket.is_open()) {
+        return;
+    }
+    if (lost != 0 || events >= limits.queuedEvents || eventBytes + line->size() > limits.queuedBytes) {
+        ++lost;
+        return;
+    }
+    ++events;
+    eventBytes += line->size();
+    send({line, false});
+}
+
+void InspectionConnection::addLost(std::size_t count) {
+    lost += count;
+    if (socket.is_open() && !isWriting) {
+        writeNext();
+    }
+}
+
+void InspectionConnection::send(Message message) {
+    outbox.push_back(std::move(message));
+    if (!isWriting) {
+        writeNext();
+    }
+}
+
+/// Sends the next message. One event replaces the lost ones, in their place: once all older events are sent.
+void InspectionConnection::writeNext() {
+    if (outbox.empty() && lost != 0) {
+        outbox.push_back({std::make_shared<const std::string>(makeLostLine(std::exchange(lost, 0))), false});
+        ++events;
+        eventBytes += outbox.back().line->size();
+    }
+    if (outbox.empty() || !socket.is_open()) {
+        return;
+    }
+    isWriting = true;
+    const auto& next = outbox.front();
+    asio::async_write(socket, asio::buffer(*next.line),
+                      [self = shared_from_this(), line = next.line,
+                       wasReply = next.isReply](const std::error_code& error, std::size_t /*length*/) {
+                          if (error) {
+                              self->close();
+                              return;
+                          }
+                          self->onWritten(wasReply);
+                      });
+}
+
+void InspectionConnection::onWritten(bool wasReply) {
+    isWriting = false;
+    if (!wasReply) {
+        --events;
+        eventBytes -= outbox.front().line->size();
+    }
+    outbox.pop_front();
+    writeNext();
+    if (wasReply) {
+        handleNextLine();
+    }
+}
+
+void InspectionConnection::enterWaiting() {
+    if (!received.empty() || skipsLine || !hasServed) {
+        enter(Phase::InRequest);
+    } else {
+        enter(isWatching ? Phase::Watching : Phase::Idle);
+    }
+}
+
+/// Begins a phase and its time. Staying in a phase does not prolong its time: a peer that sends a byte now and then is
+/// dropped, too.
+void InspectionConnection::enter(Phase next) {
+    if (phase == next || !socket.is_open()) {
+        return;
+    }
+    phase = next;
+    const auto time = timeOf(next);
+    if (time == std::chrono::milliseconds::zero()) {
+        deadline.cancel();
+        return;
+    }
+    deadline.expires_after(time);
+    deadline.async_wait([self = shared_from_this()](const std::error_code& cancelled) {
+        // A handler that is queued already is not cancelled when the time is set anew.
+        if (!cancelled && self->deadline.expiry() <= asio::steady_timer::clock_type::now()) {
+            self->close();
+        }
+    });
+}
+
+std::chrono::milliseconds InspectionConnection::timeOf(Phase asked) const {
+    switch (asked) {
+    case Phase::InRequest:
+        return limits.requestTime;
+    case Phase::Replying:
+        return limits.replyTime;
+    case Phase::Idle:
+        return limits.idleTime;
+    case Phase::Starting:
+    case Phase::Executing:
+    case Phase::Watching:
+        break;
+    }
+    return std::chrono::milliseconds::zero();
+}
+
+} // namespace inspection

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+
+namespace inspection {
+
+/// The limits that protect the client from other processes.
+struct InspectionLimits {
+    std::size_t requestBytes = std::size_t{1024} * 1024;
+    std::size_t connections = 256;
+    /// A watcher that does not read misses changes beyond these.
+    std::size_t queuedEvents = 1000;
+    std::size_t queuedBytes = std::size_t{4} * 1024 * 1024;
+    /// Changes that the socket's thread has not distributed yet.
+    std::size_t queuedChanges = 4096;
+    /// The time for a whole request, from the connection or the first byte on.
+    std::chrono::milliseconds requestTime{10000};
+    /// The time between two requests, unless the connection watches.
+    std::chrono::milliseconds idleTime{300000};
+    /// The time in which a reply must be read.
+    std::chrono::milliseconds replyTime{30000};
+};
+
+} // namespace inspection

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "Json.h"
+#include "RequestError.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace inspection {
+
+/// One request. Fields that the verb does not use are ignored.
+struct InspectionRequest {
+    Json id; ///< Null if the request has none.
+    std::string verb;
+    std::wstring key;
+    std::wstring value;
+    std::wstring prefix;
+    std::wstring pattern;
+    std::wstring url;
+    std::string store;
+    std::vector<std::wstring> keys; ///< Keys and patterns to watch.
+    bool admin = false;
+    bool force = false;
+    bool showSecrets = false;
+
+    /// Parses a line and sets `id` and `verb` as far as it gets, so that a failure can name them. Throws RequestError
+    /// (Usage) if the line is not a JSON object or a field has the wrong type.
+    void parse(std::string_view line);
+};
+
+/// Returns the reply: the id of the request, then the fields of `answer`.
+Json makeReply(const Json& id, const Json& answer);
+/// Returns the reply to a request that failed.
+Json makeFailure(const InspectionRequest& request, RequestError::Code code, const std::string& message);
+
+} // namespace inspection

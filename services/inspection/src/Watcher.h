@@ -1,0 +1,35 @@
+#pragma once
+
+#include "Change.h"
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace inspection {
+
+/// The keys that one connection watches, and whether it may see secrets. Socket's thread.
+class Watcher {
+public:
+    virtual ~Watcher() = default;
+
+    /// Adds keys and patterns; none at all means every key.
+    void addPatterns(const std::vector<std::wstring>& added);
+    void clearPatterns();
+    void setShowsSecrets(bool shown) { showsSecrets = shown; }
+    bool wantsSecrets() const { return showsSecrets; }
+    bool isInterestedIn(const Change& change) const;
+
+    /// Sends the event, or counts it as lost if too many are queued.
+    virtual void sendEvent(const std::shared_ptr<const std::string>& line) = 0;
+    /// Counts changes that were lost before they reached the watcher.
+    virtual void addLost(std::size_t count) = 0;
+
+private:
+    std::vector<std::wstring> patterns;
+    bool watchesAll = false;
+    bool showsSecrets = false;
+};
+
+} // namespace inspection

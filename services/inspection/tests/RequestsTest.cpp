@@ -1,0 +1,252 @@
+#include "TestHost.h"
+
+#include <LogRecorder.h>
+#include <gmock/gmock.h>
+
+namespace inspection_test {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Not;
+
+struct InspectionRequests : testing::Test {
+    TestHost host{{}, {{L"Theme", L"system"}, {L"TftpServer1", L"old.example"}, {L"Volume", L"5"}}};
+    Peer peer{host};
+};
+
+TEST_F(InspectionRequests, GreetingNamesTheProfile) {
+    auto reply = peer.ask({{"id", 1}, {"verb", "hello"}});
+    EXPECT_EQ(reply["id"], 1);
+    EXPECT_EQ(reply["type"], "hello");
+    EXPECT_EQ(reply["protocol"], 1);
+    EXPECT_EQ(reply["profile"], host.getProfile().config().string());
+    EXPECT_EQ(reply["changesAllowed"], true);
+}
+
+TEST_F(InspectionRequests, GetReturnsTheValueAndItsStore) {
+    auto reply = peer.ask({{"id", "a"}, {"verb", "get"}, {"key", "theme"}});
+    EXPECT_EQ(reply, (Json{{"id", "a"},
+                           {"type", "value"},
+                           {"key", "theme"},
+                           {"found", true},
+                           {"value", "system"},
+                           {"store", "lumora-config-defaults.xml"},
+                           {"underOldName", false}}));
+}
+
+TEST_F(InspectionRequests, GetOfAnUnknownKeyFindsNothingAndCreatesNoRecord) {
+    const auto before = host.countRecords();
+    for (const auto* verb : {"get", "explain"}) {
+        auto reply = peer.ask({{"verb", verb}, {"key", "Unknown"}});
+        EXPECT_EQ(reply["found"], false);
+        EXPECT_EQ(reply["id"], nullptr);
+    }
+    peer.ask({{"verb", "list"}, {"prefix", "Unknown"}});
+    EXPECT_EQ(host.countRecords(), before);
+}
+
+TEST_F(InspectionRequests, GetReadsTheAdministratorsValueAndThatOfOneStore) {
+    host.set(L"Theme", L"dark");
+    EXPECT_EQ(peer.ask({{"verb", "get"}, {"key", "Theme"}})["value"], "dark");
+    EXPECT_EQ(peer.ask({{"verb", "get"}, {"key", "Theme"}, {"admin", true}})["value"], "system");
+    auto ofStore = peer.ask({{"verb", "get"}, {"key", "Theme"}, {"store", "LUMORA-config-defaults.xml"}});
+    EXPECT_EQ(ofStore["value"], "system");
+    auto ofNone = peer.ask({{"verb", "get"}, {"key", "Theme"}, {"store", "None"}});
+    EXPECT_EQ(ofNone["type"], "failure");
+    EXPECT_EQ(ofNone["exitCode"], 1);
+}
+
+TEST_F(InspectionRequests, ExplainListsEveryStoreInChainOrderAndMarksTheWinner) {
+    host.set(L"Theme", L"dark");
+    auto reply = peer.ask({{"verb", "explain"}, {"key", "Theme"}});
+    EXPECT_EQ(reply["type"], "explanation");
+    EXPECT_EQ(reply["value"], "dark");
+    EXPECT_EQ(reply["administrator"]["value"], "system");
+    EXPECT_EQ(reply["overridden"], true);
+    std::vector<int> priorities;
+    std::vector<std::string> winners;
+    for (auto& store : reply["stores"]) {
+        priorities.push_back(store["priority"]);
+        if (store["wins"]) {
+            winners.push_back(store["name"]);
+        }
+    }
+    EXPECT_TRUE(std::ranges::is_sorted(priorities));
+    EXPECT_THAT(winners, ElementsAre("LocalFileConfigStore"));
+}
+
+TEST_F(InspectionRequests, ExplainNamesTheOldAndTheNewName) {
+    auto reply = peer.ask({{"verb", "explain"}, {"key", "tftpserver1"}});
+    EXPECT_EQ(reply["newName"], "TFTPPrimaryServer");
+    EXPECT_EQ(reply["oldName"], "TftpServer1");
+    EXPECT_EQ(reply["value"], "old.example");
+    EXPECT_EQ(reply["underOldName"], true);
+}
+
+TEST_F(InspectionRequests, ListReturnsTheDefinedKeysOfAPrefixOrAPattern) {
+    const auto keysOf = [&](const Json& request) {
+        std::vector<std::string> keys;
+        auto reply = peer.ask(request);
+        for (const auto& value : reply["values"]) {
+            keys.push_back(value["key"]);
+        }
+        return keys;
+    };
+    EXPECT_THAT(keysOf({{"verb", "list"}, {"prefix", "th"}}), ElementsAre("theme"));
+    EXPECT_THAT(keysOf({{"verb", "list"}, {"pattern", "*L?me"}}), ElementsAre("volume"));
+    EXPECT_THAT(keysOf({{"verb", "list"}}), Contains("theme"));
+}
+
+TEST_F(InspectionRequests, StoresAreListedInChainOrder) {
+    auto reply = peer.ask({{"verb", "stores"}});
+    ASSERT_FALSE(reply["stores"].empty());
+    EXPECT_EQ(reply["stores"].front()["name"], "LocalFileConfigStore");
+    EXPECT_EQ(reply["stores"].back()["name"], "lumora-config-defaults.xml");
+    EXPECT_EQ(reply["stores"].back()["keys"], 3);
+}
+
+TEST_F(InspectionRequests, ReportAndLogReturnTheTextsOfTheClient) {
+    EXPECT_THAT(peer.ask({{"verb", "report"}})["text"].get<std::string>(), HasSubstr("<AllConfigs>"));
+    EXPECT_THAT(peer.ask({{"verb", "log"}})["text"].get<std::string>(), HasSubstr("Key: theme"));
+}
+
+TEST_F(InspectionRequests, HealthNamesTheUsersFile) {
+    peer.ask({{"verb", "set"}, {"key", "Theme"}, {"value", "dark"}});
+    auto reply = peer.ask({{"verb", "health"}});
+    EXPECT_EQ(reply["attention"], false);
+    EXPECT_THAT(reply["items"].dump(), HasSubstr("lumoraLocalConfig.dat"));
+}
+
+TEST_F(InspectionRequests, SetIsOnTheDiskWhenItIsAnswered) {
+    auto reply = peer.ask({{"verb", "set"}, {"key", "Theme"}, {"value", "dark"}});
+    EXPECT_EQ(reply["type"], "done");
+    EXPECT_EQ(reply["message"], "Theme set; in force: \"dark\" from LocalFileConfigStore");
+    EXPECT_TRUE(std::filesystem::exists(host.getProfile().config() / "lumoraLocalConfig.dat"));
+}
+
+TEST_F(InspectionRequests, SetRefusesWhatXmlCannotRepresentAndWhatTheKindOfTheKeyExcludes) {
+    for (const auto& request :
+         {Json{{"verb", "set"}, {"key", "a key"}, {"value", "v"}}, Json{{"verb", "set"}, {"key", ""}, {"value", "v"}},
+          Json{{"verb", "set"}, {"key", "Theme"}, {"value", std::string("\x01")}},
+          Json{{"verb", "set"}, {"key", "Telephony_Enabled"}, {"value", "perhaps"}}}) {
+        EXPECT_EQ(peer.ask(request)["exitCode"], 1) << request;
+    }
+    EXPECT_EQ(peer.ask({{"verb", "get"}, {"key", "Theme"}})["value"], "system");
+}
+
+TEST_F(InspectionRequests, ResetRemovesTheUsersLastValue) {
+    peer.ask({{"verb", "set"}, {"key", "Theme"}, {"value", "dark"}});
+    EXPECT_EQ(peer.ask({{"verb", "reset"}, {"key", "Theme"}})["message"],
+              "Theme reset; in force: \"system\" from lumora-config-defaults.xml");
+    EXPECT_EQ(peer.ask({{"verb", "reset"}, {"key", "Theme"}})["exitCode"], 1);
+}
+
+TEST_F(InspectionRequests, ProvisioningIsTakenOnceUntilItIsReset) {
+    const Json provision{{"verb", "provision"}, {"url", "lumora://provision?ServicesDomain=example.org"}};
+    EXPECT_EQ(peer.ask(provision)["type"], "done");
+    EXPECT_EQ(peer.ask(provision)["exitCode"], 1);
+    EXPECT_EQ(peer.ask({{"verb", "reset-provisioning"}})["type"], "done");
+    EXPECT_EQ(peer.ask(provision)["type"], "done");
+}
+
+TEST_F(InspectionRequests, AStoreIsRemovedOnce) {
+    peer.ask({{"verb", "provision"}, {"url", "lumora://provision?ServicesDomain=example.org"}});
+    const Json removal{{"verb", "remove-store"}, {"store", "UrlProvisioningConfigStore"}};
+    EXPECT_EQ(peer.ask(removal)["type"], "done");
+    EXPECT_EQ(peer.ask(removal)["exitCode"], 1);
+}
+
+TEST_F(InspectionRequests, ChangesAreRefusedIfTheHostDisablesThem) {
+    host.server().getRunner().setChangesAllowed(false);
+    for (const auto* verb : {"set", "reset", "provision", "reset-provisioning", "remove-store", "refresh"}) {
+        auto reply = peer.ask({{"verb", verb}, {"key", "Theme"}, {"value", "dark"}});
+        EXPECT_EQ(reply["exitCode"], 1) << verb;
+        EXPECT_THAT(reply["message"].get<std::string>(), HasSubstr("does not allow")) << verb;
+    }
+    EXPECT_EQ(peer.ask({{"verb", "get"}, {"key", "Theme"}})["value"], "system");
+    EXPECT_EQ(peer.ask({{"verb", "hello"}})["changesAllowed"], false);
+}
+
+TEST_F(InspectionRequests, ChangesAreRefusedIfTheAdministratorDisablesThem) {
+    host.setPolicy("InspectionAllowsChanges", "false");
+    auto reply = peer.ask({{"verb", "set"}, {"key", "Theme"}, {"value", "dark"}});
+    EXPECT_EQ(reply["exitCode"], 1);
+    EXPECT_THAT(reply["message"].get<std::string>(), HasSubstr("administrator"));
+}
+
+TEST_F(InspectionRequests, TheUserCannotAllowWhatTheAdministratorDisables) {
+    host.setPolicy("InspectionAllowsChanges", "false");
+    host.set(L"InspectionAllowsChanges", L"true");
+    EXPECT_EQ(peer.ask({{"verb", "set"}, {"key", "Theme"}, {"value", "dark"}})["exitCode"], 1);
+}
+
+TEST_F(InspectionRequests, SecretsAreMaskedUnlessARequestAsksForThemAndIsLogged) {
+    host.set(L"Secret", L"hunter2");
+    host.onServices([&] { host.service().setKeySensitive(L"Secret"); });
+    for (const auto* verb : {"get", "explain", "list", "report", "log", "health"}) {
+        EXPECT_THAT(peer.ask({{"verb", verb}, {"key", "Secret"}}).dump(), Not(HasSubstr("hunter2"))) << verb;
+    }
+    const testing_host::LogRecorder log;
+    auto reply = peer.ask({{"verb", "get"}, {"key", "Secret"}, {"showSecrets", true}});
+    EXPECT_EQ(reply["value"], "hunter2");
+    EXPECT_TRUE(log.mentions("asks for sensitive values: \"get\" [\"Secret\"]"));
+    EXPECT_FALSE(log.mentions("hunter2"));
+}
+
+TEST_F(InspectionRequests, BadRequestsAreAnsweredAndTheConnectionGoesOn) {
+    for (const auto* line :
+         {"", "no JSON", "[]", "7", "{\"verb\":\"get\"", "{}", "{\"verb\":7}", "{\"verb\":\"dance\"}",
+          "{\"verb\":\"get\",\"key\":1}", "{\"verb\":\"watch\",\"keys\":[1]}", "{\"id\":{},\"verb\":\"get\"}",
+          "{\"verb\":\"get\",\"key\":\"\xFF\"}"}) {
+        peer.sendText(line);
+        auto reply = peer.receive();
+        EXPECT_EQ(reply["type"], "failure") << line;
+        EXPECT_EQ(reply["exitCode"], 2) << line;
+    }
+    EXPECT_EQ(peer.ask({{"verb", "get"}, {"key", "Theme"}})["value"], "system");
+}
+
+TEST_F(InspectionRequests, RequestsThatArriveTogetherAreAnsweredInOrder) {
+    peer.sendText("{\"id\":1,\"verb\":\"list\"}\n{\"id\":2,\"verb\":\"dance\"}\n{\"id\":3,\"verb\":\"stores\"}");
+    for (const int id : {1, 2, 3}) {
+        EXPECT_EQ(peer.receive()["id"], id);
+    }
+}
+
+TEST(InspectionList, ALongListIsCompleteAlthoughTheClientWritesMeanwhile) {
+    ZelUnified::ConfigMap defaults;
+    for (int i = 0; i < 5000; ++i) {
+        defaults.emplace(L"Key" + std::to_wstring(i), L"v");
+    }
+    TestHost host({}, defaults);
+    Peer peer(host);
+    peer.sendText("{\"verb\":\"list\",\"prefix\":\"Key\"}");
+    for (int i = 0; i < 50; ++i) {
+        host.set(L"Added" + std::to_wstring(i), L"v");
+    }
+    EXPECT_EQ(peer.receive()["values"].size(), 5000U);
+}
+
+TEST(InspectionList, TheClientsTasksRunBetweenTheSlices) {
+    const TestHost host;
+    std::string order;
+    host.onServices([&] {
+        const inspection::ServicesTasks tasks(host.getFactory());
+        tasks.runSlices("slices", [&, left = 3]() mutable {
+            order += 's';
+            return --left > 0;
+        });
+        for (int i = 0; i < 2; ++i) {
+            tasks.run("client", [&] { order += 'c'; });
+        }
+    });
+    for (int i = 0; i < 4; ++i) {
+        host.onServices([] {}); // each waits for one slice more
+    }
+    EXPECT_EQ(order, "sccss");
+}
+
+} // namespace
+} // namespace inspection_test

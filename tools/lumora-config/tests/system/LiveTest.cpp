@@ -1,0 +1,268 @@
+#include "RunningProgram.h"
+
+#include <kyr/LocalConnection.h>
+#include <kyr/LocalSocket.h>
+
+#include <gmock/gmock.h>
+
+#include <chrono>
+#include <csignal>
+#include <regex>
+
+namespace program_test {
+namespace {
+
+using testing::HasSubstr;
+using namespace std::chrono_literals;
+
+Arguments inForm(Arguments command, bool json) {
+    if (json) {
+        command.emplace_back("--json");
+    }
+    return command;
+}
+
+/// Returns the answer without the files and lines of values, which a running client does not report.
+std::string withoutOrigins(const Outcome& outcome) {
+    std::string text;
+    for (const auto& object : outcome.lines()) {
+        text += std::regex_replace(object.dump(), std::regex(R"("origin":(null|\{[^}]*\}),?)"), "") + '\n';
+    }
+    return text;
+}
+
+/// Starts clients with `serve` and talks to them.
+class Live : public testing::Test {
+protected:
+    std::string socketPath() const {
+        return KyrCoreUtils::LocalSocket::getPathFor((profile.root() / "config").string(),
+                                                     (profile.root() / "state").string());
+    }
+
+    nlohmann::json ask(const nlohmann::json& request) const {
+        KyrCoreUtils::LocalConnection connection(socketPath());
+        std::string line;
+        if (!connection.sendLine(request.dump(), 20s) ||
+            connection.receiveLine(line, 20s) != KyrCoreUtils::LocalConnection::Received::Line) {
+            return {{"type", "none"}};
+        }
+        return nlohmann::json::parse(line);
+    }
+
+    void set(const std::string& key, const std::string& value) const {
+        ASSERT_EQ(ask({{"verb", "set"}, {"key", key}, {"value", value}}).at("type"), "done");
+    }
+
+    const Profile profile;
+};
+
+TEST_F(Live, ServePrintsOneLineAnswersAndEndsWithTheSignal) {
+    for (const int number : {SIGTERM, SIGINT}) {
+        RunningProgram client(profile, {"serve"});
+        const auto ready = client.receive();
+        EXPECT_EQ(ready.at("type"), "ready");
+        EXPECT_THAT(ready.at("text").get<std::string>(), HasSubstr(socketPath()));
+        EXPECT_EQ(ask({{"verb", "get"}, {"key", "Theme"}}).at("value"), "system");
+        client.signal(number);
+        EXPECT_EQ(client.waitForEnd(), 0);
+        EXPECT_FALSE(std::filesystem::exists(socketPath()));
+    }
+}
+
+TEST_F(Live, ServeTakesStoresAndTheBootstrapFile) {
+    const auto document =
+        profile.writeDocument("foreign.xml", "<Presence_Server_Address>a.example</Presence_Server_Address>");
+    const auto bootstrap = profile.write("bootstrap.properties", "FromInstaller: yes\n");
+    RunningProgram client(profile, {"--store", document + ":Foreign:40", "--bootstrap", bootstrap + ":250", "serve"});
+    client.receive();
+    EXPECT_EQ(ask({{"verb", "get"}, {"key", "Presence_Server_Address"}}).at("store"), "Foreign");
+    EXPECT_EQ(ask({{"verb", "get"}, {"key", "FromInstaller"}}).at("found"), true);
+}
+
+TEST_F(Live, AChangeIsOnTheDiskAfterTheClientWasKilled) {
+    {
+        RunningProgram client(profile, {"serve"});
+        client.receive();
+        set("Theme", "dark");
+    } // killed
+    EXPECT_EQ(profile.run({"get", "Theme"}).out, "dark\n");
+}
+
+TEST_F(Live, CommandsGiveTheSameAnswersAsWithoutAClient) {
+    profile.run({"set", "Theme", "dark"});
+    const std::vector<Arguments> commands{
+        {"get", "Theme"},    {"get", "Theme", "--admin"}, {"list"},   {"list", "th"}, {"stores"},
+        {"get", "Unknown"},  {"list", "unknown"},         {"report"}, {"log"},        {"set", "a b", "1"},
+        {"reset", "Unknown"}};
+    std::vector<Outcome> before;
+    for (const auto& command : commands) {
+        for (const bool json : {false, true}) {
+            before.push_back(profile.run(inForm(command, json)));
+        }
+    }
+    RunningProgram client(profile, {"serve"});
+    client.receive();
+    auto expected = before.begin();
+    for (const auto& command : commands) {
+        for (const bool json : {false, true}) {
+            const auto outcome = profile.run(inForm(command, json));
+            EXPECT_EQ(json ? withoutOrigins(outcome) : outcome.out, json ? withoutOrigins(*expected) : expected->out)
+                << command.front();
+            EXPECT_EQ(outcome.exitCode, expected->exitCode) << command.front();
+            EXPECT_THAT(outcome.error, HasSubstr("process " + std::to_string(client.getProcess()))) << command.front();
+            ++expected;
+        }
+    }
+}
+
+TEST_F(Live, ExplainGivesTheSameAnswerAsWithoutAClientExceptForTheOrigins) {
+    profile.run({"set", "Theme", "dark"});
+    const auto theme = profile.run({"explain", "Theme", "--json"});
+    const auto renamed = profile.run({"explain", "TftpServer1", "--json"});
+    RunningProgram client(profile, {"serve"});
+    client.receive();
+    EXPECT_EQ(withoutOrigins(profile.run({"explain", "Theme", "--json"})), withoutOrigins(theme));
+    EXPECT_EQ(withoutOrigins(profile.run({"explain", "TftpServer1", "--json"})), withoutOrigins(renamed));
+    EXPECT_EQ(profile.run({"explain", "Theme"}).exitCode, 0);
+    EXPECT_EQ(profile.run({"get", "Theme", "--origin"}).exitCode, 0);
+}
+
+TEST_F(Live, ASetInOneProcessIsSeenInAnother) {
+    RunningProgram client(profile, {"serve"});
+    client.receive();
+    RunningProgram watch(profile, {"watch"});
+    watch.receiveMessage();
+    EXPECT_EQ(profile.run({"set", "Theme", "dark"}).exitCode, 0);
+    EXPECT_EQ(watch.receiveUntil("property", "Value").at("new"), "dark");
+    EXPECT_EQ(profile.run({"--live", "reset", "Theme"}).exitCode, 0);
+    EXPECT_EQ(watch.receiveUntil("property", "Value").at("new"), "system");
+}
+
+TEST_F(Live, OfflineForbidsAndLiveRequiresTheClient) {
+    EXPECT_EQ(profile.run({"--live", "get", "Theme"}).exitCode, 3);
+    RunningProgram client(profile, {"serve"});
+    client.receive();
+    EXPECT_EQ(profile.run({"--live", "get", "Theme"}).exitCode, 0);
+    const auto offline = profile.run({"--offline", "get", "Theme"});
+    EXPECT_EQ(offline.exitCode, 3);
+    EXPECT_THAT(offline.error, HasSubstr("in use by process " + std::to_string(client.getProcess())));
+    EXPECT_EQ(profile.run({"reset-data", "--yes"}).exitCode, 3);
+}
+
+TEST_F(Live, ServeRefusesChangesOnRequest) {
+    RunningProgram client(profile, {"serve", "--no-changes"});
+    client.receive();
+    EXPECT_EQ(ask({{"verb", "set"}, {"key", "Theme"}, {"value", "dark"}}).at("exitCode"), 1);
+}
+
+TEST_F(Live, AKilledClientLeavesASocketThatTheNextOneReplaces) {
+    {
+        RunningProgram client(profile, {"serve"});
+        client.receive();
+    } // killed
+    EXPECT_TRUE(std::filesystem::exists(socketPath()));
+    RunningProgram client(profile, {"serve"});
+    client.receive();
+    EXPECT_EQ(ask({{"verb", "hello"}}).at("type"), "hello");
+}
+
+TEST_F(Live, ASecondClientIsRefusedAndDoesNotDisturbTheFirst) {
+    RunningProgram client(profile, {"serve"});
+    client.receive();
+    const auto second = profile.run({"serve"});
+    EXPECT_EQ(second.exitCode, 3);
+    EXPECT_THAT(second.error, HasSubstr("in use by process"));
+    EXPECT_EQ(ask({{"verb", "hello"}}).at("type"), "hello");
+}
+
+TEST_F(Live, WatchPrintsChangesAndEndsWithTheClient) {
+    RunningProgram client(profile, {"serve"});
+    client.receive();
+    RunningProgram watch(profile, {"watch", "Them*"});
+    EXPECT_THAT(watch.receiveMessage(), HasSubstr("watching process " + std::to_string(client.getProcess())));
+    set("Volume", "1");
+    set("Theme", "dark");
+    const auto event = watch.receive();
+    EXPECT_EQ(event.at("property"), "Value");
+    EXPECT_EQ(event.at("old"), "system");
+    EXPECT_EQ(event.at("new"), "dark");
+    EXPECT_EQ(event.at("store"), "LocalFileConfigStore");
+    client.signal(SIGTERM);
+    EXPECT_EQ(client.waitForEnd(), 0);
+    EXPECT_EQ(watch.waitForEnd(), 0);
+}
+
+TEST_F(Live, WatchEndsWithSuccessOnASignal) {
+    RunningProgram client(profile, {"serve"});
+    client.receive();
+    RunningProgram watch(profile, {"watch"});
+    watch.receiveMessage();
+    watch.signal(SIGINT);
+    EXPECT_EQ(watch.waitForEnd(), 0);
+}
+
+TEST_F(Live, WatchWithoutAClientFailsAndLeavesTheProfileUntouched) {
+    const auto outcome = profile.run({"watch"});
+    EXPECT_EQ(outcome.exitCode, 3);
+    EXPECT_THAT(outcome.error, HasSubstr("--follow waits for one"));
+    EXPECT_FALSE(std::filesystem::exists(profile.root() / "config"));
+    EXPECT_FALSE(std::filesystem::exists(profile.root() / "state"));
+}
+
+TEST_F(Live, WatchFollowsAClientThatIsKilledAndStartedAgain) {
+    RunningProgram watch(profile, {"watch", "--follow", "Theme"});
+    for (const auto* value : {"dark", "light"}) {
+        RunningProgram client(profile, {"serve"});
+        client.receive();
+        EXPECT_THAT(watch.receiveMessage(), HasSubstr("watching process"));
+        set("Theme", value);
+        EXPECT_EQ(watch.receiveUntil("property", "Value").at("new"), value);
+        client.signal(SIGKILL);
+        client.waitForEnd();
+        EXPECT_THAT(watch.receiveMessage(), HasSubstr("has ended"));
+    }
+    watch.signal(SIGTERM);
+    EXPECT_EQ(watch.waitForEnd(), 0);
+}
+
+TEST_F(Live, AStoppedOrKilledWatcherDisturbsNobody) {
+    constexpr int changes = 1200;
+    const std::string filler(2000, 'x'); // the buffers of the socket hold few such events
+    RunningProgram client(profile, {"serve"});
+    client.receive();
+    RunningProgram attentive(profile, {"watch", "AllowUrlProvisioning", "Theme"});
+    RunningProgram stopped(profile, {"watch", "Theme"});
+    RunningProgram killed(profile, {"watch"});
+    for (auto* watch : {&attentive, &stopped, &killed}) {
+        watch->receiveMessage();
+    }
+    stopped.signal(SIGSTOP);
+    KyrCoreUtils::LocalConnection changer(socketPath());
+    std::string line;
+    for (int i = 0; i < changes; ++i) {
+        const nlohmann::json request{{"verb", "set"}, {"key", "Theme"}, {"value", filler + std::to_string(i)}};
+        ASSERT_TRUE(changer.sendLine(request.dump(), 20s));
+        ASSERT_EQ(changer.receiveLine(line, 20s), KyrCoreUtils::LocalConnection::Received::Line);
+        EXPECT_EQ(attentive.receiveUntil("property", "Value").at("new"), filler + std::to_string(i));
+        if (i == changes / 2) {
+            killed.signal(SIGKILL);
+        }
+    }
+    stopped.signal(SIGCONT);
+    set("Theme", "end");
+    // It receives what was queued, then how much it missed, then what comes later.
+    auto last = nlohmann::json::object();
+    std::size_t received = 0;
+    while (last.value("new", "") != "end") {
+        last = stopped.receive();
+        received += last.at("type") == "lost" ? last.at("count").get<std::size_t>() : 1;
+        if (last.at("type") == "lost") {
+            set("Theme", "end2");
+            set("Theme", "end");
+        }
+    }
+    EXPECT_GE(received, static_cast<std::size_t>(changes));
+}
+
+} // namespace
+} // namespace program_test
