@@ -187,4 +187,11 @@ Command parseShellCommand(std::vector<std::string> words) {
     return command;
 }
 
+void withShellGrammar(const std::function<void(const CLI::App& grammar)>& use) {
+    Command command;
+    CLI::App app;
+    addCommands(app, command, CommandScope::Shell);
+    use(app);
+}
+
 } // namespace lumora_config

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -52,5 +53,8 @@ void addCommands(CLI::App& app, Command& command, CommandScope scope);
 /// Parses one line of the shell, already split into words. Throws Failure: Usage with a message; Done with the help
 /// text for "help".
 Command parseShellCommand(std::vector<std::string> words);
+
+/// Calls `use` with the grammar of the shell, which exists during the call only.
+void withShellGrammar(const std::function<void(const CLI::App& grammar)>& use);
 
 } // namespace lumora_config

@@ -1,5 +1,6 @@
 #include "CompletionCommand.h"
 
+#include "CatalogueCandidates.h"
 #include "CommandLine.h"
 #include "Completion.h"
 #include "disk/ProfileNames.h"
@@ -37,13 +38,7 @@ bool useProfile(const CommandLineCursor& cursor) {
 }
 
 std::vector<Candidate> listKeys(const CommandLineCursor& cursor) {
-    std::vector<Candidate> keys;
-    for (const auto& facts : findKeys("")) {
-        keys.push_back({KyrCoreUtils::toString(facts.key), facts.meaning});
-        if (facts.oldName) {
-            keys.push_back({KyrCoreUtils::toString(*facts.oldName), facts.meaning});
-        }
-    }
+    auto keys = listCatalogueKeys();
     if (!useProfile(cursor)) {
         return keys;
     }
@@ -53,16 +48,6 @@ std::vector<Candidate> listKeys(const CommandLineCursor& cursor) {
         }
     }
     return keys;
-}
-
-std::vector<Candidate> listValues(const std::string& key) {
-    std::vector<Candidate> values;
-    if (const auto facts = findKeyFacts(KyrCoreUtils::toWideString(key))) {
-        for (const auto& value : facts->values) {
-            values.push_back({value, ""});
-        }
-    }
-    return values;
 }
 
 std::vector<Candidate> listStores(const CommandLineCursor& cursor) {
@@ -83,7 +68,7 @@ std::string completeCommandLine(const std::vector<std::string>& words) noexcept 
         CommandLine::withGrammar([&](const CLI::App& grammar) {
             const CommandLineCursor cursor(grammar, words);
             const CompletionNames names{[&] { return listKeys(cursor); }, [&] { return listStores(cursor); },
-                                        listValues};
+                                        listCatalogueValues};
             answer = complete(cursor, names).toString();
         });
         return answer;

@@ -2,21 +2,30 @@
 
 #include "CommandGrammar.h"
 #include "CommandTable.h"
+#include "LineSecrecy.h"
+#include "ShellCompletion.h"
+#include "ShellWords.h"
 
 #include <kyr/EndSignals.h>
+#include <kyr/FileUtils.h>
 #include <kyr/ProcessUtils.h>
 
 #include <array>
 #include <iostream>
 #include <istream>
 #include <streambuf>
+#include <system_error>
 #include <utility>
 
 namespace lumora_config {
 
 using KyrCoreUtils::EndSignals;
+using KyrCoreUtils::FileUtils;
 
 namespace {
+
+constexpr auto prompt = "lumora> ";
+constexpr auto historyFile = "lumora-config-history";
 
 /// A stream buffer over standard input that reports the end of the input when a signal asks the program to end.
 class StandardInput final : public std::streambuf {
@@ -40,6 +49,17 @@ bool mustEnd() {
 } // namespace
 
 ExitCode Shell::run() {
+    const auto complete = [this](const std::string& line) { return completeShellLine(session, line); };
+    if (const auto editor = LineEditor::create(prompt, complete)) {
+        runEdited(*editor);
+    } else {
+        runPlain();
+    }
+    confirmWrites();
+    return result;
+}
+
+void Shell::runPlain() {
     const bool interactive = KyrCoreUtils::ProcessUtils::isInputTerminal();
     StandardInput buffer;
     std::istream input(&buffer);
@@ -47,13 +67,46 @@ ExitCode Shell::run() {
     std::string line;
     do {
         if (interactive) {
-            std::cerr << "lumora> " << std::flush;
+            std::cerr << prompt << std::flush;
         }
     } while (!mustEnd() && std::getline(input, line) && !mustEnd() && runLine(line) == Next::Continue &&
              session.getPrinter().isHeard());
     session.getInput().setLineReader({});
-    confirmWrites();
-    return result;
+}
+
+void Shell::runEdited(LineEditor& editor) {
+    ShellHistory history(FileUtils::getStateDirectory() + FileUtils::FileSeparator() + historyFile);
+    for (const auto& line : history.getLines()) {
+        editor.addToHistory(line);
+    }
+    session.getInput().setLineReader([&editor](std::string& text) {
+        auto line = editor.readLine();
+        text = std::move(line).value_or("");
+        return line.has_value();
+    });
+    while (!mustEnd() && session.getPrinter().isHeard()) {
+        const auto line = editor.readLine();
+        if (!line || runLine(*line) == Next::Quit) {
+            break;
+        }
+        remember(*line, history, editor);
+    }
+    session.getInput().setLineReader({});
+}
+
+void Shell::remember(const std::string& line, ShellHistory& history, LineEditor& editor) {
+    if (line.find_first_not_of(" \t") == std::string::npos) {
+        return;
+    }
+    const LineSecrecy secrecy(session);
+    if (!secrecy.isSecret(line)) {
+        editor.addToHistory(line);
+    }
+    const int error = history.add(line, [&](const std::string& kept) { return secrecy.isSecret(kept); });
+    if (error != 0 && !std::exchange(historyFailed, true)) {
+        session.getPrinter().showWarning("the history of the shell is not saved: " +
+                                         std::generic_category().message(error));
+    }
 }
 
 /// Checks the writes of workers that no `wait` has confirmed.
@@ -94,39 +147,6 @@ void Shell::recordFailure(ExitCode code) {
     if (result == ExitCode::Done) {
         result = code;
     }
-}
-
-std::vector<std::string> splitWords(std::string_view line) {
-    std::vector<std::string> words;
-    std::string word;
-    bool inWord = false; // True inside an empty quoted word, too.
-    char quote = '\0';
-    const auto endWord = [&] {
-        if (inWord) {
-            words.push_back(std::exchange(word, {}));
-        }
-        inWord = false;
-    };
-    for (std::size_t i = 0; i < line.size(); ++i) {
-        const char c = line[i];
-        if (quote == '\0' && (c == ' ' || c == '\t' || c == '\r')) {
-            endWord();
-            continue;
-        }
-        inWord = true;
-        if (c == '\\' && quote != '\'' && i + 1 < line.size()) {
-            word += line[++i];
-        } else if (quote != '\0' ? c == quote : c == '"' || c == '\'') {
-            quote = quote == '\0' ? c : '\0';
-        } else {
-            word += c;
-        }
-    }
-    if (quote != '\0') {
-        throw Failure(ExitCode::Usage, "a quote is not closed");
-    }
-    endWord();
-    return words;
 }
 
 } // namespace lumora_config

@@ -1,17 +1,18 @@
 #pragma once
 
 #include "Session.h"
+#include "ShellHistory.h"
 #include "output/Failure.h"
+#include "terminal/LineEditor.h"
 
 #include <string>
-#include <string_view>
-#include <vector>
 
 namespace lumora_config {
 
 /// Reads one command per line from standard input and runs it, until "quit", the end of the input, a signal that asks
 /// the program to end, or a failure to write an answer. Skips empty lines and lines that begin with "#". A failing
-/// command does not end the shell. Prints a prompt on standard error if a person types the commands. Main thread.
+/// command does not end the shell. If a person types the commands, prints a prompt on standard error, edits the lines
+/// with a LineEditor if there is one, and keeps a ShellHistory. Main thread.
 class Shell {
 public:
     /// The session must outlive the shell.
@@ -23,6 +24,10 @@ public:
 private:
     enum class Next { Continue, Quit };
 
+    void runPlain();
+    void runEdited(LineEditor& editor);
+    /// Adds a line that has run to the history. Prints a warning if this is the first failure to write the file.
+    void remember(const std::string& line, ShellHistory& history, LineEditor& editor);
     Next runLine(const std::string& line);
     void confirmWrites();
     /// Keeps the code of the first failure.
@@ -30,10 +35,7 @@ private:
 
     Session& session;
     ExitCode result = ExitCode::Done;
+    bool historyFailed = false;
 };
-
-/// Splits a line at blanks. Single and double quotes enclose one word. A backslash escapes the next character, except
-/// in single quotes. Throws Failure (Usage) if a quote is not closed.
-std::vector<std::string> splitWords(std::string_view line);
 
 } // namespace lumora_config

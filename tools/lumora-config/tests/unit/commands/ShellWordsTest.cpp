@@ -1,4 +1,6 @@
-#include "commands/Shell.h"
+#include "commands/ShellWords.h"
+
+#include "output/Failure.h"
 
 #include <gmock/gmock.h>
 
@@ -43,6 +45,21 @@ TEST(ShellWords, RefuseAnOpenQuote) {
 
 TEST(ShellWords, OfAnEmptyLineAreNone) {
     EXPECT_THAT(splitWords(" \t"), IsEmpty());
+}
+
+TEST(ShellWords, OfAnUnfinishedLineEndWithTheWordAtItsEnd) {
+    EXPECT_THAT(splitUnfinished("get ").words, ElementsAre("get", ""));
+    EXPECT_EQ(splitUnfinished("get ").lastStart, 4U);
+    EXPECT_THAT(splitUnfinished(R"(get "a ke)").words, ElementsAre("get", "a ke"));
+    EXPECT_EQ(splitUnfinished(R"(get "a ke)").lastStart, 4U);
+    EXPECT_THAT(splitUnfinished("").words, ElementsAre(""));
+}
+
+TEST(ShellWords, AreUnchangedByQuoting) {
+    for (const std::string word : {"Theme", "a store", R"(it's "so" \)", "", "#", "\t"}) {
+        EXPECT_THAT(splitWords(quoteWord(word)), ElementsAre(word));
+    }
+    EXPECT_EQ(quoteWord("Theme"), "Theme");
 }
 
 } // namespace lumora_config

@@ -1,0 +1,101 @@
+#include "ShellCompletion.h"
+
+#include "CatalogueCandidates.h"
+#include "CommandGrammar.h"
+#include "ShellWords.h"
+#include "stores/KnownKeys.h"
+
+#include <kyr/StringUtils.h>
+
+#include <algorithm>
+#include <exception>
+
+namespace lumora_config {
+
+namespace {
+
+std::vector<Candidate> listKeys(Session& session) {
+    auto keys = listCatalogueKeys();
+    session.getHost().onServices("lumora-config: complete", [&] {
+        for (const auto& listed : session.getChain().list({})) {
+            if (!findKeyFacts(listed.key)) {
+                keys.push_back({KyrCoreUtils::toString(listed.key), ""});
+            }
+        }
+    });
+    return keys;
+}
+
+std::vector<Candidate> listStores(Session& session) {
+    std::vector<Candidate> stores;
+    session.getHost().onServices("lumora-config: complete", [&] {
+        for (const auto& store : session.getChain().listStores()) {
+            stores.push_back({store.name, ""});
+        }
+    });
+    return stores;
+}
+
+Completion findCandidates(Session& session, const std::vector<std::string>& words) {
+    Completion completion;
+    withShellGrammar([&](const CLI::App& grammar) {
+        const CommandLineCursor cursor(grammar, words);
+        const CompletionNames names{[&] { return listKeys(session); }, [&] { return listStores(session); },
+                                    listCatalogueValues};
+        completion = complete(cursor, names);
+    });
+    return completion;
+}
+
+char toLowerAscii(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+/// Returns the length of the longest common beginning, ignoring the case of ASCII letters, in whole characters.
+std::size_t measureCommonStart(const std::vector<Candidate>& candidates) {
+    const auto& first = candidates.front().text;
+    auto length = first.size();
+    for (const auto& candidate : candidates) {
+        const auto ends = std::ranges::mismatch(first, candidate.text, {}, toLowerAscii, toLowerAscii);
+        length = std::min(length, static_cast<std::size_t>(ends.in1 - first.begin()));
+    }
+    while (length < first.size() && length > 0 && (static_cast<unsigned char>(first[length]) & 0xC0U) == 0x80U) {
+        --length;
+    }
+    return length;
+}
+
+LineCompletion toLineCompletion(const Completion& completion, const UnfinishedLine& line) {
+    LineCompletion result;
+    result.start = line.lastStart;
+    result.isPath = completion.paths != Completion::Paths::None;
+    const auto& candidates = completion.candidates;
+    if (candidates.size() == 1) {
+        result.text = quoteWord(candidates.front().text) + ' ';
+        return result;
+    }
+    if (candidates.empty()) {
+        return result;
+    }
+    const auto length = measureCommonStart(candidates);
+    if (length > line.words.back().size()) {
+        result.text = quoteWord(candidates.front().text.substr(0, length));
+    }
+    for (const auto& candidate : candidates) {
+        result.choices.push_back(candidate.text);
+    }
+    return result;
+}
+
+} // namespace
+
+LineCompletion completeShellLine(Session& session, const std::string& line) noexcept {
+    try {
+        const auto unfinished = splitUnfinished(line);
+        return toLineCompletion(findCandidates(session, unfinished.words), unfinished);
+    } catch (const std::exception&) {
+        return {}; // A message would disturb the line.
+    }
+}
+
+} // namespace lumora_config
