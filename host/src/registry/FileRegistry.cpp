@@ -51,10 +51,8 @@ FileRegistry::FileRegistry(RegistryFolders registryFolders, DefaultMailClient ma
 
 FileRegistry::Sources FileRegistry::findSources() const {
     Sources sources;
-    if (!folders.administrator.empty()) {
-        sources.currentUser = listRegistryFiles(folders.administrator + "/HKEY_CURRENT_USER");
-        sources.localMachine = listRegistryFiles(folders.administrator + "/HKEY_LOCAL_MACHINE");
-    }
+    sources.currentUser = listAdministratorFiles(folders.administrator, HKEY_CURRENT_USER);
+    sources.localMachine = listAdministratorFiles(folders.administrator, HKEY_LOCAL_MACHINE);
     const auto user = folders.user.empty() ? getUserRegistryFolder() : folders.user;
     if (!user.empty()) {
         sources.user = listRegistryFiles(user);

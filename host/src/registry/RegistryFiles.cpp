@@ -6,7 +6,9 @@
 #include <registry/RegistryTextFile.h>
 #include <zel/RegularFile.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <iterator>
 #include <utility>
 
 namespace zel::registry {
@@ -17,20 +19,17 @@ std::string getUserRegistryFolder() {
 }
 
 std::vector<std::string> findRegistryFiles(HKEY root) {
-    std::vector<std::string> paths;
-    const auto add = [&](const std::string& folder) {
-        for (auto& file : listRegistryFiles(folder)) {
-            paths.push_back(std::move(file.path));
-        }
-    };
     const auto administrator = getAdministratorRegistryFolder();
     if (administrator.empty()) {
-        return paths;
+        return {};
     }
-    const bool isUsers = root == HKEY_CURRENT_USER;
-    add(administrator + (isUsers ? "/HKEY_CURRENT_USER" : "/HKEY_LOCAL_MACHINE"));
-    if (const auto user = getUserRegistryFolder(); isUsers && !user.empty()) {
-        add(user);
+    auto files = listAdministratorFiles(administrator, root);
+    if (const auto user = getUserRegistryFolder(); root == HKEY_CURRENT_USER && !user.empty()) {
+        std::ranges::move(listRegistryFiles(user), std::back_inserter(files));
+    }
+    std::vector<std::string> paths;
+    for (auto& file : files) {
+        paths.push_back(std::move(file.path));
     }
     return paths;
 }

@@ -3,6 +3,7 @@
 #include "kyr/PathText.h"
 #include "zel/storage/DurableFile.h"
 
+#include <kyr/FileUtils.h>
 #include <kyr/FstreamUtils.h>
 #include <kyr/StringUtils.h>
 
@@ -38,6 +39,14 @@ std::vector<RegistryFile> listRegistryFiles(const std::string& folder) {
     }
     std::ranges::sort(files, {}, &RegistryFile::path);
     return files;
+}
+
+std::vector<RegistryFile> listAdministratorFiles(const std::string& folder, HKEY root) {
+    if (folder.empty()) {
+        return {};
+    }
+    const std::string name = root == HKEY_CURRENT_USER ? "HKEY_CURRENT_USER" : "HKEY_LOCAL_MACHINE";
+    return listRegistryFiles(folder + KyrCoreUtils::FileUtils::FileSeparator() + name);
 }
 
 std::optional<RegistryFile> inspectRegistryFile(const std::string& path) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <registry/Registry.h>
 #include <zel/FileLayer.h>
 
 #include <chrono>
@@ -32,6 +33,9 @@ struct RegistryFile {
 /// Returns the ".reg" files of one folder without its subfolders, sorted by name. Excludes hidden files, because an
 /// unfinished file is hidden. Returns an empty list if the folder is missing.
 std::vector<RegistryFile> listRegistryFiles(const std::string& folder);
+
+/// Returns the ".reg" files of the administrator's folder that contain `root`; an empty list if `folder` is empty.
+std::vector<RegistryFile> listAdministratorFiles(const std::string& folder, HKEY root);
 
 /// Returns the current state of the file; nullopt if it does not exist.
 std::optional<RegistryFile> inspectRegistryFile(const std::string& path);

@@ -18,7 +18,8 @@ public:
     bool atEnd() const { return position >= text.size(); }
     /// Returns NUL at the end.
     wchar_t peek() const { return atEnd() ? L'\0' : text[position]; }
-    wchar_t take() { return text[position++]; }
+    /// Returns the current character and moves behind it. Do not call at the end.
+    wchar_t next() { return text[position++]; }
     std::wstring_view rest() const { return std::wstring_view(text).substr(position); }
 
     void skipBlanks() {
@@ -28,7 +29,7 @@ public:
     }
 
     /// Skips `word` if the rest of the line starts with it. Returns false otherwise.
-    bool take(std::wstring_view word) {
+    bool skip(std::wstring_view word) {
         if (!rest().starts_with(word)) {
             return false;
         }

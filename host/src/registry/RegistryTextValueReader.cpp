@@ -20,7 +20,7 @@ int digitOf(wchar_t c) {
 }
 
 /// Reads one to `maximum` hexadecimal digits. Returns false if there are none or more.
-bool takeHex(RegistryTextCursor& cursor, int maximum, std::uint32_t& number) {
+bool readHex(RegistryTextCursor& cursor, int maximum, std::uint32_t& number) {
     number = 0;
     int count = 0;
     for (int digit = digitOf(cursor.peek()); digit >= 0; digit = digitOf(cursor.peek())) {
@@ -28,7 +28,7 @@ bool takeHex(RegistryTextCursor& cursor, int maximum, std::uint32_t& number) {
             return false;
         }
         number = number << 4 | static_cast<std::uint32_t>(digit);
-        cursor.take();
+        cursor.next();
     }
     return count > 0;
 }
@@ -46,15 +46,15 @@ std::vector<std::uint8_t> widen(const std::vector<std::uint8_t>& bytes) {
 }
 
 /// Reads up to the closing quote. Returns false if the line ends before it.
-bool takeQuoted(RegistryTextCursor& cursor, std::wstring& text) {
+bool readToQuote(RegistryTextCursor& cursor, std::wstring& text) {
     while (!cursor.atEnd()) {
-        const auto c = cursor.take();
+        const auto c = cursor.next();
         if (c == L'"') {
             return true;
         }
         // Only these two characters are escaped; a hand-written path keeps its other backslashes.
         if (c == L'\\' && (cursor.peek() == L'\\' || cursor.peek() == L'"')) {
-            text.push_back(cursor.take());
+            text.push_back(cursor.next());
         } else {
             text.push_back(c);
         }
@@ -81,34 +81,34 @@ std::optional<RegistryTextEntry> RegistryTextValueReader::read(std::size_t line,
 }
 
 bool RegistryTextValueReader::readName(RegistryTextCursor& cursor, std::wstring& name) {
-    if (cursor.take() == L'"' && !takeQuoted(cursor, name)) {
+    if (cursor.next() == L'"' && !readToQuote(cursor, name)) {
         return fail("the name has no closing quote");
     }
     cursor.skipBlanks();
-    return cursor.take(L"=") || fail("no \"=\" behind the name");
+    return cursor.skip(L"=") || fail("no \"=\" behind the name");
 }
 
 bool RegistryTextValueReader::readData(RegistryTextCursor& cursor, RegistryTextEntry& entry) {
     cursor.skipBlanks();
-    bool taken = false;
-    if (cursor.take(L"-")) {
+    bool isRead = false;
+    if (cursor.skip(L"-")) {
         entry.deletion = true;
-        taken = true;
-    } else if (cursor.take(L"\"")) {
-        taken = readQuoted(cursor, entry.value);
-    } else if (cursor.take(L"dword:")) {
-        taken = readNumber(cursor, entry.value);
-    } else if (cursor.take(L"hex")) {
+        isRead = true;
+    } else if (cursor.skip(L"\"")) {
+        isRead = readQuoted(cursor, entry.value);
+    } else if (cursor.skip(L"dword:")) {
+        isRead = readNumber(cursor, entry.value);
+    } else if (cursor.skip(L"hex")) {
         return readType(cursor, entry.value.type) && readBytes(cursor, entry.value);
     } else {
         return fail("a kind of value that is not known");
     }
-    return taken && (cursor.isDone() || fail("text behind the value"));
+    return isRead && (cursor.isDone() || fail("text behind the value"));
 }
 
 bool RegistryTextValueReader::readQuoted(RegistryTextCursor& cursor, RegistryValue& value) {
     std::wstring text;
-    while (!takeQuoted(cursor, text)) {
+    while (!readToQuote(cursor, text)) {
         // A text of several lines is exported with unescaped line ends.
         if (++current >= lines.getCount()) {
             return fail("the value has no closing quote");
@@ -124,7 +124,7 @@ bool RegistryTextValueReader::readQuoted(RegistryTextCursor& cursor, RegistryVal
 bool RegistryTextValueReader::readNumber(RegistryTextCursor& cursor, RegistryValue& value) {
     std::uint32_t number = 0;
     cursor.skipBlanks();
-    if (!takeHex(cursor, 8, number)) {
+    if (!readHex(cursor, 8, number)) {
         return fail("a number of one to eight hexadecimal digits is missing");
     }
     value.type = REG_DWORD;
@@ -134,15 +134,15 @@ bool RegistryTextValueReader::readNumber(RegistryTextCursor& cursor, RegistryVal
 
 bool RegistryTextValueReader::readType(RegistryTextCursor& cursor, std::uint32_t& type) {
     type = REG_BINARY;
-    if (cursor.take(L"(") && !(takeHex(cursor, 8, type) && cursor.take(L")"))) {
+    if (cursor.skip(L"(") && !(readHex(cursor, 8, type) && cursor.skip(L")"))) {
         return fail("the kind between brackets is no number");
     }
-    return cursor.take(L":") || fail("no \":\" behind the kind");
+    return cursor.skip(L":") || fail("no \":\" behind the kind");
 }
 
 bool RegistryTextValueReader::readBytes(RegistryTextCursor& cursor, RegistryValue& value) {
     while (!cursor.isDone()) {
-        if (cursor.take(L"\\")) {
+        if (cursor.skip(L"\\")) {
             if (!cursor.isDone()) {
                 return fail("text behind the sign of continuation");
             }
@@ -152,12 +152,12 @@ bool RegistryTextValueReader::readBytes(RegistryTextCursor& cursor, RegistryValu
             continue;
         }
         std::uint32_t byte = 0;
-        if (!takeHex(cursor, 2, byte)) {
+        if (!readHex(cursor, 2, byte)) {
             return fail("a byte of two hexadecimal digits is missing");
         }
         value.data.push_back(static_cast<std::uint8_t>(byte));
         cursor.skipBlanks();
-        if (!cursor.take(L",") && !cursor.isDone() && cursor.peek() != L'\\') {
+        if (!cursor.skip(L",") && !cursor.isDone() && cursor.peek() != L'\\') {
             return fail("bytes that are not separated by commas");
         }
     }

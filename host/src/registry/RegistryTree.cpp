@@ -7,7 +7,7 @@ namespace zel::registry {
 namespace {
 
 /// Removes the first component from the path and returns it; empty if there is none left.
-std::wstring_view takePart(std::wstring_view& path) {
+std::wstring_view removeFirstPart(std::wstring_view& path) {
     while (!path.empty()) {
         const auto end = path.find(L'\\');
         const auto part = path.substr(0, end);
@@ -38,7 +38,7 @@ std::shared_ptr<RegistryKeyNode> RegistryTree::find(HKEY root, std::wstring_view
 
 std::shared_ptr<RegistryKeyNode> RegistryTree::make(HKEY root, std::wstring_view path) {
     auto node = getRoot(root);
-    for (auto part = takePart(path); node && !part.empty(); part = takePart(path)) {
+    for (auto part = removeFirstPart(path); node && !part.empty(); part = removeFirstPart(path)) {
         node = node->makeChild(part);
     }
     return node;
@@ -70,7 +70,7 @@ void RegistryTree::apply(std::span<const RegistryTextSection> sections) {
 }
 
 std::shared_ptr<RegistryKeyNode> findKey(std::shared_ptr<RegistryKeyNode> node, std::wstring_view path) {
-    for (auto part = takePart(path); node && !part.empty(); part = takePart(path)) {
+    for (auto part = removeFirstPart(path); node && !part.empty(); part = removeFirstPart(path)) {
         node = node->findChild(part);
     }
     return node;
@@ -78,7 +78,7 @@ std::shared_ptr<RegistryKeyNode> findKey(std::shared_ptr<RegistryKeyNode> node, 
 
 std::wstring normalizeKeyPath(std::wstring_view path) {
     std::wstring normal;
-    for (auto part = takePart(path); !part.empty(); part = takePart(path)) {
+    for (auto part = removeFirstPart(path); !part.empty(); part = removeFirstPart(path)) {
         normal.append(normal.empty() ? 0 : 1, L'\\').append(part);
     }
     return normal;

@@ -54,8 +54,7 @@ void UnifiedBusinessObjectImpl::removeObserver(std::weak_ptr<UnifiedBusinessObje
     }
 }
 
-/// The caller must release the returned pointers after the unlock, because that may destroy an
-/// observer.
+/// The caller must release the returned pointers after the unlock, because that may destroy an observer.
 std::vector<std::shared_ptr<UnifiedBusinessObjectObserver>> UnifiedBusinessObjectImpl::lockObservers() const {
     std::vector<std::shared_ptr<UnifiedBusinessObjectObserver>> locked;
     locked.reserve(observers.size());

@@ -82,10 +82,11 @@ private:
     int priority;
     bool local;
     bool readOnly;
-    bool destroyed = false; ///< Guarded by the lock of `table`.
-    zel::Mutex fileMutex;   ///< Held while files are read or written.
+    /// Guarded by the lock of `table`, like `lastPersistedValues`. Not annotated: StoreTable is incomplete here.
+    bool destroyed = false;
+    zel::Mutex fileMutex; ///< Held while files are read or written.
     const std::unique_ptr<StoreTable> table;
-    ConfigMap lastPersistedValues; ///< Guarded by the lock of `table`.
+    ConfigMap lastPersistedValues;
     std::string configDirectory;
     std::string fileName;
     std::string backupFileName;

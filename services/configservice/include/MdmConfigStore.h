@@ -14,7 +14,7 @@ class StoreTable;
 class MdmConfigRetriever;
 
 /// Contains the settings from a device-management system. Each push creates a new store, which replaces the old one.
-/// Needs no lock, because the table is constant after construction.
+/// The table is constant after construction, so any thread may call every operation.
 class LUMORA_CONFIG_API MdmConfigStore : public ConfigStore {
 public:
     /// Reads a UTF-8 XML document of a root, groups and keys. If it cannot be parsed, the store is empty.

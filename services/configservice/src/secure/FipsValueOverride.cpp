@@ -11,12 +11,12 @@ namespace {
 
 constexpr std::wstring_view overridden = L"false";
 
-} // namespace
-
 bool hasFipsOverride(std::wstring_view key) {
     return common::FipsUtils::isFipsEnabled() &&
            KyrCoreUtils::caseInsensitiveStringEquals(key, ZelUnified::ConfigKeys::telephonyP2PEnabled);
 }
+
+} // namespace
 
 void applyFipsValueOverride(std::wstring_view key, std::wstring& value) {
     if (hasFipsOverride(key)) {

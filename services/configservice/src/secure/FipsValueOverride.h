@@ -5,11 +5,8 @@
 
 namespace zel {
 
-/// Returns true if `key` is "Telephony_P2P_Enabled" (case-insensitive) and the machine is in FIPS mode. There the key
-/// reads "false", whatever a store contains.
-bool hasFipsOverride(std::wstring_view key);
-
-/// Sets `value` to "false" if the override applies to `key`.
+/// Sets `value` to "false" if the override applies to `key`: if that is "Telephony_P2P_Enabled" (case-insensitive) and
+/// the machine is in FIPS mode. There the key reads "false", whatever a store contains.
 void applyFipsValueOverride(std::wstring_view key, std::wstring& value);
 
 /// Returns `value`, or "false" if the override applies to `key`.

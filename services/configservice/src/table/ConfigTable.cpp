@@ -21,13 +21,13 @@ ConfigTable::ConfigTable(ConfigMap values) {
     replace(std::move(values));
 }
 
-const ConfigEntry& ConfigTable::store(const std::wstring& key, std::wstring_view value) {
+void ConfigTable::store(const std::wstring& key, std::wstring_view value) {
     const FoldedKey folded(key);
     if (auto* entry = index.find(folded)) {
         entry->setValue(value);
-        return *entry;
+        return;
     }
-    return insert(folded, ConfigEntry::make(key, value));
+    insert(folded, ConfigEntry::make(key, value));
 }
 
 bool ConfigTable::load(const FoldedKey& key, std::wstring_view value) {
@@ -42,7 +42,7 @@ std::unique_ptr<ConfigTable::Arena> ConfigTable::makeArena() {
     return std::make_unique<Arena>(firstBlock);
 }
 
-const ConfigEntry& ConfigTable::insert(const FoldedKey& key, ConfigEntry::Owner added) {
+void ConfigTable::insert(const FoldedKey& key, ConfigEntry::Owner added) {
     index.reserveOne();
     reserveFilter(entries.size() + 1);
     entries.push_back(std::move(added));
@@ -52,7 +52,6 @@ const ConfigEntry& ConfigTable::insert(const FoldedKey& key, ConfigEntry::Owner 
     }
     filter.add(key);
     index.insert(key, *entries.back());
-    return *entries.back();
 }
 
 bool ConfigTable::remove(const std::wstring& key) {

@@ -39,9 +39,8 @@ public:
         return entry == nullptr ? std::nullopt : std::optional(entry->getValue());
     }
 
-    /// Inserts or overwrites the value; an existing key keeps its spelling. The returned entry stays at its address
-    /// until its key is removed or the table is cleared or replaced.
-    const ConfigEntry& store(const std::wstring& key, std::wstring_view value);
+    /// Inserts or overwrites the value; an existing key keeps its spelling.
+    void store(const std::wstring& key, std::wstring_view value);
     /// Inserts a key of a document, in lower case, and returns true. If the table already contains the key, changes
     /// nothing and returns false.
     bool load(const FoldedKey& key, std::wstring_view value);
@@ -64,7 +63,7 @@ private:
     using Arena = std::pmr::monotonic_buffer_resource;
 
     static std::unique_ptr<Arena> makeArena();
-    const ConfigEntry& insert(const FoldedKey& key, ConfigEntry::Owner added);
+    void insert(const FoldedKey& key, ConfigEntry::Owner added);
     void reserveFilter(std::size_t keys);
 
     /// The memory of entries that are read together. The memory of a removed entry is not reused until the table is

@@ -9,8 +9,8 @@
 
 namespace ZelUnified {
 
-/// A map from key names to the names that replace them. An index finds a name without comparing other names. Constant
-/// except for assignment.
+/// A map from names of keys to other names of the same keys, for example from old names to new names. An index finds a
+/// name without comparing other names. Constant except for assignment.
 class KeyNameMap {
 public:
     KeyNameMap() = default;
@@ -18,7 +18,7 @@ public:
     KeyNameMap(KeyNameMap&&) noexcept = default;
     KeyNameMap& operator=(KeyNameMap&&) noexcept = default;
 
-    /// Returns the name that replaces `key`, or null if there is none.
+    /// Returns the other name of `key` (case-insensitive), or null if the map does not contain `key`.
     const std::wstring* find(const FoldedKey& key) const noexcept {
         const auto* entry = index.find(key);
         return entry == nullptr ? nullptr : &entry->second;

@@ -271,7 +271,7 @@ std::shared_ptr<ConfigValueImpl> ConfigServiceImpl::findConfigFromKey(const Fold
 
 std::shared_ptr<ConfigValueImpl> ConfigServiceImpl::createConfig(const FoldedKey& key) {
     auto record = std::make_shared<ConfigValueImpl>(unifiedFactory, key.getText());
-    keep(key, record);
+    insertOrReplace(key, record);
     return record;
 }
 
@@ -282,11 +282,11 @@ std::shared_ptr<ConfigValueImpl> ConfigServiceImpl::createConfig(const std::wstr
     auto record =
         std::make_shared<ConfigValueImpl>(unifiedFactory, key, std::move(value), std::move(originalValue), isOverridden,
                                           std::move(valueStoreName), std::move(originalValueStoreName));
-    keep(FoldedKey(key), record);
+    insertOrReplace(FoldedKey(key), record);
     return record;
 }
 
-void ConfigServiceImpl::keep(const FoldedKey& key, std::shared_ptr<ConfigValueImpl> record) {
+void ConfigServiceImpl::insertOrReplace(const FoldedKey& key, std::shared_ptr<ConfigValueImpl> record) {
     // All allocation happens before the insertion into the index, so map and index stay consistent.
     configValuesIndex.reserveOne();
     const auto [entry, isNew] = configValues.try_emplace(key.getText());

@@ -89,7 +89,7 @@ private:
                                                   std::wstring originalValue, bool isOverridden,
                                                   SharedText valueStoreName, SharedText originalValueStoreName);
     /// Inserts the record, or replaces the one of the same key.
-    void keep(const FoldedKey& key, std::shared_ptr<ConfigValueImpl> record);
+    void insertOrReplace(const FoldedKey& key, std::shared_ptr<ConfigValueImpl> record);
     std::wstring describeLookupByOldName(const std::wstring& key, const std::wstring& newName, ConfigValueImpl& record);
     void appendSettings(std::wstring& report, bool defined);
 

@@ -103,7 +103,7 @@ TEST_F(ConfigServiceImplTest, KnowsSensitiveKeysOnlyFromTheList) {
     EXPECT_FALSE(service->isKeySensitive(L"Secret2"));
 }
 
-TEST_F(ConfigServiceImplTest, ResetLetsGoOfTheRecordsAndKeepsSensitiveKeysAndAliases) {
+TEST_F(ConfigServiceImplTest, ResetRemovesTheRecordsAndNeitherSensitiveKeysNorOldNames) {
     service->updateSensitiveKeyList(L"Secret");
     service->setupConfigKeyAliases({{L"Old", L"New"}});
     announce(L"New", L"before");

@@ -155,7 +155,7 @@ TEST_F(ConfigServiceLookup, SeveralThreadsMayListAtOnceWhileNobodyChangesARecord
     }
 }
 
-TEST_F(ConfigServiceLookup, AnAliasGivesTheTargetsRecordAndSaysSoInOneLine) {
+TEST_F(ConfigServiceLookup, AnOldNameFindsTheRecordOfItsNewNameAndLogsOneLine) {
     announce(L"TftpServer1", L"tftp.example.com");
     service->setupConfigKeyAliases({{L"TFTPPrimaryServer", L"TftpServer1"}});
     const auto record = service->getConfig(L"tftpprimaryserver");
@@ -177,7 +177,7 @@ TEST_F(ConfigServiceLookup, TheTargetAskedByItsOwnNameSaysNothing) {
     EXPECT_THAT(takeLines(), IsEmpty());
 }
 
-TEST_F(ConfigServiceLookup, AnAliasWithoutAnyRecordMakesTheTargets) {
+TEST_F(ConfigServiceLookup, AnOldNameWithoutARecordCreatesTheRecordOfItsNewName) {
     service->setupConfigKeyAliases({{L"Old", L"New"}});
     const auto record = service->getConfig(L"Old");
     EXPECT_EQ(record->getKey(), L"New");
@@ -187,7 +187,7 @@ TEST_F(ConfigServiceLookup, AnAliasWithoutAnyRecordMakesTheTargets) {
     EXPECT_EQ(service->getConfig(L"New"), record);
 }
 
-TEST_F(ConfigServiceLookup, AnOlderRecordOfTheAliasStandsWhileTheTargetHasNone) {
+TEST_F(ConfigServiceLookup, ARecordOfTheOldNameIsFoundWhileTheNewNameHasNone) {
     const auto old = service->getConfig(L"Old");
     service->setupConfigKeyAliases({{L"Old", L"New"}});
     EXPECT_EQ(service->getConfig(L"Old"), old);
@@ -198,7 +198,7 @@ TEST_F(ConfigServiceLookup, AnOlderRecordOfTheAliasStandsWhileTheTargetHasNone) 
     EXPECT_THAT(listKeys(), ElementsAre(L"New", L"Old"));
 }
 
-TEST_F(ConfigServiceLookup, ANewAliasTableReplacesTheOld) {
+TEST_F(ConfigServiceLookup, ANewTableOfOldNamesReplacesTheFirst) {
     service->setupConfigKeyAliases({{L"Old", L"New"}});
     service->setupConfigKeyAliases({{L"Older", L"New"}});
     EXPECT_EQ(service->getConfig(L"Old")->getKey(), L"Old");
@@ -262,7 +262,7 @@ TEST_F(ConfigServiceLookup, AStoresWordOnTheCalendarKeyStandsOverItsCheck) {
     EXPECT_EQ(registry->getOpened().size(), 1U);
 }
 
-TEST_F(ConfigServiceLookup, AnAliasOfTheCalendarKeyFindsItsRecordAtTheFirstRequest) {
+TEST_F(ConfigServiceLookup, AnOldNameOfTheCalendarKeyFindsItsRecordAtTheFirstRequest) {
     setMailClient(L"Microsoft Outlook");
     service->setupConfigKeyAliases({{L"Old", L"calendarintegrationtype"}});
     EXPECT_EQ(service->getConfig(L"Old")->getKey(), L"calendarintegrationtype");

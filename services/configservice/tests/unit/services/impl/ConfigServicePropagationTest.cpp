@@ -132,7 +132,7 @@ TEST_F(ConfigServicePropagation, FiringAnUnknownKeyMakesARecordAndFiresNothing) 
     EXPECT_FALSE(service->getAllConfig()->front()->getisDefined());
 }
 
-TEST_F(ConfigServicePropagation, AChangeOfAnAliasUpdatesTheTarget) {
+TEST_F(ConfigServicePropagation, AChangeOfAnOldNameUpdatesTheRecordOfItsNewName) {
     service->setupConfigKeyAliases({{L"Old", L"New"}});
     const auto observer = observe(L"New");
     announce(L"Old", L"v");
@@ -344,7 +344,7 @@ TEST_F(ConfigServicePropagation, AnObserverMayBeginABatchInTheMiddleOfShowingAno
     EXPECT_EQ(service->getConfig(L"b")->getValue(), L"2");
 }
 
-TEST_F(ConfigServicePropagation, ABatchIsShownUnderTheNamesOfAliasesThatCameInBetween) {
+TEST_F(ConfigServicePropagation, ABatchIsShownUnderTheNewNamesThatArrivedMeanwhile) {
     const auto observer = observe(L"new");
     const auto former = observe(L"old");
     announce(L"old", L"1", true);

@@ -12,8 +12,8 @@ namespace ZelUnified {
 
 class StoreTable;
 
-/// A store in the chain, with the fastest way to call it: the table of a store of this library receives the
-/// folded key, any other store is called through ConfigStore. Constant, like the chain that contains it.
+/// A store in the chain, with the fastest way to call it: the table of a store of this library receives the folded key,
+/// any other store is called through ConfigStore. Constant, like the chain that contains it.
 class ChainLink {
 public:
     explicit ChainLink(std::shared_ptr<ConfigStore> linkedStore);

@@ -24,14 +24,15 @@ public:
         AnswersAll,
         /// The same, but never returns a value of the key for certificate validation, although the store lists it.
         WithholdsCertificateValidation,
-        /// Returns each value trimmed. The FIPS override applies to a miss too, which still returns false: a key that
-        /// nobody sets must be forced to the same value.
+        /// Returns each value trimmed. The FIPS override applies to a miss too: the lookup returns false, but sets the
+        /// value to the forced one.
         Trims,
     };
 
     /// Locks the table while it exists.
     class Locked {
     public:
+        // Not analysed, because clang does not know that `lock` guards `values` for the lifetime of this object.
         explicit Locked(StoreTable& table) LUMORA_NO_THREAD_SAFETY_ANALYSIS : lock(table.tableLock),
                                                                               values(table.values) {}
 
@@ -44,8 +45,8 @@ public:
     };
 
     /// Returns the table of a store of this library, so that a walk of the chain folds and hashes a key once instead of
-    /// once in every store; null for a store of another service. A store of a class that another service derived from
-    /// one of this library counts as the other service's, because it may answer differently.
+    /// once in every store. Returns null for a store of another service, also if its class is derived from one of this
+    /// library, because it may answer differently.
     static StoreTable* find(ConfigStore& store);
 
     explicit StoreTable(Rule answeringRule) : rule(answeringRule) {}
@@ -56,6 +57,7 @@ public:
     Locked lock() { return Locked(*this); }
 
     // The operations of ConfigStore.
+
     /// `key` may refer to `value`. Unless the rule is Trims, reports most misses without the lock.
     bool getValue(const std::wstring& key, std::wstring& value) { return getValue(FoldedKey(key), value); }
     bool getValue(const FoldedKey& key, std::wstring& value);
@@ -70,7 +72,7 @@ public:
     void replace(ConfigMap read) { lock()->replace(std::move(read)); }
 
 private:
-    /// Without the lock, which ConfigTable::mayHold() does not need.
+    /// Does not acquire the lock: ConfigTable::mayHold() may run while another thread changes the table.
     bool mayHold(const FoldedKey& key) const noexcept LUMORA_NO_THREAD_SAFETY_ANALYSIS { return values.mayHold(key); }
     bool getTrimmedValue(const FoldedKey& key, std::wstring& value);
     bool isWithheld(const FoldedKey& key) const;

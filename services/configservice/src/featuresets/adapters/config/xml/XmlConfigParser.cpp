@@ -133,14 +133,14 @@ ConfigMap::value_type* insertKey(std::string_view name, ConfigMap& values) {
 
 /// Inserts plain elements into a table. All elements share two strings, so each element needs memory only for its
 /// entry.
-class PlainElementTaker {
+class PlainElementLoader {
 public:
-    explicit PlainElementTaker(ConfigTable& table) : values(table) {}
-    ~PlainElementTaker() { zel::SecureString::wipe(value); }
-    PlainElementTaker(const PlainElementTaker&) = delete;
-    PlainElementTaker& operator=(const PlainElementTaker&) = delete;
+    explicit PlainElementLoader(ConfigTable& table) : values(table) {}
+    ~PlainElementLoader() { zel::SecureString::wipe(value); }
+    PlainElementLoader(const PlainElementLoader&) = delete;
+    PlainElementLoader& operator=(const PlainElementLoader&) = delete;
 
-    void take(std::string_view name, std::string_view text) {
+    void load(std::string_view name, std::string_view text) {
         toWideString(name, key);
         toWideString(KyrCoreUtils::trimmedView(text), value);
         values.load(FoldedKey(key), zel::withFipsOverride(key, value));
@@ -159,10 +159,10 @@ XmlDocument parseProtectedText(const zel::SecureString& content, ConfigTable& va
     zel::SecureBuffer clear;
     content.decrypt(clear);
     std::string text(clear.getData(), clear.getLength());
-    PlainElementTaker taker(values);
+    PlainElementLoader loader(values);
     try {
         XmlDocument document =
-            XmlReader::parseDoc(text, [&](std::string_view name, std::string_view value) { taker.take(name, value); });
+            XmlReader::parseDoc(text, [&](std::string_view name, std::string_view value) { loader.load(name, value); });
         zel::SecureString::wipe(text);
         if (!document) {
             values.clear();

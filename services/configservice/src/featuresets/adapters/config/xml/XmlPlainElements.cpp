@@ -15,8 +15,8 @@ constexpr std::size_t longestText = std::size_t{64} * 1024;
 
 } // namespace
 
-XmlPlainElements::XmlPlainElements(xmlParserCtxt& parser, const Take& taker)
-    : context(parser), take(taker), treeHandlers(*parser.sax) {
+XmlPlainElements::XmlPlainElements(xmlParserCtxt& parser, const Receiver& receiver)
+    : context(parser), receive(receiver), treeHandlers(*parser.sax) {
     text.reserve(longestText);
     context._private = this;
     xmlSAXHandler& handlers = *context.sax;
@@ -36,13 +36,13 @@ XmlPlainElements::~XmlPlainElements() {
     context._private = nullptr;
 }
 
-XmlPlainElements& XmlPlainElements::of(void* parser) noexcept {
+XmlPlainElements& XmlPlainElements::getInstance(void* parser) noexcept {
     return *static_cast<XmlPlainElements*>(static_cast<xmlParserCtxt*>(parser)->_private);
 }
 
 void XmlPlainElements::onInternalSubset(void* parser, const xmlChar* name, const xmlChar* publicId,
                                         const xmlChar* systemId) {
-    auto& self = of(parser);
+    auto& self = getInstance(parser);
     self.leaveToTree();
     self.treeHandlers.internalSubset(parser, name, publicId, systemId);
 }
@@ -52,7 +52,7 @@ void XmlPlainElements::onInternalSubset(void* parser, const xmlChar* name, const
 void XmlPlainElements::onStartElement(void* parser, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri,
                                       int namespaceCount, const xmlChar** namespaces, int attributeCount,
                                       int defaultedCount, const xmlChar** attributes) {
-    auto& self = of(parser);
+    auto& self = getInstance(parser);
     const bool isPlain = prefix == nullptr && uri == nullptr && namespaceCount == 0 && attributeCount == 0;
     if (self.handsOut && self.depth == depthOfGroup && isPlain) {
         self.beginPlain(name);
@@ -67,7 +67,7 @@ void XmlPlainElements::onStartElement(void* parser, const xmlChar* name, const x
 }
 
 void XmlPlainElements::onEndElement(void* parser, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri) {
-    auto& self = of(parser);
+    auto& self = getInstance(parser);
     --self.depth;
     if (self.pending != nullptr) {
         self.endPlain();
@@ -77,7 +77,7 @@ void XmlPlainElements::onEndElement(void* parser, const xmlChar* name, const xml
 }
 
 void XmlPlainElements::onCharacters(void* parser, const xmlChar* characters, int length) {
-    auto& self = of(parser);
+    auto& self = getInstance(parser);
     if (self.handsOut && self.pending == nullptr) {
         return; // ignores text between groups and between keys
     }
@@ -87,20 +87,20 @@ void XmlPlainElements::onCharacters(void* parser, const xmlChar* characters, int
 }
 
 void XmlPlainElements::onCdata(void* parser, const xmlChar* characters, int length) {
-    auto& self = of(parser);
+    auto& self = getInstance(parser);
     self.leaveToTreeInElement(); // the tree distinguishes CDATA from text, which matters if the element contains more
                                  // than text
     self.treeHandlers.cdataBlock(parser, characters, length);
 }
 
 void XmlPlainElements::onComment(void* parser, const xmlChar* comment) {
-    auto& self = of(parser);
+    auto& self = getInstance(parser);
     self.leaveToTreeInElement();
     self.treeHandlers.comment(parser, comment);
 }
 
 void XmlPlainElements::onInstruction(void* parser, const xmlChar* target, const xmlChar* data) {
-    auto& self = of(parser);
+    auto& self = getInstance(parser);
     self.leaveToTreeInElement();
     self.treeHandlers.processingInstruction(parser, target, data);
 }
@@ -123,12 +123,12 @@ bool XmlPlainElements::append(std::string_view characters) {
     return true;
 }
 
-/// Passes the element to the taker. An exception must not pass through the library, so this stores it and stops the
+/// Passes the element to the receiver. An exception must not pass through the library, so this stores it and stops the
 /// parser.
 void XmlPlainElements::endPlain() {
     const xmlChar* const name = std::exchange(pending, nullptr);
     try {
-        take(reinterpret_cast<const char*>(name), text);
+        receive(reinterpret_cast<const char*>(name), text);
     } catch (...) {
         failure = std::current_exception();
         xmlStopParser(&context);

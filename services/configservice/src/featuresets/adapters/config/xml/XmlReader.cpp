@@ -26,7 +26,7 @@ namespace {
 
 using ParserContext = std::unique_ptr<xmlParserCtxt, decltype(&xmlFreeParserCtxt)>;
 
-XmlDocument own(xmlDocPtr document) {
+XmlDocument toDocument(xmlDocPtr document) {
     // Returns null for no document, so that callers can test the result like a pointer.
     return document == nullptr ? nullptr : XmlDocument(document, &xmlFreeDoc);
 }
@@ -118,8 +118,8 @@ bool isPlainDocument(const std::string& path) {
     return canBeginDocument({start.data(), static_cast<std::size_t>(file.gcount())});
 }
 
-/// Passes the plain elements to `take`, which may be null.
-XmlDocument parse(const std::string& text, const XmlPlainElements::Take* take) {
+/// Passes the plain elements to `receiver`, which may be null.
+XmlDocument parse(const std::string& text, const XmlPlainElements::Receiver* receiver) {
     // The library would stop at a NUL and treat the text before it as the whole document.
     if (text.size() > XmlReader::sizeLimit || text.find('\0') != std::string::npos) {
         return nullptr;
@@ -132,20 +132,20 @@ XmlDocument parse(const std::string& text, const XmlPlainElements::Take* take) {
     }
     const Bytes copy = fixInput(*context, text);
     std::optional<XmlPlainElements> plainElements;
-    if (take != nullptr) {
-        plainElements.emplace(*context, *take);
+    if (receiver != nullptr) {
+        plainElements.emplace(*context, *receiver);
     }
     xmlParseDocument(context.get());
     wipeInput(*context, copy);
-    XmlDocument document = own(std::exchange(context->myDoc, nullptr));
-    const bool isTaken = !plainElements || !plainElements->hasFailed();
-    if (context->wellFormed != 0 && isTaken) {
+    XmlDocument document = toDocument(std::exchange(context->myDoc, nullptr));
+    const bool isReceived = !plainElements || !plainElements->hasFailed();
+    if (context->wellFormed != 0 && isReceived) {
         return document;
     }
     if (xmlNode* root = document ? xmlDocGetRootElement(document.get()) : nullptr) {
         XmlScrubber(document).scrubElement(*root);
     }
-    if (!isTaken) {
+    if (!isReceived) {
         plainElements->rethrowFailure();
     }
     return nullptr;
@@ -160,15 +160,15 @@ XmlDocument XmlReader::readFile(const std::string& path) {
         return nullptr;
     }
     const XmlGuard guard;
-    return own(xmlReadFile(path.c_str(), nullptr, 0));
+    return toDocument(xmlReadFile(path.c_str(), nullptr, 0));
 }
 
 XmlDocument XmlReader::parseDoc(const std::string& text) {
     return parse(text, nullptr);
 }
 
-XmlDocument XmlReader::parseDoc(const std::string& text, const XmlPlainElements::Take& take) {
-    return parse(text, &take);
+XmlDocument XmlReader::parseDoc(const std::string& text, const XmlPlainElements::Receiver& receiver) {
+    return parse(text, &receiver);
 }
 
 XmlDocument XmlReader::readMemory(const std::string& text, const std::string& url) {
@@ -176,7 +176,7 @@ XmlDocument XmlReader::readMemory(const std::string& text, const std::string& ur
         return nullptr;
     }
     const XmlGuard guard;
-    return own(xmlReadMemory(text.data(), static_cast<int>(text.size()), url.c_str(), nullptr, 0));
+    return toDocument(xmlReadMemory(text.data(), static_cast<int>(text.size()), url.c_str(), nullptr, 0));
 }
 
 std::string XmlReader::getName(const xmlNode& node) {

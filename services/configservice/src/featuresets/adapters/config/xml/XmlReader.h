@@ -24,9 +24,9 @@ public:
     /// Parses a text. The document shares no memory with others: its texts are not in a dictionary. Returns null if
     /// `text` contains a NUL.
     static XmlDocument parseDoc(const std::string& text);
-    /// Passes plain elements to `take` instead of keeping them in the document. They are valid only if this returns a
-    /// document.
-    static XmlDocument parseDoc(const std::string& text, const XmlPlainElements::Take& take);
+    /// Passes plain elements to `receiver` instead of keeping them in the document. They are valid only if this returns
+    /// a document.
+    static XmlDocument parseDoc(const std::string& text, const XmlPlainElements::Receiver& receiver);
     static XmlDocument readMemory(const std::string& text, const std::string& url);
 
     static std::string getName(const xmlNode& node);

@@ -183,7 +183,7 @@ TEST_F(ConfigAdapterNotifications, InFipsModeAQueuedDeferredChangeFiresTheOverwr
     EXPECT_EQ(recordOf(L"k"), L"false");
 }
 
-TEST_F(ConfigAdapterNotifications, AliasTableIsPostedOnceWhenThePluginLoadsElsewhere) {
+TEST_F(ConfigAdapterNotifications, TableOfOldNamesIsPostedOnceWhenThePluginLoadsElsewhere) {
     elsewhere();
     load();
     EXPECT_EQ(tasks().front(), "ConfigServiceImpl::setupConfigKeyAliases");

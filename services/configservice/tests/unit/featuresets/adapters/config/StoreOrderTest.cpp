@@ -85,8 +85,8 @@ protected:
     void expectAnswer(const std::wstring& key, std::size_t first, std::size_t last) {
         std::wstring value;
         std::wstring storeName;
-        bool legacy = false;
-        EXPECT_TRUE(adapter->getConfig(key, value, storeName, legacy, false));
+        bool valueFromLegacyKey = false;
+        EXPECT_TRUE(adapter->getConfig(key, value, storeName, valueFromLegacyKey, false));
         EXPECT_EQ(value, names[first]);
         EXPECT_EQ(storeName, names[first]);
         const auto isWritable = [](std::size_t kind) { return kind == User || kind == Memory; };

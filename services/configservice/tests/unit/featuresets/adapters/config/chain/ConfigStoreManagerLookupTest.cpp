@@ -82,7 +82,7 @@ TEST_F(ConfigStoreManagerLookup, NewNameFallsBackOnTheOldOne) {
     EXPECT_TRUE(answer.valueFromLegacyKey);
 }
 
-TEST_F(ConfigStoreManagerLookup, OldNameThatAloneIsHeldCountsAsLegacy) {
+TEST_F(ConfigStoreManagerLookup, ValueHeldUnderTheRequestedOldNameSetsTheFlag) {
     given(makeReadOnlyStore("R", 33, {{L"TftpServer1", L"tftp"}}));
     const auto answer = ask(L"TftpServer1");
     EXPECT_EQ(answer.value, L"tftp");
@@ -98,7 +98,7 @@ TEST_F(ConfigStoreManagerLookup, NewNameWinsWhicheverStoreStandsFirst) {
     EXPECT_EQ(ask(L"TftpServer1").value, L"front");
 }
 
-TEST_F(ConfigStoreManagerLookup, LegacyFlagIsOnlyEverSet) {
+TEST_F(ConfigStoreManagerLookup, LookupNeverClearsTheFlagOfTheOldName) {
     given(makeReadOnlyStore("R", 33, {{L"k", L"v"}}));
     std::wstring value;
     std::wstring storeName;
@@ -176,7 +176,7 @@ TEST_F(DebugLookup, LineTellsOfARenamedKey) {
                             "[TFTPPrimaryServer] - skipLocal : [0]  value: [v] success: [true] configStoreName: [R]"));
 }
 
-TEST_F(DebugLookup, LineTellsOfALegacyKeyOnlyWhenTheNewNameWasAsked) {
+TEST_F(DebugLookup, LineMentionsTheOldNameOnlyIfTheNewNameWasRequested) {
     given(makeReadOnlyStore("R", 33, {{L"TftpServer1", L"v"}}));
     debugLog.clear();
     ask(L"TFTPPrimaryServer");

@@ -134,13 +134,13 @@ TEST(XmlPlainElements, AreWorthNothingWithoutADocument) {
     EXPECT_THAT(tables.fromProtected, IsEmpty());
 }
 
-TEST(XmlPlainElements, LetWhatTheTakerThrowsReachTheCaller) {
+TEST(XmlPlainElements, PassAnExceptionOfTheReceiverToTheCaller) {
     int calls = 0;
-    const auto take = [&](std::string_view, std::string_view) {
+    const auto receiver = [&](std::string_view, std::string_view) {
         ++calls;
         throw std::bad_alloc();
     };
-    EXPECT_THROW(XmlReader::parseDoc("<r><g><k>1</k><l>2</l></g></r>", take), std::bad_alloc);
+    EXPECT_THROW(XmlReader::parseDoc("<r><g><k>1</k><l>2</l></g></r>", receiver), std::bad_alloc);
     EXPECT_EQ(calls, 1);
 }
 
