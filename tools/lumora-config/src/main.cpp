@@ -90,10 +90,11 @@ ExitCode runSession(const CommandLine& line, Printer& printer) {
     if (!line.trusted) {
         requireTrusted(line.namedDirectories);
     }
-    ConfigHost host(line.directories, line.pluginDirectory, line.verbose);
+    ConfigHost host(line.directories, line.pluginDirectory, line.verbose, line.plugins);
     showHealthNotice(host.getConfigDirectory(), printer);
     Session session(host, printer, line.showSecrets);
     host.start();
+    host.loadForeignPlugins();
     for (const auto& spec : line.bootstraps) {
         session.addBootstrapStore(spec);
     }
