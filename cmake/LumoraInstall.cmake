@@ -1,6 +1,6 @@
 # Installs three components, each a Debian package (LumoraPackages): runtime, the host and the plug-in; program,
 # lumora-config; development, headers and the files of find_package(LumoraConfig) and pkg-config. The plug-in is in a
-# folder of its own, since a host loads plug-ins from its plug-in folder only.
+# folder of its own, the plug-in folder of hosts.
 include(CMakePackageConfigHelpers)
 
 set(lumora_include_folder ${CMAKE_INSTALL_INCLUDEDIR}/lumora)
@@ -39,3 +39,8 @@ file(RELATIVE_PATH lumora_prefix_from_pkgconfig
   ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
 configure_file(${CMAKE_CURRENT_LIST_DIR}/lumora-config.pc.in ${CMAKE_BINARY_DIR}/lumora-config.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/lumora-config.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+
+if(LUMORA_INSTALL_REFERENCE)
+  install(DIRECTORY ${CMAKE_SOURCE_DIR}/build/reference/html
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/liblumora-config-dev COMPONENT development)
+endif()

@@ -27,7 +27,7 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SHLIBDEPS OFF)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME} (= ${PROJECT_VERSION})")
 set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "configuration service of the Lumora client, development files
  Headers for services that read and follow configuration keys, or hand in a
- store of their own.")
+ store of their own, and the reference of the headers.")
 
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_NAME lumora-config)
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_SECTION utils)

@@ -5,6 +5,7 @@
 #include <kyr/FunctionTask.h>
 #include <kyr/StringUtils.h>
 #include <unified/PropertyNotifier.h>
+#include <zel/ZelLog.h>
 
 namespace example {
 
@@ -12,6 +13,8 @@ using KyrCoreUtils::toString;
 using KyrCoreUtils::toWideString;
 
 namespace {
+
+ZelLogger& logger = ZelLogger_getLogger("ExampleDirectoryService");
 
 constexpr auto presenceKey = L"Presence_Server_Address";
 constexpr auto directoryKey = L"Directory_Server_Address";
@@ -67,6 +70,8 @@ void DirectoryServiceImpl::onServices(const std::string& name, const std::functi
 }
 
 void DirectoryServiceImpl::hear(const std::shared_ptr<ZelUnified::ConfigValue>& record) {
+    // A value may be sensitive, so the log gets the key alone.
+    ZelLog(logger, ZelLogLevel::Info, ZEL_HERE, toString(record->getKey()) + " has changed");
     auto line = toString(record->getKey()) + "=" + toString(record->getValue());
     const std::lock_guard lock(heardMutex);
     heard.push_back(std::move(line));

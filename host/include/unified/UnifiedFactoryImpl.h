@@ -68,6 +68,10 @@ public:
     std::shared_ptr<IDataPersistor> getDataPersistor() override;
     std::shared_ptr<FeatureSetAdapter> getFeatureSetAdapter(unsigned int id) override;
 
+    /// Loads the plug-in of the interface, as the first lookup of its type does, for a program that does not know the
+    /// type. Returns true if it is loaded. Returns false after Destroy(), for a name that the options do not contain,
+    /// and after a failure, which is logged.
+    bool loadPlugin(const std::string& typeName);
     /// Resets the client: drops the pending content of failed writes of user data, then calls every reset callback,
     /// lowest order first. A callback that throws is logged, and the next one is called.
     void invokeResetData(ResetDataOptionEnum::ResetDataOption option);
@@ -91,7 +95,6 @@ public:
 private:
     void loadService(const std::string& typeName) override;
     void loadFeatureSet(const std::string& typeName) override;
-    void loadPlugin(const std::string& typeName);
 
     void runOnServicesThread(const std::string& name, const std::function<void()>& work);
     void runWithBackgroundAtRest(const std::string& name, const std::function<void()>& work);

@@ -16,10 +16,13 @@ struct UnifiedFactoryOptions {
     enum class ServicesThread { Own, Pumped };
 
     ServicesThread servicesThread = ServicesThread::Own;
-    /// The only folder from which plug-ins are loaded.
+    /// The only folder from which the libraries of `plugins` are loaded.
     std::string pluginFolder;
     /// Maps the readable type name of an interface to the file name, in that folder, of the library that implements it.
     std::map<std::string, std::string> plugins;
+    /// Maps the readable type name of an interface to the absolute path of a library outside that folder. The program
+    /// must have checked who may change the library. A name that `plugins` contains too is ignored here.
+    std::map<std::string, std::string> libraries;
     std::weak_ptr<ServiceEventListener> serviceEventListener;
     /// True if the program holds the profile's lock and may write. Init(), before it calls the entry point of any
     /// plug-in, then moves damaged, empty and wrongly keyed protected files of the configuration directory aside (see

@@ -47,44 +47,63 @@ std::optional<KyrCoreUtils::SharedLibrary> open(const std::string& path) {
 
 } // namespace
 
-PluginLoader::PluginLoader(std::string pluginFolder, std::map<std::string, std::string> libraryNames)
-    : folder(std::move(pluginFolder)), libraries(std::move(libraryNames)) {}
+PluginLoader::PluginLoader(std::string pluginFolder, std::map<std::string, std::string> libraryNames,
+                           std::map<std::string, std::string> libraryPaths)
+    : folder(std::move(pluginFolder)), names(std::move(libraryNames)), paths(std::move(libraryPaths)) {}
 
-void PluginLoader::load(const std::string& typeName, std::shared_ptr<UnifiedFactory> factory) {
-    const auto found = libraries.find(typeName);
-    if (found == libraries.end()) {
-        return;
-    }
-    const auto& library = found->second;
-    if (folder.empty() || !isBareFileName(library)) {
-        ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, "Not a file of the plug-in folder: [" + library + "]");
-        return;
+bool PluginLoader::load(const std::string& typeName, std::shared_ptr<UnifiedFactory> factory) {
+    const auto path = getPath(typeName);
+    if (path.empty()) {
+        return false;
     }
     {
         const KyrCoreUtils::LockGuard lock(mutex);
-        if (!begun.insert(library).second) {
-            return;
+        const auto [outcome, isFirst] = outcomes.emplace(path, false);
+        if (!isFirst) {
+            return outcome->second;
         }
     }
-    loadLibrary(folder + KyrCoreUtils::FileUtils::FileSeparator() + library, factory);
+    const bool loaded = loadLibrary(path, factory);
+    const KyrCoreUtils::LockGuard lock(mutex);
+    outcomes[path] = loaded;
+    return loaded;
 }
 
-void PluginLoader::loadLibrary(const std::string& path, const std::shared_ptr<UnifiedFactory>& factory) const {
+/// Returns the path of the library of the interface; "" if there is none. Logs a path that is not permitted.
+std::string PluginLoader::getPath(const std::string& typeName) const {
+    if (const auto found = names.find(typeName); found != names.end()) {
+        const auto& library = found->second;
+        if (!folder.empty() && isBareFileName(library)) {
+            return folder + KyrCoreUtils::FileUtils::FileSeparator() + library;
+        }
+        ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, "Not a file of the plug-in folder: [" + library + "]");
+        return "";
+    }
+    const auto found = paths.find(typeName);
+    if (found == paths.end() || std::filesystem::path(found->second).is_absolute()) {
+        return found == paths.end() ? "" : found->second;
+    }
+    ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, "Not an absolute path: [" + found->second + "]");
+    return "";
+}
+
+bool PluginLoader::loadLibrary(const std::string& path, const std::shared_ptr<UnifiedFactory>& factory) const {
     const auto library = open(path);
     const auto entry = library ? findEntry(*library, path) : nullptr;
     if (entry == nullptr) {
-        return;
+        return false;
     }
     try {
         entry(factory);
     } catch (const std::exception& failure) {
         ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, "The entry of plug-in " + path + " failed: " + failure.what());
-        return;
+        return false;
     } catch (...) {
         ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, "The entry of plug-in " + path + " failed.");
-        return;
+        return false;
     }
     ZelLog(logger, ZelLogLevel::Info, ZEL_HERE, "Loaded plug-in " + path);
+    return true;
 }
 
 } // namespace ZelUnified

@@ -5,32 +5,34 @@
 
 #include <map>
 #include <memory>
-#include <set>
 #include <string>
 
 namespace ZelUnified {
 
 class UnifiedFactory;
 
-/// Loads the plug-in that provides an interface and calls its entry point. Loads libraries from one folder only, each
-/// at most once, even if loading fails; a loaded library stays in the process. Any thread; no lock is held during an
-/// entry point.
+/// Loads the plug-in that provides an interface and calls its entry point. Loads each library at most once, even if
+/// loading fails; a loaded library stays in the process. Any thread; no lock is held during an entry point.
 class LUMORA_HOST_API PluginLoader {
 public:
-    /// `libraryNames` maps the readable name of an interface to a plain file name in the folder.
-    PluginLoader(std::string pluginFolder, std::map<std::string, std::string> libraryNames);
+    /// `libraryNames` maps the readable name of an interface to a plain file name in the folder, `libraryPaths` to an
+    /// absolute path. No other library is loaded.
+    PluginLoader(std::string pluginFolder, std::map<std::string, std::string> libraryNames,
+                 std::map<std::string, std::string> libraryPaths = {});
 
-    /// Loads the library of the interface. Does nothing for an unknown name and for a library that is loading or was
-    /// loaded. Logs failures.
-    void load(const std::string& typeName, std::shared_ptr<UnifiedFactory> factory);
+    /// Loads the library of the interface, unless it is loading or was tried. Returns whether it is loaded: false for
+    /// an unknown name, while another call loads it, and after a failure, which is logged.
+    bool load(const std::string& typeName, std::shared_ptr<UnifiedFactory> factory);
 
 private:
-    void loadLibrary(const std::string& path, const std::shared_ptr<UnifiedFactory>& factory) const;
+    std::string getPath(const std::string& typeName) const;
+    bool loadLibrary(const std::string& path, const std::shared_ptr<UnifiedFactory>& factory) const;
 
     const std::string folder;
-    const std::map<std::string, std::string> libraries;
+    const std::map<std::string, std::string> names;
+    const std::map<std::string, std::string> paths;
     KyrCoreUtils::AnnotatedMutex<> mutex;
-    std::set<std::string> begun LUMORA_GUARDED_BY(mutex);
+    std::map<std::string, bool> outcomes LUMORA_GUARDED_BY(mutex);
 };
 
 } // namespace ZelUnified

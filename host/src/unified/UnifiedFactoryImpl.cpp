@@ -54,7 +54,7 @@ UnifiedFactoryImpl::UnifiedFactoryImpl(UnifiedFactoryOptions factoryOptions)
       servicesDispatcher(std::make_shared<ServicesDispatcherImpl>(queueMode(options.servicesThread))),
       backgroundDispatcher(std::make_shared<TaskDispatcherImpl>()),
       resetCallbacks(std::make_shared<ResetDataCallbackRegistryImpl>()),
-      pluginLoader(std::make_unique<PluginLoader>(options.pluginFolder, options.plugins)),
+      pluginLoader(std::make_unique<PluginLoader>(options.pluginFolder, options.plugins, options.libraries)),
       writeRetrier(std::make_shared<WriteRetrier>(backgroundDispatcher)) {}
 
 UnifiedFactoryImpl::~UnifiedFactoryImpl() = default;
@@ -327,10 +327,8 @@ void UnifiedFactoryImpl::loadFeatureSet(const std::string& typeName) {
     loadPlugin(typeName);
 }
 
-void UnifiedFactoryImpl::loadPlugin(const std::string& typeName) {
-    if (!destroyed) {
-        pluginLoader->load(typeName, shared_from_this());
-    }
+bool UnifiedFactoryImpl::loadPlugin(const std::string& typeName) {
+    return !destroyed && pluginLoader->load(typeName, shared_from_this());
 }
 
 } // namespace ZelUnified

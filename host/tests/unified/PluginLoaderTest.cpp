@@ -63,6 +63,26 @@ TEST(PluginLoader, DoesNothingForAnInterfaceThatNoLibraryProvides) {
     EXPECT_THAT(log.getRecords(), IsEmpty());
 }
 
+TEST(PluginLoader, LoadsALibraryByItsAbsolutePathAndReturnsWhetherItIsLoaded) {
+    const auto factory = std::make_shared<RecordingFactory>();
+    const auto path = std::string(folder) + "/good_plugin.so";
+    PluginLoader loader("", {}, {{interfaceName, path}, {"another::Interface", path}, {"a::Broken", path + ".absent"}});
+    EXPECT_TRUE(loader.load(interfaceName, factory));
+    EXPECT_TRUE(loader.load("another::Interface", factory));
+    EXPECT_FALSE(loader.load("a::Broken", factory));
+    EXPECT_FALSE(loader.load("a::Broken", factory));
+    EXPECT_FALSE(loader.load("an::Unknown", factory));
+    EXPECT_EQ(factory->getFeatureSetByType<PluginFeatureSet>()->getEntryCalls(), 1);
+    factory->Destroy();
+}
+
+TEST(PluginLoader, RefusesARelativePath) {
+    const LogRecorder log;
+    PluginLoader loader(folder, {}, {{interfaceName, "good_plugin.so"}});
+    EXPECT_FALSE(loader.load(interfaceName, std::make_shared<RecordingFactory>()));
+    EXPECT_THAT(log.getTexts(ZelLogLevel::Error), ElementsAre(HasSubstr("Not an absolute path")));
+}
+
 TEST(PluginLoader, ReportsALibraryThatIsMissing) {
     EXPECT_THAT(errorsOfLoading(folder, "missing.so"), ElementsAre(HasSubstr("missing.so")));
 }

@@ -85,10 +85,11 @@ ExitCode withSession(const CommandLine& line, Printer& printer, const std::funct
     if (!line.trusted) {
         requireTrusted(line.namedDirectories);
     }
-    ConfigHost host(line.directories, line.pluginDirectory, line.verbose);
+    ConfigHost host(line.directories, line.pluginDirectory, line.verbose, line.plugins);
     showHealthNotice(host.getConfigDirectory(), printer);
     Session session(host, printer, line.showSecrets);
     host.start();
+    host.loadForeignPlugins();
     for (const auto& spec : line.bootstraps) {
         session.addBootstrapStore(spec);
     }
@@ -148,9 +149,10 @@ ExitCode watch(const CommandLine& line, Outputs& outputs) {
 }
 
 /// Runs the command on the client that uses the profile. Returns false if there is none, or none that can be asked.
-/// Stores of the command line belong to a host of their own.
+/// Stores and plug-ins of the command line belong to a host of their own.
 bool runLive(const CommandLine& line, Printer& printer) {
-    if (line.offline || !line.stores.empty() || !line.bootstraps.empty() || !LiveCommands::canRun(line.command)) {
+    if (line.offline || !line.stores.empty() || !line.bootstraps.empty() || !line.plugins.empty() ||
+        !LiveCommands::canRun(line.command)) {
         return false;
     }
     KyrCoreUtils::FileUtils::overrideDirectories(line.directories);

@@ -19,6 +19,7 @@ constexpr auto footer =
 /// The options as text, before they are parsed.
 struct RawOptions {
     std::string profile;
+    std::vector<std::string> plugins;
     std::vector<std::string> stores;
     std::vector<std::string> bootstraps;
 };
@@ -36,6 +37,9 @@ void addDirectories(CLI::App& app, RawOptions& raw, CommandLine& line) {
     add("--resources-dir", line.directories.resources, "Installed resources: the defaults file");
     app.add_option("--plugin-dir", line.pluginDirectory, "Folder of the plug-in, instead of the installed one")
         ->type_name("DIR");
+    app.add_option("--plugin", raw.plugins, "Also load the plug-in of this interface; may be repeated")
+        ->type_name("NAME=LIBRARY")
+        ->allow_extra_args(false);
 }
 
 void addOptions(CLI::App& app, RawOptions& raw, CommandLine& line) {
@@ -50,7 +54,8 @@ void addOptions(CLI::App& app, RawOptions& raw, CommandLine& line) {
     app.add_flag("--json", line.json, "Print one JSON object per line");
     app.add_flag("-v,--verbose", line.verbose, "Print log lines on standard error");
     app.add_flag("--show-secrets", line.showSecrets, "Show sensitive values");
-    app.add_flag("--trust", line.trusted, "Use a named folder even if another user owns it or everybody may write it");
+    app.add_flag("--trust", line.trusted,
+                 "Use a named folder or library even if another user owns it or everybody may write it");
     auto* offline = app.add_flag("--offline", line.offline, "Do not ask a running client");
     app.add_flag("--live", line.live, "Fail if no running client can be asked")->excludes(offline);
     app.fallthrough();
@@ -97,6 +102,11 @@ CommandLine CommandLine::parse(int argc, const char* const* argv) {
     line.namedDirectories = nameDirectories(raw.profile, line.directories);
     if (!line.pluginDirectory.empty()) {
         line.namedDirectories.insert(line.namedDirectories.begin(), line.pluginDirectory);
+    }
+    std::ranges::transform(raw.plugins, std::back_inserter(line.plugins), PluginSpec::parse);
+    for (const auto& plugin : line.plugins) {
+        const std::filesystem::path library(plugin.library);
+        line.namedDirectories.insert(line.namedDirectories.end(), {library.parent_path().string(), plugin.library});
     }
     std::ranges::transform(raw.stores, std::back_inserter(line.stores), StoreSpec::parse);
     std::ranges::transform(raw.bootstraps, std::back_inserter(line.bootstraps), BootstrapSpec::parse);

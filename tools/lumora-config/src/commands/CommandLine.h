@@ -1,6 +1,7 @@
 #pragma once
 
 #include "CommandGrammar.h"
+#include "host/PluginSpec.h"
 #include "stores/StoreSpec.h"
 
 #include <kyr/FileUtils.h>
@@ -19,7 +20,9 @@ namespace lumora_config {
 struct CommandLine {
     KyrCoreUtils::HostDirectories directories; ///< An empty member means the default of the platform.
     std::string pluginDirectory;               ///< If empty, searched relative to the program.
-    std::vector<std::string> namedDirectories; ///< The directories of --profile, --config-dir and --plugin-dir.
+    /// The directories of --profile, --config-dir and --plugin-dir, the libraries of --plugin and their directories.
+    std::vector<std::string> namedDirectories;
+    std::vector<PluginSpec> plugins;
     std::vector<StoreSpec> stores;
     std::vector<BootstrapSpec> bootstraps;
     bool json = false;
@@ -27,7 +30,7 @@ struct CommandLine {
     bool showSecrets = false;
     bool live = false;    ///< Requires a running client.
     bool offline = false; ///< Does not ask a running client.
-    bool trusted = false; ///< Uses the named directories whoever owns them.
+    bool trusted = false; ///< Uses the named directories and libraries whoever owns them.
     Command command;
 
     /// Parses the arguments. Throws Failure: Usage with a message; Done with the text of --help or --version.

@@ -23,12 +23,12 @@ std::vector<std::string> nameCommands(const CLI::App& grammar) {
 void addNames(std::vector<std::string>& names, const CLI::App& app) {
     for (const auto* option : app.get_options()) {
         for (const auto& name : option->get_lnames()) {
-            names.push_back("--" + name);
+            names.push_back(name);
         }
     }
 }
 
-/// Returns the options that are accepted here: the common ones and those of the command.
+/// Returns the names, without dashes, of the options that are accepted here: the common ones and those of the command.
 std::vector<std::string> nameOptions(const CLI::App& grammar) {
     std::vector<std::string> names;
     for (const auto* command : grammar.get_subcommands()) {
@@ -38,13 +38,25 @@ std::vector<std::string> nameOptions(const CLI::App& grammar) {
     return names;
 }
 
+std::string askForOneOf(const std::vector<std::string>& names) {
+    std::string text;
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        const bool isLast = i + 1 == names.size();
+        text += (i == 0 ? "; did you mean " : isLast ? " or " : ", ") + ("'" + names[i] + "'");
+    }
+    return text.empty() ? text : text + '?';
+}
+
 std::string describeUnknownCommand(const CLI::App& grammar, const std::string& word) {
     return "there is no command '" + word + "'" + suggest(word, nameCommands(grammar));
 }
 
 std::string describeUnknownOption(const CLI::App& grammar, const std::string& word) {
     const auto name = word.substr(0, word.find('='));
-    return "there is no option '" + name + "'" + suggest(name, nameOptions(grammar));
+    // The dashes are no reason to call two names similar.
+    auto closest = closestNames(name.substr(std::min(name.find_first_not_of('-'), name.size())), nameOptions(grammar));
+    std::ranges::for_each(closest, [](std::string& option) { option.insert(0, "--"); });
+    return "there is no option '" + name + "'" + askForOneOf(closest);
 }
 
 } // namespace
@@ -75,13 +87,7 @@ std::string getHelp(const CLI::App& grammar, const std::string& command) {
 }
 
 std::string suggest(const std::string& word, const std::vector<std::string>& candidates) {
-    const auto closest = closestNames(word, candidates);
-    std::string text;
-    for (std::size_t i = 0; i < closest.size(); ++i) {
-        const bool isLast = i + 1 == closest.size();
-        text += (i == 0 ? "; did you mean " : isLast ? " or " : ", ") + ("'" + closest[i] + "'");
-    }
-    return text.empty() ? text : text + '?';
+    return askForOneOf(closestNames(word, candidates));
 }
 
 } // namespace lumora_config

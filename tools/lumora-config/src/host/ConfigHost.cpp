@@ -24,6 +24,8 @@ using ZelUnified::UnifiedFactoryImpl;
 
 namespace {
 
+constexpr auto loaderLogger = "UnifiedFactory-PluginLoader";
+
 /// Sets the directories before anything reads them. Returns the configuration directory.
 std::string settleDirectories(const KyrCoreUtils::HostDirectories& directories) {
     FileUtils::overrideDirectories(directories);
@@ -41,23 +43,32 @@ void startLog(bool verbose) {
     zel::logging::logToFile(FileUtils::getStateDirectory() + FileUtils::FileSeparator() + "lumora-config.log");
 }
 
-std::shared_ptr<UnifiedFactoryImpl> makeFactory(const std::string& pluginDirectory) {
+std::shared_ptr<UnifiedFactoryImpl> makeFactory(const std::string& pluginDirectory,
+                                                const std::vector<PluginSpec>& foreign) {
     ZelUnified::UnifiedFactoryOptions options;
     options.openedForWriting = true;
     options.pluginFolder = pluginDirectory;
     options.plugins = {{ZelUnified::readableTypeName<ZelUnified::ConfigService>(), LUMORA_PLUGIN_LIBRARY},
                        {ZelUnified::readableTypeName<ZelUnified::ConfigFeatureSet>(), LUMORA_PLUGIN_LIBRARY}};
     options.plugins.merge(InspectionPlugin::describe());
+    for (const auto& plugin : foreign) {
+        if (options.plugins.contains(plugin.interfaceName)) {
+            throw Failure(ExitCode::Usage, "--plugin " + plugin.interfaceName + ": the program loads its own plug-in");
+        }
+        options.libraries.insert_or_assign(plugin.interfaceName, plugin.library);
+    }
     return std::make_shared<UnifiedFactoryImpl>(std::move(options));
 }
 
 } // namespace
 
-ConfigHost::ConfigHost(const KyrCoreUtils::HostDirectories& directories, const std::string& plugins, bool verbose)
+ConfigHost::ConfigHost(const KyrCoreUtils::HostDirectories& directories, const std::string& plugins, bool verbose,
+                       std::vector<PluginSpec> foreignPlugins)
     : configDirectory(settleDirectories(directories)),
       pluginDirectory(findPluginFolder(plugins)),
+      foreign(std::move(foreignPlugins)),
       lock(configDirectory, FileUtils::getStateDirectory()),
-      factory(makeFactory(pluginDirectory)) {
+      factory(makeFactory(pluginDirectory, foreign)) {
     if (!lock.isHeld()) {
         throw Failure(ExitCode::Environment, lock.getProblem());
     }
@@ -76,6 +87,18 @@ ConfigHost::ConfigHost(const KyrCoreUtils::HostDirectories& directories, const s
 
 ConfigHost::~ConfigHost() {
     end();
+}
+
+void ConfigHost::loadForeignPlugins() const {
+    const LogLineCatcher loaderLog(loaderLogger);
+    for (const auto& plugin : foreign) {
+        bool loaded = false;
+        onServices("lumora-config: load " + plugin.interfaceName,
+                   [&] { loaded = factory->loadPlugin(plugin.interfaceName); });
+        if (!loaded) {
+            throw Failure(ExitCode::Environment, "--plugin " + plugin.interfaceName + ": " + loaderLog.getText());
+        }
+    }
 }
 
 void ConfigHost::start() {
@@ -148,7 +171,7 @@ std::string ConfigHost::nameThread() const {
 }
 
 void ConfigHost::load() {
-    const LogLineCatcher loaderLog("UnifiedFactory-PluginLoader");
+    const LogLineCatcher loaderLog(loaderLogger);
     onServices("lumora-config: load", [this] {
         service = factory->getServiceByType<ZelUnified::ConfigService>();
         featureSet = factory->getFeatureSetByType<ZelUnified::ConfigFeatureSet>();

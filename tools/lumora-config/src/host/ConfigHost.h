@@ -1,5 +1,6 @@
 #pragma once
 
+#include "PluginSpec.h"
 #include "PowerSwitch.h"
 #include "TimerSwitch.h"
 
@@ -14,6 +15,7 @@
 #include <memory>
 #include <string>
 #include <thread>
+#include <vector>
 
 namespace lumora_config {
 
@@ -24,11 +26,15 @@ class ConfigHost {
 public:
     /// Loads the plug-in from the folder `plugins` or, if that is empty, from the folder beside the program. Does not
     /// start the feature set. Throws Failure (Environment) and leaves nothing running.
-    ConfigHost(const KyrCoreUtils::HostDirectories& directories, const std::string& plugins, bool verbose);
+    ConfigHost(const KyrCoreUtils::HostDirectories& directories, const std::string& plugins, bool verbose,
+               std::vector<PluginSpec> foreignPlugins = {});
     ~ConfigHost();
     ConfigHost(const ConfigHost&) = delete;
     ConfigHost& operator=(const ConfigHost&) = delete;
 
+    /// Loads the foreign plug-ins, which may add stores and observe keys at once if the feature set is started. Throws
+    /// Failure (Environment) for the first one that cannot be loaded.
+    void loadForeignPlugins() const;
     void start();
     /// Lets other processes of the user inspect the configuration, and change it if `changesAllowed` is true. Returns
     /// the path of the socket. Call it after start(). Throws Failure (Environment).
@@ -66,6 +72,7 @@ private:
     const std::shared_ptr<TimerSwitch> timerSwitch = std::make_shared<TimerSwitch>();
     const std::string configDirectory;
     const std::string pluginDirectory;
+    const std::vector<PluginSpec> foreign;
     /// Two processes that write one configuration would overwrite each other's values.
     const ZelUnified::ProfileLock lock;
     const std::shared_ptr<ZelUnified::UnifiedFactoryImpl> factory;

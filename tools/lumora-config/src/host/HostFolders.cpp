@@ -48,12 +48,12 @@ std::string whyUntrusted(const FileAccess& access) {
     return access.writableByEverybody ? "can be written by everybody" : "";
 }
 
-void requireTrusted(const std::vector<std::string>& directories) {
-    for (const auto& directory : directories) {
-        const auto access = FileAccess::of(directory);
+void requireTrusted(const std::vector<std::string>& paths) {
+    for (const auto& path : paths) {
+        const auto access = FileAccess::of(path);
         const auto reason = access ? whyUntrusted(*access) : std::string();
         if (!reason.empty()) {
-            throw Failure(ExitCode::Environment, directory + ": " + reason + "; --trust accepts it");
+            throw Failure(ExitCode::Environment, path + ": " + reason + "; --trust accepts it");
         }
     }
 }

@@ -8,12 +8,12 @@
 /// Checks the folders of the host: their owner, the plug-in and the defaults file in them.
 namespace lumora_config {
 
-/// Returns "" if a directory with this access is trusted. Otherwise returns the reason: it belongs to another user who
-/// is not root, or everybody may write it.
+/// Returns "" if a directory or a library with this access is trusted. Otherwise returns the reason: it belongs to
+/// another user who is not root, or everybody may write it.
 std::string whyUntrusted(const KyrCoreUtils::FileAccess& access);
 
-/// Throws Failure (Environment) for the first existing directory that is not trusted.
-void requireTrusted(const std::vector<std::string>& directories);
+/// Throws Failure (Environment) for the first existing directory or library that is not trusted.
+void requireTrusted(const std::vector<std::string>& paths);
 
 /// Returns the folder of the plug-in `configservice`: `requested` or, if that is empty, the folder of the build or
 /// installation of the program. Throws Failure (Environment) if there is no plug-in.

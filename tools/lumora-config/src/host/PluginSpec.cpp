@@ -1,0 +1,18 @@
+#include "PluginSpec.h"
+
+#include "output/Failure.h"
+
+#include <filesystem>
+
+namespace lumora_config {
+
+PluginSpec PluginSpec::parse(std::string_view text) {
+    const auto separator = text.find('=');
+    if (separator == std::string_view::npos || separator == 0 || separator + 1 == text.size()) {
+        throw Failure(ExitCode::Usage, "'" + std::string(text) + "' is not of the form NAME=LIBRARY");
+    }
+    const std::filesystem::path library(text.substr(separator + 1));
+    return {std::string(text.substr(0, separator)), std::filesystem::absolute(library).lexically_normal().string()};
+}
+
+} // namespace lumora_config
