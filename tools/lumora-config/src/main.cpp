@@ -121,6 +121,9 @@ SettingsDump readProfile(const CommandLine& line, Printer& printer, const std::s
 
 /// Opens the profiles one after the other, because a process has one set of directories.
 void compareOperands(const CommandLine& line, Printer& printer) {
+    if (!line.trusted) {
+        requireTrusted(line.namedDirectories);
+    }
     const auto read = [&](const std::string& folder, const std::string& source) {
         return readProfile(line, printer, folder, source);
     };
