@@ -63,7 +63,7 @@ TEST(InspectionConnections, ARequestOfManyTimesTheLimitIsRefusedOnce) {
 
 TEST(InspectionConnections, AHalfOpenConnectionIsDropped) {
     inspection::InspectionLimits limits;
-    limits.requestTime = 50ms;
+    limits.requestTime = std::chrono::milliseconds(50);
     TestHost host(limits);
     Peer silent(host);
     EXPECT_TRUE(silent.isDropped());
@@ -71,7 +71,7 @@ TEST(InspectionConnections, AHalfOpenConnectionIsDropped) {
 
 TEST(InspectionConnections, AnIdleConnectionIsDroppedButAWatcherIsNot) {
     inspection::InspectionLimits limits;
-    limits.idleTime = 50ms;
+    limits.idleTime = std::chrono::milliseconds(50);
     TestHost host(limits);
     Peer watching(host);
     ASSERT_EQ(watching.ask({{"verb", "watch"}})["type"], "done");
@@ -84,7 +84,7 @@ TEST(InspectionConnections, AnIdleConnectionIsDroppedButAWatcherIsNot) {
 
 TEST(InspectionConnections, APeerThatDoesNotReadItsReplyIsDropped) {
     inspection::InspectionLimits limits;
-    limits.replyTime = 50ms;
+    limits.replyTime = std::chrono::milliseconds(50);
     ZelUnified::ConfigMap defaults;
     for (int i = 0; i < 5000; ++i) {
         defaults.emplace(L"Key" + std::to_wstring(i), std::wstring(200, L'v'));

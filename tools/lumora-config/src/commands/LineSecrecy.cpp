@@ -14,7 +14,7 @@ using KyrCoreUtils::toWideString;
 
 LineSecrecy::LineSecrecy(Session& commandSession) : session(commandSession) {
     commandSession.getHost().onServices("lumora-config: secrets", [&] {
-        auto& chain = commandSession.getChain();
+        const auto& chain = commandSession.getChain();
         for (const auto& listed : chain.list({})) {
             if (!session.getMask().hides(listed.key)) {
                 continue;

@@ -16,7 +16,7 @@ namespace {
 
 namespace ConfigKeys = ZelUnified::ConfigKeys;
 
-void addSetting(Session& session, SettingsDump& dump, const std::wstring& key, const Reading& reading) {
+void addSetting(const Session& session, SettingsDump& dump, const std::wstring& key, const Reading& reading) {
     dump.settings.push_back({std::wstring(ConfigKeys::spellKey(key)), reading.value, reading.storeName,
                              session.getMask().hides(key), false});
 }

@@ -93,7 +93,7 @@ void resetData(Session& session, const Command& command) {
 }
 
 /// Returns the file's values as they may be shown. The service marks such keys only when it reads the policy.
-std::vector<ImportedValue> listShownValues(Session& session, const PolicyFile& policy) {
+std::vector<ImportedValue> listShownValues(const Session& session, const PolicyFile& policy) {
     auto values = policy.listValues();
     for (auto& value : values) {
         const bool isPassword = KyrCoreUtils::caseInsensitiveFind(value.key, ConfigKeys::connectionPassword) >= 0;

@@ -50,7 +50,7 @@ bool StoreTable::getValue(const FoldedKey& key, std::wstring& value) {
         value.clear();
         return false;
     }
-    const zel::Mutex::ScopedLock lock(tableLock);
+    const zel::Mutex::ScopedLock held(tableLock);
     const auto found = values.find(key);
     if (!found || isWithheld(key)) {
         value.clear();
@@ -61,7 +61,7 @@ bool StoreTable::getValue(const FoldedKey& key, std::wstring& value) {
 }
 
 bool StoreTable::getTrimmedValue(const FoldedKey& key, std::wstring& value) {
-    const zel::Mutex::ScopedLock lock(tableLock);
+    const zel::Mutex::ScopedLock held(tableLock);
     const auto found = values.find(key);
     const auto trimmed = KyrCoreUtils::trim(found.value_or(std::wstring_view()));
     value = zel::withFipsOverride(key.getText(), trimmed); // last: `key` may refer to `value`
