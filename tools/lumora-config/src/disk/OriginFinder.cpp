@@ -93,7 +93,7 @@ Origin OriginFinder::find(const std::string& storeName, const std::wstring& name
 
 void OriginFinder::locate(const std::wstring& key, Reading& reading) {
     const auto names = ConfigKeys::getKeyNames(key);
-    const auto& name = reading.underEarlierName && names.oldName ? *names.oldName : names.newName;
+    const auto& name = reading.underOldName && names.oldName ? *names.oldName : names.newName;
     reading.origin = find(KyrCoreUtils::toString(reading.storeName), name);
 }
 

@@ -35,18 +35,18 @@ std::optional<Reading> toReading(const Json& reply) {
     Reading reading;
     reading.value = wideAt(reply, "value");
     reading.storeName = wideAt(reply, "store");
-    reading.underEarlierName = reply.at("underOldName");
+    reading.underOldName = reply.at("underOldName");
     return reading;
 }
 
 Explanation toExplanation(const Json& reply) {
     Explanation explanation;
     explanation.key = wideAt(reply, "key");
-    explanation.currentName = wideAt(reply, "newName");
+    explanation.newName = wideAt(reply, "newName");
     if (!reply.at("oldName").is_null()) {
-        explanation.earlierName = wideAt(reply, "oldName");
-        explanation.askedByEarlierName =
-            KyrCoreUtils::caseInsensitiveStringEquals(explanation.key, *explanation.earlierName);
+        explanation.oldName = wideAt(reply, "oldName");
+        explanation.isRequestedByOldName =
+            KyrCoreUtils::caseInsensitiveStringEquals(explanation.key, *explanation.oldName);
     }
     explanation.inForce = toReading(reply);
     for (const auto& store : reply.at("stores")) {

@@ -105,11 +105,11 @@ std::string toEmbeddedText(const json& data) {
 
 /// Returns the key in the spelling of the catalogue: the stores that read files return lower case.
 std::string nameOf(const Explanation& key) {
-    return shown(ConfigKeys::spellKey(key.currentName));
+    return shown(ConfigKeys::spellKey(key.newName));
 }
 
 std::string meaningOf(const Explanation& key) {
-    const auto* const row = ConfigKeys::findKey(key.currentName);
+    const auto* const row = ConfigKeys::findKey(key.newName);
     return std::string(row == nullptr ? std::string_view() : row->meaning);
 }
 
@@ -190,12 +190,12 @@ private:
         for (const auto& opinion : key.opinions) {
             const auto store = std::ranges::find(findings.stores, opinion.store.name, &StoreFacts::name);
             for (const auto& holding : opinion.holdings) {
-                holdings.push_back(describe(holding, store - findings.stores.begin(), holding.name == key.earlierName));
+                holdings.push_back(describe(holding, store - findings.stores.begin(), holding.name == key.oldName));
             }
         }
         json row{nameOf(key), std::move(holdings), refer(key.inForce, key), refer(key.administrators, key),
                  (key.record.overridden ? 1 : 0) + (key.sensitive ? 2 : 0)};
-        row.push_back(key.earlierName ? shown(*key.earlierName) : "");
+        row.push_back(key.oldName ? shown(*key.oldName) : "");
         row.push_back(meaningOf(key));
         while (row.back() == "") {
             row.erase(row.size() - 1);
@@ -249,7 +249,7 @@ private:
         for (const auto& opinion : key.opinions) {
             for (const auto& holding : opinion.holdings) {
                 if (reading->value == holding.value && isNamed(opinion.store, reading->storeName) &&
-                    reading->underEarlierName == (holding.name == key.earlierName)) {
+                    reading->underOldName == (holding.name == key.oldName)) {
                     return position;
                 }
                 ++position;

@@ -33,7 +33,7 @@ struct Origin {
 struct Reading {
     std::wstring value;
     std::wstring storeName;
-    bool underEarlierName = false;
+    bool underOldName = false;
     Origin origin{};
 };
 
@@ -60,9 +60,9 @@ struct RecordFacts {
 
 struct Explanation {
     std::wstring key; ///< In the spelling of the request.
-    std::wstring currentName;
-    std::optional<std::wstring> earlierName;
-    bool askedByEarlierName = false;
+    std::wstring newName;
+    std::optional<std::wstring> oldName;
+    bool isRequestedByOldName = false;
     bool sensitive = false;
     std::optional<Reading> inForce;
     std::vector<Opinion> opinions; ///< In chain order.

@@ -36,7 +36,7 @@ Json toJson(const std::optional<Reading>& reading) {
     if (reading) {
         object["value"] = toString(reading->value);
         object["store"] = toString(reading->storeName);
-        object["underOldName"] = reading->underEarlierName;
+        object["underOldName"] = reading->underOldName;
         object["origin"] = toJson(reading->origin);
     }
     return object;
@@ -101,10 +101,10 @@ void JsonPrinter::showDefault(const std::wstring& key, const std::wstring& value
 void JsonPrinter::showExplanation(const Explanation& explanation) {
     Json object{{"type", "explanation"},
                 {"key", toString(explanation.key)},
-                {"newName", toString(explanation.currentName)},
+                {"newName", toString(explanation.newName)},
                 {"oldName", nullptr}};
-    if (explanation.earlierName) {
-        object["oldName"] = toString(*explanation.earlierName);
+    if (explanation.oldName) {
+        object["oldName"] = toString(*explanation.oldName);
     }
     object.update(toJson(explanation.inForce));
     object["stores"] = Json::array();

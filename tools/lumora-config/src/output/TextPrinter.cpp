@@ -27,11 +27,11 @@ std::string quote(const std::wstring& text) {
 
 std::string nameOfKey(const Explanation& explanation) {
     auto text = narrow(explanation.key);
-    if (!explanation.earlierName) {
+    if (!explanation.oldName) {
         return text;
     }
-    const auto other = explanation.askedByEarlierName ? explanation.currentName : *explanation.earlierName;
-    return text + (explanation.askedByEarlierName ? ", the old name of " : ", once named ") + narrow(other);
+    const auto other = explanation.isRequestedByOldName ? explanation.newName : *explanation.oldName;
+    return text + (explanation.isRequestedByOldName ? ", the old name of " : ", once named ") + narrow(other);
 }
 
 std::string describe(const std::optional<Reading>& reading, const Explanation& explanation) {
@@ -39,9 +39,9 @@ std::string describe(const std::optional<Reading>& reading, const Explanation& e
         return "none";
     }
     auto text = quote(reading->value) + " from " + narrow(reading->storeName);
-    if (explanation.earlierName) {
-        text += reading->underEarlierName ? ", under the old name " + narrow(*explanation.earlierName)
-                                          : ", under the new name " + narrow(explanation.currentName);
+    if (explanation.oldName) {
+        text += reading->underOldName ? ", under the old name " + narrow(*explanation.oldName)
+                                      : ", under the new name " + narrow(explanation.newName);
     }
     return text;
 }
@@ -79,7 +79,7 @@ void TextPrinter::showValue(const std::wstring& /*key*/, const std::optional<Rea
     std::string origin;
     if (withOrigin) {
         const auto place = toOneLine(describe(reading->origin));
-        origin = "  (" + narrow(reading->storeName) + (reading->underEarlierName ? ", under its old name" : "") +
+        origin = "  (" + narrow(reading->storeName) + (reading->underOldName ? ", under its old name" : "") +
                  (place.empty() ? "" : ", " + place) + ')';
     }
     output.writeValue(KyrCoreUtils::toString(reading->value), origin);
@@ -146,7 +146,7 @@ void TextPrinter::showDescription(const KeyDescription& description) {
     addRow("value", description.inForce ? quote(description.inForce->value) : "none");
     if (description.inForce) {
         addRow("source", narrow(description.inForce->storeName) +
-                             (description.inForce->underEarlierName ? ", under its old name" : ""));
+                             (description.inForce->underOldName ? ", under its old name" : ""));
     }
     output.writeEscaped(narrow(description.key) + "\n\n" + table.toString(output.getForm()));
 }

@@ -35,7 +35,7 @@ Opinion askStore(ConfigStore& store, const StoreFacts& facts, const KeyNames& na
         std::wstring value;
         if (store.getValue(name, value)) {
             const bool isOldName = name == names.oldName;
-            opinion.holdings.push_back({name, value, wins && isOldName == winner->underEarlierName});
+            opinion.holdings.push_back({name, value, wins && isOldName == winner->underOldName});
         }
     }
     return opinion;
@@ -81,7 +81,7 @@ ChainInspector::~ChainInspector() {
 
 std::optional<Reading> ChainInspector::read(const std::wstring& key, bool administratorsOnly) const {
     Reading reading;
-    if (!featureSet->getConfig(key, reading.value, reading.storeName, reading.underEarlierName, administratorsOnly)) {
+    if (!featureSet->getConfig(key, reading.value, reading.storeName, reading.underOldName, administratorsOnly)) {
         return std::nullopt;
     }
     return reading;
@@ -122,9 +122,9 @@ Explanation ChainInspector::explain(const std::wstring& key, const Stores& store
     const auto keyNames = getKeyNames(key);
     Explanation explanation;
     explanation.key = ZelUnified::ConfigKeys::spellKey(key);
-    explanation.currentName = keyNames.newName;
-    explanation.earlierName = keyNames.oldName;
-    explanation.askedByEarlierName = keyNames.isRequestedByOldName;
+    explanation.newName = keyNames.newName;
+    explanation.oldName = keyNames.oldName;
+    explanation.isRequestedByOldName = keyNames.isRequestedByOldName;
     explanation.inForce = read(key);
     explanation.administrators = read(key, true);
     for (std::size_t i = 0; i < stores.size(); ++i) {

@@ -21,7 +21,7 @@ const StoreFacts policy{"RegistryConfigStore", 33, true, false, 1};
 
 Explanation makeKey(const std::wstring& name, const std::wstring& value) {
     Explanation key;
-    key.key = key.currentName = name;
+    key.key = key.newName = name;
     key.inForce = Reading{value, L"LocalFileConfigStore", false};
     key.opinions = {{usersStore, {{name, value, true}}}, {policy, {}}};
     return key;
@@ -93,7 +93,7 @@ TEST(ChainPage, MarksOverriddenAndSensitiveKeys) {
 
 TEST(ChainPage, ContainsTheOldNameAndMarksWhatIsHeldUnderIt) {
     auto key = makeKey(L"new", L"v");
-    key.earlierName = L"old";
+    key.oldName = L"old";
     key.opinions[1].holdings = {{L"old", L"w", false}};
     key.administrators = Reading{L"w", L"registryconfigstore", true};
     EXPECT_EQ(readRow(key), json::parse(R"(["new", [[0, "v"], [1, "w", 1]], 0, 1, 0, "old"])"));
