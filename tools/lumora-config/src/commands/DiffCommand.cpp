@@ -36,7 +36,8 @@ bool isProfile(const std::string& operand) {
     return std::filesystem::is_directory(operand, error);
 }
 
-void show(const SettingsDump& left, const SettingsDump& right, const Command& command, bool showSecrets, Printer& printer) {
+void show(const SettingsDump& left, const SettingsDump& right, const Command& command, bool showSecrets,
+          Printer& printer) {
     auto comparison = compareSettings(left, right, command.withStores ? Compared::ValuesAndStores : Compared::Values);
     if (!showSecrets) {
         hideSecrets(comparison);
