@@ -24,13 +24,10 @@ std::string describeMiss(const Command& command) {
     return command.admin ? "no administrator's store holds" : "no store holds";
 }
 
-/// The answers of a client have neither the place of a value in its file nor the marks of sensitive keys.
+/// The list of a client has one store for each key, and no marks of sensitive keys.
 bool canAnswer(const Command& command) {
     if (command.name == "report") {
         return command.htmlFile.empty() && (command.file.empty() || command.file == "-");
-    }
-    if (command.name == "get") {
-        return !command.origin;
     }
     return command.name != "list" || (command.store.empty() && !command.sensitive);
 }

@@ -84,6 +84,8 @@ EditlineEditor::EditlineEditor(std::string promptText, Completer wordCompleter)
     el_set(editor, EL_PROMPT, &EditlineEditor::getPrompt);
     el_set(editor, EL_EDITOR, "emacs");
     el_set(editor, EL_SIGNAL, 0); // EndSignals handles the signals
+    // The interrupt key must not discard input: a read that has just been announced would wait for more.
+    el_set(editor, EL_SETTY, "-d", "+noflsh", nullptr);
     el_set(editor, EL_GETCFN, &EditlineEditor::readCharacter);
     el_set(editor, EL_HIST, &history, lines.get());
     el_set(editor, EL_ADDFN, "lumora-complete", "Complete the word", &EditlineEditor::completeWord);
