@@ -28,6 +28,7 @@ std::vector<std::string> findRegistryFiles(HKEY root) {
         std::ranges::move(listRegistryFiles(user), std::back_inserter(files));
     }
     std::vector<std::string> paths;
+    paths.reserve(files.size());
     for (auto& file : files) {
         paths.push_back(std::move(file.path));
     }

@@ -57,8 +57,8 @@ public:
     /// never waits for an operation of the chain; the walk uses an immutable copy of the chain.
     std::shared_ptr<ConfigStore> getStoreByName(const std::string& name) const LUMORA_NO_THREAD_SAFETY_ANALYSIS;
 
-    /// Returns the stores in chain order. Does not wait for `chainLock`.
-    StoreChain::Stores getStores() const { return *configStores.getStores(); }
+    /// Returns the stores in chain order. Does not wait for `chainLock`; what it copies is immutable.
+    StoreChain::Stores getStores() const LUMORA_NO_THREAD_SAFETY_ANALYSIS { return *configStores.getStores(); }
 
     void registerConfigStoreAddedObserver(const std::shared_ptr<ConfigStoreAddedObserver>& observer);
     void unregisterConfigStoreAddedObserver(const std::shared_ptr<ConfigStoreAddedObserver>& observer);
