@@ -80,8 +80,8 @@ void Shell::runEdited(LineEditor& editor) {
         editor.addToHistory(line);
     }
     session.getInput().setLineReader([&editor](std::string& text) {
-        auto line = editor.readLine();
-        text = std::move(line).value_or("");
+        const auto line = editor.readLine();
+        text = line.value_or("");
         return line.has_value();
     });
     while (!mustEnd() && session.getPrinter().isHeard()) {
