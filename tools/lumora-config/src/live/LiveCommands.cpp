@@ -57,7 +57,9 @@ bool LiveCommands::canRun(const Command& command) {
 void LiveCommands::run(const Command& command) {
     printer.showWarning("this is the running client, process " + std::to_string(client.getProcess()));
     try {
-        (this->*find(command))(command);
+        if (const auto body = find(command); body != nullptr) {
+            (this->*body)(command);
+        }
     } catch (const nlohmann::json::exception&) {
         throw Failure(ExitCode::Environment, "the running client sends an unknown answer");
     }

@@ -197,7 +197,10 @@ private:
                  (key.record.overridden ? 1 : 0) + (key.sensitive ? 2 : 0)};
         row.push_back(key.oldName ? shown(*key.oldName) : "");
         row.push_back(meaningOf(key));
-        while (row.back() == "") {
+        const auto isBlank = [](const json& field) {
+            return field.is_string() && field.get_ref<const std::string&>().empty();
+        };
+        while (isBlank(row.back())) {
             row.erase(row.size() - 1);
         }
         return row;

@@ -69,12 +69,10 @@ void PolicyKeyFinder::apply(const RegistryTextSection& section, const std::strin
         node = child.get();
     }
     for (const auto& entry : section.entries) {
-        if (entry.deletion) {
-            node->values.erase(entry.value.name);
-        } else if (isReadByClient(entry.value.type)) {
+        if (!entry.deletion && isReadByClient(entry.value.type)) {
             node->values.insert_or_assign(entry.value.name, FilePlace{file, entry.line});
         } else {
-            node->values.erase(entry.value.name); // the value that it overwrites is not read any more
+            node->values.erase(entry.value.name); // deleted, or overwritten by a value that the client does not read
         }
     }
 }
