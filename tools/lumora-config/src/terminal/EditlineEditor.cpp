@@ -95,7 +95,8 @@ EditlineEditor::EditlineEditor(std::string promptText, Completer wordCompleter)
 std::optional<std::string> EditlineEditor::readLine() {
     const Utf8Locale locale;
     el_resize(editLine.get()); // the size may have changed since the last line
-    // Before the prompt is shown: libedit itself does it afterwards, and keys typed in between would have other effects.
+    // Before the prompt is shown: libedit itself does it afterwards, and keys typed in between would have other
+    // effects.
     el_set(editLine.get(), EL_PREP_TERM, 1);
     int length = 0;
     const char* const text = el_gets(editLine.get(), &length);
