@@ -88,7 +88,8 @@ EditlineEditor::EditlineEditor(std::string promptText, Completer wordCompleter)
     el_set(editor, EL_SETTY, "-d", "+noflsh", nullptr);
     el_set(editor, EL_GETCFN, &EditlineEditor::readCharacter);
     el_set(editor, EL_HIST, &history, lines.get());
-    el_set(editor, EL_ADDFN, "lumora-complete", "Complete the word", &EditlineEditor::completeWord);
+    // The wide call, because the narrow one leaks copies of its texts.
+    el_wset(editor, EL_ADDFN, L"lumora-complete", L"Complete the word", &EditlineEditor::completeWord);
     el_set(editor, EL_BIND, "^I", "lumora-complete", nullptr);
 }
 
