@@ -149,7 +149,9 @@ INSTANTIATE_TEST_SUITE_P(Kinds, EditedEndSignal, testing::Values(SIGINT, SIGTERM
 TEST(ShellEditing, TheInterruptKeyEndsTheShell) {
     const Profile profile;
     ShellTerminal shell(profile);
-    shell.type("set Never 1\x03");
+    shell.type("set Never 1");
+    shell.await("set Never 1");
+    shell.type("\x03");
     EXPECT_EQ(shell.waitForEnd(), 128 + SIGINT);
 }
 
