@@ -20,7 +20,7 @@
 
 /// On a member: it is accessed only while the lock is held.
 #define LUMORA_GUARDED_BY(lock) LUMORA_THREAD_SAFETY(guarded_by(lock))
-/// On a pointer: the object behind it is accessed only while the lock is held.
+/// On a pointer: the object that it points to is accessed only while the lock is held.
 #define LUMORA_PT_GUARDED_BY(lock) LUMORA_THREAD_SAFETY(pt_guarded_by(lock))
 
 /// On a function: the caller holds the locks.

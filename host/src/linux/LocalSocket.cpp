@@ -32,7 +32,7 @@ namespace KyrCoreUtils {
 
 namespace {
 
-/// Half of the digest is enough to tell the profiles of one user apart and keeps the path short.
+/// Half of the digest distinguishes the profiles of one user and keeps the path short.
 constexpr std::size_t digestBytes = 16;
 
 std::string settledPath(const std::string& directory) {

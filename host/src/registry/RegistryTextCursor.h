@@ -18,7 +18,7 @@ public:
     bool atEnd() const { return position >= text.size(); }
     /// Returns NUL at the end.
     wchar_t peek() const { return atEnd() ? L'\0' : text[position]; }
-    /// Returns the current character and moves behind it. Do not call at the end.
+    /// Returns the current character and advances by one. Do not call at the end.
     wchar_t next() { return text[position++]; }
     std::wstring_view rest() const { return std::wstring_view(text).substr(position); }
 

@@ -243,7 +243,7 @@ void InspectionConnection::enter(Phase next) {
     }
     deadline.expires_after(time);
     deadline.async_wait([self = shared_from_this()](const std::error_code& cancelled) {
-        // A handler that is queued already is not cancelled when the time is set anew.
+        // Setting a new time does not cancel a handler that is already queued.
         if (!cancelled && self->deadline.expiry() <= asio::steady_timer::clock_type::now()) {
             self->close();
         }

@@ -5,7 +5,7 @@
 
 namespace inspection {
 
-/// Returns true if the key matches the pattern, case-insensitively. "*" stands for any text, "?" for one character.
+/// Returns true if the key matches the pattern, case-insensitively. "*" matches any text, "?" one character.
 bool matchesPattern(std::wstring_view key, std::wstring_view pattern);
 
 } // namespace inspection

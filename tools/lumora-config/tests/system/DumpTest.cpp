@@ -96,7 +96,7 @@ TEST(Dump, AndLoadKeepFiveThousandRandomValues) {
     for (const auto& found : answers.at(0).at("values")) {
         ++count;
         ASSERT_EQ(found.at("value"), expected.at(found.at("key").get<std::string>()))
-            << found.at("key") << " with the seed " << seed;
+            << found.at("key") << ", seed: " << seed;
     }
     EXPECT_EQ(count, 5000U);
     EXPECT_TRUE(second.run({"dump"}).out == text) << "seed: " << seed;
