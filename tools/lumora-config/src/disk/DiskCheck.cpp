@@ -2,7 +2,6 @@
 
 #include "ResetFiles.h"
 #include "SettingsOnDisk.h"
-#include "StoreRecord.h"
 #include "output/Failure.h"
 #include "stores/XmlSettings.h"
 
@@ -10,6 +9,7 @@
 #include <kyr/StringUtils.h>
 #include <zel/FipsUtils.h>
 
+#include <CachedCopyRecord.h>
 #include <ConfigKeys.h>
 
 #include <algorithm>
@@ -93,13 +93,14 @@ void DiskCheck::requireCopy(ZelUnified::ConfigStore& store) const {
     }
     const auto onDisk = readUserSettings(host.getConfigDirectory());
     const auto record = onDisk.values.find(ConfigKeys::primaryConfigStores);
-    const auto entry =
-        record == onDisk.values.end() ? std::nullopt : StoreRecord(record->second).find(toWideString(store.getName()));
+    const auto entry = record == onDisk.values.end()
+                           ? std::nullopt
+                           : ZelUnified::CachedCopyRecord(record->second).find(toWideString(store.getName()));
     if (!entry || entry->priority != toWideString(store.getCachedPriority())) {
         failForUser("the record of the copy of " + store.getName() + " is not on the disk");
     }
     // The next start searches the file by the name in the record.
-    const auto path = StoreRecord::findCopyPath(host.getConfigDirectory(), toString(entry->name));
+    const auto path = ZelUnified::CachedCopyRecord::findCopyPath(host.getConfigDirectory(), toString(entry->name));
     if (!path) {
         fail(what + ": its name leads out of the folder of the copies");
     }
@@ -108,7 +109,7 @@ void DiskCheck::requireCopy(ZelUnified::ConfigStore& store) const {
 
 void DiskCheck::requireProvisioned(ZelUnified::ConfigStore& store) const {
     host.settle();
-    requireCopyAt(*StoreRecord::findCopyPath(host.getConfigDirectory(), store.getName()), store);
+    requireCopyAt(*ZelUnified::CachedCopyRecord::findCopyPath(host.getConfigDirectory(), store.getName()), store);
 }
 
 void DiskCheck::requireCopyAt(const std::string& path, ZelUnified::ConfigStore& store) const {

@@ -1,7 +1,6 @@
 #include "OriginFinder.h"
 
 #include "SettingsOnDisk.h"
-#include "StoreRecord.h"
 #include "output/Failure.h"
 #include "output/TimeText.h"
 #include "stores/BootstrapKeyFinder.h"
@@ -13,6 +12,7 @@
 #include <kyr/StringUtils.h>
 #include <registry/RegistryFiles.h>
 
+#include <CachedCopyRecord.h>
 #include <ConfigCatalogue.h>
 
 #include <filesystem>
@@ -157,7 +157,7 @@ void OriginFinder::readArrival(const StoreArrivals::Arrival& arrival, StoreOrigi
 
 /// Reads the cached copy of a store, which may be that of a provisioning URL.
 void OriginFinder::readCopy(const std::string& storeName, StoreOrigins& origins) const {
-    const auto path = StoreRecord::findCopyPath(configDirectory, storeName);
+    const auto path = ZelUnified::CachedCopyRecord::findCopyPath(configDirectory, storeName);
     if (!path) {
         return;
     }

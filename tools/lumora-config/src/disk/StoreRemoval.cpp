@@ -6,6 +6,7 @@
 #include <kyr/FileUtils.h>
 #include <kyr/StringUtils.h>
 
+#include <CachedCopyRecord.h>
 #include <ConfigKeys.h>
 
 #include <algorithm>
@@ -16,6 +17,7 @@ namespace lumora_config {
 using KyrCoreUtils::caseInsensitiveStringEquals;
 using KyrCoreUtils::FileUtils;
 using KyrCoreUtils::toWideString;
+using ZelUnified::CachedCopyRecord;
 namespace ConfigKeys = ZelUnified::ConfigKeys;
 
 namespace {
@@ -51,7 +53,7 @@ StoreRemoval::StoreRemoval(const ConfigHost& configHost, const std::string& stor
         }
         // The copy was written under the spelling in the record, which may be an older one.
         copies = {name, storeName};
-        if (const auto entry = StoreRecord(readUsersRecord()).find(toWideString(name))) {
+        if (const auto entry = CachedCopyRecord(readUsersRecord()).find(toWideString(name))) {
             copies.push_back(KyrCoreUtils::toString(entry->name));
         }
     });
@@ -59,7 +61,7 @@ StoreRemoval::StoreRemoval(const ConfigHost& configHost, const std::string& stor
 
 void StoreRemoval::run() {
     for (const auto& copy : copies) {
-        const auto path = StoreRecord::findCopyPath(host.getConfigDirectory(), copy);
+        const auto path = CachedCopyRecord::findCopyPath(host.getConfigDirectory(), copy);
         hadCopy = hadCopy || (path && FileUtils::fileExists(*path));
     }
     host.onServices("lumora-config: remove-store", [this] { removeOnServices(); });
@@ -75,7 +77,7 @@ void StoreRemoval::run() {
 void StoreRemoval::removeOnServices() {
     const auto storeName = toWideString(name);
     const auto featureSet = host.getFeatureSet();
-    const StoreRecord record(readUsersRecord());
+    const CachedCopyRecord record(readUsersRecord());
     const auto remaining = record.without(storeName);
     if (!isUsersStore() && !record.canBeErasedByService(storeName)) {
         featureSet->setConfig(recordKey(), storeName + L';' + remaining);
@@ -97,7 +99,7 @@ void StoreRemoval::removeOnServices() {
 void StoreRemoval::deleteCopies() {
     host.settle();
     for (const auto& copy : copies) {
-        if (const auto path = StoreRecord::findCopyPath(host.getConfigDirectory(), copy)) {
+        if (const auto path = CachedCopyRecord::findCopyPath(host.getConfigDirectory(), copy)) {
             FileUtils::removeFile(*path);
             DiskCheck(host).requireGone(*path);
         }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "StoreRecord.h"
 #include "host/ConfigHost.h"
 
 #include <ConfigStore.h>
