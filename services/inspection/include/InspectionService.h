@@ -17,11 +17,9 @@ class INSPECTION_SERVICE_API InspectionService : public FeatureSet {
 public:
     /// Lower than the number of the configuration service, so that the host stops and destroys this service first.
     static constexpr unsigned int inspectionServiceId = 1299;
-    /// While the administrator sets this key to a false value, no request changes anything.
-    static constexpr const wchar_t* allowsChangesKey = L"InspectionAllowsChanges";
 
-    /// Allows or refuses requests that change something; allowed by default. The administrator's policy can only
-    /// refuse.
+    /// Allows or refuses requests that change something; allowed by default. The administrator's policy, the key
+    /// ConfigKeys::inspectionAllowsChanges, can only refuse.
     virtual void setChangesAllowed(bool allowed) = 0;
     /// Returns the path of the socket, or "" while the service does not listen.
     virtual std::string getSocketPath() = 0;

@@ -3,7 +3,6 @@
 #include "RequestError.h"
 
 #include <ConfigCatalogue.h>
-#include <InspectionService.h>
 
 #include <algorithm>
 #include <utility>
@@ -124,7 +123,7 @@ std::string ConfigInspector::describeOutcome(const std::wstring& key) const {
 }
 
 bool ConfigInspector::administratorAllowsChanges() const {
-    const auto policy = read(ZelUnified::InspectionService::allowsChangesKey, true);
+    const auto policy = read(std::wstring(ZelUnified::ConfigKeys::inspectionAllowsChanges), true);
     return !policy || KyrCoreUtils::toBool(policy->value);
 }
 
