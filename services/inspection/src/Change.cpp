@@ -27,19 +27,55 @@ std::string toText(std::chrono::system_clock::time_point moment) {
     return text.str();
 }
 
+/// Calls `use` for each property that differs.
+template <typename Use>
+void forEachProperty(const Change& change, Use use) {
+    const auto& [value, originalValue, isOverridden, isDefined, valueStore, originalStore] = change.before;
+    const auto compare = [&](const char* property, const auto& before, const auto& after, bool secret) {
+        if (before != after) {
+            use(property, before, after, secret);
+        }
+    };
+    compare("Value", value, change.after.value, change.secret);
+    compare("OriginalValue", originalValue, change.after.originalValue, change.secret);
+    compare("isOverridden", isOverridden, change.after.isOverridden, false);
+    compare("isDefined", isDefined, change.after.isDefined, false);
+    compare("ValueStoreName", valueStore, change.after.valueStoreName, false);
+    compare("OriginalValueStoreName", originalStore, change.after.originalValueStoreName, false);
+}
+
+std::string toText(const std::wstring& value) {
+    return toString(value);
+}
+
+std::string toText(bool value) {
+    return value ? "true" : "false";
+}
+
 } // namespace
 
-std::string Change::toLine(bool showSecrets) const {
-    const auto shown = [&](const std::wstring& value) {
-        return toString(secret && !showSecrets ? std::wstring(ZelUnified::ConfigKeys::valueHidden) : value);
-    };
-    return inspection::toLine({{"type", "notification"},
-                               {"time", toText(time)},
-                               {"key", toString(ZelUnified::ConfigKeys::spellKey(key))},
-                               {"property", property},
-                               {"old", shown(oldValue)},
-                               {"new", shown(newValue)},
-                               {"store", toString(storeName)}});
+std::size_t Change::countEvents() const {
+    std::size_t count = 0;
+    forEachProperty(*this, [&](const char*, const auto&, const auto&, bool) { ++count; });
+    return count;
+}
+
+std::string Change::toLines(bool showSecrets) const {
+    std::string lines;
+    const Json begin{
+        {"type", "notification"}, {"time", toText(time)}, {"key", toString(ZelUnified::ConfigKeys::spellKey(key))}};
+    forEachProperty(*this, [&](const char* property, const auto& was, const auto& is, bool isSecret) {
+        const auto show = [&](const auto& text) {
+            return isSecret && !showSecrets ? toString(ZelUnified::ConfigKeys::valueHidden) : toText(text);
+        };
+        auto event = begin;
+        event["property"] = property;
+        event["old"] = show(was);
+        event["new"] = show(is);
+        event["store"] = toString(after.valueStoreName);
+        lines += toLine(event);
+    });
+    return lines;
 }
 
 std::string makeLostLine(std::size_t count) {

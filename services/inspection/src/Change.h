@@ -1,28 +1,27 @@
 #pragma once
 
+#include <ConfigRecordObserver.h>
+
 #include <chrono>
-#include <memory>
-#include <optional>
+#include <cstddef>
 #include <string>
 
 namespace inspection {
 
-/// A change of one property of a record, and its event as a line.
+/// A change of one record: one event for each property that differs.
 struct Change {
     std::chrono::system_clock::time_point time;
     std::wstring key;
-    std::optional<std::wstring> oldName; ///< The old name of the key, if it was renamed.
-    std::string property;
-    std::wstring oldValue;
-    std::wstring newValue;
-    std::wstring storeName;
+    ZelUnified::ConfigRecordState before;
+    ZelUnified::ConfigRecordState after;
     bool secret = false; ///< The values must be masked.
 
-    /// Returns the event. Masks a secret unless `showSecrets` is true.
-    std::string toLine(bool showSecrets) const;
+    std::size_t countEvents() const;
+    /// Returns the events, each one as a line. Masks a secret unless `showSecrets` is true.
+    std::string toLines(bool showSecrets) const;
 };
 
-/// Returns the event that replaces `count` changes.
+/// Returns the event that replaces `count` events.
 std::string makeLostLine(std::size_t count);
 
 } // namespace inspection

@@ -2,11 +2,12 @@
 
 #include <ConfigCatalogue.h>
 
+#include <map>
 #include <utility>
 
 namespace inspection {
 
-using KyrCoreUtils::toWideString;
+using ZelUnified::ConfigKeys::getKeyNames;
 
 ChangeFeed::ChangeFeed(const std::shared_ptr<ZelUnified::UnifiedFactory>& factory,
                        std::shared_ptr<const ConfigInspector> configInspector, const InspectionLimits& limits,
@@ -38,57 +39,52 @@ void ChangeFeed::remove(Watcher& watcher) {
 
 void ChangeFeed::OnRecordChanged(const std::wstring& key, const ZelUnified::ConfigRecordState& before,
                                  const ZelUnified::ConfigRecordState& after) {
-    Change change;
-    change.time = std::chrono::system_clock::now();
-    change.key = key;
-    change.oldName = ZelUnified::ConfigKeys::getKeyNames(key).oldName;
-    change.storeName = after.valueStoreName;
-    const bool sensitive = inspector->isSensitive(key);
-    const auto report = [&](const char* property, const std::wstring& was, const std::wstring& is, bool secret) {
-        if (was == is) {
-            return;
-        }
-        change.property = property;
-        change.oldValue = was;
-        change.newValue = is;
-        change.secret = secret;
-        push(change);
-    };
-    report("Value", before.value, after.value, sensitive);
-    report("OriginalValue", before.originalValue, after.originalValue, sensitive);
-    report("isOverridden", toWideString(before.isOverridden), toWideString(after.isOverridden), false);
-    report("isDefined", toWideString(before.isDefined), toWideString(after.isDefined), false);
-    report("ValueStoreName", before.valueStoreName, after.valueStoreName, false);
-    report("OriginalValueStoreName", before.originalValueStoreName, after.originalValueStoreName, false);
-}
-
-void ChangeFeed::push(Change change) {
-    if (queue.push(std::move(change))) {
+    // The mark may be removed later, so it is read now. Everything else that the events need is done by the socket's
+    // thread.
+    if (queue.push({std::chrono::system_clock::now(), key, before, after, inspector->isSensitive(key)})) {
         postToSocket([self = shared_from_this()] { self->distribute(); });
     }
 }
 
 void ChangeFeed::distribute() {
     const auto batch = queue.take();
-    const auto addressed = watchers; // a connection that fails removes itself
     for (const auto& change : batch.changes) {
-        std::shared_ptr<const std::string> masked;
-        std::shared_ptr<const std::string> clear;
-        for (auto* const watcher : addressed) {
-            if (!watchers.contains(watcher) || !watcher->isInterestedIn(change)) {
-                continue;
+        send(change);
+    }
+    if (!batch.lost.empty()) {
+        reportLost(batch);
+    }
+}
+
+void ChangeFeed::send(const Change& change) const {
+    const auto names = getKeyNames(change.key).getAll();
+    const auto count = change.countEvents();
+    std::shared_ptr<const std::string> masked;
+    std::shared_ptr<const std::string> clear;
+    for (auto* const watcher : watchers) {
+        if (!watcher->isInterestedIn(names)) {
+            continue;
+        }
+        auto& lines = watcher->wantsSecrets() ? clear : masked;
+        if (!lines) {
+            lines = std::make_shared<const std::string>(change.toLines(watcher->wantsSecrets()));
+        }
+        watcher->sendEvents(lines, count);
+    }
+}
+
+void ChangeFeed::reportLost(const ChangeQueue::Batch& batch) const {
+    std::map<Watcher*, std::size_t> missed;
+    for (const auto& [key, count] : batch.lost) {
+        const auto names = getKeyNames(key).getAll();
+        for (auto* const watcher : watchers) {
+            if (watcher->isInterestedIn(names)) {
+                missed[watcher] += count;
             }
-            auto& line = watcher->wantsSecrets() ? clear : masked;
-            if (!line) {
-                line = std::make_shared<const std::string>(change.toLine(watcher->wantsSecrets()));
-            }
-            watcher->sendEvent(line);
         }
     }
-    if (batch.lost != 0) {
-        for (auto* const watcher : watchers) {
-            watcher->addLost(batch.lost);
-        }
+    for (const auto& [watcher, count] : missed) {
+        watcher->addLost(count);
     }
 }
 

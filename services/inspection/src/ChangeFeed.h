@@ -18,7 +18,8 @@ namespace inspection {
 /// Observes the records while anybody watches, and distributes their changes. A client without watchers pays nothing:
 /// the observer is registered with the first watcher and removed with the last one.
 ///
-/// The socket's thread calls everything except OnRecordChanged(), which only queues the change.
+/// The socket's thread calls everything except OnRecordChanged(), which only queues the change, whatever the number of
+/// watchers.
 class ChangeFeed final : public ZelUnified::ConfigRecordObserver, public std::enable_shared_from_this<ChangeFeed> {
 public:
     /// `postToSocket` runs a function later on the socket's thread.
@@ -38,8 +39,10 @@ public:
                          const ZelUnified::ConfigRecordState& after) override;
 
 private:
-    void push(Change change);
     void distribute();
+    void send(const Change& change) const;
+    /// Tells each watcher how many events it missed, if any.
+    void reportLost(const ChangeQueue::Batch& batch) const;
 
     const std::shared_ptr<const ConfigInspector> inspector;
     const ServicesTasks tasks;

@@ -6,6 +6,8 @@
 #include <kyr/LockGuard.h>
 
 #include <cstddef>
+#include <map>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -20,15 +22,18 @@ public:
     /// The changes since the last call of take().
     struct Batch {
         std::vector<Change> changes;
-        std::size_t lost = 0; ///< How many did not fit behind them.
+        /// How many events of each key did not fit behind them, so that each watcher learns what it missed. The client
+        /// has a bounded number of keys.
+        std::map<std::wstring, std::size_t> lost;
     };
 
-    /// Adds a change, or counts it as lost. Returns true if the queue was empty, so that the reader must be woken.
+    /// Adds a change, or counts its events as lost. Returns true if the queue was empty, so that the reader must be
+    /// woken.
     bool push(Change change) {
         const KyrCoreUtils::LockGuard lock(mutex);
         const bool wasEmpty = batch.changes.empty();
         if (batch.changes.size() >= capacity) {
-            ++batch.lost;
+            batch.lost[change.key] += change.countEvents();
             return false;
         }
         batch.changes.push_back(std::move(change));

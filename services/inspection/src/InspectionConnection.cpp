@@ -155,20 +155,18 @@ void InspectionConnection::reply(const Json& object) {
         return;
     }
     enter(Phase::Replying);
-    send({std::make_shared<const std::string>(toLine(object)), true});
+    send({std::make_shared<const std::string>(toLine(object)), 0});
 }
 
-void InspectionConnection::sendEvent(const std::shared_ptr<const std::string>& line) {
+void InspectionConnection::sendEvents(const std::shared_ptr<const std::string>& lines, std::size_t count) {
     if (!socket.is_open()) {
         return;
     }
-    if (lost != 0 || events >= limits.queuedEvents || eventBytes + line->size() > limits.queuedBytes) {
-        ++lost;
+    if (lost != 0 || events + count > limits.queuedEvents || eventBytes + lines->size() > limits.queuedBytes) {
+        lost += count;
         return;
     }
-    ++events;
-    eventBytes += line->size();
-    send({line, false});
+    send({lines, count});
 }
 
 void InspectionConnection::addLost(std::size_t count) {
@@ -179,6 +177,8 @@ void InspectionConnection::addLost(std::size_t count) {
 }
 
 void InspectionConnection::send(Message message) {
+    events += message.events;
+    eventBytes += message.events == 0 ? 0 : message.text->size();
     outbox.push_back(std::move(message));
     if (!isWriting) {
         writeNext();
@@ -188,35 +188,32 @@ void InspectionConnection::send(Message message) {
 /// Sends the next message. One event replaces the lost ones, in their place: once all older events are sent.
 void InspectionConnection::writeNext() {
     if (outbox.empty() && lost != 0) {
-        outbox.push_back({std::make_shared<const std::string>(makeLostLine(std::exchange(lost, 0))), false});
-        ++events;
-        eventBytes += outbox.back().line->size();
+        send({std::make_shared<const std::string>(makeLostLine(std::exchange(lost, 0))), 1});
+        return;
     }
     if (outbox.empty() || !socket.is_open()) {
         return;
     }
     isWriting = true;
-    const auto& next = outbox.front();
-    asio::async_write(socket, asio::buffer(*next.line),
-                      [self = shared_from_this(), line = next.line,
-                       wasReply = next.isReply](const std::error_code& error, std::size_t /*length*/) {
+    const auto& text = outbox.front().text;
+    asio::async_write(socket, asio::buffer(*text),
+                      [self = shared_from_this(), text](const std::error_code& error, std::size_t /*length*/) {
                           if (error) {
                               self->close();
                               return;
                           }
-                          self->onWritten(wasReply);
+                          self->onWritten();
                       });
 }
 
-void InspectionConnection::onWritten(bool wasReply) {
+void InspectionConnection::onWritten() {
     isWriting = false;
-    if (!wasReply) {
-        --events;
-        eventBytes -= outbox.front().line->size();
-    }
+    const auto written = std::move(outbox.front());
     outbox.pop_front();
+    events -= written.events;
+    eventBytes -= written.events == 0 ? 0 : written.text->size();
     writeNext();
-    if (wasReply) {
+    if (written.events == 0) {
         handleNextLine();
     }
 }

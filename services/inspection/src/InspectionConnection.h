@@ -32,16 +32,17 @@ public:
     void start();
     void close();
 
-    void sendEvent(const std::shared_ptr<const std::string>& line) override;
+    void sendEvents(const std::shared_ptr<const std::string>& lines, std::size_t count) override;
     void addLost(std::size_t count) override;
 
 private:
     /// What the connection does at the moment, which decides how long it may take.
     enum class Phase { Starting, InRequest, Executing, Replying, Idle, Watching };
 
+    /// A reply, or the events of a change.
     struct Message {
-        std::shared_ptr<const std::string> line;
-        bool isReply = false;
+        std::shared_ptr<const std::string> text;
+        std::size_t events = 0; ///< Zero for a reply.
     };
 
     void read();
@@ -57,7 +58,7 @@ private:
     void reply(const Json& object);
     void send(Message message);
     void writeNext();
-    void onWritten(bool wasReply);
+    void onWritten();
 
     void enter(Phase next);
     void enterWaiting();

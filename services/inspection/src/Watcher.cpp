@@ -16,10 +16,10 @@ void Watcher::clearPatterns() {
     patterns.clear();
 }
 
-bool Watcher::isInterestedIn(const Change& change) const {
+bool Watcher::isInterestedIn(const std::vector<std::wstring>& names) const {
     return watchesAll || std::ranges::any_of(patterns, [&](const std::wstring& pattern) {
-               return matchesPattern(change.key, pattern) ||
-                      (change.oldName && matchesPattern(*change.oldName, pattern));
+               return std::ranges::any_of(names,
+                                          [&](const std::wstring& name) { return matchesPattern(name, pattern); });
            });
 }
 

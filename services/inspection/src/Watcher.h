@@ -19,11 +19,12 @@ public:
     void clearPatterns();
     void setShowsSecrets(bool shown) { showsSecrets = shown; }
     bool wantsSecrets() const { return showsSecrets; }
-    bool isInterestedIn(const Change& change) const;
+    /// `names` are the names of one key.
+    bool isInterestedIn(const std::vector<std::wstring>& names) const;
 
-    /// Sends the event, or counts it as lost if too many are queued.
-    virtual void sendEvent(const std::shared_ptr<const std::string>& line) = 0;
-    /// Counts changes that were lost before they reached the watcher.
+    /// Sends the `count` events of a change, or counts them as lost if too many are queued.
+    virtual void sendEvents(const std::shared_ptr<const std::string>& lines, std::size_t count) = 0;
+    /// Counts events that were lost before they reached the watcher.
     virtual void addLost(std::size_t count) = 0;
 
 private:
