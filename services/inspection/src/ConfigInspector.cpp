@@ -1,5 +1,6 @@
 #include "ConfigInspector.h"
 
+#include "KeyReport.h"
 #include "RequestError.h"
 
 #include <ConfigCatalogue.h>
@@ -70,23 +71,27 @@ Json ConfigInspector::beginExplanation(const std::wstring& key, bool showSecrets
 Json ConfigInspector::showOpinion(ConfigStore& store, const std::wstring& key, const std::optional<Reading>& winner,
                                   bool showSecrets) const {
     auto object = showStore(store);
+    auto holdings = showHoldings(store, key, winner, showSecrets);
+    object["wins"] = std::ranges::any_of(holdings, [](const Json& holding) { return holding["wins"].get<bool>(); });
+    object["holds"] = std::move(holdings);
+    return object;
+}
+
+Json ConfigInspector::showHoldings(ConfigStore& store, const std::wstring& key, const std::optional<Reading>& winner,
+                                   bool showSecrets) const {
     const auto names = getKeyNames(key);
     const bool storeWins =
         winner && caseInsensitiveStringEquals(KyrCoreUtils::toWideString(store.getName()), winner->storeName);
     Json holdings = Json::array();
-    bool wins = false;
     for (const auto& name : names.getAll()) {
         std::wstring value;
         if (store.getValue(name, value)) {
-            const bool isWinner = storeWins && (name == names.oldName) == winner->underOldName;
-            wins = wins || isWinner;
-            holdings.push_back(
-                {{"name", toString(name)}, {"value", toString(mask(key, value, showSecrets))}, {"wins", isWinner}});
+            holdings.push_back({{"name", toString(name)},
+                                {"value", toString(mask(key, value, showSecrets))},
+                                {"wins", storeWins && (name == names.oldName) == winner->underOldName}});
         }
     }
-    object["wins"] = wins;
-    object["holds"] = std::move(holdings);
-    return object;
+    return holdings;
 }
 
 Json ConfigInspector::showRecord(ZelUnified::ConfigValue& record, bool showSecrets) const {
@@ -95,6 +100,33 @@ Json ConfigInspector::showRecord(ZelUnified::ConfigValue& record, bool showSecre
             {"value", toString(mask(key, record.getValue(), showSecrets))},
             {"store", toString(record.getValueStoreName())},
             {"overridden", record.getisOverridden()}};
+}
+
+Json ConfigInspector::showStored(ConfigStore& store, const std::wstring& key, bool showSecrets) const {
+    std::wstring value;
+    if (!store.getValue(key, value)) {
+        return {};
+    }
+    const auto record = records->findRecord(key);
+    return {{"key", toString(spellKey(key))},
+            {"value", toString(mask(key, value, showSecrets))},
+            {"store", store.getName()},
+            {"overridden", record && record->getisDefined() && record->getisOverridden()}};
+}
+
+Json ConfigInspector::describe(const std::wstring& key, bool showSecrets) const {
+    const auto* const row = ZelUnified::ConfigKeys::findKey(key);
+    const auto reading = read(key, false);
+    if (row == nullptr && !reading) {
+        return {};
+    }
+    Json object{{"type", "description"}, {"key", toString(key)}, {"known", row != nullptr}};
+    if (row != nullptr) {
+        object.update(showKey(*row));
+    }
+    object["sensitive"] = isSensitive(key);
+    object.update(showReading(key, reading, showSecrets));
+    return object;
 }
 
 Json ConfigInspector::showStore(ConfigStore& store) {
@@ -114,10 +146,21 @@ bool ConfigInspector::userHolds(const std::wstring& key) const {
     });
 }
 
+std::optional<std::wstring> ConfigInspector::readUsersValue(const std::wstring& key) const {
+    const auto store = featureSet->getConfigStoreByName(std::string(ZelUnified::ConfigKeys::localFileConfigStore));
+    std::wstring value;
+    for (const auto& name : getKeyNames(key).getAll()) {
+        if (store && store->getValue(name, value)) {
+            return value;
+        }
+    }
+    return std::nullopt;
+}
+
 std::string ConfigInspector::describeOutcome(const std::wstring& key) const {
     const auto reading = read(key, false);
     if (!reading) {
-        return "no store holds the key now";
+        return "no store contains the key now";
     }
     return "in force: \"" + toString(mask(key, reading->value, false)) + "\" from " + toString(reading->storeName);
 }

@@ -46,11 +46,20 @@ public:
     /// Returns what one store holds for the key; `winner` is the effective value.
     Json showOpinion(ZelUnified::ConfigStore& store, const std::wstring& key, const std::optional<Reading>& winner,
                      bool showSecrets) const;
+    /// Returns the names under which the store holds the key, with their values; an empty array if it does not.
+    Json showHoldings(ZelUnified::ConfigStore& store, const std::wstring& key, const std::optional<Reading>& winner,
+                      bool showSecrets) const;
     Json showRecord(ZelUnified::ConfigValue& record, bool showSecrets) const;
+    /// Returns the value of one store as a line of a list, or null if the store does not hold the key.
+    Json showStored(ZelUnified::ConfigStore& store, const std::wstring& key, bool showSecrets) const;
+    /// Returns what is known about the key, and its value; null if neither the catalogue nor a store contains it.
+    Json describe(const std::wstring& key, bool showSecrets) const;
     static Json showStore(ZelUnified::ConfigStore& store);
 
     /// Returns whether the user's own settings contain the key.
     bool userHolds(const std::wstring& key) const;
+    /// Returns the value in the user's own settings.
+    std::optional<std::wstring> readUsersValue(const std::wstring& key) const;
     /// Returns a text that says which value applies now and where it comes from.
     std::string describeOutcome(const std::wstring& key) const;
     /// Returns false if the administrator forbids changes by other processes.

@@ -88,9 +88,11 @@ void InspectionRequest::parse(std::string_view line) {
     readField(object, "pattern", pattern);
     readField(object, "url", url);
     readField(object, "store", store);
+    readField(object, "document", document);
     readField(object, "keys", keys);
     readField(object, "admin", admin);
     readField(object, "force", force);
+    readField(object, "sensitive", sensitive);
     readField(object, "showSecrets", showSecrets);
 }
 

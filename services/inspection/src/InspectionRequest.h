@@ -19,9 +19,11 @@ struct InspectionRequest {
     std::wstring pattern;
     std::wstring url;
     std::string store;
+    std::string document;
     std::vector<std::wstring> keys; ///< Keys and patterns to watch.
     bool admin = false;
     bool force = false;
+    bool sensitive = false;
     bool showSecrets = false;
 
     /// Parses a line and sets `id` and `verb` as far as it gets, so that a failure can name them. Throws RequestError

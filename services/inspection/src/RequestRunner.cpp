@@ -1,17 +1,17 @@
 #include "RequestRunner.h"
 
+#include "ChainReport.h"
 #include "KeyPattern.h"
+#include "KeyReport.h"
 #include "LoggedLine.h"
-#include "StorableText.h"
 #include "StorageReport.h"
 
 #include <kyr/FileUtils.h>
 #include <zel/ZelLog.h>
 
 #include <ConfigCatalogue.h>
+#include <ConfigMap.h>
 
-#include <algorithm>
-#include <exception>
 #include <map>
 #include <utility>
 
@@ -20,7 +20,6 @@ namespace inspection {
 using KyrCoreUtils::caseInsensitiveStringEquals;
 using KyrCoreUtils::toString;
 using Code = RequestError::Code;
-namespace ConfigKeys = ZelUnified::ConfigKeys;
 
 namespace {
 
@@ -29,80 +28,30 @@ ZelLogger& requestLogger = ZelLogger_getLogger("Inspection-RequestRunner");
 /// Few enough that a slice takes a fraction of a millisecond.
 constexpr std::size_t recordsPerSlice = 64;
 
-std::string nameTask(const std::string& verb) {
-    return "inspection: " + verb;
-}
-
 bool beginsWith(std::wstring_view text, std::wstring_view prefix) {
     return text.size() >= prefix.size() && caseInsensitiveStringEquals(text.substr(0, prefix.size()), prefix);
 }
 
-bool isAsked(const InspectionRequest& request, const std::wstring& key) {
+bool isNamed(const InspectionRequest& request, const std::wstring& key) {
     return beginsWith(key, request.prefix) && (request.pattern.empty() || matchesPattern(key, request.pattern));
-}
-
-Json makeDone(const std::string& verb, const std::string& message) {
-    return {{"type", "done"}, {"command", verb}, {"message", message}};
-}
-
-std::string spell(const std::wstring& key) {
-    return toString(ConfigKeys::spellKey(key));
-}
-
-/// Refuses a value that the kind of the key excludes. Never quotes the value, which may be a secret.
-void requirePermitted(const InspectionRequest& request) {
-    const auto* const row = ConfigKeys::findKey(request.key);
-    if (row != nullptr && !ConfigKeys::permits(*row, request.value)) {
-        throw RequestError(Code::Refused, "the value of the key '" + spell(request.key) + "' must be " +
-                                              ConfigKeys::describePermittedValues(*row) + "; --force sets it anyway");
-    }
 }
 
 } // namespace
 
-struct RequestRunner::Job {
-    Job(InspectionRequest asked, Answer reply) : request(std::move(asked)), answer(std::move(reply)) {}
-
-    void reply(const Json& result) const { answer(makeReply(request.id, result)); }
-    void reportDone(const std::string& message) const { reply(makeDone(request.verb, message)); }
-
-    /// Runs a step. Returns false if it failed; the failure is answered then.
-    bool guard(const std::function<void()>& step) const {
-        try {
-            step();
-            return true;
-        } catch (const RequestError& error) {
-            answer(makeFailure(request, error.getCode(), error.what()));
-        } catch (const std::exception& error) {
-            answer(makeFailure(request, Code::Environment, error.what()));
-        }
-        return false;
-    }
-
-    const InspectionRequest request;
-    const Answer answer;
-    Json collected; ///< The part of the answer that earlier slices have made.
-};
-
 RequestRunner::RequestRunner(const std::shared_ptr<ZelUnified::UnifiedFactory>& factory,
                              std::shared_ptr<const ConfigInspector> configInspector)
-    : inspector(std::move(configInspector)), tasks(factory) {}
+    : inspector(std::move(configInspector)),
+      changes(std::make_shared<ChangeRunner>(factory, inspector)),
+      tasks(factory) {}
 
 RequestRunner::Step RequestRunner::findStep(const std::string& verb) {
-    static const std::map<std::string, Step> steps{{"hello", &RequestRunner::greet},
-                                                   {"get", &RequestRunner::get},
-                                                   {"explain", &RequestRunner::explain},
-                                                   {"list", &RequestRunner::list},
-                                                   {"stores", &RequestRunner::listStores},
-                                                   {"report", &RequestRunner::report},
-                                                   {"log", &RequestRunner::log},
-                                                   {"health", &RequestRunner::health},
-                                                   {"set", &RequestRunner::set},
-                                                   {"reset", &RequestRunner::reset},
-                                                   {"provision", &RequestRunner::provision},
-                                                   {"reset-provisioning", &RequestRunner::resetProvisioning},
-                                                   {"remove-store", &RequestRunner::removeStore},
-                                                   {"refresh", &RequestRunner::refresh}};
+    static const std::map<std::string, Step> steps{
+        {"hello", &RequestRunner::greet},       {"get", &RequestRunner::get},
+        {"explain", &RequestRunner::explain},   {"explanations", &RequestRunner::explainAll},
+        {"describe", &RequestRunner::describe}, {"list", &RequestRunner::list},
+        {"keys", &RequestRunner::listKeys},     {"stores", &RequestRunner::listStores},
+        {"report", &RequestRunner::report},     {"log", &RequestRunner::log},
+        {"health", &RequestRunner::health}};
     const auto found = steps.find(verb);
     if (found == steps.end()) {
         throw RequestError(Code::Usage, "unknown verb");
@@ -111,8 +60,11 @@ RequestRunner::Step RequestRunner::findStep(const std::string& verb) {
 }
 
 void RequestRunner::run(const InspectionRequest& request, long process, const Answer& answer) {
-    const auto job = std::make_shared<Job>(request, answer);
+    const auto job = std::make_shared<RequestJob>(request, answer);
     job->guard([&] {
+        if (changes->run(job)) {
+            return;
+        }
         const auto step = findStep(request.verb);
         if (request.showSecrets) {
             logSecretRequest(request, process);
@@ -138,7 +90,7 @@ void RequestRunner::greet(const JobPointer& job) {
                     {"protocol", 1},
                     {"version", LUMORA_VERSION},
                     {"profile", KyrCoreUtils::FileUtils::getConfigDirectory()},
-                    {"changesAllowed", changesAllowed && inspector->administratorAllowsChanges()}});
+                    {"changesAllowed", changes->areChangesAllowed()}});
     });
 }
 
@@ -156,8 +108,8 @@ void RequestRunner::explain(const JobPointer& job) {
         const auto& request = job->request;
         job->collected = inspector->beginExplanation(request.key, request.showSecrets);
         const auto winner = inspector->read(request.key, false);
-        tasks.runSlices(nameTask("explain"), [self = shared_from_this(), job, winner, stores = inspector->getStores(),
-                                              next = std::size_t{0}]() mutable {
+        tasks.runSlices(job->nameTask(), [self = shared_from_this(), job, winner, stores = inspector->getStores(),
+                                          next = std::size_t{0}]() mutable {
             return job->guard([&] {
                 if (next == stores.size()) {
                     job->reply(job->collected);
@@ -170,16 +122,47 @@ void RequestRunner::explain(const JobPointer& job) {
     });
 }
 
+void RequestRunner::explainAll(const JobPointer& job) {
+    onServices(job, [this, job] {
+        const auto all = std::make_shared<ChainReport>(inspector, job->request.showSecrets);
+        tasks.runSlices(job->nameTask(), [job, all] {
+            bool more = false;
+            return job->guard([&] {
+                more = all->proceed();
+                if (!more) {
+                    job->reply(all->take());
+                }
+            }) && more;
+        });
+    });
+}
+
+void RequestRunner::describe(const JobPointer& job) {
+    onServices(job, [this, job] {
+        const auto& key = job->request.key;
+        const auto description = inspector->describe(key, job->request.showSecrets);
+        if (description.is_null()) {
+            throw RequestError(Code::Refused,
+                               "the catalogue does not contain the key '" + toString(key) + "', and no store holds it");
+        }
+        job->reply(description);
+    });
+}
+
 void RequestRunner::list(const JobPointer& job) {
     job->collected = {{"type", "list"}, {"values", Json::array()}};
-    tasks.runSlices(nameTask("list"), [self = shared_from_this(), job, last = std::wstring()]() mutable {
+    job->request.store.empty() ? listRecords(job) : listStore(job);
+}
+
+void RequestRunner::listRecords(const JobPointer& job) {
+    tasks.runSlices(job->nameTask(), [self = shared_from_this(), job, last = std::wstring()]() mutable {
         bool more = false;
         return job->guard([&] {
             const auto before = last;
             const auto records = self->inspector->getRecords().getRecordsBehind(last, recordsPerSlice);
             for (const auto& record : records) {
                 last = record->getKey();
-                if (record->getisDefined() && isAsked(job->request, last)) {
+                if (record->getisDefined() && self->isAsked(job->request, last)) {
                     job->collected["values"].push_back(self->inspector->showRecord(*record, job->request.showSecrets));
                 }
             }
@@ -192,10 +175,49 @@ void RequestRunner::list(const JobPointer& job) {
     });
 }
 
+void RequestRunner::listStore(const JobPointer& job) {
+    onServices(job, [this, job] {
+        const auto& name = job->request.store;
+        const auto store = inspector->getFeatureSet().getConfigStoreByName(name);
+        if (!store) {
+            throw RequestError(Code::Refused, "there is no store '" + name + "'");
+        }
+        const auto held = store->getKeys();
+        tasks.runSlices(job->nameTask(), [self = shared_from_this(), job, store,
+                                          keys = ZelUnified::ConfigKeySet(held.begin(), held.end())]() mutable {
+            return job->guard([&] {
+                for (std::size_t count = 0; count < recordsPerSlice && !keys.empty(); ++count) {
+                    const auto key = keys.extract(keys.begin()).value();
+                    auto value = self->inspector->showStored(*store, key, job->request.showSecrets);
+                    if (!value.is_null() && self->isAsked(job->request, key)) {
+                        job->collected["values"].push_back(std::move(value));
+                    }
+                }
+                if (keys.empty()) {
+                    job->reply(job->collected);
+                }
+            }) && !keys.empty();
+        });
+    });
+}
+
+void RequestRunner::listKeys(const JobPointer& job) {
+    // The catalogue is constant, so this needs no dispatcher.
+    auto keys = Json::array();
+    for (const auto& row : ZelUnified::ConfigKeys::keys) {
+        const bool isNamedSo = isNamed(job->request, std::wstring(row.name)) ||
+                               (row.isRenamed() && isNamed(job->request, std::wstring(row.oldName)));
+        if (isNamedSo && (!job->request.sensitive || row.isSensitive())) {
+            keys.push_back(showKey(row));
+        }
+    }
+    job->reply({{"type", "keys"}, {"keys", std::move(keys)}});
+}
+
 void RequestRunner::listStores(const JobPointer& job) {
     onServices(job, [this, job] {
         job->collected = {{"type", "stores"}, {"stores", Json::array()}};
-        tasks.runSlices(nameTask("stores"), [job, stores = inspector->getStores(), next = std::size_t{0}]() mutable {
+        tasks.runSlices(job->nameTask(), [job, stores = inspector->getStores(), next = std::size_t{0}]() mutable {
             return job->guard([&] {
                 if (next == stores.size()) {
                     job->reply(job->collected);
@@ -223,137 +245,15 @@ void RequestRunner::log(const JobPointer& job) {
 
 void RequestRunner::health(const JobPointer& job) {
     // The files are read on the background thread, since that takes long.
-    tasks.runInBackground(nameTask("health"), [job] { job->guard([&] { job->reply(reportStorage()); }); });
-}
-
-void RequestRunner::set(const JobPointer& job) {
-    const auto& request = job->request;
-    if (!request.force) {
-        requireStorableKey(request.key);
-        requireStorableValue(request.value);
-        requirePermitted(request);
-    }
-    onServices(job, [this, job] {
-        requireChangesAllowed();
-        const auto key = spell(job->request.key);
-        if (key.empty() || !inspector->getFeatureSet().setConfig(job->request.key, job->request.value)) {
-            throw RequestError(Code::Refused, "no store takes the key '" + key + "'");
-        }
-        confirmWritten(job, [this, job, key] { return key + " set; " + inspector->describeOutcome(job->request.key); });
-    });
-}
-
-void RequestRunner::reset(const JobPointer& job) {
-    onServices(job, [this, job] {
-        requireChangesAllowed();
-        const auto names = ConfigKeys::getKeyNames(job->request.key).getAll();
-        if (!inspector->userHolds(job->request.key)) {
-            throw RequestError(Code::Refused, "the user has no value for the key '" + spell(job->request.key) + "'");
-        }
-        removeFromUserStore(job, names, [this, job] {
-            inspector->getService().resetConfig(job->request.key);
-            confirmWritten(job, [this, job] {
-                return spell(job->request.key) + " reset; " + inspector->describeOutcome(job->request.key);
-            });
-        });
-    });
-}
-
-void RequestRunner::provision(const JobPointer& job) {
-    onServices(job, [this, job] {
-        requireChangesAllowed();
-        const auto policy = inspector->read(std::wstring(ConfigKeys::allowUrlProvisioning), false);
-        const bool allowed = !policy || !caseInsensitiveStringEquals(policy->value, L"false");
-        if (!inspector->getService().setUrlProvisioningData(job->request.url)) {
-            throw RequestError(Code::Refused,
-                               allowed ? "the URL holds no setting that may be provisioned"
-                                       : "provisioning by URL is not allowed: AllowUrlProvisioning is false");
-        }
-        confirmWritten(job, [] { return "settings of the URL taken; another URL needs reset-provisioning first"; });
-    });
-}
-
-void RequestRunner::resetProvisioning(const JobPointer& job) {
-    onServices(job, [this, job] {
-        requireChangesAllowed();
-        removeFromUserStore(job, {std::wstring(ConfigKeys::allowUrlProvisioning)}, [this, job] {
-            if (!inspector->getService().resetAllowUriProvisioningData()) {
-                throw RequestError(Code::Refused,
-                                   "there was nothing to take back: the user's settings do not forbid provisioning");
-            }
-            confirmWritten(job, [] { return "another provisioning URL is allowed"; });
-        });
-    });
-}
-
-void RequestRunner::removeStore(const JobPointer& job) {
-    onServices(job, [this, job] {
-        requireChangesAllowed();
-        const auto& name = job->request.store;
-        if (!inspector->getFeatureSet().removeConfigStore(name)) {
-            throw RequestError(Code::Refused, "there is no store '" + name + "'");
-        }
-        confirmWritten(job, [name] { return name + " removed"; });
-    });
-}
-
-void RequestRunner::refresh(const JobPointer& job) {
-    // A store that reads its file again must not overtake a queued write to it.
-    behindWrites(job, [this, job] {
-        requireChangesAllowed();
-        inspector->getFeatureSet().refreshConfigFeatureSet();
-        job->reportDone("the stores that are not local are read anew");
-    });
+    tasks.runInBackground(job->nameTask(), [job] { job->guard([&] { job->reply(reportStorage()); }); });
 }
 
 void RequestRunner::onServices(const JobPointer& job, std::function<void()> work) const {
-    tasks.run(nameTask(job->request.verb),
-              [self = shared_from_this(), job, work = std::move(work)] { job->guard(work); });
+    runStep(tasks, job, [self = shared_from_this(), work = std::move(work)] { work(); });
 }
 
-void RequestRunner::behindWrites(const JobPointer& job, std::function<void()> work) const {
-    tasks.runInBackground(nameTask(job->request.verb),
-                          [self = shared_from_this(), job, work = std::move(work)] { self->onServices(job, work); });
-}
-
-void RequestRunner::requireChangesAllowed() const {
-    if (!changesAllowed) {
-        throw RequestError(Code::Refused, "the client does not allow other processes to change its configuration");
-    }
-    if (!inspector->administratorAllowsChanges()) {
-        throw RequestError(Code::Refused,
-                           "the administrator does not allow other processes to change the configuration of a running "
-                           "client: InspectionAllowsChanges is false");
-    }
-}
-
-/// The service treats an empty table as unchanged if it has written nothing in this run, and would leave the last value
-/// in the file. After one write it detects the change.
-void RequestRunner::removeFromUserStore(const JobPointer& job, const std::vector<std::wstring>& names,
-                                        std::function<void()> work) {
-    const auto store = inspector->getFeatureSet().getConfigStoreByName(std::string(ConfigKeys::localFileConfigStore));
-    const auto isNamed = [&](const std::wstring& held) {
-        return std::ranges::any_of(names,
-                                   [&](const std::wstring& name) { return caseInsensitiveStringEquals(held, name); });
-    };
-    if (!store || !std::ranges::all_of(store->getKeys(), isNamed)) {
-        work();
-        return;
-    }
-    tasks.runInBackground(nameTask("write user's file"),
-                          [self = shared_from_this(), job, store, work = std::move(work)] {
-                              store->persistValues();
-                              self->onServices(job, work);
-                          });
-}
-
-void RequestRunner::confirmWritten(const JobPointer& job, const std::function<std::string()>& describe) const {
-    tasks.runInBackground(nameTask(job->request.verb), [self = shared_from_this(), job, describe] {
-        job->guard([&] {
-            requireUserFileWritten();
-            self->onServices(job, [job, describe] { job->reportDone(describe()); });
-        });
-    });
+bool RequestRunner::isAsked(const InspectionRequest& request, const std::wstring& key) const {
+    return isNamed(request, key) && (!request.sensitive || inspector->isSensitive(key));
 }
 
 } // namespace inspection

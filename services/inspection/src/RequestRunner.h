@@ -1,10 +1,10 @@
 #pragma once
 
+#include "ChangeRunner.h"
 #include "ConfigInspector.h"
-#include "InspectionRequest.h"
+#include "RequestJob.h"
 #include "ServicesTasks.h"
 
-#include <atomic>
 #include <functional>
 #include <memory>
 #include <string>
@@ -15,8 +15,7 @@ namespace inspection {
 /// client's dispatchers. Called on the socket's thread. The tasks keep the runner alive.
 class RequestRunner : public std::enable_shared_from_this<RequestRunner> {
 public:
-    /// Receives the reply, exactly once, on any thread. If the client ends first, it is destroyed without a call.
-    using Answer = std::function<void(Json)>;
+    using Answer = RequestJob::Answer;
 
     RequestRunner(const std::shared_ptr<ZelUnified::UnifiedFactory>& factory,
                   std::shared_ptr<const ConfigInspector> configInspector);
@@ -26,12 +25,9 @@ public:
     /// Logs that a process asks for sensitive values; never logs a value.
     static void logSecretRequest(const InspectionRequest& request, long process);
     /// Any thread.
-    void setChangesAllowed(bool allowed) { changesAllowed = allowed; }
+    void setChangesAllowed(bool allowed) { changes->setChangesAllowed(allowed); }
 
 private:
-    /// A request with the place for its answer. Answers with a failure what a step throws.
-    struct Job;
-    using JobPointer = std::shared_ptr<Job>;
     using Step = void (RequestRunner::*)(const JobPointer&);
 
     static Step findStep(const std::string& verb);
@@ -39,30 +35,25 @@ private:
     void greet(const JobPointer& job);
     void get(const JobPointer& job);
     void explain(const JobPointer& job);
+    void explainAll(const JobPointer& job);
+    void describe(const JobPointer& job);
     void list(const JobPointer& job);
+    void listRecords(const JobPointer& job);
+    void listStore(const JobPointer& job);
+    void listKeys(const JobPointer& job);
     void listStores(const JobPointer& job);
     void report(const JobPointer& job);
     void log(const JobPointer& job);
     void health(const JobPointer& job);
-    void set(const JobPointer& job);
-    void reset(const JobPointer& job);
-    void provision(const JobPointer& job);
-    void resetProvisioning(const JobPointer& job);
-    void removeStore(const JobPointer& job);
-    void refresh(const JobPointer& job);
 
     /// Runs `work` on the services dispatcher's thread.
     void onServices(const JobPointer& job, std::function<void()> work) const;
-    /// Runs `work` there once the writes that are queued now have been carried out.
-    void behindWrites(const JobPointer& job, std::function<void()> work) const;
-    void requireChangesAllowed() const;
-    void removeFromUserStore(const JobPointer& job, const std::vector<std::wstring>& names, std::function<void()> work);
-    /// Waits for the queued writes and answers, or fails if the user's file could not be written.
-    void confirmWritten(const JobPointer& job, const std::function<std::string()>& describe) const;
+    /// Returns whether the request of a list asks for this key.
+    bool isAsked(const InspectionRequest& request, const std::wstring& key) const;
 
     const std::shared_ptr<const ConfigInspector> inspector;
+    const std::shared_ptr<ChangeRunner> changes;
     const ServicesTasks tasks;
-    std::atomic<bool> changesAllowed = true;
 };
 
 } // namespace inspection

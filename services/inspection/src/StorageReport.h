@@ -2,11 +2,25 @@
 
 #include "Json.h"
 
+#include <chrono>
+#include <string>
+
 namespace inspection {
 
-/// Returns the state of the protected files of the profile. Reads every file. Any thread.
+/// Returns the health of the protected files, as the program's `doctor` prints them. Reads every file completely, so it
+/// belongs on the background dispatcher.
 Json reportStorage();
-/// Throws RequestError (Environment) if the last change of the user's settings is not on the disk. Any thread.
-void requireUserFileWritten();
+
+/// A file that a change must have written before it is reported as done.
+struct ExpectedWrite {
+    std::string what; ///< The failure in words, without its reason.
+    std::string file; ///< The name of the protected file.
+    std::chrono::system_clock::time_point since;
+    bool mustBeNew = true; ///< If false, the change was none, and an earlier write is enough.
+};
+
+/// Throws RequestError (Environment) with the reason if the host has not written the file. Reads every protected file,
+/// as reportStorage().
+void requireWritten(const ExpectedWrite& expected);
 
 } // namespace inspection

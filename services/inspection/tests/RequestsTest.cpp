@@ -1,7 +1,10 @@
 #include "TestHost.h"
 
+#include <ConfigCatalogue.h>
 #include <LogRecorder.h>
 #include <gmock/gmock.h>
+
+#include <map>
 
 namespace inspection_test {
 namespace {
@@ -99,6 +102,73 @@ TEST_F(InspectionRequests, ListReturnsTheDefinedKeysOfAPrefixOrAPattern) {
     EXPECT_THAT(keysOf({{"verb", "list"}}), Contains("theme"));
 }
 
+TEST_F(InspectionRequests, ListReturnsTheKeysOfOneStore) {
+    host.set(L"theme", L"dark");
+    auto reply = peer.ask({{"verb", "list"}, {"store", "localfileconfigstore"}});
+    EXPECT_EQ(
+        reply["values"],
+        Json::array({{{"key", "theme"}, {"value", "dark"}, {"store", "LocalFileConfigStore"}, {"overridden", true}}}));
+    EXPECT_EQ(peer.ask({{"verb", "list"}, {"store", "lumora-config-defaults.xml"}})["values"].size(), 3U);
+    EXPECT_EQ(
+        peer.ask({{"verb", "list"}, {"store", "lumora-config-defaults.xml"}, {"pattern", "vol*"}})["values"].size(),
+        1U);
+    EXPECT_EQ(peer.ask({{"verb", "list"}, {"store", "None"}})["message"], "there is no store 'None'");
+}
+
+TEST_F(InspectionRequests, ListReturnsSensitiveKeysOnly) {
+    host.onServices([&] { host.service().setKeySensitive(L"Volume"); });
+    for (const auto* store : {"", "lumora-config-defaults.xml"}) {
+        auto reply = peer.ask({{"verb", "list"}, {"sensitive", true}, {"store", store}});
+        ASSERT_EQ(reply["values"].size(), 1U) << store;
+        EXPECT_EQ(reply["values"].front()["value"], "VALUE_HIDDEN") << store;
+    }
+}
+
+TEST_F(InspectionRequests, KeysReturnsTheCatalogue) {
+    auto all = peer.ask({{"verb", "keys"}});
+    EXPECT_EQ(all["keys"].size(), ZelUnified::ConfigKeys::keys.size());
+    auto renamed = peer.ask({{"verb", "keys"}, {"pattern", "tftpserver1"}});
+    ASSERT_EQ(renamed["keys"].size(), 1U);
+    EXPECT_EQ(renamed["keys"].front()["key"], "TFTPPrimaryServer");
+    EXPECT_EQ(renamed["keys"].front()["oldName"], "TftpServer1");
+    EXPECT_EQ(peer.ask({{"verb", "keys"}, {"sensitive", true}})["keys"].size(),
+              ZelUnified::ConfigKeys::sensitiveKeys.size());
+}
+
+TEST_F(InspectionRequests, DescribeReturnsTheFactsAndTheValue) {
+    auto known = peer.ask({{"verb", "describe"}, {"key", "tftpserver1"}});
+    EXPECT_EQ(known["type"], "description");
+    EXPECT_EQ(known["key"], "TFTPPrimaryServer");
+    EXPECT_EQ(known["known"], true);
+    EXPECT_EQ(known["value"], "old.example");
+    host.onServices([&] { host.service().setKeySensitive(L"Theme"); });
+    auto ordinary = peer.ask({{"verb", "describe"}, {"key", "Theme"}});
+    EXPECT_EQ(ordinary["known"], false);
+    EXPECT_EQ(ordinary["sensitive"], true);
+    EXPECT_EQ(ordinary["value"], "VALUE_HIDDEN");
+    EXPECT_EQ(peer.ask({{"verb", "describe"}, {"key", "Unknown"}})["exitCode"], 1);
+}
+
+TEST_F(InspectionRequests, ExplanationsContainEachKeyOfAnyStoreOnce) {
+    host.set(L"theme", L"dark");
+    host.set(L"TFTPPrimaryServer", L"new.example");
+    const auto before = host.countRecords();
+    auto reply = peer.ask({{"verb", "explanations"}});
+    EXPECT_EQ(reply["stores"].front()["name"], "LocalFileConfigStore");
+    EXPECT_EQ(reply["stores"].size(), peer.ask({{"verb", "stores"}})["stores"].size());
+    std::map<std::string, Json> keys;
+    for (auto& key : reply["keys"]) {
+        EXPECT_TRUE(keys.emplace(key["key"], key).second) << key["key"];
+    }
+    ASSERT_EQ(keys.count("theme"), 1U);
+    EXPECT_EQ(keys["theme"]["value"], "dark");
+    EXPECT_EQ(keys["theme"]["stores"].size(), 2U) << "only stores that hold the key";
+    EXPECT_EQ(keys["theme"]["sensitive"], false);
+    ASSERT_EQ(keys.count("TFTPPrimaryServer"), 1U);
+    EXPECT_EQ(keys["TFTPPrimaryServer"]["stores"].back()["holds"].front()["name"], "TftpServer1");
+    EXPECT_EQ(host.countRecords(), before);
+}
+
 TEST_F(InspectionRequests, StoresAreListedInChainOrder) {
     auto reply = peer.ask({{"verb", "stores"}});
     ASSERT_FALSE(reply["stores"].empty());
@@ -160,7 +230,8 @@ TEST_F(InspectionRequests, AStoreIsRemovedOnce) {
 
 TEST_F(InspectionRequests, ChangesAreRefusedIfTheHostDisablesThem) {
     host.server().getRunner().setChangesAllowed(false);
-    for (const auto* verb : {"set", "reset", "provision", "reset-provisioning", "remove-store", "refresh"}) {
+    for (const auto* verb :
+         {"set", "memory", "mdm", "reset", "provision", "reset-provisioning", "remove-store", "refresh"}) {
         auto reply = peer.ask({{"verb", verb}, {"key", "Theme"}, {"value", "dark"}});
         EXPECT_EQ(reply["exitCode"], 1) << verb;
         EXPECT_THAT(reply["message"].get<std::string>(), HasSubstr("does not allow")) << verb;
@@ -177,6 +248,8 @@ TEST_F(InspectionRequests, ChangesAreRefusedIfTheAdministratorDisablesThem) {
 }
 
 TEST_F(InspectionRequests, TheUserCannotAllowWhatTheAdministratorDisables) {
+    EXPECT_NE(ZelUnified::ConfigKeys::findKey(L"inspectionallowschanges"), nullptr)
+        << "the catalogue describes the key";
     host.setPolicy("InspectionAllowsChanges", "false");
     host.set(L"InspectionAllowsChanges", L"true");
     EXPECT_EQ(peer.ask({{"verb", "set"}, {"key", "Theme"}, {"value", "dark"}})["exitCode"], 1);
@@ -185,7 +258,7 @@ TEST_F(InspectionRequests, TheUserCannotAllowWhatTheAdministratorDisables) {
 TEST_F(InspectionRequests, SecretsAreMaskedUnlessARequestAsksForThemAndIsLogged) {
     host.set(L"Secret", L"hunter2");
     host.onServices([&] { host.service().setKeySensitive(L"Secret"); });
-    for (const auto* verb : {"get", "explain", "list", "report", "log", "health"}) {
+    for (const auto* verb : {"get", "explain", "explanations", "describe", "list", "report", "log", "health"}) {
         EXPECT_THAT(peer.ask({{"verb", verb}, {"key", "Secret"}}).dump(), Not(HasSubstr("hunter2"))) << verb;
     }
     const testing_host::LogRecorder log;
