@@ -4,6 +4,7 @@
 #include "commands/DiffCommand.h"
 #include "commands/KeyCommands.h"
 #include "commands/Session.h"
+#include "commands/SessionTarget.h"
 #include "commands/SettingsReader.h"
 #include "commands/Shell.h"
 #include "disk/Doctor.h"
@@ -11,6 +12,7 @@
 #include "host/HostFolders.h"
 #include "live/ChangeWatch.h"
 #include "live/LiveCommands.h"
+#include "live/LiveTarget.h"
 #include "output/JsonPrinter.h"
 #include "output/LogLinePrinter.h"
 #include "output/Output.h"
@@ -151,38 +153,39 @@ ExitCode watch(const CommandLine& line, Outputs& outputs) {
     return ExitCode::Done;
 }
 
-/// Runs the command on the client that uses the profile. Returns false if there is none, or none that can be asked.
+/// Runs the command on the client that uses the profile. Returns nothing if there is none, or none that can be asked.
 /// Stores and plug-ins of the command line belong to a host of their own.
-bool runLive(const CommandLine& line, Printer& printer) {
+std::optional<ExitCode> runLive(const CommandLine& line, Printer& printer) {
+    const bool isShell = line.command.name == "shell";
     if (line.offline || !line.stores.empty() || !line.bootstraps.empty() || !line.plugins.empty() ||
-        !LiveCommands::canRun(line.command)) {
-        return false;
+        (!isShell && !LiveCommands::canRun(line.command))) {
+        return std::nullopt;
     }
     KyrCoreUtils::FileUtils::overrideDirectories(line.directories);
     InspectionClient client;
     if (!client.isConnected()) {
-        return false;
+        return std::nullopt;
     }
-    LiveCommands(client, printer, line.showSecrets).run(line.command);
-    return true;
+    if (isShell) {
+        LiveTarget target(printer, line.showSecrets);
+        return Shell(target).run();
+    }
+    CommandInput input;
+    LiveCommands commands(client, input, printer, line.showSecrets);
+    commands.announce();
+    commands.run(line.command);
+    return ExitCode::Done;
 }
 
 ExitCode runInSession(Session& session, const CommandLine& line, Printer& printer) {
     if (line.command.name == "shell") {
-        return Shell(session).run();
+        SessionTarget target(session);
+        return Shell(target).run();
     }
     return line.command.name == "serve" ? serve(session, line.command, printer) : runOne(session, line.command);
 }
 
 ExitCode runSession(const CommandLine& line, Printer& printer, Outputs& outputs) {
-    if (line.command.name == "doctor") {
-        examineProfile(line, printer);
-        return ExitCode::Done;
-    }
-    if (line.command.name == "keys") {
-        showKnownKeys(line.command, printer);
-        return ExitCode::Done;
-    }
     if (line.command.name == "completion") {
         printer.showText("completion", std::string(getCompletionScript(line.command.topic)));
         return ExitCode::Done;
@@ -194,11 +197,24 @@ ExitCode runSession(const CommandLine& line, Printer& printer, Outputs& outputs)
         compareOperands(line, printer);
         return ExitCode::Done;
     }
-    if (runLive(line, printer)) {
-        return ExitCode::Done;
+    if (const auto code = runLive(line, printer)) {
+        return *code;
     }
     if (line.live) {
         throw Failure(ExitCode::Environment, "no running client can carry out '" + line.command.name + "'");
+    }
+    if (line.command.name == "refresh" || line.command.name == "memory") {
+        throw Failure(ExitCode::Environment, "'" + line.command.name +
+                                                 "' is for a running client or the shell, and no "
+                                                 "client uses the profile");
+    }
+    if (line.command.name == "doctor") {
+        examineProfile(line, printer);
+        return ExitCode::Done;
+    }
+    if (line.command.name == "keys") {
+        showKnownKeys(line.command, printer);
+        return ExitCode::Done;
     }
     return withSession(line, printer, [&](Session& session) { return runInSession(session, line, printer); });
 }

@@ -93,6 +93,12 @@ void addWrites(CLI::App& app, Command& command, CommandScope scope) {
     if (scope == CommandScope::Shell) {
         addWorkerFlag(set, command);
     }
+    auto* memory = addKeyCommand(app, command, "memory", "Set a value for this run of the client");
+    addValue(memory, command);
+    if (scope == CommandScope::Shell) {
+        addWorkerFlag(memory, command);
+    }
+    addCommand(app, command, "refresh", "Drop and re-read the stores that are not local");
     addKeyCommand(app, command, "reset", "Remove the user's value of a key");
     addCommand(app, command, "provision", "Apply the settings of a provisioning URL")
         ->add_option("URL", command.url, "The URL; the part after its '?' contains the settings")
@@ -129,7 +135,6 @@ void addLiveCommands(CLI::App& app, Command& command) {
 void addShellCommands(CLI::App& app, Command& command) {
     addCommand(app, command, "start", "Start the feature set");
     addCommand(app, command, "stop", "Stop the feature set");
-    addCommand(app, command, "refresh", "Drop and re-read the stores that are not local");
     addCommand(app, command, "power-down", "Announce that the machine shuts down");
     addKeyCommand(app, command, "observe", "Print each change of a key")
         ->add_option("--with", command.companions, "Also print the value of this key at that moment")
@@ -139,9 +144,6 @@ void addShellCommands(CLI::App& app, Command& command) {
     addCommand(app, command, "add-store", "Add a foreign store")
         ->add_option("FILE.xml:NAME:PRIORITY[:cache]", command.store, "The store")
         ->required();
-    auto* memory = addKeyCommand(app, command, "memory", "Set a value for this run");
-    addValue(memory, command);
-    addWorkerFlag(memory, command);
     addKeyCommand(app, command, "sensitive", "Hide the value of a key from now on");
     addCommand(app, command, "wait", "Wait until no change is pending");
     addCommand(app, command, "quit", "Leave the shell")->alias("exit");

@@ -9,6 +9,7 @@
 #include <ConfigCatalogue.h>
 
 #include <optional>
+#include <utility>
 
 namespace lumora_config {
 
@@ -49,9 +50,14 @@ std::vector<std::string> listKeysInUse(Session& session) {
 } // namespace
 
 void showKnownKeys(const Command& command, Printer& printer) {
-    auto keys = findKeys(command.prefix);
+    showMatchingKeys(findKeys(command.prefix), command, printer);
+}
+
+void showMatchingKeys(std::vector<KeyFacts> keys, const Command& command, Printer& printer) {
     std::erase_if(keys, [&](const KeyFacts& facts) {
-        return (command.sensitive && !facts.sensitive) || (command.renamed && !facts.oldName);
+        const bool isNamed = matchesPattern(facts.key, toWide(command.prefix)) ||
+                             (facts.oldName && matchesPattern(*facts.oldName, toWide(command.prefix)));
+        return !isNamed || (command.sensitive && !facts.sensitive) || (command.renamed && !facts.oldName);
     });
     printer.showKeys(keys);
     if (keys.empty()) {
@@ -69,11 +75,14 @@ void suggestKeys(Session& session, const std::string& key) {
     if (reading) {
         return;
     }
+    suggestKeys(session.getPrinter(), key, listKeysInUse(session));
+}
+
+void suggestKeys(Printer& printer, const std::string& key, const std::vector<std::string>& inUse) {
     auto known = listKnownNames();
-    const auto inUse = listKeysInUse(session);
     known.insert(known.end(), inUse.begin(), inUse.end());
     if (const auto suggestion = suggest(key, known); !suggestion.empty()) {
-        session.getPrinter().showWarning("the key '" + key + "' is unknown" + suggestion);
+        printer.showWarning("the key '" + key + "' is unknown" + suggestion);
     }
 }
 

@@ -1,4 +1,5 @@
 #include "CommandTable.h"
+#include "ReportFile.h"
 #include "disk/Doctor.h"
 #include "host/LogLineCatcher.h"
 #include "output/ChainPage.h"
@@ -6,35 +7,12 @@
 
 #include <kyr/ProcessUtils.h>
 #include <kyr/StringUtils.h>
-#include <zel/RegularFile.h>
 
-#include <cerrno>
 #include <chrono>
-#include <system_error>
 
 namespace lumora_config {
 
 namespace {
-
-void writeReport(const std::string& path, const std::string& text) {
-    const int error = zel::storage::RegularFile::replace(path, text);
-    if (error == EEXIST) {
-        throw Failure(ExitCode::Environment, path + ": cannot be written: it is not a regular file");
-    }
-    if (error != 0) {
-        throw Failure(ExitCode::Environment, path + ": cannot be written: " + std::generic_category().message(error));
-    }
-}
-
-/// Prints the text, or writes it to the file and reports that. The paths "" and "-" mean standard output.
-void printOrWrite(Session& session, const Command& command, const std::string& path, const std::string& text) {
-    if (path.empty() || path == "-") {
-        session.getPrinter().showText("report", text);
-        return;
-    }
-    writeReport(path, text);
-    reportDone(session, command, (command.htmlFile.empty() ? "report" : "page") + std::string(" written to ") + path);
-}
 
 void reportAsPage(Session& session, const Command& command) {
     ChainFindings findings;
@@ -52,7 +30,7 @@ void reportAsPage(Session& session, const Command& command) {
     findings.host = KyrCoreUtils::ProcessUtils::getHostName();
     findings.madeAt = formatTime(std::chrono::system_clock::now());
     findings.showsSecrets = session.getMask().showsSecrets();
-    printOrWrite(session, command, command.htmlFile, renderChainPage(findings));
+    printOrWriteReport(command, renderChainPage(findings), session.getPrinter());
 }
 
 void report(Session& session, const Command& command) {
@@ -64,7 +42,7 @@ void report(Session& session, const Command& command) {
     session.getHost().onServices("lumora-config: report", [&] {
         text = KyrCoreUtils::toString(session.getHost().getService()->getAllConfigForPRT());
     });
-    printOrWrite(session, command, command.file, text);
+    printOrWriteReport(command, text, session.getPrinter());
 }
 
 void log(Session& session, const Command& /*command*/) {

@@ -1,8 +1,6 @@
 #include "Shell.h"
 
 #include "CommandGrammar.h"
-#include "CommandTable.h"
-#include "LineSecrecy.h"
 #include "ShellCompletion.h"
 #include "ShellWords.h"
 
@@ -49,7 +47,7 @@ bool mustEnd() {
 } // namespace
 
 ExitCode Shell::run() {
-    const auto complete = [this](const std::string& line) { return completeShellLine(session, line); };
+    const auto complete = [this](const std::string& line) { return completeShellLine(target.getNames(), line); };
     if (const auto editor = LineEditor::create(prompt, complete)) {
         runEdited(*editor);
     } else {
@@ -63,15 +61,15 @@ void Shell::runPlain() {
     const bool interactive = KyrCoreUtils::ProcessUtils::isInputTerminal();
     StandardInput buffer;
     std::istream input(&buffer);
-    session.getInput().setLineReader([&input](std::string& text) { return bool(std::getline(input, text)); });
+    target.getInput().setLineReader([&input](std::string& text) { return bool(std::getline(input, text)); });
     std::string line;
     do {
         if (interactive) {
             std::cerr << prompt << std::flush;
         }
     } while (!mustEnd() && std::getline(input, line) && !mustEnd() && runLine(line) == Next::Continue &&
-             session.getPrinter().isHeard());
-    session.getInput().setLineReader({});
+             target.getPrinter().isHeard());
+    target.getInput().setLineReader({});
 }
 
 void Shell::runEdited(LineEditor& editor) {
@@ -79,42 +77,42 @@ void Shell::runEdited(LineEditor& editor) {
     for (const auto& line : history.getLines()) {
         editor.addToHistory(line);
     }
-    session.getInput().setLineReader([&editor](std::string& text) {
+    target.getInput().setLineReader([&editor](std::string& text) {
         const auto line = editor.readLine();
         text = line.value_or("");
         return line.has_value();
     });
-    while (!mustEnd() && session.getPrinter().isHeard()) {
+    while (!mustEnd() && target.getPrinter().isHeard()) {
         const auto line = editor.readLine();
         if (!line || runLine(*line) == Next::Quit) {
             break;
         }
         remember(*line, history, editor);
     }
-    session.getInput().setLineReader({});
+    target.getInput().setLineReader({});
 }
 
 void Shell::remember(const std::string& line, ShellHistory& history, LineEditor& editor) {
     if (line.find_first_not_of(" \t") == std::string::npos) {
         return;
     }
-    const LineSecrecy secrecy(session);
-    if (!secrecy.isSecret(line)) {
+    const auto isSecret = target.makeLineFilter();
+    if (!isSecret(line)) {
         editor.addToHistory(line);
     }
-    const int error = history.add(line, [&](const std::string& kept) { return secrecy.isSecret(kept); });
+    const int error = target.savesHistory() ? history.add(line, isSecret) : 0;
     if (error != 0 && !std::exchange(historyFailed, true)) {
-        session.getPrinter().showWarning("the history of the shell is not saved: " +
-                                         std::generic_category().message(error));
+        target.getPrinter().showWarning("the history of the shell is not saved: " +
+                                        std::generic_category().message(error));
     }
 }
 
 /// Checks the writes of workers that no `wait` has confirmed.
 void Shell::confirmWrites() {
     try {
-        session.confirmWrites();
+        target.confirmWrites();
     } catch (const Failure& failure) {
-        session.getPrinter().showFailure("shell", failure);
+        target.getPrinter().showFailure("shell", failure);
         recordFailure(failure.getCode());
     }
 }
@@ -131,13 +129,13 @@ Shell::Next Shell::runLine(const std::string& line) {
         if (command.name == "quit") {
             return Next::Quit;
         }
-        runCommand(session, command);
+        target.run(command);
     } catch (const Failure& failure) {
         if (failure.getCode() == ExitCode::Done) {
-            session.getPrinter().showText("help", failure.what());
+            target.getPrinter().showText("help", failure.what());
             return Next::Continue;
         }
-        session.getPrinter().showFailure(name, failure);
+        target.getPrinter().showFailure(name, failure);
         recordFailure(failure.getCode());
     }
     return Next::Continue;

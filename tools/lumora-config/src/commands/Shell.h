@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Session.h"
 #include "ShellHistory.h"
+#include "ShellTarget.h"
 #include "output/Failure.h"
 #include "terminal/LineEditor.h"
 
@@ -15,8 +15,8 @@ namespace lumora_config {
 /// with a LineEditor if there is one, and keeps a ShellHistory. Main thread.
 class Shell {
 public:
-    /// The session must outlive the shell.
-    explicit Shell(Session& commandSession) : session(commandSession) {}
+    /// The target must outlive the shell.
+    explicit Shell(ShellTarget& commandTarget) : target(commandTarget) {}
 
     /// Returns the exit code of the first failure, or Done.
     ExitCode run();
@@ -33,7 +33,7 @@ private:
     /// Keeps the code of the first failure.
     void recordFailure(ExitCode code);
 
-    Session& session;
+    ShellTarget& target;
     ExitCode result = ExitCode::Done;
     bool historyFailed = false;
 };

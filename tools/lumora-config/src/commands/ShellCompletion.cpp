@@ -1,11 +1,7 @@
 #include "ShellCompletion.h"
 
-#include "CatalogueCandidates.h"
 #include "CommandGrammar.h"
 #include "ShellWords.h"
-#include "stores/KnownKeys.h"
-
-#include <kyr/StringUtils.h>
 
 #include <algorithm>
 #include <exception>
@@ -14,36 +10,9 @@ namespace lumora_config {
 
 namespace {
 
-std::vector<Candidate> listKeys(Session& session) {
-    auto keys = listCatalogueKeys();
-    session.getHost().onServices("lumora-config: complete", [&] {
-        for (const auto& listed : session.getChain().list({})) {
-            if (!findKeyFacts(listed.key)) {
-                keys.push_back({KyrCoreUtils::toString(listed.key), ""});
-            }
-        }
-    });
-    return keys;
-}
-
-std::vector<Candidate> listStores(Session& session) {
-    std::vector<Candidate> stores;
-    session.getHost().onServices("lumora-config: complete", [&] {
-        for (const auto& store : session.getChain().listStores()) {
-            stores.push_back({store.name, ""});
-        }
-    });
-    return stores;
-}
-
-Completion findCandidates(Session& session, const std::vector<std::string>& words) {
+Completion findCandidates(const CompletionNames& names, const std::vector<std::string>& words) {
     Completion completion;
-    withShellGrammar([&](const CLI::App& grammar) {
-        const CommandLineCursor cursor(grammar, words);
-        const CompletionNames names{[&] { return listKeys(session); }, [&] { return listStores(session); },
-                                    listCatalogueValues};
-        completion = complete(cursor, names);
-    });
+    withShellGrammar([&](const CLI::App& grammar) { completion = complete(CommandLineCursor(grammar, words), names); });
     return completion;
 }
 
@@ -89,10 +58,10 @@ LineCompletion toLineCompletion(const Completion& completion, const UnfinishedLi
 
 } // namespace
 
-LineCompletion completeShellLine(Session& session, const std::string& line) noexcept {
+LineCompletion completeShellLine(const CompletionNames& names, const std::string& line) noexcept {
     try {
         const auto unfinished = splitUnfinished(line);
-        return toLineCompletion(findCandidates(session, unfinished.words), unfinished);
+        return toLineCompletion(findCandidates(names, unfinished.words), unfinished);
     } catch (const std::exception&) {
         return {}; // A message would disturb the line.
     }

@@ -13,6 +13,7 @@
 
 #include <ConfigKeys.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <iomanip>
 #include <sstream>
@@ -109,6 +110,17 @@ HealthReport Doctor::examine() {
         examinePolicies(folder + FileUtils::FileSeparator() + "HKEY_CURRENT_USER");
     }
     return report;
+}
+
+void Doctor::addWrites(HealthReport& report, const std::string& path, const std::string& state) {
+    const auto found = std::ranges::find_if(
+        report.items, [&](const HealthItem& item) { return item.area == "file" && item.path == path; });
+    if (found == report.items.end()) {
+        report.items.push_back({"file", path, "absent, " + state, true});
+        return;
+    }
+    found->state += "; " + state;
+    found->needsAttention = true;
 }
 
 void Doctor::examineDirectories() {

@@ -20,6 +20,8 @@ public:
     explicit Doctor(Lock lockState, Owners ownerForm = Owners::Named);
 
     HealthReport examine();
+    /// Adds to a report what only the client that writes the file knows; `state` is what is not on the disk.
+    static void addWrites(HealthReport& report, const std::string& path, const std::string& state);
 
 private:
     void examineDirectories();

@@ -30,13 +30,6 @@ bool isNamed(const std::string& storeName, std::string_view known) {
     return caseInsensitiveStringEquals(std::string_view(storeName), known);
 }
 
-/// Cached copies are local stores; the documents of other services are not.
-bool mayBeCopy(ZelUnified::ConfigStore& store) {
-    const auto name = store.getName();
-    return store.isLocal() && !isNamed(name, ConfigKeys::inMemoryConfigStore) &&
-           !isNamed(name, ConfigKeys::mdmConfigStore);
-}
-
 KeyPlaces readXml(const std::string& path, XmlKeyFinder::Form form) {
     try {
         return XmlKeyFinder::find(readWholeFile(path), path, form);
@@ -73,7 +66,14 @@ std::string timeOfFile(const std::string& path) {
 
 OriginFinder::OriginFinder(std::shared_ptr<ZelUnified::ConfigFeatureSet> adapter, const StoreArrivals& knownArrivals,
                            std::string directory)
-    : featureSet(std::move(adapter)), arrivals(knownArrivals), configDirectory(std::move(directory)) {}
+    : featureSet(std::move(adapter)), arrivals(&knownArrivals), configDirectory(std::move(directory)) {}
+
+OriginFinder::OriginFinder(const std::vector<StoreFacts>& listed, std::string directory)
+    : arrivals(nullptr), configDirectory(std::move(directory)) {
+    for (const auto& store : listed) {
+        clientsStores[store.name] = store.local;
+    }
+}
 
 Origin OriginFinder::find(const std::string& storeName, const std::wstring& name) {
     const auto& known = originsOf(storeName);
@@ -85,8 +85,13 @@ Origin OriginFinder::find(const std::string& storeName, const std::wstring& name
         origin.how = "set in this run, not in the file";
     }
     if (known.store && isNamed(storeName, ConfigKeys::inMemoryConfigStore)) {
-        origin.when = arrivals.findTimeOfValue(known.store, name);
+        origin.when = arrivals->findTimeOfValue(known.store, name);
         origin.how = origin.when.empty() ? "set by the service in this run" : "set in memory";
+    }
+    if (!featureSet && !origin.isKnown()) {
+        origin.how = isNamed(storeName, ConfigKeys::inMemoryConfigStore)
+                         ? "set in memory in this run"
+                         : "in the memory of the client, which does not report the source";
     }
     return origin;
 }
@@ -117,8 +122,8 @@ const OriginFinder::StoreOrigins& OriginFinder::originsOf(const std::string& sto
 
 OriginFinder::StoreOrigins OriginFinder::read(const std::string& storeName) const {
     StoreOrigins origins;
-    origins.store = featureSet->getConfigStoreByName(storeName);
-    if (const auto* arrival = arrivals.find(origins.store)) {
+    origins.store = featureSet ? featureSet->getConfigStoreByName(storeName) : nullptr;
+    if (const auto* arrival = arrivals == nullptr ? nullptr : arrivals->find(origins.store)) {
         readArrival(*arrival, origins);
     } else if (isNamed(storeName, ConfigKeys::mdmConfigStore)) {
         origins.others.how = "pushed by device management in this run";
@@ -129,10 +134,18 @@ OriginFinder::StoreOrigins OriginFinder::read(const std::string& storeName) cons
         origins.places = readDefaults();
     } else if (isNamed(storeName, ConfigKeys::registryConfigStore)) {
         origins.places = PolicyKeyFinder::find(zel::registry::findRegistryFiles(zel::registry::HKEY_CURRENT_USER));
-    } else if (origins.places.empty() && origins.store && mayBeCopy(*origins.store)) {
+    } else if (origins.places.empty() && mayBeCopy(storeName, origins.store.get())) {
         readCopy(storeName, origins);
     }
     return origins;
+}
+
+/// Cached copies are local stores; the documents of other services are not.
+bool OriginFinder::mayBeCopy(const std::string& storeName, ZelUnified::ConfigStore* store) const {
+    const auto known = clientsStores.find(storeName);
+    const bool isLocal = store != nullptr ? store->isLocal() : known != clientsStores.end() && known->second;
+    return isLocal && !isNamed(storeName, ConfigKeys::inMemoryConfigStore) &&
+           !isNamed(storeName, ConfigKeys::mdmConfigStore);
 }
 
 void OriginFinder::readArrival(const StoreArrivals::Arrival& arrival, StoreOrigins& origins) const {

@@ -9,6 +9,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace lumora_config {
 
@@ -21,6 +22,10 @@ public:
     OriginFinder(std::shared_ptr<ZelUnified::ConfigFeatureSet> adapter, const StoreArrivals& knownArrivals,
                  std::string directory);
 
+    /// Finds the origins of values of a running client, which has these stores. What arrived in the memory of the
+    /// client has an origin that says so.
+    OriginFinder(const std::vector<StoreFacts>& listed, std::string directory);
+
     /// Returns the origin of the value that the store holds under exactly this name of the key.
     Origin find(const std::string& storeName, const std::wstring& name);
     /// Sets the origin of the reading of a key.
@@ -31,21 +36,23 @@ public:
 private:
     /// What is known about one store.
     struct StoreOrigins {
-        std::shared_ptr<ZelUnified::ConfigStore> store;
+        std::shared_ptr<ZelUnified::ConfigStore> store; ///< Null for a store of a running client.
         KeyPlaces places;
         Origin others; ///< The origin of keys without a place; also sets `how` and `when` of the others.
     };
 
     const StoreOrigins& originsOf(const std::string& storeName);
     StoreOrigins read(const std::string& storeName) const;
+    bool mayBeCopy(const std::string& storeName, ZelUnified::ConfigStore* store) const;
     void readArrival(const StoreArrivals::Arrival& arrival, StoreOrigins& origins) const;
     void readCopy(const std::string& storeName, StoreOrigins& origins) const;
     KeyPlaces readUsersFile() const;
     KeyPlaces readDefaults() const;
 
-    const std::shared_ptr<ZelUnified::ConfigFeatureSet> featureSet;
-    const StoreArrivals& arrivals;
+    const std::shared_ptr<ZelUnified::ConfigFeatureSet> featureSet; ///< Null for a running client.
+    const StoreArrivals* const arrivals;                            ///< Null for a running client.
     const std::string configDirectory;
+    std::map<std::string, bool> clientsStores; ///< Whether each store is local.
     std::map<std::string, StoreOrigins> stores;
 };
 

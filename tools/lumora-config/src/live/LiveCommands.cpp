@@ -1,19 +1,29 @@
 #include "LiveCommands.h"
 
 #include "LiveReplies.h"
-#include "commands/CommandInput.h"
+#include "commands/CommandTable.h"
+#include "commands/KeyCommands.h"
 #include "commands/ListSearch.h"
+#include "commands/ReportFile.h"
 #include "commands/StorableCheck.h"
+#include "output/ChainPage.h"
 #include "output/Failure.h"
+#include "output/TimeText.h"
+#include "stores/KnownKeys.h"
+#include "stores/XmlSettings.h"
 
+#include <kyr/FileUtils.h>
+#include <kyr/ProcessUtils.h>
 #include <kyr/StringUtils.h>
 
+#include <chrono>
 #include <map>
-#include <string>
+#include <utility>
+#include <vector>
 
 namespace lumora_config {
 
-using KyrCoreUtils::toWideString;
+using Json = InspectionClient::Json;
 
 namespace {
 
@@ -24,38 +34,39 @@ std::string describeMiss(const Command& command) {
     return command.admin ? "no administrator's store holds" : "no store holds";
 }
 
-/// The list of a client has one store for each key, and no marks of sensitive keys.
-bool canAnswer(const Command& command) {
-    if (command.name == "report") {
-        return command.htmlFile.empty() && (command.file.empty() || command.file == "-");
-    }
-    return command.name != "list" || (command.store.empty() && !command.sensitive);
-}
-
 } // namespace
 
 LiveCommands::Body LiveCommands::find(const Command& command) {
     static const std::map<std::string, Body> bodies{{"get", &LiveCommands::get},
                                                     {"explain", &LiveCommands::explain},
                                                     {"list", &LiveCommands::list},
+                                                    {"keys", &LiveCommands::keys},
+                                                    {"describe", &LiveCommands::describe},
                                                     {"stores", &LiveCommands::stores},
-                                                    {"report", &LiveCommands::showText},
-                                                    {"log", &LiveCommands::showText},
-                                                    {"set", &LiveCommands::change},
+                                                    {"report", &LiveCommands::report},
+                                                    {"log", &LiveCommands::log},
+                                                    {"doctor", &LiveCommands::doctor},
+                                                    {"set", &LiveCommands::set},
+                                                    {"memory", &LiveCommands::change},
+                                                    {"mdm", &LiveCommands::setManaged},
                                                     {"reset", &LiveCommands::change},
                                                     {"provision", &LiveCommands::change},
                                                     {"reset-provisioning", &LiveCommands::change},
-                                                    {"remove-store", &LiveCommands::change}};
+                                                    {"remove-store", &LiveCommands::change},
+                                                    {"refresh", &LiveCommands::change}};
     const auto found = bodies.find(command.name);
-    return found == bodies.end() || !canAnswer(command) ? nullptr : found->second;
+    return found == bodies.end() ? nullptr : found->second;
 }
 
 bool LiveCommands::canRun(const Command& command) {
     return find(command) != nullptr;
 }
 
-void LiveCommands::run(const Command& command) {
+void LiveCommands::announce() const {
     printer.showWarning("this is the running client, process " + std::to_string(client.getProcess()));
+}
+
+void LiveCommands::run(const Command& command) {
     try {
         if (const auto body = find(command); body != nullptr) {
             (this->*body)(command);
@@ -66,37 +77,60 @@ void LiveCommands::run(const Command& command) {
 }
 
 void LiveCommands::get(const Command& command) {
-    InspectionClient::Json request{
-        {"verb", "get"}, {"key", command.key}, {"admin", command.admin}, {"showSecrets", showSecrets}};
+    Json request{{"verb", "get"}, {"key", command.key}, {"admin", command.admin}, {"showSecrets", showSecrets}};
     if (!command.store.empty()) {
         request["store"] = command.store;
     }
-    const auto reading = toReading(client.ask(std::move(request)));
+    auto reading = toReading(client.ask(std::move(request)));
     if (!reading && command.fallback) {
-        printer.showDefault(toWideString(command.key), toWideString(*command.fallback));
+        printer.showDefault(toWide(command.key), toWide(*command.fallback));
         return;
     }
-    printer.showValue(toWideString(command.key), reading, command.origin);
+    if (reading && (command.origin || printer.alwaysShowsOrigin())) {
+        makeOriginFinder().locate(toWide(command.key), *reading);
+    }
+    printer.showValue(toWide(command.key), reading, command.origin);
     if (!reading) {
-        throw Failure(ExitCode::NotFound, describeMiss(command) + " the key '" + command.key + "'");
+        suggestKeys(command.key);
+        throw Failure(ExitCode::NotFound, describeMiss(command) + " the key '" + spell(command.key) + "'");
     }
 }
 
 void LiveCommands::explain(const Command& command) {
-    const auto explanation =
+    auto explanation =
         toExplanation(client.ask({{"verb", "explain"}, {"key", command.key}, {"showSecrets", showSecrets}}));
+    makeOriginFinder().locate(explanation);
     printer.showExplanation(explanation);
     if (!explanation.inForce) {
-        throw Failure(ExitCode::NotFound, "no store holds the key '" + command.key + "'");
+        suggestKeys(command.key);
+        throw Failure(ExitCode::NotFound, "no store holds the key '" + spell(command.key) + "'");
     }
 }
 
 void LiveCommands::list(const Command& command) {
-    auto values = toList(client.ask({{"verb", "list"}, {"prefix", ""}, {"showSecrets", showSecrets}}));
-    keepMatches(values, command, [](const std::wstring&) { return false; });
+    auto values = toList(client.ask(
+        {{"verb", "list"}, {"store", command.store}, {"sensitive", command.sensitive}, {"showSecrets", showSecrets}}));
+    // The client has left out all keys that are not sensitive.
+    keepMatches(values, command, [](const std::wstring&) { return true; });
     printer.showList(values);
     if (values.empty()) {
         throw Failure(ExitCode::NotFound, describeEmptyList(command));
+    }
+}
+
+void LiveCommands::keys(const Command& command) {
+    showMatchingKeys(toKeys(client.ask({{"verb", "keys"}})), command, printer);
+}
+
+void LiveCommands::describe(const Command& command) {
+    try {
+        printer.showDescription(
+            toDescription(client.ask({{"verb", "describe"}, {"key", command.key}, {"showSecrets", showSecrets}})));
+    } catch (const Failure& failure) {
+        if (failure.getCode() == ExitCode::NotFound) {
+            suggestKeys(command.key);
+        }
+        throw;
     }
 }
 
@@ -104,22 +138,85 @@ void LiveCommands::stores(const Command& /*command*/) {
     printer.showStores(toStores(client.ask({{"verb", "stores"}})));
 }
 
-void LiveCommands::showText(const Command& command) {
-    printer.showText(command.name, client.ask({{"verb", command.name}}).at("text"));
+void LiveCommands::report(const Command& command) {
+    const auto text =
+        command.htmlFile.empty() ? client.ask({{"verb", "report"}}).at("text").get<std::string>() : makePage();
+    printOrWriteReport(command, text, printer);
+}
+
+void LiveCommands::log(const Command& command) {
+    printer.showText(command.name, client.ask({{"verb", "log"}}).at("text"));
+}
+
+void LiveCommands::doctor(const Command& /*command*/) {
+    showHealth(examine(Doctor::Owners::Named), printer);
+}
+
+void LiveCommands::set(const Command& command) {
+    const auto value = command.value == "-" ? input.readValue() : command.value;
+    requireStorable(command.key, value, command.forced);
+    suggestKeys(command.key);
+    auto given = command;
+    given.value = value;
+    change(given);
+}
+
+void LiveCommands::setManaged(const Command& command) {
+    // A document that is not XML would empty the store without an error.
+    readXmlSettings(command.file);
+    const auto reply = client.ask({{"verb", command.name}, {"document", readWholeFile(command.file)}});
+    printer.showDone(command.name, reply.at("message"));
 }
 
 void LiveCommands::change(const Command& command) {
-    const auto value = command.value == "-" ? CommandInput().readValue() : command.value;
-    if (command.name == "set") {
-        requireStorable(command.key, value, command.forced);
-    }
     const auto reply = client.ask({{"verb", command.name},
                                    {"key", command.key},
-                                   {"value", value},
+                                   {"value", command.value},
                                    {"url", command.url},
                                    {"store", command.store},
                                    {"force", command.forced}});
     printer.showDone(command.name, reply.at("message"));
+}
+
+std::string LiveCommands::makePage() {
+    const auto reply = client.ask({{"verb", "explanations"}, {"showSecrets", showSecrets}});
+    auto findings = toChain(reply);
+    auto origins = makeOriginFinder();
+    for (auto& key : findings.keys) {
+        origins.locate(key);
+    }
+    findings.health = examine(Doctor::Owners::Masked);
+    findings.profile = KyrCoreUtils::FileUtils::getConfigDirectory();
+    findings.host = KyrCoreUtils::ProcessUtils::getHostName();
+    findings.madeAt = formatTime(std::chrono::system_clock::now());
+    findings.showsSecrets = showSecrets;
+    return renderChainPage(findings);
+}
+
+HealthReport LiveCommands::examine(Doctor::Owners owners) {
+    const auto reply = client.ask({{"verb", "health"}});
+    auto report = Doctor(Doctor::Lock::NotHeld, owners).examine();
+    for (const auto& item : reply.at("items")) {
+        if (const auto writes = item.value("writes", std::string()); !writes.empty()) {
+            Doctor::addWrites(report, item.at("path"), writes);
+        }
+    }
+    return report;
+}
+
+void LiveCommands::suggestKeys(const std::string& key) {
+    if (findKeyFacts(toWide(key)) || toReading(client.ask({{"verb", "get"}, {"key", key}}))) {
+        return;
+    }
+    std::vector<std::string> inUse;
+    for (const auto& listed : toList(client.ask({{"verb", "list"}}))) {
+        inUse.push_back(KyrCoreUtils::toString(listed.key));
+    }
+    lumora_config::suggestKeys(printer, key, inUse);
+}
+
+OriginFinder LiveCommands::makeOriginFinder() {
+    return {toStores(client.ask({{"verb", "stores"}})), KyrCoreUtils::FileUtils::getConfigDirectory()};
 }
 
 } // namespace lumora_config

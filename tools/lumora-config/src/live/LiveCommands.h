@@ -2,19 +2,26 @@
 
 #include "InspectionClient.h"
 #include "commands/CommandGrammar.h"
+#include "commands/CommandInput.h"
+#include "disk/Doctor.h"
+#include "disk/OriginFinder.h"
 #include "output/Printer.h"
+
+#include <string>
 
 namespace lumora_config {
 
 /// Runs commands on a running client instead of on the profile. Main thread.
 class LiveCommands {
 public:
-    /// The client and the printer must outlive the object.
-    LiveCommands(InspectionClient& runningClient, Printer& target, bool secretsShown)
-        : client(runningClient), printer(target), showSecrets(secretsShown) {}
+    /// All but the flag must outlive the object.
+    LiveCommands(InspectionClient& runningClient, CommandInput& commandInput, Printer& target, bool secretsShown)
+        : client(runningClient), input(commandInput), printer(target), showSecrets(secretsShown) {}
 
     /// Returns true if a running client can carry out the command.
     static bool canRun(const Command& command);
+    /// Prints one line that says that the client answers.
+    void announce() const;
     /// Runs the command and prints its answer. Throws Failure as the command on the profile does.
     void run(const Command& command);
 
@@ -26,11 +33,25 @@ private:
     void get(const Command& command);
     void explain(const Command& command);
     void list(const Command& command);
+    void keys(const Command& command);
+    void describe(const Command& command);
     void stores(const Command& command);
-    void showText(const Command& command);
+    void report(const Command& command);
+    void log(const Command& command);
+    void doctor(const Command& command);
+    void set(const Command& command);
+    void setManaged(const Command& command);
     void change(const Command& command);
 
+    /// Returns the page for a browser.
+    std::string makePage();
+    /// Returns what the client and this process know about the health of the profile.
+    HealthReport examine(Doctor::Owners owners);
+    void suggestKeys(const std::string& key);
+    OriginFinder makeOriginFinder();
+
     InspectionClient& client;
+    CommandInput& input;
     Printer& printer;
     const bool showSecrets;
 };

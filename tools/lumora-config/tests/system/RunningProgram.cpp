@@ -48,8 +48,10 @@ RunningProgram::RunningProgram(const Profile& profile, const Arguments& argument
     pointers.push_back(nullptr);
     const auto out = openPipe();
     const auto messages = openPipe();
+    const auto in = openPipe();
     process = fork();
     if (process == 0) {
+        dup2(in[0], STDIN_FILENO);
         dup2(out[1], STDOUT_FILENO);
         dup2(messages[1], STDERR_FILENO);
         execv(pointers.front(), pointers.data());
@@ -57,6 +59,8 @@ RunningProgram::RunningProgram(const Profile& profile, const Arguments& argument
     }
     close(out[1]);
     close(messages[1]);
+    close(in[0]);
+    input = in[1];
     output.descriptor = out[0];
     error.descriptor = messages[0];
 }
@@ -66,8 +70,16 @@ RunningProgram::~RunningProgram() {
         kill(process, SIGKILL);
         waitpid(process, nullptr, 0);
     }
+    close(input);
     close(output.descriptor);
     close(error.descriptor);
+}
+
+void RunningProgram::send(const std::string& line) const {
+    const auto text = line + '\n';
+    if (write(input, text.data(), text.size()) != static_cast<ssize_t>(text.size())) {
+        throw std::runtime_error("the program reads nothing more");
+    }
 }
 
 nlohmann::json RunningProgram::receive() {

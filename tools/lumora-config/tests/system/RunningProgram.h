@@ -16,6 +16,8 @@ public:
     RunningProgram(const RunningProgram&) = delete;
     RunningProgram& operator=(const RunningProgram&) = delete;
 
+    /// Sends a line to the standard input.
+    void send(const std::string& line) const;
     /// Waits for the next line of the output. Throws std::runtime_error if none comes.
     nlohmann::json receive();
     /// Waits for the next line of standard error. Throws std::runtime_error if none comes.
@@ -36,6 +38,7 @@ private:
     static std::string receiveLine(Stream& stream);
 
     int process = -1;
+    int input = -1;
     Stream output;
     Stream error;
 };

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "InspectionClient.h"
+#include "commands/ShellTarget.h"
+
+namespace lumora_config {
+
+/// Runs the commands of the shell on the client that uses the profile. Connects for each command, because the client
+/// closes idle connections. Main thread.
+class LiveTarget final : public ShellTarget {
+public:
+    /// The printer must outlive the object.
+    LiveTarget(Printer& target, bool secretsShown) : printer(target), showSecrets(secretsShown) {}
+
+    /// Throws Failure (Environment) if no client uses the profile, or if the client cannot carry out the command.
+    void run(const Command& command) override;
+    void confirmWrites() override {} // the client answers when a change is on the disk
+    CompletionNames getNames() override;
+    /// Without the values of the client's sensitive keys, any line with a value may contain a secret.
+    LineFilter makeLineFilter() override;
+    bool savesHistory() const override { return false; } // the folder belongs to the client
+    CommandInput& getInput() override { return input; }
+    Printer& getPrinter() override { return printer; }
+
+private:
+    Printer& printer;
+    const bool showSecrets;
+    CommandInput input;
+    long announced = 0; ///< The process that was named last.
+};
+
+} // namespace lumora_config
