@@ -225,12 +225,12 @@ void ChangeRunner::confirmWritten(const JobPointer& job, std::vector<ExpectedWri
 }
 
 ExpectedWrite ChangeRunner::expectUsersFile(const std::string& what) const {
+    ExpectedWrite file{what, std::string(ConfigKeys::localConfigFile), std::chrono::system_clock::now()};
     const auto mode = inspector->read(std::wstring(ConfigKeys::lumoraSdkMode), false);
     if (mode && KyrCoreUtils::toBool(mode->value)) {
-        throw RequestError(Code::Environment,
-                           "in SDK mode no settings of the user are stored (Lumora_SDK_Mode is true)");
+        file.obstacle = "in SDK mode no settings of the user are stored (Lumora_SDK_Mode is true)";
     }
-    return {what, std::string(ConfigKeys::localConfigFile), std::chrono::system_clock::now()};
+    return file;
 }
 
 } // namespace inspection

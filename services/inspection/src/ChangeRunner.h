@@ -48,8 +48,7 @@ private:
     /// Waits for the queued writes and answers with `describe`, or fails if one of the expected ones is missing.
     void confirmWritten(const JobPointer& job, std::vector<ExpectedWrite> expected,
                         std::function<std::string()> describe);
-    /// Returns the user's file as an expected write since now. Throws RequestError (Environment) if no settings of the
-    /// user are stored.
+    /// Returns the user's file as a write that is expected since now.
     ExpectedWrite expectUsersFile(const std::string& what) const;
 
     const std::shared_ptr<const ConfigInspector> inspector;

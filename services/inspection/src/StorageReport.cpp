@@ -106,6 +106,9 @@ Json reportStorage() {
 }
 
 void requireWritten(const ExpectedWrite& expected) {
+    if (!expected.obstacle.empty()) {
+        throw RequestError(RequestError::Code::Environment, expected.what + ": " + expected.obstacle);
+    }
     const auto health = EncryptFileUtils::health(FileUtils::getConfigDirectory());
     const auto* const file = find(health, expected.file);
     const bool isWritten = file != nullptr && file->state == ReadResult::Ok && !file->pending && file->lastWrite &&

@@ -110,6 +110,16 @@ TEST_F(InspectionFaults, HealthReportsWhatWaitsToBeWritten) {
     EXPECT_THAT(writes, AllOf(HasSubstr("the last write failed"), HasSubstr("a change waits to be written")));
 }
 
+TEST(InspectionSdkMode, ASetIsAFailureBecauseNoSettingsOfTheUserAreStored) {
+    TestHost host({}, {{L"Lumora_SDK_Mode", L"true"}});
+    Peer peer(host);
+    auto reply = peer.ask({{"verb", "set"}, {"key", "Theme"}, {"value", "dark"}});
+    EXPECT_EQ(reply["exitCode"], 3);
+    EXPECT_THAT(reply["message"].get<std::string>(),
+                AllOf(HasSubstr("is set for this run only"), HasSubstr("Lumora_SDK_Mode is true")));
+    EXPECT_EQ(peer.ask({{"verb", "get"}, {"key", "Theme"}})["value"], "dark");
+}
+
 TEST_F(InspectionChanges, ASetOfTheSameValueIsDone) {
     const Json request{{"verb", "set"}, {"key", "Theme"}, {"value", "dark"}};
     EXPECT_EQ(peer.ask(request)["type"], "done");
