@@ -1,22 +1,13 @@
-// Measures how long a task of the client waits on the services dispatcher while other processes watch its changes.
+// Measures what the inspection service costs the client, and how soon another process sees a change.
+#include "InspectedClient.h"
 #include "RowSuite.h"
 
-#include <kyr/FunctionTask.h>
 #include <kyr/LocalConnection.h>
-#include <unified/TypeName.h>
-#include <unified/UnifiedFactoryImpl.h>
-
-#include <ConfigFeatureSet.h>
-#include <ConfigService.h>
-#include <ConfigServiceIds.h>
-#include <InspectionService.h>
-#include <TemporaryProfile.h>
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
-#include <functional>
-#include <memory>
-#include <mutex>
+#include <deque>
 #include <string>
 #include <thread>
 #include <vector>
@@ -24,125 +15,161 @@
 namespace {
 
 using namespace std::chrono_literals;
-using namespace ZelUnified;
+using bench::InspectedClient;
 using KyrCoreUtils::LocalConnection;
 using Clock = std::chrono::steady_clock;
+using Inspection = InspectedClient::Inspection;
 
 constexpr std::size_t watcherCount = 100;
 constexpr std::size_t changes = 200; // two seconds
 constexpr auto changeInterval = 10ms;
+constexpr std::size_t changesInRow = 2000;
+constexpr std::size_t manyKeys = 5000;
 constexpr auto patience = 30s;
 
-/// A client with its own services thread and the inspection service.
-class Client {
+double secondsSince(Clock::time_point begin) {
+    return std::chrono::duration<double>(Clock::now() - begin).count();
+}
+
+/// Another process, as far as the client can tell.
+class Peer {
 public:
-    Client() {
-        testing_host::writeFile(profile.resources() / "lumora-config-defaults.xml", "<Lumora/>");
-        UnifiedFactoryOptions options;
-        options.pluginFolder = PLUGIN_FOLDER;
-        options.plugins = {{readableTypeName<ConfigService>(), SERVICE_LIBRARY},
-                           {readableTypeName<ConfigFeatureSet>(), SERVICE_LIBRARY},
-                           {readableTypeName<InspectionService>(), INSPECTION_LIBRARY}};
-        factory = std::make_shared<UnifiedFactoryImpl>(std::move(options));
-        factory->Init();
-        featureSet = factory->getFeatureSetByType<ConfigFeatureSet>();
-        inspection = factory->getFeatureSetByType<InspectionService>();
-        bench::require(featureSet && inspection, "the plug-ins loaded");
-        factory->StartFeatureSet(configServiceId, nullptr);
-        factory->StartFeatureSet(InspectionService::inspectionServiceId, nullptr);
-        post([this] { set(L"begin"); });
+    explicit Peer(const InspectedClient& client) : connection(client.socketPath()) {}
+
+    void send(const std::string& request) {
+        bench::require(connection.sendLine(request, patience), "the request sent");
     }
-
-    ~Client() {
-        featureSet.reset();
-        inspection.reset();
-        factory->Destroy();
-    }
-
-    Client(const Client&) = delete;
-    Client& operator=(const Client&) = delete;
-
-    void post(std::function<void()> work) const {
-        factory->getServicesDispatcher()->enqueue(
-            std::make_shared<KyrCoreUtils::FunctionTask>(std::move(work), "bench"), false);
-    }
-
-    void wait() const {
-        factory->getServicesDispatcher()->enqueueBlock(std::make_shared<KyrCoreUtils::FunctionTask>([] {}, "bench"),
-                                                       false);
-    }
-
-    void set(const std::wstring& value) const { featureSet->setInMemoryConfig(L"BenchKey", value); }
-    std::string socketPath() const { return inspection->getSocketPath(); }
-
-private:
-    const testing_host::TemporaryProfile profile;
-    std::shared_ptr<UnifiedFactoryImpl> factory;
-    std::shared_ptr<ConfigFeatureSet> featureSet;
-    std::shared_ptr<InspectionService> inspection;
-};
-
-/// The processes that watch: one thread reads the same number of events from each.
-class Watchers {
-public:
-    Watchers(const std::string& path, std::size_t count) {
+    std::string receive() {
         std::string line;
-        for (std::size_t i = 0; i < count; ++i) {
-            connections.push_back(std::make_unique<LocalConnection>(path));
-            connections.back()->sendLine("{\"verb\":\"watch\",\"keys\":[\"BenchKey\"]}", patience);
-            bench::require(connections.back()->receiveLine(line, patience) == LocalConnection::Received::Line,
-                           "the watch accepted");
-        }
+        bench::require(connection.receiveLine(line, patience) == LocalConnection::Received::Line, "a line received");
+        return line;
     }
-
-    /// Reads `events` events from each watcher; none may be lost.
-    void read(std::size_t events) {
-        std::string line;
-        for (std::size_t i = 0; i < events; ++i) {
-            for (const auto& connection : connections) {
-                bench::require(connection->receiveLine(line, patience) == LocalConnection::Received::Line &&
-                                   line.find("\"notification\"") != std::string::npos,
-                               "every event received");
-            }
+    void watch() {
+        send(R"({"verb":"watch","keys":["BenchKey"]})");
+        bench::require(receive().find("\"done\"") != std::string::npos, "the watch accepted");
+    }
+    /// Waits for the event of a change of the value. None may be lost.
+    void awaitEvent() {
+        const auto isValue = [](const std::string& line) {
+            bench::require(line.find("\"notification\"") != std::string::npos, "every event received");
+            return line.find("\"Value\"") != std::string::npos;
+        };
+        while (!isValue(receive())) {
         }
     }
 
 private:
-    std::vector<std::unique_ptr<LocalConnection>> connections;
+    LocalConnection connection;
 };
 
 /// Changes a key a hundred times a second, with a task of the client behind each change. Returns the time that the task
 /// waited, at the 99th percentile.
-double measureDelay(const Client& client, Watchers& watchers, std::size_t& round) {
+double measureDelay(std::size_t watchers) {
+    const InspectedClient client(Inspection::With);
+    client.run([&] { client.set(L"BenchKey", L"begin"); });
+    std::deque<Peer> peers;
+    for (std::size_t i = 0; i < watchers; ++i) {
+        peers.emplace_back(client).watch();
+    }
+    std::thread reader([&] {
+        for (std::size_t i = 0; i < changes; ++i) {
+            std::ranges::for_each(peers, &Peer::awaitEvent);
+        }
+    });
     std::vector<double> delays;
-    std::thread reader([&] { watchers.read(changes); });
     auto next = Clock::now();
     for (std::size_t i = 0; i < changes; ++i) {
-        client.post([&client, value = std::to_wstring(++round)] { client.set(value); });
-        client.post([&delays, posted = Clock::now()] {
-            delays.push_back(std::chrono::duration<double>(Clock::now() - posted).count());
-        });
+        client.post([&client, value = std::to_wstring(i)] { client.set(L"BenchKey", value); });
+        client.post([&delays, posted = Clock::now()] { delays.push_back(secondsSince(posted)); });
         next += changeInterval;
         std::this_thread::sleep_until(next); // the rate is what is measured
     }
-    client.wait();
+    client.run([] {});
     reader.join();
     std::ranges::sort(delays);
     return delays[delays.size() * 99 / 100];
+}
+
+/// Changes a key many times without watchers.
+double measureChanges(Inspection inspected) {
+    const InspectedClient client(inspected);
+    double seconds = 0;
+    client.run([&] {
+        client.set(L"BenchKey", L"begin");
+        const auto begin = Clock::now();
+        for (std::size_t i = 0; i < changesInRow; ++i) {
+            client.set(L"BenchKey", std::to_wstring(i));
+        }
+        seconds = secondsSince(begin);
+    });
+    return seconds;
+}
+
+/// Returns the longest time that a task of the client waits while the client, with many keys, answers one request.
+double measureAnswer(const std::string& verb) {
+    const InspectedClient client(Inspection::With, manyKeys);
+    Peer peer(client);
+    std::atomic<bool> isAnswered = false;
+    peer.send("{\"verb\":\"" + verb + "\"}");
+    std::thread reader([&] {
+        bench::require(peer.receive().find('"' + verb + '"') != std::string::npos, "the answer of the verb");
+        isAnswered = true;
+    });
+    double longest = 0;
+    while (!isAnswered) {
+        const auto posted = Clock::now();
+        client.run([] {});
+        longest = std::max(longest, secondsSince(posted));
+    }
+    reader.join();
+    return longest;
+}
+
+/// Returns the time from a request of one process to the event that another one receives.
+double measureEvent(const InspectedClient& client, const std::string& request) {
+    Peer watcher(client);
+    Peer changer(client);
+    watcher.watch();
+    const auto begin = Clock::now();
+    changer.send(request);
+    watcher.awaitEvent();
+    const double seconds = secondsSince(begin);
+    bench::require(changer.receive().find("\"done\"") != std::string::npos, "the change made");
+    return seconds;
+}
+
+double measureSet() {
+    return measureEvent(InspectedClient(Inspection::With), R"({"verb":"set","key":"BenchKey","value":"new"})");
+}
+
+double measurePolicy() {
+    const InspectedClient client(Inspection::With);
+    client.writePolicy("BenchKey", "new");
+    return measureEvent(client, R"({"verb":"refresh"})");
+}
+
+double measureDocument() {
+    return measureEvent(InspectedClient(Inspection::With),
+                        R"({"verb":"mdm","document":"<Config><Group><BenchKey>1</BenchKey></Group></Config>"})");
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
     bench::RowSuite suite(argc, argv);
-    const auto client = std::make_shared<Client>();
-    const auto round = std::make_shared<std::size_t>(0);
-    const std::string row = "10 wait of a task, 99th percentile, 100 changes a second";
-    for (const std::size_t count : {watcherCount, std::size_t{0}}) {
-        suite.addTimed(row, count == 0 ? "without watchers" : "100 watchers", 1, [client, round, count] {
-            Watchers watchers(client->socketPath(), count);
-            return measureDelay(*client, watchers, *round);
-        });
+    const std::string delayed = "10 wait of a task, 99th percentile, 100 changes a second";
+    suite.addTimed(delayed, "100 watchers", 1, [] { return measureDelay(watcherCount); });
+    suite.addTimed(delayed, "without watchers", 1, [] { return measureDelay(0); });
+    const std::string changed = "11 change without watchers";
+    suite.addTimed(changed, "inspection service", changesInRow, [] { return measureChanges(Inspection::With); });
+    suite.addTimed(changed, "bare client", changesInRow, [] { return measureChanges(Inspection::Without); });
+    const std::string answered = "12 longest wait of a task during an answer, 5000 keys";
+    for (const std::string verb : {"report", "log", "list", "explanations"}) {
+        suite.addTimed(answered, verb, 1, [verb] { return measureAnswer(verb); });
     }
+    const std::string seen = "13 time until a watcher has the event";
+    suite.addTimed(seen, "set", 1, measureSet);
+    suite.addTimed(seen, "policy and refresh", 1, measurePolicy);
+    suite.addTimed(seen, "document", 1, measureDocument);
     return suite.main();
 }
