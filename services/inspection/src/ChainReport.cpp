@@ -8,8 +8,9 @@ namespace inspection {
 
 namespace {
 
-/// Each key asks every store, so these are fewer than in a list.
-constexpr std::size_t keysPerSlice = 16;
+constexpr std::size_t keysPerSlice = 64;
+/// Each key asks every store, so these are fewer.
+constexpr std::size_t explanationsPerSlice = 16;
 
 } // namespace
 
@@ -21,27 +22,35 @@ ChainReport::ChainReport(std::shared_ptr<const ConfigInspector> configInspector,
       report{{"type", "explanations"}, {"stores", Json::array()}, {"keys", Json::array()}} {}
 
 bool ChainReport::proceed() {
-    if (storesLeft != 0) {
-        addKeysOf(*stores[--storesLeft]);
+    if (!found.empty()) {
+        addKeys();
         return true;
     }
-    for (std::size_t count = 0; count < keysPerSlice && !asked.empty(); ++count) {
+    if (storesLeft != 0) {
+        beginStore(*stores[--storesLeft]);
+        return true;
+    }
+    for (std::size_t count = 0; count < explanationsPerSlice && !asked.empty(); ++count) {
         report["keys"].push_back(explain(asked.begin()->second));
         asked.erase(asked.begin());
     }
     return !asked.empty();
 }
 
-/// The store of lowest priority determines the spelling, since the user's file, the first store, contains lower case
-/// only.
-void ChainReport::addKeysOf(ZelUnified::ConfigStore& store) {
+void ChainReport::beginStore(ZelUnified::ConfigStore& store) {
     report["stores"].insert(report["stores"].begin(), ConfigInspector::showStore(store));
-    for (const auto& key : store.getKeys()) {
-        const auto names = ZelUnified::ConfigKeys::getKeyNames(key);
-        const auto [entry, isNew] = asked.try_emplace(names.newName, key);
+    found = store.getKeys();
+}
+
+/// A key is asked by its old name only if no store contains the new one.
+void ChainReport::addKeys() {
+    for (std::size_t count = 0; count < keysPerSlice && !found.empty(); ++count) {
+        const auto names = ZelUnified::ConfigKeys::getKeyNames(found.back());
+        const auto [entry, isNew] = asked.try_emplace(names.newName, found.back());
         if (!isNew && !names.isRequestedByOldName) {
-            entry->second = key;
+            entry->second = found.back();
         }
+        found.pop_back();
     }
 }
 

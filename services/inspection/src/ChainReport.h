@@ -7,10 +7,12 @@
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace inspection {
 
-/// Explains every key of the chain in slices: first one store after the other, for its keys, then a few keys at a time.
+/// Explains every key of the chain in slices: collects the keys of one store after the other, then explains them.
 /// Services dispatcher's thread.
 class ChainReport {
 public:
@@ -22,13 +24,15 @@ public:
     Json take() { return std::move(report); }
 
 private:
-    void addKeysOf(ZelUnified::ConfigStore& store);
+    void beginStore(ZelUnified::ConfigStore& store);
+    void addKeys();
     Json explain(const std::wstring& key) const;
 
     const std::shared_ptr<const ConfigInspector> inspector;
     const bool showSecrets;
     const ConfigInspector::Stores stores;
-    std::size_t storesLeft; ///< Taken from the end of the chain.
+    std::size_t storesLeft;          ///< Taken from the end of the chain.
+    std::vector<std::wstring> found; ///< Keys of the last store that are not in `asked` yet.
     /// Each key under its new name, with the name to ask for: the old name if no store contains the new one.
     ZelUnified::ConfigMap asked;
     Json report;

@@ -96,9 +96,11 @@ void InspectionRequest::parse(std::string_view line) {
     readField(object, "showSecrets", showSecrets);
 }
 
-Json makeReply(const Json& id, const Json& answer) {
+Json makeReply(const Json& id, Json answer) {
     Json reply{{"id", id}};
-    reply.update(answer);
+    for (auto& [name, field] : answer.items()) {
+        reply[name] = std::move(field);
+    }
     return reply;
 }
 

@@ -31,8 +31,8 @@ struct InspectionRequest {
     void parse(std::string_view line);
 };
 
-/// Returns the reply: the id of the request, then the fields of `answer`.
-Json makeReply(const Json& id, const Json& answer);
+/// Returns the reply: the id of the request, then the fields of `answer`. Moves them, because a list may be long.
+Json makeReply(const Json& id, Json answer);
 /// Returns the reply to a request that failed.
 Json makeFailure(const InspectionRequest& request, RequestError::Code code, const std::string& message);
 

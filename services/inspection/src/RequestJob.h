@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 
 namespace inspection {
 
@@ -16,7 +17,7 @@ struct RequestJob {
 
     RequestJob(InspectionRequest asked, Answer reply) : request(std::move(asked)), answer(std::move(reply)) {}
 
-    void reply(const Json& result) const { answer(makeReply(request.id, result)); }
+    void reply(Json result) const { answer(makeReply(request.id, std::move(result))); }
     void reportDone(const std::string& message) const {
         reply({{"type", "done"}, {"command", request.verb}, {"message", message}});
     }

@@ -112,7 +112,7 @@ void RequestRunner::explain(const JobPointer& job) {
                                           next = std::size_t{0}]() mutable {
             return job->guard([&] {
                 if (next == stores.size()) {
-                    job->reply(job->collected);
+                    job->reply(std::move(job->collected));
                     return;
                 }
                 job->collected["stores"].push_back(
@@ -169,7 +169,7 @@ void RequestRunner::listRecords(const JobPointer& job) {
             // The list ends although the client adds records: each slice begins behind the last one.
             more = records.size() == recordsPerSlice && KyrCoreUtils::caseInsensitiveStringCompare(before, last) < 0;
             if (!more) {
-                job->reply(job->collected);
+                job->reply(std::move(job->collected));
             }
         }) && more;
     });
@@ -194,7 +194,7 @@ void RequestRunner::listStore(const JobPointer& job) {
                     }
                 }
                 if (keys.empty()) {
-                    job->reply(job->collected);
+                    job->reply(std::move(job->collected));
                 }
             }) && !keys.empty();
         });
@@ -220,7 +220,7 @@ void RequestRunner::listStores(const JobPointer& job) {
         tasks.runSlices(job->nameTask(), [job, stores = inspector->getStores(), next = std::size_t{0}]() mutable {
             return job->guard([&] {
                 if (next == stores.size()) {
-                    job->reply(job->collected);
+                    job->reply(std::move(job->collected));
                     return;
                 }
                 job->collected["stores"].push_back(ConfigInspector::showStore(*stores[next]));

@@ -2,6 +2,7 @@
 
 #include <TemporaryProfile.h>
 #include <gmock/gmock.h>
+#include <sys/resource.h>
 
 #include <array>
 #include <csignal>
@@ -60,8 +61,12 @@ TEST_F(LiveCommands, TheReportAndThePageAreWrittenToFiles) {
 }
 
 TEST_F(LiveCommands, DoctorKnowsTheWritesThatTheClientCouldNotMake) {
+    // The limit makes writes of the client fail instead of ending it.
+    auto* const before = std::signal(SIGXFSZ, SIG_IGN);
     start();
-    std::filesystem::create_directories(profile.root() / "config" / "lumoraLocalConfig.dat" / "obstacle");
+    std::signal(SIGXFSZ, before);
+    const rlimit small{16, 16};
+    ASSERT_EQ(prlimit(client->getProcess(), RLIMIT_FSIZE, &small, nullptr), 0);
     const auto change = profile.run({"set", "Theme", "dark"});
     EXPECT_EQ(change.exitCode, 3);
     EXPECT_THAT(change.error, HasSubstr("Theme is set for this run only, because it is not on the disk: "));
