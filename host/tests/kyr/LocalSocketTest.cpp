@@ -74,7 +74,7 @@ TEST(LocalSocket, EachSpellingOfADirectoryHasTheSamePath) {
     EXPECT_NE(LocalSocket::getPathFor(profile.state().string(), "/s"), path);
 }
 
-TEST(LocalSocket, ALinkOrAFolderForOthersIsNotUsedAsItIs) {
+TEST(LocalSocket, RestrictsAnOpenDirectoryAndRefusesALinkToOne) {
     using std::filesystem::perms;
     const testing_host::TemporaryProfile profile;
     const auto open = profile.root() / "open";

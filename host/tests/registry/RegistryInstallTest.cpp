@@ -25,14 +25,14 @@ protected:
     const std::filesystem::path folder = profile.data() / "registry";
 };
 
-TEST_F(RegistryInstallTest, AnInstalledFileCountsFromTheNextOpening) {
+TEST_F(RegistryInstallTest, AnInstalledFileTakesEffectWhenAKeyIsNextOpened) {
     const auto registry = makeFileRegistry({(profile.root() / "none").string(), {}});
     EXPECT_FALSE(hasKey(*registry, L"K"));
     EXPECT_EQ(installRegistryText(parse("[HKCU\\K]\r\n\"a\"=\"1\"\r\n"), "policy"), 0);
     EXPECT_EQ(textOf(*registry, L"K", L"a"), L"1");
 }
 
-TEST_F(RegistryInstallTest, OnlyWhatWasTakenIsWrittenSoThatAllOfItCounts) {
+TEST_F(RegistryInstallTest, OnlyAcceptedLinesAreWritten) {
     const auto text = parse("[HKCU\\K]\r\n\"a\"=\"1\"\r\nrubbish\r\n\"b\"=\"2\"\r\n[HKLM\\K]\r\n\"c\"=\"3\"\r\n");
     ASSERT_EQ(text.refusals.size(), 3U);
     ASSERT_EQ(installRegistryText(text, "policy.reg"), 0);
@@ -40,7 +40,7 @@ TEST_F(RegistryInstallTest, OnlyWhatWasTakenIsWrittenSoThatAllOfItCounts) {
                                                "[HKEY_CURRENT_USER\\K]\r\n\"a\"=\"1\"\r\n\"b\"=\"2\"\r\n");
 }
 
-TEST_F(RegistryInstallTest, FileAndFolderAreTheOwnersAlone) {
+TEST_F(RegistryInstallTest, FileAndFolderAreAccessibleToTheirOwnerOnly) {
     ASSERT_EQ(installRegistryText(parse("[HKCU\\K]\r\n"), "policy.REG"), 0);
     using std::filesystem::perms;
     EXPECT_EQ(std::filesystem::status(folder).permissions(), perms::owner_all);
@@ -55,7 +55,7 @@ TEST_F(RegistryInstallTest, ASecondFileOfTheNameReplacesTheFirst) {
     EXPECT_TRUE(hasKey(*registry, L"New"));
 }
 
-TEST_F(RegistryInstallTest, ALinkOfTheNameStaysAndItsTargetIsReplaced) {
+TEST_F(RegistryInstallTest, InstallingOverALinkReplacesItsTarget) {
     const auto target = profile.root() / "shared" / "policy.reg";
     testing_host::writeFile(target, "old");
     std::filesystem::create_directories(folder);
@@ -65,14 +65,14 @@ TEST_F(RegistryInstallTest, ALinkOfTheNameStaysAndItsTargetIsReplaced) {
     EXPECT_THAT(readFile(target), testing::HasSubstr("[HKEY_CURRENT_USER\\K]"));
 }
 
-TEST_F(RegistryInstallTest, WhatIsNoRegularFileIsNotReplaced) {
+TEST_F(RegistryInstallTest, OnlyARegularFileIsReplaced) {
     std::filesystem::create_directories(folder);
     ASSERT_EQ(mkfifo((folder / "policy.reg").c_str(), 0600), 0);
     EXPECT_EQ(installRegistryText(parse("[HKCU\\K]\r\n"), "policy"), EEXIST);
     EXPECT_TRUE(std::filesystem::is_fifo(folder / "policy.reg"));
 }
 
-TEST_F(RegistryInstallTest, ANameThatIsNoBareFileNameIsRefused) {
+TEST_F(RegistryInstallTest, ANameWithAPathIsRefused) {
     const auto text = parse("[HKCU\\K]\r\n");
     for (const std::string name : {"", ".", "..", ".hidden", "a/b", "../b", "a\\b", "c:x"}) {
         EXPECT_EQ(installRegistryText(text, name), EINVAL) << name;
@@ -81,7 +81,7 @@ TEST_F(RegistryInstallTest, ANameThatIsNoBareFileNameIsRefused) {
     EXPECT_FALSE(std::filesystem::exists(folder));
 }
 
-TEST_F(RegistryInstallTest, ATextThatWouldNotBeReadIsNotWritten) {
+TEST_F(RegistryInstallTest, ATextThatCannotBeReadBackIsNotWritten) {
     auto text = parse("[HKCU\\K]\r\n");
     ASSERT_EQ(installRegistryText(text, "policy"), 0);
     text.sections.front().path.assign(64U << 20U, L'k');
@@ -90,13 +90,13 @@ TEST_F(RegistryInstallTest, ATextThatWouldNotBeReadIsNotWritten) {
     EXPECT_TRUE(hasKey(*registry, L"K"));
 }
 
-TEST_F(RegistryInstallTest, AFileInTheFoldersPlaceIsAnError) {
+TEST_F(RegistryInstallTest, AFileAtThePathOfTheFolderIsAnError) {
     testing_host::writeFile(folder, "in the way");
     EXPECT_NE(installRegistryText(parse("[HKCU\\K]\r\n"), "policy"), 0);
     EXPECT_EQ(readFile(folder), "in the way");
 }
 
-TEST(ProcessRegistry, IsThePlatformsUntilItIsOverridden) {
+TEST(ProcessRegistry, IsThePlatformsRegistryUntilItIsOverridden) {
     const testing_host::TemporaryProfile profile;
     const auto platform = getRegistry();
     ASSERT_NE(platform, nullptr);
@@ -108,7 +108,7 @@ TEST(ProcessRegistry, IsThePlatformsUntilItIsOverridden) {
     EXPECT_EQ(getRegistry(), platform);
 }
 
-TEST(ProcessRegistry, ReadsTheUsersFilesOfTheProfileInForce) {
+TEST(ProcessRegistry, ReadsTheUsersFilesOfTheCurrentProfile) {
     const testing_host::TemporaryProfile profile;
     testing_host::writeFile(profile.data() / "registry/a.reg", "REGEDIT4\n[HKCU\\Lumora test\\K]\n\"a\"=\"1\"\n");
     EXPECT_EQ(textOf(*getRegistry(), L"Lumora test\\K", L"a"), L"1");

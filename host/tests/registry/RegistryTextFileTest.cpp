@@ -64,14 +64,14 @@ TEST(RegistryTextFile, AnExportInUtf16IsRead) {
     EXPECT_EQ(text.sections[0].entries[1].value, makeNumberValue(L"Count", 42));
 }
 
-TEST(RegistryTextFile, ALineFeedInTheLowByteOfAnotherCharacterEndsNoLine) {
+TEST(RegistryTextFile, InUtf16AByte0AOfAnotherCharacterIsNotALineFeed) {
     const auto text = parse(toUtf16File(L"Windows Registry Editor Version 5.00\n[HKCU\\K]\n\"a\"=\"\u010a\u0a00\"\n"));
     EXPECT_THAT(text.refusals, IsEmpty());
     ASSERT_THAT(text.sections, SizeIs(1));
     EXPECT_EQ(text.sections[0].entries.at(0).value, makeTextValue(L"a", L"\u010a\u0a00"));
 }
 
-TEST(RegistryTextFile, Utf8IsReadWithAndWithoutItsMark) {
+TEST(RegistryTextFile, Utf8IsReadWithAndWithoutAByteOrderMark) {
     const std::string lines =
         "Windows Registry Editor Version 5.00\n[HKEY_CURRENT_USER\\K]\n\"\xC3\xBC\"=\"\xE4\xB8\xAD\"";
     for (const auto& bytes : {lines, "\xEF\xBB\xBF" + lines}) {
@@ -82,7 +82,7 @@ TEST(RegistryTextFile, Utf8IsReadWithAndWithoutItsMark) {
     }
 }
 
-TEST(RegistryTextFile, TheOlderVersionHoldsItsTextsInBytes) {
+TEST(RegistryTextFile, InVersion4TextsInHexConsistOfOneByteCharacters) {
     const auto text = parse("REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\K]\r\n\"e\"=hex(2):25,48,25,00\r\n"
                             "\"m\"=hex(7):61,00,62,00,00\r\n\"b\"=hex:61,62\r\n");
     EXPECT_THAT(text.refusals, IsEmpty());
@@ -94,7 +94,7 @@ TEST(RegistryTextFile, TheOlderVersionHoldsItsTextsInBytes) {
     EXPECT_EQ(entries[2].value, (RegistryValue{L"b", REG_BINARY, {0x61, 0x62}}));
 }
 
-TEST(RegistryTextFile, EveryKindOfValueIsTaken) {
+TEST(RegistryTextFile, EveryTypeOfValueIsParsed) {
     EXPECT_EQ(valueOf("@=\"d\""), makeTextValue(L"", L"d"));
     EXPECT_EQ(valueOf("\"a\"=\"\""), makeTextValue(L"a", L""));
     EXPECT_EQ(valueOf("\"a\"=dword:ffffffff"), makeNumberValue(L"a", 0xFFFFFFFF));
@@ -109,7 +109,7 @@ TEST(RegistryTextFile, EveryKindOfValueIsTaken) {
     EXPECT_EQ(valueOf("\"a\"=hex(ffff0001):01"), (RegistryValue{L"a", 0xFFFF0001, {1}}));
 }
 
-TEST(RegistryTextFile, QuotesAndBackslashesAreEscapedAndNothingElse) {
+TEST(RegistryTextFile, OnlyQuotesAndBackslashesAreUnescaped) {
     EXPECT_EQ(valueOf(R"("a\"b"="C:\\new\\\"x\"")"), makeTextValue(L"a\"b", L"C:\\new\\\"x\""));
     EXPECT_EQ(valueOf(R"("a"="C:\new")"), makeTextValue(L"a", L"C:\\new"));
     EXPECT_EQ(valueOf(R"("a=b;c]"="[x] ; no comment")"), makeTextValue(L"a=b;c]", L"[x] ; no comment"));
@@ -122,7 +122,7 @@ TEST(RegistryTextFile, ATextMaySpanLines) {
     EXPECT_EQ(entries[1].line, 7U);
 }
 
-TEST(RegistryTextFile, BytesContinueBehindABackslashOverCommentsToo) {
+TEST(RegistryTextFile, ABackslashContinuesBytesAcrossComments) {
     const std::vector<std::uint8_t> expected{1, 2, 3, 4};
     EXPECT_EQ(valueOf("\"a\"=hex:01,02,\\\r\n  03,\\\r\n  04").data, expected);
     EXPECT_EQ(valueOf("\"a\"=hex:01,02,\\ ; first\r\n; second\r\n  03,04").data, expected);
@@ -131,14 +131,14 @@ TEST(RegistryTextFile, BytesContinueBehindABackslashOverCommentsToo) {
     EXPECT_EQ(valueOf("\"a\"=hex:01,\\").data, std::vector<std::uint8_t>{1});
 }
 
-TEST(RegistryTextFile, BlanksAndCommentsStandAnywhereAroundValues) {
+TEST(RegistryTextFile, BlanksAndCommentsAroundValuesAreIgnored) {
     const auto entries = entriesOf("; comment\r\n\r\n  \"a\" = \"b\" ; comment\r\n\t@ = dword:1;c\r\n;\r\n");
     ASSERT_THAT(entries, SizeIs(2));
     EXPECT_EQ(entries[0].value, makeTextValue(L"a", L"b"));
     EXPECT_EQ(entries[1].value, makeNumberValue(L"", 1));
 }
 
-TEST(RegistryTextFile, DeletionsOfValuesAndKeysAreTaken) {
+TEST(RegistryTextFile, DeletionsOfValuesAndKeysAreParsed) {
     const auto text =
         parse(header + "[-HKEY_CURRENT_USER\\Old]\r\n\r\n[HKEY_CURRENT_USER\\K]\r\n\"gone\"=-\r\n@=-\r\n");
     EXPECT_THAT(text.refusals, IsEmpty());
@@ -152,7 +152,7 @@ TEST(RegistryTextFile, DeletionsOfValuesAndKeysAreTaken) {
     EXPECT_EQ(text.sections[1].entries[1].value.name, L"");
 }
 
-TEST(RegistryTextFile, KeysMayHoldBracketsAndSurplusSeparators) {
+TEST(RegistryTextFile, KeysMayContainBracketsAndRepeatedSeparators) {
     const auto text =
         parse(header + "[HKCU\\a[1]\\b]] ; c\r\n[hkey_current_user\\\\x\\\\y\\]\r\n[HKEY_CURRENT_USER]\r\n");
     EXPECT_THAT(text.refusals, IsEmpty());
@@ -197,7 +197,7 @@ TEST(RegistryTextFile, AValueOfADeletedKeyIsRejected) {
     EXPECT_THAT(text.sections.at(0).entries, IsEmpty());
 }
 
-TEST(RegistryTextFile, OnlyTheTwoVersionsAreRegistryFiles) {
+TEST(RegistryTextFile, AFileWithoutTheHeaderOfEitherVersionIsRejected) {
     for (const std::string bytes : {"", "\n", "Windows Registry Editor Version 6.00\r\n", "REGEDIT\r\n", "<xml/>",
                                     "\r\nREGEDIT4\r\n", "\xFE\xFF\0R", "\xFF\xFE"}) {
         const auto text = parse(bytes);
@@ -207,7 +207,7 @@ TEST(RegistryTextFile, OnlyTheTwoVersionsAreRegistryFiles) {
     }
 }
 
-TEST(RegistryTextFile, EachMalformedLineIsRejectedWithItsNumber) {
+TEST(RegistryTextFile, AMalformedLineIsRejectedWithItsNumber) {
     using Fault = std::pair<std::size_t, std::string>;
     EXPECT_EQ(refusalOf("rubbish\r\n"), Fault(4, "neither a key nor a value nor a comment"));
     EXPECT_EQ(refusalOf("\"a\r\n"), Fault(4, "the name has no closing quote"));
@@ -234,7 +234,7 @@ TEST(RegistryTextFile, EachMalformedLineIsRejectedWithItsNumber) {
     EXPECT_EQ(refusalOf("[HKCU\\K" + std::string(1, '\0') + "]\r\n"), Fault(4, "a zero in the name of a key"));
 }
 
-TEST(RegistryTextFile, ABrokenValueTakesItsContinuationAlong) {
+TEST(RegistryTextFile, ContinuationLinesOfAMalformedValueAreSkipped) {
     EXPECT_EQ(refusalOf("\"a\"=hex:00,\\\r\n  zz,\\\r\n  01,\\\r\n  02\r\n\"b\"=\"c\"\r\n").first, 4U);
 }
 
@@ -246,7 +246,7 @@ TEST(RegistryTextFile, AValueBeforeTheFirstKeyIsRejected) {
 
 const std::string broken = header + "[HKCU\\A]\r\n\"a\"=\"1\"\r\n\"b\"=oops\r\n\"c\"=\"3\"\r\n[HKCU\\B]\r\n?\r\n";
 
-TEST(RegistryTextFile, AMalformedLineDoesNotEndTheReading) {
+TEST(RegistryTextFile, LinesAfterAMalformedLineAreParsed) {
     const auto text = parse(broken);
     ASSERT_THAT(text.sections, SizeIs(2));
     EXPECT_THAT(text.sections[0].entries, SizeIs(2));
@@ -271,14 +271,14 @@ TEST(RegistryTextFile, ValuesBelowAMalformedKeyAreRejectedUpToTheNextValidKey) {
     }
 }
 
-TEST(RegistryTextFile, ALineThatNamesNoKeyLeavesTheValuesBelowItToTheirKey) {
+TEST(RegistryTextFile, AMalformedLineThatIsNoKeyDoesNotEndItsSection) {
     const auto text = parse(header + "[HKCU\\A]\r\nTheme=[dark]\r\n\"a\"=\"1\"\r\n");
     ASSERT_THAT(text.refusals, SizeIs(1));
     EXPECT_EQ(text.refusals[0].reason, "neither a key nor a value nor a comment");
     EXPECT_THAT(text.sections.at(0).entries, SizeIs(1));
 }
 
-TEST(RegistryTextFile, AValueThatTheClientCannotReadIsRejectedAndTheNextOneIsNot) {
+TEST(RegistryTextFile, AValueTheClientCannotReadIsRejectedAndTheNextOneIsParsed) {
     const auto fits = std::string(2047, 'x');
     const auto text = parse(header + "[HKCU\\K]\r\n\"fits\"=\"" + fits + "\"\r\n\"long\"=\"" + fits + "x\"\r\n\"" +
                             std::string(259, 'n') + "\"=\"1\"\r\n\"" + std::string(260, 'n') + "\"=\"1\"\r\n\"" +
@@ -298,7 +298,7 @@ TEST(RegistryTextFile, ReasonsNeverQuoteTheFile) {
     }
 }
 
-TEST(RegistryTextFile, FormattedSectionsReadBackAsTheyWere) {
+TEST(RegistryTextFile, FormattedSectionsParseToTheSameSections) {
     const auto text = parse(header + "[-HKCU\\Old]\r\n[HKCU\\K]\r\n@=\"d \\\"x\\\" C:\\\\y\"\r\n\"line\"=\"a\r\nb\"\r\n"
                                      "\"n\"=dword:0000000a\r\n\"x\"=-\r\n\"h\"=hex:01,ff\r\n\"e\"=hex(2):25,00\r\n"
                                      "\"none\"=hex(0):\r\n\"odd\"=hex(1):41\r\n\"short\"=hex(4):01\r\n"
@@ -318,7 +318,7 @@ TEST(RegistryTextFile, FormattedSectionsReadBackAsTheyWere) {
     }
 }
 
-TEST(RegistryTextFile, FormattingWritesWhatAnAdministratorWouldWrite) {
+TEST(RegistryTextFile, FormattingWritesTheCustomarySpellingOfEachType) {
     const auto text = parse(header + "[HKCU\\K]\r\n\"n\"=dword:a\r\n\"t\"=\"x\"\r\n\"gone\"=-\r\n");
     EXPECT_EQ(formatRegistryText(text.sections), "Windows Registry Editor Version 5.00\r\n"
                                                  "\r\n"
@@ -328,7 +328,7 @@ TEST(RegistryTextFile, FormattingWritesWhatAnAdministratorWouldWrite) {
                                                  "\"gone\"=-\r\n");
 }
 
-TEST(RegistryTextFile, CuttingLeavesEveryOtherByte) {
+TEST(RegistryTextFile, CuttingASectionKeepsEveryOtherByte) {
     const std::string first = "[HKCU\\A]\n\"a\"=\"\xFF broken utf-8\"\r\n; comment\n";
     const std::string second = "[HKCU\\B]\r\n\"b\"=\"x\r\n[y]\"\r\n\r\n";
     const std::string third = "[HKCU\\C]\n\"c\"=dword:1";
@@ -340,7 +340,7 @@ TEST(RegistryTextFile, CuttingLeavesEveryOtherByte) {
     EXPECT_EQ(cutRegistryText(bytes, text.sections), header);
 }
 
-TEST(RegistryTextFile, CuttingKeepsUtf16AndItsMark) {
+TEST(RegistryTextFile, CuttingASectionKeepsUtf16AndTheByteOrderMark) {
     const std::wstring start = L"Windows Registry Editor Version 5.00\r\n";
     const std::wstring end = L"[HKCU\\B]\r\n\"b\"=\"\u00fc\"\r\n";
     const auto bytes = toUtf16File(start + L"[HKCU\\A]\r\n\"a\"=\"1\"\r\n" + end);
@@ -349,7 +349,7 @@ TEST(RegistryTextFile, CuttingKeepsUtf16AndItsMark) {
     EXPECT_EQ(cutRegistryText(bytes, std::span(text.sections).first(1)), toUtf16File(start + end));
 }
 
-TEST(RegistryTextFile, ReadingTimeGrowsWithTheSizeAlone) {
+TEST(RegistryTextFile, ParsingTimeIsLinearInTheSize) {
     // A parser with backtracking or lookahead would read each of these texts in quadratic time.
     std::string openQuotes = header + "[HKCU\\K]\r\n";
     std::string brackets = header;
@@ -366,7 +366,7 @@ TEST(RegistryTextFile, ReadingTimeGrowsWithTheSizeAlone) {
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(60));
 }
 
-TEST(RegistryTextFile, AHundredThousandValuesAreTaken) {
+TEST(RegistryTextFile, AHundredThousandValuesAreParsed) {
     std::string lines = header + "[HKCU\\K]\r\n";
     for (int i = 0; i < 100000; ++i) {
         lines += "\"Key" + std::to_string(i) + "\"=\"value " + std::to_string(i) + "\"\r\n";

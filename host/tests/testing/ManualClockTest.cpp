@@ -26,7 +26,7 @@ protected:
 
 } // namespace
 
-TEST_F(ManualClockTest, RingsInOrderOfTimeAndThenOfStart) {
+TEST_F(ManualClockTest, FiresAlarmsByTimeAndThenInTheOrderTheyWereSet) {
     ringAfter(20, "late");
     ringAfter(10, "first");
     ringAfter(10, "second");
@@ -34,7 +34,7 @@ TEST_F(ManualClockTest, RingsInOrderOfTimeAndThenOfStart) {
     EXPECT_THAT(rung, ElementsAre("first", "second", "late"));
 }
 
-TEST_F(ManualClockTest, RingsAtTheVerySecondAndOnce) {
+TEST_F(ManualClockTest, FiresAnAlarmOnceAtItsExactSecond) {
     ringAfter(10, "a");
     clock.advance(9);
     EXPECT_THAT(rung, IsEmpty());
@@ -43,7 +43,7 @@ TEST_F(ManualClockTest, RingsAtTheVerySecondAndOnce) {
     EXPECT_THAT(rung, ElementsAre("a"));
 }
 
-TEST_F(ManualClockTest, NothingRingsByItselfAndAtMostZeroRingsAtTheNextAdvance) {
+TEST_F(ManualClockTest, AnAlarmOfZeroSecondsOrLessFiresAtTheNextAdvance) {
     ringAfter(0, "zero");
     ringAfter(-5, "negative");
     EXPECT_THAT(rung, IsEmpty());
@@ -53,7 +53,7 @@ TEST_F(ManualClockTest, NothingRingsByItselfAndAtMostZeroRingsAtTheNextAdvance) 
     EXPECT_EQ(clock.getPendingCount(), 0U);
 }
 
-TEST_F(ManualClockTest, WhatARingSetsCountsFromItsOwnMoment) {
+TEST_F(ManualClockTest, AnAlarmThatAnAlarmSetsIsRelativeToTheTimeOfTheFirst) {
     TimerSource::getInstance()->set(10, [this] { ringAfter(10, "chained"); });
     clock.advance(19);
     EXPECT_THAT(rung, IsEmpty());
@@ -61,7 +61,7 @@ TEST_F(ManualClockTest, WhatARingSetsCountsFromItsOwnMoment) {
     EXPECT_THAT(rung, ElementsAre("chained"));
 }
 
-TEST_F(ManualClockTest, ACancelledAlarmDoesNotRing) {
+TEST_F(ManualClockTest, DoesNotFireACancelledAlarm) {
     const auto alarm = TimerSource::getInstance()->set(10, [this] { rung.push_back("cancelled"); });
     ringAfter(10, "kept");
     TimerSource::getInstance()->cancel(alarm);
@@ -70,14 +70,14 @@ TEST_F(ManualClockTest, ACancelledAlarmDoesNotRing) {
     EXPECT_THAT(rung, ElementsAre("kept"));
 }
 
-TEST_F(ManualClockTest, TheLongestTimeIsNever) {
+TEST_F(ManualClockTest, AnAlarmAtTheLongestTimeNeverFires) {
     clock.advance(5);
     ringAfter(std::numeric_limits<std::int64_t>::max(), "never");
     clock.advance(1000000);
     EXPECT_THAT(rung, IsEmpty());
 }
 
-TEST(ManualClock, GivesThePlaceBackAtItsEnd) {
+TEST(ManualClock, RestoresTheFormerTimerSourceWhenItIsDestroyed) {
     const auto service = TimerSource::getInstance();
     {
         const ManualClock clock;

@@ -70,7 +70,7 @@ TEST(BackgroundTimer, FiresOnceAfterItsTime) {
     EXPECT_EQ(fired, 1);
 }
 
-TEST(BackgroundTimer, AStartReplacesTheFormerOne) {
+TEST(BackgroundTimer, StartReplacesThePendingCallback) {
     ManualClock clock;
     BackgroundTimer timer;
     int first = 0;
@@ -87,7 +87,7 @@ TEST(BackgroundTimer, AStartReplacesTheFormerOne) {
     EXPECT_EQ(second, 1);
 }
 
-TEST(BackgroundTimer, NoCallbackComesAfterAStop) {
+TEST(BackgroundTimer, DoesNotFireAfterAStop) {
     ManualClock clock;
     BackgroundTimer timer;
     int fired = 0;
@@ -99,13 +99,13 @@ TEST(BackgroundTimer, NoCallbackComesAfterAStop) {
     EXPECT_EQ(fired, 0);
 }
 
-TEST(BackgroundTimer, AStopOfAnIdleTimerReturns) {
+TEST(BackgroundTimer, StoppingAnIdleTimerReturns) {
     BackgroundTimer timer;
     timer.stop();
     timer.stop();
 }
 
-TEST(BackgroundTimer, TheEndOfTheTimerStopsIt) {
+TEST(BackgroundTimer, DestroyingTheTimerStopsIt) {
     ManualClock clock;
     int fired = 0;
     const auto counted = callback([&] { ++fired; });
@@ -117,7 +117,7 @@ TEST(BackgroundTimer, TheEndOfTheTimerStopsIt) {
     EXPECT_EQ(fired, 0);
 }
 
-TEST(BackgroundTimer, ACallbackThatIsGoneIsNotCalled) {
+TEST(BackgroundTimer, ADestroyedCallbackIsNotCalled) {
     ManualClock clock;
     BackgroundTimer timer;
     int fired = 0;
@@ -129,7 +129,7 @@ TEST(BackgroundTimer, ACallbackThatIsGoneIsNotCalled) {
     timer.stop();
 }
 
-TEST(BackgroundTimer, ACallbackMayStartItsTimerAnew) {
+TEST(BackgroundTimer, ACallbackMayRestartItsTimer) {
     ManualClock clock;
     BackgroundTimer timer;
     int fired = 0;
@@ -161,7 +161,7 @@ TEST(BackgroundTimer, ACallbackThatThrowsIsLoggedAndTheTimerStaysUsable) {
     EXPECT_EQ(fired, 1);
 }
 
-TEST(BackgroundTimer, AtMostZeroSecondsFiresAtOnceOnTheTimersThread) {
+TEST(BackgroundTimer, ZeroOrNegativeSecondsFireImmediatelyOnTheTimersThread) {
     for (const std::int64_t seconds : {std::int64_t{0}, std::int64_t{-1}, std::numeric_limits<std::int64_t>::min()}) {
         BackgroundTimer timer;
         Signal fired;
@@ -199,7 +199,7 @@ TEST(BackgroundTimer, AllTimersShareOneThread) {
     EXPECT_EQ(firstThread, secondThread);
 }
 
-TEST(BackgroundTimer, TheLongestTimeDoesNotFire) {
+TEST(BackgroundTimer, TheLongestTimeNeverFires) {
     BackgroundTimer endless;
     BackgroundTimer prompt;
     int fired = 0;
@@ -236,7 +236,7 @@ TEST(BackgroundTimer, AStopWaitsForTheRunningCallback) {
     EXPECT_TRUE(finished);
 }
 
-TEST(BackgroundTimer, FiresInItsTimeWhenTheClockIsSetBack) {
+TEST(BackgroundTimer, FiresOnTimeWhenTheClockIsSetBack) {
     JumpingClock clock;
     BackgroundTimer timer;
     Signal fired;
@@ -261,7 +261,7 @@ TEST(BackgroundTimer, DoesNotFireEarlyWhenTheClockIsSetForward) {
     EXPECT_FALSE(firedLate.isSet());
 }
 
-TEST(BackgroundTimer, AStopFromItsOwnCallbackReturns) {
+TEST(BackgroundTimer, ACallbackMayStopItsTimer) {
     BackgroundTimer timer;
     Signal done;
     const auto stopping = callback([&] {
@@ -272,7 +272,7 @@ TEST(BackgroundTimer, AStopFromItsOwnCallbackReturns) {
     EXPECT_TRUE(done.wait());
 }
 
-TEST(BackgroundTimer, TheLastReferenceToItsOwnerMayDieOnTheTimersThread) {
+TEST(BackgroundTimer, TheOwnerMayBeDestroyedOnTheTimersThread) {
     Signal entered;
     Signal released;
     Signal died;

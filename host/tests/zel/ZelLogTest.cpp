@@ -52,12 +52,12 @@ std::filesystem::perms modeOf(const std::filesystem::path& path) {
 
 constexpr auto ownersAlone = std::filesystem::perms::owner_read | std::filesystem::perms::owner_write;
 
-TEST_F(ZelLogTest, GivesOneLoggerForAName) {
+TEST_F(ZelLogTest, ReturnsTheSameLoggerForAName) {
     EXPECT_EQ(&ZelLogger_getLogger("Test"), &logger);
     EXPECT_NE(&ZelLogger_getLogger("Other"), &logger);
 }
 
-TEST_F(ZelLogTest, HandsEveryPartOfALineToTheSink) {
+TEST_F(ZelLogTest, PassesEveryPartOfALineToTheSink) {
     const LogRecorder recorder;
     write(ZelLogLevel::Error, "failed");
     const auto records = recorder.getRecords();
@@ -70,7 +70,7 @@ TEST_F(ZelLogTest, HandsEveryPartOfALineToTheSink) {
     EXPECT_EQ(records[0].text, "failed");
 }
 
-TEST_F(ZelLogTest, NeverTakesTextForAFormat) {
+TEST_F(ZelLogTest, DoesNotInterpretTextAsAFormat) {
     const TemporaryProfile profile;
     const LogRecorder recorder;
     const auto path = profile.state() / "format.log";
@@ -87,7 +87,7 @@ TEST_F(ZelLogTest, WritesWideTextAsUtf8) {
                                                        "e \xE2\x82\xAC"));
 }
 
-TEST_F(ZelLogTest, DropsDebugLinesUntilTheyAreAskedFor) {
+TEST_F(ZelLogTest, DropsDebugLinesUntilTheyAreEnabled) {
     const LogRecorder recorder;
     EXPECT_FALSE(ZelLog_isDebugEnabled(logger));
     write(ZelLogLevel::Debug, "unseen");
@@ -117,7 +117,7 @@ TEST_F(ZelLogTest, SendsNothingToARemovedSink) {
     EXPECT_EQ(sink.use_count(), 1);
 }
 
-TEST_F(ZelLogTest, LetsASinkChangeTheSinksWhileItWrites) {
+TEST_F(ZelLogTest, ASinkMayAddAndRemoveSinksWhileItWrites) {
     const LogRecorder recorder;
     std::shared_ptr<FunctionSink> sink;
     sink = std::make_shared<FunctionSink>([&](const LogRecord&) { zel::logging::removeSink(sink); });
@@ -127,7 +127,7 @@ TEST_F(ZelLogTest, LetsASinkChangeTheSinksWhileItWrites) {
     EXPECT_EQ(recorder.getRecords().size(), 2U);
 }
 
-TEST_F(ZelLogTest, ASinkThatThrowsHarmsNeitherTheCallerNorTheOthers) {
+TEST_F(ZelLogTest, ASinkThatThrowsDoesNotAffectTheCallerAndOtherSinks) {
     const auto sink = std::make_shared<FunctionSink>([](const LogRecord&) { throw std::runtime_error("full"); });
     zel::logging::addSink(sink);
     const LogRecorder recorder;
@@ -136,7 +136,7 @@ TEST_F(ZelLogTest, ASinkThatThrowsHarmsNeitherTheCallerNorTheOthers) {
     zel::logging::removeSink(sink);
 }
 
-TEST_F(ZelLogTest, WritesAFileForItsOwnerAlone) {
+TEST_F(ZelLogTest, CreatesALogFileWithMode0600) {
     const TemporaryProfile profile;
     const auto path = profile.state() / "deep" / "lumora.log";
     ASSERT_TRUE(zel::logging::logToFile(path.string()));
@@ -145,7 +145,7 @@ TEST_F(ZelLogTest, WritesAFileForItsOwnerAlone) {
     EXPECT_THAT(readFile(path), MatchesRegex("....-..-.. ..:..:......? ?.* warning \\[Test\\] ns::A::f beware\n"));
 }
 
-TEST_F(ZelLogTest, TakesAnExistingLogFromTheEyesOfOthers) {
+TEST_F(ZelLogTest, RestrictsAnExistingLogFileToItsOwner) {
     const TemporaryProfile profile;
     const auto path = profile.state() / "old.log";
     testing_host::writeFile(path, "before\n");
@@ -156,7 +156,7 @@ TEST_F(ZelLogTest, TakesAnExistingLogFromTheEyesOfOthers) {
     EXPECT_TRUE(readFile(path).starts_with("before\n"));
 }
 
-TEST_F(ZelLogTest, RotatesItsFileAndKeepsThreeOldOnes) {
+TEST_F(ZelLogTest, RotatesTheFileAndKeepsThreeOldOnes) {
     const TemporaryProfile profile;
     const auto path = profile.state() / "lumora.log";
     ASSERT_TRUE(zel::logging::logToFile(path.string()));
@@ -181,7 +181,7 @@ TEST_F(ZelLogTest, OpensTheSameFileOnce) {
     EXPECT_EQ(std::count(content.begin(), content.end(), '\n'), 1);
 }
 
-TEST_F(ZelLogTest, ClosesItsFilesOnDemand) {
+TEST_F(ZelLogTest, ClosesItsFilesOnRequest) {
     const TemporaryProfile profile;
     const auto path = profile.state() / "lumora.log";
     ASSERT_TRUE(zel::logging::logToFile(path.string()));
@@ -203,7 +203,7 @@ TEST_F(ZelLogTest, RefusesAFileThatCantBeOpened) {
     EXPECT_FALSE(zel::logging::logToFile((profile.state() / "link.log").string()));
 }
 
-TEST_F(ZelLogTest, SendsWarningsAndWorseToStandardError) {
+TEST_F(ZelLogTest, WritesWarningsAndErrorsToStandardError) {
     testing::internal::CaptureStderr();
     zel::logging::logToStandardError(false);
     write(ZelLogLevel::Info, "quiet");
@@ -220,7 +220,7 @@ TEST_F(ZelLogTest, SendsWarningsAndWorseToStandardError) {
     EXPECT_THAT(verbose, HasSubstr("once"));
 }
 
-TEST_F(ZelLogTest, AFunctionGetsEachLineAsAFileHasIt) {
+TEST_F(ZelLogTest, AFunctionReceivesEachLineInTheFormatOfAFile) {
     const TemporaryProfile profile;
     const auto path = profile.state() / "lines.log";
     ASSERT_TRUE(zel::logging::logToFile(path.string()));
@@ -236,7 +236,7 @@ TEST_F(ZelLogTest, AFunctionGetsEachLineAsAFileHasIt) {
     EXPECT_EQ(withoutTimes(readFile(path)), withoutTimes(lines));
 }
 
-TEST_F(ZelLogTest, TakesLinesAndSinksFromManyThreads) {
+TEST_F(ZelLogTest, AcceptsLinesAndSinksFromSeveralThreads) {
     const LogRecorder recorder;
     constexpr int threadCount = 4;
     constexpr int lineCount = 200;

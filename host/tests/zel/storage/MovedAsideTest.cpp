@@ -87,7 +87,7 @@ TEST_F(MovedAsideTest, DamagedEmptyAndWronglyKeyedFilesAreMovedAsideAndReported)
     EXPECT_TRUE(fs::exists(config / "Cache/cachedUrlProvisioningConfigStore.dat"));
 }
 
-TEST_F(MovedAsideTest, FilesOfOtherProgramsAreNeitherMovedNorExamined) {
+TEST_F(MovedAsideTest, FilesOfOtherProgramsAreNotMovedOrReported) {
     fs::create_directories(config / "Cache");
     fs::create_directories(config / "other");
     for (const char* name : {"SSOAuthInfoStore.dat", "Cache/other.dat", "other/cachedStore.dat",
@@ -108,7 +108,7 @@ TEST_F(MovedAsideTest, ACopyOfAStoreWithSeparatorsInItsNameIsChecked) {
     EXPECT_EQ(check(configDirectory + "/").size(), 1U);
 }
 
-TEST_F(MovedAsideTest, AGoodFileKeepsItsPlaceIfAFolderBearsTheNameOfTheProvisionedStore) {
+TEST_F(MovedAsideTest, AGoodFileIsNotMovedIfAFolderHasTheNameOfTheProvisioningCopy) {
     const fs::path folder = config / "Cache/cachedUrlProvisioningConfigStore";
     fs::create_directories(folder);
     write("Cache/cachedUrlProvisioningConfigStore/B.dat", "text", DeviceData);
@@ -131,7 +131,7 @@ TEST_F(MovedAsideTest, AnEmptyFileIsMovedAside) {
     EXPECT_EQ(moved[0].reason, ReadResult::Empty);
 }
 
-TEST_F(MovedAsideTest, AFileThatCantBeOpenedStays) {
+TEST_F(MovedAsideTest, AFileThatCannotBeOpenedIsNotMoved) {
     write("lumoraLocalConfig_backup.dat");
     writeFile(config / "lumoraLocalConfig.dat", "rubbish");
     for (const Operation step : {Operation::OpenForReading, Operation::Read}) {
@@ -144,7 +144,7 @@ TEST_F(MovedAsideTest, AFileThatCantBeOpenedStays) {
     EXPECT_THAT(namesIn(config), ElementsAre("lumoraLocalConfig.dat", "lumoraLocalConfig_backup.dat"));
 }
 
-TEST_F(MovedAsideTest, AFileWhoseKeyCantBeOpenedStays) {
+TEST_F(MovedAsideTest, AFileWhoseKeyCannotBeReadIsNotMoved) {
     write("lumoraLocalConfig_backup.dat");
     fs::rename(storage.keys() / "cat2.key", storage.keys() / "gone");
     EXPECT_THAT(check(configDirectory), IsEmpty()) << "no key";
@@ -157,7 +157,7 @@ TEST_F(MovedAsideTest, AFileWhoseKeyCantBeOpenedStays) {
     EXPECT_THAT(namesIn(config), ElementsAre("lumoraLocalConfig_backup.dat"));
 }
 
-TEST_F(MovedAsideTest, AFileThatCantBeMovedIsReportedAsAnErrorAndStays) {
+TEST_F(MovedAsideTest, AFailureToMoveAFileIsLoggedAsAnError) {
     writeFile(config / "lumoraLocalConfig.dat", "rubbish");
     storage.layer->failAt(Operation::Rename, 1, EROFS);
     const LogRecorder log;
@@ -168,7 +168,7 @@ TEST_F(MovedAsideTest, AFileThatCantBeMovedIsReportedAsAnErrorAndStays) {
     EXPECT_EQ(readFile(config / "lumoraLocalConfig.dat"), "rubbish");
 }
 
-TEST_F(MovedAsideTest, ATakenNameIsNeverReplaced) {
+TEST_F(MovedAsideTest, AnExistingNameIsNotReplaced) {
     writeFile(config / "lumoraLocalConfig.dat.unreadable", "older");
     fs::create_directory(config / "lumoraLocalConfig.dat.unreadable.2");
     writeFile(config / "lumoraLocalConfig.dat", "rubbish");
@@ -179,7 +179,7 @@ TEST_F(MovedAsideTest, ATakenNameIsNeverReplaced) {
     EXPECT_EQ(readFile(config / "lumoraLocalConfig.dat.unreadable.3"), "rubbish");
 }
 
-TEST_F(MovedAsideTest, AFileStaysIfTheHighestNumberIsTaken) {
+TEST_F(MovedAsideTest, AFileIsNotMovedIfTheHighestNumberIsInUse) {
     writeFile(config / "lumoraLocalConfig.dat.unreadable.1000000", "older");
     writeFile(config / "lumoraLocalConfig.dat.unreadable.1000001", "not a kept file");
     writeFile(config / "lumoraLocalConfig.dat", "rubbish");
@@ -188,7 +188,7 @@ TEST_F(MovedAsideTest, AFileStaysIfTheHighestNumberIsTaken) {
     EXPECT_EQ(readFile(config / "lumoraLocalConfig.dat.unreadable.1000001"), "not a kept file");
 }
 
-TEST_F(MovedAsideTest, TheNewestFiveAreKeptAndDirectoriesAreLeftAlone) {
+TEST_F(MovedAsideTest, TheNewestFiveFilesAreKeptAndDirectoriesAreIgnored) {
     fs::create_directory(config / "lumoraLocalConfig.dat.unreadable.3");
     for (int i = 1; i <= 12; ++i) {
         writeFile(config / "lumoraLocalConfig.dat", "rubbish " + std::to_string(i));
@@ -206,7 +206,7 @@ TEST_F(MovedAsideTest, TheNewestFiveAreKeptAndDirectoriesAreLeftAlone) {
     EXPECT_EQ(readFile(config / "lumoraLocalConfig.dat.unreadable.16"), "rubbish 12");
 }
 
-TEST_F(MovedAsideTest, NamesOfKeptFilesAreTakenApartExactly) {
+TEST_F(MovedAsideTest, ParsesOnlyExactNamesOfKeptFiles) {
     EXPECT_EQ(Quarantine::parse("/c/a.dat.unreadable").original, "/c/a.dat");
     EXPECT_EQ(Quarantine::parse("/c/a.dat.unreadable").number, 1U);
     EXPECT_EQ(Quarantine::parse("/c/a.dat.unreadable.27").original, "/c/a.dat");
@@ -218,7 +218,7 @@ TEST_F(MovedAsideTest, NamesOfKeptFilesAreTakenApartExactly) {
     }
 }
 
-TEST_F(MovedAsideTest, ListsWhatAnyProcessMovedAsideWithItsPresentState) {
+TEST_F(MovedAsideTest, ListsFilesThatAnyProcessMovedAsideWithTheirState) {
     write("a.dat", "first");
     fs::rename(config / "a.dat", config / "a.dat.unreadable.2");
     writeFile(config / "a.dat.unreadable.10", "rubbish");
@@ -232,7 +232,7 @@ TEST_F(MovedAsideTest, ListsWhatAnyProcessMovedAsideWithItsPresentState) {
     EXPECT_EQ(listed[1].state, ReadResult::Damaged);
 }
 
-TEST_F(MovedAsideTest, RestoringPutsTheFileBackAndKeepsThePresentOne) {
+TEST_F(MovedAsideTest, RestoringReplacesThePresentFileAndMovesItAside) {
     for (int number = 2; number <= 6; ++number) {
         write("a.dat", "kept " + std::to_string(number));
         fs::rename(config / "a.dat", storage.configFile("a.dat.unreadable." + std::to_string(number)));
@@ -247,7 +247,7 @@ TEST_F(MovedAsideTest, RestoringPutsTheFileBackAndKeepsThePresentOne) {
     EXPECT_EQ(namesIn(config).size(), 6U) << "the oldest is restored, not removed";
 }
 
-TEST_F(MovedAsideTest, RestoringDropsContentThatWaits) {
+TEST_F(MovedAsideTest, RestoringDropsPendingContent) {
     write("a.dat", "kept");
     fs::rename(config / "a.dat", config / "a.dat.unreadable");
     storage.layer->setFreeSpace(0);
@@ -260,7 +260,7 @@ TEST_F(MovedAsideTest, RestoringDropsContentThatWaits) {
     EXPECT_EQ(content.text, "kept");
 }
 
-TEST_F(MovedAsideTest, AFailedRestoringLeavesThePresentFileInItsPlaceWithoutLinksToo) {
+TEST_F(MovedAsideTest, WithoutHardLinksAFailedRestoringKeepsThePresentFile) {
     write("a.dat", "kept");
     fs::rename(config / "a.dat", config / "a.dat.unreadable");
     write("a.dat", "present");
@@ -274,7 +274,7 @@ TEST_F(MovedAsideTest, AFailedRestoringLeavesThePresentFileInItsPlaceWithoutLink
     EXPECT_EQ(content.text, "kept");
 }
 
-TEST_F(MovedAsideTest, WhatCantBeReadIsNotRestored) {
+TEST_F(MovedAsideTest, AFileThatCannotBeReadIsNotRestored) {
     writeFile(config / "a.dat.unreadable", "rubbish");
     write("a.dat", "present");
     storage.layer->setFreeSpace(0);
@@ -289,7 +289,7 @@ TEST_F(MovedAsideTest, WhatCantBeReadIsNotRestored) {
     EXPECT_THAT(namesIn(config), ElementsAre("a.dat", "a.dat.unreadable"));
 }
 
-TEST_F(MovedAsideTest, HealthTellsTheStateOfEachFileOnTheDisk) {
+TEST_F(MovedAsideTest, HealthReportsTheStateOfEachFile) {
     writeAllStates();
     storage.layer->setFreeSpace(0);
     EXPECT_FALSE(EncryptFileUtils::writeDataToFile(storage.configFile("absent.dat"), PlainText("x"), UserData));
@@ -312,7 +312,7 @@ TEST_F(MovedAsideTest, HealthTellsTheStateOfEachFileOnTheDisk) {
     EXPECT_TRUE(fs::exists(config / "lumoraLocalConfig.dat")) << "the query changes nothing";
 }
 
-TEST_F(MovedAsideTest, AReplacedUnreadableFileIsReportedToo) {
+TEST_F(MovedAsideTest, AnUnreadableFileThatIsReplacedIsReported) {
     writeFile(config / "a.dat", "rubbish");
     write("a.dat");
     const auto moved = EncryptFileUtils::health(configDirectory).movedAside;
