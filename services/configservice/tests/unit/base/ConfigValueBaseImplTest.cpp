@@ -72,7 +72,7 @@ struct ConfigValueBaseImplTest : testing::Test {
     std::shared_ptr<PlainRecord> record = std::make_shared<PlainRecord>(factory, L"ServicesDomain");
 };
 
-TEST_F(ConfigValueBaseImplTest, StartsUndefinedWithItsKeyAlone) {
+TEST_F(ConfigValueBaseImplTest, IsUndefinedAndHasOnlyItsKeyAtFirst) {
     EXPECT_EQ(record->getKey(), L"ServicesDomain");
     EXPECT_EQ(record->getValue(), L"");
     EXPECT_EQ(record->getOriginalValue(), L"");
@@ -109,7 +109,7 @@ TEST_F(ConfigValueBaseImplTest, DefinedAndOverriddenDoNotFollowFromEachOther) {
     EXPECT_TRUE(record->getisDefined());
 }
 
-TEST_F(ConfigValueBaseImplTest, EachFiringCallsItsOwnOperation) {
+TEST_F(ConfigValueBaseImplTest, EachFiringCallsTheOperationOfItsProperty) {
     const auto observer = observe();
     record->fireKey();
     record->fireValue();
@@ -122,7 +122,7 @@ TEST_F(ConfigValueBaseImplTest, EachFiringCallsItsOwnOperation) {
                                              "ValueStoreName", "OriginalValueStoreName"));
 }
 
-TEST_F(ConfigValueBaseImplTest, TheNotifierSetIsMadeOnceAndHearsEachFiringOnce) {
+TEST_F(ConfigValueBaseImplTest, TheNotifierSetIsCreatedOnceAndFiresOnceForEachFiring) {
     const auto notifiers = record->getConfigValueNotifiers();
     ASSERT_TRUE(notifiers);
     EXPECT_EQ(record->getConfigValueNotifiers(), notifiers);
@@ -133,7 +133,7 @@ TEST_F(ConfigValueBaseImplTest, TheNotifierSetIsMadeOnceAndHearsEachFiringOnce) 
     EXPECT_EQ(fired, 1);
 }
 
-TEST_F(ConfigValueBaseImplTest, TheNotifierSetIsRegisteredOnceThroughTheRecordsOwnAddObserver) {
+TEST_F(ConfigValueBaseImplTest, TheNotifierSetIsRegisteredOnceWithTheRecordsAddObserver) {
     RegisteringRecord registering(factory, L"k");
     const auto notifiers = registering.getConfigValueNotifiers();
     EXPECT_EQ(registering.getConfigValueNotifiers(), notifiers);
@@ -141,7 +141,7 @@ TEST_F(ConfigValueBaseImplTest, TheNotifierSetIsRegisteredOnceThroughTheRecordsO
     EXPECT_EQ(std::dynamic_pointer_cast<ConfigValueNotifiers>(registering.added.front()), notifiers);
 }
 
-TEST_F(ConfigValueBaseImplTest, TheNotifierSetIsKnownWhileItIsRegistered) {
+TEST_F(ConfigValueBaseImplTest, TheNotifierSetIsAvailableDuringItsRegistration) {
     RegisteringRecord registering(factory, L"k");
     std::shared_ptr<ConfigValueNotifiers> seen;
     registering.whenAdding = [&] { seen = registering.getConfigValueNotifiers(); };
@@ -151,7 +151,7 @@ TEST_F(ConfigValueBaseImplTest, TheNotifierSetIsKnownWhileItIsRegistered) {
     EXPECT_EQ(registering.added.size(), 1U);
 }
 
-TEST_F(ConfigValueBaseImplTest, AfterARegistrationThatFailedTheNextRequestMakesTheSet) {
+TEST_F(ConfigValueBaseImplTest, AfterAFailedRegistrationTheNextRequestCreatesTheNotifierSet) {
     RegisteringRecord registering(factory, L"k");
     registering.whenAdding = [] { throw std::runtime_error("refused"); };
     EXPECT_THROW(registering.getConfigValueNotifiers(), std::runtime_error);
@@ -162,14 +162,14 @@ TEST_F(ConfigValueBaseImplTest, AfterARegistrationThatFailedTheNextRequestMakesT
     EXPECT_EQ(fired, 1);
 }
 
-TEST_F(ConfigValueBaseImplTest, TheNotifierSetDoesNotKeepItsRecord) {
+TEST_F(ConfigValueBaseImplTest, TheNotifierSetHoldsNoReferenceToItsRecord) {
     const auto notifiers = record->getConfigValueNotifiers();
     const std::weak_ptr<PlainRecord> watched = record;
     record.reset();
     EXPECT_TRUE(watched.expired());
 }
 
-TEST_F(ConfigValueBaseImplTest, AnObserverAddedTwiceIsCalledOnceAndOneRemovedNoMore) {
+TEST_F(ConfigValueBaseImplTest, AnObserverAddedTwiceIsCalledOnceAndARemovedOneIsNotCalled) {
     const auto observer = observe();
     record->addObserver(observer);
     record->fireValue();
@@ -179,7 +179,7 @@ TEST_F(ConfigValueBaseImplTest, AnObserverAddedTwiceIsCalledOnceAndOneRemovedNoM
     EXPECT_THAT(observer->heard, ElementsAre("Value"));
 }
 
-TEST_F(ConfigValueBaseImplTest, AnObserverOfAnotherKindIsLeftOutAndStaysRegistered) {
+TEST_F(ConfigValueBaseImplTest, AnObserverOfAnotherTypeIsSkippedAndStaysRegistered) {
     const auto forgotten = std::make_shared<bool>(false);
     auto other = std::allocate_shared<RecordingServiceObserver>(TellingAllocator<RecordingServiceObserver>(forgotten));
     const auto observer = std::make_shared<RecordingValueObserver>();
@@ -194,7 +194,7 @@ TEST_F(ConfigValueBaseImplTest, AnObserverOfAnotherKindIsLeftOutAndStaysRegister
     EXPECT_FALSE(*forgotten);
 }
 
-TEST_F(ConfigValueBaseImplTest, AFiringForgetsTheObserversThatHaveDied) {
+TEST_F(ConfigValueBaseImplTest, AFiringReleasesDestroyedObservers) {
     const auto forgotten = std::make_shared<bool>(false);
     auto dead = std::allocate_shared<RecordingValueObserver>(TellingAllocator<RecordingValueObserver>(forgotten));
     record->addObserver(dead);
@@ -204,7 +204,7 @@ TEST_F(ConfigValueBaseImplTest, AFiringForgetsTheObserversThatHaveDied) {
     EXPECT_TRUE(*forgotten);
 }
 
-TEST_F(ConfigValueBaseImplTest, DeadObserversLeaveTheListAndTheLastTakesTheirPlace) {
+TEST_F(ConfigValueBaseImplTest, AFiringReplacesADestroyedObserverByTheLastOne) {
     std::vector<std::string> order;
     auto dead = observe();
     std::vector<std::shared_ptr<RecordingValueObserver>> alive;
@@ -237,7 +237,7 @@ TEST_F(ConfigValueBaseImplTest, ACallbackMayAddAndRemoveObserversOnTheSameRecord
     EXPECT_THAT(added->heard, ElementsAre("Value"));
 }
 
-TEST_F(ConfigValueBaseImplTest, AnObserverThatLosesItsOwnerDuringThePassIsStillCalled) {
+TEST_F(ConfigValueBaseImplTest, AnObserverReleasedDuringAFiringIsStillCalled) {
     const auto first = observe();
     auto second = observe();
     const std::weak_ptr<RecordingValueObserver> watched = second;
@@ -249,7 +249,7 @@ TEST_F(ConfigValueBaseImplTest, AnObserverThatLosesItsOwnerDuringThePassIsStillC
     EXPECT_TRUE(watched.expired());
 }
 
-TEST_F(ConfigValueBaseImplTest, AnExceptionOfAnObserverEndsTheWalk) {
+TEST_F(ConfigValueBaseImplTest, AnExceptionOfAnObserverStopsTheFiringAndPropagates) {
     const auto first = observe();
     const auto second = observe();
     first->reaction = [](const std::string&) { throw std::runtime_error("refused"); };
@@ -285,7 +285,7 @@ std::vector<Operation> guardedOperations() {
     };
 }
 
-TEST_F(ConfigValueBaseImplTest, AnotherThreadIsRefusedWithAClearErrorAndChangesNothing) {
+TEST_F(ConfigValueBaseImplTest, CallsOnAnotherThreadThrowLogAnErrorAndChangeNothing) {
     const auto observer = observe();
     record->setValue(L"a value never logged");
     testing_host::LogRecorder log;
@@ -305,7 +305,7 @@ TEST_F(ConfigValueBaseImplTest, AnotherThreadIsRefusedWithAClearErrorAndChangesN
     EXPECT_THAT(observer->heard, IsEmpty());
 }
 
-TEST_F(ConfigValueBaseImplTest, ObserversNotifiersGuidAndNameAnswerOnEveryThread) {
+TEST_F(ConfigValueBaseImplTest, ObserversNotifiersGuidAndNameAreAccessibleOnEveryThread) {
     factory->servicesDispatcher->disown();
     const auto observer = observe();
     EXPECT_TRUE(record->getConfigValueNotifiers());

@@ -40,7 +40,7 @@ struct ConfigValueNotifiersImplTest : testing::Test {
     Follower follower;
 };
 
-TEST_F(ConfigValueNotifiersImplTest, MakesEachNotifierOnceAndApart) {
+TEST_F(ConfigValueNotifiersImplTest, CreatesEachNotifierOnce) {
     const std::vector<std::shared_ptr<PropertyNotifier>> notifiers{set->getKeyNotifier(),
                                                                    set->getValueNotifier(),
                                                                    set->getOriginalValueNotifier(),
@@ -58,7 +58,7 @@ TEST_F(ConfigValueNotifiersImplTest, MakesEachNotifierOnceAndApart) {
     EXPECT_EQ(set->getValueNotifier(), notifiers[1]);
 }
 
-TEST_F(ConfigValueNotifiersImplTest, PassesEachAnnouncementToItsOwnNotifier) {
+TEST_F(ConfigValueNotifiersImplTest, FiresTheNotifierOfEachChangedProperty) {
     followAll();
     set->OnKeyChanged();
     EXPECT_EQ(follower.take(), Names{"Key"});
@@ -78,21 +78,21 @@ TEST_F(ConfigValueNotifiersImplTest, PassesEachAnnouncementToItsOwnNotifier) {
     EXPECT_EQ(follower.take(), Names{"Guid"});
 }
 
-TEST_F(ConfigValueNotifiersImplTest, AnnouncesAllPropertiesInOrderWithoutTheGuid) {
+TEST_F(ConfigValueNotifiersImplTest, OnInfoChangedFiresAllNotifiersInOrderExceptTheGuids) {
     followAll();
     set->OnInfoChanged();
     EXPECT_EQ(follower.fired, (Names{"Key", "Value", "OriginalValue", "isOverridden", "isDefined", "ValueStoreName",
                                      "OriginalValueStoreName"}));
 }
 
-TEST_F(ConfigValueNotifiersImplTest, AnnouncesWhatNobodyFollowsWithoutMakingANotifier) {
+TEST_F(ConfigValueNotifiersImplTest, AChangeOfAPropertyWithoutANotifierIsIgnored) {
     follower.follow(set->getisDefinedNotifier(), "isDefined");
     set->OnValueChanged();
     set->OnInfoChanged();
     EXPECT_EQ(follower.fired, Names{"isDefined"});
 }
 
-TEST_F(ConfigValueNotifiersImplTest, ACallbackMayDestroyTheSet) {
+TEST_F(ConfigValueNotifiersImplTest, ACallbackMayDestroyTheNotifierSet) {
     set->getValueNotifier()->connect([this] { set.reset(); });
     follower.follow(set->getValueNotifier(), "Value");
     set->OnValueChanged();
@@ -100,7 +100,7 @@ TEST_F(ConfigValueNotifiersImplTest, ACallbackMayDestroyTheSet) {
     EXPECT_EQ(follower.fired, Names{"Value"});
 }
 
-TEST(ConfigServiceNotifiersImpl, FiresItsOwnPropertyOnInfoAndEachOnItsAnnouncement) {
+TEST(ConfigServiceNotifiersImpl, FiresTheNotifierOfEachChangeAndConfigReadyOnInfoChanged) {
     Follower follower;
     ConfigServiceNotifiersImpl set;
     set.OnConfigReadyChanged();
@@ -119,7 +119,7 @@ TEST(ConfigServiceNotifiersImpl, FiresItsOwnPropertyOnInfoAndEachOnItsAnnounceme
     EXPECT_EQ(follower.take(), Names{"ConfigReady"});
 }
 
-TEST(UnifiedServiceNotifiersImpl, FiresItsOwnPropertyOnInfoAndTheGuidOnItsAnnouncement) {
+TEST(UnifiedServiceNotifiersImpl, FiresTheNotifierOfEachChangeAndBulkUpdateOnInfoChanged) {
     Follower follower;
     UnifiedServiceNotifiersImpl set;
     follower.follow(set.getBulkUpdateInProgressNotifier(), "BulkUpdateInProgress");
@@ -132,7 +132,7 @@ TEST(UnifiedServiceNotifiersImpl, FiresItsOwnPropertyOnInfoAndTheGuidOnItsAnnoun
     EXPECT_EQ(follower.take(), Names{"Guid"});
 }
 
-TEST(UnifiedBusinessObjectNotifiersImpl, FiresTheGuidOnItsAnnouncementAndOnInfo) {
+TEST(UnifiedBusinessObjectNotifiersImpl, FiresTheGuidsNotifierOnGuidAndInfoChanged) {
     Follower follower;
     UnifiedBusinessObjectNotifiersImpl set;
     set.OnInfoChanged();

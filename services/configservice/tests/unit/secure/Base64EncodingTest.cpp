@@ -31,12 +31,12 @@ TEST(Base64Encoding, EncodesTheKnownExamples) {
     EXPECT_EQ(encode("\xfb\xff\xbf"), "+/+/");
 }
 
-TEST(Base64Encoding, NothingGivesTheEmptyText) {
+TEST(Base64Encoding, NoBytesEncodeToTheEmptyText) {
     EXPECT_EQ(encode(""), "");
     EXPECT_EQ(Base64Encoding::instance().encode(nullptr, 5, Encoding::LineBreaks::None), "");
 }
 
-TEST(Base64Encoding, EachFullLineOf72CharactersEndsWithABreakTheLastOneToo) {
+TEST(Base64Encoding, EachFullLineOf72CharactersEndsWithALineBreakIncludingTheLast) {
     const auto broken = [](std::size_t bytes) {
         return encode(std::string(bytes, '\0'), Encoding::LineBreaks::After72);
     };
@@ -56,7 +56,7 @@ TEST(Base64Encoding, PaddingIsCountedWithoutTheLineBreaks) {
     EXPECT_EQ(broken(53), std::string(71, 'A').append("=")) << "a line that only the padding fills has no break";
 }
 
-TEST(Base64Encoding, TheDecodingTableIsTheAlphabetsInverse) {
+TEST(Base64Encoding, TheDecodingTableIsTheInverseOfTheAlphabet) {
     const Base64Encoding& encoding = Base64Encoding::instance();
     EXPECT_EQ(encoding.getAlphabet(), "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/");
     const auto& table = encoding.getDecodingTable();
@@ -67,7 +67,7 @@ TEST(Base64Encoding, TheDecodingTableIsTheAlphabetsInverse) {
     }
 }
 
-TEST(Base64Encoding, TellsItsPaddingAndThatItIsNotForUrls) {
+TEST(Base64Encoding, ReturnsItsPaddingAndIsNotForUrls) {
     const Encoding& encoding = Base64Encoding::instance();
     EXPECT_EQ(encoding.getEncodingPadding(), "=");
     EXPECT_EQ(encoding.getDecodingPadding(), "=");

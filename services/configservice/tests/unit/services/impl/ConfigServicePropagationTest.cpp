@@ -31,7 +31,7 @@ TEST_F(ConfigServicePropagation, AChangeUpdatesTheRecordAndFiresEachPropertyOnce
     EXPECT_EQ(record->getOriginalValueStoreName(), L"ovs");
 }
 
-TEST_F(ConfigServicePropagation, OverriddenComesBeforeDefined) {
+TEST_F(ConfigServicePropagation, TheOverriddenArgumentPrecedesTheDefinedOne) {
     service->OnConfigChanged(L"a", L"", L"", true, false, L"", L"", false);
     EXPECT_TRUE(service->getConfig(L"a")->getisOverridden());
     EXPECT_FALSE(service->getConfig(L"a")->getisDefined());
@@ -61,7 +61,7 @@ TEST_F(ConfigServicePropagation, ADeferredChangeWaitsForItsFiringAndFiresOnce) {
     EXPECT_EQ(observer->heard.size(), 3U);
 }
 
-TEST_F(ConfigServicePropagation, ABatchIsUpToDateBeforeAnObserverHearsOfIt) {
+TEST_F(ConfigServicePropagation, ABatchIsUpdatedBeforeAnyObserverIsCalled) {
     std::vector<std::wstring> seen;
     const auto observer = observe(L"a");
     observer->reaction = [&](const std::string& property) {
@@ -104,7 +104,7 @@ TEST_F(ConfigServicePropagation, ADeferredChangeIsFiredByTheKeyOfItsRecordsCreat
     EXPECT_THAT(a->heard, ElementsAre("Value", "isDefined", "ValueStoreName"));
 }
 
-TEST_F(ConfigServicePropagation, AResetForgetsWhatWasDeferred) {
+TEST_F(ConfigServicePropagation, AResetDropsDeferredChanges) {
     const auto before = observe(L"k");
     announce(L"k", L"v", true);
     service->reset();
@@ -115,7 +115,7 @@ TEST_F(ConfigServicePropagation, AResetForgetsWhatWasDeferred) {
     EXPECT_FALSE(service->getConfig(L"k")->getisDefined());
 }
 
-TEST_F(ConfigServicePropagation, ADeferredChangeOfAnOldNameFiresTheRecordThatTheNameHasThen) {
+TEST_F(ConfigServicePropagation, FiringAnOldNameFiresTheRecordThatTheNameCurrentlyHas) {
     const auto old = observe(L"Old");
     service->setupConfigKeyAliases({{L"Old", L"New"}});
     announce(L"Old", L"one", true); // no record of the new name exists yet
@@ -126,7 +126,7 @@ TEST_F(ConfigServicePropagation, ADeferredChangeOfAnOldNameFiresTheRecordThatThe
     EXPECT_THAT(current->heard, ElementsAre("Value", "isDefined", "ValueStoreName"));
 }
 
-TEST_F(ConfigServicePropagation, FiringAnUnknownKeyMakesARecordAndFiresNothing) {
+TEST_F(ConfigServicePropagation, FiringAnUnknownKeyCreatesARecordAndCallsNoObserver) {
     service->FireIfRequired(L"k");
     ASSERT_EQ(service->getAllConfig()->size(), 1U);
     EXPECT_FALSE(service->getAllConfig()->front()->getisDefined());
@@ -154,7 +154,7 @@ TEST_F(ConfigServicePropagation, ANotifierFollowsOneProperty) {
     EXPECT_EQ(values, 1);
 }
 
-TEST_F(ConfigServicePropagation, AStoreNameThatDiffersInCaseAloneCountsAsChanged) {
+TEST_F(ConfigServicePropagation, AStoreNameThatDiffersOnlyInCaseIsAChange) {
     service->OnConfigChanged(L"k", L"v", L"ov", true, true, L"Store", L"Origin", false);
     const auto observer = observe(L"k");
     service->OnConfigChanged(L"k", L"v", L"ov", true, true, L"STORE", L"Origin", false);
@@ -166,7 +166,7 @@ TEST_F(ConfigServicePropagation, AStoreNameThatDiffersInCaseAloneCountsAsChanged
     EXPECT_EQ(service->getConfig(L"k")->getOriginalValueStoreName(), L"origin");
 }
 
-TEST_F(ConfigServicePropagation, ManyDifferentStoreNamesAreAllToldRight) {
+TEST_F(ConfigServicePropagation, EachOfManyStoreNamesIsReportedCorrectly) {
     const auto observer = observe(L"k");
     announce(L"k", L"v");
     const auto record = service->getConfig(L"k");
@@ -218,7 +218,7 @@ TEST_F(ConfigServicePropagation, AnObserverMayWriteTheSameKeyAgain) {
     EXPECT_EQ(service->getConfig(L"k")->getValue(), L"second");
 }
 
-TEST_F(ConfigServicePropagation, AnObserverMayResetTheServiceInTheMiddleOfAPass) {
+TEST_F(ConfigServicePropagation, AnObserverMayResetTheServiceDuringAFiring) {
     const auto observer = observe(L"k");
     observer->reaction = [&](const std::string&) { service->reset(); };
     announce(L"k", L"v");
@@ -230,7 +230,7 @@ TEST_F(ConfigServicePropagation, AnObserverMayResetTheServiceInTheMiddleOfAPass)
     EXPECT_EQ(observer->heard.size(), 3U);
 }
 
-TEST_F(ConfigServicePropagation, AnExceptionOfAnObserverPassesAndTheRestFiresLater) {
+TEST_F(ConfigServicePropagation, AnExceptionOfAnObserverPropagatesAndTheRestFiresLater) {
     const auto observer = observe(L"k");
     observer->reaction = [](const std::string& property) {
         if (property == "isDefined") {
@@ -269,7 +269,7 @@ TEST_F(ConfigServicePropagation, InFipsModeAFiringOverwritesADeferredValueThatNa
     EXPECT_EQ(record->ConfigValueBaseImpl::getValue(), L"false");
 }
 
-TEST_F(ConfigServicePropagation, InFipsModeALookupBeforeTheFiringOverwritesTheValueAndTheFiringStillComesOnce) {
+TEST_F(ConfigServicePropagation, InFipsModeALookupBeforeTheFiringOverwritesTheValueAndItFiresOnce) {
     const auto observer = observe(L"k");
     zel::common::FipsUtils::overrideFipsMode(true);
     announce(L"k", L"telephony_p2p_enabled", true);
@@ -307,7 +307,7 @@ TEST_F(ConfigServicePropagation, InFipsModeTheForcedKeyFiresADeferredChangeAndKe
     EXPECT_EQ(record->ConfigValueBaseImpl::getValue(), L"true");
 }
 
-TEST_F(ConfigServicePropagation, ABatchThatWasNeverShownHoldsNothingOfLaterOnes) {
+TEST_F(ConfigServicePropagation, ABatchThatIsNeverFiredHoldsNoReferencesToLaterChanges) {
     announce(L"never shown", L"v", true);
     const std::weak_ptr<ConfigValue> record = service->getConfig(L"k");
     const auto holders = record.use_count();
@@ -318,7 +318,7 @@ TEST_F(ConfigServicePropagation, ABatchThatWasNeverShownHoldsNothingOfLaterOnes)
     EXPECT_LE(record.use_count(), holders + 1);
 }
 
-TEST_F(ConfigServicePropagation, AnObserverMayBeginABatchInTheMiddleOfShowingAnother) {
+TEST_F(ConfigServicePropagation, AnObserverMayStartABatchWhileAnotherIsFired) {
     const auto first = observe(L"a");
     const auto second = observe(L"b");
     const auto third = observe(L"c");
@@ -344,7 +344,7 @@ TEST_F(ConfigServicePropagation, AnObserverMayBeginABatchInTheMiddleOfShowingAno
     EXPECT_EQ(service->getConfig(L"b")->getValue(), L"2");
 }
 
-TEST_F(ConfigServicePropagation, ABatchIsShownUnderTheNewNamesThatArrivedMeanwhile) {
+TEST_F(ConfigServicePropagation, ABatchIsFiredUnderNewNamesThatWereSetMeanwhile) {
     const auto observer = observe(L"new");
     const auto former = observe(L"old");
     announce(L"old", L"1", true);

@@ -22,7 +22,7 @@ struct ConfigValueImplTest : configservice_test::ServiceFixture {
     std::shared_ptr<RecordingValueObserver> observer = std::make_shared<RecordingValueObserver>();
 };
 
-TEST_F(ConfigValueImplTest, ARecordMadeWithValuesIsDefinedAndHasNothingToFire) {
+TEST_F(ConfigValueImplTest, ARecordConstructedWithValuesIsDefinedAndHasNoPendingChange) {
     ConfigValueImpl made(factory, L"k", L"v", L"ov", true, L"vs", L"ovs");
     made.addObserver(observer);
     EXPECT_EQ(made.getKey(), L"k");
@@ -55,7 +55,7 @@ TEST_F(ConfigValueImplTest, EqualValuesFireNothing) {
     EXPECT_THAT(observer->heard, IsEmpty());
 }
 
-TEST_F(ConfigValueImplTest, ValuesThatDifferInCaseOnlyKeepTheirOldForm) {
+TEST_F(ConfigValueImplTest, ValuesThatDifferOnlyInCaseKeepTheirOldSpelling) {
     record->applyValues(L"Value", L"Original", false, true, L"vs", L"ovs");
     record->fireChanged();
     observer->heard.clear();
@@ -65,7 +65,7 @@ TEST_F(ConfigValueImplTest, ValuesThatDifferInCaseOnlyKeepTheirOldForm) {
     EXPECT_EQ(record->getOriginalValue(), L"Original");
 }
 
-TEST_F(ConfigValueImplTest, StoreNamesThatDifferInCaseCount) {
+TEST_F(ConfigValueImplTest, StoreNamesThatDifferInCaseAreAChange) {
     record->applyValuesAndFire(L"v", L"", false, true, L"vs", L"ovs");
     observer->heard.clear();
     record->applyValuesAndFire(L"V", L"", false, true, L"VS", L"ovs");
@@ -88,7 +88,7 @@ TEST_F(ConfigValueImplTest, DeferredChangesAccumulateAndFireOnce) {
     EXPECT_EQ(observer->heard.size(), 4U);
 }
 
-TEST_F(ConfigValueImplTest, APropertyChangedAndChangedBackFiresAllTheSame) {
+TEST_F(ConfigValueImplTest, APropertyThatIsChangedAndChangedBackFires) {
     record->applyValues(L"v", L"", false, false, L"", L"");
     record->applyValues(L"", L"", false, false, L"", L"");
     record->fireChanged();
@@ -109,7 +109,7 @@ TEST_F(ConfigValueImplTest, AfterAnObserverThrewItsPropertyAndTheLaterOnesFireAg
     EXPECT_THAT(observer->heard, ElementsAre("Value", "OriginalValue", "OriginalValue", "isOverridden"));
 }
 
-TEST_F(ConfigValueImplTest, ANestedPassFiresWhatIsLeftAndTheOuterOneFindsItDone) {
+TEST_F(ConfigValueImplTest, ANestedFiringFiresTheRemainingPropertiesOnce) {
     bool nested = false;
     observer->reaction = [&](const std::string&) {
         if (!std::exchange(nested, true)) {
@@ -143,7 +143,7 @@ TEST_F(ConfigValueImplTest, DiffersFromTheOriginalByValueOrStoreExactly) {
     EXPECT_TRUE(record->differsFromOriginal());
 }
 
-TEST_F(ConfigValueImplTest, AWriteGoesToTheFeatureSetAndLeavesTheRecord) {
+TEST_F(ConfigValueImplTest, AWriteCallsTheFeatureSetAndDoesNotChangeTheRecord) {
     const auto featureSet = fileFeatureSet();
     EXPECT_CALL(*featureSet, setConfig(std::wstring(L"Phone_Mode"), std::wstring(L"softphone")))
         .WillOnce(Return(false));
@@ -152,7 +152,7 @@ TEST_F(ConfigValueImplTest, AWriteGoesToTheFeatureSetAndLeavesTheRecord) {
     EXPECT_THAT(observer->heard, IsEmpty());
 }
 
-TEST_F(ConfigValueImplTest, AResetGoesToTheFeatureSetAndLeavesTheRecord) {
+TEST_F(ConfigValueImplTest, AResetCallsTheFeatureSetAndDoesNotChangeTheRecord) {
     record->setValue(L"v");
     const auto featureSet = fileFeatureSet();
     EXPECT_CALL(*featureSet, resetConfig(std::wstring(L"Phone_Mode")));
@@ -160,7 +160,7 @@ TEST_F(ConfigValueImplTest, AResetGoesToTheFeatureSetAndLeavesTheRecord) {
     EXPECT_EQ(record->getValue(), L"v");
 }
 
-TEST_F(ConfigValueImplTest, WithoutAFeatureSetWritesAndResetsAreIgnoredInSilence) {
+TEST_F(ConfigValueImplTest, WithoutAFeatureSetWritesAndResetsAreIgnoredWithoutALine) {
     record->setValue(L"v");
     const testing_host::LogRecorder log;
     EXPECT_NO_THROW(record->storeValueAndNotify(L"w"));
@@ -170,7 +170,7 @@ TEST_F(ConfigValueImplTest, WithoutAFeatureSetWritesAndResetsAreIgnoredInSilence
     EXPECT_THAT(observer->heard, IsEmpty());
 }
 
-TEST_F(ConfigValueImplTest, EachRecordHoldsTheFactory) {
+TEST_F(ConfigValueImplTest, EachRecordHoldsAReferenceToTheFactory) {
     const auto before = factory.use_count();
     const ConfigValueImpl another(factory, L"k");
     EXPECT_EQ(factory.use_count(), before + 1);
@@ -205,7 +205,7 @@ TEST_F(ConfigValueImplTest, InFipsModeAnyValueButFalseIsAChangeEachTime) {
     EXPECT_THAT(observer->heard, ElementsAre("Value", "Value"));
 }
 
-TEST_F(ConfigValueImplTest, AnotherThreadIsRefusedAndChangesNothing) {
+TEST_F(ConfigValueImplTest, CallsOnAnotherThreadThrowAndChangeNothing) {
     const auto featureSet = fileFeatureSet();
     factory->servicesDispatcher->disown();
     EXPECT_THROW(record->getValue(), UpdateAccessError);

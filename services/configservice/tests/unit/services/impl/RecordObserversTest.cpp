@@ -51,7 +51,7 @@ struct RecordObserversTest : configservice_test::ServiceFixture {
     }
 };
 
-TEST_F(RecordObserversTest, AQueryCreatesNoRecord) {
+TEST_F(RecordObserversTest, FindRecordCreatesNoRecord) {
     EXPECT_FALSE(service->findRecord(L"Unknown"));
     EXPECT_FALSE(service->findRecord(L"CalendarIntegrationType"));
     EXPECT_THAT(*service->getAllConfig(), IsEmpty());
@@ -110,7 +110,7 @@ TEST_F(RecordObserversTest, ObserversOfTheRecordAreStillCalledOnce) {
     EXPECT_THAT(observer->heard, ElementsAre("Value", "isDefined", "ValueStoreName"));
 }
 
-TEST_F(RecordObserversTest, AnObserverThatThrowsKeepsTheChangeFromNobody) {
+TEST_F(RecordObserversTest, AnObserverThatThrowsDoesNotAffectOtherObservers) {
     const auto throwing = std::make_shared<ThrowingObserver>();
     service->addRecordObserver(throwing);
     const auto recorder = record();

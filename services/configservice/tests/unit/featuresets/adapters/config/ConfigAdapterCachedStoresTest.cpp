@@ -19,7 +19,7 @@ protected:
     std::wstring record() { return valueOf(L"PrimaryConfigStores"); }
 };
 
-TEST_F(ConfigAdapterCachedStores, ArrivalLeavesACopyAndARecord) {
+TEST_F(ConfigAdapterCachedStores, AddingACachingStoreWritesACopyAndARecord) {
     loadAndStart();
     adapter->addConfigStore(makeCachingStore("TftpStore", 40, {{L"k", L"v"}}));
     EXPECT_EQ(record(), L"TftpStore:41;");
@@ -27,7 +27,7 @@ TEST_F(ConfigAdapterCachedStores, ArrivalLeavesACopyAndARecord) {
     EXPECT_FALSE(inChain("cachedTftpStore.dat"));
 }
 
-TEST_F(ConfigAdapterCachedStores, LiveStoreNamedAfterTheFileLeavesTheChainButNotTheFile) {
+TEST_F(ConfigAdapterCachedStores, AddingAStoreRemovesTheStoreNamedAfterItsFileAndKeepsTheFile) {
     loadAndStart();
     adapter->addConfigStore(makeReadOnlyStore("cachedTftpStore.dat", 41, {{L"k", L"live"}}));
     adapter->addConfigStore(makeCachingStore("TftpStore", 40, {{L"k", L"v"}}));
@@ -35,7 +35,7 @@ TEST_F(ConfigAdapterCachedStores, LiveStoreNamedAfterTheFileLeavesTheChainButNot
     EXPECT_TRUE(std::filesystem::exists(cacheFile("TftpStore")));
 }
 
-TEST_F(ConfigAdapterCachedStores, StoreThatDoesNotAskLeavesNothing) {
+TEST_F(ConfigAdapterCachedStores, AStoreThatRequestsNoCopyGetsNeitherCopyNorRecord) {
     loadAndStart();
     adapter->addConfigStore(makeReadOnlyStore("Plain", 40, {{L"k", L"v"}}));
     EXPECT_EQ(record(), L"(none)");
@@ -49,7 +49,7 @@ TEST_F(ConfigAdapterCachedStores, RecordListsStoresByNameIgnoringCase) {
     EXPECT_EQ(record(), L"PresenceConfigStore:31;tftpStore:41;");
 }
 
-TEST_F(ConfigAdapterCachedStores, StoreNamesThePriorityOfItsCopy) {
+TEST_F(ConfigAdapterCachedStores, TheRecordContainsTheStoresCachedPriority) {
     struct Distant final : XmlConfigStore {
         Distant() : XmlConfigStore("TftpStore", 40, false, false, "", false) {}
         bool shouldCacheConfigStore() override { return true; }
@@ -60,21 +60,21 @@ TEST_F(ConfigAdapterCachedStores, StoreNamesThePriorityOfItsCopy) {
     EXPECT_EQ(record(), L"TftpStore:77;");
 }
 
-TEST_F(ConfigAdapterCachedStores, KnownStoreKeepsItsSpellingInTheRecordAndGetsTheNewPriority) {
+TEST_F(ConfigAdapterCachedStores, AKnownStoreKeepsItsSpellingInTheRecordAndGetsTheNewPriority) {
     givenRecord(L"TFTPSTORE:9;");
     loadAndStart();
     adapter->addConfigStore(makeCachingStore("TftpStore", 40));
     EXPECT_EQ(record(), L"TFTPSTORE:41;");
 }
 
-TEST_F(ConfigAdapterCachedStores, ArrivalLosesWhatIsNoPairInTheRecord) {
+TEST_F(ConfigAdapterCachedStores, AddingAStoreRemovesMalformedEntriesFromTheRecord) {
     givenRecord(L"B;A:1:2;Z:x;");
     loadAndStart();
     adapter->addConfigStore(makeCachingStore("TftpStore", 40));
     EXPECT_EQ(record(), L"TftpStore:41;Z:x;");
 }
 
-TEST_F(ConfigAdapterCachedStores, NextRunHasTheValuesUnderTheBareNameAndRecordedPriority) {
+TEST_F(ConfigAdapterCachedStores, TheNextRunRestoresTheCopyUnderTheStoresNameAndRecordedPriority) {
     givenEarlierRunWith(makeCachingStore("TftpStore", 40, {{L"k", L"v"}}));
     load();
     EXPECT_EQ(valueOf(L"k"), L"v");
@@ -82,7 +82,7 @@ TEST_F(ConfigAdapterCachedStores, NextRunHasTheValuesUnderTheBareNameAndRecorded
     EXPECT_EQ(recordOf(L"k"), L"v");
 }
 
-TEST_F(ConfigAdapterCachedStores, LiveStoreTakesThePlaceOfItsCopy) {
+TEST_F(ConfigAdapterCachedStores, ALiveStoreReplacesItsCopy) {
     givenEarlierRunWith(makeCachingStore("TftpStore", 40, {{L"k", L"old"}, {L"gone", L"x"}}));
     loadAndStart();
     adapter->addConfigStore(makeCachingStore("TftpStore", 40, {{L"k", L"new"}}));
@@ -91,7 +91,7 @@ TEST_F(ConfigAdapterCachedStores, LiveStoreTakesThePlaceOfItsCopy) {
     EXPECT_EQ(priorityOf("TftpStore"), 40);
 }
 
-TEST_F(ConfigAdapterCachedStores, KeyWithoutAnAnswerIsLeftOutAndAnEmptyOneIsCopied) {
+TEST_F(ConfigAdapterCachedStores, AListedKeyWithoutAValueIsNotCopiedAndAnEmptyOneIs) {
     const auto store = makeCachingStore("TftpStore", 40, {{L"empty", L""}, {L"silent", L"v"}});
     store->unanswered.insert(L"silent");
     givenEarlierRunWith(store);
@@ -100,14 +100,14 @@ TEST_F(ConfigAdapterCachedStores, KeyWithoutAnAnswerIsLeftOutAndAnEmptyOneIsCopi
     EXPECT_EQ(valueOf(L"silent"), L"(none)");
 }
 
-TEST_F(ConfigAdapterCachedStores, PriorityThatIsNoNumberBecomes240) {
+TEST_F(ConfigAdapterCachedStores, AMalformedPriorityBecomes240) {
     givenRecord(L"A:abc;B;");
     load();
     EXPECT_EQ(priorityOf("A"), 240);
     EXPECT_FALSE(inChain("B"));
 }
 
-TEST_F(ConfigAdapterCachedStores, PresencePriorityThatIsNoNumberBecomes240) {
+TEST_F(ConfigAdapterCachedStores, AMalformedPriorityOfThePresenceStoreBecomes240) {
     givenRecord(L"PresenceConfigStore:abc;");
     load();
     EXPECT_EQ(priorityOf("PresenceConfigStore"), 240);
@@ -174,13 +174,13 @@ TEST_F(ConfigAdapterCachedStores, NameWithASeparatorHasACopyBelowTheFolder) {
     EXPECT_EQ(valueOf(L"k"), L"v");
 }
 
-TEST_F(ConfigAdapterCachedStores, MissingCopyJoinsTheChainEmpty) {
+TEST_F(ConfigAdapterCachedStores, AMissingCopyIsRestoredAsAnEmptyStore) {
     givenRecord(L"A:50;");
     load();
     EXPECT_TRUE(adapter->getConfigStoreByName("A")->getKeys().empty());
 }
 
-TEST_F(ConfigAdapterCachedStores, PresenceStoreComesLast) {
+TEST_F(ConfigAdapterCachedStores, ThePresenceStoreIsRestoredLast) {
     givenRecord(L"PresenceConfigStore:31;Zed:41;");
     load();
     const auto lines = log.getTexts("ConfigService-ConfigStoreManager");
@@ -244,13 +244,13 @@ TEST_F(ConfigAdapterCachedStores, UnstartedRefreshRefusesToRemoveTheProvisioning
     EXPECT_TRUE(std::filesystem::exists(cacheFile("UrlProvisioningConfigStore")));
 }
 
-TEST_F(ConfigAdapterCachedStores, OnlyDeviceManagementsOwnWordCounts) {
+TEST_F(ConfigAdapterCachedStores, OnlyDeviceManagementForbidsTheProvisioningStore) {
     givenDefaults({{L"AllowUrlProvisioning", L"false"}});
     load();
     EXPECT_TRUE(inChain("UrlProvisioningConfigStore"));
 }
 
-TEST_F(ConfigAdapterCachedStores, StoreThatRenewsItselfIsCopiedAnew) {
+TEST_F(ConfigAdapterCachedStores, AnUpdatedStoreIsCopiedAgain) {
     loadAndStart();
     adapter->addConfigStore(makeCachingStore("TftpStore", 40, {{L"k", L"old"}, {L"gone", L"x"}}));
     adapter->updateExistingConfigStore(makeCachingStore("TftpStore", 40, {{L"k", L"new"}}), {L"k", L"gone"});
@@ -261,7 +261,7 @@ TEST_F(ConfigAdapterCachedStores, StoreThatRenewsItselfIsCopiedAnew) {
     EXPECT_EQ(valueOf(L"k"), L"new");
 }
 
-TEST_F(ConfigAdapterCachedStores, StoreMayNotRenewItselfBeforeTheStart) {
+TEST_F(ConfigAdapterCachedStores, AStoreIsNotUpdatedBeforeTheStart) {
     load();
     adapter->updateExistingConfigStore(makeCachingStore("UrlProvisioningConfigStore", 499, {{L"k", L"v"}}), {});
     EXPECT_EQ(valueOf(L"k"), L"(none)");

@@ -22,7 +22,7 @@ protected:
     }
 };
 
-TEST_F(ConfigAdapterEnabledServices, ServersTellWhichServicesExist) {
+TEST_F(ConfigAdapterEnabledServices, ConfiguredServersEnableTheirServices) {
     givenDefaultFlags();
     loadAndStart();
     arrive({{L"CtiServer1", L"cti"}, {L"Meeting_Server_Address", L"meet"}});
@@ -50,7 +50,7 @@ TEST_F(ConfigAdapterEnabledServices, EmptyServersDoNotCount) {
     EXPECT_EQ(derived(L"Telephony_Enabled"), L"false");
 }
 
-TEST_F(ConfigAdapterEnabledServices, AdministratorsWordStands) {
+TEST_F(ConfigAdapterEnabledServices, TheAdministratorsValuePreventsTheDerivation) {
     givenDefaultFlags();
     givenPolicy(L"Telephony_Enabled", L"false");
     loadAndStart();
@@ -61,7 +61,7 @@ TEST_F(ConfigAdapterEnabledServices, AdministratorsWordStands) {
               ZelLogLevel::Info);
 }
 
-TEST_F(ConfigAdapterEnabledServices, WithoutADefaultNothingIsDerived) {
+TEST_F(ConfigAdapterEnabledServices, WithoutADefaultNoFlagIsDerived) {
     loadAndStart();
     arrive({{L"CtiServer1", L"cti"}});
     EXPECT_EQ(derived(L"Telephony_Enabled"), L"");
@@ -79,7 +79,7 @@ TEST_F(ConfigAdapterEnabledServices, UsersValueDoesNotStopTheDerivationAndIsStil
     EXPECT_EQ(valueOf(L"Telephony_Enabled"), L"false");
 }
 
-TEST_F(ConfigAdapterEnabledServices, MeetingServersAreTriedInTurn) {
+TEST_F(ConfigAdapterEnabledServices, MeetingServersAreCheckedInOrder) {
     const std::vector<std::pair<ConfigMap, std::wstring>> cases{
         {{{L"Meeting_Server_Address", L"a"}}, L"true"},
         {{{L"Meeting_Server_Address", L"a"}, {L"Meeting_Server_Type", L"MIRROX"}}, L"true"},
@@ -99,7 +99,7 @@ TEST_F(ConfigAdapterEnabledServices, MeetingServersAreTriedInTurn) {
     }
 }
 
-TEST_F(ConfigAdapterEnabledServices, OnlyStoresThatBeginWithAKnownNameMatter) {
+TEST_F(ConfigAdapterEnabledServices, OnlyStoresWhoseNameStartsWithAKnownOneStartTheDerivation) {
     givenDefaultFlags();
     loadAndStart();
     for (const auto* name : {"BrindleConfigStore", "MyGarnStore"}) {
@@ -113,13 +113,13 @@ TEST_F(ConfigAdapterEnabledServices, OnlyStoresThatBeginWithAKnownNameMatter) {
     }
 }
 
-TEST_F(ConfigAdapterEnabledServices, FirstRunWithoutCopiesLeavesThemAlone) {
+TEST_F(ConfigAdapterEnabledServices, WithoutCopiesConstructionDerivesNothing) {
     givenDefaultFlags({{L"CtiServer1", L"cti"}});
     load();
     EXPECT_EQ(derived(L"Telephony_Enabled"), L"");
 }
 
-TEST_F(ConfigAdapterEnabledServices, CopyOfAServersStoreLetsConstructionAndRefreshDerive) {
+TEST_F(ConfigAdapterEnabledServices, ACopyOfAServersStoreStartsTheDerivationAtConstructionAndRefresh) {
     givenDefaultFlags({{L"CtiServer1", L"cti"}});
     testing_host::writeFile(cacheFile("TftpConfigStore"), "x");
     load();
@@ -130,7 +130,7 @@ TEST_F(ConfigAdapterEnabledServices, CopyOfAServersStoreLetsConstructionAndRefre
     EXPECT_EQ(derived(L"Telephony_Enabled"), L"true");
 }
 
-TEST_F(ConfigAdapterEnabledServices, CopyIsToldByItsNameAndExtension) {
+TEST_F(ConfigAdapterEnabledServices, ACopyIsRecognisedByItsNameAndExtension) {
     for (const auto* name : {"TftpConfigStore.dat", "xcachedTftpConfigStore.dat", "cachedTftpConfigStore.xml"}) {
         testing_host::writeFile(profile.config() / "Cache" / name, "x");
     }
@@ -139,7 +139,7 @@ TEST_F(ConfigAdapterEnabledServices, CopyIsToldByItsNameAndExtension) {
     EXPECT_TRUE(EnabledServices::shouldSetEnabledServicesBasedOnCachedStores());
 }
 
-TEST_F(ConfigAdapterEnabledServices, CanBeWorkedOutOnDemand) {
+TEST_F(ConfigAdapterEnabledServices, AreDerivedOnRequest) {
     givenDefaultFlags({{L"CtiServer1", L"cti"}});
     loadAndStart();
     adapter->SetEnabledServices();

@@ -32,7 +32,7 @@ std::wstring ask(const ChainLink& link, const std::wstring& key) {
     return held ? value : L"a miss with \"" + value + L"\"";
 }
 
-TEST(ChainLink, AsksAStoreOfTheLibrary) {
+TEST(ChainLink, ReadsAStoreOfTheLibrary) {
     const auto store = std::make_shared<InMemoryConfigStore>("M\u00E4ria", 1);
     store->storeValue(L"Key", L"value");
     const ChainLink link(store);
@@ -41,14 +41,14 @@ TEST(ChainLink, AsksAStoreOfTheLibrary) {
     EXPECT_EQ(link.getWideName(), L"M\u00E4ria");
 }
 
-TEST(ChainLink, AsksAStoreOfAnotherService) {
+TEST(ChainLink, ReadsAStoreOfAnotherService) {
     const ChainLink link(makeReadOnlyStore("Foreign", 1, {{L"Key", L"value"}}));
     EXPECT_EQ(ask(link, L"KEY"), L"value");
     EXPECT_EQ(ask(link, L"Other"), L"a miss with \"\"");
     EXPECT_EQ(link.getWideName(), L"Foreign");
 }
 
-TEST(ChainLink, LetsADerivedStoreAnswerInItsOwnWay) {
+TEST(ChainLink, CallsTheOverrideOfADerivedStore) {
     EXPECT_EQ(ask(ChainLink(std::make_shared<BoastfulStore>()), L"Key"), L"my own Key");
 }
 

@@ -168,7 +168,7 @@ private:
     ConfigStoreManager manager{factory};
 };
 
-TEST(ConfigStoreManagerForeignStores, AnnounceAndLogTheSameAsStoresOfTheLibrary) {
+TEST(ConfigStoreManagerForeignStores, CauseTheSameAnnouncementsAndLinesAsStoresOfTheLibrary) {
     std::size_t lines = 0;
     for (unsigned number = 0; number < 100; ++number) {
         const auto expected = Story(number, true).tell();

@@ -59,7 +59,7 @@ TEST_F(ConfigStoreManagerLookup, WithoutStoresNothingIsFound) {
     EXPECT_EQ(answer.storeName, L"before");
 }
 
-TEST_F(ConfigStoreManagerLookup, FirstStoreThatAnswersWinsAndAnEmptyValueIsAnAnswer) {
+TEST_F(ConfigStoreManagerLookup, TheFirstStoreThatHoldsTheKeyWinsEvenWithAnEmptyValue) {
     given(makeReadOnlyStore("A", 1, {{L"k", L""}}));
     given(makeReadOnlyStore("B", 2, {{L"k", L"b"}}));
     const auto answer = ask(L"K");
@@ -68,14 +68,14 @@ TEST_F(ConfigStoreManagerLookup, FirstStoreThatAnswersWinsAndAnEmptyValueIsAnAns
     EXPECT_EQ(answer.storeName, L"A");
 }
 
-TEST_F(ConfigStoreManagerLookup, OldNameIsAnsweredByTheNewOne) {
+TEST_F(ConfigStoreManagerLookup, AnOldNameReturnsTheValueOfTheNewName) {
     given(makeReadOnlyStore("R", 33, {{L"TFTPPrimaryServer", L"tftp"}}));
     const auto answer = ask(L"TftpServer1");
     EXPECT_EQ(answer.value, L"tftp");
     EXPECT_FALSE(answer.valueFromLegacyKey);
 }
 
-TEST_F(ConfigStoreManagerLookup, NewNameFallsBackOnTheOldOne) {
+TEST_F(ConfigStoreManagerLookup, ANewNameFallsBackToTheOldName) {
     given(makeReadOnlyStore("R", 33, {{L"TftpServer1", L"tftp"}}));
     const auto answer = ask(L"TFTPPrimaryServer");
     EXPECT_EQ(answer.value, L"tftp");
@@ -89,7 +89,7 @@ TEST_F(ConfigStoreManagerLookup, ValueHeldUnderTheRequestedOldNameSetsTheFlag) {
     EXPECT_TRUE(answer.valueFromLegacyKey);
 }
 
-TEST_F(ConfigStoreManagerLookup, NewNameWinsWhicheverStoreStandsFirst) {
+TEST_F(ConfigStoreManagerLookup, TheNewNameWinsInWhicheverStoreItIs) {
     given(makeReadOnlyStore("First", 1, {{L"TftpServer1", L"old"}}));
     given(makeReadOnlyStore("Last", 500, {{L"TFTPPrimaryServer", L"new"}}));
     EXPECT_EQ(ask(L"TftpServer1").value, L"new");
@@ -98,7 +98,7 @@ TEST_F(ConfigStoreManagerLookup, NewNameWinsWhicheverStoreStandsFirst) {
     EXPECT_EQ(ask(L"TftpServer1").value, L"front");
 }
 
-TEST_F(ConfigStoreManagerLookup, LookupNeverClearsTheFlagOfTheOldName) {
+TEST_F(ConfigStoreManagerLookup, ALookupNeverClearsTheFlagOfTheOldName) {
     given(makeReadOnlyStore("R", 33, {{L"k", L"v"}}));
     std::wstring value;
     std::wstring storeName;
@@ -118,7 +118,7 @@ TEST_F(ConfigStoreManagerLookup, KeyAndValueMayBeOneString) {
     }
 }
 
-TEST_F(ConfigStoreManagerLookup, SkipLocalLeavesOutWhatIsWritable) {
+TEST_F(ConfigStoreManagerLookup, SkipLocalSkipsWritableStores) {
     const auto writable = makeWritableStore("L", 20, {{L"k", L"user"}});
     writable->local = false;
     given(writable);
@@ -128,7 +128,7 @@ TEST_F(ConfigStoreManagerLookup, SkipLocalLeavesOutWhatIsWritable) {
     EXPECT_EQ(ask(L"k", false).value, L"user");
 }
 
-TEST_F(ConfigStoreManagerLookup, FilterAsksOneStoreIgnoringCase) {
+TEST_F(ConfigStoreManagerLookup, AStoreNameRestrictsTheLookupToThatStoreIgnoringCase) {
     given(makeReadOnlyStore("A", 1, {{L"k", L"a"}}));
     given(makeReadOnlyStore("B", 2, {{L"other", L"b"}}));
     EXPECT_FALSE(ask(L"k", false, "B").found);
@@ -137,12 +137,12 @@ TEST_F(ConfigStoreManagerLookup, FilterAsksOneStoreIgnoringCase) {
     EXPECT_EQ(manager.getValue(std::string("b"), std::wstring(L"k")), L"");
 }
 
-TEST_F(ConfigStoreManagerLookup, FilterAndSkipLocalApplyTogether) {
+TEST_F(ConfigStoreManagerLookup, StoreNameAndSkipLocalApplyTogether) {
     given(makeWritableStore("L", 1, {{L"k", L"user"}}));
     EXPECT_FALSE(ask(L"k", true, "L").found);
 }
 
-TEST_F(ConfigStoreManagerLookup, FipsModeForcesTheKeyAlsoOnAMiss) {
+TEST_F(ConfigStoreManagerLookup, FipsModeForcesTheKeyEvenOnAMiss) {
     zel::common::FipsUtils::overrideFipsMode(true);
     const auto miss = ask(L"telephony_p2p_enabled");
     EXPECT_FALSE(miss.found);
@@ -152,7 +152,7 @@ TEST_F(ConfigStoreManagerLookup, FipsModeForcesTheKeyAlsoOnAMiss) {
     EXPECT_EQ(ask(L"Telephony_P2P_Enabled").value, L"false");
 }
 
-TEST_F(DebugLookup, LineNamesKeyValueAndStore) {
+TEST_F(DebugLookup, TheLineContainsKeyValueAndStore) {
     given(makeReadOnlyStore("R", 33, {{L"k", L"v"}}));
     debugLog.clear();
     ask(L"k", true);
@@ -161,13 +161,13 @@ TEST_F(DebugLookup, LineNamesKeyValueAndStore) {
     EXPECT_EQ(debugLog.getRecords().front().function, "ZelUnified::ConfigStoreManager::getValue");
 }
 
-TEST_F(DebugLookup, LineOfAMissShowsTheNamePassedIn) {
+TEST_F(DebugLookup, TheLineOfAMissContainsThePassedStoreName) {
     ask(L"k");
     EXPECT_THAT(debugLines(),
                 ElementsAre("key : [k] skipLocal : [0]  value: [] success: [false] configStoreName: [before]"));
 }
 
-TEST_F(DebugLookup, LineTellsOfARenamedKey) {
+TEST_F(DebugLookup, TheLineReportsARenamedKey) {
     given(makeReadOnlyStore("R", 33, {{L"TFTPPrimaryServer", L"v"}}));
     debugLog.clear();
     ask(L"TftpServer1");
@@ -176,7 +176,7 @@ TEST_F(DebugLookup, LineTellsOfARenamedKey) {
                             "[TFTPPrimaryServer] - skipLocal : [0]  value: [v] success: [true] configStoreName: [R]"));
 }
 
-TEST_F(DebugLookup, LineMentionsTheOldNameOnlyIfTheNewNameWasRequested) {
+TEST_F(DebugLookup, TheLineMentionsTheOldNameOnlyIfTheNewNameWasRequested) {
     given(makeReadOnlyStore("R", 33, {{L"TftpServer1", L"v"}}));
     debugLog.clear();
     ask(L"TFTPPrimaryServer");
@@ -187,7 +187,7 @@ TEST_F(DebugLookup, LineMentionsTheOldNameOnlyIfTheNewNameWasRequested) {
                             "key : [TftpServer1] skipLocal : [0]  value: [v] success: [true] configStoreName: [R]"));
 }
 
-TEST_F(DebugLookup, SensitiveValueIsHiddenByTheKeyAsAskedAndStillAnswered) {
+TEST_F(DebugLookup, TheValueOfASensitiveRequestedNameIsHiddenInTheLineAndReturned) {
     manager.setKeySensitive(L"Secret");
     given(makeReadOnlyStore("R", 33, {{L"secret", L"hunter2"}}));
     debugLog.clear();
@@ -197,7 +197,7 @@ TEST_F(DebugLookup, SensitiveValueIsHiddenByTheKeyAsAskedAndStillAnswered) {
                             "[R]"));
 }
 
-TEST_F(DebugLookup, SensitivityOfTheOtherNameDoesNotHideTheValue) {
+TEST_F(DebugLookup, TheSensitivityOfTheOtherNameDoesNotHideTheValue) {
     manager.setKeySensitive(L"TftpServer1");
     given(makeReadOnlyStore("R", 33, {{L"TFTPPrimaryServer", L"v"}}));
     debugLog.clear();
@@ -216,7 +216,7 @@ TEST_F(DebugLookup, PersonalDataIsMaskedInTheLine) {
     EXPECT_FALSE(debugLog.mentions("jane.doe"));
 }
 
-TEST_F(ConfigStoreManagerLookup, NoLineWithoutDebug) {
+TEST_F(ConfigStoreManagerLookup, WithoutDebugNoLineIsLogged) {
     ask(L"k");
     EXPECT_THAT(logged(), IsEmpty());
 }
@@ -230,7 +230,7 @@ TEST_F(ConfigStoreManagerLookup, OriginalValueOfAKeyOnlyTheUserSetIsEmptyAndOver
     EXPECT_FALSE(original.fromLegacyKey);
 }
 
-TEST_F(ConfigStoreManagerLookup, OriginalValueStandsBeneathTheUsers) {
+TEST_F(ConfigStoreManagerLookup, TheOriginalValueIsTheAdministratorsBehindTheUsers) {
     given(makeWritableStore("L", 20, {{L"k", L"u"}}));
     given(makeReadOnlyStore("R", 33, {{L"k", L"a"}}));
     const auto original = askOriginal(L"k");
@@ -245,7 +245,7 @@ TEST_F(ConfigStoreManagerLookup, ReadOnlyStoreAheadOfTheUsersIsNotOverridden) {
     EXPECT_FALSE(askOriginal(L"k").hasOverride);
 }
 
-TEST_F(ConfigStoreManagerLookup, EmptyAdministratorsAnswerLeavesTheWordToTheNextAndItsName) {
+TEST_F(ConfigStoreManagerLookup, AnEmptyOriginalValueIsReplacedByThatOfTheNextStore) {
     given(makeReadOnlyStore("Empty", 10, {{L"k", L""}}));
     given(makeReadOnlyStore("Full", 20, {{L"k", L"a"}}));
     const auto original = askOriginal(L"k");
@@ -259,7 +259,7 @@ TEST_F(ConfigStoreManagerLookup, EmptyUsersValueStillOverrides) {
     EXPECT_TRUE(askOriginal(L"k").hasOverride);
 }
 
-TEST_F(ConfigStoreManagerLookup, OriginalValueOfAnOldNameIsReadAgainUnderItUnlessOverridden) {
+TEST_F(ConfigStoreManagerLookup, AnOldNamesOriginalValueIsItsOwnUnlessOverridden) {
     given(makeReadOnlyStore("R", 33, {{L"TFTPPrimaryServer", L"new"}}));
     const auto original = askOriginal(L"TftpServer1");
     EXPECT_FALSE(original.hasOverride);
@@ -268,7 +268,7 @@ TEST_F(ConfigStoreManagerLookup, OriginalValueOfAnOldNameIsReadAgainUnderItUnles
     EXPECT_FALSE(original.fromLegacyKey);
 }
 
-TEST_F(ConfigStoreManagerLookup, OriginalValueOfAnOldNameIsTheOneBeneathTheNewNameWhenOverridden) {
+TEST_F(ConfigStoreManagerLookup, AnOldNamesOriginalValueIsTheNewNamesIfOverridden) {
     given(makeWritableStore("L", 20, {{L"TFTPPrimaryServer", L"u"}}));
     given(makeReadOnlyStore("R", 33, {{L"TFTPPrimaryServer", L"new"}, {L"TftpServer1", L"old"}}));
     const auto original = askOriginal(L"TftpServer1");
@@ -277,7 +277,7 @@ TEST_F(ConfigStoreManagerLookup, OriginalValueOfAnOldNameIsTheOneBeneathTheNewNa
     EXPECT_FALSE(original.fromLegacyKey);
 }
 
-TEST_F(ConfigStoreManagerLookup, OriginalValueOfAnOldNameThatTheUserSetComesFromIt) {
+TEST_F(ConfigStoreManagerLookup, TheOriginalValueOfAnOldNameThatTheUserSetIsThatOfTheOldName) {
     given(makeWritableStore("L", 20, {{L"TftpServer1", L"u"}}));
     given(makeReadOnlyStore("R", 33, {{L"TftpServer1", L"a"}}));
     const auto original = askOriginal(L"TftpServer1");
@@ -286,7 +286,7 @@ TEST_F(ConfigStoreManagerLookup, OriginalValueOfAnOldNameThatTheUserSetComesFrom
     EXPECT_TRUE(original.fromLegacyKey);
 }
 
-TEST_F(ConfigStoreManagerLookup, OriginalValueIsAskedNoFurtherThanNeeded) {
+TEST_F(ConfigStoreManagerLookup, TheOriginalValueIsReadFromNoStoreBehindTheFirstReadOnlyOne) {
     given(makeWritableStore("L", 20, {{L"k", L"u"}}));
     given(makeReadOnlyStore("R", 33, {{L"k", L"a"}}));
     const auto last = given(makeReadOnlyStore("Last", 40, {{L"k", L"z"}}));
@@ -296,7 +296,7 @@ TEST_F(ConfigStoreManagerLookup, OriginalValueIsAskedNoFurtherThanNeeded) {
     EXPECT_EQ(questions, 0);
 }
 
-TEST_F(ConfigStoreManagerLookup, OriginalValueOfANewNameFallsBackOnTheOldOne) {
+TEST_F(ConfigStoreManagerLookup, TheOriginalValueOfANewNameFallsBackToTheOldName) {
     given(makeWritableStore("L", 20, {{L"TftpServer1", L"u"}}));
     given(makeReadOnlyStore("R", 33, {{L"TftpServer1", L"a"}}));
     const auto original = askOriginal(L"TFTPPrimaryServer");
@@ -305,7 +305,7 @@ TEST_F(ConfigStoreManagerLookup, OriginalValueOfANewNameFallsBackOnTheOldOne) {
     EXPECT_EQ(original.value, L"a");
 }
 
-TEST_F(DebugLookup, LineNamesTheStoreAlsoWhenTheCallerDoesNotAskForIt) {
+TEST_F(DebugLookup, TheLineContainsTheStoreEvenIfTheCallerDoesNotRequestIt) {
     given(makeReadOnlyStore("R", 33, {{L"k", L"v"}}));
     debugLog.clear();
     EXPECT_EQ(valueOf(L"k"), L"v");

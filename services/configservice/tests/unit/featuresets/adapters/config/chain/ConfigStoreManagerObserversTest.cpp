@@ -25,7 +25,7 @@ public:
 /// Tests which observers are notified, when, and what a callback may do.
 class ConfigStoreManagerObservers : public ConfigStoreManagerFixture {};
 
-TEST_F(ConfigStoreManagerObservers, ArrivalTellsStoreAddedObserversLaterOnTheBackgroundDispatcher) {
+TEST_F(ConfigStoreManagerObservers, ANewStoreIsReportedToStoreAddedObserversOnTheBackgroundDispatcher) {
     const auto added = std::make_shared<StoreAddedRecorder>();
     manager.registerConfigStoreAddedObserver(added);
     manager.addStore(makeReadOnlyStore("R", 33));
@@ -36,7 +36,7 @@ TEST_F(ConfigStoreManagerObservers, ArrivalTellsStoreAddedObserversLaterOnTheBac
     EXPECT_THAT(added->names, ElementsAre("R"));
 }
 
-TEST_F(ConfigStoreManagerObservers, ArrivalOfAStoreWithoutKeysAnnouncesNothing) {
+TEST_F(ConfigStoreManagerObservers, AddingAStoreWithoutKeysAnnouncesNothing) {
     const auto added = std::make_shared<StoreAddedRecorder>();
     manager.registerConfigStoreAddedObserver(added);
     manager.addStore(makeReadOnlyStore("R", 33));
@@ -44,7 +44,7 @@ TEST_F(ConfigStoreManagerObservers, ArrivalOfAStoreWithoutKeysAnnouncesNothing) 
     EXPECT_EQ(factory->backgroundDispatcher->getTaskNames().size(), 1U);
 }
 
-TEST_F(ConfigStoreManagerObservers, SensitiveKeyIsToldEachTimeAndKnownInAnyCase) {
+TEST_F(ConfigStoreManagerObservers, ASensitiveKeyIsAnnouncedEachTimeAndFoundIgnoringCase) {
     manager.setKeySensitive(L"Secret");
     manager.setKeySensitive(L"Secret");
     EXPECT_THAT(observer.announcements, ElementsAre("sensitive Secret", "sensitive Secret"));
@@ -52,7 +52,7 @@ TEST_F(ConfigStoreManagerObservers, SensitiveKeyIsToldEachTimeAndKnownInAnyCase)
     EXPECT_FALSE(manager.isSensitiveKey(L"Secre"));
 }
 
-TEST_F(ConfigStoreManagerObservers, SensitiveKeysStayKnownInAnyCaseHoweverManyFollow) {
+TEST_F(ConfigStoreManagerObservers, AllOfManySensitiveKeysAreFoundIgnoringCase) {
     for (int added = 0; added < 200; ++added) {
         manager.setKeySensitive(L"Secret" + std::to_wstring(added));
         for (int known = 0; known <= added; ++known) {
@@ -62,7 +62,7 @@ TEST_F(ConfigStoreManagerObservers, SensitiveKeysStayKnownInAnyCaseHoweverManyFo
     }
 }
 
-TEST_F(ConfigStoreManagerObservers, StoreAddedObserverRegisteredTwiceIsToldTwiceAndLeavesAtOnce) {
+TEST_F(ConfigStoreManagerObservers, UnregisteringAStoreAddedObserverRemovesAllItsRegistrations) {
     const auto added = std::make_shared<StoreAddedRecorder>();
     manager.registerConfigStoreAddedObserver(added);
     manager.registerConfigStoreAddedObserver(added);
@@ -76,7 +76,7 @@ TEST_F(ConfigStoreManagerObservers, StoreAddedObserverRegisteredTwiceIsToldTwice
     EXPECT_THAT(factory->backgroundDispatcher->getTaskNames(), IsEmpty());
 }
 
-TEST_F(ConfigStoreManagerObservers, StoreAddedObserverIsKeptAliveByItsNotification) {
+TEST_F(ConfigStoreManagerObservers, APendingNotificationKeepsItsStoreAddedObserverAlive) {
     auto added = std::make_shared<StoreAddedRecorder>();
     manager.registerConfigStoreAddedObserver(added);
     manager.addStore(makeReadOnlyStore("A", 1));
@@ -112,7 +112,7 @@ TEST_F(ConfigStoreManagerObservers, WithoutADispatcherNotificationsAreDropped) {
     EXPECT_THAT(added->names, IsEmpty());
 }
 
-TEST_F(ConfigStoreManagerObservers, ObserverMayChangeTheChainDuringAnAnnouncement) {
+TEST_F(ConfigStoreManagerObservers, AnObserverMayChangeTheChainDuringAnAnnouncement) {
     given(makeReadOnlyStore("Victim", 40, {{L"v", L"1"}}));
     bool reacted = false;
     observer.reaction = [&](const std::wstring&) {
@@ -127,7 +127,7 @@ TEST_F(ConfigStoreManagerObservers, ObserverMayChangeTheChainDuringAnAnnouncemen
     EXPECT_EQ(valueOf(L"k"), L"1");
 }
 
-TEST_F(ConfigStoreManagerObservers, ObserverMayEmptyTheChainWhileNonLocalStoresAreDropped) {
+TEST_F(ConfigStoreManagerObservers, AnObserverMayEmptyTheChainWhileStoresThatAreNotLocalAreRemoved) {
     for (const auto* name : {"A", "B", "C"}) {
         const auto store = makeReadOnlyStore(name, 33, {{L"k", L"1"}});
         store->local = false;
@@ -144,7 +144,7 @@ TEST_F(ConfigStoreManagerObservers, ObserverMayEmptyTheChainWhileNonLocalStoresA
     }
 }
 
-TEST_F(ConfigStoreManagerObservers, StoreAddedObserversAreToldAfterAllAnnouncements) {
+TEST_F(ConfigStoreManagerObservers, StoreAddedObserversAreCalledAfterAllAnnouncements) {
     const auto added = std::make_shared<StoreAddedRecorder>();
     manager.registerConfigStoreAddedObserver(added);
     observer.reaction = [&](const std::wstring&) {
@@ -155,7 +155,7 @@ TEST_F(ConfigStoreManagerObservers, StoreAddedObserversAreToldAfterAllAnnounceme
     EXPECT_EQ(factory->backgroundDispatcher->getTaskNames().size(), 1U);
 }
 
-TEST_F(ConfigStoreManagerObservers, StoreAddedObserversAreToldInTheOrderOfTheirRegistration) {
+TEST_F(ConfigStoreManagerObservers, StoreAddedObserversAreCalledInTheOrderOfTheirRegistration) {
     struct Named final : ConfigStoreAddedObserver {
         Named(std::string ownName, std::vector<std::string>& order) : name(std::move(ownName)), told(order) {}
         void OnConfigStoreAdded(const std::string& storeName) override { told.push_back(name + " " + storeName); }
@@ -173,7 +173,7 @@ TEST_F(ConfigStoreManagerObservers, StoreAddedObserversAreToldInTheOrderOfTheirR
     EXPECT_THAT(told, ElementsAre("first R", "second R", "third R"));
 }
 
-TEST_F(ConfigStoreManagerObservers, EveryObserverIsToldOnceAndANullOneIsIgnored) {
+TEST_F(ConfigStoreManagerObservers, EveryObserverIsCalledOnceAndNullIsIgnored) {
     RecordingObserver second;
     manager.addObserver(nullptr);
     EXPECT_THAT(log.getRecords(), IsEmpty());
@@ -185,7 +185,7 @@ TEST_F(ConfigStoreManagerObservers, EveryObserverIsToldOnceAndANullOneIsIgnored)
     EXPECT_EQ(observer.announcements, second.announcements);
 }
 
-TEST_F(ConfigStoreManagerObservers, SensitiveKeyIsInForceForEveryThreadWhenObserversHear) {
+TEST_F(ConfigStoreManagerObservers, AKeyIsSensitiveForEveryThreadWhenObserversAreCalled) {
     const testing_host::Watchdog watchdog;
     bool known = false;
     observer.reaction = [&](const std::wstring& key) {
@@ -195,7 +195,7 @@ TEST_F(ConfigStoreManagerObservers, SensitiveKeyIsInForceForEveryThreadWhenObser
     EXPECT_TRUE(known);
 }
 
-TEST_F(ConfigStoreManagerObservers, StoreIsFoundByNameWhileAnotherThreadHoldsTheChain) {
+TEST_F(ConfigStoreManagerObservers, AStoreIsFoundByNameWhileAnotherThreadHoldsTheChainLock) {
     const testing_host::Watchdog watchdog;
     const auto store = given(makeReadOnlyStore("R", 33));
     std::shared_ptr<ConfigStore> found;
@@ -204,7 +204,7 @@ TEST_F(ConfigStoreManagerObservers, StoreIsFoundByNameWhileAnotherThreadHoldsThe
     EXPECT_EQ(found, store);
 }
 
-TEST_F(ConfigStoreManagerObservers, TheFactoryIsAskedForTheDispatcherOfEachTask) {
+TEST_F(ConfigStoreManagerObservers, TheDispatcherIsRequestedFromTheFactoryForEachTask) {
     struct CountingFactory final : testing_host::RecordingFactory {
         std::shared_ptr<Processing::TaskDispatcher> getBackgroundDispatcher() override {
             ++questions;
@@ -225,7 +225,7 @@ TEST_F(ConfigStoreManagerObservers, TheFactoryIsAskedForTheDispatcherOfEachTask)
     EXPECT_EQ(counting->questions, 3);
 }
 
-TEST_F(ConfigStoreManagerObservers, SensitiveKeyIsKnownWhileAnotherThreadHoldsTheChain) {
+TEST_F(ConfigStoreManagerObservers, ASensitiveKeyIsFoundWhileAnotherThreadHoldsTheChainLock) {
     const testing_host::Watchdog watchdog;
     manager.setKeySensitive(L"Secret");
     bool known = false;

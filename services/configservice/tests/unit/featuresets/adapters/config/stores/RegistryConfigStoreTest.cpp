@@ -17,7 +17,7 @@ using testing::IsEmpty;
 using testing_host::LogRecorder;
 using testing_host::writeFile;
 
-TEST_F(RegistryConfigStoreTest, IsAReadOnlyStoreThatARefreshDrops) {
+TEST_F(RegistryConfigStoreTest, IsReadOnlyAndNotLocal) {
     setText(L"", L"Key", L"value");
     RegistryConfigStore store(nullptr, "Some name", -7, "Policies\\Client");
     EXPECT_EQ(store.getName(), "Some name");
@@ -29,7 +29,7 @@ TEST_F(RegistryConfigStoreTest, IsAReadOnlyStoreThatARefreshDrops) {
     EXPECT_EQ(store.getCachedPriority(), -6);
 }
 
-TEST_F(RegistryConfigStoreTest, TakesNoChange) {
+TEST_F(RegistryConfigStoreTest, RefusesWrites) {
     setText(L"", L"Key", L"value");
     auto store = makeStore();
     EXPECT_FALSE(store.storeValue(L"Key", L"other"));
@@ -55,7 +55,7 @@ TEST_F(RegistryConfigStoreTest, OpensTheKeyBelowSoftwareForReading) {
     EXPECT_EQ(registry->getOpened()[0].access, 131097U);
 }
 
-TEST_F(RegistryConfigStoreTest, ReadsThePolicyKeyAsItIsSpelt) {
+TEST_F(RegistryConfigStoreTest, ReadsThePolicyKey) {
     registry->setText(HKEY_CURRENT_USER,
                       L"Software\\Policies\\Ventrix Systems, Inc.\\Unified Communications\\VentrixUC", L"Key",
                       L"value");
@@ -68,14 +68,14 @@ TEST_F(RegistryConfigStoreTest, NeverLooksUnderTheMachinesRoot) {
     EXPECT_THAT(makeStore().getKeys(), IsEmpty());
 }
 
-TEST_F(RegistryConfigStoreTest, KeysMatchIgnoringCaseAndKeepTheFirstForm) {
+TEST_F(RegistryConfigStoreTest, KeysMatchIgnoringCaseAndKeepTheFirstSpelling) {
     setText(L"", L"SomeKey", L"value");
     setText(L"\\Sub", L"SOMEKEY", L"hidden");
     EXPECT_EQ(readBack(L"somekey"), L"value");
     EXPECT_THAT(makeStore().getKeys(), ElementsAre(L"SomeKey"));
 }
 
-TEST_F(RegistryConfigStoreTest, KeysComeInTheOrderOfTheTable) {
+TEST_F(RegistryConfigStoreTest, KeysAreListedInCaseInsensitiveOrder) {
     setText(L"", L"zebra", L"1");
     setText(L"", L"Banana", L"2");
     setText(L"", L"apple", L"3");
@@ -96,7 +96,7 @@ TEST_F(RegistryConfigStoreTest, TextsEndAtTheirFirstTerminatorOrAtTheirSize) {
     EXPECT_EQ(readBack(L"short"), L"y");
 }
 
-TEST_F(RegistryConfigStoreTest, AnEmptyTextIsHeldAndIsAHit) {
+TEST_F(RegistryConfigStoreTest, AnEmptyTextIsAHit) {
     setText(L"", L"Empty", L"");
     setRaw(L"No data", REG_SZ, {});
     EXPECT_EQ(readBack(L"Empty"), L"");
@@ -108,7 +108,7 @@ TEST_F(RegistryConfigStoreTest, ExpandableTextsAreNotExpanded) {
     EXPECT_EQ(readBack(L"Path"), L"%HOME%\\x");
 }
 
-TEST_F(RegistryConfigStoreTest, OfAListTheFirstTextCounts) {
+TEST_F(RegistryConfigStoreTest, TheFirstTextOfAListIsTheValue) {
     setRaw(L"List", REG_MULTI_SZ, {'o', 0, 'n', 0, 'e', 0, 0, 0, 't', 0, 'w', 0, 'o', 0, 0, 0, 0, 0});
     EXPECT_EQ(readBack(L"List"), L"one");
 }
@@ -124,7 +124,7 @@ TEST_F(RegistryConfigStoreTest, NumbersAreUnsignedDecimalText) {
     EXPECT_EQ(readBack(L"Long"), L"2");
 }
 
-TEST_F(RegistryConfigStoreTest, OtherKindsGiveNoKeyAndDontEndTheReading) {
+TEST_F(RegistryConfigStoreTest, ValuesOfOtherTypesAreSkipped) {
     setRaw(L"Binary", REG_BINARY, {1, 2, 3});
     setRaw(L"Big number", REG_QWORD, {1, 0, 0, 0, 0, 0, 0, 0});
     setRaw(L"None", REG_NONE, {});
@@ -133,7 +133,7 @@ TEST_F(RegistryConfigStoreTest, OtherKindsGiveNoKeyAndDontEndTheReading) {
     EXPECT_THAT(makeStore().getKeys(), ElementsAre(L"Last"));
 }
 
-TEST_F(RegistryConfigStoreTest, TheDefaultValueOfAKeyGivesTheEmptyKey) {
+TEST_F(RegistryConfigStoreTest, TheDefaultValueOfAKeyHasTheEmptyKey) {
     setText(L"", L"", L"default");
     EXPECT_EQ(readBack(L""), L"default");
     EXPECT_THAT(makeStore().getKeys(), ElementsAre(L""));
@@ -157,7 +157,7 @@ TEST_F(RegistryConfigStoreTest, AValueNameOf260CharactersHidesThoseBehindIt) {
     EXPECT_THAT(makeStore().getKeys(), ElementsAre(longest));
 }
 
-TEST_F(RegistryConfigStoreTest, AParentWinsOverItsChildrenAndALowerIndexOverAHigherOne) {
+TEST_F(RegistryConfigStoreTest, AKeyOverridesItsSubkeysAndALowerIndexAHigherOne) {
     setText(L"", L"InAll", L"root");
     setText(L"\\Alpha", L"InAll", L"alpha");
     setText(L"\\Alpha", L"InSubkeys", L"alpha");
@@ -169,7 +169,7 @@ TEST_F(RegistryConfigStoreTest, AParentWinsOverItsChildrenAndALowerIndexOverAHig
     EXPECT_EQ(readBack(L"InDeep"), L"alpha deep");
 }
 
-TEST_F(RegistryConfigStoreTest, AllChildrenOfTheRootAreRead) {
+TEST_F(RegistryConfigStoreTest, AllSubkeysOfTheRootAreRead) {
     for (const auto* name : {L"a", L"b", L"c", L"d"}) {
         setText(std::wstring(L"\\") + name, name, L"1");
     }
@@ -198,14 +198,14 @@ TEST_F(RegistryConfigStoreTest, ASubkeyNameOf255CharactersIsSkipped) {
     EXPECT_THAT(makeStore().getKeys(), ElementsAre(L"fits"));
 }
 
-TEST_F(RegistryConfigStoreTest, ASubkeyThatCantBeOpenedIsSkipped) {
+TEST_F(RegistryConfigStoreTest, ASubkeyThatCannotBeOpenedIsSkipped) {
     setText(L"\\A", L"a", L"1");
     setText(L"\\B", L"b", L"1");
     registry->failOpening(root + L"\\A", RegistryResult::AccessDenied);
     EXPECT_THAT(makeStore().getKeys(), ElementsAre(L"b"));
 }
 
-TEST_F(RegistryConfigStoreTest, PathsThatDontFitTheBufferAreNotOpenedUnderAnotherName) {
+TEST_F(RegistryConfigStoreTest, PathsThatDoNotFitTheBufferAreNotTruncatedAndOpened) {
     std::wstring deep;
     while (root.size() + deep.size() + 201 < 1023) {
         deep += L"\\" + std::wstring(200, L'd');
@@ -233,13 +233,13 @@ TEST_F(RegistryConfigStoreTest, EveryKeyThatWasOpenedIsClosed) {
     EXPECT_EQ(registry->getClosed().size(), registry->getOpened().size());
 }
 
-TEST_F(RegistryConfigStoreTest, AMissingKeyGivesAnEmptyStoreInSilence) {
+TEST_F(RegistryConfigStoreTest, AMissingKeyMakesAnEmptyStoreWithoutALine) {
     LogRecorder log;
     EXPECT_THAT(makeStore().getKeys(), IsEmpty());
     EXPECT_THAT(log.getRecords(), IsEmpty());
 }
 
-TEST_F(RegistryConfigStoreTest, AnOpeningWithoutAHandleGivesAnEmptyStoreInSilence) {
+TEST_F(RegistryConfigStoreTest, AnOpenedKeyWithoutAHandleMakesAnEmptyStoreWithoutALine) {
     setText(L"", L"Key", L"value");
     registry->failOpening(root, RegistryResult::Success);
     LogRecorder log;
@@ -248,13 +248,13 @@ TEST_F(RegistryConfigStoreTest, AnOpeningWithoutAHandleGivesAnEmptyStoreInSilenc
     EXPECT_THAT(registry->getClosed(), IsEmpty());
 }
 
-TEST_F(RegistryConfigStoreTest, TheCertificateSwitchIsListedAndNeverAnswered) {
+TEST_F(RegistryConfigStoreTest, TheCertificateSwitchIsListedAndNeverReturned) {
     setText(L"", L"CERTIFICATEValidationEnabled", L"true");
     EXPECT_EQ(readBack(L"CertificateValidationEnabled"), std::nullopt);
     EXPECT_THAT(makeStore().getKeys(), ElementsAre(L"CERTIFICATEValidationEnabled"));
 }
 
-TEST_F(RegistryConfigStoreTest, TheFipsOverrideAppliesToAHitOnly) {
+TEST_F(RegistryConfigStoreTest, FipsModeForcesTheKeyOnAHitOnly) {
     zel::common::FipsUtils::overrideFipsMode(true);
     EXPECT_EQ(readBack(L"telephony_p2p_enabled"), std::nullopt);
     setText(L"", L"Telephony_P2P_Enabled", L"true");
@@ -264,7 +264,7 @@ TEST_F(RegistryConfigStoreTest, TheFipsOverrideAppliesToAHitOnly) {
     zel::common::FipsUtils::overrideFipsMode(std::nullopt);
 }
 
-TEST_F(RegistryConfigStoreTest, ALaterChangeOfTheRegistryIsSeenByANewStoreOnly) {
+TEST_F(RegistryConfigStoreTest, ALaterChangeOfTheRegistryIsReadByANewStoreOnly) {
     setText(L"", L"Key", L"old");
     auto store = makeStore();
     setText(L"", L"Key", L"new");

@@ -23,7 +23,7 @@ void parse(const char* text) {
 } // namespace
 
 // Each case runs in a separate process, so the library has not been used before.
-TEST(XmlGuard, TheFirstUseOfTheLibraryMayBeOnSeveralThreadsAtOnce) {
+TEST(XmlGuard, SeveralThreadsMayInitialiseTheLibraryConcurrently) {
     const auto use = [] {
         const XmlGuard guard;
         EXPECT_NE(ZelUnified::makeXmlBuffer(xmlNode{}), nullptr);
@@ -57,7 +57,7 @@ TEST(XmlGuard, RestoresTheHandlersOfTheProcess) {
     xmlSetStructuredErrorFunc(nullptr, nullptr);
 }
 
-TEST(XmlGuard, SwitchesTheDefaultsOffAndBackOn) {
+TEST(XmlGuard, DisablesTheDefaultsOfTheLibraryUntilItIsDestroyed) {
     xmlSubstituteEntitiesDefaultValue = 1;
     xmlLoadExtDtdDefaultValue = 1;
     xmlDoValidityCheckingDefaultValue = 1;
@@ -79,7 +79,7 @@ TEST(XmlGuard, SwitchesTheDefaultsOffAndBackOn) {
     xmlKeepBlanksDefaultValue = 1;
 }
 
-TEST(XmlGuard, NestsWithoutLosingTheOuterSilence) {
+TEST(XmlGuard, AnInnerGuardKeepsTheOuterOneInEffect) {
     testing::internal::CaptureStderr();
     {
         const XmlGuard outer;
