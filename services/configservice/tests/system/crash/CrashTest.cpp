@@ -101,7 +101,7 @@ protected:
     unsigned long starts = 0;
 };
 
-TEST_P(CrashTest, TheNextProcessBeginsWithWhatWasOnTheDisk) {
+TEST_P(CrashTest, TheNextProcessReadsTheLastContentOnTheDisk) {
     SCOPED_TRACE("LUMORA_CRASH_SEED=" + std::to_string(seed));
     const unsigned long rounds = crash_test::countRounds();
     for (unsigned long round = 0; round < rounds && !HasFailure(); ++round) {

@@ -55,7 +55,7 @@ protected:
     std::array<unsigned long, 2> counts{};                       ///< The number of loaded files and of written files.
 };
 
-TEST_F(ManyWritersCrashTest, TheNextProcessBeginsWithWhatWasOnTheDiskInEachFile) {
+TEST_F(ManyWritersCrashTest, TheNextProcessReadsTheLastContentOfEachFile) {
     SCOPED_TRACE("LUMORA_CRASH_SEED=" + std::to_string(seed));
     const unsigned long rounds = crash_test::countRounds();
     for (unsigned long round = 0; round < rounds && !HasFailure(); ++round) {

@@ -33,7 +33,7 @@ protected:
     testing_host::SmallDisk disk{session.profile.config(), std::size_t{128} << 10};
 };
 
-TEST_F(RealDisk, FullOneKeepsItsFilesAndTakesChangesWhenThereIsRoomAgain) {
+TEST_F(RealDisk, AFullDiskKeepsItsFilesAndIsWrittenOnceItHasSpace) {
     disk.fill();
     session.restart();
     changeAll(session, L"new");
@@ -45,7 +45,7 @@ TEST_F(RealDisk, FullOneKeepsItsFilesAndTakesChangesWhenThereIsRoomAgain) {
     expectAtTheNextStart(session, L"newest");
 }
 
-TEST_F(RealDisk, ReadOnlyOneServesItsFilesAndTakesChangesWhenItIsWritableAgain) {
+TEST_F(RealDisk, AReadOnlyDiskIsReadAndIsWrittenOnceItIsWritable) {
     ASSERT_TRUE(disk.setReadOnly(true));
     session.restart();
     EXPECT_EQ(session.valueOf(L"k"), L"old");

@@ -99,12 +99,12 @@ protected:
     testing_host::CountedTimers timers;
 };
 
-TEST_F(LongLife, OneServiceHoldsNoMoreAfterAllItsCycles) {
+TEST_F(LongLife, OneServiceLeaksNothingInManyCycles) {
     ServiceLife life(timers);
     expectFlat([&life](std::size_t number) { life.playCycle(number); });
 }
 
-TEST_F(LongLife, ManyServicesOneAfterTheOtherLeaveNothingBehind) {
+TEST_F(LongLife, ManyConsecutiveServicesLeakNothing) {
     std::optional<ServiceLife> life;
     expectFlat([&](std::size_t number) {
         if (!life) {

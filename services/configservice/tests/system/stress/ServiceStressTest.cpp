@@ -27,7 +27,7 @@ std::chrono::seconds wantedTime() {
 
 } // namespace
 
-TEST(ServiceStress, EveryKindOfCallerAtOnceAndAnEndInTheMiddle) {
+TEST(ServiceStress, SupportsConcurrentCallersOfEveryKindAndAnEndDuringTheirWork) {
     const auto end = Clock::now() + wantedTime();
     int reactions = 0;
     std::uint32_t life = 0;
