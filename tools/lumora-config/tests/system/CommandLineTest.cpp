@@ -30,7 +30,7 @@ TEST(CommandLine, VersionIsShown) {
     EXPECT_THAT(outcome.out, StartsWith("lumora-config "));
 }
 
-TEST(CommandLine, WhatMakesNoSenseEndsWithTwoAndAMessage) {
+TEST(CommandLine, AnInvalidCommandLineExitsWith2AndAMessage) {
     const std::vector<Arguments> senseless{{},
                                            {"--no-such-option", "stores"},
                                            {"no-such-command"},

@@ -234,7 +234,7 @@ TEST(ImportPolicy, ADryRunGivesTheReasonsOfTheImport) {
     EXPECT_THAT(imported.error, StartsWith(messages));
 }
 
-TEST(ImportPolicy, AKeyThatIsAlmostThePolicyKeyEndsWithOne) {
+TEST(ImportPolicy, AKeyThatResemblesThePolicyKeyExitsWith1) {
     const Profile profile;
     const auto file =
         profile.write("p.reg", version + "[HKEY_CURRENT_USER\\Software\\Policies\\Ventrix Systems Inc.\\Unified "

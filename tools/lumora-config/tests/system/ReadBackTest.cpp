@@ -155,7 +155,7 @@ TEST_F(ReadBack, OfValuesWithBlanksAndMarkupSucceeds) {
     EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
 }
 
-TEST(ReadBackOfSet, OfAKeyThatTheFileKeepsUnderItsNewNameSucceeds) {
+TEST(ReadBackOfSet, OfAnOldNameStoredUnderItsNewNameSucceeds) {
     const Profile profile;
     const auto outcome = profile.run({"set", "VVM_Mailstore_Server_0", "v.example"});
     EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
