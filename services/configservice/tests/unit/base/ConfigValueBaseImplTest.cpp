@@ -26,20 +26,20 @@ using testing::IsEmpty;
 /// Reports when the memory of a shared object is freed, which happens after the last weak pointer to it is removed from
 /// every list.
 template <class T>
-class TellingAllocator {
+class ReportingAllocator {
 public:
     using value_type = T;
 
-    explicit TellingAllocator(std::shared_ptr<bool> flag) : freed(std::move(flag)) {}
+    explicit ReportingAllocator(std::shared_ptr<bool> flag) : freed(std::move(flag)) {}
     template <class Other>
-    explicit TellingAllocator(const TellingAllocator<Other>& other) : freed(other.freed) {}
+    explicit ReportingAllocator(const ReportingAllocator<Other>& other) : freed(other.freed) {}
 
     T* allocate(std::size_t count) { return std::allocator<T>().allocate(count); }
     void deallocate(T* memory, std::size_t count) {
         std::allocator<T>().deallocate(memory, count);
         *freed = true;
     }
-    bool operator==(const TellingAllocator& other) const = default;
+    bool operator==(const ReportingAllocator& other) const = default;
 
     std::shared_ptr<bool> freed;
 };
@@ -98,7 +98,7 @@ TEST_F(ConfigValueBaseImplTest, ASetterAssignsItsPropertyAndFiresNothing) {
     EXPECT_TRUE(record->getisDefined());
     EXPECT_EQ(record->getValueStoreName(), L"vs");
     EXPECT_EQ(record->getOriginalValueStoreName(), L"ovs");
-    EXPECT_THAT(observer->heard, IsEmpty());
+    EXPECT_THAT(observer->received, IsEmpty());
 }
 
 TEST_F(ConfigValueBaseImplTest, DefinedAndOverriddenDoNotFollowFromEachOther) {
@@ -118,8 +118,8 @@ TEST_F(ConfigValueBaseImplTest, EachFiringCallsTheOperationOfItsProperty) {
     record->fireisDefined();
     record->fireValueStoreName();
     record->fireOriginalValueStoreName();
-    EXPECT_THAT(observer->heard, ElementsAre("Key", "Value", "OriginalValue", "isOverridden", "isDefined",
-                                             "ValueStoreName", "OriginalValueStoreName"));
+    EXPECT_THAT(observer->received, ElementsAre("Key", "Value", "OriginalValue", "isOverridden", "isDefined",
+                                                "ValueStoreName", "OriginalValueStoreName"));
 }
 
 TEST_F(ConfigValueBaseImplTest, TheNotifierSetIsCreatedOnceAndFiresOnceForEachFiring) {
@@ -173,22 +173,23 @@ TEST_F(ConfigValueBaseImplTest, AnObserverAddedTwiceIsCalledOnceAndARemovedOneIs
     const auto observer = observe();
     record->addObserver(observer);
     record->fireValue();
-    EXPECT_THAT(observer->heard, ElementsAre("Value"));
+    EXPECT_THAT(observer->received, ElementsAre("Value"));
     record->removeObserver(observer);
     record->fireValue();
-    EXPECT_THAT(observer->heard, ElementsAre("Value"));
+    EXPECT_THAT(observer->received, ElementsAre("Value"));
 }
 
 TEST_F(ConfigValueBaseImplTest, AnObserverOfAnotherTypeIsSkippedAndStaysRegistered) {
     const auto forgotten = std::make_shared<bool>(false);
-    auto other = std::allocate_shared<RecordingServiceObserver>(TellingAllocator<RecordingServiceObserver>(forgotten));
+    auto other =
+        std::allocate_shared<RecordingServiceObserver>(ReportingAllocator<RecordingServiceObserver>(forgotten));
     const auto observer = std::make_shared<RecordingValueObserver>();
     const std::shared_ptr<UnifiedBusinessObject> object = record;
     object->addObserver(std::weak_ptr<UnifiedBusinessObjectObserver>(other));
     record->addObserver(observer);
     record->fireValue();
     record->fireValue();
-    EXPECT_THAT(observer->heard, ElementsAre("Value", "Value"));
+    EXPECT_THAT(observer->received, ElementsAre("Value", "Value"));
     EXPECT_EQ(other->readyChanges + other->bulkUpdateChanges, 0);
     other.reset();
     EXPECT_FALSE(*forgotten);
@@ -196,7 +197,7 @@ TEST_F(ConfigValueBaseImplTest, AnObserverOfAnotherTypeIsSkippedAndStaysRegister
 
 TEST_F(ConfigValueBaseImplTest, AFiringReleasesDestroyedObservers) {
     const auto forgotten = std::make_shared<bool>(false);
-    auto dead = std::allocate_shared<RecordingValueObserver>(TellingAllocator<RecordingValueObserver>(forgotten));
+    auto dead = std::allocate_shared<RecordingValueObserver>(ReportingAllocator<RecordingValueObserver>(forgotten));
     record->addObserver(dead);
     dead.reset();
     EXPECT_FALSE(*forgotten);
@@ -229,12 +230,12 @@ TEST_F(ConfigValueBaseImplTest, ACallbackMayAddAndRemoveObserversOnTheSameRecord
         record->removeObserver(first);
     };
     record->fireValue();
-    EXPECT_THAT(removed->heard, ElementsAre("Value")) << "the pass goes on with those it began with";
-    EXPECT_THAT(added->heard, IsEmpty());
+    EXPECT_THAT(removed->received, ElementsAre("Value")) << "the firing calls the observers it started with";
+    EXPECT_THAT(added->received, IsEmpty());
     record->fireValue();
-    EXPECT_THAT(first->heard, ElementsAre("Value"));
-    EXPECT_THAT(removed->heard, ElementsAre("Value"));
-    EXPECT_THAT(added->heard, ElementsAre("Value"));
+    EXPECT_THAT(first->received, ElementsAre("Value"));
+    EXPECT_THAT(removed->received, ElementsAre("Value"));
+    EXPECT_THAT(added->received, ElementsAre("Value"));
 }
 
 TEST_F(ConfigValueBaseImplTest, AnObserverReleasedDuringAFiringIsStillCalled) {
@@ -254,7 +255,7 @@ TEST_F(ConfigValueBaseImplTest, AnExceptionOfAnObserverStopsTheFiringAndPropagat
     const auto second = observe();
     first->reaction = [](const std::string&) { throw std::runtime_error("refused"); };
     EXPECT_THROW(record->fireValue(), std::runtime_error);
-    EXPECT_THAT(second->heard, IsEmpty());
+    EXPECT_THAT(second->received, IsEmpty());
 }
 
 using Operation = std::pair<std::string, std::function<void(PlainRecord&)>>;
@@ -302,7 +303,7 @@ TEST_F(ConfigValueBaseImplTest, CallsOnAnotherThreadThrowLogAnErrorAndChangeNoth
     EXPECT_EQ(record->getValue(), L"a value never logged");
     EXPECT_EQ(record->getOriginalValue() + record->getValueStoreName() + record->getOriginalValueStoreName(), L"");
     EXPECT_FALSE(record->getisOverridden() || record->getisDefined());
-    EXPECT_THAT(observer->heard, IsEmpty());
+    EXPECT_THAT(observer->received, IsEmpty());
 }
 
 TEST_F(ConfigValueBaseImplTest, ObserversNotifiersGuidAndNameAreAccessibleOnEveryThread) {

@@ -94,7 +94,7 @@ TEST_F(PropertyNotifierConnectionImplTest, ThrowsWithoutASharedOwnerOnlyIfItAcce
     Connection unowned([] {}, list);
     EXPECT_THROW(unowned.connect(), std::bad_weak_ptr);
     EXPECT_FALSE(unowned.connected());
-    EXPECT_NO_THROW(unowned.disconnect()) << "an empty list is not walked";
+    EXPECT_NO_THROW(unowned.disconnect()) << "an empty list is not searched";
     makeConnection()->connect();
     EXPECT_THROW(unowned.disconnect(), std::bad_weak_ptr);
     list.reset();

@@ -68,7 +68,7 @@ TEST_F(UnifiedServiceImplTest, BothGettersReturnTheSameNotifierSet) {
     int fired = 0;
     notifiers->getBulkUpdateInProgressNotifier()->connect([&] { ++fired; });
     service->fireOnBulkUpdateInProgressChanged();
-    EXPECT_EQ(fired, 1) << "asking again must not register the set again";
+    EXPECT_EQ(fired, 1) << "a second request must not register the set again";
 }
 
 TEST_F(UnifiedServiceImplTest, TheNotifierSetIsRegisteredOnceWithTheServicesAddObserver) {

@@ -102,7 +102,7 @@ TEST(Mutex, AScopedLockThatWasReleasedDoesNotUnlockAgain) {
         lock.release();
         EXPECT_TRUE(observed.isHeld()) << "the second release unlocked";
     }
-    EXPECT_TRUE(observed.isHeld()) << "the end of the scope unlocked";
+    EXPECT_TRUE(observed.isHeld()) << "the destructor released the lock again";
     observed.mutex.unlock();
     EXPECT_FALSE(observed.isHeld());
 }

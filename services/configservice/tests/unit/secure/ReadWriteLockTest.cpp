@@ -162,7 +162,7 @@ TEST_F(ReadWriteLockTest, AScopedLockThatWasReleasedDoesNotUnlockAgain) {
         inner.release();
     }
     auto writer = start<WriteLock>("writer");
-    EXPECT_TRUE(waitForWaitingWriter()) << "the outer lock was given up early";
+    EXPECT_TRUE(waitForWaitingWriter()) << "the outer lock was released early";
     outer.release();
     EXPECT_EQ(writer.wait_for(watchdog), std::future_status::ready);
 }

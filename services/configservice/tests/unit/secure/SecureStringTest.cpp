@@ -146,7 +146,7 @@ TEST(SecureString, CopyEncryptsWithANewVectorAndIsIndependent) {
     SecureString secret("secret");
     const auto copied = std::dynamic_pointer_cast<const SecureString>(secret.copy());
     ASSERT_NE(copied, nullptr);
-    EXPECT_NE(copied->toBytes(), secret.toBytes()) << "a vector of its own";
+    EXPECT_NE(copied->toBytes(), secret.toBytes()) << "a new vector";
     secret.setContent("other", 5);
     EXPECT_EQ(clearTextOf(*copied), "secret");
     EXPECT_TRUE(SecureString().copy()->isEmpty());

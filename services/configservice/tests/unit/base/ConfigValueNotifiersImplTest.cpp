@@ -1,28 +1,14 @@
-#include "base/ConfigServiceNotifiersImpl.h"
 #include "base/ConfigValueNotifiersImpl.h"
-#include "base/UnifiedServiceNotifiersImpl.h"
+
+#include "NotifierFollower.h"
 
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <string>
-#include <utility>
 #include <vector>
 
 namespace ZelUnified {
 namespace {
-
-using Names = std::vector<std::string>;
-
-/// Records the firings of the notifiers of a set, in order.
-struct Follower {
-    void follow(const std::shared_ptr<PropertyNotifier>& notifier, const std::string& property) {
-        notifier->connect([this, property] { fired.push_back(property); });
-    }
-    Names take() { return std::exchange(fired, {}); }
-
-    Names fired;
-};
 
 struct ConfigValueNotifiersImplTest : testing::Test {
     void followAll() {
@@ -37,7 +23,7 @@ struct ConfigValueNotifiersImplTest : testing::Test {
     }
 
     std::shared_ptr<ConfigValueNotifiersImpl> set = std::make_shared<ConfigValueNotifiersImpl>();
-    Follower follower;
+    NotifierFollower follower;
 };
 
 TEST_F(ConfigValueNotifiersImplTest, CreatesEachNotifierOnce) {
@@ -61,35 +47,35 @@ TEST_F(ConfigValueNotifiersImplTest, CreatesEachNotifierOnce) {
 TEST_F(ConfigValueNotifiersImplTest, FiresTheNotifierOfEachChangedProperty) {
     followAll();
     set->OnKeyChanged();
-    EXPECT_EQ(follower.take(), Names{"Key"});
+    EXPECT_EQ(follower.take(), NotifierFollower::Names{"Key"});
     set->OnValueChanged();
-    EXPECT_EQ(follower.take(), Names{"Value"});
+    EXPECT_EQ(follower.take(), NotifierFollower::Names{"Value"});
     set->OnOriginalValueChanged();
-    EXPECT_EQ(follower.take(), Names{"OriginalValue"});
+    EXPECT_EQ(follower.take(), NotifierFollower::Names{"OriginalValue"});
     set->OnisOverriddenChanged();
-    EXPECT_EQ(follower.take(), Names{"isOverridden"});
+    EXPECT_EQ(follower.take(), NotifierFollower::Names{"isOverridden"});
     set->OnisDefinedChanged();
-    EXPECT_EQ(follower.take(), Names{"isDefined"});
+    EXPECT_EQ(follower.take(), NotifierFollower::Names{"isDefined"});
     set->OnValueStoreNameChanged();
-    EXPECT_EQ(follower.take(), Names{"ValueStoreName"});
+    EXPECT_EQ(follower.take(), NotifierFollower::Names{"ValueStoreName"});
     set->OnOriginalValueStoreNameChanged();
-    EXPECT_EQ(follower.take(), Names{"OriginalValueStoreName"});
+    EXPECT_EQ(follower.take(), NotifierFollower::Names{"OriginalValueStoreName"});
     set->OnGuidChanged();
-    EXPECT_EQ(follower.take(), Names{"Guid"});
+    EXPECT_EQ(follower.take(), NotifierFollower::Names{"Guid"});
 }
 
 TEST_F(ConfigValueNotifiersImplTest, OnInfoChangedFiresAllNotifiersInOrderExceptTheGuids) {
     followAll();
     set->OnInfoChanged();
-    EXPECT_EQ(follower.fired, (Names{"Key", "Value", "OriginalValue", "isOverridden", "isDefined", "ValueStoreName",
-                                     "OriginalValueStoreName"}));
+    EXPECT_EQ(follower.fired, (NotifierFollower::Names{"Key", "Value", "OriginalValue", "isOverridden", "isDefined",
+                                                       "ValueStoreName", "OriginalValueStoreName"}));
 }
 
 TEST_F(ConfigValueNotifiersImplTest, AChangeOfAPropertyWithoutANotifierIsIgnored) {
     follower.follow(set->getisDefinedNotifier(), "isDefined");
     set->OnValueChanged();
     set->OnInfoChanged();
-    EXPECT_EQ(follower.fired, Names{"isDefined"});
+    EXPECT_EQ(follower.fired, NotifierFollower::Names{"isDefined"});
 }
 
 TEST_F(ConfigValueNotifiersImplTest, ACallbackMayDestroyTheNotifierSet) {
@@ -97,49 +83,7 @@ TEST_F(ConfigValueNotifiersImplTest, ACallbackMayDestroyTheNotifierSet) {
     follower.follow(set->getValueNotifier(), "Value");
     set->OnValueChanged();
     EXPECT_FALSE(set);
-    EXPECT_EQ(follower.fired, Names{"Value"});
-}
-
-TEST(ConfigServiceNotifiersImpl, FiresTheNotifierOfEachChangeAndConfigReadyOnInfoChanged) {
-    Follower follower;
-    ConfigServiceNotifiersImpl set;
-    set.OnConfigReadyChanged();
-    set.OnInfoChanged();
-    follower.follow(set.getConfigReadyNotifier(), "ConfigReady");
-    follower.follow(set.getBulkUpdateInProgressNotifier(), "BulkUpdateInProgress");
-    follower.follow(set.getGuidNotifier(), "Guid");
-    EXPECT_EQ(set.getConfigReadyNotifier(), set.getConfigReadyNotifier());
-    set.OnConfigReadyChanged();
-    EXPECT_EQ(follower.take(), Names{"ConfigReady"});
-    set.OnBulkUpdateInProgressChanged();
-    EXPECT_EQ(follower.take(), Names{"BulkUpdateInProgress"});
-    set.OnGuidChanged();
-    EXPECT_EQ(follower.take(), Names{"Guid"});
-    set.OnInfoChanged();
-    EXPECT_EQ(follower.take(), Names{"ConfigReady"});
-}
-
-TEST(UnifiedServiceNotifiersImpl, FiresTheNotifierOfEachChangeAndBulkUpdateOnInfoChanged) {
-    Follower follower;
-    UnifiedServiceNotifiersImpl set;
-    follower.follow(set.getBulkUpdateInProgressNotifier(), "BulkUpdateInProgress");
-    follower.follow(set.getGuidNotifier(), "Guid");
-    set.OnInfoChanged();
-    EXPECT_EQ(follower.take(), Names{"BulkUpdateInProgress"});
-    set.OnBulkUpdateInProgressChanged();
-    EXPECT_EQ(follower.take(), Names{"BulkUpdateInProgress"});
-    set.OnGuidChanged();
-    EXPECT_EQ(follower.take(), Names{"Guid"});
-}
-
-TEST(UnifiedBusinessObjectNotifiersImpl, FiresTheGuidsNotifierOnGuidAndInfoChanged) {
-    Follower follower;
-    UnifiedBusinessObjectNotifiersImpl set;
-    set.OnInfoChanged();
-    follower.follow(set.getGuidNotifier(), "Guid");
-    set.OnGuidChanged();
-    set.OnInfoChanged();
-    EXPECT_EQ(follower.fired, (Names{"Guid", "Guid"}));
+    EXPECT_EQ(follower.fired, NotifierFollower::Names{"Value"});
 }
 
 } // namespace
