@@ -271,8 +271,8 @@ TEST_F(ConfigFileCacheTimerTest, IgnoresANullCallback) {
 }
 
 TEST_F(ConfigFileCacheTimerTest, DoesNothingWithoutADispatcher) {
-    ConfigFileCacheTimer orphan(nullptr);
-    orphan.scheduleTimer(first, 0);
+    ConfigFileCacheTimer timerWithoutFactory(nullptr);
+    timerWithoutFactory.scheduleTimer(first, 0);
     clock.advance(0);
     EXPECT_EQ(first->fired, 0);
 }

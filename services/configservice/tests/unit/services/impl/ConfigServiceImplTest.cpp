@@ -113,7 +113,7 @@ TEST_F(ConfigServiceImplTest, ResetRemovesTheRecordsAndKeepsSensitiveKeysAndOldN
     EXPECT_THAT(*service->getAllConfig(), IsEmpty());
     announce(L"New", L"after");
     EXPECT_EQ(held->getValue(), L"before");
-    EXPECT_THAT(observer->heard, IsEmpty());
+    EXPECT_THAT(observer->received, IsEmpty());
     const auto fresh = service->getConfig(L"Old");
     EXPECT_NE(fresh, held);
     EXPECT_EQ(fresh->getValue(), L"after");
@@ -238,7 +238,7 @@ TEST_F(ConfigServiceImplTest, CallsOnAnotherThreadThrowAndChangeNothing) {
         ASSERT_EQ(errors.size(), 1U);
         EXPECT_THAT(errors[0], testing::HasSubstr("ConfigServiceBaseImpl {"));
     }
-    EXPECT_THAT(observer->heard, IsEmpty());
+    EXPECT_THAT(observer->received, IsEmpty());
     EXPECT_EQ(service->getAllConfig()->size(), 1U);
     EXPECT_EQ(service->getConfig(L"Old")->getValue(), L"w");
     EXPECT_FALSE(service->isKeySensitive(L"known"));
@@ -257,11 +257,11 @@ TEST_F(ConfigServiceImplTest, ThreeOperationsSucceedOnEveryThread) {
 }
 
 TEST(ConfigServiceImpl, WithoutAFactoryEveryOperationThrowsOrReturnsFalse) {
-    ConfigServiceImpl orphan(nullptr);
-    EXPECT_THROW(orphan.getConfig(L"k"), UpdateAccessError);
-    EXPECT_FALSE(orphan.setUrlProvisioningData(L"data"));
-    EXPECT_FALSE(orphan.resetAllowUriProvisioningData());
-    EXPECT_THAT(*orphan.getAllConfig(), IsEmpty());
+    ConfigServiceImpl withoutFactory(nullptr);
+    EXPECT_THROW(withoutFactory.getConfig(L"k"), UpdateAccessError);
+    EXPECT_FALSE(withoutFactory.setUrlProvisioningData(L"data"));
+    EXPECT_FALSE(withoutFactory.resetAllowUriProvisioningData());
+    EXPECT_THAT(*withoutFactory.getAllConfig(), IsEmpty());
 }
 
 } // namespace

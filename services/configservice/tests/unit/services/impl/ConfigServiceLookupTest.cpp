@@ -252,7 +252,7 @@ TEST_F(ConfigServiceLookup, AFiringOfTheCalendarKeyRunsItsCheckAndCallsNoObserve
     service->FireIfRequired(L"calendarintegrationtype");
     EXPECT_EQ(service->getConfig(L"calendarintegrationtype")->getValue(), L"2");
     EXPECT_EQ(registry->getOpened().size(), 1U);
-    EXPECT_THAT(observer->heard, IsEmpty());
+    EXPECT_THAT(observer->received, IsEmpty());
 }
 
 TEST_F(ConfigServiceLookup, AStoresValueOfTheCalendarKeyOverridesItsCheck) {
@@ -279,7 +279,7 @@ TEST_F(ConfigServiceLookup, InFipsModeALookupOverwritesAValueThatNamesTheFipsKey
     const auto all = service->getAllConfig();
     EXPECT_EQ(all->back()->getValue(), L"false");
     service->FireIfRequired(L"Asked");
-    EXPECT_THAT(observer->heard, IsEmpty());
+    EXPECT_THAT(observer->received, IsEmpty());
     zel::common::FipsUtils::overrideFipsMode(false);
     EXPECT_EQ(service->getConfig(L"Asked")->getValue(), L"false") << "the stored value itself is gone";
     EXPECT_EQ(service->getConfig(L"Listed")->getValue(), L"false");

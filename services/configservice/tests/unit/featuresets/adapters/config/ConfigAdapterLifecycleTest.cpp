@@ -224,7 +224,7 @@ TEST_F(ConfigAdapterLifecycle, StartCreatesItsStoresBeforeItSetsTheStartedFlag) 
     adapter->StopFeatureSet(1300, nullptr);
     log.clear();
     start();
-    EXPECT_EQ(countLogged("Config FeatureSet Not Started"), 1) << "the mode in which the user's store is made is read";
+    EXPECT_EQ(countLogged("Config FeatureSet Not Started"), 1) << "the mode of the user's store is read";
     EXPECT_TRUE(inChain("LocalFileConfigStore"));
 }
 

@@ -100,12 +100,12 @@ TEST_F(ConfigAdapterNotifications, EveryArgumentOfAPostedChangeSetsItsProperty) 
         announce(definedChange, false);
     }).join();
     EXPECT_EQ(readRecord(L"k").value, L"");
-    EXPECT_THAT(observer->heard, IsEmpty());
+    EXPECT_THAT(observer->received, IsEmpty());
     factory->servicesDispatcher->runAll();
     EXPECT_EQ(readRecord(L"k"), definedChange);
-    EXPECT_THAT(observer->heard, ElementsAre("Value", "OriginalValue", "isOverridden", "ValueStoreName",
-                                             "OriginalValueStoreName", "Value", "OriginalValue", "isOverridden",
-                                             "isDefined", "ValueStoreName", "OriginalValueStoreName"));
+    EXPECT_THAT(observer->received, ElementsAre("Value", "OriginalValue", "isOverridden", "ValueStoreName",
+                                                "OriginalValueStoreName", "Value", "OriginalValue", "isOverridden",
+                                                "isDefined", "ValueStoreName", "OriginalValueStoreName"));
     // The whole record is updated before the first property fires.
     ASSERT_EQ(seen.size(), 11U);
     EXPECT_THAT(std::vector(seen.begin(), seen.begin() + 5), testing::Each(overriddenChange));
@@ -118,16 +118,16 @@ TEST_F(ConfigAdapterNotifications, EveryArgumentOfAPostedDeferredChangeSetsItsPr
     std::thread([&] { announce(overriddenChange, true); }).join();
     factory->servicesDispatcher->runAll();
     EXPECT_EQ(readRecord(L"k"), overriddenChange);
-    EXPECT_THAT(observer->heard, IsEmpty());
+    EXPECT_THAT(observer->received, IsEmpty());
     std::thread([&] { announce(definedChange, true); }).join();
     factory->servicesDispatcher->runAll();
     EXPECT_EQ(readRecord(L"k"), definedChange);
-    EXPECT_THAT(observer->heard, IsEmpty());
+    EXPECT_THAT(observer->received, IsEmpty());
     std::thread([&] { adapter->onFireIfRequired(L"k"); }).join();
-    EXPECT_THAT(observer->heard, IsEmpty());
+    EXPECT_THAT(observer->received, IsEmpty());
     factory->servicesDispatcher->runAll();
-    EXPECT_THAT(observer->heard, ElementsAre("Value", "OriginalValue", "isOverridden", "isDefined", "ValueStoreName",
-                                             "OriginalValueStoreName"));
+    EXPECT_THAT(observer->received, ElementsAre("Value", "OriginalValue", "isOverridden", "isDefined", "ValueStoreName",
+                                                "OriginalValueStoreName"));
 }
 
 TEST_F(ConfigAdapterNotifications, PostedChangesAreDeliveredInOrder) {

@@ -59,11 +59,11 @@ TEST_F(ConfigAdapterOvertakenChanges, AQueuedWriteDoesNotOverwriteALaterDirectOn
     onDispatcher();
     service->setConfig(L"k", L"v12");
     EXPECT_EQ(recordOf(L"k"), L"v12");
-    observer->heard.clear();
+    observer->received.clear();
     runQueue();
     EXPECT_EQ(valueOf(L"k"), L"v12");
     EXPECT_EQ(recordOf(L"k"), L"v12");
-    EXPECT_THAT(observer->heard, IsEmpty());
+    EXPECT_THAT(observer->received, IsEmpty());
 }
 
 TEST_F(ConfigAdapterOvertakenChanges, TheKeyOfAnOvertakenWriteIsComparedIgnoringCase) {
@@ -128,11 +128,11 @@ TEST_F(ConfigAdapterOvertakenChanges, ADirectWriteOvertakesADeferredChangeOfASto
     adapter->addConfigStore(makeReadOnlyStore("S", 100, {{L"a", L"1"}, {L"k", L"store"}, {L"z", L"3"}}));
     onDispatcher();
     service->setConfig(L"k", L"user");
-    EXPECT_THAT(observer->heard, ElementsAre("Value", "OriginalValue", "isOverridden", "isDefined", "ValueStoreName",
-                                             "OriginalValueStoreName"));
-    observer->heard.clear();
+    EXPECT_THAT(observer->received, ElementsAre("Value", "OriginalValue", "isOverridden", "isDefined", "ValueStoreName",
+                                                "OriginalValueStoreName"));
+    observer->received.clear();
     runQueue();
-    EXPECT_THAT(observer->heard, IsEmpty());
+    EXPECT_THAT(observer->received, IsEmpty());
     for (const auto* key : {L"a", L"k", L"z"}) {
         expectRecordEqualsLookup(key);
     }
@@ -146,10 +146,10 @@ TEST_F(ConfigAdapterOvertakenChanges, AQueuedFiringFiresADeferredDirectChangeTha
     adapter->onFireIfRequired(L"k");
     onDispatcher();
     adapter->onConfigAddedOrUpdated(L"k", L"new", L"", false, true, L"S", L"", true);
-    EXPECT_THAT(observer->heard, IsEmpty());
+    EXPECT_THAT(observer->received, IsEmpty());
     runQueue();
     EXPECT_EQ(recordOf(L"k"), L"new");
-    EXPECT_THAT(observer->heard, ElementsAre("Value", "isDefined", "ValueStoreName"));
+    EXPECT_THAT(observer->received, ElementsAre("Value", "isDefined", "ValueStoreName"));
 }
 
 TEST_F(ConfigAdapterOvertakenChanges, SettingsMadeWhileALargeStoreIsAddedAreKept) {

@@ -50,7 +50,7 @@ TEST_F(ConfigAdapterPolicy, NineKeysAreSensitiveAtFirst) {
     EXPECT_FALSE(adapter->isKeySensitive(L"Additional_Info"));
 }
 
-TEST_F(ConfigAdapterPolicy, KeysAreSensitiveUnderBothNamesIfTheCatalogueSaysSo) {
+TEST_F(ConfigAdapterPolicy, KeysAreSensitiveUnderBothNamesAsTheCatalogueDefines) {
     load();
     for (const auto& row : ConfigKeys::keys) {
         const std::wstring name(row.name);

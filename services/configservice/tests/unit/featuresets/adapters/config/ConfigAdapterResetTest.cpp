@@ -11,9 +11,9 @@ using testing::Not;
 namespace {
 
 /// Deletes a file as soon as a line with that text is logged.
-class Meddler final : public zel::logging::LogSink {
+class FileRemovingSink final : public zel::logging::LogSink {
 public:
-    Meddler(std::string lineText, std::filesystem::path filePath)
+    FileRemovingSink(std::string lineText, std::filesystem::path filePath)
         : text(std::move(lineText)), path(std::move(filePath)) {}
     void write(const zel::logging::LogRecord& record) override {
         if (record.text == text) {
@@ -122,10 +122,10 @@ TEST_F(ConfigAdapterReset, LogsAFileItCannotDeleteAndDeletesTheOthers) {
     const auto last = write("c.log");
     load();
     // The file is already listed when it vanishes, so its deletion fails.
-    const auto meddler = std::make_shared<Meddler>("File: [" + first.string() + "] deleted", vanishing);
-    zel::logging::addSink(meddler);
+    const auto remover = std::make_shared<FileRemovingSink>("File: [" + first.string() + "] deleted", vanishing);
+    zel::logging::addSink(remover);
     reset();
-    zel::logging::removeSink(meddler);
+    zel::logging::removeSink(remover);
     EXPECT_THAT(logged(), Contains("Unable to delete file: [" + vanishing.string() + "]"));
     EXPECT_EQ(levelOf("Unable to delete file: [" + vanishing.string() + "]"), ZelLogLevel::Error);
     EXPECT_FALSE(std::filesystem::exists(last));
@@ -236,7 +236,7 @@ TEST_P(ConfigAdapterResetOption, EmptiesAllStoresButTheFiveSparedOnes) {
 
 TEST_P(ConfigAdapterResetOption, DeletesTheFilesOfTheProfileButFour) {
     reset();
-    EXPECT_FALSE(std::filesystem::exists(cacheFile("TftpConfigStore"))) << "goes with its store";
+    EXPECT_FALSE(std::filesystem::exists(cacheFile("TftpConfigStore"))) << "removed with its store";
     for (const auto& path : {userFile, backupFile, cacheFile("Orphan"), profile.config() / otherFiles[0]}) {
         EXPECT_FALSE(std::filesystem::exists(path)) << path;
         EXPECT_EQ(levelOf("File: [" + path.string() + "] deleted"), ZelLogLevel::Info);

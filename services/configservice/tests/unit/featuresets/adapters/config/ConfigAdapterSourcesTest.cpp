@@ -1,5 +1,4 @@
 #include "ConfigAdapterFixture.h"
-#include "featuresets/adapters/config/cache/CachedStoreRecord.h"
 
 namespace ZelUnified {
 
@@ -34,7 +33,7 @@ public:
 };
 
 /// A remote store that lists two keys but returns the value of one only.
-class ReluctantStore final : public ConfigStore {
+class StoreWithoutAValue final : public ConfigStore {
 public:
     bool getValue(const std::wstring& key, std::wstring& value) override {
         const bool held = key == L"answered";
@@ -146,7 +145,7 @@ TEST_F(ConfigAdapterSources, AnEntryWithAnEmptyPriorityIsRestoredWithPriority240
 
 TEST_F(ConfigAdapterSources, AListedKeyWithoutAValueIsNotCopied) {
     loadAndStart();
-    adapter->addConfigStore(std::make_shared<ReluctantStore>());
+    adapter->addConfigStore(std::make_shared<StoreWithoutAValue>());
     unload();
     load();
     EXPECT_THAT(adapter->getConfigStoreByName("Reluctant")->getKeys(), ElementsAre(L"answered"));
@@ -172,10 +171,6 @@ TEST_F(ConfigAdapterSources, AFileWithAnUppercaseExtensionRemovesNoStore) {
     adapter->removeAllCachedConfigStores();
     EXPECT_TRUE(inChain("cachedA.xml"));
     EXPECT_FALSE(inChain("cachedB.xml"));
-}
-
-TEST(CachedStoreRecord, AnEarlierEntryThatEndsWithTheNameIsCutFirst) {
-    EXPECT_EQ(CachedStoreRecord::without(L"ATftp:1;Tftp:2;", L"Tftp"), L"ATftp:2;");
 }
 
 } // namespace ZelUnified

@@ -131,7 +131,7 @@ TEST_F(ConfigAdapterStop, WaitsForADispatcherThatUsesTheChain) {
         service->logConfig();
     });
     factory->getFeatureSetAdapter(configServiceId)->StopFeatureSet(configServiceId, nullptr);
-    EXPECT_EQ(seen, L"v") << "what was queued before the stop has run";
+    EXPECT_EQ(seen, L"v") << "tasks queued before the stop have run";
     EXPECT_FALSE(factory->IsFeatureSetStarted(configServiceId));
 }
 

@@ -78,7 +78,7 @@ protected:
     void observe(const std::wstring& key, const std::shared_ptr<ReactingObserver>& observer) {
         onDispatcher([&] { service->getConfig(key)->addObserver(std::weak_ptr<ConfigValueObserver>(observer)); });
     }
-    bool standsOnDispatcher() const { return factory->getServicesDispatcher()->checkForUpdateAccess(); }
+    bool isOnDispatcher() const { return factory->getServicesDispatcher()->checkForUpdateAccess(); }
 
     static void runInThreads(int count, const std::function<void(int)>& work) {
         std::vector<std::thread> threads;
@@ -103,15 +103,15 @@ constexpr int rounds = 40;
 } // namespace
 
 TEST_F(ConfigAdapterThreads, AWriteOnAWorkerCallsObserversOnTheServicesDispatcher) {
-    testing_host::Signal heard;
+    testing_host::Signal received;
     std::atomic<bool> onTheRightThread = false;
     const auto observer = std::make_shared<ReactingObserver>([&] {
-        onTheRightThread = standsOnDispatcher();
-        heard.set();
+        onTheRightThread = isOnDispatcher();
+        received.set();
     });
     observe(L"k", observer);
     std::thread([this] { featureSet->setConfig(L"k", L"v"); }).join();
-    ASSERT_TRUE(heard.wait());
+    ASSERT_TRUE(received.wait());
     EXPECT_TRUE(onTheRightThread);
     EXPECT_EQ(recordOf(L"k"), L"v");
 }

@@ -51,4 +51,8 @@ TEST(CachedStoreRecord, AnUnknownNameCutsNothing) {
     EXPECT_EQ(CachedStoreRecord::without(L"A:1;", L"B"), L"A:1;");
 }
 
+TEST(CachedStoreRecord, AnEarlierEntryThatEndsWithTheNameIsCutFirst) {
+    EXPECT_EQ(CachedStoreRecord::without(L"ATftp:1;Tftp:2;", L"Tftp"), L"ATftp:2;");
+}
+
 } // namespace ZelUnified

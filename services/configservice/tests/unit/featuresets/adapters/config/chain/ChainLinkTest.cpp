@@ -15,9 +15,9 @@ namespace ZelUnified {
 namespace {
 
 /// A store of another service that derives from one of the library's and returns other values.
-class BoastfulStore final : public XmlConfigStore {
+class OverridingStore final : public XmlConfigStore {
 public:
-    BoastfulStore() : XmlConfigStore("BoastfulStore", 1, true, false, "", false) {}
+    OverridingStore() : XmlConfigStore("BoastfulStore", 1, true, false, "", false) {}
 
     bool getValue(const std::wstring& key, std::wstring& value) override {
         value = L"my own " + key;
@@ -49,7 +49,7 @@ TEST(ChainLink, ReadsAStoreOfAnotherService) {
 }
 
 TEST(ChainLink, CallsTheOverrideOfADerivedStore) {
-    EXPECT_EQ(ask(ChainLink(std::make_shared<BoastfulStore>()), L"Key"), L"my own Key");
+    EXPECT_EQ(ask(ChainLink(std::make_shared<OverridingStore>()), L"Key"), L"my own Key");
 }
 
 TEST(ChainLink, ListsTheKeysAsTheStoreDoes) {
@@ -63,7 +63,7 @@ TEST(ChainLink, ListsTheKeysAsTheStoreDoes) {
         EXPECT_EQ(keys[0], L"A");
         EXPECT_EQ(keys[1], L"b");
     }
-    const KeyList keys = ChainLink(std::make_shared<BoastfulStore>()).listKeys();
+    const KeyList keys = ChainLink(std::make_shared<OverridingStore>()).listKeys();
     ASSERT_EQ(keys.size(), 1U);
     EXPECT_EQ(keys[0], L"mine");
 }

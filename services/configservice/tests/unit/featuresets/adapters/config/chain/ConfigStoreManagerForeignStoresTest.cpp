@@ -179,7 +179,7 @@ TEST(ConfigStoreManagerForeignStores, CauseTheSameAnnouncementsAndLinesAsStoresO
         }
         lines += told.size();
     }
-    EXPECT_GT(lines, 5000U) << "the steps announce something";
+    EXPECT_GT(lines, 5000U) << "the steps cause no announcement";
 }
 
 } // namespace

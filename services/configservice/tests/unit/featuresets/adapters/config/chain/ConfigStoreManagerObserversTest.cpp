@@ -1,6 +1,6 @@
 #include "ConfigStoreManagerFixture.h"
+#include "StoreAddedRecorder.h"
 
-#include <ConfigStoreAddedObserver.h>
 #include <Watchdog.h>
 
 #include <thread>
@@ -10,17 +10,6 @@ namespace ZelUnified {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-namespace {
-
-class StoreAddedRecorder final : public ConfigStoreAddedObserver {
-public:
-    void OnConfigStoreAdded(const std::string& storeName) override { names.push_back(storeName); }
-
-    std::vector<std::string> names;
-};
-
-} // namespace
 
 /// Tests which observers are notified, when, and what a callback may do.
 class ConfigStoreManagerObservers : public ConfigStoreManagerFixture {};
@@ -62,53 +51,12 @@ TEST_F(ConfigStoreManagerObservers, AllOfManySensitiveKeysAreFoundIgnoringCase) 
     }
 }
 
-TEST_F(ConfigStoreManagerObservers, UnregisteringAStoreAddedObserverRemovesAllItsRegistrations) {
-    const auto added = std::make_shared<StoreAddedRecorder>();
-    manager.registerConfigStoreAddedObserver(added);
-    manager.registerConfigStoreAddedObserver(added);
-    manager.addStore(makeReadOnlyStore("A", 1));
-    factory->backgroundDispatcher->runAll();
-    EXPECT_THAT(added->names, ElementsAre("A", "A"));
-    log.clear();
-    manager.unregisterConfigStoreAddedObserver(added);
-    EXPECT_THAT(logged(), ElementsAre("ConfigStoreAddedObserver unregistered"));
-    manager.addStore(makeReadOnlyStore("B", 1));
-    EXPECT_THAT(factory->backgroundDispatcher->getTaskNames(), IsEmpty());
-}
-
-TEST_F(ConfigStoreManagerObservers, APendingNotificationKeepsItsStoreAddedObserverAlive) {
-    auto added = std::make_shared<StoreAddedRecorder>();
-    manager.registerConfigStoreAddedObserver(added);
-    manager.addStore(makeReadOnlyStore("A", 1));
-    const std::weak_ptr<StoreAddedRecorder> watched = added;
-    added.reset();
-    EXPECT_FALSE(watched.expired());
-    factory->backgroundDispatcher->runAll();
-    EXPECT_TRUE(watched.expired());
-    manager.addStore(makeReadOnlyStore("B", 1));
-    EXPECT_THAT(factory->backgroundDispatcher->getTaskNames(), IsEmpty());
-}
-
-TEST_F(ConfigStoreManagerObservers, RegistrationOfStoreAddedObserversIsLogged) {
-    manager.registerConfigStoreAddedObserver(nullptr);
-    EXPECT_THAT(log.getRecords(), IsEmpty());
-    const auto added = std::make_shared<StoreAddedRecorder>();
-    manager.registerConfigStoreAddedObserver(added);
-    manager.unregisterConfigStoreAddedObserver(nullptr);
-    manager.unregisterConfigStoreAddedObserver(std::make_shared<StoreAddedRecorder>());
-    EXPECT_THAT(logged(), ElementsAre("ConfigStoreAddedObserver registered",
-                                      "Attempt to unregister null ConfigStoreAddedObserver",
-                                      "Attempt to unregister unknown ConfigStoreAddedObserver"));
-    EXPECT_THAT(loggedAt(ZelLogLevel::Info), ElementsAre("ConfigStoreAddedObserver registered"));
-    EXPECT_EQ(loggedAt(ZelLogLevel::Warning).size(), 2U);
-}
-
 TEST_F(ConfigStoreManagerObservers, WithoutADispatcherNotificationsAreDropped) {
-    ConfigStoreManager lonely(nullptr);
+    ConfigStoreManager managerWithoutFactory(nullptr);
     const auto added = std::make_shared<StoreAddedRecorder>();
-    lonely.registerConfigStoreAddedObserver(added);
-    lonely.addStore(makeWritableStore("A", 1));
-    EXPECT_TRUE(lonely.storeValue(L"k", L"v"));
+    managerWithoutFactory.registerConfigStoreAddedObserver(added);
+    managerWithoutFactory.addStore(makeWritableStore("A", 1));
+    EXPECT_TRUE(managerWithoutFactory.storeValue(L"k", L"v"));
     EXPECT_THAT(added->names, IsEmpty());
 }
 
@@ -155,24 +103,6 @@ TEST_F(ConfigStoreManagerObservers, StoreAddedObserversAreCalledAfterAllAnnounce
     EXPECT_EQ(factory->backgroundDispatcher->getTaskNames().size(), 1U);
 }
 
-TEST_F(ConfigStoreManagerObservers, StoreAddedObserversAreCalledInTheOrderOfTheirRegistration) {
-    struct Named final : ConfigStoreAddedObserver {
-        Named(std::string ownName, std::vector<std::string>& order) : name(std::move(ownName)), told(order) {}
-        void OnConfigStoreAdded(const std::string& storeName) override { told.push_back(name + " " + storeName); }
-        const std::string name;
-        std::vector<std::string>& told;
-    };
-    std::vector<std::string> told;
-    std::vector<std::shared_ptr<Named>> observers;
-    for (const auto* name : {"first", "second", "third"}) {
-        observers.push_back(std::make_shared<Named>(name, told));
-        manager.registerConfigStoreAddedObserver(observers.back());
-    }
-    manager.addStore(makeReadOnlyStore("R", 33));
-    factory->backgroundDispatcher->runAll();
-    EXPECT_THAT(told, ElementsAre("first R", "second R", "third R"));
-}
-
 TEST_F(ConfigStoreManagerObservers, EveryObserverIsCalledOnceAndNullIsIgnored) {
     RecordingObserver second;
     manager.addObserver(nullptr);
@@ -207,22 +137,22 @@ TEST_F(ConfigStoreManagerObservers, AStoreIsFoundByNameWhileAnotherThreadHoldsTh
 TEST_F(ConfigStoreManagerObservers, TheDispatcherIsRequestedFromTheFactoryForEachTask) {
     struct CountingFactory final : testing_host::RecordingFactory {
         std::shared_ptr<Processing::TaskDispatcher> getBackgroundDispatcher() override {
-            ++questions;
+            ++requests;
             return backgroundDispatcher;
         }
-        int questions = 0;
+        int requests = 0;
     };
     const auto counting = std::make_shared<CountingFactory>();
-    ConfigStoreManager asking(counting);
-    EXPECT_EQ(counting->questions, 0);
+    ConfigStoreManager managerOfCounting(counting);
+    EXPECT_EQ(counting->requests, 0);
     const auto first = std::make_shared<StoreAddedRecorder>();
     const auto second = std::make_shared<StoreAddedRecorder>();
-    asking.registerConfigStoreAddedObserver(first);
-    asking.registerConfigStoreAddedObserver(second);
-    asking.addStore(makeWritableStore("L", 20));
-    EXPECT_EQ(counting->questions, 2);
-    asking.storeValue(L"k", L"v");
-    EXPECT_EQ(counting->questions, 3);
+    managerOfCounting.registerConfigStoreAddedObserver(first);
+    managerOfCounting.registerConfigStoreAddedObserver(second);
+    managerOfCounting.addStore(makeWritableStore("L", 20));
+    EXPECT_EQ(counting->requests, 2);
+    managerOfCounting.storeValue(L"k", L"v");
+    EXPECT_EQ(counting->requests, 3);
 }
 
 TEST_F(ConfigStoreManagerObservers, ASensitiveKeyIsFoundWhileAnotherThreadHoldsTheChainLock) {

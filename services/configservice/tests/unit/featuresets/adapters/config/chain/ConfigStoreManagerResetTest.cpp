@@ -105,67 +105,6 @@ TEST_F(ConfigStoreManagerReset, EmptiesOneStoreWithoutALineOrAnAnnouncement) {
     EXPECT_THAT(logged(), ElementsAre("Removing all keys for store: LocalFileConfigStore"));
 }
 
-TEST_F(ConfigStoreManagerReset, RemovingACachedXmlFileAlsoRemovesTheDatFile) {
-    testing_host::writeFile(cached("cachedR.xml"), "x");
-    testing_host::writeFile(cached("cachedR.dat"), "x");
-    EXPECT_TRUE(manager.removeCachedFiles("cachedR.xml"));
-    EXPECT_FALSE(std::filesystem::exists(cached("cachedR.xml")));
-    EXPECT_FALSE(std::filesystem::exists(cached("cachedR.dat")));
-    EXPECT_THAT(logged(), ElementsAre("Removed file: " + cached("cachedR.xml").string(),
-                                      "Removed file: " + cached("cachedR.dat").string()));
-    EXPECT_EQ(loggedAt(ZelLogLevel::Info), logged());
-    EXPECT_EQ(log.getRecords().front().function, "ZelUnified::ConfigStoreManager::removeFile");
-}
-
-TEST_F(ConfigStoreManagerReset, RemovingACachedXmlFileSucceedsIfOnlyTheDatFileExists) {
-    testing_host::writeFile(cached("cachedR.dat"), "x");
-    EXPECT_TRUE(manager.removeCachedFiles("cachedR.xml"));
-    EXPECT_FALSE(std::filesystem::exists(cached("cachedR.dat")));
-}
-
-TEST_F(ConfigStoreManagerReset, RemovingACachedDatFileKeepsTheXmlFile) {
-    testing_host::writeFile(cached("cachedR.xml"), "x");
-    testing_host::writeFile(cached("cachedR.dat"), "x");
-    EXPECT_TRUE(manager.removeCachedFiles("cachedR.dat"));
-    EXPECT_TRUE(std::filesystem::exists(cached("cachedR.xml")));
-}
-
-TEST_F(ConfigStoreManagerReset, TheExtensionOfACachedFileIsComparedExactly) {
-    testing_host::writeFile(cached("cachedR.dat"), "x");
-    EXPECT_FALSE(manager.removeCachedFiles("cachedR.XML"));
-    EXPECT_TRUE(std::filesystem::exists(cached("cachedR.dat")));
-}
-
-TEST_F(ConfigStoreManagerReset, RemovingAMissingCachedFileReturnsFalseWithoutALine) {
-    EXPECT_FALSE(manager.removeCachedFiles("cachedR.xml"));
-    EXPECT_THAT(logged(), IsEmpty());
-}
-
-TEST_F(ConfigStoreManagerReset, AFileThatCannotBeRemovedIsLoggedAndReportedAsRemoved) {
-    std::filesystem::create_directories(cached("cachedR.dat"));
-    EXPECT_TRUE(manager.removeCachedFiles("cachedR.dat"));
-    EXPECT_THAT(log.getTexts(ZelLogLevel::Error),
-                ElementsAre("Failed to remove file: " + cached("cachedR.dat").string()));
-}
-
-TEST_F(ConfigStoreManagerReset, ANameThatLeadsOutOfTheCacheFolderRemovesNoFile) {
-    testing_host::writeFile(profile.config() / "victim.dat", "x");
-    testing_host::writeFile(cached("cached..") / "x.dat", "x");
-    testing_host::writeFile(cached("cached...dat"), "x");
-    testing_host::writeFile(cached("other...dat"), "x");
-    for (const auto* name : {"../victim.dat", "../victim.xml", "cached../x.dat", "cached../x.xml", "cached...dat"}) {
-        log.clear();
-        EXPECT_FALSE(manager.removeCachedFiles(name)) << name;
-        EXPECT_THAT(logged(),
-                    ElementsAre("Name contains \"..\", cached file not removed: [" + std::string(name) + "]"));
-        EXPECT_EQ(loggedAt(ZelLogLevel::Warning), logged());
-    }
-    EXPECT_TRUE(std::filesystem::exists(profile.config() / "victim.dat"));
-    EXPECT_TRUE(std::filesystem::exists(cached("cached..") / "x.dat"));
-    EXPECT_TRUE(std::filesystem::exists(cached("cached...dat")));
-    EXPECT_TRUE(manager.removeCachedFiles("other...dat"));
-}
-
 TEST_F(ConfigStoreManagerReset, RemovingAllCachedStoresRemovesTheFilesAndTheStoresNamedAfterThem) {
     testing_host::writeFile(cached("cachedA.dat"), "x");
     testing_host::writeFile(cached("cachedB.xml"), "x");

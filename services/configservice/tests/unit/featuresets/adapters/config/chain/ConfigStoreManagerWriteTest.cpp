@@ -76,9 +76,9 @@ TEST_F(ConfigStoreManagerWrite, IsPostedForPersistingBeforeObserversAreCalled) {
 TEST_F(ConfigStoreManagerWrite, IsPersistedEvenAfterTheManagerIsDestroyed) {
     const auto user = makeWritableStore("L", 20);
     {
-        ConfigStoreManager ending(factory);
-        ending.addStore(user);
-        ending.storeValue(L"k", L"v");
+        ConfigStoreManager destroyedManager(factory);
+        destroyedManager.addStore(user);
+        destroyedManager.storeValue(L"k", L"v");
     }
     factory->backgroundDispatcher->runAll();
     EXPECT_EQ(user->timesPersisted, 1);

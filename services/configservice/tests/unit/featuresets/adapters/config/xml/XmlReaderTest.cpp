@@ -180,7 +180,7 @@ TEST(XmlReader, ExpandsAtMostAMillionBytesAndStepsOfADocument) {
     };
     std::size_t budget = XmlReader::expansionLimit;
     EXPECT_EQ(expand(300'000, budget), std::string(300'000, 'x'));
-    EXPECT_EQ(expand(300'000, budget), std::nullopt) << "what one document's attributes share is spent";
+    EXPECT_EQ(expand(300'000, budget), std::nullopt) << "the budget of the document is used up";
     budget = XmlReader::expansionLimit;
     EXPECT_EQ(expand(400'000, budget), std::nullopt);
     EXPECT_EQ(XmlReader::expansionLimit, 1'000'000U);
