@@ -31,7 +31,7 @@ bool failsAt(std::size_t number, Operation operation) {
     } catch (const std::bad_alloc&) {
         return true;
     }
-    EXPECT_FALSE(failing.hasFailed()) << "the failure was kept quiet";
+    EXPECT_FALSE(failing.hasFailed()) << "the failure was not reported";
     return false;
 }
 
@@ -195,7 +195,7 @@ TEST(MemoryShortage, AfterAFailureTheNextAttemptAddsTheSensitiveKey) {
         ASSERT_TRUE(isKnown(added)) << "after " << failures << " failures";
         allFailures += failures;
     }
-    EXPECT_GT(allFailures, 120U) << "each took an entry and its text, some more";
+    EXPECT_GT(allFailures, 120U) << "each needs an entry and its text, some more";
 }
 
 } // namespace

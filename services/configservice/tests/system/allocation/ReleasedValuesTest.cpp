@@ -94,7 +94,7 @@ TEST_F(ReleasedValuesOfRecords, AreZeroedWhenTheyAreOverwritten) {
     std::wstring value = secret;
     const FreedText freed(value);
     announceWhole(std::move(value), L"");
-    ASSERT_EQ(freed.getContent(), std::nullopt) << "the record holds it";
+    ASSERT_EQ(freed.getContent(), std::nullopt) << "the record still holds the value";
     announceWhole(longer, L"");
     EXPECT_EQ(freed.getContent(), zeroes);
 }
@@ -103,7 +103,7 @@ TEST_F(ReleasedValuesOfRecords, AreZeroedWhenAnOriginalValueIsOverwritten) {
     std::wstring original = secret;
     const FreedText freed(original);
     announceWhole(L"", std::move(original));
-    ASSERT_EQ(freed.getContent(), std::nullopt) << "the record holds it";
+    ASSERT_EQ(freed.getContent(), std::nullopt) << "the record still holds the value";
     announceWhole(L"", longer);
     EXPECT_EQ(freed.getContent(), zeroes);
 }

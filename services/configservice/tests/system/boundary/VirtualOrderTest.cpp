@@ -333,14 +333,15 @@ TEST(VirtualOrder, UnifiedFactoryHasThePublishedOrder) {
                     op<Shared<IDataPersistor>()>("getDataPersistor", &T::getDataPersistor),
                     op<Shared<FeatureSetAdapter>(unsigned int)>("getFeatureSetAdapter", &T::getFeatureSetAdapter),
                 });
-    EXPECT_EQ(slotsOf<T>(), 6 + destructor + 7 + 2) << "the two loads, which only the host reaches, come last";
+    EXPECT_EQ(slotsOf<T>(), 6 + destructor + 7 + 2)
+        << "the two loading operations, which only the host calls, are the last";
 }
 
 TEST(VirtualOrder, SystemServiceHasThePublishedOrder) {
     using T = SystemService;
     const auto own =
         op<Shared<ResetDataCallbackRegistry>()>("getResetDataCallbackRegistry", &T::getResetDataCallbackRegistry);
-    EXPECT_EQ(own.slot, businessObjectSlots + 4 + 3) << "the reset callbacks are reached through the fourth operation";
+    EXPECT_EQ(own.slot, businessObjectSlots + 4 + 3) << "the fourth operation returns the reset callbacks";
 }
 
 TEST(VirtualOrder, ProviderResetDataCallbackHasThePublishedOrder) {

@@ -11,7 +11,7 @@ class RealDisk : public testing::Test {
 protected:
     void SetUp() override {
         if (!disk.getObstacle().empty()) {
-            GTEST_SKIP() << "this machine lets the test mount nothing: " << disk.getObstacle();
+            GTEST_SKIP() << "this machine does not permit mounting: " << disk.getObstacle();
         }
         session.useRealDisk();
         session.leaveFiles();

@@ -85,7 +85,7 @@ protected:
         }
         const auto& warm = usages.front();
         const auto& end = usages.back();
-        EXPECT_LE(smallest, heapToleranceOfEveryStretch) << "the heap grows in every stretch";
+        EXPECT_LE(smallest, heapToleranceOfEveryStretch) << "the heap grows in every part of the run";
         EXPECT_LE(end.heapBytes, warm.heapBytes + heapTolerance);
         EXPECT_EQ(end.fileDescriptors, warm.fileDescriptors);
         EXPECT_EQ(end.threads, warm.threads);

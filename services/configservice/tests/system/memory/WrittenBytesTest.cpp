@@ -23,7 +23,7 @@ class WrittenBytesTest : public testing::Test {
 protected:
     void SetUp() override {
         if (SystemCallTrace::makeRunner(file).empty()) {
-            GTEST_SKIP() << "strace is not installed, or may not trace here";
+            GTEST_SKIP() << "strace is not installed or not permitted";
         }
     }
 

@@ -41,7 +41,7 @@ TEST(ServiceStress, SupportsConcurrentCallersOfEveryKindAndAnEndDuringTheirWork)
         service.live(callsOfOneThread);
         reactions += service.countReactions();
         ASSERT_THAT(service.getComplaints(), testing::IsEmpty());
-        ASSERT_TRUE(service.end()) << "something still holds the service";
+        ASSERT_TRUE(service.end()) << "the service is still referenced";
     }
     EXPECT_GT(reactions, 0);
     RecordProperty("lives", static_cast<int>(life));
