@@ -46,7 +46,7 @@ TEST(FileAccess, DistinguishesAnotherUserFromTheCurrentOne) {
     fs::create_directory(folder);
     constexpr uid_t namelessUser = 1234567;
     if (chown(folder.c_str(), namelessUser, static_cast<gid_t>(-1)) != 0) {
-        GTEST_SKIP() << "only root can give a directory away";
+        GTEST_SKIP() << "only root can change the owner of a directory";
     }
     const auto access = FileAccess::of(folder.string());
     ASSERT_TRUE(access);

@@ -182,7 +182,7 @@ TEST_F(ProfileLockTest, ReleasingTheLockDropsPendingWritesOfTheProfile) {
         storage.layer->setFreeSpace(0);
         EXPECT_FALSE(EncryptFileUtils::writeDataToFile(path, testing_host::PlainText("new"),
                                                        zel::storage::FileCategoryType::UserData));
-        EXPECT_FALSE(EncryptFileUtils::retryPendingWrites()) << "a lock that was refused ends nothing";
+        EXPECT_FALSE(EncryptFileUtils::retryPendingWrites()) << "a refused lock does not end the first one";
     }
     storage.layer->heal();
     EXPECT_TRUE(EncryptFileUtils::retryPendingWrites());

@@ -14,10 +14,10 @@ public:
 };
 
 /// Calls the registry from its destructor.
-class Curious final : public ProviderResetDataCallback {
+class CallingBack final : public ProviderResetDataCallback {
 public:
-    explicit Curious(const ResetDataCallbackRegistryImpl& watched) : registry(watched) {}
-    ~Curious() override { registry.getCallbacks(); }
+    explicit CallingBack(const ResetDataCallbackRegistryImpl& watched) : registry(watched) {}
+    ~CallingBack() override { registry.getCallbacks(); }
     void InvokeResetData(ResetDataOptionEnum::ResetDataOption) override {}
 
 private:
@@ -66,10 +66,10 @@ TEST(ResetDataCallbackRegistry, IgnoresAnEmptyCallback) {
 
 TEST(ResetDataCallbackRegistry, ReleasesCallbacksWithoutHoldingItsLock) {
     ResetDataCallbackRegistryImpl registry;
-    auto removed = std::make_shared<Curious>(registry);
+    auto removed = std::make_shared<CallingBack>(registry);
     registry.add(0, removed);
     registry.remove(0, std::move(removed));
-    registry.add(0, std::make_shared<Curious>(registry));
+    registry.add(0, std::make_shared<CallingBack>(registry));
     registry.clear();
     EXPECT_THAT(registry.getCallbacks(), IsEmpty());
 }

@@ -26,10 +26,10 @@ using ZelUnified::Processing::SerialQueue;
 namespace {
 
 /// A task that reports its destruction.
-class DyingTask final : public zel::Task {
+class TaskWithDestructor final : public zel::Task {
 public:
-    explicit DyingTask(std::function<void()> lastWill) : onDeath(std::move(lastWill)) {}
-    ~DyingTask() override { onDeath(); }
+    explicit TaskWithDestructor(std::function<void()> whenDestroyed) : onDeath(std::move(whenDestroyed)) {}
+    ~TaskWithDestructor() override { onDeath(); }
     void run() override {}
     std::string getName() const override { return "dying"; }
 
@@ -171,7 +171,7 @@ TEST(SerialQueue, EnqueueOnAnEndedQueueDropsTheTaskWithAWarning) {
     bool ran = false;
     bool died = false;
     EXPECT_FALSE(queue.enqueue(task([&] { ran = true; }, "late"), false));
-    queue.enqueue(std::make_shared<DyingTask>([&] { died = true; }), false);
+    queue.enqueue(std::make_shared<TaskWithDestructor>([&] { died = true; }), false);
     queue.flush();
     EXPECT_FALSE(ran);
     EXPECT_TRUE(died);
@@ -199,7 +199,7 @@ TEST(SerialQueue, DestroyingAQueueThatWasNeverStartedDropsItsTasks) {
     bool died = false;
     {
         SerialQueue queue(SerialQueue::Mode::OwnThread);
-        queue.enqueue(std::make_shared<DyingTask>([&] { died = true; }), false);
+        queue.enqueue(std::make_shared<TaskWithDestructor>([&] { died = true; }), false);
     }
     EXPECT_TRUE(died);
     EXPECT_THAT(log.getTexts(ZelLogLevel::Warning), ElementsAre(HasSubstr("dying")));
@@ -210,7 +210,7 @@ TEST(SerialQueue, DestroysATaskWithoutItsLockBeforeReleasingTheWaiter) {
     std::atomic<bool> died = false;
     bool ranAfterwards = false;
     queue.start();
-    queue.enqueueBlock(std::make_shared<DyingTask>([&] {
+    queue.enqueueBlock(std::make_shared<TaskWithDestructor>([&] {
                            queue.enqueue(task([&] { ranAfterwards = true; }), false);
                            died = true;
                        }),

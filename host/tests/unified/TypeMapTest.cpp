@@ -16,9 +16,9 @@ struct Second : virtual Item {};
 struct Both final : First, Second {};
 
 /// Reads the registry from its destructor.
-struct Curious final : First {
-    explicit Curious(const TypeMap<Item>& watched) : map(watched) {}
-    ~Curious() override {
+struct CallingBack final : First {
+    explicit CallingBack(const TypeMap<Item>& watched) : map(watched) {}
+    ~CallingBack() override {
         map.getItem(1);
         map.getItem<First>();
     }
@@ -71,8 +71,8 @@ TEST(TypeMap, RegisteringNullRemovesTheItem) {
 
 TEST(TypeMap, DestroysReplacedAndClearedItemsWithoutHoldingItsLock) {
     TypeMap<Item> map;
-    map.registerItem(1, std::shared_ptr<First>(std::make_shared<Curious>(map)));
-    map.registerItem(1, std::shared_ptr<First>(std::make_shared<Curious>(map)));
+    map.registerItem(1, std::shared_ptr<First>(std::make_shared<CallingBack>(map)));
+    map.registerItem(1, std::shared_ptr<First>(std::make_shared<CallingBack>(map)));
     map.clear();
     EXPECT_EQ(map.getItem(1), nullptr);
     EXPECT_EQ(map.getItem<First>(), nullptr);

@@ -284,8 +284,8 @@ TEST_F(UnifiedBusinessObjectImplTest, AnUncommittedObjectAcceptsCallsOnAnyThread
 }
 
 TEST_F(UnifiedBusinessObjectImplTest, WithoutADispatcherEveryThreadIsWrong) {
-    TestObject orphan(nullptr);
-    EXPECT_THROW(orphan.setSomething(), UpdateAccessError);
+    TestObject withoutFactory(nullptr);
+    EXPECT_THROW(withoutFactory.setSomething(), UpdateAccessError);
 }
 
 TEST_F(UnifiedBusinessObjectImplTest, OperationsWithoutAThreadCheckSucceedOnAnyThread) {

@@ -160,7 +160,7 @@ TEST_F(UnifiedFactoryImplStorageTest, AResetDropsUserDataBeforeItIsDelivered) {
     factory->invokeResetData(ResetDataOptionEnum::ResetAll);
     EXPECT_FALSE(wasThere);
     EXPECT_FALSE(std::filesystem::exists(never));
-    EXPECT_EQ(onDisk(device, DeviceData), "new") << "it outlives a reset";
+    EXPECT_EQ(onDisk(device, DeviceData), "new") << "a reset does not delete it";
 }
 
 TEST_F(UnifiedFactoryImplStorageTest, APowerDownIsDeliveredAfterTheBackgroundHasWritten) {

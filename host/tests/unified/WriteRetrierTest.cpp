@@ -76,7 +76,7 @@ TEST_F(WriteRetrierTest, RetriesOnTheBackgroundDispatcherWithDelaysThatDoubleUpT
     EXPECT_EQ(clock.getPendingCount(), 0U);
     storage.layer->setFreeSpace(0);
     failToWrite("newer");
-    EXPECT_TRUE(retriesAfter(1)) << "from the first delay again";
+    EXPECT_TRUE(retriesAfter(1)) << "the delay starts again at its first value";
 }
 
 TEST_F(WriteRetrierTest, FurtherFailuresShareThePendingTimer) {
@@ -94,7 +94,7 @@ TEST_F(WriteRetrierTest, RetryNowWritesImmediately) {
     storage.layer->heal();
     WriteRetrier::retryNow();
     EXPECT_EQ(onDisk(), "new");
-    EXPECT_TRUE(retriesAfter(1)) << "finds nothing";
+    EXPECT_TRUE(retriesAfter(1)) << "nothing is pending";
     EXPECT_EQ(clock.getPendingCount(), 0U);
 }
 

@@ -1,6 +1,5 @@
 #include <zel/BackgroundTimer.h>
 
-#include <JumpingClock.h>
 #include <LogRecorder.h>
 #include <ManualClock.h>
 #include <Signal.h>
@@ -15,7 +14,6 @@
 
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing_host::JumpingClock;
 using testing_host::LogRecorder;
 using testing_host::ManualClock;
 using testing_host::Signal;
@@ -177,42 +175,6 @@ TEST(BackgroundTimer, ZeroOrNegativeSecondsFireImmediatelyOnTheTimersThread) {
     }
 }
 
-TEST(BackgroundTimer, AllTimersShareOneThread) {
-    BackgroundTimer first;
-    BackgroundTimer second;
-    std::thread::id firstThread;
-    std::thread::id secondThread;
-    Signal firstFired;
-    Signal secondFired;
-    const auto one = callback([&] {
-        firstThread = std::this_thread::get_id();
-        firstFired.set();
-    });
-    const auto two = callback([&] {
-        secondThread = std::this_thread::get_id();
-        secondFired.set();
-    });
-    first.start(one, 0);
-    second.start(two, 0);
-    ASSERT_TRUE(firstFired.wait());
-    ASSERT_TRUE(secondFired.wait());
-    EXPECT_EQ(firstThread, secondThread);
-}
-
-TEST(BackgroundTimer, TheLongestTimeNeverFires) {
-    BackgroundTimer endless;
-    BackgroundTimer prompt;
-    int fired = 0;
-    Signal promptFired;
-    const auto never = callback([&] { ++fired; });
-    const auto now = callback([&] { promptFired.set(); });
-    endless.start(never, std::numeric_limits<std::int64_t>::max());
-    prompt.start(now, 0);
-    ASSERT_TRUE(promptFired.wait());
-    endless.stop();
-    EXPECT_EQ(fired, 0);
-}
-
 TEST(BackgroundTimer, AStopWaitsForTheRunningCallback) {
     BackgroundTimer timer;
     Signal entered;
@@ -234,31 +196,6 @@ TEST(BackgroundTimer, AStopWaitsForTheRunningCallback) {
     go.set();
     stopper.join();
     EXPECT_TRUE(finished);
-}
-
-TEST(BackgroundTimer, FiresOnTimeWhenTheClockIsSetBack) {
-    JumpingClock clock;
-    BackgroundTimer timer;
-    Signal fired;
-    const auto awaited = callback([&] { fired.set(); });
-    timer.start(awaited, 1);
-    clock.jump(-std::chrono::hours(24));
-    EXPECT_TRUE(fired.wait());
-}
-
-TEST(BackgroundTimer, DoesNotFireEarlyWhenTheClockIsSetForward) {
-    JumpingClock clock;
-    BackgroundTimer late;
-    BackgroundTimer soon;
-    Signal firedLate;
-    Signal firedSoon;
-    const auto lateOne = callback([&] { firedLate.set(); });
-    const auto awaited = callback([&] { firedSoon.set(); });
-    late.start(lateOne, 1000);
-    clock.jump(std::chrono::hours(24));
-    soon.start(awaited, 1);
-    EXPECT_TRUE(firedSoon.wait());
-    EXPECT_FALSE(firedLate.isSet());
 }
 
 TEST(BackgroundTimer, ACallbackMayStopItsTimer) {

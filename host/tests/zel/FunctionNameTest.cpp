@@ -90,30 +90,30 @@ Place placeOf(const char* file, int line, std::string_view function) {
     return {file, line, std::string(function)};
 }
 
-class Speaker {
+class Logging {
 public:
-    Place speak() const { return placeOf(ZEL_HERE); }
-    Place speakFromLambda() const {
+    Place logPlace() const { return placeOf(ZEL_HERE); }
+    Place logPlaceFromLambda() const {
         return [] { return placeOf(ZEL_HERE); }();
     }
     template <class T>
-    static Place speakAs(T) {
+    static Place logPlaceAs(T) {
         return placeOf(ZEL_HERE);
     }
 };
 
 TEST(FunctionName, ThePlaceOfAMemberHasItsFunctionFileAndLine) {
-    const Place place = Speaker().speak();
-    EXPECT_TRUE(place.function.ends_with("::Speaker::speak")) << place.function;
+    const Place place = Logging().logPlace();
+    EXPECT_TRUE(place.function.ends_with("::Logging::logPlace")) << place.function;
     EXPECT_TRUE(std::string(place.file).ends_with("FunctionNameTest.cpp"));
     EXPECT_GT(place.line, 0);
 }
 
 TEST(FunctionName, ThePlaceOfALambdaOrATemplateHasItsFunction) {
-    const std::string lambda = Speaker().speakFromLambda().function;
-    EXPECT_TRUE(lambda.ends_with("::Speaker::speakFromLambda")) << lambda;
-    const std::string instance = Speaker::speakAs(std::string()).function;
-    EXPECT_TRUE(instance.ends_with("::Speaker::speakAs")) << instance;
+    const std::string lambda = Logging().logPlaceFromLambda().function;
+    EXPECT_TRUE(lambda.ends_with("::Logging::logPlaceFromLambda")) << lambda;
+    const std::string instance = Logging::logPlaceAs(std::string()).function;
+    EXPECT_TRUE(instance.ends_with("::Logging::logPlaceAs")) << instance;
 }
 
 } // namespace

@@ -25,8 +25,8 @@ namespace {
 /// A monitor connected to a private bus.
 class SystemMonitorLoginManager : public testing::Test {
 protected:
-    void listen(std::function<void(RecordingPowerObserver::Type)> whileTold = {}) {
-        observer = std::make_shared<RecordingPowerObserver>(std::move(whileTold));
+    void listen(std::function<void(RecordingPowerObserver::Type)> whenCalled = {}) {
+        observer = std::make_shared<RecordingPowerObserver>(std::move(whenCalled));
         monitor->addPowerEventObserver(observer);
     }
 

@@ -130,12 +130,13 @@ TEST_F(DurableFileTest, APowerCutAtAnyMomentLeavesTheOldOrTheNewContent) {
             layer.dieAt(call);
             const int error = DurableFile::replace(layer, path, newContent);
             layer.cutPower(kept);
-            EXPECT_THAT(readFile(path), AnyOf(oldContent, newContent)) << "died at " << call << ", kept " << kept;
+            EXPECT_THAT(readFile(path), AnyOf(oldContent, newContent))
+                << "process ended at call " << call << ", kept " << kept;
             if (error == 0) {
                 EXPECT_EQ(readFile(path), newContent) << "reported as done";
             }
             if (call <= 5 && kept == 0) {
-                EXPECT_EQ(readFile(path), oldContent) << "died at " << call;
+                EXPECT_EQ(readFile(path), oldContent) << "process ended at call " << call;
             }
         }
     }

@@ -100,7 +100,7 @@ TEST_F(EncryptFileUtilsTest, ReadsTheFileOfTheGivenNameOnlyIfThereIsNoPhysicalOn
     EXPECT_EQ(read(path), first.text);
     ASSERT_TRUE(write(path, second));
     EXPECT_EQ(read(path), second.text);
-    EXPECT_TRUE(fs::exists(path)) << "the named file is left alone";
+    EXPECT_TRUE(fs::exists(path)) << "the file of the given name is unchanged";
     writeFile(physical, "rubbish");
     EXPECT_EQ(read(path), "damaged");
 }

@@ -99,12 +99,12 @@ TEST_F(PendingWritesTest, ReadsReturnTheKeptContentUntilItIsWritten) {
     EXPECT_EQ(read(), "new");
     EXPECT_EQ(read(storage.configFile("settings.xml")), "new") << "the logical name";
     EXPECT_EQ(onDisk(), "old");
-    EXPECT_EQ(read(path, DeviceData), "") << "it was written under another category";
+    EXPECT_EQ(read(path, DeviceData), "") << "it belongs to another category";
     heal();
     EXPECT_TRUE(retry());
     EXPECT_EQ(onDisk(), "new");
     writeFile(path, "rubbish");
-    EXPECT_EQ(read(), "") << "nothing is kept any more";
+    EXPECT_EQ(read(), "") << "no content is kept";
 }
 
 TEST_F(PendingWritesTest, TheKeptContentIsACopyOfTheProtectedText) {
@@ -282,7 +282,7 @@ TEST_F(PendingWritesTest, ContentThatCannotBeCopiedIsNotKeptAndLogged) {
     EXPECT_FALSE(write("older"));
     EXPECT_FALSE(EncryptFileUtils::writeDataToFile(path, Uncopied(), UserData));
     EXPECT_THAT(log.getTexts(ZelLogLevel::Error).back(), HasSubstr("; the content is not kept"));
-    EXPECT_EQ(read(), "older") << "newer than what the disk holds";
+    EXPECT_EQ(read(), "older") << "newer than the content on the disk";
 }
 
 TEST_F(PendingWritesTest, KeptContentThatIsPutBackDoesNotReplaceANewerWrite) {

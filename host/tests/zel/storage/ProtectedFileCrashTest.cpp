@@ -69,7 +69,7 @@ struct ProtectedFileCrashTest : testing::TestWithParam<Before> {
         if (result == ReadResult::Ok) {
             EXPECT_THAT(content.text, AnyOf(oldContent, newContent));
         } else {
-            EXPECT_NE(GetParam(), Before::Readable) << "lost a file that could be read";
+            EXPECT_NE(GetParam(), Before::Readable) << "lost a readable file";
             EXPECT_EQ(readFile(storage.configFile("a.dat")), fileBefore) << "torn";
         }
         if (reported) {
