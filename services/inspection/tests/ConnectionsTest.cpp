@@ -48,7 +48,7 @@ TEST(InspectionConnections, AnOversizedRequestIsRefusedAndDoesNotAffectOthers) {
     EXPECT_EQ(reply["exitCode"], 2);
     EXPECT_THAT(reply["message"].get<std::string>(), HasSubstr("longer than 1048576 bytes"));
     EXPECT_EQ(other.ask({{"verb", "hello"}})["type"], "hello");
-    EXPECT_EQ(greedy.ask({{"id", 2}, {"verb", "hello"}})["id"], 2) << "the rest of the long line is skipped";
+    EXPECT_EQ(greedy.ask({{"id", 2}, {"verb", "hello"}})["id"], 2) << "the rest of the long line is ignored";
 }
 
 TEST(InspectionConnections, ARequestOfManyTimesTheLimitIsRefusedOnce) {

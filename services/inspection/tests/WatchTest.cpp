@@ -102,7 +102,7 @@ TEST(InspectionWatchers, ASlowWatcherGetsOneEventWithTheNumberOfMissedChanges) {
     while (received < changes) {
         auto event = slow.receive();
         const bool isGap = event["type"] == "lost";
-        EXPECT_FALSE(isGap && behindGap) << "one event for each gap";
+        EXPECT_FALSE(isGap && behindGap) << "one event for each series of missed changes";
         gaps += isGap ? 1 : 0;
         received += isGap ? event["count"].get<std::size_t>() : 1;
         behindGap = isGap;
@@ -110,7 +110,7 @@ TEST(InspectionWatchers, ASlowWatcherGetsOneEventWithTheNumberOfMissedChanges) {
     EXPECT_EQ(received, changes);
     EXPECT_GE(gaps, 1U);
     host.onServices([&] { setKey(L"end"); });
-    EXPECT_EQ(slow.receive()["new"], "end") << "it receives what comes later";
+    EXPECT_EQ(slow.receive()["new"], "end") << "it receives later events";
 }
 
 TEST(InspectionWatchers, AReadingWatcherMissesNoChangeWhileOthersDisconnect) {

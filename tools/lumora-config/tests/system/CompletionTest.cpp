@@ -192,7 +192,7 @@ TEST(Completion, AProfileInUseIsCompleted) {
     EXPECT_THAT(completeIn(profile, {"get", "them"}), ElementsAre(":none", "Theme"));
 }
 
-TEST(Completion, ABrokenOrMissingProfileGivesNoMessage) {
+TEST(Completion, ADamagedOrMissingProfileCausesNoMessage) {
     const Profile profile;
     testing_host::writeFile(profile.defaultsFile(), "<broken");
     EXPECT_EQ(completeIn(profile, {"get", "them"}).at(0), ":none");

@@ -114,7 +114,7 @@ TEST(HtmlReport, NamesTheProfileTheMachineAndRejectedPolicyLinesButNotTheOwners)
     EXPECT_TRUE(policy->at("attention"));
 }
 
-TEST(HtmlReport, PageWithSecretsIsItsOwnersAlone) {
+TEST(HtmlReport, PageWithSecretsIsAccessibleToItsOwnerOnly) {
     const Profile profile;
     makePage(profile, {"--show-secrets"});
     using std::filesystem::perms;

@@ -134,7 +134,7 @@ TEST_F(OriginTest, OfTheValueOfEveryStoreIsInTheExplanation) {
     EXPECT_EQ(object.at("stores").back().at("holds").front().at("origin").at("file"), profile.defaultsFile().string());
 }
 
-TEST_F(OriginTest, OfAFileThatIsGoneIsUnknown) {
+TEST_F(OriginTest, OfADeletedFileIsUnknown) {
     const auto file = profile.write("doc.xml", "<doc><group><A>1</A></group></doc>");
     RunningShell shell(profile);
     shell.send("add-store " + file + ":Doc:40");
