@@ -57,6 +57,12 @@ TEST(RegistryTextFile, CuttingASectionKeepsUtf16AndTheByteOrderMark) {
     EXPECT_EQ(cutRegistryText(bytes, std::span(text.sections).first(1)), toUtf16File(start + end));
 }
 
+TEST(RegistryTextFile, CuttingAllKeysBetweenMalformedLinesLeavesNoKey) {
+    const auto bytes =
+        header + "[X\r\n\"a\"=\"abc\r\n[HKCU\\x]\r\ndef\" rubbish\r\n[X\r\n\";\"=\"x\r\n[HKCU\\y]\r\n\"\r\n";
+    EXPECT_THAT(parse(cutRegistryText(bytes, parse(bytes).sections)).sections, IsEmpty());
+}
+
 TEST(RegistryTextFile, AHundredThousandValuesAreParsed) {
     std::string lines = header + "[HKCU\\K]\r\n";
     for (int i = 0; i < 100000; ++i) {

@@ -3,6 +3,7 @@
 namespace {
 
 using namespace registry_text_test;
+using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
@@ -76,6 +77,25 @@ TEST(RegistryTextValueReader, AValueTheClientCannotReadIsRejectedAndTheNextOneIs
     EXPECT_EQ(text.refusals[0].reason, "the name or the value is longer than the client can read");
     EXPECT_EQ(text.refusals[1].line, 7U);
     EXPECT_THAT(text.sections.at(0).entries, SizeIs(3));
+}
+
+TEST(RegistryTextValueReader, AnUnfinishedValueDoesNotHideTheKeyBelowIt) {
+    for (const std::string value :
+         {"\"a\"=\"no quote", "\"a\"=\"no quote\\", "\"a\"=\"two\r\nlines", "\"a\"=hex:zz,\\"}) {
+        for (const std::string key : {"[HKEY_CURRENT_USER\\L]", "\f[-hkcu\\L]"}) {
+            const auto text = parse(header + "[HKCU\\K]\r\n" + value + "\r\n" + key + "\r\n;\"\r\n");
+            ASSERT_THAT(text.sections, SizeIs(2)) << value << key;
+            EXPECT_EQ(text.sections[1].path, L"L");
+        }
+    }
+    const auto bytes = parse(header + "[HKCU\\K]\r\n\"a\"=hex:01,\\\r\n[HKCU\\L]\r\n\"b\"=hex:02\r\n");
+    ASSERT_THAT(bytes.sections, SizeIs(2));
+    EXPECT_THAT(bytes.sections[0].entries.at(0).value.data, ElementsAre(1));
+    EXPECT_THAT(bytes.sections[1].entries.at(0).value.data, ElementsAre(2));
+}
+
+TEST(RegistryTextValueReader, ATextMayContainALineWithABracket) {
+    EXPECT_EQ(decodeRegistryText(valueOf("\"a\"=\"one\r\n[two]\r\n\"").data), L"one\r\n[two]\r\n");
 }
 
 } // namespace
