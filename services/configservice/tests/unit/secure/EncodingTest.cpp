@@ -44,7 +44,8 @@ TEST(Encoding, PaddingIsCountedWithoutTheLineBreaks) {
     };
     EXPECT_EQ(broken(55), lineAnd("\r\nAA=="));
     EXPECT_EQ(broken(56), lineAnd("\r\nAAA="));
-    EXPECT_EQ(broken(53), std::string(71, 'A').append("=")) << "a line that is full only because of the padding has no line break";
+    EXPECT_EQ(broken(53), std::string(71, 'A').append("="))
+        << "a line that is full only because of the padding has no line break";
 }
 
 } // namespace
