@@ -13,7 +13,7 @@ using KyrCoreUtils::FileAccess;
 
 } // namespace
 
-TEST(FileAccess, NamesTheOwnerOfADirectoryOfOnesOwn) {
+TEST(FileAccess, ReportsTheCurrentUserAsOwnerOfHisDirectory) {
     const testing_host::TemporaryProfile profile;
     const auto access = FileAccess::of(profile.root().string());
     ASSERT_TRUE(access);
@@ -22,7 +22,7 @@ TEST(FileAccess, NamesTheOwnerOfADirectoryOfOnesOwn) {
     EXPECT_EQ(access->ownerName, user == nullptr ? std::to_string(geteuid()) : user->pw_name);
 }
 
-TEST(FileAccess, TellsWhetherEverybodyMayWrite) {
+TEST(FileAccess, ReportsWhetherEverybodyCanWrite) {
     const testing_host::TemporaryProfile profile;
     const auto folder = profile.root() / "open";
     fs::create_directory(folder);
@@ -34,19 +34,19 @@ TEST(FileAccess, TellsWhetherEverybodyMayWrite) {
     EXPECT_TRUE(FileAccess::of((profile.root() / "link").string())->writableByEverybody);
 }
 
-TEST(FileAccess, RootIsTheAdministratorOfOthers) {
+TEST(FileAccess, ReportsRootAsAdministratorToOtherUsers) {
     const auto access = FileAccess::of("/");
     ASSERT_TRUE(access);
     EXPECT_EQ(access->owner, geteuid() == 0 ? FileAccess::Owner::Self : FileAccess::Owner::Administrator);
 }
 
-TEST(FileAccess, AnotherUserIsToldFromOneself) {
+TEST(FileAccess, DistinguishesAnotherUserFromTheCurrentOne) {
     const testing_host::TemporaryProfile profile;
     const auto folder = profile.root() / "foreign";
     fs::create_directory(folder);
     constexpr uid_t namelessUser = 1234567;
     if (chown(folder.c_str(), namelessUser, static_cast<gid_t>(-1)) != 0) {
-        GTEST_SKIP() << "only root can give a directory away";
+        GTEST_SKIP() << "only root can change the owner of a directory";
     }
     const auto access = FileAccess::of(folder.string());
     ASSERT_TRUE(access);
@@ -54,7 +54,7 @@ TEST(FileAccess, AnotherUserIsToldFromOneself) {
     EXPECT_EQ(access->ownerName, "1234567");
 }
 
-TEST(FileAccess, OfNothingIsNone) {
+TEST(FileAccess, ReturnsNothingForAMissingFile) {
     const testing_host::TemporaryProfile profile;
     EXPECT_FALSE(FileAccess::of((profile.root() / "absent").string()));
 }

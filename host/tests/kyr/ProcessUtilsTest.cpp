@@ -6,7 +6,7 @@
 
 using KyrCoreUtils::ProcessUtils;
 
-TEST(ProcessUtils, KnowsWhereTheProgramLies) {
+TEST(ProcessUtils, ReturnsTheDirectoryOfTheProgram) {
     const std::filesystem::path folder = ProcessUtils::getProgramFolder();
     EXPECT_TRUE(std::filesystem::exists(folder / "host_kyr_test")) << folder;
 }

@@ -10,7 +10,7 @@ TEST(KeyPattern, MatchesWithoutRegardToCase) {
     EXPECT_FALSE(matchesPattern(L"ServicesDomain", L"services"));
 }
 
-TEST(KeyPattern, AStarStandsForAnyText) {
+TEST(KeyPattern, AStarMatchesAnyText) {
     EXPECT_TRUE(matchesPattern(L"", L"*"));
     EXPECT_TRUE(matchesPattern(L"abc", L"*"));
     EXPECT_TRUE(matchesPattern(L"abc", L"a*c"));
@@ -20,7 +20,7 @@ TEST(KeyPattern, AStarStandsForAnyText) {
     EXPECT_FALSE(matchesPattern(L"abc", L"*ab"));
 }
 
-TEST(KeyPattern, AQuestionMarkStandsForOneCharacter) {
+TEST(KeyPattern, AQuestionMarkMatchesOneCharacter) {
     EXPECT_TRUE(matchesPattern(L"abc", L"a?c"));
     EXPECT_FALSE(matchesPattern(L"abc", L"abc?"));
     EXPECT_FALSE(matchesPattern(L"abc", L""));

@@ -170,7 +170,7 @@ TEST(Completion, PathsAreLeftToTheShell) {
     EXPECT_THAT(completeWords({"report", "--html", ""}), ElementsAre(":files"));
 }
 
-TEST(Completion, NothingIsOfferedWhereAnyTextMayStand) {
+TEST(Completion, NothingIsOfferedForFreeText) {
     EXPECT_THAT(completeWords({"provision", ""}), ElementsAre(":none"));
     EXPECT_THAT(completeWords({"get", "Theme", ""}), ElementsAre(":none"));
     EXPECT_THAT(completeWords({"no-such-command", "--no-such-option", "no-such-word"}), ElementsAre(":none"));
@@ -192,7 +192,7 @@ TEST(Completion, AProfileInUseIsCompleted) {
     EXPECT_THAT(completeIn(profile, {"get", "them"}), ElementsAre(":none", "Theme"));
 }
 
-TEST(Completion, ABrokenOrMissingProfileGivesNoMessage) {
+TEST(Completion, ADamagedOrMissingProfileCausesNoMessage) {
     const Profile profile;
     testing_host::writeFile(profile.defaultsFile(), "<broken");
     EXPECT_EQ(completeIn(profile, {"get", "them"}).at(0), ":none");
@@ -229,7 +229,7 @@ TEST(BashCompletion, CompletesCommandsOptionsKeysStoresAndFolders) {
     EXPECT_THAT(completeInBash({"--store", "a.xml", ":", "A", ":", "40", "stor"}), ElementsAre("stores"));
 }
 
-TEST(BashCompletion, TheLettersThatWereTypedStay) {
+TEST(BashCompletion, KeepsTheTypedLetters) {
     const Profile profile;
     ASSERT_EQ(profile.run({"set", "zeta", "x"}).exitCode, 0);
     profile.writePolicy("ZEBRA", "x");

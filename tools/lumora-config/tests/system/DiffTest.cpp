@@ -8,7 +8,7 @@ using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
 
-TEST(Diff, OfTwoProfilesListsTheKeysWithTheirStores) {
+TEST(Diff, ListsTheDifferentKeysOfTwoProfilesWithTheirStores) {
     const Profile left;
     const Profile right;
     const auto compare = [&] {

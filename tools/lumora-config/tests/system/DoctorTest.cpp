@@ -142,7 +142,7 @@ TEST_F(Doctor, ShowsAKeyThatOthersCanRead) {
 
 TEST_F(Doctor, ShowsADirectoryOfAnotherUser) {
     if (::chown(profile.root().append("state").c_str(), 12345, 12345) != 0) {
-        GTEST_SKIP() << "only root can give a directory away";
+        GTEST_SKIP() << "only root can change the owner of a directory";
     }
     expectAttention("/state", "owned by another user");
 }

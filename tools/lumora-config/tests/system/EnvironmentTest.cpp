@@ -22,7 +22,7 @@ TEST(Environment, AMissingPlugInIsReportedWithItsFolder) {
     EXPECT_THAT(outcome.error, HasSubstr("no plug-in libconfigservice.so: it is not in " + empty.string()));
 }
 
-TEST(Environment, APlugInFolderThatIsNoneIsNamedWithWhatWasLookedFor) {
+TEST(Environment, AMissingPlugInFolderAndAFileAtItsPathAreReported) {
     const Profile profile;
     const auto absent = (profile.root() / "absent").string();
     EXPECT_THAT(profile.run({"--plugin-dir", absent, "stores"}).error,

@@ -55,7 +55,7 @@ TEST(Keys, SensitiveAndRenamedKeysCanBeSelected) {
     }
 }
 
-TEST(Keys, TheShellListsThemToo) {
+TEST(Keys, TheShellListsThem) {
     const Profile profile;
     EXPECT_THAT(profile.shell({"keys allowurl"}).out, HasSubstr("AllowUrlProvisioning"));
 }

@@ -69,7 +69,7 @@ TEST_F(Live, ServePrintsOneLineAnswersAndEndsWithTheSignal) {
     }
 }
 
-TEST_F(Live, ServeTakesStoresAndTheBootstrapFile) {
+TEST_F(Live, ServeAcceptsStoresAndTheBootstrapFile) {
     const auto document =
         profile.writeDocument("foreign.xml", "<Presence_Server_Address>a.example</Presence_Server_Address>");
     const auto bootstrap = profile.write("bootstrap.properties", "FromInstaller: yes\n");
@@ -225,7 +225,7 @@ TEST_F(Live, WatchFollowsAClientThatIsKilledAndStartedAgain) {
     EXPECT_EQ(watch.waitForEnd(), 0);
 }
 
-TEST_F(Live, AStoppedOrKilledWatcherDisturbsNobody) {
+TEST_F(Live, AStoppedOrKilledWatcherDoesNotAffectOthers) {
     constexpr int changes = 1200;
     const std::string filler(2000, 'x'); // the buffers of the socket hold few such events
     RunningProgram client(profile, {"serve"});

@@ -22,12 +22,12 @@ protected:
     LockOrderDeathTest() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
 };
 
-void takeOutwards() {
+void acquireOutwards() {
     LockOrder::enter(&first, inner);
     LockOrder::enter(&second, outer);
 }
 
-void takeTwoOfOneRank() {
+void acquireTwoOfOneRank() {
     LockOrder::enter(&first, inner);
     LockOrder::enter(&second, inner);
 }
@@ -46,7 +46,7 @@ private:
     ZelUnified::ConfigStoreManager& manager;
 };
 
-void takeTheChainUnderTheObserversLock() {
+void acquireTheChainLockUnderTheObserversLock() {
     ZelUnified::ConfigStoreManager manager(std::make_shared<testing_host::RecordingFactory>());
     ReadingObserver observer(manager);
     manager.addObserver(&observer);
@@ -56,7 +56,7 @@ void takeTheChainUnderTheObserversLock() {
 
 } // namespace
 
-TEST(LockOrder, InwardsAndAgainIsFine) {
+TEST(LockOrder, AThreadMayAcquireAHigherRankAndTheSameLockAgain) {
     LockOrder::enter(&first, outer);
     LockOrder::enter(&second, inner);
     LockOrder::enter(&first, outer);
@@ -65,14 +65,14 @@ TEST(LockOrder, InwardsAndAgainIsFine) {
     LockOrder::leave(&first);
 }
 
-TEST(LockOrder, WhatWasLeftNoLongerCounts) {
+TEST(LockOrder, AReleasedLockIsNoLongerChecked) {
     LockOrder::enter(&first, inner);
     LockOrder::leave(&first);
     LockOrder::enter(&second, outer);
     LockOrder::leave(&second);
 }
 
-TEST(LockOrder, EachThreadHasItsOwn) {
+TEST(LockOrder, EachThreadIsCheckedSeparately) {
     LockOrder::enter(&first, inner);
     std::thread([] {
         LockOrder::enter(&second, outer);
@@ -81,16 +81,17 @@ TEST(LockOrder, EachThreadHasItsOwn) {
     LockOrder::leave(&first);
 }
 
-TEST_F(LockOrderDeathTest, OutwardsEndsTheProcess) {
-    EXPECT_DEATH(takeOutwards(), "The lock order is broken: rank 1 is taken while rank 2 is held");
+TEST_F(LockOrderDeathTest, AcquiringALowerRankEndsTheProcess) {
+    EXPECT_DEATH(acquireOutwards(), "The lock order is broken: rank 1 is taken while rank 2 is held");
 }
 
-TEST_F(LockOrderDeathTest, TwoOfOneRankEndTheProcess) {
-    EXPECT_DEATH(takeTwoOfOneRank(), "The lock order is broken");
+TEST_F(LockOrderDeathTest, AcquiringTwoLocksOfOneRankEndsTheProcess) {
+    EXPECT_DEATH(acquireTwoOfOneRank(), "The lock order is broken");
 }
 
 #ifndef NDEBUG
-TEST_F(LockOrderDeathTest, TheChainMustNotBeTakenUnderTheObserversLock) {
-    EXPECT_DEATH(takeTheChainUnderTheObserversLock(), "The lock order is broken: rank 1 is taken while rank 2 is held");
+TEST_F(LockOrderDeathTest, AcquiringTheChainLockUnderTheObserversLockEndsTheProcess) {
+    EXPECT_DEATH(acquireTheChainLockUnderTheObserversLock(),
+                 "The lock order is broken: rank 1 is taken while rank 2 is held");
 }
 #endif

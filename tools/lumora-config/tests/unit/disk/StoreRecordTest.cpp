@@ -37,7 +37,7 @@ TEST(StoreRecord, WithoutAStoreKeepsAllOtherPartsUnchanged) {
     EXPECT_EQ(StoreRecord(L"Foo:1;").without(L"Fo"), L"Foo:1;");
 }
 
-TEST(StoreRecord, DetectsThatTheServiceWouldEraseAnotherEntry) {
+TEST(StoreRecord, DetectsWhetherTheServiceWouldEraseAnotherEntry) {
     EXPECT_TRUE(StoreRecord(L"").canBeErasedByService(L"TFTP"));
     EXPECT_TRUE(StoreRecord(L"Other:1;").canBeErasedByService(L"TFTP"));
     EXPECT_TRUE(StoreRecord(L"Other:1;TFTP:2;").canBeErasedByService(L"tftp"));

@@ -12,7 +12,7 @@ using testing::HasSubstr;
 
 namespace fs = std::filesystem;
 
-TEST(DirectoryTrust, TrustsDirectoriesOfTheUserAndOfRoot) {
+TEST(DirectoryTrust, AcceptsDirectoriesOfTheUserAndOfRoot) {
     EXPECT_EQ(whyUntrusted({FileAccess::Owner::Self, "me", false}), "");
     EXPECT_EQ(whyUntrusted({FileAccess::Owner::Administrator, "root", false}), "");
 }

@@ -4,7 +4,7 @@
 
 namespace ZelUnified {
 
-TEST(AnnouncementOrder, AQueuedChangeIsCurrentUntilADirectOneOfItsKeyComes) {
+TEST(AnnouncementOrder, AQueuedChangeIsValidUntilADirectChangeOfItsKey) {
     AnnouncementOrder order;
     const auto first = order.addQueued();
     const auto second = order.addQueued();
@@ -43,7 +43,7 @@ TEST(AnnouncementOrder, ADirectChangeBeforeAnyQueuedOneOvertakesNothing) {
     EXPECT_TRUE(order.takeQueued(L"k", order.addQueued()));
 }
 
-TEST(AnnouncementOrder, AQueuedChangeThatIsNeverTakenDoesNotAffectLaterOnes) {
+TEST(AnnouncementOrder, AQueuedChangeThatIsNeverDeliveredDoesNotAffectLaterOnes) {
     AnnouncementOrder order;
     order.addQueued();
     order.addDirect(L"k");

@@ -1,4 +1,4 @@
-#include "ConfigAdapterFixture.h"
+#include "featuresets/adapters/config/ConfigAdapterFixture.h"
 
 #include <XmlConfigStore.h>
 
@@ -6,7 +6,7 @@ namespace ZelUnified {
 
 using testing::Contains;
 
-class ConfigAdapterCachedStores : public ConfigAdapterFixture {
+class CachedStoresTest : public ConfigAdapterFixture {
 protected:
     /// Runs and ends the service once with a delivered remote store.
     void givenEarlierRunWith(const std::shared_ptr<FakeConfigStore>& store) {
@@ -19,7 +19,7 @@ protected:
     std::wstring record() { return valueOf(L"PrimaryConfigStores"); }
 };
 
-TEST_F(ConfigAdapterCachedStores, ArrivalLeavesACopyAndARecord) {
+TEST_F(CachedStoresTest, AddingACachingStoreWritesACopyAndARecord) {
     loadAndStart();
     adapter->addConfigStore(makeCachingStore("TftpStore", 40, {{L"k", L"v"}}));
     EXPECT_EQ(record(), L"TftpStore:41;");
@@ -27,7 +27,7 @@ TEST_F(ConfigAdapterCachedStores, ArrivalLeavesACopyAndARecord) {
     EXPECT_FALSE(inChain("cachedTftpStore.dat"));
 }
 
-TEST_F(ConfigAdapterCachedStores, LiveStoreNamedAfterTheFileLeavesTheChainButNotTheFile) {
+TEST_F(CachedStoresTest, AddingAStoreRemovesTheStoreNamedAfterItsFileAndKeepsTheFile) {
     loadAndStart();
     adapter->addConfigStore(makeReadOnlyStore("cachedTftpStore.dat", 41, {{L"k", L"live"}}));
     adapter->addConfigStore(makeCachingStore("TftpStore", 40, {{L"k", L"v"}}));
@@ -35,21 +35,21 @@ TEST_F(ConfigAdapterCachedStores, LiveStoreNamedAfterTheFileLeavesTheChainButNot
     EXPECT_TRUE(std::filesystem::exists(cacheFile("TftpStore")));
 }
 
-TEST_F(ConfigAdapterCachedStores, StoreThatDoesNotAskLeavesNothing) {
+TEST_F(CachedStoresTest, AStoreThatRequestsNoCopyGetsNeitherCopyNorRecord) {
     loadAndStart();
     adapter->addConfigStore(makeReadOnlyStore("Plain", 40, {{L"k", L"v"}}));
     EXPECT_EQ(record(), L"(none)");
     EXPECT_FALSE(std::filesystem::exists(cacheFile("Plain")));
 }
 
-TEST_F(ConfigAdapterCachedStores, RecordListsStoresByNameIgnoringCase) {
+TEST_F(CachedStoresTest, RecordListsStoresByNameIgnoringCase) {
     loadAndStart();
     adapter->addConfigStore(makeCachingStore("tftpStore", 40));
     adapter->addConfigStore(makeCachingStore("PresenceConfigStore", 30));
     EXPECT_EQ(record(), L"PresenceConfigStore:31;tftpStore:41;");
 }
 
-TEST_F(ConfigAdapterCachedStores, StoreNamesThePriorityOfItsCopy) {
+TEST_F(CachedStoresTest, TheRecordContainsTheStoresCachedPriority) {
     struct Distant final : XmlConfigStore {
         Distant() : XmlConfigStore("TftpStore", 40, false, false, "", false) {}
         bool shouldCacheConfigStore() override { return true; }
@@ -60,21 +60,21 @@ TEST_F(ConfigAdapterCachedStores, StoreNamesThePriorityOfItsCopy) {
     EXPECT_EQ(record(), L"TftpStore:77;");
 }
 
-TEST_F(ConfigAdapterCachedStores, KnownStoreKeepsItsSpellingInTheRecordAndGetsTheNewPriority) {
+TEST_F(CachedStoresTest, AKnownStoreKeepsItsSpellingInTheRecordAndGetsTheNewPriority) {
     givenRecord(L"TFTPSTORE:9;");
     loadAndStart();
     adapter->addConfigStore(makeCachingStore("TftpStore", 40));
     EXPECT_EQ(record(), L"TFTPSTORE:41;");
 }
 
-TEST_F(ConfigAdapterCachedStores, ArrivalLosesWhatIsNoPairInTheRecord) {
+TEST_F(CachedStoresTest, AddingAStoreRemovesMalformedEntriesFromTheRecord) {
     givenRecord(L"B;A:1:2;Z:x;");
     loadAndStart();
     adapter->addConfigStore(makeCachingStore("TftpStore", 40));
     EXPECT_EQ(record(), L"TftpStore:41;Z:x;");
 }
 
-TEST_F(ConfigAdapterCachedStores, NextRunHasTheValuesUnderTheBareNameAndRecordedPriority) {
+TEST_F(CachedStoresTest, TheNextRunRestoresTheCopyUnderTheStoresNameAndRecordedPriority) {
     givenEarlierRunWith(makeCachingStore("TftpStore", 40, {{L"k", L"v"}}));
     load();
     EXPECT_EQ(valueOf(L"k"), L"v");
@@ -82,7 +82,7 @@ TEST_F(ConfigAdapterCachedStores, NextRunHasTheValuesUnderTheBareNameAndRecorded
     EXPECT_EQ(recordOf(L"k"), L"v");
 }
 
-TEST_F(ConfigAdapterCachedStores, LiveStoreTakesThePlaceOfItsCopy) {
+TEST_F(CachedStoresTest, ALiveStoreReplacesItsCopy) {
     givenEarlierRunWith(makeCachingStore("TftpStore", 40, {{L"k", L"old"}, {L"gone", L"x"}}));
     loadAndStart();
     adapter->addConfigStore(makeCachingStore("TftpStore", 40, {{L"k", L"new"}}));
@@ -91,7 +91,7 @@ TEST_F(ConfigAdapterCachedStores, LiveStoreTakesThePlaceOfItsCopy) {
     EXPECT_EQ(priorityOf("TftpStore"), 40);
 }
 
-TEST_F(ConfigAdapterCachedStores, KeyWithoutAnAnswerIsLeftOutAndAnEmptyOneIsCopied) {
+TEST_F(CachedStoresTest, AListedKeyWithoutAValueIsNotCopiedAndAnEmptyOneIs) {
     const auto store = makeCachingStore("TftpStore", 40, {{L"empty", L""}, {L"silent", L"v"}});
     store->unanswered.insert(L"silent");
     givenEarlierRunWith(store);
@@ -100,20 +100,20 @@ TEST_F(ConfigAdapterCachedStores, KeyWithoutAnAnswerIsLeftOutAndAnEmptyOneIsCopi
     EXPECT_EQ(valueOf(L"silent"), L"(none)");
 }
 
-TEST_F(ConfigAdapterCachedStores, PriorityThatIsNoNumberBecomes240) {
+TEST_F(CachedStoresTest, AMalformedPriorityBecomes240) {
     givenRecord(L"A:abc;B;");
     load();
     EXPECT_EQ(priorityOf("A"), 240);
     EXPECT_FALSE(inChain("B"));
 }
 
-TEST_F(ConfigAdapterCachedStores, PresencePriorityThatIsNoNumberBecomes240) {
+TEST_F(CachedStoresTest, AMalformedPriorityOfThePresenceStoreBecomes240) {
     givenRecord(L"PresenceConfigStore:abc;");
     load();
     EXPECT_EQ(priorityOf("PresenceConfigStore"), 240);
 }
 
-TEST_F(ConfigAdapterCachedStores, RecordedNameThroughTheParentFolderIsNoStore) {
+TEST_F(CachedStoresTest, RecordedNameThroughTheParentFolderIsNoStore) {
     givenRecord(L"/../x:1;a\\..\\x:2;Corp/Policy:3;..x:4;a..b:5;a_.._b:6;..:7;../y:8;y\\..:9;");
     load();
     for (const std::string name : {"/../x", "a\\..\\x", "..", "../y", "y\\.."}) {
@@ -127,7 +127,7 @@ TEST_F(ConfigAdapterCachedStores, RecordedNameThroughTheParentFolderIsNoStore) {
     }
 }
 
-TEST_F(ConfigAdapterCachedStores, StoreNamedThroughTheParentFolderIsNeitherCachedNorRecorded) {
+TEST_F(CachedStoresTest, StoreNamedThroughTheParentFolderIsNeitherCachedNorRecorded) {
     const auto elsewhere = profile.root() / "elsewhere.dat";
     for (const std::string name : {"/../../../elsewhere", "..", "../elsewhere", "a\\..\\elsewhere"}) {
         loadAndStart();
@@ -143,7 +143,7 @@ TEST_F(ConfigAdapterCachedStores, StoreNamedThroughTheParentFolderIsNeitherCache
     EXPECT_FALSE(std::filesystem::exists(profile.config() / "Cache"));
 }
 
-TEST_F(ConfigAdapterCachedStores, StoreNamedThroughTheParentFolderDoesNotReplaceAnotherStoresCopy) {
+TEST_F(CachedStoresTest, StoreNamedThroughTheParentFolderDoesNotReplaceAnotherStoresCopy) {
     loadAndStart();
     adapter->addConfigStore(makeCachingStore("Alpha", 40, {{L"k", L"v"}}));
     adapter->addConfigStore(makeCachingStore("x/../cachedAlpha", 41, {{L"k", L"stolen"}}));
@@ -152,7 +152,7 @@ TEST_F(ConfigAdapterCachedStores, StoreNamedThroughTheParentFolderDoesNotReplace
     EXPECT_EQ(adapter->getValueFromConfigStore("Alpha", L"k"), L"v");
 }
 
-TEST_F(ConfigAdapterCachedStores, RemovalOfAStoreNamedThroughTheParentFolderDeletesNoFile) {
+TEST_F(CachedStoresTest, RemovalOfAStoreNamedThroughTheParentFolderDeletesNoFile) {
     const auto victim = profile.root() / "victim.dat";
     testing_host::writeFile(victim, "precious");
     std::filesystem::create_directories(profile.config() / "Cache" / "cached");
@@ -167,20 +167,20 @@ TEST_F(ConfigAdapterCachedStores, RemovalOfAStoreNamedThroughTheParentFolderDele
                 testing::ElementsAre("Name contains \"..\", cached file not removed: [cached" + name + ".dat]"));
 }
 
-TEST_F(ConfigAdapterCachedStores, NameWithASeparatorHasACopyBelowTheFolder) {
+TEST_F(CachedStoresTest, NameWithASeparatorHasACopyBelowTheFolder) {
     givenEarlierRunWith(makeCachingStore("Corp/Policy", 40, {{L"k", L"v"}}));
     EXPECT_TRUE(std::filesystem::exists(profile.config() / "Cache" / "cachedCorp" / "Policy.dat"));
     loadAndStart();
     EXPECT_EQ(valueOf(L"k"), L"v");
 }
 
-TEST_F(ConfigAdapterCachedStores, MissingCopyJoinsTheChainEmpty) {
+TEST_F(CachedStoresTest, AMissingCopyIsRestoredAsAnEmptyStore) {
     givenRecord(L"A:50;");
     load();
     EXPECT_TRUE(adapter->getConfigStoreByName("A")->getKeys().empty());
 }
 
-TEST_F(ConfigAdapterCachedStores, PresenceStoreComesLast) {
+TEST_F(CachedStoresTest, ThePresenceStoreIsRestoredLast) {
     givenRecord(L"PresenceConfigStore:31;Zed:41;");
     load();
     const auto lines = log.getTexts("ConfigService-ConfigStoreManager");
@@ -192,7 +192,7 @@ TEST_F(ConfigAdapterCachedStores, PresenceStoreComesLast) {
     EXPECT_LT(arrivalOf("Zed"), arrivalOf("PresenceConfigStore"));
 }
 
-TEST_F(ConfigAdapterCachedStores, InPhoneModeThePresenceStoreIsDroppedFromTheRecordAndItsFileStays) {
+TEST_F(CachedStoresTest, InPhoneModeThePresenceStoreIsDroppedFromTheRecordAndItsFileStays) {
     givenEarlierRunWith(makeCachingStore("PresenceConfigStore", 30, {{L"k", L"v"}}));
     givenDefaults({{L"ProductMode", L"PHONE_MODE"}});
     load();
@@ -201,7 +201,7 @@ TEST_F(ConfigAdapterCachedStores, InPhoneModeThePresenceStoreIsDroppedFromTheRec
     EXPECT_TRUE(std::filesystem::exists(cacheFile("PresenceConfigStore")));
 }
 
-TEST_F(ConfigAdapterCachedStores, InTheSdkModeNothingIsCopiedOrRestored) {
+TEST_F(CachedStoresTest, InTheSdkModeNothingIsCopiedOrRestored) {
     givenDefaults({{L"Lumora_SDK_Mode", L"true"}, {L"PrimaryConfigStores", L"A:50;"}});
     loadAndStart();
     adapter->addConfigStore(makeCachingStore("TftpStore", 40, {{L"k", L"v"}}));
@@ -211,7 +211,7 @@ TEST_F(ConfigAdapterCachedStores, InTheSdkModeNothingIsCopiedOrRestored) {
     EXPECT_TRUE(inChain("UrlProvisioningConfigStore"));
 }
 
-TEST_F(ConfigAdapterCachedStores, CopyOfAProvisioningUrlIsRestored) {
+TEST_F(CachedStoresTest, CopyOfAProvisioningUrlIsRestored) {
     loadAndStart();
     adapter->setUrlProvisioningData(L"?ServicesDomain=example.com");
     unload();
@@ -219,7 +219,7 @@ TEST_F(ConfigAdapterCachedStores, CopyOfAProvisioningUrlIsRestored) {
     EXPECT_EQ(valueOf(L"ServicesDomain"), L"example.com");
 }
 
-TEST_F(ConfigAdapterCachedStores, DeviceManagementForbidsTheProvisioningStoreAtARefresh) {
+TEST_F(CachedStoresTest, DeviceManagementForbidsTheProvisioningStoreAtARefresh) {
     loadAndStart();
     adapter->setUrlProvisioningData(L"?ServicesDomain=example.com");
     adapter->setMdmConfig("<a><b><AllowUrlProvisioning>FALSE</AllowUrlProvisioning></b></a>");
@@ -232,7 +232,7 @@ TEST_F(ConfigAdapterCachedStores, DeviceManagementForbidsTheProvisioningStoreAtA
     EXPECT_EQ(levelOf(line), ZelLogLevel::Info);
 }
 
-TEST_F(ConfigAdapterCachedStores, UnstartedRefreshRefusesToRemoveTheProvisioningStore) {
+TEST_F(CachedStoresTest, UnstartedRefreshRefusesToRemoveTheProvisioningStore) {
     load();
     adapter->setUrlProvisioningData(L"?ServicesDomain=example.com");
     adapter->setMdmConfig("<a><b><AllowUrlProvisioning>false</AllowUrlProvisioning></b></a>");
@@ -244,13 +244,13 @@ TEST_F(ConfigAdapterCachedStores, UnstartedRefreshRefusesToRemoveTheProvisioning
     EXPECT_TRUE(std::filesystem::exists(cacheFile("UrlProvisioningConfigStore")));
 }
 
-TEST_F(ConfigAdapterCachedStores, OnlyDeviceManagementsOwnWordCounts) {
+TEST_F(CachedStoresTest, OnlyDeviceManagementForbidsTheProvisioningStore) {
     givenDefaults({{L"AllowUrlProvisioning", L"false"}});
     load();
     EXPECT_TRUE(inChain("UrlProvisioningConfigStore"));
 }
 
-TEST_F(ConfigAdapterCachedStores, StoreThatRenewsItselfIsCopiedAnew) {
+TEST_F(CachedStoresTest, AnUpdatedStoreIsCopiedAgain) {
     loadAndStart();
     adapter->addConfigStore(makeCachingStore("TftpStore", 40, {{L"k", L"old"}, {L"gone", L"x"}}));
     adapter->updateExistingConfigStore(makeCachingStore("TftpStore", 40, {{L"k", L"new"}}), {L"k", L"gone"});
@@ -261,7 +261,7 @@ TEST_F(ConfigAdapterCachedStores, StoreThatRenewsItselfIsCopiedAnew) {
     EXPECT_EQ(valueOf(L"k"), L"new");
 }
 
-TEST_F(ConfigAdapterCachedStores, StoreMayNotRenewItselfBeforeTheStart) {
+TEST_F(CachedStoresTest, AStoreIsNotUpdatedBeforeTheStart) {
     load();
     adapter->updateExistingConfigStore(makeCachingStore("UrlProvisioningConfigStore", 499, {{L"k", L"v"}}), {});
     EXPECT_EQ(valueOf(L"k"), L"(none)");
@@ -280,7 +280,7 @@ TEST(CachedStores, RecordGivenAsTextHasItsOwnDefaultPriority) {
     factory->Destroy();
 }
 
-TEST(CachedStores, WithoutAManagerTheyOnlyLog) {
+TEST(CachedStores, WithoutAManagerLogAnErrorAndDoNothing) {
     const testing_host::LogRecorder log;
     ConfigAdapter adapter;
     CachedStores stores(adapter, nullptr);

@@ -5,7 +5,7 @@ namespace ZelUnified {
 using testing::ElementsAre;
 
 /// The shipped defaults contain the three flags, without which none is derived.
-class ConfigAdapterEnabledServices : public ConfigAdapterFixture {
+class EnabledServicesTest : public ConfigAdapterFixture {
 protected:
     void givenDefaultFlags(ConfigMap others = {}) {
         others.insert(
@@ -22,7 +22,7 @@ protected:
     }
 };
 
-TEST_F(ConfigAdapterEnabledServices, ServersTellWhichServicesExist) {
+TEST_F(EnabledServicesTest, ConfiguredServersEnableTheirServices) {
     givenDefaultFlags();
     loadAndStart();
     arrive({{L"CtiServer1", L"cti"}, {L"Meeting_Server_Address", L"meet"}});
@@ -35,7 +35,7 @@ TEST_F(ConfigAdapterEnabledServices, ServersTellWhichServicesExist) {
     EXPECT_EQ(recordOf(L"Voicemail_Enabled"), L"false");
 }
 
-TEST_F(ConfigAdapterEnabledServices, EitherServerKeyIsEnoughUnderAnyOfItsNames) {
+TEST_F(EnabledServicesTest, EitherServerKeyIsEnoughUnderAnyOfItsNames) {
     givenDefaultFlags();
     loadAndStart();
     arrive({{L"DeviceAuthenticationPrimaryServer", L"devices"}, {L"VVM_Mailstore_Server_0", L"mail"}});
@@ -43,14 +43,14 @@ TEST_F(ConfigAdapterEnabledServices, EitherServerKeyIsEnoughUnderAnyOfItsNames) 
     EXPECT_EQ(derived(L"Voicemail_Enabled"), L"true");
 }
 
-TEST_F(ConfigAdapterEnabledServices, EmptyServersDoNotCount) {
+TEST_F(EnabledServicesTest, EmptyServersDoNotCount) {
     givenDefaultFlags();
     loadAndStart();
     arrive({{L"CtiServer1", L""}});
     EXPECT_EQ(derived(L"Telephony_Enabled"), L"false");
 }
 
-TEST_F(ConfigAdapterEnabledServices, AdministratorsWordStands) {
+TEST_F(EnabledServicesTest, TheAdministratorsValuePreventsTheDerivation) {
     givenDefaultFlags();
     givenPolicy(L"Telephony_Enabled", L"false");
     loadAndStart();
@@ -61,7 +61,7 @@ TEST_F(ConfigAdapterEnabledServices, AdministratorsWordStands) {
               ZelLogLevel::Info);
 }
 
-TEST_F(ConfigAdapterEnabledServices, WithoutADefaultNothingIsDerived) {
+TEST_F(EnabledServicesTest, WithoutADefaultNoFlagIsDerived) {
     loadAndStart();
     arrive({{L"CtiServer1", L"cti"}});
     EXPECT_EQ(derived(L"Telephony_Enabled"), L"");
@@ -70,7 +70,7 @@ TEST_F(ConfigAdapterEnabledServices, WithoutADefaultNothingIsDerived) {
                                       "Meetings_Enabled explicitly set to '' in the '' config store"));
 }
 
-TEST_F(ConfigAdapterEnabledServices, UsersValueDoesNotStopTheDerivationAndIsStillInForce) {
+TEST_F(EnabledServicesTest, UsersValueDoesNotStopTheDerivationAndIsStillInForce) {
     givenDefaultFlags();
     loadAndStart();
     adapter->setConfig(L"Telephony_Enabled", L"false");
@@ -79,7 +79,7 @@ TEST_F(ConfigAdapterEnabledServices, UsersValueDoesNotStopTheDerivationAndIsStil
     EXPECT_EQ(valueOf(L"Telephony_Enabled"), L"false");
 }
 
-TEST_F(ConfigAdapterEnabledServices, MeetingServersAreTriedInTurn) {
+TEST_F(EnabledServicesTest, MeetingServersAreCheckedInOrder) {
     const std::vector<std::pair<ConfigMap, std::wstring>> cases{
         {{{L"Meeting_Server_Address", L"a"}}, L"true"},
         {{{L"Meeting_Server_Address", L"a"}, {L"Meeting_Server_Type", L"MIRROX"}}, L"true"},
@@ -99,7 +99,7 @@ TEST_F(ConfigAdapterEnabledServices, MeetingServersAreTriedInTurn) {
     }
 }
 
-TEST_F(ConfigAdapterEnabledServices, OnlyStoresThatBeginWithAKnownNameMatter) {
+TEST_F(EnabledServicesTest, OnlyStoresWhoseNameStartsWithAKnownOneStartTheDerivation) {
     givenDefaultFlags();
     loadAndStart();
     for (const auto* name : {"BrindleConfigStore", "MyGarnStore"}) {
@@ -113,13 +113,13 @@ TEST_F(ConfigAdapterEnabledServices, OnlyStoresThatBeginWithAKnownNameMatter) {
     }
 }
 
-TEST_F(ConfigAdapterEnabledServices, FirstRunWithoutCopiesLeavesThemAlone) {
+TEST_F(EnabledServicesTest, WithoutCopiesConstructionDerivesNothing) {
     givenDefaultFlags({{L"CtiServer1", L"cti"}});
     load();
     EXPECT_EQ(derived(L"Telephony_Enabled"), L"");
 }
 
-TEST_F(ConfigAdapterEnabledServices, CopyOfAServersStoreLetsConstructionAndRefreshDerive) {
+TEST_F(EnabledServicesTest, ACopyOfAServersStoreStartsTheDerivationAtConstructionAndRefresh) {
     givenDefaultFlags({{L"CtiServer1", L"cti"}});
     testing_host::writeFile(cacheFile("TftpConfigStore"), "x");
     load();
@@ -130,7 +130,7 @@ TEST_F(ConfigAdapterEnabledServices, CopyOfAServersStoreLetsConstructionAndRefre
     EXPECT_EQ(derived(L"Telephony_Enabled"), L"true");
 }
 
-TEST_F(ConfigAdapterEnabledServices, CopyIsToldByItsNameAndExtension) {
+TEST_F(EnabledServicesTest, ACopyIsRecognisedByItsNameAndExtension) {
     for (const auto* name : {"TftpConfigStore.dat", "xcachedTftpConfigStore.dat", "cachedTftpConfigStore.xml"}) {
         testing_host::writeFile(profile.config() / "Cache" / name, "x");
     }
@@ -139,7 +139,7 @@ TEST_F(ConfigAdapterEnabledServices, CopyIsToldByItsNameAndExtension) {
     EXPECT_TRUE(EnabledServices::shouldSetEnabledServicesBasedOnCachedStores());
 }
 
-TEST_F(ConfigAdapterEnabledServices, CanBeWorkedOutOnDemand) {
+TEST_F(EnabledServicesTest, AreDerivedOnRequest) {
     givenDefaultFlags({{L"CtiServer1", L"cti"}});
     loadAndStart();
     adapter->SetEnabledServices();

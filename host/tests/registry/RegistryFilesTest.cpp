@@ -2,7 +2,6 @@
 #include "TemporaryProfile.h"
 
 #include <registry/RegistryFiles.h>
-#include <registry/RegistryHive.h>
 #include <registry/RegistryTextFile.h>
 
 #include <gmock/gmock.h>
@@ -15,7 +14,7 @@ namespace {
 using namespace registry_reading;
 using testing_host::readFile;
 
-class RegistryInstallTest : public testing::Test {
+class RegistryFilesTest : public testing::Test {
 protected:
     RegistryText parse(const std::string& lines) {
         return parseRegistryText("Windows Registry Editor Version 5.00\r\n" + lines, HKEY_CURRENT_USER);
@@ -25,14 +24,25 @@ protected:
     const std::filesystem::path folder = profile.data() / "registry";
 };
 
-TEST_F(RegistryInstallTest, AnInstalledFileCountsFromTheNextOpening) {
+TEST_F(RegistryFilesTest, TheUsersFilesAreListedInOrderOfTheirNamesForTheUsersRootOnly) {
+    for (const auto* name : {"b.reg", "A.REG", ".hidden.reg", "notes.txt"}) {
+        testing_host::writeFile(folder / name, "x");
+    }
+    auto files = findRegistryFiles(HKEY_CURRENT_USER);
+    std::erase_if(files, [this](const auto& path) { return !path.starts_with(folder.string()); });
+    EXPECT_THAT(files, testing::ElementsAre((folder / "A.REG").string(), (folder / "b.reg").string()));
+    EXPECT_THAT(findRegistryFiles(HKEY_LOCAL_MACHINE),
+                testing::Not(testing::Contains(testing::StartsWith(folder.string()))));
+}
+
+TEST_F(RegistryFilesTest, AnInstalledFileTakesEffectWhenAKeyIsNextOpened) {
     const auto registry = makeFileRegistry({(profile.root() / "none").string(), {}});
     EXPECT_FALSE(hasKey(*registry, L"K"));
     EXPECT_EQ(installRegistryText(parse("[HKCU\\K]\r\n\"a\"=\"1\"\r\n"), "policy"), 0);
     EXPECT_EQ(textOf(*registry, L"K", L"a"), L"1");
 }
 
-TEST_F(RegistryInstallTest, OnlyWhatWasTakenIsWrittenSoThatAllOfItCounts) {
+TEST_F(RegistryFilesTest, OnlyAcceptedLinesAreWritten) {
     const auto text = parse("[HKCU\\K]\r\n\"a\"=\"1\"\r\nrubbish\r\n\"b\"=\"2\"\r\n[HKLM\\K]\r\n\"c\"=\"3\"\r\n");
     ASSERT_EQ(text.refusals.size(), 3U);
     ASSERT_EQ(installRegistryText(text, "policy.reg"), 0);
@@ -40,14 +50,14 @@ TEST_F(RegistryInstallTest, OnlyWhatWasTakenIsWrittenSoThatAllOfItCounts) {
                                                "[HKEY_CURRENT_USER\\K]\r\n\"a\"=\"1\"\r\n\"b\"=\"2\"\r\n");
 }
 
-TEST_F(RegistryInstallTest, FileAndFolderAreTheOwnersAlone) {
+TEST_F(RegistryFilesTest, FileAndFolderAreAccessibleToTheirOwnerOnly) {
     ASSERT_EQ(installRegistryText(parse("[HKCU\\K]\r\n"), "policy.REG"), 0);
     using std::filesystem::perms;
     EXPECT_EQ(std::filesystem::status(folder).permissions(), perms::owner_all);
     EXPECT_EQ(std::filesystem::status(folder / "policy.REG").permissions(), perms::owner_read | perms::owner_write);
 }
 
-TEST_F(RegistryInstallTest, ASecondFileOfTheNameReplacesTheFirst) {
+TEST_F(RegistryFilesTest, ASecondFileOfTheNameReplacesTheFirst) {
     ASSERT_EQ(installRegistryText(parse("[HKCU\\Old]\r\n"), "policy"), 0);
     ASSERT_EQ(installRegistryText(parse("[HKCU\\New]\r\n"), "policy"), 0);
     const auto registry = makeFileRegistry({(profile.root() / "none").string(), {}});
@@ -55,7 +65,7 @@ TEST_F(RegistryInstallTest, ASecondFileOfTheNameReplacesTheFirst) {
     EXPECT_TRUE(hasKey(*registry, L"New"));
 }
 
-TEST_F(RegistryInstallTest, ALinkOfTheNameStaysAndItsTargetIsReplaced) {
+TEST_F(RegistryFilesTest, InstallingOverALinkReplacesItsTarget) {
     const auto target = profile.root() / "shared" / "policy.reg";
     testing_host::writeFile(target, "old");
     std::filesystem::create_directories(folder);
@@ -65,14 +75,14 @@ TEST_F(RegistryInstallTest, ALinkOfTheNameStaysAndItsTargetIsReplaced) {
     EXPECT_THAT(readFile(target), testing::HasSubstr("[HKEY_CURRENT_USER\\K]"));
 }
 
-TEST_F(RegistryInstallTest, WhatIsNoRegularFileIsNotReplaced) {
+TEST_F(RegistryFilesTest, OnlyARegularFileIsReplaced) {
     std::filesystem::create_directories(folder);
     ASSERT_EQ(mkfifo((folder / "policy.reg").c_str(), 0600), 0);
     EXPECT_EQ(installRegistryText(parse("[HKCU\\K]\r\n"), "policy"), EEXIST);
     EXPECT_TRUE(std::filesystem::is_fifo(folder / "policy.reg"));
 }
 
-TEST_F(RegistryInstallTest, ANameThatIsNoBareFileNameIsRefused) {
+TEST_F(RegistryFilesTest, ANameWithAPathIsRefused) {
     const auto text = parse("[HKCU\\K]\r\n");
     for (const std::string name : {"", ".", "..", ".hidden", "a/b", "../b", "a\\b", "c:x"}) {
         EXPECT_EQ(installRegistryText(text, name), EINVAL) << name;
@@ -81,7 +91,7 @@ TEST_F(RegistryInstallTest, ANameThatIsNoBareFileNameIsRefused) {
     EXPECT_FALSE(std::filesystem::exists(folder));
 }
 
-TEST_F(RegistryInstallTest, ATextThatWouldNotBeReadIsNotWritten) {
+TEST_F(RegistryFilesTest, ATextThatCannotBeReadBackIsNotWritten) {
     auto text = parse("[HKCU\\K]\r\n");
     ASSERT_EQ(installRegistryText(text, "policy"), 0);
     text.sections.front().path.assign(64U << 20U, L'k');
@@ -90,28 +100,10 @@ TEST_F(RegistryInstallTest, ATextThatWouldNotBeReadIsNotWritten) {
     EXPECT_TRUE(hasKey(*registry, L"K"));
 }
 
-TEST_F(RegistryInstallTest, AFileInTheFoldersPlaceIsAnError) {
+TEST_F(RegistryFilesTest, AFileAtThePathOfTheFolderIsAnError) {
     testing_host::writeFile(folder, "in the way");
     EXPECT_NE(installRegistryText(parse("[HKCU\\K]\r\n"), "policy"), 0);
     EXPECT_EQ(readFile(folder), "in the way");
-}
-
-TEST(ProcessRegistry, IsThePlatformsUntilItIsOverridden) {
-    const testing_host::TemporaryProfile profile;
-    const auto platform = getRegistry();
-    ASSERT_NE(platform, nullptr);
-    EXPECT_EQ(getRegistry(), platform);
-    const auto own = std::make_shared<RegistryHive>();
-    overrideRegistry(own);
-    EXPECT_EQ(getRegistry(), own);
-    overrideRegistry(nullptr);
-    EXPECT_EQ(getRegistry(), platform);
-}
-
-TEST(ProcessRegistry, ReadsTheUsersFilesOfTheProfileInForce) {
-    const testing_host::TemporaryProfile profile;
-    testing_host::writeFile(profile.data() / "registry/a.reg", "REGEDIT4\n[HKCU\\Lumora test\\K]\n\"a\"=\"1\"\n");
-    EXPECT_EQ(textOf(*getRegistry(), L"Lumora test\\K", L"a"), L"1");
 }
 
 } // namespace
