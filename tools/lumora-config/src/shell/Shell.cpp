@@ -1,10 +1,10 @@
 #include "Shell.h"
 
-#include "CommandGrammar.h"
-#include "CommandTable.h"
 #include "LineSecrecy.h"
 #include "ShellCompletion.h"
 #include "ShellWords.h"
+#include "commands/CommandGrammar.h"
+#include "commands/CommandTable.h"
 
 #include <kyr/EndSignals.h>
 #include <kyr/FileUtils.h>
