@@ -129,7 +129,7 @@ public:
 
     ~LockedDirectory() {
         if (held) {
-            zel::storage::PendingWrites::ofProcess().giveUp(path);
+            zel::storage::PendingWrites::instance().giveUp(path);
             holderFile.write(""); // the next process that fails to lock must not report this one
         }
     }

@@ -141,7 +141,7 @@ void UnifiedFactoryImpl::invokeResetData(ResetDataOptionEnum::ResetDataOption op
             return;
         }
         // Also drops content for which no file exists that a callback could remove. Device data survives a reset.
-        PendingWrites::ofProcess().drop(zel::storage::FileCategoryType::UserData);
+        PendingWrites::instance().drop(zel::storage::FileCategoryType::UserData);
         for (const auto& callback : resetCallbacks->getCallbacks()) {
             runStep("A reset callback", [&] { callback->InvokeResetData(option); });
         }
