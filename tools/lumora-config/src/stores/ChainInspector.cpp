@@ -111,7 +111,7 @@ std::vector<Explanation> ChainInspector::explainAll() const {
     const auto stores = getStores();
     const auto facts = factsOf(stores); // once, since counting the keys of a store copies them
     std::vector<Explanation> explanations;
-    for (const auto& [current, asked] : namesToAsk(stores)) {
+    for (const auto& [newName, asked] : namesToAsk(stores)) {
         explanations.push_back(explain(asked, stores, facts));
     }
     return explanations;
