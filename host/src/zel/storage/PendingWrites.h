@@ -61,7 +61,7 @@ public:
 
     /// Drops the pending content of `path`, after a running attempt. Returns false if there is none.
     bool drop(const std::string& path);
-    /// Drops the pending content like drop(), but returns it so that putBack() can undo it.
+    /// Removes the pending content like drop() and returns it, so that putBack() can restore it.
     Extracted extract(const std::string& path);
     /// Restores the content, unless the path was written since extract().
     void putBack(const Extracted& extracted);

@@ -20,8 +20,9 @@ public:
     std::uint64_t addQueued() noexcept;
     /// Records that the caller is about to apply a change of the key immediately. Services dispatcher's thread.
     void addDirect(const std::wstring& key);
-    /// Returns false if a later direct change of the key (case-insensitive) was applied before the queued one. Call
-    /// once for each queued change, in the order of the queue. Services dispatcher's thread.
+    /// Records that the caller is about to apply a queued change. Returns false if a later direct change of the key
+    /// (case-insensitive) was already applied: the queued change is outdated. Call once for each queued change, in the
+    /// order of the queue. Services dispatcher's thread.
     bool removeQueued(const std::wstring& key, std::uint64_t number);
 
 private:
