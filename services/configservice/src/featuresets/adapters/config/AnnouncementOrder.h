@@ -20,8 +20,8 @@ public:
     std::uint64_t addQueued() noexcept;
     /// Records that the caller is about to apply a change of the key immediately. Services dispatcher's thread.
     void addDirect(const std::wstring& key);
-    /// Records that the caller is about to apply a queued change. Returns false if a later direct change of the key
-    /// (case-insensitive) was already applied: the queued change is outdated. Call once for each queued change, in the
+    /// Removes a queued change, which the caller is about to apply. Returns false if the change is outdated, because a
+    /// later direct change of the key (case-insensitive) was already applied. Call once for each queued change, in the
     /// order of the queue. Services dispatcher's thread.
     bool removeQueued(const std::wstring& key, std::uint64_t number);
 
