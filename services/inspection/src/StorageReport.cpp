@@ -18,24 +18,6 @@ using zel::storage::ReadResult;
 
 namespace {
 
-std::string describe(ReadResult state) {
-    switch (state) {
-    case ReadResult::Ok:
-        return "good";
-    case ReadResult::Absent:
-        return "absent";
-    case ReadResult::Unreadable:
-        return "unreadable";
-    case ReadResult::WrongKey:
-        return "encrypted with another key";
-    case ReadResult::Damaged:
-        return "damaged";
-    case ReadResult::Empty:
-        return "empty";
-    }
-    return "unknown";
-}
-
 std::string describe(const ProtectedFileHealth& file) {
     auto text = describe(file.state);
     if (file.lastWrite && !file.lastWrite->succeeded) {
