@@ -1,11 +1,11 @@
 #include "RequestRunner.h"
 
-#include "KeyPattern.h"
 #include "LoggedLine.h"
 #include "StorableText.h"
 #include "StorageReport.h"
 
 #include <kyr/FileUtils.h>
+#include <kyr/StringUtils.h>
 #include <zel/ZelLog.h>
 
 #include <ConfigCatalogue.h>
@@ -18,6 +18,7 @@
 namespace inspection {
 
 using KyrCoreUtils::caseInsensitiveStringEquals;
+using KyrCoreUtils::matchesWildcards;
 using KyrCoreUtils::toString;
 using Code = RequestError::Code;
 namespace ConfigKeys = ZelUnified::ConfigKeys;
@@ -38,7 +39,7 @@ bool beginsWith(std::wstring_view text, std::wstring_view prefix) {
 }
 
 bool isAsked(const InspectionRequest& request, const std::wstring& key) {
-    return beginsWith(key, request.prefix) && (request.pattern.empty() || matchesPattern(key, request.pattern));
+    return beginsWith(key, request.prefix) && (request.pattern.empty() || matchesWildcards(key, request.pattern));
 }
 
 Json makeDone(const std::string& verb, const std::string& message) {
