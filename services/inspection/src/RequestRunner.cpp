@@ -1,11 +1,11 @@
 #include "RequestRunner.h"
 
-#include "LoggedLine.h"
 #include "StorableText.h"
 #include "StorageReport.h"
 
 #include <kyr/FileUtils.h>
 #include <kyr/StringUtils.h>
+#include <zel/LogLineCatcher.h>
 #include <zel/ZelLog.h>
 
 #include <ConfigCatalogue.h>
@@ -20,6 +20,7 @@ namespace inspection {
 using KyrCoreUtils::caseInsensitiveStringEquals;
 using KyrCoreUtils::matchesWildcards;
 using KyrCoreUtils::toString;
+using zel::logging::LogLineCatcher;
 using Code = RequestError::Code;
 namespace ConfigKeys = ZelUnified::ConfigKeys;
 
@@ -216,7 +217,7 @@ void RequestRunner::report(const JobPointer& job) {
 
 void RequestRunner::log(const JobPointer& job) {
     onServices(job, [this, job] {
-        const LoggedLine line("ConfigService-ConfigServiceImpl");
+        const LogLineCatcher line("ConfigService-ConfigServiceImpl", LogLineCatcher::Threads::Calling);
         inspector->getService().logConfig();
         job->reply({{"type", "log"}, {"text", line.getText()}});
     });
