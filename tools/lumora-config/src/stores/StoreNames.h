@@ -1,8 +1,9 @@
 #pragma once
 
+#include <kyr/AnnotatedMutex.h>
+
 #include <ConfigStoreAddedObserver.h>
 
-#include <mutex>
 #include <string>
 #include <vector>
 
@@ -22,10 +23,10 @@ public:
     std::vector<std::string> getAll() const;
 
 private:
-    std::vector<std::string>::iterator find(const std::string& storeName);
+    std::vector<std::string>::iterator find(const std::string& storeName) LUMORA_REQUIRES(mutex);
 
-    mutable std::mutex mutex;
-    std::vector<std::string> names; ///< Guarded by `mutex`.
+    mutable KyrCoreUtils::AnnotatedMutex<> mutex;
+    std::vector<std::string> names LUMORA_GUARDED_BY(mutex);
 };
 
 } // namespace lumora_config
