@@ -207,7 +207,7 @@ void Doctor::add(const std::string& area, const std::string& path, const std::st
 
 void Doctor::addExisting(const std::string& area, const std::string& path, const std::string& state,
                          bool needsAttention, unsigned harmfulMode) {
-    const auto access = FileAccess::of(path);
+    const auto access = FileAccess::read(path);
     const auto mode = modeOf(path);
     const bool isForeign = !access || access->owner == FileAccess::Owner::Other;
     const bool isOpen = (mode & harmfulMode) != 0;

@@ -50,7 +50,7 @@ std::string whyUntrusted(const FileAccess& access) {
 
 void requireTrusted(const std::vector<std::string>& paths) {
     for (const auto& path : paths) {
-        const auto access = FileAccess::of(path);
+        const auto access = FileAccess::read(path);
         const auto reason = access ? whyUntrusted(*access) : std::string();
         if (!reason.empty()) {
             throw Failure(ExitCode::Environment, path + ": " + reason + "; --trust accepts it");
