@@ -1,8 +1,8 @@
 // Measures the combination of sources: the construction of a chain with cached stores beside reading their files, the
 // arrival of stores of growing size beside filling a map, and a write through the whole service.
-#include "BareTable.h"
 #include "RowSuite.h"
 #include "SyntheticKeys.h"
+#include "bare/BareTable.h"
 #include "services/impl/entry/InjectConfigService.h"
 
 #include <CacheConfigStore.h>
