@@ -70,7 +70,7 @@ void Shell::runPlain() {
             std::cerr << prompt << std::flush;
         }
     } while (!mustEnd() && std::getline(input, line) && !mustEnd() && runLine(line) == Next::Continue &&
-             session.getPrinter().isHeard());
+             session.getPrinter().canPrint());
     session.getInput().setLineReader({});
 }
 
@@ -84,7 +84,7 @@ void Shell::runEdited(LineEditor& editor) {
         text = line.value_or("");
         return line.has_value();
     });
-    while (!mustEnd() && session.getPrinter().isHeard()) {
+    while (!mustEnd() && session.getPrinter().canPrint()) {
         const auto line = editor.readLine();
         if (!line || runLine(*line) == Next::Quit) {
             break;

@@ -154,7 +154,7 @@ std::vector<StoreFacts> ChainInspector::listStores() const {
 }
 
 ChainInspector::Stores ChainInspector::getStores() const {
-    learnNames();
+    collectNames();
     Stores stores;
     for (const auto& name : names->getAll()) {
         if (auto store = featureSet->getConfigStoreByName(name)) {
@@ -165,19 +165,19 @@ ChainInspector::Stores ChainInspector::getStores() const {
     return stores;
 }
 
-void ChainInspector::learnNames() const {
+void ChainInspector::collectNames() const {
     // The value of this key names the cached stores of earlier runs: NAME:PRIORITY; and so on.
     std::wstring record;
     featureSet->getConfig(std::wstring(ZelUnified::ConfigKeys::primaryConfigStores), record, false);
     std::vector<std::wstring> entries;
     KyrCoreUtils::split(record, entries, L";");
     for (const auto& entry : entries) {
-        names->learn(KyrCoreUtils::toString(entry.substr(0, entry.find(L':'))));
+        names->addIfNew(KyrCoreUtils::toString(entry.substr(0, entry.find(L':'))));
     }
     const auto records = service->getAllConfig();
     for (const auto& value : *records) {
-        names->learn(KyrCoreUtils::toString(value->getValueStoreName()));
-        names->learn(KyrCoreUtils::toString(value->getOriginalValueStoreName()));
+        names->addIfNew(KyrCoreUtils::toString(value->getValueStoreName()));
+        names->addIfNew(KyrCoreUtils::toString(value->getOriginalValueStoreName()));
     }
 }
 

@@ -50,7 +50,7 @@ void StoreNames::OnConfigStoreAdded(const std::string& storeName) {
     names.push_back(storeName);
 }
 
-void StoreNames::learn(const std::string& storeName) {
+void StoreNames::addIfNew(const std::string& storeName) {
     const KyrCoreUtils::LockGuard lock(mutex);
     if (!storeName.empty() && find(storeName) == names.end()) {
         names.push_back(storeName);

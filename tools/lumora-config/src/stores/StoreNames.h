@@ -19,7 +19,7 @@ public:
     /// Moves the store to the end of the order, whether it is new or replaced.
     void OnConfigStoreAdded(const std::string& storeName) override;
     /// Adds a name if it is not known yet.
-    void learn(const std::string& storeName);
+    void addIfNew(const std::string& storeName);
     std::vector<std::string> getAll() const;
 
 private:
