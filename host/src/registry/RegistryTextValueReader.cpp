@@ -31,6 +31,17 @@ std::vector<std::uint8_t> widen(const std::vector<std::uint8_t>& bytes) {
     return data;
 }
 
+/// Returns true for a line that begins like a key. No value continues there: a quote or a byte that is missing above it
+/// must not hide the key.
+bool beginsKey(std::wstring_view line) {
+    const auto text = KyrCoreUtils::trim(line);
+    if (!text.starts_with(L'[')) {
+        return false;
+    }
+    const std::size_t name = text.starts_with(L"[-") ? 2 : 1;
+    return KyrCoreUtils::caseInsensitiveStringEquals(std::wstring_view(text).substr(name, 2), L"HK");
+}
+
 } // namespace
 
 /// A cursor for parsing one line.
@@ -148,7 +159,7 @@ bool RegistryTextValueReader::readQuoted(Cursor& cursor, RegistryValue& value) {
     std::wstring text;
     while (!cursor.readToQuote(text)) {
         // A text of several lines is exported with unescaped line ends.
-        if (++current >= lines.getCount()) {
+        if (++current >= lines.getCount() || beginsKey(lines.getText(current))) {
             return fail("the value has no closing quote");
         }
         text.push_back(L'\n');
@@ -205,13 +216,13 @@ bool RegistryTextValueReader::readBytes(Cursor& cursor, RegistryValue& value) {
     return true;
 }
 
-/// Advances to the next line that is not a comment. Returns false if the value ends first, at the end of the file or at
-/// a blank line.
+/// Advances to the next line that is not a comment. Returns false if the value ends first: at the end of the file, at a
+/// blank line or at a key.
 bool RegistryTextValueReader::readContinuation(Cursor& cursor) {
     while (current + 1 < lines.getCount()) {
         Cursor following(lines.getText(current + 1));
         following.skipBlanks();
-        if (following.atEnd()) {
+        if (following.atEnd() || beginsKey(following.rest())) {
             return false;
         }
         ++current;
@@ -232,7 +243,7 @@ bool RegistryTextValueReader::fail(const char* text) {
 void RegistryTextValueReader::skipContinuation() {
     while (current + 1 < lines.getCount()) {
         const auto text = KyrCoreUtils::trim(lines.getText(current));
-        if (!text.ends_with(L'\\')) {
+        if (!text.ends_with(L'\\') || beginsKey(lines.getText(current + 1))) {
             return;
         }
         ++current;
