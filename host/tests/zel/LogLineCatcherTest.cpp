@@ -24,11 +24,6 @@ TEST(LogLineCatcher, HoldsTheLastLineOfItsLogger) {
     EXPECT_EQ(catcher.getText(), "last");
 }
 
-TEST(LogLineCatcher, IgnoresLinesFromBeforeItsConstruction) {
-    log("before");
-    EXPECT_EQ(LogLineCatcher("Caught").getText(), "");
-}
-
 TEST(LogLineCatcher, HoldsLinesOfOtherThreadsOnlyIfAllAreWanted) {
     const LogLineCatcher all("Caught");
     const LogLineCatcher own("Caught", LogLineCatcher::Threads::Calling);
