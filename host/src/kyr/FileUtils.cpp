@@ -75,7 +75,7 @@ bool FileUtils::fileExists(const std::string& path) noexcept {
     return asErrorCode([&] {
                const auto file = pathFromText(path);
                std::error_code error;
-               return file && (fs::exists(*file, error) || PendingWrites::ofProcess().find(path)) ? 0 : ENOENT;
+               return file && (fs::exists(*file, error) || PendingWrites::instance().find(path)) ? 0 : ENOENT;
            }) == 0;
 }
 
@@ -92,7 +92,7 @@ int FileUtils::removeFile(const std::string& path) noexcept {
         if (!file) {
             return ENOENT;
         }
-        const bool waited = PendingWrites::ofProcess().drop(path);
+        const bool waited = PendingWrites::instance().drop(path);
         const int result = platform::removeFile(*file);
         return waited && result == ENOENT ? 0 : result;
     });
@@ -105,15 +105,15 @@ int FileUtils::moveFile(const std::string& source, const std::string& target, bo
         if (!from || !to) {
             return ENOENT;
         }
-        auto& writes = PendingWrites::ofProcess();
-        const auto ofSource = writes.take(source);
-        const auto ofTarget = writes.take(target);
+        auto& writes = PendingWrites::instance();
+        const auto pendingAtSource = writes.extract(source);
+        const auto pendingAtTarget = writes.extract(target);
         const int result = platform::moveFile(*from, *to, failIfExists);
         if (result != 0) {
-            writes.putBack(ofTarget);
+            writes.putBack(pendingAtTarget);
             std::error_code error;
             if (fs::exists(fs::symlink_status(*from, error))) {
-                writes.putBack(ofSource);
+                writes.putBack(pendingAtSource);
             }
         }
         return result;

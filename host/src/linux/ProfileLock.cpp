@@ -1,12 +1,11 @@
+#include "DirectoryDigest.h"
 #include "FileDescriptor.h"
-#include "kyr/HexDigits.h"
 #include "zel/storage/PendingWrites.h"
 
 #include <kyr/FileUtils.h>
 #include <unified/ProfileLock.h>
 
 #include <fcntl.h>
-#include <openssl/sha.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -15,34 +14,12 @@
 #include <cerrno>
 #include <charconv>
 #include <csignal>
-#include <filesystem>
 #include <string_view>
 #include <system_error>
 
 namespace ZelUnified {
 
 namespace {
-
-/// Returns the same spelling of the directory in all processes, whether it exists or not.
-std::string settledPath(const std::string& directory) {
-    std::error_code failure;
-    auto path = std::filesystem::weakly_canonical(std::filesystem::absolute(directory, failure), failure);
-    if (failure) {
-        return directory;
-    }
-    return (path.has_filename() ? path : path.parent_path()).string();
-}
-
-/// Uses a digest because a path may be longer than a file name.
-std::string holderFileName(const std::string& path) {
-    std::array<unsigned char, SHA256_DIGEST_LENGTH> digest{};
-    SHA256(reinterpret_cast<const unsigned char*>(path.data()), path.size(), digest.data());
-    std::string name = "profile-";
-    for (std::size_t i = 0; i < digest.size() / 2; ++i) {
-        KyrCoreUtils::appendHex(name, digest[i]);
-    }
-    return name + ".lock";
-}
 
 std::string describe(int error) {
     return std::error_code(error, std::generic_category()).message();
@@ -86,7 +63,7 @@ public:
 private:
     static int open(const std::string& stateDirectory, const std::string& configDirectory) {
         KyrCoreUtils::FileUtils::createDirectory(stateDirectory);
-        const auto path = stateDirectory + "/" + holderFileName(settledPath(configDirectory));
+        const auto path = stateDirectory + "/profile-" + zel::platform::digestDirectory(configDirectory) + ".lock";
         return ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, S_IRUSR | S_IWUSR);
     }
 
@@ -129,7 +106,7 @@ public:
 
     ~LockedDirectory() {
         if (held) {
-            zel::storage::PendingWrites::ofProcess().giveUp(path);
+            zel::storage::PendingWrites::instance().giveUp(path);
             holderFile.write(""); // the next process that fails to lock must not report this one
         }
     }

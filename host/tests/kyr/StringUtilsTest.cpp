@@ -261,6 +261,36 @@ TEST(CaseInsensitiveFind, ReturnsThePositionInUnits) {
     EXPECT_EQ(caseInsensitiveFind(wide(0x1F600) + L"X", L"x"), static_cast<std::ptrdiff_t>(wide(0x1F600).size()));
 }
 
+TEST(MatchesWildcards, IgnoresCase) {
+    EXPECT_TRUE(matchesWildcards(L"ServicesDomain", L"servicesdomain"));
+    EXPECT_FALSE(matchesWildcards(L"ServicesDomain", L"services"));
+}
+
+TEST(MatchesWildcards, AStarMatchesAnyText) {
+    EXPECT_TRUE(matchesWildcards(L"", L"*"));
+    EXPECT_TRUE(matchesWildcards(L"abc", L"*"));
+    EXPECT_TRUE(matchesWildcards(L"abc", L"a*c"));
+    EXPECT_TRUE(matchesWildcards(L"abcbc", L"a*bc"));
+    EXPECT_TRUE(matchesWildcards(L"abc", L"**abc**"));
+    EXPECT_FALSE(matchesWildcards(L"abc", L"*d*"));
+    EXPECT_FALSE(matchesWildcards(L"abc", L"*ab"));
+}
+
+TEST(MatchesWildcards, AQuestionMarkMatchesOneCharacter) {
+    EXPECT_TRUE(matchesWildcards(L"abc", L"a?c"));
+    EXPECT_FALSE(matchesWildcards(L"abc", L"abc?"));
+    EXPECT_FALSE(matchesWildcards(L"abc", L""));
+}
+
+TEST(MatchesWildcards, NeedsLittleTimeForManyStars) {
+    const std::wstring text(200, L'a');
+    std::wstring pattern;
+    for (int i = 0; i < 60; ++i) {
+        pattern += L"a*";
+    }
+    EXPECT_FALSE(matchesWildcards(text, pattern + L'b'));
+}
+
 TEST(Trim, RemovesTheSixAsciiBlanksFromBothEnds) {
     EXPECT_EQ(trim(" \t\n\v\f\ra b\r\f\v\n\t "s), "a b");
     EXPECT_EQ(trim(L" \t\n\v\f\ra b\r\f\v\n\t "s), L"a b");

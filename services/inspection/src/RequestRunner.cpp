@@ -1,11 +1,11 @@
 #include "RequestRunner.h"
 
-#include "KeyPattern.h"
-#include "LoggedLine.h"
 #include "StorableText.h"
 #include "StorageReport.h"
 
 #include <kyr/FileUtils.h>
+#include <kyr/StringUtils.h>
+#include <zel/LogLineCatcher.h>
 #include <zel/ZelLog.h>
 
 #include <ConfigCatalogue.h>
@@ -18,7 +18,9 @@
 namespace inspection {
 
 using KyrCoreUtils::caseInsensitiveStringEquals;
+using KyrCoreUtils::matchesWildcards;
 using KyrCoreUtils::toString;
+using zel::logging::LogLineCatcher;
 using Code = RequestError::Code;
 namespace ConfigKeys = ZelUnified::ConfigKeys;
 
@@ -38,7 +40,7 @@ bool beginsWith(std::wstring_view text, std::wstring_view prefix) {
 }
 
 bool isAsked(const InspectionRequest& request, const std::wstring& key) {
-    return beginsWith(key, request.prefix) && (request.pattern.empty() || matchesPattern(key, request.pattern));
+    return beginsWith(key, request.prefix) && (request.pattern.empty() || matchesWildcards(key, request.pattern));
 }
 
 Json makeDone(const std::string& verb, const std::string& message) {
@@ -215,7 +217,7 @@ void RequestRunner::report(const JobPointer& job) {
 
 void RequestRunner::log(const JobPointer& job) {
     onServices(job, [this, job] {
-        const LoggedLine line("ConfigService-ConfigServiceImpl");
+        const LogLineCatcher line("ConfigService-ConfigServiceImpl", LogLineCatcher::Threads::Calling);
         inspector->getService().logConfig();
         job->reply({{"type", "log"}, {"text", line.getText()}});
     });

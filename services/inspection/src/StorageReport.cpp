@@ -14,39 +14,15 @@ namespace inspection {
 using KyrCoreUtils::FileUtils;
 using zel::storage::EncryptFileUtils;
 using zel::storage::ProtectedFileHealth;
-using zel::storage::ReadResult;
 
 namespace {
 
-std::string describe(ReadResult state) {
-    switch (state) {
-    case ReadResult::Ok:
-        return "good";
-    case ReadResult::Absent:
-        return "absent";
-    case ReadResult::Unreadable:
-        return "unreadable";
-    case ReadResult::WrongKey:
-        return "encrypted with another key";
-    case ReadResult::Damaged:
-        return "damaged";
-    case ReadResult::Empty:
-        return "empty";
-    }
-    return "unknown";
-}
-
 std::string describe(const ProtectedFileHealth& file) {
     auto text = describe(file.state);
-    if (file.lastWrite && !file.lastWrite->succeeded) {
+    if (file.hasFailedWrite()) {
         text += ", the last write failed: " + file.lastWrite->cause;
     }
     return file.pending ? text + ", a change waits to be written" : text;
-}
-
-bool needsAttention(const ProtectedFileHealth& file) {
-    const bool isGood = file.state == ReadResult::Ok || file.state == ReadResult::Absent;
-    return !isGood || file.pending || (file.lastWrite && !file.lastWrite->succeeded);
 }
 
 Json makeItem(const std::string& area, const std::string& path, const std::string& state, bool attention) {
@@ -60,7 +36,7 @@ Json reportStorage() {
     Json items = Json::array();
     items.push_back(makeItem("lock", directory, "held by the running client", false));
     for (const auto& file : EncryptFileUtils::health(directory).files) {
-        items.push_back(makeItem("file", file.path, describe(file), needsAttention(file)));
+        items.push_back(makeItem("file", file.path, describe(file), file.needsAttention()));
     }
     for (const auto& file : EncryptFileUtils::listMovedAside(directory)) {
         items.push_back(makeItem("moved aside", file.keptAs, describe(file.state), true));
@@ -72,11 +48,11 @@ Json reportStorage() {
 void requireUserFileWritten() {
     for (const auto& file : EncryptFileUtils::health(FileUtils::getConfigDirectory()).files) {
         const bool isUsers = FileUtils::getFileName(file.path) == ZelUnified::ConfigKeys::localConfigFile;
-        const bool failed = file.lastWrite && !file.lastWrite->succeeded;
-        if (isUsers && (file.pending || failed)) {
-            throw RequestError(RequestError::Code::Environment,
-                               "the client has taken the change, but it is not on the disk: " +
-                                   (failed ? file.lastWrite->cause : std::string("it waits to be written")));
+        if (isUsers && (file.pending || file.hasFailedWrite())) {
+            throw RequestError(
+                RequestError::Code::Environment,
+                "the client has taken the change, but it is not on the disk: " +
+                    (file.hasFailedWrite() ? file.lastWrite->cause : std::string("it waits to be written")));
         }
     }
 }

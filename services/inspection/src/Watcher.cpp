@@ -1,10 +1,12 @@
 #include "Watcher.h"
 
-#include "KeyPattern.h"
+#include <kyr/StringUtils.h>
 
 #include <algorithm>
 
 namespace inspection {
+
+using KyrCoreUtils::matchesWildcards;
 
 void Watcher::addPatterns(const std::vector<std::wstring>& added) {
     watchesAll = watchesAll || added.empty();
@@ -18,8 +20,8 @@ void Watcher::clearPatterns() {
 
 bool Watcher::isInterestedIn(const Change& change) const {
     return watchesAll || std::ranges::any_of(patterns, [&](const std::wstring& pattern) {
-               return matchesPattern(change.key, pattern) ||
-                      (change.oldName && matchesPattern(*change.oldName, pattern));
+               return matchesWildcards(change.key, pattern) ||
+                      (change.oldName && matchesWildcards(*change.oldName, pattern));
            });
 }
 

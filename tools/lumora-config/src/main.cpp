@@ -5,7 +5,6 @@
 #include "commands/KeyCommands.h"
 #include "commands/Session.h"
 #include "commands/SettingsReader.h"
-#include "commands/Shell.h"
 #include "disk/Doctor.h"
 #include "host/ConfigHost.h"
 #include "host/HostFolders.h"
@@ -15,6 +14,7 @@
 #include "output/LogLinePrinter.h"
 #include "output/Output.h"
 #include "output/TextPrinter.h"
+#include "shell/Shell.h"
 
 #include <kyr/EndSignals.h>
 #include <kyr/StandardStreams.h>

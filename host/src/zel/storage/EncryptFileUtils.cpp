@@ -119,7 +119,7 @@ bool EncryptFileUtils::readDataFromFile(const std::string& path, ProtectedText& 
 ReadResult EncryptFileUtils::readData(const std::string& path, ProtectedText& content,
                                       FileCategoryType::FileCategory category) {
     return guarded(path, ReadResult::Unreadable, [&] {
-        if (const auto kept = PendingWrites::ofProcess().find(ProtectedFiles::physicalPath(path))) {
+        if (const auto kept = PendingWrites::instance().find(ProtectedFiles::physicalPath(path))) {
             return readKept(*kept, content, category);
         }
         return Environment().files().read(path, content, category);
@@ -135,19 +135,19 @@ bool EncryptFileUtils::writeDataToFile(const std::string& path, const ProtectedT
                                        FileCategoryType::FileCategory category) {
     return guarded(path, false, [&] {
         return !content.isEmpty() &&
-               PendingWrites::ofProcess().write(ProtectedFiles::physicalPath(path), content, category, writeToDisk);
+               PendingWrites::instance().write(ProtectedFiles::physicalPath(path), content, category, writeToDisk);
     });
 }
 
 bool EncryptFileUtils::retryPendingWrites() {
-    return guarded("pending writes", false, [] { return PendingWrites::ofProcess().retry(writeToDisk); });
+    return guarded("pending writes", false, [] { return PendingWrites::instance().retry(writeToDisk); });
 }
 
 StorageHealth EncryptFileUtils::health(const std::string& configDirectory) {
     return guarded(configDirectory, StorageHealth(), [&] {
         Environment environment;
         ProtectedFiles files = environment.files();
-        return StorageHealth{ProtectedFileTree(files, configDirectory).examine(PendingWrites::ofProcess()),
+        return StorageHealth{ProtectedFileTree(files, configDirectory).examine(PendingWrites::instance()),
                              movedFiles().list(configDirectory)};
     });
 }
@@ -172,10 +172,10 @@ std::vector<MovedFile> EncryptFileUtils::moveAsideUnusable(const std::string& co
 WriteOutcome EncryptFileUtils::restoreMovedAside(const std::string& keptAs) {
     const auto now = std::chrono::system_clock::now();
     return guarded(keptAs, WriteOutcome{false, "unexpected failure", now}, [&] {
-        const auto dropped = PendingWrites::ofProcess().take(Quarantine::parse(keptAs).original);
+        const auto dropped = PendingWrites::instance().extract(Quarantine::parse(keptAs).original);
         const std::string cause = Environment().files().restore(keptAs);
         if (!cause.empty()) {
-            PendingWrites::ofProcess().putBack(dropped);
+            PendingWrites::instance().putBack(dropped);
         }
         return WriteOutcome{cause.empty(), cause, now};
     });
@@ -186,7 +186,7 @@ void EncryptFileUtils::overrideFileLayer(std::shared_ptr<FileLayer> layer) {
         const KyrCoreUtils::LockGuard lock(overrides().mutex);
         overrides().layer.swap(layer);
     }
-    PendingWrites::ofProcess().clear();
+    PendingWrites::instance().clear();
     movedFiles().clear();
 }
 

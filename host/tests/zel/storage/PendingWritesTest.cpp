@@ -212,7 +212,7 @@ TEST_F(PendingWritesTest, DroppingACategoryKeepsTheOther) {
     const std::string device = storage.configFile("cachedUrlProvisioningConfigStore.dat");
     EXPECT_FALSE(write("new"));
     EXPECT_FALSE(EncryptFileUtils::writeDataToFile(device, PlainText("link"), DeviceData));
-    PendingWrites::ofProcess().drop(UserData);
+    PendingWrites::instance().drop(UserData);
     EXPECT_EQ(read(), "old");
     EXPECT_EQ(read(device, DeviceData), "link");
 }
@@ -222,12 +222,12 @@ TEST_F(PendingWritesTest, GivingUpADirectoryLogsItsLostContent) {
     EXPECT_FALSE(write("new"));
     EXPECT_FALSE(EncryptFileUtils::writeDataToFile(elsewhere, PlainText("kept"), UserData));
     const LogRecorder log;
-    PendingWrites::ofProcess().giveUp(storage.profile.config().string() + "/");
+    PendingWrites::instance().giveUp(storage.profile.config().string() + "/");
     EXPECT_THAT(log.getTexts(ZelLogLevel::Error),
                 ElementsAre("Lost the content of protected file " + path + ", not written: No space left on device"));
     EXPECT_EQ(read(), "old");
     EXPECT_EQ(read(elsewhere), "kept");
-    PendingWrites::ofProcess().giveUp("");
+    PendingWrites::instance().giveUp("");
     EXPECT_EQ(read(elsewhere), "");
 }
 
@@ -286,20 +286,20 @@ TEST_F(PendingWritesTest, ContentThatCannotBeCopiedIsNotKeptAndLogged) {
 }
 
 TEST_F(PendingWritesTest, KeptContentThatIsPutBackDoesNotReplaceANewerWrite) {
-    auto& writes = PendingWrites::ofProcess();
+    auto& writes = PendingWrites::instance();
     EXPECT_FALSE(write("new"));
-    const auto taken = writes.take(path);
+    const auto taken = writes.extract(path);
     EXPECT_EQ(read(), "old");
     writes.putBack(taken);
     EXPECT_EQ(read(), "new");
-    const auto again = writes.take(path);
+    const auto again = writes.extract(path);
     EXPECT_FALSE(write("newer"));
     writes.putBack(again);
     EXPECT_EQ(read(), "newer");
 }
 
 TEST_F(PendingWritesTest, RemovingTheFileWaitsForARunningWrite) {
-    auto& writes = PendingWrites::ofProcess();
+    auto& writes = PendingWrites::instance();
     testing_host::Signal begun;
     testing_host::Signal removed;
     std::thread writer([&] {
@@ -322,7 +322,7 @@ TEST_F(PendingWritesTest, ReplacingTheFileLayerDropsKeptContent) {
     EncryptFileUtils::overrideFileLayer(storage.layer);
     EXPECT_EQ(read(), "old");
     EXPECT_FALSE(EncryptFileUtils::health(storage.profile.config().string()).files.at(0).lastWrite);
-    EXPECT_TRUE(PendingWrites::ofProcess().isEmpty());
+    EXPECT_TRUE(PendingWrites::instance().isEmpty());
 }
 
 } // namespace

@@ -1,11 +1,11 @@
 #include "CommandTable.h"
 #include "disk/Doctor.h"
-#include "host/LogLineCatcher.h"
 #include "output/ChainPage.h"
 #include "output/TimeText.h"
 
 #include <kyr/ProcessUtils.h>
 #include <kyr/StringUtils.h>
+#include <zel/LogLineCatcher.h>
 #include <zel/RegularFile.h>
 
 #include <cerrno>
@@ -68,7 +68,7 @@ void report(Session& session, const Command& command) {
 }
 
 void log(Session& session, const Command& /*command*/) {
-    const LogLineCatcher catcher("ConfigService-ConfigServiceImpl");
+    const zel::logging::LogLineCatcher catcher("ConfigService-ConfigServiceImpl");
     session.getHost().onServices("lumora-config: log", [&] { session.getHost().getService()->logConfig(); });
     session.getPrinter().showText("log", catcher.getText());
 }

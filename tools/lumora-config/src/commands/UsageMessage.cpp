@@ -38,7 +38,7 @@ std::vector<std::string> nameOptions(const CLI::App& grammar) {
     return names;
 }
 
-std::string askForOneOf(const std::vector<std::string>& names) {
+std::string suggestNames(const std::vector<std::string>& names) {
     std::string text;
     for (std::size_t i = 0; i < names.size(); ++i) {
         const bool isLast = i + 1 == names.size();
@@ -56,7 +56,7 @@ std::string describeUnknownOption(const CLI::App& grammar, const std::string& wo
     // The dashes are no reason to call two names similar.
     auto closest = closestNames(name.substr(std::min(name.find_first_not_of('-'), name.size())), nameOptions(grammar));
     std::ranges::for_each(closest, [](std::string& option) { option.insert(0, "--"); });
-    return "there is no option '" + name + "'" + askForOneOf(closest);
+    return "there is no option '" + name + "'" + suggestNames(closest);
 }
 
 } // namespace
@@ -87,7 +87,7 @@ std::string getHelp(const CLI::App& grammar, const std::string& command) {
 }
 
 std::string suggest(const std::string& word, const std::vector<std::string>& candidates) {
-    return askForOneOf(closestNames(word, candidates));
+    return suggestNames(closestNames(word, candidates));
 }
 
 } // namespace lumora_config

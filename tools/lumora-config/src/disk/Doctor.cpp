@@ -48,15 +48,10 @@ bool isDirectory(const std::string& path) {
 
 std::string describeFile(const zel::storage::ProtectedFileHealth& file) {
     auto text = describe(file.state);
-    if (file.lastWrite && !file.lastWrite->succeeded) {
+    if (file.hasFailedWrite()) {
         text += ", the last write failed: " + file.lastWrite->cause;
     }
     return file.pending ? text + ", a change is not written yet" : text;
-}
-
-bool needsAttention(const zel::storage::ProtectedFileHealth& file) {
-    const bool isGood = file.state == ReadResult::Ok || file.state == ReadResult::Absent;
-    return !isGood || file.pending || (file.lastWrite && !file.lastWrite->succeeded);
 }
 
 std::string describePolicy(const PolicyImport& policy) {
@@ -159,8 +154,8 @@ void Doctor::examineProtectedFiles() {
         hasMain = hasMain || (exists && name == ConfigKeys::localConfigFile);
         hasBackup = hasBackup || (exists && name == ConfigKeys::localConfigBackupFile);
         if (exists) {
-            addExisting("file", file.path, describeFile(file), needsAttention(file), writableByOthers);
-        } else if (needsAttention(file)) {
+            addExisting("file", file.path, describeFile(file), file.needsAttention(), writableByOthers);
+        } else if (file.needsAttention()) {
             add("file", file.path, describeFile(file), true);
         }
     }
@@ -212,7 +207,7 @@ void Doctor::add(const std::string& area, const std::string& path, const std::st
 
 void Doctor::addExisting(const std::string& area, const std::string& path, const std::string& state,
                          bool needsAttention, unsigned harmfulMode) {
-    const auto access = FileAccess::of(path);
+    const auto access = FileAccess::read(path);
     const auto mode = modeOf(path);
     const bool isForeign = !access || access->owner == FileAccess::Owner::Other;
     const bool isOpen = (mode & harmfulMode) != 0;

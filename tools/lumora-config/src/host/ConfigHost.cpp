@@ -2,12 +2,12 @@
 
 #include "HostFolders.h"
 #include "InspectionPlugin.h"
-#include "LogLineCatcher.h"
 #include "output/Failure.h"
 
 #include <kyr/FileUtils.h>
 #include <kyr/FunctionTask.h>
 #include <unified/TypeName.h>
+#include <zel/LogLineCatcher.h>
 #include <zel/LogSink.h>
 #include <zel/SystemMonitorFactory.h>
 
@@ -19,6 +19,7 @@
 namespace lumora_config {
 
 using KyrCoreUtils::FileUtils;
+using zel::logging::LogLineCatcher;
 using ZelSystemMonitor::SystemMonitorFactory;
 using ZelUnified::UnifiedFactoryImpl;
 

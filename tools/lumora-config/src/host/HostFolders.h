@@ -10,7 +10,7 @@ namespace lumora_config {
 
 /// Returns "" if a directory or a library with this access is trusted. Otherwise returns the reason: it belongs to
 /// another user who is not root, or everybody may write it.
-std::string whyUntrusted(const KyrCoreUtils::FileAccess& access);
+std::string findReasonForDistrust(const KyrCoreUtils::FileAccess& access);
 
 /// Throws Failure (Environment) for the first existing directory or library that is not trusted.
 void requireTrusted(const std::vector<std::string>& paths);

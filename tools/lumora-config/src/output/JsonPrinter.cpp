@@ -249,7 +249,7 @@ void JsonPrinter::showFailure(const std::string& command, const Failure& failure
     diagnostics.writeMessage(std::string("lumora-config: ") + failure.what());
 }
 
-bool JsonPrinter::isHeard() const {
+bool JsonPrinter::canPrint() const {
     return output.getError() == 0;
 }
 

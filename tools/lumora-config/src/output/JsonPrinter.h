@@ -36,7 +36,7 @@ public:
     void showWarning(const std::string& message) override;
     void showFailure(const std::string& command, const Failure& failure) override;
     bool alwaysShowsOrigin() const override { return true; }
-    bool isHeard() const override;
+    bool canPrint() const override;
 
 private:
     void write(const nlohmann::ordered_json& object);

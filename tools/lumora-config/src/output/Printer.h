@@ -46,8 +46,8 @@ public:
     /// Returns true if showValue() prints the origin without being asked for it.
     virtual bool alwaysShowsOrigin() const = 0;
 
-    /// Returns false after an answer could not be written. Nothing more is written then.
-    virtual bool isHeard() const = 0;
+    /// Returns false once an answer could not be written; nothing more is written then.
+    virtual bool canPrint() const = 0;
 };
 
 } // namespace lumora_config

@@ -250,7 +250,7 @@ void TextPrinter::showFailure(const std::string& /*command*/, const Failure& fai
     diagnostics.writeMessage(std::string("lumora-config: ") + failure.what());
 }
 
-bool TextPrinter::isHeard() const {
+bool TextPrinter::canPrint() const {
     return output.getError() == 0;
 }
 

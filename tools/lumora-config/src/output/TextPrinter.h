@@ -30,7 +30,7 @@ public:
     void showWarning(const std::string& message) override;
     void showFailure(const std::string& command, const Failure& failure) override;
     bool alwaysShowsOrigin() const override { return false; }
-    bool isHeard() const override;
+    bool canPrint() const override;
 
 private:
     Output& output;

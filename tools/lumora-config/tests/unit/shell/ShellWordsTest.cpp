@@ -1,4 +1,4 @@
-#include "commands/ShellWords.h"
+#include "shell/ShellWords.h"
 
 #include "output/Failure.h"
 

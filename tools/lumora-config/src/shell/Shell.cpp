@@ -1,10 +1,10 @@
 #include "Shell.h"
 
-#include "CommandGrammar.h"
-#include "CommandTable.h"
 #include "LineSecrecy.h"
 #include "ShellCompletion.h"
 #include "ShellWords.h"
+#include "commands/CommandGrammar.h"
+#include "commands/CommandTable.h"
 
 #include <kyr/EndSignals.h>
 #include <kyr/FileUtils.h>
@@ -70,7 +70,7 @@ void Shell::runPlain() {
             std::cerr << prompt << std::flush;
         }
     } while (!mustEnd() && std::getline(input, line) && !mustEnd() && runLine(line) == Next::Continue &&
-             session.getPrinter().isHeard());
+             session.getPrinter().canPrint());
     session.getInput().setLineReader({});
 }
 
@@ -84,7 +84,7 @@ void Shell::runEdited(LineEditor& editor) {
         text = line.value_or("");
         return line.has_value();
     });
-    while (!mustEnd() && session.getPrinter().isHeard()) {
+    while (!mustEnd() && session.getPrinter().canPrint()) {
         const auto line = editor.readLine();
         if (!line || runLine(*line) == Next::Quit) {
             break;

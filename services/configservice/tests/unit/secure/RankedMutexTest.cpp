@@ -1,4 +1,4 @@
-#include "secure/LockOrder.h"
+#include "secure/RankedMutex.h"
 
 #include "featuresets/adapters/config/chain/ConfigStoreManager.h"
 

@@ -1,4 +1,4 @@
-#include "LockOrder.h"
+#include "RankedMutex.h"
 
 #include <algorithm>
 #include <cstdio>

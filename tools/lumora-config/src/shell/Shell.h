@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Session.h"
 #include "ShellHistory.h"
+#include "commands/Session.h"
 #include "output/Failure.h"
 #include "terminal/LineEditor.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Session.h"
+#include "commands/Session.h"
 #include "terminal/LineEditor.h"
 
 #include <string>

@@ -1,8 +1,8 @@
 #include "ShellCompletion.h"
 
-#include "CatalogueCandidates.h"
-#include "CommandGrammar.h"
 #include "ShellWords.h"
+#include "commands/CatalogueCandidates.h"
+#include "commands/CommandGrammar.h"
 #include "stores/KnownKeys.h"
 
 #include <kyr/StringUtils.h>
