@@ -80,7 +80,7 @@ private:
     int keep(int error);
     void clearFaults();
 
-    zel::storage::FileLayer& real = zel::storage::FileLayer::platform();
+    zel::storage::FileLayer& real = zel::storage::FileLayer::disk();
     mutable std::mutex mutex;
     std::vector<Operation> calls;
     std::vector<Fault> faults;
