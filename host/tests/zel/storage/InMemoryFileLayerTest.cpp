@@ -38,11 +38,11 @@ namespace fs = std::filesystem;
 struct InMemoryFileLayerTest : testing::Test {
     std::string pathOf(const std::string& name) const { return (profile.config() / name).string(); }
 
-    std::string read(const std::string& path) {
+    std::string read(const std::string& from) {
         FileLayer::Handle handle = -1;
         FileKind kind = FileKind::Other;
         std::uint64_t size = 0;
-        if (const int error = layer.openForReading(path, handle, kind, size); error != 0) {
+        if (const int error = layer.openForReading(from, handle, kind, size); error != 0) {
             return "error " + std::to_string(error);
         }
         std::string text;
@@ -55,9 +55,9 @@ struct InMemoryFileLayerTest : testing::Test {
         EXPECT_EQ(size, text.size());
         return text;
     }
-    void create(const std::string& path, std::string_view first, std::string_view second = {}) {
+    void create(const std::string& to, std::string_view first, std::string_view second = {}) {
         FileLayer::Handle handle = -1;
-        ASSERT_EQ(layer.createFile(path, handle), 0);
+        ASSERT_EQ(layer.createFile(to, handle), 0);
         for (const auto part : {first, second}) {
             std::size_t count = 0;
             EXPECT_EQ(layer.write(handle, part, count), 0);

@@ -126,7 +126,7 @@ TEST_F(Doctor, ShowsThatTheBackupIsRead) {
 
 TEST_F(Doctor, ShowsAFileThatWasMovedAside) {
     damage(mainFile);
-    profile.run({"get", "Theme"});
+    profile.run({"set", "Theme", "light"});
     expectAttention(mainFile + ".unreadable", "damaged");
 }
 

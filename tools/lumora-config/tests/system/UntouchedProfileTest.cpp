@@ -10,7 +10,7 @@
 #include <functional>
 #include <future>
 #include <map>
-#include <memory>
+#include <ostream>
 #include <set>
 #include <sstream>
 
@@ -95,6 +95,8 @@ std::vector<Arguments> getLines(const std::string& command, const Profile& profi
 struct State {
     std::string name;
     std::function<void(const Profile&)> prepare;
+
+    friend std::ostream& operator<<(std::ostream& stream, const State& state) { return stream << state.name; }
 };
 
 void damage(const Profile& profile, const std::string& file) {
