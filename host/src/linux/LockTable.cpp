@@ -3,8 +3,8 @@
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 
-#include <cstdio>
 #include <fstream>
+#include <iomanip>
 #include <iterator>
 #include <sstream>
 
@@ -16,9 +16,9 @@ constexpr auto listPath = "/proc/locks";
 
 /// Returns the device as the list spells it.
 std::string spellDevice(dev_t device) {
-    char text[32];
-    std::snprintf(text, sizeof(text), "%02x:%02x", major(device), minor(device));
-    return text;
+    std::ostringstream text;
+    text << std::hex << std::setfill('0') << std::setw(2) << major(device) << ':' << std::setw(2) << minor(device);
+    return text.str();
 }
 
 } // namespace

@@ -43,10 +43,10 @@ std::set<std::string> listCommands() {
     return names;
 }
 
-/// The commands that change the profile, or run until they are ended.
+/// The commands that change the profile, run until they are ended, or are for a running client only.
 const std::set<std::string> changingCommands{"set",   "reset",   "provision",    "reset-provisioning",
                                              "mdm",   "restore", "remove-store", "reset-data",
-                                             "shell", "serve"};
+                                             "shell", "serve",   "memory",       "refresh"};
 
 /// Files that commands read and write, outside of the profile.
 class Workplace {
