@@ -80,7 +80,7 @@ private:
     int dropChangeIfFailed(int error) LUMORA_REQUIRES(mutex);
     void clearFaults() LUMORA_REQUIRES(mutex);
 
-    zel::storage::FileLayer& real = zel::storage::FileLayer::platform();
+    zel::storage::FileLayer& real = zel::storage::FileLayer::disk();
     mutable KyrCoreUtils::AnnotatedMutex<> mutex;
     std::vector<Operation> calls LUMORA_GUARDED_BY(mutex);
     std::vector<Fault> faults LUMORA_GUARDED_BY(mutex);

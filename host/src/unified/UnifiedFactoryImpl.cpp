@@ -5,6 +5,7 @@
 #include "TaskDispatcherImpl.h"
 #include "WriteRetrier.h"
 #include "zel/SystemMonitorImpl.h"
+#include "zel/storage/InMemoryFileLayer.h"
 #include "zel/storage/PendingWrites.h"
 
 #include <kyr/FileUtils.h>
@@ -26,6 +27,7 @@ using Processing::SerialQueue;
 using Processing::ServicesDispatcherImpl;
 using Processing::TaskDispatcherImpl;
 using zel::storage::EncryptFileUtils;
+using zel::storage::InMemoryFileLayer;
 using zel::storage::PendingWrites;
 using ZelSystemMonitor::SystemMonitorImpl;
 
@@ -62,6 +64,9 @@ UnifiedFactoryImpl::~UnifiedFactoryImpl() = default;
 void UnifiedFactoryImpl::Init() {
     if (destroyed || initialised.exchange(true)) {
         return;
+    }
+    if (options.changesInMemory) {
+        InMemoryFileLayer::setOfProcess(std::make_shared<InMemoryFileLayer>(zel::storage::FileLayer::disk()));
     }
     if (options.openedForWriting) {
         EncryptFileUtils::moveAsideUnusable(KyrCoreUtils::FileUtils::getConfigDirectory());
@@ -169,6 +174,9 @@ void UnifiedFactoryImpl::Destroy() {
     resetCallbacks->clear();
     featureSets.clear();
     services.clear();
+    if (initialised && options.changesInMemory) {
+        InMemoryFileLayer::setOfProcess(nullptr);
+    }
 }
 
 void UnifiedFactoryImpl::stopFeatureSets() {

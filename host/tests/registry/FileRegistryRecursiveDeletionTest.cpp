@@ -60,7 +60,7 @@ protected:
     testing_host::TemporaryProfile profile;
     const std::filesystem::path user = profile.data() / "registry";
     testing_host::FaultInjectingFileLayer layer;
-    const std::shared_ptr<Registry> registry = makeFileRegistry({(profile.root() / "etc").string(), {}}, {}, layer);
+    const std::shared_ptr<Registry> registry = makeFileRegistry({(profile.root() / "etc").string(), {}}, {}, &layer);
 };
 
 TEST_F(FileRegistryRecursiveDeletionTest, TheNumberOfRewritesDoesNotGrowWithTheNumberOfSubkeys) {

@@ -115,6 +115,36 @@ TEST_F(ProfileLockTest, DifferentPathsOfOneDirectoryShareOneLock) {
     }
 }
 
+TEST_F(ProfileLockTest, FindsTheHolderWithoutTheLockAndChangesNothing) {
+    const auto emptyState = (profile.root() / "other-state").string();
+    EXPECT_EQ(ProfileLock::findProblem(config, emptyState), "");
+    EXPECT_FALSE(std::filesystem::exists(emptyState));
+    {
+        const HoldingProcess other(config, state);
+        EXPECT_EQ(ProfileLock::findProblem(config, state), ProfileLock(config, state).getProblem());
+        EXPECT_THAT(ProfileLock::findProblem(config + "/", emptyState), HasSubstr("in use by another process"));
+        EXPECT_EQ(ProfileLock::findProblem(config + "2", state), "");
+        EXPECT_FALSE(std::filesystem::exists(config + "2"));
+    }
+    EXPECT_EQ(ProfileLock::findProblem(config, state), "") << "the record of the killed process remains";
+}
+
+TEST_F(ProfileLockTest, DoesNotFindALivingProcessThatOnlyHasTheNumberOfAKilledOne) {
+    std::filesystem::path record;
+    {
+        const ProfileLock lock(config, state);
+        record = std::filesystem::directory_iterator(state)->path();
+    }
+    testing_host::writeFile(record, std::to_string(getpid()) + "\n");
+    EXPECT_EQ(ProfileLock::findProblem(config, state), "");
+}
+
+TEST_F(ProfileLockTest, FindsThatTheDirectoryCannotBeOpened) {
+    testing_host::writeFile(profile.root() / "file", "x");
+    const auto file = (profile.root() / "file").string();
+    EXPECT_THAT(ProfileLock::findProblem(file, state), AllOf(HasSubstr(file), HasSubstr("can't be opened")));
+}
+
 TEST_F(ProfileLockTest, CreatesTheStateFolder) {
     const auto missing = profile.state() / "new" / "folder";
     const ProfileLock lock(config, missing.string());

@@ -186,6 +186,21 @@ TEST_F(UnifiedFactoryImplStorageTest, APowerDownIsDeliveredAfterTheBackgroundHas
     EXPECT_EQ(before, "queued");
 }
 
+TEST_F(UnifiedFactoryImplStorageTest, ChangesInMemoryEndWithTheFactory) {
+    storage.layer->heal();
+    UnifiedFactoryOptions options;
+    options.changesInMemory = true;
+    const auto reading = std::make_shared<UnifiedFactoryImpl>(options);
+    reading->Init();
+    EXPECT_TRUE(EncryptFileUtils::writeDataToFile(path, PlainText("new"), UserData));
+    EXPECT_TRUE(KyrCoreUtils::FileUtils::fileExists(path));
+    EXPECT_FALSE(std::filesystem::exists(path));
+    reading->Destroy();
+    EXPECT_FALSE(KyrCoreUtils::FileUtils::fileExists(path));
+    EXPECT_TRUE(EncryptFileUtils::writeDataToFile(path, PlainText("new"), UserData));
+    EXPECT_EQ(onDisk(), "new");
+}
+
 TEST_F(UnifiedFactoryImplStorageTest, AProfileOpenedForWritingIsCheckedBeforeThePlugInsEntry) {
     storage.layer->heal();
     const auto damaged = storage.profile.config() / "lumoraLocalConfig_backup.dat";

@@ -19,6 +19,7 @@
 #include <kyr/EndSignals.h>
 #include <kyr/StandardStreams.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <functional>
 #include <memory>
@@ -79,13 +80,37 @@ void examineProfile(const CommandLine& line, Printer& printer) {
     showHealth(Doctor(Doctor::Lock::NotHeld).examine(), printer);
 }
 
+/// A store with a copy changes the profile whatever the command does.
+ProfileUse getProfileUse(const CommandLine& line) {
+    const bool changes = changesProfile(line.command) || std::ranges::any_of(line.stores, &StoreSpec::cached);
+    return changes ? ProfileUse::Change : ProfileUse::Read;
+}
+
+/// The files of a profile do not contain all values of a running client. A command that changes the profile finds its
+/// lock held instead.
+void refuseBesideClient(const CommandLine& line) {
+    if (line.offline) {
+        return;
+    }
+    KyrCoreUtils::FileUtils::overrideDirectories(line.directories);
+    if (const InspectionClient client; client.isConnected()) {
+        throw Failure(ExitCode::Environment, "The profile " + KyrCoreUtils::FileUtils::getConfigDirectory() +
+                                                 " is in use by process " + std::to_string(client.getProcess()) +
+                                                 "; --offline reads its files");
+    }
+}
+
 /// Opens the profile of the command line and adds its stores. Returns the code of `use`, or that of a store that could
 /// not be added.
 ExitCode withSession(const CommandLine& line, Printer& printer, const std::function<ExitCode(Session&)>& use) {
     if (!line.trusted) {
         requireTrusted(line.namedDirectories);
     }
-    ConfigHost host(line.directories, line.pluginDirectory, line.verbose, line.plugins);
+    const auto profileUse = getProfileUse(line);
+    if (profileUse == ProfileUse::Read) {
+        refuseBesideClient(line);
+    }
+    ConfigHost host(line.directories, line.pluginDirectory, line.verbose, profileUse, line.plugins);
     showHealthNotice(host.getConfigDirectory(), printer);
     Session session(host, printer, line.showSecrets);
     host.start();

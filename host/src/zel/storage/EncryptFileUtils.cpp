@@ -1,5 +1,6 @@
 #include "EncryptFileUtilsLogger.h"
 #include "FileKeyProvider.h"
+#include "InMemoryFileLayer.h"
 #include "MovedFiles.h"
 #include "PathParts.h"
 #include "PendingWrites.h"
@@ -42,15 +43,21 @@ MovedFiles& movedFiles() {
 /// The layer and the key provider of one call, kept alive during the call.
 class Environment {
 public:
-    Environment() {
+    /// The files as this process sees them, or those on the disk. They differ while a host keeps its changes in memory.
+    enum class View { Process, Disk };
+
+    explicit Environment(View view = View::Process) {
         Overrides& current = overrides();
         {
             const KyrCoreUtils::LockGuard lock(current.mutex);
             layer = current.layer;
             provider = current.provider;
         }
+        if (auto inMemory = InMemoryFileLayer::getActive(); inMemory && view == View::Process) {
+            layer = std::move(inMemory);
+        }
         if (!layer) {
-            layer = std::shared_ptr<FileLayer>(std::shared_ptr<void>(), &FileLayer::platform());
+            layer = std::shared_ptr<FileLayer>(std::shared_ptr<void>(), &FileLayer::disk());
         }
         if (!provider) {
             provider = std::make_shared<FileKeyProvider>(*layer, KyrCoreUtils::FileUtils::getUserLocalAppDir());
@@ -128,7 +135,8 @@ ReadResult EncryptFileUtils::readData(const std::string& path, ProtectedText& co
 
 ReadResult EncryptFileUtils::readFromDisk(const std::string& path, ProtectedText& content,
                                           FileCategoryType::FileCategory category) {
-    return guarded(path, ReadResult::Unreadable, [&] { return Environment().files().read(path, content, category); });
+    return guarded(path, ReadResult::Unreadable,
+                   [&] { return Environment(Environment::View::Disk).files().read(path, content, category); });
 }
 
 bool EncryptFileUtils::writeDataToFile(const std::string& path, const ProtectedText& content,
@@ -145,7 +153,7 @@ bool EncryptFileUtils::retryPendingWrites() {
 
 StorageHealth EncryptFileUtils::health(const std::string& configDirectory) {
     return guarded(configDirectory, StorageHealth(), [&] {
-        Environment environment;
+        Environment environment(Environment::View::Disk);
         ProtectedFiles files = environment.files();
         return StorageHealth{ProtectedFileTree(files, configDirectory).examine(PendingWrites::instance()),
                              movedFiles().list(configDirectory)};
@@ -154,7 +162,7 @@ StorageHealth EncryptFileUtils::health(const std::string& configDirectory) {
 
 std::vector<KeptFile> EncryptFileUtils::listMovedAside(const std::string& directory) {
     return guarded(directory, std::vector<KeptFile>(), [&] {
-        Environment environment;
+        Environment environment(Environment::View::Disk);
         ProtectedFiles files = environment.files();
         return ProtectedFileTree(files, directory).listMovedAside();
     });

@@ -29,7 +29,7 @@ private:
 
 struct PosixFileLayerTest : testing::TestWithParam<mode_t> {
     testing_host::TemporaryProfile profile;
-    FileLayer& layer = FileLayer::platform();
+    FileLayer& layer = FileLayer::disk();
     const std::string path = (profile.config() / "name").string();
     FileLayer::Handle handle = -1;
     FileKind kind = FileKind::Other;

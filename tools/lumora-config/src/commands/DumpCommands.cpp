@@ -136,7 +136,11 @@ void load(Session& session, const Command& command) {
 } // namespace
 
 CommandTable getDumpCommands() {
-    return {{"dump", dump}, {"load", load}};
+    return {{"dump", dump}};
+}
+
+CommandTable getLoadCommands() {
+    return {{"load", load}};
 }
 
 } // namespace lumora_config

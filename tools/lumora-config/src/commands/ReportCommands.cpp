@@ -47,7 +47,8 @@ void reportAsPage(Session& session, const Command& command) {
         session.getMask().hide(key);
         origins.locate(key);
     }
-    findings.health = Doctor(Doctor::Lock::Held, Doctor::Owners::Masked).examine();
+    const auto lock = session.getHost().isProfileLocked() ? Doctor::Lock::Held : Doctor::Lock::NotHeld;
+    findings.health = Doctor(lock, Doctor::Owners::Masked).examine();
     findings.profile = session.getHost().getConfigDirectory();
     findings.host = KyrCoreUtils::ProcessUtils::getHostName();
     findings.madeAt = formatTime(std::chrono::system_clock::now());

@@ -41,6 +41,12 @@ std::string describeMode(unsigned mode) {
     return text.str();
 }
 
+/// Asks the disk, which a host that only reads does not change.
+bool existsOnDisk(const std::string& path) {
+    std::error_code ignored;
+    return std::filesystem::exists(path, ignored);
+}
+
 bool isDirectory(const std::string& path) {
     std::error_code ignored;
     return std::filesystem::is_directory(path, ignored);
@@ -115,7 +121,7 @@ void Doctor::examineDirectories() {
         if (directory.empty()) {
             continue;
         }
-        if (!FileUtils::fileExists(directory)) {
+        if (!existsOnDisk(directory)) {
             add("directory", directory, "absent", false);
             continue;
         }
@@ -129,9 +135,9 @@ void Doctor::examineLock() {
         add("lock", configDirectory, lock == Lock::Held ? "held by this process" : "free", false);
         return;
     }
-    const ZelUnified::ProfileLock attempt(configDirectory, FileUtils::getStateDirectory());
-    const bool inUse = attempt.getProblem().find("is in use by") != std::string::npos;
-    add("lock", configDirectory, attempt.isHeld() ? "free" : attempt.getProblem(), !attempt.isHeld() && !inUse);
+    const auto problem = ZelUnified::ProfileLock::findProblem(configDirectory, FileUtils::getStateDirectory());
+    const bool inUse = problem.find("is in use by") != std::string::npos;
+    add("lock", configDirectory, problem.empty() ? "free" : problem, !problem.empty() && !inUse);
 }
 
 void Doctor::examineDefaults() {
@@ -177,7 +183,7 @@ void Doctor::examineKeys() {
     const auto folder = FileUtils::getUserLocalAppDir() + FileUtils::FileSeparator() + "keys";
     std::vector<std::string> files;
     FileUtils::getFilesFromDirectory(folder, "", files);
-    if (FileUtils::fileExists(folder)) {
+    if (existsOnDisk(folder)) {
         addExisting("keys", folder, std::to_string(files.size()) + " files", false, usableByOthers);
     }
     for (const auto& path : files) {

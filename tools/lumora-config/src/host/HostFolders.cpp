@@ -88,10 +88,11 @@ void requireDefaultsFile(const std::string& resourcesDirectory) {
     throw Failure(ExitCode::Environment, message);
 }
 
-void requireDefaultsAccepted(const std::string& resourcesDirectory) {
+void requireDefaultsAccepted(const std::string& resourcesDirectory, ProfileUse use) {
     const auto path = getDefaultsPath(resourcesDirectory);
     if (!FileUtils::fileExists(path)) {
-        throw Failure(ExitCode::Environment, path + ": not XML; kept as " + getQuarantinePath(resourcesDirectory));
+        const auto kept = use == ProfileUse::Change ? "; kept as " + getQuarantinePath(resourcesDirectory) : "";
+        throw Failure(ExitCode::Environment, path + ": not XML" + kept);
     }
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ProfileUse.h"
+
 #include <kyr/FileAccess.h>
 
 #include <string>
@@ -24,7 +26,7 @@ std::string findPluginFolder(const std::string& requested);
 void requireDefaultsFile(const std::string& resourcesDirectory);
 
 /// Checks that the service has accepted the defaults file; it moves a file aside that is not XML. Throws Failure
-/// (Environment) with the new path in that case.
-void requireDefaultsAccepted(const std::string& resourcesDirectory);
+/// (Environment) in that case, with the new path if the file was moved on the disk.
+void requireDefaultsAccepted(const std::string& resourcesDirectory, ProfileUse use);
 
 } // namespace lumora_config

@@ -143,10 +143,24 @@ TEST_F(Live, OfflineForbidsAndLiveRequiresTheClient) {
     RunningProgram client(profile, {"serve"});
     client.receive();
     EXPECT_EQ(profile.run({"--live", "get", "Theme"}).exitCode, 0);
-    const auto offline = profile.run({"--offline", "get", "Theme"});
+    const auto offline = profile.run({"--offline", "set", "Theme", "dark"});
     EXPECT_EQ(offline.exitCode, 3);
     EXPECT_THAT(offline.error, HasSubstr("in use by process " + std::to_string(client.getProcess())));
     EXPECT_EQ(profile.run({"reset-data", "--yes"}).exitCode, 3);
+}
+
+TEST_F(Live, AReadingCommandThatTheClientCannotAnswerIsRefusedUnlessItIsOffline) {
+    ASSERT_EQ(profile.run({"set", "Theme", "dark"}).exitCode, 0);
+    RunningProgram client(profile, {"serve"});
+    client.receive();
+    for (const Arguments& command : {Arguments{"dump"}, {"diff"}}) {
+        const auto refused = profile.run(command);
+        EXPECT_EQ(refused.exitCode, 3);
+        EXPECT_THAT(refused.error, HasSubstr("in use by process " + std::to_string(client.getProcess())));
+    }
+    const auto offline = profile.run({"--offline", "dump"});
+    EXPECT_EQ(offline.exitCode, 0) << offline.error;
+    EXPECT_THAT(offline.out, HasSubstr("dark"));
 }
 
 TEST_F(Live, ServeRefusesChangesOnRequest) {

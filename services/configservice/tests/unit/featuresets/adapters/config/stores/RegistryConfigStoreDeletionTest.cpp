@@ -207,7 +207,7 @@ TEST_F(RegistryDeletionTest, OnFilesAPolicyWithManySubkeysIsDeletedInOneOrTwoRew
     const auto file = profile.data() / "registry/own.reg";
     testing_host::writeFile(file, lines);
     testing_host::FaultInjectingFileLayer layer;
-    overrideRegistry(makeFileRegistry({(profile.root() / "none").string(), {}}, {}, layer));
+    overrideRegistry(makeFileRegistry({(profile.root() / "none").string(), {}}, {}, &layer));
     RegistryConfigStore::removeRegistrySettings();
     EXPECT_EQ(testing_host::readFile(file), "REGEDIT4\n");
     EXPECT_EQ(log.getTexts(ZelLogLevel::Info).size(), 301U);
