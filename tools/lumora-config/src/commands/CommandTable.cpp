@@ -9,7 +9,7 @@ namespace {
 CommandTable getAllCommands() {
     CommandTable all;
     for (auto group : {getReadCommands(), getKeyCommands(), getWriteCommands(), getDumpCommands(), getDiffCommands(),
-                       getReportCommands(), getLifecycleCommands(), getStorageCommands()}) {
+                       getReportCommands(), getBundleCommands(), getLifecycleCommands(), getStorageCommands()}) {
         all.merge(group);
     }
     return all;

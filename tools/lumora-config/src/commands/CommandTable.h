@@ -22,6 +22,7 @@ CommandTable getWriteCommands();
 CommandTable getDumpCommands();
 CommandTable getDiffCommands();
 CommandTable getReportCommands();
+CommandTable getBundleCommands();
 CommandTable getLifecycleCommands();
 CommandTable getStorageCommands();
 

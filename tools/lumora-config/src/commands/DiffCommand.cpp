@@ -3,6 +3,7 @@
 #include "CommandTable.h"
 #include "SettingsReader.h"
 #include "output/SettingsComparison.h"
+#include "output/SettingsJson.h"
 #include "output/SettingsText.h"
 #include "stores/KnownKeys.h"
 #include "stores/ReportSettings.h"
@@ -22,13 +23,26 @@ void markSecrets(SettingsDump& dump) {
     }
 }
 
+SettingsDump parseFile(const std::string& content, const std::string& path) {
+    const auto start = content.find_first_not_of(" \t\r\n");
+    if (start != std::string::npos && content[start] == '<') {
+        return parseReport(content, path);
+    }
+    const auto report = findReportText(content);
+    return report ? parseReport(*report, path) : parseDump(content, path);
+}
+
 SettingsDump readFile(const std::string& path) {
     const auto content = readWholeFile(path);
-    const auto start = content.find_first_not_of(" \t\r\n");
-    auto dump =
-        start != std::string::npos && content[start] == '<' ? parseReport(content, path) : parseDump(content, path);
-    markSecrets(dump);
-    return dump;
+    try {
+        auto dump = parseFile(content, path);
+        markSecrets(dump);
+        return dump;
+    } catch (const Failure& failure) {
+        throw Failure(failure.getCode(), std::string(failure.what()) +
+                                             "; diff reads what dump and report write, with or without --json, and "
+                                             "folders of profiles");
+    }
 }
 
 bool isProfile(const std::string& operand) {

@@ -1,20 +1,18 @@
 #include "CommandTable.h"
 #include "SettingsReader.h"
 #include "StorableCheck.h"
+#include "disk/OutputFile.h"
 #include "output/SettingsText.h"
 #include "stores/SearchPattern.h"
 #include "stores/XmlSettings.h"
 
 #include <kyr/StandardStreams.h>
 #include <kyr/StringUtils.h>
-#include <zel/RegularFile.h>
 
 #include <ConfigKeys.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <iterator>
-#include <system_error>
 
 namespace lumora_config {
 
@@ -44,17 +42,6 @@ void requirePrivateOutput(const SettingsDump& dump, const std::string& path) {
     }
 }
 
-void writeDump(const std::string& path, const std::string& text) {
-    const int error = zel::storage::RegularFile::replace(path, text);
-    if (error == EEXIST) {
-        throw Failure(ExitCode::Environment, path + ": cannot be written: it is not a regular file");
-    }
-    if (error != 0) {
-        throw Failure(ExitCode::Environment, path + ": cannot be written: " + std::generic_category().message(error));
-    }
-    DiskCheck::requireFile(path, text);
-}
-
 void dump(Session& session, const Command& command) {
     auto content = readForDump(session, command);
     if (!command.prefix.empty()) {
@@ -69,7 +56,7 @@ void dump(Session& session, const Command& command) {
         session.getPrinter().showDump(content);
         return;
     }
-    writeDump(command.file, session.getPrinter().formatDump(content));
+    writeOutputFile(command.file, session.getPrinter().formatDump(content));
     reportDone(session, command, std::to_string(content.settings.size()) + " keys written to " + command.file);
 }
 
