@@ -23,7 +23,7 @@ std::string describeVersions(const std::string& client) {
     if (!client.empty()) {
         versions["client"] = client;
     }
-    return versions.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + '\n';
+    return versions.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + '\n';
 }
 
 } // namespace lumora_config

@@ -70,25 +70,23 @@ void show(const SettingsDump& left, const SettingsDump& right, const Command& co
 }
 
 void diff(Session& session, const Command& command) {
-    const bool showSecrets = session.getMask().showsSecrets();
-    if (command.operands.empty()) {
-        auto administrators = readAdministratorsValues(session);
-        auto inForce = readEffectiveValues(session);
-        show(administrators, inForce, command, showSecrets, session.getPrinter());
-        return;
-    }
     const auto readProfile = [&](const std::string& folder, const std::string& source) {
         if (!folder.empty()) {
             throw Failure(ExitCode::Usage, folder + ": the shell uses a profile already; compare profiles outside it");
         }
         return readSource(session, source);
     };
-    showDifferences(command, readProfile, showSecrets, session.getPrinter());
+    showDifferences(command, readProfile, session.getMask().showsSecrets(), session.getPrinter());
 }
 
 } // namespace
 
 void showDifferences(const Command& command, const ProfileReader& readProfile, bool showSecrets, Printer& printer) {
+    if (command.operands.empty()) {
+        const auto administrators = readProfile("", "administrator");
+        show(administrators, readProfile("", "effective"), command, showSecrets, printer);
+        return;
+    }
     const auto& first = command.operands.front();
     const auto second = command.operands.size() == 1 ? std::string() : command.operands.back();
     const bool isFirstProfile = isProfile(first);
