@@ -145,7 +145,7 @@ TEST(Bundle, ContainsWhatItListsInAPrivateFile) {
                                    "page.html", "report.xml", "stores.json", "versions.json"));
     EXPECT_THAT(members.at("page.html"), StartsWith("<!DOCTYPE html>"));
     EXPECT_THAT(members.at("report.xml"), HasSubstr("<theme>dark</theme>"));
-    EXPECT_THAT(members.at("explain.json"), HasSubstr(R"("key":"Theme")"));
+    EXPECT_THAT(members.at("explain.json"), HasSubstr(R"("newName":"theme")"));
     EXPECT_THAT(members.at("log/lumora-config.log"), HasSubstr("[ConfigService-ConfigAdapter]"));
 }
 
