@@ -66,7 +66,7 @@ void UnifiedFactoryImpl::Init() {
         return;
     }
     if (options.changesInMemory) {
-        InMemoryFileLayer::setOfProcess(std::make_shared<InMemoryFileLayer>(zel::storage::FileLayer::disk()));
+        InMemoryFileLayer::setActive(std::make_shared<InMemoryFileLayer>(zel::storage::FileLayer::disk()));
     }
     if (options.openedForWriting) {
         EncryptFileUtils::moveAsideUnusable(KyrCoreUtils::FileUtils::getConfigDirectory());
@@ -175,7 +175,7 @@ void UnifiedFactoryImpl::Destroy() {
     featureSets.clear();
     services.clear();
     if (initialised && options.changesInMemory) {
-        InMemoryFileLayer::setOfProcess(nullptr);
+        InMemoryFileLayer::setActive(nullptr);
     }
 }
 

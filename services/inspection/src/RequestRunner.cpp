@@ -1,7 +1,9 @@
 #include "RequestRunner.h"
 
+#include "SettingsReport.h"
 #include "StorableText.h"
 #include "StorageReport.h"
+#include "ValueLoad.h"
 
 #include <kyr/FileUtils.h>
 #include <kyr/StringUtils.h>
@@ -104,7 +106,9 @@ RequestRunner::Step RequestRunner::findStep(const std::string& verb) {
                                                    {"provision", &RequestRunner::provision},
                                                    {"reset-provisioning", &RequestRunner::resetProvisioning},
                                                    {"remove-store", &RequestRunner::removeStore},
-                                                   {"refresh", &RequestRunner::refresh}};
+                                                   {"refresh", &RequestRunner::refresh},
+                                                   {"dump", &RequestRunner::dump},
+                                                   {"load", &RequestRunner::load}};
     const auto found = steps.find(verb);
     if (found == steps.end()) {
         throw RequestError(Code::Usage, "unknown verb");
@@ -305,6 +309,41 @@ void RequestRunner::refresh(const JobPointer& job) {
         requireChangesAllowed();
         inspector->getFeatureSet().refreshConfigFeatureSet();
         job->reportDone("the stores that are not local are read anew");
+    });
+}
+
+void RequestRunner::dump(const JobPointer& job) {
+    onServices(job, [this, job] {
+        const auto all = std::make_shared<SettingsReport>(inspector, job->request);
+        tasks.runSlices(nameTask("dump"), [job, all] {
+            bool more = false;
+            return job->guard([&] {
+                more = all->proceed();
+                if (!more) {
+                    job->reply(all->take());
+                }
+            }) && more;
+        });
+    });
+}
+
+/// Sets all values in one task, because other tasks must not find a part of them.
+void RequestRunner::load(const JobPointer& job) {
+    const auto values = std::make_shared<ValueLoad>(job->request);
+    onServices(job, [this, job, values] {
+        values->count(*inspector);
+        if (values->isDryRun()) {
+            job->reply(values->describe());
+            return;
+        }
+        requireChangesAllowed();
+        values->set(*inspector);
+        tasks.runInBackground(nameTask("load"), [job, values] {
+            job->guard([&] {
+                requireUserFileWritten();
+                job->reply(values->describe());
+            });
+        });
     });
 }
 

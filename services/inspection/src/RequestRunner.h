@@ -50,6 +50,8 @@ private:
     void resetProvisioning(const JobPointer& job);
     void removeStore(const JobPointer& job);
     void refresh(const JobPointer& job);
+    void dump(const JobPointer& job);
+    void load(const JobPointer& job);
 
     /// Runs `work` on the services dispatcher's thread.
     void onServices(const JobPointer& job, std::function<void()> work) const;

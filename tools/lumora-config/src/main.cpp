@@ -10,6 +10,7 @@
 #include "host/HostFolders.h"
 #include "live/ChangeWatch.h"
 #include "live/LiveCommands.h"
+#include "live/LiveSettings.h"
 #include "output/JsonPrinter.h"
 #include "output/LogLinePrinter.h"
 #include "output/Output.h"
@@ -123,6 +124,22 @@ ExitCode withSession(const CommandLine& line, Printer& printer, const std::funct
     return code == ExitCode::Done ? storesCode : code;
 }
 
+/// Returns true if a running client may answer for the profile. Stores and plug-ins of the command line belong to a
+/// host of their own.
+bool mayAskClient(const CommandLine& line) {
+    return !line.offline && line.stores.empty() && line.bootstraps.empty() && line.plugins.empty();
+}
+
+/// Asks the client that uses the profile, if there is one. Returns nothing if there is none.
+std::optional<SettingsDump> readLive(const CommandLine& line, const std::string& source) {
+    KyrCoreUtils::FileUtils::overrideDirectories(line.directories);
+    InspectionClient client;
+    if (!client.isConnected()) {
+        return std::nullopt;
+    }
+    return LiveSettings(client).read(source, true);
+}
+
 SettingsDump readProfile(const CommandLine& line, Printer& printer, const std::string& folder,
                          const std::string& source) {
     auto opened = line;
@@ -132,6 +149,14 @@ SettingsDump readProfile(const CommandLine& line, Printer& printer, const std::s
         if (!line.pluginDirectory.empty()) {
             opened.namedDirectories.push_back(line.pluginDirectory);
         }
+    }
+    if (mayAskClient(opened)) {
+        if (auto live = readLive(opened, source)) {
+            return std::move(*live);
+        }
+    }
+    if (line.live) {
+        throw Failure(ExitCode::Environment, "no running client can carry out '" + line.command.name + "'");
     }
     SettingsDump dump;
     const auto code = withSession(opened, printer, [&](Session& session) {
@@ -177,10 +202,8 @@ ExitCode watch(const CommandLine& line, Outputs& outputs) {
 }
 
 /// Runs the command on the client that uses the profile. Returns false if there is none, or none that can be asked.
-/// Stores and plug-ins of the command line belong to a host of their own.
 bool runLive(const CommandLine& line, Printer& printer) {
-    if (line.offline || !line.stores.empty() || !line.bootstraps.empty() || !line.plugins.empty() ||
-        !LiveCommands::canRun(line.command)) {
+    if (!mayAskClient(line) || !LiveCommands::canRun(line.command)) {
         return false;
     }
     KyrCoreUtils::FileUtils::overrideDirectories(line.directories);

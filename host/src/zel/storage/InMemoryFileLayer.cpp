@@ -44,7 +44,7 @@ std::shared_ptr<InMemoryFileLayer> InMemoryFileLayer::getActive() {
     return current.layer;
 }
 
-void InMemoryFileLayer::setOfProcess(std::shared_ptr<InMemoryFileLayer> layer) {
+void InMemoryFileLayer::setActive(std::shared_ptr<InMemoryFileLayer> layer) {
     auto& current = layerOfProcess();
     const KyrCoreUtils::LockGuard lock(current.mutex);
     current.layer.swap(layer);

@@ -24,7 +24,7 @@ public:
     /// Returns the layer of this process; null if the process changes the disk.
     static std::shared_ptr<InMemoryFileLayer> getActive();
     /// Sets the layer of this process. FileLayer::platform(), FileUtils and EncryptFileUtils use it from now on.
-    static void setOfProcess(std::shared_ptr<InMemoryFileLayer> layer);
+    static void setActive(std::shared_ptr<InMemoryFileLayer> layer);
 
     /// Returns true if a file or a directory exists at the path, following links.
     bool exists(const std::string& path) const;

@@ -203,8 +203,8 @@ TEST_F(InMemoryFileLayerTest, AnOpenFileSurvivesItsReplacement) {
 
 /// The layer of the process, as a host sets it.
 struct InMemoryProcessTest : InMemoryFileLayerTest {
-    InMemoryProcessTest() { InMemoryFileLayer::setOfProcess(std::make_shared<InMemoryFileLayer>(FileLayer::disk())); }
-    ~InMemoryProcessTest() override { InMemoryFileLayer::setOfProcess(nullptr); }
+    InMemoryProcessTest() { InMemoryFileLayer::setActive(std::make_shared<InMemoryFileLayer>(FileLayer::disk())); }
+    ~InMemoryProcessTest() override { InMemoryFileLayer::setActive(nullptr); }
 };
 
 TEST_F(InMemoryProcessTest, FileUtilsChangeNothingOnTheDiskAndSeeTheirChanges) {

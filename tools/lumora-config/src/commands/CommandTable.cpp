@@ -17,7 +17,8 @@ CommandTable merge(std::initializer_list<CommandTable> groups) {
 }
 
 CommandTable getReadingCommands() {
-    return merge({getReadCommands(), getKeyCommands(), getDumpCommands(), getDiffCommands(), getReportCommands()});
+    return merge({getReadCommands(), getKeyCommands(), getDumpCommands(), getDiffCommands(), getReportCommands(),
+                  getBundleCommands()});
 }
 
 CommandTable getAllCommands() {

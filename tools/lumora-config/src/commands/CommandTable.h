@@ -24,6 +24,7 @@ CommandTable getKeyCommands();
 CommandTable getDumpCommands();
 CommandTable getDiffCommands();
 CommandTable getReportCommands();
+CommandTable getBundleCommands();
 /// In these groups, a command may change the profile.
 CommandTable getWriteCommands();
 CommandTable getLoadCommands();

@@ -1,30 +1,18 @@
 #include "CommandTable.h"
 #include "disk/Doctor.h"
+#include "disk/OutputFile.h"
 #include "output/ChainPage.h"
 #include "output/TimeText.h"
 
 #include <kyr/ProcessUtils.h>
 #include <kyr/StringUtils.h>
 #include <zel/LogLineCatcher.h>
-#include <zel/RegularFile.h>
 
-#include <cerrno>
 #include <chrono>
-#include <system_error>
 
 namespace lumora_config {
 
 namespace {
-
-void writeReport(const std::string& path, const std::string& text) {
-    const int error = zel::storage::RegularFile::replace(path, text);
-    if (error == EEXIST) {
-        throw Failure(ExitCode::Environment, path + ": cannot be written: it is not a regular file");
-    }
-    if (error != 0) {
-        throw Failure(ExitCode::Environment, path + ": cannot be written: " + std::generic_category().message(error));
-    }
-}
 
 /// Prints the text, or writes it to the file and reports that. The paths "" and "-" mean standard output.
 void printOrWrite(Session& session, const Command& command, const std::string& path, const std::string& text) {
@@ -32,7 +20,7 @@ void printOrWrite(Session& session, const Command& command, const std::string& p
         session.getPrinter().showText("report", text);
         return;
     }
-    writeReport(path, text);
+    writeOutputFile(path, text);
     reportDone(session, command, (command.htmlFile.empty() ? "report" : "page") + std::string(" written to ") + path);
 }
 

@@ -38,15 +38,6 @@ std::vector<std::string> nameOptions(const CLI::App& grammar) {
     return names;
 }
 
-std::string suggestNames(const std::vector<std::string>& names) {
-    std::string text;
-    for (std::size_t i = 0; i < names.size(); ++i) {
-        const bool isLast = i + 1 == names.size();
-        text += (i == 0 ? "; did you mean " : isLast ? " or " : ", ") + ("'" + names[i] + "'");
-    }
-    return text.empty() ? text : text + '?';
-}
-
 std::string describeUnknownCommand(const CLI::App& grammar, const std::string& word) {
     return "there is no command '" + word + "'" + suggest(word, nameCommands(grammar));
 }
@@ -84,10 +75,6 @@ std::string getHelp(const CLI::App& grammar, const std::string& command) {
         throw Failure(ExitCode::Usage, describeUnknownCommand(grammar, command));
     }
     return named.front()->help(grammar.get_name());
-}
-
-std::string suggest(const std::string& word, const std::vector<std::string>& candidates) {
-    return suggestNames(closestNames(word, candidates));
 }
 
 } // namespace lumora_config

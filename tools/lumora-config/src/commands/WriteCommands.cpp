@@ -62,6 +62,8 @@ void set(Session& session, const Command& given) {
 }
 
 void memory(Session& session, const Command& command) {
+    requireStorable(command.key, command.value, command.forced);
+    suggestKeys(session, command.key);
     const auto key = toWide(command.key);
     bool stored = false;
     runWrite(session, command,

@@ -1,7 +1,11 @@
 #include "LiveCommands.h"
 
+#include "LiveBundle.h"
 #include "LiveReplies.h"
+#include "LiveSettings.h"
+#include "commands/BundleCommand.h"
 #include "commands/CommandInput.h"
+#include "commands/DiffCommand.h"
 #include "commands/ListSearch.h"
 #include "commands/StorableCheck.h"
 #include "output/Failure.h"
@@ -40,6 +44,10 @@ LiveCommands::Body LiveCommands::find(const Command& command) {
                                                     {"list", &LiveCommands::list},
                                                     {"stores", &LiveCommands::stores},
                                                     {"report", &LiveCommands::showText},
+                                                    {"dump", &LiveCommands::dump},
+                                                    {"load", &LiveCommands::load},
+                                                    {"diff", &LiveCommands::diff},
+                                                    {"bundle", &LiveCommands::bundle},
                                                     {"log", &LiveCommands::showText},
                                                     {"set", &LiveCommands::change},
                                                     {"reset", &LiveCommands::change},
@@ -120,6 +128,27 @@ void LiveCommands::change(const Command& command) {
                                    {"store", command.store},
                                    {"force", command.forced}});
     printer.showDone(command.name, reply.at("message"));
+}
+
+void LiveCommands::dump(const Command& command) {
+    LiveSettings(client).dump(command, showSecrets, printer);
+}
+
+void LiveCommands::load(const Command& command) {
+    LiveSettings(client).load(command, CommandInput(), printer);
+}
+
+/// Like a host of its own, compares secrets even if they are not printed.
+void LiveCommands::diff(const Command& command) {
+    const auto read = [this](const std::string& /*folder*/, const std::string& source) {
+        return LiveSettings(client).read(source, true);
+    };
+    showDifferences(command, read, showSecrets, printer);
+}
+
+void LiveCommands::bundle(const Command& command) {
+    writeBundle(
+        command, showSecrets, [this] { return collectBundle(client); }, printer);
 }
 
 } // namespace lumora_config

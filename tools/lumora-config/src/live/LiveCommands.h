@@ -29,6 +29,10 @@ private:
     void stores(const Command& command);
     void showText(const Command& command);
     void change(const Command& command);
+    void dump(const Command& command);
+    void load(const Command& command);
+    void diff(const Command& command);
+    void bundle(const Command& command);
 
     InspectionClient& client;
     Printer& printer;

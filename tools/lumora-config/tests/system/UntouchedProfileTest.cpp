@@ -81,6 +81,7 @@ std::vector<Arguments> getLines(const std::string& command, const Profile& profi
         {"list", {{}, {"--sensitive"}, {"--store", "LocalFileConfigStore"}}},
         {"describe", {{"Theme"}}},
         {"report", {{}, {"-o", files.getPath("report.xml")}, {"--html", files.getPath("report.html")}}},
+        {"bundle", {{"-o", files.getPath("bundle.zip"), "--force"}}},
         {"dump", {{}, {"--effective"}, {"-o", files.getPath("out.txt")}}},
         {"diff", {{}, {files.getPath("dump.txt")}, {profile.root().string(), files.getPath("")}}},
         {"load", {{"--dry-run", files.getPath("dump.txt")}}},
