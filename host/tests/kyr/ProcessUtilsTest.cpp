@@ -22,7 +22,7 @@ TEST(ProcessUtils, ReturnsTheNameOfTheMachine) {
 }
 
 TEST(ProcessUtils, ReturnsTheNameOfTheUserThatOwnsNewFiles) {
-    const auto access = KyrCoreUtils::FileAccess::of("/proc/self/stat");
+    const auto access = KyrCoreUtils::FileAccess::read("/proc/self/stat");
     ASSERT_TRUE(access);
     EXPECT_EQ(ProcessUtils::getUserName(), access->ownerName);
 }
