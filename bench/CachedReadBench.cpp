@@ -1,7 +1,7 @@
 // Compares a read of a record, the most frequent operation of a client, with one lookup in a hash map.
-#include "BareTable.h"
 #include "HostedService.h"
 #include "ProbeWalk.h"
+#include "bare/BareTable.h"
 
 #include <ConfigValue.h>
 

@@ -1,7 +1,7 @@
 // Compares a lookup through the whole chain with the same lookup in one hash map per layer.
-#include "BareChain.h"
 #include "HostedService.h"
 #include "ProbeWalk.h"
+#include "bare/BareChain.h"
 
 #include <cstddef>
 #include <memory>

@@ -1,8 +1,8 @@
 // Measures reading eight protected documents, alone and as part of starting the whole service, beside parsing the same
 // clear bytes without storing anything.
-#include "BareParser.h"
 #include "CachedDocuments.h"
 #include "RowSuite.h"
+#include "bare/BareParser.h"
 
 #include <TemporaryProfile.h>
 

@@ -1,11 +1,11 @@
 // Measures the bytes of memory per key: as bare text, in a plain map, in the stores, and in the record of the key.
 // Counts the sizes requested from the allocator, without the allocator's own overhead; only the rows of a whole service
 // include it.
-#include "BareTable.h"
 #include "CachedDocuments.h"
 #include "CountingAllocator.h"
 #include "RowSuite.h"
 #include "SyntheticKeys.h"
+#include "bare/BareTable.h"
 #include "services/impl/entry/InjectConfigService.h"
 
 #include <CacheConfigStore.h>

@@ -1,9 +1,9 @@
 // Compares the cost of the user's file with the unavoidable work: parsing and decrypting the same bytes, and writing
 // them durably.
-#include "BareCipher.h"
-#include "BareDurableFile.h"
 #include "RowSuite.h"
 #include "SyntheticKeys.h"
+#include "bare/BareCipher.h"
+#include "bare/BareDurableFile.h"
 #include "featuresets/adapters/config/stores/LocalFileDocument.h"
 #include "secure/SecureString.h"
 #include "table/ConfigTable.h"

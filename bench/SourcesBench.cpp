@@ -1,8 +1,8 @@
 // Measures the combination of sources: the construction of a chain with cached stores beside reading their files, the
 // arrival of stores of growing size beside filling a map, and a write through the whole service.
-#include "BareTable.h"
 #include "RowSuite.h"
 #include "SyntheticKeys.h"
+#include "bare/BareTable.h"
 #include "services/impl/entry/InjectConfigService.h"
 
 #include <CacheConfigStore.h>
@@ -128,11 +128,11 @@ public:
         }
     }
 
-    void take(const std::shared_ptr<InMemoryConfigStore>& store, const std::wstring& key) {
+    void add(const std::shared_ptr<InMemoryConfigStore>& store, const std::wstring& key) {
         featureSet->addConfigStore(store);
         require(service->getConfig(key)->getisDefined(), "an arrival");
     }
-    void drop(const std::shared_ptr<InMemoryConfigStore>& store, const std::wstring& key) {
+    void remove(const std::shared_ptr<InMemoryConfigStore>& store, const std::wstring& key) {
         featureSet->removeConfigStore(store->getName());
         require(!service->getConfig(key)->getisDefined(), "a departure");
         factory->backgroundDispatcher->clear();
@@ -191,11 +191,11 @@ void registerArrival(bench::RowSuite& suite, bench::SyntheticKeys& generator, co
     const auto subject = std::make_shared<ChainOfTen>(generator);
     const auto store = makeStore("Arriving", 45, values);
     const auto key = values.begin()->first;
-    subject->take(store, key);
-    subject->drop(store, key);
+    subject->add(store, key);
+    subject->remove(store, key);
     suite.addTimed(row, "service", calls, [=] {
-        const double seconds = bench::timed([&] { subject->take(store, key); });
-        subject->drop(store, key);
+        const double seconds = bench::timed([&] { subject->add(store, key); });
+        subject->remove(store, key);
         return seconds;
     });
     const auto bare = std::make_shared<BareArrival>(generator, values);

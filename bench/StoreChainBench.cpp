@@ -100,7 +100,7 @@ public:
     const std::shared_ptr<InMemoryConfigStore>& arrivingStore() const { return arriving; }
     const ConfigMap& arrivingContents() const { return arrivingValues; }
 
-    void takeAwayArrivingStore() {
+    void removeArrivingStore() {
         manager.removeStoreWithSameName(arriving->getName());
         factory->backgroundDispatcher->clear();
     }
@@ -153,7 +153,7 @@ private:
             require(announcements.values.at(key) == (known == ordered.end() ? value : known->second),
                     "a value announced");
         }
-        takeAwayArrivingStore();
+        removeArrivingStore();
         announcements.remember = false;
         announcements.values.clear();
     }
@@ -236,7 +236,7 @@ void registerArrival(const std::string& name, Subjects& subjects) {
     benchmark::RegisterBenchmark((name + "/chain").c_str(), [&](benchmark::State& state) {
         timeArrival(
             state, [&] { subjects.chain().addStore(subjects.arrivingStore()); },
-            [&] { subjects.takeAwayArrivingStore(); });
+            [&] { subjects.removeArrivingStore(); });
     })->UseManualTime();
     benchmark::RegisterBenchmark((name + "/std::map").c_str(), [&](benchmark::State& state) {
         timeFilling<ConfigMap>(state, subjects.arrivingContents());

@@ -1,9 +1,9 @@
 // Compares a write on the services dispatcher's thread, including the announcement and the update of its record, with
 // setting a value in a hash map. The file is written later on another thread and not measured.
-#include "BareWriter.h"
 #include "RowSuite.h"
 #include "Workload.h"
 #include "WriteRounds.h"
+#include "bare/BareWriter.h"
 #include "services/impl/entry/InjectConfigService.h"
 
 #include <ConfigFeatureSet.h>

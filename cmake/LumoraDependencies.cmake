@@ -10,7 +10,8 @@ pkg_check_modules(UTF8PROC REQUIRED IMPORTED_TARGET libutf8proc)
 # Without it the host delivers no power events; everything else works.
 pkg_check_modules(SYSTEMD IMPORTED_TARGET libsystemd)
 find_path(ASIO_INCLUDE_DIR asio.hpp REQUIRED)
-# The line editor of the shell of lumora-config.
+# The line editor of the shell of lumora-config, and the archives of its `bundle`.
 if(NOT WIN32)
   pkg_check_modules(LIBEDIT REQUIRED IMPORTED_TARGET libedit)
+  pkg_check_modules(LIBARCHIVE REQUIRED IMPORTED_TARGET libarchive)
 endif()

@@ -1,7 +1,8 @@
 // Each line is refused with a message or gives a request; every reply is one line of valid JSON.
 #include "InspectionRequest.h"
-#include "KeyPattern.h"
 #include "Require.h"
+
+#include <kyr/StringUtils.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -31,12 +32,12 @@ void handle(std::string_view line) {
     }
     require(!request.verb.empty());
     requireOneLine(inspection::makeReply(request.id, {{"type", "done"}, {"command", request.verb}}));
-    require(inspection::matchesPattern(request.key, L"*"));
+    require(KyrCoreUtils::matchesWildcards(request.key, L"*"));
     if (request.key.find_first_of(L"*?") == std::wstring::npos) {
-        require(inspection::matchesPattern(request.key, request.key));
+        require(KyrCoreUtils::matchesWildcards(request.key, request.key));
     }
     for (const auto& key : request.keys) {
-        inspection::matchesPattern(request.key, key);
+        KyrCoreUtils::matchesWildcards(request.key, key);
     }
 }
 

@@ -1,12 +1,12 @@
 // Measures some of the rows with other settings libraries of this system, beside our own limits.
-#include "BareChain.h"
-#include "BareDurableFile.h"
-#include "BareParser.h"
-#include "BareWriter.h"
 #include "PeerFiles.h"
 #include "PeerPersister.h"
 #include "PeerWriter.h"
 #include "ProbeWalk.h"
+#include "bare/BareChain.h"
+#include "bare/BareDurableFile.h"
+#include "bare/BareParser.h"
+#include "bare/BareWriter.h"
 
 #include <TemporaryProfile.h>
 

@@ -2,10 +2,11 @@
 
 #include "Signal.h"
 
+#include <kyr/AnnotatedMutex.h>
+#include <kyr/LockGuard.h>
 #include <zel/TimerSource.h>
 
 #include <map>
-#include <mutex>
 #include <utility>
 
 namespace testing_host {
@@ -17,7 +18,7 @@ public:
     Alarm set(std::int64_t seconds, std::function<void()> ring) override {
         Alarm number = 0;
         {
-            const std::lock_guard lock(mutex);
+            const KyrCoreUtils::LockGuard lock(mutex);
             number = ++lastNumber;
             pending.emplace(number, 0);
             seconds = wait == Wait::None ? 0 : seconds;
@@ -26,7 +27,7 @@ public:
             self->forget(number);
             ring();
         });
-        const std::lock_guard lock(mutex);
+        const KyrCoreUtils::LockGuard lock(mutex);
         if (const auto found = pending.find(number); found != pending.end()) {
             found->second = alarm;
         }
@@ -36,7 +37,7 @@ public:
     void cancel(Alarm number) override {
         Alarm alarm = 0;
         {
-            const std::lock_guard lock(mutex);
+            const KyrCoreUtils::LockGuard lock(mutex);
             const auto found = pending.find(number);
             if (found == pending.end()) {
                 return;
@@ -48,12 +49,12 @@ public:
     }
 
     void setWait(Wait newWait) {
-        const std::lock_guard lock(mutex);
+        const KyrCoreUtils::LockGuard lock(mutex);
         wait = newWait;
     }
 
     std::size_t getPendingCount() const {
-        const std::lock_guard lock(mutex);
+        const KyrCoreUtils::LockGuard lock(mutex);
         return pending.size();
     }
 
@@ -65,15 +66,16 @@ public:
 
 private:
     void forget(Alarm number) {
-        const std::lock_guard lock(mutex);
+        const KyrCoreUtils::LockGuard lock(mutex);
         pending.erase(number);
     }
 
     const std::shared_ptr<TimerSource> real = TimerSource::getInstance();
-    mutable std::mutex mutex; ///< Guards all members below.
-    Wait wait = Wait::AsAsked;
-    Alarm lastNumber = 0;
-    std::map<Alarm, Alarm> pending; ///< Returned number to real one, which is 0 until set() returns.
+    mutable KyrCoreUtils::AnnotatedMutex<> mutex;
+    Wait wait LUMORA_GUARDED_BY(mutex) = Wait::AsAsked;
+    Alarm lastNumber LUMORA_GUARDED_BY(mutex) = 0;
+    std::map<Alarm, Alarm>
+        pending LUMORA_GUARDED_BY(mutex); ///< Returned number to real one, which is 0 until set() returns.
 };
 
 CountedTimers::CountedTimers() : source(std::make_shared<Source>()) {

@@ -1,5 +1,7 @@
 #include "FaultInjectingFileLayer.h"
 
+#include <kyr/LockGuard.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
@@ -12,7 +14,7 @@ namespace {
 
 /// Counts one call. Returns the error of the fault that is due; 0 if there is none.
 template <typename Faults>
-int takeDue(Faults& faults) {
+int countCall(Faults& faults) {
     int error = 0;
     for (auto& fault : faults) {
         if (--fault.callsLeft == 0) {
@@ -26,32 +28,32 @@ int takeDue(Faults& faults) {
 } // namespace
 
 void FaultInjectingFileLayer::failAt(std::size_t call, int error) {
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     faults.push_back({call, error});
 }
 
 void FaultInjectingFileLayer::failAt(Operation operation, std::size_t call, int error) {
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     operationFaults[operation].push_back({call, error});
 }
 
 void FaultInjectingFileLayer::dieAt(std::size_t call) {
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     callsToLive = call - 1;
 }
 
 void FaultInjectingFileLayer::limitWrites(std::size_t bytes) {
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     writeLimit = bytes;
 }
 
 void FaultInjectingFileLayer::setFreeSpace(std::size_t bytes) {
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     freeSpace = bytes;
 }
 
 void FaultInjectingFileLayer::heal() {
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     clearFaults();
 }
 
@@ -62,17 +64,17 @@ void FaultInjectingFileLayer::clearFaults() {
 }
 
 std::vector<FaultInjectingFileLayer::Operation> FaultInjectingFileLayer::getCalls() const {
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     return calls;
 }
 
 std::size_t FaultInjectingFileLayer::countUnsyncedNames() const {
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     return unsynced.countNames();
 }
 
 void FaultInjectingFileLayer::cutPower(std::size_t keptNames) {
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     clearFaults();
     unsynced.revert(keptNames);
 }
@@ -80,8 +82,8 @@ void FaultInjectingFileLayer::cutPower(std::size_t keptNames) {
 /// Records the call. Returns the error with which it must fail, or 0.
 int FaultInjectingFileLayer::enter(Operation operation) {
     calls.push_back(operation);
-    const int error = takeDue(faults);
-    const int operationError = takeDue(operationFaults[operation]);
+    const int error = countCall(faults);
+    const int operationError = countCall(operationFaults[operation]);
     if (callsToLive == 0) {
         return EIO;
     }
@@ -92,7 +94,7 @@ int FaultInjectingFileLayer::enter(Operation operation) {
 }
 
 /// Removes the last recorded change if the operation failed.
-int FaultInjectingFileLayer::keep(int error) {
+int FaultInjectingFileLayer::dropChangeIfFailed(int error) {
     if (error != 0) {
         unsynced.dropLast();
     }
@@ -100,12 +102,12 @@ int FaultInjectingFileLayer::keep(int error) {
 }
 
 int FaultInjectingFileLayer::createFile(const std::string& path, Handle& handle) {
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     if (const int error = enter(Operation::CreateFile); error != 0) {
         return error;
     }
     unsynced.creating(path);
-    const int error = keep(real.createFile(path, handle));
+    const int error = dropChangeIfFailed(real.createFile(path, handle));
     if (error == 0) {
         openForWriting[handle] = path;
     }
@@ -114,19 +116,19 @@ int FaultInjectingFileLayer::createFile(const std::string& path, Handle& handle)
 
 int FaultInjectingFileLayer::openForReading(const std::string& path, Handle& handle, FileKind& kind,
                                             std::uint64_t& size) {
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     const int error = enter(Operation::OpenForReading);
     return error != 0 ? error : real.openForReading(path, handle, kind, size);
 }
 
 int FaultInjectingFileLayer::read(Handle handle, char* buffer, std::size_t room, std::size_t& count) {
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     const int error = enter(Operation::Read);
     return error != 0 ? error : real.read(handle, buffer, room, count);
 }
 
 int FaultInjectingFileLayer::write(Handle handle, std::string_view bytes, std::size_t& count) {
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     count = 0;
     if (const int error = enter(Operation::Write); error != 0) {
         return error;
@@ -143,7 +145,7 @@ int FaultInjectingFileLayer::write(Handle handle, std::string_view bytes, std::s
 }
 
 int FaultInjectingFileLayer::sync(Handle handle) {
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     if (const int error = enter(Operation::Sync); error != 0) {
         return error;
     }
@@ -152,7 +154,7 @@ int FaultInjectingFileLayer::sync(Handle handle) {
 }
 
 int FaultInjectingFileLayer::close(Handle handle) {
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     openForWriting.erase(handle);
     const int closed = real.close(handle);
     const int error = enter(Operation::Close);
@@ -160,7 +162,7 @@ int FaultInjectingFileLayer::close(Handle handle) {
 }
 
 int FaultInjectingFileLayer::rename(const std::string& from, const std::string& to) {
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     if (const int error = enter(Operation::Rename); error != 0) {
         return error;
     }
@@ -169,29 +171,29 @@ int FaultInjectingFileLayer::rename(const std::string& from, const std::string& 
         return real.rename(from, to);
     }
     unsynced.renaming(from, to);
-    return keep(real.rename(from, to));
+    return dropChangeIfFailed(real.rename(from, to));
 }
 
 int FaultInjectingFileLayer::link(const std::string& existing, const std::string& name) {
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     if (const int error = enter(Operation::Link); error != 0) {
         return error;
     }
     unsynced.linking(existing, name);
-    return keep(real.link(existing, name));
+    return dropChangeIfFailed(real.link(existing, name));
 }
 
 int FaultInjectingFileLayer::unlink(const std::string& path) {
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     if (const int error = enter(Operation::Unlink); error != 0) {
         return error;
     }
     unsynced.unlinking(path);
-    return keep(real.unlink(path));
+    return dropChangeIfFailed(real.unlink(path));
 }
 
 int FaultInjectingFileLayer::createDirectory(const std::string& path) {
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     if (const int error = enter(Operation::CreateDirectory); error != 0) {
         return error;
     }
@@ -199,11 +201,11 @@ int FaultInjectingFileLayer::createDirectory(const std::string& path) {
         return real.createDirectory(path);
     }
     unsynced.creatingDirectory(path);
-    return keep(real.createDirectory(path));
+    return dropChangeIfFailed(real.createDirectory(path));
 }
 
 int FaultInjectingFileLayer::syncDirectory(const std::string& path) {
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     if (const int error = enter(Operation::SyncDirectory); error != 0) {
         return error;
     }
@@ -216,7 +218,7 @@ int FaultInjectingFileLayer::syncDirectory(const std::string& path) {
 
 int FaultInjectingFileLayer::lockDirectory(const std::string& path, std::chrono::milliseconds timeout, Handle& handle) {
     {
-        const std::lock_guard lock(mutex);
+        const KyrCoreUtils::LockGuard lock(mutex);
         if (const int error = enter(Operation::LockDirectory); error != 0) {
             return error;
         }

@@ -2,13 +2,13 @@
 
 #include "UnsyncedChanges.h"
 
+#include <kyr/AnnotatedMutex.h>
 #include <zel/FileLayer.h>
 
 #include <chrono>
 #include <cstddef>
 #include <limits>
 #include <map>
-#include <mutex>
 #include <string>
 #include <vector>
 
@@ -76,20 +76,20 @@ private:
 
     static constexpr std::size_t unlimited = std::numeric_limits<std::size_t>::max();
 
-    int enter(Operation operation);
-    int keep(int error);
-    void clearFaults();
+    int enter(Operation operation) LUMORA_REQUIRES(mutex);
+    int dropChangeIfFailed(int error) LUMORA_REQUIRES(mutex);
+    void clearFaults() LUMORA_REQUIRES(mutex);
 
-    zel::storage::FileLayer& real = zel::storage::FileLayer::platform();
-    mutable std::mutex mutex;
-    std::vector<Operation> calls;
-    std::vector<Fault> faults;
-    std::map<Operation, std::vector<Fault>> operationFaults;
-    std::size_t callsToLive = unlimited;
-    std::size_t writeLimit = unlimited;
-    std::size_t freeSpace = unlimited;
-    std::map<Handle, std::string> openForWriting;
-    UnsyncedChanges unsynced;
+    zel::storage::FileLayer& real = zel::storage::FileLayer::disk();
+    mutable KyrCoreUtils::AnnotatedMutex<> mutex;
+    std::vector<Operation> calls LUMORA_GUARDED_BY(mutex);
+    std::vector<Fault> faults LUMORA_GUARDED_BY(mutex);
+    std::map<Operation, std::vector<Fault>> operationFaults LUMORA_GUARDED_BY(mutex);
+    std::size_t callsToLive LUMORA_GUARDED_BY(mutex) = unlimited;
+    std::size_t writeLimit LUMORA_GUARDED_BY(mutex) = unlimited;
+    std::size_t freeSpace LUMORA_GUARDED_BY(mutex) = unlimited;
+    std::map<Handle, std::string> openForWriting LUMORA_GUARDED_BY(mutex);
+    UnsyncedChanges unsynced LUMORA_GUARDED_BY(mutex);
 };
 
 } // namespace testing_host

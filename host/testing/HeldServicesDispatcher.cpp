@@ -1,5 +1,7 @@
 #include "HeldServicesDispatcher.h"
 
+#include <utility>
+
 namespace testing_host {
 
 bool HeldServicesDispatcher::checkForUpdateAccess() const {
@@ -7,11 +9,7 @@ bool HeldServicesDispatcher::checkForUpdateAccess() const {
 }
 
 void HeldServicesDispatcher::enqueue(std::shared_ptr<zel::Task> task, bool ahead) {
-    if (!task) {
-        return;
-    }
-    const std::lock_guard lock(mutex);
-    tasks.insert(ahead ? tasks.begin() : tasks.end(), std::move(task));
+    tasks.add(std::move(task), ahead);
 }
 
 void HeldServicesDispatcher::enqueueBlock(std::shared_ptr<zel::Task> task, bool) {
@@ -28,35 +26,9 @@ void HeldServicesDispatcher::claim() {
     owner = std::this_thread::get_id();
 }
 
-std::vector<std::string> HeldServicesDispatcher::getTaskNames() const {
-    const std::lock_guard lock(mutex);
-    std::vector<std::string> names;
-    for (const auto& task : tasks) {
-        names.push_back(task->getName());
-    }
-    return names;
-}
-
 void HeldServicesDispatcher::runAll() {
     claim();
-    for (;;) {
-        std::shared_ptr<zel::Task> next;
-        {
-            const std::lock_guard lock(mutex);
-            if (tasks.empty()) {
-                return;
-            }
-            next = std::move(tasks.front());
-            tasks.pop_front();
-        }
-        next->run();
-    }
-}
-
-void HeldServicesDispatcher::clear() {
-    std::deque<std::shared_ptr<zel::Task>> dropped;
-    const std::lock_guard lock(mutex);
-    dropped.swap(tasks);
+    tasks.runAll();
 }
 
 } // namespace testing_host

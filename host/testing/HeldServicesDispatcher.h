@@ -1,11 +1,11 @@
 #pragma once
 
+#include "HeldTasks.h"
+
 #include <unified/ServicesDispatcher.h>
 
 #include <atomic>
-#include <deque>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <thread>
 #include <vector>
@@ -26,16 +26,15 @@ public:
     /// Gives access to the calling thread.
     void claim();
 
-    std::vector<std::string> getTaskNames() const;
+    std::vector<std::string> getTaskNames() const { return tasks.getNames(); }
     /// Runs all queued tasks, including those that they post. The calling thread has access during the call.
     void runAll();
     /// Drops all queued tasks.
-    void clear();
+    void clear() { tasks.clear(); }
 
 private:
     std::atomic<std::thread::id> owner = std::this_thread::get_id();
-    mutable std::mutex mutex; ///< Guards the tasks.
-    std::deque<std::shared_ptr<zel::Task>> tasks;
+    HeldTasks tasks;
 };
 
 } // namespace testing_host

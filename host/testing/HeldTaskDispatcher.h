@@ -1,10 +1,11 @@
 #pragma once
 
+#include "HeldTasks.h"
+
 #include <unified/TaskDispatcher.h>
 
-#include <deque>
+#include <functional>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <vector>
 
@@ -16,15 +17,14 @@ public:
     void enqueue(std::shared_ptr<zel::Task> task) override;
     void enqueue(std::function<void()> work, const std::string& name) override;
 
-    std::vector<std::string> getTaskNames() const;
+    std::vector<std::string> getTaskNames() const { return tasks.getNames(); }
     /// Runs all queued tasks, including those that they post.
-    void runAll();
+    void runAll() { tasks.runAll(); }
     /// Drops all queued tasks.
-    void clear();
+    void clear() { tasks.clear(); }
 
 private:
-    mutable std::mutex mutex;
-    std::deque<std::shared_ptr<zel::Task>> tasks;
+    HeldTasks tasks;
 };
 
 } // namespace testing_host

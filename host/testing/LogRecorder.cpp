@@ -1,30 +1,32 @@
 #include "LogRecorder.h"
 
+#include <kyr/AnnotatedMutex.h>
+#include <kyr/LockGuard.h>
+
 #include <algorithm>
-#include <mutex>
 
 namespace testing_host {
 
 class LogRecorder::Sink final : public zel::logging::LogSink {
 public:
     void write(const zel::logging::LogRecord& record) override {
-        const std::lock_guard lock(mutex);
+        const KyrCoreUtils::LockGuard lock(mutex);
         records.push_back(record);
     }
 
     std::vector<zel::logging::LogRecord> getRecords() const {
-        const std::lock_guard lock(mutex);
+        const KyrCoreUtils::LockGuard lock(mutex);
         return records;
     }
 
     void clear() {
-        const std::lock_guard lock(mutex);
+        const KyrCoreUtils::LockGuard lock(mutex);
         records.clear();
     }
 
 private:
-    mutable std::mutex mutex;
-    std::vector<zel::logging::LogRecord> records;
+    mutable KyrCoreUtils::AnnotatedMutex<> mutex;
+    std::vector<zel::logging::LogRecord> records LUMORA_GUARDED_BY(mutex);
 };
 
 LogRecorder::LogRecorder(Debug debug) : sink(std::make_shared<Sink>()) {

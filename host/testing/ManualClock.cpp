@@ -1,11 +1,12 @@
 #include "ManualClock.h"
 
+#include <kyr/AnnotatedMutex.h>
+#include <kyr/LockGuard.h>
 #include <zel/TimerSource.h>
 
 #include <algorithm>
 #include <limits>
 #include <map>
-#include <mutex>
 #include <utility>
 
 namespace testing_host {
@@ -13,7 +14,7 @@ namespace testing_host {
 class ManualClock::Source final : public zel::common::TimerSource {
 public:
     Alarm set(std::int64_t seconds, std::function<void()> ring) override {
-        const std::lock_guard lock(mutex);
+        const KyrCoreUtils::LockGuard lock(mutex);
         const Alarm alarm = ++lastAlarm;
         pending.emplace(std::pair(later(seconds), alarm), std::move(ring));
         return alarm;
@@ -21,7 +22,7 @@ public:
 
     void cancel(Alarm alarm) override {
         std::function<void()> forgotten;
-        const std::lock_guard lock(mutex);
+        const KyrCoreUtils::LockGuard lock(mutex);
         const auto found = std::find_if(pending.begin(), pending.end(),
                                         [alarm](const auto& entry) { return entry.first.second == alarm; });
         if (found != pending.end()) {
@@ -33,30 +34,30 @@ public:
     void advance(std::int64_t seconds) {
         std::int64_t target = 0;
         {
-            const std::lock_guard lock(mutex);
+            const KyrCoreUtils::LockGuard lock(mutex);
             target = later(seconds);
         }
-        while (const auto ring = takeDue(target)) {
+        while (const auto ring = removeDue(target)) {
             ring();
         }
     }
 
     std::size_t getPendingCount() const {
-        const std::lock_guard lock(mutex);
+        const KyrCoreUtils::LockGuard lock(mutex);
         return pending.size();
     }
 
 private:
-    std::int64_t later(std::int64_t seconds) const {
+    std::int64_t later(std::int64_t seconds) const LUMORA_REQUIRES(mutex) {
         constexpr auto never = std::numeric_limits<std::int64_t>::max();
         const auto wait = std::max<std::int64_t>(seconds, 0);
         return wait > never - now ? never : now + wait;
     }
 
-    /// Returns the next alarm up to `target` and moves the clock to it; if there is none, moves the clock to `target`
-    /// and returns an empty function.
-    std::function<void()> takeDue(std::int64_t target) {
-        const std::lock_guard lock(mutex);
+    /// Removes and returns the next alarm up to `target`, and moves the clock to it. If there is none, moves the clock
+    /// to `target` and returns an empty function.
+    std::function<void()> removeDue(std::int64_t target) {
+        const KyrCoreUtils::LockGuard lock(mutex);
         if (pending.empty() || pending.begin()->first.first > target) {
             now = std::max(now, target);
             return nullptr;
@@ -68,10 +69,10 @@ private:
         return ring;
     }
 
-    mutable std::mutex mutex; ///< Guards all members below; never held while an alarm rings.
-    std::int64_t now = 0;
-    Alarm lastAlarm = 0;
-    std::map<std::pair<std::int64_t, Alarm>, std::function<void()>> pending;
+    mutable KyrCoreUtils::AnnotatedMutex<> mutex; ///< Never held while an alarm rings.
+    std::int64_t now LUMORA_GUARDED_BY(mutex) = 0;
+    Alarm lastAlarm LUMORA_GUARDED_BY(mutex) = 0;
+    std::map<std::pair<std::int64_t, Alarm>, std::function<void()>> pending LUMORA_GUARDED_BY(mutex);
 };
 
 ManualClock::ManualClock() : source(std::make_shared<Source>()) {

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <kyr/LockGuard.h>
+#include <kyr/WaitLock.h>
+
 #include <chrono>
 #include <condition_variable>
-#include <mutex>
 
 namespace testing_host {
 
@@ -11,7 +13,7 @@ class Signal {
 public:
     void set() {
         // Notifies under the lock, because the waiting thread may destroy this object immediately.
-        const std::lock_guard lock(mutex);
+        const KyrCoreUtils::LockGuard lock(mutex);
         happened = true;
         changed.notify_all();
     }
@@ -19,19 +21,19 @@ public:
     /// Returns false on timeout.
     bool wait() { return waitFor(std::chrono::seconds(60)); }
     bool waitFor(std::chrono::milliseconds timeout) {
-        std::unique_lock lock(mutex);
-        return changed.wait_for(lock, timeout, [this] { return happened; });
+        KyrCoreUtils::WaitLock lock(mutex);
+        return changed.wait_for(lock.get(), timeout, [this]() LUMORA_REQUIRES(mutex) { return happened; });
     }
 
     bool isSet() const {
-        const std::lock_guard lock(mutex);
+        const KyrCoreUtils::LockGuard lock(mutex);
         return happened;
     }
 
 private:
-    mutable std::mutex mutex;
+    mutable KyrCoreUtils::AnnotatedMutex<> mutex;
     std::condition_variable changed;
-    bool happened = false;
+    bool happened LUMORA_GUARDED_BY(mutex) = false;
 };
 
 } // namespace testing_host

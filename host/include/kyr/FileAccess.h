@@ -19,9 +19,9 @@ struct FileAccess {
     std::string ownerName; ///< The user's name, or the number of a user without a name.
     bool writableByEverybody = false;
 
-    /// Returns the access of the file at the path (UTF-8), following links; nullopt if it does not exist or cannot be
-    /// inspected. Any thread.
-    LUMORA_HOST_API static std::optional<FileAccess> of(const std::string& path);
+    /// Reads the access of the file at the path (UTF-8), following links. Returns nullopt if it does not exist or
+    /// cannot be inspected. Any thread.
+    LUMORA_HOST_API static std::optional<FileAccess> read(const std::string& path);
 };
 
 } // namespace KyrCoreUtils

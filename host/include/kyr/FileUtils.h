@@ -15,11 +15,13 @@ struct HostDirectories {
     std::string resources;       ///< Installed read-only data, including the defaults file.
 };
 
-/// Operations on files and folders. Paths are UTF-8. Never throws; an unusable path is treated as missing.
+/// Operations on files and folders. Paths are UTF-8. Never throws; an unusable path is treated as missing. While a host
+/// keeps its changes in memory (UnifiedFactoryOptions::changesInMemory), creating, removing and moving change nothing
+/// on the disk and succeed, and fileExists() sees the result; getFilesFromDirectory() lists the disk.
 class LUMORA_HOST_API FileUtils {
 public:
-    /// Replaces the platform's folders, for an embedding program or a test. Call it before the first use of the
-    /// operations below; a later call affects only later calls of them.
+    /// Replaces the platform's folders, for an embedding program or a test. Call it first: it does not affect what the
+    /// operations below have already returned.
     static void overrideDirectories(HostDirectories directories);
 
     /// The directories are returned without a trailing separator. The configuration directory is "" if it cannot be

@@ -38,7 +38,7 @@ public:
     bool awaitEnd(std::chrono::milliseconds timeout) const;
 
 private:
-    bool takeLine(std::string& line);
+    bool extractLine(std::string& line);
 
     int descriptor = -1;
     long peer = 0;

@@ -13,10 +13,10 @@ class LUMORA_HOST_API LocalSocket {
 public:
     static bool isSupported() noexcept;
 
-    /// Returns the path of the socket that belongs to a directory, the same for each spelling of the directory and in
-    /// all processes of the user: in "lumora" of the runtime directory ($XDG_RUNTIME_DIR) or, without one or if the
-    /// path would be too long for a socket, in `stateDirectory`. Returns "" if there is no usable path. Creates
-    /// nothing.
+    /// Returns the path of the socket of a directory, or "" if there is no usable one. All processes of the user get
+    /// the same path for all spellings of the directory. The socket is in the folder "lumora" of the runtime directory
+    /// ($XDG_RUNTIME_DIR). Without a runtime directory, or if the path would be too long for a socket, it is in the
+    /// folder "lumora" of `stateDirectory`. Creates nothing.
     static std::string getPathFor(const std::string& directory, const std::string& stateDirectory);
 
     /// The process at the other end of a connection, as the system reports it.

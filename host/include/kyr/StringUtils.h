@@ -47,6 +47,9 @@ LUMORA_HOST_API bool caseInsensitiveStringEquals(std::string_view a, std::string
 /// Returns the position of the first case-insensitive occurrence of `needle` in `text`, in code units; -1 if there is
 /// none.
 LUMORA_HOST_API std::ptrdiff_t caseInsensitiveFind(std::wstring_view text, std::wstring_view needle);
+/// Returns true if the whole text matches the pattern, case-insensitively: "*" matches any text, "?" one code unit. The
+/// time grows with the product of the two lengths at most.
+LUMORA_HOST_API bool matchesWildcards(std::wstring_view text, std::wstring_view pattern);
 
 /// Removes blank, tab, LF, VT, FF and CR from both ends.
 LUMORA_HOST_API std::string trim(std::string_view text);

@@ -46,9 +46,9 @@ LUMORA_HOST_API std::vector<std::string> findRegistryFiles(HKEY root);
 /// AccessDenied and the keys of the file exist again; a key passed to RegCloseKey() is closed anyway.
 ///
 /// If a root has no "SOFTWARE\Clients\Mail", `defaultMailClient` provides its value. The user's files are rewritten
-/// through `files`, which must outlive the registry.
-LUMORA_HOST_API std::shared_ptr<Registry>
-makeFileRegistry(RegistryFolders folders, DefaultMailClient defaultMailClient = {},
-                 zel::storage::FileLayer& files = zel::storage::FileLayer::platform());
+/// through `files`, which must outlive the registry; null means the layer of the process at the time of the write.
+LUMORA_HOST_API std::shared_ptr<Registry> makeFileRegistry(RegistryFolders folders,
+                                                           DefaultMailClient defaultMailClient = {},
+                                                           zel::storage::FileLayer* files = nullptr);
 
 } // namespace zel::registry

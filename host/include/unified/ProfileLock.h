@@ -16,6 +16,10 @@ public:
     /// Tries once to acquire the lock, without waiting. Creates both directories if they are missing. The state folder
     /// only records which process holds the lock; the lock works without it. File errors do not throw; see isHeld().
     ProfileLock(const std::string& configDirectory, const std::string& stateDirectory);
+    /// Returns the problem that an attempt to acquire the lock would report now; "" if it would succeed. Neither
+    /// acquires the lock nor changes anything. If the directory is missing, nobody uses it.
+    static std::string findProblem(const std::string& configDirectory, const std::string& stateDirectory);
+
     /// Releases the lock. Before that, drops and logs pending content of protected files in the directory: nothing may
     /// write to the profile after the release.
     ~ProfileLock();

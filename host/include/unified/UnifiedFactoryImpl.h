@@ -97,9 +97,9 @@ private:
     void loadFeatureSet(const std::string& typeName) override;
 
     void runOnServicesThread(const std::string& name, const std::function<void()>& work);
-    void runWithBackgroundAtRest(const std::string& name, const std::function<void()>& work);
-    void restBackground();
-    void flushAsBackground();
+    void runBetweenFlushes(const std::string& name, const std::function<void()>& work);
+    void flushOnServicesThread();
+    void flushOnOtherThread();
     void startOnServicesThread(unsigned int id, const std::shared_ptr<ServiceEventList>& events);
     void stopFeatureSets();
     void destroyFeatureSets();

@@ -28,6 +28,12 @@ struct UnifiedFactoryOptions {
     /// plug-in, then moves damaged, empty and wrongly keyed protected files of the configuration directory aside (see
     /// EncryptFileUtils::moveAsideUnusable). A program that only reads leaves it false, and nothing is changed.
     bool openedForWriting = false;
+    /// True for a program that only reads. From Init() to Destroy(), whatever the host or a plug-in writes, moves or
+    /// removes with FileLayer, FileUtils or EncryptFileUtils is kept in memory and reported as done, and later reads
+    /// see it. The disk is unchanged: no file, no directory, no key, no lock. So the program needs neither the
+    /// profile's lock nor permission to write. EncryptFileUtils::health(), listMovedAside() and readFromDisk() show the
+    /// disk. RegularFile and log files still write to the disk. One factory of the process may set this at a time.
+    bool changesInMemory = false;
     /// The maximum time for which Destroy() retries failed writes of protected files, before it logs the content that
     /// is lost.
     std::chrono::milliseconds lastRetries{2000};

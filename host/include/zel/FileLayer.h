@@ -21,8 +21,11 @@ public:
 
     virtual ~FileLayer() = default;
 
-    /// Returns the platform's implementation.
+    /// Returns the layer of this process: the disk, or memory while a host keeps its changes there
+    /// (UnifiedFactoryOptions::changesInMemory). The reference is valid until that host is destroyed.
     static FileLayer& platform();
+    /// Returns the platform's implementation, which always uses the disk.
+    static FileLayer& disk();
 
     /// Creates a new file with mode 0600, regardless of the umask, and opens it for writing. Returns EEXIST if the name
     /// exists, even as a dangling link.

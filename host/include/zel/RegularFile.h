@@ -7,7 +7,8 @@
 
 namespace zel::storage {
 
-/// Writes unprotected files durably. For protected content use EncryptFileUtils.
+/// Writes unprotected files durably, for a user who named them: always to the disk, even if the host keeps its changes
+/// in memory. For protected content use EncryptFileUtils.
 class LUMORA_HOST_API RegularFile {
 public:
     RegularFile() = delete;

@@ -18,6 +18,13 @@ struct WriteOutcome {
 
 /// One protected file.
 struct ProtectedFileHealth {
+    /// Returns true if this process wrote the file and its last write failed.
+    bool hasFailedWrite() const { return lastWrite && !lastWrite->succeeded; }
+    /// Returns true if the file exists but cannot be used, or if a change is not on the disk.
+    bool needsAttention() const {
+        return (state != ReadResult::Ok && state != ReadResult::Absent) || pending || hasFailedWrite();
+    }
+
     std::string path;                      ///< The physical path.
     ReadResult state = ReadResult::Absent; ///< The state of the file on the disk, regardless of pending content.
     std::optional<WriteOutcome> lastWrite; ///< The last write by this process; empty if it did not write the file.

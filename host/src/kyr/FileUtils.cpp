@@ -1,5 +1,6 @@
 #include "PathText.h"
 #include "PlatformFiles.h"
+#include "zel/storage/InMemoryFileLayer.h"
 #include "zel/storage/PendingWrites.h"
 
 #include <kyr/FileUtils.h>
@@ -12,6 +13,7 @@
 
 namespace fs = std::filesystem;
 
+using zel::storage::InMemoryFileLayer;
 using zel::storage::PendingWrites;
 
 namespace KyrCoreUtils {
@@ -30,12 +32,36 @@ int asErrorCode(Operation operation) noexcept {
     }
 }
 
+bool existsNow(const fs::path& path) {
+    const auto inMemory = InMemoryFileLayer::getActive();
+    std::error_code error;
+    return inMemory ? inMemory->exists(textFromPath(path)) : fs::exists(path, error);
+}
+
+int makeDirectory(const fs::path& path) {
+    const auto inMemory = InMemoryFileLayer::getActive();
+    return inMemory ? inMemory->createDirectory(textFromPath(path)) : platform::makeDirectory(path);
+}
+
+int removeOne(const fs::path& path) {
+    const auto inMemory = InMemoryFileLayer::getActive();
+    return inMemory ? inMemory->unlink(textFromPath(path)) : platform::removeFile(path);
+}
+
+int moveOne(const fs::path& from, const fs::path& to, bool failIfExists) {
+    const auto inMemory = InMemoryFileLayer::getActive();
+    if (!inMemory) {
+        return platform::moveFile(from, to, failIfExists);
+    }
+    return failIfExists && existsNow(to) ? EEXIST : inMemory->rename(textFromPath(from), textFromPath(to));
+}
+
 int createWithParents(const fs::path& path) {
-    int result = platform::makeDirectory(path);
+    int result = makeDirectory(path);
     if (result == ENOENT && path.has_parent_path() && path.parent_path() != path) {
         result = createWithParents(path.parent_path());
         if (result == 0) {
-            result = platform::makeDirectory(path);
+            result = makeDirectory(path);
         }
     }
     std::error_code error;
@@ -74,8 +100,7 @@ std::string FileUtils::FileSeparator() {
 bool FileUtils::fileExists(const std::string& path) noexcept {
     return asErrorCode([&] {
                const auto file = pathFromText(path);
-               std::error_code error;
-               return file && (fs::exists(*file, error) || PendingWrites::ofProcess().find(path)) ? 0 : ENOENT;
+                return file && (existsNow(*file) || PendingWrites::instance().find(path)) ? 0 : ENOENT;
            }) == 0;
 }
 
@@ -92,8 +117,8 @@ int FileUtils::removeFile(const std::string& path) noexcept {
         if (!file) {
             return ENOENT;
         }
-        const bool waited = PendingWrites::ofProcess().drop(path);
-        const int result = platform::removeFile(*file);
+        const bool waited = PendingWrites::instance().drop(path);
+        const int result = removeOne(*file);
         return waited && result == ENOENT ? 0 : result;
     });
 }
@@ -105,15 +130,15 @@ int FileUtils::moveFile(const std::string& source, const std::string& target, bo
         if (!from || !to) {
             return ENOENT;
         }
-        auto& writes = PendingWrites::ofProcess();
-        const auto ofSource = writes.take(source);
-        const auto ofTarget = writes.take(target);
-        const int result = platform::moveFile(*from, *to, failIfExists);
+        auto& writes = PendingWrites::instance();
+        const auto pendingAtSource = writes.extract(source);
+        const auto pendingAtTarget = writes.extract(target);
+        const int result = moveOne(*from, *to, failIfExists);
         if (result != 0) {
-            writes.putBack(ofTarget);
+            writes.putBack(pendingAtTarget);
             std::error_code error;
             if (fs::exists(fs::symlink_status(*from, error))) {
-                writes.putBack(ofSource);
+                writes.putBack(pendingAtSource);
             }
         }
         return result;

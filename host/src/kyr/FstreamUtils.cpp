@@ -1,4 +1,5 @@
 #include "PathText.h"
+#include "zel/storage/InMemoryFileLayer.h"
 
 #include <kyr/FstreamUtils.h>
 
@@ -16,6 +17,12 @@ bool isOpenable(const std::filesystem::path& path, StreamMode mode) {
            (mode == StreamMode::Write && !std::filesystem::exists(status) && std::filesystem::status_known(status));
 }
 
+/// Returns true if the disk contains what the process sees at `path`. A stream cannot read or change content in memory.
+bool isOnDisk(const std::string& path, StreamMode mode) {
+    const auto inMemory = zel::storage::InMemoryFileLayer::getActive();
+    return !inMemory || (mode == StreamMode::Read && !inMemory->isChanged(path));
+}
+
 } // namespace
 
 bool FstreamUtils::open(std::fstream& stream, const std::string& path, StreamMode mode) {
@@ -24,7 +31,8 @@ bool FstreamUtils::open(std::fstream& stream, const std::string& path, StreamMod
     }
     stream.clear();
     const auto file = pathFromText(path);
-    if ((mode != StreamMode::Read && mode != StreamMode::Write) || !file || !isOpenable(*file, mode)) {
+    if ((mode != StreamMode::Read && mode != StreamMode::Write) || !file || !isOnDisk(path, mode) ||
+        !isOpenable(*file, mode)) {
         stream.setstate(std::ios::failbit);
         return false;
     }

@@ -208,6 +208,30 @@ std::ptrdiff_t caseInsensitiveFind(std::wstring_view text, std::wstring_view nee
     }
 }
 
+bool matchesWildcards(std::wstring_view text, std::wstring_view pattern) {
+    const auto name = toLowercase(text);
+    const auto glob = toLowercase(pattern);
+    std::size_t at = 0;
+    std::size_t next = 0;
+    std::size_t star = std::wstring::npos; // the last "*" of the pattern so far
+    std::size_t starAt = 0;                // the start of the text after that "*"
+    while (at < name.size()) {
+        if (next < glob.size() && glob[next] == L'*') {
+            star = next++;
+            starAt = at;
+        } else if (next < glob.size() && (glob[next] == L'?' || glob[next] == name[at])) {
+            ++next;
+            ++at;
+        } else if (star != std::wstring::npos) { // the last "*" matches one more character; the others need no retry
+            next = star + 1;
+            at = ++starAt;
+        } else {
+            return false;
+        }
+    }
+    return glob.find_first_not_of(L'*', next) == std::wstring::npos;
+}
+
 std::string trim(std::string_view text) {
     return std::string(withoutBlanks(text));
 }

@@ -30,7 +30,7 @@ std::string nameOf(uid_t user) {
 
 } // namespace
 
-std::optional<FileAccess> FileAccess::of(const std::string& path) {
+std::optional<FileAccess> FileAccess::read(const std::string& path) {
     struct stat status {};
     if (::stat(path.c_str(), &status) != 0) {
         return std::nullopt;

@@ -78,7 +78,7 @@ LocalConnection::Received LocalConnection::receiveLine(std::string& line,
         deadline = Clock::now() + *timeout;
     }
     while (descriptor >= 0) {
-        if (takeLine(line)) {
+        if (extractLine(line)) {
             return Received::Line;
         }
         std::array<pollfd, 2> sources{pollfd{descriptor, POLLIN, 0},
@@ -115,7 +115,7 @@ bool LocalConnection::awaitEnd(std::chrono::milliseconds timeout) const {
     return false;
 }
 
-bool LocalConnection::takeLine(std::string& line) {
+bool LocalConnection::extractLine(std::string& line) {
     const auto end = buffered.find('\n', searched);
     if (end == std::string::npos) {
         searched = buffered.size();

@@ -1,16 +1,12 @@
+#include "DirectoryDigest.h"
 #include "LocalSocketAddress.h"
-#include "kyr/HexDigits.h"
 
 #include <kyr/LocalSocket.h>
 
-#include <openssl/sha.h>
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
 #include <cstdlib>
-#include <filesystem>
-#include <system_error>
 
 namespace zel::platform {
 
@@ -32,29 +28,6 @@ namespace KyrCoreUtils {
 
 namespace {
 
-/// Half of the digest distinguishes the profiles of one user and keeps the path short.
-constexpr std::size_t digestBytes = 16;
-
-std::string settledPath(const std::string& directory) {
-    std::error_code failure;
-    auto path = std::filesystem::weakly_canonical(std::filesystem::absolute(directory, failure), failure);
-    if (failure) {
-        return directory;
-    }
-    return (path.has_filename() ? path : path.parent_path()).string();
-}
-
-std::string socketName(const std::string& directory) {
-    const auto path = settledPath(directory);
-    std::array<unsigned char, SHA256_DIGEST_LENGTH> digest{};
-    SHA256(reinterpret_cast<const unsigned char*>(path.data()), path.size(), digest.data());
-    std::string name;
-    for (std::size_t i = 0; i < digestBytes; ++i) {
-        KyrCoreUtils::appendHex(name, digest[i]);
-    }
-    return name + ".sock";
-}
-
 std::string runtimeDirectory() {
     const char* const value = std::getenv("XDG_RUNTIME_DIR"); // NOLINT(concurrency-mt-unsafe): nobody sets it
     return value != nullptr && *value == '/' ? std::string(value) : std::string();
@@ -67,7 +40,7 @@ bool LocalSocket::isSupported() noexcept {
 }
 
 std::string LocalSocket::getPathFor(const std::string& directory, const std::string& stateDirectory) {
-    const auto name = socketName(directory);
+    const auto name = zel::platform::digestDirectory(directory) + ".sock";
     for (const auto& parent : {runtimeDirectory(), stateDirectory}) {
         if (parent.empty()) {
             continue;

@@ -63,7 +63,7 @@ FileKind kindOf(const struct stat& status) {
 
 } // namespace
 
-FileLayer& FileLayer::platform() {
+FileLayer& FileLayer::disk() {
     static PosixFileLayer layer;
     return layer;
 }

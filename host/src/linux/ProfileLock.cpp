@@ -1,12 +1,12 @@
+#include "DirectoryDigest.h"
 #include "FileDescriptor.h"
-#include "kyr/HexDigits.h"
+#include "LockTable.h"
 #include "zel/storage/PendingWrites.h"
 
 #include <kyr/FileUtils.h>
 #include <unified/ProfileLock.h>
 
 #include <fcntl.h>
-#include <openssl/sha.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -15,34 +15,12 @@
 #include <cerrno>
 #include <charconv>
 #include <csignal>
-#include <filesystem>
 #include <string_view>
 #include <system_error>
 
 namespace ZelUnified {
 
 namespace {
-
-/// Returns the same spelling of the directory in all processes, whether it exists or not.
-std::string settledPath(const std::string& directory) {
-    std::error_code failure;
-    auto path = std::filesystem::weakly_canonical(std::filesystem::absolute(directory, failure), failure);
-    if (failure) {
-        return directory;
-    }
-    return (path.has_filename() ? path : path.parent_path()).string();
-}
-
-/// Uses a digest because a path may be longer than a file name.
-std::string holderFileName(const std::string& path) {
-    std::array<unsigned char, SHA256_DIGEST_LENGTH> digest{};
-    SHA256(reinterpret_cast<const unsigned char*>(path.data()), path.size(), digest.data());
-    std::string name = "profile-";
-    for (std::size_t i = 0; i < digest.size() / 2; ++i) {
-        KyrCoreUtils::appendHex(name, digest[i]);
-    }
-    return name + ".lock";
-}
 
 std::string describe(int error) {
     return std::error_code(error, std::generic_category()).message();
@@ -57,11 +35,23 @@ int lockAtOnce(int descriptor) {
     return flock(descriptor, LOCK_EX | LOCK_NB) == 0 ? 0 : errno;
 }
 
+std::string describeOpenFailure(const std::string& path, int error) {
+    return "The configuration directory " + path + " can't be opened: " + describe(error);
+}
+
+std::string describeUse(const std::string& path, long holder) {
+    return "The profile " + path + " is in use by " +
+           (holder != 0 ? "process " + std::to_string(holder) : std::string("another process")) + ".";
+}
+
 /// Records in the state folder which process holds a lock. The record is for users only; every failure is ignored.
 class HolderFile {
 public:
-    HolderFile(const std::string& configDirectory, const std::string& stateDirectory)
-        : file(open(stateDirectory, configDirectory)) {}
+    /// Opens the file to write it, or only an existing one to read it.
+    enum class Purpose { Write, Read };
+
+    HolderFile(const std::string& configDirectory, const std::string& stateDirectory, Purpose purpose)
+        : file(open(stateDirectory, configDirectory, purpose)) {}
 
     int getDescriptor() const { return file.get(); }
 
@@ -84,9 +74,12 @@ public:
     }
 
 private:
-    static int open(const std::string& stateDirectory, const std::string& configDirectory) {
+    static int open(const std::string& stateDirectory, const std::string& configDirectory, Purpose purpose) {
+        const auto path = stateDirectory + "/profile-" + zel::platform::digestDirectory(configDirectory) + ".lock";
+        if (purpose == Purpose::Read) {
+            return ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
+        }
         KyrCoreUtils::FileUtils::createDirectory(stateDirectory);
-        const auto path = stateDirectory + "/" + holderFileName(settledPath(configDirectory));
         return ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, S_IRUSR | S_IWUSR);
     }
 
@@ -103,10 +96,9 @@ public:
           created(KyrCoreUtils::FileUtils::createDirectory(path)),
           directory(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)),
           openError(directory.get() < 0 ? errno : 0),
-          holderFile(configDirectory, stateDirectory) {
+          holderFile(configDirectory, stateDirectory, HolderFile::Purpose::Write) {
         if (created != 0 || openError != 0) {
-            problem = "The configuration directory " + path +
-                      " can't be opened: " + describe(created != 0 ? created : openError);
+            problem = describeOpenFailure(path, created != 0 ? created : openError);
             return;
         }
         int error = lockAtOnce(directory.get());
@@ -123,13 +115,12 @@ public:
             return;
         }
         holder = holderFile.read();
-        problem = "The profile " + path + " is in use by " +
-                  (holder != 0 ? "process " + std::to_string(holder) : std::string("another process")) + ".";
+        problem = describeUse(path, holder);
     }
 
     ~LockedDirectory() {
         if (held) {
-            zel::storage::PendingWrites::ofProcess().giveUp(path);
+            zel::storage::PendingWrites::instance().giveUp(path);
             holderFile.write(""); // the next process that fails to lock must not report this one
         }
     }
@@ -151,6 +142,20 @@ private:
 
 ProfileLock::ProfileLock(const std::string& configDirectory, const std::string& stateDirectory)
     : directory(std::make_unique<LockedDirectory>(configDirectory, stateDirectory)) {}
+
+std::string ProfileLock::findProblem(const std::string& configDirectory, const std::string& stateDirectory) {
+    const zel::platform::FileDescriptor directory(::open(configDirectory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (directory.get() < 0) {
+        return errno == ENOENT ? std::string() : describeOpenFailure(configDirectory, errno);
+    }
+    const HolderFile holderFile(configDirectory, stateDirectory, HolderFile::Purpose::Read);
+    const auto recorded = holderFile.read();
+    const zel::platform::LockTable locks;
+    const bool inUse = locks.isKnown() ? locks.contains(directory.get(), recorded) ||
+                                             locks.contains(holderFile.getDescriptor(), recorded)
+                                       : recorded != 0;
+    return inUse ? describeUse(configDirectory, recorded) : std::string();
+}
 
 ProfileLock::~ProfileLock() = default;
 

@@ -46,7 +46,7 @@ std::vector<RegistryTextSection> readSections(const std::string& path, HKEY root
 } // namespace
 
 FileRegistry::FileRegistry(RegistryFolders registryFolders, DefaultMailClient mailClient,
-                           zel::storage::FileLayer& files)
+                           zel::storage::FileLayer* files)
     : folders(std::move(registryFolders)), defaultMailClient(std::move(mailClient)), fileLayer(files) {}
 
 FileRegistry::Sources FileRegistry::findSources() const {
@@ -191,7 +191,8 @@ FileRegistry::Dropped FileRegistry::dropFromFile(RegistryFile& file, const Secti
     if (sections.empty()) {
         return Dropped::Nothing;
     }
-    if (replaceRegistryFile(fileLayer, file.path, cutRegistryText(*bytes, sections)) != 0) {
+    auto& layer = fileLayer != nullptr ? *fileLayer : zel::storage::FileLayer::platform();
+    if (replaceRegistryFile(layer, file.path, cutRegistryText(*bytes, sections)) != 0) {
         return Dropped::Failed;
     }
     // A change by this class must not cause a reload; the hive already has the new state.

@@ -23,8 +23,8 @@ namespace zel::registry {
 /// the hive's.
 class FileRegistry final : public Registry {
 public:
-    /// `files` must outlive the registry.
-    FileRegistry(RegistryFolders registryFolders, DefaultMailClient mailClient, zel::storage::FileLayer& files);
+    /// `files` must outlive the registry; null means the layer of the process at the time of the write.
+    FileRegistry(RegistryFolders registryFolders, DefaultMailClient mailClient, zel::storage::FileLayer* files);
 
     RegistryResult RegOpenKeyExW(HKEY key, const wchar_t* subkey, std::uint32_t options, std::uint32_t access,
                                  HKEY& opened) override;
@@ -74,7 +74,7 @@ private:
 
     const RegistryFolders folders;
     const DefaultMailClient defaultMailClient;
-    zel::storage::FileLayer& fileLayer;
+    zel::storage::FileLayer* const fileLayer;
     KyrCoreUtils::AnnotatedMutex<> mutex;
     /// The sources of the hive's current tree; empty before the first load.
     std::optional<Sources> loaded LUMORA_GUARDED_BY(mutex);

@@ -36,7 +36,7 @@ std::vector<std::string> findRegistryFiles(HKEY root) {
 }
 
 std::shared_ptr<Registry> makeFileRegistry(RegistryFolders folders, DefaultMailClient defaultMailClient,
-                                           zel::storage::FileLayer& files) {
+                                           zel::storage::FileLayer* files) {
     return std::make_shared<FileRegistry>(std::move(folders), std::move(defaultMailClient), files);
 }
 

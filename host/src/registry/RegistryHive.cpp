@@ -22,7 +22,7 @@ bool isText(std::uint32_t type) {
     return type == REG_SZ || type == REG_EXPAND_SZ || type == REG_MULTI_SZ;
 }
 
-std::wstring_view orEmpty(const wchar_t* text) {
+std::wstring_view toView(const wchar_t* text) {
     return text == nullptr ? std::wstring_view() : text;
 }
 
@@ -137,11 +137,11 @@ RegistryResult RegistryHive::RegOpenKeyExW(HKEY key, const wchar_t* subkey, std:
     if (!above) {
         return RegistryResult::InvalidHandle;
     }
-    open.node = findKey(above, orEmpty(subkey));
+    open.node = findKey(above, toView(subkey));
     if (!open.node) {
         return RegistryResult::NotFound;
     }
-    open.place.path = normalizeKeyPath(open.place.path.append(1, L'\\').append(orEmpty(subkey)));
+    open.place.path = normalizeKeyPath(open.place.path.append(1, L'\\').append(toView(subkey)));
     // Skips the numbers of the roots if the counter ever reaches them.
     do {
         opened = HKEY{++state->lastHandle};
@@ -200,12 +200,12 @@ RegistryResult RegistryHive::RegDeleteKeyW(HKEY key, const wchar_t* subkey) {
     if (!above) {
         return RegistryResult::InvalidHandle;
     }
-    const auto node = findKey(above, orEmpty(subkey));
+    const auto node = findKey(above, toView(subkey));
     if (!node) {
         return RegistryResult::NotFound;
     }
     const bool mayGo = node->getChildCount() == 0 &&
-                       state->tree->remove(place.root, place.path.append(1, L'\\').append(orEmpty(subkey)));
+                       state->tree->remove(place.root, place.path.append(1, L'\\').append(toView(subkey)));
     return mayGo ? RegistryResult::Success : RegistryResult::AccessDenied;
 }
 

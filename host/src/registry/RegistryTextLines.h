@@ -7,6 +7,10 @@
 
 namespace zel::registry {
 
+inline bool isBlank(wchar_t c) {
+    return c == L' ' || c == L'\t' || c == L'\r';
+}
+
 /// The lines of a registry text. Decodes one line at a time and also returns its bytes, so that lines can be cut from a
 /// file without changing the others. Holds a view: the bytes must outlive it.
 class RegistryTextLines {

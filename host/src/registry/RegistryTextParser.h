@@ -10,8 +10,6 @@
 
 namespace zel::registry {
 
-class RegistryTextCursor;
-
 /// Parses the lines of one registry text into sections.
 class RegistryTextParser {
 public:

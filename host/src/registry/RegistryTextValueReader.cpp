@@ -19,20 +19,6 @@ int digitOf(wchar_t c) {
     return c >= L'A' && c <= L'F' ? static_cast<int>(c - L'A') + 10 : -1;
 }
 
-/// Reads one to `maximum` hexadecimal digits. Returns false if there are none or more.
-bool readHex(RegistryTextCursor& cursor, int maximum, std::uint32_t& number) {
-    number = 0;
-    int count = 0;
-    for (int digit = digitOf(cursor.peek()); digit >= 0; digit = digitOf(cursor.peek())) {
-        if (++count > maximum) {
-            return false;
-        }
-        number = number << 4 | static_cast<std::uint32_t>(digit);
-        cursor.next();
-    }
-    return count > 0;
-}
-
 bool isText(std::uint32_t type) {
     return type == REG_SZ || type == REG_EXPAND_SZ || type == REG_MULTI_SZ;
 }
@@ -48,36 +34,88 @@ std::vector<std::uint8_t> widen(const std::vector<std::uint8_t>& bytes) {
 /// Returns true for a line that begins like a key. No value continues there: a quote or a byte that is missing above it
 /// must not hide the key.
 bool beginsKey(std::wstring_view line) {
-    RegistryTextCursor cursor(KyrCoreUtils::trim(line));
-    if (!cursor.skip(L"[")) {
+    const auto text = KyrCoreUtils::trim(line);
+    if (!text.starts_with(L'[')) {
         return false;
     }
-    cursor.skip(L"-");
-    return KyrCoreUtils::caseInsensitiveStringEquals(cursor.rest().substr(0, 2), L"HK");
-}
-
-/// Reads up to the closing quote. Returns false if the line ends before it.
-bool readToQuote(RegistryTextCursor& cursor, std::wstring& text) {
-    while (!cursor.atEnd()) {
-        const auto c = cursor.next();
-        if (c == L'"') {
-            return true;
-        }
-        // Only these two characters are escaped; a hand-written path keeps its other backslashes.
-        if (c == L'\\' && (cursor.peek() == L'\\' || cursor.peek() == L'"')) {
-            text.push_back(cursor.next());
-        } else {
-            text.push_back(c);
-        }
-    }
-    return false;
+    const std::size_t name = text.starts_with(L"[-") ? 2 : 1;
+    return KyrCoreUtils::caseInsensitiveStringEquals(std::wstring_view(text).substr(name, 2), L"HK");
 }
 
 } // namespace
 
+/// A cursor for parsing one line.
+class RegistryTextValueReader::Cursor {
+public:
+    explicit Cursor(std::wstring lineText) : text(std::move(lineText)) {}
+
+    bool atEnd() const { return position >= text.size(); }
+    /// Returns NUL at the end.
+    wchar_t peek() const { return atEnd() ? L'\0' : text[position]; }
+    /// Returns the current character and advances by one. Do not call at the end.
+    wchar_t next() { return text[position++]; }
+    std::wstring_view rest() const { return std::wstring_view(text).substr(position); }
+
+    void skipBlanks() {
+        while (!atEnd() && isBlank(peek())) {
+            ++position;
+        }
+    }
+
+    /// Skips `word` if the rest of the line starts with it. Returns false otherwise.
+    bool skip(std::wstring_view word) {
+        if (!rest().starts_with(word)) {
+            return false;
+        }
+        position += word.size();
+        return true;
+    }
+
+    /// Returns true if only blanks and a comment follow.
+    bool isDone() {
+        skipBlanks();
+        return atEnd() || peek() == L';';
+    }
+
+    /// Reads one to `maximum` hexadecimal digits. Returns false if there are none or more.
+    bool readHex(int maximum, std::uint32_t& number) {
+        number = 0;
+        int count = 0;
+        for (int digit = digitOf(peek()); digit >= 0; digit = digitOf(peek())) {
+            if (++count > maximum) {
+                return false;
+            }
+            number = number << 4 | static_cast<std::uint32_t>(digit);
+            next();
+        }
+        return count > 0;
+    }
+
+    /// Reads up to the closing quote. Returns false if the line ends before it.
+    bool readToQuote(std::wstring& read) {
+        while (!atEnd()) {
+            const auto c = next();
+            if (c == L'"') {
+                return true;
+            }
+            // Only these two characters are escaped; a hand-written path keeps its other backslashes.
+            if (c == L'\\' && (peek() == L'\\' || peek() == L'"')) {
+                read.push_back(next());
+            } else {
+                read.push_back(c);
+            }
+        }
+        return false;
+    }
+
+private:
+    std::wstring text;
+    std::size_t position = 0;
+};
+
 std::optional<RegistryTextEntry> RegistryTextValueReader::read(std::size_t line, std::size_t& next) {
     current = line;
-    RegistryTextCursor cursor(lines.getText(line));
+    Cursor cursor(lines.getText(line));
     RegistryTextEntry entry;
     entry.line = line + 1;
     cursor.skipBlanks();
@@ -91,15 +129,15 @@ std::optional<RegistryTextEntry> RegistryTextValueReader::read(std::size_t line,
     return std::nullopt;
 }
 
-bool RegistryTextValueReader::readName(RegistryTextCursor& cursor, std::wstring& name) {
-    if (cursor.next() == L'"' && !readToQuote(cursor, name)) {
+bool RegistryTextValueReader::readName(Cursor& cursor, std::wstring& name) {
+    if (cursor.next() == L'"' && !cursor.readToQuote(name)) {
         return fail("the name has no closing quote");
     }
     cursor.skipBlanks();
     return cursor.skip(L"=") || fail("no \"=\" behind the name");
 }
 
-bool RegistryTextValueReader::readData(RegistryTextCursor& cursor, RegistryTextEntry& entry) {
+bool RegistryTextValueReader::readData(Cursor& cursor, RegistryTextEntry& entry) {
     cursor.skipBlanks();
     bool isRead = false;
     if (cursor.skip(L"-")) {
@@ -117,25 +155,25 @@ bool RegistryTextValueReader::readData(RegistryTextCursor& cursor, RegistryTextE
     return isRead && (cursor.isDone() || fail("text behind the value"));
 }
 
-bool RegistryTextValueReader::readQuoted(RegistryTextCursor& cursor, RegistryValue& value) {
+bool RegistryTextValueReader::readQuoted(Cursor& cursor, RegistryValue& value) {
     std::wstring text;
-    while (!readToQuote(cursor, text)) {
+    while (!cursor.readToQuote(text)) {
         // A text of several lines is exported with unescaped line ends.
         if (++current >= lines.getCount() || beginsKey(lines.getText(current))) {
             return fail("the value has no closing quote");
         }
         text.push_back(L'\n');
-        cursor = RegistryTextCursor(lines.getText(current));
+        cursor = Cursor(lines.getText(current));
     }
     value.type = REG_SZ;
     value.data = encodeRegistryText(text);
     return true;
 }
 
-bool RegistryTextValueReader::readNumber(RegistryTextCursor& cursor, RegistryValue& value) {
+bool RegistryTextValueReader::readNumber(Cursor& cursor, RegistryValue& value) {
     std::uint32_t number = 0;
     cursor.skipBlanks();
-    if (!readHex(cursor, 8, number)) {
+    if (!cursor.readHex(8, number)) {
         return fail("a number of one to eight hexadecimal digits is missing");
     }
     value.type = REG_DWORD;
@@ -143,15 +181,15 @@ bool RegistryTextValueReader::readNumber(RegistryTextCursor& cursor, RegistryVal
     return true;
 }
 
-bool RegistryTextValueReader::readType(RegistryTextCursor& cursor, std::uint32_t& type) {
+bool RegistryTextValueReader::readType(Cursor& cursor, std::uint32_t& type) {
     type = REG_BINARY;
-    if (cursor.skip(L"(") && !(readHex(cursor, 8, type) && cursor.skip(L")"))) {
+    if (cursor.skip(L"(") && !(cursor.readHex(8, type) && cursor.skip(L")"))) {
         return fail("the kind between brackets is no number");
     }
     return cursor.skip(L":") || fail("no \":\" behind the kind");
 }
 
-bool RegistryTextValueReader::readBytes(RegistryTextCursor& cursor, RegistryValue& value) {
+bool RegistryTextValueReader::readBytes(Cursor& cursor, RegistryValue& value) {
     while (!cursor.isDone()) {
         if (cursor.skip(L"\\")) {
             if (!cursor.isDone()) {
@@ -163,7 +201,7 @@ bool RegistryTextValueReader::readBytes(RegistryTextCursor& cursor, RegistryValu
             continue;
         }
         std::uint32_t byte = 0;
-        if (!readHex(cursor, 2, byte)) {
+        if (!cursor.readHex(2, byte)) {
             return fail("a byte of two hexadecimal digits is missing");
         }
         value.data.push_back(static_cast<std::uint8_t>(byte));
@@ -180,9 +218,9 @@ bool RegistryTextValueReader::readBytes(RegistryTextCursor& cursor, RegistryValu
 
 /// Advances to the next line that is not a comment. Returns false if the value ends first: at the end of the file, at a
 /// blank line or at a key.
-bool RegistryTextValueReader::readContinuation(RegistryTextCursor& cursor) {
+bool RegistryTextValueReader::readContinuation(Cursor& cursor) {
     while (current + 1 < lines.getCount()) {
-        RegistryTextCursor following(lines.getText(current + 1));
+        Cursor following(lines.getText(current + 1));
         following.skipBlanks();
         if (following.atEnd() || beginsKey(following.rest())) {
             return false;

@@ -1,12 +1,13 @@
 #pragma once
 
-#include "RegistryTextCursor.h"
 #include "RegistryTextLines.h"
 
 #include <registry/RegistryTextFile.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
+#include <string>
 
 namespace zel::registry {
 
@@ -22,13 +23,15 @@ public:
     const char* getReason() const { return reason; }
 
 private:
-    bool readName(RegistryTextCursor& cursor, std::wstring& name);
-    bool readData(RegistryTextCursor& cursor, RegistryTextEntry& entry);
-    bool readQuoted(RegistryTextCursor& cursor, RegistryValue& value);
-    bool readNumber(RegistryTextCursor& cursor, RegistryValue& value);
-    bool readBytes(RegistryTextCursor& cursor, RegistryValue& value);
-    bool readType(RegistryTextCursor& cursor, std::uint32_t& type);
-    bool readContinuation(RegistryTextCursor& cursor);
+    class Cursor;
+
+    bool readName(Cursor& cursor, std::wstring& name);
+    bool readData(Cursor& cursor, RegistryTextEntry& entry);
+    bool readQuoted(Cursor& cursor, RegistryValue& value);
+    bool readNumber(Cursor& cursor, RegistryValue& value);
+    bool readBytes(Cursor& cursor, RegistryValue& value);
+    bool readType(Cursor& cursor, std::uint32_t& type);
+    bool readContinuation(Cursor& cursor);
     bool fail(const char* text);
     void skipContinuation();
 

@@ -163,7 +163,7 @@ public:
     }
 
     /// Releases the work guard, so that the thread returns when no handler is left.
-    void letGo() {
+    void releaseWorkGuard() {
         const KyrCoreUtils::LockGuard lock(mutex);
         keepRunning.reset();
     }
@@ -368,7 +368,7 @@ void SerialQueue::end() {
     if (isOwner()) {
         flush();
     }
-    core->letGo();
+    core->releaseWorkGuard();
     const bool joins = core->mode == Mode::OwnThread && !isOwner();
     if (joins) {
         const KyrCoreUtils::LockGuard lock(threadMutex);

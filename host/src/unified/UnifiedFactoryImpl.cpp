@@ -5,6 +5,7 @@
 #include "TaskDispatcherImpl.h"
 #include "WriteRetrier.h"
 #include "zel/SystemMonitorImpl.h"
+#include "zel/storage/InMemoryFileLayer.h"
 #include "zel/storage/PendingWrites.h"
 
 #include <kyr/FileUtils.h>
@@ -26,6 +27,7 @@ using Processing::SerialQueue;
 using Processing::ServicesDispatcherImpl;
 using Processing::TaskDispatcherImpl;
 using zel::storage::EncryptFileUtils;
+using zel::storage::InMemoryFileLayer;
 using zel::storage::PendingWrites;
 using ZelSystemMonitor::SystemMonitorImpl;
 
@@ -63,6 +65,9 @@ void UnifiedFactoryImpl::Init() {
     if (destroyed || initialised.exchange(true)) {
         return;
     }
+    if (options.changesInMemory) {
+        InMemoryFileLayer::setActive(std::make_shared<InMemoryFileLayer>(zel::storage::FileLayer::disk()));
+    }
     if (options.openedForWriting) {
         EncryptFileUtils::moveAsideUnusable(KyrCoreUtils::FileUtils::getConfigDirectory());
     }
@@ -80,7 +85,7 @@ void UnifiedFactoryImpl::Init() {
 }
 
 void UnifiedFactoryImpl::StartFeatureSet(unsigned int id, std::shared_ptr<ServiceEventList> events) {
-    runWithBackgroundAtRest("UnifiedFactory::StartFeatureSet", [&] { startOnServicesThread(id, events); });
+    runBetweenFlushes("UnifiedFactory::StartFeatureSet", [&] { startOnServicesThread(id, events); });
 }
 
 void UnifiedFactoryImpl::startOnServicesThread(unsigned int id, const std::shared_ptr<ServiceEventList>& events) {
@@ -100,7 +105,7 @@ void UnifiedFactoryImpl::startOnServicesThread(unsigned int id, const std::share
 }
 
 void UnifiedFactoryImpl::StopFeatureSet(unsigned int id, std::shared_ptr<ServiceEventList> events) {
-    runWithBackgroundAtRest("UnifiedFactory::StopFeatureSet", [&] {
+    runBetweenFlushes("UnifiedFactory::StopFeatureSet", [&] {
         if (const auto adapter = getFeatureSetAdapter(id)) {
             adapter->StopFeatureSet(id, events);
         }
@@ -136,12 +141,12 @@ std::vector<unsigned int> UnifiedFactoryImpl::GetFeatureSetDependencies(unsigned
 }
 
 void UnifiedFactoryImpl::invokeResetData(ResetDataOptionEnum::ResetDataOption option) {
-    runWithBackgroundAtRest("UnifiedFactory::invokeResetData", [&] {
+    runBetweenFlushes("UnifiedFactory::invokeResetData", [&] {
         if (destroyed) {
             return;
         }
         // Also drops content for which no file exists that a callback could remove. Device data survives a reset.
-        PendingWrites::ofProcess().drop(zel::storage::FileCategoryType::UserData);
+        PendingWrites::instance().drop(zel::storage::FileCategoryType::UserData);
         for (const auto& callback : resetCallbacks->getCallbacks()) {
             runStep("A reset callback", [&] { callback->InvokeResetData(option); });
         }
@@ -155,12 +160,12 @@ void UnifiedFactoryImpl::Destroy() {
     }
     // If a feature set throws, the remaining steps still release everything.
     runStep("Stopping the feature sets",
-            [this] { runWithBackgroundAtRest("UnifiedFactory::Destroy - stop", [this] { stopFeatureSets(); }); });
+            [this] { runBetweenFlushes("UnifiedFactory::Destroy - stop", [this] { stopFeatureSets(); }); });
     runStep("Emptying the services dispatcher", [this] {
         runOnServicesThread("UnifiedFactory::Destroy - drain", [this] { servicesDispatcher->getQueue().flush(); });
     });
     runStep("Destroying the feature sets",
-            [this] { runWithBackgroundAtRest("UnifiedFactory::Destroy", [this] { destroyFeatureSets(); }); });
+            [this] { runBetweenFlushes("UnifiedFactory::Destroy", [this] { destroyFeatureSets(); }); });
     SystemMonitorImpl::getMachineMonitor()->detach(servicesDispatcher);
     endDispatchers();
     if (initialised) {
@@ -169,6 +174,9 @@ void UnifiedFactoryImpl::Destroy() {
     resetCallbacks->clear();
     featureSets.clear();
     services.clear();
+    if (initialised && options.changesInMemory) {
+        InMemoryFileLayer::setActive(nullptr);
+    }
 }
 
 void UnifiedFactoryImpl::stopFeatureSets() {
@@ -200,7 +208,7 @@ void UnifiedFactoryImpl::endDispatchers() {
     // Runs the queued writes of the background dispatcher, which may wait for the services thread.
     background.close();
     if (servicesQueue.isOwner()) {
-        restBackground();
+        flushOnServicesThread();
     }
     if (!servicesQueue.isAwaitedBy(background)) { // otherwise it ends by itself after this thread releases it
         background.end();
@@ -236,16 +244,17 @@ std::shared_ptr<FeatureSetAdapter> UnifiedFactoryImpl::getFeatureSetAdapter(unsi
 
 void UnifiedFactoryImpl::flushBackgroundDispatcher() {
     if (servicesDispatcher->getQueue().isOwner()) {
-        restBackground();
+        flushOnServicesThread();
     } else {
-        flushAsBackground();
+        flushOnOtherThread();
     }
 }
 
-/// Waits for the background dispatcher, then retries failed writes. Call on the services dispatcher's thread. A
-/// background task that waits for another task of this thread gets it run. If a background task waits for the task that
-/// runs here now, neither it nor the tasks queued behind it can finish, so they are not waited for.
-void UnifiedFactoryImpl::restBackground() {
+/// Flushes the background dispatcher, then retries failed writes. Call on the services dispatcher's thread. Meanwhile
+/// it runs each task of this thread that a background task waits for. If a background task waits for the task that is
+/// running on this thread, it does not wait for that background task nor for those queued behind it: they cannot
+/// finish.
+void UnifiedFactoryImpl::flushOnServicesThread() {
     constexpr std::chrono::milliseconds interval(5);
     auto& background = backgroundDispatcher->getQueue();
     auto& servicesQueue = servicesDispatcher->getQueue();
@@ -257,7 +266,7 @@ void UnifiedFactoryImpl::restBackground() {
 }
 
 /// Flushes the background dispatcher, then retries failed writes. Call on any thread except the services dispatcher's.
-void UnifiedFactoryImpl::flushAsBackground() {
+void UnifiedFactoryImpl::flushOnOtherThread() {
     backgroundDispatcher->getQueue().flush();
     WriteRetrier::retryNow();
 }
@@ -279,19 +288,19 @@ void UnifiedFactoryImpl::runOnServicesThread(const std::string& name, const std:
     }
 }
 
-void UnifiedFactoryImpl::runWithBackgroundAtRest(const std::string& name, const std::function<void()>& work) {
+void UnifiedFactoryImpl::runBetweenFlushes(const std::string& name, const std::function<void()>& work) {
     auto& background = backgroundDispatcher->getQueue();
     if (background.isOwner()) {
         // The services thread cannot wait for a task that waits for it, so the tasks queued behind this one run here.
-        flushAsBackground();
+        flushOnOtherThread();
         runOnServicesThread(name, work);
-        flushAsBackground();
+        flushOnOtherThread();
         return;
     }
     runOnServicesThread(name, [&] {
-        restBackground();
+        flushOnServicesThread();
         work();
-        restBackground();
+        flushOnServicesThread();
     });
 }
 

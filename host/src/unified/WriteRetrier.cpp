@@ -26,7 +26,7 @@ WriteRetrier::WriteRetrier(std::weak_ptr<Processing::TaskDispatcher> dispatcher)
 WriteRetrier::~WriteRetrier() = default;
 
 void WriteRetrier::start() {
-    PendingWrites::ofProcess().setListener([weak = weak_from_this()] {
+    PendingWrites::instance().setListener([weak = weak_from_this()] {
         if (const auto self = weak.lock()) {
             self->onKept();
         }
@@ -48,7 +48,7 @@ void WriteRetrier::finish(std::chrono::milliseconds limit) {
     while (!EncryptFileUtils::retryPendingWrites() && std::chrono::steady_clock::now() < deadline) {
         std::this_thread::sleep_for(pause);
     }
-    PendingWrites::ofProcess().giveUp("");
+    PendingWrites::instance().giveUp("");
 }
 
 void WriteRetrier::onKept() {

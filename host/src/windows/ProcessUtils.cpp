@@ -33,6 +33,39 @@ std::string ProcessUtils::getHostName() {
     return toString(std::wstring_view(name).substr(0, length));
 }
 
+std::string ProcessUtils::getUserName() {
+    std::wstring name(MAX_PATH, L'\0');
+    auto length = static_cast<DWORD>(name.size());
+    if (::GetUserNameW(name.data(), &length) == 0 || length == 0) {
+        return {};
+    }
+    return toString(std::wstring_view(name).substr(0, length - 1)); // the length includes the terminator
+}
+
+std::string ProcessUtils::getSystemName() {
+    // The documented calls return the version that the program was written for.
+    using GetVersion = LONG(WINAPI*)(OSVERSIONINFOW*);
+    const auto library = ::GetModuleHandleW(L"ntdll.dll");
+    const auto getVersion =
+        library == nullptr
+            ? nullptr
+            : reinterpret_cast<GetVersion>(reinterpret_cast<void*>(::GetProcAddress(library, "RtlGetVersion")));
+    OSVERSIONINFOW version{};
+    version.dwOSVersionInfoSize = sizeof(version);
+    if (getVersion == nullptr || getVersion(&version) != 0) {
+        return {};
+    }
+    SYSTEM_INFO system{};
+    ::GetNativeSystemInfo(&system);
+    const bool isArm = system.wProcessorArchitecture == PROCESSOR_ARCHITECTURE_ARM64;
+    const bool isIntel = system.wProcessorArchitecture == PROCESSOR_ARCHITECTURE_AMD64;
+    return "Windows " + std::to_string(version.dwMajorVersion) + '.' + std::to_string(version.dwMinorVersion) + '.' +
+           std::to_string(version.dwBuildNumber) +
+           (isArm     ? " ARM64"
+            : isIntel ? " x86_64"
+                      : "");
+}
+
 bool ProcessUtils::isInputTerminal() noexcept {
     return ::_isatty(::_fileno(stdin)) != 0;
 }

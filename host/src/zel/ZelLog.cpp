@@ -1,6 +1,5 @@
 #include "LogDispatcher.h"
 #include "PiiMask.h"
-#include "ZelLogger.h"
 
 #include <kyr/AnnotatedMutex.h>
 #include <kyr/LockGuard.h>
@@ -10,8 +9,21 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <string>
+#include <utility>
 
 using zel::logging::LogDispatcher;
+
+/// A named logger. All other logging state is shared by the process.
+class ZelLogger {
+public:
+    explicit ZelLogger(std::string loggerName) : name(std::move(loggerName)) {}
+
+    const std::string& getName() const noexcept { return name; }
+
+private:
+    const std::string name;
+};
 
 ZelLogger& ZelLogger_getLogger(std::string_view name) {
     struct Loggers {

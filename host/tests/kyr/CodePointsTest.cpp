@@ -21,20 +21,20 @@ void expectRoundTrips() {
     }
 }
 
-TEST(CodePoints, GoThroughUtf16AndBack) {
+TEST(CodePoints, EveryCharacterRoundTripsThroughUtf16) {
     expectRoundTrips<char16_t>();
 }
 
-TEST(CodePoints, GoThroughUtf32AndBack) {
+TEST(CodePoints, EveryCharacterRoundTripsThroughUtf32) {
     expectRoundTrips<char32_t>();
 }
 
-TEST(CodePoints, DecodesPairsOf16BitUnits) {
+TEST(CodePoints, DecodesSurrogatePairs) {
     EXPECT_EQ(wideToUtf8(std::u16string_view(u"\U0001F600")), "\xF0\x9F\x98\x80");
     EXPECT_EQ(utf8ToWide<char16_t>("\xF4\x8F\xBF\xBF"), u"\U0010FFFF");
 }
 
-TEST(CodePoints, ReplacesLoneSurrogatesOf16BitUnits) {
+TEST(CodePoints, ReplacesUnpairedSurrogates) {
     const std::u16string highAlone = {u'a', 0xD83D, u'b'};
     const std::u16string lowAlone = {0xDE00, u'b'};
     const std::u16string highAtEnd = {0xD83D};
@@ -49,7 +49,7 @@ TEST(CodePoints, ReplacesLoneSurrogatesOf16BitUnits) {
     EXPECT_EQ(wideToUtf8(std::u16string_view(reversed)), "\xEF\xBF\xBD\xEF\xBF\xBD");
 }
 
-TEST(CodePoints, ReplacesValuesBeyondTheLastOf32BitUnits) {
+TEST(CodePoints, ReplacesUtf32ValuesThatAreNoCodePoints) {
     const std::u32string beyond = {0x110000, 0xFFFFFFFF, 0xD800};
     EXPECT_EQ(wideToUtf8(std::u32string_view(beyond)), "\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD");
 }

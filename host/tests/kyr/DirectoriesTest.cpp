@@ -56,7 +56,7 @@ protected:
     Environment environment;
 };
 
-TEST_F(PlatformDirectoriesTest, LieBelowTheHomeFolder) {
+TEST_F(PlatformDirectoriesTest, AreBelowTheHomeDirectoryByDefault) {
     EXPECT_EQ(FileUtils::getConfigDirectory(), home + "/.config/Lumora/Config");
     EXPECT_EQ(FileUtils::getUserLocalAppDir(), home + "/.local/share/Lumora");
     EXPECT_EQ(FileUtils::getStateDirectory(), home + "/.local/state/Lumora");
@@ -78,7 +78,7 @@ TEST_F(PlatformDirectoriesTest, IgnoreEmptyAndRelativeVariables) {
     EXPECT_EQ(FileUtils::getUserLocalAppDir(), home + "/.local/share/Lumora");
 }
 
-TEST_F(PlatformDirectoriesTest, AskTheUserDatabaseWithoutAHomeVariable) {
+TEST_F(PlatformDirectoriesTest, UseTheUserDatabaseIfHomeIsUnsetOrRelative) {
     environment.set("HOME", std::nullopt);
     const std::string directory = FileUtils::getUserLocalAppDir();
     EXPECT_TRUE(directory.ends_with("/.local/share/Lumora")) << directory;
@@ -87,19 +87,19 @@ TEST_F(PlatformDirectoriesTest, AskTheUserDatabaseWithoutAHomeVariable) {
     EXPECT_EQ(FileUtils::getUserLocalAppDir(), directory);
 }
 
-TEST_F(PlatformDirectoriesTest, GiveNoConfigurationDirectoryAboveTheKeys) {
+TEST_F(PlatformDirectoriesTest, ConfigurationDirectoryIsEmptyIfItWouldContainTheKeys) {
     environment.set("XDG_CONFIG_HOME", "/x");
     environment.set("XDG_DATA_HOME", "/x/Lumora/Config/data");
     EXPECT_EQ(FileUtils::getConfigDirectory(), "");
 }
 
-TEST_F(PlatformDirectoriesTest, GiveAnAbsoluteResourcesFolder) {
+TEST_F(PlatformDirectoriesTest, ResourcesDirectoryIsAbsolute) {
     const std::string directory = FileUtils::getResourcesDirectory();
     EXPECT_TRUE(fs::path(directory).is_absolute()) << directory;
     EXPECT_TRUE(directory.ends_with("/lumora")) << directory;
 }
 
-TEST_F(PlatformDirectoriesTest, HonourAnOverrideOfOneAlone) {
+TEST_F(PlatformDirectoriesTest, OverridingOneDirectoryLeavesTheOthersUnchanged) {
     FileUtils::overrideDirectories({"", "", "", "/opt/resources"});
     EXPECT_EQ(FileUtils::getResourcesDirectory(), "/opt/resources");
     EXPECT_EQ(FileUtils::getUserLocalAppDir(), home + "/.local/share/Lumora");
@@ -115,7 +115,7 @@ protected:
     const TemporaryProfile profile;
 };
 
-TEST_F(OverriddenDirectoriesTest, StandInThePlaceOfThePlatforms) {
+TEST_F(OverriddenDirectoriesTest, ReplaceThePlatformsDirectories) {
     EXPECT_EQ(FileUtils::getConfigDirectory(), profile.config().string());
     EXPECT_EQ(FileUtils::getUserLocalAppDir(), profile.data().string());
     EXPECT_EQ(FileUtils::getStateDirectory(), profile.state().string());
@@ -126,7 +126,7 @@ TEST_F(OverriddenDirectoriesTest, LoseTheirTrailingSeparators) {
     EXPECT_EQ(configOf(profile.config().string() + "//"), profile.config().string());
 }
 
-TEST_F(OverriddenDirectoriesTest, BecomeAbsolute) {
+TEST_F(OverriddenDirectoriesTest, AreMadeAbsolute) {
     EXPECT_EQ(configOf("some/config"), (fs::current_path() / "some/config").string());
 }
 
@@ -147,7 +147,7 @@ TEST_F(OverriddenDirectoriesTest, RefuseAConfigurationDirectoryThatMustNotBeEmpt
     EXPECT_EQ(configOf(root + "/dat"), root + "/dat");
 }
 
-TEST_F(OverriddenDirectoriesTest, SeeThroughLinks) {
+TEST_F(OverriddenDirectoriesTest, RefuseALinkToADirectoryThatMustNotBeEmptied) {
     const fs::path link = profile.root() / "link";
     fs::create_directory_symlink(profile.data(), link);
     EXPECT_EQ(configOf(link.string()), "");

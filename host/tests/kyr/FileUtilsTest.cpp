@@ -40,7 +40,7 @@ fs::perms modeOf(const fs::path& path) {
     return fs::status(path).permissions() & fs::perms::mask;
 }
 
-TEST_F(FileUtilsTest, FilesAndDirectoriesExist) {
+TEST_F(FileUtilsTest, ReportsWhetherAFileOrDirectoryExists) {
     writeFile(at("file"), "");
     EXPECT_TRUE(FileUtils::fileExists(textAt("file")));
     EXPECT_TRUE(FileUtils::fileExists(profile.root().string()));
@@ -60,7 +60,7 @@ TEST_F(FileUtilsTest, NamesAreUtf8) {
     EXPECT_FALSE(fs::exists(name));
 }
 
-TEST_F(FileUtilsTest, MakesDirectoriesForTheOwnerAlone) {
+TEST_F(FileUtilsTest, CreatesMissingDirectoriesWithMode0700) {
     EXPECT_EQ(FileUtils::createDirectory(textAt("a/b/c")), 0);
     for (const auto* name : {"a", "a/b", "a/b/c"}) {
         EXPECT_EQ(modeOf(at(name)), fs::perms::owner_all) << name;
@@ -70,14 +70,14 @@ TEST_F(FileUtilsTest, MakesDirectoriesForTheOwnerAlone) {
     EXPECT_TRUE(fs::is_directory(at("d/e")));
 }
 
-TEST_F(FileUtilsTest, LeavesTheModeOfDirectoriesThatStand) {
+TEST_F(FileUtilsTest, DoesNotChangeTheModeOfExistingDirectories) {
     fs::create_directory(at("open"));
     fs::permissions(at("open"), fs::perms(0755));
     EXPECT_EQ(FileUtils::createDirectory(textAt("open/inner")), 0);
     EXPECT_EQ(modeOf(at("open")), fs::perms(0755));
 }
 
-TEST_F(FileUtilsTest, SaysWhyADirectoryCantBeMade) {
+TEST_F(FileUtilsTest, ReturnsTheReasonIfADirectoryCannotBeCreated) {
     writeFile(at("file"), "");
     EXPECT_EQ(FileUtils::createDirectory(textAt("file")), EEXIST);
     EXPECT_EQ(FileUtils::createDirectory(textAt("file/below")), ENOTDIR);
@@ -85,7 +85,7 @@ TEST_F(FileUtilsTest, SaysWhyADirectoryCantBeMade) {
     EXPECT_EQ(FileUtils::createDirectory(textAt(std::string(1000, 'x'))), ENAMETOOLONG);
 }
 
-TEST_F(FileUtilsTest, TakesALinkToADirectoryForOne) {
+TEST_F(FileUtilsTest, AcceptsALinkToADirectoryAsADirectory) {
     fs::create_directory_symlink(profile.data(), at("link"));
     EXPECT_EQ(FileUtils::createDirectory(textAt("link")), 0);
 }
@@ -104,7 +104,7 @@ TEST_F(FileUtilsTest, RemovesFilesAndLinksOnly) {
     EXPECT_TRUE(fs::is_directory(at("empty")));
 }
 
-TEST_F(FileUtilsTest, MovesOverAnExistingTarget) {
+TEST_F(FileUtilsTest, MoveReplacesAnExistingTarget) {
     writeFile(at("source"), "new");
     writeFile(at("target"), "old");
     EXPECT_EQ(FileUtils::moveFile(textAt("source"), textAt("target"), false), 0);
@@ -112,7 +112,7 @@ TEST_F(FileUtilsTest, MovesOverAnExistingTarget) {
     EXPECT_FALSE(fs::exists(at("source")));
 }
 
-TEST_F(FileUtilsTest, MovesOntoAFreeNameOnlyOnDemand) {
+TEST_F(FileUtilsTest, MoveWithoutReplaceFailsIfTheTargetExists) {
     writeFile(at("source"), "new");
     writeFile(at("target"), "old");
     EXPECT_EQ(FileUtils::moveFile(textAt("source"), textAt("target"), true), EEXIST);
@@ -123,7 +123,7 @@ TEST_F(FileUtilsTest, MovesOntoAFreeNameOnlyOnDemand) {
     EXPECT_FALSE(fs::exists(at("source")));
 }
 
-TEST_F(FileUtilsTest, SaysWhyAFileCantBeMoved) {
+TEST_F(FileUtilsTest, ReturnsTheReasonIfAFileCannotBeMoved) {
     writeFile(at("source"), "new");
     fs::create_directory(at("directory"));
     EXPECT_EQ(FileUtils::moveFile(textAt("absent"), textAt("target"), false), ENOENT);
@@ -156,7 +156,7 @@ TEST_F(FileUtilsTest, MovesBetweenFileSystems) {
     }
 }
 
-TEST_F(FileUtilsTest, TakesPathsApart) {
+TEST_F(FileUtilsTest, ReturnsFileNameAndParentDirectoryOfAPath) {
     EXPECT_EQ(FileUtils::FileSeparator(), "/");
     EXPECT_EQ(FileUtils::getFileName("/a/b.xml"), "b.xml");
     EXPECT_EQ(FileUtils::getFileName("b.xml"), "b.xml");
@@ -197,7 +197,7 @@ TEST_F(FileUtilsTest, ListsLinkedDirectoriesWithoutEnteringThem) {
     EXPECT_THAT(list(""), ElementsAre("a.dat", "dangling", "link", "loop"));
 }
 
-TEST_F(FileUtilsTest, ListsNothingOfAMissingOrUnusableFolder) {
+TEST_F(FileUtilsTest, ListsNothingIfTheDirectoryIsMissingOrAFile) {
     EXPECT_THAT(list(""), IsEmpty());
     writeFile(at("tree"), "a file");
     EXPECT_THAT(list(""), IsEmpty());

@@ -28,7 +28,7 @@ protected:
     std::fstream stream;
 };
 
-TEST_F(FstreamUtilsTest, ReadsBytesAsTheyAre) {
+TEST_F(FstreamUtilsTest, ReadsBytesUnchanged) {
     const std::string content("a\r\nb\0c\x1A\n", 8);
     writeFile(file, content);
     ASSERT_TRUE(FstreamUtils::open(stream, file.string(), StreamMode::Read));
@@ -36,7 +36,7 @@ TEST_F(FstreamUtilsTest, ReadsBytesAsTheyAre) {
     EXPECT_EQ(readFile(file), content);
 }
 
-TEST_F(FstreamUtilsTest, ReadingChangesNothing) {
+TEST_F(FstreamUtilsTest, ReadingDoesNotChangeTheFile) {
     writeFile(file, "old");
     ASSERT_TRUE(FstreamUtils::open(stream, file.string(), StreamMode::Read));
     stream << "new";
@@ -52,13 +52,13 @@ TEST_F(FstreamUtilsTest, WritingTruncates) {
     EXPECT_EQ(readFile(file), "new");
 }
 
-TEST_F(FstreamUtilsTest, WritingMakesTheFile) {
+TEST_F(FstreamUtilsTest, WritingCreatesTheFile) {
     ASSERT_TRUE(FstreamUtils::open(stream, file.string(), StreamMode::Write));
     stream.close();
     EXPECT_TRUE(fs::exists(file));
 }
 
-TEST_F(FstreamUtilsTest, ReusesAStreamWhateverItsState) {
+TEST_F(FstreamUtilsTest, ReopensAStreamAfterAFailure) {
     writeFile(file, "content");
     expectRefused(profile.root() / "absent", StreamMode::Read);
     ASSERT_TRUE(FstreamUtils::open(stream, file.string(), StreamMode::Read));
@@ -66,7 +66,7 @@ TEST_F(FstreamUtilsTest, ReusesAStreamWhateverItsState) {
     expectRefused(profile.root() / "absent", StreamMode::Read);
 }
 
-TEST_F(FstreamUtilsTest, RefusesWhatIsNoRegularFile) {
+TEST_F(FstreamUtilsTest, RefusesFilesThatAreNotRegular) {
     for (const StreamMode mode : {StreamMode::Read, StreamMode::Write}) {
         expectRefused(profile.root(), mode);
         expectRefused("", mode);
@@ -78,7 +78,7 @@ TEST_F(FstreamUtilsTest, RefusesWhatIsNoRegularFile) {
     }
 }
 
-TEST_F(FstreamUtilsTest, RefusesANumberThatIsNoMode) {
+TEST_F(FstreamUtilsTest, RefusesAnInvalidMode) {
     writeFile(file, "content");
     expectRefused(file, static_cast<StreamMode>(0));
     expectRefused(file, static_cast<StreamMode>(8));

@@ -1,11 +1,8 @@
-#include <kyr/LocalConnection.h>
-#include <kyr/LocalListener.h>
 #include <kyr/LocalSocket.h>
 
 #include <TemporaryProfile.h>
 #include <gtest/gtest.h>
 
-#include <cerrno>
 #include <cstdlib>
 #include <filesystem>
 #include <optional>
@@ -13,8 +10,6 @@
 
 namespace KyrCoreUtils {
 namespace {
-
-using namespace std::chrono_literals;
 
 /// Sets the runtime directory for the duration of a test.
 class RuntimeDirectory {
@@ -72,35 +67,6 @@ TEST(LocalSocket, EachSpellingOfADirectoryHasTheSamePath) {
     EXPECT_EQ(LocalSocket::getPathFor(directory + "/../config/.", "/s"), path);
     EXPECT_EQ(LocalSocket::getPathFor((profile.root() / "link").string(), "/s"), path);
     EXPECT_NE(LocalSocket::getPathFor(profile.state().string(), "/s"), path);
-}
-
-TEST(LocalSocket, ALinkOrAFolderForOthersIsNotUsedAsItIs) {
-    using std::filesystem::perms;
-    const testing_host::TemporaryProfile profile;
-    const auto open = profile.root() / "open";
-    std::filesystem::create_directory(open);
-    std::filesystem::permissions(open, perms::all);
-    const LocalListener listener((open / "s.sock").string());
-    EXPECT_EQ(listener.getError(), 0);
-    EXPECT_EQ(std::filesystem::status(open).permissions(), perms::owner_all);
-    std::filesystem::create_directory_symlink(open, profile.root() / "link");
-    const LocalListener behindLink((profile.root() / "link" / "t.sock").string());
-    EXPECT_EQ(behindLink.getError(), EPERM);
-}
-
-TEST(LocalConnection, ReportsTheOtherProcessAndItsEnd) {
-    const testing_host::TemporaryProfile profile;
-    const auto path = (profile.root() / "s" / "s.sock").string();
-    std::string line;
-    std::optional<LocalListener> listener(path);
-    LocalConnection connection(path);
-    ASSERT_TRUE(connection.isOpen());
-    EXPECT_GT(connection.getPeer(), 0);
-    EXPECT_TRUE(connection.sendLine("hello", 1s));
-    EXPECT_EQ(connection.receiveLine(line, 1ms), LocalConnection::Received::Timeout);
-    listener.reset();
-    EXPECT_EQ(connection.receiveLine(line, 20s), LocalConnection::Received::End);
-    EXPECT_FALSE(LocalConnection(path).isOpen());
 }
 
 } // namespace

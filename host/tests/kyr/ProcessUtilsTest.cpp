@@ -1,3 +1,4 @@
+#include <kyr/FileAccess.h>
 #include <kyr/ProcessUtils.h>
 
 #include <filesystem>
@@ -6,7 +7,7 @@
 
 using KyrCoreUtils::ProcessUtils;
 
-TEST(ProcessUtils, KnowsWhereTheProgramLies) {
+TEST(ProcessUtils, ReturnsTheDirectoryOfTheProgram) {
     const std::filesystem::path folder = ProcessUtils::getProgramFolder();
     EXPECT_TRUE(std::filesystem::exists(folder / "host_kyr_test")) << folder;
 }
@@ -18,4 +19,14 @@ TEST(ProcessUtils, ReturnsTheNameOfTheMachine) {
     if (std::string expected; std::getline(file, expected)) {
         EXPECT_EQ(name, expected);
     }
+}
+
+TEST(ProcessUtils, ReturnsTheNameOfTheUserThatOwnsNewFiles) {
+    const auto access = KyrCoreUtils::FileAccess::read("/proc/self/stat");
+    ASSERT_TRUE(access);
+    EXPECT_EQ(ProcessUtils::getUserName(), access->ownerName);
+}
+
+TEST(ProcessUtils, NamesTheSystem) {
+    EXPECT_TRUE(ProcessUtils::getSystemName().starts_with("Linux ")) << ProcessUtils::getSystemName();
 }

@@ -14,7 +14,7 @@ const std::string plugin = HOST_TEST_PLUGIN_FOLDER "/good_plugin.so";
 
 } // namespace
 
-TEST(SharedLibrary, FindsWhatALibraryExports) {
+TEST(SharedLibrary, FindsAnExportedSymbol) {
     EXPECT_NE(SharedLibrary(plugin).find("InjectConfigService"), nullptr);
 }
 

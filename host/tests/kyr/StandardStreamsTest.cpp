@@ -99,7 +99,7 @@ TEST(StandardStreamsDeathTest, WritingToAFullDeviceReturnsTheReason) {
     EXPECT_EXIT(writeToAFullDevice(), testing::ExitedWithCode(ENOSPC), "");
 }
 
-TEST(StandardStreamsDeathTest, WritingToAClosedPipeEndsNothing) {
+TEST(StandardStreamsDeathTest, WritingToAClosedPipeReturnsTheReasonAndRaisesNoSignal) {
     EXPECT_EXIT(writeToAClosedPipe(), testing::ExitedWithCode(EPIPE), "");
 }
 

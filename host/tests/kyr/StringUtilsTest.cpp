@@ -40,7 +40,7 @@ TEST(ToString, WritesUtf8) {
     EXPECT_EQ(toString(L"a\0b"s), "a\0b"s);
 }
 
-TEST(ToString, ReplacesWhatIsNoCharacter) {
+TEST(ToString, ReplacesInvalidCodePoints) {
     EXPECT_EQ(toString(L"a"s + static_cast<wchar_t>(0xD800) + L"b"), "a\xEF\xBF\xBD"
                                                                      "b");
     EXPECT_EQ(toString(L"a"s + static_cast<wchar_t>(0xDC00)), "a\xEF\xBF\xBD");
@@ -85,14 +85,14 @@ TEST(ToWideString, ReplacesEachMaximalIllFormedPartOnce) {
     }
 }
 
-TEST(ToWideString, GivesBackEveryCharacter) {
+TEST(ToWideString, EveryCharacterRoundTripsThroughUtf8) {
     forEveryCharacter([](char32_t value) {
         const std::wstring text = wide(value);
         ASSERT_EQ(toWideString(toString(text)), text) << static_cast<unsigned>(value);
     });
 }
 
-TEST(ToWideString, DoesNotAskTheLocale) {
+TEST(ToWideString, DoesNotDependOnTheLocale) {
     const std::string before = std::setlocale(LC_ALL, nullptr);
     ASSERT_NE(std::setlocale(LC_ALL, "C"), nullptr);
     EXPECT_EQ(toWideString("\xC3\xBC"s), wide(0xFC));
@@ -122,13 +122,13 @@ TEST(ToLowercase, MapsByUnicodesSimpleMapping) {
               "e");
 }
 
-TEST(ToLowercase, LeavesIllFormedTextAsItIs) {
+TEST(ToLowercase, LeavesIllFormedTextUnchanged) {
     EXPECT_EQ(toLowercase("A\xFF\xE2\x82Z"s), "a\xFF\xE2\x82z");
     const std::wstring lone = L"A"s + static_cast<wchar_t>(0xD800) + L"Z";
     EXPECT_EQ(toLowercase(lone), L"a"s + static_cast<wchar_t>(0xD800) + L"z");
 }
 
-TEST(ToLowercase, IsIdempotentAndKeepsTheNumberOfUnits) {
+TEST(ToLowercase, IsIdempotentAndDoesNotChangeTheLength) {
     forEveryCharacter([](char32_t value) {
         const std::wstring text = wide(value);
         const std::wstring lower = toLowercase(text);
@@ -142,7 +142,7 @@ TEST(ToLowercase, IsIdempotentAndKeepsTheNumberOfUnits) {
     });
 }
 
-TEST(CaseInsensitiveCompare, IgnoresCaseAlone) {
+TEST(CaseInsensitiveCompare, IgnoresOnlyCase) {
     EXPECT_EQ(caseInsensitiveStringCompare(L"KeY", L"kEy"), 0);
     EXPECT_EQ(caseInsensitiveStringCompare(L"", L""), 0);
     EXPECT_LT(caseInsensitiveStringCompare(L"abc", L"ABCD"), 0);
@@ -154,7 +154,7 @@ TEST(CaseInsensitiveCompare, IgnoresCaseAlone) {
     EXPECT_NE(caseInsensitiveStringCompare(wide(0x131), L"i"), 0);
 }
 
-TEST(CaseInsensitiveCompare, GoesOnBehindABeginningInAscii) {
+TEST(CaseInsensitiveCompare, ComparesTheRestAfterAnEqualAsciiPrefix) {
     EXPECT_EQ(caseInsensitiveStringCompare(L"ab" + wide(0xC4), L"AB" + wide(0xE4)), 0);
     for (const std::size_t common : {0U, 1U, 3U, 4U, 5U, 7U, 8U, 40U}) {
         for (const std::wstring& begin : {std::wstring(common, L'k'), std::wstring(common, wide(0xE4).front())}) {
@@ -184,7 +184,7 @@ TEST(CaseInsensitiveCompare, ReadsPastAnEmbeddedNul) {
     EXPECT_LT(caseInsensitiveStringCompare(L"a", L"a\0"s), 0);
 }
 
-TEST(CaseInsensitiveCompare, SortsSupplementaryCharactersBehindAllOthers) {
+TEST(CaseInsensitiveCompare, SortsSupplementaryCharactersLast) {
     EXPECT_LT(caseInsensitiveStringCompare(wide(0xFFFD), wide(0x10000)), 0);
 }
 
@@ -240,7 +240,7 @@ TEST(CaseInsensitiveEquals, ComparesUtf8) {
     EXPECT_FALSE(caseInsensitiveStringEquals("a\0b"s, "a\0c"s));
 }
 
-TEST(CaseInsensitiveEquals, ComparesIllFormedBytesAsTheyAre) {
+TEST(CaseInsensitiveEquals, ComparesIllFormedBytesUnchanged) {
     EXPECT_TRUE(caseInsensitiveStringEquals("a\xFF"s, "A\xFF"s));
     EXPECT_FALSE(caseInsensitiveStringEquals("\xFF"s, "\xFE"s));
     EXPECT_FALSE(caseInsensitiveStringEquals("\xFF"s, "\xC3\xBF"s));
@@ -249,7 +249,7 @@ TEST(CaseInsensitiveEquals, ComparesIllFormedBytesAsTheyAre) {
     EXPECT_FALSE(caseInsensitiveStringEquals("\xE2\x82"s, "\xE2"s));
 }
 
-TEST(CaseInsensitiveFind, GivesThePositionInUnits) {
+TEST(CaseInsensitiveFind, ReturnsThePositionInUnits) {
     EXPECT_EQ(caseInsensitiveFind(L"TftpConfigStore", L"tftp"), 0);
     EXPECT_EQ(caseInsensitiveFind(L"myTFTP", L"tftp"), 2);
     EXPECT_EQ(caseInsensitiveFind(L"aab", L"AB"), 1);
@@ -261,7 +261,37 @@ TEST(CaseInsensitiveFind, GivesThePositionInUnits) {
     EXPECT_EQ(caseInsensitiveFind(wide(0x1F600) + L"X", L"x"), static_cast<std::ptrdiff_t>(wide(0x1F600).size()));
 }
 
-TEST(Trim, CutsTheSixBlanksAlone) {
+TEST(MatchesWildcards, IgnoresCase) {
+    EXPECT_TRUE(matchesWildcards(L"ServicesDomain", L"servicesdomain"));
+    EXPECT_FALSE(matchesWildcards(L"ServicesDomain", L"services"));
+}
+
+TEST(MatchesWildcards, AStarMatchesAnyText) {
+    EXPECT_TRUE(matchesWildcards(L"", L"*"));
+    EXPECT_TRUE(matchesWildcards(L"abc", L"*"));
+    EXPECT_TRUE(matchesWildcards(L"abc", L"a*c"));
+    EXPECT_TRUE(matchesWildcards(L"abcbc", L"a*bc"));
+    EXPECT_TRUE(matchesWildcards(L"abc", L"**abc**"));
+    EXPECT_FALSE(matchesWildcards(L"abc", L"*d*"));
+    EXPECT_FALSE(matchesWildcards(L"abc", L"*ab"));
+}
+
+TEST(MatchesWildcards, AQuestionMarkMatchesOneCharacter) {
+    EXPECT_TRUE(matchesWildcards(L"abc", L"a?c"));
+    EXPECT_FALSE(matchesWildcards(L"abc", L"abc?"));
+    EXPECT_FALSE(matchesWildcards(L"abc", L""));
+}
+
+TEST(MatchesWildcards, NeedsLittleTimeForManyStars) {
+    const std::wstring text(200, L'a');
+    std::wstring pattern;
+    for (int i = 0; i < 60; ++i) {
+        pattern += L"a*";
+    }
+    EXPECT_FALSE(matchesWildcards(text, pattern + L'b'));
+}
+
+TEST(Trim, RemovesTheSixAsciiBlanksFromBothEnds) {
     EXPECT_EQ(trim(" \t\n\v\f\ra b\r\f\v\n\t "s), "a b");
     EXPECT_EQ(trim(L" \t\n\v\f\ra b\r\f\v\n\t "s), L"a b");
     EXPECT_EQ(trim(" \n "s), "");
@@ -273,7 +303,7 @@ TEST(Trim, CutsTheSixBlanksAlone) {
     EXPECT_EQ(KyrCoreUtils::trimmedView(" "), "");
 }
 
-TEST(Trim, CutsTheLeftEndAloneOnDemand) {
+TEST(Trim, TrimLeftKeepsBlanksAtTheEnd) {
     EXPECT_EQ(trimleft(" \t# a "s), "# a ");
     EXPECT_EQ(trimleft(L"\r\n a "s), L"a ");
     EXPECT_EQ(trimleft("  "s), "");
@@ -285,7 +315,7 @@ std::vector<std::string> splitText(std::string_view text, std::string_view separ
     return pieces;
 }
 
-TEST(Split, KeepsEveryEmptyPiece) {
+TEST(Split, KeepsEmptyPieces) {
     EXPECT_THAT(splitText("a:b", ":"), ElementsAre("a", "b"));
     EXPECT_THAT(splitText("key:a:", ":"), ElementsAre("key", "a", ""));
     EXPECT_THAT(splitText("key:fe80::1", ":"), ElementsAre("key", "fe80", "", "1"));
@@ -299,7 +329,7 @@ TEST(Split, ClearsItsOutput) {
     EXPECT_THAT(splitText("", ":"), IsEmpty());
 }
 
-TEST(Split, TakesTheSeparatorAsAWhole) {
+TEST(Split, TreatsTheSeparatorAsOneText) {
     EXPECT_THAT(splitText("a, b,c, d", ", "), ElementsAre("a", "b,c", "d"));
     EXPECT_THAT(splitText("aaa", "aa"), ElementsAre("", "a"));
     EXPECT_THAT(splitText("abc", ""), ElementsAre("abc"));
@@ -312,13 +342,13 @@ TEST(Split, SplitsWideText) {
     EXPECT_THAT(pieces, ElementsAre(L"a", L"", L"b", L""));
 }
 
-TEST(Split, MaySplitAFormerPiece) {
+TEST(Split, AcceptsAPieceOfItsOutputAsInput) {
     std::vector<std::string> pieces{"a:b"};
     split(pieces[0], pieces, ":");
     EXPECT_THAT(pieces, ElementsAre("a", "b"));
 }
 
-TEST(ToBool, KnowsFourWordsOfYes) {
+TEST(ToBool, ReadsTrue1YesAndOnAsTrueIgnoringCaseAndBlanks) {
     for (const std::string yes : {"true", "TRUE", "True", " true\r\n", "1", "yes", "YES", "on", "On", "\ton "}) {
         EXPECT_TRUE(toBool(yes)) << yes;
         EXPECT_TRUE(toBool(toWideString(yes))) << yes;
@@ -341,7 +371,7 @@ TEST(ToInt, ReadsWholeDecimalNumbersInRange) {
     EXPECT_EQ(toInt(L"-2147483648", 7), INT_MIN);
 }
 
-TEST(ToInt, FallsBackOnAllElse) {
+TEST(ToInt, ReturnsTheFallbackForAnyOtherText) {
     for (const std::wstring& text :
          {L""s, L" "s, L"-"s, L"+"s, L"+-1"s, L"4 2"s, L"42a"s, L"a42"s, L"0x10"s, L"1.0"s, L"1e3"s, L"2147483648"s,
           L"-2147483649"s, L"99999999999999999999999999"s, L"4\0"s, wide(0x664)}) {
@@ -349,7 +379,7 @@ TEST(ToInt, FallsBackOnAllElse) {
     }
 }
 
-TEST(CaseInsensitiveCompare, IsTheOrderOfTheLowerCaseWhereverTextsDiffer) {
+TEST(CaseInsensitiveCompare, EqualsTheOrderOfTheLowercaseTexts) {
     std::mt19937 chance(3); // NOLINT(cert-msc32-c,cert-msc51-cpp): the same texts in each run
     const std::u32string alphabet = U"aAbBzZ_[@`{\0\u0080\u00C4\u00E4\u212A\U00010400\U00010428\uFFFD"s;
     const auto someText = [&](std::size_t length) {
@@ -371,7 +401,7 @@ TEST(CaseInsensitiveCompare, IsTheOrderOfTheLowerCaseWhereverTextsDiffer) {
     }
 }
 
-TEST(ToWideString, TakesAStringAgainWhateverItHeld) {
+TEST(ToWideString, OverwritesTheContentOfAReusedString) {
     std::wstring reused;
     for (const std::string text : {"0123456789", "abc", "", "\xC3\xA4", "ascii again, and longer than before",
                                    "\xC3\xA4 \xF0\x90\x90\x80 \xFF and longer than all that came before", "x"}) {

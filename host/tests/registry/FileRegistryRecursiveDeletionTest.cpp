@@ -60,7 +60,7 @@ protected:
     testing_host::TemporaryProfile profile;
     const std::filesystem::path user = profile.data() / "registry";
     testing_host::FaultInjectingFileLayer layer;
-    const std::shared_ptr<Registry> registry = makeFileRegistry({(profile.root() / "etc").string(), {}}, {}, layer);
+    const std::shared_ptr<Registry> registry = makeFileRegistry({(profile.root() / "etc").string(), {}}, {}, &layer);
 };
 
 TEST_F(FileRegistryRecursiveDeletionTest, TheNumberOfRewritesDoesNotGrowWithTheNumberOfSubkeys) {
@@ -90,7 +90,7 @@ TEST_F(FileRegistryRecursiveDeletionTest, TheOutermostDeletionWritesAlsoWhileAKe
     EXPECT_EQ(countRewrites(), 1U);
 }
 
-TEST_F(FileRegistryRecursiveDeletionTest, ClosingTheLastKeyWritesWhatWasDeletedBelowIt) {
+TEST_F(FileRegistryRecursiveDeletionTest, ClosingTheLastKeyWritesTheDeletionsBelowIt) {
     writeUser("a.reg", makeSections("K", 3));
     ASSERT_EQ(remove(L"K"), RegistryResult::AccessDenied);
     {
@@ -102,7 +102,7 @@ TEST_F(FileRegistryRecursiveDeletionTest, ClosingTheLastKeyWritesWhatWasDeletedB
     EXPECT_EQ(readUser("a.reg"), header + "[HKCU\\K\\k1]\r\n\"a\"=\"1\"\r\n");
 }
 
-TEST_F(FileRegistryRecursiveDeletionTest, AFailedRewriteOnClosingIsReportedAndTheKeysAreThereAgain) {
+TEST_F(FileRegistryRecursiveDeletionTest, AFailedRewriteOnClosingIsReportedAndRestoresTheKeys) {
     const auto lines = makeSections("K", 3);
     writeUser("a.reg", lines);
     ASSERT_EQ(remove(L"K"), RegistryResult::AccessDenied);
@@ -135,7 +135,7 @@ TEST_F(FileRegistryRecursiveDeletionTest, AFailedRewriteMakesTheOutermostDeletio
     EXPECT_EQ(readUser("a.reg"), header + "[HKCU\\Other]\r\n");
 }
 
-TEST_F(FileRegistryRecursiveDeletionTest, DeletionsElsewhereAreWrittenAtOnceWithThoseThatWait) {
+TEST_F(FileRegistryRecursiveDeletionTest, ADeletionElsewhereIsWrittenImmediatelyWithThePendingOnes) {
     writeUser("a.reg", makeSections("K", 3) + makeSections("KK", 1));
     ASSERT_EQ(remove(L"K"), RegistryResult::AccessDenied);
     const Key key(*registry, HKEY_CURRENT_USER, L"K");
@@ -144,7 +144,7 @@ TEST_F(FileRegistryRecursiveDeletionTest, DeletionsElsewhereAreWrittenAtOnceWith
     EXPECT_EQ(readUser("a.reg"), header + "[HKCU\\K\\k1]\r\n\"a\"=\"1\"\r\n[HKCU\\K\\k2]\r\n\"a\"=\"2\"\r\n");
 }
 
-TEST_F(FileRegistryRecursiveDeletionTest, DeletionsOfAnotherThreadAreWrittenAtOnce) {
+TEST_F(FileRegistryRecursiveDeletionTest, DeletionsByAnotherThreadAreWrittenImmediately) {
     writeUser("a.reg", makeSections("K", 2));
     ASSERT_EQ(remove(L"K"), RegistryResult::AccessDenied);
     const Key key(*registry, HKEY_CURRENT_USER, L"K");
@@ -152,7 +152,7 @@ TEST_F(FileRegistryRecursiveDeletionTest, DeletionsOfAnotherThreadAreWrittenAtOn
     EXPECT_EQ(readUser("a.reg"), header + "[HKCU\\K\\k1]\r\n\"a\"=\"1\"\r\n");
 }
 
-TEST_F(FileRegistryRecursiveDeletionTest, WhatWaitsIsWrittenBeforeTheTreeIsReadAnewForAnAdministratorsKey) {
+TEST_F(FileRegistryRecursiveDeletionTest, PendingDeletionsAreWrittenBeforeARefusedDeletionReloadsTheTree) {
     testing_host::writeFile(profile.root() / "etc/HKEY_CURRENT_USER/policy.reg", header + "[HKCU\\P]\r\n");
     writeUser("a.reg", makeSections("K", 2) + "[HKCU\\P]\r\n\"p\"=\"user\"\r\n");
     ASSERT_EQ(remove(L"K"), RegistryResult::AccessDenied);

@@ -48,14 +48,14 @@ TEST_F(FileRegistryTest, WithoutFilesBothRootsAreEmpty) {
     EXPECT_FALSE(hasKey(*registry, L"Software", HKEY_LOCAL_MACHINE));
 }
 
-TEST_F(FileRegistryTest, TheUsersFilesLieOverTheAdministrators) {
+TEST_F(FileRegistryTest, TheUsersValuesOverrideTheAdministrators) {
     writeAdministrator("z.reg", "[HKCU\\K]\r\n\"a\"=\"admin\"\r\n\"b\"=\"admin\"\r\n");
     writeUser("a.reg", "[HKCU\\K]\r\n\"A\"=\"user\"\r\n\"c\"=\"user\"\r\n");
     EXPECT_THAT(Key(*registry, HKEY_CURRENT_USER, L"K").getValues(),
                 ElementsAre(makeTextValue(L"a", L"user"), makeTextValue(L"b", L"admin"), makeTextValue(L"c", L"user")));
 }
 
-TEST_F(FileRegistryTest, AFileWithAnEarlierTimeThanTheOneThatWasReadIsReadAnew) {
+TEST_F(FileRegistryTest, AFileWhoseTimeMovesBackIsReadAgain) {
     writeAdministrator("a.reg", "[HKCU\\K]\r\n\"a\"=\"first one\"\r\n");
     EXPECT_EQ(textOf(*registry, L"K", L"a"), L"first one");
     writeAdministrator("a.reg", "[HKCU\\K]\r\n\"a\"=\"other one\"\r\n");
@@ -64,7 +64,7 @@ TEST_F(FileRegistryTest, AFileWithAnEarlierTimeThanTheOneThatWasReadIsReadAnew) 
     EXPECT_EQ(textOf(*registry, L"K", L"a"), L"other one");
 }
 
-TEST_F(FileRegistryTest, WithinALayerTheLaterNameWins) {
+TEST_F(FileRegistryTest, AmongFilesOfOneFolderTheLastNameWins) {
     writeAdministrator("20-b.reg", "[HKCU\\K]\r\n\"a\"=\"second\"\r\n");
     writeAdministrator("10-z.reg", "[HKCU\\K]\r\n\"a\"=\"first\"\r\n");
     EXPECT_EQ(textOf(*registry, L"K", L"a"), L"second");
@@ -78,13 +78,13 @@ TEST_F(FileRegistryTest, ALaterFileDeletesValuesAndKeysOfAnEarlierOne) {
     EXPECT_THAT(key.getSubkeys(), IsEmpty());
 }
 
-TEST_F(FileRegistryTest, ADeletedValueThatIsSetAgainComesLast) {
+TEST_F(FileRegistryTest, AValueThatIsDeletedAndSetAgainIsListedLast) {
     writeAdministrator("1.reg", "[HKCU\\K]\r\n\"a\"=\"1\"\r\n\"b\"=\"2\"\r\n\"a\"=-\r\n\"a\"=\"3\"\r\n");
     EXPECT_THAT(Key(*registry, HKEY_CURRENT_USER, L"K").getValues(),
                 ElementsAre(makeTextValue(L"b", L"2"), makeTextValue(L"a", L"3")));
 }
 
-TEST_F(FileRegistryTest, EachRootTakesItsOwnSectionsOnly) {
+TEST_F(FileRegistryTest, EachFolderAcceptsOnlySectionsOfItsRoot) {
     writeAdministrator("a.reg", "[HKLM\\Wrong]\r\n[HKCU\\Right]\r\n");
     writeMachine("a.reg", "[HKCU\\Wrong]\r\n[HKLM\\Right]\r\n");
     writeUser("a.reg", "[HKLM\\Wrong]\r\n[HKCU\\Right too]\r\n");
@@ -124,7 +124,7 @@ TEST_F(FileRegistryTest, ARejectedLineIsLoggedAndTheOthersAreUsed) {
     EXPECT_FALSE(log.mentions("swordfish"));
 }
 
-TEST_F(FileRegistryTest, AFileFullOfRejectedLinesDoesNotFillTheLog) {
+TEST_F(FileRegistryTest, TheNumberOfLoggedRejectionsOfAFileIsLimited) {
     std::string lines;
     for (int i = 0; i < 1000; ++i) {
         lines += "rubbish\r\n";
@@ -136,7 +136,7 @@ TEST_F(FileRegistryTest, AFileFullOfRejectedLinesDoesNotFillTheLog) {
     EXPECT_TRUE(log.mentions((user / "bad.reg").string() + ": 950 further lines are refused"));
 }
 
-TEST_F(FileRegistryTest, FilesAreReadAgainWhenOneChangesButNotUnderAnOpenKey) {
+TEST_F(FileRegistryTest, AChangedFileIsReadAgainUnlessAKeyIsOpen) {
     writeUser("a.reg", "[HKCU\\K]\r\n\"a\"=\"1\"\r\n");
     {
         const Key key(*registry, HKEY_CURRENT_USER, L"K");
@@ -150,7 +150,7 @@ TEST_F(FileRegistryTest, FilesAreReadAgainWhenOneChangesButNotUnderAnOpenKey) {
     EXPECT_EQ(textOf(*registry, L"K", L"a"), L"changed");
 }
 
-TEST_F(FileRegistryTest, DeletingAUsersKeyTakesItsSectionsOutOfEachOfHisFiles) {
+TEST_F(FileRegistryTest, DeletingAUsersKeyRemovesItsSectionsFromAllHisFiles) {
     writeUser("a.reg",
               "; mine\r\n[HKCU\\K]\r\n\"a\"=\"1\"\r\n[HKCU\\Other]\r\n\"o\"=\"2\"\r\n[HKCU\\k]\r\n\"b\"=\"3\"\r\n");
     writeUser("b.reg", "[HKCU\\K]\r\n\"c\"=\"4\"\r\n");
@@ -164,7 +164,7 @@ TEST_F(FileRegistryTest, DeletingAUsersKeyTakesItsSectionsOutOfEachOfHisFiles) {
     EXPECT_FALSE(hasKey(*makeFileRegistry({administrator.string(), {}}), L"K"));
 }
 
-TEST_F(FileRegistryTest, ARewrittenFileIsTheOwnersAloneAndNothingElseIsLeftBehind) {
+TEST_F(FileRegistryTest, ARewrittenFileHasMode0600AndNoTemporaryFileRemains) {
     writeUser("a.reg", "[HKCU\\K]\r\n\"a\"=\"1\"\r\n");
     ASSERT_EQ(remove(L"K"), RegistryResult::Success);
     using std::filesystem::perms;
@@ -182,7 +182,7 @@ TEST_F(FileRegistryTest, AKeyThatHasSubkeysIsNotDeletedAndNothingIsWritten) {
     EXPECT_EQ(remove(L"K"), RegistryResult::Success);
 }
 
-TEST_F(FileRegistryTest, AKeyThatStoodOnlyAboveADeletedOneIsStillThereToBeDeleted) {
+TEST_F(FileRegistryTest, AParentThatWasOnlyImpliedByADeletedKeyCanBeDeleted) {
     writeUser("a.reg", "[HKCU\\K\\Sub]\r\n\"a\"=\"1\"\r\n");
     ASSERT_EQ(remove(L"K\\Sub"), RegistryResult::Success);
     EXPECT_TRUE(hasKey(*registry, L"K"));
@@ -190,7 +190,7 @@ TEST_F(FileRegistryTest, AKeyThatStoodOnlyAboveADeletedOneIsStillThereToBeDelete
     EXPECT_FALSE(hasKey(*registry, L"K"));
 }
 
-TEST_F(FileRegistryTest, AnAdministratorsKeyAnswersFiveAndStaysWhileTheUsersCopyGoes) {
+TEST_F(FileRegistryTest, DeletingAnAdministratorsKeyIsDeniedAndRemovesTheUsersCopy) {
     const std::string policy = "[HKCU\\K]\r\n\"a\"=\"admin\"\r\n[HKCU\\K\\Sub]\r\n\"s\"=\"admin\"\r\n";
     writeAdministrator("policy.reg", policy);
     writeUser("a.reg",
@@ -205,14 +205,14 @@ TEST_F(FileRegistryTest, AnAdministratorsKeyAnswersFiveAndStaysWhileTheUsersCopy
     EXPECT_EQ(readFile(administrator / "HKEY_CURRENT_USER/policy.reg"), header + policy);
 }
 
-TEST_F(FileRegistryTest, AKeyAboveAnAdministratorsStaysToo) {
+TEST_F(FileRegistryTest, AParentOfAnAdministratorsKeyIsNotDeleted) {
     writeAdministrator("policy.reg", "[HKCU\\K\\Sub]\r\n\"s\"=\"admin\"\r\n");
     EXPECT_EQ(remove(L"K"), RegistryResult::AccessDenied);
     EXPECT_EQ(remove(L"K\\Sub"), RegistryResult::AccessDenied);
     EXPECT_EQ(textOf(*registry, L"K\\Sub", L"s"), L"admin");
 }
 
-TEST_F(FileRegistryTest, ARepeatedRefusalReadsNothingAgain) {
+TEST_F(FileRegistryTest, ARepeatedRefusalDoesNotReadTheFilesAgain) {
     writeAdministrator("policy.reg", "[HKCU\\K]\r\nrubbish\r\n");
     LogRecorder log;
     EXPECT_EQ(remove(L"K"), RegistryResult::AccessDenied);
@@ -232,7 +232,7 @@ TEST_F(FileRegistryTest, RootsAndTheMachinesKeysAreNeverDeleted) {
     EXPECT_TRUE(hasKey(*registry, L"K", HKEY_LOCAL_MACHINE));
 }
 
-TEST_F(FileRegistryTest, WhereAFileCantBeRewrittenTheKeyStays) {
+TEST_F(FileRegistryTest, AKeyIsNotDeletedIfItsFileCannotBeRewritten) {
     // The longest possible file name, so no temporary file with a longer name can exist beside it.
     const auto name = std::string(251, 'n') + ".reg";
     writeUser(name, "[HKCU\\K]\r\n\"a\"=\"1\"\r\n");
@@ -241,7 +241,7 @@ TEST_F(FileRegistryTest, WhereAFileCantBeRewrittenTheKeyStays) {
     EXPECT_EQ(readFile(user / name), header + "[HKCU\\K]\r\n\"a\"=\"1\"\r\n");
 }
 
-TEST_F(FileRegistryTest, DeletingThroughAnOpenKeyReachesTheFile) {
+TEST_F(FileRegistryTest, DeletingRelativeToAnOpenKeyRewritesTheFile) {
     writeUser("a.reg", "[HKCU\\K\\Sub]\r\n[HKCU\\Sub]\r\n");
     const Key key(*registry, HKEY_CURRENT_USER, L"K");
     EXPECT_EQ(registry->RegDeleteKeyW(key.get(), L"Sub"), RegistryResult::Success);
@@ -249,7 +249,7 @@ TEST_F(FileRegistryTest, DeletingThroughAnOpenKeyReachesTheFile) {
     EXPECT_THAT(key.getSubkeys(), IsEmpty());
 }
 
-TEST_F(FileRegistryTest, AnotherUserFolderMayBeGiven) {
+TEST_F(FileRegistryTest, ReadsTheUserFolderItIsGiven) {
     writeFile(profile.root() / "elsewhere/a.reg", header + "[HKCU\\There]\r\n");
     writeUser("a.reg", "[HKCU\\Here]\r\n");
     const auto other = makeFileRegistry({administrator.string(), (profile.root() / "elsewhere").string()});
@@ -257,7 +257,7 @@ TEST_F(FileRegistryTest, AnotherUserFolderMayBeGiven) {
     EXPECT_FALSE(hasKey(*other, L"Here"));
 }
 
-TEST_F(FileRegistryTest, TheMailClientIsFilledInWhereARootHasNone) {
+TEST_F(FileRegistryTest, TheMailClientIsAddedToRootsWithoutOne) {
     writeAdministrator("a.reg", "[HKCU\\Software\\Clients\\Mail]\r\n@=\"Configured\"\r\n");
     std::wstring machine = L"Found";
     const auto completed = makeFileRegistry(
@@ -270,7 +270,7 @@ TEST_F(FileRegistryTest, TheMailClientIsFilledInWhereARootHasNone) {
     EXPECT_FALSE(hasKey(*completed, L"SOFTWARE\\Clients\\Mail", HKEY_LOCAL_MACHINE));
 }
 
-TEST_F(FileRegistryTest, AMailClientThatWasFilledInIsNotDeleted) {
+TEST_F(FileRegistryTest, AMailClientThatWasAddedIsNotDeleted) {
     const auto completed = makeFileRegistry({administrator.string(), {}}, [](HKEY) { return L"Found"; });
     EXPECT_EQ(completed->RegDeleteKeyW(HKEY_CURRENT_USER, L"SOFTWARE\\Clients\\Mail"), RegistryResult::AccessDenied);
     EXPECT_EQ(textOf(*completed, L"SOFTWARE\\Clients\\Mail", L""), L"Found");

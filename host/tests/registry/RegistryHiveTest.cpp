@@ -19,7 +19,7 @@ std::vector<std::wstring> namesOf(const std::vector<RegistryValue>& values) {
     return names;
 }
 
-TEST(RegistryHive, RootsAreOpenFromTheStartAndEmpty) {
+TEST(RegistryHive, RootsAreOpenAndEmptyAtFirst) {
     RegistryHive hive;
     for (const auto root : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE}) {
         std::uint32_t count = 9;
@@ -38,14 +38,14 @@ TEST(RegistryHive, OpeningIgnoresCaseAndSurplusSeparators) {
     EXPECT_FALSE(hasKey(hive, L"Software\\\u00c4cme, Inc.\\Client", HKEY_LOCAL_MACHINE));
 }
 
-TEST(RegistryHive, AMissingKeyAnswersNotFoundAndLeavesTheHandleAlone) {
+TEST(RegistryHive, OpeningAMissingKeyReturnsNotFoundAndKeepsTheHandle) {
     RegistryHive hive;
     HKEY handle{77};
     EXPECT_EQ(hive.RegOpenKeyExW(HKEY_CURRENT_USER, L"Nothing", 0, KEY_READ, handle), RegistryResult::NotFound);
     EXPECT_EQ(handle, HKEY{77});
 }
 
-TEST(RegistryHive, NullPathOpensTheKeyItselfOnceMore) {
+TEST(RegistryHive, ANullPathOpensTheKeyItselfAgain) {
     RegistryHive hive;
     hive.setValue(HKEY_CURRENT_USER, L"A", makeTextValue(L"v", L"1"));
     const Key a(hive, HKEY_CURRENT_USER, L"A");
@@ -56,7 +56,7 @@ TEST(RegistryHive, NullPathOpensTheKeyItselfOnceMore) {
     EXPECT_EQ(hive.getOpenKeyCount(), 1U);
 }
 
-TEST(RegistryHive, KeysOpenBelowOpenKeys) {
+TEST(RegistryHive, AKeyIsOpenedRelativeToAnOpenKey) {
     RegistryHive hive;
     hive.setValue(HKEY_CURRENT_USER, L"A\\B\\C", makeTextValue(L"v", L"deep"));
     const Key a(hive, HKEY_CURRENT_USER, L"A");
@@ -88,7 +88,7 @@ TEST(RegistryHive, NullAndClosedHandlesAreInvalidForEveryOperation) {
     }
 }
 
-TEST(RegistryHive, SubkeysComeInOrderIgnoringCase) {
+TEST(RegistryHive, SubkeysAreEnumeratedInCaseInsensitiveOrder) {
     RegistryHive hive;
     for (const auto* name : {L"banana", L"Cherry", L"Apple", L"apricot"}) {
         hive.makeKey(HKEY_CURRENT_USER, std::wstring(L"K\\") + name);
@@ -103,7 +103,7 @@ TEST(RegistryHive, SubkeysComeInOrderIgnoringCase) {
     EXPECT_EQ(hive.RegEnumKeyExW(key.get(), 4, name, length), RegistryResult::NoMoreItems);
 }
 
-TEST(RegistryHive, ASubkeyAddedBetweenTwoQuestionsIsCounted) {
+TEST(RegistryHive, ASubkeyAddedBetweenTwoQueriesIsCounted) {
     RegistryHive hive;
     hive.makeKey(HKEY_CURRENT_USER, L"K\\b");
     hive.makeKey(HKEY_CURRENT_USER, L"K\\c");
@@ -128,7 +128,7 @@ TEST(RegistryHive, ASubkeyNameNeedsRoomForItsTerminator) {
     EXPECT_EQ(std::wstring(enough.data()), L"abc");
 }
 
-TEST(RegistryHive, ValuesComeInTheOrderOfTheirFirstSetting) {
+TEST(RegistryHive, ValuesAreEnumeratedInTheOrderTheyWereFirstSet) {
     RegistryHive hive;
     hive.setValue(HKEY_CURRENT_USER, L"K", makeTextValue(L"zebra", L"1"));
     hive.setValue(HKEY_CURRENT_USER, L"K", makeTextValue(L"", L"default"));
@@ -139,7 +139,7 @@ TEST(RegistryHive, ValuesComeInTheOrderOfTheirFirstSetting) {
     EXPECT_THAT(key.getValues(), ElementsAre(number, makeTextValue(L"", L"default"), makeTextValue(L"ant", L"2")));
 }
 
-TEST(RegistryHive, AValueThatDoesNotFitAnswersMoreData) {
+TEST(RegistryHive, AValueThatDoesNotFitTheBufferReturnsMoreData) {
     RegistryHive hive;
     hive.setValue(HKEY_CURRENT_USER, L"K", {L"name", REG_BINARY, std::vector<std::uint8_t>(10, 1)});
     const Key key(hive, HKEY_CURRENT_USER, L"K");
@@ -159,7 +159,7 @@ TEST(RegistryHive, AValueThatDoesNotFitAnswersMoreData) {
     EXPECT_EQ(hive.RegEnumValueW(key.get(), 1, name, nameLength, type, data, dataLength), RegistryResult::NoMoreItems);
 }
 
-TEST(RegistryHive, OnlyALeafIsDeleted) {
+TEST(RegistryHive, OnlyAKeyWithoutSubkeysIsDeleted) {
     RegistryHive hive;
     hive.makeKey(HKEY_CURRENT_USER, L"K\\Sub");
     EXPECT_EQ(hive.RegDeleteKeyW(HKEY_CURRENT_USER, L"K"), RegistryResult::AccessDenied);
@@ -176,7 +176,7 @@ TEST(RegistryHive, ARootIsNeverDeleted) {
     EXPECT_TRUE(hasKey(hive, L""));
 }
 
-TEST(RegistryHive, AHandleOfADeletedKeyIsInvalidButCloses) {
+TEST(RegistryHive, AHandleOfADeletedKeyIsInvalidButCanBeClosed) {
     RegistryHive hive;
     hive.makeKey(HKEY_CURRENT_USER, L"K\\Sub\\Leaf");
     HKEY sub{};
@@ -191,7 +191,7 @@ TEST(RegistryHive, AHandleOfADeletedKeyIsInvalidButCloses) {
     EXPECT_EQ(hive.RegCloseKey(leaf), RegistryResult::Success);
 }
 
-TEST(RegistryHive, DeletingThroughAnOpenKeyMeansTheKeyBelowIt) {
+TEST(RegistryHive, DeletingRelativeToAnOpenKeyDeletesItsSubkey) {
     RegistryHive hive;
     hive.makeKey(HKEY_CURRENT_USER, L"K\\Sub");
     hive.makeKey(HKEY_CURRENT_USER, L"Sub");
@@ -201,7 +201,7 @@ TEST(RegistryHive, DeletingThroughAnOpenKeyMeansTheKeyBelowIt) {
     EXPECT_FALSE(hasKey(hive, L"K\\Sub"));
 }
 
-TEST(RegistryHive, NarrowReadingGivesTextInUtf8WithItsTerminator) {
+TEST(RegistryHive, TheNarrowQueryReturnsUtf8WithItsTerminator) {
     RegistryHive hive;
     hive.setValue(HKEY_LOCAL_MACHINE, L"K", makeTextValue(L"", L"\u00e4b"));
     hive.setValue(HKEY_LOCAL_MACHINE, L"K", {L"raw", REG_BINARY, {1, 2, 0}});
@@ -233,7 +233,7 @@ TEST(RegistryHive, ManyKeysAndValuesAreReadByIndexInReasonableTime) {
     EXPECT_EQ(key.getSubkeys().size(), static_cast<std::size_t>(count));
 }
 
-TEST(RegistryHive, SeveralThreadsReadAndChangeAtOnce) {
+TEST(RegistryHive, SeveralThreadsReadAndChangeConcurrently) {
     RegistryHive hive;
     hive.makeKey(HKEY_CURRENT_USER, L"K\\stays");
     std::vector<std::thread> threads;

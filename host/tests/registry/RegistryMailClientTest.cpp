@@ -40,7 +40,7 @@ TEST_F(RegistryMailClientTest, WithoutAssociationsThereIsNoKey) {
     EXPECT_FALSE(hasKey(*getRegistry(), mailClients, HKEY_LOCAL_MACHINE));
 }
 
-TEST_F(RegistryMailClientTest, TheUsersAssociationNamesTheUsersClient) {
+TEST_F(RegistryMailClientTest, TheUsersAssociationDefinesTheUsersClient) {
     write("config-home/mimeapps.list",
           "[Added Associations]\nx-scheme-handler/mailto=wrong.desktop;\n\n"
           "[Default Applications]\ntext/html=b.desktop\nx-scheme-handler/mailto=m.desktop\n");
@@ -49,21 +49,21 @@ TEST_F(RegistryMailClientTest, TheUsersAssociationNamesTheUsersClient) {
     EXPECT_EQ(clientOf(HKEY_LOCAL_MACHINE), std::nullopt);
 }
 
-TEST_F(RegistryMailClientTest, TheUsersOwnProgramsComeBeforeTheSystems) {
+TEST_F(RegistryMailClientTest, AProgramOfTheUserOverridesTheSystemsOfTheSameName) {
     write("data-home/applications/mimeapps.list", "[Default Applications]\nx-scheme-handler/mailto = m.desktop\n");
     writeProgram("data-dirs/applications/m.desktop", "Of the system");
     writeProgram("data-home/applications/m.desktop", "Mine");
     EXPECT_EQ(clientOf(HKEY_CURRENT_USER), L"Mine");
 }
 
-TEST_F(RegistryMailClientTest, TheSystemsAssociationNamesTheMachinesClient) {
+TEST_F(RegistryMailClientTest, TheSystemsAssociationDefinesTheMachinesClient) {
     write("config-dirs/mimeapps.list", "[Default Applications]\nx-scheme-handler/mailto=m.desktop\n");
     writeProgram("data-dirs/applications/m.desktop", "M\xC3\xA4iler");
     EXPECT_EQ(clientOf(HKEY_LOCAL_MACHINE), L"M\u00e4iler");
     EXPECT_EQ(clientOf(HKEY_CURRENT_USER), std::nullopt);
 }
 
-TEST_F(RegistryMailClientTest, TheFirstProgramThatIsInstalledCounts) {
+TEST_F(RegistryMailClientTest, TheFirstInstalledProgramOfTheAssociationIsUsed) {
     write("data-dirs/applications/mimeapps.list",
           "[Default Applications]\nx-scheme-handler/mailto=absent.desktop;../m.desktop;m.desktop;n.desktop;\n");
     writeProgram("data-dirs/applications/m.desktop", "Second");
@@ -82,7 +82,7 @@ TEST_F(RegistryMailClientTest, RelativeFoldersAreIgnored) {
     std::filesystem::current_path(before);
 }
 
-TEST_F(RegistryMailClientTest, APolicyOutranksTheDesktop) {
+TEST_F(RegistryMailClientTest, APolicyOverridesTheDesktopsAssociation) {
     write("config-home/mimeapps.list", "[Default Applications]\nx-scheme-handler/mailto=m.desktop\n");
     writeProgram("data-home/applications/m.desktop", "Mine");
     writeFile(profile.data() / "registry/a.reg",

@@ -7,17 +7,17 @@ namespace {
 using namespace zel::registry;
 using testing::ElementsAre;
 
-TEST(RegistryValue, TextIsTwoBytesAUnitWithATerminator) {
+TEST(RegistryValue, TextIsEncodedAsUtf16WithATerminator) {
     EXPECT_THAT(encodeRegistryText(L"a\u00e4"), ElementsAre('a', 0, 0xE4, 0, 0, 0));
     EXPECT_THAT(encodeRegistryText(L""), ElementsAre(0, 0));
 }
 
-TEST(RegistryValue, ACharacterBeyondTheFirstPlaneTakesTwoUnitsAndComesBack) {
+TEST(RegistryValue, ASupplementaryCharacterRoundTripsAsTwoUnits) {
     EXPECT_THAT(encodeRegistryText(L"\U0001F600"), ElementsAre(0x3D, 0xD8, 0x00, 0xDE, 0, 0));
     EXPECT_EQ(decodeRegistryText(encodeRegistryText(L"x\U0001F600y")), L"x\U0001F600y");
 }
 
-TEST(RegistryValue, DecodingEndsAtTheFirstTerminatorOrAtTheEnd) {
+TEST(RegistryValue, DecodingStopsAtTheFirstTerminatorOrAtTheEnd) {
     const std::vector<std::uint8_t> two{'a', 0, 0, 0, 'b', 0, 0, 0};
     EXPECT_EQ(decodeRegistryText(two), L"a");
     const std::vector<std::uint8_t> unterminated{'a', 0, 'b', 0};
@@ -29,7 +29,7 @@ TEST(RegistryValue, DecodingEverythingKeepsTheTerminators) {
     EXPECT_EQ(decodeAllRegistryText(two), std::wstring(L"a\0b", 3));
 }
 
-TEST(RegistryValue, AnOddLastByteIsLeftOut) {
+TEST(RegistryValue, AnOddLastByteIsIgnored) {
     const std::vector<std::uint8_t> odd{'a', 0, 'b'};
     EXPECT_EQ(decodeRegistryText(odd), L"a");
     const std::vector<std::uint8_t> single{'a'};
@@ -47,7 +47,7 @@ TEST(RegistryValue, ALoneSurrogateNeverBecomesACodePoint) {
     }
 }
 
-TEST(RegistryValue, NumbersAreFourBytesLowFirst) {
+TEST(RegistryValue, NumbersAreFourBytesInLittleEndianOrder) {
     const auto value = makeNumberValue(L"n", 0x80000001);
     EXPECT_EQ(value.type, REG_DWORD);
     EXPECT_THAT(value.data, ElementsAre(1, 0, 0, 0x80));

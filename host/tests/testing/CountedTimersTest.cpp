@@ -9,7 +9,7 @@ using testing_host::CountedTimers;
 using testing_host::Signal;
 using zel::common::TimerSource;
 
-TEST(CountedTimersTest, CountsWhatWaitsAndForgetsWhatIsCancelled) {
+TEST(CountedTimersTest, CountsPendingTimersAndNotCancelledOnes) {
     const CountedTimers timers;
     const auto source = TimerSource::getInstance();
     const auto alarm = source->set(1000, [] { FAIL() << "rang"; });
@@ -20,7 +20,7 @@ TEST(CountedTimersTest, CountsWhatWaitsAndForgetsWhatIsCancelled) {
     EXPECT_EQ(timers.getPendingCount(), 1U);
 }
 
-TEST(CountedTimersTest, WithoutAWaitATimerRingsAtOnceAndIsNotCountedWhenItDoes) {
+TEST(CountedTimersTest, WithoutAWaitATimerFiresImmediatelyAndIsNoLongerCounted) {
     CountedTimers timers;
     timers.setWait(CountedTimers::Wait::None);
     const auto counted = std::make_shared<std::size_t>(99);

@@ -21,7 +21,7 @@ std::shared_ptr<zel::Task> task(std::function<void()> work, const std::string& n
 
 } // namespace
 
-TEST(HeldServicesDispatcher, HoldsTasksUntilTheyAreRunWithWhatTheyPost) {
+TEST(HeldServicesDispatcher, HoldsTasksUntilRunAllRunsThemAndTheTasksTheyPost) {
     HeldServicesDispatcher dispatcher;
     std::vector<std::string> ran;
     dispatcher.enqueue(task(
@@ -41,7 +41,7 @@ TEST(HeldServicesDispatcher, HoldsTasksUntilTheyAreRunWithWhatTheyPost) {
     EXPECT_THAT(dispatcher.getTaskNames(), IsEmpty());
 }
 
-TEST(HeldServicesDispatcher, BelongsToItsMakerUntilItIsDisownedOrClaimed) {
+TEST(HeldServicesDispatcher, BelongsToTheCreatingThreadUntilItIsDisownedOrClaimed) {
     HeldServicesDispatcher dispatcher;
     EXPECT_TRUE(dispatcher.checkForUpdateAccess());
     dispatcher.disown();
@@ -55,7 +55,7 @@ TEST(HeldServicesDispatcher, BelongsToItsMakerUntilItIsDisownedOrClaimed) {
     EXPECT_TRUE(dispatcher.checkForUpdateAccess());
 }
 
-TEST(HeldServicesDispatcher, EnqueueBlockRunsAtOnceAheadOfWhatWaits) {
+TEST(HeldServicesDispatcher, EnqueueBlockRunsItsTaskBeforeHeldTasks) {
     HeldServicesDispatcher dispatcher;
     std::vector<std::string> ran;
     dispatcher.enqueue(task([&] { ran.push_back("waiting"); }), false);

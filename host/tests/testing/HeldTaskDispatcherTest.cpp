@@ -10,7 +10,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing_host::HeldTaskDispatcher;
 
-TEST(HeldTaskDispatcher, HoldsTasksAndFunctionsUntilTheyAreRunWithWhatTheyPost) {
+TEST(HeldTaskDispatcher, HoldsTasksUntilRunAllRunsThemAndTheTasksTheyPost) {
     HeldTaskDispatcher dispatcher;
     std::vector<std::string> ran;
     dispatcher.enqueue(
@@ -27,7 +27,7 @@ TEST(HeldTaskDispatcher, HoldsTasksAndFunctionsUntilTheyAreRunWithWhatTheyPost) 
     EXPECT_THAT(ran, ElementsAre("function", "task", "posted"));
 }
 
-TEST(HeldTaskDispatcher, DropsWhatWaits) {
+TEST(HeldTaskDispatcher, DropsHeldTasks) {
     HeldTaskDispatcher dispatcher;
     bool ran = false;
     dispatcher.enqueue([&] { ran = true; }, "dropped");

@@ -5,7 +5,7 @@
 
 using testing_host::JumpingClock;
 
-TEST(JumpingClockTest, SetsTheWallClockAndLeavesTheMonotonicOne) {
+TEST(JumpingClockTest, SetsTheWallClockAndNotTheMonotonicOne) {
     using std::chrono::steady_clock;
     using std::chrono::system_clock;
     const auto day = std::chrono::hours(24);

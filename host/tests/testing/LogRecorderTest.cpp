@@ -32,7 +32,7 @@ TEST(LogRecorder, CollectsByLoggerAndByLevel) {
     EXPECT_THAT(log.getRecords(), IsEmpty());
 }
 
-TEST(LogRecorder, SwitchesDebugLinesOnWhileItLivesOnlyWhenAsked) {
+TEST(LogRecorder, EnablesDebugLinesOnRequestUntilItIsDestroyed) {
     {
         const LogRecorder log;
         EXPECT_FALSE(ZelLog_isDebugEnabled(first()));
@@ -44,7 +44,7 @@ TEST(LogRecorder, SwitchesDebugLinesOnWhileItLivesOnlyWhenAsked) {
     EXPECT_FALSE(ZelLog_isDebugEnabled(first()));
 }
 
-TEST(LogRecorder, HearsNothingAfterItsEnd) {
+TEST(LogRecorder, RecordsNothingAfterItsDestruction) {
     const LogRecorder outer;
     { const LogRecorder inner; }
     ZelLog(first(), ZelLogLevel::Info, ZEL_HERE, "after");

@@ -8,7 +8,7 @@
 
 using testing_host::ProcessUsage;
 
-TEST(ProcessUsageTest, TellsHeapAndResidentMemory) {
+TEST(ProcessUsageTest, MeasuresHeapAndResidentMemory) {
     constexpr std::size_t megabytes = std::size_t{8} << 20;
     const auto before = ProcessUsage::measure();
     const std::vector<char> taken(megabytes, 'x');

@@ -29,13 +29,13 @@ public:
 
 using namespace recording_factory_test;
 
-TEST(RecordingFactory, RemembersTheLoadsThatWereTried) {
+TEST(RecordingFactory, RecordsTheAttemptedLoads) {
     const auto factory = std::make_shared<RecordingFactory>();
     EXPECT_EQ(factory->getFeatureSetByType<Wanted>(), nullptr);
     EXPECT_THAT(factory->triedFeatureSetLoads, ElementsAre("recording_factory_test::Wanted"));
 }
 
-TEST(RecordingFactory, ForwardsToTheFeatureSetFiledUnderTheNumber) {
+TEST(RecordingFactory, ForwardsToTheFeatureSetRegisteredUnderTheNumber) {
     const auto factory = std::make_shared<RecordingFactory>();
     const auto featureSet = std::make_shared<TestFeatureSet>();
     factory->getFeatureSets().registerItem(1, std::shared_ptr<Wanted>(featureSet));
@@ -49,7 +49,7 @@ TEST(RecordingFactory, ForwardsToTheFeatureSetFiledUnderTheNumber) {
     EXPECT_FALSE(featureSet->started);
 }
 
-TEST(RecordingFactory, DestroyRunsWhatIsHeldAndLetsGo) {
+TEST(RecordingFactory, DestroyRunsHeldTasksAndReleasesTheFeatureSets) {
     const auto factory = std::make_shared<RecordingFactory>();
     const auto featureSet = std::make_shared<TestFeatureSet>();
     factory->getFeatureSets().registerItem(1, std::shared_ptr<Wanted>(featureSet));

@@ -9,7 +9,7 @@ using testing_host::readFile;
 using testing_host::TemporaryProfile;
 using testing_host::writeFile;
 
-TEST(TemporaryProfile, TheHostsDirectoriesPointIntoItWhileItLives) {
+TEST(TemporaryProfile, TheHostsDirectoriesAreInsideItUntilItIsDestroyed) {
     std::filesystem::path root;
     {
         const TemporaryProfile profile;
@@ -27,13 +27,13 @@ TEST(TemporaryProfile, TheHostsDirectoriesPointIntoItWhileItLives) {
     EXPECT_EQ(FileUtils::getConfigDirectory().find(root.string()), std::string::npos);
 }
 
-TEST(TemporaryProfile, TwoDoNotMeet) {
+TEST(TemporaryProfile, TwoProfilesHaveDifferentDirectories) {
     const TemporaryProfile first;
     const TemporaryProfile second;
     EXPECT_NE(first.root(), second.root());
 }
 
-TEST(TemporaryProfile, FilesAreReadAndWrittenByteForByte) {
+TEST(TemporaryProfile, FilesAreReadAndWrittenUnchanged) {
     const TemporaryProfile profile;
     const auto path = profile.root() / "a" / "b";
     const std::string content("line\r\n\0end", 10);

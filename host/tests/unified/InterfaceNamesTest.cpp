@@ -80,14 +80,14 @@ public:
 
 } // namespace
 
-TEST(InterfaceNames, OfObjectsWhateverTheClass) {
+TEST(InterfaceNames, AnObjectReturnsTheNameOfItsInterface) {
     EXPECT_EQ(Object<UnifiedBusinessObject>().getInterfaceName(), "UnifiedBusinessObject");
     EXPECT_EQ(EventObject().getInterfaceName(), "ServiceEvent");
     EXPECT_EQ(HealthObject().getInterfaceName(), "ServerHealthInformation");
     EXPECT_EQ(LifeCycleObject().getInterfaceName(), "LifeCycle");
 }
 
-TEST(InterfaceNames, OfObservers) {
+TEST(InterfaceNames, AnObserverReturnsTheNameOfItsInterface) {
     EXPECT_EQ(nameOfObserver<UnifiedBusinessObjectObserver>(), "UnifiedBusinessObjectObserver");
     EXPECT_EQ(nameOfObserver<ServiceEventObserver>(), "ServiceEventObserver");
     EXPECT_EQ(nameOfObserver<ServerHealthInformationObserver>(), "ServerHealthInformationObserver");
@@ -102,7 +102,7 @@ TEST(InterfaceNames, OfObservers) {
     EXPECT_EQ(SystemObserver().getInterfaceName(), "SystemServiceObserver");
 }
 
-TEST(InterfaceNames, OfCallbacks) {
+TEST(InterfaceNames, ACallbackReturnsTheNameOfItsInterface) {
     EXPECT_EQ(UnifiedCallback().getInterfaceName(), "UnifiedCallback");
     EXPECT_EQ(Callback().getInterfaceName(), "ProviderResetDataCallback");
 }

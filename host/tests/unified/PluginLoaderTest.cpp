@@ -46,7 +46,7 @@ TEST(PluginLoader, CallsTheEntryOfTheLibraryThatProvidesTheInterface) {
     factory->Destroy();
 }
 
-TEST(PluginLoader, CallsTheEntryOnceWhateverIsAskedFor) {
+TEST(PluginLoader, CallsTheEntryOnceForTwoInterfacesOfOneLibrary) {
     const auto factory = std::make_shared<RecordingFactory>();
     PluginLoader loader(folder, {{interfaceName, "good_plugin.so"}, {"another::Interface", "good_plugin.so"}});
     loader.load(interfaceName, factory);
@@ -95,7 +95,7 @@ TEST(PluginLoader, ReportsAnEntryThatThrows) {
     EXPECT_THAT(errorsOfLoading(folder, "throwing_plugin.so"), ElementsAre(HasSubstr("broken entry")));
 }
 
-TEST(PluginLoader, LeavesTheFolderForNoName) {
+TEST(PluginLoader, RefusesANameThatLeadsOutOfTheFolder) {
     const auto parent = std::filesystem::path(folder).filename().string();
     for (const std::string& library :
          {std::string(folder) + "/good_plugin.so", std::string("../") + parent + "/good_plugin.so",
@@ -105,7 +105,7 @@ TEST(PluginLoader, LeavesTheFolderForNoName) {
     EXPECT_THAT(errorsOfLoading("", "good_plugin.so"), ElementsAre(HasSubstr("Not a file of the plug-in folder")));
 }
 
-TEST(PluginLoader, AFactoryLoadsWhatProvidesAFeatureSetAndSkipsALibraryThatIsLoading) {
+TEST(PluginLoader, AFactoryLoadsTheLibraryOfAFeatureSetAndSkipsOneThatIsLoading) {
     const LogRecorder log;
     UnifiedFactoryOptions options;
     options.pluginFolder = folder;

@@ -65,14 +65,14 @@ protected:
 
 } // namespace
 
-TEST_F(ProfileLockTest, TheFirstHoldsTheProfile) {
+TEST_F(ProfileLockTest, TheFirstLockIsHeld) {
     const ProfileLock lock(config, state);
     EXPECT_TRUE(lock.isHeld());
     EXPECT_EQ(lock.getHolder(), 0);
     EXPECT_EQ(lock.getProblem(), "");
 }
 
-TEST_F(ProfileLockTest, TheSecondIsToldWhichProcessHoldsIt) {
+TEST_F(ProfileLockTest, ASecondLockReportsTheProcessThatHoldsTheFirst) {
     const HoldingProcess other(config, state);
     const ProfileLock lock(config, state);
     EXPECT_FALSE(lock.isHeld());
@@ -87,26 +87,26 @@ TEST_F(ProfileLockTest, ASecondLockOfTheSameProcessIsRefusedToo) {
     EXPECT_EQ(second.getHolder(), getpid());
 }
 
-TEST_F(ProfileLockTest, TheLockEndsWithItsObject) {
+TEST_F(ProfileLockTest, DestroyingTheLockReleasesIt) {
     { const ProfileLock lock(config, state); }
     const ProfileLock next(config, state);
     EXPECT_TRUE(next.isHeld());
 }
 
-TEST_F(ProfileLockTest, TheLockEndsWithAProcessThatDied) {
+TEST_F(ProfileLockTest, TheLockOfADeadProcessIsReleased) {
     HoldingProcess other(config, state);
     other.end();
     const ProfileLock lock(config, state);
     EXPECT_TRUE(lock.isHeld());
 }
 
-TEST_F(ProfileLockTest, OtherProfilesOfTheSameStateFolderAreFree) {
+TEST_F(ProfileLockTest, ProfilesThatShareAStateFolderAreLockedSeparately) {
     const ProfileLock first(config, state);
     const ProfileLock second(config + "2", state);
     EXPECT_TRUE(second.isHeld());
 }
 
-TEST_F(ProfileLockTest, SpellingsOfOneDirectoryMeet) {
+TEST_F(ProfileLockTest, DifferentPathsOfOneDirectoryShareOneLock) {
     const ProfileLock first(config, state);
     std::filesystem::create_directory_symlink(profile.config(), profile.root() / "link");
     for (const auto& spelling :
@@ -115,13 +115,43 @@ TEST_F(ProfileLockTest, SpellingsOfOneDirectoryMeet) {
     }
 }
 
-TEST_F(ProfileLockTest, MakesTheStateFolder) {
+TEST_F(ProfileLockTest, FindsTheHolderWithoutTheLockAndChangesNothing) {
+    const auto emptyState = (profile.root() / "other-state").string();
+    EXPECT_EQ(ProfileLock::findProblem(config, emptyState), "");
+    EXPECT_FALSE(std::filesystem::exists(emptyState));
+    {
+        const HoldingProcess other(config, state);
+        EXPECT_EQ(ProfileLock::findProblem(config, state), ProfileLock(config, state).getProblem());
+        EXPECT_THAT(ProfileLock::findProblem(config + "/", emptyState), HasSubstr("in use by another process"));
+        EXPECT_EQ(ProfileLock::findProblem(config + "2", state), "");
+        EXPECT_FALSE(std::filesystem::exists(config + "2"));
+    }
+    EXPECT_EQ(ProfileLock::findProblem(config, state), "") << "the record of the killed process remains";
+}
+
+TEST_F(ProfileLockTest, DoesNotFindALivingProcessThatOnlyHasTheNumberOfAKilledOne) {
+    std::filesystem::path record;
+    {
+        const ProfileLock lock(config, state);
+        record = std::filesystem::directory_iterator(state)->path();
+    }
+    testing_host::writeFile(record, std::to_string(getpid()) + "\n");
+    EXPECT_EQ(ProfileLock::findProblem(config, state), "");
+}
+
+TEST_F(ProfileLockTest, FindsThatTheDirectoryCannotBeOpened) {
+    testing_host::writeFile(profile.root() / "file", "x");
+    const auto file = (profile.root() / "file").string();
+    EXPECT_THAT(ProfileLock::findProblem(file, state), AllOf(HasSubstr(file), HasSubstr("can't be opened")));
+}
+
+TEST_F(ProfileLockTest, CreatesTheStateFolder) {
     const auto missing = profile.state() / "new" / "folder";
     const ProfileLock lock(config, missing.string());
     EXPECT_TRUE(lock.isHeld());
 }
 
-TEST_F(ProfileLockTest, TellsWhyTheDirectoryCantBeLocked) {
+TEST_F(ProfileLockTest, ReportsWhyTheDirectoryCannotBeLocked) {
     testing_host::writeFile(profile.root() / "file", "x");
     const ProfileLock lock((profile.root() / "file").string(), state);
     EXPECT_FALSE(lock.isHeld());
@@ -129,14 +159,14 @@ TEST_F(ProfileLockTest, TellsWhyTheDirectoryCantBeLocked) {
     EXPECT_THAT(lock.getProblem(), HasSubstr((profile.root() / "file").string()));
 }
 
-TEST_F(ProfileLockTest, MakesTheConfigurationDirectoryForTheOwnerAlone) {
+TEST_F(ProfileLockTest, CreatesTheConfigurationDirectoryWithMode0700) {
     const auto missing = profile.config() / "new";
     const ProfileLock lock(missing.string(), state);
     EXPECT_TRUE(lock.isHeld());
     EXPECT_EQ(std::filesystem::status(missing).permissions(), std::filesystem::perms::owner_all);
 }
 
-TEST_F(ProfileLockTest, ASecondProcessIsRefusedWhateverItsStateFolderIs) {
+TEST_F(ProfileLockTest, ASecondProcessWithAnotherStateFolderIsRefused) {
     const HoldingProcess other(config, state);
     const ProfileLock lock(config, (profile.root() / "other state").string());
     EXPECT_FALSE(lock.isHeld());
@@ -144,7 +174,7 @@ TEST_F(ProfileLockTest, ASecondProcessIsRefusedWhateverItsStateFolderIs) {
     EXPECT_EQ(lock.getProblem(), "The profile " + config + " is in use by another process.");
 }
 
-TEST_F(ProfileLockTest, RemovingEveryFileReleasesNothing) {
+TEST_F(ProfileLockTest, RemovingAllFilesDoesNotReleaseTheLock) {
     const HoldingProcess other(config, state);
     std::filesystem::remove_all(state);
     for (const auto& entry : std::filesystem::directory_iterator(config)) {
@@ -153,7 +183,7 @@ TEST_F(ProfileLockTest, RemovingEveryFileReleasesNothing) {
     EXPECT_FALSE(ProfileLock(config, state).isHeld());
 }
 
-TEST_F(ProfileLockTest, TheLockNeedsNoStateFolderAndAddsNothingToTheProfile) {
+TEST_F(ProfileLockTest, TheLockWorksWithoutAStateFolderAndCreatesNoFileInTheProfile) {
     testing_host::writeFile(profile.root() / "file", "x");
     const ProfileLock lock(config, (profile.root() / "file").string());
     EXPECT_TRUE(lock.isHeld());
@@ -161,7 +191,7 @@ TEST_F(ProfileLockTest, TheLockNeedsNoStateFolderAndAddsNothingToTheProfile) {
     EXPECT_FALSE(ProfileLock(config, state).isHeld());
 }
 
-TEST_F(ProfileLockTest, TheNumberOfAProcessThatDiedIsNotNamed) {
+TEST_F(ProfileLockTest, TheNumberOfADeadProcessIsNotReported) {
     {
         HoldingProcess killed(config, state);
         killed.end(); // leaves its process id in the file
@@ -172,7 +202,7 @@ TEST_F(ProfileLockTest, TheNumberOfAProcessThatDiedIsNotNamed) {
     EXPECT_EQ(lock.getHolder(), 0);
 }
 
-TEST_F(ProfileLockTest, ContentThatWaitsToBeWrittenEndsWithTheLock) {
+TEST_F(ProfileLockTest, ReleasingTheLockDropsPendingWritesOfTheProfile) {
     using zel::storage::EncryptFileUtils;
     testing_host::StorageProfile storage;
     const std::string path = storage.configFile("settings.dat");
@@ -182,14 +212,14 @@ TEST_F(ProfileLockTest, ContentThatWaitsToBeWrittenEndsWithTheLock) {
         storage.layer->setFreeSpace(0);
         EXPECT_FALSE(EncryptFileUtils::writeDataToFile(path, testing_host::PlainText("new"),
                                                        zel::storage::FileCategoryType::UserData));
-        EXPECT_FALSE(EncryptFileUtils::retryPendingWrites()) << "a lock that was refused ends nothing";
+        EXPECT_FALSE(EncryptFileUtils::retryPendingWrites()) << "a refused lock does not end the first one";
     }
     storage.layer->heal();
     EXPECT_TRUE(EncryptFileUtils::retryPendingWrites());
     EXPECT_FALSE(std::filesystem::exists(path));
 }
 
-TEST_F(ProfileLockTest, TheFileOfTheHoldersNumberIsTheUsersAlone) {
+TEST_F(ProfileLockTest, TheFileWithTheHoldersNumberHasMode0600) {
     const ProfileLock lock(config, state);
     int files = 0;
     for (const auto& entry : std::filesystem::directory_iterator(state)) {
@@ -200,7 +230,7 @@ TEST_F(ProfileLockTest, TheFileOfTheHoldersNumberIsTheUsersAlone) {
     EXPECT_EQ(files, 1);
 }
 
-TEST_F(ProfileLockTest, AFailedAttemptLeavesTheHoldersNameInPlace) {
+TEST_F(ProfileLockTest, AFailedAttemptDoesNotOverwriteTheHoldersNumber) {
     const HoldingProcess other(config, state);
     { const ProfileLock refused(config, state); }
     const ProfileLock again(config, state);

@@ -29,7 +29,7 @@ TEST(PumpedSerialQueue, RunsOneTaskAtEachPump) {
     EXPECT_FALSE(queue.pumpNext());
 }
 
-TEST(PumpedSerialQueue, PumpAllRunsWhatTasksPostToo) {
+TEST(PumpedSerialQueue, PumpAllAlsoRunsTasksPostedByTasks) {
     SerialQueue queue(SerialQueue::Mode::Pumped);
     int runs = 0;
     queue.start();
@@ -42,7 +42,7 @@ TEST(PumpedSerialQueue, PumpAllRunsWhatTasksPostToo) {
     EXPECT_EQ(runs, 2);
 }
 
-TEST(PumpedSerialQueue, ATaskThatRanAheadOfItsTurnCountsForNoPump) {
+TEST(PumpedSerialQueue, PumpNextDoesNotCountATaskThatFlushHasRun) {
     SerialQueue queue(SerialQueue::Mode::Pumped);
     int runs = 0;
     queue.start();
@@ -55,7 +55,7 @@ TEST(PumpedSerialQueue, ATaskThatRanAheadOfItsTurnCountsForNoPump) {
     EXPECT_EQ(runs, 2);
 }
 
-TEST(PumpedSerialQueue, OnlyTheOwnerPumpsAndClaimMovesTheOwnership) {
+TEST(PumpedSerialQueue, OnlyTheOwnerPumpsAndClaimTransfersOwnership) {
     SerialQueue queue(SerialQueue::Mode::Pumped);
     bool ran = false;
     queue.start();
@@ -72,7 +72,7 @@ TEST(PumpedSerialQueue, OnlyTheOwnerPumpsAndClaimMovesTheOwnership) {
     EXPECT_TRUE(ran);
 }
 
-TEST(PumpedSerialQueue, WhoWaitsForATaskOnAnotherThreadIsReleasedByThePump) {
+TEST(PumpedSerialQueue, PumpingReleasesAThreadThatWaitsForTheTask) {
     SerialQueue queue(SerialQueue::Mode::Pumped);
     queue.start();
     const auto owner = std::this_thread::get_id();
@@ -84,7 +84,7 @@ TEST(PumpedSerialQueue, WhoWaitsForATaskOnAnotherThreadIsReleasedByThePump) {
     EXPECT_EQ(ranOn, owner);
 }
 
-TEST(PumpedSerialQueue, WaitForTaskGivesUpAfterItsTimeAndAtTheEnd) {
+TEST(PumpedSerialQueue, WaitForTaskReturnsFalseOnTimeoutAndWhenTheQueueCloses) {
     SerialQueue queue(SerialQueue::Mode::Pumped);
     queue.start();
     EXPECT_FALSE(queue.waitForTask(std::chrono::milliseconds(1)));
@@ -93,7 +93,7 @@ TEST(PumpedSerialQueue, WaitForTaskGivesUpAfterItsTimeAndAtTheEnd) {
     ender.join();
 }
 
-TEST(PumpedSerialQueue, TellsOfEachPostedTask) {
+TEST(PumpedSerialQueue, CallsTheCallbackForEachPostedTask) {
     SerialQueue queue(SerialQueue::Mode::Pumped);
     int told = 0;
     queue.start();
@@ -106,7 +106,7 @@ TEST(PumpedSerialQueue, TellsOfEachPostedTask) {
     EXPECT_EQ(told, 1);
 }
 
-TEST(PumpedSerialQueue, AnEndOnAnotherThreadDropsWhatWaitsAndReleasesTheWaiter) {
+TEST(PumpedSerialQueue, EndingOnAnotherThreadDropsQueuedTasksAndReleasesTheWaiter) {
     const LogRecorder log;
     SerialQueue queue(SerialQueue::Mode::Pumped);
     queue.start();
@@ -120,7 +120,7 @@ TEST(PumpedSerialQueue, AnEndOnAnotherThreadDropsWhatWaitsAndReleasesTheWaiter) 
     EXPECT_THAT(log.getTexts(ZelLogLevel::Warning), ElementsAre(HasSubstr("awaited")));
 }
 
-TEST(PumpedSerialQueue, AnEndOnTheOwnersThreadRunsWhatWaits) {
+TEST(PumpedSerialQueue, EndingOnTheOwnersThreadRunsQueuedTasks) {
     SerialQueue queue(SerialQueue::Mode::Pumped);
     bool ran = false;
     queue.start();

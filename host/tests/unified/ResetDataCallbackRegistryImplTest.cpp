@@ -14,10 +14,10 @@ public:
 };
 
 /// Calls the registry from its destructor.
-class Curious final : public ProviderResetDataCallback {
+class CallingBack final : public ProviderResetDataCallback {
 public:
-    explicit Curious(const ResetDataCallbackRegistryImpl& watched) : registry(watched) {}
-    ~Curious() override { registry.getCallbacks(); }
+    explicit CallingBack(const ResetDataCallbackRegistryImpl& watched) : registry(watched) {}
+    ~CallingBack() override { registry.getCallbacks(); }
     void InvokeResetData(ResetDataOptionEnum::ResetDataOption) override {}
 
 private:
@@ -26,7 +26,7 @@ private:
 
 } // namespace
 
-TEST(ResetDataCallbackRegistry, KeepsCallbacksByOrderAndThenAsTheyCame) {
+TEST(ResetDataCallbackRegistry, SortsCallbacksByOrderAndThenByRegistration) {
     ResetDataCallbackRegistryImpl registry;
     const auto late = std::make_shared<Callback>();
     const auto first = std::make_shared<Callback>();
@@ -37,7 +37,7 @@ TEST(ResetDataCallbackRegistry, KeepsCallbacksByOrderAndThenAsTheyCame) {
     EXPECT_THAT(registry.getCallbacks(), ElementsAre(first, second, late));
 }
 
-TEST(ResetDataCallbackRegistry, ACallbackStandsOnceUnderEachOrder) {
+TEST(ResetDataCallbackRegistry, RegistersACallbackOnceForEachOrder) {
     ResetDataCallbackRegistryImpl registry;
     const auto callback = std::make_shared<Callback>();
     registry.add(0, callback);
@@ -46,7 +46,7 @@ TEST(ResetDataCallbackRegistry, ACallbackStandsOnceUnderEachOrder) {
     EXPECT_THAT(registry.getCallbacks(), ElementsAre(callback, callback));
 }
 
-TEST(ResetDataCallbackRegistry, RemovesWhatWasAddedUnderTheSameOrderOnly) {
+TEST(ResetDataCallbackRegistry, RemovesACallbackOnlyFromTheGivenOrder) {
     ResetDataCallbackRegistryImpl registry;
     const auto callback = std::make_shared<Callback>();
     registry.add(0, callback);
@@ -64,12 +64,12 @@ TEST(ResetDataCallbackRegistry, IgnoresAnEmptyCallback) {
     EXPECT_THAT(registry.getCallbacks(), IsEmpty());
 }
 
-TEST(ResetDataCallbackRegistry, LetsGoOfCallbacksWithNoLockHeld) {
+TEST(ResetDataCallbackRegistry, ReleasesCallbacksWithoutHoldingItsLock) {
     ResetDataCallbackRegistryImpl registry;
-    auto removed = std::make_shared<Curious>(registry);
+    auto removed = std::make_shared<CallingBack>(registry);
     registry.add(0, removed);
     registry.remove(0, std::move(removed));
-    registry.add(0, std::make_shared<Curious>(registry));
+    registry.add(0, std::make_shared<CallingBack>(registry));
     registry.clear();
     EXPECT_THAT(registry.getCallbacks(), IsEmpty());
 }

@@ -26,10 +26,10 @@ using ZelUnified::Processing::SerialQueue;
 namespace {
 
 /// A task that reports its destruction.
-class DyingTask final : public zel::Task {
+class TaskWithDestructor final : public zel::Task {
 public:
-    explicit DyingTask(std::function<void()> lastWill) : onDeath(std::move(lastWill)) {}
-    ~DyingTask() override { onDeath(); }
+    explicit TaskWithDestructor(std::function<void()> whenDestroyed) : onDeath(std::move(whenDestroyed)) {}
+    ~TaskWithDestructor() override { onDeath(); }
     void run() override {}
     std::string getName() const override { return "dying"; }
 
@@ -51,7 +51,7 @@ TEST(SerialQueue, RunsTasksInTheOrderOfPosting) {
     EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
 }
 
-TEST(SerialQueue, KeepsEachThreadsOrderWhenManyPost) {
+TEST(SerialQueue, KeepsTheOrderOfEachPostingThread) {
     SerialQueue queue(SerialQueue::Mode::OwnThread);
     queue.start();
     std::vector<std::vector<int>> orders(8);
@@ -73,7 +73,7 @@ TEST(SerialQueue, KeepsEachThreadsOrderWhenManyPost) {
     }
 }
 
-TEST(SerialQueue, KeepsWhatWasQueuedBeforeTheStart) {
+TEST(SerialQueue, RunsTasksQueuedBeforeTheStart) {
     SerialQueue queue(SerialQueue::Mode::OwnThread);
     std::vector<int> order;
     queue.enqueue(task([&] { order.push_back(1); }), false);
@@ -85,7 +85,7 @@ TEST(SerialQueue, KeepsWhatWasQueuedBeforeTheStart) {
     EXPECT_THAT(order, ElementsAre(1, 2));
 }
 
-TEST(SerialQueue, AheadGoesBeforeWhatWaits) {
+TEST(SerialQueue, ATaskPostedAheadRunsBeforeQueuedTasks) {
     SerialQueue queue(SerialQueue::Mode::OwnThread);
     std::vector<int> order;
     queue.enqueue(task([&] { order.push_back(1); }), false);
@@ -130,7 +130,7 @@ TEST(SerialQueue, EnqueueBlockReturnsWhenTheTaskHasRunOnTheQueuesThread) {
     EXPECT_NE(ranOn, std::this_thread::get_id());
 }
 
-TEST(SerialQueue, AThrowingTaskReleasesWhoWaitsForIt) {
+TEST(SerialQueue, AThrowingTaskReleasesItsWaiter) {
     const LogRecorder log;
     SerialQueue queue(SerialQueue::Mode::OwnThread);
     queue.start();
@@ -138,7 +138,7 @@ TEST(SerialQueue, AThrowingTaskReleasesWhoWaitsForIt) {
     EXPECT_THAT(log.getTexts(ZelLogLevel::Error), ElementsAre(HasSubstr("blocking")));
 }
 
-TEST(SerialQueue, EnqueueBlockOnTheOwnThreadRunsAtOnceAheadOfWhatWaits) {
+TEST(SerialQueue, EnqueueBlockOnTheQueuesThreadRunsTheTaskBeforeQueuedTasks) {
     SerialQueue queue(SerialQueue::Mode::OwnThread);
     std::vector<int> order;
     queue.enqueue(task([&] {
@@ -152,7 +152,7 @@ TEST(SerialQueue, EnqueueBlockOnTheOwnThreadRunsAtOnceAheadOfWhatWaits) {
     EXPECT_THAT(order, ElementsAre(1, 2));
 }
 
-TEST(SerialQueue, EnqueueBlockOnAQueueThatDoesNotRunRunsAtOnceOnTheCallersThread) {
+TEST(SerialQueue, EnqueueBlockOnAStoppedQueueRunsTheTaskOnTheCallersThread) {
     SerialQueue queue(SerialQueue::Mode::OwnThread);
     std::vector<std::thread::id> ranOn;
     const auto work = [&] { ranOn.push_back(std::this_thread::get_id()); };
@@ -163,7 +163,7 @@ TEST(SerialQueue, EnqueueBlockOnAQueueThatDoesNotRunRunsAtOnceOnTheCallersThread
     EXPECT_THAT(ranOn, ElementsAre(std::this_thread::get_id(), std::this_thread::get_id()));
 }
 
-TEST(SerialQueue, EnqueueAfterTheEndDropsTheTaskWithAWarning) {
+TEST(SerialQueue, EnqueueOnAnEndedQueueDropsTheTaskWithAWarning) {
     const LogRecorder log;
     SerialQueue queue(SerialQueue::Mode::OwnThread);
     queue.start();
@@ -171,14 +171,14 @@ TEST(SerialQueue, EnqueueAfterTheEndDropsTheTaskWithAWarning) {
     bool ran = false;
     bool died = false;
     EXPECT_FALSE(queue.enqueue(task([&] { ran = true; }, "late"), false));
-    queue.enqueue(std::make_shared<DyingTask>([&] { died = true; }), false);
+    queue.enqueue(std::make_shared<TaskWithDestructor>([&] { died = true; }), false);
     queue.flush();
     EXPECT_FALSE(ran);
     EXPECT_TRUE(died);
     EXPECT_THAT(log.getTexts(ZelLogLevel::Warning), ElementsAre(HasSubstr("late"), HasSubstr("dying")));
 }
 
-TEST(SerialQueue, TheEndRunsWhatWaits) {
+TEST(SerialQueue, EndingTheQueueRunsQueuedTasks) {
     SerialQueue queue(SerialQueue::Mode::OwnThread);
     int runs = 0;
     Signal go;
@@ -194,23 +194,23 @@ TEST(SerialQueue, TheEndRunsWhatWaits) {
     EXPECT_EQ(runs, 10);
 }
 
-TEST(SerialQueue, AQueueThatWasNeverStartedDropsWhatWaitsAtItsEnd) {
+TEST(SerialQueue, DestroyingAQueueThatWasNeverStartedDropsItsTasks) {
     const LogRecorder log;
     bool died = false;
     {
         SerialQueue queue(SerialQueue::Mode::OwnThread);
-        queue.enqueue(std::make_shared<DyingTask>([&] { died = true; }), false);
+        queue.enqueue(std::make_shared<TaskWithDestructor>([&] { died = true; }), false);
     }
     EXPECT_TRUE(died);
     EXPECT_THAT(log.getTexts(ZelLogLevel::Warning), ElementsAre(HasSubstr("dying")));
 }
 
-TEST(SerialQueue, ATaskDiesWithNoLockHeldAndBeforeItsWaiterIsReleased) {
+TEST(SerialQueue, DestroysATaskWithoutItsLockBeforeReleasingTheWaiter) {
     SerialQueue queue(SerialQueue::Mode::OwnThread);
     std::atomic<bool> died = false;
     bool ranAfterwards = false;
     queue.start();
-    queue.enqueueBlock(std::make_shared<DyingTask>([&] {
+    queue.enqueueBlock(std::make_shared<TaskWithDestructor>([&] {
                            queue.enqueue(task([&] { ranAfterwards = true; }), false);
                            died = true;
                        }),
@@ -220,7 +220,7 @@ TEST(SerialQueue, ATaskDiesWithNoLockHeldAndBeforeItsWaiterIsReleased) {
     EXPECT_TRUE(ranAfterwards);
 }
 
-TEST(SerialQueue, TheQueuesThreadAloneIsTheOwnerAndNobodyAfterTheEnd) {
+TEST(SerialQueue, OnlyTheQueuesThreadIsTheOwnerUntilTheQueueEnds) {
     SerialQueue queue(SerialQueue::Mode::OwnThread);
     EXPECT_FALSE(queue.isOwner());
     queue.start();
@@ -243,7 +243,7 @@ TEST(SerialQueue, FlushWaitsForEveryTaskPostedBefore) {
     EXPECT_EQ(runs, 50);
 }
 
-TEST(SerialQueue, FlushOnTheOwnThreadRunsWhatWaits) {
+TEST(SerialQueue, FlushOnTheQueuesThreadRunsQueuedTasks) {
     SerialQueue queue(SerialQueue::Mode::OwnThread);
     bool ranBeforeFlushReturned = false;
     queue.start();
@@ -257,7 +257,7 @@ TEST(SerialQueue, FlushOnTheOwnThreadRunsWhatWaits) {
     EXPECT_TRUE(ranBeforeFlushReturned);
 }
 
-TEST(SerialQueue, FlushForGivesUpWhileATaskRuns) {
+TEST(SerialQueue, FlushForTimesOutWhileATaskRuns) {
     SerialQueue queue(SerialQueue::Mode::OwnThread);
     Signal go;
     queue.start();
@@ -269,7 +269,7 @@ TEST(SerialQueue, FlushForGivesUpWhileATaskRuns) {
     EXPECT_TRUE(queue.flushFor(mark, std::chrono::milliseconds(0)));
 }
 
-TEST(SerialQueue, FlushIsNotHeldUpByAStreamOfNewTasks) {
+TEST(SerialQueue, FlushDoesNotWaitForTasksPostedLater) {
     SerialQueue queue(SerialQueue::Mode::OwnThread);
     std::atomic<bool> ended = false;
     const std::function<void()> again = [&] {
@@ -315,7 +315,7 @@ TEST(SerialQueue, ATaskMayHoldTheLastReferenceToItsQueue) {
     EXPECT_TRUE(done.wait());
 }
 
-TEST(SerialQueue, RunsTheTasksForWhichAnotherQueueWaitsAheadOfTheRest) {
+TEST(SerialQueue, RunsTasksAwaitedByAnotherQueueBeforeAllOthers) {
     SerialQueue waiting(SerialQueue::Mode::OwnThread);
     SerialQueue pumped(SerialQueue::Mode::Pumped);
     std::vector<std::string> order;

@@ -47,7 +47,7 @@ TEST_F(ServiceFactoryImplTest, FindsServicesByNumber) {
     EXPECT_EQ(factory.getService(77), nullptr);
 }
 
-TEST_F(ServiceFactoryImplTest, PumpsTheDispatcherOneByOneOrAll) {
+TEST_F(ServiceFactoryImplTest, PumpsOneTaskOrAllTasks) {
     int runs = 0;
     for (int i = 0; i < 3; ++i) {
         post([&] { ++runs; });
@@ -67,7 +67,7 @@ TEST_F(ServiceFactoryImplTest, WaitsForATask) {
     poster.join();
 }
 
-TEST_F(ServiceFactoryImplTest, TellsTheCallbackOfEachPostedTaskUntilItIsTakenAway) {
+TEST_F(ServiceFactoryImplTest, CallsTheCallbackForEachPostedTaskUntilItIsReset) {
     const auto callback = std::make_shared<CountingCallback>();
     factory.setDispatcherCallback(callback);
     post([] {});
@@ -79,7 +79,7 @@ TEST_F(ServiceFactoryImplTest, TellsTheCallbackOfEachPostedTaskUntilItIsTakenAwa
     EXPECT_EQ(callback.use_count(), 1);
 }
 
-TEST_F(ServiceFactoryImplTest, AnotherThreadMayTakeTheDispatcherOver) {
+TEST_F(ServiceFactoryImplTest, AnotherThreadMayTakeOverTheDispatcher) {
     std::thread([&] {
         factory.resetDispatcherThread();
         EXPECT_TRUE(unifiedFactory->getServicesDispatcher()->checkForUpdateAccess());

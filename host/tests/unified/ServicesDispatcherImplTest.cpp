@@ -20,7 +20,7 @@ TEST(ServicesDispatcherImpl, OnlyItsThreadHasUpdateAccess) {
     EXPECT_FALSE(dispatcher.checkForUpdateAccess());
 }
 
-TEST(ServicesDispatcherImpl, PostsInOrderOrAhead) {
+TEST(ServicesDispatcherImpl, PostsATaskInOrderOrAhead) {
     ServicesDispatcherImpl dispatcher(SerialQueue::Mode::Pumped);
     dispatcher.getQueue().start();
     std::vector<int> order;

@@ -36,7 +36,7 @@ protected:
 
 } // namespace
 
-TEST_F(SystemServiceImplTest, HandsAnEventOnToTheProgramAndLogsIt) {
+TEST_F(SystemServiceImplTest, PassesAnEventToTheListenerAndLogsIt) {
     const LogRecorder log;
     service.addServiceEvent(1300, 1, ServiceEventSeverityEnum::Error);
     ASSERT_THAT(listener->events, SizeIs(1));
@@ -46,7 +46,7 @@ TEST_F(SystemServiceImplTest, HandsAnEventOnToTheProgramAndLogsIt) {
     EXPECT_THAT(log.getTexts(ZelLogLevel::Error), testing::ElementsAre(AllOf(HasSubstr("1300"), HasSubstr("1"))));
 }
 
-TEST_F(SystemServiceImplTest, TheSeverityGivesTheLogLevel) {
+TEST_F(SystemServiceImplTest, TheSeverityDeterminesTheLogLevel) {
     const LogRecorder log;
     service.addServiceEvent(1, 1, ServiceEventSeverityEnum::Info);
     service.addServiceEvent(1, 1, ServiceEventSeverityEnum::Warning);
@@ -56,18 +56,18 @@ TEST_F(SystemServiceImplTest, TheSeverityGivesTheLogLevel) {
     EXPECT_THAT(log.getTexts(ZelLogLevel::Error), SizeIs(1));
 }
 
-TEST_F(SystemServiceImplTest, AListenerThatIsGoneIsNotTold) {
+TEST_F(SystemServiceImplTest, ADestroyedListenerIsNotCalled) {
     listener.reset();
     EXPECT_NO_THROW(service.addServiceEvent(1, 1, ServiceEventSeverityEnum::Info));
 }
 
-TEST_F(SystemServiceImplTest, AnEventOnAWrongThreadIsRefused) {
+TEST_F(SystemServiceImplTest, AnEventFromTheWrongThreadIsRefused) {
     factory->servicesDispatcher->disown();
     EXPECT_THROW(service.addServiceEvent(1, 1, ServiceEventSeverityEnum::Info), UpdateAccessError);
     EXPECT_THAT(listener->events, IsEmpty());
 }
 
-TEST_F(SystemServiceImplTest, GivesTheHoldersOfResetCallbacksOnAnyThread) {
+TEST_F(SystemServiceImplTest, TheResetCallbacksAreAvailableOnAnyThread) {
     factory->servicesDispatcher->disown();
     EXPECT_EQ(service.getResetDataCallbackRegistry(), callbacks);
     EXPECT_FALSE(service.getBulkUpdateInProgress());

@@ -18,7 +18,7 @@ using testing_host::LogRecorder;
 using unified_test::task;
 using ZelUnified::Processing::TaskDispatcherImpl;
 
-TEST(TaskDispatcherImpl, RunsTasksAndFunctionsInOneOrderOnAThreadOfItsOwn) {
+TEST(TaskDispatcherImpl, RunsTasksAndFunctionsInOrderOnItsThread) {
     TaskDispatcherImpl dispatcher;
     std::vector<int> order;
     std::thread::id ranOn;

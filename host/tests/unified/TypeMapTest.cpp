@@ -16,9 +16,9 @@ struct Second : virtual Item {};
 struct Both final : First, Second {};
 
 /// Reads the registry from its destructor.
-struct Curious final : First {
-    explicit Curious(const TypeMap<Item>& watched) : map(watched) {}
-    ~Curious() override {
+struct CallingBack final : First {
+    explicit CallingBack(const TypeMap<Item>& watched) : map(watched) {}
+    ~CallingBack() override {
         map.getItem(1);
         map.getItem<First>();
     }
@@ -29,7 +29,7 @@ struct Curious final : First {
 
 using namespace type_map_test;
 
-TEST(TypeMap, FilesTheSameItemUnderTheInterfacesNameAndTheNumber) {
+TEST(TypeMap, FindsAnItemByItsInterfaceAndByItsNumber) {
     TypeMap<Item> map;
     const std::shared_ptr<First> item = std::make_shared<Both>();
     map.registerItem(1300, item);
@@ -38,14 +38,14 @@ TEST(TypeMap, FilesTheSameItemUnderTheInterfacesNameAndTheNumber) {
     EXPECT_EQ(map.getAll().size(), 1U);
 }
 
-TEST(TypeMap, FilesUnderTheInterfaceNotUnderTheClass) {
+TEST(TypeMap, RegistersAnItemUnderItsInterfaceNotItsClass) {
     TypeMap<Item> map;
     map.registerItem(1, std::shared_ptr<First>(std::make_shared<Both>()));
     EXPECT_EQ(map.getItem<Second>(), nullptr);
     EXPECT_EQ(map.getItem<Both>(), nullptr);
 }
 
-TEST(TypeMap, GivesNothingForWhatIsNotFiled) {
+TEST(TypeMap, ReturnsNullForAnUnregisteredItem) {
     const TypeMap<Item> map;
     EXPECT_EQ(map.getItem<First>(), nullptr);
     EXPECT_EQ(map.getItem(1), nullptr);
@@ -61,7 +61,7 @@ TEST(TypeMap, ASecondItemReplacesTheFirstInBothMaps) {
     EXPECT_EQ(map.getItem(1), second);
 }
 
-TEST(TypeMap, AnEmptyItemIsFiledAsNothing) {
+TEST(TypeMap, RegisteringNullRemovesTheItem) {
     TypeMap<Item> map;
     map.registerItem(1, std::make_shared<First>());
     map.registerItem(1, std::shared_ptr<First>());
@@ -69,16 +69,16 @@ TEST(TypeMap, AnEmptyItemIsFiledAsNothing) {
     EXPECT_EQ(map.getItem(1), nullptr);
 }
 
-TEST(TypeMap, ReplacedAndClearedItemsDieAfterTheUnlock) {
+TEST(TypeMap, DestroysReplacedAndClearedItemsWithoutHoldingItsLock) {
     TypeMap<Item> map;
-    map.registerItem(1, std::shared_ptr<First>(std::make_shared<Curious>(map)));
-    map.registerItem(1, std::shared_ptr<First>(std::make_shared<Curious>(map)));
+    map.registerItem(1, std::shared_ptr<First>(std::make_shared<CallingBack>(map)));
+    map.registerItem(1, std::shared_ptr<First>(std::make_shared<CallingBack>(map)));
     map.clear();
     EXPECT_EQ(map.getItem(1), nullptr);
     EXPECT_EQ(map.getItem<First>(), nullptr);
 }
 
-TEST(TypeMap, ManyThreadsMayFileAndAsk) {
+TEST(TypeMap, SeveralThreadsMayRegisterAndFindItems) {
     TypeMap<Item> map;
     std::vector<std::thread> threads;
     for (unsigned int number = 0; number < 8; ++number) {

@@ -124,7 +124,7 @@ protected:
 
 } // namespace
 
-TEST_F(UnifiedBusinessObjectImplTest, TheGuidIsARandomVersion4UuidInLowerCaseMadeOnce) {
+TEST_F(UnifiedBusinessObjectImplTest, TheGuidIsAConstantRandomVersion4UuidInLowerCase) {
     std::set<std::string> guids;
     for (int i = 0; i < 100; ++i) {
         TestObject each(factory);
@@ -168,7 +168,7 @@ TEST_F(UnifiedBusinessObjectImplTest, EmptyAndUnknownObserversAreIgnored) {
     EXPECT_EQ(kept->calls, 1);
 }
 
-TEST_F(UnifiedBusinessObjectImplTest, AFireDropsTheDeadAndTheLastTakesTheirPlace) {
+TEST_F(UnifiedBusinessObjectImplTest, FiringReplacesADestroyedObserverByTheLastOne) {
     std::vector<std::string> order;
     const auto named = [&](const std::string& name) {
         return std::make_shared<SpecialCounter>([&order, name] { order.push_back(name); });
@@ -184,7 +184,7 @@ TEST_F(UnifiedBusinessObjectImplTest, AFireDropsTheDeadAndTheLastTakesTheirPlace
     EXPECT_THAT(order, ElementsAre("c", "b"));
 }
 
-TEST_F(UnifiedBusinessObjectImplTest, AnObserverOfAnotherKindIsSkippedAndStays) {
+TEST_F(UnifiedBusinessObjectImplTest, AnObserverOfAnotherTypeIsSkippedAndStaysRegistered) {
     const auto plain = std::make_shared<CountingObserver>();
     const auto special = std::make_shared<SpecialCounter>();
     object.addObserver(plain);
@@ -214,7 +214,7 @@ TEST_F(UnifiedBusinessObjectImplTest, AnObserverMayAddAndRemoveWhileItIsCalled) 
     EXPECT_EQ(added->calls, 1);
 }
 
-TEST_F(UnifiedBusinessObjectImplTest, AnExceptionOfAnObserverEndsTheWalk) {
+TEST_F(UnifiedBusinessObjectImplTest, AnExceptionOfAnObserverStopsTheFiringAndPropagates) {
     const auto throwing = std::make_shared<CountingObserver>();
     const auto next = std::make_shared<CountingObserver>();
     throwing->whenCalled = [] { throw std::runtime_error("broken"); };
@@ -224,7 +224,7 @@ TEST_F(UnifiedBusinessObjectImplTest, AnExceptionOfAnObserverEndsTheWalk) {
     EXPECT_EQ(next->calls, 0);
 }
 
-TEST_F(UnifiedBusinessObjectImplTest, ObserversMayDieOnOtherThreadsAtAnyMoment) {
+TEST_F(UnifiedBusinessObjectImplTest, ObserversMayBeDestroyedOnOtherThreadsDuringAFiring) {
     std::thread dying([this] {
         for (int i = 0; i < 500; ++i) {
             object.addObserver(std::make_shared<LeavingObserver>(object));
@@ -243,7 +243,7 @@ TEST_F(UnifiedBusinessObjectImplTest, ObserversMayDieOnOtherThreadsAtAnyMoment) 
     EXPECT_EQ(kept->calls, 1);
 }
 
-TEST_F(UnifiedBusinessObjectImplTest, TheNotifierSetIsMadeOnceAndIsAnObserver) {
+TEST_F(UnifiedBusinessObjectImplTest, TheNotifierSetIsCreatedOnceAndRegisteredAsObserver) {
     const auto notifiers = object.getUnifiedBusinessObjectNotifiers();
     ASSERT_NE(notifiers, nullptr);
     EXPECT_EQ(object.getUnifiedBusinessObjectNotifiers(), notifiers);
@@ -251,7 +251,7 @@ TEST_F(UnifiedBusinessObjectImplTest, TheNotifierSetIsMadeOnceAndIsAnObserver) {
     EXPECT_EQ(std::dynamic_pointer_cast<Notifiers>(notifiers)->calls, 1);
 }
 
-TEST_F(UnifiedBusinessObjectImplTest, ACallOnAWrongThreadIsRefusedLoggedAndChangesNothing) {
+TEST_F(UnifiedBusinessObjectImplTest, ACallOnTheWrongThreadThrowsLogsAndChangesNothing) {
     const LogRecorder log;
     factory->servicesDispatcher->disown();
     EXPECT_THROW(object.setSomething(), UpdateAccessError);
@@ -260,7 +260,7 @@ TEST_F(UnifiedBusinessObjectImplTest, ACallOnAWrongThreadIsRefusedLoggedAndChang
                 ElementsAre(AllOf(HasSubstr("setSomething"), HasSubstr("TestObject {" + object.getGuid() + "}"))));
 }
 
-TEST_F(UnifiedBusinessObjectImplTest, ACallOnTheDispatchersThreadIsTaken) {
+TEST_F(UnifiedBusinessObjectImplTest, ACallOnTheDispatchersThreadSucceeds) {
     object.setSomething();
     EXPECT_TRUE(object.changed);
 }
@@ -273,7 +273,7 @@ TEST_F(UnifiedBusinessObjectImplTest, WithoutEnforcementAWrongThreadIsOnlyLogged
     EXPECT_THAT(log.getTexts(ZelLogLevel::Error), ElementsAre(HasSubstr("warnAboutSomething")));
 }
 
-TEST_F(UnifiedBusinessObjectImplTest, AnObjectThatIsNotCommittedTakesAnyThreadUntilItIs) {
+TEST_F(UnifiedBusinessObjectImplTest, AnUncommittedObjectAcceptsCallsOnAnyThreadUntilItsCommit) {
     const LogRecorder log;
     TestObject free(factory, false);
     factory->servicesDispatcher->disown();
@@ -284,11 +284,11 @@ TEST_F(UnifiedBusinessObjectImplTest, AnObjectThatIsNotCommittedTakesAnyThreadUn
 }
 
 TEST_F(UnifiedBusinessObjectImplTest, WithoutADispatcherEveryThreadIsWrong) {
-    TestObject orphan(nullptr);
-    EXPECT_THROW(orphan.setSomething(), UpdateAccessError);
+    TestObject withoutFactory(nullptr);
+    EXPECT_THROW(withoutFactory.setSomething(), UpdateAccessError);
 }
 
-TEST_F(UnifiedBusinessObjectImplTest, TheUnguardedOperationsAnswerOnAnyThread) {
+TEST_F(UnifiedBusinessObjectImplTest, OperationsWithoutAThreadCheckSucceedOnAnyThread) {
     factory->servicesDispatcher->disown();
     const auto observer = std::make_shared<CountingObserver>();
     object.addObserver(observer);

@@ -17,7 +17,7 @@ using testing::HasSubstr;
 using testing_host::LogRecorder;
 using testing_host::Signal;
 
-TEST_F(UnifiedFactoryImplTest, DestroyStopsWhatIsStartedThenDestroysAndLetsGo) {
+TEST_F(UnifiedFactoryImplTest, DestroyStopsThenDestroysAndReleasesAStartedFeatureSet) {
     fileFeatureSet();
     fileService();
     factory->StartFeatureSet(id, nullptr);
@@ -29,20 +29,20 @@ TEST_F(UnifiedFactoryImplTest, DestroyStopsWhatIsStartedThenDestroysAndLetsGo) {
     EXPECT_EQ(factory->getServiceByType<SystemService>(), nullptr);
 }
 
-TEST_F(UnifiedFactoryImplTest, DestroyDoesNotStopWhatIsNotStarted) {
+TEST_F(UnifiedFactoryImplTest, DestroyDoesNotStopAFeatureSetThatIsNotStarted) {
     fileFeatureSet();
     factory->Destroy();
     EXPECT_THAT(journal.get(), ElementsAre("destroy"));
 }
 
-TEST_F(UnifiedFactoryImplTest, DestroyTwiceDestroysOnce) {
+TEST_F(UnifiedFactoryImplTest, ASecondDestroyDoesNothing) {
     fileFeatureSet();
     factory->Destroy();
     factory->Destroy();
     EXPECT_THAT(journal.get(), ElementsAre("destroy"));
 }
 
-TEST_F(UnifiedFactoryImplTest, DestroyRunsWhatBothDispatchersHold) {
+TEST_F(UnifiedFactoryImplTest, DestroyRunsTheQueuedTasksOfBothDispatchers) {
     fileFeatureSet();
     const auto background = factory->getBackgroundDispatcher();
     const auto services = factory->getServicesDispatcher();
@@ -57,7 +57,7 @@ TEST_F(UnifiedFactoryImplTest, DestroyRunsWhatBothDispatchersHold) {
     EXPECT_THAT(journal.get(), ElementsAre("posted by a task", "destroy", "last write"));
 }
 
-TEST_F(UnifiedFactoryImplTest, DestroyGoesOnAfterAFeatureSetThatThrows) {
+TEST_F(UnifiedFactoryImplTest, DestroyContinuesAfterAFeatureSetThatThrows) {
     const LogRecorder log;
     fileFeatureSet();
     const auto second = std::make_shared<RecordingFeatureSet>(factory, journal);
@@ -118,7 +118,7 @@ TEST_F(UnifiedFactoryImplTest, ManyThreadsMayDestroy) {
     EXPECT_THAT(journal.get(), ElementsAre("destroy"));
 }
 
-TEST_F(UnifiedFactoryImplTest, DestroyLetsGoOfTheResetCallbacks) {
+TEST_F(UnifiedFactoryImplTest, DestroyReleasesTheResetCallbacks) {
     const auto registry = factory->getServiceByType<SystemService>()->getResetDataCallbackRegistry();
     auto callback = std::make_shared<ResetCallback>([](int) {});
     const std::weak_ptr<ResetCallback> watched = callback;
@@ -127,7 +127,7 @@ TEST_F(UnifiedFactoryImplTest, DestroyLetsGoOfTheResetCallbacks) {
     EXPECT_TRUE(watched.expired());
 }
 
-TEST_F(UnifiedFactoryImplTest, WhatIsDestroyedIsNeitherStartedAgainNorReset) {
+TEST_F(UnifiedFactoryImplTest, ADestroyedFeatureSetIsNeitherStartedNorReset) {
     fileFeatureSet();
     const auto registry = factory->getServiceByType<SystemService>()->getResetDataCallbackRegistry();
     registry->add(0, std::make_shared<ResetCallback>([this](int) { journal.add("reset"); }));
@@ -139,7 +139,7 @@ TEST_F(UnifiedFactoryImplTest, WhatIsDestroyedIsNeitherStartedAgainNorReset) {
     EXPECT_THAT(journal.get(), ElementsAre("destroy"));
 }
 
-TEST_F(UnifiedFactoryImplTest, TheDispatchersKeepAnsweringAfterTheEnd) {
+TEST_F(UnifiedFactoryImplTest, TheDispatchersRemainUsableAfterDestroy) {
     const LogRecorder log;
     factory->Destroy();
     const auto services = factory->getServicesDispatcher();

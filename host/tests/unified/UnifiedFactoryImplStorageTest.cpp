@@ -66,7 +66,7 @@ private:
 
 } // namespace
 
-TEST_F(UnifiedFactoryImplStorageTest, AFlushOfTheBackgroundRetriesFailedWrites) {
+TEST_F(UnifiedFactoryImplStorageTest, FlushingTheBackgroundDispatcherRetriesFailedWrites) {
     factory->getBackgroundDispatcher()->enqueue([&] { failToWrite(path); }, "write");
     factory->flushBackgroundDispatcher();
     EXPECT_EQ(onDisk(), "");
@@ -75,7 +75,7 @@ TEST_F(UnifiedFactoryImplStorageTest, AFlushOfTheBackgroundRetriesFailedWrites) 
     EXPECT_EQ(onDisk(), "new");
 }
 
-TEST_F(UnifiedFactoryImplStorageTest, AFlushOnADispatchersThreadRetriesToo) {
+TEST_F(UnifiedFactoryImplStorageTest, FlushingOnADispatchersThreadRetriesFailedWrites) {
     failToWrite(path);
     storage.layer->heal();
     onServicesThread([&] { factory->flushBackgroundDispatcher(); });
@@ -104,7 +104,7 @@ TEST_F(UnifiedFactoryImplStorageTest, StoppingRetriesFailedWritesBeforeAndAfter)
     EXPECT_EQ(onDisk(), "new");
 }
 
-TEST_F(UnifiedFactoryImplStorageTest, ADelayRetriesOnTheBackgroundDispatcher) {
+TEST_F(UnifiedFactoryImplStorageTest, FailedWritesAreRetriedOnTheBackgroundDispatcherAfterADelay) {
     failToWrite(path);
     storage.layer->heal();
     clock.advance(1);
@@ -114,7 +114,7 @@ TEST_F(UnifiedFactoryImplStorageTest, ADelayRetriesOnTheBackgroundDispatcher) {
     EXPECT_EQ(onDisk(), "new");
 }
 
-TEST_F(UnifiedFactoryImplStorageTest, DestroyWritesWhatTheLastTaskCouldNot) {
+TEST_F(UnifiedFactoryImplStorageTest, DestroyRetriesAFailedWriteOfTheLastTask) {
     fileFeatureSet();
     featureSet->onDestroy = [&] {
         factory->getBackgroundDispatcher()->enqueue([&] { failToWrite(path); }, "last write");
@@ -127,7 +127,7 @@ TEST_F(UnifiedFactoryImplStorageTest, DestroyWritesWhatTheLastTaskCouldNot) {
     EXPECT_EQ(onDisk(storage.configFile("other.dat")), "new");
 }
 
-TEST_F(UnifiedFactoryImplStorageTest, DestroyLogsWhatIsLostAndRetriesNoMore) {
+TEST_F(UnifiedFactoryImplStorageTest, DestroyLogsLostContentAndEndsTheRetries) {
     UnifiedFactoryOptions options;
     options.lastRetries = std::chrono::milliseconds(0);
     const auto ending = std::make_shared<UnifiedFactoryImpl>(options);
@@ -160,7 +160,7 @@ TEST_F(UnifiedFactoryImplStorageTest, AResetDropsUserDataBeforeItIsDelivered) {
     factory->invokeResetData(ResetDataOptionEnum::ResetAll);
     EXPECT_FALSE(wasThere);
     EXPECT_FALSE(std::filesystem::exists(never));
-    EXPECT_EQ(onDisk(device, DeviceData), "new") << "it outlives a reset";
+    EXPECT_EQ(onDisk(device, DeviceData), "new") << "a reset does not delete it";
 }
 
 TEST_F(UnifiedFactoryImplStorageTest, APowerDownIsDeliveredAfterTheBackgroundHasWritten) {
@@ -184,6 +184,21 @@ TEST_F(UnifiedFactoryImplStorageTest, APowerDownIsDeliveredAfterTheBackgroundHas
     announced.set();
     ASSERT_TRUE(told.wait());
     EXPECT_EQ(before, "queued");
+}
+
+TEST_F(UnifiedFactoryImplStorageTest, ChangesInMemoryEndWithTheFactory) {
+    storage.layer->heal();
+    UnifiedFactoryOptions options;
+    options.changesInMemory = true;
+    const auto reading = std::make_shared<UnifiedFactoryImpl>(options);
+    reading->Init();
+    EXPECT_TRUE(EncryptFileUtils::writeDataToFile(path, PlainText("new"), UserData));
+    EXPECT_TRUE(KyrCoreUtils::FileUtils::fileExists(path));
+    EXPECT_FALSE(std::filesystem::exists(path));
+    reading->Destroy();
+    EXPECT_FALSE(KyrCoreUtils::FileUtils::fileExists(path));
+    EXPECT_TRUE(EncryptFileUtils::writeDataToFile(path, PlainText("new"), UserData));
+    EXPECT_EQ(onDisk(), "new");
 }
 
 TEST_F(UnifiedFactoryImplStorageTest, AProfileOpenedForWritingIsCheckedBeforeThePlugInsEntry) {

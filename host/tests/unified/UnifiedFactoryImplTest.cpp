@@ -30,7 +30,7 @@ TEST_F(UnifiedFactoryImplTest, ForwardsToTheFeatureSetOnTheServicesDispatchersTh
     EXPECT_THAT(journal.get(), ElementsAre("start", "stop"));
 }
 
-TEST_F(UnifiedFactoryImplTest, ForwardsAtOnceWhenCalledOnTheServicesDispatchersThread) {
+TEST_F(UnifiedFactoryImplTest, ForwardsImmediatelyOnTheServicesDispatchersThread) {
     fileFeatureSet();
     onServicesThread([&] {
         factory->StartFeatureSet(id, nullptr);
@@ -41,7 +41,7 @@ TEST_F(UnifiedFactoryImplTest, ForwardsAtOnceWhenCalledOnTheServicesDispatchersT
     EXPECT_THAT(journal.get(), ElementsAre("start", "started", "stop", "end of task"));
 }
 
-TEST_F(UnifiedFactoryImplTest, AnUnknownFeatureSetIsNothing) {
+TEST_F(UnifiedFactoryImplTest, CallsForAnUnknownFeatureSetDoNothing) {
     factory->StartFeatureSet(5, nullptr);
     factory->StopFeatureSet(5, nullptr);
     EXPECT_FALSE(factory->IsFeatureSetStarted(5));
@@ -59,14 +59,14 @@ TEST_F(UnifiedFactoryImplTest, AnExceptionOfTheFeatureSetReachesTheCaller) {
     EXPECT_TRUE(ran);
 }
 
-TEST_F(UnifiedFactoryImplTest, TellsTheServiceOfTheSameNumberAfterAStartThatSucceeded) {
+TEST_F(UnifiedFactoryImplTest, ASuccessfulStartNotifiesTheServiceOfTheSameNumber) {
     fileFeatureSet();
     fileService();
     factory->StartFeatureSet(id, nullptr);
     EXPECT_THAT(journal.get(), ElementsAre("start", "ready"));
 }
 
-TEST_F(UnifiedFactoryImplTest, TellsNothingOfAStartThatFailedOrWasNotNeeded) {
+TEST_F(UnifiedFactoryImplTest, AFailedOrRepeatedStartDoesNotNotifyTheService) {
     fileFeatureSet();
     fileService();
     featureSet->refusesStart = true;
@@ -78,7 +78,7 @@ TEST_F(UnifiedFactoryImplTest, TellsNothingOfAStartThatFailedOrWasNotNeeded) {
     EXPECT_THAT(journal.get(), ElementsAre("start", "start", "ready", "start"));
 }
 
-TEST_F(UnifiedFactoryImplTest, WhatTheBackgroundHasToWriteIsWrittenBeforeAndAfterStartStopAndReset) {
+TEST_F(UnifiedFactoryImplTest, FlushesTheBackgroundDispatcherBeforeAndAfterStartStopAndReset) {
     fileFeatureSet();
     const auto background = factory->getBackgroundDispatcher();
     const auto write = [&](const std::string& what) { background->enqueue([this, what] { journal.add(what); }, what); };
@@ -98,7 +98,7 @@ TEST_F(UnifiedFactoryImplTest, WhatTheBackgroundHasToWriteIsWrittenBeforeAndAfte
                                            "before reset", "reset", "write of reset"));
 }
 
-TEST_F(UnifiedFactoryImplTest, AStartReturnsOnlyWhenWhatItPostedIsWritten) {
+TEST_F(UnifiedFactoryImplTest, AStartReturnsAfterItsBackgroundTasksHaveRun) {
     fileFeatureSet();
     Signal never;
     featureSet->onStart = [&] {
@@ -179,7 +179,7 @@ TEST_F(UnifiedFactoryImplTest, ASecondInitChangesNothing) {
     EXPECT_EQ(factory->getServiceByType<SystemService>(), service);
 }
 
-TEST_F(UnifiedFactoryImplTest, TasksQueuedBeforeInitAreKept) {
+TEST_F(UnifiedFactoryImplTest, TasksQueuedBeforeInitRunAfterIt) {
     const auto late = std::make_shared<UnifiedFactoryImpl>();
     Signal ran;
     late->getServicesDispatcher()->enqueue(task([&] { ran.set(); }), false);
@@ -188,7 +188,7 @@ TEST_F(UnifiedFactoryImplTest, TasksQueuedBeforeInitAreKept) {
     late->Destroy();
 }
 
-TEST_F(UnifiedFactoryImplTest, HandsOutThePersistorItWasGiven) {
+TEST_F(UnifiedFactoryImplTest, ReturnsTheDataPersistorThatWasSet) {
     EXPECT_EQ(factory->getDataPersistor(), nullptr);
     const auto given = std::make_shared<IDataPersistor>();
     factory->setDataPersistor(given);
@@ -196,7 +196,7 @@ TEST_F(UnifiedFactoryImplTest, HandsOutThePersistorItWasGiven) {
     EXPECT_EQ(factory->getResourceMonitor(), nullptr);
 }
 
-TEST(PumpedUnifiedFactory, ForwardsAtOnceOnTheThreadThatInitialisedIt) {
+TEST(PumpedUnifiedFactory, ForwardsImmediatelyOnTheThreadThatInitialisedIt) {
     Journal journal;
     const auto factory = makeFactory(UnifiedFactoryOptions::ServicesThread::Pumped);
     factory->getFeatureSets().registerItem(

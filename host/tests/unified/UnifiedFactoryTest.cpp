@@ -34,7 +34,7 @@ private:
 
 using namespace unified_factory_test;
 
-TEST(UnifiedFactory, TriesToLoadOnceForEachTypeAlsoWhenNothingCame) {
+TEST(UnifiedFactory, AttemptsToLoadOnceForEachTypeEvenIfTheLoadFails) {
     const auto factory = std::make_shared<RecordingFactory>();
     EXPECT_EQ(factory->getFeatureSetByType<Wanted>(), nullptr);
     EXPECT_EQ(factory->getFeatureSetByType<Wanted>(), nullptr);
@@ -46,7 +46,7 @@ TEST(UnifiedFactory, TriesToLoadOnceForEachTypeAlsoWhenNothingCame) {
     EXPECT_THAT(factory->triedServiceLoads, ElementsAre("unified_factory_test::WantedService"));
 }
 
-TEST(UnifiedFactory, AHitLoadsNothingAndLeavesTheLoadForLater) {
+TEST(UnifiedFactory, AHitDoesNotLoadAndALaterMissDoes) {
     const auto factory = std::make_shared<RecordingFactory>();
     factory->getFeatureSets().registerItem(1, std::make_shared<Wanted>());
     EXPECT_NE(factory->getFeatureSetByType<Wanted>(), nullptr);
@@ -56,7 +56,7 @@ TEST(UnifiedFactory, AHitLoadsNothingAndLeavesTheLoadForLater) {
     EXPECT_THAT(factory->triedFeatureSetLoads, ElementsAre("unified_factory_test::Wanted"));
 }
 
-TEST(UnifiedFactory, GivesWhatTheLoadFiled) {
+TEST(UnifiedFactory, ReturnsTheItemThatTheLoadRegistered) {
     const auto factory = std::make_shared<LoadingFactory>();
     EXPECT_EQ(factory->getFeatureSetByType<Wanted>(), factory->provided);
 }
@@ -68,7 +68,7 @@ TEST(UnifiedFactory, ALookupFromInsideTheLoadDoesNotLoadAgain) {
     EXPECT_THAT(factory->triedFeatureSetLoads, ElementsAre("unified_factory_test::Wanted"));
 }
 
-TEST(UnifiedFactory, WhatIsFiledAfterATriedLoadIsFound) {
+TEST(UnifiedFactory, FindsAnItemRegisteredAfterAFailedLoad) {
     const auto factory = std::make_shared<RecordingFactory>();
     EXPECT_EQ(factory->getFeatureSetByType<Wanted>(), nullptr);
     const auto late = std::make_shared<Wanted>();

@@ -76,10 +76,10 @@ TEST_F(WriteRetrierTest, RetriesOnTheBackgroundDispatcherWithDelaysThatDoubleUpT
     EXPECT_EQ(clock.getPendingCount(), 0U);
     storage.layer->setFreeSpace(0);
     failToWrite("newer");
-    EXPECT_TRUE(retriesAfter(1)) << "from the first delay again";
+    EXPECT_TRUE(retriesAfter(1)) << "the delay starts again at its first value";
 }
 
-TEST_F(WriteRetrierTest, FurtherFailuresWaitForTheSameTimer) {
+TEST_F(WriteRetrierTest, FurtherFailuresShareThePendingTimer) {
     failToWrite();
     clock.advance(0);
     failToWrite("newer");
@@ -89,16 +89,16 @@ TEST_F(WriteRetrierTest, FurtherFailuresWaitForTheSameTimer) {
     EXPECT_EQ(onDisk(), "newer");
 }
 
-TEST_F(WriteRetrierTest, ARetryAtAFlushWritesAtOnce) {
+TEST_F(WriteRetrierTest, RetryNowWritesImmediately) {
     failToWrite();
     storage.layer->heal();
     WriteRetrier::retryNow();
     EXPECT_EQ(onDisk(), "new");
-    EXPECT_TRUE(retriesAfter(1)) << "finds nothing";
+    EXPECT_TRUE(retriesAfter(1)) << "nothing is pending";
     EXPECT_EQ(clock.getPendingCount(), 0U);
 }
 
-TEST_F(WriteRetrierTest, TheEndRetriesUntilTheDiskTakesIt) {
+TEST_F(WriteRetrierTest, FinishRetriesUntilTheWriteSucceeds) {
     failToWrite();
     storage.layer->heal();
     const testing_host::LogRecorder log;
@@ -111,7 +111,7 @@ TEST_F(WriteRetrierTest, TheEndRetriesUntilTheDiskTakesIt) {
     EXPECT_EQ(clock.getPendingCount(), 0U);
 }
 
-TEST_F(WriteRetrierTest, TheEndLogsAndDropsWhatIsLost) {
+TEST_F(WriteRetrierTest, FinishLogsAndDropsContentItCannotWrite) {
     failToWrite();
     const testing_host::LogRecorder log;
     retrier->finish(std::chrono::milliseconds(0));
@@ -123,7 +123,7 @@ TEST_F(WriteRetrierTest, TheEndLogsAndDropsWhatIsLost) {
     EXPECT_EQ(onDisk(), "");
 }
 
-TEST_F(WriteRetrierTest, AFailureAfterTheEndStartsNoTimer) {
+TEST_F(WriteRetrierTest, AFailureAfterFinishStartsNoTimer) {
     retrier->finish(std::chrono::milliseconds(0));
     failToWrite();
     EXPECT_EQ(clock.getPendingCount(), 0U);

@@ -6,7 +6,7 @@ namespace {
 
 using zel::logging::functionName;
 
-TEST(FunctionName, CutsResultTypeAndParameters) {
+TEST(FunctionName, RemovesResultTypeAndParameters) {
     EXPECT_EQ(functionName("void ZelUnified::ConfigAdapter::addConfigStore(std::shared_ptr<ZelUnified::ConfigStore>)"),
               "ZelUnified::ConfigAdapter::addConfigStore");
     EXPECT_EQ(functionName("bool ZelUnified::InMemoryConfigStore::isLocal() const"),
@@ -26,13 +26,13 @@ TEST(FunctionName, KeepsConstructorsAndDestructors) {
               "ZelUnified::ConfigAdapter::~ConfigAdapter");
 }
 
-TEST(FunctionName, SkipsTemplateResultTypesWhateverTheyHold) {
+TEST(FunctionName, RemovesResultTypesWithTemplateArguments) {
     EXPECT_EQ(functionName("std::map<std::__cxx11::basic_string<wchar_t>, std::function<void(int)> > ns::A::all()"),
               "ns::A::all");
     EXPECT_EQ(functionName("std::vector<const char *> ns::A::names() const"), "ns::A::names");
 }
 
-TEST(FunctionName, CutsTemplateTails) {
+TEST(FunctionName, RemovesTheListOfTemplateArgumentsAtTheEnd) {
     EXPECT_EQ(functionName("void ns::A::put(T) [with T = int]"), "ns::A::put");
     EXPECT_EQ(functionName("void ns::A::put(T) [T = int]"), "ns::A::put");
     EXPECT_EQ(functionName("std::string ns::f(const T&) [with T = std::function<void()>; std::string = x]"), "ns::f");
@@ -43,7 +43,7 @@ TEST(FunctionName, KeepsArgumentsOfTheEnclosingClass) {
     EXPECT_EQ(functionName("void ns::Map<T>::add(T) [with T = int]"), "ns::Map<T>::add");
 }
 
-TEST(FunctionName, NamesTheFunctionThatHoldsALambda) {
+TEST(FunctionName, ReturnsTheFunctionThatContainsALambda) {
     EXPECT_EQ(functionName("ns::A::run(int)::<lambda(bool)>"), "ns::A::run");
     EXPECT_EQ(functionName("ns::A::run(int) const::<lambda(auto:1)> mutable [with auto:1 = int]"), "ns::A::run");
     EXPECT_EQ(functionName("auto ns::A::run(int)::(anonymous class)::operator()(bool) const"), "ns::A::run");
@@ -51,7 +51,7 @@ TEST(FunctionName, NamesTheFunctionThatHoldsALambda) {
     EXPECT_EQ(functionName("auto __cdecl ns::A::run::<lambda_1>::operator ()(bool) const"), "ns::A::run");
 }
 
-TEST(FunctionName, PassesOverUnnamedNamespaces) {
+TEST(FunctionName, KeepsUnnamedNamespaces) {
     EXPECT_EQ(functionName("void ns::(anonymous namespace)::helper(int)"), "ns::(anonymous namespace)::helper");
     EXPECT_EQ(functionName("bool (anonymous namespace)::helper()"), "(anonymous namespace)::helper");
     EXPECT_EQ(functionName("void ns::{anonymous}::helper(int)"), "ns::{anonymous}::helper");
@@ -69,13 +69,13 @@ TEST(FunctionName, KeepsTheNamesOfOperators) {
     EXPECT_EQ(functionName("void ns::operators(int)"), "ns::operators");
 }
 
-TEST(FunctionName, SurvivesParenthesesInResultTypes) {
+TEST(FunctionName, RemovesResultTypesThatContainParentheses) {
     EXPECT_EQ(functionName("decltype(auto) ns::A::get()"), "ns::A::get");
     EXPECT_EQ(functionName("void (* ns::A::handler())(int)"), "ns::A::handler");
     EXPECT_EQ(functionName("int (&ns::A::table())[3]"), "ns::A::table");
 }
 
-TEST(FunctionName, KeepsABareName) {
+TEST(FunctionName, LeavesABareNameUnchanged) {
     EXPECT_EQ(functionName("main"), "main");
     EXPECT_EQ(functionName(""), "");
 }
@@ -90,30 +90,30 @@ Place placeOf(const char* file, int line, std::string_view function) {
     return {file, line, std::string(function)};
 }
 
-class Speaker {
+class Logging {
 public:
-    Place speak() const { return placeOf(ZEL_HERE); }
-    Place speakFromLambda() const {
+    Place logPlace() const { return placeOf(ZEL_HERE); }
+    Place logPlaceFromLambda() const {
         return [] { return placeOf(ZEL_HERE); }();
     }
     template <class T>
-    static Place speakAs(T) {
+    static Place logPlaceAs(T) {
         return placeOf(ZEL_HERE);
     }
 };
 
-TEST(FunctionName, GivesThisCompilersPlaceOfAMember) {
-    const Place place = Speaker().speak();
-    EXPECT_TRUE(place.function.ends_with("::Speaker::speak")) << place.function;
+TEST(FunctionName, ThePlaceOfAMemberHasItsFunctionFileAndLine) {
+    const Place place = Logging().logPlace();
+    EXPECT_TRUE(place.function.ends_with("::Logging::logPlace")) << place.function;
     EXPECT_TRUE(std::string(place.file).ends_with("FunctionNameTest.cpp"));
     EXPECT_GT(place.line, 0);
 }
 
-TEST(FunctionName, GivesThisCompilersPlaceOfLambdasAndTemplates) {
-    const std::string lambda = Speaker().speakFromLambda().function;
-    EXPECT_TRUE(lambda.ends_with("::Speaker::speakFromLambda")) << lambda;
-    const std::string instance = Speaker::speakAs(std::string()).function;
-    EXPECT_TRUE(instance.ends_with("::Speaker::speakAs")) << instance;
+TEST(FunctionName, ThePlaceOfALambdaOrATemplateHasItsFunction) {
+    const std::string lambda = Logging().logPlaceFromLambda().function;
+    EXPECT_TRUE(lambda.ends_with("::Logging::logPlaceFromLambda")) << lambda;
+    const std::string instance = Logging::logPlaceAs(std::string()).function;
+    EXPECT_TRUE(instance.ends_with("::Logging::logPlaceAs")) << instance;
 }
 
 } // namespace

@@ -16,7 +16,7 @@ struct Case {
 void expectMasked(const std::vector<Case>& cases) {
     for (const auto& [text, masked] : cases) {
         EXPECT_EQ(ZelLogger_replacePIIData(text), masked) << "from: " << text;
-        EXPECT_EQ(ZelLogger_replacePIIData(masked), masked) << "again, from: " << text;
+        EXPECT_EQ(ZelLogger_replacePIIData(masked), masked) << "not idempotent for: " << text;
         EXPECT_TRUE(text == masked || ZelLogger_mayHoldPIIData(KyrCoreUtils::toWideString(text))) << text;
     }
 }
@@ -45,7 +45,7 @@ TEST(PersonalDataMask, IsNotNeededForHostsNumbersAndPaths) {
     }
 }
 
-TEST(PersonalDataMask, IsNeededWhereverALongTextNamesSomebody) {
+TEST(PersonalDataMask, IsNeededForPersonalDataAtAnyPositionOfALongText) {
     for (const std::size_t place : {0U, 60U, 63U, 64U, 65U, 127U, 128U, 1000U}) {
         const std::wstring before(place, L'x');
         EXPECT_TRUE(ZelLogger_mayHoldPIIData(before + L"john@example.com")) << place;
@@ -56,7 +56,7 @@ TEST(PersonalDataMask, IsNeededWhereverALongTextNamesSomebody) {
     EXPECT_FALSE(ZelLogger_mayHoldPIIData(L"\u0140\u4E40")) << "the low bytes are those of an at sign";
 }
 
-TEST(PersonalDataMask, LeavesAtSignsThatNameNobody) {
+TEST(PersonalDataMask, LeavesAtSignsWithoutAnAddressUnchanged) {
     for (const std::string text : {"@example.com", "john@", "5 @ 3", "a @b", "@", "@@", "<@h"}) {
         EXPECT_EQ(ZelLogger_replacePIIData(text), text);
     }
@@ -137,14 +137,14 @@ TEST(PersonalDataMask, HidesTheUsersFolderInHomePaths) {
     });
 }
 
-TEST(PersonalDataMask, LeavesOtherPaths) {
+TEST(PersonalDataMask, LeavesOtherPathsUnchanged) {
     for (const std::string text : {"/homes/john", "/home/", "/home", "C:\\Users\\", "/etc/home", "home/john",
                                    "https://example.com/home/settings", "https://example.com/api/Users/list"}) {
         EXPECT_EQ(ZelLogger_replacePIIData(text), text);
     }
 }
 
-TEST(PersonalDataMask, LeavesHostsAddressesNumbersAndBooleans) {
+TEST(PersonalDataMask, LeavesHostsAddressesNumbersAndBooleansUnchanged) {
     for (const std::string text :
          {"", "true", "false", "30000", "-1", "1234567890123", "example.com", "proxy-1.example.com:5061",
           "192.168.1.20", "2001:db8::1", "[fe80::1]:5060", "https://10.0.0.1:8443/x?y=1#z", "VALUE_HIDDEN", "key:value",
@@ -153,7 +153,7 @@ TEST(PersonalDataMask, LeavesHostsAddressesNumbersAndBooleans) {
     }
 }
 
-TEST(PersonalDataMask, TellsNoLength) {
+TEST(PersonalDataMask, DoesNotRevealTheLengthOfTheMaskedText) {
     std::string longName(500, 'a');
     longName.append("@h");
     EXPECT_EQ(ZelLogger_replacePIIData("a@h"), ZelLogger_replacePIIData(longName));
@@ -186,7 +186,7 @@ TEST(PersonalDataMask, IsIdempotentOnAnyMixtureOfItsTriggers) {
     }
 }
 
-TEST(PersonalDataMask, TakesTimeThatGrowsWithTheTextOnly) {
+TEST(PersonalDataMask, TakesLinearTime) {
     // Each text takes milliseconds; a quadratic scan that starts again at each trigger would take minutes.
     const std::vector<std::string> parts = {"sip:",          "sips:a.b:", "+1234567-", "+12345678a", "a@",   "/home/",
                                             "\\Users\\ ",    "://",       "tel:-",     "<user",      "\\",   "a+",
@@ -202,7 +202,7 @@ TEST(PersonalDataMask, TakesTimeThatGrowsWithTheTextOnly) {
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(30));
 }
 
-TEST(PersonalDataMask, IsNeededWhereverInATextItBegins) {
+TEST(PersonalDataMask, IsNeededForEveryKindOfPersonalDataAtAnyPosition) {
     for (const std::wstring told : {L"sip:john@example.com", L"john@example.com", L"tel:5", L" +4989123456",
                                     L"https://a:b@example.com/", L"/home/john/x", L"C:\\Users\\john\\x"}) {
         for (std::size_t before = 0; before < 200; ++before) {

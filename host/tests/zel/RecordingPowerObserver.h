@@ -16,7 +16,7 @@ class RecordingPowerObserver final : public ZelSystemMonitor::PowerEventObserver
 public:
     using Type = ZelSystemMonitor::PowerEventTypeEnum::PowerEventType;
 
-    explicit RecordingPowerObserver(std::function<void(Type)> whileTold = {}) : work(std::move(whileTold)) {}
+    explicit RecordingPowerObserver(std::function<void(Type)> whenCalled = {}) : work(std::move(whenCalled)) {}
 
     void onPowerEvent(Type type) override {
         if (work) {

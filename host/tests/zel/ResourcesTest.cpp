@@ -22,7 +22,7 @@ TEST(Resources, AreFoundByTypeAndName) {
     EXPECT_EQ(Resources::find("TEXT", "B"), "second");
 }
 
-TEST(Resources, OtherTypesNamesAndLettersFindNothing) {
+TEST(Resources, AnotherTypeNameOrCaseFindsNothing) {
     const CarriedResources library(first);
     EXPECT_EQ(Resources::find("TEXT", "B"), std::nullopt);
     EXPECT_EQ(Resources::find("SOUND", "A"), std::nullopt);
@@ -30,7 +30,7 @@ TEST(Resources, OtherTypesNamesAndLettersFindNothing) {
     EXPECT_EQ(Resources::find("", ""), std::nullopt);
 }
 
-TEST(Resources, GoWithTheirLibrary) {
+TEST(Resources, AreRemovedWhenTheirLibraryIsUnloaded) {
     std::optional<CarriedResources> library(std::in_place, first);
     const CarriedResources otherLibrary(second);
     library.reset();

@@ -18,13 +18,13 @@ public:
 
 } // namespace
 
-TEST(SystemMonitorFactory, GivesTheSameMonitorEachTime) {
+TEST(SystemMonitorFactory, ReturnsTheSameMonitorEachTime) {
     const auto monitor = SystemMonitorFactory::getInstance();
     ASSERT_TRUE(monitor);
     EXPECT_EQ(SystemMonitorFactory::getInstance(), monitor);
 }
 
-TEST(SystemMonitorFactory, AnotherMonitorStandsInUntilItIsTakenBack) {
+TEST(SystemMonitorFactory, AnOverrideReplacesTheMonitorUntilItIsReset) {
     const auto machines = SystemMonitorFactory::getInstance();
     const auto other = std::make_shared<OtherMonitor>();
     SystemMonitorFactory::overrideInstance(other);

@@ -57,7 +57,7 @@ protected:
 
 } // namespace
 
-TEST_F(SystemMonitorImplTest, ListensFromTheFirstObserverOn) {
+TEST_F(SystemMonitorImplTest, OpensItsSourceForTheFirstObserver) {
     EXPECT_EQ(openSources, 0);
     const auto first = addObserver();
     EXPECT_EQ(openSources, 1);
@@ -67,14 +67,14 @@ TEST_F(SystemMonitorImplTest, ListensFromTheFirstObserverOn) {
     EXPECT_EQ(openSources, 0);
 }
 
-TEST_F(SystemMonitorImplTest, AnObserverThatIsAddedTwiceIsToldOnce) {
+TEST_F(SystemMonitorImplTest, AnObserverThatIsAddedTwiceIsCalledOnce) {
     const auto observer = addObserver();
     monitor->addPowerEventObserver(observer);
     announce(PowerEventTypeEnum::Suspend);
     EXPECT_THAT(observer->getTypes(), ElementsAre(1));
 }
 
-TEST_F(SystemMonitorImplTest, TellsTheLivingInOrderOfArrival) {
+TEST_F(SystemMonitorImplTest, CallsLiveObserversInTheOrderTheyWereAdded) {
     std::vector<char> told;
     const auto first = addObserver([&](auto) { told.push_back('a'); });
     const auto removed = addObserver([&](auto) { told.push_back('b'); });
@@ -86,7 +86,7 @@ TEST_F(SystemMonitorImplTest, TellsTheLivingInOrderOfArrival) {
     EXPECT_THAT(told, ElementsAre('a', 'd'));
 }
 
-TEST_F(SystemMonitorImplTest, AnObserverMayChangeTheListWhileItIsTold) {
+TEST_F(SystemMonitorImplTest, AnObserverMayAddAndRemoveObserversWhileItIsCalled) {
     std::shared_ptr<RecordingPowerObserver> late;
     std::shared_ptr<RecordingPowerObserver> first;
     first = addObserver([&](auto) {
@@ -99,7 +99,7 @@ TEST_F(SystemMonitorImplTest, AnObserverMayChangeTheListWhileItIsTold) {
     EXPECT_THAT(late->getTypes(), ElementsAre(2));
 }
 
-TEST_F(SystemMonitorImplTest, AnObserverThatThrowsIsLoggedAndTheNextOneTold) {
+TEST_F(SystemMonitorImplTest, AnObserverThatThrowsIsLoggedAndTheNextOneIsCalled) {
     const LogRecorder log;
     const auto failing = addObserver([](auto) { throw std::runtime_error("no space left"); });
     const auto odd = addObserver([](auto) { throw 7; });
@@ -110,7 +110,7 @@ TEST_F(SystemMonitorImplTest, AnObserverThatThrowsIsLoggedAndTheNextOneTold) {
                 ElementsAre("A power event observer failed: no space left", "A power event observer failed."));
 }
 
-TEST_F(SystemMonitorImplTest, TheMachineIsHeldUntilTheLastObserverHasReturned) {
+TEST_F(SystemMonitorImplTest, TheMachineIsInhibitedUntilTheLastObserverReturns) {
     std::weak_ptr<const void> hold;
     bool held = false;
     const auto first = addObserver();
@@ -122,7 +122,7 @@ TEST_F(SystemMonitorImplTest, TheMachineIsHeldUntilTheLastObserverHasReturned) {
     EXPECT_TRUE(hold.expired());
 }
 
-TEST_F(SystemMonitorImplTest, ADispatcherTellsAndHoldsTheMachineUntilItHas) {
+TEST_F(SystemMonitorImplTest, ADispatcherCallsTheObserversAndInhibitsTheMachineMeanwhile) {
     const auto dispatcher = std::make_shared<HeldServicesDispatcher>();
     monitor->attach(dispatcher);
     bool held = false;
@@ -138,7 +138,7 @@ TEST_F(SystemMonitorImplTest, ADispatcherTellsAndHoldsTheMachineUntilItHas) {
     EXPECT_TRUE(hold.expired());
 }
 
-TEST_F(SystemMonitorImplTest, APowerDownIsPreparedOnTheDispatcherBeforeObserversAreTold) {
+TEST_F(SystemMonitorImplTest, APowerDownIsPreparedOnTheDispatcherBeforeObserversAreCalled) {
     const auto dispatcher = std::make_shared<HeldServicesDispatcher>();
     std::vector<std::string> order;
     monitor->attach(dispatcher, [&] { order.push_back("prepared"); });
@@ -150,7 +150,7 @@ TEST_F(SystemMonitorImplTest, APowerDownIsPreparedOnTheDispatcherBeforeObservers
     EXPECT_THAT(order, ElementsAre("told 1", "prepared", "told 3"));
 }
 
-TEST_F(SystemMonitorImplTest, AFailedPreparationKeepsNoObserverFromBeingTold) {
+TEST_F(SystemMonitorImplTest, ObserversAreCalledAfterAFailedPreparation) {
     const LogRecorder log;
     const auto dispatcher = std::make_shared<HeldServicesDispatcher>();
     monitor->attach(dispatcher, [] { throw std::runtime_error("no"); });
@@ -161,7 +161,7 @@ TEST_F(SystemMonitorImplTest, AFailedPreparationKeepsNoObserverFromBeingTold) {
     EXPECT_THAT(log.getTexts(ZelLogLevel::Error), ElementsAre("Preparing the power-down failed: no"));
 }
 
-TEST_F(SystemMonitorImplTest, ADispatcherThatHasEndedDoesNotHoldTheMachine) {
+TEST_F(SystemMonitorImplTest, AnEndedDispatcherDoesNotInhibitTheMachine) {
     using ZelUnified::Processing::SerialQueue;
     const auto dispatcher =
         std::make_shared<ZelUnified::Processing::ServicesDispatcherImpl>(SerialQueue::Mode::OwnThread);
@@ -173,7 +173,7 @@ TEST_F(SystemMonitorImplTest, ADispatcherThatHasEndedDoesNotHoldTheMachine) {
     EXPECT_THAT(observer->getTypes(), IsEmpty());
 }
 
-TEST_F(SystemMonitorImplTest, OfSeveralDispatchersTheLastOneTells) {
+TEST_F(SystemMonitorImplTest, TheLastAttachedDispatcherCallsTheObservers) {
     const auto first = std::make_shared<HeldServicesDispatcher>();
     const auto second = std::make_shared<HeldServicesDispatcher>();
     monitor->attach(first);
@@ -188,7 +188,7 @@ TEST_F(SystemMonitorImplTest, OfSeveralDispatchersTheLastOneTells) {
     EXPECT_THAT(first->getTaskNames(), testing::SizeIs(1));
 }
 
-TEST_F(SystemMonitorImplTest, StopsListeningWithTheLastDispatcher) {
+TEST_F(SystemMonitorImplTest, DetachingTheLastDispatcherClosesTheSource) {
     auto forgotten = std::make_shared<HeldServicesDispatcher>();
     const auto dispatcher = std::make_shared<HeldServicesDispatcher>();
     monitor->attach(forgotten);
@@ -199,7 +199,7 @@ TEST_F(SystemMonitorImplTest, StopsListeningWithTheLastDispatcher) {
     EXPECT_EQ(openSources, 0);
 }
 
-TEST_F(SystemMonitorImplTest, ListensAgainForAnObserverThatStayed) {
+TEST_F(SystemMonitorImplTest, AttachingADispatcherOpensTheSourceForRemainingObservers) {
     const auto dispatcher = std::make_shared<HeldServicesDispatcher>();
     monitor->attach(dispatcher);
     auto observer = addObserver();
@@ -212,7 +212,7 @@ TEST_F(SystemMonitorImplTest, ListensAgainForAnObserverThatStayed) {
     EXPECT_EQ(openSources, 0);
 }
 
-TEST_F(SystemMonitorImplTest, WithoutASourceNothingIsToldAndNothingFails) {
+TEST_F(SystemMonitorImplTest, WithoutASourceNoObserverIsCalledAndNothingFails) {
     const auto silent = std::make_shared<SystemMonitorImpl>([](const PowerEventReceiver&) { return nullptr; });
     const auto observer = std::make_shared<RecordingPowerObserver>();
     silent->addPowerEventObserver(observer);

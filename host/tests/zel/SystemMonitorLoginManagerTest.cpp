@@ -25,8 +25,8 @@ namespace {
 /// A monitor connected to a private bus.
 class SystemMonitorLoginManager : public testing::Test {
 protected:
-    void listen(std::function<void(RecordingPowerObserver::Type)> whileTold = {}) {
-        observer = std::make_shared<RecordingPowerObserver>(std::move(whileTold));
+    void listen(std::function<void(RecordingPowerObserver::Type)> whenCalled = {}) {
+        observer = std::make_shared<RecordingPowerObserver>(std::move(whenCalled));
         monitor->addPowerEventObserver(observer);
     }
 
@@ -62,7 +62,7 @@ private:
 
 } // namespace
 
-TEST_F(SystemMonitorLoginManager, TellsEachAnnouncementWithItsType) {
+TEST_F(SystemMonitorLoginManager, ReportsEachAnnouncementWithItsType) {
     LoginManagerMock manager;
     listen();
     ASSERT_TRUE(manager.waitForInhibitors(1));
@@ -104,7 +104,7 @@ TEST_F(SystemMonitorLoginManager, AfterACancelledShutdownTheNextOneWaitsAgain) {
     EXPECT_THAT(observer->waitForTypes(4), ElementsAre(3, 0, 3, 0));
 }
 
-TEST_F(SystemMonitorLoginManager, HearsALoginManagerThatComesLate) {
+TEST_F(SystemMonitorLoginManager, ConnectsToALoginManagerThatStartsLater) {
     listen();
     LoginManagerMock manager;
     ASSERT_TRUE(manager.waitForInhibitors(1));
@@ -112,7 +112,7 @@ TEST_F(SystemMonitorLoginManager, HearsALoginManagerThatComesLate) {
     EXPECT_THAT(observer->waitForTypes(1), ElementsAre(3));
 }
 
-TEST_F(SystemMonitorLoginManager, HearsALoginManagerThatTakesThePlaceOfAnother) {
+TEST_F(SystemMonitorLoginManager, ConnectsToALoginManagerThatReplacesAnother) {
     std::optional<LoginManagerMock> manager;
     manager.emplace();
     listen();
@@ -124,7 +124,7 @@ TEST_F(SystemMonitorLoginManager, HearsALoginManagerThatTakesThePlaceOfAnother) 
     EXPECT_THAT(observer->waitForTypes(1), ElementsAre(1));
 }
 
-TEST_F(SystemMonitorLoginManager, DoesNotBelieveAStranger) {
+TEST_F(SystemMonitorLoginManager, IgnoresAnnouncementsOfOtherSenders) {
     LoginManagerMock manager;
     listen();
     ASSERT_TRUE(manager.waitForInhibitors(1));
@@ -135,7 +135,7 @@ TEST_F(SystemMonitorLoginManager, DoesNotBelieveAStranger) {
     EXPECT_THAT(manager.getInhibitors(), ElementsAre("shutdown delay"));
 }
 
-TEST_F(SystemMonitorLoginManager, TheEndOfTheMonitorFreesTheMachine) {
+TEST_F(SystemMonitorLoginManager, DestroyingTheMonitorReleasesTheInhibitor) {
     LoginManagerMock manager;
     listen();
     ASSERT_TRUE(manager.waitForInhibitors(1));
@@ -143,7 +143,7 @@ TEST_F(SystemMonitorLoginManager, TheEndOfTheMonitorFreesTheMachine) {
     EXPECT_TRUE(manager.waitForInhibitors(0));
 }
 
-TEST_F(SystemMonitorLoginManager, AnObserverMayEndTheMonitor) {
+TEST_F(SystemMonitorLoginManager, AnObserverMayDestroyTheMonitor) {
     LoginManagerMock manager;
     Signal listens;
     listen([&](auto) {
@@ -157,7 +157,7 @@ TEST_F(SystemMonitorLoginManager, AnObserverMayEndTheMonitor) {
     EXPECT_TRUE(manager.waitForInhibitors(0));
 }
 
-TEST_F(SystemMonitorLoginManager, ToldOnTheServicesThreadWhileAFactoryRuns) {
+TEST_F(SystemMonitorLoginManager, ObserversAreCalledOnTheServicesThreadWhileAFactoryRuns) {
     LoginManagerMock manager;
     const auto factory = std::make_shared<ZelUnified::UnifiedFactoryImpl>();
     factory->Init();
@@ -185,7 +185,7 @@ TEST_F(SystemMonitorLoginManager, AnObserverMayDestroyTheFactoryAtAPowerDown) {
     EXPECT_TRUE(manager.waitForInhibitors(0));
 }
 
-TEST_F(SystemMonitorLoginManager, TheEndOfTheBusIsToldInTheLog) {
+TEST_F(SystemMonitorLoginManager, LogsTheEndOfTheBus) {
     SilenceLog log;
     {
         LoginManagerMock manager;
@@ -196,7 +196,7 @@ TEST_F(SystemMonitorLoginManager, TheEndOfTheBusIsToldInTheLog) {
     EXPECT_TRUE(log.wait());
 }
 
-TEST(SystemMonitorWithoutBus, NothingIsToldAndNothingFails) {
+TEST(SystemMonitorWithoutBus, LogsALineAndCallsNoObserver) {
     SilenceLog log;
     setenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nowhere/bus", 1);
     const auto monitor = std::make_shared<SystemMonitorImpl>();

@@ -21,7 +21,7 @@ public:
     /// Returns the record of the key, looked up under its new name first, or null if there is none. Unlike
     /// ConfigService::getConfig() it changes nothing.
     virtual std::shared_ptr<ConfigValue> findRecord(const std::wstring& key) = 0;
-    /// Returns up to `count` records in key order, beginning behind `key`; an empty key begins with the first record.
+    /// Returns up to `count` records in key order, beginning after `key`; an empty key begins with the first record.
     /// Fewer than `count` records mean that there are no more.
     virtual std::vector<std::shared_ptr<ConfigValue>> getRecordsBehind(const std::wstring& key, std::size_t count) = 0;
     /// Calls the observer for each change of any record until it is removed. The service holds a weak reference.

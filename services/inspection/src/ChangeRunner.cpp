@@ -2,6 +2,7 @@
 
 #include "StorableText.h"
 #include "StoreRemoval.h"
+#include "ValueLoad.h"
 
 #include <ConfigCatalogue.h>
 
@@ -12,22 +13,17 @@
 namespace inspection {
 
 using KyrCoreUtils::caseInsensitiveStringEquals;
-using KyrCoreUtils::toString;
 using Code = RequestError::Code;
 namespace ConfigKeys = ZelUnified::ConfigKeys;
 
 namespace {
 
-std::string spell(const std::wstring& key) {
-    return toString(ConfigKeys::spellKey(key));
-}
-
-/// Refuses a value that the kind of the key excludes. Never quotes the value, which may be a secret.
-void requirePermitted(const InspectionRequest& request) {
-    const auto* const row = ConfigKeys::findKey(request.key);
-    if (row != nullptr && !ConfigKeys::permits(*row, request.value)) {
-        throw RequestError(Code::Refused, "the value of the key '" + spell(request.key) + "' must be " +
-                                              ConfigKeys::describePermittedValues(*row) + "; --force sets it anyway");
+/// Refuses keys and values that cannot be stored or that the kind of the key excludes, unless the request forces them.
+void requireAcceptable(const InspectionRequest& request) {
+    if (!request.force) {
+        requireStorableKey(request.key);
+        requireStorableValue(request.value);
+        requirePermitted(request.key, request.value);
     }
 }
 
@@ -45,7 +41,8 @@ ChangeRunner::Step ChangeRunner::findStep(const std::string& verb) {
                                                    {"provision", &ChangeRunner::provision},
                                                    {"reset-provisioning", &ChangeRunner::resetProvisioning},
                                                    {"remove-store", &ChangeRunner::removeStore},
-                                                   {"refresh", &ChangeRunner::refresh}};
+                                                   {"refresh", &ChangeRunner::refresh},
+                                                   {"load", &ChangeRunner::load}};
     const auto found = steps.find(verb);
     return found == steps.end() ? nullptr : found->second;
 }
@@ -60,12 +57,7 @@ bool ChangeRunner::run(const JobPointer& job) {
 }
 
 void ChangeRunner::set(const JobPointer& job) {
-    const auto& request = job->request;
-    if (!request.force) {
-        requireStorableKey(request.key);
-        requireStorableValue(request.value);
-        requirePermitted(request);
-    }
+    requireAcceptable(job->request);
     onServices(job, [this, job] {
         const auto& [key, value] = std::tie(job->request.key, job->request.value);
         auto file = expectUsersFile(spell(key) + " is set for this run only, because it is not on the disk");
@@ -80,6 +72,7 @@ void ChangeRunner::set(const JobPointer& job) {
 }
 
 void ChangeRunner::setInMemory(const JobPointer& job) {
+    requireAcceptable(job->request);
     onServices(job, [this, job] {
         const auto& key = job->request.key;
         if (key.empty() || !inspector->getFeatureSet().setInMemoryConfig(key, job->request.value)) {
@@ -171,6 +164,30 @@ void ChangeRunner::refresh(const JobPointer& job) {
         self->onServices(job, [self, job] {
             self->inspector->getFeatureSet().refreshConfigFeatureSet();
             job->reportDone("the stores that are not local have read their sources again");
+        });
+    });
+}
+
+/// Sets all values in one task, because other tasks must not find a part of them.
+void ChangeRunner::load(const JobPointer& job) {
+    const auto values = std::make_shared<ValueLoad>(job->request);
+    runStep(tasks, job, [self = shared_from_this(), job, values] {
+        values->count(*self->inspector);
+        if (values->isDryRun()) {
+            job->reply(values->describe());
+            return;
+        }
+        self->requireChangesAllowed();
+        auto file = self->expectUsersFile("the values are set for this run only, because they are not on the disk");
+        file.mustBeNew = !values->changesNothing();
+        values->set(*self->inspector);
+        self->tasks.runInBackground(job->nameTask(), [job, values, file] {
+            job->guard([&] {
+                if (!values->isEmpty()) {
+                    requireWritten(file);
+                }
+                job->reply(values->describe());
+            });
         });
     });
 }

@@ -40,6 +40,7 @@ private:
     void resetProvisioning(const JobPointer& job);
     void removeStore(const JobPointer& job);
     void refresh(const JobPointer& job);
+    void load(const JobPointer& job);
 
     /// Runs `change` on the services dispatcher's thread, unless changes are refused.
     void onServices(const JobPointer& job, std::function<void()> change);

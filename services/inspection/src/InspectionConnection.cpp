@@ -20,7 +20,8 @@ InspectionConnection::InspectionConnection(Socket peerSocket, std::shared_ptr<as
       runner(std::move(requestRunner)),
       feed(std::move(changeFeed)),
       ended(std::move(endedCallback)),
-      deadline(*socketContext) {}
+      deadline(*socketContext),
+      staged(limits.stagedBytes) {}
 
 void InspectionConnection::start() {
     enter(Phase::InRequest);
@@ -114,6 +115,8 @@ void InspectionConnection::handle(const std::string& line) {
         watch(request);
     } else if (request.verb == "unwatch") {
         unwatch(request);
+    } else if (request.verb == "load") {
+        load(request);
     } else {
         runner->run(request, process, makeAnswer());
     }
@@ -136,6 +139,21 @@ void InspectionConnection::unwatch(const InspectionRequest& request) {
     }
     clearPatterns();
     reply(makeReply(request.id, {{"type", "done"}, {"command", request.verb}, {"message", "watching no longer"}}));
+}
+
+void InspectionConnection::load(InspectionRequest& request) {
+    try {
+        staged.add(request);
+    } catch (const RequestError& error) {
+        reply(makeFailure(request, error.getCode(), error.what()));
+        return;
+    }
+    if (request.more) {
+        reply(makeReply(request.id, {{"type", "done"}, {"command", request.verb}, {"message", "more values follow"}}));
+        return;
+    }
+    request.values = staged.take();
+    runner->run(request, process, makeAnswer());
 }
 
 RequestRunner::Answer InspectionConnection::makeAnswer() {

@@ -3,6 +3,7 @@
 #include "ChangeFeed.h"
 #include "InspectionLimits.h"
 #include "RequestRunner.h"
+#include "StagedValues.h"
 #include "Watcher.h"
 
 #include <array>
@@ -51,6 +52,8 @@ private:
     void handle(const std::string& line);
     void watch(const InspectionRequest& request);
     void unwatch(const InspectionRequest& request);
+    /// Keeps the values of a `load` until the last request, which carries out the load.
+    void load(InspectionRequest& request);
     void skipOversizedLine();
 
     /// Returns a function that sends a reply from any thread; it holds the connection weakly.
@@ -77,6 +80,7 @@ private:
     std::string received;     ///< Bytes of requests that were not handled yet.
     std::size_t searched = 0; ///< Bytes of `received` without a line feed.
     bool skipsLine = false;   ///< The rest of an oversized line is ignored.
+    StagedValues staged;
     bool isWatching = false;
     bool isWriting = false;
     bool hasServed = false;

@@ -9,6 +9,8 @@ namespace inspection {
 struct InspectionLimits {
     std::size_t requestBytes = std::size_t{1024} * 1024;
     std::size_t connections = 256;
+    /// The values of one `load`, which may take several requests.
+    std::size_t stagedBytes = std::size_t{64} * 1024 * 1024;
     /// A watcher that does not read misses changes beyond these.
     std::size_t queuedEvents = 1000;
     std::size_t queuedBytes = std::size_t{4} * 1024 * 1024;

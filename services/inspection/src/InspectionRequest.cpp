@@ -57,6 +57,27 @@ void readField(const Json& object, const char* name, std::vector<std::wstring>& 
     }
 }
 
+void readField(const Json& object, const char* name, std::vector<InspectionRequest::Value>& field) {
+    const auto found = object.find(name);
+    if (found == object.end()) {
+        return;
+    }
+    const auto isText = [](const Json& element, const char* part) {
+        const auto text = element.find(part);
+        return text != element.end() && text->is_string();
+    };
+    if (!found->is_array()) {
+        refuseField(name, "a list of keys with values");
+    }
+    for (const auto& element : *found) {
+        if (!element.is_object() || !isText(element, "key") || !isText(element, "value")) {
+            refuseField(name, "a list of keys with values");
+        }
+        field.push_back({KyrCoreUtils::toWideString(element["key"].get<std::string>()),
+                         KyrCoreUtils::toWideString(element["value"].get<std::string>())});
+    }
+}
+
 /// The id is repeated in the reply, so it must be short.
 Json readId(const Json& object) {
     const auto found = object.find("id");
@@ -94,6 +115,10 @@ void InspectionRequest::parse(std::string_view line) {
     readField(object, "force", force);
     readField(object, "sensitive", sensitive);
     readField(object, "showSecrets", showSecrets);
+    readField(object, "source", source);
+    readField(object, "values", values);
+    readField(object, "more", more);
+    readField(object, "dryRun", dryRun);
 }
 
 Json makeReply(const Json& id, Json answer) {

@@ -11,6 +11,12 @@ namespace inspection {
 
 /// One request. Fields that the verb does not use are ignored.
 struct InspectionRequest {
+    /// One value to set.
+    struct Value {
+        std::wstring key;
+        std::wstring value;
+    };
+
     Json id; ///< Null if the request has none.
     std::string verb;
     std::wstring key;
@@ -25,6 +31,10 @@ struct InspectionRequest {
     bool force = false;
     bool sensitive = false;
     bool showSecrets = false;
+    std::string source;        ///< For dump: the values to read.
+    std::vector<Value> values; ///< For load.
+    bool more = false;         ///< For load: more values follow in another request.
+    bool dryRun = false;
 
     /// Parses a line and sets `id` and `verb` as far as it gets, so that a failure can name them. Throws RequestError
     /// (Usage) if the line is not a JSON object or a field has the wrong type.

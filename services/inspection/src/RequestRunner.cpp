@@ -1,12 +1,13 @@
 #include "RequestRunner.h"
 
 #include "ChainReport.h"
-#include "KeyPattern.h"
 #include "KeyReport.h"
-#include "LoggedLine.h"
+#include "SettingsReport.h"
 #include "StorageReport.h"
 
 #include <kyr/FileUtils.h>
+#include <kyr/StringUtils.h>
+#include <zel/LogLineCatcher.h>
 #include <zel/ZelLog.h>
 
 #include <ConfigCatalogue.h>
@@ -18,7 +19,9 @@
 namespace inspection {
 
 using KyrCoreUtils::caseInsensitiveStringEquals;
+using KyrCoreUtils::matchesWildcards;
 using KyrCoreUtils::toString;
+using zel::logging::LogLineCatcher;
 using Code = RequestError::Code;
 
 namespace {
@@ -33,7 +36,7 @@ bool beginsWith(std::wstring_view text, std::wstring_view prefix) {
 }
 
 bool isNamed(const InspectionRequest& request, const std::wstring& key) {
-    return beginsWith(key, request.prefix) && (request.pattern.empty() || matchesPattern(key, request.pattern));
+    return beginsWith(key, request.prefix) && (request.pattern.empty() || matchesWildcards(key, request.pattern));
 }
 
 } // namespace
@@ -51,7 +54,7 @@ RequestRunner::Step RequestRunner::findStep(const std::string& verb) {
         {"describe", &RequestRunner::describe}, {"list", &RequestRunner::list},
         {"keys", &RequestRunner::listKeys},     {"stores", &RequestRunner::listStores},
         {"report", &RequestRunner::report},     {"log", &RequestRunner::log},
-        {"health", &RequestRunner::health}};
+        {"health", &RequestRunner::health},     {"dump", &RequestRunner::dump}};
     const auto found = steps.find(verb);
     if (found == steps.end()) {
         throw RequestError(Code::Usage, "unknown verb");
@@ -237,7 +240,7 @@ void RequestRunner::report(const JobPointer& job) {
 
 void RequestRunner::log(const JobPointer& job) {
     onServices(job, [this, job] {
-        const LoggedLine line("ConfigService-ConfigServiceImpl");
+        const LogLineCatcher line("ConfigService-ConfigServiceImpl", LogLineCatcher::Threads::Calling);
         inspector->getService().logConfig();
         job->reply({{"type", "log"}, {"text", line.getText()}});
     });
@@ -246,6 +249,21 @@ void RequestRunner::log(const JobPointer& job) {
 void RequestRunner::health(const JobPointer& job) {
     // The files are read on the background thread, since that takes long.
     tasks.runInBackground(job->nameTask(), [job] { job->guard([&] { job->reply(reportStorage()); }); });
+}
+
+void RequestRunner::dump(const JobPointer& job) {
+    onServices(job, [this, job] {
+        const auto all = std::make_shared<SettingsReport>(inspector, job->request);
+        tasks.runSlices(job->nameTask(), [job, all] {
+            bool more = false;
+            return job->guard([&] {
+                more = all->proceed();
+                if (!more) {
+                    job->reply(all->take());
+                }
+            }) && more;
+        });
+    });
 }
 
 void RequestRunner::onServices(const JobPointer& job, std::function<void()> work) const {

@@ -45,6 +45,7 @@ private:
     void report(const JobPointer& job);
     void log(const JobPointer& job);
     void health(const JobPointer& job);
+    void dump(const JobPointer& job);
 
     /// Runs `work` on the services dispatcher's thread.
     void onServices(const JobPointer& job, std::function<void()> work) const;

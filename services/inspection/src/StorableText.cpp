@@ -4,6 +4,8 @@
 
 #include <kyr/StringUtils.h>
 
+#include <ConfigCatalogue.h>
+
 #include <algorithm>
 
 namespace inspection {
@@ -41,6 +43,19 @@ void requireStorableValue(const std::wstring& value) {
         throw RequestError(RequestError::Code::Refused, "the value contains a character that XML cannot represent: it "
                                                         "would be stored as U+FFFD; --force sets it all the same");
     }
+}
+
+void requirePermitted(const std::wstring& key, const std::wstring& value) {
+    const auto* const row = ZelUnified::ConfigKeys::findKey(key);
+    if (row != nullptr && !ZelUnified::ConfigKeys::permits(*row, value)) {
+        throw RequestError(RequestError::Code::Refused, "the value of the key '" + spell(key) + "' must be " +
+                                                            ZelUnified::ConfigKeys::describePermittedValues(*row) +
+                                                            "; --force sets it anyway");
+    }
+}
+
+std::string spell(const std::wstring& key) {
+    return KyrCoreUtils::toString(ZelUnified::ConfigKeys::spellKey(key));
 }
 
 } // namespace inspection

@@ -21,28 +21,10 @@ namespace ConfigKeys = ZelUnified::ConfigKeys;
 
 namespace {
 
-std::string describe(ReadResult state) {
-    switch (state) {
-    case ReadResult::Ok:
-        return "good";
-    case ReadResult::Absent:
-        return "absent";
-    case ReadResult::Unreadable:
-        return "unreadable";
-    case ReadResult::WrongKey:
-        return "encrypted with another key";
-    case ReadResult::Damaged:
-        return "damaged";
-    case ReadResult::Empty:
-        return "empty";
-    }
-    return "unknown";
-}
-
 /// Returns what is not on the disk, or "". Only the client knows that.
 std::string describeWrites(const ProtectedFileHealth& file) {
     std::string text;
-    if (file.lastWrite && !file.lastWrite->succeeded) {
+    if (file.hasFailedWrite()) {
         text = "the last write failed: " + file.lastWrite->cause;
     }
     if (file.pending) {
@@ -62,7 +44,7 @@ Json makeItem(const std::string& area, const std::string& path, const std::strin
 Json makeItem(const ProtectedFileHealth& file) {
     const auto writes = describeWrites(file);
     auto item = makeItem("file", file.path, describe(file.state) + (writes.empty() ? "" : ", " + writes),
-                         !isUsable(file) || !writes.empty());
+                         file.needsAttention());
     item["writes"] = writes;
     return item;
 }
@@ -76,7 +58,7 @@ const ProtectedFileHealth* find(const StorageHealth& health, std::string_view na
 
 std::string explainMissingWrite(const StorageHealth& health, const std::string& name) {
     const auto* const file = find(health, name);
-    if (file != nullptr && file->lastWrite && !file->lastWrite->succeeded) {
+    if (file != nullptr && file->hasFailedWrite()) {
         return name + ": " + file->lastWrite->cause + (file->pending ? "; the client tries again until it ends" : "");
     }
     const auto* const backup = find(health, ConfigKeys::localConfigBackupFile);

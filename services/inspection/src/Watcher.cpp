@@ -1,10 +1,12 @@
 #include "Watcher.h"
 
-#include "KeyPattern.h"
+#include <kyr/StringUtils.h>
 
 #include <algorithm>
 
 namespace inspection {
+
+using KyrCoreUtils::matchesWildcards;
 
 void Watcher::addPatterns(const std::vector<std::wstring>& added) {
     watchesAll = watchesAll || added.empty();
@@ -19,7 +21,7 @@ void Watcher::clearPatterns() {
 bool Watcher::isInterestedIn(const std::vector<std::wstring>& names) const {
     return watchesAll || std::ranges::any_of(patterns, [&](const std::wstring& pattern) {
                return std::ranges::any_of(names,
-                                          [&](const std::wstring& name) { return matchesPattern(name, pattern); });
+                                          [&](const std::wstring& name) { return matchesWildcards(name, pattern); });
            });
 }
 

@@ -26,7 +26,7 @@ TEST(InspectionConnections, SocketAndFolderBelongToTheUserOnly) {
     EXPECT_EQ(modeOf(std::filesystem::path(host.socketPath()).parent_path()), perms::owner_all);
 }
 
-TEST(InspectionConnections, TheSocketIsRemovedAndConnectionsEndWithTheServer) {
+TEST(InspectionConnections, EndingTheServerRemovesTheSocketAndClosesConnections) {
     TestHost host;
     Peer idle(host);
     Peer watching(host);
@@ -38,7 +38,7 @@ TEST(InspectionConnections, TheSocketIsRemovedAndConnectionsEndWithTheServer) {
     host.set(L"Theme", L"dark"); // the observer is removed, or its task would use the destroyed server
 }
 
-TEST(InspectionConnections, AnOversizedRequestIsRefusedAndDisturbsNobody) {
+TEST(InspectionConnections, AnOversizedRequestIsRefusedAndDoesNotAffectOthers) {
     TestHost host;
     Peer greedy(host);
     Peer other(host);
@@ -48,7 +48,7 @@ TEST(InspectionConnections, AnOversizedRequestIsRefusedAndDisturbsNobody) {
     EXPECT_EQ(reply["exitCode"], 2);
     EXPECT_THAT(reply["message"].get<std::string>(), HasSubstr("longer than 1048576 bytes"));
     EXPECT_EQ(other.ask({{"verb", "hello"}})["type"], "hello");
-    EXPECT_EQ(greedy.ask({{"id", 2}, {"verb", "hello"}})["id"], 2) << "the rest of the long line is skipped";
+    EXPECT_EQ(greedy.ask({{"id", 2}, {"verb", "hello"}})["id"], 2) << "the rest of the long line is ignored";
 }
 
 TEST(InspectionConnections, ARequestOfManyTimesTheLimitIsRefusedOnce) {
@@ -98,7 +98,7 @@ TEST(InspectionConnections, APeerThatDoesNotReadItsReplyIsDropped) {
     EXPECT_TRUE(slow.isCutOff());
 }
 
-TEST(InspectionConnections, ThereIsALimitOfConnections) {
+TEST(InspectionConnections, ConnectionsBeyondTheLimitAreRefused) {
     inspection::InspectionLimits limits;
     limits.connections = 2;
     TestHost host(limits);
@@ -114,7 +114,7 @@ TEST(InspectionConnections, ThereIsALimitOfConnections) {
     EXPECT_EQ(fourth.ask({{"verb", "hello"}})["type"], "hello");
 }
 
-TEST(InspectionConnections, TenThousandConnectionsLeaveNothingBehind) {
+TEST(InspectionConnections, TenThousandConnectionsLeakNothing) {
     constexpr int connections = 10000;
     TestHost host;
     Peer lasting(host);
@@ -184,7 +184,7 @@ TEST(InspectionConnections, AProcessOfAnotherUserIsRefusedEvenIfItReachesTheSock
     EXPECT_TRUE(log.mentions("of another user"));
 }
 
-TEST(InspectionConnections, APeerThatVanishesDisturbsNobody) {
+TEST(InspectionConnections, APeerThatDisconnectsDoesNotAffectOthers) {
     TestHost host;
     for (int i = 0; i < 50; ++i) {
         Peer vanishing(host);
@@ -194,7 +194,7 @@ TEST(InspectionConnections, APeerThatVanishesDisturbsNobody) {
     EXPECT_EQ(peer.ask({{"verb", "hello"}})["type"], "hello");
 }
 
-TEST(InspectionConnections, ADeadSocketIsReplacedAndALivingOneIsNot) {
+TEST(InspectionConnections, AnUnusedSocketIsReplacedAndOneInUseIsNot) {
     const testing_host::TemporaryProfile profile;
     const auto path = (profile.root() / "run" / "s.sock").string();
     {
@@ -209,7 +209,7 @@ TEST(InspectionConnections, ADeadSocketIsReplacedAndALivingOneIsNot) {
     EXPECT_EQ(next.getError(), 0);
 }
 
-TEST(InspectionConnections, AFileThatIsNoSocketIsNeverReplaced) {
+TEST(InspectionConnections, AFileThatIsNotASocketIsNotReplaced) {
     const testing_host::TemporaryProfile profile;
     const auto path = profile.root() / "run" / "s.sock";
     testing_host::writeFile(path, "kept");

@@ -80,7 +80,7 @@ TEST_F(InspectionRequests, ExplainListsEveryStoreInChainOrderAndMarksTheWinner) 
     EXPECT_THAT(winners, ElementsAre("LocalFileConfigStore"));
 }
 
-TEST_F(InspectionRequests, ExplainNamesTheOldAndTheNewName) {
+TEST_F(InspectionRequests, ExplainReturnsTheOldAndTheNewName) {
     auto reply = peer.ask({{"verb", "explain"}, {"key", "tftpserver1"}});
     EXPECT_EQ(reply["newName"], "TFTPPrimaryServer");
     EXPECT_EQ(reply["oldName"], "TftpServer1");
@@ -189,7 +189,7 @@ TEST_F(InspectionRequests, HealthNamesTheUsersFile) {
     EXPECT_THAT(reply["items"].dump(), HasSubstr("lumoraLocalConfig.dat"));
 }
 
-TEST_F(InspectionRequests, SetIsOnTheDiskWhenItIsAnswered) {
+TEST_F(InspectionRequests, SetIsOnTheDiskBeforeTheReply) {
     auto reply = peer.ask({{"verb", "set"}, {"key", "Theme"}, {"value", "dark"}});
     EXPECT_EQ(reply["type"], "done");
     EXPECT_EQ(reply["message"], "Theme set; in force: \"dark\" from LocalFileConfigStore");
@@ -213,7 +213,7 @@ TEST_F(InspectionRequests, ResetRemovesTheUsersLastValue) {
     EXPECT_EQ(peer.ask({{"verb", "reset"}, {"key", "Theme"}})["exitCode"], 1);
 }
 
-TEST_F(InspectionRequests, ProvisioningIsTakenOnceUntilItIsReset) {
+TEST_F(InspectionRequests, ProvisioningSucceedsOnceUntilItIsReset) {
     const Json provision{{"verb", "provision"}, {"url", "lumora://provision?ServicesDomain=example.org"}};
     EXPECT_EQ(peer.ask(provision)["type"], "done");
     EXPECT_EQ(peer.ask(provision)["exitCode"], 1);
@@ -221,7 +221,7 @@ TEST_F(InspectionRequests, ProvisioningIsTakenOnceUntilItIsReset) {
     EXPECT_EQ(peer.ask(provision)["type"], "done");
 }
 
-TEST_F(InspectionRequests, AStoreIsRemovedOnce) {
+TEST_F(InspectionRequests, RemovingAStoreTwiceFails) {
     peer.ask({{"verb", "provision"}, {"url", "lumora://provision?ServicesDomain=example.org"}});
     const Json removal{{"verb", "remove-store"}, {"store", "UrlProvisioningConfigStore"}};
     EXPECT_EQ(peer.ask(removal)["type"], "done");
@@ -255,7 +255,7 @@ TEST_F(InspectionRequests, TheUserCannotAllowWhatTheAdministratorDisables) {
     EXPECT_EQ(peer.ask({{"verb", "set"}, {"key", "Theme"}, {"value", "dark"}})["exitCode"], 1);
 }
 
-TEST_F(InspectionRequests, SecretsAreMaskedUnlessARequestAsksForThemAndIsLogged) {
+TEST_F(InspectionRequests, SecretsAreMaskedUnlessRequestedAndTheRequestIsLogged) {
     host.set(L"Secret", L"hunter2");
     host.onServices([&] { host.service().setKeySensitive(L"Secret"); });
     for (const auto* verb : {"get", "explain", "explanations", "describe", "list", "report", "log", "health"}) {
@@ -268,7 +268,7 @@ TEST_F(InspectionRequests, SecretsAreMaskedUnlessARequestAsksForThemAndIsLogged)
     EXPECT_FALSE(log.mentions("hunter2"));
 }
 
-TEST_F(InspectionRequests, BadRequestsAreAnsweredAndTheConnectionGoesOn) {
+TEST_F(InspectionRequests, MalformedRequestsAreAnsweredAndTheConnectionStaysOpen) {
     for (const auto* line :
          {"", "no JSON", "[]", "7", "{\"verb\":\"get\"", "{}", "{\"verb\":7}", "{\"verb\":\"dance\"}",
           "{\"verb\":\"get\",\"key\":1}", "{\"verb\":\"watch\",\"keys\":[1]}", "{\"id\":{},\"verb\":\"get\"}",

@@ -40,13 +40,13 @@ TEST_F(InspectionWatch, OnlyTheWatchedKeysAreReported) {
     EXPECT_EQ(peer.receive()["key"], "volume");
 }
 
-TEST_F(InspectionWatch, AKeyIsWatchedUnderItsOldNameToo) {
+TEST_F(InspectionWatch, AKeyCanBeWatchedByItsOldName) {
     ASSERT_EQ(peer.ask({{"verb", "watch"}, {"keys", {"tftpserver1"}}})["type"], "done");
     host.set(L"TFTPPrimaryServer", L"a.example");
     EXPECT_EQ(peer.receive()["key"], "TFTPPrimaryServer");
 }
 
-TEST_F(InspectionWatch, AKeyThatNobodyKnewIsReportedAndWatchingCreatesNoRecord) {
+TEST_F(InspectionWatch, WatchingAnUnknownKeyReportsItsChangesAndCreatesNoRecord) {
     const auto before = host.countRecords();
     ASSERT_EQ(peer.ask({{"verb", "watch"}, {"keys", {"Unknown"}}})["type"], "done");
     EXPECT_EQ(host.countRecords(), before);
@@ -54,7 +54,7 @@ TEST_F(InspectionWatch, AKeyThatNobodyKnewIsReportedAndWatchingCreatesNoRecord) 
     EXPECT_EQ(peer.receive()["new"], "1");
 }
 
-TEST_F(InspectionWatch, EndsWithUnwatch) {
+TEST_F(InspectionWatch, UnwatchEndsTheReports) {
     ASSERT_EQ(peer.ask({{"verb", "watch"}})["type"], "done");
     ASSERT_EQ(peer.ask({{"verb", "unwatch"}})["type"], "done");
     host.set(L"Theme", L"dark");
@@ -81,7 +81,7 @@ TEST_F(InspectionWatch, AWatcherMayChangeTheConfigurationItself) {
     EXPECT_THAT(kinds, UnorderedElementsAre("notification", "notification", "notification", "done"));
 }
 
-TEST(InspectionWatchers, OneEventTellsAWatcherThatDoesNotReadHowMuchItMissed) {
+TEST(InspectionWatchers, ASlowWatcherGetsOneEventWithTheNumberOfMissedChanges) {
     constexpr std::size_t changes = 20000;
     inspection::InspectionLimits limits;
     limits.queuedEvents = 10;
@@ -102,7 +102,7 @@ TEST(InspectionWatchers, OneEventTellsAWatcherThatDoesNotReadHowMuchItMissed) {
     while (received < changes) {
         auto event = slow.receive();
         const bool isGap = event["type"] == "lost";
-        EXPECT_FALSE(isGap && behindGap) << "one event for each gap";
+        EXPECT_FALSE(isGap && behindGap) << "one event for each series of missed changes";
         gaps += isGap ? 1 : 0;
         received += isGap ? event["count"].get<std::size_t>() : 1;
         behindGap = isGap;
@@ -110,10 +110,10 @@ TEST(InspectionWatchers, OneEventTellsAWatcherThatDoesNotReadHowMuchItMissed) {
     EXPECT_EQ(received, changes);
     EXPECT_GE(gaps, 1U);
     host.onServices([&] { setKey(L"end"); });
-    EXPECT_EQ(slow.receive()["new"], "end") << "it receives what comes later";
+    EXPECT_EQ(slow.receive()["new"], "end") << "it receives later events";
 }
 
-TEST(InspectionWatchers, AWatcherThatReadsMissesNothingWhileOthersDisappear) {
+TEST(InspectionWatchers, AReadingWatcherMissesNoChangeWhileOthersDisconnect) {
     constexpr int changes = 300;
     TestHost host;
     Peer peer(host);

@@ -3,7 +3,7 @@
 
 _lumora_config() {
   local -a words=() answer=()
-  local word current=${COMP_WORDS[COMP_CWORD]} shared index
+  local word current=${COMP_WORDS[COMP_CWORD]} shared index lead
   # bash splits words at colons: FILE:NAME:PRIORITY.
   for word in "${COMP_WORDS[@]:1:COMP_CWORD}"; do
     if [ ${#words[@]} -gt 0 ] && [[ $word == :* || ${words[-1]} == *: ]]; then
@@ -16,15 +16,19 @@ _lumora_config() {
   mapfile -t answer < <("${COMP_WORDS[0]/#\~\//$HOME/}" complete -- "${words[@]/#\~\//$HOME/}" 2>/dev/null)
   COMPREPLY=()
   [ "$current" != = ] || current=''
+  # The part of the word before a path, unless bash has split the word there.
+  lead=${answer[0]:-}
+  case $lead in *$'\t'*) lead=${lead#*$'\t'} ;; *) lead='' ;; esac
+  [[ $current == "$lead"* ]] || lead=''
   case ${answer[0]:-} in
-    :files)
+    :files*)
       compopt -o filenames 2>/dev/null
-      mapfile -t COMPREPLY < <(compgen -f -- "$current")
+      mapfile -t COMPREPLY < <(compgen -P "$lead" -f -- "${current#"$lead"}")
       return
       ;;
-    :directories)
+    :directories*)
       compopt -o filenames 2>/dev/null
-      mapfile -t COMPREPLY < <(compgen -d -- "$current")
+      mapfile -t COMPREPLY < <(compgen -P "$lead" -d -- "${current#"$lead"}")
       return
       ;;
   esac

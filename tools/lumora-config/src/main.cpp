@@ -4,23 +4,25 @@
 #include "commands/DiffCommand.h"
 #include "commands/KeyCommands.h"
 #include "commands/Session.h"
-#include "commands/SessionTarget.h"
 #include "commands/SettingsReader.h"
-#include "commands/Shell.h"
 #include "disk/Doctor.h"
 #include "host/ConfigHost.h"
 #include "host/HostFolders.h"
 #include "live/ChangeWatch.h"
 #include "live/LiveCommands.h"
+#include "live/LiveSettings.h"
 #include "live/LiveTarget.h"
 #include "output/JsonPrinter.h"
 #include "output/LogLinePrinter.h"
 #include "output/Output.h"
 #include "output/TextPrinter.h"
+#include "shell/SessionTarget.h"
+#include "shell/Shell.h"
 
 #include <kyr/EndSignals.h>
 #include <kyr/StandardStreams.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <functional>
 #include <memory>
@@ -81,13 +83,37 @@ void examineProfile(const CommandLine& line, Printer& printer) {
     showHealth(Doctor(Doctor::Lock::NotHeld).examine(), printer);
 }
 
+/// A store with a copy changes the profile whatever the command does.
+ProfileUse getProfileUse(const CommandLine& line) {
+    const bool changes = changesProfile(line.command) || std::ranges::any_of(line.stores, &StoreSpec::cached);
+    return changes ? ProfileUse::Change : ProfileUse::Read;
+}
+
+/// The files of a profile do not contain all values of a running client. A command that changes the profile finds its
+/// lock held instead.
+void refuseBesideClient(const CommandLine& line) {
+    if (line.offline) {
+        return;
+    }
+    KyrCoreUtils::FileUtils::overrideDirectories(line.directories);
+    if (const InspectionClient client; client.isConnected()) {
+        throw Failure(ExitCode::Environment, "The profile " + KyrCoreUtils::FileUtils::getConfigDirectory() +
+                                                 " is in use by process " + std::to_string(client.getProcess()) +
+                                                 "; --offline reads its files");
+    }
+}
+
 /// Opens the profile of the command line and adds its stores. Returns the code of `use`, or that of a store that could
 /// not be added.
 ExitCode withSession(const CommandLine& line, Printer& printer, const std::function<ExitCode(Session&)>& use) {
     if (!line.trusted) {
         requireTrusted(line.namedDirectories);
     }
-    ConfigHost host(line.directories, line.pluginDirectory, line.verbose, line.plugins);
+    const auto profileUse = getProfileUse(line);
+    if (profileUse == ProfileUse::Read) {
+        refuseBesideClient(line);
+    }
+    ConfigHost host(line.directories, line.pluginDirectory, line.verbose, profileUse, line.plugins);
     showHealthNotice(host.getConfigDirectory(), printer);
     Session session(host, printer, line.showSecrets);
     host.start();
@@ -100,6 +126,22 @@ ExitCode withSession(const CommandLine& line, Printer& printer, const std::funct
     return code == ExitCode::Done ? storesCode : code;
 }
 
+/// Returns true if a running client may answer for the profile. Stores and plug-ins of the command line belong to a
+/// host of their own.
+bool mayAskClient(const CommandLine& line) {
+    return !line.offline && line.stores.empty() && line.bootstraps.empty() && line.plugins.empty();
+}
+
+/// Asks the client that uses the profile, if there is one. Returns nothing if there is none.
+std::optional<SettingsDump> readLive(const CommandLine& line, const std::string& source) {
+    KyrCoreUtils::FileUtils::overrideDirectories(line.directories);
+    InspectionClient client;
+    if (!client.isConnected()) {
+        return std::nullopt;
+    }
+    return LiveSettings(client).read(source, true);
+}
+
 SettingsDump readProfile(const CommandLine& line, Printer& printer, const std::string& folder,
                          const std::string& source) {
     auto opened = line;
@@ -109,6 +151,14 @@ SettingsDump readProfile(const CommandLine& line, Printer& printer, const std::s
         if (!line.pluginDirectory.empty()) {
             opened.namedDirectories.push_back(line.pluginDirectory);
         }
+    }
+    if (mayAskClient(opened)) {
+        if (auto live = readLive(opened, source)) {
+            return std::move(*live);
+        }
+    }
+    if (line.live) {
+        throw Failure(ExitCode::Environment, "no running client can carry out '" + line.command.name + "'");
     }
     SettingsDump dump;
     const auto code = withSession(opened, printer, [&](Session& session) {
@@ -154,11 +204,9 @@ ExitCode watch(const CommandLine& line, Outputs& outputs) {
 }
 
 /// Runs the command on the client that uses the profile. Returns nothing if there is none, or none that can be asked.
-/// Stores and plug-ins of the command line belong to a host of their own.
 std::optional<ExitCode> runLive(const CommandLine& line, Printer& printer) {
     const bool isShell = line.command.name == "shell";
-    if (line.offline || !line.stores.empty() || !line.bootstraps.empty() || !line.plugins.empty() ||
-        (!isShell && !LiveCommands::canRun(line.command))) {
+    if (!mayAskClient(line) || (!isShell && !LiveCommands::canRun(line.command))) {
         return std::nullopt;
     }
     KyrCoreUtils::FileUtils::overrideDirectories(line.directories);

@@ -1,7 +1,6 @@
 #include "DurableFile.h"
 
 #include "FileHandle.h"
-#include "Leftovers.h"
 #include "PathParts.h"
 #include "kyr/HexDigits.h"
 
@@ -9,10 +8,17 @@
 
 #include <array>
 #include <cerrno>
+#include <chrono>
+#include <filesystem>
+#include <system_error>
 
 namespace zel::storage {
 
 namespace {
+
+constexpr std::string_view temporarySuffix = ".tmp";
+constexpr std::chrono::minutes longAgo{10};
+constexpr std::size_t randomDigits = 16;
 
 int writeAll(FileLayer& layer, FileLayer::Handle handle, std::string_view bytes) {
     while (!bytes.empty()) {
@@ -38,6 +44,33 @@ int fill(FileLayer& layer, FileLayer::Handle opened, std::string_view bytes) {
         return error;
     }
     return handle.close();
+}
+
+bool isTemporaryOf(std::string_view candidate, const std::string& name) {
+    const std::string start = "." + name + ".";
+    return candidate.size() == start.size() + randomDigits + temporarySuffix.size() && candidate.starts_with(start) &&
+           candidate.ends_with(temporarySuffix);
+}
+
+/// Removes temporary files that killed writers of `path` left behind. It recognizes them by their name and age: a
+/// living writer finishes within seconds.
+void removeLeftovers(FileLayer& layer, const std::string& path) {
+    const PathParts parts = splitPath(path);
+    const std::filesystem::path directory(parts.directory.empty() ? "." : parts.directory);
+    const auto now = std::filesystem::file_time_type::clock::now();
+    std::error_code failed;
+    for (std::filesystem::directory_iterator entry(directory, failed), end; !failed && entry != end;
+         entry.increment(failed)) {
+        const std::string name = entry->path().filename().string();
+        if (!isTemporaryOf(name, parts.name)) {
+            continue;
+        }
+        std::error_code ignored;
+        const auto written = std::filesystem::last_write_time(entry->path(), ignored);
+        if (!ignored && now - written > longAgo) {
+            layer.unlink(parts.prefix + name);
+        }
+    }
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "EncryptFileUtilsLogger.h"
 #include "FileKeyProvider.h"
+#include "InMemoryFileLayer.h"
 #include "MovedFiles.h"
 #include "PathParts.h"
 #include "PendingWrites.h"
@@ -42,15 +43,21 @@ MovedFiles& movedFiles() {
 /// The layer and the key provider of one call, kept alive during the call.
 class Environment {
 public:
-    Environment() {
+    /// The files as this process sees them, or those on the disk. They differ while a host keeps its changes in memory.
+    enum class View { Process, Disk };
+
+    explicit Environment(View view = View::Process) {
         Overrides& current = overrides();
         {
             const KyrCoreUtils::LockGuard lock(current.mutex);
             layer = current.layer;
             provider = current.provider;
         }
+        if (auto inMemory = InMemoryFileLayer::getActive(); inMemory && view == View::Process) {
+            layer = std::move(inMemory);
+        }
         if (!layer) {
-            layer = std::shared_ptr<FileLayer>(std::shared_ptr<void>(), &FileLayer::platform());
+            layer = std::shared_ptr<FileLayer>(std::shared_ptr<void>(), &FileLayer::disk());
         }
         if (!provider) {
             provider = std::make_shared<FileKeyProvider>(*layer, KyrCoreUtils::FileUtils::getUserLocalAppDir());
@@ -119,7 +126,7 @@ bool EncryptFileUtils::readDataFromFile(const std::string& path, ProtectedText& 
 ReadResult EncryptFileUtils::readData(const std::string& path, ProtectedText& content,
                                       FileCategoryType::FileCategory category) {
     return guarded(path, ReadResult::Unreadable, [&] {
-        if (const auto kept = PendingWrites::ofProcess().find(ProtectedFiles::physicalPath(path))) {
+        if (const auto kept = PendingWrites::instance().find(ProtectedFiles::physicalPath(path))) {
             return readKept(*kept, content, category);
         }
         return Environment().files().read(path, content, category);
@@ -128,33 +135,34 @@ ReadResult EncryptFileUtils::readData(const std::string& path, ProtectedText& co
 
 ReadResult EncryptFileUtils::readFromDisk(const std::string& path, ProtectedText& content,
                                           FileCategoryType::FileCategory category) {
-    return guarded(path, ReadResult::Unreadable, [&] { return Environment().files().read(path, content, category); });
+    return guarded(path, ReadResult::Unreadable,
+                   [&] { return Environment(Environment::View::Disk).files().read(path, content, category); });
 }
 
 bool EncryptFileUtils::writeDataToFile(const std::string& path, const ProtectedText& content,
                                        FileCategoryType::FileCategory category) {
     return guarded(path, false, [&] {
         return !content.isEmpty() &&
-               PendingWrites::ofProcess().write(ProtectedFiles::physicalPath(path), content, category, writeToDisk);
+               PendingWrites::instance().write(ProtectedFiles::physicalPath(path), content, category, writeToDisk);
     });
 }
 
 bool EncryptFileUtils::retryPendingWrites() {
-    return guarded("pending writes", false, [] { return PendingWrites::ofProcess().retry(writeToDisk); });
+    return guarded("pending writes", false, [] { return PendingWrites::instance().retry(writeToDisk); });
 }
 
 StorageHealth EncryptFileUtils::health(const std::string& configDirectory) {
     return guarded(configDirectory, StorageHealth(), [&] {
-        Environment environment;
+        Environment environment(Environment::View::Disk);
         ProtectedFiles files = environment.files();
-        return StorageHealth{ProtectedFileTree(files, configDirectory).examine(PendingWrites::ofProcess()),
+        return StorageHealth{ProtectedFileTree(files, configDirectory).examine(PendingWrites::instance()),
                              movedFiles().list(configDirectory)};
     });
 }
 
 std::vector<KeptFile> EncryptFileUtils::listMovedAside(const std::string& directory) {
     return guarded(directory, std::vector<KeptFile>(), [&] {
-        Environment environment;
+        Environment environment(Environment::View::Disk);
         ProtectedFiles files = environment.files();
         return ProtectedFileTree(files, directory).listMovedAside();
     });
@@ -172,10 +180,10 @@ std::vector<MovedFile> EncryptFileUtils::moveAsideUnusable(const std::string& co
 WriteOutcome EncryptFileUtils::restoreMovedAside(const std::string& keptAs) {
     const auto now = std::chrono::system_clock::now();
     return guarded(keptAs, WriteOutcome{false, "unexpected failure", now}, [&] {
-        const auto dropped = PendingWrites::ofProcess().take(Quarantine::parse(keptAs).original);
+        const auto dropped = PendingWrites::instance().extract(Quarantine::parse(keptAs).original);
         const std::string cause = Environment().files().restore(keptAs);
         if (!cause.empty()) {
-            PendingWrites::ofProcess().putBack(dropped);
+            PendingWrites::instance().putBack(dropped);
         }
         return WriteOutcome{cause.empty(), cause, now};
     });
@@ -186,7 +194,7 @@ void EncryptFileUtils::overrideFileLayer(std::shared_ptr<FileLayer> layer) {
         const KyrCoreUtils::LockGuard lock(overrides().mutex);
         overrides().layer.swap(layer);
     }
-    PendingWrites::ofProcess().clear();
+    PendingWrites::instance().clear();
     movedFiles().clear();
 }
 

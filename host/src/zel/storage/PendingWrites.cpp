@@ -15,7 +15,8 @@ namespace {
 ZelLogger& logger = encryptFileUtilsLogger();
 
 /// Copies the content. Returns nullopt if it cannot be protected or an allocation fails.
-std::optional<PendingWrites::Kept> keep(const ProtectedText& content, PendingWrites::FileCategory category) noexcept {
+std::optional<PendingWrites::Kept> copyContent(const ProtectedText& content,
+                                               PendingWrites::FileCategory category) noexcept {
     try {
         auto copy = content.copy();
         if (!copy || copy->isEmpty()) {
@@ -35,7 +36,7 @@ public:
         std::string path; ///< The spelling of the last writer.
         std::optional<WriteOutcome> lastWrite;
         std::optional<Kept> kept;
-        std::uint64_t writes = 0; ///< Shows whether the path was written after take().
+        std::uint64_t writes = 0; ///< Shows whether the path was written after extract().
     };
 
     State& getState(const PendingWrites& owner) LUMORA_REQUIRES(owner.mutex) {
@@ -56,7 +57,7 @@ private:
 PendingWrites::PendingWrites() = default;
 PendingWrites::~PendingWrites() = default;
 
-PendingWrites& PendingWrites::ofProcess() {
+PendingWrites& PendingWrites::instance() {
     static PendingWrites writes;
     return writes;
 }
@@ -72,7 +73,7 @@ bool PendingWrites::write(const std::string& path, const ProtectedText& content,
             succeed(*entry);
             return true;
         }
-        auto copy = keep(content, category);
+        auto copy = copyContent(content, category);
         const bool isCopied = copy.has_value();
         isKept = fail(*entry, cause, std::move(copy));
         ZelLog(logger, ZelLogLevel::Error, ZEL_HERE,
@@ -133,34 +134,34 @@ std::optional<PendingWrites::Kept> PendingWrites::find(const std::string& path) 
 }
 
 bool PendingWrites::drop(const std::string& path) {
-    return take(path).kept.has_value();
+    return extract(path).kept.has_value();
 }
 
-PendingWrites::Taken PendingWrites::take(const std::string& path) {
-    Taken taken;
-    taken.entry = findEntry(path);
-    if (taken.entry) {
-        const KyrCoreUtils::LockGuard turn(taken.entry->turn);
-        taken.kept = getKept(*taken.entry);
-        setKept(*taken.entry, std::nullopt);
+PendingWrites::Extracted PendingWrites::extract(const std::string& path) {
+    Extracted extracted;
+    extracted.entry = findEntry(path);
+    if (extracted.entry) {
+        const KyrCoreUtils::LockGuard turn(extracted.entry->turn);
+        extracted.kept = getKept(*extracted.entry);
+        setKept(*extracted.entry, std::nullopt);
         const KyrCoreUtils::LockGuard lock(mutex);
-        taken.writes = taken.entry->getState(*this).writes;
+        extracted.writes = extracted.entry->getState(*this).writes;
     }
-    return taken;
+    return extracted;
 }
 
-void PendingWrites::putBack(const Taken& taken) {
-    if (!taken.kept) {
+void PendingWrites::putBack(const Extracted& extracted) {
+    if (!extracted.kept) {
         return;
     }
-    const KyrCoreUtils::LockGuard turn(taken.entry->turn);
+    const KyrCoreUtils::LockGuard turn(extracted.entry->turn);
     {
         const KyrCoreUtils::LockGuard lock(mutex);
-        if (taken.entry->getState(*this).writes != taken.writes) {
+        if (extracted.entry->getState(*this).writes != extracted.writes) {
             return;
         }
     }
-    setKept(*taken.entry, taken.kept);
+    setKept(*extracted.entry, extracted.kept);
 }
 
 void PendingWrites::drop(FileCategory category) {

@@ -38,8 +38,8 @@ public:
         std::optional<WriteOutcome> lastWrite;
         bool pending;
     };
-    /// Content that was removed by take() and may be put back.
-    class Taken;
+    /// Content that was removed by extract() and may be put back.
+    class Extracted;
 
     PendingWrites();
     ~PendingWrites();
@@ -47,7 +47,7 @@ public:
     PendingWrites& operator=(const PendingWrites&) = delete;
 
     /// Returns the instance that EncryptFileUtils, FileUtils, the factory and the profile lock share.
-    static PendingWrites& ofProcess();
+    static PendingWrites& instance();
 
     /// Attempts the write. Returns true on success. On failure logs path and cause and keeps a copy of `content`, which
     /// replaces older pending content.
@@ -61,10 +61,10 @@ public:
 
     /// Drops the pending content of `path`, after a running attempt. Returns false if there is none.
     bool drop(const std::string& path);
-    /// Drops the pending content like drop(), but returns it so that putBack() can undo it.
-    Taken take(const std::string& path);
-    /// Restores the content, unless the path was written since take().
-    void putBack(const Taken& taken);
+    /// Removes the pending content like drop() and returns it, so that putBack() can restore it.
+    Extracted extract(const std::string& path);
+    /// Restores the content, unless the path was written since extract().
+    void putBack(const Extracted& extracted);
     /// Drops the pending content of one category, without a log line.
     void drop(FileCategory category);
     /// Drops all pending content at and below `directory` ("" for all) and logs an error for each path that loses
@@ -101,7 +101,7 @@ private:
     std::atomic<std::size_t> pendingCount = 0;
 };
 
-class PendingWrites::Taken {
+class PendingWrites::Extracted {
     friend class PendingWrites;
     std::shared_ptr<Entry> entry;
     std::optional<Kept> kept;

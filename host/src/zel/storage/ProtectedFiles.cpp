@@ -81,7 +81,7 @@ std::string ProtectedFiles::write(const std::string& path, std::string_view clea
     if (!file) {
         return "the content is too long, or the cipher failed";
     }
-    if (const int error = keepIfUnreadable(path, category); error != 0) {
+    if (const int error = preserveIfUnreadable(path, category); error != 0) {
         return "the unreadable file in its place can't be kept: " + describe(error);
     }
     const int error = DurableFile::replace(layer, path, *file);
@@ -150,13 +150,13 @@ ReadOutcome ProtectedFiles::readOne(const std::string& path, FileCategoryType::F
 }
 
 /// Keeps a copy of the file if it is unreadable. Returns 0 or an errno value.
-int ProtectedFiles::keepIfUnreadable(const std::string& path, FileCategoryType::FileCategory category) {
+int ProtectedFiles::preserveIfUnreadable(const std::string& path, FileCategoryType::FileCategory category) {
     const ReadOutcome outcome = examine(path, category);
     if (outcome.result == ReadResult::Ok || outcome.result == ReadResult::Absent) {
         return 0;
     }
     std::string keptAs;
-    const int error = Quarantine(layer).keep(path, keptAs);
+    const int error = Quarantine(layer).preserve(path, keptAs);
     if (error != 0 || keptAs.empty()) {
         return error;
     }

@@ -45,7 +45,7 @@ public:
 private:
     ReadOutcome readOne(const std::string& path, FileCategoryType::FileCategory category,
                         const std::function<void(std::string_view)>& use);
-    int keepIfUnreadable(const std::string& path, FileCategoryType::FileCategory category);
+    int preserveIfUnreadable(const std::string& path, FileCategoryType::FileCategory category);
     bool hasKey(FileCategoryType::FileCategory category);
 
     FileLayer& layer;

@@ -45,8 +45,8 @@ bool isSameFile(const std::string& a, const std::string& b) {
 
 } // namespace
 
-int Quarantine::keep(const std::string& path, std::string& keptAs) const {
-    const int error = giveSecondName(path, keptAs);
+int Quarantine::preserve(const std::string& path, std::string& keptAs) const {
+    const int error = linkOrMove(path, keptAs);
     if (error == 0) {
         removeOldest(path);
     }
@@ -70,7 +70,7 @@ int Quarantine::moveAside(const std::string& path, std::string& keptAs) const {
 
 int Quarantine::putBack(const std::string& replacement, const std::string& path) const {
     std::string keptAs;
-    if (const int error = giveSecondName(path, keptAs); error != 0) {
+    if (const int error = linkOrMove(path, keptAs); error != 0) {
         return error;
     }
     if (const int error = layer.rename(replacement, path); error != 0) {
@@ -92,7 +92,7 @@ Quarantine::KeptName Quarantine::parse(const std::string& path) {
     return number == 0 ? KeptName{} : KeptName{parts.prefix + parts.name.substr(0, at), number};
 }
 
-int Quarantine::giveSecondName(const std::string& path, std::string& keptAs) const {
+int Quarantine::linkOrMove(const std::string& path, std::string& keptAs) const {
     keptAs.clear();
     const Numbered names = list(path);
     for (const auto& [number, name] : names) {

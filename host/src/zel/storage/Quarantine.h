@@ -20,10 +20,10 @@ public:
 
     explicit Quarantine(FileLayer& files) : layer(files) {}
 
-    /// Gives the file at `path` a second name, so that its replacement is still one atomic step; on a file system
-    /// without links, moves the file. Does not keep a file again that an interrupted write has kept already. Returns 0
-    /// or an errno value. `keptAs` is empty if there is no file.
-    int keep(const std::string& path, std::string& keptAs) const;
+    /// Links the file at `path` to a second name, so that its replacement is still one atomic step; on a file system
+    /// without links, moves the file. Adds no third name if an interrupted write has already added the second. Returns
+    /// 0 or an errno value. `keptAs` is empty if there is no file.
+    int preserve(const std::string& path, std::string& keptAs) const;
     /// Moves the file at `path` and syncs its directory. Returns 0 or an errno value.
     int moveAside(const std::string& path, std::string& keptAs) const;
     /// Replaces the file at `path` with the kept file `replacement`; the replaced file is kept, too. Returns 0 or an
@@ -40,7 +40,7 @@ public:
 private:
     using Numbered = std::vector<std::pair<unsigned long, std::string>>;
 
-    int giveSecondName(const std::string& path, std::string& keptAs) const;
+    int linkOrMove(const std::string& path, std::string& keptAs) const;
     static Numbered list(const std::string& path);
     void removeOldest(const std::string& path) const;
 

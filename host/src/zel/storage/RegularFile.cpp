@@ -58,7 +58,7 @@ int replaceFile(const std::string& path, std::string_view content) {
     if (const int error = followLinks(*target); error != 0) {
         return error;
     }
-    return DurableFile::replace(FileLayer::platform(), KyrCoreUtils::textFromPath(*target), content);
+    return DurableFile::replace(FileLayer::disk(), KyrCoreUtils::textFromPath(*target), content);
 }
 
 } // namespace

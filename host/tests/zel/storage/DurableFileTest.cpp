@@ -36,7 +36,7 @@ struct DurableFileTest : testing::Test {
     }
 };
 
-TEST_F(DurableFileTest, ReplaceTakesTheseSteps) {
+TEST_F(DurableFileTest, ReplaceWritesSyncsAndRenamesATemporaryFileInThisOrder) {
     startOver();
     FaultInjectingFileLayer layer;
     EXPECT_EQ(DurableFile::replace(layer, path, newContent), 0);
@@ -46,7 +46,7 @@ TEST_F(DurableFileTest, ReplaceTakesTheseSteps) {
     EXPECT_THAT(namesIn(profile.config()), ElementsAre("settings.dat"));
 }
 
-TEST_F(DurableFileTest, CreateTakesTheseStepsAndRefusesATakenName) {
+TEST_F(DurableFileTest, CreateWritesSyncsAndLinksATemporaryFileAndRefusesAnExistingName) {
     FaultInjectingFileLayer layer;
     EXPECT_EQ(DurableFile::create(layer, path, oldContent), 0);
     EXPECT_THAT(layer.getCalls(),
@@ -57,7 +57,7 @@ TEST_F(DurableFileTest, CreateTakesTheseStepsAndRefusesATakenName) {
     EXPECT_THAT(namesIn(profile.config()), ElementsAre("settings.dat"));
 }
 
-TEST_F(DurableFileTest, AFailureBeforeThePublicationLeavesTheOldFileAlone) {
+TEST_F(DurableFileTest, AFailureUpToTheRenameLeavesTheOldFileUnchanged) {
     for (const Operation step :
          {Operation::CreateFile, Operation::Write, Operation::Sync, Operation::Close, Operation::Rename}) {
         for (const int error : {EIO, ENOSPC, EDQUOT, EACCES}) {
@@ -71,7 +71,7 @@ TEST_F(DurableFileTest, AFailureBeforeThePublicationLeavesTheOldFileAlone) {
     }
 }
 
-TEST_F(DurableFileTest, AFailureToSyncTheDirectoryIsReportedThoughTheNewFileStands) {
+TEST_F(DurableFileTest, AFailureToSyncTheDirectoryIsReportedAndTheNewFileRemains) {
     startOver();
     FaultInjectingFileLayer layer;
     layer.failAt(Operation::SyncDirectory, 1, EIO);
@@ -80,7 +80,7 @@ TEST_F(DurableFileTest, AFailureToSyncTheDirectoryIsReportedThoughTheNewFileStan
     EXPECT_THAT(namesIn(profile.config()), ElementsAre("settings.dat"));
 }
 
-TEST_F(DurableFileTest, AFailedCreationLeavesNoFileAtAll) {
+TEST_F(DurableFileTest, AFailedCreationLeavesNoFile) {
     for (const Operation step :
          {Operation::CreateFile, Operation::Write, Operation::Sync, Operation::Close, Operation::Link}) {
         FaultInjectingFileLayer layer;
@@ -98,7 +98,7 @@ TEST_F(DurableFileTest, ShortWritesAreContinued) {
     EXPECT_EQ(readFile(path), newContent);
 }
 
-TEST_F(DurableFileTest, AFailureInTheMiddleOfTheBytesLeavesTheOldFileAlone) {
+TEST_F(DurableFileTest, AFailedPartialWriteLeavesTheOldFileUnchanged) {
     startOver();
     FaultInjectingFileLayer layer;
     layer.limitWrites(3);
@@ -108,7 +108,7 @@ TEST_F(DurableFileTest, AFailureInTheMiddleOfTheBytesLeavesTheOldFileAlone) {
     EXPECT_THAT(namesIn(profile.config()), ElementsAre("settings.dat"));
 }
 
-TEST_F(DurableFileTest, AFullDiskLeavesTheOldFileAlone) {
+TEST_F(DurableFileTest, AFullDiskLeavesTheOldFileUnchanged) {
     for (std::size_t space = 0; space < newContent.size(); ++space) {
         startOver();
         FaultInjectingFileLayer layer;
@@ -121,7 +121,7 @@ TEST_F(DurableFileTest, AFullDiskLeavesTheOldFileAlone) {
     }
 }
 
-TEST_F(DurableFileTest, APowerCutAtAnyMomentLeavesOneOfTheTwoContents) {
+TEST_F(DurableFileTest, APowerCutAtAnyMomentLeavesTheOldOrTheNewContent) {
     constexpr std::size_t calls = 6;
     for (std::size_t call = 1; call <= calls + 1; ++call) {
         for (std::size_t kept = 0; kept <= 2; ++kept) {
@@ -130,25 +130,26 @@ TEST_F(DurableFileTest, APowerCutAtAnyMomentLeavesOneOfTheTwoContents) {
             layer.dieAt(call);
             const int error = DurableFile::replace(layer, path, newContent);
             layer.cutPower(kept);
-            EXPECT_THAT(readFile(path), AnyOf(oldContent, newContent)) << "died at " << call << ", kept " << kept;
+            EXPECT_THAT(readFile(path), AnyOf(oldContent, newContent))
+                << "process ended at call " << call << ", kept " << kept;
             if (error == 0) {
                 EXPECT_EQ(readFile(path), newContent) << "reported as done";
             }
             if (call <= 5 && kept == 0) {
-                EXPECT_EQ(readFile(path), oldContent) << "died at " << call;
+                EXPECT_EQ(readFile(path), oldContent) << "process ended at call " << call;
             }
         }
     }
 }
 
-TEST_F(DurableFileTest, OnlySuccessLeavesNothingToAPowerCut) {
+TEST_F(DurableFileTest, SuccessLeavesNoUnsyncedName) {
     startOver();
     FaultInjectingFileLayer layer;
     EXPECT_EQ(DurableFile::replace(layer, path, newContent), 0);
     EXPECT_EQ(layer.countUnsyncedNames(), 0U);
 }
 
-TEST_F(DurableFileTest, TheTemporaryNameIsHiddenAndIsTakenForNoFileOfTheProduct) {
+TEST_F(DurableFileTest, TheTemporaryNameIsHiddenUniqueAndInTheSameFolder) {
     const std::string name = fs::path(DurableFile::makeTemporaryName("/folder/cachedStore.dat")).filename().string();
     EXPECT_THAT(name, testing::MatchesRegex("\\.cachedStore\\.dat\\.[0-9a-f]{16}\\.tmp"));
     EXPECT_NE(DurableFile::makeTemporaryName(path), DurableFile::makeTemporaryName(path));
@@ -163,13 +164,13 @@ TEST_F(DurableFileTest, APathWithoutANameIsRefused) {
     EXPECT_THAT(layer.getCalls(), IsEmpty());
 }
 
-TEST_F(DurableFileTest, AMissingFolderIsNotMade) {
+TEST_F(DurableFileTest, AMissingFolderIsNotCreated) {
     FaultInjectingFileLayer layer;
     EXPECT_EQ(DurableFile::replace(layer, (profile.config() / "none" / "a.dat").string(), newContent), ENOENT);
     EXPECT_THAT(namesIn(profile.config()), IsEmpty());
 }
 
-TEST_F(DurableFileTest, RemovesWhatKilledWritersLeftLongAgo) {
+TEST_F(DurableFileTest, RemovesOldTemporaryFilesOfKilledWriters) {
     const auto leave = [this](const std::string& name, std::chrono::minutes age) {
         writeFile(profile.config() / name, "torn");
         fs::last_write_time(profile.config() / name, fs::file_time_type::clock::now() - age);
@@ -185,7 +186,7 @@ TEST_F(DurableFileTest, RemovesWhatKilledWritersLeftLongAgo) {
                             ".settings.dat.notes.tmp", "settings.dat"));
 }
 
-TEST_F(DurableFileTest, WithTheClockSetBackWhatSeemsToBeOfTheFutureStays) {
+TEST_F(DurableFileTest, KeepsTemporaryFilesWithATimeInTheFuture) {
     const std::string name = ".settings.dat.0123456789abcdef.tmp";
     writeFile(profile.config() / name, "being written");
     fs::last_write_time(profile.config() / name, fs::file_time_type::clock::now() + std::chrono::hours(24));
@@ -194,7 +195,7 @@ TEST_F(DurableFileTest, WithTheClockSetBackWhatSeemsToBeOfTheFutureStays) {
     EXPECT_THAT(namesIn(profile.config()), ElementsAre(name, "settings.dat"));
 }
 
-TEST_F(DurableFileTest, ALinkIsReplacedAndItsTargetStays) {
+TEST_F(DurableFileTest, ALinkIsReplacedAndItsTargetIsUnchanged) {
     writeFile(profile.data() / "target", oldContent);
     fs::create_symlink(profile.data() / "target", path);
     EXPECT_EQ(DurableFile::replace(zel::storage::FileLayer::platform(), path, newContent), 0);

@@ -69,7 +69,7 @@ struct EncryptFileUtilsTest : testing::Test {
     }
 };
 
-TEST_F(EncryptFileUtilsTest, WhatWasWrittenIsReadBack) {
+TEST_F(EncryptFileUtilsTest, ReadsTheContentThatWasWritten) {
     for (const std::string& text : {std::string("<first/>"), std::string("a\0b", 3), std::string(300'000, '\n')}) {
         ASSERT_TRUE(write(path, PlainText(text)));
         EXPECT_EQ(read(path), text);
@@ -94,24 +94,24 @@ TEST_F(EncryptFileUtilsTest, ThePhysicalNameIsTheLastComponentWithDatForItsExten
     }
 }
 
-TEST_F(EncryptFileUtilsTest, AReaderFallsBackOnTheNamedFileOnlyWhenThereIsNoPhysicalOne) {
+TEST_F(EncryptFileUtilsTest, ReadsTheFileOfTheGivenNameOnlyIfThereIsNoPhysicalOne) {
     ASSERT_TRUE(write(path, first));
     fs::rename(physical, path);
     EXPECT_EQ(read(path), first.text);
     ASSERT_TRUE(write(path, second));
     EXPECT_EQ(read(path), second.text);
-    EXPECT_TRUE(fs::exists(path)) << "the named file is left alone";
+    EXPECT_TRUE(fs::exists(path)) << "the file of the given name is unchanged";
     writeFile(physical, "rubbish");
     EXPECT_EQ(read(path), "damaged");
 }
 
-TEST_F(EncryptFileUtilsTest, TheNamedFileMustBeInTheFacilitysFormatToo) {
+TEST_F(EncryptFileUtilsTest, TheFileOfTheGivenNameMustHaveTheProtectedFormat) {
     writeFile(path,
               "<?xml version=\"1.0\"?><Lumora><userConfig name=\"a\" value=\"b\"/></Lumora>\n" + std::string(100, ' '));
     EXPECT_EQ(read(path), "damaged");
 }
 
-TEST_F(EncryptFileUtilsTest, FailuresAreToldApart) {
+TEST_F(EncryptFileUtilsTest, EachCauseOfAFailureHasItsOwnResult) {
     EXPECT_EQ(read(path), "absent");
     EXPECT_EQ(read(storage.configFile("none/settings.xml")), "absent");
     ASSERT_TRUE(write(path, first));
@@ -132,7 +132,7 @@ TEST_F(EncryptFileUtilsTest, FailuresAreToldApart) {
     EXPECT_EQ(read(storage.configFile("device"), DeviceData), first.text);
 }
 
-TEST_F(EncryptFileUtilsTest, AnEmptyContentIsToldApartAndNeverReadAsSuccess) {
+TEST_F(EncryptFileUtilsTest, AnEmptyContentHasItsOwnResultAndIsNoSuccess) {
     class FixedKey final : public zel::storage::KeyProvider {
     public:
         KeyResult find(FileCategory, MasterKey&) override { return KeyResult::Found; }
@@ -182,7 +182,7 @@ TEST_F(EncryptFileUtilsTest, AFailingReadIsUnreadable) {
     EXPECT_EQ(read(path), first.text);
 }
 
-TEST_F(EncryptFileUtilsTest, EmptyContentIsRefusedAndMakesTouchesAndCutsNothing) {
+TEST_F(EncryptFileUtilsTest, RefusesEmptyContentAndLeavesAllFilesUnchanged) {
     EXPECT_FALSE(write(path, PlainText()));
     EXPECT_THAT(namesIn(config), IsEmpty());
     EXPECT_FALSE(fs::exists(storage.keys()));
@@ -192,18 +192,18 @@ TEST_F(EncryptFileUtilsTest, EmptyContentIsRefusedAndMakesTouchesAndCutsNothing)
     EXPECT_EQ(readFile(physical), file);
 }
 
-TEST_F(EncryptFileUtilsTest, AContentThatReadersWouldRefuseIsNotWritten) {
+TEST_F(EncryptFileUtilsTest, RefusesContentThatIsTooLongToBeRead) {
     ASSERT_TRUE(write(path, first));
     EXPECT_FALSE(write(path, PlainText(std::string(64U * 1024 * 1024, 'x'))));
     EXPECT_EQ(onDisk(), first.text);
 }
 
-TEST_F(EncryptFileUtilsTest, TheFolderIsNotMade) {
+TEST_F(EncryptFileUtilsTest, AMissingFolderIsNotCreated) {
     EXPECT_FALSE(write(storage.configFile("none/settings.xml"), first));
     EXPECT_THAT(namesIn(config), IsEmpty());
 }
 
-TEST_F(EncryptFileUtilsTest, AnUnreadableFileIsKeptBesideBeforeItIsReplaced) {
+TEST_F(EncryptFileUtilsTest, KeepsAnUnreadableFileUnderAnotherNameBeforeReplacingIt) {
     const testing_host::LogRecorder log;
     ASSERT_TRUE(write(path, first));
     ASSERT_TRUE(write(path, second));
@@ -222,7 +222,7 @@ TEST_F(EncryptFileUtilsTest, AnUnreadableFileIsKeptBesideBeforeItIsReplaced) {
                     "Replacing settings.dat, which can't be read (too short), kept as settings.dat.unreadable.2"));
 }
 
-TEST_F(EncryptFileUtilsTest, AFileOfALostKeyIsKeptBeside) {
+TEST_F(EncryptFileUtilsTest, KeepsAFileWhoseKeyIsLostUnderAnotherName) {
     ASSERT_TRUE(write(path, first));
     const std::string file = readFile(physical);
     fs::remove_all(storage.keys());
@@ -231,7 +231,7 @@ TEST_F(EncryptFileUtilsTest, AFileOfALostKeyIsKeptBeside) {
     EXPECT_EQ(readFile(physical + ".unreadable"), file);
 }
 
-TEST_F(EncryptFileUtilsTest, WhatCanNotBeKeptIsNotReplaced) {
+TEST_F(EncryptFileUtilsTest, AnUnreadableFileThatCannotBeKeptIsNotReplaced) {
     writeFile(physical, "rubbish");
     storage.layer->failAt(Operation::Link, 2, EIO); // the first link publishes the key
     EXPECT_FALSE(write(path, first));
@@ -239,7 +239,7 @@ TEST_F(EncryptFileUtilsTest, WhatCanNotBeKeptIsNotReplaced) {
     EXPECT_THAT(namesIn(config), ElementsAre("settings.dat"));
 }
 
-TEST_F(EncryptFileUtilsTest, AnInterruptedWriteThatHadKeptTheFileAlreadyLeavesNoThirdName) {
+TEST_F(EncryptFileUtilsTest, AnUnreadableFileThatIsAlreadyKeptGetsNoSecondCopy) {
     writeFile(physical, "rubbish");
     fs::create_hard_link(physical, physical + ".unreadable");
     ASSERT_TRUE(write(path, first));
@@ -247,7 +247,7 @@ TEST_F(EncryptFileUtilsTest, AnInterruptedWriteThatHadKeptTheFileAlreadyLeavesNo
     EXPECT_THAT(namesIn(config), ElementsAre("settings.dat", "settings.dat.unreadable"));
 }
 
-TEST_F(EncryptFileUtilsTest, WhereThereAreNoLinksTheUnreadableFileIsMoved) {
+TEST_F(EncryptFileUtilsTest, WithoutHardLinksTheUnreadableFileIsMoved) {
     ASSERT_TRUE(write(storage.configFile("other"), first));
     writeFile(physical, "rubbish");
     storage.layer->failAt(Operation::Link, 1, EPERM);
@@ -256,7 +256,7 @@ TEST_F(EncryptFileUtilsTest, WhereThereAreNoLinksTheUnreadableFileIsMoved) {
     EXPECT_EQ(readFile(physical + ".unreadable"), "rubbish");
 }
 
-TEST_F(EncryptFileUtilsTest, FilesAndKeysAreTheOwnersAloneWhateverTheUmask) {
+TEST_F(EncryptFileUtilsTest, FilesAndKeysAreAccessibleToTheirOwnerOnlyWithAnyUmask) {
     for (const mode_t mask : {0U, 0777U}) {
         const mode_t previous = ::umask(mask);
         const bool written = write(path, first);
@@ -269,7 +269,7 @@ TEST_F(EncryptFileUtilsTest, FilesAndKeysAreTheOwnersAloneWhateverTheUmask) {
     }
 }
 
-TEST_F(EncryptFileUtilsTest, NoKeyLiesInTheConfigurationDirectory) {
+TEST_F(EncryptFileUtilsTest, TheConfigurationDirectoryContainsNoKey) {
     ASSERT_TRUE(write(path, first));
     EXPECT_THAT(namesIn(config), ElementsAre("settings.dat"));
     EXPECT_THAT(namesIn(storage.keys()), ElementsAre("cat2.key"));
@@ -281,7 +281,7 @@ TEST_F(EncryptFileUtilsTest, AMainFileAndItsBackupCanBeCopiedOntoEachOther) {
     EXPECT_EQ(read(storage.configFile("settings_backup.xml")), first.text);
 }
 
-TEST_F(EncryptFileUtilsTest, EachFailureToReadHasADebugLineOfItsOwnWithoutContentOrFolder) {
+TEST_F(EncryptFileUtilsTest, EachReadFailureHasItsOwnDebugLineWithoutContentOrFolder) {
     const testing_host::LogRecorder log(testing_host::LogRecorder::Debug::On);
     const auto lineOf = [&](FileCategory category) {
         PlainText content;
@@ -311,14 +311,14 @@ TEST_F(EncryptFileUtilsTest, EachFailureToReadHasADebugLineOfItsOwnWithoutConten
     EXPECT_FALSE(log.mentions(config.string()));
 }
 
-TEST_F(EncryptFileUtilsTest, NothingIsLoggedOfWhatSucceeds) {
+TEST_F(EncryptFileUtilsTest, SuccessfulReadsAndWritesAreNotLogged) {
     const testing_host::LogRecorder log(testing_host::LogRecorder::Debug::On);
     ASSERT_TRUE(write(path, second));
     EXPECT_EQ(read(path), second.text);
     EXPECT_THAT(log.getTexts("Host-EncryptFileUtils"), IsEmpty());
 }
 
-TEST_F(EncryptFileUtilsTest, WhatAKeyProviderOrAContentThrowsIsAFailure) {
+TEST_F(EncryptFileUtilsTest, AnExceptionOfAKeyProviderOrContentIsReportedAsAFailure) {
     class Throwing final : public zel::storage::KeyProvider {
     public:
         KeyResult find(FileCategory, MasterKey&) override { throw std::runtime_error("hunter2"); }
@@ -334,7 +334,7 @@ TEST_F(EncryptFileUtilsTest, WhatAKeyProviderOrAContentThrowsIsAFailure) {
     EXPECT_EQ(onDisk(), first.text);
 }
 
-TEST_F(EncryptFileUtilsTest, AKeyProviderOfTheHostsOwnIsAskedForEveryFile) {
+TEST_F(EncryptFileUtilsTest, AnOverridingKeyProviderProvidesTheKeyOfEveryFile) {
     class InMemory final : public zel::storage::KeyProvider {
     public:
         KeyResult find(FileCategory category, MasterKey& key) override {

@@ -37,13 +37,13 @@ struct FaultInjectingFileLayerTest : testing::Test {
     }
 };
 
-TEST_F(FaultInjectingFileLayerTest, APowerCutTakesANameWhoseFolderWasNotSynced) {
+TEST_F(FaultInjectingFileLayerTest, APowerCutRemovesANameWhoseFolderWasNotSynced) {
     put(first, "abc", true);
     layer.cutPower(0);
     EXPECT_THAT(namesIn(folder), testing::IsEmpty());
 }
 
-TEST_F(FaultInjectingFileLayerTest, APowerCutTakesBytesThatWereNotSynced) {
+TEST_F(FaultInjectingFileLayerTest, APowerCutRemovesBytesThatWereNotSynced) {
     put(first, "abc", false);
     ASSERT_EQ(layer.syncDirectory(folder), 0);
     layer.cutPower(0);
@@ -51,14 +51,14 @@ TEST_F(FaultInjectingFileLayerTest, APowerCutTakesBytesThatWereNotSynced) {
     EXPECT_EQ(readFile(first), "");
 }
 
-TEST_F(FaultInjectingFileLayerTest, APowerCutLeavesWhatWasSynced) {
+TEST_F(FaultInjectingFileLayerTest, APowerCutKeepsSyncedFiles) {
     put(first, "abc", true);
     ASSERT_EQ(layer.syncDirectory(folder), 0);
     layer.cutPower(0);
     EXPECT_EQ(readFile(first), "abc");
 }
 
-TEST_F(FaultInjectingFileLayerTest, APowerCutTakesARenameBack) {
+TEST_F(FaultInjectingFileLayerTest, APowerCutRevertsAnUnsyncedRename) {
     writeFile(second, "old");
     put(first, "new", true);
     ASSERT_EQ(layer.rename(first, second), 0);
@@ -77,7 +77,7 @@ TEST_F(FaultInjectingFileLayerTest, ARenameOfUnsyncedBytesLosesThem) {
     EXPECT_EQ(readFile(second), "");
 }
 
-TEST_F(FaultInjectingFileLayerTest, APowerCutTakesLinksRemovalsAndFoldersBack) {
+TEST_F(FaultInjectingFileLayerTest, APowerCutRevertsUnsyncedLinksRemovalsAndFolders) {
     writeFile(first, "kept");
     ASSERT_EQ(layer.link(first, second), 0);
     ASSERT_EQ(layer.unlink(first), 0);
@@ -87,7 +87,7 @@ TEST_F(FaultInjectingFileLayerTest, APowerCutTakesLinksRemovalsAndFoldersBack) {
     EXPECT_EQ(readFile(first), "kept");
 }
 
-TEST_F(FaultInjectingFileLayerTest, APowerCutPutsLinksBackWhereverTheyLead) {
+TEST_F(FaultInjectingFileLayerTest, APowerCutRestoresRemovedSymbolicLinks) {
     writeFile(folder + "/file", "of another");
     for (const char* target : {"file", "nowhere", "second"}) {
         SCOPED_TRACE(target);
@@ -117,7 +117,7 @@ TEST_F(FaultInjectingFileLayerTest, FailsAtTheChosenCallOnce) {
     EXPECT_EQ(layer.unlink(first), ENOENT);
 }
 
-TEST_F(FaultInjectingFileLayerTest, DoesNothingAnyMoreOnceDead) {
+TEST_F(FaultInjectingFileLayerTest, FailsEveryCallAfterItsDeath) {
     layer.dieAt(2);
     ASSERT_EQ(layer.createDirectory(folder + "/a"), 0);
     EXPECT_EQ(layer.createDirectory(folder + "/b"), EIO);

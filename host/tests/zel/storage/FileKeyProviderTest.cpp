@@ -49,12 +49,12 @@ struct FileKeyProviderTest : testing::Test {
     }
 };
 
-TEST_F(FileKeyProviderTest, AskingAloneMakesNothing) {
+TEST_F(FileKeyProviderTest, FindDoesNotCreateAKey) {
     EXPECT_EQ(provider.find(UserData, key), KeyResult::Absent);
     EXPECT_FALSE(fs::exists(folder));
 }
 
-TEST_F(FileKeyProviderTest, EachCategoryHasAKeyOfItsOwnThatStays) {
+TEST_F(FileKeyProviderTest, EachCategoryHasItsOwnPermanentKey) {
     const std::string user = make();
     ASSERT_EQ(provider.findOrMake(DeviceData, key), KeyResult::Found);
     EXPECT_NE(textOf(key), user);
@@ -64,7 +64,7 @@ TEST_F(FileKeyProviderTest, EachCategoryHasAKeyOfItsOwnThatStays) {
     EXPECT_EQ(textOf(key), user);
 }
 
-TEST_F(FileKeyProviderTest, TheKeyFileHasThisForm) {
+TEST_F(FileKeyProviderTest, TheKeyFileConsistsOfHeaderAndKey) {
     const std::string made = make();
     const std::string file = readFile(folder / "cat2.key");
     ASSERT_EQ(file.size(), keyFileLength);
@@ -72,13 +72,13 @@ TEST_F(FileKeyProviderTest, TheKeyFileHasThisForm) {
     EXPECT_EQ(file.substr(16), made);
 }
 
-TEST_F(FileKeyProviderTest, KeysAreTheOwnersAlone) {
+TEST_F(FileKeyProviderTest, KeysAreAccessibleToTheirOwnerOnly) {
     make();
     EXPECT_EQ(fs::status(folder).permissions(), fs::perms(0700));
     EXPECT_EQ(fs::status(folder / "cat2.key").permissions(), fs::perms(0600));
 }
 
-TEST_F(FileKeyProviderTest, MakesTheApplicationDataFolder) {
+TEST_F(FileKeyProviderTest, CreatesTheApplicationDataFolder) {
     fs::remove(profile.data());
     make();
     EXPECT_TRUE(fs::exists(folder / "cat2.key"));
@@ -91,7 +91,7 @@ TEST_F(FileKeyProviderTest, WithoutAnApplicationDataFolderThereAreNoKeys) {
     EXPECT_FALSE(fs::exists("keys"));
 }
 
-TEST_F(FileKeyProviderTest, AnyChangeOfTheKeyFileIsNoticed) {
+TEST_F(FileKeyProviderTest, AnyChangedByteOrLengthOfTheKeyFileIsDetected) {
     make();
     const std::string file = readFile(folder / "cat2.key");
     for (std::size_t i = 0; i < file.size(); ++i) {
@@ -108,7 +108,7 @@ TEST_F(FileKeyProviderTest, AnyChangeOfTheKeyFileIsNoticed) {
     EXPECT_EQ(provider.find(DeviceData, key), KeyResult::Malformed);
 }
 
-TEST_F(FileKeyProviderTest, AMalformedKeyIsKeptAsideAndANewOneMade) {
+TEST_F(FileKeyProviderTest, AMalformedKeyIsMovedAsideAndANewOneIsCreated) {
     const testing_host::LogRecorder log;
     const std::string before = make();
     writeFile(folder / "cat2.key", "rubbish");
@@ -120,14 +120,14 @@ TEST_F(FileKeyProviderTest, AMalformedKeyIsKeptAsideAndANewOneMade) {
                 ElementsAre("Malformed key file kept as cat2.key.bad, a new key is made"));
 }
 
-TEST_F(FileKeyProviderTest, AFolderInTheKeysPlaceIsKeptAsideToo) {
+TEST_F(FileKeyProviderTest, AFolderAtThePathOfTheKeyIsMovedAside) {
     fs::create_directories(folder / "cat2.key");
     EXPECT_EQ(provider.find(UserData, key), KeyResult::Malformed);
     make();
     EXPECT_TRUE(fs::is_directory(folder / "cat2.key.bad"));
 }
 
-TEST_F(FileKeyProviderTest, AKeyThatCanNotBeReadNowIsNeverReplaced) {
+TEST_F(FileKeyProviderTest, AKeyThatCannotBeReadIsNotReplaced) {
     const std::string made = make();
     FaultInjectingFileLayer layer;
     FileKeyProvider faulty(layer, profile.data().string());
@@ -143,7 +143,7 @@ TEST_F(FileKeyProviderTest, AKeyThatCanNotBeReadNowIsNeverReplaced) {
     EXPECT_EQ(make(), made);
 }
 
-TEST_F(FileKeyProviderTest, AFailureAtAnyStepLeavesNoKeyOrAWholeOne) {
+TEST_F(FileKeyProviderTest, AFailureAtAnyStepLeavesNoKeyOrACompleteOne) {
     FaultInjectingFileLayer counting;
     FileKeyProvider counted(counting, profile.data().string());
     ASSERT_EQ(counted.findOrMake(UserData, key), KeyResult::Found);
@@ -160,7 +160,7 @@ TEST_F(FileKeyProviderTest, AFailureAtAnyStepLeavesNoKeyOrAWholeOne) {
     }
 }
 
-TEST_F(FileKeyProviderTest, AKeyThatWasHandedOutSurvivesAPowerCut) {
+TEST_F(FileKeyProviderTest, AReturnedKeyIsOnTheDiskAfterAPowerCut) {
     FaultInjectingFileLayer layer;
     FileKeyProvider faulty(layer, profile.data().string());
     ASSERT_EQ(faulty.findOrMake(UserData, key), KeyResult::Found);
@@ -170,7 +170,7 @@ TEST_F(FileKeyProviderTest, AKeyThatWasHandedOutSurvivesAPowerCut) {
     EXPECT_EQ(textOf(key), made);
 }
 
-TEST_F(FileKeyProviderTest, ThreadsThatMakeTheKeyAtOnceAgree) {
+TEST_F(FileKeyProviderTest, ThreadsThatCreateTheKeyConcurrentlyGetTheSameKey) {
     constexpr std::size_t count = 8;
     std::vector<std::string> seen(count);
     std::vector<std::thread> threads;
@@ -224,7 +224,7 @@ std::vector<std::string> makeInProcesses(FileKeyProvider& provider, std::size_t 
     return seen;
 }
 
-TEST_F(FileKeyProviderTest, ProcessesThatMakeTheKeyAtOnceAgree) {
+TEST_F(FileKeyProviderTest, ProcessesThatCreateTheKeyConcurrentlyGetTheSameKey) {
     constexpr std::size_t processes = 4;
     for (int round = 0; round < 20; ++round) {
         fs::remove_all(folder);
@@ -238,7 +238,7 @@ TEST_F(FileKeyProviderTest, ProcessesThatMakeTheKeyAtOnceAgree) {
     }
 }
 
-TEST_F(FileKeyProviderTest, ALockThatIsHeldTooLongIsReportedAndMakesNoKey) {
+TEST_F(FileKeyProviderTest, ALockHeldByAnotherProcessIsReportedAndNoKeyIsCreated) {
     FaultInjectingFileLayer layer;
     layer.failAt(Operation::LockDirectory, 1, ETIMEDOUT);
     FileKeyProvider waiting(layer, profile.data().string());
@@ -251,7 +251,7 @@ TEST_F(FileKeyProviderTest, ALockThatIsHeldTooLongIsReportedAndMakesNoKey) {
     EXPECT_EQ(waiting.findOrMake(UserData, key), KeyResult::Found);
 }
 
-TEST_F(FileKeyProviderTest, WhereLocksHoldNothingTheLinkDecides) {
+TEST_F(FileKeyProviderTest, WithoutAWorkingLockTheKeyThatIsLinkedFirstWins) {
     // Another process creates its key between the check and the link.
     class LateLayer final : public zel::storage::FileLayer {
     public:

@@ -70,7 +70,7 @@ TEST_F(PendingWritesTest, AFailedWriteLogsAnErrorWithPathAndCause) {
                             ": No space left on device; the content is kept and will be written again"));
 }
 
-TEST_F(PendingWritesTest, EachCauseIsNamed) {
+TEST_F(PendingWritesTest, TheErrorNamesEachCause) {
     heal();
     const LogRecorder log;
     const auto causeAfter = [&](const auto& fault) {
@@ -99,12 +99,12 @@ TEST_F(PendingWritesTest, ReadsReturnTheKeptContentUntilItIsWritten) {
     EXPECT_EQ(read(), "new");
     EXPECT_EQ(read(storage.configFile("settings.xml")), "new") << "the logical name";
     EXPECT_EQ(onDisk(), "old");
-    EXPECT_EQ(read(path, DeviceData), "") << "it was written under another category";
+    EXPECT_EQ(read(path, DeviceData), "") << "it belongs to another category";
     heal();
     EXPECT_TRUE(retry());
     EXPECT_EQ(onDisk(), "new");
     writeFile(path, "rubbish");
-    EXPECT_EQ(read(), "") << "nothing is kept any more";
+    EXPECT_EQ(read(), "") << "no content is kept";
 }
 
 TEST_F(PendingWritesTest, TheKeptContentIsACopyOfTheProtectedText) {
@@ -114,7 +114,7 @@ TEST_F(PendingWritesTest, TheKeptContentIsACopyOfTheProtectedText) {
     EXPECT_EQ(read(), "new");
 }
 
-TEST_F(PendingWritesTest, ARetryWritesWhatIsKeptOnce) {
+TEST_F(PendingWritesTest, ARetryWritesTheKeptContentOnce) {
     EXPECT_FALSE(write("new"));
     EXPECT_FALSE(retry()) << "the disk is still full";
     EXPECT_EQ(read(), "new");
@@ -125,7 +125,7 @@ TEST_F(PendingWritesTest, ARetryWritesWhatIsKeptOnce) {
     EXPECT_EQ(storage.layer->getCalls().size(), calls);
 }
 
-TEST_F(PendingWritesTest, ADiskThatStaysFullIsReportedOnceAndItsRecoveryToo) {
+TEST_F(PendingWritesTest, ALastingFailureAndItsRecoveryAreLoggedOnce) {
     EXPECT_FALSE(write("new"));
     const LogRecorder log;
     EXPECT_FALSE(retry());
@@ -151,7 +151,7 @@ TEST_F(PendingWritesTest, ANewerWriteReplacesKeptContentAndIsNeverOverwritten) {
     EXPECT_EQ(onDisk(), "newest");
 }
 
-TEST_F(PendingWritesTest, EmptyContentIsRefusedInSilenceAndReplacesNothing) {
+TEST_F(PendingWritesTest, EmptyContentIsRefusedWithoutALineAndReplacesNothing) {
     EXPECT_FALSE(write("new"));
     const LogRecorder log(LogRecorder::Debug::On);
     EXPECT_FALSE(write(""));
@@ -175,7 +175,7 @@ TEST_F(PendingWritesTest, RemovingTheFileDropsKeptContent) {
     EXPECT_EQ(read(), "");
 }
 
-TEST_F(PendingWritesTest, AFileThatNeverExistedIsThereUntilItIsRemoved) {
+TEST_F(PendingWritesTest, AFileOfWhichOnlyKeptContentExistsIsReportedUntilItIsRemoved) {
     const std::string never = storage.configFile("never.dat");
     EXPECT_FALSE(EncryptFileUtils::writeDataToFile(never, PlainText("new"), UserData));
     EXPECT_TRUE(FileUtils::fileExists(never));
@@ -200,7 +200,7 @@ TEST_F(PendingWritesTest, MovingTheFileDropsKeptContentOfBothPaths) {
     EXPECT_EQ(read(target), "old");
 }
 
-TEST_F(PendingWritesTest, AMoveThatFailsDropsNothing) {
+TEST_F(PendingWritesTest, AFailedMoveKeepsTheContent) {
     EXPECT_FALSE(write("new"));
     EXPECT_NE(FileUtils::moveFile(path, storage.configFile("none/target.dat"), false), 0);
     fs::create_directory(storage.configFile("directory.dat"));
@@ -208,30 +208,30 @@ TEST_F(PendingWritesTest, AMoveThatFailsDropsNothing) {
     EXPECT_EQ(read(), "new");
 }
 
-TEST_F(PendingWritesTest, DroppingACategoryLeavesTheOther) {
+TEST_F(PendingWritesTest, DroppingACategoryKeepsTheOther) {
     const std::string device = storage.configFile("cachedUrlProvisioningConfigStore.dat");
     EXPECT_FALSE(write("new"));
     EXPECT_FALSE(EncryptFileUtils::writeDataToFile(device, PlainText("link"), DeviceData));
-    PendingWrites::ofProcess().drop(UserData);
+    PendingWrites::instance().drop(UserData);
     EXPECT_EQ(read(), "old");
     EXPECT_EQ(read(device, DeviceData), "link");
 }
 
-TEST_F(PendingWritesTest, GivingUpADirectoryLogsWhatIsLostThere) {
+TEST_F(PendingWritesTest, GivingUpADirectoryLogsItsLostContent) {
     const std::string elsewhere = (storage.profile.data() / "other.dat").string();
     EXPECT_FALSE(write("new"));
     EXPECT_FALSE(EncryptFileUtils::writeDataToFile(elsewhere, PlainText("kept"), UserData));
     const LogRecorder log;
-    PendingWrites::ofProcess().giveUp(storage.profile.config().string() + "/");
+    PendingWrites::instance().giveUp(storage.profile.config().string() + "/");
     EXPECT_THAT(log.getTexts(ZelLogLevel::Error),
                 ElementsAre("Lost the content of protected file " + path + ", not written: No space left on device"));
     EXPECT_EQ(read(), "old");
     EXPECT_EQ(read(elsewhere), "kept");
-    PendingWrites::ofProcess().giveUp("");
+    PendingWrites::instance().giveUp("");
     EXPECT_EQ(read(elsewhere), "");
 }
 
-TEST_F(PendingWritesTest, HealthTellsTheOutcomeOfTheLastWriteAndWhetherContentWaits) {
+TEST_F(PendingWritesTest, HealthReportsTheLastWriteAndPendingContent) {
     const auto before = std::chrono::system_clock::now();
     EXPECT_FALSE(write("new"));
     const auto failed = EncryptFileUtils::health(storage.profile.config().string()).files;
@@ -253,7 +253,7 @@ TEST_F(PendingWritesTest, HealthTellsTheOutcomeOfTheLastWriteAndWhetherContentWa
     EXPECT_EQ(written[0].lastWrite->cause, "");
 }
 
-TEST_F(PendingWritesTest, RetriesOfAnUnreadableFileKeepItOnce) {
+TEST_F(PendingWritesTest, RetriesKeepAnUnreadableFileOnce) {
     heal();
     writeFile(path, "rubbish");
     for (int i = 0; i < 3; ++i) {
@@ -266,7 +266,7 @@ TEST_F(PendingWritesTest, RetriesOfAnUnreadableFileKeepItOnce) {
     EXPECT_EQ(onDisk(), "new");
 }
 
-TEST_F(PendingWritesTest, ContentThatCantBeCopiedIsNotKeptAndTheLogSaysSo) {
+TEST_F(PendingWritesTest, ContentThatCannotBeCopiedIsNotKeptAndLogged) {
     class Uncopied final : public zel::storage::ProtectedText {
     public:
         bool isEmpty() const override { return false; }
@@ -282,24 +282,24 @@ TEST_F(PendingWritesTest, ContentThatCantBeCopiedIsNotKeptAndTheLogSaysSo) {
     EXPECT_FALSE(write("older"));
     EXPECT_FALSE(EncryptFileUtils::writeDataToFile(path, Uncopied(), UserData));
     EXPECT_THAT(log.getTexts(ZelLogLevel::Error).back(), HasSubstr("; the content is not kept"));
-    EXPECT_EQ(read(), "older") << "newer than what the disk holds";
+    EXPECT_EQ(read(), "older") << "newer than the content on the disk";
 }
 
-TEST_F(PendingWritesTest, AContentPutBackNeverReplacesANewerWrite) {
-    auto& writes = PendingWrites::ofProcess();
+TEST_F(PendingWritesTest, KeptContentThatIsPutBackDoesNotReplaceANewerWrite) {
+    auto& writes = PendingWrites::instance();
     EXPECT_FALSE(write("new"));
-    const auto taken = writes.take(path);
+    const auto taken = writes.extract(path);
     EXPECT_EQ(read(), "old");
     writes.putBack(taken);
     EXPECT_EQ(read(), "new");
-    const auto again = writes.take(path);
+    const auto again = writes.extract(path);
     EXPECT_FALSE(write("newer"));
     writes.putBack(again);
     EXPECT_EQ(read(), "newer");
 }
 
-TEST_F(PendingWritesTest, RemovingTheFileWaitsForAWriteThatRuns) {
-    auto& writes = PendingWrites::ofProcess();
+TEST_F(PendingWritesTest, RemovingTheFileWaitsForARunningWrite) {
+    auto& writes = PendingWrites::instance();
     testing_host::Signal begun;
     testing_host::Signal removed;
     std::thread writer([&] {
@@ -317,12 +317,12 @@ TEST_F(PendingWritesTest, RemovingTheFileWaitsForAWriteThatRuns) {
     EXPECT_FALSE(FileUtils::fileExists(path));
 }
 
-TEST_F(PendingWritesTest, AnotherFileLayerForgetsWhatWasKept) {
+TEST_F(PendingWritesTest, ReplacingTheFileLayerDropsKeptContent) {
     EXPECT_FALSE(write("new"));
     EncryptFileUtils::overrideFileLayer(storage.layer);
     EXPECT_EQ(read(), "old");
     EXPECT_FALSE(EncryptFileUtils::health(storage.profile.config().string()).files.at(0).lastWrite);
-    EXPECT_TRUE(PendingWrites::ofProcess().isEmpty());
+    EXPECT_TRUE(PendingWrites::instance().isEmpty());
 }
 
 } // namespace

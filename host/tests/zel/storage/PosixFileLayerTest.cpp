@@ -29,7 +29,7 @@ private:
 
 struct PosixFileLayerTest : testing::TestWithParam<mode_t> {
     testing_host::TemporaryProfile profile;
-    FileLayer& layer = FileLayer::platform();
+    FileLayer& layer = FileLayer::disk();
     const std::string path = (profile.config() / "name").string();
     FileLayer::Handle handle = -1;
     FileKind kind = FileKind::Other;
@@ -40,7 +40,7 @@ struct PosixFileLayerTest : testing::TestWithParam<mode_t> {
     }
 };
 
-TEST_P(PosixFileLayerTest, FilesAndFoldersArePrivateWhateverTheUmask) {
+TEST_P(PosixFileLayerTest, FilesAndFoldersAreAccessibleToTheirOwnerOnlyWithAnyUmask) {
     const Umask umask(GetParam());
     ASSERT_EQ(layer.createFile(path, handle), 0);
     EXPECT_EQ(layer.close(handle), 0);
@@ -51,27 +51,27 @@ TEST_P(PosixFileLayerTest, FilesAndFoldersArePrivateWhateverTheUmask) {
 
 INSTANTIATE_TEST_SUITE_P(Umasks, PosixFileLayerTest, testing::Values(0, 022, 077, 0777));
 
-TEST_F(PosixFileLayerTest, AnExistingFolderBecomesPrivate) {
+TEST_F(PosixFileLayerTest, AnExistingFolderIsRestrictedToItsOwner) {
     fs::create_directory(path);
     fs::permissions(path, fs::perms(0755));
     ASSERT_EQ(layer.createDirectory(path), 0);
     EXPECT_EQ(modeOf(path), 0700U);
 }
 
-TEST_F(PosixFileLayerTest, AFileInTheFoldersPlaceIsRefusedAndLeftAlone) {
+TEST_F(PosixFileLayerTest, CreatingAFolderAtThePathOfAFileFailsAndKeepsTheFile) {
     testing_host::writeFile(path, "");
     fs::permissions(path, fs::perms(0640));
     EXPECT_EQ(layer.createDirectory(path), EEXIST);
     EXPECT_EQ(modeOf(path), 0640U);
 }
 
-TEST_F(PosixFileLayerTest, ANewFileNeverFollowsALinkThatStandsInItsPlace) {
+TEST_F(PosixFileLayerTest, CreatingAFileDoesNotFollowALink) {
     fs::create_symlink(profile.data() / "elsewhere", path);
     EXPECT_EQ(layer.createFile(path, handle), EEXIST);
     EXPECT_FALSE(fs::exists(profile.data() / "elsewhere"));
 }
 
-TEST_F(PosixFileLayerTest, TellsWhatItOpens) {
+TEST_F(PosixFileLayerTest, ReportsKindAndSizeOfAnOpenedFile) {
     testing_host::writeFile(path, "abc");
     ASSERT_EQ(layer.openForReading(path, handle, kind, size), 0);
     EXPECT_EQ(kind, FileKind::Regular);
@@ -86,7 +86,7 @@ TEST_F(PosixFileLayerTest, TellsWhatItOpens) {
     layer.close(handle);
 }
 
-TEST_F(PosixFileLayerTest, WaitingForALockedDirectoryEndsWithTheTimeout) {
+TEST_F(PosixFileLayerTest, LockingALockedDirectoryTimesOut) {
     using std::chrono::milliseconds;
     const std::string directory = profile.config().string();
     zel::storage::FileLayer::Handle held = -1;
@@ -98,7 +98,7 @@ TEST_F(PosixFileLayerTest, WaitingForALockedDirectoryEndsWithTheTimeout) {
     layer.close(handle);
 }
 
-TEST_F(PosixFileLayerTest, ErrorsAreThoseOfThePlatform) {
+TEST_F(PosixFileLayerTest, ReturnsTheErrorsOfThePlatform) {
     std::size_t count = 0;
     char byte = 0;
     EXPECT_EQ(layer.openForReading(path, handle, kind, size), ENOENT);

@@ -69,7 +69,7 @@ struct ProtectedFileCrashTest : testing::TestWithParam<Before> {
         if (result == ReadResult::Ok) {
             EXPECT_THAT(content.text, AnyOf(oldContent, newContent));
         } else {
-            EXPECT_NE(GetParam(), Before::Readable) << "lost a file that could be read";
+            EXPECT_NE(GetParam(), Before::Readable) << "lost a readable file";
             EXPECT_EQ(readFile(storage.configFile("a.dat")), fileBefore) << "torn";
         }
         if (reported) {
@@ -78,7 +78,7 @@ struct ProtectedFileCrashTest : testing::TestWithParam<Before> {
     }
 };
 
-TEST_P(ProtectedFileCrashTest, AFailureAtAnyCallLeavesOldOrNewAndNoTemporaryFile) {
+TEST_P(ProtectedFileCrashTest, AFailureAtAnyCallLeavesTheOldOrNewContentAndNoTemporaryFile) {
     const std::size_t calls = countCalls();
     for (std::size_t call = 1; call <= calls; ++call) {
         for (const int error : {EIO, ENOSPC}) {
@@ -102,7 +102,7 @@ TEST_P(ProtectedFileCrashTest, AFailureAtAnyCallLeavesOldOrNewAndNoTemporaryFile
     }
 }
 
-TEST_P(ProtectedFileCrashTest, APowerCutAtAnyCallLeavesOldOrNew) {
+TEST_P(ProtectedFileCrashTest, APowerCutAtAnyCallLeavesTheOldOrNewContent) {
     const std::size_t calls = countCalls();
     for (std::size_t call = 1; call <= calls + 1; ++call) {
         std::size_t pending = 0;
@@ -123,7 +123,7 @@ TEST_P(ProtectedFileCrashTest, APowerCutAtAnyCallLeavesOldOrNew) {
     }
 }
 
-TEST_P(ProtectedFileCrashTest, AFullDiskLeavesTheOldFileAlone) {
+TEST_P(ProtectedFileCrashTest, AFullDiskLeavesTheOldFileUnchanged) {
     StorageProfile storage;
     prepare(storage, oldContent);
     const std::string fileBefore = readFile(storage.configFile("a.dat"));

@@ -50,7 +50,7 @@ struct ProtectedFileFormatTest : testing::Test {
     ReadResult open(std::string_view bytes) { return open(bytes, UserData, key); }
 };
 
-TEST_F(ProtectedFileFormatTest, WhatWasSealedOpens) {
+TEST_F(ProtectedFileFormatTest, OpeningReturnsTheSealedText) {
     for (const std::string& text :
          {std::string("a"), clear, std::string("a\0b\0", 4), std::string(1'000'000, 'x'), std::string(16, '\xff')}) {
         EXPECT_EQ(open(ProtectedFileFormat::seal(text, UserData, key).value_or("")), ReadResult::Ok);
@@ -58,14 +58,14 @@ TEST_F(ProtectedFileFormatTest, WhatWasSealedOpens) {
     }
 }
 
-TEST_F(ProtectedFileFormatTest, TheHeaderHasThisForm) {
+TEST_F(ProtectedFileFormatTest, TheHeaderConsistsOfMarkVersionAndCategory) {
     EXPECT_EQ(file.size(), 44 + clear.size() + 16);
     EXPECT_EQ(file.substr(0, 8), std::string("LUMS\x01\x02\0\0", 8));
     EXPECT_EQ(ProtectedFileFormat::seal(clear, DeviceData, key).value_or("").substr(0, 8),
               std::string("LUMS\x01\0\0\0", 8));
 }
 
-TEST_F(ProtectedFileFormatTest, SaltAndNonceAreFreshAndTheKeyIdIsNot) {
+TEST_F(ProtectedFileFormatTest, EachSealingHasNewSaltAndNonceAndTheSameKeyId) {
     const std::string other = ProtectedFileFormat::seal(clear, UserData, key).value_or("");
     EXPECT_EQ(file.substr(8, 8), other.substr(8, 8));
     EXPECT_NE(file.substr(16, 16), other.substr(16, 16));
@@ -73,13 +73,13 @@ TEST_F(ProtectedFileFormatTest, SaltAndNonceAreFreshAndTheKeyIdIsNot) {
     EXPECT_NE(file.substr(44), other.substr(44));
 }
 
-TEST_F(ProtectedFileFormatTest, TheClearTextIsNowhereInTheFile) {
+TEST_F(ProtectedFileFormatTest, TheFileDoesNotContainTheClearText) {
     clear = "a text with a secret in it";
     file = ProtectedFileFormat::seal(clear, UserData, key).value_or("");
     EXPECT_EQ(file.find("secret"), std::string::npos);
 }
 
-TEST_F(ProtectedFileFormatTest, AnyFlippedBitIsNoticed) {
+TEST_F(ProtectedFileFormatTest, AnyFlippedBitIsDetected) {
     for (std::size_t i = 0; i < file.size(); ++i) {
         for (int bit = 0; bit < 8; ++bit) {
             std::string changed = file;
@@ -90,7 +90,7 @@ TEST_F(ProtectedFileFormatTest, AnyFlippedBitIsNoticed) {
     }
 }
 
-TEST_F(ProtectedFileFormatTest, AnyCutOrAdditionIsNoticed) {
+TEST_F(ProtectedFileFormatTest, AnyTruncationOrAdditionIsDetected) {
     for (std::size_t length = 0; length < file.size(); ++length) {
         EXPECT_EQ(open(file.substr(0, length)), ReadResult::Damaged) << length;
         std::string zeroed = file;
@@ -101,7 +101,7 @@ TEST_F(ProtectedFileFormatTest, AnyCutOrAdditionIsNoticed) {
     EXPECT_EQ(open(file + file), ReadResult::Damaged);
 }
 
-TEST_F(ProtectedFileFormatTest, FailuresAreToldApart) {
+TEST_F(ProtectedFileFormatTest, EachCauseOfAFailureHasItsOwnResult) {
     EXPECT_EQ(open(file, DeviceData, key), ReadResult::WrongKey);
     MasterKey other;
     EXPECT_EQ(open(file, UserData, other), ReadResult::WrongKey);
@@ -117,24 +117,24 @@ TEST_F(ProtectedFileFormatTest, FailuresAreToldApart) {
     EXPECT_EQ(open(tag), ReadResult::Damaged);
 }
 
-TEST_F(ProtectedFileFormatTest, AFileOfAnotherCategoryIsNoFileOfThisOneEvenUnderOneKey) {
+TEST_F(ProtectedFileFormatTest, AFileOfAnotherCategoryDoesNotOpenEvenWithTheSameKey) {
     std::string moved = ProtectedFileFormat::seal(clear, DeviceData, key).value_or("");
     moved[5] = 2;
     EXPECT_EQ(open(moved), ReadResult::Damaged);
 }
 
-TEST_F(ProtectedFileFormatTest, AFileMadeByItsDescriptionOpens) {
+TEST_F(ProtectedFileFormatTest, AFileSealedByTheDescriptionOfTheFormatOpens) {
     EXPECT_EQ(open(testing_host::sealByDescription(clear, 2, key)), ReadResult::Ok);
     EXPECT_EQ(shown, clear);
     EXPECT_EQ(open(testing_host::sealByDescription(clear, 0, key), DeviceData, key), ReadResult::Ok);
 }
 
-TEST_F(ProtectedFileFormatTest, AnEmptyTextThatSomebodySealedIsToldApartAndNeverShown) {
+TEST_F(ProtectedFileFormatTest, ASealedEmptyTextHasItsOwnResultAndIsNotReturned) {
     EXPECT_EQ(open(testing_host::sealByDescription("", 2, key)), ReadResult::Empty);
     EXPECT_FALSE(wasShown);
 }
 
-TEST_F(ProtectedFileFormatTest, NoTextAndTooLongATextAreRefused) {
+TEST_F(ProtectedFileFormatTest, SealingRefusesEmptyAndTooLongTexts) {
     EXPECT_FALSE(ProtectedFileFormat::seal("", UserData, key).has_value());
     const std::string longest(ProtectedFileFormat::maximumFileLength - overhead, 'x');
     const auto largest = ProtectedFileFormat::seal(longest, UserData, key);

@@ -30,14 +30,14 @@ struct RegularFileTest : testing::Test {
 
 } // namespace
 
-TEST_F(RegularFileTest, ReplaceCreatesAFileOfTheOwnerAlone) {
+TEST_F(RegularFileTest, ReplaceCreatesAFileWithMode0600) {
     ASSERT_EQ(RegularFile::replace(file.string(), "content"), 0);
     EXPECT_EQ(readFile(file), "content");
     EXPECT_EQ(fs::status(file).permissions(), fs::perms::owner_read | fs::perms::owner_write);
     EXPECT_THAT(namesIn(folder), ElementsAre("report.xml"));
 }
 
-TEST_F(RegularFileTest, ReplaceLeavesTheOldContentToThoseWhoReadIt) {
+TEST_F(RegularFileTest, AnOpenReaderStillReadsTheOldContentAfterReplace) {
     writeFile(file, "old");
     fs::permissions(file, fs::perms::others_read, fs::perm_options::add);
     std::ifstream reader(file);
@@ -49,7 +49,7 @@ TEST_F(RegularFileTest, ReplaceLeavesTheOldContentToThoseWhoReadIt) {
     EXPECT_EQ(fs::status(file).permissions(), fs::perms::owner_read | fs::perms::owner_write);
 }
 
-TEST_F(RegularFileTest, ReplaceRefusesWhatIsNoRegularFile) {
+TEST_F(RegularFileTest, ReplaceRefusesFilesThatAreNotRegular) {
     const auto pipe = folder / "pipe";
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     const auto link = folder / "link";

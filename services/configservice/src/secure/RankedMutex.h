@@ -1,9 +1,5 @@
 #pragma once
 
-#ifndef NDEBUG
-#include "LockOrder.h"
-#endif
-
 #include <kyr/ThreadSafety.h>
 
 #include <cstdint>
@@ -17,6 +13,15 @@ enum class LockRank : std::uint8_t {
     Chain,
     Observers, ///< Held while observers are called; they may read the chain and add stores.
     Innermost, ///< Held while a table is read; no other lock is acquired under it.
+};
+
+/// Tracks which ranked locks the calling thread holds.
+class LockOrder {
+public:
+    /// Call before acquiring the lock. Ends the process if the thread holds another lock of this rank or a higher one,
+    /// unless it already holds this same lock.
+    static void enter(const void* lock, int rank);
+    static void leave(const void* lock);
 };
 
 /// A standard mutex with a rank. In a debug build a thread that violates the order ends the process with a message,

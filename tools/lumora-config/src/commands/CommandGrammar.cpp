@@ -30,6 +30,10 @@ void addWorkerFlag(CLI::App* app, Command& command) {
     app->add_flag("--worker", command.fromWorker, "Call from a worker thread instead of the services dispatcher's");
 }
 
+void addSetForce(CLI::App* app, Command& command) {
+    app->add_flag("--force", command.forced, "Also set what XML cannot represent or the kind of the key excludes");
+}
+
 void addList(CLI::App& app, Command& command) {
     auto* list = addCommand(app, command, "list", "List keys, values and stores");
     list->add_option("PATTERN", command.prefix, "Only keys that begin with this text or match its wildcards * and ?");
@@ -57,7 +61,8 @@ void addDumps(CLI::App& app, Command& command) {
     load->add_flag("--force", command.forced, "Also set what XML cannot represent or the kind of a key excludes");
     auto* diff = addCommand(app, command, "diff", "Compare profiles, dumps, reports or the values in force");
     const auto addOperand = [&command](const std::string& operand) { command.operands.push_back(operand); };
-    diff->add_option_function<std::string>("FILE", addOperand, "A dump, a report, or the folder of a profile");
+    diff->add_option_function<std::string>("FILE", addOperand,
+                                           "A dump or a report, as text or JSON, or the folder of a profile");
     diff->add_option_function<std::string>("FILE2", addOperand, "The other one; without it the profile in use");
     diff->add_flag("--stores", command.withStores, "Also report equal values that come from different stores");
 }
@@ -82,6 +87,10 @@ void addReads(CLI::App& app, Command& command) {
     report->add_option("--html", command.htmlFile, "Write a page for a browser to this file")
         ->type_name("FILE")
         ->excludes(output);
+    auto* bundle = addCommand(app, command, "bundle", "Write one archive for a problem report, without secrets");
+    bundle->add_option("-o,--output", command.file, "Write to this file; the default names profile and time")
+        ->type_name("FILE");
+    bundle->add_flag("--force", command.forced, "Replace an existing file");
     addCommand(app, command, "log", "Show the settings report of the log");
     addCommand(app, command, "doctor", "Examine the files, directories, policies and the lock of the profile");
 }
@@ -89,12 +98,13 @@ void addReads(CLI::App& app, Command& command) {
 void addWrites(CLI::App& app, Command& command, CommandScope scope) {
     auto* set = addKeyCommand(app, command, "set", "Set the user's value of a key");
     set->add_option("VALUE", command.value, "The value, - to read it from standard input")->required();
-    set->add_flag("--force", command.forced, "Also set what XML cannot represent or the kind of the key excludes");
+    addSetForce(set, command);
     if (scope == CommandScope::Shell) {
         addWorkerFlag(set, command);
     }
     auto* memory = addKeyCommand(app, command, "memory", "Set a value for this run of the client");
     addValue(memory, command);
+    addSetForce(memory, command);
     if (scope == CommandScope::Shell) {
         addWorkerFlag(memory, command);
     }

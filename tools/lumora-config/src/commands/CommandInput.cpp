@@ -3,6 +3,9 @@
 #include "output/Failure.h"
 
 #include <kyr/EndSignals.h>
+#include <kyr/HiddenInput.h>
+#include <kyr/ProcessUtils.h>
+#include <kyr/StandardStreams.h>
 
 #include <array>
 
@@ -11,8 +14,17 @@ namespace lumora_config {
 namespace {
 
 using KyrCoreUtils::EndSignals;
+using KyrCoreUtils::StandardStreams;
 
 constexpr std::size_t largestInput = std::size_t{64} << 20U;
+
+constexpr auto noLine = "standard input has no line with the value";
+
+void requireNoSignal() {
+    if (EndSignals::getReceived() != 0) {
+        throw Failure(ExitCode::Environment, "standard input: a signal arrived before its end");
+    }
+}
 
 std::string readStandardInput() {
     std::string text;
@@ -23,19 +35,40 @@ std::string readStandardInput() {
             throw Failure(ExitCode::Environment, "standard input: larger than 64 MiB");
         }
     }
-    if (EndSignals::getReceived() != 0) {
-        throw Failure(ExitCode::Environment, "standard input: a signal arrived before its end");
-    }
+    requireNoSignal();
     return text;
+}
+
+/// Returns the line that a person types, with its line feed. The terminal does not show it.
+std::string readTypedLine() {
+    const KyrCoreUtils::HiddenInput hidden;
+    StandardStreams::write(StandardStreams::Stream::Error, "value (not shown): ");
+    std::string line;
+    std::array<char, 4096> buffer{};
+    // A terminal returns at most one line for each read.
+    while (!line.ends_with('\n')) {
+        const auto length = EndSignals::readInput(buffer.data(), buffer.size());
+        if (length == 0) {
+            break;
+        }
+        line.append(buffer.data(), length);
+    }
+    requireNoSignal();
+    if (line.empty()) {
+        throw Failure(ExitCode::NotFound, noLine);
+    }
+    return line;
 }
 
 } // namespace
 
 std::string CommandInput::readValue() const {
     std::string value;
-    if (readLine) {
+    if (KyrCoreUtils::ProcessUtils::isInputTerminal()) {
+        value = readTypedLine();
+    } else if (readLine) {
         if (!readLine(value)) {
-            throw Failure(ExitCode::NotFound, "standard input has no line with the value");
+            throw Failure(ExitCode::NotFound, noLine);
         }
         value += '\n';
     } else {

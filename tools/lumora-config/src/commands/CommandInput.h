@@ -15,9 +15,9 @@ public:
     /// that the program is not in the shell.
     void setLineReader(LineReader reader) { readLine = std::move(reader); }
 
-    /// Returns one value: the next line in the shell, otherwise the whole input without one line break at its end.
-    /// Throws Failure: NotFound at the end of the shell's input, Environment if the input is too large or a signal has
-    /// ended it early.
+    /// Returns one value, without one line break at its end: the next line of a terminal, which does not show it, or of
+    /// the shell's input, otherwise the whole input. Throws Failure: NotFound if there is no next line, Environment if
+    /// the input is too large or a signal has ended it early.
     std::string readValue() const;
     /// Returns the whole input. Throws Failure: Usage in the shell, Environment as readValue().
     std::string readAll() const;

@@ -35,9 +35,18 @@ CommandLineCursor::CommandLineCursor(const CLI::App& grammar, const std::vector<
 void CommandLineCursor::follow(const std::string& word) {
     if (waiting != nullptr) {
         if (word != "=") {
-            given[std::exchange(waiting, nullptr)] = word;
+            answered = std::exchange(waiting, nullptr);
+            given[answered] = std::exchange(pairStart, {}) + word;
         }
-    } else if (word == "--" && !onlyPositionals) {
+        return;
+    }
+    if (word == "=" && isFirstOfPair()) {
+        waiting = answered;
+        pairStart = given[answered] + '=';
+        return;
+    }
+    answered = nullptr;
+    if (word == "--" && !onlyPositionals) {
         onlyPositionals = true;
     } else if (word.starts_with('-') && !onlyPositionals) {
         followOption(word);
@@ -59,17 +68,20 @@ void CommandLineCursor::followOption(const std::string& word) {
         return;
     }
     given[option] = value.value_or("");
-    if (takesValue(*option) && !value) {
-        waiting = option;
+    if (takesValue(*option)) {
+        (value ? answered : waiting) = option;
     }
 }
 
 void CommandLineCursor::finish(const std::string& word) {
+    if (word == "=" && waiting == nullptr && isFirstOfPair()) {
+        follow(word);
+    }
     text = word;
     if (waiting != nullptr) {
         expected = waiting;
         optionValue = true;
-        text = word == "=" ? "" : word;
+        text = pairStart + (word == "=" ? "" : word);
         return;
     }
     const auto [name, value] = splitOption(word);
@@ -121,6 +133,11 @@ const CLI::Option* CommandLineCursor::findOption(const std::string& name) const 
         option = root->get_option_no_throw(name);
     }
     return option;
+}
+
+bool CommandLineCursor::isFirstOfPair() const {
+    return answered != nullptr && answered->get_type_name().find('=') != std::string::npos &&
+           given.at(answered).find('=') == std::string::npos;
 }
 
 const CLI::Option* CommandLineCursor::findPositional() const {

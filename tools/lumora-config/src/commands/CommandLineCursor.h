@@ -17,7 +17,7 @@ namespace lumora_config {
 class CommandLineCursor {
 public:
     /// `words` are the arguments without the name of the program. The last one is the word at the cursor; it may be
-    /// empty. A shell may pass "--option=value" as one word or as three.
+    /// empty. A shell may pass "--option=value" as one word or as three, and "NAME=value" too.
     CommandLineCursor(const CLI::App& grammar, const std::vector<std::string>& words);
 
     const CLI::App& getGrammar() const { return *root; }
@@ -45,10 +45,14 @@ private:
     void finish(const std::string& word);
     const CLI::Option* findOption(const std::string& name) const;
     const CLI::Option* findPositional() const;
+    /// Returns true if the value of the last option is the first part of a pair such as NAME=LIBRARY.
+    bool isFirstOfPair() const;
 
     const CLI::App* root;
     const CLI::App* command;
-    const CLI::Option* waiting = nullptr; ///< The option whose value is the next word.
+    const CLI::Option* waiting = nullptr;  ///< The option whose value is the next word.
+    const CLI::Option* answered = nullptr; ///< The option whose value is the last word.
+    std::string pairStart;                 ///< The part of the value before the next word: "NAME=".
     const CLI::Option* expected = nullptr;
     bool optionValue = false;
     bool onlyPositionals = false; ///< True after "--".

@@ -2,20 +2,36 @@
 
 #include <kyr/StringUtils.h>
 
+#include <initializer_list>
+
 namespace lumora_config {
 
 namespace {
 
-CommandTable getAllCommands() {
+CommandTable merge(std::initializer_list<CommandTable> groups) {
     CommandTable all;
-    for (auto group : {getReadCommands(), getKeyCommands(), getWriteCommands(), getDumpCommands(), getDiffCommands(),
-                       getReportCommands(), getLifecycleCommands(), getStorageCommands()}) {
+    for (auto group : groups) {
         all.merge(group);
     }
     return all;
 }
 
+CommandTable getReadingCommands() {
+    return merge({getReadCommands(), getKeyCommands(), getDumpCommands(), getDiffCommands(), getReportCommands(),
+                  getBundleCommands()});
+}
+
+CommandTable getAllCommands() {
+    return merge(
+        {getReadingCommands(), getWriteCommands(), getLoadCommands(), getLifecycleCommands(), getStorageCommands()});
+}
+
 } // namespace
+
+bool changesProfile(const Command& command) {
+    static const CommandTable reading = getReadingCommands();
+    return !command.dryRun && !reading.contains(command.name);
+}
 
 void runCommand(Session& session, const Command& command) {
     static const CommandTable table = getAllCommands();

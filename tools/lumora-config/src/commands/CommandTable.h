@@ -13,15 +13,21 @@ namespace lumora_config {
 /// completed.
 void runCommand(Session& session, const Command& command);
 
+/// Returns false if the command leaves the profile as it is. A dry run of any command does.
+bool changesProfile(const Command& command);
+
 using CommandTable = std::map<std::string, std::function<void(Session&, const Command&)>>;
 
-/// Each function returns the commands of one group by their names.
+/// Each function returns the commands of one group by their names. The commands of these groups change nothing:
 CommandTable getReadCommands();
 CommandTable getKeyCommands();
-CommandTable getWriteCommands();
 CommandTable getDumpCommands();
 CommandTable getDiffCommands();
 CommandTable getReportCommands();
+CommandTable getBundleCommands();
+/// In these groups, a command may change the profile.
+CommandTable getWriteCommands();
+CommandTable getLoadCommands();
 CommandTable getLifecycleCommands();
 CommandTable getStorageCommands();
 

@@ -56,6 +56,9 @@ void addValues(Completion& completion, const CommandLineCursor& cursor, const Co
         completion.paths = Completion::Paths::Directories;
     } else if (kind.starts_with("FILE")) {
         completion.paths = Completion::Paths::Files;
+    } else if (const auto end = cursor.getText().find('='); kind == "NAME=LIBRARY" && end != std::string::npos) {
+        completion.paths = Completion::Paths::Files;
+        completion.pathLead = cursor.getText().substr(0, end + 1);
     } else if (kind == "KEY" || kind == "PREFIX" || kind == "PATTERN") {
         completion.candidates = names.keys();
     } else if (kind == "NAME") {
@@ -86,7 +89,11 @@ std::string toField(std::string text) {
 } // namespace
 
 std::string Completion::toString() const {
-    std::string lines = paths == Paths::Files ? ":files\n" : paths == Paths::Directories ? ":directories\n" : ":none\n";
+    std::string lines = paths == Paths::Files ? ":files" : paths == Paths::Directories ? ":directories" : ":none";
+    if (paths != Paths::None && !pathLead.empty()) {
+        lines += '\t' + toField(pathLead);
+    }
+    lines += '\n';
     for (const auto& candidate : candidates) {
         lines += toField(candidate.text) + '\t' + toField(candidate.description) + '\n';
     }
@@ -104,6 +111,7 @@ Completion complete(const CommandLineCursor& cursor, const CompletionNames& name
         completion.candidates = listCommands(cursor.getGrammar());
     }
     std::erase_if(completion.candidates, [&](const Candidate& candidate) { return !beginsWith(candidate.text, text); });
+    completion.pathLead.insert(0, cursor.getLead());
     for (auto& candidate : completion.candidates) {
         candidate.text.insert(0, cursor.getLead());
     }

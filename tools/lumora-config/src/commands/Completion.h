@@ -19,10 +19,12 @@ struct Completion {
     enum class Paths { None, Files, Directories };
 
     Paths paths = Paths::None; ///< The paths that the shell adds itself.
+    std::string pathLead;      ///< The part of the word before the path, such as "--profile=".
     std::vector<Candidate> candidates;
 
-    /// Returns one line for the paths (":none", ":files" or ":directories") and one for each candidate: its text and,
-    /// after a tab, its description. The scripts in the folder "completions" read this format.
+    /// Returns one line for the paths (":none", ":files" or ":directories" and, after a tab, the part of the word
+    /// before the path) and one for each candidate: its text and, after a tab, its description. The scripts in the
+    /// folder "completions" read this format.
     std::string toString() const;
 };
 

@@ -3,6 +3,7 @@
 #include "CommandTable.h"
 #include "SettingsReader.h"
 #include "output/SettingsComparison.h"
+#include "output/SettingsJson.h"
 #include "output/SettingsText.h"
 #include "stores/KnownKeys.h"
 #include "stores/ReportSettings.h"
@@ -22,13 +23,26 @@ void markSecrets(SettingsDump& dump) {
     }
 }
 
+SettingsDump parseFile(const std::string& content, const std::string& path) {
+    const auto start = content.find_first_not_of(" \t\r\n");
+    if (start != std::string::npos && content[start] == '<') {
+        return parseReport(content, path);
+    }
+    const auto report = findReportText(content);
+    return report ? parseReport(*report, path) : parseDump(content, path);
+}
+
 SettingsDump readFile(const std::string& path) {
     const auto content = readWholeFile(path);
-    const auto start = content.find_first_not_of(" \t\r\n");
-    auto dump =
-        start != std::string::npos && content[start] == '<' ? parseReport(content, path) : parseDump(content, path);
-    markSecrets(dump);
-    return dump;
+    try {
+        auto dump = parseFile(content, path);
+        markSecrets(dump);
+        return dump;
+    } catch (const Failure& failure) {
+        throw Failure(failure.getCode(), std::string(failure.what()) +
+                                             "; diff reads what dump and report write, with or without --json, and "
+                                             "folders of profiles");
+    }
 }
 
 bool isProfile(const std::string& operand) {
@@ -56,25 +70,23 @@ void show(const SettingsDump& left, const SettingsDump& right, const Command& co
 }
 
 void diff(Session& session, const Command& command) {
-    const bool showSecrets = session.getMask().showsSecrets();
-    if (command.operands.empty()) {
-        auto administrators = readAdministratorsValues(session);
-        auto inForce = readEffectiveValues(session);
-        show(administrators, inForce, command, showSecrets, session.getPrinter());
-        return;
-    }
     const auto readProfile = [&](const std::string& folder, const std::string& source) {
         if (!folder.empty()) {
             throw Failure(ExitCode::Usage, folder + ": the shell uses a profile already; compare profiles outside it");
         }
         return readSource(session, source);
     };
-    showDifferences(command, readProfile, showSecrets, session.getPrinter());
+    showDifferences(command, readProfile, session.getMask().showsSecrets(), session.getPrinter());
 }
 
 } // namespace
 
 void showDifferences(const Command& command, const ProfileReader& readProfile, bool showSecrets, Printer& printer) {
+    if (command.operands.empty()) {
+        const auto administrators = readProfile("", "administrator");
+        show(administrators, readProfile("", "effective"), command, showSecrets, printer);
+        return;
+    }
     const auto& first = command.operands.front();
     const auto second = command.operands.size() == 1 ? std::string() : command.operands.back();
     const bool isFirstProfile = isProfile(first);

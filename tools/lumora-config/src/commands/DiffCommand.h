@@ -14,7 +14,8 @@ namespace lumora_config {
 using ProfileReader = std::function<SettingsDump(const std::string& folder, const std::string& source)>;
 
 /// Compares the operands of `diff`: each is a dump, a report or a profile; a missing second operand means the profile
-/// in use. Throws Failure: NotFound if they differ, Environment if one cannot be read.
+/// in use. Without operands compares the administrator's values of the profile in use with those in force. Throws
+/// Failure: NotFound if they differ, Environment if one cannot be read.
 void showDifferences(const Command& command, const ProfileReader& readProfile, bool showSecrets, Printer& printer);
 
 } // namespace lumora_config

@@ -1,20 +1,20 @@
+#include "DumpCommands.h"
+
 #include "CommandTable.h"
 #include "SettingsReader.h"
 #include "StorableCheck.h"
+#include "disk/OutputFile.h"
 #include "output/SettingsText.h"
 #include "stores/SearchPattern.h"
 #include "stores/XmlSettings.h"
 
 #include <kyr/StandardStreams.h>
 #include <kyr/StringUtils.h>
-#include <zel/RegularFile.h>
 
 #include <ConfigKeys.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <iterator>
-#include <system_error>
 
 namespace lumora_config {
 
@@ -27,13 +27,6 @@ bool isStandardStream(const std::string& path) {
     return path.empty() || path == "-";
 }
 
-SettingsDump readForDump(Session& session, const Command& command) {
-    if (command.effective) {
-        return readEffectiveValues(session);
-    }
-    return command.store.empty() ? readUsersValues(session) : readStoreValues(session, command.store);
-}
-
 /// Secrets are written only to files that nobody else may read.
 void requirePrivateOutput(const SettingsDump& dump, const std::string& path) {
     const auto isSecret = [](const DumpedSetting& setting) { return setting.sensitive && !setting.hidden; };
@@ -44,55 +37,9 @@ void requirePrivateOutput(const SettingsDump& dump, const std::string& path) {
     }
 }
 
-void writeDump(const std::string& path, const std::string& text) {
-    const int error = zel::storage::RegularFile::replace(path, text);
-    if (error == EEXIST) {
-        throw Failure(ExitCode::Environment, path + ": cannot be written: it is not a regular file");
-    }
-    if (error != 0) {
-        throw Failure(ExitCode::Environment, path + ": cannot be written: " + std::generic_category().message(error));
-    }
-    DiskCheck::requireFile(path, text);
-}
-
 void dump(Session& session, const Command& command) {
-    auto content = readForDump(session, command);
-    if (!command.prefix.empty()) {
-        const SearchPattern pattern(toWide(command.prefix), SearchPattern::Kind::Prefix);
-        std::erase_if(content.settings, [&](const DumpedSetting& setting) { return !pattern.matches(setting.key); });
-    }
-    if (!session.getMask().showsSecrets()) {
-        hideSecrets(content);
-    }
-    requirePrivateOutput(content, command.file);
-    if (isStandardStream(command.file)) {
-        session.getPrinter().showDump(content);
-        return;
-    }
-    writeDump(command.file, session.getPrinter().formatDump(content));
-    reportDone(session, command, std::to_string(content.settings.size()) + " keys written to " + command.file);
-}
-
-SettingsDump readDump(Session& session, const std::string& path) {
-    return path == "-" ? parseDump(session.getInput().readAll(), "standard input")
-                       : parseDump(readWholeFile(path), path);
-}
-
-/// Returns the values to set. Throws Failure (NotFound) if one of them cannot be set: then none is.
-ZelUnified::ConfigMap collectValues(const SettingsDump& dump, bool forced, LoadSummary& summary) {
-    ZelUnified::ConfigMap values;
-    for (const auto& setting : dump.settings) {
-        if (setting.hidden || belongsToProfile(setting.key)) {
-            ++summary.leftOut;
-            continue;
-        }
-        const auto key = toString(setting.key);
-        requireStorable(key, toString(setting.value), forced);
-        if (!values.emplace(setting.key, setting.value).second) {
-            throw Failure(ExitCode::NotFound, dump.name + " contains the key '" + key + "' twice");
-        }
-    }
-    return values;
+    finishDump(command, readSource(session, nameDumpSource(command)), session.getMask().showsSecrets(),
+               session.getPrinter());
 }
 
 void countChanges(Session& session, const ZelUnified::ConfigMap& values, LoadSummary& summary) {
@@ -121,7 +68,7 @@ void storeAll(Session& session, const ZelUnified::ConfigMap& values) {
 }
 
 void load(Session& session, const Command& command) {
-    const auto content = readDump(session, command.file);
+    const auto content = readDump(session.getInput(), command.file);
     LoadSummary summary;
     summary.file = content.name;
     summary.dryRun = command.dryRun;
@@ -135,8 +82,53 @@ void load(Session& session, const Command& command) {
 
 } // namespace
 
+std::string nameDumpSource(const Command& command) {
+    return command.effective ? "effective" : command.store.empty() ? "user" : command.store;
+}
+
+void finishDump(const Command& command, SettingsDump content, bool showSecrets, Printer& printer) {
+    if (!command.prefix.empty()) {
+        const SearchPattern pattern(toWide(command.prefix), SearchPattern::Kind::Prefix);
+        std::erase_if(content.settings, [&](const DumpedSetting& setting) { return !pattern.matches(setting.key); });
+    }
+    if (!showSecrets) {
+        hideSecrets(content);
+    }
+    requirePrivateOutput(content, command.file);
+    if (isStandardStream(command.file)) {
+        printer.showDump(content);
+        return;
+    }
+    writeOutputFile(command.file, printer.formatDump(content));
+    printer.showDone(command.name, std::to_string(content.settings.size()) + " keys written to " + command.file);
+}
+
+SettingsDump readDump(const CommandInput& input, const std::string& path) {
+    return path == "-" ? parseDump(input.readAll(), "standard input") : parseDump(readWholeFile(path), path);
+}
+
+ZelUnified::ConfigMap collectValues(const SettingsDump& dump, bool forced, LoadSummary& summary) {
+    ZelUnified::ConfigMap values;
+    for (const auto& setting : dump.settings) {
+        if (setting.hidden || belongsToProfile(setting.key)) {
+            ++summary.leftOut;
+            continue;
+        }
+        const auto key = toString(setting.key);
+        requireStorable(key, toString(setting.value), forced);
+        if (!values.emplace(setting.key, setting.value).second) {
+            throw Failure(ExitCode::NotFound, dump.name + " contains the key '" + key + "' twice");
+        }
+    }
+    return values;
+}
+
 CommandTable getDumpCommands() {
-    return {{"dump", dump}, {"load", load}};
+    return {{"dump", dump}};
+}
+
+CommandTable getLoadCommands() {
+    return {{"load", load}};
 }
 
 } // namespace lumora_config

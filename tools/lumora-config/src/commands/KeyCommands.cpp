@@ -1,7 +1,7 @@
 #include "KeyCommands.h"
 
 #include "CommandTable.h"
-#include "UsageMessage.h"
+#include "stores/ClosestNames.h"
 #include "stores/KnownKeys.h"
 
 #include <kyr/StringUtils.h>

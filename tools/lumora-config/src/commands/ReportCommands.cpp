@@ -1,12 +1,12 @@
 #include "CommandTable.h"
 #include "ReportFile.h"
 #include "disk/Doctor.h"
-#include "host/LogLineCatcher.h"
 #include "output/ChainPage.h"
 #include "output/TimeText.h"
 
 #include <kyr/ProcessUtils.h>
 #include <kyr/StringUtils.h>
+#include <zel/LogLineCatcher.h>
 
 #include <chrono>
 
@@ -25,7 +25,8 @@ void reportAsPage(Session& session, const Command& command) {
         session.getMask().hide(key);
         origins.locate(key);
     }
-    findings.health = Doctor(Doctor::Lock::Held, Doctor::Owners::Masked).examine();
+    const auto lock = session.getHost().isProfileLocked() ? Doctor::Lock::Held : Doctor::Lock::NotHeld;
+    findings.health = Doctor(lock, Doctor::Owners::Masked).examine();
     findings.profile = session.getHost().getConfigDirectory();
     findings.host = KyrCoreUtils::ProcessUtils::getHostName();
     findings.madeAt = formatTime(std::chrono::system_clock::now());
@@ -46,7 +47,7 @@ void report(Session& session, const Command& command) {
 }
 
 void log(Session& session, const Command& /*command*/) {
-    const LogLineCatcher catcher("ConfigService-ConfigServiceImpl");
+    const zel::logging::LogLineCatcher catcher("ConfigService-ConfigServiceImpl");
     session.getHost().onServices("lumora-config: log", [&] { session.getHost().getService()->logConfig(); });
     session.getPrinter().showText("log", catcher.getText());
 }

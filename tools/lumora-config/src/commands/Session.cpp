@@ -43,11 +43,11 @@ std::shared_ptr<ZelUnified::ConfigStore> Session::addForeignStore(const StoreSpe
     return store;
 }
 
-void Session::noteArrival(const std::string& storeName, StoreArrivals::Kind kind, const std::string& file) {
+void Session::recordArrival(const std::string& storeName, StoreArrivals::Kind kind, const std::string& file) {
     arrivals.add(host.getFeatureSet()->getConfigStoreByName(storeName), kind, file);
 }
 
-void Session::noteInMemory(const std::wstring& key, const std::wstring& value) {
+void Session::recordInMemory(const std::wstring& key, const std::wstring& value) {
     const std::string storeName(ZelUnified::ConfigKeys::inMemoryConfigStore);
     arrivals.addValue(host.getFeatureSet()->getConfigStoreByName(storeName), key, value);
 }

@@ -39,9 +39,9 @@ public:
     /// Adds the installer's store, which reads this file.
     void addBootstrapStore(const std::shared_ptr<ZelUnified::ConfigStore>& store, const std::string& file);
     /// Records that this program has just filled the store of that name.
-    void noteArrival(const std::string& storeName, StoreArrivals::Kind kind, const std::string& file = {});
+    void recordArrival(const std::string& storeName, StoreArrivals::Kind kind, const std::string& file = {});
     /// Records that this program has just set a value in memory.
-    void noteInMemory(const std::wstring& key, const std::wstring& value);
+    void recordInMemory(const std::wstring& key, const std::wstring& value);
     /// Returns a finder for one question.
     OriginFinder makeOriginFinder() const { return {host.getFeatureSet(), arrivals, host.getConfigDirectory()}; }
 

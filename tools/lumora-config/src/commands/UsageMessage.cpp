@@ -38,15 +38,6 @@ std::vector<std::string> nameOptions(const CLI::App& grammar) {
     return names;
 }
 
-std::string askForOneOf(const std::vector<std::string>& names) {
-    std::string text;
-    for (std::size_t i = 0; i < names.size(); ++i) {
-        const bool isLast = i + 1 == names.size();
-        text += (i == 0 ? "; did you mean " : isLast ? " or " : ", ") + ("'" + names[i] + "'");
-    }
-    return text.empty() ? text : text + '?';
-}
-
 std::string describeUnknownCommand(const CLI::App& grammar, const std::string& word) {
     return "there is no command '" + word + "'" + suggest(word, nameCommands(grammar));
 }
@@ -56,7 +47,7 @@ std::string describeUnknownOption(const CLI::App& grammar, const std::string& wo
     // The dashes are no reason to call two names similar.
     auto closest = closestNames(name.substr(std::min(name.find_first_not_of('-'), name.size())), nameOptions(grammar));
     std::ranges::for_each(closest, [](std::string& option) { option.insert(0, "--"); });
-    return "there is no option '" + name + "'" + askForOneOf(closest);
+    return "there is no option '" + name + "'" + suggestNames(closest);
 }
 
 } // namespace
@@ -84,10 +75,6 @@ std::string getHelp(const CLI::App& grammar, const std::string& command) {
         throw Failure(ExitCode::Usage, describeUnknownCommand(grammar, command));
     }
     return named.front()->help(grammar.get_name());
-}
-
-std::string suggest(const std::string& word, const std::vector<std::string>& candidates) {
-    return askForOneOf(closestNames(word, candidates));
 }
 
 } // namespace lumora_config

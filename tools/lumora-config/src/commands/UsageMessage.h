@@ -1,7 +1,6 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
 namespace CLI {
 class App;
@@ -17,8 +16,5 @@ std::string describeUsage(const CLI::App& grammar, const CLI::ParseError& error)
 /// Returns the help of a command, or of the whole grammar if `command` is empty. Throws Failure (Usage) for an unknown
 /// command.
 std::string getHelp(const CLI::App& grammar, const std::string& command);
-
-/// Returns "; did you mean 'a', 'b' or 'c'?" for the candidates closest to the word, or an empty text.
-std::string suggest(const std::string& word, const std::vector<std::string>& candidates);
 
 } // namespace lumora_config

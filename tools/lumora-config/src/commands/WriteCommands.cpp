@@ -62,6 +62,8 @@ void set(Session& session, const Command& given) {
 }
 
 void memory(Session& session, const Command& command) {
+    requireStorable(command.key, command.value, command.forced);
+    suggestKeys(session, command.key);
     const auto key = toWide(command.key);
     bool stored = false;
     runWrite(session, command,
@@ -69,7 +71,7 @@ void memory(Session& session, const Command& command) {
     if (!stored) {
         throw Failure(ExitCode::NotFound, "there is no volatile store");
     }
-    session.noteInMemory(key, toWide(command.value));
+    session.recordInMemory(key, toWide(command.value));
     reportDone(session, command, spell(command.key) + " set for this run; " + describeOutcome(session, key));
 }
 
@@ -142,7 +144,7 @@ void provision(Session& session, const Command& command) {
                                               ? "the URL contains no setting that may be provisioned"
                                               : "provisioning by URL is not allowed: AllowUrlProvisioning is false");
     }
-    session.noteArrival(std::string(ConfigKeys::urlProvisioningConfigStore), StoreArrivals::Kind::ProvisioningUrl);
+    session.recordArrival(std::string(ConfigKeys::urlProvisioningConfigStore), StoreArrivals::Kind::ProvisioningUrl);
     session.forgetExpected({std::wstring(ConfigKeys::allowUrlProvisioning)});
     requireProvisioned(session);
     reportDone(session, command, "the settings of the URL are stored; run reset-provisioning before another URL");
@@ -174,7 +176,7 @@ void mdm(Session& session, const Command& command) {
             keyCount = store->getKeys().size();
         }
     });
-    session.noteArrival(storeName, StoreArrivals::Kind::DeviceManagement, command.file);
+    session.recordArrival(storeName, StoreArrivals::Kind::DeviceManagement, command.file);
     reportDone(session, command, storeName + " holds " + std::to_string(keyCount) + " keys for this run");
 }
 

@@ -200,7 +200,7 @@ std::string DiskCheck::explainFile(const std::string& path) const {
     }
     const auto name = FileUtils::getFileName(path);
     const auto written = files.find(name);
-    if (written != files.end() && written->second->lastWrite && !written->second->lastWrite->succeeded) {
+    if (written != files.end() && written->second->hasFailedWrite()) {
         return name + ": " + written->second->lastWrite->cause +
                (written->second->pending ? "; the program tries again until it ends" : "");
     }

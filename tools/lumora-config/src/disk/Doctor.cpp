@@ -42,6 +42,12 @@ std::string describeMode(unsigned mode) {
     return text.str();
 }
 
+/// Asks the disk, which a host that only reads does not change.
+bool existsOnDisk(const std::string& path) {
+    std::error_code ignored;
+    return std::filesystem::exists(path, ignored);
+}
+
 bool isDirectory(const std::string& path) {
     std::error_code ignored;
     return std::filesystem::is_directory(path, ignored);
@@ -49,15 +55,10 @@ bool isDirectory(const std::string& path) {
 
 std::string describeFile(const zel::storage::ProtectedFileHealth& file) {
     auto text = describe(file.state);
-    if (file.lastWrite && !file.lastWrite->succeeded) {
+    if (file.hasFailedWrite()) {
         text += ", the last write failed: " + file.lastWrite->cause;
     }
     return file.pending ? text + ", a change is not written yet" : text;
-}
-
-bool needsAttention(const zel::storage::ProtectedFileHealth& file) {
-    const bool isGood = file.state == ReadResult::Ok || file.state == ReadResult::Absent;
-    return !isGood || file.pending || (file.lastWrite && !file.lastWrite->succeeded);
 }
 
 std::string describePolicy(const PolicyImport& policy) {
@@ -132,7 +133,7 @@ void Doctor::examineDirectories() {
         if (directory.empty()) {
             continue;
         }
-        if (!FileUtils::fileExists(directory)) {
+        if (!existsOnDisk(directory)) {
             add("directory", directory, "absent", false);
             continue;
         }
@@ -146,9 +147,9 @@ void Doctor::examineLock() {
         add("lock", configDirectory, lock == Lock::Held ? "held by this process" : "free", false);
         return;
     }
-    const ZelUnified::ProfileLock attempt(configDirectory, FileUtils::getStateDirectory());
-    const bool inUse = attempt.getProblem().find("is in use by") != std::string::npos;
-    add("lock", configDirectory, attempt.isHeld() ? "free" : attempt.getProblem(), !attempt.isHeld() && !inUse);
+    const auto problem = ZelUnified::ProfileLock::findProblem(configDirectory, FileUtils::getStateDirectory());
+    const bool inUse = problem.find("is in use by") != std::string::npos;
+    add("lock", configDirectory, problem.empty() ? "free" : problem, !problem.empty() && !inUse);
 }
 
 void Doctor::examineDefaults() {
@@ -171,8 +172,8 @@ void Doctor::examineProtectedFiles() {
         hasMain = hasMain || (exists && name == ConfigKeys::localConfigFile);
         hasBackup = hasBackup || (exists && name == ConfigKeys::localConfigBackupFile);
         if (exists) {
-            addExisting("file", file.path, describeFile(file), needsAttention(file), writableByOthers);
-        } else if (needsAttention(file)) {
+            addExisting("file", file.path, describeFile(file), file.needsAttention(), writableByOthers);
+        } else if (file.needsAttention()) {
             add("file", file.path, describeFile(file), true);
         }
     }
@@ -194,7 +195,7 @@ void Doctor::examineKeys() {
     const auto folder = FileUtils::getUserLocalAppDir() + FileUtils::FileSeparator() + "keys";
     std::vector<std::string> files;
     FileUtils::getFilesFromDirectory(folder, "", files);
-    if (FileUtils::fileExists(folder)) {
+    if (existsOnDisk(folder)) {
         addExisting("keys", folder, std::to_string(files.size()) + " files", false, usableByOthers);
     }
     for (const auto& path : files) {
@@ -224,7 +225,7 @@ void Doctor::add(const std::string& area, const std::string& path, const std::st
 
 void Doctor::addExisting(const std::string& area, const std::string& path, const std::string& state,
                          bool needsAttention, unsigned harmfulMode) {
-    const auto access = FileAccess::of(path);
+    const auto access = FileAccess::read(path);
     const auto mode = modeOf(path);
     const bool isForeign = !access || access->owner == FileAccess::Owner::Other;
     const bool isOpen = (mode & harmfulMode) != 0;

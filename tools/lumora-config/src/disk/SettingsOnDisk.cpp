@@ -129,24 +129,6 @@ std::vector<zel::storage::ProtectedFileHealth> examineProtectedFiles(const std::
     return files;
 }
 
-std::string describe(ReadResult state) {
-    switch (state) {
-    case ReadResult::Ok:
-        return "good";
-    case ReadResult::Absent:
-        return "absent";
-    case ReadResult::Unreadable:
-        return "unreadable";
-    case ReadResult::WrongKey:
-        return "encrypted with another key";
-    case ReadResult::Damaged:
-        return "damaged";
-    case ReadResult::Empty:
-        return "empty";
-    }
-    return "unknown";
-}
-
 std::wstring toStoredText(const std::wstring& value) {
     // Converts through UTF-8 because the service replaces lone surrogates in that conversion.
     auto kept = KyrCoreUtils::toWideString(KyrCoreUtils::toString(value));

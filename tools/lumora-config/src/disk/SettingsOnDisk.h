@@ -37,9 +37,6 @@ SettingsOnDisk readUserSettings(const std::string& configDirectory);
 /// not a file has their names.
 std::vector<zel::storage::ProtectedFileHealth> examineProtectedFiles(const std::string& configDirectory);
 
-/// Returns the state as a word: "good", "damaged", ...
-std::string describe(zel::storage::ReadResult state);
-
 /// Returns `value` as a document stores it: each character that XML cannot represent is replaced by U+FFFD.
 std::wstring toStoredText(const std::wstring& value);
 

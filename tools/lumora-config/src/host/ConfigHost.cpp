@@ -2,12 +2,12 @@
 
 #include "HostFolders.h"
 #include "InspectionPlugin.h"
-#include "LogLineCatcher.h"
 #include "output/Failure.h"
 
 #include <kyr/FileUtils.h>
 #include <kyr/FunctionTask.h>
 #include <unified/TypeName.h>
+#include <zel/LogLineCatcher.h>
 #include <zel/LogSink.h>
 #include <zel/SystemMonitorFactory.h>
 
@@ -19,6 +19,7 @@
 namespace lumora_config {
 
 using KyrCoreUtils::FileUtils;
+using zel::logging::LogLineCatcher;
 using ZelSystemMonitor::SystemMonitorFactory;
 using ZelUnified::UnifiedFactoryImpl;
 
@@ -38,15 +39,15 @@ std::string settleDirectories(const KyrCoreUtils::HostDirectories& directories) 
     return configDirectory;
 }
 
-void startLog(bool verbose) {
-    zel::logging::setDebugEnabled(verbose);
+void startLog() {
     zel::logging::logToFile(FileUtils::getStateDirectory() + FileUtils::FileSeparator() + "lumora-config.log");
 }
 
-std::shared_ptr<UnifiedFactoryImpl> makeFactory(const std::string& pluginDirectory,
+std::shared_ptr<UnifiedFactoryImpl> makeFactory(const std::string& pluginDirectory, ProfileUse use,
                                                 const std::vector<PluginSpec>& foreign) {
     ZelUnified::UnifiedFactoryOptions options;
-    options.openedForWriting = true;
+    options.openedForWriting = use == ProfileUse::Change;
+    options.changesInMemory = use == ProfileUse::Read;
     options.pluginFolder = pluginDirectory;
     options.plugins = {{ZelUnified::readableTypeName<ZelUnified::ConfigService>(), LUMORA_PLUGIN_LIBRARY},
                        {ZelUnified::readableTypeName<ZelUnified::ConfigFeatureSet>(), LUMORA_PLUGIN_LIBRARY}};
@@ -63,22 +64,23 @@ std::shared_ptr<UnifiedFactoryImpl> makeFactory(const std::string& pluginDirecto
 } // namespace
 
 ConfigHost::ConfigHost(const KyrCoreUtils::HostDirectories& directories, const std::string& plugins, bool verbose,
-                       std::vector<PluginSpec> foreignPlugins)
+                       ProfileUse profileUse, std::vector<PluginSpec> foreignPlugins)
     : configDirectory(settleDirectories(directories)),
       pluginDirectory(findPluginFolder(plugins)),
       foreign(std::move(foreignPlugins)),
-      lock(configDirectory, FileUtils::getStateDirectory()),
-      factory(makeFactory(pluginDirectory, foreign)) {
-    if (!lock.isHeld()) {
-        throw Failure(ExitCode::Environment, lock.getProblem());
+      use(profileUse),
+      factory(makeFactory(pluginDirectory, use, foreign)) {
+    zel::logging::setDebugEnabled(verbose);
+    if (use == ProfileUse::Change) {
+        lockProfile();
+        startLog();
     }
-    startLog(verbose);
     SystemMonitorFactory::overrideInstance(powerSwitch);
     zel::common::TimerSource::overrideInstance(timerSwitch);
     factory->Init();
     try {
         load();
-        requireDefaultsAccepted(FileUtils::getResourcesDirectory());
+        requireDefaultsAccepted(FileUtils::getResourcesDirectory(), use);
     } catch (...) {
         end();
         throw;
@@ -168,6 +170,13 @@ std::string ConfigHost::nameThread() const {
         return "services";
     }
     return std::this_thread::get_id() == mainThread ? "main" : "background";
+}
+
+void ConfigHost::lockProfile() {
+    lock.emplace(configDirectory, FileUtils::getStateDirectory());
+    if (!lock->isHeld()) {
+        throw Failure(ExitCode::Environment, lock->getProblem());
+    }
 }
 
 void ConfigHost::load() {

@@ -2,6 +2,7 @@
 
 #include "PluginSpec.h"
 #include "PowerSwitch.h"
+#include "ProfileUse.h"
 #include "TimerSwitch.h"
 
 #include <kyr/FileUtils.h>
@@ -13,21 +14,22 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
 
 namespace lumora_config {
 
-/// A complete host: sets the directories, locks the profile, loads the plug-in and unloads it. The service and the
-/// feature set live as long as the host. The destructor runs all delayed work at once, so the user's file and its
-/// backup are both written. Construct, use and destroy on the main thread.
+/// A complete host: sets the directories, locks the profile if it may change it, loads the plug-in and unloads it. The
+/// service and the feature set live as long as the host. The destructor runs all delayed work at once, so the user's
+/// file and its backup are both written. Construct, use and destroy on the main thread.
 class ConfigHost {
 public:
     /// Loads the plug-in from the folder `plugins` or, if that is empty, from the folder beside the program. Does not
     /// start the feature set. Throws Failure (Environment) and leaves nothing running.
     ConfigHost(const KyrCoreUtils::HostDirectories& directories, const std::string& plugins, bool verbose,
-               std::vector<PluginSpec> foreignPlugins = {});
+               ProfileUse profileUse, std::vector<PluginSpec> foreignPlugins = {});
     ~ConfigHost();
     ConfigHost(const ConfigHost&) = delete;
     ConfigHost& operator=(const ConfigHost&) = delete;
@@ -62,8 +64,11 @@ public:
     const std::shared_ptr<ZelUnified::ConfigFeatureSet>& getFeatureSet() const { return featureSet; }
     const std::shared_ptr<ZelUnified::ConfigService>& getService() const { return service; }
     const std::string& getConfigDirectory() const { return configDirectory; }
+    /// Returns true if this process holds the lock of the profile.
+    bool isProfileLocked() const { return lock.has_value(); }
 
 private:
+    void lockProfile();
     void load();
     void end();
 
@@ -73,8 +78,9 @@ private:
     const std::string configDirectory;
     const std::string pluginDirectory;
     const std::vector<PluginSpec> foreign;
+    const ProfileUse use;
     /// Two processes that write one configuration would overwrite each other's values.
-    const ZelUnified::ProfileLock lock;
+    std::optional<ZelUnified::ProfileLock> lock;
     const std::shared_ptr<ZelUnified::UnifiedFactoryImpl> factory;
     std::shared_ptr<ZelUnified::ConfigFeatureSet> featureSet;
     std::shared_ptr<ZelUnified::ConfigService> service;

@@ -41,7 +41,7 @@ std::string getQuarantinePath(const std::string& resourcesDirectory) {
 
 } // namespace
 
-std::string whyUntrusted(const FileAccess& access) {
+std::string findReasonForDistrust(const FileAccess& access) {
     if (access.owner == FileAccess::Owner::Other) {
         return "belongs to another user, " + access.ownerName;
     }
@@ -50,8 +50,8 @@ std::string whyUntrusted(const FileAccess& access) {
 
 void requireTrusted(const std::vector<std::string>& paths) {
     for (const auto& path : paths) {
-        const auto access = FileAccess::of(path);
-        const auto reason = access ? whyUntrusted(*access) : std::string();
+        const auto access = FileAccess::read(path);
+        const auto reason = access ? findReasonForDistrust(*access) : std::string();
         if (!reason.empty()) {
             throw Failure(ExitCode::Environment, path + ": " + reason + "; --trust accepts it");
         }
@@ -88,10 +88,11 @@ void requireDefaultsFile(const std::string& resourcesDirectory) {
     throw Failure(ExitCode::Environment, message);
 }
 
-void requireDefaultsAccepted(const std::string& resourcesDirectory) {
+void requireDefaultsAccepted(const std::string& resourcesDirectory, ProfileUse use) {
     const auto path = getDefaultsPath(resourcesDirectory);
     if (!FileUtils::fileExists(path)) {
-        throw Failure(ExitCode::Environment, path + ": not XML; kept as " + getQuarantinePath(resourcesDirectory));
+        const auto kept = use == ProfileUse::Change ? "; kept as " + getQuarantinePath(resourcesDirectory) : "";
+        throw Failure(ExitCode::Environment, path + ": not XML" + kept);
     }
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ProfileUse.h"
+
 #include <kyr/FileAccess.h>
 
 #include <string>
@@ -10,7 +12,7 @@ namespace lumora_config {
 
 /// Returns "" if a directory or a library with this access is trusted. Otherwise returns the reason: it belongs to
 /// another user who is not root, or everybody may write it.
-std::string whyUntrusted(const KyrCoreUtils::FileAccess& access);
+std::string findReasonForDistrust(const KyrCoreUtils::FileAccess& access);
 
 /// Throws Failure (Environment) for the first existing directory or library that is not trusted.
 void requireTrusted(const std::vector<std::string>& paths);
@@ -24,7 +26,7 @@ std::string findPluginFolder(const std::string& requested);
 void requireDefaultsFile(const std::string& resourcesDirectory);
 
 /// Checks that the service has accepted the defaults file; it moves a file aside that is not XML. Throws Failure
-/// (Environment) with the new path in that case.
-void requireDefaultsAccepted(const std::string& resourcesDirectory);
+/// (Environment) in that case, with the new path if the file was moved on the disk.
+void requireDefaultsAccepted(const std::string& resourcesDirectory, ProfileUse use);
 
 } // namespace lumora_config

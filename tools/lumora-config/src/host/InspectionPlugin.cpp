@@ -1,14 +1,15 @@
 #include "InspectionPlugin.h"
 
-#include "LogLineCatcher.h"
 #include "output/Failure.h"
 
 #include <unified/TypeName.h>
+#include <zel/LogLineCatcher.h>
 
 #include <InspectionService.h>
 
 namespace lumora_config {
 
+using zel::logging::LogLineCatcher;
 using ZelUnified::InspectionService;
 
 std::map<std::string, std::string> InspectionPlugin::describe() {

@@ -1,5 +1,7 @@
 #include "PowerSwitch.h"
 
+#include <kyr/LockGuard.h>
+
 #include <algorithm>
 #include <utility>
 
@@ -18,21 +20,21 @@ auto sameAs(const std::weak_ptr<PowerEventObserver>& observer) {
 } // namespace
 
 void PowerSwitch::addPowerEventObserver(std::weak_ptr<PowerEventObserver> observer) {
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     if (std::ranges::none_of(observers, sameAs(observer))) {
         observers.push_back(std::move(observer));
     }
 }
 
 void PowerSwitch::removePowerEventObserver(std::weak_ptr<PowerEventObserver> observer) {
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     std::erase_if(observers, sameAs(observer));
 }
 
 std::size_t PowerSwitch::announce(ZelSystemMonitor::PowerEventTypeEnum::PowerEventType type) {
     std::vector<std::shared_ptr<PowerEventObserver>> alive;
     {
-        const std::lock_guard lock(mutex);
+        const KyrCoreUtils::LockGuard lock(mutex);
         for (const auto& observer : observers) {
             if (auto living = observer.lock()) {
                 alive.push_back(std::move(living));

@@ -1,9 +1,9 @@
 #pragma once
 
+#include <kyr/AnnotatedMutex.h>
 #include <zel/SystemMonitor.h>
 
 #include <memory>
-#include <mutex>
 #include <vector>
 
 namespace lumora_config {
@@ -18,8 +18,8 @@ public:
     std::size_t announce(ZelSystemMonitor::PowerEventTypeEnum::PowerEventType type);
 
 private:
-    std::mutex mutex;
-    std::vector<std::weak_ptr<ZelSystemMonitor::PowerEventObserver>> observers; ///< Guarded by `mutex`.
+    KyrCoreUtils::AnnotatedMutex<> mutex;
+    std::vector<std::weak_ptr<ZelSystemMonitor::PowerEventObserver>> observers LUMORA_GUARDED_BY(mutex);
 };
 
 } // namespace lumora_config

@@ -1,11 +1,13 @@
 #include "TimerSwitch.h"
 
+#include <kyr/LockGuard.h>
+
 #include <utility>
 
 namespace lumora_config {
 
 TimerSwitch::Alarm TimerSwitch::set(std::int64_t seconds, std::function<void()> ring) {
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     const Alarm alarm = ++last;
     PendingAlarm& added = pending[alarm];
     added.action = std::move(ring);
@@ -19,7 +21,7 @@ TimerSwitch::Alarm TimerSwitch::set(std::int64_t seconds, std::function<void()> 
 
 void TimerSwitch::cancel(Alarm alarm) {
     PendingAlarm cancelled;
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     if (const auto found = pending.find(alarm); found != pending.end()) {
         clock->cancel(found->second.clockAlarm);
         cancelled = std::move(found->second); // may own the last references of its captures: destroyed after the unlock
@@ -30,7 +32,7 @@ void TimerSwitch::cancel(Alarm alarm) {
 void TimerSwitch::fireAll() {
     std::map<Alarm, PendingAlarm> due;
     {
-        const std::lock_guard lock(mutex);
+        const KyrCoreUtils::LockGuard lock(mutex);
         due.swap(pending);
     }
     for (const auto& [alarm, entry] : due) {
@@ -42,7 +44,7 @@ void TimerSwitch::fireAll() {
 void TimerSwitch::fire(Alarm alarm) {
     PendingAlarm due;
     {
-        const std::lock_guard lock(mutex);
+        const KyrCoreUtils::LockGuard lock(mutex);
         const auto found = pending.find(alarm);
         if (found == pending.end()) {
             return;

@@ -1,10 +1,10 @@
 #pragma once
 
+#include <kyr/AnnotatedMutex.h>
 #include <zel/TimerSource.h>
 
 #include <map>
 #include <memory>
-#include <mutex>
 
 namespace lumora_config {
 
@@ -28,9 +28,10 @@ private:
     void fire(Alarm alarm);
 
     const std::shared_ptr<TimerSource> clock = TimerSource::getInstance();
-    std::mutex mutex;
-    Alarm last = 0;                        ///< Guarded by `mutex`.
-    std::map<Alarm, PendingAlarm> pending; ///< Guarded by `mutex`. The thread that removes an alarm fires it.
+    KyrCoreUtils::AnnotatedMutex<> mutex;
+    Alarm last LUMORA_GUARDED_BY(mutex) = 0;
+    /// The thread that removes an alarm fires it.
+    std::map<Alarm, PendingAlarm> pending LUMORA_GUARDED_BY(mutex);
 };
 
 } // namespace lumora_config

@@ -1,7 +1,11 @@
 #include "LiveCommands.h"
 
+#include "LiveBundle.h"
 #include "LiveReplies.h"
+#include "LiveSettings.h"
+#include "commands/BundleCommand.h"
 #include "commands/CommandTable.h"
+#include "commands/DiffCommand.h"
 #include "commands/KeyCommands.h"
 #include "commands/ListSearch.h"
 #include "commands/ReportFile.h"
@@ -47,8 +51,12 @@ LiveCommands::Body LiveCommands::find(const Command& command) {
                                                     {"log", &LiveCommands::log},
                                                     {"doctor", &LiveCommands::doctor},
                                                     {"set", &LiveCommands::set},
-                                                    {"memory", &LiveCommands::change},
+                                                    {"memory", &LiveCommands::set},
                                                     {"mdm", &LiveCommands::setManaged},
+                                                    {"dump", &LiveCommands::dump},
+                                                    {"load", &LiveCommands::load},
+                                                    {"diff", &LiveCommands::diff},
+                                                    {"bundle", &LiveCommands::bundle},
                                                     {"reset", &LiveCommands::change},
                                                     {"provision", &LiveCommands::change},
                                                     {"reset-provisioning", &LiveCommands::change},
@@ -153,7 +161,8 @@ void LiveCommands::doctor(const Command& /*command*/) {
 }
 
 void LiveCommands::set(const Command& command) {
-    const auto value = command.value == "-" ? input.readValue() : command.value;
+    const bool isInput = command.name == "set" && command.value == "-";
+    const auto value = isInput ? input.readValue() : command.value;
     requireStorable(command.key, value, command.forced);
     suggestKeys(command.key);
     auto given = command;
@@ -179,18 +188,22 @@ void LiveCommands::change(const Command& command) {
 }
 
 std::string LiveCommands::makePage() {
-    const auto reply = client.ask({{"verb", "explanations"}, {"showSecrets", showSecrets}});
-    auto findings = toChain(reply);
-    auto origins = makeOriginFinder();
-    for (auto& key : findings.keys) {
-        origins.locate(key);
-    }
-    findings.health = examine(Doctor::Owners::Masked);
+    auto findings = readChain(showSecrets);
     findings.profile = KyrCoreUtils::FileUtils::getConfigDirectory();
     findings.host = KyrCoreUtils::ProcessUtils::getHostName();
     findings.madeAt = formatTime(std::chrono::system_clock::now());
     findings.showsSecrets = showSecrets;
     return renderChainPage(findings);
+}
+
+ChainFindings LiveCommands::readChain(bool withSecrets) {
+    auto findings = toChain(client.ask({{"verb", "explanations"}, {"showSecrets", withSecrets}}));
+    auto origins = makeOriginFinder();
+    for (auto& key : findings.keys) {
+        origins.locate(key);
+    }
+    findings.health = examine(Doctor::Owners::Masked);
+    return findings;
 }
 
 HealthReport LiveCommands::examine(Doctor::Owners owners) {
@@ -217,6 +230,30 @@ void LiveCommands::suggestKeys(const std::string& key) {
 
 OriginFinder LiveCommands::makeOriginFinder() {
     return {toStores(client.ask({{"verb", "stores"}})), KyrCoreUtils::FileUtils::getConfigDirectory()};
+}
+
+void LiveCommands::dump(const Command& command) {
+    LiveSettings(client).dump(command, showSecrets, printer);
+}
+
+void LiveCommands::load(const Command& command) {
+    LiveSettings(client).load(command, input, printer);
+}
+
+/// Like a host of its own, compares secrets even if they are not printed.
+void LiveCommands::diff(const Command& command) {
+    const auto read = [this](const std::string& folder, const std::string& source) {
+        if (!folder.empty()) {
+            throw Failure(ExitCode::Usage, folder + ": the shell uses a profile already; compare profiles outside it");
+        }
+        return LiveSettings(client).read(source, true);
+    };
+    showDifferences(command, read, showSecrets, printer);
+}
+
+void LiveCommands::bundle(const Command& command) {
+    writeBundle(
+        command, showSecrets, [this] { return collectBundle(client, readChain(false)); }, printer);
 }
 
 } // namespace lumora_config

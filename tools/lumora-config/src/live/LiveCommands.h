@@ -5,6 +5,7 @@
 #include "commands/CommandInput.h"
 #include "disk/Doctor.h"
 #include "disk/OriginFinder.h"
+#include "output/ChainPage.h"
 #include "output/Printer.h"
 
 #include <string>
@@ -42,9 +43,15 @@ private:
     void set(const Command& command);
     void setManaged(const Command& command);
     void change(const Command& command);
+    void dump(const Command& command);
+    void load(const Command& command);
+    void diff(const Command& command);
+    void bundle(const Command& command);
 
     /// Returns the page for a browser.
     std::string makePage();
+    /// Returns the stores, the keys with the origins of their values, and the health of the profile.
+    ChainFindings readChain(bool withSecrets);
     /// Returns what the client and this process know about the health of the profile.
     HealthReport examine(Doctor::Owners owners);
     void suggestKeys(const std::string& key);

@@ -3,8 +3,8 @@
 #include "LiveCommands.h"
 #include "LiveReplies.h"
 #include "commands/CatalogueCandidates.h"
-#include "commands/ShellWords.h"
 #include "output/Failure.h"
+#include "shell/ShellWords.h"
 #include "stores/KnownKeys.h"
 
 #include <kyr/FileUtils.h>

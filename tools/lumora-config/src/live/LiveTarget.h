@@ -1,7 +1,7 @@
 #pragma once
 
 #include "InspectionClient.h"
-#include "commands/ShellTarget.h"
+#include "shell/ShellTarget.h"
 
 namespace lumora_config {
 

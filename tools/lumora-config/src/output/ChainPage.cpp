@@ -50,7 +50,7 @@ std::string shownMasked(const std::string& text) {
     return shown(ZelLogger_replacePIIData(text));
 }
 
-std::string whatHolds(const std::string& storeName) {
+std::string describeContent(const std::string& storeName) {
     const auto* const known = std::ranges::find(knownStores, storeName, &KnownStore::name);
     return std::string(known == knownStores.end() ? "added by another service" : known->holds);
 }
@@ -156,7 +156,7 @@ private:
         for (const auto& store : findings.stores) {
             stores.push_back({{"priority", store.priority},
                               {"name", shown(store.name)},
-                              {"holds", whatHolds(store.name)},
+                              {"holds", describeContent(store.name)},
                               {"readOnly", store.readOnly},
                               {"local", store.local},
                               {"keys", store.keyCount}});

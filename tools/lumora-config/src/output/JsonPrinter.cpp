@@ -216,6 +216,14 @@ void JsonPrinter::showComparison(const Comparison& comparison) {
     write(toJson(comparison));
 }
 
+void JsonPrinter::showBundle(const BundleSummary& bundle) {
+    Json object{{"type", "bundle"}, {"file", bundle.file}, {"madeAt", bundle.madeAt}, {"members", Json::array()}};
+    for (const auto& member : bundle.members) {
+        object["members"].push_back({{"name", member.name}, {"bytes", member.bytes}, {"contents", member.contents}});
+    }
+    write(object);
+}
+
 void JsonPrinter::showNotification(const Notification& notification) {
     Json object{{"type", "notification"},
                 {"key", toString(notification.key)},
@@ -249,7 +257,7 @@ void JsonPrinter::showFailure(const std::string& command, const Failure& failure
     diagnostics.writeMessage(std::string("lumora-config: ") + failure.what());
 }
 
-bool JsonPrinter::isHeard() const {
+bool JsonPrinter::canPrint() const {
     return output.getError() == 0;
 }
 

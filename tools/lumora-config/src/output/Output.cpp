@@ -2,6 +2,7 @@
 
 #include "EscapedText.h"
 
+#include <kyr/LockGuard.h>
 #include <kyr/StandardStreams.h>
 
 #include <cstdlib>
@@ -61,14 +62,14 @@ void Output::writeMessage(std::string_view message) {
 }
 
 void Output::writeEscaped(std::string_view text) {
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     if (error == 0) {
         error = writer(text);
     }
 }
 
 int Output::getError() const {
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     return error;
 }
 

@@ -1,8 +1,9 @@
 #pragma once
 
+#include <kyr/AnnotatedMutex.h>
+
 #include <cstddef>
 #include <functional>
-#include <mutex>
 #include <string>
 #include <string_view>
 
@@ -46,8 +47,8 @@ public:
 private:
     const OutputForm form;
     const Writer writer;
-    mutable std::mutex mutex;
-    int error = 0; ///< Guarded by `mutex`.
+    mutable KyrCoreUtils::AnnotatedMutex<> mutex;
+    int error LUMORA_GUARDED_BY(mutex) = 0;
 };
 
 } // namespace lumora_config

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "BundleSummary.h"
 #include "Failure.h"
 #include "Findings.h"
 #include "KeyFindings.h"
@@ -36,6 +37,7 @@ public:
     virtual std::string formatDump(const SettingsDump& dump) const = 0;
     virtual void showLoad(const LoadSummary& summary) = 0;
     virtual void showComparison(const Comparison& comparison) = 0;
+    virtual void showBundle(const BundleSummary& bundle) = 0;
     virtual void showNotification(const Notification& notification) = 0;
     /// Reports that a command without a result is done.
     virtual void showDone(const std::string& command, const std::string& message) = 0;
@@ -46,8 +48,8 @@ public:
     /// Returns true if showValue() prints the origin without being asked for it.
     virtual bool alwaysShowsOrigin() const = 0;
 
-    /// Returns false after an answer could not be written. Nothing more is written then.
-    virtual bool isHeard() const = 0;
+    /// Returns false once an answer could not be written; nothing more is written then.
+    virtual bool canPrint() const = 0;
 };
 
 } // namespace lumora_config

@@ -74,6 +74,15 @@ nlohmann::ordered_json toJson(const Comparison& comparison) {
     return object;
 }
 
+std::optional<std::string> findReportText(std::string_view content) {
+    const auto object = Object::parse(content, nullptr, false);
+    if (!object.is_object() || object.value("type", Object()) != "report") {
+        return std::nullopt;
+    }
+    const auto text = object.find("text");
+    return text != object.end() && text->is_string() ? std::optional(text->get<std::string>()) : std::nullopt;
+}
+
 SettingsDump parseJsonDump(std::string_view content, const std::string& name) {
     SettingsDump dump{"", {}, name};
     try {

@@ -228,6 +228,16 @@ void TextPrinter::showComparison(const Comparison& comparison) {
     output.writeEscaped(text);
 }
 
+void TextPrinter::showBundle(const BundleSummary& bundle) {
+    TextTable table({TextTable::Column::Left, TextTable::Column::Right, TextTable::Column::Left});
+    table.addRow({"FILE", "BYTES", "CONTENTS"}, TextTable::Style::Faint);
+    for (const auto& member : bundle.members) {
+        table.addRow({toOneLine(member.name), std::to_string(member.bytes), toOneLine(member.contents)});
+    }
+    const auto title = bundle.file.empty() ? "Problem report of " + bundle.madeAt : bundle.file;
+    output.writeEscaped(toOneLine(title) + "\n\n" + table.toString(output.getForm()));
+}
+
 void TextPrinter::showNotification(const Notification& notification) {
     std::string companions;
     for (const auto& [key, value] : notification.companions) {
@@ -250,7 +260,7 @@ void TextPrinter::showFailure(const std::string& /*command*/, const Failure& fai
     diagnostics.writeMessage(std::string("lumora-config: ") + failure.what());
 }
 
-bool TextPrinter::isHeard() const {
+bool TextPrinter::canPrint() const {
     return output.getError() == 0;
 }
 

@@ -25,12 +25,13 @@ public:
     std::string formatDump(const SettingsDump& dump) const override;
     void showLoad(const LoadSummary& summary) override;
     void showComparison(const Comparison& comparison) override;
+    void showBundle(const BundleSummary& bundle) override;
     void showNotification(const Notification& notification) override;
     void showDone(const std::string& command, const std::string& message) override;
     void showWarning(const std::string& message) override;
     void showFailure(const std::string& command, const Failure& failure) override;
     bool alwaysShowsOrigin() const override { return false; }
-    bool isHeard() const override;
+    bool canPrint() const override;
 
 private:
     Output& output;

@@ -111,7 +111,7 @@ std::vector<Explanation> ChainInspector::explainAll() const {
     const auto stores = getStores();
     const auto facts = factsOf(stores); // once, since counting the keys of a store copies them
     std::vector<Explanation> explanations;
-    for (const auto& [current, asked] : namesToAsk(stores)) {
+    for (const auto& [newName, asked] : namesToAsk(stores)) {
         explanations.push_back(explain(asked, stores, facts));
     }
     return explanations;
@@ -154,7 +154,7 @@ std::vector<StoreFacts> ChainInspector::listStores() const {
 }
 
 ChainInspector::Stores ChainInspector::getStores() const {
-    learnNames();
+    collectNames();
     Stores stores;
     for (const auto& name : names->getAll()) {
         if (auto store = featureSet->getConfigStoreByName(name)) {
@@ -165,19 +165,19 @@ ChainInspector::Stores ChainInspector::getStores() const {
     return stores;
 }
 
-void ChainInspector::learnNames() const {
+void ChainInspector::collectNames() const {
     // The value of this key names the cached stores of earlier runs: NAME:PRIORITY; and so on.
     std::wstring record;
     featureSet->getConfig(std::wstring(ZelUnified::ConfigKeys::primaryConfigStores), record, false);
     std::vector<std::wstring> entries;
     KyrCoreUtils::split(record, entries, L";");
     for (const auto& entry : entries) {
-        names->learn(KyrCoreUtils::toString(entry.substr(0, entry.find(L':'))));
+        names->addIfNew(KyrCoreUtils::toString(entry.substr(0, entry.find(L':'))));
     }
     const auto records = service->getAllConfig();
     for (const auto& value : *records) {
-        names->learn(KyrCoreUtils::toString(value->getValueStoreName()));
-        names->learn(KyrCoreUtils::toString(value->getOriginalValueStoreName()));
+        names->addIfNew(KyrCoreUtils::toString(value->getValueStoreName()));
+        names->addIfNew(KyrCoreUtils::toString(value->getOriginalValueStoreName()));
     }
 }
 

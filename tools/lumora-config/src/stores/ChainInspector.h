@@ -40,12 +40,12 @@ public:
     /// Returns the stores in chain order.
     Stores getStores() const;
     /// Adds a store name before the arrival of the store is announced.
-    void expectStore(const std::string& name) { names->learn(name); }
+    void expectStore(const std::string& name) { names->addIfNew(name); }
 
 private:
     /// `facts` describes each of `stores`.
     Explanation explain(const std::wstring& key, const Stores& stores, const std::vector<StoreFacts>& facts) const;
-    void learnNames() const;
+    void collectNames() const;
 
     const std::shared_ptr<ZelUnified::ConfigFeatureSet> featureSet;
     const std::shared_ptr<ZelUnified::ConfigService> service;

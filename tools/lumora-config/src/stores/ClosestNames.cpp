@@ -72,4 +72,17 @@ std::vector<std::string> closestNames(std::string_view word, const std::vector<s
     return closest;
 }
 
+std::string suggestNames(const std::vector<std::string>& names) {
+    std::string text;
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        const bool isLast = i + 1 == names.size();
+        text += (i == 0 ? "; did you mean " : isLast ? " or " : ", ") + ("'" + names[i] + "'");
+    }
+    return text.empty() ? text : text + '?';
+}
+
+std::string suggest(std::string_view word, const std::vector<std::string>& candidates) {
+    return suggestNames(closestNames(word, candidates));
+}
+
 } // namespace lumora_config

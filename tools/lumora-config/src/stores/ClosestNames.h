@@ -12,4 +12,9 @@ namespace lumora_config {
 /// letters. Compares bytes, so a letter outside ASCII counts as several. Any thread.
 std::vector<std::string> closestNames(std::string_view word, const std::vector<std::string>& candidates);
 
+/// Returns "; did you mean 'a', 'b' or 'c'?" for these names, or an empty text for none. Any thread.
+std::string suggestNames(const std::vector<std::string>& names);
+/// Returns the question for the candidates closest to the word, or an empty text. Any thread.
+std::string suggest(std::string_view word, const std::vector<std::string>& candidates);
+
 } // namespace lumora_config

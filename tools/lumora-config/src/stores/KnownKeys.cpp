@@ -31,29 +31,6 @@ KeyFacts factsOf(const ConfigKeys::KeyRow& row) {
     return facts;
 }
 
-/// Matches without recursion: after a mismatch, the last `*` takes one more character. Earlier ones need no retry.
-bool matchesWildcards(std::wstring_view name, std::wstring_view pattern) {
-    std::size_t at = 0;
-    std::size_t next = 0;
-    std::size_t star = std::wstring_view::npos;
-    std::size_t resume = 0;
-    while (at < name.size()) {
-        if (next < pattern.size() && pattern[next] == L'*') {
-            star = next++;
-            resume = at;
-        } else if (next < pattern.size() && (pattern[next] == L'?' || pattern[next] == name[at])) {
-            ++next;
-            ++at;
-        } else if (star != std::wstring_view::npos) {
-            next = star + 1;
-            at = ++resume;
-        } else {
-            return false;
-        }
-    }
-    return pattern.find_first_not_of(L'*', next) == std::wstring_view::npos;
-}
-
 } // namespace
 
 std::optional<KeyFacts> findKeyFacts(const std::wstring& key) {
@@ -89,12 +66,10 @@ std::string spell(const std::string& key) {
 }
 
 bool matchesPattern(std::wstring_view name, std::wstring_view pattern) {
-    const auto folded = KyrCoreUtils::toLowercase(std::wstring(pattern));
-    const auto foldedName = KyrCoreUtils::toLowercase(std::wstring(name));
-    if (folded.find_first_of(L"*?") == std::wstring::npos) {
-        return foldedName.find(folded) != std::wstring::npos;
+    if (pattern.find_first_of(L"*?") == std::wstring_view::npos) {
+        return KyrCoreUtils::caseInsensitiveFind(name, pattern) >= 0;
     }
-    return matchesWildcards(foldedName, folded);
+    return KyrCoreUtils::matchesWildcards(name, pattern);
 }
 
 } // namespace lumora_config

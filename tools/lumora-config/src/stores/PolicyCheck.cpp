@@ -106,13 +106,7 @@ std::string PolicyCheck::suggest(const std::string& key) {
     if (suggestionCount++ >= mostSuggestions) {
         return {};
     }
-    const auto closest = closestNames(key, knownNames);
-    std::string text;
-    for (const auto& name : closest) {
-        text += text.empty() ? "; did you mean '" : &name == &closest.back() ? " or '" : ", '";
-        text += name + '\'';
-    }
-    return text.empty() ? text : text + '?';
+    return lumora_config::suggest(key, knownNames);
 }
 
 void PolicyCheck::add(std::size_t line, const std::string& text, PolicyRemark::Kind kind) {

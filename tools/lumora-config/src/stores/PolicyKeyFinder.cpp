@@ -11,7 +11,7 @@ using namespace zel::registry;
 namespace {
 
 /// Removes the first component from the path and returns it.
-std::wstring_view takeComponent(std::wstring_view& path) {
+std::wstring_view removeFirstComponent(std::wstring_view& path) {
     const auto end = path.find(L'\\');
     const auto component = path.substr(0, end);
     path.remove_prefix(end == std::wstring_view::npos ? path.size() : end + 1);
@@ -36,7 +36,7 @@ KeyPlaces PolicyKeyFinder::find(const std::vector<std::string>& files) {
 const PolicyKeyFinder::Node* PolicyKeyFinder::findNode(std::wstring_view path) const {
     const Node* node = &root;
     while (!path.empty()) {
-        const auto child = node->children.find(takeComponent(path));
+        const auto child = node->children.find(removeFirstComponent(path));
         if (child == node->children.end()) {
             return nullptr;
         }
@@ -62,7 +62,7 @@ void PolicyKeyFinder::apply(const RegistryTextSection& section, const std::strin
     }
     Node* node = &root;
     for (std::wstring_view path = section.path; !path.empty();) {
-        auto& child = node->children[std::wstring(takeComponent(path))];
+        auto& child = node->children[std::wstring(removeFirstComponent(path))];
         if (!child) {
             child = std::make_unique<Node>();
         }
@@ -80,7 +80,7 @@ void PolicyKeyFinder::apply(const RegistryTextSection& section, const std::strin
 void PolicyKeyFinder::remove(std::wstring_view path) {
     Node* node = &root;
     while (true) {
-        const auto child = node->children.find(takeComponent(path));
+        const auto child = node->children.find(removeFirstComponent(path));
         if (child == node->children.end()) {
             return;
         }

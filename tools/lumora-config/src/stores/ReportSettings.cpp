@@ -12,10 +12,7 @@ namespace lumora_config {
 
 namespace ConfigKeys = ZelUnified::ConfigKeys;
 
-namespace {
-
-/// Returns the part of a report that lists the stores with their keys.
-std::string_view findStores(std::string_view report, const std::string& name) {
+std::string_view findReportedStores(std::string_view report, const std::string& name) {
     constexpr std::string_view empty = "<AllMemoryConfigs/>";
     if (report.find(empty) != std::string_view::npos) {
         return empty;
@@ -29,12 +26,10 @@ std::string_view findStores(std::string_view report, const std::string& name) {
     return report.substr(from, to + end.size() - from);
 }
 
-} // namespace
-
 SettingsDump parseReport(std::string_view report, const std::string& name) {
     SettingsDump dump{"report", {}, name};
     ZelUnified::ConfigKeySet found;
-    const auto settings = parseXmlSettings(findStores(report, name), name);
+    const auto settings = parseXmlSettings(findReportedStores(report, name), name);
     for (const bool byOldName : {false, true}) {
         for (const auto& setting : settings) {
             const auto names = ConfigKeys::getKeyNames(setting.key);

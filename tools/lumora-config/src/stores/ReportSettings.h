@@ -12,4 +12,7 @@ namespace lumora_config {
 /// keys. Throws Failure (Environment) with `name` and the reason.
 SettingsDump parseReport(std::string_view report, const std::string& name);
 
+/// Returns the element of a report that lists the stores with their keys. Throws like parseReport().
+std::string_view findReportedStores(std::string_view report, const std::string& name);
+
 } // namespace lumora_config

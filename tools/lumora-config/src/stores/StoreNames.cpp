@@ -1,5 +1,6 @@
 #include "StoreNames.h"
 
+#include <kyr/LockGuard.h>
 #include <kyr/StringUtils.h>
 
 #include <ConfigKeys.h>
@@ -41,7 +42,7 @@ StoreNames::StoreNames()
             narrow(ConfigKeys::mirroxOrgOrGrpAdminConfigStore)} {}
 
 void StoreNames::OnConfigStoreAdded(const std::string& storeName) {
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     const auto known = find(storeName);
     if (known != names.end()) {
         names.erase(known);
@@ -49,15 +50,15 @@ void StoreNames::OnConfigStoreAdded(const std::string& storeName) {
     names.push_back(storeName);
 }
 
-void StoreNames::learn(const std::string& storeName) {
-    const std::lock_guard lock(mutex);
+void StoreNames::addIfNew(const std::string& storeName) {
+    const KyrCoreUtils::LockGuard lock(mutex);
     if (!storeName.empty() && find(storeName) == names.end()) {
         names.push_back(storeName);
     }
 }
 
 std::vector<std::string> StoreNames::getAll() const {
-    const std::lock_guard lock(mutex);
+    const KyrCoreUtils::LockGuard lock(mutex);
     return names;
 }
 

@@ -1,8 +1,9 @@
 #pragma once
 
+#include <kyr/AnnotatedMutex.h>
+
 #include <ConfigStoreAddedObserver.h>
 
-#include <mutex>
 #include <string>
 #include <vector>
 
@@ -18,14 +19,14 @@ public:
     /// Moves the store to the end of the order, whether it is new or replaced.
     void OnConfigStoreAdded(const std::string& storeName) override;
     /// Adds a name if it is not known yet.
-    void learn(const std::string& storeName);
+    void addIfNew(const std::string& storeName);
     std::vector<std::string> getAll() const;
 
 private:
-    std::vector<std::string>::iterator find(const std::string& storeName);
+    std::vector<std::string>::iterator find(const std::string& storeName) LUMORA_REQUIRES(mutex);
 
-    mutable std::mutex mutex;
-    std::vector<std::string> names; ///< Guarded by `mutex`.
+    mutable KyrCoreUtils::AnnotatedMutex<> mutex;
+    std::vector<std::string> names LUMORA_GUARDED_BY(mutex);
 };
 
 } // namespace lumora_config

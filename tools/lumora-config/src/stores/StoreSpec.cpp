@@ -14,7 +14,7 @@ namespace {
 }
 
 /// Removes the text after the last colon from `rest` and returns it. Returns nothing if there is no colon.
-std::optional<std::string_view> takeLast(std::string_view& rest) {
+std::optional<std::string_view> removeLastPart(std::string_view& rest) {
     const auto colon = rest.rfind(':');
     if (colon == std::string_view::npos) {
         return std::nullopt;
@@ -39,13 +39,13 @@ std::optional<int> toPriority(std::string_view text) {
 StoreSpec StoreSpec::parse(std::string_view text) {
     constexpr std::string_view form = "FILE.xml:NAME:PRIORITY[:cache]";
     std::string_view rest = text;
-    auto last = takeLast(rest);
+    auto last = removeLastPart(rest);
     const bool cached = last == "cache";
     if (cached) {
-        last = takeLast(rest);
+        last = removeLastPart(rest);
     }
     const auto priority = last ? toPriority(*last) : std::nullopt;
-    const auto name = takeLast(rest);
+    const auto name = removeLastPart(rest);
     if (!priority || !name || name->empty() || rest.empty()) {
         refuse(text, form);
     }
@@ -54,7 +54,7 @@ StoreSpec StoreSpec::parse(std::string_view text) {
 
 BootstrapSpec BootstrapSpec::parse(std::string_view text) {
     std::string_view rest = text;
-    const auto last = takeLast(rest);
+    const auto last = removeLastPart(rest);
     const auto priority = last ? toPriority(*last) : std::nullopt;
     if (!priority || rest.empty()) {
         refuse(text, "FILE:PRIORITY");

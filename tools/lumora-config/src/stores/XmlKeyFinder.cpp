@@ -82,8 +82,8 @@ void XmlKeyFinder::onStart(void* parser, const unsigned char* name, const unsign
                            const unsigned char* /*uri*/, int /*namespaceCount*/, const unsigned char** /*namespaces*/,
                            int attributeCount, int /*defaultedCount*/, const unsigned char** attributes) {
     auto& finder = finderOf(parser);
-    finder.takeElement(toView(name), attributes, attributeCount,
-                       static_cast<std::size_t>(xmlSAX2GetLineNumber(parser)));
+    finder.recordElement(toView(name), attributes, attributeCount,
+                         static_cast<std::size_t>(xmlSAX2GetLineNumber(parser)));
     ++finder.depth;
 }
 
@@ -92,8 +92,8 @@ void XmlKeyFinder::onEnd(void* parser, const unsigned char* /*name*/, const unsi
     --finderOf(parser).depth;
 }
 
-void XmlKeyFinder::takeElement(std::string_view name, const unsigned char** attributes, int attributeCount,
-                               std::size_t line) {
+void XmlKeyFinder::recordElement(std::string_view name, const unsigned char** attributes, int attributeCount,
+                                 std::size_t line) {
     if (isUserConfig(name)) {
         add(nameAttribute(attributes, attributeCount), line);
     } else if (form != Form::UserConfig && depth == depthOfKeys) {

@@ -34,7 +34,7 @@ private:
     static void onEnd(void* parser, const unsigned char* name, const unsigned char* prefix, const unsigned char* uri);
 
     void parse(std::string_view content);
-    void takeElement(std::string_view name, const unsigned char** attributes, int attributeCount, std::size_t line);
+    void recordElement(std::string_view name, const unsigned char** attributes, int attributeCount, std::size_t line);
     bool isUserConfig(std::string_view name) const;
     void add(std::string_view key, std::size_t line);
 

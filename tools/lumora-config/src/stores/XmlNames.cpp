@@ -44,7 +44,7 @@ bool isSurrogate(char32_t unit, char32_t first) {
 }
 
 /// Removes the first code point from a non-empty text and returns it. Returns a lone surrogate unchanged.
-char32_t takeCodePoint(std::wstring_view& text) {
+char32_t removeFirstCodePoint(std::wstring_view& text) {
     constexpr char32_t firstHigh = 0xD800;
     constexpr char32_t firstLow = 0xDC00;
     const auto unit = static_cast<char32_t>(text.front());
@@ -61,11 +61,11 @@ char32_t takeCodePoint(std::wstring_view& text) {
 } // namespace
 
 bool isXmlName(std::wstring_view text) {
-    if (text.empty() || !isIn(nameStartRanges, takeCodePoint(text))) {
+    if (text.empty() || !isIn(nameStartRanges, removeFirstCodePoint(text))) {
         return false;
     }
     while (!text.empty()) {
-        const auto c = takeCodePoint(text);
+        const auto c = removeFirstCodePoint(text);
         if (!isIn(nameStartRanges, c) && !isIn(furtherNameRanges, c)) {
             return false;
         }
@@ -75,7 +75,7 @@ bool isXmlName(std::wstring_view text) {
 
 std::optional<char32_t> findUnrepresentable(std::wstring_view text) {
     while (!text.empty()) {
-        const auto c = takeCodePoint(text);
+        const auto c = removeFirstCodePoint(text);
         if (!isIn(representableRanges, c)) {
             return c;
         }

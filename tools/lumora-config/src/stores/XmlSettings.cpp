@@ -109,7 +109,7 @@ public:
         }
     }
 
-    std::vector<XmlSetting> takeSettings() { return std::move(settings); }
+    std::vector<XmlSetting> extractSettings() { return std::move(settings); }
 
 private:
     bool addUserConfig(xmlNode& element) {
@@ -162,7 +162,7 @@ std::vector<XmlSetting> parseXmlSettings(std::string_view content, const std::st
     const auto document = parse(content, name);
     SettingsCollector collector;
     collector.collect(*xmlDocGetRootElement(document.get()));
-    return collector.takeSettings();
+    return collector.extractSettings();
 }
 
 } // namespace lumora_config

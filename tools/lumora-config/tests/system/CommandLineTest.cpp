@@ -30,7 +30,7 @@ TEST(CommandLine, VersionIsShown) {
     EXPECT_THAT(outcome.out, StartsWith("lumora-config "));
 }
 
-TEST(CommandLine, WhatMakesNoSenseEndsWithTwoAndAMessage) {
+TEST(CommandLine, AnInvalidCommandLineExitsWith2AndAMessage) {
     const std::vector<Arguments> senseless{{},
                                            {"--no-such-option", "stores"},
                                            {"no-such-command"},
@@ -93,7 +93,7 @@ TEST(CommandLine, HelpOfACommandIsThatOfItsOption) {
     EXPECT_EQ(runProcess(LUMORA_CONFIG_PROGRAM, {"help"}).out, runProcess(LUMORA_CONFIG_PROGRAM, {"--help"}).out);
 }
 
-TEST(CommandLine, OptionsMayStandBehindTheCommand) {
+TEST(CommandLine, OptionsMayFollowTheCommand) {
     const Profile profile;
     EXPECT_EQ(profile.run({"get", "Theme", "--json"}).lines().at(0).at("value"), "system");
 }
@@ -104,7 +104,7 @@ TEST(CommandLine, AValueMayLookLikeAnOption) {
     EXPECT_EQ(profile.run({"get", "Theme"}).out, "--dark\n");
 }
 
-TEST(CommandLine, EveryFolderCanBeGivenByItself) {
+TEST(CommandLine, EachFolderHasItsOwnOption) {
     const Profile profile;
     const auto folder = [&](const char* name) { return (profile.root() / name).string(); };
     const auto outcome = runProcess(LUMORA_CONFIG_PROGRAM,

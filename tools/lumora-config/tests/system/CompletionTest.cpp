@@ -170,7 +170,25 @@ TEST(Completion, PathsAreLeftToTheShell) {
     EXPECT_THAT(completeWords({"report", "--html", ""}), ElementsAre(":files"));
 }
 
-TEST(Completion, NothingIsOfferedWhereAnyTextMayStand) {
+TEST(Completion, TheLibraryOfAPluginIsAPathBehindItsName) {
+    const auto complete = [](Arguments words) {
+        words.insert(words.begin(), {"complete", "--"});
+        return runProcess(LUMORA_CONFIG_PROGRAM, words).out;
+    };
+    EXPECT_EQ(complete({"--plugin", "Na"}), ":none\n");
+    EXPECT_EQ(complete({"--plugin", "Name=/li"}), ":files\tName=\n");
+    EXPECT_EQ(complete({"--plugin=Name=/li"}), ":files\t--plugin=Name=\n");
+    for (const Arguments& start : {Arguments{"--plugin", "Name", "="}, Arguments{"--plugin", "=", "Name", "="}}) {
+        EXPECT_EQ(complete(start), ":files\tName=\n");
+        auto words = start;
+        words.emplace_back("/li");
+        EXPECT_EQ(complete(words), ":files\tName=\n");
+        words.emplace_back("stor");
+        EXPECT_THAT(complete(words), StartsWith(":none\nstores\t"));
+    }
+}
+
+TEST(Completion, NothingIsOfferedForFreeText) {
     EXPECT_THAT(completeWords({"provision", ""}), ElementsAre(":none"));
     EXPECT_THAT(completeWords({"get", "Theme", ""}), ElementsAre(":none"));
     EXPECT_THAT(completeWords({"no-such-command", "--no-such-option", "no-such-word"}), ElementsAre(":none"));
@@ -192,7 +210,7 @@ TEST(Completion, AProfileInUseIsCompleted) {
     EXPECT_THAT(completeIn(profile, {"get", "them"}), ElementsAre(":none", "Theme"));
 }
 
-TEST(Completion, ABrokenOrMissingProfileGivesNoMessage) {
+TEST(Completion, ADamagedOrMissingProfileCausesNoMessage) {
     const Profile profile;
     testing_host::writeFile(profile.defaultsFile(), "<broken");
     EXPECT_EQ(completeIn(profile, {"get", "them"}).at(0), ":none");
@@ -227,9 +245,11 @@ TEST(BashCompletion, CompletesCommandsOptionsKeysStoresAndFolders) {
     EXPECT_THAT(completeInBash({"--profile", root, "get", "--store", "=", "reg"}), ElementsAre("RegistryConfigStore"));
     EXPECT_THAT(completeInBash({"--profile", root + "/res"}), ElementsAre(root + "/resources"));
     EXPECT_THAT(completeInBash({"--store", "a.xml", ":", "A", ":", "40", "stor"}), ElementsAre("stores"));
+    EXPECT_THAT(completeInBash({"--plugin", "A", "=", root + "/res"}), ElementsAre(root + "/resources"));
+    EXPECT_THAT(completeInBash({"--plugin", "A=" + root + "/res"}), ElementsAre("A=" + root + "/resources"));
 }
 
-TEST(BashCompletion, TheLettersThatWereTypedStay) {
+TEST(BashCompletion, KeepsTheTypedLetters) {
     const Profile profile;
     ASSERT_EQ(profile.run({"set", "zeta", "x"}).exitCode, 0);
     profile.writePolicy("ZEBRA", "x");
@@ -257,26 +277,29 @@ TEST(FishCompletion, CompletesCommandsOptionsKeysStoresAndFolders) {
                 ElementsAre(StartsWith("RegistryConfigStore")));
     EXPECT_THAT(completeInFish("lumora-config --profile " + root + "/res"),
                 ElementsAre(StartsWith(root + "/resources/")));
+    EXPECT_THAT(completeInFish("lumora-config --plugin A=" + root + "/resources/lumora-config-def"),
+                ElementsAre("A=" + profile.defaultsFile().string()));
     EXPECT_THAT(completeInFish("lumora-config no-such-command x"), IsEmpty());
 }
 
 namespace {
 
-/// Types a line with tabs into an interactive zsh in which `prepare` has set up the completion. The program finds the
-/// key only if the tab has completed it.
-std::string typeIntoZsh(const std::string& zsh, const Profile& profile, const std::string& prepare) {
+/// Types keys, in the quotes of zsh and with $1 for the profile, into an interactive zsh in which `prepare` has set up
+/// the completion. Returns what the terminal has shown.
+std::string typeIntoZsh(const std::string& zsh, const Profile& profile, const std::string& prepare,
+                        const std::string& keys) {
     // The pieces of "ready" and "done" do not match the terminal's echo of the input.
     const auto script = profile.write("drive.zsh", R"(
         zmodload zsh/zpty
         zpty z 'TERM=dumb zsh -f -i'
         zpty -w z "PS1=; autoload -Uz compinit; $2; print rea''dy"
         zpty -r z line '*ready*'
-        zpty -w -n z "lumora-config --prof"$'\t'"$1 ge"$'\t'"NOTIFICATIONsou"$'\t'
+        eval "zpty -w -n z $3"
         zpty -w z "; print do''ne"
         zpty -r z line '*done*'
         print -r -- $line
     )");
-    const auto outcome = runShell("timeout", {"60", zsh, "-f", script, profile.root().string(), prepare});
+    const auto outcome = runShell("timeout", {"60", zsh, "-f", script, profile.root().string(), prepare, keys});
     EXPECT_EQ(outcome.exitCode, 0);
     return outcome.out;
 }
@@ -292,9 +315,14 @@ TEST(ZshCompletion, ATabCompletesAKeyIgnoringCase) {
     const std::string installed = "fpath=(" LUMORA_SOURCE_FOLDER "/tools/lumora-config/completions $fpath)";
     for (const auto& prepare :
          {std::string("compinit -u -D; source <(lumora-config completion zsh)"), installed + "; compinit -u -D"}) {
-        const auto output = typeIntoZsh(zsh, profile, prepare);
+        // The program finds the key only if the tab has completed it.
+        const auto output =
+            typeIntoZsh(zsh, profile, prepare, R"("lumora-config --prof"$'\t'"$1 ge"$'\t'"NOTIFICATIONsou"$'\t')");
         EXPECT_THAT(output, HasSubstr("NotificationSounds")) << prepare;
         EXPECT_THAT(output, HasSubstr("\ntrue")) << prepare;
+        const auto library = typeIntoZsh(zsh, profile, prepare,
+                                         R"("lumora-config --plugin A=$1/resources/lumora-config-def"$'\t'"stores")");
+        EXPECT_THAT(library, HasSubstr("/resources/lumora-config-defaults.xml")) << prepare;
     }
 }
 

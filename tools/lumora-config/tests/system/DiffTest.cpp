@@ -8,7 +8,7 @@ using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
 
-TEST(Diff, OfTwoProfilesListsTheKeysWithTheirStores) {
+TEST(Diff, ListsTheDifferentKeysOfTwoProfilesWithTheirStores) {
     const Profile left;
     const Profile right;
     const auto compare = [&] {
@@ -72,6 +72,9 @@ TEST(Diff, ComparesReports) {
     const auto one = writeReport("one.xml");
     EXPECT_EQ(profile.run({"diff", one}).exitCode, 0);
     EXPECT_THAT(profile.run({"diff", empty, one}).out, HasSubstr("+note = \"x\"  # LocalFileConfigStore\n"));
+    const auto inJson = profile.write("one.json", profile.run({"--json", "report"}).out);
+    EXPECT_EQ(profile.run({"diff", one, inJson}).exitCode, 0);
+    EXPECT_THAT(profile.run({"diff", empty, inJson}).out, HasSubstr("+note = \"x\"  # LocalFileConfigStore\n"));
 }
 
 TEST(Diff, PrintsNoSecretOnItsOwn) {
@@ -104,7 +107,11 @@ TEST(Diff, RefusesAProfileInTheShellAndOtherFiles) {
     EXPECT_EQ(outcome.exitCode, 2);
     EXPECT_THAT(outcome.error, HasSubstr("compare profiles outside it"));
     EXPECT_EQ(profile.run({"diff", "/nonexistent"}).exitCode, 3);
-    EXPECT_EQ(profile.run({"diff", profile.write("a.xml", "<Config/>")}).exitCode, 3);
+    for (const auto* content : {"<Config/>", R"({"type":"list","values":[]})", R"({"type":"report"})", "no dump"}) {
+        const auto refused = profile.run({"diff", profile.write("a.file", content)});
+        EXPECT_EQ(refused.exitCode, 3) << content;
+        EXPECT_THAT(refused.error, HasSubstr("diff reads what dump and report write, with or without --json"));
+    }
 }
 
 } // namespace program_test

@@ -126,7 +126,7 @@ TEST_F(Doctor, ShowsThatTheBackupIsRead) {
 
 TEST_F(Doctor, ShowsAFileThatWasMovedAside) {
     damage(mainFile);
-    profile.run({"get", "Theme"});
+    profile.run({"set", "Theme", "light"});
     expectAttention(mainFile + ".unreadable", "damaged");
 }
 
@@ -142,7 +142,7 @@ TEST_F(Doctor, ShowsAKeyThatOthersCanRead) {
 
 TEST_F(Doctor, ShowsADirectoryOfAnotherUser) {
     if (::chown(profile.root().append("state").c_str(), 12345, 12345) != 0) {
-        GTEST_SKIP() << "only root can give a directory away";
+        GTEST_SKIP() << "only root can change the owner of a directory";
     }
     expectAttention("/state", "owned by another user");
 }
@@ -193,14 +193,18 @@ TEST_F(HealthLine, IsNotPrintedWhileAllFilesAreGood) {
     EXPECT_THAT(profile.run({"get", "Theme"}).error, IsEmpty());
 }
 
-TEST_F(HealthLine, NamesADamagedFileAndItsNewPath) {
+TEST_F(HealthLine, NamesADamagedFileAndItsNewPathAfterAChange) {
     damage(mainFile);
-    expectLine(mainFile, mainFile + " was moved aside as " + mainFile + ".unreadable (damaged)");
+    expectLine(mainFile, mainFile + " is damaged");
+    const auto movedAside = mainFile + " was moved aside as " + mainFile + ".unreadable (damaged)";
+    EXPECT_THAT(profile.run({"set", "Theme", "light"}).error, HasSubstr(movedAside));
+    expectLine(mainFile, movedAside);
 }
 
 TEST_F(HealthLine, IsPrintedInEveryRunUntilTheFileIsDeleted) {
     damage(mainFile);
-    profile.run({"get", "IP_MODE"});
+    profile.run({"set", "Theme", "light"});
+    expectLine(mainFile, "was moved aside");
     expectLine(mainFile, "was moved aside");
     std::filesystem::remove(config() / (mainFile + ".unreadable"));
     EXPECT_THAT(profile.run({"get", "IP_MODE"}).error, IsEmpty());

@@ -69,6 +69,24 @@ std::string makeValue(std::mt19937& random) {
     return value;
 }
 
+std::size_t countText(const std::string& content, std::string_view text) {
+    std::size_t count = 0;
+    for (auto found = content.find(text); found != std::string::npos; found = content.find(text, found + 1)) {
+        ++count;
+    }
+    return count;
+}
+
+/// Returns the library that logs the operations on the disk, behind the sanitizer's, which must be the first of a
+/// process.
+std::string preloadedLibraries() {
+    const auto sanitizers = runProcess(
+        "/bin/sh", {"-c", "ldd " LUMORA_CONFIG_PROGRAM " | sed -n 's/.*lib[at]san.* => \\([^ ]*\\) .*/\\1/p'"});
+    auto libraries = sanitizers.out + LUMORA_FAULTY_DISK;
+    std::ranges::replace(libraries, '\n', ':');
+    return libraries;
+}
+
 } // namespace
 
 TEST(Dump, AndLoadKeepFiveThousandRandomValues) {
@@ -203,6 +221,27 @@ TEST(Load, FailsIfTheValuesAreNotOnTheDisk) {
     EXPECT_EQ(outcome.exitCode, 3);
     EXPECT_THAT(outcome.error, HasSubstr("2 of 2 values are set for this run only, because they are not on the disk"));
     EXPECT_THAT(outcome.error, Not(HasSubstr("values set")));
+}
+
+TEST(Load, WritesTheUsersFileOnce) {
+    if (std::string_view(LUMORA_FAULTY_DISK).empty()) {
+        GTEST_SKIP() << "no library that logs the operations on the disk";
+    }
+    const Profile profile;
+    const auto log = profile.root() / "operations";
+    std::string dump;
+    for (int i = 0; i < 100; ++i) {
+        dump += "Key" + std::to_string(i) + " = \"x\"\n";
+    }
+    const auto outcome = runProcess(
+        "/usr/bin/env",
+        {"LD_PRELOAD=" + preloadedLibraries(), "LUMORA_FAULT_FOLDER=" + (profile.root() / "config").string(),
+         "LUMORA_FAULT_LOG=" + log.string(), LUMORA_CONFIG_PROGRAM, "--profile", profile.root().string(), "load", "-"},
+        dump);
+    ASSERT_EQ(outcome.error, "100 values set: 100 added, 0 changed, 0 unchanged\n");
+    const auto operations = readFile(log);
+    EXPECT_EQ(countText(operations, "/lumoraLocalConfig.dat proceeds"), 1U) << operations;
+    EXPECT_EQ(countText(operations, "/lumoraLocalConfig_backup.dat proceeds"), 1U) << operations;
 }
 
 TEST(Load, WorksInTheShell) {

@@ -22,7 +22,7 @@ TEST(Environment, AMissingPlugInIsReportedWithItsFolder) {
     EXPECT_THAT(outcome.error, HasSubstr("no plug-in libconfigservice.so: it is not in " + empty.string()));
 }
 
-TEST(Environment, APlugInFolderThatIsNoneIsNamedWithWhatWasLookedFor) {
+TEST(Environment, AMissingPlugInFolderAndAFileAtItsPathAreReported) {
     const Profile profile;
     const auto absent = (profile.root() / "absent").string();
     EXPECT_THAT(profile.run({"--plugin-dir", absent, "stores"}).error,
@@ -80,7 +80,7 @@ TEST(Environment, ADefaultsFileThatIsNotXmlIsKeptUnderItsQuarantineName) {
     const Profile profile;
     const auto kept = profile.root() / "resources" / "lumora-config-defaults-backup.xml";
     testing_host::writeFile(profile.defaultsFile(), "<Lumora><userConfig name=");
-    const auto outcome = profile.run({"get", "Theme"});
+    const auto outcome = profile.run({"set", "Theme", "dark"});
     EXPECT_EQ(outcome.exitCode, 3);
     EXPECT_EQ(outcome.out, "");
     EXPECT_THAT(outcome.error, AllOf(HasSubstr("not XML"), HasSubstr(kept.string())));
@@ -125,17 +125,17 @@ TEST(Environment, AMissingBootstrapFileIsNamed) {
     EXPECT_THAT(outcome.error, AllOf(HasSubstr(absent), HasSubstr("no such file")));
 }
 
-TEST(Environment, AProfileInUseNamesTheProcessThatHoldsIt) {
+TEST(Environment, AChangeOfAProfileInUseNamesTheProcessThatHoldsIt) {
     const Profile profile;
     {
         const RunningShell holder(profile);
-        const auto outcome = profile.run({"get", "Theme"});
+        const auto outcome = profile.run({"set", "Theme", "dark"});
         EXPECT_EQ(outcome.exitCode, 3);
         EXPECT_EQ(outcome.out, "");
         EXPECT_THAT(outcome.error,
                     AllOf(HasSubstr("in use"), HasSubstr("process " + std::to_string(holder.getProcess()))));
     }
-    EXPECT_EQ(profile.run({"get", "Theme"}).exitCode, 0);
+    EXPECT_EQ(profile.run({"set", "Theme", "dark"}).exitCode, 0);
 }
 
 TEST(Environment, LogLinesArePrintedOnlyIfRequested) {

@@ -111,7 +111,7 @@ TEST(ForeignPlugin, ALibraryOfAnotherUserIsRefused) {
     const auto library = copyLibrary(profile);
     constexpr uid_t namelessUser = 1234567;
     if (chown(library.c_str(), namelessUser, static_cast<gid_t>(-1)) != 0) {
-        GTEST_SKIP() << "only root can give a file away";
+        GTEST_SKIP() << "only root can change the owner of a file";
     }
     expectRefused(profile, library, library, "belongs to another user, " + std::to_string(namelessUser));
 }

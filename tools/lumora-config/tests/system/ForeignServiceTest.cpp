@@ -50,7 +50,7 @@ protected:
 
 } // namespace
 
-TEST_F(ForeignServiceTest, HandsItsSettingsInAndTakesThemOut) {
+TEST_F(ForeignServiceTest, AddsAndRemovesItsSettings) {
     ASSERT_TRUE(directory);
     directory->deliver("presence.example", "ldap.example");
     EXPECT_EQ(valueOf(L"Directory_Server_Address"), L"ldap.example");
@@ -60,7 +60,7 @@ TEST_F(ForeignServiceTest, HandsItsSettingsInAndTakesThemOut) {
     EXPECT_FALSE(directory->withdraw());
 }
 
-TEST_F(ForeignServiceTest, HearsOfBothKeysByObserverAndByNotifier) {
+TEST_F(ForeignServiceTest, ObservesOneKeyByObserverAndOneByNotifier) {
     ASSERT_TRUE(directory);
     directory->deliver("presence.example", "ldap.example");
     EXPECT_THAT(directory->getHeard(),
@@ -72,7 +72,7 @@ TEST_F(ForeignServiceTest, HearsOfBothKeysByObserverAndByNotifier) {
     EXPECT_EQ(directory->getHeard().size(), 5U);
 }
 
-TEST_F(ForeignServiceTest, LeavesACopyOnDiskUntilItWithdraws) {
+TEST_F(ForeignServiceTest, LeavesACopyOnTheDiskUntilItRemovesItsSettings) {
     ASSERT_TRUE(directory);
     const auto copy = profile.config() / "Cache" / "cachedExampleDirectoryConfigStore.dat";
     directory->deliver("presence.example", "ldap.example");
@@ -81,7 +81,7 @@ TEST_F(ForeignServiceTest, LeavesACopyOnDiskUntilItWithdraws) {
     EXPECT_FALSE(std::filesystem::exists(copy));
 }
 
-TEST_F(ForeignServiceTest, TheServiceItIsLoadedWithMakesItsEventDescriptionsKnown) {
+TEST_F(ForeignServiceTest, LoadingTheServiceRegistersItsEventDescriptions) {
     for (const auto* tag : {"EN-US", "ZH-TW"}) {
         const auto name = "CONFIGSERVICEEVENTDESCRIPTIONS_" + std::string(tag) + ".XML";
         EXPECT_TRUE(zel::Resources::find("EVENTXML", name)) << name;

@@ -114,7 +114,7 @@ TEST(HtmlReport, NamesTheProfileTheMachineAndRejectedPolicyLinesButNotTheOwners)
     EXPECT_TRUE(policy->at("attention"));
 }
 
-TEST(HtmlReport, PageWithSecretsIsItsOwnersAlone) {
+TEST(HtmlReport, PageWithSecretsIsAccessibleToItsOwnerOnly) {
     const Profile profile;
     makePage(profile, {"--show-secrets"});
     using std::filesystem::perms;
@@ -133,7 +133,7 @@ TEST(HtmlReport, ContainsAStoreOfAnotherService) {
     EXPECT_EQ(found->at("keys"), 1);
 }
 
-TEST(HtmlReport, IsEitherAPageOrADocument) {
+TEST(HtmlReport, RefusesThePageAndTheDocumentTogether) {
     const Profile profile;
     EXPECT_EQ(profile.run({"report", "--html", "a", "-o", "b"}).exitCode, 2);
 }

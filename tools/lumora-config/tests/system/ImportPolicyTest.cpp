@@ -216,7 +216,7 @@ TEST(ImportPolicy, ADryRunPrintsEachValueAndChangesNothing) {
     EXPECT_THAT(profile.run({"--show-secrets", "import-policy", "--dry-run", file}).out, HasSubstr("planted-secret"));
 }
 
-TEST(ImportPolicy, ADryRunGivesTheReasonsOfTheImport) {
+TEST(ImportPolicy, ADryRunReportsTheReasonsOfTheImport) {
     const Profile profile;
     const auto file = profile.write("p.reg", version + header() + "\"TelemetryEnabeld\"=\"false\"\r\nrubbish\r\n" +
                                                  "\"AllowUrlProvisioning\"=\"0\"\r\n[broken\r\n\"Theme\"=\"1\"\r\n");
@@ -234,7 +234,7 @@ TEST(ImportPolicy, ADryRunGivesTheReasonsOfTheImport) {
     EXPECT_THAT(imported.error, StartsWith(messages));
 }
 
-TEST(ImportPolicy, AKeyThatIsAlmostThePolicyKeyEndsWithOne) {
+TEST(ImportPolicy, AKeyThatResemblesThePolicyKeyExitsWith1) {
     const Profile profile;
     const auto file =
         profile.write("p.reg", version + "[HKEY_CURRENT_USER\\Software\\Policies\\Ventrix Systems Inc.\\Unified "

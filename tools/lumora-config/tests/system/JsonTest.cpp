@@ -100,7 +100,7 @@ TEST(Json, EachTypeAndFieldIsOnThePage) {
     }
 }
 
-TEST(Json, OfAValue) {
+TEST(Json, OfAValueContainsStoreAndOrigin) {
     const Profile profile;
     const json origin{{"file", profile.defaultsFile().string()}, {"line", lineOf(profile.defaultsFile(), "\"Theme\"")}};
     EXPECT_EQ(onlyLine(profile.run({"--json", "get", "Theme"})), (json{{"type", "value"},
@@ -112,7 +112,7 @@ TEST(Json, OfAValue) {
                                                                        {"origin", origin}}));
 }
 
-TEST(Json, OfAMissKeepsTheMessageOnStandardError) {
+TEST(Json, OfAMissingKeyIsPrintedBesideTheMessageOnStandardError) {
     const Profile profile;
     const auto outcome = profile.run({"--json", "get", "NoSuchKey"});
     EXPECT_EQ(outcome.exitCode, 1);
@@ -120,7 +120,7 @@ TEST(Json, OfAMissKeepsTheMessageOnStandardError) {
     EXPECT_THAT(outcome.error, HasSubstr("no store holds the key"));
 }
 
-TEST(Json, OfAnExplanation) {
+TEST(Json, OfAnExplanationContainsNamesValuesAndStores) {
     const Profile profile;
     const auto file = profile.writeDocument("old.xml", "<TftpServer1>old.example</TftpServer1>");
     const auto object =
@@ -147,7 +147,7 @@ TEST(Json, OfAnExplanation) {
                                                      {"origin", {{"file", file}, {"line", 1}}}}})}}));
 }
 
-TEST(Json, OfAList) {
+TEST(Json, OfAListContainsTheValues) {
     const Profile profile;
     ASSERT_EQ(profile.run({"set", "Theme", "dark"}).exitCode, 0);
     const auto object = onlyLine(profile.run({"--json", "list", "them"}));
@@ -159,21 +159,21 @@ TEST(Json, OfAList) {
     EXPECT_EQ(listed.at("overridden"), true);
 }
 
-TEST(Json, OfACommandThatIsDone) {
+TEST(Json, OfACompletedCommandContainsItsName) {
     const Profile profile;
     const auto object = onlyLine(profile.run({"--json", "set", "Theme", "dark"}));
     EXPECT_EQ(object.at("type"), "done");
     EXPECT_EQ(object.at("command"), "set");
 }
 
-TEST(Json, OfTheReport) {
+TEST(Json, OfTheReportContainsItsText) {
     const Profile profile;
     const auto object = onlyLine(profile.run({"--json", "report"}));
     EXPECT_EQ(object.at("type"), "report");
     EXPECT_THAT(object.at("text").get<std::string>(), HasSubstr("<AllConfigs>"));
 }
 
-TEST(Json, TheShellTellsFailuresAsObjectsToo) {
+TEST(Json, TheShellPrintsFailuresAsObjects) {
     const Profile profile;
     const auto outcome = profile.shell({"get NoSuchKey", "no-such-command"}, {"--json"});
     EXPECT_EQ(outcome.exitCode, 1);

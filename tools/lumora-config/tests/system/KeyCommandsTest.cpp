@@ -55,7 +55,7 @@ TEST(Keys, SensitiveAndRenamedKeysCanBeSelected) {
     }
 }
 
-TEST(Keys, TheShellListsThemToo) {
+TEST(Keys, TheShellListsThem) {
     const Profile profile;
     EXPECT_THAT(profile.shell({"keys allowurl"}).out, HasSubstr("AllowUrlProvisioning"));
 }
@@ -163,6 +163,19 @@ TEST(SetKind, PermittedValuesAreSetInAnyCase) {
     EXPECT_EQ(profile.run({"set", "AllowUrlProvisioning", "FALSE"}).exitCode, 0);
     EXPECT_EQ(profile.run({"set", "Lumora_SDK_Mode", "off"}).exitCode, 0);
     EXPECT_EQ(profile.run({"set", "IP_MODE", "any text"}).exitCode, 0);
+}
+
+TEST(MemoryKind, AValueThatTheKindExcludesIsRefusedUnlessItIsForced) {
+    const Profile profile;
+    const auto refused = profile.shell({"memory AllowUrlProvisioning 0", "get AllowUrlProvisioning"});
+    EXPECT_EQ(refused.exitCode, 1);
+    EXPECT_THAT(refused.error, HasSubstr("the value of the key 'AllowUrlProvisioning' must be \"true\" or \"false\""));
+    EXPECT_EQ(refused.out, "true\n");
+    EXPECT_THAT(profile.shell({"memory '1 key' x"}).error, HasSubstr("is not an XML name"));
+    const auto forced = profile.shell(
+        {"memory AllowUrlProvisioning 0 --force", "get AllowUrlProvisioning --store InMemoryConfigStore"});
+    EXPECT_EQ(forced.exitCode, 0) << forced.error;
+    EXPECT_EQ(forced.out, "0\n");
 }
 
 TEST(KeySpelling, ListAndMessagesUseTheCatalogues) {

@@ -65,7 +65,7 @@ TEST_F(Live, ServePrintsOneLineAnswersAndEndsWithTheSignal) {
     }
 }
 
-TEST_F(Live, ServeTakesStoresAndTheBootstrapFile) {
+TEST_F(Live, ServeAcceptsStoresAndTheBootstrapFile) {
     const auto document =
         profile.writeDocument("foreign.xml", "<Presence_Server_Address>a.example</Presence_Server_Address>");
     const auto bootstrap = profile.write("bootstrap.properties", "FromInstaller: yes\n");
@@ -172,10 +172,26 @@ TEST_F(Live, OfflineForbidsAndLiveRequiresTheClient) {
     RunningProgram client(profile, {"serve"});
     client.receive();
     EXPECT_EQ(profile.run({"--live", "get", "Theme"}).exitCode, 0);
-    const auto offline = profile.run({"--offline", "get", "Theme"});
+    const auto offline = profile.run({"--offline", "set", "Theme", "dark"});
     EXPECT_EQ(offline.exitCode, 3);
     EXPECT_THAT(offline.error, HasSubstr("in use by process " + std::to_string(client.getProcess())));
     EXPECT_EQ(profile.run({"reset-data", "--yes"}).exitCode, 3);
+}
+
+TEST_F(Live, AReadingCommandThatTheClientCannotAnswerIsRefusedUnlessItIsOffline) {
+    ASSERT_EQ(profile.run({"set", "Theme", "dark"}).exitCode, 0);
+    RunningProgram client(profile, {"serve"});
+    client.receive();
+    const auto store = profile.writeDocument("store.xml", "<Note>a</Note>") + ":Extra:40";
+    const auto policy = (profile.root() / "policy.reg").string();
+    for (const Arguments& command : {Arguments{"import-policy", "--dry-run", policy}, {"--store", store, "dump"}}) {
+        const auto refused = profile.run(command);
+        EXPECT_EQ(refused.exitCode, 3);
+        EXPECT_THAT(refused.error, HasSubstr("in use by process " + std::to_string(client.getProcess())));
+    }
+    const auto offline = profile.run({"--offline", "dump"});
+    EXPECT_EQ(offline.exitCode, 0) << offline.error;
+    EXPECT_THAT(offline.out, HasSubstr("dark"));
 }
 
 TEST_F(Live, ServeRefusesChangesOnRequest) {
@@ -254,7 +270,7 @@ TEST_F(Live, WatchFollowsAClientThatIsKilledAndStartedAgain) {
     EXPECT_EQ(watch.waitForEnd(), 0);
 }
 
-TEST_F(Live, AStoppedOrKilledWatcherDisturbsNobody) {
+TEST_F(Live, AStoppedOrKilledWatcherDoesNotAffectOthers) {
     constexpr int changes = 1200;
     const std::string filler(2000, 'x'); // the buffers of the socket hold few such events
     RunningProgram client(profile, {"serve"});

@@ -30,7 +30,7 @@ TEST(MinimalHost, RefusesAProfileInUse) {
     EXPECT_THAT(outcome.error, HasSubstr("in use"));
 }
 
-TEST(MinimalHost, EndsWithoutThePlugIn) {
+TEST(MinimalHost, ExitsWith1WithoutThePlugIn) {
     const Profile profile;
     const auto outcome = runHost(profile, profile.root().string(), "dark");
     EXPECT_EQ(outcome.exitCode, 1);

@@ -126,7 +126,7 @@ TEST_F(OriginTest, UnderAnOldNameIsTheLineOfTheOldName) {
     EXPECT_EQ(originOf("TFTPPrimaryServer", {"--store", file + ":Doc:40"}), at(file, 2));
 }
 
-TEST_F(OriginTest, OfEveryOpinionIsInTheExplanation) {
+TEST_F(OriginTest, OfTheValueOfEveryStoreIsInTheExplanation) {
     ASSERT_EQ(profile.run({"set", "Theme", "dark"}).exitCode, 0);
     const auto object = profile.run({"--json", "explain", "Theme"}).lines().at(0);
     EXPECT_THAT(object.at("origin").at("file"), HasSubstr("lumoraLocalConfig.dat"));
@@ -134,7 +134,7 @@ TEST_F(OriginTest, OfEveryOpinionIsInTheExplanation) {
     EXPECT_EQ(object.at("stores").back().at("holds").front().at("origin").at("file"), profile.defaultsFile().string());
 }
 
-TEST_F(OriginTest, OfAFileThatIsGoneIsUnknown) {
+TEST_F(OriginTest, OfADeletedFileIsUnknown) {
     const auto file = profile.write("doc.xml", "<doc><group><A>1</A></group></doc>");
     RunningShell shell(profile);
     shell.send("add-store " + file + ":Doc:40");

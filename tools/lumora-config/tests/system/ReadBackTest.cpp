@@ -27,7 +27,7 @@ class ReadBack : public testing::Test {
 protected:
     void SetUp() override {
         if (!disk.getObstacle().empty()) {
-            GTEST_SKIP() << "this machine lets the test mount nothing: " << disk.getObstacle();
+            GTEST_SKIP() << "this machine does not permit mounting: " << disk.getObstacle();
         }
         ASSERT_EQ(profile.run({"set", "Kept", "old"}).exitCode, 0);
     }
@@ -155,7 +155,7 @@ TEST_F(ReadBack, OfValuesWithBlanksAndMarkupSucceeds) {
     EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
 }
 
-TEST(ReadBackOfSet, OfAKeyThatTheFileKeepsUnderItsNewNameSucceeds) {
+TEST(ReadBackOfSet, OfAnOldNameStoredUnderItsNewNameSucceeds) {
     const Profile profile;
     const auto outcome = profile.run({"set", "VVM_Mailstore_Server_0", "v.example"});
     EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
@@ -241,7 +241,7 @@ TEST(ReadBackOfAResetOfTheData, FailsIfThePolicyStillExists) {
     const auto folder = profile.root() / "data/registry";
     testing_host::SmallDisk disk(folder, std::size_t{64} << 10);
     if (!disk.getObstacle().empty()) {
-        GTEST_SKIP() << "this machine lets the test mount nothing: " << disk.getObstacle();
+        GTEST_SKIP() << "this machine does not permit mounting: " << disk.getObstacle();
     }
     profile.writePolicy("Theme", "corporate");
     ASSERT_TRUE(disk.setReadOnly(true));

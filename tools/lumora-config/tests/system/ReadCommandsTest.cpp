@@ -9,7 +9,7 @@ using testing::ContainsRegex;
 using testing::HasSubstr;
 using testing::Not;
 
-TEST(Get, ShowsTheValueAlone) {
+TEST(Get, PrintsOnlyTheValue) {
     const Profile profile;
     const auto outcome = profile.run({"get", "theme"});
     EXPECT_EQ(outcome.exitCode, 0);
@@ -17,7 +17,7 @@ TEST(Get, ShowsTheValueAlone) {
     EXPECT_EQ(outcome.error, "");
 }
 
-TEST(Get, ShowsTheOriginWhenAsked) {
+TEST(Get, PrintsTheOriginOnRequest) {
     const Profile profile;
     EXPECT_THAT(profile.run({"get", "Theme", "--origin"}).out,
                 testing::StartsWith("system  (lumora-config-defaults.xml, "));
@@ -38,7 +38,7 @@ TEST(Get, AnEmptyValueIsFound) {
     EXPECT_EQ(outcome.out, "\n");
 }
 
-TEST(Get, TheAdministratorsValueLeavesTheUsersOut) {
+TEST(Get, TheAdministratorsValueIgnoresTheUsers) {
     const Profile profile;
     ASSERT_EQ(profile.run({"set", "Theme", "dark"}).exitCode, 0);
     EXPECT_THAT(profile.run({"get", "Theme", "--origin"}).out, testing::StartsWith("dark  (LocalFileConfigStore, "));
@@ -47,7 +47,7 @@ TEST(Get, TheAdministratorsValueLeavesTheUsersOut) {
     EXPECT_EQ(profile.run({"get", "OnlyMine", "--admin"}).exitCode, 1);
 }
 
-TEST(Get, OneStoreIsAsked) {
+TEST(Get, ReadsOneStoreOnRequest) {
     const Profile profile;
     ASSERT_EQ(profile.run({"set", "Theme", "dark"}).exitCode, 0);
     EXPECT_EQ(profile.run({"get", "Theme", "--store", "LUMORA-config-defaults.xml"}).out, "system\n");
@@ -60,7 +60,7 @@ TEST(Get, OneStoreIsAsked) {
     EXPECT_THAT(noStore.error, HasSubstr("no store 'NoSuchStore'"));
 }
 
-TEST(Get, EitherNameOfARenamedKeyAnswers) {
+TEST(Get, FindsARenamedKeyByEitherName) {
     const Profile profile;
     const auto file = profile.writeDocument("old.xml", "<TftpServer1>old.example</TftpServer1>");
     const Arguments store{"--store", file + ":A:40", "get"};
@@ -85,7 +85,7 @@ TEST(Get, HidesWhatAForeignDocumentMarksAsSensitive) {
     EXPECT_EQ(profile.run({"--store", file + ":A:40", "get", "Pin"}).out, "VALUE_HIDDEN\n");
 }
 
-TEST(Explain, ShowsEveryOpinionInChainOrderAndWhichOneWinsByWhichName) {
+TEST(Explain, ShowsTheValueOfEveryStoreInChainOrderAndWhichOneWinsByWhichName) {
     const Profile profile;
     const auto oldNames = profile.writeDocument("old.xml", "<TftpServer1>old.example</TftpServer1>");
     const auto newNames = profile.writeDocument("new.xml", "<TFTPPrimaryServer>new.example</TFTPPrimaryServer>");
@@ -112,7 +112,7 @@ TEST(Explain, ShowsThatTheUserOverridesTheAdministrator) {
     EXPECT_THAT(outcome.out, ContainsRegex("overridden +yes\n"));
 }
 
-TEST(Explain, OfAnUnknownKeyShowsTheChainAndEndsWithOne) {
+TEST(Explain, OfAnUnknownKeyShowsTheChainAndExitsWith1) {
     const Profile profile;
     const auto outcome = profile.run({"explain", "NoSuchKey"});
     EXPECT_EQ(outcome.exitCode, 1);
@@ -140,7 +140,7 @@ TEST(List, ShowsKeysByPrefixAndMarksWhatIsOverridden) {
     EXPECT_THAT(outcome.out, Not(ContainsRegex("[Tt]heme")));
 }
 
-TEST(List, OfNothingEndsWithOne) {
+TEST(List, WithoutAMatchExitsWith1) {
     const Profile profile;
     EXPECT_EQ(profile.run({"list", "NoSuchPrefix"}).exitCode, 1);
 }
@@ -156,7 +156,7 @@ TEST(Stores, AreListedInChainOrder) {
                                      "lumora-config-defaults.xml"));
 }
 
-TEST(Stores, ShowWhoTakesWritesAndHowManyKeysThereAre) {
+TEST(Stores, ShowWhichStoresAreWritableAndTheirNumberOfKeys) {
     const Profile profile;
     const auto file = profile.writeDocument("a.xml", "<A>1</A><B>2</B>");
     const auto outcome = profile.run({"--store", file + ":Foreign:40", "stores"});
@@ -164,7 +164,7 @@ TEST(Stores, ShowWhoTakesWritesAndHowManyKeysThereAre) {
     EXPECT_THAT(outcome.out, ContainsRegex("20  LocalFileConfigStore +writable +not local +"));
 }
 
-TEST(Stores, ABootstrapFileJoinsTheChain) {
+TEST(Stores, ABootstrapFileIsInTheChain) {
     const Profile profile;
     const auto file = profile.write("boot", "# installer\nSelfCareURL: https://selfcare.example:8443/home\n");
     const Arguments bootstrap{"--bootstrap", file + ":700"};
@@ -177,7 +177,7 @@ TEST(Stores, ABootstrapFileJoinsTheChain) {
     EXPECT_THAT(profile.run(stores).out, ContainsRegex("700  BootstrapConfigStore +read-only +local +1\n"));
 }
 
-TEST(Stores, ACachedCopyServesTheNextRun) {
+TEST(Stores, ACachedCopyIsReadInTheNextRun) {
     const Profile profile;
     const auto file = profile.writeDocument("a.xml", "<FromServer>x</FromServer>");
     ASSERT_EQ(profile.run({"--store", file + ":Foreign:40:cache", "get", "FromServer"}).exitCode, 0);
@@ -186,14 +186,14 @@ TEST(Stores, ACachedCopyServesTheNextRun) {
     EXPECT_THAT(profile.run({"stores"}).out, ContainsRegex("41  Foreign +read-only +local +1\n"));
 }
 
-TEST(Stores, WithoutACopyAStoreIsGoneWithTheRun) {
+TEST(Stores, AStoreWithoutACopyIsNotInTheNextRun) {
     const Profile profile;
     const auto file = profile.writeDocument("a.xml", "<FromServer>x</FromServer>");
     ASSERT_EQ(profile.run({"--store", file + ":Foreign:40", "get", "FromServer"}).exitCode, 0);
     EXPECT_EQ(profile.run({"get", "FromServer"}).exitCode, 1);
 }
 
-TEST(Policy, StandsBeforeTheDefaultsAndBehindTheUser) {
+TEST(Policy, IsBetweenTheUsersStoreAndTheDefaults) {
     const Profile profile;
     profile.writePolicy("Theme", "corporate");
     EXPECT_THAT(profile.run({"get", "Theme", "--origin"}).out,

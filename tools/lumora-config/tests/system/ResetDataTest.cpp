@@ -60,7 +60,7 @@ protected:
     const Profile profile;
 };
 
-TEST_F(ResetOfAFullProfile, KeepsExactlyTheFilesThatSurviveUnchanged) {
+TEST_F(ResetOfAFullProfile, KeepsOnlyTheSparedFilesUnchanged) {
     auto before = contentOf(config());
     ASSERT_THAT(before, testing::Contains(Key("lumoraLocalConfig.dat")));
     ASSERT_THAT(before, testing::Contains(Key("Cache/cachedForeign.dat")));
@@ -74,7 +74,7 @@ TEST_F(ResetOfAFullProfile, KeepsExactlyTheFilesThatSurviveUnchanged) {
     }
 }
 
-TEST_F(ResetOfAFullProfile, FilesThatSurviveAreUsedInTheNextRun) {
+TEST_F(ResetOfAFullProfile, TheNextRunUsesTheKeptFiles) {
     run({"reset-data", "--yes", "--force"});
     EXPECT_THAT(run({"get", "ServicesDomain", "--origin"}).out,
                 testing::StartsWith("example.net  (UrlProvisioningConfigStore, "));

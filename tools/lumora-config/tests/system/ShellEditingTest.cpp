@@ -68,7 +68,7 @@ TEST(ShellEditing, TabShowsTheChoicesAndKeepsTheLine) {
     const Profile profile;
     ShellTerminal shell(profile);
     shell.type("re\t");
-    EXPECT_THAT(shell.await("refresh"), HasSubstr("reset-data"));
+    EXPECT_THAT(shell.await("reset-data"), HasSubstr("refresh"));
     shell.type("port -o -\r");
     shell.await("<?xml");
 }
@@ -81,7 +81,7 @@ TEST(ShellEditing, KeysMoveAndEraseWholeCharacters) {
     shell.await("\nsystem");
 }
 
-TEST(ShellEditing, TheHistoryOutlivesTheShell) {
+TEST(ShellEditing, TheHistoryIsReadByTheNextShell) {
     const Profile profile;
     typeLines(profile, {"get Theme", "stores"});
     ShellTerminal shell(profile);
@@ -104,7 +104,7 @@ TEST(ShellEditing, TheHistoryHasNoLineThatSetsASensitiveKeyOrContainsASecret) {
     EXPECT_EQ(readHistory(profile), "get Theme\nget connectionpassword\n");
 }
 
-TEST(ShellEditing, TheHistoryLosesTheLinesOfAKeyThatBecomesSensitive) {
+TEST(ShellEditing, TheLinesOfAKeyThatBecomesSensitiveAreRemovedFromTheHistory) {
     const Profile profile;
     typeLines(profile, {"set Own planted", "get Theme", "sensitive Own"});
     EXPECT_EQ(readHistory(profile), "get Theme\nsensitive Own\n");
@@ -129,7 +129,7 @@ TEST(ShellEditing, TheEndOfTheInputEndsTheShell) {
 
 class EditedEndSignal : public testing::TestWithParam<int> {};
 
-TEST_P(EditedEndSignal, EndsTheShellWithTheChangesOnDiskAndTheTerminalInItsUsualMode) {
+TEST_P(EditedEndSignal, EndsTheShellAfterWritingChangesAndRestoringTheTerminal) {
     const Profile profile;
     ShellTerminal shell(profile);
     shell.type("set Theme dark\r");

@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <stdexcept>
 #include <utility>
+#include <vector>
 
 namespace program_test {
 
@@ -20,19 +21,28 @@ constexpr int longestWait = 30'000; // milliseconds
 
 } // namespace
 
-ShellTerminal::ShellTerminal(const Profile& profile, const std::string& terminalName) {
-    const auto root = profile.root().string();
+ShellTerminal::ShellTerminal(const Profile& profile, const std::string& terminalName)
+    : ShellTerminal(Arguments{LUMORA_CONFIG_PROGRAM, "--profile", profile.root().string(), "shell"}, terminalName) {
+    await("lumora> ");
+}
+
+ShellTerminal::ShellTerminal(const Arguments& command, const std::string& terminalName) {
+    auto words = command;
+    std::vector<char*> pointers;
+    for (auto& word : words) {
+        pointers.push_back(word.data());
+    }
+    pointers.push_back(nullptr);
     winsize size{24, 80, 0, 0};
     process = forkpty(&terminal, nullptr, nullptr, &size);
     if (process == 0) {
         setenv("TERM", terminalName.c_str(), 1);
-        execl(LUMORA_CONFIG_PROGRAM, LUMORA_CONFIG_PROGRAM, "--profile", root.c_str(), "shell", nullptr);
+        execv(pointers.front(), pointers.data());
         _exit(127);
     }
     if (process < 0) {
         throw std::runtime_error("no pseudo terminal");
     }
-    await("lumora> ");
 }
 
 ShellTerminal::~ShellTerminal() {

@@ -6,11 +6,13 @@
 
 namespace program_test {
 
-/// A shell on a pseudo terminal, on which a test types. The destructor ends it.
+/// A shell or another command on a pseudo terminal, on which a test types. The destructor ends it.
 class ShellTerminal {
 public:
     /// Starts the shell with the value of TERM and waits for its prompt.
     explicit ShellTerminal(const Profile& profile, const std::string& terminalName = "xterm");
+    /// Starts another program with its arguments.
+    explicit ShellTerminal(const Arguments& command, const std::string& terminalName = "xterm");
     ~ShellTerminal();
     ShellTerminal(const ShellTerminal&) = delete;
     ShellTerminal& operator=(const ShellTerminal&) = delete;

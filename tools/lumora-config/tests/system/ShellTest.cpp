@@ -39,7 +39,7 @@ TEST(Shell, RunsCommandsUntilTheEndOfItsInput) {
     EXPECT_EQ(outcome.out, "system\nhello world\n");
 }
 
-TEST(Shell, QuitLeavesTheRestUnread) {
+TEST(Shell, QuitIgnoresTheRestOfTheInput) {
     const Profile profile;
     EXPECT_EQ(profile.shell({"get Theme", "quit", "get IP_MODE"}).out, "system\n");
 }
@@ -175,7 +175,7 @@ TEST(Shell, SensitiveHidesTheValueFromThenOn) {
     EXPECT_EQ(ofType(outcome, "value").at(0).at("value"), "VALUE_HIDDEN");
 }
 
-TEST(Shell, AMemoryValueEndsWithTheRun) {
+TEST(Shell, AMemoryValueIsNotInTheNextRun) {
     const Profile profile;
     EXPECT_THAT(profile.shell({"memory Fresh one", "get Fresh --origin"}).out,
                 testing::StartsWith("one  (InMemoryConfigStore, "));

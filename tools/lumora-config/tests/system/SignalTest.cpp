@@ -30,7 +30,7 @@ protected:
     const Profile profile;
 };
 
-TEST_P(EndSignal, EndsTheShellWithTheFileAndItsBackupOnDisk) {
+TEST_P(EndSignal, EndsTheShellAfterTheFileAndItsBackupAreWritten) {
     RunningShell shell(profile);
     shell.send("set Theme dark");
     ASSERT_EQ(shell.receive().at("type"), "done");

@@ -38,7 +38,7 @@ TEST(Terminal, ShowsTheWinnerInColour) {
     EXPECT_THAT(explainOnTerminal(profile, "TERM=xterm"), HasSubstr(emphasis));
 }
 
-TEST(Terminal, ColoursCanBeDeclined) {
+TEST(Terminal, TheEnvironmentDisablesColours) {
     const Profile profile;
     for (const auto* environment : {"TERM=xterm NO_COLOR=1", "TERM=dumb"}) {
         const auto shown = explainOnTerminal(profile, environment);
@@ -114,7 +114,7 @@ TEST(Terminal, ALongValueIsTruncatedToTheLine) {
               "  KEY   VALUE" + std::string(40, ' ') + "STORE\r\n  Long  \"" + std::string(41, 'x') + "…  Foreign\r\n");
 }
 
-TEST(Terminal, APipeGetsALongValueWholeAndNothingPadded) {
+TEST(Terminal, APipeGetsALongValueCompleteAndNoPadding) {
     const Profile profile;
     const std::string value(1'000'000, 'x');
     const auto file = profile.writeDocument("a.xml", "<Long>" + value + "</Long>");

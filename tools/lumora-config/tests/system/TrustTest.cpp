@@ -85,7 +85,7 @@ TEST(Trust, ADirectoryOfAnotherUserIsRefused) {
     fs::create_directory(folder);
     constexpr uid_t namelessUser = 1234567;
     if (chown(folder.c_str(), namelessUser, static_cast<gid_t>(-1)) != 0) {
-        GTEST_SKIP() << "only root can give a directory away";
+        GTEST_SKIP() << "only root can change the owner of a directory";
     }
     const auto reason = "belongs to another user, " + std::to_string(namelessUser);
     expectRefused(profile.run({"get", "Theme"}), folder, reason);

@@ -19,7 +19,7 @@ TEST(Set, IsPersistentAndReportsTheEffectiveValue) {
     EXPECT_EQ(profile.run({"get", "Theme"}).out, "dark\n");
 }
 
-TEST(Set, EndsWithTheFileAndItsBackupWritten) {
+TEST(Set, WritesTheFileAndItsBackupBeforeItExits) {
     const Profile profile;
     const auto damage = [&](const std::string& name) {
         EXPECT_TRUE(std::filesystem::exists(profile.root() / "config" / name));

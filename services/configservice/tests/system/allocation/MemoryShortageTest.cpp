@@ -31,7 +31,7 @@ bool failsAt(std::size_t number, Operation operation) {
     } catch (const std::bad_alloc&) {
         return true;
     }
-    EXPECT_FALSE(failing.hasFailed()) << "the failure was kept quiet";
+    EXPECT_FALSE(failing.hasFailed()) << "the failure was not reported";
     return false;
 }
 
@@ -46,7 +46,7 @@ struct MemoryShortageOfTheService : configservice_test::ServiceFixture {
     }
 };
 
-TEST_F(MemoryShortageOfTheService, AListingThatFailedLosesNoRecordAndDoublesNone) {
+TEST_F(MemoryShortageOfTheService, AFailedListingNeitherLosesNorDuplicatesARecord) {
     std::vector<std::wstring> expected;
     std::size_t failures = 0;
     for (bool failed = true; failed; failures += failed ? 1 : 0) {
@@ -70,7 +70,7 @@ TEST_F(MemoryShortageOfTheService, AListingThatFailedLosesNoRecordAndDoublesNone
     EXPECT_GT(failures, 20U) << "twenty records were listed";
 }
 
-TEST_F(MemoryShortageOfTheService, ARecordThatCouldNotBeCreatedIsCreatedByTheNextLookup) {
+TEST_F(MemoryShortageOfTheService, AfterAFailedCreationTheNextLookupCreatesTheRecord) {
     constexpr int before = 6; // the next record makes the index grow
     std::size_t failures = 0;
     for (bool failed = true; failed; failures += failed ? 1 : 0) {
@@ -114,7 +114,7 @@ ConfigMap valuesOf(int from, int to) {
     return values;
 }
 
-TEST(MemoryShortage, AReplacementThatFailedLeavesTheTableAsItWas) {
+TEST(MemoryShortage, AFailedReplaceLeavesTheTableUnchanged) {
     std::size_t failures = 0;
     for (bool failed = true; failed; failures += failed ? 1 : 0) {
         ConfigTable table(valuesOf(0, 10));
@@ -129,7 +129,7 @@ TEST(MemoryShortage, AReplacementThatFailedLeavesTheTableAsItWas) {
     EXPECT_GE(failures, 3U) << "a filter and an index were needed";
 }
 
-TEST(MemoryShortage, AStoreThatFailedLeavesTheTableAsItWas) {
+TEST(MemoryShortage, AFailedStoreLeavesTheTableUnchanged) {
     for (int held = 0; held < 60; ++held) {
         std::size_t failures = 0;
         for (bool failed = true; failed; failures += failed ? 1 : 0) {
@@ -146,7 +146,7 @@ TEST(MemoryShortage, AStoreThatFailedLeavesTheTableAsItWas) {
     }
 }
 
-TEST(MemoryShortage, ALoadThatFailedLeavesTheTableAsItWas) {
+TEST(MemoryShortage, AFailedLoadLeavesTheTableUnchanged) {
     for (int held = 0; held < 60; held += 7) {
         std::size_t failures = 0;
         for (bool failed = true; failed; failures += failed ? 1 : 0) {
@@ -163,7 +163,7 @@ TEST(MemoryShortage, ALoadThatFailedLeavesTheTableAsItWas) {
     }
 }
 
-TEST(MemoryShortage, AnOverwriteThatFailedLeavesTheValueAsItWas) {
+TEST(MemoryShortage, AFailedOverwriteLeavesTheValueUnchanged) {
     ConfigTable table(valuesOf(0, 10));
     const std::wstring longer(500, L'x');
     std::size_t failures = 0;
@@ -176,7 +176,7 @@ TEST(MemoryShortage, AnOverwriteThatFailedLeavesTheValueAsItWas) {
     EXPECT_GE(failures, 1U) << "the value was needed";
 }
 
-TEST(MemoryShortage, ASensitiveKeyThatCouldNotBeAddedIsAddedByTheNextAttempt) {
+TEST(MemoryShortage, AfterAFailureTheNextAttemptAddsTheSensitiveKey) {
     SensitiveKeys keys;
     const auto isKnown = [&](int number) {
         const std::wstring spelling = otherSpellingOf(number);
@@ -195,7 +195,7 @@ TEST(MemoryShortage, ASensitiveKeyThatCouldNotBeAddedIsAddedByTheNextAttempt) {
         ASSERT_TRUE(isKnown(added)) << "after " << failures << " failures";
         allFailures += failures;
     }
-    EXPECT_GT(allFailures, 120U) << "each took an entry and its text, some more";
+    EXPECT_GT(allFailures, 120U) << "each needs an entry and its text, some more";
 }
 
 } // namespace

@@ -25,7 +25,7 @@ const std::string narrowSecret(40, 's');
 /// Characters beyond ASCII use another path through the conversions.
 const std::wstring secretWithAccent = L"\u00E9" + secret;
 
-TEST(ReleasedDocuments, ATextInABlockThatIsFreedIsSeen) {
+TEST(ReleasedDocuments, TheTestFindsATextInAFreedBlock) {
     auto text = std::make_unique<std::wstring>(secret);
     {
         const BlocksFreedWith freed(secret);
@@ -39,7 +39,7 @@ TEST(ReleasedDocuments, ATextInABlockThatIsFreedIsSeen) {
     EXPECT_EQ(freed.getCount(), 1U);
 }
 
-TEST(ReleasedDocuments, ATextMadeWideLeavesNoCopyBehind) {
+TEST(ReleasedDocuments, ConvertingATextToWideCharactersLeavesNoCopy) {
     for (const auto& text : {secret, secretWithAccent}) {
         const std::string narrow = KyrCoreUtils::toString(text);
         const BlocksFreedWith freed(secret);
@@ -59,7 +59,7 @@ struct ReleasedCachedDocuments : testing::Test {
     const std::string path = (profile.config() / "Cache" / "cachedX.dat").string();
 };
 
-TEST_F(ReleasedCachedDocuments, LeaveNoValueBehindWhenTheyAreRead) {
+TEST_F(ReleasedCachedDocuments, ReadingThemLeavesNoValueInFreedMemory) {
     for (const auto& value : {secret, secretWithAccent}) {
         write(value);
         const BlocksFreedWith freed(secret);
@@ -71,14 +71,14 @@ TEST_F(ReleasedCachedDocuments, LeaveNoValueBehindWhenTheyAreRead) {
     }
 }
 
-TEST_F(ReleasedCachedDocuments, LeaveNoNarrowValueBehindWhenTheyAreRead) {
+TEST_F(ReleasedCachedDocuments, ReadingThemLeavesNoNarrowValueInFreedMemory) {
     write(secret);
     const BlocksFreedWith freed(narrowSecret);
     const CacheConfigStore store("X", 1, path);
     EXPECT_EQ(freed.getCount(), 0U);
 }
 
-TEST_F(ReleasedCachedDocuments, LeaveNoValueBehindWhenTheyAreWritten) {
+TEST_F(ReleasedCachedDocuments, WritingThemLeavesNoValueInFreedMemory) {
     ConfigMap values;
     values.emplace(L"k", secret);
     {
@@ -92,7 +92,7 @@ TEST_F(ReleasedCachedDocuments, LeaveNoValueBehindWhenTheyAreWritten) {
     EXPECT_EQ(freed.getCount(), 0U);
 }
 
-TEST_F(ReleasedCachedDocuments, AreMadeOfValuesThatAreZeroedWhenTheyAreTakenOver) {
+TEST_F(ReleasedCachedDocuments, WritingThemZeroesTheCallersValues) {
     ConfigMap values{{L"k", secret}};
     const FreedText freed(values.at(L"k"));
     const CacheConfigStore store("X", 1, path, values);
@@ -118,7 +118,7 @@ struct ReleasedUserFiles : testing::Test {
     testing_host::TemporaryProfile profile;
 };
 
-TEST_F(ReleasedUserFiles, LeaveNoValueBehindWhenTheyAreRead) {
+TEST_F(ReleasedUserFiles, ReadingThemLeavesNoValueInFreedMemory) {
     {
         const BlocksFreedWith freed(secret);
         read();
@@ -129,7 +129,7 @@ TEST_F(ReleasedUserFiles, LeaveNoValueBehindWhenTheyAreRead) {
     EXPECT_EQ(freed.getCount(), 0U);
 }
 
-TEST_F(ReleasedCachedDocuments, LeaveNoValueBehindWhenMemoryEnds) {
+TEST_F(ReleasedCachedDocuments, AFailedAllocationLeavesNoValueInFreedMemory) {
     for (const auto& value : {secret, secretWithAccent}) {
         write(value);
         bool failed = true;

@@ -21,7 +21,7 @@ const std::wstring secret(40, L's');
 const std::wstring longer(200, L'l');
 const std::wstring zeroes(40, L'\0');
 
-TEST(ReleasedValues, AreSeenWhenTheyAreFreed) {
+TEST(ReleasedValues, TheTestFindsAValueInAFreedBlock) {
     std::optional<std::wstring> text(secret);
     const FreedText freed(*text);
     EXPECT_EQ(freed.getContent(), std::nullopt);
@@ -29,7 +29,7 @@ TEST(ReleasedValues, AreSeenWhenTheyAreFreed) {
     EXPECT_EQ(freed.getContent(), secret);
 }
 
-TEST(ReleasedValues, OfATableAreZeroed) {
+TEST(ReleasedValues, ATableZeroesTheValuesItReleases) {
     using Table = std::unique_ptr<ConfigTable>;
     const std::vector<std::pair<std::string, std::function<void(Table&)>>> waysOut = {
         {"overwritten", [](Table& table) { table->store(L"K", longer); }},
@@ -56,7 +56,7 @@ TEST(ReleasedValues, OfATableAreZeroed) {
     }
 }
 
-TEST(ReleasedValues, ThatATableTookOverAreZeroed) {
+TEST(ReleasedValues, ReplaceZeroesTheCallersValues) {
     ConfigMap values{{L"k", secret}};
     const FreedText freed(values.at(L"k"));
     ConfigTable table;
@@ -64,7 +64,7 @@ TEST(ReleasedValues, ThatATableTookOverAreZeroed) {
     EXPECT_EQ(freed.getContent(), zeroes);
 }
 
-TEST(ReleasedValues, AreZeroedInTheRoomThatTheyLeave) {
+TEST(ReleasedValues, AShorterValueZeroesTheRestOfItsBlock) {
     ConfigTable table(ConfigMap{{L"k", secret}});
     const std::wstring key = L"k";
     const std::wstring_view room = *table.find(FoldedKey(key));
@@ -74,7 +74,7 @@ TEST(ReleasedValues, AreZeroedInTheRoomThatTheyLeave) {
     EXPECT_EQ(room, zeroes);
 }
 
-TEST(ReleasedValues, ThatOutgrewTheirRoomAreZeroed) {
+TEST(ReleasedValues, ALongerValueZeroesTheFormerBlock) {
     ConfigTable table(ConfigMap{{L"k", L"short"}});
     const std::wstring key = L"k";
     table.store(key, secret);
@@ -90,25 +90,25 @@ struct ReleasedValuesOfRecords : configservice_test::ServiceFixture {
     }
 };
 
-TEST_F(ReleasedValuesOfRecords, AreZeroedWhenOthersTakeTheirPlace) {
+TEST_F(ReleasedValuesOfRecords, AreZeroedWhenTheyAreOverwritten) {
     std::wstring value = secret;
     const FreedText freed(value);
     announceWhole(std::move(value), L"");
-    ASSERT_EQ(freed.getContent(), std::nullopt) << "the record holds it";
+    ASSERT_EQ(freed.getContent(), std::nullopt) << "the record still holds the value";
     announceWhole(longer, L"");
     EXPECT_EQ(freed.getContent(), zeroes);
 }
 
-TEST_F(ReleasedValuesOfRecords, AreZeroedAsOriginalsToo) {
+TEST_F(ReleasedValuesOfRecords, AreZeroedWhenAnOriginalValueIsOverwritten) {
     std::wstring original = secret;
     const FreedText freed(original);
     announceWhole(L"", std::move(original));
-    ASSERT_EQ(freed.getContent(), std::nullopt) << "the record holds it";
+    ASSERT_EQ(freed.getContent(), std::nullopt) << "the record still holds the value";
     announceWhole(L"", longer);
     EXPECT_EQ(freed.getContent(), zeroes);
 }
 
-TEST_F(ReleasedValuesOfRecords, AreZeroedWhenTheyWereEqualAndNotTakenOver) {
+TEST_F(ReleasedValuesOfRecords, AreZeroedWhenAnEqualValueIsDiscarded) {
     announceWhole(secret, secret);
     {
         std::wstring value(40, L'S');
@@ -122,7 +122,7 @@ TEST_F(ReleasedValuesOfRecords, AreZeroedWhenTheyWereEqualAndNotTakenOver) {
     EXPECT_EQ(freed.getContent(), zeroes);
 }
 
-TEST_F(ReleasedValuesOfRecords, AreZeroedWhenTheRecordGoes) {
+TEST_F(ReleasedValuesOfRecords, AreZeroedWhenTheRecordIsDestroyed) {
     for (const bool isOriginal : {false, true}) {
         std::wstring text = secret;
         const FreedText freed(text);

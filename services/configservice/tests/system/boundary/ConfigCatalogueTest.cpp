@@ -211,7 +211,7 @@ const KeyRow& getRow(std::wstring_view name) {
     return *row;
 }
 
-TEST(ConfigCatalogue, BeginsWithTheAgreedTextsInTheirWidthAndOrder) {
+TEST(ConfigCatalogue, BeginsWithThePublishedTextsInTheirWidthAndOrder) {
     ASSERT_GE(catalogue.size(), agreed.size());
     for (const auto& [number, text, width] : agreed) {
         SCOPED_TRACE(number);
@@ -221,7 +221,7 @@ TEST(ConfigCatalogue, BeginsWithTheAgreedTextsInTheirWidthAndOrder) {
     }
 }
 
-TEST(ConfigCatalogue, NoTwoNamesAreOneKey) {
+TEST(ConfigCatalogue, NoTwoNamesAreTheSameKey) {
     ConfigKeySet seen;
     for (const auto& entry : catalogue) {
         EXPECT_TRUE(seen.insert(KyrCoreUtils::toWideString(textOf(entry))).second) << textOf(entry);
@@ -234,7 +234,7 @@ TEST(ConfigCatalogue, NoTwoNamesAreOneKey) {
     }
 }
 
-TEST(ConfigCatalogue, NamesAreConstantsOfTheirOwnWidth) {
+TEST(ConfigCatalogue, NamesAreConstantsOfTheirWidth) {
     static_assert(std::is_same_v<decltype(telephonyP2PEnabled), const std::wstring_view>);
     static_assert(std::is_same_v<decltype(localFileConfigStore), const std::string_view>);
     static_assert(additionalInfo == L"Addtional_Info", "other services use the misspelt name");
@@ -253,7 +253,7 @@ TEST(ConfigCatalogue, EachTextIsAKeyAnOldNameOrAnotherName) {
     }
 }
 
-TEST(ConfigCatalogue, HoldsTheAgreedRenamings) {
+TEST(ConfigCatalogue, ContainsThePublishedOldNames) {
     for (const auto& [oldName, newName] : agreedRenamings) {
         SCOPED_TRACE(KyrCoreUtils::toString(newName));
         EXPECT_EQ(getRow(newName).name, newName);
@@ -283,7 +283,7 @@ TEST(ConfigCatalogue, FindsAKeyByEitherNameIgnoringCase) {
     EXPECT_EQ(findKey(L"InMemoryConfigStore"), nullptr);
 }
 
-TEST(ConfigCatalogue, SpellsAKeyByTheNameThatWasUsed) {
+TEST(ConfigCatalogue, ReturnsTheSpellingOfTheNameThatWasUsed) {
     EXPECT_EQ(spellKey(L"servicesdomain"), L"ServicesDomain");
     EXPECT_EQ(spellKey(L"TFTPSERVER1"), L"TftpServer1");
     EXPECT_EQ(spellKey(L"tftpprimaryserver"), L"TFTPPrimaryServer");
@@ -300,7 +300,7 @@ TEST(ConfigCatalogue, ListsTheNewNameFirst) {
     EXPECT_EQ(getKeyNames(L"theme").getAll(), Names{L"theme"});
 }
 
-TEST(ConfigCatalogue, KeyComparedWithAWordPermitsOnlyTrueAndFalse) {
+TEST(ConfigCatalogue, AKeyComparedWithTrueOrFalsePermitsOnlyThese) {
     for (const auto key : {allowUrlProvisioning, customizePhoneServer, customizeVoicemailServer, telephonyP2PEnabled,
                            certificateValidationEnabled}) {
         SCOPED_TRACE(KyrCoreUtils::toString(key));
@@ -315,7 +315,7 @@ TEST(ConfigCatalogue, KeyComparedWithAWordPermitsOnlyTrueAndFalse) {
     }
 }
 
-TEST(ConfigCatalogue, KeyReadByToBoolPermitsItsSpellings) {
+TEST(ConfigCatalogue, AKeyReadByToBoolPermitsTheSpellingsOfToBool) {
     for (const auto key : {lumoraSdkMode, telephonyEnabled, voicemailEnabled, meetingsEnabled}) {
         SCOPED_TRACE(KyrCoreUtils::toString(key));
         for (const auto permitted : getPermittedValues(getRow(key))) {
@@ -327,14 +327,14 @@ TEST(ConfigCatalogue, KeyReadByToBoolPermitsItsSpellings) {
     }
 }
 
-TEST(ConfigCatalogue, EveryTextThatToBoolReadsAsTrueIsPermitted) {
+TEST(ConfigCatalogue, PermitsEveryTextThatToBoolReadsAsTrue) {
     const auto words = getPermittedValues(getRow(lumoraSdkMode));
     const auto isTrue = [](std::wstring_view word) { return KyrCoreUtils::toBool(word); };
     EXPECT_EQ(std::ranges::count_if(words, isTrue), 4);
     EXPECT_EQ(words.size(), 8U);
 }
 
-TEST(ConfigCatalogue, CalendarTypeIsOneOfThreeNumbers) {
+TEST(ConfigCatalogue, TheCalendarTypePermitsThreeNumbers) {
     const auto& row = getRow(L"CalendarIntegrationType");
     EXPECT_TRUE(permits(row, L"0"));
     EXPECT_TRUE(permits(row, L"2"));
@@ -343,7 +343,7 @@ TEST(ConfigCatalogue, CalendarTypeIsOneOfThreeNumbers) {
     EXPECT_EQ(describePermittedValues(row), R"("0", "1" or "2")");
 }
 
-TEST(ConfigCatalogue, RecordOfStoresIsAListOfNamesWithPriorities) {
+TEST(ConfigCatalogue, TheRecordOfStoresPermitsAListOfNamesWithPriorities) {
     const auto& row = getRow(primaryConfigStores);
     for (const auto* const permitted : {L"", L"PresenceConfigStore:31;TftpStore:41;", L"A:-1;", L"A:240"}) {
         EXPECT_TRUE(permits(row, permitted)) << KyrCoreUtils::toString(permitted);

@@ -33,7 +33,7 @@ TEST(ExtendedCatalogue, BothNamesOfTheAddedKeyAreSensitive) {
     EXPECT_EQ(listed.back(), L"Added_Key_Before");
 }
 
-TEST(ExtendedCatalogue, LookupKnowsTheOldNameOfTheAddedKey) {
+TEST(ExtendedCatalogue, RenamedKeysContainsTheOldNameOfTheAddedKey) {
     const RenamedKeys renamed;
     const auto* const newName = renamed.findNewName(L"added_key_before");
     ASSERT_NE(newName, nullptr);

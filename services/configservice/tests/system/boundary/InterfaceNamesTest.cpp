@@ -32,7 +32,7 @@ public:
     void OnBulkUpdateInProgressChanged() override {}
 };
 
-TEST(InterfaceNames, ObjectsNameTheirInterfaceWhateverImplementsIt) {
+TEST(InterfaceNames, EveryImplementationReturnsTheNameOfItsInterface) {
     const auto factory = std::make_shared<testing_host::RecordingFactory>();
     EXPECT_EQ(PlainObject(factory).getInterfaceName(), "UnifiedBusinessObject");
     EXPECT_EQ(configservice_test::PlainService(factory).getInterfaceName(), "UnifiedService");
@@ -43,7 +43,7 @@ TEST(InterfaceNames, ObjectsNameTheirInterfaceWhateverImplementsIt) {
     EXPECT_EQ(std::static_pointer_cast<UnifiedBusinessObject>(service)->getInterfaceName(), "ConfigService");
 }
 
-TEST(InterfaceNames, ObserversAndNotifierSetsNameTheirInterface) {
+TEST(InterfaceNames, ObserversAndNotifierSetsReturnTheNameOfTheirInterface) {
     EXPECT_EQ(UnifiedBusinessObjectNotifiersImpl().getInterfaceName(), "UnifiedBusinessObjectObserver");
     EXPECT_EQ(UnifiedServiceNotifiersImpl().getInterfaceName(), "UnifiedServiceObserver");
     EXPECT_EQ(ConfigServiceNotifiersImpl().getInterfaceName(), "ConfigServiceObserver");
@@ -52,7 +52,7 @@ TEST(InterfaceNames, ObserversAndNotifierSetsNameTheirInterface) {
     EXPECT_EQ(HostObserver().getInterfaceName(), "SystemServiceObserver");
 }
 
-TEST(InterfaceNames, CallbacksNameTheirInterface) {
+TEST(InterfaceNames, CallbacksReturnTheNameOfTheirInterface) {
     EXPECT_EQ(UnifiedCallback().getInterfaceName(), "UnifiedCallback");
     EXPECT_EQ(ResetCallback().getInterfaceName(), "ProviderResetDataCallback");
 }

@@ -74,7 +74,7 @@ using Weak = std::weak_ptr<T>;
 constexpr std::ptrdiff_t businessObjectSlots = destructor + 6;
 constexpr std::ptrdiff_t observerSlots = destructor + 3;
 
-TEST(VirtualOrder, PropertyNotifier) {
+TEST(VirtualOrder, PropertyNotifierHasThePublishedOrder) {
     expectOrder(0,
                 {op<Weak<PropertyNotifierConnection>(std::function<void()>)>("connect", &PropertyNotifier::connect)});
     EXPECT_EQ(slotsOf<PropertyNotifier>(), 1 + destructor);
@@ -83,7 +83,7 @@ TEST(VirtualOrder, PropertyNotifier) {
     EXPECT_EQ(slotsOf<PropertyNotifierConnection>(), 2 + destructor);
 }
 
-TEST(VirtualOrder, UnifiedBusinessObject) {
+TEST(VirtualOrder, UnifiedBusinessObjectHasThePublishedOrder) {
     using T = UnifiedBusinessObject;
     expectOrder(destructor, {
                                 op<void(Weak<UnifiedBusinessObjectObserver>)>("addObserver", &T::addObserver),
@@ -97,7 +97,7 @@ TEST(VirtualOrder, UnifiedBusinessObject) {
     EXPECT_EQ(slotsOf<T>(), businessObjectSlots);
 }
 
-TEST(VirtualOrder, UnifiedBusinessObjectObserver) {
+TEST(VirtualOrder, UnifiedBusinessObjectObserverHasThePublishedOrder) {
     using T = UnifiedBusinessObjectObserver;
     expectOrder(destructor, {
                                 op<void()>("OnInfoChanged", &T::OnInfoChanged),
@@ -107,13 +107,13 @@ TEST(VirtualOrder, UnifiedBusinessObjectObserver) {
     EXPECT_EQ(slotsOf<T>(), observerSlots);
 }
 
-TEST(VirtualOrder, UnifiedBusinessObjectNotifiers) {
+TEST(VirtualOrder, UnifiedBusinessObjectNotifiersHasThePublishedOrder) {
     using T = UnifiedBusinessObjectNotifiers;
     expectOrder(destructor, {op<Shared<PropertyNotifier>()>("getGuidNotifier", &T::getGuidNotifier)});
     EXPECT_EQ(slotsOf<T>(), destructor + 1);
 }
 
-TEST(VirtualOrder, UnifiedService) {
+TEST(VirtualOrder, UnifiedServiceHasThePublishedOrder) {
     using T = UnifiedService;
     expectOrder(businessObjectSlots,
                 {
@@ -129,7 +129,7 @@ TEST(VirtualOrder, UnifiedService) {
                                                 &UnifiedServiceNotifiers::getBulkUpdateInProgressNotifier)});
 }
 
-TEST(VirtualOrder, ConfigService) {
+TEST(VirtualOrder, ConfigServiceHasThePublishedOrder) {
     using T = ConfigService;
     using Records = std::list<Shared<ConfigValue>>;
     expectOrder(businessObjectSlots + 4,
@@ -160,7 +160,7 @@ TEST(VirtualOrder, ConfigService) {
                                                                 &ConfigServiceNotifiers::getConfigReadyNotifier)});
 }
 
-TEST(VirtualOrder, ConfigValue) {
+TEST(VirtualOrder, ConfigValueHasThePublishedOrder) {
     using T = ConfigValue;
     expectOrder(businessObjectSlots,
                 {
@@ -183,7 +183,7 @@ TEST(VirtualOrder, ConfigValue) {
 }
 
 /// The operations for the owner of a record follow the public ones.
-TEST(VirtualOrder, OwnersOperationsOfConfigValue) {
+TEST(VirtualOrder, ConfigValueBaseImplAddsItsOperationsInThePublishedOrder) {
     using T = ConfigValueBaseImpl;
     const auto last = op<Text()>("getOriginalValueStoreName", &T::getOriginalValueStoreName);
     expectOrder(last.slot + 1, {
@@ -197,7 +197,7 @@ TEST(VirtualOrder, OwnersOperationsOfConfigValue) {
                                });
 }
 
-TEST(VirtualOrder, OwnersOperationsOfConfigService) {
+TEST(VirtualOrder, ConfigServiceImplAddsItsOperationsInThePublishedOrder) {
     using T = ConfigServiceImpl;
     const auto last = op<Text(Bytes, Text)>("getValueFromConfigStore", &T::getValueFromConfigStore);
     expectOrder(last.slot + 1, {
@@ -207,7 +207,7 @@ TEST(VirtualOrder, OwnersOperationsOfConfigService) {
                                });
 }
 
-TEST(VirtualOrder, ConfigValueObserver) {
+TEST(VirtualOrder, ConfigValueObserverHasThePublishedOrder) {
     using T = ConfigValueObserver;
     expectOrder(observerSlots, {
                                    op<void()>("OnKeyChanged", &T::OnKeyChanged),
@@ -221,7 +221,7 @@ TEST(VirtualOrder, ConfigValueObserver) {
     EXPECT_EQ(slotsOf<T>(), observerSlots + 7);
 }
 
-TEST(VirtualOrder, ConfigValueNotifiers) {
+TEST(VirtualOrder, ConfigValueNotifiersHasThePublishedOrder) {
     using T = ConfigValueNotifiers;
     using Notifier = Shared<PropertyNotifier>;
     expectOrder(destructor + 1,
@@ -237,7 +237,7 @@ TEST(VirtualOrder, ConfigValueNotifiers) {
     EXPECT_EQ(slotsOf<T>(), destructor + 1 + 7);
 }
 
-TEST(VirtualOrder, ConfigFeatureSet) {
+TEST(VirtualOrder, ConfigFeatureSetHasThePublishedOrder) {
     using T = ConfigFeatureSet;
     using Added = Shared<ConfigStoreAddedObserver>;
     expectOrder(
@@ -271,7 +271,7 @@ TEST(VirtualOrder, ConfigFeatureSet) {
     EXPECT_EQ(slotsOf<T>(), destructor + 23);
 }
 
-TEST(VirtualOrder, ConfigStore) {
+TEST(VirtualOrder, ConfigStoreHasThePublishedOrder) {
     using T = ConfigStore;
     expectOrder(destructor, {
                                 op<bool(const Text&, Text&)>("getValue", &T::getValue),
@@ -294,7 +294,7 @@ TEST(VirtualOrder, ConfigStore) {
     EXPECT_EQ(slotsOf<ConfigStoreAddedObserver>(), 1) << "it has no virtual destructor";
 }
 
-TEST(VirtualOrder, ConfigStoreManagerObserver) {
+TEST(VirtualOrder, ConfigStoreManagerObserverHasThePublishedOrder) {
     using T = ConfigStoreManager_Observer;
     expectOrder(destructor, {
                                 op<void(Text)>("onFireIfRequired", &T::onFireIfRequired),
@@ -305,7 +305,7 @@ TEST(VirtualOrder, ConfigStoreManagerObserver) {
     EXPECT_EQ(slotsOf<T>(), destructor + 3);
 }
 
-TEST(VirtualOrder, FeatureSetAdapter) {
+TEST(VirtualOrder, FeatureSetAdapterHasThePublishedOrder) {
     using T = FeatureSetAdapter;
     using Events = Shared<ServiceEventList>;
     expectOrder(
@@ -321,7 +321,7 @@ TEST(VirtualOrder, FeatureSetAdapter) {
     EXPECT_EQ(slotsOf<FeatureSet>(), destructor);
 }
 
-TEST(VirtualOrder, UnifiedFactory) {
+TEST(VirtualOrder, UnifiedFactoryHasThePublishedOrder) {
     using T = UnifiedFactory;
     expectOrder(6 + destructor,
                 {
@@ -333,24 +333,25 @@ TEST(VirtualOrder, UnifiedFactory) {
                     op<Shared<IDataPersistor>()>("getDataPersistor", &T::getDataPersistor),
                     op<Shared<FeatureSetAdapter>(unsigned int)>("getFeatureSetAdapter", &T::getFeatureSetAdapter),
                 });
-    EXPECT_EQ(slotsOf<T>(), 6 + destructor + 7 + 2) << "the two loads, which only the host reaches, come last";
+    EXPECT_EQ(slotsOf<T>(), 6 + destructor + 7 + 2)
+        << "the two loading operations, which only the host calls, are the last";
 }
 
-TEST(VirtualOrder, SystemService) {
+TEST(VirtualOrder, SystemServiceHasThePublishedOrder) {
     using T = SystemService;
     const auto own =
         op<Shared<ResetDataCallbackRegistry>()>("getResetDataCallbackRegistry", &T::getResetDataCallbackRegistry);
-    EXPECT_EQ(own.slot, businessObjectSlots + 4 + 3) << "the reset callbacks are reached through the fourth operation";
+    EXPECT_EQ(own.slot, businessObjectSlots + 4 + 3) << "the fourth operation returns the reset callbacks";
 }
 
-TEST(VirtualOrder, ProviderResetDataCallback) {
+TEST(VirtualOrder, ProviderResetDataCallbackHasThePublishedOrder) {
     expectOrder(destructor, {op<Bytes()>("getInterfaceName", &UnifiedCallback::getInterfaceName)});
     EXPECT_EQ(slotsOf<UnifiedCallback>(), destructor + 1);
     expectOrder(destructor + 1, {op<void(ResetDataOptionEnum::ResetDataOption)>(
                                     "InvokeResetData", &ProviderResetDataCallback::InvokeResetData)});
 }
 
-TEST(VirtualOrder, RegistryConfigStore) {
+TEST(VirtualOrder, RegistryConfigStoreHasThePublishedOrder) {
     constexpr std::ptrdiff_t storeSlots = destructor + 14;
     expectOrder(storeSlots, {op<void()>("onRegistryChanged", &RegistryConfigStore::onRegistryChanged)});
 }

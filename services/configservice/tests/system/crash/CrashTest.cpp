@@ -34,7 +34,7 @@ protected:
         const auto writerSeed = static_cast<std::uint32_t>(random());
         KilledProcess process([&](int pipeEnd) { crash_test::writeNumbers(pipeEnd, disk, writerSeed); });
         auto told = process.killAfter(reports, delay);
-        EXPECT_TRUE(process.wasKilled()) << "ended by itself";
+        EXPECT_TRUE(process.wasKilled()) << "the child ended without being killed";
         return told;
     }
 
@@ -74,7 +74,7 @@ protected:
                 backupHolds = report.number;
                 break;
             case Report::Kind::Lost:
-                ADD_FAILURE() << "a write went astray; the file holds " << report.number;
+                ADD_FAILURE() << "an unexpected write; the file contains " << report.number;
                 break;
             case Report::Kind::LoadedFile:
             case Report::Kind::File:
@@ -86,7 +86,7 @@ protected:
 
     void expectGoodStart(std::uint32_t loaded) {
         const std::uint32_t onDisk = mainHolds > 0 ? mainHolds : backupHolds;
-        EXPECT_GE(loaded, onDisk) << "older than what was on the disk";
+        EXPECT_GE(loaded, onDisk) << "older than the content on the disk";
         EXPECT_TRUE(loaded > 0 || onDisk == 0) << "empty";
         starts += loaded > 0 ? 1 : 0;
     }
@@ -101,7 +101,7 @@ protected:
     unsigned long starts = 0;
 };
 
-TEST_P(CrashTest, TheNextProcessBeginsWithWhatWasOnTheDisk) {
+TEST_P(CrashTest, TheNextProcessReadsTheLastContentOnTheDisk) {
     SCOPED_TRACE("LUMORA_CRASH_SEED=" + std::to_string(seed));
     const unsigned long rounds = crash_test::countRounds();
     for (unsigned long round = 0; round < rounds && !HasFailure(); ++round) {

@@ -33,7 +33,7 @@ protected:
     void playProcess(std::size_t reports, std::chrono::microseconds delay) {
         KilledProcess process(crash_test::writeWithManyThreads);
         const auto told = process.killAfter(reports, delay);
-        EXPECT_TRUE(process.wasKilled()) << "ended by itself";
+        EXPECT_TRUE(process.wasKilled()) << "the child ended without being killed";
         for (const Report& report : told) {
             auto& held = holds.at(report.file);
             EXPECT_NE(report.kind, Report::Kind::Lost) << "of file " << report.file;
@@ -55,7 +55,7 @@ protected:
     std::array<unsigned long, 2> counts{};                       ///< The number of loaded files and of written files.
 };
 
-TEST_F(ManyWritersCrashTest, TheNextProcessBeginsWithWhatWasOnTheDiskInEachFile) {
+TEST_F(ManyWritersCrashTest, TheNextProcessReadsTheLastContentOfEachFile) {
     SCOPED_TRACE("LUMORA_CRASH_SEED=" + std::to_string(seed));
     const unsigned long rounds = crash_test::countRounds();
     for (unsigned long round = 0; round < rounds && !HasFailure(); ++round) {

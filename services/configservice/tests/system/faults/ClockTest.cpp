@@ -15,7 +15,7 @@ using Days = std::chrono::duration<int, std::ratio<86400>>;
 /// Sets the clock between two runs and during a run; the parameter is in days.
 class WallClock : public testing::TestWithParam<int> {};
 
-TEST_P(WallClock, NeitherChoosesAFileNorKeepsOneFromBeingWritten) {
+TEST_P(WallClock, DoesNotAffectWhichFilesAreReadAndWritten) {
     const Days jump(GetParam());
     testing_host::JumpingClock clock;
     FaultySession session;

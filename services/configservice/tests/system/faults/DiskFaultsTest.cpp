@@ -102,7 +102,7 @@ protected:
     }
 };
 
-TEST_P(DiskFaults, LoadLosesNothingAndTheNextStartHasItAll) {
+TEST_P(DiskFaults, AFaultDuringALoadLosesNoDataForTheNextStart) {
     const auto load = [](FaultySession& session) {
         session.loadAndStart();
         if (session.valueOf(L"k") == L"(none)") {
@@ -127,7 +127,7 @@ TEST_P(DiskFaults, LoadLosesNothingAndTheNextStartHasItAll) {
     });
 }
 
-TEST_P(DiskFaults, PersistKeepsAGoodFile) {
+TEST_P(DiskFaults, AFaultDuringPersistKeepsAReadableFile) {
     const auto write = [](FaultySession& session) {
         session.adapter->setConfig(L"k", L"new");
         session.persist();
@@ -140,7 +140,7 @@ TEST_P(DiskFaults, PersistKeepsAGoodFile) {
     });
 }
 
-TEST_P(DiskFaults, BackupKeepsAGoodFile) {
+TEST_P(DiskFaults, AFaultDuringABackupKeepsAReadableFile) {
     const auto write = [](FaultySession& session) {
         session.loadAndStart();
         session.adapter->setConfig(L"k", L"new");
@@ -155,7 +155,7 @@ TEST_P(DiskFaults, BackupKeepsAGoodFile) {
         });
 }
 
-TEST_P(DiskFaults, CacheCopyKeepsAGoodFile) {
+TEST_P(DiskFaults, AFaultWhileACopyIsWrittenKeepsAReadableFile) {
     atEveryCall(
         begin, [](FaultySession& session) { session.download(L"new"); },
         [](FaultySession& session) {
@@ -167,7 +167,7 @@ TEST_P(DiskFaults, CacheCopyKeepsAGoodFile) {
         });
 }
 
-TEST_P(DiskFaults, ProvisioningKeepsAGoodFile) {
+TEST_P(DiskFaults, AFaultDuringProvisioningKeepsAReadableFile) {
     atEveryCall(
         begin, [](FaultySession& session) { EXPECT_TRUE(session.provision(L"new")); },
         [](FaultySession& session) {
@@ -179,7 +179,7 @@ TEST_P(DiskFaults, ProvisioningKeepsAGoodFile) {
         });
 }
 
-TEST_P(DiskFaults, ResetKeepsTheProvisioningCopyAndLeavesAWorkingChain) {
+TEST_P(DiskFaults, AFaultDuringAResetKeepsTheProvisioningCopyAndAWorkingChain) {
     const auto reset = [](FaultySession& session) { session.adapter->InvokeResetData(ResetDataOptionEnum::ResetAll); };
     atEveryCall(begin, reset, [](FaultySession& session) {
         EXPECT_TRUE(session.isLogged("ConfigAdapter reset."));
@@ -193,7 +193,7 @@ TEST_P(DiskFaults, ResetKeepsTheProvisioningCopyAndLeavesAWorkingChain) {
     });
 }
 
-TEST_P(DiskFaults, ReportLeavesOutWhatCannotBeReadAndSaysSo) {
+TEST_P(DiskFaults, TheReportOmitsAndLogsFilesThatCannotBeRead) {
     atEveryCall(
         begin,
         [](FaultySession& session) {

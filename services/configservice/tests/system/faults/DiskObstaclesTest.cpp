@@ -81,7 +81,7 @@ protected:
 /// An obstacle in the place of one of the protected files.
 class FileObstacles : public testing::TestWithParam<Thing> {};
 
-TEST_P(FileObstacles, AreMovedOutOfTheWayByTheNextWrite) {
+TEST_P(FileObstacles, AreMovedAsideByTheNextWrite) {
     for (const std::string name :
          {mainFile, backupFile, "Cache/cachedDownloaded.dat", "Cache/cachedUrlProvisioningConfigStore.dat"}) {
         SCOPED_TRACE(name);
@@ -103,7 +103,7 @@ TEST_P(FileObstacles, AreMovedOutOfTheWayByTheNextWrite) {
 INSTANTIATE_TEST_SUITE_P(Things, FileObstacles,
                          testing::Values(Thing::Folder, Thing::FullFolder, Thing::DanglingLink, Thing::LinkToItself));
 
-TEST_F(DiskObstacles, FileInThePlaceOfTheCacheFolderCostsTheCopiesAlone) {
+TEST_F(DiskObstacles, AFileAtThePathOfTheCacheFolderDisablesOnlyTheCopies) {
     session.leaveFiles();
     obstruct(session.file("Cache"), Thing::File);
     session.restart();
@@ -120,7 +120,7 @@ TEST_F(DiskObstacles, FileInThePlaceOfTheCacheFolderCostsTheCopiesAlone) {
     expectAtTheNextStart(session, L"newest");
 }
 
-TEST_F(DiskObstacles, FileInThePlaceOfTheConfigurationFolderLeavesAWorkingRun) {
+TEST_F(DiskObstacles, AFileAtThePathOfTheConfigurationFolderLeavesAWorkingRun) {
     session.leaveFiles();
     obstruct(session.profile.config(), Thing::File);
     session.restart();
@@ -150,7 +150,7 @@ TEST_F(DiskObstacles, WithoutTheKeysNoFileIsTouched) {
     expectAtTheNextStart(session, L"newest");
 }
 
-TEST_F(DiskObstacles, FolderInThePlaceOfTheDefaultsStaysAndIsToldOf) {
+TEST_F(DiskObstacles, AFolderAtThePathOfTheDefaultsIsKeptAndLogged) {
     const auto defaults = session.profile.resources() / "lumora-config-defaults.xml";
     put(Thing::FullFolder, defaults);
     session.leaveFiles();
@@ -164,7 +164,7 @@ TEST_F(DiskObstacles, FolderInThePlaceOfTheDefaultsStaysAndIsToldOf) {
     EXPECT_EQ(session.valueOf(L"k"), L"old");
 }
 
-TEST_F(DiskObstacles, FolderInThePlaceOfThePolicysTextCopyStaysAndThePolicyHolds) {
+TEST_F(DiskObstacles, AFolderAtThePathOfThePolicysTextCopyIsKeptAndThePolicyApplies) {
     const auto copy = session.file("RegistryConfigStore.txt");
     session.givenPolicy(L"p", L"v");
     put(Thing::FullFolder, copy);
@@ -177,7 +177,7 @@ TEST_F(DiskObstacles, FolderInThePlaceOfThePolicysTextCopyStaysAndThePolicyHolds
     EXPECT_EQ(testing_host::readFile(copy), "p: v\n");
 }
 
-TEST_F(DiskObstacles, ReadOnlyDiskServesItsFilesAndEveryChangeForThisRun) {
+TEST_F(DiskObstacles, AReadOnlyDiskIsReadAndChangesApplyToThisRun) {
     session.leaveFiles();
     makeReadOnly(*session.layer);
     session.restart();
@@ -194,7 +194,7 @@ TEST_F(DiskObstacles, ReadOnlyDiskServesItsFilesAndEveryChangeForThisRun) {
     expectAtTheNextStart(session, L"newest");
 }
 
-TEST_F(DiskObstacles, TwoProcessesOnOneProfileNeverTearAFile) {
+TEST_F(DiskObstacles, TwoProcessesOnOneProfileLeaveEachFileComplete) {
     session.leaveFiles();
     session.loadAndStart();
     session.useRealDisk();

@@ -32,7 +32,7 @@ TEST_F(KeptWrites, ARefreshWhileTheDiskIsFullDoesNotLoadTheOldFile) {
     EXPECT_THAT(userFile(), HasSubstr("old"));
 }
 
-TEST_F(KeptWrites, ADiskThatWasFullForAWhileLosesNothingAndNothingIsSetAgain) {
+TEST_F(KeptWrites, ATemporarilyFullDiskLosesNoChange) {
     session.layer->setFreeSpace(0);
     changeAll(session, L"new");
     session.layer->heal();
@@ -41,7 +41,7 @@ TEST_F(KeptWrites, ADiskThatWasFullForAWhileLosesNothingAndNothingIsSetAgain) {
     EXPECT_THAT(FaultySession::clearTextOf(session.file(backupFile)), HasSubstr("new"));
 }
 
-TEST_F(KeptWrites, ACopyThatWasNeverWrittenGoesWithItsStore) {
+TEST_F(KeptWrites, RemovingAStoreDropsItsUnwrittenCopy) {
     const std::string name = "Fresh";
     session.layer->setFreeSpace(0);
     session.adapter->addConfigStore(FaultySession::makeCachingStore(name, 40, {{L"f", L"v"}}));
@@ -53,7 +53,7 @@ TEST_F(KeptWrites, ACopyThatWasNeverWrittenGoesWithItsStore) {
     EXPECT_FALSE(fs::exists(session.cacheFile(name)));
 }
 
-TEST_F(KeptWrites, AWriteAfterAPowerDownReplacesNothing) {
+TEST_F(KeptWrites, AWriteAfterAPowerDownDoesNotReplaceAKeptOne) {
     session.layer->setFreeSpace(0);
     session.adapter->setConfig(L"k", L"new");
     session.persist();
@@ -65,7 +65,7 @@ TEST_F(KeptWrites, AWriteAfterAPowerDownReplacesNothing) {
     EXPECT_THAT(userFile(), HasSubstr("new"));
 }
 
-TEST_F(KeptWrites, ADamagedBackupThatIsMovedAsideNeverRefusesTheFirstWrite) {
+TEST_F(KeptWrites, ADamagedBackupMovedAsideDoesNotPreventTheFirstWrite) {
     session.unload();
     testing_host::writeFile(session.file(backupFile), "rubbish");
     EXPECT_EQ(EncryptFileUtils::moveAsideUnusable(session.profile.config().string()).size(), 1U);

@@ -11,7 +11,7 @@ class RealDisk : public testing::Test {
 protected:
     void SetUp() override {
         if (!disk.getObstacle().empty()) {
-            GTEST_SKIP() << "this machine lets the test mount nothing: " << disk.getObstacle();
+            GTEST_SKIP() << "this machine does not permit mounting: " << disk.getObstacle();
         }
         session.useRealDisk();
         session.leaveFiles();
@@ -33,7 +33,7 @@ protected:
     testing_host::SmallDisk disk{session.profile.config(), std::size_t{128} << 10};
 };
 
-TEST_F(RealDisk, FullOneKeepsItsFilesAndTakesChangesWhenThereIsRoomAgain) {
+TEST_F(RealDisk, AFullDiskKeepsItsFilesAndIsWrittenOnceItHasSpace) {
     disk.fill();
     session.restart();
     changeAll(session, L"new");
@@ -45,7 +45,7 @@ TEST_F(RealDisk, FullOneKeepsItsFilesAndTakesChangesWhenThereIsRoomAgain) {
     expectAtTheNextStart(session, L"newest");
 }
 
-TEST_F(RealDisk, ReadOnlyOneServesItsFilesAndTakesChangesWhenItIsWritableAgain) {
+TEST_F(RealDisk, AReadOnlyDiskIsReadAndIsWrittenOnceItIsWritable) {
     ASSERT_TRUE(disk.setReadOnly(true));
     session.restart();
     EXPECT_EQ(session.valueOf(L"k"), L"old");

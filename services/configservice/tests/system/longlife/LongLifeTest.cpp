@@ -85,7 +85,7 @@ protected:
         }
         const auto& warm = usages.front();
         const auto& end = usages.back();
-        EXPECT_LE(smallest, heapToleranceOfEveryStretch) << "the heap grows in every stretch";
+        EXPECT_LE(smallest, heapToleranceOfEveryStretch) << "the heap grows in every part of the run";
         EXPECT_LE(end.heapBytes, warm.heapBytes + heapTolerance);
         EXPECT_EQ(end.fileDescriptors, warm.fileDescriptors);
         EXPECT_EQ(end.threads, warm.threads);
@@ -99,12 +99,12 @@ protected:
     testing_host::CountedTimers timers;
 };
 
-TEST_F(LongLife, OneServiceHoldsNoMoreAfterAllItsCycles) {
+TEST_F(LongLife, OneServiceLeaksNothingInManyCycles) {
     ServiceLife life(timers);
     expectFlat([&life](std::size_t number) { life.playCycle(number); });
 }
 
-TEST_F(LongLife, ManyServicesOneAfterTheOtherLeaveNothingBehind) {
+TEST_F(LongLife, ManyConsecutiveServicesLeakNothing) {
     std::optional<ServiceLife> life;
     expectFlat([&](std::size_t number) {
         if (!life) {

@@ -52,22 +52,22 @@ protected:
     const PlantedSecret secret;
 };
 
-TEST_F(MemoryImageTest, AUserStoreHoldsASecretInItsTableAndInThatOfTheLastWriteAlone) {
+TEST_F(MemoryImageTest, AUserStoreHoldsASecretOnlyInItsTableAndThatOfTheLastWrite) {
     plantInUserFile();
     expectCopies("user", 2);
 }
 
-TEST_F(MemoryImageTest, AServiceHoldsASecretInItsStoresTablesAndInItsRecordAlone) {
+TEST_F(MemoryImageTest, AServiceHoldsASecretOnlyInItsStoresTablesAndItsRecord) {
     plantInUserFile();
     expectCopies("service", 3);
 }
 
-TEST_F(MemoryImageTest, ACachedCopyHoldsASecretInItsTableAlone) {
+TEST_F(MemoryImageTest, ACachedCopyHoldsASecretOnlyInItsTable) {
     plantInCachedCopy("Presence");
     expectCopies("Presence", 1);
 }
 
-TEST_F(MemoryImageTest, AValueThatIsWrittenInPartsLeavesNoneOfThemBehind) {
+TEST_F(MemoryImageTest, AValueInSeveralXmlNodesLeavesNoPartInMemory) {
     plantInCachedCopy("Presence");
     const std::string narrow(secret.text().begin(), secret.text().end());
     const zel::SecureString document("<Lumora><CachedConfig><ConnectionPassword>" + narrow + "<![CDATA[" +
@@ -78,12 +78,12 @@ TEST_F(MemoryImageTest, AValueThatIsWrittenInPartsLeavesNoneOfThemBehind) {
     expectCopies("Presence", 1);
 }
 
-TEST_F(MemoryImageTest, AUserStoreOfManyKeysHoldsASecretNoMoreOften) {
+TEST_F(MemoryImageTest, AUserStoreOfManyKeysHoldsASecretAsOftenAsOneOfFewKeys) {
     plantInUserFile(200);
     expectCopies("user", 2);
 }
 
-TEST_F(MemoryImageTest, ASecretThatLeavesAUserStoreIsInTheTableOfTheLastWriteUntilTheNextOne) {
+TEST_F(MemoryImageTest, ARemovedSecretIsInTheTableOfTheLastWriteUntilTheNextWrite) {
     for (const std::string way : {"removed, unwritten", "reset, unwritten"}) {
         SCOPED_TRACE(way);
         plantInUserFile(200);
@@ -91,7 +91,7 @@ TEST_F(MemoryImageTest, ASecretThatLeavesAUserStoreIsInTheTableOfTheLastWriteUnt
     }
 }
 
-TEST_F(MemoryImageTest, ASecretThatLeavesAUserStoreLeavesNothingBehind) {
+TEST_F(MemoryImageTest, AUserStoreKeepsNoCopyOfARemovedSecret) {
     for (const std::string way : {"removed", "longer", "shorter", "reset", "released"}) {
         SCOPED_TRACE(way);
         plantInUserFile(200);
@@ -99,7 +99,7 @@ TEST_F(MemoryImageTest, ASecretThatLeavesAUserStoreLeavesNothingBehind) {
     }
 }
 
-TEST_F(MemoryImageTest, ASecretThatLeavesAServiceLeavesNothingBehind) {
+TEST_F(MemoryImageTest, AServiceKeepsNoCopyOfARemovedSecret) {
     for (const std::string way : {"service overwritten", "service reset"}) {
         SCOPED_TRACE(way);
         plantInUserFile(200);

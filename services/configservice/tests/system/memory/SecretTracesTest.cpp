@@ -73,7 +73,7 @@ protected:
     std::string errors;
 };
 
-TEST_F(SecretTracesTest, LogsErrorsTemporaryFilesAndBackupsHoldNoSecret) {
+TEST_F(SecretTracesTest, LogsErrorsTemporaryFilesAndBackupsContainNoSecret) {
     const std::string narrow(secret.text().begin(), secret.text().end());
     persistSecret("first");
     dieInEachStep();
@@ -106,7 +106,7 @@ TEST_F(SecretTracesTest, LogsErrorsTemporaryFilesAndBackupsHoldNoSecret) {
     EXPECT_NE(testing_host::readFile(profile.state() / "session.log").find("Invalid XML"), std::string::npos);
 }
 
-TEST_F(SecretTracesTest, FilesAndFoldersAreTheOwnersAlone) {
+TEST_F(SecretTracesTest, FilesAndFoldersAreAccessibleToTheirOwnerOnly) {
     persistSecret("first");
     dieInEachStep();
     runSession("user");

@@ -23,7 +23,7 @@ class WrittenBytesTest : public testing::Test {
 protected:
     void SetUp() override {
         if (SystemCallTrace::makeRunner(file).empty()) {
-            GTEST_SKIP() << "strace is not installed, or may not trace here";
+            GTEST_SKIP() << "strace is not installed or not permitted";
         }
     }
 
@@ -66,11 +66,11 @@ protected:
     const PlantedSecret secret;
 };
 
-TEST_F(WrittenBytesTest, ASecretThatIsWrittenIsSeenInEveryForm) {
+TEST_F(WrittenBytesTest, TheTestFindsAWrittenSecretInEveryEncoding) {
     EXPECT_THAT(findSecret(trace("leak")), ElementsAre("narrow", "utf-16", "wide"));
 }
 
-TEST_F(WrittenBytesTest, NoOperationHandsASecretToTheSystemInTheClear) {
+TEST_F(WrittenBytesTest, NoOperationPassesASecretToTheSystemUnencrypted) {
     const auto seen = trace("operations");
     EXPECT_THAT(findSecret(seen), IsEmpty());
     EXPECT_THAT(seen.getUnseen(), IsEmpty());

@@ -67,7 +67,7 @@ std::size_t countBehindTree(const std::string& element) {
 
 } // namespace
 
-TEST(XmlFreedBlocks, AreThoseThatAreFreedAndThoseThatGrow) {
+TEST(XmlFreedBlocks, ContainsFreedAndReallocatedBlocks) {
     const XmlFreedBlocks freed(secret);
     void* block = xmlMemStrdup(("a " + secret).c_str());
     EXPECT_EQ(freed.count(), 0U);
@@ -77,7 +77,7 @@ TEST(XmlFreedBlocks, AreThoseThatAreFreedAndThoseThatGrow) {
     EXPECT_EQ(freed.count(), 2U);
 }
 
-TEST(XmlMemory, KeepsNothingOfATextThatIsWritten) {
+TEST(XmlMemory, FreedBlocksContainNoWrittenText) {
     for (const std::size_t kilobytes : {1U, 5U, 50U}) {
         const XmlFreedBlocks freed(secret);
         {
@@ -101,7 +101,7 @@ TEST(XmlMemory, KeepsNothingOfATextThatIsWritten) {
     }
 }
 
-TEST(XmlMemory, KeepsNothingOfASensitiveText) {
+TEST(XmlMemory, FreedBlocksContainNoSensitiveText) {
     for (const std::size_t bytes : {10U, 1'000U, 50'000U}) {
         const std::string text = secretOf(bytes);
         EXPECT_GT(countBehindTree("<other>" + text + "</other>"), 0U) << bytes;
@@ -110,7 +110,7 @@ TEST(XmlMemory, KeepsNothingOfASensitiveText) {
     }
 }
 
-TEST(XmlMemory, KeepsNothingOfASensitiveElementThatHoldsMoreThanText) {
+TEST(XmlMemory, FreedBlocksContainNoSensitiveElementWithMoreThanText) {
     for (const std::size_t bytes : {10U, 1'000U, 5'000U, 50'000U}) {
         const std::string nested = "<b c='" + secretOf(bytes) + "'>" + secretOf(bytes) + "</b>";
         EXPECT_GT(countBehindTree("<other>" + nested + "</other>"), 0U) << bytes;

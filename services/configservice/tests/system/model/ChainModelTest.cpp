@@ -30,7 +30,7 @@ class ConfigStoreManagerAgainstItsModel : public testing::TestWithParam<std::uin
 
 } // namespace
 
-TEST_P(ConfigStoreManagerAgainstItsModel, AnswersAndAnnouncesTheSameInRandomSequences) {
+TEST_P(ConfigStoreManagerAgainstItsModel, ReturnsAndAnnouncesTheSameInRandomSequences) {
     const testing_host::Watchdog watchdog(std::chrono::seconds(100));
     const testing_host::TemporaryProfile profile;
     const UnsyncedFiles files;

@@ -28,7 +28,7 @@ class ConfigServiceAgainstItsModel : public testing::TestWithParam<std::uint32_t
 
 } // namespace
 
-TEST_P(ConfigServiceAgainstItsModel, AnswersAndShowsTheSameInRandomSequences) {
+TEST_P(ConfigServiceAgainstItsModel, ReturnsAndFiresTheSameInRandomSequences) {
     const testing_host::Watchdog watchdog(std::chrono::seconds(100));
     for (std::uint32_t i = 0; i < sequencesOfOneCase; ++i) {
         const auto seed = GetParam() * sequencesOfOneCase + i;

@@ -27,7 +27,7 @@ std::chrono::seconds wantedTime() {
 
 } // namespace
 
-TEST(ServiceStress, EveryKindOfCallerAtOnceAndAnEndInTheMiddle) {
+TEST(ServiceStress, SupportsConcurrentCallersOfEveryKindAndAnEndDuringTheirWork) {
     const auto end = Clock::now() + wantedTime();
     int reactions = 0;
     std::uint32_t life = 0;
@@ -41,7 +41,7 @@ TEST(ServiceStress, EveryKindOfCallerAtOnceAndAnEndInTheMiddle) {
         service.live(callsOfOneThread);
         reactions += service.countReactions();
         ASSERT_THAT(service.getComplaints(), testing::IsEmpty());
-        ASSERT_TRUE(service.end()) << "something still holds the service";
+        ASSERT_TRUE(service.end()) << "the service is still referenced";
     }
     EXPECT_GT(reactions, 0);
     RecordProperty("lives", static_cast<int>(life));

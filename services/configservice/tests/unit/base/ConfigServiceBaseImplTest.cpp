@@ -51,7 +51,7 @@ struct ConfigServiceBaseImplTest : testing::Test {
     std::shared_ptr<RecordingServiceObserver> observer = std::make_shared<RecordingServiceObserver>();
 };
 
-TEST_F(ConfigServiceBaseImplTest, StartsNotReadyAndSettingAnnouncesNothing) {
+TEST_F(ConfigServiceBaseImplTest, IsNotReadyAtFirstAndTheSetterFiresNothing) {
     service->addObserver(observer);
     EXPECT_FALSE(service->getConfigReady());
     service->setConfigReady(true);
@@ -64,7 +64,7 @@ TEST_F(ConfigServiceBaseImplTest, StartsNotReadyAndSettingAnnouncesNothing) {
     EXPECT_EQ(observer->readyChanges, 1);
 }
 
-TEST_F(ConfigServiceBaseImplTest, AskingForTheServicesNotifiersFirstMakesTheWholeSet) {
+TEST_F(ConfigServiceBaseImplTest, TheBasesNotifierSetIsTheServicesNotifierSet) {
     const auto shared = service->getUnifiedServiceNotifiers();
     const auto own = service->getConfigServiceNotifiers();
     ASSERT_TRUE(own);
@@ -79,7 +79,7 @@ TEST_F(ConfigServiceBaseImplTest, AskingForTheServicesNotifiersFirstMakesTheWhol
     EXPECT_EQ(bulk, 1);
 }
 
-TEST_F(ConfigServiceBaseImplTest, TheNotifierSetIsRegisteredOnceThroughTheServicesOwnAddObserver) {
+TEST_F(ConfigServiceBaseImplTest, TheNotifierSetIsRegisteredOnceWithTheServicesAddObserver) {
     RegisteringService registering(factory);
     const auto notifiers = registering.getConfigServiceNotifiers();
     EXPECT_EQ(registering.getConfigServiceNotifiers(), notifiers);
@@ -87,20 +87,20 @@ TEST_F(ConfigServiceBaseImplTest, TheNotifierSetIsRegisteredOnceThroughTheServic
     EXPECT_EQ(std::dynamic_pointer_cast<ConfigServiceNotifiers>(registering.registered.front()), notifiers);
 }
 
-TEST_F(ConfigServiceBaseImplTest, AnObserverOfTheServiceHearsTheBulkUpdateToo) {
+TEST_F(ConfigServiceBaseImplTest, AnObserverOfTheServiceIsNotifiedOfTheBulkUpdate) {
     service->addObserver(observer);
     service->fireOnBulkUpdateInProgressChanged();
     EXPECT_EQ(observer->bulkUpdateChanges, 1);
 }
 
-TEST_F(ConfigServiceBaseImplTest, ASharedPointerToAnObserverPicksTheRightOverloadThroughTheInterface) {
+TEST_F(ConfigServiceBaseImplTest, ASharedPointerToAnObserverSelectsTheOverloadOfItsType) {
     const std::shared_ptr<ConfigService> face = service;
     face->addObserver(observer);
     service->fireConfigReady();
     EXPECT_EQ(observer->readyChanges, 1);
 }
 
-TEST_F(ConfigServiceBaseImplTest, ReadinessBelongsToTheDispatchersThread) {
+TEST_F(ConfigServiceBaseImplTest, ReadinessIsAccessibleOnTheDispatchersThreadOnly) {
     service->addObserver(observer);
     factory->servicesDispatcher->disown();
     EXPECT_THROW(service->getConfigReady(), UpdateAccessError);
@@ -112,7 +112,7 @@ TEST_F(ConfigServiceBaseImplTest, ReadinessBelongsToTheDispatchersThread) {
     EXPECT_EQ(observer->readyChanges, 0);
 }
 
-TEST_F(ConfigServiceBaseImplTest, BearsTheNameOfItsBase) {
+TEST_F(ConfigServiceBaseImplTest, ToStringContainsTheNameOfTheBaseClass) {
     EXPECT_EQ(service->toString(), "ConfigServiceBaseImpl {" + service->getGuid() + "}");
 }
 

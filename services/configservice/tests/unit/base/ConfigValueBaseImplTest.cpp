@@ -26,20 +26,20 @@ using testing::IsEmpty;
 /// Reports when the memory of a shared object is freed, which happens after the last weak pointer to it is removed from
 /// every list.
 template <class T>
-class TellingAllocator {
+class ReportingAllocator {
 public:
     using value_type = T;
 
-    explicit TellingAllocator(std::shared_ptr<bool> flag) : freed(std::move(flag)) {}
+    explicit ReportingAllocator(std::shared_ptr<bool> flag) : freed(std::move(flag)) {}
     template <class Other>
-    explicit TellingAllocator(const TellingAllocator<Other>& other) : freed(other.freed) {}
+    explicit ReportingAllocator(const ReportingAllocator<Other>& other) : freed(other.freed) {}
 
     T* allocate(std::size_t count) { return std::allocator<T>().allocate(count); }
     void deallocate(T* memory, std::size_t count) {
         std::allocator<T>().deallocate(memory, count);
         *freed = true;
     }
-    bool operator==(const TellingAllocator& other) const = default;
+    bool operator==(const ReportingAllocator& other) const = default;
 
     std::shared_ptr<bool> freed;
 };
@@ -72,7 +72,7 @@ struct ConfigValueBaseImplTest : testing::Test {
     std::shared_ptr<PlainRecord> record = std::make_shared<PlainRecord>(factory, L"ServicesDomain");
 };
 
-TEST_F(ConfigValueBaseImplTest, StartsUndefinedWithItsKeyAlone) {
+TEST_F(ConfigValueBaseImplTest, IsUndefinedAndHasOnlyItsKeyAtFirst) {
     EXPECT_EQ(record->getKey(), L"ServicesDomain");
     EXPECT_EQ(record->getValue(), L"");
     EXPECT_EQ(record->getOriginalValue(), L"");
@@ -98,7 +98,7 @@ TEST_F(ConfigValueBaseImplTest, ASetterAssignsItsPropertyAndFiresNothing) {
     EXPECT_TRUE(record->getisDefined());
     EXPECT_EQ(record->getValueStoreName(), L"vs");
     EXPECT_EQ(record->getOriginalValueStoreName(), L"ovs");
-    EXPECT_THAT(observer->heard, IsEmpty());
+    EXPECT_THAT(observer->received, IsEmpty());
 }
 
 TEST_F(ConfigValueBaseImplTest, DefinedAndOverriddenDoNotFollowFromEachOther) {
@@ -109,7 +109,7 @@ TEST_F(ConfigValueBaseImplTest, DefinedAndOverriddenDoNotFollowFromEachOther) {
     EXPECT_TRUE(record->getisDefined());
 }
 
-TEST_F(ConfigValueBaseImplTest, EachFiringCallsItsOwnOperation) {
+TEST_F(ConfigValueBaseImplTest, EachFiringCallsTheOperationOfItsProperty) {
     const auto observer = observe();
     record->fireKey();
     record->fireValue();
@@ -118,11 +118,11 @@ TEST_F(ConfigValueBaseImplTest, EachFiringCallsItsOwnOperation) {
     record->fireisDefined();
     record->fireValueStoreName();
     record->fireOriginalValueStoreName();
-    EXPECT_THAT(observer->heard, ElementsAre("Key", "Value", "OriginalValue", "isOverridden", "isDefined",
-                                             "ValueStoreName", "OriginalValueStoreName"));
+    EXPECT_THAT(observer->received, ElementsAre("Key", "Value", "OriginalValue", "isOverridden", "isDefined",
+                                                "ValueStoreName", "OriginalValueStoreName"));
 }
 
-TEST_F(ConfigValueBaseImplTest, TheNotifierSetIsMadeOnceAndHearsEachFiringOnce) {
+TEST_F(ConfigValueBaseImplTest, TheNotifierSetIsCreatedOnceAndFiresOnceForEachFiring) {
     const auto notifiers = record->getConfigValueNotifiers();
     ASSERT_TRUE(notifiers);
     EXPECT_EQ(record->getConfigValueNotifiers(), notifiers);
@@ -133,7 +133,7 @@ TEST_F(ConfigValueBaseImplTest, TheNotifierSetIsMadeOnceAndHearsEachFiringOnce) 
     EXPECT_EQ(fired, 1);
 }
 
-TEST_F(ConfigValueBaseImplTest, TheNotifierSetIsRegisteredOnceThroughTheRecordsOwnAddObserver) {
+TEST_F(ConfigValueBaseImplTest, TheNotifierSetIsRegisteredOnceWithTheRecordsAddObserver) {
     RegisteringRecord registering(factory, L"k");
     const auto notifiers = registering.getConfigValueNotifiers();
     EXPECT_EQ(registering.getConfigValueNotifiers(), notifiers);
@@ -141,7 +141,7 @@ TEST_F(ConfigValueBaseImplTest, TheNotifierSetIsRegisteredOnceThroughTheRecordsO
     EXPECT_EQ(std::dynamic_pointer_cast<ConfigValueNotifiers>(registering.added.front()), notifiers);
 }
 
-TEST_F(ConfigValueBaseImplTest, TheNotifierSetIsKnownWhileItIsRegistered) {
+TEST_F(ConfigValueBaseImplTest, TheNotifierSetIsAvailableDuringItsRegistration) {
     RegisteringRecord registering(factory, L"k");
     std::shared_ptr<ConfigValueNotifiers> seen;
     registering.whenAdding = [&] { seen = registering.getConfigValueNotifiers(); };
@@ -151,7 +151,7 @@ TEST_F(ConfigValueBaseImplTest, TheNotifierSetIsKnownWhileItIsRegistered) {
     EXPECT_EQ(registering.added.size(), 1U);
 }
 
-TEST_F(ConfigValueBaseImplTest, AfterARegistrationThatFailedTheNextRequestMakesTheSet) {
+TEST_F(ConfigValueBaseImplTest, AfterAFailedRegistrationTheNextRequestCreatesTheNotifierSet) {
     RegisteringRecord registering(factory, L"k");
     registering.whenAdding = [] { throw std::runtime_error("refused"); };
     EXPECT_THROW(registering.getConfigValueNotifiers(), std::runtime_error);
@@ -162,41 +162,42 @@ TEST_F(ConfigValueBaseImplTest, AfterARegistrationThatFailedTheNextRequestMakesT
     EXPECT_EQ(fired, 1);
 }
 
-TEST_F(ConfigValueBaseImplTest, TheNotifierSetDoesNotKeepItsRecord) {
+TEST_F(ConfigValueBaseImplTest, TheNotifierSetHoldsNoReferenceToItsRecord) {
     const auto notifiers = record->getConfigValueNotifiers();
     const std::weak_ptr<PlainRecord> watched = record;
     record.reset();
     EXPECT_TRUE(watched.expired());
 }
 
-TEST_F(ConfigValueBaseImplTest, AnObserverAddedTwiceIsCalledOnceAndOneRemovedNoMore) {
+TEST_F(ConfigValueBaseImplTest, AnObserverAddedTwiceIsCalledOnceAndARemovedOneIsNotCalled) {
     const auto observer = observe();
     record->addObserver(observer);
     record->fireValue();
-    EXPECT_THAT(observer->heard, ElementsAre("Value"));
+    EXPECT_THAT(observer->received, ElementsAre("Value"));
     record->removeObserver(observer);
     record->fireValue();
-    EXPECT_THAT(observer->heard, ElementsAre("Value"));
+    EXPECT_THAT(observer->received, ElementsAre("Value"));
 }
 
-TEST_F(ConfigValueBaseImplTest, AnObserverOfAnotherKindIsLeftOutAndStaysRegistered) {
+TEST_F(ConfigValueBaseImplTest, AnObserverOfAnotherTypeIsSkippedAndStaysRegistered) {
     const auto forgotten = std::make_shared<bool>(false);
-    auto other = std::allocate_shared<RecordingServiceObserver>(TellingAllocator<RecordingServiceObserver>(forgotten));
+    auto other =
+        std::allocate_shared<RecordingServiceObserver>(ReportingAllocator<RecordingServiceObserver>(forgotten));
     const auto observer = std::make_shared<RecordingValueObserver>();
     const std::shared_ptr<UnifiedBusinessObject> object = record;
     object->addObserver(std::weak_ptr<UnifiedBusinessObjectObserver>(other));
     record->addObserver(observer);
     record->fireValue();
     record->fireValue();
-    EXPECT_THAT(observer->heard, ElementsAre("Value", "Value"));
+    EXPECT_THAT(observer->received, ElementsAre("Value", "Value"));
     EXPECT_EQ(other->readyChanges + other->bulkUpdateChanges, 0);
     other.reset();
     EXPECT_FALSE(*forgotten);
 }
 
-TEST_F(ConfigValueBaseImplTest, AFiringForgetsTheObserversThatHaveDied) {
+TEST_F(ConfigValueBaseImplTest, AFiringReleasesDestroyedObservers) {
     const auto forgotten = std::make_shared<bool>(false);
-    auto dead = std::allocate_shared<RecordingValueObserver>(TellingAllocator<RecordingValueObserver>(forgotten));
+    auto dead = std::allocate_shared<RecordingValueObserver>(ReportingAllocator<RecordingValueObserver>(forgotten));
     record->addObserver(dead);
     dead.reset();
     EXPECT_FALSE(*forgotten);
@@ -204,7 +205,7 @@ TEST_F(ConfigValueBaseImplTest, AFiringForgetsTheObserversThatHaveDied) {
     EXPECT_TRUE(*forgotten);
 }
 
-TEST_F(ConfigValueBaseImplTest, DeadObserversLeaveTheListAndTheLastTakesTheirPlace) {
+TEST_F(ConfigValueBaseImplTest, AFiringReplacesADestroyedObserverByTheLastOne) {
     std::vector<std::string> order;
     auto dead = observe();
     std::vector<std::shared_ptr<RecordingValueObserver>> alive;
@@ -229,15 +230,15 @@ TEST_F(ConfigValueBaseImplTest, ACallbackMayAddAndRemoveObserversOnTheSameRecord
         record->removeObserver(first);
     };
     record->fireValue();
-    EXPECT_THAT(removed->heard, ElementsAre("Value")) << "the pass goes on with those it began with";
-    EXPECT_THAT(added->heard, IsEmpty());
+    EXPECT_THAT(removed->received, ElementsAre("Value")) << "the firing calls the observers it started with";
+    EXPECT_THAT(added->received, IsEmpty());
     record->fireValue();
-    EXPECT_THAT(first->heard, ElementsAre("Value"));
-    EXPECT_THAT(removed->heard, ElementsAre("Value"));
-    EXPECT_THAT(added->heard, ElementsAre("Value"));
+    EXPECT_THAT(first->received, ElementsAre("Value"));
+    EXPECT_THAT(removed->received, ElementsAre("Value"));
+    EXPECT_THAT(added->received, ElementsAre("Value"));
 }
 
-TEST_F(ConfigValueBaseImplTest, AnObserverThatLosesItsOwnerDuringThePassIsStillCalled) {
+TEST_F(ConfigValueBaseImplTest, AnObserverReleasedDuringAFiringIsStillCalled) {
     const auto first = observe();
     auto second = observe();
     const std::weak_ptr<RecordingValueObserver> watched = second;
@@ -249,12 +250,12 @@ TEST_F(ConfigValueBaseImplTest, AnObserverThatLosesItsOwnerDuringThePassIsStillC
     EXPECT_TRUE(watched.expired());
 }
 
-TEST_F(ConfigValueBaseImplTest, AnExceptionOfAnObserverEndsTheWalk) {
+TEST_F(ConfigValueBaseImplTest, AnExceptionOfAnObserverStopsTheFiringAndPropagates) {
     const auto first = observe();
     const auto second = observe();
     first->reaction = [](const std::string&) { throw std::runtime_error("refused"); };
     EXPECT_THROW(record->fireValue(), std::runtime_error);
-    EXPECT_THAT(second->heard, IsEmpty());
+    EXPECT_THAT(second->received, IsEmpty());
 }
 
 using Operation = std::pair<std::string, std::function<void(PlainRecord&)>>;
@@ -285,7 +286,7 @@ std::vector<Operation> guardedOperations() {
     };
 }
 
-TEST_F(ConfigValueBaseImplTest, AnotherThreadIsRefusedWithAClearErrorAndChangesNothing) {
+TEST_F(ConfigValueBaseImplTest, CallsOnAnotherThreadThrowLogAnErrorAndChangeNothing) {
     const auto observer = observe();
     record->setValue(L"a value never logged");
     testing_host::LogRecorder log;
@@ -302,10 +303,10 @@ TEST_F(ConfigValueBaseImplTest, AnotherThreadIsRefusedWithAClearErrorAndChangesN
     EXPECT_EQ(record->getValue(), L"a value never logged");
     EXPECT_EQ(record->getOriginalValue() + record->getValueStoreName() + record->getOriginalValueStoreName(), L"");
     EXPECT_FALSE(record->getisOverridden() || record->getisDefined());
-    EXPECT_THAT(observer->heard, IsEmpty());
+    EXPECT_THAT(observer->received, IsEmpty());
 }
 
-TEST_F(ConfigValueBaseImplTest, ObserversNotifiersGuidAndNameAnswerOnEveryThread) {
+TEST_F(ConfigValueBaseImplTest, ObserversNotifiersGuidAndNameAreAccessibleOnEveryThread) {
     factory->servicesDispatcher->disown();
     const auto observer = observe();
     EXPECT_TRUE(record->getConfigValueNotifiers());

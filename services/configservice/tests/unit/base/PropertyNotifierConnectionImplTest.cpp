@@ -19,13 +19,13 @@ struct PropertyNotifierConnectionImplTest : testing::Test {
     std::shared_ptr<Connection::List> list = std::make_shared<Connection::List>();
 };
 
-TEST_F(PropertyNotifierConnectionImplTest, StartsOffTheListAndUnconnected) {
+TEST_F(PropertyNotifierConnectionImplTest, IsNeitherListedNorConnectedAtFirst) {
     const auto connection = makeConnection();
     EXPECT_FALSE(connection->connected());
     EXPECT_TRUE(list->empty());
 }
 
-TEST_F(PropertyNotifierConnectionImplTest, ConnectingAppendsAndTurnsOn) {
+TEST_F(PropertyNotifierConnectionImplTest, ConnectAppendsItToTheListAndSetsTheFlag) {
     const auto first = makeConnection();
     const auto second = makeConnection();
     first->connect();
@@ -34,7 +34,7 @@ TEST_F(PropertyNotifierConnectionImplTest, ConnectingAppendsAndTurnsOn) {
     EXPECT_EQ(*list, (Connection::List{first, second}));
 }
 
-TEST_F(PropertyNotifierConnectionImplTest, DisconnectingClosesTheGapInOrder) {
+TEST_F(PropertyNotifierConnectionImplTest, DisconnectKeepsTheOrderOfTheOthers) {
     const auto first = makeConnection();
     const auto second = makeConnection();
     const auto third = makeConnection();
@@ -46,7 +46,7 @@ TEST_F(PropertyNotifierConnectionImplTest, DisconnectingClosesTheGapInOrder) {
     EXPECT_EQ(*list, (Connection::List{first, third}));
 }
 
-TEST_F(PropertyNotifierConnectionImplTest, ConnectedTwiceItStandsOnceAndOffAfterOneDisconnect) {
+TEST_F(PropertyNotifierConnectionImplTest, OneDisconnectRemovesOneOfTwoEntriesAndClearsTheFlag) {
     const auto connection = makeConnection();
     connection->connect();
     connection->connect();
@@ -55,7 +55,7 @@ TEST_F(PropertyNotifierConnectionImplTest, ConnectedTwiceItStandsOnceAndOffAfter
     EXPECT_FALSE(connection->connected());
 }
 
-TEST_F(PropertyNotifierConnectionImplTest, DisconnectingTwiceLeavesTheOthersAlone) {
+TEST_F(PropertyNotifierConnectionImplTest, ASecondDisconnectDoesNotRemoveOtherConnections) {
     const auto connection = makeConnection();
     const auto other = makeConnection();
     connection->connect();
@@ -65,7 +65,7 @@ TEST_F(PropertyNotifierConnectionImplTest, DisconnectingTwiceLeavesTheOthersAlon
     EXPECT_EQ(*list, Connection::List{other});
 }
 
-TEST_F(PropertyNotifierConnectionImplTest, SurvivesItsOwnDisconnectWhenTheListOwnsItAlone) {
+TEST_F(PropertyNotifierConnectionImplTest, DisconnectIsSafeIfTheListHoldsTheLastReference) {
     const auto captured = std::make_shared<int>(0);
     // The test keeps no weak pointer: it would keep the memory allocated and hide a late write to it.
     auto connection = std::make_shared<Connection>([captured] {}, list);
@@ -77,7 +77,7 @@ TEST_F(PropertyNotifierConnectionImplTest, SurvivesItsOwnDisconnectWhenTheListOw
     EXPECT_TRUE(list->empty());
 }
 
-TEST_F(PropertyNotifierConnectionImplTest, AGoneListLeavesTheFlagOnConnectAndClearsItOnDisconnect) {
+TEST_F(PropertyNotifierConnectionImplTest, WithoutAListConnectKeepsTheFlagAndDisconnectClearsIt) {
     const auto never = makeConnection();
     const auto connected = makeConnection();
     connected->connect();
@@ -90,11 +90,11 @@ TEST_F(PropertyNotifierConnectionImplTest, AGoneListLeavesTheFlagOnConnectAndCle
     EXPECT_FALSE(connected->connected());
 }
 
-TEST_F(PropertyNotifierConnectionImplTest, NeedsASharedOwnerOnlyWhereTheListIsTouched) {
+TEST_F(PropertyNotifierConnectionImplTest, ThrowsWithoutASharedOwnerOnlyIfItAccessesTheList) {
     Connection unowned([] {}, list);
     EXPECT_THROW(unowned.connect(), std::bad_weak_ptr);
     EXPECT_FALSE(unowned.connected());
-    EXPECT_NO_THROW(unowned.disconnect()) << "an empty list is not walked";
+    EXPECT_NO_THROW(unowned.disconnect()) << "an empty list is not searched";
     makeConnection()->connect();
     EXPECT_THROW(unowned.disconnect(), std::bad_weak_ptr);
     list.reset();
@@ -102,7 +102,7 @@ TEST_F(PropertyNotifierConnectionImplTest, NeedsASharedOwnerOnlyWhereTheListIsTo
     EXPECT_NO_THROW(unowned.disconnect());
 }
 
-TEST_F(PropertyNotifierConnectionImplTest, GivesACopyOfItsCallback) {
+TEST_F(PropertyNotifierConnectionImplTest, ReturnsACopyOfItsCallback) {
     const auto connection = makeConnection();
     const auto callback = connection->getFxn();
     callback();

@@ -41,7 +41,7 @@ TEST(PropertyNotifierImpl, CallsInTheOrderOfConnecting) {
     EXPECT_EQ(calls.names, (Names{"a", "b", "a", "b"}));
 }
 
-TEST(PropertyNotifierImpl, ANewConnectionIsConnectedAndOwnedByTheListAlone) {
+TEST(PropertyNotifierImpl, ANewConnectionIsConnectedAndOwnedByTheListOnly) {
     auto notifier = std::make_unique<PropertyNotifierImpl>();
     const auto handle = notifier->connect([] {});
     EXPECT_EQ(handle.use_count(), 1);
@@ -50,7 +50,7 @@ TEST(PropertyNotifierImpl, ANewConnectionIsConnectedAndOwnedByTheListAlone) {
     EXPECT_TRUE(handle.expired());
 }
 
-TEST(PropertyNotifierImpl, AHeldConnectionDoesNotKeepTheNotifiersList) {
+TEST(PropertyNotifierImpl, AReferenceToAConnectionDoesNotKeepTheListAlive) {
     auto notifier = std::make_unique<PropertyNotifierImpl>();
     const auto captured = std::make_shared<int>(0);
     notifier->connect([captured] {});
@@ -61,7 +61,7 @@ TEST(PropertyNotifierImpl, AHeldConnectionDoesNotKeepTheNotifiersList) {
     EXPECT_FALSE(held->connected());
 }
 
-TEST(PropertyNotifierImpl, DisconnectingALaterConnectionPreventsItsCallInTheSamePass) {
+TEST(PropertyNotifierImpl, AConnectionDisconnectedDuringAFiringIsNotCalled) {
     Calls calls;
     PropertyNotifierImpl notifier;
     std::weak_ptr<PropertyNotifierConnection> later;
@@ -72,7 +72,7 @@ TEST(PropertyNotifierImpl, DisconnectingALaterConnectionPreventsItsCallInTheSame
     EXPECT_EQ(calls.names, Names{"last"});
 }
 
-TEST(PropertyNotifierImpl, AConnectionRemovedDuringAPassLivesUntilItsEnd) {
+TEST(PropertyNotifierImpl, AConnectionRemovedDuringAFiringIsDestroyedAfterIt) {
     PropertyNotifierImpl notifier;
     std::weak_ptr<PropertyNotifierConnection> later;
     bool aliveAfterDisconnect = false;
@@ -86,7 +86,7 @@ TEST(PropertyNotifierImpl, AConnectionRemovedDuringAPassLivesUntilItsEnd) {
     EXPECT_TRUE(later.expired());
 }
 
-TEST(PropertyNotifierImpl, AConnectionAddedDuringAPassIsCalledFromTheNextOn) {
+TEST(PropertyNotifierImpl, AConnectionAddedDuringAFiringIsCalledFromTheNextOneOn) {
     Calls calls;
     PropertyNotifierImpl notifier;
     bool added = false;
@@ -102,7 +102,7 @@ TEST(PropertyNotifierImpl, AConnectionAddedDuringAPassIsCalledFromTheNextOn) {
     EXPECT_EQ(calls.names, (Names{"first", "first", "added"}));
 }
 
-TEST(PropertyNotifierImpl, ACallbackMayDisconnectItselfAndStillUseWhatItCaptured) {
+TEST(PropertyNotifierImpl, ACallbackMayUseItsCapturesAfterItDisconnectsItself) {
     PropertyNotifierImpl notifier;
     std::weak_ptr<PropertyNotifierConnection> own;
     std::string seen;
@@ -143,7 +143,7 @@ TEST(PropertyNotifierImpl, ACallbackMayFireTheSameNotifier) {
     EXPECT_EQ(calls.names, (Names{"outer", "outer", "second", "second"}));
 }
 
-TEST(PropertyNotifierImpl, AnEmptyCallbackIsRefusedWhenFiredAndEndsThePass) {
+TEST(PropertyNotifierImpl, FiringAnEmptyCallbackThrowsAndStopsTheFiring) {
     Calls calls;
     PropertyNotifierImpl notifier;
     notifier.connect(calls.note("before"));
@@ -153,7 +153,7 @@ TEST(PropertyNotifierImpl, AnEmptyCallbackIsRefusedWhenFiredAndEndsThePass) {
     EXPECT_EQ(calls.names, Names{"before"});
 }
 
-TEST(PropertyNotifierImpl, AnExceptionOfACallbackEndsThePass) {
+TEST(PropertyNotifierImpl, AnExceptionOfACallbackStopsTheFiringAndPropagates) {
     Calls calls;
     PropertyNotifierImpl notifier;
     notifier.connect([] { throw std::runtime_error("refused"); });
@@ -189,7 +189,7 @@ TEST(PropertyNotifierImpl, CopiesShareOneList) {
     EXPECT_EQ(calls.names, Names{"by the copy"});
 }
 
-TEST(PropertyNotifierImpl, MovingTakesTheListOver) {
+TEST(PropertyNotifierImpl, MovingTransfersTheList) {
     Calls calls;
     PropertyNotifierImpl original;
     const auto handle = original.connect(calls.note("moved"));
@@ -199,7 +199,7 @@ TEST(PropertyNotifierImpl, MovingTakesTheListOver) {
     EXPECT_TRUE(handle.lock()->connected());
 }
 
-TEST(PropertyNotifierImpl, WhatWasMovedFromHoldsTheListNoMore) {
+TEST(PropertyNotifierImpl, AMovedFromNotifierDoesNotHoldTheList) {
     PropertyNotifierImpl original;
     const auto handle = original.connect([] {});
     std::optional<PropertyNotifierImpl> target(std::move(original));

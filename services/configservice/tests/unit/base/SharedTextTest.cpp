@@ -13,14 +13,14 @@ TEST(SharedText, IsEmptyAtFirst) {
     EXPECT_EQ(SharedText(std::wstring()).get(), L"");
 }
 
-TEST(SharedText, CopiesHoldTheSameText) {
+TEST(SharedText, CopiesShareOneText) {
     const SharedText text(std::wstring(L"LocalStore"));
     const SharedText copy(text); // NOLINT(performance-unnecessary-copy-initialization)
     EXPECT_EQ(copy.get(), L"LocalStore");
     EXPECT_EQ(&copy.get(), &text.get());
 }
 
-TEST(SharedText, IsEqualToWhatReadsTheSame) {
+TEST(SharedText, EqualsAnotherSharedTextWithTheSameCharacters) {
     const SharedText text(L"LocalStore");
     const SharedText copy(text); // NOLINT(performance-unnecessary-copy-initialization)
     EXPECT_TRUE(text == copy);

@@ -7,7 +7,7 @@
 namespace ZelUnified {
 namespace {
 
-TEST(SharedTexts, HoldEqualTextsOnce) {
+TEST(SharedTexts, EqualTextsShareOneAllocation) {
     SharedTexts texts;
     const auto first = texts.share(L"LocalStore");
     const auto other = texts.share(L"CachedStore");
@@ -17,27 +17,27 @@ TEST(SharedTexts, HoldEqualTextsOnce) {
     EXPECT_EQ(other.get(), L"CachedStore");
 }
 
-TEST(SharedTexts, TellCaseApart) {
+TEST(SharedTexts, TextsThatDifferInCaseAreDistinct) {
     SharedTexts texts;
     texts.share(L"LocalStore");
     EXPECT_EQ(texts.share(L"LOCALSTORE").get(), L"LOCALSTORE");
     EXPECT_EQ(texts.share(L"LocalStore").get(), L"LocalStore");
 }
 
-TEST(SharedTexts, GiveTheEmptyTextAsItIs) {
+TEST(SharedTexts, TheEmptyTextIsReturnedUnchanged) {
     SharedTexts texts;
     EXPECT_EQ(texts.share(L"").get(), L"");
     texts.share(L"LocalStore");
     EXPECT_EQ(texts.share(L"").get(), L"");
 }
 
-TEST(SharedTexts, HoldATextOnceAlsoWhenNoHolderIsLeft) {
+TEST(SharedTexts, ATextIsKeptAfterItsLastReferenceIsReleased) {
     SharedTexts texts;
     const auto* const address = &texts.share(L"LocalStore").get();
     EXPECT_EQ(&texts.share(L"LocalStore").get(), address);
 }
 
-TEST(SharedTexts, GiveTheRightTextBeyondTheLimitToo) {
+TEST(SharedTexts, TextsBeyondTheLimitAreReturnedCorrectly) {
     SharedTexts texts;
     const auto nameOf = [](int number) { return L"Store " + std::to_wstring(number); };
     for (int round = 0; round < 2; ++round) {
@@ -49,7 +49,7 @@ TEST(SharedTexts, GiveTheRightTextBeyondTheLimitToo) {
     EXPECT_EQ(&texts.share(nameOf(0)).get(), &early.get());
 }
 
-TEST(SharedTexts, TakeUpNoMoreBeyondTheLimit) {
+TEST(SharedTexts, TextsBeyondTheLimitAreNotKept) {
     SharedTexts texts;
     for (int i = 0; i < 1000; ++i) {
         texts.share(L"Store " + std::to_wstring(i));

@@ -24,12 +24,12 @@ public:
     void OnValueStoreNameChanged() override { hear("ValueStoreName"); }
     void OnOriginalValueStoreNameChanged() override { hear("OriginalValueStoreName"); }
 
-    std::vector<std::string> heard;
+    std::vector<std::string> received;
     std::function<void(const std::string& property)> reaction;
 
 private:
     void hear(const std::string& property) {
-        heard.push_back(property);
+        received.push_back(property);
         if (reaction) {
             reaction(property);
         }

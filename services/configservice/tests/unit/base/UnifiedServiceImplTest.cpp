@@ -38,11 +38,11 @@ struct UnifiedServiceImplTest : testing::Test {
     std::shared_ptr<PlainService> service = std::make_shared<PlainService>(factory);
 };
 
-TEST_F(UnifiedServiceImplTest, StartsOutsideABulkUpdate) {
+TEST_F(UnifiedServiceImplTest, IsNotInABulkUpdateAtFirst) {
     EXPECT_FALSE(service->getBulkUpdateInProgress());
 }
 
-TEST_F(UnifiedServiceImplTest, SettingTheBulkUpdateAnnouncesNothing) {
+TEST_F(UnifiedServiceImplTest, SettingTheBulkUpdateFiresNothing) {
     const auto observer = std::make_shared<BulkUpdateObserver>();
     service->addObserver(observer);
     service->setBulkUpdateInProgress(true);
@@ -52,7 +52,7 @@ TEST_F(UnifiedServiceImplTest, SettingTheBulkUpdateAnnouncesNothing) {
     EXPECT_EQ(observer->changes, 1);
 }
 
-TEST_F(UnifiedServiceImplTest, ARemovedObserverHearsNothing) {
+TEST_F(UnifiedServiceImplTest, ARemovedObserverIsNotCalled) {
     const auto observer = std::make_shared<BulkUpdateObserver>();
     service->addObserver(observer);
     service->removeObserver(observer);
@@ -60,7 +60,7 @@ TEST_F(UnifiedServiceImplTest, ARemovedObserverHearsNothing) {
     EXPECT_EQ(observer->changes, 0);
 }
 
-TEST_F(UnifiedServiceImplTest, GivesOneNotifierSetUnderBothItsFaces) {
+TEST_F(UnifiedServiceImplTest, BothGettersReturnTheSameNotifierSet) {
     const auto notifiers = service->getUnifiedServiceNotifiers();
     ASSERT_TRUE(notifiers);
     EXPECT_EQ(service->getUnifiedServiceNotifiers(), notifiers);
@@ -68,10 +68,10 @@ TEST_F(UnifiedServiceImplTest, GivesOneNotifierSetUnderBothItsFaces) {
     int fired = 0;
     notifiers->getBulkUpdateInProgressNotifier()->connect([&] { ++fired; });
     service->fireOnBulkUpdateInProgressChanged();
-    EXPECT_EQ(fired, 1) << "asking again must not register the set again";
+    EXPECT_EQ(fired, 1) << "a second request must not register the set again";
 }
 
-TEST_F(UnifiedServiceImplTest, TheNotifierSetIsRegisteredOnceThroughTheServicesOwnAddObserver) {
+TEST_F(UnifiedServiceImplTest, TheNotifierSetIsRegisteredOnceWithTheServicesAddObserver) {
     RegisteringService registering(factory);
     const auto notifiers = registering.getUnifiedServiceNotifiers();
     EXPECT_EQ(registering.getUnifiedServiceNotifiers(), notifiers);
@@ -79,12 +79,12 @@ TEST_F(UnifiedServiceImplTest, TheNotifierSetIsRegisteredOnceThroughTheServicesO
     EXPECT_EQ(std::dynamic_pointer_cast<UnifiedServiceNotifiers>(registering.added.front()), notifiers);
 }
 
-TEST_F(UnifiedServiceImplTest, BearsTwoClassNames) {
+TEST_F(UnifiedServiceImplTest, GetClassNameReturnsTheBaseAndToStringTheDerivedClass) {
     EXPECT_EQ(service->getClassName(), "UnifiedServiceImpl");
     EXPECT_TRUE(service->toString().starts_with("PlainService {"));
 }
 
-TEST_F(UnifiedServiceImplTest, OnlyTheFlagMayBeReadFromAnotherThread) {
+TEST_F(UnifiedServiceImplTest, OnlyTheFlagIsAccessibleOnAnotherThread) {
     const auto observer = std::make_shared<BulkUpdateObserver>();
     service->addObserver(observer);
     factory->servicesDispatcher->disown();
@@ -95,7 +95,7 @@ TEST_F(UnifiedServiceImplTest, OnlyTheFlagMayBeReadFromAnotherThread) {
     EXPECT_EQ(observer->changes, 0);
 }
 
-TEST_F(UnifiedServiceImplTest, AnObjectMadeFreeBelongsToTheDispatcherFromItsCommitOn) {
+TEST_F(UnifiedServiceImplTest, AnUncommittedObjectAcceptsCallsOnAnyThreadUntilItsCommit) {
     PlainService free(factory, false);
     factory->servicesDispatcher->disown();
     EXPECT_NO_THROW(free.setBulkUpdateInProgress(true));

@@ -46,7 +46,7 @@ TEST(OperationLogger, StaysUsableWhileStaticObjectsAreDestroyed) {
     EXPECT_TRUE(std::is_trivially_destructible_v<OperationLogger>);
 }
 
-TEST(OperationLogger, TellsWhetherDebugLinesAreWritten) {
+TEST(OperationLogger, ReportsWhetherDebugLinesAreWritten) {
     const OperationLogger logger("ConfigAdapter");
     EXPECT_FALSE(ZelLog_isDebugEnabled(logger));
     const testing_host::LogRecorder log(testing_host::LogRecorder::Debug::On);

@@ -86,11 +86,11 @@ TEST_P(EventDescriptions, HasOneServiceWithOneEvent) {
     EXPECT_FALSE(take(xmlNodeGetContent(events[0])).empty());
 }
 
-TEST_P(EventDescriptions, NamesTheCodeBehindTheEventOnItsLine) {
+TEST_P(EventDescriptions, ContainsTheCodeAsACommentAfterTheEvent) {
     EXPECT_THAT(std::string(*found), HasSubstr("</Event> <!--TFTPDownloadFailed-->\r\n"));
 }
 
-TEST_P(EventDescriptions, BeginsWithTheByteOrderMarkAndEndsEachLineWithBoth) {
+TEST_P(EventDescriptions, BeginsWithAByteOrderMarkAndEndsEachLineWithCrLf) {
     EXPECT_TRUE(found->starts_with(mark));
     EXPECT_EQ(found->find(mark, mark.size()), std::string_view::npos);
     EXPECT_TRUE(found->ends_with("\r\n"));
@@ -103,11 +103,11 @@ TEST_P(EventDescriptions, BeginsWithTheByteOrderMarkAndEndsEachLineWithBoth) {
     }
 }
 
-TEST_P(EventDescriptions, IsTheFileByteForByte) {
+TEST_P(EventDescriptions, EqualsTheFile) {
     EXPECT_EQ(*found, readFile(std::filesystem::path(RESOURCE_FOLDER) / nameOf(GetParam())));
 }
 
-TEST_P(EventDescriptions, IsListedForThePlatformThatKeepsResourcesInLibraries) {
+TEST_P(EventDescriptions, IsInTheListOfResources) {
     const auto name = nameOf(GetParam());
     EXPECT_THAT(readFile(RESOURCE_LISTING), HasSubstr(name + " EVENTXML \""));
 }
@@ -119,7 +119,7 @@ INSTANTIATE_TEST_SUITE_P(AllLanguages, EventDescriptions,
                                          "RU-RU", "SK-SK", "SL-SI", "SR-CS", "SV-SE", "TH-TH", "TR-TR", "ZH-CN",
                                          "ZH-TW"));
 
-TEST(EventDescriptionsOfEnglish, IsExact) {
+TEST(EventDescriptionsOfEnglish, EqualsTheExpectedText) {
     EXPECT_EQ(Resources::find("EVENTXML", "CONFIGSERVICEEVENTDESCRIPTIONS_EN-US.XML"),
               "\xef\xbb\xbf<?xml version=\"1.0\" encoding=\"utf-8\"?>\r\n"
               "<ServiceEventDescriptions>\r\n"
@@ -130,7 +130,7 @@ TEST(EventDescriptionsOfEnglish, IsExact) {
               "</ServiceEventDescriptions>\r\n");
 }
 
-TEST(EventDescriptionsInAll, AreThirtyThree) {
+TEST(EventDescriptionsInAll, ExistIn33Languages) {
     std::size_t files = 0;
     for (const auto& entry : std::filesystem::directory_iterator(RESOURCE_FOLDER)) {
         files += entry.path().extension() == ".XML" ? 1 : 0;
@@ -138,12 +138,12 @@ TEST(EventDescriptionsInAll, AreThirtyThree) {
     EXPECT_EQ(files, 33U);
 }
 
-TEST(EventDescriptionsInAll, CarryTheNumbersThatTheServiceRaises) {
+TEST(EventDescriptionsInAll, ContainTheNumbersThatTheServiceRaises) {
     EXPECT_EQ(ZelUnified::configServiceId, 1300U);
     EXPECT_EQ(static_cast<int>(ZelUnified::ConfigServiceIdsEnum::TFTPDownloadFailed), 1);
 }
 
-TEST(EventDescriptionsInAll, AnUnknownTypeOrNameGivesNothing) {
+TEST(EventDescriptionsInAll, AnUnknownTypeOrNameIsNotFound) {
     EXPECT_EQ(Resources::find("EVENTXML", nameOf("EN-GB")), std::nullopt);
     EXPECT_EQ(Resources::find("EVENTXML", nameOf("en-us")), std::nullopt);
     EXPECT_EQ(Resources::find("EVENTXML", ""), std::nullopt);

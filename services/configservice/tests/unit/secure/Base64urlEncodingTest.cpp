@@ -16,7 +16,7 @@ std::string encode(const std::string& bytes, Encoding::LineBreaks lineBreaks = E
                                                 lineBreaks);
 }
 
-TEST(Base64urlEncoding, EachMissingCharacterIsAnEscapedEqualsSign) {
+TEST(Base64urlEncoding, PaddingIsAnEscapedEqualsSign) {
     EXPECT_EQ(encode("f"), "Zg%3D%3D");
     EXPECT_EQ(encode("fo"), "Zm8%3D");
     EXPECT_EQ(encode("foo"), "Zm9v");
@@ -24,7 +24,7 @@ TEST(Base64urlEncoding, EachMissingCharacterIsAnEscapedEqualsSign) {
               std::string(72, 'A').append("\r\nAA%3D%3D"));
 }
 
-TEST(Base64urlEncoding, UsesTheCharactersThatUrlsCarry) {
+TEST(Base64urlEncoding, UsesTheUrlSafeCharacters) {
     EXPECT_EQ(encode("\xfb\xff\xbf"), "-_-_");
 }
 
@@ -45,7 +45,7 @@ TEST(Base64urlEncoding, TheDecodingTablesDifferAtTheFourSpecialCharacters) {
     EXPECT_EQ(different, "+-/_");
 }
 
-TEST(Base64urlEncoding, TellsItsPaddingAndThatItIsForUrls) {
+TEST(Base64urlEncoding, ReturnsItsPaddingAndIsForUrls) {
     const Encoding& encoding = Base64urlEncoding::instance();
     EXPECT_EQ(encoding.getAlphabet(), "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_");
     EXPECT_EQ(encoding.getEncodingPadding(), "%3D");

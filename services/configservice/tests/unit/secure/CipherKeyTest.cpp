@@ -22,7 +22,7 @@ TEST(CipherKey, IsTheSameEachTimeAndNotTrivial) {
     EXPECT_GT(std::set<unsigned char>(a.data(), a.data() + CipherKey::length).size(), 16U);
 }
 
-TEST(CipherKey, StandsNowhereAsAWholeInTheProgram) {
+TEST(CipherKey, IsNotStoredInTheFileOfTheProgram) {
     const CipherKey key;
     const std::string program = testing_host::readFile(std::filesystem::read_symlink("/proc/self/exe"));
     ASSERT_FALSE(program.empty());
@@ -32,7 +32,7 @@ TEST(CipherKey, StandsNowhereAsAWholeInTheProgram) {
     }
 }
 
-TEST(CipherKey, IsZeroedAtItsEnd) {
+TEST(CipherKey, IsZeroedWhenItIsDestroyed) {
     alignas(CipherKey) unsigned char place[sizeof(CipherKey)];
     const auto* const key = new (place) CipherKey;
     ASSERT_FALSE(std::all_of(key->data(), key->data() + CipherKey::length, [](unsigned char c) { return c == 0; }));

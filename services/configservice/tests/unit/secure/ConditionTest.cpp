@@ -49,7 +49,7 @@ struct ConditionTest : testing::Test {
     }
 };
 
-TEST_F(ConditionTest, WaitingGivesTheMutexBackAndTakesItAgain) {
+TEST_F(ConditionTest, WaitingReleasesTheMutexAndAcquiresItAgain) {
     auto waiters = startWaiters(1);
     issue(1);
     condition.signal();
@@ -57,7 +57,7 @@ TEST_F(ConditionTest, WaitingGivesTheMutexBackAndTakesItAgain) {
     EXPECT_EQ(tickets, 0);
 }
 
-TEST_F(ConditionTest, EachSignalReleasesOne) {
+TEST_F(ConditionTest, ASignalReleasesOneWaiter) {
     auto waiters = startWaiters(3);
     for (int i = 0; i < 3; ++i) {
         issue(1);
@@ -69,7 +69,7 @@ TEST_F(ConditionTest, EachSignalReleasesOne) {
     EXPECT_EQ(tickets, 0);
 }
 
-TEST_F(ConditionTest, ABroadcastReleasesAll) {
+TEST_F(ConditionTest, ABroadcastReleasesAllWaiters) {
     auto waiters = startWaiters(4);
     issue(4);
     condition.broadcast();
@@ -79,7 +79,7 @@ TEST_F(ConditionTest, ABroadcastReleasesAll) {
     EXPECT_EQ(tickets, 0);
 }
 
-TEST_F(ConditionTest, NobodyHearsASignalThatCameBefore) {
+TEST_F(ConditionTest, ASignalDoesNotReleaseLaterWaiters) {
     condition.signal();
     condition.broadcast();
     auto waiters = startWaiters(1);

@@ -18,7 +18,7 @@ struct FipsValueOverride : testing::Test {
     }
 };
 
-TEST_F(FipsValueOverride, TheKeyReadsFalseInAnyCaseWhateverItsValue) {
+TEST_F(FipsValueOverride, TheKeyIsFalseIgnoringCaseAndItsValue) {
     EXPECT_EQ(apply(true, L"Telephony_P2P_Enabled", L"true"), L"false");
     EXPECT_EQ(apply(true, L"TELEPHONY_p2p_enabled", L""), L"false");
 }

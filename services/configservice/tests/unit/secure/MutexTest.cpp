@@ -51,7 +51,7 @@ TEST(Mutex, LockingTwiceOnOneThreadDoesNotBlock) {
     EXPECT_TRUE(isFree(mutex));
 }
 
-TEST(Mutex, KeepsOtherThreadsOut) {
+TEST(Mutex, ExcludesOtherThreads) {
     Mutex mutex;
     int counter = 0;
     const auto count = [&] {
@@ -81,7 +81,7 @@ struct ObservedMutex {
     std::recursive_mutex& platformLock = *static_cast<std::recursive_mutex*>(lastAllocation);
 };
 
-TEST(Mutex, IsHeldUntilItWasUnlockedAsOftenAsLocked) {
+TEST(Mutex, IsHeldUntilItIsUnlockedAsOftenAsLocked) {
     ObservedMutex observed;
     EXPECT_FALSE(observed.isHeld());
     observed.mutex.lock();
@@ -102,12 +102,12 @@ TEST(Mutex, AScopedLockThatWasReleasedDoesNotUnlockAgain) {
         lock.release();
         EXPECT_TRUE(observed.isHeld()) << "the second release unlocked";
     }
-    EXPECT_TRUE(observed.isHeld()) << "the end of the scope unlocked";
+    EXPECT_TRUE(observed.isHeld()) << "the destructor released the lock again";
     observed.mutex.unlock();
     EXPECT_FALSE(observed.isHeld());
 }
 
-TEST(Mutex, WithoutMemoryItSaysSoOnStandardOutputAndLocksNothing) {
+TEST(Mutex, WithoutMemoryPrintsAnErrorAndLocksNothing) {
     testing::internal::CaptureStdout();
     isMemoryShort = true;
     Mutex mutex;

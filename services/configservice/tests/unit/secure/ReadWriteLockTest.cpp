@@ -76,7 +76,7 @@ TEST_F(ReadWriteLockTest, ReadersShareIt) {
     EXPECT_EQ(events.get().back(), "reader in");
 }
 
-TEST_F(ReadWriteLockTest, AWriterIsAlone) {
+TEST_F(ReadWriteLockTest, AWriterExcludesOtherWriters) {
     long counter = 0;
     std::vector<std::future<void>> writers;
     for (int i = 0; i < 4; ++i) {
@@ -120,7 +120,7 @@ TEST_F(ReadWriteLockTest, AWriterWaitsForReadersAndReadersForAWriter) {
     EXPECT_EQ(first, 6'000);
 }
 
-TEST_F(ReadWriteLockTest, AWaitingWriterGoesBeforeReadersThatComeLater) {
+TEST_F(ReadWriteLockTest, AWaitingWriterPrecedesLaterReaders) {
     ReadLock mine(lock);
     auto writer = start<WriteLock>("writer");
     ASSERT_TRUE(waitForWaitingWriter());
@@ -162,12 +162,12 @@ TEST_F(ReadWriteLockTest, AScopedLockThatWasReleasedDoesNotUnlockAgain) {
         inner.release();
     }
     auto writer = start<WriteLock>("writer");
-    EXPECT_TRUE(waitForWaitingWriter()) << "the outer lock was given up early";
+    EXPECT_TRUE(waitForWaitingWriter()) << "the outer lock was released early";
     outer.release();
     EXPECT_EQ(writer.wait_for(watchdog), std::future_status::ready);
 }
 
-TEST_F(ReadWriteLockTest, AReaderThatLeavesWakesNobodyWhileOthersAreIn) {
+TEST_F(ReadWriteLockTest, AReleasingReaderWakesNoWriterWhileOthersHoldTheLock) {
     ReadLock first(lock);
     ReadLock second(lock);
     auto writer = start<WriteLock>("writer");

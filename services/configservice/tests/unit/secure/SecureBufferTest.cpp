@@ -18,13 +18,13 @@ std::unique_ptr<char[]> bytesOf(const std::string& text) {
     return bytes;
 }
 
-TEST(SecureBuffer, IsAnEmptyTextAtFirst) {
+TEST(SecureBuffer, IsEmptyAtFirst) {
     const SecureBuffer buffer;
     EXPECT_STREQ(buffer.getData(), "");
     EXPECT_EQ(buffer.getLength(), 0U);
 }
 
-TEST(SecureBuffer, TakesWhatItIsGivenAndReplacesWhatItHeld) {
+TEST(SecureBuffer, SetReplacesItsContent) {
     SecureBuffer buffer;
     buffer.set(bytesOf("first"), 5);
     EXPECT_STREQ(buffer.getData(), "first");
@@ -32,7 +32,7 @@ TEST(SecureBuffer, TakesWhatItIsGivenAndReplacesWhatItHeld) {
     EXPECT_EQ(std::string(buffer.getData(), buffer.getLength()), std::string("a\0b", 3));
 }
 
-TEST(SecureBuffer, AnEmptyOrMissingTextReadsAsTheEmptyOne) {
+TEST(SecureBuffer, AnEmptyOrNullTextMakesItEmpty) {
     SecureBuffer buffer;
     buffer.set(bytesOf("hidden"), 0);
     EXPECT_STREQ(buffer.getData(), "");

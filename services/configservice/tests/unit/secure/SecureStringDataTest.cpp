@@ -44,7 +44,7 @@ TEST(SecureStringData, ZeroesEachBufferBeforeItIsFreed) {
     EXPECT_EQ(data.cipherTextLength, 0U);
 }
 
-TEST(SecureStringData, ZeroesBothAtItsEnd) {
+TEST(SecureStringData, ZeroesBothBuffersWhenItIsDestroyed) {
     for (const bool isVector : {true, false}) {
         std::optional<SecureStringData> data(std::in_place);
         fill(*data);

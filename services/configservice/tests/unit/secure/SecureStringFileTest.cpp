@@ -20,7 +20,7 @@ struct SecureStringFile : testing::Test {
     const std::string path = (profile.config() / "settings.xml").string();
 };
 
-TEST_F(SecureStringFile, ASecretGoesThroughAProtectedFile) {
+TEST_F(SecureStringFile, ASecretRoundTripsThroughAProtectedFile) {
     const testing_host::LogRecorder log(testing_host::LogRecorder::Debug::On);
     const std::string text("hunter2 \0 and more", 18);
     ASSERT_TRUE(EncryptFileUtils::writeDataToFile(path, SecureString(text), UserData));
@@ -33,7 +33,7 @@ TEST_F(SecureStringFile, ASecretGoesThroughAProtectedFile) {
     EXPECT_FALSE(log.mentions("hunter2"));
 }
 
-TEST_F(SecureStringFile, AnEmptySecretIsRefusedEvenWhenItHeldSomethingBefore) {
+TEST_F(SecureStringFile, AnEmptiedSecretIsNotWritten) {
     ASSERT_TRUE(EncryptFileUtils::writeDataToFile(path, SecureString("kept"), UserData));
     SecureString emptied("lost");
     emptied.setContent("", 0);
@@ -46,7 +46,7 @@ TEST_F(SecureStringFile, AnEmptySecretIsRefusedEvenWhenItHeldSomethingBefore) {
     EXPECT_STREQ(clear.getData(), "kept");
 }
 
-TEST_F(SecureStringFile, AFailedReadLeavesTheSecretAlone) {
+TEST_F(SecureStringFile, AFailedReadLeavesTheSecretUnchanged) {
     SecureString content("before");
     EXPECT_FALSE(EncryptFileUtils::readDataFromFile(path, content, UserData));
     zel::SecureBuffer clear;

@@ -43,7 +43,7 @@ public:
     NoCipher& operator=(const NoCipher&) = delete;
 };
 
-TEST(SecureString, WithoutContentGivesNothing) {
+TEST(SecureString, WithoutContentReturnsNothing) {
     const SecureString secret;
     EXPECT_TRUE(secret.isEmpty());
     EXPECT_THAT(secret.toBytes(), testing::IsEmpty());
@@ -55,7 +55,7 @@ TEST(SecureString, WithoutContentGivesNothing) {
     EXPECT_TRUE(SecureString(std::string()).isEmpty());
 }
 
-TEST(SecureString, GivesBackWhatItWasGiven) {
+TEST(SecureString, ReturnsTheTextItContains) {
     for (const std::string& text : {std::string("a"), std::string("fifteen letters"), std::string("sixteen letters!"),
                                     std::string("a\0b\0", 4), std::string(100'000, 'x')}) {
         const SecureString secret(text);
@@ -89,12 +89,12 @@ TEST(SecureString, TheBytesAreAes256InCbcModeUnderTheCipherKey) {
     EXPECT_EQ(clear, text);
 }
 
-TEST(SecureString, TheTextIsNotInItsBytes) {
+TEST(SecureString, ItsBytesDoNotContainTheText) {
     const std::vector<unsigned char> bytes = SecureString("hunter2hunter2hunter2").toBytes();
     EXPECT_EQ(std::string(bytes.begin(), bytes.end()).find("hunter2"), std::string::npos);
 }
 
-TEST(SecureString, EachSettingHasAVectorOfItsOwn) {
+TEST(SecureString, EachSettingUsesANewVector) {
     EXPECT_NE(SecureString("same").toBytes(), SecureString("same").toBytes());
     SecureString secret("same");
     const auto before = secret.toBytes();
@@ -119,7 +119,7 @@ TEST(SecureString, ANullPointerChangesNothing) {
     EXPECT_EQ(clearTextOf(secret), "abc");
 }
 
-TEST(SecureString, ALengthOfNoneOnlyMarksItEmpty) {
+TEST(SecureString, ALengthOfZeroMarksItEmpty) {
     SecureString secret("abc");
     secret.setContent("", 0);
     EXPECT_TRUE(secret.isEmpty());
@@ -142,11 +142,11 @@ TEST(SecureString, CopiesShareTheirContent) {
     EXPECT_EQ(clearTextOf(assigned), "changed");
 }
 
-TEST(SecureString, AnIndependentCopyIsEncipheredAnewAndKeepsItsContent) {
+TEST(SecureString, CopyEncryptsWithANewVectorAndIsIndependent) {
     SecureString secret("secret");
     const auto copied = std::dynamic_pointer_cast<const SecureString>(secret.copy());
     ASSERT_NE(copied, nullptr);
-    EXPECT_NE(copied->toBytes(), secret.toBytes()) << "a vector of its own";
+    EXPECT_NE(copied->toBytes(), secret.toBytes()) << "a new vector";
     secret.setContent("other", 5);
     EXPECT_EQ(clearTextOf(*copied), "secret");
     EXPECT_TRUE(SecureString().copy()->isEmpty());
@@ -154,14 +154,14 @@ TEST(SecureString, AnIndependentCopyIsEncipheredAnewAndKeepsItsContent) {
     EXPECT_TRUE(secret.copy()->isEmpty());
 }
 
-TEST(SecureString, MovingFromOneLeavesItUsable) {
+TEST(SecureString, AMovedFromStringRemainsUsable) {
     SecureString one("abc");
     const SecureString moved(std::move(one));
     EXPECT_EQ(clearTextOf(moved), "abc");
     EXPECT_EQ(clearTextOf(one), "abc"); // NOLINT(bugprone-use-after-move): that it may be used is the point
 }
 
-TEST(SecureString, AFailingCipherMarksItEmptyInSilence) {
+TEST(SecureString, AFailingCipherMarksItEmptyWithoutALine) {
     const testing_host::LogRecorder log(testing_host::LogRecorder::Debug::On);
     SecureString secret("abc");
     {
@@ -177,7 +177,7 @@ TEST(SecureString, AFailingCipherMarksItEmptyInSilence) {
     EXPECT_EQ(clearTextOf(secret), "works again");
 }
 
-TEST(SecureString, AFailingDecryptionLeavesTheBufferAsItWasInSilence) {
+TEST(SecureString, AFailingDecryptionLeavesTheBufferUnchangedWithoutALine) {
     const testing_host::LogRecorder log(testing_host::LogRecorder::Debug::On);
     SecureBuffer buffer;
     SecureString("old").decrypt(buffer);

@@ -29,7 +29,7 @@ void expectToHold(const ConfigTable& table, int from, int to, int step) {
     }
 }
 
-TEST(ConfigTable, FindsWhatWasStoredUnderAnySpelling) {
+TEST(ConfigTable, FindsAStoredKeyIgnoringCase) {
     ConfigTable table;
     table.store(L"Key", L"value");
     ASSERT_TRUE(find(table, L"KEY"));
@@ -37,7 +37,7 @@ TEST(ConfigTable, FindsWhatWasStoredUnderAnySpelling) {
     EXPECT_FALSE(find(table, L"Key2"));
 }
 
-TEST(ConfigTable, KeepsTheFirstFormOfAKeyAndTheLastValue) {
+TEST(ConfigTable, KeepsTheFirstSpellingOfAKeyAndTheLastValue) {
     ConfigTable table;
     table.store(L"Key", L"old");
     table.store(L"KEY", L"new");
@@ -45,7 +45,7 @@ TEST(ConfigTable, KeepsTheFirstFormOfAKeyAndTheLastValue) {
     EXPECT_EQ(*find(table, L"key"), L"new");
 }
 
-TEST(ConfigTable, ForgetsWhatIsRemoved) {
+TEST(ConfigTable, DoesNotFindARemovedKey) {
     ConfigTable table(ConfigMap{{L"First", L"1"}, {L"Second", L"2"}});
     EXPECT_TRUE(table.remove(L"FIRST"));
     EXPECT_FALSE(table.remove(L"First"));
@@ -61,7 +61,7 @@ TEST(ConfigTable, ListsKeysInTheOrderOfTheMap) {
     EXPECT_EQ(table.getKeys(), (std::vector<std::wstring>{L"a", L"b", L"C"}));
 }
 
-TEST(ConfigTable, LoadsTheFirstOfAKeyInLowerCase) {
+TEST(ConfigTable, LoadKeepsTheFirstValueOfAKeyAndItsLowercaseSpelling) {
     ConfigTable table;
     const std::wstring key = L"KEY";
     const std::wstring again = L"Key";
@@ -84,7 +84,7 @@ TEST(ConfigTable, KeepsValuesThatGrowAndShrink) {
     EXPECT_EQ(table.getKeys(), (std::vector<std::wstring>{L"a", L"b", L"c"}));
 }
 
-TEST(ConfigTable, HoldsOnlyTheNewValuesOnceReplaced) {
+TEST(ConfigTable, ReplaceKeepsOnlyTheNewValues) {
     ConfigTable table(ConfigMap{{L"Old", L"1"}});
     table.replace(ConfigMap{{L"New", L"2"}});
     EXPECT_FALSE(find(table, L"Old"));
@@ -94,7 +94,7 @@ TEST(ConfigTable, HoldsOnlyTheNewValuesOnceReplaced) {
     EXPECT_TRUE(table.isEmpty());
 }
 
-TEST(ConfigTable, NeverDeniesAKeyThatItHolds) {
+TEST(ConfigTable, MayHoldReturnsTrueForEveryHeldKey) {
     ConfigTable table;
     for (int i = 0; i < 1000; ++i) {
         const std::wstring key = L"Key" + std::to_wstring(i);
@@ -180,7 +180,7 @@ std::wstring someKey(std::mt19937& chance) {
     return key;
 }
 
-TEST(ConfigTable, IsWhatAnOrderedMapWouldBeWhateverIsDoneToIt) {
+TEST(ConfigTable, EqualsAnOrderedMapAfterRandomOperations) {
     std::mt19937 chance(20); // NOLINT(cert-msc32-c,cert-msc51-cpp): the same steps in each run
     for (int round = 0; round < 300; ++round) {
         ConfigTable table;
@@ -230,7 +230,7 @@ TEST(ConfigTable, IsWhatAnOrderedMapWouldBeWhateverIsDoneToIt) {
     }
 }
 
-TEST(ConfigTable, TakesAPartOfAValueForTheNextOne) {
+TEST(ConfigTable, StoresAPartOfItsOwnValue) {
     ConfigTable table;
     table.store(L"k", L"0123456789");
     table.store(L"k", find(table, L"k")->substr(3));

@@ -16,19 +16,19 @@ std::uint32_t hashOf(const std::wstring& key) {
     return FoldedKey(key).getHash();
 }
 
-TEST(FoldedKey, KeepsTheTextAsGiven) {
+TEST(FoldedKey, RefersToTheTextOfTheCaller) {
     const std::wstring key = L"TftpServer1";
     EXPECT_EQ(&FoldedKey(key).getText(), &key);
 }
 
-TEST(FoldedKey, HashesAllSpellingsOfAKeyAlike) {
+TEST(FoldedKey, HashesAllSpellingsOfAKeyEqually) {
     EXPECT_EQ(hashOf(L"TftpServer1"), hashOf(L"TFTPSERVER1"));
     EXPECT_EQ(hashOf(L"\u00C4rger"), hashOf(L"\u00E4RGER"));
     EXPECT_EQ(hashOf(L"\u212Aelvin"), hashOf(L"kelvin")); // the sign for kelvin folds to an ASCII letter
     EXPECT_EQ(hashOf(std::wstring(200, L'A')), hashOf(std::wstring(200, L'a')));
 }
 
-TEST(FoldedKey, HashesKeysThatDifferInOneCharacterApart) {
+TEST(FoldedKey, HashesKeysThatDifferInOneCharacterDifferently) {
     std::set<std::uint32_t> hashes;
     const std::wstring key = L"PresenceServerPrimaryAddress";
     for (std::size_t place = 0; place < key.size(); ++place) {
@@ -71,7 +71,7 @@ std::vector<std::wstring> oddTexts() {
     return texts;
 }
 
-TEST(FoldedKey, NamesWhatTheComparisonOfKeysCallsEqual) {
+TEST(FoldedKey, EqualsTheKeysThatTheComparisonOfKeysTreatsAsEqual) {
     for (const auto& left : oddTexts()) {
         const FoldedKey key(left);
         for (const auto& right : oddTexts()) {
@@ -85,7 +85,7 @@ TEST(FoldedKey, NamesWhatTheComparisonOfKeysCallsEqual) {
     }
 }
 
-TEST(FoldedKey, FoldsAllOfAsciiAtEachPlaceOfABlock) {
+TEST(FoldedKey, FoldsAllAsciiCharactersAtEachPositionOfABlock) {
     for (const std::size_t length : {1U, 2U, 3U, 4U, 5U, 63U, 64U, 65U, 66U}) {
         for (wchar_t unit = 0; unit < 0x80; ++unit) {
             for (const std::wstring& key : {std::wstring(length, unit), std::wstring(length - 1, L'[') + unit}) {
@@ -97,7 +97,7 @@ TEST(FoldedKey, FoldsAllOfAsciiAtEachPlaceOfABlock) {
     }
 }
 
-TEST(FoldedKey, FoldsWhatStandsBesideUnitsThatAreNoCharacters) {
+TEST(FoldedKey, FoldsCharactersBesideInvalidUnits) {
     for (const auto unit : {std::numeric_limits<wchar_t>::max(), std::numeric_limits<wchar_t>::min()}) {
         const std::wstring key = std::wstring(L"Ab") + unit + L"Cd" + unit + unit + L"E";
         EXPECT_TRUE(FoldedKey(key).equals(std::wstring(L"aB") + unit + L"cD" + unit + unit + L"e"));

@@ -47,14 +47,14 @@ bool growsFor(KeyFilter& filter, std::size_t keys) {
     return grew;
 }
 
-TEST(KeyFilter, HoldsNothingAtFirst) {
+TEST(KeyFilter, IsEmptyAtFirst) {
     KeyFilter filter;
     EXPECT_FALSE(mayHold(filter, keyOf(1)));
     EXPECT_TRUE(growsFor(filter, 0));
     EXPECT_FALSE(mayHold(filter, keyOf(1)));
 }
 
-TEST(KeyFilter, NeverDeniesAKeyThatWasAddedInAnyCase) {
+TEST(KeyFilter, MayHoldReturnsTrueForEveryAddedKeyIgnoringCase) {
     KeyFilter filter;
     filter.reserve(1000, [](auto) {});
     addKeys(filter, 0, 1000);
@@ -62,21 +62,21 @@ TEST(KeyFilter, NeverDeniesAKeyThatWasAddedInAnyCase) {
     EXPECT_TRUE(mayHold(filter, L"KEY7"));
 }
 
-TEST(KeyFilter, DeniesMostOtherKeys) {
+TEST(KeyFilter, MayHoldReturnsFalseForMostOtherKeys) {
     KeyFilter filter;
     filter.reserve(1000, [](auto) {});
     addKeys(filter, 0, 1000);
     EXPECT_LT(countHeld(filter, 1000, 11'000), 1000);
 }
 
-TEST(KeyFilter, IsFullAtTwiceTheKeysThatItWasMadeFor) {
+TEST(KeyFilter, IsFullAtTwiceItsReservedNumberOfKeys) {
     KeyFilter filter;
     filter.reserve(1000, [](auto) {});
     EXPECT_FALSE(growsFor(filter, 2000));
     EXPECT_TRUE(growsFor(filter, 2001));
 }
 
-TEST(KeyFilter, KeepsWhatItIsGivenWhenItGrows) {
+TEST(KeyFilter, ContainsTheKeysAddedByReserve) {
     KeyFilter filter;
     filter.reserve(1, [](auto) {});
     filter.reserve(1000, [](auto add) { add(hashOf(keyOf(1))); });
@@ -84,7 +84,7 @@ TEST(KeyFilter, KeepsWhatItIsGivenWhenItGrows) {
     EXPECT_FALSE(mayHold(filter, keyOf(2)));
 }
 
-TEST(KeyFilter, AnswersYesForAHeldKeyInTheMidstOfItsGrowth) {
+TEST(KeyFilter, MayHoldReturnsTrueForAHeldKeyDuringReserve) {
     KeyFilter filter;
     filter.reserve(1, [](auto) {});
     add(filter, keyOf(0));
@@ -96,7 +96,7 @@ TEST(KeyFilter, AnswersYesForAHeldKeyInTheMidstOfItsGrowth) {
     EXPECT_TRUE(held);
 }
 
-TEST(KeyFilter, AnswersYesForAHeldKeyWhileAnotherThreadAddsAndGrows) {
+TEST(KeyFilter, MayHoldReturnsTrueForAHeldKeyWhileAnotherThreadAddsAndReserves) {
     KeyFilter filter;
     filter.reserve(1, [](auto) {});
     add(filter, keyOf(0));

@@ -24,7 +24,7 @@ TEST(KeyIndex, FindsNothingWhileEmpty) {
     EXPECT_EQ(index.find(FoldedKey(key)), nullptr);
 }
 
-TEST(KeyIndex, FindsTheEntryItselfUnderAnySpelling) {
+TEST(KeyIndex, FindsAnEntryIgnoringCase) {
     Entry entry{L"TftpServer1", 1};
     const std::wstring asked = L"tftpSERVER1";
     KeyIndex<Entry> index;
@@ -44,7 +44,7 @@ TEST(KeyIndex, IndexesASetOfKeys) {
     EXPECT_EQ(index.find(FoldedKey(asked)), &*keys.find(L"Second"));
 }
 
-TEST(KeyIndex, IsEmptyOnceCleared) {
+TEST(KeyIndex, ClearRemovesAllEntries) {
     Entry entry{L"Key", 1};
     KeyIndex<Entry> index;
     index.reserveOne();
@@ -53,7 +53,7 @@ TEST(KeyIndex, IsEmptyOnceCleared) {
     EXPECT_EQ(index.find(FoldedKey(entry.first)), nullptr);
 }
 
-TEST(KeyIndex, AgreesWithAMapThroughManyInsertionsAndErasures) {
+TEST(KeyIndex, EqualsAMapAfterManyInsertionsAndErasures) {
     // Few keys in a small table: chains of entries form, wrap around the end and are split.
     std::mt19937 random(7);
     for (const unsigned keys : {5U, 40U, 3000U}) {

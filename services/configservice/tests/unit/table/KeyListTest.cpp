@@ -8,7 +8,7 @@
 namespace ZelUnified {
 namespace {
 
-TEST(KeyList, GivesEachKeyAsItWasAdded) {
+TEST(KeyList, ReturnsEachKeyUnchanged) {
     const std::vector<std::wstring> keys{L"First", L"", std::wstring(L"with\0NUL", 8), std::wstring(500, L'x'), L""};
     const KeyList list(keys);
     ASSERT_EQ(list.size(), keys.size());

@@ -36,7 +36,7 @@ TEST(CachedCopyRecord, WithoutAStoreKeepsAllOtherPartsUnchanged) {
     EXPECT_EQ(CachedCopyRecord(L"Foo:1;").without(L"Fo"), L"Foo:1;");
 }
 
-TEST(CachedCopyRecord, DetectsThatTheServiceWouldEraseAnotherEntry) {
+TEST(CachedCopyRecord, DetectsWhetherTheServiceWouldEraseAnotherEntry) {
     EXPECT_TRUE(CachedCopyRecord(L"").canBeErasedByService(L"TFTP"));
     EXPECT_TRUE(CachedCopyRecord(L"Other:1;").canBeErasedByService(L"TFTP"));
     EXPECT_TRUE(CachedCopyRecord(L"Other:1;TFTP:2;").canBeErasedByService(L"tftp"));

@@ -12,18 +12,18 @@ using testing::HasSubstr;
 
 namespace fs = std::filesystem;
 
-TEST(DirectoryTrust, TrustsDirectoriesOfTheUserAndOfRoot) {
-    EXPECT_EQ(whyUntrusted({FileAccess::Owner::Self, "me", false}), "");
-    EXPECT_EQ(whyUntrusted({FileAccess::Owner::Administrator, "root", false}), "");
+TEST(DirectoryTrust, AcceptsDirectoriesOfTheUserAndOfRoot) {
+    EXPECT_EQ(findReasonForDistrust({FileAccess::Owner::Self, "me", false}), "");
+    EXPECT_EQ(findReasonForDistrust({FileAccess::Owner::Administrator, "root", false}), "");
 }
 
 TEST(DirectoryTrust, RejectsADirectoryOfAnotherUser) {
-    EXPECT_EQ(whyUntrusted({FileAccess::Owner::Other, "mallory", false}), "belongs to another user, mallory");
+    EXPECT_EQ(findReasonForDistrust({FileAccess::Owner::Other, "mallory", false}), "belongs to another user, mallory");
 }
 
 TEST(DirectoryTrust, RejectsADirectoryThatEverybodyMayWrite) {
     for (const auto owner : {FileAccess::Owner::Self, FileAccess::Owner::Administrator}) {
-        EXPECT_EQ(whyUntrusted({owner, "x", true}), "can be written by everybody");
+        EXPECT_EQ(findReasonForDistrust({owner, "x", true}), "can be written by everybody");
     }
 }
 

@@ -179,7 +179,7 @@ TEST(ChainPage, WarnsOfSecretsInIt) {
     EXPECT_THAT(renderChainPage(findings), HasSubstr(warning));
 }
 
-TEST(ChainPage, LoadsNothing) {
+TEST(ChainPage, LoadsNoOtherFile) {
     const auto page = renderChainPage({});
     for (const auto* reference : {" src=", " href=", "url(", "@import", "http:", "https:"}) {
         EXPECT_THAT(page, Not(HasSubstr(reference)));
@@ -187,7 +187,7 @@ TEST(ChainPage, LoadsNothing) {
     EXPECT_THAT(page, HasSubstr("default-src 'none'"));
 }
 
-TEST(ChainPage, ItsPolicyAllowsItsOwnStyleAndScriptAlone) {
+TEST(ChainPage, ItsSecurityPolicyAllowsOnlyItsStyleAndScript) {
     const auto page = renderChainPage({});
     EXPECT_THAT(page, HasSubstr("style-src 'sha256-" + digest(cut(page, "<style>", "</style>")) + "'"))
         << "'scripts/check-html-report --seal' corrects this";

@@ -6,7 +6,7 @@
 
 namespace lumora_config {
 
-TEST(OriginText, NamesWhatIsKnown) {
+TEST(OriginText, ContainsTheKnownParts) {
     EXPECT_EQ(describe(Origin{}), "");
     EXPECT_EQ(describe(Origin{"f", 0, "", ""}), "f");
     EXPECT_EQ(describe(Origin{"f", 7, "", ""}), "f:7");

@@ -4,7 +4,7 @@
 
 namespace lumora_config {
 
-TEST(BootstrapKeyFinder, TheLastLineOfAKeyCounts) {
+TEST(BootstrapKeyFinder, TheLastLineOfAKeyWins) {
     const auto places = findBootstrapKeys("\xEF\xBB\xBF"
                                           "A: 1\r\n# B: 1\r\n\r\n C : a:b\r\na:2\nD",
                                           "boot");

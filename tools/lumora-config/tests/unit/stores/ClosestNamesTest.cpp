@@ -25,7 +25,7 @@ TEST(ClosestNames, ExchangedNeighboursAreOneEdit) {
     EXPECT_THAT(closestNames("gte", commands), ElementsAre("get"));
 }
 
-TEST(ClosestNames, CaseDoesNotCount) {
+TEST(ClosestNames, CaseIsIgnored) {
     EXPECT_THAT(closestNames("phonemode", keys), ElementsAre("Phone_Mode"));
     EXPECT_THAT(closestNames("GET", commands), ElementsAre("get"));
 }

@@ -46,7 +46,7 @@ TEST_F(PolicyKeyFinderTest, ALaterFileOverwritesAnEarlierOne) {
     EXPECT_EQ(placeOf(L"C"), "");
 }
 
-TEST_F(PolicyKeyFinderTest, DeletionsUncoverNothing) {
+TEST_F(PolicyKeyFinderTest, ADeletionDoesNotRestoreAnEarlierValue) {
     write("a.reg", section() + "\"A\"=\"1\"\n\"B\"=\"1\"\n" + section("\\Sub") + "\"C\"=\"1\"\n");
     write("b.reg", section() + "\"A\"=-\n[-" + policyKey + "\\sub]\n[-" + policyKey + "\\none\\none]\n");
     EXPECT_EQ(placeOf(L"A"), "");

@@ -19,10 +19,10 @@ TEST(StoreNames, AnAddedStoreIsTheLast) {
 
 TEST(StoreNames, LearningANameTwiceKeepsItsPosition) {
     StoreNames names;
-    names.learn("A");
-    names.learn("B");
-    names.learn("A");
-    names.learn("");
+    names.addIfNew("A");
+    names.addIfNew("B");
+    names.addIfNew("A");
+    names.addIfNew("");
     const auto all = names.getAll();
     EXPECT_EQ(all.back(), "B");
     EXPECT_EQ(all[all.size() - 2], "A");

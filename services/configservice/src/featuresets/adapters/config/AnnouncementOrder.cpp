@@ -10,16 +10,16 @@ std::uint64_t AnnouncementOrder::addQueued() noexcept {
 
 void AnnouncementOrder::addDirect(const std::wstring& key) {
     const auto number = ++lastNumber;
-    if (lastTaken < lastQueued) {
+    if (lastRemoved < lastQueued) {
         directNumbers.insert_or_assign(key, number);
     }
 }
 
-bool AnnouncementOrder::takeQueued(const std::wstring& key, std::uint64_t number) {
+bool AnnouncementOrder::removeQueued(const std::wstring& key, std::uint64_t number) {
     const auto direct = directNumbers.find(key);
     const bool isCurrent = direct == directNumbers.end() || direct->second < number;
-    lastTaken = number;
-    if (lastTaken == lastQueued) {
+    lastRemoved = number;
+    if (lastRemoved == lastQueued) {
         directNumbers.clear();
     }
     return isCurrent;

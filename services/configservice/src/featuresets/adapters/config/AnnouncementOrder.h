@@ -20,15 +20,16 @@ public:
     std::uint64_t addQueued() noexcept;
     /// Records that the caller is about to apply a change of the key immediately. Services dispatcher's thread.
     void addDirect(const std::wstring& key);
-    /// Returns false if a later direct change of the key (case-insensitive) was applied before the queued one. Call
-    /// once for each queued change, in the order of the queue. Services dispatcher's thread.
-    bool takeQueued(const std::wstring& key, std::uint64_t number);
+    /// Removes a queued change, which the caller is about to apply. Returns false if the change is outdated, because a
+    /// later direct change of the key (case-insensitive) was already applied. Call once for each queued change, in the
+    /// order of the queue. Services dispatcher's thread.
+    bool removeQueued(const std::wstring& key, std::uint64_t number);
 
 private:
     std::atomic<std::uint64_t> lastNumber = 0;
     std::atomic<std::uint64_t> lastQueued = 0;
     // Only the services dispatcher's thread uses the members below.
-    std::uint64_t lastTaken = 0;
+    std::uint64_t lastRemoved = 0;
     /// The numbers of direct changes, by key. Empty while no change is queued.
     std::map<std::wstring, std::uint64_t, caseInsensitiveMapComparator> directNumbers;
 };

@@ -315,7 +315,7 @@ void ConfigAdapter::onConfigAddedOrUpdated(std::wstring key, std::wstring value,
     callService("ConfigServiceImpl::OnConfigChanged", {},
                 [key = std::move(key), change, deferFire, order = announcementOrder,
                  number = announcementOrder->addQueued()](ConfigServiceImpl& service) {
-                    if (!order->takeQueued(key, number)) {
+                    if (!order->removeQueued(key, number)) {
                         return; // the record already holds a later value
                     }
                     service.OnConfigChanged(key, change->value, change->originalValue, change->isOverridden,

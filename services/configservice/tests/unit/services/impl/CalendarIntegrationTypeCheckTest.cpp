@@ -39,13 +39,13 @@ protected:
     const std::shared_ptr<testing_host::RecordingFactory> factory = std::make_shared<testing_host::RecordingFactory>();
 };
 
-TEST_F(CalendarIntegrationTypeCheckTest, OutlookInAnyCaseGivesOne) {
+TEST_F(CalendarIntegrationTypeCheckTest, OutlookIgnoringCaseIsOne) {
     setClient(HKEY_CURRENT_USER, L"MICROSOFT Outlook");
     EXPECT_EQ(detect(), L"1");
     EXPECT_THAT(log.getRecords(), IsEmpty());
 }
 
-TEST_F(CalendarIntegrationTypeCheckTest, BothNamesOfNotesGiveTwo) {
+TEST_F(CalendarIntegrationTypeCheckTest, BothNamesOfNotesAreTwo) {
     setClient(HKEY_CURRENT_USER, L"Lotus Notes");
     EXPECT_EQ(detect(), L"2");
     setClient(HKEY_CURRENT_USER, L"IBM Notes");
@@ -59,7 +59,7 @@ TEST_F(CalendarIntegrationTypeCheckTest, OnlyTheWholeNameMatches) {
     }
 }
 
-TEST_F(CalendarIntegrationTypeCheckTest, TheUsersChoiceWinsOverTheMachines) {
+TEST_F(CalendarIntegrationTypeCheckTest, TheUsersClientOverridesTheMachines) {
     setClient(HKEY_CURRENT_USER, L"Some mailer");
     setClient(HKEY_LOCAL_MACHINE, L"Microsoft Outlook");
     EXPECT_EQ(detect(), L"0");
@@ -70,14 +70,14 @@ TEST_F(CalendarIntegrationTypeCheckTest, TheUsersChoiceWinsOverTheMachines) {
     EXPECT_EQ(registry->getOpened()[0].access, 131097U);
 }
 
-TEST_F(CalendarIntegrationTypeCheckTest, AnEmptyChoiceOfTheUserAsksTheMachineInSilence) {
+TEST_F(CalendarIntegrationTypeCheckTest, AnEmptyClientOfTheUserFallsBackToTheMachinesWithoutALine) {
     setClient(HKEY_CURRENT_USER, L"");
     setClient(HKEY_LOCAL_MACHINE, L"IBM Notes");
     EXPECT_EQ(detect(), L"2");
     EXPECT_THAT(log.getRecords(), IsEmpty());
 }
 
-TEST_F(CalendarIntegrationTypeCheckTest, WithoutAKeyUnderEitherRootTheAnswerIsZeroWithTwoErrors) {
+TEST_F(CalendarIntegrationTypeCheckTest, WithoutAKeyUnderEitherRootTheTypeIsZeroWithTwoErrors) {
     EXPECT_EQ(detect(), L"0");
     EXPECT_THAT(log.getTexts("ConfigService-ConfigServiceImpl"),
                 ElementsAre("GetDefaultMailClientFromRegedit - RegOpenKeyEx returned error:2",
@@ -96,7 +96,7 @@ TEST_F(CalendarIntegrationTypeCheckTest, AKeyWithoutADefaultValueIsAnError) {
                 ElementsAre("GetDefaultMailClientFromRegedit - RegQueryValueExA returned error:2"));
 }
 
-TEST_F(CalendarIntegrationTypeCheckTest, AFailedOpeningTellsItsCodeAndIsClosedToo) {
+TEST_F(CalendarIntegrationTypeCheckTest, AFailedOpeningLogsItsCodeAndClosesTheHandle) {
     registry->failOpening(mailClients, RegistryResult::AccessDenied);
     EXPECT_EQ(CalendarIntegrationTypeCheck::GetDefaultMailClientFromRegedit(logger, HKEY_CURRENT_USER), "");
     EXPECT_THAT(log.getTexts(ZelLogLevel::Error),
@@ -112,25 +112,25 @@ TEST_F(CalendarIntegrationTypeCheckTest, EveryKeyThatWasOpenedIsClosed) {
     EXPECT_EQ(registry->getClosed().size(), 2U);
 }
 
-TEST_F(CalendarIntegrationTypeCheckTest, AValueOf260BytesWithoutATerminatorIsTakenWhole) {
+TEST_F(CalendarIntegrationTypeCheckTest, AValueOf260BytesWithoutATerminatorIsReadCompletely) {
     registry->setValue(HKEY_CURRENT_USER, mailClients, {L"", REG_BINARY, std::vector<std::uint8_t>(260, 'x')});
     EXPECT_EQ(CalendarIntegrationTypeCheck::GetDefaultMailClientFromRegedit(logger, HKEY_CURRENT_USER),
               std::string(260, 'x'));
 }
 
-TEST_F(CalendarIntegrationTypeCheckTest, ALongerValueIsAnErrorAndNoAnswer) {
+TEST_F(CalendarIntegrationTypeCheckTest, AValueOfMoreThan260BytesIsAnError) {
     setClient(HKEY_CURRENT_USER, std::wstring(260, L'x'));
     EXPECT_EQ(CalendarIntegrationTypeCheck::GetDefaultMailClientFromRegedit(logger, HKEY_CURRENT_USER), "");
     EXPECT_THAT(log.getTexts(ZelLogLevel::Error),
                 ElementsAre("GetDefaultMailClientFromRegedit - RegQueryValueExA returned error:234"));
 }
 
-TEST_F(CalendarIntegrationTypeCheckTest, TheNameEndsAtItsFirstZero) {
+TEST_F(CalendarIntegrationTypeCheckTest, TheNameEndsAtItsFirstNullCharacter) {
     registry->setValue(HKEY_CURRENT_USER, mailClients, {L"", REG_MULTI_SZ, {'a', 0, 'b', 0, 0, 0, 'c', 0, 0, 0, 0, 0}});
     EXPECT_EQ(CalendarIntegrationTypeCheck::GetDefaultMailClientFromRegedit(logger, HKEY_CURRENT_USER), "ab");
 }
 
-TEST_F(CalendarIntegrationTypeCheckTest, TheRecordFiresNothing) {
+TEST_F(CalendarIntegrationTypeCheckTest, SettingTheRecordFiresNothing) {
     setClient(HKEY_CURRENT_USER, L"Microsoft Outlook");
     const auto record = std::make_shared<ConfigValueImpl>(factory, L"calendarintegrationtype");
     int fired = 0;

@@ -78,7 +78,7 @@ private:
 
 } // namespace
 
-TEST(ConfigFileCacheTimer, MayEndOnTheTimersOwnThread) {
+TEST(ConfigFileCacheTimer, MayBeDestroyedOnTheTimersThread) {
     std::promise<void> scheduled;
     std::promise<void> fired;
     auto timer = std::make_unique<ConfigFileCacheTimer>(std::make_shared<InlineFactory>());
@@ -93,7 +93,7 @@ TEST(ConfigFileCacheTimer, MayEndOnTheTimersOwnThread) {
     EXPECT_EQ(fired.get_future().wait_for(std::chrono::minutes(1)), std::future_status::ready);
 }
 
-TEST(ConfigFileCacheTimer, StandsManyThreads) {
+TEST(ConfigFileCacheTimer, SupportsConcurrentCallers) {
     ConfigFileCacheTimer timer(std::make_shared<InlineFactory>());
     const auto work = [&](const std::string& file) {
         for (int round = 0; round < 200; ++round) {
@@ -128,7 +128,7 @@ TEST_F(ConfigFileCacheTimerTest, CallsBackOnTheBackgroundDispatcherAfterTheDelay
     EXPECT_EQ(clock.getPendingCount(), 0U);
 }
 
-TEST_F(ConfigFileCacheTimerTest, MergesRequestsForOneFileWithoutSliding) {
+TEST_F(ConfigFileCacheTimerTest, MergesRequestsForOneFileWithoutProlongingTheDelay) {
     const auto second = callBack("file.dat");
     timer->scheduleTimer(first, 30000);
     clock.advance(5);
@@ -144,7 +144,7 @@ TEST_F(ConfigFileCacheTimerTest, MergesRequestsForOneFileWithoutSliding) {
     EXPECT_EQ(second->fired, 0);
 }
 
-TEST_F(ConfigFileCacheTimerTest, TellsFilesApartByCase) {
+TEST_F(ConfigFileCacheTimerTest, DistinguishesFilesByCase) {
     const auto second = callBack("FILE.dat");
     timer->scheduleTimer(first, 1000);
     timer->scheduleTimer(second, 1000);
@@ -155,13 +155,13 @@ TEST_F(ConfigFileCacheTimerTest, TellsFilesApartByCase) {
     EXPECT_EQ(second->fired, 1);
 }
 
-TEST_F(ConfigFileCacheTimerTest, CutsTheDelayToWholeSeconds) {
+TEST_F(ConfigFileCacheTimerTest, TruncatesTheDelayToWholeSeconds) {
     timer->scheduleTimer(first, 1999);
     clock.advance(1);
     EXPECT_THAT(taskNames(), ElementsAre(taskName));
 }
 
-TEST_F(ConfigFileCacheTimerTest, FiresAtOnceButNeverInsideTheCallWhenTheDelayIsShort) {
+TEST_F(ConfigFileCacheTimerTest, FiresImmediatelyAfterTheCallIfTheDelayIsBelowOneSecond) {
     for (const int milliseconds : {999, 0, -5000}) {
         factory->backgroundDispatcher->clear();
         ConfigFileCacheTimer quick(factory);
@@ -203,7 +203,7 @@ TEST_F(ConfigFileCacheTimerTest, HoldsNoLockDuringTheCallback) {
     EXPECT_EQ(timer->getCount(), 1);
 }
 
-TEST_F(ConfigFileCacheTimerTest, ForgetsAFileWhoseCallbackThrows) {
+TEST_F(ConfigFileCacheTimerTest, RemovesTheRequestOfACallbackThatThrows) {
     first->whenFired = [] { throw std::runtime_error("no luck"); };
     timer->scheduleTimer(first, 0);
     clock.advance(0);
@@ -211,7 +211,7 @@ TEST_F(ConfigFileCacheTimerTest, ForgetsAFileWhoseCallbackThrows) {
     EXPECT_EQ(timer->getCount(), 0);
 }
 
-TEST_F(ConfigFileCacheTimerTest, ClearsWhatWaits) {
+TEST_F(ConfigFileCacheTimerTest, ClearTimersRemovesPendingRequests) {
     timer->scheduleTimer(first, 30000);
     timer->clearTimers();
     EXPECT_EQ(timer->getCount(), 0);
@@ -221,7 +221,7 @@ TEST_F(ConfigFileCacheTimerTest, ClearsWhatWaits) {
     EXPECT_EQ(first->fired, 0);
 }
 
-TEST_F(ConfigFileCacheTimerTest, ClearsWhatIsQueuedButNotASuccessor) {
+TEST_F(ConfigFileCacheTimerTest, ClearTimersRemovesQueuedCallbacksButNotLaterRequests) {
     const auto second = callBack("file.dat");
     timer->scheduleTimer(first, 0);
     clock.advance(0);
@@ -251,7 +251,7 @@ TEST_F(ConfigFileCacheTimerTest, ReleasesCallbacksThatCallItInTheirDestructor) {
     EXPECT_EQ(timer->getCount(), 0);
 }
 
-TEST_F(ConfigFileCacheTimerTest, CallsNothingAfterItsEnd) {
+TEST_F(ConfigFileCacheTimerTest, CallsNothingAfterItsDestruction) {
     const auto second = callBack("other.dat");
     timer->scheduleTimer(first, 0);
     clock.advance(0);
@@ -270,14 +270,14 @@ TEST_F(ConfigFileCacheTimerTest, IgnoresANullCallback) {
     EXPECT_EQ(timer->getCount(), 0);
 }
 
-TEST_F(ConfigFileCacheTimerTest, LivesWithoutADispatcher) {
-    ConfigFileCacheTimer orphan(nullptr);
-    orphan.scheduleTimer(first, 0);
+TEST_F(ConfigFileCacheTimerTest, DoesNothingWithoutADispatcher) {
+    ConfigFileCacheTimer timerWithoutFactory(nullptr);
+    timerWithoutFactory.scheduleTimer(first, 0);
     clock.advance(0);
     EXPECT_EQ(first->fired, 0);
 }
 
-TEST_F(ConfigFileCacheTimerTest, TellsItsStepsAtDebugLevel) {
+TEST_F(ConfigFileCacheTimerTest, LogsItsStepsAtDebugLevel) {
     const testing_host::LogRecorder log(testing_host::LogRecorder::Debug::On);
     timer->scheduleTimer(first, 1500);
     timer->scheduleTimer(callBack("file.dat"), 1500);
@@ -296,7 +296,7 @@ TEST_F(ConfigFileCacheTimerTest, TellsItsStepsAtDebugLevel) {
     EXPECT_EQ(log.getTexts(ZelLogLevel::Debug).size(), log.getRecords().size());
 }
 
-TEST_F(ConfigFileCacheTimerTest, SaysNothingWithoutDebugLogging) {
+TEST_F(ConfigFileCacheTimerTest, LogsNothingWithoutDebugLevel) {
     const testing_host::LogRecorder log;
     timer->scheduleTimer(first, 0);
     clock.advance(0);

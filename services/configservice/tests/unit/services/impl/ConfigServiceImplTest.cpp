@@ -20,14 +20,14 @@ using testing::SetArgReferee;
 
 struct ConfigServiceImplTest : configservice_test::ServiceFixture {};
 
-TEST_F(ConfigServiceImplTest, StartsInert) {
+TEST_F(ConfigServiceImplTest, IsEmptyAndNotReadyAtFirst) {
     EXPECT_THAT(*service->getAllConfig(), IsEmpty());
     EXPECT_FALSE(service->getConfigReady());
     EXPECT_TRUE(factory->servicesDispatcher->getTaskNames().empty());
     EXPECT_THAT(factory->triedFeatureSetLoads, IsEmpty());
 }
 
-TEST_F(ConfigServiceImplTest, ForwardsWhatTouchesAStore) {
+TEST_F(ConfigServiceImplTest, ForwardsChangesToTheFeatureSet) {
     const auto featureSet = fileFeatureSet();
     const testing::InSequence order;
     EXPECT_CALL(*featureSet, setConfig(std::wstring(L"k"), std::wstring(L"v"))).WillOnce(Return(false));
@@ -46,7 +46,7 @@ TEST_F(ConfigServiceImplTest, ForwardsWhatTouchesAStore) {
     service->refreshConfigFeatureSet();
 }
 
-TEST_F(ConfigServiceImplTest, GivesTheFeatureSetsAnswers) {
+TEST_F(ConfigServiceImplTest, ReturnsTheResultsOfTheFeatureSet) {
     const auto featureSet = fileFeatureSet();
     EXPECT_CALL(*featureSet, removeConfigStore(std::string("St\xC3\xB6re")))
         .WillOnce(Return(true))
@@ -74,7 +74,7 @@ TEST_F(ConfigServiceImplTest, TheReportStartsFromAnEmptyText) {
     EXPECT_EQ(service->getAllConfigForPRT(), L"<AllConfigs/>");
 }
 
-TEST_F(ConfigServiceImplTest, WithoutAFeatureSetForwardingIsHarmless) {
+TEST_F(ConfigServiceImplTest, WithoutAFeatureSetForwardedCallsDoNothing) {
     service->setConfig(L"k", L"v");
     service->setInMemoryConfig(L"k", L"v");
     service->setMdmConfig("<mdm/>");
@@ -92,7 +92,7 @@ TEST_F(ConfigServiceImplTest, WithoutAFeatureSetForwardingIsHarmless) {
     EXPECT_EQ(factory->triedFeatureSetLoads.size(), 1U);
 }
 
-TEST_F(ConfigServiceImplTest, KnowsSensitiveKeysOnlyFromTheList) {
+TEST_F(ConfigServiceImplTest, AKeyIsSensitiveOnlyIfItIsInTheList) {
     const auto featureSet = fileFeatureSet();
     EXPECT_CALL(*featureSet, setKeySensitive(std::wstring(L"Secret")));
     service->setKeySensitive(L"Secret");
@@ -103,7 +103,7 @@ TEST_F(ConfigServiceImplTest, KnowsSensitiveKeysOnlyFromTheList) {
     EXPECT_FALSE(service->isKeySensitive(L"Secret2"));
 }
 
-TEST_F(ConfigServiceImplTest, ResetRemovesTheRecordsAndNeitherSensitiveKeysNorOldNames) {
+TEST_F(ConfigServiceImplTest, ResetRemovesTheRecordsAndKeepsSensitiveKeysAndOldNames) {
     service->updateSensitiveKeyList(L"Secret");
     service->setupConfigKeyAliases({{L"Old", L"New"}});
     announce(L"New", L"before");
@@ -113,20 +113,20 @@ TEST_F(ConfigServiceImplTest, ResetRemovesTheRecordsAndNeitherSensitiveKeysNorOl
     EXPECT_THAT(*service->getAllConfig(), IsEmpty());
     announce(L"New", L"after");
     EXPECT_EQ(held->getValue(), L"before");
-    EXPECT_THAT(observer->heard, IsEmpty());
+    EXPECT_THAT(observer->received, IsEmpty());
     const auto fresh = service->getConfig(L"Old");
     EXPECT_NE(fresh, held);
     EXPECT_EQ(fresh->getValue(), L"after");
     EXPECT_TRUE(service->isKeySensitive(L"secret"));
 }
 
-TEST_F(ConfigServiceImplTest, AfterAResetALookupGivesAnUndefinedRecord) {
+TEST_F(ConfigServiceImplTest, AfterAResetALookupReturnsAnUndefinedRecord) {
     announce(L"k", L"v");
     service->reset();
     EXPECT_FALSE(service->getConfig(L"k")->getisDefined());
 }
 
-TEST_F(ConfigServiceImplTest, ResetLetsGoOfRecordsThatWereListedAndOfThoseMadeSince) {
+TEST_F(ConfigServiceImplTest, ResetReleasesListedAndNewerRecords) {
     announce(L"listed", L"v");
     service->getAllConfig();
     announce(L"since", L"w");
@@ -145,7 +145,7 @@ TEST_F(ConfigServiceImplTest, ResetLetsGoOfRecordsThatWereListedAndOfThoseMadeSi
     EXPECT_EQ(service->getAllConfig()->size(), 2U);
 }
 
-TEST_F(ConfigServiceImplTest, WhatDiesInAResetMayCallBack) {
+TEST_F(ConfigServiceImplTest, ObjectsDestroyedByAResetMayCallTheService) {
     struct CallsBack {
         ~CallsBack() { size = service.getAllConfig()->size(); }
         ConfigServiceImpl& service;
@@ -176,7 +176,7 @@ TEST_F(ConfigServiceImplTest, ReadinessFollowsTheFeatureSetAndFiresOnAChangeOnly
     EXPECT_FALSE(service->getConfigReady());
 }
 
-TEST_F(ConfigServiceImplTest, AFailedDownloadIsADebugLineAndNoState) {
+TEST_F(ConfigServiceImplTest, AFailedDownloadLogsADebugLineAndChangesNoState) {
     {
         testing_host::LogRecorder quiet;
         service->configDownloadFailed();
@@ -223,7 +223,7 @@ std::vector<Operation> guardedOperations() {
     };
 }
 
-TEST_F(ConfigServiceImplTest, AnotherThreadIsRefusedAndChangesNothing) {
+TEST_F(ConfigServiceImplTest, CallsOnAnotherThreadThrowAndChangeNothing) {
     const auto featureSet = fileFeatureSet(); // a strict mock: any call fails the test
     announce(L"known", L"v");
     service->setupConfigKeyAliases({{L"Old", L"known"}});
@@ -238,14 +238,14 @@ TEST_F(ConfigServiceImplTest, AnotherThreadIsRefusedAndChangesNothing) {
         ASSERT_EQ(errors.size(), 1U);
         EXPECT_THAT(errors[0], testing::HasSubstr("ConfigServiceBaseImpl {"));
     }
-    EXPECT_THAT(observer->heard, IsEmpty());
+    EXPECT_THAT(observer->received, IsEmpty());
     EXPECT_EQ(service->getAllConfig()->size(), 1U);
     EXPECT_EQ(service->getConfig(L"Old")->getValue(), L"w");
     EXPECT_FALSE(service->isKeySensitive(L"known"));
     EXPECT_FALSE(service->getConfigReady());
 }
 
-TEST_F(ConfigServiceImplTest, ThreeOperationsAnswerOnEveryThread) {
+TEST_F(ConfigServiceImplTest, ThreeOperationsSucceedOnEveryThread) {
     service->getConfig(L"k");
     const auto featureSet = fileFeatureSet();
     EXPECT_CALL(*featureSet, setUrlProvisioningData(std::wstring(L"data"))).WillOnce(Return(true));
@@ -256,12 +256,12 @@ TEST_F(ConfigServiceImplTest, ThreeOperationsAnswerOnEveryThread) {
     EXPECT_EQ(service->getAllConfig()->size(), 1U);
 }
 
-TEST(ConfigServiceImpl, WithoutAFactoryEverythingIsRefusedOrFalse) {
-    ConfigServiceImpl orphan(nullptr);
-    EXPECT_THROW(orphan.getConfig(L"k"), UpdateAccessError);
-    EXPECT_FALSE(orphan.setUrlProvisioningData(L"data"));
-    EXPECT_FALSE(orphan.resetAllowUriProvisioningData());
-    EXPECT_THAT(*orphan.getAllConfig(), IsEmpty());
+TEST(ConfigServiceImpl, WithoutAFactoryEveryOperationThrowsOrReturnsFalse) {
+    ConfigServiceImpl withoutFactory(nullptr);
+    EXPECT_THROW(withoutFactory.getConfig(L"k"), UpdateAccessError);
+    EXPECT_FALSE(withoutFactory.setUrlProvisioningData(L"data"));
+    EXPECT_FALSE(withoutFactory.resetAllowUriProvisioningData());
+    EXPECT_THAT(*withoutFactory.getAllConfig(), IsEmpty());
 }
 
 } // namespace

@@ -42,7 +42,7 @@ struct ConfigServiceLookup : configservice_test::ServiceFixture {
     testing_host::LogRecorder log;
 };
 
-TEST_F(ConfigServiceLookup, AnUnknownKeyGetsAnUndefinedRecordThatIsListedFromThenOn) {
+TEST_F(ConfigServiceLookup, AnUnknownKeyCreatesAnUndefinedRecordThatIsListed) {
     const auto record = service->getConfig(L"Unknown");
     ASSERT_TRUE(record);
     EXPECT_EQ(record->getKey(), L"Unknown");
@@ -51,7 +51,7 @@ TEST_F(ConfigServiceLookup, AnUnknownKeyGetsAnUndefinedRecordThatIsListedFromThe
     EXPECT_THAT(takeLines(), IsEmpty());
 }
 
-TEST_F(ConfigServiceLookup, TheEmptyKeyHasARecordToo) {
+TEST_F(ConfigServiceLookup, TheEmptyKeyHasARecord) {
     const auto record = service->getConfig(L"");
     EXPECT_EQ(service->getConfig(L""), record);
     EXPECT_THAT(listKeys(), ElementsAre(L""));
@@ -72,7 +72,7 @@ TEST_F(ConfigServiceLookup, AReadTouchesNoStore) {
     service->FireIfRequired(L"other");
 }
 
-TEST_F(ConfigServiceLookup, ListsAllRecordsInKeyOrderIgnoringCaseAsASnapshotOfLiveOnes) {
+TEST_F(ConfigServiceLookup, ListsASnapshotOfAllRecordsInCaseInsensitiveOrder) {
     announce(L"beta", L"1");
     service->getConfig(L"_x");
     service->getConfig(L"ALPHA");
@@ -85,7 +85,7 @@ TEST_F(ConfigServiceLookup, ListsAllRecordsInKeyOrderIgnoringCaseAsASnapshotOfLi
     EXPECT_EQ((*std::next(before->begin(), 2))->getValue(), L"changed");
 }
 
-TEST_F(ConfigServiceLookup, RecordsMadeBetweenTwoListingsTakeTheirPlaceInKeyOrder) {
+TEST_F(ConfigServiceLookup, RecordsCreatedBetweenTwoListingsAreListedInKeyOrder) {
     service->getConfig(L"m");
     announce(L"C", L"1");
     EXPECT_THAT(listKeys(), ElementsAre(L"C", L"m"));
@@ -107,7 +107,7 @@ TEST_F(ConfigServiceLookup, ARecordWhoseKeyChangesIsStillFoundByTheKeyOfItsCreat
     EXPECT_EQ(service->getAllConfig()->size(), 2U);
 }
 
-TEST_F(ConfigServiceLookup, ARecordThatTakesTheKeyOfAnotherOneIsStillListedAndFound) {
+TEST_F(ConfigServiceLookup, ARecordSetToTheKeyOfAnotherIsStillListedAndFound) {
     const auto first = makeRecord(L"a");
     auto second = makeRecord(L"b");
     second->setKey(L"a");
@@ -118,7 +118,7 @@ TEST_F(ConfigServiceLookup, ARecordThatTakesTheKeyOfAnotherOneIsStillListedAndFo
     EXPECT_EQ(service->getConfig(L"a"), first);
 }
 
-TEST_F(ConfigServiceLookup, AListingKeepsTheOrderOfCreationKeysWhateverARecordsKeyBecomes) {
+TEST_F(ConfigServiceLookup, AListingIsOrderedByCreationKeysEvenIfARecordsKeyChanges) {
     const auto a = makeRecord(L"a");
     const auto b = makeRecord(L"b");
     const auto c = makeRecord(L"c");
@@ -128,7 +128,7 @@ TEST_F(ConfigServiceLookup, AListingKeepsTheOrderOfCreationKeysWhateverARecordsK
     EXPECT_THAT(*service->getAllConfig(), ElementsAre(a, b, c));
 }
 
-TEST_F(ConfigServiceLookup, SeveralThreadsMayListAtOnceWhileNobodyChangesARecord) {
+TEST_F(ConfigServiceLookup, SeveralThreadsMayListConcurrentlyWithoutChanges) {
     constexpr int keys = 300;
     constexpr int listers = 4;
     for (int round = 0; round < 20; ++round) {
@@ -170,7 +170,7 @@ TEST_F(ConfigServiceLookup, AnOldNameFindsTheRecordOfItsNewNameAndLogsOneLine) {
               "this key - value : [tftp.example.com]");
 }
 
-TEST_F(ConfigServiceLookup, TheTargetAskedByItsOwnNameSaysNothing) {
+TEST_F(ConfigServiceLookup, ALookupByTheNewNameLogsNothing) {
     service->setupConfigKeyAliases({{L"Old", L"New"}});
     announce(L"New", L"v");
     service->getConfig(L"New");
@@ -205,7 +205,7 @@ TEST_F(ConfigServiceLookup, ANewTableOfOldNamesReplacesTheFirst) {
     EXPECT_EQ(service->getConfig(L"Older")->getKey(), L"New");
 }
 
-TEST_F(ConfigServiceLookup, TheKeyAsAskedDecidesWhetherTheLineHidesTheValue) {
+TEST_F(ConfigServiceLookup, TheRequestedNameDecidesWhetherTheLineHidesTheValue) {
     announce(L"New", L"secret-text");
     service->setupConfigKeyAliases({{L"Old", L"New"}});
     service->updateSensitiveKeyList(L"OLD");
@@ -216,7 +216,7 @@ TEST_F(ConfigServiceLookup, TheKeyAsAskedDecidesWhetherTheLineHidesTheValue) {
                             "key - value : [VALUE_HIDDEN]"));
 }
 
-TEST_F(ConfigServiceLookup, ASensitiveTargetAloneDoesNotHideTheValueInTheLine) {
+TEST_F(ConfigServiceLookup, ASensitiveNewNameDoesNotHideTheValueRequestedByTheOldName) {
     announce(L"New", L"plain");
     service->setupConfigKeyAliases({{L"Old", L"New"}});
     service->updateSensitiveKeyList(L"New");
@@ -232,7 +232,7 @@ TEST_F(ConfigServiceLookup, PersonalDataInTheLineIsMasked) {
     EXPECT_THAT(takeLines(), ElementsAre(testing::HasSubstr("@example.com]")));
 }
 
-TEST_F(ConfigServiceLookup, TheFirstRequestOfTheCalendarKeyInAnyCaseRunsItsCheckAndNoLaterOne) {
+TEST_F(ConfigServiceLookup, TheFirstRequestOfTheCalendarKeyRunsItsCheckAndLaterOnesDoNot) {
     setMailClient(L"Microsoft Outlook");
     const auto record = service->getConfig(L"CalendarIntegrationType");
     EXPECT_EQ(record->getKey(), L"CalendarIntegrationType");
@@ -245,24 +245,24 @@ TEST_F(ConfigServiceLookup, TheFirstRequestOfTheCalendarKeyInAnyCaseRunsItsCheck
     EXPECT_THAT(listKeys(), ElementsAre(L"CalendarIntegrationType"));
 }
 
-TEST_F(ConfigServiceLookup, AFiringOfTheCalendarKeyRunsItsCheckTooAndFiresNothing) {
+TEST_F(ConfigServiceLookup, AFiringOfTheCalendarKeyRunsItsCheckAndCallsNoObserver) {
     setMailClient(L"Lotus Notes");
     service->FireIfRequired(L"calendarintegrationtype");
     const auto observer = observe(L"calendarintegrationtype");
     service->FireIfRequired(L"calendarintegrationtype");
     EXPECT_EQ(service->getConfig(L"calendarintegrationtype")->getValue(), L"2");
     EXPECT_EQ(registry->getOpened().size(), 1U);
-    EXPECT_THAT(observer->heard, IsEmpty());
+    EXPECT_THAT(observer->received, IsEmpty());
 }
 
-TEST_F(ConfigServiceLookup, AStoresWordOnTheCalendarKeyStandsOverItsCheck) {
+TEST_F(ConfigServiceLookup, AStoresValueOfTheCalendarKeyOverridesItsCheck) {
     setMailClient(L"Microsoft Outlook");
     announce(L"calendarintegrationtype", L"2");
     EXPECT_EQ(service->getConfig(L"calendarintegrationtype")->getValue(), L"2");
     EXPECT_EQ(registry->getOpened().size(), 1U);
 }
 
-TEST_F(ConfigServiceLookup, AnOldNameOfTheCalendarKeyFindsItsRecordAtTheFirstRequest) {
+TEST_F(ConfigServiceLookup, AnOldNameOfTheCalendarKeyFindsItsRecordOnTheFirstRequest) {
     setMailClient(L"Microsoft Outlook");
     service->setupConfigKeyAliases({{L"Old", L"calendarintegrationtype"}});
     EXPECT_EQ(service->getConfig(L"Old")->getKey(), L"calendarintegrationtype");
@@ -270,7 +270,7 @@ TEST_F(ConfigServiceLookup, AnOldNameOfTheCalendarKeyFindsItsRecordAtTheFirstReq
                                          "actual lookup done on this key - value : [1]"));
 }
 
-TEST_F(ConfigServiceLookup, InFipsModeAnyLookupOverwritesTheTellingValueSilently) {
+TEST_F(ConfigServiceLookup, InFipsModeALookupOverwritesAValueThatNamesTheFipsKey) {
     announce(L"Asked", L"TELEPHONY_p2p_enabled");
     announce(L"Listed", L"Telephony_P2P_Enabled");
     const auto observer = observe(L"Asked");
@@ -279,13 +279,13 @@ TEST_F(ConfigServiceLookup, InFipsModeAnyLookupOverwritesTheTellingValueSilently
     const auto all = service->getAllConfig();
     EXPECT_EQ(all->back()->getValue(), L"false");
     service->FireIfRequired(L"Asked");
-    EXPECT_THAT(observer->heard, IsEmpty());
+    EXPECT_THAT(observer->received, IsEmpty());
     zel::common::FipsUtils::overrideFipsMode(false);
     EXPECT_EQ(service->getConfig(L"Asked")->getValue(), L"false") << "the stored value itself is gone";
     EXPECT_EQ(service->getConfig(L"Listed")->getValue(), L"false");
 }
 
-TEST_F(ConfigServiceLookup, OutsideFipsModeTheTellingValueStays) {
+TEST_F(ConfigServiceLookup, OutsideFipsModeAValueThatNamesTheFipsKeyIsKept) {
     announce(L"Asked", L"Telephony_P2P_Enabled");
     service->getAllConfig();
     EXPECT_EQ(service->getConfig(L"Asked")->getValue(), L"Telephony_P2P_Enabled");

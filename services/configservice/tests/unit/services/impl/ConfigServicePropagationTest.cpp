@@ -19,8 +19,8 @@ struct ConfigServicePropagation : configservice_test::ServiceFixture {};
 TEST_F(ConfigServicePropagation, AChangeUpdatesTheRecordAndFiresEachPropertyOnce) {
     const auto observer = observe(L"k");
     service->OnConfigChanged(L"K", L"v", L"ov", true, true, L"vs", L"ovs", false);
-    EXPECT_THAT(observer->heard, ElementsAre("Value", "OriginalValue", "isOverridden", "isDefined", "ValueStoreName",
-                                             "OriginalValueStoreName"));
+    EXPECT_THAT(observer->received, ElementsAre("Value", "OriginalValue", "isOverridden", "isDefined", "ValueStoreName",
+                                                "OriginalValueStoreName"));
     const auto record = service->getConfig(L"k");
     EXPECT_EQ(record->getKey(), L"k");
     EXPECT_EQ(record->getValue(), L"v");
@@ -31,7 +31,7 @@ TEST_F(ConfigServicePropagation, AChangeUpdatesTheRecordAndFiresEachPropertyOnce
     EXPECT_EQ(record->getOriginalValueStoreName(), L"ovs");
 }
 
-TEST_F(ConfigServicePropagation, OverriddenComesBeforeDefined) {
+TEST_F(ConfigServicePropagation, TheOverriddenArgumentPrecedesTheDefinedOne) {
     service->OnConfigChanged(L"a", L"", L"", true, false, L"", L"", false);
     EXPECT_TRUE(service->getConfig(L"a")->getisOverridden());
     EXPECT_FALSE(service->getConfig(L"a")->getisDefined());
@@ -40,11 +40,11 @@ TEST_F(ConfigServicePropagation, OverriddenComesBeforeDefined) {
 TEST_F(ConfigServicePropagation, AnEqualNotificationFiresAndLogsNothing) {
     const auto observer = observe(L"k");
     announce(L"k", L"v");
-    observer->heard.clear();
+    observer->received.clear();
     const testing_host::LogRecorder log(testing_host::LogRecorder::Debug::On);
     announce(L"k", L"v");
     announce(L"k", L"V");
-    EXPECT_THAT(observer->heard, IsEmpty());
+    EXPECT_THAT(observer->received, IsEmpty());
     EXPECT_THAT(log.getRecords(), IsEmpty());
     EXPECT_EQ(service->getConfig(L"k")->getValue(), L"v");
 }
@@ -53,15 +53,15 @@ TEST_F(ConfigServicePropagation, ADeferredChangeWaitsForItsFiringAndFiresOnce) {
     const auto observer = observe(L"k");
     announce(L"k", L"one", true);
     announce(L"k", L"two", true);
-    EXPECT_THAT(observer->heard, IsEmpty());
+    EXPECT_THAT(observer->received, IsEmpty());
     EXPECT_EQ(service->getConfig(L"k")->getValue(), L"two");
     service->FireIfRequired(L"K");
-    EXPECT_THAT(observer->heard, ElementsAre("Value", "isDefined", "ValueStoreName"));
+    EXPECT_THAT(observer->received, ElementsAre("Value", "isDefined", "ValueStoreName"));
     service->FireIfRequired(L"k");
-    EXPECT_EQ(observer->heard.size(), 3U);
+    EXPECT_EQ(observer->received.size(), 3U);
 }
 
-TEST_F(ConfigServicePropagation, ABatchIsUpToDateBeforeAnObserverHearsOfIt) {
+TEST_F(ConfigServicePropagation, ABatchIsUpdatedBeforeAnyObserverIsCalled) {
     std::vector<std::wstring> seen;
     const auto observer = observe(L"a");
     observer->reaction = [&](const std::string& property) {
@@ -87,7 +87,7 @@ TEST_F(ConfigServicePropagation, ABatchFiresInAnyOrderAndSpelling) {
         service->FireIfRequired(key);
     }
     for (const auto& observer : {a, b, c}) {
-        EXPECT_THAT(observer->heard, ElementsAre("Value", "isDefined", "ValueStoreName"));
+        EXPECT_THAT(observer->received, ElementsAre("Value", "isDefined", "ValueStoreName"));
     }
 }
 
@@ -98,35 +98,35 @@ TEST_F(ConfigServicePropagation, ADeferredChangeIsFiredByTheKeyOfItsRecordsCreat
     announce(L"b", L"2", true);
     std::dynamic_pointer_cast<ConfigValueImpl>(service->getConfig(L"a"))->setKey(L"b");
     service->FireIfRequired(L"b");
-    EXPECT_THAT(a->heard, IsEmpty());
-    EXPECT_THAT(b->heard, ElementsAre("Value", "isDefined", "ValueStoreName"));
+    EXPECT_THAT(a->received, IsEmpty());
+    EXPECT_THAT(b->received, ElementsAre("Value", "isDefined", "ValueStoreName"));
     service->FireIfRequired(L"a");
-    EXPECT_THAT(a->heard, ElementsAre("Value", "isDefined", "ValueStoreName"));
+    EXPECT_THAT(a->received, ElementsAre("Value", "isDefined", "ValueStoreName"));
 }
 
-TEST_F(ConfigServicePropagation, AResetForgetsWhatWasDeferred) {
+TEST_F(ConfigServicePropagation, AResetDropsDeferredChanges) {
     const auto before = observe(L"k");
     announce(L"k", L"v", true);
     service->reset();
     const auto after = observe(L"k");
     service->FireIfRequired(L"k");
-    EXPECT_THAT(before->heard, IsEmpty());
-    EXPECT_THAT(after->heard, IsEmpty());
+    EXPECT_THAT(before->received, IsEmpty());
+    EXPECT_THAT(after->received, IsEmpty());
     EXPECT_FALSE(service->getConfig(L"k")->getisDefined());
 }
 
-TEST_F(ConfigServicePropagation, ADeferredChangeOfAnOldNameFiresTheRecordThatTheNameHasThen) {
+TEST_F(ConfigServicePropagation, FiringAnOldNameFiresTheRecordThatTheNameCurrentlyHas) {
     const auto old = observe(L"Old");
     service->setupConfigKeyAliases({{L"Old", L"New"}});
     announce(L"Old", L"one", true); // no record of the new name exists yet
     const auto current = observe(L"New");
     announce(L"New", L"two", true);
     service->FireIfRequired(L"Old");
-    EXPECT_THAT(old->heard, IsEmpty());
-    EXPECT_THAT(current->heard, ElementsAre("Value", "isDefined", "ValueStoreName"));
+    EXPECT_THAT(old->received, IsEmpty());
+    EXPECT_THAT(current->received, ElementsAre("Value", "isDefined", "ValueStoreName"));
 }
 
-TEST_F(ConfigServicePropagation, FiringAnUnknownKeyMakesARecordAndFiresNothing) {
+TEST_F(ConfigServicePropagation, FiringAnUnknownKeyCreatesARecordAndCallsNoObserver) {
     service->FireIfRequired(L"k");
     ASSERT_EQ(service->getAllConfig()->size(), 1U);
     EXPECT_FALSE(service->getAllConfig()->front()->getisDefined());
@@ -136,7 +136,7 @@ TEST_F(ConfigServicePropagation, AChangeOfAnOldNameUpdatesTheRecordOfItsNewName)
     service->setupConfigKeyAliases({{L"Old", L"New"}});
     const auto observer = observe(L"New");
     announce(L"Old", L"v");
-    EXPECT_THAT(observer->heard, ElementsAre("Value", "isDefined", "ValueStoreName"));
+    EXPECT_THAT(observer->received, ElementsAre("Value", "isDefined", "ValueStoreName"));
     EXPECT_EQ(service->getAllConfig()->size(), 1U);
 }
 
@@ -154,28 +154,28 @@ TEST_F(ConfigServicePropagation, ANotifierFollowsOneProperty) {
     EXPECT_EQ(values, 1);
 }
 
-TEST_F(ConfigServicePropagation, AStoreNameThatDiffersInCaseAloneCountsAsChanged) {
+TEST_F(ConfigServicePropagation, AStoreNameThatDiffersOnlyInCaseIsAChange) {
     service->OnConfigChanged(L"k", L"v", L"ov", true, true, L"Store", L"Origin", false);
     const auto observer = observe(L"k");
     service->OnConfigChanged(L"k", L"v", L"ov", true, true, L"STORE", L"Origin", false);
-    EXPECT_THAT(observer->heard, ElementsAre("ValueStoreName"));
-    observer->heard.clear();
+    EXPECT_THAT(observer->received, ElementsAre("ValueStoreName"));
+    observer->received.clear();
     service->OnConfigChanged(L"k", L"v", L"ov", true, true, L"STORE", L"origin", false);
-    EXPECT_THAT(observer->heard, ElementsAre("OriginalValueStoreName"));
+    EXPECT_THAT(observer->received, ElementsAre("OriginalValueStoreName"));
     EXPECT_EQ(service->getConfig(L"k")->getValueStoreName(), L"STORE");
     EXPECT_EQ(service->getConfig(L"k")->getOriginalValueStoreName(), L"origin");
 }
 
-TEST_F(ConfigServicePropagation, ManyDifferentStoreNamesAreAllToldRight) {
+TEST_F(ConfigServicePropagation, EachOfManyStoreNamesIsReportedCorrectly) {
     const auto observer = observe(L"k");
     announce(L"k", L"v");
     const auto record = service->getConfig(L"k");
     for (int i = 0; i < 200; ++i) {
-        observer->heard.clear();
+        observer->received.clear();
         const std::wstring name = L"Store " + std::to_wstring(i);
         const std::wstring original = L"Original " + std::to_wstring(i);
         service->OnConfigChanged(L"k", L"v", L"", false, true, name, original, false);
-        ASSERT_THAT(observer->heard, ElementsAre("ValueStoreName", "OriginalValueStoreName")) << i;
+        ASSERT_THAT(observer->received, ElementsAre("ValueStoreName", "OriginalValueStoreName")) << i;
         ASSERT_EQ(record->getValueStoreName(), name);
         ASSERT_EQ(record->getOriginalValueStoreName(), original);
     }
@@ -194,8 +194,8 @@ TEST_F(ConfigServicePropagation, AnObserverMayReadConnectAndRemoveItself) {
         service->getConfig(L"made inside");
     };
     announce(L"k", L"v");
-    EXPECT_THAT(observer->heard, ElementsAre("Value"));
-    EXPECT_THAT(added->heard, ElementsAre("isDefined", "ValueStoreName"));
+    EXPECT_THAT(observer->received, ElementsAre("Value"));
+    EXPECT_THAT(added->received, ElementsAre("isDefined", "ValueStoreName"));
     EXPECT_EQ(connected, 0);
     announce(L"k", L"w");
     EXPECT_EQ(connected, 1);
@@ -209,28 +209,28 @@ TEST_F(ConfigServicePropagation, AnObserverMayWriteTheSameKeyAgain) {
     }));
     const auto observer = observe(L"k");
     observer->reaction = [&](const std::string&) {
-        if (observer->heard.size() == 1) {
+        if (observer->received.size() == 1) {
             service->setConfig(L"k", L"second");
         }
     };
     announce(L"k", L"first");
-    EXPECT_THAT(observer->heard, ElementsAre("Value", "Value", "isDefined", "ValueStoreName"));
+    EXPECT_THAT(observer->received, ElementsAre("Value", "Value", "isDefined", "ValueStoreName"));
     EXPECT_EQ(service->getConfig(L"k")->getValue(), L"second");
 }
 
-TEST_F(ConfigServicePropagation, AnObserverMayResetTheServiceInTheMiddleOfAPass) {
+TEST_F(ConfigServicePropagation, AnObserverMayResetTheServiceDuringAFiring) {
     const auto observer = observe(L"k");
     observer->reaction = [&](const std::string&) { service->reset(); };
     announce(L"k", L"v");
-    EXPECT_THAT(observer->heard, ElementsAre("Value", "isDefined", "ValueStoreName"));
+    EXPECT_THAT(observer->received, ElementsAre("Value", "isDefined", "ValueStoreName"));
     EXPECT_TRUE(service->getAllConfig()->empty());
     announce(L"k", L"v", true);
     observer->reaction = nullptr;
     service->FireIfRequired(L"k");
-    EXPECT_EQ(observer->heard.size(), 3U);
+    EXPECT_EQ(observer->received.size(), 3U);
 }
 
-TEST_F(ConfigServicePropagation, AnExceptionOfAnObserverPassesAndTheRestFiresLater) {
+TEST_F(ConfigServicePropagation, AnExceptionOfAnObserverPropagatesAndTheRestFiresLater) {
     const auto observer = observe(L"k");
     observer->reaction = [](const std::string& property) {
         if (property == "isDefined") {
@@ -241,18 +241,18 @@ TEST_F(ConfigServicePropagation, AnExceptionOfAnObserverPassesAndTheRestFiresLat
     EXPECT_EQ(service->getConfig(L"k")->getValueStoreName(), L"Store");
     observer->reaction = nullptr;
     service->FireIfRequired(L"k");
-    EXPECT_THAT(observer->heard, ElementsAre("Value", "isDefined", "isDefined", "ValueStoreName"));
+    EXPECT_THAT(observer->received, ElementsAre("Value", "isDefined", "isDefined", "ValueStoreName"));
 }
 
 TEST_F(ConfigServicePropagation, InFipsModeTheForcedKeyFiresForEveryOtherValue) {
     const auto observer = observe(L"Telephony_P2P_Enabled");
     announce(L"Telephony_P2P_Enabled", L"true");
-    observer->heard.clear();
+    observer->received.clear();
     zel::common::FipsUtils::overrideFipsMode(true);
     announce(L"Telephony_P2P_Enabled", L"true");
-    EXPECT_THAT(observer->heard, ElementsAre("Value"));
+    EXPECT_THAT(observer->received, ElementsAre("Value"));
     announce(L"Telephony_P2P_Enabled", L"false");
-    EXPECT_THAT(observer->heard, ElementsAre("Value"));
+    EXPECT_THAT(observer->received, ElementsAre("Value"));
 }
 
 TEST_F(ConfigServicePropagation, InFipsModeAFiringOverwritesADeferredValueThatNamesTheFipsKey) {
@@ -262,23 +262,23 @@ TEST_F(ConfigServicePropagation, InFipsModeAFiringOverwritesADeferredValueThatNa
     observer->reaction = [&](const std::string&) { seen.push_back(record->ConfigValueBaseImpl::getValue()); };
     announce(L"k", L"Telephony_P2P_Enabled", true);
     zel::common::FipsUtils::overrideFipsMode(true);
-    EXPECT_EQ(record->getValue(), L"Telephony_P2P_Enabled") << "no lookup has come yet";
+    EXPECT_EQ(record->getValue(), L"Telephony_P2P_Enabled") << "no lookup has happened yet";
     service->FireIfRequired(L"K");
-    EXPECT_THAT(observer->heard, ElementsAre("Value", "isDefined", "ValueStoreName"));
+    EXPECT_THAT(observer->received, ElementsAre("Value", "isDefined", "ValueStoreName"));
     EXPECT_THAT(seen, testing::Each(L"false"));
     EXPECT_EQ(record->ConfigValueBaseImpl::getValue(), L"false");
 }
 
-TEST_F(ConfigServicePropagation, InFipsModeALookupBeforeTheFiringOverwritesTheValueAndTheFiringStillComesOnce) {
+TEST_F(ConfigServicePropagation, InFipsModeALookupBeforeTheFiringOverwritesTheValueAndItFiresOnce) {
     const auto observer = observe(L"k");
     zel::common::FipsUtils::overrideFipsMode(true);
     announce(L"k", L"telephony_p2p_enabled", true);
     EXPECT_EQ(service->getConfig(L"k")->getValue(), L"false");
-    EXPECT_THAT(observer->heard, IsEmpty());
+    EXPECT_THAT(observer->received, IsEmpty());
     service->FireIfRequired(L"k");
-    EXPECT_THAT(observer->heard, ElementsAre("Value", "isDefined", "ValueStoreName"));
+    EXPECT_THAT(observer->received, ElementsAre("Value", "isDefined", "ValueStoreName"));
     service->FireIfRequired(L"k");
-    EXPECT_EQ(observer->heard.size(), 3U);
+    EXPECT_EQ(observer->received.size(), 3U);
 }
 
 TEST_F(ConfigServicePropagation, InFipsModeTheNextAnnouncementOverwritesADeferredValueThatNamesTheFipsKey) {
@@ -287,11 +287,12 @@ TEST_F(ConfigServicePropagation, InFipsModeTheNextAnnouncementOverwritesADeferre
     const auto observer = observe(L"k"); // looks the record up, which overwrites the value
     announce(L"k", L"false", true);
     service->FireIfRequired(L"k");
-    EXPECT_THAT(observer->heard, ElementsAre("Value", "isDefined", "ValueStoreName")) << "marks of the first change";
+    EXPECT_THAT(observer->received, ElementsAre("Value", "isDefined", "ValueStoreName"))
+        << "the pending properties of the first change";
     announce(L"k", L"Telephony_P2P_Enabled", true);
     announce(L"k", L"Telephony_P2P_Enabled", true);
     service->FireIfRequired(L"k");
-    EXPECT_EQ(observer->heard.size(), 4U);
+    EXPECT_EQ(observer->received.size(), 4U);
     EXPECT_EQ(service->getConfig(L"k")->getValue(), L"false");
 }
 
@@ -299,15 +300,15 @@ TEST_F(ConfigServicePropagation, InFipsModeTheForcedKeyFiresADeferredChangeAndKe
     const auto observer = observe(L"Telephony_P2P_Enabled");
     zel::common::FipsUtils::overrideFipsMode(true);
     announce(L"Telephony_P2P_Enabled", L"true", true);
-    EXPECT_THAT(observer->heard, IsEmpty());
+    EXPECT_THAT(observer->received, IsEmpty());
     service->FireIfRequired(L"telephony_p2p_enabled");
-    EXPECT_THAT(observer->heard, ElementsAre("Value", "isDefined", "ValueStoreName"));
+    EXPECT_THAT(observer->received, ElementsAre("Value", "isDefined", "ValueStoreName"));
     const auto record = std::dynamic_pointer_cast<ConfigValueImpl>(service->getConfig(L"Telephony_P2P_Enabled"));
     EXPECT_EQ(record->getValue(), L"false");
     EXPECT_EQ(record->ConfigValueBaseImpl::getValue(), L"true");
 }
 
-TEST_F(ConfigServicePropagation, ABatchThatWasNeverShownHoldsNothingOfLaterOnes) {
+TEST_F(ConfigServicePropagation, ABatchThatIsNeverFiredHoldsNoReferencesToLaterChanges) {
     announce(L"never shown", L"v", true);
     const std::weak_ptr<ConfigValue> record = service->getConfig(L"k");
     const auto holders = record.use_count();
@@ -318,7 +319,7 @@ TEST_F(ConfigServicePropagation, ABatchThatWasNeverShownHoldsNothingOfLaterOnes)
     EXPECT_LE(record.use_count(), holders + 1);
 }
 
-TEST_F(ConfigServicePropagation, AnObserverMayBeginABatchInTheMiddleOfShowingAnother) {
+TEST_F(ConfigServicePropagation, AnObserverMayStartABatchWhileAnotherIsFired) {
     const auto first = observe(L"a");
     const auto second = observe(L"b");
     const auto third = observe(L"c");
@@ -333,26 +334,26 @@ TEST_F(ConfigServicePropagation, AnObserverMayBeginABatchInTheMiddleOfShowingAno
         announce(L"c", L"2", true);
         announce(L"b", L"2", true);
         service->FireIfRequired(L"c");
-        EXPECT_THAT(third->heard, ElementsAre("Value", "isDefined", "ValueStoreName"));
-        EXPECT_TRUE(second->heard.empty());
+        EXPECT_THAT(third->received, ElementsAre("Value", "isDefined", "ValueStoreName"));
+        EXPECT_TRUE(second->received.empty());
     };
     for (const auto* key : {L"A", L"B", L"C"}) {
         service->FireIfRequired(key);
     }
-    EXPECT_EQ(second->heard.size(), 3U);
-    EXPECT_EQ(third->heard.size(), 3U);
+    EXPECT_EQ(second->received.size(), 3U);
+    EXPECT_EQ(third->received.size(), 3U);
     EXPECT_EQ(service->getConfig(L"b")->getValue(), L"2");
 }
 
-TEST_F(ConfigServicePropagation, ABatchIsShownUnderTheNewNamesThatArrivedMeanwhile) {
+TEST_F(ConfigServicePropagation, ABatchIsFiredUnderNewNamesThatWereSetMeanwhile) {
     const auto observer = observe(L"new");
     const auto former = observe(L"old");
     announce(L"old", L"1", true);
     service->setupConfigKeyAliases({{L"old", L"new"}});
     announce(L"new", L"2", true);
     service->FireIfRequired(L"old");
-    EXPECT_EQ(observer->heard.size(), 3U);
-    EXPECT_TRUE(former->heard.empty());
+    EXPECT_EQ(observer->received.size(), 3U);
+    EXPECT_TRUE(former->received.empty());
 }
 
 } // namespace

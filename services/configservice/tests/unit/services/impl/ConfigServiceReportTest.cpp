@@ -30,7 +30,7 @@ struct ConfigServiceReport : configservice_test::ServiceFixture {
     }
 };
 
-TEST_F(ConfigServiceReport, WithoutRecordsTheFrameStands) {
+TEST_F(ConfigServiceReport, WithoutRecordsContainsOnlyTheHeadings) {
     EXPECT_EQ(report(), head + middle + tail);
 }
 
@@ -47,7 +47,7 @@ TEST_F(ConfigServiceReport, ListsDefinedAndUndefinedRecordsEachInKeyOrder) {
                   "Key: zed -  Value - [] valueStoreName [] | OriginalValue [] originalValueStoreName []\n" + tail);
 }
 
-TEST_F(ConfigServiceReport, RecordsMadeBetweenTwoReportsTakeTheirPlaceInKeyOrder) {
+TEST_F(ConfigServiceReport, RecordsCreatedBetweenTwoReportsAreListedInKeyOrder) {
     service->OnConfigChanged(L"m", L"1", L"", false, true, L"s", L"", false);
     service->getConfig(L"y");
     report();
@@ -62,7 +62,7 @@ TEST_F(ConfigServiceReport, RecordsMadeBetweenTwoReportsTakeTheirPlaceInKeyOrder
                   "Key: y -  Value - [] valueStoreName [] | OriginalValue [] originalValueStoreName []\n" + tail);
 }
 
-TEST_F(ConfigServiceReport, ADefinedSensitiveKeyHidesBothValuesAlsoWhenEmpty) {
+TEST_F(ConfigServiceReport, HidesBothValuesOfADefinedSensitiveKeyEvenIfEmpty) {
     service->updateSensitiveKeyList(L"SECRET");
     service->updateSensitiveKeyList(L"void");
     service->OnConfigChanged(L"secret", L"planted", L"planted too", true, true, L"vs", L"ovs", false);
@@ -84,7 +84,7 @@ TEST_F(ConfigServiceReport, AnUndefinedSensitiveKeyShowsItsValueInTheValuePositi
                             tail);
 }
 
-TEST_F(ConfigServiceReport, ShowsTheValueAsFipsModeGivesIt) {
+TEST_F(ConfigServiceReport, ContainsTheValueThatFipsModeForces) {
     announce(L"Telephony_P2P_Enabled", L"true");
     zel::common::FipsUtils::overrideFipsMode(true);
     EXPECT_EQ(report(), head +
@@ -93,17 +93,17 @@ TEST_F(ConfigServiceReport, ShowsTheValueAsFipsModeGivesIt) {
                             middle + tail);
 }
 
-TEST_F(ConfigServiceReport, PersonalDataOfKeysThatAreNotSensitiveStaysReadable) {
+TEST_F(ConfigServiceReport, DoesNotMaskPersonalData) {
     announce(L"Mail", L"jane.doe@example.com");
     EXPECT_THAT(report(), testing::HasSubstr("[jane.doe@example.com]"));
 }
 
-TEST_F(ConfigServiceReport, BracesAndPercentSignsAreNoFormat) {
+TEST_F(ConfigServiceReport, DoesNotInterpretValuesAsAFormat) {
     announce(L"k", L"{} %s {0}");
     EXPECT_THAT(report(), testing::HasSubstr("[{} %s {0}]"));
 }
 
-TEST_F(ConfigServiceReport, MakesNoRecord) {
+TEST_F(ConfigServiceReport, CreatesNoRecord) {
     report();
     EXPECT_TRUE(service->getAllConfig()->empty());
 }

@@ -22,7 +22,7 @@ struct ConfigValueImplTest : configservice_test::ServiceFixture {
     std::shared_ptr<RecordingValueObserver> observer = std::make_shared<RecordingValueObserver>();
 };
 
-TEST_F(ConfigValueImplTest, ARecordMadeWithValuesIsDefinedAndHasNothingToFire) {
+TEST_F(ConfigValueImplTest, ARecordConstructedWithValuesIsDefinedAndHasNoPendingChange) {
     ConfigValueImpl made(factory, L"k", L"v", L"ov", true, L"vs", L"ovs");
     made.addObserver(observer);
     EXPECT_EQ(made.getKey(), L"k");
@@ -33,13 +33,13 @@ TEST_F(ConfigValueImplTest, ARecordMadeWithValuesIsDefinedAndHasNothingToFire) {
     EXPECT_EQ(made.getValueStoreName(), L"vs");
     EXPECT_EQ(made.getOriginalValueStoreName(), L"ovs");
     made.fireChanged();
-    EXPECT_THAT(observer->heard, IsEmpty());
+    EXPECT_THAT(observer->received, IsEmpty());
 }
 
 TEST_F(ConfigValueImplTest, FiresOneChangePerPropertyInFixedOrder) {
     record->applyValuesAndFire(L"v", L"ov", true, true, L"vs", L"ovs");
-    EXPECT_THAT(observer->heard, ElementsAre("Value", "OriginalValue", "isOverridden", "isDefined", "ValueStoreName",
-                                             "OriginalValueStoreName"));
+    EXPECT_THAT(observer->received, ElementsAre("Value", "OriginalValue", "isOverridden", "isDefined", "ValueStoreName",
+                                                "OriginalValueStoreName"));
     EXPECT_EQ(record->getValue(), L"v");
     EXPECT_EQ(record->getOriginalValue(), L"ov");
     EXPECT_TRUE(record->getisOverridden());
@@ -50,49 +50,49 @@ TEST_F(ConfigValueImplTest, FiresOneChangePerPropertyInFixedOrder) {
 
 TEST_F(ConfigValueImplTest, EqualValuesFireNothing) {
     record->applyValuesAndFire(L"v", L"ov", true, true, L"vs", L"ovs");
-    observer->heard.clear();
+    observer->received.clear();
     record->applyValuesAndFire(L"v", L"ov", true, true, L"vs", L"ovs");
-    EXPECT_THAT(observer->heard, IsEmpty());
+    EXPECT_THAT(observer->received, IsEmpty());
 }
 
-TEST_F(ConfigValueImplTest, ValuesThatDifferInCaseOnlyKeepTheirOldForm) {
+TEST_F(ConfigValueImplTest, ValuesThatDifferOnlyInCaseKeepTheirOldSpelling) {
     record->applyValues(L"Value", L"Original", false, true, L"vs", L"ovs");
     record->fireChanged();
-    observer->heard.clear();
+    observer->received.clear();
     record->applyValuesAndFire(L"VALUE", L"ORIGINAL", false, true, L"vs", L"ovs");
-    EXPECT_THAT(observer->heard, IsEmpty());
+    EXPECT_THAT(observer->received, IsEmpty());
     EXPECT_EQ(record->getValue(), L"Value");
     EXPECT_EQ(record->getOriginalValue(), L"Original");
 }
 
-TEST_F(ConfigValueImplTest, StoreNamesThatDifferInCaseCount) {
+TEST_F(ConfigValueImplTest, StoreNamesThatDifferInCaseAreAChange) {
     record->applyValuesAndFire(L"v", L"", false, true, L"vs", L"ovs");
-    observer->heard.clear();
+    observer->received.clear();
     record->applyValuesAndFire(L"V", L"", false, true, L"VS", L"ovs");
-    EXPECT_THAT(observer->heard, ElementsAre("ValueStoreName"));
+    EXPECT_THAT(observer->received, ElementsAre("ValueStoreName"));
     EXPECT_EQ(record->getValueStoreName(), L"VS");
-    observer->heard.clear();
+    observer->received.clear();
     record->applyValuesAndFire(L"v", L"", false, true, L"VS", L"OVS");
-    EXPECT_THAT(observer->heard, ElementsAre("OriginalValueStoreName"));
+    EXPECT_THAT(observer->received, ElementsAre("OriginalValueStoreName"));
     EXPECT_EQ(record->getOriginalValueStoreName(), L"OVS");
 }
 
 TEST_F(ConfigValueImplTest, DeferredChangesAccumulateAndFireOnce) {
     record->applyValues(L"one", L"", false, true, L"s", L"");
     record->applyValues(L"two", L"", true, true, L"s", L"");
-    EXPECT_THAT(observer->heard, IsEmpty());
+    EXPECT_THAT(observer->received, IsEmpty());
     EXPECT_EQ(record->getValue(), L"two");
     record->fireChanged();
-    EXPECT_THAT(observer->heard, ElementsAre("Value", "isOverridden", "isDefined", "ValueStoreName"));
+    EXPECT_THAT(observer->received, ElementsAre("Value", "isOverridden", "isDefined", "ValueStoreName"));
     record->fireChanged();
-    EXPECT_EQ(observer->heard.size(), 4U);
+    EXPECT_EQ(observer->received.size(), 4U);
 }
 
-TEST_F(ConfigValueImplTest, APropertyChangedAndChangedBackFiresAllTheSame) {
+TEST_F(ConfigValueImplTest, APropertyThatIsChangedAndChangedBackFires) {
     record->applyValues(L"v", L"", false, false, L"", L"");
     record->applyValues(L"", L"", false, false, L"", L"");
     record->fireChanged();
-    EXPECT_THAT(observer->heard, ElementsAre("Value"));
+    EXPECT_THAT(observer->received, ElementsAre("Value"));
 }
 
 TEST_F(ConfigValueImplTest, AfterAnObserverThrewItsPropertyAndTheLaterOnesFireAgain) {
@@ -103,13 +103,13 @@ TEST_F(ConfigValueImplTest, AfterAnObserverThrewItsPropertyAndTheLaterOnesFireAg
         }
     };
     EXPECT_THROW(record->applyValuesAndFire(L"v", L"ov", true, false, L"", L""), std::runtime_error);
-    EXPECT_THAT(observer->heard, ElementsAre("Value", "OriginalValue"));
+    EXPECT_THAT(observer->received, ElementsAre("Value", "OriginalValue"));
     refuse = false;
     record->fireChanged();
-    EXPECT_THAT(observer->heard, ElementsAre("Value", "OriginalValue", "OriginalValue", "isOverridden"));
+    EXPECT_THAT(observer->received, ElementsAre("Value", "OriginalValue", "OriginalValue", "isOverridden"));
 }
 
-TEST_F(ConfigValueImplTest, ANestedPassFiresWhatIsLeftAndTheOuterOneFindsItDone) {
+TEST_F(ConfigValueImplTest, ANestedFiringFiresTheRemainingPropertiesOnce) {
     bool nested = false;
     observer->reaction = [&](const std::string&) {
         if (!std::exchange(nested, true)) {
@@ -117,7 +117,7 @@ TEST_F(ConfigValueImplTest, ANestedPassFiresWhatIsLeftAndTheOuterOneFindsItDone)
         }
     };
     record->applyValuesAndFire(L"v", L"ov", false, false, L"", L"");
-    EXPECT_THAT(observer->heard, ElementsAre("Value", "Value", "OriginalValue"));
+    EXPECT_THAT(observer->received, ElementsAre("Value", "Value", "OriginalValue"));
 }
 
 TEST_F(ConfigValueImplTest, ComparesValuesIgnoringCase) {
@@ -143,16 +143,16 @@ TEST_F(ConfigValueImplTest, DiffersFromTheOriginalByValueOrStoreExactly) {
     EXPECT_TRUE(record->differsFromOriginal());
 }
 
-TEST_F(ConfigValueImplTest, AWriteGoesToTheFeatureSetAndLeavesTheRecord) {
+TEST_F(ConfigValueImplTest, AWriteCallsTheFeatureSetAndDoesNotChangeTheRecord) {
     const auto featureSet = fileFeatureSet();
     EXPECT_CALL(*featureSet, setConfig(std::wstring(L"Phone_Mode"), std::wstring(L"softphone")))
         .WillOnce(Return(false));
     record->storeValueAndNotify(L"softphone");
     EXPECT_EQ(record->getValue(), L"");
-    EXPECT_THAT(observer->heard, IsEmpty());
+    EXPECT_THAT(observer->received, IsEmpty());
 }
 
-TEST_F(ConfigValueImplTest, AResetGoesToTheFeatureSetAndLeavesTheRecord) {
+TEST_F(ConfigValueImplTest, AResetCallsTheFeatureSetAndDoesNotChangeTheRecord) {
     record->setValue(L"v");
     const auto featureSet = fileFeatureSet();
     EXPECT_CALL(*featureSet, resetConfig(std::wstring(L"Phone_Mode")));
@@ -160,17 +160,17 @@ TEST_F(ConfigValueImplTest, AResetGoesToTheFeatureSetAndLeavesTheRecord) {
     EXPECT_EQ(record->getValue(), L"v");
 }
 
-TEST_F(ConfigValueImplTest, WithoutAFeatureSetWritesAndResetsAreIgnoredInSilence) {
+TEST_F(ConfigValueImplTest, WithoutAFeatureSetWritesAndResetsAreIgnoredWithoutALine) {
     record->setValue(L"v");
     const testing_host::LogRecorder log;
     EXPECT_NO_THROW(record->storeValueAndNotify(L"w"));
     EXPECT_NO_THROW(record->resetToDefault());
     EXPECT_THAT(log.getRecords(), IsEmpty());
     EXPECT_EQ(record->getValue(), L"v");
-    EXPECT_THAT(observer->heard, IsEmpty());
+    EXPECT_THAT(observer->received, IsEmpty());
 }
 
-TEST_F(ConfigValueImplTest, EachRecordHoldsTheFactory) {
+TEST_F(ConfigValueImplTest, EachRecordHoldsAReferenceToTheFactory) {
     const auto before = factory.use_count();
     const ConfigValueImpl another(factory, L"k");
     EXPECT_EQ(factory.use_count(), before + 1);
@@ -198,14 +198,14 @@ TEST_F(ConfigValueImplTest, InFipsModeAnyValueButFalseIsAChangeEachTime) {
     forced->addObserver(observer);
     zel::common::FipsUtils::overrideFipsMode(true);
     forced->applyValuesAndFire(L"false", L"", false, false, L"", L"");
-    EXPECT_THAT(observer->heard, IsEmpty());
-    EXPECT_EQ(forced->ConfigValueBaseImpl::getValue(), L"") << "what reads the same is not stored";
+    EXPECT_THAT(observer->received, IsEmpty());
+    EXPECT_EQ(forced->ConfigValueBaseImpl::getValue(), L"") << "an equal value is not stored";
     forced->applyValuesAndFire(L"true", L"", false, false, L"", L"");
     forced->applyValuesAndFire(L"true", L"", false, false, L"", L"");
-    EXPECT_THAT(observer->heard, ElementsAre("Value", "Value"));
+    EXPECT_THAT(observer->received, ElementsAre("Value", "Value"));
 }
 
-TEST_F(ConfigValueImplTest, AnotherThreadIsRefusedAndChangesNothing) {
+TEST_F(ConfigValueImplTest, CallsOnAnotherThreadThrowAndChangeNothing) {
     const auto featureSet = fileFeatureSet();
     factory->servicesDispatcher->disown();
     EXPECT_THROW(record->getValue(), UpdateAccessError);
@@ -219,7 +219,7 @@ TEST_F(ConfigValueImplTest, AnotherThreadIsRefusedAndChangesNothing) {
     EXPECT_EQ(record->getValue(), L"");
     EXPECT_FALSE(record->getisDefined());
     record->fireChanged();
-    EXPECT_THAT(observer->heard, IsEmpty());
+    EXPECT_THAT(observer->received, IsEmpty());
 }
 
 } // namespace

@@ -51,7 +51,7 @@ struct RecordObserversTest : configservice_test::ServiceFixture {
     }
 };
 
-TEST_F(RecordObserversTest, AQueryCreatesNoRecord) {
+TEST_F(RecordObserversTest, FindRecordCreatesNoRecord) {
     EXPECT_FALSE(service->findRecord(L"Unknown"));
     EXPECT_FALSE(service->findRecord(L"CalendarIntegrationType"));
     EXPECT_THAT(*service->getAllConfig(), IsEmpty());
@@ -75,7 +75,7 @@ TEST_F(RecordObserversTest, RecordsAreListedInSlices) {
     EXPECT_THAT(keysBehind(L"", 2), ElementsAre(L"A", L"b"));
     EXPECT_THAT(keysBehind(L"B", 2), ElementsAre(L"c"));
     EXPECT_THAT(keysBehind(L"c", 2), IsEmpty());
-    EXPECT_THAT(keysBehind(L"aa", 1), ElementsAre(L"b")) << "the key behind which a slice begins may be gone";
+    EXPECT_THAT(keysBehind(L"aa", 1), ElementsAre(L"b")) << "the key after which a slice begins may have been removed";
 }
 
 TEST_F(RecordObserversTest, TheFirstChangeOfAKeyIsReportedWithAnEmptyStateBefore) {
@@ -107,17 +107,17 @@ TEST_F(RecordObserversTest, ObserversOfTheRecordAreStillCalledOnce) {
     const auto recorder = record();
     const auto observer = observe(L"k");
     service->OnConfigChanged(L"k", L"v", L"", false, true, L"vs", L"", false);
-    EXPECT_THAT(observer->heard, ElementsAre("Value", "isDefined", "ValueStoreName"));
+    EXPECT_THAT(observer->received, ElementsAre("Value", "isDefined", "ValueStoreName"));
 }
 
-TEST_F(RecordObserversTest, AnObserverThatThrowsKeepsTheChangeFromNobody) {
+TEST_F(RecordObserversTest, AnObserverThatThrowsDoesNotAffectOtherObservers) {
     const auto throwing = std::make_shared<ThrowingObserver>();
     service->addRecordObserver(throwing);
     const auto recorder = record();
     const auto observer = observe(L"k");
     announce(L"k", L"v");
     EXPECT_EQ(recorder->changes.size(), 1U);
-    EXPECT_EQ(observer->heard.size(), 3U);
+    EXPECT_EQ(observer->received.size(), 3U);
 }
 
 TEST_F(RecordObserversTest, ARemovedObserverIsNotCalled) {

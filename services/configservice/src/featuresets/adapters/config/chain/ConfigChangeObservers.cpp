@@ -1,10 +1,17 @@
 #include "ConfigChangeObservers.h"
 
+#include "secure/SecureString.h"
+
 #include <kyr/LockGuard.h>
 
 #include <utility>
 
 namespace ZelUnified {
+
+ConfigChange::~ConfigChange() {
+    zel::SecureString::wipe(value);
+    zel::SecureString::wipe(originalValue);
+}
 
 void ConfigChangeObservers::add(ConfigStoreManager_Observer* observer) {
     if (observer == nullptr) {

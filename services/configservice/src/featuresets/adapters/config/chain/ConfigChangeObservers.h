@@ -1,6 +1,5 @@
 #pragma once
 
-#include "ConfigChange.h"
 #include "secure/RankedMutex.h"
 
 #include <ConfigStoreManager_Observer.h>
@@ -10,6 +9,19 @@
 #include <string>
 
 namespace ZelUnified {
+
+/// The new state of a key, as observers receive it.
+struct ConfigChange {
+    /// Zeroes the values, which may be secrets.
+    ~ConfigChange();
+
+    std::wstring value;
+    std::wstring originalValue;
+    bool isOverridden = false;
+    bool isDefined = false;
+    std::wstring valueStoreName;
+    std::wstring originalValueStoreName;
+};
 
 /// The manager's observers, held as plain pointers; they must outlive this object. They are called on the caller's
 /// thread with the lock held. The lock is recursive because an observer may call back into this object.

@@ -186,8 +186,8 @@ XmlWriter::XmlWriter(Declaration declaration) : attributesAreAscii(declaration =
     }
     xmlTextWriterSetIndent(writer.get(), 1);
     if (declaration == Declaration::With) {
-        note(xmlTextWriterStartDocument(writer.get(), nullptr, "utf-8", nullptr));
-        note(xmlTextWriterFlush(writer.get()));
+        recordResult(xmlTextWriterStartDocument(writer.get(), nullptr, "utf-8", nullptr));
+        recordResult(xmlTextWriterFlush(writer.get()));
         // Everything that follows is already UTF-8; a conversion would make another copy of it.
         xmlCharEncCloseFunc(std::exchange(output->encoder, nullptr));
     }
@@ -199,11 +199,11 @@ XmlWriter::~XmlWriter() {
 }
 
 void XmlWriter::startElement(const std::string& name) {
-    note(xmlTextWriterStartElement(writer.get(), toXml(name.c_str())));
+    recordResult(xmlTextWriterStartElement(writer.get(), toXml(name.c_str())));
 }
 
 void XmlWriter::endElement() {
-    note(xmlTextWriterEndElement(writer.get()));
+    recordResult(xmlTextWriterEndElement(writer.get()));
 }
 
 bool XmlWriter::writeElement(const std::string& name, std::wstring_view text) {
@@ -211,7 +211,7 @@ bool XmlWriter::writeElement(const std::string& name, std::wstring_view text) {
         return true;
     }
     startElement(name);
-    note(xmlTextWriterWriteRawLen(writer.get(), toXml(""), 0)); // ends the start tag
+    recordResult(xmlTextWriterWriteRawLen(writer.get(), toXml(""), 0)); // ends the start tag
     const bool isWhole = !flush() || appendText<escapeInElement>(document, text);
     endElement();
     return isWhole;
@@ -230,13 +230,13 @@ bool XmlWriter::writeAttribute(const std::string& name, std::wstring_view text) 
 }
 
 std::string XmlWriter::finish() {
-    note(xmlTextWriterEndDocument(writer.get()));
-    note(xmlTextWriterFlush(writer.get()));
+    recordResult(xmlTextWriterEndDocument(writer.get()));
+    recordResult(xmlTextWriterFlush(writer.get()));
     return failed ? std::string() : std::move(document);
 }
 
 bool XmlWriter::flush() {
-    note(xmlTextWriterFlush(writer.get()));
+    recordResult(xmlTextWriterFlush(writer.get()));
     return !failed;
 }
 

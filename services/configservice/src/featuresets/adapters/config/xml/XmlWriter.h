@@ -47,7 +47,7 @@ private:
     };
 
     /// Records a failure reported by the library.
-    void note(int written) { failed = failed || written < 0; }
+    void recordResult(int written) { failed = failed || written < 0; }
     /// Flushes the library's pending output. Returns false if writing has failed; then nothing more may be written.
     bool flush();
 

@@ -53,16 +53,16 @@ private:
     }
 };
 
-TEST_F(AllConfigsReport, OfAFullChainIsTheGoldenFile) {
+TEST_F(AllConfigsReport, OfAFullChainEqualsTheGoldenFile) {
     EXPECT_EQ(report(), testing_host::readFile(std::filesystem::path(GOLDEN_FOLDER) / "all-configs.xml"));
 }
 
-TEST_F(AllConfigsReport, HoldsNoneOfThePlantedSecrets) {
+TEST_F(AllConfigsReport, ContainsNoneOfThePlantedSecrets) {
     EXPECT_THAT(report(), AllOf(HasSubstr("OnlySecrets"), Not(HasSubstr("planted-secret"))));
     EXPECT_FALSE(log.mentions("planted-secret"));
 }
 
-TEST_F(AllConfigsReport, IsOneWellFormedDocument) {
+TEST_F(AllConfigsReport, IsAWellFormedDocument) {
     const auto text = report();
     const std::unique_ptr<xmlDoc, decltype(&xmlFreeDoc)> document(
         xmlReadMemory(text.data(), static_cast<int>(text.size()), nullptr, nullptr, XML_PARSE_NONET), &xmlFreeDoc);
@@ -70,7 +70,7 @@ TEST_F(AllConfigsReport, IsOneWellFormedDocument) {
     EXPECT_STREQ(reinterpret_cast<const char*>(xmlDocGetRootElement(document.get())->name), "AllConfigs");
 }
 
-TEST_F(AllConfigsReport, CacheOfTheNextRunSaysTheSameAsTheStoreThatItStandsFor) {
+TEST_F(AllConfigsReport, ShowsTheCopyOfAStoreLikeTheStoreInTheNextRun) {
     unload();
     loadAndStart();
     // A mark lasts for one run; the owner of the key sets it again.

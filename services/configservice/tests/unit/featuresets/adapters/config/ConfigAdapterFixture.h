@@ -120,7 +120,7 @@ protected:
                 return record.level;
             }
         }
-        ADD_FAILURE() << "no line: " << text;
+        ADD_FAILURE() << "not logged: " << text;
         return ZelLogLevel::Debug;
     }
     long countLogged(const std::string& text) const {

@@ -17,7 +17,7 @@ protected:
     }
 };
 
-TEST_F(ConfigAdapterInitialStores, StandInTheirPlaces) {
+TEST_F(ConfigAdapterInitialStores, HaveTheirPriorities) {
     load();
     EXPECT_EQ(priorityOf("LocalFileConfigStore"), 20);
     EXPECT_EQ(priorityOf("RegistryConfigStore"), 33);
@@ -59,7 +59,7 @@ TEST_F(ConfigAdapterInitialStores, InTheSdkModeTheUsersStoreIsVolatileUnderItsNa
     EXPECT_TRUE(inChain("UrlProvisioningConfigStore"));
 }
 
-TEST_F(ConfigAdapterInitialStores, TheSdkModeIsReadAnewEachTime) {
+TEST_F(ConfigAdapterInitialStores, TheSdkModeIsReadAgainAtEachRefresh) {
     loadAndStart();
     adapter->addConfigStore(makeReadOnlyStore("Switch", 10, {{L"Lumora_SDK_Mode", L"1"}}));
     adapter->refreshConfigFeatureSet();
@@ -74,7 +74,7 @@ TEST_F(ConfigAdapterInitialStores, StartLeavesAnExistingStoreOfTheNameUntouched)
     EXPECT_EQ(adapter->getConfigStoreByName("LocalFileConfigStore"), before);
 }
 
-TEST_F(ConfigAdapterInitialStores, OnlyConstructionAndRefreshGiveTheUsersFileItsBackup) {
+TEST_F(ConfigAdapterInitialStores, OnlyConstructionAndRefreshCreateAUsersStoreWithABackup) {
     loadAndStart();
     const testing_host::LogRecorder debugLog(testing_host::LogRecorder::Debug::On);
     adapter->setConfig(L"k", L"1");
@@ -95,7 +95,7 @@ TEST_F(ConfigAdapterInitialStores, PolicyIsReadBelowTheSoftwareKey) {
     EXPECT_EQ(service->getConfig(L"PolicyKey")->getValueStoreName(), L"RegistryConfigStore");
 }
 
-TEST_F(ConfigAdapterInitialStores, EachStoreWinsOverAllThatStandBehindIt) {
+TEST_F(ConfigAdapterInitialStores, EachStoreOverridesTheStoresBehindIt) {
     givenDefaults({{L"k", L"defaults"}});
     givenPolicy(L"k", L"policy");
     loadAndStart();
@@ -128,7 +128,7 @@ TEST_F(ConfigAdapterInitialStores, EachReadOfTheirConstructionIsGuarded) {
     EXPECT_EQ(countLogged("Config FeatureSet Not Started"), 0);
 }
 
-TEST_F(ConfigAdapterInitialStores, AreToldOfInDebugLines) {
+TEST_F(ConfigAdapterInitialStores, AreLoggedInDebugLines) {
     load();
     EXPECT_EQ(countLogged("adding initial config stores"), 0);
     EXPECT_EQ(countLogged("adding cached config stores"), 0);

@@ -10,7 +10,7 @@ using testing::IsEmpty;
 
 class ConfigAdapterLifecycle : public ConfigAdapterFixture {};
 
-TEST_F(ConfigAdapterLifecycle, ConstructionBuildsTheChainAndStartsNothing) {
+TEST_F(ConfigAdapterLifecycle, ConstructionBuildsTheChainWithoutStartingTheFeatureSet) {
     givenDefaults({{L"k", L"default"}});
     load();
     EXPECT_FALSE(adapter->IsFeatureSetStarted(1300));
@@ -32,13 +32,13 @@ TEST_F(ConfigAdapterLifecycle, StartWithAnotherIdDoesNothing) {
     EXPECT_THAT(logged(), IsEmpty());
 }
 
-TEST_F(ConfigAdapterLifecycle, StartedIsSaidOfTheOwnIdOnly) {
+TEST_F(ConfigAdapterLifecycle, IsStartedReturnsTrueForItsIdOnly) {
     loadAndStart();
     EXPECT_TRUE(adapter->IsFeatureSetStarted(1300));
     EXPECT_FALSE(adapter->IsFeatureSetStarted(1301));
 }
 
-TEST_F(ConfigAdapterLifecycle, SecondStartRegistersNothingAgain) {
+TEST_F(ConfigAdapterLifecycle, ASecondStartRegistersNothing) {
     const auto systemService = fileSystemService(*factory);
     load();
     start();
@@ -49,7 +49,7 @@ TEST_F(ConfigAdapterLifecycle, SecondStartRegistersNothingAgain) {
     EXPECT_EQ(levelOf("starting config feature set"), ZelLogLevel::Info);
 }
 
-TEST_F(ConfigAdapterLifecycle, ResetCallbackIsRegisteredAtOnceOnTheServicesDispatcher) {
+TEST_F(ConfigAdapterLifecycle, TheResetCallbackIsRegisteredImmediatelyOnTheServicesThread) {
     const auto systemService = fileSystemService(*factory);
     load();
     start();
@@ -58,7 +58,7 @@ TEST_F(ConfigAdapterLifecycle, ResetCallbackIsRegisteredAtOnceOnTheServicesDispa
     EXPECT_EQ(systemService->callbacks->orders.front(), 0);
 }
 
-TEST_F(ConfigAdapterLifecycle, ResetCallbackIsPostedFromAnotherThread) {
+TEST_F(ConfigAdapterLifecycle, TheRegistrationOfTheResetCallbackIsPostedFromAnotherThread) {
     const auto systemService = fileSystemService(*factory);
     load();
     factory->servicesDispatcher->disown();
@@ -90,7 +90,7 @@ TEST_F(ConfigAdapterLifecycle, StopWithAnotherIdDoesNothing) {
     EXPECT_THAT(logged(), IsEmpty());
 }
 
-TEST_F(ConfigAdapterLifecycle, StopDropsWhatIsNotLocal) {
+TEST_F(ConfigAdapterLifecycle, StopRemovesStoresThatAreNotLocal) {
     loadAndStart();
     const auto foreign = makeReadOnlyStore("Foreign", 100, {{L"k", L"v"}});
     foreign->local = false;
@@ -107,7 +107,7 @@ TEST_F(ConfigAdapterLifecycle, StopDropsWhatIsNotLocal) {
     EXPECT_FALSE(service->getConfig(L"k")->getisDefined());
 }
 
-TEST_F(ConfigAdapterLifecycle, StopWaitsForTheServicesDispatcherToDropThem) {
+TEST_F(ConfigAdapterLifecycle, StopWaitsUntilTheServicesDispatcherHasRemovedThem) {
     const auto stepwise = std::make_shared<StepwiseFactory>();
     factory = stepwise;
     loadAndStart();
@@ -119,7 +119,7 @@ TEST_F(ConfigAdapterLifecycle, StopWaitsForTheServicesDispatcherToDropThem) {
     stepwise->dispatcher->posted.clear();
 }
 
-TEST_F(ConfigAdapterLifecycle, StartAfterStopBringsBackTheUsersStoreButNotTheRegistry) {
+TEST_F(ConfigAdapterLifecycle, StartAfterStopCreatesTheUsersStoreAndNotTheRegistrys) {
     const auto systemService = fileSystemService(*factory);
     load();
     start();
@@ -135,7 +135,7 @@ TEST_F(ConfigAdapterLifecycle, StartAfterStopBringsBackTheUsersStoreButNotTheReg
     EXPECT_EQ(monitor->observers.size(), 1U);
 }
 
-TEST_F(ConfigAdapterLifecycle, RefreshBringsBackWhatAStopDropped) {
+TEST_F(ConfigAdapterLifecycle, RefreshCreatesTheStoresThatAStopRemoved) {
     givenPolicy(L"PolicyKey", L"policy");
     loadAndStart();
     adapter->StopFeatureSet(1300, nullptr);
@@ -145,7 +145,7 @@ TEST_F(ConfigAdapterLifecycle, RefreshBringsBackWhatAStopDropped) {
     EXPECT_FALSE(adapter->IsFeatureSetStarted(1300));
 }
 
-TEST_F(ConfigAdapterLifecycle, RefreshReadsTheRegistryAnewAndEmptiesTheVolatileStore) {
+TEST_F(ConfigAdapterLifecycle, RefreshReadsTheRegistryAgainAndEmptiesTheVolatileStore) {
     loadAndStart();
     adapter->setInMemoryConfig(L"volatile", L"v");
     givenPolicy(L"PolicyKey", L"policy");
@@ -155,7 +155,7 @@ TEST_F(ConfigAdapterLifecycle, RefreshReadsTheRegistryAnewAndEmptiesTheVolatileS
     EXPECT_TRUE(adapter->IsFeatureSetStarted(1300));
 }
 
-TEST_F(ConfigAdapterLifecycle, RefreshKeepsTheDefaultsAsTheyWereRead) {
+TEST_F(ConfigAdapterLifecycle, RefreshDoesNotReadTheDefaultsAgain) {
     givenDefaults({{L"k", L"old"}});
     loadAndStart();
     givenDefaults({{L"k", L"new"}});
@@ -163,7 +163,7 @@ TEST_F(ConfigAdapterLifecycle, RefreshKeepsTheDefaultsAsTheyWereRead) {
     EXPECT_EQ(valueOf(L"k"), L"old");
 }
 
-TEST_F(ConfigAdapterLifecycle, DestroyDestroysTheStoresAndKeepsThem) {
+TEST_F(ConfigAdapterLifecycle, DestroyDestroysTheStoresAndLeavesThemInTheChain) {
     loadAndStart();
     const auto store = makeReadOnlyStore("Foreign", 100, {{L"k", L"v"}});
     adapter->addConfigStore(store);
@@ -195,7 +195,7 @@ TEST_F(ConfigAdapterLifecycle, OtherPowerEventsChangeNothing) {
     EXPECT_THAT(logged(), IsEmpty());
 }
 
-TEST_F(ConfigAdapterLifecycle, PowerDownKeepsTheUsersFileWhateverWasQueued) {
+TEST_F(ConfigAdapterLifecycle, AWriteQueuedBeforeAPowerDownDoesNotChangeTheUsersFile) {
     loadAndStart();
     adapter->setConfig(L"k", L"v");
     factory->backgroundDispatcher->runAll();
@@ -207,7 +207,7 @@ TEST_F(ConfigAdapterLifecycle, PowerDownKeepsTheUsersFileWhateverWasQueued) {
     EXPECT_EQ(valueOf(L"k"), L"v");
 }
 
-TEST_F(ConfigAdapterLifecycle, StartOfAnAdapterNobodySharesThrowsAndStaysStarted) {
+TEST_F(ConfigAdapterLifecycle, StartWithoutASharedOwnerThrowsAndLeavesItStarted) {
     load();
     const auto lone = std::make_unique<ConfigAdapter>(factory);
     EXPECT_THROW(lone->StartFeatureSet(1300, nullptr), std::bad_weak_ptr);
@@ -219,12 +219,12 @@ TEST_F(ConfigAdapterLifecycle, StartOfAnAdapterNobodySharesThrowsAndStaysStarted
     factory->servicesDispatcher->clear();
 }
 
-TEST_F(ConfigAdapterLifecycle, StartMakesItsStoresBeforeItCountsAsStarted) {
+TEST_F(ConfigAdapterLifecycle, StartCreatesItsStoresBeforeItSetsTheStartedFlag) {
     loadAndStart();
     adapter->StopFeatureSet(1300, nullptr);
     log.clear();
     start();
-    EXPECT_EQ(countLogged("Config FeatureSet Not Started"), 1) << "the mode in which the user's store is made is read";
+    EXPECT_EQ(countLogged("Config FeatureSet Not Started"), 1) << "the mode of the user's store is read";
     EXPECT_TRUE(inChain("LocalFileConfigStore"));
 }
 

@@ -63,7 +63,7 @@ protected:
     void elsewhere() { factory->servicesDispatcher->disown(); }
 };
 
-TEST_F(ConfigAdapterNotifications, OnTheServicesDispatcherAChangeHasArrivedOnReturn) {
+TEST_F(ConfigAdapterNotifications, AChangeOnTheServicesThreadIsDeliveredBeforeTheCallReturns) {
     loadAndStart();
     adapter->onConfigAddedOrUpdated(L"k", L"v", L"o", true, true, L"S", L"T", false);
     const auto record = service->getConfig(L"k");
@@ -76,7 +76,7 @@ TEST_F(ConfigAdapterNotifications, OnTheServicesDispatcherAChangeHasArrivedOnRet
     EXPECT_THAT(tasks(), IsEmpty());
 }
 
-TEST_F(ConfigAdapterNotifications, ElsewhereEachIsPostedUnderItsName) {
+TEST_F(ConfigAdapterNotifications, AChangeOnAnotherThreadIsPostedUnderItsName) {
     loadAndStart();
     elsewhere();
     adapter->onConfigAddedOrUpdated(L"k", L"v", L"", false, true, L"S", L"", true);
@@ -90,7 +90,7 @@ TEST_F(ConfigAdapterNotifications, ElsewhereEachIsPostedUnderItsName) {
     EXPECT_TRUE(service->isKeySensitive(L"k"));
 }
 
-TEST_F(ConfigAdapterNotifications, EveryArgumentOfAChangeFromAnotherThreadReachesItsProperty) {
+TEST_F(ConfigAdapterNotifications, EveryArgumentOfAPostedChangeSetsItsProperty) {
     loadAndStart();
     const auto observer = observe(L"k");
     std::vector<Change> seen;
@@ -100,37 +100,37 @@ TEST_F(ConfigAdapterNotifications, EveryArgumentOfAChangeFromAnotherThreadReache
         announce(definedChange, false);
     }).join();
     EXPECT_EQ(readRecord(L"k").value, L"");
-    EXPECT_THAT(observer->heard, IsEmpty());
+    EXPECT_THAT(observer->received, IsEmpty());
     factory->servicesDispatcher->runAll();
     EXPECT_EQ(readRecord(L"k"), definedChange);
-    EXPECT_THAT(observer->heard, ElementsAre("Value", "OriginalValue", "isOverridden", "ValueStoreName",
-                                             "OriginalValueStoreName", "Value", "OriginalValue", "isOverridden",
-                                             "isDefined", "ValueStoreName", "OriginalValueStoreName"));
+    EXPECT_THAT(observer->received, ElementsAre("Value", "OriginalValue", "isOverridden", "ValueStoreName",
+                                                "OriginalValueStoreName", "Value", "OriginalValue", "isOverridden",
+                                                "isDefined", "ValueStoreName", "OriginalValueStoreName"));
     // The whole record is updated before the first property fires.
     ASSERT_EQ(seen.size(), 11U);
     EXPECT_THAT(std::vector(seen.begin(), seen.begin() + 5), testing::Each(overriddenChange));
     EXPECT_THAT(std::vector(seen.begin() + 5, seen.end()), testing::Each(definedChange));
 }
 
-TEST_F(ConfigAdapterNotifications, EveryArgumentOfADeferredChangeFromAnotherThreadReachesItsProperty) {
+TEST_F(ConfigAdapterNotifications, EveryArgumentOfAPostedDeferredChangeSetsItsProperty) {
     loadAndStart();
     const auto observer = observe(L"k");
     std::thread([&] { announce(overriddenChange, true); }).join();
     factory->servicesDispatcher->runAll();
     EXPECT_EQ(readRecord(L"k"), overriddenChange);
-    EXPECT_THAT(observer->heard, IsEmpty());
+    EXPECT_THAT(observer->received, IsEmpty());
     std::thread([&] { announce(definedChange, true); }).join();
     factory->servicesDispatcher->runAll();
     EXPECT_EQ(readRecord(L"k"), definedChange);
-    EXPECT_THAT(observer->heard, IsEmpty());
+    EXPECT_THAT(observer->received, IsEmpty());
     std::thread([&] { adapter->onFireIfRequired(L"k"); }).join();
-    EXPECT_THAT(observer->heard, IsEmpty());
+    EXPECT_THAT(observer->received, IsEmpty());
     factory->servicesDispatcher->runAll();
-    EXPECT_THAT(observer->heard, ElementsAre("Value", "OriginalValue", "isOverridden", "isDefined", "ValueStoreName",
-                                             "OriginalValueStoreName"));
+    EXPECT_THAT(observer->received, ElementsAre("Value", "OriginalValue", "isOverridden", "isDefined", "ValueStoreName",
+                                                "OriginalValueStoreName"));
 }
 
-TEST_F(ConfigAdapterNotifications, ChangesFromAnotherThreadArriveInTheOrderOfTheirPosting) {
+TEST_F(ConfigAdapterNotifications, PostedChangesAreDeliveredInOrder) {
     loadAndStart();
     std::vector<std::string> order;
     std::vector<std::shared_ptr<RecordingValueObserver>> observers;
@@ -153,7 +153,7 @@ TEST_F(ConfigAdapterNotifications, ChangesFromAnotherThreadArriveInTheOrderOfThe
     EXPECT_THAT(order, ElementsAre("c=1", "a=1", "c=2", "b=deferred"));
 }
 
-TEST_F(ConfigAdapterNotifications, AStoreThatArrivesOnAnotherThreadPostsAllChangesBeforeAllFirings) {
+TEST_F(ConfigAdapterNotifications, AddingAStoreOnAnotherThreadPostsAllChangesBeforeAllFirings) {
     loadAndStart();
     std::thread([&] {
         adapter->addConfigStore(makeReadOnlyStore("S", 100, {{L"alpha", L"1"}, {L"middle", L"2"}, {L"zed", L"3"}}));
@@ -183,7 +183,7 @@ TEST_F(ConfigAdapterNotifications, InFipsModeAQueuedDeferredChangeFiresTheOverwr
     EXPECT_EQ(recordOf(L"k"), L"false");
 }
 
-TEST_F(ConfigAdapterNotifications, TableOfOldNamesIsPostedOnceWhenThePluginLoadsElsewhere) {
+TEST_F(ConfigAdapterNotifications, TheTableOfOldNamesIsPostedOnceIfThePluginLoadsOnAnotherThread) {
     elsewhere();
     load();
     EXPECT_EQ(tasks().front(), "ConfigServiceImpl::setupConfigKeyAliases");
@@ -191,7 +191,7 @@ TEST_F(ConfigAdapterNotifications, TableOfOldNamesIsPostedOnceWhenThePluginLoads
     EXPECT_EQ(service->getConfig(L"TftpServer1")->getKey(), L"TFTPPrimaryServer");
 }
 
-TEST_F(ConfigAdapterNotifications, WriteFromElsewhereReachesTheRecordOnTheServicesDispatcher) {
+TEST_F(ConfigAdapterNotifications, AWriteOnAnotherThreadUpdatesTheRecordOnTheServicesDispatcher) {
     loadAndStart();
     elsewhere();
     adapter->setConfig(L"k", L"v");
@@ -200,7 +200,7 @@ TEST_F(ConfigAdapterNotifications, WriteFromElsewhereReachesTheRecordOnTheServic
     EXPECT_EQ(recordOf(L"k"), L"v");
 }
 
-TEST_F(ConfigAdapterNotifications, ServiceEventIsRaisedOnceFromEitherSide) {
+TEST_F(ConfigAdapterNotifications, AServiceEventIsRaisedOnceOnAnyThread) {
     const auto systemService = fileSystemService(*factory);
     loadAndStart();
     adapter->addServiceEvent(7, ConfigServiceIdsEnum::TFTPDownloadFailed, ServiceEventSeverityEnum::Warning);
@@ -220,7 +220,7 @@ TEST_F(ConfigAdapterNotifications, ServiceEventWithoutASystemServiceIsAWarning) 
     EXPECT_EQ(log.getTexts(ZelLogLevel::Warning).size(), 1U);
 }
 
-TEST_F(ConfigAdapterNotifications, RecordsOfABatchAreAllUpToDateBeforeAnyObserverHears) {
+TEST_F(ConfigAdapterNotifications, AllRecordsOfABatchAreUpdatedBeforeAnyObserverIsCalled) {
     struct Watcher final : ConfigValueObserver {
         void OnKeyChanged() override {}
         void OnValueChanged() override { seen.push_back(other->getValue()); }

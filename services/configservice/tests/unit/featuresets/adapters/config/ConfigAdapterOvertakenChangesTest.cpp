@@ -52,18 +52,18 @@ protected:
     const std::shared_ptr<StepwiseFactory> stepwise = std::make_shared<StepwiseFactory>();
 };
 
-TEST_F(ConfigAdapterOvertakenChanges, AQueuedWriteDoesNotComeBackOverALaterDirectOne) {
+TEST_F(ConfigAdapterOvertakenChanges, AQueuedWriteDoesNotOverwriteALaterDirectOne) {
     const auto observer = observe(L"k");
     onWorker();
     adapter->setConfig(L"k", L"v11");
     onDispatcher();
     service->setConfig(L"k", L"v12");
     EXPECT_EQ(recordOf(L"k"), L"v12");
-    observer->heard.clear();
+    observer->received.clear();
     runQueue();
     EXPECT_EQ(valueOf(L"k"), L"v12");
     EXPECT_EQ(recordOf(L"k"), L"v12");
-    EXPECT_THAT(observer->heard, IsEmpty());
+    EXPECT_THAT(observer->received, IsEmpty());
 }
 
 TEST_F(ConfigAdapterOvertakenChanges, TheKeyOfAnOvertakenWriteIsComparedIgnoringCase) {
@@ -75,7 +75,7 @@ TEST_F(ConfigAdapterOvertakenChanges, TheKeyOfAnOvertakenWriteIsComparedIgnoring
     EXPECT_EQ(recordOf(L"phone_mode"), L"v12");
 }
 
-TEST_F(ConfigAdapterOvertakenChanges, AnOldNameOvertakesTheWriteOfItsNewOne) {
+TEST_F(ConfigAdapterOvertakenChanges, ADirectWriteOfAnOldNameOvertakesTheQueuedOneOfTheNewName) {
     onWorker();
     adapter->setConfig(L"TftpServer1", L"v11");
     onDispatcher();
@@ -85,7 +85,7 @@ TEST_F(ConfigAdapterOvertakenChanges, AnOldNameOvertakesTheWriteOfItsNewOne) {
     EXPECT_EQ(recordOf(L"TFTPPrimaryServer"), L"v12");
 }
 
-TEST_F(ConfigAdapterOvertakenChanges, AQueuedWriteDoesNotComeBackAfterADirectRemoval) {
+TEST_F(ConfigAdapterOvertakenChanges, AQueuedWriteDoesNotUndoALaterDirectRemoval) {
     onWorker();
     adapter->setConfig(L"k", L"v");
     onDispatcher();
@@ -122,37 +122,37 @@ TEST_F(ConfigAdapterOvertakenChanges, QueuedWritesOfOtherKeysAreApplied) {
     EXPECT_EQ(recordOf(L"k"), L"v12");
 }
 
-TEST_F(ConfigAdapterOvertakenChanges, ADirectWriteOvertakesADeferredChangeOfAnArrivingStore) {
+TEST_F(ConfigAdapterOvertakenChanges, ADirectWriteOvertakesADeferredChangeOfAStoreBeingAdded) {
     const auto observer = observe(L"k");
     onWorker();
     adapter->addConfigStore(makeReadOnlyStore("S", 100, {{L"a", L"1"}, {L"k", L"store"}, {L"z", L"3"}}));
     onDispatcher();
     service->setConfig(L"k", L"user");
-    EXPECT_THAT(observer->heard, ElementsAre("Value", "OriginalValue", "isOverridden", "isDefined", "ValueStoreName",
-                                             "OriginalValueStoreName"));
-    observer->heard.clear();
+    EXPECT_THAT(observer->received, ElementsAre("Value", "OriginalValue", "isOverridden", "isDefined", "ValueStoreName",
+                                                "OriginalValueStoreName"));
+    observer->received.clear();
     runQueue();
-    EXPECT_THAT(observer->heard, IsEmpty());
+    EXPECT_THAT(observer->received, IsEmpty());
     for (const auto* key : {L"a", L"k", L"z"}) {
         expectRecordEqualsLookup(key);
     }
     EXPECT_TRUE(service->getConfig(L"k")->getisOverridden());
 }
 
-TEST_F(ConfigAdapterOvertakenChanges, AQueuedFiringShowsADeferredDirectChangeThatOvertookItsOwn) {
+TEST_F(ConfigAdapterOvertakenChanges, AQueuedFiringFiresADeferredDirectChangeThatOvertookItsChange) {
     const auto observer = observe(L"k");
     onWorker();
     adapter->onConfigAddedOrUpdated(L"k", L"old", L"", false, true, L"S", L"", true);
     adapter->onFireIfRequired(L"k");
     onDispatcher();
     adapter->onConfigAddedOrUpdated(L"k", L"new", L"", false, true, L"S", L"", true);
-    EXPECT_THAT(observer->heard, IsEmpty());
+    EXPECT_THAT(observer->received, IsEmpty());
     runQueue();
     EXPECT_EQ(recordOf(L"k"), L"new");
-    EXPECT_THAT(observer->heard, ElementsAre("Value", "isDefined", "ValueStoreName"));
+    EXPECT_THAT(observer->received, ElementsAre("Value", "isDefined", "ValueStoreName"));
 }
 
-TEST_F(ConfigAdapterOvertakenChanges, SettingsMadeWhileALargeStoreArrivesAreKept) {
+TEST_F(ConfigAdapterOvertakenChanges, SettingsMadeWhileALargeStoreIsAddedAreKept) {
     constexpr int keys = 500;
     ConfigMap values;
     for (int i = 0; i < keys; ++i) {
@@ -174,7 +174,7 @@ TEST_F(ConfigAdapterOvertakenChanges, SettingsMadeWhileALargeStoreArrivesAreKept
     }
 }
 
-TEST_F(ConfigAdapterOvertakenChanges, RecordsEqualTheirLookupsAndWereShownToObserversAfterAnyHistory) {
+TEST_F(ConfigAdapterOvertakenChanges, AfterAnySequenceRecordsEqualTheirLookupsAndObserversSawThem) {
     const std::wstring keys[] = {L"k", L"K", L"other", L"Phone_Mode"};
     const std::string stores[] = {"First", "Second"};
     std::map<std::wstring, std::wstring> shown;

@@ -38,7 +38,7 @@ protected:
     }
 };
 
-TEST_F(ConfigAdapterPolicy, NineKeysAreSensitiveFromTheStart) {
+TEST_F(ConfigAdapterPolicy, NineKeysAreSensitiveAtFirst) {
     load();
     for (const auto* key : {L"Initial_Info", L"Addtional_Info", L"connectionpassword", L"connectionusername",
                             L"BDIConnectionPassword", L"BDIConnectionUsername", L"BDIConnectionUserDn",
@@ -50,7 +50,7 @@ TEST_F(ConfigAdapterPolicy, NineKeysAreSensitiveFromTheStart) {
     EXPECT_FALSE(adapter->isKeySensitive(L"Additional_Info"));
 }
 
-TEST_F(ConfigAdapterPolicy, KeysAreSensitiveUnderBothNamesIfTheCatalogueSaysSo) {
+TEST_F(ConfigAdapterPolicy, KeysAreSensitiveUnderBothNamesAsTheCatalogueDefines) {
     load();
     for (const auto& row : ConfigKeys::keys) {
         const std::wstring name(row.name);
@@ -80,7 +80,7 @@ TEST_F(ConfigAdapterPolicy, SensitiveKeysAreMarkedInTheirOrder) {
     }
 }
 
-TEST_F(ConfigAdapterPolicy, SensitiveKeyReachesTheService) {
+TEST_F(ConfigAdapterPolicy, AKeyMarkedAsSensitiveIsSensitiveInTheService) {
     loadAndStart();
     service->setKeySensitive(L"Secret");
     EXPECT_TRUE(adapter->isKeySensitive(L"secret"));
@@ -94,7 +94,7 @@ TEST_F(ConfigAdapterPolicy, AbsentSwitchesRemoveNothing) {
     EXPECT_EQ(valueOf(L"CtiServer1"), L"mine");
 }
 
-TEST_F(ConfigAdapterPolicy, ArrivingSwitchesTakeTheUsersServersAway) {
+TEST_F(ConfigAdapterPolicy, AddingAStoreWithTheSwitchesRemovesTheUsersServers) {
     loadAndStart();
     givenUsersServers();
     adapter->addConfigStore(makeReadOnlyStore("Admin", 100,
@@ -107,7 +107,7 @@ TEST_F(ConfigAdapterPolicy, ArrivingSwitchesTakeTheUsersServersAway) {
     EXPECT_EQ(valueOf(L"CtiServer1"), L"admin");
 }
 
-TEST_F(ConfigAdapterPolicy, ServersGoInTheirOrderTheVoicemailServerFirst) {
+TEST_F(ConfigAdapterPolicy, ServersAreRemovedInOrderStartingWithTheVoicemailServer) {
     loadAndStart();
     givenUsersServers();
     std::vector<std::wstring> changed;
@@ -123,7 +123,7 @@ TEST_F(ConfigAdapterPolicy, ServersGoInTheirOrderTheVoicemailServerFirst) {
                                      L"DeviceAuthenticationPrimaryServer"));
 }
 
-TEST_F(ConfigAdapterPolicy, OneSwitchTakesItsOwnServersOnly) {
+TEST_F(ConfigAdapterPolicy, ASwitchRemovesOnlyItsServers) {
     loadAndStart();
     givenUsersServers();
     adapter->addConfigStore(makeReadOnlyStore("Admin", 100, {{L"Customize_Voicemail_Server", L"false"}}));
@@ -131,7 +131,7 @@ TEST_F(ConfigAdapterPolicy, OneSwitchTakesItsOwnServersOnly) {
     EXPECT_EQ(valueOf(L"CtiServer1"), L"mine");
 }
 
-TEST_F(ConfigAdapterPolicy, SwitchesWorkAtConstructionAndAtARefresh) {
+TEST_F(ConfigAdapterPolicy, SwitchesAreAppliedAtConstructionAndRefresh) {
     loadAndStart();
     givenUsersServers();
     unload();
@@ -145,7 +145,7 @@ TEST_F(ConfigAdapterPolicy, SwitchesWorkAtConstructionAndAtARefresh) {
     EXPECT_EQ(valueOf(L"CtiServer1"), L"(none)");
 }
 
-TEST_F(ConfigAdapterPolicy, FlagsOfAnArrivalSeeTheServersGone) {
+TEST_F(ConfigAdapterPolicy, AddingAStoreDerivesTheFlagsAfterRemovingTheServers) {
     givenDefaults({{L"Telephony_Enabled", L"true"}});
     loadAndStart();
     adapter->setConfig(L"CtiServer1", L"mine");
@@ -153,7 +153,7 @@ TEST_F(ConfigAdapterPolicy, FlagsOfAnArrivalSeeTheServersGone) {
     EXPECT_EQ(adapter->getValueFromConfigStore("InMemoryConfigStore", L"Telephony_Enabled"), L"false");
 }
 
-TEST_F(ConfigAdapterPolicy, FlagsOfTheConstructionSeeTheServersGone) {
+TEST_F(ConfigAdapterPolicy, ConstructionDerivesTheFlagsAfterRemovingTheServers) {
     givenDefaults({{L"Telephony_Enabled", L"true"}});
     loadAndStart();
     adapter->setConfig(L"CtiServer1", L"mine");
@@ -165,7 +165,7 @@ TEST_F(ConfigAdapterPolicy, FlagsOfTheConstructionSeeTheServersGone) {
     EXPECT_EQ(adapter->getValueFromConfigStore("InMemoryConfigStore", L"Telephony_Enabled"), L"false");
 }
 
-TEST_F(ConfigAdapterPolicy, FlagsOfARefreshStillSeeTheServers) {
+TEST_F(ConfigAdapterPolicy, RefreshDerivesTheFlagsBeforeRemovingTheServers) {
     givenDefaults({{L"Telephony_Enabled", L"false"}});
     loadAndStart();
     adapter->setConfig(L"CtiServer1", L"mine");
@@ -177,7 +177,7 @@ TEST_F(ConfigAdapterPolicy, FlagsOfARefreshStillSeeTheServers) {
     EXPECT_EQ(adapter->getValueFromConfigStore("InMemoryConfigStore", L"Telephony_Enabled"), L"true");
 }
 
-TEST_F(ConfigAdapterPolicy, OneStoresWordIsReadAlone) {
+TEST_F(ConfigAdapterPolicy, TheValueOfOneStoreIsReturned) {
     givenDefaults({{L"k", L"default"}});
     loadAndStart();
     adapter->setConfig(L"k", L"mine");

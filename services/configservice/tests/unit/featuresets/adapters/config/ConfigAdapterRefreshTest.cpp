@@ -18,12 +18,12 @@ TEST_F(ConfigAdapterRefresh, DerivesTheFlagsBeforeThePolicyAndConstructionAfterI
     givenPolicy(L"Customize_Phone_Server", L"false");
     testing_host::writeFile(cacheFile("TftpConfigStore"), "a copy, by its name");
     load();
-    EXPECT_EQ(derivedTelephony(), L"false") << "the user's server was gone already";
+    EXPECT_EQ(derivedTelephony(), L"false") << "the user's server was removed before";
     start();
     adapter->setConfig(L"CtiServer1", L"mine again");
     factory->backgroundDispatcher->runAll();
     adapter->refreshConfigFeatureSet();
-    EXPECT_EQ(derivedTelephony(), L"true") << "the user's server was still there";
+    EXPECT_EQ(derivedTelephony(), L"true") << "the user's server was not removed";
     EXPECT_EQ(valueOf(L"CtiServer1"), L"(none)");
 }
 

@@ -11,9 +11,9 @@ using testing::Not;
 namespace {
 
 /// Deletes a file as soon as a line with that text is logged.
-class Meddler final : public zel::logging::LogSink {
+class FileRemovingSink final : public zel::logging::LogSink {
 public:
-    Meddler(std::string lineText, std::filesystem::path filePath)
+    FileRemovingSink(std::string lineText, std::filesystem::path filePath)
         : text(std::move(lineText)), path(std::move(filePath)) {}
     void write(const zel::logging::LogRecord& record) override {
         if (record.text == text) {
@@ -42,7 +42,7 @@ protected:
     }
 };
 
-TEST_F(ConfigAdapterReset, TakesTheUsersSettingsForGood) {
+TEST_F(ConfigAdapterReset, RemovesTheUsersSettingsPermanently) {
     loadAndStart();
     adapter->setConfig(L"k", L"v");
     adapter->setInMemoryConfig(L"m", L"v");
@@ -55,7 +55,7 @@ TEST_F(ConfigAdapterReset, TakesTheUsersSettingsForGood) {
     EXPECT_EQ(valueOf(L"k"), L"(none)");
 }
 
-TEST_F(ConfigAdapterReset, ChainIsCompleteAfterwardsAndWorks) {
+TEST_F(ConfigAdapterReset, LeavesACompleteAndWorkingChain) {
     loadAndStart();
     reset();
     for (const auto* name : {"LocalFileConfigStore", "RegistryConfigStore", "UrlProvisioningConfigStore",
@@ -84,7 +84,7 @@ TEST_F(ConfigAdapterReset, SparedStoresKeepTheirValues) {
     EXPECT_EQ(valueOf(L"AllowUrlProvisioning"), L"(none)");
 }
 
-TEST_F(ConfigAdapterReset, ProvisionedSettingsSurviveIntoTheNextRun) {
+TEST_F(ConfigAdapterReset, KeepsProvisionedSettingsForTheNextRun) {
     loadAndStart();
     adapter->setUrlProvisioningData(L"?ServicesDomain=example.com");
     const auto before = testing_host::readFile(cacheFile("UrlProvisioningConfigStore"));
@@ -95,7 +95,7 @@ TEST_F(ConfigAdapterReset, ProvisionedSettingsSurviveIntoTheNextRun) {
     EXPECT_EQ(valueOf(L"ServicesDomain"), L"example.com");
 }
 
-TEST_F(ConfigAdapterReset, FourFilesStayByteForByteAndAllOthersGo) {
+TEST_F(ConfigAdapterReset, KeepsFourFilesUnchangedAndDeletesAllOthers) {
     const std::vector<std::filesystem::path> kept{
         write("deviceData4.properties"), write("lumora-config-user.xml"), write("installationId.txt"),
         write(std::filesystem::path("Cache") / "deep" / "INSTALLATIONID.TXT")};
@@ -116,16 +116,16 @@ TEST_F(ConfigAdapterReset, FourFilesStayByteForByteAndAllOthersGo) {
     EXPECT_TRUE(std::filesystem::is_directory(profile.config() / "Cache" / "deep"));
 }
 
-TEST_F(ConfigAdapterReset, FileThatCannotBeDeletedIsAnErrorAndTheOthersGo) {
+TEST_F(ConfigAdapterReset, LogsAFileItCannotDeleteAndDeletesTheOthers) {
     const auto first = write("a.log");
     const auto vanishing = write("b.log");
     const auto last = write("c.log");
     load();
     // The file is already listed when it vanishes, so its deletion fails.
-    const auto meddler = std::make_shared<Meddler>("File: [" + first.string() + "] deleted", vanishing);
-    zel::logging::addSink(meddler);
+    const auto remover = std::make_shared<FileRemovingSink>("File: [" + first.string() + "] deleted", vanishing);
+    zel::logging::addSink(remover);
     reset();
-    zel::logging::removeSink(meddler);
+    zel::logging::removeSink(remover);
     EXPECT_THAT(logged(), Contains("Unable to delete file: [" + vanishing.string() + "]"));
     EXPECT_EQ(levelOf("Unable to delete file: [" + vanishing.string() + "]"), ZelLogLevel::Error);
     EXPECT_FALSE(std::filesystem::exists(last));
@@ -141,7 +141,7 @@ TEST_F(ConfigAdapterReset, LinkOutOfTheDirectoryIsRemovedAndNotFollowed) {
     EXPECT_FALSE(std::filesystem::exists(std::filesystem::symlink_status(profile.config() / "link")));
 }
 
-TEST_F(ConfigAdapterReset, PolicyOfTheUserIsDeletedWithAllThatLiesBelow) {
+TEST_F(ConfigAdapterReset, DeletesThePolicyOfTheUserWithItsSubkeys) {
     givenPolicy(L"PolicyKey", L"policy");
     loadAndStart();
     reset();
@@ -149,7 +149,7 @@ TEST_F(ConfigAdapterReset, PolicyOfTheUserIsDeletedWithAllThatLiesBelow) {
     EXPECT_FALSE(service->getConfig(L"PolicyKey")->getisDefined());
 }
 
-TEST_F(ConfigAdapterReset, CalendarHelperGoesInSilence) {
+TEST_F(ConfigAdapterReset, DeletesTheCalendarHelperWithoutALine) {
     const auto helper = profile.data() / "Google calendar" / "calendar.bat";
     testing_host::writeFile(helper, "x");
     load();
@@ -160,7 +160,7 @@ TEST_F(ConfigAdapterReset, CalendarHelperGoesInSilence) {
     EXPECT_FALSE(log.mentions("calendar.bat"));
 }
 
-TEST_F(ConfigAdapterReset, TellsItsBeginningAndEnd) {
+TEST_F(ConfigAdapterReset, LogsItsBeginningAndEnd) {
     load();
     reset();
     EXPECT_EQ(logged().front(), "About to reset the ConfigAdapter...");
@@ -169,7 +169,7 @@ TEST_F(ConfigAdapterReset, TellsItsBeginningAndEnd) {
     EXPECT_EQ(levelOf(logged().back()), ZelLogLevel::Info);
 }
 
-TEST_F(ConfigAdapterReset, BeforeTheStartItWorksTheSame) {
+TEST_F(ConfigAdapterReset, WorksTheSameBeforeTheStart) {
     load();
     adapter->setConfig(L"k", L"v");
     reset();
@@ -178,7 +178,7 @@ TEST_F(ConfigAdapterReset, BeforeTheStartItWorksTheSame) {
     EXPECT_TRUE(inChain("LocalFileConfigStore"));
 }
 
-TEST_F(ConfigAdapterReset, MissingCalendarFolderGivesNoLine) {
+TEST_F(ConfigAdapterReset, LogsNothingIfTheCalendarFolderIsMissing) {
     load();
     ASSERT_FALSE(std::filesystem::exists(profile.data() / "Google calendar"));
     reset();
@@ -236,7 +236,7 @@ TEST_P(ConfigAdapterResetOption, EmptiesAllStoresButTheFiveSparedOnes) {
 
 TEST_P(ConfigAdapterResetOption, DeletesTheFilesOfTheProfileButFour) {
     reset();
-    EXPECT_FALSE(std::filesystem::exists(cacheFile("TftpConfigStore"))) << "goes with its store";
+    EXPECT_FALSE(std::filesystem::exists(cacheFile("TftpConfigStore"))) << "removed with its store";
     for (const auto& path : {userFile, backupFile, cacheFile("Orphan"), profile.config() / otherFiles[0]}) {
         EXPECT_FALSE(std::filesystem::exists(path)) << path;
         EXPECT_EQ(levelOf("File: [" + path.string() + "] deleted"), ZelLogLevel::Info);
@@ -274,7 +274,7 @@ TEST_P(ConfigAdapterResetOption, RebuildsTheChainBetweenItsFirstAndItsLastLine) 
     EXPECT_EQ(logged().back(), "ConfigAdapter reset.");
 }
 
-TEST_P(ConfigAdapterResetOption, LeavesNothingForTheNextRunButWhatWasSpared) {
+TEST_P(ConfigAdapterResetOption, LeavesOnlySparedValuesForTheNextRun) {
     reset();
     unload();
     load();
@@ -289,7 +289,7 @@ INSTANTIATE_TEST_SUITE_P(Each, ConfigAdapterResetOption,
                          testing::Values(ResetDataOptionEnum::ResetAll, ResetDataOptionEnum::ResetUserData,
                                          ResetDataOptionEnum::ResetOnSignOut));
 
-TEST_F(ConfigAdapterReset, WaitingBackupIsForgotten) {
+TEST_F(ConfigAdapterReset, CancelsAPendingBackup) {
     loadAndStart();
     adapter->setConfig(L"k", L"v");
     factory->backgroundDispatcher->runAll();

@@ -1,5 +1,4 @@
 #include "ConfigAdapterFixture.h"
-#include "featuresets/adapters/config/cache/CachedStoreRecord.h"
 
 namespace ZelUnified {
 
@@ -34,7 +33,7 @@ public:
 };
 
 /// A remote store that lists two keys but returns the value of one only.
-class ReluctantStore final : public ConfigStore {
+class StoreWithoutAValue final : public ConfigStore {
 public:
     bool getValue(const std::wstring& key, std::wstring& value) override {
         const bool held = key == L"answered";
@@ -60,7 +59,7 @@ public:
 /// Tests the consequences of an arrival among several sources.
 class ConfigAdapterSources : public ConfigAdapterFixture {};
 
-TEST_F(ConfigAdapterSources, BothSwitchesTakeFourServersVoicemailFirstEachUnderAllItsNames) {
+TEST_F(ConfigAdapterSources, BothSwitchesRemoveFourServersVoicemailFirstUnderEachOfTheirNames) {
     loadAndStart();
     const auto watched = std::make_shared<WatchedStore>();
     adapter->addConfigStore(watched);
@@ -72,7 +71,7 @@ TEST_F(ConfigAdapterSources, BothSwitchesTakeFourServersVoicemailFirstEachUnderA
                                                L"SabrelServer1", L"DeviceAuthenticationPrimaryServer"));
 }
 
-TEST_F(ConfigAdapterSources, TheSwitchCountsWhoeverSaysIt) {
+TEST_F(ConfigAdapterSources, ASwitchSetByTheUserIsApplied) {
     loadAndStart();
     adapter->setConfig(L"CtiServer1", L"mine");
     adapter->setConfig(L"Customize_Phone_Server", L"false");
@@ -81,7 +80,7 @@ TEST_F(ConfigAdapterSources, TheSwitchCountsWhoeverSaysIt) {
     EXPECT_EQ(valueOf(L"CtiServer1"), L"(none)");
 }
 
-TEST_F(ConfigAdapterSources, APushOfDeviceManagementIsFollowedByNothing) {
+TEST_F(ConfigAdapterSources, ADeviceManagementPushAppliesNoSwitchAndDerivesNoFlag) {
     givenDefaults({{L"Telephony_Enabled", L"true"}});
     loadAndStart();
     adapter->setConfig(L"CtiServer1", L"mine");
@@ -92,7 +91,7 @@ TEST_F(ConfigAdapterSources, APushOfDeviceManagementIsFollowedByNothing) {
     EXPECT_THAT(logged(), IsEmpty());
 }
 
-TEST_F(ConfigAdapterSources, AMarkedKeyStaysSensitiveThroughAReset) {
+TEST_F(ConfigAdapterSources, AKeyStaysSensitiveAfterAReset) {
     loadAndStart();
     adapter->setKeySensitive(L"Pin");
     adapter->InvokeResetData(ResetDataOptionEnum::ResetAll);
@@ -100,7 +99,7 @@ TEST_F(ConfigAdapterSources, AMarkedKeyStaysSensitiveThroughAReset) {
     EXPECT_TRUE(adapter->isKeySensitive(L"connectionpassword"));
 }
 
-TEST_F(ConfigAdapterSources, ADerivedFlagStaysInMemoryWhenAnExplicitOneComesFromBehind) {
+TEST_F(ConfigAdapterSources, ADerivedFlagStaysIfAStoreBehindItSetsTheFlagExplicitly) {
     givenDefaults({{L"Telephony_Enabled", L"false"}});
     loadAndStart();
     adapter->addConfigStore(makeReadOnlyStore("TftpStore", 100, {{L"CtiServer1", L"cti"}}));
@@ -111,7 +110,7 @@ TEST_F(ConfigAdapterSources, ADerivedFlagStaysInMemoryWhenAnExplicitOneComesFrom
     EXPECT_EQ(valueOf(L"Telephony_Enabled"), L"true");
 }
 
-TEST_F(ConfigAdapterSources, ConstructionTellsOfItsStoresInDebugLines) {
+TEST_F(ConfigAdapterSources, ConstructionLogsItsStoresInDebugLines) {
     const testing_host::LogRecorder debugLog(testing_host::LogRecorder::Debug::On);
     load();
     auto lines = debugLog.getTexts(ZelLogLevel::Debug);
@@ -119,7 +118,7 @@ TEST_F(ConfigAdapterSources, ConstructionTellsOfItsStoresInDebugLines) {
     EXPECT_THAT(lines, ElementsAre("adding initial config stores", "adding cached config stores"));
 }
 
-TEST_F(ConfigAdapterSources, PhoneModeConcernsThePresenceStoreOfExactlyThatName) {
+TEST_F(ConfigAdapterSources, PhoneModeDropsOnlyThePresenceStoreIgnoringCase) {
     givenDefaults({{L"ProductMode", L"Phone_Mode"},
                    {L"PrimaryConfigStores", L"presenceconfigstore:31;PresenceConfigStore2:32;"}});
     load();
@@ -128,7 +127,7 @@ TEST_F(ConfigAdapterSources, PhoneModeConcernsThePresenceStoreOfExactlyThatName)
     EXPECT_EQ(valueOf(L"PrimaryConfigStores"), L"PresenceConfigStore2:32;");
 }
 
-TEST_F(ConfigAdapterSources, TheModeMayComeFromACopyThatIsRestoredBeforeThePresenceStore) {
+TEST_F(ConfigAdapterSources, PhoneModeInARestoredCopyDropsThePresenceStore) {
     loadAndStart();
     adapter->addConfigStore(makeCachingStore("Zed", 40, {{L"ProductMode", L"Phone_Mode"}}));
     adapter->addConfigStore(makeCachingStore("PresenceConfigStore", 30));
@@ -137,22 +136,22 @@ TEST_F(ConfigAdapterSources, TheModeMayComeFromACopyThatIsRestoredBeforeThePrese
     EXPECT_FALSE(inChain("PresenceConfigStore"));
 }
 
-TEST_F(ConfigAdapterSources, AnEntryWithAnEmptyPriorityIsRestoredBehindTheOthers) {
+TEST_F(ConfigAdapterSources, AnEntryWithAnEmptyPriorityIsRestoredWithPriority240) {
     givenDefaults({{L"PrimaryConfigStores", L"A:;"}});
     load();
     ASSERT_TRUE(inChain("A"));
     EXPECT_EQ(adapter->getConfigStoreByName("A")->getPriority(), 240);
 }
 
-TEST_F(ConfigAdapterSources, AKeyWithoutAnAnswerIsNotCopied) {
+TEST_F(ConfigAdapterSources, AListedKeyWithoutAValueIsNotCopied) {
     loadAndStart();
-    adapter->addConfigStore(std::make_shared<ReluctantStore>());
+    adapter->addConfigStore(std::make_shared<StoreWithoutAValue>());
     unload();
     load();
     EXPECT_THAT(adapter->getConfigStoreByName("Reluctant")->getKeys(), ElementsAre(L"answered"));
 }
 
-TEST_F(ConfigAdapterSources, ARecordThatNobodyTakesIsLostInSilence) {
+TEST_F(ConfigAdapterSources, ARecordThatNoStoreAcceptsIsDroppedWithoutAnError) {
     givenDefaults({{L"PrimaryConfigStores", L"A:50;"}});
     loadAndStart();
     adapter->removeConfigStore("LocalFileConfigStore");
@@ -163,7 +162,7 @@ TEST_F(ConfigAdapterSources, ARecordThatNobodyTakesIsLostInSilence) {
     EXPECT_THAT(log.getTexts(ZelLogLevel::Error), IsEmpty());
 }
 
-TEST_F(ConfigAdapterSources, AFileWhoseExtensionIsSpeltInCapitalsNamesNoStoreToRemove) {
+TEST_F(ConfigAdapterSources, AFileWithAnUppercaseExtensionRemovesNoStore) {
     loadAndStart();
     testing_host::writeFile(profile.config() / "Cache" / "cachedA.DAT", "x");
     testing_host::writeFile(profile.config() / "Cache" / "cachedB.dat", "x");
@@ -172,10 +171,6 @@ TEST_F(ConfigAdapterSources, AFileWhoseExtensionIsSpeltInCapitalsNamesNoStoreToR
     adapter->removeAllCachedConfigStores();
     EXPECT_TRUE(inChain("cachedA.xml"));
     EXPECT_FALSE(inChain("cachedB.xml"));
-}
-
-TEST(CachedStoreRecord, AnEarlierEntryThatEndsInTheNameIsCutFirst) {
-    EXPECT_EQ(CachedStoreRecord::without(L"ATftp:1;Tftp:2;", L"Tftp"), L"ATftp:2;");
 }
 
 } // namespace ZelUnified

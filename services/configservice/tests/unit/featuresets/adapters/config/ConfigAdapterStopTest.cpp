@@ -95,7 +95,7 @@ protected:
 
 class ConfigAdapterStopTask : public ConfigAdapterFixture {};
 
-TEST_F(ConfigAdapterStopTask, IsHandedToTheDispatcherUnderItsNameAndWaitedFor) {
+TEST_F(ConfigAdapterStopTask, IsPostedUnderItsNameAndAwaited) {
     const auto naming = std::make_shared<NamingFactory>();
     factory = naming;
     loadAndStart();
@@ -116,7 +116,7 @@ TEST_F(ConfigAdapterStopTask, LeavesTheFeatureSetStartedUntilItHasRun) {
     EXPECT_FALSE(adapter->IsFeatureSetStarted(1300));
 }
 
-TEST_F(ConfigAdapterStop, WaitsForADispatcherThatWorksOnTheChainMeanwhile) {
+TEST_F(ConfigAdapterStop, WaitsForADispatcherThatUsesTheChain) {
     std::wstring seen;
     post([&] {
         ASSERT_TRUE(monitor->stopping.wait());
@@ -131,7 +131,7 @@ TEST_F(ConfigAdapterStop, WaitsForADispatcherThatWorksOnTheChainMeanwhile) {
         service->logConfig();
     });
     factory->getFeatureSetAdapter(configServiceId)->StopFeatureSet(configServiceId, nullptr);
-    EXPECT_EQ(seen, L"v") << "what was queued before the stop has run";
+    EXPECT_EQ(seen, L"v") << "tasks queued before the stop have run";
     EXPECT_FALSE(factory->IsFeatureSetStarted(configServiceId));
 }
 
@@ -150,7 +150,7 @@ TEST_F(ConfigAdapterStop, WaitsWhileWorkersPostChangesAndEvents) {
     EXPECT_FALSE(factory->IsFeatureSetStarted(configServiceId));
 }
 
-TEST_F(ConfigAdapterStop, ThroughTheHostGoesTogetherWithRefreshesOnTheDispatcher) {
+TEST_F(ConfigAdapterStop, StopByTheHostDoesNotDeadlockWithRefreshesOnTheDispatcher) {
     constexpr int refreshes = 5;
     int done = 0;
     for (int i = 0; i < refreshes; ++i) {

@@ -16,14 +16,14 @@ protected:
     }
 };
 
-TEST_F(ConfigAdapterStores, BeforeTheStartArrivalIsRefused) {
+TEST_F(ConfigAdapterStores, BeforeTheStartAddingAStoreIsRefused) {
     loadQuietly();
     adapter->addConfigStore(makeReadOnlyStore("Foreign", 100, {{L"k", L"v"}}));
     EXPECT_THAT(errors(), ElementsAre("Config FeatureSet Not Started, failed to add ConfigStore with name: [Foreign]"));
     EXPECT_EQ(valueOf(L"k"), L"(none)");
 }
 
-TEST_F(ConfigAdapterStores, BeforeTheStartRemovalIsRefused) {
+TEST_F(ConfigAdapterStores, BeforeTheStartRemovingAStoreIsRefused) {
     loadQuietly();
     EXPECT_FALSE(adapter->removeConfigStore("RegistryConfigStore"));
     EXPECT_THAT(errors(), ElementsAre("Config FeatureSet Not Started, failed to remove ConfigStore with name: "
@@ -31,14 +31,14 @@ TEST_F(ConfigAdapterStores, BeforeTheStartRemovalIsRefused) {
     EXPECT_TRUE(inChain("RegistryConfigStore"));
 }
 
-TEST_F(ConfigAdapterStores, BeforeTheStartPresenceIsDenied) {
+TEST_F(ConfigAdapterStores, BeforeTheStartNoStoreIsReportedAsPresent) {
     loadQuietly();
     EXPECT_FALSE(adapter->isConfigStorePresent("RegistryConfigStore"));
     EXPECT_THAT(errors(), ElementsAre("Config FeatureSet Not Started, failed to check existance of ConfigStore with "
                                       "name: [RegistryConfigStore]"));
 }
 
-TEST_F(ConfigAdapterStores, BeforeTheStartTheOthersLogAndGoOn) {
+TEST_F(ConfigAdapterStores, BeforeTheStartOtherOperationsLogALineAndSucceed) {
     givenDefaults({{L"k", L"v"}});
     loadQuietly();
     std::wstring value;
@@ -56,7 +56,7 @@ TEST_F(ConfigAdapterStores, BeforeTheStartTheOthersLogAndGoOn) {
                                    "Config FeatureSet Not Started, failed to remove cached ConfigStores"));
 }
 
-TEST_F(ConfigAdapterStores, BeforeTheStartCopiesAreRemovedAllTheSameWithAnError) {
+TEST_F(ConfigAdapterStores, BeforeTheStartCopiesAreRemovedWithAnError) {
     loadAndStart();
     adapter->addConfigStore(makeCachingStore("TftpStore", 40, {{L"k", L"v"}}));
     unload();
@@ -67,7 +67,7 @@ TEST_F(ConfigAdapterStores, BeforeTheStartCopiesAreRemovedAllTheSameWithAnError)
     EXPECT_THAT(errors(), ElementsAre("Config FeatureSet Not Started, failed to remove cached ConfigStores"));
 }
 
-TEST_F(ConfigAdapterStores, BeforeTheStartWritesAndSwitchesWorkWithoutALine) {
+TEST_F(ConfigAdapterStores, BeforeTheStartWritesAndSwitchesSucceedWithoutALine) {
     loadQuietly();
     EXPECT_TRUE(adapter->setConfig(L"k", L"v"));
     adapter->resetConfig(L"k");
@@ -78,7 +78,7 @@ TEST_F(ConfigAdapterStores, BeforeTheStartWritesAndSwitchesWorkWithoutALine) {
     EXPECT_THAT(errors(), IsEmpty());
 }
 
-TEST_F(ConfigAdapterStores, ArrivingStoreReachesTheRecordsAndLeaves) {
+TEST_F(ConfigAdapterStores, AddingAndRemovingAStoreUpdatesTheRecords) {
     loadAndStart();
     adapter->addConfigStore(makeReadOnlyStore("Foreign", 100, {{L"k", L"v"}}));
     EXPECT_TRUE(adapter->isConfigStorePresent("FOREIGN"));
@@ -96,13 +96,13 @@ TEST_F(ConfigAdapterStores, NullStoreIsIgnored) {
     EXPECT_THAT(errors(), IsEmpty());
 }
 
-TEST_F(ConfigAdapterStores, RemovalOfAnUnknownStoreStillRewritesTheRecord) {
+TEST_F(ConfigAdapterStores, RemovingAnUnknownStoreRewritesTheRecord) {
     loadAndStart();
     EXPECT_FALSE(adapter->removeConfigStore("Nobody"));
     EXPECT_EQ(valueOf(L"PrimaryConfigStores"), L"");
 }
 
-TEST_F(ConfigAdapterStores, RemovalTakesTheCopyOfALiveStoreAndItsRecord) {
+TEST_F(ConfigAdapterStores, RemovingALiveStoreRemovesItsCopyAndRecord) {
     loadAndStart();
     adapter->addConfigStore(makeCachingStore("TftpStore", 40, {{L"k", L"v"}}));
     EXPECT_TRUE(adapter->removeConfigStore("TftpStore"));
@@ -110,7 +110,7 @@ TEST_F(ConfigAdapterStores, RemovalTakesTheCopyOfALiveStoreAndItsRecord) {
     EXPECT_EQ(valueOf(L"PrimaryConfigStores"), L"");
 }
 
-TEST_F(ConfigAdapterStores, RemovalOfARestoredCopyLeavesItsFile) {
+TEST_F(ConfigAdapterStores, RemovingARestoredCopyKeepsItsFile) {
     loadAndStart();
     adapter->addConfigStore(makeCachingStore("TftpStore", 40, {{L"k", L"v"}}));
     unload();
@@ -120,7 +120,7 @@ TEST_F(ConfigAdapterStores, RemovalOfARestoredCopyLeavesItsFile) {
     EXPECT_EQ(valueOf(L"PrimaryConfigStores"), L"");
 }
 
-TEST_F(ConfigAdapterStores, RemovalTakesAStoreNamedAfterTheFileAlong) {
+TEST_F(ConfigAdapterStores, RemovingAStoreAlsoRemovesTheStoreNamedAfterItsFile) {
     loadAndStart();
     testing_host::writeFile(cacheFile("Foreign"), "x");
     adapter->addConfigStore(makeReadOnlyStore("cachedForeign.dat", 101));
@@ -140,7 +140,7 @@ TEST_F(ConfigAdapterStores, SecondPushOfDeviceManagementReplacesTheFirst) {
     EXPECT_TRUE(inChain("MdmConfigStore"));
 }
 
-TEST_F(ConfigAdapterStores, ProvisioningWorksOnceUntilItIsAllowedAgain) {
+TEST_F(ConfigAdapterStores, ProvisioningSucceedsOnceUntilItIsReset) {
     loadAndStart();
     EXPECT_TRUE(adapter->setUrlProvisioningData(L"?ServicesDomain=one"));
     EXPECT_EQ(valueOf(L"AllowUrlProvisioning"), L"False");
@@ -152,7 +152,7 @@ TEST_F(ConfigAdapterStores, ProvisioningWorksOnceUntilItIsAllowedAgain) {
     EXPECT_EQ(valueOf(L"ServicesDomain"), L"two");
 }
 
-TEST_F(ConfigAdapterStores, ProvisioningIsForbiddenInAnyCaseAndInSilence) {
+TEST_F(ConfigAdapterStores, ForbiddenProvisioningIsRefusedWithoutALine) {
     givenDefaults({{L"AllowUrlProvisioning", L"FALSE"}});
     loadAndStart();
     EXPECT_FALSE(adapter->setUrlProvisioningData(L"?ServicesDomain=one"));
@@ -161,7 +161,7 @@ TEST_F(ConfigAdapterStores, ProvisioningIsForbiddenInAnyCaseAndInSilence) {
     EXPECT_FALSE(adapter->resetAllowUriProvisioningData());
 }
 
-TEST_F(ConfigAdapterStores, StoreAddedObserversComeAndGo) {
+TEST_F(ConfigAdapterStores, RegisteredObserverIsToldOfEachNewStoreUntilUnregistered) {
     struct Recorder final : ConfigStoreAddedObserver {
         void OnConfigStoreAdded(const std::string& storeName) override { names.push_back(storeName); }
         std::vector<std::string> names;
@@ -178,7 +178,7 @@ TEST_F(ConfigAdapterStores, StoreAddedObserversComeAndGo) {
     EXPECT_THAT(recorder->names, ElementsAre("One"));
 }
 
-TEST_F(ConfigAdapterStores, AllCachedFilesGoAndTheStoresStay) {
+TEST_F(ConfigAdapterStores, RemovingAllCachedStoresDeletesTheirFilesAndKeepsTheStores) {
     loadAndStart();
     adapter->addConfigStore(makeCachingStore("TftpStore", 40, {{L"k", L"v"}}));
     adapter->removeAllCachedConfigStores();

@@ -78,7 +78,7 @@ protected:
     void observe(const std::wstring& key, const std::shared_ptr<ReactingObserver>& observer) {
         onDispatcher([&] { service->getConfig(key)->addObserver(std::weak_ptr<ConfigValueObserver>(observer)); });
     }
-    bool standsOnDispatcher() const { return factory->getServicesDispatcher()->checkForUpdateAccess(); }
+    bool isOnDispatcher() const { return factory->getServicesDispatcher()->checkForUpdateAccess(); }
 
     static void runInThreads(int count, const std::function<void(int)>& work) {
         std::vector<std::thread> threads;
@@ -102,16 +102,16 @@ constexpr int rounds = 40;
 
 } // namespace
 
-TEST_F(ConfigAdapterThreads, WriteFromAWorkerReachesObserversOnTheServicesDispatcher) {
-    testing_host::Signal heard;
+TEST_F(ConfigAdapterThreads, AWriteOnAWorkerCallsObserversOnTheServicesDispatcher) {
+    testing_host::Signal received;
     std::atomic<bool> onTheRightThread = false;
     const auto observer = std::make_shared<ReactingObserver>([&] {
-        onTheRightThread = standsOnDispatcher();
-        heard.set();
+        onTheRightThread = isOnDispatcher();
+        received.set();
     });
     observe(L"k", observer);
     std::thread([this] { featureSet->setConfig(L"k", L"v"); }).join();
-    ASSERT_TRUE(heard.wait());
+    ASSERT_TRUE(received.wait());
     EXPECT_TRUE(onTheRightThread);
     EXPECT_EQ(recordOf(L"k"), L"v");
 }
@@ -123,7 +123,7 @@ TEST_F(ConfigAdapterThreads, CallFromTheWrongThreadIsRefusedAndChangesNothing) {
     EXPECT_FALSE(featureSet->getConfig(L"k", value, false));
 }
 
-TEST_F(ConfigAdapterThreads, EightThreadsAddRemoveAndAskAtOnce) {
+TEST_F(ConfigAdapterThreads, EightThreadsAddRemoveAndLookUpStoresConcurrently) {
     runInThreads(8, [this](int number) {
         const auto name = "Store" + std::to_string(number % 4);
         std::wstring value;
@@ -146,7 +146,7 @@ TEST_F(ConfigAdapterThreads, EightThreadsAddRemoveAndAskAtOnce) {
     }
 }
 
-TEST_F(ConfigAdapterThreads, EveryStoreThatArrivesAtOnceWithOthersIsOnTheRecordOfCopies) {
+TEST_F(ConfigAdapterThreads, StoresAddedConcurrentlyAreAllInTheRecordOfCopies) {
     constexpr int count = 8;
     for (int round = 0; round < rounds; ++round) {
         const auto nameOf = [round](int number) {
@@ -169,7 +169,7 @@ TEST_F(ConfigAdapterThreads, EveryStoreThatArrivesAtOnceWithOthersIsOnTheRecordO
     }
 }
 
-TEST_F(ConfigAdapterThreads, TheRecordOfCopiesIsRightAfterStoresArriveWhileOthersAreRemoved) {
+TEST_F(ConfigAdapterThreads, TheRecordOfCopiesIsCorrectAfterConcurrentAdditionsAndRemovals) {
     constexpr int pairs = 4;
     constexpr int fewRounds = 12; // each round writes a file for every store
     const auto nameOf = [](const char* group, int round, int number) {
@@ -203,7 +203,7 @@ TEST_F(ConfigAdapterThreads, TheRecordOfCopiesIsRightAfterStoresArriveWhileOther
     }
 }
 
-TEST_F(ConfigAdapterThreads, SettingsMadeWhileALargeStoreArrivesOnAWorkerAreKept) {
+TEST_F(ConfigAdapterThreads, SettingsMadeWhileAWorkerAddsALargeStoreAreKept) {
     constexpr int keys = 500;
     const auto store = makeReadOnlyStore("S", 100);
     for (int i = 0; i < keys; ++i) {
@@ -272,7 +272,7 @@ TEST_F(ConfigAdapterThreads, TheRecordEqualsTheLookupAfterSeveralThreadsChangedO
     }
 }
 
-TEST_F(ConfigAdapterThreads, ObserverMayReadWriteAddAndRemoveStoresWhileOthersDoToo) {
+TEST_F(ConfigAdapterThreads, AnObserverMayReadWriteAddAndRemoveStoresWhileOtherThreadsDo) {
     std::atomic<int> reactions = 0;
     const auto observer = std::make_shared<ReactingObserver>([&] {
         const auto name = "Nested" + std::to_string(++reactions % 3);
@@ -332,7 +332,7 @@ TEST_F(ConfigAdapterThreads, StopFromAnotherThreadWaitsForTheDispatcher) {
     EXPECT_EQ(recordOf(L"k"), L"");
 }
 
-TEST_F(ConfigAdapterThreads, RefreshStopAndStartGoOnWhileWorkersWrite) {
+TEST_F(ConfigAdapterThreads, RefreshStopAndStartSucceedWhileWorkersWrite) {
     std::atomic<bool> ended = false;
     std::thread worker([&] {
         for (int round = 0; !ended; ++round) {
@@ -359,7 +359,7 @@ TEST_F(ConfigAdapterThreads, ResetFromAnotherThreadLeavesAWorkingChain) {
     EXPECT_EQ(recordOf(L"k"), L"w");
 }
 
-TEST_F(ConfigAdapterThreads, AfterDestroyNothingIsLeft) {
+TEST_F(ConfigAdapterThreads, DestroyReleasesServiceAndFeatureSet) {
     const std::weak_ptr<ConfigService> watchedService = service;
     const std::weak_ptr<ConfigFeatureSet> watchedFeatureSet = featureSet;
     featureSet->setConfig(L"k", L"v");

@@ -328,7 +328,7 @@ protected:
     testing_host::LogRecorder debugLog{testing_host::LogRecorder::Debug::On};
 };
 
-TEST_F(LogLines, NameTheOperationOfTheClassThatEachLoggerBelongsTo) {
+TEST_F(LogLines, NameAnOperationOfTheLoggersClass) {
     givenDefaults({{L"Telephony_Enabled", L""}, {L"Voicemail_Enabled", L""}, {L"Meetings_Enabled", L""}});
     givenPolicy(L"p", L"v");
     callBeforeTheStart();

@@ -4,7 +4,7 @@
 
 namespace ZelUnified {
 
-TEST(StoreNamePredicates, KnownPartStandsAtTheStartInAnyCase) {
+TEST(StoreNamePredicates, MatchNamesThatStartWithTheKnownPartIgnoringCase) {
     EXPECT_TRUE(isTftpConfigStore("TFTPConfigStore"));
     EXPECT_TRUE(isTftpConfigStore("tftp"));
     EXPECT_FALSE(isTftpConfigStore("MyTftpConfigStore"));
@@ -16,7 +16,7 @@ TEST(StoreNamePredicates, KnownPartStandsAtTheStartInAnyCase) {
     EXPECT_FALSE(isTaviLyncRegistryConfigStore("RegistryConfigStore"));
 }
 
-TEST(StoreNamePredicates, CachedCopiesBeginWithCached) {
+TEST(StoreNamePredicates, OfCachedCopiesMatchNamesThatStartWithCached) {
     EXPECT_TRUE(isCachedGarnConfigStore("cachedGarn.dat"));
     EXPECT_TRUE(isCachedPresenceConfigStore("CachedPresenceConfigStore.dat"));
     EXPECT_TRUE(isCachedTftpConfigStore("cachedTftpConfigStore.dat"));

@@ -133,7 +133,7 @@ private:
     std::size_t usedKeys = 0;
 };
 
-TEST_P(StoreOrder, AKeyOfAllStoresFromOneOnIsAnsweredByThatOne) {
+TEST_P(StoreOrder, AKeyHeldByAStoreAndAllBehindItComesFromThatStore) {
     std::array<std::wstring, kindCount> keys;
     for (std::size_t first = 0; first < kindCount; ++first) {
         keys[first] = makeKey(first, Defaults);
@@ -145,7 +145,7 @@ TEST_P(StoreOrder, AKeyOfAllStoresFromOneOnIsAnsweredByThatOne) {
     }
 }
 
-TEST_P(StoreOrder, OfTwoNeighboursTheFirstAnswers) {
+TEST_P(StoreOrder, AKeyHeldByTwoNeighboursComesFromTheFirst) {
     std::array<std::wstring, kindCount - 1> keys;
     for (std::size_t first = 0; first < keys.size(); ++first) {
         keys[first] = makeKey(first, first + 1);

@@ -41,7 +41,7 @@ protected:
     const std::shared_ptr<testing_host::RecordingFactory> factory = std::make_shared<testing_host::RecordingFactory>();
 };
 
-TEST_F(InjectConfigServiceTest, FilesServiceAndFeatureSetUnderTheirInterfacesAndTheNumber) {
+TEST_F(InjectConfigServiceTest, RegistersServiceAndFeatureSetUnderTheirInterfacesAndNumber) {
     InjectConfigService(factory);
     const auto service = factory->getServices().getItem<ConfigService>();
     ASSERT_TRUE(service);
@@ -52,19 +52,19 @@ TEST_F(InjectConfigServiceTest, FilesServiceAndFeatureSetUnderTheirInterfacesAnd
     EXPECT_TRUE(factory->getFeatureSetAdapter(1300));
 }
 
-TEST_F(InjectConfigServiceTest, StartsNothing) {
+TEST_F(InjectConfigServiceTest, DoesNotStartTheFeatureSet) {
     InjectConfigService(factory);
     EXPECT_FALSE(factory->IsFeatureSetStarted(1300));
     EXPECT_TRUE(factory->IsFeatureSetProvisioned(1300));
 }
 
-TEST_F(InjectConfigServiceTest, LooksOnceForAnotherProvider) {
+TEST_F(InjectConfigServiceTest, AttemptsOnceToLoadAnotherFeatureSet) {
     InjectConfigService(factory);
     EXPECT_THAT(factory->triedFeatureSetLoads, ElementsAre("ZelUnified::ConfigFeatureSet"));
     EXPECT_THAT(factory->triedServiceLoads, IsEmpty());
 }
 
-TEST_F(InjectConfigServiceTest, FilesTheServiceBeforeItLooksForTheFeatureSet) {
+TEST_F(InjectConfigServiceTest, RegistersTheServiceBeforeItAttemptsToLoadAFeatureSet) {
     const auto loading = std::make_shared<LoadingFactory>();
     bool serviceFiled = false;
     loading->whenLoading = [&](LoadingFactory& self) {
@@ -76,7 +76,7 @@ TEST_F(InjectConfigServiceTest, FilesTheServiceBeforeItLooksForTheFeatureSet) {
     loading->Destroy();
 }
 
-TEST_F(InjectConfigServiceTest, LeavesAFeatureSetThatTheLookBroughtInItsPlace) {
+TEST_F(InjectConfigServiceTest, DoesNotReplaceAFeatureSetThatItLoaded) {
     const auto loading = std::make_shared<LoadingFactory>();
     const auto other = std::make_shared<ConfigAdapter>();
     loading->whenLoading = [&](LoadingFactory& self) {
@@ -88,7 +88,7 @@ TEST_F(InjectConfigServiceTest, LeavesAFeatureSetThatTheLookBroughtInItsPlace) {
     loading->Destroy();
 }
 
-TEST_F(InjectConfigServiceTest, FailureOfTheHostPassesThroughAndLeavesTheServiceFiled) {
+TEST_F(InjectConfigServiceTest, AnExceptionOfTheHostPropagatesAndTheServiceStaysRegistered) {
     const auto loading = std::make_shared<LoadingFactory>();
     loading->whenLoading = [](LoadingFactory&) { throw std::runtime_error("no plug-in folder"); };
     EXPECT_THROW(InjectConfigService(loading), std::runtime_error);
@@ -97,13 +97,13 @@ TEST_F(InjectConfigServiceTest, FailureOfTheHostPassesThroughAndLeavesTheService
     loading->Destroy();
 }
 
-TEST_F(InjectConfigServiceTest, AdapterFeedsTheServiceThatWasFiledWithIt) {
+TEST_F(InjectConfigServiceTest, TheAdapterUpdatesTheServiceRegisteredWithIt) {
     InjectConfigService(factory);
     factory->getFeatureSetByType<ConfigFeatureSet>()->setInMemoryConfig(L"k", L"v");
     EXPECT_EQ(factory->getServiceByType<ConfigService>()->getConfig(L"k")->getValue(), L"v");
 }
 
-TEST_F(InjectConfigServiceTest, NeitherServiceNorFeatureSetOutlivesTheFactorysEnd) {
+TEST_F(InjectConfigServiceTest, DestroyingTheFactoryReleasesServiceAndFeatureSet) {
     InjectConfigService(factory);
     const std::weak_ptr<ConfigService> service = factory->getServiceByType<ConfigService>();
     const std::weak_ptr<ConfigFeatureSet> featureSet = factory->getFeatureSetByType<ConfigFeatureSet>();
@@ -114,7 +114,7 @@ TEST_F(InjectConfigServiceTest, NeitherServiceNorFeatureSetOutlivesTheFactorysEn
     EXPECT_TRUE(featureSet.expired());
 }
 
-TEST_F(InjectConfigServiceTest, LeavesAFeatureSetThatExistsInItsPlace) {
+TEST_F(InjectConfigServiceTest, DoesNotReplaceAnExistingFeatureSet) {
     const auto other = std::make_shared<ConfigAdapter>();
     factory->getFeatureSets().registerItem<ConfigFeatureSet>(77, other);
     InjectConfigService(factory);
@@ -123,7 +123,7 @@ TEST_F(InjectConfigServiceTest, LeavesAFeatureSetThatExistsInItsPlace) {
     EXPECT_EQ(factory->getFeatureSetByType<ConfigFeatureSet>(), std::shared_ptr<ConfigFeatureSet>(other));
 }
 
-TEST_F(InjectConfigServiceTest, SecondCallReplacesTheServiceInSilenceAndMakesNoSecondAdapter) {
+TEST_F(InjectConfigServiceTest, ASecondCallReplacesTheServiceWithoutALineAndKeepsTheAdapter) {
     InjectConfigService(factory);
     const auto first = factory->getServiceByType<ConfigService>();
     const auto adapter = factory->getFeatureSetByType<ConfigFeatureSet>();

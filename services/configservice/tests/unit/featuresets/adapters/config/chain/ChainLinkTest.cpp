@@ -15,9 +15,9 @@ namespace ZelUnified {
 namespace {
 
 /// A store of another service that derives from one of the library's and returns other values.
-class BoastfulStore final : public XmlConfigStore {
+class OverridingStore final : public XmlConfigStore {
 public:
-    BoastfulStore() : XmlConfigStore("BoastfulStore", 1, true, false, "", false) {}
+    OverridingStore() : XmlConfigStore("BoastfulStore", 1, true, false, "", false) {}
 
     bool getValue(const std::wstring& key, std::wstring& value) override {
         value = L"my own " + key;
@@ -32,7 +32,7 @@ std::wstring ask(const ChainLink& link, const std::wstring& key) {
     return held ? value : L"a miss with \"" + value + L"\"";
 }
 
-TEST(ChainLink, AsksAStoreOfTheLibrary) {
+TEST(ChainLink, ReadsAStoreOfTheLibrary) {
     const auto store = std::make_shared<InMemoryConfigStore>("M\u00E4ria", 1);
     store->storeValue(L"Key", L"value");
     const ChainLink link(store);
@@ -41,15 +41,15 @@ TEST(ChainLink, AsksAStoreOfTheLibrary) {
     EXPECT_EQ(link.getWideName(), L"M\u00E4ria");
 }
 
-TEST(ChainLink, AsksAStoreOfAnotherService) {
+TEST(ChainLink, ReadsAStoreOfAnotherService) {
     const ChainLink link(makeReadOnlyStore("Foreign", 1, {{L"Key", L"value"}}));
     EXPECT_EQ(ask(link, L"KEY"), L"value");
     EXPECT_EQ(ask(link, L"Other"), L"a miss with \"\"");
     EXPECT_EQ(link.getWideName(), L"Foreign");
 }
 
-TEST(ChainLink, LetsADerivedStoreAnswerInItsOwnWay) {
-    EXPECT_EQ(ask(ChainLink(std::make_shared<BoastfulStore>()), L"Key"), L"my own Key");
+TEST(ChainLink, CallsTheOverrideOfADerivedStore) {
+    EXPECT_EQ(ask(ChainLink(std::make_shared<OverridingStore>()), L"Key"), L"my own Key");
 }
 
 TEST(ChainLink, ListsTheKeysAsTheStoreDoes) {
@@ -63,7 +63,7 @@ TEST(ChainLink, ListsTheKeysAsTheStoreDoes) {
         EXPECT_EQ(keys[0], L"A");
         EXPECT_EQ(keys[1], L"b");
     }
-    const KeyList keys = ChainLink(std::make_shared<BoastfulStore>()).listKeys();
+    const KeyList keys = ChainLink(std::make_shared<OverridingStore>()).listKeys();
     ASSERT_EQ(keys.size(), 1U);
     EXPECT_EQ(keys[0], L"mine");
 }

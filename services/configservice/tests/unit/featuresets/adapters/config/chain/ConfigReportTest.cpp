@@ -31,11 +31,11 @@ protected:
     testing_host::TemporaryProfile profile;
 };
 
-TEST_F(ConfigReport, OfAnEmptyChainHoldsAnEmptyElement) {
+TEST_F(ConfigReport, OfAnEmptyChainContainsAnEmptyElement) {
     EXPECT_EQ(report(), std::string(head) + "<AllMemoryConfigs/>\n\n</AllConfigs>");
 }
 
-TEST_F(ConfigReport, ShowsEveryStoresOpinionInChainOrder) {
+TEST_F(ConfigReport, ContainsTheValuesOfEveryStoreInChainOrder) {
     given(makeReadOnlyStore("Late", 500, {{L"k", L"late"}}));
     given(makeReadOnlyStore("Early", 20, {{L"k", L"<&>"}, {L"empty", L""}}));
     EXPECT_EQ(report(), std::string(head) + "<AllMemoryConfigs>\n"
@@ -50,7 +50,7 @@ TEST_F(ConfigReport, ShowsEveryStoresOpinionInChainOrder) {
                                             "\n</AllConfigs>");
 }
 
-TEST_F(ConfigReport, LeavesOutTheDefaultsByTheirExactNameAndStoresWithoutKeys) {
+TEST_F(ConfigReport, OmitsTheStoreWithTheDefaultsExactNameAndStoresWithoutKeys) {
     given(makeReadOnlyStore("lumora-config-defaults.xml", 900, {{L"k", L"v"}}));
     given(makeReadOnlyStore("Empty", 20));
     EXPECT_THAT(report(), HasSubstr("<AllMemoryConfigs/>"));
@@ -58,7 +58,7 @@ TEST_F(ConfigReport, LeavesOutTheDefaultsByTheirExactNameAndStoresWithoutKeys) {
     EXPECT_THAT(report(), HasSubstr("Lumora-Config-Defaults.XML2"));
 }
 
-TEST_F(ConfigReport, SensitiveKeyHasNeitherElementNorPlaceholder) {
+TEST_F(ConfigReport, ASensitiveKeyHasNeitherElementNorPlaceholder) {
     manager.setKeySensitive(L"secret");
     given(makeReadOnlyStore("S", 20, {{L"Secret", L"hunter2"}}));
     const auto text = report();
@@ -67,13 +67,13 @@ TEST_F(ConfigReport, SensitiveKeyHasNeitherElementNorPlaceholder) {
     EXPECT_THAT(text, Not(HasSubstr("VALUE_HIDDEN")));
 }
 
-TEST_F(ConfigReport, KeysBehindASensitiveOneAreShown) {
+TEST_F(ConfigReport, ContainsTheKeysAfterASensitiveOne) {
     manager.setKeySensitive(L"secret");
     given(makeReadOnlyStore("S", 20, {{L"secret", L"hunter2"}, {L"visible", L"v"}}));
     EXPECT_THAT(report(), HasSubstr("<visible>v</visible>"));
 }
 
-TEST_F(ConfigReport, CharactersThatXmlCannotCarryAreReplaced) {
+TEST_F(ConfigReport, ReplacesIllegalCharactersOfValues) {
     given(makeReadOnlyStore("S", 20,
                             {{L"k", std::wstring(L"a\x01"
                                                  L"b")}}));
@@ -81,7 +81,7 @@ TEST_F(ConfigReport, CharactersThatXmlCannotCarryAreReplaced) {
                                     "b</k>"));
 }
 
-TEST_F(ConfigReport, DataFilesFollowWithoutTheirDeclarations) {
+TEST_F(ConfigReport, AppendsTheDataFilesWithoutTheirDeclarations) {
     givenDataFile("home-fenn-info.dat", "<?xml version=\"1.0\"?><home/>");
     givenDataFile("SSOAuthInfoStore.dat", "<?xml version=\"1.0\"?>\n<sso/>");
     EXPECT_THAT(report(), testing::EndsWith("<AllMemoryConfigs/>\n<home/>\n<sso/>\n</AllConfigs>"));
@@ -89,22 +89,22 @@ TEST_F(ConfigReport, DataFilesFollowWithoutTheirDeclarations) {
                 ElementsAre("Failed to read config file " + (profile.config() / "service-location.dat").string()));
 }
 
-TEST_F(ConfigReport, DataFileWithoutADeclarationLosesItsFirstCharacter) {
+TEST_F(ConfigReport, ADataFileWithoutADeclarationLosesItsFirstCharacter) {
     givenDataFile("service-location.dat", "<where/>");
     EXPECT_THAT(report(), HasSubstr(">\nwhere/>\n</AllConfigs>"));
 }
 
-TEST_F(ConfigReport, MarkAtTheVeryStartIsNoDeclaration) {
+TEST_F(ConfigReport, ADeclarationMarkAtPositionZeroIsIgnored) {
     givenDataFile("service-location.dat", "x?>rest");
     EXPECT_THAT(report(), HasSubstr(">\nx?>rest\n"));
 }
 
-TEST_F(ConfigReport, StoreNamedLikeTheDefaultsInAnotherCaseIsShown) {
+TEST_F(ConfigReport, ContainsAStoreWithTheDefaultsNameInAnotherCase) {
     given(makeReadOnlyStore("Lumora-Config-Defaults.xml", 900, {{L"k", L"v"}}));
     EXPECT_THAT(report(), HasSubstr(" <store name=\"Lumora-Config-Defaults.xml\" priority=\"900\">\n  <k>v</k>\n"));
 }
 
-TEST_F(ConfigReport, ShowsWhatEachStoreItselfAnswers) {
+TEST_F(ConfigReport, ContainsTheValuesThatEachStoreReturns) {
     ConfigMap values{
         {L"before", L"1"}, {L"CertificateValidationEnabled", L"true"}, {L"Telephony_P2P_Enabled", L"true"}};
     given(std::make_shared<CacheConfigStore>("Downloaded", 40, (profile.root() / "copy.dat").string(), values));
@@ -118,12 +118,12 @@ TEST_F(ConfigReport, ShowsWhatEachStoreItselfAnswers) {
     EXPECT_THAT(report(), HasSubstr("<Telephony_P2P_Enabled>true</Telephony_P2P_Enabled>"));
 }
 
-TEST_F(ConfigReport, KeyThatIsNoXmlNameStandsAsItIs) {
+TEST_F(ConfigReport, AKeyThatIsNoXmlNameIsWrittenUnchanged) {
     given(makeReadOnlyStore("S", 20, {{L"a b", L"v"}, {L"1st", L"w"}}));
     EXPECT_THAT(report(), HasSubstr("  <1st>w</1st>\n  <a b>v</a b>\n"));
 }
 
-TEST_F(ConfigReport, ReplacesWhatXmlCantCarry) {
+TEST_F(ConfigReport, ReplacesIllegalCharactersOfStoreNamesAndValues) {
     given(makeReadOnlyStore("S\x01\xC3\xA9", 20, {{L"k", L"v\u0002"}}));
     EXPECT_THAT(report(), HasSubstr(" <store name=\"S&#xFFFD;&#xE9;\" priority=\"20\">\n"
                                     "  <k>v\xEF\xBF\xBD</k>\n"));
@@ -134,7 +134,7 @@ TEST_F(ConfigReport, WritesTheNameOfAStoreInAsciiAndAValueInUtf8) {
     EXPECT_THAT(report(), HasSubstr(" <store name=\"Z&#xE9;\" priority=\"20\">\n  <k>\xC3\xA9</k>\n"));
 }
 
-TEST_F(ConfigReport, DataFilesFollowInTheirOrder) {
+TEST_F(ConfigReport, AppendsTheDataFilesInTheirOrder) {
     givenDataFile("SSOAuthInfoStore.dat", "<?xml version=\"1.0\"?><sso/>");
     givenDataFile("service-location.dat", "<?xml version=\"1.0\"?><where/>");
     givenDataFile("home-fenn-info.dat", "<?xml version=\"1.0\"?><home/>");

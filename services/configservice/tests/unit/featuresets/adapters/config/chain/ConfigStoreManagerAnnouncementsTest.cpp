@@ -24,7 +24,7 @@ using Stores = std::vector<std::shared_ptr<FakeConfigStore> (*)()>;
 
 } // namespace
 
-TEST_P(AnnouncedValues, FollowTheRules) {
+TEST_P(AnnouncedValues, EqualTheTableForEveryCombinationOfStores) {
     for (const auto make : GetParam().stores) {
         given(make());
     }
@@ -160,7 +160,7 @@ TEST_F(ConfigStoreManagerAnnouncements, OldAndNewNameAreAnnouncedInEveryCombinat
     }
 }
 
-TEST_F(ConfigStoreManagerAnnouncements, StoresThatChangeBetweenTheTwoReadingsAnnounceTheAdministratorsValue) {
+TEST_F(ConfigStoreManagerAnnouncements, AStoreThatChangesBetweenTheTwoReadingsAnnouncesTheAdministratorsValue) {
     const auto user = given(makeWritableStore("L", 20, {{L"TftpServer1", L"old"}}));
     const auto admin = given(makeReadOnlyStore("R", 33));
     given(makeReadOnlyStore("Probe", 1000));

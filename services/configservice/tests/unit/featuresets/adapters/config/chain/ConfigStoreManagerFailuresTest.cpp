@@ -238,7 +238,7 @@ INSTANTIATE_TEST_SUITE_P(Operations, ObserverThatThrows, testing::ValuesIn(obser
 
 } // namespace
 
-TEST_F(ConfigStoreManagerFailures, AStoreWithoutAPriorityStaysOutOfTheChain) {
+TEST_F(ConfigStoreManagerFailures, AStoreWhosePriorityThrowsIsNotAdded) {
     given(makeReadOnlyStore(restName, 700, {{L"k", L"rest"}}));
     const auto store = makeFailing("F");
     *store->failing = "getPriority";
@@ -250,7 +250,7 @@ TEST_F(ConfigStoreManagerFailures, AStoreWithoutAPriorityStaysOutOfTheChain) {
     EXPECT_EQ(valueOf(L"k"), L"v");
 }
 
-TEST_F(ConfigStoreManagerFailures, AStoreThatCannotListItsKeysIsInTheChainUnannounced) {
+TEST_F(ConfigStoreManagerFailures, AStoreWhoseKeysThrowIsAddedWithoutAnAnnouncement) {
     const auto store = makeFailing("F");
     *store->failing = "getKeys";
     EXPECT_THROW(manager.addStore(store), StoreFailure);
@@ -259,7 +259,7 @@ TEST_F(ConfigStoreManagerFailures, AStoreThatCannotListItsKeysIsInTheChainUnanno
     EXPECT_THAT(factory->backgroundDispatcher->getTaskNames(), IsEmpty());
 }
 
-TEST_F(ConfigStoreManagerFailures, AnObserverThatThrowsEndsTheAnnouncementOfAnArrival) {
+TEST_F(ConfigStoreManagerFailures, AnObserverThatThrowsStopsTheAnnouncementOfANewStore) {
     struct Added final : ConfigStoreAddedObserver {
         void OnConfigStoreAdded(const std::string&) override {}
     };
@@ -289,7 +289,7 @@ TEST_F(ConfigStoreManagerFailures, AnObserverThatThrowsAtAFiringLeavesTheLaterOn
     EXPECT_EQ(valueOf(L"b"), L"2");
 }
 
-TEST_F(ConfigStoreManagerFailures, AWriteIsPostedForPersistingThoughAnObserverThrows) {
+TEST_F(ConfigStoreManagerFailures, AWriteIsPostedForPersistingEvenIfAnObserverThrows) {
     const auto store = givenChain();
     observer.reaction = [](const std::wstring&) { throw ObserverFailure(); };
     EXPECT_THROW(manager.storeValue(L"k", L"w"), ObserverFailure);
@@ -300,7 +300,7 @@ TEST_F(ConfigStoreManagerFailures, AWriteIsPostedForPersistingThoughAnObserverTh
     EXPECT_EQ(store->store.values, (ConfigMap{{L"a", L"1"}, {L"b", L"2"}, {L"k", L"w"}}));
 }
 
-TEST_F(ConfigStoreManagerFailures, AWriteThatTheStoreThrewAtIsNeitherPersistedNorAnnounced) {
+TEST_F(ConfigStoreManagerFailures, AWriteForWhichTheStoreThrowsIsNeitherPersistedNorAnnounced) {
     *givenChain()->failing = "storeValue";
     EXPECT_THROW(manager.storeValue(L"k", L"w"), StoreFailure);
     EXPECT_THROW(manager.storeValue(ConfigMap{{L"k", L"w"}}), StoreFailure);
@@ -308,7 +308,7 @@ TEST_F(ConfigStoreManagerFailures, AWriteThatTheStoreThrewAtIsNeitherPersistedNo
     EXPECT_THAT(factory->backgroundDispatcher->getTaskNames(), IsEmpty());
 }
 
-TEST_F(ConfigStoreManagerFailures, AStoreThatThrowsWhenItIsPersistedFailsItsTaskAlone) {
+TEST_F(ConfigStoreManagerFailures, AStoreThatThrowsInPersistValuesFailsOnlyItsTask) {
     const auto store = givenChain();
     manager.storeValue(L"k", L"w");
     manager.storeValue(L"k", L"x");
@@ -319,7 +319,7 @@ TEST_F(ConfigStoreManagerFailures, AStoreThatThrowsWhenItIsPersistedFailsItsTask
     EXPECT_EQ(store->store.timesPersisted, 1);
 }
 
-TEST_F(ConfigStoreManagerFailures, StoresBehindOneThatThrowsAreNotDestroyed) {
+TEST_F(ConfigStoreManagerFailures, StoresBehindOneThatThrowsInDestroyAreNotDestroyed) {
     const auto first = given(makeReadOnlyStore("First", 10));
     const auto last = given(makeReadOnlyStore("Last", 600));
     *givenChain()->failing = "destroy";
@@ -328,7 +328,7 @@ TEST_F(ConfigStoreManagerFailures, StoresBehindOneThatThrowsAreNotDestroyed) {
     EXPECT_EQ(last->timesDestroyed, 0);
 }
 
-TEST_F(ConfigStoreManagerFailures, AKeyIsSensitiveThoughAnObserverThrows) {
+TEST_F(ConfigStoreManagerFailures, AKeyBecomesSensitiveEvenIfAnObserverThrows) {
     observer.reaction = [](const std::wstring&) { throw ObserverFailure(); };
     EXPECT_THROW(manager.setKeySensitive(L"Secret"), ObserverFailure);
     EXPECT_TRUE(manager.isSensitiveKey(L"secret"));
@@ -341,7 +341,7 @@ TEST_F(ConfigStoreManagerFailures, AResetStoreIsNotEmptiedIfAnObserverThrows) {
     EXPECT_FALSE(store->store.values.empty());
 }
 
-TEST_F(ConfigStoreManagerFailures, AStoreAddedObserverThatThrowsFailsItsTaskAlone) {
+TEST_F(ConfigStoreManagerFailures, AStoreAddedObserverThatThrowsFailsOnlyItsTask) {
     struct Added final : ConfigStoreAddedObserver {
         void OnConfigStoreAdded(const std::string&) override {
             ++calls;
@@ -364,7 +364,7 @@ TEST_F(ConfigStoreManagerFailures, AStoreAddedObserverThatThrowsFailsItsTaskAlon
     EXPECT_EQ(other->calls, 1);
 }
 
-TEST_F(ConfigStoreManagerFailures, AFailureInOneObserverEndsTheCallsOfTheOthers) {
+TEST_F(ConfigStoreManagerFailures, AnObserverThatThrowsPreventsTheCallsOfLaterObservers) {
     RecordingObserver second;
     manager.addObserver(&second);
     int failures = 0;

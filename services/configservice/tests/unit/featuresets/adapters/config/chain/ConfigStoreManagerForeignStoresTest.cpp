@@ -168,7 +168,7 @@ private:
     ConfigStoreManager manager{factory};
 };
 
-TEST(ConfigStoreManagerForeignStores, AnnounceAndLogTheSameAsStoresOfTheLibrary) {
+TEST(ConfigStoreManagerForeignStores, CauseTheSameAnnouncementsAndLinesAsStoresOfTheLibrary) {
     std::size_t lines = 0;
     for (unsigned number = 0; number < 100; ++number) {
         const auto expected = Story(number, true).tell();
@@ -179,7 +179,7 @@ TEST(ConfigStoreManagerForeignStores, AnnounceAndLogTheSameAsStoresOfTheLibrary)
         }
         lines += told.size();
     }
-    EXPECT_GT(lines, 5000U) << "the steps announce something";
+    EXPECT_GT(lines, 5000U) << "the steps cause no announcement";
 }
 
 } // namespace

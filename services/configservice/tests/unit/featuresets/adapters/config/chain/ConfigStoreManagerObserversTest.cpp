@@ -1,6 +1,6 @@
 #include "ConfigStoreManagerFixture.h"
+#include "StoreAddedRecorder.h"
 
-#include <ConfigStoreAddedObserver.h>
 #include <Watchdog.h>
 
 #include <thread>
@@ -11,21 +11,10 @@ namespace ZelUnified {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-namespace {
-
-class StoreAddedRecorder final : public ConfigStoreAddedObserver {
-public:
-    void OnConfigStoreAdded(const std::string& storeName) override { names.push_back(storeName); }
-
-    std::vector<std::string> names;
-};
-
-} // namespace
-
 /// Tests which observers are notified, when, and what a callback may do.
 class ConfigStoreManagerObservers : public ConfigStoreManagerFixture {};
 
-TEST_F(ConfigStoreManagerObservers, ArrivalTellsStoreAddedObserversLaterOnTheBackgroundDispatcher) {
+TEST_F(ConfigStoreManagerObservers, ANewStoreIsReportedToStoreAddedObserversOnTheBackgroundDispatcher) {
     const auto added = std::make_shared<StoreAddedRecorder>();
     manager.registerConfigStoreAddedObserver(added);
     manager.addStore(makeReadOnlyStore("R", 33));
@@ -36,7 +25,7 @@ TEST_F(ConfigStoreManagerObservers, ArrivalTellsStoreAddedObserversLaterOnTheBac
     EXPECT_THAT(added->names, ElementsAre("R"));
 }
 
-TEST_F(ConfigStoreManagerObservers, ArrivalOfAStoreWithoutKeysAnnouncesNothing) {
+TEST_F(ConfigStoreManagerObservers, AddingAStoreWithoutKeysAnnouncesNothing) {
     const auto added = std::make_shared<StoreAddedRecorder>();
     manager.registerConfigStoreAddedObserver(added);
     manager.addStore(makeReadOnlyStore("R", 33));
@@ -44,7 +33,7 @@ TEST_F(ConfigStoreManagerObservers, ArrivalOfAStoreWithoutKeysAnnouncesNothing) 
     EXPECT_EQ(factory->backgroundDispatcher->getTaskNames().size(), 1U);
 }
 
-TEST_F(ConfigStoreManagerObservers, SensitiveKeyIsToldEachTimeAndKnownInAnyCase) {
+TEST_F(ConfigStoreManagerObservers, ASensitiveKeyIsAnnouncedEachTimeAndFoundIgnoringCase) {
     manager.setKeySensitive(L"Secret");
     manager.setKeySensitive(L"Secret");
     EXPECT_THAT(observer.announcements, ElementsAre("sensitive Secret", "sensitive Secret"));
@@ -52,7 +41,7 @@ TEST_F(ConfigStoreManagerObservers, SensitiveKeyIsToldEachTimeAndKnownInAnyCase)
     EXPECT_FALSE(manager.isSensitiveKey(L"Secre"));
 }
 
-TEST_F(ConfigStoreManagerObservers, SensitiveKeysStayKnownInAnyCaseHoweverManyFollow) {
+TEST_F(ConfigStoreManagerObservers, AllOfManySensitiveKeysAreFoundIgnoringCase) {
     for (int added = 0; added < 200; ++added) {
         manager.setKeySensitive(L"Secret" + std::to_wstring(added));
         for (int known = 0; known <= added; ++known) {
@@ -62,57 +51,16 @@ TEST_F(ConfigStoreManagerObservers, SensitiveKeysStayKnownInAnyCaseHoweverManyFo
     }
 }
 
-TEST_F(ConfigStoreManagerObservers, StoreAddedObserverRegisteredTwiceIsToldTwiceAndLeavesAtOnce) {
-    const auto added = std::make_shared<StoreAddedRecorder>();
-    manager.registerConfigStoreAddedObserver(added);
-    manager.registerConfigStoreAddedObserver(added);
-    manager.addStore(makeReadOnlyStore("A", 1));
-    factory->backgroundDispatcher->runAll();
-    EXPECT_THAT(added->names, ElementsAre("A", "A"));
-    log.clear();
-    manager.unregisterConfigStoreAddedObserver(added);
-    EXPECT_THAT(logged(), ElementsAre("ConfigStoreAddedObserver unregistered"));
-    manager.addStore(makeReadOnlyStore("B", 1));
-    EXPECT_THAT(factory->backgroundDispatcher->getTaskNames(), IsEmpty());
-}
-
-TEST_F(ConfigStoreManagerObservers, StoreAddedObserverIsKeptAliveByItsNotification) {
-    auto added = std::make_shared<StoreAddedRecorder>();
-    manager.registerConfigStoreAddedObserver(added);
-    manager.addStore(makeReadOnlyStore("A", 1));
-    const std::weak_ptr<StoreAddedRecorder> watched = added;
-    added.reset();
-    EXPECT_FALSE(watched.expired());
-    factory->backgroundDispatcher->runAll();
-    EXPECT_TRUE(watched.expired());
-    manager.addStore(makeReadOnlyStore("B", 1));
-    EXPECT_THAT(factory->backgroundDispatcher->getTaskNames(), IsEmpty());
-}
-
-TEST_F(ConfigStoreManagerObservers, RegistrationOfStoreAddedObserversIsLogged) {
-    manager.registerConfigStoreAddedObserver(nullptr);
-    EXPECT_THAT(log.getRecords(), IsEmpty());
-    const auto added = std::make_shared<StoreAddedRecorder>();
-    manager.registerConfigStoreAddedObserver(added);
-    manager.unregisterConfigStoreAddedObserver(nullptr);
-    manager.unregisterConfigStoreAddedObserver(std::make_shared<StoreAddedRecorder>());
-    EXPECT_THAT(logged(), ElementsAre("ConfigStoreAddedObserver registered",
-                                      "Attempt to unregister null ConfigStoreAddedObserver",
-                                      "Attempt to unregister unknown ConfigStoreAddedObserver"));
-    EXPECT_THAT(loggedAt(ZelLogLevel::Info), ElementsAre("ConfigStoreAddedObserver registered"));
-    EXPECT_EQ(loggedAt(ZelLogLevel::Warning).size(), 2U);
-}
-
 TEST_F(ConfigStoreManagerObservers, WithoutADispatcherNotificationsAreDropped) {
-    ConfigStoreManager lonely(nullptr);
+    ConfigStoreManager managerWithoutFactory(nullptr);
     const auto added = std::make_shared<StoreAddedRecorder>();
-    lonely.registerConfigStoreAddedObserver(added);
-    lonely.addStore(makeWritableStore("A", 1));
-    EXPECT_TRUE(lonely.storeValue(L"k", L"v"));
+    managerWithoutFactory.registerConfigStoreAddedObserver(added);
+    managerWithoutFactory.addStore(makeWritableStore("A", 1));
+    EXPECT_TRUE(managerWithoutFactory.storeValue(L"k", L"v"));
     EXPECT_THAT(added->names, IsEmpty());
 }
 
-TEST_F(ConfigStoreManagerObservers, ObserverMayChangeTheChainDuringAnAnnouncement) {
+TEST_F(ConfigStoreManagerObservers, AnObserverMayChangeTheChainDuringAnAnnouncement) {
     given(makeReadOnlyStore("Victim", 40, {{L"v", L"1"}}));
     bool reacted = false;
     observer.reaction = [&](const std::wstring&) {
@@ -127,7 +75,7 @@ TEST_F(ConfigStoreManagerObservers, ObserverMayChangeTheChainDuringAnAnnouncemen
     EXPECT_EQ(valueOf(L"k"), L"1");
 }
 
-TEST_F(ConfigStoreManagerObservers, ObserverMayEmptyTheChainWhileNonLocalStoresAreDropped) {
+TEST_F(ConfigStoreManagerObservers, AnObserverMayEmptyTheChainWhileStoresThatAreNotLocalAreRemoved) {
     for (const auto* name : {"A", "B", "C"}) {
         const auto store = makeReadOnlyStore(name, 33, {{L"k", L"1"}});
         store->local = false;
@@ -144,7 +92,7 @@ TEST_F(ConfigStoreManagerObservers, ObserverMayEmptyTheChainWhileNonLocalStoresA
     }
 }
 
-TEST_F(ConfigStoreManagerObservers, StoreAddedObserversAreToldAfterAllAnnouncements) {
+TEST_F(ConfigStoreManagerObservers, StoreAddedObserversAreCalledAfterAllAnnouncements) {
     const auto added = std::make_shared<StoreAddedRecorder>();
     manager.registerConfigStoreAddedObserver(added);
     observer.reaction = [&](const std::wstring&) {
@@ -155,25 +103,7 @@ TEST_F(ConfigStoreManagerObservers, StoreAddedObserversAreToldAfterAllAnnounceme
     EXPECT_EQ(factory->backgroundDispatcher->getTaskNames().size(), 1U);
 }
 
-TEST_F(ConfigStoreManagerObservers, StoreAddedObserversAreToldInTheOrderOfTheirRegistration) {
-    struct Named final : ConfigStoreAddedObserver {
-        Named(std::string ownName, std::vector<std::string>& order) : name(std::move(ownName)), told(order) {}
-        void OnConfigStoreAdded(const std::string& storeName) override { told.push_back(name + " " + storeName); }
-        const std::string name;
-        std::vector<std::string>& told;
-    };
-    std::vector<std::string> told;
-    std::vector<std::shared_ptr<Named>> observers;
-    for (const auto* name : {"first", "second", "third"}) {
-        observers.push_back(std::make_shared<Named>(name, told));
-        manager.registerConfigStoreAddedObserver(observers.back());
-    }
-    manager.addStore(makeReadOnlyStore("R", 33));
-    factory->backgroundDispatcher->runAll();
-    EXPECT_THAT(told, ElementsAre("first R", "second R", "third R"));
-}
-
-TEST_F(ConfigStoreManagerObservers, EveryObserverIsToldOnceAndANullOneIsIgnored) {
+TEST_F(ConfigStoreManagerObservers, EveryObserverIsCalledOnceAndNullIsIgnored) {
     RecordingObserver second;
     manager.addObserver(nullptr);
     EXPECT_THAT(log.getRecords(), IsEmpty());
@@ -185,7 +115,7 @@ TEST_F(ConfigStoreManagerObservers, EveryObserverIsToldOnceAndANullOneIsIgnored)
     EXPECT_EQ(observer.announcements, second.announcements);
 }
 
-TEST_F(ConfigStoreManagerObservers, SensitiveKeyIsInForceForEveryThreadWhenObserversHear) {
+TEST_F(ConfigStoreManagerObservers, AKeyIsSensitiveForEveryThreadWhenObserversAreCalled) {
     const testing_host::Watchdog watchdog;
     bool known = false;
     observer.reaction = [&](const std::wstring& key) {
@@ -195,7 +125,7 @@ TEST_F(ConfigStoreManagerObservers, SensitiveKeyIsInForceForEveryThreadWhenObser
     EXPECT_TRUE(known);
 }
 
-TEST_F(ConfigStoreManagerObservers, StoreIsFoundByNameWhileAnotherThreadHoldsTheChain) {
+TEST_F(ConfigStoreManagerObservers, AStoreIsFoundByNameWhileAnotherThreadHoldsTheChainLock) {
     const testing_host::Watchdog watchdog;
     const auto store = given(makeReadOnlyStore("R", 33));
     std::shared_ptr<ConfigStore> found;
@@ -204,28 +134,28 @@ TEST_F(ConfigStoreManagerObservers, StoreIsFoundByNameWhileAnotherThreadHoldsThe
     EXPECT_EQ(found, store);
 }
 
-TEST_F(ConfigStoreManagerObservers, TheFactoryIsAskedForTheDispatcherOfEachTask) {
+TEST_F(ConfigStoreManagerObservers, TheDispatcherIsRequestedFromTheFactoryForEachTask) {
     struct CountingFactory final : testing_host::RecordingFactory {
         std::shared_ptr<Processing::TaskDispatcher> getBackgroundDispatcher() override {
-            ++questions;
+            ++requests;
             return backgroundDispatcher;
         }
-        int questions = 0;
+        int requests = 0;
     };
     const auto counting = std::make_shared<CountingFactory>();
-    ConfigStoreManager asking(counting);
-    EXPECT_EQ(counting->questions, 0);
+    ConfigStoreManager managerOfCounting(counting);
+    EXPECT_EQ(counting->requests, 0);
     const auto first = std::make_shared<StoreAddedRecorder>();
     const auto second = std::make_shared<StoreAddedRecorder>();
-    asking.registerConfigStoreAddedObserver(first);
-    asking.registerConfigStoreAddedObserver(second);
-    asking.addStore(makeWritableStore("L", 20));
-    EXPECT_EQ(counting->questions, 2);
-    asking.storeValue(L"k", L"v");
-    EXPECT_EQ(counting->questions, 3);
+    managerOfCounting.registerConfigStoreAddedObserver(first);
+    managerOfCounting.registerConfigStoreAddedObserver(second);
+    managerOfCounting.addStore(makeWritableStore("L", 20));
+    EXPECT_EQ(counting->requests, 2);
+    managerOfCounting.storeValue(L"k", L"v");
+    EXPECT_EQ(counting->requests, 3);
 }
 
-TEST_F(ConfigStoreManagerObservers, SensitiveKeyIsKnownWhileAnotherThreadHoldsTheChain) {
+TEST_F(ConfigStoreManagerObservers, ASensitiveKeyIsFoundWhileAnotherThreadHoldsTheChainLock) {
     const testing_host::Watchdog watchdog;
     manager.setKeySensitive(L"Secret");
     bool known = false;

@@ -77,21 +77,21 @@ protected:
     }
 };
 
-TEST_F(ConfigStoreManagerReading, AnnouncesTheSameBeforeAForeignStore) {
+TEST_F(ConfigStoreManagerReading, AnnouncesTheSameWithAndWithoutAForeignStore) {
     expectNoDifferenceWithAForeignStore(L"key");
 }
 
-TEST_F(ConfigStoreManagerReading, AnnouncesAKeyWithAnOldNameTheSameBeforeAForeignStore) {
+TEST_F(ConfigStoreManagerReading, AnnouncesARenamedKeyTheSameWithAndWithoutAForeignStore) {
     expectNoDifferenceWithAForeignStore(L"TFTPPrimaryServer");
     expectNoDifferenceWithAForeignStore(L"TftpServer1");
 }
 
-TEST_F(ConfigStoreManagerReading, AnnouncesTheKeyThatFipsModeOverridesTheSameBeforeAForeignStore) {
+TEST_F(ConfigStoreManagerReading, AnnouncesTheFipsKeyTheSameWithAndWithoutAForeignStore) {
     zel::common::FipsUtils::overrideFipsMode(true);
     expectNoDifferenceWithAForeignStore(L"Telephony_P2P_Enabled");
 }
 
-TEST_F(ConfigStoreManagerReading, LogsTheSameBeforeAForeignStore) {
+TEST_F(ConfigStoreManagerReading, LogsTheSameWithAndWithoutAForeignStore) {
     const Sources chain{Source{false, L"john@example.com"}, Source{true, L""}, Source{true, std::nullopt}};
     const auto logged = [&chain](bool endsInForeignStore) {
         const testing_host::LogRecorder log(testing_host::LogRecorder::Debug::On);

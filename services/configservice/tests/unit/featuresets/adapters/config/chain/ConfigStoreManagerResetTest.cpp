@@ -14,7 +14,7 @@ protected:
     testing_host::TemporaryProfile profile;
 };
 
-TEST_F(ConfigStoreManagerReset, LeavesExactlyTheFiveSparedStoresWithTheirKeys) {
+TEST_F(ConfigStoreManagerReset, KeepsOnlyTheFiveSparedStoresWithTheirKeys) {
     const std::vector<std::string> spared{"UrlProvisioningConfigStore", "BootstrapConfigStore", "MdmConfigStore",
                                           "lumora-config-defaults.xml", "devOverrideConfigStore"};
     for (const auto& name : spared) {
@@ -34,7 +34,7 @@ TEST_F(ConfigStoreManagerReset, LeavesExactlyTheFiveSparedStoresWithTheirKeys) {
     EXPECT_THAT(factory->backgroundDispatcher->getTaskNames(), IsEmpty());
 }
 
-TEST_F(ConfigStoreManagerReset, NameInAnotherCaseIsNotSpared) {
+TEST_F(ConfigStoreManagerReset, AStoreWithASparedNameInAnotherCaseIsRemoved) {
     given(makeReadOnlyStore("mdmconfigstore", 500, {{L"k", L"v"}}));
     manager.resetConfigData();
     EXPECT_FALSE(manager.hasStoreWithName("MdmConfigStore"));
@@ -51,7 +51,7 @@ TEST_F(ConfigStoreManagerReset, AnnouncesThenEmptiesFromTheLastStoreToTheFirst) 
                                       "Removing store: First", "Removing all keys for store: First"));
 }
 
-TEST_F(ConfigStoreManagerReset, CachingStoreLosesItsFile) {
+TEST_F(ConfigStoreManagerReset, DeletesTheFileOfACachingStore) {
     given(makeReadOnlyStore("R", 33))->caching = true;
     testing_host::writeFile(cached("cachedR.dat"), "x");
     manager.resetConfigData();
@@ -62,7 +62,7 @@ TEST_F(ConfigStoreManagerReset, CachingStoreLosesItsFile) {
     EXPECT_FALSE(std::filesystem::exists(cached("cachedR.dat")));
 }
 
-TEST_F(ConfigStoreManagerReset, FileOfARemovedStoreIsNamedAsTheCallerSpellsIt) {
+TEST_F(ConfigStoreManagerReset, RemovingAStoreDeletesTheFileInTheCallersSpelling) {
     given(makeReadOnlyStore("UrlProvisioningConfigStore", 499));
     testing_host::writeFile(cached("cachedUrlProvisioningConfigStore.dat"), "x");
     testing_host::writeFile(cached("cachedurlprovisioningconfigstore.dat"), "x");
@@ -71,14 +71,14 @@ TEST_F(ConfigStoreManagerReset, FileOfARemovedStoreIsNamedAsTheCallerSpellsIt) {
     EXPECT_FALSE(std::filesystem::exists(cached("cachedurlprovisioningconfigstore.dat")));
 }
 
-TEST_F(ConfigStoreManagerReset, FileOfAStoreThatDoesNotAskForACopyStays) {
+TEST_F(ConfigStoreManagerReset, RemovingAStoreThatRequestsNoCopyKeepsItsFile) {
     given(makeReadOnlyStore("R", 33));
     testing_host::writeFile(cached("cachedR.dat"), "x");
     EXPECT_TRUE(manager.removeStoreWithSameName("R"));
     EXPECT_TRUE(std::filesystem::exists(cached("cachedR.dat")));
 }
 
-TEST_F(ConfigStoreManagerReset, ObserverMayEmptyTheChainMeanwhile) {
+TEST_F(ConfigStoreManagerReset, AnObserverMayEmptyTheChainDuringTheReset) {
     for (const auto* name : {"A", "B", "C"}) {
         given(makeWritableStore(name, 33, {{L"k", L"1"}}));
     }
@@ -92,7 +92,7 @@ TEST_F(ConfigStoreManagerReset, ObserverMayEmptyTheChainMeanwhile) {
     EXPECT_FALSE(manager.hasStoreWithName("C"));
 }
 
-TEST_F(ConfigStoreManagerReset, OneStoreIsEmptiedInSilence) {
+TEST_F(ConfigStoreManagerReset, EmptiesOneStoreWithoutALineOrAnAnnouncement) {
     const auto user = given(makeWritableStore("LocalFileConfigStore", 20, {{L"k", L"u"}}));
     manager.resetConfigData("localfileconfigstore");
     EXPECT_EQ(user->values.size(), 1U);
@@ -105,68 +105,7 @@ TEST_F(ConfigStoreManagerReset, OneStoreIsEmptiedInSilence) {
     EXPECT_THAT(logged(), ElementsAre("Removing all keys for store: LocalFileConfigStore"));
 }
 
-TEST_F(ConfigStoreManagerReset, CachedXmlFileGoesWithItsTwin) {
-    testing_host::writeFile(cached("cachedR.xml"), "x");
-    testing_host::writeFile(cached("cachedR.dat"), "x");
-    EXPECT_TRUE(manager.removeCachedFiles("cachedR.xml"));
-    EXPECT_FALSE(std::filesystem::exists(cached("cachedR.xml")));
-    EXPECT_FALSE(std::filesystem::exists(cached("cachedR.dat")));
-    EXPECT_THAT(logged(), ElementsAre("Removed file: " + cached("cachedR.xml").string(),
-                                      "Removed file: " + cached("cachedR.dat").string()));
-    EXPECT_EQ(loggedAt(ZelLogLevel::Info), logged());
-    EXPECT_EQ(log.getRecords().front().function, "ZelUnified::ConfigStoreManager::removeFile");
-}
-
-TEST_F(ConfigStoreManagerReset, TwinOfACachedXmlFileIsEnough) {
-    testing_host::writeFile(cached("cachedR.dat"), "x");
-    EXPECT_TRUE(manager.removeCachedFiles("cachedR.xml"));
-    EXPECT_FALSE(std::filesystem::exists(cached("cachedR.dat")));
-}
-
-TEST_F(ConfigStoreManagerReset, CachedDatFileGoesAlone) {
-    testing_host::writeFile(cached("cachedR.xml"), "x");
-    testing_host::writeFile(cached("cachedR.dat"), "x");
-    EXPECT_TRUE(manager.removeCachedFiles("cachedR.dat"));
-    EXPECT_TRUE(std::filesystem::exists(cached("cachedR.xml")));
-}
-
-TEST_F(ConfigStoreManagerReset, ExtensionOfACachedFileIsExact) {
-    testing_host::writeFile(cached("cachedR.dat"), "x");
-    EXPECT_FALSE(manager.removeCachedFiles("cachedR.XML"));
-    EXPECT_TRUE(std::filesystem::exists(cached("cachedR.dat")));
-}
-
-TEST_F(ConfigStoreManagerReset, MissingCachedFileIsSilent) {
-    EXPECT_FALSE(manager.removeCachedFiles("cachedR.xml"));
-    EXPECT_THAT(logged(), IsEmpty());
-}
-
-TEST_F(ConfigStoreManagerReset, FileThatCannotBeRemovedIsAnErrorAndStillCounts) {
-    std::filesystem::create_directories(cached("cachedR.dat"));
-    EXPECT_TRUE(manager.removeCachedFiles("cachedR.dat"));
-    EXPECT_THAT(log.getTexts(ZelLogLevel::Error),
-                ElementsAre("Failed to remove file: " + cached("cachedR.dat").string()));
-}
-
-TEST_F(ConfigStoreManagerReset, FileThroughTheParentFolderIsNotRemoved) {
-    testing_host::writeFile(profile.config() / "victim.dat", "x");
-    testing_host::writeFile(cached("cached..") / "x.dat", "x");
-    testing_host::writeFile(cached("cached...dat"), "x");
-    testing_host::writeFile(cached("other...dat"), "x");
-    for (const auto* name : {"../victim.dat", "../victim.xml", "cached../x.dat", "cached../x.xml", "cached...dat"}) {
-        log.clear();
-        EXPECT_FALSE(manager.removeCachedFiles(name)) << name;
-        EXPECT_THAT(logged(),
-                    ElementsAre("Name contains \"..\", cached file not removed: [" + std::string(name) + "]"));
-        EXPECT_EQ(loggedAt(ZelLogLevel::Warning), logged());
-    }
-    EXPECT_TRUE(std::filesystem::exists(profile.config() / "victim.dat"));
-    EXPECT_TRUE(std::filesystem::exists(cached("cached..") / "x.dat"));
-    EXPECT_TRUE(std::filesystem::exists(cached("cached...dat")));
-    EXPECT_TRUE(manager.removeCachedFiles("other...dat"));
-}
-
-TEST_F(ConfigStoreManagerReset, AllCachedFilesGoAndStoresNamedAfterThem) {
+TEST_F(ConfigStoreManagerReset, RemovingAllCachedStoresRemovesTheFilesAndTheStoresNamedAfterThem) {
     testing_host::writeFile(cached("cachedA.dat"), "x");
     testing_host::writeFile(cached("cachedB.xml"), "x");
     testing_host::writeFile(cached("notes.txt"), "x");
@@ -184,7 +123,7 @@ TEST_F(ConfigStoreManagerReset, AllCachedFilesGoAndStoresNamedAfterThem) {
     EXPECT_TRUE(manager.hasStoreWithName("A"));
 }
 
-TEST_F(ConfigStoreManagerReset, OtherFilesOfTheCacheFolderAreIgnoredInSilence) {
+TEST_F(ConfigStoreManagerReset, OtherFilesOfTheCacheFolderAreKeptWithoutALine) {
     for (const auto* name : {"notes.txt", "dat", "cachedC.DAT", "cachedC.dat.bak"}) {
         testing_host::writeFile(cached(name), "x");
     }

@@ -40,7 +40,7 @@ TEST_F(ConfigStoreManagerTest, LowerPriorityNumberWins) {
     EXPECT_EQ(valueOf(L"k"), L"early");
 }
 
-TEST_F(ConfigStoreManagerTest, OfEqualPrioritiesTheFirstAddedAnswers) {
+TEST_F(ConfigStoreManagerTest, AmongEqualPrioritiesTheFirstAddedStoreWins) {
     for (int i = 0; i < 50; ++i) {
         given(makeReadOnlyStore("S" + std::to_string(i), 33, {{L"k", std::to_wstring(i)}}));
     }
@@ -53,7 +53,7 @@ TEST_F(ConfigStoreManagerTest, ExtremePrioritiesAreOrdered) {
     EXPECT_EQ(valueOf(L"k"), L"first");
 }
 
-TEST_F(ConfigStoreManagerTest, SecondStoreOfANameReplacesTheFirst) {
+TEST_F(ConfigStoreManagerTest, ASecondStoreOfANameReplacesTheFirst) {
     given(makeReadOnlyStore("R", 33, {{L"gone", L"1"}, {L"kept", L"1"}}));
     manager.addStore(makeReadOnlyStore("r", 33, {{L"Kept", L"2"}, {L"new", L"2"}}));
     EXPECT_THAT(observer.announcements, ElementsAre("gone:  [] |  [] undefined", "Kept: 2 [r] | 2 [r] deferred",
@@ -62,14 +62,14 @@ TEST_F(ConfigStoreManagerTest, SecondStoreOfANameReplacesTheFirst) {
     EXPECT_THAT(logged(), ElementsAre("updating existing store: r", "adding new store: r, Config stores : [r(33)]"));
 }
 
-TEST_F(ConfigStoreManagerTest, KeysGoneWithAnUpdateFallBackOnTheRestOfTheChain) {
+TEST_F(ConfigStoreManagerTest, KeysThatAnUpdateRemovesAreAnnouncedWithTheRestOfTheChain) {
     given(makeReadOnlyStore("Rest", 500, {{L"gone", L"rest"}}));
     given(makeReadOnlyStore("R", 33, {{L"gone", L"1"}}));
     manager.addStore(makeReadOnlyStore("R", 33));
     EXPECT_THAT(observer.announcements, ElementsAre("gone: rest [Rest] | rest [Rest]"));
 }
 
-TEST_F(ConfigStoreManagerTest, UpdateThatLandsBehindItsOldPlaceIsAnnouncedTwice) {
+TEST_F(ConfigStoreManagerTest, AnUpdateToALowerRankIsAnnouncedTwice) {
     given(makeReadOnlyStore("R", 33, {{L"k", L"1"}}));
     given(makeReadOnlyStore("Other", 40));
     manager.addStore(makeReadOnlyStore("R", 50, {{L"k", L"2"}}));
@@ -77,14 +77,14 @@ TEST_F(ConfigStoreManagerTest, UpdateThatLandsBehindItsOldPlaceIsAnnouncedTwice)
                                                     "k: 2 [R] | 2 [R] deferred", "fire k"));
 }
 
-TEST_F(ConfigStoreManagerTest, UpdateThatLandsAheadIsAnnouncedOnce) {
+TEST_F(ConfigStoreManagerTest, AnUpdateToAHigherRankIsAnnouncedOnce) {
     given(makeReadOnlyStore("Other", 40));
     given(makeReadOnlyStore("R", 50, {{L"k", L"1"}}));
     manager.addStore(makeReadOnlyStore("R", 33, {{L"k", L"2"}}));
     EXPECT_THAT(observer.announcements, ElementsAre("k: 2 [R] | 2 [R] deferred", "fire k"));
 }
 
-TEST_F(ConfigStoreManagerTest, UpdateOfACachingStoreTakesTheStoreNamedAfterItsFileAlong) {
+TEST_F(ConfigStoreManagerTest, UpdatingACachingStoreRemovesTheStoreNamedAfterItsFile) {
     const auto live = makeReadOnlyStore("R", 33);
     live->caching = true;
     given(live);
@@ -94,7 +94,7 @@ TEST_F(ConfigStoreManagerTest, UpdateOfACachingStoreTakesTheStoreNamedAfterItsFi
     EXPECT_THAT(observer.announcements, IsEmpty());
 }
 
-TEST_F(ConfigStoreManagerTest, UpdateOfAnUnknownStoreDoesAndLogsNothing) {
+TEST_F(ConfigStoreManagerTest, UpdatingAnUnknownStoreDoesAndLogsNothing) {
     manager.updateExistingConfigStore(makeReadOnlyStore("R", 33, {{L"k", L"1"}}), {L"old"});
     manager.updateExistingConfigStore(nullptr, {L"old"});
     EXPECT_FALSE(manager.hasStoreWithName("R"));
@@ -102,7 +102,7 @@ TEST_F(ConfigStoreManagerTest, UpdateOfAnUnknownStoreDoesAndLogsNothing) {
     EXPECT_THAT(log.getRecords(), IsEmpty());
 }
 
-TEST_F(ConfigStoreManagerTest, RemovalAnnouncesTheKeysUnderWhatTheRestSays) {
+TEST_F(ConfigStoreManagerTest, RemovingAStoreAnnouncesItsKeysWithTheRestOfTheChain) {
     given(makeReadOnlyStore("Rest", 500, {{L"k", L"rest"}}));
     given(makeReadOnlyStore("R", 33, {{L"k", L"1"}, {L"only", L"1"}}));
     EXPECT_TRUE(manager.removeStoreWithSameName("r"));
@@ -111,13 +111,13 @@ TEST_F(ConfigStoreManagerTest, RemovalAnnouncesTheKeysUnderWhatTheRestSays) {
     EXPECT_THAT(logged(), ElementsAre("Removing store: r"));
 }
 
-TEST_F(ConfigStoreManagerTest, RemovalOfAnUnknownStoreIsSilent) {
+TEST_F(ConfigStoreManagerTest, RemovingAnUnknownStoreLogsAndAnnouncesNothing) {
     EXPECT_FALSE(manager.removeStoreWithSameName("R"));
     EXPECT_THAT(logged(), IsEmpty());
     EXPECT_THAT(observer.announcements, IsEmpty());
 }
 
-TEST_F(ConfigStoreManagerTest, NonLocalStoresAreDroppedFromTheLastToTheFirstWithoutALine) {
+TEST_F(ConfigStoreManagerTest, StoresThatAreNotLocalAreRemovedFromTheLastToTheFirstWithoutALine) {
     for (const auto* name : {"A", "B", "C"}) {
         const auto store = makeReadOnlyStore(name, 33, {{KyrCoreUtils::toWideString(std::string(name)), L"1"}});
         store->local = std::string(name) == "B";
@@ -137,7 +137,7 @@ TEST_F(ConfigStoreManagerTest, DestroyedStoresStayInTheChain) {
     EXPECT_EQ(valueOf(L"k"), L"1");
 }
 
-TEST_F(ConfigStoreManagerTest, OverrideStoreNeverShowsInALog) {
+TEST_F(ConfigStoreManagerTest, TheOverrideStoreIsNotLogged) {
     manager.addStore(makeReadOnlyStore("DevOverrideConfigStore", 1, {{L"k", L"override"}}));
     EXPECT_THAT(logged(), IsEmpty());
     EXPECT_EQ(valueOf(L"k"), L"override");
@@ -155,14 +155,14 @@ TEST_F(ConfigStoreManagerTest, StoresAreFoundIgnoringCase) {
     EXPECT_EQ(manager.getStoreByName("other"), nullptr);
 }
 
-TEST_F(ConfigStoreManagerTest, OldNameInAnArrivingStoreIsAnnouncedUnderTheNewOne) {
+TEST_F(ConfigStoreManagerTest, AnOldNameInANewStoreIsAnnouncedUnderTheNewName) {
     manager.addStore(makeReadOnlyStore("X", 50, {{L"TftpServer1", L"a"}, {L"Zed", L"z"}}));
     EXPECT_THAT(observer.announcements,
                 ElementsAre("TFTPPrimaryServer: a [X] | a [X] deferred", "Zed: z [X] | z [X] deferred",
                             "fire TFTPPrimaryServer", "fire Zed"));
 }
 
-TEST_F(ConfigStoreManagerTest, OldNameIsNotAnnouncedWhileAnyStoreHoldsTheNewOne) {
+TEST_F(ConfigStoreManagerTest, AnOldNameIsNotAnnouncedWhileAnyStoreHoldsTheNewName) {
     given(makeReadOnlyStore("Last", 500, {{L"TFTPPrimaryServer", L"new"}}));
     manager.addStore(makeReadOnlyStore("X", 50, {{L"TftpServer1", L"old"}}));
     EXPECT_THAT(observer.announcements, IsEmpty());
@@ -176,7 +176,7 @@ TEST_F(ConfigStoreManagerTest, ReturnsTheNewNameOfEachOldName) {
     EXPECT_EQ(found->second, L"VoicmeailPollingInterval");
 }
 
-TEST_F(ConfigStoreManagerTest, ChangesOfTheChainAreInfoLinesUnderTheirOperations) {
+TEST_F(ConfigStoreManagerTest, ChangesOfTheChainAreLoggedAtInfoLevelUnderTheirOperations) {
     manager.addStore(makeReadOnlyStore("R", 33));
     manager.addStore(makeReadOnlyStore("R", 33));
     manager.removeStoreWithSameName("R");
@@ -191,7 +191,7 @@ TEST_F(ConfigStoreManagerTest, ChangesOfTheChainAreInfoLinesUnderTheirOperations
                             "ZelUnified::ConfigStoreManager::removeStoreWithSameName"));
 }
 
-TEST_F(ConfigStoreManagerTest, UpdateIsAskedOfTheOldStoreAndItsCopyIsNotAnnounced) {
+TEST_F(ConfigStoreManagerTest, AnUpdateKeepsTheCopyIfTheOldStoreRequestedNone) {
     const auto update = makeReadOnlyStore("R", 33);
     update->caching = true;
     given(makeReadOnlyStore("R", 33));

@@ -35,14 +35,14 @@ TEST_F(ConfigStoreManagerWrite, NeverReachesReadOnlyOrVolatileStores) {
     EXPECT_THAT(tasks(), IsEmpty());
 }
 
-TEST_F(ConfigStoreManagerWrite, RefusalIsPersistedAndAnnouncedAllTheSame) {
+TEST_F(ConfigStoreManagerWrite, ARefusedValueIsStillPersistedAndAnnounced) {
     given(makeWritableStore("L", 20))->refusesWrites = true;
     EXPECT_FALSE(manager.storeValue(L"k", L"v"));
     EXPECT_THAT(observer.announcements, ElementsAre("k:  [] |  [] undefined"));
     EXPECT_THAT(tasks(), ElementsAre("ConfigStore::persistValues"));
 }
 
-TEST_F(ConfigStoreManagerWrite, StoreThatLeftTheChainIsStillPersisted) {
+TEST_F(ConfigStoreManagerWrite, AStoreThatWasRemovedIsStillPersisted) {
     const auto user = given(makeWritableStore("L", 20));
     manager.storeValue(L"k", L"v");
     manager.removeStoreWithSameName("L");
@@ -50,7 +50,7 @@ TEST_F(ConfigStoreManagerWrite, StoreThatLeftTheChainIsStillPersisted) {
     EXPECT_EQ(user->timesPersisted, 1);
 }
 
-TEST_F(ConfigStoreManagerWrite, MapGoesToEveryWritableStoreAndIsAnnouncedForEach) {
+TEST_F(ConfigStoreManagerWrite, AMapIsWrittenToEveryWritableStoreAndAnnouncedForEach) {
     const auto first = given(makeWritableStore("L", 20));
     const auto second = given(makeWritableStore("M", 30));
     given(makeWritableStore("InMemoryConfigStore", 600));
@@ -61,7 +61,7 @@ TEST_F(ConfigStoreManagerWrite, MapGoesToEveryWritableStoreAndIsAnnouncedForEach
     EXPECT_THAT(tasks(), ElementsAre("ConfigStore::persistValues", "ConfigStore::persistValues"));
 }
 
-TEST_F(ConfigStoreManagerWrite, IsPostedForPersistingBeforeObserversHear) {
+TEST_F(ConfigStoreManagerWrite, IsPostedForPersistingBeforeObserversAreCalled) {
     given(makeWritableStore("L", 20));
     std::vector<std::size_t> posted;
     observer.reaction = [&](const std::wstring&) { posted.push_back(tasks().size()); };
@@ -73,18 +73,18 @@ TEST_F(ConfigStoreManagerWrite, IsPostedForPersistingBeforeObserversHear) {
     EXPECT_THAT(posted, ElementsAre(1U, 1U, 2U, 2U));
 }
 
-TEST_F(ConfigStoreManagerWrite, IsPersistedAlsoAfterTheManagersEnd) {
+TEST_F(ConfigStoreManagerWrite, IsPersistedEvenAfterTheManagerIsDestroyed) {
     const auto user = makeWritableStore("L", 20);
     {
-        ConfigStoreManager ending(factory);
-        ending.addStore(user);
-        ending.storeValue(L"k", L"v");
+        ConfigStoreManager destroyedManager(factory);
+        destroyedManager.addStore(user);
+        destroyedManager.storeValue(L"k", L"v");
     }
     factory->backgroundDispatcher->runAll();
     EXPECT_EQ(user->timesPersisted, 1);
 }
 
-TEST_F(ConfigStoreManagerWrite, ObserverOfAMapMayRemoveAndAddStoresMeanwhile) {
+TEST_F(ConfigStoreManagerWrite, AnObserverMayRemoveAndAddStoresDuringTheWriteOfAMap) {
     std::weak_ptr<ConfigStore> removed = given(makeWritableStore("M", 30));
     given(makeWritableStore("L", 20));
     observer.reaction = [&](const std::wstring&) {
@@ -104,14 +104,14 @@ TEST_F(ConfigStoreManagerWrite, ObserverOfAMapMayRemoveAndAddStoresMeanwhile) {
     EXPECT_TRUE(removed.expired());
 }
 
-TEST_F(ConfigStoreManagerWrite, RefusedPairOfAMapIsAWarningWithOneCharacter) {
+TEST_F(ConfigStoreManagerWrite, ARefusedPairOfAMapIsAWarningWithOneCharacter) {
     given(makeWritableStore("L", 20))->refusesWrites = true;
     EXPECT_TRUE(manager.storeValue(ConfigMap{{L"", L"0"}, {L"secretKey", L"1"}}));
     EXPECT_THAT(log.getTexts(ZelLogLevel::Warning),
                 ElementsAre("Unable to store the value with key: ", "Unable to store the value with key: s"));
 }
 
-TEST_F(ConfigStoreManagerWrite, EmptyMapSucceedsWhenThereIsATarget) {
+TEST_F(ConfigStoreManagerWrite, AnEmptyMapSucceedsIfThereIsAWritableStore) {
     given(makeWritableStore("L", 20));
     EXPECT_TRUE(manager.storeValue(ConfigMap{}));
     EXPECT_THAT(tasks(), ElementsAre("ConfigStore::persistValues"));
@@ -130,7 +130,7 @@ TEST_F(ConfigStoreManagerWrite, VolatileValueWithoutAVolatileStoreIsRefused) {
     EXPECT_THAT(observer.announcements, IsEmpty());
 }
 
-TEST_F(ConfigStoreManagerWrite, RemovalTakesOldAndNewNamesFromEveryWritableStore) {
+TEST_F(ConfigStoreManagerWrite, RemovalRemovesOldAndNewNameFromEveryWritableStore) {
     const auto user = given(makeWritableStore("L", 20, {{L"TftpServer1", L"1"}, {L"TFTPPrimaryServer", L"2"}}));
     const auto memory = given(makeWritableStore("InMemoryConfigStore", 600, {{L"TFTPPrimaryServer", L"3"}}));
     const auto admin = given(makeReadOnlyStore("R", 700, {{L"TftpServer1", L"a"}}));
@@ -150,14 +150,14 @@ TEST_F(ConfigStoreManagerWrite, RemovalByTheOldNameIsNotAnnouncedWhileTheNewOneI
     EXPECT_EQ(valueOf(L"TFTPPrimaryServer"), L"a");
 }
 
-TEST_F(ConfigStoreManagerWrite, RemovalByTheNewNameTakesTheOldOneAlong) {
+TEST_F(ConfigStoreManagerWrite, RemovalByTheNewNameAlsoRemovesTheOldName) {
     const auto user = given(makeWritableStore("L", 20, {{L"CtiServer1", L"1"}}));
     EXPECT_TRUE(manager.removeValue(L"CTIPrimaryServer"));
     EXPECT_TRUE(user->values.empty());
     EXPECT_THAT(observer.announcements, ElementsAre("CTIPrimaryServer:  [] |  [] undefined"));
 }
 
-TEST_F(ConfigStoreManagerWrite, RemovalOfNothingIsSilent) {
+TEST_F(ConfigStoreManagerWrite, RemovingAnUnheldKeyAnnouncesAndPersistsNothing) {
     given(makeWritableStore("L", 20));
     given(makeReadOnlyStore("R", 33, {{L"k", L"a"}}));
     EXPECT_FALSE(manager.removeValue(L"k"));
@@ -171,7 +171,7 @@ protected:
     const std::filesystem::path copy = profile.config() / "Cache" / "cachedUrlProvisioningConfigStore.dat";
 };
 
-TEST_F(ConfigStoreManagerProvisioning, MakesAStoreOfTheAllowedKeysAndForbidsAnother) {
+TEST_F(ConfigStoreManagerProvisioning, CreatesAStoreOfTheAllowedKeysAndForbidsASecondUrl) {
     const auto user = given(makeWritableStore("LocalFileConfigStore", 20));
     EXPECT_TRUE(manager.setUrlProvisioningData(L"app://x?ServicesDomain=example.com&Foreign=1"));
     const auto store = manager.getStoreByName("UrlProvisioningConfigStore");
@@ -184,7 +184,7 @@ TEST_F(ConfigStoreManagerProvisioning, MakesAStoreOfTheAllowedKeysAndForbidsAnot
     EXPECT_FALSE(log.mentions("Foreign"));
 }
 
-TEST_F(ConfigStoreManagerProvisioning, UrlWithoutAnAllowedPairChangesNothing) {
+TEST_F(ConfigStoreManagerProvisioning, AUrlWithoutAnAllowedPairChangesNothing) {
     given(makeWritableStore("LocalFileConfigStore", 20));
     EXPECT_FALSE(manager.setUrlProvisioningData(L"app://x?ServicesDomain"));
     EXPECT_FALSE(manager.hasStoreWithName("UrlProvisioningConfigStore"));
@@ -196,20 +196,20 @@ TEST_F(ConfigStoreManagerProvisioning, UrlWithoutAnAllowedPairChangesNothing) {
     EXPECT_THAT(observer.announcements, IsEmpty());
 }
 
-TEST_F(ConfigStoreManagerProvisioning, SecondUrlReplacesTheStore) {
+TEST_F(ConfigStoreManagerProvisioning, ASecondUrlReplacesTheStore) {
     manager.setUrlProvisioningData(L"?ServicesDomain=one&IP_MODE=4");
     manager.setUrlProvisioningData(L"?ServicesDomain=two");
     EXPECT_EQ(valueOf(L"ServicesDomain"), L"two");
     EXPECT_EQ(valueOf(L"IP_MODE"), L"(none)");
 }
 
-TEST_F(ConfigStoreManagerProvisioning, UrlIsTakenThoughNoStoreCanForbidAnother) {
+TEST_F(ConfigStoreManagerProvisioning, AUrlIsAcceptedEvenIfNoStoreCanForbidASecondOne) {
     EXPECT_TRUE(manager.setUrlProvisioningData(L"?ServicesDomain=one"));
     EXPECT_EQ(valueOf(L"ServicesDomain"), L"one");
     EXPECT_EQ(valueOf(L"AllowUrlProvisioning"), L"(none)");
 }
 
-TEST_F(ConfigStoreManagerProvisioning, RemovedStoreTakesItsFileAlong) {
+TEST_F(ConfigStoreManagerProvisioning, RemovingTheStoreDeletesItsFile) {
     manager.setUrlProvisioningData(L"?ServicesDomain=one");
     EXPECT_TRUE(manager.removeStoreWithSameName("UrlProvisioningConfigStore"));
     EXPECT_FALSE(std::filesystem::exists(copy));

@@ -26,7 +26,7 @@ TEST(RenamedKeys, FindsBothNamesOfEachRenamedKeyOfTheCatalogue) {
     EXPECT_GE(renamed, 18U);
 }
 
-TEST(RenamedKeys, NamesAreFoundIgnoringCaseAndOneWayOnly) {
+TEST(RenamedKeys, FindsNamesIgnoringCaseInOneDirectionOnly) {
     const RenamedKeys renamedKeys;
     EXPECT_NE(renamedKeys.findNewName(L"TFTPSERVER1"), nullptr);
     EXPECT_EQ(renamedKeys.findNewName(L"TFTPPrimaryServer"), nullptr);

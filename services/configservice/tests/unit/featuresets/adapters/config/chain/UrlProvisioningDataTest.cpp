@@ -10,7 +10,7 @@ using testing::IsEmpty;
 using testing::Pair;
 using testing::SizeIs;
 
-TEST(UrlProvisioningData, TakesTheAllowedKeysOnly) {
+TEST(UrlProvisioningData, AcceptsOnlyTheAllowedKeys) {
     EXPECT_THAT(parseUrlProvisioningData(L"app://x?ServicesDomain=example.com&Foreign=1"),
                 ElementsAre(Pair(L"ServicesDomain", L"example.com")));
 }
@@ -32,12 +32,12 @@ TEST(UrlProvisioningData, EmptyPartsAreDropped) {
     EXPECT_THAT(parseUrlProvisioningData(L"?ServicesDomain=a&&"), ElementsAre(Pair(L"ServicesDomain", L"a")));
 }
 
-TEST(UrlProvisioningData, PairNeedsExactlyOneSign) {
+TEST(UrlProvisioningData, APairContainsExactlyOneEqualsSign) {
     EXPECT_THAT(parseUrlProvisioningData(L"?ServicesDomain"), IsEmpty());
     EXPECT_THAT(parseUrlProvisioningData(L"?ServicesDomain=a=b&IP_MODE=4"), ElementsAre(Pair(L"IP_MODE", L"4")));
 }
 
-TEST(UrlProvisioningData, EmptyValueIsKeptAndEmptyKeyDropped) {
+TEST(UrlProvisioningData, AnEmptyValueIsKeptAndAnEmptyKeyIsDropped) {
     EXPECT_THAT(parseUrlProvisioningData(L"?ServicesDomain=& =x"), ElementsAre(Pair(L"ServicesDomain", L"")));
 }
 
@@ -46,18 +46,18 @@ TEST(UrlProvisioningData, PiecesAreTrimmedAndNotDecoded) {
                 ElementsAre(Pair(L"ServicesDomain", L"a%20b+c#d")));
 }
 
-TEST(UrlProvisioningData, RepeatedKeyTakesTheLastValueAndTheFirstSpelling) {
+TEST(UrlProvisioningData, ARepeatedKeyHasItsLastValueAndFirstSpelling) {
     EXPECT_THAT(parseUrlProvisioningData(L"?ip_mode=4&IP_MODE=6"), ElementsAre(Pair(L"ip_mode", L"6")));
 }
 
-TEST(UrlProvisioningData, OnlyTheFirstQuestionMarkDivides) {
+TEST(UrlProvisioningData, OnlyTheFirstQuestionMarkIsASeparator) {
     EXPECT_THAT(parseUrlProvisioningData(L"?ServicesDomain=a?b"), ElementsAre(Pair(L"ServicesDomain", L"a?b")));
     EXPECT_THAT(parseUrlProvisioningData(L"ServicesDomain=a"), IsEmpty());
     EXPECT_THAT(parseUrlProvisioningData(L"app://x?"), IsEmpty());
     EXPECT_THAT(parseUrlProvisioningData(L""), IsEmpty());
 }
 
-TEST(UrlProvisioningData, UrlHasAtMost999Characters) {
+TEST(UrlProvisioningData, AUrlOfMoreThan999CharactersIsRefused) {
     const std::wstring head = L"?ServicesDomain=";
     EXPECT_THAT(parseUrlProvisioningData(head + std::wstring(999 - head.size(), L'x')), SizeIs(1));
     EXPECT_THAT(parseUrlProvisioningData(head + std::wstring(1000 - head.size(), L'x')), IsEmpty());

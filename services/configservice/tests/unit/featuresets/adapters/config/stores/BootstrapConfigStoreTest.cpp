@@ -68,20 +68,20 @@ TEST_F(BootstrapConfigStoreTest, LastLineNeedsNoNewline) {
     EXPECT_EQ(valueOf(*store, L"b"), L"2");
 }
 
-TEST_F(BootstrapConfigStoreTest, ColonAtTheEndGivesAnEmptyValue) {
+TEST_F(BootstrapConfigStoreTest, AColonAtTheEndMeansAnEmptyValue) {
     EXPECT_EQ(valueOf(*read("a:\n"), L"a"), L"");
 }
 
-TEST_F(BootstrapConfigStoreTest, LineWithoutAColonIsAKeyWithAnEmptyValue) {
+TEST_F(BootstrapConfigStoreTest, ALineWithoutAColonIsAKeyWithAnEmptyValue) {
     EXPECT_EQ(valueOf(*read("  a  \n"), L"a"), L"");
 }
 
-TEST_F(BootstrapConfigStoreTest, LineWithoutAKeyIsHeldUnderTheEmptyKey) {
+TEST_F(BootstrapConfigStoreTest, ALineWithoutAKeyIsStoredUnderTheEmptyKey) {
     EXPECT_EQ(valueOf(*read(":v\n"), L""), L"v");
     EXPECT_EQ(valueOf(*read("   \n"), L""), L"");
 }
 
-TEST_F(BootstrapConfigStoreTest, LaterLineWinsAndTheFirstSpellingStays) {
+TEST_F(BootstrapConfigStoreTest, ALaterLineWinsAndKeepsTheFirstSpelling) {
     const auto store = read("Key:1\nKEY:2\n");
     EXPECT_THAT(store->getKeys(), ElementsAre(L"Key"));
     EXPECT_EQ(valueOf(*store, L"key"), L"2");
@@ -91,7 +91,7 @@ TEST_F(BootstrapConfigStoreTest, KeyAndValueAreTrimmed) {
     EXPECT_EQ(valueOf(*read(" a :\t1 \n"), L"a"), L"1");
 }
 
-TEST_F(BootstrapConfigStoreTest, WindowsLineEndsAndAByteOrderMarkAreTakenOff) {
+TEST_F(BootstrapConfigStoreTest, WindowsLineEndsAndAByteOrderMarkAreRemoved) {
     const auto store = read("\xEF\xBB\xBF"
                             "a:1\r\n\r\nb:2\r\n");
     EXPECT_THAT(store->getKeys(), ElementsAre(L"a", L"b"));
@@ -108,13 +108,13 @@ TEST_F(BootstrapConfigStoreTest, MissingFileIsAWarningAndAnEmptyStore) {
     EXPECT_EQ(log.getRecords().front().function, "ZelUnified::BootstrapConfigStore::BootstrapConfigStore");
 }
 
-TEST_F(BootstrapConfigStoreTest, DirectoryCannotBeOpenedEither) {
+TEST_F(BootstrapConfigStoreTest, ADirectoryIsAWarningAndAnEmptyStore) {
     const testing_host::LogRecorder log;
     BootstrapConfigStore store("BootstrapConfigStore", profile.root().string(), 50);
     EXPECT_TRUE(log.mentions("File does not exist "));
 }
 
-TEST_F(BootstrapConfigStoreTest, FipsModeForcesTheKeyAlsoOnAMiss) {
+TEST_F(BootstrapConfigStoreTest, FipsModeForcesTheKeyEvenOnAMiss) {
     const auto store = read("Telephony_P2P_Enabled:true\n");
     const auto without = read("a:1\n");
     zel::common::FipsUtils::overrideFipsMode(true);

@@ -74,7 +74,7 @@ INSTANTIATE_TEST_SUITE_P(CacheConfigStore, ConfigStoreConformance,
 
 } // namespace ZelUnified
 
-TEST_F(CacheConfigStoreTest, WritesItsCopyAtOnceAndEmptiesTheCallersMap) {
+TEST_F(CacheConfigStoreTest, WritesItsCopyImmediatelyAndEmptiesTheCallersMap) {
     ConfigMap contents = {{L"Key", L" v "}, {L"CertificateValidationEnabled", L"true"}};
     CacheConfigStore store("X", 240, path, contents);
     EXPECT_THAT(contents, IsEmpty());
@@ -85,7 +85,7 @@ TEST_F(CacheConfigStoreTest, WritesItsCopyAtOnceAndEmptiesTheCallersMap) {
               " </CachedConfig>\n</Lumora>\n");
 }
 
-TEST_F(CacheConfigStoreTest, ServesTheNextRunFromTheCopy) {
+TEST_F(CacheConfigStoreTest, TheNextRunReadsTheCopy) {
     ConfigMap contents = {{L"Key", L" v "}};
     CacheConfigStore("X", 240, path, contents);
     CacheConfigStore restored("X", 240, path);
@@ -123,7 +123,7 @@ TEST_F(CacheConfigStoreTest, IsLocalReadOnlyAndNotCachedAgain) {
     EXPECT_EQ(store.getPriority(), 240);
 }
 
-TEST_F(CacheConfigStoreTest, StoresTheOverriddenValueForGood) {
+TEST_F(CacheConfigStoreTest, StoresTheValueThatFipsModeForces) {
     {
         ConfigMap contents = {{L"Telephony_P2P_Enabled", L"true"}};
         CacheConfigStore("X", 240, path, contents);
@@ -135,13 +135,13 @@ TEST_F(CacheConfigStoreTest, StoresTheOverriddenValueForGood) {
     EXPECT_EQ(valueOf(restored, L"Telephony_P2P_Enabled"), "false");
 }
 
-TEST_F(CacheConfigStoreTest, LosesTheWholeCopyToAKeyThatIsNoName) {
+TEST_F(CacheConfigStoreTest, AKeyThatIsNoXmlNameMakesTheWholeCopyUnreadable) {
     ConfigMap contents = {{L"good", L"1"}, {L"a b", L"2"}};
     CacheConfigStore("X", 240, path, contents);
     EXPECT_THAT(CacheConfigStore("X", 240, path).getKeys(), IsEmpty());
 }
 
-TEST_F(CacheConfigStoreTest, KeepsItsTableWhenTheCopyCantBeWritten) {
+TEST_F(CacheConfigStoreTest, KeepsItsValuesIfTheCopyCannotBeWritten) {
     testing_host::writeFile(profile.config() / "Cache", "in the way");
     ConfigMap contents = {{L"key", L"v"}};
     CacheConfigStore store("X", 240, path, contents);
@@ -149,7 +149,7 @@ TEST_F(CacheConfigStoreTest, KeepsItsTableWhenTheCopyCantBeWritten) {
     EXPECT_THAT(contents, IsEmpty());
 }
 
-TEST_F(CacheConfigStoreTest, LetsReadersOfAHeldKeyWaitForTheDisk) {
+TEST_F(CacheConfigStoreTest, HoldsItsLockWhileItWritesTheCopy) {
     const auto keys = std::make_shared<xml_test::GatedKeyProvider>();
     zel::storage::EncryptFileUtils::overrideKeyProvider(keys);
     ConfigMap contents = {{L"key", L"v"}};

@@ -11,21 +11,21 @@ namespace ZelUnified {
 
 using testing::ElementsAre;
 
-TEST_P(ConfigStoreConformance, AnswersIgnoringCase) {
+TEST_P(ConfigStoreConformance, FindsKeysIgnoringCase) {
     const auto store = make({{L"alpha", L"1"}});
     std::wstring value;
     EXPECT_TRUE(store->getValue(L"ALPHA", value));
     EXPECT_EQ(value, L"1");
 }
 
-TEST_P(ConfigStoreConformance, MissEmptiesTheValue) {
+TEST_P(ConfigStoreConformance, AMissEmptiesTheValue) {
     const auto store = make({{L"alpha", L"1"}});
     std::wstring value = L"before";
     EXPECT_FALSE(store->getValue(L"beta", value));
     EXPECT_EQ(value, L"");
 }
 
-TEST_P(ConfigStoreConformance, EmptyValueThatIsHeldIsAHit) {
+TEST_P(ConfigStoreConformance, AnEmptyValueIsAHit) {
     const auto store = make({{L"alpha", L""}});
     std::wstring value = L"before";
     EXPECT_TRUE(store->getValue(L"alpha", value));
@@ -39,17 +39,17 @@ TEST_P(ConfigStoreConformance, KeyAndValueMayBeOneString) {
     EXPECT_EQ(text, L"1");
 }
 
-TEST_P(ConfigStoreConformance, KeysComeInCaseInsensitiveOrder) {
+TEST_P(ConfigStoreConformance, KeysAreListedInCaseInsensitiveOrder) {
     const auto store = make({{L"gamma", L"3"}, {L"alpha", L"1"}, {L"beta", L"2"}});
     EXPECT_THAT(store->getKeys(), ElementsAre(L"alpha", L"beta", L"gamma"));
 }
 
-TEST_P(ConfigStoreConformance, TextBeyondAsciiSurvives) {
+TEST_P(ConfigStoreConformance, TextBeyondAsciiIsStoredUnchanged) {
     const auto store = make({{L"alpha", L"\u00e4\u4e2d"}});
     EXPECT_THAT(held(*store), ElementsAre(std::pair<const std::wstring, std::wstring>(L"alpha", L"\u00e4\u4e2d")));
 }
 
-TEST_P(ConfigStoreConformance, TellsItsPlaceInTheChain) {
+TEST_P(ConfigStoreConformance, ReturnsNamePriorityAndKind) {
     const auto store = make({});
     EXPECT_EQ(store->getName(), GetParam().name);
     EXPECT_EQ(store->getPriority(), GetParam().priority);
@@ -58,14 +58,14 @@ TEST_P(ConfigStoreConformance, TellsItsPlaceInTheChain) {
     EXPECT_TRUE(store->waitForStoreReady());
 }
 
-TEST_P(ConfigStoreConformance, AsksForNoCopy) {
+TEST_P(ConfigStoreConformance, RequestsNoCopy) {
     const auto store = make({});
     EXPECT_FALSE(store->shouldCacheConfigStore());
     EXPECT_EQ(store->getCachedPriority(),
               GetParam().priority == std::numeric_limits<int>::max() ? GetParam().priority : GetParam().priority + 1);
 }
 
-TEST_P(ConfigStoreConformance, TakesOrRefusesWrites) {
+TEST_P(ConfigStoreConformance, AcceptsOrRefusesWritesByItsKind) {
     const auto store = make({{L"alpha", L"1"}});
     const bool taken = GetParam().writes == StoreKind::Writes::Taken;
     EXPECT_EQ(store->storeValue(L"beta", L"2"), taken);
@@ -76,20 +76,20 @@ TEST_P(ConfigStoreConformance, TakesOrRefusesWrites) {
     EXPECT_FALSE(store->removeValue(L"never there"));
 }
 
-TEST_P(ConfigStoreConformance, SpellingsOfOneKeyNeverStandSideBySideAndTheFirstStays) {
+TEST_P(ConfigStoreConformance, SpellingsOfOneKeyShareOneEntryWithTheFirstSpelling) {
     const auto store = make({{L"alpha", L"1"}});
     store->storeValue(L"ALPHA", L"2");
     const auto* expected = GetParam().writes == StoreKind::Writes::Taken ? L"2" : L"1";
     EXPECT_THAT(held(*store), ElementsAre(std::pair<const std::wstring, std::wstring>(L"alpha", expected)));
 }
 
-TEST_P(ConfigStoreConformance, EmptiesItselfOrNot) {
+TEST_P(ConfigStoreConformance, RemoveAllValuesEmptiesItByItsKind) {
     const auto store = make({{L"alpha", L"1"}});
     store->removeAllValues();
     EXPECT_EQ(store->getKeys().empty(), GetParam().emptying == StoreKind::Emptying::Done);
 }
 
-TEST_P(ConfigStoreConformance, AnswersAfterDestroy) {
+TEST_P(ConfigStoreConformance, RemainsReadableAfterDestroy) {
     const auto store = make({{L"alpha", L"1"}});
     store->destroy();
     store->persistValues();
@@ -119,7 +119,7 @@ TEST_P(ConfigStoreConformance, MayBeUsedFromManyThreads) {
     EXPECT_EQ(value, L"2");
 }
 
-TEST_P(ConfigStoreConformance, KeyThatIsHeldIsNeverMissedWhileOthersAreAdded) {
+TEST_P(ConfigStoreConformance, AKeyIsAlwaysFoundWhileOthersAreAdded) {
     constexpr int rounds = 5;
     constexpr int newKeys = 300;
     const testing_host::Watchdog watchdog;

@@ -53,7 +53,7 @@ TEST_F(InMemoryConfigStoreTest, FipsModeLeavesAMissEmpty) {
     EXPECT_EQ(value, L"");
 }
 
-TEST_F(InMemoryConfigStoreTest, PersistingIsADebugLineAndNoFile) {
+TEST_F(InMemoryConfigStoreTest, PersistingLogsADebugLineAndWritesNoFile) {
     const testing_host::TemporaryProfile profile;
     store.storeValue(L"k", L"v");
     {
@@ -70,14 +70,14 @@ TEST_F(InMemoryConfigStoreTest, PersistingIsADebugLineAndNoFile) {
     EXPECT_TRUE(std::filesystem::is_empty(profile.config()));
 }
 
-TEST_F(InMemoryConfigStoreTest, NothingInItDependsOnItsName) {
+TEST_F(InMemoryConfigStoreTest, TheUsersStoreNameDoesNotChangeItsBehaviour) {
     InMemoryConfigStore userStore("LocalFileConfigStore", 20);
     EXPECT_EQ(userStore.getName(), "LocalFileConfigStore");
     EXPECT_EQ(userStore.getPriority(), 20);
     EXPECT_EQ(userStore.getCachedPriority(), 21);
 }
 
-TEST(ConfigStore, CachedPriorityIsTheNextAndNeverOverflows) {
+TEST(ConfigStore, CachedPriorityIsOneMoreAndNeverOverflows) {
     InMemoryConfigStore ordinary("S", 499);
     EXPECT_EQ(ordinary.getCachedPriority(), 500);
     InMemoryConfigStore last("S", std::numeric_limits<int>::max());

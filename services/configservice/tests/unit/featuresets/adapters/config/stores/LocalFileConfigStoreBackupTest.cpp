@@ -34,7 +34,7 @@ protected:
 
 } // namespace
 
-TEST_F(LocalFileConfigStoreBackupTest, FollowsTheRuleOfTheTwoFiles) {
+TEST_F(LocalFileConfigStoreBackupTest, RefusesToWriteAFileIfOnlyItsCounterpartIsUnreadable) {
     const auto refused = [](const std::string& target) {
         return "Failed to read lumoraLocalConfig/backup file, so don't write to " + target + " to keep file good.";
     };
@@ -91,7 +91,7 @@ TEST_F(LocalFileConfigStoreBackupTest, RepairsACorruptBackupAndThenWritesTheMain
     EXPECT_EQ(readProtected(main), document);
 }
 
-TEST_F(LocalFileConfigStoreBackupTest, JudgesTheProtectionNotTheXml) {
+TEST_F(LocalFileConfigStoreBackupTest, ChecksThatTheMainFileDecryptsAndNotItsXml) {
     ASSERT_TRUE(xml_test::writeProtected(backup, "no xml"));
     store->storeValue(L"Key", L"v");
     store->persistValues();
@@ -127,14 +127,14 @@ TEST_F(LocalFileConfigStoreBackupTest, WritesNoBackupOfAStoreThatIsNotShared) {
     EXPECT_FALSE(fs::exists(backup));
 }
 
-TEST_F(LocalFileConfigStoreBackupTest, UsesTheIntervalItWasGiven) {
+TEST_F(LocalFileConfigStoreBackupTest, SchedulesTheBackupAfterTheSetInterval) {
     store->setInterval(5);
     store->storeValue(L"Key", L"v");
     store->persistValues();
     EXPECT_EQ(timer->requests.at(0).milliseconds, 5);
 }
 
-TEST_F(LocalFileConfigStoreBackupTest, DropsTheBackupOfAStoreThatIsGone) {
+TEST_F(LocalFileConfigStoreBackupTest, WritesNoBackupOfADestroyedStore) {
     store->storeValue(L"Key", L"v");
     store->persistValues();
     store.reset();

@@ -38,17 +38,17 @@ protected:
 
 } // namespace
 
-TEST_F(LocalFileConfigStoreDirectoryTest, IsMadeWithoutTheSeparatorBehindIt) {
+TEST_F(LocalFileConfigStoreDirectoryTest, IsCreatedWithoutItsTrailingSeparator) {
     EXPECT_THAT(madeFor(folder), ElementsAre(folder));
     EXPECT_TRUE(fs::is_directory(folder));
 }
 
-TEST_F(LocalFileConfigStoreDirectoryTest, LosesNoMoreThanOneSeparator) {
+TEST_F(LocalFileConfigStoreDirectoryTest, OnlyOneTrailingSeparatorIsRemoved) {
     EXPECT_THAT(madeFor(folder + "/"), ElementsAre(folder + "/"));
     EXPECT_TRUE(fs::is_directory(folder));
 }
 
-TEST_F(LocalFileConfigStoreDirectoryTest, IsNotMadeWhenItIsTheCurrentOne) {
+TEST_F(LocalFileConfigStoreDirectoryTest, IsNotCreatedIfItIsTheCurrentDirectory) {
     const fs::path before = fs::current_path();
     fs::current_path(profile.root());
     const std::vector<std::string> made = madeFor("");
@@ -56,7 +56,7 @@ TEST_F(LocalFileConfigStoreDirectoryTest, IsNotMadeWhenItIsTheCurrentOne) {
     EXPECT_THAT(made, IsEmpty());
 }
 
-TEST_F(LocalFileConfigStoreDirectoryTest, IsMissedInSilenceWhenItCantBeMade) {
+TEST_F(LocalFileConfigStoreDirectoryTest, AFailureToCreateItIsNotLogged) {
     testing_host::writeFile(folder, "a file is in the way");
     const testing_host::LogRecorder log;
     EXPECT_THAT(madeFor(folder + "/below"), ElementsAre(folder + "/below"));

@@ -135,7 +135,7 @@ protected:
 
 } // namespace
 
-TEST_F(LocalFileConfigStorePersistTest, KnowsExactlyWhatItLastWroteWhateverChanged) {
+TEST_F(LocalFileConfigStorePersistTest, WritesTheFileIfAndOnlyIfAnEntryChanged) {
     constexpr unsigned seeds = 4;
     constexpr int rounds = 40;
     for (unsigned seed = 1; seed <= seeds; ++seed) {
@@ -162,7 +162,7 @@ TEST_F(LocalFileConfigStorePersistTest, KnowsExactlyWhatItLastWroteWhateverChang
     }
 }
 
-TEST_F(LocalFileConfigStorePersistTest, SaysThatNothingChangedToThoseWhoDebugAlone) {
+TEST_F(LocalFileConfigStorePersistTest, LogsUnchangedContentAtDebugLevelOnly) {
     store->storeValue(L"Key", L"v");
     store->persistValues();
     EXPECT_TRUE(saysUnchanged());
@@ -171,7 +171,7 @@ TEST_F(LocalFileConfigStorePersistTest, SaysThatNothingChangedToThoseWhoDebugAlo
     EXPECT_THAT(quiet.getRecords(), IsEmpty());
 }
 
-TEST_F(LocalFileConfigStorePersistTest, LeavesAnOldVoicemailKeyThatTheDefaultsHold) {
+TEST_F(LocalFileConfigStorePersistTest, KeepsAnOldVoicemailKeyOfTheDefaults) {
     constexpr const char* defaultsName = "lumora-config-defaults.xml";
     testing_host::writeFile(profile.resources() / defaultsName,
                             "<r><userConfig name='VVM_Mailstore_Server_0' value='old'/></r>");

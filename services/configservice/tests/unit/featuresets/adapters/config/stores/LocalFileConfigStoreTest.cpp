@@ -85,7 +85,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 } // namespace ZelUnified
 
-TEST_F(LocalFileConfigStoreTest, HoldsWhatAPlainFileSays) {
+TEST_F(LocalFileConfigStoreTest, ReadsAPlainFile) {
     testing_host::writeFile(profile.resources() / "defaults.xml", document("v"));
     auto store = plain("defaults.xml");
     EXPECT_EQ(valueOf(store, L"KEY"), L"v");
@@ -96,7 +96,7 @@ TEST_F(LocalFileConfigStoreTest, HoldsWhatAPlainFileSays) {
     EXPECT_THAT(log.getTexts(loggerName), IsEmpty());
 }
 
-TEST_F(LocalFileConfigStoreTest, AnswersTheContractsQuestions) {
+TEST_F(LocalFileConfigStoreTest, ReturnsNamePriorityAndKind) {
     auto defaults = plain("defaults.xml");
     EXPECT_EQ(defaults.getName(), "Name");
     EXPECT_EQ(defaults.getPriority(), 7);
@@ -110,7 +110,7 @@ TEST_F(LocalFileConfigStoreTest, AnswersTheContractsQuestions) {
     EXPECT_FALSE(user.isReadOnly());
 }
 
-TEST_F(LocalFileConfigStoreTest, TellsOfAnAbsentPlainFile) {
+TEST_F(LocalFileConfigStoreTest, LogsAWarningForAMissingPlainFile) {
     auto store = plain("defaults.xml");
     EXPECT_THAT(store.getKeys(), IsEmpty());
     EXPECT_THAT(log.getTexts(ZelLogLevel::Warning), ElementsAre("Read config FAILED, config file doesn't exist: " +
@@ -118,7 +118,7 @@ TEST_F(LocalFileConfigStoreTest, TellsOfAnAbsentPlainFile) {
     EXPECT_EQ(log.getRecords().size(), 1U);
 }
 
-TEST_F(LocalFileConfigStoreTest, JoinsDirectoryAndFileAsTheyStand) {
+TEST_F(LocalFileConfigStoreTest, JoinsDirectoryAndFileUnchanged) {
     const std::string folder = profile.resources().string() + "/";
     LocalFileConfigStore(std::string("Name"), 7, folder, "a.xml", true, true, false);
     LocalFileConfigStore(std::string("Name"), 7, "", "no-such-file.xml", true, true, false);
@@ -127,7 +127,7 @@ TEST_F(LocalFileConfigStoreTest, JoinsDirectoryAndFileAsTheyStand) {
                             "Read config FAILED, config file doesn't exist: no-such-file.xml"));
 }
 
-TEST_F(LocalFileConfigStoreTest, PutsABadPlainFileAside) {
+TEST_F(LocalFileConfigStoreTest, MovesAMalformedPlainFileAside) {
     const fs::path bad = profile.resources() / "settings.b.xml";
     testing_host::writeFile(bad, "<r>");
     testing_host::writeFile(profile.resources() / "settings.b-backup.xml", "older");
@@ -143,7 +143,7 @@ TEST_F(LocalFileConfigStoreTest, PutsABadPlainFileAside) {
                             "contents of invalid xml with string length: 3\n<r>"));
 }
 
-TEST_F(LocalFileConfigStoreTest, PutsACompressedPlainFileAside) {
+TEST_F(LocalFileConfigStoreTest, MovesACompressedPlainFileAside) {
     testing_host::writeFile(profile.resources() / "defaults.xml", xml_test::gzipped());
     auto store = plain("defaults.xml");
     EXPECT_THAT(store.getKeys(), IsEmpty());
@@ -154,7 +154,7 @@ TEST_F(LocalFileConfigStoreTest, PutsACompressedPlainFileAside) {
                             "contents of invalid xml with string length: 40\n" + xml_test::gzipped()));
 }
 
-TEST_F(LocalFileConfigStoreTest, TellsOfABadPlainFileThatWillNotMove) {
+TEST_F(LocalFileConfigStoreTest, LogsAnErrorIfAMalformedPlainFileCannotBeMoved) {
     testing_host::writeFile(profile.resources() / "defaults.xml", "");
     const fs::path target = profile.resources() / "defaults-backup.xml";
     testing_host::writeFile(target / "inside", "a folder is in the way");
@@ -168,11 +168,11 @@ TEST_F(LocalFileConfigStoreTest, TellsOfABadPlainFileThatWillNotMove) {
                             "error creating backup file: " + target.string()));
 }
 
-TEST_F(LocalFileConfigStoreTest, RefusesAFileNameWithoutAPoint) {
+TEST_F(LocalFileConfigStoreTest, RefusesAFileNameWithoutAnExtension) {
     EXPECT_THROW(plain("settings"), std::out_of_range);
 }
 
-TEST_F(LocalFileConfigStoreTest, HoldsWhatTheUsersFileSays) {
+TEST_F(LocalFileConfigStoreTest, ReadsTheUsersFile) {
     ASSERT_TRUE(xml_test::writeProtected(main, document("main")));
     ASSERT_TRUE(xml_test::writeProtected(backup, document("backup")));
     LocalFileConfigStore store(userName, 20, false);
@@ -180,7 +180,7 @@ TEST_F(LocalFileConfigStoreTest, HoldsWhatTheUsersFileSays) {
     EXPECT_THAT(log.getTexts(loggerName), IsEmpty());
 }
 
-TEST_F(LocalFileConfigStoreTest, FallsBackOnTheBackupInSilence) {
+TEST_F(LocalFileConfigStoreTest, FallsBackToTheBackupWithoutALine) {
     ASSERT_TRUE(xml_test::writeProtected(backup, document("backup")));
     testing_host::writeFile(main, "garbage");
     LocalFileConfigStore store(userName, 20, false);
@@ -189,13 +189,13 @@ TEST_F(LocalFileConfigStoreTest, FallsBackOnTheBackupInSilence) {
     EXPECT_EQ(testing_host::readFile(main), "garbage");
 }
 
-TEST_F(LocalFileConfigStoreTest, FallsBackOnTheBackupWhenTheMainFileIsAbsent) {
+TEST_F(LocalFileConfigStoreTest, FallsBackToTheBackupIfTheMainFileIsMissing) {
     ASSERT_TRUE(xml_test::writeProtected(backup, document("backup")));
     LocalFileConfigStore store(userName, 20, false);
     EXPECT_EQ(valueOf(store, L"key"), L"backup");
 }
 
-TEST_F(LocalFileConfigStoreTest, IsEmptyWhenBothFilesAreBad) {
+TEST_F(LocalFileConfigStoreTest, IsEmptyIfBothFilesAreUnreadable) {
     testing_host::writeFile(main, "garbage");
     testing_host::writeFile(backup, "more garbage");
     LocalFileConfigStore store(userName, 20, false);
@@ -205,7 +205,7 @@ TEST_F(LocalFileConfigStoreTest, IsEmptyWhenBothFilesAreBad) {
     EXPECT_EQ(testing_host::readFile(backup), "more garbage");
 }
 
-TEST_F(LocalFileConfigStoreTest, TellsOfTheAbsentPairOnTheFirstRun) {
+TEST_F(LocalFileConfigStoreTest, LogsAnErrorIfBothFilesAreMissing) {
     LocalFileConfigStore store(userName, 20, false);
     EXPECT_THAT(log.getTexts(ZelLogLevel::Error), ElementsAre("Failed to read config file " + backup));
 }
@@ -219,7 +219,7 @@ TEST_F(LocalFileConfigStoreTest, HasNoBackupUnderAnotherName) {
     EXPECT_EQ(testing_host::readFile(main), "garbage");
 }
 
-TEST_F(LocalFileConfigStoreTest, LeavesTheGoodBackupUnreadWhenTheMainFileHoldsBadXml) {
+TEST_F(LocalFileConfigStoreTest, IgnoresTheBackupIfTheMainFileContainsMalformedXml) {
     ASSERT_TRUE(xml_test::writeProtected(main, "<r>"));
     ASSERT_TRUE(xml_test::writeProtected(backup, document("backup")));
     const std::string before = testing_host::readFile(main);
@@ -231,7 +231,7 @@ TEST_F(LocalFileConfigStoreTest, LeavesTheGoodBackupUnreadWhenTheMainFileHoldsBa
     EXPECT_EQ(testing_host::readFile(backup), backupBefore);
 }
 
-TEST_F(LocalFileConfigStoreTest, IsEmptyAndSaysSoWhenTheUsersFileIsHostile) {
+TEST_F(LocalFileConfigStoreTest, IsEmptyAndLogsALineIfTheUsersFileIsHostile) {
     for (const std::string& xml : xml_test::hostileTexts()) {
         SCOPED_TRACE(xml.substr(0, 60));
         ASSERT_TRUE(xml_test::writeProtected(main, xml));
@@ -269,14 +269,14 @@ TEST_F(LocalFileConfigStoreTest, ReadsTheFilesOfTheFirstRelease) {
     EXPECT_EQ(valueOf(copy, L"ServicesDomain"), L"example.com");
 }
 
-TEST_F(LocalFileConfigStoreTest, TakesTheBackupNameAtTheFirstPointOfAProtectedFile) {
+TEST_F(LocalFileConfigStoreTest, InsertsTheBackupSuffixAtTheFirstPointOfAProtectedFilesName) {
     const std::string folder = profile.config().string();
     ASSERT_TRUE(xml_test::writeProtected(folder + "/settings_backup.b.xml", document("backup")));
     LocalFileConfigStore store(userName, 20, folder, "settings.b.xml", true, false, true);
     EXPECT_EQ(valueOf(store, L"key"), L"backup");
 }
 
-TEST_F(LocalFileConfigStoreTest, OverridesOnAHitOnly) {
+TEST_F(LocalFileConfigStoreTest, FipsModeForcesTheKeyOnAHitOnly) {
     const xml_test::FipsMode fips(true);
     LocalFileConfigStore store(userName, 20, false);
     EXPECT_EQ(valueOf(store, L"Telephony_P2P_Enabled"), L"(none)");
@@ -284,7 +284,7 @@ TEST_F(LocalFileConfigStoreTest, OverridesOnAHitOnly) {
     EXPECT_EQ(valueOf(store, L"Telephony_P2P_Enabled"), L"false");
 }
 
-TEST_F(LocalFileConfigStoreTest, AnswersTheCertificateSwitch) {
+TEST_F(LocalFileConfigStoreTest, ReturnsTheCertificateSwitch) {
     LocalFileConfigStore store(userName, 20, false);
     store.storeValue(L"CertificateValidationEnabled", L"false");
     EXPECT_EQ(valueOf(store, L"certificatevalidationenabled"), L"false");

@@ -30,7 +30,7 @@ class LocalFileConfigStoreWritingTest : public xml_test::LocalFileWritingFixture
 
 } // namespace
 
-TEST_F(LocalFileConfigStoreWritingTest, WritesTheMainFileAtOnceAndTheBackupLater) {
+TEST_F(LocalFileConfigStoreWritingTest, WritesTheMainFileImmediatelyAndTheBackupLater) {
     EXPECT_TRUE(store->storeValue(L"Key", L"v"));
     EXPECT_FALSE(fs::exists(main));
     store->persistValues();
@@ -46,7 +46,7 @@ TEST_F(LocalFileConfigStoreWritingTest, WritesTheMainFileAtOnceAndTheBackupLater
     EXPECT_TRUE(log.mentions(std::string("About to cache file: ") + backupName));
 }
 
-TEST_F(LocalFileConfigStoreWritingTest, GivesTheNextRunItsKeysInLowerCase) {
+TEST_F(LocalFileConfigStoreWritingTest, TheNextRunReadsItsKeysInLowerCase) {
     store->storeValue(L"Key", L" V ");
     store->persistValues();
     LocalFileConfigStore next(userName, 20, false);
@@ -54,7 +54,7 @@ TEST_F(LocalFileConfigStoreWritingTest, GivesTheNextRunItsKeysInLowerCase) {
     EXPECT_EQ(valueOf(next, L"KEY"), L" V ");
 }
 
-TEST_F(LocalFileConfigStoreWritingTest, MakesTheFolderAndFileForTheOwnerAlone) {
+TEST_F(LocalFileConfigStoreWritingTest, CreatesFolderAndFileAccessibleToTheirOwnerOnly) {
     fs::remove(profile.config());
     store->storeValue(L"Key", L"planted secret");
     store->persistValues();
@@ -64,7 +64,7 @@ TEST_F(LocalFileConfigStoreWritingTest, MakesTheFolderAndFileForTheOwnerAlone) {
     EXPECT_FALSE(log.mentions("planted"));
 }
 
-TEST_F(LocalFileConfigStoreWritingTest, SaysSoWhenNothingChanged) {
+TEST_F(LocalFileConfigStoreWritingTest, LogsALineAndWritesNothingIfNothingChanged) {
     store->storeValue(L"Key", L"v");
     store->persistValues();
     fs::remove(main);
@@ -76,7 +76,7 @@ TEST_F(LocalFileConfigStoreWritingTest, SaysSoWhenNothingChanged) {
     EXPECT_THAT(log.getTexts(ZelLogLevel::Debug), ElementsAre("Same content has been saved."));
 }
 
-TEST_F(LocalFileConfigStoreWritingTest, CountsACaseOfAValueAsAChangeAndKeepsTheFirstSpellingOfAKey) {
+TEST_F(LocalFileConfigStoreWritingTest, AValueInAnotherCaseIsAChangeAndKeepsTheKeysFirstSpelling) {
     store->storeValue(L"Key", L"v");
     store->persistValues();
     store->storeValue(L"KEY", L"V");
@@ -85,7 +85,7 @@ TEST_F(LocalFileConfigStoreWritingTest, CountsACaseOfAValueAsAChangeAndKeepsTheF
     EXPECT_EQ(readProtected(main), localDocument(" <userConfig name=\"Key\" value=\"V\"/>\n"));
 }
 
-TEST_F(LocalFileConfigStoreWritingTest, CountsACaseOfAKeyAsAChange) {
+TEST_F(LocalFileConfigStoreWritingTest, AKeyStoredAgainInAnotherCaseIsAChange) {
     store->storeValue(L"Key", L"v");
     store->persistValues();
     EXPECT_TRUE(store->removeValue(L"KEY"));
@@ -136,7 +136,7 @@ TEST_F(LocalFileConfigStoreWritingTest, StoresTheOldVoicemailKeyUnderItsNewName)
     }
 }
 
-TEST_F(LocalFileConfigStoreWritingTest, LeavesAFailureToTheFacilityWhichReportsItAndWritesWithTheNextChange) {
+TEST_F(LocalFileConfigStoreWritingTest, TheHostReportsAFailedWriteAndTheNextChangeWritesAgain) {
     fs::remove(profile.config());
     testing_host::writeFile(profile.config(), "a file is in the way");
     store->storeValue(L"Key", L"w");
@@ -152,7 +152,7 @@ TEST_F(LocalFileConfigStoreWritingTest, LeavesAFailureToTheFacilityWhichReportsI
     EXPECT_EQ(readProtected(main), document);
 }
 
-TEST_F(LocalFileConfigStoreWritingTest, IsSilentWithoutMemoryForADocumentAndKeepsTheOldOne) {
+TEST_F(LocalFileConfigStoreWritingTest, WithoutMemoryForADocumentLogsNothingAndKeepsTheOldFile) {
     store->storeValue(L"Key", L"v");
     store->persistValues();
     store->storeValue(L"Key", L"w");
@@ -170,7 +170,7 @@ TEST_F(LocalFileConfigStoreWritingTest, IsSilentWithoutMemoryForADocumentAndKeep
     EXPECT_THAT(readProtected(main), HasSubstr("name=\"Other\" value=\"y\""));
 }
 
-TEST_F(LocalFileConfigStoreWritingTest, WritesNothingOnceDestroyed) {
+TEST_F(LocalFileConfigStoreWritingTest, WritesNothingAfterDestroy) {
     store->storeValue(L"Key", L"v");
     store->persistValues();
     fireBackup();
@@ -185,7 +185,7 @@ TEST_F(LocalFileConfigStoreWritingTest, WritesNothingOnceDestroyed) {
     EXPECT_EQ(testing_host::readFile(backup), backupBefore);
 }
 
-TEST_F(LocalFileConfigStoreWritingTest, MakesNoFolderForADocumentThatItMayNotWrite) {
+TEST_F(LocalFileConfigStoreWritingTest, CreatesNoFolderAfterDestroy) {
     fs::remove(profile.config());
     store->destroy();
     store->storeValue(L"Key", L"v");
@@ -203,7 +203,7 @@ TEST_F(LocalFileConfigStoreWritingTest, WritesNothingWhenItIsReadOnly) {
     EXPECT_EQ(testing_host::readFile(profile.resources() / "defaults.xml"), "<r><userConfig name='k' value='v'/></r>");
 }
 
-TEST_F(LocalFileConfigStoreWritingTest, LetsReadersReadAndAResetWaitWhileItWrites) {
+TEST_F(LocalFileConfigStoreWritingTest, ReadersProceedAndAResetWaitsDuringAWrite) {
     const auto keys = std::make_shared<xml_test::GatedKeyProvider>();
     zel::storage::EncryptFileUtils::overrideKeyProvider(keys);
     store->storeValue(L"Key", L"v");
@@ -231,7 +231,7 @@ TEST_F(LocalFileConfigStoreWritingTest, LetsReadersReadAndAResetWaitWhileItWrite
     zel::storage::EncryptFileUtils::overrideKeyProvider(nullptr);
 }
 
-TEST_F(LocalFileConfigStoreWritingTest, TakesOneSyncOneRenameAndOneSyncOfTheFolder) {
+TEST_F(LocalFileConfigStoreWritingTest, AWriteNeedsOneSyncOneRenameAndOneSyncOfTheFolder) {
     using Operation = testing_host::FaultInjectingFileLayer::Operation;
     store->storeValue(L"Key", L"v");
     store->persistValues(); // creates the key
@@ -248,7 +248,7 @@ TEST_F(LocalFileConfigStoreWritingTest, TakesOneSyncOneRenameAndOneSyncOfTheFold
     EXPECT_EQ(count(Operation::SyncDirectory), 1);
 }
 
-TEST_F(LocalFileConfigStoreWritingTest, StandsManyThreads) {
+TEST_F(LocalFileConfigStoreWritingTest, SupportsConcurrentReadersAndWriters) {
     const auto keys = std::make_shared<xml_test::GatedKeyProvider>();
     zel::storage::EncryptFileUtils::overrideKeyProvider(keys);
     store->setTimer(nullptr);

@@ -45,19 +45,19 @@ std::string write(const ConfigMap& values) {
 
 } // namespace
 
-TEST(LocalFileDocument, TakesElementsAndAttributesInAnyCase) {
+TEST(LocalFileDocument, ReadsElementsAndAttributesIgnoringCase) {
     EXPECT_THAT(read("<r><userConfig NAME='Foo' Value='Bar'/></r>"), ElementsAre(Pair(L"foo", L"Bar")));
     EXPECT_THAT(read("<r><USERCONFIG other='x' value=' v ' name='\xC3\x89'>text</USERCONFIG></r>"),
                 ElementsAre(Pair(L"\u00E9", L" v ")));
 }
 
-TEST(LocalFileDocument, VisitsEveryElementTheRootIncluded) {
+TEST(LocalFileDocument, ReadsEveryElementIncludingTheRoot) {
     EXPECT_THAT(read("<a><b><USERCONFIG name='k' value='v'><userconfig name='m' value='w'/></USERCONFIG></b></a>"),
                 ElementsAre(Pair(L"k", L"v"), Pair(L"m", L"w")));
     EXPECT_THAT(read("<userConfig name='k' value='v'/><!-- behind -->"), ElementsAre(Pair(L"k", L"v")));
 }
 
-TEST(LocalFileDocument, IgnoresOtherElementsAttributesAndTextInSilence) {
+TEST(LocalFileDocument, IgnoresOtherElementsAttributesAndTextWithoutALine) {
     const testing_host::LogRecorder log;
     EXPECT_THAT(read("<r><user name='k' value='v'/><k>v</k></r>"), IsEmpty());
     EXPECT_THAT(read("<r other='x'>text<userConfig names='k' value='v' other='x'>text</userConfig></r>"), IsEmpty());
@@ -65,35 +65,35 @@ TEST(LocalFileDocument, IgnoresOtherElementsAttributesAndTextInSilence) {
     EXPECT_THAT(log.getRecords(), IsEmpty());
 }
 
-TEST(LocalFileDocument, TakesTheFirstElementOfAKey) {
+TEST(LocalFileDocument, TheFirstElementOfAKeyWins) {
     EXPECT_THAT(read("<r><userConfig name='k' value='1'/><userConfig name='K' value='2'/></r>"),
                 ElementsAre(Pair(L"k", L"1")));
 }
 
-TEST(LocalFileDocument, TakesTheLastOfSeveralAttributes) {
+TEST(LocalFileDocument, TheLastOfSeveralAttributesWins) {
     EXPECT_THAT(read("<r><userConfig name='a' NAME='b' value='1' Value='2'/></r>"), ElementsAre(Pair(L"b", L"2")));
 }
 
-TEST(LocalFileDocument, IgnoresASecondElementOfAKeyInSilence) {
+TEST(LocalFileDocument, IgnoresASecondElementOfAKeyWithoutALine) {
     const testing_host::LogRecorder log;
     EXPECT_THAT(read("<r><userConfig name='k' value='first'/><userConfig name='K' value='second'/></r>"),
                 ElementsAre(Pair(L"k", L"first")));
     EXPECT_THAT(log.getRecords(), IsEmpty());
 }
 
-TEST(LocalFileDocument, IgnoresAnEmptyKeyAndTakesAnEmptyValue) {
+TEST(LocalFileDocument, IgnoresAnEmptyKeyAndReadsAnEmptyValue) {
     EXPECT_THAT(read("<r><userConfig name='' value='v'/><userConfig value='v'/><userConfig name='k'/>"
                      "<userConfig name='l' value=''/></r>"),
                 ElementsAre(Pair(L"k", L""), Pair(L"l", L"")));
 }
 
-TEST(LocalFileDocument, ResolvesEntitiesButDoesNotEnterThem) {
+TEST(LocalFileDocument, ResolvesEntitiesOfAttributesButReadsNoElementsInEntities) {
     EXPECT_THAT(read("<!DOCTYPE r [<!ENTITY e 'x'><!ENTITY u \"<userConfig name='no' value='1'/>\">]>"
                      "<r><userConfig name='k&e;' value='a&e;&lt;&#x62;'/>&u;</r>"),
                 ElementsAre(Pair(L"kx", L"ax<b")));
 }
 
-TEST(LocalFileDocument, IgnoresEntriesOnceEntitiesHaveExpandedTooFar) {
+TEST(LocalFileDocument, IgnoresEntriesBeyondTheLimitOfEntityExpansion) {
     const testing_host::LogRecorder log;
     std::string references;
     for (int count = 0; count < 200'000; ++count) {
@@ -109,7 +109,7 @@ TEST(LocalFileDocument, IgnoresEntriesOnceEntitiesHaveExpandedTooFar) {
     EXPECT_THAT(read(xml_test::billionLaughs("<r><userConfig name='k' value='&a9;'/></r>")), IsEmpty());
 }
 
-TEST(LocalFileDocument, RenamesTheOldVoicemailKeyBeforeItLooksForAnother) {
+TEST(LocalFileDocument, RenamesTheOldVoicemailKeyBeforeCheckingForDuplicates) {
     const std::string old = "<userConfig name='vvm_MAILSTORE_Server_0' value='old'/>";
     const std::string current = "<userConfig name='VoicemailPrimaryServer' value='new'/>";
     EXPECT_THAT(read("<r>" + old + "</r>"), ElementsAre(Pair(L"VoicemailPrimaryServer", L"old")));
@@ -120,7 +120,7 @@ TEST(LocalFileDocument, RenamesTheOldVoicemailKeyBeforeItLooksForAnother) {
                 ElementsAre(Pair(L"voicemailprimaryserver", L"new"), Pair(L"vvm_mailstore_server_0", L"old")));
 }
 
-TEST(LocalFileDocument, WritesExactlyThisDocument) {
+TEST(LocalFileDocument, WritesTheExpectedDocument) {
     EXPECT_EQ(
         write({{L"Beta", L"<&>\"'\u00E9\t\r\n"}, {L"alpha", L""}, {L"c_d", L" v "}}),
         xml_test::localDocument(" <userConfig name=\"alpha\" value=\"\"/>\n"
@@ -129,7 +129,7 @@ TEST(LocalFileDocument, WritesExactlyThisDocument) {
     EXPECT_EQ(write({}), xml_test::localDocument(""));
 }
 
-TEST(LocalFileDocument, LeavesTheTextAloneWithoutMemory) {
+TEST(LocalFileDocument, LeavesTheTextUnchangedWithoutMemory) {
     zel::SecureString content("left over");
     for (const std::size_t limit : {0U, 500U}) { // enough for nothing, and for no writer
         const xml_test::XmlMemoryLimit memory(limit);
@@ -141,7 +141,7 @@ TEST(LocalFileDocument, LeavesTheTextAloneWithoutMemory) {
     EXPECT_EQ(text, "left over");
 }
 
-TEST(LocalFileDocument, GivesBackWhatItWroteButTheCaseOfKeys) {
+TEST(LocalFileDocument, ReadsBackWhatItWroteExceptTheCaseOfKeys) {
     EXPECT_THAT(read(write({{L"Key a<b", L" <&>\"'\t\r\n\u00E9 "}, {L"empty", L""}})),
                 ElementsAre(Pair(L"empty", L""), Pair(L"key a<b", L" <&>\"'\t\r\n\u00E9 ")));
 }

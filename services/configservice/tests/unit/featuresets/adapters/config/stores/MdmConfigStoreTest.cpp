@@ -48,7 +48,7 @@ INSTANTIATE_TEST_SUITE_P(MdmConfigStore, ConfigStoreConformance,
 
 } // namespace ZelUnified
 
-TEST(MdmConfigStore, HoldsWhatWasPushed) {
+TEST(MdmConfigStore, HoldsThePushedValues) {
     MdmConfigStore store(
         "<a><g><Key>v</Key><CertificateValidationEnabled>false</CertificateValidationEnabled></g></a>");
     std::wstring value;
@@ -61,7 +61,7 @@ TEST(MdmConfigStore, HoldsWhatWasPushed) {
     EXPECT_THAT(store.getKeys(), ElementsAre(L"certificatevalidationenabled", L"key"));
 }
 
-TEST(MdmConfigStore, TakesARetrieversMapAsItComesAndTrimsOnReading) {
+TEST(MdmConfigStore, KeepsARetrieversMapUnchangedAndTrimsOnReading) {
     MdmConfigStore store(std::make_shared<FixedRetriever>(ConfigMap{{L"Key", L" v\t"}}));
     EXPECT_THAT(store.getKeys(), ElementsAre(L"Key"));
     std::wstring value;
@@ -74,7 +74,7 @@ TEST(MdmConfigStore, IsEmptyWithoutARetriever) {
     EXPECT_THAT(MdmConfigStore(std::shared_ptr<ZelUnified::MdmConfigRetriever>()).getKeys(), IsEmpty());
 }
 
-TEST(MdmConfigStore, IsEmptyAfterBadText) {
+TEST(MdmConfigStore, IsEmptyAfterMalformedText) {
     const testing_host::LogRecorder log;
     EXPECT_THAT(MdmConfigStore("").getKeys(), IsEmpty());
     EXPECT_THAT(log.getRecords(), IsEmpty());
@@ -82,7 +82,7 @@ TEST(MdmConfigStore, IsEmptyAfterBadText) {
     EXPECT_EQ(log.getTexts(ZelLogLevel::Error).size(), 1U);
 }
 
-TEST(MdmConfigStore, OverridesHitOrMiss) {
+TEST(MdmConfigStore, FipsModeForcesTheKeyOnAHitAndOnAMiss) {
     const xml_test::FipsMode fips(true);
     MdmConfigStore empty("");
     std::wstring value;
@@ -93,7 +93,7 @@ TEST(MdmConfigStore, OverridesHitOrMiss) {
     EXPECT_EQ(value, L"false");
 }
 
-TEST(MdmConfigStore, TakesNoWrites) {
+TEST(MdmConfigStore, RefusesWrites) {
     MdmConfigStore store("<a><g><k>v</k></g></a>");
     EXPECT_FALSE(store.storeValue(L"k", L"w"));
     EXPECT_FALSE(store.removeValue(L"k"));
@@ -103,7 +103,7 @@ TEST(MdmConfigStore, TakesNoWrites) {
     EXPECT_THAT(store.getKeys(), ElementsAre(L"k"));
 }
 
-TEST(MdmConfigStore, AnswersTheContractsQuestions) {
+TEST(MdmConfigStore, ReturnsNamePriorityAndKind) {
     MdmConfigStore store("");
     EXPECT_EQ(store.getName(), "MdmConfigStore");
     EXPECT_EQ(store.getPriority(), 500);

@@ -43,7 +43,7 @@ protected:
     LogRecorder log;
 };
 
-TEST_F(RegistryDeletionTest, ALeafGoesAtOnce) {
+TEST_F(RegistryDeletionTest, DeletesAKeyWithoutSubkeysImmediately) {
     make(L"K\\Leaf");
     EXPECT_TRUE(remove(L"K\\Leaf"));
     EXPECT_FALSE(has(L"K\\Leaf"));
@@ -63,7 +63,7 @@ TEST_F(RegistryDeletionTest, AMissingKeyIsAWarningAndASuccess) {
     EXPECT_EQ(log.getRecords().size(), 1U);
 }
 
-TEST_F(RegistryDeletionTest, AKeyThatCantBeOpenedIsAWarningAndAFailure) {
+TEST_F(RegistryDeletionTest, AKeyThatCannotBeOpenedIsAWarningAndAFailure) {
     make(L"K\\Sub");
     registry->failOpening(L"K", RegistryResult::AccessDenied);
     EXPECT_FALSE(remove(L"K"));
@@ -71,7 +71,7 @@ TEST_F(RegistryDeletionTest, AKeyThatCantBeOpenedIsAWarningAndAFailure) {
     EXPECT_TRUE(has(L"K\\Sub"));
 }
 
-TEST_F(RegistryDeletionTest, SubkeysGoBeforeTheirKey) {
+TEST_F(RegistryDeletionTest, DeletesSubkeysBeforeTheirKey) {
     make(L"K\\A\\X");
     make(L"K\\B");
     EXPECT_TRUE(remove(L"K"));
@@ -90,13 +90,13 @@ TEST_F(RegistryDeletionTest, KeysAreOpenedForReading) {
     EXPECT_EQ(registry->getOpened()[0].options, 0U);
 }
 
-TEST_F(RegistryDeletionTest, APathThatEndsInASeparatorGetsNoSecondOne) {
+TEST_F(RegistryDeletionTest, AddsNoSeparatorToAPathThatEndsWithOne) {
     make(L"K\\A");
     EXPECT_TRUE(remove(L"K\\"));
     EXPECT_THAT(registry->getDeletions(), ElementsAre(L"K\\", L"K\\A", L"K\\"));
 }
 
-TEST_F(RegistryDeletionTest, AChildThatStaysStopsTheLoopAndTheKeyIsStillTriedAgain) {
+TEST_F(RegistryDeletionTest, ASubkeyThatCannotBeDeletedEndsTheLoopAndTheKeyIsTriedOnceMore) {
     make(L"K\\A");
     make(L"K\\B");
     registry->failDeleting(L"K\\A", RegistryResult::AccessDenied);
@@ -107,14 +107,14 @@ TEST_F(RegistryDeletionTest, AChildThatStaysStopsTheLoopAndTheKeyIsStillTriedAga
     EXPECT_THAT(log.getRecords(), IsEmpty());
 }
 
-TEST_F(RegistryDeletionTest, AChildThatIsSaidToBeGoneAndStaysIsNotTriedForEver) {
+TEST_F(RegistryDeletionTest, ASubkeyThatRemainsAfterASuccessfulDeletionEndsTheLoop) {
     make(L"K\\A");
     registry->failDeleting(L"K\\A", RegistryResult::Success);
     EXPECT_FALSE(remove(L"K"));
     EXPECT_THAT(registry->getDeletions(), ElementsAre(L"K", L"K\\A", L"K"));
 }
 
-TEST_F(RegistryDeletionTest, APathThatFillsTheBufferIsCutAndNeverOverrunsIt) {
+TEST_F(RegistryDeletionTest, APathLongerThanTheBufferIsTruncated) {
     const std::wstring parent(500, L'p');
     make(parent + L"\\" + std::wstring(100, L'c'));
     Path path(parent);
@@ -125,7 +125,7 @@ TEST_F(RegistryDeletionTest, APathThatFillsTheBufferIsCutAndNeverOverrunsIt) {
     EXPECT_EQ(registry->getOpenKeyCount(), 0U);
 }
 
-TEST_F(RegistryDeletionTest, ACutPathMayStillLeadToAnotherKeyBelow) {
+TEST_F(RegistryDeletionTest, ATruncatedPathMayBeThatOfAnotherSubkey) {
     const std::wstring parent(500, L'p');
     make(parent + L"\\" + std::wstring(18, L'c'));
     make(parent + L"\\" + std::wstring(19, L'c'));
@@ -134,7 +134,7 @@ TEST_F(RegistryDeletionTest, ACutPathMayStillLeadToAnotherKeyBelow) {
     EXPECT_TRUE(has(parent + L"\\" + std::wstring(19, L'c')));
 }
 
-TEST_F(RegistryDeletionTest, WithoutRoomForASubkeysNameTheLoopEnds) {
+TEST_F(RegistryDeletionTest, WithoutRoomForTheNameOfASubkeyTheDeletionFails) {
     for (const std::size_t length : {517U, 518U, 519U}) {
         const std::wstring parent(length, L'p');
         make(parent + L"\\child");
@@ -143,7 +143,7 @@ TEST_F(RegistryDeletionTest, WithoutRoomForASubkeysNameTheLoopEnds) {
     }
 }
 
-TEST_F(RegistryDeletionTest, RemovingTheSettingsTakesThePolicyKeyAndNothingBesideIt) {
+TEST_F(RegistryDeletionTest, RemoveRegistrySettingsDeletesOnlyTheUsersPolicyKey) {
     registry->setText(HKEY_CURRENT_USER, policies, L"Key", L"value");
     registry->setText(HKEY_CURRENT_USER, policies + L"\\Sub", L"Key", L"value");
     make(policies + L"Too");
@@ -155,14 +155,14 @@ TEST_F(RegistryDeletionTest, RemovingTheSettingsTakesThePolicyKeyAndNothingBesid
     EXPECT_EQ(registry->getDeletions().front(), policies);
 }
 
-TEST_F(RegistryDeletionTest, RemovingSettingsThatAreNotThereIsClean) {
+TEST_F(RegistryDeletionTest, RemoveRegistrySettingsWithoutAPolicyKeyLogsThatItIsNotFound) {
     RegistryConfigStore::removeRegistrySettings();
     EXPECT_THAT(
         log.getTexts(loggerName),
         ElementsAre("Key not found: Software\\Policies\\Ventrix Systems, Inc.\\Unified Communications\\VentrixUC"));
 }
 
-TEST_F(RegistryDeletionTest, OnFilesTheUsersPolicyGoesAndTheAdministratorsStays) {
+TEST_F(RegistryDeletionTest, OnFilesTheUsersPolicyIsDeletedAndTheAdministratorsIsKept) {
     const testing_host::TemporaryProfile profile;
     const std::string key = "[HKEY_CURRENT_USER\\Software\\Policies\\Ventrix Systems, Inc.\\Unified Communications\\"
                             "VentrixUC";
@@ -184,7 +184,7 @@ TEST_F(RegistryDeletionTest, OnFilesTheUsersPolicyGoesAndTheAdministratorsStays)
     EXPECT_THAT(store.getKeys(), ElementsAre(L"InSub", L"Key"));
 }
 
-TEST_F(RegistryDeletionTest, OnFilesAPolicyOfTheUserAloneGoesWhole) {
+TEST_F(RegistryDeletionTest, OnFilesAPolicyThatOnlyTheUserHasIsDeletedCompletely) {
     const testing_host::TemporaryProfile profile;
     const std::string key = "[HKEY_CURRENT_USER\\Software\\Policies\\Ventrix Systems, Inc.\\Unified Communications\\"
                             "VentrixUC";
@@ -207,7 +207,7 @@ TEST_F(RegistryDeletionTest, OnFilesAPolicyWithManySubkeysIsDeletedInOneOrTwoRew
     const auto file = profile.data() / "registry/own.reg";
     testing_host::writeFile(file, lines);
     testing_host::FaultInjectingFileLayer layer;
-    overrideRegistry(makeFileRegistry({(profile.root() / "none").string(), {}}, {}, layer));
+    overrideRegistry(makeFileRegistry({(profile.root() / "none").string(), {}}, {}, &layer));
     RegistryConfigStore::removeRegistrySettings();
     EXPECT_EQ(testing_host::readFile(file), "REGEDIT4\n");
     EXPECT_EQ(log.getTexts(ZelLogLevel::Info).size(), 301U);

@@ -36,7 +36,7 @@ TEST_F(RegistryConfigStoreTest, TheTableIsLoggedInOneLineWithPasswordsHidden) {
                                "\nServicesDomain: example.com");
 }
 
-TEST_F(RegistryConfigStoreTest, TheTextCopyHidesPasswordsThatTheStoreStillAnswers) {
+TEST_F(RegistryConfigStoreTest, TheTextCopyHidesPasswordsThatTheStoreReturns) {
     setText(L"", L"BDIConnectionPassword", L"swordfish");
     setText(L"", L"Gr\u00fc\u00dfe", L"\u4e2d");
     EXPECT_EQ(readBack(L"bdiconnectionpassword"), L"swordfish");
@@ -44,7 +44,7 @@ TEST_F(RegistryConfigStoreTest, TheTextCopyHidesPasswordsThatTheStoreStillAnswer
                                   "e: \xE4\xB8\xAD\n");
 }
 
-TEST_F(RegistryConfigStoreTest, TheTextCopyIsTheOwnersAloneWhateverTheUmask) {
+TEST_F(RegistryConfigStoreTest, TheTextCopyIsAccessibleToItsOwnerOnlyWithAnyUmask) {
     setText(L"", L"Key", L"value");
     const auto before = ::umask(0);
     makeStore();
@@ -53,7 +53,7 @@ TEST_F(RegistryConfigStoreTest, TheTextCopyIsTheOwnersAloneWhateverTheUmask) {
     EXPECT_EQ(std::filesystem::status(textFile).permissions(), perms::owner_read | perms::owner_write);
 }
 
-TEST_F(RegistryConfigStoreTest, TheTextCopyOfTheLastStoreBuiltReplacesThatOfAnyOther) {
+TEST_F(RegistryConfigStoreTest, TheTextCopyOfTheLastConstructedStoreReplacesAnEarlierOne) {
     setText(L"", L"Key", L"a longer value than the next one");
     RegistryConfigStore first(nullptr, "First", 1, "Policies\\Client");
     registry->setText(HKEY_CURRENT_USER, L"Software\\Other", L"k", L"v");
@@ -61,13 +61,13 @@ TEST_F(RegistryConfigStoreTest, TheTextCopyOfTheLastStoreBuiltReplacesThatOfAnyO
     EXPECT_EQ(readFile(textFile), "k: v\n");
 }
 
-TEST_F(RegistryConfigStoreTest, WithAnEmptyTableAnEarlierTextCopyGoesAndNoneIsMade) {
+TEST_F(RegistryConfigStoreTest, AnEmptyTableDeletesTheTextCopyAndCreatesNone) {
     writeFile(textFile, "from an earlier run");
     makeStore();
     EXPECT_FALSE(std::filesystem::exists(textFile));
 }
 
-TEST_F(RegistryConfigStoreTest, ALinkInTheTextCopysPlaceIsNotFollowed) {
+TEST_F(RegistryConfigStoreTest, ALinkAtThePathOfTheTextCopyIsNotFollowed) {
     writeFile(profile.root() / "elsewhere", "precious");
     std::filesystem::create_symlink(profile.root() / "elsewhere", textFile);
     setText(L"", L"Key", L"value");
@@ -76,7 +76,7 @@ TEST_F(RegistryConfigStoreTest, ALinkInTheTextCopysPlaceIsNotFollowed) {
     EXPECT_EQ(readFile(textFile), "Key: value\n");
 }
 
-TEST_F(RegistryConfigStoreTest, ADanglingLinkInTheTextCopysPlaceIsReplacedAndItsTargetIsNotCreated) {
+TEST_F(RegistryConfigStoreTest, ADanglingLinkAtThePathOfTheTextCopyIsReplacedWithoutCreatingItsTarget) {
     std::filesystem::create_symlink(profile.root() / "elsewhere", textFile);
     setText(L"", L"Key", L"value");
     makeStore();
@@ -85,13 +85,13 @@ TEST_F(RegistryConfigStoreTest, ADanglingLinkInTheTextCopysPlaceIsReplacedAndIts
     EXPECT_EQ(readFile(textFile), "Key: value\n");
 }
 
-TEST_F(RegistryConfigStoreTest, ADanglingLinkInTheTextCopysPlaceGoesWithAnEmptyTable) {
+TEST_F(RegistryConfigStoreTest, AnEmptyTableDeletesADanglingLinkAtThePathOfTheTextCopy) {
     std::filesystem::create_symlink(profile.root() / "elsewhere", textFile);
     makeStore();
     EXPECT_FALSE(std::filesystem::is_symlink(textFile));
 }
 
-TEST_F(RegistryConfigStoreTest, WithoutAConfigurationDirectoryNoTextCopyIsMadeAndNoneIsMissed) {
+TEST_F(RegistryConfigStoreTest, WithoutAConfigurationDirectoryNoTextCopyIsCreatedAndNoErrorLogged) {
     std::filesystem::remove(profile.config());
     setText(L"", L"Key", L"value");
     LogRecorder log;
@@ -100,7 +100,7 @@ TEST_F(RegistryConfigStoreTest, WithoutAConfigurationDirectoryNoTextCopyIsMadeAn
     EXPECT_EQ(log.getRecords().size(), 1U);
 }
 
-TEST_F(RegistryConfigStoreTest, AFolderInTheTextCopysPlaceIsLeftAlone) {
+TEST_F(RegistryConfigStoreTest, AFolderAtThePathOfTheTextCopyIsKept) {
     std::filesystem::create_directory(textFile);
     setText(L"", L"Key", L"value");
     EXPECT_EQ(readBack(L"Key"), L"value");
@@ -124,7 +124,7 @@ TEST_F(RegistryConfigStoreTest, PasswordsAreMarkedSensitiveBeforeTheTableIsLogge
     factory->Destroy();
 }
 
-TEST_F(RegistryConfigStoreTest, WithoutAFeatureSetNothingIsMarked) {
+TEST_F(RegistryConfigStoreTest, WithoutAFeatureSetNoKeyIsMarkedAsSensitive) {
     setText(L"", L"BDIConnectionPassword", L"swordfish");
     const auto factory = std::make_shared<testing_host::RecordingFactory>();
     RegistryConfigStore store(factory, "RegistryConfigStore", 30, "Policies\\Client");

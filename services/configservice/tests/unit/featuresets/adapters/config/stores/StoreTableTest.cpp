@@ -78,7 +78,7 @@ TEST_F(StoreTableTest, TrimsOnlyByItsRule) {
     EXPECT_EQ(lookUp(StoreTable::Rule::WithholdsCertificateValidation, contents, L"KEY"), L" value\t");
 }
 
-TEST_F(StoreTableTest, WithholdsCertificateValidationOnlyByItsRuleAndListsIt) {
+TEST_F(StoreTableTest, HidesTheCertificateSwitchOnlyByItsRuleAndListsIt) {
     const ConfigMap contents{{L"CertificateValidationEnabled", L"true"}};
     constexpr auto key = L"CERTIFICATEVALIDATIONENABLED";
     EXPECT_EQ(lookUp(StoreTable::Rule::WithholdsCertificateValidation, contents, key), std::nullopt);
@@ -90,7 +90,7 @@ TEST_F(StoreTableTest, WithholdsCertificateValidationOnlyByItsRuleAndListsIt) {
     EXPECT_EQ(table.listKeys().size(), 1U);
 }
 
-TEST_F(StoreTableTest, FipsModeForcesAHitByEachRuleAndAMissOnlyIfItTrims) {
+TEST_F(StoreTableTest, FipsModeForcesAHitByEachRuleAndAMissOnlyWithTheTrimmingRule) {
     constexpr auto key = L"TELEPHONY_P2P_ENABLED";
     zel::common::FipsUtils::overrideFipsMode(true);
     const ConfigMap contents{{L"Telephony_P2P_Enabled", L"true"}};

@@ -46,7 +46,7 @@ INSTANTIATE_TEST_SUITE_P(XmlConfigStore, ConfigStoreConformance,
 
 } // namespace ZelUnified
 
-TEST_F(XmlConfigStoreTest, HoldsWhatItsPlainFileSays) {
+TEST_F(XmlConfigStoreTest, ReadsAPlainFile) {
     XmlConfigStore store("Name", 7, false, false, write("<Foo>bar</Foo><empty/>"), true);
     EXPECT_TRUE(store.getValue(L"FOO", value));
     EXPECT_EQ(value, L"bar");
@@ -58,7 +58,7 @@ TEST_F(XmlConfigStoreTest, HoldsWhatItsPlainFileSays) {
     EXPECT_THAT(store.getKeys(), ElementsAre(L"empty", L"foo"));
 }
 
-TEST_F(XmlConfigStoreTest, HoldsWhatItsProtectedFileSays) {
+TEST_F(XmlConfigStoreTest, ReadsAProtectedFile) {
     const std::string path = (profile.root() / "store.dat").string();
     ASSERT_TRUE(xml_test::writeProtected(path, "<a><g><k>v</k></g></a>"));
     XmlConfigStore protectedStore("Name", 7, true, true, path, true);
@@ -67,7 +67,7 @@ TEST_F(XmlConfigStoreTest, HoldsWhatItsProtectedFileSays) {
     EXPECT_THAT(plainStore.getKeys(), IsEmpty());
 }
 
-TEST_F(XmlConfigStoreTest, AnswersTheContractsQuestions) {
+TEST_F(XmlConfigStoreTest, ReturnsNamePriorityAndKind) {
     XmlConfigStore server("Name", 499, false, false, "/no/such/file.xml", true);
     EXPECT_EQ(server.getName(), "Name");
     EXPECT_EQ(server.getPriority(), 499);
@@ -79,12 +79,12 @@ TEST_F(XmlConfigStoreTest, AnswersTheContractsQuestions) {
     EXPECT_TRUE(XmlConfigStore("Name", 1, true, false, "", false).isLocal());
 }
 
-TEST_F(XmlConfigStoreTest, DoesNotReadUnlessTold) {
+TEST_F(XmlConfigStoreTest, ReadsItsFileOnlyOnRequest) {
     XmlConfigStore store("Name", 7, true, false, write("<k>v</k>"), false);
     EXPECT_THAT(store.getKeys(), IsEmpty());
 }
 
-TEST_F(XmlConfigStoreTest, NeverAnswersTheCertificateSwitch) {
+TEST_F(XmlConfigStoreTest, NeverReturnsTheCertificateSwitch) {
     XmlConfigStore store("Name", 7, true, false,
                          write("<certificateVALIDATIONenabled>false</certificateVALIDATIONenabled>"), true);
     EXPECT_THAT(store.getKeys(), ElementsAre(L"certificatevalidationenabled"));
@@ -96,7 +96,7 @@ TEST_F(XmlConfigStoreTest, NeverAnswersTheCertificateSwitch) {
     EXPECT_TRUE(store.removeValue(L"CertificateValidationEnabled"));
 }
 
-TEST_F(XmlConfigStoreTest, OverridesOnAHitOnly) {
+TEST_F(XmlConfigStoreTest, FipsModeForcesTheKeyOnAHitOnly) {
     const xml_test::FipsMode fips(true);
     XmlConfigStore store("Name", 7, true, false, "", false);
     EXPECT_FALSE(store.getValue(L"Telephony_P2P_Enabled", value));
@@ -106,7 +106,7 @@ TEST_F(XmlConfigStoreTest, OverridesOnAHitOnly) {
     EXPECT_EQ(value, L"false");
 }
 
-TEST_F(XmlConfigStoreTest, TakesWritesInItsTableAlone) {
+TEST_F(XmlConfigStoreTest, WritesChangeItsValuesAndNotItsFile) {
     const std::string path = write("<k>v</k>");
     const std::string before = testing_host::readFile(path);
     XmlConfigStore store("Name", 7, true, false, path, true);
@@ -124,7 +124,7 @@ TEST_F(XmlConfigStoreTest, TakesWritesInItsTableAlone) {
     EXPECT_EQ(testing_host::readFile(path), before);
 }
 
-TEST_F(XmlConfigStoreTest, StandsManyThreads) {
+TEST_F(XmlConfigStoreTest, SupportsConcurrentReadersAndWriters) {
     XmlConfigStore store("Name", 7, true, false, "", false);
     const auto work = [&](wchar_t key) {
         std::wstring read;

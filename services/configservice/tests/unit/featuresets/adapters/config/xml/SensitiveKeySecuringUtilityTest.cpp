@@ -43,7 +43,7 @@ std::string openSecured(const std::wstring& value) {
     return clear.substr(0, static_cast<std::size_t>(updated + finished));
 }
 
-TEST(SensitiveKeySecuringUtility, NamesTheTwoKeysInOrder) {
+TEST(SensitiveKeySecuringUtility, ListsTheTwoKeysInOrder) {
     EXPECT_EQ(SensitiveKeySecuringUtility::KEYS_TO_SECURE, 2U);
     EXPECT_EQ(SensitiveKeySecuringUtility::EDI_PSW_KEY, L"ConnectionPassword");
     EXPECT_EQ(SensitiveKeySecuringUtility::BDI_PSW_KEY, L"BDIConnectionPassword");
@@ -51,7 +51,7 @@ TEST(SensitiveKeySecuringUtility, NamesTheTwoKeysInOrder) {
     EXPECT_EQ(SensitiveKeySecuringUtility::WELL_KNOWN_SENSITIVE_KEYS[1], L"BDIConnectionPassword");
 }
 
-TEST(SensitiveKeySecuringUtility, KnowsTheKeysInAnyCase) {
+TEST(SensitiveKeySecuringUtility, RecognisesTheKeysIgnoringCase) {
     EXPECT_TRUE(SensitiveKeySecuringUtility::isWellKnownSensitiveKey(L"connectionPASSWORD"));
     EXPECT_TRUE(SensitiveKeySecuringUtility::isWellKnownSensitiveKey(L"bdiconnectionpassword"));
     EXPECT_FALSE(SensitiveKeySecuringUtility::isWellKnownSensitiveKey(L"ConnectionPassword2"));
@@ -86,7 +86,7 @@ TEST(SensitiveKeySecuringUtility, AnEmptyValueStaysEmpty) {
     EXPECT_EQ(secured(L""), L"");
 }
 
-TEST(SensitiveKeySecuringUtility, TheLengthIsThatOfVectorAndPaddedBlocksInBase64) {
+TEST(SensitiveKeySecuringUtility, TheSecuredTextIsTheBase64OfVectorAndPaddedBlocks) {
     const std::wstring one = secured(L"a");
     EXPECT_EQ(one.size(), 44U);
     EXPECT_EQ(std::count(one.begin(), one.end(), L'='), 1);
@@ -101,7 +101,7 @@ TEST(SensitiveKeySecuringUtility, TheLengthIsCountedInBytesOfUtf8) {
     EXPECT_EQ(openSecured(secured(L"\xe4\x20ac")), "\xc3\xa4\xe2\x82\xac");
 }
 
-TEST(SensitiveKeySecuringUtility, EveryRunEnciphersAnew) {
+TEST(SensitiveKeySecuringUtility, EveryCallEncryptsWithANewVector) {
     EXPECT_NE(secured(L"hunter2"), secured(L"hunter2"));
     ConfigMap values{{L"ConnectionPassword", L"hunter2"}};
     SensitiveKeySecuringUtility::secureWellKnownSensitiveKeys(values);
@@ -110,7 +110,7 @@ TEST(SensitiveKeySecuringUtility, EveryRunEnciphersAnew) {
     EXPECT_EQ(openSecured(values.at(L"ConnectionPassword")), KyrCoreUtils::toString(once));
 }
 
-TEST(SensitiveKeySecuringUtility, AFailingCipherEmptiesTheValueAndSaysNothing) {
+TEST(SensitiveKeySecuringUtility, AFailingCipherEmptiesTheValueWithoutALine) {
     const testing_host::LogRecorder log(testing_host::LogRecorder::Debug::On);
     EVP_set_default_properties(nullptr, "provider=none");
     const std::wstring value = secured(L"hunter2");

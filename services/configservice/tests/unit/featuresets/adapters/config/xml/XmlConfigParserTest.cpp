@@ -69,7 +69,7 @@ TEST(XmlConfigParser, ReadsRootGroupsAndKeys) {
     EXPECT_THAT(parse("<a><g>\xC3\x89<\xC3\x89>x</\xC3\x89></g></a>").values, ElementsAre(Pair(L"\u00E9", L"x")));
 }
 
-TEST(XmlConfigParser, TellsOfADocumentWithoutARoot) {
+TEST(XmlConfigParser, LogsAWarningForADocumentWithoutARoot) {
     const testing_host::LogRecorder log;
     const ZelUnified::XmlDocument rootless(xmlNewDoc(nullptr), &xmlFreeDoc);
     ConfigMap values;
@@ -79,7 +79,7 @@ TEST(XmlConfigParser, TellsOfADocumentWithoutARoot) {
     EXPECT_THAT(log.getTexts(ZelLogLevel::Warning), ElementsAre("XML document root element not available."));
 }
 
-TEST(XmlConfigParser, IgnoresAllButElementsOnTheUpperLevelsInSilence) {
+TEST(XmlConfigParser, IgnoresAllNodesButElementsOnTheUpperLevelsWithoutALine) {
     const testing_host::LogRecorder log;
     const Table table = parse("<?xml version='1.0'?><!-- c --><a x='1'>text<!-- c --><?p i?><g k='2'>text"
                               "<![CDATA[data]]><!-- c --></g><h>text</h></a>");
@@ -91,7 +91,7 @@ TEST(XmlConfigParser, IgnoresAllButElementsOnTheUpperLevelsInSilence) {
     EXPECT_THAT(log.getRecords(), IsEmpty());
 }
 
-TEST(XmlConfigParser, JoinsTextAndCDataAndTrimsTheWhole) {
+TEST(XmlConfigParser, ConcatenatesTextAndCDataAndTrimsTheResult) {
     EXPECT_EQ(valueOf("<k><![CDATA[x]]>y</k>"), L"xy");
     EXPECT_EQ(valueOf("<k> <![CDATA[ x ]]> y </k>"), L"x  y");
     EXPECT_EQ(valueOf("<k><![CDATA[]]>y</k>"), L"y");
@@ -113,17 +113,17 @@ TEST(XmlConfigParser, KeepsAnEntityReferenceAsWritten) {
     EXPECT_THAT(table.values, ElementsAre(Pair(L"k", L"<k>x&e;</k>"), Pair(L"l", L"<l>&e;</l>")));
 }
 
-TEST(XmlConfigParser, TakesTheFirstOccurrenceOfAKeyAndItsMarkAlone) {
+TEST(XmlConfigParser, UsesValueAndMarkOfTheFirstOccurrenceOfAKey) {
     const Table table = parse("<a><g><Key>1</Key></g><h><kEY sensitive='true'>2</kEY></h></a>");
     EXPECT_THAT(table.values, ElementsAre(Pair(L"key", L"1")));
     EXPECT_THAT(table.sensitive, IsEmpty());
 }
 
-TEST(XmlConfigParser, CutsDeclaredPrefixesOffKeys) {
+TEST(XmlConfigParser, RemovesDeclaredPrefixesFromKeys) {
     EXPECT_THAT(parse("<a xmlns:p='urn:x'><g><p:K>1</p:K></g></a>").values, ElementsAre(Pair(L"k", L"1")));
 }
 
-TEST(XmlConfigParser, TakesTheFirstMarkInAnyCase) {
+TEST(XmlConfigParser, UsesTheFirstSensitiveAttributeIgnoringCase) {
     EXPECT_THAT(parse("<a><g><K SENSITIVE='true'>x</K></g></a>").sensitive, ElementsAre(L"k"));
     EXPECT_THAT(parse("<a><g><k sensitive=' Yes '><sub/></k></g></a>").sensitive, ElementsAre(L"k"));
     EXPECT_THAT(parse("<a><g><k sensitive='false' SENSITIVE='true'>x</k></g></a>").sensitive, IsEmpty());
@@ -160,7 +160,7 @@ TEST(XmlConfigParser, MarksANestedPasswordOnEveryPath) {
     }
 }
 
-TEST(XmlConfigParser, ClearsTheTableAlwaysAndTheMarksNever) {
+TEST(XmlConfigParser, AlwaysClearsTheValuesAndNeverTheMarks) {
     ConfigKeySet sensitive{L"before"};
     ConfigMap values{{L"left over", L"x"}};
     EXPECT_FALSE(XmlConfigParser::readFromMemory("", values, sensitive));
@@ -174,7 +174,7 @@ TEST(XmlConfigParser, ClearsTheTableAlwaysAndTheMarksNever) {
     EXPECT_THAT(sensitive, ElementsAre(L"before"));
 }
 
-TEST(XmlConfigParser, OverridesTheKeyThatFipsForbids) {
+TEST(XmlConfigParser, FipsModeForcesTheKey) {
     const std::string xml = "<a><g><telephony_p2p_ENABLED>true</telephony_p2p_ENABLED></g></a>";
     {
         const xml_test::FipsMode fips(true);
@@ -184,7 +184,7 @@ TEST(XmlConfigParser, OverridesTheKeyThatFipsForbids) {
     EXPECT_THAT(parse(xml).values, ElementsAre(Pair(L"telephony_p2p_enabled", L"true")));
 }
 
-TEST(XmlConfigParser, ScrubsAPasswordWithoutHarmToItsNeighbours) {
+TEST(XmlConfigParser, ScrubsAPasswordAndKeepsEqualTextsElsewhere) {
     // "abc" is short enough for the dictionary to share it with the name and the equal value.
     const Table table = parse("<a><g><ConnectionPassword>abc</ConnectionPassword><abc>1</abc><k>abc</k>"
                               "<BDIConnectionPassword><v p='abc'>abc</v></BDIConnectionPassword><l>abc</l></g></a>");
@@ -194,7 +194,7 @@ TEST(XmlConfigParser, ScrubsAPasswordWithoutHarmToItsNeighbours) {
                                           Pair(L"connectionpassword", L"abc"), Pair(L"k", L"abc"), Pair(L"l", L"abc")));
 }
 
-TEST(XmlConfigParser, SaysNothingOfAnEmptyTextAndMuchOfABadOne) {
+TEST(XmlConfigParser, LogsNothingForAnEmptyTextAndErrorsForMalformedText) {
     const testing_host::LogRecorder log;
     EXPECT_FALSE(parse("").read);
     EXPECT_THAT(log.getTexts(loggerName), IsEmpty());
@@ -285,7 +285,7 @@ TEST(XmlConfigParser, ReadsAPlainFile) {
     EXPECT_THAT(log.getTexts(loggerName), IsEmpty());
 }
 
-TEST(XmlConfigParser, TellsOfABadPlainFileButNotOfAnAbsentOne) {
+TEST(XmlConfigParser, LogsAMalformedPlainFileButNotAMissingOne) {
     const testing_host::TemporaryProfile profile;
     const testing_host::LogRecorder log;
     const std::string path = (profile.root() / "plain.xml").string();
@@ -316,7 +316,7 @@ TEST(XmlConfigParser, ReadsAProtectedFileUnderEitherName) {
     EXPECT_THAT(log.getTexts(loggerName), IsEmpty());
 }
 
-TEST(XmlConfigParser, TellsOfAProtectedFileThatTheFacilityRefuses) {
+TEST(XmlConfigParser, LogsAWarningForAProtectedFileThatCannotBeRead) {
     const testing_host::TemporaryProfile profile;
     const testing_host::LogRecorder log;
     ConfigMap values;
@@ -330,7 +330,7 @@ TEST(XmlConfigParser, TellsOfAProtectedFileThatTheFacilityRefuses) {
                             "Failed to read XML document: bare or bare.dat"));
 }
 
-TEST(XmlConfigParser, TellsOfAProtectedFileWithBadText) {
+TEST(XmlConfigParser, LogsAProtectedFileWithMalformedText) {
     const testing_host::TemporaryProfile profile;
     const testing_host::LogRecorder log;
     const std::string path = (profile.root() / "settings.xml").string();

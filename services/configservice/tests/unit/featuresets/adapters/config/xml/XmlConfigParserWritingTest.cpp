@@ -40,7 +40,7 @@ ConfigMap readBack(const std::string& xml) {
 
 } // namespace
 
-TEST(XmlConfigParserWriting, WritesExactlyThisDocument) {
+TEST(XmlConfigParserWriting, WritesTheExpectedDocument) {
     EXPECT_EQ(toXml({{L"Beta", L"<&>\"'\u00E9"}, {L"alpha", L""}, {L"c_d", L" two\nlines\r"}}),
               std::string(declaration) + "<Lumora>\n <CachedConfig>\n"
                                          "  <alpha></alpha>\n"
@@ -50,7 +50,7 @@ TEST(XmlConfigParserWriting, WritesExactlyThisDocument) {
     EXPECT_EQ(toXml({}), std::string(declaration) + "<Lumora>\n <CachedConfig/>\n</Lumora>\n");
 }
 
-TEST(XmlConfigParserWriting, GivesBackWhatItWroteButCaseOfKeysAndOuterBlanks) {
+TEST(XmlConfigParserWriting, ReadsBackWhatItWroteExceptTheCaseOfKeysAndOuterBlanks) {
     const ConfigMap values = {{L"Key", L"  v "}, {L"xml", L"<k a=\"1\">x<!-- n --></k>"}, {L"empty", L""}};
     EXPECT_THAT(readBack(toXml(values)),
                 ElementsAre(Pair(L"empty", L""), Pair(L"key", L"v"), Pair(L"xml", L"<k a=\"1\">x<!-- n --></k>")));
@@ -66,19 +66,19 @@ TEST(XmlConfigParserWriting, ReplacesCharactersThatWouldMakeTheFileUnreadable) {
     EXPECT_FALSE(log.mentions("secret"));
 }
 
-TEST(XmlConfigParserWriting, DoesNotGuardAgainstAKeyThatIsNoName) {
+TEST(XmlConfigParserWriting, AKeyThatIsNoXmlNameMakesTheDocumentUnreadable) {
     ConfigMap values;
     ConfigKeySet sensitive;
     EXPECT_FALSE(XmlConfigParser::readFromMemory(toXml({{L"a b", L"1"}, {L"c", L"2"}}), values, sensitive));
 }
 
-TEST(XmlConfigParserWriting, SaysNothingWhenItWritesToMemory) {
+TEST(XmlConfigParserWriting, LogsNothingIfItWritesToMemory) {
     const testing_host::LogRecorder log;
     toXml({{L"k", L"v"}});
     EXPECT_THAT(log.getRecords(), IsEmpty());
 }
 
-TEST(XmlConfigParserWriting, WritesAProtectedFileAndMakesItsFolder) {
+TEST(XmlConfigParserWriting, WritesAProtectedFileAndCreatesItsFolder) {
     const testing_host::TemporaryProfile profile;
     const testing_host::LogRecorder log;
     const fs::path path = profile.root() / "new.folder" / "deep" / "cachedX.xml";
@@ -91,7 +91,7 @@ TEST(XmlConfigParserWriting, WritesAProtectedFileAndMakesItsFolder) {
     EXPECT_THAT(log.getTexts(ZelLogLevel::Info), ElementsAre("data written to file: " + kept.string()));
 }
 
-TEST(XmlConfigParserWriting, CutsTheNameButNeverTheFolderInItsLine) {
+TEST(XmlConfigParserWriting, ADotInTheNameOfTheFolderIsNoExtension) {
     const testing_host::TemporaryProfile profile;
     const testing_host::LogRecorder log;
     const fs::path path = profile.root() / "dotted.folder" / "bare";
@@ -99,7 +99,7 @@ TEST(XmlConfigParserWriting, CutsTheNameButNeverTheFolderInItsLine) {
     EXPECT_THAT(log.getTexts(ZelLogLevel::Info), ElementsAre("data written to file: " + path.string() + ".dat"));
 }
 
-TEST(XmlConfigParserWriting, ClaimsToHaveWrittenAlsoWhenItFailed) {
+TEST(XmlConfigParserWriting, ReturnsSuccessEvenIfTheWriteFails) {
     const testing_host::TemporaryProfile profile;
     const testing_host::LogRecorder log;
     testing_host::writeFile(profile.root() / "file", "in the way");
@@ -108,7 +108,7 @@ TEST(XmlConfigParserWriting, ClaimsToHaveWrittenAlsoWhenItFailed) {
     EXPECT_THAT(log.getTexts(ZelLogLevel::Info), ElementsAre("data written to file: " + path.string()));
 }
 
-TEST(XmlConfigParserWriting, TakesTheDeviceCategoryForUrlProvisioning) {
+TEST(XmlConfigParserWriting, UsesTheDeviceCategoryForUrlProvisioning) {
     using namespace zel::storage::FileCategoryType;
     const testing_host::TemporaryProfile profile;
     const auto check = [&](const fs::path& path, FileCategory category) {
@@ -123,7 +123,7 @@ TEST(XmlConfigParserWriting, TakesTheDeviceCategoryForUrlProvisioning) {
     check(profile.root() / "cachedurlprovisioningconfigstore.dat", UserData);
 }
 
-TEST(XmlConfigParserWriting, WritesAndSaysNothingWithoutMemory) {
+TEST(XmlConfigParserWriting, WithoutMemoryWritesAndLogsNothing) {
     const testing_host::TemporaryProfile profile;
     const testing_host::LogRecorder log;
     const fs::path path = profile.root() / "cachedX.dat";
@@ -139,7 +139,7 @@ TEST(XmlConfigParserWriting, WritesAndSaysNothingWithoutMemory) {
     EXPECT_THAT(log.getRecords(), IsEmpty());
 }
 
-TEST(XmlConfigParserWriting, SavesAnXmlTextUnprotectedForItsOwnerAlone) {
+TEST(XmlConfigParserWriting, SavesAnXmlTextUnprotectedWithMode0600) {
     const testing_host::TemporaryProfile profile;
     const fs::path path = profile.root() / "folder" / "plain.xml";
     EXPECT_TRUE(XmlConfigParser::writeToFile(path.string(), "<a><k>v</k></a>"));
@@ -157,7 +157,7 @@ TEST(XmlConfigParserWriting, SavesUnderNamesThatLookLikeUris) {
     EXPECT_FALSE(fs::exists(profile.root() / "zA.xml"));
 }
 
-TEST(XmlConfigParserWriting, SavesNothingForATextThatDoesNotParse) {
+TEST(XmlConfigParserWriting, SavesNothingForMalformedText) {
     const testing_host::TemporaryProfile profile;
     const fs::path path = profile.root() / "folder" / "plain.xml";
     EXPECT_FALSE(XmlConfigParser::writeToFile(path.string(), "<a>"));
@@ -168,7 +168,7 @@ TEST(XmlConfigParserWriting, SavesNothingForATextThatDoesNotParse) {
     EXPECT_EQ(testing_host::readFile(path), "old");
 }
 
-TEST(XmlConfigParserWriting, FailsWhereNoFileCanStand) {
+TEST(XmlConfigParserWriting, FailsIfTheFileCannotBeCreated) {
     const testing_host::TemporaryProfile profile;
     testing_host::writeFile(profile.root() / "file", "in the way");
     EXPECT_FALSE(XmlConfigParser::writeToFile((profile.root() / "file" / "x.xml").string(), "<a/>"));

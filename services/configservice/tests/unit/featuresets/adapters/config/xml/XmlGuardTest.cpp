@@ -1,12 +1,9 @@
 #include "featuresets/adapters/config/xml/XmlGuard.h"
 
-#include "featuresets/adapters/config/xml/XmlBuffer.h"
-
 #include <gtest/gtest.h>
 #include <libxml/parser.h>
 
 #include <cstring>
-#include <thread>
 
 using ZelUnified::XmlGuard;
 
@@ -21,17 +18,6 @@ void parse(const char* text) {
 }
 
 } // namespace
-
-// Each case runs in a separate process, so the library has not been used before.
-TEST(XmlGuard, TheFirstUseOfTheLibraryMayBeOnSeveralThreadsAtOnce) {
-    const auto use = [] {
-        const XmlGuard guard;
-        EXPECT_NE(ZelUnified::makeXmlBuffer(xmlNode{}), nullptr);
-    };
-    std::thread other(use);
-    use();
-    other.join();
-}
 
 TEST(XmlGuard, KeepsTheParserFromQuotingTheDocumentOnStandardError) {
     testing::internal::CaptureStderr();
@@ -57,7 +43,7 @@ TEST(XmlGuard, RestoresTheHandlersOfTheProcess) {
     xmlSetStructuredErrorFunc(nullptr, nullptr);
 }
 
-TEST(XmlGuard, SwitchesTheDefaultsOffAndBackOn) {
+TEST(XmlGuard, DisablesTheDefaultsOfTheLibraryUntilItIsDestroyed) {
     xmlSubstituteEntitiesDefaultValue = 1;
     xmlLoadExtDtdDefaultValue = 1;
     xmlDoValidityCheckingDefaultValue = 1;
@@ -79,7 +65,7 @@ TEST(XmlGuard, SwitchesTheDefaultsOffAndBackOn) {
     xmlKeepBlanksDefaultValue = 1;
 }
 
-TEST(XmlGuard, NestsWithoutLosingTheOuterSilence) {
+TEST(XmlGuard, AnInnerGuardKeepsTheOuterOneInEffect) {
     testing::internal::CaptureStderr();
     {
         const XmlGuard outer;

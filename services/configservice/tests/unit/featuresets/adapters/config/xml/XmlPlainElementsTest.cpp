@@ -78,14 +78,14 @@ Tables readBothWays(const std::string& xml) {
 
 } // namespace
 
-TEST(XmlPlainElements, AreHandedOutInsteadOfEnteringTheTree) {
+TEST(XmlPlainElements, ArePassedToTheReceiverInsteadOfTheTree) {
     const auto parsed = parse("<r>\n <g>\n  <K1> x &amp; &#x79; </K1>\n  <k2/>\n </g>\n <g><k3></k3></g>\n</r>");
     EXPECT_THAT(parsed.handedOut, ElementsAre(Pair("K1", " x & y "), Pair("k2", ""), Pair("k3", "")));
     ASSERT_NE(parsed.document, nullptr);
     EXPECT_THAT(namesInTree(parsed.document), IsEmpty());
 }
 
-TEST(XmlPlainElements, EndWithTheFirstElementThatHoldsMoreThanText) {
+TEST(XmlPlainElements, EndAtTheFirstElementThatContainsMoreThanText) {
     for (const std::string more : {"<b>x</b>", "<!-- note -->", "<?target data?>", "<![CDATA[x]]>"}) {
         const auto parsed = parse("<r><g><k1>1</k1><k2>text" + more + "tail</k2><k3>3</k3></g></r>");
         EXPECT_THAT(parsed.handedOut, ElementsAre(Pair("k1", "1"))) << more;
@@ -101,13 +101,13 @@ TEST(XmlPlainElements, HaveNeitherAttributesNorNamespaces) {
     EXPECT_THAT(parse("<r xmlns='u'><g><k>x</k></g></r>").handedOut, IsEmpty());
 }
 
-TEST(XmlPlainElements, AreNotSoughtInADocumentWithDeclarations) {
+TEST(XmlPlainElements, AreNotExtractedFromADocumentWithDeclarations) {
     const auto parsed = parse("<!DOCTYPE r [<!ENTITY e 'text'>]><r><g><k>x</k><l>&e;</l></g></r>");
     EXPECT_THAT(parsed.handedOut, IsEmpty());
     EXPECT_THAT(namesInTree(parsed.document), ElementsAre("k", "l"));
 }
 
-TEST(XmlPlainElements, WinOverALaterElementOfTheirKeyAndItsMark) {
+TEST(XmlPlainElements, OverrideALaterElementOfTheSameKeyAndItsMark) {
     const auto tables = readBothWays("<r><g><k>plain</k><l sensitive='true'>marked</l>"
                                      "<K sensitive='true'>late</K></g></r>");
     for (const auto& values : {tables.fromProtected, tables.fromMemory}) {
@@ -118,7 +118,7 @@ TEST(XmlPlainElements, WinOverALaterElementOfTheirKeyAndItsMark) {
     }
 }
 
-TEST(XmlPlainElements, LeaveLongTextsToTheTree) {
+TEST(XmlPlainElements, LongTextsStayInTheTree) {
     const std::string longText(100'000, 'x');
     const auto parsed = parse("<r><g><k>1</k><l>" + longText + "</l></g></r>");
     EXPECT_THAT(parsed.handedOut, ElementsAre(Pair("k", "1")));
@@ -126,7 +126,7 @@ TEST(XmlPlainElements, LeaveLongTextsToTheTree) {
     EXPECT_EQ(reinterpret_cast<const char*>(group->children->children->content), longText);
 }
 
-TEST(XmlPlainElements, AreWorthNothingWithoutADocument) {
+TEST(XmlPlainElements, OfAMalformedDocumentAreDiscarded) {
     const auto parsed = parse("<r><g><k>1</k></g>");
     EXPECT_EQ(parsed.document, nullptr);
     const Tables tables = readBothWays("<r><g><k>1</k></g>");
@@ -144,7 +144,7 @@ TEST(XmlPlainElements, PassAnExceptionOfTheReceiverToTheCaller) {
     EXPECT_EQ(calls, 1);
 }
 
-TEST(XmlPlainElements, ChangeNothingOfWhatADocumentSays) {
+TEST(XmlPlainElements, DoNotChangeTheValuesOfADocument) {
     const std::string longestText(std::size_t{64} * 1024, 'x');
     const std::vector<std::string> documents{
         "<a><b><c>1</c></b><b><c>2</c></b></a>",
@@ -172,7 +172,7 @@ TEST(XmlPlainElements, ChangeNothingOfWhatADocumentSays) {
     }
 }
 
-TEST(XmlPlainElements, ChangeNothingOfWhatDocumentsOfManyElementsSay) {
+TEST(XmlPlainElements, DoNotChangeTheValuesOfRandomDocuments) {
     std::mt19937 chance(5); // NOLINT(cert-msc32-c,cert-msc51-cpp): the same documents in each run
     const std::vector<std::string> names{"k", "K", "l", "Telephony_P2P_Enabled", "\xC3\x84", "\xC3\xA4", "password"};
     const std::vector<std::string> marks{"", "", "", "", "", " sensitive='true'", " SENSITIVE='no'", " xmlns='u'"};

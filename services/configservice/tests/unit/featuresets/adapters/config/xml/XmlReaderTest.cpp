@@ -16,7 +16,7 @@ const xmlAttr& firstAttribute(const ZelUnified::XmlDocument& document) {
 
 } // namespace
 
-TEST(XmlReader, GivesNoDocumentForTextThatIsNotWellFormed) {
+TEST(XmlReader, ReturnsNoDocumentForMalformedText) {
     EXPECT_EQ(XmlReader::parseDoc(""), nullptr);
     EXPECT_EQ(XmlReader::parseDoc("<a>"), nullptr);
     EXPECT_EQ(XmlReader::readMemory("", "test"), nullptr);
@@ -28,13 +28,13 @@ TEST(XmlReader, AcceptsAByteOrderMark) {
     EXPECT_NE(XmlReader::readMemory("\xEF\xBB\xBF<a/>", "test"), nullptr);
 }
 
-TEST(XmlReader, RefusesAnEncodingThatTheBytesAreNotIn) {
+TEST(XmlReader, RefusesUnknownEncodingsAndBytesInAnotherThanTheDeclaredOne) {
     EXPECT_EQ(XmlReader::readMemory("<?xml version='1.0' encoding='utf-16'?><a/>", "test"), nullptr);
     EXPECT_EQ(XmlReader::readMemory("<?xml version='1.0' encoding='no-such'?><a/>", "test"), nullptr);
     EXPECT_EQ(XmlReader::readMemory("<a>\xFF\xFE\x80</a>", "test"), nullptr);
 }
 
-TEST(XmlReader, ReadsUtf16FilesByTheirMark) {
+TEST(XmlReader, ReadsUtf16FilesByTheirByteOrderMark) {
     const testing_host::TemporaryProfile profile;
     const auto path = profile.root() / "utf16.xml";
     testing_host::writeFile(path, std::string("\xFF\xFE<\0a\0/\0>\0", 10));
@@ -43,7 +43,7 @@ TEST(XmlReader, ReadsUtf16FilesByTheirMark) {
     EXPECT_EQ(XmlReader::getName(*xmlDocGetRootElement(document.get())), "a");
 }
 
-TEST(XmlReader, TakesFilesInEveryEncodingThatItTakesTextsIn) {
+TEST(XmlReader, ReadsFilesInEveryEncodingInWhichItReadsTexts) {
     using namespace std::string_literals;
     const testing_host::TemporaryProfile profile;
     const std::string path = (profile.root() / "encoded.xml").string();
@@ -60,7 +60,7 @@ TEST(XmlReader, TakesFilesInEveryEncodingThatItTakesTextsIn) {
     }
 }
 
-TEST(XmlReader, RefusesCompressedFilesThoughTheLibraryInflatesThem) {
+TEST(XmlReader, RefusesCompressedFiles) {
     const std::string xz(
         "\xfd\x37\x7a\x58\x5a\x00\x00\x04\xe6\xd6\xb4\x46\x02\x00\x21\x01\x16\x00\x00\x00\x74\x2f\xe5\xa3\x01\x00\x15"
         "\x3c\x61\x3e\x3c\x62\x3e\x3c\x6b\x3e\x31\x3c\x2f\x6b\x3e\x3c\x2f\x62\x3e\x3c\x2f\x61\x3e\x00\x00\x00\x6b\xbf"
@@ -81,7 +81,7 @@ TEST(XmlReader, RefusesCompressedFilesThoughTheLibraryInflatesThem) {
     }
 }
 
-TEST(XmlReader, RefusesWhatIsNoRegularFile) {
+TEST(XmlReader, RefusesFilesThatAreNotRegular) {
     const testing_host::TemporaryProfile profile;
     EXPECT_EQ(XmlReader::readFile(profile.root().string()), nullptr);
 }
@@ -104,7 +104,7 @@ TEST(XmlReader, RefusesNulBytesDepthAndHugeTexts) {
     EXPECT_EQ(XmlReader::readFile((profile.root() / "huge.xml").string()), nullptr);
 }
 
-TEST(XmlReader, TakesDocumentsOfEveryLength) {
+TEST(XmlReader, ReadsDocumentsOfEveryLength) {
     std::string elements;
     for (int count = 0; count < 300; ++count) {
         for (const auto* encoding : {"UTF-8", "ISO-8859-1"}) {
@@ -117,12 +117,12 @@ TEST(XmlReader, TakesDocumentsOfEveryLength) {
     }
 }
 
-TEST(XmlReader, RefusesWhatIsBehindAZero) {
+TEST(XmlReader, RefusesTextWithANullCharacter) {
     EXPECT_NE(XmlReader::parseDoc("<a/>"), nullptr);
     EXPECT_EQ(XmlReader::parseDoc(std::string("<a/>\0<b/>", 9)), nullptr);
 }
 
-TEST(XmlReader, LoadsNothingThatADocumentNames) {
+TEST(XmlReader, LoadsNoExternalEntities) {
     const testing_host::TemporaryProfile profile;
     const std::string secret = (profile.root() / "secret").string();
     testing_host::writeFile(secret, "content");
@@ -151,7 +151,7 @@ TEST(XmlReader, ResolvesTheEntitiesOfAnAttribute) {
     EXPECT_LT(budget, XmlReader::expansionLimit);
 }
 
-TEST(XmlReader, TakesNoBudgetForPlainAttributesHoweverLong) {
+TEST(XmlReader, PlainAttributesUseNoExpansionBudget) {
     const auto document = XmlReader::parseDoc("<r v='" + std::string(1000, 'x') + "'/>");
     std::size_t budget = 0;
     EXPECT_EQ(XmlReader::getText(firstAttribute(document), budget), std::string(1000, 'x'));
@@ -169,7 +169,7 @@ TEST(XmlReader, StopsExpandingWhenTheBudgetIsSpent) {
     EXPECT_EQ(XmlReader::getText(firstAttribute(document), tooLittle), std::nullopt);
 }
 
-TEST(XmlReader, ExpandsAMillionBytesAndStepsOfOneDocumentAndNoMore) {
+TEST(XmlReader, ExpandsAtMostAMillionBytesAndStepsOfADocument) {
     const auto expand = [](std::size_t references, std::size_t& budget) {
         std::string text = "<!DOCTYPE r [<!ENTITY a 'x'>]><r v='";
         for (std::size_t count = 0; count < references; ++count) {
@@ -180,13 +180,13 @@ TEST(XmlReader, ExpandsAMillionBytesAndStepsOfOneDocumentAndNoMore) {
     };
     std::size_t budget = XmlReader::expansionLimit;
     EXPECT_EQ(expand(300'000, budget), std::string(300'000, 'x'));
-    EXPECT_EQ(expand(300'000, budget), std::nullopt) << "what one document's attributes share is spent";
+    EXPECT_EQ(expand(300'000, budget), std::nullopt) << "the budget of the document is used up";
     budget = XmlReader::expansionLimit;
     EXPECT_EQ(expand(400'000, budget), std::nullopt);
     EXPECT_EQ(XmlReader::expansionLimit, 1'000'000U);
 }
 
-TEST(XmlReader, SurvivesABillionLaughs) {
+TEST(XmlReader, DoesNotExpandABillionLaughs) {
     for (const std::string body : {"<r><g><k>&a9;</k></g></r>", "<r v='&a9;'/>"}) {
         const auto document = XmlReader::parseDoc(xml_test::billionLaughs(body));
         if (!document || xmlDocGetRootElement(document.get())->properties == nullptr) {

@@ -28,7 +28,7 @@ TEST(XmlScrubber, ZeroesTextCDataAndAttributesBelowAnElement) {
     EXPECT_EQ(textOf(inner), "");
 }
 
-TEST(XmlScrubber, ZeroesSharedTextsOnlyAtItsEnd) {
+TEST(XmlScrubber, ZeroesSharedTextsWhenItIsDestroyed) {
     // Short texts are in the document's dictionary, where equal texts and names share them.
     const auto document = XmlReader::readMemory("<r><k>abc</k><l>abc</l><abc/></r>", "test");
     const xmlNode* root = xmlDocGetRootElement(document.get());
@@ -43,7 +43,7 @@ TEST(XmlScrubber, ZeroesSharedTextsOnlyAtItsEnd) {
     EXPECT_EQ(textOf(first), "");
 }
 
-TEST(XmlScrubber, ZeroesATextThatNothingSharesAtOnce) {
+TEST(XmlScrubber, ZeroesAnUnsharedTextImmediately) {
     const auto document = XmlReader::readMemory("<r>a text too long for the dictionary</r>", "test");
     xmlNode* text = xmlDocGetRootElement(document.get())->children;
     XmlScrubber scrubber(document);
@@ -51,7 +51,7 @@ TEST(XmlScrubber, ZeroesATextThatNothingSharesAtOnce) {
     EXPECT_EQ(textOf(text), "");
 }
 
-TEST(XmlScrubber, LeavesTheContentOfEntitiesAlone) {
+TEST(XmlScrubber, LeavesTheContentOfEntitiesUnchanged) {
     const auto document = XmlReader::parseDoc("<!DOCTYPE r [<!ENTITY e 'entity text'>]><r><k>&e;</k><l>&e;</l></r>");
     xmlNode* root = xmlDocGetRootElement(document.get());
     xmlNode* reference = root->children->children;

@@ -93,7 +93,7 @@ TEST(XmlWriter, WritesWhatTheLibrarysWriterWrites) {
     }
 }
 
-TEST(XmlWriter, SaysWhenItReplacedACharacter) {
+TEST(XmlWriter, ReturnsFalseIfItReplacedACharacter) {
     XmlWriter writer(XmlWriter::Declaration::Without);
     writer.startElement("a");
     EXPECT_TRUE(writer.writeAttribute("b", L"<\u00E9>"));
@@ -105,7 +105,7 @@ TEST(XmlWriter, SaysWhenItReplacedACharacter) {
                                " <e>\xEF\xBF\xBD</e>\n <f>\xEF\xBF\xBD</f>\n</a>\n");
 }
 
-TEST(XmlWriter, GivesEachLevelABlankAndEndsWhatIsOpen) {
+TEST(XmlWriter, IndentsEachLevelByOneBlankAndEndsOpenElements) {
     XmlWriter writer(XmlWriter::Declaration::Without);
     writer.startElement("a");
     writer.startElement("b");
@@ -116,7 +116,7 @@ TEST(XmlWriter, GivesEachLevelABlankAndEndsWhatIsOpen) {
     EXPECT_EQ(writer.finish(), "<a>\n <b>\n  <c/>\n </b>\n <d/>\n</a>\n");
 }
 
-TEST(XmlWriter, LeavesOutAnElementWithoutAName) {
+TEST(XmlWriter, OmitsAnElementWithoutAName) {
     XmlWriter writer(XmlWriter::Declaration::Without);
     writer.startElement("a");
     EXPECT_TRUE(writer.writeElement("", L"lost\u0001"));
@@ -125,7 +125,7 @@ TEST(XmlWriter, LeavesOutAnElementWithoutAName) {
     EXPECT_EQ(writer.finish(), "<a>\n <b>kept</b>\n</a>\n");
 }
 
-TEST(XmlWriter, TakesTextsOfAnyLength) {
+TEST(XmlWriter, WritesTextsOfAnyLength) {
     XmlWriter writer(XmlWriter::Declaration::Without);
     std::string expected = "<a>\n";
     writer.startElement("a");
@@ -141,7 +141,7 @@ TEST(XmlWriter, IsNotReadyWithoutMemory) {
     EXPECT_FALSE(XmlWriter().isReady());
 }
 
-TEST(XmlWriter, NeverGivesADocumentOutOfWhichAPartIsMissing) {
+TEST(XmlWriter, ReturnsNoDocumentAfterAFailedAllocation) {
     XmlWriter writer;
     writer.startElement("a");
     {
@@ -152,7 +152,7 @@ TEST(XmlWriter, NeverGivesADocumentOutOfWhichAPartIsMissing) {
     EXPECT_EQ(writer.finish(), "");
 }
 
-TEST(XmlWriter, ReplacesWhatXmlCantCarry) {
+TEST(XmlWriter, ReplacesIllegalCharacters) {
     const std::string mark = "\xEF\xBF\xBD";
     const std::vector<std::pair<std::string, std::string>> cases = {
         {std::string("a\0b", 3), "a" + mark + "b"},
@@ -169,7 +169,7 @@ TEST(XmlWriter, ReplacesWhatXmlCantCarry) {
     }
 }
 
-TEST(XmlWriter, LeavesLegalTextAlone) {
+TEST(XmlWriter, LeavesLegalTextUnchanged) {
     const std::string legal = "a\t\n\r \x7F \xC3\xA9 \xEF\xBF\xBD \xEF\xBF\xBC \xF0\x9F\x98\x80";
     std::string text = legal;
     EXPECT_FALSE(XmlWriter::replaceIllegalCharacters(text));
