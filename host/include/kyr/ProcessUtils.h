@@ -13,6 +13,8 @@ public:
     static std::string getProgramFolder();
     /// Returns the name of the machine in UTF-8; "" if it is unknown.
     static std::string getHostName();
+    /// Returns the name of the account that runs the process in UTF-8; "" if it is unknown.
+    static std::string getUserName();
     /// Returns true if standard input is a terminal.
     static bool isInputTerminal() noexcept;
 };

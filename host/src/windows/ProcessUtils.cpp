@@ -33,6 +33,15 @@ std::string ProcessUtils::getHostName() {
     return toString(std::wstring_view(name).substr(0, length));
 }
 
+std::string ProcessUtils::getUserName() {
+    std::wstring name(257, L'\0'); // the longest name and its end
+    auto length = static_cast<DWORD>(name.size());
+    if (::GetUserNameW(name.data(), &length) == 0 || length == 0) {
+        return {};
+    }
+    return toString(std::wstring_view(name).substr(0, length - 1));
+}
+
 bool ProcessUtils::isInputTerminal() noexcept {
     return ::_isatty(::_fileno(stdin)) != 0;
 }

@@ -1,5 +1,8 @@
 #include <kyr/ProcessUtils.h>
 
+#include <pwd.h>
+#include <unistd.h>
+
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -18,4 +21,9 @@ TEST(ProcessUtils, ReturnsTheNameOfTheMachine) {
     if (std::string expected; std::getline(file, expected)) {
         EXPECT_EQ(name, expected);
     }
+}
+
+TEST(ProcessUtils, ReturnsTheNameOfTheAccount) {
+    const auto* account = getpwuid(geteuid());
+    EXPECT_EQ(ProcessUtils::getUserName(), account != nullptr ? account->pw_name : "");
 }

@@ -7,6 +7,7 @@
 #include "commands/SettingsReader.h"
 #include "commands/Shell.h"
 #include "disk/Doctor.h"
+#include "fleet/FleetCommands.h"
 #include "host/ConfigHost.h"
 #include "host/HostFolders.h"
 #include "live/ChangeWatch.h"
@@ -132,6 +133,7 @@ void compareOperands(const CommandLine& line, Printer& printer) {
 
 /// Answers other processes until a signal arrives, which is the regular end.
 ExitCode serve(Session& session, const Command& command, Printer& printer) {
+    session.getHost().startFleet();
     const auto socket = session.getHost().startInspection(!command.changesRefused);
     printer.showText("ready", "serving " + session.getHost().getConfigDirectory() + " on " + socket);
     EndSignals::wait();
@@ -185,6 +187,10 @@ ExitCode runSession(const CommandLine& line, Printer& printer, Outputs& outputs)
     }
     if (line.command.name == "completion") {
         printer.showText("completion", std::string(getCompletionScript(line.command.topic)));
+        return ExitCode::Done;
+    }
+    if (line.command.name == "fleet") {
+        runFleetCommand(line.command, line.pluginDirectory, printer);
         return ExitCode::Done;
     }
     if (line.command.name == "watch") {
