@@ -60,7 +60,8 @@ std::vector<etcd::Pair> EtcdSession::list(const std::vector<FleetScope>& scopes)
 
 std::string EtcdSession::request(const char* path, const std::string& body) {
     HttpResult result;
-    for (std::size_t attempt = 0; attempt < access.endpoints.size(); ++attempt) {
+    // One attempt for each endpoint, and one for a token that has expired.
+    for (std::size_t attempt = 0; attempt <= access.endpoints.size(); ++attempt) {
         if (!access.username.empty() && token.empty()) {
             authenticate();
         }
@@ -68,10 +69,11 @@ std::string EtcdSession::request(const char* path, const std::string& body) {
         if (result.isSuccess()) {
             return result.body;
         }
-        if (result.status == 401) {
+        if (result.status == 401 && !token.empty()) {
             token.clear();
+        } else {
+            endpoint = (endpoint + 1) % access.endpoints.size();
         }
-        endpoint = (endpoint + 1) % access.endpoints.size();
     }
     throw EtcdError(describe(result));
 }

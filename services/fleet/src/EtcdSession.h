@@ -19,8 +19,8 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// Reads and writes the keys of a cluster for administrators. Each operation waits for the answer, and tries every
-/// endpoint once; all throw EtcdError. Not thread-safe.
+/// Reads and writes the keys of a cluster for administrators. Each operation waits for the answer, and tries the
+/// endpoints in turn; all throw EtcdError. Not thread-safe.
 class EtcdSession {
 public:
     explicit EtcdSession(ClusterAccess clusterAccess, std::chrono::milliseconds timeout = std::chrono::seconds(10));

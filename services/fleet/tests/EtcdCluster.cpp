@@ -1,9 +1,9 @@
 #include "EtcdCluster.h"
 
+#include "ProgramRun.h"
+
 #include <arpa/inet.h>
-#include <fcntl.h>
 #include <netinet/in.h>
-#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -13,9 +13,9 @@
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
-#include <set>
 #include <sstream>
 #include <stdexcept>
+#include <utility>
 
 namespace fleet_test {
 
@@ -23,59 +23,13 @@ namespace {
 
 constexpr const char* loopback = "127.0.0.1";
 
-std::string findProgram(const std::string& name) {
-    std::stringstream path(std::getenv("PATH") != nullptr ? std::getenv("PATH") : "/usr/bin");
-    for (std::string directory; std::getline(path, directory, ':');) {
-        const auto program = directory + '/' + name;
-        if (::access(program.c_str(), X_OK) == 0) {
-            return program;
-        }
-    }
-    return {};
-}
-
-/// Starts the program with its output in a pipe. Returns the process and the end of the pipe to read from.
-std::pair<pid_t, int> spawn(const std::string& program, const std::vector<std::string>& arguments) {
-    std::vector<char*> words{const_cast<char*>(program.c_str())};
-    for (const auto& argument : arguments) {
-        words.push_back(const_cast<char*>(argument.c_str()));
-    }
-    words.push_back(nullptr);
-    std::array<int, 2> ends{};
-    if (program.empty() || ::pipe2(ends.data(), O_CLOEXEC) != 0) {
-        throw std::runtime_error("no program, or no pipe");
-    }
-    const auto parent = ::getpid();
-    const auto process = ::fork();
-    if (process == 0) {
-        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-        if (::getppid() != parent) {
-            ::_exit(1);
-        }
-        ::dup2(ends[1], STDOUT_FILENO);
-        ::dup2(ends[1], STDERR_FILENO);
-        ::execv(words.front(), words.data());
-        ::_exit(127);
-    }
-    ::close(ends[1]);
-    return {process, ends[0]};
-}
-
 /// Runs a program to its end. Throws with its output if it fails.
 std::string run(const std::string& program, const std::vector<std::string>& arguments) {
-    const auto [process, pipe] = spawn(findProgram(program), arguments);
-    std::string output;
-    std::array<char, 4096> buffer{};
-    for (ssize_t count = 0; (count = ::read(pipe, buffer.data(), buffer.size())) > 0;) {
-        output.append(buffer.data(), static_cast<std::size_t>(count));
+    auto result = runProgram(findProgram(program), arguments);
+    if (result.code != 0) {
+        throw std::runtime_error(program + " failed: " + result.output);
     }
-    ::close(pipe);
-    int status = 0;
-    ::waitpid(process, &status, 0);
-    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) {
-        throw std::runtime_error(program + " failed: " + output);
-    }
-    return output;
+    return std::move(result.output);
 }
 
 /// Returns ports of the loopback address that were free, all different.
@@ -112,7 +66,7 @@ std::filesystem::path makeFolder() {
 } // namespace
 
 EtcdMember::EtcdMember(std::vector<std::string> arguments) {
-    std::tie(process, logPipe) = spawn(findProgram("etcd"), arguments);
+    std::tie(process, logPipe) = spawnProgram(findProgram("etcd"), arguments);
     reader = std::thread([this] { readLog(); });
 }
 

@@ -57,6 +57,12 @@ ZelUnified::FleetAccess makeAccess(const FleetOptions& options) {
     access.username = options.username;
     access.password = readPassword(options.passwordFile);
     access.plainHttpAllowed = options.plainHttp;
+    for (const auto& endpoint : options.endpoints) {
+        if (!options.plainHttp && endpoint.starts_with("http://")) {
+            throw Failure(ExitCode::Usage, "the endpoint begins with http://: anybody can read the settings on their "
+                                           "way; --plain-http accepts it");
+        }
+    }
     return access;
 }
 
