@@ -40,7 +40,7 @@ public:
     bool IsFeatureSetProvisioned(unsigned int /*id*/) override { return true; }
     std::vector<unsigned int> GetFeatureSetDependencies(unsigned int id) override;
 
-    void OnConfigStoreAdded(const std::string& storeName) override;
+    void OnConfigStoreAdded(const std::string& addedName) override;
 
 private:
     void post(const std::string& name, void (FleetServiceImpl::*work)());

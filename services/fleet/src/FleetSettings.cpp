@@ -6,11 +6,7 @@
 #include <kyr/StringUtils.h>
 #include <zel/ZelLog.h>
 
-#include <FleetKeys.h>
-
 #include <algorithm>
-#include <array>
-#include <ranges>
 
 namespace fleet {
 
@@ -72,9 +68,10 @@ bool isUsableName(const std::string& name) {
 
 std::vector<FleetScope> readScopes(ZelUnified::ConfigFeatureSet& configuration) {
     std::vector<FleetScope> scopes{FleetScope::ofAll()};
-    for (const auto& group : readList(configuration, FleetKeys::groups) | std::views::reverse) {
-        if (isUsableName(group)) {
-            scopes.push_back(FleetScope::ofGroup(group));
+    const auto groups = readList(configuration, FleetKeys::groups);
+    for (auto group = groups.rbegin(); group != groups.rend(); ++group) {
+        if (isUsableName(*group)) {
+            scopes.push_back(FleetScope::ofGroup(*group));
         }
     }
     auto user = read(configuration, FleetKeys::user);
@@ -102,12 +99,8 @@ FleetSettings FleetSettings::read(ZelUnified::ConfigFeatureSet& configuration) {
 }
 
 bool FleetSettings::isOwnKey(const std::wstring& key) {
-    static constexpr std::array keys{FleetKeys::endpoints,        FleetKeys::groups,    FleetKeys::user,
-                                     FleetKeys::authority,        FleetKeys::clientKey, FleetKeys::clientCertificate,
-                                     FleetKeys::plainHttpAllowed, FleetKeys::priority,  FleetKeys::username,
-                                     FleetKeys::password};
     return std::ranges::any_of(
-        keys, [&](std::wstring_view own) { return KyrCoreUtils::caseInsensitiveStringEquals(own, key); });
+        ownKeys, [&](std::wstring_view own) { return KyrCoreUtils::caseInsensitiveStringEquals(own, key); });
 }
 
 void FleetSettings::markSensitiveKeys(ZelUnified::ConfigFeatureSet& configuration) {

@@ -4,7 +4,10 @@
 #include "FleetScope.h"
 
 #include <ConfigFeatureSet.h>
+#include <FleetKeys.h>
 
+#include <array>
+#include <string>
 #include <vector>
 
 namespace fleet {
@@ -12,6 +15,17 @@ namespace fleet {
 /// The settings of this service, from the configuration itself.
 struct FleetSettings {
     static constexpr int defaultPriority = 45;
+    /// The keys of FleetKeys.h.
+    static constexpr std::array ownKeys{ZelUnified::FleetKeys::endpoints,
+                                        ZelUnified::FleetKeys::groups,
+                                        ZelUnified::FleetKeys::user,
+                                        ZelUnified::FleetKeys::authority,
+                                        ZelUnified::FleetKeys::clientCertificate,
+                                        ZelUnified::FleetKeys::clientKey,
+                                        ZelUnified::FleetKeys::plainHttpAllowed,
+                                        ZelUnified::FleetKeys::priority,
+                                        ZelUnified::FleetKeys::username,
+                                        ZelUnified::FleetKeys::password};
 
     ClusterAccess access;
     std::vector<FleetScope> scopes; ///< The least specific one first.

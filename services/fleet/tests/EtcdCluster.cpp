@@ -164,26 +164,14 @@ std::string EtcdCluster::describeCluster() const {
 
 std::unique_ptr<EtcdMember> EtcdCluster::startMember(std::size_t member, bool joins) const {
     const auto& place = places.at(member);
-    std::vector<std::string> arguments{"--name",
-                                       place.name,
-                                       "--data-dir",
-                                       folder / place.name,
-                                       "--listen-client-urls",
-                                       place.clientUrl,
-                                       "--advertise-client-urls",
-                                       place.clientUrl,
-                                       "--listen-peer-urls",
-                                       place.peerUrl,
-                                       "--initial-advertise-peer-urls",
-                                       place.peerUrl,
-                                       "--initial-cluster",
-                                       describeCluster(),
-                                       "--initial-cluster-state",
-                                       joins ? "existing" : "new",
-                                       "--heartbeat-interval",
-                                       "100",
-                                       "--election-timeout",
-                                       "1000"};
+    std::vector<std::string> arguments{"--name", place.name, "--data-dir", folder / place.name, "--listen-client-urls",
+                                       place.clientUrl, "--advertise-client-urls", place.clientUrl,
+                                       "--listen-peer-urls", place.peerUrl, "--initial-advertise-peer-urls",
+                                       place.peerUrl, "--initial-cluster", describeCluster(), "--initial-cluster-state",
+                                       joins ? "existing" : "new", "--heartbeat-interval", "100", "--election-timeout",
+                                       "1000",
+                                       // A wiped member leaves and joins directly after the death of its process.
+                                       "--strict-reconfig-check=false"};
     if (options.tls) {
         arguments.insert(arguments.end(), {"--cert-file", folder / "server.pem", "--key-file", folder / "server.key"});
     }

@@ -2,8 +2,14 @@
 
 #include "Base64.h"
 #include "ClusterAccess.h"
+#include "FleetSettings.h"
+
+#include <kyr/StringUtils.h>
 
 #include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
 
 namespace fleet_test {
 namespace {
@@ -88,6 +94,15 @@ TEST(FleetClusterAccess, AcceptsPlainHttpOnlyIfAllowed) {
     for (const auto* endpoint : {"", "etcd.example:2379", "https://", "file:///etc/passwd", "https://a/b",
                                  "https://user@etcd.example", "https://a b", "https://a\r\nb"}) {
         EXPECT_NE(whyRefused(access, endpoint), "") << endpoint;
+    }
+}
+
+TEST(FleetDocumentation, NamesEachKeyOfTheService) {
+    std::ifstream file(DOCUMENTATION);
+    const std::string page((std::istreambuf_iterator<char>(file)), {});
+    for (const auto key : fleet::FleetSettings::ownKeys) {
+        const auto name = '`' + KyrCoreUtils::toString(key) + '`';
+        EXPECT_NE(page.find(name), std::string::npos) << name;
     }
 }
 

@@ -58,6 +58,7 @@ TEST_F(FleetCommand, RefusesWhatNoClientWouldUse) {
 }
 
 TEST_F(FleetCommand, RefusesPlainHttpUnlessItIsAllowed) {
+    EXPECT_EQ(runProgram(PROGRAM, {"fleet", "list"}).code, 2);
     const auto result = runProgram(PROGRAM, {"fleet", "list", "--endpoint", "http://127.0.0.1:1"});
     EXPECT_EQ(result.code, 2);
     EXPECT_NE(result.output.find("--plain-http"), std::string::npos) << result.output;

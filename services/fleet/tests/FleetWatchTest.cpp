@@ -109,7 +109,9 @@ TEST_F(FleetWatch, KeepsTheLastSettingsWhileTheClusterExceedsTheLimits) {
     EtcdCluster cluster;
     const testing_host::LogRecorder log;
     cluster.put("/lumora/fleet/all/Theme", "light");
-    Client client(cluster.getAccess());
+    auto times = shortTimes();
+    times.firstDelay = times.longestDelay = std::chrono::seconds(1); // each attempt reads all of it
+    Client client(cluster.getAccess(), times);
     EXPECT_TRUE(client.observer.waitForValue(L"Theme", L"light"));
     const std::string large(1000000, 'x');
     for (int number = 0; number < 17; ++number) {

@@ -28,8 +28,8 @@ inline fleet::FleetSettings makeSettings(const fleet::ClusterAccess& access) {
 
 /// A watch with an observer.
 struct Client {
-    explicit Client(const fleet::ClusterAccess& access)
-        : follower(makeSettings(access), shortTimes(),
+    explicit Client(const fleet::ClusterAccess& access, const fleet::FleetTimes& times = shortTimes())
+        : follower(makeSettings(access), times,
                    [this](ZelUnified::ConfigMap settings) { observer.receive(std::move(settings)); }) {}
 
     SettingsObserver observer;

@@ -137,9 +137,9 @@ void addFleet(CLI::App& app, Command& command) {
     };
     const auto addTexts = [fleet](const char* name, std::vector<std::string>& values, const char* help,
                                   const char* type) {
-        return fleet->add_option(name, values, help)->type_name(type)->allow_extra_args(false);
+        fleet->add_option(name, values, help)->type_name(type)->allow_extra_args(false);
     };
-    addTexts("--endpoint", options.endpoints, "A member of the cluster, https://HOST:PORT", "URL")->required();
+    addTexts("--endpoint", options.endpoints, "A member of the cluster, https://HOST:PORT", "URL");
     addTexts("--group", options.groups, "This group instead of everybody; the first one wins", "NAME");
     addText("--user", options.user, "This user instead of everybody", "NAME");
     addText("--authority", options.authority, "The certificate authorities of the members", "FILE");

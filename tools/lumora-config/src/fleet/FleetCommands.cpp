@@ -57,6 +57,9 @@ ZelUnified::FleetAccess makeAccess(const FleetOptions& options) {
     access.username = options.username;
     access.password = readPassword(options.passwordFile);
     access.plainHttpAllowed = options.plainHttp;
+    if (options.endpoints.empty()) {
+        throw Failure(ExitCode::Usage, "fleet: --endpoint is missing");
+    }
     for (const auto& endpoint : options.endpoints) {
         if (!options.plainHttp && endpoint.starts_with("http://")) {
             throw Failure(ExitCode::Usage, "the endpoint begins with http://: anybody can read the settings on their "
