@@ -45,6 +45,17 @@ std::vector<std::uint8_t> widen(const std::vector<std::uint8_t>& bytes) {
     return data;
 }
 
+/// Returns true for a line that begins like a key. No value continues there: a quote or a byte that is missing above it
+/// must not hide the key.
+bool beginsKey(std::wstring_view line) {
+    RegistryTextCursor cursor(KyrCoreUtils::trim(line));
+    if (!cursor.skip(L"[")) {
+        return false;
+    }
+    cursor.skip(L"-");
+    return KyrCoreUtils::caseInsensitiveStringEquals(cursor.rest().substr(0, 2), L"HK");
+}
+
 /// Reads up to the closing quote. Returns false if the line ends before it.
 bool readToQuote(RegistryTextCursor& cursor, std::wstring& text) {
     while (!cursor.atEnd()) {
@@ -110,7 +121,7 @@ bool RegistryTextValueReader::readQuoted(RegistryTextCursor& cursor, RegistryVal
     std::wstring text;
     while (!readToQuote(cursor, text)) {
         // A text of several lines is exported with unescaped line ends.
-        if (++current >= lines.getCount()) {
+        if (++current >= lines.getCount() || beginsKey(lines.getText(current))) {
             return fail("the value has no closing quote");
         }
         text.push_back(L'\n');
@@ -167,13 +178,13 @@ bool RegistryTextValueReader::readBytes(RegistryTextCursor& cursor, RegistryValu
     return true;
 }
 
-/// Advances to the next line that is not a comment. Returns false if the value ends first, at the end of the file or at
-/// a blank line.
+/// Advances to the next line that is not a comment. Returns false if the value ends first: at the end of the file, at a
+/// blank line or at a key.
 bool RegistryTextValueReader::readContinuation(RegistryTextCursor& cursor) {
     while (current + 1 < lines.getCount()) {
         RegistryTextCursor following(lines.getText(current + 1));
         following.skipBlanks();
-        if (following.atEnd()) {
+        if (following.atEnd() || beginsKey(following.rest())) {
             return false;
         }
         ++current;
@@ -194,7 +205,7 @@ bool RegistryTextValueReader::fail(const char* text) {
 void RegistryTextValueReader::skipContinuation() {
     while (current + 1 < lines.getCount()) {
         const auto text = KyrCoreUtils::trim(lines.getText(current));
-        if (!text.ends_with(L'\\')) {
+        if (!text.ends_with(L'\\') || beginsKey(lines.getText(current + 1))) {
             return;
         }
         ++current;

@@ -234,6 +234,31 @@ TEST(RegistryTextFile, EachMalformedLineIsRejectedWithItsNumber) {
     EXPECT_EQ(refusalOf("[HKCU\\K" + std::string(1, '\0') + "]\r\n"), Fault(4, "a zero in the name of a key"));
 }
 
+TEST(RegistryTextFile, AnUnfinishedValueDoesNotHideTheKeyBelowIt) {
+    for (const std::string value :
+         {"\"a\"=\"no quote", "\"a\"=\"no quote\\", "\"a\"=\"two\r\nlines", "\"a\"=hex:zz,\\"}) {
+        for (const std::string key : {"[HKEY_CURRENT_USER\\L]", "\f[-hkcu\\L]"}) {
+            const auto text = parse(header + "[HKCU\\K]\r\n" + value + "\r\n" + key + "\r\n;\"\r\n");
+            ASSERT_THAT(text.sections, SizeIs(2)) << value << key;
+            EXPECT_EQ(text.sections[1].path, L"L");
+        }
+    }
+    const auto bytes = parse(header + "[HKCU\\K]\r\n\"a\"=hex:01,\\\r\n[HKCU\\L]\r\n\"b\"=hex:02\r\n");
+    ASSERT_THAT(bytes.sections, SizeIs(2));
+    EXPECT_THAT(bytes.sections[0].entries.at(0).value.data, ElementsAre(1));
+    EXPECT_THAT(bytes.sections[1].entries.at(0).value.data, ElementsAre(2));
+}
+
+TEST(RegistryTextFile, ATextMayContainALineWithABracket) {
+    EXPECT_EQ(decodeRegistryText(valueOf("\"a\"=\"one\r\n[two]\r\n\"").data), L"one\r\n[two]\r\n");
+}
+
+TEST(RegistryTextFile, NoKeyIsLeftAfterAllWereCutBetweenMalformedLines) {
+    const auto bytes =
+        header + "[X\r\n\"a\"=\"abc\r\n[HKCU\\x]\r\ndef\" rubbish\r\n[X\r\n\";\"=\"x\r\n[HKCU\\y]\r\n\"\r\n";
+    EXPECT_THAT(parse(cutRegistryText(bytes, parse(bytes).sections)).sections, IsEmpty());
+}
+
 TEST(RegistryTextFile, ABrokenValueTakesItsContinuationAlong) {
     EXPECT_EQ(refusalOf("\"a\"=hex:00,\\\r\n  zz,\\\r\n  01,\\\r\n  02\r\n\"b\"=\"c\"\r\n").first, 4U);
 }
