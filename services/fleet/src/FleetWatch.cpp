@@ -100,7 +100,7 @@ void FleetWatch::receiveSnapshot(const HttpResult& result) {
         table.apply(pair);
     }
     if (snapshot->more || table.isOverfull()) {
-        fail("it holds more than 10,000 keys or 16 MiB for this client");
+        failOverfull();
         return;
     }
     pass();
@@ -146,6 +146,7 @@ void FleetWatch::receive(const etcd::WatchReply& reply) {
     }
     if (reply.created && ++confirmed == settings.scopes.size()) {
         thread.cancel(confirmationTimer);
+        overfullReported = false;
         if (std::exchange(reported, false)) {
             ZelLog(watchLogger, ZelLogLevel::Info, ZEL_HERE, "The cluster can be followed again");
         }
@@ -154,7 +155,7 @@ void FleetWatch::receive(const etcd::WatchReply& reply) {
         table.apply(change);
     }
     if (table.isOverfull()) {
-        fail("it holds more than 10,000 keys or 16 MiB for this client");
+        failOverfull();
     } else if (!reply.changes.empty()) {
         planPass();
     }
@@ -222,6 +223,13 @@ void FleetWatch::fail(const std::string& reason) {
     const auto doublings = std::min(failures++, 16U);
     const auto delay = std::min(times.longestDelay, times.firstDelay * (1U << doublings));
     retryTimer = thread.callAfter(withJitter(delay), [this] { connect(); });
+}
+
+void FleetWatch::failOverfull() {
+    if (!std::exchange(overfullReported, true)) {
+        reported = false; // a line of its own, even behind that of a lost connection
+    }
+    fail("it holds more than 10,000 keys or 16 MiB for this client");
 }
 
 void FleetWatch::cancelTimers() {

@@ -56,6 +56,7 @@ private:
     void pass();
     void planPass();
     void fail(const std::string& reason);
+    void failOverfull();
     void failFor(const HttpResult& result);
     void dropToken() { token.clear(); }
     void cancelTimers();
@@ -73,6 +74,7 @@ private:
     std::string token;
     unsigned int failures = 0; ///< Since a member has answered for a while.
     bool reported = false;     ///< The failures are in the log.
+    bool overfullReported = false;
     std::size_t confirmed = 0; ///< The number of scopes whose watch exists.
     std::string line;          ///< The part of a message that has arrived.
     std::unique_ptr<HttpTransfer> request;

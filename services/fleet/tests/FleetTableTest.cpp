@@ -1,5 +1,7 @@
 #include "FleetTable.h"
 
+#include "SettingsMailbox.h"
+
 #include <gtest/gtest.h>
 
 namespace fleet_test {
@@ -73,6 +75,15 @@ TEST_F(FleetTable, HoldsSixteenMebibytes) {
     EXPECT_TRUE(table.isOverfull()) << "the keys count too";
     remove("/lumora/fleet/all/L");
     EXPECT_FALSE(table.isOverfull());
+}
+
+TEST(FleetMailbox, SettingsThatArriveBeforeTheTaskRunsAreOneUpdate) {
+    fleet::SettingsMailbox mailbox;
+    EXPECT_TRUE(mailbox.put({{L"A", L"1"}}));
+    EXPECT_FALSE(mailbox.put({{L"A", L"2"}})) << "the task is posted already";
+    EXPECT_EQ(mailbox.take(), (ConfigMap{{L"A", L"2"}}));
+    EXPECT_EQ(mailbox.take(), std::nullopt);
+    EXPECT_TRUE(mailbox.put({{L"A", L"3"}}));
 }
 
 } // namespace

@@ -190,6 +190,9 @@ ExitCode runSession(const CommandLine& line, Printer& printer, Outputs& outputs)
         return ExitCode::Done;
     }
     if (line.command.name == "fleet") {
+        if (!line.trusted) {
+            requireTrusted(line.namedDirectories);
+        }
         runFleetCommand(line.command, line.pluginDirectory, printer);
         return ExitCode::Done;
     }
