@@ -66,6 +66,12 @@ void FleetHost::onServices(const std::function<void()>& work) const {
     factory->getServicesDispatcher()->enqueueBlock(std::make_shared<KyrCoreUtils::FunctionTask>(work, "test"), false);
 }
 
+void FleetHost::waitForReview() const {
+    // The chain announces a store on the background thread, from where the service posts to the services thread.
+    factory->flushBackgroundDispatcher();
+    onServices([] {});
+}
+
 bool FleetHost::waitForValue(const std::wstring& key, const std::wstring& value) const {
     const auto reached = std::make_shared<testing_host::Signal>();
     onServices([&] {

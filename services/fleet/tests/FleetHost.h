@@ -29,6 +29,8 @@ public:
 
     /// Runs `work` on the services thread and waits for it.
     void onServices(const std::function<void()>& work) const;
+    /// Waits until the service has seen the stores that the chain has added so far.
+    void waitForReview() const;
     /// Waits until the record of the key has the value. Returns false on timeout.
     bool waitForValue(const std::wstring& key, const std::wstring& value) const;
     std::wstring getValue(const std::wstring& key) const;

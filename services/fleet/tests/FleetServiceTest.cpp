@@ -92,7 +92,7 @@ TEST_F(FleetService, StoreReturnsAfterAStopARefreshAndAReset) {
     EXPECT_TRUE(host.waitForValue(L"Theme", L"dark"));
     // The cached copy keeps the value during a refresh, so the store is what is looked at.
     host.onServices([&] { host.getConfiguration().refreshConfigFeatureSet(); });
-    factory.flushBackgroundDispatcher();
+    host.waitForReview();
     host.onServices([&] {
         const auto store = host.getConfiguration().getConfigStoreByName("FleetConfigStore");
         EXPECT_NE(std::dynamic_pointer_cast<fleet::FleetConfigStore>(store), nullptr);
@@ -134,8 +134,9 @@ TEST_F(FleetService, PolicyStartsAndEndsTheWatch) {
     host.onServices(
         [&] { EXPECT_EQ(host.getConfiguration().getConfigStoreByName("FleetConfigStore")->getPriority(), 47); });
     setPolicy("");
-    EXPECT_TRUE(host.waitForValue(L"Theme", L"default"));
+    host.waitForReview();
     EXPECT_FALSE(host.getFleet().isFollowing());
+    EXPECT_EQ(host.getValue(L"Theme"), L"default");
 }
 
 TEST_F(FleetService, UserCannotChooseTheCluster) {
@@ -145,8 +146,7 @@ TEST_F(FleetService, UserCannotChooseTheCluster) {
         host.getConfiguration().setConfig(L"FleetEndpoints", L"https://127.0.0.1:1");
         host.getConfiguration().refreshConfigFeatureSet();
     });
-    host.getFactory().flushBackgroundDispatcher();
-    host.onServices([] {});
+    host.waitForReview();
     EXPECT_FALSE(host.getFleet().isFollowing());
 }
 
