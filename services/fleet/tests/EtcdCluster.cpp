@@ -293,6 +293,11 @@ void EtcdCluster::restartTogether(const std::vector<std::size_t>& numbers) {
     }
 }
 
+void EtcdCluster::loseTokens() const {
+    control({"auth", "disable"});
+    control({"auth", "enable"});
+}
+
 void EtcdCluster::replace() {
     kill(0);
     std::filesystem::remove_all(folder / places.front().name);

@@ -71,6 +71,8 @@ public:
     void restart(std::size_t member);
     /// Starts members that cannot serve without each other.
     void restartTogether(const std::vector<std::size_t>& numbers);
+    /// Makes all tokens of clients invalid, as their expiry does.
+    void loseTokens() const;
     /// Replaces the only member by one without data, whose revisions start again at 1.
     void replace();
     pid_t getProcess(std::size_t member) const { return members.at(member)->getProcess(); }

@@ -45,9 +45,9 @@ TEST_F(FleetService, ObserverIsCalledOncePerChange) {
     EtcdCluster cluster;
     cluster.put("/lumora/fleet/all/Theme", "first");
     writeDefaults(cluster.getAccess());
+    std::vector<std::wstring> seen; // the end of the host changes the value once more
     const FleetHost host;
     ASSERT_TRUE(host.waitForValue(L"Theme", L"first"));
-    std::vector<std::wstring> seen;
     host.onServices([&] {
         const auto record = host.getRecords().getConfig(L"Theme");
         record->getConfigValueNotifiers()->getValueNotifier()->connect(
@@ -142,11 +142,11 @@ TEST_F(FleetService, PolicyStartsAndEndsTheWatch) {
 TEST_F(FleetService, UserCannotChooseTheCluster) {
     writeDefaults({});
     const FleetHost host;
-    host.onServices([&] {
-        host.getConfiguration().setConfig(L"FleetEndpoints", L"https://127.0.0.1:1");
-        host.getConfiguration().refreshConfigFeatureSet();
-    });
+    host.onServices([&] { host.getConfiguration().setConfig(L"FleetEndpoints", L"https://127.0.0.1:1"); });
+    host.getFactory().flushBackgroundDispatcher(); // the refresh reads the user's file
+    host.onServices([&] { host.getConfiguration().refreshConfigFeatureSet(); });
     host.waitForReview();
+    EXPECT_EQ(host.getValue(L"FleetEndpoints"), L"https://127.0.0.1:1");
     EXPECT_FALSE(host.getFleet().isFollowing());
 }
 

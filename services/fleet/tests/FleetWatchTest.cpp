@@ -135,7 +135,10 @@ TEST_F(FleetWatch, AuthenticatesAgainAfterTheTokensAreLost) {
     const testing_host::LogRecorder log;
     Client client(cluster.getAccess());
     EXPECT_TRUE(client.observer.waitFor([](const auto& settings) { return settings.empty(); }));
-    cluster.restart(0);
+    const auto calls = client.observer.countCalls();
+    cluster.loseTokens();
+    EXPECT_TRUE(client.observer.waitForCalls(calls + 1)) << "it reads again";
+    EXPECT_TRUE(log.mentions("invalid auth token"));
     cluster.put("/lumora/fleet/users/ada/Theme", "light");
     EXPECT_TRUE(client.observer.waitForValue(L"Theme", L"light"));
     EXPECT_FALSE(log.mentions(EtcdCluster::password));

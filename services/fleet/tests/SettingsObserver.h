@@ -24,6 +24,10 @@ public:
         std::unique_lock lock(mutex);
         return changed.wait_for(lock, std::chrono::seconds(60), [&] { return calls > 0 && isReached(latest); });
     }
+    bool waitForCalls(std::size_t count) {
+        std::unique_lock lock(mutex);
+        return changed.wait_for(lock, std::chrono::seconds(60), [&] { return calls >= count; });
+    }
     bool waitForValue(const std::wstring& key, const std::wstring& value) {
         return waitFor([&](const auto& settings) {
             const auto found = settings.find(key);
