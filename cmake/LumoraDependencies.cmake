@@ -6,6 +6,10 @@ find_package(spdlog REQUIRED)
 find_package(CLI11 REQUIRED)
 find_package(nlohmann_json REQUIRED)
 find_package(PkgConfig REQUIRED)
+# The fleet service speaks to its cluster with it. 7.87 is the first version whose end never waits for a name server.
+if(LUMORA_BUILD_FLEET)
+  find_package(CURL 7.87 REQUIRED)
+endif()
 pkg_check_modules(UTF8PROC REQUIRED IMPORTED_TARGET libutf8proc)
 # Without it the host delivers no power events; everything else works.
 pkg_check_modules(SYSTEMD IMPORTED_TARGET libsystemd)

@@ -34,7 +34,7 @@ std::string ProcessUtils::getHostName() {
 }
 
 std::string ProcessUtils::getUserName() {
-    std::wstring name(MAX_PATH, L'\0');
+    std::wstring name(257, L'\0'); // the longest name and its terminator
     auto length = static_cast<DWORD>(name.size());
     if (::GetUserNameW(name.data(), &length) == 0 || length == 0) {
         return {};

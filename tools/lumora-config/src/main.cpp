@@ -6,6 +6,7 @@
 #include "commands/Session.h"
 #include "commands/SettingsReader.h"
 #include "disk/Doctor.h"
+#include "fleet/FleetCommands.h"
 #include "host/ConfigHost.h"
 #include "host/HostFolders.h"
 #include "live/ChangeWatch.h"
@@ -182,6 +183,7 @@ void compareOperands(const CommandLine& line, Printer& printer) {
 
 /// Answers other processes until a signal arrives, which is the regular end.
 ExitCode serve(Session& session, const Command& command, Printer& printer) {
+    session.getHost().startFleet();
     const auto socket = session.getHost().startInspection(!command.changesRefused);
     printer.showText("ready", "serving " + session.getHost().getConfigDirectory() + " on " + socket);
     EndSignals::wait();
@@ -233,6 +235,13 @@ ExitCode runSession(const CommandLine& line, Printer& printer, Outputs& outputs)
     }
     if (line.command.name == "completion") {
         printer.showText("completion", std::string(getCompletionScript(line.command.topic)));
+        return ExitCode::Done;
+    }
+    if (line.command.name == "fleet") {
+        if (!line.trusted) {
+            requireTrusted(line.namedDirectories);
+        }
+        runFleetCommand(line.command, line.pluginDirectory, printer);
         return ExitCode::Done;
     }
     if (line.command.name == "watch") {
