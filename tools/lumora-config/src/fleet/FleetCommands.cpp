@@ -206,7 +206,7 @@ void watch(const Action& action) {
         }
         last = std::move(settings);
     });
-    while (!EndSignals::waitFor(outputCheck) && action.printer.isHeard()) {
+    while (!EndSignals::waitFor(outputCheck) && action.printer.canPrint()) {
     }
     EndSignals::acknowledge();
     action.cluster.endWatch();
