@@ -22,6 +22,9 @@ struct FileAccess {
     /// Returns the access of the file at the path (UTF-8), following links; nullopt if it does not exist or cannot be
     /// inspected. Any thread.
     LUMORA_HOST_API static std::optional<FileAccess> of(const std::string& path);
+    /// Returns the permission bits of the file, following links; nullopt if it does not exist, or on a platform whose
+    /// files have no such bits.
+    LUMORA_HOST_API static std::optional<unsigned> modeOf(const std::string& path);
 };
 
 } // namespace KyrCoreUtils

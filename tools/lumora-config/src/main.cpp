@@ -17,6 +17,7 @@
 #include "output/TextPrinter.h"
 
 #include <kyr/EndSignals.h>
+#include <kyr/ProcessArguments.h>
 #include <kyr/StandardStreams.h>
 
 #include <cerrno>
@@ -275,7 +276,8 @@ int main(int argc, char** argv) {
     // A signal does not interrupt a command or the end of the host, so acknowledged changes are on the disk.
     const EndSignals signals;
     Outputs outputs;
-    const auto code = checkAnswers(runGuarded(argc, argv, outputs), outputs);
+    KyrCoreUtils::ProcessArguments arguments(argc, argv);
+    const auto code = checkAnswers(runGuarded(arguments.getCount(), arguments.getValues(), outputs), outputs);
     EndSignals::endProcess();
     return static_cast<int>(code);
 }

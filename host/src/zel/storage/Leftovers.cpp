@@ -2,6 +2,8 @@
 
 #include "PathParts.h"
 
+#include <kyr/Paths.h>
+
 #include <chrono>
 #include <filesystem>
 #include <system_error>
@@ -23,7 +25,7 @@ bool isTemporaryOf(std::string_view candidate, const std::string& name) {
 
 void removeLeftovers(FileLayer& layer, const std::string& path) {
     const PathParts parts = splitPath(path);
-    const std::filesystem::path directory(parts.directory.empty() ? "." : parts.directory);
+    const auto directory = KyrCoreUtils::toPath(parts.directory.empty() ? "." : parts.directory);
     const auto now = std::filesystem::file_time_type::clock::now();
     std::error_code failed;
     for (std::filesystem::directory_iterator entry(directory, failed), end; !failed && entry != end;
