@@ -14,3 +14,7 @@ find_path(ASIO_INCLUDE_DIR asio.hpp REQUIRED)
 if(NOT WIN32)
   pkg_check_modules(LIBEDIT REQUIRED IMPORTED_TARGET libedit)
 endif()
+if(MINGW)
+  # They are static there, and their headers declare imports unless they are told so.
+  add_compile_definitions(LIBXML_STATIC UTF8PROC_STATIC)
+endif()

@@ -67,7 +67,7 @@ TEST_F(MovedAsideTest, DamagedEmptyAndWronglyKeyedFilesAreMovedAsideAndReported)
     const LogRecorder log;
     std::map<std::string, ReadResult> reasons;
     for (const auto& moved : check(configDirectory)) {
-        reasons[fs::path(moved.original).filename()] = moved.reason;
+        reasons[fs::path(moved.original).filename().string()] = moved.reason;
         EXPECT_EQ(moved.keptAs, moved.original + ".unreadable");
         EXPECT_FALSE(fs::exists(moved.original));
         EXPECT_TRUE(fs::exists(moved.keptAs));
@@ -297,7 +297,7 @@ TEST_F(MovedAsideTest, HealthTellsTheStateOfEachFileOnTheDisk) {
     fs::create_symlink(config / "directory", config / "lumoraLocalConfig_backup.dat");
     std::map<std::string, ReadResult> states;
     for (const auto& file : EncryptFileUtils::health(configDirectory).files) {
-        states[fs::path(file.path).filename()] = file.state;
+        states[fs::path(file.path).filename().string()] = file.state;
         EXPECT_EQ(file.pending, file.path == storage.configFile("absent.dat"));
     }
     EXPECT_EQ(states, (std::map<std::string, ReadResult>{{"absent.dat", ReadResult::Absent},
