@@ -7,8 +7,8 @@
 
 namespace KyrCoreUtils {
 
-/// The arguments of this process in UTF-8, on platforms too where main() gets them in another encoding. The first one is
-/// the name of the program. Any thread.
+/// The arguments of this process in UTF-8, on platforms too where main() gets them in another encoding. The first one
+/// is the name of the program. Any thread.
 class LUMORA_HOST_API ProcessArguments {
 public:
     /// Pass what main() got; it must outlive this object.

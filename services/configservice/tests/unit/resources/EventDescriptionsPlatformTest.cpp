@@ -25,6 +25,5 @@ TEST(EventDescriptionsPlatform, ThePlatformsCallsFindEveryDocumentInTheLibrary) 
 
 TEST(EventDescriptionsPlatform, AnotherNameOrTypeIsNotFound) {
     EXPECT_EQ(readPlatformResource(SERVICE_LIBRARY, L"EVENTXML", L"ABSENT.XML"), std::nullopt);
-    EXPECT_EQ(readPlatformResource(SERVICE_LIBRARY, L"XML", L"CONFIGSERVICEEVENTDESCRIPTIONS_EN-US.XML"),
-              std::nullopt);
+    EXPECT_EQ(readPlatformResource(SERVICE_LIBRARY, L"XML", L"CONFIGSERVICEEVENTDESCRIPTIONS_EN-US.XML"), std::nullopt);
 }
