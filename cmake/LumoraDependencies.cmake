@@ -19,3 +19,7 @@ if(NOT WIN32)
   pkg_check_modules(LIBEDIT REQUIRED IMPORTED_TARGET libedit)
   pkg_check_modules(LIBARCHIVE REQUIRED IMPORTED_TARGET libarchive)
 endif()
+if(MINGW)
+  # They are static there, and their headers declare imports unless they are told so.
+  add_compile_definitions(LIBXML_STATIC UTF8PROC_STATIC)
+endif()

@@ -18,7 +18,7 @@ std::string ProcessUtils::getProgramFolder() {
         }
         if (length < path.size()) {
             path.resize(length);
-            return StringUtils::toString(std::filesystem::path(path).parent_path().wstring());
+            return toString(std::filesystem::path(path).parent_path().wstring());
         }
         path.resize(path.size() * 2);
     }

@@ -19,6 +19,7 @@
 #include "shell/Shell.h"
 
 #include <kyr/EndSignals.h>
+#include <kyr/ProcessArguments.h>
 #include <kyr/StandardStreams.h>
 
 #include <algorithm>
@@ -332,7 +333,8 @@ int main(int argc, char** argv) {
     // A signal does not interrupt a command or the end of the host, so acknowledged changes are on the disk.
     const EndSignals signals;
     Outputs outputs;
-    const auto code = checkAnswers(runGuarded(argc, argv, outputs), outputs);
+    KyrCoreUtils::ProcessArguments arguments(argc, argv);
+    const auto code = checkAnswers(runGuarded(arguments.getCount(), arguments.getValues(), outputs), outputs);
     EndSignals::endProcess();
     return static_cast<int>(code);
 }
