@@ -63,12 +63,14 @@ std::string describe(int error) {
 class HolderFile {
 public:
     HolderFile(const std::string& stateDirectory, const std::string& digest)
-        : file(KyrCoreUtils::pathFromText(stateDirectory + "/profile-" + digest + ".lock")
-                   .value_or(std::filesystem::path())) {
-        KyrCoreUtils::FileUtils::createDirectory(stateDirectory);
-    }
+        : directory(stateDirectory),
+          file(KyrCoreUtils::pathFromText(stateDirectory + "/profile-" + digest + ".lock")
+                   .value_or(std::filesystem::path())) {}
 
-    void write(std::string_view content) const { std::ofstream(file, std::ios::binary | std::ios::trunc) << content; }
+    void write(std::string_view content) const {
+        KyrCoreUtils::FileUtils::createDirectory(directory);
+        std::ofstream(file, std::ios::binary | std::ios::trunc) << content;
+    }
 
     /// Returns the id of the holder; 0 if it is unknown or belongs to a process that has ended.
     long read() const {
@@ -87,14 +89,24 @@ private:
                       : ::GetLastError() == ERROR_ACCESS_DENIED;
     }
 
+    const std::string directory;
     const std::filesystem::path file;
 };
+
+std::wstring lockName(const std::string& digest) {
+    return L"Global\\LumoraProfile-" + KyrCoreUtils::toWideString(digest);
+}
+
+std::string describeUse(const std::string& path, long holder) {
+    return "The profile " + path + " is in use by " +
+           (holder != 0 ? "process " + std::to_string(holder) : std::string("another process")) + ".";
+}
 
 /// Creates the object of the system that stands for the lock. Its existence is the lock: it disappears with the handle,
 /// and so with the process. Returns nothing and sets `error` to ERROR_ALREADY_EXISTS if another holder has it.
 SystemHandle createLock(const std::string& digest, DWORD& error) {
-    const std::wstring name = L"Global\\LumoraProfile-" + KyrCoreUtils::toWideString(digest);
-    SystemHandle lock(::CreateMutexW(AccessRights::forCreation(AccessRights::Of::File), FALSE, name.c_str()));
+    SystemHandle lock(
+        ::CreateMutexW(AccessRights::forCreation(AccessRights::Of::File), FALSE, lockName(digest).c_str()));
     error = ::GetLastError();
     return lock && error == ERROR_ALREADY_EXISTS ? SystemHandle() : std::move(lock);
 }
@@ -129,8 +141,7 @@ public:
             return;
         }
         holder = holderFile.read();
-        problem = "The profile " + path + " is in use by " +
-                  (holder != 0 ? "process " + std::to_string(holder) : std::string("another process")) + ".";
+        problem = describeUse(path, holder);
     }
 
     ~LockedDirectory() {
@@ -159,6 +170,19 @@ private:
 
 ProfileLock::ProfileLock(const std::string& configDirectory, const std::string& stateDirectory)
     : directory(std::make_unique<LockedDirectory>(configDirectory, stateDirectory)) {}
+
+std::string ProfileLock::findProblem(const std::string& configDirectory, const std::string& stateDirectory) {
+    const auto settled = settledPath(KyrCoreUtils::pathFromText(configDirectory).value_or(""));
+    if (settled.empty()) {
+        const int error = zel::platform::lastErrno();
+        return error == ENOENT
+                   ? ""
+                   : "The configuration directory " + configDirectory + " can't be opened: " + describe(error);
+    }
+    const auto digest = digestOf(settled);
+    const SystemHandle lock(::OpenMutexW(SYNCHRONIZE, FALSE, lockName(digest).c_str()));
+    return lock ? describeUse(configDirectory, HolderFile(stateDirectory, digest).read()) : "";
+}
 
 ProfileLock::~ProfileLock() = default;
 
