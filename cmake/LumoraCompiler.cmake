@@ -36,7 +36,7 @@ endif()
 include(CheckLinkerFlag)
 get_directory_property(chosen_options LINK_OPTIONS)
 foreach(linker mold lld)
-  if(chosen_options MATCHES "-fuse-ld=")
+  if(WIN32 OR chosen_options MATCHES "-fuse-ld=")
     break()
   endif()
   check_linker_flag(CXX -fuse-ld=${linker} LUMORA_LINKS_WITH_${linker})
@@ -54,6 +54,12 @@ else()
   add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror
                       $<$<CXX_COMPILER_ID:Clang,AppleClang>:-Wthread-safety>
                       -fmacro-prefix-map=${CMAKE_SOURCE_DIR}/= -fmacro-prefix-map=${root_from_build}=)
+endif()
+
+if(WIN32)
+  # For the system's header, everywhere, because a precompiled header is valid only with the same definitions. The
+  # version is the oldest one with every call that the host uses.
+  add_compile_definitions(NOMINMAX WIN32_LEAN_AND_MEAN UNICODE _WIN32_WINNT=0x0601)
 endif()
 
 if(LUMORA_SANITIZER)

@@ -1,5 +1,5 @@
-# Installs three components, each a Debian package (LumoraPackages): runtime, the host and the plug-in; program,
-# lumora-config; development, headers and the files of find_package(LumoraConfig) and pkg-config. The plug-in is in a
+# Installs four components, each a Debian package (LumoraPackages): runtime, the host and the plug-in; fleet, the plug-in
+# that needs libcurl; program, lumora-config; development, headers and the files of find_package(LumoraConfig) and pkg-config. The plug-in is in a
 # folder of its own, the plug-in folder of hosts.
 include(CMakePackageConfigHelpers)
 
@@ -19,6 +19,11 @@ install(TARGETS configservice EXPORT LumoraConfigTargets
 if(TARGET inspection)
   install(TARGETS inspection LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/lumora COMPONENT runtime)
   install(DIRECTORY services/inspection/include/ ${CMAKE_BINARY_DIR}/services/inspection/include/
+          DESTINATION ${lumora_include_folder} COMPONENT development FILES_MATCHING PATTERN *.h)
+endif()
+if(TARGET fleet)
+  install(TARGETS fleet LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/lumora COMPONENT fleet)
+  install(DIRECTORY services/fleet/include/ ${CMAKE_BINARY_DIR}/services/fleet/include/
           DESTINATION ${lumora_include_folder} COMPONENT development FILES_MATCHING PATTERN *.h)
 endif()
 install(DIRECTORY host/include/ services/configservice/include/

@@ -6,6 +6,9 @@ set(CPACK_PACKAGE_CONTACT "Lumora maintainers <maintainers@lumora.example>")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_COMPONENTS_ALL runtime development program)
+if(TARGET fleet)
+  list(APPEND CPACK_COMPONENTS_ALL fleet)
+endif()
 
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
@@ -35,5 +38,13 @@ set(CPACK_DEBIAN_PROGRAM_PACKAGE_DEPENDS "${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME} (
 set(CPACK_COMPONENT_PROGRAM_DESCRIPTION "shows and changes what the Lumora configuration service knows
  Which value is in force, which store it comes from, what the administrator
  set, and a report for support.")
+
+# Optional: without it, the client and the program work as before.
+set(CPACK_DEBIAN_FLEET_PACKAGE_NAME lumora-config-fleet)
+set(CPACK_DEBIAN_FLEET_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_FLEET_PACKAGE_DEPENDS "${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME} (= ${PROJECT_VERSION})")
+set(CPACK_COMPONENT_FLEET_DESCRIPTION "configuration service of the Lumora client, settings of a fleet
+ A plug-in that follows the settings which administrators keep in an etcd
+ cluster for many clients.")
 
 include(CPack)

@@ -1,6 +1,12 @@
 find_package(GTest REQUIRED)
 include(GoogleTest)
 
+# What stands before an absolute path of the machine that builds where the tests run.
+set(LUMORA_TEST_DRIVE "")
+if(WIN32 AND CMAKE_CROSSCOMPILING)
+  set(LUMORA_TEST_DRIVE "Z:")
+endif()
+
 # The options of the sanitizers for every test of an instrumented build.
 set(LUMORA_TEST_ENVIRONMENT "")
 if(LUMORA_SANITIZER MATCHES "address")
@@ -15,7 +21,10 @@ endif()
 # Optimizing assertions would cost more than half of the build time without benefit: most of the run time is in the
 # product. Line numbers are enough for a stack; debug information of variables would cost another fifth.
 set(LUMORA_TEST_OPTIONS "")
-if(NOT MSVC)
+if(MINGW)
+  # Nothing there shows a stack, and the calls of other platforms have other widths.
+  set(LUMORA_TEST_OPTIONS -O0 -g0 -Wno-conversion)
+elseif(NOT MSVC)
   set(LUMORA_TEST_OPTIONS -O0 -g1)
 endif()
 
@@ -33,6 +42,14 @@ target_compile_options(test_prelude PRIVATE ${LUMORA_TEST_OPTIONS})
 target_precompile_headers(test_prelude PRIVATE
   <gmock/gmock.h> <gtest/gtest.h> <condition_variable> <filesystem> <fstream> <functional> <future> <map> <memory>
   <mutex> <set> <string> <thread> <vector>)
+
+if(WIN32)
+  # Tests use calls of other platforms. Those that need one that does not exist here are left out when they run.
+  set(posix_calls ${CMAKE_SOURCE_DIR}/host/testing/windows/posix)
+  include_directories(SYSTEM ${posix_calls})
+  target_include_directories(test_prelude SYSTEM PRIVATE ${posix_calls})
+  target_precompile_headers(test_prelude PRIVATE ${posix_calls}/PosixCalls.h)
+endif()
 
 # lumora_add_test(NAME SOURCES... [ALONE SOURCES...] [LIBRARIES...]): adds one test program; ctest runs each of its
 # cases in a separate process. Eight sources are compiled as one, since each source instantiates the same templates:

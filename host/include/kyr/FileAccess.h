@@ -22,6 +22,9 @@ struct FileAccess {
     /// Reads the access of the file at the path (UTF-8), following links. Returns nullopt if it does not exist or
     /// cannot be inspected. Any thread.
     LUMORA_HOST_API static std::optional<FileAccess> read(const std::string& path);
+    /// Reads the permission bits of the file, following links. Returns nullopt if it does not exist, or on a platform
+    /// whose files have no such bits. Any thread.
+    LUMORA_HOST_API static std::optional<unsigned> readMode(const std::string& path);
 };
 
 } // namespace KyrCoreUtils

@@ -38,4 +38,9 @@ std::optional<FileAccess> FileAccess::read(const std::string& path) {
     return FileAccess{classify(status.st_uid), nameOf(status.st_uid), (status.st_mode & S_IWOTH) != 0};
 }
 
+std::optional<unsigned> FileAccess::readMode(const std::string& path) {
+    struct stat status {};
+    return ::stat(path.c_str(), &status) == 0 ? std::optional<unsigned>(status.st_mode & 07777U) : std::nullopt;
+}
+
 } // namespace KyrCoreUtils

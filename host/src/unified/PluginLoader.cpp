@@ -2,6 +2,7 @@
 
 #include <kyr/FileUtils.h>
 #include <kyr/LockGuard.h>
+#include <kyr/Paths.h>
 #include <kyr/SharedLibrary.h>
 #include <unified/UnifiedFactory.h>
 #include <zel/ZelLog.h>
@@ -21,9 +22,13 @@ using Entry = void (*)(std::shared_ptr<UnifiedFactory>);
 
 constexpr const char* entryName = "InjectConfigService";
 
+bool isOnePart(const std::string& name) {
+    const auto path = KyrCoreUtils::toPath(name);
+    return path.filename() == path;
+}
+
 bool isBareFileName(const std::string& name) {
-    return !name.empty() && name != "." && name != ".." && std::filesystem::path(name).filename() == name &&
-           name.find('\0') == std::string::npos;
+    return !name.empty() && name != "." && name != ".." && isOnePart(name) && name.find('\0') == std::string::npos;
 }
 
 /// Returns the entry point of the library. If there is none, logs that and returns null.
@@ -80,7 +85,7 @@ std::string PluginLoader::getPath(const std::string& typeName) const {
         return "";
     }
     const auto found = paths.find(typeName);
-    if (found == paths.end() || std::filesystem::path(found->second).is_absolute()) {
+    if (found == paths.end() || KyrCoreUtils::toPath(found->second).is_absolute()) {
         return found == paths.end() ? "" : found->second;
     }
     ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, "Not an absolute path: [" + found->second + "]");

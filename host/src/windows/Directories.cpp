@@ -1,10 +1,11 @@
 #include "kyr/PathText.h"
 #include "kyr/PlatformFiles.h"
 
-// clang-format off: the system's header goes first
+// The others need the system's header.
+// clang-format off
+#include <windows.h>
 #include <knownfolders.h>
 #include <shlobj.h>
-#include <windows.h>
 // clang-format on
 
 #include <memory>
@@ -24,7 +25,7 @@ fs::path knownFolder(const KNOWNFOLDERID& id) {
     return SUCCEEDED(result) ? fs::path(text) : fs::path();
 }
 
-std::string below(const fs::path& base, const char* leaf) {
+std::string below(const fs::path& base, const wchar_t* leaf) {
     return base.empty() ? std::string() : textFromPath(base / leaf);
 }
 
@@ -48,8 +49,8 @@ fs::path homeDirectory() {
 
 HostDirectories defaultDirectories() {
     const fs::path local = knownFolder(FOLDERID_LocalAppData);
-    return {below(knownFolder(FOLDERID_RoamingAppData), "Lumora/Config"), below(local, "Lumora"),
-            below(local, "Lumora/State"), textFromPath(moduleFolder())};
+    return {below(knownFolder(FOLDERID_RoamingAppData), L"Lumora\\Config"), below(local, L"Lumora"),
+            below(local, L"Lumora\\State"), textFromPath(moduleFolder())};
 }
 
 } // namespace KyrCoreUtils::platform

@@ -1,56 +1,85 @@
+#include "AccessRights.h"
+#include "Retry.h"
+#include "SystemError.h"
+#include "SystemHandle.h"
 #include "kyr/PlatformFiles.h"
 
 #include <windows.h>
 
 #include <cerrno>
-#include <system_error>
 
 namespace KyrCoreUtils::platform {
 
+using zel::platform::AccessRights;
+using zel::platform::Denied;
+using zel::platform::deniedReplacement;
+using zel::platform::lastErrno;
+using zel::platform::SystemHandle;
+using zel::platform::whileShared;
+
 namespace {
 
-int errorOf(BOOL result) {
-    if (result != FALSE) {
-        return 0;
+bool isDirectory(const std::filesystem::path& path) noexcept {
+    const DWORD attributes = ::GetFileAttributesW(path.c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+bool isPresent(const std::filesystem::path& path) noexcept {
+    return ::GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
+/// Returns the reason why `path` could not be created: the system does not tell some of them from a missing parent.
+int reasonOf(int error, const std::filesystem::path& path) {
+    constexpr std::size_t longestName = 255;
+    if (path.filename().native().size() > longestName) {
+        return ENAMETOOLONG;
     }
-    const auto condition =
-        std::error_code(static_cast<int>(::GetLastError()), std::system_category()).default_error_condition();
-    return condition.category() == std::generic_category() ? condition.value() : EIO;
+    const auto parent = path.parent_path();
+    return error == ENOENT && isPresent(parent) && !isDirectory(parent) ? ENOTDIR : error;
 }
 
 } // namespace
 
-// Writes no access list: new entries inherit access for the user only from the user's folders.
-
 int makeDirectory(const std::filesystem::path& path) noexcept {
-    return errorOf(::CreateDirectoryW(path.c_str(), nullptr));
+    if (::CreateDirectoryW(path.c_str(), AccessRights::forCreation(AccessRights::Of::Directory))) {
+        return 0;
+    }
+    const int error = lastErrno();
+    try {
+        return reasonOf(error, path);
+    } catch (...) {
+        return error;
+    }
 }
 
 int removeFile(const std::filesystem::path& path) noexcept {
-    return errorOf(::DeleteFileW(path.c_str()));
+    return whileShared([&] { return ::DeleteFileW(path.c_str()); }) ? 0 : lastErrno();
 }
 
 int moveFile(const std::filesystem::path& source, const std::filesystem::path& target, bool failIfExists) noexcept {
-    const DWORD attributes = ::GetFileAttributesW(source.c_str());
-    if (attributes == INVALID_FILE_ATTRIBUTES) {
-        return errorOf(FALSE);
+    if (!isPresent(source)) {
+        return lastErrno();
     }
-    if ((attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
+    if (isDirectory(source) || (!failIfExists && isDirectory(target))) {
         return EISDIR;
     }
-    const DWORD replace = failIfExists ? 0 : MOVEFILE_REPLACE_EXISTING;
-    return errorOf(
-        ::MoveFileExW(source.c_str(), target.c_str(), replace | MOVEFILE_COPY_ALLOWED | MOVEFILE_WRITE_THROUGH));
+    const DWORD how = (failIfExists ? 0 : MOVEFILE_REPLACE_EXISTING) | MOVEFILE_COPY_ALLOWED | MOVEFILE_WRITE_THROUGH;
+    const bool done = whileShared([&] { return ::MoveFileExW(source.c_str(), target.c_str(), how); },
+                                  failIfExists ? Denied::Lasting : deniedReplacement(target.c_str()));
+    return done ? 0 : lastErrno();
 }
 
 int makePrivateFile(const std::filesystem::path& path) noexcept {
-    const HANDLE file = ::CreateFileW(path.c_str(), FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                      OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (file == INVALID_HANDLE_VALUE) {
-        return errorOf(FALSE);
+    const SystemHandle file(
+        ::CreateFileW(path.c_str(), FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                      AccessRights::forCreation(AccessRights::Of::File), OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!file) {
+        return lastErrno();
     }
-    ::CloseHandle(file);
-    return 0;
+    if (::GetFileType(file.get()) != FILE_TYPE_DISK) {
+        return EINVAL;
+    }
+    return AccessRights::restrict(path, AccessRights::Of::File);
 }
 
 } // namespace KyrCoreUtils::platform

@@ -1,8 +1,9 @@
 #include "zel/FipsMode.h"
 
-// clang-format off: the system's header goes first
-#include <bcrypt.h>
+// The others need the system's header.
+// clang-format off
 #include <windows.h>
+#include <bcrypt.h>
 // clang-format on
 
 namespace zel::common {

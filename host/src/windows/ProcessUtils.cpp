@@ -18,7 +18,7 @@ std::string ProcessUtils::getProgramFolder() {
         }
         if (length < path.size()) {
             path.resize(length);
-            return StringUtils::toString(std::filesystem::path(path).parent_path().wstring());
+            return toString(std::filesystem::path(path).parent_path().wstring());
         }
         path.resize(path.size() * 2);
     }
@@ -34,7 +34,7 @@ std::string ProcessUtils::getHostName() {
 }
 
 std::string ProcessUtils::getUserName() {
-    std::wstring name(MAX_PATH, L'\0');
+    std::wstring name(257, L'\0'); // the longest name and its terminator
     auto length = static_cast<DWORD>(name.size());
     if (::GetUserNameW(name.data(), &length) == 0 || length == 0) {
         return {};

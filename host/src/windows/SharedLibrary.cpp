@@ -1,5 +1,5 @@
+#include <kyr/Paths.h>
 #include <kyr/SharedLibrary.h>
-#include <kyr/StringUtils.h>
 
 #include <windows.h>
 
@@ -18,7 +18,7 @@ namespace {
 } // namespace
 
 SharedLibrary::SharedLibrary(const std::string& path)
-    : handle(::LoadLibraryExW(StringUtils::toWideString(path).c_str(), nullptr,
+    : handle(::LoadLibraryExW(toPath(path).make_preferred().c_str(), nullptr,
                               LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS)) {
     if (handle == nullptr) {
         refuse(path);

@@ -1,4 +1,7 @@
+#include "SystemError.h"
+
 #include <kyr/StandardStreams.h>
+#include <kyr/StringUtils.h>
 
 #include <fcntl.h>
 #include <io.h>
@@ -7,6 +10,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <new>
 
 namespace KyrCoreUtils {
 
@@ -16,7 +20,41 @@ namespace {
 constexpr std::size_t longestWrite = 16384;
 
 int descriptorOf(StandardStreams::Stream stream) {
-    return ::_fileno(stream == StandardStreams::Stream::Output ? stdout : stderr);
+    return stream == StandardStreams::Stream::Output ? 1 : 2;
+}
+
+HANDLE handleOf(StandardStreams::Stream stream) {
+    return ::GetStdHandle(stream == StandardStreams::Stream::Output ? STD_OUTPUT_HANDLE : STD_ERROR_HANDLE);
+}
+
+/// A console takes UTF-16, whatever its code page is.
+int writeToConsole(HANDLE console, std::string_view text) noexcept {
+    try {
+        const std::wstring wide = toWideString(text);
+        for (std::size_t at = 0; at < wide.size();) {
+            const auto length = static_cast<DWORD>(std::min(wide.size() - at, longestWrite));
+            DWORD written = 0;
+            if (!::WriteConsoleW(console, wide.data() + at, length, &written, nullptr)) {
+                return zel::platform::lastErrno();
+            }
+            at += written;
+        }
+        return 0;
+    } catch (const std::bad_alloc&) {
+        return ENOMEM;
+    }
+}
+
+int writeBytes(HANDLE file, std::string_view text) noexcept {
+    while (!text.empty()) {
+        const auto length = static_cast<DWORD>(std::min(text.size(), longestWrite));
+        DWORD written = 0;
+        if (!::WriteFile(file, text.data(), length, &written, nullptr)) {
+            return zel::platform::lastErrno();
+        }
+        text.remove_prefix(written);
+    }
+    return 0;
 }
 
 } // namespace
@@ -29,17 +67,9 @@ void StandardStreams::prepare() noexcept {
 }
 
 int StandardStreams::write(Stream stream, std::string_view text) noexcept {
-    const int descriptor = descriptorOf(stream);
-    while (!text.empty()) {
-        const auto length = static_cast<unsigned int>(std::min(text.size(), longestWrite));
-        const int written = ::_write(descriptor, text.data(), length);
-        if (written < 0) {
-            // The C library reports EINVAL for a pipe without a reader.
-            return errno == EINVAL ? EPIPE : errno;
-        }
-        text.remove_prefix(static_cast<std::size_t>(written));
-    }
-    return 0;
+    const HANDLE handle = handleOf(stream);
+    DWORD mode = 0;
+    return ::GetConsoleMode(handle, &mode) ? writeToConsole(handle, text) : writeBytes(handle, text);
 }
 
 int StandardStreams::flush(Stream /*stream*/) noexcept {
@@ -47,7 +77,8 @@ int StandardStreams::flush(Stream /*stream*/) noexcept {
 }
 
 bool StandardStreams::isTerminal(Stream stream) noexcept {
-    return ::_isatty(descriptorOf(stream)) != 0;
+    DWORD mode = 0;
+    return ::GetConsoleMode(handleOf(stream), &mode) != FALSE;
 }
 
 bool StandardStreams::isPrivateFile(Stream /*stream*/) noexcept {
@@ -56,8 +87,7 @@ bool StandardStreams::isPrivateFile(Stream /*stream*/) noexcept {
 
 std::size_t StandardStreams::getColumns(Stream stream) noexcept {
     CONSOLE_SCREEN_BUFFER_INFO info{};
-    const auto handle = ::GetStdHandle(stream == Stream::Output ? STD_OUTPUT_HANDLE : STD_ERROR_HANDLE);
-    if (!::GetConsoleScreenBufferInfo(handle, &info)) {
+    if (!::GetConsoleScreenBufferInfo(handleOf(stream), &info)) {
         return 0;
     }
     return static_cast<std::size_t>(info.srWindow.Right - info.srWindow.Left + 1);

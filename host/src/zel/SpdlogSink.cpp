@@ -5,6 +5,7 @@
 
 #include <kyr/FileUtils.h>
 
+#include <spdlog/pattern_formatter.h>
 #include <spdlog/sinks/base_sink.h>
 #include <spdlog/sinks/rotating_file_sink.h>
 #include <spdlog/sinks/stdout_sinks.h>
@@ -36,9 +37,7 @@ spdlog::level::level_enum levelOf(ZelLogLevel level) {
 
 /// Called before each file is opened, including by a rotation, so that no file is ever readable by others.
 void makePrivate(const spdlog::filename_t& name) {
-    if (const auto path = KyrCoreUtils::pathFromText(name)) {
-        KyrCoreUtils::platform::makePrivateFile(*path);
-    }
+    KyrCoreUtils::platform::makePrivateFile(name);
 }
 
 class FormattedLines final : public spdlog::sinks::base_sink<std::mutex> {
@@ -60,7 +59,11 @@ private:
 
 class SpdlogSink::Output {
 public:
-    explicit Output(std::unique_ptr<spdlog::sinks::sink> to) : sink(std::move(to)) { sink->set_pattern(linePattern); }
+    explicit Output(std::unique_ptr<spdlog::sinks::sink> to) : sink(std::move(to)) {
+        // The ends of lines are the same on every platform.
+        sink->set_formatter(
+            std::make_unique<spdlog::pattern_formatter>(linePattern, spdlog::pattern_time_type::local, "\n"));
+    }
 
     const std::unique_ptr<spdlog::sinks::sink> sink;
 };
@@ -79,8 +82,8 @@ std::shared_ptr<LogSink> SpdlogSink::openFile(const std::string& path) {
     handlers.before_open = makePrivate;
     try {
         return std::make_shared<SpdlogSink>(
-            std::make_unique<Output>(
-                std::make_unique<spdlog::sinks::rotating_file_sink_mt>(path, fileSize, keptFiles, false, handlers)),
+            std::make_unique<Output>(std::make_unique<spdlog::sinks::rotating_file_sink_mt>(
+                file->native(), fileSize, keptFiles, false, handlers)),
             ZelLogLevel::Debug);
     } catch (const spdlog::spdlog_ex&) {
         return nullptr;

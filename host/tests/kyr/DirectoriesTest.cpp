@@ -127,7 +127,7 @@ TEST_F(OverriddenDirectoriesTest, LoseTheirTrailingSeparators) {
 }
 
 TEST_F(OverriddenDirectoriesTest, AreMadeAbsolute) {
-    EXPECT_EQ(configOf("some/config"), (fs::current_path() / "some/config").string());
+    EXPECT_EQ(configOf("some/config"), (fs::current_path() / "some" / "config").string());
 }
 
 TEST_F(OverriddenDirectoriesTest, RefuseAConfigurationDirectoryThatMustNotBeEmptied) {

@@ -9,7 +9,7 @@ using KyrCoreUtils::ProcessUtils;
 
 TEST(ProcessUtils, ReturnsTheDirectoryOfTheProgram) {
     const std::filesystem::path folder = ProcessUtils::getProgramFolder();
-    EXPECT_TRUE(std::filesystem::exists(folder / "host_kyr_test")) << folder;
+    EXPECT_TRUE(std::filesystem::exists(folder / HOST_TEST_PROGRAM)) << folder;
 }
 
 TEST(ProcessUtils, ReturnsTheNameOfTheMachine) {

@@ -141,6 +141,30 @@ TEST_F(InspectionChanges, ASetInMemoryEndsWithTheClientAndIsNotOnTheDisk) {
     EXPECT_FALSE(std::filesystem::exists(host.getProfile().config() / "lumoraLocalConfig.dat"));
 }
 
+TEST_F(InspectionChanges, ASetInMemoryIsRefusedForTheReasonsOfSetUnlessItIsForced) {
+    Json request{{"verb", "memory"}, {"key", "AllowUrlProvisioning"}, {"value", "perhaps"}};
+    auto refused = peer.ask(request);
+    EXPECT_EQ(refused["exitCode"], 1);
+    EXPECT_THAT(refused["message"].get<std::string>(), HasSubstr("--force sets it anyway"));
+    EXPECT_EQ(peer.ask({{"verb", "memory"}, {"key", "1x"}, {"value", "1"}})["exitCode"], 1);
+    request["force"] = true;
+    EXPECT_EQ(peer.ask(request)["type"], "done");
+}
+
+TEST_F(InspectionChanges, ALoadOfTheSameValuesIsDone) {
+    const Json request{{"verb", "load"}, {"values", {{{"key", "Theme"}, {"value", "dark"}}}}};
+    EXPECT_EQ(peer.ask(request)["added"], 1);
+    EXPECT_EQ(peer.ask(request)["unchanged"], 1);
+}
+
+TEST_F(InspectionFaults, ALoadThatIsNotOnTheDiskIsAFailureWithItsReason) {
+    fillDisk();
+    auto reply = peer.ask({{"verb", "load"}, {"values", {{{"key", "Theme"}, {"value", "dark"}}}}});
+    EXPECT_EQ(reply["exitCode"], 3);
+    EXPECT_THAT(reply["message"].get<std::string>(),
+                HasSubstr("the values are set for this run only, because they are not on the disk"));
+}
+
 TEST_F(InspectionChanges, ADocumentOfDeviceManagementArrivesAndIsReported) {
     Peer watcher(host);
     ASSERT_EQ(watcher.ask({{"verb", "watch"}, {"keys", {"Managed"}}})["type"], "done");

@@ -6,6 +6,7 @@
 #include "commands/Session.h"
 #include "commands/SettingsReader.h"
 #include "disk/Doctor.h"
+#include "fleet/FleetCommands.h"
 #include "host/ConfigHost.h"
 #include "host/HostFolders.h"
 #include "live/ChangeWatch.h"
@@ -20,6 +21,7 @@
 #include "shell/Shell.h"
 
 #include <kyr/EndSignals.h>
+#include <kyr/ProcessArguments.h>
 #include <kyr/StandardStreams.h>
 
 #include <algorithm>
@@ -184,6 +186,7 @@ void compareOperands(const CommandLine& line, Printer& printer) {
 
 /// Answers other processes until a signal arrives, which is the regular end.
 ExitCode serve(Session& session, const Command& command, Printer& printer) {
+    session.getHost().startFleet();
     const auto socket = session.getHost().startInspection(!command.changesRefused);
     printer.showText("ready", "serving " + session.getHost().getConfigDirectory() + " on " + socket);
     EndSignals::wait();
@@ -236,6 +239,13 @@ ExitCode runInSession(Session& session, const CommandLine& line, Printer& printe
 ExitCode runSession(const CommandLine& line, Printer& printer, Outputs& outputs) {
     if (line.command.name == "completion") {
         printer.showText("completion", std::string(getCompletionScript(line.command.topic)));
+        return ExitCode::Done;
+    }
+    if (line.command.name == "fleet") {
+        if (!line.trusted) {
+            requireTrusted(line.namedDirectories);
+        }
+        runFleetCommand(line.command, line.pluginDirectory, printer);
         return ExitCode::Done;
     }
     if (line.command.name == "watch") {
@@ -339,7 +349,8 @@ int main(int argc, char** argv) {
     // A signal does not interrupt a command or the end of the host, so acknowledged changes are on the disk.
     const EndSignals signals;
     Outputs outputs;
-    const auto code = checkAnswers(runGuarded(argc, argv, outputs), outputs);
+    KyrCoreUtils::ProcessArguments arguments(argc, argv);
+    const auto code = checkAnswers(runGuarded(arguments.getCount(), arguments.getValues(), outputs), outputs);
     EndSignals::endProcess();
     return static_cast<int>(code);
 }

@@ -4,6 +4,7 @@
 #include "PathParts.h"
 #include "kyr/HexDigits.h"
 
+#include <kyr/Paths.h>
 #include <openssl/rand.h>
 
 #include <array>
@@ -56,7 +57,7 @@ bool isTemporaryOf(std::string_view candidate, const std::string& name) {
 /// living writer finishes within seconds.
 void removeLeftovers(FileLayer& layer, const std::string& path) {
     const PathParts parts = splitPath(path);
-    const std::filesystem::path directory(parts.directory.empty() ? "." : parts.directory);
+    const auto directory = KyrCoreUtils::toPath(parts.directory.empty() ? "." : parts.directory);
     const auto now = std::filesystem::file_time_type::clock::now();
     std::error_code failed;
     for (std::filesystem::directory_iterator entry(directory, failed), end; !failed && entry != end;

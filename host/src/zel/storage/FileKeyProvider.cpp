@@ -5,6 +5,7 @@
 #include "FileHandle.h"
 #include "FileReader.h"
 #include "KeyDerivation.h"
+#include "KeyProtection.h"
 #include "PathParts.h"
 #include "WipedBytes.h"
 
@@ -16,6 +17,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
+#include <optional>
 #include <utility>
 
 namespace zel::storage {
@@ -25,42 +27,70 @@ namespace {
 ZelLogger& logger = encryptFileUtilsLogger();
 
 constexpr std::string_view magic = "LUMK";
-constexpr unsigned char currentVersion = 1;
+/// The file holds the key itself, or the key as the platform's protection has wrapped it.
+constexpr unsigned char plainVersion = 1;
+constexpr unsigned char wrappedVersion = 2;
 constexpr std::size_t versionAt = 4;
 constexpr std::size_t categoryAt = 5;
 constexpr std::size_t idAt = 8;
 constexpr std::size_t keyAt = 16;
-constexpr std::size_t fileLength = keyAt + MasterKey::length;
+constexpr std::size_t longestFile = 4096;
 
 /// Another process holds the lock only while it creates one key.
 constexpr std::chrono::seconds longestWait{2};
 
 /// Writes all fields except the key itself.
-bool fillHeader(FileCategoryType::FileCategory category, const MasterKey& key, unsigned char* file) {
+bool fillHeader(FileCategoryType::FileCategory category, const MasterKey& key, unsigned char version,
+                unsigned char* file) {
     KeyId id{};
     if (!deriveKeyId(key, id)) {
         return false;
     }
     std::fill_n(file, keyAt, static_cast<unsigned char>(0));
     std::copy(magic.begin(), magic.end(), file);
-    file[versionAt] = currentVersion;
+    file[versionAt] = version;
     file[categoryAt] = static_cast<unsigned char>(category);
     std::copy(id.begin(), id.end(), file + idAt);
     return true;
 }
 
-KeyResult parse(std::string_view file, FileCategoryType::FileCategory category, MasterKey& key) {
-    if (file.size() != fileLength) {
+/// Returns Found, Malformed or Unavailable.
+KeyResult readKey(unsigned char version, std::string_view content, MasterKey& key) {
+    if (version == wrappedVersion) {
+        return KeyProtection::unwrap(content, key);
+    }
+    if (version != plainVersion || content.size() != MasterKey::length) {
         return KeyResult::Malformed;
     }
-    std::copy_n(file.begin() + keyAt, MasterKey::length, key.data());
+    std::copy(content.begin(), content.end(), key.data());
+    return KeyResult::Found;
+}
+
+KeyResult parse(std::string_view file, FileCategoryType::FileCategory category, MasterKey& key) {
+    if (file.size() < keyAt) {
+        return KeyResult::Malformed;
+    }
+    const auto version = static_cast<unsigned char>(file[versionAt]);
+    if (const KeyResult result = readKey(version, file.substr(keyAt), key); result != KeyResult::Found) {
+        return result;
+    }
     unsigned char expected[keyAt];
-    if (!fillHeader(category, key, expected)) {
+    if (!fillHeader(category, key, version, expected)) {
         return KeyResult::Unavailable;
     }
     const bool inOrder = std::equal(std::begin(expected), std::end(expected), file.begin(),
                                     [](unsigned char a, char b) { return a == static_cast<unsigned char>(b); });
     return inOrder ? KeyResult::Found : KeyResult::Malformed;
+}
+
+/// Sets `content` to what the file of the key holds behind its header. Returns the version of the file; nullopt on
+/// failure.
+std::optional<unsigned char> writeKey(const MasterKey& key, std::string& content) {
+    if (KeyProtection::isPresent()) {
+        return KeyProtection::wrap(key, content) ? std::optional(wrappedVersion) : std::nullopt;
+    }
+    content.assign(reinterpret_cast<const char*>(key.data()), MasterKey::length);
+    return plainVersion;
 }
 
 } // namespace
@@ -80,7 +110,7 @@ KeyResult FileKeyProvider::find(FileCategoryType::FileCategory category, MasterK
         return KeyResult::Unavailable;
     }
     WipedText file;
-    const ReadOutcome outcome = readRegularFile(layer, pathOf(category), fileLength, file.text);
+    const ReadOutcome outcome = readRegularFile(layer, pathOf(category), longestFile, file.text);
     switch (outcome.result) {
     case ReadResult::Ok:
         return parse(file.text, category, key);
@@ -140,12 +170,16 @@ bool FileKeyProvider::prepareFolder() {
 
 bool FileKeyProvider::make(FileCategoryType::FileCategory category) {
     MasterKey fresh;
-    WipedBytes file(fileLength);
-    if (RAND_priv_bytes(fresh.data(), static_cast<int>(MasterKey::length)) != 1 ||
-        !fillHeader(category, fresh, file.data())) {
+    WipedText content;
+    if (RAND_priv_bytes(fresh.data(), static_cast<int>(MasterKey::length)) != 1) {
         return false;
     }
-    std::copy_n(fresh.data(), MasterKey::length, file.data() + keyAt);
+    const auto version = writeKey(fresh, content.text);
+    WipedBytes file(keyAt + content.text.size());
+    if (!version || !fillHeader(category, fresh, *version, file.data())) {
+        return false;
+    }
+    std::copy(content.text.begin(), content.text.end(), file.data() + keyAt);
     const int error = DurableFile::create(layer, pathOf(category), file.view());
     // Without working locks another process may have created the key first: the link decides which key is used.
     return error == 0 || error == EEXIST;

@@ -8,8 +8,9 @@
 namespace zel::storage {
 
 /// Stores master keys in files "catN.key" that only their owner can read, in the application data folder. That folder
-/// is never in the configuration directory, which a reset empties. File format: "LUMK", version 1, category, 2 reserved
-/// bytes, 8 bytes key id, 32 bytes key. Stateless: each call reads the file.
+/// is never in the configuration directory, which a reset empties. File format: "LUMK", version, category, 2 reserved
+/// bytes, 8 bytes key id; then the key of 32 bytes in version 1, and the key as the platform's data protection has
+/// wrapped it in version 2. Stateless: each call reads the file.
 class LUMORA_HOST_API FileKeyProvider final : public KeyProvider {
 public:
     /// The layer must outlive the provider. With an empty folder no key is available.

@@ -1,5 +1,7 @@
 #include "PathParts.h"
 
+#include <kyr/Paths.h>
+
 #include <filesystem>
 #include <system_error>
 
@@ -7,21 +9,23 @@ namespace zel::storage {
 
 namespace {
 
+using KyrCoreUtils::toPath;
+
 std::filesystem::path spellDirectory(const std::string& directory) {
     std::error_code failure;
     auto spelled = std::filesystem::weakly_canonical(
-        std::filesystem::absolute(directory.empty() ? "." : directory, failure), failure);
-    return failure ? std::filesystem::path(directory) : spelled;
+        std::filesystem::absolute(toPath(directory.empty() ? "." : directory), failure), failure);
+    return failure ? toPath(directory) : spelled;
 }
 
 } // namespace
 
 PathParts splitPath(const std::string& path) {
     // Splits at both separators on a platform that has two.
-    const std::string name = std::filesystem::path(path).filename().string();
+    const std::string name = toPath(path).filename().string();
     PathParts parts{path.substr(0, path.size() - name.size()), {}, name};
     parts.directory = parts.prefix;
-    if (parts.directory.size() > 1) {
+    if (toPath(parts.directory).has_relative_path()) { // the separator belongs to the name of a root
         parts.directory.pop_back();
     }
     return parts;
@@ -29,7 +33,7 @@ PathParts splitPath(const std::string& path) {
 
 std::string spellPath(const std::string& path) {
     const PathParts parts = splitPath(path);
-    return (spellDirectory(parts.directory) / parts.name).string();
+    return (spellDirectory(parts.directory) / toPath(parts.name)).string();
 }
 
 std::string directoryPrefix(const std::string& directory) {

@@ -4,6 +4,7 @@
 #include "Quarantine.h"
 
 #include <kyr/FileUtils.h>
+#include <kyr/Paths.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -81,7 +82,8 @@ std::vector<std::string> ProtectedFileTree::listFiles() const {
 
 /// A damaged file may have lost its header, so only its name tells whose it is.
 bool ProtectedFileTree::hasClientsName(const std::string& path) const {
-    const std::string name = std::filesystem::path(path).lexically_relative(directory).generic_string();
+    using KyrCoreUtils::toPath;
+    const std::string name = toPath(path).lexically_relative(toPath(directory)).generic_string();
     return name == localFile || name == localBackupFile || name.starts_with(cachedCopies);
 }
 

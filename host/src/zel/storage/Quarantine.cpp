@@ -2,6 +2,8 @@
 
 #include "PathParts.h"
 
+#include <kyr/Paths.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
@@ -40,7 +42,7 @@ unsigned long numberOf(std::string_view end) {
 
 bool isSameFile(const std::string& a, const std::string& b) {
     std::error_code ignored;
-    return std::filesystem::equivalent(a, b, ignored);
+    return std::filesystem::equivalent(KyrCoreUtils::toPath(a), KyrCoreUtils::toPath(b), ignored);
 }
 
 } // namespace
@@ -122,10 +124,11 @@ int Quarantine::linkOrMove(const std::string& path, std::string& keptAs) const {
 /// Returns the kept files and the directories with such names, lowest number first.
 Quarantine::Numbered Quarantine::list(const std::string& path) {
     const PathParts parts = splitPath(path);
+    const auto directory = KyrCoreUtils::toPath(parts.directory.empty() ? "." : parts.directory);
     Numbered found;
     std::error_code failed;
-    for (std::filesystem::directory_iterator entry(parts.directory.empty() ? "." : parts.directory, failed), end;
-         !failed && entry != end; entry.increment(failed)) {
+    for (std::filesystem::directory_iterator entry(directory, failed), end; !failed && entry != end;
+         entry.increment(failed)) {
         std::string name = parts.prefix + entry->path().filename().string();
         if (const KeptName kept = parse(name); kept.original == path) {
             found.emplace_back(kept.number, std::move(name));
@@ -139,7 +142,8 @@ void Quarantine::removeOldest(const std::string& path) const {
     Numbered files = list(path);
     std::erase_if(files, [](const auto& entry) {
         std::error_code ignored;
-        return std::filesystem::is_directory(std::filesystem::symlink_status(entry.second, ignored));
+        return std::filesystem::is_directory(
+            std::filesystem::symlink_status(KyrCoreUtils::toPath(entry.second), ignored));
     });
     for (std::size_t i = 0; i + keptFiles < files.size(); ++i) {
         layer.unlink(files[i].second);

@@ -139,7 +139,7 @@ TEST_F(ProtectedFileFormatTest, SealingRefusesEmptyAndTooLongTexts) {
     const std::string longest(ProtectedFileFormat::maximumFileLength - overhead, 'x');
     const auto largest = ProtectedFileFormat::seal(longest, UserData, key);
     ASSERT_TRUE(largest.has_value());
-    EXPECT_EQ(largest->size(), ProtectedFileFormat::maximumFileLength);
+    EXPECT_EQ(largest->size(), std::size_t{ProtectedFileFormat::maximumFileLength});
     EXPECT_FALSE(ProtectedFileFormat::seal(longest + "x", UserData, key).has_value());
 }
 

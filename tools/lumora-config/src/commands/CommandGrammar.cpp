@@ -142,6 +142,30 @@ void addLiveCommands(CLI::App& app, Command& command) {
     watch->add_flag("--follow", command.follows, "Wait for a client, and for the next one when it ends");
 }
 
+void addFleet(CLI::App& app, Command& command) {
+    auto* fleet = addCommand(app, command, "fleet", "Show or change the settings of many clients in their cluster");
+    auto& options = command.fleet;
+    fleet->add_option("ACTION", options.action, "What to do")->type_name("get|set|unset|list|watch")->required();
+    fleet->add_option("KEY", command.key, "For get, set and unset: the key, in any case");
+    fleet->add_option("VALUE", command.fallback, "For set: the value, - to read it from standard input");
+    const auto addText = [fleet](const char* name, std::string& value, const char* help, const char* type) {
+        fleet->add_option(name, value, help)->type_name(type);
+    };
+    const auto addTexts = [fleet](const char* name, std::vector<std::string>& values, const char* help,
+                                  const char* type) {
+        fleet->add_option(name, values, help)->type_name(type)->allow_extra_args(false);
+    };
+    addTexts("--endpoint", options.endpoints, "A member of the cluster, https://HOST:PORT", "URL");
+    addTexts("--group", options.groups, "This group instead of everybody; the first one wins", "NAME");
+    addText("--user", options.user, "This user instead of everybody", "NAME");
+    addText("--authority", options.authority, "The certificate authorities of the members", "FILE");
+    addText("--certificate", options.clientCertificate, "A certificate for the members", "FILE");
+    addText("--certificate-key", options.clientKey, "Its private key", "FILE");
+    addText("--username", options.username, "The user of the cluster", "NAME");
+    addText("--password-file", options.passwordFile, "The file with the password of that user", "FILE");
+    fleet->add_flag("--plain-http", options.plainHttp, "Also accept http://HOST:PORT, which anybody can read");
+}
+
 void addShellCommands(CLI::App& app, Command& command) {
     addCommand(app, command, "start", "Start the feature set");
     addCommand(app, command, "stop", "Stop the feature set");
@@ -176,6 +200,7 @@ void addCommands(CLI::App& app, Command& command, CommandScope scope) {
             ->type_name("bash|fish|zsh")
             ->required();
         addLiveCommands(app, command);
+        addFleet(app, command);
     }
     addCommand(app, command, "help", "Print the help, or that of a command")
         ->add_option("COMMAND", command.topic, "The command");

@@ -11,6 +11,20 @@ class App;
 
 namespace lumora_config {
 
+/// The options of the command "fleet".
+struct FleetOptions {
+    std::string action;
+    std::vector<std::string> endpoints;
+    std::vector<std::string> groups;
+    std::string user;
+    std::string authority;
+    std::string clientCertificate;
+    std::string clientKey;
+    std::string username;
+    std::string passwordFile;
+    bool plainHttp = false;
+};
+
 /// One command with its arguments in UTF-8, as the user typed them. A command reads only the members that its grammar
 /// sets.
 struct Command {
@@ -23,10 +37,11 @@ struct Command {
     std::string htmlFile;
     std::string url;
     std::vector<std::string> operands;   ///< For diff: files and profiles.
-    std::optional<std::string> fallback; ///< For get: the value of --default.
+    std::optional<std::string> fallback; ///< For get: the value of --default. For fleet: the value, if there is one.
     std::string topic;                   ///< For help: a command. For completion: a shell.
     std::vector<std::string> companions; ///< Keys whose values are shown with each change of the observed key.
     std::vector<std::string> watched;    ///< Keys and patterns.
+    FleetOptions fleet;
     bool origin = false;
     bool admin = false;
     bool confirmed = false;

@@ -3,6 +3,8 @@
 #include "UsageMessage.h"
 #include "output/Failure.h"
 
+#include <kyr/Paths.h>
+
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <filesystem>
@@ -65,7 +67,7 @@ void addOptions(CLI::App& app, RawOptions& raw, CommandLine& line) {
 /// The host compares its directories by path, so no path may depend on the working directory.
 void makeAbsolute(std::string& directory) {
     if (!directory.empty()) {
-        directory = std::filesystem::absolute(directory).lexically_normal().string();
+        directory = std::filesystem::absolute(KyrCoreUtils::toPath(directory)).lexically_normal().string();
     }
 }
 
@@ -105,7 +107,7 @@ CommandLine CommandLine::parse(int argc, const char* const* argv) {
     }
     std::ranges::transform(raw.plugins, std::back_inserter(line.plugins), PluginSpec::parse);
     for (const auto& plugin : line.plugins) {
-        const std::filesystem::path library(plugin.library);
+        const auto library = KyrCoreUtils::toPath(plugin.library);
         line.namedDirectories.insert(line.namedDirectories.end(), {library.parent_path().string(), plugin.library});
     }
     std::ranges::transform(raw.stores, std::back_inserter(line.stores), StoreSpec::parse);
@@ -125,7 +127,7 @@ void CommandLine::withGrammar(const std::function<void(const CLI::App& grammar)>
 KyrCoreUtils::HostDirectories directoriesOfProfile(const std::string& profile) {
     auto absolute = profile;
     makeAbsolute(absolute);
-    const std::filesystem::path root(absolute);
+    const auto root = KyrCoreUtils::toPath(absolute);
     return {(root / "config").string(), (root / "data").string(), (root / "state").string(),
             (root / "resources").string()};
 }

@@ -9,6 +9,8 @@
 #include "stores/ReportSettings.h"
 #include "stores/XmlSettings.h"
 
+#include <kyr/Paths.h>
+
 #include <filesystem>
 
 namespace lumora_config {
@@ -47,7 +49,7 @@ SettingsDump readFile(const std::string& path) {
 
 bool isProfile(const std::string& operand) {
     std::error_code error;
-    return std::filesystem::is_directory(operand, error);
+    return std::filesystem::is_directory(KyrCoreUtils::toPath(operand), error);
 }
 
 void show(const SettingsDump& left, const SettingsDump& right, const Command& command, bool showSecrets,

@@ -7,6 +7,7 @@
 
 #include <kyr/FileAccess.h>
 #include <kyr/FileUtils.h>
+#include <kyr/Paths.h>
 #include <registry/RegistryFiles.h>
 #include <unified/ProfileLock.h>
 #include <zel/EncryptFileUtils.h>
@@ -30,12 +31,6 @@ namespace {
 constexpr unsigned writableByOthers = 0022;
 constexpr unsigned usableByOthers = 0077;
 
-unsigned modeOf(const std::string& path) {
-    std::error_code ignored;
-    const auto permissions = std::filesystem::status(path, ignored).permissions();
-    return permissions == std::filesystem::perms::unknown ? 0 : static_cast<unsigned>(permissions);
-}
-
 std::string describeMode(unsigned mode) {
     std::ostringstream text;
     text << std::oct << std::setw(4) << std::setfill('0') << (mode & 07777U);
@@ -50,7 +45,7 @@ bool existsOnDisk(const std::string& path) {
 
 bool isDirectory(const std::string& path) {
     std::error_code ignored;
-    return std::filesystem::is_directory(path, ignored);
+    return std::filesystem::is_directory(KyrCoreUtils::toPath(path), ignored);
 }
 
 std::string describeFile(const zel::storage::ProtectedFileHealth& file) {
@@ -226,14 +221,14 @@ void Doctor::add(const std::string& area, const std::string& path, const std::st
 void Doctor::addExisting(const std::string& area, const std::string& path, const std::string& state,
                          bool needsAttention, unsigned harmfulMode) {
     const auto access = FileAccess::read(path);
-    const auto mode = modeOf(path);
+    const auto mode = FileAccess::readMode(path);
     const bool isForeign = !access || access->owner == FileAccess::Owner::Other;
-    const bool isOpen = (mode & harmfulMode) != 0;
+    const bool isOpen = mode ? (*mode & harmfulMode) != 0 : access && access->writableByEverybody;
     auto owner = access ? access->ownerName : std::string("unknown");
     if (access && owners == Owners::Masked) {
         owner = "<user>";
     }
-    auto text = state + "; owner " + owner + ", mode " + describeMode(mode);
+    auto text = state + "; owner " + owner + (mode ? ", mode " + describeMode(*mode) : "");
     text += isForeign ? ", owned by another user" : "";
     text += isOpen ? ", too open" : "";
     add(area, path, text, needsAttention || isForeign || isOpen);

@@ -9,6 +9,7 @@
 #include "stores/XmlSettings.h"
 
 #include <kyr/FileUtils.h>
+#include <kyr/Paths.h>
 #include <kyr/StringUtils.h>
 #include <registry/RegistryFiles.h>
 
@@ -54,7 +55,7 @@ KeyPlaces readBootstrap(const std::string& path) {
 
 std::string timeOfFile(const std::string& path) {
     std::error_code error;
-    const auto time = std::filesystem::last_write_time(path, error);
+    const auto time = std::filesystem::last_write_time(KyrCoreUtils::toPath(path), error);
     if (error) {
         return {};
     }

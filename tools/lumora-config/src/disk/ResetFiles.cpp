@@ -6,6 +6,7 @@
 #include "stores/XmlSettings.h"
 
 #include <kyr/FileUtils.h>
+#include <kyr/Paths.h>
 #include <kyr/StringUtils.h>
 #include <registry/RegistryFiles.h>
 #include <registry/RegistryTextFile.h>
@@ -116,11 +117,12 @@ bool isClientFile(std::string_view path) {
 }
 
 std::vector<std::string> findForeignFiles(const std::string& configDirectory) {
+    using KyrCoreUtils::toPath;
     std::vector<std::string> files;
     FileUtils::getFilesFromDirectory(configDirectory, "", files);
     std::vector<std::string> foreign;
     for (const auto& file : files) {
-        auto path = std::filesystem::path(file).lexically_relative(configDirectory).generic_string();
+        auto path = toPath(file).lexically_relative(toPath(configDirectory)).generic_string();
         if (!isClientFile(path)) {
             foreign.push_back(std::move(path));
         }
@@ -129,6 +131,7 @@ std::vector<std::string> findForeignFiles(const std::string& configDirectory) {
 }
 
 std::vector<std::string> findResetLeftovers(const std::string& configDirectory) {
+    using KyrCoreUtils::toPath;
     std::vector<std::string> files;
     FileUtils::getFilesFromDirectory(configDirectory, "", files);
     std::erase_if(files, [&](const std::string& path) {

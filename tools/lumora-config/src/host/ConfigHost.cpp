@@ -1,5 +1,6 @@
 #include "ConfigHost.h"
 
+#include "FleetServicePlugin.h"
 #include "HostFolders.h"
 #include "InspectionPlugin.h"
 #include "output/Failure.h"
@@ -52,6 +53,7 @@ std::shared_ptr<UnifiedFactoryImpl> makeFactory(const std::string& pluginDirecto
     options.plugins = {{ZelUnified::readableTypeName<ZelUnified::ConfigService>(), LUMORA_PLUGIN_LIBRARY},
                        {ZelUnified::readableTypeName<ZelUnified::ConfigFeatureSet>(), LUMORA_PLUGIN_LIBRARY}};
     options.plugins.merge(InspectionPlugin::describe());
+    options.plugins.merge(FleetServicePlugin::describe(pluginDirectory));
     for (const auto& plugin : foreign) {
         if (options.plugins.contains(plugin.interfaceName)) {
             throw Failure(ExitCode::Usage, "--plugin " + plugin.interfaceName + ": the program loads its own plug-in");
@@ -109,6 +111,10 @@ void ConfigHost::start() {
 
 std::string ConfigHost::startInspection(bool changesAllowed) {
     return InspectionPlugin::start(*factory, changesAllowed);
+}
+
+void ConfigHost::startFleet() {
+    FleetServicePlugin::start(*factory, pluginDirectory);
 }
 
 void ConfigHost::stop() {

@@ -41,6 +41,8 @@ public:
     /// Lets other processes of the user inspect the configuration, and change it if `changesAllowed` is true. Returns
     /// the path of the socket. Call it after start(). Throws Failure (Environment).
     std::string startInspection(bool changesAllowed);
+    /// Follows the settings of a fleet, if the plug-in is installed and a cluster is configured. Call it after start().
+    void startFleet();
     void stop();
     bool isStarted() const;
     /// Resets the client as a user does: calls the reset callback of every provider.

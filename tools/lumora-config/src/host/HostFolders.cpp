@@ -4,6 +4,7 @@
 #include "stores/XmlSettings.h"
 
 #include <kyr/FileUtils.h>
+#include <kyr/Paths.h>
 #include <kyr/ProcessUtils.h>
 
 #include <ConfigKeys.h>
@@ -59,9 +60,9 @@ void requireTrusted(const std::vector<std::string>& paths) {
 }
 
 std::string findPluginFolder(const std::string& requested) {
-    std::vector<fs::path> candidates{requested};
+    std::vector<fs::path> candidates{KyrCoreUtils::toPath(requested)};
     if (requested.empty()) {
-        const fs::path program = KyrCoreUtils::ProcessUtils::getProgramFolder();
+        const auto program = KyrCoreUtils::toPath(KyrCoreUtils::ProcessUtils::getProgramFolder());
         candidates = {program / ".." / "lib", program / ".." / LUMORA_PLUGIN_FOLDER, LUMORA_INSTALLED_PLUGIN_FOLDER};
     }
     std::string absences;

@@ -2,6 +2,8 @@
 
 #include "output/Failure.h"
 
+#include <kyr/Paths.h>
+
 #include <filesystem>
 
 namespace lumora_config {
@@ -11,7 +13,7 @@ PluginSpec PluginSpec::parse(std::string_view text) {
     if (separator == std::string_view::npos || separator == 0 || separator + 1 == text.size()) {
         throw Failure(ExitCode::Usage, "'" + std::string(text) + "' is not of the form NAME=LIBRARY");
     }
-    const std::filesystem::path library(text.substr(separator + 1));
+    const auto library = KyrCoreUtils::toPath(text.substr(separator + 1));
     return {std::string(text.substr(0, separator)), std::filesystem::absolute(library).lexically_normal().string()};
 }
 

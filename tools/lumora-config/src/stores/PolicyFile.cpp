@@ -5,6 +5,7 @@
 #include "XmlSettings.h"
 #include "output/Failure.h"
 
+#include <kyr/Paths.h>
 #include <kyr/StringUtils.h>
 #include <registry/RegistryFiles.h>
 
@@ -68,7 +69,10 @@ std::vector<ImportedValue> PolicyFile::listValues() const {
 }
 
 void PolicyFile::install() const {
-    if (const int error = installRegistryText(text, std::filesystem::path(path).filename().string()); error != 0) {
+    if (getAdministratorRegistryFolder().empty()) {
+        throw Failure(ExitCode::Environment, path + ": this system has a registry; import the file there");
+    }
+    if (const int error = installRegistryText(text, KyrCoreUtils::toPath(path).filename().string()); error != 0) {
         const auto reason = error == EEXIST ? std::string("something there has its name and is not a regular file")
                                             : std::generic_category().message(error);
         throw Failure(ExitCode::Environment, path + ": cannot be written to the user's registry files: " + reason);
@@ -76,12 +80,12 @@ void PolicyFile::install() const {
 }
 
 std::string PolicyFile::getInstalledPath() const {
-    const std::filesystem::path folder(getUserRegistryFolder());
-    auto name = std::filesystem::path(path).filename().string();
-    if (!KyrCoreUtils::caseInsensitiveStringEquals(std::filesystem::path(name).extension().string(), ".reg")) {
+    const auto folder = KyrCoreUtils::toPath(getUserRegistryFolder());
+    auto name = KyrCoreUtils::toPath(path).filename().string();
+    if (!KyrCoreUtils::caseInsensitiveStringEquals(KyrCoreUtils::toPath(name).extension().string(), ".reg")) {
         name += ".reg";
     }
-    return (folder / name).string();
+    return (folder / KyrCoreUtils::toPath(name)).string();
 }
 
 std::string PolicyFile::getInstalledText() const {

@@ -2,6 +2,7 @@
 
 #include "output/Failure.h"
 
+#include <kyr/Paths.h>
 #include <kyr/StringUtils.h>
 
 #include <libxml/parser.h>
@@ -136,17 +137,18 @@ private:
 
 std::string readWholeFile(const std::string& path) {
     std::error_code error;
-    const auto status = std::filesystem::status(path, error);
+    const auto file = KyrCoreUtils::toPath(path);
+    const auto status = std::filesystem::status(file, error);
     if (status.type() == std::filesystem::file_type::not_found) {
         refuse(path, "no such file");
     }
     if (!std::filesystem::is_regular_file(status)) {
         refuse(path, "not a regular file");
     }
-    if (std::filesystem::file_size(path, error) > largestFile) {
+    if (std::filesystem::file_size(file, error) > largestFile) {
         refuse(path, "larger than 64 MiB");
     }
-    std::ifstream stream(path, std::ios::binary);
+    std::ifstream stream(file, std::ios::binary);
     std::string content(std::istreambuf_iterator<char>(stream), {});
     if (!stream) {
         refuse(path, "cannot be read");

@@ -16,6 +16,7 @@
 
 #include <kyr/FileUtils.h>
 #include <kyr/FstreamUtils.h>
+#include <kyr/Paths.h>
 #include <kyr/StringUtils.h>
 #include <zel/EncryptFileUtils.h>
 #include <zel/ZelLog.h>
@@ -68,9 +69,12 @@ std::string toSavePath(const std::string& path) {
         return path;
     }
     std::error_code error;
-    const std::string absolute = std::filesystem::absolute(path, error).generic_string();
+    std::string absolute = std::filesystem::absolute(KyrCoreUtils::toPath(path), error).generic_string();
     if (error) {
         return path;
+    }
+    if (!absolute.starts_with('/')) { // it begins with the name of a drive
+        absolute.insert(0, 1, '/');
     }
     const std::unique_ptr<xmlChar, decltype(xmlFree)> escaped(
         xmlURIEscapeStr(reinterpret_cast<const xmlChar*>(absolute.c_str()), reinterpret_cast<const xmlChar*>("/")),

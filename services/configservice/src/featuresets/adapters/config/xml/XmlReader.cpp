@@ -4,6 +4,7 @@
 #include "XmlScrubber.h"
 
 #include <kyr/FstreamUtils.h>
+#include <kyr/Paths.h>
 #include <kyr/StringUtils.h>
 
 #include <libxml/entities.h>
@@ -155,7 +156,7 @@ XmlDocument parse(const std::string& text, const XmlPlainElements::Receiver* rec
 
 XmlDocument XmlReader::readFile(const std::string& path) {
     std::error_code unknown;
-    const auto size = std::filesystem::file_size(path, unknown);
+    const auto size = std::filesystem::file_size(KyrCoreUtils::toPath(path), unknown);
     if (unknown || size > sizeLimit || !isPlainDocument(path)) {
         return nullptr;
     }

@@ -1,0 +1,89 @@
+#include "AccessRights.h"
+
+#include "SystemError.h"
+#include "SystemHandle.h"
+
+// The others need the system's header.
+// clang-format off
+#include <windows.h>
+#include <sddl.h>
+// clang-format on
+
+#include <cerrno>
+#include <string>
+
+namespace zel::platform {
+
+namespace {
+
+/// A description of access rights, and the attributes that refer to it.
+class PrivateRights {
+public:
+    explicit PrivateRights(AccessRights::Of kind) {
+        auto user = AccessRights::readUserId();
+        LPWSTR text = nullptr;
+        if (user.empty() || !::ConvertSidToStringSidW(user.data(), &text)) {
+            return;
+        }
+        const std::unique_ptr<wchar_t, decltype(&::LocalFree)> owner(text, &::LocalFree);
+        // Protected: nothing is inherited from the parent. What is created in a directory inherits these rights.
+        const std::wstring inherited = kind == AccessRights::Of::Directory ? L"OICI" : L"";
+        const std::wstring rights = L"D:P(A;" + inherited + L";FA;;;" + text + L")(A;" + inherited + L";FA;;;SY)";
+        if (::ConvertStringSecurityDescriptorToSecurityDescriptorW(rights.c_str(), SDDL_REVISION_1, &descriptor,
+                                                                   nullptr)) {
+            attributes = {sizeof attributes, descriptor, FALSE};
+        }
+    }
+    ~PrivateRights() { ::LocalFree(descriptor); }
+    PrivateRights(const PrivateRights&) = delete;
+    PrivateRights& operator=(const PrivateRights&) = delete;
+
+    SECURITY_ATTRIBUTES* get() noexcept { return descriptor != nullptr ? &attributes : nullptr; }
+
+private:
+    PSECURITY_DESCRIPTOR descriptor = nullptr;
+    SECURITY_ATTRIBUTES attributes{};
+};
+
+} // namespace
+
+std::vector<unsigned char> AccessRights::readUserId() {
+    HANDLE opened = nullptr;
+    if (!::OpenProcessToken(::GetCurrentProcess(), TOKEN_QUERY, &opened)) {
+        return {};
+    }
+    const SystemHandle token(opened);
+    DWORD size = 0;
+    ::GetTokenInformation(token.get(), TokenUser, nullptr, 0, &size);
+    std::vector<unsigned char> buffer(size);
+    if (size < sizeof(TOKEN_USER) || !::GetTokenInformation(token.get(), TokenUser, buffer.data(), size, &size)) {
+        return {};
+    }
+    const PSID id = reinterpret_cast<const TOKEN_USER*>(buffer.data())->User.Sid;
+    const auto* const bytes = static_cast<const unsigned char*>(id);
+    return {bytes, bytes + ::GetLengthSid(id)};
+}
+
+SECURITY_ATTRIBUTES* AccessRights::forCreation(Of kind) noexcept {
+    // Never destroyed: files may be written while the process ends.
+    static auto& file = *new PrivateRights(Of::File);
+    static auto& directory = *new PrivateRights(Of::Directory);
+    return kind == Of::File ? file.get() : directory.get();
+}
+
+int AccessRights::restrict(const std::filesystem::path& path, Of kind) noexcept {
+    const SECURITY_ATTRIBUTES* const rights = forCreation(kind);
+    if (rights == nullptr) {
+        return ENOTSUP;
+    }
+    const bool done = ::SetFileSecurityW(path.c_str(), DACL_SECURITY_INFORMATION | PROTECTED_DACL_SECURITY_INFORMATION,
+                                         rights->lpSecurityDescriptor) != FALSE;
+    if (done) {
+        return 0;
+    }
+    // Some file systems keep no access rights.
+    const int error = lastErrno();
+    return error == ENOTSUP ? 0 : error;
+}
+
+} // namespace zel::platform

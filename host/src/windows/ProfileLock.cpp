@@ -1,0 +1,201 @@
+#include "AccessRights.h"
+#include "SystemError.h"
+#include "SystemHandle.h"
+#include "kyr/HexDigits.h"
+#include "kyr/PathText.h"
+#include "zel/storage/PendingWrites.h"
+
+#include <kyr/FileUtils.h>
+#include <kyr/StringUtils.h>
+#include <unified/ProfileLock.h>
+
+#include <openssl/sha.h>
+
+#include <array>
+#include <charconv>
+#include <filesystem>
+#include <fstream>
+#include <string_view>
+#include <system_error>
+
+namespace ZelUnified {
+
+namespace {
+
+using zel::platform::AccessRights;
+using zel::platform::SystemHandle;
+
+constexpr DWORD sharedWithAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+/// Returns the same spelling of an existing directory in all processes: the system's own, without links and with the
+/// case of the disk.
+std::wstring settledPath(const std::filesystem::path& directory) {
+    const SystemHandle opened(::CreateFileW(directory.c_str(), 0, sharedWithAll, nullptr, OPEN_EXISTING,
+                                            FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+    std::wstring text(32768, L'\0');
+    const DWORD length = !opened ? 0
+                                 : ::GetFinalPathNameByHandleW(opened.get(), text.data(),
+                                                               static_cast<DWORD>(text.size()), VOLUME_NAME_DOS);
+    if (length == 0 || length > text.size()) {
+        return {};
+    }
+    text.resize(length);
+    return KyrCoreUtils::toLowercase(text); // the names of the system differ only in more than their case
+}
+
+/// Uses a digest because a path may be longer than a name of the system.
+std::string digestOf(const std::wstring& path) {
+    const std::string text = KyrCoreUtils::toString(path);
+    std::array<unsigned char, SHA256_DIGEST_LENGTH> digest{};
+    SHA256(reinterpret_cast<const unsigned char*>(text.data()), text.size(), digest.data());
+    std::string name;
+    for (std::size_t i = 0; i < digest.size() / 2; ++i) {
+        KyrCoreUtils::appendHex(name, digest[i]);
+    }
+    return name;
+}
+
+std::string describe(int error) {
+    return std::error_code(error, std::generic_category()).message();
+}
+
+/// Records in the state folder which process holds a lock. The record is for users only; every failure is ignored.
+class HolderFile {
+public:
+    HolderFile(const std::string& stateDirectory, const std::string& digest)
+        : directory(stateDirectory),
+          file(KyrCoreUtils::pathFromText(stateDirectory + "/profile-" + digest + ".lock")
+                   .value_or(std::filesystem::path())) {}
+
+    void write(std::string_view content) const {
+        KyrCoreUtils::FileUtils::createDirectory(directory);
+        std::ofstream(file, std::ios::binary | std::ios::trunc) << content;
+    }
+
+    /// Returns the id of the holder; 0 if it is unknown or belongs to a process that has ended.
+    long read() const {
+        std::ifstream stream(file, std::ios::binary);
+        std::string content;
+        std::getline(stream, content);
+        unsigned long number = 0;
+        std::from_chars(content.data(), content.data() + content.size(), number);
+        return number != 0 && isAlive(number) ? static_cast<long>(number) : 0;
+    }
+
+private:
+    static bool isAlive(DWORD process) {
+        const SystemHandle opened(::OpenProcess(SYNCHRONIZE, FALSE, process));
+        return opened ? ::WaitForSingleObject(opened.get(), 0) == WAIT_TIMEOUT
+                      : ::GetLastError() == ERROR_ACCESS_DENIED;
+    }
+
+    const std::string directory;
+    const std::filesystem::path file;
+};
+
+std::wstring lockName(const std::string& digest) {
+    return L"Global\\LumoraProfile-" + KyrCoreUtils::toWideString(digest);
+}
+
+std::string describeUse(const std::string& path, long holder) {
+    return "The profile " + path + " is in use by " +
+           (holder != 0 ? "process " + std::to_string(holder) : std::string("another process")) + ".";
+}
+
+/// Creates the object of the system that stands for the lock. Its existence is the lock: it disappears with the handle,
+/// and so with the process. Returns nothing and sets `error` to ERROR_ALREADY_EXISTS if another holder has it.
+SystemHandle createLock(const std::string& digest, DWORD& error) {
+    SystemHandle lock(
+        ::CreateMutexW(AccessRights::forCreation(AccessRights::Of::File), FALSE, lockName(digest).c_str()));
+    error = ::GetLastError();
+    return lock && error == ERROR_ALREADY_EXISTS ? SystemHandle() : std::move(lock);
+}
+
+} // namespace
+
+/// The object of the system that stands for the lock.
+class ProfileLock::LockedDirectory {
+public:
+    LockedDirectory(const std::string& configDirectory, const std::string& stateDirectory)
+        : path(configDirectory),
+          created(KyrCoreUtils::FileUtils::createDirectory(path)),
+          settled(created == 0 ? settledPath(KyrCoreUtils::pathFromText(path).value_or("")) : std::wstring()),
+          openError(settled.empty() ? zel::platform::lastErrno() : 0),
+          digest(digestOf(settled)),
+          holderFile(stateDirectory, digest) {
+        if (created != 0 || openError != 0) {
+            problem = "The configuration directory " + path +
+                      " can't be opened: " + describe(created != 0 ? created : openError);
+            return;
+        }
+        DWORD error = 0;
+        lock = createLock(digest, error);
+        if (lock) {
+            held = true;
+            holderFile.write(std::to_string(::GetCurrentProcessId()) + "\n");
+            return;
+        }
+        if (error != ERROR_ALREADY_EXISTS) {
+            problem =
+                "The configuration directory " + path + " can't be locked: " + describe(zel::platform::errnoOf(error));
+            return;
+        }
+        holder = holderFile.read();
+        problem = describeUse(path, holder);
+    }
+
+    ~LockedDirectory() {
+        if (held) {
+            zel::storage::PendingWrites::instance().giveUp(path);
+            holderFile.write(""); // the next process that fails to lock must not report this one
+        }
+    }
+
+    LockedDirectory(const LockedDirectory&) = delete;
+    LockedDirectory& operator=(const LockedDirectory&) = delete;
+
+    bool held = false;
+    long holder = 0;
+    std::string problem;
+
+private:
+    const std::string path;
+    const int created;
+    const std::wstring settled;
+    const int openError;
+    const std::string digest;
+    const HolderFile holderFile;
+    SystemHandle lock;
+};
+
+ProfileLock::ProfileLock(const std::string& configDirectory, const std::string& stateDirectory)
+    : directory(std::make_unique<LockedDirectory>(configDirectory, stateDirectory)) {}
+
+std::string ProfileLock::findProblem(const std::string& configDirectory, const std::string& stateDirectory) {
+    const auto settled = settledPath(KyrCoreUtils::pathFromText(configDirectory).value_or(""));
+    if (settled.empty()) {
+        const int error = zel::platform::lastErrno();
+        return error == ENOENT
+                   ? ""
+                   : "The configuration directory " + configDirectory + " can't be opened: " + describe(error);
+    }
+    const auto digest = digestOf(settled);
+    const SystemHandle lock(::OpenMutexW(SYNCHRONIZE, FALSE, lockName(digest).c_str()));
+    return lock ? describeUse(configDirectory, HolderFile(stateDirectory, digest).read()) : "";
+}
+
+ProfileLock::~ProfileLock() = default;
+
+bool ProfileLock::isHeld() const noexcept {
+    return directory->held;
+}
+
+long ProfileLock::getHolder() const noexcept {
+    return directory->holder;
+}
+
+const std::string& ProfileLock::getProblem() const noexcept {
+    return directory->problem;
+}
+
+} // namespace ZelUnified

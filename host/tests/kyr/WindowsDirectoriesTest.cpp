@@ -1,0 +1,36 @@
+#include <kyr/FileUtils.h>
+#include <kyr/ProcessUtils.h>
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+namespace {
+
+namespace fs = std::filesystem;
+using KyrCoreUtils::FileUtils;
+
+} // namespace
+
+TEST(WindowsDirectories, LieInTheKnownFoldersOfTheUser) {
+    FileUtils::overrideDirectories({});
+    const std::string config = FileUtils::getConfigDirectory();
+    const std::string data = FileUtils::getUserLocalAppDir();
+    EXPECT_TRUE(config.ends_with("\\Lumora\\Config")) << config;
+    EXPECT_TRUE(data.ends_with("\\Lumora")) << data;
+    EXPECT_EQ(FileUtils::getStateDirectory(), data + "\\State");
+    EXPECT_NE(fs::path(config).parent_path().parent_path(), fs::path(data).parent_path()) << "one of them roams";
+    for (const auto& directory : {config, data}) {
+        EXPECT_TRUE(fs::path(directory).is_absolute()) << directory;
+    }
+}
+
+TEST(WindowsDirectories, TheInstalledDataLiesBesideTheLibrary) {
+    FileUtils::overrideDirectories({});
+    EXPECT_EQ(fs::path(FileUtils::getResourcesDirectory()), fs::path(KyrCoreUtils::ProcessUtils::getProgramFolder()));
+}
+
+TEST(WindowsDirectories, TheSeparatorIsThePlatforms) {
+    EXPECT_EQ(FileUtils::FileSeparator(), "\\");
+}

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <ConfigMap.h>
+#include <FleetServiceExport.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace ZelUnified {
+
+/// How the members of a cluster are reached. All text is UTF-8.
+struct FleetAccess {
+    std::vector<std::string> endpoints; ///< "https://HOST:PORT", without a path.
+    std::string authority;              ///< A file in PEM; empty for the authorities of the system.
+    std::string clientCertificate;      ///< A file in PEM, like the key; both empty for none.
+    std::string clientKey;
+    std::string username; ///< Empty for a cluster without authentication.
+    std::string password;
+    bool plainHttpAllowed = false; ///< Also accepts "http://HOST:PORT".
+
+    bool operator==(const FleetAccess&) const = default;
+};
+
+/// The clients that a pair applies to: everybody, one group or one user.
+struct FleetAudience {
+    enum class Kind { All, Group, User };
+
+    Kind kind = Kind::All;
+    std::string name; ///< Of the group or user.
+};
+
+/// One pair of the cluster. The key is that of the configuration; key and value may be any bytes.
+struct FleetPair {
+    FleetAudience audience;
+    std::string key;
+    std::string value;
+};
+
+/// Changes and shows the settings of a fleet. Each operation waits for the cluster, at most about ten seconds for each
+/// endpoint, and throws std::runtime_error with one line of text. Not thread-safe.
+class FLEET_SERVICE_API FleetAdministration {
+public:
+    using Listener = std::function<void(ConfigMap settings)>;
+
+    virtual ~FleetAdministration() = default;
+
+    virtual void put(const FleetPair& pair) = 0;
+    /// Returns false if there was no such key.
+    virtual bool remove(const FleetAudience& audience, const std::string& key) = 0;
+    /// Returns the pairs of the audiences, in this order, all at one revision.
+    virtual std::vector<FleetPair> list(const std::vector<FleetAudience>& audiences) = 0;
+    /// Calls `listener`, on another thread, with the settings that a client of these audiences has, the least specific
+    /// one first: when they have been read, and after each change. Returns immediately.
+    virtual void watch(const std::vector<FleetAudience>& audiences, Listener listener) = 0;
+    /// Ends it; the listener is not called afterwards. The destructor does so too.
+    virtual void endWatch() = 0;
+};
+
+} // namespace ZelUnified
+
+/// The function of the plug-in that creates the object, for a program that loads the plug-in without a host. Throws
+/// std::runtime_error if the access cannot be used.
+extern "C" FLEET_SERVICE_API void OpenFleetAdministration(const ZelUnified::FleetAccess& access,
+                                                          std::unique_ptr<ZelUnified::FleetAdministration>& opened);

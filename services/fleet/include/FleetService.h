@@ -1,0 +1,26 @@
+#pragma once
+
+#include <unified/FeatureSet.h>
+
+#include <FleetServiceExport.h>
+
+namespace ZelUnified {
+
+/// Adds the settings that the administrators of an organisation keep in an etcd cluster, and each change of them, as
+/// the store "FleetConfigStore". docs/fleet.md describes the keys in the cluster and the keys that configure this
+/// service. Does nothing while no endpoint is configured.
+///
+/// A host loads it by this type like every service, and starts it with UnifiedFactory::StartFeatureSet() after the
+/// configuration service. Any thread.
+class FLEET_SERVICE_API FleetService : public FeatureSet {
+public:
+    /// Lower than the number of the configuration service, so that the host stops and destroys this service first.
+    static constexpr unsigned int fleetServiceId = 1298;
+    /// The name of the store.
+    static constexpr const char* storeName = "FleetConfigStore";
+
+    /// Returns true while the service follows a cluster, reachable or not.
+    virtual bool isFollowing() = 0;
+};
+
+} // namespace ZelUnified

@@ -1,0 +1,169 @@
+#include "EtcdMessages.h"
+
+#include "Base64.h"
+
+#include <charconv>
+#include <nlohmann/json.hpp>
+
+namespace fleet::etcd {
+
+namespace {
+
+using Json = nlohmann::json;
+
+/// Thrown within this file.
+struct NoReply {};
+
+Json makeRange(const FleetScope& scope) {
+    return {{"key", encodeBase64(scope.prefix)}, {"range_end", encodeBase64(scope.getEnd())}};
+}
+
+std::string toText(const Json& message) {
+    return message.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+/// The gateway writes numbers of 64 bits as strings, and leaves out those that are zero.
+std::int64_t toNumber(const Json& object, const char* field) {
+    const auto text = object.value(field, std::string("0"));
+    std::int64_t number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error != std::errc() || end != text.data() + text.size()) {
+        throw NoReply();
+    }
+    return number;
+}
+
+std::string toBytes(const Json& object, const char* field) {
+    auto bytes = decodeBase64(object.value(field, std::string()));
+    if (!bytes) {
+        throw NoReply();
+    }
+    return std::move(*bytes);
+}
+
+Pair toPair(const Json& object) {
+    return {toBytes(object, "key"), toBytes(object, "value"), false};
+}
+
+Pair toChange(const Json& event) {
+    auto pair = toPair(event.at("kv"));
+    pair.deleted = event.value("type", "PUT") == "DELETE";
+    return pair;
+}
+
+/// Returns the member, or an empty list: the gateway leaves out empty lists.
+const Json& listOf(const Json& object, const char* field) {
+    static const Json none = Json::array();
+    const auto found = object.find(field);
+    return found == object.end() ? none : *found;
+}
+
+/// Returns the result of `parse` for the text; nothing if either fails.
+template <class Parse>
+auto parseReply(std::string_view text, const Parse& parse) -> std::optional<decltype(parse(Json()))> {
+    try {
+        return parse(Json::parse(text));
+    } catch (const Json::exception&) {
+        return std::nullopt;
+    } catch (const NoReply&) {
+        return std::nullopt;
+    }
+}
+
+Snapshot toSnapshot(const Json& reply) {
+    Snapshot snapshot;
+    snapshot.revision = toNumber(reply.at("header"), "revision");
+    for (const auto& response : reply.at("responses")) {
+        const auto& range = response.at("response_range");
+        for (const auto& pair : listOf(range, "kvs")) {
+            snapshot.pairs.push_back(toPair(pair));
+        }
+        snapshot.more = snapshot.more || range.value("more", false);
+    }
+    return snapshot;
+}
+
+WatchReply toWatchReply(const Json& message) {
+    if (message.contains("error")) {
+        const auto& error = message.at("error");
+        return {false, true, error.is_object() ? error.value("message", std::string()) : std::string(), {}};
+    }
+    const auto& result = message.at("result");
+    WatchReply reply;
+    reply.created = result.value("created", false);
+    reply.canceled = result.value("canceled", false);
+    reply.reason = result.value("cancel_reason", std::string());
+    if (reply.canceled && reply.reason.empty() && toNumber(result, "compact_revision") > 0) {
+        reply.reason = "the revision has been compacted";
+    }
+    for (const auto& event : listOf(result, "events")) {
+        reply.changes.push_back(toChange(event));
+    }
+    return reply;
+}
+
+} // namespace
+
+std::string makeAuthenticate(const std::string& username, const std::string& password) {
+    return toText({{"name", username}, {"password", password}});
+}
+
+std::string makeSnapshot(const std::vector<FleetScope>& scopes, std::size_t limit) {
+    auto operations = Json::array();
+    for (const auto& scope : scopes) {
+        auto range = makeRange(scope);
+        range["limit"] = std::to_string(limit);
+        operations.push_back({{"request_range", range}});
+    }
+    return toText({{"success", operations}});
+}
+
+std::string makeWatch(const std::vector<FleetScope>& scopes, std::int64_t revision) {
+    std::string requests;
+    std::size_t number = 0;
+    for (const auto& scope : scopes) {
+        auto request = makeRange(scope);
+        request["start_revision"] = std::to_string(revision);
+        request["watch_id"] = std::to_string(++number);
+        requests += toText({{"create_request", request}}) + '\n';
+    }
+    return requests;
+}
+
+std::string makeProbe(const FleetScope& scope) {
+    auto range = makeRange(scope);
+    range["serializable"] = true;
+    range["count_only"] = true;
+    return toText(range);
+}
+
+std::string makePut(const std::string& key, const std::string& value) {
+    return toText({{"key", encodeBase64(key)}, {"value", encodeBase64(value)}});
+}
+
+std::string makeDelete(const std::string& key) {
+    return toText({{"key", encodeBase64(key)}});
+}
+
+std::optional<std::string> parseToken(std::string_view text) {
+    return parseReply(text, [](const Json& reply) { return reply.at("token").get<std::string>(); });
+}
+
+std::optional<Snapshot> parseSnapshot(std::string_view text) {
+    return parseReply(text, toSnapshot);
+}
+
+std::optional<WatchReply> parseWatchReply(std::string_view line) {
+    return parseReply(line, toWatchReply);
+}
+
+std::optional<std::int64_t> parseDeletedCount(std::string_view text) {
+    return parseReply(text, [](const Json& reply) { return toNumber(reply, "deleted"); });
+}
+
+std::string parseFailure(std::string_view text) {
+    const auto message = parseReply(text, [](const Json& reply) { return reply.value("error", std::string()); });
+    return message.value_or(std::string());
+}
+
+} // namespace fleet::etcd

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "ClusterAccess.h"
+#include "EtcdMessages.h"
+#include "FleetScope.h"
+#include "HttpThread.h"
+
+#include <chrono>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace fleet {
+
+/// A request that the cluster has refused, or that no member has answered. The text is one line.
+class EtcdError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// Reads and writes the keys of a cluster for administrators. Each operation waits for the answer, and tries the
+/// endpoints in turn; all throw EtcdError. Not thread-safe.
+class EtcdSession {
+public:
+    explicit EtcdSession(ClusterAccess clusterAccess, std::chrono::milliseconds timeout = std::chrono::seconds(10));
+    ~EtcdSession();
+    EtcdSession(const EtcdSession&) = delete;
+    EtcdSession& operator=(const EtcdSession&) = delete;
+
+    void put(const std::string& key, const std::string& value);
+    /// Returns false if there was no such key.
+    bool remove(const std::string& key);
+    /// Returns the pairs of the scopes, in this order, all at one revision.
+    std::vector<etcd::Pair> list(const std::vector<FleetScope>& scopes);
+
+private:
+    std::string request(const char* path, const std::string& body);
+    HttpResult send(const char* path, const std::string& body);
+    void authenticate();
+
+    const ClusterAccess access;
+    const std::chrono::milliseconds answerTime;
+    std::size_t endpoint = 0;
+    std::string token;
+    HttpThread thread;
+    std::unique_ptr<HttpTransfer> transfer; ///< Of the thread while it runs.
+};
+
+} // namespace fleet

@@ -1,0 +1,139 @@
+#include "FleetTable.h"
+
+#include "FleetSettings.h"
+#include "LoggedText.h"
+
+#include <kyr/StringUtils.h>
+#include <zel/ZelLog.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace fleet {
+
+using KyrCoreUtils::toString;
+using KyrCoreUtils::toWideString;
+
+namespace {
+
+ZelLogger& tableLogger = ZelLogger_getLogger("Fleet-Table");
+
+/// The set of reported keys must not grow for ever.
+constexpr std::size_t maxReported = 1000;
+
+/// An ill-formed part would become U+FFFD, and the text would not return unchanged.
+bool isUtf8(const std::string& text) {
+    return toString(toWideString(text)) == text;
+}
+
+bool isLetter(wchar_t character) {
+    return (character >= L'A' && character <= L'Z') || (character >= L'a' && character <= L'z') || character == L'_' ||
+           character >= wchar_t{0xC0};
+}
+
+bool isNameCharacter(wchar_t character) {
+    return isLetter(character) || (character >= L'0' && character <= L'9') || character == L'-' || character == L'.';
+}
+
+/// One key that is not an XML name would make the whole cached copy unreadable.
+bool isXmlName(const std::wstring& key) {
+    return !key.empty() && isLetter(key.front()) && std::ranges::all_of(key, isNameCharacter);
+}
+
+bool isInXml(wchar_t character) {
+    const bool isControl = character < L' ' && character != L'\t' && character != L'\n' && character != L'\r';
+    return !isControl && character != wchar_t{0xFFFE} && character != wchar_t{0xFFFF};
+}
+
+/// Returns "" if the configuration can hold the key, otherwise the reason.
+std::string whyKeyRefused(const std::string& key) {
+    if (key.size() > FleetTable::maxKeyBytes) {
+        return "the key is too long";
+    }
+    if (!isUtf8(key)) {
+        return "the key is not UTF-8";
+    }
+    if (key.find('/') != std::string::npos) {
+        return "the key contains '/'";
+    }
+    if (!isXmlName(toWideString(key))) {
+        return "the key is not an XML name";
+    }
+    return FleetSettings::isOwnKey(toWideString(key)) ? "the key configures the fleet service itself" : "";
+}
+
+std::string whyValueRefused(const std::string& value) {
+    if (value.size() > FleetTable::maxValueBytes) {
+        return "the value is too long";
+    }
+    if (!isUtf8(value)) {
+        return "the value is not UTF-8";
+    }
+    return std::ranges::all_of(toWideString(value), isInXml) ? "" : "the value contains a control character";
+}
+
+} // namespace
+
+FleetTable::FleetTable(std::vector<FleetScope> clientScopes) : scopes(std::move(clientScopes)), layers(scopes.size()) {}
+
+std::string FleetTable::whyRefused(const std::string& key, const std::string& value) {
+    const auto reason = whyKeyRefused(key);
+    return reason.empty() ? whyValueRefused(value) : reason;
+}
+
+void FleetTable::clear() {
+    layers.assign(scopes.size(), {});
+    keyCount = 0;
+    byteCount = 0;
+}
+
+void FleetTable::apply(const etcd::Pair& pair) {
+    const auto scope = std::ranges::find_if(
+        scopes, [&](const FleetScope& candidate) { return pair.key.starts_with(candidate.prefix); });
+    if (scope == scopes.end()) {
+        return;
+    }
+    auto& layer = layers[static_cast<std::size_t>(scope - scopes.begin())];
+    const auto key = pair.key.substr(scope->prefix.size());
+    erase(layer, key);
+    if (pair.deleted || isOverfull()) {
+        return;
+    }
+    const auto reason = whyRefused(key, pair.value);
+    if (!reason.empty()) {
+        reportSkipped(pair, reason);
+        return;
+    }
+    ++keyCount;
+    byteCount += key.size() + pair.value.size();
+    layer.emplace(key, pair.value);
+}
+
+void FleetTable::erase(Layer& layer, const std::string& key) {
+    const auto found = layer.find(key);
+    if (found == layer.end()) {
+        return;
+    }
+    --keyCount;
+    byteCount -= found->first.size() + found->second.size();
+    layer.erase(found);
+}
+
+void FleetTable::reportSkipped(const etcd::Pair& pair, const std::string& reason) {
+    if (reported.size() < maxReported && reported.insert(pair.key.substr(0, maxKeyBytes * 2)).second) {
+        ZelLog(tableLogger, ZelLogLevel::Warning, ZEL_HERE,
+               "The cluster's key [" + toLoggedText(pair.key) + "] is skipped: " + reason);
+    }
+}
+
+ZelUnified::ConfigMap FleetTable::merge() const {
+    ZelUnified::ConfigMap settings;
+    for (const auto& layer : layers) {
+        for (const auto& [key, value] : layer) {
+            settings.insert_or_assign(toWideString(key), toWideString(value));
+        }
+    }
+    return settings;
+}
+
+} // namespace fleet

@@ -1,0 +1,152 @@
+#include "HttpThread.h"
+
+#include <zel/ZelLog.h>
+
+#include <algorithm>
+#include <exception>
+#include <new>
+#include <utility>
+
+namespace fleet {
+
+namespace {
+
+ZelLogger& threadLogger = ZelLogger_getLogger("Fleet-Thread");
+
+CURLM* makeMulti() {
+    static const auto initialised = curl_global_init(CURL_GLOBAL_DEFAULT);
+    auto* const multi = initialised == CURLE_OK ? curl_multi_init() : nullptr;
+    if (multi == nullptr) {
+        throw std::bad_alloc();
+    }
+    return multi;
+}
+
+} // namespace
+
+HttpThread::HttpThread() : multi(makeMulti()), thread([this] { run(); }) {}
+
+HttpThread::~HttpThread() {
+    end();
+}
+
+void HttpThread::post(std::function<void()> task) {
+    {
+        const KyrCoreUtils::LockGuard lock(mutex);
+        tasks.push_back(std::move(task));
+    }
+    curl_multi_wakeup(multi.get());
+}
+
+void HttpThread::end() {
+    ending = true;
+    curl_multi_wakeup(multi.get());
+    if (thread.joinable()) {
+        thread.join();
+    }
+}
+
+std::uint64_t HttpThread::callAfter(std::chrono::milliseconds time, std::function<void()> task) {
+    timers.emplace(++lastTimer, Timer{Clock::now() + time, std::move(task)});
+    return lastTimer;
+}
+
+void HttpThread::cancel(std::uint64_t timer) {
+    timers.erase(timer);
+}
+
+std::unique_ptr<HttpTransfer> HttpThread::start(const ClusterAccess& access, HttpRequest request, HttpHandler handler) {
+    return std::make_unique<HttpTransfer>(*this, access, std::move(request), std::move(handler));
+}
+
+void HttpThread::add(HttpTransfer& transfer) {
+    if (curl_multi_add_handle(multi.get(), transfer.getHandle()) != CURLM_OK) {
+        throw std::bad_alloc();
+    }
+}
+
+void HttpThread::remove(HttpTransfer& transfer) {
+    noted.erase(&transfer);
+    curl_multi_remove_handle(multi.get(), transfer.getHandle());
+}
+
+void HttpThread::run() {
+    try {
+        while (!ending) {
+            runOnce();
+        }
+    } catch (const std::exception& failure) {
+        // The client goes on with the last settings.
+        ZelLog(threadLogger, ZelLogLevel::Error, ZEL_HERE, std::string("The thread has failed: ") + failure.what());
+    }
+}
+
+void HttpThread::runOnce() {
+    runTasks();
+    runTimers();
+    int running = 0;
+    curl_multi_perform(multi.get(), &running);
+    deliver();
+    if (!ending) {
+        curl_multi_poll(multi.get(), nullptr, 0, getPollTime(), nullptr);
+    }
+}
+
+void HttpThread::runTasks() {
+    std::vector<std::function<void()>> posted;
+    {
+        const KyrCoreUtils::LockGuard lock(mutex);
+        posted.swap(tasks);
+    }
+    for (const auto& task : posted) {
+        task();
+    }
+}
+
+void HttpThread::runTimers() {
+    const auto now = Clock::now();
+    std::vector<std::uint64_t> due;
+    for (const auto& [number, timer] : timers) {
+        if (timer.due <= now) {
+            due.push_back(number);
+        }
+    }
+    for (const auto number : due) {
+        // A task may cancel the timers behind it.
+        if (const auto timer = timers.extract(number)) {
+            timer.mapped().task();
+        }
+    }
+}
+
+void HttpThread::deliver() {
+    int left = 0;
+    while (const auto* message = curl_multi_info_read(multi.get(), &left)) {
+        void* self = nullptr;
+        curl_easy_getinfo(message->easy_handle, CURLINFO_PRIVATE, &self);
+        auto& transfer = *static_cast<HttpTransfer*>(self);
+        transfer.setEnded(message->data.result);
+        note(transfer);
+    }
+    // A handler may remove transfers, so each step takes the first one that is left. New ones deliver later.
+    auto batch = noted;
+    for (auto* const transfer : batch) {
+        if (noted.erase(transfer) > 0) {
+            transfer->deliver();
+        }
+    }
+}
+
+int HttpThread::getPollTime() const {
+    using std::chrono::milliseconds;
+    if (!noted.empty()) {
+        return 0;
+    }
+    auto time = milliseconds(60000);
+    for (const auto& [number, timer] : timers) {
+        time = std::min(time, std::chrono::ceil<milliseconds>(timer.due - Clock::now()));
+    }
+    return static_cast<int>(std::max(time, milliseconds(0)).count());
+}
+
+} // namespace fleet

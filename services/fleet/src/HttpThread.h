@@ -1,0 +1,78 @@
+#pragma once
+
+#include "HttpTransfer.h"
+
+#include <kyr/AnnotatedMutex.h>
+#include <kyr/LockGuard.h>
+
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <set>
+#include <thread>
+#include <vector>
+
+namespace fleet {
+
+/// A thread that runs requests, timers and posted tasks. Several users may share one.
+class HttpThread {
+public:
+    using Clock = std::chrono::steady_clock;
+
+    HttpThread();
+    /// Calls end().
+    ~HttpThread();
+    HttpThread(const HttpThread&) = delete;
+    HttpThread& operator=(const HttpThread&) = delete;
+
+    /// Runs the task on the thread. Any thread. Drops it after end().
+    void post(std::function<void()> task);
+    /// Ends the thread without waiting for requests. No task, timer or handler runs after the call. Objects with
+    /// transfers are destroyed after this call and before the HttpThread. Not on the thread itself.
+    void end();
+
+    // The following are called on the thread, or after end().
+
+    /// Calls `task` once, after this time.
+    std::uint64_t callAfter(std::chrono::milliseconds time, std::function<void()> task);
+    /// Ignores a timer that has run.
+    void cancel(std::uint64_t timer);
+    std::unique_ptr<HttpTransfer> start(const ClusterAccess& access, HttpRequest request, HttpHandler handler);
+
+    // For HttpTransfer.
+
+    void add(HttpTransfer& transfer);
+    void remove(HttpTransfer& transfer);
+    /// The transfer has data for its handler.
+    void note(HttpTransfer& transfer) { noted.insert(&transfer); }
+
+private:
+    struct Timer {
+        Clock::time_point due;
+        std::function<void()> task;
+    };
+    struct MultiDeleter {
+        void operator()(CURLM* multiHandle) const { curl_multi_cleanup(multiHandle); }
+    };
+
+    void run();
+    void runOnce();
+    void runTasks();
+    void runTimers();
+    void deliver();
+    int getPollTime() const;
+
+    const std::unique_ptr<CURLM, MultiDeleter> multi;
+    KyrCoreUtils::AnnotatedMutex<> mutex;
+    std::vector<std::function<void()>> tasks LUMORA_GUARDED_BY(mutex);
+    std::atomic<bool> ending = false;
+    std::map<std::uint64_t, Timer> timers; ///< A watch has three at most.
+    std::uint64_t lastTimer = 0;
+    std::set<HttpTransfer*> noted; ///< Transfers that have something to deliver.
+    std::thread thread;            ///< The last member, because it uses the others.
+};
+
+} // namespace fleet

@@ -1,0 +1,120 @@
+// Three members with certificates and authentication. Not part of the suite, because it takes minutes: ./test fleet.
+#include "FollowedCluster.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <memory>
+
+namespace fleet_test {
+namespace {
+
+using namespace std::chrono_literals;
+using ZelUnified::ConfigMap;
+
+constexpr std::size_t clientCount = 10;
+constexpr auto patience = 120s;
+
+class FleetCluster : public testing::Test {
+protected:
+    void SetUp() override {
+        if (const auto reason = EtcdCluster::whyUnavailable(); !reason.empty()) {
+            GTEST_SKIP() << reason;
+        }
+        cluster = std::make_unique<EtcdCluster>(ClusterOptions{3, true, true});
+        for (std::size_t count = 0; count < clientCount; ++count) {
+            clients.push_back(std::make_unique<Client>(cluster->getAccess()));
+        }
+    }
+
+    void TearDown() override { clients.clear(); }
+
+    /// Writes the value. A member may be gone and no leader elected, so it tries again for a while.
+    void put(const std::string& key, const std::string& value) const {
+        const auto end = std::chrono::steady_clock::now() + patience;
+        for (;;) {
+            try {
+                cluster->put(fleet::FleetScope::ofAll().prefix + key, value);
+                return;
+            } catch (const fleet::EtcdError&) {
+                if (std::chrono::steady_clock::now() > end) {
+                    throw;
+                }
+            }
+        }
+    }
+
+    bool allReach(const ConfigMap& expected) const {
+        return std::ranges::all_of(clients, [&](const auto& client) {
+            return client->observer.waitFor([&](const auto& settings) { return settings == expected; });
+        });
+    }
+
+    std::unique_ptr<EtcdCluster> cluster;
+    std::vector<std::unique_ptr<Client>> clients;
+};
+
+TEST_F(FleetCluster, EveryClientHasTheLastValuesAfterALeaderWasKilledDuringTenThousandChanges) {
+    constexpr std::size_t changes = 10000;
+    constexpr std::size_t keys = 100;
+    ConfigMap expected;
+    std::size_t killed = 0;
+    for (std::size_t change = 0; change < changes; ++change) {
+        if (change == changes / 3) {
+            killed = cluster->findLeader();
+            cluster->kill(killed);
+        } else if (change == changes * 2 / 3) {
+            cluster->restart(killed);
+        }
+        const auto key = "Key" + std::to_string(change % keys);
+        put(key, std::to_string(change));
+        expected[KyrCoreUtils::toWideString(key)] = std::to_wstring(change);
+    }
+    EXPECT_TRUE(allReach(expected));
+    std::size_t calls = 0;
+    for (const auto& client : clients) {
+        calls = std::max(calls, client->observer.countCalls());
+    }
+    EXPECT_LT(calls, changes) << "changes that arrive together are one update";
+}
+
+TEST_F(FleetCluster, ClientsLeaveAMemberThatNoLongerAnswers) {
+    put("Key", "before");
+    EXPECT_TRUE(allReach({{L"Key", L"before"}}));
+    for (std::size_t member = 0; member < cluster->size(); ++member) {
+        cluster->suspend(member);
+        const auto value = "without member " + std::to_string(member);
+        put("Key", value);
+        EXPECT_TRUE(allReach({{L"Key", KyrCoreUtils::toWideString(value)}}));
+        cluster->resume(member);
+    }
+}
+
+TEST_F(FleetCluster, ClientsKeepTheirSettingsWhileTheClusterHasNoMajority) {
+    put("Key", "before");
+    EXPECT_TRUE(allReach({{L"Key", L"before"}}));
+    cluster->kill(0);
+    cluster->kill(1);
+    for (const auto& client : clients) {
+        EXPECT_EQ(client->observer.getLatest(), (ConfigMap{{L"Key", L"before"}}));
+    }
+    cluster->restartTogether({0, 1});
+    put("Key", "after");
+    EXPECT_TRUE(allReach({{L"Key", L"after"}}));
+}
+
+TEST_F(FleetCluster, WipedMemberServesTheClientsAgain) {
+    put("Key", "before");
+    EXPECT_TRUE(allReach({{L"Key", L"before"}}));
+    const auto leader = cluster->findLeader();
+    cluster->wipe(leader);
+    put("Key", "after");
+    EXPECT_TRUE(allReach({{L"Key", L"after"}}));
+    // Only the restored member and one other are left.
+    cluster->kill((leader + 1) % cluster->size());
+    put("Key", "last");
+    EXPECT_TRUE(allReach({{L"Key", L"last"}}));
+}
+
+} // namespace
+} // namespace fleet_test

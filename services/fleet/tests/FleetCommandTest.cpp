@@ -1,0 +1,93 @@
+#include "EtcdCluster.h"
+#include "ProgramRun.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <array>
+#include <csignal>
+
+namespace fleet_test {
+namespace {
+
+class FleetCommand : public testing::Test {
+protected:
+    void SetUp() override {
+        if (const auto reason = EtcdCluster::whyUnavailable(); !reason.empty()) {
+            GTEST_SKIP() << reason;
+        }
+    }
+
+    /// Runs "lumora-config fleet" on the cluster.
+    static ProgramResult run(const EtcdCluster& cluster, std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), "fleet");
+        arguments.insert(arguments.end(), {"--plain-http", "--endpoint", cluster.getAccess().endpoints.front()});
+        return runProgram(PROGRAM, arguments);
+    }
+};
+
+TEST_F(FleetCommand, SetsShowsAndRemovesAKeyOfEachAudience) {
+    const EtcdCluster cluster;
+    EXPECT_EQ(run(cluster, {"set", "Theme", "dark"}).code, 0);
+    EXPECT_EQ(run(cluster, {"set", "theme", "light", "--group", "nurses"}).code, 0);
+    EXPECT_EQ(run(cluster, {"set", "Theme", "blue", "--user", "ada"}).code, 0);
+    EXPECT_EQ(run(cluster, {"get", "THEME"}).output, "dark\n");
+    EXPECT_EQ(run(cluster, {"get", "Theme", "--group", "nurses"}).output, "light\n");
+    const auto list = run(cluster, {"list", "--group", "nurses", "--user", "ada"});
+    EXPECT_EQ(list.code, 0);
+    for (const auto* text : {"all", "groups/nurses", "users/ada", "dark", "light", "blue"}) {
+        EXPECT_NE(list.output.find(text), std::string::npos) << text;
+    }
+    EXPECT_EQ(run(cluster, {"set", "THEME", "grey"}).code, 0);
+    EXPECT_EQ(cluster.control({"get", "--print-value-only", "/lumora/fleet/all/Theme"}), "grey\n")
+        << "an existing key keeps its spelling";
+    EXPECT_EQ(run(cluster, {"unset", "Theme", "--user", "ada"}).code, 0);
+    EXPECT_EQ(run(cluster, {"unset", "Theme", "--user", "ada"}).code, 1);
+    EXPECT_EQ(run(cluster, {"get", "Theme", "--user", "ada"}).code, 1);
+}
+
+TEST_F(FleetCommand, RefusesWhatNoClientWouldUse) {
+    const EtcdCluster cluster;
+    EXPECT_EQ(run(cluster, {"set", "two words", "1"}).code, 3);
+    EXPECT_EQ(run(cluster, {"set", "FleetEndpoints", "https://elsewhere.example"}).code, 3);
+    EXPECT_EQ(run(cluster, {"set", "Theme"}).code, 2);
+    EXPECT_EQ(run(cluster, {"list", "Theme"}).code, 2);
+    EXPECT_EQ(run(cluster, {"dance"}).code, 2);
+    EXPECT_EQ(run(cluster, {"list", "--user", "a/b"}).code, 3);
+    EXPECT_EQ(run(cluster, {"list"}).code, 1);
+}
+
+TEST_F(FleetCommand, RefusesPlainHttpUnlessItIsAllowed) {
+    EXPECT_EQ(runProgram(PROGRAM, {"fleet", "list"}).code, 2);
+    const auto result = runProgram(PROGRAM, {"fleet", "list", "--endpoint", "http://127.0.0.1:1"});
+    EXPECT_EQ(result.code, 2);
+    EXPECT_NE(result.output.find("--plain-http"), std::string::npos) << result.output;
+}
+
+TEST_F(FleetCommand, WatchPrintsEachChangeUntilASignalArrives) {
+    EtcdCluster cluster;
+    const auto [process, pipe] = spawnProgram(PROGRAM, {"fleet", "watch", "--user", "ada", "--plain-http", "--endpoint",
+                                                        cluster.getAccess().endpoints.front()});
+    std::string output;
+    const auto readUntil = [&, end = pipe](const std::string& text) {
+        std::array<char, 512> buffer{};
+        while (output.find(text) == std::string::npos) {
+            const auto count = ::read(end, buffer.data(), buffer.size());
+            if (count <= 0) {
+                return false;
+            }
+            output.append(buffer.data(), static_cast<std::size_t>(count));
+        }
+        return true;
+    };
+    EXPECT_TRUE(readUntil("watching a client with 0 settings"));
+    cluster.put("/lumora/fleet/users/ada/Theme", "dark");
+    EXPECT_TRUE(readUntil("Theme: (none) -> \"dark\"\n")) << output;
+    cluster.remove("/lumora/fleet/users/ada/Theme");
+    EXPECT_TRUE(readUntil("Theme: \"dark\" -> (none)\n")) << output;
+    EXPECT_EQ(endProgram(process, SIGINT), 0);
+    ::close(pipe);
+}
+
+} // namespace
+} // namespace fleet_test

@@ -1,0 +1,102 @@
+#include "FleetHost.h"
+
+#include "FollowedCluster.h"
+
+#include <kyr/FunctionTask.h>
+#include <kyr/StringUtils.h>
+#include <unified/TypeName.h>
+
+#include <ConfigServiceIds.h>
+#include <ConfigValueNotifiers.h>
+#include <Signal.h>
+#include <TemporaryProfile.h>
+
+namespace fleet_test {
+
+namespace {
+
+std::string join(const std::vector<std::string>& parts) {
+    std::string text;
+    for (const auto& part : parts) {
+        text += (text.empty() ? "" : ",") + part;
+    }
+    return text;
+}
+
+} // namespace
+
+void FleetHost::writeDefaults(const std::filesystem::path& resources, const fleet::ClusterAccess& access) {
+    const auto row = [](const std::string& key, const std::string& value) {
+        return "<userConfig name=\"" + key + "\" value=\"" + value + "\"/>\n";
+    };
+    std::string document =
+        "<Lumora>\n" + row("Theme", "default") + row("FleetUser", "ada") + row("FleetGroups", "nurses, night shift");
+    if (!access.endpoints.empty()) {
+        document += row("FleetEndpoints", join(access.endpoints)) +
+                    row("FleetPlainHttpAllowed", access.plainHttpAllowed ? "true" : "false") +
+                    row("FleetCertificateAuthority", access.authority) +
+                    row("FleetConnectionUsername", access.username) + row("FleetConnectionPassword", access.password);
+    }
+    testing_host::writeFile(resources / "lumora-config-defaults.xml", document + "</Lumora>\n");
+}
+
+FleetHost::FleetHost() {
+    ZelUnified::UnifiedFactoryOptions options;
+    options.openedForWriting = true;
+    options.pluginFolder = PLUGIN_FOLDER;
+    options.plugins = {{ZelUnified::readableTypeName<ZelUnified::ConfigService>(), SERVICE_LIBRARY},
+                       {ZelUnified::readableTypeName<ZelUnified::ConfigFeatureSet>(), SERVICE_LIBRARY}};
+    factory = std::make_shared<ZelUnified::UnifiedFactoryImpl>(std::move(options));
+    factory->Init();
+    onServices([this] {
+        records = factory->getServiceByType<ZelUnified::ConfigService>();
+        configuration = factory->getFeatureSetByType<ZelUnified::ConfigFeatureSet>();
+    });
+    factory->StartFeatureSet(ZelUnified::configServiceId, nullptr);
+    service = std::make_shared<fleet::FleetServiceImpl>(factory, shortTimes());
+    factory->getFeatureSets().registerItem<ZelUnified::FleetService>(ZelUnified::FleetService::fleetServiceId, service);
+    factory->StartFeatureSet(ZelUnified::FleetService::fleetServiceId, nullptr);
+}
+
+FleetHost::~FleetHost() {
+    factory->Destroy();
+}
+
+void FleetHost::onServices(const std::function<void()>& work) const {
+    factory->getServicesDispatcher()->enqueueBlock(std::make_shared<KyrCoreUtils::FunctionTask>(work, "test"), false);
+}
+
+void FleetHost::waitForReview() const {
+    // The chain announces a store on the background thread, from where the service posts to the services thread.
+    factory->flushBackgroundDispatcher();
+    onServices([] {});
+}
+
+bool FleetHost::waitForValue(const std::wstring& key, const std::wstring& value) const {
+    const auto reached = std::make_shared<testing_host::Signal>();
+    onServices([&] {
+        const auto record = records->getConfig(key);
+        const auto check = [weak = std::weak_ptr(record), value, reached] {
+            if (const auto live = weak.lock(); live && live->getValue() == value) {
+                reached->set();
+            }
+        };
+        record->getConfigValueNotifiers()->getValueNotifier()->connect(check);
+        check();
+    });
+    return reached->wait();
+}
+
+std::wstring FleetHost::getValue(const std::wstring& key) const {
+    std::wstring value;
+    onServices([&] { value = records->getConfig(key)->getValue(); });
+    return value;
+}
+
+std::wstring FleetHost::getStoreOf(const std::wstring& key) const {
+    std::wstring store;
+    onServices([&] { store = records->getConfig(key)->getValueStoreName(); });
+    return store;
+}
+
+} // namespace fleet_test

@@ -1,0 +1,168 @@
+#include "FollowedCluster.h"
+
+#include <LogRecorder.h>
+#include <gtest/gtest.h>
+
+namespace fleet_test {
+namespace {
+
+constexpr auto all = "/lumora/fleet/all/";
+
+class FleetWatch : public testing::Test {
+protected:
+    void SetUp() override {
+        if (const auto reason = EtcdCluster::whyUnavailable(); !reason.empty()) {
+            GTEST_SKIP() << reason;
+        }
+    }
+};
+
+using ZelUnified::ConfigMap;
+
+TEST_F(FleetWatch, PassesTheMostSpecificValueOfEachKey) {
+    EtcdCluster cluster;
+    cluster.put("/lumora/fleet/all/Theme", "light");
+    cluster.put("/lumora/fleet/all/Volume", "3");
+    cluster.put("/lumora/fleet/groups/nurses/Theme", "dark");
+    cluster.put("/lumora/fleet/groups/nurses/Tone", "soft");
+    cluster.put("/lumora/fleet/users/ada/Tone", "");
+    cluster.put("/lumora/fleet/users/bob/Volume", "9");
+    cluster.put("/lumora/fleet/groups/doctors/Volume", "8");
+    Client client(cluster.getAccess());
+    const ConfigMap expected{{L"Theme", L"dark"}, {L"Tone", L""}, {L"Volume", L"3"}};
+    EXPECT_TRUE(client.observer.waitFor([&](const auto& settings) { return settings == expected; }));
+}
+
+TEST_F(FleetWatch, PassesEachChange) {
+    EtcdCluster cluster;
+    Client client(cluster.getAccess());
+    EXPECT_TRUE(client.observer.waitFor([](const auto& settings) { return settings.empty(); }));
+    cluster.put("/lumora/fleet/all/Theme", "light");
+    EXPECT_TRUE(client.observer.waitForValue(L"Theme", L"light"));
+    cluster.put("/lumora/fleet/users/ada/Theme", "dark");
+    EXPECT_TRUE(client.observer.waitForValue(L"Theme", L"dark"));
+    cluster.remove("/lumora/fleet/users/ada/Theme");
+    EXPECT_TRUE(client.observer.waitForValue(L"Theme", L"light"));
+    cluster.remove("/lumora/fleet/all/Theme");
+    EXPECT_TRUE(client.observer.waitFor([](const auto& settings) { return settings.empty(); }));
+}
+
+TEST_F(FleetWatch, ReadsAgainAfterARestartAndACompaction) {
+    EtcdCluster cluster;
+    cluster.put("/lumora/fleet/all/Theme", "light");
+    Client client(cluster.getAccess());
+    EXPECT_TRUE(client.observer.waitForValue(L"Theme", L"light"));
+    cluster.restart(0);
+    cluster.put("/lumora/fleet/all/Theme", "dark");
+    cluster.put("/lumora/fleet/all/Theme", "blue");
+    cluster.control({"compaction", "4"});
+    EXPECT_TRUE(client.observer.waitForValue(L"Theme", L"blue"));
+    cluster.put("/lumora/fleet/all/Theme", "green");
+    EXPECT_TRUE(client.observer.waitForValue(L"Theme", L"green"));
+}
+
+TEST_F(FleetWatch, FollowsAClusterWhoseRevisionsHaveStartedAgain) {
+    EtcdCluster cluster;
+    for (int change = 0; change < 10; ++change) {
+        cluster.put("/lumora/fleet/all/Theme", std::to_string(change));
+    }
+    Client client(cluster.getAccess());
+    EXPECT_TRUE(client.observer.waitForValue(L"Theme", L"9"));
+    cluster.replace();
+    EXPECT_TRUE(client.observer.waitFor([](const auto& settings) { return settings.empty(); }));
+    cluster.put("/lumora/fleet/all/Theme", "new");
+    EXPECT_TRUE(client.observer.waitForValue(L"Theme", L"new"));
+}
+
+TEST_F(FleetWatch, FollowsAClusterThatWasUnreachable) {
+    EtcdCluster cluster;
+    const auto access = cluster.getAccess();
+    cluster.kill(0);
+    const testing_host::LogRecorder log;
+    Client client(access);
+    cluster.restart(0);
+    cluster.put("/lumora/fleet/all/Theme", "light");
+    EXPECT_TRUE(client.observer.waitForValue(L"Theme", L"light"));
+}
+
+TEST_F(FleetWatch, SkipsWhatIsNoSettingWithALine) {
+    EtcdCluster cluster;
+    const testing_host::LogRecorder log;
+    cluster.put(std::string(all) + "Latin", "caf\xE9");
+    cluster.put(std::string(all) + "a/b", "1");
+    cluster.put(std::string(all) + "two words", "1");
+    cluster.put(std::string(all) + "FleetEndpoints", "https://elsewhere.example:2379");
+    cluster.put(std::string(all) + "Bell", "\x07");
+    cluster.put(std::string(all) + "Theme", "light");
+    Client client(cluster.getAccess());
+    const ConfigMap expected{{L"Theme", L"light"}};
+    EXPECT_TRUE(client.observer.waitFor([&](const auto& settings) { return settings == expected; }));
+    for (const auto* line : {"Latin] is skipped: the value is not UTF-8", "a/b] is skipped: the key contains '/'",
+                             "two words] is skipped: the key is not an XML name",
+                             "FleetEndpoints] is skipped: the key configures the fleet service itself",
+                             "Bell] is skipped: the value contains a control character"}) {
+        EXPECT_TRUE(log.mentions(line)) << line;
+    }
+}
+
+TEST_F(FleetWatch, KeepsTheLastSettingsWhileTheClusterExceedsTheLimits) {
+    EtcdCluster cluster;
+    const testing_host::LogRecorder log;
+    cluster.put("/lumora/fleet/all/Theme", "light");
+    auto times = shortTimes();
+    times.firstDelay = times.longestDelay = std::chrono::seconds(1); // each attempt reads all of it
+    Client client(cluster.getAccess(), times);
+    EXPECT_TRUE(client.observer.waitForValue(L"Theme", L"light"));
+    const std::string large(1000000, 'x');
+    for (int number = 0; number < 17; ++number) {
+        cluster.put("/lumora/fleet/all/Large" + std::to_string(number), large);
+    }
+    cluster.put("/lumora/fleet/all/Theme", "dark");
+    for (int number = 0; number < 17; ++number) {
+        cluster.remove("/lumora/fleet/all/Large" + std::to_string(number));
+    }
+    const ConfigMap expected{{L"Theme", L"dark"}};
+    EXPECT_TRUE(client.observer.waitFor([&](const auto& settings) { return settings == expected; }));
+    std::size_t lines = 0;
+    for (const auto& text : log.getTexts(ZelLogLevel::Warning)) {
+        lines += text.find("more than 10,000 keys or 16 MiB") != std::string::npos ? 1U : 0U;
+    }
+    EXPECT_EQ(lines, 1U);
+}
+
+TEST_F(FleetWatch, AuthenticatesAgainAfterTheTokensAreLost) {
+    EtcdCluster cluster({.authentication = true});
+    const testing_host::LogRecorder log;
+    Client client(cluster.getAccess());
+    EXPECT_TRUE(client.observer.waitFor([](const auto& settings) { return settings.empty(); }));
+    const auto calls = client.observer.countCalls();
+    cluster.loseTokens();
+    EXPECT_TRUE(client.observer.waitForCalls(calls + 1)) << "it reads again";
+    EXPECT_TRUE(log.mentions("invalid auth token"));
+    cluster.put("/lumora/fleet/users/ada/Theme", "light");
+    EXPECT_TRUE(client.observer.waitForValue(L"Theme", L"light"));
+    EXPECT_FALSE(log.mentions(EtcdCluster::password));
+}
+
+TEST_F(FleetWatch, AcceptsOnlyTheConfiguredAuthority) {
+    EtcdCluster cluster({.tls = true});
+    cluster.put("/lumora/fleet/all/Theme", "light");
+    Client client(cluster.getAccess());
+    EXPECT_TRUE(client.observer.waitForValue(L"Theme", L"light"));
+    auto stranger = cluster.getAccess();
+    stranger.authority.clear();
+    EXPECT_THROW(fleet::EtcdSession(stranger).list({fleet::FleetScope::ofAll()}), fleet::EtcdError);
+}
+
+TEST_F(FleetWatch, EndsWithoutWaitingForASilentMember) {
+    EtcdCluster cluster;
+    const auto access = cluster.getAccess();
+    cluster.suspend(0);
+    const auto start = std::chrono::steady_clock::now();
+    { const Client client(access); }
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
+    cluster.resume(0);
+}
+
+} // namespace
+} // namespace fleet_test

@@ -1,0 +1,234 @@
+#include "FleetCommands.h"
+
+#include "FleetPlugin.h"
+#include "commands/CommandInput.h"
+#include "output/EscapedText.h"
+#include "output/Failure.h"
+
+#include <kyr/EndSignals.h>
+#include <kyr/StringUtils.h>
+
+#include <chrono>
+#include <fstream>
+#include <functional>
+#include <map>
+#include <optional>
+#include <set>
+
+namespace lumora_config {
+
+using KyrCoreUtils::EndSignals;
+using KyrCoreUtils::toString;
+using KyrCoreUtils::toWideString;
+using ZelUnified::ConfigMap;
+using ZelUnified::FleetAdministration;
+using ZelUnified::FleetAudience;
+using ZelUnified::FleetPair;
+
+namespace {
+
+constexpr std::chrono::milliseconds outputCheck(500);
+
+/// Everything that an action uses.
+struct Action {
+    const Command& command;
+    FleetAdministration& cluster;
+    Printer& printer;
+};
+
+std::string readPassword(const std::string& file) {
+    if (file.empty()) {
+        return {};
+    }
+    std::ifstream stream(file);
+    std::string password;
+    if (!std::getline(stream, password)) {
+        throw Failure(ExitCode::Environment, "the password cannot be read from " + file);
+    }
+    return password;
+}
+
+ZelUnified::FleetAccess makeAccess(const FleetOptions& options) {
+    ZelUnified::FleetAccess access;
+    access.endpoints = options.endpoints;
+    access.authority = options.authority;
+    access.clientCertificate = options.clientCertificate;
+    access.clientKey = options.clientKey;
+    access.username = options.username;
+    access.password = readPassword(options.passwordFile);
+    access.plainHttpAllowed = options.plainHttp;
+    if (options.endpoints.empty()) {
+        throw Failure(ExitCode::Usage, "fleet: --endpoint is missing");
+    }
+    for (const auto& endpoint : options.endpoints) {
+        if (!options.plainHttp && endpoint.starts_with("http://")) {
+            throw Failure(ExitCode::Usage, "the endpoint begins with http://: anybody can read the settings on their "
+                                           "way; --plain-http accepts it");
+        }
+    }
+    return access;
+}
+
+/// Returns the groups and the user of the command; the least specific one first.
+std::vector<FleetAudience> getNamedAudiences(const FleetOptions& options) {
+    std::vector<FleetAudience> audiences;
+    for (auto group = options.groups.rbegin(); group != options.groups.rend(); ++group) {
+        audiences.push_back({FleetAudience::Kind::Group, *group});
+    }
+    if (!options.user.empty()) {
+        audiences.push_back({FleetAudience::Kind::User, options.user});
+    }
+    return audiences;
+}
+
+/// Returns the audiences of a client of these groups and this user.
+std::vector<FleetAudience> getAudiences(const FleetOptions& options) {
+    auto audiences = getNamedAudiences(options);
+    audiences.insert(audiences.begin(), FleetAudience());
+    return audiences;
+}
+
+FleetAudience getOneAudience(const FleetOptions& options) {
+    const auto audiences = getNamedAudiences(options);
+    if (audiences.size() > 1) {
+        throw Failure(ExitCode::Usage, "fleet " + options.action + ": only one --group or --user");
+    }
+    return audiences.empty() ? FleetAudience() : audiences.front();
+}
+
+std::string describe(const FleetAudience& audience) {
+    switch (audience.kind) {
+    case FleetAudience::Kind::Group:
+        return "groups/" + audience.name;
+    case FleetAudience::Kind::User:
+        return "users/" + audience.name;
+    case FleetAudience::Kind::All:
+        break;
+    }
+    return "all";
+}
+
+/// Returns the pair of the key in any case: for the cluster two spellings are two keys, for a client they are one.
+std::optional<FleetPair> findPair(const Action& action, const FleetAudience& audience) {
+    for (auto& pair : action.cluster.list({audience})) {
+        if (KyrCoreUtils::caseInsensitiveStringEquals(pair.key, action.command.key)) {
+            return pair;
+        }
+    }
+    return std::nullopt;
+}
+
+void requireWords(const Command& command, bool key, bool value) {
+    if (key == command.key.empty() || value != command.fallback.has_value()) {
+        const std::string words = std::string(key ? " KEY" : "") + (value ? " VALUE" : "");
+        throw Failure(ExitCode::Usage, "usage: fleet " + command.fleet.action + words);
+    }
+}
+
+[[noreturn]] void throwMiss(const Action& action, const FleetAudience& audience) {
+    throw Failure(ExitCode::NotFound,
+                  "'" + describe(audience) + "' does not hold the key '" + action.command.key + "'");
+}
+
+void get(const Action& action) {
+    requireWords(action.command, true, false);
+    const auto audience = getOneAudience(action.command.fleet);
+    const auto pair = findPair(action, audience);
+    if (!pair) {
+        throwMiss(action, audience);
+    }
+    Reading reading;
+    reading.value = toWideString(pair->value);
+    reading.storeName = toWideString(describe(audience));
+    action.printer.showValue(toWideString(pair->key), reading, false);
+}
+
+void set(const Action& action) {
+    requireWords(action.command, true, true);
+    const auto audience = getOneAudience(action.command.fleet);
+    const auto value = *action.command.fallback == "-" ? CommandInput().readValue() : *action.command.fallback;
+    const auto existing = findPair(action, audience);
+    action.cluster.put({audience, existing ? existing->key : action.command.key, value});
+    action.printer.showDone("fleet", "set for '" + describe(audience) + "'");
+}
+
+void unset(const Action& action) {
+    requireWords(action.command, true, false);
+    const auto audience = getOneAudience(action.command.fleet);
+    const auto existing = findPair(action, audience);
+    if (!existing || !action.cluster.remove(audience, existing->key)) {
+        throwMiss(action, audience);
+    }
+    action.printer.showDone("fleet", "removed from '" + describe(audience) + "'");
+}
+
+void list(const Action& action) {
+    requireWords(action.command, false, false);
+    std::vector<ListedValue> values;
+    for (const auto& pair : action.cluster.list(getAudiences(action.command.fleet))) {
+        values.push_back({toWideString(pair.key), toWideString(pair.value), toWideString(describe(pair.audience))});
+    }
+    action.printer.showList(values);
+    if (values.empty()) {
+        throw Failure(ExitCode::NotFound, "the cluster holds no settings for these clients");
+    }
+}
+
+std::string quoteValue(const ConfigMap& settings, const std::wstring& key) {
+    const auto found = settings.find(key);
+    return found == settings.end() ? "(none)" : '"' + toString(found->second) + '"';
+}
+
+void showChanges(const ConfigMap& before, const ConfigMap& after, Printer& printer) {
+    ZelUnified::ConfigKeySet keys;
+    for (const auto* settings : {&before, &after}) {
+        for (const auto& entry : *settings) {
+            keys.insert(entry.first);
+        }
+    }
+    for (const auto& key : keys) {
+        const auto from = quoteValue(before, key);
+        const auto to = quoteValue(after, key);
+        if (from != to) {
+            printer.showText("fleet", toOneLine(toString(key) + ": " + from + " -> " + to));
+        }
+    }
+}
+
+void watch(const Action& action) {
+    requireWords(action.command, false, false);
+    std::optional<ConfigMap> last; // of the plug-in's thread
+    action.cluster.watch(getAudiences(action.command.fleet), [&last, &printer = action.printer](ConfigMap settings) {
+        if (last) {
+            showChanges(*last, settings, printer);
+        } else {
+            printer.showWarning("watching a client with " + std::to_string(settings.size()) + " settings");
+        }
+        last = std::move(settings);
+    });
+    while (!EndSignals::waitFor(outputCheck) && action.printer.canPrint()) {
+    }
+    EndSignals::acknowledge();
+    action.cluster.endWatch();
+}
+
+} // namespace
+
+void runFleetCommand(const Command& command, const std::string& plugins, Printer& printer) {
+    static const std::map<std::string, void (*)(const Action&)> actions{
+        {"get", get}, {"set", set}, {"unset", unset}, {"list", list}, {"watch", watch}};
+    const auto found = actions.find(command.fleet.action);
+    if (found == actions.end()) {
+        throw Failure(ExitCode::Usage, "fleet: there is no '" + command.fleet.action + "'");
+    }
+    const auto cluster = FleetPlugin::open(plugins, makeAccess(command.fleet));
+    try {
+        found->second({command, *cluster, printer});
+    } catch (const Failure&) {
+        throw;
+    } catch (const std::runtime_error& error) {
+        throw Failure(ExitCode::Environment, error.what());
+    }
+}
+
+} // namespace lumora_config

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "commands/CommandGrammar.h"
+#include "output/Printer.h"
+
+#include <string>
+
+namespace lumora_config {
+
+/// Runs the command "fleet" on the cluster that it names, with the plug-in from the folder `plugins`. `watch` returns
+/// after a signal. Throws Failure. Main thread.
+void runFleetCommand(const Command& command, const std::string& plugins, Printer& printer);
+
+} // namespace lumora_config

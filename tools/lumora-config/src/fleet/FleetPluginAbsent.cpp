@@ -1,0 +1,11 @@
+// Replaces FleetPlugin.cpp and FleetCommands.cpp in a build without the service.
+#include "FleetCommands.h"
+#include "output/Failure.h"
+
+namespace lumora_config {
+
+void runFleetCommand(const Command& /*command*/, const std::string& /*plugins*/, Printer& /*printer*/) {
+    throw Failure(ExitCode::Environment, "this program was built without the fleet service");
+}
+
+} // namespace lumora_config
