@@ -100,7 +100,7 @@ std::string FileUtils::FileSeparator() {
 bool FileUtils::fileExists(const std::string& path) noexcept {
     return asErrorCode([&] {
                const auto file = pathFromText(path);
-                return file && (existsNow(*file) || PendingWrites::instance().find(path)) ? 0 : ENOENT;
+               return file && (existsNow(*file) || PendingWrites::instance().find(path)) ? 0 : ENOENT;
            }) == 0;
 }
 

@@ -5,6 +5,7 @@
 #include "kyr/HexDigits.h"
 
 #include <kyr/Paths.h>
+
 #include <openssl/rand.h>
 
 #include <array>

@@ -1,5 +1,6 @@
-#include <gtest/gtest.h>
 #include <zel/ReadResult.h>
+
+#include <gtest/gtest.h>
 
 namespace zel::storage {
 
