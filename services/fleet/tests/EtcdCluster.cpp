@@ -65,7 +65,7 @@ std::filesystem::path makeFolder() {
 
 } // namespace
 
-EtcdMember::EtcdMember(std::vector<std::string> arguments) {
+EtcdMember::EtcdMember(const std::vector<std::string>& arguments) {
     std::tie(process, logPipe) = spawnProgram(findProgram("etcd"), arguments);
     reader = std::thread([this] { readLog(); });
 }

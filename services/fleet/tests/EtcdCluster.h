@@ -19,7 +19,7 @@ namespace fleet_test {
 class EtcdMember {
 public:
     /// The arguments without the program.
-    explicit EtcdMember(std::vector<std::string> arguments);
+    explicit EtcdMember(const std::vector<std::string>& arguments);
     ~EtcdMember();
     EtcdMember(const EtcdMember&) = delete;
     EtcdMember& operator=(const EtcdMember&) = delete;

@@ -115,7 +115,7 @@ public:
             settings.scopes.back() = fleet::FleetScope::ofUser("user" + std::to_string(client));
             watches.push_back(std::make_unique<fleet::FleetWatch>(
                 *threads.back(), std::move(settings), fleet::FleetTimes(),
-                [client, &arrivals](ZelUnified::ConfigMap values) { arrivals.receive(client, values); }));
+                [client, &arrivals](const ZelUnified::ConfigMap& values) { arrivals.receive(client, values); }));
             watches.back()->start();
         }
     }

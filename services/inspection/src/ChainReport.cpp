@@ -27,7 +27,8 @@ bool ChainReport::proceed() {
         return true;
     }
     if (storesLeft != 0) {
-        beginStore(*stores[--storesLeft]);
+        const auto& store = stores[--storesLeft];
+        beginStore(*store);
         return true;
     }
     for (std::size_t count = 0; count < explanationsPerSlice && !asked.empty(); ++count) {

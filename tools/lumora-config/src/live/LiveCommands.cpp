@@ -208,13 +208,13 @@ ChainFindings LiveCommands::readChain(bool withSecrets) {
 
 HealthReport LiveCommands::examine(Doctor::Owners owners) {
     const auto reply = client.ask({{"verb", "health"}});
-    auto report = Doctor(Doctor::Lock::NotHeld, owners).examine();
+    auto health = Doctor(Doctor::Lock::NotHeld, owners).examine();
     for (const auto& item : reply.at("items")) {
         if (const auto writes = item.value("writes", std::string()); !writes.empty()) {
-            Doctor::addWrites(report, item.at("path"), writes);
+            Doctor::addWrites(health, item.at("path"), writes);
         }
     }
-    return report;
+    return health;
 }
 
 void LiveCommands::suggestKeys(const std::string& key) {

@@ -47,8 +47,8 @@ bool mustEnd() {
 } // namespace
 
 ExitCode Shell::run() {
-    const auto complete = [this](const std::string& line) { return completeShellLine(target.getNames(), line); };
-    if (const auto editor = LineEditor::create(prompt, complete)) {
+    const auto completeLine = [this](const std::string& line) { return completeShellLine(target.getNames(), line); };
+    if (const auto editor = LineEditor::create(prompt, completeLine)) {
         runEdited(*editor);
     } else {
         runPlain();
