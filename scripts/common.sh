@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# Functions of run, test and .ci/run. Source it with the working directory at the root of the tree.
+# Functions of run, test, .ci/run and the scripts beside it. Source it with the working directory at the root of the tree.
 
 say() { printf '%s\n' "$*" >&2; }
 
@@ -61,3 +61,6 @@ shell_scripts() {
     grep -rlZ --binary-files=without-match -E '^#!.*\bbash\b|^# shellcheck shell=bash' .ci scripts services examples tools docs
   } | sort -zu
 }
+
+# Prints the tests that do not run for Windows, one a line.
+tests_left_out_on_windows() { sed -e 's/#.*//' -e 's/[[:space:]]*$//' -e '/^$/d' scripts/windows-left-out; }
