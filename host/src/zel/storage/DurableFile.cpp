@@ -63,7 +63,7 @@ void removeLeftovers(FileLayer& layer, const std::string& path) {
     std::error_code failed;
     for (std::filesystem::directory_iterator entry(directory, failed), end; !failed && entry != end;
          entry.increment(failed)) {
-        const std::string name = entry->path().filename().string();
+        const std::string name = KyrCoreUtils::toText(entry->path().filename());
         if (!isTemporaryOf(name, parts.name)) {
             continue;
         }

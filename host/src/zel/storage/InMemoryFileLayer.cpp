@@ -3,6 +3,7 @@
 #include "PathParts.h"
 
 #include <kyr/LockGuard.h>
+#include <kyr/Paths.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -13,6 +14,8 @@
 namespace zel::storage {
 
 namespace fs = std::filesystem;
+
+using KyrCoreUtils::toPath;
 
 namespace {
 
@@ -55,7 +58,7 @@ bool InMemoryFileLayer::exists(const std::string& path) const {
     const KyrCoreUtils::LockGuard lock(mutex);
     const auto node = find(spelled);
     std::error_code ignored;
-    return node && (node->onDisk.empty() || fs::exists(node->onDisk, ignored));
+    return node && (node->onDisk.empty() || fs::exists(toPath(node->onDisk), ignored));
 }
 
 bool InMemoryFileLayer::isChanged(const std::string& path) const {
@@ -217,8 +220,8 @@ int InMemoryFileLayer::createDirectory(const std::string& path) {
         const KyrCoreUtils::LockGuard lock(mutex);
         if (const auto node = find(spelled)) {
             std::error_code ignored;
-            const bool isDirectory =
-                node->kind == FileKind::Directory || (!node->onDisk.empty() && fs::is_directory(node->onDisk, ignored));
+            const bool isDirectory = node->kind == FileKind::Directory ||
+                                     (!node->onDisk.empty() && fs::is_directory(toPath(node->onDisk), ignored));
             return isDirectory ? 0 : EEXIST;
         }
         if (!hasParent(spelled)) {
@@ -251,7 +254,7 @@ std::optional<InMemoryFileLayer::Node> InMemoryFileLayer::find(const std::string
         return change->second;
     }
     std::error_code ignored;
-    const auto status = fs::symlink_status(spelled, ignored);
+    const auto status = fs::symlink_status(toPath(spelled), ignored);
     if (!fs::exists(status)) {
         return std::nullopt;
     }
@@ -273,7 +276,7 @@ int InMemoryFileLayer::findForMove(const std::string& spelled, Node& node) const
 }
 
 bool InMemoryFileLayer::hasParent(const std::string& spelled) const {
-    const auto parent = find(fs::path(spelled).parent_path().string());
+    const auto parent = find(KyrCoreUtils::toText(toPath(spelled).parent_path()));
     return parent && parent->kind == FileKind::Directory;
 }
 

@@ -10,6 +10,7 @@ namespace zel::storage {
 namespace {
 
 using KyrCoreUtils::toPath;
+using KyrCoreUtils::toText;
 
 std::filesystem::path spellDirectory(const std::string& directory) {
     std::error_code failure;
@@ -22,7 +23,7 @@ std::filesystem::path spellDirectory(const std::string& directory) {
 
 PathParts splitPath(const std::string& path) {
     // Splits at both separators on a platform that has two.
-    const std::string name = toPath(path).filename().string();
+    const std::string name = toText(toPath(path).filename());
     PathParts parts{path.substr(0, path.size() - name.size()), {}, name};
     parts.directory = parts.prefix;
     if (toPath(parts.directory).has_relative_path()) { // the separator belongs to the name of a root
@@ -33,12 +34,12 @@ PathParts splitPath(const std::string& path) {
 
 std::string spellPath(const std::string& path) {
     const PathParts parts = splitPath(path);
-    return (spellDirectory(parts.directory) / toPath(parts.name)).string();
+    return toText(spellDirectory(parts.directory) / toPath(parts.name));
 }
 
 std::string directoryPrefix(const std::string& directory) {
     // The trailing separator excludes directories whose names only start with the same text.
-    return directory.empty() ? directory : (spellDirectory(directory) / "").string();
+    return directory.empty() ? directory : toText(spellDirectory(directory) / "");
 }
 
 } // namespace zel::storage

@@ -83,7 +83,7 @@ std::vector<std::string> ProtectedFileTree::listFiles() const {
 /// A damaged file may have lost its header, so only its name tells whose it is.
 bool ProtectedFileTree::hasClientsName(const std::string& path) const {
     using KyrCoreUtils::toPath;
-    const std::string name = toPath(path).lexically_relative(toPath(directory)).generic_string();
+    const std::string name = KyrCoreUtils::toGenericText(toPath(path).lexically_relative(toPath(directory)));
     return name == localFile || name == localBackupFile || name.starts_with(cachedCopies);
 }
 

@@ -129,7 +129,7 @@ Quarantine::Numbered Quarantine::list(const std::string& path) {
     std::error_code failed;
     for (std::filesystem::directory_iterator entry(directory, failed), end; !failed && entry != end;
          entry.increment(failed)) {
-        std::string name = parts.prefix + entry->path().filename().string();
+        std::string name = parts.prefix + KyrCoreUtils::toText(entry->path().filename());
         if (const KeptName kept = parse(name); kept.original == path) {
             found.emplace_back(kept.number, std::move(name));
         }

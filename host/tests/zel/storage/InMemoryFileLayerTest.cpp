@@ -6,6 +6,7 @@
 
 #include <kyr/FileUtils.h>
 #include <kyr/FstreamUtils.h>
+#include <kyr/Paths.h>
 #include <zel/EncryptFileUtils.h>
 
 #include <gmock/gmock.h>
@@ -19,6 +20,7 @@
 namespace {
 
 using KyrCoreUtils::FileUtils;
+using KyrCoreUtils::toPath;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing_host::namesIn;
@@ -97,6 +99,18 @@ TEST_F(InMemoryFileLayerTest, SeesOneFileUnderEverySpellingOfItsPath) {
     EXPECT_EQ(read(path), "x");
     fs::create_directory_symlink(profile.config(), profile.root() / "link");
     EXPECT_EQ(read((profile.root() / "link" / "a.txt").string()), "x");
+}
+
+TEST_F(InMemoryFileLayerTest, NamesOnTheDiskAreUtf8) {
+    const auto folder = pathOf("") + "\xC3\xA4\xF0\x9F\x98\x80";
+    fs::create_directory(toPath(folder));
+    writeFile(toPath(folder + "/disk"), "old");
+    EXPECT_TRUE(layer.exists(folder));
+    EXPECT_EQ(layer.createDirectory(folder), 0);
+    create(folder + "/new", "text");
+    EXPECT_EQ(read(folder + "/new"), "text");
+    EXPECT_EQ(layer.rename(folder + "/disk", folder + "/moved"), 0);
+    EXPECT_EQ(read(folder + "/moved"), "old");
 }
 
 TEST_F(InMemoryFileLayerTest, ANewFileNeedsAFreeNameAndADirectory) {

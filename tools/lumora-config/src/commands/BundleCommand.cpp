@@ -9,6 +9,7 @@
 #include "stores/XmlSettings.h"
 
 #include <kyr/FileUtils.h>
+#include <kyr/Paths.h>
 #include <kyr/ProcessUtils.h>
 #include <kyr/StringUtils.h>
 
@@ -98,7 +99,8 @@ void writeBundle(const Command& command, bool showSecrets, const std::function<B
     }
     const auto requireAbsent = [&](const std::string& path) {
         std::error_code ignored;
-        if (!command.forced && std::filesystem::exists(std::filesystem::symlink_status(path, ignored))) {
+        if (!command.forced &&
+            std::filesystem::exists(std::filesystem::symlink_status(KyrCoreUtils::toPath(path), ignored))) {
             throw Failure(ExitCode::NotFound, path + " exists; --force replaces it");
         }
     };

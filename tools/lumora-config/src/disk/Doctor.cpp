@@ -40,7 +40,7 @@ std::string describeMode(unsigned mode) {
 /// Asks the disk, which a host that only reads does not change.
 bool existsOnDisk(const std::string& path) {
     std::error_code ignored;
-    return std::filesystem::exists(path, ignored);
+    return std::filesystem::exists(KyrCoreUtils::toPath(path), ignored);
 }
 
 bool isDirectory(const std::string& path) {

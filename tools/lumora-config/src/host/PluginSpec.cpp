@@ -14,7 +14,8 @@ PluginSpec PluginSpec::parse(std::string_view text) {
         throw Failure(ExitCode::Usage, "'" + std::string(text) + "' is not of the form NAME=LIBRARY");
     }
     const auto library = KyrCoreUtils::toPath(text.substr(separator + 1));
-    return {std::string(text.substr(0, separator)), std::filesystem::absolute(library).lexically_normal().string()};
+    return {std::string(text.substr(0, separator)),
+            KyrCoreUtils::toText(std::filesystem::absolute(library).lexically_normal())};
 }
 
 } // namespace lumora_config
