@@ -28,7 +28,7 @@ EtcdSession::EtcdSession(ClusterAccess clusterAccess, std::chrono::milliseconds 
         throw EtcdError("no endpoint is given");
     }
     for (const auto& candidate : access.endpoints) {
-        if (const auto reason = whyRefused(access, candidate); !reason.empty()) {
+        if (const auto reason = findEndpointProblem(access, candidate); !reason.empty()) {
             throw EtcdError("the endpoint cannot be used: " + reason);
         }
     }

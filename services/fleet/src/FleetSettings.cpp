@@ -43,7 +43,7 @@ ClusterAccess readAccess(ZelUnified::ConfigFeatureSet& configuration) {
         KyrCoreUtils::toBool(readWide(configuration, FleetKeys::plainHttpAllowed, Stores::Administrators));
     access.endpoints = readList(configuration, FleetKeys::endpoints);
     std::erase_if(access.endpoints, [&](const std::string& endpoint) {
-        const auto reason = whyRefused(access, endpoint);
+        const auto reason = findEndpointProblem(access, endpoint);
         if (!reason.empty()) {
             ZelLog(settingsLogger, ZelLogLevel::Error, ZEL_HERE, "An endpoint is not used: " + reason);
         }

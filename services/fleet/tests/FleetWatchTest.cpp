@@ -85,7 +85,7 @@ TEST_F(FleetWatch, FollowsAClusterThatWasUnreachable) {
     EXPECT_TRUE(client.observer.waitForValue(L"Theme", L"light"));
 }
 
-TEST_F(FleetWatch, SkipsWhatIsNoSettingWithALine) {
+TEST_F(FleetWatch, SkipsInvalidPairsAndLogsThem) {
     EtcdCluster cluster;
     const testing_host::LogRecorder log;
     cluster.put(std::string(all) + "Latin", "caf\xE9");
