@@ -94,8 +94,8 @@ TEST(FleetMailbox, SettingsThatArriveBeforeTheTaskRunsAreOneUpdate) {
     fleet::SettingsMailbox mailbox;
     EXPECT_TRUE(mailbox.put({{L"A", L"1"}}));
     EXPECT_FALSE(mailbox.put({{L"A", L"2"}})) << "the task is posted already";
-    EXPECT_EQ(mailbox.take(), (ConfigMap{{L"A", L"2"}}));
-    EXPECT_EQ(mailbox.take(), std::nullopt);
+    EXPECT_EQ(mailbox.extract(), (ConfigMap{{L"A", L"2"}}));
+    EXPECT_EQ(mailbox.extract(), std::nullopt);
     EXPECT_TRUE(mailbox.put({{L"A", L"3"}}));
 }
 
