@@ -78,6 +78,12 @@ TEST(FleetMessages, RejectsTextThatIsNotAReply) {
     }
 }
 
+TEST(FleetMessages, TokenThatWouldChangeTheHeadersIsRejected) {
+    EXPECT_EQ(etcd::parseToken(R"({"token":"abc.12"})"), "abc.12");
+    EXPECT_EQ(etcd::parseToken(R"({"token":"abc\r\nX-Other: 1"})"), std::nullopt);
+    EXPECT_EQ(etcd::parseToken(R"({"token":""})"), std::nullopt);
+}
+
 TEST(FleetMessages, RangeEndsBehindTheLastKeyOfTheScope) {
     const auto scope = fleet::FleetScope::ofUser("ada");
     EXPECT_EQ(scope.prefix, "/lumora/fleet/users/ada/");
