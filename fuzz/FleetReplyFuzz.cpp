@@ -22,7 +22,7 @@ void apply(const std::vector<etcd::Pair>& pairs) {
     const auto settings = table.merge();
     require(settings.size() <= pairs.size());
     for (const auto& [key, value] : settings) {
-        require(fleet::FleetTable::whyRefused(KyrCoreUtils::toString(key), KyrCoreUtils::toString(value)).empty());
+        require(fleet::FleetTable::findPairProblem(KyrCoreUtils::toString(key), KyrCoreUtils::toString(value)).empty());
     }
 }
 

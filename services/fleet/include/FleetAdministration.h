@@ -39,7 +39,8 @@ struct FleetPair {
 };
 
 /// Changes and shows the settings of a fleet. Each operation waits for the cluster, at most about ten seconds for each
-/// endpoint, and throws std::runtime_error with one line of text. Not thread-safe.
+/// request and endpoint (user and token may need two more requests), and throws std::runtime_error with one line of
+/// text. Not thread-safe.
 class FLEET_SERVICE_API FleetAdministration {
 public:
     using Listener = std::function<void(ConfigMap settings)>;
@@ -47,7 +48,7 @@ public:
     virtual ~FleetAdministration() = default;
 
     virtual void put(const FleetPair& pair) = 0;
-    /// Returns false if there was no such key.
+    /// Returns false if there was no such key. Throws if the answer was lost: the key may have been removed then.
     virtual bool remove(const FleetAudience& audience, const std::string& key) = 0;
     /// Returns the pairs of the audiences, in this order, all at one revision.
     virtual std::vector<FleetPair> list(const std::vector<FleetAudience>& audiences) = 0;

@@ -2,6 +2,7 @@
 
 #include "Base64.h"
 
+#include <algorithm>
 #include <charconv>
 #include <nlohmann/json.hpp>
 
@@ -49,6 +50,15 @@ Pair toChange(const Json& event) {
     auto pair = toPair(event.at("kv"));
     pair.deleted = event.value("type", "PUT") == "DELETE";
     return pair;
+}
+
+std::string toToken(const Json& reply) {
+    auto token = reply.at("token").get<std::string>();
+    if (token.empty() ||
+        !std::ranges::all_of(token, [](char character) { return character > ' ' && character <= '~'; })) {
+        throw NoReply();
+    }
+    return token;
 }
 
 /// Returns the member, or an empty list: the gateway leaves out empty lists.
@@ -104,6 +114,19 @@ WatchReply toWatchReply(const Json& message) {
 
 } // namespace
 
+std::vector<std::string> makeHeaders(const std::string& token) {
+    // The last one makes a member that has lost the leader end a watch, and refuse other requests.
+    std::vector<std::string> headers{"Content-Type: application/json", "Expect:", "Grpc-Metadata-hasleader: true"};
+    if (!token.empty()) {
+        headers.push_back("Authorization: " + token);
+    }
+    return headers;
+}
+
+bool isAboutToken(int status) {
+    return status == 400 || status == 401 || status == 403;
+}
+
 std::string makeAuthenticate(const std::string& username, const std::string& password) {
     return toText({{"name", username}, {"password", password}});
 }
@@ -146,7 +169,7 @@ std::string makeDelete(const std::string& key) {
 }
 
 std::optional<std::string> parseToken(std::string_view text) {
-    return parseReply(text, [](const Json& reply) { return reply.at("token").get<std::string>(); });
+    return parseReply(text, toToken);
 }
 
 std::optional<Snapshot> parseSnapshot(std::string_view text) {

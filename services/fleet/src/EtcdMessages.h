@@ -45,8 +45,13 @@ struct WatchReply {
     std::vector<Pair> changes;
 };
 
+/// Returns the headers of each request; `token` is empty for none.
+std::vector<std::string> makeHeaders(const std::string& token);
+/// Returns true if another token may help: one that has expired, or whose user's rights have changed.
+bool isAboutToken(int status);
+
 std::string makeAuthenticate(const std::string& username, const std::string& password);
-/// Reads all scopes in one transaction, so at one revision, and at most `limit` pairs of each.
+/// Reads all scopes in one transaction, so at one revision, and at most `limit` pairs of each; 0 for all pairs.
 std::string makeSnapshot(const std::vector<FleetScope>& scopes, std::size_t limit);
 /// Watches each scope from this revision; the numbers of the watches are 1, 2 and so on.
 std::string makeWatch(const std::vector<FleetScope>& scopes, std::int64_t revision);
@@ -55,7 +60,7 @@ std::string makeProbe(const FleetScope& scope);
 std::string makePut(const std::string& key, const std::string& value);
 std::string makeDelete(const std::string& key);
 
-/// Each returns nothing if the text is not that reply.
+/// Each returns nothing if the text is not that reply. A token is printable, so that it fits a header.
 std::optional<std::string> parseToken(std::string_view text);
 std::optional<Snapshot> parseSnapshot(std::string_view text);
 std::optional<WatchReply> parseWatchReply(std::string_view line);

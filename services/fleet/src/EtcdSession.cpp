@@ -2,6 +2,7 @@
 
 #include "LoggedText.h"
 
+#include <exception>
 #include <future>
 #include <utility>
 
@@ -9,12 +10,17 @@ namespace fleet {
 
 namespace {
 
-/// A scope of a fleet can hold no more for a client.
-constexpr std::size_t listLimit = 10001;
+/// Returns true if the member could not answer, so that another one may.
+bool isMemberDown(const HttpResult& result) {
+    return !result.error.empty() || result.status >= 500;
+}
 
 std::string describe(const HttpResult& result) {
     if (!result.error.empty()) {
         return result.error;
+    }
+    if (result.isSuccess()) {
+        return "the cluster sends an unknown answer";
     }
     const auto reason = etcd::parseFailure(result.body);
     return toLoggedText(reason.empty() ? "status " + std::to_string(result.status) : reason);
@@ -28,7 +34,7 @@ EtcdSession::EtcdSession(ClusterAccess clusterAccess, std::chrono::milliseconds 
         throw EtcdError("no endpoint is given");
     }
     for (const auto& candidate : access.endpoints) {
-        if (const auto reason = whyRefused(access, candidate); !reason.empty()) {
+        if (const auto reason = findEndpointProblem(access, candidate); !reason.empty()) {
             throw EtcdError("the endpoint cannot be used: " + reason);
         }
     }
@@ -39,11 +45,12 @@ EtcdSession::~EtcdSession() {
 }
 
 void EtcdSession::put(const std::string& key, const std::string& value) {
-    request(etcd::putPath, etcd::makePut(key, value));
+    request(etcd::putPath, etcd::makePut(key, value), Repetition::Harmless);
 }
 
 bool EtcdSession::remove(const std::string& key) {
-    const auto count = etcd::parseDeletedCount(request(etcd::deletePath, etcd::makeDelete(key)));
+    const auto count =
+        etcd::parseDeletedCount(request(etcd::deletePath, etcd::makeDelete(key), Repetition::Misleading));
     if (!count) {
         throw EtcdError("the cluster sends an unknown answer");
     }
@@ -51,60 +58,79 @@ bool EtcdSession::remove(const std::string& key) {
 }
 
 std::vector<etcd::Pair> EtcdSession::list(const std::vector<FleetScope>& scopes) {
-    auto snapshot = etcd::parseSnapshot(request(etcd::transactionPath, etcd::makeSnapshot(scopes, listLimit)));
-    if (!snapshot) {
+    // An administrator must see, and be able to remove, what is too much for a client.
+    const auto text = request(etcd::transactionPath, etcd::makeSnapshot(scopes, 0), Repetition::Harmless);
+    auto snapshot = etcd::parseSnapshot(text);
+    if (!snapshot || snapshot->more) {
         throw EtcdError("the cluster sends an unknown answer");
     }
     return std::move(snapshot->pairs);
 }
 
-std::string EtcdSession::request(const char* path, const std::string& body) {
+std::string EtcdSession::request(const char* path, const std::string& body, Repetition repetition) {
     HttpResult result;
-    // One attempt for each endpoint, and one for a token that has expired.
-    for (std::size_t attempt = 0; attempt <= access.endpoints.size(); ++attempt) {
-        if (!access.username.empty() && token.empty()) {
-            authenticate();
-        }
-        result = send(path, body);
+    for (std::size_t membersDown = 0; membersDown < access.endpoints.size(); ++membersDown) {
+        result = requestFromMember(path, body);
         if (result.isSuccess()) {
             return result.body;
         }
-        if (result.status == 401 && !token.empty()) {
-            token.clear();
-        } else {
-            endpoint = (endpoint + 1) % access.endpoints.size();
+        if (!isMemberDown(result)) {
+            break;
         }
+        if (repetition == Repetition::Misleading && result.wasSent) {
+            throw EtcdError("the cluster has not confirmed the change, which may have been made: " + describe(result));
+        }
+        endpoint = (endpoint + 1) % access.endpoints.size();
     }
     throw EtcdError(describe(result));
 }
 
-void EtcdSession::authenticate() {
-    const auto result = send(etcd::authenticatePath, etcd::makeAuthenticate(access.username, access.password));
-    if (etcd::parseFailure(result.body) == etcd::authenticationDisabled) {
-        return;
+HttpResult EtcdSession::requestFromMember(const char* path, const std::string& body) {
+    if (!token.empty()) {
+        auto result = send(path, body);
+        if (!etcd::isAboutToken(result.status)) {
+            return result;
+        }
+        token.clear();
+    }
+    if (!access.username.empty()) {
+        if (auto result = authenticate(); isMemberDown(result)) {
+            result.wasSent = false; // the request itself
+            return result;
+        }
+    }
+    return send(path, body);
+}
+
+HttpResult EtcdSession::authenticate() {
+    auto result = send(etcd::authenticatePath, etcd::makeAuthenticate(access.username, access.password));
+    if (isMemberDown(result) || etcd::parseFailure(result.body) == etcd::authenticationDisabled) {
+        return result;
     }
     auto received = result.isSuccess() ? etcd::parseToken(result.body) : std::nullopt;
-    if (received) {
-        token = std::move(*received);
-    } else if (result.status != 0) {
+    if (!received) {
         throw EtcdError("the user cannot be authenticated: " + describe(result));
     }
+    token = std::move(*received);
+    return result;
 }
 
 HttpResult EtcdSession::send(const char* path, const std::string& body) {
-    std::vector<std::string> headers{"Content-Type: application/json", "Expect:"};
-    if (!token.empty()) {
-        headers.push_back("Authorization: " + token);
-    }
-    HttpRequest sent{access.endpoints[endpoint] + path, std::move(headers), body, answerTime};
+    HttpRequest sent{access.endpoints[endpoint] + path, etcd::makeHeaders(token), body, answerTime};
     std::promise<HttpResult> promise;
     auto answer = promise.get_future();
     thread.post([&] {
-        transfer = thread.start(access, std::move(sent), {nullptr, [&](const HttpResult& result) {
-                                                              auto copy = result;
-                                                              transfer.reset();
-                                                              promise.set_value(std::move(copy));
-                                                          }});
+        try {
+            transfer = thread.start(access, std::move(sent), {nullptr, [&](const HttpResult& result) {
+                                                                  auto copy = result;
+                                                                  transfer.reset();
+                                                                  promise.set_value(std::move(copy));
+                                                              }});
+        } catch (const std::exception& failure) {
+            HttpResult result;
+            result.error = failure.what();
+            promise.set_value(std::move(result));
+        }
     });
     // The request has a timeout of its own, so this one only ends a wait for a thread that has failed.
     if (answer.wait_for(answerTime + std::chrono::seconds(5)) != std::future_status::ready) {

@@ -20,7 +20,7 @@ public:
 };
 
 /// Reads and writes the keys of a cluster for administrators. Each operation waits for the answer, and tries the
-/// endpoints in turn; all throw EtcdError. Not thread-safe.
+/// next endpoint if a member cannot answer; all throw EtcdError. Not thread-safe.
 class EtcdSession {
 public:
     explicit EtcdSession(ClusterAccess clusterAccess, std::chrono::milliseconds timeout = std::chrono::seconds(10));
@@ -29,15 +29,21 @@ public:
     EtcdSession& operator=(const EtcdSession&) = delete;
 
     void put(const std::string& key, const std::string& value);
-    /// Returns false if there was no such key.
+    /// Returns false if there was no such key. Also throws if a member may have removed the key without an answer.
     bool remove(const std::string& key);
     /// Returns the pairs of the scopes, in this order, all at one revision.
     std::vector<etcd::Pair> list(const std::vector<FleetScope>& scopes);
 
 private:
-    std::string request(const char* path, const std::string& body);
+    /// Whether a second request has the same answer as one whose answer was lost.
+    enum class Repetition { Harmless, Misleading };
+
+    std::string request(const char* path, const std::string& body, Repetition repetition);
+    /// Authenticates first if that is necessary.
+    HttpResult requestFromMember(const char* path, const std::string& body);
     HttpResult send(const char* path, const std::string& body);
-    void authenticate();
+    /// Throws if the cluster refuses the user.
+    HttpResult authenticate();
 
     const ClusterAccess access;
     const std::chrono::milliseconds answerTime;

@@ -25,7 +25,7 @@ FleetScope FleetAdministrationImpl::toScope(const FleetAudience& audience) {
 }
 
 void FleetAdministrationImpl::put(const FleetPair& pair) {
-    const auto reason = FleetTable::whyRefused(pair.key, pair.value);
+    const auto reason = FleetTable::findPairProblem(pair.key, pair.value);
     if (!reason.empty()) {
         throw EtcdError("no client would use this setting: " + reason);
     }

@@ -63,7 +63,7 @@ void FleetServiceImpl::stop() {
         follower.swap(stopped);
     }
     stopped.reset();
-    mailbox.take();
+    mailbox.extract();
 }
 
 bool FleetServiceImpl::IsFeatureSetStarted(unsigned int /*id*/) {
@@ -104,6 +104,11 @@ void FleetServiceImpl::review() {
 }
 
 void FleetServiceImpl::follow(const FleetSettings& current) {
+    if (current.problems != settings.problems) {
+        for (const auto& problem : current.problems) {
+            ZelLog(serviceLogger, ZelLogLevel::Error, ZEL_HERE, problem);
+        }
+    }
     settings = current;
     const bool isConfigured = !settings.access.endpoints.empty();
     std::unique_ptr<FleetFollower> replaced; // ended without the lock
@@ -113,7 +118,7 @@ void FleetServiceImpl::follow(const FleetSettings& current) {
     }
     const bool wasFollowing = replaced != nullptr;
     replaced.reset();
-    mailbox.take();
+    mailbox.extract();
     if (!isConfigured) {
         store.reset();
         if (wasFollowing) {
@@ -138,7 +143,7 @@ void FleetServiceImpl::receive(ZelUnified::ConfigMap values) {
 
 void FleetServiceImpl::update() {
     // Settings that arrive while the configuration is stopped are kept: the review after its start adds them.
-    auto values = mailbox.take();
+    auto values = mailbox.extract();
     if (!values || !configuration || (store && store->equals(settings.priority, *values))) {
         return;
     }

@@ -4,7 +4,6 @@
 
 #include <kyr/ProcessUtils.h>
 #include <kyr/StringUtils.h>
-#include <zel/ZelLog.h>
 
 #include <algorithm>
 
@@ -13,8 +12,6 @@ namespace fleet {
 namespace FleetKeys = ZelUnified::FleetKeys;
 
 namespace {
-
-ZelLogger& settingsLogger = ZelLogger_getLogger("Fleet-Settings");
 
 enum class Stores { Administrators, All };
 
@@ -37,15 +34,15 @@ std::vector<std::string> readList(ZelUnified::ConfigFeatureSet& configuration, s
     return parts;
 }
 
-ClusterAccess readAccess(ZelUnified::ConfigFeatureSet& configuration) {
+ClusterAccess readAccess(ZelUnified::ConfigFeatureSet& configuration, std::vector<std::string>& problems) {
     ClusterAccess access;
     access.plainHttpAllowed =
         KyrCoreUtils::toBool(readWide(configuration, FleetKeys::plainHttpAllowed, Stores::Administrators));
     access.endpoints = readList(configuration, FleetKeys::endpoints);
     std::erase_if(access.endpoints, [&](const std::string& endpoint) {
-        const auto reason = whyRefused(access, endpoint);
+        const auto reason = findEndpointProblem(access, endpoint);
         if (!reason.empty()) {
-            ZelLog(settingsLogger, ZelLogLevel::Error, ZEL_HERE, "An endpoint is not used: " + reason);
+            problems.push_back("An endpoint is not used: " + reason);
         }
         return !reason.empty();
     });
@@ -57,20 +54,19 @@ ClusterAccess readAccess(ZelUnified::ConfigFeatureSet& configuration) {
     return access;
 }
 
-bool isUsableName(const std::string& name) {
+bool isUsableName(const std::string& name, std::vector<std::string>& problems) {
     if (FleetScope::isName(name)) {
         return true;
     }
-    ZelLog(settingsLogger, ZelLogLevel::Error, ZEL_HERE,
-           "The group or user [" + toLoggedText(name) + "] is not used: its name is empty or contains '/'");
+    problems.push_back("The group or user [" + toLoggedText(name) + "] is not used: its name is empty or contains '/'");
     return false;
 }
 
-std::vector<FleetScope> readScopes(ZelUnified::ConfigFeatureSet& configuration) {
+std::vector<FleetScope> readScopes(ZelUnified::ConfigFeatureSet& configuration, std::vector<std::string>& problems) {
     std::vector<FleetScope> scopes{FleetScope::ofAll()};
     const auto groups = readList(configuration, FleetKeys::groups);
     for (auto group = groups.rbegin(); group != groups.rend(); ++group) {
-        if (isUsableName(*group)) {
+        if (isUsableName(*group, problems)) {
             scopes.push_back(FleetScope::ofGroup(*group));
         }
     }
@@ -78,7 +74,7 @@ std::vector<FleetScope> readScopes(ZelUnified::ConfigFeatureSet& configuration) 
     if (user.empty()) {
         user = KyrCoreUtils::ProcessUtils::getUserName();
     }
-    if (isUsableName(user)) {
+    if (isUsableName(user, problems)) {
         scopes.push_back(FleetScope::ofUser(user));
     }
     return scopes;
@@ -88,11 +84,11 @@ std::vector<FleetScope> readScopes(ZelUnified::ConfigFeatureSet& configuration) 
 
 FleetSettings FleetSettings::read(ZelUnified::ConfigFeatureSet& configuration) {
     FleetSettings settings;
-    settings.access = readAccess(configuration);
+    settings.access = readAccess(configuration, settings.problems);
     if (settings.access.endpoints.empty()) {
         return settings;
     }
-    settings.scopes = readScopes(configuration);
+    settings.scopes = readScopes(configuration, settings.problems);
     settings.priority =
         KyrCoreUtils::toInt(readWide(configuration, FleetKeys::priority, Stores::Administrators), defaultPriority);
     return settings;

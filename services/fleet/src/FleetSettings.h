@@ -30,10 +30,11 @@ struct FleetSettings {
     ClusterAccess access;
     std::vector<FleetScope> scopes; ///< The least specific one first.
     int priority = defaultPriority;
+    std::vector<std::string> problems; ///< One line for each endpoint, group and user that is left out.
 
     bool operator==(const FleetSettings&) const = default;
 
-    /// Reads the keys of FleetKeys.h. Leaves out, with a log line, endpoints, groups and users that cannot be used.
+    /// Reads the keys of FleetKeys.h. Leaves out endpoints, groups and users that cannot be used.
     static FleetSettings read(ZelUnified::ConfigFeatureSet& configuration);
     /// Returns true if the key is one of FleetKeys.h. The cluster cannot change how it is reached.
     static bool isOwnKey(const std::wstring& key);

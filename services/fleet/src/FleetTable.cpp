@@ -76,7 +76,7 @@ std::string whyValueRefused(const std::string& value) {
 
 FleetTable::FleetTable(std::vector<FleetScope> clientScopes) : scopes(std::move(clientScopes)), layers(scopes.size()) {}
 
-std::string FleetTable::whyRefused(const std::string& key, const std::string& value) {
+std::string FleetTable::findPairProblem(const std::string& key, const std::string& value) {
     const auto reason = whyKeyRefused(key);
     return reason.empty() ? whyValueRefused(value) : reason;
 }
@@ -85,6 +85,7 @@ void FleetTable::clear() {
     layers.assign(scopes.size(), {});
     keyCount = 0;
     byteCount = 0;
+    overfull = false;
 }
 
 void FleetTable::apply(const etcd::Pair& pair) {
@@ -96,10 +97,10 @@ void FleetTable::apply(const etcd::Pair& pair) {
     auto& layer = layers[static_cast<std::size_t>(scope - scopes.begin())];
     const auto key = pair.key.substr(scope->prefix.size());
     erase(layer, key);
-    if (pair.deleted || isOverfull()) {
+    if (pair.deleted || overfull) {
         return;
     }
-    const auto reason = whyRefused(key, pair.value);
+    const auto reason = findPairProblem(key, pair.value);
     if (!reason.empty()) {
         reportSkipped(pair, reason);
         return;
@@ -107,6 +108,7 @@ void FleetTable::apply(const etcd::Pair& pair) {
     ++keyCount;
     byteCount += key.size() + pair.value.size();
     layer.emplace(key, pair.value);
+    overfull = keyCount > maxKeys || byteCount > maxBytes;
 }
 
 void FleetTable::erase(Layer& layer, const std::string& key) {

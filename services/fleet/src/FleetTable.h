@@ -24,14 +24,15 @@ public:
     explicit FleetTable(std::vector<FleetScope> clientScopes);
 
     /// Returns "" if the configuration can hold the pair, otherwise the reason.
-    static std::string whyRefused(const std::string& key, const std::string& value);
+    static std::string findPairProblem(const std::string& key, const std::string& value);
 
     void clear();
     /// Inserts, overwrites or erases the pair. Ignores a key of another scope. A pair that the configuration cannot
     /// hold is absent from then on; the first time, a log line names its key.
     void apply(const etcd::Pair& pair);
-    /// Returns true while there are more keys or bytes than the limits allow.
-    bool isOverfull() const { return keyCount > maxKeys || byteCount > maxBytes; }
+    /// Returns true if there were more keys or bytes than the limits allow at any time since the last clear(). The
+    /// table lacks pairs then, so its settings are incomplete even after deletions.
+    bool isOverfull() const { return overfull; }
     /// Returns the settings: for each key the value of the most specific scope.
     ZelUnified::ConfigMap merge() const;
 
@@ -45,6 +46,7 @@ private:
     std::vector<Layer> layers; ///< One for each scope.
     std::size_t keyCount = 0;
     std::size_t byteCount = 0;
+    bool overfull = false;
     std::set<std::string> reported;
 };
 

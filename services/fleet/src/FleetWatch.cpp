@@ -13,15 +13,6 @@ namespace {
 
 ZelLogger& watchLogger = ZelLogger_getLogger("Fleet-Watch");
 
-/// Returns true if another token may help: one that has expired, or whose user's rights have changed.
-bool isAboutToken(int status) {
-    return status == 400 || status == 401 || status == 403;
-}
-
-bool isPrintable(const std::string& text) {
-    return std::ranges::all_of(text, [](char character) { return character > ' ' && character <= '~'; });
-}
-
 } // namespace
 
 FleetWatch::FleetWatch(HttpThread& httpThread, FleetSettings clientSettings, FleetTimes clientTimes,
@@ -38,7 +29,7 @@ FleetWatch::FleetWatch(HttpThread& httpThread, FleetSettings clientSettings, Fle
 FleetWatch::~FleetWatch() = default;
 
 void FleetWatch::start() {
-    thread.post([this] { connect(); });
+    thread.post([this] { attempt([this] { connect(); }); });
 }
 
 void FleetWatch::connect() {
@@ -52,21 +43,26 @@ void FleetWatch::connect() {
     }
 }
 
-std::unique_ptr<HttpTransfer> FleetWatch::send(const char* path, std::string body, std::chrono::milliseconds timeout,
+std::unique_ptr<HttpTransfer> FleetWatch::send(const char* path, std::string body, TimeLimits limits,
                                                HttpHandler handler) {
-    // The last header makes a member end a watch when it has lost the leader.
-    std::vector<std::string> headers{"Content-Type: application/json", "Expect:", "Grpc-Metadata-hasleader: true"};
-    if (!token.empty()) {
-        headers.push_back("Authorization: " + token);
+    HttpHandler guarded;
+    if (handler.onData) {
+        guarded.onData = [this, onData = std::move(handler.onData)](std::string_view data) {
+            attempt([&] { onData(data); });
+        };
     }
+    guarded.onEnd = [this, onEnd = std::move(handler.onEnd)](const HttpResult& result) {
+        attempt([&] { onEnd(result); });
+    };
     return thread.start(settings.access,
-                        {settings.access.endpoints[endpoint] + path, std::move(headers), std::move(body), timeout},
-                        std::move(handler));
+                        {settings.access.endpoints[endpoint] + path, etcd::makeHeaders(token), std::move(body),
+                         limits.total, limits.silence},
+                        std::move(guarded));
 }
 
 void FleetWatch::authenticate() {
     request = send(etcd::authenticatePath, etcd::makeAuthenticate(settings.access.username, settings.access.password),
-                   times.answer, {nullptr, [this](const HttpResult& result) { receiveToken(result); }});
+                   {.total = times.answer}, {nullptr, [this](const HttpResult& result) { receiveToken(result); }});
 }
 
 void FleetWatch::receiveToken(const HttpResult& result) {
@@ -75,8 +71,8 @@ void FleetWatch::receiveToken(const HttpResult& result) {
         return;
     }
     const auto received = result.isSuccess() ? etcd::parseToken(result.body) : std::nullopt;
-    if (!received || !isPrintable(*received)) {
-        failFor(result);
+    if (!received) {
+        rejectAnswer(result);
         return;
     }
     token = *received;
@@ -84,15 +80,17 @@ void FleetWatch::receiveToken(const HttpResult& result) {
 }
 
 void FleetWatch::read() {
-    // One pair more than the limit shows that there are too many.
-    request = send(etcd::transactionPath, etcd::makeSnapshot(settings.scopes, FleetTable::maxKeys + 1), times.answer,
+    // Many pairs may take long on a slow network, so only silence ends the request. One pair more than the limit shows
+    // that there are too many.
+    request = send(etcd::transactionPath, etcd::makeSnapshot(settings.scopes, FleetTable::maxKeys + 1),
+                   {.silence = std::chrono::ceil<std::chrono::seconds>(times.answer)},
                    {nullptr, [this](const HttpResult& result) { receiveSnapshot(result); }});
 }
 
 void FleetWatch::receiveSnapshot(const HttpResult& result) {
     const auto snapshot = result.isSuccess() ? etcd::parseSnapshot(result.body) : std::nullopt;
     if (!snapshot) {
-        failFor(result);
+        rejectAnswer(result);
         return;
     }
     table.clear();
@@ -103,14 +101,14 @@ void FleetWatch::receiveSnapshot(const HttpResult& result) {
         failOverfull();
         return;
     }
-    pass();
+    publish();
     watch(snapshot->revision + 1);
 }
 
 void FleetWatch::watch(std::int64_t revision) {
     line.clear();
     confirmed = 0;
-    request = send(etcd::watchPath, etcd::makeWatch(settings.scopes, revision), std::chrono::milliseconds(0),
+    request = send(etcd::watchPath, etcd::makeWatch(settings.scopes, revision), {},
                    {[this](std::string_view data) { receiveEvents(data); },
                     [this](const HttpResult& result) { failFor(result); }});
     confirmationTimer = thread.callAfter(times.answer, [this] { fail("it does not confirm the watch"); });
@@ -118,11 +116,13 @@ void FleetWatch::watch(std::int64_t revision) {
 }
 
 void FleetWatch::receiveEvents(std::string_view data) {
+    const auto searched = line.size();
     line += data;
     const auto* const current = request.get();
-    for (auto end = line.find('\n'); end != std::string::npos; end = line.find('\n')) {
-        const auto reply = etcd::parseWatchReply(std::string_view(line).substr(0, end));
-        line.erase(0, end + 1);
+    std::size_t begin = 0;
+    for (auto end = line.find('\n', searched); end != std::string::npos; end = line.find('\n', begin)) {
+        const auto reply = etcd::parseWatchReply(std::string_view(line).substr(begin, end - begin));
+        begin = end + 1;
         if (!reply) {
             fail("it sends an unknown answer");
         } else {
@@ -132,6 +132,7 @@ void FleetWatch::receiveEvents(std::string_view data) {
             return; // failed
         }
     }
+    line.erase(0, begin);
     if (line.size() > HttpTransfer::bufferLimit) {
         fail("it sends an answer that is too long");
     }
@@ -157,31 +158,31 @@ void FleetWatch::receive(const etcd::WatchReply& reply) {
     if (table.isOverfull()) {
         failOverfull();
     } else if (!reply.changes.empty()) {
-        planPass();
+        planPublication();
     }
 }
 
-void FleetWatch::planPass() {
+void FleetWatch::planPublication() {
     // Not postponed by further changes, so that a long series of them does not hold back the first one.
-    if (passTimer == 0) {
-        passTimer = thread.callAfter(times.gathering, [this] {
-            passTimer = 0;
-            pass();
+    if (publicationTimer == 0) {
+        publicationTimer = thread.callAfter(times.gathering, [this] {
+            publicationTimer = 0;
+            attempt([this] { publish(); });
         });
     }
 }
 
-void FleetWatch::pass() {
+void FleetWatch::publish() {
     listener(table.merge());
 }
 
 void FleetWatch::planProbe() {
-    probeTimer = thread.callAfter(withJitter(times.probe), [this] { probe(); });
+    probeTimer = thread.callAfter(withJitter(times.probe), [this] { attempt([this] { probe(); }); });
 }
 
 void FleetWatch::probe() {
     // A stopped member, or a cut network, leaves the connection of the watch open and silent.
-    probeRequest = send(etcd::rangePath, etcd::makeProbe(settings.scopes.front()), times.answer,
+    probeRequest = send(etcd::rangePath, etcd::makeProbe(settings.scopes.front()), {.total = times.answer},
                         {nullptr, [this](const HttpResult& result) {
                              if (!result.isSuccess()) {
                                  failFor(result);
@@ -194,7 +195,7 @@ void FleetWatch::probe() {
 }
 
 void FleetWatch::failFor(const HttpResult& result) {
-    if (isAboutToken(result.status)) {
+    if (etcd::isAboutToken(result.status)) {
         dropToken();
     }
     if (!result.error.empty()) {
@@ -208,10 +209,21 @@ void FleetWatch::failFor(const HttpResult& result) {
     fail("status " + std::to_string(result.status) + ", " + toLoggedText(reason));
 }
 
-void FleetWatch::fail(const std::string& reason) {
-    if (passTimer != 0 && !table.isOverfull()) {
-        pass();
+void FleetWatch::rejectAnswer(const HttpResult& result) {
+    if (result.isSuccess()) {
+        fail("it sends an unknown answer");
+    } else {
+        failFor(result);
     }
+}
+
+void FleetWatch::fail(const std::string& reason) {
+    const auto doublings = std::min(failures++, 16U);
+    failAndRetry(reason, std::min(times.longestDelay, times.firstDelay * (1U << doublings)));
+}
+
+void FleetWatch::failAndRetry(const std::string& reason, std::chrono::milliseconds delay) {
+    const bool isPublicationDue = publicationTimer != 0 && !table.isOverfull();
     cancelTimers();
     request.reset();
     probeRequest.reset();
@@ -220,20 +232,22 @@ void FleetWatch::fail(const std::string& reason) {
                "The cluster cannot be followed, and its last settings stay in force: " + reason);
     }
     endpoint = (endpoint + 1) % settings.access.endpoints.size();
-    const auto doublings = std::min(failures++, 16U);
-    const auto delay = std::min(times.longestDelay, times.firstDelay * (1U << doublings));
-    retryTimer = thread.callAfter(withJitter(delay), [this] { connect(); });
+    retryTimer = thread.callAfter(withJitter(delay), [this] { attempt([this] { connect(); }); });
+    if (isPublicationDue) {
+        publish();
+    }
 }
 
 void FleetWatch::failOverfull() {
     if (!std::exchange(overfullReported, true)) {
         reported = false; // a line of its own, even behind that of a lost connection
     }
-    fail("it holds more than 10,000 keys or 16 MiB for this client");
+    // Each attempt reads everything, and only an administrator can change it.
+    failAndRetry("it holds more than 10,000 keys or 16 MiB for this client", times.overfullDelay);
 }
 
 void FleetWatch::cancelTimers() {
-    for (auto* const timer : {&retryTimer, &passTimer, &probeTimer, &confirmationTimer}) {
+    for (auto* const timer : {&retryTimer, &publicationTimer, &probeTimer, &confirmationTimer}) {
         thread.cancel(std::exchange(*timer, 0));
     }
 }

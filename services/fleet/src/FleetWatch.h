@@ -8,6 +8,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <exception>
 #include <functional>
 #include <memory>
 #include <random>
@@ -17,11 +18,14 @@ namespace fleet {
 
 /// The times of a watch.
 struct FleetTimes {
-    std::chrono::milliseconds answer{10000};   ///< For a complete answer, and for the confirmation of a watch.
+    /// For a complete answer, and for the confirmation of a watch. For the answer with all settings, the longest
+    /// silence.
+    std::chrono::milliseconds answer{10000};
     std::chrono::milliseconds probe{30000};    ///< Between two questions whether the member still answers.
     std::chrono::milliseconds firstDelay{500}; ///< Before the first retry; doubled for each further one.
     std::chrono::milliseconds longestDelay{60000};
-    std::chrono::milliseconds gathering{20}; ///< From a change until it is passed on, with those after it.
+    std::chrono::milliseconds gathering{20};         ///< From a change until it is passed on, with those after it.
+    std::chrono::milliseconds overfullDelay{600000}; ///< Before the next attempt if the settings exceed the limits.
 };
 
 /// Follows the settings of one client in a cluster: reads all of them at one revision, then watches from the next one.
@@ -43,6 +47,22 @@ public:
     void start();
 
 private:
+    /// The limits of one request; 0 for none.
+    struct TimeLimits {
+        std::chrono::milliseconds total{0};
+        std::chrono::seconds silence{0};
+    };
+
+    /// What the step throws is a failure like one of the cluster.
+    template <class Step>
+    void attempt(const Step& step) {
+        try {
+            step();
+        } catch (const std::exception& failure) {
+            fail(failure.what());
+        }
+    }
+
     void connect();
     void authenticate();
     void read();
@@ -53,15 +73,16 @@ private:
     void receive(const etcd::WatchReply& reply);
     void probe();
     void planProbe();
-    void pass();
-    void planPass();
+    void publish();
+    void planPublication();
     void fail(const std::string& reason);
+    void failAndRetry(const std::string& reason, std::chrono::milliseconds delay);
     void failOverfull();
+    void rejectAnswer(const HttpResult& result);
     void failFor(const HttpResult& result);
     void dropToken() { token.clear(); }
     void cancelTimers();
-    std::unique_ptr<HttpTransfer> send(const char* path, std::string body, std::chrono::milliseconds timeout,
-                                       HttpHandler handler);
+    std::unique_ptr<HttpTransfer> send(const char* path, std::string body, TimeLimits limits, HttpHandler handler);
     std::chrono::milliseconds withJitter(std::chrono::milliseconds time);
 
     HttpThread& thread;
@@ -80,7 +101,7 @@ private:
     std::unique_ptr<HttpTransfer> request;
     std::unique_ptr<HttpTransfer> probeRequest;
     std::uint64_t retryTimer = 0;
-    std::uint64_t passTimer = 0;
+    std::uint64_t publicationTimer = 0;
     std::uint64_t probeTimer = 0;
     std::uint64_t confirmationTimer = 0;
 };

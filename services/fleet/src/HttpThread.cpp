@@ -22,6 +22,16 @@ CURLM* makeMulti() {
     return multi;
 }
 
+/// One user's failure must not end the thread for the others.
+template <class Step>
+void runGuarded(const Step& step) {
+    try {
+        step();
+    } catch (const std::exception& failure) {
+        ZelLog(threadLogger, ZelLogLevel::Error, ZEL_HERE, std::string("A step has failed: ") + failure.what());
+    }
+}
+
 } // namespace
 
 HttpThread::HttpThread() : multi(makeMulti()), thread([this] { run(); }) {}
@@ -66,18 +76,13 @@ void HttpThread::add(HttpTransfer& transfer) {
 }
 
 void HttpThread::remove(HttpTransfer& transfer) {
-    noted.erase(&transfer);
+    ready.erase(&transfer);
     curl_multi_remove_handle(multi.get(), transfer.getHandle());
 }
 
 void HttpThread::run() {
-    try {
-        while (!ending) {
-            runOnce();
-        }
-    } catch (const std::exception& failure) {
-        // The client goes on with the last settings.
-        ZelLog(threadLogger, ZelLogLevel::Error, ZEL_HERE, std::string("The thread has failed: ") + failure.what());
+    while (!ending) {
+        runGuarded([this] { runOnce(); });
     }
 }
 
@@ -85,11 +90,24 @@ void HttpThread::runOnce() {
     runTasks();
     runTimers();
     int running = 0;
-    curl_multi_perform(multi.get(), &running);
+    auto code = curl_multi_perform(multi.get(), &running);
     deliver();
-    if (!ending) {
-        curl_multi_poll(multi.get(), nullptr, 0, getPollTime(), nullptr);
+    if (code == CURLM_OK && !ending) {
+        code = curl_multi_poll(multi.get(), nullptr, 0, getPollTime(), nullptr);
     }
+    check(code);
+}
+
+void HttpThread::check(CURLMcode code) {
+    if (code != CURLM_OK) {
+        if (code != lastCode) {
+            ZelLog(threadLogger, ZelLogLevel::Error, ZEL_HERE,
+                   std::string("libcurl has failed: ") + curl_multi_strerror(code));
+        }
+        // The cause may pass; until then the loop must not occupy a processor.
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    }
+    lastCode = code;
 }
 
 void HttpThread::runTasks() {
@@ -99,7 +117,7 @@ void HttpThread::runTasks() {
         posted.swap(tasks);
     }
     for (const auto& task : posted) {
-        task();
+        runGuarded(task);
     }
 }
 
@@ -114,7 +132,7 @@ void HttpThread::runTimers() {
     for (const auto number : due) {
         // A task may cancel the timers behind it.
         if (const auto timer = timers.extract(number)) {
-            timer.mapped().task();
+            runGuarded(timer.mapped().task);
         }
     }
 }
@@ -126,20 +144,20 @@ void HttpThread::deliver() {
         curl_easy_getinfo(message->easy_handle, CURLINFO_PRIVATE, &self);
         auto& transfer = *static_cast<HttpTransfer*>(self);
         transfer.setEnded(message->data.result);
-        note(transfer);
+        markReady(transfer);
     }
     // A handler may remove transfers, so each step takes the first one that is left. New ones deliver later.
-    auto batch = noted;
+    auto batch = ready;
     for (auto* const transfer : batch) {
-        if (noted.erase(transfer) > 0) {
-            transfer->deliver();
+        if (ready.erase(transfer) > 0) {
+            runGuarded([transfer] { transfer->deliver(); });
         }
     }
 }
 
 int HttpThread::getPollTime() const {
     using std::chrono::milliseconds;
-    if (!noted.empty()) {
+    if (!ready.empty()) {
         return 0;
     }
     auto time = milliseconds(60000);

@@ -17,7 +17,8 @@
 
 namespace fleet {
 
-/// A thread that runs requests, timers and posted tasks. Several users may share one.
+/// A thread that runs requests, timers and posted tasks. Several users may share one. What a task, timer or handler
+/// throws is logged, and the thread goes on.
 class HttpThread {
 public:
     using Clock = std::chrono::steady_clock;
@@ -47,7 +48,7 @@ public:
     void add(HttpTransfer& transfer);
     void remove(HttpTransfer& transfer);
     /// The transfer has data for its handler.
-    void note(HttpTransfer& transfer) { noted.insert(&transfer); }
+    void markReady(HttpTransfer& transfer) { ready.insert(&transfer); }
 
 private:
     struct Timer {
@@ -60,6 +61,8 @@ private:
 
     void run();
     void runOnce();
+    /// Logs a failure of libcurl, and waits a moment.
+    void check(CURLMcode code);
     void runTasks();
     void runTimers();
     void deliver();
@@ -71,7 +74,8 @@ private:
     std::atomic<bool> ending = false;
     std::map<std::uint64_t, Timer> timers; ///< A watch has three at most.
     std::uint64_t lastTimer = 0;
-    std::set<HttpTransfer*> noted; ///< Transfers that have something to deliver.
+    CURLMcode lastCode = CURLM_OK;
+    std::set<HttpTransfer*> ready; ///< Transfers that have something to deliver.
     std::thread thread;            ///< The last member, because it uses the others.
 };
 

@@ -3,17 +3,21 @@
 #include "HttpThread.h"
 
 #include <new>
+#include <stdexcept>
 #include <utility>
 
 namespace fleet {
 
 namespace {
 
+/// In bytes a second; less is silence.
+constexpr long lowestSpeed = 1000;
+
 template <class Value>
 void setOption(CURL* handle, CURLoption option, Value value) {
     // Fails only for an option that this build of libcurl lacks, and for lack of memory.
-    if (curl_easy_setopt(handle, option, value) != CURLE_OK) {
-        throw std::bad_alloc();
+    if (const auto code = curl_easy_setopt(handle, option, value); code != CURLE_OK) {
+        throw std::runtime_error(curl_easy_strerror(code));
     }
 }
 
@@ -53,6 +57,10 @@ void HttpTransfer::setOptions(const ClusterAccess& access) {
     setOption(easy, CURLOPT_QUICK_EXIT, 1L);
     setOption(easy, CURLOPT_CONNECTTIMEOUT_MS, 5000L);
     setOption(easy, CURLOPT_TIMEOUT_MS, static_cast<long>(request.timeout.count()));
+    if (request.silence.count() > 0) {
+        setOption(easy, CURLOPT_LOW_SPEED_LIMIT, lowestSpeed);
+        setOption(easy, CURLOPT_LOW_SPEED_TIME, static_cast<long>(request.silence.count()));
+    }
     setOption(easy, CURLOPT_TCP_KEEPALIVE, 1L);
     setOption(easy, CURLOPT_TCP_KEEPIDLE, 30L);
     setOption(easy, CURLOPT_TCP_KEEPINTVL, 10L);
@@ -64,7 +72,13 @@ void HttpTransfer::setOptions(const ClusterAccess& access) {
         setOption(easy, CURLOPT_CAPATH, static_cast<const char*>(nullptr));
     }
     for (const auto& header : request.headers) {
-        headerList.reset(curl_slist_append(headerList.release(), header.c_str()));
+        auto* const extended = curl_slist_append(headerList.get(), header.c_str());
+        if (extended == nullptr) {
+            throw std::bad_alloc();
+        }
+        // The list is the same one, unless it was empty.
+        static_cast<void>(headerList.release());
+        headerList.reset(extended);
     }
     setOption(easy, CURLOPT_HTTPHEADER, headerList.get());
     setOption(easy, CURLOPT_POST, 1L);
@@ -82,9 +96,9 @@ std::size_t HttpTransfer::receive(char* data, std::size_t size, std::size_t coun
         transfer.tooLong = true;
         return 0;
     }
-    // Only noted: a handler may destroy the transfer, which libcurl does not allow during this call.
+    // Only marked: a handler may destroy the transfer, which libcurl does not allow during this call.
     transfer.received.append(data, length);
-    transfer.thread.note(transfer);
+    transfer.thread.markReady(transfer);
     return length;
 }
 
@@ -92,6 +106,9 @@ void HttpTransfer::setEnded(CURLcode code) {
     long status = 0;
     curl_easy_getinfo(handle.get(), CURLINFO_RESPONSE_CODE, &status);
     result.status = static_cast<int>(status);
+    long sentBytes = 0;
+    curl_easy_getinfo(handle.get(), CURLINFO_REQUEST_SIZE, &sentBytes);
+    result.wasSent = sentBytes > 0;
     if (code != CURLE_OK) {
         result.error = tooLong ? "the answer is too long" : curl_easy_strerror(code);
     }
@@ -102,7 +119,7 @@ void HttpTransfer::deliver() {
     const auto kept = handler; // outlives the transfer, which a call may destroy
     if (kept->onData && !received.empty()) {
         if (ended) {
-            thread.note(*this); // the end is the next delivery
+            thread.markReady(*this); // the end is the next delivery
         }
         const auto data = std::exchange(received, {});
         kept->onData(data);

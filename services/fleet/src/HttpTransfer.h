@@ -17,9 +17,10 @@ class HttpThread;
 
 /// The result of a request.
 struct HttpResult {
-    int status = 0;    ///< The HTTP status; 0 if there was no answer.
-    std::string error; ///< Why there was no complete answer; empty if it is complete.
-    std::string body;  ///< What no HttpHandler::onData has received.
+    int status = 0;       ///< The HTTP status; 0 if there was no answer.
+    std::string error;    ///< Why there was no complete answer; empty if it is complete.
+    std::string body;     ///< What no HttpHandler::onData has received.
+    bool wasSent = false; ///< The member may have received the request.
 
     bool isSuccess() const { return error.empty() && status == 200; }
 };
@@ -28,7 +29,8 @@ struct HttpRequest {
     std::string url;
     std::vector<std::string> headers;
     std::string body;
-    std::chrono::milliseconds timeout{0}; ///< 0 for none.
+    std::chrono::milliseconds timeout{0}; ///< For the complete answer; 0 for none.
+    std::chrono::seconds silence{0};      ///< Ends the request if nearly nothing arrives for so long; 0 for never.
 };
 
 /// Both are called on the thread of the HttpThread and may destroy the transfer.

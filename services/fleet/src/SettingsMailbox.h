@@ -23,7 +23,7 @@ public:
     }
 
     /// Returns nothing if they have been taken already.
-    std::optional<ZelUnified::ConfigMap> take() {
+    std::optional<ZelUnified::ConfigMap> extract() {
         const KyrCoreUtils::LockGuard lock(mutex);
         return std::exchange(latest, std::nullopt);
     }

@@ -16,7 +16,7 @@ namespace {
 
 using fleet::decodeBase64;
 using fleet::encodeBase64;
-using fleet::whyRefused;
+using fleet::findEndpointProblem;
 namespace etcd = fleet::etcd;
 
 TEST(FleetBase64, EncodesAndDecodesEachLength) {
@@ -67,7 +67,7 @@ TEST(FleetMessages, WatchReplyIsParsed) {
     EXPECT_EQ(error->reason, "no leader");
 }
 
-TEST(FleetMessages, OtherTextIsNoReply) {
+TEST(FleetMessages, RejectsTextThatIsNotAReply) {
     for (const auto* text :
          {"", "{", "[]", "null", R"({"header":{}})", R"({"header":{"revision":7},"responses":[]})",
           R"({"header":{"revision":"7x"},"responses":[]})", R"({"header":{"revision":"7"},"responses":{"a":1}})",
@@ -78,6 +78,12 @@ TEST(FleetMessages, OtherTextIsNoReply) {
     }
 }
 
+TEST(FleetMessages, TokenThatWouldChangeTheHeadersIsRejected) {
+    EXPECT_EQ(etcd::parseToken(R"({"token":"abc.12"})"), "abc.12");
+    EXPECT_EQ(etcd::parseToken(R"({"token":"abc\r\nX-Other: 1"})"), std::nullopt);
+    EXPECT_EQ(etcd::parseToken(R"({"token":""})"), std::nullopt);
+}
+
 TEST(FleetMessages, RangeEndsBehindTheLastKeyOfTheScope) {
     const auto scope = fleet::FleetScope::ofUser("ada");
     EXPECT_EQ(scope.prefix, "/lumora/fleet/users/ada/");
@@ -86,14 +92,14 @@ TEST(FleetMessages, RangeEndsBehindTheLastKeyOfTheScope) {
 
 TEST(FleetClusterAccess, AcceptsPlainHttpOnlyIfAllowed) {
     fleet::ClusterAccess access;
-    EXPECT_EQ(whyRefused(access, "https://etcd.example:2379"), "");
-    EXPECT_EQ(whyRefused(access, "https://[::1]:2379"), "");
-    EXPECT_NE(whyRefused(access, "http://etcd.example:2379"), "");
+    EXPECT_EQ(findEndpointProblem(access, "https://etcd.example:2379"), "");
+    EXPECT_EQ(findEndpointProblem(access, "https://[::1]:2379"), "");
+    EXPECT_NE(findEndpointProblem(access, "http://etcd.example:2379"), "");
     access.plainHttpAllowed = true;
-    EXPECT_EQ(whyRefused(access, "http://etcd.example:2379"), "");
+    EXPECT_EQ(findEndpointProblem(access, "http://etcd.example:2379"), "");
     for (const auto* endpoint : {"", "etcd.example:2379", "https://", "file:///etc/passwd", "https://a/b",
                                  "https://user@etcd.example", "https://a b", "https://a\r\nb"}) {
-        EXPECT_NE(whyRefused(access, endpoint), "") << endpoint;
+        EXPECT_NE(findEndpointProblem(access, endpoint), "") << endpoint;
     }
 }
 

@@ -46,6 +46,30 @@ TEST_F(FleetCommand, SetsShowsAndRemovesAKeyOfEachAudience) {
     EXPECT_EQ(run(cluster, {"get", "Theme", "--user", "ada"}).code, 1);
 }
 
+TEST_F(FleetCommand, OfTwoSpellingsItUsesTheOneThatClientsUse) {
+    const EtcdCluster cluster;
+    cluster.control({"put", "/lumora/fleet/all/Theme", "first"});
+    cluster.control({"put", "/lumora/fleet/all/theme", "last"});
+    EXPECT_EQ(run(cluster, {"get", "Theme"}).output, "last\n");
+    EXPECT_EQ(run(cluster, {"set", "Theme", "new"}).code, 0);
+    EXPECT_EQ(cluster.control({"get", "--print-value-only", "/lumora/fleet/all/theme"}), "new\n");
+    EXPECT_EQ(run(cluster, {"unset", "Theme"}).code, 0);
+    EXPECT_EQ(run(cluster, {"get", "Theme"}).output, "new\n") << "unset removes the exact spelling if it exists";
+    EXPECT_EQ(run(cluster, {"unset", "Theme"}).code, 0);
+    EXPECT_EQ(run(cluster, {"get", "Theme"}).code, 1);
+}
+
+TEST_F(FleetCommand, HidesSensitiveValuesUnlessSecretsAreShown) {
+    const EtcdCluster cluster;
+    for (const auto* key : {"FleetConnectionPassword", "FleetConnectionUsername", "BDIConnectionPassword"}) {
+        cluster.control({"put", std::string("/lumora/fleet/all/") + key, "secret-5dc1"});
+        EXPECT_EQ(run(cluster, {"get", key}).output, "VALUE_HIDDEN\n") << key;
+        EXPECT_EQ(run(cluster, {"get", key, "--show-secrets"}).output, "secret-5dc1\n") << key;
+    }
+    EXPECT_EQ(run(cluster, {"list"}).output.find("secret-5dc1"), std::string::npos);
+    EXPECT_NE(run(cluster, {"list", "--show-secrets"}).output.find("secret-5dc1"), std::string::npos);
+}
+
 TEST_F(FleetCommand, RefusesWhatNoClientWouldUse) {
     const EtcdCluster cluster;
     EXPECT_EQ(run(cluster, {"set", "two words", "1"}).code, 3);
@@ -85,6 +109,10 @@ TEST_F(FleetCommand, WatchPrintsEachChangeUntilASignalArrives) {
     EXPECT_TRUE(readUntil("Theme: (none) -> \"dark\"\n")) << output;
     cluster.remove("/lumora/fleet/users/ada/Theme");
     EXPECT_TRUE(readUntil("Theme: \"dark\" -> (none)\n")) << output;
+    cluster.put("/lumora/fleet/users/ada/BDIConnectionPassword", "secret-1");
+    EXPECT_TRUE(readUntil("BDIConnectionPassword: (none) -> VALUE_HIDDEN\n")) << output;
+    cluster.put("/lumora/fleet/users/ada/BDIConnectionPassword", "secret-2");
+    EXPECT_TRUE(readUntil("BDIConnectionPassword: VALUE_HIDDEN -> VALUE_HIDDEN\n")) << output;
     EXPECT_EQ(endProgram(process, SIGINT), 0);
     ::close(pipe);
 }

@@ -49,7 +49,7 @@ TEST_F(FleetTable, LongKeysAndValuesAreSkipped) {
     EXPECT_EQ(table.merge().size(), 2U);
 }
 
-TEST_F(FleetTable, HoldsTenThousandKeys) {
+TEST_F(FleetTable, IsOverfullBeyondTenThousandKeys) {
     const auto fill = [&](std::size_t count) {
         for (std::size_t number = 0; number < count; ++number) {
             put("/lumora/fleet/all/K" + std::to_string(number), "1");
@@ -65,7 +65,7 @@ TEST_F(FleetTable, HoldsTenThousandKeys) {
     EXPECT_FALSE(table.isOverfull());
 }
 
-TEST_F(FleetTable, HoldsSixteenMebibytes) {
+TEST_F(FleetTable, IsOverfullBeyondSixteenMebibytes) {
     const std::string value(std::size_t{1} << 20U, 'v');
     for (int number = 0; number < 15; ++number) {
         put("/lumora/fleet/all/K" + std::to_string(number), value);
@@ -74,15 +74,28 @@ TEST_F(FleetTable, HoldsSixteenMebibytes) {
     put("/lumora/fleet/all/L", value);
     EXPECT_TRUE(table.isOverfull()) << "the keys count too";
     remove("/lumora/fleet/all/L");
+    EXPECT_TRUE(table.isOverfull());
+    table.clear();
     EXPECT_FALSE(table.isOverfull());
+}
+
+TEST_F(FleetTable, StaysOverfullAfterDeletionsBecauseItLacksSkippedPairs) {
+    for (std::size_t number = 0; number <= fleet::FleetTable::maxKeys; ++number) {
+        put("/lumora/fleet/all/K" + std::to_string(number), "1");
+    }
+    put("/lumora/fleet/all/Skipped", "1");
+    remove("/lumora/fleet/all/K1");
+    remove("/lumora/fleet/all/K2");
+    EXPECT_FALSE(table.merge().contains(L"Skipped"));
+    EXPECT_TRUE(table.isOverfull());
 }
 
 TEST(FleetMailbox, SettingsThatArriveBeforeTheTaskRunsAreOneUpdate) {
     fleet::SettingsMailbox mailbox;
     EXPECT_TRUE(mailbox.put({{L"A", L"1"}}));
     EXPECT_FALSE(mailbox.put({{L"A", L"2"}})) << "the task is posted already";
-    EXPECT_EQ(mailbox.take(), (ConfigMap{{L"A", L"2"}}));
-    EXPECT_EQ(mailbox.take(), std::nullopt);
+    EXPECT_EQ(mailbox.extract(), (ConfigMap{{L"A", L"2"}}));
+    EXPECT_EQ(mailbox.extract(), std::nullopt);
     EXPECT_TRUE(mailbox.put({{L"A", L"3"}}));
 }
 

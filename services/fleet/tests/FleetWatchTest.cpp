@@ -3,6 +3,9 @@
 #include <LogRecorder.h>
 #include <gtest/gtest.h>
 
+#include <stdexcept>
+#include <utility>
+
 namespace fleet_test {
 namespace {
 
@@ -85,7 +88,7 @@ TEST_F(FleetWatch, FollowsAClusterThatWasUnreachable) {
     EXPECT_TRUE(client.observer.waitForValue(L"Theme", L"light"));
 }
 
-TEST_F(FleetWatch, SkipsWhatIsNoSettingWithALine) {
+TEST_F(FleetWatch, SkipsInvalidPairsAndLogsThem) {
     EtcdCluster cluster;
     const testing_host::LogRecorder log;
     cluster.put(std::string(all) + "Latin", "caf\xE9");
@@ -110,7 +113,7 @@ TEST_F(FleetWatch, KeepsTheLastSettingsWhileTheClusterExceedsTheLimits) {
     const testing_host::LogRecorder log;
     cluster.put("/lumora/fleet/all/Theme", "light");
     auto times = shortTimes();
-    times.firstDelay = times.longestDelay = std::chrono::seconds(1); // each attempt reads all of it
+    times.overfullDelay = std::chrono::seconds(1); // each attempt reads all of it
     Client client(cluster.getAccess(), times);
     EXPECT_TRUE(client.observer.waitForValue(L"Theme", L"light"));
     const std::string large(1000000, 'x');
@@ -128,6 +131,28 @@ TEST_F(FleetWatch, KeepsTheLastSettingsWhileTheClusterExceedsTheLimits) {
         lines += text.find("more than 10,000 keys or 16 MiB") != std::string::npos ? 1U : 0U;
     }
     EXPECT_EQ(lines, 1U);
+}
+
+TEST_F(FleetWatch, ReadsAgainAfterItsListenerHasThrown) {
+    EtcdCluster cluster;
+    testing_host::Signal calledAgain;
+    bool hasThrown = false; // of the follower's thread
+    const fleet::FleetFollower follower(makeSettings(cluster.getAccess()), shortTimes(), [&](const ConfigMap&) {
+        if (!std::exchange(hasThrown, true)) {
+            throw std::runtime_error("no room");
+        }
+        calledAgain.set();
+    });
+    EXPECT_TRUE(calledAgain.wait());
+}
+
+TEST(FleetHttpThread, GoesOnAfterATaskHasThrown) {
+    testing_host::Signal ran;
+    fleet::HttpThread thread;
+    thread.post([] { throw std::runtime_error("no room"); });
+    thread.post([&] { ran.set(); });
+    EXPECT_TRUE(ran.wait());
+    thread.end();
 }
 
 TEST_F(FleetWatch, AuthenticatesAgainAfterTheTokensAreLost) {

@@ -14,7 +14,8 @@ namespace fleet_test {
 /// Short enough for a test, long enough for a loaded machine.
 inline fleet::FleetTimes shortTimes() {
     using std::chrono::milliseconds;
-    return {milliseconds(3000), milliseconds(300), milliseconds(20), milliseconds(200), milliseconds(20)};
+    return {milliseconds(3000), milliseconds(300), milliseconds(20),
+            milliseconds(200),  milliseconds(20),  milliseconds(200)};
 }
 
 /// A client of group "nurses" and user "ada".

@@ -245,7 +245,7 @@ ExitCode runSession(const CommandLine& line, Printer& printer, Outputs& outputs)
         if (!line.trusted) {
             requireTrusted(line.namedDirectories);
         }
-        runFleetCommand(line.command, line.pluginDirectory, printer);
+        runFleetCommand(line.command, line.pluginDirectory, line.showSecrets, printer);
         return ExitCode::Done;
     }
     if (line.command.name == "watch") {

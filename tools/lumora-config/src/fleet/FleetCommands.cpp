@@ -4,12 +4,17 @@
 #include "commands/CommandInput.h"
 #include "output/EscapedText.h"
 #include "output/Failure.h"
+#include "stores/KnownKeys.h"
+#include "stores/XmlSettings.h"
 
 #include <kyr/EndSignals.h>
 #include <kyr/StringUtils.h>
 
+#include <ConfigCatalogue.h>
+#include <FleetKeys.h>
+
+#include <algorithm>
 #include <chrono>
-#include <fstream>
 #include <functional>
 #include <map>
 #include <optional>
@@ -34,16 +39,17 @@ struct Action {
     const Command& command;
     FleetAdministration& cluster;
     Printer& printer;
+    const bool showSecrets;
 };
 
 std::string readPassword(const std::string& file) {
     if (file.empty()) {
         return {};
     }
-    std::ifstream stream(file);
-    std::string password;
-    if (!std::getline(stream, password)) {
-        throw Failure(ExitCode::Environment, "the password cannot be read from " + file);
+    auto password = readWholeFile(file);
+    password.resize(std::min(password.find_first_of("\r\n"), password.size()));
+    if (password.empty()) {
+        throw Failure(ExitCode::Environment, file + ": the first line contains no password");
     }
     return password;
 }
@@ -108,14 +114,31 @@ std::string describe(const FleetAudience& audience) {
     return "all";
 }
 
-/// Returns the pair of the key in any case: for the cluster two spellings are two keys, for a client they are one.
-std::optional<FleetPair> findPair(const Action& action, const FleetAudience& audience) {
-    for (auto& pair : action.cluster.list({audience})) {
-        if (KyrCoreUtils::caseInsensitiveStringEquals(pair.key, action.command.key)) {
-            return pair;
+/// Returns the pairs of the key in any case: for the cluster each spelling is a key of its own, for a client all of
+/// them are one key, whose value is that of the last pair.
+std::vector<FleetPair> findPairs(const Action& action, const FleetAudience& audience) {
+    auto pairs = action.cluster.list({audience});
+    std::erase_if(pairs, [&](const FleetPair& pair) {
+        return !KyrCoreUtils::caseInsensitiveStringEquals(pair.key, action.command.key);
+    });
+    return pairs;
+}
+
+/// The catalogue does not contain the keys of the fleet service, which a pair may name all the same.
+bool isSensitive(const std::wstring& key) {
+    for (const auto own : {ZelUnified::FleetKeys::username, ZelUnified::FleetKeys::password}) {
+        if (KyrCoreUtils::caseInsensitiveStringEquals(own, key)) {
+            return true;
         }
     }
-    return std::nullopt;
+    const auto facts = findKeyFacts(key);
+    return facts && facts->sensitive;
+}
+
+/// Returns the value, or "VALUE_HIDDEN" if the key is sensitive and secrets are not shown.
+std::wstring maskValue(const FleetPair& pair, bool showSecrets) {
+    return showSecrets || !isSensitive(toWideString(pair.key)) ? toWideString(pair.value)
+                                                               : std::wstring(ZelUnified::ConfigKeys::valueHidden);
 }
 
 void requireWords(const Command& command, bool key, bool value) {
@@ -133,30 +156,34 @@ void requireWords(const Command& command, bool key, bool value) {
 void get(const Action& action) {
     requireWords(action.command, true, false);
     const auto audience = getOneAudience(action.command.fleet);
-    const auto pair = findPair(action, audience);
-    if (!pair) {
+    const auto pairs = findPairs(action, audience);
+    if (pairs.empty()) {
         throwMiss(action, audience);
     }
     Reading reading;
-    reading.value = toWideString(pair->value);
+    reading.value = maskValue(pairs.back(), action.showSecrets);
     reading.storeName = toWideString(describe(audience));
-    action.printer.showValue(toWideString(pair->key), reading, false);
+    action.printer.showValue(toWideString(pairs.back().key), reading, false);
 }
 
 void set(const Action& action) {
     requireWords(action.command, true, true);
     const auto audience = getOneAudience(action.command.fleet);
     const auto value = *action.command.fallback == "-" ? CommandInput().readValue() : *action.command.fallback;
-    const auto existing = findPair(action, audience);
-    action.cluster.put({audience, existing ? existing->key : action.command.key, value});
+    const auto existing = findPairs(action, audience);
+    action.cluster.put({audience, existing.empty() ? action.command.key : existing.back().key, value});
     action.printer.showDone("fleet", "set for '" + describe(audience) + "'");
 }
 
 void unset(const Action& action) {
     requireWords(action.command, true, false);
     const auto audience = getOneAudience(action.command.fleet);
-    const auto existing = findPair(action, audience);
-    if (!existing || !action.cluster.remove(audience, existing->key)) {
+    const auto existing = findPairs(action, audience);
+    if (existing.empty()) {
+        throwMiss(action, audience);
+    }
+    const auto exact = std::ranges::find(existing, action.command.key, &FleetPair::key);
+    if (!action.cluster.remove(audience, exact == existing.end() ? existing.back().key : exact->key)) {
         throwMiss(action, audience);
     }
     action.printer.showDone("fleet", "removed from '" + describe(audience) + "'");
@@ -166,7 +193,8 @@ void list(const Action& action) {
     requireWords(action.command, false, false);
     std::vector<ListedValue> values;
     for (const auto& pair : action.cluster.list(getAudiences(action.command.fleet))) {
-        values.push_back({toWideString(pair.key), toWideString(pair.value), toWideString(describe(pair.audience))});
+        values.push_back(
+            {toWideString(pair.key), maskValue(pair, action.showSecrets), toWideString(describe(pair.audience))});
     }
     action.printer.showList(values);
     if (values.empty()) {
@@ -174,12 +202,19 @@ void list(const Action& action) {
     }
 }
 
-std::string quoteValue(const ConfigMap& settings, const std::wstring& key) {
+std::optional<std::wstring> findValue(const ConfigMap& settings, const std::wstring& key) {
     const auto found = settings.find(key);
-    return found == settings.end() ? "(none)" : '"' + toString(found->second) + '"';
+    return found == settings.end() ? std::nullopt : std::optional(found->second);
 }
 
-void showChanges(const ConfigMap& before, const ConfigMap& after, Printer& printer) {
+std::string quote(const std::optional<std::wstring>& value, bool isHidden) {
+    if (!value) {
+        return "(none)";
+    }
+    return isHidden ? toString(ZelUnified::ConfigKeys::valueHidden) : '"' + toString(*value) + '"';
+}
+
+void showChanges(const ConfigMap& before, const ConfigMap& after, bool showSecrets, Printer& printer) {
     ZelUnified::ConfigKeySet keys;
     for (const auto* settings : {&before, &after}) {
         for (const auto& entry : *settings) {
@@ -187,10 +222,12 @@ void showChanges(const ConfigMap& before, const ConfigMap& after, Printer& print
         }
     }
     for (const auto& key : keys) {
-        const auto from = quoteValue(before, key);
-        const auto to = quoteValue(after, key);
+        const auto from = findValue(before, key);
+        const auto to = findValue(after, key);
         if (from != to) {
-            printer.showText("fleet", toOneLine(toString(key) + ": " + from + " -> " + to));
+            const bool isHidden = !showSecrets && isSensitive(key);
+            printer.showText("fleet",
+                             toOneLine(toString(key) + ": " + quote(from, isHidden) + " -> " + quote(to, isHidden)));
         }
     }
 }
@@ -198,11 +235,11 @@ void showChanges(const ConfigMap& before, const ConfigMap& after, Printer& print
 void watch(const Action& action) {
     requireWords(action.command, false, false);
     std::optional<ConfigMap> last; // of the plug-in's thread
-    action.cluster.watch(getAudiences(action.command.fleet), [&last, &printer = action.printer](ConfigMap settings) {
+    action.cluster.watch(getAudiences(action.command.fleet), [&last, &action](ConfigMap settings) {
         if (last) {
-            showChanges(*last, settings, printer);
+            showChanges(*last, settings, action.showSecrets, action.printer);
         } else {
-            printer.showWarning("watching a client with " + std::to_string(settings.size()) + " settings");
+            action.printer.showWarning("watching a client with " + std::to_string(settings.size()) + " settings");
         }
         last = std::move(settings);
     });
@@ -214,7 +251,7 @@ void watch(const Action& action) {
 
 } // namespace
 
-void runFleetCommand(const Command& command, const std::string& plugins, Printer& printer) {
+void runFleetCommand(const Command& command, const std::string& plugins, bool showSecrets, Printer& printer) {
     static const std::map<std::string, void (*)(const Action&)> actions{
         {"get", get}, {"set", set}, {"unset", unset}, {"list", list}, {"watch", watch}};
     const auto found = actions.find(command.fleet.action);
@@ -223,7 +260,7 @@ void runFleetCommand(const Command& command, const std::string& plugins, Printer
     }
     const auto cluster = FleetPlugin::open(plugins, makeAccess(command.fleet));
     try {
-        found->second({command, *cluster, printer});
+        found->second({command, *cluster, printer, showSecrets});
     } catch (const Failure&) {
         throw;
     } catch (const std::runtime_error& error) {

@@ -4,7 +4,8 @@
 
 namespace lumora_config {
 
-void runFleetCommand(const Command& /*command*/, const std::string& /*plugins*/, Printer& /*printer*/) {
+void runFleetCommand(const Command& /*command*/, const std::string& /*plugins*/, bool /*showSecrets*/,
+                     Printer& /*printer*/) {
     throw Failure(ExitCode::Environment, "this program was built without the fleet service");
 }
 

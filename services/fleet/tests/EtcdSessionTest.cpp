@@ -1,0 +1,55 @@
+#include "EtcdSession.h"
+
+#include "EtcdCluster.h"
+
+#include <gtest/gtest.h>
+
+namespace fleet_test {
+namespace {
+
+constexpr auto themeKey = "/lumora/fleet/all/Theme";
+
+class FleetSession : public testing::Test {
+protected:
+    void SetUp() override {
+        if (const auto reason = EtcdCluster::whyUnavailable(); !reason.empty()) {
+            GTEST_SKIP() << reason;
+        }
+    }
+};
+
+TEST_F(FleetSession, RemovesWithTheNextMemberIfOneIsUnreachable) {
+    EtcdCluster cluster({.authentication = true});
+    cluster.put(themeKey, "light");
+    auto access = cluster.getAdministratorAccess();
+    access.endpoints.insert(access.endpoints.begin(), "http://127.0.0.1:1");
+    fleet::EtcdSession session(access);
+    EXPECT_TRUE(session.remove(themeKey));
+    EXPECT_FALSE(session.remove(themeKey));
+}
+
+TEST_F(FleetSession, DoesNotRepeatARemovalWhoseAnswerWasLost) {
+    EtcdCluster cluster;
+    cluster.put(themeKey, "light");
+    auto access = cluster.getAccess();
+    access.endpoints.push_back(access.endpoints.front());
+    cluster.suspend(0);
+    try {
+        fleet::EtcdSession(access, std::chrono::milliseconds(300)).remove(themeKey);
+        ADD_FAILURE() << "a suspended member has answered";
+    } catch (const fleet::EtcdError& error) {
+        EXPECT_NE(std::string(error.what()).find("which may have been made"), std::string::npos) << error.what();
+    }
+    cluster.resume(0);
+}
+
+TEST_F(FleetSession, AuthenticatesAgainAfterTheTokensAreLost) {
+    EtcdCluster cluster({.authentication = true});
+    fleet::EtcdSession session(cluster.getAdministratorAccess());
+    session.put(themeKey, "light");
+    cluster.loseTokens();
+    EXPECT_TRUE(session.remove(themeKey));
+}
+
+} // namespace
+} // namespace fleet_test
