@@ -1,4 +1,4 @@
-# Builds for Windows x64 with Debian's mingw-w64. scripts/windows passes LUMORA_WINDOWS_PREFIX, the folder of the
+# Builds for Windows x64 with Debian's mingw-w64. `./test windows` passes LUMORA_WINDOWS_PREFIX, the folder of the
 # dependencies that scripts/windows-dependencies has built; the programs of the build run under wine.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
