@@ -16,7 +16,7 @@ public:
     /// Returns attributes for a call that creates a file or a directory; null, which means the rights of the parent, if
     /// the system cannot say who the user is. Valid for the whole run.
     static SECURITY_ATTRIBUTES* forCreation(Of kind) noexcept;
-    /// Gives an existing file or directory these rights. Returns 0 or an errno value.
+    /// Sets the rights of an existing file or directory. Returns 0 or an errno value.
     static int restrict(const std::filesystem::path& path, Of kind) noexcept;
     /// Returns the id of the user of this process; empty if it is unknown.
     static std::vector<unsigned char> readUserId();

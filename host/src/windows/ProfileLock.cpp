@@ -102,8 +102,8 @@ std::string describeUse(const std::string& path, long holder) {
            (holder != 0 ? "process " + std::to_string(holder) : std::string("another process")) + ".";
 }
 
-/// Creates the object of the system that stands for the lock. Its existence is the lock: it disappears with the handle,
-/// and so with the process. Returns nothing and sets `error` to ERROR_ALREADY_EXISTS if another holder has it.
+/// Creates the named mutex that represents the lock. Its existence is the lock: it disappears with the handle, and so
+/// with the process. Returns nothing and sets `error` to ERROR_ALREADY_EXISTS if another holder has it.
 SystemHandle createLock(const std::string& digest, DWORD& error) {
     SystemHandle lock(
         ::CreateMutexW(AccessRights::forCreation(AccessRights::Of::File), FALSE, lockName(digest).c_str()));
@@ -113,7 +113,7 @@ SystemHandle createLock(const std::string& digest, DWORD& error) {
 
 } // namespace
 
-/// The object of the system that stands for the lock.
+/// The named mutex that represents the lock.
 class ProfileLock::LockedDirectory {
 public:
     LockedDirectory(const std::string& configDirectory, const std::string& stateDirectory)

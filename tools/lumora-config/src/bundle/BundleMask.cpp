@@ -161,7 +161,7 @@ void BundleMask::addSecret(const std::string& form) {
 }
 
 void BundleMask::addName(const std::string& name, const std::string& marker) {
-    // The name of every machine for itself says nothing.
+    // Do not mask localhost.
     if (name.size() >= shortestName && toLower(name) != "localhost") {
         names.push_back({toLower(name), marker});
     }
