@@ -225,7 +225,7 @@ TEST(Bundle, ReplacesAFileOnlyIfItIsForced) {
     EXPECT_EQ(profile.run({"--show-secrets", "bundle", "-o", path, "--force"}).exitCode, 2);
 }
 
-TEST(Bundle, ByDefaultNamesTheProfileAndTheTimeInTheWorkingDirectory) {
+TEST(Bundle, NamesTheProfileAndTheTimeInTheWorkingDirectoryByDefault) {
     const Profile profile;
     const auto folder = profile.root() / "working";
     fs::create_directory(folder);
@@ -237,7 +237,7 @@ TEST(Bundle, ByDefaultNamesTheProfileAndTheTimeInTheWorkingDirectory) {
     EXPECT_THAT(outcome.out, StartsWith(name + '\n'));
 }
 
-TEST(Bundle, OfAShellContainsTheSameMembers) {
+TEST(Bundle, TheShellWritesTheSameMembers) {
     const Profile profile;
     const auto outcome = profile.shell({"memory Note x", "bundle -o " + getPath(profile)});
     EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
