@@ -1,6 +1,6 @@
 # Installs four components, each a Debian package (LumoraPackages): runtime, the host and the plug-in; fleet, the plug-in
-# that needs libcurl; program, lumora-config; development, headers and the files of find_package(LumoraConfig) and pkg-config. The plug-in is in a
-# folder of its own, the plug-in folder of hosts.
+# that needs libcurl; program, lumora-config; development, headers and the files of find_package(LumoraConfig) and
+# pkg-config. The plug-ins are in a folder of their own, the plug-in folder of hosts.
 include(CMakePackageConfigHelpers)
 
 set(lumora_include_folder ${CMAKE_INSTALL_INCLUDEDIR}/lumora)

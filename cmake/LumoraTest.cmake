@@ -1,7 +1,7 @@
 find_package(GTest REQUIRED)
 include(GoogleTest)
 
-# What stands before an absolute path of the machine that builds where the tests run.
+# The prefix of an absolute path of the build machine on the machine that runs the tests.
 set(LUMORA_TEST_DRIVE "")
 if(WIN32 AND CMAKE_CROSSCOMPILING)
   set(LUMORA_TEST_DRIVE "Z:")

@@ -38,6 +38,13 @@ bool existsNow(const fs::path& path) {
     return inMemory ? inMemory->exists(textFromPath(path)) : fs::exists(path, error);
 }
 
+/// Unlike existsNow(), also finds a link on the disk that has no target.
+bool isEntryNow(const fs::path& path) {
+    const auto inMemory = InMemoryFileLayer::getActive();
+    std::error_code error;
+    return inMemory ? inMemory->exists(textFromPath(path)) : fs::exists(fs::symlink_status(path, error));
+}
+
 int makeDirectory(const fs::path& path) {
     const auto inMemory = InMemoryFileLayer::getActive();
     return inMemory ? inMemory->createDirectory(textFromPath(path)) : platform::makeDirectory(path);
@@ -136,8 +143,7 @@ int FileUtils::moveFile(const std::string& source, const std::string& target, bo
         const int result = moveOne(*from, *to, failIfExists);
         if (result != 0) {
             writes.putBack(pendingAtTarget);
-            std::error_code error;
-            if (fs::exists(fs::symlink_status(*from, error))) {
+            if (isEntryNow(*from)) {
                 writes.putBack(pendingAtSource);
             }
         }

@@ -4,6 +4,7 @@
 #include "LoggedText.h"
 
 #include <kyr/StringUtils.h>
+#include <kyr/XmlNames.h>
 #include <zel/ZelLog.h>
 
 #include <algorithm>
@@ -26,25 +27,6 @@ bool isUtf8(const std::string& text) {
     return toString(toWideString(text)) == text;
 }
 
-bool isLetter(wchar_t character) {
-    return (character >= L'A' && character <= L'Z') || (character >= L'a' && character <= L'z') || character == L'_' ||
-           character >= wchar_t{0xC0};
-}
-
-bool isNameCharacter(wchar_t character) {
-    return isLetter(character) || (character >= L'0' && character <= L'9') || character == L'-' || character == L'.';
-}
-
-/// One key that is not an XML name would make the whole cached copy unreadable.
-bool isXmlName(const std::wstring& key) {
-    return !key.empty() && isLetter(key.front()) && std::ranges::all_of(key, isNameCharacter);
-}
-
-bool isInXml(wchar_t character) {
-    const bool isControl = character < L' ' && character != L'\t' && character != L'\n' && character != L'\r';
-    return !isControl && character != wchar_t{0xFFFE} && character != wchar_t{0xFFFF};
-}
-
 /// Returns "" if the configuration can hold the key, otherwise the reason.
 std::string whyKeyRefused(const std::string& key) {
     if (key.size() > FleetTable::maxKeyBytes) {
@@ -56,7 +38,9 @@ std::string whyKeyRefused(const std::string& key) {
     if (key.find('/') != std::string::npos) {
         return "the key contains '/'";
     }
-    if (!isXmlName(toWideString(key))) {
+    // One key that is not an XML name would make the whole cached copy unreadable. The part before a colon would be
+    // lost.
+    if (!KyrCoreUtils::isXmlName(toWideString(key)) || key.find(':') != std::string::npos) {
         return "the key is not an XML name";
     }
     return FleetSettings::isOwnKey(toWideString(key)) ? "the key configures the fleet service itself" : "";
@@ -69,7 +53,7 @@ std::string whyValueRefused(const std::string& value) {
     if (!isUtf8(value)) {
         return "the value is not UTF-8";
     }
-    return std::ranges::all_of(toWideString(value), isInXml) ? "" : "the value contains a control character";
+    return KyrCoreUtils::findUnrepresentable(toWideString(value)) ? "the value contains a control character" : "";
 }
 
 } // namespace

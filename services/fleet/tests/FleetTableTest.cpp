@@ -40,6 +40,15 @@ TEST_F(FleetTable, ValueThatIsSkippedRemovesTheOneBefore) {
     EXPECT_TRUE(table.merge().empty());
 }
 
+TEST_F(FleetTable, SkipsKeysThatAreNotXmlNames) {
+    for (const auto* key : {"a\u00D7b", "a\u00F7", "a\u2028b", "1a", "a b", "a:b", ""}) {
+        put(std::string("/lumora/fleet/all/") + key, "1");
+    }
+    EXPECT_TRUE(table.merge().empty());
+    put("/lumora/fleet/all/Gr\u00F6\u00DFe", "1");
+    EXPECT_EQ(table.merge().size(), 1U);
+}
+
 TEST_F(FleetTable, LongKeysAndValuesAreSkipped) {
     put("/lumora/fleet/all/" + std::string(fleet::FleetTable::maxKeyBytes + 1, 'k'), "1");
     put("/lumora/fleet/all/A", std::string(fleet::FleetTable::maxValueBytes + 1, 'v'));

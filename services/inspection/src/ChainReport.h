@@ -21,7 +21,7 @@ public:
     /// Does the next slice. Returns false if nothing is left.
     bool proceed();
     /// Returns the report; call it once, at the end.
-    Json take() { return std::move(report); }
+    Json extract() { return std::move(report); }
 
 private:
     void beginStore(ZelUnified::ConfigStore& store);

@@ -152,7 +152,7 @@ void InspectionConnection::load(InspectionRequest& request) {
         reply(makeReply(request.id, {{"type", "done"}, {"command", request.verb}, {"message", "more values follow"}}));
         return;
     }
-    request.values = staged.take();
+    request.values = staged.extract();
     runner->run(request, process, makeAnswer());
 }
 

@@ -133,7 +133,7 @@ void RequestRunner::explainAll(const JobPointer& job) {
             return job->guard([&] {
                 more = all->proceed();
                 if (!more) {
-                    job->reply(all->take());
+                    job->reply(all->extract());
                 }
             }) && more;
         });
@@ -259,7 +259,7 @@ void RequestRunner::dump(const JobPointer& job) {
             return job->guard([&] {
                 more = all->proceed();
                 if (!more) {
-                    job->reply(all->take());
+                    job->reply(all->extract());
                 }
             }) && more;
         });

@@ -21,7 +21,7 @@ public:
     /// Reads the next values. Returns false after the last one.
     bool proceed();
     /// Returns what the program prints for `dump`.
-    Json take() { return std::move(report); }
+    Json extract() { return std::move(report); }
 
 private:
     bool readRecords();

@@ -9,14 +9,14 @@ void StagedValues::add(const InspectionRequest& request) {
         bytes += (value.key.size() + value.value.size()) * sizeof(wchar_t);
     }
     if (bytes > limit) {
-        take();
+        extract();
         throw RequestError(RequestError::Code::Usage,
                            "the values of one load take more than " + std::to_string(limit) + " bytes");
     }
     values.insert(values.end(), request.values.begin(), request.values.end());
 }
 
-std::vector<InspectionRequest::Value> StagedValues::take() {
+std::vector<InspectionRequest::Value> StagedValues::extract() {
     bytes = 0;
     return std::exchange(values, {});
 }

@@ -15,7 +15,7 @@ public:
     /// Adds the values of one request. Throws RequestError (Usage) if all together exceed the limit, and removes all.
     void add(const InspectionRequest& request);
     /// Returns all values and removes them.
-    std::vector<InspectionRequest::Value> take();
+    std::vector<InspectionRequest::Value> extract();
 
 private:
     const std::size_t limit;

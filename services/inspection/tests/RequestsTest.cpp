@@ -197,10 +197,11 @@ TEST_F(InspectionRequests, SetIsOnTheDiskBeforeTheReply) {
 }
 
 TEST_F(InspectionRequests, SetRefusesWhatXmlCannotRepresentAndWhatTheKindOfTheKeyExcludes) {
-    for (const auto& request :
-         {Json{{"verb", "set"}, {"key", "a key"}, {"value", "v"}}, Json{{"verb", "set"}, {"key", ""}, {"value", "v"}},
-          Json{{"verb", "set"}, {"key", "Theme"}, {"value", std::string("\x01")}},
-          Json{{"verb", "set"}, {"key", "Telephony_Enabled"}, {"value", "perhaps"}}}) {
+    for (const auto& request : {Json{{"verb", "set"}, {"key", "a key"}, {"value", "v"}},
+                                Json{{"verb", "set"}, {"key", "a\u00D7b"}, {"value", "v"}},
+                                Json{{"verb", "set"}, {"key", ""}, {"value", "v"}},
+                                Json{{"verb", "set"}, {"key", "Theme"}, {"value", std::string("\x01")}},
+                                Json{{"verb", "set"}, {"key", "Telephony_Enabled"}, {"value", "perhaps"}}}) {
         EXPECT_EQ(peer.ask(request)["exitCode"], 1) << request;
     }
     EXPECT_EQ(peer.ask({{"verb", "get"}, {"key", "Theme"}})["value"], "system");

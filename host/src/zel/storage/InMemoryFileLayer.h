@@ -28,7 +28,7 @@ public:
 
     /// Returns true if a file or a directory exists at the path, following links.
     bool exists(const std::string& path) const;
-    /// Returns true if what is at the path was created, moved or removed in memory.
+    /// Returns true if the file or directory at the path was created, moved or removed in memory.
     bool isChanged(const std::string& path) const;
 
     int createFile(const std::string& path, Handle& handle) override;

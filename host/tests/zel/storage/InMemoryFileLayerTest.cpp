@@ -3,6 +3,7 @@
 #include "PlainText.h"
 #include "StorageProfile.h"
 #include "zel/storage/DurableFile.h"
+#include "zel/storage/PendingWrites.h"
 
 #include <kyr/FileUtils.h>
 #include <kyr/FstreamUtils.h>
@@ -32,6 +33,8 @@ using zel::storage::EncryptFileUtils;
 using zel::storage::FileKind;
 using zel::storage::FileLayer;
 using zel::storage::InMemoryFileLayer;
+using zel::storage::PendingWrites;
+using zel::storage::ProtectedText;
 using zel::storage::ReadResult;
 using zel::storage::FileCategoryType::UserData;
 
@@ -258,6 +261,17 @@ TEST_F(InMemoryProcessTest, ProtectedFilesAndTheirKeysStayInMemory) {
     EXPECT_EQ(EncryptFileUtils::readFromDisk(file, content, UserData), ReadResult::Absent);
     EXPECT_THAT(namesIn(profile.config()), IsEmpty());
     EXPECT_THAT(namesIn(profile.data()), IsEmpty());
+}
+
+TEST_F(InMemoryProcessTest, AFailedMoveKeepsThePendingContentOfAFileInMemory) {
+    const auto file = pathOf("lumoraLocalConfig.dat");
+    EXPECT_TRUE(EncryptFileUtils::writeDataToFile(file, PlainText("old"), UserData));
+    auto& writes = PendingWrites::instance();
+    const auto fail = [](const std::string&, const ProtectedText&, auto) { return std::string("full"); };
+    EXPECT_FALSE(writes.write(file, PlainText("new"), UserData, fail));
+    EXPECT_EQ(FileUtils::moveFile(file, pathOf("none/target.dat"), false), ENOENT);
+    EXPECT_TRUE(writes.find(file));
+    writes.clear();
 }
 
 TEST_F(InMemoryProcessTest, ADamagedFileIsReplacedInMemoryAndReportedAsItIsOnTheDisk) {

@@ -11,10 +11,13 @@
 
 #include <kyr/FileUtils.h>
 #include <kyr/ProcessUtils.h>
+#include <kyr/StringUtils.h>
 
 #include <algorithm>
 #include <chrono>
 #include <functional>
+#include <set>
+#include <string>
 #include <utility>
 
 namespace lumora_config {
@@ -75,9 +78,36 @@ private:
     std::vector<BundleMember> summary;
 };
 
+constexpr bool isPlain(char c) {
+    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '-' || c == '_';
+}
+
 BundleMask makeMask(const BundleContent& content) {
     return BundleMask({content.secrets, content.sensitiveKeys, ProcessUtils::getUserName(), content.chain.host});
 }
+
+/// Makes the names of the log files in an archive. Any system can unpack them: they consist of ASCII letters, digits,
+/// points, hyphens and underscores, and differ if case is ignored.
+class LogNames {
+public:
+    explicit LogNames(const BundleMask& usedMask) : mask(usedMask) {}
+
+    std::string add(const std::string& file) {
+        auto name = mask.mask(file);
+        std::ranges::replace_if(
+            name, [](char c) { return !isPlain(c) && c != '.'; }, '_');
+        const auto extension = std::min(name.rfind('.'), name.size());
+        auto unique = name;
+        for (int number = 2; !used.insert(KyrCoreUtils::toLowercase(unique)).second; ++number) {
+            unique = name.substr(0, extension) + '-' + std::to_string(number) + name.substr(extension);
+        }
+        return unique;
+    }
+
+private:
+    const BundleMask& mask;
+    std::set<std::string> used;
+};
 
 } // namespace
 
@@ -100,19 +130,17 @@ Bundle makeBundle(BundleContent content) {
     members.add("health.json", "the answer to doctor",
                 printJson([&](Printer& printer) { printer.showHealth(chain.health); }));
     members.add("versions.json", "the versions of program, libraries and system", describeVersions(content.client));
+    LogNames names(mask);
     for (const auto& log : content.logs) {
-        members.add("log/" + log.name, "a log file", mask.maskLog(log.text));
+        members.add("log/" + names.add(log.name), "a log file", mask.maskLog(log.text));
     }
     return std::move(members).finish(chain.madeAt);
 }
 
 std::string nameBundle(const std::string& configDirectory, const std::string& madeAt) {
-    const auto isPlain = [](char c) {
-        return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '-' || c == '_';
-    };
     const BundleMask mask({{}, {}, ProcessUtils::getUserName(), ProcessUtils::getHostName()});
     auto profile = mask.mask(FileUtils::getFileName(FileUtils::getParentDirectory(configDirectory)));
-    std::erase_if(profile, [&](char c) { return !isPlain(c); });
+    std::erase_if(profile, [](char c) { return !isPlain(c); });
     auto time = madeAt;
     std::erase_if(time, [&](char c) { return c == '-' || c == ':'; });
     return "lumora-config-" + (profile.empty() ? "" : profile + '-') + time + ".zip";

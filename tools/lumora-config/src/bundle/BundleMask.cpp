@@ -161,7 +161,7 @@ void BundleMask::addSecret(const std::string& form) {
 }
 
 void BundleMask::addName(const std::string& name, const std::string& marker) {
-    // The name of every machine for itself says nothing.
+    // Do not mask localhost.
     if (name.size() >= shortestName && toLower(name) != "localhost") {
         names.push_back({toLower(name), marker});
     }
@@ -201,7 +201,7 @@ std::string BundleMask::cutSecrets(std::string_view record) const {
     std::size_t from = 0;
     for (;;) {
         auto end = std::string::npos;
-        const auto note = [&](std::string_view word, const std::function<bool(std::size_t)>& accepts) {
+        const auto findEnd = [&](std::string_view word, const std::function<bool(std::size_t)>& accepts) {
             auto found = folded.find(word, from);
             while (found != std::string::npos && !accepts(found + word.size())) {
                 found = folded.find(word, found + 1);
@@ -209,10 +209,10 @@ std::string BundleMask::cutSecrets(std::string_view record) const {
             end = found == std::string::npos ? end : std::min(end, found + word.size());
         };
         for (const auto& key : sensitiveKeys) {
-            note(key, [](std::size_t) { return true; });
+            findEnd(key, [](std::size_t) { return true; });
         }
         for (const auto word : secretWords) {
-            note(word, [&](std::size_t wordEnd) { return isAssigned(folded, wordEnd); });
+            findEnd(word, [&](std::size_t wordEnd) { return isAssigned(folded, wordEnd); });
         }
         if (end == std::string::npos) {
             return std::string(record);

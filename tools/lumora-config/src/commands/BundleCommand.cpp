@@ -24,10 +24,14 @@ namespace {
 using KyrCoreUtils::FileUtils;
 using KyrCoreUtils::toString;
 
+/// Returns the log files in the folder, without those of its subfolders.
 std::vector<LogFile> readLogs(const std::string& folder) {
     std::vector<std::string> paths;
     FileUtils::getFilesFromDirectory(folder, "log", paths);
-    std::ranges::sort(paths);
+    std::erase_if(paths, [&](const std::string& path) {
+        return KyrCoreUtils::toPath(folder) / KyrCoreUtils::toPath(FileUtils::getFileName(path)) !=
+               KyrCoreUtils::toPath(path);
+    });
     std::vector<LogFile> logs;
     for (const auto& path : paths) {
         try {

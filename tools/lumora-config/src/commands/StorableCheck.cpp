@@ -2,9 +2,9 @@
 
 #include "KeyCommands.h"
 #include "output/Failure.h"
-#include "stores/XmlNames.h"
 
 #include <kyr/StringUtils.h>
+#include <kyr/XmlNames.h>
 
 #include <iomanip>
 #include <sstream>
@@ -13,6 +13,8 @@ namespace lumora_config {
 
 namespace {
 
+using KyrCoreUtils::findUnrepresentable;
+using KyrCoreUtils::isXmlName;
 using KyrCoreUtils::toString;
 using KyrCoreUtils::toWideString;
 

@@ -5,6 +5,7 @@
 
 #include <kyr/FileUtils.h>
 #include <kyr/StringUtils.h>
+#include <kyr/XmlNames.h>
 #include <zel/EncryptFileUtils.h>
 #include <zel/ProtectedText.h>
 
@@ -69,12 +70,6 @@ Category::FileCategory categoryOf(const std::string& path) {
     return isProvisioned && !isUsersFile ? Category::DeviceData : Category::UserData;
 }
 
-bool isInXml(wchar_t character) {
-    constexpr std::wstring_view blanks = L"\t\n\r";
-    return (character >= L' ' && character != L'\uFFFE' && character != L'\uFFFF') ||
-           blanks.find(character) != std::wstring_view::npos;
-}
-
 } // namespace
 
 SettingsOnDisk::~SettingsOnDisk() {
@@ -132,8 +127,9 @@ std::vector<zel::storage::ProtectedFileHealth> examineProtectedFiles(const std::
 std::wstring toStoredText(const std::wstring& value) {
     // Converts through UTF-8 because the service replaces lone surrogates in that conversion.
     auto kept = KyrCoreUtils::toWideString(KyrCoreUtils::toString(value));
-    std::ranges::replace_if(
-        kept, [](wchar_t character) { return !isInXml(character); }, L'\xFFFD');
+    while (const auto character = KyrCoreUtils::findUnrepresentable(kept)) {
+        std::ranges::replace(kept, static_cast<wchar_t>(*character), L'\xFFFD');
+    }
     return kept;
 }
 

@@ -194,6 +194,24 @@ TEST(Bundle, MasksPersonalDataAndTheNamesOfUserAndMachine) {
     EXPECT_THAT(members.at("log/lumora-config.log"), HasSubstr("on <host> by <user> sip:<user>@example.org"));
 }
 
+TEST(Bundle, ContainsTheLogsOfTheStateFolderUnderDifferentMaskedNames) {
+    const Profile profile;
+    const auto user = KyrCoreUtils::ProcessUtils::getUserName();
+    for (const auto& name :
+         {user + ".log", std::string("\u00E4.log"), std::string("\u00F6.log"), std::string("sub/a.log")}) {
+        profile.write("state/" + name, recordStart + ("the text of " + name) + '\n');
+    }
+    const auto path = getPath(profile);
+    ASSERT_EQ(profile.run({"bundle", "-o", path}).exitCode, 0);
+    std::vector<std::string> logs;
+    for (const auto& [name, content] : readArchive(path)) {
+        if (name.starts_with("log/")) {
+            logs.push_back(name);
+        }
+    }
+    EXPECT_THAT(logs, ElementsAre("log/__-2.log", "log/__.log", "log/_user_.log", "log/lumora-config.log"));
+}
+
 TEST(Bundle, ReplacesAFileOnlyIfItIsForced) {
     const Profile profile;
     const auto path = profile.write("problem.zip", "precious");
@@ -207,7 +225,7 @@ TEST(Bundle, ReplacesAFileOnlyIfItIsForced) {
     EXPECT_EQ(profile.run({"--show-secrets", "bundle", "-o", path, "--force"}).exitCode, 2);
 }
 
-TEST(Bundle, ByDefaultNamesTheProfileAndTheTimeInTheWorkingDirectory) {
+TEST(Bundle, NamesTheProfileAndTheTimeInTheWorkingDirectoryByDefault) {
     const Profile profile;
     const auto folder = profile.root() / "working";
     fs::create_directory(folder);
@@ -219,7 +237,7 @@ TEST(Bundle, ByDefaultNamesTheProfileAndTheTimeInTheWorkingDirectory) {
     EXPECT_THAT(outcome.out, StartsWith(name + '\n'));
 }
 
-TEST(Bundle, OfAShellContainsTheSameMembers) {
+TEST(Bundle, TheShellWritesTheSameMembers) {
     const Profile profile;
     const auto outcome = profile.shell({"memory Note x", "bundle -o " + getPath(profile)});
     EXPECT_EQ(outcome.exitCode, 0) << outcome.error;

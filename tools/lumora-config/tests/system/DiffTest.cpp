@@ -25,7 +25,7 @@ TEST(Diff, ListsTheDifferentKeysOfTwoProfilesWithTheirStores) {
     EXPECT_EQ(equal.out + equal.error, "");
 }
 
-TEST(Diff, WithoutOperandsComparesTheAdministratorsValuesWithThoseInForce) {
+TEST(Diff, ComparesTheAdministratorsValuesWithThoseInForceWithoutOperands) {
     const Profile profile;
     EXPECT_EQ(profile.run({"diff"}).exitCode, 0);
     profile.writePolicy("Note", "policy");

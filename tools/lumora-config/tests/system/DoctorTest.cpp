@@ -68,7 +68,7 @@ protected:
 
 class Doctor : public HealthOfAProfile {};
 
-TEST_F(Doctor, OfAGoodProfileShowsEveryFileAndExitsWith0) {
+TEST_F(Doctor, ShowsEveryFileOfAGoodProfileAndExitsWith0) {
     profile.writePolicy("Theme", "corporate");
     const auto outcome = doctor();
     EXPECT_EQ(outcome.exitCode, 0) << outcome.out;
@@ -94,7 +94,7 @@ TEST_F(Doctor, ChangesNothing) {
     EXPECT_FALSE(std::filesystem::exists(config() / (backupFile + ".unreadable")));
 }
 
-TEST_F(Doctor, AsTextMarksWhatNeedsAttentionAndCountsIt) {
+TEST_F(Doctor, MarksAndCountsWhatNeedsAttentionInItsText) {
     damage(backupFile);
     const auto outcome = profile.run({"doctor"});
     EXPECT_EQ(outcome.exitCode, 1);
@@ -171,7 +171,7 @@ TEST_F(Doctor, NamesTheProcessThatHoldsTheLock) {
     EXPECT_THAT(outcome.out, HasSubstr("in use by process " + std::to_string(shell.getProcess())));
 }
 
-TEST_F(Doctor, InTheShellSeesItsOwnLock) {
+TEST_F(Doctor, SeesItsOwnLockInTheShell) {
     const auto outcome = profile.shell({"doctor"});
     EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
     EXPECT_THAT(outcome.out, HasSubstr("held by this process"));
@@ -240,7 +240,7 @@ TEST_F(Restore, RestoresAFileAndMovesThePresentOneAside) {
     EXPECT_EQ(profile.run({"get", "Theme"}).out, "light\n");
 }
 
-TEST_F(Restore, OfAFileThatCannotBeReadIsRefused) {
+TEST_F(Restore, RefusesAFileThatCannotBeRead) {
     damage(mainFile);
     ASSERT_EQ(profile.run({"set", "Theme", "light"}).exitCode, 0);
     const auto outcome = profile.run({"restore", kept});
@@ -250,7 +250,7 @@ TEST_F(Restore, OfAFileThatCannotBeReadIsRefused) {
     EXPECT_EQ(testing_host::readFile(config() / kept), "damaged");
 }
 
-TEST_F(Restore, OfAnotherFileIsRefused) {
+TEST_F(Restore, RefusesAFileThatWasNotMovedAside) {
     for (const auto* name : {"lumoraLocalConfig.dat", "nothing", "../a.xml"}) {
         const auto outcome = profile.run({"restore", name});
         EXPECT_EQ(outcome.exitCode, 1) << name;
@@ -258,7 +258,7 @@ TEST_F(Restore, OfAnotherFileIsRefused) {
     }
 }
 
-TEST_F(Restore, InTheShellIsNotOverwrittenByTheNextSet) {
+TEST_F(Restore, IsNotOverwrittenByTheNextSetOfTheShell) {
     std::filesystem::rename(config() / mainFile, config() / kept);
     std::filesystem::remove(config() / backupFile);
     const auto outcome = profile.shell({"set Other x", "restore " + kept, "get Theme", "set Fresh y"});

@@ -89,7 +89,7 @@ std::string preloadedLibraries() {
 
 } // namespace
 
-TEST(Dump, AndLoadKeepFiveThousandRandomValues) {
+TEST(Dump, FiveThousandRandomValuesAreLoadedUnchanged) {
     const auto seed = std::random_device()();
     std::cout << "seed: " << seed << '\n';
     std::mt19937 random(seed);
@@ -159,7 +159,7 @@ TEST(Dump, WritesSecretsOnlyToFilesOfMode0600) {
     EXPECT_THAT(readFile(file), HasSubstr("connectionpassword = secret \"planted-secret\""));
 }
 
-TEST(Dump, OfAFileHasMode0600AndIsLoadedWithItsSecrets) {
+TEST(Dump, AFileHasMode0600AndIsLoadedWithItsSecrets) {
     const Profile profile;
     const Profile other;
     const auto file = profile.write("a.dump", "old");

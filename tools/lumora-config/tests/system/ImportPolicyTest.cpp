@@ -178,7 +178,7 @@ TEST(ImportPolicy, ShowsNoValue) {
     EXPECT_THAT(testing_host::readFile(installed(profile, "p.reg")), HasSubstr("planted-secret"));
 }
 
-TEST(ImportPolicy, InJsonIsOneObject) {
+TEST(ImportPolicy, PrintsOneObjectInJson) {
     const Profile profile;
     const auto file = profile.write("p.reg", version + header() + "\"A\"=\"1\"\r\n\"B\"=-\r\nrubbish\r\n[-" +
                                                  policyKey + "\\Old]\r\n");

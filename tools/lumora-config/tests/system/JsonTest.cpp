@@ -100,7 +100,7 @@ TEST(Json, EachTypeAndFieldIsOnThePage) {
     }
 }
 
-TEST(Json, OfAValueContainsStoreAndOrigin) {
+TEST(Json, AValueContainsStoreAndOrigin) {
     const Profile profile;
     const json origin{{"file", profile.defaultsFile().string()}, {"line", lineOf(profile.defaultsFile(), "\"Theme\"")}};
     EXPECT_EQ(onlyLine(profile.run({"--json", "get", "Theme"})), (json{{"type", "value"},
@@ -112,7 +112,7 @@ TEST(Json, OfAValueContainsStoreAndOrigin) {
                                                                        {"origin", origin}}));
 }
 
-TEST(Json, OfAMissingKeyIsPrintedBesideTheMessageOnStandardError) {
+TEST(Json, AMissingKeyIsPrintedBesideTheMessageOnStandardError) {
     const Profile profile;
     const auto outcome = profile.run({"--json", "get", "NoSuchKey"});
     EXPECT_EQ(outcome.exitCode, 1);
@@ -120,7 +120,7 @@ TEST(Json, OfAMissingKeyIsPrintedBesideTheMessageOnStandardError) {
     EXPECT_THAT(outcome.error, HasSubstr("no store holds the key"));
 }
 
-TEST(Json, OfAnExplanationContainsNamesValuesAndStores) {
+TEST(Json, AnExplanationContainsNamesValuesAndStores) {
     const Profile profile;
     const auto file = profile.writeDocument("old.xml", "<TftpServer1>old.example</TftpServer1>");
     const auto object =
@@ -147,7 +147,7 @@ TEST(Json, OfAnExplanationContainsNamesValuesAndStores) {
                                                      {"origin", {{"file", file}, {"line", 1}}}}})}}));
 }
 
-TEST(Json, OfAListContainsTheValues) {
+TEST(Json, AListContainsTheValues) {
     const Profile profile;
     ASSERT_EQ(profile.run({"set", "Theme", "dark"}).exitCode, 0);
     const auto object = onlyLine(profile.run({"--json", "list", "them"}));
@@ -159,14 +159,14 @@ TEST(Json, OfAListContainsTheValues) {
     EXPECT_EQ(listed.at("overridden"), true);
 }
 
-TEST(Json, OfACompletedCommandContainsItsName) {
+TEST(Json, ACompletedCommandContainsItsName) {
     const Profile profile;
     const auto object = onlyLine(profile.run({"--json", "set", "Theme", "dark"}));
     EXPECT_EQ(object.at("type"), "done");
     EXPECT_EQ(object.at("command"), "set");
 }
 
-TEST(Json, OfTheReportContainsItsText) {
+TEST(Json, TheReportContainsItsText) {
     const Profile profile;
     const auto object = onlyLine(profile.run({"--json", "report"}));
     EXPECT_EQ(object.at("type"), "report");

@@ -81,7 +81,7 @@ TEST_F(LiveSettings, LoadedValuesAreOnTheDiskWhenTheyAreReported) {
     EXPECT_EQ(profile.run({"get", "Key2999"}).out.size(), 501U);
 }
 
-TEST_F(LiveSettings, LoadOfOneRefusedValueSetsNothing) {
+TEST_F(LiveSettings, LoadSetsNothingIfOneValueIsRefused) {
     RunningProgram client(profile, {"serve", "--no-changes"});
     client.receive();
     EXPECT_EQ(profile.run({"load", "-"}, "Note = \"x\"\n").exitCode, 1);

@@ -48,27 +48,27 @@ protected:
     testing_host::SmallDisk disk{makeConfigDirectory(), std::size_t{256} << 10};
 };
 
-TEST_F(ReadBack, OfASetOnAFullDiskFails) {
+TEST_F(ReadBack, ASetOnAFullDiskFails) {
     disk.fill();
     expectNotOnDisk(profile.run({"set", "Theme", "dark"}), "Theme is set for this run only");
     disk.empty();
     EXPECT_EQ(profile.run({"get", "Theme"}).out, "system\n");
 }
 
-TEST_F(ReadBack, OfASetOnAReadOnlyDiskFailsAndNamesTheCause) {
+TEST_F(ReadBack, ASetOnAReadOnlyDiskFailsAndNamesTheCause) {
     ASSERT_TRUE(disk.setReadOnly(true));
     expectNotOnDisk(profile.run({"set", "Theme", "dark"}),
                     "Read-only file system; the program tries again until it ends");
 }
 
-TEST_F(ReadBack, OfASetInTheShellFailsAndTheShellContinues) {
+TEST_F(ReadBack, ASetInTheShellFailsAndTheShellContinues) {
     ASSERT_TRUE(disk.setReadOnly(true));
     const auto outcome = profile.shell({"set Theme dark", "get Theme"});
     expectNotOnDisk(outcome, "Theme is set for this run only");
     EXPECT_EQ(outcome.out, "dark\n");
 }
 
-TEST_F(ReadBack, OfAWorkersSetIsMadeByWait) {
+TEST_F(ReadBack, WaitReadsBackAWorkersSet) {
     ASSERT_TRUE(disk.setReadOnly(true));
     const auto outcome = profile.shell({"set Theme dark --worker", "wait"}, {"--json"});
     const auto lines = outcome.lines();
@@ -79,23 +79,23 @@ TEST_F(ReadBack, OfAWorkersSetIsMadeByWait) {
     EXPECT_EQ(outcome.exitCode, 3);
 }
 
-TEST_F(ReadBack, OfAWorkersSetIsMadeAtTheEndOfTheShell) {
+TEST_F(ReadBack, TheEndOfTheShellReadsBackAWorkersSet) {
     ASSERT_TRUE(disk.setReadOnly(true));
     expectNotOnDisk(profile.shell({"set Theme dark --worker"}), "Theme is set for this run only");
 }
 
-TEST_F(ReadBack, OfAWorkersSetThatWasResetSinceSucceeds) {
+TEST_F(ReadBack, AWorkersSetThatWasResetSinceSucceeds) {
     const auto outcome = profile.shell({"set Theme dark --worker", "reset Theme", "wait"});
     EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
 }
 
-TEST_F(ReadBack, OfAResetOnAReadOnlyDiskFails) {
+TEST_F(ReadBack, AResetOnAReadOnlyDiskFails) {
     ASSERT_TRUE(disk.setReadOnly(true));
     expectNotOnDisk(profile.run({"reset", "Kept"}), "the disk still holds the user's value");
     EXPECT_EQ(profile.run({"get", "Kept"}).out, "old\n");
 }
 
-TEST_F(ReadBack, OfAResetFailsIfTheUsersFileCannotBeRead) {
+TEST_F(ReadBack, AResetFailsIfTheUsersFileCannotBeRead) {
     RunningShell shell(profile);
     std::filesystem::remove(profile.root() / "config/lumoraLocalConfig.dat");
     std::filesystem::remove(profile.root() / "config/lumoraLocalConfig_backup.dat");
@@ -107,45 +107,45 @@ TEST_F(ReadBack, OfAResetFailsIfTheUsersFileCannotBeRead) {
     EXPECT_THAT(answer.at("message").get<std::string>(), HasSubstr("cannot be read back"));
 }
 
-TEST_F(ReadBack, OfAProvisioningOnAReadOnlyDiskFails) {
+TEST_F(ReadBack, AProvisioningOnAReadOnlyDiskFails) {
     ASSERT_TRUE(disk.setReadOnly(true));
     expectNotOnDisk(profile.run({"provision", link}), "not on the disk");
     EXPECT_EQ(profile.run({"get", "ServicesDomain", "--store", "UrlProvisioningConfigStore"}).exitCode, 1);
 }
 
-TEST_F(ReadBack, OfAResetProvisioningOnAReadOnlyDiskFails) {
+TEST_F(ReadBack, AResetProvisioningOnAReadOnlyDiskFails) {
     ASSERT_EQ(profile.run({"provision", link}).exitCode, 0);
     ASSERT_TRUE(disk.setReadOnly(true));
     expectNotOnDisk(profile.run({"reset-provisioning"}), "the disk still holds");
 }
 
-TEST_F(ReadBack, OfACopyOnAReadOnlyDiskFailsAndTheCommandStillRuns) {
+TEST_F(ReadBack, ACopyOnAReadOnlyDiskFailsAndTheCommandStillRuns) {
     ASSERT_TRUE(disk.setReadOnly(true));
     const auto outcome = profile.run({"--store", document() + ":Foreign:40:cache", "get", "FromServer"});
     expectNotOnDisk(outcome, "copy of Foreign is not on the disk");
     EXPECT_EQ(outcome.out, "x\n");
 }
 
-TEST_F(ReadBack, OfACopyInTheShellFails) {
+TEST_F(ReadBack, ACopyInTheShellFails) {
     ASSERT_TRUE(disk.setReadOnly(true));
     expectNotOnDisk(profile.shell({"add-store " + document() + ":Foreign:40:cache"}),
                     "copy of Foreign is not on the disk");
 }
 
-TEST_F(ReadBack, OfARemovedStoreOnAReadOnlyDiskFails) {
+TEST_F(ReadBack, ARemovedStoreOnAReadOnlyDiskFails) {
     ASSERT_EQ(profile.run({"--store", document() + ":Foreign:40:cache", "stores"}).exitCode, 0);
     ASSERT_TRUE(disk.setReadOnly(true));
     expectNotOnDisk(profile.run({"remove-store", "Foreign"}), "Foreign");
     EXPECT_EQ(profile.run({"get", "FromServer"}).out, "x\n");
 }
 
-TEST_F(ReadBack, OfAResetOfTheDataOnAReadOnlyDiskFails) {
+TEST_F(ReadBack, AResetOfTheDataOnAReadOnlyDiskFails) {
     ASSERT_TRUE(disk.setReadOnly(true));
     expectNotOnDisk(profile.run({"reset-data", "--yes"}), "the reset is not complete: ");
     EXPECT_EQ(profile.run({"get", "Kept"}).out, "old\n");
 }
 
-TEST_F(ReadBack, OfValuesWithBlanksAndMarkupSucceeds) {
+TEST_F(ReadBack, ValuesWithBlanksAndMarkupAreReadBack) {
     const std::string odd = " \tblanks\nand <markup/> & \"quotes\" \r\n";
     EXPECT_EQ(profile.run({"set", "Odd", odd}).exitCode, 0);
     EXPECT_EQ(profile.run({"get", "Odd"}).out, odd + "\n");
@@ -155,7 +155,7 @@ TEST_F(ReadBack, OfValuesWithBlanksAndMarkupSucceeds) {
     EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
 }
 
-TEST(ReadBackOfSet, OfAnOldNameStoredUnderItsNewNameSucceeds) {
+TEST(ReadBackOfSet, SucceedsForAnOldNameStoredUnderItsNewName) {
     const Profile profile;
     const auto outcome = profile.run({"set", "VVM_Mailstore_Server_0", "v.example"});
     EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
@@ -163,7 +163,7 @@ TEST(ReadBackOfSet, OfAnOldNameStoredUnderItsNewNameSucceeds) {
     EXPECT_EQ(profile.run({"get", "VoicemailPrimaryServer"}).exitCode, 1);
 }
 
-TEST(ReadBackOfSet, WithADamagedBackupIsOnDisk) {
+TEST(ReadBackOfSet, SucceedsWithADamagedBackup) {
     const Profile profile;
     ASSERT_EQ(profile.run({"set", "Theme", "dark"}).exitCode, 0);
     profile.write("config/lumoraLocalConfig_backup.dat", "damaged");
@@ -183,7 +183,7 @@ TEST(ReadBackOfSet, FailsAndNamesTheBackupIfItIsDamagedDuringTheRun) {
     EXPECT_THAT(std::string(answer.at("message")), HasSubstr("is not written while its backup is damaged"));
 }
 
-TEST(ReadBackOfSet, AfterAPowerDownFailsUntilARefresh) {
+TEST(ReadBackOfSet, FailsAfterAPowerDownUntilARefresh) {
     const Profile profile;
     const auto outcome = profile.shell({"power-down", "set Theme dark", "refresh", "set Theme light"}, {"--json"});
     const auto lines = outcome.lines();
@@ -195,14 +195,14 @@ TEST(ReadBackOfSet, AfterAPowerDownFailsUntilARefresh) {
     EXPECT_EQ(profile.run({"get", "Theme"}).out, "light\n");
 }
 
-TEST(ReadBackOfSet, InSdkModeReportsThatTheSettingIsVolatile) {
+TEST(ReadBackOfSet, ReportsInSdkModeThatTheSettingIsVolatile) {
     Profile profile;
     const auto outcome = withSdkMode(profile).run({"set", "Theme", "dark"});
     EXPECT_EQ(outcome.exitCode, 3);
     EXPECT_THAT(outcome.error, AllOf(HasSubstr("for this run only"), HasSubstr("SDK mode")));
 }
 
-TEST(ReadBackOfCopies, InSdkModeReportsThatThereIsNone) {
+TEST(ReadBackOfCopies, ReportsInSdkModeThatThereIsNone) {
     Profile profile;
     const auto file = profile.writeDocument("a.xml", "<FromServer>x</FromServer>");
     const auto outcome = withSdkMode(profile).run({"--store", file + ":Foreign:40:cache", "get", "FromServer"});
@@ -270,7 +270,7 @@ TEST_F(PendingChange, IsNotLostByARefresh) {
     EXPECT_EQ(outcome.out, "1\n");
 }
 
-TEST(ReadBackOfAReset, OfTheUsersLastKeyFindsItRemoved) {
+TEST(ReadBackOfAReset, FindsTheUsersLastKeyRemoved) {
     const Profile profile;
     ASSERT_EQ(profile.run({"set", "Theme", "dark"}).exitCode, 0);
     const auto outcome = profile.run({"reset", "Theme"});
@@ -278,7 +278,7 @@ TEST(ReadBackOfAReset, OfTheUsersLastKeyFindsItRemoved) {
     EXPECT_EQ(profile.run({"get", "Theme"}).out, "system\n");
 }
 
-TEST(ReadBackOfAReset, OfProvisioningAsTheLastKeyFindsItRemoved) {
+TEST(ReadBackOfAReset, FindsProvisioningRemovedIfItWasTheLastKey) {
     const Profile profile;
     ASSERT_EQ(profile.run({"provision", link}).exitCode, 0);
     const auto outcome = profile.run({"reset-provisioning"});

@@ -112,7 +112,7 @@ TEST(Explain, ShowsThatTheUserOverridesTheAdministrator) {
     EXPECT_THAT(outcome.out, ContainsRegex("overridden +yes\n"));
 }
 
-TEST(Explain, OfAnUnknownKeyShowsTheChainAndExitsWith1) {
+TEST(Explain, ShowsTheChainAndExitsWith1ForAnUnknownKey) {
     const Profile profile;
     const auto outcome = profile.run({"explain", "NoSuchKey"});
     EXPECT_EQ(outcome.exitCode, 1);
@@ -140,7 +140,7 @@ TEST(List, ShowsKeysByPrefixAndMarksWhatIsOverridden) {
     EXPECT_THAT(outcome.out, Not(ContainsRegex("[Tt]heme")));
 }
 
-TEST(List, WithoutAMatchExitsWith1) {
+TEST(List, ExitsWith1WithoutAMatch) {
     const Profile profile;
     EXPECT_EQ(profile.run({"list", "NoSuchPrefix"}).exitCode, 1);
 }

@@ -33,7 +33,7 @@ protected:
     const std::string wholeRecord = "MyTFTP:51;Tftp:61;TFTPConfigStore:41;\n";
 };
 
-TEST_F(RemoveStore, OfANameThatIsPartOfOthersChangesNothing) {
+TEST_F(RemoveStore, ANameThatIsPartOfOthersChangesNothing) {
     for (const auto* name : {"TFT", "FTP", "MyTFTP:51", "config", ""}) {
         const auto outcome = profile.run({"remove-store", name});
         EXPECT_EQ(outcome.exitCode, 1) << name;
@@ -52,7 +52,7 @@ TEST_F(RemoveStore, DoesNotChangeTheRecordsOfOtherStores) {
     EXPECT_THAT(stores(), AllOf(Contains("MyTFTP"), Contains("TFTPConfigStore"), Not(Contains("Tftp"))));
 }
 
-TEST_F(RemoveStore, OfAStoreWithoutRecordDoesNotChangeTheOthers) {
+TEST_F(RemoveStore, AStoreWithoutRecordDoesNotChangeTheOthers) {
     const auto file = profile.writeDocument("b.xml", "<Other>x</Other>");
     const auto outcome = profile.run({"--store", file + ":Config:70", "remove-store", "Config"});
     EXPECT_EQ(outcome.exitCode, 0);
@@ -68,7 +68,7 @@ TEST_F(RemoveStore, DeletesTheCopyOfAStoreThatWasReadFromIt) {
     EXPECT_THAT(stores(), Not(Contains("MyTFTP")));
 }
 
-TEST_F(RemoveStore, InAnotherCaseDeletesTheCopyUnderTheStoresOwnName) {
+TEST_F(RemoveStore, DeletesTheCopyUnderTheStoresOwnNameIfTheCaseDiffers) {
     const auto outcome = profile.run({"remove-store", "MYtftp"});
     EXPECT_EQ(outcome.error, "MyTFTP removed; its copy on the disk is deleted\n");
     EXPECT_FALSE(std::filesystem::exists(copyOf("MyTFTP")));
@@ -88,7 +88,7 @@ TEST_F(RemoveStore, ReportsThatAnUncachedStoreHasNoCopy) {
     EXPECT_EQ(outcome.error, "Plain removed; it has no copy on the disk\n");
 }
 
-TEST_F(RemoveStore, OfAStoreOfTheProductReportsThatTheNextStartCreatesItAgain) {
+TEST_F(RemoveStore, ReportsThatTheNextStartCreatesAStoreOfTheProductAgain) {
     const auto outcome = profile.run({"remove-store", "RegistryConfigStore"});
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_THAT(outcome.error, HasSubstr("removed for this run; the next start creates it again"));
@@ -96,7 +96,7 @@ TEST_F(RemoveStore, OfAStoreOfTheProductReportsThatTheNextStartCreatesItAgain) {
     EXPECT_EQ(record(), wholeRecord);
 }
 
-TEST_F(RemoveStore, OfTheUsersStoreDoesNotChangeItsFile) {
+TEST_F(RemoveStore, DoesNotChangeTheFileOfTheUsersStore) {
     ASSERT_EQ(profile.run({"set", "Theme", "dark"}).exitCode, 0);
     const auto outcome = profile.run({"remove-store", "LocalFileConfigStore"});
     EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
@@ -118,7 +118,7 @@ TEST_F(RemoveStore, IsRefusedWhileTheFeatureSetIsStopped) {
     EXPECT_EQ(record(), wholeRecord);
 }
 
-TEST_F(RemoveStore, OfANameThatLeadsOutOfTheFolderDeletesNoOtherFile) {
+TEST_F(RemoveStore, ANameThatLeadsOutOfTheFolderDeletesNoOtherFile) {
     const auto file = profile.writeDocument("b.xml", "<Other>x</Other>");
     std::filesystem::create_directories(profile.root() / "config/Cache/cachedF");
     const auto victim = profile.write("victim.dat", "precious");

@@ -71,7 +71,7 @@ TEST(Report, ATargetThatIsNotARegularFileIsRefused) {
     }
 }
 
-TEST(Report, OfALinkReplacesItsTarget) {
+TEST(Report, ReplacesTheTargetOfALink) {
     const Profile profile;
     const auto link = profile.root() / "link";
     fs::create_symlink(profile.write("target", "old"), link);

@@ -41,7 +41,7 @@ TEST(Search, MatchesValues) {
     EXPECT_THAT(listKeys(profile, {"--value", "--regexp", "^some\\b"}), ElementsAre("PolicyNote"));
 }
 
-TEST(Search, OfValuesRevealsNoSecret) {
+TEST(Search, RevealsNoSecretWhenItSearchesValues) {
     const Profile profile;
     ASSERT_EQ(profile.run({"set", "connectionpassword", "planted-secret"}).exitCode, 0);
     EXPECT_EQ(profile.run({"list", "--value", "planted"}).exitCode, 1);

@@ -26,7 +26,7 @@ Outcome runInto(const char* redirection, const Profile& profile, const Arguments
 
 } // namespace
 
-TEST(StandardOutput, ThatIsFullIsAnError) {
+TEST(StandardOutput, IsAnErrorIfItIsFull) {
     const Profile profile;
     for (const auto& arguments : {Arguments{"get", "Theme"}, Arguments{"--json", "list"}, Arguments{"report"},
                                   Arguments{"--help"}, Arguments{"--version"}}) {
@@ -36,7 +36,7 @@ TEST(StandardOutput, ThatIsFullIsAnError) {
     }
 }
 
-TEST(StandardOutput, ThatIsClosedIsAnErrorAndDamagesNoFile) {
+TEST(StandardOutput, IsAnErrorIfItIsClosedAndNoFileIsDamaged) {
     const Profile profile;
     const auto outcome = runInto(toClosedStream, profile, {"shell"}, "set Greeting hello\nget Greeting\n");
     EXPECT_EQ(outcome.exitCode, 3);
@@ -44,7 +44,7 @@ TEST(StandardOutput, ThatIsClosedIsAnErrorAndDamagesNoFile) {
     EXPECT_EQ(profile.run({"get", "Greeting"}).out, "hello\n");
 }
 
-TEST(StandardOutput, ThatIsNotNeededMayBeClosedOrFull) {
+TEST(StandardOutput, MayBeClosedOrFullIfItIsNotNeeded) {
     const Profile profile;
     for (const auto* redirection : {toFullDevice, toClosedStream, toClosedPipe}) {
         const auto outcome = runInto(redirection, profile, {"set", "Theme", "dark"});
@@ -52,7 +52,7 @@ TEST(StandardOutput, ThatIsNotNeededMayBeClosedOrFull) {
     }
 }
 
-TEST(StandardOutput, ThatNobodyReadsEndsWithoutAMessage) {
+TEST(StandardOutput, TheProgramEndsWithoutAMessageIfNobodyReads) {
     const Profile profile;
     for (const auto& arguments : {Arguments{"get", "Theme"}, Arguments{"--json", "list"}, Arguments{"report"},
                                   Arguments{"--help"}, Arguments{"--version"}}) {
@@ -62,7 +62,7 @@ TEST(StandardOutput, ThatNobodyReadsEndsWithoutAMessage) {
     }
 }
 
-TEST(StandardOutput, ThatNobodyReadsEndsTheShellWithAcknowledgedChangesOnDisk) {
+TEST(StandardOutput, TheShellEndsWithAcknowledgedChangesOnDiskIfNobodyReads) {
     const Profile profile;
     const auto outcome =
         runInto(toClosedPipe, profile, {"shell"}, "set First 1\nget First\nset Second 2\nget Second\n");
@@ -72,7 +72,7 @@ TEST(StandardOutput, ThatNobodyReadsEndsTheShellWithAcknowledgedChangesOnDisk) {
     EXPECT_EQ(profile.run({"get", "Second"}).exitCode, 1);
 }
 
-TEST(StandardOutput, ThatIsFullEndsTheShellWithAnError) {
+TEST(StandardOutput, TheShellEndsWithAnErrorIfItIsFull) {
     const Profile profile;
     const auto outcome = runInto(toFullDevice, profile, {"shell"}, "get NoSuchKey\nget Theme\nset Second 2\n");
     EXPECT_EQ(outcome.exitCode, 3);

@@ -225,7 +225,7 @@ TEST_F(ReadingBesideOthers, TheServiceSeesItsOwnChangesInOneRun) {
     EXPECT_EQ(profile.run({"get", "VoicemailPrimaryServer"}).out, "voicemail.example.org\n") << "in memory only";
 }
 
-TEST_F(ReadingBesideOthers, AWriterDoesNotHinderThem) {
+TEST_F(ReadingBesideOthers, IsNotHinderedByAWriter) {
     const RunningShell writer(profile);
     for (const Arguments& command : {Arguments{"get", "Theme"}, {"describe", "Theme"}, {"dump"}, {"doctor"}}) {
         const auto outcome = profile.run(command);
@@ -237,7 +237,7 @@ TEST_F(ReadingBesideOthers, AWriterDoesNotHinderThem) {
     EXPECT_THAT(second.error, HasSubstr("in use by process " + std::to_string(writer.getProcess())));
 }
 
-TEST_F(ReadingBesideOthers, TheyDoNotHinderAWriter) {
+TEST_F(ReadingBesideOthers, DoesNotHinderAWriter) {
     std::vector<std::future<int>> readers;
     for (int reader = 0; reader < 4; ++reader) {
         readers.push_back(std::async(std::launch::async, [this] {

@@ -104,7 +104,7 @@ TEST(Reset, RemovesBothNamesOfAKey) {
     EXPECT_EQ(profile.run({"get", "TFTPPrimaryServer"}).exitCode, 1);
 }
 
-TEST(Reset, OfAKeyThatTheUserNeverSetIsRefused) {
+TEST(Reset, RefusesAKeyThatTheUserNeverSet) {
     const Profile profile;
     const auto outcome = profile.run({"reset", "Theme"});
     EXPECT_EQ(outcome.exitCode, 1);
@@ -128,14 +128,14 @@ TEST(Provision, StoresTheSettingsOfOneUrlUntilAnotherIsAllowed) {
     EXPECT_EQ(profile.run({"provision", url}).exitCode, 0);
 }
 
-TEST(Provision, OfAUrlWithoutSettingsIsRefused) {
+TEST(Provision, RefusesAUrlWithoutSettings) {
     const Profile profile;
     const auto outcome = profile.run({"provision", "lumora://provision?Unknown=1"});
     EXPECT_EQ(outcome.exitCode, 1);
     EXPECT_THAT(outcome.error, HasSubstr("no setting"));
 }
 
-TEST(ResetProvisioning, WithoutAPriorProvisioningIsRefused) {
+TEST(ResetProvisioning, IsRefusedWithoutAPriorProvisioning) {
     const Profile profile;
     EXPECT_EQ(profile.run({"reset-provisioning"}).exitCode, 1);
 }

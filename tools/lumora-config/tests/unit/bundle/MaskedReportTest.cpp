@@ -29,7 +29,7 @@ TEST(MaskedReport, IsADocumentWithMaskedValues) {
                               HasSubstr("<path>/home/&lt;user&gt;</path>"), Not(HasSubstr("other service"))));
 }
 
-TEST(MaskedReport, OfAnIllFormedReportFails) {
+TEST(MaskedReport, FailsForAnIllFormedReport) {
     EXPECT_THROW(maskReport("<AllMemoryConfigs><1></1></AllMemoryConfigs>", getMask()), Failure);
     EXPECT_THROW(maskReport("no report", getMask()), Failure);
 }

@@ -30,7 +30,7 @@ TEST(CachedCopyRecord, ARepeatedStoreKeepsItsFirstSpellingAndItsLastPriority) {
     EXPECT_EQ(entry->priority, L"2");
 }
 
-TEST(CachedCopyRecord, WithoutAStoreKeepsAllOtherPartsUnchanged) {
+TEST(CachedCopyRecord, KeepsAllOtherPartsWhenAStoreIsRemoved) {
     EXPECT_EQ(CachedCopyRecord(L"ATFTP:31;junk;Tftp:41;TftpX:7").without(L"TFTP"), L"ATFTP:31;junk;TftpX:7");
     EXPECT_EQ(CachedCopyRecord(L"Foo:1;foo:2;").without(L"FOO"), L"");
     EXPECT_EQ(CachedCopyRecord(L"Foo:1;").without(L"Fo"), L"Foo:1;");

@@ -87,7 +87,7 @@ TEST(TextTable, DoesNotTruncateForAPipe) {
     }
 }
 
-TEST(TextTable, WithoutPaddingOnlyGapsSeparateCells) {
+TEST(TextTable, OnlyGapsSeparateCellsWithoutPadding) {
     EXPECT_EQ(makeList("key", "value").toString(pipe, Padding::None), "  KEY  VALUE  STORE\n"
                                                                       "  key  value  A\n"
                                                                       "*  short  1  Second\n");

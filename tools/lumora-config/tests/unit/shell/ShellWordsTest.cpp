@@ -28,7 +28,7 @@ TEST(ShellWords, KeepTheCharacterAfterABackslash) {
 }
 
 /// A split with quadratic time would take hours.
-TEST(ShellWords, OfALongLineTakeLinearTime) {
+TEST(ShellWords, AreSplitInLinearTime) {
     const std::string longWord(5'000'000, 'x');
     EXPECT_THAT(splitWords("set Key " + longWord), ElementsAre("set", "Key", longWord));
     EXPECT_THAT(splitWords("set Key \"" + longWord + '"'), ElementsAre("set", "Key", longWord));
@@ -43,11 +43,11 @@ TEST(ShellWords, RefuseAnOpenQuote) {
     EXPECT_THROW(splitWords("set 'Key"), Failure);
 }
 
-TEST(ShellWords, OfAnEmptyLineAreNone) {
+TEST(ShellWords, AnEmptyLineHasNone) {
     EXPECT_THAT(splitWords(" \t"), IsEmpty());
 }
 
-TEST(ShellWords, OfAnUnfinishedLineEndWithTheWordAtItsEnd) {
+TEST(ShellWords, AnUnfinishedLineEndsWithTheWordAtItsEnd) {
     EXPECT_THAT(splitUnfinished("get ").words, ElementsAre("get", ""));
     EXPECT_EQ(splitUnfinished("get ").lastStart, 4U);
     EXPECT_THAT(splitUnfinished(R"(get "a ke)").words, ElementsAre("get", "a ke"));

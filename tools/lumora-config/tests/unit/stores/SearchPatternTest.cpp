@@ -8,7 +8,7 @@ namespace lumora_config {
 
 using PatternKind = SearchPattern::Kind;
 
-TEST(SearchPattern, WithoutWildcardsMatchesTheStartOrAnyPart) {
+TEST(SearchPattern, MatchesTheStartOrAnyPartWithoutWildcards) {
     EXPECT_TRUE(SearchPattern(L"the", PatternKind::Prefix).matches(L"Theme"));
     EXPECT_FALSE(SearchPattern(L"eme", PatternKind::Prefix).matches(L"Theme"));
     EXPECT_TRUE(SearchPattern(L"EME", PatternKind::Part).matches(L"Theme"));

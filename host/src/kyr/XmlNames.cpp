@@ -1,10 +1,12 @@
-#include "XmlNames.h"
+#include "CodePoints.h"
+
+#include <kyr/XmlNames.h>
 
 #include <algorithm>
 #include <array>
 #include <span>
 
-namespace lumora_config {
+namespace KyrCoreUtils {
 
 namespace {
 
@@ -39,23 +41,11 @@ bool isIn(std::span<const Range> ranges, char32_t c) {
     return std::ranges::any_of(ranges, [c](const Range& range) { return c >= range.first && c <= range.last; });
 }
 
-bool isSurrogate(char32_t unit, char32_t first) {
-    return unit >= first && unit < first + 0x400;
-}
-
 /// Removes the first code point from a non-empty text and returns it. Returns a lone surrogate unchanged.
 char32_t removeFirstCodePoint(std::wstring_view& text) {
-    constexpr char32_t firstHigh = 0xD800;
-    constexpr char32_t firstLow = 0xDC00;
-    const auto unit = static_cast<char32_t>(text.front());
-    text.remove_prefix(1);
-    if (sizeof(wchar_t) == sizeof(char32_t) || !isSurrogate(unit, firstHigh) || text.empty() ||
-        !isSurrogate(static_cast<char32_t>(text.front()), firstLow)) {
-        return unit;
-    }
-    const auto low = static_cast<char32_t>(text.front()) - firstLow;
-    text.remove_prefix(1);
-    return 0x10000 + ((unit - firstHigh) << 10U) + low;
+    const auto decoded = codepoints::decodeWide(text, 0);
+    text.remove_prefix(decoded.length);
+    return decoded.value;
 }
 
 } // namespace
@@ -83,4 +73,4 @@ std::optional<char32_t> findUnrepresentable(std::wstring_view text) {
     return std::nullopt;
 }
 
-} // namespace lumora_config
+} // namespace KyrCoreUtils
