@@ -55,7 +55,7 @@ private:
     const PostToSocket postToSocket;
     ChangeQueue queue;
     ChangeQueue::Batch current; ///< The changes in distribution.
-    std::size_t next = 0;     ///< The index of the first change in distribution that was not sent.
+    std::size_t next = 0;       ///< The index of the first change in distribution that was not sent.
     bool isScheduled = false;
     bool isWaiting = false; ///< A watcher needs time.
     std::set<Watcher*> watchers;
