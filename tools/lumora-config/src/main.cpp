@@ -135,12 +135,14 @@ bool mayAskClient(const CommandLine& line) {
 }
 
 /// Asks the client that uses the profile, if there is one. Returns nothing if there is none.
-std::optional<SettingsDump> readLive(const CommandLine& line, const std::string& source) {
+std::optional<SettingsDump> readLive(const CommandLine& line, Printer& printer, const std::string& source) {
     KyrCoreUtils::FileUtils::overrideDirectories(line.directories);
     InspectionClient client;
     if (!client.isConnected()) {
         return std::nullopt;
     }
+    CommandInput input;
+    LiveCommands(client, input, printer, line.showSecrets).announce();
     return LiveSettings(client).read(source, true);
 }
 
@@ -155,7 +157,7 @@ SettingsDump readProfile(const CommandLine& line, Printer& printer, const std::s
         }
     }
     if (mayAskClient(opened)) {
-        if (auto live = readLive(opened, source)) {
+        if (auto live = readLive(opened, printer, source)) {
             return std::move(*live);
         }
     }
@@ -195,6 +197,9 @@ ExitCode serve(Session& session, const Command& command, Printer& printer) {
 }
 
 ExitCode watch(const CommandLine& line, Outputs& outputs) {
+    if (line.offline) {
+        throw Failure(ExitCode::Usage, "--offline excludes 'watch', which needs a running client");
+    }
     KyrCoreUtils::FileUtils::overrideDirectories(line.directories);
     ChangeWatch watch(outputs.answers, outputs.messages, line.json ? ChangeWatch::Form::Json : ChangeWatch::Form::Text,
                       line.command.watched, line.showSecrets);

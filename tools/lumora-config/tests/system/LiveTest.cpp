@@ -254,6 +254,16 @@ TEST_F(Live, WatchWithoutAClientFailsAndLeavesTheProfileUntouched) {
     EXPECT_FALSE(std::filesystem::exists(profile.root() / "state"));
 }
 
+TEST_F(Live, WatchOfflineIsAWrongUse) {
+    RunningProgram client(profile, {"serve"});
+    client.receive();
+    for (const Arguments& command : {Arguments{"--offline", "watch"}, {"--offline", "watch", "--follow"}}) {
+        RunningProgram watch(profile, command);
+        EXPECT_THAT(watch.receiveMessage(), HasSubstr("--offline excludes 'watch'"));
+        EXPECT_EQ(watch.waitForEnd(), 2);
+    }
+}
+
 TEST_F(Live, WatchFollowsAClientThatIsKilledAndStartedAgain) {
     RunningProgram watch(profile, {"watch", "--follow", "Theme"});
     for (const auto* value : {"dark", "light"}) {
