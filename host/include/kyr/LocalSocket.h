@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace KyrCoreUtils {
 
@@ -18,6 +19,10 @@ public:
     /// ($XDG_RUNTIME_DIR). Without a runtime directory, or if the path would be too long for a socket, it is in the
     /// folder "lumora" of `stateDirectory`. Creates nothing.
     static std::string getPathFor(const std::string& directory, const std::string& stateDirectory);
+
+    /// Returns all paths that getPathFor() may return, its own one first. A process with another runtime directory, or
+    /// without one, listens on another path than this process would.
+    static std::vector<std::string> getPathsFor(const std::string& directory, const std::string& stateDirectory);
 
     /// The process at the other end of a connection, as the system reports it.
     struct Peer {

@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <utility>
 
 namespace zel::platform {
 
@@ -40,17 +41,20 @@ bool LocalSocket::isSupported() noexcept {
 }
 
 std::string LocalSocket::getPathFor(const std::string& directory, const std::string& stateDirectory) {
+    auto paths = getPathsFor(directory, stateDirectory);
+    return paths.empty() ? std::string() : std::move(paths.front());
+}
+
+std::vector<std::string> LocalSocket::getPathsFor(const std::string& directory, const std::string& stateDirectory) {
     const auto name = zel::platform::digestDirectory(directory) + ".sock";
+    std::vector<std::string> paths;
     for (const auto& parent : {runtimeDirectory(), stateDirectory}) {
-        if (parent.empty()) {
-            continue;
-        }
         auto path = parent + "/lumora/" + name;
-        if (path.size() <= zel::platform::longestSocketPath) {
-            return path;
+        if (!parent.empty() && path.size() <= zel::platform::longestSocketPath) {
+            paths.push_back(std::move(path));
         }
     }
-    return {};
+    return paths;
 }
 
 std::optional<LocalSocket::Peer> LocalSocket::getPeer(int descriptor) noexcept {

@@ -16,6 +16,11 @@ std::string LocalSocket::getPathFor(const std::string& /*directory*/, const std:
     return {};
 }
 
+std::vector<std::string> LocalSocket::getPathsFor(const std::string& /*directory*/,
+                                                  const std::string& /*stateDirectory*/) {
+    return {};
+}
+
 std::optional<LocalSocket::Peer> LocalSocket::getPeer(int /*descriptor*/) noexcept {
     return std::nullopt;
 }

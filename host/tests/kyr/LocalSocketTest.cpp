@@ -48,6 +48,18 @@ TEST(LocalSocket, PathIsInTheRuntimeDirectoryElseInTheStateDirectory) {
     }
 }
 
+TEST(LocalSocket, AllPathsContainTheOneOfAProcessWithoutARuntimeDirectory) {
+    std::string without;
+    {
+        const RuntimeDirectory runtime("");
+        without = LocalSocket::getPathFor("/home/a/config", "/home/a/state");
+        EXPECT_EQ(LocalSocket::getPathsFor("/home/a/config", "/home/a/state"), std::vector{without});
+    }
+    const RuntimeDirectory runtime("/run/user/7");
+    const auto with = LocalSocket::getPathFor("/home/a/config", "/home/a/state");
+    EXPECT_EQ(LocalSocket::getPathsFor("/home/a/config", "/home/a/state"), (std::vector{with, without}));
+}
+
 TEST(LocalSocket, PathIsShortEnoughForASocketOrEmpty) {
     const RuntimeDirectory runtime("");
     const std::string directory(300, 'd');

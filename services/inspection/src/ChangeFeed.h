@@ -34,13 +34,19 @@ public:
     void add(Watcher& watcher, std::function<void()> ready);
     /// Must be called before the watcher is destroyed.
     void remove(Watcher& watcher);
+    /// Distributes on, after a watcher that needed time.
+    void resume();
 
     void OnRecordChanged(const std::wstring& key, const ZelUnified::ConfigRecordState& before,
                          const ZelUnified::ConfigRecordState& after) override;
 
 private:
+    /// Distributes a slice of the changes later, so that the connections can write between two slices.
+    void schedule();
     void distribute();
-    void send(const Change& change) const;
+    void sendSlice();
+    /// Returns false, and sends nothing, if one of the watchers needs time.
+    bool send(const Change& change) const;
     /// Tells each watcher how many events it missed, if any.
     void reportLost(const ChangeQueue::Batch& batch) const;
 
@@ -48,6 +54,10 @@ private:
     const ServicesTasks tasks;
     const PostToSocket postToSocket;
     ChangeQueue queue;
+    ChangeQueue::Batch current; ///< The changes in distribution.
+    std::size_t next = 0;       ///< The index of the first change in distribution that was not sent.
+    bool isScheduled = false;
+    bool isWaiting = false; ///< A watcher needs time.
     std::set<Watcher*> watchers;
 };
 

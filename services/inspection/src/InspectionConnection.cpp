@@ -21,6 +21,7 @@ InspectionConnection::InspectionConnection(Socket peerSocket, std::shared_ptr<as
       feed(std::move(changeFeed)),
       ended(std::move(endedCallback)),
       deadline(*socketContext),
+      catchUp(*socketContext),
       staged(limits.stagedBytes) {}
 
 void InspectionConnection::start() {
@@ -37,6 +38,7 @@ void InspectionConnection::close() {
     }
     std::error_code ignored;
     deadline.cancel();
+    catchUp.cancel();
     socket.close(ignored);
     std::exchange(ended, nullptr)(shared_from_this());
 }
@@ -176,11 +178,34 @@ void InspectionConnection::reply(const Json& object) {
     send({std::make_shared<const std::string>(toLine(object)), 0});
 }
 
+bool InspectionConnection::fits(std::size_t bytes, std::size_t count) const {
+    return events + count <= limits.queuedEvents && eventBytes + bytes <= limits.queuedBytes;
+}
+
+bool InspectionConnection::needsTime(std::size_t bytes, std::size_t count) {
+    if (!socket.is_open() || isSlow || lost != 0 || events == 0 || fits(bytes, count) ||
+        limits.catchUpTime == std::chrono::milliseconds::zero()) {
+        return false;
+    }
+    if (std::exchange(isCatchingUp, true)) {
+        return true;
+    }
+    catchUp.expires_after(limits.catchUpTime);
+    catchUp.async_wait([self = shared_from_this()](const std::error_code& cancelled) {
+        if (!cancelled && self->isCatchingUp && self->catchUp.expiry() <= asio::steady_timer::clock_type::now()) {
+            self->isCatchingUp = false;
+            self->isSlow = true;
+            self->feed->resume();
+        }
+    });
+    return true;
+}
+
 void InspectionConnection::sendEvents(const std::shared_ptr<const std::string>& lines, std::size_t count) {
     if (!socket.is_open()) {
         return;
     }
-    if (lost != 0 || events + count > limits.queuedEvents || eventBytes + lines->size() > limits.queuedBytes) {
+    if (lost != 0 || !fits(lines->size(), count)) {
         lost += count;
         return;
     }
@@ -205,6 +230,7 @@ void InspectionConnection::send(Message message) {
 
 /// Sends the next message. One event replaces the lost ones, in their place: once all older events are sent.
 void InspectionConnection::writeNext() {
+    isSlow = isSlow && !outbox.empty();
     if (outbox.empty() && lost != 0) {
         send({std::make_shared<const std::string>(makeLostLine(std::exchange(lost, 0))), 1});
         return;
@@ -233,7 +259,18 @@ void InspectionConnection::onWritten() {
     writeNext();
     if (written.events == 0) {
         handleNextLine();
+    } else {
+        onEventsWritten();
     }
+}
+
+void InspectionConnection::onEventsWritten() {
+    if (!isCatchingUp || events > limits.queuedEvents / 2 || eventBytes > limits.queuedBytes / 2) {
+        return;
+    }
+    isCatchingUp = false;
+    catchUp.cancel();
+    feed->resume();
 }
 
 void InspectionConnection::enterWaiting() {

@@ -33,6 +33,7 @@ public:
     void start();
     void close();
 
+    bool needsTime(std::size_t bytes, std::size_t count) override;
     void sendEvents(const std::shared_ptr<const std::string>& lines, std::size_t count) override;
     void addLost(std::size_t count) override;
 
@@ -60,6 +61,9 @@ private:
     RequestRunner::Answer makeAnswer();
     void reply(const Json& object);
     void send(Message message);
+    bool fits(std::size_t bytes, std::size_t count) const;
+    /// Lets the feed distribute on once the queue of events is half empty.
+    void onEventsWritten();
     void writeNext();
     void onWritten();
 
@@ -75,6 +79,7 @@ private:
     const std::shared_ptr<ChangeFeed> feed;
     Ended ended;
     asio::steady_timer deadline;
+    asio::steady_timer catchUp; ///< Runs while the feed waits for the peer.
     Phase phase = Phase::Starting;
     std::array<char, 16384> chunk{};
     std::string received;     ///< Bytes of requests that were not handled yet.
@@ -88,6 +93,8 @@ private:
     std::size_t eventBytes = 0; ///< Bytes of the queued events.
     std::size_t events = 0;
     std::size_t lost = 0; ///< Events since the queue was full.
+    bool isCatchingUp = false;
+    bool isSlow = false; ///< The feed does not wait for it until it has read everything.
 };
 
 } // namespace inspection

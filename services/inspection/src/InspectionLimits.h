@@ -11,11 +11,13 @@ struct InspectionLimits {
     std::size_t connections = 256;
     /// The values of one `load`, which may take several requests.
     std::size_t stagedBytes = std::size_t{64} * 1024 * 1024;
-    /// A watcher that does not read misses changes beyond these.
+    /// A watcher that reads too slowly misses changes beyond these.
     std::size_t queuedEvents = 1000;
     std::size_t queuedBytes = std::size_t{4} * 1024 * 1024;
-    /// Changes that the socket's thread has not distributed yet.
-    std::size_t queuedChanges = 4096;
+    /// The time for which the distribution waits until a watcher with a full queue has read enough of it.
+    std::chrono::milliseconds catchUpTime{2000};
+    /// Changes that the socket's thread has not begun to distribute; it distributes up to as many others.
+    std::size_t queuedChanges = 16384;
     /// The time for a whole request, from the connection or the first byte on.
     std::chrono::milliseconds requestTime{10000};
     /// The time between two requests, unless the connection watches.

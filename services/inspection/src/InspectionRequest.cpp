@@ -91,6 +91,42 @@ Json readId(const Json& object) {
     return *found;
 }
 
+/// Returns the fields without which the verb means nothing. An empty text is a value, a missing one is a mistake.
+std::vector<const char*> getRequiredFields(std::string_view verb) {
+    if (verb == "get" || verb == "explain" || verb == "describe" || verb == "reset") {
+        return {"key"};
+    }
+    if (verb == "set" || verb == "memory") {
+        return {"key", "value"};
+    }
+    if (verb == "mdm") {
+        return {"document"};
+    }
+    if (verb == "provision") {
+        return {"url"};
+    }
+    if (verb == "remove-store") {
+        return {"store"};
+    }
+    if (verb == "load") {
+        return {"values"};
+    }
+    return {};
+}
+
+void requireFields(const Json& object, const InspectionRequest& request) {
+    for (const auto* const name : getRequiredFields(request.verb)) {
+        if (!object.contains(name)) {
+            throw RequestError(RequestError::Code::Usage,
+                               "the request '" + request.verb + "' needs the field \"" + name + "\"");
+        }
+    }
+    if (request.verb == "get" && request.admin && !request.store.empty()) {
+        throw RequestError(RequestError::Code::Usage,
+                           "the fields \"admin\" and \"store\" of the request exclude each other");
+    }
+}
+
 } // namespace
 
 void InspectionRequest::parse(std::string_view line) {
@@ -119,6 +155,7 @@ void InspectionRequest::parse(std::string_view line) {
     readField(object, "values", values);
     readField(object, "more", more);
     readField(object, "dryRun", dryRun);
+    requireFields(object, *this);
 }
 
 Json makeReply(const Json& id, Json answer) {

@@ -37,7 +37,7 @@ struct InspectionRequest {
     bool dryRun = false;
 
     /// Parses a line and sets `id` and `verb` as far as it gets, so that a failure can name them. Throws RequestError
-    /// (Usage) if the line is not a JSON object or a field has the wrong type.
+    /// (Usage) if the line is not a JSON object, a field has the wrong type, or a field is missing that the verb needs.
     void parse(std::string_view line);
 };
 

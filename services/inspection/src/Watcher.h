@@ -22,6 +22,9 @@ public:
     /// `names` are the names of one key.
     bool isInterestedIn(const std::vector<std::wstring>& names) const;
 
+    /// Returns true if the watcher has to read before `count` events of `bytes` fit, and may still have the time for
+    /// it. It calls ChangeFeed::resume() when it has read or its time is over.
+    virtual bool needsTime(std::size_t bytes, std::size_t count) = 0;
     /// Sends the `count` events of a change, or counts them as lost if too many are queued.
     virtual void sendEvents(const std::shared_ptr<const std::string>& lines, std::size_t count) = 0;
     /// Counts events that were lost before they reached the watcher.

@@ -15,6 +15,7 @@ using testing::ElementsAre;
 /// Records what it is sent.
 class RecordingWatcher final : public inspection::Watcher {
 public:
+    bool needsTime(std::size_t /*bytes*/, std::size_t /*count*/) override { return isBusy; }
     void sendEvents(const std::shared_ptr<const std::string>& lines, std::size_t count) override {
         texts.push_back(*lines);
         received += count;
@@ -24,6 +25,7 @@ public:
     std::vector<std::string> texts;
     std::size_t received = 0;
     std::vector<std::size_t> losses;
+    bool isBusy = false;
 };
 
 /// A feed whose socket's thread runs when the test says so.
@@ -100,6 +102,31 @@ TEST_F(InspectionChangeFeed, ALostChangeOfSeveralPropertiesCountsAsManyEvents) {
     runSocket();
     EXPECT_GT(watcher.received, 1U);
     EXPECT_EQ(watcher.losses.front(), watcher.received) << "each new key has the same number of events";
+}
+
+TEST_F(InspectionChangeFeed, ABusyWatcherDelaysTheChangesOfAllUntilItResumesOrLeaves) {
+    RecordingWatcher busy;
+    RecordingWatcher other;
+    watch(busy, {L"Theme"});
+    watch(other, {});
+    busy.isBusy = true;
+    setInMemory(L"Theme", L"1");
+    setInMemory(L"Volume", L"1");
+    runSocket();
+    EXPECT_EQ(other.received, 0U);
+    busy.isBusy = false;
+    feed->resume();
+    runSocket();
+    EXPECT_EQ(busy.received, 1U);
+    EXPECT_EQ(other.received, 2U);
+    busy.isBusy = true;
+    setInMemory(L"Theme", L"2");
+    runSocket();
+    EXPECT_EQ(other.received, 2U);
+    feed->remove(busy);
+    runSocket();
+    EXPECT_EQ(other.received, 3U);
+    EXPECT_THAT(other.losses, ElementsAre());
 }
 
 TEST_F(InspectionChangeFeed, AKeyIsLostUnderItsOldNameToo) {

@@ -233,7 +233,12 @@ TEST_F(InspectionRequests, ChangesAreRefusedIfTheHostDisablesThem) {
     host.server().getRunner().setChangesAllowed(false);
     for (const auto* verb :
          {"set", "memory", "mdm", "reset", "provision", "reset-provisioning", "remove-store", "refresh"}) {
-        auto reply = peer.ask({{"verb", verb}, {"key", "Theme"}, {"value", "dark"}});
+        auto reply = peer.ask({{"verb", verb},
+                               {"key", "Theme"},
+                               {"value", "dark"},
+                               {"document", "<a/>"},
+                               {"url", "lumora://provision"},
+                               {"store", "MdmConfigStore"}});
         EXPECT_EQ(reply["exitCode"], 1) << verb;
         EXPECT_THAT(reply["message"].get<std::string>(), HasSubstr("does not allow")) << verb;
     }
@@ -280,6 +285,39 @@ TEST_F(InspectionRequests, MalformedRequestsAreAnsweredAndTheConnectionStaysOpen
         EXPECT_EQ(reply["exitCode"], 2) << line;
     }
     EXPECT_EQ(peer.ask({{"verb", "get"}, {"key", "Theme"}})["value"], "system");
+}
+
+TEST_F(InspectionRequests, ARequestWithoutAFieldThatItNeedsIsRefusedAndChangesNothing) {
+    ASSERT_EQ(peer.ask({{"verb", "set"}, {"key", "Theme"}, {"value", "dark"}})["type"], "done");
+    const Json document{{"verb", "mdm"}, {"document", "<Config><Group><Managed>1</Managed></Group></Config>"}};
+    ASSERT_EQ(peer.ask(document)["type"], "done");
+    const std::vector<std::pair<Json, std::string>> incomplete{{{{"verb", "get"}}, "key"},
+                                                               {{{"verb", "explain"}}, "key"},
+                                                               {{{"verb", "describe"}}, "key"},
+                                                               {{{"verb", "reset"}}, "key"},
+                                                               {{{"verb", "set"}, {"value", "x"}}, "key"},
+                                                               {{{"verb", "set"}, {"key", "Theme"}}, "value"},
+                                                               {{{"verb", "memory"}, {"value", "x"}}, "key"},
+                                                               {{{"verb", "memory"}, {"key", "Theme"}}, "value"},
+                                                               {{{"verb", "mdm"}}, "document"},
+                                                               {{{"verb", "provision"}}, "url"},
+                                                               {{{"verb", "remove-store"}}, "store"},
+                                                               {{{"verb", "load"}}, "values"}};
+    for (const auto& [request, field] : incomplete) {
+        auto reply = peer.ask(request);
+        EXPECT_EQ(reply["type"], "failure") << request;
+        EXPECT_EQ(reply.value("exitCode", 0), 2) << request;
+        EXPECT_THAT(reply.value("message", ""), HasSubstr("\"" + field + "\"")) << request;
+    }
+    EXPECT_EQ(peer.ask({{"verb", "get"}, {"key", "Theme"}})["value"], "dark");
+    EXPECT_EQ(peer.ask({{"verb", "get"}, {"key", "Managed"}})["value"], "1");
+}
+
+TEST_F(InspectionRequests, GetOfOneStoreExcludesTheAdministratorsValue) {
+    Json request{{"verb", "get"}, {"key", "Theme"}, {"admin", true}, {"store", "lumora-config-defaults.xml"}};
+    EXPECT_EQ(peer.ask(request)["exitCode"], 2);
+    request["admin"] = false;
+    EXPECT_EQ(peer.ask(request)["value"], "system");
 }
 
 TEST_F(InspectionRequests, RequestsThatArriveTogetherAreAnsweredInOrder) {

@@ -1,8 +1,11 @@
 #include "TestHost.h"
 
+#include <kyr/StringUtils.h>
+
 #include <gmock/gmock.h>
 
 #include <atomic>
+#include <set>
 
 namespace inspection_test {
 namespace {
@@ -86,6 +89,7 @@ TEST(InspectionWatchers, ASlowWatcherGetsOneEventWithTheNumberOfMissedChanges) {
     inspection::InspectionLimits limits;
     limits.queuedEvents = 10;
     limits.queuedChanges = changes;
+    limits.catchUpTime = std::chrono::milliseconds::zero();
     TestHost host(limits);
     const auto setKey = [&](const std::wstring& value) { host.featureSet().setInMemoryConfig(L"Key", value); };
     host.onServices([&] { setKey(L"begin"); });
@@ -111,6 +115,63 @@ TEST(InspectionWatchers, ASlowWatcherGetsOneEventWithTheNumberOfMissedChanges) {
     EXPECT_GE(gaps, 1U);
     host.onServices([&] { setKey(L"end"); });
     EXPECT_EQ(slow.receive()["new"], "end") << "it receives later events";
+}
+
+/// Sets many keys in one task, so that their changes arrive at once.
+void setManyKeys(const TestHost& host, int keys, const std::wstring& value) {
+    host.onServices([&] {
+        for (int i = 0; i < keys; ++i) {
+            host.featureSet().setInMemoryConfig(L"Key" + std::to_wstring(i), value);
+        }
+    });
+}
+
+/// Reads until `keys` values have arrived. Expects that nothing is lost.
+void expectValues(Peer& peer, int keys, const std::string& value) {
+    std::set<std::string> seen;
+    while (seen.size() < static_cast<std::size_t>(keys)) {
+        auto event = peer.receive();
+        ASSERT_EQ(event["type"], "notification") << event;
+        if (event["property"] == "Value") {
+            EXPECT_EQ(event["new"], value);
+            seen.insert(event["key"]);
+        }
+    }
+}
+
+TEST(InspectionWatchers, AReadingWatcherMissesNoneOfManyChangesAtOnce) {
+    constexpr int keys = 10000;
+    TestHost host;
+    Peer peer(host);
+    ASSERT_EQ(peer.ask({{"verb", "watch"}, {"keys", {"Key*"}}})["type"], "done");
+    for (const auto* value : {"first", "second"}) {
+        setManyKeys(host, keys, KyrCoreUtils::toWideString(value));
+        expectValues(peer, keys, value);
+    }
+}
+
+TEST(InspectionWatchers, AWatcherThatDoesNotReadLosesChangesAndTheOthersLoseNone) {
+    constexpr int keys = 5000;
+    inspection::InspectionLimits limits;
+    limits.catchUpTime = std::chrono::milliseconds(50);
+    TestHost host(limits);
+    Peer silent(host);
+    ASSERT_EQ(silent.ask({{"verb", "watch"}, {"keys", {"Key*"}}})["type"], "done");
+    setManyKeys(host, keys, L"value");
+    Peer marker(host);
+    ASSERT_EQ(marker.ask({{"verb", "watch"}, {"keys", {"Marker"}}})["type"], "done");
+    host.onServices([&] { host.featureSet().setInMemoryConfig(L"Marker", L"1"); });
+    EXPECT_EQ(marker.receive()["key"], "Marker") << "the feed waits for the silent one no longer";
+    Json event;
+    int received = 0;
+    while ((event = silent.receive())["type"] == "notification") {
+        ++received;
+    }
+    EXPECT_EQ(event["type"], "lost");
+    EXPECT_GT(received, 0);
+    EXPECT_GT(event["count"].get<int>(), keys);
+    host.onServices([&] { host.featureSet().setInMemoryConfig(L"Key0", L"end"); });
+    EXPECT_EQ(silent.receive()["new"], "end");
 }
 
 TEST(InspectionWatchers, AReadingWatcherMissesNoChangeWhileOthersDisconnect) {

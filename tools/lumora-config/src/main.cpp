@@ -23,6 +23,7 @@
 #include <kyr/EndSignals.h>
 #include <kyr/ProcessArguments.h>
 #include <kyr/StandardStreams.h>
+#include <unified/ProfileLock.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -105,6 +106,20 @@ void refuseBesideClient(const CommandLine& line) {
     }
 }
 
+/// A client with another runtime directory cannot be asked, and a host may answer no other process at all. Reading
+/// beside them works, but their files need not contain what is in force.
+void warnBesideOthers(const CommandLine& line, Printer& printer) {
+    if (line.offline) {
+        return;
+    }
+    using KyrCoreUtils::FileUtils;
+    const auto problem =
+        ZelUnified::ProfileLock::findProblem(FileUtils::getConfigDirectory(), FileUtils::getStateDirectory());
+    if (problem.find("is in use by") != std::string::npos) {
+        printer.showWarning(problem + " It cannot be asked, so its files are read.");
+    }
+}
+
 /// Opens the profile of the command line and adds its stores. Returns the code of `use`, or that of a store that could
 /// not be added.
 ExitCode withSession(const CommandLine& line, Printer& printer, const std::function<ExitCode(Session&)>& use) {
@@ -114,6 +129,7 @@ ExitCode withSession(const CommandLine& line, Printer& printer, const std::funct
     const auto profileUse = getProfileUse(line);
     if (profileUse == ProfileUse::Read) {
         refuseBesideClient(line);
+        warnBesideOthers(line, printer);
     }
     ConfigHost host(line.directories, line.pluginDirectory, line.verbose, profileUse, line.plugins);
     showHealthNotice(host.getConfigDirectory(), printer);
@@ -135,12 +151,14 @@ bool mayAskClient(const CommandLine& line) {
 }
 
 /// Asks the client that uses the profile, if there is one. Returns nothing if there is none.
-std::optional<SettingsDump> readLive(const CommandLine& line, const std::string& source) {
+std::optional<SettingsDump> readLive(const CommandLine& line, Printer& printer, const std::string& source) {
     KyrCoreUtils::FileUtils::overrideDirectories(line.directories);
     InspectionClient client;
     if (!client.isConnected()) {
         return std::nullopt;
     }
+    CommandInput input;
+    LiveCommands(client, input, printer, line.showSecrets).announce();
     return LiveSettings(client).read(source, true);
 }
 
@@ -155,7 +173,7 @@ SettingsDump readProfile(const CommandLine& line, Printer& printer, const std::s
         }
     }
     if (mayAskClient(opened)) {
-        if (auto live = readLive(opened, source)) {
+        if (auto live = readLive(opened, printer, source)) {
             return std::move(*live);
         }
     }
@@ -195,6 +213,9 @@ ExitCode serve(Session& session, const Command& command, Printer& printer) {
 }
 
 ExitCode watch(const CommandLine& line, Outputs& outputs) {
+    if (line.offline) {
+        throw Failure(ExitCode::Usage, "--offline excludes 'watch', which needs a running client");
+    }
     KyrCoreUtils::FileUtils::overrideDirectories(line.directories);
     ChangeWatch watch(outputs.answers, outputs.messages, line.json ? ChangeWatch::Form::Json : ChangeWatch::Form::Text,
                       line.command.watched, line.showSecrets);

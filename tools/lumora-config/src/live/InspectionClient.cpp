@@ -6,6 +6,7 @@
 #include <kyr/LocalSocket.h>
 
 #include <chrono>
+#include <vector>
 
 namespace lumora_config {
 
@@ -16,10 +17,21 @@ namespace {
 /// Long enough for a report of a busy client.
 constexpr std::chrono::seconds patience(60);
 
-std::string findSocket() {
+std::vector<std::string> findSockets() {
     const auto directory = FileUtils::getConfigDirectory();
-    return directory.empty() ? std::string()
-                             : KyrCoreUtils::LocalSocket::getPathFor(directory, FileUtils::getStateDirectory());
+    return directory.empty() ? std::vector<std::string>()
+                             : KyrCoreUtils::LocalSocket::getPathsFor(directory, FileUtils::getStateDirectory());
+}
+
+std::unique_ptr<KyrCoreUtils::LocalConnection> connect() {
+    auto connection = std::make_unique<KyrCoreUtils::LocalConnection>(std::string());
+    for (const auto& path : findSockets()) {
+        if (connection->isOpen()) {
+            break;
+        }
+        connection = std::make_unique<KyrCoreUtils::LocalConnection>(path);
+    }
+    return connection;
 }
 
 ExitCode toExitCode(int number) {
@@ -35,13 +47,13 @@ ExitCode toExitCode(int number) {
 
 } // namespace
 
-InspectionClient::InspectionClient() : connection(findSocket()) {}
+InspectionClient::InspectionClient() : connection(connect()) {}
 
 InspectionClient::Json InspectionClient::ask(Json request) {
     request["id"] = ++lastId;
     const auto text = request.dump(-1, ' ', false, Json::error_handler_t::replace);
     std::string line;
-    if (!connection.sendLine(text, patience) || connection.receiveLine(line, patience) != Received::Line) {
+    if (!connection->sendLine(text, patience) || connection->receiveLine(line, patience) != Received::Line) {
         ended = true;
         throw Failure(ExitCode::Environment, "the running client does not answer");
     }
@@ -57,7 +69,7 @@ InspectionClient::Json InspectionClient::ask(Json request) {
 
 InspectionClient::Received InspectionClient::receiveEvent(Json& event) {
     std::string line;
-    const auto received = connection.receiveLine(line, std::nullopt);
+    const auto received = connection->receiveLine(line, std::nullopt);
     if (received != Received::Line) {
         return received;
     }

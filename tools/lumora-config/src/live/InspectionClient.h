@@ -2,6 +2,7 @@
 
 #include <kyr/LocalConnection.h>
 
+#include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
 
@@ -16,11 +17,11 @@ public:
     /// Connects to the client of the profile whose directories the host uses; see isConnected().
     InspectionClient();
 
-    bool isConnected() const noexcept { return connection.isOpen(); }
+    bool isConnected() const noexcept { return connection->isOpen(); }
     /// Returns true once the client has closed the connection or given no answer.
     bool hasEnded() const noexcept { return ended; }
     /// Returns the id of the client's process.
-    long getProcess() const noexcept { return connection.getPeer(); }
+    long getProcess() const noexcept { return connection->getPeer(); }
 
     /// Sends the request and returns its reply. Throws Failure with the exit code and the message of a reply that
     /// reports one, and Failure (Environment) if the client does not answer.
@@ -29,7 +30,7 @@ public:
     Received receiveEvent(Json& event);
 
 private:
-    KyrCoreUtils::LocalConnection connection;
+    const std::unique_ptr<KyrCoreUtils::LocalConnection> connection;
     int lastId = 0;
     bool ended = false;
 };

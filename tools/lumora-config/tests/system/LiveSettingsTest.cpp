@@ -89,6 +89,18 @@ TEST_F(LiveSettings, LoadSetsNothingIfOneValueIsRefused) {
     EXPECT_EQ(profile.run({"get", "Note"}).exitCode, 1);
 }
 
+TEST_F(LiveSettings, DiffWithOperandsSaysThatItAsksTheClient) {
+    const auto file = write("other.dump", "# lumora-config dump: user\nTheme = \"light\"\n");
+    EXPECT_THAT(profile.run({"diff", file}).error, Not(HasSubstr(announcement)));
+    RunningProgram client(profile, {"serve"});
+    client.receive();
+    for (const Arguments& command :
+         {Arguments{"diff", file}, {"diff", profile.root().string()}, {"diff", file, profile.root().string()}}) {
+        EXPECT_THAT(profile.run(command).error, HasSubstr(announcement)) << command.back();
+    }
+    EXPECT_THAT(profile.run({"--offline", "diff", file}).error, Not(HasSubstr(announcement)));
+}
+
 TEST_F(LiveSettings, DiffOpensTheProfileThatNoClientUses) {
     const Profile other;
     ASSERT_EQ(other.run({"set", "Theme", "dark"}).exitCode, 0);

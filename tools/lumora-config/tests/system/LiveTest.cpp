@@ -7,6 +7,8 @@
 
 #include <chrono>
 #include <csignal>
+#include <cstdlib>
+#include <optional>
 
 namespace program_test {
 namespace {
@@ -194,6 +196,51 @@ TEST_F(Live, AReadingCommandThatTheClientCannotAnswerIsRefusedUnlessItIsOffline)
     EXPECT_THAT(offline.out, HasSubstr("dark"));
 }
 
+/// Sets the runtime directory of the processes that are started, until destroyed.
+class RuntimeDirectory {
+public:
+    explicit RuntimeDirectory(const std::string& path) {
+        if (const char* const value = std::getenv(name)) {
+            before = value;
+        }
+        setenv(name, path.c_str(), 1);
+    }
+    ~RuntimeDirectory() { before ? setenv(name, before->c_str(), 1) : unsetenv(name); }
+    RuntimeDirectory(const RuntimeDirectory&) = delete;
+    RuntimeDirectory& operator=(const RuntimeDirectory&) = delete;
+
+private:
+    static constexpr auto name = "XDG_RUNTIME_DIR";
+    std::optional<std::string> before;
+};
+
+TEST_F(Live, AClientWithoutARuntimeDirectoryIsAskedByAProgramThatHasOne) {
+    std::optional<RuntimeDirectory> runtime(std::in_place, "");
+    RunningProgram client(profile, {"serve"});
+    client.receive();
+    runtime.reset();
+    runtime.emplace(profile.root().string());
+    const auto outcome = profile.run({"--live", "get", "Theme"});
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
+    EXPECT_THAT(outcome.error, HasSubstr("running client, process " + std::to_string(client.getProcess())));
+}
+
+TEST_F(Live, AClientThatCannotBeFoundIsMentioned) {
+    const auto first = profile.root() / "first";
+    std::filesystem::create_directory(first);
+    std::optional<RuntimeDirectory> runtime(std::in_place, first.string());
+    RunningProgram client(profile, {"serve"});
+    client.receive();
+    runtime.reset();
+    runtime.emplace((profile.root() / "second").string());
+    const auto outcome = profile.run({"get", "Theme"});
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
+    EXPECT_EQ(outcome.out, "system\n");
+    EXPECT_THAT(outcome.error, AllOf(HasSubstr("in use by process " + std::to_string(client.getProcess())),
+                                     HasSubstr("its files are read")));
+    EXPECT_EQ(profile.run({"--offline", "get", "Theme"}).error, "");
+}
+
 TEST_F(Live, ServeRefusesChangesOnRequest) {
     RunningProgram client(profile, {"serve", "--no-changes"});
     client.receive();
@@ -252,6 +299,16 @@ TEST_F(Live, WatchWithoutAClientFailsAndLeavesTheProfileUntouched) {
     EXPECT_THAT(outcome.error, HasSubstr("--follow waits for one"));
     EXPECT_FALSE(std::filesystem::exists(profile.root() / "config"));
     EXPECT_FALSE(std::filesystem::exists(profile.root() / "state"));
+}
+
+TEST_F(Live, WatchOfflineIsAWrongUse) {
+    RunningProgram client(profile, {"serve"});
+    client.receive();
+    for (const Arguments& command : {Arguments{"--offline", "watch"}, {"--offline", "watch", "--follow"}}) {
+        RunningProgram watch(profile, command);
+        EXPECT_THAT(watch.receiveMessage(), HasSubstr("--offline excludes 'watch'"));
+        EXPECT_EQ(watch.waitForEnd(), 2);
+    }
 }
 
 TEST_F(Live, WatchFollowsAClientThatIsKilledAndStartedAgain) {
