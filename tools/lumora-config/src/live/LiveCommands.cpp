@@ -248,7 +248,7 @@ void LiveCommands::diff(const Command& command) {
         }
         return LiveSettings(client).read(source, true);
     };
-    showDifferences(command, read, showSecrets, printer);
+    showDifferences(command, read, input, showSecrets, printer);
 }
 
 void LiveCommands::bundle(const Command& command) {
