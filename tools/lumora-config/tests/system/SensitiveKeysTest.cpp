@@ -5,6 +5,7 @@
 
 namespace program_test {
 
+using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -49,6 +50,13 @@ TEST(SensitiveKeys, ArePoliciesThatLookLikePasswordsFromTheStart) {
         expectNoSecret(profile, arguments);
     }
     expectNoSecret(profile, {"dump", "--store", "RegistryConfigStore"});
+}
+
+TEST(SensitiveKeys, AreThoseThatADeviceManagementDocumentMarks) {
+    const Profile profile;
+    const auto file = profile.writeDocument("mdm.xml", "<Own sensitive=\"true\">planted-1</Own><Other>shown</Other>");
+    const auto session = profile.shell({"mdm " + file, "get Own", "get Other", "list", "refresh", "report", "log"});
+    EXPECT_THAT(session.out, AllOf(HasSubstr("\nVALUE_HIDDEN\nshown\n"), Not(HasSubstr("planted-"))));
 }
 
 } // namespace program_test
