@@ -104,7 +104,7 @@ TEST(SettingsText, RefusesOtherJson) {
 TEST(SettingsText, NamesThePlaceOfAnErrorInJsonWithoutItsText) {
     EXPECT_EQ(describeFailure("{s3cret"), "a.dump:1:2: not JSON");
     EXPECT_EQ(describeFailure("{\"type\":\"dump\",\n\"values\":[\n  s3cret]}"), "a.dump:3:3: not JSON");
-    EXPECT_EQ(describeFailure("{\"s3cret"), "a.dump:1:10: not JSON"); // behind the end
+    EXPECT_EQ(describeFailure("{\"s3cret"), "a.dump:1:9: not JSON"); // behind the end
     EXPECT_EQ(describeFailure("{\n"), "a.dump:2:1: not JSON");
 }
 
