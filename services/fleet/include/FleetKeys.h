@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <string_view>
 
 /// The keys that configure the fleet service. All but the last two are read from the administrators' stores only.
@@ -25,5 +26,8 @@ inline constexpr std::wstring_view priority = L"FleetPriority";
 /// "connectionpassword", so that the policies' store does not log its value.
 inline constexpr std::wstring_view username = L"FleetConnectionUsername";
 inline constexpr std::wstring_view password = L"FleetConnectionPassword";
+
+/// The keys that the service, and every host that shows values, marks as sensitive.
+inline constexpr std::array sensitiveKeys{username, password};
 
 } // namespace ZelUnified::FleetKeys

@@ -100,8 +100,9 @@ bool FleetSettings::isOwnKey(const std::wstring& key) {
 }
 
 void FleetSettings::markSensitiveKeys(ZelUnified::ConfigFeatureSet& configuration) {
-    configuration.setKeySensitive(std::wstring(FleetKeys::username));
-    configuration.setKeySensitive(std::wstring(FleetKeys::password));
+    for (const auto key : FleetKeys::sensitiveKeys) {
+        configuration.setKeySensitive(std::wstring(key));
+    }
 }
 
 } // namespace fleet

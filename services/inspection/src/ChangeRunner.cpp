@@ -85,6 +85,9 @@ void ChangeRunner::setInMemory(const JobPointer& job) {
 void ChangeRunner::setManaged(const JobPointer& job) {
     onServices(job, [this, job] {
         const std::string storeName(ConfigKeys::mdmConfigStore);
+        for (const auto& key : job->request.keys) {
+            inspector->getFeatureSet().setKeySensitive(key);
+        }
         inspector->getService().setMdmConfig(job->request.document);
         const auto store = inspector->getFeatureSet().getConfigStoreByName(storeName);
         job->reportDone(storeName + " holds " + std::to_string(store ? store->getKeys().size() : 0) +

@@ -4,6 +4,7 @@
 #include "RequestError.h"
 
 #include <ConfigCatalogue.h>
+#include <SensitivePolicies.h>
 
 #include <algorithm>
 #include <utility>
@@ -20,7 +21,11 @@ ConfigInspector::ConfigInspector(const std::shared_ptr<ZelUnified::UnifiedFactor
     : service(factory->getServiceByType<ZelUnified::ConfigService>()),
       featureSet(factory->getFeatureSetByType<ZelUnified::ConfigFeatureSet>()),
       records(std::dynamic_pointer_cast<ZelUnified::ConfigRecords>(service)),
-      chain(std::dynamic_pointer_cast<ZelUnified::ConfigChainView>(featureSet)) {}
+      chain(std::dynamic_pointer_cast<ZelUnified::ConfigChainView>(featureSet)) {
+    if (isUsable()) {
+        ZelUnified::markSensitivePolicies(*featureSet);
+    }
+}
 
 std::optional<ConfigInspector::Reading> ConfigInspector::read(const std::wstring& key, bool administratorsOnly) const {
     Reading reading;

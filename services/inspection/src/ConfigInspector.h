@@ -30,6 +30,7 @@ public:
         bool underOldName = false;
     };
 
+    /// Marks the policies whose names look like passwords as sensitive. Any thread.
     explicit ConfigInspector(const std::shared_ptr<ZelUnified::UnifiedFactory>& factory);
 
     /// Returns false if the host has no configuration service, or one without the interfaces for inspection. Any

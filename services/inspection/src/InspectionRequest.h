@@ -26,7 +26,7 @@ struct InspectionRequest {
     std::wstring url;
     std::string store;
     std::string document;
-    std::vector<std::wstring> keys; ///< Keys and patterns to watch.
+    std::vector<std::wstring> keys; ///< Keys and patterns to watch; for mdm: the sensitive keys.
     bool admin = false;
     bool force = false;
     bool sensitive = false;

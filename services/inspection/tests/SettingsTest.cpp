@@ -71,6 +71,13 @@ TEST_F(InspectionSettings, DumpHidesSecretsUnlessTheyAreAskedFor) {
     EXPECT_THAT(dump({{"source", "user"}, {"showSecrets", true}}), ElementsAre("connectionpassword=planted"));
 }
 
+TEST(InspectionPolicies, ThatLookLikePasswordsAreHiddenFromTheStart) {
+    const TestHost host({}, {}, {"MyConnectionPasswordOld", "planted"});
+    Peer peer(host);
+    EXPECT_EQ(peer.ask({{"verb", "get"}, {"key", "MyConnectionPasswordOld"}})["value"], "VALUE_HIDDEN");
+    EXPECT_THAT(peer.ask({{"verb", "report"}}).dump(), testing::Not(HasSubstr("planted")));
+}
+
 TEST_F(InspectionSettings, LoadSetsAllValuesAndCountsThem) {
     host.set(L"Theme", L"dark");
     host.set(L"Note", L"same");

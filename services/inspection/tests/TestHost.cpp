@@ -25,7 +25,11 @@ std::string makeDefaults(const ZelUnified::ConfigMap& values) {
 
 } // namespace
 
-TestHost::TestHost(const inspection::InspectionLimits& limits, const ZelUnified::ConfigMap& defaults) {
+TestHost::TestHost(const inspection::InspectionLimits& limits, const ZelUnified::ConfigMap& defaults,
+                   const std::pair<std::string, std::string>& policy) {
+    if (!policy.first.empty()) {
+        writePolicy(policy.first, policy.second);
+    }
     testing_host::writeFile(profile.resources() / "lumora-config-defaults.xml", makeDefaults(defaults));
     ZelUnified::UnifiedFactoryOptions options;
     options.openedForWriting = true;
@@ -49,11 +53,15 @@ TestHost::~TestHost() {
 }
 
 void TestHost::setPolicy(const std::string& key, const std::string& value) {
+    writePolicy(key, value);
+    onServices([this] { configFeatureSet->refreshConfigFeatureSet(); });
+}
+
+void TestHost::writePolicy(const std::string& key, const std::string& value) const {
     testing_host::writeFile(profile.data() / "registry" / "policy.reg",
                             "Windows Registry Editor Version 5.00\r\n\r\n[HKEY_CURRENT_USER\\Software\\Policies"
                             "\\Ventrix Systems, Inc.\\Unified Communications\\VentrixUC]\r\n\"" +
                                 key + "\"=\"" + value + "\"\r\n");
-    onServices([this] { configFeatureSet->refreshConfigFeatureSet(); });
 }
 
 void TestHost::onServices(const std::function<void()>& work) const {

@@ -14,6 +14,7 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <utility>
 
 namespace inspection_test {
 
@@ -22,7 +23,9 @@ using Json = nlohmann::json;
 /// A client: the host with the plug-in of the configuration service on a temporary profile, and a server.
 class TestHost {
 public:
-    explicit TestHost(const inspection::InspectionLimits& limits = {}, const ZelUnified::ConfigMap& defaults = {});
+    /// The policy, if its key is not empty, is there before the service starts.
+    explicit TestHost(const inspection::InspectionLimits& limits = {}, const ZelUnified::ConfigMap& defaults = {},
+                      const std::pair<std::string, std::string>& policy = {});
     ~TestHost();
     TestHost(const TestHost&) = delete;
     TestHost& operator=(const TestHost&) = delete;
@@ -45,6 +48,8 @@ public:
     const testing_host::TemporaryProfile& getProfile() const { return profile; }
 
 private:
+    void writePolicy(const std::string& key, const std::string& value) const;
+
     const testing_host::TemporaryProfile profile;
     std::shared_ptr<ZelUnified::UnifiedFactoryImpl> factory;
     std::shared_ptr<ZelUnified::ConfigService> configService;

@@ -199,7 +199,7 @@ void compareOperands(const CommandLine& line, Printer& printer) {
     const auto read = [&](const std::string& folder, const std::string& source) {
         return readProfile(line, printer, folder, source);
     };
-    showDifferences(line.command, read, line.showSecrets, printer);
+    showDifferences(line.command, read, CommandInput(), line.showSecrets, printer);
 }
 
 /// Answers other processes until a signal arrives, which is the regular end.

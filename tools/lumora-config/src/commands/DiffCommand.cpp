@@ -17,6 +17,8 @@ namespace lumora_config {
 
 namespace {
 
+constexpr auto standardInput = "-";
+
 /// A value that a file contains is a secret if the catalogue says so, whatever the file says.
 void markSecrets(SettingsDump& dump) {
     for (auto& setting : dump.settings) {
@@ -34,10 +36,11 @@ SettingsDump parseFile(const std::string& content, const std::string& path) {
     return report ? parseReport(*report, path) : parseDump(content, path);
 }
 
-SettingsDump readFile(const std::string& path) {
-    const auto content = readWholeFile(path);
+SettingsDump readFile(const std::string& path, const CommandInput& input) {
+    const bool isInput = path == standardInput;
+    const auto content = isInput ? input.readAll() : readFileOrPipe(path);
     try {
-        auto dump = parseFile(content, path);
+        auto dump = parseFile(content, isInput ? "standard input" : path);
         markSecrets(dump);
         return dump;
     } catch (const Failure& failure) {
@@ -49,7 +52,7 @@ SettingsDump readFile(const std::string& path) {
 
 bool isProfile(const std::string& operand) {
     std::error_code error;
-    return std::filesystem::is_directory(KyrCoreUtils::toPath(operand), error);
+    return operand != standardInput && std::filesystem::is_directory(KyrCoreUtils::toPath(operand), error);
 }
 
 void show(const SettingsDump& left, const SettingsDump& right, const Command& command, bool showSecrets,
@@ -78,12 +81,13 @@ void diff(Session& session, const Command& command) {
         }
         return readSource(session, source);
     };
-    showDifferences(command, readProfile, session.getMask().showsSecrets(), session.getPrinter());
+    showDifferences(command, readProfile, session.getInput(), session.getMask().showsSecrets(), session.getPrinter());
 }
 
 } // namespace
 
-void showDifferences(const Command& command, const ProfileReader& readProfile, bool showSecrets, Printer& printer) {
+void showDifferences(const Command& command, const ProfileReader& readProfile, const CommandInput& input,
+                     bool showSecrets, Printer& printer) {
     if (command.operands.empty()) {
         const auto administrators = readProfile("", "administrator");
         show(administrators, readProfile("", "effective"), command, showSecrets, printer);
@@ -91,15 +95,18 @@ void showDifferences(const Command& command, const ProfileReader& readProfile, b
     }
     const auto& first = command.operands.front();
     const auto second = command.operands.size() == 1 ? std::string() : command.operands.back();
+    if (first == standardInput && second == standardInput) {
+        throw Failure(ExitCode::Usage, "only one operand of 'diff' can be '-'");
+    }
     const bool isFirstProfile = isProfile(first);
     const bool isSecondProfile = second.empty() || isProfile(second);
     SettingsDump left;
     SettingsDump right;
     if (!isFirstProfile) {
-        left = readFile(first);
+        left = readFile(first, input);
     }
     if (!isSecondProfile) {
-        right = readFile(second);
+        right = readFile(second, input);
     }
     // Of a profile, the values that the file contains are read; of two profiles, the values in force.
     const auto source = !isFirstProfile ? left.source : !isSecondProfile ? right.source : "effective";

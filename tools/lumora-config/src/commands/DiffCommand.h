@@ -1,6 +1,7 @@
 #pragma once
 
 #include "CommandGrammar.h"
+#include "CommandInput.h"
 #include "output/Printer.h"
 #include "output/SettingsDump.h"
 
@@ -13,9 +14,11 @@ namespace lumora_config {
 /// values as in SettingsDump.
 using ProfileReader = std::function<SettingsDump(const std::string& folder, const std::string& source)>;
 
-/// Compares the operands of `diff`: each is a dump, a report or a profile; a missing second operand means the profile
+/// Compares the operands of `diff`: each is a dump, a report or a profile, and one of them may be "-", which is read
+/// from `input`; a missing second operand means the profile
 /// in use. Without operands compares the administrator's values of the profile in use with those in force. Throws
 /// Failure: NotFound if they differ, Environment if one cannot be read.
-void showDifferences(const Command& command, const ProfileReader& readProfile, bool showSecrets, Printer& printer);
+void showDifferences(const Command& command, const ProfileReader& readProfile, const CommandInput& input,
+                     bool showSecrets, Printer& printer);
 
 } // namespace lumora_config

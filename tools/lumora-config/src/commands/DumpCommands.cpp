@@ -104,7 +104,7 @@ void finishDump(const Command& command, SettingsDump content, bool showSecrets, 
 }
 
 SettingsDump readDump(const CommandInput& input, const std::string& path) {
-    return path == "-" ? parseDump(input.readAll(), "standard input") : parseDump(readWholeFile(path), path);
+    return path == "-" ? parseDump(input.readAll(), "standard input") : parseDump(readFileOrPipe(path), path);
 }
 
 ZelUnified::ConfigMap collectValues(const SettingsDump& dump, bool forced, LoadSummary& summary) {

@@ -165,12 +165,18 @@ void resetProvisioning(Session& session, const Command& command) {
 }
 
 void mdm(Session& session, const Command& command) {
-    // A document that is not XML would empty the store without an error.
-    readXmlSettings(command.file);
     const auto document = readWholeFile(command.file);
+    // A document that is not XML would empty the store without an error.
+    const auto settings = parseXmlSettings(document, command.file);
     const std::string storeName(ConfigKeys::mdmConfigStore);
     std::size_t keyCount = 0;
     session.getHost().onServices("lumora-config: mdm", [&] {
+        // The service does not read the marks of this document.
+        for (const auto& setting : settings) {
+            if (setting.sensitive) {
+                session.getHost().getService()->setKeySensitive(setting.key);
+            }
+        }
         session.getHost().getService()->setMdmConfig(document);
         if (const auto store = session.getHost().getFeatureSet()->getConfigStoreByName(storeName)) {
             keyCount = store->getKeys().size();

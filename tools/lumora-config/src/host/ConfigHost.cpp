@@ -13,6 +13,8 @@
 #include <zel/SystemMonitorFactory.h>
 
 #include <ConfigServiceIds.h>
+#include <FleetKeys.h>
+#include <SensitivePolicies.h>
 
 #include <exception>
 #include <utility>
@@ -61,6 +63,14 @@ std::shared_ptr<UnifiedFactoryImpl> makeFactory(const std::string& pluginDirecto
         options.libraries.insert_or_assign(plugin.interfaceName, plugin.library);
     }
     return std::make_shared<UnifiedFactoryImpl>(std::move(options));
+}
+
+/// A fleet's password is in the profile whether or not its plug-in, which marks it too, is installed and started.
+void markSensitiveKeys(ZelUnified::ConfigFeatureSet& featureSet) {
+    for (const auto key : ZelUnified::FleetKeys::sensitiveKeys) {
+        featureSet.setKeySensitive(std::wstring(key));
+    }
+    ZelUnified::markSensitivePolicies(featureSet);
 }
 
 } // namespace
@@ -190,6 +200,9 @@ void ConfigHost::load() {
     onServices("lumora-config: load", [this] {
         service = factory->getServiceByType<ZelUnified::ConfigService>();
         featureSet = factory->getFeatureSetByType<ZelUnified::ConfigFeatureSet>();
+        if (featureSet) {
+            markSensitiveKeys(*featureSet);
+        }
     });
     if (!service || !featureSet) {
         throw Failure(ExitCode::Environment, "the plug-in does not work: " + loaderLog.getText());

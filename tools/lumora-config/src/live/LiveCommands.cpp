@@ -171,9 +171,15 @@ void LiveCommands::set(const Command& command) {
 }
 
 void LiveCommands::setManaged(const Command& command) {
+    const auto document = readWholeFile(command.file);
+    auto sensitiveKeys = nlohmann::json::array();
     // A document that is not XML would empty the store without an error.
-    readXmlSettings(command.file);
-    const auto reply = client.ask({{"verb", command.name}, {"document", readWholeFile(command.file)}});
+    for (const auto& setting : parseXmlSettings(document, command.file)) {
+        if (setting.sensitive) {
+            sensitiveKeys.push_back(KyrCoreUtils::toString(setting.key));
+        }
+    }
+    const auto reply = client.ask({{"verb", command.name}, {"document", document}, {"keys", sensitiveKeys}});
     printer.showDone(command.name, reply.at("message"));
 }
 
@@ -248,7 +254,7 @@ void LiveCommands::diff(const Command& command) {
         }
         return LiveSettings(client).read(source, true);
     };
-    showDifferences(command, read, showSecrets, printer);
+    showDifferences(command, read, input, showSecrets, printer);
 }
 
 void LiveCommands::bundle(const Command& command) {

@@ -5,7 +5,9 @@
 
 #include <kyr/StringUtils.h>
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
+#include <string>
 
 namespace lumora_config {
 
@@ -38,6 +40,14 @@ DumpedSetting parseSetting(const Object& object) {
         setting.value = KyrCoreUtils::toWideString(object.at("value").get<std::string>());
     }
     return setting;
+}
+
+/// Returns "LINE:COLUMN" for the place at which `read` bytes have been read, the last of them a wrong one. The column
+/// counts bytes.
+std::string describePlace(std::string_view content, std::size_t read) {
+    const auto before = content.substr(0, read == 0 ? 0 : read - 1);
+    const auto lineStart = before.rfind('\n') + 1; // 0 in the first line
+    return std::to_string(1 + std::ranges::count(before, '\n')) + ':' + std::to_string(before.size() - lineStart + 1);
 }
 
 } // namespace
@@ -85,18 +95,25 @@ std::optional<std::string> findReportText(std::string_view content) {
 
 SettingsDump parseJsonDump(std::string_view content, const std::string& name) {
     SettingsDump dump{"", {}, name};
+    bool hasValues = false;
     try {
         const auto object = Object::parse(content);
         if (object.value("type", "") != "dump") {
             throw Failure(ExitCode::Environment, name + ": not a dump");
         }
         dump.source = object.value("source", "");
-        for (const auto& value : object.at("values")) {
+        const auto& values = object.at("values");
+        hasValues = values.is_array();
+        for (const auto& value : values) {
             dump.settings.push_back(parseSetting(value));
         }
-    } catch (const nlohmann::json::exception& error) {
+    } catch (const nlohmann::json::parse_error& error) {
         // The library's message may quote the text, which may contain a secret.
-        throw Failure(ExitCode::Environment, name + ": not a dump in JSON (error " + std::to_string(error.id) + ")");
+        throw Failure(ExitCode::Environment, name + ':' + describePlace(content, error.byte) + ": not JSON");
+    } catch (const nlohmann::json::exception&) {
+        throw Failure(ExitCode::Environment,
+                      name + ": not a dump in JSON" +
+                          (hasValues ? ", see value " + std::to_string(dump.settings.size() + 1) + " of it" : ""));
     }
     return dump;
 }

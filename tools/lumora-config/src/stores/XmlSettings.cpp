@@ -8,9 +8,9 @@
 #include <libxml/parser.h>
 #include <libxml/tree.h>
 
+#include <array>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -19,7 +19,7 @@ namespace lumora_config {
 
 namespace {
 
-constexpr std::uintmax_t largestFile = 64U << 20U;
+constexpr std::size_t largestFile = 64U << 20U;
 
 struct XmlDeleter {
     void operator()(xmlParserCtxt* context) const { xmlFreeParserCtxt(context); }
@@ -133,27 +133,50 @@ private:
     std::wstring groupName; ///< Of the group that is being read.
 };
 
-} // namespace
+enum class Accepted { Files, FilesAndPipes };
 
-std::string readWholeFile(const std::string& path) {
+void requireReadable(const std::filesystem::path& file, const std::string& path, Accepted accepted) {
     std::error_code error;
-    const auto file = KyrCoreUtils::toPath(path);
     const auto status = std::filesystem::status(file, error);
     if (status.type() == std::filesystem::file_type::not_found) {
         refuse(path, "no such file");
     }
+    if (accepted == Accepted::FilesAndPipes && std::filesystem::is_fifo(status)) {
+        return;
+    }
     if (!std::filesystem::is_regular_file(status)) {
-        refuse(path, "not a regular file");
+        refuse(path, accepted == Accepted::Files ? "not a regular file" : "neither a regular file nor a pipe");
     }
-    if (std::filesystem::file_size(file, error) > largestFile) {
-        refuse(path, "larger than 64 MiB");
-    }
+}
+
+/// Does not trust the size that the system states: a pipe has none, and a file may grow.
+std::string readContent(const std::string& path, Accepted accepted) {
+    const auto file = KyrCoreUtils::toPath(path);
+    requireReadable(file, path, accepted);
     std::ifstream stream(file, std::ios::binary);
-    std::string content(std::istreambuf_iterator<char>(stream), {});
-    if (!stream) {
+    std::string content;
+    std::array<char, 65536> buffer{};
+    while (stream) {
+        stream.read(buffer.data(), static_cast<std::streamsize>(buffer.size()));
+        content.append(buffer.data(), static_cast<std::size_t>(stream.gcount()));
+        if (content.size() > largestFile) {
+            refuse(path, "larger than 64 MiB");
+        }
+    }
+    if (!stream.is_open() || stream.bad()) {
         refuse(path, "cannot be read");
     }
     return content;
+}
+
+} // namespace
+
+std::string readWholeFile(const std::string& path) {
+    return readContent(path, Accepted::Files);
+}
+
+std::string readFileOrPipe(const std::string& path) {
+    return readContent(path, Accepted::FilesAndPipes);
 }
 
 std::vector<XmlSetting> readXmlSettings(const std::string& path) {

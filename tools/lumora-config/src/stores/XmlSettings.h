@@ -24,5 +24,7 @@ std::vector<XmlSetting> parseXmlSettings(std::string_view content, const std::st
 
 /// Returns the bytes of a regular file. Throws Failure (Environment) on failure.
 std::string readWholeFile(const std::string& path);
+/// Like readWholeFile(), but accepts a pipe too, which can be read only once. Waits for its end.
+std::string readFileOrPipe(const std::string& path);
 
 } // namespace lumora_config

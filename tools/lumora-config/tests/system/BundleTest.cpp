@@ -177,6 +177,18 @@ TEST(Bundle, ContainsNoSecretInAnyForm) {
     EXPECT_THAT(members.at("log/lumora-config.log"), HasSubstr("Name::of the last line"));
 }
 
+TEST(Bundle, ContainsNeitherTheFleetsPasswordNorAPolicyThatLooksLikeOne) {
+    const Profile profile;
+    profile.writePolicy("MyConnectionPasswordOld", "planted-policy-secret");
+    ASSERT_EQ(profile.run({"set", "FleetConnectionPassword", "-"}, "planted-fleet-secret").exitCode, 0);
+    appendToLog(profile, std::string(recordStart) + "FleetConnectionUsername: planted-logged-secret");
+    const auto path = getPath(profile);
+    ASSERT_EQ(profile.run({"bundle", "-o", path}).exitCode, 0);
+    for (const auto& [name, content] : readArchive(path)) {
+        EXPECT_THAT(content, Not(HasSubstr("planted-"))) << name;
+    }
+}
+
 TEST(Bundle, MasksPersonalDataAndTheNamesOfUserAndMachine) {
     const Profile profile;
     const auto user = KyrCoreUtils::ProcessUtils::getUserName();

@@ -37,6 +37,20 @@ TEST(Diff, ComparesTheAdministratorsValuesWithThoseInForceWithoutOperands) {
     }
 }
 
+TEST(Diff, ReadsOneOperandFromStandardInput) {
+    const Profile profile;
+    ASSERT_EQ(profile.run({"set", "Note", "x"}).exitCode, 0);
+    const auto dump = profile.run({"dump"}).out;
+    EXPECT_EQ(profile.run({"diff", "-"}, dump).exitCode, 0);
+    const auto file = profile.write("a.dump", "Note = \"y\"\n");
+    EXPECT_EQ(profile.run({"diff", file, "-"}, dump).out,
+              "--- " + file + "\n+++ standard input\n-Note = \"y\"\n+note = \"x\"  # LocalFileConfigStore\n");
+    EXPECT_EQ(profile.run({"diff", "-", profile.root().string()}, dump).exitCode, 0);
+    const auto twice = profile.run({"diff", "-", "-"}, dump);
+    EXPECT_EQ(twice.exitCode, 2);
+    EXPECT_THAT(twice.error, HasSubstr("only one operand of 'diff' can be '-'"));
+}
+
 TEST(Diff, ComparesADumpWithTheSameValuesOfTheProfile) {
     const Profile profile;
     ASSERT_EQ(profile.run({"set", "Note", "x"}).exitCode, 0);

@@ -46,6 +46,20 @@ TEST_F(LiveCommands, AValueInTheMemoryOfTheClientHasAnOriginThatSaysSo) {
     EXPECT_EQ(originOf("Volatile"), "set in memory in this run");
 }
 
+TEST_F(LiveCommands, SecretsThatOnlyTheProgramKnowsAreMasked) {
+    profile.writePolicy("MyConnectionPasswordOld", "planted-1");
+    ASSERT_EQ(profile.run({"set", "FleetConnectionPassword", "-"}, "planted-2").exitCode, 0);
+    const auto managed = profile.writeDocument("managed.xml", "<Managed sensitive=\"true\">planted-3</Managed>");
+    start();
+    ASSERT_EQ(profile.run({"mdm", managed}).exitCode, 0);
+    for (const std::string key : {"MyConnectionPasswordOld", "FleetConnectionPassword", "Managed"}) {
+        EXPECT_EQ(profile.run({"get", key}).out, "VALUE_HIDDEN\n");
+    }
+    for (const auto& arguments : {Arguments{"list"}, {"dump", "--effective"}, {"report"}, {"log"}}) {
+        EXPECT_THAT(profile.run(arguments).out, Not(HasSubstr("planted-"))) << arguments.front();
+    }
+}
+
 TEST_F(LiveCommands, TheReportAndThePageAreWrittenToFiles) {
     ASSERT_EQ(profile.run({"set", "Theme", "dark"}).exitCode, 0);
     start();

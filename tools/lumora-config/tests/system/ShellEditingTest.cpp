@@ -100,7 +100,8 @@ TEST(ShellEditing, TheHistoryHasNoLineThatSetsASensitiveKeyOrContainsASecret) {
     const Profile profile;
     typeLines(profile, {"get Theme", "set connectionpassword planted-1", "memory CONNECTIONUSERNAME planted-2",
                         "sett connectionpassword planted-3", "get X --store planted-1", "set Theme 'planted-4",
-                        "provision x://y?connectionpassword=planted%2D5", "get connectionpassword"});
+                        "provision x://y?connectionpassword=planted%2D5", "set FleetConnectionPassword planted-6",
+                        "get connectionpassword"});
     EXPECT_EQ(readHistory(profile), "get Theme\nget connectionpassword\n");
 }
 

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <kyr/StringUtils.h>
+
+#include <ConfigChainView.h>
+#include <ConfigFeatureSet.h>
+#include <ConfigKeys.h>
+
+#include <string>
+
+namespace ZelUnified {
+
+/// Marks the policies whose name contains "connectionpassword", in any case, as sensitive. The policies' store does so
+/// itself whenever it is refreshed, but not when it is read first: there is no feature set yet. A host or a service
+/// that shows values calls this function before. Any thread.
+inline void markSensitivePolicies(ConfigFeatureSet& featureSet) {
+    auto* const chain = dynamic_cast<ConfigChainView*>(&featureSet);
+    if (chain == nullptr) {
+        return;
+    }
+    for (const auto& store : chain->getConfigStores()) {
+        if (store->getName() != ConfigKeys::registryConfigStore) {
+            continue;
+        }
+        for (const auto& key : store->getKeys()) {
+            if (KyrCoreUtils::caseInsensitiveFind(key, ConfigKeys::connectionPassword) >= 0) {
+                featureSet.setKeySensitive(key);
+            }
+        }
+    }
+}
+
+} // namespace ZelUnified
