@@ -6,7 +6,6 @@
 
 namespace inspection {
 
-using KyrCoreUtils::caseInsensitiveStringEquals;
 using KyrCoreUtils::toString;
 using KyrCoreUtils::toWideString;
 using Code = RequestError::Code;

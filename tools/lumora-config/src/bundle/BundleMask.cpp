@@ -93,7 +93,7 @@ std::string replaceName(const std::string& text, const std::string& name, const 
             copied = end;
         }
     }
-    return result.append(text, copied, std::string::npos);
+    return result.append(text, copied);
 }
 
 /// Returns true if a log record begins here: with a date and a time.

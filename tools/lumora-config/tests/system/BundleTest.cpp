@@ -221,7 +221,7 @@ TEST(Bundle, ContainsTheLogsOfTheStateFolderUnderDifferentMaskedNames) {
             logs.push_back(name);
         }
     }
-    EXPECT_THAT(logs, ElementsAre("log/__-2.log", "log/__.log", "log/_user_.log", "log/lumora-config.log"));
+    EXPECT_THAT(logs, ElementsAre("log/__-2.log", "log/__.log", "log/_user_.log"));
 }
 
 TEST(Bundle, ReplacesAFileOnlyIfItIsForced) {
