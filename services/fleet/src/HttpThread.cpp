@@ -130,7 +130,7 @@ void HttpThread::runTimers() {
         }
     }
     for (const auto number : due) {
-        // A task may cancel the timers behind it.
+        // An earlier task may have cancelled this timer.
         if (const auto timer = timers.extract(number)) {
             runGuarded(timer.mapped().task);
         }
