@@ -9,6 +9,7 @@
 #include <ConfigService.h>
 #include <ConfigValueObserver.h>
 
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <string>

@@ -1,0 +1,105 @@
+// Starts a client on a profile, and prints the milliseconds from the start of main() to its first answer, and the
+// answer: fleet_start PROFILE with|without [VALUE]. "with" loads the fleet's plug-in. With a value, the program then
+// waits until the record has it.
+#include <kyr/FileUtils.h>
+#include <kyr/FunctionTask.h>
+#include <kyr/StringUtils.h>
+#include <unified/TypeName.h>
+#include <unified/UnifiedFactoryImpl.h>
+
+#include <ConfigFeatureSet.h>
+#include <ConfigService.h>
+#include <ConfigServiceIds.h>
+#include <ConfigValueNotifiers.h>
+#include <FleetService.h>
+#include <Signal.h>
+
+#include <chrono>
+#include <cstdio>
+#include <exception>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace ZelUnified;
+using Clock = std::chrono::steady_clock;
+
+std::shared_ptr<UnifiedFactoryImpl> makeFactory() {
+    UnifiedFactoryOptions options;
+    options.openedForWriting = true;
+    options.pluginFolder = PLUGIN_FOLDER;
+    options.plugins = {{readableTypeName<ConfigService>(), SERVICE_LIBRARY},
+                       {readableTypeName<ConfigFeatureSet>(), SERVICE_LIBRARY},
+                       {readableTypeName<FleetService>(), FLEET_LIBRARY}};
+    return std::make_shared<UnifiedFactoryImpl>(std::move(options));
+}
+
+void onServices(UnifiedFactory& factory, const std::function<void()>& work) {
+    factory.getServicesDispatcher()->enqueueBlock(std::make_shared<KyrCoreUtils::FunctionTask>(work, "start"), false);
+}
+
+std::wstring start(UnifiedFactory& factory, bool withFleet) {
+    factory.Init();
+    std::wstring value;
+    onServices(factory, [&] {
+        factory.getServiceByType<ConfigService>();
+        factory.StartFeatureSet(configServiceId, nullptr);
+        if (withFleet && factory.getFeatureSetByType<FleetService>()) {
+            factory.StartFeatureSet(FleetService::fleetServiceId, nullptr);
+        }
+        value = factory.getServiceByType<ConfigService>()->getConfig(L"Theme")->getValue();
+    });
+    if (withFleet && !factory.IsFeatureSetStarted(FleetService::fleetServiceId)) {
+        throw std::runtime_error("the fleet's plug-in does not start");
+    }
+    return value;
+}
+
+void waitForValue(UnifiedFactory& factory, const std::wstring& value) {
+    const auto reached = std::make_shared<testing_host::Signal>();
+    onServices(factory, [&] {
+        const auto record = factory.getServiceByType<ConfigService>()->getConfig(L"Theme");
+        const auto check = [weak = std::weak_ptr(record), value, reached] {
+            if (const auto live = weak.lock(); live && live->getValue() == value) {
+                reached->set();
+            }
+        };
+        record->getConfigValueNotifiers()->getValueNotifier()->connect(check);
+        check();
+    });
+    if (!reached->wait()) {
+        throw std::runtime_error("the value does not arrive");
+    }
+}
+
+void run(const std::vector<std::string>& arguments) {
+    const auto began = Clock::now();
+    const std::filesystem::path profile(arguments.at(0));
+    KyrCoreUtils::FileUtils::overrideDirectories({(profile / "config").string(), (profile / "data").string(),
+                                                  (profile / "state").string(), (profile / "resources").string()});
+    const auto factory = makeFactory();
+    const auto value = start(*factory, arguments.at(1) == "with");
+    const std::chrono::duration<double, std::milli> time = Clock::now() - began;
+    std::printf("%.3f %s\n", time.count(), KyrCoreUtils::toString(value).c_str());
+    if (arguments.size() > 2) {
+        waitForValue(*factory, KyrCoreUtils::toWideString(arguments[2]));
+    }
+    factory->Destroy();
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    try {
+        run({argv + 1, argv + argc});
+        return 0;
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "fleet_start: %s\n", error.what());
+        return 1;
+    }
+}
