@@ -43,21 +43,34 @@ void onServices(UnifiedFactory& factory, const std::function<void()>& work) {
     factory.getServicesDispatcher()->enqueueBlock(std::make_shared<KyrCoreUtils::FunctionTask>(work, "start"), false);
 }
 
-std::wstring start(UnifiedFactory& factory, bool withFleet) {
-    factory.Init();
+double millisecondsSince(Clock::time_point start) {
+    return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
+}
+
+/// What a started client has answered.
+struct Answer {
+    double loadTime = 0; ///< Milliseconds for loading the fleet's plug-in.
     std::wstring value;
+};
+
+Answer start(UnifiedFactory& factory, bool withFleet) {
+    factory.Init();
+    Answer answer;
     onServices(factory, [&] {
         factory.getServiceByType<ConfigService>();
         factory.StartFeatureSet(configServiceId, nullptr);
-        if (withFleet && factory.getFeatureSetByType<FleetService>()) {
+        if (withFleet) {
+            const auto began = Clock::now();
+            factory.getFeatureSetByType<FleetService>();
+            answer.loadTime = millisecondsSince(began);
             factory.StartFeatureSet(FleetService::fleetServiceId, nullptr);
         }
-        value = factory.getServiceByType<ConfigService>()->getConfig(L"Theme")->getValue();
+        answer.value = factory.getServiceByType<ConfigService>()->getConfig(L"Theme")->getValue();
     });
     if (withFleet && !factory.IsFeatureSetStarted(FleetService::fleetServiceId)) {
         throw std::runtime_error("the fleet's plug-in does not start");
     }
-    return value;
+    return answer;
 }
 
 void waitForValue(UnifiedFactory& factory, const std::wstring& value) {
@@ -83,9 +96,9 @@ void run(const std::vector<std::string>& arguments) {
     KyrCoreUtils::FileUtils::overrideDirectories({(profile / "config").string(), (profile / "data").string(),
                                                   (profile / "state").string(), (profile / "resources").string()});
     const auto factory = makeFactory();
-    const auto value = start(*factory, arguments.at(1) == "with");
-    const std::chrono::duration<double, std::milli> time = Clock::now() - began;
-    std::printf("%.3f %s\n", time.count(), KyrCoreUtils::toString(value).c_str());
+    const auto answer = start(*factory, arguments.at(1) == "with");
+    std::printf("%.3f %.3f %s\n", millisecondsSince(began), answer.loadTime,
+                KyrCoreUtils::toString(answer.value).c_str());
     if (arguments.size() > 2) {
         waitForValue(*factory, KyrCoreUtils::toWideString(arguments[2]));
     }

@@ -21,15 +21,21 @@ public:
     void print() const;
 
 private:
-    /// The starts while the cluster is in one state, in milliseconds.
+    struct Start {
+        double time = 0;     ///< Until the first answer, in milliseconds.
+        double loadTime = 0; ///< The part of it that loading the plug-in took.
+    };
+
+    /// The times of the starts while the cluster is in one state.
     struct Row {
         std::string cluster;
         std::vector<double> without;
         std::vector<double> with;
+        std::vector<double> load;
     };
 
     void measure(const std::string& clusterState);
-    double start(const std::string& mode);
+    Start start(const std::string& mode);
 
     std::size_t starts;
     const testing_host::TemporaryProfile profile;
