@@ -3,6 +3,7 @@
 #include "SimulatedFleet.h"
 
 #include <cstddef>
+#include <functional>
 #include <map>
 #include <string>
 
@@ -19,12 +20,16 @@ public:
     void print() const;
 
 private:
-    void change(EtcdCluster& cluster, SimulatedFleet& fleet);
+    /// Makes all changes, and meanwhile kills the leader and starts it again.
+    void change(EtcdCluster& cluster) const;
+    /// Makes one writer's share of the changes, and calls `advance` after each.
+    void write(const EtcdCluster& cluster, std::size_t writer, const std::function<void()>& advance) const;
+    void readLast(const EtcdCluster& cluster);
     void compare(SimulatedFleet& fleet);
 
     std::size_t clients;
     std::size_t changes;
-    std::map<std::string, std::string> last; ///< The last value of each key.
+    std::map<std::wstring, std::wstring> last; ///< What the cluster holds at the end.
     double changeSeconds = 0;
     double settleSeconds = 0; ///< From the last change until every client has it.
     std::size_t calls = 0;

@@ -19,6 +19,10 @@ constexpr const char* measuredKey = "Measured";
 constexpr std::size_t controlWrites = 5;
 constexpr double streamsPerClient = 3;
 
+std::string getPath() {
+    return fleet::FleetScope::ofAll().prefix + measuredKey;
+}
+
 double toMilliseconds(Arrivals::Clock::duration time) {
     return std::chrono::duration<double, std::milli>(time).count();
 }
@@ -28,6 +32,7 @@ double toMilliseconds(Arrivals::Clock::duration time) {
 NotificationRun::NotificationRun(std::size_t clientCount, std::size_t writeCount)
     : clients(clientCount), writes(writeCount) {
     EtcdCluster cluster(ClusterOptions{3, false, false});
+    warmUp(cluster);
     idle = measureLoad(cluster);
     Arrivals arrivals(clients); // destroyed after the observers
     const auto began = Arrivals::Clock::now();
@@ -43,12 +48,18 @@ NotificationRun::NotificationRun(std::size_t clientCount, std::size_t writeCount
     countCalls(fleet);
 }
 
+void NotificationRun::warmUp(EtcdCluster& cluster) const {
+    for (std::size_t write = 0; write < writes; ++write) {
+        cluster.put(getPath(), "warm-up " + std::to_string(write));
+    }
+}
+
 NotificationRun::Moment NotificationRun::measureLoad(const EtcdCluster& cluster) {
     return {ProcessorLoad::ofMembers(cluster), ProcessorLoad::ofThisProcess()};
 }
 
 void NotificationRun::measureWrites(EtcdCluster& cluster, Arrivals& arrivals) {
-    const auto key = fleet::FleetScope::ofAll().prefix + measuredKey;
+    const auto key = getPath();
     for (std::size_t write = 0; write < writes; ++write) {
         const auto value = "write " + std::to_string(write);
         std::ranges::transform(arrivals.measure(KyrCoreUtils::toWideString(value), [&] { cluster.put(key, value); }),

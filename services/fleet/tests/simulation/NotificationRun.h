@@ -29,6 +29,8 @@ private:
         ProcessorLoad clients;
     };
 
+    /// The members' memory grows with the first writes, whether or not there are clients.
+    void warmUp(EtcdCluster& cluster) const;
     static Moment measureLoad(const EtcdCluster& cluster);
     void measureWrites(EtcdCluster& cluster, Arrivals& arrivals);
     void countCalls(SimulatedFleet& fleet);

@@ -1,8 +1,8 @@
 #include "SimulatedFleet.h"
 
-#include "EtcdSession.h"
 #include "FleetHost.h"
 #include "FleetScope.h"
+#include "PatientWriter.h"
 
 #include <kyr/FunctionTask.h>
 #include <kyr/StringUtils.h>
@@ -88,22 +88,7 @@ void SimulatedFleet::forEach(const std::function<void(std::size_t, SimulatedClie
 
 void SimulatedFleet::passBarrier() {
     const auto value = "barrier " + std::to_string(++barriers);
-    barrier.measure(KyrCoreUtils::toWideString(value), [&] { put(barrierKey, value); });
-}
-
-void SimulatedFleet::put(const std::string& key, const std::string& value) const {
-    constexpr std::chrono::seconds patience(120);
-    const auto end = Arrivals::Clock::now() + patience;
-    for (;;) {
-        try {
-            cluster.put(fleet::FleetScope::ofAll().prefix + key, value);
-            return;
-        } catch (const fleet::EtcdError&) {
-            if (Arrivals::Clock::now() > end) {
-                throw;
-            }
-        }
-    }
+    barrier.measure(KyrCoreUtils::toWideString(value), [&] { PatientWriter(cluster).put(barrierKey, value); });
 }
 
 } // namespace fleet_test

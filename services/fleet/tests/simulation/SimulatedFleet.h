@@ -31,9 +31,6 @@ public:
     /// Writes to the barrier's key and waits until every client has received it: each then has every value that was
     /// written before, and the calls of its observers for them are over. Throws if a client does not receive it.
     void passBarrier();
-    /// Writes the value of the key for all clients. A member may be gone and no leader elected, so it tries again for a
-    /// while.
-    void put(const std::string& key, const std::string& value) const;
 
 private:
     void onServices(const std::function<void()>& work) const;
