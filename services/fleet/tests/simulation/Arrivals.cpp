@@ -6,7 +6,7 @@ namespace fleet_test {
 
 namespace {
 
-constexpr std::chrono::seconds patience(300);
+constexpr std::chrono::seconds patience(1200);
 
 } // namespace
 

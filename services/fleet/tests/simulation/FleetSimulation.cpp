@@ -24,6 +24,8 @@ using namespace fleet_test;
 
 struct Numbers {
     std::vector<std::size_t> clients{10, 100, 1000};
+    /// While the leader is killed. The members send each of 10,000 changes to each client, so 1,000 take half an hour.
+    std::size_t clientsOfLoss = 100;
     std::size_t writes = 100;
     std::size_t changes = 10000;
     std::size_t starts = 21;
@@ -43,7 +45,8 @@ std::size_t parse(std::string_view text, std::size_t most) {
 Numbers parse(const std::vector<std::string>& arguments) {
     Numbers numbers;
     if (!arguments.empty()) {
-        numbers.clients = {parse(arguments[0], 3000)};
+        numbers.clientsOfLoss = parse(arguments[0], 3000);
+        numbers.clients = {numbers.clientsOfLoss};
     }
     numbers.writes = arguments.size() > 1 ? parse(arguments[1], 10000) : numbers.writes;
     numbers.changes = arguments.size() > 2 ? parse(arguments[2], 100000) : numbers.changes;
@@ -90,7 +93,7 @@ int simulate(const Numbers& numbers) {
     NotificationRun::printLoad(runs);
     std::fflush(stdout);
     std::fprintf(stderr, "fleet_simulation: %zu changes\n", numbers.changes);
-    const LeaderLossRun loss(numbers.clients.back(), numbers.changes);
+    const LeaderLossRun loss(numbers.clientsOfLoss, numbers.changes);
     faults += report(loss.findFault());
     std::puts("\nLeader killed:\n");
     loss.print();

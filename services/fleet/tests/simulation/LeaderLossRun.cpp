@@ -112,7 +112,7 @@ void LeaderLossRun::readLast(const EtcdCluster& cluster) {
     }
 }
 
-void LeaderLossRun::compare(SimulatedFleet& fleet) {
+void LeaderLossRun::compare(const SimulatedFleet& fleet) {
     fleet.forEach([this](std::size_t /*number*/, const SimulatedClient& client) {
         for (const auto& [key, value] : last) {
             if (client.getValue(key) != value) {

@@ -25,7 +25,7 @@ private:
     /// Makes one writer's share of the changes, and calls `advance` after each.
     void write(const EtcdCluster& cluster, std::size_t writer, const std::function<void()>& advance) const;
     void readLast(const EtcdCluster& cluster);
-    void compare(SimulatedFleet& fleet);
+    void compare(const SimulatedFleet& fleet);
 
     std::size_t clients;
     std::size_t changes;

@@ -75,7 +75,7 @@ void NotificationRun::measureWrites(EtcdCluster& cluster, Arrivals& arrivals) {
     }
 }
 
-void NotificationRun::countCalls(SimulatedFleet& fleet) {
+void NotificationRun::countCalls(const SimulatedFleet& fleet) {
     fleet.forEach([this](std::size_t /*number*/, const SimulatedClient& client) {
         const auto& observer = *client.getObservers().back();
         calls += observer.countCalls();

@@ -33,7 +33,7 @@ private:
     void warmUp(EtcdCluster& cluster) const;
     static Moment measureLoad(const EtcdCluster& cluster);
     void measureWrites(EtcdCluster& cluster, Arrivals& arrivals);
-    void countCalls(SimulatedFleet& fleet);
+    void countCalls(const SimulatedFleet& fleet);
 
     std::size_t clients;
     std::size_t writes;

@@ -10,7 +10,7 @@
 namespace fleet_test {
 
 /// Measures the start of a client, in a process of its own each time, until it has answered: without the fleet's
-/// plug-in and with it, while the cluster answers, is silent, and is gone.
+/// plug-in, with it, and with it loaded in the background, while the cluster answers, is silent, and is gone.
 class StartRun {
 public:
     /// Throws std::runtime_error if a client cannot be started.
@@ -32,6 +32,7 @@ private:
         std::vector<double> without;
         std::vector<double> with;
         std::vector<double> load;
+        std::vector<double> background;
     };
 
     void measure(const std::string& clusterState);
