@@ -37,7 +37,7 @@ double secondsSince(Arrivals::Clock::time_point start) {
 
 LeaderLossRun::LeaderLossRun(std::size_t clientCount, std::size_t changeCount)
     : clients(clientCount), changes(changeCount) {
-    EtcdCluster cluster(ClusterOptions{3, false, false});
+    EtcdCluster cluster(ClusterOptions{.members = 3});
     SimulatedFleet fleet(clients, cluster);
     fleet.forEach([](std::size_t /*number*/, SimulatedClient& client) {
         for (std::size_t key = 0; key < keyCount; ++key) {

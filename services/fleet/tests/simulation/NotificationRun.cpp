@@ -31,7 +31,7 @@ double toMilliseconds(Arrivals::Clock::duration time) {
 
 NotificationRun::NotificationRun(std::size_t clientCount, std::size_t writeCount)
     : clients(clientCount), writes(writeCount) {
-    EtcdCluster cluster(ClusterOptions{3, false, false});
+    EtcdCluster cluster(ClusterOptions{.members = 3});
     warmUp(cluster);
     idle = measureLoad(cluster);
     Arrivals arrivals(clients); // destroyed after the observers

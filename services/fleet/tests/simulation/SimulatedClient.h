@@ -15,8 +15,8 @@ namespace fleet_test {
 /// and its observers. Constructed, used and destroyed on the services thread of the host.
 class SimulatedClient {
 public:
-    /// The client has its own user's name; everything else is in the defaults file of the profile.
-    SimulatedClient(const std::shared_ptr<ZelUnified::UnifiedFactory>& host, const std::wstring& user);
+    /// The settings of the fleet are in the defaults file of the profile.
+    explicit SimulatedClient(const std::shared_ptr<ZelUnified::UnifiedFactory>& host);
     ~SimulatedClient();
     SimulatedClient(const SimulatedClient&) = delete;
     SimulatedClient& operator=(const SimulatedClient&) = delete;

@@ -1,6 +1,5 @@
 #include "SimulatedFleet.h"
 
-#include "FleetHost.h"
 #include "FleetScope.h"
 #include "PatientWriter.h"
 
@@ -25,7 +24,6 @@ std::string getUser(std::size_t client) {
 
 SimulatedFleet::SimulatedFleet(std::size_t count, EtcdCluster& etcdCluster)
     : cluster(etcdCluster), host(std::make_shared<ZelUnified::UnifiedFactoryImpl>()), barrier(count) {
-    FleetHost::writeDefaults(profile.resources(), cluster.getAccess());
     host->Init();
     for (const std::size_t client : {std::size_t{0}, count - 1}) {
         cluster.put(fleet::FleetScope::ofUser(getUser(client)).prefix + ownKey, getUser(client));
@@ -58,14 +56,28 @@ void SimulatedFleet::onServices(const std::function<void()>& work) const {
 
 void SimulatedFleet::addClients(std::size_t count) {
     for (std::size_t number = 0; number < count; ++number) {
+        writeDefaults(getUser(number));
         onServices([&] {
-            const auto user = KyrCoreUtils::toWideString(getUser(number));
-            auto client = std::make_unique<SimulatedClient>(host, user);
+            auto client = std::make_unique<SimulatedClient>(host);
             client->observe(KyrCoreUtils::toWideString(barrierKey),
                             [this, number](const std::wstring& value) { barrier.receive(number, value); });
             clients.push_back(std::move(client));
         });
     }
+}
+
+void SimulatedFleet::writeDefaults(const std::string& user) const {
+    const auto row = [](const std::string& key, const std::string& value) {
+        return "<userConfig name=\"" + key + "\" value=\"" + value + "\"/>\n";
+    };
+    std::string endpoints;
+    for (const auto& endpoint : cluster.getAccess().endpoints) {
+        endpoints += (endpoints.empty() ? "" : ",") + endpoint;
+    }
+    testing_host::writeFile(profile.resources() / "lumora-config-defaults.xml",
+                            "<Lumora>\n" + row("FleetUser", user) + row("FleetGroups", "nurses") +
+                                row("FleetEndpoints", endpoints) + row("FleetPlainHttpAllowed", "true") +
+                                "</Lumora>\n");
 }
 
 void SimulatedFleet::checkUsers() const {
