@@ -24,7 +24,7 @@ using namespace fleet_test;
 
 struct Numbers {
     std::vector<std::size_t> clients{10, 100, 1000};
-    /// While the leader is killed. The members send each of 10,000 changes to each client, so 1,000 take half an hour.
+    /// While the leader is killed. The members send each of 10,000 changes to each client, so 1,000 take very long.
     std::size_t clientsOfLoss = 100;
     std::size_t writes = 100;
     std::size_t changes = 10000;
