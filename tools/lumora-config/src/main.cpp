@@ -230,7 +230,7 @@ ExitCode watch(const CommandLine& line, Outputs& outputs) {
 /// Runs the command on the client that uses the profile. Returns nothing if there is none, or none that can be asked.
 std::optional<ExitCode> runLive(const CommandLine& line, Printer& printer) {
     const bool isShell = line.command.name == "shell";
-    if (!mayAskClient(line) || (!isShell && !LiveCommands::canRun(line.command))) {
+    if (!mayAskClient(line) || (!isShell && !LiveCommands::canRun(line.command.name))) {
         return std::nullopt;
     }
     KyrCoreUtils::FileUtils::overrideDirectories(line.directories);
