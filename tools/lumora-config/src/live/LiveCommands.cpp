@@ -40,7 +40,7 @@ std::string describeMiss(const Command& command) {
 
 } // namespace
 
-LiveCommands::Body LiveCommands::find(const Command& command) {
+LiveCommands::Body LiveCommands::find(const std::string& name) {
     static const std::map<std::string, Body> bodies{{"get", &LiveCommands::get},
                                                     {"explain", &LiveCommands::explain},
                                                     {"list", &LiveCommands::list},
@@ -62,12 +62,12 @@ LiveCommands::Body LiveCommands::find(const Command& command) {
                                                     {"reset-provisioning", &LiveCommands::change},
                                                     {"remove-store", &LiveCommands::change},
                                                     {"refresh", &LiveCommands::change}};
-    const auto found = bodies.find(command.name);
+    const auto found = bodies.find(name);
     return found == bodies.end() ? nullptr : found->second;
 }
 
-bool LiveCommands::canRun(const Command& command) {
-    return find(command) != nullptr;
+bool LiveCommands::canRun(const std::string& name) {
+    return find(name) != nullptr;
 }
 
 void LiveCommands::announce() const {
@@ -76,7 +76,7 @@ void LiveCommands::announce() const {
 
 void LiveCommands::run(const Command& command) {
     try {
-        if (const auto body = find(command); body != nullptr) {
+        if (const auto body = find(command.name); body != nullptr) {
             (this->*body)(command);
         }
     } catch (const nlohmann::json::exception&) {

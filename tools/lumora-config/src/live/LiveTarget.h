@@ -12,6 +12,7 @@ public:
     /// The printer must outlive the object.
     LiveTarget(Printer& target, bool secretsShown) : printer(target), showSecrets(secretsShown) {}
 
+    bool canRun(const std::string& name) const override;
     /// Throws Failure (Environment) if no client uses the profile, or if the client cannot carry out the command.
     void run(const Command& command) override;
     void confirmWrites() override {} // the client answers when a change is on the disk

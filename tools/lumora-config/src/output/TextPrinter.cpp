@@ -235,7 +235,12 @@ void TextPrinter::showBundle(const BundleSummary& bundle) {
         table.addRow({toOneLine(member.name), std::to_string(member.bytes), toOneLine(member.contents)});
     }
     const auto title = bundle.file.empty() ? "Problem report of " + bundle.madeAt : bundle.file;
-    output.writeEscaped(toOneLine(title) + "\n\n" + table.toString(output.getForm()));
+    std::string problems;
+    for (const auto& problem : bundle.problems) {
+        problems += "needs attention: " + toOneLine(problem.area + ' ' + problem.path + ": " + problem.state) + '\n';
+    }
+    output.writeEscaped(toOneLine(title) + "\n\n" + problems + (problems.empty() ? "" : "\n") +
+                        table.toString(output.getForm()));
 }
 
 void TextPrinter::showNotification(const Notification& notification) {

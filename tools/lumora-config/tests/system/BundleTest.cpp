@@ -224,6 +224,30 @@ TEST(Bundle, ContainsTheLogsOfTheStateFolderUnderDifferentMaskedNames) {
     EXPECT_THAT(logs, ElementsAre("log/__-2.log", "log/__.log", "log/_user_.log"));
 }
 
+TEST(Bundle, IsWrittenWhileTheDefaultsFileIsDamaged) {
+    const Profile profile;
+    ASSERT_EQ(profile.run({"set", "Theme", "dark"}).exitCode, 0);
+    testing_host::writeFile(profile.defaultsFile(), "<Lumora><userConfig name=");
+    const auto path = getPath(profile);
+    const auto outcome = profile.run({"--json", "bundle", "-o", path});
+    ASSERT_EQ(outcome.exitCode, 0) << outcome.error;
+    EXPECT_THAT(outcome.error, HasSubstr("not XML, see line 1; the values of this file are missing"));
+    EXPECT_EQ(testing_host::readFile(profile.defaultsFile()), "<Lumora><userConfig name=");
+    const auto problem = outcome.lines().at(0).at("problems").at(0);
+    EXPECT_EQ(problem.at("area"), "defaults");
+    const auto members = readArchive(path);
+    EXPECT_EQ(members.size(), 9U);
+    EXPECT_THAT(
+        members.at("index.txt"),
+        testing::ContainsRegex("\nneeds attention: defaults .*lumora-config-defaults.xml: not XML, see line 1"));
+    for (const auto* name : {"health.json", "page.html"}) {
+        EXPECT_THAT(members.at(name), HasSubstr("not XML, see line 1")) << name;
+    }
+    EXPECT_THAT(members.at("list.json"), HasSubstr("\"value\":\"dark\""));
+    EXPECT_THAT(members.at("log/lumora-config.log"), HasSubstr("[ConfigService-ConfigAdapter]"));
+    EXPECT_THAT(members.at("versions.json"), HasSubstr("libxml2"));
+}
+
 TEST(Bundle, ReplacesAFileOnlyIfItIsForced) {
     const Profile profile;
     const auto path = profile.write("problem.zip", "precious");

@@ -1,3 +1,4 @@
+#include "ProfileSnapshot.h"
 #include "Program.h"
 
 #include <TemporaryProfile.h>
@@ -9,6 +10,7 @@ namespace program_test {
 
 namespace fs = std::filesystem;
 using testing::AllOf;
+using testing::ContainsRegex;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
@@ -91,6 +93,49 @@ TEST(Environment, ADefaultsFileThatIsNotXmlIsKeptUnderItsQuarantineName) {
     EXPECT_EQ(again.exitCode, 3);
     EXPECT_THAT(again.error, AllOf(HasSubstr("no defaults file"), HasSubstr(kept.string())));
 }
+
+/// The ways in which a defaults file can be unusable, with what the program says of each.
+class UnusableDefaults : public testing::TestWithParam<std::pair<const char*, const char*>> {
+protected:
+    UnusableDefaults() {
+        EXPECT_EQ(profile.run({"set", "Theme", "dark"}).exitCode, 0);
+        const std::string content = GetParam().first;
+        fs::remove(profile.defaultsFile());
+        if (content == "a folder") {
+            fs::create_directory(profile.defaultsFile());
+        } else if (!content.empty()) {
+            testing_host::writeFile(profile.defaultsFile(), content);
+        }
+    }
+
+    const Profile profile;
+};
+
+TEST_P(UnusableDefaults, DoNotPreventAReportAndAreNamed) {
+    const auto page = (profile.root() / "page.html").string();
+    const auto before = takeSnapshot(profile.root());
+    const auto report = profile.run({"report"});
+    EXPECT_EQ(report.exitCode, 0);
+    EXPECT_THAT(report.out, AllOf(HasSubstr("<theme>dark</theme>"), HasSubstr("</AllConfigs>")));
+    EXPECT_THAT(report.error, AllOf(HasSubstr(profile.defaultsFile().string()), HasSubstr(GetParam().second),
+                                    HasSubstr("the values of this file are missing")));
+    EXPECT_EQ(takeSnapshot(profile.root()), before);
+    EXPECT_EQ(profile.run({"report", "--html", page}).exitCode, 0);
+    EXPECT_THAT(testing_host::readFile(page), AllOf(HasSubstr(GetParam().second), HasSubstr("\"dark\"")));
+    EXPECT_EQ(profile.run({"get", "Theme"}).exitCode, 3) << "a single value could be wrong";
+}
+
+TEST_P(UnusableDefaults, AreFoundByDoctor) {
+    const auto doctor = profile.run({"doctor"});
+    EXPECT_EQ(doctor.exitCode, 1);
+    EXPECT_THAT(doctor.out,
+                ContainsRegex("! +defaults +[^ ]*lumora-config-defaults.xml +" + std::string(GetParam().second)));
+}
+
+INSTANTIATE_TEST_SUITE_P(Environment, UnusableDefaults,
+                         testing::Values(std::pair("<Lumora><userConfig name=", "not XML, see line 1"),
+                                         std::pair("", "no defaults file"),
+                                         std::pair("a folder", "not a regular file")));
 
 TEST(Environment, ADamagedUserFileIsKeptWhenItIsReplaced) {
     const Profile profile;

@@ -7,6 +7,7 @@
 #include <array>
 #include <csignal>
 #include <optional>
+#include <sstream>
 #include <vector>
 
 namespace program_test {
@@ -161,6 +162,36 @@ TEST_F(LiveCommands, TheShellRunsItsCommandsOnTheClient) {
                                      HasSubstr(refusal("reset-data")), HasSubstr("Theme set; in force: \"dark\"")));
     EXPECT_EQ(outcome.error.find(notice(), 1), std::string::npos) << "the client is named once";
     EXPECT_EQ(profile.run({"get", "Theme"}).out, "dark\n");
+}
+
+TEST_F(LiveCommands, TheShellListsAndSuggestsOnlyWhatTheClientCanCarryOut) {
+    std::vector<std::string> names;
+    const auto help = profile.shell({"help"}).out;
+    std::istringstream lines(help.substr(help.find("Subcommands:") + 13));
+    for (std::string line; std::getline(lines, line) && !line.empty();) {
+        const auto name = line.substr(2, line.find(' ', 2) - 2);
+        // The first would end the shell, the second would write to the working directory.
+        if (name != "quit" && name != "bundle") {
+            names.push_back(name);
+        }
+    }
+    start();
+    const auto liveHelp = profile.shell({"help"}).out;
+    Arguments commands;
+    for (const auto& name : names) {
+        commands.insert(commands.end(), {name, name + " a", name + " a b"});
+    }
+    const auto messages = profile.shell(commands).error;
+    std::size_t listed = 0;
+    for (const auto& name : names) {
+        const bool isRefused = messages.find("'" + name + "' needs the profile for itself") != std::string::npos;
+        const bool isListed = liveHelp.find("\n  " + name + ' ') != std::string::npos;
+        EXPECT_NE(isListed, isRefused) << name;
+        listed += isListed ? 1 : 0;
+    }
+    EXPECT_GT(listed, 20U);
+    EXPECT_THAT(liveHelp, AllOf(HasSubstr("\n  bundle "), HasSubstr("\n  quit,"), Not(HasSubstr("\n  observe "))));
+    EXPECT_THAT(profile.shell({"obsreve Theme"}).error, HasSubstr("there is no command 'obsreve'\n"));
 }
 
 TEST_F(LiveCommands, TheShellReportsThatTheClientHasEndedAndFindsTheNextOne) {

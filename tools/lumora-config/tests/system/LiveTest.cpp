@@ -2,12 +2,15 @@
 
 #include <kyr/LocalConnection.h>
 #include <kyr/LocalSocket.h>
+#include <kyr/StringUtils.h>
 
 #include <gmock/gmock.h>
 
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
+#include <functional>
+#include <future>
 #include <optional>
 
 namespace program_test {
@@ -364,6 +367,54 @@ TEST_F(Live, AStoppedOrKilledWatcherDoesNotAffectOthers) {
         }
     }
     EXPECT_GE(received, static_cast<std::size_t>(changes));
+}
+
+/// Thousands of defaults, and as many keys in a document.
+TEST_F(Live, AWatcherOfThousandsOfKeysReceivesEachChange) {
+    constexpr int keys = 5000;
+    std::string defaults = "<Lumora>\n";
+    std::string elements;
+    for (int i = 0; i < keys; ++i) {
+        const auto number = std::to_string(i);
+        defaults += "<userConfig name=\"Key" + number + "\" value=\"default\"/>\n";
+        elements += "<Key" + number + ">document</Key" + number + ">\n";
+    }
+    profile.write("resources/lumora-config-defaults.xml", defaults + "</Lumora>\n");
+    const auto document = profile.writeDocument("managed.xml", elements);
+    RunningProgram client(profile, {"serve"});
+    client.receive();
+    RunningProgram all(profile, {"watch"});
+    RunningProgram last(profile, {"watch", "Key4999"});
+    for (auto* watch : {&all, &last}) {
+        watch->receiveMessage();
+    }
+    // The events are read while the change is made, so that none of them is lost.
+    const auto expectEvent = [&](const std::string& value, const std::string& store,
+                                 const std::function<void()>& change) {
+        std::vector<std::future<void>> readers;
+        for (auto* watch : {&all, &last}) {
+            readers.push_back(std::async(std::launch::async, [watch, &value, &store] {
+                nlohmann::json event;
+                do {
+                    event = watch->receiveUntil("property", "Value");
+                } while (!KyrCoreUtils::caseInsensitiveStringEquals(event.at("key").get<std::string>(),
+                                                                    std::string("Key4999")));
+                EXPECT_EQ(event.at("new"), value);
+                EXPECT_EQ(event.at("store"), store);
+            }));
+        }
+        change();
+        for (auto& reader : readers) {
+            reader.get();
+        }
+    };
+    expectEvent("user", "LocalFileConfigStore", [&] { set("Key4999", "user"); });
+    expectEvent("default", "lumora-config-defaults.xml", [&] {
+        EXPECT_EQ(profile.run({"reset", "Key4999"}).exitCode, 0);
+    });
+    expectEvent("document", "MdmConfigStore", [&] { EXPECT_EQ(profile.run({"mdm", document}).exitCode, 0); });
+    profile.writePolicy("Key4999", "policy");
+    expectEvent("policy", "RegistryConfigStore", [&] { EXPECT_EQ(profile.run({"refresh"}).exitCode, 0); });
 }
 
 } // namespace
