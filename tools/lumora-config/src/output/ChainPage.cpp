@@ -55,33 +55,6 @@ std::string describeContent(const std::string& storeName) {
     return std::string(known == knownStores.end() ? "added by another service" : known->holds);
 }
 
-std::string escapeHtml(std::string_view text) {
-    std::string escaped;
-    escaped.reserve(text.size());
-    for (const char c : text) {
-        switch (c) {
-        case '&':
-            escaped += "&amp;";
-            break;
-        case '<':
-            escaped += "&lt;";
-            break;
-        case '>':
-            escaped += "&gt;";
-            break;
-        case '"':
-            escaped += "&quot;";
-            break;
-        case '\'':
-            escaped += "&#39;";
-            break;
-        default:
-            escaped += c;
-        }
-    }
-    return escaped;
-}
-
 /// Returns JSON that is safe inside a script element: it contains no "<", so no end tag and no comment, and no line
 /// separators of Unicode.
 std::string toEmbeddedText(const json& data) {
@@ -193,7 +166,7 @@ private:
                 holdings.push_back(describe(holding, store - findings.stores.begin(), holding.name == key.oldName));
             }
         }
-        json row{nameOf(key), std::move(holdings), refer(key.inForce, key), refer(key.administrators, key),
+        json row{nameOf(key), std::move(holdings), toReference(key.inForce, key), toReference(key.administrators, key),
                  (key.record.overridden ? 1 : 0) + (key.sensitive ? 2 : 0)};
         row.push_back(key.oldName ? shown(*key.oldName) : "");
         row.push_back(meaningOf(key));
@@ -244,7 +217,7 @@ private:
 
     /// Returns the position of the reading among what the stores hold, or its value and store if no store holds just
     /// this, or null if there is none.
-    json refer(const std::optional<Reading>& reading, const Explanation& key) const {
+    json toReference(const std::optional<Reading>& reading, const Explanation& key) const {
         if (!reading) {
             return nullptr;
         }
