@@ -19,7 +19,7 @@ class ChangeQueue {
 public:
     explicit ChangeQueue(std::size_t mostChanges) : capacity(mostChanges) {}
 
-    /// The changes since the last call of take().
+    /// The changes since the last call of extract().
     struct Batch {
         std::vector<Change> changes;
         /// How many events of each key did not fit behind them, so that each watcher learns what it missed. The client
@@ -40,11 +40,12 @@ public:
         return wasEmpty;
     }
 
-    Batch take() {
-        Batch taken;
+    /// Removes and returns the queued changes.
+    Batch extract() {
+        Batch extracted;
         const KyrCoreUtils::LockGuard lock(mutex);
-        std::swap(taken, batch);
-        return taken;
+        std::swap(extracted, batch);
+        return extracted;
     }
 
 private:
