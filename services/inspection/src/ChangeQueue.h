@@ -22,8 +22,7 @@ public:
     /// The changes since the last call of extract().
     struct Batch {
         std::vector<Change> changes;
-        /// How many events of each key did not fit behind them, so that each watcher learns what it missed. The client
-        /// has a bounded number of keys.
+        /// The number of events of each key that did not fit, for its watchers. The number of keys is bounded.
         std::map<std::wstring, std::size_t> lost;
     };
 

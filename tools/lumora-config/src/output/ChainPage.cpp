@@ -45,7 +45,7 @@ std::string shown(const std::string& text) {
     return shown(KyrCoreUtils::toWideString(text));
 }
 
-/// For texts about the machine, which the log masks, too.
+/// Masks personal data as the log does; for texts about the machine.
 std::string shownMasked(const std::string& text) {
     return shown(ZelLogger_replacePIIData(text));
 }
@@ -180,7 +180,7 @@ private:
     }
 
     /// What a store holds: the number of the store, the value, 1 if it is held under the old name, the origin. The last
-    /// two are absent if they say nothing.
+    /// two are absent if they are 0 and unknown.
     json describe(const Holding& holding, std::ptrdiff_t store, bool underOldName) {
         json row{store, shown(holding.value)};
         if (underOldName || holding.origin.isKnown()) {
@@ -215,8 +215,8 @@ private:
         return entry->second;
     }
 
-    /// Returns the position of the reading among what the stores hold, or its value and store if no store holds just
-    /// this, or null if there is none.
+    /// Returns the index of the reading among the holdings of all stores; its value and store if it equals none of
+    /// them; null if there is no reading.
     json toReference(const std::optional<Reading>& reading, const Explanation& key) const {
         if (!reading) {
             return nullptr;
