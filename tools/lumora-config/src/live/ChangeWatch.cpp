@@ -7,6 +7,7 @@
 #include <kyr/FileUtils.h>
 
 #include <chrono>
+#include <nlohmann/json.hpp>
 #include <utility>
 
 namespace lumora_config {

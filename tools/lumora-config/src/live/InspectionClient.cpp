@@ -6,6 +6,7 @@
 #include <kyr/LocalSocket.h>
 
 #include <chrono>
+#include <nlohmann/json.hpp>
 #include <vector>
 
 namespace lumora_config {

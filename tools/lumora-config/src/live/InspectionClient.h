@@ -3,7 +3,7 @@
 #include <kyr/LocalConnection.h>
 
 #include <memory>
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 #include <string>
 
 namespace lumora_config {

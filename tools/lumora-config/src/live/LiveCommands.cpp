@@ -22,6 +22,7 @@
 
 #include <chrono>
 #include <map>
+#include <nlohmann/json.hpp>
 #include <utility>
 #include <vector>
 
