@@ -96,7 +96,7 @@ std::wstring lockName(const std::string& digest) {
 /// with the process. Returns nothing and sets `error` to ERROR_ALREADY_EXISTS if another holder has it.
 SystemHandle createLock(const std::string& digest, DWORD& error) {
     SystemHandle lock(
-        ::CreateMutexW(AccessRights::forCreation(AccessRights::Of::File), FALSE, lockName(digest).c_str()));
+        ::CreateMutexW(AccessRights::forCreation(AccessRights::Kind::File), FALSE, lockName(digest).c_str()));
     error = ::GetLastError();
     return lock && error == ERROR_ALREADY_EXISTS ? SystemHandle() : std::move(lock);
 }
