@@ -64,7 +64,7 @@ TEST_F(FileRegistryTest, AFileWhoseTimeMovesBackIsReadAgain) {
     EXPECT_EQ(textOf(*registry, L"K", L"a"), L"other one");
 }
 
-TEST_F(FileRegistryTest, AmongFilesOfOneFolderTheLastNameWins) {
+TEST_F(FileRegistryTest, OfSeveralFilesInAFolderTheLastByNameWins) {
     writeAdministrator("20-b.reg", "[HKCU\\K]\r\n\"a\"=\"second\"\r\n");
     writeAdministrator("10-z.reg", "[HKCU\\K]\r\n\"a\"=\"first\"\r\n");
     EXPECT_EQ(textOf(*registry, L"K", L"a"), L"second");
@@ -182,7 +182,7 @@ TEST_F(FileRegistryTest, AKeyThatHasSubkeysIsNotDeletedAndNothingIsWritten) {
     EXPECT_EQ(remove(L"K"), RegistryResult::Success);
 }
 
-TEST_F(FileRegistryTest, AParentThatWasOnlyImpliedByADeletedKeyCanBeDeleted) {
+TEST_F(FileRegistryTest, AParentWithoutASectionOfItsOwnCanBeDeletedAfterItsSubkey) {
     writeUser("a.reg", "[HKCU\\K\\Sub]\r\n\"a\"=\"1\"\r\n");
     ASSERT_EQ(remove(L"K\\Sub"), RegistryResult::Success);
     EXPECT_TRUE(hasKey(*registry, L"K"));
@@ -249,7 +249,7 @@ TEST_F(FileRegistryTest, DeletingRelativeToAnOpenKeyRewritesTheFile) {
     EXPECT_THAT(key.getSubkeys(), IsEmpty());
 }
 
-TEST_F(FileRegistryTest, ReadsTheUserFolderItIsGiven) {
+TEST_F(FileRegistryTest, ReadsTheGivenUserFolder) {
     writeFile(profile.root() / "elsewhere/a.reg", header + "[HKCU\\There]\r\n");
     writeUser("a.reg", "[HKCU\\Here]\r\n");
     const auto other = makeFileRegistry({administrator.string(), (profile.root() / "elsewhere").string()});

@@ -196,7 +196,7 @@ TEST_F(InspectionRequests, SetIsOnTheDiskBeforeTheReply) {
     EXPECT_TRUE(std::filesystem::exists(host.getProfile().config() / "lumoraLocalConfig.dat"));
 }
 
-TEST_F(InspectionRequests, SetRefusesWhatXmlCannotRepresentAndWhatTheKindOfTheKeyExcludes) {
+TEST_F(InspectionRequests, SetRefusesValuesThatXmlCannotRepresentOrTheKindOfTheKeyExcludes) {
     for (const auto& request : {Json{{"verb", "set"}, {"key", "a key"}, {"value", "v"}},
                                 Json{{"verb", "set"}, {"key", "a\u00D7b"}, {"value", "v"}},
                                 Json{{"verb", "set"}, {"key", ""}, {"value", "v"}},

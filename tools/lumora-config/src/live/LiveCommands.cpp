@@ -22,6 +22,7 @@
 
 #include <chrono>
 #include <map>
+#include <nlohmann/json.hpp>
 #include <utility>
 #include <vector>
 
@@ -246,7 +247,7 @@ void LiveCommands::load(const Command& command) {
     LiveSettings(client).load(command, input, printer);
 }
 
-/// Like a host of its own, compares secrets even if they are not printed.
+/// Compares secrets too, even if they are not printed.
 void LiveCommands::diff(const Command& command) {
     const auto read = [this](const std::string& folder, const std::string& source) {
         if (!folder.empty()) {

@@ -11,6 +11,7 @@
 #include <kyr/StringUtils.h>
 
 #include <algorithm>
+#include <nlohmann/json.hpp>
 #include <utility>
 #include <vector>
 

@@ -17,7 +17,7 @@ public:
     void run(const Command& command) override;
     void confirmWrites() override {} // the client answers when a change is on the disk
     CompletionNames getNames() override;
-    /// Without the values of the client's sensitive keys, any line with a value may contain a secret.
+    /// Returns a filter that rejects every line with a value: this process does not know the client's secrets.
     LineFilter makeLineFilter() override;
     bool savesHistory() const override { return false; } // the folder belongs to the client
     CommandInput& getInput() override { return input; }
@@ -27,7 +27,7 @@ private:
     Printer& printer;
     const bool showSecrets;
     CommandInput input;
-    long announced = 0; ///< The process that was named last.
+    long announced = 0; ///< The process of the last announcement.
 };
 
 } // namespace lumora_config

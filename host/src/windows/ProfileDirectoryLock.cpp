@@ -1,13 +1,13 @@
+#include "zel/ProfileDirectoryLock.h"
+
 #include "AccessRights.h"
 #include "SystemError.h"
 #include "SystemHandle.h"
 #include "kyr/HexDigits.h"
 #include "kyr/PathText.h"
-#include "zel/storage/PendingWrites.h"
 
 #include <kyr/FileUtils.h>
 #include <kyr/StringUtils.h>
-#include <unified/ProfileLock.h>
 
 #include <openssl/sha.h>
 
@@ -16,7 +16,6 @@
 #include <filesystem>
 #include <fstream>
 #include <string_view>
-#include <system_error>
 
 namespace ZelUnified {
 
@@ -29,7 +28,7 @@ constexpr DWORD sharedWithAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_
 
 /// Returns the same spelling of an existing directory in all processes: the system's own, without links and with the
 /// case of the disk.
-std::wstring settledPath(const std::filesystem::path& directory) {
+std::wstring finalPath(const std::filesystem::path& directory) {
     const SystemHandle opened(::CreateFileW(directory.c_str(), 0, sharedWithAll, nullptr, OPEN_EXISTING,
                                             FILE_FLAG_BACKUP_SEMANTICS, nullptr));
     std::wstring text(32768, L'\0');
@@ -53,10 +52,6 @@ std::string digestOf(const std::wstring& path) {
         KyrCoreUtils::appendHex(name, digest[i]);
     }
     return name;
-}
-
-std::string describe(int error) {
-    return std::error_code(error, std::generic_category()).message();
 }
 
 /// Records in the state folder which process holds a lock. The record is for users only; every failure is ignored.
@@ -97,35 +92,27 @@ std::wstring lockName(const std::string& digest) {
     return L"Global\\LumoraProfile-" + KyrCoreUtils::toWideString(digest);
 }
 
-std::string describeUse(const std::string& path, long holder) {
-    return "The profile " + path + " is in use by " +
-           (holder != 0 ? "process " + std::to_string(holder) : std::string("another process")) + ".";
-}
-
 /// Creates the named mutex that represents the lock. Its existence is the lock: it disappears with the handle, and so
 /// with the process. Returns nothing and sets `error` to ERROR_ALREADY_EXISTS if another holder has it.
 SystemHandle createLock(const std::string& digest, DWORD& error) {
     SystemHandle lock(
-        ::CreateMutexW(AccessRights::forCreation(AccessRights::Of::File), FALSE, lockName(digest).c_str()));
+        ::CreateMutexW(AccessRights::forCreation(AccessRights::Kind::File), FALSE, lockName(digest).c_str()));
     error = ::GetLastError();
     return lock && error == ERROR_ALREADY_EXISTS ? SystemHandle() : std::move(lock);
 }
 
-} // namespace
-
 /// The named mutex that represents the lock.
-class ProfileLock::LockedDirectory {
+class LockedDirectory final : public ProfileDirectoryLock {
 public:
     LockedDirectory(const std::string& configDirectory, const std::string& stateDirectory)
-        : path(configDirectory),
+        : ProfileDirectoryLock(configDirectory),
           created(KyrCoreUtils::FileUtils::createDirectory(path)),
-          settled(created == 0 ? settledPath(KyrCoreUtils::pathFromText(path).value_or("")) : std::wstring()),
+          settled(created == 0 ? finalPath(KyrCoreUtils::pathFromText(path).value_or("")) : std::wstring()),
           openError(settled.empty() ? zel::platform::lastErrno() : 0),
           digest(digestOf(settled)),
           holderFile(stateDirectory, digest) {
         if (created != 0 || openError != 0) {
-            problem = "The configuration directory " + path +
-                      " can't be opened: " + describe(created != 0 ? created : openError);
+            problem = describeOpenFailure(path, created != 0 ? created : openError);
             return;
         }
         DWORD error = 0;
@@ -136,17 +123,15 @@ public:
             return;
         }
         if (error != ERROR_ALREADY_EXISTS) {
-            problem =
-                "The configuration directory " + path + " can't be locked: " + describe(zel::platform::errnoOf(error));
+            problem = describeLockFailure(path, zel::platform::errnoOf(error));
             return;
         }
         holder = holderFile.read();
         problem = describeUse(path, holder);
     }
 
-    ~LockedDirectory() {
+    ~LockedDirectory() override {
         if (held) {
-            zel::storage::PendingWrites::instance().giveUp(path);
             holderFile.write(""); // the next process that fails to lock must not report this one
         }
     }
@@ -154,12 +139,7 @@ public:
     LockedDirectory(const LockedDirectory&) = delete;
     LockedDirectory& operator=(const LockedDirectory&) = delete;
 
-    bool held = false;
-    long holder = 0;
-    std::string problem;
-
 private:
-    const std::string path;
     const int created;
     const std::wstring settled;
     const int openError;
@@ -168,34 +148,22 @@ private:
     SystemHandle lock;
 };
 
-ProfileLock::ProfileLock(const std::string& configDirectory, const std::string& stateDirectory)
-    : directory(std::make_unique<LockedDirectory>(configDirectory, stateDirectory)) {}
+} // namespace
 
-std::string ProfileLock::findProblem(const std::string& configDirectory, const std::string& stateDirectory) {
-    const auto settled = settledPath(KyrCoreUtils::pathFromText(configDirectory).value_or(""));
+std::unique_ptr<ProfileDirectoryLock> ProfileDirectoryLock::acquire(const std::string& configDirectory,
+                                                                    const std::string& stateDirectory) {
+    return std::make_unique<LockedDirectory>(configDirectory, stateDirectory);
+}
+
+std::string ProfileDirectoryLock::findProblem(const std::string& configDirectory, const std::string& stateDirectory) {
+    const auto settled = finalPath(KyrCoreUtils::pathFromText(configDirectory).value_or(""));
     if (settled.empty()) {
         const int error = zel::platform::lastErrno();
-        return error == ENOENT
-                   ? ""
-                   : "The configuration directory " + configDirectory + " can't be opened: " + describe(error);
+        return error == ENOENT ? std::string() : describeOpenFailure(configDirectory, error);
     }
     const auto digest = digestOf(settled);
     const SystemHandle lock(::OpenMutexW(SYNCHRONIZE, FALSE, lockName(digest).c_str()));
     return lock ? describeUse(configDirectory, HolderFile(stateDirectory, digest).read()) : "";
-}
-
-ProfileLock::~ProfileLock() = default;
-
-bool ProfileLock::isHeld() const noexcept {
-    return directory->held;
-}
-
-long ProfileLock::getHolder() const noexcept {
-    return directory->holder;
-}
-
-const std::string& ProfileLock::getProblem() const noexcept {
-    return directory->problem;
 }
 
 } // namespace ZelUnified

@@ -1,7 +1,7 @@
 #include "LoginManagerBus.h"
 
-#include "FileDescriptor.h"
 #include "LoginManagerLogger.h"
+#include "linux/FileDescriptor.h"
 
 #include <fcntl.h>
 #include <poll.h>

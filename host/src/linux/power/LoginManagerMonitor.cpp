@@ -1,8 +1,8 @@
 #include "LoginManagerMonitor.h"
 
-#include "FileDescriptor.h"
 #include "LoginManagerBus.h"
 #include "LoginManagerLogger.h"
+#include "linux/FileDescriptor.h"
 
 #include <sys/eventfd.h>
 

@@ -1,10 +1,10 @@
+#include "zel/ProfileDirectoryLock.h"
+
 #include "DirectoryDigest.h"
 #include "FileDescriptor.h"
 #include "LockTable.h"
-#include "zel/storage/PendingWrites.h"
 
 #include <kyr/FileUtils.h>
-#include <unified/ProfileLock.h>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -16,15 +16,10 @@
 #include <charconv>
 #include <csignal>
 #include <string_view>
-#include <system_error>
 
 namespace ZelUnified {
 
 namespace {
-
-std::string describe(int error) {
-    return std::error_code(error, std::generic_category()).message();
-}
 
 /// Returns true if the file system cannot lock a directory; some network file systems cannot.
 bool isUnsupported(int error) {
@@ -33,15 +28,6 @@ bool isUnsupported(int error) {
 
 int lockAtOnce(int descriptor) {
     return flock(descriptor, LOCK_EX | LOCK_NB) == 0 ? 0 : errno;
-}
-
-std::string describeOpenFailure(const std::string& path, int error) {
-    return "The configuration directory " + path + " can't be opened: " + describe(error);
-}
-
-std::string describeUse(const std::string& path, long holder) {
-    return "The profile " + path + " is in use by " +
-           (holder != 0 ? "process " + std::to_string(holder) : std::string("another process")) + ".";
 }
 
 /// Records in the state folder which process holds a lock. The record is for users only; every failure is ignored.
@@ -86,13 +72,11 @@ private:
     const zel::platform::FileDescriptor file;
 };
 
-} // namespace
-
 /// The open directory, which holds the lock.
-class ProfileLock::LockedDirectory {
+class LockedDirectory final : public ProfileDirectoryLock {
 public:
     LockedDirectory(const std::string& configDirectory, const std::string& stateDirectory)
-        : path(configDirectory),
+        : ProfileDirectoryLock(configDirectory),
           created(KyrCoreUtils::FileUtils::createDirectory(path)),
           directory(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)),
           openError(directory.get() < 0 ? errno : 0),
@@ -111,16 +95,15 @@ public:
             return;
         }
         if (error != EWOULDBLOCK) {
-            problem = "The configuration directory " + path + " can't be locked: " + describe(error);
+            problem = describeLockFailure(path, error);
             return;
         }
         holder = holderFile.read();
         problem = describeUse(path, holder);
     }
 
-    ~LockedDirectory() {
+    ~LockedDirectory() override {
         if (held) {
-            zel::storage::PendingWrites::instance().giveUp(path);
             holderFile.write(""); // the next process that fails to lock must not report this one
         }
     }
@@ -128,22 +111,21 @@ public:
     LockedDirectory(const LockedDirectory&) = delete;
     LockedDirectory& operator=(const LockedDirectory&) = delete;
 
-    bool held = false;
-    long holder = 0;
-    std::string problem;
-
 private:
-    const std::string path;
     const int created;
     const zel::platform::FileDescriptor directory;
     const int openError;
     const HolderFile holderFile;
 };
 
-ProfileLock::ProfileLock(const std::string& configDirectory, const std::string& stateDirectory)
-    : directory(std::make_unique<LockedDirectory>(configDirectory, stateDirectory)) {}
+} // namespace
 
-std::string ProfileLock::findProblem(const std::string& configDirectory, const std::string& stateDirectory) {
+std::unique_ptr<ProfileDirectoryLock> ProfileDirectoryLock::acquire(const std::string& configDirectory,
+                                                                    const std::string& stateDirectory) {
+    return std::make_unique<LockedDirectory>(configDirectory, stateDirectory);
+}
+
+std::string ProfileDirectoryLock::findProblem(const std::string& configDirectory, const std::string& stateDirectory) {
     const zel::platform::FileDescriptor directory(::open(configDirectory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (directory.get() < 0) {
         return errno == ENOENT ? std::string() : describeOpenFailure(configDirectory, errno);
@@ -155,20 +137,6 @@ std::string ProfileLock::findProblem(const std::string& configDirectory, const s
                                              locks.contains(holderFile.getDescriptor(), recorded)
                                        : recorded != 0;
     return inUse ? describeUse(configDirectory, recorded) : std::string();
-}
-
-ProfileLock::~ProfileLock() = default;
-
-bool ProfileLock::isHeld() const noexcept {
-    return directory->held;
-}
-
-long ProfileLock::getHolder() const noexcept {
-    return directory->holder;
-}
-
-const std::string& ProfileLock::getProblem() const noexcept {
-    return directory->problem;
 }
 
 } // namespace ZelUnified
