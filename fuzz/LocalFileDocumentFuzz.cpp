@@ -3,6 +3,7 @@
 #include "featuresets/adapters/config/stores/LocalFileDocument.h"
 #include "secure/SecureString.h"
 #include "table/ConfigTable.h"
+#include "table/TableCopy.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -12,6 +13,7 @@ using fuzz::require;
 using ZelUnified::ConfigMap;
 using ZelUnified::ConfigTable;
 using ZelUnified::LocalFileDocument;
+using ZelUnified::TableCopy;
 using ZelUnified::XmlReader;
 
 namespace {
@@ -22,7 +24,7 @@ constexpr std::size_t comparedLength = 1'000'000;
 std::string write(const ConfigMap& values) {
     zel::SecureString content;
     ConfigTable table(values);
-    LocalFileDocument::getDataString(table, content);
+    LocalFileDocument::getDataString(TableCopy(table), content);
     std::string text;
     content.withClearText([&](std::string_view clear) { text = clear; });
     return text;
