@@ -26,7 +26,7 @@ constexpr std::size_t layers = 5;
 constexpr std::size_t keysInLayer = 500;
 constexpr std::size_t readsInRound = 100'000;
 constexpr int rounds = 3;
-const std::wstring writtenKey = L"WrittenKey";
+constexpr const wchar_t* writtenKey = L"WrittenKey";
 
 /// Writes one key again and again on a thread of its own.
 class Writer {
