@@ -3,7 +3,6 @@
 #include "featuresets/adapters/config/stores/LocalFileDocument.h"
 #include "secure/SecureString.h"
 #include "table/ConfigTable.h"
-#include "table/TableCopy.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -13,7 +12,6 @@ using fuzz::require;
 using ZelUnified::ConfigMap;
 using ZelUnified::ConfigTable;
 using ZelUnified::LocalFileDocument;
-using ZelUnified::TableCopy;
 using ZelUnified::XmlReader;
 
 namespace {
@@ -24,7 +22,7 @@ constexpr std::size_t comparedLength = 1'000'000;
 std::string write(const ConfigMap& values) {
     zel::SecureString content;
     ConfigTable table(values);
-    LocalFileDocument::getDataString(TableCopy(table), content);
+    LocalFileDocument::getDataString(table, content);
     std::string text;
     content.withClearText([&](std::string_view clear) { text = clear; });
     return text;

@@ -16,7 +16,6 @@ namespace ZelUnified {
 
 class ConfigFileCacheTimer;
 class StoreTable;
-class TableCopy;
 
 /// Keeps its keys in a file: either the user's settings, in a protected file with a backup beside it, or the read-only
 /// defaults of the installation, in a plain file. If the file cannot be read, the store is empty.
@@ -76,20 +75,18 @@ private:
     bool hasBackup() const;
     void createConfigDirectory();
     void persistValuesImpl(const std::string& target);
-    void getDataString(const TableCopy& values, zel::SecureString& content);
+    void getDataString(zel::SecureString& content);
     void backupConfigFile();
 
     std::string name;
     int priority;
     bool local;
     bool readOnly;
-    /// Guarded by the lock of `table`. Not annotated: StoreTable is incomplete here.
+    /// Guarded by the lock of `table`, like `lastPersistedValues`. Not annotated: StoreTable is incomplete here.
     bool destroyed = false;
     zel::Mutex fileMutex; ///< Held while files are read or written.
     const std::unique_ptr<StoreTable> table;
-    /// The content of the main file. Changed with `fileMutex` and the lock of `table` held, so either suffices to read
-    /// it.
-    const std::unique_ptr<TableCopy> lastPersistedValues;
+    ConfigMap lastPersistedValues;
     std::string configDirectory;
     std::string fileName;
     std::string backupFileName;

@@ -7,7 +7,7 @@
 #include "secure/StackWiper.h"
 #include "services/impl/ConfigFileCacheTimer.h"
 #include "services/impl/ConfigFileCacheTimerCallBack.h"
-#include "table/TableCopy.h"
+#include "table/WipedValues.h"
 
 #include <kyr/FileUtils.h>
 #include <kyr/FstreamUtils.h>
@@ -17,6 +17,7 @@
 #include <ConfigKeys.h>
 #include <LocalFileConfigStore.h>
 
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <utility>
@@ -98,7 +99,6 @@ LocalFileConfigStore::LocalFileConfigStore(std::string storeName, int storePrior
       local(isLocalStore),
       readOnly(isReadOnlyStore),
       table(std::make_unique<StoreTable>(StoreTable::Rule::AnswersAll)),
-      lastPersistedValues(std::make_unique<TableCopy>()),
       configDirectory(directory.empty() ? std::move(directory) : directory + FileUtils::FileSeparator()),
       fileName(std::move(file)),
       backupFileName(toBackupName(fileName)) {
@@ -111,14 +111,15 @@ LocalFileConfigStore::LocalFileConfigStore(std::string storeName, int storePrior
       local(isLocalStore),
       readOnly(false),
       table(std::make_unique<StoreTable>(StoreTable::Rule::AnswersAll)),
-      lastPersistedValues(std::make_unique<TableCopy>()),
       configDirectory(FileUtils::getConfigDirectory() + FileUtils::FileSeparator()),
       fileName(ConfigKeys::localConfigFile),
       backupFileName(ConfigKeys::localConfigBackupFile) {
     readFromEncryptedFile();
 }
 
-LocalFileConfigStore::~LocalFileConfigStore() = default;
+LocalFileConfigStore::~LocalFileConfigStore() {
+    wipeValues(lastPersistedValues);
+}
 
 bool LocalFileConfigStore::getValue(const std::wstring& key, std::wstring& value) {
     return table->getValue(key, value);
@@ -217,7 +218,9 @@ void LocalFileConfigStore::createConfigDirectory() {
 void LocalFileConfigStore::persistValues() {
     {
         const auto values = table->lock();
-        if (lastPersistedValues->equals(*values)) {
+        if (std::ranges::equal(lastPersistedValues, values->list(), [](const auto& persisted, const auto& entry) {
+                return persisted.first == entry->getKey() && persisted.second == entry->getValue();
+            })) {
             if (ZelLog_isDebugEnabled(logger)) {
                 ZelLog(logger, ZelLogLevel::Debug, ZEL_HERE, "Same content has been saved.");
             }
@@ -243,25 +246,16 @@ void LocalFileConfigStore::persistValuesImpl(const std::string& target) {
         ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, "Both files are broken, write to " + target);
     }
     zel::SecureString content;
-    TableCopy copy;
-    copy.reserve(TableCopy::countCharacters(*table->lock()));
-    const bool isMainFile = target == fileName;
     {
-        // Only copies under this lock: whoever reads or writes a key waits for it.
         const auto values = table->lock();
-        copy.assign(*values);
-        if (isMainFile) {
-            lastPersistedValues->swap(copy);
+        getDataString(content);
+        if (target == fileName) {
+            wipeValues(lastPersistedValues);
+            lastPersistedValues.clear();
+            for (const auto& entry : values->list()) {
+                lastPersistedValues.emplace_hint(lastPersistedValues.end(), entry->getKey(), entry->getValue());
+            }
         }
-    }
-    try {
-        getDataString(isMainFile ? *lastPersistedValues : copy, content);
-    } catch (...) {
-        if (isMainFile) {
-            const auto values = table->lock();
-            lastPersistedValues->swap(copy); // the file keeps its content
-        }
-        throw;
     }
     // The facility rejects empty content. This protects the file of a store that must not write.
     EncryptFileUtils::writeDataToFile(configDirectory + target, content, UserData);
@@ -278,15 +272,13 @@ bool LocalFileConfigStore::checkIfGoodToWrite(const std::string& target, bool ch
     return EncryptFileUtils::readDataFromFile(path, scratch, UserData);
 }
 
-void LocalFileConfigStore::getDataString(const TableCopy& values, zel::SecureString& content) {
-    {
-        const auto locked = table->lock();
-        if (readOnly || destroyed) {
-            return;
-        }
+void LocalFileConfigStore::getDataString(zel::SecureString& content) {
+    const auto values = table->lock();
+    if (readOnly || destroyed) {
+        return;
     }
     createConfigDirectory();
-    LocalFileDocument::getDataString(values, content);
+    LocalFileDocument::getDataString(*values, content);
 }
 
 void LocalFileConfigStore::backupConfigFile() {

@@ -4,7 +4,7 @@
 #include "featuresets/adapters/config/xml/XmlScrubber.h"
 #include "featuresets/adapters/config/xml/XmlWriter.h"
 #include "secure/SecureString.h"
-#include "table/TableCopy.h"
+#include "table/ConfigTable.h"
 
 #include <kyr/StringUtils.h>
 
@@ -79,16 +79,16 @@ std::wstring LocalFileDocument::migrateKey(const std::wstring& key) {
     return isOldName ? std::wstring(ConfigKeys::voicemailPrimaryServer) : key;
 }
 
-void LocalFileDocument::getDataString(const TableCopy& values, zel::SecureString& content) {
+void LocalFileDocument::getDataString(ConfigTable& table, zel::SecureString& content) {
     XmlWriter writer;
     writer.startElement("Lumora");
-    for (std::size_t i = 0; i < values.size(); ++i) {
+    for (const auto& entry : table.list()) {
         writer.startElement("userConfig");
-        const bool isKeyWhole = writer.writeAttribute("name", values.getKey(i));
-        if (!writer.writeAttribute("value", values.getValue(i)) || !isKeyWhole) {
+        const bool isKeyWhole = writer.writeAttribute("name", entry->getKey());
+        if (!writer.writeAttribute("value", entry->getValue()) || !isKeyWhole) {
             ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE,
                    L"Characters that XML can't carry are replaced in the entry of key: " +
-                       std::wstring(values.getKey(i)));
+                       std::wstring(entry->getKey()));
         }
         writer.endElement();
     }

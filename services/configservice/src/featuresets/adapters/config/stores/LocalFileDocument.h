@@ -12,7 +12,7 @@ class SecureString;
 
 namespace ZelUnified {
 
-class TableCopy;
+class ConfigTable;
 
 /// The document of a local file: "userConfig" elements at any depth, with the attributes "name" and "value".
 class LocalFileDocument {
@@ -22,9 +22,9 @@ public:
 
     void read(const XmlDocument& document);
 
-    /// Writes the document of `values` into `content`. On failure leaves `content` unchanged. Log lines show this
-    /// function's name, so it is the name of the store's operation.
-    static void getDataString(const TableCopy& values, zel::SecureString& content);
+    /// Writes the document of `table` into `content`; may sort the table. On failure leaves `content` unchanged. Log
+    /// lines show this function's name, so it is the name of the store's operation.
+    static void getDataString(ConfigTable& table, zel::SecureString& content);
 
     /// Returns the key under which `key` is stored: the new name if `key` is an old one.
     static std::wstring migrateKey(const std::wstring& key);

@@ -4,7 +4,6 @@
 #include "featuresets/adapters/config/xml/XmlTestSupport.h"
 #include "secure/SecureString.h"
 #include "table/ConfigTable.h"
-#include "table/TableCopy.h"
 
 #include <zel/ZelLog.h>
 
@@ -75,7 +74,7 @@ INSTANTIATE_TEST_SUITE_P(
         [](const testing_host::TemporaryProfile& profile, const ConfigMap& values) -> std::shared_ptr<ConfigStore> {
             zel::SecureString content;
             ZelUnified::ConfigTable table(values);
-            LocalFileDocument::getDataString(ZelUnified::TableCopy(table), content);
+            LocalFileDocument::getDataString(table, content);
             content.withClearText(
                 [&](std::string_view text) { testing_host::writeFile(profile.resources() / "d.xml", text); });
             return std::make_shared<LocalFileConfigStore>("d.xml", std::numeric_limits<int>::max(),

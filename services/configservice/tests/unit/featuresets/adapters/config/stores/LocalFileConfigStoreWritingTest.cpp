@@ -1,7 +1,6 @@
 #include "LocalFileWritingFixture.h"
 #include "featuresets/adapters/config/xml/XmlTestSupport.h"
 
-#include <zel/LogSink.h>
 #include <zel/ZelLog.h>
 
 #include <FaultInjectingFileLayer.h>
@@ -10,9 +9,7 @@
 
 #include <algorithm>
 #include <atomic>
-#include <chrono>
 #include <filesystem>
-#include <future>
 #include <memory>
 #include <string>
 #include <thread>
@@ -30,26 +27,6 @@ namespace {
 namespace fs = std::filesystem;
 
 class LocalFileConfigStoreWritingTest : public xml_test::LocalFileWritingFixture {};
-
-/// Reads a key on another thread while the store writes its document, when the line of a replaced character is logged.
-class ReaderDuringDocument final : public zel::logging::LogSink {
-public:
-    explicit ReaderDuringDocument(LocalFileConfigStore& read) : store(read) {}
-
-    void write(const zel::logging::LogRecord& record) override {
-        if (!record.text.starts_with("Characters that XML can't carry")) {
-            return;
-        }
-        reading = std::async(std::launch::async, [this] { return valueOf(store, L"Key"); });
-        hasProceeded = reading.wait_for(std::chrono::seconds(10)) == std::future_status::ready;
-    }
-
-    bool hasProceeded = false;
-
-private:
-    LocalFileConfigStore& store;
-    std::future<std::wstring> reading; ///< Joined after the write, because a reader may wait for its end.
-};
 
 } // namespace
 
@@ -252,15 +229,6 @@ TEST_F(LocalFileConfigStoreWritingTest, ReadersProceedAndAResetWaitsDuringAWrite
     EXPECT_TRUE(writtenAtReset);
     EXPECT_EQ(readProtected(main), document);
     zel::storage::EncryptFileUtils::overrideKeyProvider(nullptr);
-}
-
-TEST_F(LocalFileConfigStoreWritingTest, ReadersProceedWhileTheDocumentIsMade) {
-    const auto reader = std::make_shared<ReaderDuringDocument>(*store);
-    zel::logging::addSink(reader);
-    store->storeValue(L"Key", L"\x1");
-    store->persistValues();
-    zel::logging::removeSink(reader);
-    EXPECT_TRUE(reader->hasProceeded);
 }
 
 TEST_F(LocalFileConfigStoreWritingTest, AWriteNeedsOneSyncOneRenameAndOneSyncOfTheFolder) {

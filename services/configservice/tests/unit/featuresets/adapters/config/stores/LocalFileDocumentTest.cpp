@@ -5,7 +5,6 @@
 #include "secure/SecureBuffer.h"
 #include "secure/SecureString.h"
 #include "table/ConfigTable.h"
-#include "table/TableCopy.h"
 
 #include <zel/ZelLog.h>
 
@@ -22,7 +21,6 @@ using testing::Pair;
 using ZelUnified::ConfigMap;
 using ZelUnified::ConfigTable;
 using ZelUnified::LocalFileDocument;
-using ZelUnified::TableCopy;
 using ZelUnified::XmlReader;
 
 namespace {
@@ -39,7 +37,7 @@ ConfigMap read(const std::string& xml, const std::string& store = "LocalFileConf
 std::string write(const ConfigMap& values) {
     zel::SecureString content;
     ConfigTable table(values);
-    LocalFileDocument::getDataString(TableCopy(table), content);
+    LocalFileDocument::getDataString(table, content);
     zel::SecureBuffer clear;
     content.decrypt(clear);
     return {clear.getData(), clear.getLength()};
@@ -136,7 +134,7 @@ TEST(LocalFileDocument, LeavesTheTextUnchangedWithoutMemory) {
     for (const std::size_t limit : {0U, 500U}) { // enough for nothing, and for no writer
         const xml_test::XmlMemoryLimit memory(limit);
         ConfigTable table({{L"k", std::wstring(500'000, L'x')}});
-        LocalFileDocument::getDataString(TableCopy(table), content);
+        LocalFileDocument::getDataString(table, content);
     }
     std::string text;
     content.withClearText([&](std::string_view clear) { text = clear; });
