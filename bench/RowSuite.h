@@ -32,7 +32,8 @@ double timedByClock(Work work) {
 /// that a slow phase of the machine affects both.
 ///
 /// With "--growth" the program measures its rows at several sizes. With "--instructions" it runs each of its own
-/// subjects under a profiler that counts (`scripts/bench instructions`).
+/// subjects under a profiler that counts (`scripts/bench instructions`), with "--lines" the limits too (`scripts/bench
+/// lines`).
 class RowSuite {
 public:
     /// Does the work `times` times.
@@ -43,6 +44,8 @@ public:
     RowSuite(int argc, char** argv);
 
     bool measuresGrowth() const { return growth; }
+    /// Returns true under a profiler, which makes the program fifty times slower.
+    bool isProfiled() const { return counts; }
 
     void add(const std::string& row, const std::string& subject, Run run);
     /// Adds a timed subject; a round makes `calls` calls.
@@ -60,12 +63,13 @@ private:
         Run run;
     };
 
-    void countInstructions() const;
+    void runProfiled() const;
 
     std::string interleaving = "--benchmark_enable_random_interleaving=true";
     std::vector<char*> arguments;
     bool growth = false;
     bool counts = false;
+    bool countsLimits = false;
     std::vector<Counted> counted;
 };
 
