@@ -1,6 +1,4 @@
-#include "Archive.h"
-
-#include "output/Failure.h"
+#include "ArchiveModule.h"
 
 #include <archive.h>
 #include <archive_entry.h>
@@ -8,6 +6,7 @@
 #include <cerrno>
 #include <memory>
 #include <new>
+#include <stdexcept>
 
 namespace lumora_config {
 
@@ -36,8 +35,7 @@ la_ssize_t append(archive* writer, void* target, const void* bytes, std::size_t 
 void require(archive& writer, la_ssize_t code) {
     if (code < ARCHIVE_OK) {
         const char* const reason = archive_error_string(&writer);
-        throw Failure(ExitCode::Environment,
-                      std::string("the archive cannot be made: ") + (reason == nullptr ? "unknown error" : reason));
+        throw std::runtime_error(reason == nullptr ? "unknown error" : reason);
     }
 }
 
@@ -57,8 +55,12 @@ void add(archive& writer, const ArchiveMember& member, std::time_t time) {
 
 } // namespace
 
-std::string makeArchive(const std::vector<ArchiveMember>& members, std::chrono::system_clock::time_point time) {
-    std::string bytes; // outlives the writer, which may write to it when it is freed
+} // namespace lumora_config
+
+using namespace lumora_config;
+
+void MakeArchive(const std::vector<ArchiveMember>& members, std::chrono::system_clock::time_point time,
+                 std::string& bytes) {
     const ArchivePointer<archive> writer(archive_write_new());
     if (!writer) {
         throw std::bad_alloc();
@@ -70,11 +72,8 @@ std::string makeArchive(const std::vector<ArchiveMember>& members, std::chrono::
         add(*writer, member, std::chrono::system_clock::to_time_t(time));
     }
     require(*writer, archive_write_close(writer.get()));
-    return bytes;
 }
 
-std::string getArchiveLibrary() {
-    return archive_version_string();
+void GetArchiveLibrary(std::string& name) {
+    name = archive_version_string();
 }
-
-} // namespace lumora_config

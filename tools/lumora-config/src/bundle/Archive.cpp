@@ -1,0 +1,28 @@
+#include "Archive.h"
+
+#include "ArchiveModule.h"
+#include "host/ProgramModule.h"
+#include "output/Failure.h"
+
+#include <stdexcept>
+
+namespace lumora_config {
+
+std::string makeArchive(const std::vector<ArchiveMember>& members, std::chrono::system_clock::time_point time) {
+    const auto make = findInModule<decltype(&MakeArchive)>(LUMORA_MODULE, "MakeArchive");
+    try {
+        std::string bytes;
+        make(members, time, bytes);
+        return bytes;
+    } catch (const std::runtime_error& error) {
+        throw Failure(ExitCode::Environment, std::string("the archive cannot be made: ") + error.what());
+    }
+}
+
+std::string getArchiveLibrary() {
+    std::string name;
+    findInModule<decltype(&GetArchiveLibrary)>(LUMORA_MODULE, "GetArchiveLibrary")(name);
+    return name;
+}
+
+} // namespace lumora_config
