@@ -84,14 +84,14 @@ void RowSuite::addTimed(const std::string& row, const std::string& subject, int 
         ->Iterations(calls);
 }
 
-void RowSuite::addBytes(const std::string& row, const std::string& subject, double bytes) {
+void RowSuite::addFigure(const std::string& row, const std::string& subject, double figure, const std::string& unit) {
     if (counts) {
         return;
     }
-    benchmark::RegisterBenchmark(toName(row, subject).c_str(), [bytes](benchmark::State& state) {
+    benchmark::RegisterBenchmark(toName(row, subject).c_str(), [figure, unit](benchmark::State& state) {
         while (state.KeepRunning()) {
         }
-        state.counters["bytes"] = bytes;
+        state.counters[unit] = figure;
     })->Iterations(1);
 }
 

@@ -51,8 +51,12 @@ public:
     /// Adds a timed subject; a round makes `calls` calls.
     void addTimed(const std::string& row, const std::string& subject, int calls, TimedRun run);
 
-    /// Adds a figure in bytes instead of a time.
-    void addBytes(const std::string& row, const std::string& subject, double bytes);
+    /// Adds a figure in this unit instead of a time.
+    void addFigure(const std::string& row, const std::string& subject, double figure, const std::string& unit);
+    /// Adds a figure in bytes.
+    void addBytes(const std::string& row, const std::string& subject, double bytes) {
+        addFigure(row, subject, bytes, "bytes");
+    }
 
     /// Measures all rows. Returns the exit code of the program.
     int main();

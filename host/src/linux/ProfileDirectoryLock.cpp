@@ -2,7 +2,6 @@
 
 #include "DirectoryDigest.h"
 #include "FileDescriptor.h"
-#include "LockTable.h"
 
 #include <kyr/FileUtils.h>
 
@@ -15,6 +14,7 @@
 #include <cerrno>
 #include <charconv>
 #include <csignal>
+#include <optional>
 #include <string_view>
 
 namespace ZelUnified {
@@ -28,6 +28,25 @@ bool isUnsupported(int error) {
 
 int lockAtOnce(int descriptor) {
     return flock(descriptor, LOCK_EX | LOCK_NB) == 0 ? 0 : errno;
+}
+
+/// Marks the directory, which is locked, as in use, until it is closed. The mark is a shared lock of the kind that
+/// other processes can see without an attempt to acquire it, which could make another process fail. Locks of flock()
+/// are visible in /proc/locks only, and reading that waits ten milliseconds and more for all processors.
+void markAsUsed(int directory) {
+    struct flock whole {};
+    whole.l_type = F_RDLCK;
+    ::fcntl(directory, F_OFD_SETLK, &whole);
+}
+
+/// Returns whether another open directory is marked. Returns nothing if the file system has no such locks.
+std::optional<bool> isMarkedAsUsed(int directory) {
+    struct flock whole {};
+    whole.l_type = F_WRLCK;
+    if (::fcntl(directory, F_OFD_GETLK, &whole) != 0) {
+        return std::nullopt;
+    }
+    return whole.l_type != F_UNLCK;
 }
 
 /// Records in the state folder which process holds a lock. The record is for users only; every failure is ignored.
@@ -91,6 +110,7 @@ public:
         }
         if (error == 0) {
             held = true;
+            markAsUsed(directory.get());
             holderFile.write(std::to_string(getpid()) + "\n");
             return;
         }
@@ -132,10 +152,7 @@ std::string ProfileDirectoryLock::findProblem(const std::string& configDirectory
     }
     const HolderFile holderFile(configDirectory, stateDirectory, HolderFile::Purpose::Read);
     const auto recorded = holderFile.read();
-    const zel::platform::LockTable locks;
-    const bool inUse = locks.isKnown() ? locks.contains(directory.get(), recorded) ||
-                                             locks.contains(holderFile.getDescriptor(), recorded)
-                                       : recorded != 0;
+    const bool inUse = isMarkedAsUsed(directory.get()).value_or(recorded != 0);
     return inUse ? describeUse(configDirectory, recorded) : std::string();
 }
 

@@ -81,5 +81,10 @@ TEST(LocalSocket, EachSpellingOfADirectoryHasTheSamePath) {
     EXPECT_NE(LocalSocket::getPathFor(profile.state().string(), "/s"), path);
 }
 
+TEST(LocalSocket, NameIsTheFirstHalfOfTheDigestOfTheDirectory) {
+    const RuntimeDirectory runtime("");
+    EXPECT_EQ(LocalSocket::getPathFor("/", "/s"), "/s/lumora/8a5edab282632443219e051e4ade2d1d.sock"); // SHA-256
+}
+
 } // namespace
 } // namespace KyrCoreUtils

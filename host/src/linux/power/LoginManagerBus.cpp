@@ -1,6 +1,7 @@
 #include "LoginManagerBus.h"
 
 #include "LoginManagerLogger.h"
+#include "SystemdLibrary.h"
 #include "linux/FileDescriptor.h"
 
 #include <fcntl.h>
@@ -29,13 +30,13 @@ constexpr const char* ownerChanges = "type='signal',sender='org.freedesktop.DBus
                                      "member='NameOwnerChanged',arg0='org.freedesktop.login1'";
 
 std::string senderOf(sd_bus_message* message) {
-    const char* sender = sd_bus_message_get_sender(message);
+    const char* sender = systemd().sd_bus_message_get_sender(message);
     return sender != nullptr ? sender : "";
 }
 
 std::optional<bool> readFlag(sd_bus_message* message) {
     int flag = 0;
-    if (sd_bus_message_read(message, "b", &flag) < 0) {
+    if (systemd().sd_bus_message_read(message, "b", &flag) < 0) {
         return std::nullopt;
     }
     return flag != 0;
@@ -44,7 +45,7 @@ std::optional<bool> readFlag(sd_bus_message* message) {
 /// Returns the timeout for poll(): the milliseconds until the connection must be processed again, -1 for none.
 int timeoutOf(sd_bus* bus) {
     std::uint64_t due = 0; // microseconds of the monotonic clock
-    if (sd_bus_get_timeout(bus, &due) < 0 || due == std::numeric_limits<std::uint64_t>::max()) {
+    if (systemd().sd_bus_get_timeout(bus, &due) < 0 || due == std::numeric_limits<std::uint64_t>::max()) {
         return -1;
     }
     timespec now{};
@@ -57,15 +58,19 @@ int timeoutOf(sd_bus* bus) {
 
 } // namespace
 
+void LoginManagerBus::Closer::operator()(sd_bus* opened) const {
+    systemd().sd_bus_close_unref(opened);
+}
+
 LoginManagerBus::LoginManagerBus(PowerEventReceiver eventReceiver) : receiver(std::move(eventReceiver)) {}
 
 int LoginManagerBus::open() {
     sd_bus* opened = nullptr;
-    if (const int result = sd_bus_open_system(&opened); result < 0) {
+    if (const int result = systemd().sd_bus_open_system(&opened); result < 0) {
         return result;
     }
     bus.reset(opened);
-    int result = sd_bus_add_match_async(bus.get(), nullptr, ownerChanges, &onNameOwnerChanged, nullptr, this);
+    int result = systemd().sd_bus_add_match_async(bus.get(), nullptr, ownerChanges, &onNameOwnerChanged, nullptr, this);
     if (result >= 0) {
         result = listen("PrepareForShutdown", &onPrepareForShutdown);
     }
@@ -79,16 +84,17 @@ int LoginManagerBus::open() {
 }
 
 int LoginManagerBus::listen(const char* signal, sd_bus_message_handler_t handler) {
-    return sd_bus_match_signal_async(bus.get(), nullptr, service, object, interface, signal, handler, nullptr, this);
+    return systemd().sd_bus_match_signal_async(bus.get(), nullptr, service, object, interface, signal, handler, nullptr,
+                                               this);
 }
 
 int LoginManagerBus::process() {
-    return sd_bus_process(bus.get(), nullptr);
+    return systemd().sd_bus_process(bus.get(), nullptr);
 }
 
 int LoginManagerBus::wait(int wakeDescriptor) {
-    const int descriptor = sd_bus_get_fd(bus.get());
-    const int events = sd_bus_get_events(bus.get());
+    const int descriptor = systemd().sd_bus_get_fd(bus.get());
+    const int events = systemd().sd_bus_get_events(bus.get());
     if (descriptor < 0 || events < 0) {
         return std::min(descriptor, events);
     }
@@ -104,8 +110,8 @@ int LoginManagerBus::requestInhibitor() {
         return 0;
     }
     const int result =
-        sd_bus_call_method_async(bus.get(), nullptr, service, object, interface, "Inhibit", &onInhibited, this, "ssss",
-                                 "shutdown", "Lumora", "Settings are being saved", "delay");
+        systemd().sd_bus_call_method_async(bus.get(), nullptr, service, object, interface, "Inhibit", &onInhibited,
+                                           this, "ssss", "shutdown", "Lumora", "Settings are being saved", "delay");
     inhibitorRequested = result >= 0;
     return result;
 }
@@ -121,14 +127,14 @@ int LoginManagerBus::onInhibited(sd_bus_message* reply, void* self, sd_bus_error
 }
 
 void LoginManagerBus::acceptInhibitor(sd_bus_message* reply) {
-    if (const sd_bus_error* refusal = sd_bus_message_get_error(reply); refusal != nullptr) {
+    if (const sd_bus_error* refusal = systemd().sd_bus_message_get_error(reply); refusal != nullptr) {
         ZelLog(logger, ZelLogLevel::Info, ZEL_HERE,
                std::string("No inhibitor, a shutdown won't wait: ") +
                    (refusal->message != nullptr ? refusal->message : refusal->name));
         return;
     }
     int given = -1; // owned by the message
-    if (sd_bus_message_read(reply, "h", &given) < 0) {
+    if (systemd().sd_bus_message_read(reply, "h", &given) < 0) {
         return;
     }
     inhibitor = std::make_shared<const zel::platform::FileDescriptor>(fcntl(given, F_DUPFD_CLOEXEC, 3));
@@ -170,7 +176,8 @@ int LoginManagerBus::onNameOwnerChanged(sd_bus_message* message, void* self, sd_
     const char* name = nullptr;
     const char* oldOwner = nullptr;
     const char* newOwner = nullptr;
-    if (senderOf(message) != busService || sd_bus_message_read(message, "sss", &name, &oldOwner, &newOwner) < 0) {
+    if (senderOf(message) != busService ||
+        systemd().sd_bus_message_read(message, "sss", &name, &oldOwner, &newOwner) < 0) {
         return 0;
     }
     connection.loginManager = newOwner;

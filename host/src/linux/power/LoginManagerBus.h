@@ -21,6 +21,7 @@ public:
     LoginManagerBus& operator=(const LoginManagerBus&) = delete;
 
     /// Connects and sends all requests; process() handles the replies. Returns 0 or a negative errno value.
+    /// Throws std::runtime_error if libsystemd is not installed.
     int open();
     /// Handles the received messages. Returns a positive value if there may be more, 0 if not, a negative errno value
     /// if the connection is lost.
@@ -29,6 +30,10 @@ public:
     int wait(int wakeDescriptor);
 
 private:
+    struct Closer {
+        void operator()(sd_bus* opened) const;
+    };
+
     static int onPrepareForShutdown(sd_bus_message* message, void* self, sd_bus_error* error);
     static int onPrepareForSleep(sd_bus_message* message, void* self, sd_bus_error* error);
     static int onNameOwnerChanged(sd_bus_message* message, void* self, sd_bus_error* error);
@@ -41,7 +46,7 @@ private:
     void prepareForShutdown(bool begins);
 
     const PowerEventReceiver receiver;
-    std::unique_ptr<sd_bus, decltype(&sd_bus_close_unref)> bus{nullptr, &sd_bus_close_unref};
+    std::unique_ptr<sd_bus, Closer> bus;
     std::string loginManager; ///< Its unique bus name: any process may send the same signals.
     bool inhibitorRequested = false;
     PowerEventHold inhibitor;

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <stdexcept>
 #include <string>
 #include <system_error>
 #include <utility>
@@ -28,9 +29,12 @@ public:
         : receiver(std::move(eventReceiver)), wake(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
 
     void run() {
-        if (const int result = wake.get() < 0 ? -EMFILE : listen(); result < 0) {
-            ZelLog(logger, ZelLogLevel::Info, ZEL_HERE,
-                   "No power events are delivered: " + std::error_code(-result, std::generic_category()).message());
+        try {
+            if (const int result = wake.get() < 0 ? -EMFILE : listen(); result < 0) {
+                logEnd(std::error_code(-result, std::generic_category()).message());
+            }
+        } catch (const std::runtime_error& error) {
+            logEnd(error.what());
         }
     }
 
@@ -40,7 +44,12 @@ public:
     }
 
 private:
-    /// Returns 0 if stopped, otherwise a negative errno value.
+    static void logEnd(const std::string& reason) {
+        ZelLog(logger, ZelLogLevel::Info, ZEL_HERE, "No power events are delivered: " + reason);
+    }
+
+    /// Returns 0 if stopped, otherwise a negative errno value. Throws std::runtime_error if libsystemd is not
+    /// installed.
     int listen() {
         LoginManagerBus bus(receiver);
         int result = bus.open();

@@ -230,8 +230,9 @@ void ConfigHost::load() {
 void ConfigHost::end() {
     // A value that waits to be written sets the timer of the backup, whose alarm posts the write.
     settle();
-    timerSwitch->fireAll();
-    settle();
+    if (timerSwitch->fireAll()) {
+        settle();
+    }
     factory->Destroy();
     service.reset();
     featureSet.reset();
