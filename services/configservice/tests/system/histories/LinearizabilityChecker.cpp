@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 namespace config_model {
 
@@ -27,27 +28,35 @@ LinearizabilityChecker::LinearizabilityChecker(const History& observed)
 
 std::string LinearizabilityChecker::check() {
     Node first{makeStartedState(history.policy, history.before), std::vector<Progress>(history.events.size()), 0, 0};
-    return search(first) ? "" : explain();
+    return search(std::move(first)) ? "" : explain();
 }
 
-bool LinearizabilityChecker::search(const Node& node) {
-    const auto candidates = findNext(node);
-    if (candidates.empty()) {
-        auto state = node.state;
-        return node.postedOfChain == ofChain.size() && node.background == history.background.size() &&
-               describeEnd(state) == history.end;
-    }
-    if (triedSteps > mostSteps || !failed.insert(describeState(node)).second) {
-        return false;
-    }
-    remember(node);
-    for (const auto event : candidates) {
-        Node next = node;
-        if (perform(next, event) && search(next)) {
-            return true;
+bool LinearizabilityChecker::search(Node node) {
+    for (;;) {
+        const auto candidates = findNext(node);
+        if (candidates.empty()) {
+            return isObservedEnd(node);
+        }
+        remember(node);
+        if (candidates.size() > 1 && !failed.insert(describeState(node)).second) {
+            return false;
+        }
+        for (std::size_t i = 0; i + 1 < candidates.size(); ++i) {
+            Node next = node;
+            if (perform(next, candidates[i]) && search(std::move(next))) {
+                return true;
+            }
+        }
+        // The last choice needs no copy of the node.
+        if (triedSteps > mostSteps || !perform(node, candidates.back())) {
+            return false;
         }
     }
-    return false;
+}
+
+bool LinearizabilityChecker::isObservedEnd(Node& node) const {
+    return node.postedOfChain == ofChain.size() && node.background == history.background.size() &&
+           describeEnd(node.state) == history.end;
 }
 
 std::vector<std::size_t> LinearizabilityChecker::findNext(const Node& node) const {
@@ -74,6 +83,9 @@ bool LinearizabilityChecker::perform(Node& node, std::size_t event) {
         return false;
     }
     progress.done = steps.isFinished();
+    if (progress.done) {
+        progress.results.clear();
+    }
     return acceptPosted(node, event) && acceptFired(node, event) && acceptBackground(node, event) &&
            acceptEnd(node, event, steps);
 }

@@ -39,7 +39,8 @@ private:
         std::size_t background = 0;
     };
 
-    bool search(const Node& node);
+    bool search(Node node);
+    bool isObservedEnd(Node& node) const;
     std::vector<std::size_t> findNext(const Node& node) const;
     /// Performs the next step of the event. Returns false if it cannot run, or does something that was not observed.
     bool perform(Node& node, std::size_t event);
