@@ -10,6 +10,7 @@ namespace {
 
 // No history of the tests comes near it.
 constexpr std::size_t mostSteps = 2'000'000;
+constexpr std::size_t mostStepsOfOneEvent = 100;
 
 bool isPostedWithoutChainLock(const Event& event, const std::string& name) {
     return event.call.kind == Call::Kind::SetKeySensitive || name == "ConfigStoreManager::reset";
@@ -158,27 +159,30 @@ std::string LinearizabilityChecker::describeState(const Node& node) const {
 }
 
 void LinearizabilityChecker::remember(const Node& node) {
-    std::size_t done = 1;
+    std::size_t steps = 0;
     for (const auto& progress : node.progress) {
-        done += progress.done ? 100 : progress.results.size();
+        steps += progress.done ? mostStepsOfOneEvent : progress.results.size();
     }
-    if (done <= mostDone) {
+    if (steps < mostProgress) {
         return;
     }
-    mostDone = done;
+    mostProgress = steps;
     farthest.clear();
-    for (std::size_t i = 0; i < node.progress.size(); ++i) {
-        if (!node.progress[i].done) {
-            farthest += "  " + std::to_string(i) + " (" + std::to_string(node.progress[i].results.size()) +
-                        " steps done) " + describe(history.events[i].call) + "\n";
+    for (std::size_t event = 0; event < node.progress.size(); ++event) {
+        if (!node.progress[event].done) {
+            farthest.emplace_back(event, node.progress[event].results.size());
         }
     }
 }
 
 std::string LinearizabilityChecker::explain() const {
     const std::string outcome = triedSteps > mostSteps ? "The search was given up" : "No order explains the history";
-    return outcome + " after " + std::to_string(triedSteps) + " steps:\n" + describe(history) +
-           "Not done where the search came farthest:\n" + farthest;
+    auto text = outcome + " after " + std::to_string(triedSteps) + " steps:\n" + describe(history) +
+                "not done where the search came farthest:\n";
+    for (const auto& [event, steps] : farthest) {
+        text += "  event " + std::to_string(event) + " after " + std::to_string(steps) + " steps\n";
+    }
+    return text;
 }
 
 } // namespace config_model

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <string>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 namespace config_model {
@@ -58,8 +59,9 @@ private:
     std::vector<std::vector<std::size_t>> ofEvents;
     std::unordered_set<std::string> failed;
     std::size_t triedSteps = 0;
-    std::size_t mostDone = 0;
-    std::string farthest; ///< The events that were not done where the search came farthest.
+    std::size_t mostProgress = 0;
+    /// The events that were not done where the search came farthest, with the number of their steps.
+    std::vector<std::pair<std::size_t, std::size_t>> farthest;
 };
 
 } // namespace config_model
