@@ -17,25 +17,41 @@ constexpr std::size_t bytesOfOneScript = 200;
 
 // A kind that is listed more often is chosen more often.
 constexpr Kind kindsOfAnyThread[] = {
-    Kind::AddStore,         Kind::AddStore,           Kind::AddStore,
-    Kind::RemoveStore,      Kind::RemoveStore,        Kind::IsStorePresent,
-    Kind::GetConfig,        Kind::GetConfig,          Kind::GetConfig,
-    Kind::SetConfig,        Kind::SetConfig,          Kind::SetConfig,
-    Kind::SetConfigMap,     Kind::SetInMemoryConfig,  Kind::SetInMemoryConfig,
-    Kind::ResetConfig,      Kind::ResetConfig,        Kind::SetMdmConfig,
-    Kind::Provision,        Kind::ResetProvisioning,  Kind::Report,
-    Kind::GetValueOfStore,  Kind::SetKeySensitive,    Kind::IsKeySensitive,
-    Kind::RegisterObserver, Kind::UnregisterObserver, Kind::RemoveAllCachedStores,
+    Kind::AddStore,
+    Kind::AddStore,
+    Kind::AddStore,
+    Kind::RemoveStore,
+    Kind::RemoveStore,
+    Kind::IsStorePresent,
+    Kind::GetConfig,
+    Kind::GetConfig,
+    Kind::GetConfig,
+    Kind::SetConfig,
+    Kind::SetConfig,
+    Kind::SetConfig,
+    Kind::SetConfigMap,
+    Kind::SetInMemoryConfig,
+    Kind::SetInMemoryConfig,
+    Kind::ResetConfig,
+    Kind::ResetConfig,
+    Kind::SetMdmConfig,
+    Kind::Provision,
+    Kind::ResetProvisioning,
+    Kind::Report,
+    Kind::GetValueOfStore,
+    Kind::SetKeySensitive,
+    Kind::IsKeySensitive,
+    Kind::RemoveAllCachedStores,
 };
 constexpr Kind kindsOfLife[] = {Kind::Start,        Kind::Start,        Kind::Stop,      Kind::Refresh,  Kind::Refresh,
                                 Kind::ResetAllData, Kind::ResetAllData, Kind::PowerDown, Kind::IsStarted};
 constexpr Kind kindsOfServicesThread[] = {Kind::GetRecord, Kind::GetRecord, Kind::IsRecordSensitive};
 
-const std::wstring keys[] = {L"Zed",         L"_mark",      L"TFTPPrimaryServer",
-                             L"TftpServer1", L"CtiServer1", L"Telephony_Enabled"};
+const std::wstring allKeys[] = {L"Zed",         L"_mark",      L"TFTPPrimaryServer",
+                                L"TftpServer1", L"CtiServer1", L"Telephony_Enabled"};
 // A removal writes the user's file once for each name of a key, so the user's file holds one name of each key only:
 // otherwise the file could be read between the two.
-const std::wstring keysOfUser[] = {
+const std::wstring allKeysOfUser[] = {
     L"Zed", L"ZED", L"_mark", L"TFTPPrimaryServer", L"CtiServer1", L"Customize_Phone_Server"};
 const std::wstring switches[] = {L"AllowUrlProvisioning", L"Customize_Phone_Server"};
 const std::wstring values[] = {L"one", L"two", L"", L"ONE"};
@@ -46,7 +62,27 @@ const std::wstring urls[] = {L"app://open?ServicesDomain=one", L"app://open?Tele
 // In no store: a report does not read the sensitive keys under the lock of the chain.
 const std::wstring secrets[] = {L"first secret", L"second secret"};
 
-Pairs readPairs(ByteSource& bytes, std::size_t most) {
+/// What the calls of one script are chosen from. A script with few kinds and keys makes calls that meet more often.
+struct Choices {
+    std::vector<Kind> kinds{std::begin(kindsOfAnyThread), std::end(kindsOfAnyThread)};
+    std::vector<std::wstring> keys{std::begin(allKeys), std::end(allKeys)};
+    std::vector<std::wstring> keysOfUser{std::begin(allKeysOfUser), std::end(allKeysOfUser)};
+};
+
+Choices readChoices(ByteSource& bytes) {
+    Choices choices;
+    if (bytes.flip()) {
+        choices.kinds.clear();
+        for (std::size_t i = 0; i < 4; ++i) {
+            choices.kinds.push_back(bytes.pick(kindsOfAnyThread));
+        }
+        choices.keysOfUser = {bytes.pick(allKeysOfUser)};
+        choices.keys = choices.keysOfUser;
+    }
+    return choices;
+}
+
+Pairs readPairs(ByteSource& bytes, const std::vector<std::wstring>& keys, std::size_t most) {
     Pairs pairs;
     for (auto count = bytes.below(most) + 1; count > 0; --count) {
         const auto& key = bytes.pick(keys);
@@ -58,31 +94,31 @@ Pairs readPairs(ByteSource& bytes, std::size_t most) {
     return pairs;
 }
 
-Pairs readPairsOfUser(ByteSource& bytes) {
+Pairs readPairsOfUser(ByteSource& bytes, const Choices& choices) {
     Pairs pairs;
     for (auto count = bytes.below(2) + 1; count > 0; --count) {
-        const auto& key = bytes.pick(keysOfUser);
+        const auto& key = bytes.pick(choices.keysOfUser);
         pairs.emplace_back(key, bytes.pick(values));
     }
     return pairs;
 }
 
-StoreShape readShape(ByteSource& bytes) {
+StoreShape readShape(ByteSource& bytes, const Choices& choices) {
     StoreShape shape;
     shape.name = bytes.pick(stores);
     shape.priority = bytes.flip() ? 10 : 40;
     shape.local = bytes.flip();
     shape.caching = bytes.flip();
-    shape.pairs = readPairs(bytes, 3);
+    shape.pairs = readPairs(bytes, choices.keys, 3);
     return shape;
 }
 
-Call readCall(ByteSource& bytes, Kind kind) {
+Call readCall(ByteSource& bytes, const Choices& choices, Kind kind) {
     Call call;
     call.kind = kind;
     switch (kind) {
     case Kind::AddStore:
-        call.store = readShape(bytes);
+        call.store = readShape(bytes, choices);
         break;
     case Kind::RemoveStore:
     case Kind::IsStorePresent:
@@ -96,20 +132,20 @@ Call readCall(ByteSource& bytes, Kind kind) {
         [[fallthrough]];
     case Kind::ResetConfig:
     case Kind::GetRecord:
-        call.key = bytes.pick(keys);
+        call.key = bytes.pick(choices.keys);
         break;
     case Kind::SetMdmConfig:
-        call.pairs = readPairs(bytes, 2);
+        call.pairs = readPairs(bytes, choices.keys, 2);
         break;
     case Kind::SetConfigMap:
-        call.pairs = readPairsOfUser(bytes);
+        call.pairs = readPairsOfUser(bytes, choices);
         break;
     case Kind::SetConfig:
-        call.key = bytes.pick(keysOfUser);
+        call.key = bytes.pick(choices.keysOfUser);
         call.value = bytes.oneIn(4) ? L"false" : bytes.pick(values);
         break;
     case Kind::SetInMemoryConfig:
-        call.key = bytes.pick(keys);
+        call.key = bytes.pick(choices.keys);
         call.value = bytes.pick(values);
         break;
     case Kind::Provision:
@@ -132,14 +168,14 @@ Call readCall(ByteSource& bytes, Kind kind) {
 
 /// A thread that waits for the services thread while it holds the lock of the life must not meet a services thread that
 /// waits for that lock. So either the services thread or another one makes the calls of the life.
-Kind readKind(ByteSource& bytes, bool isServicesThread, bool changesLife) {
+Kind readKind(ByteSource& bytes, const Choices& choices, bool isServicesThread, bool changesLife) {
     if (changesLife && bytes.oneIn(4)) {
         return bytes.pick(kindsOfLife);
     }
     if (isServicesThread && bytes.oneIn(3)) {
         return bytes.pick(kindsOfServicesThread);
     }
-    return bytes.pick(kindsOfAnyThread);
+    return bytes.pick(choices.kinds);
 }
 
 std::string pairOf(const Call& call) {
@@ -151,20 +187,26 @@ std::string pairOf(const Call& call) {
 Script makeScript(std::uint32_t seed) {
     const auto source = makeBytes(seed, bytesOfOneScript);
     ByteSource bytes(source);
+    const auto choices = readChoices(bytes);
     Script script;
     if (bytes.oneIn(4)) {
-        script.policy.emplace_back(bytes.pick(keys), L"policy");
+        script.policy.emplace_back(bytes.pick(choices.keys), L"policy");
+    }
+    for (const auto kind : {Kind::RegisterObserver, Kind::RegisterObserver, Kind::UnregisterObserver}) {
+        if (bytes.flip()) {
+            script.before.push_back(readCall(bytes, choices, kind));
+        }
     }
     for (auto count = bytes.below(4); count > 0; --count) {
-        script.before.push_back(readCall(bytes, bytes.pick(kindsOfAnyThread)));
+        script.before.push_back(readCall(bytes, choices, bytes.pick(kindsOfAnyThread)));
     }
     script.threads.resize(2 + bytes.below(3));
     const bool servicesThreadChangesLife = bytes.flip();
     const auto count = fewestCalls + bytes.below(mostCalls - fewestCalls + 1);
     for (std::size_t i = 0; i < count; ++i) {
         const auto thread = i < script.threads.size() ? i : bytes.below(script.threads.size());
-        const auto kind = readKind(bytes, thread == 0, (thread == 0) == servicesThreadChangesLife);
-        script.threads[thread].push_back(readCall(bytes, kind));
+        const auto kind = readKind(bytes, choices, thread == 0, (thread == 0) == servicesThreadChangesLife);
+        script.threads[thread].push_back(readCall(bytes, choices, kind));
     }
     return script;
 }

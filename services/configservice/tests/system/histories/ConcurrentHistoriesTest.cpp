@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <cstdlib>
@@ -42,7 +43,7 @@ class ConcurrentHistories : public testing::TestWithParam<std::uint32_t> {};
 
 TEST_P(ConcurrentHistories, HaveAnOrderThatTheModelExplains) {
     const UnsyncedFiles files;
-    const auto count = readNumber("LUMORA_HISTORIES", historiesOfTheSuite) / cases;
+    const auto count = std::max(1U, readNumber("LUMORA_HISTORIES", historiesOfTheSuite) / cases);
     const char* const onlySeed = std::getenv("LUMORA_HISTORY_SEED");
     for (std::uint32_t i = 0; i < count; ++i) {
         const auto seed = onlySeed == nullptr ? GetParam() * count + i : readNumber("LUMORA_HISTORY_SEED", 0);
