@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <utility>
+
+namespace ZelUnified {
+
+/// A text that is zeroed before its memory is freed or used for another text. Not encrypted.
+class WipedText {
+public:
+    WipedText() = default;
+    WipedText(std::string secret) : text(std::move(secret)) { wipe(secret); } // a short text is copied by a move
+    WipedText(const char* secret) : text(secret) {}
+    WipedText(const WipedText&) = default;
+    WipedText(WipedText&& other) noexcept : text(std::move(other.text)) { wipe(other.text); }
+    WipedText& operator=(WipedText other) noexcept {
+        text.swap(other.text);
+        return *this;
+    }
+    ~WipedText() { wipe(text); }
+
+    const std::string& get() const { return text; }
+    bool isEmpty() const { return text.empty(); }
+
+    bool operator==(const WipedText&) const = default;
+
+    /// Zeroes the characters and clears the text.
+    template <class Text>
+    static void wipe(Text& wiped) noexcept {
+        // A compiler may leave out an ordinary write to memory that is freed afterwards.
+        volatile auto* const characters = wiped.data();
+        for (std::size_t index = 0; index < wiped.size(); ++index) {
+            characters[index] = {};
+        }
+        wiped.clear();
+    }
+
+private:
+    std::string text;
+};
+
+} // namespace ZelUnified
