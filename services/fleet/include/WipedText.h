@@ -25,9 +25,10 @@ public:
 
     bool operator==(const WipedText&) const = default;
 
-    /// Zeroes the characters and clears the text.
+    /// Zeroes the whole memory of the text, and clears the text.
     template <class Text>
     static void wipe(Text& wiped) noexcept {
+        wiped.resize(wiped.capacity()); // a short text stays behind a move, beyond the end
         // A compiler may leave out an ordinary write to memory that is freed afterwards.
         volatile auto* const characters = wiped.data();
         for (std::size_t index = 0; index < wiped.size(); ++index) {
