@@ -10,8 +10,9 @@ namespace ZelUnified {
 class WipedText {
 public:
     WipedText() = default;
-    WipedText(std::string secret) : text(std::move(secret)) { wipe(secret); } // a short text is copied by a move
-    WipedText(const char* secret) : text(secret) {}
+    WipedText(const char* secret) : text(secret) {} // NOLINT(google-explicit-constructor): converts like a string
+    /// A move copies a short text, so `secret` is zeroed as well.
+    WipedText(std::string secret) : text(std::move(secret)) { wipe(secret); } // NOLINT(google-explicit-constructor)
     WipedText(const WipedText&) = default;
     WipedText(WipedText&& other) noexcept : text(std::move(other.text)) { wipe(other.text); }
     WipedText& operator=(WipedText other) noexcept {
