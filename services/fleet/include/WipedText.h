@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <string>
-#include <utility>
 
 namespace ZelUnified {
 
@@ -11,10 +10,15 @@ class WipedText {
 public:
     WipedText() = default;
     WipedText(const char* secret) : text(secret) {} // NOLINT(google-explicit-constructor): converts like a string
-    /// A move copies a short text, so `secret` is zeroed as well.
-    WipedText(std::string secret) : text(std::move(secret)) { wipe(secret); } // NOLINT(google-explicit-constructor)
+    WipedText(std::string secret) {                 // NOLINT(google-explicit-constructor)
+        text.swap(secret);
+        wipe(secret);
+    }
     WipedText(const WipedText&) = default;
-    WipedText(WipedText&& other) noexcept : text(std::move(other.text)) { wipe(other.text); }
+    WipedText(WipedText&& other) noexcept {
+        text.swap(other.text);
+        wipe(other.text);
+    }
     WipedText& operator=(WipedText other) noexcept {
         text.swap(other.text);
         return *this;
@@ -29,7 +33,7 @@ public:
     /// Zeroes the whole memory of the text, and clears the text.
     template <class Text>
     static void wipe(Text& wiped) noexcept {
-        wiped.resize(wiped.capacity()); // a short text stays behind a move, beyond the end
+        wiped.resize(wiped.capacity()); // a short text stays behind a swap, beyond the end
         // A compiler may leave out an ordinary write to memory that is freed afterwards.
         volatile auto* const characters = wiped.data();
         for (std::size_t index = 0; index < wiped.size(); ++index) {
