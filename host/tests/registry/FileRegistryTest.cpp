@@ -55,6 +55,14 @@ TEST_F(FileRegistryTest, TheUsersValuesOverrideTheAdministrators) {
                 ElementsAre(makeTextValue(L"a", L"user"), makeTextValue(L"b", L"admin"), makeTextValue(L"c", L"user")));
 }
 
+TEST_F(FileRegistryTest, WithoutTheUsersLayerOnlyTheAdministratorsValuesCount) {
+    writeAdministrator("a.reg", "[HKCU\\K]\r\n\"a\"=\"admin\"\r\n");
+    writeUser("z.reg", "[HKCU\\K]\r\n\"a\"=\"user\"\r\n[HKCU\\L]\r\n\"a\"=\"user\"\r\n");
+    const auto ofAdministrator = makeFileRegistry({administrator.string(), {}, false});
+    EXPECT_EQ(textOf(*ofAdministrator, L"K", L"a"), L"admin");
+    EXPECT_FALSE(hasKey(*ofAdministrator, L"L"));
+}
+
 TEST_F(FileRegistryTest, AFileWhoseTimeMovesBackIsReadAgain) {
     writeAdministrator("a.reg", "[HKCU\\K]\r\n\"a\"=\"first one\"\r\n");
     EXPECT_EQ(textOf(*registry, L"K", L"a"), L"first one");

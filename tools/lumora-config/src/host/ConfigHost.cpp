@@ -12,8 +12,8 @@
 #include <zel/LogSink.h>
 #include <zel/SystemMonitorFactory.h>
 
+#include <ConfigCatalogue.h>
 #include <ConfigServiceIds.h>
-#include <FleetKeys.h>
 #include <SensitivePolicies.h>
 
 #include <exception>
@@ -81,8 +81,10 @@ std::string findDefaultsProblem() {
 
 /// A fleet's password is in the profile whether or not its plug-in, which marks it too, is installed and started.
 void markSensitiveKeys(ZelUnified::ConfigFeatureSet& featureSet) {
-    for (const auto key : ZelUnified::FleetKeys::sensitiveKeys) {
-        featureSet.setKeySensitive(std::wstring(key));
+    for (const auto& row : ZelUnified::ConfigKeys::keys) {
+        if (row.markedByService) {
+            featureSet.setKeySensitive(std::wstring(row.name));
+        }
     }
     ZelUnified::markSensitivePolicies(featureSet);
 }
