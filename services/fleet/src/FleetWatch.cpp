@@ -90,6 +90,10 @@ void FleetWatch::read() {
 }
 
 void FleetWatch::receiveSnapshot(const HttpResult& result) {
+    if (result.tooLong) {
+        failOverfull();
+        return;
+    }
     const auto snapshot = result.isSuccess() ? etcd::parseSnapshot(result.body) : std::nullopt;
     if (!snapshot) {
         rejectAnswer(result);

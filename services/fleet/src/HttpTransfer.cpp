@@ -111,6 +111,7 @@ void HttpTransfer::setEnded(CURLcode code) {
     long sentBytes = 0;
     curl_easy_getinfo(handle.get(), CURLINFO_REQUEST_SIZE, &sentBytes);
     result.wasSent = sentBytes > 0;
+    result.tooLong = tooLong;
     if (code != CURLE_OK) {
         result.error = describe(code);
     }

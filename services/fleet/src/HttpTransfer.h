@@ -21,6 +21,7 @@ struct HttpResult {
     int status = 0;       ///< The HTTP status; 0 if there was no answer.
     std::string error;    ///< Why there was no complete answer; empty if it is complete.
     std::string body;     ///< What no HttpHandler::onData has received.
+    bool tooLong = false; ///< The answer exceeds HttpTransfer::bufferLimit.
     bool wasSent = false; ///< The member may have received the request.
 
     bool isSuccess() const { return error.empty() && status == 200; }

@@ -1,4 +1,5 @@
 #include "FollowedCluster.h"
+#include "ScriptedMember.h"
 
 #include <LogRecorder.h>
 #include <gtest/gtest.h>
@@ -136,6 +137,43 @@ TEST_F(FleetWatch, KeepsTheLastSettingsWhileTheClusterExceedsTheLimits) {
         lines += text.find("more than 10,000 keys or 16 MiB") != std::string::npos ? 1U : 0U;
     }
     EXPECT_EQ(lines, 1U);
+}
+
+/// A client of a member that answers as the script says, until it has tried a second time. Returns the log's warnings.
+std::vector<std::string> followTwice(ScriptedMember::Script script, fleet::FleetTimes times,
+                                     std::string username = {}) {
+    const testing_host::LogRecorder log;
+    const ScriptedMember member(std::move(script));
+    fleet::ClusterAccess access;
+    access.endpoints = {member.getEndpoint()};
+    access.plainHttpAllowed = true;
+    access.username = std::move(username);
+    testing_host::Signal triedAgain;
+    std::size_t attempts = 0; // of the follower's thread
+    {
+        const fleet::FleetFollower follower(
+            makeSettings(access), times, [](const ConfigMap&) {},
+            [&] {
+                if (++attempts == 2) {
+                    triedAgain.set();
+                }
+            });
+        EXPECT_TRUE(triedAgain.wait());
+    }
+    return log.getTexts(ZelLogLevel::Warning);
+}
+
+TEST(FleetWatchOfAMember, TreatsAnAnswerThatIsTooLongAsOneThatExceedsTheLimits) {
+    auto times = shortTimes();
+    times.overfullDelay = times.firstDelay;
+    const std::string tooLong(fleet::HttpTransfer::bufferLimit + 1, ' ');
+    const auto warnings = followTwice(
+        [&](const std::string&) {
+            return ScriptedMember::Answer{200, tooLong, false};
+        },
+        times);
+    ASSERT_EQ(warnings.size(), 1U);
+    EXPECT_NE(warnings.front().find("it holds more than 10,000 keys or 16 MiB"), std::string::npos) << warnings.front();
 }
 
 TEST_F(FleetWatch, ReadsAgainAfterItsListenerHasThrown) {
