@@ -2,6 +2,7 @@
 
 #include "HttpThread.h"
 
+#include <exception>
 #include <new>
 #include <stdexcept>
 #include <utility>
@@ -98,10 +99,14 @@ std::size_t HttpTransfer::receive(char* data, std::size_t size, std::size_t coun
         transfer.tooLong = true;
         return 0;
     }
-    // Only marked: a handler may destroy the transfer, which libcurl does not allow during this call.
-    transfer.received.append(data, length);
-    transfer.thread.markReady(transfer);
-    return length;
+    try {
+        // Only marked: a handler may destroy the transfer, which libcurl does not allow during this call.
+        transfer.received.append(data, length);
+        transfer.thread.markReady(transfer);
+        return length;
+    } catch (const std::exception&) {
+        return 0; // no exception may pass through libcurl
+    }
 }
 
 void HttpTransfer::setEnded(CURLcode code) {
@@ -121,6 +126,9 @@ void HttpTransfer::setEnded(CURLcode code) {
 std::string HttpTransfer::describe(CURLcode code) const {
     if (tooLong) {
         return "the answer is too long";
+    }
+    if (code == CURLE_WRITE_ERROR) {
+        return "there is not enough memory for the answer";
     }
     if (code == CURLE_SSL_CERTPROBLEM) {
         return "the client's certificate or its key cannot be used; a key with a passphrase is not supported";

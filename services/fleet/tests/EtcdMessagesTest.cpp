@@ -66,6 +66,10 @@ TEST(FleetMessages, WatchReplyIsParsed) {
     ASSERT_TRUE(error);
     EXPECT_TRUE(error->canceled);
     EXPECT_EQ(error->reason, "no leader");
+    const auto text = etcd::parseWatchReply(R"({"error":"no leader","code":14})");
+    ASSERT_TRUE(text);
+    EXPECT_TRUE(text->canceled);
+    EXPECT_EQ(text->reason, "no leader");
 }
 
 TEST(FleetMessages, RejectsTextThatIsNotAReply) {
