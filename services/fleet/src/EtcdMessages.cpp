@@ -114,10 +114,14 @@ Snapshot toSnapshot(const Json& reply) {
     return snapshot;
 }
 
+/// Versions of the gateway differ in whether a failure is an object or its text.
+std::string toReason(const Json& error) {
+    return error.is_object() ? error.value("message", std::string()) : error.get<std::string>();
+}
+
 WatchReply toWatchReply(const Json& message) {
     if (message.contains("error")) {
-        const auto& error = message.at("error");
-        return {false, true, error.is_object() ? error.value("message", std::string()) : std::string(), {}};
+        return {false, true, toReason(message.at("error")), {}};
     }
     const auto& result = message.at("result");
     WatchReply reply;
@@ -220,7 +224,7 @@ std::optional<std::int64_t> parseDeletedCount(std::string_view text) {
 }
 
 std::string parseFailure(std::string_view text) {
-    const auto message = parseReply(text, [](const Json& reply) { return reply.value("error", std::string()); });
+    const auto message = parseReply(text, [](const Json& reply) { return toReason(reply.at("error")); });
     return message.value_or(std::string());
 }
 

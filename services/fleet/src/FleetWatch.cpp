@@ -218,9 +218,10 @@ void FleetWatch::failFor(const HttpResult& result) {
         fail(result.error);
         return;
     }
-    auto reason = etcd::parseFailure(result.body);
+    // The last message of a watch may lack the end of its line.
+    auto reason = etcd::parseFailure(result.body.empty() ? line : result.body);
     if (reason.empty()) {
-        reason = result.status == 200 ? "it has ended the answer" : "it does not explain itself";
+        reason = result.status == successStatus ? "it has ended the answer" : "it does not explain itself";
     }
     fail("status " + std::to_string(result.status) + ", " + toLoggedText(reason));
 }

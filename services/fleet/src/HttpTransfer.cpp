@@ -109,10 +109,14 @@ std::size_t HttpTransfer::receive(char* data, std::size_t size, std::size_t coun
     }
 }
 
-void HttpTransfer::setEnded(CURLcode code) {
+int HttpTransfer::getStatus() const {
     long status = 0;
     curl_easy_getinfo(handle.get(), CURLINFO_RESPONSE_CODE, &status);
-    result.status = static_cast<int>(status);
+    return static_cast<int>(status);
+}
+
+void HttpTransfer::setEnded(CURLcode code) {
+    result.status = getStatus();
     long sentBytes = 0;
     curl_easy_getinfo(handle.get(), CURLINFO_REQUEST_SIZE, &sentBytes);
     result.wasSent = sentBytes > 0;
@@ -138,7 +142,7 @@ std::string HttpTransfer::describe(CURLcode code) const {
 
 void HttpTransfer::deliver() {
     const auto kept = handler; // outlives the transfer, which a call may destroy
-    if (kept->onData && !received.empty()) {
+    if (kept->onData && !received.empty() && getStatus() == successStatus) {
         if (ended) {
             thread.markReady(*this); // the end is the next delivery
         }

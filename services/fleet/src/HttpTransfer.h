@@ -16,6 +16,8 @@ namespace fleet {
 
 class HttpThread;
 
+inline constexpr int successStatus = 200;
+
 /// The result of a request.
 struct HttpResult {
     int status = 0;       ///< The HTTP status; 0 if there was no answer.
@@ -24,7 +26,7 @@ struct HttpResult {
     bool tooLong = false; ///< The answer exceeds HttpTransfer::bufferLimit.
     bool wasSent = false; ///< The member may have received the request.
 
-    bool isSuccess() const { return error.empty() && status == 200; }
+    bool isSuccess() const { return error.empty() && status == successStatus; }
 };
 
 struct HttpRequest {
@@ -37,7 +39,8 @@ struct HttpRequest {
 
 /// Both are called on the thread of the HttpThread and may destroy the transfer.
 struct HttpHandler {
-    /// Receives the answer in pieces. If it is null, `body` of the result collects them.
+    /// Receives the answer in pieces. If it is null, or the status is another one than `successStatus`, `body` of the
+    /// result collects them.
     std::function<void(std::string_view)> onData;
     std::function<void(const HttpResult&)> onEnd;
 };
@@ -63,6 +66,8 @@ private:
     static std::size_t receive(char* data, std::size_t size, std::size_t count, void* self);
 
     void setOptions(const ClusterAccess& access);
+    /// Returns 0 before the answer begins.
+    int getStatus() const;
     std::string describe(CURLcode code) const;
 
     struct HandleDeleter {

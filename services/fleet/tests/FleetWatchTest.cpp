@@ -176,6 +176,39 @@ TEST(FleetWatchOfAMember, TreatsAnAnswerThatIsTooLongAsOneThatExceedsTheLimits) 
     EXPECT_NE(warnings.front().find("it holds more than 10,000 keys or 16 MiB"), std::string::npos) << warnings.front();
 }
 
+TEST(FleetWatchOfAMember, ReportsWhyAWatchIsRefused) {
+    // With and without an end of the line.
+    for (const auto* body : {R"({"error":"no space left","code":8})", "{\"error\":\"no space left\",\"code\":8}\n"}) {
+        const auto warnings = followTwice(
+            [&](const std::string& path) {
+                return path == fleet::etcd::watchPath
+                           ? ScriptedMember::Answer{503, body, false}
+                           : ScriptedMember::Answer{200, R"({"header":{"revision":"7"},"responses":[]})", false};
+            },
+            shortTimes());
+        ASSERT_EQ(warnings.size(), 1U);
+        EXPECT_NE(warnings.front().find("status 503, no space left"), std::string::npos) << warnings.front();
+    }
+}
+
+TEST(FleetWatchOfAMember, RenewsTheTokenWithoutAWarningIfAWatchIsRefusedForIt) {
+    bool wasRefused = false; // of the member's thread
+    const auto warnings = followTwice(
+        [&](const std::string& path) {
+            if (path == fleet::etcd::authenticatePath) {
+                return ScriptedMember::Answer{200, R"({"token":"abc.12"})", false};
+            }
+            if (path == fleet::etcd::watchPath) {
+                return std::exchange(wasRefused, true)
+                           ? ScriptedMember::Answer{200, "", true}
+                           : ScriptedMember::Answer{401, "{\"error\":\"refused\",\"code\":16}\n", false};
+            }
+            return ScriptedMember::Answer{200, R"({"header":{"revision":"7"},"responses":[]})", false};
+        },
+        shortTimes(), "client");
+    EXPECT_EQ(warnings, std::vector<std::string>());
+}
+
 TEST_F(FleetWatch, ReadsAgainAfterItsListenerHasThrown) {
     EtcdCluster cluster;
     testing_host::Signal calledAgain;
