@@ -30,9 +30,11 @@ struct TrustedStore {
 };
 
 /// A cached copy can have any name, but not these types.
-constexpr std::array trustedStores{TrustedStore{ConfigKeys::registryConfigStore, "ZelUnified::RegistryConfigStore"},
-                                   TrustedStore{ConfigKeys::bootstrapConfigStore, "ZelUnified::BootstrapConfigStore"},
+constexpr std::array trustedStores{TrustedStore{ConfigKeys::bootstrapConfigStore, "ZelUnified::BootstrapConfigStore"},
                                    TrustedStore{ConfigKeys::configDefaultsFile, "ZelUnified::LocalFileConfigStore"}};
+
+/// That of the configuration's own store of the policy.
+constexpr int policyPriority = 33;
 
 /// A key of the current user, opened for reading.
 struct OpenKey {
@@ -87,15 +89,17 @@ void AdministratorValues::update(ZelUnified::ConfigFeatureSet& configuration) {
         }
         auto& held = *store;
         if (ZelUnified::readableTypeName(&typeid(held)) == trusted.type) {
-            source = {store, held.getPriority(), read(name, held)};
+            source = {store, held.getPriority(), read(held)};
         }
+    }
+    // The policy does not come from its store, so a copy that has replaced the store does not hide it.
+    const std::string policy(ConfigKeys::registryConfigStore);
+    if (configuration.getConfigStoreByName(policy)) {
+        sources[policy] = {{}, policyPriority, readPolicy()};
     }
 }
 
-ZelUnified::ConfigMap AdministratorValues::read(const std::string& name, ZelUnified::ConfigStore& store) const {
-    if (name == ConfigKeys::registryConfigStore) {
-        return readPolicy();
-    }
+ZelUnified::ConfigMap AdministratorValues::read(ZelUnified::ConfigStore& store) {
     ZelUnified::ConfigMap values;
     std::wstring value;
     for (const auto key : FleetSettings::administratorsKeys) {

@@ -27,7 +27,8 @@ public:
     /// Returns the registry of this machine without the user's files.
     static std::shared_ptr<zel::registry::Registry> openRegistry();
 
-    /// Reads each store that is in the chain and that is not the one that was read last.
+    /// Reads the policy, unless its store is absent, and each other store that is in the chain and that is not the one
+    /// that was read last.
     void update(ZelUnified::ConfigFeatureSet& configuration);
     /// Returns the value of the store that wins; "" if none contains the key.
     std::wstring get(std::wstring_view key) const;
@@ -39,7 +40,7 @@ private:
         ZelUnified::ConfigMap values;
     };
 
-    ZelUnified::ConfigMap read(const std::string& name, ZelUnified::ConfigStore& store) const;
+    static ZelUnified::ConfigMap read(ZelUnified::ConfigStore& store);
     ZelUnified::ConfigMap readPolicy() const;
 
     const std::shared_ptr<zel::registry::Registry> registry;

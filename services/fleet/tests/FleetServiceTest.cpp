@@ -30,14 +30,18 @@ protected:
         FleetHost::writeDefaults(profile.resources(), access, others);
     }
 
-    /// Writes the policy of the administrator, or of the user, and refreshes the configuration.
-    static void setPolicy(const FleetHost& host, const std::filesystem::path& folder, const FleetHost::Rows& rows) {
+    /// Writes the policy of the administrator, or of the user.
+    static void writePolicy(const std::filesystem::path& folder, const FleetHost::Rows& rows) {
         std::string text = "Windows Registry Editor Version 5.00\r\n\r\n[HKEY_CURRENT_USER\\Software\\Policies"
                            "\\Ventrix Systems, Inc.\\Unified Communications\\VentrixUC]\r\n";
         for (const auto& [key, value] : rows) {
             text += '"' + key + "\"=\"" + value + "\"\r\n";
         }
         testing_host::writeFile(folder / "policy.reg", text);
+    }
+    /// Also refreshes the configuration.
+    static void setPolicy(const FleetHost& host, const std::filesystem::path& folder, const FleetHost::Rows& rows) {
+        writePolicy(folder, rows);
         host.onServices([&] { host.getConfiguration().refreshConfigFeatureSet(); });
         host.waitForReview();
     }
@@ -58,6 +62,8 @@ protected:
 /// A store of another service, with a cached copy. Its name is that of an administrator's store.
 class DisguisedStore final : public ZelUnified::ConfigStore {
 public:
+    DisguisedStore(std::string storeName, int storePriority) : name(std::move(storeName)), priority(storePriority) {}
+
     bool getValue(const std::wstring& key, std::wstring& value) override {
         const auto found = values.find(key);
         value = found == values.end() ? std::wstring() : found->second;
@@ -68,8 +74,8 @@ public:
     bool removeValue(const std::wstring& /*key*/) override { return false; }
     void removeAllValues() override {}
     bool isReadOnly() override { return true; }
-    std::string getName() override { return "BootstrapConfigStore"; }
-    int getPriority() override { return 30; }
+    std::string getName() override { return name; }
+    int getPriority() override { return priority; }
     void persistValues() override {}
     void destroy() override {}
     bool isLocal() override { return true; }
@@ -77,6 +83,8 @@ public:
     bool shouldCacheConfigStore() override { return true; }
 
 private:
+    const std::string name;
+    const int priority;
     const ZelUnified::ConfigMap values{{L"FleetEndpoints", L"https://127.0.0.1:1"}};
 };
 
@@ -319,13 +327,32 @@ TEST_F(FleetService, CachedCopyCannotChooseTheCluster) {
     writeDefaults({});
     {
         const FleetHost host;
-        host.onServices([&] { host.getConfiguration().addConfigStore(std::make_shared<DisguisedStore>()); });
+        host.onServices([&] {
+            host.getConfiguration().addConfigStore(std::make_shared<DisguisedStore>("BootstrapConfigStore", 30));
+        });
         host.waitForReview();
         EXPECT_FALSE(host.getFleet().isFollowing());
     }
     const FleetHost host;
     EXPECT_EQ(host.getStoreOf(L"FleetEndpoints"), L"BootstrapConfigStore");
     EXPECT_FALSE(host.getFleet().isFollowing());
+}
+
+TEST_F(FleetService, CachedCopyCannotHideThePolicy) {
+    EtcdCluster cluster;
+    cluster.put("/lumora/fleet/all/Theme", "dark");
+    writeDefaults({});
+    {
+        const FleetHost host;
+        host.onServices([&] {
+            host.getConfiguration().addConfigStore(std::make_shared<DisguisedStore>("RegistryConfigStore", 33));
+        });
+        host.waitForReview();
+    }
+    writePolicy(administrator / "HKEY_CURRENT_USER", makePolicy(cluster.getAccess()));
+    const FleetHost host(administrator);
+    EXPECT_EQ(host.getValue(L"FleetEndpoints"), L"https://127.0.0.1:1") << "the copy is in force";
+    EXPECT_TRUE(host.waitForValue(L"Theme", L"dark"));
 }
 
 TEST_F(FleetService, BootstrapFileChoosesTheCluster) {
