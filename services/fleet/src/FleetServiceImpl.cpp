@@ -146,9 +146,9 @@ void FleetServiceImpl::reportProblems(const std::vector<std::string>& problems) 
 void FleetServiceImpl::follow(const FleetSettings& current) {
     const bool wasFollowing = endWatch();
     if (current.access.endpoints.empty()) {
-        if (std::exchange(store, nullptr) != nullptr || wasFollowing) {
+        if (store || wasFollowing) {
             ZelLog(serviceLogger, ZelLogLevel::Info, ZEL_HERE, "No endpoint is configured any more");
-            configuration->removeConfigStore(storeName);
+            removeStore();
         }
         settings = current;
         return;
@@ -159,6 +159,16 @@ void FleetServiceImpl::follow(const FleetSettings& current) {
     settings = current; // not before the watch exists: without one, the next review tries again
     const KyrCoreUtils::LockGuard lock(mutex);
     follower = std::move(made);
+}
+
+void FleetServiceImpl::removeStore() {
+    // The removal of a live store removes its copy too, but that of a copy leaves the file behind.
+    if (!store) {
+        store = std::make_shared<FleetConfigStore>(FleetSettings::defaultPriority, ZelUnified::ConfigMap());
+    }
+    addStoreIfMissing();
+    configuration->removeConfigStore(storeName);
+    store.reset();
 }
 
 std::unique_ptr<FleetFollower> FleetServiceImpl::makeFollower(const FleetSettings& current) {

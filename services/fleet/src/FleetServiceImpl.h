@@ -63,6 +63,7 @@ private:
     void receive(ZelUnified::ConfigMap values);
     void update();
     void addStoreIfMissing();
+    void removeStore();
     void stop();
 
     const std::shared_ptr<ZelUnified::UnifiedFactory> factory;

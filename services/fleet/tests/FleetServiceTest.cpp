@@ -2,6 +2,7 @@
 #include "FleetHost.h"
 #include "FollowedCluster.h"
 
+#include <kyr/FileUtils.h>
 #include <kyr/StringUtils.h>
 
 #include <BootstrapStoreFactory.h>
@@ -53,6 +54,9 @@ protected:
                 {"FleetPlainHttpAllowed", "true"},
                 {"FleetConnectionUsername", access.username},
                 {"FleetConnectionPassword", access.password.get()}};
+    }
+    static std::filesystem::path getCachedCopy() {
+        return KyrCoreUtils::FileUtils::getConfigDirectory() + "/Cache/cachedFleetConfigStore.dat";
     }
 
     const testing_host::TemporaryProfile profile;
@@ -188,9 +192,28 @@ TEST_F(FleetService, PolicyStartsAndEndsTheWatch) {
     EXPECT_TRUE(host.waitForValue(L"Theme", L"dark"));
     host.onServices(
         [&] { EXPECT_EQ(host.getConfiguration().getConfigStoreByName("FleetConfigStore")->getPriority(), 47); });
+    EXPECT_TRUE(std::filesystem::exists(getCachedCopy()));
     setPolicy(host, {});
     EXPECT_FALSE(host.getFleet().isFollowing());
     EXPECT_EQ(host.getValue(L"Theme"), L"default");
+    EXPECT_FALSE(std::filesystem::exists(getCachedCopy()));
+}
+
+TEST_F(FleetService, EndOfTheWatchRemovesTheCopyOfAnEarlierRun) {
+    EtcdCluster cluster;
+    cluster.put("/lumora/fleet/all/Theme", "dark");
+    writeDefaults({});
+    writePolicy(administrator / "HKEY_CURRENT_USER", makePolicy(cluster.getAccess()));
+    {
+        const FleetHost host(administrator);
+        ASSERT_TRUE(host.waitForValue(L"Theme", L"dark"));
+    }
+    cluster.kill(0);
+    const FleetHost host(administrator);
+    ASSERT_EQ(host.getValue(L"Theme"), L"dark");
+    setPolicy(host, {});
+    EXPECT_EQ(host.getValue(L"Theme"), L"default");
+    EXPECT_FALSE(std::filesystem::exists(getCachedCopy()));
 }
 
 TEST_F(FleetService, PolicyStaysInForceAfterAStopOfTheConfiguration) {
