@@ -88,11 +88,9 @@ std::vector<unsigned int> FleetServiceImpl::GetFeatureSetDependencies(unsigned i
     return {ZelUnified::configServiceId};
 }
 
-void FleetServiceImpl::OnConfigStoreAdded(const std::string& addedName) {
-    // What drops the store adds others too, so its own arrival needs no review.
-    if (addedName != storeName) {
-        post("Fleet: review", &FleetServiceImpl::review);
-    }
+void FleetServiceImpl::OnConfigStoreAdded(const std::string& /*addedName*/) {
+    // Also for a store of this name: it may be a cached copy.
+    post("Fleet: review", &FleetServiceImpl::review);
 }
 
 void FleetServiceImpl::post(const std::string& name, void (FleetServiceImpl::*work)()) {

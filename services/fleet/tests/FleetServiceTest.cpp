@@ -168,6 +168,25 @@ TEST_F(FleetService, StoreReturnsAfterAStopARefreshAndAReset) {
     EXPECT_TRUE(host.waitForValue(L"Theme", L"light"));
 }
 
+TEST_F(FleetService, StoreReplacesAnotherOneOfItsName) {
+    EtcdCluster cluster;
+    cluster.put("/lumora/fleet/all/Theme", "dark");
+    writeDefaults(cluster.getAccess());
+    const FleetHost host(administrator, [](auto factory, auto registry) {
+        auto times = shortTimes();
+        times.probe = std::chrono::hours(1); // each probe looks after the store too
+        return std::make_shared<fleet::FleetServiceImpl>(std::move(factory), times, std::move(registry));
+    });
+    ASSERT_TRUE(host.waitForValue(L"Theme", L"dark"));
+    host.onServices([&] {
+        host.getConfiguration().removeConfigStore("FleetConfigStore");
+        host.getConfiguration().addConfigStore(std::make_shared<DisguisedStore>("FleetConfigStore", 45));
+    });
+    host.waitForReview();
+    EXPECT_EQ(host.getValue(L"Theme"), L"dark");
+    EXPECT_EQ(host.getValue(L"FleetEndpoints"), KyrCoreUtils::toWideString(cluster.getAccess().endpoints.front()));
+}
+
 TEST_F(FleetService, ChangeWhileTheConfigurationIsStoppedIsAddedAfterItsStart) {
     EtcdCluster cluster;
     cluster.put("/lumora/fleet/all/Theme", "dark");
