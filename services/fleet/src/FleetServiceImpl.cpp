@@ -55,6 +55,7 @@ void FleetServiceImpl::Destroy() {
 }
 
 void FleetServiceImpl::stop() {
+    reviewTimer.stop();
     if (configuration) {
         configuration->unregisterConfigStoreAddedObserver(shared_from_this());
         configuration.reset();
@@ -103,8 +104,12 @@ void FleetServiceImpl::post(const std::string& name, void (FleetServiceImpl::*wo
 }
 
 void FleetServiceImpl::review() {
-    // While the configuration is stopped it accepts no store. Its next start announces a store.
-    if (!configuration || !factory->IsFeatureSetStarted(ZelUnified::configServiceId)) {
+    if (!configuration) {
+        return;
+    }
+    if (!factory->IsFeatureSetStarted(ZelUnified::configServiceId)) {
+        // It accepts no store now, and its start may announce none.
+        reviewTimer.start(weak_from_this(), reviewDelay);
         return;
     }
     try {
@@ -115,10 +120,18 @@ void FleetServiceImpl::review() {
             follow(current);
         }
         addStoreIfMissing();
+        reportedFailure.clear();
     } catch (const std::exception& failure) {
-        ZelLog(serviceLogger, ZelLogLevel::Error, ZEL_HERE,
-               std::string("The fleet's settings cannot be followed: ") + failure.what());
+        if (std::exchange(reportedFailure, failure.what()) != failure.what()) {
+            ZelLog(serviceLogger, ZelLogLevel::Error, ZEL_HERE,
+                   "The fleet's settings cannot be followed: " + reportedFailure);
+        }
+        reviewTimer.start(weak_from_this(), reviewDelay);
     }
+}
+
+void FleetServiceImpl::onTimer() {
+    post("Fleet: review", &FleetServiceImpl::review);
 }
 
 FleetSettings FleetServiceImpl::readSettings() {

@@ -10,11 +10,13 @@
 #include <kyr/LockGuard.h>
 #include <unified/FeatureSetAdapter.h>
 #include <unified/UnifiedFactory.h>
+#include <zel/BackgroundTimer.h>
 
 #include <ConfigFeatureSet.h>
 #include <ConfigStoreAddedObserver.h>
 #include <FleetService.h>
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -25,13 +27,17 @@ namespace fleet {
 ///
 /// After the chain has dropped or rebuilt stores (a stop, a refresh, a reset), it adds stores and announces each. The
 /// service then reads its own settings again, follows another cluster if they have changed, and adds its store again if
-/// it is missing. A start may add no store, so the watch asks regularly whether the store is missing. All of this runs
-/// on the services thread.
+/// it is missing. A start may add no store, so the watch asks regularly whether the store is missing, and a timer asks
+/// while there may be no watch yet: the configuration is stopped, or the watch could not begin. All of this runs on the
+/// services thread.
 class FleetServiceImpl : public ZelUnified::FleetService,
                          public ZelUnified::FeatureSetAdapter,
                          public ZelUnified::ConfigStoreAddedObserver,
+                         public zel::common::BackgroundTimerCallback,
                          public std::enable_shared_from_this<FleetServiceImpl> {
 public:
+    static constexpr std::int64_t reviewDelay = 30; ///< In seconds.
+
     explicit FleetServiceImpl(
         std::shared_ptr<ZelUnified::UnifiedFactory> hostFactory, FleetTimes watchTimes = {},
         std::shared_ptr<zel::registry::Registry> administratorsRegistry = AdministratorValues::openRegistry());
@@ -46,6 +52,7 @@ public:
     std::vector<unsigned int> GetFeatureSetDependencies(unsigned int id) override;
 
     void OnConfigStoreAdded(const std::string& addedName) override;
+    void onTimer() override;
 
 protected:
     /// A test overrides it.
@@ -53,7 +60,7 @@ protected:
 
 private:
     void post(const std::string& name, void (FleetServiceImpl::*work)());
-    /// Makes watch and store follow the settings. Logs a failure; the next review tries again.
+    /// Makes watch and store follow the settings. Logs a failure, and tries again after `reviewDelay`.
     void review();
     FleetSettings readSettings();
     void reportProblems(const std::vector<std::string>& problems);
@@ -75,8 +82,10 @@ private:
     HeldCredential username;
     HeldCredential password;
     std::vector<std::string> reportedProblems;
+    std::string reportedFailure;
     FleetSettings settings;                  ///< Of the watch; without endpoints if there is none.
     std::shared_ptr<FleetConfigStore> store; ///< Null until the first settings have arrived.
+    zel::common::BackgroundTimer reviewTimer;
 
     KyrCoreUtils::AnnotatedMutex<> mutex;
     bool started LUMORA_GUARDED_BY(mutex) = false;

@@ -9,6 +9,7 @@
 #include <ConfigServiceIds.h>
 #include <ConfigValueNotifiers.h>
 #include <LogRecorder.h>
+#include <ManualClock.h>
 #include <TemporaryProfile.h>
 #include <gtest/gtest.h>
 
@@ -285,6 +286,24 @@ TEST_F(FleetService, StoreReturnsAlthoughTheStartOfTheConfigurationAddsNoStore) 
     EXPECT_TRUE(host.waitForValue(L"Theme", L"dark")) << "also while the cluster cannot be reached";
 }
 
+TEST_F(FleetService, FollowsAfterAStartOfTheConfigurationThatAnnouncesNoStore) {
+    EtcdCluster cluster;
+    cluster.put("/lumora/fleet/all/Theme", "dark");
+    writeDefaults(cluster.getAccess(), {{"Lumora_SDK_Mode", "true"}});
+    testing_host::ManualClock clock;
+    const FleetHost host;
+    for (const auto id : {ZelUnified::FleetService::fleetServiceId, unsigned{ZelUnified::configServiceId}}) {
+        host.getFactory().StopFeatureSet(id, nullptr);
+    }
+    host.onServices([&] { host.getFleet().StartFeatureSet(ZelUnified::FleetService::fleetServiceId, nullptr); });
+    EXPECT_FALSE(host.getFleet().isFollowing());
+    host.getFactory().StartFeatureSet(ZelUnified::configServiceId, nullptr);
+    clock.advance(fleet::FleetServiceImpl::reviewDelay);
+    host.waitForReview();
+    EXPECT_TRUE(host.getFleet().isFollowing());
+    EXPECT_TRUE(host.waitForValue(L"Theme", L"dark"));
+}
+
 TEST_F(FleetService, ValuesAreTheSameBeforeAndAfterARestart) {
     EtcdCluster cluster;
     const std::map<std::wstring, std::string> pairs{
@@ -413,7 +432,7 @@ TEST_F(FleetService, BootstrapFileChoosesTheCluster) {
     EXPECT_TRUE(host.waitForValue(L"Theme", L"dark"));
 }
 
-TEST_F(FleetService, FollowsAtTheNextReviewAfterAFailureToBegin) {
+TEST_F(FleetService, FollowsAWhileAfterAFailureToBegin) {
     class FailingService final : public fleet::FleetServiceImpl {
     public:
         using fleet::FleetServiceImpl::FleetServiceImpl;
@@ -432,12 +451,13 @@ TEST_F(FleetService, FollowsAtTheNextReviewAfterAFailureToBegin) {
     cluster.put("/lumora/fleet/all/Theme", "dark");
     writeDefaults(cluster.getAccess());
     const testing_host::LogRecorder log;
+    testing_host::ManualClock clock;
     const FleetHost host(administrator, [](auto factory, auto registry) {
         return std::make_shared<FailingService>(std::move(factory), shortTimes(), std::move(registry));
     });
     EXPECT_FALSE(host.getFleet().isFollowing());
     EXPECT_TRUE(log.mentions("The fleet's settings cannot be followed: no thread"));
-    host.onServices([&] { host.getConfiguration().refreshConfigFeatureSet(); });
+    clock.advance(fleet::FleetServiceImpl::reviewDelay);
     EXPECT_TRUE(host.waitForValue(L"Theme", L"dark"));
 }
 
