@@ -11,7 +11,8 @@ namespace ZelUnified {
 /// service. Does nothing while no endpoint is configured.
 ///
 /// A host loads it by this type like every service, and starts it with UnifiedFactory::StartFeatureSet() after the
-/// configuration service. Any thread.
+/// configuration service. Stop the configuration service with UnifiedFactory::StopFeatureSet() only, which works on the
+/// services thread: there, this service waits for the configuration's lock. Any thread.
 class FLEET_SERVICE_API FleetService : public FeatureSet {
 public:
     /// Lower than the number of the configuration service, so that the host stops and destroys this service first.

@@ -33,7 +33,8 @@ public:
     /// Zeroes the whole memory of the text, and clears the text.
     template <class Text>
     static void wipe(Text& wiped) noexcept {
-        wiped.resize(wiped.capacity()); // a short text stays behind a swap, beyond the end
+        // After a swap, a short text may remain in the buffer beyond size().
+        wiped.resize(wiped.capacity());
         // A compiler may leave out an ordinary write to memory that is freed afterwards.
         volatile auto* const characters = wiped.data();
         for (std::size_t index = 0; index < wiped.size(); ++index) {

@@ -38,7 +38,7 @@ std::string whyKeyProtected(const std::wstring& key) {
     if (KyrCoreUtils::caseInsensitiveStringEquals(key, ConfigKeys::certificateValidationEnabled)) {
         return "no cluster may change whether certificates are validated";
     }
-    // The client would add the value to its own record, and read cached copies that are none.
+    // The client would add the value to its own record, and would then read files that are not cached copies.
     return KyrCoreUtils::caseInsensitiveStringEquals(key, ConfigKeys::primaryConfigStores)
                ? "the client itself writes this record"
                : "";
@@ -106,7 +106,7 @@ void FleetTable::apply(const etcd::Pair& pair) {
         reportSkipped(pair, reason);
         return;
     }
-    // As the cached copy does, so that a restart changes nothing.
+    // The cached copy is trimmed too; otherwise a restart would change the value.
     const auto value = KyrCoreUtils::trim(pair.value);
     ++keyCount;
     byteCount += key.size() + value.size();

@@ -68,8 +68,8 @@ void HttpTransfer::setOptions(const ClusterAccess& access) {
     setOption(easy, CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
     setFile(easy, CURLOPT_SSLCERT, access.clientCertificate);
     setFile(easy, CURLOPT_SSLKEY, access.clientKey);
-    setOption(easy, CURLOPT_KEYPASSWD,
-              ""); // otherwise the TLS library asks for a passphrase on the terminal, and waits
+    // Otherwise the TLS library asks for a passphrase on the terminal, and waits.
+    setOption(easy, CURLOPT_KEYPASSWD, "");
     if (!access.authority.empty()) {
         setOption(easy, CURLOPT_CAINFO, access.authority.c_str());
         setOption(easy, CURLOPT_CAPATH, static_cast<const char*>(nullptr));
