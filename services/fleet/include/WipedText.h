@@ -25,7 +25,7 @@ public:
     }
     ~WipedText() { wipe(text); }
 
-    const std::string& get() const { return text; }
+    const std::string& view() const { return text; }
     bool isEmpty() const { return text.empty(); }
 
     bool operator==(const WipedText&) const = default;

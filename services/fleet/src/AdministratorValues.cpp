@@ -1,6 +1,6 @@
 #include "AdministratorValues.h"
 
-#include "FleetSettings.h"
+#include "FleetKeys.h"
 
 #include <kyr/StringUtils.h>
 #include <registry/RegistryFiles.h>
@@ -102,7 +102,7 @@ void AdministratorValues::update(ZelUnified::ConfigFeatureSet& configuration) {
 ZelUnified::ConfigMap AdministratorValues::read(ZelUnified::ConfigStore& store) {
     ZelUnified::ConfigMap values;
     std::wstring value;
-    for (const auto key : FleetSettings::administratorsKeys) {
+    for (const auto key : FleetKeys::administratorsKeys) {
         if (store.getValue(std::wstring(key), value)) {
             values.insert_or_assign(std::wstring(key), value);
         }
@@ -126,7 +126,7 @@ ZelUnified::ConfigMap AdministratorValues::readPolicy() const {
         }
         const std::wstring valueName(name.data(), nameLength);
         const auto text = toText(type, std::span(data).first(dataLength));
-        if (text && FleetSettings::isAdministratorsKey(valueName)) {
+        if (text && FleetKeys::isAdministratorsKey(valueName)) {
             values.insert_or_assign(valueName, *text);
         }
     }

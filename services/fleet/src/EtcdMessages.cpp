@@ -161,11 +161,11 @@ ZelUnified::WipedText makeAuthenticate(const std::string& username, const ZelUni
     constexpr std::string_view form = R"({"name":"","password":""})";
     std::string text;
     // Without growing, which would leave copies behind.
-    text.reserve(form.size() + longestEscape * (username.size() + password.get().size()));
+    text.reserve(form.size() + longestEscape * (username.size() + password.view().size()));
     text += R"({"name":")";
     appendEscaped(text, username);
     text += R"(","password":")";
-    appendEscaped(text, password.get());
+    appendEscaped(text, password.view());
     text += R"("})";
     return text;
 }

@@ -1,5 +1,7 @@
 #include "FleetServiceImpl.h"
 
+#include "FleetKeys.h"
+
 #include <kyr/FunctionTask.h>
 #include <zel/ZelLog.h>
 
@@ -39,7 +41,7 @@ void FleetServiceImpl::StartFeatureSet(unsigned int /*id*/, std::shared_ptr<ZelU
         const KyrCoreUtils::LockGuard lock(mutex);
         started = true;
     }
-    for (const auto key : FleetSettings::credentialKeys) {
+    for (const auto key : FleetKeys::credentialKeys) {
         configuration->setKeySensitive(std::wstring(key));
     }
     configuration->registerConfigStoreAddedObserver(shared_from_this());
@@ -136,12 +138,9 @@ void FleetServiceImpl::onTimer() {
 
 FleetSettings FleetServiceImpl::readSettings() {
     administratorValues.update(*configuration);
-    auto current = FleetSettings::read(administratorValues);
     username.update(*configuration, ZelUnified::ConfigKeys::fleetConnectionUsername);
     password.update(*configuration, ZelUnified::ConfigKeys::fleetConnectionPassword);
-    current.access.username = username.get().get();
-    current.access.password = password.get();
-    return current;
+    return FleetSettings::read(administratorValues, username.getText(), password.getText());
 }
 
 void FleetServiceImpl::reportProblems(const std::vector<std::string>& problems) {

@@ -5,20 +5,16 @@
 #include <kyr/ProcessUtils.h>
 #include <kyr/StringUtils.h>
 
+#include <ConfigKeys.h>
+
 #include <algorithm>
 #include <iterator>
-#include <span>
 
 namespace fleet {
 
 namespace ConfigKeys = ZelUnified::ConfigKeys;
 
 namespace {
-
-bool containsKey(std::span<const std::wstring_view> keys, std::wstring_view key) {
-    return std::ranges::any_of(
-        keys, [&](std::wstring_view own) { return KyrCoreUtils::caseInsensitiveStringEquals(own, key); });
-}
 
 std::string read(const AdministratorValues& values, std::wstring_view key) {
     return KyrCoreUtils::trim(KyrCoreUtils::toString(values.get(key)));
@@ -85,23 +81,18 @@ std::vector<FleetScope> readScopes(const AdministratorValues& values, std::vecto
 
 } // namespace
 
-FleetSettings FleetSettings::read(const AdministratorValues& values) {
+FleetSettings FleetSettings::read(const AdministratorValues& values, const ZelUnified::WipedText& username,
+                                  const ZelUnified::WipedText& password) {
     FleetSettings settings;
     settings.access = readAccess(values, settings.problems);
+    settings.access.username = username.view();
+    settings.access.password = password;
     if (settings.access.endpoints.empty()) {
         return settings;
     }
     settings.scopes = readScopes(values, settings.problems);
     settings.priority = KyrCoreUtils::toInt(values.get(ConfigKeys::fleetPriority), defaultPriority);
     return settings;
-}
-
-bool FleetSettings::isAdministratorsKey(std::wstring_view key) {
-    return containsKey(administratorsKeys, key);
-}
-
-bool FleetSettings::isOwnKey(std::wstring_view key) {
-    return isAdministratorsKey(key) || containsKey(credentialKeys, key);
 }
 
 } // namespace fleet

@@ -1,6 +1,6 @@
 #include "FleetTable.h"
 
-#include "FleetSettings.h"
+#include "FleetKeys.h"
 #include "LoggedText.h"
 
 #include <kyr/StringUtils.h>
@@ -32,7 +32,7 @@ bool isUtf8(const std::string& text) {
 /// Returns "" if a cluster may set the key, otherwise the reason.
 std::string whyKeyProtected(const std::wstring& key) {
     namespace ConfigKeys = ZelUnified::ConfigKeys;
-    if (FleetSettings::isOwnKey(key)) {
+    if (FleetKeys::isOwnKey(key)) {
         return "the key configures the fleet service itself";
     }
     if (KyrCoreUtils::caseInsensitiveStringEquals(key, ConfigKeys::certificateValidationEnabled)) {

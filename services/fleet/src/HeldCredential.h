@@ -29,7 +29,7 @@ public:
         ZelUnified::WipedText::wipe(read);
     }
 
-    const ZelUnified::WipedText& get() const { return value; }
+    const ZelUnified::WipedText& getText() const { return value; }
 
 private:
     ZelUnified::WipedText value;

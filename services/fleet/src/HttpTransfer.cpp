@@ -85,8 +85,8 @@ void HttpTransfer::setOptions(const ClusterAccess& access) {
     }
     setOption(easy, CURLOPT_HTTPHEADER, headerList.get());
     setOption(easy, CURLOPT_POST, 1L);
-    setOption(easy, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(request.body.get().size()));
-    setOption(easy, CURLOPT_POSTFIELDS, request.body.get().data());
+    setOption(easy, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(request.body.view().size()));
+    setOption(easy, CURLOPT_POSTFIELDS, request.body.view().data());
     setOption(easy, CURLOPT_WRITEFUNCTION, &HttpTransfer::receive);
     setOption(easy, CURLOPT_WRITEDATA, static_cast<void*>(this));
     setOption(easy, CURLOPT_PRIVATE, static_cast<void*>(this));

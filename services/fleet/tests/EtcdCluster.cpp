@@ -265,7 +265,7 @@ std::string EtcdCluster::control(const std::vector<std::string>& arguments) cons
         words.insert(words.end(), {"--cert", access.clientCertificate, "--key", access.clientKey});
     }
     if (authenticates) {
-        words.insert(words.end(), {"--user", access.username + ':' + access.password.get()});
+        words.insert(words.end(), {"--user", access.username + ':' + access.password.view()});
     }
     words.insert(words.end(), arguments.begin(), arguments.end());
     return run("etcdctl", words);

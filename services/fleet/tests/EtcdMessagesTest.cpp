@@ -2,7 +2,7 @@
 
 #include "Base64.h"
 #include "ClusterAccess.h"
-#include "FleetSettings.h"
+#include "FleetKeys.h"
 
 #include <kyr/StringUtils.h>
 
@@ -115,8 +115,8 @@ TEST(FleetDocumentation, NamesEachKeyOfTheService) {
         const auto name = '`' + KyrCoreUtils::toString(key) + '`';
         EXPECT_NE(page.find(name), std::string::npos) << name;
     };
-    std::ranges::for_each(fleet::FleetSettings::administratorsKeys, expectNamed);
-    std::ranges::for_each(fleet::FleetSettings::credentialKeys, expectNamed);
+    std::ranges::for_each(fleet::FleetKeys::administratorsKeys, expectNamed);
+    std::ranges::for_each(fleet::FleetKeys::credentialKeys, expectNamed);
 }
 
 } // namespace

@@ -37,7 +37,7 @@ void FleetHost::writeDefaults(const std::filesystem::path& resources, const flee
                      {"FleetPlainHttpAllowed", access.plainHttpAllowed ? "true" : "false"},
                      {"FleetCertificateAuthority", access.authority},
                      {"FleetConnectionUsername", access.username},
-                     {"FleetConnectionPassword", access.password.get()}});
+                     {"FleetConnectionPassword", access.password.view()}});
     }
     std::string document = "<Lumora>\n";
     for (const auto& [key, value] : rows) {

@@ -54,7 +54,7 @@ protected:
         return {{"FleetEndpoints", access.endpoints.front()},
                 {"FleetPlainHttpAllowed", "true"},
                 {"FleetConnectionUsername", access.username},
-                {"FleetConnectionPassword", access.password.get()}};
+                {"FleetConnectionPassword", access.password.view()}};
     }
     static std::filesystem::path getCachedCopy() {
         return KyrCoreUtils::FileUtils::getConfigDirectory() + "/Cache/cachedFleetConfigStore.dat";

@@ -1,7 +1,8 @@
 #include "EtcdMessages.h"
-#include "FleetSettings.h"
+#include "FleetKeys.h"
 
 #include <ConfigCatalogue.h>
+#include <FleetAdministration.h>
 #include <WipedText.h>
 #include <gtest/gtest.h>
 
@@ -47,7 +48,7 @@ TEST(FleetWipedText, LeavesNothingWhereItWasMovedFrom) {
     Room<WipedText> room;
     auto& text = room.make("secret5dc1");
     const WipedText moved(std::move(text));
-    EXPECT_EQ(moved.get(), "secret5dc1");
+    EXPECT_EQ(moved.view(), "secret5dc1");
     EXPECT_FALSE(room.contains("5dc1"));
     std::destroy_at(&text);
 }
@@ -62,19 +63,19 @@ TEST(FleetAccess, LeavesNoPasswordInItsMemory) {
 }
 
 TEST(FleetMessages, EscapesUserAndPassword) {
-    EXPECT_EQ(fleet::etcd::makeAuthenticate("a\"b", "c\\d\n\u00E9").get(),
+    EXPECT_EQ(fleet::etcd::makeAuthenticate("a\"b", "c\\d\n\u00E9").view(),
               "{\"name\":\"a\\\"b\",\"password\":\"c\\\\d\\u000a\u00E9\"}");
 }
 
-TEST(FleetSettings, OwnKeysAreInTheCatalogue) {
+TEST(FleetKeys, OwnKeysAreInTheCatalogue) {
     namespace ConfigKeys = ZelUnified::ConfigKeys;
-    for (const auto key : fleet::FleetSettings::administratorsKeys) {
+    for (const auto key : fleet::FleetKeys::administratorsKeys) {
         EXPECT_NE(ConfigKeys::findKey(key), nullptr);
     }
-    for (const auto key : fleet::FleetSettings::credentialKeys) {
+    for (const auto key : fleet::FleetKeys::credentialKeys) {
         ASSERT_NE(ConfigKeys::findKey(key), nullptr);
         EXPECT_TRUE(ConfigKeys::findKey(key)->isSensitive());
-        EXPECT_TRUE(fleet::FleetSettings::isOwnKey(key));
+        EXPECT_TRUE(fleet::FleetKeys::isOwnKey(key));
     }
 }
 
