@@ -11,8 +11,8 @@ namespace fleet {
 class FleetFollower {
 public:
     FleetFollower(FleetSettings settings, FleetTimes times, FleetWatch::Listener listener,
-                  FleetWatch::Ticker ticker = {})
-        : watch(thread, std::move(settings), times, std::move(listener), std::move(ticker)) {
+                  FleetWatch::AttemptListener attemptListener = {})
+        : watch(thread, std::move(settings), times, std::move(listener), std::move(attemptListener)) {
         watch.start();
     }
     /// Ends the thread without waiting for the cluster. The listener is not called afterwards. The listener must not

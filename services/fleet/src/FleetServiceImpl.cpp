@@ -20,8 +20,12 @@ ZelLogger& serviceLogger = ZelLogger_getLogger("Fleet-Service");
 } // namespace
 
 FleetServiceImpl::FleetServiceImpl(std::shared_ptr<ZelUnified::UnifiedFactory> hostFactory, FleetTimes watchTimes,
-                                   std::shared_ptr<zel::registry::Registry> administratorsRegistry)
-    : factory(std::move(hostFactory)), times(watchTimes), administratorValues(std::move(administratorsRegistry)) {}
+                                   std::shared_ptr<zel::registry::Registry> administratorsRegistry,
+                                   FollowerMaker followerMaker)
+    : factory(std::move(hostFactory)),
+      times(watchTimes),
+      beginToFollow(std::move(followerMaker)),
+      administratorValues(std::move(administratorsRegistry)) {}
 
 bool FleetServiceImpl::isFollowing() {
     const KyrCoreUtils::LockGuard lock(mutex);
@@ -165,7 +169,9 @@ void FleetServiceImpl::follow(const FleetSettings& current) {
     }
     ZelLog(serviceLogger, ZelLogLevel::Info, ZEL_HERE,
            "Following a cluster with " + std::to_string(current.access.endpoints.size()) + " endpoint(s)");
-    auto made = makeFollower(current);
+    auto made = beginToFollow(
+        current, times, [this](ZelUnified::ConfigMap values) { receive(std::move(values)); },
+        [this] { post("Fleet: update", &FleetServiceImpl::update); });
     settings = current; // not before the watch exists: without one, the next review tries again
     const KyrCoreUtils::LockGuard lock(mutex);
     follower = std::move(made);
@@ -181,10 +187,11 @@ void FleetServiceImpl::removeStore() {
     store.reset();
 }
 
-std::unique_ptr<FleetFollower> FleetServiceImpl::makeFollower(const FleetSettings& current) {
-    return std::make_unique<FleetFollower>(
-        current, times, [this](ZelUnified::ConfigMap values) { receive(std::move(values)); },
-        [this] { post("Fleet: update", &FleetServiceImpl::update); });
+std::unique_ptr<FleetFollower> FleetServiceImpl::makeFollower(FleetSettings current, FleetTimes watchTimes,
+                                                              FleetWatch::Listener listener,
+                                                              FleetWatch::AttemptListener attemptListener) {
+    return std::make_unique<FleetFollower>(std::move(current), watchTimes, std::move(listener),
+                                           std::move(attemptListener));
 }
 
 void FleetServiceImpl::receive(ZelUnified::ConfigMap values) {

@@ -17,6 +17,7 @@
 #include <FleetService.h>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -30,17 +31,23 @@ namespace fleet {
 /// it is missing. A start may add no store, so the watch asks regularly whether the store is missing, and a timer asks
 /// while there may be no watch yet: the configuration is stopped, or the watch could not begin. All of this runs on the
 /// services thread.
-class FleetServiceImpl : public ZelUnified::FleetService,
-                         public ZelUnified::FeatureSetAdapter,
-                         public ZelUnified::ConfigStoreAddedObserver,
-                         public zel::common::BackgroundTimerCallback,
-                         public std::enable_shared_from_this<FleetServiceImpl> {
+class FleetServiceImpl final : public ZelUnified::FleetService,
+                               public ZelUnified::FeatureSetAdapter,
+                               public ZelUnified::ConfigStoreAddedObserver,
+                               public zel::common::BackgroundTimerCallback,
+                               public std::enable_shared_from_this<FleetServiceImpl> {
 public:
     static constexpr std::int64_t reviewDelay = 30; ///< In seconds.
 
+    /// Begins to follow a cluster; throws if it cannot.
+    using FollowerMaker = std::function<std::unique_ptr<FleetFollower>(FleetSettings current, FleetTimes watchTimes,
+                                                                       FleetWatch::Listener listener,
+                                                                       FleetWatch::AttemptListener attemptListener)>;
+
     explicit FleetServiceImpl(
         std::shared_ptr<ZelUnified::UnifiedFactory> hostFactory, FleetTimes watchTimes = {},
-        std::shared_ptr<zel::registry::Registry> administratorsRegistry = AdministratorValues::openRegistry());
+        std::shared_ptr<zel::registry::Registry> administratorsRegistry = AdministratorValues::openRegistry(),
+        FollowerMaker followerMaker = makeFollower);
 
     bool isFollowing() override;
 
@@ -54,11 +61,10 @@ public:
     void OnConfigStoreAdded(const std::string& addedName) override;
     void onTimer() override;
 
-protected:
-    /// A test overrides it.
-    virtual std::unique_ptr<FleetFollower> makeFollower(const FleetSettings& current);
-
 private:
+    static std::unique_ptr<FleetFollower> makeFollower(FleetSettings current, FleetTimes watchTimes,
+                                                       FleetWatch::Listener listener,
+                                                       FleetWatch::AttemptListener attemptListener);
     void post(const std::string& name, void (FleetServiceImpl::*work)());
     /// Makes watch and store follow the settings. Logs a failure, and tries again after `reviewDelay`.
     void review();
@@ -75,6 +81,7 @@ private:
 
     const std::shared_ptr<ZelUnified::UnifiedFactory> factory;
     const FleetTimes times;
+    const FollowerMaker beginToFollow;
     SettingsMailbox mailbox;
     // Of the services thread only:
     std::shared_ptr<ZelUnified::ConfigFeatureSet> configuration; ///< Null while the feature set is stopped.

@@ -16,12 +16,12 @@ ZelLogger& watchLogger = ZelLogger_getLogger("Fleet-Watch");
 } // namespace
 
 FleetWatch::FleetWatch(HttpThread& httpThread, FleetSettings clientSettings, FleetTimes clientTimes,
-                       Listener settingsListener, Ticker regularTicker)
+                       Listener settingsListener, AttemptListener listenerOfAttempts)
     : thread(httpThread),
       settings(std::move(clientSettings)),
       times(clientTimes),
       listener(std::move(settingsListener)),
-      ticker(std::move(regularTicker)),
+      attemptListener(std::move(listenerOfAttempts)),
       table(settings.scopes),
       random(std::random_device()()),
       // Clients share the members evenly.
@@ -37,7 +37,7 @@ void FleetWatch::connect() {
     if (settings.access.endpoints.empty()) {
         return;
     }
-    tick();
+    announceAttempt();
     if (!settings.access.username.empty() && token.empty()) {
         authenticate();
     } else {
@@ -184,9 +184,9 @@ void FleetWatch::publish() {
     listener(table.merge());
 }
 
-void FleetWatch::tick() const {
-    if (ticker) {
-        ticker();
+void FleetWatch::announceAttempt() const {
+    if (attemptListener) {
+        attemptListener();
     }
 }
 
@@ -198,7 +198,7 @@ void FleetWatch::probe() {
     // A stopped member, or a cut network, leaves the connection of the watch open and silent.
     probeRequest = send(etcd::rangePath, etcd::makeProbe(settings.scopes.front()), {.total = times.answer},
                         {nullptr, [this](const HttpResult& result) {
-                             tick();
+                             announceAttempt();
                              if (!result.isSuccess()) {
                                  failFor(result);
                                  return;

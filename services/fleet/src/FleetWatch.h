@@ -40,10 +40,10 @@ public:
 
     /// Called on the HttpThread's thread before each attempt to connect and after each probe: regularly, whether or not
     /// the cluster answers.
-    using Ticker = std::function<void()>;
+    using AttemptListener = std::function<void()>;
 
     FleetWatch(HttpThread& httpThread, FleetSettings clientSettings, FleetTimes clientTimes, Listener settingsListener,
-               Ticker regularTicker = {});
+               AttemptListener listenerOfAttempts = {});
     ~FleetWatch();
     FleetWatch(const FleetWatch&) = delete;
     FleetWatch& operator=(const FleetWatch&) = delete;
@@ -86,7 +86,7 @@ private:
     /// Drops the requests and connects after this time.
     void restart(std::chrono::milliseconds delay);
     bool renewToken();
-    void tick() const;
+    void announceAttempt() const;
     void rejectAnswer(const HttpResult& result);
     void failFor(const HttpResult& result);
     void cancelTimers();
@@ -98,7 +98,7 @@ private:
     const FleetSettings settings;
     const FleetTimes times;
     const Listener listener;
-    const Ticker ticker;
+    const AttemptListener attemptListener;
     FleetTable table;
     std::mt19937 random;
     std::size_t endpoint;

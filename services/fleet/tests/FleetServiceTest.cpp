@@ -433,27 +433,22 @@ TEST_F(FleetService, BootstrapFileChoosesTheCluster) {
 }
 
 TEST_F(FleetService, FollowsAWhileAfterAFailureToBegin) {
-    class FailingService final : public fleet::FleetServiceImpl {
-    public:
-        using fleet::FleetServiceImpl::FleetServiceImpl;
-
-    private:
-        std::unique_ptr<fleet::FleetFollower> makeFollower(const fleet::FleetSettings& current) override {
-            if (!std::exchange(hasFailed, true)) {
-                throw std::runtime_error("no thread");
-            }
-            return fleet::FleetServiceImpl::makeFollower(current);
-        }
-
-        bool hasFailed = false;
-    };
     EtcdCluster cluster;
     cluster.put("/lumora/fleet/all/Theme", "dark");
     writeDefaults(cluster.getAccess());
     const testing_host::LogRecorder log;
     testing_host::ManualClock clock;
     const FleetHost host(administrator, [](auto factory, auto registry) {
-        return std::make_shared<FailingService>(std::move(factory), shortTimes(), std::move(registry));
+        const auto failOnce = [hasFailed = false](auto current, auto times, auto listener,
+                                                  auto attemptListener) mutable {
+            if (!std::exchange(hasFailed, true)) {
+                throw std::runtime_error("no thread");
+            }
+            return std::make_unique<fleet::FleetFollower>(std::move(current), times, std::move(listener),
+                                                          std::move(attemptListener));
+        };
+        return std::make_shared<fleet::FleetServiceImpl>(std::move(factory), shortTimes(), std::move(registry),
+                                                         failOnce);
     });
     EXPECT_FALSE(host.getFleet().isFollowing());
     EXPECT_TRUE(log.mentions("The fleet's settings cannot be followed: no thread"));
