@@ -8,6 +8,7 @@
 #include <TemporaryProfile.h>
 
 #include <cstddef>
+#include <filesystem>
 #include <memory>
 #include <vector>
 
@@ -30,6 +31,10 @@ public:
 
     ZelUnified::ConfigService& service() { return *configService; }
     ZelUnified::ConfigFeatureSet& featureSet() { return *configFeatureSet; }
+
+    /// Waits until all changes are on the disk.
+    void awaitFiles() { factory->flushBackgroundDispatcher(); }
+    std::filesystem::path configFolder() const { return profile.config(); }
 
 private:
     void writeDefaults(const ZelUnified::ConfigMap& values) const;

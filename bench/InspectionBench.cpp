@@ -138,18 +138,19 @@ double measureEvent(const InspectedClient& client, const std::string& request) {
     return seconds;
 }
 
-double measureSet() {
-    return measureEvent(InspectedClient(Inspection::With), R"({"verb":"set","key":"BenchKey","value":"new"})");
+double measureSet(std::size_t keyCount) {
+    return measureEvent(InspectedClient(Inspection::With, keyCount),
+                        R"({"verb":"set","key":"BenchKey","value":"new"})");
 }
 
-double measurePolicy() {
-    const InspectedClient client(Inspection::With);
+double measurePolicy(std::size_t keyCount) {
+    const InspectedClient client(Inspection::With, keyCount);
     client.writePolicy("BenchKey", "new");
     return measureEvent(client, R"({"verb":"refresh"})");
 }
 
-double measureDocument() {
-    return measureEvent(InspectedClient(Inspection::With),
+double measureDocument(std::size_t keyCount) {
+    return measureEvent(InspectedClient(Inspection::With, keyCount),
                         R"({"verb":"mdm","document":"<Config><Group><BenchKey>1</BenchKey></Group></Config>"})");
 }
 
@@ -168,8 +169,11 @@ int main(int argc, char** argv) {
         suite.addTimed(answered, verb, 1, [verb] { return measureAnswer(verb); });
     }
     const std::string seen = "13 time until a watcher has the event";
-    suite.addTimed(seen, "set", 1, measureSet);
-    suite.addTimed(seen, "policy and refresh", 1, measurePolicy);
-    suite.addTimed(seen, "document", 1, measureDocument);
+    for (const std::size_t keyCount : {std::size_t{0}, manyKeys}) {
+        const auto row = seen + (keyCount == 0 ? "" : ", " + std::to_string(keyCount) + " keys");
+        suite.addTimed(row, "set", 1, [keyCount] { return measureSet(keyCount); });
+        suite.addTimed(row, "policy and refresh", 1, [keyCount] { return measurePolicy(keyCount); });
+        suite.addTimed(row, "document", 1, [keyCount] { return measureDocument(keyCount); });
+    }
     return suite.main();
 }

@@ -12,8 +12,6 @@ namespace bench {
 
 namespace {
 
-constexpr const char* bytesCounter = "bytes";
-
 std::pair<std::string, std::string> toRowAndSubject(const std::string& name) {
     const auto slash = name.find('/');
     return {name.substr(0, slash), slash == std::string::npos ? "" : name.substr(slash + 1)};
@@ -74,11 +72,12 @@ MarkdownReporter::Figure MarkdownReporter::summarise(const std::vector<Run>& run
         if (run.run_type != Run::RT_Iteration) {
             continue;
         }
-        const auto bytes = run.counters.find(bytesCounter);
-        figure.inBytes = bytes != run.counters.end();
+        const auto counter = run.counters.begin();
+        const bool isCounted = counter != run.counters.end();
+        figure.unit = isCounted ? counter->first : "";
         const double time = run.run_name.time_type.empty() ? run.GetAdjustedCPUTime() : run.GetAdjustedRealTime();
-        sorted.push_back(figure.inBytes ? bytes->second.value
-                                        : time / benchmark::GetTimeUnitMultiplier(run.time_unit) * 1e9);
+        sorted.push_back(isCounted ? counter->second.value
+                                   : time / benchmark::GetTimeUnitMultiplier(run.time_unit) * 1e9);
     }
     std::sort(sorted.begin(), sorted.end());
     figure.median = quantile(sorted, 0.5);
@@ -87,8 +86,8 @@ MarkdownReporter::Figure MarkdownReporter::summarise(const std::vector<Run>& run
 }
 
 std::string MarkdownReporter::describe(const Figure& figure) {
-    if (figure.inBytes) {
-        return toDigits(figure.median) + " bytes | ";
+    if (!figure.unit.empty()) {
+        return toDigits(figure.median) + ' ' + figure.unit + " | ";
     }
     constexpr std::array<std::pair<double, const char*>, 4> units{{{1, "ns"}, {1e3, "µs"}, {1e6, "ms"}, {1e9, "s"}}};
     const auto* unit = &units.front();

@@ -15,7 +15,7 @@ namespace bench {
 /// Times are processor times, since waiting would distort them on a shared machine. Benchmarks that wait for a disk use
 /// the wall clock (`UseRealTime`).
 ///
-/// A run with a counter "bytes" reports bytes instead of time.
+/// A run with a counter reports its figure, with its name as the unit, instead of time.
 class MarkdownReporter final : public benchmark::BenchmarkReporter {
 public:
     bool ReportContext(const Context& context) override;
@@ -26,7 +26,7 @@ private:
     struct Figure {
         double median = 0;
         double spread = 0; ///< As a fraction of the median.
-        bool inBytes = false;
+        std::string unit;  ///< Of a figure that is not a time.
     };
 
     static Figure summarise(const std::vector<Run>& runs);

@@ -17,7 +17,7 @@ namespace {
 
 /// Calls per reading of the library's timer.
 constexpr std::size_t batch = 256;
-constexpr std::size_t countedCalls = 2000;
+constexpr std::size_t countedCalls = 2000; // as in scripts/bench
 constexpr std::size_t countedTimedCalls = 3;
 
 std::string toName(const std::string& row, const std::string& subject) {
@@ -48,7 +48,8 @@ RowSuite::RowSuite(int argc, char** argv) : arguments(argv, argv + argc) {
         return std::erase_if(arguments, [option](const char* argument) { return argument == option; }) > 0;
     };
     growth = take("--growth");
-    counts = take("--instructions");
+    countsLimits = take("--lines");
+    counts = take("--instructions") || countsLimits;
     arguments.insert(arguments.begin() + 1, interleaving.data());
 }
 
@@ -83,20 +84,20 @@ void RowSuite::addTimed(const std::string& row, const std::string& subject, int 
         ->Iterations(calls);
 }
 
-void RowSuite::addBytes(const std::string& row, const std::string& subject, double bytes) {
+void RowSuite::addFigure(const std::string& row, const std::string& subject, double figure, const std::string& unit) {
     if (counts) {
         return;
     }
-    benchmark::RegisterBenchmark(toName(row, subject).c_str(), [bytes](benchmark::State& state) {
+    benchmark::RegisterBenchmark(toName(row, subject).c_str(), [figure, unit](benchmark::State& state) {
         while (state.KeepRunning()) {
         }
-        state.counters["bytes"] = bytes;
+        state.counters[unit] = figure;
     })->Iterations(1);
 }
 
 int RowSuite::main() {
     if (counts) {
-        countInstructions();
+        runProfiled();
         return EXIT_SUCCESS;
     }
     auto count = static_cast<int>(arguments.size());
@@ -110,9 +111,9 @@ int RowSuite::main() {
     return EXIT_SUCCESS;
 }
 
-void RowSuite::countInstructions() const {
+void RowSuite::runProfiled() const {
     for (const auto& [name, run] : counted) {
-        if (name.find("/bare") != std::string::npos) {
+        if (!countsLimits && name.find("/bare") != std::string::npos) {
             continue;
         }
         run(countedCalls); // allocations of the first call are excluded from the count

@@ -32,7 +32,8 @@ double timedByClock(Work work) {
 /// that a slow phase of the machine affects both.
 ///
 /// With "--growth" the program measures its rows at several sizes. With "--instructions" it runs each of its own
-/// subjects under a profiler that counts (`scripts/bench instructions`).
+/// subjects under a profiler that counts (`scripts/bench instructions`), with "--lines" the limits too (`scripts/bench
+/// lines`).
 class RowSuite {
 public:
     /// Does the work `times` times.
@@ -43,13 +44,19 @@ public:
     RowSuite(int argc, char** argv);
 
     bool measuresGrowth() const { return growth; }
+    /// Returns true under a profiler, which makes the program fifty times slower.
+    bool isProfiled() const { return counts; }
 
     void add(const std::string& row, const std::string& subject, Run run);
     /// Adds a timed subject; a round makes `calls` calls.
     void addTimed(const std::string& row, const std::string& subject, int calls, TimedRun run);
 
-    /// Adds a figure in bytes instead of a time.
-    void addBytes(const std::string& row, const std::string& subject, double bytes);
+    /// Adds a figure in this unit instead of a time.
+    void addFigure(const std::string& row, const std::string& subject, double figure, const std::string& unit);
+    /// Adds a figure in bytes.
+    void addBytes(const std::string& row, const std::string& subject, double bytes) {
+        addFigure(row, subject, bytes, "bytes");
+    }
 
     /// Measures all rows. Returns the exit code of the program.
     int main();
@@ -60,12 +67,13 @@ private:
         Run run;
     };
 
-    void countInstructions() const;
+    void runProfiled() const;
 
     std::string interleaving = "--benchmark_enable_random_interleaving=true";
     std::vector<char*> arguments;
     bool growth = false;
     bool counts = false;
+    bool countsLimits = false;
     std::vector<Counted> counted;
 };
 

@@ -224,9 +224,11 @@ int main(int argc, char** argv) {
     const testing_host::ManualClock clock; // the delayed backup is not measured
     const testing_host::TemporaryProfile profile;
     bench::SyntheticKeys generator(20240229);
-    const std::vector<ConfigMap> arrivals{makeValues(generator, 1000), makeValues(generator, 10000),
-                                          makeValues(generator, 100000)};
     bench::RowSuite suite(argc, argv);
+    std::vector<ConfigMap> arrivals{makeValues(generator, 1000), makeValues(generator, 10000)};
+    if (!suite.isProfiled()) {
+        arrivals.push_back(makeValues(generator, 100000));
+    }
     // Constructs the services before the copies exist, which only the constructions measure.
     for (const auto& values : arrivals) {
         registerArrival(suite, generator, values);

@@ -20,6 +20,8 @@ set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS OFF)
 
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME liblumora-config${PROJECT_VERSION_MAJOR})
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
+# Loaded at run time for the power events. Without it, everything else works.
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_RECOMMENDS libsystemd0)
 set(CPACK_COMPONENT_RUNTIME_DESCRIPTION "configuration service of the Lumora client
  The service host's library, and the plug-in that answers configuration keys
  through a chain of stores.")

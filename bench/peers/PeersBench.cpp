@@ -1,4 +1,5 @@
 // Measures some of the rows with other settings libraries of this system, beside our own limits.
+#include "CachedReads.h"
 #include "PeerFiles.h"
 #include "PeerPersister.h"
 #include "PeerWriter.h"
@@ -35,12 +36,11 @@ constexpr int persistsInRound = 20;
 template <class Chain>
 void addReads(RowSuite& suite, const Workload& workload, const std::string& subject,
               const std::shared_ptr<Chain>& chain) {
-    const auto ask = [chain](const std::wstring& key) { return chain->read(key); };
     if (workload.getLayers().size() == 1) {
-        suite.add("1 cached read, all of 5000 keys", subject, bench::walkOver(workload.getHits(), ask));
-        suite.add("1 cached read, 64 hot of 5000 keys", subject, bench::walkOver(workload.getHotHits(), ask));
+        bench::addCachedReads(suite, workload, subject, chain);
         return;
     }
+    const auto ask = [chain](const std::wstring& key) { return chain->read(key); };
     suite.add("2 chain, all of 8 layers of 5000 keys", subject, bench::walkOver(workload.getHits(), ask));
     suite.add("2 chain, 64 hot of 8 layers of 5000 keys", subject, bench::walkOver(workload.getHotHits(), ask));
     suite.add("2 chain, none of 8 layers of 5000 keys", subject, bench::walkOver(workload.getMisses(), ask));

@@ -17,6 +17,8 @@ struct RegistryFolders {
     /// Contains the files of the current user's root; they override the administrator's. If empty,
     /// getUserRegistryFolder().
     std::string user;
+    /// False for the administrator's files alone.
+    bool hasUser = true;
 };
 
 /// Returns the name of the default mail client, empty if it is unknown. Called each time the files are checked.

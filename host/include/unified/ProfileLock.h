@@ -7,6 +7,8 @@
 
 namespace ZelUnified {
 
+class ProfileDirectoryLock;
+
 /// Prevents a second process from using a profile. The object holds an advisory lock on the configuration directory
 /// itself until it is destroyed; the system releases the lock if the process dies. Different spellings of one directory
 /// share one lock. The state folder of the other process has no influence, and removing files does not release the
@@ -33,9 +35,7 @@ public:
     const std::string& getProblem() const noexcept;
 
 private:
-    class LockedDirectory;
-
-    const std::unique_ptr<LockedDirectory> directory;
+    const std::unique_ptr<ProfileDirectoryLock> directory;
 };
 
 } // namespace ZelUnified

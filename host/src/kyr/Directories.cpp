@@ -52,7 +52,7 @@ fs::path resolved(const fs::path& path) {
 }
 
 /// Returns the absolute path without a trailing separator; links are not resolved.
-std::string tidy(const std::string& directory) {
+std::string toAbsolute(const std::string& directory) {
     const auto path = pathFromText(directory);
     if (!path) {
         return {};
@@ -70,8 +70,8 @@ bool isSameOrAbove(const fs::path& upper, const fs::path& lower) {
 }
 
 std::string directoryOf(std::string HostDirectories::*member) {
-    std::string own = Overrides::instance().get(member);
-    return own.empty() ? tidy(platform::defaultDirectories().*member) : own;
+    std::string overridden = Overrides::instance().get(member);
+    return overridden.empty() ? toAbsolute(platform::defaultDirectories().*member) : overridden;
 }
 
 /// Returns true if a reset may empty the directory: it contains neither the home folder, nor the application data, nor
@@ -94,8 +94,8 @@ bool isSafeToEmpty(const std::string& directory) {
 } // namespace
 
 void FileUtils::overrideDirectories(HostDirectories directories) {
-    Overrides::instance().set({tidy(directories.config), tidy(directories.applicationData), tidy(directories.state),
-                               tidy(directories.resources)});
+    Overrides::instance().set({toAbsolute(directories.config), toAbsolute(directories.applicationData),
+                               toAbsolute(directories.state), toAbsolute(directories.resources)});
 }
 
 std::string FileUtils::getConfigDirectory() {

@@ -103,8 +103,8 @@ bool EndSignals::waitFor(std::chrono::milliseconds time) noexcept {
 }
 
 void EndSignals::wait() noexcept {
-    constexpr std::chrono::hours turn(1); // poll() is woken by the signal; the length does not matter
-    while (!waitFor(turn)) {
+    constexpr std::chrono::hours waitTime(1); // poll() is woken by the signal; the length does not matter
+    while (!waitFor(waitTime)) {
     }
 }
 

@@ -19,7 +19,7 @@ namespace {
 /// A description of access rights, and the attributes that refer to it.
 class PrivateRights {
 public:
-    explicit PrivateRights(AccessRights::Of kind) {
+    explicit PrivateRights(AccessRights::Kind kind) {
         auto user = AccessRights::readUserId();
         LPWSTR text = nullptr;
         if (user.empty() || !::ConvertSidToStringSidW(user.data(), &text)) {
@@ -27,7 +27,7 @@ public:
         }
         const std::unique_ptr<wchar_t, decltype(&::LocalFree)> owner(text, &::LocalFree);
         // Protected: nothing is inherited from the parent. What is created in a directory inherits these rights.
-        const std::wstring inherited = kind == AccessRights::Of::Directory ? L"OICI" : L"";
+        const std::wstring inherited = kind == AccessRights::Kind::Directory ? L"OICI" : L"";
         const std::wstring rights = L"D:P(A;" + inherited + L";FA;;;" + text + L")(A;" + inherited + L";FA;;;SY)";
         if (::ConvertStringSecurityDescriptorToSecurityDescriptorW(rights.c_str(), SDDL_REVISION_1, &descriptor,
                                                                    nullptr)) {
@@ -64,14 +64,14 @@ std::vector<unsigned char> AccessRights::readUserId() {
     return {bytes, bytes + ::GetLengthSid(id)};
 }
 
-SECURITY_ATTRIBUTES* AccessRights::forCreation(Of kind) noexcept {
+SECURITY_ATTRIBUTES* AccessRights::forCreation(Kind kind) noexcept {
     // Never destroyed: files may be written while the process ends.
-    static auto& file = *new PrivateRights(Of::File);
-    static auto& directory = *new PrivateRights(Of::Directory);
-    return kind == Of::File ? file.get() : directory.get();
+    static auto& file = *new PrivateRights(Kind::File);
+    static auto& directory = *new PrivateRights(Kind::Directory);
+    return kind == Kind::File ? file.get() : directory.get();
 }
 
-int AccessRights::restrict(const std::filesystem::path& path, Of kind) noexcept {
+int AccessRights::restrict(const std::filesystem::path& path, Kind kind) noexcept {
     const SECURITY_ATTRIBUTES* const rights = forCreation(kind);
     if (rights == nullptr) {
         return ENOTSUP;

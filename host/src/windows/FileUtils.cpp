@@ -41,7 +41,7 @@ int reasonOf(int error, const std::filesystem::path& path) {
 } // namespace
 
 int makeDirectory(const std::filesystem::path& path) noexcept {
-    if (::CreateDirectoryW(path.c_str(), AccessRights::forCreation(AccessRights::Of::Directory))) {
+    if (::CreateDirectoryW(path.c_str(), AccessRights::forCreation(AccessRights::Kind::Directory))) {
         return 0;
     }
     const int error = lastErrno();
@@ -70,16 +70,16 @@ int moveFile(const std::filesystem::path& source, const std::filesystem::path& t
 }
 
 int makePrivateFile(const std::filesystem::path& path) noexcept {
-    const SystemHandle file(
-        ::CreateFileW(path.c_str(), FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                      AccessRights::forCreation(AccessRights::Of::File), OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+    const SystemHandle file(::CreateFileW(
+        path.c_str(), FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+        AccessRights::forCreation(AccessRights::Kind::File), OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!file) {
         return lastErrno();
     }
     if (::GetFileType(file.get()) != FILE_TYPE_DISK) {
         return EINVAL;
     }
-    return AccessRights::restrict(path, AccessRights::Of::File);
+    return AccessRights::restrict(path, AccessRights::Kind::File);
 }
 
 } // namespace KyrCoreUtils::platform

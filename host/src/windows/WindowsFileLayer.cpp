@@ -62,8 +62,9 @@ unsigned int lengthOfCall(std::size_t size) {
 
 /// Opens the file without sharing it; the system removes it when it is closed.
 SystemHandle openAlone(const std::filesystem::path& path) {
-    return SystemHandle(::CreateFileW(path.c_str(), GENERIC_WRITE, 0, AccessRights::forCreation(AccessRights::Of::File),
-                                      OPEN_ALWAYS, FILE_ATTRIBUTE_HIDDEN | FILE_FLAG_DELETE_ON_CLOSE, nullptr));
+    return SystemHandle(::CreateFileW(path.c_str(), GENERIC_WRITE, 0,
+                                      AccessRights::forCreation(AccessRights::Kind::File), OPEN_ALWAYS,
+                                      FILE_ATTRIBUTE_HIDDEN | FILE_FLAG_DELETE_ON_CLOSE, nullptr));
 }
 
 } // namespace
@@ -77,7 +78,7 @@ int WindowsFileLayer::createFile(const std::string& path, Handle& handle) {
     handle = -1;
     return withPath(path, [&](const std::filesystem::path& name) {
         SystemHandle file(::CreateFileW(name.c_str(), GENERIC_WRITE, sharedWithAll,
-                                        AccessRights::forCreation(AccessRights::Of::File), CREATE_NEW,
+                                        AccessRights::forCreation(AccessRights::Kind::File), CREATE_NEW,
                                         FILE_ATTRIBUTE_NORMAL, nullptr));
         return file ? toDescriptor(std::move(file), _O_WRONLY, handle) : lastErrno();
     });
@@ -157,7 +158,7 @@ int WindowsFileLayer::unlink(const std::string& path) {
 
 int WindowsFileLayer::createDirectory(const std::string& path) {
     return withPath(path, [](const std::filesystem::path& name) {
-        if (::CreateDirectoryW(name.c_str(), AccessRights::forCreation(AccessRights::Of::Directory))) {
+        if (::CreateDirectoryW(name.c_str(), AccessRights::forCreation(AccessRights::Kind::Directory))) {
             return 0;
         }
         const int error = lastErrno();
@@ -165,7 +166,7 @@ int WindowsFileLayer::createDirectory(const std::string& path) {
         if (error != EEXIST || !std::filesystem::is_directory(name, failure)) {
             return error;
         }
-        return AccessRights::restrict(name, AccessRights::Of::Directory);
+        return AccessRights::restrict(name, AccessRights::Kind::Directory);
     });
 }
 

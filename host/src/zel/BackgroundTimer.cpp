@@ -30,7 +30,7 @@ void callGuarded(BackgroundTimerCallback& callback) {
 
 } // namespace
 
-/// Outlives the timer while a callback runs. If an alarm rings after its timer was stopped or restarted, its number
+/// Outlives the timer while a callback runs. If an alarm fires after its timer was stopped or restarted, its number
 /// differs from `armed` and it does nothing.
 class BackgroundTimer::Impl : public std::enable_shared_from_this<BackgroundTimer::Impl> {
 public:
@@ -43,7 +43,7 @@ public:
         const auto number = ++armed;
         alarm = source->set(seconds, [weak = weak_from_this(), number] {
             if (const auto self = weak.lock()) {
-                self->ring(number);
+                self->runCallback(number);
             }
         });
     }
@@ -71,7 +71,7 @@ private:
         return used;
     }
 
-    void ring(std::uint64_t number) {
+    void runCallback(std::uint64_t number) {
         std::shared_ptr<BackgroundTimerCallback> called;
         std::shared_ptr<TimerSource> used;
         {

@@ -109,8 +109,8 @@ void SpdlogSink::write(const LogRecord& record) {
     if (record.level > mildest) {
         return;
     }
-    const spdlog::source_loc place(record.file.c_str(), record.line, record.function.c_str());
-    output->sink->log({place, record.logger, levelOf(record.level), record.text});
+    const spdlog::source_loc location(record.file.c_str(), record.line, record.function.c_str());
+    output->sink->log({location, record.logger, levelOf(record.level), record.text});
     output->sink->flush();
 }
 

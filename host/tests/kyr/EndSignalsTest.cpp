@@ -76,7 +76,7 @@ TEST_F(EndSignalsDeathTest, EndProcessEndsTheProcessByTheSignalUnlessItIsAcknowl
     EXPECT_EXIT(endByTheSignal(true), testing::ExitedWithCode(0), "");
 }
 
-TEST_F(EndSignalsDeathTest, TheDestructorRestoresTheFormerAction) {
+TEST_F(EndSignalsDeathTest, TheDestructorRestoresThePreviousAction) {
     EXPECT_EXIT(raiseAfterDestruction(), testing::KilledBySignal(SIGTERM), "");
 }
 

@@ -178,7 +178,7 @@ TEST_F(FileUtilsTest, ListsFilesOfTheWholeTreeInOrder) {
     EXPECT_THAT(list("dat"), ElementsAre("Cache/old/cachedTftp.dat", "a.dat"));
 }
 
-TEST_F(FileUtilsTest, IgnoresTheCaseAndTheOnePointOfAnExtension) {
+TEST_F(FileUtilsTest, MatchesAnExtensionWithOrWithoutItsPointIgnoringCase) {
     for (const auto* name : {"a.DAT", "b.dat", "c.data", "d.xml.dat", "dat", "e.dat.bak", ".f.dat"}) {
         writeFile(at("tree") / name, "x");
     }

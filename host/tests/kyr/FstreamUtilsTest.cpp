@@ -44,7 +44,7 @@ TEST_F(FstreamUtilsTest, ReadingDoesNotChangeTheFile) {
     EXPECT_EQ(readFile(file), "old");
 }
 
-TEST_F(FstreamUtilsTest, WritingTruncates) {
+TEST_F(FstreamUtilsTest, WritingTruncatesAnExistingFile) {
     writeFile(file, "a long old content");
     ASSERT_TRUE(FstreamUtils::open(stream, file.string(), StreamMode::Write));
     stream << "new";

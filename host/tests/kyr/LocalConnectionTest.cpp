@@ -13,7 +13,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-TEST(LocalConnection, ReportsTheOtherProcessAndItsEnd) {
+TEST(LocalConnection, ReportsTheIdAndTheEndOfTheOtherProcess) {
     const testing_host::TemporaryProfile profile;
     const auto path = (profile.root() / "s" / "s.sock").string();
     std::string line;

@@ -37,7 +37,7 @@ private:
     std::optional<std::string> before;
 };
 
-TEST(LocalSocket, PathIsInTheRuntimeDirectoryElseInTheStateDirectory) {
+TEST(LocalSocket, PathIsInTheStateDirectoryIfTheRuntimeDirectoryIsUnusable) {
     {
         const RuntimeDirectory runtime("/run/user/7");
         EXPECT_TRUE(LocalSocket::getPathFor("/home/a/config", "/home/a/state").starts_with("/run/user/7/lumora/"));
@@ -48,7 +48,7 @@ TEST(LocalSocket, PathIsInTheRuntimeDirectoryElseInTheStateDirectory) {
     }
 }
 
-TEST(LocalSocket, AllPathsContainTheOneOfAProcessWithoutARuntimeDirectory) {
+TEST(LocalSocket, ReturnsAlsoThePathOfAProcessWithoutARuntimeDirectory) {
     std::string without;
     {
         const RuntimeDirectory runtime("");
@@ -60,7 +60,7 @@ TEST(LocalSocket, AllPathsContainTheOneOfAProcessWithoutARuntimeDirectory) {
     EXPECT_EQ(LocalSocket::getPathsFor("/home/a/config", "/home/a/state"), (std::vector{with, without}));
 }
 
-TEST(LocalSocket, PathIsShortEnoughForASocketOrEmpty) {
+TEST(LocalSocket, PathIsEmptyIfItIsTooLongForASocket) {
     const RuntimeDirectory runtime("");
     const std::string directory(300, 'd');
     for (std::size_t length = 1; length < 120; ++length) {
@@ -79,6 +79,11 @@ TEST(LocalSocket, EachSpellingOfADirectoryHasTheSamePath) {
     EXPECT_EQ(LocalSocket::getPathFor(directory + "/../config/.", "/s"), path);
     EXPECT_EQ(LocalSocket::getPathFor((profile.root() / "link").string(), "/s"), path);
     EXPECT_NE(LocalSocket::getPathFor(profile.state().string(), "/s"), path);
+}
+
+TEST(LocalSocket, NameIsTheFirstHalfOfTheDigestOfTheDirectory) {
+    const RuntimeDirectory runtime("");
+    EXPECT_EQ(LocalSocket::getPathFor("/", "/s"), "/s/lumora/8a5edab282632443219e051e4ade2d1d.sock"); // SHA-256
 }
 
 } // namespace

@@ -27,6 +27,6 @@ TEST(ProcessUtils, ReturnsTheNameOfTheUserThatOwnsNewFiles) {
     EXPECT_EQ(ProcessUtils::getUserName(), access->ownerName);
 }
 
-TEST(ProcessUtils, NamesTheSystem) {
+TEST(ProcessUtils, ReturnsTheNameOfTheSystem) {
     EXPECT_TRUE(ProcessUtils::getSystemName().starts_with("Linux ")) << ProcessUtils::getSystemName();
 }

@@ -18,13 +18,13 @@ TEST(SharedLibrary, FindsAnExportedSymbol) {
     EXPECT_NE(SharedLibrary(plugin).find("InjectConfigService"), nullptr);
 }
 
-TEST(SharedLibrary, NamesTheSymbolThatIsMissing) {
+TEST(SharedLibrary, ReportsTheNameOfAMissingSymbol) {
     const SharedLibrary library(plugin);
     EXPECT_THAT([&] { library.find("NoSuchEntry"); },
                 Throws<std::runtime_error>(Property(&std::runtime_error::what, HasSubstr("NoSuchEntry"))));
 }
 
-TEST(SharedLibrary, NamesTheFileThatIsMissing) {
+TEST(SharedLibrary, ReportsTheNameOfAMissingFile) {
     EXPECT_THAT([] { SharedLibrary("/nowhere/absent.so"); },
                 Throws<std::runtime_error>(Property(&std::runtime_error::what, HasSubstr("absent.so"))));
 }

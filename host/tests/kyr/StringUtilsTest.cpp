@@ -282,7 +282,7 @@ TEST(MatchesWildcards, AQuestionMarkMatchesOneCharacter) {
     EXPECT_FALSE(matchesWildcards(L"abc", L""));
 }
 
-TEST(MatchesWildcards, NeedsLittleTimeForManyStars) {
+TEST(MatchesWildcards, MatchesAPatternOfManyStarsQuickly) {
     const std::wstring text(200, L'a');
     std::wstring pattern;
     for (int i = 0; i < 60; ++i) {
@@ -342,7 +342,7 @@ TEST(Split, SplitsWideText) {
     EXPECT_THAT(pieces, ElementsAre(L"a", L"", L"b", L""));
 }
 
-TEST(Split, AcceptsAPieceOfItsOutputAsInput) {
+TEST(Split, AcceptsAnElementOfTheOutputAsInput) {
     std::vector<std::string> pieces{"a:b"};
     split(pieces[0], pieces, ":");
     EXPECT_THAT(pieces, ElementsAre("a", "b"));

@@ -13,7 +13,7 @@ using KyrCoreUtils::FileUtils;
 
 } // namespace
 
-TEST(WindowsDirectories, LieInTheKnownFoldersOfTheUser) {
+TEST(WindowsDirectories, AreInTheKnownFoldersOfTheUser) {
     FileUtils::overrideDirectories({});
     const std::string config = FileUtils::getConfigDirectory();
     const std::string data = FileUtils::getUserLocalAppDir();
@@ -26,11 +26,11 @@ TEST(WindowsDirectories, LieInTheKnownFoldersOfTheUser) {
     }
 }
 
-TEST(WindowsDirectories, TheInstalledDataLiesBesideTheLibrary) {
+TEST(WindowsDirectories, TheInstalledDataIsInTheDirectoryOfTheLibrary) {
     FileUtils::overrideDirectories({});
     EXPECT_EQ(fs::path(FileUtils::getResourcesDirectory()), fs::path(KyrCoreUtils::ProcessUtils::getProgramFolder()));
 }
 
-TEST(WindowsDirectories, TheSeparatorIsThePlatforms) {
+TEST(WindowsDirectories, TheSeparatorIsABackslash) {
     EXPECT_EQ(FileUtils::FileSeparator(), "\\");
 }

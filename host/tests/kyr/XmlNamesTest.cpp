@@ -70,7 +70,7 @@ char32_t nextSample(char32_t c) {
 
 } // namespace
 
-TEST(XmlNames, AgreeWithAParserOnEveryCharacter) {
+TEST(XmlNames, IsXmlNameAgreesWithAParserOnEveryCharacter) {
     for (char32_t c = 1; c <= 0x10FFFF; c = nextSample(c)) {
         if (isSurrogate(c) || c == ':') {
             continue; // A surrogate has no UTF-8 form. A lone colon is a valid name, but the reader expects a prefix.
@@ -82,7 +82,7 @@ TEST(XmlNames, AgreeWithAParserOnEveryCharacter) {
     }
 }
 
-TEST(XmlNames, ConsistOfSeveralCharacters) {
+TEST(XmlNames, EveryCharacterOfANameIsChecked) {
     EXPECT_TRUE(isXmlName(L"Lumora_SDK_Mode"));
     EXPECT_TRUE(isXmlName(L"prefix:name-1.2"));
     EXPECT_TRUE(isXmlName(L"Gr\u00F6\u00DFe"));
@@ -92,7 +92,7 @@ TEST(XmlNames, ConsistOfSeveralCharacters) {
     }
 }
 
-TEST(Unrepresentable, AgreesWithAParserOnEveryCharacter) {
+TEST(Unrepresentable, FindUnrepresentableAgreesWithAParserOnEveryCharacter) {
     for (char32_t c = 1; c <= 0x10FFFF; c = nextSample(c)) {
         if (isSurrogate(c) || c == '<' || c == '&') {
             continue;
@@ -102,7 +102,7 @@ TEST(Unrepresentable, AgreesWithAParserOnEveryCharacter) {
     }
 }
 
-TEST(Unrepresentable, IsFoundAtEveryPosition) {
+TEST(Unrepresentable, FindsAnUnrepresentableCharacterAtEveryPosition) {
     EXPECT_FALSE(findUnrepresentable(L"Gr\u00FC\u00DFe <&> \t\r\n"));
     EXPECT_EQ(findUnrepresentable(L"ab\x01"), char32_t{1});
     EXPECT_EQ(findUnrepresentable(std::wstring(L"a\0b", 3)), char32_t{0});

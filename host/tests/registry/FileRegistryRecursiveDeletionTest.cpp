@@ -82,7 +82,7 @@ TEST_F(FileRegistryRecursiveDeletionTest, TheWholeTreeIsOnDiskWhenTheOutermostDe
     EXPECT_EQ(layer.countUnsyncedNames(), 0U);
 }
 
-TEST_F(FileRegistryRecursiveDeletionTest, TheOutermostDeletionWritesAlsoWhileAKeyIsOpen) {
+TEST_F(FileRegistryRecursiveDeletionTest, TheOutermostDeletionWritesWhileAnotherKeyIsOpen) {
     writeUser("a.reg", makeSections("K", 3) + "[HKCU\\Other]\r\n");
     const Key other(*registry, HKEY_CURRENT_USER, L"Other");
     ASSERT_EQ(removeTree(L"K"), RegistryResult::Success);

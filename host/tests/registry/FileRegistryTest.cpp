@@ -55,6 +55,14 @@ TEST_F(FileRegistryTest, TheUsersValuesOverrideTheAdministrators) {
                 ElementsAre(makeTextValue(L"a", L"user"), makeTextValue(L"b", L"admin"), makeTextValue(L"c", L"user")));
 }
 
+TEST_F(FileRegistryTest, WithoutTheUsersLayerOnlyTheAdministratorsValuesCount) {
+    writeAdministrator("a.reg", "[HKCU\\K]\r\n\"a\"=\"admin\"\r\n");
+    writeUser("z.reg", "[HKCU\\K]\r\n\"a\"=\"user\"\r\n[HKCU\\L]\r\n\"a\"=\"user\"\r\n");
+    const auto ofAdministrator = makeFileRegistry({administrator.string(), {}, false});
+    EXPECT_EQ(textOf(*ofAdministrator, L"K", L"a"), L"admin");
+    EXPECT_FALSE(hasKey(*ofAdministrator, L"L"));
+}
+
 TEST_F(FileRegistryTest, AFileWhoseTimeMovesBackIsReadAgain) {
     writeAdministrator("a.reg", "[HKCU\\K]\r\n\"a\"=\"first one\"\r\n");
     EXPECT_EQ(textOf(*registry, L"K", L"a"), L"first one");
@@ -64,7 +72,7 @@ TEST_F(FileRegistryTest, AFileWhoseTimeMovesBackIsReadAgain) {
     EXPECT_EQ(textOf(*registry, L"K", L"a"), L"other one");
 }
 
-TEST_F(FileRegistryTest, AmongFilesOfOneFolderTheLastNameWins) {
+TEST_F(FileRegistryTest, OfSeveralFilesInAFolderTheLastByNameWins) {
     writeAdministrator("20-b.reg", "[HKCU\\K]\r\n\"a\"=\"second\"\r\n");
     writeAdministrator("10-z.reg", "[HKCU\\K]\r\n\"a\"=\"first\"\r\n");
     EXPECT_EQ(textOf(*registry, L"K", L"a"), L"second");
@@ -182,7 +190,7 @@ TEST_F(FileRegistryTest, AKeyThatHasSubkeysIsNotDeletedAndNothingIsWritten) {
     EXPECT_EQ(remove(L"K"), RegistryResult::Success);
 }
 
-TEST_F(FileRegistryTest, AParentThatWasOnlyImpliedByADeletedKeyCanBeDeleted) {
+TEST_F(FileRegistryTest, AParentWithoutASectionOfItsOwnCanBeDeletedAfterItsSubkey) {
     writeUser("a.reg", "[HKCU\\K\\Sub]\r\n\"a\"=\"1\"\r\n");
     ASSERT_EQ(remove(L"K\\Sub"), RegistryResult::Success);
     EXPECT_TRUE(hasKey(*registry, L"K"));
@@ -249,7 +257,7 @@ TEST_F(FileRegistryTest, DeletingRelativeToAnOpenKeyRewritesTheFile) {
     EXPECT_THAT(key.getSubkeys(), IsEmpty());
 }
 
-TEST_F(FileRegistryTest, ReadsTheUserFolderItIsGiven) {
+TEST_F(FileRegistryTest, ReadsTheGivenUserFolder) {
     writeFile(profile.root() / "elsewhere/a.reg", header + "[HKCU\\There]\r\n");
     writeUser("a.reg", "[HKCU\\Here]\r\n");
     const auto other = makeFileRegistry({administrator.string(), (profile.root() / "elsewhere").string()});

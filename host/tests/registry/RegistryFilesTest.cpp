@@ -57,7 +57,7 @@ TEST_F(RegistryFilesTest, FileAndFolderAreAccessibleToTheirOwnerOnly) {
     EXPECT_EQ(std::filesystem::status(folder / "policy.REG").permissions(), perms::owner_read | perms::owner_write);
 }
 
-TEST_F(RegistryFilesTest, ASecondFileOfTheNameReplacesTheFirst) {
+TEST_F(RegistryFilesTest, InstallingAFileReplacesTheFileOfTheSameName) {
     ASSERT_EQ(installRegistryText(parse("[HKCU\\Old]\r\n"), "policy"), 0);
     ASSERT_EQ(installRegistryText(parse("[HKCU\\New]\r\n"), "policy"), 0);
     const auto registry = makeFileRegistry({(profile.root() / "none").string(), {}});

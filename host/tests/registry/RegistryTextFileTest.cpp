@@ -36,7 +36,7 @@ TEST(RegistryTextFile, FormattingWritesTheCustomarySpellingOfEachType) {
                                                  "\"gone\"=-\r\n");
 }
 
-TEST(RegistryTextFile, CuttingASectionKeepsEveryOtherByte) {
+TEST(RegistryTextFile, RemovingASectionKeepsEveryOtherByte) {
     const std::string first = "[HKCU\\A]\n\"a\"=\"\xFF broken utf-8\"\r\n; comment\n";
     const std::string second = "[HKCU\\B]\r\n\"b\"=\"x\r\n[y]\"\r\n\r\n";
     const std::string third = "[HKCU\\C]\n\"c\"=dword:1";
@@ -48,7 +48,7 @@ TEST(RegistryTextFile, CuttingASectionKeepsEveryOtherByte) {
     EXPECT_EQ(cutRegistryText(bytes, text.sections), header);
 }
 
-TEST(RegistryTextFile, CuttingASectionKeepsUtf16AndTheByteOrderMark) {
+TEST(RegistryTextFile, RemovingASectionKeepsUtf16AndTheByteOrderMark) {
     const std::wstring start = L"Windows Registry Editor Version 5.00\r\n";
     const std::wstring end = L"[HKCU\\B]\r\n\"b\"=\"\u00fc\"\r\n";
     const auto bytes = toUtf16File(start + L"[HKCU\\A]\r\n\"a\"=\"1\"\r\n" + end);
@@ -57,7 +57,7 @@ TEST(RegistryTextFile, CuttingASectionKeepsUtf16AndTheByteOrderMark) {
     EXPECT_EQ(cutRegistryText(bytes, std::span(text.sections).first(1)), toUtf16File(start + end));
 }
 
-TEST(RegistryTextFile, CuttingAllKeysBetweenMalformedLinesLeavesNoKey) {
+TEST(RegistryTextFile, RemovingAllKeysBetweenMalformedLinesLeavesNoKey) {
     const auto bytes =
         header + "[X\r\n\"a\"=\"abc\r\n[HKCU\\x]\r\ndef\" rubbish\r\n[X\r\n\";\"=\"x\r\n[HKCU\\y]\r\n\"\r\n";
     EXPECT_THAT(parse(cutRegistryText(bytes, parse(bytes).sections)).sections, IsEmpty());

@@ -24,7 +24,7 @@ TEST(RegistryTextLines, AnExportInUtf16IsRead) {
     EXPECT_EQ(text.sections[0].entries[1].value, makeNumberValue(L"Count", 42));
 }
 
-TEST(RegistryTextLines, InUtf16AByte0AOfAnotherCharacterIsNotALineFeed) {
+TEST(RegistryTextLines, AByte0AInsideAUtf16CharacterIsNotALineFeed) {
     const auto text = parse(toUtf16File(L"Windows Registry Editor Version 5.00\n[HKCU\\K]\n\"a\"=\"\u010a\u0a00\"\n"));
     EXPECT_THAT(text.refusals, IsEmpty());
     ASSERT_THAT(text.sections, SizeIs(1));

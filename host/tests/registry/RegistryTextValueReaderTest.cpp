@@ -7,7 +7,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-TEST(RegistryTextValueReader, InVersion4TextsInHexConsistOfOneByteCharacters) {
+TEST(RegistryTextValueReader, AHexTextOfVersion4ConsistsOfOneByteCharacters) {
     const auto text = parse("REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\K]\r\n\"e\"=hex(2):25,48,25,00\r\n"
                             "\"m\"=hex(7):61,00,62,00,00\r\n\"b\"=hex:61,62\r\n");
     EXPECT_THAT(text.refusals, IsEmpty());

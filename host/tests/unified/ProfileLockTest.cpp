@@ -115,7 +115,7 @@ TEST_F(ProfileLockTest, DifferentPathsOfOneDirectoryShareOneLock) {
     }
 }
 
-TEST_F(ProfileLockTest, FindsTheHolderWithoutTheLockAndChangesNothing) {
+TEST_F(ProfileLockTest, FindProblemReportsTheHolderAndChangesNothing) {
     const auto emptyState = (profile.root() / "other-state").string();
     EXPECT_EQ(ProfileLock::findProblem(config, emptyState), "");
     EXPECT_FALSE(std::filesystem::exists(emptyState));
@@ -129,7 +129,7 @@ TEST_F(ProfileLockTest, FindsTheHolderWithoutTheLockAndChangesNothing) {
     EXPECT_EQ(ProfileLock::findProblem(config, state), "") << "the record of the killed process remains";
 }
 
-TEST_F(ProfileLockTest, DoesNotFindALivingProcessThatOnlyHasTheNumberOfAKilledOne) {
+TEST_F(ProfileLockTest, FindProblemIgnoresAProcessThatReusesTheIdOfAKilledHolder) {
     std::filesystem::path record;
     {
         const ProfileLock lock(config, state);
@@ -139,7 +139,7 @@ TEST_F(ProfileLockTest, DoesNotFindALivingProcessThatOnlyHasTheNumberOfAKilledOn
     EXPECT_EQ(ProfileLock::findProblem(config, state), "");
 }
 
-TEST_F(ProfileLockTest, FindsThatTheDirectoryCannotBeOpened) {
+TEST_F(ProfileLockTest, FindProblemReportsADirectoryThatCannotBeOpened) {
     testing_host::writeFile(profile.root() / "file", "x");
     const auto file = (profile.root() / "file").string();
     EXPECT_THAT(ProfileLock::findProblem(file, state), AllOf(HasSubstr(file), HasSubstr("can't be opened")));
@@ -191,7 +191,7 @@ TEST_F(ProfileLockTest, TheLockWorksWithoutAStateFolderAndCreatesNoFileInTheProf
     EXPECT_FALSE(ProfileLock(config, state).isHeld());
 }
 
-TEST_F(ProfileLockTest, TheNumberOfADeadProcessIsNotReported) {
+TEST_F(ProfileLockTest, TheIdOfADeadProcessIsNotReported) {
     {
         HoldingProcess killed(config, state);
         killed.end(); // leaves its process id in the file
@@ -219,7 +219,7 @@ TEST_F(ProfileLockTest, ReleasingTheLockDropsPendingWritesOfTheProfile) {
     EXPECT_FALSE(std::filesystem::exists(path));
 }
 
-TEST_F(ProfileLockTest, TheFileWithTheHoldersNumberHasMode0600) {
+TEST_F(ProfileLockTest, TheFileWithTheHoldersIdHasMode0600) {
     const ProfileLock lock(config, state);
     int files = 0;
     for (const auto& entry : std::filesystem::directory_iterator(state)) {
@@ -230,7 +230,7 @@ TEST_F(ProfileLockTest, TheFileWithTheHoldersNumberHasMode0600) {
     EXPECT_EQ(files, 1);
 }
 
-TEST_F(ProfileLockTest, AFailedAttemptDoesNotOverwriteTheHoldersNumber) {
+TEST_F(ProfileLockTest, AFailedAttemptDoesNotOverwriteTheHoldersId) {
     const HoldingProcess other(config, state);
     { const ProfileLock refused(config, state); }
     const ProfileLock again(config, state);

@@ -20,7 +20,7 @@ TEST(ServicesDispatcherImpl, OnlyItsThreadHasUpdateAccess) {
     EXPECT_FALSE(dispatcher.checkForUpdateAccess());
 }
 
-TEST(ServicesDispatcherImpl, PostsATaskInOrderOrAhead) {
+TEST(ServicesDispatcherImpl, PostsATaskAtTheEndOrTheFrontOfTheQueue) {
     ServicesDispatcherImpl dispatcher(SerialQueue::Mode::Pumped);
     dispatcher.getQueue().start();
     std::vector<int> order;

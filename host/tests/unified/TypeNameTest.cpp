@@ -13,6 +13,6 @@ TEST(TypeName, IsReadable) {
     EXPECT_EQ(readableTypeName<type_name_test::Holder<int>>(), "type_name_test::Holder<int>");
 }
 
-TEST(TypeName, OfAMissingTypeIsNull) {
+TEST(TypeName, TheNameOfANullTypeIsNull) {
     EXPECT_EQ(readableTypeName(nullptr), "NULL");
 }

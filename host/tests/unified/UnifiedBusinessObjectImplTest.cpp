@@ -265,7 +265,7 @@ TEST_F(UnifiedBusinessObjectImplTest, ACallOnTheDispatchersThreadSucceeds) {
     EXPECT_TRUE(object.changed);
 }
 
-TEST_F(UnifiedBusinessObjectImplTest, WithoutEnforcementAWrongThreadIsOnlyLogged) {
+TEST_F(UnifiedBusinessObjectImplTest, WithoutEnforcementACallOnTheWrongThreadIsOnlyLogged) {
     const LogRecorder log;
     factory->servicesDispatcher->disown();
     EXPECT_NO_THROW(object.warnAboutSomething());
@@ -283,7 +283,7 @@ TEST_F(UnifiedBusinessObjectImplTest, AnUncommittedObjectAcceptsCallsOnAnyThread
     EXPECT_THROW(free.setSomething(), UpdateAccessError);
 }
 
-TEST_F(UnifiedBusinessObjectImplTest, WithoutADispatcherEveryThreadIsWrong) {
+TEST_F(UnifiedBusinessObjectImplTest, WithoutADispatcherACheckedOperationThrowsOnEveryThread) {
     TestObject withoutFactory(nullptr);
     EXPECT_THROW(withoutFactory.setSomething(), UpdateAccessError);
 }

@@ -95,7 +95,7 @@ TEST_F(UnifiedFactoryImplStorageTest, FlushingOnADispatchersThreadRetriesFailedW
     EXPECT_EQ(onDisk(other), "new");
 }
 
-TEST_F(UnifiedFactoryImplStorageTest, StoppingRetriesFailedWritesBeforeAndAfter) {
+TEST_F(UnifiedFactoryImplStorageTest, AStopRetriesFailedWrites) {
     fileFeatureSet();
     factory->StartFeatureSet(id, nullptr);
     failToWrite(path);
@@ -146,7 +146,7 @@ TEST_F(UnifiedFactoryImplStorageTest, DestroyRetriesForTwoSecondsAtMost) {
     EXPECT_EQ(UnifiedFactoryOptions().lastRetries, std::chrono::seconds(2));
 }
 
-TEST_F(UnifiedFactoryImplStorageTest, AResetDropsUserDataBeforeItIsDelivered) {
+TEST_F(UnifiedFactoryImplStorageTest, ADataResetDropsPendingUserDataBeforeCallingTheCallbacks) {
     const std::string never = storage.configFile("never.dat");
     const std::string device = storage.configFile("cachedUrlProvisioningConfigStore.dat");
     failToWrite(never);
@@ -163,7 +163,7 @@ TEST_F(UnifiedFactoryImplStorageTest, AResetDropsUserDataBeforeItIsDelivered) {
     EXPECT_EQ(onDisk(device, DeviceData), "new") << "a reset does not delete it";
 }
 
-TEST_F(UnifiedFactoryImplStorageTest, APowerDownIsDeliveredAfterTheBackgroundHasWritten) {
+TEST_F(UnifiedFactoryImplStorageTest, APowerDownObserverIsCalledAfterTheQueuedWrites) {
     storage.layer->heal();
     testing_host::Signal told;
     std::string before;
@@ -186,7 +186,7 @@ TEST_F(UnifiedFactoryImplStorageTest, APowerDownIsDeliveredAfterTheBackgroundHas
     EXPECT_EQ(before, "queued");
 }
 
-TEST_F(UnifiedFactoryImplStorageTest, ChangesInMemoryEndWithTheFactory) {
+TEST_F(UnifiedFactoryImplStorageTest, DestroyDropsChangesInMemory) {
     storage.layer->heal();
     UnifiedFactoryOptions options;
     options.changesInMemory = true;
@@ -201,7 +201,7 @@ TEST_F(UnifiedFactoryImplStorageTest, ChangesInMemoryEndWithTheFactory) {
     EXPECT_EQ(onDisk(), "new");
 }
 
-TEST_F(UnifiedFactoryImplStorageTest, AProfileOpenedForWritingIsCheckedBeforeThePlugInsEntry) {
+TEST_F(UnifiedFactoryImplStorageTest, AProfileOpenedForWritingIsCheckedBeforeAPlugInIsLoaded) {
     storage.layer->heal();
     const auto damaged = storage.profile.config() / "lumoraLocalConfig_backup.dat";
     for (const bool forWriting : {false, true}) {

@@ -125,7 +125,7 @@ TEST_F(UnifiedFactoryImplTest, ABackgroundTaskMayStartAFeatureSet) {
     EXPECT_TRUE(featureSet->IsFeatureSetStarted(id));
 }
 
-TEST_F(UnifiedFactoryImplTest, ABackgroundTaskMayWaitForTheServicesThreadThatWaitsForIt) {
+TEST_F(UnifiedFactoryImplTest, ABackgroundTaskMayWaitForAServicesThreadThatWaitsForTheBackground) {
     fileFeatureSet();
     Signal starting;
     factory->getBackgroundDispatcher()->enqueue(

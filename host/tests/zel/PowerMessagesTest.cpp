@@ -29,21 +29,21 @@ protected:
     std::thread releasing;
 };
 
-TEST_F(PowerMessagesTest, SuspendAndResumeArePassed) {
+TEST_F(PowerMessagesTest, SuspendAndResumeArePassedToTheReceiver) {
     EXPECT_EQ(messages.handle(WM_POWERBROADCAST, PBT_APMSUSPEND), TRUE);
     EXPECT_EQ(messages.handle(WM_POWERBROADCAST, PBT_APMRESUMEAUTOMATIC), TRUE);
     EXPECT_THAT(events, ElementsAre(Suspend, Resume));
     EXPECT_EQ(kept, nullptr);
 }
 
-TEST_F(PowerMessagesTest, OtherPowerMessagesAreAnsweredOnly) {
+TEST_F(PowerMessagesTest, OtherPowerMessagesAreAnsweredButNotPassed) {
     EXPECT_EQ(messages.handle(WM_POWERBROADCAST, PBT_APMPOWERSTATUSCHANGE), TRUE);
     EXPECT_EQ(messages.handle(WM_QUERYENDSESSION, 0), TRUE);
     EXPECT_EQ(messages.handle(WM_NULL, 0), std::nullopt);
     EXPECT_THAT(events, IsEmpty());
 }
 
-TEST_F(PowerMessagesTest, TheEndOfTheSessionIsAnsweredAfterTheHoldWasReleased) {
+TEST_F(PowerMessagesTest, TheEndOfTheSessionIsAnsweredAfterTheHoldIsReleased) {
     EXPECT_EQ(messages.handle(WM_ENDSESSION, TRUE), 0);
     EXPECT_THAT(events, ElementsAre(PowerDown));
     releasing.join();

@@ -22,7 +22,7 @@ TEST(Resources, AreFoundByTypeAndName) {
     EXPECT_EQ(Resources::find("TEXT", "B"), "second");
 }
 
-TEST(Resources, AnotherTypeNameOrCaseFindsNothing) {
+TEST(Resources, AreNotFoundByAnotherTypeNameOrCase) {
     const CarriedResources library(first);
     EXPECT_EQ(Resources::find("TEXT", "B"), std::nullopt);
     EXPECT_EQ(Resources::find("SOUND", "A"), std::nullopt);

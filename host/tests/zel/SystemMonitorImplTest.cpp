@@ -110,7 +110,7 @@ TEST_F(SystemMonitorImplTest, AnObserverThatThrowsIsLoggedAndTheNextOneIsCalled)
                 ElementsAre("A power event observer failed: no space left", "A power event observer failed."));
 }
 
-TEST_F(SystemMonitorImplTest, TheMachineIsInhibitedUntilTheLastObserverReturns) {
+TEST_F(SystemMonitorImplTest, TheInhibitorIsHeldUntilTheLastObserverReturns) {
     std::weak_ptr<const void> hold;
     bool held = false;
     const auto first = addObserver();
@@ -122,7 +122,7 @@ TEST_F(SystemMonitorImplTest, TheMachineIsInhibitedUntilTheLastObserverReturns) 
     EXPECT_TRUE(hold.expired());
 }
 
-TEST_F(SystemMonitorImplTest, ADispatcherCallsTheObserversAndInhibitsTheMachineMeanwhile) {
+TEST_F(SystemMonitorImplTest, TheInhibitorIsHeldWhileADispatcherCallsTheObservers) {
     const auto dispatcher = std::make_shared<HeldServicesDispatcher>();
     monitor->attach(dispatcher);
     bool held = false;
@@ -161,7 +161,7 @@ TEST_F(SystemMonitorImplTest, ObserversAreCalledAfterAFailedPreparation) {
     EXPECT_THAT(log.getTexts(ZelLogLevel::Error), ElementsAre("Preparing the power-down failed: no"));
 }
 
-TEST_F(SystemMonitorImplTest, AnEndedDispatcherDoesNotInhibitTheMachine) {
+TEST_F(SystemMonitorImplTest, AnEndedDispatcherDoesNotHoldTheInhibitor) {
     using ZelUnified::Processing::SerialQueue;
     const auto dispatcher =
         std::make_shared<ZelUnified::Processing::ServicesDispatcherImpl>(SerialQueue::Mode::OwnThread);
@@ -212,7 +212,7 @@ TEST_F(SystemMonitorImplTest, AttachingADispatcherOpensTheSourceForRemainingObse
     EXPECT_EQ(openSources, 0);
 }
 
-TEST_F(SystemMonitorImplTest, WithoutASourceNoObserverIsCalledAndNothingFails) {
+TEST_F(SystemMonitorImplTest, WithoutASourceNoObserverIsCalled) {
     const auto silent = std::make_shared<SystemMonitorImpl>([](const PowerEventReceiver&) { return nullptr; });
     const auto observer = std::make_shared<RecordingPowerObserver>();
     silent->addPowerEventObserver(observer);

@@ -37,7 +37,8 @@ inline constexpr int atEnd = 99;
 struct KeyRow {
     std::wstring_view name;                      ///< In the spelling that is shown and written; the new name.
     std::wstring_view oldName{};                 ///< Empty if the key was never renamed.
-    int sensitive = 0;                           ///< The place in `sensitiveKeys`; 0 if the key is not sensitive.
+    int sensitive = 0;                           ///< The place in `sensitiveKeys`; 0 if the key is not in it.
+    bool markedByService = false;                ///< The service that reads the key marks it as sensitive.
     int provisioning = 0;                        ///< The place in `provisioningKeys`; 0 if a URL cannot set the key.
     KeyKind kind = KeyKind::Text;                ///< The values that the key may have.
     std::span<const std::wstring_view> values{}; ///< The values of an enumeration.
@@ -45,7 +46,7 @@ struct KeyRow {
     std::string_view meaning{};                  ///< One sentence.
     std::string_view use{}; ///< What reads or derives the key; empty if only other services use it.
 
-    constexpr bool isSensitive() const noexcept { return sensitive != 0; }
+    constexpr bool isSensitive() const noexcept { return sensitive != 0 || markedByService; }
     constexpr bool isRenamed() const noexcept { return !oldName.empty(); }
     constexpr bool isProvisionable() const noexcept { return provisioning != 0; }
 };
@@ -102,8 +103,9 @@ consteval auto listByPlace() {
     return rows;
 }
 
-/// The keys that are marked as sensitive at the start, in this order. Others are marked at run time, so ask
-/// ConfigFeatureSet::isKeySensitive() before you show a value.
+/// The keys that are marked as sensitive at the start, in this order. Others are marked at run time, by the service
+/// that reads them (`KeyRow::markedByService`) or because a document says so, so ask ConfigFeatureSet::isKeySensitive()
+/// before you show a value.
 inline constexpr auto sensitiveKeys = listByPlace<&KeyRow::sensitive>();
 /// The keys that a provisioning URL may set.
 inline constexpr auto provisioningKeys = listByPlace<&KeyRow::provisioning>();

@@ -23,7 +23,7 @@ public:
     virtual std::shared_ptr<ConfigValue> findRecord(const std::wstring& key) = 0;
     /// Returns up to `count` records in key order, beginning after `key`; an empty key begins with the first record.
     /// Fewer than `count` records mean that there are no more.
-    virtual std::vector<std::shared_ptr<ConfigValue>> getRecordsBehind(const std::wstring& key, std::size_t count) = 0;
+    virtual std::vector<std::shared_ptr<ConfigValue>> getRecordsAfter(const std::wstring& key, std::size_t count) = 0;
     /// Calls the observer for each change of any record until it is removed. The service holds a weak reference.
     virtual void addRecordObserver(std::weak_ptr<ConfigRecordObserver> observer) = 0;
     virtual void removeRecordObserver(std::weak_ptr<ConfigRecordObserver> observer) = 0;

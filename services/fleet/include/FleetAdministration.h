@@ -2,6 +2,7 @@
 
 #include <ConfigMap.h>
 #include <FleetServiceExport.h>
+#include <WipedText.h>
 
 #include <functional>
 #include <memory>
@@ -15,9 +16,9 @@ struct FleetAccess {
     std::vector<std::string> endpoints; ///< "https://HOST:PORT", without a path.
     std::string authority;              ///< A file in PEM; empty for the authorities of the system.
     std::string clientCertificate;      ///< A file in PEM, like the key; both empty for none.
-    std::string clientKey;
-    std::string username; ///< Empty for a cluster without authentication.
-    std::string password;
+    std::string clientKey;              ///< Without a passphrase.
+    std::string username;               ///< Empty for a cluster without authentication.
+    WipedText password;
     bool plainHttpAllowed = false; ///< Also accepts "http://HOST:PORT".
 
     bool operator==(const FleetAccess&) const = default;

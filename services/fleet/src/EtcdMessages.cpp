@@ -23,6 +23,27 @@ std::string toText(const Json& message) {
     return message.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
+/// In characters: that of a control character.
+constexpr std::size_t longestEscape = 6;
+
+/// Appends the text as JSON writes it in a string. The library would leave copies of a password behind.
+void appendEscaped(std::string& json, std::string_view text) {
+    constexpr std::string_view digits = "0123456789abcdef";
+    for (const char character : text) {
+        const auto code = static_cast<unsigned char>(character);
+        if (code < ' ') {
+            json += "\\u00";
+            json += digits[code / 16];
+            json += digits[code % 16];
+        } else {
+            if (character == '"' || character == '\\') {
+                json += '\\';
+            }
+            json += character;
+        }
+    }
+}
+
 /// The gateway writes numbers of 64 bits as strings, and leaves out those that are zero.
 std::int64_t toNumber(const Json& object, const char* field) {
     const auto text = object.value(field, std::string("0"));
@@ -127,8 +148,22 @@ bool isAboutToken(int status) {
     return status == 400 || status == 401 || status == 403;
 }
 
-std::string makeAuthenticate(const std::string& username, const std::string& password) {
-    return toText({{"name", username}, {"password", password}});
+bool isAboutToken(const std::string& reason) {
+    return reason.find("auth token") != std::string::npos || reason.find("auth store") != std::string::npos ||
+           reason.find("auth: revision") != std::string::npos;
+}
+
+ZelUnified::WipedText makeAuthenticate(const std::string& username, const ZelUnified::WipedText& password) {
+    constexpr std::string_view form = R"({"name":"","password":""})";
+    std::string text;
+    // Without growing, which would leave copies behind.
+    text.reserve(form.size() + longestEscape * (username.size() + password.get().size()));
+    text += R"({"name":")";
+    appendEscaped(text, username);
+    text += R"(","password":")";
+    appendEscaped(text, password.get());
+    text += R"("})";
+    return text;
 }
 
 std::string makeSnapshot(const std::vector<FleetScope>& scopes, std::size_t limit) {

@@ -2,6 +2,8 @@
 
 #include "FleetScope.h"
 
+#include <WipedText.h>
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -49,8 +51,11 @@ struct WatchReply {
 std::vector<std::string> makeHeaders(const std::string& token);
 /// Returns true if another token may help: one that has expired, or whose user's rights have changed.
 bool isAboutToken(int status);
+/// The same for the reason of the end of a watch.
+bool isAboutToken(const std::string& reason);
 
-std::string makeAuthenticate(const std::string& username, const std::string& password);
+/// Leaves no copy of the password in freed memory.
+ZelUnified::WipedText makeAuthenticate(const std::string& username, const ZelUnified::WipedText& password);
 /// Reads all scopes in one transaction, so at one revision, and at most `limit` pairs of each; 0 for all pairs.
 std::string makeSnapshot(const std::vector<FleetScope>& scopes, std::size_t limit);
 /// Watches each scope from this revision; the numbers of the watches are 1, 2 and so on.

@@ -67,7 +67,7 @@ std::vector<etcd::Pair> EtcdSession::list(const std::vector<FleetScope>& scopes)
     return std::move(snapshot->pairs);
 }
 
-std::string EtcdSession::request(const char* path, const std::string& body, Repetition repetition) {
+std::string EtcdSession::request(const char* path, const ZelUnified::WipedText& body, Repetition repetition) {
     HttpResult result;
     for (std::size_t membersDown = 0; membersDown < access.endpoints.size(); ++membersDown) {
         result = requestFromMember(path, body);
@@ -85,7 +85,7 @@ std::string EtcdSession::request(const char* path, const std::string& body, Repe
     throw EtcdError(describe(result));
 }
 
-HttpResult EtcdSession::requestFromMember(const char* path, const std::string& body) {
+HttpResult EtcdSession::requestFromMember(const char* path, const ZelUnified::WipedText& body) {
     if (!token.empty()) {
         auto result = send(path, body);
         if (!etcd::isAboutToken(result.status)) {
@@ -115,7 +115,7 @@ HttpResult EtcdSession::authenticate() {
     return result;
 }
 
-HttpResult EtcdSession::send(const char* path, const std::string& body) {
+HttpResult EtcdSession::send(const char* path, const ZelUnified::WipedText& body) {
     HttpRequest sent{access.endpoints[endpoint] + path, etcd::makeHeaders(token), body, answerTime};
     std::promise<HttpResult> promise;
     auto answer = promise.get_future();

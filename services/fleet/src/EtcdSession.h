@@ -38,10 +38,10 @@ private:
     /// Whether a second request has the same answer as one whose answer was lost.
     enum class Repetition { Harmless, Misleading };
 
-    std::string request(const char* path, const std::string& body, Repetition repetition);
+    std::string request(const char* path, const ZelUnified::WipedText& body, Repetition repetition);
     /// Authenticates first if that is necessary.
-    HttpResult requestFromMember(const char* path, const std::string& body);
-    HttpResult send(const char* path, const std::string& body);
+    HttpResult requestFromMember(const char* path, const ZelUnified::WipedText& body);
+    HttpResult send(const char* path, const ZelUnified::WipedText& body);
     /// Throws if the cluster refuses the user.
     HttpResult authenticate();
 

@@ -10,8 +10,9 @@ namespace fleet {
 /// A watch with a thread of its own.
 class FleetFollower {
 public:
-    FleetFollower(FleetSettings settings, FleetTimes times, FleetWatch::Listener listener)
-        : watch(thread, std::move(settings), times, std::move(listener)) {
+    FleetFollower(FleetSettings settings, FleetTimes times, FleetWatch::Listener listener,
+                  FleetWatch::Ticker ticker = {})
+        : watch(thread, std::move(settings), times, std::move(listener), std::move(ticker)) {
         watch.start();
     }
     /// Ends the thread without waiting for the cluster. The listener is not called afterwards. The listener must not

@@ -3,8 +3,10 @@
 #include <kyr/FunctionTask.h>
 #include <zel/ZelLog.h>
 
+#include <ConfigKeys.h>
 #include <ConfigServiceIds.h>
 
+#include <exception>
 #include <utility>
 
 namespace fleet {
@@ -15,8 +17,9 @@ ZelLogger& serviceLogger = ZelLogger_getLogger("Fleet-Service");
 
 } // namespace
 
-FleetServiceImpl::FleetServiceImpl(std::shared_ptr<ZelUnified::UnifiedFactory> hostFactory, FleetTimes watchTimes)
-    : factory(std::move(hostFactory)), times(watchTimes) {}
+FleetServiceImpl::FleetServiceImpl(std::shared_ptr<ZelUnified::UnifiedFactory> hostFactory, FleetTimes watchTimes,
+                                   std::shared_ptr<zel::registry::Registry> administratorsRegistry)
+    : factory(std::move(hostFactory)), times(watchTimes), administratorValues(std::move(administratorsRegistry)) {}
 
 bool FleetServiceImpl::isFollowing() {
     const KyrCoreUtils::LockGuard lock(mutex);
@@ -36,7 +39,9 @@ void FleetServiceImpl::StartFeatureSet(unsigned int /*id*/, std::shared_ptr<ZelU
         const KyrCoreUtils::LockGuard lock(mutex);
         started = true;
     }
-    FleetSettings::markSensitiveKeys(*configuration);
+    for (const auto key : FleetSettings::credentialKeys) {
+        configuration->setKeySensitive(std::wstring(key));
+    }
     configuration->registerConfigStoreAddedObserver(shared_from_this());
     review();
 }
@@ -54,16 +59,24 @@ void FleetServiceImpl::stop() {
         configuration->unregisterConfigStoreAddedObserver(shared_from_this());
         configuration.reset();
     }
-    settings = {};
-    store.reset();
-    std::unique_ptr<FleetFollower> stopped; // ended without the lock
     {
         const KyrCoreUtils::LockGuard lock(mutex);
         started = false;
-        follower.swap(stopped);
     }
-    stopped.reset();
+    endWatch();
+}
+
+bool FleetServiceImpl::endWatch() {
+    std::unique_ptr<FleetFollower> ended; // without the lock
+    {
+        const KyrCoreUtils::LockGuard lock(mutex);
+        follower.swap(ended);
+    }
+    const bool wasFollowing = ended != nullptr;
+    ended.reset();
     mailbox.extract();
+    settings = {};
+    return wasFollowing;
 }
 
 bool FleetServiceImpl::IsFeatureSetStarted(unsigned int /*id*/) {
@@ -96,43 +109,62 @@ void FleetServiceImpl::review() {
     if (!configuration || !factory->IsFeatureSetStarted(ZelUnified::configServiceId)) {
         return;
     }
-    const auto current = FleetSettings::read(*configuration);
-    if (current != settings) {
-        follow(current);
+    try {
+        const auto current = readSettings();
+        reportProblems(current.problems);
+        const bool isToBeRemoved = store != nullptr && current.access.endpoints.empty();
+        if (current != settings || isToBeRemoved) {
+            follow(current);
+        }
+        addStoreIfMissing();
+    } catch (const std::exception& failure) {
+        ZelLog(serviceLogger, ZelLogLevel::Error, ZEL_HERE,
+               std::string("The fleet's settings cannot be followed: ") + failure.what());
     }
-    addStoreIfMissing();
+}
+
+FleetSettings FleetServiceImpl::readSettings() {
+    administratorValues.update(*configuration);
+    auto current = FleetSettings::read(administratorValues);
+    username.update(*configuration, ZelUnified::ConfigKeys::fleetConnectionUsername);
+    password.update(*configuration, ZelUnified::ConfigKeys::fleetConnectionPassword);
+    current.access.username = username.get().get();
+    current.access.password = password.get();
+    return current;
+}
+
+void FleetServiceImpl::reportProblems(const std::vector<std::string>& problems) {
+    if (problems == reportedProblems) {
+        return;
+    }
+    reportedProblems = problems;
+    for (const auto& problem : problems) {
+        ZelLog(serviceLogger, ZelLogLevel::Error, ZEL_HERE, problem);
+    }
 }
 
 void FleetServiceImpl::follow(const FleetSettings& current) {
-    if (current.problems != settings.problems) {
-        for (const auto& problem : current.problems) {
-            ZelLog(serviceLogger, ZelLogLevel::Error, ZEL_HERE, problem);
-        }
-    }
-    settings = current;
-    const bool isConfigured = !settings.access.endpoints.empty();
-    std::unique_ptr<FleetFollower> replaced; // ended without the lock
-    {
-        const KyrCoreUtils::LockGuard lock(mutex);
-        follower.swap(replaced);
-    }
-    const bool wasFollowing = replaced != nullptr;
-    replaced.reset();
-    mailbox.extract();
-    if (!isConfigured) {
-        store.reset();
-        if (wasFollowing) {
+    const bool wasFollowing = endWatch();
+    if (current.access.endpoints.empty()) {
+        if (std::exchange(store, nullptr) != nullptr || wasFollowing) {
             ZelLog(serviceLogger, ZelLogLevel::Info, ZEL_HERE, "No endpoint is configured any more");
             configuration->removeConfigStore(storeName);
         }
+        settings = current;
         return;
     }
     ZelLog(serviceLogger, ZelLogLevel::Info, ZEL_HERE,
-           "Following a cluster with " + std::to_string(settings.access.endpoints.size()) + " endpoint(s)");
-    auto made = std::make_unique<FleetFollower>(settings, times,
-                                                [this](ZelUnified::ConfigMap values) { receive(std::move(values)); });
+           "Following a cluster with " + std::to_string(current.access.endpoints.size()) + " endpoint(s)");
+    auto made = makeFollower(current);
+    settings = current; // not before the watch exists: without one, the next review tries again
     const KyrCoreUtils::LockGuard lock(mutex);
     follower = std::move(made);
+}
+
+std::unique_ptr<FleetFollower> FleetServiceImpl::makeFollower(const FleetSettings& current) {
+    return std::make_unique<FleetFollower>(
+        current, times, [this](ZelUnified::ConfigMap values) { receive(std::move(values)); },
+        [this] { post("Fleet: update", &FleetServiceImpl::update); });
 }
 
 void FleetServiceImpl::receive(ZelUnified::ConfigMap values) {
@@ -142,12 +174,14 @@ void FleetServiceImpl::receive(ZelUnified::ConfigMap values) {
 }
 
 void FleetServiceImpl::update() {
-    // Settings that arrive while the configuration is stopped are kept: the review after its start adds them.
+    // Settings that arrive while the configuration is stopped are kept, and added after its start.
     auto values = mailbox.extract();
-    if (!values || !configuration || (store && store->equals(settings.priority, *values))) {
+    if (!configuration) {
         return;
     }
-    store = std::make_shared<FleetConfigStore>(settings.priority, std::move(*values));
+    if (values && !(store && store->equals(settings.priority, *values))) {
+        store = std::make_shared<FleetConfigStore>(settings.priority, std::move(*values));
+    }
     addStoreIfMissing();
 }
 

@@ -6,39 +6,36 @@
 #include <kyr/StringUtils.h>
 
 #include <algorithm>
+#include <iterator>
+#include <span>
 
 namespace fleet {
 
-namespace FleetKeys = ZelUnified::FleetKeys;
+namespace ConfigKeys = ZelUnified::ConfigKeys;
 
 namespace {
 
-enum class Stores { Administrators, All };
-
-std::wstring readWide(ZelUnified::ConfigFeatureSet& configuration, std::wstring_view key, Stores stores) {
-    std::wstring value;
-    configuration.getConfig(std::wstring(key), value, stores == Stores::Administrators);
-    return KyrCoreUtils::trim(value);
+bool containsKey(std::span<const std::wstring_view> keys, std::wstring_view key) {
+    return std::ranges::any_of(
+        keys, [&](std::wstring_view own) { return KyrCoreUtils::caseInsensitiveStringEquals(own, key); });
 }
 
-std::string read(ZelUnified::ConfigFeatureSet& configuration, std::wstring_view key,
-                 Stores stores = Stores::Administrators) {
-    return KyrCoreUtils::toString(readWide(configuration, key, stores));
+std::string read(const AdministratorValues& values, std::wstring_view key) {
+    return KyrCoreUtils::trim(KyrCoreUtils::toString(values.get(key)));
 }
 
-std::vector<std::string> readList(ZelUnified::ConfigFeatureSet& configuration, std::wstring_view key) {
+std::vector<std::string> readList(const AdministratorValues& values, std::wstring_view key) {
     std::vector<std::string> parts;
-    KyrCoreUtils::split(read(configuration, key), parts, ",");
+    KyrCoreUtils::split(read(values, key), parts, ",");
     std::ranges::transform(parts, parts.begin(), [](const auto& part) { return KyrCoreUtils::trim(part); });
     std::erase(parts, "");
     return parts;
 }
 
-ClusterAccess readAccess(ZelUnified::ConfigFeatureSet& configuration, std::vector<std::string>& problems) {
+ClusterAccess readAccess(const AdministratorValues& values, std::vector<std::string>& problems) {
     ClusterAccess access;
-    access.plainHttpAllowed =
-        KyrCoreUtils::toBool(readWide(configuration, FleetKeys::plainHttpAllowed, Stores::Administrators));
-    access.endpoints = readList(configuration, FleetKeys::endpoints);
+    access.plainHttpAllowed = KyrCoreUtils::toBool(values.get(ConfigKeys::fleetPlainHttpAllowed));
+    access.endpoints = readList(values, ConfigKeys::fleetEndpoints);
     std::erase_if(access.endpoints, [&](const std::string& endpoint) {
         const auto reason = findEndpointProblem(access, endpoint);
         if (!reason.empty()) {
@@ -46,11 +43,9 @@ ClusterAccess readAccess(ZelUnified::ConfigFeatureSet& configuration, std::vecto
         }
         return !reason.empty();
     });
-    access.authority = read(configuration, FleetKeys::authority);
-    access.clientCertificate = read(configuration, FleetKeys::clientCertificate);
-    access.clientKey = read(configuration, FleetKeys::clientKey);
-    access.username = read(configuration, FleetKeys::username, Stores::All);
-    access.password = read(configuration, FleetKeys::password, Stores::All);
+    access.authority = read(values, ConfigKeys::fleetCertificateAuthority);
+    access.clientCertificate = read(values, ConfigKeys::fleetClientCertificate);
+    access.clientKey = read(values, ConfigKeys::fleetClientKey);
     return access;
 }
 
@@ -62,15 +57,23 @@ bool isUsableName(const std::string& name, std::vector<std::string>& problems) {
     return false;
 }
 
-std::vector<FleetScope> readScopes(ZelUnified::ConfigFeatureSet& configuration, std::vector<std::string>& problems) {
-    std::vector<FleetScope> scopes{FleetScope::ofAll()};
-    const auto groups = readList(configuration, FleetKeys::groups);
-    for (auto group = groups.rbegin(); group != groups.rend(); ++group) {
-        if (isUsableName(*group, problems)) {
-            scopes.push_back(FleetScope::ofGroup(*group));
-        }
+/// Returns the groups in the order of the list, which is that of their precedence.
+std::vector<std::string> readGroups(const AdministratorValues& values, std::vector<std::string>& problems) {
+    auto groups = readList(values, ConfigKeys::fleetGroups);
+    std::erase_if(groups, [&](const std::string& group) { return !isUsableName(group, problems); });
+    if (groups.size() > FleetSettings::maxGroups) {
+        problems.push_back("The client has " + std::to_string(groups.size()) + " groups; only the first " +
+                           std::to_string(FleetSettings::maxGroups) + " are used");
+        groups.resize(FleetSettings::maxGroups);
     }
-    auto user = read(configuration, FleetKeys::user);
+    return groups;
+}
+
+std::vector<FleetScope> readScopes(const AdministratorValues& values, std::vector<std::string>& problems) {
+    std::vector<FleetScope> scopes{FleetScope::ofAll()};
+    const auto groups = readGroups(values, problems);
+    std::transform(groups.rbegin(), groups.rend(), std::back_inserter(scopes), FleetScope::ofGroup);
+    auto user = read(values, ConfigKeys::fleetUser);
     if (user.empty()) {
         user = KyrCoreUtils::ProcessUtils::getUserName();
     }
@@ -82,27 +85,23 @@ std::vector<FleetScope> readScopes(ZelUnified::ConfigFeatureSet& configuration, 
 
 } // namespace
 
-FleetSettings FleetSettings::read(ZelUnified::ConfigFeatureSet& configuration) {
+FleetSettings FleetSettings::read(const AdministratorValues& values) {
     FleetSettings settings;
-    settings.access = readAccess(configuration, settings.problems);
+    settings.access = readAccess(values, settings.problems);
     if (settings.access.endpoints.empty()) {
         return settings;
     }
-    settings.scopes = readScopes(configuration, settings.problems);
-    settings.priority =
-        KyrCoreUtils::toInt(readWide(configuration, FleetKeys::priority, Stores::Administrators), defaultPriority);
+    settings.scopes = readScopes(values, settings.problems);
+    settings.priority = KyrCoreUtils::toInt(values.get(ConfigKeys::fleetPriority), defaultPriority);
     return settings;
 }
 
-bool FleetSettings::isOwnKey(const std::wstring& key) {
-    return std::ranges::any_of(
-        ownKeys, [&](std::wstring_view own) { return KyrCoreUtils::caseInsensitiveStringEquals(own, key); });
+bool FleetSettings::isAdministratorsKey(std::wstring_view key) {
+    return containsKey(administratorsKeys, key);
 }
 
-void FleetSettings::markSensitiveKeys(ZelUnified::ConfigFeatureSet& configuration) {
-    for (const auto key : FleetKeys::sensitiveKeys) {
-        configuration.setKeySensitive(std::wstring(key));
-    }
+bool FleetSettings::isOwnKey(std::wstring_view key) {
+    return isAdministratorsKey(key) || containsKey(credentialKeys, key);
 }
 
 } // namespace fleet

@@ -7,6 +7,8 @@
 #include <kyr/XmlNames.h>
 #include <zel/ZelLog.h>
 
+#include <ConfigKeys.h>
+
 #include <algorithm>
 #include <utility>
 
@@ -27,6 +29,21 @@ bool isUtf8(const std::string& text) {
     return toString(toWideString(text)) == text;
 }
 
+/// Returns "" if a cluster may set the key, otherwise the reason.
+std::string whyKeyProtected(const std::wstring& key) {
+    namespace ConfigKeys = ZelUnified::ConfigKeys;
+    if (FleetSettings::isOwnKey(key)) {
+        return "the key configures the fleet service itself";
+    }
+    if (KyrCoreUtils::caseInsensitiveStringEquals(key, ConfigKeys::certificateValidationEnabled)) {
+        return "no cluster may change whether certificates are validated";
+    }
+    // The client would add the value to its own record, and read cached copies that are none.
+    return KyrCoreUtils::caseInsensitiveStringEquals(key, ConfigKeys::primaryConfigStores)
+               ? "the client itself writes this record"
+               : "";
+}
+
 /// Returns "" if the configuration can hold the key, otherwise the reason.
 std::string whyKeyRefused(const std::string& key) {
     if (key.size() > FleetTable::maxKeyBytes) {
@@ -43,7 +60,7 @@ std::string whyKeyRefused(const std::string& key) {
     if (!KyrCoreUtils::isXmlName(toWideString(key)) || key.find(':') != std::string::npos) {
         return "the key is not an XML name";
     }
-    return FleetSettings::isOwnKey(toWideString(key)) ? "the key configures the fleet service itself" : "";
+    return whyKeyProtected(toWideString(key));
 }
 
 std::string whyValueRefused(const std::string& value) {
@@ -89,9 +106,11 @@ void FleetTable::apply(const etcd::Pair& pair) {
         reportSkipped(pair, reason);
         return;
     }
+    // As the cached copy does, so that a restart changes nothing.
+    const auto value = KyrCoreUtils::trim(pair.value);
     ++keyCount;
-    byteCount += key.size() + pair.value.size();
-    layer.emplace(key, pair.value);
+    byteCount += key.size() + value.size();
+    layer.emplace(key, value);
     overfull = keyCount > maxKeys || byteCount > maxBytes;
 }
 

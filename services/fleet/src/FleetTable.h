@@ -27,8 +27,8 @@ public:
     static std::string findPairProblem(const std::string& key, const std::string& value);
 
     void clear();
-    /// Inserts, overwrites or erases the pair. Ignores a key of another scope. A pair that the configuration cannot
-    /// hold is absent from then on; the first time, a log line names its key.
+    /// Inserts, overwrites or erases the pair; removes blanks around its value. Ignores a key of another scope. A pair
+    /// that the configuration cannot hold is absent from then on; the first time, a log line names its key.
     void apply(const etcd::Pair& pair);
     /// Returns true if there were more keys or bytes than the limits allow at any time since the last clear(). The
     /// table lacks pairs then, so its settings are incomplete even after deletions.

@@ -16,11 +16,12 @@ ZelLogger& watchLogger = ZelLogger_getLogger("Fleet-Watch");
 } // namespace
 
 FleetWatch::FleetWatch(HttpThread& httpThread, FleetSettings clientSettings, FleetTimes clientTimes,
-                       Listener settingsListener)
+                       Listener settingsListener, Ticker regularTicker)
     : thread(httpThread),
       settings(std::move(clientSettings)),
       times(clientTimes),
       listener(std::move(settingsListener)),
+      ticker(std::move(regularTicker)),
       table(settings.scopes),
       random(std::random_device()()),
       // Clients share the members evenly.
@@ -36,6 +37,7 @@ void FleetWatch::connect() {
     if (settings.access.endpoints.empty()) {
         return;
     }
+    tick();
     if (!settings.access.username.empty() && token.empty()) {
         authenticate();
     } else {
@@ -43,7 +45,7 @@ void FleetWatch::connect() {
     }
 }
 
-std::unique_ptr<HttpTransfer> FleetWatch::send(const char* path, std::string body, TimeLimits limits,
+std::unique_ptr<HttpTransfer> FleetWatch::send(const char* path, ZelUnified::WipedText body, TimeLimits limits,
                                                HttpHandler handler) {
     HttpHandler guarded;
     if (handler.onData) {
@@ -140,8 +142,10 @@ void FleetWatch::receiveEvents(std::string_view data) {
 
 void FleetWatch::receive(const etcd::WatchReply& reply) {
     if (reply.canceled) {
-        // The reason may be a token that has expired.
-        dropToken();
+        if (etcd::isAboutToken(reply.reason) && renewToken()) {
+            return;
+        }
+        token.clear(); // a reason without words may be about it too
         fail("it has ended the watch: " + toLoggedText(reply.reason));
         return;
     }
@@ -176,6 +180,12 @@ void FleetWatch::publish() {
     listener(table.merge());
 }
 
+void FleetWatch::tick() const {
+    if (ticker) {
+        ticker();
+    }
+}
+
 void FleetWatch::planProbe() {
     probeTimer = thread.callAfter(withJitter(times.probe), [this] { attempt([this] { probe(); }); });
 }
@@ -184,19 +194,21 @@ void FleetWatch::probe() {
     // A stopped member, or a cut network, leaves the connection of the watch open and silent.
     probeRequest = send(etcd::rangePath, etcd::makeProbe(settings.scopes.front()), {.total = times.answer},
                         {nullptr, [this](const HttpResult& result) {
+                             tick();
                              if (!result.isSuccess()) {
                                  failFor(result);
                                  return;
                              }
                              failures = 0;
+                             renewed = false;
                              probeRequest.reset();
                              planProbe();
                          }});
 }
 
 void FleetWatch::failFor(const HttpResult& result) {
-    if (etcd::isAboutToken(result.status)) {
-        dropToken();
+    if (etcd::isAboutToken(result.status) && renewToken()) {
+        return;
     }
     if (!result.error.empty()) {
         fail(result.error);
@@ -207,6 +219,16 @@ void FleetWatch::failFor(const HttpResult& result) {
         reason = result.status == 200 ? "it has ended the answer" : "it does not explain itself";
     }
     fail("status " + std::to_string(result.status) + ", " + toLoggedText(reason));
+}
+
+/// Connects again at once with a new token, without a log line: the end of a token is no outage. Returns false if the
+/// token was not the reason: there was none, or a new one has been refused as well. Drops the token in any case.
+bool FleetWatch::renewToken() {
+    if (std::exchange(token, {}).empty() || std::exchange(renewed, true)) {
+        return false;
+    }
+    restart(std::chrono::milliseconds(0));
+    return true;
 }
 
 void FleetWatch::rejectAnswer(const HttpResult& result) {
@@ -223,16 +245,20 @@ void FleetWatch::fail(const std::string& reason) {
 }
 
 void FleetWatch::failAndRetry(const std::string& reason, std::chrono::milliseconds delay) {
-    const bool isPublicationDue = publicationTimer != 0 && !table.isOverfull();
-    cancelTimers();
-    request.reset();
-    probeRequest.reset();
     if (!std::exchange(reported, true)) {
         ZelLog(watchLogger, ZelLogLevel::Warning, ZEL_HERE,
                "The cluster cannot be followed, and its last settings stay in force: " + reason);
     }
     endpoint = (endpoint + 1) % settings.access.endpoints.size();
-    retryTimer = thread.callAfter(withJitter(delay), [this] { attempt([this] { connect(); }); });
+    restart(withJitter(delay));
+}
+
+void FleetWatch::restart(std::chrono::milliseconds delay) {
+    const bool isPublicationDue = publicationTimer != 0 && !table.isOverfull();
+    cancelTimers();
+    request.reset();
+    probeRequest.reset();
+    retryTimer = thread.callAfter(delay, [this] { attempt([this] { connect(); }); });
     if (isPublicationDue) {
         publish();
     }

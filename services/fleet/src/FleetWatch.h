@@ -38,7 +38,12 @@ public:
     /// Receives the settings, on the HttpThread's thread: after the first read and after each change.
     using Listener = std::function<void(ZelUnified::ConfigMap settings)>;
 
-    FleetWatch(HttpThread& httpThread, FleetSettings clientSettings, FleetTimes clientTimes, Listener settingsListener);
+    /// Called on the HttpThread's thread before each attempt to connect and after each probe: regularly, whether or not
+    /// the cluster answers.
+    using Ticker = std::function<void()>;
+
+    FleetWatch(HttpThread& httpThread, FleetSettings clientSettings, FleetTimes clientTimes, Listener settingsListener,
+               Ticker regularTicker = {});
     ~FleetWatch();
     FleetWatch(const FleetWatch&) = delete;
     FleetWatch& operator=(const FleetWatch&) = delete;
@@ -78,21 +83,27 @@ private:
     void fail(const std::string& reason);
     void failAndRetry(const std::string& reason, std::chrono::milliseconds delay);
     void failOverfull();
+    /// Drops the requests and connects after this time.
+    void restart(std::chrono::milliseconds delay);
+    bool renewToken();
+    void tick() const;
     void rejectAnswer(const HttpResult& result);
     void failFor(const HttpResult& result);
-    void dropToken() { token.clear(); }
     void cancelTimers();
-    std::unique_ptr<HttpTransfer> send(const char* path, std::string body, TimeLimits limits, HttpHandler handler);
+    std::unique_ptr<HttpTransfer> send(const char* path, ZelUnified::WipedText body, TimeLimits limits,
+                                       HttpHandler handler);
     std::chrono::milliseconds withJitter(std::chrono::milliseconds time);
 
     HttpThread& thread;
     const FleetSettings settings;
     const FleetTimes times;
     const Listener listener;
+    const Ticker ticker;
     FleetTable table;
     std::mt19937 random;
     std::size_t endpoint;
     std::string token;
+    bool renewed = false;      ///< The token has been renewed since a member has answered for a while.
     unsigned int failures = 0; ///< Since a member has answered for a while.
     bool reported = false;     ///< The failures are in the log.
     bool overfullReported = false;

@@ -67,6 +67,8 @@ void HttpTransfer::setOptions(const ClusterAccess& access) {
     setOption(easy, CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
     setFile(easy, CURLOPT_SSLCERT, access.clientCertificate);
     setFile(easy, CURLOPT_SSLKEY, access.clientKey);
+    setOption(easy, CURLOPT_KEYPASSWD,
+              ""); // otherwise the TLS library asks for a passphrase on the terminal, and waits
     if (!access.authority.empty()) {
         setOption(easy, CURLOPT_CAINFO, access.authority.c_str());
         setOption(easy, CURLOPT_CAPATH, static_cast<const char*>(nullptr));
@@ -82,8 +84,8 @@ void HttpTransfer::setOptions(const ClusterAccess& access) {
     }
     setOption(easy, CURLOPT_HTTPHEADER, headerList.get());
     setOption(easy, CURLOPT_POST, 1L);
-    setOption(easy, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(request.body.size()));
-    setOption(easy, CURLOPT_POSTFIELDS, request.body.data());
+    setOption(easy, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(request.body.get().size()));
+    setOption(easy, CURLOPT_POSTFIELDS, request.body.get().data());
     setOption(easy, CURLOPT_WRITEFUNCTION, &HttpTransfer::receive);
     setOption(easy, CURLOPT_WRITEDATA, static_cast<void*>(this));
     setOption(easy, CURLOPT_PRIVATE, static_cast<void*>(this));
@@ -110,9 +112,19 @@ void HttpTransfer::setEnded(CURLcode code) {
     curl_easy_getinfo(handle.get(), CURLINFO_REQUEST_SIZE, &sentBytes);
     result.wasSent = sentBytes > 0;
     if (code != CURLE_OK) {
-        result.error = tooLong ? "the answer is too long" : curl_easy_strerror(code);
+        result.error = describe(code);
     }
     ended = true;
+}
+
+std::string HttpTransfer::describe(CURLcode code) const {
+    if (tooLong) {
+        return "the answer is too long";
+    }
+    if (code == CURLE_SSL_CERTPROBLEM) {
+        return "the client's certificate or its key cannot be used; a key with a passphrase is not supported";
+    }
+    return curl_easy_strerror(code);
 }
 
 void HttpTransfer::deliver() {

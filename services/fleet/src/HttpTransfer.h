@@ -2,6 +2,7 @@
 
 #include "ClusterAccess.h"
 
+#include <WipedText.h>
 #include <curl/curl.h>
 
 #include <chrono>
@@ -28,7 +29,7 @@ struct HttpResult {
 struct HttpRequest {
     std::string url;
     std::vector<std::string> headers;
-    std::string body;
+    ZelUnified::WipedText body;           ///< May contain a password.
     std::chrono::milliseconds timeout{0}; ///< For the complete answer; 0 for none.
     std::chrono::seconds silence{0};      ///< Ends the request if nearly nothing arrives for so long; 0 for never.
 };
@@ -61,6 +62,7 @@ private:
     static std::size_t receive(char* data, std::size_t size, std::size_t count, void* self);
 
     void setOptions(const ClusterAccess& access);
+    std::string describe(CURLcode code) const;
 
     struct HandleDeleter {
         void operator()(CURL* easy) const { curl_easy_cleanup(easy); }

@@ -175,6 +175,9 @@ std::unique_ptr<EtcdMember> EtcdCluster::startMember(std::size_t member, bool jo
     if (options.tls) {
         arguments.insert(arguments.end(), {"--cert-file", folder / "server.pem", "--key-file", folder / "server.key"});
     }
+    if (options.clientCertificates) {
+        arguments.insert(arguments.end(), {"--client-cert-auth", "--trusted-ca-file", folder / "ca.pem"});
+    }
     return std::make_unique<EtcdMember>(std::move(arguments));
 }
 
@@ -188,9 +191,18 @@ void EtcdCluster::makeCertificates() const {
     };
     request({"-x509", "-days", "2", "-subj", "/CN=fleet test authority", "-keyout", folder / "ca.key", "-out",
              folder / "ca.pem"});
-    request({"-subj", "/CN=fleet test member", "-keyout", folder / "server.key", "-out", folder / "server.csr"});
-    run("openssl", {"x509", "-req", "-days", "2", "-in", folder / "server.csr", "-CA", folder / "ca.pem", "-CAkey",
-                    folder / "ca.key", "-CAcreateserial", "-extfile", folder / "names", "-out", folder / "server.pem"});
+    const auto issue = [&](const std::string& name) {
+        const auto file = [&](const std::string& extension) { return (folder / (name + extension)).string(); };
+        request({"-subj", "/CN=fleet test " + name, "-keyout", file(".key"), "-out", file(".csr")});
+        run("openssl", {"x509", "-req", "-days", "2", "-in", file(".csr"), "-CA", folder / "ca.pem", "-CAkey",
+                        folder / "ca.key", "-CAcreateserial", "-extfile", folder / "names", "-out", file(".pem")});
+    };
+    issue("server");
+    if (options.clientCertificates) {
+        issue("client");
+        run("openssl", {"ec", "-aes256", "-passout", "pass:open sesame", "-in", folder / "client.key", "-out",
+                        getLockedClientKey()});
+    }
 }
 
 void EtcdCluster::enableAuthentication() {
@@ -210,6 +222,10 @@ fleet::ClusterAccess EtcdCluster::getAccess() const {
     }
     access.plainHttpAllowed = !options.tls;
     access.authority = options.tls ? (folder / "ca.pem").string() : "";
+    if (options.clientCertificates) {
+        access.clientCertificate = folder / "client.pem";
+        access.clientKey = folder / "client.key";
+    }
     if (authenticates) {
         access.username = "client";
         access.password = password;
@@ -245,8 +261,11 @@ std::string EtcdCluster::control(const std::vector<std::string>& arguments) cons
     if (options.tls) {
         words.insert(words.end(), {"--cacert", access.authority});
     }
+    if (options.clientCertificates) {
+        words.insert(words.end(), {"--cert", access.clientCertificate, "--key", access.clientKey});
+    }
     if (authenticates) {
-        words.insert(words.end(), {"--user", access.username + ':' + access.password});
+        words.insert(words.end(), {"--user", access.username + ':' + access.password.get()});
     }
     words.insert(words.end(), arguments.begin(), arguments.end());
     return run("etcdctl", words);

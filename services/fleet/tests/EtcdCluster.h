@@ -42,7 +42,8 @@ private:
 struct ClusterOptions {
     std::size_t members = 1;
     bool tls = false;
-    bool authentication = false; ///< With the users "root" and "client", which may read the fleet's keys.
+    bool clientCertificates = false; ///< The members require one of their clients. Needs `tls`.
+    bool authentication = false;     ///< With the users "root" and "client", which may read the fleet's keys.
 };
 
 /// A cluster in a temporary folder.
@@ -75,6 +76,8 @@ public:
     void loseTokens() const;
     /// Replaces the only member by one without data, whose revisions start again at 1.
     void replace();
+    /// Returns the file of the clients' private key with a passphrase.
+    std::string getLockedClientKey() const { return folder / "locked.key"; }
     pid_t getProcess(std::size_t member) const { return members.at(member)->getProcess(); }
     /// A suspended process keeps its connections, like a network that has been cut.
     void suspend(std::size_t member) const;

@@ -21,7 +21,7 @@ protected:
         if (const auto reason = EtcdCluster::whyUnavailable(); !reason.empty()) {
             GTEST_SKIP() << reason;
         }
-        cluster = std::make_unique<EtcdCluster>(ClusterOptions{3, true, true});
+        cluster = std::make_unique<EtcdCluster>(ClusterOptions{.members = 3, .tls = true, .authentication = true});
         for (std::size_t count = 0; count < clientCount; ++count) {
             clients.push_back(std::make_unique<Client>(cluster->getAccess()));
         }

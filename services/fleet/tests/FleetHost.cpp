@@ -4,12 +4,15 @@
 
 #include <kyr/FunctionTask.h>
 #include <kyr/StringUtils.h>
+#include <registry/RegistryFiles.h>
 #include <unified/TypeName.h>
 
 #include <ConfigServiceIds.h>
 #include <ConfigValueNotifiers.h>
 #include <Signal.h>
 #include <TemporaryProfile.h>
+
+#include <utility>
 
 namespace fleet_test {
 
@@ -25,22 +28,31 @@ std::string join(const std::vector<std::string>& parts) {
 
 } // namespace
 
-void FleetHost::writeDefaults(const std::filesystem::path& resources, const fleet::ClusterAccess& access) {
-    const auto row = [](const std::string& key, const std::string& value) {
-        return "<userConfig name=\"" + key + "\" value=\"" + value + "\"/>\n";
-    };
-    std::string document =
-        "<Lumora>\n" + row("Theme", "default") + row("FleetUser", "ada") + row("FleetGroups", "nurses, night shift");
+void FleetHost::writeDefaults(const std::filesystem::path& resources, const fleet::ClusterAccess& access,
+                              const Rows& others) {
+    auto rows = others;
+    rows.insert({{"Theme", "default"}, {"FleetUser", "ada"}, {"FleetGroups", "nurses, night shift"}});
     if (!access.endpoints.empty()) {
-        document += row("FleetEndpoints", join(access.endpoints)) +
-                    row("FleetPlainHttpAllowed", access.plainHttpAllowed ? "true" : "false") +
-                    row("FleetCertificateAuthority", access.authority) +
-                    row("FleetConnectionUsername", access.username) + row("FleetConnectionPassword", access.password);
+        rows.insert({{"FleetEndpoints", join(access.endpoints)},
+                     {"FleetPlainHttpAllowed", access.plainHttpAllowed ? "true" : "false"},
+                     {"FleetCertificateAuthority", access.authority},
+                     {"FleetConnectionUsername", access.username},
+                     {"FleetConnectionPassword", access.password.get()}});
+    }
+    std::string document = "<Lumora>\n";
+    for (const auto& [key, value] : rows) {
+        document += "<userConfig name=\"" + key + "\" value=\"" + value + "\"/>\n";
     }
     testing_host::writeFile(resources / "lumora-config-defaults.xml", document + "</Lumora>\n");
 }
 
-FleetHost::FleetHost() {
+std::shared_ptr<fleet::FleetServiceImpl> FleetHost::makeService(std::shared_ptr<ZelUnified::UnifiedFactory> factory,
+                                                                std::shared_ptr<zel::registry::Registry> registry) {
+    return std::make_shared<fleet::FleetServiceImpl>(std::move(factory), shortTimes(), std::move(registry));
+}
+
+FleetHost::FleetHost(const std::filesystem::path& administrator, const ServiceMaker& makeService) {
+    zel::registry::overrideRegistry(zel::registry::makeFileRegistry({administrator.string(), {}}));
     ZelUnified::UnifiedFactoryOptions options;
     options.openedForWriting = true;
     options.pluginFolder = PLUGIN_FOLDER;
@@ -53,13 +65,14 @@ FleetHost::FleetHost() {
         configuration = factory->getFeatureSetByType<ZelUnified::ConfigFeatureSet>();
     });
     factory->StartFeatureSet(ZelUnified::configServiceId, nullptr);
-    service = std::make_shared<fleet::FleetServiceImpl>(factory, shortTimes());
+    service = makeService(factory, zel::registry::makeFileRegistry({administrator.string(), {}, false}));
     factory->getFeatureSets().registerItem<ZelUnified::FleetService>(ZelUnified::FleetService::fleetServiceId, service);
     factory->StartFeatureSet(ZelUnified::FleetService::fleetServiceId, nullptr);
 }
 
 FleetHost::~FleetHost() {
     factory->Destroy();
+    zel::registry::overrideRegistry(nullptr);
 }
 
 void FleetHost::onServices(const std::function<void()>& work) const {

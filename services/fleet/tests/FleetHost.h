@@ -2,6 +2,7 @@
 
 #include "FleetServiceImpl.h"
 
+#include <registry/Registry.h>
 #include <unified/UnifiedFactoryImpl.h>
 
 #include <ClusterAccess.h>
@@ -9,7 +10,9 @@
 #include <ConfigService.h>
 #include <ConfigValueObserver.h>
 
+#include <filesystem>
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
 
@@ -19,10 +22,18 @@ namespace fleet_test {
 /// of the process. The settings of the fleet are in the defaults file.
 class FleetHost {
 public:
-    /// The resources of the profile receive a defaults file with `Theme` and, if there are endpoints, this access.
-    static void writeDefaults(const std::filesystem::path& resources, const fleet::ClusterAccess& access);
+    using Rows = std::map<std::string, std::string>;
+    using ServiceMaker = std::function<std::shared_ptr<fleet::FleetServiceImpl>(
+        std::shared_ptr<ZelUnified::UnifiedFactory> factory, std::shared_ptr<zel::registry::Registry> administrators)>;
 
-    FleetHost();
+    /// The resources of the profile receive a defaults file with `Theme`, this access if there are endpoints, and other
+    /// rows, which replace those.
+    static void writeDefaults(const std::filesystem::path& resources, const fleet::ClusterAccess& access,
+                              const Rows& others = {});
+
+    /// The administrators' policies are in `administrator`, the folder that is in /etc otherwise.
+    explicit FleetHost(const std::filesystem::path& administrator = "/nonexistent",
+                       const ServiceMaker& makeService = &FleetHost::makeService);
     ~FleetHost();
     FleetHost(const FleetHost&) = delete;
     FleetHost& operator=(const FleetHost&) = delete;
@@ -39,6 +50,8 @@ public:
     ZelUnified::UnifiedFactoryImpl& getFactory() const { return *factory; }
     ZelUnified::ConfigFeatureSet& getConfiguration() const { return *configuration; }
     fleet::FleetServiceImpl& getFleet() const { return *service; }
+    static std::shared_ptr<fleet::FleetServiceImpl> makeService(std::shared_ptr<ZelUnified::UnifiedFactory> factory,
+                                                                std::shared_ptr<zel::registry::Registry> registry);
     ZelUnified::ConfigService& getRecords() const { return *records; }
 
 private:

@@ -1,13 +1,19 @@
 #include "EtcdCluster.h"
 #include "FleetHost.h"
+#include "FollowedCluster.h"
 
 #include <kyr/StringUtils.h>
 
+#include <BootstrapStoreFactory.h>
 #include <ConfigServiceIds.h>
 #include <ConfigValueNotifiers.h>
 #include <LogRecorder.h>
 #include <TemporaryProfile.h>
 #include <gtest/gtest.h>
+
+#include <map>
+#include <stdexcept>
+#include <utility>
 
 namespace fleet_test {
 namespace {
@@ -20,11 +26,58 @@ protected:
         }
     }
 
-    void writeDefaults(const fleet::ClusterAccess& access) const {
-        FleetHost::writeDefaults(profile.resources(), access);
+    void writeDefaults(const fleet::ClusterAccess& access, const FleetHost::Rows& others = {}) const {
+        FleetHost::writeDefaults(profile.resources(), access, others);
+    }
+
+    /// Writes the policy of the administrator, or of the user, and refreshes the configuration.
+    static void setPolicy(const FleetHost& host, const std::filesystem::path& folder, const FleetHost::Rows& rows) {
+        std::string text = "Windows Registry Editor Version 5.00\r\n\r\n[HKEY_CURRENT_USER\\Software\\Policies"
+                           "\\Ventrix Systems, Inc.\\Unified Communications\\VentrixUC]\r\n";
+        for (const auto& [key, value] : rows) {
+            text += '"' + key + "\"=\"" + value + "\"\r\n";
+        }
+        testing_host::writeFile(folder / "policy.reg", text);
+        host.onServices([&] { host.getConfiguration().refreshConfigFeatureSet(); });
+        host.waitForReview();
+    }
+    void setPolicy(const FleetHost& host, const FleetHost::Rows& rows) const {
+        setPolicy(host, administrator / "HKEY_CURRENT_USER", rows);
+    }
+    static FleetHost::Rows makePolicy(const fleet::ClusterAccess& access) {
+        return {{"FleetEndpoints", access.endpoints.front()},
+                {"FleetPlainHttpAllowed", "true"},
+                {"FleetConnectionUsername", access.username},
+                {"FleetConnectionPassword", access.password.get()}};
     }
 
     const testing_host::TemporaryProfile profile;
+    const std::filesystem::path administrator = profile.root() / "etc";
+};
+
+/// A store of another service, with a cached copy. Its name is that of an administrator's store.
+class DisguisedStore final : public ZelUnified::ConfigStore {
+public:
+    bool getValue(const std::wstring& key, std::wstring& value) override {
+        const auto found = values.find(key);
+        value = found == values.end() ? std::wstring() : found->second;
+        return found != values.end();
+    }
+    bool storeValue(const std::wstring& /*key*/, const std::wstring& /*value*/) override { return false; }
+    std::vector<std::wstring> getKeys() override { return {L"FleetEndpoints"}; }
+    bool removeValue(const std::wstring& /*key*/) override { return false; }
+    void removeAllValues() override {}
+    bool isReadOnly() override { return true; }
+    std::string getName() override { return "BootstrapConfigStore"; }
+    int getPriority() override { return 30; }
+    void persistValues() override {}
+    void destroy() override {}
+    bool isLocal() override { return true; }
+    bool waitForStoreReady() override { return true; }
+    bool shouldCacheConfigStore() override { return true; }
+
+private:
+    const ZelUnified::ConfigMap values{{L"FleetEndpoints", L"https://127.0.0.1:1"}};
 };
 
 TEST_F(FleetService, ChangeInTheClusterReachesTheRecord) {
@@ -119,35 +172,204 @@ TEST_F(FleetService, PolicyStartsAndEndsTheWatch) {
     EtcdCluster cluster;
     cluster.put("/lumora/fleet/all/Theme", "dark");
     writeDefaults({});
-    const FleetHost host;
+    const FleetHost host(administrator);
     EXPECT_FALSE(host.getFleet().isFollowing());
-    const auto setPolicy = [&](const std::string& lines) {
-        testing_host::writeFile(profile.data() / "registry" / "policy.reg",
-                                "Windows Registry Editor Version 5.00\r\n\r\n[HKEY_CURRENT_USER\\Software\\Policies"
-                                "\\Ventrix Systems, Inc.\\Unified Communications\\VentrixUC]\r\n" +
-                                    lines);
-        host.onServices([&] { host.getConfiguration().refreshConfigFeatureSet(); });
-    };
-    setPolicy("\"FleetEndpoints\"=\"" + cluster.getAccess().endpoints.front() +
-              "\"\r\n\"FleetPlainHttpAllowed\"=\"true\"\r\n\"FleetPriority\"=\"47\"\r\n");
+    auto policy = makePolicy(cluster.getAccess());
+    policy["FleetPriority"] = "47";
+    setPolicy(host, policy);
     EXPECT_TRUE(host.waitForValue(L"Theme", L"dark"));
     host.onServices(
         [&] { EXPECT_EQ(host.getConfiguration().getConfigStoreByName("FleetConfigStore")->getPriority(), 47); });
-    setPolicy("");
-    host.waitForReview();
+    setPolicy(host, {});
     EXPECT_FALSE(host.getFleet().isFollowing());
     EXPECT_EQ(host.getValue(L"Theme"), L"default");
 }
 
+TEST_F(FleetService, PolicyStaysInForceAfterAStopOfTheConfiguration) {
+    EtcdCluster cluster({.authentication = true});
+    cluster.put("/lumora/fleet/all/Theme", "dark");
+    writeDefaults({});
+    const FleetHost host(administrator);
+    setPolicy(host, makePolicy(cluster.getAccess()));
+    ASSERT_TRUE(host.waitForValue(L"Theme", L"dark"));
+    host.getFactory().StopFeatureSet(ZelUnified::configServiceId, nullptr);
+    host.getFactory().StartFeatureSet(ZelUnified::configServiceId, nullptr);
+    host.waitForReview();
+    EXPECT_TRUE(host.getFleet().isFollowing());
+    EXPECT_TRUE(host.waitForValue(L"Theme", L"dark"));
+    cluster.put("/lumora/fleet/all/Theme", "light");
+    EXPECT_TRUE(host.waitForValue(L"Theme", L"light"));
+}
+
+TEST_F(FleetService, LastSettingsReturnAfterAStopOfBothServicesWithoutTheCluster) {
+    EtcdCluster cluster;
+    cluster.put("/lumora/fleet/all/Theme", "dark");
+    writeDefaults(cluster.getAccess());
+    const FleetHost host;
+    ASSERT_TRUE(host.waitForValue(L"Theme", L"dark"));
+    cluster.kill(0);
+    for (const auto id : {ZelUnified::FleetService::fleetServiceId, unsigned{ZelUnified::configServiceId}}) {
+        host.getFactory().StopFeatureSet(id, nullptr);
+    }
+    EXPECT_EQ(host.getValue(L"Theme"), L"default");
+    for (const auto id : {unsigned{ZelUnified::configServiceId}, ZelUnified::FleetService::fleetServiceId}) {
+        host.getFactory().StartFeatureSet(id, nullptr);
+    }
+    EXPECT_TRUE(host.waitForValue(L"Theme", L"dark"));
+}
+
+TEST_F(FleetService, StoreReturnsAlthoughTheStartOfTheConfigurationAddsNoStore) {
+    EtcdCluster cluster;
+    cluster.put("/lumora/fleet/all/Theme", "dark");
+    // The user's settings are in memory then, and no stop drops them.
+    writeDefaults(cluster.getAccess(), {{"Lumora_SDK_Mode", "true"}});
+    const FleetHost host;
+    ASSERT_TRUE(host.waitForValue(L"Theme", L"dark"));
+    host.getFactory().StopFeatureSet(ZelUnified::configServiceId, nullptr);
+    EXPECT_EQ(host.getValue(L"Theme"), L"default");
+    host.getFactory().StartFeatureSet(ZelUnified::configServiceId, nullptr);
+    EXPECT_TRUE(host.waitForValue(L"Theme", L"dark"));
+    host.getFactory().StopFeatureSet(ZelUnified::configServiceId, nullptr);
+    cluster.kill(0);
+    host.getFactory().StartFeatureSet(ZelUnified::configServiceId, nullptr);
+    EXPECT_TRUE(host.waitForValue(L"Theme", L"dark")) << "also while the cluster cannot be reached";
+}
+
+TEST_F(FleetService, ValuesAreTheSameBeforeAndAfterARestart) {
+    EtcdCluster cluster;
+    const std::map<std::wstring, std::string> pairs{
+        {L"Trailing", "dark \t"},         {L"Leading", "\n dark"},
+        {L"Lines", "one\r\ntwo\n three"}, {L"Blank", " \t "},
+        {L"Marked", "<a b=\"c\">&amp;"},  {L"Face", "\xF0\x9F\x99\x82 e\u0301"},
+        {L"Space", "\u00A0wide\u2003"}};
+    for (const auto& [key, value] : pairs) {
+        cluster.put("/lumora/fleet/all/" + KyrCoreUtils::toString(key), value);
+    }
+    cluster.put("/lumora/fleet/all/Theme", "dark");
+    writeDefaults(cluster.getAccess());
+    std::map<std::wstring, std::wstring> before;
+    {
+        const FleetHost host;
+        ASSERT_TRUE(host.waitForValue(L"Theme", L"dark"));
+        for (const auto& [key, value] : pairs) {
+            before[key] = host.getValue(key);
+        }
+    }
+    EXPECT_EQ(before[L"Trailing"], L"dark");
+    EXPECT_EQ(before[L"Lines"], L"one\r\ntwo\n three");
+    cluster.kill(0);
+    const FleetHost host;
+    for (const auto& [key, value] : before) {
+        EXPECT_EQ(host.getValue(key), value) << KyrCoreUtils::toString(key);
+    }
+}
+
+TEST_F(FleetService, ClientOfTooManyGroupsUsesTheFirstOnes) {
+    EtcdCluster cluster;
+    std::string groups;
+    for (int number = 0; number < 130; ++number) {
+        groups += "g" + std::to_string(number) + ",";
+    }
+    cluster.put("/lumora/fleet/groups/g0/First", "1");
+    cluster.put("/lumora/fleet/groups/g125/Last", "1");
+    cluster.put("/lumora/fleet/groups/g126/Beyond", "1");
+    writeDefaults(cluster.getAccess(), {{"FleetGroups", groups}});
+    const testing_host::LogRecorder log;
+    const FleetHost host;
+    EXPECT_TRUE(host.waitForValue(L"First", L"1"));
+    EXPECT_EQ(host.getValue(L"Last"), L"1");
+    EXPECT_EQ(host.getValue(L"Beyond"), L"");
+    EXPECT_TRUE(log.mentions("The client has 130 groups; only the first 126 are used"));
+    cluster.put("/lumora/fleet/users/ada/Theme", "dark");
+    EXPECT_TRUE(host.waitForValue(L"Theme", L"dark"));
+}
+
 TEST_F(FleetService, UserCannotChooseTheCluster) {
     writeDefaults({});
-    const FleetHost host;
+    const FleetHost host(administrator);
     host.onServices([&] { host.getConfiguration().setConfig(L"FleetEndpoints", L"https://127.0.0.1:1"); });
     host.getFactory().flushBackgroundDispatcher(); // the refresh reads the user's file
     host.onServices([&] { host.getConfiguration().refreshConfigFeatureSet(); });
     host.waitForReview();
     EXPECT_EQ(host.getValue(L"FleetEndpoints"), L"https://127.0.0.1:1");
     EXPECT_FALSE(host.getFleet().isFollowing());
+}
+
+TEST_F(FleetService, PolicyFileOfTheUserCannotChooseTheCluster) {
+    writeDefaults({});
+    const FleetHost host(administrator);
+    setPolicy(host, profile.data() / "registry", {{"FleetEndpoints", "https://127.0.0.1:1"}});
+    EXPECT_EQ(host.getValue(L"FleetEndpoints"), L"https://127.0.0.1:1");
+    EXPECT_FALSE(host.getFleet().isFollowing());
+}
+
+TEST_F(FleetService, PolicyFileOfTheUserCannotReplaceTheAdministrators) {
+    EtcdCluster cluster;
+    cluster.put("/lumora/fleet/all/Theme", "dark");
+    writeDefaults({});
+    const FleetHost host(administrator);
+    setPolicy(host, makePolicy(cluster.getAccess()));
+    ASSERT_TRUE(host.waitForValue(L"Theme", L"dark"));
+    setPolicy(host, profile.data() / "registry", {{"FleetEndpoints", ""}});
+    EXPECT_EQ(host.getValue(L"FleetEndpoints"), L"");
+    EXPECT_TRUE(host.getFleet().isFollowing());
+}
+
+TEST_F(FleetService, CachedCopyCannotChooseTheCluster) {
+    writeDefaults({});
+    {
+        const FleetHost host;
+        host.onServices([&] { host.getConfiguration().addConfigStore(std::make_shared<DisguisedStore>()); });
+        host.waitForReview();
+        EXPECT_FALSE(host.getFleet().isFollowing());
+    }
+    const FleetHost host;
+    EXPECT_EQ(host.getStoreOf(L"FleetEndpoints"), L"BootstrapConfigStore");
+    EXPECT_FALSE(host.getFleet().isFollowing());
+}
+
+TEST_F(FleetService, BootstrapFileChoosesTheCluster) {
+    EtcdCluster cluster;
+    cluster.put("/lumora/fleet/all/Theme", "dark");
+    writeDefaults({});
+    const FleetHost host;
+    const auto file = profile.root() / "installer.properties";
+    testing_host::writeFile(file, "FleetEndpoints: " + cluster.getAccess().endpoints.front() +
+                                      "\nFleetPlainHttpAllowed: true\nFleetUser: ada\n");
+    host.onServices([&] {
+        auto* const maker = dynamic_cast<ZelUnified::BootstrapStoreFactory*>(&host.getConfiguration());
+        ASSERT_NE(maker, nullptr);
+        host.getConfiguration().addConfigStore(maker->createBootstrapStore(file.string(), 100));
+    });
+    EXPECT_TRUE(host.waitForValue(L"Theme", L"dark"));
+}
+
+TEST_F(FleetService, FollowsAtTheNextReviewAfterAFailureToBegin) {
+    class FailingService final : public fleet::FleetServiceImpl {
+    public:
+        using fleet::FleetServiceImpl::FleetServiceImpl;
+
+    private:
+        std::unique_ptr<fleet::FleetFollower> makeFollower(const fleet::FleetSettings& current) override {
+            if (!std::exchange(hasFailed, true)) {
+                throw std::runtime_error("no thread");
+            }
+            return fleet::FleetServiceImpl::makeFollower(current);
+        }
+
+        bool hasFailed = false;
+    };
+    EtcdCluster cluster;
+    cluster.put("/lumora/fleet/all/Theme", "dark");
+    writeDefaults(cluster.getAccess());
+    const testing_host::LogRecorder log;
+    const FleetHost host(administrator, [](auto factory, auto registry) {
+        return std::make_shared<FailingService>(std::move(factory), shortTimes(), std::move(registry));
+    });
+    EXPECT_FALSE(host.getFleet().isFollowing());
+    EXPECT_TRUE(log.mentions("The fleet's settings cannot be followed: no thread"));
+    host.onServices([&] { host.getConfiguration().refreshConfigFeatureSet(); });
+    EXPECT_TRUE(host.waitForValue(L"Theme", L"dark"));
 }
 
 TEST_F(FleetService, PlainHttpIsRefusedUnlessItIsAllowed) {

@@ -49,6 +49,20 @@ TEST_F(FleetTable, SkipsKeysThatAreNotXmlNames) {
     EXPECT_EQ(table.merge().size(), 1U);
 }
 
+TEST_F(FleetTable, SkipsKeysThatNoClusterMayChange) {
+    for (const auto* key : {"FleetEndpoints", "fleetclientkey", "FleetConnectionPassword",
+                            "CertificateValidationEnabled", "primaryconfigstores"}) {
+        put(std::string("/lumora/fleet/all/") + key, "1");
+    }
+    EXPECT_TRUE(table.merge().empty());
+}
+
+TEST_F(FleetTable, RemovesBlanksAroundAValue) {
+    put("/lumora/fleet/all/A", " \tone two \r\n");
+    put("/lumora/fleet/all/B", "  ");
+    EXPECT_EQ(table.merge(), (ConfigMap{{L"A", L"one two"}, {L"B", L""}}));
+}
+
 TEST_F(FleetTable, LongKeysAndValuesAreSkipped) {
     put("/lumora/fleet/all/" + std::string(fleet::FleetTable::maxKeyBytes + 1, 'k'), "1");
     put("/lumora/fleet/all/A", std::string(fleet::FleetTable::maxValueBytes + 1, 'v'));

@@ -95,6 +95,8 @@ TEST_F(FleetWatch, SkipsInvalidPairsAndLogsThem) {
     cluster.put(std::string(all) + "a/b", "1");
     cluster.put(std::string(all) + "two words", "1");
     cluster.put(std::string(all) + "FleetEndpoints", "https://elsewhere.example:2379");
+    cluster.put(std::string(all) + "certificatevalidationenabled", "false");
+    cluster.put(std::string(all) + "PrimaryConfigStores", "BootstrapConfigStore:30");
     cluster.put(std::string(all) + "Bell", "\x07");
     cluster.put(std::string(all) + "Theme", "light");
     Client client(cluster.getAccess());
@@ -103,6 +105,9 @@ TEST_F(FleetWatch, SkipsInvalidPairsAndLogsThem) {
     for (const auto* line : {"Latin] is skipped: the value is not UTF-8", "a/b] is skipped: the key contains '/'",
                              "two words] is skipped: the key is not an XML name",
                              "FleetEndpoints] is skipped: the key configures the fleet service itself",
+                             "certificatevalidationenabled] is skipped: no cluster may change whether certificates are "
+                             "validated",
+                             "PrimaryConfigStores] is skipped: the client itself writes this record",
                              "Bell] is skipped: the value contains a control character"}) {
         EXPECT_TRUE(log.mentions(line)) << line;
     }
@@ -163,10 +168,55 @@ TEST_F(FleetWatch, AuthenticatesAgainAfterTheTokensAreLost) {
     const auto calls = client.observer.countCalls();
     cluster.loseTokens();
     EXPECT_TRUE(client.observer.waitForCalls(calls + 1)) << "it reads again";
-    EXPECT_TRUE(log.mentions("invalid auth token"));
     cluster.put("/lumora/fleet/users/ada/Theme", "light");
     EXPECT_TRUE(client.observer.waitForValue(L"Theme", L"light"));
     EXPECT_FALSE(log.mentions(EtcdCluster::password));
+    for (const auto& text : log.getTexts(ZelLogLevel::Warning)) {
+        EXPECT_EQ(text.find("status 4"), std::string::npos) << "the end of a token is no outage: " << text;
+    }
+}
+
+TEST_F(FleetWatch, ReportsAUserWithoutRights) {
+    EtcdCluster cluster({.authentication = true});
+    auto access = cluster.getAccess();
+    cluster.control({"user", "revoke-role", "client", "reader"});
+    const testing_host::LogRecorder log;
+    auto settings = makeSettings(access);
+    testing_host::Signal triedAgain;
+    std::size_t attempts = 0; // of the follower's thread
+    const fleet::FleetFollower follower(
+        std::move(settings), shortTimes(), [](const ConfigMap&) {},
+        [&] {
+            if (++attempts == 4) {
+                triedAgain.set();
+            }
+        });
+    EXPECT_TRUE(triedAgain.wait());
+    EXPECT_TRUE(log.mentions("permission denied"));
+}
+
+TEST_F(FleetWatch, ShowsItsCertificateToAMemberThatRequiresOne) {
+    EtcdCluster cluster({.tls = true, .clientCertificates = true});
+    cluster.put("/lumora/fleet/all/Theme", "light");
+    Client client(cluster.getAccess());
+    EXPECT_TRUE(client.observer.waitForValue(L"Theme", L"light"));
+    auto stranger = cluster.getAccess();
+    stranger.clientCertificate.clear();
+    stranger.clientKey.clear();
+    EXPECT_THROW(fleet::EtcdSession(stranger).list({fleet::FleetScope::ofAll()}), fleet::EtcdError);
+}
+
+TEST_F(FleetWatch, RefusesAKeyWithAPassphrase) {
+    EtcdCluster cluster({.tls = true, .clientCertificates = true});
+    auto access = cluster.getAccess();
+    access.clientKey = cluster.getLockedClientKey();
+    try {
+        fleet::EtcdSession(access).list({fleet::FleetScope::ofAll()});
+        FAIL() << "the key was used";
+    } catch (const fleet::EtcdError& error) {
+        EXPECT_STREQ(error.what(), "the client's certificate or its key cannot be used; a key with a passphrase is not "
+                                   "supported");
+    }
 }
 
 TEST_F(FleetWatch, AcceptsOnlyTheConfiguredAuthority) {

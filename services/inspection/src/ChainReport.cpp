@@ -9,7 +9,7 @@ namespace inspection {
 namespace {
 
 constexpr std::size_t keysPerSlice = 64;
-/// Each key asks every store, so these are fewer.
+/// Fewer keys than in the slices of a list, because each key asks every store.
 constexpr std::size_t explanationsPerSlice = 16;
 
 } // namespace

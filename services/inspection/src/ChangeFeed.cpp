@@ -87,7 +87,7 @@ void ChangeFeed::distribute() {
 void ChangeFeed::sendSlice() {
     for (std::size_t sent = 0; sent < changesOfSlice; ++sent) {
         if (next >= current.changes.size()) {
-            reportLost(std::exchange(current, queue.take()));
+            reportLost(std::exchange(current, queue.extract()));
             next = 0;
         }
         if (current.changes.empty()) {

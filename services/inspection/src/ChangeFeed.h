@@ -34,7 +34,7 @@ public:
     void add(Watcher& watcher, std::function<void()> ready);
     /// Must be called before the watcher is destroyed.
     void remove(Watcher& watcher);
-    /// Distributes on, after a watcher that needed time.
+    /// Continues to distribute after a watcher that needed time.
     void resume();
 
     void OnRecordChanged(const std::wstring& key, const ZelUnified::ConfigRecordState& before,
@@ -47,7 +47,7 @@ private:
     void sendSlice();
     /// Returns false, and sends nothing, if one of the watchers needs time.
     bool send(const Change& change) const;
-    /// Tells each watcher how many events it missed, if any.
+    /// Reports to each watcher how many events it missed, if any.
     void reportLost(const ChangeQueue::Batch& batch) const;
 
     const std::shared_ptr<const ConfigInspector> inspector;

@@ -19,11 +19,10 @@ class ChangeQueue {
 public:
     explicit ChangeQueue(std::size_t mostChanges) : capacity(mostChanges) {}
 
-    /// The changes since the last call of take().
+    /// The changes since the last call of extract().
     struct Batch {
         std::vector<Change> changes;
-        /// How many events of each key did not fit behind them, so that each watcher learns what it missed. The client
-        /// has a bounded number of keys.
+        /// The number of events of each key that did not fit, for its watchers. The number of keys is bounded.
         std::map<std::wstring, std::size_t> lost;
     };
 
@@ -40,11 +39,12 @@ public:
         return wasEmpty;
     }
 
-    Batch take() {
-        Batch taken;
+    /// Removes and returns the queued changes.
+    Batch extract() {
+        Batch extracted;
         const KyrCoreUtils::LockGuard lock(mutex);
-        std::swap(taken, batch);
-        return taken;
+        std::swap(extracted, batch);
+        return extracted;
     }
 
 private:

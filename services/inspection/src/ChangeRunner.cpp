@@ -1,10 +1,12 @@
 #include "ChangeRunner.h"
 
 #include "StorableText.h"
-#include "StoreRemoval.h"
 #include "ValueLoad.h"
 
+#include <kyr/FileUtils.h>
+
 #include <ConfigCatalogue.h>
+#include <StoreRemoval.h>
 
 #include <algorithm>
 #include <map>
@@ -13,6 +15,8 @@
 namespace inspection {
 
 using KyrCoreUtils::caseInsensitiveStringEquals;
+using KyrCoreUtils::FileUtils;
+using ZelUnified::StoreRemoval;
 using Code = RequestError::Code;
 namespace ConfigKeys = ZelUnified::ConfigKeys;
 
@@ -24,6 +28,18 @@ void requireAcceptable(const InspectionRequest& request) {
         requireStorableKey(request.key);
         requireStorableValue(request.value);
         requirePermitted(request.key, request.value);
+    }
+}
+
+/// Deletes the cached copies of a removed store. Background dispatcher's thread, where the queued writes have been
+/// carried out.
+void deleteCopies(const StoreRemoval& removal) {
+    for (const auto& path : removal.getCopyPaths()) {
+        FileUtils::removeFile(path);
+        if (FileUtils::fileExists(path)) {
+            throw RequestError(Code::Environment,
+                               "the store is removed for this run only, because its copy cannot be deleted: " + path);
+        }
     }
 }
 
@@ -144,18 +160,22 @@ void ChangeRunner::resetProvisioning(const JobPointer& job) {
 
 void ChangeRunner::removeStore(const JobPointer& job) {
     onServices(job, [this, job] {
-        const auto removal = std::make_shared<StoreRemoval>(inspector, job->request.store);
+        auto& featureSet = inspector->getFeatureSet();
+        auto removal = StoreRemoval::find(featureSet, FileUtils::getConfigDirectory(), job->request.store);
+        if (!removal) {
+            throw RequestError(Code::Refused, "there is no store '" + job->request.store + "'");
+        }
         const ExpectedWrite file{"the store is removed for this run only", std::string(ConfigKeys::localConfigFile),
                                  std::chrono::system_clock::now()};
-        removal->removeFromChain();
-        tasks.runInBackground(job->nameTask(), [self = shared_from_this(), job, removal, file] {
+        removal->removeFromChain(featureSet, inspector->getService());
+        tasks.runInBackground(job->nameTask(), [self = shared_from_this(), job, removed = *removal, file] {
             job->guard([&] {
-                removal->deleteCopies();
+                deleteCopies(removed);
                 std::vector<ExpectedWrite> expected;
-                if (removal->hasChangedRecord()) {
+                if (removed.hasChangedRecord()) {
                     expected.push_back(file);
                 }
-                self->confirmWritten(job, std::move(expected), [removal] { return removal->describe(); });
+                self->confirmWritten(job, std::move(expected), [outcome = removed.describe()] { return outcome; });
             });
         });
     });

@@ -49,7 +49,7 @@ private:
     /// Waits for the queued writes and answers with `describe`, or fails if one of the expected ones is missing.
     void confirmWritten(const JobPointer& job, std::vector<ExpectedWrite> expected,
                         std::function<std::string()> describe);
-    /// Returns the user's file as a write that is expected since now.
+    /// Returns the write of the user's file, which is expected from now on.
     ExpectedWrite expectUsersFile(const std::string& what) const;
 
     const std::shared_ptr<const ConfigInspector> inspector;

@@ -228,7 +228,7 @@ void InspectionConnection::send(Message message) {
     }
 }
 
-/// Sends the next message. One event replaces the lost ones, in their place: once all older events are sent.
+/// Sends the next message. When all older events are sent, one event replaces the lost ones.
 void InspectionConnection::writeNext() {
     isSlow = isSlow && !outbox.empty();
     if (outbox.empty() && lost != 0) {
@@ -281,8 +281,8 @@ void InspectionConnection::enterWaiting() {
     }
 }
 
-/// Begins a phase and its time. Staying in a phase does not prolong its time: a peer that sends a byte now and then is
-/// dropped, too.
+/// Begins a phase and its time limit. Data that arrive during the phase do not extend the limit, so a peer that sends
+/// single bytes is dropped, too.
 void InspectionConnection::enter(Phase next) {
     if (phase == next || !socket.is_open()) {
         return;

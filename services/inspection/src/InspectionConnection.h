@@ -38,7 +38,7 @@ public:
     void addLost(std::size_t count) override;
 
 private:
-    /// What the connection does at the moment, which decides how long it may take.
+    /// The current activity, which determines the time limit.
     enum class Phase { Starting, InRequest, Executing, Replying, Idle, Watching };
 
     /// A reply, or the events of a change.
@@ -62,7 +62,7 @@ private:
     void reply(const Json& object);
     void send(Message message);
     bool fits(std::size_t bytes, std::size_t count) const;
-    /// Lets the feed distribute on once the queue of events is half empty.
+    /// Lets the feed continue once the queue of events is half empty.
     void onEventsWritten();
     void writeNext();
     void onWritten();
@@ -92,9 +92,9 @@ private:
     std::deque<Message> outbox;
     std::size_t eventBytes = 0; ///< Bytes of the queued events.
     std::size_t events = 0;
-    std::size_t lost = 0; ///< Events since the queue was full.
+    std::size_t lost = 0; ///< Events that were lost since the queue was full.
     bool isCatchingUp = false;
-    bool isSlow = false; ///< The feed does not wait for it until it has read everything.
+    bool isSlow = false; ///< The feed does not wait for this watcher until it has read everything.
 };
 
 } // namespace inspection

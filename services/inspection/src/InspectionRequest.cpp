@@ -91,7 +91,7 @@ Json readId(const Json& object) {
     return *found;
 }
 
-/// Returns the fields without which the verb means nothing. An empty text is a value, a missing one is a mistake.
+/// Returns the fields that the verb requires. An empty text is a value; a missing field is an error.
 std::vector<const char*> getRequiredFields(std::string_view verb) {
     if (verb == "get" || verb == "explain" || verb == "describe" || verb == "reset") {
         return {"key"};

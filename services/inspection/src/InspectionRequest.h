@@ -36,8 +36,9 @@ struct InspectionRequest {
     bool more = false;         ///< For load: more values follow in another request.
     bool dryRun = false;
 
-    /// Parses a line and sets `id` and `verb` as far as it gets, so that a failure can name them. Throws RequestError
-    /// (Usage) if the line is not a JSON object, a field has the wrong type, or a field is missing that the verb needs.
+    /// Parses a line. Sets `id` and `verb` first, so that the reply to an invalid request can contain them. Throws
+    /// RequestError (Usage) if the line is not a JSON object, a field has the wrong type, or a field is missing that
+    /// the verb needs.
     void parse(std::string_view line);
 };
 

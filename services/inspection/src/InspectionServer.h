@@ -26,7 +26,7 @@ public:
     InspectionServer(const std::shared_ptr<ZelUnified::UnifiedFactory>& factory,
                      const std::shared_ptr<const ConfigInspector>& inspector, const std::string& socketPath,
                      const InspectionLimits& serverLimits);
-    /// Closes all connections and waits for the thread. Replies that are still made are dropped.
+    /// Closes all connections and waits for the thread. Replies that are not ready yet are dropped.
     ~InspectionServer();
     InspectionServer(const InspectionServer&) = delete;
     InspectionServer& operator=(const InspectionServer&) = delete;

@@ -5,7 +5,7 @@
 
 namespace inspection {
 
-/// The reason why a request is not answered, with the exit code that the program derives from it.
+/// The reason why a request fails, with the exit code that the program derives from it.
 class RequestError : public std::runtime_error {
 public:
     enum class Code { Refused = 1, Usage = 2, Environment = 3 };

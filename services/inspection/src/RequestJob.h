@@ -10,7 +10,8 @@
 
 namespace inspection {
 
-/// A request with the place for its answer. The tasks that carry it out share it; they run one after the other.
+/// A request with the function that receives its answer. The tasks that carry it out share it; they run one after the
+/// other.
 struct RequestJob {
     /// Receives the reply, exactly once, on any thread. If the client ends first, it is destroyed without a call.
     using Answer = std::function<void(Json)>;
@@ -21,7 +22,7 @@ struct RequestJob {
     void reportDone(const std::string& message) const {
         reply({{"type", "done"}, {"command", request.verb}, {"message", message}});
     }
-    /// Runs a step. Returns false if it failed; the failure is answered then.
+    /// Runs a step. If it throws, answers with the failure and returns false.
     bool guard(const std::function<void()>& step) const;
     std::string nameTask() const { return "inspection: " + request.verb; }
 

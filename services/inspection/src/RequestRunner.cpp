@@ -162,7 +162,7 @@ void RequestRunner::listRecords(const JobPointer& job) {
         bool more = false;
         return job->guard([&] {
             const auto before = last;
-            const auto records = self->inspector->getRecords().getRecordsBehind(last, recordsPerSlice);
+            const auto records = self->inspector->getRecords().getRecordsAfter(last, recordsPerSlice);
             for (const auto& record : records) {
                 last = record->getKey();
                 if (record->getisDefined() && self->isAsked(job->request, last)) {

@@ -49,7 +49,7 @@ private:
 
     /// Runs `work` on the services dispatcher's thread.
     void onServices(const JobPointer& job, std::function<void()> work) const;
-    /// Returns whether the request of a list asks for this key.
+    /// Returns whether a request for a list selects this key.
     bool isAsked(const InspectionRequest& request, const std::wstring& key) const;
 
     const std::shared_ptr<const ConfigInspector> inspector;

@@ -15,10 +15,10 @@ public:
 
     /// Runs `work` on the services dispatcher's thread.
     void run(const std::string& name, std::function<void()> work) const;
-    /// Runs `slice` there again and again until it returns false, each time behind the tasks that the client has posted
-    /// meanwhile.
+    /// Runs `slice` on that thread repeatedly until it returns false, each time after the tasks that the client has
+    /// posted meanwhile.
     void runSlices(const std::string& name, std::function<bool()> slice) const;
-    /// Runs `work` on the background dispatcher's thread, behind the queued writes.
+    /// Runs `work` on the background dispatcher's thread, after the queued writes.
     void runInBackground(const std::string& name, std::function<void()> work) const;
 
 private:

@@ -56,7 +56,7 @@ bool SettingsReport::proceed() {
 
 bool SettingsReport::readRecords() {
     const auto before = last;
-    const auto records = inspector->getRecords().getRecordsBehind(last, valuesPerSlice);
+    const auto records = inspector->getRecords().getRecordsAfter(last, valuesPerSlice);
     for (const auto& record : records) {
         last = record->getKey();
         if (!record->getisDefined()) {

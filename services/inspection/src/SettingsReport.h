@@ -11,8 +11,8 @@
 
 namespace inspection {
 
-/// Reads the values of one source in slices: of the user, of one store, those in force, or those that would be in force
-/// without the user's. Services dispatcher's thread.
+/// Reads the values of one source in slices: the user's, those of one store, those in force, or the administrator's.
+/// Services dispatcher's thread.
 class SettingsReport {
 public:
     /// Throws RequestError: Usage for an unknown source, Refused if there is no such store.

@@ -9,7 +9,8 @@ namespace inspection {
 void requireStorableKey(const std::wstring& key);
 void requireStorableValue(const std::wstring& value);
 
-/// Throws RequestError (Refused) for a value that the kind of the key excludes. Never quotes the value, too.
+/// Throws RequestError (Refused) for a value that the kind of the key excludes. The message does not quote the value
+/// either.
 void requirePermitted(const std::wstring& key, const std::wstring& value);
 
 /// Returns the key in the spelling of the catalogue, for messages.

@@ -14,7 +14,7 @@ class Watcher {
 public:
     virtual ~Watcher() = default;
 
-    /// Adds keys and patterns; none at all means every key.
+    /// Adds keys and patterns; an empty list means every key.
     void addPatterns(const std::vector<std::wstring>& added);
     void clearPatterns();
     void setShowsSecrets(bool shown) { showsSecrets = shown; }
@@ -22,8 +22,8 @@ public:
     /// `names` are the names of one key.
     bool isInterestedIn(const std::vector<std::wstring>& names) const;
 
-    /// Returns true if the watcher has to read before `count` events of `bytes` fit, and may still have the time for
-    /// it. It calls ChangeFeed::resume() when it has read or its time is over.
+    /// Returns true if `count` events of `bytes` do not fit yet and the distribution must wait. The watcher calls
+    /// ChangeFeed::resume() when it has read enough or its time is over.
     virtual bool needsTime(std::size_t bytes, std::size_t count) = 0;
     /// Sends the `count` events of a change, or counts them as lost if too many are queued.
     virtual void sendEvents(const std::shared_ptr<const std::string>& lines, std::size_t count) = 0;

@@ -63,7 +63,7 @@ struct InspectionChangeFeed : testing::Test {
     }
 };
 
-TEST_F(InspectionChangeFeed, AWatcherIsToldHowManyOfItsOwnEventsDidNotFit) {
+TEST_F(InspectionChangeFeed, AWatcherReceivesTheNumberOfItsLostEvents) {
     RecordingWatcher theme;
     RecordingWatcher volume;
     RecordingWatcher quiet;
@@ -89,7 +89,7 @@ TEST_F(InspectionChangeFeed, AWatcherIsToldHowManyOfItsOwnEventsDidNotFit) {
     EXPECT_THAT(everything.losses, ElementsAre(4U)) << "one event for each gap";
 }
 
-TEST_F(InspectionChangeFeed, ALostChangeOfSeveralPropertiesCountsAsManyEvents) {
+TEST_F(InspectionChangeFeed, ALostChangeCountsAsOneEventForEachProperty) {
     RecordingWatcher watcher;
     watch(watcher, {L"New", L"Other"});
     setInMemory(L"Theme", L"1");
@@ -104,7 +104,7 @@ TEST_F(InspectionChangeFeed, ALostChangeOfSeveralPropertiesCountsAsManyEvents) {
     EXPECT_EQ(watcher.losses.front(), watcher.received) << "each new key has the same number of events";
 }
 
-TEST_F(InspectionChangeFeed, ABusyWatcherDelaysTheChangesOfAllUntilItResumesOrLeaves) {
+TEST_F(InspectionChangeFeed, ABusyWatcherDelaysTheEventsOfAllWatchersUntilItResumesOrDisconnects) {
     RecordingWatcher busy;
     RecordingWatcher other;
     watch(busy, {L"Theme"});
@@ -129,7 +129,7 @@ TEST_F(InspectionChangeFeed, ABusyWatcherDelaysTheChangesOfAllUntilItResumesOrLe
     EXPECT_THAT(other.losses, ElementsAre());
 }
 
-TEST_F(InspectionChangeFeed, AKeyIsLostUnderItsOldNameToo) {
+TEST_F(InspectionChangeFeed, ALostEventIsCountedForAWatcherOfTheOldName) {
     RecordingWatcher watcher;
     watch(watcher, {L"TftpServer1"});
     setInMemory(L"TFTPPrimaryServer", L"begin");
@@ -141,7 +141,7 @@ TEST_F(InspectionChangeFeed, AKeyIsLostUnderItsOldNameToo) {
     EXPECT_THAT(watcher.losses, ElementsAre(1U));
 }
 
-TEST_F(InspectionChangeFeed, TheMarkOfAKeyCountsAtTheTimeOfTheChange) {
+TEST_F(InspectionChangeFeed, AChangeIsMaskedIfItsKeyWasMarkedBeforeIt) {
     RecordingWatcher watcher;
     watch(watcher, {L"Theme"});
     host.onServices([&] { host.service().setKeySensitive(L"Theme"); });

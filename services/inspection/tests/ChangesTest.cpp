@@ -72,7 +72,7 @@ struct InspectionFaults : InspectionChanges {
         std::make_shared<testing_host::FaultInjectingFileLayer>();
 };
 
-TEST_F(InspectionFaults, AChangeThatIsNotOnTheDiskIsAFailureWithItsReason) {
+TEST_F(InspectionFaults, AChangeThatIsNotOnTheDiskFailsWithTheReason) {
     fillDisk();
     auto reply = peer.ask({{"verb", "set"}, {"key", "Theme"}, {"value", "dark"}});
     EXPECT_EQ(reply["exitCode"], 3);
@@ -88,7 +88,7 @@ TEST_F(InspectionFaults, AChangeThatIsNotOnTheDiskIsAFailureWithItsReason) {
     EXPECT_EQ(peer.ask({{"verb", "set"}, {"key", "Theme"}, {"value", "light"}})["type"], "done");
 }
 
-TEST_F(InspectionFaults, ASecondSetOfTheSameValueIsAFailureUntilItIsOnTheDisk) {
+TEST_F(InspectionFaults, ASecondSetOfTheSameValueFailsUntilItIsOnTheDisk) {
     const Json request{{"verb", "set"}, {"key", "Theme"}, {"value", "dark"}};
     fillDisk();
     EXPECT_EQ(peer.ask(request)["exitCode"], 3);
@@ -98,7 +98,7 @@ TEST_F(InspectionFaults, ASecondSetOfTheSameValueIsAFailureUntilItIsOnTheDisk) {
     EXPECT_EQ(peer.ask(request)["type"], "done");
 }
 
-TEST_F(InspectionFaults, HealthReportsWhatWaitsToBeWritten) {
+TEST_F(InspectionFaults, HealthReportsPendingWrites) {
     fillDisk();
     peer.ask({{"verb", "set"}, {"key", "Theme"}, {"value", "dark"}});
     auto reply = peer.ask({{"verb", "health"}});
@@ -110,7 +110,7 @@ TEST_F(InspectionFaults, HealthReportsWhatWaitsToBeWritten) {
     EXPECT_THAT(writes, AllOf(HasSubstr("the last write failed"), HasSubstr("a change waits to be written")));
 }
 
-TEST(InspectionSdkMode, ASetIsAFailureBecauseNoSettingsOfTheUserAreStored) {
+TEST(InspectionSdkMode, ASetFailsBecauseTheUsersSettingsAreNotStored) {
     TestHost host({}, {{L"Lumora_SDK_Mode", L"true"}});
     Peer peer(host);
     auto reply = peer.ask({{"verb", "set"}, {"key", "Theme"}, {"value", "dark"}});
@@ -120,13 +120,13 @@ TEST(InspectionSdkMode, ASetIsAFailureBecauseNoSettingsOfTheUserAreStored) {
     EXPECT_EQ(peer.ask({{"verb", "get"}, {"key", "Theme"}})["value"], "dark");
 }
 
-TEST_F(InspectionChanges, ASetOfTheSameValueIsDone) {
+TEST_F(InspectionChanges, ASetOfTheSameValueSucceeds) {
     const Json request{{"verb", "set"}, {"key", "Theme"}, {"value", "dark"}};
     EXPECT_EQ(peer.ask(request)["type"], "done");
     EXPECT_EQ(peer.ask(request)["type"], "done");
 }
 
-TEST_F(InspectionChanges, ASetThatTheClientDoesNotWriteIsAFailureAlthoughAnEarlierWriteSucceeded) {
+TEST_F(InspectionChanges, ASetThatTheClientDoesNotWriteFailsEvenAfterASuccessfulWrite) {
     ASSERT_EQ(peer.ask({{"verb", "set"}, {"key", "Theme"}, {"value", "dark"}})["type"], "done");
     // The client does not overwrite a readable file while the other one is unreadable.
     testing_host::writeFile(host.getProfile().config() / "lumoraLocalConfig_backup.dat", "damaged");
@@ -135,13 +135,13 @@ TEST_F(InspectionChanges, ASetThatTheClientDoesNotWriteIsAFailureAlthoughAnEarli
     EXPECT_THAT(reply["message"].get<std::string>(), HasSubstr("is not written while its backup is damaged"));
 }
 
-TEST_F(InspectionChanges, ASetInMemoryEndsWithTheClientAndIsNotOnTheDisk) {
+TEST_F(InspectionChanges, ASetInMemoryLastsUntilTheClientEndsAndIsNotOnTheDisk) {
     EXPECT_EQ(peer.ask({{"verb", "memory"}, {"key", "Fresh"}, {"value", "1"}})["message"],
               "Fresh set for this run; in force: \"1\" from InMemoryConfigStore");
     EXPECT_FALSE(std::filesystem::exists(host.getProfile().config() / "lumoraLocalConfig.dat"));
 }
 
-TEST_F(InspectionChanges, ASetInMemoryIsRefusedForTheReasonsOfSetUnlessItIsForced) {
+TEST_F(InspectionChanges, ASetInMemoryOfAnUnsuitableKeyOrValueIsRefusedUnlessItIsForced) {
     Json request{{"verb", "memory"}, {"key", "AllowUrlProvisioning"}, {"value", "perhaps"}};
     auto refused = peer.ask(request);
     EXPECT_EQ(refused["exitCode"], 1);
@@ -151,13 +151,13 @@ TEST_F(InspectionChanges, ASetInMemoryIsRefusedForTheReasonsOfSetUnlessItIsForce
     EXPECT_EQ(peer.ask(request)["type"], "done");
 }
 
-TEST_F(InspectionChanges, ALoadOfTheSameValuesIsDone) {
+TEST_F(InspectionChanges, ALoadOfTheSameValuesSucceeds) {
     const Json request{{"verb", "load"}, {"values", {{{"key", "Theme"}, {"value", "dark"}}}}};
     EXPECT_EQ(peer.ask(request)["added"], 1);
     EXPECT_EQ(peer.ask(request)["unchanged"], 1);
 }
 
-TEST_F(InspectionFaults, ALoadThatIsNotOnTheDiskIsAFailureWithItsReason) {
+TEST_F(InspectionFaults, ALoadThatIsNotOnTheDiskFailsWithTheReason) {
     fillDisk();
     auto reply = peer.ask({{"verb", "load"}, {"values", {{{"key", "Theme"}, {"value", "dark"}}}}});
     EXPECT_EQ(reply["exitCode"], 3);
@@ -165,7 +165,7 @@ TEST_F(InspectionFaults, ALoadThatIsNotOnTheDiskIsAFailureWithItsReason) {
                 HasSubstr("the values are set for this run only, because they are not on the disk"));
 }
 
-TEST_F(InspectionChanges, ADocumentOfDeviceManagementArrivesAndIsReported) {
+TEST_F(InspectionChanges, ADocumentOfDeviceManagementIsReportedToWatchers) {
     Peer watcher(host);
     ASSERT_EQ(watcher.ask({{"verb", "watch"}, {"keys", {"Managed"}}})["type"], "done");
     auto reply = peer.ask({{"verb", "mdm"}, {"document", "<Config><Group><Managed>1</Managed></Group></Config>"}});
@@ -175,7 +175,7 @@ TEST_F(InspectionChanges, ADocumentOfDeviceManagementArrivesAndIsReported) {
     EXPECT_EQ(event["store"], "MdmConfigStore");
 }
 
-TEST_F(InspectionChanges, TheDocumentOfAnotherServiceIsReportedWhenItArrives) {
+TEST_F(InspectionChanges, ADocumentOfAnotherServiceIsReportedToWatchers) {
     ASSERT_EQ(peer.ask({{"verb", "watch"}, {"keys", {"FromServer"}}})["type"], "done");
     addDocument("Foreign");
     auto event = peer.receive();
@@ -210,7 +210,7 @@ TEST_F(InspectionChanges, RemovingAStoreLeavesTheRecordsOfTheOthers) {
     EXPECT_LT(record().size(), before.size());
 }
 
-TEST_F(InspectionChanges, RemovingAStoreReportsTheTruthAboutItsCopy) {
+TEST_F(InspectionChanges, RemovingAStoreReportsWhetherItHadACopyOrIsCreatedAgain) {
     addDocument("Plain", false);
     EXPECT_EQ(remove("Plain")["message"], "Plain removed; it has no copy on the disk");
     EXPECT_THAT(remove("RegistryConfigStore")["message"].get<std::string>(),

@@ -51,7 +51,7 @@ TEST(InspectionConnections, AnOversizedRequestIsRefusedAndDoesNotAffectOthers) {
     EXPECT_EQ(greedy.ask({{"id", 2}, {"verb", "hello"}})["id"], 2) << "the rest of the long line is ignored";
 }
 
-TEST(InspectionConnections, ARequestOfManyTimesTheLimitIsRefusedOnce) {
+TEST(InspectionConnections, AVeryLongRequestIsRefusedOnce) {
     inspection::InspectionLimits limits;
     limits.requestBytes = 100;
     TestHost host(limits);
@@ -61,7 +61,7 @@ TEST(InspectionConnections, ARequestOfManyTimesTheLimitIsRefusedOnce) {
     EXPECT_EQ(peer.ask({{"verb", "hello"}})["type"], "hello");
 }
 
-TEST(InspectionConnections, AHalfOpenConnectionIsDropped) {
+TEST(InspectionConnections, AConnectionWithoutARequestIsDropped) {
     inspection::InspectionLimits limits;
     limits.requestTime = std::chrono::milliseconds(50);
     TestHost host(limits);

@@ -17,7 +17,7 @@ Json withPlaceholders(const Json& example, Json actual) {
     return actual;
 }
 
-TEST(InspectionDocumentation, ExamplesAreAnsweredAsPrinted) {
+TEST(InspectionDocumentation, TheExamplesGetThePrintedReplies) {
     TestHost host({}, {{L"Theme", L"system"}});
     Peer peer(host);
     std::ifstream page(DOCUMENTATION);

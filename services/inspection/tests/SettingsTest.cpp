@@ -65,13 +65,13 @@ TEST_F(InspectionSettings, DumpReadsMoreValuesThanOneSliceHolds) {
     EXPECT_GE(dump({{"source", "effective"}}).size(), 202U);
 }
 
-TEST_F(InspectionSettings, DumpHidesSecretsUnlessTheyAreAskedFor) {
+TEST_F(InspectionSettings, DumpHidesSecretsUnlessTheyAreRequested) {
     host.set(L"connectionpassword", L"planted");
     EXPECT_THAT(dump({{"source", "user"}}), ElementsAre("connectionpassword=hidden"));
     EXPECT_THAT(dump({{"source", "user"}, {"showSecrets", true}}), ElementsAre("connectionpassword=planted"));
 }
 
-TEST(InspectionPolicies, ThatLookLikePasswordsAreHiddenFromTheStart) {
+TEST(InspectionPolicies, AreHiddenFromTheStartIfTheyLookLikePasswords) {
     const TestHost host({}, {}, {"MyConnectionPasswordOld", "planted"});
     Peer peer(host);
     EXPECT_EQ(peer.ask({{"verb", "get"}, {"key", "MyConnectionPasswordOld"}})["value"], "VALUE_HIDDEN");
@@ -118,14 +118,14 @@ TEST_F(InspectionSettings, LoadSetsNothingIfOneValueIsRefused) {
     }
 }
 
-TEST_F(InspectionSettings, LoadIsRefusedWhereChangesAre) {
+TEST_F(InspectionSettings, LoadIsRefusedIfChangesAreNotAllowed) {
     host.setPolicy("InspectionAllowsChanges", "false");
     EXPECT_EQ(load(makeValues({{"A", "1"}}), {{"dryRun", true}})["set"], 1);
     EXPECT_THAT(load(makeValues({{"A", "1"}}))["message"].get<std::string>(), HasSubstr("InspectionAllowsChanges"));
     EXPECT_THAT(dump({{"source", "user"}}), ElementsAre());
 }
 
-TEST(InspectionLoad, ForgetsValuesBeyondTheLimit) {
+TEST(InspectionLoad, DropsAllValuesIfTheyExceedTheLimit) {
     inspection::InspectionLimits limits;
     limits.stagedBytes = 100;
     TestHost host(limits);

@@ -139,7 +139,7 @@ void expectValues(Peer& peer, int keys, const std::string& value) {
     }
 }
 
-TEST(InspectionWatchers, AReadingWatcherMissesNoneOfManyChangesAtOnce) {
+TEST(InspectionWatchers, AWatcherThatReadsReceivesTenThousandChangesMadeAtOnce) {
     constexpr int keys = 10000;
     TestHost host;
     Peer peer(host);
@@ -174,7 +174,7 @@ TEST(InspectionWatchers, AWatcherThatDoesNotReadLosesChangesAndTheOthersLoseNone
     EXPECT_EQ(silent.receive()["new"], "end");
 }
 
-TEST(InspectionWatchers, AReadingWatcherMissesNoChangeWhileOthersDisconnect) {
+TEST(InspectionWatchers, AWatcherThatReadsReceivesEveryChangeWhileOthersDisconnect) {
     constexpr int changes = 300;
     TestHost host;
     Peer peer(host);

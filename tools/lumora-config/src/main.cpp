@@ -92,6 +92,12 @@ ProfileUse getProfileUse(const CommandLine& line) {
     return changes ? ProfileUse::Change : ProfileUse::Read;
 }
 
+/// A bundle and a report show what the stores contain. They are needed most when a file is damaged.
+DefaultsUse getDefaultsUse(const CommandLine& line, ProfileUse use) {
+    const bool reports = line.command.name == "bundle" || line.command.name == "report";
+    return reports && use == ProfileUse::Read ? DefaultsUse::Optional : DefaultsUse::Required;
+}
+
 /// The files of a profile do not contain all values of a running client. A command that changes the profile finds its
 /// lock held instead.
 void refuseBesideClient(const CommandLine& line) {
@@ -131,8 +137,12 @@ ExitCode withSession(const CommandLine& line, Printer& printer, const std::funct
         refuseBesideClient(line);
         warnBesideOthers(line, printer);
     }
-    ConfigHost host(line.directories, line.pluginDirectory, line.verbose, profileUse, line.plugins);
+    ConfigHost host(line.directories, line.pluginDirectory, line.verbose, profileUse, getDefaultsUse(line, profileUse),
+                    line.plugins);
     showHealthNotice(host.getConfigDirectory(), printer);
+    if (const auto& problem = host.getDefaultsProblem(); !problem.empty()) {
+        printer.showWarning(problem + "; the values of this file are missing");
+    }
     Session session(host, printer, line.showSecrets);
     host.start();
     host.loadForeignPlugins();
@@ -230,7 +240,7 @@ ExitCode watch(const CommandLine& line, Outputs& outputs) {
 /// Runs the command on the client that uses the profile. Returns nothing if there is none, or none that can be asked.
 std::optional<ExitCode> runLive(const CommandLine& line, Printer& printer) {
     const bool isShell = line.command.name == "shell";
-    if (!mayAskClient(line) || (!isShell && !LiveCommands::canRun(line.command))) {
+    if (!mayAskClient(line) || (!isShell && !LiveCommands::canRun(line.command.name))) {
         return std::nullopt;
     }
     KyrCoreUtils::FileUtils::overrideDirectories(line.directories);

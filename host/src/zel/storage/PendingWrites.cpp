@@ -48,7 +48,7 @@ public:
         return state;
     }
 
-    KyrCoreUtils::AnnotatedMutex<> turn; ///< Held during an attempt.
+    KyrCoreUtils::AnnotatedMutex<> attemptMutex; ///< Held during an attempt.
 
 private:
     State state;
@@ -67,7 +67,7 @@ bool PendingWrites::write(const std::string& path, const ProtectedText& content,
     const auto entry = makeEntry(path);
     bool isKept = false;
     {
-        const KyrCoreUtils::LockGuard turn(entry->turn);
+        const KyrCoreUtils::LockGuard attemptLock(entry->attemptMutex);
         const std::string cause = attempt(path, content, category);
         if (cause.empty()) {
             succeed(*entry);
@@ -97,7 +97,7 @@ bool PendingWrites::retry(const Attempt& attempt) {
 }
 
 void PendingWrites::retryOne(Entry& entry, const Attempt& attempt) {
-    const KyrCoreUtils::LockGuard turn(entry.turn);
+    const KyrCoreUtils::LockGuard attemptLock(entry.attemptMutex);
     std::optional<Kept> kept;
     std::string path;
     std::string lastCause;
@@ -141,7 +141,7 @@ PendingWrites::Extracted PendingWrites::extract(const std::string& path) {
     Extracted extracted;
     extracted.entry = findEntry(path);
     if (extracted.entry) {
-        const KyrCoreUtils::LockGuard turn(extracted.entry->turn);
+        const KyrCoreUtils::LockGuard attemptLock(extracted.entry->attemptMutex);
         extracted.kept = getKept(*extracted.entry);
         setKept(*extracted.entry, std::nullopt);
         const KyrCoreUtils::LockGuard lock(mutex);
@@ -154,7 +154,7 @@ void PendingWrites::putBack(const Extracted& extracted) {
     if (!extracted.kept) {
         return;
     }
-    const KyrCoreUtils::LockGuard turn(extracted.entry->turn);
+    const KyrCoreUtils::LockGuard attemptLock(extracted.entry->attemptMutex);
     {
         const KyrCoreUtils::LockGuard lock(mutex);
         if (extracted.entry->getState(*this).writes != extracted.writes) {
@@ -166,7 +166,7 @@ void PendingWrites::putBack(const Extracted& extracted) {
 
 void PendingWrites::drop(FileCategory category) {
     for (const auto& entry : getBelow("")) {
-        const KyrCoreUtils::LockGuard turn(entry->turn);
+        const KyrCoreUtils::LockGuard attemptLock(entry->attemptMutex);
         if (const auto kept = getKept(*entry); kept && kept->category == category) {
             setKept(*entry, std::nullopt);
         }
@@ -175,7 +175,7 @@ void PendingWrites::drop(FileCategory category) {
 
 void PendingWrites::giveUp(const std::string& directory) {
     for (const auto& entry : getBelow(directory)) {
-        const KyrCoreUtils::LockGuard turn(entry->turn);
+        const KyrCoreUtils::LockGuard attemptLock(entry->attemptMutex);
         std::string lost;
         {
             const KyrCoreUtils::LockGuard lock(mutex);

@@ -142,7 +142,7 @@ TEST_F(DurableFileTest, APowerCutAtAnyMomentLeavesTheOldOrTheNewContent) {
     }
 }
 
-TEST_F(DurableFileTest, SuccessLeavesNoUnsyncedName) {
+TEST_F(DurableFileTest, AReplacedFileHasNoUnsyncedName) {
     startOver();
     FaultInjectingFileLayer layer;
     EXPECT_EQ(DurableFile::replace(layer, path, newContent), 0);

@@ -117,7 +117,7 @@ TEST_F(FaultInjectingFileLayerTest, FailsAtTheChosenCallOnce) {
     EXPECT_EQ(layer.unlink(first), ENOENT);
 }
 
-TEST_F(FaultInjectingFileLayerTest, FailsEveryCallAfterItsDeath) {
+TEST_F(FaultInjectingFileLayerTest, FailsEveryCallFromTheChosenOneOn) {
     layer.dieAt(2);
     ASSERT_EQ(layer.createDirectory(folder + "/a"), 0);
     EXPECT_EQ(layer.createDirectory(folder + "/b"), EIO);

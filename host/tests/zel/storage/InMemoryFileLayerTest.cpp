@@ -87,7 +87,7 @@ TEST_F(InMemoryFileLayerTest, KeepsANewFileWithAllPartsInMemory) {
     EXPECT_THAT(namesIn(profile.config()), IsEmpty());
 }
 
-TEST_F(InMemoryFileLayerTest, ReadsTheDiskWhereNothingIsChanged) {
+TEST_F(InMemoryFileLayerTest, ReadsUnchangedFilesFromTheDisk) {
     writeFile(path, "disk");
     EXPECT_EQ(read(path), "disk");
     EXPECT_FALSE(layer.isChanged(path));
@@ -116,7 +116,7 @@ TEST_F(InMemoryFileLayerTest, NamesOnTheDiskAreUtf8) {
     EXPECT_EQ(read(folder + "/moved"), "old");
 }
 
-TEST_F(InMemoryFileLayerTest, ANewFileNeedsAFreeNameAndADirectory) {
+TEST_F(InMemoryFileLayerTest, CreatingAFileFailsIfItsNameExistsOrItsDirectoryDoesNot) {
     FileLayer::Handle handle = -1;
     writeFile(path, "disk");
     EXPECT_EQ(layer.createFile(path, handle), EEXIST);
@@ -190,7 +190,7 @@ TEST_F(InMemoryFileLayerTest, AnExistingDirectoryKeepsItsMode) {
     EXPECT_EQ(fs::status(profile.config()).permissions(), fs::perms(0750));
 }
 
-TEST_F(InMemoryFileLayerTest, LocksNothing) {
+TEST_F(InMemoryFileLayerTest, LockingADirectoryDoesNotAcquireTheLockOnTheDisk) {
     FileLayer::Handle held = -1;
     FileLayer::Handle handle = -1;
     const auto folder = profile.config().string();
@@ -238,7 +238,7 @@ TEST_F(InMemoryProcessTest, FileUtilsChangeNothingOnTheDiskAndSeeTheirChanges) {
     EXPECT_THAT(namesIn(profile.config()), ElementsAre("a.txt"));
 }
 
-TEST_F(InMemoryProcessTest, StreamsShowOnlyWhatTheDiskContains) {
+TEST_F(InMemoryProcessTest, StreamsOnlyReadFilesThatAreUnchangedOnTheDisk) {
     using KyrCoreUtils::FstreamUtils;
     using KyrCoreUtils::StreamMode;
     writeFile(path, "disk");
@@ -274,7 +274,7 @@ TEST_F(InMemoryProcessTest, AFailedMoveKeepsThePendingContentOfAFileInMemory) {
     writes.clear();
 }
 
-TEST_F(InMemoryProcessTest, ADamagedFileIsReplacedInMemoryAndReportedAsItIsOnTheDisk) {
+TEST_F(InMemoryProcessTest, ADamagedFileIsReplacedInMemoryAndReportedAsDamaged) {
     const auto file = pathOf("lumoraLocalConfig.dat");
     writeFile(file, "damaged");
     EXPECT_TRUE(EncryptFileUtils::writeDataToFile(file, PlainText("value"), UserData));

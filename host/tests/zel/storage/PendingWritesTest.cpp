@@ -151,7 +151,7 @@ TEST_F(PendingWritesTest, ANewerWriteReplacesKeptContentAndIsNeverOverwritten) {
     EXPECT_EQ(onDisk(), "newest");
 }
 
-TEST_F(PendingWritesTest, EmptyContentIsRefusedWithoutALineAndReplacesNothing) {
+TEST_F(PendingWritesTest, EmptyContentIsRefusedWithoutALogLineAndReplacesNothing) {
     EXPECT_FALSE(write("new"));
     const LogRecorder log(LogRecorder::Debug::On);
     EXPECT_FALSE(write(""));
@@ -175,7 +175,7 @@ TEST_F(PendingWritesTest, RemovingTheFileDropsKeptContent) {
     EXPECT_EQ(read(), "");
 }
 
-TEST_F(PendingWritesTest, AFileOfWhichOnlyKeptContentExistsIsReportedUntilItIsRemoved) {
+TEST_F(PendingWritesTest, AFileThatExistsOnlyAsKeptContentIsReportedUntilItIsRemoved) {
     const std::string never = storage.configFile("never.dat");
     EXPECT_FALSE(EncryptFileUtils::writeDataToFile(never, PlainText("new"), UserData));
     EXPECT_TRUE(FileUtils::fileExists(never));
@@ -266,7 +266,7 @@ TEST_F(PendingWritesTest, RetriesKeepAnUnreadableFileOnce) {
     EXPECT_EQ(onDisk(), "new");
 }
 
-TEST_F(PendingWritesTest, ContentThatCannotBeCopiedIsNotKeptAndLogged) {
+TEST_F(PendingWritesTest, ContentThatCannotBeCopiedIsDroppedAndLogged) {
     class Uncopied final : public zel::storage::ProtectedText {
     public:
         bool isEmpty() const override { return false; }

@@ -123,7 +123,7 @@ TEST_F(ProtectedFileFormatTest, AFileOfAnotherCategoryDoesNotOpenEvenWithTheSame
     EXPECT_EQ(open(moved), ReadResult::Damaged);
 }
 
-TEST_F(ProtectedFileFormatTest, AFileSealedByTheDescriptionOfTheFormatOpens) {
+TEST_F(ProtectedFileFormatTest, AFileMadeByASecondImplementationOfTheFormatOpens) {
     EXPECT_EQ(open(testing_host::sealByDescription(clear, 2, key)), ReadResult::Ok);
     EXPECT_EQ(shown, clear);
     EXPECT_EQ(open(testing_host::sealByDescription(clear, 0, key), DeviceData, key), ReadResult::Ok);
@@ -144,7 +144,7 @@ TEST_F(ProtectedFileFormatTest, SealingRefusesEmptyAndTooLongTexts) {
 }
 
 /// A folder written by the first release, which must always stay readable.
-TEST_F(ProtectedFileFormatTest, TheFirstReleasesFilesOpen) {
+TEST_F(ProtectedFileFormatTest, FilesOfTheFirstReleaseOpen) {
     const std::filesystem::path data = LUMORA_TEST_DATA;
     FileKeyProvider provider(FileLayer::platform(), (data / "first-release").string());
     for (const auto& [category, name] : {std::pair{UserData, "lumoraLocalConfig.dat"},

@@ -13,7 +13,7 @@ TEST(ReadResult, IsDescribedInWords) {
     EXPECT_EQ(describe(ReadResult::Empty), "empty");
 }
 
-TEST(ReadResult, OfAnUnknownNumberIsDescribedAsUnknown) {
+TEST(ReadResult, AnUnknownNumberIsDescribedAsUnknown) {
     EXPECT_EQ(describe(static_cast<ReadResult>(77)), "unknown");
 }
 

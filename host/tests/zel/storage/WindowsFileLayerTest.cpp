@@ -81,18 +81,18 @@ TEST_F(WindowsFileLayerTest, ASecondLockOfADirectoryWaitsForTheFirst) {
     EXPECT_TRUE(fs::is_empty(folder)) << "a lock leaves nothing";
 }
 
-TEST_F(WindowsFileLayerTest, WhatItCreatesBelongsToTheUserAndIsNotOpenToAll) {
+TEST_F(WindowsFileLayerTest, CreatedFilesBelongToTheUserAndAreNotAccessibleToAll) {
     write("text");
     ASSERT_EQ(layer.createDirectory(path + ".folder"), 0);
     for (const auto& name : {path, path + ".folder"}) {
-        const auto access = KyrCoreUtils::FileAccess::of(name);
+        const auto access = KyrCoreUtils::FileAccess::read(name);
         ASSERT_TRUE(access) << name;
         EXPECT_EQ(access->owner, KyrCoreUtils::FileAccess::Owner::Self) << name;
         EXPECT_FALSE(access->writableByEverybody) << name;
     }
 }
 
-TEST(KeyProtection, AWrappedKeyIsNotInTheClearAndComesBack) {
+TEST(KeyProtection, AWrappedKeyIsEncryptedAndUnwrapsToTheSameKey) {
     MasterKey key;
     std::fill_n(key.data(), MasterKey::length, static_cast<unsigned char>('k'));
     std::string wrapped;
@@ -103,7 +103,7 @@ TEST(KeyProtection, AWrappedKeyIsNotInTheClearAndComesBack) {
     EXPECT_TRUE(std::equal(key.data(), key.data() + MasterKey::length, read.data()));
 }
 
-TEST(KeyProtection, ChangedBytesAreNoKey) {
+TEST(KeyProtection, ChangedBytesCannotBeUnwrapped) {
     const MasterKey key;
     std::string wrapped;
     ASSERT_TRUE(KeyProtection::wrap(key, wrapped));

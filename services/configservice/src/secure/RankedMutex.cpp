@@ -24,7 +24,8 @@ void LockOrder::enter(const void* lock, int rank) {
     const bool again = std::any_of(held.begin(), held.end(), [&](const Held& each) { return each.lock == lock; });
     const auto inner = std::find_if(held.begin(), held.end(), [&](const Held& each) { return each.rank >= rank; });
     if (!again && inner != held.end()) {
-        std::fprintf(stderr, "The lock order is broken: rank %d is taken while rank %d is held.\n", rank, inner->rank);
+        std::fprintf(stderr, "The lock order is broken: rank %d is acquired while rank %d is held.\n", rank,
+                     inner->rank);
         std::abort();
     }
     held.push_back({lock, rank});

@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <chrono>
 #include <functional>
+#include <iterator>
 #include <set>
 #include <string>
 #include <utility>
@@ -65,8 +66,9 @@ public:
         }
     }
 
-    Bundle finish(const std::string& madeAt) && {
-        BundleSummary list{"", madeAt, summary};
+    Bundle finish(const ChainFindings& chain) && {
+        BundleSummary list{"", chain.madeAt, summary, {}};
+        std::ranges::copy_if(chain.health.items, std::back_inserter(list.problems), &HealthItem::needsAttention);
         auto index = printText([&](Printer& printer) { printer.showBundle(list); });
         list.members.insert(list.members.begin(), {"index.txt", index.size(), "this list"});
         members.insert(members.begin(), {"index.txt", std::move(index)});
@@ -134,7 +136,7 @@ Bundle makeBundle(BundleContent content) {
     for (const auto& log : content.logs) {
         members.add("log/" + names.add(log.name), "a log file", mask.maskLog(log.text));
     }
-    return std::move(members).finish(chain.madeAt);
+    return std::move(members).finish(chain);
 }
 
 std::string nameBundle(const std::string& configDirectory, const std::string& madeAt) {

@@ -46,29 +46,6 @@ std::string getHiddenText() {
     return toString(std::wstring(ZelUnified::ConfigKeys::valueHidden));
 }
 
-std::string escapeXml(std::string_view text) {
-    std::string escaped;
-    for (const char c : text) {
-        switch (c) {
-        case '&':
-            escaped += "&amp;";
-            break;
-        case '<':
-            escaped += "&lt;";
-            break;
-        case '>':
-            escaped += "&gt;";
-            break;
-        case '"':
-            escaped += "&quot;";
-            break;
-        default:
-            escaped += c;
-        }
-    }
-    return escaped;
-}
-
 void replaceAll(std::string& text, std::string_view wanted, std::string_view replacement) {
     for (auto found = text.find(wanted); found != std::string::npos;
          found = text.find(wanted, found + replacement.size())) {

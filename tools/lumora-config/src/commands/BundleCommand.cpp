@@ -13,8 +13,6 @@
 #include <kyr/ProcessUtils.h>
 #include <kyr/StringUtils.h>
 
-#include <FleetKeys.h>
-
 #include <algorithm>
 #include <chrono>
 #include <filesystem>
@@ -94,9 +92,6 @@ void addLocalContent(BundleContent& content, const std::string& configDirectory)
             content.sensitiveKeys.push_back(toString(facts.key));
             content.sensitiveKeys.push_back(toString(facts.oldName.value_or(facts.key)));
         }
-    }
-    for (const auto key : ZelUnified::FleetKeys::sensitiveKeys) {
-        content.sensitiveKeys.push_back(toString(key));
     }
     content.logs = readLogs(FileUtils::getStateDirectory());
 }

@@ -183,6 +183,16 @@ void addShellCommands(CLI::App& app, Command& command) {
     addCommand(app, command, "quit", "Leave the shell")->alias("exit");
 }
 
+/// Hides the commands that cannot run. The shell itself carries out "help" and "quit".
+void hideOthers(CLI::App& app, const CommandFilter& canRun) {
+    for (auto* command : app.get_subcommands([](const CLI::App*) { return true; })) {
+        const auto& name = command->get_name();
+        if (name != "help" && name != "quit" && !canRun(name)) {
+            command->group("");
+        }
+    }
+}
+
 } // namespace
 
 void addCommands(CLI::App& app, Command& command, CommandScope scope) {
@@ -206,10 +216,11 @@ void addCommands(CLI::App& app, Command& command, CommandScope scope) {
         ->add_option("COMMAND", command.topic, "The command");
 }
 
-Command parseShellCommand(std::vector<std::string> words) {
+Command parseShellCommand(std::vector<std::string> words, const CommandFilter& canRun) {
     Command command;
     CLI::App app("Commands of the shell");
     addCommands(app, command, CommandScope::Shell);
+    hideOthers(app, canRun);
     std::ranges::reverse(words);
     try {
         app.parse(words);
@@ -224,11 +235,16 @@ Command parseShellCommand(std::vector<std::string> words) {
     return command;
 }
 
-void withShellGrammar(const std::function<void(const CLI::App& grammar)>& use) {
+void withShellGrammar(const CommandFilter& canRun, const std::function<void(const CLI::App& grammar)>& use) {
     Command command;
     CLI::App app;
     addCommands(app, command, CommandScope::Shell);
+    hideOthers(app, canRun);
     use(app);
+}
+
+std::vector<const CLI::App*> listShownCommands(const CLI::App& grammar) {
+    return grammar.get_subcommands([](const CLI::App* command) { return !command->get_group().empty(); });
 }
 
 } // namespace lumora_config

@@ -65,11 +65,17 @@ enum class CommandScope { CommandLine, Shell };
 /// Adds every command of the scope to `app`. Parsing then writes to `command`, which must outlive the parse.
 void addCommands(CLI::App& app, Command& command, CommandScope scope);
 
+/// Returns true if a command of this name can run. The others are parsed, but neither listed nor suggested.
+using CommandFilter = std::function<bool(const std::string& name)>;
+
 /// Parses one line of the shell, already split into words. Throws Failure: Usage with a message; Done with the help
 /// text for "help".
-Command parseShellCommand(std::vector<std::string> words);
+Command parseShellCommand(std::vector<std::string> words, const CommandFilter& canRun);
 
 /// Calls `use` with the grammar of the shell, which exists during the call only.
-void withShellGrammar(const std::function<void(const CLI::App& grammar)>& use);
+void withShellGrammar(const CommandFilter& canRun, const std::function<void(const CLI::App& grammar)>& use);
+
+/// Returns the commands of the grammar without the hidden ones.
+std::vector<const CLI::App*> listShownCommands(const CLI::App& grammar);
 
 } // namespace lumora_config

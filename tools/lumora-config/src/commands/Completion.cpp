@@ -1,5 +1,7 @@
 #include "Completion.h"
 
+#include "CommandGrammar.h"
+
 #include <kyr/StringUtils.h>
 
 #include <CLI/CLI.hpp>
@@ -14,7 +16,7 @@ using KyrCoreUtils::toWideString;
 
 std::vector<Candidate> listCommands(const CLI::App& root) {
     std::vector<Candidate> commands;
-    for (const auto* command : root.get_subcommands([](const CLI::App*) { return true; })) {
+    for (const auto* command : listShownCommands(root)) {
         commands.push_back({command->get_name(), command->get_description()});
         for (const auto& alias : command->get_aliases()) {
             commands.push_back({alias, command->get_description()});

@@ -2,7 +2,6 @@
 #include "disk/Doctor.h"
 #include "disk/ResetFiles.h"
 #include "disk/SettingsOnDisk.h"
-#include "disk/StoreRemoval.h"
 #include "stores/PolicyFile.h"
 
 #include <kyr/FileUtils.h>
@@ -10,7 +9,9 @@
 #include <zel/EncryptFileUtils.h>
 
 #include <ConfigKeys.h>
+#include <StoreRemoval.h>
 
+#include <optional>
 #include <vector>
 
 namespace lumora_config {
@@ -154,9 +155,30 @@ void importPolicy(Session& session, const Command& command) {
 }
 
 void removeStore(Session& session, const Command& command) {
-    StoreRemoval removal(session.getHost(), command.store);
-    removal.run();
-    reportDone(session, command, removal.describe());
+    const auto& host = session.getHost();
+    if (!host.isStarted()) {
+        throw Failure(ExitCode::NotFound, "a store can be removed only while the feature set is started");
+    }
+    std::optional<ZelUnified::StoreRemoval> removal;
+    host.onServices("lumora-config: remove-store", [&] {
+        removal = ZelUnified::StoreRemoval::find(*host.getFeatureSet(), host.getConfigDirectory(), command.store);
+        if (removal) {
+            removal->removeFromChain(*host.getFeatureSet(), *host.getService());
+        }
+    });
+    if (!removal) {
+        throw Failure(ExitCode::NotFound, "there is no store '" + command.store + "'");
+    }
+    host.settle();
+    const auto check = session.getDiskCheck();
+    for (const auto& path : removal->getCopyPaths()) {
+        FileUtils::removeFile(path);
+        check.requireGone(path);
+    }
+    if (const auto& record = removal->getRemainingRecord()) {
+        check.requireRecord(*record);
+    }
+    reportDone(session, command, removal->describe());
 }
 
 } // namespace

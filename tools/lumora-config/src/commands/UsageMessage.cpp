@@ -1,5 +1,6 @@
 #include "UsageMessage.h"
 
+#include "CommandGrammar.h"
 #include "output/Failure.h"
 #include "stores/ClosestNames.h"
 
@@ -12,7 +13,7 @@ namespace {
 
 std::vector<std::string> nameCommands(const CLI::App& grammar) {
     std::vector<std::string> names;
-    for (const auto* command : grammar.get_subcommands([](const CLI::App*) { return true; })) {
+    for (const auto* command : listShownCommands(grammar)) {
         names.push_back(command->get_name());
         const auto& aliases = command->get_aliases();
         names.insert(names.end(), aliases.begin(), aliases.end());

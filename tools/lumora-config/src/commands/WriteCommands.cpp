@@ -133,13 +133,13 @@ void requireProvisioned(Session& session) {
 
 void provision(Session& session, const Command& command) {
     bool allowed = true;
-    bool taken = false;
+    bool accepted = false;
     session.getHost().onServices("lumora-config: provision", [&] {
         const auto policy = session.getChain().read(std::wstring(ConfigKeys::allowUrlProvisioning));
         allowed = !policy || !KyrCoreUtils::caseInsensitiveStringEquals(policy->value, L"false");
-        taken = session.getHost().getService()->setUrlProvisioningData(toWide(command.url));
+        accepted = session.getHost().getService()->setUrlProvisioningData(toWide(command.url));
     });
-    if (!taken) {
+    if (!accepted) {
         throw Failure(ExitCode::NotFound, allowed
                                               ? "the URL contains no setting that may be provisioned"
                                               : "provisioning by URL is not allowed: AllowUrlProvisioning is false");

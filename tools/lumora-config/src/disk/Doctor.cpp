@@ -56,6 +56,12 @@ std::string describeFile(const zel::storage::ProtectedFileHealth& file) {
     return file.pending ? text + ", a change is not written yet" : text;
 }
 
+/// An item names its path already.
+std::string withoutPath(const Failure& failure, const std::string& path) {
+    const std::string message = failure.what();
+    return message.starts_with(path + ": ") ? message.substr(path.size() + 2) : message;
+}
+
 std::string describePolicy(const PolicyImport& policy) {
     constexpr std::size_t mostMessages = 20;
     auto text = std::to_string(policy.taken.size()) + " keys";
@@ -151,10 +157,10 @@ void Doctor::examineDefaults() {
     const auto path =
         FileUtils::getResourcesDirectory() + FileUtils::FileSeparator() + std::string(ConfigKeys::configDefaultsFile);
     try {
-        requireDefaultsFile(FileUtils::getResourcesDirectory());
+        requireDefaultsInXml(FileUtils::getResourcesDirectory());
         addExisting("defaults", path, "good", false, writableByOthers);
     } catch (const Failure& failure) {
-        add("defaults", path, failure.what(), true);
+        add("defaults", path, withoutPath(failure, path), true);
     }
 }
 
@@ -209,7 +215,7 @@ void Doctor::examinePolicies(const std::string& folder) {
             addExisting("policy", path, describePolicy(policy),
                         !policy.refused.empty() || policy.countIneffective() != 0, writableByOthers);
         } catch (const Failure& failure) {
-            add("policy", path, failure.what(), true);
+            add("policy", path, withoutPath(failure, path), true);
         }
     }
 }

@@ -11,7 +11,6 @@
 #include <kyr/StringUtils.h>
 
 #include <ConfigCatalogue.h>
-#include <FleetKeys.h>
 
 #include <algorithm>
 #include <chrono>
@@ -124,13 +123,7 @@ std::vector<FleetPair> findPairs(const Action& action, const FleetAudience& audi
     return pairs;
 }
 
-/// The catalogue does not contain the keys of the fleet service, which a pair may name all the same.
 bool isSensitive(const std::wstring& key) {
-    for (const auto own : {ZelUnified::FleetKeys::username, ZelUnified::FleetKeys::password}) {
-        if (KyrCoreUtils::caseInsensitiveStringEquals(own, key)) {
-            return true;
-        }
-    }
     const auto facts = findKeyFacts(key);
     return facts && facts->sensitive;
 }

@@ -12,8 +12,8 @@
 #include <zel/LogSink.h>
 #include <zel/SystemMonitorFactory.h>
 
+#include <ConfigCatalogue.h>
 #include <ConfigServiceIds.h>
-#include <FleetKeys.h>
 #include <SensitivePolicies.h>
 
 #include <exception>
@@ -31,14 +31,16 @@ namespace {
 constexpr auto loaderLogger = "UnifiedFactory-PluginLoader";
 
 /// Sets the directories before anything reads them. Returns the configuration directory.
-std::string settleDirectories(const KyrCoreUtils::HostDirectories& directories) {
+std::string settleDirectories(const KyrCoreUtils::HostDirectories& directories, DefaultsUse defaults) {
     FileUtils::overrideDirectories(directories);
     auto configDirectory = FileUtils::getConfigDirectory();
     if (configDirectory.empty()) {
         throw Failure(ExitCode::Environment, "no usable configuration directory: a reset empties it, so it must be a "
                                              "folder of its own");
     }
-    requireDefaultsFile(FileUtils::getResourcesDirectory());
+    if (defaults == DefaultsUse::Required) {
+        requireDefaultsFile(FileUtils::getResourcesDirectory());
+    }
     return configDirectory;
 }
 
@@ -65,10 +67,24 @@ std::shared_ptr<UnifiedFactoryImpl> makeFactory(const std::string& pluginDirecto
     return std::make_shared<UnifiedFactoryImpl>(std::move(options));
 }
 
+/// Returns "" if the service has read the defaults file.
+std::string findDefaultsProblem() {
+    const auto folder = FileUtils::getResourcesDirectory();
+    try {
+        requireDefaultsInXml(folder);
+        requireDefaultsAccepted(folder, ProfileUse::Read);
+    } catch (const Failure& failure) {
+        return failure.what();
+    }
+    return {};
+}
+
 /// A fleet's password is in the profile whether or not its plug-in, which marks it too, is installed and started.
 void markSensitiveKeys(ZelUnified::ConfigFeatureSet& featureSet) {
-    for (const auto key : ZelUnified::FleetKeys::sensitiveKeys) {
-        featureSet.setKeySensitive(std::wstring(key));
+    for (const auto& row : ZelUnified::ConfigKeys::keys) {
+        if (row.markedByService) {
+            featureSet.setKeySensitive(std::wstring(row.name));
+        }
     }
     ZelUnified::markSensitivePolicies(featureSet);
 }
@@ -76,8 +92,8 @@ void markSensitiveKeys(ZelUnified::ConfigFeatureSet& featureSet) {
 } // namespace
 
 ConfigHost::ConfigHost(const KyrCoreUtils::HostDirectories& directories, const std::string& plugins, bool verbose,
-                       ProfileUse profileUse, std::vector<PluginSpec> foreignPlugins)
-    : configDirectory(settleDirectories(directories)),
+                       ProfileUse profileUse, DefaultsUse defaults, std::vector<PluginSpec> foreignPlugins)
+    : configDirectory(settleDirectories(directories, defaults)),
       pluginDirectory(findPluginFolder(plugins)),
       foreign(std::move(foreignPlugins)),
       use(profileUse),
@@ -92,7 +108,11 @@ ConfigHost::ConfigHost(const KyrCoreUtils::HostDirectories& directories, const s
     factory->Init();
     try {
         load();
-        requireDefaultsAccepted(FileUtils::getResourcesDirectory(), use);
+        if (defaults == DefaultsUse::Required) {
+            requireDefaultsAccepted(FileUtils::getResourcesDirectory(), use);
+        } else {
+            defaultsProblem = findDefaultsProblem();
+        }
     } catch (...) {
         end();
         throw;
@@ -212,8 +232,9 @@ void ConfigHost::load() {
 void ConfigHost::end() {
     // A value that waits to be written sets the timer of the backup, whose alarm posts the write.
     settle();
-    timerSwitch->fireAll();
-    settle();
+    if (timerSwitch->fireAll()) {
+        settle();
+    }
     factory->Destroy();
     service.reset();
     featureSet.reset();

@@ -29,7 +29,8 @@ public:
     /// Loads the plug-in from the folder `plugins` or, if that is empty, from the folder beside the program. Does not
     /// start the feature set. Throws Failure (Environment) and leaves nothing running.
     ConfigHost(const KyrCoreUtils::HostDirectories& directories, const std::string& plugins, bool verbose,
-               ProfileUse profileUse, std::vector<PluginSpec> foreignPlugins = {});
+               ProfileUse profileUse, DefaultsUse defaults = DefaultsUse::Required,
+               std::vector<PluginSpec> foreignPlugins = {});
     ~ConfigHost();
     ConfigHost(const ConfigHost&) = delete;
     ConfigHost& operator=(const ConfigHost&) = delete;
@@ -66,6 +67,8 @@ public:
     const std::shared_ptr<ZelUnified::ConfigFeatureSet>& getFeatureSet() const { return featureSet; }
     const std::shared_ptr<ZelUnified::ConfigService>& getService() const { return service; }
     const std::string& getConfigDirectory() const { return configDirectory; }
+    /// Returns why the values of the defaults file are missing; "" if they are not.
+    const std::string& getDefaultsProblem() const { return defaultsProblem; }
     /// Returns true if this process holds the lock of the profile.
     bool isProfileLocked() const { return lock.has_value(); }
 
@@ -86,6 +89,7 @@ private:
     const std::shared_ptr<ZelUnified::UnifiedFactoryImpl> factory;
     std::shared_ptr<ZelUnified::ConfigFeatureSet> featureSet;
     std::shared_ptr<ZelUnified::ConfigService> service;
+    std::string defaultsProblem;
     bool poweredDown = false;
 };
 

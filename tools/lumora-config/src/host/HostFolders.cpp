@@ -31,6 +31,12 @@ std::string describeAbsence(const fs::path& folder) {
     return fs::is_directory(status) ? "it is not in " + name : name + " is not a folder";
 }
 
+/// A host that only reads moves a damaged file in memory, which FileUtils::fileExists() would see.
+bool existsOnDisk(const std::string& path) {
+    std::error_code ignored;
+    return fs::exists(KyrCoreUtils::toPath(path), ignored);
+}
+
 std::string getDefaultsPath(const std::string& resourcesDirectory) {
     return resourcesDirectory + FileUtils::FileSeparator() + std::string(ZelUnified::ConfigKeys::configDefaultsFile);
 }
@@ -78,15 +84,21 @@ std::string findPluginFolder(const std::string& requested) {
 
 void requireDefaultsFile(const std::string& resourcesDirectory) {
     const auto path = getDefaultsPath(resourcesDirectory);
-    if (FileUtils::fileExists(path)) {
+    if (existsOnDisk(path)) {
         readWholeFile(path);
         return;
     }
     auto message = path + ": no defaults file";
-    if (const auto quarantined = getQuarantinePath(resourcesDirectory); FileUtils::fileExists(quarantined)) {
+    if (const auto quarantined = getQuarantinePath(resourcesDirectory); existsOnDisk(quarantined)) {
         message += "; one that was not XML is kept as " + quarantined;
     }
     throw Failure(ExitCode::Environment, message);
+}
+
+void requireDefaultsInXml(const std::string& resourcesDirectory) {
+    requireDefaultsFile(resourcesDirectory);
+    const auto path = getDefaultsPath(resourcesDirectory);
+    requireXml(readWholeFile(path), path);
 }
 
 void requireDefaultsAccepted(const std::string& resourcesDirectory, ProfileUse use) {

@@ -21,9 +21,12 @@ void requireTrusted(const std::vector<std::string>& paths);
 /// installation of the program. Throws Failure (Environment) if there is no plug-in.
 std::string findPluginFolder(const std::string& requested);
 
-/// Checks the defaults file of the installation, before the service reads it. Throws Failure (Environment) if it is
-/// missing or unreadable: the service would use an empty store instead, and every answer would be wrong.
+/// Checks the defaults file of the installation on the disk. Throws Failure (Environment) if it is missing or
+/// unreadable: the service would use an empty store instead, and every answer would be wrong.
 void requireDefaultsFile(const std::string& resourcesDirectory);
+
+/// Like requireDefaultsFile(), and also throws if the file is not XML.
+void requireDefaultsInXml(const std::string& resourcesDirectory);
 
 /// Checks that the service has accepted the defaults file; it moves a file aside that is not XML. Throws Failure
 /// (Environment) in that case, with the new path if the file was moved on the disk.

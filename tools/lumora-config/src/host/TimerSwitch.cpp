@@ -29,7 +29,7 @@ void TimerSwitch::cancel(Alarm alarm) {
     }
 }
 
-void TimerSwitch::fireAll() {
+bool TimerSwitch::fireAll() {
     std::map<Alarm, PendingAlarm> due;
     {
         const KyrCoreUtils::LockGuard lock(mutex);
@@ -39,6 +39,7 @@ void TimerSwitch::fireAll() {
         clock->cancel(entry.clockAlarm);
         entry.action();
     }
+    return !due.empty();
 }
 
 void TimerSwitch::fire(Alarm alarm) {

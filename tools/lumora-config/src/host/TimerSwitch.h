@@ -16,8 +16,8 @@ public:
     void cancel(Alarm alarm) override;
 
     /// Fires all pending alarms on the calling thread without holding the lock. Alarms that they set fire at their
-    /// time.
-    void fireAll();
+    /// time. Returns false if none was pending.
+    bool fireAll();
 
 private:
     struct PendingAlarm {

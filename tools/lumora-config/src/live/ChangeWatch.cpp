@@ -7,6 +7,7 @@
 #include <kyr/FileUtils.h>
 
 #include <chrono>
+#include <nlohmann/json.hpp>
 #include <utility>
 
 namespace lumora_config {
@@ -23,7 +24,7 @@ std::string text(const Json& event, const char* field) {
     return toOneLine(event.value(field, ""));
 }
 
-/// Returns the time of day, in UTC as the event has it.
+/// Returns the time of day of an event, in UTC.
 std::string timeOfDay(const Json& event) {
     const auto time = text(event, "time");
     const auto date = time.find('T');

@@ -6,6 +6,7 @@
 #include <kyr/LocalSocket.h>
 
 #include <chrono>
+#include <nlohmann/json.hpp>
 #include <vector>
 
 namespace lumora_config {
@@ -15,7 +16,7 @@ using KyrCoreUtils::FileUtils;
 namespace {
 
 /// Long enough for a report of a busy client.
-constexpr std::chrono::seconds patience(60);
+constexpr std::chrono::seconds replyTimeout(60);
 
 std::vector<std::string> findSockets() {
     const auto directory = FileUtils::getConfigDirectory();
@@ -53,7 +54,7 @@ InspectionClient::Json InspectionClient::ask(Json request) {
     request["id"] = ++lastId;
     const auto text = request.dump(-1, ' ', false, Json::error_handler_t::replace);
     std::string line;
-    if (!connection->sendLine(text, patience) || connection->receiveLine(line, patience) != Received::Line) {
+    if (!connection->sendLine(text, replyTimeout) || connection->receiveLine(line, replyTimeout) != Received::Line) {
         ended = true;
         throw Failure(ExitCode::Environment, "the running client does not answer");
     }

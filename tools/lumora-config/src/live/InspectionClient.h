@@ -3,7 +3,7 @@
 #include <kyr/LocalConnection.h>
 
 #include <memory>
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 #include <string>
 
 namespace lumora_config {
@@ -18,7 +18,7 @@ public:
     InspectionClient();
 
     bool isConnected() const noexcept { return connection->isOpen(); }
-    /// Returns true once the client has closed the connection or given no answer.
+    /// Returns true once the client has closed the connection or has not answered in time.
     bool hasEnded() const noexcept { return ended; }
     /// Returns the id of the client's process.
     long getProcess() const noexcept { return connection->getPeer(); }

@@ -5,6 +5,7 @@
 
 #include <kyr/FileUtils.h>
 
+#include <nlohmann/json.hpp>
 #include <utility>
 
 namespace lumora_config {

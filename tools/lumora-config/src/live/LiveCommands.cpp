@@ -22,6 +22,7 @@
 
 #include <chrono>
 #include <map>
+#include <nlohmann/json.hpp>
 #include <utility>
 #include <vector>
 
@@ -40,7 +41,7 @@ std::string describeMiss(const Command& command) {
 
 } // namespace
 
-LiveCommands::Body LiveCommands::find(const Command& command) {
+LiveCommands::Body LiveCommands::find(const std::string& name) {
     static const std::map<std::string, Body> bodies{{"get", &LiveCommands::get},
                                                     {"explain", &LiveCommands::explain},
                                                     {"list", &LiveCommands::list},
@@ -62,12 +63,12 @@ LiveCommands::Body LiveCommands::find(const Command& command) {
                                                     {"reset-provisioning", &LiveCommands::change},
                                                     {"remove-store", &LiveCommands::change},
                                                     {"refresh", &LiveCommands::change}};
-    const auto found = bodies.find(command.name);
+    const auto found = bodies.find(name);
     return found == bodies.end() ? nullptr : found->second;
 }
 
-bool LiveCommands::canRun(const Command& command) {
-    return find(command) != nullptr;
+bool LiveCommands::canRun(const std::string& name) {
+    return find(name) != nullptr;
 }
 
 void LiveCommands::announce() const {
@@ -76,7 +77,7 @@ void LiveCommands::announce() const {
 
 void LiveCommands::run(const Command& command) {
     try {
-        if (const auto body = find(command); body != nullptr) {
+        if (const auto body = find(command.name); body != nullptr) {
             (this->*body)(command);
         }
     } catch (const nlohmann::json::exception&) {
@@ -246,7 +247,7 @@ void LiveCommands::load(const Command& command) {
     LiveSettings(client).load(command, input, printer);
 }
 
-/// Like a host of its own, compares secrets even if they are not printed.
+/// Compares secrets too, even if they are not printed.
 void LiveCommands::diff(const Command& command) {
     const auto read = [this](const std::string& folder, const std::string& source) {
         if (!folder.empty()) {

@@ -19,8 +19,8 @@ public:
     LiveCommands(InspectionClient& runningClient, CommandInput& commandInput, Printer& target, bool secretsShown)
         : client(runningClient), input(commandInput), printer(target), showSecrets(secretsShown) {}
 
-    /// Returns true if a running client can carry out the command.
-    static bool canRun(const Command& command);
+    /// Returns true if a running client can carry out the command of this name.
+    static bool canRun(const std::string& name);
     /// Prints one line that says that the client answers.
     void announce() const;
     /// Runs the command and prints its answer. Throws Failure as the command on the profile does.
@@ -29,7 +29,7 @@ public:
 private:
     using Body = void (LiveCommands::*)(const Command&);
 
-    static Body find(const Command& command);
+    static Body find(const std::string& name);
 
     void get(const Command& command);
     void explain(const Command& command);

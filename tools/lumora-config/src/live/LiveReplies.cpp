@@ -3,6 +3,7 @@
 #include <kyr/StringUtils.h>
 
 #include <algorithm>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <utility>
 

@@ -7,6 +7,7 @@
 
 #include <kyr/StringUtils.h>
 
+#include <nlohmann/json.hpp>
 #include <utility>
 
 namespace lumora_config {

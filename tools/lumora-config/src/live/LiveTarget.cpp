@@ -11,6 +11,7 @@
 #include <kyr/StringUtils.h>
 
 #include <algorithm>
+#include <nlohmann/json.hpp>
 #include <utility>
 #include <vector>
 
@@ -48,6 +49,10 @@ bool mayContainValue(const std::string& line) {
 
 } // namespace
 
+bool LiveTarget::canRun(const std::string& name) const {
+    return LiveCommands::canRun(name);
+}
+
 void LiveTarget::run(const Command& command) {
     InspectionClient client;
     if (!client.isConnected()) {
@@ -58,7 +63,7 @@ void LiveTarget::run(const Command& command) {
     if (std::exchange(announced, client.getProcess()) != client.getProcess()) {
         commands.announce();
     }
-    if (!LiveCommands::canRun(command)) {
+    if (!canRun(command.name)) {
         throw Failure(ExitCode::Environment, "'" + command.name + "' needs the profile for itself, but process " +
                                                  std::to_string(client.getProcess()) + " uses it");
     }

@@ -12,11 +12,12 @@ public:
     /// The printer must outlive the object.
     LiveTarget(Printer& target, bool secretsShown) : printer(target), showSecrets(secretsShown) {}
 
+    bool canRun(const std::string& name) const override;
     /// Throws Failure (Environment) if no client uses the profile, or if the client cannot carry out the command.
     void run(const Command& command) override;
     void confirmWrites() override {} // the client answers when a change is on the disk
     CompletionNames getNames() override;
-    /// Without the values of the client's sensitive keys, any line with a value may contain a secret.
+    /// Returns a filter that rejects every line with a value: this process does not know the client's secrets.
     LineFilter makeLineFilter() override;
     bool savesHistory() const override { return false; } // the folder belongs to the client
     CommandInput& getInput() override { return input; }
@@ -26,7 +27,7 @@ private:
     Printer& printer;
     const bool showSecrets;
     CommandInput input;
-    long announced = 0; ///< The process that was named last.
+    long announced = 0; ///< The process of the last announcement.
 };
 
 } // namespace lumora_config

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Findings.h"
+
 #include <cstddef>
 #include <string>
 #include <vector>
@@ -18,6 +20,7 @@ struct BundleSummary {
     std::string file; ///< In the spelling of the user; empty in the bundle.
     std::string madeAt;
     std::vector<BundleMember> members;
+    std::vector<HealthItem> problems; ///< What `doctor` says needs attention, such as files that cannot be read.
 };
 
 } // namespace lumora_config

@@ -45,7 +45,7 @@ std::string shown(const std::string& text) {
     return shown(KyrCoreUtils::toWideString(text));
 }
 
-/// For texts about the machine, which the log masks, too.
+/// Masks personal data as the log does; for texts about the machine.
 std::string shownMasked(const std::string& text) {
     return shown(ZelLogger_replacePIIData(text));
 }
@@ -53,33 +53,6 @@ std::string shownMasked(const std::string& text) {
 std::string describeContent(const std::string& storeName) {
     const auto* const known = std::ranges::find(knownStores, storeName, &KnownStore::name);
     return std::string(known == knownStores.end() ? "added by another service" : known->holds);
-}
-
-std::string escapeHtml(std::string_view text) {
-    std::string escaped;
-    escaped.reserve(text.size());
-    for (const char c : text) {
-        switch (c) {
-        case '&':
-            escaped += "&amp;";
-            break;
-        case '<':
-            escaped += "&lt;";
-            break;
-        case '>':
-            escaped += "&gt;";
-            break;
-        case '"':
-            escaped += "&quot;";
-            break;
-        case '\'':
-            escaped += "&#39;";
-            break;
-        default:
-            escaped += c;
-        }
-    }
-    return escaped;
 }
 
 /// Returns JSON that is safe inside a script element: it contains no "<", so no end tag and no comment, and no line
@@ -193,7 +166,7 @@ private:
                 holdings.push_back(describe(holding, store - findings.stores.begin(), holding.name == key.oldName));
             }
         }
-        json row{nameOf(key), std::move(holdings), refer(key.inForce, key), refer(key.administrators, key),
+        json row{nameOf(key), std::move(holdings), toReference(key.inForce, key), toReference(key.administrators, key),
                  (key.record.overridden ? 1 : 0) + (key.sensitive ? 2 : 0)};
         row.push_back(key.oldName ? shown(*key.oldName) : "");
         row.push_back(meaningOf(key));
@@ -207,7 +180,7 @@ private:
     }
 
     /// What a store holds: the number of the store, the value, 1 if it is held under the old name, the origin. The last
-    /// two are absent if they say nothing.
+    /// two are absent if they are 0 and unknown.
     json describe(const Holding& holding, std::ptrdiff_t store, bool underOldName) {
         json row{store, shown(holding.value)};
         if (underOldName || holding.origin.isKnown()) {
@@ -242,9 +215,9 @@ private:
         return entry->second;
     }
 
-    /// Returns the position of the reading among what the stores hold, or its value and store if no store holds just
-    /// this, or null if there is none.
-    json refer(const std::optional<Reading>& reading, const Explanation& key) const {
+    /// Returns the index of the reading among the holdings of all stores; its value and store if it equals none of
+    /// them; null if there is no reading.
+    json toReference(const std::optional<Reading>& reading, const Explanation& key) const {
         if (!reading) {
             return nullptr;
         }

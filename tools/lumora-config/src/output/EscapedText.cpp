@@ -9,6 +9,7 @@ namespace lumora_config {
 namespace {
 
 enum class LineBreaks { Escape, Keep };
+enum class Apostrophes { Escape, Keep };
 
 /// The well-formed UTF-8 sequences by their first byte, with the limits of the second byte.
 struct SequenceForm {
@@ -134,6 +135,33 @@ std::wstring nameOf(char32_t c) {
     return name + L']';
 }
 
+std::string escapeMarkup(std::string_view text, Apostrophes apostrophes) {
+    std::string escaped;
+    escaped.reserve(text.size());
+    for (const char c : text) {
+        switch (c) {
+        case '&':
+            escaped += "&amp;";
+            break;
+        case '<':
+            escaped += "&lt;";
+            break;
+        case '>':
+            escaped += "&gt;";
+            break;
+        case '"':
+            escaped += "&quot;";
+            break;
+        case '\'':
+            escaped += apostrophes == Apostrophes::Escape ? "&#39;" : "'";
+            break;
+        default:
+            escaped += c;
+        }
+    }
+    return escaped;
+}
+
 } // namespace
 
 std::string toOneLine(std::string_view text) {
@@ -142,6 +170,14 @@ std::string toOneLine(std::string_view text) {
 
 std::string toVisibleLines(std::string_view text) {
     return escape(text, LineBreaks::Keep);
+}
+
+std::string escapeXml(std::string_view text) {
+    return escapeMarkup(text, Apostrophes::Keep);
+}
+
+std::string escapeHtml(std::string_view text) {
+    return escapeMarkup(text, Apostrophes::Escape);
 }
 
 std::wstring makeVisible(std::wstring_view text) {

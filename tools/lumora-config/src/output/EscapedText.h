@@ -12,6 +12,12 @@ std::string toOneLine(std::string_view text);
 /// Like toOneLine(), but keeps line feeds and tabs.
 std::string toVisibleLines(std::string_view text);
 
+/// Returns the text as the service writes it in XML files: `&`, `<`, `>` and `"` are escaped.
+std::string escapeXml(std::string_view text);
+
+/// Returns the text for an element or a quoted attribute of a page: like escapeXml(), and `'` is escaped too.
+std::string escapeHtml(std::string_view text);
+
 /// Returns the text with invisible characters replaced for a page: control characters become their symbols,
 /// bidirectional marks their names. Keeps line breaks and tabs.
 std::wstring makeVisible(std::wstring_view text);

@@ -94,7 +94,7 @@ struct RefusedLine {
 /// A line of a policy file that is valid, but probably not what its author meant.
 struct PolicyRemark {
     enum class Kind {
-        UnknownKey,  ///< The catalogue does not contain the key, nor a similar one. Keys of other services are such.
+        UnknownKey,  ///< The catalogue contains neither the key nor a similar one; the key of another service.
         MistypedKey, ///< The catalogue does not contain the key, but a similar one.
         Ineffective, ///< The line has no effect on the client, or not the one that it seems to have.
     };

@@ -217,9 +217,16 @@ void JsonPrinter::showComparison(const Comparison& comparison) {
 }
 
 void JsonPrinter::showBundle(const BundleSummary& bundle) {
-    Json object{{"type", "bundle"}, {"file", bundle.file}, {"madeAt", bundle.madeAt}, {"members", Json::array()}};
+    Json object{{"type", "bundle"},
+                {"file", bundle.file},
+                {"madeAt", bundle.madeAt},
+                {"members", Json::array()},
+                {"problems", Json::array()}};
     for (const auto& member : bundle.members) {
         object["members"].push_back({{"name", member.name}, {"bytes", member.bytes}, {"contents", member.contents}});
+    }
+    for (const auto& problem : bundle.problems) {
+        object["problems"].push_back({{"area", problem.area}, {"path", problem.path}, {"state", problem.state}});
     }
     write(object);
 }

@@ -42,7 +42,7 @@ DumpedSetting parseSetting(const Object& object) {
     return setting;
 }
 
-/// Returns "LINE:COLUMN" for the place at which `read` bytes have been read, the last of them a wrong one. The column
+/// Returns the position of the last of the first `read` bytes, which is the invalid one, as "LINE:COLUMN". The column
 /// counts bytes.
 std::string describePlace(std::string_view content, std::size_t read) {
     const auto before = content.substr(0, read == 0 ? 0 : read - 1);

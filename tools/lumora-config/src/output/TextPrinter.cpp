@@ -176,7 +176,7 @@ void TextPrinter::showHealth(const HealthReport& report) {
 }
 
 void TextPrinter::showImport(const PolicyImport& import) {
-    const auto place = [&](std::size_t line) { return import.file + ':' + std::to_string(line) + ": "; };
+    const auto linePrefix = [&](std::size_t line) { return import.file + ':' + std::to_string(line) + ": "; };
     std::map<std::size_t, std::string> taken;
     for (const auto& key : import.taken) {
         taken[key.line] = narrow(key.key) + ": " + describe(key);
@@ -186,11 +186,11 @@ void TextPrinter::showImport(const PolicyImport& import) {
     }
     std::string text;
     for (const auto& [line, what] : taken) {
-        text += toOneLine(place(line)) + what + '\n';
+        text += toOneLine(linePrefix(line)) + what + '\n';
     }
     output.writeEscaped(text);
     for (const auto& [line, message] : import.listMessages()) {
-        diagnostics.writeMessage(place(line) + message);
+        diagnostics.writeMessage(linePrefix(line) + message);
     }
 }
 
@@ -235,7 +235,12 @@ void TextPrinter::showBundle(const BundleSummary& bundle) {
         table.addRow({toOneLine(member.name), std::to_string(member.bytes), toOneLine(member.contents)});
     }
     const auto title = bundle.file.empty() ? "Problem report of " + bundle.madeAt : bundle.file;
-    output.writeEscaped(toOneLine(title) + "\n\n" + table.toString(output.getForm()));
+    std::string problems;
+    for (const auto& problem : bundle.problems) {
+        problems += "needs attention: " + toOneLine(problem.area + ' ' + problem.path + ": " + problem.state) + '\n';
+    }
+    output.writeEscaped(toOneLine(title) + "\n\n" + problems + (problems.empty() ? "" : "\n") +
+                        table.toString(output.getForm()));
 }
 
 void TextPrinter::showNotification(const Notification& notification) {

@@ -64,7 +64,7 @@ std::string TextTable::toString(const OutputForm& form, Padding padding) const {
     const auto widths = padding == Padding::Aligned ? measure(form) : std::vector<std::size_t>(columns.size());
     std::string text;
     for (const auto& row : rows) {
-        const auto line = layOut(row, widths, form);
+        const auto line = formatRow(row, widths, form);
         text += form.coloured ? colour(row.style, line) : line;
         text += '\n';
     }
@@ -94,7 +94,7 @@ bool TextTable::isCut(std::size_t column, const OutputForm& form) const {
     return form.terminal && columns[column] == Column::Truncated;
 }
 
-std::string TextTable::layOut(const Row& row, const std::vector<std::size_t>& widths, const OutputForm& form) const {
+std::string TextTable::formatRow(const Row& row, const std::vector<std::size_t>& widths, const OutputForm& form) const {
     std::string line;
     std::size_t position = 0;
     for (std::size_t i = 0; i < widths.size(); ++i) {

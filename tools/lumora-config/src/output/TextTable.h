@@ -33,7 +33,7 @@ private:
 
     std::vector<std::size_t> measure(const OutputForm& form) const;
     bool isCut(std::size_t column, const OutputForm& form) const;
-    std::string layOut(const Row& row, const std::vector<std::size_t>& widths, const OutputForm& form) const;
+    std::string formatRow(const Row& row, const std::vector<std::size_t>& widths, const OutputForm& form) const;
 
     std::vector<Column> columns;
     std::vector<Row> rows;

@@ -11,6 +11,7 @@ public:
     /// The session must outlive the object.
     explicit SessionTarget(Session& commandSession) : session(commandSession) {}
 
+    bool canRun(const std::string& /*name*/) const override { return true; }
     void run(const Command& command) override;
     void confirmWrites() override { session.confirmWrites(); }
     CompletionNames getNames() override;

@@ -47,7 +47,7 @@ bool mustEnd() {
 } // namespace
 
 ExitCode Shell::run() {
-    const auto completeLine = [this](const std::string& line) { return completeShellLine(target.getNames(), line); };
+    const auto completeLine = [this](const std::string& line) { return completeShellLine(target, line); };
     if (const auto editor = LineEditor::create(prompt, completeLine)) {
         runEdited(*editor);
     } else {
@@ -125,7 +125,8 @@ Shell::Next Shell::runLine(const std::string& line) {
             return Next::Continue;
         }
         name = words.front();
-        const auto command = parseShellCommand(std::move(words));
+        const auto canRun = [this](const std::string& command) { return target.canRun(command); };
+        const auto command = parseShellCommand(std::move(words), canRun);
         if (command.name == "quit") {
             return Next::Quit;
         }

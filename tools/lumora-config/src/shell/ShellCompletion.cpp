@@ -10,9 +10,11 @@ namespace lumora_config {
 
 namespace {
 
-Completion findCandidates(const CompletionNames& names, const std::vector<std::string>& words) {
+Completion findCandidates(ShellTarget& target, const std::vector<std::string>& words) {
     Completion completion;
-    withShellGrammar([&](const CLI::App& grammar) { completion = complete(CommandLineCursor(grammar, words), names); });
+    withShellGrammar(
+        [&](const std::string& command) { return target.canRun(command); },
+        [&](const CLI::App& grammar) { completion = complete(CommandLineCursor(grammar, words), target.getNames()); });
     return completion;
 }
 
@@ -58,10 +60,10 @@ LineCompletion toLineCompletion(const Completion& completion, const UnfinishedLi
 
 } // namespace
 
-LineCompletion completeShellLine(const CompletionNames& names, const std::string& line) noexcept {
+LineCompletion completeShellLine(ShellTarget& target, const std::string& line) noexcept {
     try {
         const auto unfinished = splitUnfinished(line);
-        return toLineCompletion(findCandidates(names, unfinished.words), unfinished);
+        return toLineCompletion(findCandidates(target, unfinished.words), unfinished);
     } catch (const std::exception&) {
         return {}; // A message would disturb the line.
     }

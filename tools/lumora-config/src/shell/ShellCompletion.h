@@ -1,6 +1,6 @@
 #pragma once
 
-#include "commands/Completion.h"
+#include "ShellTarget.h"
 #include "terminal/LineEditor.h"
 
 #include <string>
@@ -9,6 +9,6 @@ namespace lumora_config {
 
 /// Returns what the last word of the shell's unfinished line may become: commands, options, keys, values and stores.
 /// Returns nothing on a failure; never throws. Main thread.
-LineCompletion completeShellLine(const CompletionNames& names, const std::string& line) noexcept;
+LineCompletion completeShellLine(ShellTarget& target, const std::string& line) noexcept;
 
 } // namespace lumora_config

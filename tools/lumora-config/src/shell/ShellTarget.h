@@ -18,6 +18,8 @@ public:
 
     virtual ~ShellTarget() = default;
 
+    /// Returns false if run() refuses every command of this name.
+    virtual bool canRun(const std::string& name) const = 0;
     /// Runs one command and prints its answer. Throws Failure.
     virtual void run(const Command& command) = 0;
     /// Throws Failure (Environment) if an earlier change is not on the disk.

@@ -23,7 +23,7 @@ std::string lower(std::string_view text) {
     return folded;
 }
 
-std::size_t mostEditsFor(std::string_view word) {
+std::size_t getMaximumEdits(std::string_view word) {
     return std::min((word.size() + 2) / 3, mostEdits);
 }
 
@@ -50,7 +50,7 @@ std::size_t editDistance(std::string_view from, std::string_view to) {
 
 std::vector<std::string> closestNames(std::string_view word, const std::vector<std::string>& candidates) {
     const auto folded = lower(word);
-    auto smallest = mostEditsFor(folded);
+    auto smallest = getMaximumEdits(folded);
     std::vector<std::string> closest;
     for (const auto& candidate : candidates) {
         // Each edit changes the length by at most one, so most candidates need no comparison.

@@ -59,9 +59,6 @@ XmlPointer<xmlDoc> parse(std::string_view content, const std::string& path) {
         const auto* error = xmlCtxtGetLastError(context.get());
         refuse(path, error == nullptr ? "not XML" : "not XML, see line " + std::to_string(error->line));
     }
-    if (xmlGetIntSubset(document.get()) != nullptr) {
-        refuse(path, "a document type is not accepted");
-    }
     return document;
 }
 
@@ -179,12 +176,19 @@ std::string readFileOrPipe(const std::string& path) {
     return readContent(path, Accepted::FilesAndPipes);
 }
 
+void requireXml(std::string_view content, const std::string& name) {
+    parse(content, name);
+}
+
 std::vector<XmlSetting> readXmlSettings(const std::string& path) {
     return parseXmlSettings(readWholeFile(path), path);
 }
 
 std::vector<XmlSetting> parseXmlSettings(std::string_view content, const std::string& name) {
     const auto document = parse(content, name);
+    if (xmlGetIntSubset(document.get()) != nullptr) {
+        refuse(name, "a document type is not accepted");
+    }
     SettingsCollector collector;
     collector.collect(*xmlDocGetRootElement(document.get()));
     return collector.extractSettings();

@@ -22,6 +22,9 @@ std::vector<XmlSetting> readXmlSettings(const std::string& path);
 /// Like readXmlSettings(), for a text in memory. Messages use `name` as the file.
 std::vector<XmlSetting> parseXmlSettings(std::string_view content, const std::string& name);
 
+/// Throws Failure (Environment) with `name` and the line if the text is not XML.
+void requireXml(std::string_view content, const std::string& name);
+
 /// Returns the bytes of a regular file. Throws Failure (Environment) on failure.
 std::string readWholeFile(const std::string& path);
 /// Like readWholeFile(), but accepts a pipe too, which can be read only once. Waits for its end.

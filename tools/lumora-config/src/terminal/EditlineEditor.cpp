@@ -1,15 +1,14 @@
 #include "EditlineEditor.h"
 
+#include "EditlineModule.h"
 #include "output/EscapedText.h"
 
 #include <kyr/EndSignals.h>
-#include <kyr/ProcessUtils.h>
 #include <kyr/StandardStreams.h>
 
 #include <algorithm>
 #include <clocale>
 #include <cstdio>
-#include <cstdlib>
 #include <new>
 #include <string_view>
 #include <utility>
@@ -53,20 +52,7 @@ std::size_t countCharacters(std::string_view text) {
         std::ranges::count_if(text, [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; }));
 }
 
-bool canMoveCursor() {
-    const char* const terminal = std::getenv("TERM");
-    return terminal != nullptr && *terminal != '\0' && std::string_view(terminal) != "dumb";
-}
-
 } // namespace
-
-std::unique_ptr<LineEditor> LineEditor::create(const std::string& prompt, Completer completer) {
-    if (!KyrCoreUtils::ProcessUtils::isInputTerminal() ||
-        !StandardStreams::isTerminal(StandardStreams::Stream::Error) || !canMoveCursor()) {
-        return nullptr;
-    }
-    return std::make_unique<EditlineEditor>(prompt, std::move(completer));
-}
 
 EditlineEditor::EditlineEditor(std::string promptText, Completer wordCompleter)
     : prompt(std::move(promptText)), completer(std::move(wordCompleter)), lines(history_init()), editLine([] {
@@ -182,3 +168,8 @@ void EditlineEditor::showChoices(const std::vector<std::string>& choices) {
 }
 
 } // namespace lumora_config
+
+void OpenEditlineEditor(const std::string& prompt, lumora_config::LineEditor::Completer completer,
+                        std::unique_ptr<lumora_config::LineEditor>& editor) {
+    editor = std::make_unique<lumora_config::EditlineEditor>(prompt, std::move(completer));
+}

@@ -24,7 +24,7 @@ public:
     using Completer = std::function<LineCompletion(const std::string& line)>;
 
     /// Returns null if the platform has no editor, if standard input or standard error is not a terminal, or if the
-    /// terminal cannot move its cursor.
+    /// terminal cannot move its cursor. Throws Failure (Environment) if the module of the editor is missing.
     static std::unique_ptr<LineEditor> create(const std::string& prompt, Completer completer);
 
     virtual ~LineEditor() = default;

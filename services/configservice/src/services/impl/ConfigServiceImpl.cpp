@@ -219,8 +219,8 @@ std::shared_ptr<ConfigValue> ConfigServiceImpl::findRecord(const std::wstring& k
     return entry != nullptr ? entry->second : nullptr;
 }
 
-std::vector<std::shared_ptr<ConfigValue>> ConfigServiceImpl::getRecordsBehind(const std::wstring& key,
-                                                                              std::size_t count) {
+std::vector<std::shared_ptr<ConfigValue>> ConfigServiceImpl::getRecordsAfter(const std::wstring& key,
+                                                                             std::size_t count) {
     EnsureUpdateAccess(true);
     std::vector<std::shared_ptr<ConfigValue>> records;
     auto entry = key.empty() ? configValues.begin() : configValues.upper_bound(key);

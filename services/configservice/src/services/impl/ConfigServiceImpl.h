@@ -69,7 +69,7 @@ public:
     void onFeatureSetReady(bool ready) override;
 
     std::shared_ptr<ConfigValue> findRecord(const std::wstring& key) override;
-    std::vector<std::shared_ptr<ConfigValue>> getRecordsBehind(const std::wstring& key, std::size_t count) override;
+    std::vector<std::shared_ptr<ConfigValue>> getRecordsAfter(const std::wstring& key, std::size_t count) override;
     void addRecordObserver(std::weak_ptr<ConfigRecordObserver> observer) override;
     void removeRecordObserver(std::weak_ptr<ConfigRecordObserver> observer) override;
 

@@ -4,6 +4,8 @@
 #include "StoreRecord.h"
 
 #include <algorithm>
+#include <iterator>
+#include <map>
 #include <utility>
 
 namespace config_model {
@@ -23,6 +25,30 @@ std::string withExtension(const std::string& fileName, const std::string& extens
 }
 
 } // namespace
+
+ChainModel::ChainModel(const ChainModel& other)
+    : sensitiveKeys(other.sensitiveKeys),
+      storeObservers(other.storeObservers),
+      nextSerial(other.nextSerial),
+      tasks(other.tasks),
+      log(other.log),
+      cachedFiles(other.cachedFiles),
+      fips(other.fips) {
+    std::copy(std::begin(other.serials), std::end(other.serials), std::begin(serials));
+    // A store that waits to be persisted may have left the chain.
+    std::map<Store, Store> copies;
+    const auto copy = [&copies](const Store& store) {
+        auto& made = copies[store];
+        made = made || !store ? made : std::make_shared<ModelStore>(*store);
+        return made;
+    };
+    for (const auto& store : other.chain) {
+        chain.push_back(copy(store));
+    }
+    for (auto& task : tasks) {
+        task.store = copy(task.store);
+    }
+}
 
 // Arrival and removal of stores.
 
@@ -242,21 +268,14 @@ bool ChainModel::removeCachedFile(const std::string& fileName) {
 // Background tasks.
 
 void ChainModel::persistLater(const Store& store) {
-    tasks.push_back({"ConfigStore::persistValues", [this, store] {
-                         if (store->shape.kind == StoreShape::Kind::Foreign) {
-                             told("persist " + store->shape.name);
-                         } else if (persisted) {
-                             persisted(*store);
-                         }
-                     }});
+    tasks.push_back({"ConfigStore::persistValues", store, 0, ""});
 }
 
 void ChainModel::fireStoreAdded(const std::string& name) {
     for (const auto serial : storeObservers) {
         for (std::size_t number = 1; number < std::size(serials); ++number) {
             if (serials[number] == serial) {
-                tasks.push_back({"ConfigStoreAddedObserver::OnConfigStoreAdded",
-                                 [this, number, name] { told("observer " + std::to_string(number) + " " + name); }});
+                tasks.push_back({"ConfigStoreAddedObserver::OnConfigStoreAdded", nullptr, number, name});
             }
         }
     }
@@ -296,7 +315,17 @@ void ChainModel::runTasks() {
     while (!tasks.empty()) {
         const auto task = std::move(tasks.front());
         tasks.pop_front();
-        task.work();
+        run(task);
+    }
+}
+
+void ChainModel::run(const Task& task) {
+    if (!task.store) {
+        told("observer " + std::to_string(task.observer) + " " + task.arrived);
+    } else if (task.store->shape.kind == StoreShape::Kind::Foreign) {
+        told("persist " + task.store->shape.name);
+    } else if (persisted) {
+        persisted(*task.store);
     }
 }
 

@@ -15,6 +15,12 @@ namespace config_model {
 /// A second implementation of the rules of the chain, as simple as possible: no lock, no index, no cache.
 class ChainModel final : public Chain {
 public:
+    ChainModel() = default;
+    /// Copies the state, including the stores, but not the callbacks.
+    ChainModel(const ChainModel& other);
+    ChainModel& operator=(const ChainModel&) = delete;
+    ~ChainModel() override = default;
+
     void addStore(const StoreShape& shape) override { addStore(std::make_shared<ModelStore>(shape)); }
     void updateExistingStore(const StoreShape& shape, const std::vector<std::wstring>& oldKeys) override {
         updateExistingStore(std::make_shared<ModelStore>(shape), oldKeys);
@@ -62,6 +68,21 @@ public:
     /// Called when a store is persisted, to write the store's file.
     std::function<void(ModelStore&)> persisted;
 
+    /// A background task: `store` is persisted, or an observer is told the name of a store that arrived.
+    struct Task {
+        std::string name;
+        Store store;
+        std::size_t observer = 0;
+        std::string arrived;
+    };
+    /// For a caller that runs the tasks itself.
+    const std::deque<Task>& getTasks() const { return tasks; }
+    void removeFirstTask() { tasks.pop_front(); }
+    const std::vector<Store>& getStores() const { return chain; }
+    const std::vector<std::size_t>& getStoreObservers() const { return storeObservers; }
+    const std::vector<std::wstring>& getSensitiveKeys() const { return sensitiveKeys; }
+    const std::set<std::string>& getCachedFiles() const { return cachedFiles; }
+
 private:
     Reading lookupInStores(const std::wstring& key, bool skipLocal, const std::string& filter);
     bool findOriginalValue(const std::wstring& key, OriginalReading& reading, bool& found);
@@ -70,6 +91,7 @@ private:
     void fireStoreAdded(const std::string& name);
     void removeStoreAndCachedCopy(const std::string& name);
     void persistLater(const Store& store);
+    void run(const Task& task);
     bool removeCachedFile(const std::string& fileName);
     void logUnlessOverrideStore(const std::string& name, const std::string& line);
     static bool isWriteTarget(const ModelStore& store);
@@ -80,10 +102,6 @@ private:
     std::vector<std::size_t> storeObservers;
     std::size_t serials[4] = {0, 1, 2, 3};
     std::size_t nextSerial = 4;
-    struct Task {
-        std::string name;
-        std::function<void()> work;
-    };
     std::deque<Task> tasks;
     std::vector<std::string> log;
     std::set<std::string> cachedFiles;

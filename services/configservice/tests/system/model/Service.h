@@ -19,6 +19,8 @@ struct RecordView {
     std::wstring originalValueStoreName;
 };
 
+std::string describe(const RecordView& record);
+
 /// The operations of the whole service on a temporary profile that a script calls. Implemented by the model and by the
 /// product. Nothing is loaded until restart(). Each call runs all queued tasks before it returns.
 class Service {

@@ -13,6 +13,12 @@ const std::string firingOrder[] = {"Value",     "OriginalValue",  "isOverridden"
 
 } // namespace
 
+std::string describe(const RecordView& record) {
+    return narrow(record.key) + ": " + narrow(record.value) + " [" + narrow(record.valueStoreName) + "] | " +
+           narrow(record.originalValue) + " [" + narrow(record.originalValueStoreName) + "]" +
+           (record.isOverridden ? " overridden" : "") + (record.isDefined ? "" : " undefined");
+}
+
 void ServiceRecords::change(const Change& change, bool fips) {
     auto& record = find(change.key);
     if (!isSame(valueOf(record, fips), change.value)) {
@@ -60,6 +66,18 @@ RecordView ServiceRecords::get(const std::wstring& key, bool fips) {
     RecordView view = record;
     view.value = valueOf(record, fips);
     return view;
+}
+
+std::string ServiceRecords::describe() const {
+    std::string text;
+    for (const auto& record : records) {
+        text += config_model::describe(record);
+        for (const auto& property : record.pending) {
+            text += " ~" + property;
+        }
+        text += '\n';
+    }
+    return text;
 }
 
 ServiceRecords::Record& ServiceRecords::find(const std::wstring& key) {

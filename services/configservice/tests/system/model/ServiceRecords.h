@@ -16,6 +16,8 @@ public:
     void fire(const std::wstring& key);
     RecordView get(const std::wstring& key, bool fips);
     void watch(const std::wstring& key) { watchedKeys.push_back(key); }
+    /// Returns the text of all records with their changes that have not fired.
+    std::string describe() const;
 
     std::function<void(const std::wstring& key, const std::string& property)> fired;
 

@@ -17,12 +17,6 @@ std::string answer(bool yes) {
     return yes ? "true" : "false";
 }
 
-std::string describe(const RecordView& record) {
-    return narrow(record.key) + ": " + narrow(record.value) + " [" + narrow(record.valueStoreName) + "] | " +
-           narrow(record.originalValue) + " [" + narrow(record.originalValueStoreName) + "]" +
-           (record.isOverridden ? " overridden" : "") + (record.isDefined ? "" : " undefined");
-}
-
 } // namespace
 
 ServiceScript::ServiceScript(Service& subject) : service(subject) {

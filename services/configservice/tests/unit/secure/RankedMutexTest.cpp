@@ -82,7 +82,7 @@ TEST(LockOrder, EachThreadIsCheckedSeparately) {
 }
 
 TEST_F(LockOrderDeathTest, AcquiringALowerRankEndsTheProcess) {
-    EXPECT_DEATH(acquireOutwards(), "The lock order is broken: rank 1 is taken while rank 2 is held");
+    EXPECT_DEATH(acquireOutwards(), "The lock order is broken: rank 1 is acquired while rank 2 is held");
 }
 
 TEST_F(LockOrderDeathTest, AcquiringTwoLocksOfOneRankEndsTheProcess) {
@@ -92,6 +92,6 @@ TEST_F(LockOrderDeathTest, AcquiringTwoLocksOfOneRankEndsTheProcess) {
 #ifndef NDEBUG
 TEST_F(LockOrderDeathTest, AcquiringTheChainLockUnderTheObserversLockEndsTheProcess) {
     EXPECT_DEATH(acquireTheChainLockUnderTheObserversLock(),
-                 "The lock order is broken: rank 1 is taken while rank 2 is held");
+                 "The lock order is broken: rank 1 is acquired while rank 2 is held");
 }
 #endif

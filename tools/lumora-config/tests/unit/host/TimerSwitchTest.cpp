@@ -32,9 +32,9 @@ TEST_F(TimerSwitchTest, FiresAtItsTime) {
 TEST_F(TimerSwitchTest, FiresAllPendingAlarmsOnce) {
     set(30);
     set(60);
-    timers->fireAll();
+    EXPECT_TRUE(timers->fireAll());
     EXPECT_EQ(fired, 2);
-    timers->fireAll();
+    EXPECT_FALSE(timers->fireAll());
     clock.advance(100);
     EXPECT_EQ(fired, 2);
     EXPECT_EQ(clock.getPendingCount(), 0U);

@@ -40,6 +40,14 @@ TEST(ToVisibleLines, KeepsOnlyLineFeedsAndTabs) {
     EXPECT_EQ(toVisibleLines("a\n\tb\r\x1b\xC2\x9B\n"), "a\n\tb\\x0d\\x1b\\u009b\n");
 }
 
+TEST(EscapeXml, EscapesAsTheServiceWritesItsFiles) {
+    EXPECT_EQ(escapeXml("a<b>&\"c'"), "a&lt;b&gt;&amp;&quot;c'");
+}
+
+TEST(EscapeHtml, EscapesTheApostropheToo) {
+    EXPECT_EQ(escapeHtml("a<b>&\"c'"), "a&lt;b&gt;&amp;&quot;c&#39;");
+}
+
 TEST(MakeVisible, ReplacesControlCharactersByTheirSymbols) {
     EXPECT_EQ(makeVisible(std::wstring_view(L"a\0\x1b\x7f", 4)), L"a\x2400\x241b\x2421");
 }

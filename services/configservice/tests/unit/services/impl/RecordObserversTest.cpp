@@ -45,7 +45,7 @@ struct RecordObserversTest : configservice_test::ServiceFixture {
 
     std::vector<std::wstring> keysBehind(const std::wstring& key, std::size_t count) {
         std::vector<std::wstring> keys;
-        for (const auto& found : service->getRecordsBehind(key, count)) {
+        for (const auto& found : service->getRecordsAfter(key, count)) {
             keys.push_back(found->getKey());
         }
         return keys;

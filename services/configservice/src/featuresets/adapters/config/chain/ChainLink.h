@@ -23,6 +23,7 @@ public:
     std::wstring getWideName() const;
     KeyList listKeys() const;
 
+    const std::shared_ptr<ConfigStore>& getStore() const noexcept { return store; }
     ConfigStore* operator->() const noexcept { return store.get(); }
 
 private:

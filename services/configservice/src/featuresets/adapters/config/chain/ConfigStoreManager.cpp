@@ -32,6 +32,17 @@ bool isOverrideStore(std::string_view name) {
     return caseInsensitiveStringEquals(name, ConfigKeys::devOverrideConfigStore);
 }
 
+/// Returns the text of the chain for logs.
+std::string describeChain(const std::vector<StoreChain::Described>& stores) {
+    std::string text = ", Config stores :";
+    for (const auto& [name, priority] : stores) {
+        if (!isOverrideStore(name)) {
+            text += " [" + name + "(" + std::to_string(priority) + ")]";
+        }
+    }
+    return text;
+}
+
 /// Returns the log text for a key that was found under a name other than the requested one.
 std::wstring describeRenaming(ConfigLookup::FoundUnder foundUnder, const RenamedKeys& renamedKeys,
                               const FoldedKey& key) {
@@ -87,30 +98,20 @@ void ConfigStoreManager::addStore(const std::shared_ptr<ConfigStore>& store) {
         return;
     }
     const auto name = store->getName();
-    if (hasStoreWithName(name)) {
+    const auto stores = configStores.add(store, name);
+    if (!stores) {
         if (!isOverrideStore(name)) {
             ZelLog(configStoreManagerLogger(), ZelLogLevel::Info, ZEL_HERE, "updating existing store: " + name);
         }
         updateConfigStore(store);
         return;
     }
-    configStores.add(store);
     if (!isOverrideStore(name)) {
-        ZelLog(configStoreManagerLogger(), ZelLogLevel::Info, ZEL_HERE, "adding new store: " + name + describeChain());
+        ZelLog(configStoreManagerLogger(), ZelLogLevel::Info, ZEL_HERE,
+               "adding new store: " + name + describeChain(*stores));
     }
     refreshStoreKeys(store);
     storeAddedObservers.fireConfigStoreAdded(name);
-}
-
-std::string ConfigStoreManager::describeChain() const {
-    std::string text = ", Config stores :";
-    for (const auto walked = configStores.getStores(); const auto& store : *walked) {
-        const auto name = store->getName();
-        if (!isOverrideStore(name)) {
-            text += " [" + name + "(" + std::to_string(store->getPriority()) + ")]";
-        }
-    }
-    return text;
 }
 
 void ConfigStoreManager::updateConfigStore(const std::shared_ptr<ConfigStore>& store) {

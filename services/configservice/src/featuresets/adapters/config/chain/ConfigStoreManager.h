@@ -115,8 +115,6 @@ public:
 private:
     void updateConfigStore(const std::shared_ptr<ConfigStore>& store);
     void removeStoreAndCachedCopy(const std::string& name);
-    /// Returns the text of the chain for logs.
-    std::string describeChain() const LUMORA_REQUIRES(chainLock);
     void persistLater(const std::shared_ptr<ConfigStore>& store) const;
 
     void refreshStoreKeys(const std::shared_ptr<ConfigStore>& store) LUMORA_REQUIRES(chainLock);

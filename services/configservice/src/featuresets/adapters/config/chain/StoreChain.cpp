@@ -35,37 +35,58 @@ std::shared_ptr<ConfigStore> StoreChain::find(std::string_view name) const {
     return found == current->end() ? nullptr : *found;
 }
 
-void StoreChain::add(std::shared_ptr<ConfigStore> store) {
-    // A store of another service may return a different priority each time, so the sort reads each priority once.
-    std::vector<std::pair<int, std::shared_ptr<ConfigStore>>> ranked;
-    for (const auto walked = getStores(); const auto& present : *walked) {
-        ranked.emplace_back(present->getPriority(), present);
+std::optional<std::vector<StoreChain::Described>> StoreChain::add(const std::shared_ptr<ConfigStore>& store,
+                                                                  const std::string& name) {
+    auto ranked = readNamesUnlessTaken(name);
+    if (!ranked) {
+        return std::nullopt;
     }
-    const int priority = store->getPriority();
-    ranked.emplace_back(priority, std::move(store));
-    std::stable_sort(ranked.begin(), ranked.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+    // A store of another service may return a different priority each time, so the sort reads each priority once.
+    for (auto& present : *ranked) {
+        present.description.priority = present.link->getPriority();
+    }
+    ranked->push_back({{name, store->getPriority()}, ChainLink(store)});
+    std::stable_sort(ranked->begin(), ranked->end(),
+                     [](const auto& a, const auto& b) { return a.description.priority < b.description.priority; });
 
-    Stores next;
-    next.reserve(ranked.size());
-    for (auto& [rank, present] : ranked) {
-        next.push_back(std::move(present));
+    Links next;
+    std::vector<Described> descriptions;
+    next.reserve(ranked->size());
+    descriptions.reserve(ranked->size());
+    for (auto& [description, link] : *ranked) {
+        next.push_back(std::move(link));
+        descriptions.push_back(std::move(description));
     }
     replace(std::move(next));
+    return descriptions;
+}
+
+std::optional<std::vector<StoreChain::Ranked>> StoreChain::readNamesUnlessTaken(std::string_view name) const {
+    std::vector<Ranked> named;
+    const auto current = getChain();
+    named.reserve(current->links.size() + 1);
+    for (const auto& link : current->links) {
+        named.push_back({{link->getName()}, link});
+        if (KyrCoreUtils::caseInsensitiveStringEquals(named.back().description.name, name)) {
+            return std::nullopt;
+        }
+    }
+    return named;
 }
 
 void StoreChain::remove(const std::shared_ptr<ConfigStore>& store) {
-    Stores next = *getStores();
-    std::erase(next, store);
+    Links next = getChain()->links;
+    std::erase_if(next, [&](const auto& link) { return link.getStore() == store; });
     replace(std::move(next));
 }
 
-void StoreChain::replace(Stores next) {
+void StoreChain::replace(Links next) {
     auto changed = std::make_shared<Chain>();
-    changed->links.reserve(next.size());
-    for (const auto& store : next) {
-        changed->links.emplace_back(store);
+    changed->stores.reserve(next.size());
+    for (const auto& link : next) {
+        changed->stores.push_back(link.getStore());
     }
-    changed->stores = std::move(next);
+    changed->links = std::move(next);
     std::shared_ptr<const Chain> replaced = std::move(changed); // destroyed after the lock is released
     const KyrCoreUtils::LockGuard lock(chainMutex);
     chain.swap(replaced);

@@ -7,6 +7,8 @@
 #include <ConfigStore.h>
 
 #include <memory>
+#include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -32,7 +34,16 @@ public:
     /// Returns the first store of that name (case-insensitive), or null if there is none.
     std::shared_ptr<ConfigStore> find(std::string_view name) const;
 
-    void add(std::shared_ptr<ConfigStore> store);
+    /// What a store returned while another one was added.
+    struct Described {
+        std::string name;
+        int priority = 0;
+    };
+
+    /// Adds the store, unless one of that name (case-insensitive) is present. Calls getName() and getPriority() of each
+    /// present store once, which matters in a chain of a thousand stores. Returns the description of each store in the
+    /// new order, or nothing if the store was not added.
+    std::optional<std::vector<Described>> add(const std::shared_ptr<ConfigStore>& store, const std::string& name);
     void remove(const std::shared_ptr<ConfigStore>& store);
 
 private:
@@ -40,9 +51,15 @@ private:
         Stores stores;
         Links links;
     };
+    struct Ranked {
+        Described description;
+        ChainLink link;
+    };
 
     std::shared_ptr<const Chain> getChain() const;
-    void replace(Stores next);
+    /// Returns the present stores with their names, or nothing if one of them has that name.
+    std::optional<std::vector<Ranked>> readNamesUnlessTaken(std::string_view name) const;
+    void replace(Links next);
 
     /// Guards the pointer for readers without the owner's lock. No other function is called under it.
     mutable KyrCoreUtils::AnnotatedMutex<> chainMutex;

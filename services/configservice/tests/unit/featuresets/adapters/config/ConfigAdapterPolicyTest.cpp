@@ -54,9 +54,9 @@ TEST_F(ConfigAdapterPolicy, KeysAreSensitiveUnderBothNamesAsTheCatalogueDefines)
     load();
     for (const auto& row : ConfigKeys::keys) {
         const std::wstring name(row.name);
-        EXPECT_EQ(adapter->isKeySensitive(name), row.isSensitive()) << KyrCoreUtils::toString(name);
+        EXPECT_EQ(adapter->isKeySensitive(name), row.sensitive != 0) << KyrCoreUtils::toString(name);
         if (row.isRenamed()) {
-            EXPECT_EQ(adapter->isKeySensitive(std::wstring(row.oldName)), row.isSensitive())
+            EXPECT_EQ(adapter->isKeySensitive(std::wstring(row.oldName)), row.sensitive != 0)
                 << KyrCoreUtils::toString(row.oldName);
         }
     }

@@ -1,6 +1,9 @@
 #include "ConfigAdapterFixture.h"
 
+#include <zel/EncryptFileUtils.h>
+
 #include <ConfigStoreAddedObserver.h>
+#include <FaultInjectingFileLayer.h>
 
 namespace ZelUnified {
 
@@ -199,6 +202,25 @@ TEST_F(ConfigAdapterStores, CreatesABootstrapStoreThatACallerAdds) {
     EXPECT_FALSE(inChain("BootstrapConfigStore"));
     adapter->addConfigStore(store);
     EXPECT_EQ(valueOf(L"FromInstaller"), L"installed");
+}
+
+TEST_F(ConfigAdapterStores, AMapOfManyKeysIsWrittenToTheUsersFileOnce) {
+    using testing_host::FaultInjectingFileLayer;
+    loadAndStart();
+    adapter->setConfig(L"Key", L"creates the encryption key");
+    factory->backgroundDispatcher->runAll();
+    ConfigMap values;
+    for (int i = 0; i < 1000; ++i) {
+        values.emplace(L"Key" + std::to_wstring(i), std::to_wstring(i));
+    }
+    const auto files = std::make_shared<FaultInjectingFileLayer>();
+    zel::storage::EncryptFileUtils::overrideFileLayer(files);
+    EXPECT_TRUE(adapter->setConfig(values));
+    EXPECT_THAT(factory->backgroundDispatcher->getTaskNames(), ElementsAre("ConfigStore::persistValues"));
+    factory->backgroundDispatcher->runAll();
+    zel::storage::EncryptFileUtils::overrideFileLayer(nullptr);
+    EXPECT_EQ(std::ranges::count(files->getCalls(), FaultInjectingFileLayer::Operation::Rename), 1);
+    EXPECT_EQ(recordOf(L"Key999"), L"999");
 }
 
 } // namespace ZelUnified

@@ -69,7 +69,7 @@ INSTANTIATE_TEST_SUITE_P(CacheConfigStore, ConfigStoreConformance,
                                  CacheConfigStore("X", 240, path, contents);
                                  return std::make_shared<CacheConfigStore>("X", 240, path);
                              },
-                             "X", 240, true, true, StoreKind::Writes::Taken, StoreKind::Emptying::Ignored}),
+                             "X", 240, true, true, StoreKind::Writes::Accepted, StoreKind::Emptying::Ignored}),
                          storeKindLabel);
 
 } // namespace ZelUnified

@@ -67,19 +67,19 @@ TEST_P(ConfigStoreConformance, RequestsNoCopy) {
 
 TEST_P(ConfigStoreConformance, AcceptsOrRefusesWritesByItsKind) {
     const auto store = make({{L"alpha", L"1"}});
-    const bool taken = GetParam().writes == StoreKind::Writes::Taken;
-    EXPECT_EQ(store->storeValue(L"beta", L"2"), taken);
+    const bool accepted = GetParam().writes == StoreKind::Writes::Accepted;
+    EXPECT_EQ(store->storeValue(L"beta", L"2"), accepted);
     std::wstring value;
-    EXPECT_EQ(store->getValue(L"beta", value), taken);
-    EXPECT_EQ(store->removeValue(L"ALPHA"), taken);
-    EXPECT_EQ(store->getValue(L"alpha", value), !taken);
+    EXPECT_EQ(store->getValue(L"beta", value), accepted);
+    EXPECT_EQ(store->removeValue(L"ALPHA"), accepted);
+    EXPECT_EQ(store->getValue(L"alpha", value), !accepted);
     EXPECT_FALSE(store->removeValue(L"never there"));
 }
 
 TEST_P(ConfigStoreConformance, SpellingsOfOneKeyShareOneEntryWithTheFirstSpelling) {
     const auto store = make({{L"alpha", L"1"}});
     store->storeValue(L"ALPHA", L"2");
-    const auto* expected = GetParam().writes == StoreKind::Writes::Taken ? L"2" : L"1";
+    const auto* expected = GetParam().writes == StoreKind::Writes::Accepted ? L"2" : L"1";
     EXPECT_THAT(held(*store), ElementsAre(std::pair<const std::wstring, std::wstring>(L"alpha", expected)));
 }
 

@@ -15,7 +15,7 @@ namespace ZelUnified {
 
 /// How the conformance suite constructs one kind of store, and the properties of that kind.
 struct StoreKind {
-    enum class Writes { Refused, Taken };
+    enum class Writes { Refused, Accepted };
     enum class Emptying { Ignored, Done };
 
     std::string label;

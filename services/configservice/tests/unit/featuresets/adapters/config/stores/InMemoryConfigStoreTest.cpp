@@ -20,7 +20,7 @@ INSTANTIATE_TEST_SUITE_P(InMemoryConfigStore, ConfigStoreConformance,
                                                        }
                                                        return store;
                                                    },
-                                                   "InMemoryConfigStore", 600, false, true, StoreKind::Writes::Taken,
+                                                   "InMemoryConfigStore", 600, false, true, StoreKind::Writes::Accepted,
                                                    StoreKind::Emptying::Done}),
                          storeKindLabel);
 

@@ -64,7 +64,7 @@ INSTANTIATE_TEST_SUITE_P(
             store->persistValues();
             return std::make_shared<LocalFileConfigStore>("LocalFileConfigStore", 20, false);
         },
-        "LocalFileConfigStore", 20, false, false, StoreKind::Writes::Taken, StoreKind::Emptying::Done}),
+        "LocalFileConfigStore", 20, false, false, StoreKind::Writes::Accepted, StoreKind::Emptying::Done}),
     storeKindLabel);
 
 INSTANTIATE_TEST_SUITE_P(
@@ -80,7 +80,7 @@ INSTANTIATE_TEST_SUITE_P(
             return std::make_shared<LocalFileConfigStore>("d.xml", std::numeric_limits<int>::max(),
                                                           profile.resources().string(), "d.xml", true, true, false);
         },
-        "d.xml", std::numeric_limits<int>::max(), true, true, StoreKind::Writes::Taken, StoreKind::Emptying::Done}),
+        "d.xml", std::numeric_limits<int>::max(), true, true, StoreKind::Writes::Accepted, StoreKind::Emptying::Done}),
     storeKindLabel);
 
 } // namespace ZelUnified

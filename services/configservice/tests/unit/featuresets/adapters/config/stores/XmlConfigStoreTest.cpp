@@ -41,7 +41,7 @@ INSTANTIATE_TEST_SUITE_P(XmlConfigStore, ConfigStoreConformance,
                                  XmlConfigParser::writeToFile(path, values);
                                  return std::make_shared<XmlConfigStore>("Name", 7, false, true, path, true);
                              },
-                             "Name", 7, true, false, StoreKind::Writes::Taken, StoreKind::Emptying::Ignored}),
+                             "Name", 7, true, false, StoreKind::Writes::Accepted, StoreKind::Emptying::Ignored}),
                          storeKindLabel);
 
 } // namespace ZelUnified

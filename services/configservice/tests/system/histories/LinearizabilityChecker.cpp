@@ -1,0 +1,188 @@
+#include "LinearizabilityChecker.h"
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+namespace config_model {
+
+namespace {
+
+// No history of the tests comes near it.
+constexpr std::size_t mostSteps = 2'000'000;
+constexpr std::size_t mostStepsOfOneEvent = 100;
+
+bool isPostedWithoutChainLock(const Event& event, const std::string& name) {
+    return event.call.kind == Call::Kind::SetKeySensitive || name == "ConfigStoreManager::reset";
+}
+
+} // namespace
+
+LinearizabilityChecker::LinearizabilityChecker(const History& observed)
+    : history(observed), ofEvents(observed.events.size()) {
+    for (std::size_t position = 0; position < history.posted.size(); ++position) {
+        const auto& [event, name] = history.posted[position];
+        const bool isOfChain = !isPostedWithoutChainLock(history.events[event], name);
+        (isOfChain ? ofChain : ofEvents[event]).push_back(position);
+    }
+}
+
+std::string LinearizabilityChecker::check() {
+    Node first{makeStartedState(history.policy, history.before), std::vector<Progress>(history.events.size()), 0, 0};
+    return search(std::move(first)) ? "" : explain();
+}
+
+bool LinearizabilityChecker::search(Node node) {
+    for (;;) {
+        const auto candidates = findNext(node);
+        if (candidates.empty()) {
+            return isObservedEnd(node);
+        }
+        remember(node);
+        if (candidates.size() > 1 && !failed.insert(describeState(node)).second) {
+            return false;
+        }
+        for (std::size_t i = 0; i + 1 < candidates.size(); ++i) {
+            Node next = node;
+            if (perform(next, candidates[i]) && search(std::move(next))) {
+                return true;
+            }
+        }
+        // The last choice needs no copy of the node.
+        if (triedSteps > mostSteps || !perform(node, candidates.back())) {
+            return false;
+        }
+    }
+}
+
+bool LinearizabilityChecker::isObservedEnd(Node& node) const {
+    return node.postedOfChain == ofChain.size() && node.background == history.background.size() &&
+           describeEnd(node.state) == history.end;
+}
+
+std::vector<std::size_t> LinearizabilityChecker::findNext(const Node& node) const {
+    auto firstEnd = std::numeric_limits<std::size_t>::max();
+    for (std::size_t i = 0; i < history.events.size(); ++i) {
+        if (!node.progress[i].done) {
+            firstEnd = std::min(firstEnd, history.events[i].end);
+        }
+    }
+    std::vector<std::size_t> next;
+    for (std::size_t i = 0; i < history.events.size(); ++i) {
+        if (!node.progress[i].done && history.events[i].start < firstEnd) {
+            next.push_back(i);
+        }
+    }
+    return next;
+}
+
+bool LinearizabilityChecker::perform(Node& node, std::size_t event) {
+    ++triedSteps;
+    auto& progress = node.progress[event];
+    CallSteps steps(node.state, event, history.events[event].thread == 0, progress.results);
+    if (!steps.runNext(history.events[event].call)) {
+        return false;
+    }
+    progress.done = steps.isFinished();
+    if (progress.done) {
+        progress.results.clear();
+    }
+    return acceptPosted(node, event) && acceptFired(node, event) && acceptBackground(node, event) &&
+           acceptEnd(node, event, steps);
+}
+
+bool LinearizabilityChecker::acceptPosted(Node& node, std::size_t event) {
+    for (auto& task : node.state.takePosted()) {
+        const auto& positions = task.isOfChain() ? ofChain : ofEvents[event];
+        auto& next = task.isOfChain() ? node.postedOfChain : node.progress[event].posted;
+        if (next == positions.size()) {
+            return false;
+        }
+        const auto position = positions[next++];
+        if (history.posted[position].event != event || history.posted[position].name != task.getName()) {
+            return false;
+        }
+        node.state.queue.emplace(position, std::move(task));
+    }
+    return true;
+}
+
+bool LinearizabilityChecker::acceptFired(Node& node, std::size_t event) {
+    const auto& observed = history.events[event].fired;
+    auto& next = node.progress[event].fired;
+    for (const auto& line : node.state.takeFired()) {
+        if (next == observed.size() || observed[next] != line) {
+            return false;
+        }
+        ++next;
+    }
+    return true;
+}
+
+bool LinearizabilityChecker::acceptBackground(Node& node, std::size_t event) const {
+    const auto& tasks = node.state.chain.getTasks();
+    const auto first = node.state.backgroundRun;
+    for (auto& accepted = node.background; accepted < first + tasks.size(); ++accepted) {
+        const auto& task = tasks[accepted - first];
+        if (accepted == history.background.size() || history.background[accepted].event != event ||
+            history.background[accepted].name != task.name) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool LinearizabilityChecker::acceptEnd(const Node& node, std::size_t event, const CallSteps& steps) const {
+    const auto& observed = history.events[event];
+    const auto& progress = node.progress[event];
+    return !progress.done || (steps.getAnswer() == observed.answer && progress.fired == observed.fired.size() &&
+                              progress.posted == ofEvents[event].size());
+}
+
+std::string LinearizabilityChecker::describeState(const Node& node) const {
+    std::string text = node.state.describe();
+    for (const auto& progress : node.progress) {
+        text += progress.done ? "." : ",";
+        if (progress.done) {
+            continue;
+        }
+        for (const auto& result : progress.results) {
+            text += (result.yes ? "y" : "n") + narrow(result.text);
+            for (const auto& [key, value] : result.pairs) {
+                text += narrow(key) + "=" + narrow(value) + ";";
+            }
+            text += '|';
+        }
+        text += std::to_string(progress.fired);
+    }
+    return text + std::to_string(node.postedOfChain) + "," + std::to_string(node.background);
+}
+
+void LinearizabilityChecker::remember(const Node& node) {
+    std::size_t steps = 0;
+    for (const auto& progress : node.progress) {
+        steps += progress.done ? mostStepsOfOneEvent : progress.results.size();
+    }
+    if (steps < mostProgress) {
+        return;
+    }
+    mostProgress = steps;
+    farthest.clear();
+    for (std::size_t event = 0; event < node.progress.size(); ++event) {
+        if (!node.progress[event].done) {
+            farthest.emplace_back(event, node.progress[event].results.size());
+        }
+    }
+}
+
+std::string LinearizabilityChecker::explain() const {
+    const std::string outcome = triedSteps > mostSteps ? "The search was given up" : "No order explains the history";
+    auto text = outcome + " after " + std::to_string(triedSteps) + " steps:\n" + describe(history) +
+                "not done where the search came farthest:\n";
+    for (const auto& [event, steps] : farthest) {
+        text += "  event " + std::to_string(event) + " after " + std::to_string(steps) + " steps\n";
+    }
+    return text;
+}
+
+} // namespace config_model

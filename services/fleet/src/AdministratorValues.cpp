@@ -1,0 +1,141 @@
+#include "AdministratorValues.h"
+
+#include "FleetSettings.h"
+
+#include <kyr/StringUtils.h>
+#include <registry/RegistryFiles.h>
+#include <registry/RegistryTextFile.h>
+#include <registry/RegistryValue.h>
+#include <unified/TypeName.h>
+
+#include <ConfigKeys.h>
+
+#include <array>
+#include <optional>
+#include <span>
+#include <typeinfo>
+#include <utility>
+#include <vector>
+
+namespace fleet {
+
+using namespace zel::registry;
+namespace ConfigKeys = ZelUnified::ConfigKeys;
+
+namespace {
+
+struct TrustedStore {
+    std::string_view name;
+    std::string_view type;
+};
+
+/// A cached copy can have any name, but not these types.
+constexpr std::array trustedStores{TrustedStore{ConfigKeys::registryConfigStore, "ZelUnified::RegistryConfigStore"},
+                                   TrustedStore{ConfigKeys::bootstrapConfigStore, "ZelUnified::BootstrapConfigStore"},
+                                   TrustedStore{ConfigKeys::configDefaultsFile, "ZelUnified::LocalFileConfigStore"}};
+
+/// A key of the current user, opened for reading.
+struct OpenKey {
+    OpenKey(Registry& owner, const std::wstring& path) : registry(owner) {
+        registry.RegOpenKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, KEY_READ, handle);
+    }
+    ~OpenKey() { registry.RegCloseKey(handle); }
+    OpenKey(const OpenKey&) = delete;
+    OpenKey& operator=(const OpenKey&) = delete;
+
+    Registry& registry;
+    HKEY handle{}; ///< Null, and without values, if there is no such key.
+};
+
+/// Returns the text that the configuration reads from a value; nothing for a type that it ignores.
+std::optional<std::wstring> toText(std::uint32_t type, std::span<const std::uint8_t> data) {
+    switch (type) {
+    case REG_SZ:
+    case REG_EXPAND_SZ:
+    case REG_MULTI_SZ:
+        return decodeRegistryText(data);
+    case REG_DWORD: {
+        std::uint32_t number = 0;
+        for (std::size_t index = 0; index < data.size() && index < sizeof(number); ++index) {
+            number |= static_cast<std::uint32_t>(data[index]) << (8 * index);
+        }
+        return KyrCoreUtils::toWideString(number);
+    }
+    default:
+        return std::nullopt;
+    }
+}
+
+} // namespace
+
+AdministratorValues::AdministratorValues(std::shared_ptr<Registry> administratorsRegistry)
+    : registry(std::move(administratorsRegistry)) {}
+
+std::shared_ptr<Registry> AdministratorValues::openRegistry() {
+    // A platform with a registry protects the policy key from ordinary users.
+    const auto folder = getAdministratorRegistryFolder();
+    return folder.empty() ? getRegistry() : makeFileRegistry({folder, {}, false});
+}
+
+void AdministratorValues::update(ZelUnified::ConfigFeatureSet& configuration) {
+    for (const auto& trusted : trustedStores) {
+        const std::string name(trusted.name);
+        const auto store = configuration.getConfigStoreByName(name);
+        auto& source = sources[name];
+        if (!store || store == source.store.lock()) {
+            continue;
+        }
+        auto& held = *store;
+        if (ZelUnified::readableTypeName(&typeid(held)) == trusted.type) {
+            source = {store, held.getPriority(), read(name, held)};
+        }
+    }
+}
+
+ZelUnified::ConfigMap AdministratorValues::read(const std::string& name, ZelUnified::ConfigStore& store) const {
+    if (name == ConfigKeys::registryConfigStore) {
+        return readPolicy();
+    }
+    ZelUnified::ConfigMap values;
+    std::wstring value;
+    for (const auto key : FleetSettings::administratorsKeys) {
+        if (store.getValue(std::wstring(key), value)) {
+            values.insert_or_assign(std::wstring(key), value);
+        }
+    }
+    return values;
+}
+
+ZelUnified::ConfigMap AdministratorValues::readPolicy() const {
+    ZelUnified::ConfigMap values;
+    const auto path = L"Software\\" + KyrCoreUtils::toWideString(ConfigKeys::policyRegistryPath);
+    const OpenKey key(*registry, path);
+    std::vector<wchar_t> name(longestRegistryValueName + 1);
+    std::vector<std::uint8_t> data(longestRegistryValueData);
+    for (std::uint32_t index = 0;; ++index) {
+        auto nameLength = static_cast<std::uint32_t>(name.size());
+        auto dataLength = static_cast<std::uint32_t>(data.size());
+        std::uint32_t type = REG_NONE;
+        if (registry->RegEnumValueW(key.handle, index, name, nameLength, type, data, dataLength) !=
+            RegistryResult::Success) {
+            return values;
+        }
+        const std::wstring valueName(name.data(), nameLength);
+        const auto text = toText(type, std::span(data).first(dataLength));
+        if (text && FleetSettings::isAdministratorsKey(valueName)) {
+            values.insert_or_assign(valueName, *text);
+        }
+    }
+}
+
+std::wstring AdministratorValues::get(std::wstring_view key) const {
+    const Source* winner = nullptr;
+    for (const auto& [name, source] : sources) {
+        if (source.values.contains(std::wstring(key)) && (winner == nullptr || source.priority < winner->priority)) {
+            winner = &source;
+        }
+    }
+    return winner == nullptr ? std::wstring() : winner->values.find(std::wstring(key))->second;
+}
+
+} // namespace fleet
