@@ -25,7 +25,11 @@ public:
     explicit Installation(const Arguments& libraries) {
         fs::create_directories(program.parent_path());
         fs::copy_file(LUMORA_CONFIG_PROGRAM, program);
-        link("liblumora_host.so", folder() / "liblumora_host.so");
+        for (const auto& entry : fs::directory_iterator(LUMORA_PLUGINS)) {
+            if (const auto name = entry.path().filename().string(); name.starts_with("liblumora_host.so")) {
+                link(name, folder() / name);
+            }
+        }
         for (const auto& library : libraries) {
             link(library, folder() / library);
         }
