@@ -158,17 +158,17 @@ double measureDocument(std::size_t keyCount) {
 
 int main(int argc, char** argv) {
     bench::RowSuite suite(argc, argv);
-    const std::string delayed = "10 wait of a task, 99th percentile, 100 changes a second";
+    const std::string delayed = "I1 wait of a task, 99th percentile, 100 changes a second";
     suite.addTimed(delayed, "100 watchers", 1, [] { return measureDelay(watcherCount); });
     suite.addTimed(delayed, "without watchers", 1, [] { return measureDelay(0); });
-    const std::string changed = "11 change without watchers";
+    const std::string changed = "I2 change without watchers";
     suite.addTimed(changed, "inspection service", changesInRow, [] { return measureChanges(Inspection::With); });
     suite.addTimed(changed, "bare client", changesInRow, [] { return measureChanges(Inspection::Without); });
-    const std::string answered = "12 longest wait of a task during an answer, 5000 keys";
+    const std::string answered = "I3 longest wait of a task during an answer, 5000 keys";
     for (const std::string verb : {"report", "log", "list", "explanations"}) {
         suite.addTimed(answered, verb, 1, [verb] { return measureAnswer(verb); });
     }
-    const std::string seen = "13 time until a watcher has the event";
+    const std::string seen = "I4 time until a watcher has the event";
     for (const std::size_t keyCount : {std::size_t{0}, manyKeys}) {
         const auto row = seen + (keyCount == 0 ? "" : ", " + std::to_string(keyCount) + " keys");
         suite.addTimed(row, "set", 1, [keyCount] { return measureSet(keyCount); });

@@ -161,17 +161,19 @@ void timeRead(benchmark::State& state, Subjects& subjects) {
 }
 
 void registerReads(Subjects& subjects) {
-    benchmark::RegisterBenchmark("read of a key/store", [&](benchmark::State& state) {
+    const std::string read = "10 read of a store of 5,000 keys";
+    const std::string longest = "10 longest of 1,000 reads of a store of 5,000 keys";
+    benchmark::RegisterBenchmark((read + "/store").c_str(), [&](benchmark::State& state) {
         timeRead(state, subjects);
     })->UseRealTime();
-    benchmark::RegisterBenchmark("read of a key/store, while it persists", [&](benchmark::State& state) {
+    benchmark::RegisterBenchmark((read + "/store, while it persists").c_str(), [&](benchmark::State& state) {
         const PersistingThread persisting(subjects);
         timeRead(state, subjects);
     })->UseRealTime();
-    benchmark::RegisterBenchmark("longest of 1,000 reads/store", [&](benchmark::State& state) {
+    benchmark::RegisterBenchmark((longest + "/store").c_str(), [&](benchmark::State& state) {
         timeLongestRead(state, subjects);
     })->UseManualTime();
-    benchmark::RegisterBenchmark("longest of 1,000 reads/store, while it persists", [&](benchmark::State& state) {
+    benchmark::RegisterBenchmark((longest + "/store, while it persists").c_str(), [&](benchmark::State& state) {
         const PersistingThread persisting(subjects);
         timeLongestRead(state, subjects);
     })->UseManualTime();

@@ -13,12 +13,11 @@ namespace zel::registry {
 /// The folders of a registry that consists of files in the administrators' text format.
 struct RegistryFolders {
     /// Contains the folders "HKEY_CURRENT_USER" and "HKEY_LOCAL_MACHINE" with ".reg" files. Never written.
-    std::string administrator;
+    std::string administrator{};
     /// Contains the files of the current user's root; they override the administrator's. If empty,
     /// getUserRegistryFolder().
-    std::string user;
-    /// False for the administrator's files alone.
-    bool hasUser = true;
+    std::string user{};
+    bool readsUserFiles = true; ///< If false, only the administrator's files are read.
 };
 
 /// Returns the name of the default mail client, empty if it is unknown. Called each time the files are checked.

@@ -5,9 +5,11 @@
 #include <memory>
 #include <string>
 
-namespace ZelUnified {
-
+namespace zel::platform {
 class ProfileDirectoryLock;
+}
+
+namespace ZelUnified {
 
 /// Prevents a second process from using a profile. The object holds an advisory lock on the configuration directory
 /// itself until it is destroyed; the system releases the lock if the process dies. Different spellings of one directory
@@ -19,7 +21,10 @@ public:
     /// only records which process holds the lock; the lock works without it. File errors do not throw; see isHeld().
     ProfileLock(const std::string& configDirectory, const std::string& stateDirectory);
     /// Returns the problem that an attempt to acquire the lock would report now; "" if it would succeed. Neither
-    /// acquires the lock nor changes anything. If the directory is missing, nobody uses it.
+    /// acquires the lock nor changes anything. If the directory is missing, nobody uses it. On Linux, does not see a
+    /// process that holds the lock without the mark of this class and is not recorded in this state folder: a program
+    /// that locks the directory in another way, or a process with another state folder on a file system without such
+    /// marks.
     static std::string findProblem(const std::string& configDirectory, const std::string& stateDirectory);
 
     /// Releases the lock. Before that, drops and logs pending content of protected files in the directory: nothing may
@@ -35,7 +40,7 @@ public:
     const std::string& getProblem() const noexcept;
 
 private:
-    const std::unique_ptr<ProfileDirectoryLock> directory;
+    const std::unique_ptr<zel::platform::ProfileDirectoryLock> directory;
 };
 
 } // namespace ZelUnified

@@ -10,14 +10,18 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <charconv>
 #include <csignal>
-#include <optional>
+#include <fstream>
+#include <initializer_list>
+#include <sstream>
 #include <string_view>
+#include <vector>
 
-namespace ZelUnified {
+namespace zel::platform {
 
 namespace {
 
@@ -32,21 +36,48 @@ int lockAtOnce(int descriptor) {
 
 /// Marks the directory, which is locked, as in use, until it is closed. The mark is a shared lock of the kind that
 /// other processes can see without an attempt to acquire it, which could make another process fail. Locks of flock()
-/// are visible in /proc/locks only, and reading that waits ten milliseconds and more for all processors.
+/// are visible in /proc/locks only, and reading that waits ten milliseconds and more for all processors. Ignores
+/// failures: some file systems have no such locks, and isLockedBy() works without a mark.
 void markAsUsed(int directory) {
     struct flock whole {};
     whole.l_type = F_RDLCK;
     ::fcntl(directory, F_OFD_SETLK, &whole);
 }
 
-/// Returns whether another open directory is marked. Returns nothing if the file system has no such locks.
-std::optional<bool> isMarkedAsUsed(int directory) {
+/// Returns true if another open descriptor of the directory is marked.
+bool isMarkedAsUsed(int directory) {
     struct flock whole {};
     whole.l_type = F_WRLCK;
-    if (::fcntl(directory, F_OFD_GETLK, &whole) != 0) {
-        return std::nullopt;
+    return ::fcntl(directory, F_OFD_GETLK, &whole) == 0 && whole.l_type != F_UNLCK;
+}
+
+/// Returns true if the process holds a lock of flock() on one of the open files. The device is not compared: the one
+/// in the list of locks differs from that of stat() on some file systems. If there is no list, believes the caller
+/// that the process may hold the lock.
+bool isLockedBy(long process, std::initializer_list<int> descriptors) {
+    std::vector<std::string> inodes;
+    for (const int descriptor : descriptors) {
+        struct stat status {};
+        if (fstat(descriptor, &status) == 0) {
+            inodes.push_back(':' + std::to_string(status.st_ino));
+        }
     }
-    return whole.l_type != F_UNLCK;
+    std::ifstream locks("/proc/locks");
+    if (!locks) {
+        return true;
+    }
+    for (std::string line; std::getline(locks, line);) {
+        std::istringstream stream(line);
+        std::array<std::string, 6> words; // NUMBER: FLOCK ADVISORY WRITE PROCESS MAJOR:MINOR:INODE
+        for (auto& word : words) {
+            stream >> word;
+        }
+        const auto isFile = [&](const std::string& inode) { return words[5].ends_with(inode); };
+        if (words[1] == "FLOCK" && words[4] == std::to_string(process) && std::ranges::any_of(inodes, isFile)) {
+            return true;
+        }
+    }
+    return false;
 }
 
 /// Records in the state folder which process holds a lock. The record is for users only; every failure is ignored.
@@ -80,7 +111,7 @@ public:
 
 private:
     static int open(const std::string& stateDirectory, const std::string& configDirectory, Purpose purpose) {
-        const auto path = stateDirectory + "/profile-" + zel::platform::digestDirectory(configDirectory) + ".lock";
+        const auto path = stateDirectory + "/profile-" + digestDirectory(configDirectory) + ".lock";
         if (purpose == Purpose::Read) {
             return ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
         }
@@ -88,7 +119,7 @@ private:
         return ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, S_IRUSR | S_IWUSR);
     }
 
-    const zel::platform::FileDescriptor file;
+    const FileDescriptor file;
 };
 
 /// The open directory, which holds the lock.
@@ -96,12 +127,12 @@ class LockedDirectory final : public ProfileDirectoryLock {
 public:
     LockedDirectory(const std::string& configDirectory, const std::string& stateDirectory)
         : ProfileDirectoryLock(configDirectory),
-          created(KyrCoreUtils::FileUtils::createDirectory(path)),
-          directory(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)),
+          created(KyrCoreUtils::FileUtils::createDirectory(configDirectory)),
+          directory(open(getPath().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)),
           openError(directory.get() < 0 ? errno : 0),
           holderFile(configDirectory, stateDirectory, HolderFile::Purpose::Write) {
         if (created != 0 || openError != 0) {
-            problem = describeOpenFailure(path, created != 0 ? created : openError);
+            recordOpenFailure(created != 0 ? created : openError);
             return;
         }
         int error = lockAtOnce(directory.get());
@@ -109,21 +140,20 @@ public:
             error = lockAtOnce(holderFile.getDescriptor());
         }
         if (error == 0) {
-            held = true;
+            recordSuccess();
             markAsUsed(directory.get());
             holderFile.write(std::to_string(getpid()) + "\n");
             return;
         }
         if (error != EWOULDBLOCK) {
-            problem = describeLockFailure(path, error);
+            recordLockFailure(error);
             return;
         }
-        holder = holderFile.read();
-        problem = describeUse(path, holder);
+        recordUse(holderFile.read());
     }
 
     ~LockedDirectory() override {
-        if (held) {
+        if (isHeld()) {
             holderFile.write(""); // the next process that fails to lock must not report this one
         }
     }
@@ -133,7 +163,7 @@ public:
 
 private:
     const int created;
-    const zel::platform::FileDescriptor directory;
+    const FileDescriptor directory;
     const int openError;
     const HolderFile holderFile;
 };
@@ -146,14 +176,16 @@ std::unique_ptr<ProfileDirectoryLock> ProfileDirectoryLock::acquire(const std::s
 }
 
 std::string ProfileDirectoryLock::findProblem(const std::string& configDirectory, const std::string& stateDirectory) {
-    const zel::platform::FileDescriptor directory(::open(configDirectory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const FileDescriptor directory(::open(configDirectory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (directory.get() < 0) {
         return errno == ENOENT ? std::string() : describeOpenFailure(configDirectory, errno);
     }
     const HolderFile holderFile(configDirectory, stateDirectory, HolderFile::Purpose::Read);
     const auto recorded = holderFile.read();
-    const bool inUse = isMarkedAsUsed(directory.get()).value_or(recorded != 0);
+    // The holder may have failed to set the mark. A killed holder's id may belong to another process now.
+    const bool inUse = isMarkedAsUsed(directory.get()) ||
+                       (recorded != 0 && isLockedBy(recorded, {directory.get(), holderFile.getDescriptor()}));
     return inUse ? describeUse(configDirectory, recorded) : std::string();
 }
 
-} // namespace ZelUnified
+} // namespace zel::platform

@@ -54,7 +54,7 @@ FileRegistry::Sources FileRegistry::findSources() const {
     sources.currentUser = listAdministratorFiles(folders.administrator, HKEY_CURRENT_USER);
     sources.localMachine = listAdministratorFiles(folders.administrator, HKEY_LOCAL_MACHINE);
     const auto user = folders.user.empty() ? getUserRegistryFolder() : folders.user;
-    if (folders.hasUser && !user.empty()) {
+    if (folders.readsUserFiles && !user.empty()) {
         sources.user = listRegistryFiles(user);
     }
     if (defaultMailClient) {

@@ -5,12 +5,14 @@
 
 namespace ZelUnified {
 
+using zel::platform::ProfileDirectoryLock;
+
 ProfileLock::ProfileLock(const std::string& configDirectory, const std::string& stateDirectory)
     : directory(ProfileDirectoryLock::acquire(configDirectory, stateDirectory)) {}
 
 ProfileLock::~ProfileLock() {
     if (isHeld()) {
-        zel::storage::PendingWrites::instance().giveUp(directory->path);
+        zel::storage::PendingWrites::instance().giveUp(directory->getPath());
     }
 }
 
@@ -19,15 +21,15 @@ std::string ProfileLock::findProblem(const std::string& configDirectory, const s
 }
 
 bool ProfileLock::isHeld() const noexcept {
-    return directory->held;
+    return directory->isHeld();
 }
 
 long ProfileLock::getHolder() const noexcept {
-    return directory->holder;
+    return directory->getHolder();
 }
 
 const std::string& ProfileLock::getProblem() const noexcept {
-    return directory->problem;
+    return directory->getProblem();
 }
 
 } // namespace ZelUnified

@@ -17,12 +17,9 @@
 #include <fstream>
 #include <string_view>
 
-namespace ZelUnified {
+namespace zel::platform {
 
 namespace {
-
-using zel::platform::AccessRights;
-using zel::platform::SystemHandle;
 
 constexpr DWORD sharedWithAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
@@ -106,32 +103,31 @@ class LockedDirectory final : public ProfileDirectoryLock {
 public:
     LockedDirectory(const std::string& configDirectory, const std::string& stateDirectory)
         : ProfileDirectoryLock(configDirectory),
-          created(KyrCoreUtils::FileUtils::createDirectory(path)),
-          settled(created == 0 ? finalPath(KyrCoreUtils::pathFromText(path).value_or("")) : std::wstring()),
-          openError(settled.empty() ? zel::platform::lastErrno() : 0),
+          created(KyrCoreUtils::FileUtils::createDirectory(configDirectory)),
+          settled(created == 0 ? finalPath(KyrCoreUtils::pathFromText(configDirectory).value_or("")) : std::wstring()),
+          openError(settled.empty() ? lastErrno() : 0),
           digest(digestOf(settled)),
           holderFile(stateDirectory, digest) {
         if (created != 0 || openError != 0) {
-            problem = describeOpenFailure(path, created != 0 ? created : openError);
+            recordOpenFailure(created != 0 ? created : openError);
             return;
         }
         DWORD error = 0;
         lock = createLock(digest, error);
         if (lock) {
-            held = true;
+            recordSuccess();
             holderFile.write(std::to_string(::GetCurrentProcessId()) + "\n");
             return;
         }
         if (error != ERROR_ALREADY_EXISTS) {
-            problem = describeLockFailure(path, zel::platform::errnoOf(error));
+            recordLockFailure(errnoOf(error));
             return;
         }
-        holder = holderFile.read();
-        problem = describeUse(path, holder);
+        recordUse(holderFile.read());
     }
 
     ~LockedDirectory() override {
-        if (held) {
+        if (isHeld()) {
             holderFile.write(""); // the next process that fails to lock must not report this one
         }
     }
@@ -158,7 +154,7 @@ std::unique_ptr<ProfileDirectoryLock> ProfileDirectoryLock::acquire(const std::s
 std::string ProfileDirectoryLock::findProblem(const std::string& configDirectory, const std::string& stateDirectory) {
     const auto settled = finalPath(KyrCoreUtils::pathFromText(configDirectory).value_or(""));
     if (settled.empty()) {
-        const int error = zel::platform::lastErrno();
+        const int error = lastErrno();
         return error == ENOENT ? std::string() : describeOpenFailure(configDirectory, error);
     }
     const auto digest = digestOf(settled);
@@ -166,4 +162,4 @@ std::string ProfileDirectoryLock::findProblem(const std::string& configDirectory
     return lock ? describeUse(configDirectory, HolderFile(stateDirectory, digest).read()) : "";
 }
 
-} // namespace ZelUnified
+} // namespace zel::platform

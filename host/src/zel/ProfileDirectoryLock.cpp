@@ -2,7 +2,7 @@
 
 #include <system_error>
 
-namespace ZelUnified {
+namespace zel::platform {
 
 namespace {
 
@@ -16,8 +16,13 @@ std::string ProfileDirectoryLock::describeOpenFailure(const std::string& path, i
     return "The configuration directory " + path + " can't be opened: " + describe(error);
 }
 
-std::string ProfileDirectoryLock::describeLockFailure(const std::string& path, int error) {
-    return "The configuration directory " + path + " can't be locked: " + describe(error);
+void ProfileDirectoryLock::recordLockFailure(int error) {
+    problem = "The configuration directory " + path + " can't be locked: " + describe(error);
+}
+
+void ProfileDirectoryLock::recordUse(long otherProcess) {
+    holder = otherProcess;
+    problem = describeUse(path, holder);
 }
 
 std::string ProfileDirectoryLock::describeUse(const std::string& path, long holder) {
@@ -25,4 +30,4 @@ std::string ProfileDirectoryLock::describeUse(const std::string& path, long hold
            (holder != 0 ? "process " + std::to_string(holder) : std::string("another process")) + ".";
 }
 
-} // namespace ZelUnified
+} // namespace zel::platform

@@ -4,7 +4,7 @@
 #include <string>
 #include <utility>
 
-namespace ZelUnified {
+namespace zel::platform {
 
 /// An attempt to lock the configuration directory of a profile; the platform's folder implements it. The destructor
 /// releases the lock. One thread at a time.
@@ -14,25 +14,39 @@ public:
     /// null.
     static std::unique_ptr<ProfileDirectoryLock> acquire(const std::string& configDirectory,
                                                          const std::string& stateDirectory);
-    /// Returns the problem that acquire() would report now; "" if it would succeed. Changes nothing.
+    /// Returns the problem that acquire() would report now; "" if it would succeed. Changes nothing. See
+    /// ZelUnified::ProfileLock::findProblem() for what it cannot see.
     static std::string findProblem(const std::string& configDirectory, const std::string& stateDirectory);
 
     virtual ~ProfileDirectoryLock() = default;
     ProfileDirectoryLock(const ProfileDirectoryLock&) = delete;
     ProfileDirectoryLock& operator=(const ProfileDirectoryLock&) = delete;
 
-    const std::string path;
-    bool held = false;
-    long holder = 0;     ///< The id of the other process that holds the lock; 0 if it is unknown.
-    std::string problem; ///< For the user; "" if the lock is held.
+    const std::string& getPath() const noexcept { return path; }
+    bool isHeld() const noexcept { return held; }
+    /// Returns the id of the other process that holds the lock; 0 if it is unknown.
+    long getHolder() const noexcept { return holder; }
+    /// Returns a text for the user; "" if the lock is held.
+    const std::string& getProblem() const noexcept { return problem; }
 
 protected:
     explicit ProfileDirectoryLock(std::string configDirectory) : path(std::move(configDirectory)) {}
 
-    /// The texts of the problems. `error` is an errno value.
+    /// One of these functions records the result of the attempt. `error` is an errno value.
+    void recordSuccess() noexcept { held = true; }
+    void recordOpenFailure(int error) { problem = describeOpenFailure(path, error); }
+    void recordLockFailure(int error);
+    void recordUse(long otherProcess);
+
+    /// The texts of the problems.
     static std::string describeOpenFailure(const std::string& path, int error);
-    static std::string describeLockFailure(const std::string& path, int error);
     static std::string describeUse(const std::string& path, long holder);
+
+private:
+    const std::string path;
+    bool held = false;
+    long holder = 0;
+    std::string problem;
 };
 
-} // namespace ZelUnified
+} // namespace zel::platform

@@ -58,7 +58,7 @@ TEST_F(FileRegistryTest, TheUsersValuesOverrideTheAdministrators) {
 TEST_F(FileRegistryTest, WithoutTheUsersLayerOnlyTheAdministratorsValuesCount) {
     writeAdministrator("a.reg", "[HKCU\\K]\r\n\"a\"=\"admin\"\r\n");
     writeUser("z.reg", "[HKCU\\K]\r\n\"a\"=\"user\"\r\n[HKCU\\L]\r\n\"a\"=\"user\"\r\n");
-    const auto ofAdministrator = makeFileRegistry({administrator.string(), {}, false});
+    const auto ofAdministrator = makeFileRegistry({.administrator = administrator.string(), .readsUserFiles = false});
     EXPECT_EQ(textOf(*ofAdministrator, L"K", L"a"), L"admin");
     EXPECT_FALSE(hasKey(*ofAdministrator, L"L"));
 }

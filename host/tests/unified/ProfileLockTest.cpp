@@ -5,6 +5,8 @@
 #include <zel/EncryptFileUtils.h>
 
 #include <TemporaryProfile.h>
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -137,6 +139,23 @@ TEST_F(ProfileLockTest, FindProblemIgnoresAProcessThatReusesTheIdOfAKilledHolder
     }
     testing_host::writeFile(record, std::to_string(getpid()) + "\n");
     EXPECT_EQ(ProfileLock::findProblem(config, state), "");
+}
+
+TEST_F(ProfileLockTest, FindProblemReportsARecordedHolderThatLockedTheDirectoryOrItsRecordWithoutAMark) {
+    std::filesystem::path record;
+    {
+        const ProfileLock lock(config, state);
+        record = std::filesystem::directory_iterator(state)->path();
+    }
+    testing_host::writeFile(record, std::to_string(getpid()) + "\n");
+    for (const auto& locked : {config, record.string()}) {
+        const int descriptor = open(locked.c_str(), O_RDONLY | O_CLOEXEC);
+        ASSERT_EQ(flock(descriptor, LOCK_EX | LOCK_NB), 0);
+        EXPECT_THAT(ProfileLock::findProblem(config, state), HasSubstr("in use by process " + std::to_string(getpid())))
+            << locked;
+        close(descriptor);
+        EXPECT_EQ(ProfileLock::findProblem(config, state), "") << locked;
+    }
 }
 
 TEST_F(ProfileLockTest, FindProblemReportsADirectoryThatCannotBeOpened) {

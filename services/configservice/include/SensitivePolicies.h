@@ -2,6 +2,7 @@
 
 #include <kyr/StringUtils.h>
 
+#include <ConfigCatalogue.h>
 #include <ConfigChainView.h>
 #include <ConfigFeatureSet.h>
 #include <ConfigKeys.h>
@@ -11,8 +12,7 @@
 namespace ZelUnified {
 
 /// Marks the policies whose name contains "connectionpassword", in any case, as sensitive. The policies' store does so
-/// itself whenever it is refreshed, but not when it is read first: there is no feature set yet. A host or a service
-/// that shows values calls this function before. Any thread.
+/// itself whenever it is refreshed, but not when it is read first: there is no feature set yet. Any thread.
 inline void markSensitivePolicies(ConfigFeatureSet& featureSet) {
     auto* const chain = dynamic_cast<ConfigChainView*>(&featureSet);
     if (chain == nullptr) {
@@ -28,6 +28,18 @@ inline void markSensitivePolicies(ConfigFeatureSet& featureSet) {
             }
         }
     }
+}
+
+/// Marks the keys of the catalogue that only the service that reads them marks (`KeyRow::markedByService`): the profile
+/// may contain their values although the plug-in of that service is not installed. Also calls markSensitivePolicies().
+/// A host or a service that shows values calls this function before. Any thread.
+inline void markSensitiveKeys(ConfigFeatureSet& featureSet) {
+    for (const auto& row : ConfigKeys::keys) {
+        if (row.markedByService) {
+            featureSet.setKeySensitive(std::wstring(row.name));
+        }
+    }
+    markSensitivePolicies(featureSet);
 }
 
 } // namespace ZelUnified

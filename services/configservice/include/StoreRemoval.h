@@ -20,8 +20,9 @@
 namespace ZelUnified {
 
 /// Removes one store from the chain, and its entry from the record of cached copies. The entries of all other stores
-/// are unchanged. For programs and services that inspect the configuration. Everything is inline, so it needs no
-/// plug-in. Holds no references. Services dispatcher's thread, except for the operations marked otherwise.
+/// are unchanged. This is a header for tools and for services that inspect the configuration; the service itself does
+/// not use it. All functions are inline, because tools do not link the plug-in. Holds no references. Services
+/// dispatcher's thread, except for the operations marked otherwise.
 class StoreRemoval {
 public:
     /// Returns nothing if there is no store of this name (case-insensitive) and no cached copy of one.
@@ -56,9 +57,10 @@ public:
         const CachedCopyRecord record(readRecord(featureSet));
         const auto remaining = record.without(wideName);
         if (!isUsersStore() && !record.canBeErasedByService(wideName)) {
-            // The service erases the name at its first occurrence, which may be inside another entry: inserts a
-            // malformed part at the front for it to erase. The extra part does not change the meaning of the record,
-            // even if the process ends before it is erased.
+            // The service erases the record from the first occurrence of the name to the next ";", which may damage
+            // another entry. Inserts a part without a priority at the front for it to erase: to remove "AB" from
+            // "CAB:4;AB:5;", the record becomes "AB;CAB:4;". Readers ignore such a part, so the record is valid even if
+            // the process ends before the service has erased it.
             featureSet.setConfig(recordKey, wideName + L';' + remaining);
         }
         service.removeConfigStoreAndCache(wideName);

@@ -76,7 +76,7 @@ AdministratorValues::AdministratorValues(std::shared_ptr<Registry> administrator
 std::shared_ptr<Registry> AdministratorValues::openRegistry() {
     // A platform with a registry protects the policy key from ordinary users.
     const auto folder = getAdministratorRegistryFolder();
-    return folder.empty() ? getRegistry() : makeFileRegistry({folder, {}, false});
+    return folder.empty() ? getRegistry() : makeFileRegistry({.administrator = folder, .readsUserFiles = false});
 }
 
 void AdministratorValues::update(ZelUnified::ConfigFeatureSet& configuration) {

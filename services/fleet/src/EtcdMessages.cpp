@@ -23,7 +23,7 @@ std::string toText(const Json& message) {
     return message.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
-/// In characters: that of a control character.
+/// The longest escape, `\u00XX`, in characters.
 constexpr std::size_t longestEscape = 6;
 
 /// Appends the text as JSON writes it in a string. The library would leave copies of a password behind.

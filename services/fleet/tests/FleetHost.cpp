@@ -65,7 +65,8 @@ FleetHost::FleetHost(const std::filesystem::path& administrator, const ServiceMa
         configuration = factory->getFeatureSetByType<ZelUnified::ConfigFeatureSet>();
     });
     factory->StartFeatureSet(ZelUnified::configServiceId, nullptr);
-    service = makeService(factory, zel::registry::makeFileRegistry({administrator.string(), {}, false}));
+    service = makeService(
+        factory, zel::registry::makeFileRegistry({.administrator = administrator.string(), .readsUserFiles = false}));
     factory->getFeatureSets().registerItem<ZelUnified::FleetService>(ZelUnified::FleetService::fleetServiceId, service);
     factory->StartFeatureSet(ZelUnified::FleetService::fleetServiceId, nullptr);
 }

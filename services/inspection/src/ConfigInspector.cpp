@@ -23,7 +23,7 @@ ConfigInspector::ConfigInspector(const std::shared_ptr<ZelUnified::UnifiedFactor
       records(std::dynamic_pointer_cast<ZelUnified::ConfigRecords>(service)),
       chain(std::dynamic_pointer_cast<ZelUnified::ConfigChainView>(featureSet)) {
     if (isUsable()) {
-        ZelUnified::markSensitivePolicies(*featureSet);
+        ZelUnified::markSensitiveKeys(*featureSet);
     }
 }
 

@@ -1,5 +1,6 @@
 #include "TestHost.h"
 
+#include <ConfigCatalogue.h>
 #include <gmock/gmock.h>
 
 namespace inspection_test {
@@ -69,6 +70,17 @@ TEST_F(InspectionSettings, DumpHidesSecretsUnlessTheyAreRequested) {
     host.set(L"connectionpassword", L"planted");
     EXPECT_THAT(dump({{"source", "user"}}), ElementsAre("connectionpassword=hidden"));
     EXPECT_THAT(dump({{"source", "user"}, {"showSecrets", true}}), ElementsAre("connectionpassword=planted"));
+}
+
+TEST_F(InspectionSettings, TheValuesOfAFleetAreHiddenAlthoughItsPlugInIsNotInstalled) {
+    for (const auto& row : ZelUnified::ConfigKeys::keys) {
+        if (row.markedByService) {
+            host.set(std::wstring(row.name), L"planted");
+        }
+    }
+    EXPECT_EQ(peer.ask({{"verb", "get"}, {"key", "FleetConnectionPassword"}})["value"], "VALUE_HIDDEN");
+    EXPECT_THAT(dump({{"source", "user"}}), testing::SizeIs(testing::Ge(2U)));
+    EXPECT_THAT(dump({{"source", "user"}}), testing::Each(testing::EndsWith("=hidden")));
 }
 
 TEST(InspectionPolicies, AreHiddenFromTheStartIfTheyLookLikePasswords) {

@@ -248,9 +248,12 @@ std::optional<ExitCode> runLive(const CommandLine& line, Printer& printer) {
     if (!client.isConnected()) {
         return std::nullopt;
     }
+    if (!line.trusted && !line.pluginDirectory.empty()) {
+        requireTrusted({line.pluginDirectory}); // the shell and `bundle` load modules
+    }
     if (isShell) {
         LiveTarget target(printer, line.showSecrets);
-        return Shell(target).run();
+        return Shell(target, line.pluginDirectory).run();
     }
     CommandInput input;
     LiveCommands commands(client, input, printer, line.showSecrets);
@@ -262,7 +265,7 @@ std::optional<ExitCode> runLive(const CommandLine& line, Printer& printer) {
 ExitCode runInSession(Session& session, const CommandLine& line, Printer& printer) {
     if (line.command.name == "shell") {
         SessionTarget target(session);
-        return Shell(target).run();
+        return Shell(target, line.pluginDirectory).run();
     }
     return line.command.name == "serve" ? serve(session, line.command, printer) : runOne(session, line.command);
 }

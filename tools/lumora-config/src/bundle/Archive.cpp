@@ -8,8 +8,9 @@
 
 namespace lumora_config {
 
-std::string makeArchive(const std::vector<ArchiveMember>& members, std::chrono::system_clock::time_point time) {
-    const auto make = findInModule<decltype(&MakeArchive)>(LUMORA_MODULE, "MakeArchive");
+std::string makeArchive(const std::vector<ArchiveMember>& members, std::chrono::system_clock::time_point time,
+                        const std::string& pluginDirectory) {
+    const auto make = findInModule<decltype(&MakeArchive)>(LUMORA_MODULE, "MakeArchive", pluginDirectory);
     try {
         std::string bytes;
         make(members, time, bytes);
@@ -19,9 +20,9 @@ std::string makeArchive(const std::vector<ArchiveMember>& members, std::chrono::
     }
 }
 
-std::string getArchiveLibrary() {
+std::string getArchiveLibrary(const std::string& pluginDirectory) {
     std::string name;
-    findInModule<decltype(&GetArchiveLibrary)>(LUMORA_MODULE, "GetArchiveLibrary")(name);
+    findInModule<decltype(&GetArchiveLibrary)>(LUMORA_MODULE, "GetArchiveLibrary", pluginDirectory)(name);
     return name;
 }
 

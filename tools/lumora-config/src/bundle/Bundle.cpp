@@ -66,13 +66,13 @@ public:
         }
     }
 
-    Bundle finish(const ChainFindings& chain) && {
+    Bundle finish(const ChainFindings& chain, const std::string& pluginDirectory) && {
         BundleSummary list{"", chain.madeAt, summary, {}};
         std::ranges::copy_if(chain.health.items, std::back_inserter(list.problems), &HealthItem::needsAttention);
         auto index = printText([&](Printer& printer) { printer.showBundle(list); });
         list.members.insert(list.members.begin(), {"index.txt", index.size(), "this list"});
         members.insert(members.begin(), {"index.txt", std::move(index)});
-        return {makeArchive(members, std::chrono::system_clock::now()), std::move(list)};
+        return {makeArchive(members, std::chrono::system_clock::now(), pluginDirectory), std::move(list)};
     }
 
 private:
@@ -131,12 +131,13 @@ Bundle makeBundle(BundleContent content) {
                 }));
     members.add("health.json", "the answer to doctor",
                 printJson([&](Printer& printer) { printer.showHealth(chain.health); }));
-    members.add("versions.json", "the versions of program, libraries and system", describeVersions(content.client));
+    members.add("versions.json", "the versions of program, libraries and system",
+                describeVersions(content.client, content.pluginDirectory));
     LogNames names(mask);
     for (const auto& log : content.logs) {
         members.add("log/" + names.add(log.name), "a log file", mask.maskLog(log.text));
     }
-    return std::move(members).finish(chain);
+    return std::move(members).finish(chain, content.pluginDirectory);
 }
 
 std::string nameBundle(const std::string& configDirectory, const std::string& madeAt) {

@@ -22,6 +22,7 @@ struct BundleContent {
     std::string client;                     ///< The version of the running client; empty if there is none.
     std::vector<std::string> secrets;       ///< The values of sensitive keys in all stores.
     std::vector<std::string> sensitiveKeys; ///< Their names, and the sensitive keys of the catalogue.
+    std::string pluginDirectory;            ///< For findInModule().
 };
 
 } // namespace lumora_config

@@ -113,6 +113,10 @@ bool isAssigned(std::string_view text, std::size_t wordEnd) {
 /// Words after which a log may contain a secret, if a value is assigned to them.
 constexpr std::array<std::string_view, 5> secretWords{"password", "passwd", "secret", "token", "credentials"};
 
+/// After these words the service logs a whole settings file that is not well-formed. It may contain values of keys that
+/// are sensitive only because the file says so.
+constexpr std::string_view damagedFile = "contents of invalid xml";
+
 } // namespace
 
 BundleMask::BundleMask(const Hidden& hidden) {
@@ -185,6 +189,7 @@ std::string BundleMask::cutSecrets(std::string_view record) const {
             }
             end = found == std::string::npos ? end : std::min(end, found + word.size());
         };
+        findEnd(damagedFile, [](std::size_t) { return true; });
         for (const auto& key : sensitiveKeys) {
             findEnd(key, [](std::size_t) { return true; });
         }

@@ -23,8 +23,8 @@ public:
     /// name of the user and the name of the machine. A name is replaced as a whole word, ignoring case.
     std::string mask(std::string_view text) const;
     std::wstring mask(const std::wstring& text) const;
-    /// Like mask(), for log files. Also removes what follows the name of a sensitive key, or a word such as
-    /// "password:", up to the end of the log line and the lines that continue it.
+    /// Like mask(), for log files. Also removes what follows the name of a sensitive key, a word such as "password:" or
+    /// the announcement of a damaged file's contents, up to the end of the log line and the lines that continue it.
     std::string maskLog(std::string_view log) const;
 
 private:

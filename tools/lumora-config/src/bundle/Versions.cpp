@@ -11,13 +11,13 @@
 
 namespace lumora_config {
 
-std::string describeVersions(const std::string& client) {
+std::string describeVersions(const std::string& client, const std::string& pluginDirectory) {
     nlohmann::ordered_json versions{{"type", "versions"},
                                     {"lumora-config", LUMORA_VERSION},
                                     {"client", nullptr},
                                     {"system", KyrCoreUtils::ProcessUtils::getSystemName()},
                                     {"libraries",
-                                     {{"archive", getArchiveLibrary()},
+                                     {{"archive", getArchiveLibrary(pluginDirectory)},
                                       {"crypto", OpenSSL_version(OPENSSL_VERSION)},
                                       {"xml", "libxml2 " LIBXML_DOTTED_VERSION}}}};
     if (!client.empty()) {

@@ -5,7 +5,7 @@
 namespace lumora_config {
 
 /// Returns the versions of the program, of its libraries and of the system as one JSON object. `client` is the version
-/// of the running client, or empty.
-std::string describeVersions(const std::string& client);
+/// of the running client, or empty. `pluginDirectory` is that of findInModule(). Throws Failure (Environment).
+std::string describeVersions(const std::string& client, const std::string& pluginDirectory);
 
 } // namespace lumora_config

@@ -112,6 +112,7 @@ void writeBundle(const Command& command, bool showSecrets, const std::function<B
     auto content = collect();
     const auto path = command.file.empty() ? nameBundle(content.chain.profile, content.chain.madeAt) : command.file;
     requireAbsent(path);
+    content.pluginDirectory = command.pluginDirectory;
     auto made = makeBundle(std::move(content));
     writeOutputFile(path, made.archive);
     made.summary.file = path;

@@ -41,6 +41,7 @@ struct Command {
     std::string topic;                   ///< For help: a command. For completion: a shell.
     std::vector<std::string> companions; ///< Keys whose values are shown with each change of the observed key.
     std::vector<std::string> watched;    ///< Keys and patterns.
+    std::string pluginDirectory;         ///< The folder of --plugin-dir, which may contain modules too; or empty.
     FleetOptions fleet;
     bool origin = false;
     bool admin = false;

@@ -101,6 +101,7 @@ CommandLine CommandLine::parse(int argc, const char* const* argv) {
                             &line.directories.resources, &line.pluginDirectory}) {
         makeAbsolute(*directory);
     }
+    line.command.pluginDirectory = line.pluginDirectory;
     line.namedDirectories = nameDirectories(raw.profile, line.directories);
     if (!line.pluginDirectory.empty()) {
         line.namedDirectories.insert(line.namedDirectories.begin(), line.pluginDirectory);

@@ -79,16 +79,6 @@ std::string findDefaultsProblem() {
     return {};
 }
 
-/// A fleet's password is in the profile whether or not its plug-in, which marks it too, is installed and started.
-void markSensitiveKeys(ZelUnified::ConfigFeatureSet& featureSet) {
-    for (const auto& row : ZelUnified::ConfigKeys::keys) {
-        if (row.markedByService) {
-            featureSet.setKeySensitive(std::wstring(row.name));
-        }
-    }
-    ZelUnified::markSensitivePolicies(featureSet);
-}
-
 } // namespace
 
 ConfigHost::ConfigHost(const KyrCoreUtils::HostDirectories& directories, const std::string& plugins, bool verbose,
@@ -221,7 +211,7 @@ void ConfigHost::load() {
         service = factory->getServiceByType<ZelUnified::ConfigService>();
         featureSet = factory->getFeatureSetByType<ZelUnified::ConfigFeatureSet>();
         if (featureSet) {
-            markSensitiveKeys(*featureSet);
+            ZelUnified::markSensitiveKeys(*featureSet);
         }
     });
     if (!service || !featureSet) {

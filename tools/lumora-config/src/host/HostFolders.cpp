@@ -65,21 +65,35 @@ void requireTrusted(const std::vector<std::string>& paths) {
     }
 }
 
-std::string findPluginFolder(const std::string& requested) {
-    std::vector<fs::path> candidates{KyrCoreUtils::toPath(requested)};
-    if (requested.empty()) {
-        const auto program = KyrCoreUtils::toPath(KyrCoreUtils::ProcessUtils::getProgramFolder());
-        candidates = {program / ".." / "lib", program / ".." / LUMORA_PLUGIN_FOLDER, LUMORA_INSTALLED_PLUGIN_FOLDER};
+std::vector<std::string> listPluginFolders() {
+    const auto program = KyrCoreUtils::toPath(KyrCoreUtils::ProcessUtils::getProgramFolder());
+    std::vector<std::string> folders;
+    for (const auto& folder :
+         {program / ".." / "lib", program / ".." / LUMORA_PLUGIN_FOLDER, fs::path(LUMORA_INSTALLED_PLUGIN_FOLDER)}) {
+        folders.push_back(KyrCoreUtils::toText(folder.lexically_normal()));
     }
+    return folders;
+}
+
+std::string findFolder(const std::vector<std::string>& folders, const std::string& library, const std::string& kind) {
     std::string absences;
-    for (const auto& folder : candidates) {
+    for (const auto& folder : folders) {
+        const auto path = KyrCoreUtils::toPath(folder);
         std::error_code ignored;
-        if (fs::is_regular_file(folder / LUMORA_PLUGIN_LIBRARY, ignored)) {
-            return folder.lexically_normal().string();
+        if (fs::is_regular_file(path / library, ignored)) {
+            return folder;
         }
-        absences += (absences.empty() ? "" : ", ") + describeAbsence(folder);
+        absences += (absences.empty() ? "" : ", ") + describeAbsence(path);
     }
-    throw Failure(ExitCode::Environment, "no plug-in " LUMORA_PLUGIN_LIBRARY ": " + absences);
+    throw Failure(ExitCode::Environment, "no " + kind + ' ' + library + ": " + absences);
+}
+
+std::string findPluginFolder(const std::string& requested) {
+    if (requested.empty()) {
+        return findFolder(listPluginFolders(), LUMORA_PLUGIN_LIBRARY, "plug-in");
+    }
+    const auto folder = KyrCoreUtils::toPath(requested).lexically_normal();
+    return findFolder({KyrCoreUtils::toText(folder)}, LUMORA_PLUGIN_LIBRARY, "plug-in");
 }
 
 void requireDefaultsFile(const std::string& resourcesDirectory) {

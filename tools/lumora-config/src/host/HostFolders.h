@@ -17,6 +17,13 @@ std::string findReasonForDistrust(const KyrCoreUtils::FileAccess& access);
 /// Throws Failure (Environment) for the first existing directory or library that is not trusted.
 void requireTrusted(const std::vector<std::string>& paths);
 
+/// Returns the folders in which the build or the installation of the program has its plug-ins. They need not exist.
+std::vector<std::string> listPluginFolders();
+
+/// Returns the first of the folders that contains the library. Throws Failure (Environment) with the reason for each
+/// folder if none does; its message calls the library a `kind`.
+std::string findFolder(const std::vector<std::string>& folders, const std::string& library, const std::string& kind);
+
 /// Returns the folder of the plug-in `configservice`: `requested` or, if that is empty, the folder of the build or
 /// installation of the program. Throws Failure (Environment) if there is no plug-in.
 std::string findPluginFolder(const std::string& requested);

@@ -10,8 +10,12 @@
 
 namespace lumora_config {
 
-void* findInModule(const std::string& library, const std::string& function) {
-    const auto path = findPluginFolder("") + KyrCoreUtils::FileUtils::FileSeparator() + library;
+void* findInModule(const std::string& library, const std::string& function, const std::string& pluginDirectory) {
+    auto folders = listPluginFolders();
+    if (!pluginDirectory.empty()) {
+        folders.push_back(pluginDirectory);
+    }
+    const auto path = findFolder(folders, library, "module") + KyrCoreUtils::FileUtils::FileSeparator() + library;
     try {
         return KyrCoreUtils::SharedLibrary(path).find(function);
     } catch (const std::runtime_error& error) {

@@ -7,14 +7,17 @@
 /// command.
 namespace lumora_config {
 
-/// Loads the module if it is not loaded yet. Returns the address of a function that it exports. Throws Failure
-/// (Environment).
-void* findInModule(const std::string& library, const std::string& function);
+/// Loads the module if it is not loaded yet. Searches it in the folders of the program's plug-ins and then in
+/// `pluginDirectory`, the one on the command line, or empty; the caller has checked that it is trusted. Returns the
+/// address of a function that the module exports. Throws Failure (Environment).
+///
+/// The name of the file, `library`, contains the version of the program: a module of another version is not found.
+void* findInModule(const std::string& library, const std::string& function, const std::string& pluginDirectory);
 
 /// The same as a pointer of the type `Function`.
 template <class Function>
-Function findInModule(const std::string& library, const std::string& function) {
-    return reinterpret_cast<Function>(findInModule(library, function));
+Function findInModule(const std::string& library, const std::string& function, const std::string& pluginDirectory) {
+    return reinterpret_cast<Function>(findInModule(library, function, pluginDirectory));
 }
 
 } // namespace lumora_config

@@ -47,14 +47,23 @@ bool mustEnd() {
 } // namespace
 
 ExitCode Shell::run() {
-    const auto completeLine = [this](const std::string& line) { return completeShellLine(target, line); };
-    if (const auto editor = LineEditor::create(prompt, completeLine)) {
+    if (const auto editor = openEditor()) {
         runEdited(*editor);
     } else {
         runPlain();
     }
     confirmWrites();
     return result;
+}
+
+std::unique_ptr<LineEditor> Shell::openEditor() {
+    const auto completeLine = [this](const std::string& line) { return completeShellLine(target, line); };
+    try {
+        return LineEditor::create(prompt, completeLine, pluginDirectory);
+    } catch (const Failure& failure) {
+        target.getPrinter().showWarning(std::string(failure.what()) + "; lines cannot be edited");
+        return nullptr;
+    }
 }
 
 void Shell::runPlain() {
@@ -126,7 +135,8 @@ Shell::Next Shell::runLine(const std::string& line) {
         }
         name = words.front();
         const auto canRun = [this](const std::string& command) { return target.canRun(command); };
-        const auto command = parseShellCommand(std::move(words), canRun);
+        auto command = parseShellCommand(std::move(words), canRun);
+        command.pluginDirectory = pluginDirectory;
         if (command.name == "quit") {
             return Next::Quit;
         }

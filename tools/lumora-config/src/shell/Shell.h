@@ -5,7 +5,9 @@
 #include "output/Failure.h"
 #include "terminal/LineEditor.h"
 
+#include <memory>
 #include <string>
+#include <utility>
 
 namespace lumora_config {
 
@@ -15,8 +17,9 @@ namespace lumora_config {
 /// with a LineEditor if there is one, and keeps a ShellHistory. Main thread.
 class Shell {
 public:
-    /// The target must outlive the shell.
-    explicit Shell(ShellTarget& commandTarget) : target(commandTarget) {}
+    /// The target must outlive the shell. `plugins` is the folder of the plug-in on the command line, or empty.
+    Shell(ShellTarget& commandTarget, std::string plugins)
+        : target(commandTarget), pluginDirectory(std::move(plugins)) {}
 
     /// Returns the exit code of the first failure, or Done.
     ExitCode run();
@@ -24,6 +27,8 @@ public:
 private:
     enum class Next { Continue, Quit };
 
+    /// Returns null if there is no editor. Prints a warning if its module cannot be loaded.
+    std::unique_ptr<LineEditor> openEditor();
     void runPlain();
     void runEdited(LineEditor& editor);
     /// Adds a line that has run to the history. Prints a warning if this is the first failure to write the file.
@@ -34,6 +39,7 @@ private:
     void recordFailure(ExitCode code);
 
     ShellTarget& target;
+    const std::string pluginDirectory;
     ExitCode result = ExitCode::Done;
     bool historyFailed = false;
 };

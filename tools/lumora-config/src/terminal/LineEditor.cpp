@@ -23,14 +23,15 @@ bool canMoveCursor() {
 
 } // namespace
 
-std::unique_ptr<LineEditor> LineEditor::create(const std::string& prompt, Completer completer) {
+std::unique_ptr<LineEditor> LineEditor::create(const std::string& prompt, Completer completer,
+                                               const std::string& pluginDirectory) {
     if (!KyrCoreUtils::ProcessUtils::isInputTerminal() ||
         !StandardStreams::isTerminal(StandardStreams::Stream::Error) || !canMoveCursor()) {
         return nullptr;
     }
     std::unique_ptr<LineEditor> editor;
-    findInModule<decltype(&OpenEditlineEditor)>(LUMORA_MODULE, "OpenEditlineEditor")(prompt, std::move(completer),
-                                                                                     editor);
+    findInModule<decltype(&OpenEditlineEditor)>(LUMORA_MODULE, "OpenEditlineEditor",
+                                                pluginDirectory)(prompt, std::move(completer), editor);
     return editor;
 }
 

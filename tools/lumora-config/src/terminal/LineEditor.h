@@ -24,8 +24,10 @@ public:
     using Completer = std::function<LineCompletion(const std::string& line)>;
 
     /// Returns null if the platform has no editor, if standard input or standard error is not a terminal, or if the
-    /// terminal cannot move its cursor. Throws Failure (Environment) if the module of the editor is missing.
-    static std::unique_ptr<LineEditor> create(const std::string& prompt, Completer completer);
+    /// terminal cannot move its cursor. `pluginDirectory` is that of findInModule(). Throws Failure (Environment) if
+    /// the module of the editor, or a library that it needs, is missing or cannot be loaded.
+    static std::unique_ptr<LineEditor> create(const std::string& prompt, Completer completer,
+                                              const std::string& pluginDirectory);
 
     virtual ~LineEditor() = default;
 

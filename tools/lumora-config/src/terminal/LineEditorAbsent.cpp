@@ -2,7 +2,8 @@
 
 namespace lumora_config {
 
-std::unique_ptr<LineEditor> LineEditor::create(const std::string& /*prompt*/, Completer /*completer*/) {
+std::unique_ptr<LineEditor> LineEditor::create(const std::string& /*prompt*/, Completer /*completer*/,
+                                               const std::string& /*pluginDirectory*/) {
     return nullptr;
 }
 

@@ -43,8 +43,9 @@ constexpr Kind kindsOfAnyThread[] = {
     Kind::IsKeySensitive,
     Kind::RemoveAllCachedStores,
 };
-constexpr Kind kindsOfLife[] = {Kind::Start,        Kind::Start,        Kind::Stop,      Kind::Refresh,  Kind::Refresh,
-                                Kind::ResetAllData, Kind::ResetAllData, Kind::PowerDown, Kind::IsStarted};
+constexpr Kind kindsOfLifecycle[] = {Kind::Start,        Kind::Start,     Kind::Stop,
+                                     Kind::Refresh,      Kind::Refresh,   Kind::ResetAllData,
+                                     Kind::ResetAllData, Kind::PowerDown, Kind::IsStarted};
 constexpr Kind kindsOfServicesThread[] = {Kind::GetRecord, Kind::GetRecord, Kind::IsRecordSensitive};
 
 const std::wstring allKeys[] = {L"Zed",         L"_mark",      L"TFTPPrimaryServer",
@@ -128,7 +129,7 @@ Call readCall(ByteSource& bytes, const Choices& choices, Kind kind) {
         call.name = bytes.pick(removedStores);
         [[fallthrough]];
     case Kind::GetConfig:
-        call.flag = bytes.flip();
+        call.skipLocal = bytes.flip();
         [[fallthrough]];
     case Kind::ResetConfig:
     case Kind::GetRecord:
@@ -158,7 +159,7 @@ Call readCall(ByteSource& bytes, const Choices& choices, Kind kind) {
         break;
     case Kind::RegisterObserver:
     case Kind::UnregisterObserver:
-        call.number = bytes.below(2) + 1;
+        call.observer = bytes.below(2) + 1;
         break;
     default:
         break;
@@ -166,11 +167,11 @@ Call readCall(ByteSource& bytes, const Choices& choices, Kind kind) {
     return call;
 }
 
-/// A thread that waits for the services thread while it holds the lock of the life must not meet a services thread that
-/// waits for that lock. So either the services thread or another one makes the calls of the life.
-Kind readKind(ByteSource& bytes, const Choices& choices, bool isServicesThread, bool changesLife) {
-    if (changesLife && bytes.oneIn(4)) {
-        return bytes.pick(kindsOfLife);
+/// A thread that holds the lifecycle lock and waits for the services thread would deadlock with a services thread that
+/// waits for that lock. So either the services thread or the other threads make the lifecycle calls.
+Kind readKind(ByteSource& bytes, const Choices& choices, bool isServicesThread, bool changesLifecycle) {
+    if (changesLifecycle && bytes.oneIn(4)) {
+        return bytes.pick(kindsOfLifecycle);
     }
     if (isServicesThread && bytes.oneIn(3)) {
         return bytes.pick(kindsOfServicesThread);
@@ -201,11 +202,11 @@ Script makeScript(std::uint32_t seed) {
         script.before.push_back(readCall(bytes, choices, bytes.pick(kindsOfAnyThread)));
     }
     script.threads.resize(2 + bytes.below(3));
-    const bool servicesThreadChangesLife = bytes.flip();
+    const bool servicesThreadChangesLifecycle = bytes.flip();
     const auto count = fewestCalls + bytes.below(mostCalls - fewestCalls + 1);
     for (std::size_t i = 0; i < count; ++i) {
         const auto thread = i < script.threads.size() ? i : bytes.below(script.threads.size());
-        const auto kind = readKind(bytes, choices, thread == 0, (thread == 0) == servicesThreadChangesLife);
+        const auto kind = readKind(bytes, choices, thread == 0, (thread == 0) == servicesThreadChangesLifecycle);
         script.threads[thread].push_back(readCall(bytes, choices, kind));
     }
     return script;
@@ -224,7 +225,7 @@ std::string describe(const Call& call) {
     case Kind::SetMdmConfig:
         return "setMdmConfig " + describe(call.pairs);
     case Kind::GetConfig:
-        return "getConfig " + narrow(call.key) + (call.flag ? " skipLocal" : "");
+        return "getConfig " + narrow(call.key) + (call.skipLocal ? " skipLocal" : "");
     case Kind::GetValueOfStore:
         return "getValueFromConfigStore " + call.name + " " + narrow(call.key);
     case Kind::SetConfig:
@@ -244,9 +245,9 @@ std::string describe(const Call& call) {
     case Kind::IsKeySensitive:
         return "isKeySensitive " + narrow(call.key);
     case Kind::RegisterObserver:
-        return "registerConfigStoreAddedObserver " + std::to_string(call.number);
+        return "registerConfigStoreAddedObserver " + std::to_string(call.observer);
     case Kind::UnregisterObserver:
-        return "unregisterConfigStoreAddedObserver " + std::to_string(call.number);
+        return "unregisterConfigStoreAddedObserver " + std::to_string(call.observer);
     case Kind::Report:
         return "getAllConfigForPRT";
     case Kind::Start:
@@ -266,7 +267,7 @@ std::string describe(const Call& call) {
     case Kind::IsRecordSensitive:
         return "isKeySensitive of the service " + narrow(call.key);
     case Kind::RunPosted:
-        return "posted task " + std::to_string(call.number);
+        return "posted task " + std::to_string(call.position);
     case Kind::RunBackground:
         return "background task";
     }

@@ -32,7 +32,7 @@ struct Call {
         RegisterObserver,
         UnregisterObserver,
         Report,
-        // The thread that changes the life of the feature set.
+        // The thread that makes the lifecycle calls.
         Start,
         Stop,
         Refresh,
@@ -53,14 +53,15 @@ struct Call {
     std::wstring key{};
     std::wstring value{};
     Pairs pairs{};
-    bool flag = false;
-    std::size_t number = 0; ///< Of a store-added observer, or the position of a posted task.
+    bool skipLocal = false;
+    std::size_t observer = 0; ///< The number of a store-added observer.
+    std::size_t position = 0; ///< Of a posted task in the queue.
 };
 
 std::string describe(const Call& call);
 
 /// Returns the answer of an operation that returns `yes`.
-inline std::string say(bool yes) {
+inline std::string toText(bool yes) {
     return yes ? "true" : "false";
 }
 

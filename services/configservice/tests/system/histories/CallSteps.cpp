@@ -1,12 +1,10 @@
 #include "CallSteps.h"
 
-#include "KeyNames.h"
 #include "ModelUrl.h"
+#include "StartedState.h"
 #include "StoreRecord.h"
 
 #include <algorithm>
-#include <limits>
-#include <memory>
 
 namespace config_model {
 
@@ -15,59 +13,7 @@ namespace {
 using Kind = Call::Kind;
 using Task = HistoryState::Task;
 
-const std::string urlStore = "UrlProvisioningConfigStore";
-
-std::string copyNameOf(const std::string& storeName) {
-    return "cached" + storeName + ".dat";
-}
-
-/// Returns the pairs as they are read from a document, with keys in lower case.
-Pairs readBack(const Pairs& pairs) {
-    Pairs result;
-    for (const auto& [key, value] : pairs) {
-        result.emplace_back(toSmallLetters(key), value);
-    }
-    return result;
-}
-
-StoreShape makeCopyShape(const std::string& name, int priority, const Pairs& pairs) {
-    return {.kind = StoreShape::Kind::Copy, .name = name, .priority = priority, .pairs = pairs};
-}
-
 } // namespace
-
-template <class Work>
-StepResult CallSteps::step(const Work& work) {
-    if (position < results.size()) {
-        return results[position++];
-    }
-    if (hasRun) {
-        hasMore = true;
-        return {};
-    }
-    hasRun = true;
-    ++position;
-    results.push_back(work());
-    return results.back();
-}
-
-template <class Work>
-void CallSteps::change(const Work& work) {
-    step([&] {
-        work();
-        return StepResult();
-    });
-}
-
-template <class Work>
-bool CallSteps::test(const Work& work) {
-    return step([&] { return StepResult{.yes = work()}; }).yes;
-}
-
-template <class Work>
-std::wstring CallSteps::read(const Work& work) {
-    return step([&] { return StepResult{.text = work()}; }).text;
-}
 
 bool CallSteps::runNext(const Call& call) {
     position = 0;
@@ -76,7 +22,7 @@ bool CallSteps::runNext(const Call& call) {
     isBlocked = false;
     state.enter(onServicesThread);
     answer = perform(call);
-    state.chain.takeLog();
+    state.data.chain.takeLog();
     return !isBlocked;
 }
 
@@ -94,9 +40,10 @@ std::string CallSteps::perform(const Call& call) {
     case Kind::AddStore:
         return addStore(call.store);
     case Kind::RemoveStore:
-        return say(removeStore(call.name));
+        return toText(removeStore(call.name));
     case Kind::IsStorePresent:
-        return say(test([&] { return state.started; }) && test([&] { return state.chain.hasStore(call.name); }));
+        return toText(test([&] { return state.data.started; }) &&
+                      test([&] { return state.data.chain.hasStore(call.name); }));
     case Kind::RemoveAllCachedStores:
         removeAllCachedStores();
         return "none";
@@ -104,87 +51,69 @@ std::string CallSteps::perform(const Call& call) {
         setMdmConfig(call.pairs);
         return "none";
     case Kind::GetConfig:
-        return narrow(
-            read([&] { return widen(describeLookup(call.key, state.chain.getValue(call.key, call.flag, ""))); }));
+        return narrow(read(
+            [&] { return widen(describeLookup(call.key, state.data.chain.getValue(call.key, call.skipLocal, ""))); }));
     case Kind::GetValueOfStore:
-        return narrow(read([&] { return state.chain.getValueOfStore(call.name, call.key); }));
+        return narrow(read([&] { return state.data.chain.getValueOfStore(call.name, call.key); }));
     case Kind::SetConfig:
-        return say(test([&] { return state.chain.storeValue(call.key, call.value); }));
+        return toText(test([&] { return state.data.chain.storeValue(call.key, call.value); }));
     case Kind::SetConfigMap:
-        return say(test([&] { return state.chain.storeValues(call.pairs); }));
+        return toText(test([&] { return state.data.chain.storeValues(call.pairs); }));
     case Kind::SetInMemoryConfig:
-        return say(test([&] { return state.chain.setInMemoryValue(call.key, call.value); }));
+        return toText(test([&] { return state.data.chain.setInMemoryValue(call.key, call.value); }));
     case Kind::ResetConfig:
-        change([&] { state.chain.removeValue(call.key); });
+        change([&] { state.data.chain.removeValue(call.key); });
         return "none";
     case Kind::Provision:
-        return say(provision(call.value));
+        return toText(provision(call.value));
     case Kind::ResetProvisioning:
-        return say(resetProvisioning());
+        return toText(resetProvisioning());
     case Kind::SetKeySensitive:
         setKeySensitive(call.key);
         return "none";
     case Kind::IsKeySensitive:
-        return say(test([&] { return state.chain.isKeySensitive(call.key); }));
+        return toText(test([&] { return state.data.chain.isKeySensitive(call.key); }));
     case Kind::RegisterObserver:
-        change([&] { state.chain.registerStoreObserver(call.number); });
+        change([&] { state.data.chain.registerStoreObserver(call.observer); });
         return "none";
     case Kind::UnregisterObserver:
-        change([&] { state.chain.unregisterStoreObserver(call.number); });
+        change([&] { state.data.chain.unregisterStoreObserver(call.observer); });
         return "none";
     case Kind::Report:
         return report();
     case Kind::GetRecord:
-        return narrow(read([&] { return widen(describe(state.records.get(call.key, false))); }));
+        return narrow(read([&] { return widen(describe(state.data.records.get(call.key, false))); }));
     case Kind::IsRecordSensitive:
-        return say(test([&] { return state.isRecordSensitive(call.key); }));
+        return toText(test([&] { return state.isRecordSensitive(call.key); }));
     case Kind::RunPosted:
-        runPosted(call.number);
+        runPosted(call.position);
         return "none";
     case Kind::RunBackground:
         return runBackground();
     default:
-        return performLife(call);
+        return performLifecycle(call);
     }
 }
 
-std::string CallSteps::performLife(const Call& call) {
-    switch (call.kind) {
-    case Kind::Start:
-        start();
-        break;
-    case Kind::Stop:
-        stop();
-        break;
-    case Kind::Refresh:
-        refresh();
-        break;
-    case Kind::ResetAllData:
-        resetAllData();
-        break;
-    case Kind::PowerDown:
-        powerDown();
-        break;
-    case Kind::IsStarted:
-        return say(test([&] {
-            if (state.lifeHolder) {
-                block();
-            }
-            return state.started;
-        }));
-    default:
-        break;
+std::string CallSteps::copyNameOf(const std::string& storeName) {
+    return "cached" + storeName + ".dat";
+}
+
+Pairs CallSteps::readBack(const Pairs& pairs) {
+    Pairs result;
+    for (const auto& [key, value] : pairs) {
+        result.emplace_back(toSmallLetters(key), value);
     }
-    return "none";
+    return result;
 }
 
 // Stores.
 
 std::string CallSteps::addStore(const StoreShape& shape) {
-    if (!test([&] { return state.started; })) {
+    if (!test([&] { return state.data.started; })) {
         return "none";
     }
-    change([&] { state.chain.addStore(shape); });
+    change([&] { state.data.chain.addStore(shape); });
     if (shape.caching) {
         cacheStore(shape);
     }
@@ -198,37 +127,37 @@ std::string CallSteps::addStore(const StoreShape& shape) {
 void CallSteps::cacheStore(const StoreShape& shape) {
     const ModelStore store(shape);
     change([&] {
-        state.chain.storeValue(L"PrimaryConfigStores", recordWith(state.valueOf(L"PrimaryConfigStores"), shape.name,
-                                                                  store.getCachedPriority()));
+        state.data.chain.storeValue(L"PrimaryConfigStores", recordWith(state.valueOf(L"PrimaryConfigStores"),
+                                                                       shape.name, store.getCachedPriority()));
     });
     change([&] {
-        state.copies[copyNameOf(shape.name)] = store.shape.pairs;
-        state.chain.placeCachedFile(copyNameOf(shape.name));
+        state.data.copies[copyNameOf(shape.name)] = store.shape.pairs;
+        state.data.chain.placeCachedFile(copyNameOf(shape.name));
     });
 }
 
 bool CallSteps::removeStore(const std::string& name) {
-    if (!test([&] { return state.started; })) {
+    if (!test([&] { return state.data.started; })) {
         return false;
     }
-    const bool removed =
-        test([&] { return state.chain.hasStore(name); }) && test([&] { return state.chain.removeStore(name); });
+    const bool removed = test([&] { return state.data.chain.hasStore(name); }) &&
+                         test([&] { return state.data.chain.removeStore(name); });
     change([&] {
-        state.chain.storeValue(L"PrimaryConfigStores", recordWithout(state.valueOf(L"PrimaryConfigStores"), name));
+        state.data.chain.storeValue(L"PrimaryConfigStores", recordWithout(state.valueOf(L"PrimaryConfigStores"), name));
     });
     return removed;
 }
 
 void CallSteps::removeAllCachedStores() {
     for (const auto& file : listCachedFiles()) {
-        change([&] { state.chain.removeCachedFiles(file); });
+        change([&] { state.data.chain.removeCachedFiles(file); });
     }
 }
 
 std::vector<std::string> CallSteps::listCachedFiles() {
     const auto list = step([&] {
         StepResult result;
-        for (const auto& file : state.chain.listCachedFiles()) {
+        for (const auto& file : state.data.chain.listCachedFiles()) {
             result.pairs.emplace_back(widen(file), L"");
         }
         return result;
@@ -243,7 +172,7 @@ std::vector<std::string> CallSteps::listCachedFiles() {
 void CallSteps::removeValuesIfPolicySet() {
     if (isSame(read([&] { return state.valueOf(L"Customize_Phone_Server"); }), L"false")) {
         for (const std::wstring key : {L"TFTPPrimaryServer", L"CtiServer1", L"SabrelServer1"}) {
-            change([&] { state.chain.removeValue(key); });
+            change([&] { state.data.chain.removeValue(key); });
         }
     }
 }
@@ -251,24 +180,24 @@ void CallSteps::removeValuesIfPolicySet() {
 /// The scripts hold no key of voicemail and meetings, so that these flags are always false.
 void CallSteps::deriveFlags() {
     const bool isLeftToDerivation = test([&] {
-        const auto reading = state.chain.getValue(L"Telephony_Enabled", true, "");
+        const auto reading = state.data.chain.getValue(L"Telephony_Enabled", true, "");
         return isSame(narrow(reading.store), "lumora-config-defaults.xml");
     });
     if (isLeftToDerivation) {
         const auto server = read([&] { return state.valueOf(L"CtiServer1"); });
-        change([&] { state.chain.setInMemoryValue(L"Telephony_Enabled", server.empty() ? L"false" : L"true"); });
+        change([&] { state.data.chain.setInMemoryValue(L"Telephony_Enabled", server.empty() ? L"false" : L"true"); });
     }
-    change([&] { state.chain.setInMemoryValue(L"Voicemail_Enabled", L"false"); });
-    change([&] { state.chain.setInMemoryValue(L"Meetings_Enabled", L"false"); });
+    change([&] { state.data.chain.setInMemoryValue(L"Voicemail_Enabled", L"false"); });
+    change([&] { state.data.chain.setInMemoryValue(L"Meetings_Enabled", L"false"); });
 }
 
 void CallSteps::setMdmConfig(const Pairs& pairs) {
     // Unlike elsewhere, the first of two elements of one key wins.
     change([&] {
-        state.chain.addStore(StoreShape{.kind = StoreShape::Kind::DeviceManagement,
-                                        .name = "MdmConfigStore",
-                                        .priority = 500,
-                                        .pairs = readBack(Pairs(pairs.rbegin(), pairs.rend()))});
+        state.data.chain.addStore(StoreShape{.kind = StoreShape::Kind::DeviceManagement,
+                                             .name = "MdmConfigStore",
+                                             .priority = 500,
+                                             .pairs = readBack(Pairs(pairs.rbegin(), pairs.rend()))});
     });
 }
 
@@ -281,19 +210,19 @@ bool CallSteps::provision(const std::wstring& url) {
     return test([&] {
         const auto pairs = readProvisioningUrl(url);
         if (!pairs.empty()) {
-            state.copies[copyNameOf(urlStore)] = pairs;
+            state.data.copies[copyNameOf(urlStore)] = pairs;
         }
-        return state.chain.setUrlProvisioningData(url);
+        return state.data.chain.setUrlProvisioningData(url);
     });
 }
 
 bool CallSteps::resetProvisioning() {
     return isSame(read([&] { return state.valueOf(L"AllowUrlProvisioning"); }), L"false") &&
-           test([&] { return state.chain.removeValue(L"AllowUrlProvisioning"); });
+           test([&] { return state.data.chain.removeValue(L"AllowUrlProvisioning"); });
 }
 
 void CallSteps::setKeySensitive(const std::wstring& key) {
-    change([&] { state.chain.setKeySensitive(key); });
+    change([&] { state.data.chain.setKeySensitive(key); });
     change([&] {
         if (onServicesThread) {
             state.makeRecordSensitive(key);
@@ -306,7 +235,7 @@ void CallSteps::setKeySensitive(const std::wstring& key) {
 std::string CallSteps::report() {
     return narrow(read([&] {
         std::wstring text;
-        for (const auto& store : state.chain.getStores()) {
+        for (const auto& store : state.data.chain.getStores()) {
             const auto& shape = store->shape;
             if (shape.name == "lumora-config-defaults.xml" || shape.pairs.empty()) {
                 continue;
@@ -320,192 +249,29 @@ std::string CallSteps::report() {
     }));
 }
 
-// The life of the feature set.
-
-void CallSteps::acquireLife() {
-    if (state.lifeHolder) {
-        block();
-    }
-    state.lifeHolder = event;
-}
-
-void CallSteps::start() {
-    const bool isNew = test([&] {
-        acquireLife();
-        if (state.started) {
-            releaseLife();
-        }
-        return !state.started;
-    });
-    if (!isNew) {
-        return;
-    }
-    if (!test([&] { return state.chain.hasStore("InMemoryConfigStore"); })) {
-        addMemoryStore();
-    }
-    if (!test([&] { return state.chain.hasStore("LocalFileConfigStore"); })) {
-        addUserStore();
-    }
-    change([&] {
-        state.started = true;
-        releaseLife();
-    });
-}
-
-void CallSteps::stop() {
-    const bool wasStarted = test([&] {
-        acquireLife();
-        if (!state.started) {
-            releaseLife();
-        }
-        return state.started;
-    });
-    if (!wasStarted) {
-        return;
-    }
-    change([&] {
-        if (onServicesThread) {
-            state.run({.kind = Task::Kind::RemoveNonLocalStores});
-        } else {
-            state.post({.kind = Task::Kind::RemoveNonLocalStores});
-        }
-    });
-    change([&] {
-        if (!state.stopRan) {
-            block();
-        }
-        state.stopRan = false;
-        state.started = false;
-        releaseLife();
-    });
-}
-
-void CallSteps::refresh() {
-    change([&] {
-        acquireLife();
-        state.chain.removeNonLocalStores();
-    });
-    rebuild();
-    change([&] { releaseLife(); });
-}
-
-void CallSteps::rebuild() {
-    addMemoryStore();
-    addUserStore();
-    change([&] {
-        state.chain.addStore(StoreShape{.kind = StoreShape::Kind::Registry,
-                                        .name = "RegistryConfigStore",
-                                        .priority = 33,
-                                        .pairs = state.policy,
-                                        .local = false});
-    });
-    initialiseCachedStores();
-    const auto files = listCachedFiles();
-    if (std::count(files.begin(), files.end(), copyNameOf("TftpStore")) > 0) {
-        deriveFlags();
-    }
-    removeValuesIfPolicySet();
-}
-
-void CallSteps::addMemoryStore() {
-    change([&] {
-        state.chain.addStore(StoreShape{
-            .kind = StoreShape::Kind::Memory, .name = "InMemoryConfigStore", .priority = 600, .readOnly = false});
-    });
-}
-
-void CallSteps::addUserStore() {
-    const auto content = step([&] { return StepResult{.pairs = readBack(state.userFile.value_or(Pairs()))}; }).pairs;
-    change([&] {
-        state.chain.addStore(StoreShape{.kind = StoreShape::Kind::UserFile,
-                                        .name = "LocalFileConfigStore",
-                                        .priority = 20,
-                                        .pairs = content,
-                                        .readOnly = false,
-                                        .local = false});
-    });
-}
-
-void CallSteps::initialiseCachedStores() {
-    const auto record = read([&] { return state.valueOf(L"PrimaryConfigStores"); });
-    for (const auto& [name, priority] : readRecord(record)) {
-        addCopy(narrow(name), readPriority(priority));
-    }
-    const auto allowed = read([&] { return state.chain.getValueOfStore("MdmConfigStore", L"AllowUrlProvisioning"); });
-    if (isSame(allowed, L"false")) {
-        removeStore(urlStore);
-    } else {
-        addCopy(urlStore, 499);
-    }
-}
-
-void CallSteps::addCopy(const std::string& name, int priority) {
-    const auto content = step([&] {
-        const bool exists = state.chain.getCachedFiles().contains(copyNameOf(name));
-        return StepResult{.pairs = exists ? readBack(state.copies[copyNameOf(name)]) : Pairs()};
-    });
-    change([&] { state.chain.addStore(makeCopyShape(name, priority, content.pairs)); });
-}
-
-void CallSteps::resetAllData() {
-    change([&] {
-        acquireLife();
-        if (state.writingUserFile) {
-            block(); // the reset of the user's store waits for a write of its file
-        }
-        state.chain.resetConfigData();
-    });
-    const bool hasUserFile = test([&] { return state.userFile.has_value(); });
-    for (const auto& file : listCachedFiles()) {
-        if (!isSame(file, copyNameOf(urlStore))) {
-            change([&] { state.chain.removeCachedFiles(file); });
-        }
-    }
-    if (hasUserFile) {
-        change([&] { state.userFile.reset(); });
-    }
-    change([&] {
-        state.policy.clear();
-        state.chain.removeNonLocalStores();
-    });
-    rebuild();
-    change([&] { releaseLife(); });
-}
-
-void CallSteps::powerDown() {
-    change([&] {
-        acquireLife();
-        state.chain.destroyStores();
-    });
-    change([&] {
-        state.started = false;
-        releaseLife();
-    });
-}
-
 // Tasks of the dispatchers.
 
 void CallSteps::runPosted(std::size_t place) {
     change([&] {
-        const auto found = state.queue.find(place);
-        if (found == state.queue.end()) {
+        const auto found = state.data.queue.find(place);
+        if (found == state.data.queue.end()) {
             block();
             return;
         }
         const auto task = found->second;
-        state.queue.erase(found);
+        state.data.queue.erase(found);
         state.run(task);
     });
 }
 
 std::string CallSteps::runBackground() {
-    const auto firstOf = [this]() -> const ChainModel::Task& { return state.chain.getTasks().front(); };
+    const auto firstOf = [this]() -> const ChainModel::Task& { return state.data.chain.getTasks().front(); };
     const auto removeFirst = [this] {
-        state.chain.removeFirstTask();
-        ++state.backgroundRun;
+        state.data.chain.removeFirstTask();
+        ++state.data.backgroundRun;
     };
-    const auto told = read([&]() -> std::wstring {
-        if (state.chain.getTasks().empty()) {
+    const auto effect = read([&]() -> std::wstring {
+        if (state.data.chain.getTasks().empty()) {
             block();
             return L"";
         }
@@ -517,67 +283,24 @@ std::string CallSteps::runBackground() {
         removeFirst();
         return widen(task.store ? task.name : "observer " + std::to_string(task.observer) + " " + task.arrived);
     });
-    if (told != L"write") {
-        return narrow(told);
+    if (effect != L"write") {
+        return narrow(effect);
     }
     const auto content = step([&] {
         auto& store = *firstOf().store;
         store.lastPersisted = store.shape.pairs;
-        const auto& stores = state.chain.getStores();
-        state.writingUserFile = std::count(stores.begin(), stores.end(), firstOf().store) > 0;
+        const auto& stores = state.data.chain.getStores();
+        state.data.writingUserFile = std::count(stores.begin(), stores.end(), firstOf().store) > 0;
         return StepResult{.yes = !store.destroyed, .pairs = store.shape.pairs};
     });
     change([&] {
         if (content.yes) {
-            state.userFile = content.pairs;
+            state.data.userFile = content.pairs;
         }
-        state.writingUserFile = false;
+        state.data.writingUserFile = false;
         removeFirst();
     });
     return "ConfigStore::persistValues";
-}
-
-// Before and after a history.
-
-HistoryState makeStartedState(const Pairs& policy, const std::vector<Call>& before) {
-    HistoryState state(policy);
-    const auto run = [&state](const Call& call) { CallSteps::runAll(state, call); };
-    state.chain.addStore(StoreShape{.kind = StoreShape::Kind::Defaults,
-                                    .name = "lumora-config-defaults.xml",
-                                    .priority = std::numeric_limits<int>::max(),
-                                    .pairs = shippedDefaults});
-    run({.kind = Kind::Refresh});
-    run({.kind = Kind::Start});
-    for (const auto& key : watchedKeys) {
-        state.records.get(key, false);
-    }
-    for (const auto& call : before) {
-        run(call);
-    }
-    while (!state.chain.getTasks().empty()) {
-        run({.kind = Kind::RunBackground});
-    }
-    state.takeFired();
-    state.takePosted();
-    state.backgroundRun = 0;
-    return state;
-}
-
-std::string describeLookup(const std::wstring& key, const Reading& reading) {
-    return narrow(key) + (reading.found ? " found " : " missed ") + narrow(reading.value) + " [" +
-           narrow(reading.store) + "]" + (reading.fromLegacyKey ? " old name" : "");
-}
-
-std::vector<std::string> describeEnd(HistoryState& state) {
-    std::vector<std::string> lines;
-    for (const auto& key : watchedKeys) {
-        lines.push_back(describe(state.records.get(key, false)));
-        lines.push_back(describeLookup(key, state.chain.getValue(key, false, "")));
-    }
-    for (const auto& file : state.chain.getCachedFiles()) {
-        lines.push_back("file: " + file);
-    }
-    return lines;
 }
 
 } // namespace config_model

@@ -20,12 +20,11 @@ struct StepResult {
 /// Performs a call one step at a time. A step is what the product does under one lock, or with one file; steps of other
 /// calls may come between two steps.
 ///
-/// For each step the call begins anew: the earlier steps return what they returned, the next one runs on the state, and
-/// the ones behind it do nothing. So a call needs no other memory than the results of its steps.
+/// For each step the call runs from its beginning: the earlier steps return what they returned, the next one runs on
+/// the state, and later steps do nothing. So a call needs no other memory than the results of its steps.
 class CallSteps {
 public:
-    /// `number` identifies the call among those that hold the lock of the life. `past` has the results of its earlier
-    /// steps.
+    /// `number` identifies the call that holds the lifecycle lock. `past` has the results of its earlier steps.
     CallSteps(HistoryState& sequentialState, std::size_t number, bool isServicesThread, std::vector<StepResult>& past)
         : state(sequentialState), event(number), onServicesThread(isServicesThread), results(past) {}
 
@@ -49,8 +48,13 @@ private:
     template <class Work>
     std::wstring read(const Work& work);
 
+    static constexpr const char* urlStore = "UrlProvisioningConfigStore";
+    static std::string copyNameOf(const std::string& storeName);
+    /// Returns the pairs as they are read from a document, with keys in lower case.
+    static Pairs readBack(const Pairs& pairs);
+
     std::string perform(const Call& call);
-    std::string performLife(const Call& call);
+    std::string performLifecycle(const Call& call);
     std::string addStore(const StoreShape& shape);
     void cacheStore(const StoreShape& shape);
     bool removeStore(const std::string& name);
@@ -78,8 +82,8 @@ private:
     void runPosted(std::size_t position);
     std::string runBackground();
 
-    void acquireLife();
-    void releaseLife() { state.lifeHolder.reset(); }
+    void acquireLifecycleLock();
+    void releaseLifecycleLock() { state.data.lifecycleHolder.reset(); }
     void block() { isBlocked = true; }
 
     HistoryState& state;
@@ -93,11 +97,37 @@ private:
     std::string answer;
 };
 
-/// Returns the state of a service on a new profile that was constructed and started and has made these calls, with all
-/// their tasks run.
-HistoryState makeStartedState(const Pairs& policy, const std::vector<Call>& before);
-/// Returns the records and the lookup of each key.
-std::vector<std::string> describeEnd(HistoryState& state);
-std::string describeLookup(const std::wstring& key, const Reading& reading);
+template <class Work>
+StepResult CallSteps::step(const Work& work) {
+    if (position < results.size()) {
+        return results[position++];
+    }
+    if (hasRun) {
+        hasMore = true;
+        return {};
+    }
+    hasRun = true;
+    ++position;
+    results.push_back(work());
+    return results.back();
+}
+
+template <class Work>
+void CallSteps::change(const Work& work) {
+    step([&] {
+        work();
+        return StepResult();
+    });
+}
+
+template <class Work>
+bool CallSteps::test(const Work& work) {
+    return step([&] { return StepResult{.yes = work()}; }).yes;
+}
+
+template <class Work>
+std::wstring CallSteps::read(const Work& work) {
+    return step([&] { return StepResult{.text = work()}; }).text;
+}
 
 } // namespace config_model

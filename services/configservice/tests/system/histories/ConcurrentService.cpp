@@ -1,9 +1,9 @@
 #include "ConcurrentService.h"
 
 #include "CachedFolder.h"
-#include "CallSteps.h"
 #include "DeliveredStore.h"
 #include "KeyNames.h"
+#include "StartedState.h"
 #include "services/impl/entry/InjectConfigService.h"
 
 #include <ConfigFeatureSet.h>
@@ -173,7 +173,7 @@ void ConcurrentService::runServicesThread(const std::vector<Call>& calls) {
 
 bool ConcurrentService::runOnePosted() {
     Call call{.kind = Kind::RunPosted};
-    const auto task = factory->services->queue.take(call.number);
+    const auto task = factory->services->queue.take(call.position);
     if (!task) {
         return false;
     }
@@ -191,9 +191,9 @@ bool ConcurrentService::runOneBackground(std::size_t thread) {
         return false;
     }
     task->run();
-    const auto told = std::exchange(arrivals, {});
+    const auto answers = std::exchange(arrivals, {});
     recorded[thread].push_back(
-        {thread, {.kind = Kind::RunBackground}, start, ++clock, told.empty() ? task->getName() : told.front()});
+        {thread, {.kind = Kind::RunBackground}, start, ++clock, answers.empty() ? task->getName() : answers.front()});
     return true;
 }
 
@@ -213,9 +213,9 @@ std::string ConcurrentService::perform(const Call& call) {
         adapter->addConfigStore(std::make_shared<DeliveredStore>(call.store));
         return "none";
     case Kind::RemoveStore:
-        return say(adapter->removeConfigStore(call.name));
+        return toText(adapter->removeConfigStore(call.name));
     case Kind::IsStorePresent:
-        return say(adapter->isConfigStorePresent(call.name));
+        return toText(adapter->isConfigStorePresent(call.name));
     case Kind::RemoveAllCachedStores:
         adapter->removeAllCachedConfigStores();
         return "none";
@@ -223,50 +223,50 @@ std::string ConcurrentService::perform(const Call& call) {
         setMdmConfig(call.pairs);
         return "none";
     case Kind::GetConfig:
-        return lookUp(call.key, call.flag);
+        return lookUp(call.key, call.skipLocal);
     case Kind::GetValueOfStore:
         return narrow(adapter->getValueFromConfigStore(call.name, call.key));
     case Kind::SetConfig:
-        return say(adapter->setConfig(call.key, call.value));
+        return toText(adapter->setConfig(call.key, call.value));
     case Kind::SetConfigMap: {
         ConfigMap map;
         for (const auto& [key, value] : call.pairs) {
             map[key] = value;
         }
-        return say(adapter->setConfig(map));
+        return toText(adapter->setConfig(map));
     }
     case Kind::SetInMemoryConfig:
-        return say(adapter->setInMemoryConfig(call.key, call.value));
+        return toText(adapter->setInMemoryConfig(call.key, call.value));
     case Kind::ResetConfig:
         adapter->resetConfig(call.key);
         return "none";
     case Kind::Provision:
-        return say(adapter->setUrlProvisioningData(call.value));
+        return toText(adapter->setUrlProvisioningData(call.value));
     case Kind::ResetProvisioning:
-        return say(adapter->resetAllowUriProvisioningData());
+        return toText(adapter->resetAllowUriProvisioningData());
     case Kind::SetKeySensitive:
         adapter->setKeySensitive(call.key);
         return "none";
     case Kind::IsKeySensitive:
-        return say(adapter->isKeySensitive(call.key));
+        return toText(adapter->isKeySensitive(call.key));
     case Kind::RegisterObserver:
-        adapter->registerConfigStoreAddedObserver(arrivalObservers[call.number]);
+        adapter->registerConfigStoreAddedObserver(arrivalObservers[call.observer]);
         return "none";
     case Kind::UnregisterObserver:
-        adapter->unregisterConfigStoreAddedObserver(arrivalObservers[call.number]);
+        adapter->unregisterConfigStoreAddedObserver(arrivalObservers[call.observer]);
         return "none";
     case Kind::Report:
         return report();
     case Kind::GetRecord:
         return readRecord(call.key);
     case Kind::IsRecordSensitive:
-        return say(service->isKeySensitive(call.key));
+        return toText(service->isKeySensitive(call.key));
     default:
-        return performLife(call);
+        return performLifecycle(call);
     }
 }
 
-std::string ConcurrentService::performLife(const Call& call) {
+std::string ConcurrentService::performLifecycle(const Call& call) {
     switch (call.kind) {
     case Kind::Start:
         adapter->StartFeatureSet(configServiceId, nullptr);
@@ -284,7 +284,7 @@ std::string ConcurrentService::performLife(const Call& call) {
         adapter->onPowerEvent(ZelSystemMonitor::PowerEventTypeEnum::PowerDown);
         break;
     case Kind::IsStarted:
-        return say(adapter->IsFeatureSetStarted(configServiceId));
+        return toText(adapter->IsFeatureSetStarted(configServiceId));
     default:
         break;
     }
@@ -337,7 +337,11 @@ std::vector<Posted> ConcurrentService::assignToEvents(const std::vector<Event>& 
         const auto poster = std::find_if(events.begin(), events.end(), [&](const auto& event) {
             return event.start < entry.time && entry.time < event.end && threadIds[event.thread] == entry.thread;
         });
-        result.push_back({static_cast<std::size_t>(poster - events.begin()), entry.name});
+        Posted posted{.name = entry.name};
+        if (poster != events.end()) {
+            posted.event = static_cast<std::size_t>(poster - events.begin());
+        }
+        result.push_back(std::move(posted));
     }
     return result;
 }

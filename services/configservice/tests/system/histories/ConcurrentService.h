@@ -1,7 +1,7 @@
 #pragma once
 
 #include "History.h"
-#include "RecordingDispatchers.h"
+#include "HistoryFactory.h"
 #include "featuresets/adapters/config/ConfigAdapter.h"
 
 #include <ConfigService.h>
@@ -43,7 +43,7 @@ private:
     bool runOneBackground(std::size_t thread);
     void record(std::size_t thread, const Call& call);
     std::string perform(const Call& call);
-    std::string performLife(const Call& call);
+    std::string performLifecycle(const Call& call);
     std::string readRecord(const std::wstring& key);
     std::string lookUp(const std::wstring& key, bool skipLocal);
     std::string report();

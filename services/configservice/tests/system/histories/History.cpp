@@ -19,7 +19,8 @@ std::string describeEvent(std::size_t number, const Event& event) {
 std::string describeQueue(const std::vector<Posted>& tasks) {
     std::string text;
     for (std::size_t i = 0; i < tasks.size(); ++i) {
-        text += "  " + std::to_string(i) + " by event " + std::to_string(tasks[i].event) + ": " + tasks[i].name + "\n";
+        const auto poster = tasks[i].event ? "event " + std::to_string(*tasks[i].event) : "no event";
+        text += "  " + std::to_string(i) + " by " + poster + ": " + tasks[i].name + "\n";
     }
     return text;
 }

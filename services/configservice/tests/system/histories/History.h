@@ -3,6 +3,7 @@
 #include "Call.h"
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -19,9 +20,9 @@ struct Event {
     std::vector<std::string> fired{};
 };
 
-/// A task that an event posted to a dispatcher.
+/// A task that was posted to a dispatcher.
 struct Posted {
-    std::size_t event = 0;
+    std::optional<std::size_t> event{}; ///< The event that posted it. Empty if no event did, which is a mistake.
     std::string name{};
 };
 

@@ -1,5 +1,7 @@
 #include "LinearizabilityChecker.h"
 
+#include "StartedState.h"
+
 #include <algorithm>
 #include <limits>
 #include <utility>
@@ -19,32 +21,42 @@ bool isPostedWithoutChainLock(const Event& event, const std::string& name) {
 } // namespace
 
 LinearizabilityChecker::LinearizabilityChecker(const History& observed)
-    : history(observed), ofEvents(observed.events.size()) {
+    : history(observed), positionsOfEvents(observed.events.size()) {
     for (std::size_t position = 0; position < history.posted.size(); ++position) {
         const auto& [event, name] = history.posted[position];
-        const bool isOfChain = !isPostedWithoutChainLock(history.events[event], name);
-        (isOfChain ? ofChain : ofEvents[event]).push_back(position);
+        if (!event) {
+            continue; // check() reports it
+        }
+        const bool isOfChain = !isPostedWithoutChainLock(history.events[*event], name);
+        (isOfChain ? positionsOfChain : positionsOfEvents[*event]).push_back(position);
     }
 }
 
 std::string LinearizabilityChecker::check() {
+    for (const auto* const queue : {&history.posted, &history.background}) {
+        for (const auto& task : *queue) {
+            if (!task.event) {
+                return "No call posted the task " + task.name + ":\n" + describe(history);
+            }
+        }
+    }
     Node first{makeStartedState(history.policy, history.before), std::vector<Progress>(history.events.size()), 0, 0};
-    return search(std::move(first)) ? "" : explain();
+    return search(first) ? "" : explain();
 }
 
-bool LinearizabilityChecker::search(Node node) {
+bool LinearizabilityChecker::search(Node& node) {
     for (;;) {
         const auto candidates = findNext(node);
         if (candidates.empty()) {
             return isObservedEnd(node);
         }
-        remember(node);
-        if (candidates.size() > 1 && !failed.insert(describeState(node)).second) {
+        noteFarthest(node);
+        if (candidates.size() > 1 && !failed.insert(hashState(node)).second) {
             return false;
         }
         for (std::size_t i = 0; i + 1 < candidates.size(); ++i) {
             Node next = node;
-            if (perform(next, candidates[i]) && search(std::move(next))) {
+            if (perform(next, candidates[i]) && search(next)) {
                 return true;
             }
         }
@@ -56,7 +68,7 @@ bool LinearizabilityChecker::search(Node node) {
 }
 
 bool LinearizabilityChecker::isObservedEnd(Node& node) const {
-    return node.postedOfChain == ofChain.size() && node.background == history.background.size() &&
+    return node.postedOfChain == positionsOfChain.size() && node.background == history.background.size() &&
            describeEnd(node.state) == history.end;
 }
 
@@ -93,7 +105,7 @@ bool LinearizabilityChecker::perform(Node& node, std::size_t event) {
 
 bool LinearizabilityChecker::acceptPosted(Node& node, std::size_t event) {
     for (auto& task : node.state.takePosted()) {
-        const auto& positions = task.isOfChain() ? ofChain : ofEvents[event];
+        const auto& positions = task.isOfChain() ? positionsOfChain : positionsOfEvents[event];
         auto& next = task.isOfChain() ? node.postedOfChain : node.progress[event].posted;
         if (next == positions.size()) {
             return false;
@@ -102,7 +114,7 @@ bool LinearizabilityChecker::acceptPosted(Node& node, std::size_t event) {
         if (history.posted[position].event != event || history.posted[position].name != task.getName()) {
             return false;
         }
-        node.state.queue.emplace(position, std::move(task));
+        node.state.data.queue.emplace(position, std::move(task));
     }
     return true;
 }
@@ -120,8 +132,8 @@ bool LinearizabilityChecker::acceptFired(Node& node, std::size_t event) {
 }
 
 bool LinearizabilityChecker::acceptBackground(Node& node, std::size_t event) const {
-    const auto& tasks = node.state.chain.getTasks();
-    const auto first = node.state.backgroundRun;
+    const auto& tasks = node.state.data.chain.getTasks();
+    const auto first = node.state.data.backgroundRun;
     for (auto& accepted = node.background; accepted < first + tasks.size(); ++accepted) {
         const auto& task = tasks[accepted - first];
         if (accepted == history.background.size() || history.background[accepted].event != event ||
@@ -136,29 +148,32 @@ bool LinearizabilityChecker::acceptEnd(const Node& node, std::size_t event, cons
     const auto& observed = history.events[event];
     const auto& progress = node.progress[event];
     return !progress.done || (steps.getAnswer() == observed.answer && progress.fired == observed.fired.size() &&
-                              progress.posted == ofEvents[event].size());
+                              progress.posted == positionsOfEvents[event].size());
 }
 
-std::string LinearizabilityChecker::describeState(const Node& node) const {
-    std::string text = node.state.describe();
+std::uint64_t LinearizabilityChecker::hashState(const Node& node) {
+    StateHash hash;
+    node.state.addTo(hash);
     for (const auto& progress : node.progress) {
-        text += progress.done ? "." : ",";
+        hash.add(progress.done);
         if (progress.done) {
             continue;
         }
+        hash.add(progress.results.size());
         for (const auto& result : progress.results) {
-            text += (result.yes ? "y" : "n") + narrow(result.text);
-            for (const auto& [key, value] : result.pairs) {
-                text += narrow(key) + "=" + narrow(value) + ";";
-            }
-            text += '|';
+            hash.add(result.yes);
+            hash.add(result.text);
+            hash.add(result.pairs);
         }
-        text += std::to_string(progress.fired);
+        hash.add(progress.fired);
+        hash.add(progress.posted);
     }
-    return text + std::to_string(node.postedOfChain) + "," + std::to_string(node.background);
+    hash.add(node.postedOfChain);
+    hash.add(node.background);
+    return hash.get();
 }
 
-void LinearizabilityChecker::remember(const Node& node) {
+void LinearizabilityChecker::noteFarthest(const Node& node) {
     std::size_t steps = 0;
     for (const auto& progress : node.progress) {
         steps += progress.done ? mostStepsOfOneEvent : progress.results.size();

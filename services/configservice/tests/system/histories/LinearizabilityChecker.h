@@ -5,6 +5,7 @@
 #include "HistoryState.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <unordered_set>
 #include <utility>
@@ -40,7 +41,7 @@ private:
         std::size_t background = 0;
     };
 
-    bool search(Node node);
+    bool search(Node& node);
     bool isObservedEnd(Node& node) const;
     std::vector<std::size_t> findNext(const Node& node) const;
     /// Performs the next step of the event. Returns false if it cannot run, or does something that was not observed.
@@ -49,15 +50,16 @@ private:
     bool acceptFired(Node& node, std::size_t event);
     bool acceptBackground(Node& node, std::size_t event) const;
     bool acceptEnd(const Node& node, std::size_t event, const CallSteps& steps) const;
-    std::string describeState(const Node& node) const;
-    void remember(const Node& node);
+    static std::uint64_t hashState(const Node& node);
+    void noteFarthest(const Node& node);
     std::string explain() const;
 
     const History& history;
     /// The positions in the queue of the tasks that are posted with the chain locked, and of the others by event.
-    std::vector<std::size_t> ofChain;
-    std::vector<std::vector<std::size_t>> ofEvents;
-    std::unordered_set<std::string> failed;
+    std::vector<std::size_t> positionsOfChain;
+    std::vector<std::vector<std::size_t>> positionsOfEvents;
+    /// Hashes of states. A collision could make the search fail falsely, but never succeed falsely.
+    std::unordered_set<std::uint64_t> failed;
     std::size_t triedSteps = 0;
     std::size_t mostProgress = 0;
     /// The events that were not done where the search came farthest, with the number of their steps.

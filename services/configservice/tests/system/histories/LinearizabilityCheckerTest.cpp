@@ -106,6 +106,20 @@ TEST(LinearizabilityChecker, RefusesAPostedTaskThatNoCallExplains) {
     EXPECT_FALSE(isAccepted(history));
 }
 
+TEST(LinearizabilityChecker, ReportsATaskThatNoCallPosted) {
+    ModelHistory made({});
+    made.run(1, writeZed(L"one"));
+    const auto history = made.finish();
+    auto posted = history;
+    posted.posted.push_back({.name = "ConfigServiceImpl::OnConfigChanged"});
+    EXPECT_THAT(LinearizabilityChecker(posted).check(),
+                testing::StartsWith("No call posted the task ConfigServiceImpl::OnConfigChanged"));
+    auto background = history;
+    background.background.push_back({.name = "ConfigStore::persistValues"});
+    EXPECT_THAT(LinearizabilityChecker(background).check(),
+                testing::StartsWith("No call posted the task ConfigStore::persistValues"));
+}
+
 TEST(LinearizabilityChecker, RefusesATaskOfTheBackgroundThatIsMissing) {
     ModelHistory made({});
     made.run(1, writeZed(L"one"));

@@ -1,5 +1,7 @@
 #include "ModelHistory.h"
 
+#include "StartedState.h"
+
 namespace config_model {
 
 ModelHistory::ModelHistory(const std::vector<Call>& before) : state(makeStartedState({}, before)) {
@@ -27,12 +29,12 @@ void ModelHistory::collect(std::size_t number) {
         history.events[number].fired.push_back(line);
     }
     for (const auto& task : state.takePosted()) {
-        state.queue.emplace(history.posted.size(), task);
+        state.data.queue.emplace(history.posted.size(), task);
         history.posted.push_back({number, task.getName()});
     }
-    const auto& tasks = state.chain.getTasks();
-    while (history.background.size() < state.backgroundRun + tasks.size()) {
-        history.background.push_back({number, tasks[history.background.size() - state.backgroundRun].name});
+    const auto& tasks = state.data.chain.getTasks();
+    while (history.background.size() < state.data.backgroundRun + tasks.size()) {
+        history.background.push_back({number, tasks[history.background.size() - state.data.backgroundRun].name});
     }
 }
 
@@ -44,8 +46,8 @@ std::size_t ModelHistory::run(std::size_t thread, const Call& call) {
 }
 
 History ModelHistory::finish() {
-    while (!state.queue.empty()) {
-        run(0, {.kind = Call::Kind::RunPosted, .number = state.queue.begin()->first});
+    while (!state.data.queue.empty()) {
+        run(0, {.kind = Call::Kind::RunPosted, .position = state.data.queue.begin()->first});
     }
     history.end = describeEnd(state);
     return history;

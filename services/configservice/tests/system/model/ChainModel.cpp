@@ -26,27 +26,17 @@ std::string withExtension(const std::string& fileName, const std::string& extens
 
 } // namespace
 
-ChainModel::ChainModel(const ChainModel& other)
-    : sensitiveKeys(other.sensitiveKeys),
-      storeObservers(other.storeObservers),
-      nextSerial(other.nextSerial),
-      tasks(other.tasks),
-      log(other.log),
-      cachedFiles(other.cachedFiles),
-      fips(other.fips) {
-    std::copy(std::begin(other.serials), std::end(other.serials), std::begin(serials));
+ChainModel::ChainModel(const ChainModel& other) : state(other.state) {
     // A store that waits to be persisted may have left the chain.
     std::map<Store, Store> copies;
-    const auto copy = [&copies](const Store& store) {
+    const auto copy = [&copies](Store& store) {
         auto& made = copies[store];
         made = made || !store ? made : std::make_shared<ModelStore>(*store);
-        return made;
+        store = made;
     };
-    for (const auto& store : other.chain) {
-        chain.push_back(copy(store));
-    }
-    for (auto& task : tasks) {
-        task.store = copy(task.store);
+    std::for_each(state.chain.begin(), state.chain.end(), copy);
+    for (auto& task : state.tasks) {
+        copy(task.store);
     }
 }
 
@@ -56,18 +46,18 @@ void ChainModel::addStore(const Store& store) {
     const auto& name = store->shape.name;
     if (hasStore(name)) {
         logUnlessOverrideStore(name, "updating existing store: " + name);
-        for (std::size_t i = 0; i < chain.size(); ++i) {
-            if (isSame(chain[i]->shape.name, name)) {
-                updateExistingStore(store, chain[i]->getKeys());
+        for (std::size_t i = 0; i < state.chain.size(); ++i) {
+            if (isSame(state.chain[i]->shape.name, name)) {
+                updateExistingStore(store, state.chain[i]->getKeys());
             }
         }
         return;
     }
-    chain.push_back(store);
-    std::stable_sort(chain.begin(), chain.end(),
+    state.chain.push_back(store);
+    std::stable_sort(state.chain.begin(), state.chain.end(),
                      [](const auto& a, const auto& b) { return a->shape.priority < b->shape.priority; });
     std::string line = "adding new store: " + name + ", Config stores :";
-    for (const auto& each : chain) {
+    for (const auto& each : state.chain) {
         if (!isSame(each->shape.name, "devOverrideConfigStore")) {
             line += " [" + each->shape.name + "(" + std::to_string(each->shape.priority) + ")]";
         }
@@ -100,7 +90,7 @@ void ChainModel::removeStoreAndCachedCopy(const std::string& name) {
     if (store->shape.caching) {
         removeStoreAndCachedCopy("cached" + name + ".dat");
     }
-    std::erase(chain, store);
+    std::erase(state.chain, store);
 }
 
 bool ChainModel::removeStore(const std::string& name) {
@@ -112,23 +102,23 @@ bool ChainModel::removeStore(const std::string& name) {
         removeCachedFiles("cached" + name + ".dat");
     }
     logUnlessOverrideStore(name, "Removing store: " + name);
-    std::erase(chain, store);
+    std::erase(state.chain, store);
     refreshKeys(store->getKeys());
     return true;
 }
 
 void ChainModel::removeNonLocalStores() {
-    for (std::size_t i = chain.size(); i-- > 0;) {
-        const auto store = chain[i];
+    for (std::size_t i = state.chain.size(); i-- > 0;) {
+        const auto store = state.chain[i];
         if (!store->shape.local) {
-            std::erase(chain, store);
+            std::erase(state.chain, store);
             refreshKeys(store->getKeys());
         }
     }
 }
 
 void ChainModel::destroyStores() {
-    for (const auto& store : chain) {
+    for (const auto& store : state.chain) {
         store->destroyed = true;
         if (store->shape.kind == StoreShape::Kind::Foreign) {
             told("destroy " + store->shape.name);
@@ -146,7 +136,7 @@ std::string ChainModel::findStore(const std::string& name) {
 }
 
 ChainModel::Store ChainModel::getStoreByName(const std::string& name) {
-    for (const auto& store : chain) {
+    for (const auto& store : state.chain) {
         if (isSame(store->shape.name, name)) {
             return store;
         }
@@ -193,34 +183,35 @@ void ChainModel::refreshKeys(const std::vector<std::wstring>& keys) {
 }
 
 void ChainModel::setKeySensitive(const std::wstring& key) {
-    sensitiveKeys.push_back(key);
+    state.sensitiveKeys.push_back(key);
     madeSensitive(key);
 }
 
 bool ChainModel::isKeySensitive(const std::wstring& key) {
-    return std::any_of(sensitiveKeys.begin(), sensitiveKeys.end(), [&](const auto& each) { return isSame(each, key); });
+    return std::any_of(state.sensitiveKeys.begin(), state.sensitiveKeys.end(),
+                       [&](const auto& each) { return isSame(each, key); });
 }
 
 // Resets and files.
 
 void ChainModel::resetConfigData() {
-    for (std::size_t i = chain.size(); i-- > 0;) {
-        const auto store = chain[i];
+    for (std::size_t i = state.chain.size(); i-- > 0;) {
+        const auto store = state.chain[i];
         const auto& name = store->shape.name;
         if (std::count(std::begin(sparedByReset), std::end(sparedByReset), name) > 0) {
             continue;
         }
-        log.push_back("Removing store " + name + " from ConfigManager.");
+        state.log.push_back("Removing store " + name + " from ConfigManager.");
         removeStore(name);
-        log.push_back("Removing all keys for store: " + name);
+        state.log.push_back("Removing all keys for store: " + name);
         store->removeAllValues();
     }
 }
 
 void ChainModel::resetConfigData(const std::string& name) {
-    for (const auto& store : chain) {
+    for (const auto& store : state.chain) {
         if (store->shape.name == name) {
-            log.push_back("Removing all keys for store: " + name);
+            state.log.push_back("Removing all keys for store: " + name);
             store->removeAllValues();
         }
     }
@@ -228,12 +219,12 @@ void ChainModel::resetConfigData(const std::string& name) {
 
 void ChainModel::removeAllCachedStores() {
     std::vector<std::string> names;
-    for (const auto& file : cachedFiles) {
+    for (const auto& file : state.cachedFiles) {
         if (extensionOf(file) == ".xml") {
             names.push_back(file);
         }
     }
-    for (const auto& file : cachedFiles) {
+    for (const auto& file : state.cachedFiles) {
         if (extensionOf(file) == ".dat") {
             names.push_back(withExtension(file, ".xml"));
         }
@@ -247,7 +238,7 @@ void ChainModel::removeAllCachedStores() {
 bool ChainModel::removeCachedFiles(const std::string& fileName) {
     const bool isCopy = fileName.starts_with("cached") && (fileName.ends_with(".dat") || fileName.ends_with(".xml"));
     if (!mayHaveCopy(fileName) || (isCopy && !mayHaveCopy(fileName.substr(6, fileName.size() - 10)))) {
-        log.push_back("Name contains \"..\", cached file not removed: [" + fileName + "]");
+        state.log.push_back("Name contains \"..\", cached file not removed: [" + fileName + "]");
         return false;
     }
     bool found = removeCachedFile(fileName);
@@ -258,24 +249,24 @@ bool ChainModel::removeCachedFiles(const std::string& fileName) {
 }
 
 bool ChainModel::removeCachedFile(const std::string& fileName) {
-    if (cachedFiles.erase(fileName) == 0) {
+    if (state.cachedFiles.erase(fileName) == 0) {
         return false;
     }
-    log.push_back("Removed file: Cache/" + fileName);
+    state.log.push_back("Removed file: Cache/" + fileName);
     return true;
 }
 
 // Background tasks.
 
 void ChainModel::persistLater(const Store& store) {
-    tasks.push_back({"ConfigStore::persistValues", store, 0, ""});
+    state.tasks.push_back({"ConfigStore::persistValues", store, 0, ""});
 }
 
 void ChainModel::fireStoreAdded(const std::string& name) {
-    for (const auto serial : storeObservers) {
-        for (std::size_t number = 1; number < std::size(serials); ++number) {
-            if (serials[number] == serial) {
-                tasks.push_back({"ConfigStoreAddedObserver::OnConfigStoreAdded", nullptr, number, name});
+    for (const auto serial : state.storeObservers) {
+        for (std::size_t number = 1; number < std::size(state.serials); ++number) {
+            if (state.serials[number] == serial) {
+                state.tasks.push_back({"ConfigStoreAddedObserver::OnConfigStoreAdded", nullptr, number, name});
             }
         }
     }
@@ -285,36 +276,36 @@ void ChainModel::registerStoreObserver(std::size_t number) {
     if (number == 0) {
         return;
     }
-    storeObservers.push_back(serials[number]);
-    log.emplace_back("ConfigStoreAddedObserver registered");
+    state.storeObservers.push_back(state.serials[number]);
+    state.log.emplace_back("ConfigStoreAddedObserver registered");
 }
 
 void ChainModel::unregisterStoreObserver(std::size_t number) {
     if (number == 0) {
-        log.emplace_back("Attempt to unregister null ConfigStoreAddedObserver");
+        state.log.emplace_back("Attempt to unregister null ConfigStoreAddedObserver");
         return;
     }
-    const bool known = std::erase(storeObservers, serials[number]) > 0;
-    log.emplace_back(known ? "ConfigStoreAddedObserver unregistered"
-                           : "Attempt to unregister unknown ConfigStoreAddedObserver");
+    const bool known = std::erase(state.storeObservers, state.serials[number]) > 0;
+    state.log.emplace_back(known ? "ConfigStoreAddedObserver unregistered"
+                                 : "Attempt to unregister unknown ConfigStoreAddedObserver");
 }
 
 void ChainModel::renewStoreObserver(std::size_t number) {
-    serials[number] = nextSerial++;
+    state.serials[number] = state.nextSerial++;
 }
 
 std::vector<std::string> ChainModel::getTaskNames() {
     std::vector<std::string> names;
-    for (const auto& task : tasks) {
+    for (const auto& task : state.tasks) {
         names.push_back(task.name);
     }
     return names;
 }
 
 void ChainModel::runTasks() {
-    while (!tasks.empty()) {
-        const auto task = std::move(tasks.front());
-        tasks.pop_front();
+    while (!state.tasks.empty()) {
+        const auto task = std::move(state.tasks.front());
+        state.tasks.pop_front();
         run(task);
     }
 }
@@ -331,7 +322,7 @@ void ChainModel::run(const Task& task) {
 
 void ChainModel::logUnlessOverrideStore(const std::string& name, const std::string& line) {
     if (!isSame(name, "devOverrideConfigStore")) {
-        log.push_back(line);
+        state.log.push_back(line);
     }
 }
 

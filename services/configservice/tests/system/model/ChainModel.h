@@ -2,6 +2,7 @@
 
 #include "Chain.h"
 
+#include <array>
 #include <deque>
 #include <functional>
 #include <memory>
@@ -52,13 +53,13 @@ public:
     void removeAllCachedStores() override;
     bool removeCachedFiles(const std::string& fileName) override;
 
-    void setFipsMode(bool on) override { fips = on; }
-    void placeCachedFile(const std::string& fileName) override { cachedFiles.insert(fileName); }
-    std::vector<std::string> listCachedFiles() override { return {cachedFiles.begin(), cachedFiles.end()}; }
+    void setFipsMode(bool on) override { state.fips = on; }
+    void placeCachedFile(const std::string& fileName) override { state.cachedFiles.insert(fileName); }
+    std::vector<std::string> listCachedFiles() override { return {state.cachedFiles.begin(), state.cachedFiles.end()}; }
 
     std::vector<std::string> getTaskNames() override;
     void runTasks() override;
-    std::vector<std::string> takeLog() override { return std::exchange(log, {}); }
+    std::vector<std::string> takeLog() override { return std::exchange(state.log, {}); }
 
     using Store = std::shared_ptr<ModelStore>;
     /// For the model of the service.
@@ -76,14 +77,28 @@ public:
         std::string arrived;
     };
     /// For a caller that runs the tasks itself.
-    const std::deque<Task>& getTasks() const { return tasks; }
-    void removeFirstTask() { tasks.pop_front(); }
-    const std::vector<Store>& getStores() const { return chain; }
-    const std::vector<std::size_t>& getStoreObservers() const { return storeObservers; }
-    const std::vector<std::wstring>& getSensitiveKeys() const { return sensitiveKeys; }
-    const std::set<std::string>& getCachedFiles() const { return cachedFiles; }
+    const std::deque<Task>& getTasks() const { return state.tasks; }
+    void removeFirstTask() { state.tasks.pop_front(); }
+    const std::vector<Store>& getStores() const { return state.chain; }
+    const std::vector<std::size_t>& getStoreObservers() const { return state.storeObservers; }
+    const std::vector<std::wstring>& getSensitiveKeys() const { return state.sensitiveKeys; }
+    const std::set<std::string>& getCachedFiles() const { return state.cachedFiles; }
 
 private:
+    /// A copy shares the stores until the constructor duplicates them.
+    struct State {
+        std::vector<Store> chain;
+        std::vector<std::wstring> sensitiveKeys;
+        /// Serial numbers: a destroyed observer keeps its place in the list.
+        std::vector<std::size_t> storeObservers;
+        std::array<std::size_t, 4> serials = {0, 1, 2, 3};
+        std::size_t nextSerial = 4;
+        std::deque<Task> tasks;
+        std::vector<std::string> log;
+        std::set<std::string> cachedFiles;
+        bool fips = false;
+    };
+
     Reading lookupInStores(const std::wstring& key, bool skipLocal, const std::string& filter);
     bool findOriginalValue(const std::wstring& key, OriginalReading& reading, bool& found);
     void fireConfigChange(const std::wstring& key, bool deferFire);
@@ -96,16 +111,7 @@ private:
     void logUnlessOverrideStore(const std::string& name, const std::string& line);
     static bool isWriteTarget(const ModelStore& store);
 
-    std::vector<Store> chain;
-    std::vector<std::wstring> sensitiveKeys;
-    /// Serial numbers: a destroyed observer keeps its place in the list.
-    std::vector<std::size_t> storeObservers;
-    std::size_t serials[4] = {0, 1, 2, 3};
-    std::size_t nextSerial = 4;
-    std::deque<Task> tasks;
-    std::vector<std::string> log;
-    std::set<std::string> cachedFiles;
-    bool fips = false;
+    State state;
 };
 
 } // namespace config_model

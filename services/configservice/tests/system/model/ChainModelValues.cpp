@@ -10,14 +10,14 @@ namespace config_model {
 
 Reading ChainModel::lookupInStores(const std::wstring& key, bool skipLocal, const std::string& filter) {
     Reading reading;
-    for (const auto& store : chain) {
+    for (const auto& store : state.chain) {
         if (!filter.empty() && !isSame(filter, store->shape.name)) {
             continue;
         }
         if (skipLocal && !store->shape.readOnly) {
             continue;
         }
-        if (store->getValue(key, reading.value, fips)) {
+        if (store->getValue(key, reading.value, state.fips)) {
             reading.found = true;
             reading.store = widen(store->shape.name);
             break;
@@ -26,7 +26,7 @@ Reading ChainModel::lookupInStores(const std::wstring& key, bool skipLocal, cons
     if (!reading.found) {
         reading.value.clear();
     }
-    if (fips && isSame(key, L"Telephony_P2P_Enabled")) {
+    if (state.fips && isSame(key, L"Telephony_P2P_Enabled")) {
         reading.value = L"false";
     }
     return reading;
@@ -61,17 +61,17 @@ bool ChainModel::findOriginalValue(const std::wstring& key, OriginalReading& rea
     std::wstring readOnlyValue;
     bool hasOverride = false;
     found = false;
-    for (const auto& store : chain) {
+    for (const auto& store : state.chain) {
         if (!writableValue.empty() && !readOnlyValue.empty()) {
             break;
         }
         if (!store->shape.readOnly && writableValue.empty()) {
-            const bool answered = store->getValue(key, writableValue, fips);
+            const bool answered = store->getValue(key, writableValue, state.fips);
             if (answered && readOnlyValue.empty()) {
                 hasOverride = true;
             }
         }
-        if (store->shape.readOnly && readOnlyValue.empty() && store->getValue(key, readOnlyValue, fips)) {
+        if (store->shape.readOnly && readOnlyValue.empty() && store->getValue(key, readOnlyValue, state.fips)) {
             reading.store = widen(store->shape.name);
             found = true;
         }
@@ -108,8 +108,9 @@ bool ChainModel::isWriteTarget(const ModelStore& store) {
 }
 
 bool ChainModel::storeValue(const std::wstring& key, const std::wstring& value) {
-    const auto target = std::find_if(chain.begin(), chain.end(), [](const auto& each) { return isWriteTarget(*each); });
-    if (target == chain.end()) {
+    const auto target =
+        std::find_if(state.chain.begin(), state.chain.end(), [](const auto& each) { return isWriteTarget(*each); });
+    if (target == state.chain.end()) {
         return false;
     }
     const auto store = *target;
@@ -122,14 +123,14 @@ bool ChainModel::storeValue(const std::wstring& key, const std::wstring& value) 
 bool ChainModel::storeValues(const Pairs& values) {
     const ModelStore map({.name = "map", .pairs = values});
     bool hasTarget = false;
-    for (const auto& store : std::vector(chain)) {
+    for (const auto& store : std::vector(state.chain)) {
         if (!isWriteTarget(*store)) {
             continue;
         }
         hasTarget = true;
         for (const auto& [key, value] : map.shape.pairs) {
             if (!store->storeValue(key, value)) {
-                log.push_back("Unable to store the value with key: " + narrow(key.substr(0, 1)));
+                state.log.push_back("Unable to store the value with key: " + narrow(key.substr(0, 1)));
             }
         }
         persistLater(store);
@@ -158,7 +159,7 @@ bool ChainModel::removeValue(const std::wstring& key) {
         }
     }
     bool removed = false;
-    for (const auto& store : std::vector(chain)) {
+    for (const auto& store : std::vector(state.chain)) {
         if (store->shape.readOnly) {
             continue;
         }
@@ -176,12 +177,12 @@ bool ChainModel::removeValue(const std::wstring& key) {
 }
 
 bool ChainModel::setUrlProvisioningData(const std::wstring& url) {
-    log.push_back("setting url provisioning data");
+    state.log.push_back("setting url provisioning data");
     const auto pairs = readProvisioningUrl(url);
     if (pairs.empty()) {
         return false;
     }
-    cachedFiles.insert("cachedUrlProvisioningConfigStore.dat");
+    state.cachedFiles.insert("cachedUrlProvisioningConfigStore.dat");
     addStore(StoreShape{
         .kind = StoreShape::Kind::Copy, .name = "UrlProvisioningConfigStore", .priority = 499, .pairs = pairs});
     storeValue(L"AllowUrlProvisioning", L"False");

@@ -68,18 +68,6 @@ RecordView ServiceRecords::get(const std::wstring& key, bool fips) {
     return view;
 }
 
-std::string ServiceRecords::describe() const {
-    std::string text;
-    for (const auto& record : records) {
-        text += config_model::describe(record);
-        for (const auto& property : record.pending) {
-            text += " ~" + property;
-        }
-        text += '\n';
-    }
-    return text;
-}
-
 ServiceRecords::Record& ServiceRecords::find(const std::wstring& key) {
     const auto newName = findNewName(key);
     auto* record = newName.empty() ? nullptr : findExactly(newName);

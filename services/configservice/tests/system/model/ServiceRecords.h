@@ -16,17 +16,16 @@ public:
     void fire(const std::wstring& key);
     RecordView get(const std::wstring& key, bool fips);
     void watch(const std::wstring& key) { watchedKeys.push_back(key); }
-    /// Returns the text of all records with their changes that have not fired.
-    std::string describe() const;
 
-    std::function<void(const std::wstring& key, const std::string& property)> fired;
-
-private:
     struct Record : RecordView {
         /// Changed properties that have not fired yet.
         std::vector<std::string> pending;
     };
+    const std::vector<Record>& getRecords() const { return records; }
 
+    std::function<void(const std::wstring& key, const std::string& property)> fired;
+
+private:
     Record& find(const std::wstring& key);
     Record* findExactly(const std::wstring& key);
     static std::wstring valueOf(const Record& record, bool fips);

@@ -74,4 +74,12 @@ TEST(BundleMask, RemovesTheLinesThatContinueASecretUpToTheNextRecord) {
     EXPECT_EQ(makeMask({}).maskLog(""), "");
 }
 
+TEST(BundleMask, RemovesTheContentsOfADamagedFile) {
+    const std::string contents = "<Lumora>\n<Own sensitive=\"true\">VALUE_HIDDEN planted</Own>\n<Other>planted\n";
+    const auto log =
+        std::string(start) + "contents of invalid xml with string length: 70\n" + contents + start + "next\n";
+    EXPECT_EQ(makeMask({}).maskLog(log),
+              std::string(start) + "contents of invalid xml VALUE_HIDDEN\n" + start + "next\n");
+}
+
 } // namespace lumora_config

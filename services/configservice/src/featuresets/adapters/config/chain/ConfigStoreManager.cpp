@@ -33,7 +33,7 @@ bool isOverrideStore(std::string_view name) {
 }
 
 /// Returns the text of the chain for logs.
-std::string describeChain(const std::vector<StoreChain::Described>& stores) {
+std::string describeChain(const std::vector<StoreChain::NameAndPriority>& stores) {
     std::string text = ", Config stores :";
     for (const auto& [name, priority] : stores) {
         if (!isOverrideStore(name)) {
@@ -98,7 +98,7 @@ void ConfigStoreManager::addStore(const std::shared_ptr<ConfigStore>& store) {
         return;
     }
     const auto name = store->getName();
-    const auto stores = configStores.add(store, name);
+    const auto stores = configStores.addUnlessNameIsTaken(store, name);
     if (!stores) {
         if (!isOverrideStore(name)) {
             ZelLog(configStoreManagerLogger(), ZelLogLevel::Info, ZEL_HERE, "updating existing store: " + name);

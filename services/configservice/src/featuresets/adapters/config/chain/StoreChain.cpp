@@ -35,39 +35,39 @@ std::shared_ptr<ConfigStore> StoreChain::find(std::string_view name) const {
     return found == current->end() ? nullptr : *found;
 }
 
-std::optional<std::vector<StoreChain::Described>> StoreChain::add(const std::shared_ptr<ConfigStore>& store,
-                                                                  const std::string& name) {
-    auto ranked = readNamesUnlessTaken(name);
-    if (!ranked) {
+std::optional<std::vector<StoreChain::NameAndPriority>>
+StoreChain::addUnlessNameIsTaken(const std::shared_ptr<ConfigStore>& store, const std::string& name) {
+    auto links = findLinksUnlessNamed(name);
+    if (!links) {
         return std::nullopt;
     }
     // A store of another service may return a different priority each time, so the sort reads each priority once.
-    for (auto& present : *ranked) {
-        present.description.priority = present.link->getPriority();
+    for (auto& present : *links) {
+        present.store.priority = present.link->getPriority();
     }
-    ranked->push_back({{name, store->getPriority()}, ChainLink(store)});
-    std::stable_sort(ranked->begin(), ranked->end(),
-                     [](const auto& a, const auto& b) { return a.description.priority < b.description.priority; });
+    links->push_back({{name, store->getPriority()}, ChainLink(store)});
+    std::stable_sort(links->begin(), links->end(),
+                     [](const auto& a, const auto& b) { return a.store.priority < b.store.priority; });
 
     Links next;
-    std::vector<Described> descriptions;
-    next.reserve(ranked->size());
-    descriptions.reserve(ranked->size());
-    for (auto& [description, link] : *ranked) {
+    std::vector<NameAndPriority> stores;
+    next.reserve(links->size());
+    stores.reserve(links->size());
+    for (auto& [nameAndPriority, link] : *links) {
         next.push_back(std::move(link));
-        descriptions.push_back(std::move(description));
+        stores.push_back(std::move(nameAndPriority));
     }
     replace(std::move(next));
-    return descriptions;
+    return stores;
 }
 
-std::optional<std::vector<StoreChain::Ranked>> StoreChain::readNamesUnlessTaken(std::string_view name) const {
-    std::vector<Ranked> named;
+std::optional<std::vector<StoreChain::NamedLink>> StoreChain::findLinksUnlessNamed(std::string_view taken) const {
+    std::vector<NamedLink> named;
     const auto current = getChain();
     named.reserve(current->links.size() + 1);
     for (const auto& link : current->links) {
         named.push_back({{link->getName()}, link});
-        if (KyrCoreUtils::caseInsensitiveStringEquals(named.back().description.name, name)) {
+        if (KyrCoreUtils::caseInsensitiveStringEquals(named.back().store.name, taken)) {
             return std::nullopt;
         }
     }

@@ -34,16 +34,17 @@ public:
     /// Returns the first store of that name (case-insensitive), or null if there is none.
     std::shared_ptr<ConfigStore> find(std::string_view name) const;
 
-    /// What a store returned while another one was added.
-    struct Described {
+    /// What getName() and getPriority() of a store have returned.
+    struct NameAndPriority {
         std::string name;
         int priority = 0;
     };
 
     /// Adds the store, unless one of that name (case-insensitive) is present. Calls getName() and getPriority() of each
-    /// present store once, which matters in a chain of a thousand stores. Returns the description of each store in the
-    /// new order, or nothing if the store was not added.
-    std::optional<std::vector<Described>> add(const std::shared_ptr<ConfigStore>& store, const std::string& name);
+    /// present store once, which matters in a chain of a thousand stores. Returns the names and priorities of all
+    /// stores in the new order, or nothing if the store was not added.
+    std::optional<std::vector<NameAndPriority>> addUnlessNameIsTaken(const std::shared_ptr<ConfigStore>& store,
+                                                                     const std::string& name);
     void remove(const std::shared_ptr<ConfigStore>& store);
 
 private:
@@ -51,14 +52,15 @@ private:
         Stores stores;
         Links links;
     };
-    struct Ranked {
-        Described description;
+    struct NamedLink {
+        NameAndPriority store;
         ChainLink link;
     };
 
     std::shared_ptr<const Chain> getChain() const;
-    /// Returns the present stores with their names, or nothing if one of them has that name.
-    std::optional<std::vector<Ranked>> readNamesUnlessTaken(std::string_view name) const;
+    /// Returns the present links with the names of their stores, without priorities. Returns nothing if one of the
+    /// stores has the name `taken` (case-insensitive).
+    std::optional<std::vector<NamedLink>> findLinksUnlessNamed(std::string_view taken) const;
     void replace(Links next);
 
     /// Guards the pointer for readers without the owner's lock. No other function is called under it.

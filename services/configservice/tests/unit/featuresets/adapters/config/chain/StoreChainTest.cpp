@@ -20,7 +20,7 @@ std::vector<std::string> namesOf(const StoreChain& chain) {
 
 /// Returns whether the store was added.
 bool add(StoreChain& chain, const std::shared_ptr<ConfigStore>& store) {
-    return chain.add(store, store->getName()).has_value();
+    return chain.addUnlessNameIsTaken(store, store->getName()).has_value();
 }
 
 } // namespace
@@ -66,7 +66,7 @@ TEST(StoreChain, DoesNotAddASecondStoreOfANameIgnoringCase) {
 TEST(StoreChain, AddingAStoreReturnsNamesAndPrioritiesInTheNewOrder) {
     StoreChain chain;
     add(chain, makeReadOnlyStore("B", 34));
-    const auto stores = chain.add(makeReadOnlyStore("A", 33), "A");
+    const auto stores = chain.addUnlessNameIsTaken(makeReadOnlyStore("A", 33), "A");
     ASSERT_TRUE(stores);
     ASSERT_EQ(stores->size(), 2U);
     EXPECT_EQ(stores->front().name, "A");

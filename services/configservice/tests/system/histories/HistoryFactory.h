@@ -1,0 +1,23 @@
+#pragma once
+
+#include "RecordingDispatchers.h"
+
+#include <RecordingFactory.h>
+
+#include <memory>
+
+namespace config_model {
+
+/// A factory with these dispatchers.
+class HistoryFactory final : public testing_host::RecordingFactory {
+public:
+    explicit HistoryFactory(HistoryClock& clock);
+
+    std::shared_ptr<ZelUnified::Processing::ServicesDispatcher> getServicesDispatcher() override { return services; }
+    std::shared_ptr<ZelUnified::Processing::TaskDispatcher> getBackgroundDispatcher() override { return background; }
+
+    const std::shared_ptr<RecordingServicesDispatcher> services;
+    const std::shared_ptr<RecordingTaskDispatcher> background;
+};
+
+} // namespace config_model
