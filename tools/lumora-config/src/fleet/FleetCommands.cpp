@@ -1,5 +1,6 @@
 #include "FleetCommands.h"
 
+#include "FleetLogPrinter.h"
 #include "FleetPlugin.h"
 #include "commands/CommandInput.h"
 #include "output/EscapedText.h"
@@ -227,8 +228,11 @@ void showChanges(const ConfigMap& before, const ConfigMap& after, bool showSecre
 
 void watch(const Action& action) {
     requireWords(action.command, false, false);
+    const auto audiences = getAudiences(action.command.fleet);
+    action.cluster.list(audiences); // throws if the cluster cannot be read; the watch would try again for ever
+    const FleetLogPrinter log(action.printer);
     std::optional<ConfigMap> last; // of the plug-in's thread
-    action.cluster.watch(getAudiences(action.command.fleet), [&last, &action](ConfigMap settings) {
+    action.cluster.watch(audiences, [&last, &action](ConfigMap settings) {
         if (last) {
             showChanges(*last, settings, action.showSecrets, action.printer);
         } else {
