@@ -89,6 +89,17 @@ TEST_F(FleetCommand, RefusesPlainHttpUnlessItIsAllowed) {
     EXPECT_NE(result.output.find("--plain-http"), std::string::npos) << result.output;
 }
 
+TEST_F(FleetCommand, UnsetRemovesAKeyFromAClusterThatHoldsTooMuchToBeRead) {
+    EtcdCluster cluster;
+    constexpr std::size_t keys = 50; // 67 MiB in the messages of the gateway
+    for (std::size_t key = 0; key < keys; ++key) {
+        cluster.put("/lumora/fleet/all/Key" + std::to_string(key), std::string(std::size_t{1} << 20U, 'x'));
+    }
+    EXPECT_EQ(run(cluster, {"list"}).code, 3);
+    EXPECT_EQ(run(cluster, {"unset", "Key0"}).code, 0);
+    EXPECT_EQ(cluster.control({"get", "/lumora/fleet/all/Key0"}), "");
+}
+
 /// "lumora-config fleet watch" for the user "ada".
 class RunningWatch {
 public:

@@ -172,13 +172,12 @@ void set(const Action& action) {
 void unset(const Action& action) {
     requireWords(action.command, true, false);
     const auto audience = getOneAudience(action.command.fleet);
-    const auto existing = findPairs(action, audience);
-    if (existing.empty()) {
-        throwMiss(action, audience);
-    }
-    const auto exact = std::ranges::find(existing, action.command.key, &FleetPair::key);
-    if (!action.cluster.remove(audience, exact == existing.end() ? existing.back().key : exact->key)) {
-        throwMiss(action, audience);
+    // The exact spelling first: this also works if the cluster holds too much to be read.
+    if (!action.cluster.remove(audience, action.command.key)) {
+        const auto existing = findPairs(action, audience);
+        if (existing.empty() || !action.cluster.remove(audience, existing.back().key)) {
+            throwMiss(action, audience);
+        }
     }
     action.printer.showDone("fleet", "removed from '" + describe(audience) + "'");
 }
