@@ -1,7 +1,10 @@
 #include "Allocations.h"
+#include "featuresets/adapters/config/chain/ConfigReport.h"
+#include "featuresets/adapters/config/xml/SensitiveKeySecuringUtility.h"
 #include "secure/SecureString.h"
 
 #include <kyr/StringUtils.h>
+#include <zel/EncryptFileUtils.h>
 
 #include <CacheConfigStore.h>
 #include <LocalFileConfigStore.h>
@@ -49,6 +52,19 @@ TEST(ReleasedDocuments, ConvertingATextToWideCharactersLeavesNoCopy) {
     }
 }
 
+TEST(ReleasedDocuments, SecuringAPasswordLeavesNoCopy) {
+    ConfigMap values{{L"ConnectionPassword", secret}};
+    {
+        const BlocksFreedWith freed(secret);
+        SensitiveKeySecuringUtility::secureWellKnownSensitiveKeys(values);
+        EXPECT_EQ(freed.getCount(), 0U);
+    }
+    values.at(L"ConnectionPassword") = secret;
+    const BlocksFreedWith freed(narrowSecret);
+    SensitiveKeySecuringUtility::secureWellKnownSensitiveKeys(values);
+    EXPECT_EQ(freed.getCount(), 0U);
+}
+
 struct ReleasedCachedDocuments : testing::Test {
     void write(const std::wstring& value) const {
         ConfigMap values{{L"a", L"1"}, {L"k", value}, {L"m", L"2"}, {L"n", value}, {L"z", L"3"}};
@@ -81,6 +97,7 @@ TEST_F(ReleasedCachedDocuments, ReadingThemLeavesNoNarrowValueInFreedMemory) {
 TEST_F(ReleasedCachedDocuments, WritingThemLeavesNoValueInFreedMemory) {
     ConfigMap values;
     values.emplace(L"k", secret);
+    values.emplace(L"z", std::wstring(100'000, L'z')); // makes the document grow with the secret in it
     {
         auto handedIn = values;
         const BlocksFreedWith freed(secret);
@@ -126,6 +143,26 @@ TEST_F(ReleasedUserFiles, ReadingThemLeavesNoValueInFreedMemory) {
     }
     const BlocksFreedWith freed(narrowSecret);
     read();
+    EXPECT_EQ(freed.getCount(), 0U);
+}
+
+TEST_F(ReleasedUserFiles, AWriteLeavesNoOlderValueInFreedMemory) {
+    LocalFileConfigStore store("LocalFileConfigStore", 1, false);
+    store.storeValue(L"k", secret + L"2");
+    store.persistValues();
+    store.removeValue(L"k");
+    const BlocksFreedWith freed(secret);
+    store.persistValues();
+    EXPECT_EQ(freed.getCount(), 0U);
+}
+
+TEST_F(ReleasedUserFiles, TheReportOfADataFileLeavesNoCopyInFreedMemory) {
+    ASSERT_TRUE(zel::storage::EncryptFileUtils::writeDataToFile((profile.config() / "SSOAuthInfoStore.dat").string(),
+                                                                zel::SecureString("<?xml?>" + narrowSecret),
+                                                                zel::storage::FileCategoryType::UserData));
+    const BlocksFreedWith freed(narrowSecret);
+    const auto report = ConfigReport::getConfigForPRTFromFile();
+    EXPECT_NE(report.find(secret), std::wstring::npos);
     EXPECT_EQ(freed.getCount(), 0U);
 }
 

@@ -1,4 +1,5 @@
 #include "Allocations.h"
+#include "featuresets/adapters/config/chain/ConfigChangeObservers.h"
 #include "services/impl/ServiceFixture.h"
 #include "table/ConfigTable.h"
 
@@ -81,6 +82,17 @@ TEST(ReleasedValues, ALongerValueZeroesTheFormerBlock) {
     const FreedText freed(*table.find(FoldedKey(key)));
     table.store(key, longer);
     EXPECT_EQ(freed.getContent(), zeroes);
+}
+
+TEST(ReleasedValues, AnAnnouncementZeroesItsValues) {
+    for (const bool isOriginal : {false, true}) {
+        auto change = std::make_unique<ConfigChange>();
+        auto& text = isOriginal ? change->originalValue : change->value;
+        text = secret;
+        const FreedText freed(text);
+        change.reset();
+        EXPECT_EQ(freed.getContent(), zeroes);
+    }
 }
 
 struct ReleasedValuesOfRecords : configservice_test::ServiceFixture {

@@ -312,6 +312,7 @@ TEST_F(ConfigValueBaseImplTest, ObserversNotifiersGuidAndNameAreAccessibleOnEver
     EXPECT_TRUE(record->getConfigValueNotifiers());
     EXPECT_EQ(record->toString(), "ConfigValueBaseImpl {" + record->getGuid() + "}");
     EXPECT_EQ(record->getInterfaceName(), "ConfigValue");
+    EXPECT_EQ(observer->getInterfaceName(), "ConfigValueObserver");
     record->removeObserver(observer);
 }
 

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <string>
+#include <vector>
 
 namespace ZelUnified {
 namespace {
@@ -47,6 +49,18 @@ TEST(SharedTexts, TextsBeyondTheLimitAreReturnedCorrectly) {
     }
     const auto early = texts.share(nameOf(0));
     EXPECT_EQ(&texts.share(nameOf(0)).get(), &early.get());
+}
+
+TEST(SharedTexts, TheFirst64TextsAreKept) {
+    SharedTexts texts;
+    std::vector<SharedText> first;
+    for (int i = 0; i <= 64; ++i) {
+        first.push_back(texts.share(L"Store " + std::to_wstring(i)));
+    }
+    for (int i = 0; i <= 64; ++i) {
+        const auto again = texts.share(L"Store " + std::to_wstring(i));
+        EXPECT_EQ(&again.get() == &first[static_cast<std::size_t>(i)].get(), i < 64) << i;
+    }
 }
 
 TEST(SharedTexts, TextsBeyondTheLimitAreNotKept) {

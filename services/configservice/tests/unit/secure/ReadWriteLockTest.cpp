@@ -167,6 +167,13 @@ TEST_F(ReadWriteLockTest, AScopedLockThatWasReleasedDoesNotUnlockAgain) {
     EXPECT_EQ(writer.wait_for(watchdog), std::future_status::ready);
 }
 
+TEST_F(ReadWriteLockTest, AnUnlockWithoutAHolderHasNoEffect) {
+    lock.unlock();
+    auto reader = start<ReadLock>("reader");
+    EXPECT_EQ(reader.wait_for(watchdog), std::future_status::ready);
+    lock.unlock(); // lets the reader of a failed test end
+}
+
 TEST_F(ReadWriteLockTest, AReleasingReaderWakesNoWriterWhileOthersHoldTheLock) {
     ReadLock first(lock);
     ReadLock second(lock);

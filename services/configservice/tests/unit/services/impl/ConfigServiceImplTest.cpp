@@ -5,6 +5,7 @@
 #include <LogRecorder.h>
 
 #include <functional>
+#include <stdexcept>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -14,15 +15,19 @@ namespace {
 
 using configservice_test::RecordingServiceObserver;
 using configservice_test::serviceLogger;
+using testing::_;
 using testing::IsEmpty;
 using testing::Return;
 using testing::SetArgReferee;
+using testing::Throw;
 
 struct ConfigServiceImplTest : configservice_test::ServiceFixture {};
 
 TEST_F(ConfigServiceImplTest, IsEmptyAndNotReadyAtFirst) {
     EXPECT_THAT(*service->getAllConfig(), IsEmpty());
     EXPECT_FALSE(service->getConfigReady());
+    EXPECT_EQ(service->getInterfaceName(), "ConfigService");
+    EXPECT_EQ(RecordingServiceObserver().getInterfaceName(), "ConfigServiceObserver");
     EXPECT_TRUE(factory->servicesDispatcher->getTaskNames().empty());
     EXPECT_THAT(factory->triedFeatureSetLoads, IsEmpty());
 }
@@ -65,6 +70,35 @@ TEST_F(ConfigServiceImplTest, ReturnsTheResultsOfTheFeatureSet) {
     EXPECT_EQ(service->getValueFromConfigStore("Store", L"k"), L"v");
 }
 
+TEST_F(ConfigServiceImplTest, AnExceptionOfTheFeatureSetReachesTheCaller) {
+    const auto featureSet = fileFeatureSet();
+    const std::runtime_error refused("refused");
+    EXPECT_CALL(*featureSet, setConfig(_, _)).WillOnce(Throw(refused));
+    EXPECT_CALL(*featureSet, setInMemoryConfig(_, _)).WillOnce(Throw(refused));
+    EXPECT_CALL(*featureSet, setMdmConfig(_)).WillOnce(Throw(refused));
+    EXPECT_CALL(*featureSet, resetConfig(_)).WillOnce(Throw(refused));
+    EXPECT_CALL(*featureSet, removeConfigStore(_)).WillOnce(Throw(refused));
+    EXPECT_CALL(*featureSet, removeAllCachedConfigStores()).WillOnce(Throw(refused));
+    EXPECT_CALL(*featureSet, setKeySensitive(_)).WillOnce(Throw(refused));
+    EXPECT_CALL(*featureSet, setUrlProvisioningData(_)).WillOnce(Throw(refused));
+    EXPECT_CALL(*featureSet, resetAllowUriProvisioningData()).WillOnce(Throw(refused));
+    EXPECT_CALL(*featureSet, getAllConfigForPRT(_)).WillOnce(Throw(refused));
+    EXPECT_CALL(*featureSet, getValueFromConfigStore(_, _)).WillOnce(Throw(refused));
+    EXPECT_CALL(*featureSet, refreshConfigFeatureSet()).WillOnce(Throw(refused));
+    EXPECT_THROW(service->setConfig(L"k", L"v"), std::runtime_error);
+    EXPECT_THROW(service->setInMemoryConfig(L"k", L"m"), std::runtime_error);
+    EXPECT_THROW(service->setMdmConfig("<mdm/>"), std::runtime_error);
+    EXPECT_THROW(service->resetConfig(L"k"), std::runtime_error);
+    EXPECT_THROW(service->removeConfigStoreAndCache(L"S"), std::runtime_error);
+    EXPECT_THROW(service->removeAllCachedConfigStores(), std::runtime_error);
+    EXPECT_THROW(service->setKeySensitive(L"k"), std::runtime_error);
+    EXPECT_THROW(service->setUrlProvisioningData(L"data"), std::runtime_error);
+    EXPECT_THROW(service->resetAllowUriProvisioningData(), std::runtime_error);
+    EXPECT_THROW(service->getAllConfigForPRT(), std::runtime_error);
+    EXPECT_THROW(service->getValueFromConfigStore("S", L"k"), std::runtime_error);
+    EXPECT_THROW(service->refreshConfigFeatureSet(), std::runtime_error);
+}
+
 TEST_F(ConfigServiceImplTest, TheReportStartsFromAnEmptyText) {
     const auto featureSet = fileFeatureSet();
     EXPECT_CALL(*featureSet, getAllConfigForPRT(testing::Eq(std::wstring())))
@@ -101,6 +135,7 @@ TEST_F(ConfigServiceImplTest, AKeyIsSensitiveOnlyIfItIsInTheList) {
     service->updateSensitiveKeyList(L"SECRET");
     EXPECT_TRUE(service->isKeySensitive(L"sEcReT"));
     EXPECT_FALSE(service->isKeySensitive(L"Secret2"));
+    EXPECT_FALSE(service->isKeySensitive(L""));
 }
 
 TEST_F(ConfigServiceImplTest, ResetRemovesTheRecordsAndKeepsSensitiveKeysAndOldNames) {

@@ -244,6 +244,13 @@ TEST_F(ConfigServicePropagation, AnExceptionOfAnObserverPropagatesAndTheRestFire
     EXPECT_THAT(observer->received, ElementsAre("Value", "isDefined", "isDefined", "ValueStoreName"));
 }
 
+TEST_F(ConfigServicePropagation, AnExceptionOfAnObserverOfADeferredChangePropagates) {
+    const auto observer = observe(L"k");
+    observer->reaction = [](const std::string&) { throw std::runtime_error("refused"); };
+    announce(L"k", L"v", true);
+    EXPECT_THROW(service->FireIfRequired(L"k"), std::runtime_error);
+}
+
 TEST_F(ConfigServicePropagation, InFipsModeTheForcedKeyFiresForEveryOtherValue) {
     const auto observer = observe(L"Telephony_P2P_Enabled");
     announce(L"Telephony_P2P_Enabled", L"true");

@@ -11,9 +11,11 @@ namespace ZelUnified {
 namespace {
 
 using configservice_test::RecordingValueObserver;
+using testing::_;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Return;
+using testing::Throw;
 
 struct ConfigValueImplTest : configservice_test::ServiceFixture {
     ConfigValueImplTest() { record->addObserver(observer); }
@@ -158,6 +160,14 @@ TEST_F(ConfigValueImplTest, AResetCallsTheFeatureSetAndDoesNotChangeTheRecord) {
     EXPECT_CALL(*featureSet, resetConfig(std::wstring(L"Phone_Mode")));
     record->resetToDefault();
     EXPECT_EQ(record->getValue(), L"v");
+}
+
+TEST_F(ConfigValueImplTest, AnExceptionOfTheFeatureSetReachesTheCaller) {
+    const auto featureSet = fileFeatureSet();
+    EXPECT_CALL(*featureSet, setConfig(_, _)).WillOnce(Throw(std::runtime_error("refused")));
+    EXPECT_CALL(*featureSet, resetConfig(_)).WillOnce(Throw(std::runtime_error("refused")));
+    EXPECT_THROW(record->storeValueAndNotify(L"v"), std::runtime_error);
+    EXPECT_THROW(record->resetToDefault(), std::runtime_error);
 }
 
 TEST_F(ConfigValueImplTest, WithoutAFeatureSetWritesAndResetsAreIgnoredWithoutALine) {

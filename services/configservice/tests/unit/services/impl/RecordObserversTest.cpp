@@ -1,6 +1,7 @@
 #include "ServiceFixture.h"
 
 #include <ConfigRecords.h>
+#include <LogRecorder.h>
 
 #include <stdexcept>
 #include <vector>
@@ -110,14 +111,24 @@ TEST_F(RecordObserversTest, ObserversOfTheRecordAreStillCalledOnce) {
     EXPECT_THAT(observer->received, ElementsAre("Value", "isDefined", "ValueStoreName"));
 }
 
+TEST_F(RecordObserversTest, AnExceptionOfAnObserverOfTheRecordReachesTheCaller) {
+    const auto recorder = record();
+    const auto observer = observe(L"k");
+    observer->reaction = [](const std::string&) { throw std::runtime_error("no"); };
+    EXPECT_THROW(announce(L"k", L"v"), std::runtime_error);
+    EXPECT_EQ(recorder->changes.size(), 1U);
+}
+
 TEST_F(RecordObserversTest, AnObserverThatThrowsDoesNotAffectOtherObservers) {
     const auto throwing = std::make_shared<ThrowingObserver>();
     service->addRecordObserver(throwing);
     const auto recorder = record();
     const auto observer = observe(L"k");
+    const testing_host::LogRecorder log;
     announce(L"k", L"v");
     EXPECT_EQ(recorder->changes.size(), 1U);
     EXPECT_EQ(observer->received.size(), 3U);
+    EXPECT_THAT(log.getTexts("ConfigService-RecordObservers"), ElementsAre("An observer failed: no"));
 }
 
 TEST_F(RecordObserversTest, ARemovedObserverIsNotCalled) {

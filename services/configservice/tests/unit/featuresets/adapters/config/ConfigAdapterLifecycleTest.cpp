@@ -119,6 +119,19 @@ TEST_F(ConfigAdapterLifecycle, StopWaitsUntilTheServicesDispatcherHasRemovedThem
     stepwise->dispatcher->posted.clear();
 }
 
+TEST_F(ConfigAdapterLifecycle, AStartAddsEachMissingStoreOnce) {
+    loadAndStart();
+    EXPECT_TRUE(adapter->removeConfigStore("InMemoryConfigStore"));
+    adapter->StopFeatureSet(1300, nullptr);
+    log.clear();
+    start();
+    EXPECT_TRUE(inChain("InMemoryConfigStore"));
+    EXPECT_TRUE(inChain("LocalFileConfigStore"));
+    EXPECT_THAT(log.getTexts("ConfigService-ConfigStoreManager"),
+                ElementsAre(testing::StartsWith("adding new store: InMemoryConfigStore"),
+                            testing::StartsWith("adding new store: LocalFileConfigStore")));
+}
+
 TEST_F(ConfigAdapterLifecycle, StartAfterStopCreatesTheUsersStoreAndNotTheRegistrys) {
     const auto systemService = fileSystemService(*factory);
     load();

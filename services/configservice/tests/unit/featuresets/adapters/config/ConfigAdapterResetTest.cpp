@@ -106,8 +106,9 @@ TEST_F(ConfigAdapterReset, KeepsFourFilesUnchangedAndDeletesAllOthers) {
     for (const auto& path : kept) {
         EXPECT_EQ(testing_host::readFile(path),
                   "content of " + std::filesystem::relative(path, profile.config()).string());
-        EXPECT_EQ(levelOf("file will be excluded from reset deletion: [" + path.filename().string() + "]"),
-                  ZelLogLevel::Info);
+        const auto line = "file will be excluded from reset deletion: [" + path.filename().string() + "]";
+        EXPECT_EQ(levelOf(line), ZelLogLevel::Info);
+        EXPECT_EQ(countLogged(line), 1);
     }
     for (const auto& path : gone) {
         EXPECT_FALSE(std::filesystem::exists(path)) << path;

@@ -124,6 +124,7 @@ TEST_F(EnabledServicesTest, ACopyOfAServersStoreStartsTheDerivationAtConstructio
     testing_host::writeFile(cacheFile("TftpConfigStore"), "x");
     load();
     EXPECT_EQ(derived(L"Telephony_Enabled"), L"true");
+    EXPECT_EQ(countLogged("Setting telephonyEnabled flag: 1"), 1);
     start();
     adapter->setConfig(L"CtiServer1", L"");
     adapter->refreshConfigFeatureSet();
@@ -144,6 +145,7 @@ TEST_F(EnabledServicesTest, AreDerivedOnRequest) {
     loadAndStart();
     adapter->SetEnabledServices();
     EXPECT_EQ(derived(L"Telephony_Enabled"), L"true");
+    EXPECT_EQ(countLogged("Setting telephonyEnabled flag: 1"), 1);
 }
 
 } // namespace ZelUnified

@@ -178,6 +178,13 @@ constexpr LogLine expectedLines[] = {
     {timerLog, debug, "ConfigFileCacheTimer::Impl::~Impl", "ConfigFileCacheTimer Destructor"},
 };
 
+/// Returns true for two equal lines. Lookups and tasks that write do not count: equal ones may follow each other.
+bool areEqual(const zel::logging::LogRecord& one, const zel::logging::LogRecord& other) {
+    return one.logger == other.logger && one.line == other.line && one.function == other.function &&
+           one.text == other.text && !one.function.ends_with("::getValue") &&
+           !one.function.ends_with("::persistValues");
+}
+
 bool isOfService(const zel::logging::LogRecord& record) {
     return record.logger.starts_with("ConfigService-") || record.logger == timerLog;
 }
@@ -328,7 +335,7 @@ protected:
     testing_host::LogRecorder debugLog{testing_host::LogRecorder::Debug::On};
 };
 
-TEST_F(LogLines, NameAnOperationOfTheLoggersClass) {
+TEST_F(LogLines, NameAnOperationOfTheLoggersClassAndAreNotRepeated) {
     givenDefaults({{L"Telephony_Enabled", L""}, {L"Voicemail_Enabled", L""}, {L"Meetings_Enabled", L""}});
     givenPolicy(L"p", L"v");
     callBeforeTheStart();
@@ -354,6 +361,10 @@ TEST_F(LogLines, NameAnOperationOfTheLoggersClass) {
     for (const auto& line : expectedLines) {
         EXPECT_TRUE(std::ranges::any_of(records, [&line](const auto& record) { return line.matches(record); }))
             << "not logged: " << line.logger << " " << line.operation << ": " << line.beginning;
+    }
+    for (std::size_t i = 1; i < records.size(); ++i) {
+        EXPECT_FALSE(areEqual(records[i - 1], records[i]))
+            << "logged twice: " << records[i].function << ": " << records[i].text;
     }
 }
 

@@ -4,7 +4,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
+#include <stdexcept>
+#include <string>
 
 namespace ZelUnified {
 
@@ -31,6 +34,19 @@ TEST(BackgroundTasks, RequestsTheDispatcherForEachTask) {
     enqueueBackgroundTask(factory, "second", [] {});
     EXPECT_EQ(factory->requests, 2);
     factory->backgroundDispatcher->clear();
+}
+
+TEST(BackgroundTasks, AnExceptionOfTheDispatcherReachesTheCaller) {
+    struct FullDispatcher final : Processing::TaskDispatcher {
+        void enqueue(std::shared_ptr<zel::Task>) override { throw std::runtime_error("full"); }
+        void enqueue(std::function<void()>, const std::string&) override { throw std::runtime_error("full"); }
+    };
+    struct FullFactory final : testing_host::RecordingFactory {
+        std::shared_ptr<Processing::TaskDispatcher> getBackgroundDispatcher() override {
+            return std::make_shared<FullDispatcher>();
+        }
+    };
+    EXPECT_THROW(enqueueBackgroundTask(std::make_shared<FullFactory>(), "task", [] {}), std::runtime_error);
 }
 
 TEST(BackgroundTasks, WithoutAFactoryOrADispatcherDestroysTheTask) {

@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <stdexcept>
 #include <utility>
 
 namespace ZelUnified {
@@ -52,6 +53,16 @@ TEST(ConfigChangeObservers, AnObserverMayCallBack) {
     };
     observers.notifyFireIfRequired(L"outer");
     EXPECT_THAT(observer.announcements, ElementsAre("fire outer", "sensitive inner"));
+}
+
+TEST(ConfigChangeObservers, AnExceptionOfAnObserverReachesTheCaller) {
+    ConfigChangeObservers observers;
+    RecordingObserver observer;
+    observers.add(&observer);
+    observer.reaction = [](const std::wstring&) { throw std::runtime_error("refused"); };
+    EXPECT_THROW(observers.notifyConfigAddedOrUpdated(L"k", makeChange(L"v"), true), std::runtime_error);
+    EXPECT_THROW(observers.notifyFireIfRequired(L"k"), std::runtime_error);
+    EXPECT_THROW(observers.notifySensitiveKey(L"k"), std::runtime_error);
 }
 
 TEST(ConfigChangeObservers, WithoutAnObserverNotifiesNobody) {

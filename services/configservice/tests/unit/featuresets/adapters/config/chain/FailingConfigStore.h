@@ -2,6 +2,8 @@
 
 #include "FakeConfigStore.h"
 
+#include <kyr/StringUtils.h>
+
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -24,6 +26,7 @@ public:
 
     bool getValue(const std::wstring& key, std::wstring& value) override {
         failAt("getValue");
+        failAt("getValue " + KyrCoreUtils::toString(key));
         return store.getValue(key, value);
     }
     bool storeValue(const std::wstring& key, const std::wstring& value) override {
@@ -74,7 +77,7 @@ public:
 
     /// Implements the operations that do not throw.
     FakeConfigStore store;
-    /// The name of the operation that throws, or empty. Stores may share it.
+    /// The name of the operation that throws, or empty. "getValue k" throws for the key k only. Stores may share it.
     std::shared_ptr<std::string> failing = std::make_shared<std::string>();
 
 private:
