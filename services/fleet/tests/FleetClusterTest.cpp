@@ -1,10 +1,16 @@
 // Three members with certificates and authentication. Not part of the suite, because it takes minutes: ./test fleet.
+#include "FleetTable.h"
 #include "FollowedCluster.h"
+
+#include <zel/LogSink.h>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
+#include <condition_variable>
 #include <memory>
+#include <mutex>
 
 namespace fleet_test {
 namespace {
@@ -15,9 +21,34 @@ using ZelUnified::ConfigMap;
 constexpr std::size_t clientCount = 10;
 constexpr auto patience = 120s;
 
+/// Counts the clients that cannot follow their cluster: each logs a line when it begins, and one when it is over.
+class LostClients final : public zel::logging::LogSink {
+public:
+    void write(const zel::logging::LogRecord& record) override {
+        if (record.logger != "Fleet-Watch") {
+            return;
+        }
+        const std::lock_guard lock(mutex);
+        lost += record.level == ZelLogLevel::Warning ? 1 : -1;
+        changed.notify_all();
+    }
+
+    /// Returns false on timeout.
+    bool waitFor(std::size_t count) {
+        std::unique_lock lock(mutex);
+        return changed.wait_for(lock, patience, [&] { return lost == static_cast<std::ptrdiff_t>(count); });
+    }
+
+private:
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::ptrdiff_t lost = 0;
+};
+
 class FleetCluster : public testing::Test {
 protected:
     void SetUp() override {
+        zel::logging::addSink(lostClients);
         if (const auto reason = EtcdCluster::whyUnavailable(); !reason.empty()) {
             GTEST_SKIP() << reason;
         }
@@ -27,7 +58,10 @@ protected:
         }
     }
 
-    void TearDown() override { clients.clear(); }
+    void TearDown() override {
+        clients.clear();
+        zel::logging::removeSink(lostClients);
+    }
 
     /// Writes the value. A member may be gone and no leader elected, so it tries again for a while.
     void put(const std::string& key, const std::string& value) const {
@@ -50,6 +84,7 @@ protected:
         });
     }
 
+    const std::shared_ptr<LostClients> lostClients = std::make_shared<LostClients>();
     std::unique_ptr<EtcdCluster> cluster;
     std::vector<std::unique_ptr<Client>> clients;
 };
@@ -95,12 +130,29 @@ TEST_F(FleetCluster, ClientsKeepTheirSettingsWhileTheClusterHasNoMajority) {
     EXPECT_TRUE(allReach({{L"Key", L"before"}}));
     cluster->kill(0);
     cluster->kill(1);
+    EXPECT_TRUE(lostClients->waitFor(clientCount));
     for (const auto& client : clients) {
         EXPECT_EQ(client->observer.getLatest(), (ConfigMap{{L"Key", L"before"}}));
     }
     cluster->restartTogether({0, 1});
     put("Key", "after");
     EXPECT_TRUE(allReach({{L"Key", L"after"}}));
+}
+
+TEST_F(FleetCluster, ClientReadsAsMuchAsTheLimitsAllow) {
+    clients.clear();
+    ConfigMap expected;
+    std::size_t bytes = 0;
+    for (std::size_t number = 0; number < fleet::FleetTable::maxKeys; ++number) {
+        const auto key = "Key" + std::to_string(10000 + number);
+        const std::string value(fleet::FleetTable::maxBytes / fleet::FleetTable::maxKeys - key.size(), 'x');
+        put(key, value);
+        bytes += key.size() + value.size();
+        expected[KyrCoreUtils::toWideString(key)] = KyrCoreUtils::toWideString(value);
+    }
+    EXPECT_GT(bytes, fleet::FleetTable::maxBytes - 16384);
+    clients.push_back(std::make_unique<Client>(cluster->getAccess()));
+    EXPECT_TRUE(allReach(expected));
 }
 
 TEST_F(FleetCluster, WipedMemberServesTheClientsAgain) {

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <csignal>
+#include <tuple>
 
 namespace fleet_test {
 namespace {
@@ -88,33 +89,85 @@ TEST_F(FleetCommand, RefusesPlainHttpUnlessItIsAllowed) {
     EXPECT_NE(result.output.find("--plain-http"), std::string::npos) << result.output;
 }
 
-TEST_F(FleetCommand, WatchPrintsEachChangeUntilASignalArrives) {
+TEST_F(FleetCommand, UnsetRemovesAKeyFromAClusterThatHoldsTooMuchToBeRead) {
     EtcdCluster cluster;
-    const auto [process, pipe] = spawnProgram(PROGRAM, {"fleet", "watch", "--user", "ada", "--plain-http", "--endpoint",
-                                                        cluster.getAccess().endpoints.front()});
-    std::string output;
-    const auto readUntil = [&, end = pipe](const std::string& text) {
+    constexpr std::size_t keys = 50; // 67 MiB in the messages of the gateway
+    for (std::size_t key = 0; key < keys; ++key) {
+        cluster.put("/lumora/fleet/all/Key" + std::to_string(key), std::string(std::size_t{1} << 20U, 'x'));
+    }
+    EXPECT_EQ(run(cluster, {"list"}).code, 3);
+    EXPECT_EQ(run(cluster, {"unset", "Key0"}).code, 0);
+    EXPECT_EQ(cluster.control({"get", "/lumora/fleet/all/Key0"}), "");
+}
+
+/// "lumora-config fleet watch" for the user "ada".
+class RunningWatch {
+public:
+    explicit RunningWatch(const EtcdCluster& cluster) {
+        std::tie(process, pipe) = spawnProgram(PROGRAM, {"fleet", "watch", "--user", "ada", "--plain-http",
+                                                         "--endpoint", cluster.getAccess().endpoints.front()});
+    }
+    ~RunningWatch() { ::close(pipe); }
+    RunningWatch(const RunningWatch&) = delete;
+    RunningWatch& operator=(const RunningWatch&) = delete;
+
+    /// Reads until the output contains the text. Returns false if the program ends before.
+    bool readUntil(const std::string& text) {
         std::array<char, 512> buffer{};
         while (output.find(text) == std::string::npos) {
-            const auto count = ::read(end, buffer.data(), buffer.size());
+            const auto count = ::read(pipe, buffer.data(), buffer.size());
             if (count <= 0) {
                 return false;
             }
             output.append(buffer.data(), static_cast<std::size_t>(count));
         }
         return true;
-    };
-    EXPECT_TRUE(readUntil("watching a client with 0 settings"));
+    }
+    const std::string& getOutput() const { return output; }
+    int interrupt() const { return endProgram(process, SIGINT); }
+
+private:
+    pid_t process = -1;
+    int pipe = -1;
+    std::string output;
+};
+
+TEST_F(FleetCommand, WatchPrintsEachChangeUntilASignalArrives) {
+    EtcdCluster cluster;
+    RunningWatch watch(cluster);
+    EXPECT_TRUE(watch.readUntil("watching a client with 0 settings"));
     cluster.put("/lumora/fleet/users/ada/Theme", "dark");
-    EXPECT_TRUE(readUntil("Theme: (none) -> \"dark\"\n")) << output;
+    EXPECT_TRUE(watch.readUntil("Theme: (none) -> \"dark\"\n")) << watch.getOutput();
     cluster.remove("/lumora/fleet/users/ada/Theme");
-    EXPECT_TRUE(readUntil("Theme: \"dark\" -> (none)\n")) << output;
+    EXPECT_TRUE(watch.readUntil("Theme: \"dark\" -> (none)\n")) << watch.getOutput();
     cluster.put("/lumora/fleet/users/ada/BDIConnectionPassword", "secret-1");
-    EXPECT_TRUE(readUntil("BDIConnectionPassword: (none) -> VALUE_HIDDEN\n")) << output;
+    EXPECT_TRUE(watch.readUntil("BDIConnectionPassword: (none) -> VALUE_HIDDEN\n")) << watch.getOutput();
     cluster.put("/lumora/fleet/users/ada/BDIConnectionPassword", "secret-2");
-    EXPECT_TRUE(readUntil("BDIConnectionPassword: VALUE_HIDDEN -> VALUE_HIDDEN\n")) << output;
-    EXPECT_EQ(endProgram(process, SIGINT), 0);
-    ::close(pipe);
+    EXPECT_TRUE(watch.readUntil("BDIConnectionPassword: VALUE_HIDDEN -> VALUE_HIDDEN\n")) << watch.getOutput();
+    EXPECT_EQ(watch.interrupt(), 0);
+}
+
+TEST_F(FleetCommand, WatchEndsIfTheClusterCannotBeRead) {
+    const auto unreachable = runProgram(PROGRAM, {"fleet", "watch", "--endpoint", "https://127.0.0.1:1"});
+    EXPECT_EQ(unreachable.code, 3);
+    EXPECT_NE(unreachable.output.find("lumora-config: "), std::string::npos) << unreachable.output;
+    const EtcdCluster cluster({.authentication = true});
+    const auto withoutUser = run(cluster, {"watch"});
+    EXPECT_EQ(withoutUser.code, 3);
+    EXPECT_NE(withoutUser.output.find("user name is empty"), std::string::npos) << withoutUser.output;
+}
+
+TEST_F(FleetCommand, WatchPrintsSkippedKeysAndFailuresOfTheCluster) {
+    EtcdCluster cluster;
+    RunningWatch watch(cluster);
+    EXPECT_TRUE(watch.readUntil("watching a client with 0 settings"));
+    cluster.put("/lumora/fleet/all/two words", "1");
+    EXPECT_TRUE(watch.readUntil("is skipped")) << watch.getOutput();
+    cluster.kill(0);
+    EXPECT_TRUE(watch.readUntil("The cluster cannot be followed")) << watch.getOutput();
+    cluster.restart(0);
+    EXPECT_TRUE(watch.readUntil("The cluster can be followed again")) << watch.getOutput();
+    EXPECT_EQ(watch.interrupt(), 0);
 }
 
 } // namespace

@@ -1,7 +1,6 @@
 // Starts a client on a profile, and prints the milliseconds from the start of main() to its first answer, how many of
-// them loading the fleet's plug-in took, and the answer: fleet_start PROFILE without|with|background [VALUE]. "with"
-// loads and starts that plug-in before the answer, "background" in a task of the background dispatcher. With a value,
-// the program then waits until the record has it.
+// them loading the fleet's plug-in took, and the answer: fleet_start PROFILE without|with [VALUE]. "with" loads and
+// starts that plug-in before the answer. With a value, the program then waits until the record has it.
 #include <kyr/FileUtils.h>
 #include <kyr/FunctionTask.h>
 #include <kyr/StringUtils.h>
@@ -54,9 +53,13 @@ struct Answer {
     std::wstring value;
 };
 
-void loadFleet(UnifiedFactory& factory) {
+/// Loads and starts the fleet's plug-in. Returns the milliseconds that loading it took.
+double loadFleet(UnifiedFactory& factory) {
+    const auto began = Clock::now();
     factory.getFeatureSetByType<FleetService>();
+    const auto loadTime = millisecondsSince(began);
     factory.StartFeatureSet(FleetService::fleetServiceId, nullptr);
+    return loadTime;
 }
 
 Answer start(UnifiedFactoryImpl& factory, const std::string& mode) {
@@ -66,12 +69,7 @@ Answer start(UnifiedFactoryImpl& factory, const std::string& mode) {
         factory.getServiceByType<ConfigService>();
         factory.StartFeatureSet(configServiceId, nullptr);
         if (mode == "with") {
-            const auto began = Clock::now();
-            factory.getFeatureSetByType<FleetService>();
-            answer.loadTime = millisecondsSince(began);
-            factory.StartFeatureSet(FleetService::fleetServiceId, nullptr);
-        } else if (mode == "background") {
-            factory.getBackgroundDispatcher()->enqueue([&factory] { loadFleet(factory); }, "load");
+            answer.loadTime = loadFleet(factory);
         }
         answer.value = factory.getServiceByType<ConfigService>()->getConfig(L"Theme")->getValue();
     });
@@ -105,7 +103,6 @@ void run(const std::vector<std::string>& arguments) {
     const auto answer = start(*factory, mode);
     std::printf("%.3f %.3f %s\n", millisecondsSince(began), answer.loadTime,
                 KyrCoreUtils::toString(answer.value).c_str());
-    factory->flushBackgroundDispatcher();
     if (mode != "without" && !factory->IsFeatureSetStarted(FleetService::fleetServiceId)) {
         throw std::runtime_error("the fleet's plug-in does not start");
     }

@@ -1,5 +1,6 @@
 #include "SimulatedFleet.h"
 
+#include "FleetHost.h"
 #include "FleetScope.h"
 #include "PatientWriter.h"
 
@@ -56,7 +57,9 @@ void SimulatedFleet::onServices(const std::function<void()>& work) const {
 
 void SimulatedFleet::addClients(std::size_t count) {
     for (std::size_t number = 0; number < count; ++number) {
-        writeDefaults(getUser(number));
+        // Each client reads the file once.
+        FleetHost::writeDefaults(profile.resources(), cluster.getAccess(),
+                                 {{"FleetUser", getUser(number)}, {"FleetGroups", "nurses"}});
         onServices([&] {
             auto client = std::make_unique<SimulatedClient>(host);
             client->observe(KyrCoreUtils::toWideString(barrierKey),
@@ -64,20 +67,6 @@ void SimulatedFleet::addClients(std::size_t count) {
             clients.push_back(std::move(client));
         });
     }
-}
-
-void SimulatedFleet::writeDefaults(const std::string& user) const {
-    const auto row = [](const std::string& key, const std::string& value) {
-        return "<userConfig name=\"" + key + "\" value=\"" + value + "\"/>\n";
-    };
-    std::string endpoints;
-    for (const auto& endpoint : cluster.getAccess().endpoints) {
-        endpoints += (endpoints.empty() ? "" : ",") + endpoint;
-    }
-    testing_host::writeFile(profile.resources() / "lumora-config-defaults.xml",
-                            "<Lumora>\n" + row("FleetUser", user) + row("FleetGroups", "nurses") +
-                                row("FleetEndpoints", endpoints) + row("FleetPlainHttpAllowed", "true") +
-                                "</Lumora>\n");
 }
 
 void SimulatedFleet::checkUsers() const {

@@ -35,8 +35,6 @@ public:
 private:
     void onServices(const std::function<void()>& work) const;
     void addClients(std::size_t count);
-    /// Writes the defaults file, which each client reads once, for one user.
-    void writeDefaults(const std::string& user) const;
     /// Throws unless each client follows its own user's settings.
     void checkUsers() const;
 

@@ -156,8 +156,9 @@ void addFleet(CLI::App& app, Command& command) {
         fleet->add_option(name, values, help)->type_name(type)->allow_extra_args(false);
     };
     addTexts("--endpoint", options.endpoints, "A member of the cluster, https://HOST:PORT", "URL");
-    addTexts("--group", options.groups, "This group instead of everybody; the first one wins", "NAME");
-    addText("--user", options.user, "This user instead of everybody", "NAME");
+    addTexts("--group", options.groups,
+             "This group instead of everybody; for list and watch also this group, the first one wins", "NAME");
+    addText("--user", options.user, "This user instead of everybody; for list and watch also this user", "NAME");
     addText("--authority", options.authority, "The certificate authorities of the members", "FILE");
     addText("--certificate", options.clientCertificate, "A certificate for the members", "FILE");
     addText("--certificate-key", options.clientKey, "Its private key", "FILE");

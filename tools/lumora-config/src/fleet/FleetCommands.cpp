@@ -1,5 +1,6 @@
 #include "FleetCommands.h"
 
+#include "FleetLogPrinter.h"
 #include "FleetPlugin.h"
 #include "commands/CommandInput.h"
 #include "output/EscapedText.h"
@@ -171,13 +172,12 @@ void set(const Action& action) {
 void unset(const Action& action) {
     requireWords(action.command, true, false);
     const auto audience = getOneAudience(action.command.fleet);
-    const auto existing = findPairs(action, audience);
-    if (existing.empty()) {
-        throwMiss(action, audience);
-    }
-    const auto exact = std::ranges::find(existing, action.command.key, &FleetPair::key);
-    if (!action.cluster.remove(audience, exact == existing.end() ? existing.back().key : exact->key)) {
-        throwMiss(action, audience);
+    // The exact spelling first: this also works if the cluster holds too much to be read.
+    if (!action.cluster.remove(audience, action.command.key)) {
+        const auto existing = findPairs(action, audience);
+        if (existing.empty() || !action.cluster.remove(audience, existing.back().key)) {
+            throwMiss(action, audience);
+        }
     }
     action.printer.showDone("fleet", "removed from '" + describe(audience) + "'");
 }
@@ -227,8 +227,11 @@ void showChanges(const ConfigMap& before, const ConfigMap& after, bool showSecre
 
 void watch(const Action& action) {
     requireWords(action.command, false, false);
+    const auto audiences = getAudiences(action.command.fleet);
+    action.cluster.list(audiences); // throws if the cluster cannot be read; the watch would try again for ever
+    const FleetLogPrinter log(action.printer);
     std::optional<ConfigMap> last; // of the plug-in's thread
-    action.cluster.watch(getAudiences(action.command.fleet), [&last, &action](ConfigMap settings) {
+    action.cluster.watch(audiences, [&last, &action](ConfigMap settings) {
         if (last) {
             showChanges(*last, settings, action.showSecrets, action.printer);
         } else {

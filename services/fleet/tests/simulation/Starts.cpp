@@ -1,0 +1,100 @@
+#include "Starts.h"
+
+#include "EtcdCluster.h"
+#include "FleetHost.h"
+#include "FleetScope.h"
+#include "Percentile.h"
+#include "ProgramRun.h"
+
+#include <TemporaryProfile.h>
+
+#include <cstdio>
+#include <sstream>
+#include <stdexcept>
+#include <utility>
+
+namespace fleet_test {
+
+namespace {
+
+constexpr const char* lastValue = "last";
+
+/// Runs the program that starts one client. Returns what it prints.
+std::string runClient(const std::vector<std::string>& arguments) {
+    const auto result = runProgram(START_PROGRAM, arguments);
+    if (result.code != 0) {
+        throw std::runtime_error("a client does not start: " + result.output);
+    }
+    return result.output;
+}
+
+/// What one start has printed.
+struct Start {
+    double time = 0; ///< Until the first answer, in milliseconds.
+    double loadTime = 0;
+    std::string value;
+};
+
+Start start(const std::string& profile, const std::string& mode) {
+    const auto output = runClient({profile, mode});
+    std::istringstream words(output);
+    Start measured;
+    words >> measured.time >> measured.loadTime >> measured.value;
+    if (!words) {
+        throw std::runtime_error("a client prints no times: " + output);
+    }
+    return measured;
+}
+
+void measure(const std::string& profile, const std::string& clusterState, StartResult& result) {
+    StartTimes times{clusterState, {}, {}, {}};
+    for (std::size_t count = 0; count < result.starts; ++count) {
+        const auto without = start(profile, "without");
+        const auto with = start(profile, "with");
+        times.without.push_back(without.time);
+        times.with.push_back(with.time);
+        times.load.push_back(with.loadTime);
+        for (const auto* measured : {&without, &with}) {
+            result.wrong += measured->value == lastValue ? 0 : 1;
+        }
+    }
+    result.states.push_back(std::move(times));
+}
+
+} // namespace
+
+StartResult measureStarts(std::size_t starts) {
+    StartResult result;
+    result.starts = starts;
+    const testing_host::TemporaryProfile profile;
+    EtcdCluster cluster;
+    FleetHost::writeDefaults(profile.resources(), cluster.getAccess());
+    cluster.put(fleet::FleetScope::ofAll().prefix + "Theme", lastValue);
+    runClient({profile.root(), "with", lastValue});
+    measure(profile.root(), "answers", result);
+    cluster.suspend(0);
+    measure(profile.root(), "is silent", result);
+    cluster.kill(0);
+    measure(profile.root(), "is gone", result);
+    return result;
+}
+
+std::string findFault(const StartResult& result) {
+    return result.wrong == 0 ? ""
+                             : "starts that have not answered with the last value: " + std::to_string(result.wrong);
+}
+
+void print(const StartResult& result) {
+    std::puts("| the cluster | starts | without the plug-in, p50 ms | longest ms | with it, p50 ms | longest ms "
+              "| difference, p50 ms | of that loading it, p50 ms | with the last value |\n"
+              "| --- | ---: | ---: | ---: | ---: | ---: | ---: | ---: | --- |");
+    for (const auto& times : result.states) {
+        const auto without = getPercentile(times.without, 0.5);
+        const auto with = getPercentile(times.with, 0.5);
+        std::printf("| %s | %zu | %.1f | %.1f | %.1f | %.1f | %+.1f | %.1f | %s |\n", times.cluster.c_str(),
+                    result.starts, without, getPercentile(times.without, 1), with, getPercentile(times.with, 1),
+                    with - without, getPercentile(times.load, 0.5), result.wrong == 0 ? "all" : "not all");
+    }
+}
+
+} // namespace fleet_test

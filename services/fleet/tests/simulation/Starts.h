@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace fleet_test {
+
+/// The milliseconds of the starts while the cluster is in one state.
+struct StartTimes {
+    std::string cluster;
+    std::vector<double> without; ///< Without the fleet's plug-in.
+    std::vector<double> with;
+    std::vector<double> load; ///< The part of `with` that loading the plug-in took.
+};
+
+/// The starts of single clients.
+struct StartResult {
+    std::size_t starts = 0; ///< In each state and of each kind.
+    std::vector<StartTimes> states;
+    std::size_t wrong = 0; ///< Starts that have not answered with the last value.
+};
+
+/// Measures the start of a client, in a process of its own each time, until it has answered, with and without the
+/// fleet's plug-in, while the cluster answers, is silent, and is gone. Throws std::runtime_error if a client cannot be
+/// started.
+StartResult measureStarts(std::size_t starts);
+
+/// Returns "" if every start has answered with the last value, otherwise what went wrong.
+std::string findFault(const StartResult& result);
+void print(const StartResult& result);
+
+} // namespace fleet_test
