@@ -325,6 +325,8 @@ void EtcdCluster::replace() {
 
 void EtcdCluster::suspend(std::size_t member) const {
     members.at(member)->kill(SIGSTOP);
+    // kill() returns before all threads of the member have stopped.
+    ::waitpid(getProcess(member), nullptr, WUNTRACED);
 }
 
 void EtcdCluster::resume(std::size_t member) const {
