@@ -20,6 +20,15 @@ using ZelUnified::ConfigMap;
 constexpr std::size_t keyCount = 1000;
 constexpr int timesInRound = 5;
 
+ConfigMap makeValues() {
+    bench::SyntheticKeys generator(20240229);
+    ConfigMap made;
+    for (auto& key : generator.makeKeys(keyCount)) {
+        made.emplace(std::move(key), generator.makeValue());
+    }
+    return made;
+}
+
 /// A service with the keys in the user's file. Each write gives every key another value.
 class Subjects {
 public:
@@ -50,15 +59,6 @@ public:
     }
 
 private:
-    static ConfigMap makeValues() {
-        bench::SyntheticKeys generator(20240229);
-        ConfigMap made;
-        for (auto& key : generator.makeKeys(keyCount)) {
-            made.emplace(std::move(key), generator.makeValue());
-        }
-        return made;
-    }
-
     void changeValues() {
         for (auto& [key, value] : values) {
             value.back() = value.back() == L'0' ? L'1' : L'0';

@@ -149,11 +149,10 @@ std::vector<std::string> followTwice(ScriptedMember::Script script, fleet::Fleet
     access.plainHttpAllowed = true;
     access.username = std::move(username);
     testing_host::Signal triedAgain;
-    std::size_t attempts = 0; // of the follower's thread
     {
         const fleet::FleetFollower follower(
             makeSettings(access), times, [](const ConfigMap&) {},
-            [&] {
+            [&triedAgain, attempts = std::size_t{0}]() mutable {
                 if (++attempts == 2) {
                     triedAgain.set();
                 }
@@ -254,10 +253,9 @@ TEST_F(FleetWatch, ReportsAUserWithoutRights) {
     const testing_host::LogRecorder log;
     auto settings = makeSettings(access);
     testing_host::Signal triedAgain;
-    std::size_t attempts = 0; // of the follower's thread
     const fleet::FleetFollower follower(
         std::move(settings), shortTimes(), [](const ConfigMap&) {},
-        [&] {
+        [&triedAgain, attempts = std::size_t{0}]() mutable {
             if (++attempts == 4) {
                 triedAgain.set();
             }

@@ -105,8 +105,8 @@ History ConcurrentService::run(const Script& script) {
     }
     std::sort(history.events.begin(), history.events.end(),
               [](const auto& a, const auto& b) { return a.start < b.start; });
-    history.posted = assignToEvents(history.events, factory->services->queue);
-    history.background = assignToEvents(history.events, factory->background->queue);
+    history.posted = assignToEvents(history.events, factory->servicesDispatcher->queue);
+    history.background = assignToEvents(history.events, factory->backgroundDispatcher->queue);
     history.end = describeEnd();
     return history;
 }
@@ -122,12 +122,12 @@ void ConcurrentService::runScript(const Script& script) {
     recorded.resize(script.threads.size());
     threadIds.resize(script.threads.size());
     for (const auto& call : script.before) {
-        record(0, call);
+        performAndRecord(0, call);
     }
     while (runOneBackground(0)) {
     }
     recorded[0].clear();
-    factory->background->queue.forget();
+    factory->backgroundDispatcher->queue.forget();
 
     std::latch begin(static_cast<std::ptrdiff_t>(script.threads.size()));
     std::atomic<std::size_t> running = script.threads.size() - 1;
@@ -137,7 +137,7 @@ void ConcurrentService::runScript(const Script& script) {
             begin.arrive_and_wait();
             runOtherThread(thread, script.threads[thread]);
             if (--running == 0) {
-                factory->services->queue.close();
+                factory->servicesDispatcher->queue.close();
             }
         });
         threadIds[thread] = threads.back().get_id();
@@ -154,7 +154,7 @@ void ConcurrentService::runScript(const Script& script) {
 
 void ConcurrentService::runOtherThread(std::size_t thread, const std::vector<Call>& calls) {
     for (const auto& call : calls) {
-        record(thread, call);
+        performAndRecord(thread, call);
         if (thread == 1) {
             runOneBackground(thread);
         }
@@ -163,17 +163,17 @@ void ConcurrentService::runOtherThread(std::size_t thread, const std::vector<Cal
 
 void ConcurrentService::runServicesThread(const std::vector<Call>& calls) {
     for (const auto& call : calls) {
-        record(0, call);
+        performAndRecord(0, call);
         runOnePosted();
     }
-    while (factory->services->queue.wait()) {
+    while (factory->servicesDispatcher->queue.wait()) {
         runOnePosted();
     }
 }
 
 bool ConcurrentService::runOnePosted() {
     Call call{.kind = Kind::RunPosted};
-    const auto task = factory->services->queue.take(call.position);
+    const auto task = factory->servicesDispatcher->queue.take(call.position);
     if (!task) {
         return false;
     }
@@ -186,7 +186,7 @@ bool ConcurrentService::runOnePosted() {
 bool ConcurrentService::runOneBackground(std::size_t thread) {
     std::size_t position = 0;
     const auto start = ++clock;
-    const auto task = factory->background->queue.take(position);
+    const auto task = factory->backgroundDispatcher->queue.take(position);
     if (!task) {
         return false;
     }
@@ -197,7 +197,7 @@ bool ConcurrentService::runOneBackground(std::size_t thread) {
     return true;
 }
 
-void ConcurrentService::record(std::size_t thread, const Call& call) {
+void ConcurrentService::performAndRecord(std::size_t thread, const Call& call) {
     const auto start = ++clock;
     auto answer = perform(call);
     const auto end = ++clock;

@@ -41,7 +41,7 @@ private:
     void runServicesThread(const std::vector<Call>& calls);
     bool runOnePosted();
     bool runOneBackground(std::size_t thread);
-    void record(std::size_t thread, const Call& call);
+    void performAndRecord(std::size_t thread, const Call& call);
     std::string perform(const Call& call);
     std::string performLifecycle(const Call& call);
     std::string readRecord(const std::wstring& key);

@@ -13,11 +13,15 @@ class HistoryFactory final : public testing_host::RecordingFactory {
 public:
     explicit HistoryFactory(HistoryClock& clock);
 
-    std::shared_ptr<ZelUnified::Processing::ServicesDispatcher> getServicesDispatcher() override { return services; }
-    std::shared_ptr<ZelUnified::Processing::TaskDispatcher> getBackgroundDispatcher() override { return background; }
+    std::shared_ptr<ZelUnified::Processing::ServicesDispatcher> getServicesDispatcher() override {
+        return servicesDispatcher;
+    }
+    std::shared_ptr<ZelUnified::Processing::TaskDispatcher> getBackgroundDispatcher() override {
+        return backgroundDispatcher;
+    }
 
-    const std::shared_ptr<RecordingServicesDispatcher> services;
-    const std::shared_ptr<RecordingTaskDispatcher> background;
+    const std::shared_ptr<RecordingServicesDispatcher> servicesDispatcher;
+    const std::shared_ptr<RecordingTaskDispatcher> backgroundDispatcher;
 };
 
 } // namespace config_model
