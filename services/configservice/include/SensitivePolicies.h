@@ -30,9 +30,9 @@ inline void markSensitivePolicies(ConfigFeatureSet& featureSet) {
     }
 }
 
-/// Marks the keys of the catalogue that only the service that reads them marks (`KeyRow::markedByService`): the profile
-/// may contain their values although the plug-in of that service is not installed. Also calls markSensitivePolicies().
-/// A host or a service that shows values calls this function before. Any thread.
+/// Marks the keys with `KeyRow::markedByService`: the profile may contain their values although the service that marks
+/// them is not installed. Also calls markSensitivePolicies(). A host or a service calls it before it shows values. Any
+/// thread.
 inline void markSensitiveKeys(ConfigFeatureSet& featureSet) {
     for (const auto& row : ConfigKeys::keys) {
         if (row.markedByService) {

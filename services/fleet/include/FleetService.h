@@ -11,8 +11,9 @@ namespace ZelUnified {
 /// service. Does nothing while no endpoint is configured.
 ///
 /// A host loads it by this type like every service, and starts it with UnifiedFactory::StartFeatureSet() after the
-/// configuration service. Stop the configuration service with UnifiedFactory::StopFeatureSet() only, which works on the
-/// services thread: there, this service waits for the configuration's lock. Any thread.
+/// configuration service. Stop the configuration service only with UnifiedFactory::StopFeatureSet(), which stops it
+/// on the services thread. A stop on another thread holds the configuration's lock while it waits for that thread,
+/// where this service may be waiting for the lock. Any thread.
 class FLEET_SERVICE_API FleetService : public FeatureSet {
 public:
     /// Lower than the number of the configuration service, so that the host stops and destroys this service first.

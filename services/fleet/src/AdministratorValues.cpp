@@ -94,8 +94,10 @@ void AdministratorValues::update(ZelUnified::ConfigFeatureSet& configuration) {
     }
     // The policy does not come from its store, so a copy that has replaced the store does not hide it.
     const std::string policy(ConfigKeys::registryConfigStore);
-    if (configuration.getConfigStoreByName(policy)) {
-        sources[policy] = {{}, policyPriority, readPolicy()};
+    auto& source = sources[policy];
+    const auto store = configuration.getConfigStoreByName(policy);
+    if (store && store != source.store.lock()) {
+        source = {store, policyPriority, readPolicy()};
     }
 }
 

@@ -27,8 +27,7 @@ public:
     /// Returns the registry of this machine without the user's files.
     static std::shared_ptr<zel::registry::Registry> openRegistry();
 
-    /// Reads the policy, unless its store is absent, and each other store that is in the chain and that is not the one
-    /// that was read last.
+    /// Reads each store that is in the chain and that is not the one that was read last.
     void update(ZelUnified::ConfigFeatureSet& configuration);
     /// Returns the value of the store that wins; "" if none contains the key.
     std::wstring get(std::wstring_view key) const;

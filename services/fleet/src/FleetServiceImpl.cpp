@@ -167,21 +167,20 @@ void FleetServiceImpl::follow(const FleetSettings& current) {
         settings = current;
         return;
     }
-    ZelLog(serviceLogger, ZelLogLevel::Info, ZEL_HERE,
-           "Following a cluster with " + std::to_string(current.access.endpoints.size()) + " endpoint(s)");
     auto made = beginToFollow(
         current, times, [this](ZelUnified::ConfigMap values) { receive(std::move(values)); },
         [this] { post("Fleet: update", &FleetServiceImpl::update); });
     settings = current; // not before the watch exists: without one, the next review tries again
+    ZelLog(serviceLogger, ZelLogLevel::Info, ZEL_HERE,
+           "Following a cluster with " + std::to_string(current.access.endpoints.size()) + " endpoint(s)");
     const KyrCoreUtils::LockGuard lock(mutex);
     follower = std::move(made);
 }
 
 void FleetServiceImpl::removeStore() {
-    // The removal of a live store removes its copy too, but that of a copy leaves the file behind.
-    if (!store) {
-        store = std::make_shared<FleetConfigStore>(FleetSettings::defaultPriority, ZelUnified::ConfigMap());
-    }
+    // The removal of a live store removes its copy too, but that of a copy leaves the file behind. The store is empty,
+    // so that its values are not in force again for a moment.
+    store = std::make_shared<FleetConfigStore>(FleetSettings::defaultPriority, ZelUnified::ConfigMap());
     addStoreIfMissing();
     configuration->removeConfigStore(storeName);
     store.reset();

@@ -28,9 +28,9 @@ namespace fleet {
 ///
 /// After the chain has dropped or rebuilt stores (a stop, a refresh, a reset), it adds stores and announces each. The
 /// service then reads its own settings again, follows another cluster if they have changed, and adds its store again if
-/// it is missing. A start may add no store, so the watch asks regularly whether the store is missing, and a timer asks
-/// while there may be no watch yet: the configuration is stopped, or the watch could not begin. All of this runs on the
-/// services thread.
+/// it is missing. A start may add no store, so the watch asks regularly whether the store is missing, and a timer
+/// repeats the review if the configuration was stopped or the watch could not begin. All of this runs on the services
+/// thread.
 class FleetServiceImpl final : public ZelUnified::FleetService,
                                public ZelUnified::FeatureSetAdapter,
                                public ZelUnified::ConfigStoreAddedObserver,

@@ -157,8 +157,8 @@ void addFleet(CLI::App& app, Command& command) {
     };
     addTexts("--endpoint", options.endpoints, "A member of the cluster, https://HOST:PORT", "URL");
     addTexts("--group", options.groups,
-             "This group instead of everybody; for list and watch also this group, the first one wins", "NAME");
-    addText("--user", options.user, "This user instead of everybody; for list and watch also this user", "NAME");
+             "Only this group; list and watch: everybody and this group, of which the first named wins", "NAME");
+    addText("--user", options.user, "Only this user; list and watch: everybody and this user", "NAME");
     addText("--authority", options.authority, "The certificate authorities of the members", "FILE");
     addText("--certificate", options.clientCertificate, "A certificate for the members", "FILE");
     addText("--certificate-key", options.clientKey, "Its private key", "FILE");

@@ -105,8 +105,8 @@ History ConcurrentService::run(const Script& script) {
     }
     std::sort(history.events.begin(), history.events.end(),
               [](const auto& a, const auto& b) { return a.start < b.start; });
-    history.posted = assignToEvents(history.events, factory->servicesDispatcher->queue);
-    history.background = assignToEvents(history.events, factory->backgroundDispatcher->queue);
+    history.posted = assignToEvents(history.events, factory->recordedServices->queue);
+    history.background = assignToEvents(history.events, factory->recordedBackground->queue);
     history.end = describeEnd();
     return history;
 }
@@ -127,7 +127,7 @@ void ConcurrentService::runScript(const Script& script) {
     while (runOneBackground(0)) {
     }
     recorded[0].clear();
-    factory->backgroundDispatcher->queue.forget();
+    factory->recordedBackground->queue.forget();
 
     std::latch begin(static_cast<std::ptrdiff_t>(script.threads.size()));
     std::atomic<std::size_t> running = script.threads.size() - 1;
@@ -137,7 +137,7 @@ void ConcurrentService::runScript(const Script& script) {
             begin.arrive_and_wait();
             runOtherThread(thread, script.threads[thread]);
             if (--running == 0) {
-                factory->servicesDispatcher->queue.close();
+                factory->recordedServices->queue.close();
             }
         });
         threadIds[thread] = threads.back().get_id();
@@ -166,14 +166,14 @@ void ConcurrentService::runServicesThread(const std::vector<Call>& calls) {
         performAndRecord(0, call);
         runOnePosted();
     }
-    while (factory->servicesDispatcher->queue.wait()) {
+    while (factory->recordedServices->queue.wait()) {
         runOnePosted();
     }
 }
 
 bool ConcurrentService::runOnePosted() {
     Call call{.kind = Kind::RunPosted};
-    const auto task = factory->servicesDispatcher->queue.take(call.position);
+    const auto task = factory->recordedServices->queue.take(call.position);
     if (!task) {
         return false;
     }
@@ -186,7 +186,7 @@ bool ConcurrentService::runOnePosted() {
 bool ConcurrentService::runOneBackground(std::size_t thread) {
     std::size_t position = 0;
     const auto start = ++clock;
-    const auto task = factory->backgroundDispatcher->queue.take(position);
+    const auto task = factory->recordedBackground->queue.take(position);
     if (!task) {
         return false;
     }

@@ -14,14 +14,14 @@ public:
     explicit HistoryFactory(HistoryClock& clock);
 
     std::shared_ptr<ZelUnified::Processing::ServicesDispatcher> getServicesDispatcher() override {
-        return servicesDispatcher;
+        return recordedServices;
     }
     std::shared_ptr<ZelUnified::Processing::TaskDispatcher> getBackgroundDispatcher() override {
-        return backgroundDispatcher;
+        return recordedBackground;
     }
 
-    const std::shared_ptr<RecordingServicesDispatcher> servicesDispatcher;
-    const std::shared_ptr<RecordingTaskDispatcher> backgroundDispatcher;
+    const std::shared_ptr<RecordingServicesDispatcher> recordedServices;
+    const std::shared_ptr<RecordingTaskDispatcher> recordedBackground;
 };
 
 } // namespace config_model
