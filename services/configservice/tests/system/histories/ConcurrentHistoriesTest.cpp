@@ -24,7 +24,7 @@ std::uint32_t readNumber(const char* name, std::uint32_t fallback) {
     return text == nullptr ? fallback : static_cast<std::uint32_t>(std::strtoul(text, nullptr, 10));
 }
 
-/// Makes the calls of the seed and returns what is wrong with them.
+/// Makes the calls that this random number determines, and returns what is wrong with them.
 std::string checkHistory(std::uint32_t seed) {
     const testing_host::Watchdog watchdog(std::chrono::seconds(110));
     const auto script = makeScript(seed);

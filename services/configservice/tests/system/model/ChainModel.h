@@ -69,7 +69,7 @@ public:
     /// Called when a store is persisted, to write the store's file.
     std::function<void(ModelStore&)> persisted;
 
-    /// A background task: `store` is persisted, or an observer is told the name of a store that arrived.
+    /// A background task. It persists `store`, or tells an observer the name of a store that arrived.
     struct Task {
         std::string name;
         Store store;
