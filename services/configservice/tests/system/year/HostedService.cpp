@@ -92,8 +92,9 @@ private:
     const std::wstring key;
 };
 
-HostedService::HostedService() {
+HostedService::HostedService(const Pairs& shippedDefaults) {
     setFipsMode(false);
+    setDefaults(shippedDefaults);
     setDiskThatFillsUp(false);
 }
 

@@ -33,7 +33,7 @@ FolderContent readFolder(const std::filesystem::path& folder);
 /// restart is a new host; between runs there is none. Only one object at a time.
 class HostedService final : public config_model::Service {
 public:
-    HostedService();
+    explicit HostedService(const config_model::Pairs& shippedDefaults);
     ~HostedService() override;
     HostedService(const HostedService&) = delete;
     HostedService& operator=(const HostedService&) = delete;

@@ -102,9 +102,9 @@ bool has(const ServiceModel::Files& files, const std::string& name) {
 
 SimulatedYear::SimulatedYear(std::uint32_t yearSeed, std::size_t days)
     : seed(yearSeed),
-      host(),
+      host(vocabulary::defaults),
       model(vocabulary::defaults),
-      onModel((host.setDefaults(vocabulary::defaults), model)),
+      onModel(model),
       onHost(host),
       profileCheck(host.getProfile()),
       usage(days) {
@@ -138,6 +138,7 @@ std::string SimulatedYear::playDay() {
 // The night.
 
 void SimulatedYear::liveThroughTheNight(ByteSource& bytes) {
+    host.setDiskThatFillsUp(false);
     if (bytes.oneIn(30)) {
         changeDefaults(bytes);
     }

@@ -21,9 +21,10 @@ void show(const SimulatedYear& year) {
         std::cout << count << " " << kind << "\n";
     }
     const auto& usages = year.getUsage().getUsages();
-    for (const auto* usage : {&usages.at(usages.size() / 10), &usages.back()}) {
-        std::cout << usage->heapBytes << " bytes of heap, " << usage->residentBytes << " resident, "
-                  << usage->fileDescriptors << " descriptors, " << usage->threads << " threads\n";
+    for (std::size_t day = usages.size() / 10; day < usages.size(); day += usages.size() / 5) {
+        const auto* usage = &usages.at(day);
+        std::cout << "day " << day + 1 << ": " << usage->heapBytes << " bytes of heap, " << usage->residentBytes
+                  << " resident, " << usage->fileDescriptors << " descriptors, " << usage->threads << " threads\n";
     }
     std::cout << "most files " << year.getProfileCheck().getMostFiles() << ", largest file "
               << year.getProfileCheck().getLargestFile() << " bytes\n";
