@@ -1,6 +1,7 @@
 #include "UsageCheck.h"
 
 #include <algorithm>
+#include <cstddef>
 
 namespace simulated_year {
 
@@ -8,12 +9,23 @@ using testing_host::ProcessUsage;
 
 namespace {
 
-/// Libraries that are loaded and caches that fill on the first days.
-constexpr std::size_t warmUpDays = 10;
-/// The days differ in the settings and policies that the model and the profile have at their end, by a few kilobytes.
-/// A leak of each day appears in the day that holds least.
-constexpr std::size_t heapTolerance = std::size_t{8} << 10;
+/// Fewer days differ too much: in the settings, policies and log lines that the model has at their end.
+constexpr std::size_t fewestDays = 200;
+/// A leak of each day appears in the day that holds least. Caches fill during the first part of the run.
+constexpr std::size_t parts = 4;
+constexpr std::size_t heapTolerance = std::size_t{32} << 10;
 constexpr std::size_t residentTolerance = std::size_t{2} << 20;
+
+using Member = std::size_t ProcessUsage::*;
+
+/// Returns the smallest value in one part of the days.
+std::size_t findLeast(const std::vector<ProcessUsage>& usages, std::size_t part, Member member) {
+    const std::size_t length = usages.size() / parts;
+    const auto begin = usages.begin() + static_cast<std::ptrdiff_t>(part * length);
+    const auto least = std::min_element(begin, begin + static_cast<std::ptrdiff_t>(length),
+                                        [member](const auto& a, const auto& b) { return a.*member < b.*member; });
+    return (*least).*member;
+}
 
 std::string compare(const std::string& what, std::size_t before, std::size_t after) {
     return what + " grew from " + std::to_string(before) + " to " + std::to_string(after);
@@ -37,29 +49,19 @@ std::vector<std::string> UsageCheck::measure() {
 
 std::vector<std::string> UsageCheck::findGrowth() const {
     std::vector<std::string> lines;
-    if (usages.size() < 4 * warmUpDays) {
+    if (usages.size() < fewestDays) {
         return lines;
     }
-    const auto begin = usages.begin() + warmUpDays;
-    const auto middle = begin + (usages.end() - begin) / 2;
-    const auto leastHeap = [](auto from, auto to) {
-        return std::min_element(from, to, [](const auto& a, const auto& b) { return a.heapBytes < b.heapBytes; })
-            ->heapBytes;
+    const auto expectFlat = [&](const std::string& what, Member member, std::size_t tolerance) {
+        const auto before = findLeast(usages, 1, member);
+        const auto after = findLeast(usages, parts - 1, member);
+        if (after > before + tolerance) {
+            lines.push_back(compare(what, before, after));
+        }
     };
-    const auto leastResident = [](auto from, auto to) {
-        return std::min_element(from, to,
-                                [](const auto& a, const auto& b) { return a.residentBytes < b.residentBytes; })
-            ->residentBytes;
-    };
-    const auto heapBefore = leastHeap(begin, middle);
-    const auto heapAfter = leastHeap(middle, usages.end());
-    if (heapAfter > heapBefore + heapTolerance) {
-        lines.push_back(compare("the heap", heapBefore, heapAfter));
-    }
-    const auto residentBefore = leastResident(begin, middle);
-    const auto residentAfter = leastResident(middle, usages.end());
-    if (!ProcessUsage::isInstrumented() && residentAfter > residentBefore + residentTolerance) {
-        lines.push_back(compare("resident memory", residentBefore, residentAfter));
+    expectFlat("the heap", &ProcessUsage::heapBytes, heapTolerance);
+    if (!ProcessUsage::isInstrumented()) {
+        expectFlat("resident memory", &ProcessUsage::residentBytes, residentTolerance);
     }
     return lines;
 }

@@ -14,9 +14,10 @@ public:
     /// The number of days is known in advance, because the check must not allocate while it measures.
     explicit UsageCheck(std::size_t days) { usages.reserve(days); }
 
-    /// Returns a line for each deviation from the first days: a descriptor or a thread more, or much more memory.
+    /// Returns a line if the number of descriptors or of threads differs from the first day.
     std::vector<std::string> measure();
-    /// Compares the later half of the days with the earlier one.
+    /// Returns a line if the memory of the last quarter of the days is larger than that of the second one. Returns
+    /// nothing for less than 200 days.
     std::vector<std::string> findGrowth() const;
 
     const std::vector<testing_host::ProcessUsage>& getUsages() const { return usages; }

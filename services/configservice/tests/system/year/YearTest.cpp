@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdlib>
 #include <iostream>
 
@@ -9,7 +11,7 @@ namespace simulated_year {
 
 namespace {
 
-constexpr std::size_t daysOfTheSuite = 100;
+constexpr std::size_t daysOfTheSuite = 200;
 
 std::size_t numberFrom(const char* variable, std::size_t otherwise) {
     const char* const text = std::getenv(variable);
@@ -21,10 +23,14 @@ void show(const SimulatedYear& year) {
         std::cout << count << " " << kind << "\n";
     }
     const auto& usages = year.getUsage().getUsages();
-    for (std::size_t day = usages.size() / 10; day < usages.size(); day += usages.size() / 5) {
-        const auto* usage = &usages.at(day);
-        std::cout << "day " << day + 1 << ": " << usage->heapBytes << " bytes of heap, " << usage->residentBytes
-                  << " resident, " << usage->fileDescriptors << " descriptors, " << usage->threads << " threads\n";
+    const std::size_t tenth = std::max<std::size_t>(usages.size() / 10, 1);
+    for (std::size_t from = 0; from + tenth <= usages.size(); from += tenth) {
+        const auto begin = usages.begin() + static_cast<std::ptrdiff_t>(from);
+        const auto least = std::min_element(begin, begin + static_cast<std::ptrdiff_t>(tenth),
+                                            [](const auto& a, const auto& b) { return a.heapBytes < b.heapBytes; });
+        std::cout << "from day " << from + 1 << ": at least " << least->heapBytes << " bytes of heap, "
+                  << least->residentBytes << " resident, " << least->fileDescriptors << " descriptors, "
+                  << least->threads << " threads\n";
     }
     std::cout << "most files " << year.getProfileCheck().getMostFiles() << ", largest file "
               << year.getProfileCheck().getLargestFile() << " bytes\n";
