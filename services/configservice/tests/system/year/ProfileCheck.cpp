@@ -133,7 +133,7 @@ std::vector<std::string> ProfileCheck::findDeviations(const ServiceModel::Files&
 }
 
 std::vector<std::string> ProfileCheck::findForeignFiles(const FolderContent& present,
-                                                        const ServiceModel::Files& files) const {
+                                                        const ServiceModel::Files& files) {
     std::set<std::string> expected;
     for (const auto* group : {&files.user, &files.copies}) {
         for (const auto& [name, pairs] : *group) {
@@ -145,6 +145,7 @@ std::vector<std::string> ProfileCheck::findForeignFiles(const FolderContent& pre
     for (const auto& [path, content] : present) {
         const auto name = splitKeptName(path);
         const bool isProtected = path.starts_with("config/") && path.ends_with(".dat");
+        highestNumber = std::max(highestNumber, name.number);
         if (name.number > 0 && ++kept[name.original] == mostKeptFiles + 1) {
             lines.push_back("more than five files were moved aside of " + name.original);
         } else if (name.number == 0 && !isOtherFile(path) && (!isProtected || !expected.contains(path))) {

@@ -26,15 +26,18 @@ public:
 
     std::size_t getLargestFile() const { return largestFile; }
     std::size_t getMostFiles() const { return mostFiles; }
+    /// Returns the highest number in the name of a file that was moved aside. Above 5, older ones were removed.
+    unsigned long getHighestNumber() const { return highestNumber; }
 
 private:
     std::vector<std::string> findForeignFiles(const FolderContent& present,
-                                              const config_model::ServiceModel::Files& files) const;
+                                              const config_model::ServiceModel::Files& files);
     std::vector<std::string> findWrongContent(const config_model::ServiceModel::Files& files) const;
 
     const testing_host::TemporaryProfile& profile;
     std::size_t largestFile = 0;
     std::size_t mostFiles = 0;
+    unsigned long highestNumber = 0;
 };
 
 /// Returns the path of a protected file of the client in the configuration directory.

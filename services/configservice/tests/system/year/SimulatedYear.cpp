@@ -188,7 +188,8 @@ void SimulatedYear::damageAFile(ByteSource& bytes) {
     if (names.empty()) {
         return;
     }
-    const auto name = bytes.pick(names);
+    const bool isUsersFile = bytes.oneIn(3) && names.front().starts_with("lumoraLocalConfig");
+    const auto name = isUsersFile ? names.front() : bytes.pick(names);
     note("damaged file", name + ", " + describe(kind));
     damaged[name] = damageFile(host.getProfile().config() / pathInConfig(name), kind, bytes);
     files.damaged[name] = effectOf(kind);
@@ -213,7 +214,8 @@ void SimulatedYear::removeAFile(ByteSource& bytes) {
 
 void SimulatedYear::startInTheMorning(ByteSource& bytes) {
     using Thread = ZelUnified::UnifiedFactoryOptions::ServicesThread;
-    host.setServicesThread(bytes.oneIn(3) ? Thread::Pumped : Thread::Own);
+    // With its own thread a day takes much longer on a machine with other work.
+    host.setServicesThread(bytes.oneIn(4) ? Thread::Own : Thread::Pumped);
     fillsUp = bytes.oneIn(6);
     staysFull = bytes.oneIn(3);
     host.setDiskThatFillsUp(fillsUp);
@@ -253,7 +255,9 @@ void SimulatedYear::playScript(ByteSource& bytes) {
         if (step.kind == Kind::UpdateStore) { // only the plug-in itself can call it
             step.kind = Kind::AddStore;
         }
-        if (!isPossible(step) || !problems.empty()) {
+        // Resets are rare, because they remove the files that were moved aside.
+        const bool isSkipped = step.kind == Kind::ResetAllData && !bytes.oneIn(16);
+        if (isSkipped || !isPossible(step) || !problems.empty()) {
             continue;
         }
         if (step.kind != Kind::Restart) {

@@ -11,7 +11,7 @@ namespace simulated_year {
 
 namespace {
 
-constexpr std::size_t daysOfTheSuite = 200;
+constexpr std::size_t daysOfTheSuite = 100;
 
 std::size_t numberFrom(const char* variable, std::size_t otherwise) {
     const char* const text = std::getenv(variable);
@@ -33,7 +33,8 @@ void show(const SimulatedYear& year) {
                   << least->threads << " threads\n";
     }
     std::cout << "most files " << year.getProfileCheck().getMostFiles() << ", largest file "
-              << year.getProfileCheck().getLargestFile() << " bytes\n";
+              << year.getProfileCheck().getLargestFile() << " bytes, highest number of a file moved aside "
+              << year.getProfileCheck().getHighestNumber() << "\n";
 }
 
 } // namespace
