@@ -12,7 +12,7 @@ namespace fleet {
 #define LUMORA_CURL_CALL(name) decltype(&::name) const name = reinterpret_cast<decltype(&::name)>(library.find(#name))
 
 /// The functions of libcurl, under their names. The library is loaded on first use and not with the plug-in: it brings
-/// more than twenty other libraries along, and a client must start as fast as without the plug-in.
+/// about 30 other libraries along, and a client must start as fast as without the plug-in.
 struct CurlLibrary {
     /// Loads and initialises the library of this file name. Throws std::runtime_error, with one line of text, if it is
     /// not installed, lacks a function or cannot be initialised.
