@@ -7,6 +7,7 @@
 #include <FleetAdministration.h>
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -19,6 +20,8 @@ public:
 
     void put(const ZelUnified::FleetPair& pair) override;
     bool remove(const ZelUnified::FleetAudience& audience, const std::string& key) override;
+    std::optional<ZelUnified::FleetPair> find(const ZelUnified::FleetAudience& audience,
+                                              const std::string& key) override;
     std::vector<ZelUnified::FleetPair> list(const std::vector<ZelUnified::FleetAudience>& audiences) override;
     void watch(const std::vector<ZelUnified::FleetAudience>& audiences, Listener listener) override;
     void endWatch() override { follower.reset(); }

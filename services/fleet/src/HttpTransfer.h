@@ -1,9 +1,9 @@
 #pragma once
 
 #include "ClusterAccess.h"
+#include "CurlLibrary.h"
 
 #include <WipedText.h>
-#include <curl/curl.h>
 
 #include <chrono>
 #include <functional>
@@ -71,10 +71,10 @@ private:
     std::string describe(CURLcode code) const;
 
     struct HandleDeleter {
-        void operator()(CURL* easy) const { curl_easy_cleanup(easy); }
+        void operator()(CURL* easy) const { curl().curl_easy_cleanup(easy); }
     };
     struct ListDeleter {
-        void operator()(curl_slist* list) const { curl_slist_free_all(list); }
+        void operator()(curl_slist* list) const { curl().curl_slist_free_all(list); }
     };
 
     HttpThread& thread;
