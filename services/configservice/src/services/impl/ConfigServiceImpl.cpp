@@ -328,7 +328,7 @@ void ConfigServiceImpl::insertOrReplace(const FoldedKey& key, std::shared_ptr<Co
     }
     // All allocation happens before the insertion into the index, so container and index stay consistent.
     configValuesIndex.reserveOne();
-    configValuesIndex.insert(key, configValues.emplace_back(key.getText(), std::move(record)));
+    configValuesIndex.insert(key, configValues.emplace_back(std::wstring(key.getFolded()), std::move(record)));
 }
 
 std::wstring ConfigServiceImpl::describeLookupByOldName(const std::wstring& key, const std::wstring& newName,
