@@ -1,5 +1,6 @@
 #include "EtcdSession.h"
 
+#include "EndpointProblem.h"
 #include "LoggedText.h"
 
 #include <exception>
@@ -28,7 +29,7 @@ std::string describe(const HttpResult& result) {
 
 } // namespace
 
-EtcdSession::EtcdSession(ClusterAccess clusterAccess, std::chrono::milliseconds timeout)
+EtcdSession::EtcdSession(ZelUnified::FleetAccess clusterAccess, std::chrono::milliseconds timeout)
     : access(std::move(clusterAccess)), answerTime(timeout) {
     if (access.endpoints.empty()) {
         throw EtcdError("no endpoint is given");

@@ -41,7 +41,8 @@ public:
     std::uint64_t callAfter(std::chrono::milliseconds time, std::function<void()> task);
     /// Ignores a timer that has run.
     void cancel(std::uint64_t timer);
-    std::unique_ptr<HttpTransfer> start(const ClusterAccess& access, HttpRequest request, HttpHandler handler);
+    std::unique_ptr<HttpTransfer> start(const ZelUnified::FleetAccess& access, HttpRequest request,
+                                        HttpHandler handler);
 
     // For HttpTransfer.
 
