@@ -1,5 +1,6 @@
 #include "EtcdSession.h"
 
+#include "EndpointProblem.h"
 #include "LoggedText.h"
 
 #include <kyr/StringUtils.h>
@@ -49,7 +50,7 @@ etcd::Snapshot requireComplete(std::optional<etcd::Snapshot> reply) {
 
 } // namespace
 
-EtcdSession::EtcdSession(ClusterAccess clusterAccess, std::chrono::milliseconds timeout)
+EtcdSession::EtcdSession(ZelUnified::FleetAccess clusterAccess, std::chrono::milliseconds timeout)
     : access(std::move(clusterAccess)), answerTime(timeout) {
     if (access.endpoints.empty()) {
         throw EtcdError("no endpoint is given");

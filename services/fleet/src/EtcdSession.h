@@ -1,9 +1,10 @@
 #pragma once
 
-#include "ClusterAccess.h"
 #include "EtcdMessages.h"
 #include "FleetScope.h"
 #include "HttpThread.h"
+
+#include <FleetAdministration.h>
 
 #include <chrono>
 #include <memory>
@@ -24,7 +25,8 @@ public:
 /// next endpoint if a member cannot answer; all throw EtcdError. Not thread-safe.
 class EtcdSession {
 public:
-    explicit EtcdSession(ClusterAccess clusterAccess, std::chrono::milliseconds timeout = std::chrono::seconds(10));
+    explicit EtcdSession(ZelUnified::FleetAccess clusterAccess,
+                         std::chrono::milliseconds timeout = std::chrono::seconds(10));
     ~EtcdSession();
     EtcdSession(const EtcdSession&) = delete;
     EtcdSession& operator=(const EtcdSession&) = delete;
@@ -52,7 +54,7 @@ private:
     /// Throws if the cluster refuses the user.
     HttpResult authenticate();
 
-    const ClusterAccess access;
+    const ZelUnified::FleetAccess access;
     const std::chrono::milliseconds answerTime;
     std::size_t endpoint = 0;
     std::string token;

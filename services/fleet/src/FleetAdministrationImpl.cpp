@@ -10,7 +10,7 @@ namespace fleet {
 using ZelUnified::FleetAudience;
 using ZelUnified::FleetPair;
 
-FleetAdministrationImpl::FleetAdministrationImpl(const ClusterAccess& clusterAccess)
+FleetAdministrationImpl::FleetAdministrationImpl(const ZelUnified::FleetAccess& clusterAccess)
     : access(clusterAccess), session(clusterAccess) {}
 
 FleetScope FleetAdministrationImpl::toScope(const FleetAudience& audience) {

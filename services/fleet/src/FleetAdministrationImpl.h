@@ -16,7 +16,7 @@ namespace fleet {
 /// Administers a cluster with an EtcdSession, and watches it as a client does.
 class FleetAdministrationImpl final : public ZelUnified::FleetAdministration {
 public:
-    explicit FleetAdministrationImpl(const ClusterAccess& clusterAccess);
+    explicit FleetAdministrationImpl(const ZelUnified::FleetAccess& clusterAccess);
 
     void put(const ZelUnified::FleetPair& pair) override;
     bool remove(const ZelUnified::FleetAudience& audience, const std::string& key) override;
@@ -30,7 +30,7 @@ private:
     /// Throws EtcdError if the name cannot be that of a group or user.
     static FleetScope toScope(const ZelUnified::FleetAudience& audience);
 
-    const ClusterAccess access;
+    const ZelUnified::FleetAccess access;
     EtcdSession session;
     std::unique_ptr<FleetFollower> follower;
 };

@@ -58,7 +58,8 @@ void HttpThread::cancel(std::uint64_t timer) {
     timers.erase(timer);
 }
 
-std::unique_ptr<HttpTransfer> HttpThread::start(const ClusterAccess& access, HttpRequest request, HttpHandler handler) {
+std::unique_ptr<HttpTransfer> HttpThread::start(const ZelUnified::FleetAccess& access, HttpRequest request,
+                                                HttpHandler handler) {
     return std::make_unique<HttpTransfer>(*this, access, std::move(request), std::move(handler));
 }
 

@@ -42,7 +42,8 @@ public:
     /// Ignores a timer that has run.
     void cancel(std::uint64_t timer);
     /// Throws std::runtime_error if libcurl cannot be loaded.
-    std::unique_ptr<HttpTransfer> start(const ClusterAccess& access, HttpRequest request, HttpHandler handler);
+    std::unique_ptr<HttpTransfer> start(const ZelUnified::FleetAccess& access, HttpRequest request,
+                                        HttpHandler handler);
 
     // For HttpTransfer.
 

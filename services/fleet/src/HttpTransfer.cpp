@@ -30,7 +30,7 @@ void setFile(CURL* handle, CURLoption option, const std::string& path) {
 
 } // namespace
 
-HttpTransfer::HttpTransfer(HttpThread& owner, const ClusterAccess& access, HttpRequest sentRequest,
+HttpTransfer::HttpTransfer(HttpThread& owner, const ZelUnified::FleetAccess& access, HttpRequest sentRequest,
                            HttpHandler resultHandler)
     : thread(owner),
       request(std::move(sentRequest)),
@@ -47,7 +47,7 @@ HttpTransfer::~HttpTransfer() {
     thread.remove(*this);
 }
 
-void HttpTransfer::setOptions(const ClusterAccess& access) {
+void HttpTransfer::setOptions(const ZelUnified::FleetAccess& access) {
     auto* const easy = handle.get();
     setOption(easy, CURLOPT_URL, request.url.c_str());
     setOption(easy, CURLOPT_PROTOCOLS_STR, access.plainHttpAllowed ? "https,http" : "https");

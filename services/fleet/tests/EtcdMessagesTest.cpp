@@ -1,7 +1,7 @@
 #include "EtcdMessages.h"
 
 #include "Base64.h"
-#include "ClusterAccess.h"
+#include "EndpointProblem.h"
 #include "FleetKeys.h"
 
 #include <kyr/StringUtils.h>
@@ -112,7 +112,7 @@ TEST(FleetMessages, RangeEndsBehindTheLastKeyOfTheScope) {
 }
 
 TEST(FleetClusterAccess, AcceptsPlainHttpOnlyIfAllowed) {
-    fleet::ClusterAccess access;
+    ZelUnified::FleetAccess access;
     EXPECT_EQ(findEndpointProblem(access, "https://etcd.example:2379"), "");
     EXPECT_EQ(findEndpointProblem(access, "https://[::1]:2379"), "");
     EXPECT_NE(findEndpointProblem(access, "http://etcd.example:2379"), "");

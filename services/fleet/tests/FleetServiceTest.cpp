@@ -28,7 +28,7 @@ protected:
         }
     }
 
-    void writeDefaults(const fleet::ClusterAccess& access, const FleetHost::Rows& others = {}) const {
+    void writeDefaults(const ZelUnified::FleetAccess& access, const FleetHost::Rows& others = {}) const {
         FleetHost::writeDefaults(profile.resources(), access, others);
     }
 
@@ -50,7 +50,7 @@ protected:
     void setPolicy(const FleetHost& host, const FleetHost::Rows& rows) const {
         setPolicy(host, administrator / "HKEY_CURRENT_USER", rows);
     }
-    static FleetHost::Rows makePolicy(const fleet::ClusterAccess& access) {
+    static FleetHost::Rows makePolicy(const ZelUnified::FleetAccess& access) {
         return {{"FleetEndpoints", access.endpoints.front()},
                 {"FleetPlainHttpAllowed", "true"},
                 {"FleetConnectionUsername", access.username},
@@ -60,7 +60,7 @@ protected:
         return KyrCoreUtils::FileUtils::getConfigDirectory() + "/Cache/cachedFleetConfigStore.dat";
     }
 
-    void addBootstrapFile(const FleetHost& host, const fleet::ClusterAccess& access) const {
+    void addBootstrapFile(const FleetHost& host, const fleet::ZelUnified::FleetAccess& access) const {
         const auto file = profile.root() / "installer.properties";
         testing_host::writeFile(file, "FleetEndpoints: " + access.endpoints.front() +
                                           "\nFleetPlainHttpAllowed: true\nFleetUser: ada\n");
