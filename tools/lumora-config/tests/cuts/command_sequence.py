@@ -121,7 +121,7 @@ class Sequence:
         changes.append((1, self.reset_provisioning if self.is_provisioned else self.provision))
         if held:
             changes.append((2, lambda: self.reset(self.random.choice(held))))
-        if self.stores:
+        if self.stores and not in_shell:
             changes.append((1, self.remove_store))
         if held and not in_shell:
             changes.append((1, self.load))
