@@ -111,7 +111,7 @@ TEST(FleetMessages, RangeEndsBehindTheLastKeyOfTheScope) {
     EXPECT_EQ(scope.getEnd(), "/lumora/fleet/users/ada0");
 }
 
-TEST(FleetClusterAccess, AcceptsPlainHttpOnlyIfAllowed) {
+TEST(FleetEndpointProblem, AcceptsPlainHttpOnlyIfAllowed) {
     ZelUnified::FleetAccess access;
     EXPECT_EQ(findEndpointProblem(access, "https://etcd.example:2379"), "");
     EXPECT_EQ(findEndpointProblem(access, "https://[::1]:2379"), "");
