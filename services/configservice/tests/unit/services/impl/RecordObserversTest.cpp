@@ -93,6 +93,13 @@ TEST_F(RecordObserversTest, ASliceContainsRecordsCreatedSinceTheLastOneAndNoneOf
     EXPECT_THAT(keysBehind(L"", 9), ElementsAre(L"f"));
 }
 
+TEST_F(RecordObserversTest, ObserversAreAddedAndRemovedOnTheServicesThreadOnly) {
+    const auto recorder = record();
+    factory->servicesDispatcher->disown();
+    EXPECT_THROW(record(), UpdateAccessError);
+    EXPECT_THROW(service->removeRecordObserver(recorder), UpdateAccessError);
+}
+
 TEST_F(RecordObserversTest, TheFirstChangeOfAKeyIsReportedWithAnEmptyStateBefore) {
     const auto recorder = record();
     service->OnConfigChanged(L"k", L"v", L"ov", true, true, L"vs", L"ovs", false);
