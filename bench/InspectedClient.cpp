@@ -7,6 +7,7 @@
 
 #include <ConfigServiceIds.h>
 
+#include <cstddef>
 #include <utility>
 
 namespace bench {
@@ -15,7 +16,9 @@ using namespace ZelUnified;
 
 namespace {
 
-std::string makeDefaults(std::size_t keyCount) {
+constexpr std::size_t keyCount = 5000;
+
+std::string makeDefaults() {
     std::string document = "<Lumora>\n";
     for (std::size_t i = 0; i < keyCount; ++i) {
         document += "<userConfig name=\"Key" + std::to_string(i) + "\" value=\"value" + std::to_string(i) + "\"/>\n";
@@ -25,8 +28,8 @@ std::string makeDefaults(std::size_t keyCount) {
 
 } // namespace
 
-InspectedClient::InspectedClient(Inspection inspected, std::size_t keyCount) {
-    testing_host::writeFile(profile.resources() / "lumora-config-defaults.xml", makeDefaults(keyCount));
+InspectedClient::InspectedClient(Inspection inspected) {
+    testing_host::writeFile(profile.resources() / "lumora-config-defaults.xml", makeDefaults());
     UnifiedFactoryOptions options;
     options.pluginFolder = PLUGIN_FOLDER;
     options.plugins = {{readableTypeName<ConfigService>(), SERVICE_LIBRARY},

@@ -7,21 +7,19 @@
 #include <InspectionService.h>
 #include <TemporaryProfile.h>
 
-#include <cstddef>
 #include <functional>
 #include <memory>
 #include <string>
 
 namespace bench {
 
-/// A client with its own services thread, with or without the inspection service. Only one exists at a time, because a
-/// process has one profile.
+/// A client with 5,000 keys in its defaults and its own services thread, with or without the inspection service. Only
+/// one exists at a time, because a process has one profile.
 class InspectedClient {
 public:
     enum class Inspection { With, Without };
 
-    /// The defaults contain `keyCount` keys.
-    explicit InspectedClient(Inspection inspected, std::size_t keyCount = 0);
+    explicit InspectedClient(Inspection inspected);
     ~InspectedClient();
     InspectedClient(const InspectedClient&) = delete;
     InspectedClient& operator=(const InspectedClient&) = delete;

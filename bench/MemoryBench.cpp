@@ -4,6 +4,7 @@
 #include "CachedDocuments.h"
 #include "CountingAllocator.h"
 #include "RowSuite.h"
+#include "SmallClient.h"
 #include "SyntheticKeys.h"
 #include "bare/BareTable.h"
 #include "services/impl/entry/InjectConfigService.h"
@@ -94,10 +95,19 @@ std::size_t measureService(const testing_host::TemporaryProfile& profile, std::s
     return bench::getLiveHeapBytes() - before;
 }
 
+/// Returns the heap memory of the client of the rows 0 after its start.
+std::size_t measureSmallClient() {
+    const bench::SmallProfile profile;
+    const auto before = bench::getLiveHeapBytes();
+    const bench::SmallClient client;
+    return bench::getLiveHeapBytes() - before;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
     bench::RowSuite suite(argc, argv);
+    suite.addFigure("0 memory", "small client", static_cast<double>(measureSmallClient()) / 1e6, "MB");
     const testing_host::TemporaryProfile profile;
     const auto values = makeValues();
     const auto add = [&suite](const std::string& row, const char* subject, std::size_t bytes) {

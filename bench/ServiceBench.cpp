@@ -1,16 +1,12 @@
 // Compares the records with plain containers: a batch of changes with filling a map, and the construction of the whole
 // service with reading its one file.
+#include "InlineService.h"
 #include "MarkdownReporter.h"
 #include "SyntheticKeys.h"
-#include "services/impl/entry/InjectConfigService.h"
 
 #include <kyr/StringUtils.h>
 
-#include <ConfigFeatureSet.h>
-#include <ConfigService.h>
-#include <InMemoryConfigStore.h>
 #include <LocalFileConfigStore.h>
-#include <RecordingFactory.h>
 #include <TemporaryProfile.h>
 #include <benchmark/benchmark.h>
 
@@ -33,45 +29,7 @@ void require(bool holds, const char* what) {
     }
 }
 
-/// The service on a factory without threads: the calling thread is the dispatcher's.
-class Service {
-public:
-    Service() {
-        InjectConfigService(factory);
-        factory->StartFeatureSet(configServiceId, nullptr);
-        service = factory->getServiceByType<ConfigService>();
-        featureSet = factory->getFeatureSetByType<ConfigFeatureSet>();
-    }
-    ~Service() {
-        service.reset();
-        featureSet.reset();
-        factory->Destroy();
-    }
-    Service(const Service&) = delete;
-    Service& operator=(const Service&) = delete;
-
-    const std::shared_ptr<testing_host::RecordingFactory> factory = std::make_shared<testing_host::RecordingFactory>();
-    std::shared_ptr<ConfigService> service;
-    std::shared_ptr<ConfigFeatureSet> featureSet;
-};
-
-std::shared_ptr<InMemoryConfigStore> makeStore(const std::string& name, const ConfigMap& values) {
-    auto store = std::make_shared<InMemoryConfigStore>(name, 100);
-    for (const auto& [key, value] : values) {
-        store->storeValue(key, value);
-    }
-    return store;
-}
-
-ConfigMap makeValues(bench::SyntheticKeys& generator, std::size_t count) {
-    ConfigMap values;
-    for (auto& key : generator.makeKeys(count)) {
-        values.emplace(std::move(key), generator.makeValue());
-    }
-    return values;
-}
-
-void registerBatch(Service& subject, const ConfigMap& values) {
+void registerBatch(bench::InlineService& subject, const ConfigMap& values) {
     // Two versions of one store, so that each arrival changes every record.
     static ConfigMap changed = values;
     for (auto& [key, value] : changed) {
@@ -81,7 +39,7 @@ void registerBatch(Service& subject, const ConfigMap& values) {
         std::size_t round = 0;
         while (state.KeepRunning()) {
             state.PauseTiming();
-            const auto store = makeStore("BatchStore", ++round % 2 == 0 ? values : changed);
+            const auto store = bench::makeStore("BatchStore", 100, ++round % 2 == 0 ? values : changed);
             state.ResumeTiming();
             subject.featureSet->addConfigStore(store);
         }
@@ -111,7 +69,7 @@ void writeDefaults(const testing_host::TemporaryProfile& profile, const ConfigMa
 void registerConstruction(const testing_host::TemporaryProfile& profile) {
     benchmark::RegisterBenchmark("construction on 5,000 defaults/service", [](benchmark::State& state) {
         while (state.KeepRunning()) {
-            const Service constructed;
+            const bench::InlineService constructed;
             benchmark::DoNotOptimize(constructed.service.get());
         }
     });
@@ -133,10 +91,10 @@ int main(int argc, char** argv) {
     }
     const testing_host::TemporaryProfile profile;
     bench::SyntheticKeys generator(20240229);
-    const auto batch = makeValues(generator, batchKeys);
-    writeDefaults(profile, makeValues(generator, defaultKeys));
+    const auto batch = bench::makeValues(generator, batchKeys);
+    writeDefaults(profile, bench::makeValues(generator, defaultKeys));
     {
-        Service subject;
+        bench::InlineService subject;
         registerBatch(subject, batch);
         registerConstruction(profile);
         bench::MarkdownReporter reporter;

@@ -1,16 +1,13 @@
 // Measures the combination of sources: the construction of a chain with cached stores beside reading their files, the
 // arrival of stores of growing size beside filling a map, and a write through the whole service.
+#include "InlineService.h"
 #include "RowSuite.h"
 #include "SyntheticKeys.h"
 #include "bare/BareTable.h"
-#include "services/impl/entry/InjectConfigService.h"
 
 #include <CacheConfigStore.h>
-#include <ConfigFeatureSet.h>
-#include <ConfigService.h>
 #include <InMemoryConfigStore.h>
 #include <ManualClock.h>
-#include <RecordingFactory.h>
 #include <TemporaryProfile.h>
 #include <benchmark/benchmark.h>
 
@@ -38,44 +35,6 @@ void require(bool holds, const char* what) {
     }
 }
 
-ConfigMap makeValues(bench::SyntheticKeys& generator, std::size_t count) {
-    ConfigMap values;
-    for (auto& key : generator.makeKeys(count)) {
-        values.emplace(std::move(key), generator.makeValue());
-    }
-    return values;
-}
-
-std::shared_ptr<InMemoryConfigStore> makeStore(const std::string& name, int priority, const ConfigMap& values) {
-    auto store = std::make_shared<InMemoryConfigStore>(name, priority);
-    for (const auto& [key, value] : values) {
-        store->storeValue(key, value);
-    }
-    return store;
-}
-
-/// The service on a factory without threads: the calling thread is the dispatcher's.
-class Service {
-public:
-    Service() {
-        InjectConfigService(factory);
-        factory->StartFeatureSet(configServiceId, nullptr);
-        service = factory->getServiceByType<ConfigService>();
-        featureSet = factory->getFeatureSetByType<ConfigFeatureSet>();
-    }
-    ~Service() {
-        service.reset();
-        featureSet.reset();
-        factory->Destroy();
-    }
-    Service(const Service&) = delete;
-    Service& operator=(const Service&) = delete;
-
-    const std::shared_ptr<testing_host::RecordingFactory> factory = std::make_shared<testing_host::RecordingFactory>();
-    std::shared_ptr<ConfigService> service;
-    std::shared_ptr<ConfigFeatureSet> featureSet;
-};
-
 std::string cacheName(int index) {
     return "Delivered" + std::to_string(index);
 }
@@ -89,7 +48,7 @@ std::wstring leaveCopies(const testing_host::TemporaryProfile& profile, bench::S
     std::string record;
     std::wstring lastKey;
     for (int i = 0; i < cachedStores; ++i) {
-        auto values = makeValues(generator, keysInStore);
+        auto values = bench::makeValues(generator, keysInStore);
         lastKey = values.rbegin()->first;
         const CacheConfigStore writer(cacheName(i), 100 + i, cachePath(profile, i), values);
         record += cacheName(i) + ":" + std::to_string(100 + i) + ";";
@@ -103,7 +62,7 @@ void registerConstruction(const testing_host::TemporaryProfile& profile, const s
     benchmark::RegisterBenchmark("construction with 10 cached stores of 2,000 keys/service",
                                  [&](benchmark::State& state) {
                                      while (state.KeepRunning()) {
-                                         const Service constructed;
+                                         const bench::InlineService constructed;
                                          require(constructed.service->getConfig(lastKey)->getisDefined(), "a copy");
                                      }
                                  });
@@ -119,12 +78,12 @@ void registerConstruction(const testing_host::TemporaryProfile& profile, const s
 }
 
 /// A service with a chain of ten stores.
-class ChainOfTen : public Service {
+class ChainOfTen : public bench::InlineService {
 public:
     explicit ChainOfTen(bench::SyntheticKeys& generator) {
         for (int i = initialStores; i < 10; ++i) {
             featureSet->addConfigStore(
-                makeStore("Store" + std::to_string(i), 40 + i, makeValues(generator, keysInStore)));
+                bench::makeStore("Store" + std::to_string(i), 40 + i, bench::makeValues(generator, keysInStore)));
         }
     }
 
@@ -153,7 +112,7 @@ class BareArrival {
 public:
     BareArrival(bench::SyntheticKeys& generator, const ConfigMap& arriving) : tables(10) {
         for (std::size_t i = 0; i + 1 < tables.size(); ++i) {
-            fill(tables[i], makeValues(generator, keysInStore));
+            fill(tables[i], bench::makeValues(generator, keysInStore));
         }
         fill(tables.back(), arriving);
         fill(records, arriving);
@@ -189,7 +148,7 @@ void registerArrival(bench::RowSuite& suite, bench::SyntheticKeys& generator, co
     const auto row = "8 arrival of " + std::to_string(values.size()) + " keys in a chain of 10";
     const auto calls = static_cast<int>(arrivingKeysInRound / values.size());
     const auto subject = std::make_shared<ChainOfTen>(generator);
-    const auto store = makeStore("Arriving", 45, values);
+    const auto store = bench::makeStore("Arriving", 45, values);
     const auto key = values.begin()->first;
     subject->add(store, key);
     subject->remove(store, key);
@@ -225,9 +184,9 @@ int main(int argc, char** argv) {
     const testing_host::TemporaryProfile profile;
     bench::SyntheticKeys generator(20240229);
     bench::RowSuite suite(argc, argv);
-    std::vector<ConfigMap> arrivals{makeValues(generator, 1000), makeValues(generator, 10000)};
+    std::vector<ConfigMap> arrivals{bench::makeValues(generator, 1000), bench::makeValues(generator, 10000)};
     if (!suite.isProfiled()) {
-        arrivals.push_back(makeValues(generator, 100000));
+        arrivals.push_back(bench::makeValues(generator, 100000));
     }
     // Constructs the services before the copies exist, which only the constructions measure.
     for (const auto& values : arrivals) {

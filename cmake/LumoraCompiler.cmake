@@ -64,6 +64,15 @@ else()
                       -fmacro-prefix-map=${CMAKE_SOURCE_DIR}/= -fmacro-prefix-map=${root_from_build}=)
 endif()
 
+if(NOT MSVC)
+  # Line numbers are enough for profiles and stacks. Debug information of optimized variables would cost another sixth.
+  add_compile_options($<$<CONFIG:RelWithDebInfo>:-g1>)
+endif()
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  # Kilobytes. From its default of 128 MB, g++ spends a tenth of its time on collecting garbage.
+  add_compile_options(--param=ggc-min-heapsize=786432)
+endif()
+
 if(WIN32)
   # For the system's header, everywhere, because a precompiled header is valid only with the same definitions. The
   # version is the oldest one with every call that the host uses.

@@ -44,7 +44,9 @@ set(CPACK_COMPONENT_PROGRAM_DESCRIPTION "shows and changes what the Lumora confi
 # Optional: without it, the client and the program work as before.
 set(CPACK_DEBIAN_FLEET_PACKAGE_NAME lumora-config-fleet)
 set(CPACK_DEBIAN_FLEET_PACKAGE_SECTION libs)
-set(CPACK_DEBIAN_FLEET_PACKAGE_DEPENDS "${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME} (= ${PROJECT_VERSION})")
+# libcurl is loaded at run time, so nothing finds this dependency by itself.
+set(CPACK_DEBIAN_FLEET_PACKAGE_DEPENDS
+    "${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME} (= ${PROJECT_VERSION}), libcurl4 (>= 7.87)")
 set(CPACK_COMPONENT_FLEET_DESCRIPTION "configuration service of the Lumora client, settings of a fleet
  A plug-in that follows the settings which administrators keep in an etcd
  cluster for many clients.")

@@ -205,6 +205,9 @@ int FaultInjectingFileLayer::createDirectory(const std::string& path) {
 }
 
 int FaultInjectingFileLayer::syncDirectory(const std::string& path) {
+    if (beforeSync) {
+        beforeSync(path);
+    }
     const KyrCoreUtils::LockGuard lock(mutex);
     if (const int error = enter(Operation::SyncDirectory); error != 0) {
         return error;

@@ -7,9 +7,11 @@
 
 #include <chrono>
 #include <cstddef>
+#include <functional>
 #include <limits>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace testing_host {
@@ -44,7 +46,9 @@ public:
     void limitWrites(std::size_t bytes);
     /// Sets the free space of the disk. A write that exceeds it writes the bytes that fit; the next one fails.
     void setFreeSpace(std::size_t bytes);
-    /// Removes all faults and limits set above.
+    /// Calls `action` before each sync of a directory, with its path. Set it before other threads use the layer.
+    void beforeSyncDirectory(std::function<void(const std::string&)> action) { beforeSync = std::move(action); }
+    /// Removes all faults and limits set above, except the action.
     void heal();
 
     /// Returns all calls so far, including the failed ones.
@@ -81,6 +85,7 @@ private:
     void clearFaults() LUMORA_REQUIRES(mutex);
 
     zel::storage::FileLayer& real = zel::storage::FileLayer::disk();
+    std::function<void(const std::string&)> beforeSync;
     mutable KyrCoreUtils::AnnotatedMutex<> mutex;
     std::vector<Operation> calls LUMORA_GUARDED_BY(mutex);
     std::vector<Fault> faults LUMORA_GUARDED_BY(mutex);

@@ -4,6 +4,7 @@
 #include <zel/HostExport.h>
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -29,6 +30,10 @@ LUMORA_HOST_API std::wstring decodeRegistryText(std::span<const std::uint8_t> da
 
 /// Returns the whole text, terminators included.
 LUMORA_HOST_API std::wstring decodeAllRegistryText(std::span<const std::uint8_t> data);
+
+/// Returns the text of a value: the first string of a text type or a list, the number of a REG_DWORD in decimals.
+/// Returns nothing for another type.
+LUMORA_HOST_API std::optional<std::wstring> decodeRegistryValue(std::uint32_t type, std::span<const std::uint8_t> data);
 
 /// Returns a REG_SZ value.
 LUMORA_HOST_API RegistryValue makeTextValue(std::wstring name, std::wstring_view text);

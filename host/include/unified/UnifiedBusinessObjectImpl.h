@@ -75,6 +75,9 @@ protected:
     /// reaches the caller.
     template <class Observer>
     void fire(void (Observer::*operation)()) {
+        if (!everHadObservers.load()) {
+            return;
+        }
         for (const auto& observer : collectObservers<Observer>()) {
             ((*observer).*operation)();
         }
@@ -133,6 +136,7 @@ private:
     const std::shared_ptr<Processing::ServicesDispatcher> dispatcher;
     const char* const className;
     std::atomic<bool> enforced;
+    std::atomic<bool> everHadObservers = false; ///< Cheap first test: most objects are never observed.
     /// Never held during a callback. Recursive because initNotifiersOnce() holds it while it calls addObserver(), so
     /// that no thread receives a set that is not registered yet.
     mutable KyrCoreUtils::AnnotatedMutex<std::recursive_mutex> observersMutex;

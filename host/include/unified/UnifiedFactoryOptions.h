@@ -26,7 +26,8 @@ struct UnifiedFactoryOptions {
     std::weak_ptr<ServiceEventListener> serviceEventListener;
     /// True if the program holds the profile's lock and may write. Init(), before it calls the entry point of any
     /// plug-in, then moves damaged, empty and wrongly keyed protected files of the configuration directory aside (see
-    /// EncryptFileUtils::moveAsideUnusable). A program that only reads leaves it false, and nothing is changed.
+    /// EncryptFileUtils::moveAsideUnusable), and removes temporary files that killed writers left more than ten minutes
+    /// ago. A program that only reads leaves it false, and nothing is changed.
     bool openedForWriting = false;
     /// True for a program that only reads. From Init() to Destroy(), whatever the host or a plug-in writes, moves or
     /// removes with FileLayer, FileUtils or EncryptFileUtils is kept in memory and reported as done, and later reads

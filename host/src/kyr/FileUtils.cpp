@@ -5,6 +5,7 @@
 
 #include <kyr/FileUtils.h>
 #include <kyr/StringUtils.h>
+#include <zel/FileLayer.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -45,22 +46,41 @@ bool isEntryNow(const fs::path& path) {
     return inMemory ? inMemory->exists(textFromPath(path)) : fs::exists(fs::symlink_status(path, error));
 }
 
+/// Returns after the change of this name is on the disk: a power cut could revert it otherwise. A directory that may be
+/// changed but not read cannot be synced; that is no failure.
+int syncName(const fs::path& path) {
+    const fs::path& named = path.has_filename() ? path : path.parent_path();
+    const int error = zel::storage::FileLayer::disk().syncDirectory(textFromPath(named.parent_path()));
+    return error == EACCES ? 0 : error;
+}
+
 int makeDirectory(const fs::path& path) {
-    const auto inMemory = InMemoryFileLayer::getActive();
-    return inMemory ? inMemory->createDirectory(textFromPath(path)) : platform::makeDirectory(path);
+    if (const auto inMemory = InMemoryFileLayer::getActive()) {
+        return inMemory->createDirectory(textFromPath(path));
+    }
+    const int result = platform::makeDirectory(path);
+    return result != 0 ? result : syncName(path);
 }
 
 int removeOne(const fs::path& path) {
-    const auto inMemory = InMemoryFileLayer::getActive();
-    return inMemory ? inMemory->unlink(textFromPath(path)) : platform::removeFile(path);
+    if (const auto inMemory = InMemoryFileLayer::getActive()) {
+        return inMemory->unlink(textFromPath(path));
+    }
+    const int result = platform::removeFile(path);
+    return result != 0 ? result : syncName(path);
 }
 
 int moveOne(const fs::path& from, const fs::path& to, bool failIfExists) {
-    const auto inMemory = InMemoryFileLayer::getActive();
-    if (!inMemory) {
-        return platform::moveFile(from, to, failIfExists);
+    if (const auto inMemory = InMemoryFileLayer::getActive()) {
+        return failIfExists && existsNow(to) ? EEXIST : inMemory->rename(textFromPath(from), textFromPath(to));
     }
-    return failIfExists && existsNow(to) ? EEXIST : inMemory->rename(textFromPath(from), textFromPath(to));
+    if (const int result = platform::moveFile(from, to, failIfExists); result != 0) {
+        return result;
+    }
+    // The file has moved, so a failed sync is no failure.
+    static_cast<void>(syncName(to));
+    static_cast<void>(syncName(from));
+    return 0;
 }
 
 int createWithParents(const fs::path& path) {

@@ -76,14 +76,14 @@ void FileRegistry::refresh() {
 }
 
 void FileRegistry::load(const Sources& sources) {
-    auto ofAdministrator = std::make_unique<RegistryTree>();
+    auto administratorTree = std::make_unique<RegistryTree>();
     auto whole = std::make_unique<RegistryTree>();
     const auto apply = [&](const std::vector<RegistryFile>& files, HKEY root, bool fromAdministrator) {
         for (const auto& file : files) {
             const auto sections = readSections(file.path, root);
             whole->apply(sections);
             if (fromAdministrator) {
-                ofAdministrator->apply(sections);
+                administratorTree->apply(sections);
             }
         }
     };
@@ -93,12 +93,12 @@ void FileRegistry::load(const Sources& sources) {
     const auto complete = [&](HKEY root, const std::wstring& client) {
         if (!client.empty() && !whole->find(root, mailClients)) {
             whole->make(root, mailClients)->setValue(makeTextValue({}, client));
-            ofAdministrator->make(root, mailClients);
+            administratorTree->make(root, mailClients);
         }
     };
     complete(HKEY_CURRENT_USER, sources.userMailClient);
     complete(HKEY_LOCAL_MACHINE, sources.machineMailClient);
-    administrator = std::move(ofAdministrator);
+    administrator = std::move(administratorTree);
     hive.replaceTree(std::move(whole));
     loaded = sources;
 }

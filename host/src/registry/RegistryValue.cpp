@@ -1,3 +1,4 @@
+#include <kyr/StringUtils.h>
 #include <registry/RegistryValue.h>
 
 #include <utility>
@@ -24,6 +25,14 @@ void appendUnit(std::vector<std::uint8_t>& data, char32_t unit) {
 
 char32_t unitAt(std::span<const std::uint8_t> data, std::size_t index) {
     return static_cast<char32_t>(data[2 * index] | data[2 * index + 1] << 8);
+}
+
+std::uint32_t numberOf(std::span<const std::uint8_t> data) {
+    std::uint32_t number = 0;
+    for (std::size_t index = 0; index < data.size() && index < sizeof(number); ++index) {
+        number |= static_cast<std::uint32_t>(data[index]) << (8 * index);
+    }
+    return number;
 }
 
 } // namespace
@@ -73,6 +82,19 @@ std::wstring decodeRegistryText(std::span<const std::uint8_t> data) {
         ++end;
     }
     return decodeAllRegistryText(data.first(2 * end));
+}
+
+std::optional<std::wstring> decodeRegistryValue(std::uint32_t type, std::span<const std::uint8_t> data) {
+    switch (type) {
+    case REG_SZ:
+    case REG_EXPAND_SZ:
+    case REG_MULTI_SZ:
+        return decodeRegistryText(data);
+    case REG_DWORD:
+        return KyrCoreUtils::toWideString(numberOf(data));
+    default:
+        return std::nullopt;
+    }
 }
 
 RegistryValue makeTextValue(std::wstring name, std::wstring_view text) {

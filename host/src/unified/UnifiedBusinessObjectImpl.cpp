@@ -62,6 +62,7 @@ void UnifiedBusinessObjectImpl::addObserver(std::weak_ptr<UnifiedBusinessObjectO
     known = lockObservers();
     if (std::find(known.begin(), known.end(), added) == known.end()) {
         observers.push_back({std::move(observer)});
+        everHadObservers = true;
     }
 }
 

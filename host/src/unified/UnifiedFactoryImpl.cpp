@@ -5,12 +5,14 @@
 #include "TaskDispatcherImpl.h"
 #include "WriteRetrier.h"
 #include "zel/SystemMonitorImpl.h"
+#include "zel/storage/DurableFile.h"
 #include "zel/storage/InMemoryFileLayer.h"
 #include "zel/storage/PendingWrites.h"
 
 #include <kyr/FileUtils.h>
 #include <kyr/FunctionTask.h>
 #include <kyr/LockGuard.h>
+#include <registry/RegistryFiles.h>
 #include <unified/FeatureSetReadyListener.h>
 #include <unified/UnifiedFactoryImpl.h>
 #include <zel/EncryptFileUtils.h>
@@ -26,7 +28,10 @@ namespace {
 using Processing::SerialQueue;
 using Processing::ServicesDispatcherImpl;
 using Processing::TaskDispatcherImpl;
+using zel::registry::getUserRegistryFolder;
+using zel::storage::DurableFile;
 using zel::storage::EncryptFileUtils;
+using zel::storage::FileLayer;
 using zel::storage::InMemoryFileLayer;
 using zel::storage::PendingWrites;
 using ZelSystemMonitor::SystemMonitorImpl;
@@ -36,6 +41,18 @@ ZelLogger& logger = ZelLogger_getLogger("UnifiedFactory");
 SerialQueue::Mode queueMode(UnifiedFactoryOptions::ServicesThread thread) {
     return thread == UnifiedFactoryOptions::ServicesThread::Pumped ? SerialQueue::Mode::Pumped
                                                                    : SerialQueue::Mode::OwnThread;
+}
+
+/// Removes the temporary files of killed writers from the folders that the host writes.
+void removeLeftovers() {
+    const auto data = KyrCoreUtils::FileUtils::getUserLocalAppDir();
+    for (const auto& folder :
+         {KyrCoreUtils::FileUtils::getConfigDirectory(),
+          data.empty() ? data : data + KyrCoreUtils::FileUtils::FileSeparator() + "keys", getUserRegistryFolder()}) {
+        if (!folder.empty()) {
+            DurableFile::removeLeftovers(FileLayer::platform(), folder);
+        }
+    }
 }
 
 /// Runs one step of an end or a reset and logs its exception, so that the next steps still run.
@@ -70,6 +87,7 @@ void UnifiedFactoryImpl::Init() {
     }
     if (options.openedForWriting) {
         EncryptFileUtils::moveAsideUnusable(KyrCoreUtils::FileUtils::getConfigDirectory());
+        runStep("The removal of temporary files", removeLeftovers);
     }
     writeRetrier->start();
     services.registerItem(systemServiceId, std::static_pointer_cast<SystemService>(std::make_shared<SystemServiceImpl>(

@@ -53,4 +53,19 @@ TEST(RegistryValue, NumbersAreFourBytesInLittleEndianOrder) {
     EXPECT_THAT(value.data, ElementsAre(1, 0, 0, 0x80));
 }
 
+TEST(RegistryValue, TextOfAValueIsItsFirstStringOrItsNumber) {
+    const std::vector<std::uint8_t> two{'a', 0, 0, 0, 'b', 0, 0, 0};
+    for (const auto type : {REG_SZ, REG_EXPAND_SZ, REG_MULTI_SZ}) {
+        EXPECT_EQ(decodeRegistryValue(type, two), L"a");
+    }
+    EXPECT_EQ(decodeRegistryValue(REG_DWORD, makeNumberValue(L"n", 0x80000001).data), L"2147483649");
+    const std::vector<std::uint8_t> shortNumber{1, 2};
+    EXPECT_EQ(decodeRegistryValue(REG_DWORD, shortNumber), L"513");
+    const std::vector<std::uint8_t> longNumber{1, 0, 0, 0, 1};
+    EXPECT_EQ(decodeRegistryValue(REG_DWORD, longNumber), L"1");
+    for (const auto type : {REG_NONE, REG_BINARY, REG_QWORD}) {
+        EXPECT_EQ(decodeRegistryValue(type, two), std::nullopt);
+    }
+}
+
 } // namespace

@@ -219,3 +219,25 @@ TEST_F(UnifiedFactoryImplStorageTest, AProfileOpenedForWritingIsCheckedBeforeAPl
     EXPECT_EQ(testing_host::readFile(damaged.string() + ".unreadable"), "rubbish");
     EXPECT_EQ(EncryptFileUtils::health(storage.profile.config().string()).movedAside.size(), 1U);
 }
+
+TEST_F(UnifiedFactoryImplStorageTest, AProfileOpenedForWritingLosesTheOldTemporaryFilesOfKilledWriters) {
+    const std::string name = ".any.0123456789abcdef.tmp";
+    const auto& profile = storage.profile;
+    const auto folders = {profile.config() / "Cache", profile.data() / "keys", profile.data() / "registry"};
+    for (const auto& folder : folders) {
+        std::filesystem::create_directories(folder);
+        writeFile(folder / name, "torn");
+        std::filesystem::last_write_time(folder / name,
+                                         std::filesystem::file_time_type::clock::now() - std::chrono::minutes(30));
+    }
+    for (const bool forWriting : {false, true}) {
+        UnifiedFactoryOptions options;
+        options.openedForWriting = forWriting;
+        const auto opened = std::make_shared<UnifiedFactoryImpl>(options);
+        opened->Init();
+        opened->Destroy();
+        for (const auto& folder : folders) {
+            EXPECT_EQ(std::filesystem::exists(folder / name), !forWriting) << folder;
+        }
+    }
+}

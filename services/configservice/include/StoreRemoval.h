@@ -98,11 +98,12 @@ private:
     }
 
     bool isCreatedAtEachStart() const {
-        constexpr std::array ownStores{ConfigKeys::localFileConfigStore, ConfigKeys::registryConfigStore,
-                                       ConfigKeys::urlProvisioningConfigStore, ConfigKeys::inMemoryConfigStore,
-                                       ConfigKeys::configDefaultsFile};
-        return std::ranges::any_of(
-            ownStores, [&](std::string_view own) { return KyrCoreUtils::caseInsensitiveStringEquals(own, name); });
+        constexpr std::array storesOfTheService{ConfigKeys::localFileConfigStore, ConfigKeys::registryConfigStore,
+                                                ConfigKeys::urlProvisioningConfigStore, ConfigKeys::inMemoryConfigStore,
+                                                ConfigKeys::configDefaultsFile};
+        return std::ranges::any_of(storesOfTheService, [&](std::string_view store) {
+            return KyrCoreUtils::caseInsensitiveStringEquals(store, name);
+        });
     }
 
     static std::shared_ptr<ConfigStore> findUsersStore(ConfigFeatureSet& featureSet) {

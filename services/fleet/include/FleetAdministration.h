@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -51,10 +52,15 @@ public:
     virtual void put(const FleetPair& pair) = 0;
     /// Returns false if there was no such key. Throws if the answer was lost: the key may have been removed then.
     virtual bool remove(const FleetAudience& audience, const std::string& key) = 0;
+    /// Returns the pair whose key equals `key` in any case; nothing if there is none. Of several spellings, which are
+    /// keys of their own in the cluster, it is the one that clients use. Reads all keys of the audience, but one value
+    /// only.
+    virtual std::optional<FleetPair> find(const FleetAudience& audience, const std::string& key) = 0;
     /// Returns the pairs of the audiences, in this order, all at one revision.
     virtual std::vector<FleetPair> list(const std::vector<FleetAudience>& audiences) = 0;
     /// Calls `listener`, on another thread, with the settings that a client of these audiences has, the least specific
-    /// one first: when they have been read, and after each change. Returns immediately.
+    /// one first: when they have been read, and after each change. Throws if the cluster refuses to be read or does not
+    /// answer; otherwise does not wait for the settings.
     virtual void watch(const std::vector<FleetAudience>& audiences, Listener listener) = 0;
     /// Ends it; the listener is not called afterwards. The destructor does so too.
     virtual void endWatch() = 0;

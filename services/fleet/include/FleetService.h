@@ -13,7 +13,8 @@ namespace ZelUnified {
 /// A host loads it by this type like every service, and starts it with UnifiedFactory::StartFeatureSet() after the
 /// configuration service. Stop the configuration service only with UnifiedFactory::StopFeatureSet(), which stops it
 /// on the services thread. A stop on another thread holds the configuration's lock while it waits for that thread,
-/// where this service may be waiting for the lock. Any thread.
+/// where this service may be waiting for the lock. Refresh it on the services thread: during a refresh on another
+/// thread the cached copy may replace the store until the services thread has added the store again. Any thread.
 class FLEET_SERVICE_API FleetService : public FeatureSet {
 public:
     /// Lower than the number of the configuration service, so that the host stops and destroys this service first.

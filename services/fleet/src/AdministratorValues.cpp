@@ -11,7 +11,6 @@
 #include <ConfigKeys.h>
 
 #include <array>
-#include <optional>
 #include <span>
 #include <typeinfo>
 #include <utility>
@@ -48,25 +47,6 @@ struct OpenKey {
     Registry& registry;
     HKEY handle{}; ///< Null, and without values, if there is no such key.
 };
-
-/// Returns the text that the configuration reads from a value; nothing for a type that it ignores.
-std::optional<std::wstring> toText(std::uint32_t type, std::span<const std::uint8_t> data) {
-    switch (type) {
-    case REG_SZ:
-    case REG_EXPAND_SZ:
-    case REG_MULTI_SZ:
-        return decodeRegistryText(data);
-    case REG_DWORD: {
-        std::uint32_t number = 0;
-        for (std::size_t index = 0; index < data.size() && index < sizeof(number); ++index) {
-            number |= static_cast<std::uint32_t>(data[index]) << (8 * index);
-        }
-        return KyrCoreUtils::toWideString(number);
-    }
-    default:
-        return std::nullopt;
-    }
-}
 
 } // namespace
 
@@ -127,7 +107,8 @@ ZelUnified::ConfigMap AdministratorValues::readPolicy() const {
             return values;
         }
         const std::wstring valueName(name.data(), nameLength);
-        const auto text = toText(type, std::span(data).first(dataLength));
+        // As the configuration's own store of the policy does.
+        const auto text = decodeRegistryValue(type, std::span(data).first(dataLength));
         if (text && FleetKeys::isAdministratorsKey(valueName)) {
             values.insert_or_assign(valueName, *text);
         }

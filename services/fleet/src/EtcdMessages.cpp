@@ -101,16 +101,29 @@ auto parseReply(std::string_view text, const Parse& parse) -> std::optional<decl
     }
 }
 
+void appendRange(Snapshot& snapshot, const Json& range) {
+    for (const auto& pair : listOf(range, "kvs")) {
+        snapshot.pairs.push_back(toPair(pair));
+    }
+    snapshot.more = snapshot.more || range.value("more", false);
+}
+
 Snapshot toSnapshot(const Json& reply) {
     Snapshot snapshot;
     snapshot.revision = toNumber(reply.at("header"), "revision");
     for (const auto& response : reply.at("responses")) {
-        const auto& range = response.at("response_range");
-        for (const auto& pair : listOf(range, "kvs")) {
-            snapshot.pairs.push_back(toPair(pair));
-        }
-        snapshot.more = snapshot.more || range.value("more", false);
+        appendRange(snapshot, response.at("response_range"));
     }
+    return snapshot;
+}
+
+Snapshot toRange(const Json& reply) {
+    Snapshot snapshot;
+    snapshot.revision = toNumber(reply.at("header"), "revision");
+    if (snapshot.revision <= 0) {
+        throw NoReply(); // everything else may be left out
+    }
+    appendRange(snapshot, reply);
     return snapshot;
 }
 
@@ -180,6 +193,16 @@ std::string makeSnapshot(const std::vector<FleetScope>& scopes, std::size_t limi
     return toText({{"success", operations}});
 }
 
+std::string makeKeys(const FleetScope& scope) {
+    auto range = makeRange(scope);
+    range["keys_only"] = true;
+    return toText(range);
+}
+
+std::string makeGet(const std::string& key, std::int64_t revision) {
+    return toText({{"key", encodeBase64(key)}, {"revision", std::to_string(revision)}});
+}
+
 std::string makeWatch(const std::vector<FleetScope>& scopes, std::int64_t revision) {
     std::string requests;
     std::size_t number = 0;
@@ -213,6 +236,10 @@ std::optional<std::string> parseToken(std::string_view text) {
 
 std::optional<Snapshot> parseSnapshot(std::string_view text) {
     return parseReply(text, toSnapshot);
+}
+
+std::optional<Snapshot> parseRange(std::string_view text) {
+    return parseReply(text, toRange);
 }
 
 std::optional<WatchReply> parseWatchReply(std::string_view line) {

@@ -32,7 +32,7 @@ struct Pair {
     bool deleted = false;
 };
 
-/// All pairs of some scopes at one revision.
+/// The pairs of one key or of some scopes at one revision.
 struct Snapshot {
     std::int64_t revision = 0;
     std::vector<Pair> pairs;
@@ -58,6 +58,10 @@ bool isAboutToken(const std::string& reason);
 ZelUnified::WipedText makeAuthenticate(const std::string& username, const ZelUnified::WipedText& password);
 /// Reads all scopes in one transaction, so at one revision, and at most `limit` pairs of each; 0 for all pairs.
 std::string makeSnapshot(const std::vector<FleetScope>& scopes, std::size_t limit);
+/// Reads the keys of the scope without their values.
+std::string makeKeys(const FleetScope& scope);
+/// Reads one key as it was at this revision.
+std::string makeGet(const std::string& key, std::int64_t revision);
 /// Watches each scope from this revision; the numbers of the watches are 1, 2 and so on.
 std::string makeWatch(const std::vector<FleetScope>& scopes, std::int64_t revision);
 /// Asks one member for the number of pairs in the scope. The member answers alone, without the others.
@@ -68,6 +72,8 @@ std::string makeDelete(const std::string& key);
 /// Each returns nothing if the text is not that reply. A token is printable, so that it fits a header.
 std::optional<std::string> parseToken(std::string_view text);
 std::optional<Snapshot> parseSnapshot(std::string_view text);
+/// The reply to makeKeys() and makeGet().
+std::optional<Snapshot> parseRange(std::string_view text);
 std::optional<WatchReply> parseWatchReply(std::string_view line);
 std::optional<std::int64_t> parseDeletedCount(std::string_view text);
 /// Returns the message of a failure; "" if the text contains none.

@@ -1,9 +1,14 @@
 #include "EtcdSession.h"
 
+#include "EndpointProblem.h"
 #include "LoggedText.h"
 
+#include <kyr/StringUtils.h>
+
+#include <algorithm>
 #include <exception>
 #include <future>
+#include <ranges>
 #include <utility>
 
 namespace fleet {
@@ -26,9 +31,26 @@ std::string describe(const HttpResult& result) {
     return toLoggedText(reason.empty() ? "status " + std::to_string(result.status) : reason);
 }
 
+/// Throws if there is no reply.
+template <class Reply>
+Reply require(std::optional<Reply> reply) {
+    if (!reply) {
+        throw EtcdError("the cluster sends an unknown answer");
+    }
+    return std::move(*reply);
+}
+
+/// Returns all pairs of a request without a limit.
+etcd::Snapshot requireComplete(std::optional<etcd::Snapshot> reply) {
+    if (reply && reply->more) {
+        reply.reset();
+    }
+    return require(std::move(reply));
+}
+
 } // namespace
 
-EtcdSession::EtcdSession(ClusterAccess clusterAccess, std::chrono::milliseconds timeout)
+EtcdSession::EtcdSession(ZelUnified::FleetAccess clusterAccess, std::chrono::milliseconds timeout)
     : access(std::move(clusterAccess)), answerTime(timeout) {
     if (access.endpoints.empty()) {
         throw EtcdError("no endpoint is given");
@@ -49,22 +71,35 @@ void EtcdSession::put(const std::string& key, const std::string& value) {
 }
 
 bool EtcdSession::remove(const std::string& key) {
-    const auto count =
-        etcd::parseDeletedCount(request(etcd::deletePath, etcd::makeDelete(key), Repetition::Misleading));
-    if (!count) {
-        throw EtcdError("the cluster sends an unknown answer");
-    }
-    return *count > 0;
+    const auto text = request(etcd::deletePath, etcd::makeDelete(key), Repetition::Misleading);
+    return require(etcd::parseDeletedCount(text)) > 0;
 }
 
 std::vector<etcd::Pair> EtcdSession::list(const std::vector<FleetScope>& scopes) {
     // An administrator must see, and be able to remove, what is too much for a client.
     const auto text = request(etcd::transactionPath, etcd::makeSnapshot(scopes, 0), Repetition::Harmless);
-    auto snapshot = etcd::parseSnapshot(text);
-    if (!snapshot || snapshot->more) {
-        throw EtcdError("the cluster sends an unknown answer");
+    return requireComplete(etcd::parseSnapshot(text)).pairs;
+}
+
+void EtcdSession::check(const std::vector<FleetScope>& scopes) {
+    require(etcd::parseSnapshot(request(etcd::transactionPath, etcd::makeSnapshot(scopes, 1), Repetition::Harmless)));
+}
+
+std::optional<etcd::Pair> EtcdSession::find(const FleetScope& scope, const std::string& key) {
+    const auto keys = readRange(etcd::makeKeys(scope));
+    const auto found = std::ranges::find_if(keys.pairs | std::views::reverse, [&](const etcd::Pair& pair) {
+        return KyrCoreUtils::caseInsensitiveStringEquals(pair.key.substr(scope.prefix.size()), key);
+    });
+    if (found == keys.pairs.rend()) {
+        return std::nullopt;
     }
-    return std::move(snapshot->pairs);
+    // At the same revision, so that the pair exists.
+    auto pairs = readRange(etcd::makeGet(found->key, keys.revision)).pairs;
+    return require(pairs.empty() ? std::nullopt : std::optional(std::move(pairs.front())));
+}
+
+etcd::Snapshot EtcdSession::readRange(const std::string& body) {
+    return requireComplete(etcd::parseRange(request(etcd::rangePath, body, Repetition::Harmless)));
 }
 
 std::string EtcdSession::request(const char* path, const ZelUnified::WipedText& body, Repetition repetition) {

@@ -1,12 +1,14 @@
 #pragma once
 
-#include "ClusterAccess.h"
 #include "EtcdMessages.h"
 #include "FleetScope.h"
 #include "HttpThread.h"
 
+#include <FleetAdministration.h>
+
 #include <chrono>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -23,7 +25,8 @@ public:
 /// next endpoint if a member cannot answer; all throw EtcdError. Not thread-safe.
 class EtcdSession {
 public:
-    explicit EtcdSession(ClusterAccess clusterAccess, std::chrono::milliseconds timeout = std::chrono::seconds(10));
+    explicit EtcdSession(ZelUnified::FleetAccess clusterAccess,
+                         std::chrono::milliseconds timeout = std::chrono::seconds(10));
     ~EtcdSession();
     EtcdSession(const EtcdSession&) = delete;
     EtcdSession& operator=(const EtcdSession&) = delete;
@@ -33,11 +36,17 @@ public:
     bool remove(const std::string& key);
     /// Returns the pairs of the scopes, in this order, all at one revision.
     std::vector<etcd::Pair> list(const std::vector<FleetScope>& scopes);
+    /// Reads at most one pair of each scope, which fails for the same reasons as list(), and does not take long.
+    void check(const std::vector<FleetScope>& scopes);
+    /// Returns the last pair of the scope, in the order of etcd, whose key equals `key` in any case. Reads the keys of
+    /// the scope and one value, both at one revision.
+    std::optional<etcd::Pair> find(const FleetScope& scope, const std::string& key);
 
 private:
     /// Whether a second request has the same answer as one whose answer was lost.
     enum class Repetition { Harmless, Misleading };
 
+    etcd::Snapshot readRange(const std::string& body);
     std::string request(const char* path, const ZelUnified::WipedText& body, Repetition repetition);
     /// Authenticates first if that is necessary.
     HttpResult requestFromMember(const char* path, const ZelUnified::WipedText& body);
@@ -45,7 +54,7 @@ private:
     /// Throws if the cluster refuses the user.
     HttpResult authenticate();
 
-    const ClusterAccess access;
+    const ZelUnified::FleetAccess access;
     const std::chrono::milliseconds answerTime;
     std::size_t endpoint = 0;
     std::string token;

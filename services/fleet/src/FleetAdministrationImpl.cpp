@@ -10,7 +10,7 @@ namespace fleet {
 using ZelUnified::FleetAudience;
 using ZelUnified::FleetPair;
 
-FleetAdministrationImpl::FleetAdministrationImpl(const ClusterAccess& clusterAccess)
+FleetAdministrationImpl::FleetAdministrationImpl(const ZelUnified::FleetAccess& clusterAccess)
     : access(clusterAccess), session(clusterAccess) {}
 
 FleetScope FleetAdministrationImpl::toScope(const FleetAudience& audience) {
@@ -36,6 +36,15 @@ bool FleetAdministrationImpl::remove(const FleetAudience& audience, const std::s
     return session.remove(toScope(audience).prefix + key);
 }
 
+std::optional<FleetPair> FleetAdministrationImpl::find(const FleetAudience& audience, const std::string& key) {
+    const auto scope = toScope(audience);
+    auto pair = session.find(scope, key);
+    if (!pair) {
+        return std::nullopt;
+    }
+    return FleetPair{audience, pair->key.substr(scope.prefix.size()), std::move(pair->value)};
+}
+
 std::vector<FleetPair> FleetAdministrationImpl::list(const std::vector<FleetAudience>& audiences) {
     std::vector<FleetScope> scopes;
     std::ranges::transform(audiences, std::back_inserter(scopes), toScope);
@@ -55,6 +64,7 @@ void FleetAdministrationImpl::watch(const std::vector<FleetAudience>& audiences,
     FleetSettings settings;
     settings.access = access;
     std::ranges::transform(audiences, std::back_inserter(settings.scopes), toScope);
+    session.check(settings.scopes); // the watch itself would try again for ever
     follower = std::make_unique<FleetFollower>(std::move(settings), FleetTimes(), std::move(listener));
 }
 

@@ -121,9 +121,9 @@ void FleetServiceImpl::review() {
     try {
         const auto current = readSettings();
         reportProblems(current.problems);
-        const bool isToBeRemoved = store != nullptr && current.access.endpoints.empty();
+        const bool isToBeRemoved = current.access.endpoints.empty() && (store != nullptr || isCopyLeftOver());
         if (current != settings || isToBeRemoved) {
-            follow(current);
+            follow(current, isToBeRemoved);
         }
         addStoreIfMissing();
         reportedFailure.clear();
@@ -137,7 +137,27 @@ void FleetServiceImpl::review() {
 }
 
 void FleetServiceImpl::onTimer() {
-    post("Fleet: review", &FleetServiceImpl::review);
+    post("Fleet: review", &FleetServiceImpl::reviewAfterDelay);
+}
+
+void FleetServiceImpl::reviewAfterDelay() {
+    isDelayOver = true;
+    review();
+    isDelayOver = false;
+}
+
+bool FleetServiceImpl::isCopyLeftOver() {
+    // Without the store of the policy, endpoints may be missing until the next refresh only.
+    if (!configuration->getConfigStoreByName(storeName) ||
+        !configuration->getConfigStoreByName(std::string(ZelUnified::ConfigKeys::registryConfigStore))) {
+        return false;
+    }
+    if (isCopySeen && isDelayOver) {
+        return true;
+    }
+    isCopySeen = true;
+    reviewTimer.start(weak_from_this(), reviewDelay);
+    return false;
 }
 
 FleetSettings FleetServiceImpl::readSettings() {
@@ -157,10 +177,10 @@ void FleetServiceImpl::reportProblems(const std::vector<std::string>& problems) 
     }
 }
 
-void FleetServiceImpl::follow(const FleetSettings& current) {
+void FleetServiceImpl::follow(const FleetSettings& current, bool isToBeRemoved) {
     const bool wasFollowing = endWatch();
     if (current.access.endpoints.empty()) {
-        if (store || wasFollowing) {
+        if (isToBeRemoved || wasFollowing) {
             ZelLog(serviceLogger, ZelLogLevel::Info, ZEL_HERE, "No endpoint is configured any more");
             removeStore();
         }

@@ -31,6 +31,9 @@ namespace fleet {
 /// it is missing. A start may add no store, so the watch asks regularly whether the store is missing, and a timer
 /// repeats the review if the configuration was stopped or the watch could not begin. All of this runs on the services
 /// thread.
+///
+/// If the endpoints were removed while the client was not running, the chain contains the store's cached copy. The
+/// service removes it after a delay, because the client may add its bootstrap file, with endpoints, after the start.
 class FleetServiceImpl final : public ZelUnified::FleetService,
                                public ZelUnified::FeatureSetAdapter,
                                public ZelUnified::ConfigStoreAddedObserver,
@@ -68,9 +71,15 @@ private:
     void post(const std::string& name, void (FleetServiceImpl::*work)());
     /// Makes watch and store follow the settings. Logs a failure, and tries again after `reviewDelay`.
     void review();
+    void reviewAfterDelay();
+    /// Returns true if the cached copy belongs to no cluster any more. The first call for a copy returns false and
+    /// starts the delay.
+    bool isCopyLeftOver();
     FleetSettings readSettings();
     void reportProblems(const std::vector<std::string>& problems);
-    void follow(const FleetSettings& current);
+    /// Ends the watch, and follows the cluster of these settings. If there is none, removes the store of the ended
+    /// watch; without a watch, only if `isToBeRemoved`.
+    void follow(const FleetSettings& current, bool isToBeRemoved);
     /// Returns false if there was no watch.
     bool endWatch();
     void receive(ZelUnified::ConfigMap values);
@@ -93,6 +102,8 @@ private:
     FleetSettings settings;                  ///< Of the watch; without endpoints if there is none.
     std::shared_ptr<FleetConfigStore> store; ///< Null until the first settings have arrived.
     zel::common::BackgroundTimer reviewTimer;
+    bool isCopySeen = false;  ///< There was a copy, and no endpoint, when the timer was started.
+    bool isDelayOver = false; ///< During a review by the timer.
 
     KyrCoreUtils::AnnotatedMutex<> mutex;
     bool started LUMORA_GUARDED_BY(mutex) = false;

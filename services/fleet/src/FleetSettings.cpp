@@ -1,5 +1,6 @@
 #include "FleetSettings.h"
 
+#include "EndpointProblem.h"
 #include "LoggedText.h"
 
 #include <kyr/ProcessUtils.h>
@@ -28,8 +29,8 @@ std::vector<std::string> readList(const AdministratorValues& values, std::wstrin
     return parts;
 }
 
-ClusterAccess readAccess(const AdministratorValues& values, std::vector<std::string>& problems) {
-    ClusterAccess access;
+ZelUnified::FleetAccess readAccess(const AdministratorValues& values, std::vector<std::string>& problems) {
+    ZelUnified::FleetAccess access;
     access.plainHttpAllowed = KyrCoreUtils::toBool(values.get(ConfigKeys::fleetPlainHttpAllowed));
     access.endpoints = readList(values, ConfigKeys::fleetEndpoints);
     std::erase_if(access.endpoints, [&](const std::string& endpoint) {

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "AdministratorValues.h"
-#include "ClusterAccess.h"
 #include "FleetScope.h"
 
+#include <FleetAdministration.h>
 #include <WipedText.h>
 
 #include <cstddef>
@@ -18,7 +18,7 @@ struct FleetSettings {
     /// One transaction reads all scopes, and etcd allows 128 operations in each: everybody, the user and these.
     static constexpr std::size_t maxGroups = 126;
 
-    ClusterAccess access;
+    ZelUnified::FleetAccess access;
     std::vector<FleetScope> scopes; ///< The least specific one first.
     int priority = defaultPriority;
     std::vector<std::string> problems; ///< One line for each endpoint, group and user that is left out.

@@ -1,5 +1,7 @@
 #include "HttpThread.h"
 
+#include <kyr/LockGuard.h>
+#include <kyr/WaitLock.h>
 #include <zel/ZelLog.h>
 
 #include <algorithm>
@@ -13,15 +15,6 @@ namespace {
 
 ZelLogger& threadLogger = ZelLogger_getLogger("Fleet-Thread");
 
-CURLM* makeMulti() {
-    static const auto initialised = curl_global_init(CURL_GLOBAL_DEFAULT);
-    auto* const multi = initialised == CURLE_OK ? curl_multi_init() : nullptr;
-    if (multi == nullptr) {
-        throw std::bad_alloc();
-    }
-    return multi;
-}
-
 /// One user's failure must not end the thread for the others.
 template <class Step>
 void runGuarded(const Step& step) {
@@ -34,7 +27,7 @@ void runGuarded(const Step& step) {
 
 } // namespace
 
-HttpThread::HttpThread() : multi(makeMulti()), thread([this] { run(); }) {}
+HttpThread::HttpThread() : thread([this] { run(); }) {}
 
 HttpThread::~HttpThread() {
     end();
@@ -45,12 +38,12 @@ void HttpThread::post(std::function<void()> task) {
         const KyrCoreUtils::LockGuard lock(mutex);
         tasks.push_back(std::move(task));
     }
-    curl_multi_wakeup(multi.get());
+    wake();
 }
 
 void HttpThread::end() {
     ending = true;
-    curl_multi_wakeup(multi.get());
+    wake();
     if (thread.joinable()) {
         thread.join();
     }
@@ -65,19 +58,34 @@ void HttpThread::cancel(std::uint64_t timer) {
     timers.erase(timer);
 }
 
-std::unique_ptr<HttpTransfer> HttpThread::start(const ClusterAccess& access, HttpRequest request, HttpHandler handler) {
+std::unique_ptr<HttpTransfer> HttpThread::start(const ZelUnified::FleetAccess& access, HttpRequest request,
+                                                HttpHandler handler) {
     return std::make_unique<HttpTransfer>(*this, access, std::move(request), std::move(handler));
 }
 
 void HttpThread::add(HttpTransfer& transfer) {
-    if (curl_multi_add_handle(multi.get(), transfer.getHandle()) != CURLM_OK) {
+    if (!multi) {
+        createMulti();
+    }
+    if (curl().curl_multi_add_handle(multi.get(), transfer.getHandle()) != CURLM_OK) {
         throw std::bad_alloc();
     }
 }
 
+void HttpThread::createMulti() {
+    MultiHandle created(curl().curl_multi_init());
+    if (!created) {
+        throw std::bad_alloc();
+    }
+    // A wake-up since the last wait was for the condition variable.
+    curl().curl_multi_wakeup(created.get());
+    const KyrCoreUtils::LockGuard lock(mutex);
+    multi = std::move(created);
+}
+
 void HttpThread::remove(HttpTransfer& transfer) {
     ready.erase(&transfer);
-    curl_multi_remove_handle(multi.get(), transfer.getHandle());
+    curl().curl_multi_remove_handle(multi.get(), transfer.getHandle());
 }
 
 void HttpThread::run() {
@@ -89,20 +97,43 @@ void HttpThread::run() {
 void HttpThread::runOnce() {
     runTasks();
     runTimers();
+    if (multi) {
+        runTransfers();
+    } else {
+        wait();
+    }
+}
+
+void HttpThread::runTransfers() {
     int running = 0;
-    auto code = curl_multi_perform(multi.get(), &running);
+    auto code = curl().curl_multi_perform(multi.get(), &running);
     deliver();
     if (code == CURLM_OK && !ending) {
-        code = curl_multi_poll(multi.get(), nullptr, 0, getPollTime(), nullptr);
+        code = curl().curl_multi_poll(multi.get(), nullptr, 0, getPollTime(), nullptr);
     }
     check(code);
+}
+
+void HttpThread::wait() {
+    KyrCoreUtils::WaitLock lock(mutex);
+    woken.wait_for(lock.get(), std::chrono::milliseconds(getPollTime()),
+                   [this]() LUMORA_REQUIRES(mutex) { return ending || !tasks.empty(); });
+}
+
+void HttpThread::wake() {
+    const KyrCoreUtils::LockGuard lock(mutex);
+    if (multi) {
+        curl().curl_multi_wakeup(multi.get());
+    } else {
+        woken.notify_one();
+    }
 }
 
 void HttpThread::check(CURLMcode code) {
     if (code != CURLM_OK) {
         if (code != lastCode) {
             ZelLog(threadLogger, ZelLogLevel::Error, ZEL_HERE,
-                   std::string("libcurl has failed: ") + curl_multi_strerror(code));
+                   std::string("libcurl has failed: ") + curl().curl_multi_strerror(code));
         }
         // The cause may pass; until then the loop must not occupy a processor.
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
@@ -139,9 +170,9 @@ void HttpThread::runTimers() {
 
 void HttpThread::deliver() {
     int left = 0;
-    while (const auto* message = curl_multi_info_read(multi.get(), &left)) {
+    while (const auto* message = curl().curl_multi_info_read(multi.get(), &left)) {
         void* self = nullptr;
-        curl_easy_getinfo(message->easy_handle, CURLINFO_PRIVATE, &self);
+        curl().curl_easy_getinfo(message->easy_handle, CURLINFO_PRIVATE, &self);
         auto& transfer = *static_cast<HttpTransfer*>(self);
         transfer.setEnded(message->data.result);
         markReady(transfer);

@@ -3,10 +3,10 @@
 #include "HttpTransfer.h"
 
 #include <kyr/AnnotatedMutex.h>
-#include <kyr/LockGuard.h>
 
 #include <atomic>
 #include <chrono>
+#include <condition_variable>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -18,7 +18,7 @@
 namespace fleet {
 
 /// A thread that runs requests, timers and posted tasks. Several users may share one. What a task, timer or handler
-/// throws is logged, and the thread goes on.
+/// throws is logged, and the thread goes on. It loads libcurl for the first request.
 class HttpThread {
 public:
     using Clock = std::chrono::steady_clock;
@@ -41,7 +41,9 @@ public:
     std::uint64_t callAfter(std::chrono::milliseconds time, std::function<void()> task);
     /// Ignores a timer that has run.
     void cancel(std::uint64_t timer);
-    std::unique_ptr<HttpTransfer> start(const ClusterAccess& access, HttpRequest request, HttpHandler handler);
+    /// Throws std::runtime_error if libcurl cannot be loaded.
+    std::unique_ptr<HttpTransfer> start(const ZelUnified::FleetAccess& access, HttpRequest request,
+                                        HttpHandler handler);
 
     // For HttpTransfer.
 
@@ -56,11 +58,18 @@ private:
         std::function<void()> task;
     };
     struct MultiDeleter {
-        void operator()(CURLM* multiHandle) const { curl_multi_cleanup(multiHandle); }
+        void operator()(CURLM* multiHandle) const { curl().curl_multi_cleanup(multiHandle); }
     };
+    using MultiHandle = std::unique_ptr<CURLM, MultiDeleter>;
 
     void run();
     void runOnce();
+    void runTransfers();
+    /// Waits for a task, a timer, the end or, with libcurl, for the network.
+    void wait();
+    /// Ends a wait. Any thread.
+    void wake();
+    void createMulti();
     /// Logs a failure of libcurl, and waits a moment.
     void check(CURLMcode code);
     void runTasks();
@@ -68,9 +77,10 @@ private:
     void deliver();
     int getPollTime() const;
 
-    const std::unique_ptr<CURLM, MultiDeleter> multi;
     KyrCoreUtils::AnnotatedMutex<> mutex;
+    std::condition_variable woken; ///< Only while there is no `multi`.
     std::vector<std::function<void()>> tasks LUMORA_GUARDED_BY(mutex);
+    MultiHandle multi; ///< Null until the first request. Assigned by the thread, under the mutex.
     std::atomic<bool> ending = false;
     std::map<std::uint64_t, Timer> timers; ///< A watch has three at most.
     std::uint64_t lastTimer = 0;

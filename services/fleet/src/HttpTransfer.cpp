@@ -17,8 +17,8 @@ constexpr long lowestSpeed = 1000;
 template <class Value>
 void setOption(CURL* handle, CURLoption option, Value value) {
     // Fails only for an option that this build of libcurl lacks, and for lack of memory.
-    if (const auto code = curl_easy_setopt(handle, option, value); code != CURLE_OK) {
-        throw std::runtime_error(curl_easy_strerror(code));
+    if (const auto code = curl().curl_easy_setopt(handle, option, value); code != CURLE_OK) {
+        throw std::runtime_error(curl().curl_easy_strerror(code));
     }
 }
 
@@ -30,12 +30,12 @@ void setFile(CURL* handle, CURLoption option, const std::string& path) {
 
 } // namespace
 
-HttpTransfer::HttpTransfer(HttpThread& owner, const ClusterAccess& access, HttpRequest sentRequest,
+HttpTransfer::HttpTransfer(HttpThread& owner, const ZelUnified::FleetAccess& access, HttpRequest sentRequest,
                            HttpHandler resultHandler)
     : thread(owner),
       request(std::move(sentRequest)),
       handler(std::make_shared<const HttpHandler>(std::move(resultHandler))),
-      handle(curl_easy_init()) {
+      handle(curl().curl_easy_init()) {
     if (!handle) {
         throw std::bad_alloc();
     }
@@ -47,7 +47,7 @@ HttpTransfer::~HttpTransfer() {
     thread.remove(*this);
 }
 
-void HttpTransfer::setOptions(const ClusterAccess& access) {
+void HttpTransfer::setOptions(const ZelUnified::FleetAccess& access) {
     auto* const easy = handle.get();
     setOption(easy, CURLOPT_URL, request.url.c_str());
     setOption(easy, CURLOPT_PROTOCOLS_STR, access.plainHttpAllowed ? "https,http" : "https");
@@ -75,7 +75,7 @@ void HttpTransfer::setOptions(const ClusterAccess& access) {
         setOption(easy, CURLOPT_CAPATH, static_cast<const char*>(nullptr));
     }
     for (const auto& header : request.headers) {
-        auto* const extended = curl_slist_append(headerList.get(), header.c_str());
+        auto* const extended = curl().curl_slist_append(headerList.get(), header.c_str());
         if (extended == nullptr) {
             throw std::bad_alloc();
         }
@@ -111,14 +111,14 @@ std::size_t HttpTransfer::receive(char* data, std::size_t size, std::size_t coun
 
 int HttpTransfer::getStatus() const {
     long status = 0;
-    curl_easy_getinfo(handle.get(), CURLINFO_RESPONSE_CODE, &status);
+    curl().curl_easy_getinfo(handle.get(), CURLINFO_RESPONSE_CODE, &status);
     return static_cast<int>(status);
 }
 
 void HttpTransfer::setEnded(CURLcode code) {
     result.status = getStatus();
     long sentBytes = 0;
-    curl_easy_getinfo(handle.get(), CURLINFO_REQUEST_SIZE, &sentBytes);
+    curl().curl_easy_getinfo(handle.get(), CURLINFO_REQUEST_SIZE, &sentBytes);
     result.wasSent = sentBytes > 0;
     result.tooLong = tooLong;
     if (code != CURLE_OK) {
@@ -137,7 +137,7 @@ std::string HttpTransfer::describe(CURLcode code) const {
     if (code == CURLE_SSL_CERTPROBLEM) {
         return "the client's certificate or its key cannot be used; a key with a passphrase is not supported";
     }
-    return curl_easy_strerror(code);
+    return curl().curl_easy_strerror(code);
 }
 
 void HttpTransfer::deliver() {

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "ClusterAccess.h"
+#include "CurlLibrary.h"
 
+#include <FleetAdministration.h>
 #include <WipedText.h>
-#include <curl/curl.h>
 
 #include <chrono>
 #include <functional>
@@ -52,7 +52,8 @@ public:
     /// An answer that waits for its handler, or that is collected, has at most this size; a longer one is an error.
     static constexpr std::size_t bufferLimit = std::size_t{64} << 20U;
 
-    HttpTransfer(HttpThread& owner, const ClusterAccess& access, HttpRequest sentRequest, HttpHandler resultHandler);
+    HttpTransfer(HttpThread& owner, const ZelUnified::FleetAccess& access, HttpRequest sentRequest,
+                 HttpHandler resultHandler);
     ~HttpTransfer();
     HttpTransfer(const HttpTransfer&) = delete;
     HttpTransfer& operator=(const HttpTransfer&) = delete;
@@ -65,16 +66,16 @@ public:
 private:
     static std::size_t receive(char* data, std::size_t size, std::size_t count, void* self);
 
-    void setOptions(const ClusterAccess& access);
+    void setOptions(const ZelUnified::FleetAccess& access);
     /// Returns 0 before the answer begins.
     int getStatus() const;
     std::string describe(CURLcode code) const;
 
     struct HandleDeleter {
-        void operator()(CURL* easy) const { curl_easy_cleanup(easy); }
+        void operator()(CURL* easy) const { curl().curl_easy_cleanup(easy); }
     };
     struct ListDeleter {
-        void operator()(curl_slist* list) const { curl_slist_free_all(list); }
+        void operator()(curl_slist* list) const { curl().curl_slist_free_all(list); }
     };
 
     HttpThread& thread;

@@ -215,8 +215,8 @@ void EtcdCluster::enableAuthentication() {
     authenticates = true;
 }
 
-fleet::ClusterAccess EtcdCluster::getAccess() const {
-    fleet::ClusterAccess access;
+ZelUnified::FleetAccess EtcdCluster::getAccess() const {
+    ZelUnified::FleetAccess access;
     for (const auto& place : places) {
         access.endpoints.push_back(place.clientUrl);
     }
@@ -233,7 +233,7 @@ fleet::ClusterAccess EtcdCluster::getAccess() const {
     return access;
 }
 
-fleet::ClusterAccess EtcdCluster::getAdministratorAccess() const {
+ZelUnified::FleetAccess EtcdCluster::getAdministratorAccess() const {
     auto access = getAccess();
     if (authenticates) {
         access.username = "root";

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "ClusterAccess.h"
 #include "EtcdSession.h"
 
+#include <FleetAdministration.h>
 #include <Signal.h>
 #include <sys/types.h>
 
@@ -58,8 +58,8 @@ public:
     EtcdCluster& operator=(const EtcdCluster&) = delete;
 
     /// How clients reach the cluster, and how administrators do.
-    fleet::ClusterAccess getAccess() const;
-    fleet::ClusterAccess getAdministratorAccess() const;
+    ZelUnified::FleetAccess getAccess() const;
+    ZelUnified::FleetAccess getAdministratorAccess() const;
     void put(const std::string& key, const std::string& value);
     void remove(const std::string& key);
     /// Runs etcdctl as the administrator. Throws std::runtime_error with its output if it fails.

@@ -1,7 +1,7 @@
 #include "EtcdMessages.h"
 
 #include "Base64.h"
-#include "ClusterAccess.h"
+#include "EndpointProblem.h"
 #include "FleetKeys.h"
 
 #include <kyr/StringUtils.h>
@@ -51,6 +51,22 @@ TEST(FleetMessages, SnapshotIsParsed) {
     EXPECT_EQ(snapshot->pairs[1].value, "");
 }
 
+TEST(FleetMessages, RangeIsParsed) {
+    const auto range = etcd::parseRange(R"({"header":{"revision":"7"},"kvs":[{"key":"YQ=="},{"key":"Yw=="}]})");
+    ASSERT_TRUE(range);
+    EXPECT_EQ(range->revision, 7);
+    EXPECT_FALSE(range->more);
+    ASSERT_EQ(range->pairs.size(), 2U);
+    EXPECT_EQ(range->pairs[1].key, "c");
+    const auto empty = etcd::parseRange(R"({"header":{"revision":"7"}})");
+    ASSERT_TRUE(empty);
+    EXPECT_TRUE(empty->pairs.empty());
+    for (const auto* text :
+         {"", "[]", "{}", R"({"header":{}})", R"({"header":{"revision":"7"},"kvs":[{"key":"!"}]})"}) {
+        EXPECT_FALSE(etcd::parseRange(text)) << text;
+    }
+}
+
 TEST(FleetMessages, WatchReplyIsParsed) {
     const auto changes = etcd::parseWatchReply(
         R"({"result":{"watch_id":"1","events":[{"kv":{"key":"YQ==","value":"Yg=="}},{"type":"DELETE","kv":{"key":"Yw=="}}]}})");
@@ -95,8 +111,8 @@ TEST(FleetMessages, RangeEndsBehindTheLastKeyOfTheScope) {
     EXPECT_EQ(scope.getEnd(), "/lumora/fleet/users/ada0");
 }
 
-TEST(FleetClusterAccess, AcceptsPlainHttpOnlyIfAllowed) {
-    fleet::ClusterAccess access;
+TEST(FleetEndpointProblem, AcceptsPlainHttpOnlyIfAllowed) {
+    ZelUnified::FleetAccess access;
     EXPECT_EQ(findEndpointProblem(access, "https://etcd.example:2379"), "");
     EXPECT_EQ(findEndpointProblem(access, "https://[::1]:2379"), "");
     EXPECT_NE(findEndpointProblem(access, "http://etcd.example:2379"), "");

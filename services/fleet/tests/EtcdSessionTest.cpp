@@ -51,5 +51,20 @@ TEST_F(FleetSession, AuthenticatesAgainAfterTheTokensAreLost) {
     EXPECT_TRUE(session.remove(themeKey));
 }
 
+TEST_F(FleetSession, FindsTheLastSpellingOfAKeyWithItsValue) {
+    EtcdCluster cluster;
+    const auto everybody = fleet::FleetScope::ofAll();
+    fleet::EtcdSession session(cluster.getAccess());
+    EXPECT_FALSE(session.find(everybody, "Theme"));
+    cluster.put("/lumora/fleet/all/THEME", "1");
+    cluster.put("/lumora/fleet/all/Theme", "2");
+    cluster.put("/lumora/fleet/all/ThemeOther", "3");
+    cluster.put("/lumora/fleet/users/ada/theme", "4");
+    const auto found = session.find(everybody, "theMe");
+    ASSERT_TRUE(found);
+    EXPECT_EQ(found->key, "/lumora/fleet/all/Theme");
+    EXPECT_EQ(found->value, "2");
+}
+
 } // namespace
 } // namespace fleet_test

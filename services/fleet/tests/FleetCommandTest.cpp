@@ -1,12 +1,10 @@
 #include "EtcdCluster.h"
 #include "ProgramRun.h"
+#include "RunningProgram.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <array>
-#include <csignal>
-#include <tuple>
+#include <utility>
 
 namespace fleet_test {
 namespace {
@@ -89,48 +87,27 @@ TEST_F(FleetCommand, RefusesPlainHttpUnlessItIsAllowed) {
     EXPECT_NE(result.output.find("--plain-http"), std::string::npos) << result.output;
 }
 
-TEST_F(FleetCommand, UnsetRemovesAKeyFromAClusterThatHoldsTooMuchToBeRead) {
-    EtcdCluster cluster;
-    constexpr std::size_t keys = 50; // 67 MiB in the messages of the gateway
-    for (std::size_t key = 0; key < keys; ++key) {
-        cluster.put("/lumora/fleet/all/Key" + std::to_string(key), std::string(std::size_t{1} << 20U, 'x'));
-    }
-    EXPECT_EQ(run(cluster, {"list"}).code, 3);
-    EXPECT_EQ(run(cluster, {"unset", "Key0"}).code, 0);
-    EXPECT_EQ(cluster.control({"get", "/lumora/fleet/all/Key0"}), "");
-}
-
 /// "lumora-config fleet watch" for the user "ada".
-class RunningWatch {
+class RunningWatch : public RunningProgram {
 public:
-    explicit RunningWatch(const EtcdCluster& cluster) {
-        std::tie(process, pipe) = spawnProgram(PROGRAM, {"fleet", "watch", "--user", "ada", "--plain-http",
-                                                         "--endpoint", cluster.getAccess().endpoints.front()});
-    }
-    ~RunningWatch() { ::close(pipe); }
-    RunningWatch(const RunningWatch&) = delete;
-    RunningWatch& operator=(const RunningWatch&) = delete;
-
-    /// Reads until the output contains the text. Returns false if the program ends before.
-    bool readUntil(const std::string& text) {
-        std::array<char, 512> buffer{};
-        while (output.find(text) == std::string::npos) {
-            const auto count = ::read(pipe, buffer.data(), buffer.size());
-            if (count <= 0) {
-                return false;
-            }
-            output.append(buffer.data(), static_cast<std::size_t>(count));
-        }
-        return true;
-    }
-    const std::string& getOutput() const { return output; }
-    int interrupt() const { return endProgram(process, SIGINT); }
+    explicit RunningWatch(const EtcdCluster& cluster, std::vector<std::string> options = {})
+        : RunningProgram(PROGRAM, makeArguments(cluster, std::move(options))) {}
 
 private:
-    pid_t process = -1;
-    int pipe = -1;
-    std::string output;
+    static std::vector<std::string> makeArguments(const EtcdCluster& cluster, std::vector<std::string> options) {
+        options.insert(options.end(), {"fleet", "watch", "--user", "ada", "--plain-http", "--endpoint",
+                                       cluster.getAccess().endpoints.front()});
+        return options;
+    }
 };
+
+std::size_t count(const std::string& text, const std::string& part) {
+    std::size_t found = 0;
+    for (auto position = text.find(part); position != std::string::npos; position = text.find(part, position + 1)) {
+        ++found;
+    }
+    return found;
+}
 
 TEST_F(FleetCommand, WatchPrintsEachChangeUntilASignalArrives) {
     EtcdCluster cluster;
@@ -167,6 +144,33 @@ TEST_F(FleetCommand, WatchPrintsSkippedKeysAndFailuresOfTheCluster) {
     EXPECT_TRUE(watch.readUntil("The cluster cannot be followed")) << watch.getOutput();
     cluster.restart(0);
     EXPECT_TRUE(watch.readUntil("The cluster can be followed again")) << watch.getOutput();
+    EXPECT_EQ(watch.interrupt(), 0);
+}
+
+TEST_F(FleetCommand, VerboseWatchPrintsEachLogLineOnce) {
+    EtcdCluster cluster;
+    RunningWatch watch(cluster, {"--verbose"});
+    EXPECT_TRUE(watch.readUntil("watching a client with 0 settings"));
+    cluster.put("/lumora/fleet/all/two words", "1");
+    cluster.put("/lumora/fleet/all/Theme", "dark");
+    EXPECT_TRUE(watch.readUntil("Theme: (none) -> \"dark\"\n")) << watch.getOutput();
+    EXPECT_EQ(count(watch.getOutput(), "is skipped"), 1U) << watch.getOutput();
+    EXPECT_EQ(watch.interrupt(), 0);
+}
+
+TEST_F(FleetCommand, WorksOnAClusterThatHoldsTooMuchToBeRead) {
+    EtcdCluster cluster;
+    constexpr std::size_t keys = 50; // 67 MiB in the messages of the gateway
+    for (std::size_t key = 0; key < keys; ++key) {
+        cluster.put("/lumora/fleet/all/Key" + std::to_string(key), std::string(std::size_t{1} << 20U, 'x'));
+    }
+    EXPECT_EQ(run(cluster, {"list"}).code, 3);
+    EXPECT_EQ(run(cluster, {"set", "KEY1", "small"}).code, 0);
+    EXPECT_EQ(run(cluster, {"get", "key1"}).output, "small\n");
+    EXPECT_EQ(run(cluster, {"unset", "key0"}).code, 0);
+    EXPECT_EQ(cluster.control({"get", "/lumora/fleet/all/Key0"}), "");
+    RunningWatch watch(cluster);
+    EXPECT_TRUE(watch.readUntil("it holds more than 10,000 keys or 16 MiB")) << watch.getOutput();
     EXPECT_EQ(watch.interrupt(), 0);
 }
 

@@ -28,7 +28,7 @@ std::string join(const std::vector<std::string>& parts) {
 
 } // namespace
 
-void FleetHost::writeDefaults(const std::filesystem::path& resources, const fleet::ClusterAccess& access,
+void FleetHost::writeDefaults(const std::filesystem::path& resources, const ZelUnified::FleetAccess& access,
                               const Rows& others) {
     auto rows = others;
     rows.insert({{"Theme", "default"}, {"FleetUser", "ada"}, {"FleetGroups", "nurses, night shift"}});

@@ -5,10 +5,10 @@
 #include <registry/Registry.h>
 #include <unified/UnifiedFactoryImpl.h>
 
-#include <ClusterAccess.h>
 #include <ConfigFeatureSet.h>
 #include <ConfigService.h>
 #include <ConfigValueObserver.h>
+#include <FleetAdministration.h>
 
 #include <filesystem>
 #include <functional>
@@ -28,7 +28,7 @@ public:
 
     /// The resources of the profile receive a defaults file with `Theme`, this access if there are endpoints, and other
     /// rows, which replace those.
-    static void writeDefaults(const std::filesystem::path& resources, const fleet::ClusterAccess& access,
+    static void writeDefaults(const std::filesystem::path& resources, const ZelUnified::FleetAccess& access,
                               const Rows& others = {});
 
     /// The administrators' policies are in `administrator`, the folder that is in /etc otherwise.

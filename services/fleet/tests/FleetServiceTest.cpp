@@ -28,7 +28,7 @@ protected:
         }
     }
 
-    void writeDefaults(const fleet::ClusterAccess& access, const FleetHost::Rows& others = {}) const {
+    void writeDefaults(const ZelUnified::FleetAccess& access, const FleetHost::Rows& others = {}) const {
         FleetHost::writeDefaults(profile.resources(), access, others);
     }
 
@@ -50,7 +50,7 @@ protected:
     void setPolicy(const FleetHost& host, const FleetHost::Rows& rows) const {
         setPolicy(host, administrator / "HKEY_CURRENT_USER", rows);
     }
-    static FleetHost::Rows makePolicy(const fleet::ClusterAccess& access) {
+    static FleetHost::Rows makePolicy(const ZelUnified::FleetAccess& access) {
         return {{"FleetEndpoints", access.endpoints.front()},
                 {"FleetPlainHttpAllowed", "true"},
                 {"FleetConnectionUsername", access.username},
@@ -58,6 +58,17 @@ protected:
     }
     static std::filesystem::path getCachedCopy() {
         return KyrCoreUtils::FileUtils::getConfigDirectory() + "/Cache/cachedFleetConfigStore.dat";
+    }
+
+    void addBootstrapFile(const FleetHost& host, const fleet::ZelUnified::FleetAccess& access) const {
+        const auto file = profile.root() / "installer.properties";
+        testing_host::writeFile(file, "FleetEndpoints: " + access.endpoints.front() +
+                                          "\nFleetPlainHttpAllowed: true\nFleetUser: ada\n");
+        host.onServices([&] {
+            auto* const maker = dynamic_cast<ZelUnified::BootstrapStoreFactory*>(&host.getConfiguration());
+            ASSERT_NE(maker, nullptr);
+            host.getConfiguration().addConfigStore(maker->createBootstrapStore(file.string(), 100));
+        });
     }
 
     const testing_host::TemporaryProfile profile;
@@ -234,6 +245,46 @@ TEST_F(FleetService, EndOfTheWatchRemovesTheCopyOfAnEarlierRun) {
     setPolicy(host, {});
     EXPECT_EQ(host.getValue(L"Theme"), L"default");
     EXPECT_FALSE(std::filesystem::exists(getCachedCopy()));
+}
+
+TEST_F(FleetService, CopyIsRemovedIfTheEndpointsWereRemovedWhileTheClientWasNotRunning) {
+    EtcdCluster cluster;
+    cluster.put("/lumora/fleet/all/Theme", "dark");
+    writeDefaults(cluster.getAccess());
+    {
+        const FleetHost host;
+        ASSERT_TRUE(host.waitForValue(L"Theme", L"dark"));
+    }
+    writeDefaults({});
+    testing_host::ManualClock clock;
+    const FleetHost host;
+    host.waitForReview();
+    EXPECT_EQ(host.getValue(L"Theme"), L"dark") << "the client may add a bootstrap file with endpoints";
+    clock.advance(fleet::FleetServiceImpl::reviewDelay);
+    host.waitForReview();
+    EXPECT_EQ(host.getValue(L"Theme"), L"default");
+    EXPECT_FALSE(std::filesystem::exists(getCachedCopy()));
+}
+
+TEST_F(FleetService, CopyStaysIfTheClientAddsItsBootstrapFileAfterTheStart) {
+    EtcdCluster cluster;
+    cluster.put("/lumora/fleet/all/Theme", "dark");
+    writeDefaults(cluster.getAccess());
+    {
+        const FleetHost host;
+        ASSERT_TRUE(host.waitForValue(L"Theme", L"dark"));
+    }
+    cluster.kill(0);
+    writeDefaults({});
+    testing_host::ManualClock clock;
+    const FleetHost host;
+    addBootstrapFile(host, cluster.getAccess());
+    host.waitForReview();
+    clock.advance(fleet::FleetServiceImpl::reviewDelay);
+    host.waitForReview();
+    EXPECT_TRUE(host.getFleet().isFollowing());
+    EXPECT_EQ(host.getValue(L"Theme"), L"dark");
+    EXPECT_TRUE(std::filesystem::exists(getCachedCopy()));
 }
 
 TEST_F(FleetService, PolicyStaysInForceAfterAStopOfTheConfiguration) {
@@ -421,14 +472,7 @@ TEST_F(FleetService, BootstrapFileChoosesTheCluster) {
     cluster.put("/lumora/fleet/all/Theme", "dark");
     writeDefaults({});
     const FleetHost host;
-    const auto file = profile.root() / "installer.properties";
-    testing_host::writeFile(file, "FleetEndpoints: " + cluster.getAccess().endpoints.front() +
-                                      "\nFleetPlainHttpAllowed: true\nFleetUser: ada\n");
-    host.onServices([&] {
-        auto* const maker = dynamic_cast<ZelUnified::BootstrapStoreFactory*>(&host.getConfiguration());
-        ASSERT_NE(maker, nullptr);
-        host.getConfiguration().addConfigStore(maker->createBootstrapStore(file.string(), 100));
-    });
+    addBootstrapFile(host, cluster.getAccess());
     EXPECT_TRUE(host.waitForValue(L"Theme", L"dark"));
 }
 

@@ -144,7 +144,7 @@ std::vector<std::string> followTwice(ScriptedMember::Script script, fleet::Fleet
                                      std::string username = {}) {
     const testing_host::LogRecorder log;
     const ScriptedMember member(std::move(script));
-    fleet::ClusterAccess access;
+    ZelUnified::FleetAccess access;
     access.endpoints = {member.getEndpoint()};
     access.plainHttpAllowed = true;
     access.username = std::move(username);

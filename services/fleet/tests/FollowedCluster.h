@@ -19,7 +19,7 @@ inline fleet::FleetTimes shortTimes() {
 }
 
 /// A client of group "nurses" and user "ada".
-inline fleet::FleetSettings makeSettings(const fleet::ClusterAccess& access) {
+inline fleet::FleetSettings makeSettings(const ZelUnified::FleetAccess& access) {
     fleet::FleetSettings settings;
     settings.access = access;
     settings.scopes = {fleet::FleetScope::ofAll(), fleet::FleetScope::ofGroup("nurses"),
@@ -29,7 +29,7 @@ inline fleet::FleetSettings makeSettings(const fleet::ClusterAccess& access) {
 
 /// A watch with an observer.
 struct Client {
-    explicit Client(const fleet::ClusterAccess& access, const fleet::FleetTimes& times = shortTimes())
+    explicit Client(const ZelUnified::FleetAccess& access, const fleet::FleetTimes& times = shortTimes())
         : follower(makeSettings(access), times,
                    [this](ZelUnified::ConfigMap settings) { observer.receive(std::move(settings)); }) {}
 

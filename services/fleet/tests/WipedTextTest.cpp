@@ -28,8 +28,8 @@ public:
         return *new (bytes.data()) Object(std::forward<Arguments>(arguments)...);
     }
     bool contains(std::string_view text) const {
-        const std::string_view all(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-        return all.find(text) != std::string_view::npos;
+        const std::string_view held(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+        return held.find(text) != std::string_view::npos;
     }
 
 private:

@@ -1,8 +1,12 @@
+#include "InspectionLimits.h"
 #include "TestHost.h"
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <fstream>
+#include <iterator>
+#include <string>
 
 namespace inspection_test {
 namespace {
@@ -32,6 +36,29 @@ TEST(InspectionDocumentation, TheExamplesGetThePrintedReplies) {
         }
     }
     EXPECT_GE(replies, 14U);
+}
+
+TEST(InspectionDocumentation, TheLimitsAreThoseOfTheService) {
+    const inspection::InspectionLimits limits;
+    const auto mebibytes = [](std::size_t bytes) { return std::to_string(bytes / (1024 * 1024)) + " MiB"; };
+    const auto seconds = [](std::chrono::milliseconds time) {
+        return std::to_string(time.count() / 1000) + " seconds";
+    };
+    std::ifstream file(DOCUMENTATION);
+    const std::string page((std::istreambuf_iterator<char>(file)), {});
+    for (const auto& text :
+         {"| a request of more than " + mebibytes(limits.requestBytes) + " |",
+          "| " + mebibytes(limits.stagedBytes) + " of values for one `load` |",
+          "| " + std::to_string(limits.connections) + " connections |",
+          "| " + seconds(limits.requestTime) + " for a whole request, and for the first one |",
+          "| " + std::to_string(limits.idleTime / std::chrono::minutes(1)) + " minutes without a request, unless",
+          "| " + seconds(limits.replyTime) + " for reading a reply |",
+          std::to_string(limits.queuedEvents / 1000) + ",000 events (" + mebibytes(limits.queuedBytes) + ") for a",
+          "waits up to " + seconds(limits.catchUpTime) + " until"}) {
+        EXPECT_NE(page.find(text), std::string::npos) << text;
+    }
+    EXPECT_EQ(limits.queuedChanges, 16384U);
+    EXPECT_NE(page.find("(16,384\nqueued and 16,384 in distribution)"), std::string::npos);
 }
 
 } // namespace

@@ -279,7 +279,7 @@ ExitCode runSession(const CommandLine& line, Printer& printer, Outputs& outputs)
         if (!line.trusted) {
             requireTrusted(line.namedDirectories);
         }
-        runFleetCommand(line.command, line.pluginDirectory, line.showSecrets, printer);
+        runFleetCommand(line, printer);
         return ExitCode::Done;
     }
     if (line.command.name == "watch") {

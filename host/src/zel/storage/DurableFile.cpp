@@ -4,6 +4,7 @@
 #include "PathParts.h"
 #include "kyr/HexDigits.h"
 
+#include <kyr/FileUtils.h>
 #include <kyr/Paths.h>
 
 #include <openssl/rand.h>
@@ -13,6 +14,7 @@
 #include <chrono>
 #include <filesystem>
 #include <system_error>
+#include <vector>
 
 namespace zel::storage {
 
@@ -54,22 +56,33 @@ bool isTemporaryOf(std::string_view candidate, const std::string& name) {
            candidate.ends_with(temporarySuffix);
 }
 
-/// Removes temporary files that killed writers of `path` left behind. It recognizes them by their name and age: a
-/// living writer finishes within seconds.
-void removeLeftovers(FileLayer& layer, const std::string& path) {
+/// Returns true for a name that makeTemporaryName() returns for any path.
+bool isTemporary(std::string_view candidate) {
+    if (candidate.size() < randomDigits + temporarySuffix.size() + 3 || !candidate.ends_with(temporarySuffix)) {
+        return false;
+    }
+    candidate.remove_suffix(temporarySuffix.size());
+    const std::string_view digits = candidate.substr(candidate.size() - randomDigits);
+    return candidate.front() == '.' && candidate[candidate.size() - randomDigits - 1] == '.' &&
+           digits.find_first_not_of("0123456789abcdef") == std::string_view::npos;
+}
+
+/// Returns true if no living writer can have the temporary file open: it finishes within seconds.
+bool isLeftover(const std::filesystem::path& temporary) {
+    std::error_code failed;
+    const auto written = std::filesystem::last_write_time(temporary, failed);
+    return !failed && std::filesystem::file_time_type::clock::now() - written > longAgo;
+}
+
+/// Removes temporary files that killed writers of `path` left behind.
+void removeLeftoversOf(FileLayer& layer, const std::string& path) {
     const PathParts parts = splitPath(path);
     const auto directory = KyrCoreUtils::toPath(parts.directory.empty() ? "." : parts.directory);
-    const auto now = std::filesystem::file_time_type::clock::now();
     std::error_code failed;
     for (std::filesystem::directory_iterator entry(directory, failed), end; !failed && entry != end;
          entry.increment(failed)) {
         const std::string name = KyrCoreUtils::toText(entry->path().filename());
-        if (!isTemporaryOf(name, parts.name)) {
-            continue;
-        }
-        std::error_code ignored;
-        const auto written = std::filesystem::last_write_time(entry->path(), ignored);
-        if (!ignored && now - written > longAgo) {
+        if (isTemporaryOf(name, parts.name) && isLeftover(entry->path())) {
             layer.unlink(parts.prefix + name);
         }
     }
@@ -83,6 +96,16 @@ int DurableFile::replace(FileLayer& layer, const std::string& path, std::string_
 
 int DurableFile::create(FileLayer& layer, const std::string& path, std::string_view bytes) {
     return write(layer, path, bytes, Publish::ByLink);
+}
+
+void DurableFile::removeLeftovers(FileLayer& layer, const std::string& directory) {
+    std::vector<std::string> files;
+    KyrCoreUtils::FileUtils::getFilesFromDirectory(directory, std::string(temporarySuffix), files);
+    for (const auto& file : files) {
+        if (isTemporary(KyrCoreUtils::FileUtils::getFileName(file)) && isLeftover(KyrCoreUtils::toPath(file))) {
+            layer.unlink(file);
+        }
+    }
 }
 
 std::string DurableFile::makeTemporaryName(const std::string& path) {
@@ -132,7 +155,7 @@ int DurableFile::write(FileLayer& layer, const std::string& path, std::string_vi
         return error;
     }
     error = layer.syncDirectory(parts.directory);
-    removeLeftovers(layer, path);
+    removeLeftoversOf(layer, path);
     return error;
 }
 

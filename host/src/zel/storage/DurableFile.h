@@ -21,6 +21,10 @@ public:
     /// succeeds.
     static int create(FileLayer& layer, const std::string& path, std::string_view bytes);
 
+    /// Removes the temporary files at and below `directory` that killed writers of any file left more than ten minutes
+    /// ago. A write removes only those of its own path, and some files are never written again.
+    static void removeLeftovers(FileLayer& layer, const std::string& directory);
+
     /// Returns an unused hidden name in the directory of `path`; "" if no random bytes are available.
     static std::string makeTemporaryName(const std::string& path);
 

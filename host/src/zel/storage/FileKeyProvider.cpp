@@ -10,6 +10,7 @@
 #include "WipedBytes.h"
 
 #include <kyr/FileUtils.h>
+#include <kyr/LockGuard.h>
 
 #include <openssl/crypto.h>
 #include <openssl/rand.h>
@@ -122,6 +123,7 @@ KeyResult FileKeyProvider::find(FileCategoryType::FileCategory category, MasterK
 }
 
 KeyResult FileKeyProvider::findOrMake(FileCategoryType::FileCategory category, MasterKey& key) {
+    const KyrCoreUtils::LockGuard threads(makingKey);
     const KeyResult atFirst = find(category, key);
     if (atFirst == KeyResult::Found || atFirst == KeyResult::Unavailable) {
         return atFirst;

@@ -34,6 +34,10 @@ struct DurableFileTest : testing::Test {
         fs::remove_all(profile.config());
         writeFile(path, oldContent);
     }
+    void leave(const std::string& name, std::chrono::minutes age) const {
+        writeFile(profile.config() / name, "torn");
+        fs::last_write_time(profile.config() / name, fs::file_time_type::clock::now() - age);
+    }
 };
 
 TEST_F(DurableFileTest, ReplaceWritesSyncsAndRenamesATemporaryFileInThisOrder) {
@@ -171,10 +175,6 @@ TEST_F(DurableFileTest, AMissingFolderIsNotCreated) {
 }
 
 TEST_F(DurableFileTest, RemovesOldTemporaryFilesOfKilledWriters) {
-    const auto leave = [this](const std::string& name, std::chrono::minutes age) {
-        writeFile(profile.config() / name, "torn");
-        fs::last_write_time(profile.config() / name, fs::file_time_type::clock::now() - age);
-    };
     leave(".settings.dat.0123456789abcdef.tmp", std::chrono::minutes(30));
     leave(".settings.dat.fedcba9876543210.tmp", std::chrono::minutes(1));
     leave(".other.dat.0123456789abcdef.tmp", std::chrono::minutes(30));
@@ -184,6 +184,22 @@ TEST_F(DurableFileTest, RemovesOldTemporaryFilesOfKilledWriters) {
     EXPECT_THAT(namesIn(profile.config()),
                 ElementsAre(".other.dat.0123456789abcdef.tmp", ".settings.dat.fedcba9876543210.tmp",
                             ".settings.dat.notes.tmp", "settings.dat"));
+}
+
+TEST_F(DurableFileTest, RemovesOldTemporaryFilesOfAllWritersBelowADirectory) {
+    fs::create_directory(profile.config() / "Cache");
+    leave(".settings.dat.0123456789abcdef.tmp", std::chrono::minutes(30));
+    leave("Cache/.a.0123456789abcdef.tmp", std::chrono::minutes(30));
+    leave("Cache/.a.fedcba9876543210.tmp", std::chrono::minutes(1));
+    leave(".settings.dat.0123456789abcdeg.tmp", std::chrono::minutes(30));
+    leave("settings.dat.0123456789abcdef.tmp", std::chrono::minutes(30));
+    leave("..0123456789abcdef.tmp", std::chrono::minutes(30));
+    leave(".tmp", std::chrono::minutes(30));
+    FaultInjectingFileLayer layer;
+    DurableFile::removeLeftovers(layer, profile.config().string());
+    EXPECT_THAT(namesIn(profile.config()), ElementsAre("..0123456789abcdef.tmp", ".settings.dat.0123456789abcdeg.tmp",
+                                                       ".tmp", "Cache", "settings.dat.0123456789abcdef.tmp"));
+    EXPECT_THAT(namesIn(profile.config() / "Cache"), ElementsAre(".a.fedcba9876543210.tmp"));
 }
 
 TEST_F(DurableFileTest, KeepsTemporaryFilesWithATimeInTheFuture) {

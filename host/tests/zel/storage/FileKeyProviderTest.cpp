@@ -3,6 +3,7 @@
 #include "LogRecorder.h"
 #include "StorageProfile.h"
 
+#include <Signal.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -186,6 +187,30 @@ TEST_F(FileKeyProviderTest, ThreadsThatCreateTheKeyConcurrentlyGetTheSameKey) {
         thread.join();
     }
     EXPECT_THAT(seen, testing::Each(make()));
+}
+
+TEST_F(FileKeyProviderTest, ASecondThreadGetsTheKeyWhenItsNameIsOnTheDisk) {
+    FaultInjectingFileLayer layer;
+    FileKeyProvider shared(layer, profile.data().string());
+    testing_host::Signal returned;
+    std::size_t unsyncedNames = 0;
+    std::thread second;
+    layer.beforeSyncDirectory([&](const std::string& path) {
+        if (path != folder.string() || second.joinable()) {
+            return;
+        }
+        second = std::thread([&] {
+            MasterKey mine;
+            shared.findOrMake(UserData, mine);
+            unsyncedNames = layer.countUnsyncedNames();
+            returned.set();
+        });
+        returned.waitFor(std::chrono::milliseconds(200));
+    });
+    ASSERT_EQ(shared.findOrMake(UserData, key), KeyResult::Found);
+    ASSERT_TRUE(second.joinable());
+    second.join();
+    EXPECT_EQ(unsyncedNames, 0U) << "a power cut would have removed a key that was already used";
 }
 
 /// Starts processes that wait for the same moment, create the key and send it to the parent. Returns the received keys.

@@ -1,6 +1,6 @@
 #include "CipherKey.h"
 
-#include <openssl/crypto.h>
+#include "WipeBytes.h"
 
 #include <cstddef>
 
@@ -25,7 +25,7 @@ CipherKey::CipherKey() {
 }
 
 CipherKey::~CipherKey() {
-    OPENSSL_cleanse(bytes.data(), bytes.size());
+    wipeBytes(bytes.data(), bytes.size());
 }
 
 } // namespace zel

@@ -1,6 +1,6 @@
 #include "SecureBuffer.h"
 
-#include <openssl/crypto.h>
+#include "WipeBytes.h"
 
 #include <utility>
 
@@ -27,7 +27,7 @@ std::uint32_t SecureBuffer::getLength() const {
 
 void SecureBuffer::set(std::unique_ptr<char[]> bytes, std::uint32_t length) {
     if (content->bytes) {
-        OPENSSL_cleanse(content->bytes.get(), content->length);
+        wipeBytes(content->bytes.get(), content->length);
     }
     content->bytes = std::move(bytes);
     content->length = content->bytes ? length : 0;

@@ -4,8 +4,8 @@
 #include "CipherKey.h"
 #include "SecureBuffer.h"
 #include "SecureStringData.h"
+#include "WipeBytes.h"
 
-#include <openssl/crypto.h>
 #include <openssl/evp.h>
 #include <openssl/rand.h>
 
@@ -29,7 +29,7 @@ using CipherContext = std::unique_ptr<EVP_CIPHER_CTX, decltype(&EVP_CIPHER_CTX_f
 class ScratchBytes {
 public:
     explicit ScratchBytes(std::size_t size) : bytes(size, filler) {}
-    ~ScratchBytes() { OPENSSL_cleanse(bytes.data(), bytes.size()); }
+    ~ScratchBytes() { wipeBytes(bytes.data(), bytes.size()); }
     ScratchBytes(const ScratchBytes&) = delete;
     ScratchBytes& operator=(const ScratchBytes&) = delete;
 
@@ -75,12 +75,6 @@ bool decipher(const SecureStringData& data, unsigned char* output, std::size_t& 
                       EVP_DecryptFinal_ex(context.get(), output + updated, &finished) == 1;
     length = static_cast<std::size_t>(updated) + static_cast<std::size_t>(finished);
     return done;
-}
-
-template <typename Char>
-void wipeText(std::basic_string<Char>& text) {
-    OPENSSL_cleanse(text.data(), text.size() * sizeof(Char));
-    text.clear();
 }
 
 } // namespace
@@ -145,8 +139,9 @@ void SecureString::decrypt(SecureBuffer& buffer) const {
     if (!decipher(*data, output.data(), length)) {
         return;
     }
-    auto clear = std::make_unique<char[]>(length + 1);
+    auto clear = std::make_unique_for_overwrite<char[]>(length + 1);
     std::memcpy(clear.get(), output.data(), length);
+    clear[length] = '\0';
     buffer.set(std::move(clear), static_cast<std::uint32_t>(length));
 }
 
@@ -164,14 +159,6 @@ std::vector<unsigned char> SecureString::toBytes() const {
 std::string SecureString::toBase64() const {
     const std::vector<unsigned char> bytes = toBytes();
     return Base64Encoding::instance().encode(bytes.data(), bytes.size(), Encoding::LineBreaks::None);
-}
-
-void SecureString::wipe(std::string& text) {
-    wipeText(text);
-}
-
-void SecureString::wipe(std::wstring& text) {
-    wipeText(text);
 }
 
 } // namespace zel

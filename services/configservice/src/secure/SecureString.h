@@ -1,5 +1,7 @@
 #pragma once
 
+#include "WipeBytes.h"
+
 #include <zel/ProtectedText.h>
 
 #include <cstddef>
@@ -41,8 +43,11 @@ public:
     std::string toBase64() const;
 
     /// Zeroes the characters and clears the text; keeps its allocation.
-    static void wipe(std::string& text);
-    static void wipe(std::wstring& text);
+    template <class Text>
+    static void wipe(Text& text) {
+        wipeBytes(text.data(), text.size() * sizeof(typename Text::value_type));
+        text.clear();
+    }
 
 private:
     std::shared_ptr<SecureStringData> data;

@@ -1,6 +1,6 @@
 #include "SecureStringData.h"
 
-#include <openssl/crypto.h>
+#include "WipeBytes.h"
 
 namespace zel {
 
@@ -10,13 +10,13 @@ SecureStringData::~SecureStringData() {
 }
 
 void SecureStringData::wipeIv() {
-    OPENSSL_cleanse(iv.get(), ivLength);
+    wipeBytes(iv.get(), ivLength);
     iv.reset();
     ivLength = 0;
 }
 
 void SecureStringData::wipeCipherText() {
-    OPENSSL_cleanse(cipherText.get(), cipherTextLength);
+    wipeBytes(cipherText.get(), cipherTextLength);
     cipherText.reset();
     cipherTextLength = 0;
 }

@@ -1,6 +1,6 @@
 #include "ConfigEntry.h"
 
-#include <openssl/crypto.h>
+#include "secure/WipeBytes.h"
 
 #include <limits>
 #include <new>
@@ -76,7 +76,7 @@ void ConfigEntry::setValue(std::wstring_view next) {
 
 void ConfigEntry::wipeValueFrom(Length position) noexcept {
     if (position < valueLength) {
-        OPENSSL_cleanse(valueCharacters() + position, (valueLength - position) * sizeof(wchar_t));
+        zel::wipeBytes(valueCharacters() + position, (valueLength - position) * sizeof(wchar_t));
     }
 }
 

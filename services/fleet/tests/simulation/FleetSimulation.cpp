@@ -30,7 +30,7 @@ struct Options {
     std::size_t clientsOfLoss = 100;
     std::size_t writes = 100;
     std::size_t changes = 10000;
-    std::size_t starts = 21;
+    std::size_t starts = 100;
     bool quietMachine = false;
 };
 

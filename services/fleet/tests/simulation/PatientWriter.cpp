@@ -9,7 +9,7 @@ namespace fleet_test {
 
 namespace {
 
-fleet::ClusterAccess getAccess(const EtcdCluster& cluster, std::size_t number) {
+ZelUnified::FleetAccess getAccess(const EtcdCluster& cluster, std::size_t number) {
     auto access = cluster.getAdministratorAccess();
     auto& endpoints = access.endpoints;
     std::ranges::rotate(endpoints, endpoints.begin() + static_cast<std::ptrdiff_t>(number % endpoints.size()));

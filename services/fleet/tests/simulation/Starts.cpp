@@ -85,15 +85,15 @@ std::string findFault(const StartResult& result) {
 }
 
 void print(const StartResult& result) {
-    std::puts("| the cluster | starts | without the plug-in, p50 ms | longest ms | with it, p50 ms | longest ms "
-              "| difference, p50 ms | of that loading it, p50 ms | with the last value |\n"
+    std::puts("| the cluster | starts | without the plug-in, least ms | p50 ms | with it, least ms | p50 ms "
+              "| difference of the least, ms | least for loading it, ms | with the last value |\n"
               "| --- | ---: | ---: | ---: | ---: | ---: | ---: | ---: | --- |");
     for (const auto& times : result.states) {
-        const auto without = getPercentile(times.without, 0.5);
-        const auto with = getPercentile(times.with, 0.5);
-        std::printf("| %s | %zu | %.1f | %.1f | %.1f | %.1f | %+.1f | %.1f | %s |\n", times.cluster.c_str(),
-                    result.starts, without, getPercentile(times.without, 1), with, getPercentile(times.with, 1),
-                    with - without, getPercentile(times.load, 0.5), result.wrong == 0 ? "all" : "not all");
+        const auto without = getPercentile(times.without, 0);
+        const auto with = getPercentile(times.with, 0);
+        std::printf("| %s | %zu | %.2f | %.1f | %.2f | %.1f | %+.2f | %.2f | %s |\n", times.cluster.c_str(),
+                    result.starts, without, getPercentile(times.without, 0.5), with, getPercentile(times.with, 0.5),
+                    with - without, getPercentile(times.load, 0), result.wrong == 0 ? "all" : "not all");
     }
 }
 

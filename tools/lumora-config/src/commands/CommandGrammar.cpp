@@ -184,8 +184,20 @@ void addShellCommands(CLI::App& app, Command& command) {
     addCommand(app, command, "quit", "Leave the shell")->alias("exit");
 }
 
+/// Removes --worker if the shell cannot wait for a worker.
+void removeWorkers(CLI::App& app, const CommandFilter& canRun) {
+    if (canRun("wait")) {
+        return;
+    }
+    for (const auto* const name : {"set", "memory"}) {
+        auto* const command = app.get_subcommand(name);
+        command->remove_option(command->get_option("--worker"));
+    }
+}
+
 /// Hides the commands that cannot run. The shell itself carries out "help" and "quit".
 void hideOthers(CLI::App& app, const CommandFilter& canRun) {
+    removeWorkers(app, canRun);
     for (auto* command : app.get_subcommands([](const CLI::App*) { return true; })) {
         const auto& name = command->get_name();
         if (name != "help" && name != "quit" && !canRun(name)) {

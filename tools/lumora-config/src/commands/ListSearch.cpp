@@ -6,8 +6,8 @@
 
 namespace lumora_config {
 
-void keepMatches(std::vector<ListedValue>& values, const Command& command,
-                 const std::function<bool(const std::wstring& key)>& isSensitive) {
+void removeMismatches(std::vector<ListedValue>& values, const Command& command,
+                      const std::function<bool(const std::wstring& key)>& isSensitive) {
     using Kind = SearchPattern::Kind;
     const auto kind = command.byExpression ? Kind::Expression : command.byValue ? Kind::Part : Kind::Prefix;
     const SearchPattern pattern(KyrCoreUtils::toWideString(command.prefix), kind);

@@ -91,7 +91,7 @@ void list(Session& session, const Command& command) {
         values = command.store.empty() ? session.getChain().list(L"") : listStore(session, command);
     });
     session.getMask().hide(values);
-    keepMatches(values, command, [&](const std::wstring& key) { return session.getMask().hides(key); });
+    removeMismatches(values, command, [&](const std::wstring& key) { return session.getMask().hides(key); });
     session.getPrinter().showList(values);
     if (values.empty()) {
         throw Failure(ExitCode::NotFound, describeEmptyList(command));

@@ -40,6 +40,7 @@ struct Action {
     FleetAdministration& cluster;
     Printer& printer;
     const bool showSecrets;
+    const bool verbose;
 };
 
 std::string readPassword(const std::string& file) {
@@ -114,16 +115,6 @@ std::string describe(const FleetAudience& audience) {
     return "all";
 }
 
-/// Returns the pairs of the key in any case: for the cluster each spelling is a key of its own, for a client all of
-/// them are one key, whose value is that of the last pair.
-std::vector<FleetPair> findPairs(const Action& action, const FleetAudience& audience) {
-    auto pairs = action.cluster.list({audience});
-    std::erase_if(pairs, [&](const FleetPair& pair) {
-        return !KyrCoreUtils::caseInsensitiveStringEquals(pair.key, action.command.key);
-    });
-    return pairs;
-}
-
 bool isSensitive(const std::wstring& key) {
     const auto facts = findKeyFacts(key);
     return facts && facts->sensitive;
@@ -150,32 +141,31 @@ void requireWords(const Command& command, bool key, bool value) {
 void get(const Action& action) {
     requireWords(action.command, true, false);
     const auto audience = getOneAudience(action.command.fleet);
-    const auto pairs = findPairs(action, audience);
-    if (pairs.empty()) {
+    const auto pair = action.cluster.find(audience, action.command.key);
+    if (!pair) {
         throwMiss(action, audience);
     }
     Reading reading;
-    reading.value = maskValue(pairs.back(), action.showSecrets);
+    reading.value = maskValue(*pair, action.showSecrets);
     reading.storeName = toWideString(describe(audience));
-    action.printer.showValue(toWideString(pairs.back().key), reading, false);
+    action.printer.showValue(toWideString(pair->key), reading, false);
 }
 
 void set(const Action& action) {
     requireWords(action.command, true, true);
     const auto audience = getOneAudience(action.command.fleet);
     const auto value = *action.command.fallback == "-" ? CommandInput().readValue() : *action.command.fallback;
-    const auto existing = findPairs(action, audience);
-    action.cluster.put({audience, existing.empty() ? action.command.key : existing.back().key, value});
+    const auto existing = action.cluster.find(audience, action.command.key);
+    action.cluster.put({audience, existing ? existing->key : action.command.key, value});
     action.printer.showDone("fleet", "set for '" + describe(audience) + "'");
 }
 
 void unset(const Action& action) {
     requireWords(action.command, true, false);
     const auto audience = getOneAudience(action.command.fleet);
-    // The exact spelling first: this also works if the cluster holds too much to be read.
     if (!action.cluster.remove(audience, action.command.key)) {
-        const auto existing = findPairs(action, audience);
-        if (existing.empty() || !action.cluster.remove(audience, existing.back().key)) {
+        const auto existing = action.cluster.find(audience, action.command.key);
+        if (!existing || !action.cluster.remove(audience, existing->key)) {
             throwMiss(action, audience);
         }
     }
@@ -227,11 +217,12 @@ void showChanges(const ConfigMap& before, const ConfigMap& after, bool showSecre
 
 void watch(const Action& action) {
     requireWords(action.command, false, false);
-    const auto audiences = getAudiences(action.command.fleet);
-    action.cluster.list(audiences); // throws if the cluster cannot be read; the watch would try again for ever
-    const FleetLogPrinter log(action.printer);
+    std::optional<FleetLogPrinter> log;
+    if (!action.verbose) { // otherwise the program prints all log lines
+        log.emplace(action.printer);
+    }
     std::optional<ConfigMap> last; // of the plug-in's thread
-    action.cluster.watch(audiences, [&last, &action](ConfigMap settings) {
+    action.cluster.watch(getAudiences(action.command.fleet), [&last, &action](ConfigMap settings) {
         if (last) {
             showChanges(*last, settings, action.showSecrets, action.printer);
         } else {
@@ -247,16 +238,16 @@ void watch(const Action& action) {
 
 } // namespace
 
-void runFleetCommand(const Command& command, const std::string& plugins, bool showSecrets, Printer& printer) {
+void runFleetCommand(const CommandLine& line, Printer& printer) {
     static const std::map<std::string, void (*)(const Action&)> actions{
         {"get", get}, {"set", set}, {"unset", unset}, {"list", list}, {"watch", watch}};
-    const auto found = actions.find(command.fleet.action);
+    const auto found = actions.find(line.command.fleet.action);
     if (found == actions.end()) {
-        throw Failure(ExitCode::Usage, "fleet: there is no '" + command.fleet.action + "'");
+        throw Failure(ExitCode::Usage, "fleet: there is no '" + line.command.fleet.action + "'");
     }
-    const auto cluster = FleetPlugin::open(plugins, makeAccess(command.fleet));
+    const auto cluster = FleetPlugin::open(line.pluginDirectory, makeAccess(line.command.fleet));
     try {
-        found->second({command, *cluster, printer, showSecrets});
+        found->second({line.command, *cluster, printer, line.showSecrets, line.verbose});
     } catch (const Failure&) {
         throw;
     } catch (const std::runtime_error& error) {

@@ -1,14 +1,12 @@
 #pragma once
 
-#include "commands/CommandGrammar.h"
+#include "commands/CommandLine.h"
 #include "output/Printer.h"
-
-#include <string>
 
 namespace lumora_config {
 
-/// Runs the command "fleet" on the cluster that it names, with the plug-in from the folder `plugins`. Sensitive
-/// values are masked unless `showSecrets` is true. `watch` returns after a signal. Throws Failure. Main thread.
-void runFleetCommand(const Command& command, const std::string& plugins, bool showSecrets, Printer& printer);
+/// Runs the command "fleet" of the line on the cluster that it names. Sensitive values are masked unless the line shows
+/// secrets. `watch` returns after a signal. Throws Failure. Main thread.
+void runFleetCommand(const CommandLine& line, Printer& printer);
 
 } // namespace lumora_config

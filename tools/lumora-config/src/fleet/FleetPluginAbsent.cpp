@@ -4,8 +4,7 @@
 
 namespace lumora_config {
 
-void runFleetCommand(const Command& /*command*/, const std::string& /*plugins*/, bool /*showSecrets*/,
-                     Printer& /*printer*/) {
+void runFleetCommand(const CommandLine& /*line*/, Printer& /*printer*/) {
     throw Failure(ExitCode::Environment, "this program was built without the fleet service");
 }
 

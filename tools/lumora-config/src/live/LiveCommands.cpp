@@ -120,7 +120,7 @@ void LiveCommands::list(const Command& command) {
     auto values = toList(client.ask(
         {{"verb", "list"}, {"store", command.store}, {"sensitive", command.sensitive}, {"showSecrets", showSecrets}}));
     // The client has left out all keys that are not sensitive.
-    keepMatches(values, command, [](const std::wstring&) { return true; });
+    removeMismatches(values, command, [](const std::wstring&) { return true; });
     printer.showList(values);
     if (values.empty()) {
         throw Failure(ExitCode::NotFound, describeEmptyList(command));

@@ -52,7 +52,7 @@ std::vector<StoreFacts> factsOf(const ChainInspector::Stores& stores) {
 /// Returns every key in the stores once: its new name, and the name to ask for, which is the old name if no store
 /// contains the new one. The store of lowest priority determines the spelling, since the user's file, the first store,
 /// contains lower case only.
-ZelUnified::ConfigMap namesToAsk(const std::vector<std::shared_ptr<ConfigStore>>& stores) {
+ZelUnified::ConfigMap listKeysToAsk(const std::vector<std::shared_ptr<ConfigStore>>& stores) {
     ZelUnified::ConfigMap asked;
     const std::vector lowestFirst(stores.rbegin(), stores.rend());
     for (const auto& store : lowestFirst) {
@@ -111,7 +111,7 @@ std::vector<Explanation> ChainInspector::explainAll() const {
     const auto stores = getStores();
     const auto facts = factsOf(stores); // once, since counting the keys of a store copies them
     std::vector<Explanation> explanations;
-    for (const auto& [newName, asked] : namesToAsk(stores)) {
+    for (const auto& [newName, asked] : listKeysToAsk(stores)) {
         explanations.push_back(explain(asked, stores, facts));
     }
     return explanations;

@@ -1,8 +1,6 @@
 #include "FaultPlan.h"
 
-#include <fcntl.h>
-#include <sys/syscall.h>
-#include <unistd.h>
+#include "LogFile.h"
 
 #include <cstdlib>
 
@@ -69,15 +67,12 @@ FaultPlan::Outcome FaultPlan::decide(int number) const {
 }
 
 void FaultPlan::log(int number, std::string_view operation, std::string_view path, Outcome outcome) const {
-    std::string line = std::to_string(number);
-    line.append(" ").append(operation).append(" ").append(path).append(" ").append(nameOf(outcome)).append("\n");
-    // System calls, because the functions of the C library are those that call this one.
-    const long file = syscall(SYS_openat, AT_FDCWD, logFile.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
-    if (file < 0) {
+    if (logFile.empty()) {
         return;
     }
-    syscall(SYS_write, file, line.data(), line.size());
-    syscall(SYS_close, file);
+    std::string line = std::to_string(number);
+    line.append(" ").append(operation).append(" ").append(path).append(" ").append(nameOf(outcome)).append("\n");
+    appendToLog(logFile, line);
 }
 
 } // namespace attack

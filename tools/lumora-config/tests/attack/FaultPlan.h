@@ -10,7 +10,8 @@ namespace attack {
 /// configures it:
 ///
 ///     LUMORA_FAULT_FOLDER   the folder, as an absolute path without links; nothing is counted if it is not set
-///     LUMORA_FAULT_LOG      a file outside the folder; receives a line "NUMBER OPERATION PATH OUTCOME" per operation
+///     LUMORA_FAULT_LOG      a file outside the folder; receives a line "NUMBER OPERATION PATH OUTCOME" per operation;
+///                           nothing is logged if it is not set
 ///     LUMORA_FAULT_AT       the number of the operation that fails, from 1; 0 or not set: none
 ///     LUMORA_FAULT_MODE     "once": this operation fails; "always": this one and all later ones fail;
 ///                           "kill": the process is killed instead of this operation

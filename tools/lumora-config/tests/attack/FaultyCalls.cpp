@@ -1,6 +1,8 @@
 // Replaces the functions of the C library that change files, so that a program that preloads this library meets the
-// disk faults of its FaultPlan. They make system calls themselves instead of calling the C library's functions.
+// disk faults of its FaultPlan, and so that its OperationRecord shows what it did. They make system calls themselves
+// instead of calling the C library's functions.
 #include "FaultPlan.h"
+#include "OperationRecord.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -19,6 +21,7 @@
 namespace {
 
 using attack::FaultPlan;
+using attack::OperationRecord;
 using Outcome = attack::FaultPlan::Outcome;
 
 std::string targetOf(const std::string& link) {
@@ -76,39 +79,132 @@ bool syncFailsNow(int file) {
     return true;
 }
 
+/// Makes the system call and, if it succeeded and changes `path`, adds it to the record before another thread makes
+/// one. `describe` receives the record and the result.
+template <typename Call, typename Describe>
+long makeCall(const std::string& path, Call call, Describe describe) {
+    auto& record = OperationRecord::get();
+    if (!record.isActive() || !FaultPlan::get().covers(path)) {
+        return call();
+    }
+    const auto lock = record.lock();
+    const long result = call();
+    const int error = errno;
+    if (result >= 0) {
+        describe(record, result);
+    }
+    errno = error;
+    return result;
+}
+
 int openedFile(int directory, const char* path, int flags, mode_t mode) {
-    if ((flags & (O_CREAT | O_TRUNC)) != 0 && failsNow("open", pathOf(directory, path))) {
+    const auto open = [&] { return syscall(SYS_openat, directory, path, flags, mode); };
+    if ((flags & (O_CREAT | O_TRUNC)) == 0) {
+        return static_cast<int>(open());
+    }
+    const std::string full = pathOf(directory, path);
+    if (failsNow("open", full)) {
         return -1;
     }
-    return static_cast<int>(syscall(SYS_openat, directory, path, flags, mode));
+    bool existed = true;
+    return static_cast<int>(makeCall(
+        full,
+        [&] {
+            existed = syscall(SYS_faccessat, directory, path, F_OK) == 0;
+            return open();
+        },
+        [&](const OperationRecord& record, long) {
+            if (!existed) {
+                record.add({"create", full});
+            } else if ((flags & O_TRUNC) != 0) {
+                record.add({"truncate", full});
+            }
+        }));
+}
+
+/// Writes at the offset, or at the position of the file if that is -1.
+ssize_t writtenBytes(int file, const void* bytes, std::size_t size, off_t offset) {
+    const auto write = [&](std::size_t count) {
+        return offset < 0 ? syscall(SYS_write, file, bytes, count) : syscall(SYS_pwrite64, file, bytes, count, offset);
+    };
+    const std::string path = pathOf(file);
+    if (failsNow("write", path, [&] { write(size / 2); })) {
+        return -1;
+    }
+    if (auto& record = OperationRecord::get(); record.isActive() && file == STDOUT_FILENO) {
+        const auto lock = record.lock();
+        record.add({"output", OperationRecord::toHex(bytes, size)});
+        return write(size);
+    }
+    return makeCall(
+        path, [&] { return write(size); },
+        [&](const OperationRecord& record, long count) {
+            const off_t begin = offset < 0 ? lseek(file, 0, SEEK_CUR) - count : offset;
+            record.add(
+                {"write", path, std::to_string(begin), OperationRecord::toHex(bytes, static_cast<std::size_t>(count))});
+        });
+}
+
+int syncedFile(int file, long call) {
+    if (syncFailsNow(file)) {
+        return -1;
+    }
+    const std::string path = pathOf(file);
+    return static_cast<int>(makeCall(
+        path, [&] { return syscall(call, file); },
+        [&](const OperationRecord& record, long) {
+            struct stat status {};
+            const bool isDirectory = fstat(file, &status) == 0 && S_ISDIR(status.st_mode);
+            record.add({isDirectory ? "sync-directory" : "sync", path});
+        }));
 }
 
 int removedName(int directory, const char* path, int flags) {
-    if (failsNow("unlink", pathOf(directory, path))) {
+    const std::string full = pathOf(directory, path);
+    if (failsNow("unlink", full)) {
         return -1;
     }
-    return static_cast<int>(syscall(SYS_unlinkat, directory, path, flags));
+    return static_cast<int>(makeCall(
+        full, [&] { return syscall(SYS_unlinkat, directory, path, flags); },
+        [&](const OperationRecord& record, long) {
+            record.add({"unlink", full});
+        }));
 }
 
 int renamedFile(int fromDirectory, const char* from, int toDirectory, const char* to, unsigned flags) {
-    if (failsNow("rename", pathOf(toDirectory, to))) {
+    const std::string target = pathOf(toDirectory, to);
+    if (failsNow("rename", target)) {
         return -1;
     }
-    return static_cast<int>(syscall(SYS_renameat2, fromDirectory, from, toDirectory, to, flags));
+    return static_cast<int>(makeCall(
+        target, [&] { return syscall(SYS_renameat2, fromDirectory, from, toDirectory, to, flags); },
+        [&](const OperationRecord& record, long) {
+            record.add({"rename", pathOf(fromDirectory, from), target});
+        }));
 }
 
 int linkedFile(int fromDirectory, const char* from, int toDirectory, const char* to, int flags) {
-    if (failsNow("link", pathOf(toDirectory, to))) {
+    const std::string target = pathOf(toDirectory, to);
+    if (failsNow("link", target)) {
         return -1;
     }
-    return static_cast<int>(syscall(SYS_linkat, fromDirectory, from, toDirectory, to, flags));
+    return static_cast<int>(makeCall(
+        target, [&] { return syscall(SYS_linkat, fromDirectory, from, toDirectory, to, flags); },
+        [&](const OperationRecord& record, long) {
+            record.add({"link", pathOf(fromDirectory, from), target});
+        }));
 }
 
 int createdDirectory(int directory, const char* path, mode_t mode) {
-    if (failsNow("mkdir", pathOf(directory, path))) {
+    const std::string full = pathOf(directory, path);
+    if (failsNow("mkdir", full)) {
         return -1;
     }
-    return static_cast<int>(syscall(SYS_mkdirat, directory, path, mode));
+    return static_cast<int>(makeCall(
+        full, [&] { return syscall(SYS_mkdirat, directory, path, mode); },
+        [&](const OperationRecord& record, long) {
+            record.add({"mkdir", full});
+        }));
 }
 
 } // namespace
@@ -145,17 +241,11 @@ int faultyMkdir(const char* path, mode_t mode) LUMORA_REPLACES(mkdir);
 int faultyMkdirat(int directory, const char* path, mode_t mode) LUMORA_REPLACES(mkdirat);
 
 ssize_t faultyWrite(int file, const void* bytes, std::size_t size) {
-    if (failsNow("write", pathOf(file), [&] { syscall(SYS_write, file, bytes, size / 2); })) {
-        return -1;
-    }
-    return syscall(SYS_write, file, bytes, size);
+    return writtenBytes(file, bytes, size, -1);
 }
 
 ssize_t faultyPwrite(int file, const void* bytes, std::size_t size, off_t offset) {
-    if (failsNow("write", pathOf(file), [&] { syscall(SYS_pwrite64, file, bytes, size / 2, offset); })) {
-        return -1;
-    }
-    return syscall(SYS_pwrite64, file, bytes, size, offset);
+    return writtenBytes(file, bytes, size, offset);
 }
 
 ssize_t faultyPwrite64(int file, const void* bytes, std::size_t size, off64_t offset) {
@@ -170,11 +260,11 @@ ssize_t faultyWritev(int file, const iovec* parts, int count) {
 }
 
 int faultyFsync(int file) {
-    return syncFailsNow(file) ? -1 : static_cast<int>(syscall(SYS_fsync, file));
+    return syncedFile(file, SYS_fsync);
 }
 
 int faultyFdatasync(int file) {
-    return syncFailsNow(file) ? -1 : static_cast<int>(syscall(SYS_fdatasync, file));
+    return syncedFile(file, SYS_fdatasync);
 }
 
 int faultyOpen(const char* path, int flags, mode_t mode) {

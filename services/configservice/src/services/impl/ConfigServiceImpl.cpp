@@ -10,6 +10,7 @@
 #include <ConfigFeatureSet.h>
 #include <ConfigKeys.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace ZelUnified {
@@ -27,6 +28,17 @@ void applyCachedValueFipsRule(ConfigValueImpl& record) {
     }
 }
 
+constexpr auto keyOf = [](const auto* entry) -> const std::wstring& { return entry->first; };
+
+/// Sorts the entries by key. The first `ordered` ones are already sorted.
+template <class Entries>
+void sortByKey(Entries& entries, std::size_t ordered) {
+    const caseInsensitiveMapComparator isBefore;
+    const auto unsorted = entries.begin() + static_cast<std::ptrdiff_t>(ordered);
+    std::ranges::sort(unsorted, entries.end(), isBefore, keyOf);
+    std::ranges::inplace_merge(entries.begin(), unsorted, entries.end(), isBefore, keyOf);
+}
+
 } // namespace
 
 ConfigServiceImpl::ConfigServiceImpl(const std::shared_ptr<UnifiedFactory>& factory)
@@ -35,6 +47,7 @@ ConfigServiceImpl::ConfigServiceImpl(const std::shared_ptr<UnifiedFactory>& fact
 }
 
 void ConfigServiceImpl::initialize(const std::shared_ptr<UnifiedFactory>&) {
+    orderedValues.clear();
     configValuesIndex.clear();
     configValues.clear();
 }
@@ -70,10 +83,17 @@ void ConfigServiceImpl::setMdmConfig(std::string data) {
 }
 
 std::shared_ptr<std::list<std::shared_ptr<ConfigValue>>> ConfigServiceImpl::getAllConfig() {
+    // Sorts a list of its own, because several threads may call this.
+    std::vector<const Entry*> entries;
+    entries.reserve(configValues.size());
+    for (const auto& entry : configValues) {
+        entries.push_back(&entry);
+    }
+    sortByKey(entries, 0);
     auto all = std::make_shared<std::list<std::shared_ptr<ConfigValue>>>();
-    for (const auto& [key, record] : configValues) {
-        applyCachedValueFipsRule(*record);
-        all->push_back(record);
+    for (const auto* entry : entries) {
+        applyCachedValueFipsRule(*entry->second);
+        all->push_back(entry->second);
     }
     return all;
 }
@@ -143,9 +163,10 @@ void ConfigServiceImpl::configDownloadFailed() {
 
 void ConfigServiceImpl::reset() {
     EnsureUpdateAccess(true);
-    // Clears the map before it destroys the records, because an observer's destructor may call the service.
-    ConfigValueMap released;
+    // Clears the containers before it destroys the records, because an observer's destructor may call the service.
+    std::deque<Entry> released;
     released.swap(configValues);
+    orderedValues.clear();
     configValuesIndex.clear();
 }
 
@@ -222,12 +243,26 @@ std::shared_ptr<ConfigValue> ConfigServiceImpl::findRecord(const std::wstring& k
 std::vector<std::shared_ptr<ConfigValue>> ConfigServiceImpl::getRecordsAfter(const std::wstring& key,
                                                                              std::size_t count) {
     EnsureUpdateAccess(true);
+    const auto& entries = listInOrder();
+    auto next = entries.begin();
+    if (!key.empty()) {
+        next = std::ranges::upper_bound(entries, key, caseInsensitiveMapComparator(), keyOf);
+    }
     std::vector<std::shared_ptr<ConfigValue>> records;
-    auto entry = key.empty() ? configValues.begin() : configValues.upper_bound(key);
-    for (; entry != configValues.end() && records.size() < count; ++entry) {
-        records.push_back(entry->second);
+    for (; next != entries.end() && records.size() < count; ++next) {
+        records.push_back((*next)->second);
     }
     return records;
+}
+
+const std::vector<const ConfigServiceImpl::Entry*>& ConfigServiceImpl::listInOrder() {
+    const auto ordered = orderedValues.size();
+    orderedValues.reserve(configValues.size()); // so that nothing below can fail
+    for (auto i = ordered; i < configValues.size(); ++i) {
+        orderedValues.push_back(&configValues[i]);
+    }
+    sortByKey(orderedValues, ordered);
+    return orderedValues;
 }
 
 void ConfigServiceImpl::addRecordObserver(std::weak_ptr<ConfigRecordObserver> observer) {
@@ -287,13 +322,13 @@ std::shared_ptr<ConfigValueImpl> ConfigServiceImpl::createConfig(const std::wstr
 }
 
 void ConfigServiceImpl::insertOrReplace(const FoldedKey& key, std::shared_ptr<ConfigValueImpl> record) {
-    // All allocation happens before the insertion into the index, so map and index stay consistent.
-    configValuesIndex.reserveOne();
-    const auto [entry, isNew] = configValues.try_emplace(key.getText());
-    if (isNew) {
-        configValuesIndex.insert(key, *entry);
+    if (auto* const entry = configValuesIndex.find(key)) {
+        entry->second.swap(record); // the replaced record is destroyed on return
+        return;
     }
-    entry->second.swap(record); // a replaced record is destroyed on return
+    // All allocation happens before the insertion into the index, so container and index stay consistent.
+    configValuesIndex.reserveOne();
+    configValuesIndex.insert(key, configValues.emplace_back(std::wstring(key.getFolded()), std::move(record)));
 }
 
 std::wstring ConfigServiceImpl::describeLookupByOldName(const std::wstring& key, const std::wstring& newName,
@@ -320,7 +355,8 @@ void ConfigServiceImpl::logConfig() {
 }
 
 void ConfigServiceImpl::appendSettings(std::wstring& report, bool defined) {
-    for (const auto& [key, record] : configValues) {
+    for (const auto* entry : listInOrder()) {
+        const auto& record = entry->second;
         if (record->getisDefined() != defined) {
             continue;
         }

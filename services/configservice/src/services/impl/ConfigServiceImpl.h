@@ -13,10 +13,11 @@
 #include <ConfigRecords.h>
 
 #include <cstddef>
+#include <deque>
 #include <list>
-#include <map>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace ZelUnified {
@@ -74,7 +75,9 @@ public:
     void removeRecordObserver(std::weak_ptr<ConfigRecordObserver> observer) override;
 
 private:
-    using ConfigValueMap = std::map<std::wstring, std::shared_ptr<ConfigValueImpl>, caseInsensitiveMapComparator>;
+    /// The key with which the record was created, in lower case so that it is compared quickly, and the record, whose
+    /// own key can change.
+    using Entry = std::pair<const std::wstring, std::shared_ptr<ConfigValueImpl>>;
 
     void initialize(const std::shared_ptr<UnifiedFactory>& factory);
     std::shared_ptr<ConfigFeatureSet> getFeatureSet() const;
@@ -92,11 +95,16 @@ private:
     void insertOrReplace(const FoldedKey& key, std::shared_ptr<ConfigValueImpl> record);
     std::wstring describeLookupByOldName(const std::wstring& key, const std::wstring& newName, ConfigValueImpl& record);
     void appendSettings(std::wstring& report, bool defined);
+    /// Returns the entries in key order; valid until a record is created. Sorts those created since the last call.
+    const std::vector<const Entry*>& listInOrder();
 
-    ConfigValueMap configValues;
-    /// Refers to the entries of `configValues`. Compares the map's keys, because the key of a record can change.
-    KeyIndex<ConfigValueMap::value_type> configValuesIndex;
-    SharedTexts storeNames; ///< Shared by the records.
+    /// In the order of their creation: with a map, which keeps them in key order, a start of the service takes 15 %
+    /// more instructions at 5,000 keys in a document.
+    std::deque<Entry> configValues;
+    /// Refers to the entries of `configValues`, and compares their keys.
+    KeyIndex<Entry> configValuesIndex;
+    std::vector<const Entry*> orderedValues; ///< The entries at the last call of listInOrder().
+    SharedTexts storeNames;                  ///< Shared by the records.
     ConfigKeySet sensitiveKeys;
     RecordObservers recordObservers;
     KeyNameMap newNames; ///< Found by old name.

@@ -80,10 +80,10 @@ std::string writeKeysPage() {
 For everybody who uses keys: the names that the configuration and its clients share. This page is generated from
 `services/configservice/include/ConfigKeys.def`; do not edit it.
 
-Keys are looked up ignoring case; `lumora-config` prints them in the spelling here, misspellings included. A name that is
-not used here belongs to the vocabulary of the client's other services. The value of a sensitive key is masked, with
-[exceptions](administrators.md#sensitive-values). A key without an entry under values may have any text as value. Other
-keys may be used as well: the chain accepts any name.
+Keys are looked up ignoring case; lists and messages of `lumora-config` have the spelling here, misspellings included. A
+name that is not used here belongs to the vocabulary of the client's other services. The value of a sensitive key is
+masked, with [exceptions](administrators.md#sensitive-values). A key without an entry under values may have any text as
+value. Other keys may be used as well: the chain accepts any name.
 
 )";
     writeKeys(page);

@@ -83,6 +83,10 @@ TEST(XmlMemory, FreedBlocksContainNoWrittenText) {
         {
             XmlWriter writer;
             writer.startElement("root");
+            for (std::size_t count = 0; count < kilobytes * 5; ++count) {
+                writer.writeEmptyElement(
+                    "userConfig", {{"plain", wideSecretOf(100)}, {"value", wideSecretOf(100) + L"<&>\"\n\r\t\u00E9"}});
+            }
             writer.writeElement("key", wideSecretOf(kilobytes * 400));
             for (std::size_t count = 0; count < kilobytes * 5; ++count) {
                 writer.startElement("userConfig");

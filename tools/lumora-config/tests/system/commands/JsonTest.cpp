@@ -7,6 +7,7 @@
 #include <map>
 #include <set>
 #include <string>
+#include <utility>
 
 namespace program_test {
 
@@ -45,8 +46,17 @@ const std::map<std::string, Fields> published{
     {"explanation", Fields{"type", "key", "newName", "oldName", "stores", "administrator", "defined", "overridden",
                            "originalValue", "originalStore"} +
                         reading},
+    {"keys", {"type", "keys"}},
+    {"description", Fields{"type", "key", "known", "sensitive", "oldName", "kind", "values", "permitted",
+                           "provisioning", "meaning", "rule", "use"} +
+                        reading},
     {"list", {"type", "values"}},
+    {"dump", {"type", "source", "values"}},
+    {"load", {"type", "file", "dryRun", "set", "added", "changed", "unchanged", "leftOut"}},
+    {"comparison", {"type", "left", "right", "equal", "unknown", "differences"}},
     {"stores", {"type", "stores"}},
+    {"health", {"type", "attention", "items"}},
+    {"import", {"type", "file", "taken", "refused", "remarks", "dryRun", "values"}},
     {"report", {"type", "text"}},
     {"log", {"type", "text"}},
     {"help", {"type", "text"}},
@@ -55,14 +65,36 @@ const std::map<std::string, Fields> published{
     {"failure", {"type", "command", "exitCode", "message"}},
 };
 
+/// The fields of the elements of a list, by the type of the object and the name of the list.
+const std::map<std::pair<std::string, std::string>, Fields> publishedElements{
+    {{"keys", "keys"},
+     {"key", "oldName", "sensitive", "kind", "values", "permitted", "provisioning", "meaning", "rule", "use"}},
+    {{"list", "values"}, {"key", "value", "store", "overridden"}},
+    {{"dump", "values"}, {"key", "value", "store", "sensitive", "hidden"}},
+    {{"comparison", "differences"}, {"key", "left", "right"}},
+    {{"stores", "stores"}, store},
+    {{"health", "items"}, {"area", "path", "state", "attention"}},
+    {{"import", "taken"}, {"line", "key", "deleted", "valuesSet", "valuesDeleted"}},
+    {{"import", "refused"}, {"line", "reason"}},
+    {{"import", "remarks"}, {"line", "message", "ineffective"}},
+    {{"import", "values"}, {"line", "key", "deleted", "value"}},
+};
+
 /// Returns one object of each type.
 std::map<std::string, json> oneOfEach(const Profile& profile) {
+    const auto dump = (profile.root() / "theme.dump").string();
+    const auto policy = (profile.root() / "policy.reg").string();
+    testing_host::writeFile(dump, "theme = \"light\"\n");
+    testing_host::writeFile(policy, "REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\Software\\Policies\\Ventrix Systems, Inc.\\"
+                                    "Unified Communications\\VentrixUC]\r\n\"AllowUrlProvisioning\"=\"0\"\r\nx\r\n");
     std::map<std::string, json> objects;
-    for (auto& line : profile
-                          .shell({"get Theme", "explain Theme", "list Theme", "stores", "report", "log", "help",
-                                  "observe Theme", "set Theme dark", "reset NoSuchKey"},
-                                 {"--json"})
-                          .lines()) {
+    for (auto& line :
+         profile
+             .shell({"get Theme", "explain Theme", "list Theme", "stores", "report", "log", "help", "observe Theme",
+                     "set Theme dark", "reset NoSuchKey", "keys IP_MODE", "describe IP_MODE", "dump", "diff " + dump,
+                     "load --dry-run " + dump, "doctor", "import-policy --dry-run " + policy},
+                    {"--json"})
+             .lines()) {
         objects.emplace(line.at("type"), std::move(line));
     }
     return objects;
@@ -81,8 +113,12 @@ TEST(Json, TheFieldsOfEachTypeAreThePublishedOnes) {
     EXPECT_EQ(fieldsOf(explanation.at("stores").back()), (store + Fields{"wins", "holds"}));
     EXPECT_EQ(fieldsOf(explanation.at("stores").back().at("holds").front()),
               (Fields{"name", "value", "wins", "origin"}));
-    EXPECT_EQ(fieldsOf(objects["stores"].at("stores").front()), store);
-    EXPECT_EQ(fieldsOf(objects["list"].at("values").front()), (Fields{"key", "value", "store", "overridden"}));
+    for (const auto& [place, fields] : publishedElements) {
+        const auto& [type, list] = place;
+        const auto& elements = objects[type].at(list);
+        ASSERT_FALSE(elements.empty()) << type << ' ' << list;
+        EXPECT_EQ(fieldsOf(elements.front()), fields) << type << ' ' << list;
+    }
 }
 
 TEST(Json, EachTypeAndFieldIsOnThePage) {
@@ -94,6 +130,9 @@ TEST(Json, EachTypeAndFieldIsOnThePage) {
     Fields names{"wins", "holds"};
     for (const auto& [type, fields] : published) {
         names = names + Fields{type} + fields;
+    }
+    for (const auto& [place, fields] : publishedElements) {
+        names = names + fields;
     }
     for (const auto& name : names + store) {
         EXPECT_THAT(section, HasSubstr('`' + name + '`'));

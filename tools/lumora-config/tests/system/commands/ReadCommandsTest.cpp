@@ -85,6 +85,13 @@ TEST(Get, HidesWhatAForeignDocumentMarksAsSensitive) {
     EXPECT_EQ(profile.run({"--store", file + ":A:40", "get", "Pin"}).out, "VALUE_HIDDEN\n");
 }
 
+TEST(Get, ShowsTheCopyOfAMarkedValueInTheNextRun) {
+    const Profile profile;
+    const auto file = profile.writeDocument("a.xml", "<Pin sensitive=\"true\">planted-value</Pin>");
+    ASSERT_EQ(profile.run({"--store", file + ":A:40:cache", "get", "Pin"}).out, "VALUE_HIDDEN\n");
+    EXPECT_EQ(profile.run({"get", "Pin"}).out, "planted-value\n");
+}
+
 TEST(Explain, ShowsTheValueOfEveryStoreInChainOrderAndWhichOneWinsByWhichName) {
     const Profile profile;
     const auto oldNames = profile.writeDocument("old.xml", "<TftpServer1>old.example</TftpServer1>");

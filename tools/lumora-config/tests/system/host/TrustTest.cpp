@@ -33,14 +33,14 @@ void openToEverybody(const fs::path& folder) {
     fs::permissions(folder, fs::perms::others_write, fs::perm_options::add);
 }
 
-constexpr auto open = "can be written by everybody";
+constexpr auto writableByAll = "can be written by everybody";
 
 } // namespace
 
 TEST(Trust, AProfileThatEverybodyMayWriteIsRefused) {
     const Profile profile;
     openToEverybody(profile.root());
-    expectRefused(profile.run({"get", "Theme"}), profile.root(), open);
+    expectRefused(profile.run({"get", "Theme"}), profile.root(), writableByAll);
     EXPECT_FALSE(fs::exists(profile.root() / "config"));
     EXPECT_EQ(profile.run({"--trust", "get", "Theme"}).out, "system\n");
 }
@@ -51,7 +51,7 @@ TEST(Trust, AFolderOfAProfileThatEverybodyMayWriteIsRefused) {
     for (const auto* name : {"config", "data", "state", "resources"}) {
         const auto folder = profile.root() / name;
         openToEverybody(folder);
-        expectRefused(profile.run({"get", "Theme"}), folder, open);
+        expectRefused(profile.run({"get", "Theme"}), folder, writableByAll);
         fs::permissions(folder, fs::perms::others_write, fs::perm_options::remove);
     }
 }
@@ -61,7 +61,7 @@ TEST(Trust, AConfigurationDirectoryThatEverybodyMayWriteIsRefused) {
     const auto folder = profile.root() / "config";
     fs::create_directory(folder);
     openToEverybody(folder);
-    expectRefused(runWithFolders(profile, {"get", "Theme"}), folder, open);
+    expectRefused(runWithFolders(profile, {"get", "Theme"}), folder, writableByAll);
     EXPECT_EQ(runWithFolders(profile, {"get", "Theme", "--trust"}).out, "system\n");
 }
 
@@ -75,7 +75,7 @@ TEST(Trust, APluginFolderThatEverybodyMayWriteIsRefusedBeforeAnythingIsLoaded) {
         }
     }
     openToEverybody(folder);
-    expectRefused(profile.run({"--plugin-dir", folder.string(), "get", "Theme"}), folder, open);
+    expectRefused(profile.run({"--plugin-dir", folder.string(), "get", "Theme"}), folder, writableByAll);
     EXPECT_EQ(profile.run({"--plugin-dir", folder.string(), "--trust", "get", "Theme"}).out, "system\n");
 }
 

@@ -1,12 +1,17 @@
 #include "RunningProgram.h"
+#include "ShellTerminal.h"
 
 #include <TemporaryProfile.h>
 #include <gmock/gmock.h>
 #include <sys/resource.h>
 
+#include <algorithm>
 #include <array>
 #include <csignal>
+#include <filesystem>
+#include <iterator>
 #include <optional>
+#include <set>
 #include <sstream>
 #include <vector>
 
@@ -162,6 +167,57 @@ TEST_F(LiveCommands, TheShellRunsItsCommandsOnTheClient) {
                                      HasSubstr(refusal("reset-data")), HasSubstr("Theme set; in force: \"dark\"")));
     EXPECT_EQ(outcome.error.find(notice(), 1), std::string::npos) << "the client is named once";
     EXPECT_EQ(profile.run({"get", "Theme"}).out, "dark\n");
+}
+
+TEST_F(LiveCommands, TheShellHasNoWorkers) {
+    start();
+    const auto outcome =
+        profile.shell({"set Theme dark --worker", "memory Volume 7 --worker", "get Theme", "help set"});
+    EXPECT_EQ(outcome.exitCode, 2);
+    EXPECT_THAT(outcome.error, HasSubstr("there is no option '--worker'"));
+    EXPECT_THAT(outcome.out, AllOf(testing::StartsWith("system\n"), Not(HasSubstr("--worker"))));
+    EXPECT_EQ(profile.run({"get", "Volume"}).exitCode, 1);
+}
+
+TEST_F(LiveCommands, TheShellKeepsNoLineForLaterRuns) {
+    start();
+    ShellTerminal shell(profile);
+    shell.type("get Theme\r");
+    shell.await("\nsystem");
+    shell.type("quit\r");
+    EXPECT_EQ(shell.waitForEnd(), 0);
+    EXPECT_FALSE(std::filesystem::exists(profile.root() / "state/lumora-config-history"));
+}
+
+/// Returns the words of the text between `begin` and `end` on the page that could be names of commands.
+std::set<std::string> readNames(const std::string& page, const std::string& begin, const std::string& end) {
+    const auto text = testing_host::readFile(std::filesystem::path(LUMORA_SOURCE_FOLDER) / page);
+    const auto from = text.find(begin);
+    const auto to = text.find(end, from);
+    if (from == std::string::npos || to == std::string::npos) {
+        return {};
+    }
+    std::string names = text.substr(from + begin.size(), to - from - begin.size());
+    std::erase(names, '\\');
+    std::ranges::replace_if(
+        names, [](char c) { return c != '-' && (c < 'a' || c > 'z'); }, ' ');
+    std::istringstream words(names);
+    return {std::istream_iterator<std::string>(words), {}};
+}
+
+TEST_F(LiveCommands, AreThoseThatThePagesList) {
+    start();
+    const auto help = profile.shell({"help"}).out;
+    std::set<std::string> commands;
+    std::istringstream lines(help.substr(help.find("Subcommands:") + 13));
+    for (std::string line; std::getline(lines, line) && !line.empty();) {
+        commands.insert(line.substr(2, line.find_first_of(" ,", 2) - 2));
+    }
+    commands.erase("quit");
+    commands.erase("help");
+    EXPECT_EQ(readNames("tools/lumora-config/README.md", "that client carries out", "and the commands of"), commands);
+    commands.insert({"and", "shell"});
+    EXPECT_EQ(readNames("docs/man/lumora-config.1", "uses the profile, it carries out", "one line on"), commands);
 }
 
 TEST_F(LiveCommands, TheShellListsAndSuggestsOnlyWhatTheClientCanCarryOut) {

@@ -89,6 +89,12 @@ TEST(ShellEditing, TheHistoryIsReadByTheNextShell) {
     shell.await("\nsystem");
 }
 
+TEST(ShellEditing, TheHistoryHasNoLineFromAPipe) {
+    const Profile profile;
+    EXPECT_EQ(profile.shell({"get Theme"}).out, "system\n");
+    EXPECT_FALSE(std::filesystem::exists(historyOf(profile)));
+}
+
 TEST(ShellEditing, TheHistoryIsReadableByItsOwnerOnly) {
     const Profile profile;
     typeLines(profile, {"get Theme"});

@@ -36,6 +36,7 @@ constexpr auto hostileValueEscaped = "a\\u009bb\\x7fc\\nd";
 TEST(Terminal, ShowsTheWinnerInColour) {
     const Profile profile;
     EXPECT_THAT(explainOnTerminal(profile, "TERM=xterm"), HasSubstr(emphasis));
+    EXPECT_THAT(explainOnTerminal(profile, "TERM=xterm NO_COLOR="), HasSubstr(emphasis));
 }
 
 TEST(Terminal, TheEnvironmentDisablesColours) {
@@ -56,6 +57,12 @@ TEST(Terminal, GetsControlCharactersOfValuesEscaped) {
     EXPECT_THAT(runOnTerminal(profile, plainTerminal, store + "report"), HasSubstr("a\\u009bb\\x7fc\r\nd"));
     EXPECT_THAT(runOnTerminal(profile, plainTerminal, store + "--json get Hostile"),
                 HasSubstr("a\\u009bb\\u007fc\\nd"));
+}
+
+TEST(Terminal, GetsJsonInAscii) {
+    const Profile profile;
+    profile.run({"set", "Name", "\xC3\xA4"});
+    EXPECT_THAT(runOnTerminal(profile, plainTerminal, "--json get Name"), HasSubstr(R"("value":"\u00e4")"));
 }
 
 TEST(Terminal, APipeGetsTheBytesOfAValue) {

@@ -29,6 +29,11 @@ bool outlivesReset(std::string_view fileName) {
 void removeFilesFromDirectory(const std::string& directory) {
     std::vector<std::string> files;
     KyrCoreUtils::FileUtils::getFilesFromDirectory(directory, "", files);
+    // The backup may be older than the user's file: alone, after a power cut, it would bring old values back.
+    std::stable_partition(files.begin(), files.end(), [](const std::string& path) {
+        return KyrCoreUtils::caseInsensitiveStringEquals(KyrCoreUtils::FileUtils::getFileName(path),
+                                                         ConfigKeys::localConfigBackupFile);
+    });
     for (const auto& path : files) {
         const auto fileName = KyrCoreUtils::FileUtils::getFileName(path);
         if (outlivesReset(fileName)) {

@@ -79,6 +79,27 @@ TEST_F(RecordObserversTest, RecordsAreListedInSlices) {
     EXPECT_THAT(keysBehind(L"aa", 1), ElementsAre(L"b")) << "the key after which a slice begins may have been removed";
 }
 
+TEST_F(RecordObserversTest, ASliceContainsRecordsCreatedSinceTheLastOneAndNoneOfBeforeAReset) {
+    announce(L"b", L"v");
+    announce(L"d", L"v");
+    EXPECT_THAT(keysBehind(L"", 9), ElementsAre(L"b", L"d"));
+    for (const auto* key : {L"e", L"C", L"a"}) {
+        announce(key, L"v");
+    }
+    EXPECT_THAT(keysBehind(L"", 9), ElementsAre(L"a", L"b", L"C", L"d", L"e"));
+    service->reset();
+    EXPECT_THAT(keysBehind(L"", 9), IsEmpty());
+    announce(L"f", L"v");
+    EXPECT_THAT(keysBehind(L"", 9), ElementsAre(L"f"));
+}
+
+TEST_F(RecordObserversTest, ObserversAreAddedAndRemovedOnTheServicesThreadOnly) {
+    const auto recorder = record();
+    factory->servicesDispatcher->disown();
+    EXPECT_THROW(record(), UpdateAccessError);
+    EXPECT_THROW(service->removeRecordObserver(recorder), UpdateAccessError);
+}
+
 TEST_F(RecordObserversTest, TheFirstChangeOfAKeyIsReportedWithAnEmptyStateBefore) {
     const auto recorder = record();
     service->OnConfigChanged(L"k", L"v", L"ov", true, true, L"vs", L"ovs", false);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "FakeConfigFeatureSet.h"
+#include "FeatureSetMock.h"
 #include "base/TestObjects.h"
 #include "services/impl/ConfigServiceImpl.h"
 
@@ -27,8 +27,8 @@ struct ServiceFixture : testing::Test {
     }
 
     /// Registers a feature set with the factory.
-    std::shared_ptr<testing::StrictMock<FakeConfigFeatureSet>> fileFeatureSet() {
-        auto featureSet = std::make_shared<testing::StrictMock<FakeConfigFeatureSet>>();
+    std::shared_ptr<testing::StrictMock<ZelUnified::FeatureSetMock>> fileFeatureSet() {
+        auto featureSet = std::make_shared<testing::StrictMock<ZelUnified::FeatureSetMock>>();
         factory->getFeatureSets().registerItem<ZelUnified::ConfigFeatureSet>(ZelUnified::configServiceId, featureSet);
         return featureSet;
     }

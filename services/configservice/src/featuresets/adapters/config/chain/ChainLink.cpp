@@ -1,7 +1,5 @@
 #include "ChainLink.h"
 
-#include "featuresets/adapters/config/stores/StoreTable.h"
-
 #include <kyr/StringUtils.h>
 
 #include <utility>

@@ -12,6 +12,9 @@ bool ConfigLookup::lookupInStores(const FoldedKey& key, std::wstring& value, std
     bool found = false;
     value.clear();
     for (const auto walked = chain.getLinks(); const auto& store : *walked) {
+        if (!store.mayAnswer(key)) {
+            continue;
+        }
         if (!storeFilter.empty() && !KyrCoreUtils::caseInsensitiveStringEquals(storeFilter, store->getName())) {
             continue;
         }
@@ -86,6 +89,9 @@ bool ConfigLookup::findOriginalValue(const FoldedKey& key, std::wstring& origina
     for (const auto walked = chain.getLinks(); const auto& store : *walked) {
         if (!writableValue.empty() && !readOnlyValue.empty()) {
             break;
+        }
+        if (!store.mayAnswer(key)) {
+            continue;
         }
         if (!store->isReadOnly()) {
             if (writableValue.empty() && store.getValue(key, writableValue) && readOnlyValue.empty()) {

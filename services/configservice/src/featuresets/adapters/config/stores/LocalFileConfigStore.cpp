@@ -53,6 +53,25 @@ std::string readWhole(const std::string& path) {
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 
+/// Makes `copy` equal to `entries` and zeroes the values that it overwrites or removes. Reuses the nodes up to the
+/// first key that differs, because most persists follow changes of values only.
+void copyEntries(const std::vector<ConfigEntry::Owner>& entries, ConfigMap& copy) {
+    auto copied = copy.begin();
+    auto entry = entries.begin();
+    for (; copied != copy.end() && entry != entries.end() && copied->first == (*entry)->getKey(); ++copied, ++entry) {
+        if (copied->second != (*entry)->getValue()) {
+            overwriteValue(copied->second, (*entry)->getValue());
+        }
+    }
+    while (copied != copy.end()) {
+        zel::SecureString::wipe(copied->second);
+        copied = copy.erase(copied);
+    }
+    for (; entry != entries.end(); ++entry) {
+        copy.emplace_hint(copy.end(), (*entry)->getKey(), (*entry)->getValue());
+    }
+}
+
 /// Logs the content of a file that is not well-formed and renames the file.
 void quarantine(const std::string& directory, const std::string& file, const LogPlace& place) {
     const auto logError = [&place](const auto& text) { ZelLog(logger, ZelLogLevel::Error, place, text); };
@@ -250,11 +269,7 @@ void LocalFileConfigStore::persistValuesImpl(const std::string& target) {
         const auto values = table->lock();
         getDataString(content);
         if (target == fileName) {
-            wipeValues(lastPersistedValues);
-            lastPersistedValues.clear();
-            for (const auto& entry : values->list()) {
-                lastPersistedValues.emplace_hint(lastPersistedValues.end(), entry->getKey(), entry->getValue());
-            }
+            copyEntries(values->list(), lastPersistedValues);
         }
     }
     // The facility rejects empty content. This protects the file of a store that must not write.

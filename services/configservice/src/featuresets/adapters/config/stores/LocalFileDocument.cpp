@@ -83,14 +83,11 @@ void LocalFileDocument::getDataString(ConfigTable& table, zel::SecureString& con
     XmlWriter writer;
     writer.startElement("Lumora");
     for (const auto& entry : table.list()) {
-        writer.startElement("userConfig");
-        const bool isKeyWhole = writer.writeAttribute("name", entry->getKey());
-        if (!writer.writeAttribute("value", entry->getValue()) || !isKeyWhole) {
+        if (!writer.writeEmptyElement("userConfig", {{"name", entry->getKey()}, {"value", entry->getValue()}})) {
             ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE,
                    L"Characters that XML can't carry are replaced in the entry of key: " +
                        std::wstring(entry->getKey()));
         }
-        writer.endElement();
     }
     std::string text = writer.finish();
     if (text.empty()) {

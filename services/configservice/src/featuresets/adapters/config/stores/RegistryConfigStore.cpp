@@ -158,9 +158,9 @@ bool RegistryConfigStore::regDelnodeRecurse(HKEY root, PathBuffer& subkey) {
 }
 
 void RegistryConfigStore::deleteSubkeys(Registry& registry, HKEY root, HKEY key, PathBuffer& subkey) {
-    const auto ownLength = textLength(subkey);
-    if (ownLength > 0 && subkey[ownLength - 1] != L'\\') {
-        writeAt(subkey, ownLength, L"\\");
+    const auto subkeyLength = textLength(subkey);
+    if (subkeyLength > 0 && subkey[subkeyLength - 1] != L'\\') {
+        writeAt(subkey, subkeyLength, L"\\");
     }
     const auto prefixLength = textLength(subkey);
     std::array<wchar_t, 260> name{};
@@ -177,7 +177,7 @@ void RegistryConfigStore::deleteSubkeys(Registry& registry, HKEY root, HKEY key,
         previous = std::move(child);
         nameLength = static_cast<std::uint32_t>(name.size());
     }
-    subkey[ownLength] = L'\0';
+    subkey[subkeyLength] = L'\0';
 }
 
 } // namespace ZelUnified

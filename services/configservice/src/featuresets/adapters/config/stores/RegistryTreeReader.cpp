@@ -2,7 +2,6 @@
 
 #include "RegistryKeyHandle.h"
 
-#include <kyr/StringUtils.h>
 #include <registry/RegistryValue.h>
 
 #include <utility>
@@ -15,14 +14,6 @@ namespace {
 
 /// The size of a path buffer in characters, including the terminator.
 constexpr std::size_t pathBufferSize = 1024;
-
-std::uint32_t numberOf(std::span<const std::uint8_t> data) {
-    std::uint32_t number = 0;
-    for (std::size_t i = 0; i < data.size() && i < 4; ++i) {
-        number |= static_cast<std::uint32_t>(data[i]) << (8 * i);
-    }
-    return number;
-}
 
 } // namespace
 
@@ -52,17 +43,8 @@ void RegistryTreeReader::readValues(HKEY key) {
 }
 
 void RegistryTreeReader::insert(std::wstring key, std::uint32_t type, std::span<const std::uint8_t> data) {
-    switch (type) {
-    case REG_SZ:
-    case REG_EXPAND_SZ:
-    case REG_MULTI_SZ: // the first string of a list
-        values.emplace(std::move(key), decodeRegistryText(data));
-        break;
-    case REG_DWORD:
-        values.emplace(std::move(key), KyrCoreUtils::toWideString(numberOf(data)));
-        break;
-    default:
-        break;
+    if (auto text = decodeRegistryValue(type, data)) {
+        values.emplace(std::move(key), std::move(*text));
     }
 }
 

@@ -40,15 +40,13 @@ StoreTable* StoreTable::find(ConfigStore& store) {
     return nullptr;
 }
 
-// The rules are tested here and not in an operation of their own: most stores of a walk miss, and a call for each of
-// them would make the walk a quarter longer.
 bool StoreTable::getValue(const FoldedKey& key, std::wstring& value) {
-    if (rule == Rule::Trims) {
-        return getTrimmedValue(key, value);
-    }
-    if (!mayHold(key)) {
+    if (!mayAnswer(key)) {
         value.clear();
         return false;
+    }
+    if (rule == Rule::Trims) {
+        return getTrimmedValue(key, value);
     }
     const zel::Mutex::ScopedLock held(tableLock);
     const auto found = values.find(key);
@@ -69,8 +67,7 @@ bool StoreTable::getTrimmedValue(const FoldedKey& key, std::wstring& value) {
 }
 
 bool StoreTable::isWithheld(const FoldedKey& key) const {
-    return rule == Rule::WithholdsCertificateValidation &&
-           KyrCoreUtils::caseInsensitiveStringEquals(key.getText(), ConfigKeys::certificateValidationEnabled);
+    return rule == Rule::WithholdsCertificateValidation && key.equals(ConfigKeys::certificateValidationEnabled);
 }
 
 bool StoreTable::storeValue(const std::wstring& key, const std::wstring& value) {

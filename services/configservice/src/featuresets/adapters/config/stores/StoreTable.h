@@ -58,7 +58,12 @@ public:
 
     // The operations of ConfigStore.
 
-    /// `key` may refer to `value`. Unless the rule is Trims, reports most misses without the lock.
+    /// Returns false only if getValue() would return false and clear its value. Does not acquire the lock:
+    /// ConfigTable::mayHold() may run while another thread changes the table.
+    bool mayAnswer(const FoldedKey& key) const noexcept LUMORA_NO_THREAD_SAFETY_ANALYSIS {
+        return rule == Rule::Trims || values.mayHold(key);
+    }
+    /// `key` may refer to `value`. Reports most misses without the lock.
     bool getValue(const std::wstring& key, std::wstring& value) { return getValue(FoldedKey(key), value); }
     bool getValue(const FoldedKey& key, std::wstring& value);
     bool storeValue(const std::wstring& key, const std::wstring& value);
@@ -72,8 +77,6 @@ public:
     void replace(ConfigMap read) { lock()->replace(std::move(read)); }
 
 private:
-    /// Does not acquire the lock: ConfigTable::mayHold() may run while another thread changes the table.
-    bool mayHold(const FoldedKey& key) const noexcept LUMORA_NO_THREAD_SAFETY_ANALYSIS { return values.mayHold(key); }
     bool getTrimmedValue(const FoldedKey& key, std::wstring& value);
     bool isWithheld(const FoldedKey& key) const;
 

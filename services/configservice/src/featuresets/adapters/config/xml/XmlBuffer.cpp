@@ -1,8 +1,7 @@
 #include "XmlBuffer.h"
 
 #include "XmlLibrary.h"
-
-#include <openssl/crypto.h>
+#include "secure/WipeBytes.h"
 
 #include <cstddef>
 #include <cstring>
@@ -13,7 +12,7 @@ namespace {
 
 void wipeAndFree(xmlBuffer* buffer) {
     if (buffer->content != nullptr) {
-        OPENSSL_cleanse(buffer->content, buffer->size);
+        zel::wipeBytes(buffer->content, buffer->size);
     }
     xmlBufferFree(buffer);
 }

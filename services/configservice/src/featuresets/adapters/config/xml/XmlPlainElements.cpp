@@ -1,6 +1,6 @@
 #include "XmlPlainElements.h"
 
-#include <openssl/crypto.h>
+#include "secure/WipeBytes.h"
 
 #include <utility>
 
@@ -31,7 +31,7 @@ XmlPlainElements::XmlPlainElements(xmlParserCtxt& parser, const Receiver& receiv
 }
 
 XmlPlainElements::~XmlPlainElements() {
-    OPENSSL_cleanse(text.data(), text.size());
+    zel::wipeBytes(text.data(), text.size());
     *context.sax = treeHandlers;
     context._private = nullptr;
 }
@@ -133,7 +133,7 @@ void XmlPlainElements::endPlain() {
         failure = std::current_exception();
         xmlStopParser(&context);
     }
-    OPENSSL_cleanse(text.data(), text.size());
+    zel::wipeBytes(text.data(), text.size());
     text.clear();
 }
 
@@ -155,7 +155,7 @@ void XmlPlainElements::leaveToTree() {
     if (!text.empty()) {
         treeHandlers.characters(&context, reinterpret_cast<const xmlChar*>(text.data()), static_cast<int>(text.size()));
     }
-    OPENSSL_cleanse(text.data(), text.size());
+    zel::wipeBytes(text.data(), text.size());
     text.clear();
 }
 

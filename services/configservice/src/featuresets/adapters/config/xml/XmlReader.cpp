@@ -2,6 +2,7 @@
 
 #include "XmlGuard.h"
 #include "XmlScrubber.h"
+#include "secure/WipeBytes.h"
 
 #include <kyr/FstreamUtils.h>
 #include <kyr/Paths.h>
@@ -9,7 +10,6 @@
 
 #include <libxml/entities.h>
 #include <libxml/parser.h>
-#include <openssl/crypto.h>
 
 #include <algorithm>
 #include <array>
@@ -63,7 +63,7 @@ void wipeInput(const xmlParserCtxt& context, Bytes copy) {
     }
     const xmlChar* held = xmlBufContent(input->buf->buffer);
     if (held >= copy.data() && held <= copy.data() + copy.size()) {
-        OPENSSL_cleanse(copy.data(), copy.size());
+        zel::wipeBytes(copy.data(), copy.size());
     }
 }
 

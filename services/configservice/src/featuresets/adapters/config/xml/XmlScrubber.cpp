@@ -1,7 +1,8 @@
 #include "XmlScrubber.h"
 
+#include "secure/WipeBytes.h"
+
 #include <libxml/dict.h>
-#include <openssl/crypto.h>
 
 #include <cstring>
 
@@ -10,7 +11,7 @@ namespace ZelUnified {
 namespace {
 
 void wipe(xmlChar* text) {
-    OPENSSL_cleanse(text, std::strlen(reinterpret_cast<const char*>(text)));
+    zel::wipeBytes(text, std::strlen(reinterpret_cast<const char*>(text)));
 }
 
 } // namespace

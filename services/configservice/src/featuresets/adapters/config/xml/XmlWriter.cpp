@@ -94,24 +94,30 @@ void makeRoom(std::string& document, std::size_t count) {
     document.swap(larger);
 }
 
-/// Appends all pieces with one resize. Pieces are ASCII or UTF-8, of any character width.
+/// Appends all pieces, which are ASCII or UTF-8.
 template <class... Pieces>
 void appendTo(std::string& document, const Pieces&... pieces) {
-    const std::size_t length = document.size();
-    const std::size_t count = (pieces.size() + ...);
-    makeRoom(document, count);
-    document.resize(length + count);
-    auto next = document.begin() + static_cast<std::ptrdiff_t>(length);
-    const auto toChar = [](auto unit) { return static_cast<char>(unit); };
-    ((next = std::transform(pieces.begin(), pieces.end(), next, toChar)), ...);
+    makeRoom(document, (pieces.size() + ...));
+    (document.append(pieces), ...);
 }
 
+/// Appends `text` up to its first character that is not plain. Returns the number of characters appended.
 template <auto escape>
-bool isPlain(std::wstring_view text) {
-    const auto isPlainCode = [](auto code) { return code < asciiCount && plainCharacters<escape>[code]; };
-    return std::all_of(text.begin(), text.end(), [&](wchar_t unit) {
-        return isPlainCode(static_cast<std::make_unsigned_t<wchar_t>>(unit)); // wchar_t may be signed
-    });
+std::size_t appendPlain(std::string& document, std::wstring_view text) {
+    const std::size_t length = document.size();
+    makeRoom(document, text.size());
+    document.resize(length + text.size());
+    char* const appended = document.data() + length;
+    std::size_t count = 0;
+    for (; count < text.size(); ++count) {
+        const auto code = static_cast<std::make_unsigned_t<wchar_t>>(text[count]); // wchar_t may be signed
+        if (code >= asciiCount || !plainCharacters<escape>[code]) {
+            break;
+        }
+        appended[count] = static_cast<char>(code);
+    }
+    document.resize(length + count);
+    return count;
 }
 
 template <auto escape>
@@ -150,11 +156,12 @@ void appendEscapedInAscii(std::string& document, std::string_view utf8) {
 
 using Append = void (*)(std::string& document, std::string_view utf8);
 
-/// Appends `text`, through `appendRest` if it is not plain. Returns false if a character was replaced.
+/// Appends `text`, through `appendRest` from the first character that is not plain. Returns false if a character was
+/// replaced.
 template <auto escape>
 bool appendText(std::string& document, std::wstring_view text, Append appendRest = &appendEscaped<escape>) {
-    if (isPlain<escape>(text)) {
-        appendTo(document, text);
+    text.remove_prefix(appendPlain<escape>(document, text));
+    if (text.empty()) {
         return true;
     }
     std::string narrow = KyrCoreUtils::toString(text);
@@ -200,9 +207,11 @@ XmlWriter::~XmlWriter() {
 
 void XmlWriter::startElement(const std::string& name) {
     recordResult(xmlTextWriterStartElement(writer.get(), toXml(name.c_str())));
+    isStartTagOpen = true;
 }
 
 void XmlWriter::endElement() {
+    isStartTagOpen = false;
     recordResult(xmlTextWriterEndElement(writer.get()));
 }
 
@@ -219,9 +228,27 @@ bool XmlWriter::writeElement(const std::string& name, std::wstring_view text) {
 
 /// Works because the library keeps the start tag open until the next element starts or this one ends.
 bool XmlWriter::writeAttribute(const std::string& name, std::wstring_view text) {
-    if (!flush()) {
+    return !flush() || appendAttribute(name, text);
+}
+
+bool XmlWriter::writeEmptyElement(std::string_view name, std::initializer_list<Attribute> attributes) {
+    if (std::exchange(isStartTagOpen, false)) {
+        recordResult(xmlTextWriterWriteRawLen(writer.get(), toXml("\n"), 1)); // ends the start tag first
+        flush();
+    }
+    if (failed) {
         return true;
     }
+    appendTo(document, std::string_view(" <"), name);
+    bool areWhole = true;
+    for (const auto& attribute : attributes) {
+        areWhole = appendAttribute(attribute.name, attribute.text) && areWhole;
+    }
+    appendTo(document, std::string_view("/>\n"));
+    return areWhole;
+}
+
+bool XmlWriter::appendAttribute(std::string_view name, std::wstring_view text) {
     appendTo(document, std::string_view(" "), name, std::string_view("=\""));
     const bool isWhole = appendText<escapeInAttribute>(
         document, text, attributesAreAscii ? &appendEscapedInAscii : &appendEscaped<escapeInAttribute>);

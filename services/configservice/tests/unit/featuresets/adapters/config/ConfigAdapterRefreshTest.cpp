@@ -1,4 +1,5 @@
 #include "ConfigAdapterFixture.h"
+#include "base/TestObjects.h"
 
 namespace ZelUnified {
 
@@ -35,6 +36,28 @@ TEST_F(ConfigAdapterRefresh, OfAStartedAdapterReadsWithoutTheErrorLinesOfConstru
     adapter->refreshConfigFeatureSet();
     EXPECT_EQ(countLogged("Config FeatureSet Not Started"), 0);
     EXPECT_GT(guarded, 0);
+}
+
+TEST_F(ConfigAdapterRefresh, AddsTheUsersStoreBeforeThePolicy) {
+    givenPolicy(L"PolicyKey", L"policy");
+    loadAndStart();
+    adapter->setConfig(L"UserKey", L"user");
+    factory->backgroundDispatcher->runAll();
+    adapter->StopFeatureSet(configServiceId, nullptr);
+    std::vector<std::wstring> announced;
+    const auto observe = [&](const std::wstring& key) {
+        auto observer = std::make_shared<configservice_test::RecordingValueObserver>();
+        observer->reaction = [&announced, key](const std::string& property) {
+            if (property == "Value") {
+                announced.push_back(key);
+            }
+        };
+        service->getConfig(key)->addObserver(std::weak_ptr<ConfigValueObserver>(observer));
+        return observer;
+    };
+    const auto observers = {observe(L"UserKey"), observe(L"PolicyKey")};
+    adapter->refreshConfigFeatureSet();
+    EXPECT_THAT(announced, testing::ElementsAre(L"UserKey", L"PolicyKey"));
 }
 
 } // namespace ZelUnified

@@ -117,6 +117,22 @@ TEST_F(ConfigAdapterReset, KeepsFourFilesUnchangedAndDeletesAllOthers) {
     EXPECT_TRUE(std::filesystem::is_directory(profile.config() / "Cache" / "deep"));
 }
 
+TEST_F(ConfigAdapterReset, DeletesTheUsersBackupFirst) {
+    const auto other = write("a.log");
+    const auto file = write("lumoraLocalConfig.dat");
+    const auto backup = write("lumoraLocalConfig_backup.dat");
+    load();
+    reset();
+    std::vector<std::string> deleted;
+    for (const auto& line : logged()) {
+        if (line.starts_with("File: [")) {
+            deleted.push_back(line);
+        }
+    }
+    const auto lineOf = [](const auto& path) { return "File: [" + path.string() + "] deleted"; };
+    EXPECT_THAT(deleted, testing::ElementsAre(lineOf(backup), lineOf(other), lineOf(file)));
+}
+
 TEST_F(ConfigAdapterReset, LogsAFileItCannotDeleteAndDeletesTheOthers) {
     const auto first = write("a.log");
     const auto vanishing = write("b.log");

@@ -32,28 +32,6 @@ public:
     std::vector<std::wstring> removals;
 };
 
-/// A remote store that lists two keys but returns the value of one only.
-class StoreWithoutAValue final : public ConfigStore {
-public:
-    bool getValue(const std::wstring& key, std::wstring& value) override {
-        const bool held = key == L"answered";
-        value = held ? L"v" : L"";
-        return held;
-    }
-    bool storeValue(const std::wstring&, const std::wstring&) override { return false; }
-    std::vector<std::wstring> getKeys() override { return {L"answered", L"unanswered"}; }
-    bool removeValue(const std::wstring&) override { return false; }
-    void removeAllValues() override {}
-    bool isReadOnly() override { return true; }
-    std::string getName() override { return "Reluctant"; }
-    int getPriority() override { return 40; }
-    void persistValues() override {}
-    void destroy() override {}
-    bool isLocal() override { return false; }
-    bool waitForStoreReady() override { return true; }
-    bool shouldCacheConfigStore() override { return true; }
-};
-
 } // namespace
 
 /// Tests the consequences of an arrival among several sources.
@@ -145,7 +123,9 @@ TEST_F(ConfigAdapterSources, AnEntryWithAnEmptyPriorityIsRestoredWithPriority240
 
 TEST_F(ConfigAdapterSources, AListedKeyWithoutAValueIsNotCopied) {
     loadAndStart();
-    adapter->addConfigStore(std::make_shared<StoreWithoutAValue>());
+    const auto store = makeCachingStore("Reluctant", 40, {{L"answered", L"v"}, {L"unanswered", L""}});
+    store->unanswered.insert(L"unanswered");
+    adapter->addConfigStore(store);
     unload();
     load();
     EXPECT_THAT(adapter->getConfigStoreByName("Reluctant")->getKeys(), ElementsAre(L"answered"));

@@ -3,6 +3,7 @@
 #include "FakeConfigStore.h"
 
 #include <InMemoryConfigStore.h>
+#include <MdmConfigStore.h>
 #include <XmlConfigStore.h>
 #include <gtest/gtest.h>
 
@@ -50,6 +51,18 @@ TEST(ChainLink, ReadsAStoreOfAnotherService) {
 
 TEST(ChainLink, CallsTheOverrideOfADerivedStore) {
     EXPECT_EQ(ask(ChainLink(std::make_shared<OverridingStore>()), L"Key"), L"my own Key");
+}
+
+TEST(ChainLink, MayAnswerUnlessAMissOfTheStoreClearsTheValue) {
+    const std::wstring text = L"Key";
+    const FoldedKey key(text);
+    const auto store = std::make_shared<InMemoryConfigStore>("Own", 1);
+    EXPECT_FALSE(ChainLink(store).mayAnswer(key));
+    store->storeValue(L"KEY", L"");
+    EXPECT_TRUE(ChainLink(store).mayAnswer(key));
+    EXPECT_TRUE(ChainLink(std::make_shared<MdmConfigStore>("")).mayAnswer(key)) << "FIPS mode sets the value of a miss";
+    EXPECT_TRUE(ChainLink(makeReadOnlyStore("Foreign", 1, {})).mayAnswer(key));
+    EXPECT_TRUE(ChainLink(std::make_shared<OverridingStore>()).mayAnswer(key));
 }
 
 TEST(ChainLink, ListsTheKeysAsTheStoreDoes) {

@@ -40,6 +40,13 @@ TEST_F(ConfigStoreManagerReset, AStoreWithASparedNameInAnotherCaseIsRemoved) {
     EXPECT_FALSE(manager.hasStoreWithName("MdmConfigStore"));
 }
 
+TEST_F(ConfigStoreManagerReset, AStoreWithoutANameIsRemoved) {
+    given(makeReadOnlyStore("", 500, {{L"k", L"v"}}));
+    ASSERT_TRUE(manager.hasStoreWithName(""));
+    manager.resetConfigData();
+    EXPECT_FALSE(manager.hasStoreWithName(""));
+}
+
 TEST_F(ConfigStoreManagerReset, AnnouncesThenEmptiesFromTheLastStoreToTheFirst) {
     given(makeWritableStore("First", 20, {{L"a", L"1"}}));
     given(makeWritableStore("Last", 30, {{L"b", L"2"}}));

@@ -57,6 +57,11 @@ TEST(LocalFileDocument, ReadsEveryElementIncludingTheRoot) {
     EXPECT_THAT(read("<userConfig name='k' value='v'/><!-- behind -->"), ElementsAre(Pair(L"k", L"v")));
 }
 
+TEST(LocalFileDocument, AnElementComesBeforeTheElementsInIt) {
+    EXPECT_THAT(read("<a><userConfig name='k' value='outer'><userConfig name='K' value='inner'/></userConfig></a>"),
+                ElementsAre(Pair(L"k", L"outer")));
+}
+
 TEST(LocalFileDocument, IgnoresOtherElementsAttributesAndTextWithoutALine) {
     const testing_host::LogRecorder log;
     EXPECT_THAT(read("<r><user name='k' value='v'/><k>v</k></r>"), IsEmpty());

@@ -104,6 +104,21 @@ TEST(XmlReader, RefusesNulBytesDepthAndHugeTexts) {
     EXPECT_EQ(XmlReader::readFile((profile.root() / "huge.xml").string()), nullptr);
 }
 
+TEST(XmlReader, ReadsSixtyFourMebibytesAndNoByteMore) {
+    constexpr std::size_t mebibyte = std::size_t{1} << 20U;
+    std::string text = "<a>";
+    for (int comments = 0; comments < 64; ++comments) {
+        text += "<!--" + std::string(mebibyte - 7, 'x') + "-->";
+    }
+    text.replace(text.size() - 10, 10, "--></a>");
+    ASSERT_EQ(text.size(), 64 * mebibyte);
+    EXPECT_NE(XmlReader::parseDoc(text), nullptr);
+    EXPECT_NE(XmlReader::readMemory(text, "test"), nullptr);
+    text += ' ';
+    EXPECT_EQ(XmlReader::parseDoc(text), nullptr);
+    EXPECT_EQ(XmlReader::readMemory(text, "test"), nullptr);
+}
+
 TEST(XmlReader, ReadsDocumentsOfEveryLength) {
     std::string elements;
     for (int count = 0; count < 300; ++count) {

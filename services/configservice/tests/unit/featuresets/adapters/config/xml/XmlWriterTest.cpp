@@ -44,6 +44,12 @@ std::string writeByLibrary(XmlWriter::Declaration declaration, const std::vector
     }
     xmlTextWriterStartElement(writer, toXml("root"));
     for (const auto& text : texts) {
+        xmlTextWriterStartElement(writer, toXml("entry"));
+        xmlTextWriterWriteAttribute(writer, toXml("name"), toXml(text));
+        xmlTextWriterWriteAttribute(writer, toXml("value"), toXml(text + text));
+        xmlTextWriterEndElement(writer);
+    }
+    for (const auto& text : texts) {
         xmlTextWriterStartElement(writer, toXml("group"));
         xmlTextWriterWriteAttribute(writer, toXml("text"), toXml(text));
         xmlTextWriterWriteElement(writer, toXml("key"), toXml(text));
@@ -82,6 +88,10 @@ TEST(XmlWriter, WritesWhatTheLibrarysWriterWrites) {
         writer.startElement("root");
         for (const auto& text : texts) {
             const std::wstring wide = KyrCoreUtils::toWideString(text);
+            EXPECT_TRUE(writer.writeEmptyElement("entry", {{"name", wide}, {"value", wide + wide}}));
+        }
+        for (const auto& text : texts) {
+            const std::wstring wide = KyrCoreUtils::toWideString(text);
             writer.startElement("group");
             writer.writeAttribute("text", wide);
             writer.writeElement("key", wide);
@@ -103,6 +113,15 @@ TEST(XmlWriter, ReturnsFalseIfItReplacedACharacter) {
     EXPECT_FALSE(writer.writeElement("f", std::wstring(1, L'\0')));
     EXPECT_EQ(writer.finish(), "<a b=\"&lt;&#xE9;&gt;\" c=\"x&#xFFFD;\">\n <d>\xC3\xA9</d>\n"
                                " <e>\xEF\xBF\xBD</e>\n <f>\xEF\xBF\xBD</f>\n</a>\n");
+}
+
+TEST(XmlWriter, ReturnsFalseIfItReplacedACharacterOfAnyAttribute) {
+    XmlWriter writer(XmlWriter::Declaration::Without);
+    writer.startElement("a");
+    EXPECT_FALSE(writer.writeEmptyElement("b", {{"c", L"\u0001"}, {"d", L"x"}}));
+    EXPECT_FALSE(writer.writeEmptyElement("e", {{"f", L"x"}, {"g", L"\uFFFF"}}));
+    EXPECT_TRUE(writer.writeEmptyElement("h", {}));
+    EXPECT_EQ(writer.finish(), "<a>\n <b c=\"&#xFFFD;\" d=\"x\"/>\n <e f=\"x\" g=\"&#xFFFD;\"/>\n <h/>\n</a>\n");
 }
 
 TEST(XmlWriter, IndentsEachLevelByOneBlankAndEndsOpenElements) {
@@ -149,6 +168,16 @@ TEST(XmlWriter, ReturnsNoDocumentAfterAFailedAllocation) {
         writer.writeElement("lost", L"x");
     }
     writer.writeElement("after", L"x");
+    EXPECT_EQ(writer.finish(), "");
+}
+
+TEST(XmlWriter, ReturnsNoDocumentIfItsRootWasNotStarted) {
+    XmlWriter writer;
+    {
+        const xml_test::XmlMemoryLimit none(0);
+        writer.startElement("a");
+    }
+    EXPECT_TRUE(writer.writeEmptyElement("after", {{"b", L"\u0001"}}));
     EXPECT_EQ(writer.finish(), "");
 }
 

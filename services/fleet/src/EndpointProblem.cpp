@@ -1,4 +1,4 @@
-#include "ClusterAccess.h"
+#include "EndpointProblem.h"
 
 #include <algorithm>
 #include <string_view>
@@ -14,7 +14,7 @@ bool isPlain(char character) {
 
 } // namespace
 
-std::string findEndpointProblem(const ClusterAccess& access, const std::string& endpoint) {
+std::string findEndpointProblem(const ZelUnified::FleetAccess& access, const std::string& endpoint) {
     const std::string_view secure = "https://";
     const std::string_view plain = "http://";
     const bool isPlainHttp = endpoint.starts_with(plain);
