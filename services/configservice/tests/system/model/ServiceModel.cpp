@@ -14,6 +14,8 @@ using Kind = StoreShape::Kind;
 
 const std::string urlStore = "UrlProvisioningConfigStore";
 const std::string presenceStore = "PresenceConfigStore";
+const std::string mainFile = "lumoraLocalConfig.dat";
+const std::string backupFile = "lumoraLocalConfig_backup.dat";
 
 const std::wstring firstSensitiveKeys[] = {
     L"Initial_Info",
@@ -49,7 +51,7 @@ void ServiceModel::restart(const std::vector<std::wstring>& watchedKeys) {
                                .priority = std::numeric_limits<int>::max(),
                                .pairs = defaults});
     addMemoryStore();
-    addUserStore();
+    addUserStore(Backup::Scheduled);
     addRegistryStore();
     initialiseCachedStores();
     removeValuesIfPolicySet();
@@ -65,14 +67,14 @@ void ServiceModel::restart(const std::vector<std::wstring>& watchedKeys) {
 
 void ServiceModel::connect() {
     started = false;
-    if (chain) {
-        cachedFiles = chain->listCachedFiles();
-    }
+    files = getFiles();
+    moveDamagedFilesAside();
     chain = std::make_unique<ChainModel>();
     chain->setFipsMode(fips);
-    for (const auto& file : cachedFiles) {
+    for (const auto& [file, pairs] : files.copies) {
         chain->placeCachedFile(file);
     }
+    isBackupDue = false;
     records = ServiceRecords();
     records.fired = [this](const auto& key, const auto& property) { fired(key, property); };
     sensitiveRecords.clear();
@@ -80,12 +82,19 @@ void ServiceModel::connect() {
     chain->mayFire = [this](const std::wstring& key) { records.fire(key); };
     chain->madeSensitive = [this](const std::wstring& key) { sensitiveRecords.push_back(key); };
     chain->told = [](const std::string&) {};
-    chain->persisted = [this](ModelStore& store) {
-        if (store.shape.kind == Kind::UserFile && store.lastPersisted != store.shape.pairs) {
-            store.lastPersisted = store.shape.pairs;
-            userFile = store.destroyed ? userFile : store.shape.pairs;
+    chain->persisted = [this](ModelStore& store) { persist(store); };
+}
+
+void ServiceModel::moveDamagedFilesAside() {
+    std::erase_if(files.damaged, [this](const auto& entry) {
+        const auto& [name, damage] = entry;
+        if (damage == Files::Damage::StaysInPlace) {
+            return false;
         }
-    };
+        files.user.erase(name);
+        files.copies.erase(name);
+        return true;
+    });
 }
 
 void ServiceModel::start() {
@@ -96,7 +105,7 @@ void ServiceModel::start() {
         addMemoryStore();
     }
     if (!chain->hasStore("LocalFileConfigStore")) {
-        addUserStore();
+        addUserStore(Backup::Never);
     }
     started = true;
     chain->runTasks();
@@ -112,7 +121,7 @@ void ServiceModel::stop() {
 void ServiceModel::refresh() {
     chain->removeNonLocalStores();
     addMemoryStore();
-    addUserStore();
+    addUserStore(Backup::Scheduled);
     addRegistryStore();
     initialiseCachedStores();
     if (hasCachedServerData()) {
@@ -132,9 +141,14 @@ void ServiceModel::resetAllData() {
     for (const auto& file : chain->listCachedFiles()) {
         if (!isSame(file, copyNameOf(urlStore))) {
             chain->removeCachedFiles(file);
+            files.damaged.erase(file);
         }
     }
-    userFile.clear();
+    for (const auto& [file, pairs] : files.user) {
+        files.damaged.erase(file);
+    }
+    files.user.clear();
+    isBackupDue = false;
     policy.clear();
     refresh();
 }
@@ -146,30 +160,78 @@ void ServiceModel::addMemoryStore() {
         StoreShape{.kind = Kind::Memory, .name = "InMemoryConfigStore", .priority = 600, .readOnly = false});
 }
 
-void ServiceModel::addUserStore() {
+void ServiceModel::addUserStore(Backup kind) {
     StoreShape shape{.kind = Kind::Memory, .name = "LocalFileConfigStore", .priority = 20, .readOnly = false};
     if (!isSdkMode()) {
         shape.kind = Kind::UserFile;
         shape.local = false;
-        for (const auto& [key, value] : userFile) {
+        for (const auto& [key, value] : readUserFile()) {
             shape.pairs.emplace_back(toSmallLetters(key), value);
         }
     }
-    chain->addStore(shape);
+    const auto store = std::make_shared<ModelStore>(shape);
+    if (kind == Backup::Scheduled) {
+        storeWithBackup = store;
+    }
+    chain->addStore(store);
+}
+
+Pairs ServiceModel::readUserFile() const {
+    for (const auto& name : {mainFile, backupFile}) {
+        if (const auto file = files.user.find(name); file != files.user.end() && !files.damaged.contains(name)) {
+            return file->second;
+        }
+    }
+    return {};
+}
+
+void ServiceModel::persist(ModelStore& store) {
+    if (store.shape.kind != Kind::UserFile || store.lastPersisted == store.shape.pairs) {
+        return;
+    }
+    writeUserFile(store, mainFile, backupFile);
+    if (storeWithBackup.lock().get() == &store && !isBackupDue) {
+        isBackupDue = true;
+        storeToBackUp = storeWithBackup;
+    }
+}
+
+/// A readable file is not replaced while the other one is unreadable.
+void ServiceModel::writeUserFile(ModelStore& store, const std::string& target, const std::string& counterpart) {
+    if (files.damaged.contains(counterpart) && !files.damaged.contains(target)) {
+        return;
+    }
+    if (target == mainFile) {
+        store.lastPersisted = store.shape.pairs;
+    }
+    if (!store.destroyed) {
+        files.user[target] = store.shape.pairs;
+        files.damaged.erase(target);
+    }
+}
+
+void ServiceModel::passTime() {
+    if (const auto store = storeToBackUp.lock(); store && isBackupDue) {
+        writeUserFile(*store, backupFile, mainFile);
+    }
+    isBackupDue = false;
 }
 
 void ServiceModel::addRegistryStore() {
+    Pairs pairs = administratorPolicy;
+    pairs.insert(pairs.end(), policy.begin(), policy.end());
     chain->addStore(StoreShape{
-        .kind = Kind::Registry, .name = "RegistryConfigStore", .priority = 33, .pairs = policy, .local = false});
+        .kind = Kind::Registry, .name = "RegistryConfigStore", .priority = 33, .pairs = pairs, .local = false});
 }
 
 void ServiceModel::addCopy(const std::string& name, int priority) {
-    const auto files = chain->listCachedFiles();
-    const bool there = std::count(files.begin(), files.end(), copyNameOf(name)) > 0;
+    const auto present = chain->listCachedFiles();
+    const auto file = copyNameOf(name);
+    const bool there = std::count(present.begin(), present.end(), file) > 0 && !files.damaged.contains(file);
     chain->addStore(StoreShape{.kind = Kind::Copy,
                                .name = name,
                                .priority = priority,
-                               .pairs = there ? readBack(copies[copyNameOf(name)]) : Pairs()});
+                               .pairs = there ? readBack(files.copies[file]) : Pairs()});
 }
 
 void ServiceModel::initialiseCachedStores() {
@@ -231,7 +293,8 @@ void ServiceModel::cacheStore(const ModelStore& store) {
         return;
     }
     const auto fileName = copyNameOf(store.shape.name);
-    copies[fileName] = store.shape.pairs;
+    files.copies[fileName] = store.shape.pairs;
+    files.damaged.erase(fileName);
     // The record may be written to the same store, so the copy contains the values before that write.
     writeRecord(store.shape.name, store.getCachedPriority());
     chain->placeCachedFile(fileName);
@@ -278,6 +341,29 @@ Pairs ServiceModel::readBack(const Pairs& pairs) const {
     return result;
 }
 
+// Files.
+
+ServiceModel::Files ServiceModel::getFiles() const {
+    Files present = files;
+    const auto listed = chain ? chain->listCachedFiles() : std::vector<std::string>();
+    std::erase_if(present.copies,
+                  [&](const auto& entry) { return std::count(listed.begin(), listed.end(), entry.first) == 0; });
+    std::erase_if(present.damaged, [&](const auto& entry) {
+        return !present.copies.contains(entry.first) && !present.user.contains(entry.first);
+    });
+    return present;
+}
+
+void ServiceModel::setFiles(const Files& newFiles) {
+    for (const auto& file : chain->listCachedFiles()) {
+        chain->removeCachedFiles(file);
+    }
+    for (const auto& [file, pairs] : newFiles.copies) {
+        chain->placeCachedFile(file);
+    }
+    files = newFiles;
+}
+
 // Values.
 
 bool ServiceModel::getConfig(const std::wstring& key, std::wstring& value, std::wstring& store, bool& fromLegacyKey,
@@ -312,7 +398,8 @@ bool ServiceModel::provision(const std::wstring& url) {
     }
     const auto pairs = readProvisioningUrl(url);
     if (!pairs.empty()) {
-        copies[copyNameOf(urlStore)] = ModelStore({.name = urlStore, .pairs = pairs}).shape.pairs;
+        files.copies[copyNameOf(urlStore)] = ModelStore({.name = urlStore, .pairs = pairs}).shape.pairs;
+        files.damaged.erase(copyNameOf(urlStore));
     }
     const bool done = chain->setUrlProvisioningData(url);
     chain->runTasks();
@@ -385,8 +472,8 @@ void ServiceModel::deriveFlag(const std::wstring& key, bool flag) {
 }
 
 bool ServiceModel::hasCachedServerData() {
-    const auto files = chain->listCachedFiles();
-    return std::any_of(files.begin(), files.end(), [](const auto& file) {
+    const auto present = chain->listCachedFiles();
+    return std::any_of(present.begin(), present.end(), [](const auto& file) {
         return beginsWith(file, "cachedGarn") || beginsWith(file, "cachedPresenceConfigStore") ||
                beginsWith(file, "cachedTftp");
     });

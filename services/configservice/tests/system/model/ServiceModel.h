@@ -6,7 +6,6 @@
 
 #include <map>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -58,10 +57,35 @@ public:
     RecordView getRecord(const std::wstring& key) override { return records.get(key, fips); }
     std::vector<std::string> listCachedFiles() override { return chain->listCachedFiles(); }
 
+    // What a host and the world around it do. Not operations of Service: a script cannot call them.
+
+    /// The files of the profile, by name. A damaged file exists but cannot be read.
+    struct Files {
+        enum class Damage { MovedAsideAtStart, StaysInPlace };
+
+        std::map<std::string, Pairs> user; ///< The user's file and its backup.
+        std::map<std::string, Pairs> copies;
+        std::map<std::string, Damage> damaged;
+    };
+    Files getFiles() const;
+    /// Replaces the files, because what was written to them is lost or because they were damaged or removed.
+    void setFiles(const Files& files);
+    /// Lets the delay of a backup pass.
+    void passTime();
+    /// Sets the defaults that the next run reads.
+    void setDefaults(Pairs shippedDefaults) { defaults = std::move(shippedDefaults); }
+    /// Sets the values of the platform's policy that a reset cannot remove. setPolicy() overrides them.
+    void setAdministratorPolicy(Pairs pairs) { administratorPolicy = std::move(pairs); }
+
 private:
     void connect();
+    void moveDamagedFilesAside();
     void addMemoryStore();
-    void addUserStore();
+    enum class Backup { Scheduled, Never };
+    void addUserStore(Backup kind);
+    Pairs readUserFile() const;
+    void persist(ModelStore& store);
+    void writeUserFile(ModelStore& store, const std::string& target, const std::string& counterpart);
     void addRegistryStore();
     void addCopy(const std::string& name, int priority);
     void initialiseCachedStores();
@@ -78,17 +102,19 @@ private:
     /// Returns the pairs as they are read from a document: keys in lower case, and changed as FIPS mode requires.
     Pairs readBack(const Pairs& pairs) const;
 
-    const Pairs defaults;
-    // State that survives a run.
+    // State that survives a run. During a run, the chain lists which copies exist.
+    Pairs defaults;
     Pairs policy;
-    Pairs userFile;
-    std::map<std::string, Pairs> copies;
-    std::vector<std::string> cachedFiles;
+    Pairs administratorPolicy;
+    Files files;
     bool fips = false;
     // State of the current run.
     std::unique_ptr<ChainModel> chain;
     ServiceRecords records;
     std::vector<std::wstring> sensitiveRecords;
+    std::weak_ptr<ModelStore> storeWithBackup; ///< The last user's store that was given the timer.
+    std::weak_ptr<ModelStore> storeToBackUp;
+    bool isBackupDue = false; ///< Also after the store is gone.
     bool started = false;
 };
 
