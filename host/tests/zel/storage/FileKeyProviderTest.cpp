@@ -9,6 +9,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 #include <string>
 #include <thread>
@@ -194,9 +195,10 @@ TEST_F(FileKeyProviderTest, ASecondThreadGetsTheKeyWhenItsNameIsOnTheDisk) {
     FileKeyProvider shared(layer, profile.data().string());
     testing_host::Signal returned;
     std::size_t unsyncedNames = 0;
+    std::atomic<bool> started = false;
     std::thread second;
-    layer.beforeSyncDirectory([&](const std::string& path) {
-        if (path != folder.string() || second.joinable()) {
+    layer.setBeforeSyncDirectory([&](const std::string& path) {
+        if (path != folder.string() || started.exchange(true)) {
             return;
         }
         second = std::thread([&] {
@@ -205,10 +207,11 @@ TEST_F(FileKeyProviderTest, ASecondThreadGetsTheKeyWhenItsNameIsOnTheDisk) {
             unsyncedNames = layer.countUnsyncedNames();
             returned.set();
         });
+        // A limit, because the second thread must not return before this action ends.
         returned.waitFor(std::chrono::milliseconds(200));
     });
     ASSERT_EQ(shared.findOrMake(UserData, key), KeyResult::Found);
-    ASSERT_TRUE(second.joinable());
+    ASSERT_TRUE(started);
     second.join();
     EXPECT_EQ(unsyncedNames, 0U) << "a power cut would have removed a key that was already used";
 }
