@@ -20,7 +20,7 @@ class Step:
 
     lines: tuple
     state: dict
-    # How many of the lines report that they are done.
+    # How many of the lines report that they are done. None: the step ends with the process.
     reports: int = 1
 
 
@@ -70,9 +70,10 @@ class Sequence:
 
     def add_command(self):
         line = self.choose_change(False)
-        step = self.step(line)
         words = line.split(" ")
-        if words[0] == "add-store":
+        adds_store = words[0] == "add-store"
+        step = self.step(line, reports=0 if adds_store else 1)
+        if adds_store:
             words = ["--store", words[1], "get", "From" + words[1].split(":")[1]]
         self.parts.append(Process(tuple(words), (step,)))
 
