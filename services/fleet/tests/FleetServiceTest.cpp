@@ -60,7 +60,7 @@ protected:
         return KyrCoreUtils::FileUtils::getConfigDirectory() + "/Cache/cachedFleetConfigStore.dat";
     }
 
-    void addBootstrapFile(const FleetHost& host, const fleet::ZelUnified::FleetAccess& access) const {
+    void addBootstrapFile(const FleetHost& host, const ZelUnified::FleetAccess& access) const {
         const auto file = profile.root() / "installer.properties";
         testing_host::writeFile(file, "FleetEndpoints: " + access.endpoints.front() +
                                           "\nFleetPlainHttpAllowed: true\nFleetUser: ada\n");
