@@ -193,7 +193,7 @@ TEST_F(FileKeyProviderTest, AKeyThatAnotherThreadIsCreatingIsOnTheDiskWhenItIsRe
     FaultInjectingFileLayer layer;
     std::size_t unsyncedNames = 0;
     bool isStarted = false;
-    layer.beforeSyncDirectory([&](const std::string& path) {
+    layer.setBeforeSyncDirectory([&](const std::string& path) {
         if (path != folder.string() || std::exchange(isStarted, true)) {
             return;
         }
