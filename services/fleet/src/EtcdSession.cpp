@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <exception>
 #include <future>
-#include <ranges>
 #include <utility>
 
 namespace fleet {
@@ -87,8 +86,8 @@ void EtcdSession::check(const std::vector<FleetScope>& scopes) {
 
 std::optional<std::string> EtcdSession::findKey(const FleetScope& scope, const std::string& key) {
     const auto keys = readRange(etcd::makeKeys(scope));
-    for (const auto& pair : keys.pairs | std::views::reverse) {
-        auto spelling = pair.key.substr(scope.prefix.size());
+    for (auto pair = keys.pairs.rbegin(); pair != keys.pairs.rend(); ++pair) {
+        auto spelling = pair->key.substr(scope.prefix.size());
         if (KyrCoreUtils::caseInsensitiveStringEquals(spelling, key)) {
             return spelling;
         }

@@ -101,6 +101,11 @@ void appendTo(std::string& document, const Pieces&... pieces) {
     (document.append(pieces), ...);
 }
 
+/// wchar_t may be signed.
+constexpr auto toCode(wchar_t unit) {
+    return static_cast<std::make_unsigned_t<wchar_t>>(unit);
+}
+
 /// Appends `text` up to its first character that is not plain. Returns the number of characters appended.
 template <auto escape>
 std::size_t appendPlain(std::string& document, std::wstring_view text) {
@@ -109,12 +114,12 @@ std::size_t appendPlain(std::string& document, std::wstring_view text) {
     document.resize(length + text.size());
     char* const appended = document.data() + length;
     std::size_t count = 0;
-    for (; count < text.size(); ++count) {
-        const auto code = static_cast<std::make_unsigned_t<wchar_t>>(text[count]); // wchar_t may be signed
+    for (const wchar_t unit : text) {
+        const auto code = toCode(unit);
         if (code >= asciiCount || !plainCharacters<escape>[code]) {
             break;
         }
-        appended[count] = static_cast<char>(code);
+        appended[count++] = static_cast<char>(code);
     }
     document.resize(length + count);
     return count;
