@@ -17,8 +17,8 @@ find_path(ASIO_INCLUDE_DIR asio.hpp REQUIRED)
 # The line editor of the shell of lumora-config, and the archives of its `bundle`.
 if(NOT WIN32)
   pkg_check_modules(LIBEDIT REQUIRED IMPORTED_TARGET libedit)
-  pkg_check_modules(LIBARCHIVE REQUIRED IMPORTED_TARGET libarchive)
 endif()
+pkg_check_modules(LIBARCHIVE REQUIRED IMPORTED_TARGET libarchive)
 if(MINGW)
   # They are static there, and their headers declare imports unless they are told so.
   add_compile_definitions(LIBXML_STATIC UTF8PROC_STATIC)

@@ -22,8 +22,8 @@ endif()
 # product. Line numbers are enough for a stack; debug information of variables would cost another fifth.
 set(LUMORA_TEST_OPTIONS "")
 if(MINGW)
-  # Nothing there shows a stack, and the calls of other platforms have other widths.
-  set(LUMORA_TEST_OPTIONS -O0 -g0 -Wno-conversion)
+  # The calls of other platforms have other widths.
+  set(LUMORA_TEST_OPTIONS -O0 -Wno-conversion)
 elseif(NOT MSVC)
   set(LUMORA_TEST_OPTIONS -O0 -g1)
 endif()
@@ -52,9 +52,9 @@ if(WIN32)
 endif()
 
 # lumora_add_test(NAME SOURCES... [ALONE SOURCES...] [LIBRARIES...]): adds one test program; ctest runs each of its
-# cases in a separate process. Eight sources are compiled as one, since each source instantiates the same templates:
-# that takes a third of the time. ALONE lists sources that cannot be joined with others because both define the same
-# name.
+# cases in a separate process, or all in one under an emulator. Eight sources are compiled as one, since each source
+# instantiates the same templates: that takes a third of the time. ALONE lists sources that cannot be joined with others
+# because both define the same name.
 function(lumora_add_test name)
   cmake_parse_arguments(ARG "" "" "SOURCES;ALONE;LIBRARIES" ${ARGN})
   add_executable(${name} ${ARG_SOURCES} ${ARG_ALONE})
@@ -65,6 +65,14 @@ function(lumora_add_test name)
   target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} GTest::gmock GTest::gtest_main)
   target_compile_options(${name} PRIVATE ${LUMORA_TEST_OPTIONS})
   target_precompile_headers(${name} REUSE_FROM test_prelude)
+  if(CMAKE_CROSSCOMPILING)
+    # Starting the emulator takes longer than most cases, so it runs all of a program at once. The option makes
+    # scripts/run-wine ask for the result of the tests.
+    add_test(NAME ${name} COMMAND ${name} --gtest_color=no)
+    lumora_set_test_environment(${name})
+    set_tests_properties(${name} PROPERTIES TIMEOUT 900)
+    return()
+  endif()
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60 TEST_LIST ${name}_CASES
                        PROPERTIES TIMEOUT 120)
   # The discovery accepts no property that is a list, so the environment is set after it has run.

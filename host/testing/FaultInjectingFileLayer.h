@@ -47,7 +47,7 @@ public:
     /// Sets the free space of the disk. A write that exceeds it writes the bytes that fit; the next one fails.
     void setFreeSpace(std::size_t bytes);
     /// Calls `action` before each sync of a directory, with its path. Set it before other threads use the layer.
-    void beforeSyncDirectory(std::function<void(const std::string&)> action) { beforeSync = std::move(action); }
+    void setBeforeSyncDirectory(std::function<void(const std::string&)> action) { beforeSync = std::move(action); }
     /// Removes all faults and limits set above, except the action.
     void heal();
 

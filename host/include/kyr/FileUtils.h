@@ -39,8 +39,9 @@ public:
     /// Creates the directory and its parents with mode 0700. Returns 0 if it exists afterwards, otherwise an errno
     /// value.
     static int createDirectory(const std::string& path) noexcept;
-    /// Removes a file or a link, never a directory, and syncs its directory. Returns 0 or an errno value. Drops pending
-    /// content of a protected file at `path`, even if the file does not exist.
+    /// Removes a file or a link, never a directory, and syncs its directory. Returns 0 or an errno value, which after a
+    /// failed sync does not mean that the file still exists. Drops pending content of a protected file at `path`, even
+    /// if the file does not exist.
     static int removeFile(const std::string& path) noexcept;
     /// Moves a file. Replaces an existing target unless `failIfExists` is true. Returns 0 or an errno value. Drops
     /// pending content of protected files at either path, unless the file stays where it is.

@@ -6,11 +6,13 @@
 #include <kyr/FileUtils.h>
 #include <kyr/StringUtils.h>
 #include <zel/FileLayer.h>
+#include <zel/ZelLog.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
 #include <new>
+#include <system_error>
 
 namespace fs = std::filesystem;
 
@@ -46,12 +48,18 @@ bool isEntryNow(const fs::path& path) {
     return inMemory ? inMemory->exists(textFromPath(path)) : fs::exists(fs::symlink_status(path, error));
 }
 
-/// Returns after the change of this name is on the disk: a power cut could revert it otherwise. A directory that may be
-/// changed but not read cannot be synced; that is no failure.
+/// Syncs the directory of `path`, so that a power cut cannot revert the change of this name. Logs a failure. Returns 0
+/// or an errno value; 0 if the directory cannot be opened for reading.
 int syncName(const fs::path& path) {
     const fs::path& named = path.has_filename() ? path : path.parent_path();
     const int error = zel::storage::FileLayer::disk().syncDirectory(textFromPath(named.parent_path()));
-    return error == EACCES ? 0 : error;
+    if (error == 0 || error == EACCES) {
+        return 0;
+    }
+    ZelLog(ZelLogger_getLogger("Host-FileUtils"), ZelLogLevel::Warning, ZEL_HERE,
+           "A power cut could revert the change of [" + textFromPath(path) +
+               "], because its directory could not be synced: " + std::generic_category().message(error));
+    return error;
 }
 
 int makeDirectory(const fs::path& path) {

@@ -1,5 +1,6 @@
 #include "FileDescriptor.h"
 #include "kyr/PlatformFiles.h"
+#include "zel/storage/DurableFile.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -68,7 +69,8 @@ int copyContent(int from, int to) {
     }
 }
 
-/// Copies the file to a temporary name beside the target and renames it after the copy is complete.
+/// Copies the file to a temporary name beside the target and renames it after the copy is complete. If the process is
+/// killed meanwhile, DurableFile::removeLeftovers() removes the temporary file.
 int moveAcrossDevices(const std::filesystem::path& source, const std::filesystem::path& target, bool failIfExists) {
     const FileDescriptor from(::open(source.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
     struct stat status {};
@@ -78,8 +80,8 @@ int moveAcrossDevices(const std::filesystem::path& source, const std::filesystem
     if (!S_ISREG(status.st_mode)) {
         return EXDEV;
     }
-    std::string temporary = (target.parent_path() / ".moving-XXXXXX").string();
-    const FileDescriptor to(::mkostemp(temporary.data(), O_CLOEXEC));
+    const std::string temporary = zel::storage::DurableFile::makeTemporaryName(target.string());
+    const FileDescriptor to(::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
     if (to.get() < 0) {
         return errno;
     }

@@ -152,7 +152,7 @@ TEST_F(FileUtilsTest, MovesBetweenFileSystems) {
     EXPECT_EQ(readFile(at("target")), content);
     EXPECT_FALSE(fs::exists(elsewhere));
     for (const auto& entry : fs::directory_iterator(profile.root())) {
-        EXPECT_FALSE(entry.path().filename().string().starts_with(".moving")) << entry.path();
+        EXPECT_FALSE(entry.path().filename().string().ends_with(".tmp")) << entry.path();
     }
 }
 

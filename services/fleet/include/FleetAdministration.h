@@ -52,15 +52,18 @@ public:
     virtual void put(const FleetPair& pair) = 0;
     /// Returns false if there was no such key. Throws if the answer was lost: the key may have been removed then.
     virtual bool remove(const FleetAudience& audience, const std::string& key) = 0;
-    /// Returns the pair whose key equals `key` in any case; nothing if there is none. Of several spellings, which are
-    /// keys of their own in the cluster, it is the one that clients use. Reads all keys of the audience, but one value
-    /// only.
+    /// Returns the key that equals `key` ignoring case, or nothing. If there are several spellings, returns the last
+    /// one, which clients use. Reads all keys of the audience.
+    virtual std::optional<std::string> findKey(const FleetAudience& audience, const std::string& key) = 0;
+    /// Returns the pair whose key equals `key` ignoring case, or nothing. If there are several spellings, returns the
+    /// last one, which clients use. Reads all keys of the audience and one value. The value is read after the keys:
+    /// returns nothing if the key is removed between the two.
     virtual std::optional<FleetPair> find(const FleetAudience& audience, const std::string& key) = 0;
     /// Returns the pairs of the audiences, in this order, all at one revision.
     virtual std::vector<FleetPair> list(const std::vector<FleetAudience>& audiences) = 0;
     /// Calls `listener`, on another thread, with the settings that a client of these audiences has, the least specific
-    /// one first: when they have been read, and after each change. Throws if the cluster refuses to be read or does not
-    /// answer; otherwise does not wait for the settings.
+    /// one first: when they have been read, and after each change. Throws if the cluster cannot be read. Does not
+    /// wait for the settings.
     virtual void watch(const std::vector<FleetAudience>& audiences, Listener listener) = 0;
     /// Ends it; the listener is not called afterwards. The destructor does so too.
     virtual void endWatch() = 0;

@@ -107,7 +107,6 @@ ZelUnified::ConfigMap AdministratorValues::readPolicy() const {
             return values;
         }
         const std::wstring valueName(name.data(), nameLength);
-        // As the configuration's own store of the policy does.
         const auto text = decodeRegistryValue(type, std::span(data).first(dataLength));
         if (text && FleetKeys::isAdministratorsKey(valueName)) {
             values.insert_or_assign(valueName, *text);

@@ -4,6 +4,13 @@
 
 namespace fleet {
 
+namespace {
+
+/// All versions with this binary interface have this name.
+constexpr const char* curlFileName = "libcurl.so.4";
+
+} // namespace
+
 CurlLibrary CurlLibrary::load(const std::string& name) {
     try {
         const CurlLibrary loaded(name);
@@ -17,7 +24,7 @@ CurlLibrary CurlLibrary::load(const std::string& name) {
 }
 
 const CurlLibrary& curl() {
-    static const auto loaded = CurlLibrary::load(LUMORA_CURL_LIBRARY);
+    static const auto loaded = CurlLibrary::load(curlFileName);
     return loaded;
 }
 

@@ -8,9 +8,6 @@
 
 namespace fleet {
 
-// NOLINTNEXTLINE(cppcoreguidelines-macro-usage): the name of a member is also that of the symbol
-#define LUMORA_CURL_CALL(name) decltype(&::name) const name = reinterpret_cast<decltype(&::name)>(library.find(#name))
-
 /// The functions of libcurl, under their names. The library is loaded on first use and not with the plug-in: it brings
 /// about 30 other libraries along, and a client must start as fast as without the plug-in.
 struct CurlLibrary {
@@ -20,29 +17,27 @@ struct CurlLibrary {
 
     const KyrCoreUtils::SharedLibrary library;
 
-    LUMORA_CURL_CALL(curl_easy_cleanup);
-    LUMORA_CURL_CALL(curl_easy_getinfo);
-    LUMORA_CURL_CALL(curl_easy_init);
-    LUMORA_CURL_CALL(curl_easy_setopt);
-    LUMORA_CURL_CALL(curl_easy_strerror);
-    LUMORA_CURL_CALL(curl_global_init);
-    LUMORA_CURL_CALL(curl_multi_add_handle);
-    LUMORA_CURL_CALL(curl_multi_cleanup);
-    LUMORA_CURL_CALL(curl_multi_info_read);
-    LUMORA_CURL_CALL(curl_multi_init);
-    LUMORA_CURL_CALL(curl_multi_perform);
-    LUMORA_CURL_CALL(curl_multi_poll);
-    LUMORA_CURL_CALL(curl_multi_remove_handle);
-    LUMORA_CURL_CALL(curl_multi_strerror);
-    LUMORA_CURL_CALL(curl_multi_wakeup);
-    LUMORA_CURL_CALL(curl_slist_append);
-    LUMORA_CURL_CALL(curl_slist_free_all);
+    LUMORA_LIBRARY_CALL(curl_easy_cleanup);
+    LUMORA_LIBRARY_CALL(curl_easy_getinfo);
+    LUMORA_LIBRARY_CALL(curl_easy_init);
+    LUMORA_LIBRARY_CALL(curl_easy_setopt);
+    LUMORA_LIBRARY_CALL(curl_easy_strerror);
+    LUMORA_LIBRARY_CALL(curl_global_init);
+    LUMORA_LIBRARY_CALL(curl_multi_add_handle);
+    LUMORA_LIBRARY_CALL(curl_multi_cleanup);
+    LUMORA_LIBRARY_CALL(curl_multi_info_read);
+    LUMORA_LIBRARY_CALL(curl_multi_init);
+    LUMORA_LIBRARY_CALL(curl_multi_perform);
+    LUMORA_LIBRARY_CALL(curl_multi_poll);
+    LUMORA_LIBRARY_CALL(curl_multi_remove_handle);
+    LUMORA_LIBRARY_CALL(curl_multi_strerror);
+    LUMORA_LIBRARY_CALL(curl_multi_wakeup);
+    LUMORA_LIBRARY_CALL(curl_slist_append);
+    LUMORA_LIBRARY_CALL(curl_slist_free_all);
 
 private:
     explicit CurlLibrary(const std::string& name) : library(name) {}
 };
-
-#undef LUMORA_CURL_CALL
 
 /// Returns the loaded library. Throws std::runtime_error if it cannot be used; the next call tries again. Any thread.
 const CurlLibrary& curl();

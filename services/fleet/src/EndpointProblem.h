@@ -1,7 +1,5 @@
 #pragma once
 
-#include "EndpointProblem.h"
-
 #include <FleetAdministration.h>
 
 #include <string>

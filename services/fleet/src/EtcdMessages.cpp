@@ -121,7 +121,7 @@ Snapshot toRange(const Json& reply) {
     Snapshot snapshot;
     snapshot.revision = toNumber(reply.at("header"), "revision");
     if (snapshot.revision <= 0) {
-        throw NoReply(); // everything else may be left out
+        throw NoReply(); // the only field that every reply contains
     }
     appendRange(snapshot, reply);
     return snapshot;
@@ -199,8 +199,8 @@ std::string makeKeys(const FleetScope& scope) {
     return toText(range);
 }
 
-std::string makeGet(const std::string& key, std::int64_t revision) {
-    return toText({{"key", encodeBase64(key)}, {"revision", std::to_string(revision)}});
+std::string makeGet(const std::string& key) {
+    return toText({{"key", encodeBase64(key)}});
 }
 
 std::string makeWatch(const std::vector<FleetScope>& scopes, std::int64_t revision) {

@@ -60,8 +60,8 @@ ZelUnified::WipedText makeAuthenticate(const std::string& username, const ZelUni
 std::string makeSnapshot(const std::vector<FleetScope>& scopes, std::size_t limit);
 /// Reads the keys of the scope without their values.
 std::string makeKeys(const FleetScope& scope);
-/// Reads one key as it was at this revision.
-std::string makeGet(const std::string& key, std::int64_t revision);
+/// Reads one key and its value.
+std::string makeGet(const std::string& key);
 /// Watches each scope from this revision; the numbers of the watches are 1, 2 and so on.
 std::string makeWatch(const std::vector<FleetScope>& scopes, std::int64_t revision);
 /// Asks one member for the number of pairs in the scope. The member answers alone, without the others.

@@ -31,7 +31,7 @@ std::string describe(const HttpResult& result) {
     return toLoggedText(reason.empty() ? "status " + std::to_string(result.status) : reason);
 }
 
-/// Throws if there is no reply.
+/// Returns the reply. Throws EtcdError if there is none.
 template <class Reply>
 Reply require(std::optional<Reply> reply) {
     if (!reply) {
@@ -40,7 +40,7 @@ Reply require(std::optional<Reply> reply) {
     return std::move(*reply);
 }
 
-/// Returns all pairs of a request without a limit.
+/// Returns the snapshot. Throws EtcdError if there is none or pairs are missing.
 etcd::Snapshot requireComplete(std::optional<etcd::Snapshot> reply) {
     if (reply && reply->more) {
         reply.reset();
@@ -85,17 +85,20 @@ void EtcdSession::check(const std::vector<FleetScope>& scopes) {
     require(etcd::parseSnapshot(request(etcd::transactionPath, etcd::makeSnapshot(scopes, 1), Repetition::Harmless)));
 }
 
-std::optional<etcd::Pair> EtcdSession::find(const FleetScope& scope, const std::string& key) {
+std::optional<std::string> EtcdSession::findKey(const FleetScope& scope, const std::string& key) {
     const auto keys = readRange(etcd::makeKeys(scope));
-    const auto found = std::ranges::find_if(keys.pairs | std::views::reverse, [&](const etcd::Pair& pair) {
-        return KyrCoreUtils::caseInsensitiveStringEquals(pair.key.substr(scope.prefix.size()), key);
-    });
-    if (found == keys.pairs.rend()) {
-        return std::nullopt;
+    for (const auto& pair : keys.pairs | std::views::reverse) {
+        auto spelling = pair.key.substr(scope.prefix.size());
+        if (KyrCoreUtils::caseInsensitiveStringEquals(spelling, key)) {
+            return spelling;
+        }
     }
-    // At the same revision, so that the pair exists.
-    auto pairs = readRange(etcd::makeGet(found->key, keys.revision)).pairs;
-    return require(pairs.empty() ? std::nullopt : std::optional(std::move(pairs.front())));
+    return std::nullopt;
+}
+
+std::optional<std::string> EtcdSession::get(const FleetScope& scope, const std::string& key) {
+    auto pairs = readRange(etcd::makeGet(scope.prefix + key)).pairs;
+    return pairs.empty() ? std::nullopt : std::optional(std::move(pairs.front().value));
 }
 
 etcd::Snapshot EtcdSession::readRange(const std::string& body) {

@@ -36,11 +36,13 @@ public:
     bool remove(const std::string& key);
     /// Returns the pairs of the scopes, in this order, all at one revision.
     std::vector<etcd::Pair> list(const std::vector<FleetScope>& scopes);
-    /// Reads at most one pair of each scope, which fails for the same reasons as list(), and does not take long.
+    /// Throws if the cluster cannot be read. Reads at most one pair of each scope.
     void check(const std::vector<FleetScope>& scopes);
-    /// Returns the last pair of the scope, in the order of etcd, whose key equals `key` in any case. Reads the keys of
-    /// the scope and one value, both at one revision.
-    std::optional<etcd::Pair> find(const FleetScope& scope, const std::string& key);
+    /// Returns the last key of the scope, in the order of etcd, that equals `key` ignoring case. `key` and the returned
+    /// one are without the prefix of the scope. Reads the keys of the scope.
+    std::optional<std::string> findKey(const FleetScope& scope, const std::string& key);
+    /// Returns the value of the key, which is without the prefix of the scope; nothing if there is no such key.
+    std::optional<std::string> get(const FleetScope& scope, const std::string& key);
 
 private:
     /// Whether a second request has the same answer as one whose answer was lost.

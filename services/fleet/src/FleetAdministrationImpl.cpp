@@ -36,13 +36,18 @@ bool FleetAdministrationImpl::remove(const FleetAudience& audience, const std::s
     return session.remove(toScope(audience).prefix + key);
 }
 
+std::optional<std::string> FleetAdministrationImpl::findKey(const FleetAudience& audience, const std::string& key) {
+    return session.findKey(toScope(audience), key);
+}
+
 std::optional<FleetPair> FleetAdministrationImpl::find(const FleetAudience& audience, const std::string& key) {
     const auto scope = toScope(audience);
-    auto pair = session.find(scope, key);
-    if (!pair) {
+    auto spelling = session.findKey(scope, key);
+    auto value = spelling ? session.get(scope, *spelling) : std::nullopt;
+    if (!value) {
         return std::nullopt;
     }
-    return FleetPair{audience, pair->key.substr(scope.prefix.size()), std::move(pair->value)};
+    return FleetPair{audience, std::move(*spelling), std::move(*value)};
 }
 
 std::vector<FleetPair> FleetAdministrationImpl::list(const std::vector<FleetAudience>& audiences) {

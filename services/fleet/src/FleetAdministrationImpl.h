@@ -20,6 +20,7 @@ public:
 
     void put(const ZelUnified::FleetPair& pair) override;
     bool remove(const ZelUnified::FleetAudience& audience, const std::string& key) override;
+    std::optional<std::string> findKey(const ZelUnified::FleetAudience& audience, const std::string& key) override;
     std::optional<ZelUnified::FleetPair> find(const ZelUnified::FleetAudience& audience,
                                               const std::string& key) override;
     std::vector<ZelUnified::FleetPair> list(const std::vector<ZelUnified::FleetAudience>& audiences) override;

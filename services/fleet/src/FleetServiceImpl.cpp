@@ -62,6 +62,7 @@ void FleetServiceImpl::Destroy() {
 
 void FleetServiceImpl::stop() {
     reviewTimer.stop();
+    isCopySeen = false;
     if (configuration) {
         configuration->unregisterConfigStoreAddedObserver(shared_from_this());
         configuration.reset();
@@ -97,7 +98,7 @@ std::vector<unsigned int> FleetServiceImpl::GetFeatureSetDependencies(unsigned i
 
 void FleetServiceImpl::OnConfigStoreAdded(const std::string& /*addedName*/) {
     // Also for a store of this name: it may be a cached copy.
-    post("Fleet: review", &FleetServiceImpl::review);
+    post("Fleet: review", &FleetServiceImpl::reviewAfterAddition);
 }
 
 void FleetServiceImpl::post(const std::string& name, void (FleetServiceImpl::*work)()) {
@@ -109,19 +110,21 @@ void FleetServiceImpl::post(const std::string& name, void (FleetServiceImpl::*wo
     factory->getServicesDispatcher()->enqueue(std::make_shared<KyrCoreUtils::FunctionTask>(task, name), false);
 }
 
-void FleetServiceImpl::review() {
+void FleetServiceImpl::review(bool isDelayOver) {
     if (!configuration) {
         return;
     }
     if (!factory->IsFeatureSetStarted(ZelUnified::configServiceId)) {
         // It accepts no store now, and its start may announce none.
+        isCopySeen = false;
         reviewTimer.start(weak_from_this(), reviewDelay);
         return;
     }
     try {
         const auto current = readSettings();
         reportProblems(current.problems);
-        const bool isToBeRemoved = current.access.endpoints.empty() && (store != nullptr || isCopyLeftOver());
+        const bool isLeftOver = isCopyLeftOver(current, isDelayOver);
+        const bool isToBeRemoved = isLeftOver || (store != nullptr && current.access.endpoints.empty());
         if (current != settings || isToBeRemoved) {
             follow(current, isToBeRemoved);
         }
@@ -140,20 +143,16 @@ void FleetServiceImpl::onTimer() {
     post("Fleet: review", &FleetServiceImpl::reviewAfterDelay);
 }
 
-void FleetServiceImpl::reviewAfterDelay() {
-    isDelayOver = true;
-    review();
-    isDelayOver = false;
-}
-
-bool FleetServiceImpl::isCopyLeftOver() {
+bool FleetServiceImpl::isCopyLeftOver(const FleetSettings& current, bool isDelayOver) {
+    const bool isCopy = store == nullptr && configuration->getConfigStoreByName(storeName) != nullptr;
     // Without the store of the policy, endpoints may be missing until the next refresh only.
-    if (!configuration->getConfigStoreByName(storeName) ||
+    if (!isCopy || !current.access.endpoints.empty() ||
         !configuration->getConfigStoreByName(std::string(ZelUnified::ConfigKeys::registryConfigStore))) {
+        isCopySeen = false;
         return false;
     }
-    if (isCopySeen && isDelayOver) {
-        return true;
+    if (isCopySeen) {
+        return isDelayOver;
     }
     isCopySeen = true;
     reviewTimer.start(weak_from_this(), reviewDelay);

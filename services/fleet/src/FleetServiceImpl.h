@@ -70,11 +70,12 @@ private:
                                                        FleetWatch::AttemptListener attemptListener);
     void post(const std::string& name, void (FleetServiceImpl::*work)());
     /// Makes watch and store follow the settings. Logs a failure, and tries again after `reviewDelay`.
-    void review();
-    void reviewAfterDelay();
+    void review(bool isDelayOver = false);
+    void reviewAfterAddition() { review(); }
+    void reviewAfterDelay() { review(true); }
     /// Returns true if the cached copy belongs to no cluster any more. The first call for a copy returns false and
     /// starts the delay.
-    bool isCopyLeftOver();
+    bool isCopyLeftOver(const FleetSettings& current, bool isDelayOver);
     FleetSettings readSettings();
     void reportProblems(const std::vector<std::string>& problems);
     /// Ends the watch, and follows the cluster of these settings. If there is none, removes the store of the ended
@@ -102,8 +103,7 @@ private:
     FleetSettings settings;                  ///< Of the watch; without endpoints if there is none.
     std::shared_ptr<FleetConfigStore> store; ///< Null until the first settings have arrived.
     zel::common::BackgroundTimer reviewTimer;
-    bool isCopySeen = false;  ///< There was a copy, and no endpoint, when the timer was started.
-    bool isDelayOver = false; ///< During a review by the timer.
+    bool isCopySeen = false; ///< There is a copy, and no endpoint, since the timer was started.
 
     KyrCoreUtils::AnnotatedMutex<> mutex;
     bool started LUMORA_GUARDED_BY(mutex) = false;

@@ -77,7 +77,7 @@ void HttpThread::createMulti() {
     if (!created) {
         throw std::bad_alloc();
     }
-    // A wake-up since the last wait was for the condition variable.
+    // A task posted before this has notified the condition variable only, so the first poll must return at once.
     curl().curl_multi_wakeup(created.get());
     const KyrCoreUtils::LockGuard lock(mutex);
     multi = std::move(created);

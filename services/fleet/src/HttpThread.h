@@ -64,8 +64,9 @@ private:
 
     void run();
     void runOnce();
+    /// Runs the requests, and waits for the network, a task, a timer or the end.
     void runTransfers();
-    /// Waits for a task, a timer, the end or, with libcurl, for the network.
+    /// Waits for a task, a timer or the end. Only while there is no `multi`.
     void wait();
     /// Ends a wait. Any thread.
     void wake();
@@ -80,7 +81,9 @@ private:
     KyrCoreUtils::AnnotatedMutex<> mutex;
     std::condition_variable woken; ///< Only while there is no `multi`.
     std::vector<std::function<void()>> tasks LUMORA_GUARDED_BY(mutex);
-    MultiHandle multi; ///< Null until the first request. Assigned by the thread, under the mutex.
+    /// Null until the first request. Written by the thread under the mutex; the thread reads it without, others with
+    /// it.
+    MultiHandle multi;
     std::atomic<bool> ending = false;
     std::map<std::uint64_t, Timer> timers; ///< A watch has three at most.
     std::uint64_t lastTimer = 0;

@@ -2,8 +2,8 @@
 
 #include "EtcdCluster.h"
 #include "FleetHost.h"
+#include "InterruptibleProgram.h"
 #include "ProgramRun.h"
-#include "RunningProgram.h"
 
 #include <TemporaryProfile.h>
 #include <gmock/gmock.h>
@@ -66,7 +66,7 @@ TEST(CurlLibrary, ClientWithoutItReportsThatAndHasTheLastSettings) {
         ASSERT_TRUE(host.waitForValue(L"Theme", L"dark"));
     }
     const auto root = profile.root().string();
-    RunningProgram client(findProgram("env"), withoutLibcurl(profile, {"--verbose", "--profile", root, "serve"}));
+    InterruptibleProgram client(findProgram("env"), withoutLibcurl(profile, {"--verbose", "--profile", root, "serve"}));
     EXPECT_TRUE(client.readUntil("its last settings stay in force: libcurl cannot be used: ")) << client.getOutput();
     EXPECT_TRUE(client.readUntil("serving ")) << client.getOutput();
     EXPECT_THAT(runProgram(PROGRAM, {"--profile", root, "--live", "get", "Theme"}).output, HasSubstr("dark\n"));

@@ -51,19 +51,25 @@ TEST_F(FleetSession, AuthenticatesAgainAfterTheTokensAreLost) {
     EXPECT_TRUE(session.remove(themeKey));
 }
 
-TEST_F(FleetSession, FindsTheLastSpellingOfAKeyWithItsValue) {
+TEST_F(FleetSession, FindsTheLastSpellingOfAKey) {
     EtcdCluster cluster;
     const auto everybody = fleet::FleetScope::ofAll();
     fleet::EtcdSession session(cluster.getAccess());
-    EXPECT_FALSE(session.find(everybody, "Theme"));
+    EXPECT_EQ(session.findKey(everybody, "Theme"), std::nullopt);
     cluster.put("/lumora/fleet/all/THEME", "1");
     cluster.put("/lumora/fleet/all/Theme", "2");
     cluster.put("/lumora/fleet/all/ThemeOther", "3");
     cluster.put("/lumora/fleet/users/ada/theme", "4");
-    const auto found = session.find(everybody, "theMe");
-    ASSERT_TRUE(found);
-    EXPECT_EQ(found->key, "/lumora/fleet/all/Theme");
-    EXPECT_EQ(found->value, "2");
+    EXPECT_EQ(session.findKey(everybody, "theMe"), "Theme");
+}
+
+TEST_F(FleetSession, GetsTheValueOfAnExactKey) {
+    EtcdCluster cluster;
+    const auto everybody = fleet::FleetScope::ofAll();
+    fleet::EtcdSession session(cluster.getAccess());
+    cluster.put(themeKey, "dark");
+    EXPECT_EQ(session.get(everybody, "Theme"), "dark");
+    EXPECT_EQ(session.get(everybody, "theme"), std::nullopt);
 }
 
 } // namespace

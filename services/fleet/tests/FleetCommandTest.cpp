@@ -1,6 +1,6 @@
 #include "EtcdCluster.h"
+#include "InterruptibleProgram.h"
 #include "ProgramRun.h"
-#include "RunningProgram.h"
 
 #include <gtest/gtest.h>
 
@@ -88,10 +88,10 @@ TEST_F(FleetCommand, RefusesPlainHttpUnlessItIsAllowed) {
 }
 
 /// "lumora-config fleet watch" for the user "ada".
-class RunningWatch : public RunningProgram {
+class RunningWatch : public InterruptibleProgram {
 public:
     explicit RunningWatch(const EtcdCluster& cluster, std::vector<std::string> options = {})
-        : RunningProgram(PROGRAM, makeArguments(cluster, std::move(options))) {}
+        : InterruptibleProgram(PROGRAM, makeArguments(cluster, std::move(options))) {}
 
 private:
     static std::vector<std::string> makeArguments(const EtcdCluster& cluster, std::vector<std::string> options) {

@@ -56,11 +56,22 @@ protected:
                 {"FleetConnectionUsername", access.username},
                 {"FleetConnectionPassword", access.password.view()}};
     }
+    /// Leaves the cached copy of a client whose endpoints are removed while it does not run.
+    void leaveCopy() const {
+        EtcdCluster cluster;
+        cluster.put("/lumora/fleet/all/Theme", "dark");
+        writeDefaults(cluster.getAccess());
+        {
+            const FleetHost host;
+            ASSERT_TRUE(host.waitForValue(L"Theme", L"dark"));
+        }
+        writeDefaults({});
+    }
     static std::filesystem::path getCachedCopy() {
         return KyrCoreUtils::FileUtils::getConfigDirectory() + "/Cache/cachedFleetConfigStore.dat";
     }
 
-    void addBootstrapFile(const FleetHost& host, const fleet::ZelUnified::FleetAccess& access) const {
+    void addBootstrapFile(const FleetHost& host, const ZelUnified::FleetAccess& access) const {
         const auto file = profile.root() / "installer.properties";
         testing_host::writeFile(file, "FleetEndpoints: " + access.endpoints.front() +
                                           "\nFleetPlainHttpAllowed: true\nFleetUser: ada\n");
@@ -248,18 +259,43 @@ TEST_F(FleetService, EndOfTheWatchRemovesTheCopyOfAnEarlierRun) {
 }
 
 TEST_F(FleetService, CopyIsRemovedIfTheEndpointsWereRemovedWhileTheClientWasNotRunning) {
-    EtcdCluster cluster;
-    cluster.put("/lumora/fleet/all/Theme", "dark");
-    writeDefaults(cluster.getAccess());
-    {
-        const FleetHost host;
-        ASSERT_TRUE(host.waitForValue(L"Theme", L"dark"));
-    }
-    writeDefaults({});
+    leaveCopy();
     testing_host::ManualClock clock;
     const FleetHost host;
     host.waitForReview();
     EXPECT_EQ(host.getValue(L"Theme"), L"dark") << "the client may add a bootstrap file with endpoints";
+    clock.advance(fleet::FleetServiceImpl::reviewDelay);
+    host.waitForReview();
+    EXPECT_EQ(host.getValue(L"Theme"), L"default");
+    EXPECT_FALSE(std::filesystem::exists(getCachedCopy()));
+}
+
+TEST_F(FleetService, FrequentReviewsDoNotPostponeTheRemovalOfTheCopy) {
+    leaveCopy();
+    testing_host::ManualClock clock;
+    const FleetHost host;
+    host.waitForReview();
+    clock.advance(fleet::FleetServiceImpl::reviewDelay - 1);
+    host.onServices([&] { host.getFleet().OnConfigStoreAdded("any"); });
+    host.waitForReview();
+    EXPECT_TRUE(std::filesystem::exists(getCachedCopy()));
+    clock.advance(1);
+    host.waitForReview();
+    EXPECT_EQ(host.getValue(L"Theme"), L"default");
+    EXPECT_FALSE(std::filesystem::exists(getCachedCopy()));
+}
+
+TEST_F(FleetService, CopyIsRemovedAfterAStopDuringTheDelay) {
+    leaveCopy();
+    testing_host::ManualClock clock;
+    const FleetHost host;
+    host.waitForReview();
+    host.getFactory().StopFeatureSet(ZelUnified::FleetService::fleetServiceId, nullptr);
+    clock.advance(fleet::FleetServiceImpl::reviewDelay);
+    host.waitForReview();
+    host.getFactory().StartFeatureSet(ZelUnified::FleetService::fleetServiceId, nullptr);
+    host.waitForReview();
+    EXPECT_TRUE(std::filesystem::exists(getCachedCopy())) << "the delay begins again";
     clock.advance(fleet::FleetServiceImpl::reviewDelay);
     host.waitForReview();
     EXPECT_EQ(host.getValue(L"Theme"), L"default");

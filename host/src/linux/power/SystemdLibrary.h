@@ -6,30 +6,24 @@
 
 namespace ZelSystemMonitor {
 
-// NOLINTNEXTLINE(cppcoreguidelines-macro-usage): the name of a member is also that of the symbol
-#define LUMORA_SYSTEMD_CALL(name)                                                                                      \
-    decltype(&::name) const name = reinterpret_cast<decltype(&::name)>(library.find(#name))
-
 /// The functions of libsystemd, under their names. The library is loaded on first use and not with the host: it brings
 /// six other libraries along, and a process that receives no power events starts faster without them.
 struct SystemdLibrary {
     const KyrCoreUtils::SharedLibrary library{"libsystemd.so.0"};
 
-    LUMORA_SYSTEMD_CALL(sd_bus_add_match_async);
-    LUMORA_SYSTEMD_CALL(sd_bus_call_method_async);
-    LUMORA_SYSTEMD_CALL(sd_bus_close_unref);
-    LUMORA_SYSTEMD_CALL(sd_bus_get_events);
-    LUMORA_SYSTEMD_CALL(sd_bus_get_fd);
-    LUMORA_SYSTEMD_CALL(sd_bus_get_timeout);
-    LUMORA_SYSTEMD_CALL(sd_bus_match_signal_async);
-    LUMORA_SYSTEMD_CALL(sd_bus_message_get_error);
-    LUMORA_SYSTEMD_CALL(sd_bus_message_get_sender);
-    LUMORA_SYSTEMD_CALL(sd_bus_message_read);
-    LUMORA_SYSTEMD_CALL(sd_bus_open_system);
-    LUMORA_SYSTEMD_CALL(sd_bus_process);
+    LUMORA_LIBRARY_CALL(sd_bus_add_match_async);
+    LUMORA_LIBRARY_CALL(sd_bus_call_method_async);
+    LUMORA_LIBRARY_CALL(sd_bus_close_unref);
+    LUMORA_LIBRARY_CALL(sd_bus_get_events);
+    LUMORA_LIBRARY_CALL(sd_bus_get_fd);
+    LUMORA_LIBRARY_CALL(sd_bus_get_timeout);
+    LUMORA_LIBRARY_CALL(sd_bus_match_signal_async);
+    LUMORA_LIBRARY_CALL(sd_bus_message_get_error);
+    LUMORA_LIBRARY_CALL(sd_bus_message_get_sender);
+    LUMORA_LIBRARY_CALL(sd_bus_message_read);
+    LUMORA_LIBRARY_CALL(sd_bus_open_system);
+    LUMORA_LIBRARY_CALL(sd_bus_process);
 };
-
-#undef LUMORA_SYSTEMD_CALL
 
 /// Returns the loaded library. Throws std::runtime_error if it is not installed or lacks a function. Any thread.
 inline const SystemdLibrary& systemd() {

@@ -50,12 +50,6 @@ int fill(FileLayer& layer, FileLayer::Handle opened, std::string_view bytes) {
     return handle.close();
 }
 
-bool isTemporaryOf(std::string_view candidate, const std::string& name) {
-    const std::string start = "." + name + ".";
-    return candidate.size() == start.size() + randomDigits + temporarySuffix.size() && candidate.starts_with(start) &&
-           candidate.ends_with(temporarySuffix);
-}
-
 /// Returns true for a name that makeTemporaryName() returns for any path.
 bool isTemporary(std::string_view candidate) {
     if (candidate.size() < randomDigits + temporarySuffix.size() + 3 || !candidate.ends_with(temporarySuffix)) {
@@ -67,11 +61,19 @@ bool isTemporary(std::string_view candidate) {
            digits.find_first_not_of("0123456789abcdef") == std::string_view::npos;
 }
 
-/// Returns true if no living writer can have the temporary file open: it finishes within seconds.
-bool isLeftover(const std::filesystem::path& temporary) {
+bool isTemporaryOf(std::string_view candidate, const std::string& name) {
+    const std::string start = "." + name + ".";
+    return isTemporary(candidate) && candidate.starts_with(start) &&
+           candidate.size() == start.size() + randomDigits + temporarySuffix.size();
+}
+
+/// Removes a temporary file unless a living writer can have it open: a writer finishes within seconds.
+void removeIfLeftOver(FileLayer& layer, const std::string& temporary) {
     std::error_code failed;
-    const auto written = std::filesystem::last_write_time(temporary, failed);
-    return !failed && std::filesystem::file_time_type::clock::now() - written > longAgo;
+    const auto written = std::filesystem::last_write_time(KyrCoreUtils::toPath(temporary), failed);
+    if (!failed && std::filesystem::file_time_type::clock::now() - written > longAgo) {
+        layer.unlink(temporary);
+    }
 }
 
 /// Removes temporary files that killed writers of `path` left behind.
@@ -82,8 +84,8 @@ void removeLeftoversOf(FileLayer& layer, const std::string& path) {
     for (std::filesystem::directory_iterator entry(directory, failed), end; !failed && entry != end;
          entry.increment(failed)) {
         const std::string name = KyrCoreUtils::toText(entry->path().filename());
-        if (isTemporaryOf(name, parts.name) && isLeftover(entry->path())) {
-            layer.unlink(parts.prefix + name);
+        if (isTemporaryOf(name, parts.name)) {
+            removeIfLeftOver(layer, parts.prefix + name);
         }
     }
 }
@@ -102,8 +104,8 @@ void DurableFile::removeLeftovers(FileLayer& layer, const std::string& directory
     std::vector<std::string> files;
     KyrCoreUtils::FileUtils::getFilesFromDirectory(directory, std::string(temporarySuffix), files);
     for (const auto& file : files) {
-        if (isTemporary(KyrCoreUtils::FileUtils::getFileName(file)) && isLeftover(KyrCoreUtils::toPath(file))) {
-            layer.unlink(file);
+        if (isTemporary(KyrCoreUtils::FileUtils::getFileName(file))) {
+            removeIfLeftOver(layer, file);
         }
     }
 }

@@ -10,7 +10,6 @@
 #include "WipedBytes.h"
 
 #include <kyr/FileUtils.h>
-#include <kyr/LockGuard.h>
 
 #include <openssl/crypto.h>
 #include <openssl/rand.h>
@@ -123,10 +122,14 @@ KeyResult FileKeyProvider::find(FileCategoryType::FileCategory category, MasterK
 }
 
 KeyResult FileKeyProvider::findOrMake(FileCategoryType::FileCategory category, MasterKey& key) {
-    const KyrCoreUtils::LockGuard threads(makingKey);
     const KeyResult atFirst = find(category, key);
-    if (atFirst == KeyResult::Found || atFirst == KeyResult::Unavailable) {
+    if (atFirst == KeyResult::Unavailable) {
         return atFirst;
+    }
+    if (atFirst == KeyResult::Found) {
+        // Another thread or process may have created the key and not synced its name yet. A power cut must not leave a
+        // file without its key.
+        return layer.syncDirectory(folder) == 0 ? KeyResult::Found : KeyResult::Unavailable;
     }
     if (!prepareFolder()) {
         return KeyResult::Unavailable;

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <kyr/AnnotatedMutex.h>
 #include <zel/FileLayer.h>
 #include <zel/KeyProvider.h>
 
@@ -11,7 +10,7 @@ namespace zel::storage {
 /// Stores master keys in files "catN.key" that only their owner can read, in the application data folder. That folder
 /// is never in the configuration directory, which a reset empties. File format: "LUMK", version, category, 2 reserved
 /// bytes, 8 bytes key id; then the key of 32 bytes in version 1, and the key as the platform's data protection has
-/// wrapped it in version 2. Each call reads the file.
+/// wrapped it in version 2. Stateless: each call reads the file.
 class LUMORA_HOST_API FileKeyProvider final : public KeyProvider {
 public:
     /// The layer must outlive the provider. With an empty folder no key is available.
@@ -31,9 +30,6 @@ private:
     FileLayer& layer;
     std::string parent;
     std::string folder;
-    /// A key can be read before its folder is synced. Without this mutex, a second thread could write a file with such
-    /// a key, and a power cut could leave the file without the key.
-    KyrCoreUtils::AnnotatedMutex<> makingKey;
 };
 
 } // namespace zel::storage

@@ -65,6 +65,10 @@ template <class Character>
 int chown(const Character* /*path*/, uid_t /*user*/, gid_t /*group*/) {
     return testing_host::failMissingCall("chown");
 }
+template <class Character>
+int lchown(const Character* /*path*/, uid_t /*user*/, gid_t /*group*/) {
+    return testing_host::failMissingCall("lchown");
+}
 inline uid_t geteuid() {
     return testing_host::failMissingCall<uid_t>("geteuid");
 }

@@ -179,11 +179,12 @@ TEST_F(DurableFileTest, RemovesOldTemporaryFilesOfKilledWriters) {
     leave(".settings.dat.fedcba9876543210.tmp", std::chrono::minutes(1));
     leave(".other.dat.0123456789abcdef.tmp", std::chrono::minutes(30));
     leave(".settings.dat.notes.tmp", std::chrono::minutes(30));
+    leave(".settings.dat.0123456789abcdeg.tmp", std::chrono::minutes(30));
     FaultInjectingFileLayer layer;
     EXPECT_EQ(DurableFile::replace(layer, path, newContent), 0);
     EXPECT_THAT(namesIn(profile.config()),
-                ElementsAre(".other.dat.0123456789abcdef.tmp", ".settings.dat.fedcba9876543210.tmp",
-                            ".settings.dat.notes.tmp", "settings.dat"));
+                ElementsAre(".other.dat.0123456789abcdef.tmp", ".settings.dat.0123456789abcdeg.tmp",
+                            ".settings.dat.fedcba9876543210.tmp", ".settings.dat.notes.tmp", "settings.dat"));
 }
 
 TEST_F(DurableFileTest, RemovesOldTemporaryFilesOfAllWritersBelowADirectory) {

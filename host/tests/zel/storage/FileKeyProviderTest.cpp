@@ -3,7 +3,6 @@
 #include "LogRecorder.h"
 #include "StorageProfile.h"
 
-#include <Signal.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -12,6 +11,7 @@
 #include <cerrno>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -189,28 +189,35 @@ TEST_F(FileKeyProviderTest, ThreadsThatCreateTheKeyConcurrentlyGetTheSameKey) {
     EXPECT_THAT(seen, testing::Each(make()));
 }
 
-TEST_F(FileKeyProviderTest, ASecondThreadGetsTheKeyWhenItsNameIsOnTheDisk) {
+TEST_F(FileKeyProviderTest, AKeyThatAnotherThreadIsCreatingIsOnTheDiskWhenItIsReturned) {
     FaultInjectingFileLayer layer;
-    FileKeyProvider shared(layer, profile.data().string());
-    testing_host::Signal returned;
     std::size_t unsyncedNames = 0;
-    std::thread second;
-    layer.beforeSyncDirectory([&](const std::string& path) {
-        if (path != folder.string() || second.joinable()) {
+    bool isStarted = false;
+    layer.setBeforeSyncDirectory([&](const std::string& path) {
+        if (path != folder.string() || std::exchange(isStarted, true)) {
             return;
         }
-        second = std::thread([&] {
-            MasterKey mine;
-            shared.findOrMake(UserData, mine);
+        std::thread second([&] {
+            MasterKey found;
+            FileKeyProvider other(layer, profile.data().string());
+            EXPECT_EQ(other.findOrMake(UserData, found), KeyResult::Found);
             unsyncedNames = layer.countUnsyncedNames();
-            returned.set();
         });
-        returned.waitFor(std::chrono::milliseconds(200));
+        second.join();
     });
-    ASSERT_EQ(shared.findOrMake(UserData, key), KeyResult::Found);
-    ASSERT_TRUE(second.joinable());
-    second.join();
-    EXPECT_EQ(unsyncedNames, 0U) << "a power cut would have removed a key that was already used";
+    FileKeyProvider first(layer, profile.data().string());
+    ASSERT_EQ(first.findOrMake(UserData, key), KeyResult::Found);
+    ASSERT_TRUE(isStarted);
+    EXPECT_EQ(unsyncedNames, 0U);
+}
+
+TEST_F(FileKeyProviderTest, AKeyWhoseNameCannotBeSyncedIsUnavailable) {
+    make();
+    FaultInjectingFileLayer layer;
+    FileKeyProvider faulty(layer, profile.data().string());
+    layer.failAt(FaultInjectingFileLayer::Operation::SyncDirectory, 1, EIO);
+    EXPECT_EQ(faulty.findOrMake(UserData, key), KeyResult::Unavailable);
+    EXPECT_EQ(faulty.findOrMake(UserData, key), KeyResult::Found);
 }
 
 /// Starts processes that wait for the same moment, create the key and send it to the parent. Returns the received keys.

@@ -83,6 +83,9 @@ TEST_F(PendingWritesTest, TheErrorNamesEachCause) {
     EXPECT_THAT(causeAfter([&] { storage.layer->failAt(Operation::Rename, 1, EROFS); }),
                 HasSubstr(": Read-only file system"));
     EXPECT_THAT(causeAfter([&] { storage.layer->failAt(Operation::SyncDirectory, 1, EIO); }),
+                HasSubstr(": the key can't be read or made"))
+        << "the sync of the keys' folder";
+    EXPECT_THAT(causeAfter([&] { storage.layer->failAt(Operation::SyncDirectory, 2, EIO); }),
                 HasSubstr(": Input/output error"));
     writeFile(path, "rubbish");
     EXPECT_THAT(causeAfter([&] { storage.layer->failAt(Operation::Link, 1, EACCES); }),

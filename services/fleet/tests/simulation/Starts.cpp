@@ -46,8 +46,11 @@ Start start(const std::string& profile, const std::string& mode) {
     return measured;
 }
 
-void measure(const std::string& profile, const std::string& clusterState, StartResult& result) {
-    StartTimes times{clusterState, {}, {}, {}};
+/// Measures the starts while the cluster is in one state. `value` is the one that the cluster has set, "" without a
+/// cluster.
+void measure(const std::string& profile, const std::string& clusterState, const std::string& value,
+             StartResult& result) {
+    StartTimes times{clusterState, !value.empty(), {}, {}, {}};
     for (std::size_t count = 0; count < result.starts; ++count) {
         const auto without = start(profile, "without");
         const auto with = start(profile, "with");
@@ -55,7 +58,7 @@ void measure(const std::string& profile, const std::string& clusterState, StartR
         times.with.push_back(with.time);
         times.load.push_back(with.loadTime);
         for (const auto* measured : {&without, &with}) {
-            result.wrong += measured->value == lastValue ? 0 : 1;
+            result.wrong += times.hasLastValue && measured->value != value ? 1 : 0;
         }
     }
     result.states.push_back(std::move(times));
@@ -71,11 +74,14 @@ StartResult measureStarts(std::size_t starts) {
     FleetHost::writeDefaults(profile.resources(), cluster.getAccess());
     cluster.put(fleet::FleetScope::ofAll().prefix + "Theme", lastValue);
     runClient({profile.root(), "with", lastValue});
-    measure(profile.root(), "answers", result);
+    measure(profile.root(), "answers", lastValue, result);
     cluster.suspend(0);
-    measure(profile.root(), "is silent", result);
+    measure(profile.root(), "is silent", lastValue, result);
     cluster.kill(0);
-    measure(profile.root(), "is gone", result);
+    measure(profile.root(), "is gone", lastValue, result);
+    const testing_host::TemporaryProfile unconfigured;
+    FleetHost::writeDefaults(unconfigured.resources(), {});
+    measure(unconfigured.root(), "none is configured", "", result);
     return result;
 }
 
@@ -89,11 +95,12 @@ void print(const StartResult& result) {
               "| difference of the least, ms | least for loading it, ms | with the last value |\n"
               "| --- | ---: | ---: | ---: | ---: | ---: | ---: | ---: | --- |");
     for (const auto& times : result.states) {
+        const auto* const value = !times.hasLastValue ? "" : result.wrong == 0 ? "all" : "not all";
         const auto without = getPercentile(times.without, 0);
         const auto with = getPercentile(times.with, 0);
         std::printf("| %s | %zu | %.2f | %.1f | %.2f | %.1f | %+.2f | %.2f | %s |\n", times.cluster.c_str(),
                     result.starts, without, getPercentile(times.without, 0.5), with, getPercentile(times.with, 0.5),
-                    with - without, getPercentile(times.load, 0), result.wrong == 0 ? "all" : "not all");
+                    with - without, getPercentile(times.load, 0), value);
     }
 }
 

@@ -155,8 +155,8 @@ void set(const Action& action) {
     requireWords(action.command, true, true);
     const auto audience = getOneAudience(action.command.fleet);
     const auto value = *action.command.fallback == "-" ? CommandInput().readValue() : *action.command.fallback;
-    const auto existing = action.cluster.find(audience, action.command.key);
-    action.cluster.put({audience, existing ? existing->key : action.command.key, value});
+    const auto existing = action.cluster.findKey(audience, action.command.key);
+    action.cluster.put({audience, existing.value_or(action.command.key), value});
     action.printer.showDone("fleet", "set for '" + describe(audience) + "'");
 }
 
@@ -164,8 +164,8 @@ void unset(const Action& action) {
     requireWords(action.command, true, false);
     const auto audience = getOneAudience(action.command.fleet);
     if (!action.cluster.remove(audience, action.command.key)) {
-        const auto existing = action.cluster.find(audience, action.command.key);
-        if (!existing || !action.cluster.remove(audience, existing->key)) {
+        const auto existing = action.cluster.findKey(audience, action.command.key);
+        if (!existing || !action.cluster.remove(audience, *existing)) {
             throwMiss(action, audience);
         }
     }

@@ -1,6 +1,5 @@
-// Replaces the functions of the C library that change files, so that a program that preloads this library meets the
-// disk faults of its FaultPlan, and so that its OperationRecord shows what it did. They make system calls themselves
-// instead of calling the C library's functions.
+// Replaces the functions of the C library that change files. They follow the FaultPlan, write the OperationRecord, and
+// make system calls themselves.
 #include "FaultPlan.h"
 #include "OperationRecord.h"
 
@@ -117,7 +116,7 @@ int openedFile(int directory, const char* path, int flags, mode_t mode) {
             if (!existed) {
                 record.add({"create", full});
             } else if ((flags & O_TRUNC) != 0) {
-                record.add({"truncate", full});
+                record.add({"truncate", full, "0"});
             }
         }));
 }
@@ -143,6 +142,16 @@ ssize_t writtenBytes(int file, const void* bytes, std::size_t size, off_t offset
             record.add(
                 {"write", path, std::to_string(begin), OperationRecord::toHex(bytes, static_cast<std::size_t>(count))});
         });
+}
+
+/// Never fails: only the record of who holds a lock is truncated by this call.
+int truncatedFile(int file, off_t size) {
+    const std::string path = pathOf(file);
+    return static_cast<int>(makeCall(
+        path, [&] { return syscall(SYS_ftruncate, file, size); },
+        [&](const OperationRecord& record, long) {
+            record.add({"truncate", path, std::to_string(size)});
+        }));
 }
 
 int syncedFile(int file, long call) {
@@ -220,6 +229,8 @@ ssize_t faultyWrite(int file, const void* bytes, std::size_t size) LUMORA_REPLAC
 ssize_t faultyPwrite(int file, const void* bytes, std::size_t size, off_t offset) LUMORA_REPLACES(pwrite);
 ssize_t faultyPwrite64(int file, const void* bytes, std::size_t size, off64_t offset) LUMORA_REPLACES(pwrite64);
 ssize_t faultyWritev(int file, const iovec* parts, int count) LUMORA_REPLACES(writev);
+int faultyFtruncate(int file, off_t size) LUMORA_REPLACES(ftruncate);
+int faultyFtruncate64(int file, off64_t size) LUMORA_REPLACES(ftruncate64);
 int faultyFsync(int file) LUMORA_REPLACES(fsync);
 int faultyFdatasync(int file) LUMORA_REPLACES(fdatasync);
 int faultyOpen(const char* path, int flags, mode_t mode) LUMORA_REPLACES(open);
@@ -253,10 +264,19 @@ ssize_t faultyPwrite64(int file, const void* bytes, std::size_t size, off64_t of
 }
 
 ssize_t faultyWritev(int file, const iovec* parts, int count) {
-    if (failsNow("write", pathOf(file), [&] { syscall(SYS_writev, file, parts, count / 2); })) {
-        return -1;
+    std::string bytes;
+    for (const iovec* part = parts; part < parts + count; ++part) {
+        bytes.append(static_cast<const char*>(part->iov_base), part->iov_len);
     }
-    return syscall(SYS_writev, file, parts, count);
+    return writtenBytes(file, bytes.data(), bytes.size(), -1);
+}
+
+int faultyFtruncate(int file, off_t size) {
+    return truncatedFile(file, size);
+}
+
+int faultyFtruncate64(int file, off64_t size) {
+    return truncatedFile(file, size);
 }
 
 int faultyFsync(int file) {

@@ -15,11 +15,11 @@ namespace attack {
 ///
 /// Each line has an operation and its arguments, separated by tabs; bytes are in hexadecimal digits:
 ///
-///     create PATH           truncate PATH         write PATH OFFSET BYTES      sync PATH
+///     create PATH           truncate PATH SIZE    write PATH OFFSET BYTES      sync PATH
 ///     mkdir PATH            sync-directory PATH   unlink PATH (also rmdir)
 ///     rename FROM TO        link FROM TO          output BYTES
 ///
-/// Only operations that succeeded are recorded. Thread-safe.
+/// Only operations that succeeded are recorded, except output, which is recorded before it is written. Thread-safe.
 class OperationRecord {
 public:
     /// Returns the record of this process. Never destroyed, because other libraries write in their destructors.

@@ -20,7 +20,7 @@ class Step:
 
     lines: tuple
     state: dict
-    # How many of the lines report that they are done.
+    # How many of the lines report that they are done. None: the step ends with the process.
     reports: int = 1
 
 
@@ -49,6 +49,8 @@ class Sequence:
         self.values = {}
         self.values_made = 0
         self.moved_aside = 0
+        # After `stop` and `start` the user's file has no timer, so its backup may be older until the next process writes.
+        self.backup_is_old = False
         self.stores = set()
         self.is_provisioned = False
         # Files that the commands read, by name.
@@ -70,9 +72,10 @@ class Sequence:
 
     def add_command(self):
         line = self.choose_change(False)
-        step = self.step(line)
         words = line.split(" ")
-        if words[0] == "add-store":
+        adds_store = words[0] == "add-store"
+        step = self.step(line, reports=0 if adds_store else 1)
+        if adds_store:
             words = ["--store", words[1], "get", "From" + words[1].split(":")[1]]
         self.parts.append(Process(tuple(words), (step,)))
 
@@ -89,12 +92,15 @@ class Sequence:
             else:
                 lines = self.random.choice((("refresh",), ("stop", "start"), ("wait",), ("memory Volatile v",)))
                 steps.append(self.step(*lines, reports=len(lines)))
+                self.backup_is_old |= "stop" in lines
         self.parts.append(Process(("shell",), tuple(steps), True))
 
     def add_damage(self):
         """Damages one of the user's two files. The next start reads the other one, which has the same values."""
         if self.moved_aside < 3 and any(key in self.values for key in USER_KEYS):
             self.moved_aside += 1
+            if self.backup_is_old:
+                self.add_command_that_writes()
             self.parts.append(Outside(self.random.choice((USER_FILE, BACKUP))))
             self.add_command_that_writes()
 
@@ -110,6 +116,7 @@ class Sequence:
         self.parts.append(Process(("restore", os.path.basename(USER_FILE) + ".unreadable"), (self.step(""),)))
 
     def add_command_that_writes(self):
+        self.backup_is_old = False
         key = self.random.choice(USER_KEYS)
         self.values[key] = self.new_value()
         self.parts.append(Process(("set", key, self.values[key]), (self.step(""),)))

@@ -14,9 +14,9 @@ class File:
     def __init__(self, content=b""):
         self.content, self.synced, self.changes = content, content, []
 
-    def truncate(self):
-        self.content = b""
-        self.changes.append(None)
+    def truncate(self, size):
+        self.content = File.resize(self.content, size)
+        self.changes.append((size, None))
 
     def write(self, offset, data):
         self.content = File.overwrite(self.content, offset, data)
@@ -29,12 +29,16 @@ class File:
         """Returns what is on the disk: a random part of the changes, or none of them without a generator."""
         content = self.synced
         kept = generator.randint(0, len(self.changes)) if generator else 0
-        for change in self.changes[:kept]:
-            content = b"" if change is None else File.overwrite(content, *change)
-        if generator and kept < len(self.changes) and self.changes[kept]:
+        for place, data in self.changes[:kept]:
+            content = File.resize(content, place) if data is None else File.overwrite(content, place, data)
+        if generator and kept < len(self.changes) and self.changes[kept][1] is not None:
             offset, data = self.changes[kept]
             content = File.overwrite(content, offset, data[:generator.randint(0, len(data))])
         return content
+
+    @staticmethod
+    def resize(content, size):
+        return content[:size].ljust(size, b"\0")
 
     @staticmethod
     def overwrite(content, offset, data):
@@ -59,10 +63,7 @@ class Disk:
         folders = {os.path.dirname(path) for path, _ in names}
         if len(folders) != 1:
             raise ValueError(f"a change of two folders: {names}")
-        for path, node in names:
-            self.names.pop(path, None)
-            if node:
-                self.names[path] = node
+        Disk.carry_out(self.names, names)
         self.changes[folders.pop()].append(names)
 
     def apply(self, operation, arguments):
@@ -72,7 +73,7 @@ class Disk:
             case "create":
                 self.change((path, File()))
             case "truncate":
-                self.names[path].truncate()
+                self.names[path].truncate(int(arguments[1]))
             case "write":
                 # A stream's file is created where the library does not see it.
                 if path not in self.names:

@@ -62,13 +62,6 @@ std::string Profile::writeDocument(const std::string& name, std::string_view ele
     return write(name, "<Config><Group>" + std::string(elements) + "</Group></Config>");
 }
 
-void Profile::writePolicy(const std::string& name, const std::string& value) const {
-    write("data/registry/policy.reg",
-          "Windows Registry Editor Version 5.00\r\n\r\n[HKEY_CURRENT_USER\\Software\\Policies"
-          "\\Ventrix Systems, Inc.\\Unified Communications\\VentrixUC]\r\n\"" +
-              name + "\"=\"" + value + "\"\r\n");
-}
-
 Outcome Profile::run(const Arguments& arguments, const std::string& input) const {
     Arguments all{"--profile", base.string()};
     all.insert(all.end(), arguments.begin(), arguments.end());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
@@ -53,7 +54,11 @@ public:
     Outcome shell(const Arguments& lines, const Arguments& options = {}) const;
 
 private:
+    struct Policy;
+
     std::filesystem::path base;
+    /// What must be removed with the profile because it is outside of its folder; null if there is nothing.
+    mutable std::shared_ptr<Policy> policy;
 };
 
 /// A running shell with JSON answers. The destructor ends it.
@@ -65,7 +70,7 @@ public:
     RunningShell(const RunningShell&) = delete;
     RunningShell& operator=(const RunningShell&) = delete;
 
-    int getProcess() const { return process; }
+    int getProcess() const;
     void send(const std::string& line) const;
     /// Waits for the next object and returns it. Throws std::runtime_error at the end of the output.
     nlohmann::json receive() const;
@@ -79,11 +84,9 @@ public:
     int waitForEnd();
 
 private:
-    void closeInput();
+    struct Process;
 
-    int process = -1;
-    int input = -1;
-    int output = -1;
+    std::unique_ptr<Process> process;
 };
 
 } // namespace program_test

@@ -107,32 +107,56 @@ Outcome runProcess(const std::string& program, const Arguments& arguments, const
     return outcome;
 }
 
-RunningShell::RunningShell(const Profile& profile) {
+void Profile::writePolicy(const std::string& name, const std::string& value) const {
+    write("data/registry/policy.reg",
+          "Windows Registry Editor Version 5.00\r\n\r\n[HKEY_CURRENT_USER\\Software\\Policies"
+          "\\Ventrix Systems, Inc.\\Unified Communications\\VentrixUC]\r\n\"" +
+              name + "\"=\"" + value + "\"\r\n");
+}
+
+struct RunningShell::Process {
+    int id = -1;
+    int input = -1;
+    int output = -1;
+
+    void closeInput() {
+        if (input >= 0) {
+            close(std::exchange(input, -1));
+        }
+    }
+};
+
+RunningShell::RunningShell(const Profile& profile) : process(std::make_unique<Process>()) {
     const Pipe in;
     const Pipe out;
     const Pipe error;
-    process = start(LUMORA_CONFIG_PROGRAM, {"--profile", profile.root().string(), "--json", "shell"}, in, out, error);
+    process->id =
+        start(LUMORA_CONFIG_PROGRAM, {"--profile", profile.root().string(), "--json", "shell"}, in, out, error);
     close(error.readEnd);
-    input = in.writeEnd;
-    output = out.readEnd;
+    process->input = in.writeEnd;
+    process->output = out.readEnd;
     send("wait");
     receive();
 }
 
 RunningShell::~RunningShell() {
-    closeInput();
-    if (process > 0) {
+    process->closeInput();
+    if (process->id > 0) {
         waitForEnd();
     }
 }
 
+int RunningShell::getProcess() const {
+    return process->id;
+}
+
 void RunningShell::send(const std::string& line) const {
-    writeAll(input, line + '\n');
+    writeAll(process->input, line + '\n');
 }
 
 nlohmann::json RunningShell::receive() const {
     std::string line;
-    for (char next = '\0'; read(output, &next, 1) == 1;) {
+    for (char next = '\0'; read(process->output, &next, 1) == 1;) {
         if (next == '\n') {
             return nlohmann::json::parse(line);
         }
@@ -142,11 +166,11 @@ nlohmann::json RunningShell::receive() const {
 }
 
 void RunningShell::signal(int number) const {
-    kill(process, number);
+    kill(process->id, number);
 }
 
 void RunningShell::awaitOutput() const {
-    pollfd source{output, POLLIN, 0};
+    pollfd source{process->output, POLLIN, 0};
     poll(&source, 1, -1);
 }
 
@@ -154,9 +178,9 @@ int RunningShell::signalUntilEnd(int number) {
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
     while (std::chrono::steady_clock::now() < deadline) {
         int status = 0;
-        kill(process, number);
-        if (waitpid(process, &status, WNOHANG) == process) {
-            process = -1;
+        kill(process->id, number);
+        if (waitpid(process->id, &status, WNOHANG) == process->id) {
+            process->id = -1;
             return toExitCode(status);
         }
         std::this_thread::yield();
@@ -165,14 +189,8 @@ int RunningShell::signalUntilEnd(int number) {
 }
 
 int RunningShell::waitForEnd() {
-    drain(output);
-    return waitFor(std::exchange(process, -1));
-}
-
-void RunningShell::closeInput() {
-    if (input >= 0) {
-        close(std::exchange(input, -1));
-    }
+    drain(process->output);
+    return waitFor(std::exchange(process->id, -1));
 }
 
 } // namespace program_test

@@ -1,8 +1,11 @@
-// Starts processes through the test library of the host, where a process cannot fork. A shell that stays open cannot be
-// tested there.
+// Starts processes through the test library of the host, where a process cannot fork. There are no signals there.
 #include "Program.h"
 
+#include <kyr/StringUtils.h>
+
+#include <PlatformRegistryKey.h>
 #include <ProcessRun.h>
+#include <RunningProcess.h>
 
 #include <stdexcept>
 
@@ -13,30 +16,56 @@ Outcome runProcess(const std::string& program, const Arguments& arguments, const
     return {run.exitCode, std::move(run.out), std::move(run.error)};
 }
 
-RunningShell::RunningShell(const Profile& /*profile*/) {
-    throw std::runtime_error("a shell cannot stay open on this platform");
+/// The policy is in the registry of the user, which all profiles share.
+struct Profile::Policy {
+    testing_host::PlatformRegistryKey key{
+        L"Software\\Policies\\Ventrix Systems, Inc.\\Unified Communications\\VentrixUC"};
+};
+
+void Profile::writePolicy(const std::string& name, const std::string& value) const {
+    if (!policy) {
+        policy = std::make_shared<Policy>();
+    }
+    policy->key.setText(L"", KyrCoreUtils::toWideString(name), KyrCoreUtils::toWideString(value));
+}
+
+struct RunningShell::Process {
+    explicit Process(const Profile& profile)
+        : running(LUMORA_CONFIG_PROGRAM, {"--profile", profile.root().string(), "--json", "shell"}) {}
+
+    testing_host::RunningProcess running;
+    std::string received;
+};
+
+RunningShell::RunningShell(const Profile& profile) : process(std::make_unique<Process>(profile)) {
+    send("wait");
+    receive();
 }
 
 RunningShell::~RunningShell() = default;
 
-void RunningShell::send(const std::string& /*line*/) const {}
+int RunningShell::getProcess() const {
+    return process->running.getId();
+}
+
+void RunningShell::send(const std::string& line) const {
+    process->running.write(line + '\n');
+}
 
 nlohmann::json RunningShell::receive() const {
-    return {};
+    auto& received = process->received;
+    auto end = received.find('\n');
+    while (end == std::string::npos) {
+        const auto next = process->running.readOutput();
+        if (next.empty()) {
+            throw std::runtime_error("the shell does not answer");
+        }
+        received += next;
+        end = received.find('\n');
+    }
+    const auto line = received.substr(0, end);
+    received.erase(0, end + 1);
+    return nlohmann::json::parse(line);
 }
-
-void RunningShell::signal(int /*number*/) const {}
-
-void RunningShell::awaitOutput() const {}
-
-int RunningShell::signalUntilEnd(int /*number*/) {
-    return -1;
-}
-
-int RunningShell::waitForEnd() {
-    return -1;
-}
-
-void RunningShell::closeInput() {}
 
 } // namespace program_test

@@ -257,7 +257,7 @@ std::vector<std::shared_ptr<ConfigValue>> ConfigServiceImpl::getRecordsAfter(con
 
 const std::vector<const ConfigServiceImpl::Entry*>& ConfigServiceImpl::listInOrder() {
     const auto ordered = orderedValues.size();
-    orderedValues.reserve(configValues.size()); // so that nothing below can fail
+    orderedValues.reserve(configValues.size()); // the only allocation
     for (auto i = ordered; i < configValues.size(); ++i) {
         orderedValues.push_back(&configValues[i]);
     }

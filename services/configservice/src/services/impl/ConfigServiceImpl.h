@@ -75,8 +75,8 @@ public:
     void removeRecordObserver(std::weak_ptr<ConfigRecordObserver> observer) override;
 
 private:
-    /// The key with which the record was created, in lower case so that it is compared quickly, and the record, whose
-    /// own key can change.
+    /// The key with which the record was created, in lower case for fast comparison, and the record. The key of a
+    /// record can change.
     using Entry = std::pair<const std::wstring, std::shared_ptr<ConfigValueImpl>>;
 
     void initialize(const std::shared_ptr<UnifiedFactory>& factory);

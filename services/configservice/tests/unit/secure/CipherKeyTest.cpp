@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <filesystem>
 #include <iterator>
 #include <new>
 #include <set>
@@ -24,7 +23,7 @@ TEST(CipherKey, IsTheSameEachTimeAndNotTrivial) {
 
 TEST(CipherKey, IsNotStoredInTheFileOfTheProgram) {
     const CipherKey key;
-    const std::string program = testing_host::readFile(std::filesystem::read_symlink("/proc/self/exe"));
+    const std::string program = testing_host::readFile(TEST_PROGRAM);
     ASSERT_FALSE(program.empty());
     // Searches for parts of the key too, because an optimiser may precompute it in chunks.
     for (const std::size_t at : {0U, 8U, 16U, 24U}) {

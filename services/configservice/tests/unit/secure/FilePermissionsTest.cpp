@@ -36,11 +36,15 @@ TEST(FilePermissions, CreateForOwnerWritesNothingIfTheNameExists) {
     testing_host::writeFile(file, "old");
     createForOwner(file.string(), "new");
     EXPECT_EQ(testing_host::readFile(file), "old");
+    EXPECT_NO_THROW(createForOwner((profile.root() / "absent" / "file").string(), "new"));
+}
+
+TEST(FilePermissions, CreateForOwnerDoesNotFollowALink) {
+    const testing_host::TemporaryProfile profile;
     const auto link = profile.root() / "link.txt";
     fs::create_symlink(profile.root() / "target.txt", link);
     createForOwner(link.string(), "new");
     EXPECT_FALSE(fs::exists(profile.root() / "target.txt"));
-    EXPECT_NO_THROW(createForOwner((profile.root() / "absent" / "file").string(), "new"));
 }
 
 } // namespace ZelUnified

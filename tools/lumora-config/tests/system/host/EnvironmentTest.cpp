@@ -21,17 +21,17 @@ TEST(Environment, AMissingPlugInIsReportedWithItsFolder) {
     const auto outcome = profile.run({"--plugin-dir", empty.string(), "stores"});
     EXPECT_EQ(outcome.exitCode, 3);
     EXPECT_EQ(outcome.out, "");
-    EXPECT_THAT(outcome.error, HasSubstr("no plug-in libconfigservice.so: it is not in " + empty.string()));
+    EXPECT_THAT(outcome.error, HasSubstr("no plug-in " LUMORA_PLUGIN_FILE ": it is not in " + empty.string()));
 }
 
 TEST(Environment, AMissingPlugInFolderAndAFileAtItsPathAreReported) {
     const Profile profile;
     const auto absent = (profile.root() / "absent").string();
     EXPECT_THAT(profile.run({"--plugin-dir", absent, "stores"}).error,
-                HasSubstr("no plug-in libconfigservice.so: there is no folder " + absent));
+                HasSubstr("no plug-in " LUMORA_PLUGIN_FILE ": there is no folder " + absent));
     const auto file = profile.write("file", "no folder");
     EXPECT_THAT(profile.run({"--plugin-dir", file, "stores"}).error,
-                HasSubstr("no plug-in libconfigservice.so: " + file + " is not a folder"));
+                HasSubstr("no plug-in " LUMORA_PLUGIN_FILE ": " + file + " is not a folder"));
 }
 
 TEST(Environment, AHealthyRunLogsNoErrorOfTheProgram) {
@@ -51,10 +51,10 @@ TEST(Environment, AHealthyRunLogsNoErrorOfTheProgram) {
 
 TEST(Environment, APlugInThatCannotBeLoadedIsNamed) {
     const Profile profile;
-    profile.write("broken/libconfigservice.so", "no library");
+    profile.write("broken/" LUMORA_PLUGIN_FILE, "no library");
     const auto outcome = profile.run({"--plugin-dir", (profile.root() / "broken").string(), "stores"});
     EXPECT_EQ(outcome.exitCode, 3);
-    EXPECT_THAT(outcome.error, HasSubstr("libconfigservice.so"));
+    EXPECT_THAT(outcome.error, HasSubstr(LUMORA_PLUGIN_FILE));
 }
 
 TEST(Environment, AFolderWithoutADefaultsFileIsRefusedAndNotChanged) {

@@ -269,7 +269,14 @@ void LocalFileConfigStore::persistValuesImpl(const std::string& target) {
         const auto values = table->lock();
         getDataString(content);
         if (target == fileName) {
-            copyEntries(values->list(), lastPersistedValues);
+            try {
+                copyEntries(values->list(), lastPersistedValues);
+            } catch (...) {
+                // A later table could equal a mixture of old and new values, and would not be written.
+                wipeValues(lastPersistedValues);
+                lastPersistedValues.clear();
+                throw;
+            }
         }
     }
     // The facility rejects empty content. This protects the file of a store that must not write.

@@ -1,5 +1,7 @@
 #include "ConfigAdapterFixture.h"
 
+#include <kyr/FileUtils.h>
+
 #include <InMemoryConfigStore.h>
 #include <LocalFileConfigStore.h>
 
@@ -43,8 +45,9 @@ TEST_F(ConfigAdapterInitialStores, AMissingDefaultsFileLeavesAnEmptyStore) {
     EXPECT_TRUE(adapter->getConfigStoreByName("lumora-config-defaults.xml")->getKeys().empty());
     EXPECT_TRUE(isA<LocalFileConfigStore>("LocalFileConfigStore"));
     // The directory is passed with its separator, and the store appends its own.
+    const auto separator = KyrCoreUtils::FileUtils::FileSeparator();
     EXPECT_TRUE(log.mentions("Read config FAILED, config file doesn't exist: " + profile.resources().string() +
-                             "//lumora-config-defaults.xml"));
+                             separator + separator + "lumora-config-defaults.xml"));
 }
 
 TEST_F(ConfigAdapterInitialStores, InTheSdkModeTheUsersStoreIsVolatileUnderItsName) {

@@ -9,19 +9,26 @@
 #include <csignal>
 #include <string>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 namespace fleet_test {
 
-/// A program that runs until it is interrupted, and its output. Not thread-safe.
-class RunningProgram {
+/// A program that runs until it is interrupted, and its output. The destructor kills it if it still runs. Not
+/// thread-safe.
+class InterruptibleProgram {
 public:
-    RunningProgram(const std::string& program, const std::vector<std::string>& arguments) {
+    InterruptibleProgram(const std::string& program, const std::vector<std::string>& arguments) {
         std::tie(process, pipe) = spawnProgram(program, arguments);
     }
-    ~RunningProgram() { ::close(pipe); }
-    RunningProgram(const RunningProgram&) = delete;
-    RunningProgram& operator=(const RunningProgram&) = delete;
+    ~InterruptibleProgram() {
+        if (process > 0) {
+            endProgram(process, SIGKILL);
+        }
+        ::close(pipe);
+    }
+    InterruptibleProgram(const InterruptibleProgram&) = delete;
+    InterruptibleProgram& operator=(const InterruptibleProgram&) = delete;
 
     /// Reads until the output contains the text. Returns false if the program ends before, or prints nothing for a
     /// minute.
@@ -41,8 +48,8 @@ public:
         return true;
     }
     const std::string& getOutput() const { return output; }
-    /// Returns the exit code.
-    int interrupt() const { return endProgram(process, SIGINT); }
+    /// Returns the exit code. Called once.
+    int interrupt() { return endProgram(std::exchange(process, -1), SIGINT); }
 
 private:
     pid_t process = -1;
