@@ -256,7 +256,7 @@ void SimulatedYear::playScript(ByteSource& bytes) {
             step.kind = Kind::AddStore;
         }
         // Resets are rare, because they remove the files that were moved aside.
-        const bool isSkipped = step.kind == Kind::ResetAllData && !bytes.oneIn(16);
+        const bool isSkipped = step.kind == Kind::ResetAllData && !bytes.oneIn(10);
         if (isSkipped || !isPossible(step) || !problems.empty()) {
             continue;
         }

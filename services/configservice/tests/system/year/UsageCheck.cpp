@@ -10,7 +10,7 @@ using testing_host::ProcessUsage;
 namespace {
 
 /// Fewer days differ too much: in the settings, policies and log lines that the model has at their end.
-constexpr std::size_t fewestDays = 200;
+constexpr std::size_t fewestDays = 365;
 /// A leak of each day appears in the day that holds least. Caches fill during the first part of the run.
 constexpr std::size_t parts = 4;
 constexpr std::size_t heapTolerance = std::size_t{32} << 10;

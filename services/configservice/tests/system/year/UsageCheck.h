@@ -17,7 +17,7 @@ public:
     /// Returns a line if the number of descriptors or of threads differs from the first day.
     std::vector<std::string> measure();
     /// Returns a line if the memory of the last quarter of the days is larger than that of the second one. Returns
-    /// nothing for less than 200 days.
+    /// nothing for less than 365 days.
     std::vector<std::string> findGrowth() const;
 
     const std::vector<testing_host::ProcessUsage>& getUsages() const { return usages; }
