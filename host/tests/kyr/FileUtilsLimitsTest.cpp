@@ -82,6 +82,9 @@ private:
 };
 
 TEST(FileUtilsLimits, AChangeWhoseDirectoryCannotBeSyncedIsMadeAndLogged) {
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "without descriptors, the sanitizer reports valid objects as invalid";
+#endif
     const TemporaryProfile profile;
     const fs::path file = profile.config() / "file";
     const fs::path moved = profile.config() / "moved";
