@@ -60,10 +60,14 @@ void ConfigValueImpl::applyValues(std::wstring value, std::wstring originalValue
     if (!KyrCoreUtils::caseInsensitiveStringEquals(zel::withFipsOverride(Key, Value), value)) {
         setValue(std::move(value));
         isValueChanged = true;
+    } else {
+        zel::SecureString::wipe(value);
     }
     if (!KyrCoreUtils::caseInsensitiveStringEquals(OriginalValue, originalValue)) {
         setOriginalValue(std::move(originalValue));
         isOriginalValueChanged = true;
+    } else {
+        zel::SecureString::wipe(originalValue);
     }
     if (isOverridden != overridden) {
         setisOverridden(overridden);
@@ -81,9 +85,6 @@ void ConfigValueImpl::applyValues(std::wstring value, std::wstring originalValue
         setOriginalValueStoreName(std::move(originalValueStoreName));
         isOriginalValueStoreNameChanged = true;
     }
-    // The values that were not moved into the record.
-    zel::SecureString::wipe(value);
-    zel::SecureString::wipe(originalValue);
 }
 
 void ConfigValueImpl::applyValuesAndFire(std::wstring value, std::wstring originalValue, bool overridden, bool defined,
