@@ -10,6 +10,7 @@
 #include <ConfigFeatureSet.h>
 #include <ConfigServiceIds.h>
 #include <ConfigStoreAddedObserver.h>
+#include <DefaultsFile.h>
 
 #include <algorithm>
 #include <thread>
@@ -52,11 +53,7 @@ private:
 };
 
 ConcurrentService::ConcurrentService(const Pairs& policy) {
-    std::wstring document = L"<Lumora>\n";
-    for (const auto& [key, value] : shippedDefaults) {
-        document += L" <userConfig name=\"" + key + L"\" value=\"" + value + L"\"/>\n";
-    }
-    testing_host::writeFile(profile.resources() / "lumora-config-defaults.xml", narrow(document + L"</Lumora>\n"));
+    testing_host::writeDefaults(profile.resources(), shippedDefaults);
     for (const auto& [key, value] : policy) {
         registry->setText(zel::registry::HKEY_CURRENT_USER, policyPath, key, value);
     }

@@ -8,6 +8,7 @@
 
 #include <ConfigFeatureSet.h>
 #include <ConfigServiceIds.h>
+#include <DefaultsFile.h>
 
 namespace config_model {
 
@@ -21,11 +22,7 @@ constexpr const wchar_t* policyPath = L"Software\\Policies\\Ventrix Systems, Inc
 
 LoadedService::LoadedService(const Pairs& shippedDefaults) {
     setFipsMode(false);
-    std::wstring document = L"<Lumora>\n";
-    for (const auto& [key, value] : shippedDefaults) {
-        document += L" <userConfig name=\"" + key + L"\" value=\"" + value + L"\"/>\n";
-    }
-    testing_host::writeFile(profile.resources() / "lumora-config-defaults.xml", narrow(document + L"</Lumora>\n"));
+    testing_host::writeDefaults(profile.resources(), shippedDefaults);
 }
 
 LoadedService::~LoadedService() {

@@ -13,6 +13,7 @@
 #include <zel/PowerEventObserver.h>
 
 #include <ConfigServiceIds.h>
+#include <DefaultsFile.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -362,12 +363,7 @@ void HostedService::passTime(std::int64_t seconds) {
 }
 
 void HostedService::setDefaults(const Pairs& pairs) {
-    std::wstring document = L"<Lumora>\n";
-    for (const auto& [key, value] : pairs) {
-        document += L" <userConfig name=\"" + key + L"\" value=\"" + value + L"\"/>\n";
-    }
-    testing_host::writeFile(profile.resources() / "lumora-config-defaults.xml",
-                            config_model::narrow(document + L"</Lumora>\n"));
+    testing_host::writeDefaults(profile.resources(), pairs);
 }
 
 void HostedService::setAdministratorPolicy(const Pairs& pairs) {
