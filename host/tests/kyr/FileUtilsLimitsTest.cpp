@@ -95,7 +95,7 @@ TEST(FileUtilsLimits, AChangeWhoseDirectoryCannotBeSyncedIsMadeAndLogged) {
         const NoMoreDescriptors limit;
         EXPECT_EQ(FileUtils::createDirectory(folder.string()), 0);
         EXPECT_EQ(FileUtils::moveFile(file.string(), moved.string(), false), 0);
-        EXPECT_EQ(FileUtils::removeFile(moved.string()), EMFILE);
+        EXPECT_EQ(FileUtils::removeFile(moved.string()), 0);
     }
     EXPECT_TRUE(fs::is_directory(folder));
     EXPECT_FALSE(fs::exists(file));
