@@ -60,9 +60,7 @@ protected:
     }
 
     /// Writes the shipped defaults. Call before load().
-    void givenDefaults(const ConfigMap& values) {
-        testing_host::writeDefaults(profile.resources(), values);
-    }
+    void givenDefaults(const ConfigMap& values) { testing_host::writeDefaults(profile.resources(), values); }
     void givenPolicy(const std::wstring& key, const std::wstring& value) {
         registry->setText(zel::registry::HKEY_CURRENT_USER, policyPath, key, value);
     }
