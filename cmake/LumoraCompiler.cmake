@@ -101,8 +101,12 @@ if(LUMORA_COVERAGE)
 endif()
 
 # lumora_join_folders(TARGET [ALONE SOURCES...]): compiles the sources of each folder of the target as one, because each
-# source includes the same headers. ALONE lists the exceptions; a source with options of its own is always compiled alone.
+# source includes the same headers. ALONE lists the exceptions; a source with options of its own is always compiled alone. For
+# Windows it does nothing: macros of the system's headers would change the sources that follow.
 function(lumora_join_folders target)
+  if(WIN32)
+    return()
+  endif()
   cmake_parse_arguments(ARG "" "" "ALONE" ${ARGN})
   set_target_properties(${target} PROPERTIES UNITY_BUILD ${LUMORA_JOIN_SOURCES} UNITY_BUILD_MODE GROUP)
   get_target_property(sources ${target} SOURCES)
