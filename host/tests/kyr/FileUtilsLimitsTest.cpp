@@ -70,24 +70,30 @@ TEST(FileUtilsLimits, TheNextStartRemovesWhatAKilledMoveBetweenFileSystemsLeft) 
     EXPECT_TRUE(fs::is_empty(folder)) << left;
 }
 
-/// Moves a file from the folder to /dev/shm in a process of its own. Returns its calls that sync or remove files, in
-/// order; none if this machine cannot trace it.
-std::vector<std::string> traceMoveElsewhere(const fs::path& folder) {
+/// Returns true if the shell command succeeds. Discards what it prints.
+bool run(const std::string& command) {
+    return std::system((command + " >/dev/null 2>&1").c_str()) == 0;
+}
+
+/// Returns false if strace is missing or may not trace.
+bool canTrace() {
+    return run("strace -o /dev/null true");
+}
+
+/// Moves a file from the folder to /dev/shm in a process of its own. Sets `calls` to its calls that sync or remove
+/// files, in order.
+void traceMoveElsewhere(const fs::path& folder, std::vector<std::string>& calls) {
     const fs::path trace = folder / "trace";
-    const auto run = [](const std::string& command) {
-        return std::system((command + " >/dev/null 2>&1").c_str()) == 0;
-    };
-    if (!run("strace -o /dev/null true") ||
-        !run("strace -f -qq -y -E ASAN_OPTIONS=detect_leaks=0 -e trace=fsync,unlink -o " + trace.string() + " " +
-             fs::read_symlink("/proc/self/exe").string() + " --gtest_filter=FileUtilsTest.MovesBetweenFileSystems")) {
-        return {};
-    }
-    std::vector<std::string> calls;
+    const auto quote = [](const fs::path& path) { return "'" + path.string() + "'"; };
+    ASSERT_TRUE(run("strace -f -qq -y -E ASAN_OPTIONS=detect_leaks=0 -e trace=fsync,?unlink,unlinkat -o " +
+                    quote(trace) + " " + quote(fs::read_symlink("/proc/self/exe")) +
+                    " --gtest_filter=FileUtilsTest.MovesBetweenFileSystems"))
+        << "the traced test has failed";
     std::istringstream lines(readFile(trace));
     for (std::string line; std::getline(lines, line);) {
         calls.push_back(line);
     }
-    return calls;
+    ASSERT_FALSE(calls.empty()) << "the trace contains no call";
 }
 
 /// Otherwise a power cut between the two could lose the file.
@@ -96,15 +102,16 @@ TEST(FileUtilsLimits, AMoveBetweenFileSystemsSyncsTheFolderOfTheTargetBeforeItRe
     if (deviceOf("/dev/shm") == deviceOf(profile.root())) {
         GTEST_SKIP() << "one file system";
     }
-    const auto calls = traceMoveElsewhere(profile.root());
-    if (calls.empty()) {
+    if (!canTrace()) {
         GTEST_SKIP() << "no strace, or it may not trace";
     }
+    std::vector<std::string> calls;
+    ASSERT_NO_FATAL_FAILURE(traceMoveElsewhere(profile.root(), calls));
     const auto find = [&](const std::string& text) {
         return std::find_if(calls.begin(), calls.end(), [&](const auto& call) { return call.find(text) != call.npos; });
     };
     const auto sync = find("</dev/shm>");
-    const auto removal = find("/source\")");
+    const auto removal = find("/source\"");
     ASSERT_NE(removal, calls.end());
     EXPECT_TRUE(sync < removal) << "the source was removed first";
 }
