@@ -71,7 +71,7 @@ private:
     void post(const std::string& name, void (FleetServiceImpl::*work)());
     /// Makes watch and store follow the settings. Logs a failure, and tries again after `reviewDelay`.
     void review(bool isDelayOver = false);
-    void reviewAfterAddition() { review(); }
+    void reviewNow() { review(); }
     void reviewAfterDelay() { review(true); }
     /// Returns true if the cached copy belongs to no cluster any more. The first call for a copy returns false and
     /// starts the delay.
