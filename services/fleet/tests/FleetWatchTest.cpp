@@ -214,7 +214,7 @@ TEST(FleetWatchOfAMember, RenewsTheTokenWithoutAWarningIfAWatchIsRefusedForIt) {
 }
 
 TEST(FleetWatchOfAMember, AuthenticatesWithoutAWarningIfAuthenticationIsEnabledAfterATokenWasRefused) {
-    std::size_t authentications = 0; // of the member's thread, like the next one
+    std::size_t authentications = 0; // only the member's thread uses these two
     std::size_t watches = 0;
     const auto refuse = [](const std::string& reason) {
         return ScriptedMember::Answer{400, R"({"error":")" + reason + R"(","code":3})", false};
