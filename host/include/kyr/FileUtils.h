@@ -19,7 +19,8 @@ struct HostDirectories {
 /// keeps its changes in memory (UnifiedFactoryOptions::changesInMemory), creating, removing and moving change nothing
 /// on the disk and succeed, and fileExists() sees the result; getFilesFromDirectory() lists the disk. Otherwise
 /// creating, removing and moving sync the directories that they change; a failed sync is only logged, because the
-/// change is made; a directory that cannot be opened for reading is not synced.
+/// change is made; a directory that cannot be opened for reading is not synced. A move between file systems is the
+/// exception: if the target's directory cannot be synced, it fails, keeps the source and removes the target.
 class LUMORA_HOST_API FileUtils {
 public:
     /// Replaces the platform's folders, for an embedding program or a test. Call it first: it does not affect what the
