@@ -5,8 +5,8 @@
 namespace testing_host {
 
 /// Shifts the wall clock of this process until the object is destroyed. Does not affect other processes, the monotonic
-/// clock or the times that the file system writes. It replaces the time functions of the library for a program that
-/// links it.
+/// clock or the times that the file system writes. It replaces the C library's time functions in a program that links
+/// `jumping_clock`: each call is a system call.
 class JumpingClock {
 public:
     JumpingClock() = default;

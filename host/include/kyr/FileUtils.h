@@ -17,8 +17,10 @@ struct HostDirectories {
 
 /// Operations on files and folders. Paths are UTF-8. Never throws; an unusable path is treated as missing. While a host
 /// keeps its changes in memory (UnifiedFactoryOptions::changesInMemory), creating, removing and moving change nothing
-/// on the disk and succeed, and fileExists() sees the result; getFilesFromDirectory() lists the disk. Otherwise they
-/// sync the directories that they change; a failed sync is logged and is no failure, because the change is made.
+/// on the disk and succeed, and fileExists() sees the result; getFilesFromDirectory() lists the disk. Otherwise
+/// creating, removing and moving sync the directories that they change; a failed sync is only logged, because the
+/// change is made; a directory that cannot be opened for reading is not synced. A move between file systems is the
+/// exception: if the target's directory cannot be synced, it fails, keeps the source and removes the target.
 class LUMORA_HOST_API FileUtils {
 public:
     /// Replaces the platform's folders, for an embedding program or a test. Call it first: it does not affect what the

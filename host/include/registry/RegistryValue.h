@@ -21,7 +21,7 @@ struct RegistryValue {
     bool operator==(const RegistryValue&) const = default;
 };
 
-/// Returns true if the data of such a value is a text or a list of texts.
+/// Returns true if values of this type contain a text or a list of texts.
 constexpr bool isRegistryText(std::uint32_t type) noexcept {
     return type == REG_SZ || type == REG_EXPAND_SZ || type == REG_MULTI_SZ;
 }

@@ -72,7 +72,8 @@ int copyContent(int from, int to) {
 }
 
 /// Copies the file to a temporary name beside the target and renames it after the copy is complete. The target's folder
-/// is synced before the source is removed, so that a power cut cannot leave neither. If the process is killed
+/// is synced before the source is removed, so that a power cut cannot lose the file; if that fails, the source remains
+/// and the target is removed. A folder that cannot be opened for reading is not synced. If the process is killed
 /// meanwhile, DurableFile::removeLeftovers() removes the temporary file.
 int moveAcrossDevices(const std::filesystem::path& source, const std::filesystem::path& target, bool failIfExists) {
     const FileDescriptor from(::open(source.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
@@ -99,8 +100,11 @@ int moveAcrossDevices(const std::filesystem::path& source, const std::filesystem
         ::unlink(temporary.c_str());
         return error;
     }
-    // The caller syncs both folders again and logs a failure.
-    static_cast<void>(zel::storage::FileLayer::disk().syncDirectory(target.parent_path().string()));
+    error = zel::storage::FileLayer::disk().syncDirectory(target.parent_path().string());
+    if (error != 0 && error != EACCES) {
+        ::unlink(target.c_str());
+        return error;
+    }
     return errorOf(::unlink(source.c_str()));
 }
 

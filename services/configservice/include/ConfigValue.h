@@ -32,7 +32,9 @@ public:
     /// none.
     virtual std::wstring getOriginalValue() = 0;
     /// Returns true if a writable store, such as the user's file or the values for this run, holds the key and no
-    /// read-only store before it has a value that is not empty. The administrator need not have set a value.
+    /// read-only store before it has a value that is not empty. The administrator need not have set a value. If a key
+    /// has an old name and no read-only store holds the new one, only values under the old name count: a value of the
+    /// user under the new name does not override an administrator's value under the old one.
     virtual bool getisOverridden() = 0;
     /// Returns true if a store holds the key.
     virtual bool getisDefined() = 0;

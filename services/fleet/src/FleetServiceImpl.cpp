@@ -49,8 +49,8 @@ void FleetServiceImpl::StartFeatureSet(unsigned int /*id*/, std::shared_ptr<ZelU
         configuration->setKeySensitive(std::wstring(key));
     }
     configuration->registerConfigStoreAddedObserver(shared_from_this());
-    // In a task of its own: the cached copy is in force meanwhile, so the start of the client need not wait.
-    post("Fleet: review", &FleetServiceImpl::reviewAfterAddition);
+    // In a task: the cached copy is in force meanwhile, so the start of the client need not wait.
+    post("Fleet: review", &FleetServiceImpl::reviewNow);
 }
 
 void FleetServiceImpl::StopFeatureSet(unsigned int /*id*/, std::shared_ptr<ZelUnified::ServiceEventList> /*events*/) {
@@ -99,7 +99,7 @@ std::vector<unsigned int> FleetServiceImpl::GetFeatureSetDependencies(unsigned i
 
 void FleetServiceImpl::OnConfigStoreAdded(const std::string& /*addedName*/) {
     // Also for a store of this name: it may be a cached copy.
-    post("Fleet: review", &FleetServiceImpl::reviewAfterAddition);
+    post("Fleet: review", &FleetServiceImpl::reviewNow);
 }
 
 void FleetServiceImpl::post(const std::string& name, void (FleetServiceImpl::*work)()) {

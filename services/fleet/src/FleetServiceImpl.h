@@ -25,6 +25,8 @@
 namespace fleet {
 
 /// The service of the plug-in: follows the cluster while its feature set is started, and keeps the store in the chain.
+/// The start posts a task to the services thread; the task begins to follow, and isFollowing() returns false until it
+/// has run.
 ///
 /// After the chain has dropped or rebuilt stores (a stop, a refresh, a reset), it adds stores and announces each. The
 /// service then reads its own settings again, follows another cluster if they have changed, and adds its store again if
@@ -71,7 +73,7 @@ private:
     void post(const std::string& name, void (FleetServiceImpl::*work)());
     /// Makes watch and store follow the settings. Logs a failure, and tries again after `reviewDelay`.
     void review(bool isDelayOver = false);
-    void reviewAfterAddition() { review(); }
+    void reviewNow() { review(); }
     void reviewAfterDelay() { review(true); }
     /// Returns true if the cached copy belongs to no cluster any more. The first call for a copy returns false and
     /// starts the delay.

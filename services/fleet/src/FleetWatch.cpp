@@ -63,14 +63,14 @@ std::unique_ptr<HttpTransfer> FleetWatch::send(const char* path, ZelUnified::Wip
 }
 
 void FleetWatch::authenticate() {
-    tokenless = false;
+    isWithoutToken = false;
     request = send(etcd::authenticatePath, etcd::makeAuthenticate(settings.access.username, settings.access.password),
                    {.total = times.answer}, {nullptr, [this](const HttpResult& result) { receiveToken(result); }});
 }
 
 void FleetWatch::receiveToken(const HttpResult& result) {
     if (etcd::parseFailure(result.body) == etcd::authenticationDisabled) {
-        tokenless = true; // a cluster may be set up before its users are
+        isWithoutToken = true; // a cluster may be set up before its users are
         read();
         return;
     }
@@ -207,7 +207,7 @@ void FleetWatch::probe() {
                              }
                              failures = 0;
                              renewed = false;
-                             tokenRequired = false;
+                             wasTokenMissing = false;
                              probeRequest.reset();
                              planProbe();
                          }});
@@ -233,9 +233,9 @@ void FleetWatch::failFor(const HttpResult& result) {
 /// has begun to authenticate users. Returns false if the token was not the reason: none could be requested, or a new
 /// one has been refused as well. Drops the token in any case.
 bool FleetWatch::renewToken() {
-    const bool isExpired = !std::exchange(token, {}).empty() && !std::exchange(renewed, true);
-    const bool isFirst = std::exchange(tokenless, false) && !std::exchange(tokenRequired, true);
-    if (!isExpired && !isFirst) {
+    const bool isTokenRefused = !std::exchange(token, {}).empty() && !std::exchange(renewed, true);
+    const bool isTokenMissing = std::exchange(isWithoutToken, false) && !std::exchange(wasTokenMissing, true);
+    if (!isTokenRefused && !isTokenMissing) {
         return false;
     }
     restart(std::chrono::milliseconds(0));

@@ -69,7 +69,8 @@ TEST(FleetSessionOfAMember, IgnoresKeysOutsideTheScope) {
     const auto everybody = fleet::FleetScope::ofAll();
     const auto makePair = [](const std::string& key) { return R"({"key":")" + fleet::encodeBase64(key) + R"("})"; };
     const ScriptedMember member([&](const std::string&) {
-        // The last ones are found first. One is shorter than the prefix, the other one as long as a key.
+        // findKey() searches from the last pair. One foreign key is shorter than the prefix, the other has the length
+        // of a real one.
         return ScriptedMember::Answer{200,
                                       R"({"header":{"revision":"7"},"kvs":[)" + makePair(themeKey) + ',' +
                                           makePair(std::string(everybody.prefix.size(), 'x') + "Theme") + ',' +

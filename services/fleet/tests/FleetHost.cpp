@@ -65,7 +65,7 @@ FleetHost::FleetHost(const std::filesystem::path& administrator, const ServiceMa
         factory, zel::registry::makeFileRegistry({.administrator = administrator.string(), .readsUserFiles = false}));
     factory->getFeatureSets().registerItem<ZelUnified::FleetService>(ZelUnified::FleetService::fleetServiceId, service);
     factory->StartFeatureSet(ZelUnified::FleetService::fleetServiceId, nullptr);
-    onServices([] {}); // the start has posted a task that reads the settings
+    onServices([] {}); // waits for the task that reads the settings
 }
 
 FleetHost::~FleetHost() {

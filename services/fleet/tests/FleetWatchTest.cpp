@@ -213,8 +213,8 @@ TEST(FleetWatchOfAMember, RenewsTheTokenWithoutAWarningIfAWatchIsRefusedForIt) {
     EXPECT_EQ(warnings, std::vector<std::string>());
 }
 
-TEST(FleetWatchOfAMember, AuthenticatesWithoutAWarningIfUsersAreEnabledAfterATokenWasRefused) {
-    std::size_t authentications = 0; // of the member's thread, like the next one
+TEST(FleetWatchOfAMember, AuthenticatesWithoutAWarningIfAuthenticationIsEnabledAfterATokenWasRefused) {
+    std::size_t authentications = 0; // only the member's thread uses these two
     std::size_t watches = 0;
     const auto refuse = [](const std::string& reason) {
         return ScriptedMember::Answer{400, R"({"error":")" + reason + R"(","code":3})", false};
@@ -251,7 +251,7 @@ TEST(FleetWatchOfAMember, WaitsAfterASecondRefusalByAMemberThatDoesNotAuthentica
     EXPECT_NE(warnings.front().find("status 400, etcdserver: user name is empty"), std::string::npos);
 }
 
-TEST_F(FleetWatch, AuthenticatesWithoutAWarningWhenTheClusterBeginsTo) {
+TEST_F(FleetWatch, AuthenticatesWithoutAWarningWhenTheClusterEnablesAuthentication) {
     EtcdCluster cluster({.authentication = true});
     cluster.control({"auth", "disable"});
     const testing_host::LogRecorder log;
@@ -264,6 +264,7 @@ TEST_F(FleetWatch, AuthenticatesWithoutAWarningWhenTheClusterBeginsTo) {
     EXPECT_TRUE(client.observer.waitForValue(L"Theme", L"light"));
     for (const auto& text : log.getTexts(ZelLogLevel::Warning)) {
         EXPECT_EQ(text.find("status 4"), std::string::npos) << "it is no outage: " << text;
+        EXPECT_EQ(text.find("ended the watch"), std::string::npos) << "it is no outage: " << text;
     }
 }
 
@@ -302,6 +303,7 @@ TEST_F(FleetWatch, AuthenticatesAgainAfterTheTokensAreLost) {
     EXPECT_FALSE(log.mentions(EtcdCluster::password));
     for (const auto& text : log.getTexts(ZelLogLevel::Warning)) {
         EXPECT_EQ(text.find("status 4"), std::string::npos) << "the end of a token is no outage: " << text;
+        EXPECT_EQ(text.find("ended the watch"), std::string::npos) << "the end of a token is no outage: " << text;
     }
 }
 

@@ -32,7 +32,7 @@ std::string runClient(const std::vector<std::string>& arguments) {
 struct Start {
     double time = 0; ///< Until the first answer, in milliseconds.
     double loadTime = 0;
-    double idleTime = 0;
+    double idleTime = 0; ///< Until the services thread is idle.
     std::string value;
 };
 
