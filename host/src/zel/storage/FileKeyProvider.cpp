@@ -1,12 +1,12 @@
 #include "FileKeyProvider.h"
 
 #include "DurableFile.h"
-#include "EncryptFileUtilsLogger.h"
 #include "FileHandle.h"
 #include "FileReader.h"
 #include "KeyDerivation.h"
 #include "KeyProtection.h"
 #include "PathParts.h"
+#include "StorageLogger.h"
 #include "WipedBytes.h"
 
 #include <kyr/FileUtils.h>
@@ -147,7 +147,7 @@ KeyResult FileKeyProvider::findOrMake(FileCategoryType::FileCategory category, M
         if (layer.rename(path, path + ".bad") != 0) {
             return KeyResult::Unavailable;
         }
-        ZelLog(encryptFileUtilsLogger, ZelLogLevel::Warning, ZEL_HERE,
+        ZelLog(storageLogger, ZelLogLevel::Warning, ZEL_HERE,
                "Malformed key file kept as " + splitPath(path).name + ".bad, a new key is made");
     }
     if (!make(category)) {
@@ -160,7 +160,7 @@ KeyResult FileKeyProvider::reportLockFailure(int error) const {
     if (error != ETIMEDOUT) {
         return KeyResult::Unavailable;
     }
-    ZelLog(encryptFileUtilsLogger, ZelLogLevel::Error, ZEL_HERE,
+    ZelLog(storageLogger, ZelLogLevel::Error, ZEL_HERE,
            "The keys in " + ZelLogger_replacePIIData(folder) + " are locked by another process, gave up after " +
                std::to_string(longestWait.count()) + " seconds");
     return KeyResult::Locked;
