@@ -5,7 +5,10 @@
 
 #include <ConfigService.h>
 #include <ConfigValue.h>
+#include <DefaultsFile.h>
 #include <RecordingFactory.h>
+
+#include <map>
 
 namespace bench {
 
@@ -44,8 +47,8 @@ void CachedDocuments::select() const {
     for (std::size_t i = 0; i < layerCount; ++i) {
         record += nameOf(i) + ":" + std::to_string(priorityOf(i)) + ";";
     }
-    testing_host::writeFile(profile.resources() / "lumora-config-defaults.xml",
-                            "<Lumora><userConfig name=\"PrimaryConfigStores\" value=\"" + record + "\"/></Lumora>");
+    testing_host::writeDefaults(profile.resources(),
+                                std::map<std::string, std::string>{{"PrimaryConfigStores", record}});
 }
 
 void CachedDocuments::check() const {

@@ -6,6 +6,7 @@
 #include "bare/BareTable.h"
 
 #include <CacheConfigStore.h>
+#include <DefaultsFile.h>
 #include <InMemoryConfigStore.h>
 #include <ManualClock.h>
 #include <TemporaryProfile.h>
@@ -13,6 +14,7 @@
 
 #include <cstdlib>
 #include <functional>
+#include <map>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -53,8 +55,8 @@ std::wstring leaveCopies(const testing_host::TemporaryProfile& profile, bench::S
         const CacheConfigStore writer(cacheName(i), 100 + i, cachePath(profile, i), values);
         record += cacheName(i) + ":" + std::to_string(100 + i) + ";";
     }
-    testing_host::writeFile(profile.resources() / "lumora-config-defaults.xml",
-                            "<Lumora><userConfig name=\"PrimaryConfigStores\" value=\"" + record + "\"/></Lumora>");
+    testing_host::writeDefaults(profile.resources(),
+                                std::map<std::string, std::string>{{"PrimaryConfigStores", record}});
     return lastKey;
 }
 

@@ -10,7 +10,7 @@ namespace zel::registry {
 
 namespace {
 
-ZelLogger& logger = ZelLogger_getLogger("Host-Registry");
+ZelLogger& fileRegistryLogger = ZelLogger_getLogger("Host-Registry");
 
 constexpr std::wstring_view mailClients = L"SOFTWARE\\Clients\\Mail";
 
@@ -18,7 +18,7 @@ constexpr std::wstring_view mailClients = L"SOFTWARE\\Clients\\Mail";
 constexpr std::size_t loggedRefusals = 50;
 
 void warn(const std::string& text) {
-    ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE, "Registry file " + text);
+    ZelLog(fileRegistryLogger, ZelLogLevel::Warning, ZEL_HERE, "Registry file " + text);
 }
 
 void logRefusals(const std::string& path, const std::vector<RegistryTextRefusal>& refusals) {

@@ -14,7 +14,7 @@ namespace ZelSystemMonitor {
 
 namespace {
 
-ZelLogger& logger = ZelLogger_getLogger("SystemMonitor-PowerWindow");
+ZelLogger& powerLogger = ZelLogger_getLogger("SystemMonitor-PowerWindow");
 
 constexpr const wchar_t* className = L"LumoraPowerEvents";
 
@@ -37,7 +37,7 @@ public:
         threadId.set_value(::GetCurrentThreadId());
         const HWND window = open();
         if (window == nullptr) {
-            ZelLog(logger, ZelLogLevel::Info, ZEL_HERE,
+            ZelLog(powerLogger, ZelLogLevel::Info, ZEL_HERE,
                    "No power events are delivered: error " + std::to_string(::GetLastError()));
             return;
         }

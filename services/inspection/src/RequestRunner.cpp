@@ -124,16 +124,8 @@ void RequestRunner::explain(const JobPointer& job) {
 }
 
 void RequestRunner::explainAll(const JobPointer& job) {
-    onServices(job, [this, job] {
-        const auto all = std::make_shared<ChainReport>(inspector, job->request.showSecrets);
-        runSlices(job, [job, all] {
-            if (all->proceed()) {
-                return true;
-            }
-            job->reply(all->extract());
-            return false;
-        });
-    });
+    onServices(job,
+               [this, job] { replyInSlices(job, std::make_shared<ChainReport>(inspector, job->request.showSecrets)); });
 }
 
 void RequestRunner::describe(const JobPointer& job) {
@@ -244,16 +236,7 @@ void RequestRunner::health(const JobPointer& job) {
 }
 
 void RequestRunner::dump(const JobPointer& job) {
-    onServices(job, [this, job] {
-        const auto all = std::make_shared<SettingsReport>(inspector, job->request);
-        runSlices(job, [job, all] {
-            if (all->proceed()) {
-                return true;
-            }
-            job->reply(all->extract());
-            return false;
-        });
-    });
+    onServices(job, [this, job] { replyInSlices(job, std::make_shared<SettingsReport>(inspector, job->request)); });
 }
 
 void RequestRunner::onServices(const JobPointer& job, std::function<void()> work) const {
@@ -264,6 +247,17 @@ void RequestRunner::runSlices(const JobPointer& job, std::function<bool()> slice
     tasks.runSlices(job->nameTask(), [self = shared_from_this(), job, slice = std::move(slice)] {
         bool more = false;
         return job->guard([&] { more = slice(); }) && more;
+    });
+}
+
+template <typename Report>
+void RequestRunner::replyInSlices(const JobPointer& job, std::shared_ptr<Report> report) const {
+    runSlices(job, [job, report = std::move(report)] {
+        if (report->proceed()) {
+            return true;
+        }
+        job->reply(report->extract());
+        return false;
     });
 }
 

@@ -52,6 +52,9 @@ private:
     /// Runs `slice` on that thread repeatedly until it returns false, which it does after it has replied. If it throws,
     /// answers with the failure.
     void runSlices(const JobPointer& job, std::function<bool()> slice) const;
+    /// Replies with the report after its last slice.
+    template <typename Report>
+    void replyInSlices(const JobPointer& job, std::shared_ptr<Report> report) const;
     /// Returns whether a request for a list selects this key.
     bool isAsked(const InspectionRequest& request, const std::wstring& key) const;
 

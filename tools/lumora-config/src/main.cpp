@@ -130,7 +130,7 @@ void warnBesideOthers(const CommandLine& line, Printer& printer) {
 /// not be added.
 ExitCode withSession(const CommandLine& line, Printer& printer, const std::function<ExitCode(Session&)>& use) {
     if (!line.trusted) {
-        requireTrusted(line.namedDirectories);
+        requireTrusted(line.pathsToTrust);
     }
     const auto profileUse = getProfileUse(line);
     if (profileUse == ProfileUse::Read) {
@@ -177,9 +177,9 @@ SettingsDump readProfile(const CommandLine& line, Printer& printer, const std::s
     auto opened = line;
     if (!folder.empty()) {
         opened.directories = directoriesOfProfile(folder);
-        opened.namedDirectories = nameDirectories(folder, opened.directories);
+        opened.pathsToTrust = collectFoldersToTrust(folder, opened.directories);
         if (!line.pluginDirectory.empty()) {
-            opened.namedDirectories.push_back(line.pluginDirectory);
+            opened.pathsToTrust.push_back(line.pluginDirectory);
         }
     }
     if (mayAskClient(opened)) {
@@ -204,7 +204,7 @@ SettingsDump readProfile(const CommandLine& line, Printer& printer, const std::s
 /// Opens the profiles one after the other, because a process has one set of directories.
 void compareOperands(const CommandLine& line, Printer& printer) {
     if (!line.trusted) {
-        requireTrusted(line.namedDirectories);
+        requireTrusted(line.pathsToTrust);
     }
     const auto read = [&](const std::string& folder, const std::string& source) {
         return readProfile(line, printer, folder, source);
@@ -277,7 +277,7 @@ ExitCode runSession(const CommandLine& line, Printer& printer, Outputs& outputs)
     }
     if (line.command.name == "fleet") {
         if (!line.trusted) {
-            requireTrusted(line.namedDirectories);
+            requireTrusted(line.pathsToTrust);
         }
         runFleetCommand(line, printer);
         return ExitCode::Done;

@@ -1,4 +1,3 @@
-#include "EncryptFileUtilsLogger.h"
 #include "FileKeyProvider.h"
 #include "InMemoryFileLayer.h"
 #include "MovedFiles.h"
@@ -7,6 +6,7 @@
 #include "ProtectedFileTree.h"
 #include "ProtectedFiles.h"
 #include "Quarantine.h"
+#include "StorageLogger.h"
 
 #include <kyr/AnnotatedMutex.h>
 #include <kyr/FileUtils.h>
@@ -72,8 +72,8 @@ private:
 /// Logs without the text of the exception, which may quote the content.
 void logException(const std::string& path) noexcept {
     try {
-        if (ZelLog_isDebugEnabled(encryptFileUtilsLogger)) {
-            ZelLog(encryptFileUtilsLogger, ZelLogLevel::Debug, ZEL_HERE, "Exception at " + splitPath(path).name);
+        if (ZelLog_isDebugEnabled(storageLogger)) {
+            ZelLog(storageLogger, ZelLogLevel::Debug, ZEL_HERE, "Exception at " + splitPath(path).name);
         }
     } catch (...) {
         return; // no memory for the log line; the caller still gets the failure

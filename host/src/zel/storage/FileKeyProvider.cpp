@@ -1,12 +1,12 @@
 #include "FileKeyProvider.h"
 
 #include "DurableFile.h"
-#include "EncryptFileUtilsLogger.h"
 #include "FileHandle.h"
 #include "FileReader.h"
 #include "KeyDerivation.h"
 #include "KeyProtection.h"
 #include "PathParts.h"
+#include "StorageLogger.h"
 #include "WipedBytes.h"
 
 #include <kyr/FileUtils.h>
@@ -30,9 +30,9 @@ constexpr unsigned char plainVersion = 1;
 constexpr unsigned char wrappedVersion = 2;
 constexpr std::size_t keyFileVersionAt = 4;
 constexpr std::size_t keyFileCategoryAt = 5;
-constexpr std::size_t idAt = 8;
-constexpr std::size_t keyAt = 16;
-constexpr std::size_t longestFile = 4096;
+constexpr std::size_t keyFileIdAt = 8;
+constexpr std::size_t keyFileKeyAt = 16;
+constexpr std::size_t longestKeyFile = 4096;
 
 /// Another process holds the lock only while it creates one key.
 constexpr std::chrono::seconds longestWait{2};
@@ -44,11 +44,11 @@ bool fillKeyFileHeader(FileCategoryType::FileCategory category, const MasterKey&
     if (!deriveKeyId(key, id)) {
         return false;
     }
-    std::fill_n(file, keyAt, static_cast<unsigned char>(0));
+    std::fill_n(file, keyFileKeyAt, static_cast<unsigned char>(0));
     std::copy(keyFileMagic.begin(), keyFileMagic.end(), file);
     file[keyFileVersionAt] = version;
     file[keyFileCategoryAt] = static_cast<unsigned char>(category);
-    std::copy(id.begin(), id.end(), file + idAt);
+    std::copy(id.begin(), id.end(), file + keyFileIdAt);
     return true;
 }
 
@@ -64,15 +64,15 @@ KeyResult readKey(unsigned char version, std::string_view content, MasterKey& ke
     return KeyResult::Found;
 }
 
-KeyResult parse(std::string_view file, FileCategoryType::FileCategory category, MasterKey& key) {
-    if (file.size() < keyAt) {
+KeyResult parseKeyFile(std::string_view file, FileCategoryType::FileCategory category, MasterKey& key) {
+    if (file.size() < keyFileKeyAt) {
         return KeyResult::Malformed;
     }
     const auto version = static_cast<unsigned char>(file[keyFileVersionAt]);
-    if (const KeyResult result = readKey(version, file.substr(keyAt), key); result != KeyResult::Found) {
+    if (const KeyResult result = readKey(version, file.substr(keyFileKeyAt), key); result != KeyResult::Found) {
         return result;
     }
-    unsigned char expected[keyAt];
+    unsigned char expected[keyFileKeyAt];
     if (!fillKeyFileHeader(category, key, version, expected)) {
         return KeyResult::Unavailable;
     }
@@ -108,10 +108,10 @@ KeyResult FileKeyProvider::find(FileCategoryType::FileCategory category, MasterK
         return KeyResult::Unavailable;
     }
     WipedText file;
-    const ReadOutcome outcome = readRegularFile(layer, pathOf(category), longestFile, file.text);
+    const ReadOutcome outcome = readRegularFile(layer, pathOf(category), longestKeyFile, file.text);
     switch (outcome.result) {
     case ReadResult::Ok:
-        return parse(file.text, category, key);
+        return parseKeyFile(file.text, category, key);
     case ReadResult::Absent:
         return KeyResult::Absent;
     default:
@@ -147,7 +147,7 @@ KeyResult FileKeyProvider::findOrMake(FileCategoryType::FileCategory category, M
         if (layer.rename(path, path + ".bad") != 0) {
             return KeyResult::Unavailable;
         }
-        ZelLog(encryptFileUtilsLogger, ZelLogLevel::Warning, ZEL_HERE,
+        ZelLog(storageLogger, ZelLogLevel::Warning, ZEL_HERE,
                "Malformed key file kept as " + splitPath(path).name + ".bad, a new key is made");
     }
     if (!make(category)) {
@@ -160,7 +160,7 @@ KeyResult FileKeyProvider::reportLockFailure(int error) const {
     if (error != ETIMEDOUT) {
         return KeyResult::Unavailable;
     }
-    ZelLog(encryptFileUtilsLogger, ZelLogLevel::Error, ZEL_HERE,
+    ZelLog(storageLogger, ZelLogLevel::Error, ZEL_HERE,
            "The keys in " + ZelLogger_replacePIIData(folder) + " are locked by another process, gave up after " +
                std::to_string(longestWait.count()) + " seconds");
     return KeyResult::Locked;
@@ -178,11 +178,11 @@ bool FileKeyProvider::make(FileCategoryType::FileCategory category) {
         return false;
     }
     const auto version = writeKey(fresh, content.text);
-    WipedBytes file(keyAt + content.text.size());
+    WipedBytes file(keyFileKeyAt + content.text.size());
     if (!version || !fillKeyFileHeader(category, fresh, *version, file.data())) {
         return false;
     }
-    std::copy(content.text.begin(), content.text.end(), file.data() + keyAt);
+    std::copy(content.text.begin(), content.text.end(), file.data() + keyFileKeyAt);
     const int error = DurableFile::create(layer, pathOf(category), file.view());
     // Without working locks another process may have created the key first: the link decides which key is used.
     return error == 0 || error == EEXIST;

@@ -1,7 +1,7 @@
 #include "PendingWrites.h"
 
-#include "EncryptFileUtilsLogger.h"
 #include "PathParts.h"
+#include "StorageLogger.h"
 
 #include <kyr/AnnotatedMutex.h>
 #include <kyr/LockGuard.h>
@@ -74,7 +74,7 @@ bool PendingWrites::write(const std::string& path, const ProtectedText& content,
         auto copy = copyContent(content, category);
         const bool isCopied = copy.has_value();
         isKept = fail(*entry, cause, std::move(copy));
-        ZelLog(encryptFileUtilsLogger, ZelLogLevel::Error, ZEL_HERE,
+        ZelLog(storageLogger, ZelLogLevel::Error, ZEL_HERE,
                "Failed to write protected file " + ZelLogger_replacePIIData(path) + ": " + cause +
                    (isCopied ? "; the content is kept and will be written again" : "; the content is not kept"));
     }
@@ -112,13 +112,13 @@ void PendingWrites::retryOne(Entry& entry, const Attempt& attempt) {
     const std::string cause = attempt(path, *kept->content, kept->category);
     if (cause.empty()) {
         succeed(entry);
-        ZelLog(encryptFileUtilsLogger, ZelLogLevel::Info, ZEL_HERE,
+        ZelLog(storageLogger, ZelLogLevel::Info, ZEL_HERE,
                "Wrote protected file " + ZelLogger_replacePIIData(path) + " after an earlier failure");
         return;
     }
     fail(entry, cause, kept);
     if (cause != lastCause) { // a disk that stays full is reported once, not on every retry
-        ZelLog(encryptFileUtilsLogger, ZelLogLevel::Error, ZEL_HERE,
+        ZelLog(storageLogger, ZelLogLevel::Error, ZEL_HERE,
                "Failed again to write protected file " + ZelLogger_replacePIIData(path) + ": " + cause);
     }
 }
@@ -184,7 +184,7 @@ void PendingWrites::giveUp(const std::string& directory) {
         }
         if (!lost.empty()) {
             setKept(*entry, std::nullopt);
-            ZelLog(encryptFileUtilsLogger, ZelLogLevel::Error, ZEL_HERE, "Lost the content of protected file " + lost);
+            ZelLog(storageLogger, ZelLogLevel::Error, ZEL_HERE, "Lost the content of protected file " + lost);
         }
     }
 }

@@ -102,14 +102,14 @@ CommandLine CommandLine::parse(int argc, const char* const* argv) {
         makeAbsolute(*directory);
     }
     line.command.pluginDirectory = line.pluginDirectory;
-    line.namedDirectories = nameDirectories(raw.profile, line.directories);
+    line.pathsToTrust = collectFoldersToTrust(raw.profile, line.directories);
     if (!line.pluginDirectory.empty()) {
-        line.namedDirectories.insert(line.namedDirectories.begin(), line.pluginDirectory);
+        line.pathsToTrust.insert(line.pathsToTrust.begin(), line.pluginDirectory);
     }
     std::ranges::transform(raw.plugins, std::back_inserter(line.plugins), PluginSpec::parse);
     for (const auto& plugin : line.plugins) {
         const auto library = KyrCoreUtils::toPath(plugin.library);
-        line.namedDirectories.insert(line.namedDirectories.end(), {library.parent_path().string(), plugin.library});
+        line.pathsToTrust.insert(line.pathsToTrust.end(), {library.parent_path().string(), plugin.library});
     }
     std::ranges::transform(raw.stores, std::back_inserter(line.stores), StoreSpec::parse);
     std::ranges::transform(raw.bootstraps, std::back_inserter(line.bootstraps), BootstrapSpec::parse);
@@ -133,10 +133,12 @@ KyrCoreUtils::HostDirectories directoriesOfProfile(const std::string& profile) {
             (root / "resources").string()};
 }
 
-std::vector<std::string> nameDirectories(const std::string& profile, const KyrCoreUtils::HostDirectories& folders) {
-    std::vector<std::string> named{profile, folders.config, folders.applicationData, folders.state, folders.resources};
-    std::erase(named, "");
-    return named;
+std::vector<std::string> collectFoldersToTrust(const std::string& profile,
+                                               const KyrCoreUtils::HostDirectories& folders) {
+    std::vector<std::string> collected{profile, folders.config, folders.applicationData, folders.state,
+                                       folders.resources};
+    std::erase(collected, "");
+    return collected;
 }
 
 } // namespace lumora_config

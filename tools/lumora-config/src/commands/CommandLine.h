@@ -20,9 +20,8 @@ namespace lumora_config {
 struct CommandLine {
     KyrCoreUtils::HostDirectories directories; ///< An empty member means the default of the platform.
     std::string pluginDirectory;               ///< If empty, searched relative to the program.
-    /// The directories and libraries that must be trusted: all that the options name, the directories in that of
-    /// --profile, and those of the libraries of --plugin.
-    std::vector<std::string> namedDirectories;
+    /// The folders and libraries of the options, the four folders of --profile, and the folders of the libraries.
+    std::vector<std::string> pathsToTrust;
     std::vector<PluginSpec> plugins;
     std::vector<StoreSpec> stores;
     std::vector<BootstrapSpec> bootstraps;
@@ -31,7 +30,7 @@ struct CommandLine {
     bool showSecrets = false;
     bool live = false;    ///< Requires a running client.
     bool offline = false; ///< Does not ask a running client.
-    bool trusted = false; ///< Uses the named directories and libraries whoever owns them.
+    bool trusted = false; ///< Uses pathsToTrust whoever owns them.
     Command command;
 
     /// Parses the arguments. Throws Failure: Usage with a message; Done with the text of --help or --version.
@@ -43,7 +42,9 @@ struct CommandLine {
 /// Returns the absolute paths of the four folders of a profile.
 KyrCoreUtils::HostDirectories directoriesOfProfile(const std::string& profile);
 
-/// Returns the directories that must be trusted: that of the profile, if one is named, and the named ones of `folders`.
-std::vector<std::string> nameDirectories(const std::string& profile, const KyrCoreUtils::HostDirectories& folders);
+/// Returns the folders that must be trusted: that of the profile, if one is named, and those of `folders` that are not
+/// empty.
+std::vector<std::string> collectFoldersToTrust(const std::string& profile,
+                                               const KyrCoreUtils::HostDirectories& folders);
 
 } // namespace lumora_config

@@ -28,7 +28,7 @@ bool useProfile(const CommandLineCursor& cursor) {
     }
     try {
         if (!cursor.isGiven("--trust")) {
-            requireTrusted(nameDirectories(profile, directories));
+            requireTrusted(collectFoldersToTrust(profile, directories));
         }
     } catch (const Failure&) {
         return false;

@@ -68,6 +68,14 @@ TEST(Trust, AFolderWithAnOptionOfItsOwnThatEverybodyMayWriteIsRefused) {
     }
 }
 
+TEST(Trust, AProfileToCompareThatEverybodyMayWriteIsRefused) {
+    const Profile profile;
+    const Profile other;
+    openToEverybody(other.root());
+    expectRefused(profile.run({"diff", other.root().string()}), other.root(), writableByAll);
+    EXPECT_EQ(profile.run({"--trust", "diff", other.root().string()}).exitCode, 0);
+}
+
 TEST(Trust, APluginFolderThatEverybodyMayWriteIsRefusedBeforeAnythingIsLoaded) {
     const Profile profile;
     const auto folder = profile.root() / "plugins";

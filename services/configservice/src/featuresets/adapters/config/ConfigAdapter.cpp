@@ -34,14 +34,14 @@ using KyrCoreUtils::LockGuard;
 namespace {
 
 void logInfo(const char* file, int line, std::string_view function, const char* text) {
-    ZelLog(configAdapterLogger(), ZelLogLevel::Info, file, line, function, text);
+    ZelLog(configAdapterLogger, ZelLogLevel::Info, file, line, function, text);
 }
 
 /// `consequence` continues the sentence.
 void logNotStarted(const char* file, int line, std::string_view function, std::string_view consequence = "") {
     std::string text("Config FeatureSet Not Started");
     text.append(consequence);
-    ZelLog(configAdapterLogger(), ZelLogLevel::Error, file, line, function, text);
+    ZelLog(configAdapterLogger, ZelLogLevel::Error, file, line, function, text);
 }
 
 /// Returns true for stores from which the enabled services are derived when they are added.
@@ -151,8 +151,8 @@ void ConfigAdapter::refreshConfigFeatureSet() {
 }
 
 void ConfigAdapter::addInitialConfigStores() {
-    if (ZelLog_isDebugEnabled(configAdapterLogger())) {
-        ZelLog(configAdapterLogger(), ZelLogLevel::Debug, ZEL_HERE, "adding initial config stores");
+    if (ZelLog_isDebugEnabled(configAdapterLogger)) {
+        ZelLog(configAdapterLogger, ZelLogLevel::Debug, ZEL_HERE, "adding initial config stores");
     }
     // One at a time: makeUserStore() reads the SDK mode, which the defaults may contain.
     configStoreManager->addStore(makeDefaultsStore());
@@ -342,7 +342,7 @@ void ConfigAdapter::addServiceEvent(int code, ConfigServiceIdsEnum::ConfigServic
     }
     const auto systemService = unifiedFactory->getServiceByType<SystemService>();
     if (!systemService) {
-        ZelLog(configAdapterLogger(), ZelLogLevel::Warning, ZEL_HERE, "No system service, service event dropped");
+        ZelLog(configAdapterLogger, ZelLogLevel::Warning, ZEL_HERE, "No system service, service event dropped");
         return;
     }
     systemService->addServiceEvent(code, id, severity);

@@ -37,12 +37,12 @@ void removeFilesFromDirectory(const std::string& directory) {
     for (const auto& path : files) {
         const auto fileName = KyrCoreUtils::FileUtils::getFileName(path);
         if (outlivesReset(fileName)) {
-            ZelLog(configAdapterLogger(), ZelLogLevel::Info, ZEL_HERE,
+            ZelLog(configAdapterLogger, ZelLogLevel::Info, ZEL_HERE,
                    "file will be excluded from reset deletion: [" + fileName + "]");
         } else if (KyrCoreUtils::FileUtils::removeFile(path) == 0) {
-            ZelLog(configAdapterLogger(), ZelLogLevel::Info, ZEL_HERE, "File: [" + path + "] deleted");
+            ZelLog(configAdapterLogger, ZelLogLevel::Info, ZEL_HERE, "File: [" + path + "] deleted");
         } else {
-            ZelLog(configAdapterLogger(), ZelLogLevel::Error, ZEL_HERE, "Unable to delete file: [" + path + "]");
+            ZelLog(configAdapterLogger, ZelLogLevel::Error, ZEL_HERE, "Unable to delete file: [" + path + "]");
         }
     }
 }

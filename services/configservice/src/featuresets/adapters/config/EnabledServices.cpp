@@ -76,7 +76,7 @@ bool EnabledServices::isLeftToDerivation(std::wstring_view flagKey, const LogPla
     if (caseInsensitiveStringEquals(storeName, KyrCoreUtils::toWideString(ConfigKeys::configDefaultsFile))) {
         return true;
     }
-    ZelLog(configAdapterLogger(), ZelLogLevel::Info, place,
+    ZelLog(configAdapterLogger, ZelLogLevel::Info, place,
            std::wstring(flagKey) + L" explicitly set to '" + value + L"' in the '" + storeName + L"' config store");
     return false;
 }
@@ -101,7 +101,7 @@ std::wstring EnabledServices::read(std::wstring_view key) const {
 
 void EnabledServices::setFlag(std::wstring_view flagKey, const std::string& logPrefix, bool flag,
                               const LogPlace& place) {
-    ZelLog(configAdapterLogger(), ZelLogLevel::Info, place, logPrefix + (flag ? "1" : "0"));
+    ZelLog(configAdapterLogger, ZelLogLevel::Info, place, logPrefix + (flag ? "1" : "0"));
     configStoreManager->setInMemoryValue(std::wstring(flagKey), KyrCoreUtils::toWideString(flag));
 }
 

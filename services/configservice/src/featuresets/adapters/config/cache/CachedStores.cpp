@@ -31,7 +31,7 @@ bool isRefused(const std::string& name, std::string_view refusal, const LogPlace
     if (CachedConfigFiles::mayHaveCopy(name)) {
         return false;
     }
-    ZelLog(configAdapterLogger(), ZelLogLevel::Warning, place,
+    ZelLog(configAdapterLogger, ZelLogLevel::Warning, place,
            "Name contains \"..\", " + std::string(refusal) + ": [" + name + "]");
     return true;
 }
@@ -40,11 +40,11 @@ bool isRefused(const std::string& name, std::string_view refusal, const LogPlace
 
 void CachedStores::InitialiseCachedConfigStores() {
     if (!configStoreManager) {
-        ZelLog(configAdapterLogger(), ZelLogLevel::Error, ZEL_HERE, "configStoreManager is null");
+        ZelLog(configAdapterLogger, ZelLogLevel::Error, ZEL_HERE, "configStoreManager is null");
         return;
     }
-    if (ZelLog_isDebugEnabled(configAdapterLogger())) {
-        ZelLog(configAdapterLogger(), ZelLogLevel::Debug, ZEL_HERE, "adding cached config stores");
+    if (ZelLog_isDebugEnabled(configAdapterLogger)) {
+        ZelLog(configAdapterLogger, ZelLogLevel::Debug, ZEL_HERE, "adding cached config stores");
     }
     std::wstring record;
     configStoreManager->getValue(recordKey(), record);
@@ -80,7 +80,7 @@ void CachedStores::addUrlProvisioningStore(const LogPlace& place) {
     configStoreManager->getValue(std::wstring(ConfigKeys::allowUrlProvisioning), allowed,
                                  std::string(ConfigKeys::mdmConfigStore));
     if (caseInsensitiveStringEquals(allowed, L"false")) {
-        ZelLog(configAdapterLogger(), ZelLogLevel::Info, place,
+        ZelLog(configAdapterLogger, ZelLogLevel::Info, place,
                "Url Provisioning not allowed by MDM configuration, removing cached URL provisioning store");
         adapter.removeConfigStore(name);
         return;

@@ -5,9 +5,6 @@
 namespace ZelUnified {
 
 /// The logger of the adapter and its helper classes.
-inline const OperationLogger& configAdapterLogger() {
-    static const OperationLogger logger("ConfigAdapter");
-    return logger;
-}
+inline const OperationLogger configAdapterLogger("ConfigAdapter");
 
 } // namespace ZelUnified

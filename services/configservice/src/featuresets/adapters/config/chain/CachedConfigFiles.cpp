@@ -66,7 +66,7 @@ bool CachedConfigFiles::mayHaveCopy(std::string_view storeName) {
 
 bool CachedConfigFiles::removeCachedFiles(const std::string& fileName) {
     if (!mayHaveCopy(fileName) || !mayHaveCopy(storeNameOf(fileName))) {
-        ZelLog(configStoreManagerLogger(), ZelLogLevel::Warning, ZEL_HERE,
+        ZelLog(configStoreManagerLogger, ZelLogLevel::Warning, ZEL_HERE,
                "Name contains \"..\", cached file not removed: [" + fileName + "]");
         return false;
     }
@@ -87,10 +87,10 @@ bool CachedConfigFiles::removeIfPresent(const std::string& path) {
 
 void CachedConfigFiles::removeFile(const std::string& path) {
     if (FileUtils::removeFile(path) != 0) {
-        ZelLog(configStoreManagerLogger(), ZelLogLevel::Error, ZEL_HERE, "Failed to remove file: " + path);
+        ZelLog(configStoreManagerLogger, ZelLogLevel::Error, ZEL_HERE, "Failed to remove file: " + path);
         return;
     }
-    ZelLog(configStoreManagerLogger(), ZelLogLevel::Info, ZEL_HERE, "Removed file: " + path);
+    ZelLog(configStoreManagerLogger, ZelLogLevel::Info, ZEL_HERE, "Removed file: " + path);
 }
 
 std::vector<std::string> CachedConfigFiles::getXmlNames() {

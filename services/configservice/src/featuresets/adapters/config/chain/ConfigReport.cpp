@@ -61,7 +61,7 @@ void ConfigReport::writeStore(XmlWriter& writer, ConfigStore& store, const IsSen
         }
         store.getValue(key, value);
         if (!writer.writeElement(toString(key), value)) {
-            ZelLog(configStoreManagerLogger(), ZelLogLevel::Warning, place,
+            ZelLog(configStoreManagerLogger, ZelLogLevel::Warning, place,
                    L"Characters that XML can't carry are replaced in the report of key: " + key);
         }
     }
@@ -75,7 +75,7 @@ std::wstring ConfigReport::getConfigForPRTFromFile() {
         zel::SecureString content;
         if (!zel::storage::EncryptFileUtils::readDataFromFile(path, content,
                                                               zel::storage::FileCategoryType::UserData)) {
-            ZelLog(configStoreManagerLogger(), ZelLogLevel::Error, ZEL_HERE, "Failed to read config file " + path);
+            ZelLog(configStoreManagerLogger, ZelLogLevel::Error, ZEL_HERE, "Failed to read config file " + path);
             continue;
         }
         std::string text;

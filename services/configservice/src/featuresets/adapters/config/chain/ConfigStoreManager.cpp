@@ -88,8 +88,7 @@ bool isSparedByReset(const std::string& name) {
 
 ConfigStoreManager::ConfigStoreManager(std::shared_ptr<UnifiedFactory> factory)
     : unifiedFactory(std::move(factory)), storeAddedObservers(unifiedFactory) {
-    ZelLog(configStoreManagerLogger(), ZelLogLevel::Info, ZEL_HERE,
-           "Creating a new instance of the ConfigStoreManager.");
+    ZelLog(configStoreManagerLogger, ZelLogLevel::Info, ZEL_HERE, "Creating a new instance of the ConfigStoreManager.");
 }
 
 void ConfigStoreManager::addStore(const std::shared_ptr<ConfigStore>& store) {
@@ -101,13 +100,13 @@ void ConfigStoreManager::addStore(const std::shared_ptr<ConfigStore>& store) {
     const auto stores = configStores.addUnlessNameIsTaken(store, name);
     if (!stores) {
         if (!isOverrideStore(name)) {
-            ZelLog(configStoreManagerLogger(), ZelLogLevel::Info, ZEL_HERE, "updating existing store: " + name);
+            ZelLog(configStoreManagerLogger, ZelLogLevel::Info, ZEL_HERE, "updating existing store: " + name);
         }
         updateConfigStore(store);
         return;
     }
     if (!isOverrideStore(name)) {
-        ZelLog(configStoreManagerLogger(), ZelLogLevel::Info, ZEL_HERE,
+        ZelLog(configStoreManagerLogger, ZelLogLevel::Info, ZEL_HERE,
                "adding new store: " + name + describeChain(*stores));
     }
     refreshStoreKeys(store);
@@ -165,7 +164,7 @@ bool ConfigStoreManager::removeStoreWithSameName(const std::string& name) {
         removeCachedFiles(CachedConfigFiles::getFileName(name));
     }
     if (!isOverrideStore(name)) {
-        ZelLog(configStoreManagerLogger(), ZelLogLevel::Info, ZEL_HERE, "Removing store: " + name);
+        ZelLog(configStoreManagerLogger, ZelLogLevel::Info, ZEL_HERE, "Removing store: " + name);
     }
     configStores.remove(store);
     refreshStoreKeys(store);
@@ -292,7 +291,7 @@ bool ConfigStoreManager::isHeld(const std::wstring& key) const {
 bool ConfigStoreManager::getValue(const FoldedKey& key, std::wstring& value, std::wstring* configStoreName,
                                   bool& valueFromLegacyKey, bool skipLocal, const std::string& storeFilter) const {
     const LockGuard lock(chainLock);
-    const bool isLogged = ZelLog_isDebugEnabled(configStoreManagerLogger());
+    const bool isLogged = ZelLog_isDebugEnabled(configStoreManagerLogger);
     auto foundUnder = ConfigLookup::FoundUnder::AskedName;
     // Uses local results: the caller may pass the same string as the key and as an out parameter.
     std::wstring answer;
@@ -300,7 +299,7 @@ bool ConfigStoreManager::getValue(const FoldedKey& key, std::wstring& value, std
     std::wstring* const wantedName = configStoreName != nullptr || isLogged ? &storeName : nullptr;
     const bool found = lookup.getValue(key, answer, wantedName, valueFromLegacyKey, skipLocal, storeFilter, foundUnder);
     if (const auto line = describeLookup(key, answer, found, storeName, foundUnder, skipLocal)) {
-        ZelLog(configStoreManagerLogger(), ZelLogLevel::Debug, ZEL_HERE, *line);
+        ZelLog(configStoreManagerLogger, ZelLogLevel::Debug, ZEL_HERE, *line);
     }
     value = std::move(answer);
     if (configStoreName != nullptr) {
@@ -316,7 +315,7 @@ std::optional<std::wstring> ConfigStoreManager::describeLookup(const FoldedKey& 
     // Masks before the test for debug logging, so that enabling the log changes nothing else.
     std::wstring masked;
     const auto shown = withoutPersonalData(sensitiveKeys.contains(key) ? ConfigKeys::valueHidden : value, masked);
-    if (!ZelLog_isDebugEnabled(configStoreManagerLogger())) {
+    if (!ZelLog_isDebugEnabled(configStoreManagerLogger)) {
         return std::nullopt;
     }
     std::wostringstream text;
@@ -381,7 +380,7 @@ bool ConfigStoreManager::storeValue(const ConfigMap& values) {
         targetFound = true;
         for (const auto& [key, value] : values) {
             if (!store->storeValue(key, value)) {
-                ZelLog(configStoreManagerLogger(), ZelLogLevel::Warning, ZEL_HERE,
+                ZelLog(configStoreManagerLogger, ZelLogLevel::Warning, ZEL_HERE,
                        L"Unable to store the value with key: " + key.substr(0, 1));
             }
         }
@@ -432,7 +431,7 @@ bool ConfigStoreManager::removeValue(const std::wstring& key) {
 
 bool ConfigStoreManager::setUrlProvisioningData(const std::wstring& url) {
     const LockGuard lock(chainLock);
-    ZelLog(configStoreManagerLogger(), ZelLogLevel::Info, ZEL_HERE, "setting url provisioning data");
+    ZelLog(configStoreManagerLogger, ZelLogLevel::Info, ZEL_HERE, "setting url provisioning data");
     auto settings = parseUrlProvisioningData(url);
     if (settings.empty()) {
         return false;
@@ -458,10 +457,10 @@ void ConfigStoreManager::resetConfigData() {
             continue;
         }
         const auto name = store->getName();
-        ZelLog(configStoreManagerLogger(), ZelLogLevel::Info, ZEL_HERE,
+        ZelLog(configStoreManagerLogger, ZelLogLevel::Info, ZEL_HERE,
                "Removing store " + name + " from ConfigManager.");
         removeStoreWithSameName(name);
-        ZelLog(configStoreManagerLogger(), ZelLogLevel::Info, ZEL_HERE, "Removing all keys for store: " + name);
+        ZelLog(configStoreManagerLogger, ZelLogLevel::Info, ZEL_HERE, "Removing all keys for store: " + name);
         store->removeAllValues();
     }
 }
@@ -472,7 +471,7 @@ void ConfigStoreManager::resetConfigData(const std::string& storeName) {
     const auto found = std::find_if(stores->rbegin(), stores->rend(),
                                     [&](const auto& store) { return store->getName() == storeName; });
     if (found != stores->rend()) {
-        ZelLog(configStoreManagerLogger(), ZelLogLevel::Info, ZEL_HERE, "Removing all keys for store: " + storeName);
+        ZelLog(configStoreManagerLogger, ZelLogLevel::Info, ZEL_HERE, "Removing all keys for store: " + storeName);
         (*found)->removeAllValues();
     }
 }

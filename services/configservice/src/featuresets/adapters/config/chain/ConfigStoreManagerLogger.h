@@ -5,9 +5,6 @@
 namespace ZelUnified {
 
 /// The logger of the manager and its helper classes.
-inline const OperationLogger& configStoreManagerLogger() {
-    static const OperationLogger logger("ConfigStoreManager");
-    return logger;
-}
+inline const OperationLogger configStoreManagerLogger("ConfigStoreManager");
 
 } // namespace ZelUnified

@@ -13,7 +13,7 @@ void StoreAddedObservers::registerConfigStoreAddedObserver(const std::shared_ptr
     }
     const KyrCoreUtils::LockGuard lock(storeAddedObserversLock);
     storeAddedObservers.push_back(observer);
-    ZelLog(configStoreManagerLogger(), ZelLogLevel::Info, ZEL_HERE, "ConfigStoreAddedObserver registered");
+    ZelLog(configStoreManagerLogger, ZelLogLevel::Info, ZEL_HERE, "ConfigStoreAddedObserver registered");
 }
 
 void StoreAddedObservers::unregisterConfigStoreAddedObserver(
@@ -22,17 +22,17 @@ void StoreAddedObservers::unregisterConfigStoreAddedObserver(
     const auto living = getLiving();
     const KyrCoreUtils::LockGuard lock(storeAddedObserversLock);
     if (!observer) {
-        ZelLog(configStoreManagerLogger(), ZelLogLevel::Warning, ZEL_HERE,
+        ZelLog(configStoreManagerLogger, ZelLogLevel::Warning, ZEL_HERE,
                "Attempt to unregister null ConfigStoreAddedObserver");
         return;
     }
     const auto removed = storeAddedObservers.remove_if([&](const auto& known) { return known.lock() == observer; });
     if (removed == 0) {
-        ZelLog(configStoreManagerLogger(), ZelLogLevel::Warning, ZEL_HERE,
+        ZelLog(configStoreManagerLogger, ZelLogLevel::Warning, ZEL_HERE,
                "Attempt to unregister unknown ConfigStoreAddedObserver");
         return;
     }
-    ZelLog(configStoreManagerLogger(), ZelLogLevel::Info, ZEL_HERE, "ConfigStoreAddedObserver unregistered");
+    ZelLog(configStoreManagerLogger, ZelLogLevel::Info, ZEL_HERE, "ConfigStoreAddedObserver unregistered");
 }
 
 void StoreAddedObservers::fireConfigStoreAdded(const std::string& storeName) const {

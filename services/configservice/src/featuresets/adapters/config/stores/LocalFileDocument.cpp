@@ -1,6 +1,6 @@
 #include "LocalFileDocument.h"
 
-#include "LocalFileConfigStoreLogger.h"
+#include "LocalFileLogger.h"
 #include "featuresets/adapters/config/xml/XmlScrubber.h"
 #include "featuresets/adapters/config/xml/XmlWriter.h"
 #include "secure/SecureString.h"
@@ -47,8 +47,7 @@ void LocalFileDocument::processUserConfigXml(const xmlNode& element) {
         }
         auto text = XmlReader::getText(*attribute, expansionBudget);
         if (!text) {
-            ZelLog(localFileConfigStoreLogger, ZelLogLevel::Error, ZEL_HERE,
-                   "Error entities expand too far - entry ignored");
+            ZelLog(localFileLogger, ZelLogLevel::Error, ZEL_HERE, "Error entities expand too far - entry ignored");
             return;
         }
         if (name == "name") {
@@ -79,7 +78,7 @@ void LocalFileDocument::getDataString(ConfigTable& table, zel::SecureString& con
     writer.startElement("Lumora");
     for (const auto& entry : table.list()) {
         if (!writer.writeEmptyElement("userConfig", {{"name", entry->getKey()}, {"value", entry->getValue()}})) {
-            ZelLog(localFileConfigStoreLogger, ZelLogLevel::Warning, ZEL_HERE,
+            ZelLog(localFileLogger, ZelLogLevel::Warning, ZEL_HERE,
                    L"Characters that XML can't carry are replaced in the entry of key: " +
                        std::wstring(entry->getKey()));
         }

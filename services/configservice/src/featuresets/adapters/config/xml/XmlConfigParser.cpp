@@ -36,7 +36,7 @@ using zel::storage::EncryptFileUtils;
 
 namespace {
 
-ZelLogger& logger = ZelLogger_getLogger("ConfigService-XmlConfigParser");
+ZelLogger& parserLogger = ZelLogger_getLogger("ConfigService-XmlConfigParser");
 
 zel::storage::FileCategoryType::FileCategory categoryOf(const std::string& path) {
     const bool outlivesReset = path.find(ConfigKeys::urlProvisioningConfigStore) != std::string::npos;
@@ -99,7 +99,7 @@ bool build(ConfigTable& values, std::string& xml, const LogPlace& place) {
     writer.startElement("CachedConfig");
     for (const auto& entry : values.list()) {
         if (!writer.writeElement(KyrCoreUtils::toString(entry->getKey()), entry->getValue())) {
-            ZelLog(logger, ZelLogLevel::Warning, place.file, place.line, place.function,
+            ZelLog(parserLogger, ZelLogLevel::Warning, place.file, place.line, place.function,
                    L"Characters that XML can't carry are replaced in the value of key: " +
                        std::wstring(entry->getKey()));
         }
@@ -192,7 +192,7 @@ bool XmlConfigParser::readFromFile(const std::string& path, ConfigMap& values, C
     }
     const XmlDocument document = XmlReader::readFile(path);
     if (!document) {
-        ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE,
+        ZelLog(parserLogger, ZelLogLevel::Warning, ZEL_HERE,
                L"XML in file did not exist or is an invalid XML document: " + toWideString(path));
         return false;
     }
@@ -214,12 +214,12 @@ bool XmlConfigParser::readFromEncryptedFile(const std::string& path, ConfigTable
     values.clear();
     zel::SecureString content;
     if (!EncryptFileUtils::readDataFromFile(path, content, categoryOf(path))) {
-        ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE, L"Failed to read XML document: " + describeFile(path));
+        ZelLog(parserLogger, ZelLogLevel::Warning, ZEL_HERE, L"Failed to read XML document: " + describeFile(path));
         return false;
     }
     const XmlDocument document = parseProtectedText(content, values);
     if (!document) {
-        ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE,
+        ZelLog(parserLogger, ZelLogLevel::Warning, ZEL_HERE,
                L"XML in file did not exist or is an invalid XML document: " + describeFile(path));
         return false;
     }
@@ -278,7 +278,7 @@ bool XmlConfigParser::writeToFile(const std::string& path, ConfigTable& values) 
     const zel::SecureString content(text);
     const bool written = EncryptFileUtils::writeDataToFile(path, content, categoryOf(path));
     zel::SecureString::wipe(text);
-    ZelLog(logger, ZelLogLevel::Info, ZEL_HERE, L"data written to file: " + toWideString(toProtectedName(path)));
+    ZelLog(parserLogger, ZelLogLevel::Info, ZEL_HERE, L"data written to file: " + toWideString(toProtectedName(path)));
     return written;
 }
 
@@ -289,14 +289,14 @@ bool XmlConfigParser::writeToMemory(std::string& xml, const ConfigMap& values) {
 
 bool XmlConfigParser::parseXmlConfig(const XmlDocument& document, ConfigMap& values, ConfigKeySet& sensitiveKeys) {
     if (!document) {
-        ZelLog(logger, ZelLogLevel::Error, ZEL_HERE,
+        ZelLog(parserLogger, ZelLogLevel::Error, ZEL_HERE,
                "\n************\nError Invalid XML syntax detected - Unable to read xml "
                "configuration.\n************");
         return false;
     }
     xmlNode* root = xmlDocGetRootElement(document.get());
     if (root == nullptr) {
-        ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE, "XML document root element not available.");
+        ZelLog(parserLogger, ZelLogLevel::Warning, ZEL_HERE, "XML document root element not available.");
         return false;
     }
     const XmlGuard guard;

@@ -5,6 +5,6 @@
 namespace ZelUnified {
 
 /// The logger of the store and of its document.
-inline const OperationLogger localFileConfigStoreLogger("LocalFileConfigStore");
+inline const OperationLogger localFileLogger("LocalFileConfigStore");
 
 } // namespace ZelUnified

@@ -5,6 +5,6 @@
 namespace zel::storage {
 
 /// The logger of the protected files and their keys.
-inline ZelLogger& encryptFileUtilsLogger = ZelLogger_getLogger("Host-EncryptFileUtils");
+inline ZelLogger& storageLogger = ZelLogger_getLogger("Host-EncryptFileUtils");
 
 } // namespace zel::storage
