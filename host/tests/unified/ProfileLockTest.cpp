@@ -1,5 +1,6 @@
 #include "../zel/storage/PlainText.h"
 #include "../zel/storage/StorageProfile.h"
+#include "HoldingProcess.h"
 
 #include <unified/ProfileLock.h>
 #include <zel/EncryptFileUtils.h>
@@ -7,56 +8,18 @@
 #include <TemporaryProfile.h>
 #include <fcntl.h>
 #include <sys/file.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <csignal>
 #include <filesystem>
-#include <memory>
 #include <string>
 
 using testing::AllOf;
 using testing::HasSubstr;
+using testing_host::HoldingProcess;
 using testing_host::TemporaryProfile;
 using ZelUnified::ProfileLock;
 
 namespace {
-
-/// Another process that holds the lock of a profile until it is killed.
-class HoldingProcess {
-public:
-    HoldingProcess(const std::string& config, const std::string& state) {
-        int ready[2];
-        EXPECT_EQ(pipe(ready), 0);
-        pid = fork();
-        if (pid == 0) {
-            const ProfileLock lock(config, state);
-            const char answer = lock.isHeld() ? 'y' : 'n';
-            if (write(ready[1], &answer, 1) == 1) {
-                pause();
-            }
-            _exit(0);
-        }
-        close(ready[1]);
-        char answer = 0;
-        EXPECT_EQ(read(ready[0], &answer, 1), 1);
-        EXPECT_EQ(answer, 'y');
-        close(ready[0]);
-    }
-    ~HoldingProcess() { end(); }
-
-    void end() {
-        if (pid > 0) {
-            kill(pid, SIGKILL);
-            waitpid(pid, nullptr, 0);
-            pid = 0;
-        }
-    }
-    long getPid() const { return pid; }
-
-private:
-    pid_t pid = 0;
-};
 
 class ProfileLockTest : public testing::Test {
 protected:
@@ -78,8 +41,8 @@ TEST_F(ProfileLockTest, ASecondLockReportsTheProcessThatHoldsTheFirst) {
     const HoldingProcess other(config, state);
     const ProfileLock lock(config, state);
     EXPECT_FALSE(lock.isHeld());
-    EXPECT_EQ(lock.getHolder(), other.getPid());
-    EXPECT_THAT(lock.getProblem(), AllOf(HasSubstr(config), HasSubstr(std::to_string(other.getPid()))));
+    EXPECT_EQ(lock.getHolder(), other.getId());
+    EXPECT_THAT(lock.getProblem(), AllOf(HasSubstr(config), HasSubstr(std::to_string(other.getId()))));
 }
 
 TEST_F(ProfileLockTest, ASecondLockOfTheSameProcessIsRefusedToo) {
@@ -253,5 +216,5 @@ TEST_F(ProfileLockTest, AFailedAttemptDoesNotOverwriteTheHoldersId) {
     const HoldingProcess other(config, state);
     { const ProfileLock refused(config, state); }
     const ProfileLock again(config, state);
-    EXPECT_EQ(again.getHolder(), other.getPid());
+    EXPECT_EQ(again.getHolder(), other.getId());
 }
