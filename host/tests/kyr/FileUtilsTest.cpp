@@ -90,11 +90,15 @@ TEST_F(FileUtilsTest, AcceptsALinkToADirectoryAsADirectory) {
     EXPECT_EQ(FileUtils::createDirectory(textAt("link")), 0);
 }
 
-TEST_F(FileUtilsTest, RemovesFilesAndLinksOnly) {
+TEST_F(FileUtilsTest, RemovesALinkAndNotItsTarget) {
     writeFile(at("file"), "x");
     fs::create_symlink(at("file"), at("link"));
     EXPECT_EQ(FileUtils::removeFile(textAt("link")), 0);
     EXPECT_TRUE(fs::exists(at("file")));
+}
+
+TEST_F(FileUtilsTest, RemovesFilesOnly) {
+    writeFile(at("file"), "x");
     EXPECT_EQ(FileUtils::removeFile(textAt("file")), 0);
     EXPECT_FALSE(fs::exists(at("file")));
     EXPECT_EQ(FileUtils::removeFile(textAt("file")), ENOENT);

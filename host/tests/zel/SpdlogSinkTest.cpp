@@ -1,5 +1,7 @@
 #include "ZelLogFixture.h"
 
+#include <Patterns.h>
+
 #include <regex>
 #include <string>
 
@@ -30,7 +32,7 @@ TEST_F(SpdlogSinkTest, CreatesALogFileWithMode0600) {
     write(ZelLogLevel::Warning, "beware");
     EXPECT_EQ(modeOf(path), ownerReadAndWrite);
     EXPECT_THAT(testing_host::readFile(path),
-                testing::MatchesRegex("....-..-.. ..:..:......? ?.* warning \\[Test\\] ns::A::f beware\n"));
+                testing_host::MatchesRegex("....-..-.. ..:..:......? ?.* warning \\[Test\\] ns::A::f beware\n"));
 }
 
 TEST_F(SpdlogSinkTest, RestrictsAnExistingLogFileToItsOwner) {
@@ -65,6 +67,11 @@ TEST_F(SpdlogSinkTest, RefusesAFileThatCannotBeOpened) {
     EXPECT_FALSE(zel::logging::logToFile(""));
     testing_host::writeFile(profile.state() / "file", "");
     EXPECT_FALSE(zel::logging::logToFile((profile.state() / "file" / "log").string()));
+}
+
+TEST_F(SpdlogSinkTest, RefusesALink) {
+    const testing_host::TemporaryProfile profile;
+    testing_host::writeFile(profile.state() / "file", "");
     std::filesystem::create_symlink(profile.state() / "file", profile.state() / "link.log");
     EXPECT_FALSE(zel::logging::logToFile((profile.state() / "link.log").string()));
 }

@@ -49,6 +49,11 @@ TEST_F(RegularFileTest, AnOpenReaderStillReadsTheOldContentAfterReplace) {
     EXPECT_EQ(fs::status(file).permissions(), fs::perms::owner_read | fs::perms::owner_write);
 }
 
+TEST_F(RegularFileTest, ReplaceRefusesAFolder) {
+    EXPECT_EQ(RegularFile::replace(folder.string(), "content"), EEXIST);
+    EXPECT_THAT(namesIn(folder), testing::IsEmpty());
+}
+
 TEST_F(RegularFileTest, ReplaceRefusesFilesThatAreNotRegular) {
     const auto pipe = folder / "pipe";
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
@@ -82,9 +87,12 @@ TEST_F(RegularFileTest, ReplaceOfADanglingLinkCreatesItsTarget) {
     EXPECT_TRUE(fs::is_symlink(folder / "first"));
 }
 
-TEST_F(RegularFileTest, ReplaceReturnsTheReasonOfAFailure) {
+TEST_F(RegularFileTest, ReplaceOfALinkToItselfReturnsTheReason) {
     fs::create_symlink("circle", folder / "circle");
     EXPECT_EQ(RegularFile::replace((folder / "circle").string(), "x"), ELOOP);
+}
+
+TEST_F(RegularFileTest, ReplaceReturnsTheReasonOfAFailure) {
     EXPECT_EQ(RegularFile::replace((folder / "absent" / "x").string(), "x"), ENOENT);
     EXPECT_EQ(RegularFile::replace("", "x"), EINVAL);
 }

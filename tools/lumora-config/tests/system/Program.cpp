@@ -55,7 +55,7 @@ Profile::~Profile() {
 
 std::string Profile::write(const std::string& name, std::string_view content) const {
     testing_host::writeFile(base / name, content);
-    return (base / name).string();
+    return (base / name).generic_string();
 }
 
 std::string Profile::writeDocument(const std::string& name, std::string_view elements) const {

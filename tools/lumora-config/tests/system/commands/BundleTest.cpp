@@ -3,6 +3,7 @@
 
 #include <kyr/ProcessUtils.h>
 
+#include <Patterns.h>
 #include <TemporaryProfile.h>
 #include <gmock/gmock.h>
 
@@ -239,7 +240,7 @@ TEST(Bundle, IsWrittenWhileTheDefaultsFileIsDamaged) {
     EXPECT_EQ(members.size(), 9U);
     EXPECT_THAT(
         members.at("index.txt"),
-        testing::ContainsRegex("\nneeds attention: defaults .*lumora-config-defaults.xml: not XML, see line 1"));
+        testing_host::ContainsRegex("\nneeds attention: defaults .*lumora-config-defaults.xml: not XML, see line 1"));
     for (const auto* name : {"health.json", "page.html"}) {
         EXPECT_THAT(members.at(name), HasSubstr("not XML, see line 1")) << name;
     }
@@ -269,7 +270,7 @@ TEST(Bundle, NamesTheProfileAndTheTimeInTheWorkingDirectoryByDefault) {
                                                 "--profile", profile.root().string(), "bundle"});
     ASSERT_EQ(outcome.exitCode, 0) << outcome.error;
     const auto name = fs::directory_iterator(folder)->path().filename().string();
-    EXPECT_THAT(name, testing::MatchesRegex("lumora-config-[A-Za-z0-9_-]+-[0-9]+T[0-9]+Z\\.zip"));
+    EXPECT_THAT(name, testing_host::MatchesRegex("lumora-config-[A-Za-z0-9_-]+-[0-9]+T[0-9]+Z\\.zip"));
     EXPECT_THAT(outcome.out, StartsWith(name + '\n'));
 }
 

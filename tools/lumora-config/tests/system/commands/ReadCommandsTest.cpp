@@ -1,13 +1,14 @@
 #include "Program.h"
 
+#include <Patterns.h>
 #include <gmock/gmock.h>
 
 namespace program_test {
 
 using testing::AllOf;
-using testing::ContainsRegex;
 using testing::HasSubstr;
 using testing::Not;
+using testing_host::ContainsRegex;
 
 TEST(Get, PrintsOnlyTheValue) {
     const Profile profile;

@@ -1,5 +1,6 @@
 #include "Program.h"
 
+#include <Patterns.h>
 #include <gmock/gmock.h>
 
 #include <chrono>
@@ -9,8 +10,8 @@ namespace program_test {
 using nlohmann::json;
 using testing::EndsWith;
 using testing::HasSubstr;
-using testing::MatchesRegex;
 using testing::Not;
+using testing_host::MatchesRegex;
 
 namespace {
 

@@ -1,6 +1,7 @@
 #include "ProfileSnapshot.h"
 #include "Program.h"
 
+#include <Patterns.h>
 #include <TemporaryProfile.h>
 #include <gmock/gmock.h>
 
@@ -10,9 +11,9 @@ namespace program_test {
 
 namespace fs = std::filesystem;
 using testing::AllOf;
-using testing::ContainsRegex;
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing_host::ContainsRegex;
 
 TEST(Environment, AMissingPlugInIsReportedWithItsFolder) {
     const Profile profile;
