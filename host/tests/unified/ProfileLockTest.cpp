@@ -5,6 +5,7 @@
 #include <unified/ProfileLock.h>
 #include <zel/EncryptFileUtils.h>
 
+#include <PrivateFiles.h>
 #include <TemporaryProfile.h>
 #include <fcntl.h>
 #include <sys/file.h>
@@ -149,7 +150,7 @@ TEST_F(ProfileLockTest, CreatesTheConfigurationDirectoryWithMode0700) {
     const auto missing = profile.config() / "new";
     const ProfileLock lock(missing.string(), state);
     EXPECT_TRUE(lock.isHeld());
-    EXPECT_EQ(std::filesystem::status(missing).permissions(), std::filesystem::perms::owner_all);
+    EXPECT_TRUE(testing_host::isPrivate(missing));
 }
 
 TEST_F(ProfileLockTest, ASecondProcessWithAnotherStateFolderIsRefused) {
@@ -210,8 +211,7 @@ TEST_F(ProfileLockTest, TheFileWithTheHoldersIdHasMode0600) {
     int files = 0;
     for (const auto& entry : std::filesystem::directory_iterator(state)) {
         ++files;
-        EXPECT_EQ(entry.status().permissions(),
-                  std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+        EXPECT_TRUE(testing_host::isPrivate(entry.path()));
     }
     EXPECT_EQ(files, 1);
 }

@@ -1,6 +1,7 @@
 #include "ZelLogFixture.h"
 
 #include <Patterns.h>
+#include <PrivateFiles.h>
 
 #include <regex>
 #include <string>
@@ -30,7 +31,7 @@ TEST_F(SpdlogSinkTest, CreatesALogFileWithMode0600) {
     const auto path = profile.state() / "deep" / "lumora.log";
     ASSERT_TRUE(zel::logging::logToFile(path.string()));
     write(ZelLogLevel::Warning, "beware");
-    EXPECT_EQ(modeOf(path), ownerReadAndWrite);
+    EXPECT_TRUE(testing_host::isPrivate(path));
     EXPECT_THAT(testing_host::readFile(path),
                 testing_host::MatchesRegex("....-..-.. ..:..:......? ?.* warning \\[Test\\] ns::A::f beware\n"));
 }
@@ -42,7 +43,7 @@ TEST_F(SpdlogSinkTest, RestrictsAnExistingLogFileToItsOwner) {
     std::filesystem::permissions(path, std::filesystem::perms(0644));
     ASSERT_TRUE(zel::logging::logToFile(path.string()));
     write(ZelLogLevel::Info, "after");
-    EXPECT_EQ(modeOf(path), ownerReadAndWrite);
+    EXPECT_TRUE(testing_host::isPrivate(path));
     EXPECT_TRUE(testing_host::readFile(path).starts_with("before\n"));
 }
 
@@ -56,7 +57,7 @@ TEST_F(SpdlogSinkTest, RotatesTheFileAndKeepsThreeOldOnes) {
     }
     for (const auto* name : {"lumora.log", "lumora.1.log", "lumora.2.log", "lumora.3.log"}) {
         EXPECT_LE(std::filesystem::file_size(profile.state() / name), 5U * 1024 * 1024);
-        EXPECT_EQ(modeOf(profile.state() / name), ownerReadAndWrite) << name;
+        EXPECT_TRUE(testing_host::isPrivate(profile.state() / name)) << name;
     }
     EXPECT_FALSE(std::filesystem::exists(profile.state() / "lumora.4.log"));
 }

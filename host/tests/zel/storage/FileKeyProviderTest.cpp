@@ -4,6 +4,7 @@
 #include "LogRecorder.h"
 #include "StorageProfile.h"
 
+#include <PrivateFiles.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -74,8 +75,8 @@ TEST_F(FileKeyProviderTest, TheKeyFileConsistsOfHeaderAndKey) {
 
 TEST_F(FileKeyProviderTest, KeysAreAccessibleToTheirOwnerOnly) {
     make();
-    EXPECT_EQ(fs::status(folder).permissions(), fs::perms(0700));
-    EXPECT_EQ(fs::status(folder / "cat2.key").permissions(), fs::perms(0600));
+    EXPECT_TRUE(testing_host::isPrivate(folder));
+    EXPECT_TRUE(testing_host::isPrivate(folder / "cat2.key"));
 }
 
 TEST_F(FileKeyProviderTest, CreatesTheApplicationDataFolder) {

@@ -4,6 +4,7 @@
 #include <kyr/ProcessUtils.h>
 
 #include <Patterns.h>
+#include <PrivateFiles.h>
 #include <TemporaryProfile.h>
 #include <gmock/gmock.h>
 
@@ -126,7 +127,7 @@ TEST(Bundle, ContainsWhatItListsInAPrivateFile) {
     const auto outcome = profile.run({"bundle", "-o", path});
     ASSERT_EQ(outcome.exitCode, 0) << outcome.error;
     EXPECT_THAT(testing_host::readFile(path), StartsWith("PK\x03\x04"));
-    EXPECT_EQ(fs::status(path).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+    EXPECT_TRUE(testing_host::isPrivate(path));
     const auto members = readArchive(path);
     std::vector<std::string> names;
     for (const auto& [name, content] : members) {
