@@ -18,7 +18,7 @@ using testing::MatchesRegex;
 inline std::regex compilePattern(const std::string& pattern) {
     auto syntax = std::regex::extended;
 #ifdef __GLIBCXX__
-    syntax |= std::regex::__polynomial; // the other algorithm needs a deep stack for a long text
+    syntax |= std::regex_constants::__polynomial; // the other algorithm needs a deep stack for a long text
 #endif
     return std::regex(pattern, syntax);
 }
