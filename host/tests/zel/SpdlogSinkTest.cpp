@@ -33,7 +33,7 @@ TEST_F(SpdlogSinkTest, CreatesALogFileWithMode0600) {
     write(ZelLogLevel::Warning, "beware");
     EXPECT_TRUE(testing_host::isPrivate(path));
     EXPECT_THAT(testing_host::readFile(path),
-                testing_host::MatchesRegex("....-..-.. ..:..:......? ?.* warning \\[Test\\] ns::A::f beware\n"));
+                testing_host::MatchesRegex("....-..-.. ..:..:......? ?.* warning \\[Test] ns::A::f beware\n"));
 }
 
 TEST_F(SpdlogSinkTest, RestrictsAnExistingLogFileToItsOwner) {

@@ -115,7 +115,7 @@ TEST(Explain, ShowsThatTheUserOverridesTheAdministrator) {
     ASSERT_EQ(profile.run({"set", "Theme", "dark"}).exitCode, 0);
     const auto outcome = profile.run({"explain", "Theme"});
     EXPECT_THAT(outcome.out,
-                ContainsRegex("> +20  LocalFileConfigStore +Theme +\"dark\" .*/lumoraLocalConfig.dat:[0-9]+\n"));
+                ContainsRegex("> +20  LocalFileConfigStore +Theme +\"dark\" .*[/\\]lumoraLocalConfig.dat:[0-9]+\n"));
     EXPECT_THAT(outcome.out, ContainsRegex("administrator's +\"system\" from lumora-config-defaults.xml\n"));
     EXPECT_THAT(outcome.out, ContainsRegex("overridden +yes\n"));
 }
