@@ -24,7 +24,7 @@ namespace fs = std::filesystem;
 constexpr auto recordStart = "2026-01-02 03:04:05.678 info [Logger] Name::of ";
 
 std::string getPath(const Profile& profile) {
-    return (profile.root() / "problem.zip").string();
+    return (profile.root() / "problem.zip").generic_string();
 }
 
 void appendToLog(const Profile& profile, const std::string& text) {

@@ -30,7 +30,8 @@ TEST(Environment, AMissingPlugInFolderAndAFileAtItsPathAreReported) {
     const auto absent = (profile.root() / "absent").string();
     EXPECT_THAT(profile.run({"--plugin-dir", absent, "stores"}).error,
                 HasSubstr("no plug-in " LUMORA_PLUGIN_FILE ": there is no folder " + absent));
-    const auto file = profile.write("file", "no folder");
+    profile.write("file", "no folder");
+    const auto file = (profile.root() / "file").string();
     EXPECT_THAT(profile.run({"--plugin-dir", file, "stores"}).error,
                 HasSubstr("no plug-in " LUMORA_PLUGIN_FILE ": " + file + " is not a folder"));
 }
