@@ -3,9 +3,8 @@
 #include "featuresets/adapters/config/ConfigAdapter.h"
 #include "services/impl/entry/InjectConfigService.h"
 
-#include <kyr/StringUtils.h>
-
 #include <ConfigServiceIds.h>
+#include <DefaultsFile.h>
 #include <XmlConfigStore.h>
 
 #include <string>
@@ -57,11 +56,7 @@ HostedService::~HostedService() {
 }
 
 void HostedService::writeDefaults(const ConfigMap& values) const {
-    std::string document = "<Lumora>\n";
-    for (const auto& [key, value] : values) {
-        document += KyrCoreUtils::toString(L" <userConfig name=\"" + key + L"\" value=\"" + value + L"\"/>\n");
-    }
-    testing_host::writeFile(profile.resources() / "lumora-config-defaults.xml", document + "</Lumora>\n");
+    testing_host::writeDefaults(profile.resources(), values);
 }
 
 void HostedService::addDocument(std::size_t number, const ConfigMap& values) {

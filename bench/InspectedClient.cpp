@@ -6,8 +6,11 @@
 #include <unified/TypeName.h>
 
 #include <ConfigServiceIds.h>
+#include <DefaultsFile.h>
 
 #include <cstddef>
+#include <filesystem>
+#include <string>
 #include <utility>
 
 namespace bench {
@@ -18,18 +21,18 @@ namespace {
 
 constexpr std::size_t keyCount = 5000;
 
-std::string makeDefaults() {
-    std::string document = "<Lumora>\n";
+void writeDefaults(const std::filesystem::path& resources) {
+    testing_host::DefaultsFile file;
     for (std::size_t i = 0; i < keyCount; ++i) {
-        document += "<userConfig name=\"Key" + std::to_string(i) + "\" value=\"value" + std::to_string(i) + "\"/>\n";
+        file.add("Key" + std::to_string(i), "value" + std::to_string(i));
     }
-    return document + "</Lumora>\n";
+    file.write(resources);
 }
 
 } // namespace
 
 InspectedClient::InspectedClient(Inspection inspected) {
-    testing_host::writeFile(profile.resources() / "lumora-config-defaults.xml", makeDefaults());
+    writeDefaults(profile.resources());
     UnifiedFactoryOptions options;
     options.pluginFolder = PLUGIN_FOLDER;
     options.plugins = {{readableTypeName<ConfigService>(), SERVICE_LIBRARY},

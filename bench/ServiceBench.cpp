@@ -4,8 +4,7 @@
 #include "MarkdownReporter.h"
 #include "SyntheticKeys.h"
 
-#include <kyr/StringUtils.h>
-
+#include <DefaultsFile.h>
 #include <LocalFileConfigStore.h>
 #include <TemporaryProfile.h>
 #include <benchmark/benchmark.h>
@@ -58,14 +57,6 @@ void registerBatch(bench::InlineService& subject, const ConfigMap& values) {
     });
 }
 
-void writeDefaults(const testing_host::TemporaryProfile& profile, const ConfigMap& values) {
-    std::string document = "<Lumora>\n";
-    for (const auto& [key, value] : values) {
-        document += KyrCoreUtils::toString(L" <userConfig name=\"" + key + L"\" value=\"" + value + L"\"/>\n");
-    }
-    testing_host::writeFile(profile.resources() / "lumora-config-defaults.xml", document + "</Lumora>\n");
-}
-
 void registerConstruction(const testing_host::TemporaryProfile& profile) {
     benchmark::RegisterBenchmark("construction on 5,000 defaults/service", [](benchmark::State& state) {
         while (state.KeepRunning()) {
@@ -92,7 +83,7 @@ int main(int argc, char** argv) {
     const testing_host::TemporaryProfile profile;
     bench::SyntheticKeys generator(20240229);
     const auto batch = bench::makeValues(generator, batchKeys);
-    writeDefaults(profile, bench::makeValues(generator, defaultKeys));
+    testing_host::writeDefaults(profile.resources(), bench::makeValues(generator, defaultKeys));
     {
         bench::InlineService subject;
         registerBatch(subject, batch);

@@ -8,6 +8,7 @@
 #include <CacheConfigStore.h>
 #include <ConfigServiceIds.h>
 #include <ConfigValue.h>
+#include <DefaultsFile.h>
 #include <LocalFileConfigStore.h>
 
 #include <string>
@@ -83,11 +84,12 @@ void SmallProfile::writeDefaults() const {
     for (const auto number : {firstDocument, lastDocument}) {
         copies += nameOf(number) + ":" + std::to_string(priorityOf(number)) + ";";
     }
-    std::string document = "<Lumora>\n <userConfig name=\"PrimaryConfigStores\" value=\"" + copies + "\"/>\n";
+    testing_host::DefaultsFile file;
+    file.add("PrimaryConfigStores", copies);
     for (const auto& [key, value] : workload.getLayers().back()) {
-        document += KyrCoreUtils::toString(L" <userConfig name=\"" + key + L"\" value=\"" + value + L"\"/>\n");
+        file.add(key, value);
     }
-    testing_host::writeFile(profile.resources() / "lumora-config-defaults.xml", document + "</Lumora>\n");
+    file.write(profile.resources());
 }
 
 SmallClient::SmallClient() {

@@ -104,6 +104,27 @@ if(LUMORA_COVERAGE)
   add_link_options(--coverage)
 endif()
 
+# lumora_join_folders(TARGET [ALONE SOURCES...]): compiles the sources of each folder of the target as one, because each
+# source includes the same headers. ALONE lists the exceptions; a source with options of its own is always compiled alone.
+# It does nothing for Windows, because macros of the system's headers would change the sources that follow, and in an
+# optimized build, because the compiler inlines less then: a lookup in the chain would take a tenth longer.
+function(lumora_join_folders target)
+  if(WIN32 OR NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
+    return()
+  endif()
+  cmake_parse_arguments(ARG "" "" "ALONE" ${ARGN})
+  set_target_properties(${target} PROPERTIES UNITY_BUILD ${LUMORA_JOIN_SOURCES} UNITY_BUILD_MODE GROUP)
+  get_target_property(sources ${target} SOURCES)
+  foreach(source IN LISTS sources)
+    cmake_path(ABSOLUTE_PATH source)
+    cmake_path(RELATIVE_PATH source BASE_DIRECTORY ${CMAKE_SOURCE_DIR} OUTPUT_VARIABLE folder)
+    cmake_path(GET folder PARENT_PATH folder)
+    string(REPLACE "/" "_" folder "${folder}")
+    set_source_files_properties(${source} PROPERTIES UNITY_GROUP "${folder}")
+  endforeach()
+  set_source_files_properties(${ARG_ALONE} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+endfunction()
+
 # Headers that most sources include, directly or not; parsing them takes half of the time of an average source. They are
 # compiled once for the libraries that call lumora_use_prelude. Executables cannot use them: they are compiled with other
 # code generation options. A library must not have a precompiled header of its own: the linker would get it among the

@@ -19,7 +19,7 @@ function(lumora_add_fuzz name)
   target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES})
 endfunction()
 
-# Writes the names of the targets to the file that scripts/fuzz reads.
+# Writes the names of the targets to the file that ./test fuzz reads.
 function(lumora_write_fuzz_targets)
   get_property(targets GLOBAL PROPERTY LUMORA_FUZZ_TARGETS)
   list(JOIN targets "\n" lines)

@@ -6,6 +6,8 @@ set(CMAKE_LINK_DEPENDS_NO_SHARED ON)
 set(LUMORA_WITHOUT_PRELUDE configservice_core)
 
 function(lumora_share_the_service)
+  # A mutant compiles only its own source.
+  set_target_properties(configservice_core PROPERTIES UNITY_BUILD OFF)
   target_compile_options(configservice_core PRIVATE -w -O0 -g0 -fvisibility=default -fno-visibility-inlines-hidden)
   # Only instrumented code detects a race.
   if(NOT LUMORA_SANITIZER MATCHES "thread")

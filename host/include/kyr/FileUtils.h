@@ -17,7 +17,8 @@ struct HostDirectories {
 
 /// Operations on files and folders. Paths are UTF-8. Never throws; an unusable path is treated as missing. While a host
 /// keeps its changes in memory (UnifiedFactoryOptions::changesInMemory), creating, removing and moving change nothing
-/// on the disk and succeed, and fileExists() sees the result; getFilesFromDirectory() lists the disk.
+/// on the disk and succeed, and fileExists() sees the result; getFilesFromDirectory() lists the disk. Otherwise they
+/// sync the directories that they change; a failed sync is logged and is no failure, because the change is made.
 class LUMORA_HOST_API FileUtils {
 public:
     /// Replaces the platform's folders, for an embedding program or a test. Call it first: it does not affect what the
@@ -39,9 +40,8 @@ public:
     /// Creates the directory and its parents with mode 0700. Returns 0 if it exists afterwards, otherwise an errno
     /// value.
     static int createDirectory(const std::string& path) noexcept;
-    /// Removes a file or a link, never a directory, and syncs its directory. Returns 0 or an errno value, which after a
-    /// failed sync does not mean that the file still exists. Drops pending content of a protected file at `path`, even
-    /// if the file does not exist.
+    /// Removes a file or a link, never a directory. Returns 0 or an errno value. Drops pending content of a protected
+    /// file at `path`, even if the file does not exist.
     static int removeFile(const std::string& path) noexcept;
     /// Moves a file. Replaces an existing target unless `failIfExists` is true. Returns 0 or an errno value. Drops
     /// pending content of protected files at either path, unless the file stays where it is.

@@ -21,6 +21,11 @@ struct RegistryValue {
     bool operator==(const RegistryValue&) const = default;
 };
 
+/// Returns true if the data of such a value is a text or a list of texts.
+constexpr bool isRegistryText(std::uint32_t type) noexcept {
+    return type == REG_SZ || type == REG_EXPAND_SZ || type == REG_MULTI_SZ;
+}
+
 /// Returns the data of a text value: UTF-16, low byte first, with a terminator.
 LUMORA_HOST_API std::vector<std::uint8_t> encodeRegistryText(std::wstring_view text);
 

@@ -48,18 +48,17 @@ bool isEntryNow(const fs::path& path) {
     return inMemory ? inMemory->exists(textFromPath(path)) : fs::exists(fs::symlink_status(path, error));
 }
 
-/// Syncs the directory of `path`, so that a power cut cannot revert the change of this name. Logs a failure. Returns 0
-/// or an errno value; 0 if the directory cannot be opened for reading.
-int syncName(const fs::path& path) {
+/// Syncs the directory of `path`, so that a power cut cannot revert the change of this name. The change is made, so a
+/// failure is only logged. A directory that cannot be opened for reading is not synced.
+void syncName(const fs::path& path) {
     const fs::path& named = path.has_filename() ? path : path.parent_path();
     const int error = zel::storage::FileLayer::disk().syncDirectory(textFromPath(named.parent_path()));
     if (error == 0 || error == EACCES) {
-        return 0;
+        return;
     }
     ZelLog(ZelLogger_getLogger("Host-FileUtils"), ZelLogLevel::Warning, ZEL_HERE,
            "A power cut could revert the change of [" + textFromPath(path) +
                "], because its directory could not be synced: " + std::generic_category().message(error));
-    return error;
 }
 
 int makeDirectory(const fs::path& path) {
@@ -67,7 +66,10 @@ int makeDirectory(const fs::path& path) {
         return inMemory->createDirectory(textFromPath(path));
     }
     const int result = platform::makeDirectory(path);
-    return result != 0 ? result : syncName(path);
+    if (result == 0) {
+        syncName(path);
+    }
+    return result;
 }
 
 int removeOne(const fs::path& path) {
@@ -75,7 +77,10 @@ int removeOne(const fs::path& path) {
         return inMemory->unlink(textFromPath(path));
     }
     const int result = platform::removeFile(path);
-    return result != 0 ? result : syncName(path);
+    if (result == 0) {
+        syncName(path);
+    }
+    return result;
 }
 
 int moveOne(const fs::path& from, const fs::path& to, bool failIfExists) {
@@ -85,9 +90,8 @@ int moveOne(const fs::path& from, const fs::path& to, bool failIfExists) {
     if (const int result = platform::moveFile(from, to, failIfExists); result != 0) {
         return result;
     }
-    // The file has moved, so a failed sync is no failure.
-    static_cast<void>(syncName(to));
-    static_cast<void>(syncName(from));
+    syncName(to);
+    syncName(from);
     return 0;
 }
 

@@ -2,6 +2,8 @@
 #include "kyr/PlatformFiles.h"
 #include "zel/storage/DurableFile.h"
 
+#include <zel/FileLayer.h>
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -69,8 +71,9 @@ int copyContent(int from, int to) {
     }
 }
 
-/// Copies the file to a temporary name beside the target and renames it after the copy is complete. If the process is
-/// killed meanwhile, DurableFile::removeLeftovers() removes the temporary file.
+/// Copies the file to a temporary name beside the target and renames it after the copy is complete. The target's folder
+/// is synced before the source is removed, so that a power cut cannot leave neither. If the process is killed
+/// meanwhile, DurableFile::removeLeftovers() removes the temporary file.
 int moveAcrossDevices(const std::filesystem::path& source, const std::filesystem::path& target, bool failIfExists) {
     const FileDescriptor from(::open(source.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
     struct stat status {};
@@ -96,6 +99,8 @@ int moveAcrossDevices(const std::filesystem::path& source, const std::filesystem
         ::unlink(temporary.c_str());
         return error;
     }
+    // The caller syncs both folders again and logs a failure.
+    static_cast<void>(zel::storage::FileLayer::disk().syncDirectory(target.parent_path().string()));
     return errorOf(::unlink(source.c_str()));
 }
 

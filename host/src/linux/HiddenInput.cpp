@@ -19,7 +19,7 @@ constexpr std::array signals{SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGTSTP};
 std::atomic<bool> hidden = false;
 termios usualMode{};
 termios hiddenMode{};
-std::array<struct sigaction, signals.size()> previousActions{};
+std::array<struct sigaction, signals.size()> actionsBeforeHiding{};
 
 extern "C" void onSignalWhileHidden(int number);
 
@@ -33,8 +33,8 @@ std::size_t indexOf(int number) noexcept {
 
 /// Handles the signal unless the process ignores it.
 void handle(std::size_t index) noexcept {
-    sigaction(signals[index], nullptr, &previousActions[index]);
-    if (previousActions[index].sa_handler == SIG_IGN) {
+    sigaction(signals[index], nullptr, &actionsBeforeHiding[index]);
+    if (actionsBeforeHiding[index].sa_handler == SIG_IGN) {
         return;
     }
     struct sigaction action {};
@@ -50,7 +50,7 @@ void setMode(const termios& mode) noexcept {
 
 /// Lets the signal take the effect that it has without this handler.
 void deliver(int number) noexcept {
-    sigaction(number, &previousActions[indexOf(number)], nullptr);
+    sigaction(number, &actionsBeforeHiding[indexOf(number)], nullptr);
     sigset_t delivered;
     sigemptyset(&delivered);
     sigaddset(&delivered, number);
@@ -94,7 +94,7 @@ HiddenInput::~HiddenInput() {
     }
     setMode(usualMode);
     for (std::size_t i = 0; i < signals.size(); ++i) {
-        sigaction(signals[i], &previousActions[i], nullptr);
+        sigaction(signals[i], &actionsBeforeHiding[i], nullptr);
     }
 }
 

@@ -13,15 +13,6 @@ namespace zel::registry {
 
 namespace {
 
-struct OpenKey {
-    std::shared_ptr<RegistryKeyNode> node;
-    RegistryPlace place;
-};
-
-bool isText(std::uint32_t type) {
-    return type == REG_SZ || type == REG_EXPAND_SZ || type == REG_MULTI_SZ;
-}
-
 std::wstring_view toView(const wchar_t* text) {
     return text == nullptr ? std::wstring_view() : text;
 }
@@ -50,6 +41,11 @@ RegistryResult copyData(const Source& source, std::span<Byte> buffer, std::uint3
 } // namespace
 
 struct RegistryHive::State {
+    struct OpenKey {
+        std::shared_ptr<RegistryKeyNode> node;
+        RegistryPlace place;
+    };
+
     /// Returns the key of a handle; null if the handle is not open or its key was deleted. Sets `place` for every open
     /// handle.
     std::shared_ptr<RegistryKeyNode> find(HKEY key, RegistryPlace* place = nullptr) const LUMORA_REQUIRES(mutex) {
@@ -132,7 +128,7 @@ void RegistryHive::replaceTree(std::unique_ptr<RegistryTree> tree) {
 RegistryResult RegistryHive::RegOpenKeyExW(HKEY key, const wchar_t* subkey, std::uint32_t, std::uint32_t,
                                            HKEY& opened) {
     const KyrCoreUtils::LockGuard lock(state->mutex);
-    OpenKey open;
+    State::OpenKey open;
     const auto above = state->find(key, &open.place);
     if (!above) {
         return RegistryResult::InvalidHandle;
@@ -221,7 +217,7 @@ RegistryResult RegistryHive::RegQueryValueExA(HKEY key, const char* name, std::u
         return RegistryResult::NotFound;
     }
     type = value->type;
-    if (isText(type)) {
+    if (isRegistryText(type)) {
         return copyData(KyrCoreUtils::toString(decodeAllRegistryText(value->data)), data, dataLength);
     }
     return copyData(std::string(value->data.begin(), value->data.end()), data, dataLength);

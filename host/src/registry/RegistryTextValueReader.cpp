@@ -19,10 +19,6 @@ int digitOf(wchar_t c) {
     return c >= L'A' && c <= L'F' ? static_cast<int>(c - L'A') + 10 : -1;
 }
 
-bool isText(std::uint32_t type) {
-    return type == REG_SZ || type == REG_EXPAND_SZ || type == REG_MULTI_SZ;
-}
-
 /// Converts the bytes of the older version of the format to UTF-16. They contain their own terminators.
 std::vector<std::uint8_t> widen(const std::vector<std::uint8_t>& bytes) {
     auto data = encodeRegistryText(KyrCoreUtils::toWideString(std::string(bytes.begin(), bytes.end())));
@@ -210,7 +206,7 @@ bool RegistryTextValueReader::readBytes(Cursor& cursor, RegistryValue& value) {
             return fail("bytes that are not separated by commas");
         }
     }
-    if (narrowText && isText(value.type)) {
+    if (narrowText && isRegistryText(value.type)) {
         value.data = widen(value.data);
     }
     return true;

@@ -16,7 +16,7 @@ namespace ZelUnified {
 
 namespace {
 
-ZelLogger& logger = ZelLogger_getLogger("UnifiedFactory-PluginLoader");
+ZelLogger& pluginLogger = ZelLogger_getLogger("UnifiedFactory-PluginLoader");
 
 using Entry = void (*)(std::shared_ptr<UnifiedFactory>);
 
@@ -36,7 +36,7 @@ Entry findEntry(const KyrCoreUtils::SharedLibrary& library, const std::string& p
     try {
         return reinterpret_cast<Entry>(library.find(entryName));
     } catch (const std::exception& failure) {
-        ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, "Plug-in " + path + " has no entry: " + failure.what());
+        ZelLog(pluginLogger, ZelLogLevel::Error, ZEL_HERE, "Plug-in " + path + " has no entry: " + failure.what());
         return nullptr;
     }
 }
@@ -45,7 +45,7 @@ std::optional<KyrCoreUtils::SharedLibrary> open(const std::string& path) {
     try {
         return KyrCoreUtils::SharedLibrary(path);
     } catch (const std::exception& failure) {
-        ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, "Can't load plug-in " + path + ": " + failure.what());
+        ZelLog(pluginLogger, ZelLogLevel::Error, ZEL_HERE, "Can't load plug-in " + path + ": " + failure.what());
         return std::nullopt;
     }
 }
@@ -81,14 +81,14 @@ std::string PluginLoader::getPath(const std::string& typeName) const {
         if (!folder.empty() && isBareFileName(library)) {
             return folder + KyrCoreUtils::FileUtils::FileSeparator() + library;
         }
-        ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, "Not a file of the plug-in folder: [" + library + "]");
+        ZelLog(pluginLogger, ZelLogLevel::Error, ZEL_HERE, "Not a file of the plug-in folder: [" + library + "]");
         return "";
     }
     const auto found = paths.find(typeName);
     if (found == paths.end() || KyrCoreUtils::toPath(found->second).is_absolute()) {
         return found == paths.end() ? "" : found->second;
     }
-    ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, "Not an absolute path: [" + found->second + "]");
+    ZelLog(pluginLogger, ZelLogLevel::Error, ZEL_HERE, "Not an absolute path: [" + found->second + "]");
     return "";
 }
 
@@ -101,13 +101,14 @@ bool PluginLoader::loadLibrary(const std::string& path, const std::shared_ptr<Un
     try {
         entry(factory);
     } catch (const std::exception& failure) {
-        ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, "The entry of plug-in " + path + " failed: " + failure.what());
+        ZelLog(pluginLogger, ZelLogLevel::Error, ZEL_HERE,
+               "The entry of plug-in " + path + " failed: " + failure.what());
         return false;
     } catch (...) {
-        ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, "The entry of plug-in " + path + " failed.");
+        ZelLog(pluginLogger, ZelLogLevel::Error, ZEL_HERE, "The entry of plug-in " + path + " failed.");
         return false;
     }
-    ZelLog(logger, ZelLogLevel::Info, ZEL_HERE, "Loaded plug-in " + path);
+    ZelLog(pluginLogger, ZelLogLevel::Info, ZEL_HERE, "Loaded plug-in " + path);
     return true;
 }
 

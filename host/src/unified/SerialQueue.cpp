@@ -23,10 +23,10 @@ namespace ZelUnified::Processing {
 
 namespace {
 
-ZelLogger& logger = ZelLogger_getLogger("UnifiedFactory-Dispatcher");
+ZelLogger& queueLogger = ZelLogger_getLogger("UnifiedFactory-Dispatcher");
 
 void reportFailure(const zel::Task& task, const char* reason) {
-    ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, "Task " + task.getName() + " failed: " + reason);
+    ZelLog(queueLogger, ZelLogLevel::Error, ZEL_HERE, "Task " + task.getName() + " failed: " + reason);
 }
 
 void runGuarded(zel::Task& task) {
@@ -188,7 +188,8 @@ public:
     }
 
     static void warnOfDrop(const zel::Task& task) {
-        ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE, "The dispatcher has ended, dropping task " + task.getName());
+        ZelLog(queueLogger, ZelLogLevel::Warning, ZEL_HERE,
+               "The dispatcher has ended, dropping task " + task.getName());
     }
 
     const Mode mode;

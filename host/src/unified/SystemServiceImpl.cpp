@@ -10,7 +10,7 @@ namespace ZelUnified {
 
 namespace {
 
-ZelLogger& logger = ZelLogger_getLogger("UnifiedFactory-SystemService");
+ZelLogger& systemServiceLogger = ZelLogger_getLogger("UnifiedFactory-SystemService");
 
 ZelLogLevel levelOf(ServiceEventSeverityEnum::ServiceEventSeverity severity) {
     switch (severity) {
@@ -53,7 +53,7 @@ void SystemServiceImpl::removeObserver(std::weak_ptr<SystemServiceObserver> obse
 void SystemServiceImpl::addServiceEvent(int code, int eventId,
                                         ServiceEventSeverityEnum::ServiceEventSeverity severity) {
     EnsureUpdateAccess(true);
-    ZelLog(logger, levelOf(severity), ZEL_HERE,
+    ZelLog(systemServiceLogger, levelOf(severity), ZEL_HERE,
            "Service event, code: " + std::to_string(code) + ", event: " + std::to_string(eventId));
     if (const auto told = listener.lock()) {
         told->onServiceEvent({code, eventId, severity});

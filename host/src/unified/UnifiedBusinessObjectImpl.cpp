@@ -19,7 +19,7 @@ namespace ZelUnified {
 
 namespace {
 
-ZelLogger& logger = ZelLogger_getLogger("UnifiedFactory-BusinessObject");
+ZelLogger& objectLogger = ZelLogger_getLogger("UnifiedFactory-BusinessObject");
 
 /// Returns a random version 4 UUID in lower case. Throws std::runtime_error if no random bytes are available.
 std::string makeRandomUuid() {
@@ -131,7 +131,7 @@ void UnifiedBusinessObjectImpl::refuseUpdateAccess(bool enforce, const char* ope
     std::ostringstream text;
     text << operation << " of " << describe() << " called on thread " << std::this_thread::get_id()
          << ", which is not the services dispatcher's";
-    ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, text.str());
+    ZelLog(objectLogger, ZelLogLevel::Error, ZEL_HERE, text.str());
     if (enforce) {
         throw UpdateAccessError(text.str());
     }

@@ -36,7 +36,7 @@ using zel::storage::InMemoryFileLayer;
 using zel::storage::PendingWrites;
 using ZelSystemMonitor::SystemMonitorImpl;
 
-ZelLogger& logger = ZelLogger_getLogger("UnifiedFactory");
+ZelLogger& factoryLogger = ZelLogger_getLogger("UnifiedFactory");
 
 SerialQueue::Mode queueMode(UnifiedFactoryOptions::ServicesThread thread) {
     return thread == UnifiedFactoryOptions::ServicesThread::Pumped ? SerialQueue::Mode::Pumped
@@ -60,9 +60,9 @@ void runStep(const char* step, const std::function<void()>& work) {
     try {
         work();
     } catch (const std::exception& failure) {
-        ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, std::string(step) + " failed: " + failure.what());
+        ZelLog(factoryLogger, ZelLogLevel::Error, ZEL_HERE, std::string(step) + " failed: " + failure.what());
     } catch (...) {
-        ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, std::string(step) + " failed.");
+        ZelLog(factoryLogger, ZelLogLevel::Error, ZEL_HERE, std::string(step) + " failed.");
     }
 }
 

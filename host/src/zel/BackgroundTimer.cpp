@@ -16,15 +16,15 @@ namespace zel::common {
 
 namespace {
 
-ZelLogger& logger = ZelLogger_getLogger("BackgroundTimer");
+ZelLogger& timerLogger = ZelLogger_getLogger("BackgroundTimer");
 
 void callGuarded(BackgroundTimerCallback& callback) {
     try {
         callback.onTimer();
     } catch (const std::exception& failure) {
-        ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, std::string("A timer's callback failed: ") + failure.what());
+        ZelLog(timerLogger, ZelLogLevel::Error, ZEL_HERE, std::string("A timer's callback failed: ") + failure.what());
     } catch (...) {
-        ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, "A timer's callback failed.");
+        ZelLog(timerLogger, ZelLogLevel::Error, ZEL_HERE, "A timer's callback failed.");
     }
 }
 

@@ -15,7 +15,7 @@ namespace {
 
 using PowerEventTypeEnum::PowerEventType;
 
-ZelLogger& logger = ZelLogger_getLogger("SystemMonitor");
+ZelLogger& monitorLogger = ZelLogger_getLogger("SystemMonitor");
 
 template <class T>
 bool isSame(const std::weak_ptr<T>& a, const std::weak_ptr<T>& b) {
@@ -27,9 +27,9 @@ void runGuarded(const std::string& who, const std::function<void()>& work) {
     try {
         work();
     } catch (const std::exception& failure) {
-        ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, who + " failed: " + failure.what());
+        ZelLog(monitorLogger, ZelLogLevel::Error, ZEL_HERE, who + " failed: " + failure.what());
     } catch (...) {
-        ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, who + " failed.");
+        ZelLog(monitorLogger, ZelLogLevel::Error, ZEL_HERE, who + " failed.");
     }
 }
 
@@ -86,7 +86,7 @@ void SystemMonitorImpl::openSource() {
 }
 
 void SystemMonitorImpl::receive(PowerEventType type, PowerEventHold hold) {
-    ZelLog(logger, ZelLogLevel::Info, ZEL_HERE, "The machine announces power event " + std::to_string(type));
+    ZelLog(monitorLogger, ZelLogLevel::Info, ZEL_HERE, "The machine announces power event " + std::to_string(type));
     std::function<void()> beforePowerDown;
     const auto dispatcher = getDispatcher(beforePowerDown);
     if (!dispatcher) {

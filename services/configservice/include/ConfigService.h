@@ -42,7 +42,7 @@ public:
     /// Returns every record in key order, including undefined ones. Does not check the thread, but only the services
     /// dispatcher's thread may call it.
     virtual std::shared_ptr<std::list<std::shared_ptr<ConfigValue>>> getAllConfig() = 0;
-    /// Removes the user's own value, under the key's old and new names.
+    /// Removes the key's values from the writable stores, under its old and new names.
     virtual void resetConfig(std::wstring key) = 0;
     /// Removes the store and its cached copy. Returns false if neither existed.
     virtual bool removeConfigStoreAndCache(std::wstring storeName) = 0;

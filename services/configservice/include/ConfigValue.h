@@ -28,10 +28,11 @@ public:
     virtual std::wstring getKey() = 0;
     /// Returns the effective value.
     virtual std::wstring getValue() = 0;
-    /// Returns the administrator's value: the value that applies without the user's own settings.
+    /// Returns the administrator's value: that of the first read-only store whose value is not empty; "" if there is
+    /// none.
     virtual std::wstring getOriginalValue() = 0;
-    /// Returns true if the user's own value takes precedence over the administrator's, even if the administrator has
-    /// set none.
+    /// Returns true if a writable store, such as the user's file or the values for this run, holds the key and no
+    /// read-only store before it has a value that is not empty. The administrator need not have set a value.
     virtual bool getisOverridden() = 0;
     /// Returns true if a store holds the key.
     virtual bool getisDefined() = 0;
@@ -41,7 +42,7 @@ public:
     virtual void storeValueAndNotify(std::wstring value) = 0;
     /// Compares case-insensitively.
     virtual bool isValueEqual(std::wstring value) = 0;
-    /// Removes the user's own value.
+    /// Removes the key's values from the writable stores, under its old and new names.
     virtual void resetToDefault() = 0;
     /// Returns true if the value or its store differs from the administrator's. Compares case-sensitively.
     virtual bool differsFromOriginal() = 0;

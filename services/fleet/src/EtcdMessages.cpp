@@ -167,7 +167,7 @@ bool isAboutToken(int status) {
 
 bool isAboutToken(const std::string& reason) {
     return reason.find("auth token") != std::string::npos || reason.find("auth store") != std::string::npos ||
-           reason.find("auth: revision") != std::string::npos;
+           reason.find("auth: revision") != std::string::npos || reason.find("user name is empty") != std::string::npos;
 }
 
 ZelUnified::WipedText makeAuthenticate(const std::string& username, const ZelUnified::WipedText& password) {

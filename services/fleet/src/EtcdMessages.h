@@ -49,7 +49,7 @@ struct WatchReply {
 
 /// Returns the headers of each request; `token` is empty for none.
 std::vector<std::string> makeHeaders(const std::string& token);
-/// Returns true if another token may help: one that has expired, or whose user's rights have changed.
+/// Returns true if another token may help: there was none, or it has expired, or its user's rights have changed.
 bool isAboutToken(int status);
 /// The same for the reason of the end of a watch.
 bool isAboutToken(const std::string& reason);

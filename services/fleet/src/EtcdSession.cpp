@@ -87,6 +87,9 @@ void EtcdSession::check(const std::vector<FleetScope>& scopes) {
 std::optional<std::string> EtcdSession::findKey(const FleetScope& scope, const std::string& key) {
     const auto keys = readRange(etcd::makeKeys(scope));
     for (auto pair = keys.pairs.rbegin(); pair != keys.pairs.rend(); ++pair) {
+        if (!pair->key.starts_with(scope.prefix)) {
+            continue; // no answer of etcd contains such a key, but another server may send anything
+        }
         auto spelling = pair->key.substr(scope.prefix.size());
         if (KyrCoreUtils::caseInsensitiveStringEquals(spelling, key)) {
             return spelling;

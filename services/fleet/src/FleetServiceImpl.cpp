@@ -49,7 +49,8 @@ void FleetServiceImpl::StartFeatureSet(unsigned int /*id*/, std::shared_ptr<ZelU
         configuration->setKeySensitive(std::wstring(key));
     }
     configuration->registerConfigStoreAddedObserver(shared_from_this());
-    review();
+    // In a task of its own: the cached copy is in force meanwhile, so the start of the client need not wait.
+    post("Fleet: review", &FleetServiceImpl::reviewAfterAddition);
 }
 
 void FleetServiceImpl::StopFeatureSet(unsigned int /*id*/, std::shared_ptr<ZelUnified::ServiceEventList> /*events*/) {

@@ -63,13 +63,15 @@ std::unique_ptr<HttpTransfer> FleetWatch::send(const char* path, ZelUnified::Wip
 }
 
 void FleetWatch::authenticate() {
+    tokenless = false;
     request = send(etcd::authenticatePath, etcd::makeAuthenticate(settings.access.username, settings.access.password),
                    {.total = times.answer}, {nullptr, [this](const HttpResult& result) { receiveToken(result); }});
 }
 
 void FleetWatch::receiveToken(const HttpResult& result) {
     if (etcd::parseFailure(result.body) == etcd::authenticationDisabled) {
-        read(); // a cluster may be set up before its users are
+        tokenless = true; // a cluster may be set up before its users are
+        read();
         return;
     }
     const auto received = result.isSuccess() ? etcd::parseToken(result.body) : std::nullopt;
@@ -205,6 +207,7 @@ void FleetWatch::probe() {
                              }
                              failures = 0;
                              renewed = false;
+                             tokenRequired = false;
                              probeRequest.reset();
                              planProbe();
                          }});
@@ -226,10 +229,13 @@ void FleetWatch::failFor(const HttpResult& result) {
     fail("status " + std::to_string(result.status) + ", " + toLoggedText(reason));
 }
 
-/// Connects again at once with a new token, without a log line: the end of a token is no outage. Returns false if the
-/// token was not the reason: there was none, or a new one has been refused as well. Drops the token in any case.
+/// Connects again at once with a new token, without a log line: the end of a token is no outage, nor is a cluster that
+/// has begun to authenticate users. Returns false if the token was not the reason: none could be requested, or a new
+/// one has been refused as well. Drops the token in any case.
 bool FleetWatch::renewToken() {
-    if (std::exchange(token, {}).empty() || std::exchange(renewed, true)) {
+    const bool isExpired = !std::exchange(token, {}).empty() && !std::exchange(renewed, true);
+    const bool isFirst = std::exchange(tokenless, false) && !std::exchange(tokenRequired, true);
+    if (!isExpired && !isFirst) {
         return false;
     }
     restart(std::chrono::milliseconds(0));

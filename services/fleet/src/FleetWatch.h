@@ -103,9 +103,11 @@ private:
     std::mt19937 random;
     std::size_t endpoint;
     std::string token;
-    bool renewed = false;      ///< The token has been renewed since a member has answered for a while.
-    unsigned int failures = 0; ///< Since a member has answered for a while.
-    bool reported = false;     ///< The failures are in the log.
+    bool renewed = false;       ///< The token has been renewed since a member has answered for a while.
+    bool tokenless = false;     ///< The cluster did not authenticate users when this client connected.
+    bool tokenRequired = false; ///< It has begun to do so since a member has answered for a while.
+    unsigned int failures = 0;  ///< Since a member has answered for a while.
+    bool reported = false;      ///< The failures are in the log.
     bool overfullReported = false;
     std::size_t confirmed = 0; ///< The number of scopes whose watch exists.
     std::string line;          ///< The part of a message that has arrived.

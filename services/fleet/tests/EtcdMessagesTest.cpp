@@ -105,6 +105,14 @@ TEST(FleetMessages, TokenThatWouldChangeTheHeadersIsRejected) {
     EXPECT_EQ(etcd::parseToken(R"({"token":""})"), std::nullopt);
 }
 
+TEST(FleetMessages, ReasonIsAboutTheTokenIfAnotherOneMayHelp) {
+    for (const auto* reason : {"etcdserver: invalid auth token", "etcdserver: revision of auth store is old",
+                               "auth: revision in header is old", "etcdserver: user name is empty"}) {
+        EXPECT_TRUE(etcd::isAboutToken(std::string(reason))) << reason;
+    }
+    EXPECT_FALSE(etcd::isAboutToken(std::string("etcdserver: permission denied")));
+}
+
 TEST(FleetMessages, RangeEndsBehindTheLastKeyOfTheScope) {
     const auto scope = fleet::FleetScope::ofUser("ada");
     EXPECT_EQ(scope.prefix, "/lumora/fleet/users/ada/");

@@ -1,6 +1,8 @@
 #include "EtcdSession.h"
 
+#include "Base64.h"
 #include "EtcdCluster.h"
+#include "ScriptedMember.h"
 
 #include <gtest/gtest.h>
 
@@ -61,6 +63,25 @@ TEST_F(FleetSession, FindsTheLastSpellingOfAKey) {
     cluster.put("/lumora/fleet/all/ThemeOther", "3");
     cluster.put("/lumora/fleet/users/ada/theme", "4");
     EXPECT_EQ(session.findKey(everybody, "theMe"), "Theme");
+}
+
+TEST(FleetSessionOfAMember, IgnoresKeysOutsideTheScope) {
+    const auto everybody = fleet::FleetScope::ofAll();
+    const auto makePair = [](const std::string& key) { return R"({"key":")" + fleet::encodeBase64(key) + R"("})"; };
+    const ScriptedMember member([&](const std::string&) {
+        // The last ones are found first. One is shorter than the prefix, the other one as long as a key.
+        return ScriptedMember::Answer{200,
+                                      R"({"header":{"revision":"7"},"kvs":[)" + makePair(themeKey) + ',' +
+                                          makePair(std::string(everybody.prefix.size(), 'x') + "Theme") + ',' +
+                                          makePair("Theme") + "]}",
+                                      false};
+    });
+    ZelUnified::FleetAccess access;
+    access.endpoints = {member.getEndpoint()};
+    access.plainHttpAllowed = true;
+    fleet::EtcdSession session(access);
+    EXPECT_EQ(session.findKey(everybody, "theme"), "Theme");
+    EXPECT_EQ(session.findKey(everybody, "Other"), std::nullopt);
 }
 
 TEST_F(FleetSession, GetsTheValueOfAnExactKey) {

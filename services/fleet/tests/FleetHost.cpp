@@ -9,8 +9,8 @@
 
 #include <ConfigServiceIds.h>
 #include <ConfigValueNotifiers.h>
+#include <DefaultsFile.h>
 #include <Signal.h>
-#include <TemporaryProfile.h>
 
 #include <utility>
 
@@ -39,11 +39,7 @@ void FleetHost::writeDefaults(const std::filesystem::path& resources, const ZelU
                      {"FleetConnectionUsername", access.username},
                      {"FleetConnectionPassword", access.password.view()}});
     }
-    std::string document = "<Lumora>\n";
-    for (const auto& [key, value] : rows) {
-        document += "<userConfig name=\"" + key + "\" value=\"" + value + "\"/>\n";
-    }
-    testing_host::writeFile(resources / "lumora-config-defaults.xml", document + "</Lumora>\n");
+    testing_host::writeDefaults(resources, rows);
 }
 
 std::shared_ptr<fleet::FleetServiceImpl> FleetHost::makeService(std::shared_ptr<ZelUnified::UnifiedFactory> factory,
@@ -69,6 +65,7 @@ FleetHost::FleetHost(const std::filesystem::path& administrator, const ServiceMa
         factory, zel::registry::makeFileRegistry({.administrator = administrator.string(), .readsUserFiles = false}));
     factory->getFeatureSets().registerItem<ZelUnified::FleetService>(ZelUnified::FleetService::fleetServiceId, service);
     factory->StartFeatureSet(ZelUnified::FleetService::fleetServiceId, nullptr);
+    onServices([] {}); // the start has posted a task that reads the settings
 }
 
 FleetHost::~FleetHost() {

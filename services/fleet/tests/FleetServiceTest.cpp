@@ -167,6 +167,20 @@ TEST_F(FleetService, StartWithoutTheClusterHasTheLastValues) {
     EXPECT_TRUE(host.waitForValue(L"Theme", L"light"));
 }
 
+TEST_F(FleetService, FollowsTheClusterInATaskAfterItsStart) {
+    EtcdCluster cluster;
+    cluster.put("/lumora/fleet/all/Theme", "dark");
+    writeDefaults(cluster.getAccess());
+    const FleetHost host;
+    host.getFactory().StopFeatureSet(ZelUnified::FleetService::fleetServiceId, nullptr);
+    host.onServices([&] {
+        host.getFactory().StartFeatureSet(ZelUnified::FleetService::fleetServiceId, nullptr);
+        EXPECT_FALSE(host.getFleet().isFollowing());
+    });
+    host.onServices([&] { EXPECT_TRUE(host.getFleet().isFollowing()); });
+    EXPECT_TRUE(host.waitForValue(L"Theme", L"dark"));
+}
+
 TEST_F(FleetService, StoreReturnsAfterAStopARefreshAndAReset) {
     EtcdCluster cluster;
     cluster.put("/lumora/fleet/all/Theme", "dark");

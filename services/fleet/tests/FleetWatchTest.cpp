@@ -139,27 +139,32 @@ TEST_F(FleetWatch, KeepsTheLastSettingsWhileTheClusterExceedsTheLimits) {
     EXPECT_EQ(lines, 1U);
 }
 
-/// A client of a member that answers as the script says, until it has tried a second time. Returns the log's warnings.
-std::vector<std::string> followTwice(ScriptedMember::Script script, fleet::FleetTimes times,
-                                     std::string username = {}) {
+/// A client of a member that answers as the script says, until it has tried so many times. Returns the log's warnings.
+std::vector<std::string> follow(std::size_t lastAttempt, ScriptedMember::Script script, fleet::FleetTimes times,
+                                std::string username = {}) {
     const testing_host::LogRecorder log;
     const ScriptedMember member(std::move(script));
     ZelUnified::FleetAccess access;
     access.endpoints = {member.getEndpoint()};
     access.plainHttpAllowed = true;
     access.username = std::move(username);
-    testing_host::Signal triedAgain;
+    testing_host::Signal hasTried;
     {
         const fleet::FleetFollower follower(
             makeSettings(access), times, [](const ConfigMap&) {},
-            [&triedAgain, attempts = std::size_t{0}]() mutable {
-                if (++attempts == 2) {
-                    triedAgain.set();
+            [&hasTried, lastAttempt, attempts = std::size_t{0}]() mutable {
+                if (++attempts == lastAttempt) {
+                    hasTried.set();
                 }
             });
-        EXPECT_TRUE(triedAgain.wait());
+        EXPECT_TRUE(hasTried.wait());
     }
     return log.getTexts(ZelLogLevel::Warning);
+}
+
+std::vector<std::string> followTwice(ScriptedMember::Script script, fleet::FleetTimes times,
+                                     std::string username = {}) {
+    return follow(2, std::move(script), times, std::move(username));
 }
 
 TEST(FleetWatchOfAMember, TreatsAnAnswerThatIsTooLongAsOneThatExceedsTheLimits) {
@@ -206,6 +211,60 @@ TEST(FleetWatchOfAMember, RenewsTheTokenWithoutAWarningIfAWatchIsRefusedForIt) {
         },
         shortTimes(), "client");
     EXPECT_EQ(warnings, std::vector<std::string>());
+}
+
+TEST(FleetWatchOfAMember, AuthenticatesWithoutAWarningIfUsersAreEnabledAfterATokenWasRefused) {
+    std::size_t authentications = 0; // of the member's thread, like the next one
+    std::size_t watches = 0;
+    const auto refuse = [](const std::string& reason) {
+        return ScriptedMember::Answer{400, R"({"error":")" + reason + R"(","code":3})", false};
+    };
+    const auto warnings = follow(
+        3,
+        [&](const std::string& path) {
+            if (path == fleet::etcd::authenticatePath) {
+                return ++authentications == 2 ? refuse(fleet::etcd::authenticationDisabled)
+                                              : ScriptedMember::Answer{200, R"({"token":"abc.12"})", false};
+            }
+            if (path == fleet::etcd::watchPath) {
+                return ++watches == 1 ? refuse("etcdserver: revision of auth store is old")
+                                      : refuse("etcdserver: user name is empty");
+            }
+            return ScriptedMember::Answer{200, R"({"header":{"revision":"7"},"responses":[]})", false};
+        },
+        shortTimes(), "client");
+    EXPECT_EQ(warnings, std::vector<std::string>());
+}
+
+TEST(FleetWatchOfAMember, WaitsAfterASecondRefusalByAMemberThatDoesNotAuthenticate) {
+    const auto warnings = follow(
+        4,
+        [](const std::string& path) {
+            return ScriptedMember::Answer{400,
+                                          path == fleet::etcd::authenticatePath
+                                              ? R"({"error":"etcdserver: authentication is not enabled","code":9})"
+                                              : R"({"error":"etcdserver: user name is empty","code":3})",
+                                          false};
+        },
+        shortTimes(), "client");
+    ASSERT_EQ(warnings.size(), 1U);
+    EXPECT_NE(warnings.front().find("status 400, etcdserver: user name is empty"), std::string::npos);
+}
+
+TEST_F(FleetWatch, AuthenticatesWithoutAWarningWhenTheClusterBeginsTo) {
+    EtcdCluster cluster({.authentication = true});
+    cluster.control({"auth", "disable"});
+    const testing_host::LogRecorder log;
+    Client client(cluster.getAccess());
+    EXPECT_TRUE(client.observer.waitFor([](const auto& settings) { return settings.empty(); }));
+    const auto calls = client.observer.countCalls();
+    cluster.control({"auth", "enable"});
+    EXPECT_TRUE(client.observer.waitForCalls(calls + 1)) << "it reads again";
+    cluster.put("/lumora/fleet/users/ada/Theme", "light");
+    EXPECT_TRUE(client.observer.waitForValue(L"Theme", L"light"));
+    for (const auto& text : log.getTexts(ZelLogLevel::Warning)) {
+        EXPECT_EQ(text.find("status 4"), std::string::npos) << "it is no outage: " << text;
+    }
 }
 
 TEST_F(FleetWatch, ReadsAgainAfterItsListenerHasThrown) {

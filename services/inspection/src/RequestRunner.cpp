@@ -111,16 +111,14 @@ void RequestRunner::explain(const JobPointer& job) {
         const auto& request = job->request;
         job->collected = inspector->beginExplanation(request.key, request.showSecrets);
         const auto winner = inspector->read(request.key, false);
-        tasks.runSlices(job->nameTask(), [self = shared_from_this(), job, winner, stores = inspector->getStores(),
-                                          next = std::size_t{0}]() mutable {
-            return job->guard([&] {
-                if (next == stores.size()) {
-                    job->reply(std::move(job->collected));
-                    return;
-                }
-                job->collected["stores"].push_back(
-                    self->inspector->showOpinion(*stores[next], job->request.key, winner, job->request.showSecrets));
-            }) && next++ < stores.size();
+        runSlices(job, [this, job, winner, stores = inspector->getStores(), next = std::size_t{0}]() mutable {
+            if (next == stores.size()) {
+                job->reply(std::move(job->collected));
+                return false;
+            }
+            job->collected["stores"].push_back(
+                inspector->showOpinion(*stores[next++], job->request.key, winner, job->request.showSecrets));
+            return true;
         });
     });
 }
@@ -128,14 +126,12 @@ void RequestRunner::explain(const JobPointer& job) {
 void RequestRunner::explainAll(const JobPointer& job) {
     onServices(job, [this, job] {
         const auto all = std::make_shared<ChainReport>(inspector, job->request.showSecrets);
-        tasks.runSlices(job->nameTask(), [job, all] {
-            bool more = false;
-            return job->guard([&] {
-                more = all->proceed();
-                if (!more) {
-                    job->reply(all->extract());
-                }
-            }) && more;
+        runSlices(job, [job, all] {
+            if (all->proceed()) {
+                return true;
+            }
+            job->reply(all->extract());
+            return false;
         });
     });
 }
@@ -158,23 +154,21 @@ void RequestRunner::list(const JobPointer& job) {
 }
 
 void RequestRunner::listRecords(const JobPointer& job) {
-    tasks.runSlices(job->nameTask(), [self = shared_from_this(), job, last = std::wstring()]() mutable {
-        bool more = false;
-        return job->guard([&] {
-            const auto before = last;
-            const auto records = self->inspector->getRecords().getRecordsAfter(last, recordsPerSlice);
-            for (const auto& record : records) {
-                last = record->getKey();
-                if (record->getisDefined() && self->isAsked(job->request, last)) {
-                    job->collected["values"].push_back(self->inspector->showRecord(*record, job->request.showSecrets));
-                }
+    runSlices(job, [this, job, last = std::wstring()]() mutable {
+        const auto before = last;
+        const auto records = inspector->getRecords().getRecordsAfter(last, recordsPerSlice);
+        for (const auto& record : records) {
+            last = record->getKey();
+            if (record->getisDefined() && isAsked(job->request, last)) {
+                job->collected["values"].push_back(inspector->showRecord(*record, job->request.showSecrets));
             }
-            // The list ends although the client adds records: each slice begins behind the last one.
-            more = records.size() == recordsPerSlice && KyrCoreUtils::caseInsensitiveStringCompare(before, last) < 0;
-            if (!more) {
-                job->reply(std::move(job->collected));
-            }
-        }) && more;
+        }
+        // The list ends although the client adds records: each slice begins behind the last one.
+        if (records.size() == recordsPerSlice && KyrCoreUtils::caseInsensitiveStringCompare(before, last) < 0) {
+            return true;
+        }
+        job->reply(std::move(job->collected));
+        return false;
     });
 }
 
@@ -186,20 +180,19 @@ void RequestRunner::listStore(const JobPointer& job) {
             throw RequestError(Code::Refused, "there is no store '" + name + "'");
         }
         const auto held = store->getKeys();
-        tasks.runSlices(job->nameTask(), [self = shared_from_this(), job, store,
-                                          keys = ZelUnified::ConfigKeySet(held.begin(), held.end())]() mutable {
-            return job->guard([&] {
-                for (std::size_t count = 0; count < recordsPerSlice && !keys.empty(); ++count) {
-                    const auto key = keys.extract(keys.begin()).value();
-                    auto value = self->inspector->showStored(*store, key, job->request.showSecrets);
-                    if (!value.is_null() && self->isAsked(job->request, key)) {
-                        job->collected["values"].push_back(std::move(value));
-                    }
+        runSlices(job, [this, job, store, keys = ZelUnified::ConfigKeySet(held.begin(), held.end())]() mutable {
+            for (std::size_t count = 0; count < recordsPerSlice && !keys.empty(); ++count) {
+                const auto key = keys.extract(keys.begin()).value();
+                auto value = inspector->showStored(*store, key, job->request.showSecrets);
+                if (!value.is_null() && isAsked(job->request, key)) {
+                    job->collected["values"].push_back(std::move(value));
                 }
-                if (keys.empty()) {
-                    job->reply(std::move(job->collected));
-                }
-            }) && !keys.empty();
+            }
+            if (!keys.empty()) {
+                return true;
+            }
+            job->reply(std::move(job->collected));
+            return false;
         });
     });
 }
@@ -220,14 +213,13 @@ void RequestRunner::listKeys(const JobPointer& job) {
 void RequestRunner::listStores(const JobPointer& job) {
     onServices(job, [this, job] {
         job->collected = {{"type", "stores"}, {"stores", Json::array()}};
-        tasks.runSlices(job->nameTask(), [job, stores = inspector->getStores(), next = std::size_t{0}]() mutable {
-            return job->guard([&] {
-                if (next == stores.size()) {
-                    job->reply(std::move(job->collected));
-                    return;
-                }
-                job->collected["stores"].push_back(ConfigInspector::showStore(*stores[next]));
-            }) && next++ < stores.size();
+        runSlices(job, [job, stores = inspector->getStores(), next = std::size_t{0}]() mutable {
+            if (next == stores.size()) {
+                job->reply(std::move(job->collected));
+                return false;
+            }
+            job->collected["stores"].push_back(ConfigInspector::showStore(*stores[next++]));
+            return true;
         });
     });
 }
@@ -254,20 +246,25 @@ void RequestRunner::health(const JobPointer& job) {
 void RequestRunner::dump(const JobPointer& job) {
     onServices(job, [this, job] {
         const auto all = std::make_shared<SettingsReport>(inspector, job->request);
-        tasks.runSlices(job->nameTask(), [job, all] {
-            bool more = false;
-            return job->guard([&] {
-                more = all->proceed();
-                if (!more) {
-                    job->reply(all->extract());
-                }
-            }) && more;
+        runSlices(job, [job, all] {
+            if (all->proceed()) {
+                return true;
+            }
+            job->reply(all->extract());
+            return false;
         });
     });
 }
 
 void RequestRunner::onServices(const JobPointer& job, std::function<void()> work) const {
     runStep(tasks, job, [self = shared_from_this(), work = std::move(work)] { work(); });
+}
+
+void RequestRunner::runSlices(const JobPointer& job, std::function<bool()> slice) const {
+    tasks.runSlices(job->nameTask(), [self = shared_from_this(), job, slice = std::move(slice)] {
+        bool more = false;
+        return job->guard([&] { more = slice(); }) && more;
+    });
 }
 
 bool RequestRunner::isAsked(const InspectionRequest& request, const std::wstring& key) const {

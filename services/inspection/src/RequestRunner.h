@@ -49,6 +49,9 @@ private:
 
     /// Runs `work` on the services dispatcher's thread.
     void onServices(const JobPointer& job, std::function<void()> work) const;
+    /// Runs `slice` on that thread repeatedly until it returns false, which it does after it has replied. If it throws,
+    /// answers with the failure.
+    void runSlices(const JobPointer& job, std::function<bool()> slice) const;
     /// Returns whether a request for a list selects this key.
     bool isAsked(const InspectionRequest& request, const std::wstring& key) const;
 

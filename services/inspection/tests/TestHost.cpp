@@ -1,10 +1,10 @@
 #include "TestHost.h"
 
 #include <kyr/FunctionTask.h>
-#include <kyr/StringUtils.h>
 #include <unified/TypeName.h>
 
 #include <ConfigServiceIds.h>
+#include <DefaultsFile.h>
 
 #include <chrono>
 #include <stdexcept>
@@ -15,14 +15,6 @@ namespace {
 
 constexpr std::chrono::seconds patience(20);
 
-std::string makeDefaults(const ZelUnified::ConfigMap& values) {
-    std::string document = "<Lumora>\n";
-    for (const auto& [key, value] : values) {
-        document += KyrCoreUtils::toString(L"<userConfig name=\"" + key + L"\" value=\"" + value + L"\"/>\n");
-    }
-    return document + "</Lumora>\n";
-}
-
 } // namespace
 
 TestHost::TestHost(const inspection::InspectionLimits& limits, const ZelUnified::ConfigMap& defaults,
@@ -30,7 +22,7 @@ TestHost::TestHost(const inspection::InspectionLimits& limits, const ZelUnified:
     if (!policy.first.empty()) {
         writePolicy(policy.first, policy.second);
     }
-    testing_host::writeFile(profile.resources() / "lumora-config-defaults.xml", makeDefaults(defaults));
+    testing_host::writeDefaults(profile.resources(), defaults);
     ZelUnified::UnifiedFactoryOptions options;
     options.openedForWriting = true;
     options.pluginFolder = PLUGIN_FOLDER;

@@ -20,8 +20,6 @@ namespace ZelSystemMonitor {
 
 namespace {
 
-ZelLogger& logger = loginManagerLogger();
-
 constexpr const char* service = "org.freedesktop.login1";
 constexpr const char* object = "/org/freedesktop/login1";
 constexpr const char* interface = "org.freedesktop.login1.Manager";
@@ -128,7 +126,7 @@ int LoginManagerBus::onInhibited(sd_bus_message* reply, void* self, sd_bus_error
 
 void LoginManagerBus::acceptInhibitor(sd_bus_message* reply) {
     if (const sd_bus_error* refusal = systemd().sd_bus_message_get_error(reply); refusal != nullptr) {
-        ZelLog(logger, ZelLogLevel::Info, ZEL_HERE,
+        ZelLog(loginManagerLogger, ZelLogLevel::Info, ZEL_HERE,
                std::string("No inhibitor, a shutdown won't wait: ") +
                    (refusal->message != nullptr ? refusal->message : refusal->name));
         return;

@@ -4,10 +4,7 @@
 
 namespace ZelSystemMonitor {
 
-/// Returns the logger of all classes that communicate with the login manager.
-inline ZelLogger& loginManagerLogger() {
-    static ZelLogger& logger = ZelLogger_getLogger("SystemMonitor-LoginManager");
-    return logger;
-}
+/// The logger of all classes that communicate with the login manager.
+inline ZelLogger& loginManagerLogger = ZelLogger_getLogger("SystemMonitor-LoginManager");
 
 } // namespace ZelSystemMonitor

@@ -16,12 +16,6 @@
 
 namespace ZelSystemMonitor {
 
-namespace {
-
-ZelLogger& logger = loginManagerLogger();
-
-} // namespace
-
 /// The loop of the thread. It runs until stop() is called or the connection is lost.
 class LoginManagerMonitor::Loop {
 public:
@@ -45,7 +39,7 @@ public:
 
 private:
     static void logEnd(const std::string& reason) {
-        ZelLog(logger, ZelLogLevel::Info, ZEL_HERE, "No power events are delivered: " + reason);
+        ZelLog(loginManagerLogger, ZelLogLevel::Info, ZEL_HERE, "No power events are delivered: " + reason);
     }
 
     /// Returns 0 if stopped, otherwise a negative errno value. Throws std::runtime_error if libsystemd is not

@@ -21,8 +21,6 @@ namespace zel::storage {
 
 namespace {
 
-ZelLogger& logger = encryptFileUtilsLogger();
-
 /// The layer and key provider that an embedding program or a test has set in place of the defaults.
 struct Overrides {
     KyrCoreUtils::AnnotatedMutex<> mutex;
@@ -74,8 +72,8 @@ private:
 /// Logs without the text of the exception, which may quote the content.
 void logException(const std::string& path) noexcept {
     try {
-        if (ZelLog_isDebugEnabled(logger)) {
-            ZelLog(logger, ZelLogLevel::Debug, ZEL_HERE, "Exception at " + splitPath(path).name);
+        if (ZelLog_isDebugEnabled(encryptFileUtilsLogger)) {
+            ZelLog(encryptFileUtilsLogger, ZelLogLevel::Debug, ZEL_HERE, "Exception at " + splitPath(path).name);
         }
     } catch (...) {
         return; // no memory for the log line; the caller still gets the failure

@@ -4,10 +4,7 @@
 
 namespace zel::storage {
 
-/// Returns the logger of the protected files and their keys.
-inline ZelLogger& encryptFileUtilsLogger() {
-    static ZelLogger& logger = ZelLogger_getLogger("Host-EncryptFileUtils");
-    return logger;
-}
+/// The logger of the protected files and their keys.
+inline ZelLogger& encryptFileUtilsLogger = ZelLogger_getLogger("Host-EncryptFileUtils");
 
 } // namespace zel::storage

@@ -24,14 +24,12 @@ namespace zel::storage {
 
 namespace {
 
-ZelLogger& logger = encryptFileUtilsLogger();
-
-constexpr std::string_view magic = "LUMK";
+constexpr std::string_view keyFileMagic = "LUMK";
 /// The file holds the key itself, or the key as the platform's protection has wrapped it.
 constexpr unsigned char plainVersion = 1;
 constexpr unsigned char wrappedVersion = 2;
-constexpr std::size_t versionAt = 4;
-constexpr std::size_t categoryAt = 5;
+constexpr std::size_t keyFileVersionAt = 4;
+constexpr std::size_t keyFileCategoryAt = 5;
 constexpr std::size_t idAt = 8;
 constexpr std::size_t keyAt = 16;
 constexpr std::size_t longestFile = 4096;
@@ -40,16 +38,16 @@ constexpr std::size_t longestFile = 4096;
 constexpr std::chrono::seconds longestWait{2};
 
 /// Writes all fields except the key itself.
-bool fillHeader(FileCategoryType::FileCategory category, const MasterKey& key, unsigned char version,
-                unsigned char* file) {
+bool fillKeyFileHeader(FileCategoryType::FileCategory category, const MasterKey& key, unsigned char version,
+                       unsigned char* file) {
     KeyId id{};
     if (!deriveKeyId(key, id)) {
         return false;
     }
     std::fill_n(file, keyAt, static_cast<unsigned char>(0));
-    std::copy(magic.begin(), magic.end(), file);
-    file[versionAt] = version;
-    file[categoryAt] = static_cast<unsigned char>(category);
+    std::copy(keyFileMagic.begin(), keyFileMagic.end(), file);
+    file[keyFileVersionAt] = version;
+    file[keyFileCategoryAt] = static_cast<unsigned char>(category);
     std::copy(id.begin(), id.end(), file + idAt);
     return true;
 }
@@ -70,12 +68,12 @@ KeyResult parse(std::string_view file, FileCategoryType::FileCategory category, 
     if (file.size() < keyAt) {
         return KeyResult::Malformed;
     }
-    const auto version = static_cast<unsigned char>(file[versionAt]);
+    const auto version = static_cast<unsigned char>(file[keyFileVersionAt]);
     if (const KeyResult result = readKey(version, file.substr(keyAt), key); result != KeyResult::Found) {
         return result;
     }
     unsigned char expected[keyAt];
-    if (!fillHeader(category, key, version, expected)) {
+    if (!fillKeyFileHeader(category, key, version, expected)) {
         return KeyResult::Unavailable;
     }
     const bool inOrder = std::equal(std::begin(expected), std::end(expected), file.begin(),
@@ -149,7 +147,7 @@ KeyResult FileKeyProvider::findOrMake(FileCategoryType::FileCategory category, M
         if (layer.rename(path, path + ".bad") != 0) {
             return KeyResult::Unavailable;
         }
-        ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE,
+        ZelLog(encryptFileUtilsLogger, ZelLogLevel::Warning, ZEL_HERE,
                "Malformed key file kept as " + splitPath(path).name + ".bad, a new key is made");
     }
     if (!make(category)) {
@@ -162,7 +160,7 @@ KeyResult FileKeyProvider::reportLockFailure(int error) const {
     if (error != ETIMEDOUT) {
         return KeyResult::Unavailable;
     }
-    ZelLog(logger, ZelLogLevel::Error, ZEL_HERE,
+    ZelLog(encryptFileUtilsLogger, ZelLogLevel::Error, ZEL_HERE,
            "The keys in " + ZelLogger_replacePIIData(folder) + " are locked by another process, gave up after " +
                std::to_string(longestWait.count()) + " seconds");
     return KeyResult::Locked;
@@ -181,7 +179,7 @@ bool FileKeyProvider::make(FileCategoryType::FileCategory category) {
     }
     const auto version = writeKey(fresh, content.text);
     WipedBytes file(keyAt + content.text.size());
-    if (!version || !fillHeader(category, fresh, *version, file.data())) {
+    if (!version || !fillKeyFileHeader(category, fresh, *version, file.data())) {
         return false;
     }
     std::copy(content.text.begin(), content.text.end(), file.data() + keyAt);

@@ -12,8 +12,6 @@ namespace zel::storage {
 
 namespace {
 
-ZelLogger& logger = encryptFileUtilsLogger();
-
 /// Copies the content. Returns nullopt if it cannot be protected or an allocation fails.
 std::optional<PendingWrites::Kept> copyContent(const ProtectedText& content,
                                                PendingWrites::FileCategory category) noexcept {
@@ -76,7 +74,7 @@ bool PendingWrites::write(const std::string& path, const ProtectedText& content,
         auto copy = copyContent(content, category);
         const bool isCopied = copy.has_value();
         isKept = fail(*entry, cause, std::move(copy));
-        ZelLog(logger, ZelLogLevel::Error, ZEL_HERE,
+        ZelLog(encryptFileUtilsLogger, ZelLogLevel::Error, ZEL_HERE,
                "Failed to write protected file " + ZelLogger_replacePIIData(path) + ": " + cause +
                    (isCopied ? "; the content is kept and will be written again" : "; the content is not kept"));
     }
@@ -114,13 +112,13 @@ void PendingWrites::retryOne(Entry& entry, const Attempt& attempt) {
     const std::string cause = attempt(path, *kept->content, kept->category);
     if (cause.empty()) {
         succeed(entry);
-        ZelLog(logger, ZelLogLevel::Info, ZEL_HERE,
+        ZelLog(encryptFileUtilsLogger, ZelLogLevel::Info, ZEL_HERE,
                "Wrote protected file " + ZelLogger_replacePIIData(path) + " after an earlier failure");
         return;
     }
     fail(entry, cause, kept);
     if (cause != lastCause) { // a disk that stays full is reported once, not on every retry
-        ZelLog(logger, ZelLogLevel::Error, ZEL_HERE,
+        ZelLog(encryptFileUtilsLogger, ZelLogLevel::Error, ZEL_HERE,
                "Failed again to write protected file " + ZelLogger_replacePIIData(path) + ": " + cause);
     }
 }
@@ -186,7 +184,7 @@ void PendingWrites::giveUp(const std::string& directory) {
         }
         if (!lost.empty()) {
             setKept(*entry, std::nullopt);
-            ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, "Lost the content of protected file " + lost);
+            ZelLog(encryptFileUtilsLogger, ZelLogLevel::Error, ZEL_HERE, "Lost the content of protected file " + lost);
         }
     }
 }

@@ -13,8 +13,6 @@ namespace zel::storage {
 
 namespace {
 
-ZelLogger& logger = encryptFileUtilsLogger();
-
 ReadOutcome outcomeOf(KeyResult result) {
     switch (result) {
     case KeyResult::Found:
@@ -35,10 +33,10 @@ std::string describe(int error) {
 /// Logs only the name of the file: folders may identify the user.
 void logDebug(std::string_view function, int line, std::string_view action, const std::string& path,
               std::string_view reason) {
-    if (ZelLog_isDebugEnabled(logger)) {
+    if (ZelLog_isDebugEnabled(encryptFileUtilsLogger)) {
         std::string text(action);
         text.append(splitPath(path).name).append(": ").append(reason);
-        ZelLog(logger, ZelLogLevel::Debug, __FILE__, line, function, text);
+        ZelLog(encryptFileUtilsLogger, ZelLogLevel::Debug, __FILE__, line, function, text);
     }
 }
 
@@ -107,10 +105,12 @@ void ProtectedFiles::moveAsideIfUnusable(const std::string& path, FileCategoryTy
     const std::string shown = ZelLogger_replacePIIData(path) + ", which can't be read (" + std::string(outcome.reason);
     std::string keptAs;
     if (const int error = Quarantine(layer).moveAside(path, keptAs); error != 0) {
-        ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, "Failed to move aside " + shown + "): " + describe(error));
+        ZelLog(encryptFileUtilsLogger, ZelLogLevel::Error, ZEL_HERE,
+               "Failed to move aside " + shown + "): " + describe(error));
         return;
     }
-    ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE, "Moved aside " + shown + "), as " + splitPath(keptAs).name);
+    ZelLog(encryptFileUtilsLogger, ZelLogLevel::Warning, ZEL_HERE,
+           "Moved aside " + shown + "), as " + splitPath(keptAs).name);
     movedFiles.add({path, keptAs, outcome.result});
 }
 
@@ -160,7 +160,7 @@ int ProtectedFiles::preserveIfUnreadable(const std::string& path, FileCategoryTy
     if (error != 0 || keptAs.empty()) {
         return error;
     }
-    ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE,
+    ZelLog(encryptFileUtilsLogger, ZelLogLevel::Warning, ZEL_HERE,
            "Replacing " + splitPath(path).name + ", which can't be read (" + std::string(outcome.reason) +
                "), kept as " + splitPath(keptAs).name);
     movedFiles.add({path, keptAs, outcome.result});

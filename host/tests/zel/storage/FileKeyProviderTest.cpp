@@ -1,5 +1,6 @@
 #include "zel/storage/FileKeyProvider.h"
 
+#include "ForwardingFileLayer.h"
 #include "KeyProcesses.h"
 #include "LogRecorder.h"
 #include "StorageProfile.h"
@@ -249,43 +250,25 @@ TEST_F(FileKeyProviderTest, ALockHeldByAnotherProcessIsReportedAndNoKeyIsCreated
 
 TEST_F(FileKeyProviderTest, WithoutAWorkingLockTheKeyThatIsLinkedFirstWins) {
     // Another process creates its key between the check and the link.
-    class LateLayer final : public zel::storage::FileLayer {
+    class LateLayer final : public testing_host::ForwardingFileLayer {
     public:
         explicit LateLayer(FileKeyProvider& provider) : other(provider) {}
-        int createFile(const std::string& path, Handle& handle) override { return real.createFile(path, handle); }
-        int openForReading(const std::string& path, Handle& handle, zel::storage::FileKind& kind,
-                           std::uint64_t& size) override {
-            return real.openForReading(path, handle, kind, size);
-        }
-        int read(Handle handle, char* buffer, std::size_t room, std::size_t& count) override {
-            return real.read(handle, buffer, room, count);
-        }
-        int write(Handle handle, std::string_view bytes, std::size_t& count) override {
-            return real.write(handle, bytes, count);
-        }
         int sync(Handle handle) override {
             MasterKey key;
             EXPECT_EQ(other.findOrMake(UserData, key), KeyResult::Found);
             theirs = textOf(key);
-            return real.sync(handle);
+            return ForwardingFileLayer::sync(handle);
         }
-        int close(Handle handle) override { return real.close(handle); }
-        int rename(const std::string& from, const std::string& to) override { return real.rename(from, to); }
-        int link(const std::string& existing, const std::string& name) override { return real.link(existing, name); }
-        int unlink(const std::string& path) override { return real.unlink(path); }
-        int createDirectory(const std::string& path) override { return real.createDirectory(path); }
-        int syncDirectory(const std::string& path) override { return real.syncDirectory(path); }
         int lockDirectory(const std::string& path, std::chrono::milliseconds, Handle& handle) override {
             FileKind kind{};
             std::uint64_t size = 0;
-            return real.openForReading(path, handle, kind, size);
+            return openForReading(path, handle, kind, size);
         }
 
         std::string theirs;
 
     private:
         using FileKind = zel::storage::FileKind;
-        FileLayer& real = FileLayer::platform();
         FileKeyProvider& other;
     } layer(provider);
     FileKeyProvider late(layer, profile.data().string());

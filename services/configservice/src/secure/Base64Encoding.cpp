@@ -4,7 +4,7 @@ namespace zel {
 
 namespace {
 
-constexpr std::string_view alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+constexpr std::string_view standardAlphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
 } // namespace
 
@@ -14,11 +14,11 @@ const Base64Encoding& Base64Encoding::instance() {
 }
 
 std::string_view Base64Encoding::getAlphabet() const {
-    return alphabet;
+    return standardAlphabet;
 }
 
 const Encoding::DecodingTable& Base64Encoding::getDecodingTable() const {
-    static constexpr DecodingTable table = makeDecodingTable(alphabet);
+    static constexpr DecodingTable table = makeDecodingTable(standardAlphabet);
     return table;
 }
 

@@ -4,7 +4,7 @@ namespace zel {
 
 namespace {
 
-constexpr std::string_view alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_";
+constexpr std::string_view urlAlphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_";
 
 } // namespace
 
@@ -14,11 +14,11 @@ const Base64urlEncoding& Base64urlEncoding::instance() {
 }
 
 std::string_view Base64urlEncoding::getAlphabet() const {
-    return alphabet;
+    return urlAlphabet;
 }
 
 const Encoding::DecodingTable& Base64urlEncoding::getDecodingTable() const {
-    static constexpr DecodingTable table = makeDecodingTable(alphabet);
+    static constexpr DecodingTable table = makeDecodingTable(urlAlphabet);
     return table;
 }
 

@@ -1,11 +1,9 @@
 #include "SimulatedClient.h"
 
-#include "FleetServiceImpl.h"
 #include "services/impl/entry/InjectConfigService.h"
 
 #include <ConfigServiceIds.h>
 
-#include <stdexcept>
 #include <utility>
 
 namespace fleet_test {
@@ -17,16 +15,14 @@ SimulatedClient::SimulatedClient(const std::shared_ptr<ZelUnified::UnifiedFactor
     InjectConfigService(factory);
     records = factory->getServiceByType<ZelUnified::ConfigService>();
     factory->StartFeatureSet(ZelUnified::configServiceId, nullptr);
-    const auto service = std::make_shared<fleet::FleetServiceImpl>(factory);
+    service = std::make_shared<fleet::FleetServiceImpl>(factory);
     factory->getFeatureSets().registerItem<FleetService>(FleetService::fleetServiceId, service);
     factory->StartFeatureSet(FleetService::fleetServiceId, nullptr);
-    if (!service->isFollowing()) {
-        throw std::runtime_error("a client does not follow the cluster");
-    }
 }
 
 SimulatedClient::~SimulatedClient() {
     observers.clear();
+    service.reset();
     records.reset();
     factory->Destroy();
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "FleetServiceImpl.h"
 #include "SimulatedFactory.h"
 #include "ValueObserver.h"
 
@@ -23,6 +24,8 @@ public:
 
     /// Adds an observer to the record of the key. The client keeps it.
     void observe(const std::wstring& key, ValueObserver::Listener listener);
+    /// Returns false while the task that begins to follow the cluster has not run.
+    bool isFollowing() const { return service->isFollowing(); }
     std::wstring getValue(const std::wstring& key) const { return records->getConfig(key)->getValue(); }
     /// Returns the observers in the order in which they were added.
     const std::vector<std::shared_ptr<ValueObserver>>& getObservers() const { return observers; }
@@ -30,6 +33,7 @@ public:
 private:
     const std::shared_ptr<SimulatedFactory> factory;
     std::shared_ptr<ZelUnified::ConfigService> records;
+    std::shared_ptr<fleet::FleetServiceImpl> service;
     std::vector<std::shared_ptr<ValueObserver>> observers;
 };
 

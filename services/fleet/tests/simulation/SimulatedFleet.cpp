@@ -30,6 +30,7 @@ SimulatedFleet::SimulatedFleet(std::size_t count, EtcdCluster& etcdCluster)
         cluster.put(fleet::FleetScope::ofUser(getUser(client)).prefix + ownKey, getUser(client));
     }
     addClients(count);
+    checkFollowing();
     passBarrier();
     checkUsers();
 }
@@ -67,6 +68,14 @@ void SimulatedFleet::addClients(std::size_t count) {
             clients.push_back(std::move(client));
         });
     }
+}
+
+void SimulatedFleet::checkFollowing() const {
+    forEach([](std::size_t /*number*/, const SimulatedClient& client) {
+        if (!client.isFollowing()) {
+            throw std::runtime_error("a client does not follow the cluster");
+        }
+    });
 }
 
 void SimulatedFleet::checkUsers() const {

@@ -35,6 +35,8 @@ public:
 private:
     void onServices(const std::function<void()>& work) const;
     void addClients(std::size_t count);
+    /// Throws unless each client has begun to follow the cluster.
+    void checkFollowing() const;
     /// Throws unless each client follows its own user's settings.
     void checkUsers() const;
 

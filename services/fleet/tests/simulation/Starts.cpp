@@ -32,6 +32,7 @@ std::string runClient(const std::vector<std::string>& arguments) {
 struct Start {
     double time = 0; ///< Until the first answer, in milliseconds.
     double loadTime = 0;
+    double idleTime = 0;
     std::string value;
 };
 
@@ -39,7 +40,7 @@ Start start(const std::string& profile, const std::string& mode) {
     const auto output = runClient({profile, mode});
     std::istringstream words(output);
     Start measured;
-    words >> measured.time >> measured.loadTime >> measured.value;
+    words >> measured.time >> measured.loadTime >> measured.idleTime >> measured.value;
     if (!words) {
         throw std::runtime_error("a client prints no times: " + output);
     }
@@ -50,15 +51,19 @@ Start start(const std::string& profile, const std::string& mode) {
 /// cluster.
 void measure(const std::string& profile, const std::string& clusterState, const std::string& value,
              StartResult& result) {
-    StartTimes times{clusterState, !value.empty(), {}, {}, {}};
+    StartTimes times;
+    times.cluster = clusterState;
+    times.hasLastValue = !value.empty();
     for (std::size_t count = 0; count < result.starts; ++count) {
         const auto without = start(profile, "without");
         const auto with = start(profile, "with");
         times.without.push_back(without.time);
         times.with.push_back(with.time);
         times.load.push_back(with.loadTime);
+        times.idleWithout.push_back(without.idleTime);
+        times.idleWith.push_back(with.idleTime);
         for (const auto* measured : {&without, &with}) {
-            result.wrong += times.hasLastValue && measured->value != value ? 1 : 0;
+            times.wrong += times.hasLastValue && measured->value != value ? 1 : 0;
         }
     }
     result.states.push_back(std::move(times));
@@ -86,21 +91,26 @@ StartResult measureStarts(std::size_t starts) {
 }
 
 std::string findFault(const StartResult& result) {
-    return result.wrong == 0 ? ""
-                             : "starts that have not answered with the last value: " + std::to_string(result.wrong);
+    std::size_t wrong = 0;
+    for (const auto& times : result.states) {
+        wrong += times.wrong;
+    }
+    return wrong == 0 ? "" : "starts that have not answered with the last value: " + std::to_string(wrong);
 }
 
 void print(const StartResult& result) {
     std::puts("| the cluster | starts | without the plug-in, least ms | p50 ms | with it, least ms | p50 ms "
-              "| difference of the least, ms | least for loading it, ms | with the last value |\n"
-              "| --- | ---: | ---: | ---: | ---: | ---: | ---: | ---: | --- |");
+              "| difference of the least, ms | least for loading it, ms | difference until the thread is idle, ms "
+              "| with the last value |\n"
+              "| --- | ---: | ---: | ---: | ---: | ---: | ---: | ---: | ---: | --- |");
     for (const auto& times : result.states) {
-        const auto* const value = !times.hasLastValue ? "" : result.wrong == 0 ? "all" : "not all";
+        const auto* const value = !times.hasLastValue ? "none is set" : times.wrong == 0 ? "all" : "not all";
         const auto without = getPercentile(times.without, 0);
         const auto with = getPercentile(times.with, 0);
-        std::printf("| %s | %zu | %.2f | %.1f | %.2f | %.1f | %+.2f | %.2f | %s |\n", times.cluster.c_str(),
+        const auto idle = getPercentile(times.idleWith, 0) - getPercentile(times.idleWithout, 0);
+        std::printf("| %s | %zu | %.2f | %.1f | %.2f | %.1f | %+.2f | %.2f | %+.2f | %s |\n", times.cluster.c_str(),
                     result.starts, without, getPercentile(times.without, 0.5), with, getPercentile(times.with, 0.5),
-                    with - without, getPercentile(times.load, 0), value);
+                    with - without, getPercentile(times.load, 0), idle, value);
     }
 }
 

@@ -136,10 +136,7 @@ KyrCoreUtils::HostDirectories directoriesOfProfile(const std::string& profile) {
 }
 
 std::vector<std::string> nameDirectories(const std::string& profile, const KyrCoreUtils::HostDirectories& folders) {
-    std::vector<std::string> named{folders.config};
-    if (!profile.empty()) {
-        named.insert(named.end(), {profile, folders.applicationData, folders.state, folders.resources});
-    }
+    std::vector<std::string> named{profile, folders.config, folders.applicationData, folders.state, folders.resources};
     std::erase(named, "");
     return named;
 }

@@ -20,7 +20,8 @@ namespace lumora_config {
 struct CommandLine {
     KyrCoreUtils::HostDirectories directories; ///< An empty member means the default of the platform.
     std::string pluginDirectory;               ///< If empty, searched relative to the program.
-    /// The directories of --profile, --config-dir and --plugin-dir, the libraries of --plugin and their directories.
+    /// The directories and libraries that must be trusted: all that the options name, the directories in that of
+    /// --profile, and those of the libraries of --plugin.
     std::vector<std::string> namedDirectories;
     std::vector<PluginSpec> plugins;
     std::vector<StoreSpec> stores;
@@ -42,8 +43,7 @@ struct CommandLine {
 /// Returns the absolute paths of the four folders of a profile.
 KyrCoreUtils::HostDirectories directoriesOfProfile(const std::string& profile);
 
-/// Returns the directories named by the user to which the program writes settings. For a profile, also returns its
-/// subdirectories.
+/// Returns the directories that must be trusted: that of the profile, if one is named, and the named ones of `folders`.
 std::vector<std::string> nameDirectories(const std::string& profile, const KyrCoreUtils::HostDirectories& folders);
 
 } // namespace lumora_config

@@ -18,7 +18,7 @@ namespace ZelUnified {
 
 namespace {
 
-ZelLogger& logger = ZelLogger_getLogger("ConfigFileCacheTimer");
+ZelLogger& timerLogger = ZelLogger_getLogger("ConfigFileCacheTimer");
 
 } // namespace
 
@@ -87,8 +87,8 @@ int ConfigFileCacheTimer::getCount() {
 }
 
 ConfigFileCacheTimer::Impl::~Impl() {
-    if (ZelLog_isDebugEnabled(logger)) {
-        ZelLog(logger, ZelLogLevel::Debug, ZEL_HERE, "ConfigFileCacheTimer Destructor");
+    if (ZelLog_isDebugEnabled(timerLogger)) {
+        ZelLog(timerLogger, ZelLogLevel::Debug, ZEL_HERE, "ConfigFileCacheTimer Destructor");
     }
     clearTimers();
 }
@@ -100,14 +100,14 @@ void ConfigFileCacheTimer::Impl::scheduleTimer(std::shared_ptr<ConfigFileCacheTi
     }
     const zel::Mutex::ScopedLock lock(timersMutex);
     const std::string fileName = callback->getFileName();
-    if (ZelLog_isDebugEnabled(logger)) {
-        ZelLog(logger, ZelLogLevel::Debug, ZEL_HERE,
+    if (ZelLog_isDebugEnabled(timerLogger)) {
+        ZelLog(timerLogger, ZelLogLevel::Debug, ZEL_HERE,
                "Attempting to schedule timer for file: " + fileName + ", lasting: " + std::to_string(milliseconds) +
                    "ms");
     }
     if (hasTimerFor(fileName)) {
-        if (ZelLog_isDebugEnabled(logger)) {
-            ZelLog(logger, ZelLogLevel::Debug, ZEL_HERE, "Timer already exists, do nothing");
+        if (ZelLog_isDebugEnabled(timerLogger)) {
+            ZelLog(timerLogger, ZelLogLevel::Debug, ZEL_HERE, "Timer already exists, do nothing");
         }
         return;
     }
@@ -115,8 +115,9 @@ void ConfigFileCacheTimer::Impl::scheduleTimer(std::shared_ptr<ConfigFileCacheTi
     timers.insert(timer);
     const std::int64_t seconds = milliseconds / 1000;
     timer->start(seconds);
-    if (ZelLog_isDebugEnabled(logger)) {
-        ZelLog(logger, ZelLogLevel::Debug, ZEL_HERE, "Timer added. Timers count: " + std::to_string(timers.size()));
+    if (ZelLog_isDebugEnabled(timerLogger)) {
+        ZelLog(timerLogger, ZelLogLevel::Debug, ZEL_HERE,
+               "Timer added. Timers count: " + std::to_string(timers.size()));
     }
 }
 
@@ -132,8 +133,8 @@ bool ConfigFileCacheTimer::Impl::hasTimerFor(const std::string& fileName) const 
 void ConfigFileCacheTimer::Impl::clearTimers() {
     std::set<std::shared_ptr<TimerImpl>> released;
     const zel::Mutex::ScopedLock lock(timersMutex);
-    if (ZelLog_isDebugEnabled(logger)) {
-        ZelLog(logger, ZelLogLevel::Debug, ZEL_HERE, "Removing all timers, which should stop them all");
+    if (ZelLog_isDebugEnabled(timerLogger)) {
+        ZelLog(timerLogger, ZelLogLevel::Debug, ZEL_HERE, "Removing all timers, which should stop them all");
     }
     for (const auto& timer : timers) {
         timer->forbidCallback();
@@ -148,21 +149,23 @@ int ConfigFileCacheTimer::Impl::getCount() {
 }
 
 void ConfigFileCacheTimer::Impl::removeTimerImpl(const std::shared_ptr<TimerImpl>& timer) {
-    const bool debug = ZelLog_isDebugEnabled(logger);
+    const bool debug = ZelLog_isDebugEnabled(timerLogger);
     if (debug) {
-        ZelLog(logger, ZelLogLevel::Debug, ZEL_HERE, "Removing timer. Timers count: " + std::to_string(getCount()));
+        ZelLog(timerLogger, ZelLogLevel::Debug, ZEL_HERE,
+               "Removing timer. Timers count: " + std::to_string(getCount()));
     }
     const zel::Mutex::ScopedLock lock(timersMutex);
     timers.erase(timer);
     timer->stop();
     if (debug) {
-        ZelLog(logger, ZelLogLevel::Debug, ZEL_HERE, "Timer removed. Timers count: " + std::to_string(timers.size()));
+        ZelLog(timerLogger, ZelLogLevel::Debug, ZEL_HERE,
+               "Timer removed. Timers count: " + std::to_string(timers.size()));
     }
 }
 
 ConfigFileCacheTimer::TimerImpl::~TimerImpl() {
-    if (ZelLog_isDebugEnabled(logger)) {
-        ZelLog(logger, ZelLogLevel::Debug, ZEL_HERE, "TimerImpl::~TimerImpl()");
+    if (ZelLog_isDebugEnabled(timerLogger)) {
+        ZelLog(timerLogger, ZelLogLevel::Debug, ZEL_HERE, "TimerImpl::~TimerImpl()");
     }
     timer.stop();
 }
@@ -172,8 +175,8 @@ void ConfigFileCacheTimer::TimerImpl::onTimer() {
     if (!callback) {
         return;
     }
-    if (ZelLog_isDebugEnabled(logger)) {
-        ZelLog(logger, ZelLogLevel::Debug, ZEL_HERE, "Firing callback for file: " + callback->getFileName());
+    if (ZelLog_isDebugEnabled(timerLogger)) {
+        ZelLog(timerLogger, ZelLogLevel::Debug, ZEL_HERE, "Firing callback for file: " + callback->getFileName());
     }
     if (const auto dispatcher = factory ? factory->getBackgroundDispatcher() : nullptr) {
         dispatcher->enqueue([self = shared_from_this()] { self->callBackAndRemove(); },

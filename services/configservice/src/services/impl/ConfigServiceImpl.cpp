@@ -17,7 +17,7 @@ namespace ZelUnified {
 
 namespace {
 
-ZelLogger& logger = ZelLogger_getLogger("ConfigService-ConfigServiceImpl");
+ZelLogger& serviceLogger = ZelLogger_getLogger("ConfigService-ConfigServiceImpl");
 
 /// Differs from the rule in ConfigValueImpl::getValue(): this one compares the value instead of the key, and overwrites
 /// the stored value.
@@ -156,8 +156,8 @@ std::wstring ConfigServiceImpl::getValueFromConfigStore(std::string storeName, s
 }
 
 void ConfigServiceImpl::configDownloadFailed() {
-    if (ZelLog_isDebugEnabled(logger)) {
-        ZelLog(logger, ZelLogLevel::Debug, ZEL_HERE, "ConfigServiceImpl::configDownloadFailed()");
+    if (ZelLog_isDebugEnabled(serviceLogger)) {
+        ZelLog(serviceLogger, ZelLogLevel::Debug, ZEL_HERE, "ConfigServiceImpl::configDownloadFailed()");
     }
 }
 
@@ -280,7 +280,8 @@ std::shared_ptr<ConfigValueImpl> ConfigServiceImpl::findConfig(const FoldedKey& 
     const auto* newName = newNames.find(key);
     if (newName != nullptr) {
         if (auto record = findConfigFromKey(FoldedKey(*newName))) {
-            ZelLog(logger, ZelLogLevel::Info, ZEL_HERE, describeLookupByOldName(key.getText(), *newName, *record));
+            ZelLog(serviceLogger, ZelLogLevel::Info, ZEL_HERE,
+                   describeLookupByOldName(key.getText(), *newName, *record));
             return record;
         }
     }
@@ -298,7 +299,7 @@ std::shared_ptr<ConfigValueImpl> ConfigServiceImpl::findConfigFromKey(const Fold
     // The value of this key depends on the machine, not on a store.
     if (key.equals(ConfigKeys::calendarIntegrationType)) {
         auto record = createConfig(key);
-        CalendarIntegrationTypeCheck::detectCalendarIntegrationType(logger, record);
+        CalendarIntegrationTypeCheck::detectCalendarIntegrationType(serviceLogger, record);
         return record;
     }
     return nullptr;
@@ -351,7 +352,7 @@ void ConfigServiceImpl::logConfig() {
     report += L"\nUnDefined Values\n---------------\n";
     appendSettings(report, false);
     report += L"\n*************************** End Settings ***************************\n";
-    ZelLog(logger, ZelLogLevel::Info, ZEL_HERE, report);
+    ZelLog(serviceLogger, ZelLogLevel::Info, ZEL_HERE, report);
 }
 
 void ConfigServiceImpl::appendSettings(std::wstring& report, bool defined) {

@@ -10,7 +10,7 @@ namespace ZelUnified {
 
 namespace {
 
-ZelLogger& logger = ZelLogger_getLogger("ConfigService-RecordObservers");
+ZelLogger& observersLogger = ZelLogger_getLogger("ConfigService-RecordObservers");
 
 ConfigRecordState stateOf(ConfigValueImpl& record) {
     return {record.getValue(),     record.getOriginalValue(),  record.getisOverridden(),
@@ -23,7 +23,7 @@ void notify(ConfigRecordObserver& observer, const std::wstring& key, const Confi
         observer.OnRecordChanged(key, before, after);
     } catch (const std::exception& failure) {
         // An inspecting service must not keep a change from the observers of the record.
-        ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, std::string("An observer failed: ") + failure.what());
+        ZelLog(observersLogger, ZelLogLevel::Error, ZEL_HERE, std::string("An observer failed: ") + failure.what());
     }
 }
 

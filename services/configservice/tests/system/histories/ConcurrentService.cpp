@@ -3,14 +3,14 @@
 #include "CachedFolder.h"
 #include "DeliveredStore.h"
 #include "KeyNames.h"
+#include "ProductTypes.h"
 #include "StartedState.h"
 #include "services/impl/entry/InjectConfigService.h"
 
 #include <ConfigFeatureSet.h>
 #include <ConfigServiceIds.h>
 #include <ConfigStoreAddedObserver.h>
-#include <ConfigValue.h>
-#include <ConfigValueObserver.h>
+#include <DefaultsFile.h>
 
 #include <algorithm>
 #include <thread>
@@ -40,25 +40,6 @@ std::string cutBetween(std::string& text, const std::string& begin, const std::s
 
 } // namespace
 
-/// Records each property that a record fires, with the content of the record.
-class ConcurrentService::RecordObserver final : public ConfigValueObserver {
-public:
-    RecordObserver(ConcurrentService& subject, std::wstring itsKey) : owner(subject), key(std::move(itsKey)) {}
-    void OnKeyChanged() override { note("Key"); }
-    void OnValueChanged() override { note("Value"); }
-    void OnOriginalValueChanged() override { note("OriginalValue"); }
-    void OnisOverriddenChanged() override { note("isOverridden"); }
-    void OnisDefinedChanged() override { note("isDefined"); }
-    void OnValueStoreNameChanged() override { note("ValueStoreName"); }
-    void OnOriginalValueStoreNameChanged() override { note("OriginalValueStoreName"); }
-
-private:
-    void note(const std::string& property) { owner.fired.push_back(property + " of " + owner.readRecord(key)); }
-
-    ConcurrentService& owner;
-    const std::wstring key;
-};
-
 class ConcurrentService::ArrivalObserver final : public ConfigStoreAddedObserver {
 public:
     ArrivalObserver(ConcurrentService& subject, std::size_t itsNumber) : owner(subject), number(itsNumber) {}
@@ -72,11 +53,7 @@ private:
 };
 
 ConcurrentService::ConcurrentService(const Pairs& policy) {
-    std::wstring document = L"<Lumora>\n";
-    for (const auto& [key, value] : shippedDefaults) {
-        document += L" <userConfig name=\"" + key + L"\" value=\"" + value + L"\"/>\n";
-    }
-    testing_host::writeFile(profile.resources() / "lumora-config-defaults.xml", narrow(document + L"</Lumora>\n"));
+    testing_host::writeDefaults(profile.resources(), shippedDefaults);
     for (const auto& [key, value] : policy) {
         registry->setText(zel::registry::HKEY_CURRENT_USER, policyPath, key, value);
     }
@@ -113,7 +90,8 @@ History ConcurrentService::run(const Script& script) {
 
 void ConcurrentService::observeRecords() {
     for (const auto& key : watchedKeys) {
-        recordObservers.push_back(std::make_shared<RecordObserver>(*this, key));
+        recordObservers.push_back(std::make_shared<RecordObserver>(
+            [this, key](const std::string& property) { fired.push_back(property + " of " + readRecord(key)); }));
         service->getConfig(key)->addObserver(std::weak_ptr<ConfigValueObserver>(recordObservers.back()));
     }
 }
@@ -220,7 +198,7 @@ std::string ConcurrentService::perform(const Call& call) {
         adapter->removeAllCachedConfigStores();
         return "none";
     case Kind::SetMdmConfig:
-        setMdmConfig(call.pairs);
+        adapter->setMdmConfig(toMdmDocument(call.pairs));
         return "none";
     case Kind::GetConfig:
         return lookUp(call.key, call.skipLocal);
@@ -228,13 +206,8 @@ std::string ConcurrentService::perform(const Call& call) {
         return narrow(adapter->getValueFromConfigStore(call.name, call.key));
     case Kind::SetConfig:
         return toText(adapter->setConfig(call.key, call.value));
-    case Kind::SetConfigMap: {
-        ConfigMap map;
-        for (const auto& [key, value] : call.pairs) {
-            map[key] = value;
-        }
-        return toText(adapter->setConfig(map));
-    }
+    case Kind::SetConfigMap:
+        return toText(adapter->setConfig(toConfigMap(call.pairs)));
     case Kind::SetInMemoryConfig:
         return toText(adapter->setInMemoryConfig(call.key, call.value));
     case Kind::ResetConfig:
@@ -292,10 +265,7 @@ std::string ConcurrentService::performLifecycle(const Call& call) {
 }
 
 std::string ConcurrentService::readRecord(const std::wstring& key) {
-    const auto record = service->getConfig(key);
-    return describe(RecordView{record->getKey(), record->getValue(), record->getOriginalValue(),
-                               record->getisOverridden(), record->getisDefined(), record->getValueStoreName(),
-                               record->getOriginalValueStoreName()});
+    return describe(toRecordView(*service->getConfig(key)));
 }
 
 std::string ConcurrentService::lookUp(const std::wstring& key, bool skipLocal) {
@@ -320,14 +290,6 @@ std::string ConcurrentService::report() {
         }
     }
     return stores;
-}
-
-void ConcurrentService::setMdmConfig(const Pairs& pairs) {
-    std::wstring document = L"<root><group>";
-    for (const auto& [key, value] : pairs) {
-        document += L"<" + key + L">" + value + L"</" + key + L">";
-    }
-    adapter->setMdmConfig(narrow(document + L"</group></root>"));
 }
 
 std::vector<Posted> ConcurrentService::assignToEvents(const std::vector<Event>& events,

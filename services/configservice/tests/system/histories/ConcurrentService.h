@@ -2,6 +2,7 @@
 
 #include "History.h"
 #include "HistoryFactory.h"
+#include "RecordObserver.h"
 #include "featuresets/adapters/config/ConfigAdapter.h"
 
 #include <ConfigService.h>
@@ -32,7 +33,6 @@ public:
     std::vector<std::string> findStaleRecords();
 
 private:
-    class RecordObserver;
     class ArrivalObserver;
 
     void observeRecords();
@@ -47,7 +47,6 @@ private:
     std::string readRecord(const std::wstring& key);
     std::string lookUp(const std::wstring& key, bool skipLocal);
     std::string report();
-    void setMdmConfig(const Pairs& pairs);
     std::vector<Posted> assignToEvents(const std::vector<Event>& events, const RecordedQueue& queue) const;
     std::vector<std::string> describeEnd();
 

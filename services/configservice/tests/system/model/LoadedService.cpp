@@ -1,15 +1,14 @@
 #include "LoadedService.h"
 
 #include "CachedFolder.h"
-#include "TracedConfigStore.h"
+#include "ProductTypes.h"
 #include "services/impl/entry/InjectConfigService.h"
 
 #include <zel/FipsUtils.h>
 
 #include <ConfigFeatureSet.h>
 #include <ConfigServiceIds.h>
-#include <ConfigValue.h>
-#include <ConfigValueObserver.h>
+#include <DefaultsFile.h>
 
 namespace config_model {
 
@@ -19,36 +18,11 @@ namespace {
 
 constexpr const wchar_t* policyPath = L"Software\\Policies\\Ventrix Systems, Inc.\\Unified Communications\\VentrixUC";
 
-std::shared_ptr<ConfigStore> makeStore(const StoreShape& shape) {
-    return std::make_shared<TracedConfigStore>(shape, [](const std::string&) {});
-}
-
 } // namespace
-
-/// Reports each property that the record of its key fires.
-class LoadedService::RecordObserver final : public ConfigValueObserver {
-public:
-    RecordObserver(const LoadedService& owner, std::wstring itsKey) : subject(owner), key(std::move(itsKey)) {}
-    void OnKeyChanged() override { subject.fired(key, "Key"); }
-    void OnValueChanged() override { subject.fired(key, "Value"); }
-    void OnOriginalValueChanged() override { subject.fired(key, "OriginalValue"); }
-    void OnisOverriddenChanged() override { subject.fired(key, "isOverridden"); }
-    void OnisDefinedChanged() override { subject.fired(key, "isDefined"); }
-    void OnValueStoreNameChanged() override { subject.fired(key, "ValueStoreName"); }
-    void OnOriginalValueStoreNameChanged() override { subject.fired(key, "OriginalValueStoreName"); }
-
-private:
-    const LoadedService& subject;
-    const std::wstring key;
-};
 
 LoadedService::LoadedService(const Pairs& shippedDefaults) {
     setFipsMode(false);
-    std::wstring document = L"<Lumora>\n";
-    for (const auto& [key, value] : shippedDefaults) {
-        document += L" <userConfig name=\"" + key + L"\" value=\"" + value + L"\"/>\n";
-    }
-    testing_host::writeFile(profile.resources() / "lumora-config-defaults.xml", narrow(document + L"</Lumora>\n"));
+    testing_host::writeDefaults(profile.resources(), shippedDefaults);
 }
 
 LoadedService::~LoadedService() {
@@ -73,7 +47,8 @@ void LoadedService::restart(const std::vector<std::wstring>& watchedKeys) {
     runTasks();
     for (const auto& key : watchedKeys) {
         const auto record = service->getConfig(key);
-        observers.push_back(std::make_shared<RecordObserver>(*this, record->getKey()));
+        observers.push_back(std::make_shared<RecordObserver>(
+            [this, name = record->getKey()](const std::string& property) { fired(name, property); }));
         record->addObserver(std::weak_ptr<ConfigValueObserver>(observers.back()));
     }
 }
@@ -123,11 +98,7 @@ std::string LoadedService::findStore(const std::string& name) {
 }
 
 void LoadedService::setMdmConfig(const Pairs& pairs) {
-    std::wstring document = L"<root><group>";
-    for (const auto& [key, value] : pairs) {
-        document += L"<" + key + L">" + value + L"</" + key + L">";
-    }
-    service->setMdmConfig(narrow(document + L"</group></root>"));
+    service->setMdmConfig(toMdmDocument(pairs));
 }
 
 bool LoadedService::setConfig(const std::wstring& key, const std::wstring& value) {
@@ -137,11 +108,7 @@ bool LoadedService::setConfig(const std::wstring& key, const std::wstring& value
 }
 
 bool LoadedService::setConfig(const Pairs& pairs) {
-    ConfigMap map;
-    for (const auto& [key, value] : pairs) {
-        map[key] = value;
-    }
-    const bool stored = adapter->setConfig(map);
+    const bool stored = adapter->setConfig(toConfigMap(pairs));
     runTasks();
     return stored;
 }
@@ -176,14 +143,7 @@ void LoadedService::setFipsMode(bool on) {
 }
 
 RecordView LoadedService::getRecord(const std::wstring& key) {
-    const auto record = service->getConfig(key);
-    return {record->getKey(),
-            record->getValue(),
-            record->getOriginalValue(),
-            record->getisOverridden(),
-            record->getisDefined(),
-            record->getValueStoreName(),
-            record->getOriginalValueStoreName()};
+    return toRecordView(*service->getConfig(key));
 }
 
 std::vector<std::string> LoadedService::listCachedFiles() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "RecordObserver.h"
 #include "Service.h"
 #include "featuresets/adapters/config/ConfigAdapter.h"
 
@@ -65,8 +66,6 @@ public:
     std::vector<std::string> listCachedFiles() override;
 
 private:
-    class RecordObserver;
-
     void unload();
     void runTasks() { factory->backgroundDispatcher->runAll(); }
 

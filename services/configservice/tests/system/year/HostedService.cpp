@@ -2,7 +2,7 @@
 
 #include "CachedFolder.h"
 #include "KeyNames.h"
-#include "TracedConfigStore.h"
+#include "ProductTypes.h"
 
 #include <kyr/FunctionTask.h>
 #include <registry/RegistryFiles.h>
@@ -12,10 +12,8 @@
 #include <zel/FipsUtils.h>
 #include <zel/PowerEventObserver.h>
 
-#include <ConfigMap.h>
 #include <ConfigServiceIds.h>
-#include <ConfigValue.h>
-#include <ConfigValueObserver.h>
+#include <DefaultsFile.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -26,9 +24,9 @@ namespace simulated_year {
 
 using namespace ZelUnified;
 using config_model::Pairs;
+using config_model::RecordObserver;
 using config_model::RecordView;
 using config_model::StoreShape;
-using config_model::TracedConfigStore;
 using zel::storage::EncryptFileUtils;
 
 namespace {
@@ -38,10 +36,6 @@ constexpr const char* policyKey = "[HKEY_CURRENT_USER\\Software\\Policies\\Ventr
 
 constexpr ResetDataOptionEnum::ResetDataOption resetOptions[] = {
     ResetDataOptionEnum::ResetAll, ResetDataOptionEnum::ResetUserData, ResetDataOptionEnum::ResetOnSignOut};
-
-std::shared_ptr<ConfigStore> makeStore(const StoreShape& shape) {
-    return std::make_shared<TracedConfigStore>(shape, [](const std::string&) {});
-}
 
 std::string makeRegistryText(const Pairs& pairs) {
     std::string text = std::string("Windows Registry Editor Version 5.00\n\n") + policyKey;
@@ -57,12 +51,6 @@ void replaceFile(const std::filesystem::path& path, std::string_view content) {
     testing_host::writeFile(path, content);
 }
 
-RecordView viewOf(ConfigValue& record) {
-    return {
-        record.getKey(),       record.getValue(),          record.getOriginalValue(),         record.getisOverridden(),
-        record.getisDefined(), record.getValueStoreName(), record.getOriginalValueStoreName()};
-}
-
 } // namespace
 
 FolderContent readFolder(const std::filesystem::path& folder) {
@@ -74,23 +62,6 @@ FolderContent readFolder(const std::filesystem::path& folder) {
     }
     return content;
 }
-
-/// Reports each property that the record of its key fires.
-class HostedService::RecordObserver final : public ConfigValueObserver {
-public:
-    RecordObserver(const HostedService& owner, std::wstring itsKey) : subject(owner), key(std::move(itsKey)) {}
-    void OnKeyChanged() override { subject.fired(key, "Key"); }
-    void OnValueChanged() override { subject.fired(key, "Value"); }
-    void OnOriginalValueChanged() override { subject.fired(key, "OriginalValue"); }
-    void OnisOverriddenChanged() override { subject.fired(key, "isOverridden"); }
-    void OnisDefinedChanged() override { subject.fired(key, "isDefined"); }
-    void OnValueStoreNameChanged() override { subject.fired(key, "ValueStoreName"); }
-    void OnOriginalValueStoreNameChanged() override { subject.fired(key, "OriginalValueStoreName"); }
-
-private:
-    const HostedService& subject;
-    const std::wstring key;
-};
 
 HostedService::HostedService(const Pairs& shippedDefaults) {
     setFipsMode(false);
@@ -133,7 +104,8 @@ void HostedService::restart(const std::vector<std::wstring>& watchedKeys) {
     onServices([&] {
         for (const auto& key : watchedKeys) {
             const auto record = service->getConfig(key);
-            observers.push_back(std::make_shared<RecordObserver>(*this, record->getKey()));
+            observers.push_back(std::make_shared<RecordObserver>(
+                [this, name = record->getKey()](const std::string& property) { fired(name, property); }));
             record->addObserver(std::weak_ptr<ConfigValueObserver>(observers.back()));
         }
     });
@@ -203,7 +175,7 @@ void HostedService::settle() const {
 // Stores.
 
 void HostedService::addStore(const StoreShape& shape) {
-    onServices([&] { featureSet->addConfigStore(makeStore(shape)); });
+    onServices([&] { featureSet->addConfigStore(config_model::makeStore(shape)); });
     settle();
 }
 
@@ -233,11 +205,7 @@ void HostedService::removeAllCachedStores() {
 }
 
 void HostedService::setMdmConfig(const Pairs& pairs) {
-    std::wstring document = L"<root><group>";
-    for (const auto& [key, value] : pairs) {
-        document += L"<" + key + L">" + value + L"</" + key + L">";
-    }
-    onServices([&] { service->setMdmConfig(config_model::narrow(document + L"</group></root>")); });
+    onServices([&] { service->setMdmConfig(config_model::toMdmDocument(pairs)); });
     settle();
 }
 
@@ -277,12 +245,8 @@ bool HostedService::setConfig(const std::wstring& key, const std::wstring& value
 }
 
 bool HostedService::setConfig(const Pairs& pairs) {
-    ConfigMap map;
-    for (const auto& [key, value] : pairs) {
-        map[key] = value;
-    }
     bool stored = false;
-    onServices([&] { stored = featureSet->setConfig(map); });
+    onServices([&] { stored = featureSet->setConfig(config_model::toConfigMap(pairs)); });
     settle();
     return stored;
 }
@@ -342,7 +306,7 @@ void HostedService::setFipsMode(bool on) {
 
 RecordView HostedService::getRecord(const std::wstring& key) {
     RecordView view;
-    onServices([&] { view = viewOf(*service->getConfig(key)); });
+    onServices([&] { view = config_model::toRecordView(*service->getConfig(key)); });
     return view;
 }
 
@@ -351,7 +315,7 @@ std::vector<std::string> HostedService::findRecordsThatDiffer() {
     onServices([&] {
         const auto all = service->getAllConfig();
         for (const auto& record : *all) {
-            records.push_back(viewOf(*record));
+            records.push_back(config_model::toRecordView(*record));
         }
     });
     std::vector<std::string> lines;
@@ -399,12 +363,7 @@ void HostedService::passTime(std::int64_t seconds) {
 }
 
 void HostedService::setDefaults(const Pairs& pairs) {
-    std::wstring document = L"<Lumora>\n";
-    for (const auto& [key, value] : pairs) {
-        document += L" <userConfig name=\"" + key + L"\" value=\"" + value + L"\"/>\n";
-    }
-    testing_host::writeFile(profile.resources() / "lumora-config-defaults.xml",
-                            config_model::narrow(document + L"</Lumora>\n"));
+    testing_host::writeDefaults(profile.resources(), pairs);
 }
 
 void HostedService::setAdministratorPolicy(const Pairs& pairs) {

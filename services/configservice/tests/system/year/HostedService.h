@@ -1,5 +1,6 @@
 #pragma once
 
+#include "RecordObserver.h"
 #include "Service.h"
 #include "UnsyncedFiles.h"
 
@@ -100,8 +101,6 @@ public:
     const FolderContent& getFilesAfterStart() const { return filesAfterStart; }
 
 private:
-    class RecordObserver;
-
     void onServices(const std::function<void()>& work) const;
     /// Runs all tasks that are queued.
     void settle() const;
@@ -123,7 +122,7 @@ private:
     std::shared_ptr<ZelUnified::UnifiedFactoryImpl> factory;
     std::shared_ptr<ZelUnified::ConfigFeatureSet> featureSet;
     std::shared_ptr<ZelUnified::ConfigService> service;
-    std::vector<std::shared_ptr<RecordObserver>> observers;
+    std::vector<std::shared_ptr<config_model::RecordObserver>> observers;
 };
 
 } // namespace simulated_year

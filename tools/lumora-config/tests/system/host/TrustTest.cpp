@@ -56,13 +56,16 @@ TEST(Trust, AFolderOfAProfileThatEverybodyMayWriteIsRefused) {
     }
 }
 
-TEST(Trust, AConfigurationDirectoryThatEverybodyMayWriteIsRefused) {
+TEST(Trust, AFolderWithAnOptionOfItsOwnThatEverybodyMayWriteIsRefused) {
     const Profile profile;
-    const auto folder = profile.root() / "config";
-    fs::create_directory(folder);
-    openToEverybody(folder);
-    expectRefused(runWithFolders(profile, {"get", "Theme"}), folder, writableByAll);
-    EXPECT_EQ(runWithFolders(profile, {"get", "Theme", "--trust"}).out, "system\n");
+    for (const auto* name : {"config", "data", "state", "resources"}) {
+        const auto folder = profile.root() / name;
+        fs::create_directory(folder);
+        openToEverybody(folder);
+        expectRefused(runWithFolders(profile, {"get", "Theme"}), folder, writableByAll);
+        EXPECT_EQ(runWithFolders(profile, {"get", "Theme", "--trust"}).out, "system\n");
+        fs::permissions(folder, fs::perms::others_write, fs::perm_options::remove);
+    }
 }
 
 TEST(Trust, APluginFolderThatEverybodyMayWriteIsRefusedBeforeAnythingIsLoaded) {

@@ -14,7 +14,7 @@ namespace ZelUnified {
 
 namespace {
 
-ZelLogger& logger = ZelLogger_getLogger("ConfigService-BootstrapConfigStore");
+ZelLogger& bootstrapLogger = ZelLogger_getLogger("ConfigService-BootstrapConfigStore");
 
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 constexpr std::string_view separator = ":";
@@ -63,7 +63,7 @@ BootstrapConfigStore::BootstrapConfigStore(const std::string& storeName, const s
     std::fstream stream;
     KyrCoreUtils::FstreamUtils::open(stream, filePath, KyrCoreUtils::StreamMode::Read);
     if (!stream.is_open()) {
-        ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE, "File does not exist " + filePath);
+        ZelLog(bootstrapLogger, ZelLogLevel::Warning, ZEL_HERE, "File does not exist " + filePath);
         return;
     }
     ConfigMap read;

@@ -8,7 +8,7 @@ namespace ZelUnified {
 
 namespace {
 
-ZelLogger& logger = ZelLogger_getLogger("ConfigService-InMemoryConfigStore");
+ZelLogger& inMemoryLogger = ZelLogger_getLogger("ConfigService-InMemoryConfigStore");
 
 } // namespace
 
@@ -40,8 +40,8 @@ void InMemoryConfigStore::removeAllValues() {
 }
 
 void InMemoryConfigStore::persistValues() {
-    if (ZelLog_isDebugEnabled(logger)) {
-        ZelLog(logger, ZelLogLevel::Debug, ZEL_HERE,
+    if (ZelLog_isDebugEnabled(inMemoryLogger)) {
+        ZelLog(inMemoryLogger, ZelLogLevel::Debug, ZEL_HERE,
                "PersistValues() is not implemented for InMemoryConfigStore ignoring");
     }
 }

@@ -30,8 +30,6 @@ using zel::storage::FileCategoryType::UserData;
 
 namespace {
 
-const OperationLogger& logger = localFileConfigStoreLogger();
-
 constexpr std::string_view invalidSyntax =
     "Error Invalid XML syntax detected - Unable to read localFileConfigStore configuration";
 
@@ -74,7 +72,9 @@ void copyEntries(const std::vector<ConfigEntry::Owner>& entries, ConfigMap& copy
 
 /// Logs the content of a file that is not well-formed and renames the file.
 void quarantine(const std::string& directory, const std::string& file, const LogPlace& place) {
-    const auto logError = [&place](const auto& text) { ZelLog(logger, ZelLogLevel::Error, place, text); };
+    const auto logError = [&place](const auto& text) {
+        ZelLog(localFileConfigStoreLogger, ZelLogLevel::Error, place, text);
+    };
     const std::string quarantineName = file.substr(0, file.rfind('.')) + "-backup.xml";
     std::string text(invalidSyntax);
     text.append("\nrenaming invalid file to: ").append(quarantineName).append(" and creating new blank XML document");
@@ -96,8 +96,8 @@ public:
         : store(std::move(written)), fileName(std::move(file)) {}
 
     void onTimerFired() override {
-        if (ZelLog_isDebugEnabled(logger)) {
-            ZelLog(logger, ZelLogLevel::Debug, ZEL_HERE, "About to cache file: " + fileName);
+        if (ZelLog_isDebugEnabled(localFileConfigStoreLogger)) {
+            ZelLog(localFileConfigStoreLogger, ZelLogLevel::Debug, ZEL_HERE, "About to cache file: " + fileName);
         }
         if (const auto alive = store.lock()) {
             alive->backupConfigFile();
@@ -181,7 +181,7 @@ bool LocalFileConfigStore::readFromEncryptedFile() {
     const auto values = table->lock();
     zel::SecureString content;
     if (!readProtectedText(content)) {
-        ZelLog(logger, ZelLogLevel::Error, ZEL_HERE,
+        ZelLog(localFileConfigStoreLogger, ZelLogLevel::Error, ZEL_HERE,
                "Failed to read config file " + configDirectory + (hasBackup() ? backupFileName : fileName));
         return false;
     }
@@ -191,7 +191,7 @@ bool LocalFileConfigStore::readFromEncryptedFile() {
     if (const XmlDocument document = XmlReader::parseDoc(text)) {
         values->replace(readTable(name, document));
     } else {
-        ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, invalidSyntax);
+        ZelLog(localFileConfigStoreLogger, ZelLogLevel::Error, ZEL_HERE, invalidSyntax);
     }
     zel::SecureString::wipe(text);
     return true;
@@ -211,7 +211,7 @@ bool LocalFileConfigStore::readFromFile() {
     const auto values = table->lock();
     const std::string path = configDirectory + fileName;
     if (!FileUtils::fileExists(path)) {
-        ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE,
+        ZelLog(localFileConfigStoreLogger, ZelLogLevel::Warning, ZEL_HERE,
                L"Read config FAILED, config file doesn't exist: " + KyrCoreUtils::toWideString(path));
         return false;
     }
@@ -240,8 +240,8 @@ void LocalFileConfigStore::persistValues() {
         if (std::ranges::equal(lastPersistedValues, values->list(), [](const auto& persisted, const auto& entry) {
                 return persisted.first == entry->getKey() && persisted.second == entry->getValue();
             })) {
-            if (ZelLog_isDebugEnabled(logger)) {
-                ZelLog(logger, ZelLogLevel::Debug, ZEL_HERE, "Same content has been saved.");
+            if (ZelLog_isDebugEnabled(localFileConfigStoreLogger)) {
+                ZelLog(localFileConfigStoreLogger, ZelLogLevel::Debug, ZEL_HERE, "Same content has been saved.");
             }
             return;
         }
@@ -258,11 +258,11 @@ void LocalFileConfigStore::persistValuesImpl(const std::string& target) {
     const zel::Mutex::ScopedLock fileLock(fileMutex);
     if (!checkIfGoodToWrite(target, false)) {
         if (checkIfGoodToWrite(target, true)) {
-            ZelLog(logger, ZelLogLevel::Error, ZEL_HERE,
+            ZelLog(localFileConfigStoreLogger, ZelLogLevel::Error, ZEL_HERE,
                    "Failed to read lumoraLocalConfig/backup file, so don't write to " + target + " to keep file good.");
             return;
         }
-        ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, "Both files are broken, write to " + target);
+        ZelLog(localFileConfigStoreLogger, ZelLogLevel::Error, ZEL_HERE, "Both files are broken, write to " + target);
     }
     zel::SecureString content;
     {

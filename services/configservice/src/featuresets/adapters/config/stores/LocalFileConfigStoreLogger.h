@@ -5,9 +5,6 @@
 namespace ZelUnified {
 
 /// The logger of the store and of its document.
-inline const OperationLogger& localFileConfigStoreLogger() {
-    static const OperationLogger logger("LocalFileConfigStore");
-    return logger;
-}
+inline const OperationLogger localFileConfigStoreLogger("LocalFileConfigStore");
 
 } // namespace ZelUnified

@@ -12,12 +12,6 @@
 
 namespace ZelUnified {
 
-namespace {
-
-const OperationLogger& logger = localFileConfigStoreLogger();
-
-} // namespace
-
 LocalFileDocument::LocalFileDocument(const std::string& store, ConfigMap& table)
     : migrates(!KyrCoreUtils::caseInsensitiveStringEquals(store, ConfigKeys::configDefaultsFile)), values(table) {}
 
@@ -53,7 +47,8 @@ void LocalFileDocument::processUserConfigXml(const xmlNode& element) {
         }
         auto text = XmlReader::getText(*attribute, expansionBudget);
         if (!text) {
-            ZelLog(logger, ZelLogLevel::Error, ZEL_HERE, "Error entities expand too far - entry ignored");
+            ZelLog(localFileConfigStoreLogger, ZelLogLevel::Error, ZEL_HERE,
+                   "Error entities expand too far - entry ignored");
             return;
         }
         if (name == "name") {
@@ -84,7 +79,7 @@ void LocalFileDocument::getDataString(ConfigTable& table, zel::SecureString& con
     writer.startElement("Lumora");
     for (const auto& entry : table.list()) {
         if (!writer.writeEmptyElement("userConfig", {{"name", entry->getKey()}, {"value", entry->getValue()}})) {
-            ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE,
+            ZelLog(localFileConfigStoreLogger, ZelLogLevel::Warning, ZEL_HERE,
                    L"Characters that XML can't carry are replaced in the entry of key: " +
                        std::wstring(entry->getKey()));
         }

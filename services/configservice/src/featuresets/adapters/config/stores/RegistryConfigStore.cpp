@@ -24,7 +24,7 @@ using KyrCoreUtils::FileUtils;
 
 namespace {
 
-ZelLogger& logger = ZelLogger_getLogger("ConfigService-RegistryConfigStore");
+ZelLogger& registryLogger = ZelLogger_getLogger("ConfigService-RegistryConfigStore");
 
 /// The parent key of the current user's policies.
 constexpr std::wstring_view softwareKey = L"Software\\";
@@ -106,7 +106,7 @@ void RegistryConfigStore::logConfigMap() const {
     for (const auto& entry : values->list()) {
         text.append(L"\n").append(entry->getKey()).append(L": ").append(shownValue(*entry));
     }
-    ZelLog(logger, ZelLogLevel::Info, ZEL_HERE, text);
+    ZelLog(registryLogger, ZelLogLevel::Info, ZEL_HERE, text);
 }
 
 void RegistryConfigStore::writeTextCopy() const {
@@ -139,7 +139,7 @@ bool RegistryConfigStore::regDelnodeRecurse(HKEY root, PathBuffer& subkey) {
         if (registry->RegDeleteKeyW(root, subkey) != RegistryResult::Success) {
             return false;
         }
-        ZelLog(logger, ZelLogLevel::Info, ZEL_HERE, std::wstring(L"Successfully deleted the key: ") + subkey);
+        ZelLog(registryLogger, ZelLogLevel::Info, ZEL_HERE, std::wstring(L"Successfully deleted the key: ") + subkey);
         return true;
     };
     if (deleteKey()) {
@@ -149,7 +149,7 @@ bool RegistryConfigStore::regDelnodeRecurse(HKEY root, PathBuffer& subkey) {
     if (!key) {
         const bool absent = key.getResult() == RegistryResult::NotFound;
         const std::wstring text = absent ? L"Key not found: " : L"Error opening key: ";
-        ZelLog(logger, ZelLogLevel::Warning, ZEL_HERE, text + subkey);
+        ZelLog(registryLogger, ZelLogLevel::Warning, ZEL_HERE, text + subkey);
         return absent;
     }
     deleteSubkeys(*registry, root, key.get(), subkey);

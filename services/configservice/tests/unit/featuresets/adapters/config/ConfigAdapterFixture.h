@@ -9,6 +9,7 @@
 
 #include <ConfigFeatureSet.h>
 #include <ConfigService.h>
+#include <DefaultsFile.h>
 #include <InMemoryRegistry.h>
 #include <LogRecorder.h>
 #include <RecordingFactory.h>
@@ -59,14 +60,7 @@ protected:
     }
 
     /// Writes the shipped defaults. Call before load().
-    void givenDefaults(const ConfigMap& values) {
-        std::wstring document = L"<Lumora>\n";
-        for (const auto& [key, value] : values) {
-            document += L" <userConfig name=\"" + key + L"\" value=\"" + value + L"\"/>\n";
-        }
-        testing_host::writeFile(profile.resources() / "lumora-config-defaults.xml",
-                                KyrCoreUtils::toString(document + L"</Lumora>\n"));
-    }
+    void givenDefaults(const ConfigMap& values) { testing_host::writeDefaults(profile.resources(), values); }
     void givenPolicy(const std::wstring& key, const std::wstring& value) {
         registry->setText(zel::registry::HKEY_CURRENT_USER, policyPath, key, value);
     }
