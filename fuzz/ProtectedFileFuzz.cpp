@@ -74,7 +74,7 @@ void checkHeader(std::string_view header) {
     const auto sealed = ProtectedFileFormat::seal("<Lumora/>\n", UserData, key());
     require(sealed.has_value());
     std::string file = *sealed;
-    const auto length = std::min(header.size(), ProtectedFileFormat::headerLength);
+    const auto length = std::min(header.size(), std::size_t{ProtectedFileFormat::headerLength});
     std::copy_n(header.begin(), length, file.begin());
     require(open(file, UserData).has_value() == (file == *sealed));
     require(!open(file, DeviceData));

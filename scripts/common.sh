@@ -62,5 +62,8 @@ shell_scripts() {
   } | sort -zu
 }
 
-# Prints the tests that do not run for Windows, one a line.
-tests_left_out_on_windows() { sed -e 's/#.*//' -e 's/[[:space:]]*$//' -e '/^$/d' scripts/windows-left-out; }
+# Prints the lines of scripts/windows-left-out without comments: tests, sources and folders.
+left_out_on_windows() { sed -e 's/#.*//' -e 's/[[:space:]]*$//' -e '/^$/d' scripts/windows-left-out; }
+
+# Prints the tests that are left out of a program for Windows, one a line.
+tests_left_out_on_windows() { left_out_on_windows | grep -vE '(\.cpp|/)$'; }

@@ -30,8 +30,8 @@ std::shared_ptr<UnifiedFactoryImpl> makeFactory(const char* pluginFolder) {
     options.servicesThread = ZelUnified::UnifiedFactoryOptions::ServicesThread::Pumped;
     options.pluginFolder = pluginFolder;
     // One library provides both interfaces. It is loaded when one of them is looked up for the first time.
-    options.plugins = {{ZelUnified::readableTypeName<ConfigService>(), "libconfigservice.so"},
-                       {ZelUnified::readableTypeName<ConfigFeatureSet>(), "libconfigservice.so"}};
+    options.plugins = {{ZelUnified::readableTypeName<ConfigService>(), SERVICE_LIBRARY},
+                       {ZelUnified::readableTypeName<ConfigFeatureSet>(), SERVICE_LIBRARY}};
     return std::make_shared<UnifiedFactoryImpl>(std::move(options));
 }
 

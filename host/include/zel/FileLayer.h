@@ -42,7 +42,7 @@ public:
 
     /// Renames a file and replaces `to`. If both are hard links to one file, both remain.
     virtual int rename(const std::string& from, const std::string& to) = 0;
-    /// Creates a second name for a file. Returns EEXIST if the name exists.
+    /// Creates a second name for a file. Returns EEXIST if the name exists and EPERM for a directory.
     virtual int link(const std::string& existing, const std::string& name) = 0;
     virtual int unlink(const std::string& path) = 0;
 

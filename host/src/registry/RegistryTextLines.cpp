@@ -13,7 +13,12 @@ constexpr std::string_view utf16Mark = "\xFF\xFE";
 constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
 
 std::wstring decodeUtf16(std::string_view bytes) {
-    return decodeAllRegistryText({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
+    auto text = decodeAllRegistryText({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
+    if constexpr (sizeof(wchar_t) == 2) {
+        // Replaces a lone surrogate, as wider characters do: files are written in UTF-8, which has none.
+        text = KyrCoreUtils::toWideString(KyrCoreUtils::toString(text));
+    }
+    return text;
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include "SystemHandle.h"
 #include "kyr/HexDigits.h"
 #include "kyr/PathText.h"
+#include "kyr/PlatformFiles.h"
 
 #include <kyr/FileUtils.h>
 #include <kyr/StringUtils.h>
@@ -24,14 +25,21 @@ namespace {
 constexpr DWORD sharedWithAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
 /// Returns the same spelling of an existing directory in all processes: the system's own, without links and with the
-/// case of the disk.
+/// case of the disk. Returns "" and sets the error of the thread if it is none.
 std::wstring finalPath(const std::filesystem::path& directory) {
     const SystemHandle opened(::CreateFileW(directory.c_str(), 0, sharedWithAll, nullptr, OPEN_EXISTING,
                                             FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+    BY_HANDLE_FILE_INFORMATION information{};
+    if (!opened || !::GetFileInformationByHandle(opened.get(), &information)) {
+        return {};
+    }
+    if ((information.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
+        ::SetLastError(ERROR_DIRECTORY);
+        return {};
+    }
     std::wstring text(32768, L'\0');
-    const DWORD length = !opened ? 0
-                                 : ::GetFinalPathNameByHandleW(opened.get(), text.data(),
-                                                               static_cast<DWORD>(text.size()), VOLUME_NAME_DOS);
+    const DWORD length =
+        ::GetFinalPathNameByHandleW(opened.get(), text.data(), static_cast<DWORD>(text.size()), VOLUME_NAME_DOS);
     if (length == 0 || length > text.size()) {
         return {};
     }
@@ -61,6 +69,7 @@ public:
 
     void write(std::string_view content) const {
         KyrCoreUtils::FileUtils::createDirectory(directory);
+        KyrCoreUtils::platform::makePrivateFile(file);
         std::ofstream(file, std::ios::binary | std::ios::trunc) << content;
     }
 

@@ -18,7 +18,8 @@ namespace {
 } // namespace
 
 SharedLibrary::SharedLibrary(const std::string& path)
-    : handle(::LoadLibraryExW(toPath(path).make_preferred().c_str(), nullptr,
+    // The system searches the folder of a library only if its path has a drive.
+    : handle(::LoadLibraryExW(std::filesystem::absolute(toPath(path)).make_preferred().c_str(), nullptr,
                               LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS)) {
     if (handle == nullptr) {
         refuse(path);

@@ -145,7 +145,12 @@ int WindowsFileLayer::rename(const std::string& from, const std::string& to) {
 int WindowsFileLayer::link(const std::string& existing, const std::string& name) {
     return withPath(existing, [&](const std::filesystem::path& source) {
         return withPath(name, [&](const std::filesystem::path& target) {
-            return ::CreateHardLinkW(target.c_str(), source.c_str(), nullptr) ? 0 : lastErrno();
+            if (::CreateHardLinkW(target.c_str(), source.c_str(), nullptr)) {
+                return 0;
+            }
+            const int error = lastErrno();
+            std::error_code failure;
+            return error == EACCES && std::filesystem::is_directory(source, failure) ? EPERM : error;
         });
     });
 }

@@ -135,6 +135,11 @@ std::string RunningProcess::readError() const {
     return handles->error.readNext();
 }
 
+void RunningProcess::kill() const {
+    ::TerminateProcess(handles->process.get(), 1);
+    waitForEnd();
+}
+
 int RunningProcess::waitForEnd() const {
     ::WaitForSingleObject(handles->process.get(), INFINITE);
     DWORD code = 0;

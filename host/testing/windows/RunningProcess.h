@@ -24,6 +24,8 @@ public:
     /// Waits for output and returns it; returns an empty text at the end of the output.
     std::string readOutput() const;
     std::string readError() const;
+    /// Ends the process at once, without its cooperation, and waits for its end.
+    void kill() const;
     /// Waits for the end and returns the exit code. The program may wait for a reader of its output.
     int waitForEnd() const;
 

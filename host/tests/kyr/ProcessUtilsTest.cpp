@@ -1,6 +1,8 @@
 #include <kyr/FileAccess.h>
 #include <kyr/ProcessUtils.h>
 
+#include <TemporaryProfile.h>
+
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -22,11 +24,13 @@ TEST(ProcessUtils, ReturnsTheNameOfTheMachine) {
 }
 
 TEST(ProcessUtils, ReturnsTheNameOfTheUserThatOwnsNewFiles) {
-    const auto access = KyrCoreUtils::FileAccess::read("/proc/self/stat");
+    const testing_host::TemporaryProfile profile;
+    testing_host::writeFile(profile.root() / "file", "");
+    const auto access = KyrCoreUtils::FileAccess::read((profile.root() / "file").string());
     ASSERT_TRUE(access);
     EXPECT_EQ(ProcessUtils::getUserName(), access->ownerName);
 }
 
 TEST(ProcessUtils, ReturnsTheNameOfTheSystem) {
-    EXPECT_TRUE(ProcessUtils::getSystemName().starts_with("Linux ")) << ProcessUtils::getSystemName();
+    EXPECT_TRUE(ProcessUtils::getSystemName().starts_with(HOST_TEST_SYSTEM " ")) << ProcessUtils::getSystemName();
 }

@@ -1,8 +1,10 @@
 #include <kyr/FileUtils.h>
 #include <kyr/ProcessUtils.h>
 
+#include <TemporaryProfile.h>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <string>
 
@@ -33,4 +35,21 @@ TEST(WindowsDirectories, TheInstalledDataIsInTheDirectoryOfTheLibrary) {
 
 TEST(WindowsDirectories, TheSeparatorIsABackslash) {
     EXPECT_EQ(FileUtils::FileSeparator(), "\\");
+}
+
+TEST(WindowsDirectories, RefuseAConfigurationDirectoryThatMustNotBeEmptied) {
+    const testing_host::TemporaryProfile profile;
+    const auto configOf = [&](const fs::path& config) {
+        FileUtils::overrideDirectories({config.string(), profile.data().string(), profile.state().string(), ""});
+        return FileUtils::getConfigDirectory();
+    };
+    const fs::path home = std::getenv("USERPROFILE");
+    const auto drive = profile.root().root_path();
+    for (const auto& forbidden : {drive, drive / "x" / "..", home, home / "", home / "x" / "..", home.parent_path(),
+                                  profile.root(), profile.data(), profile.state()}) {
+        EXPECT_EQ(configOf(forbidden), "") << forbidden;
+    }
+    for (const auto& allowed : {home / "config", profile.root() / "dat"}) {
+        EXPECT_EQ(configOf(allowed), allowed.string());
+    }
 }

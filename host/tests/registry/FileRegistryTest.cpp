@@ -4,6 +4,7 @@
 
 #include <registry/RegistryFiles.h>
 
+#include <PrivateFiles.h>
 #include <gmock/gmock.h>
 
 #include <chrono>
@@ -175,8 +176,7 @@ TEST_F(FileRegistryTest, DeletingAUsersKeyRemovesItsSectionsFromAllHisFiles) {
 TEST_F(FileRegistryTest, ARewrittenFileHasMode0600AndNoTemporaryFileRemains) {
     writeUser("a.reg", "[HKCU\\K]\r\n\"a\"=\"1\"\r\n");
     ASSERT_EQ(remove(L"K"), RegistryResult::Success);
-    using std::filesystem::perms;
-    EXPECT_EQ(std::filesystem::status(user / "a.reg").permissions(), perms::owner_read | perms::owner_write);
+    EXPECT_TRUE(testing_host::isPrivate(user / "a.reg"));
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(user), std::filesystem::directory_iterator()), 1);
 }
 

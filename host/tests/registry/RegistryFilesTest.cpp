@@ -4,6 +4,7 @@
 #include <registry/RegistryFiles.h>
 #include <registry/RegistryTextFile.h>
 
+#include <PrivateFiles.h>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
@@ -52,9 +53,8 @@ TEST_F(RegistryFilesTest, OnlyAcceptedLinesAreWritten) {
 
 TEST_F(RegistryFilesTest, FileAndFolderAreAccessibleToTheirOwnerOnly) {
     ASSERT_EQ(installRegistryText(parse("[HKCU\\K]\r\n"), "policy.REG"), 0);
-    using std::filesystem::perms;
-    EXPECT_EQ(std::filesystem::status(folder).permissions(), perms::owner_all);
-    EXPECT_EQ(std::filesystem::status(folder / "policy.REG").permissions(), perms::owner_read | perms::owner_write);
+    EXPECT_TRUE(testing_host::isPrivate(folder));
+    EXPECT_TRUE(testing_host::isPrivate(folder / "policy.REG"));
 }
 
 TEST_F(RegistryFilesTest, InstallingAFileReplacesTheFileOfTheSameName) {

@@ -31,6 +31,14 @@ TEST(RegistryTextLines, AByte0AInsideAUtf16CharacterIsNotALineFeed) {
     EXPECT_EQ(text.sections[0].entries.at(0).value, makeTextValue(L"a", L"\u010a\u0a00"));
 }
 
+TEST(RegistryTextLines, ALoneSurrogateIsReplacedInUtf16) {
+    auto bytes = toUtf16File(L"Windows Registry Editor Version 5.00\n[HKCU\\K]\n\"a\"=\"x\"\n");
+    bytes.replace(bytes.rfind('x'), 2, "\x3D\xD8");
+    const auto text = parse(bytes);
+    ASSERT_THAT(text.sections, SizeIs(1));
+    EXPECT_EQ(text.sections[0].entries.at(0).value, makeTextValue(L"a", L"\uFFFD"));
+}
+
 TEST(RegistryTextLines, Utf8IsReadWithAndWithoutAByteOrderMark) {
     const std::string lines =
         "Windows Registry Editor Version 5.00\n[HKEY_CURRENT_USER\\K]\n\"\xC3\xBC\"=\"\xE4\xB8\xAD\"";

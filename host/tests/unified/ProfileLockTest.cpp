@@ -1,62 +1,26 @@
 #include "../zel/storage/PlainText.h"
 #include "../zel/storage/StorageProfile.h"
+#include "HoldingProcess.h"
 
 #include <unified/ProfileLock.h>
 #include <zel/EncryptFileUtils.h>
 
+#include <PrivateFiles.h>
 #include <TemporaryProfile.h>
 #include <fcntl.h>
 #include <sys/file.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <csignal>
 #include <filesystem>
-#include <memory>
 #include <string>
 
 using testing::AllOf;
 using testing::HasSubstr;
+using testing_host::HoldingProcess;
 using testing_host::TemporaryProfile;
 using ZelUnified::ProfileLock;
 
 namespace {
-
-/// Another process that holds the lock of a profile until it is killed.
-class HoldingProcess {
-public:
-    HoldingProcess(const std::string& config, const std::string& state) {
-        int ready[2];
-        EXPECT_EQ(pipe(ready), 0);
-        pid = fork();
-        if (pid == 0) {
-            const ProfileLock lock(config, state);
-            const char answer = lock.isHeld() ? 'y' : 'n';
-            if (write(ready[1], &answer, 1) == 1) {
-                pause();
-            }
-            _exit(0);
-        }
-        close(ready[1]);
-        char answer = 0;
-        EXPECT_EQ(read(ready[0], &answer, 1), 1);
-        EXPECT_EQ(answer, 'y');
-        close(ready[0]);
-    }
-    ~HoldingProcess() { end(); }
-
-    void end() {
-        if (pid > 0) {
-            kill(pid, SIGKILL);
-            waitpid(pid, nullptr, 0);
-            pid = 0;
-        }
-    }
-    long getPid() const { return pid; }
-
-private:
-    pid_t pid = 0;
-};
 
 class ProfileLockTest : public testing::Test {
 protected:
@@ -78,8 +42,8 @@ TEST_F(ProfileLockTest, ASecondLockReportsTheProcessThatHoldsTheFirst) {
     const HoldingProcess other(config, state);
     const ProfileLock lock(config, state);
     EXPECT_FALSE(lock.isHeld());
-    EXPECT_EQ(lock.getHolder(), other.getPid());
-    EXPECT_THAT(lock.getProblem(), AllOf(HasSubstr(config), HasSubstr(std::to_string(other.getPid()))));
+    EXPECT_EQ(lock.getHolder(), other.getId());
+    EXPECT_THAT(lock.getProblem(), AllOf(HasSubstr(config), HasSubstr(std::to_string(other.getId()))));
 }
 
 TEST_F(ProfileLockTest, ASecondLockOfTheSameProcessIsRefusedToo) {
@@ -110,11 +74,15 @@ TEST_F(ProfileLockTest, ProfilesThatShareAStateFolderAreLockedSeparately) {
 
 TEST_F(ProfileLockTest, DifferentPathsOfOneDirectoryShareOneLock) {
     const ProfileLock first(config, state);
-    std::filesystem::create_directory_symlink(profile.config(), profile.root() / "link");
-    for (const auto& spelling :
-         {config + "/", profile.root().string() + "/./config", (profile.root() / "link").string()}) {
+    for (const auto& spelling : {config + "/", profile.root().string() + "/./config"}) {
         EXPECT_FALSE(ProfileLock(spelling, state).isHeld()) << spelling;
     }
+}
+
+TEST_F(ProfileLockTest, ALinkToADirectorySharesItsLock) {
+    const ProfileLock first(config, state);
+    std::filesystem::create_directory_symlink(profile.config(), profile.root() / "link");
+    EXPECT_FALSE(ProfileLock((profile.root() / "link").string(), state).isHeld());
 }
 
 TEST_F(ProfileLockTest, FindProblemReportsTheHolderAndChangesNothing) {
@@ -182,7 +150,7 @@ TEST_F(ProfileLockTest, CreatesTheConfigurationDirectoryWithMode0700) {
     const auto missing = profile.config() / "new";
     const ProfileLock lock(missing.string(), state);
     EXPECT_TRUE(lock.isHeld());
-    EXPECT_EQ(std::filesystem::status(missing).permissions(), std::filesystem::perms::owner_all);
+    EXPECT_TRUE(testing_host::isPrivate(missing));
 }
 
 TEST_F(ProfileLockTest, ASecondProcessWithAnotherStateFolderIsRefused) {
@@ -243,8 +211,7 @@ TEST_F(ProfileLockTest, TheFileWithTheHoldersIdHasMode0600) {
     int files = 0;
     for (const auto& entry : std::filesystem::directory_iterator(state)) {
         ++files;
-        EXPECT_EQ(entry.status().permissions(),
-                  std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+        EXPECT_TRUE(testing_host::isPrivate(entry.path()));
     }
     EXPECT_EQ(files, 1);
 }
@@ -253,5 +220,5 @@ TEST_F(ProfileLockTest, AFailedAttemptDoesNotOverwriteTheHoldersId) {
     const HoldingProcess other(config, state);
     { const ProfileLock refused(config, state); }
     const ProfileLock again(config, state);
-    EXPECT_EQ(again.getHolder(), other.getPid());
+    EXPECT_EQ(again.getHolder(), other.getId());
 }

@@ -1,5 +1,8 @@
 #include "ZelLogFixture.h"
 
+#include <Patterns.h>
+#include <PrivateFiles.h>
+
 #include <regex>
 #include <string>
 
@@ -28,9 +31,9 @@ TEST_F(SpdlogSinkTest, CreatesALogFileWithMode0600) {
     const auto path = profile.state() / "deep" / "lumora.log";
     ASSERT_TRUE(zel::logging::logToFile(path.string()));
     write(ZelLogLevel::Warning, "beware");
-    EXPECT_EQ(modeOf(path), ownerReadAndWrite);
+    EXPECT_TRUE(testing_host::isPrivate(path));
     EXPECT_THAT(testing_host::readFile(path),
-                testing::MatchesRegex("....-..-.. ..:..:......? ?.* warning \\[Test\\] ns::A::f beware\n"));
+                testing_host::MatchesRegex("....-..-.. ..:..:......? ?.* warning \\[Test] ns::A::f beware\n"));
 }
 
 TEST_F(SpdlogSinkTest, RestrictsAnExistingLogFileToItsOwner) {
@@ -40,7 +43,7 @@ TEST_F(SpdlogSinkTest, RestrictsAnExistingLogFileToItsOwner) {
     std::filesystem::permissions(path, std::filesystem::perms(0644));
     ASSERT_TRUE(zel::logging::logToFile(path.string()));
     write(ZelLogLevel::Info, "after");
-    EXPECT_EQ(modeOf(path), ownerReadAndWrite);
+    EXPECT_TRUE(testing_host::isPrivate(path));
     EXPECT_TRUE(testing_host::readFile(path).starts_with("before\n"));
 }
 
@@ -54,7 +57,7 @@ TEST_F(SpdlogSinkTest, RotatesTheFileAndKeepsThreeOldOnes) {
     }
     for (const auto* name : {"lumora.log", "lumora.1.log", "lumora.2.log", "lumora.3.log"}) {
         EXPECT_LE(std::filesystem::file_size(profile.state() / name), 5U * 1024 * 1024);
-        EXPECT_EQ(modeOf(profile.state() / name), ownerReadAndWrite) << name;
+        EXPECT_TRUE(testing_host::isPrivate(profile.state() / name)) << name;
     }
     EXPECT_FALSE(std::filesystem::exists(profile.state() / "lumora.4.log"));
 }
@@ -65,6 +68,11 @@ TEST_F(SpdlogSinkTest, RefusesAFileThatCannotBeOpened) {
     EXPECT_FALSE(zel::logging::logToFile(""));
     testing_host::writeFile(profile.state() / "file", "");
     EXPECT_FALSE(zel::logging::logToFile((profile.state() / "file" / "log").string()));
+}
+
+TEST_F(SpdlogSinkTest, RefusesALink) {
+    const testing_host::TemporaryProfile profile;
+    testing_host::writeFile(profile.state() / "file", "");
     std::filesystem::create_symlink(profile.state() / "file", profile.state() / "link.log");
     EXPECT_FALSE(zel::logging::logToFile((profile.state() / "link.log").string()));
 }

@@ -30,15 +30,9 @@ private:
 /// Writes lines with a fixed place, and closes the log files at the end.
 class ZelLogFixture : public testing::Test {
 protected:
-    static constexpr auto ownerReadAndWrite = std::filesystem::perms::owner_read | std::filesystem::perms::owner_write;
-
     void TearDown() override { zel::logging::closeLogFiles(); }
 
     void write(ZelLogLevel level, std::string_view text) { ZelLog(logger, level, "src/File.cpp", 7, "ns::A::f", text); }
-
-    static std::filesystem::perms modeOf(const std::filesystem::path& path) {
-        return std::filesystem::status(path).permissions() & std::filesystem::perms::mask;
-    }
 
     ZelLogger& logger = ZelLogger_getLogger("Test");
 };

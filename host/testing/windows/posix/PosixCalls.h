@@ -24,6 +24,9 @@ using gid_t = unsigned int;
 #ifndef SIGKILL
 #define SIGKILL 9
 #endif
+#ifndef O_CLOEXEC
+#define O_CLOEXEC _O_NOINHERIT
+#endif
 
 namespace testing_host {
 

@@ -2,6 +2,7 @@
 
 #include "StorageProfile.h"
 
+#include <Patterns.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -155,7 +156,7 @@ TEST_F(DurableFileTest, AReplacedFileHasNoUnsyncedName) {
 
 TEST_F(DurableFileTest, TheTemporaryNameIsHiddenUniqueAndInTheSameFolder) {
     const std::string name = fs::path(DurableFile::makeTemporaryName("/folder/cachedStore.dat")).filename().string();
-    EXPECT_THAT(name, testing::MatchesRegex("\\.cachedStore\\.dat\\.[0-9a-f]{16}\\.tmp"));
+    EXPECT_THAT(name, testing_host::MatchesRegex("\\.cachedStore\\.dat\\.[0-9a-f]{16}\\.tmp"));
     EXPECT_NE(DurableFile::makeTemporaryName(path), DurableFile::makeTemporaryName(path));
     EXPECT_EQ(fs::path(DurableFile::makeTemporaryName(path)).parent_path(), profile.config());
     EXPECT_THAT(DurableFile::makeTemporaryName("bare.dat"), testing::StartsWith(".bare.dat."));

@@ -1,13 +1,13 @@
 #include "zel/storage/FileKeyProvider.h"
 
 #include "ForwardingFileLayer.h"
+#include "KeyProcesses.h"
 #include "LogRecorder.h"
 #include "StorageProfile.h"
 
+#include <PrivateFiles.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <string>
@@ -76,8 +76,8 @@ TEST_F(FileKeyProviderTest, TheKeyFileConsistsOfHeaderAndKey) {
 
 TEST_F(FileKeyProviderTest, KeysAreAccessibleToTheirOwnerOnly) {
     make();
-    EXPECT_EQ(fs::status(folder).permissions(), fs::perms(0700));
-    EXPECT_EQ(fs::status(folder / "cat2.key").permissions(), fs::perms(0600));
+    EXPECT_TRUE(testing_host::isPrivate(folder));
+    EXPECT_TRUE(testing_host::isPrivate(folder / "cat2.key"));
 }
 
 TEST_F(FileKeyProviderTest, CreatesTheApplicationDataFolder) {
@@ -221,42 +221,6 @@ TEST_F(FileKeyProviderTest, AKeyWhoseNameCannotBeSyncedIsUnavailable) {
     EXPECT_EQ(faulty.findOrMake(UserData, key), KeyResult::Found);
 }
 
-/// Starts processes that wait for the same moment, create the key and send it to the parent. Returns the received keys.
-std::vector<std::string> makeInProcesses(FileKeyProvider& provider, std::size_t count) {
-    int start[2];
-    int answers[2];
-    if (::pipe(start) != 0 || ::pipe(answers) != 0) {
-        return {};
-    }
-    std::vector<pid_t> children;
-    for (std::size_t i = 0; i < count; ++i) {
-        const pid_t child = ::fork();
-        if (child == 0) {
-            ::close(start[1]);
-            char ignored = 0;
-            MasterKey mine;
-            const bool done = ::read(start[0], &ignored, 1) == 0 &&
-                              provider.findOrMake(UserData, mine) == KeyResult::Found &&
-                              ::write(answers[1], mine.data(), MasterKey::length) == MasterKey::length;
-            ::_exit(done ? 0 : 1);
-        }
-        children.push_back(child);
-    }
-    ::close(start[0]);
-    ::close(start[1]);
-    ::close(answers[1]);
-    std::vector<std::string> seen;
-    std::string answer(MasterKey::length, '\0');
-    while (::read(answers[0], answer.data(), answer.size()) == static_cast<ssize_t>(answer.size())) {
-        seen.push_back(answer);
-    }
-    ::close(answers[0]);
-    for (const pid_t child : children) {
-        ::waitpid(child, nullptr, 0);
-    }
-    return seen;
-}
-
 TEST_F(FileKeyProviderTest, ProcessesThatCreateTheKeyConcurrentlyGetTheSameKey) {
     constexpr std::size_t processes = 4;
     for (int round = 0; round < 20; ++round) {
@@ -264,7 +228,7 @@ TEST_F(FileKeyProviderTest, ProcessesThatCreateTheKeyConcurrentlyGetTheSameKey) 
         if (round % 2 == 1) {
             writeFile(folder / "cat2.key", "rubbish");
         }
-        const std::vector<std::string> seen = makeInProcesses(provider, processes);
+        const std::vector<std::string> seen = testing_host::makeKeysInProcesses(profile.data().string(), processes);
         EXPECT_EQ(seen.size(), processes);
         EXPECT_THAT(seen, testing::Each(make())) << "round " << round;
         EXPECT_THAT(namesIn(folder), testing::Not(testing::Contains(testing::EndsWith(".tmp"))));

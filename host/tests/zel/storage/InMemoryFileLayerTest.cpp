@@ -100,6 +100,10 @@ TEST_F(InMemoryFileLayerTest, ReadsUnchangedFilesFromTheDisk) {
 TEST_F(InMemoryFileLayerTest, SeesOneFileUnderEverySpellingOfItsPath) {
     create(profile.root().string() + "/./config/../config/a.txt", "x");
     EXPECT_EQ(read(path), "x");
+}
+
+TEST_F(InMemoryFileLayerTest, SeesAFileThroughALinkToItsDirectory) {
+    create(path, "x");
     fs::create_directory_symlink(profile.config(), profile.root() / "link");
     EXPECT_EQ(read((profile.root() / "link" / "a.txt").string()), "x");
 }
@@ -116,12 +120,16 @@ TEST_F(InMemoryFileLayerTest, NamesOnTheDiskAreUtf8) {
     EXPECT_EQ(read(folder + "/moved"), "old");
 }
 
+TEST_F(InMemoryFileLayerTest, CreatingAFileFailsIfADanglingLinkHasItsName) {
+    FileLayer::Handle handle = -1;
+    fs::create_symlink("nowhere", other);
+    EXPECT_EQ(layer.createFile(other, handle), EEXIST);
+}
+
 TEST_F(InMemoryFileLayerTest, CreatingAFileFailsIfItsNameExistsOrItsDirectoryDoesNot) {
     FileLayer::Handle handle = -1;
     writeFile(path, "disk");
     EXPECT_EQ(layer.createFile(path, handle), EEXIST);
-    fs::create_symlink("nowhere", other);
-    EXPECT_EQ(layer.createFile(other, handle), EEXIST);
     EXPECT_EQ(layer.createFile(pathOf("absent/a.txt"), handle), ENOENT);
     EXPECT_EQ(layer.unlink(path), 0);
     create(path, "memory");

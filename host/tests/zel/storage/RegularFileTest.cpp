@@ -2,6 +2,7 @@
 
 #include <zel/RegularFile.h>
 
+#include <PrivateFiles.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -33,7 +34,7 @@ struct RegularFileTest : testing::Test {
 TEST_F(RegularFileTest, ReplaceCreatesAFileWithMode0600) {
     ASSERT_EQ(RegularFile::replace(file.string(), "content"), 0);
     EXPECT_EQ(readFile(file), "content");
-    EXPECT_EQ(fs::status(file).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+    EXPECT_TRUE(testing_host::isPrivate(file));
     EXPECT_THAT(namesIn(folder), ElementsAre("report.xml"));
 }
 
@@ -47,6 +48,11 @@ TEST_F(RegularFileTest, AnOpenReaderStillReadsTheOldContentAfterReplace) {
     EXPECT_EQ(seen, "old");
     EXPECT_EQ(readFile(file), "new content");
     EXPECT_EQ(fs::status(file).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+}
+
+TEST_F(RegularFileTest, ReplaceRefusesAFolder) {
+    EXPECT_EQ(RegularFile::replace(folder.string(), "content"), EEXIST);
+    EXPECT_THAT(namesIn(folder), testing::IsEmpty());
 }
 
 TEST_F(RegularFileTest, ReplaceRefusesFilesThatAreNotRegular) {
@@ -82,9 +88,12 @@ TEST_F(RegularFileTest, ReplaceOfADanglingLinkCreatesItsTarget) {
     EXPECT_TRUE(fs::is_symlink(folder / "first"));
 }
 
-TEST_F(RegularFileTest, ReplaceReturnsTheReasonOfAFailure) {
+TEST_F(RegularFileTest, ReplaceOfALinkToItselfReturnsTheReason) {
     fs::create_symlink("circle", folder / "circle");
     EXPECT_EQ(RegularFile::replace((folder / "circle").string(), "x"), ELOOP);
+}
+
+TEST_F(RegularFileTest, ReplaceReturnsTheReasonOfAFailure) {
     EXPECT_EQ(RegularFile::replace((folder / "absent" / "x").string(), "x"), ENOENT);
     EXPECT_EQ(RegularFile::replace("", "x"), EINVAL);
 }

@@ -70,6 +70,11 @@ TEST_F(WindowsFileLayerTest, ADirectoryIsRecognised) {
     EXPECT_EQ(layer.close(handle), 0);
 }
 
+TEST_F(WindowsFileLayerTest, ADirectoryCannotBeLinked) {
+    EXPECT_EQ(layer.link(profile.config().string(), path), EPERM);
+    EXPECT_EQ(layer.link(path, path + "x"), ENOENT);
+}
+
 TEST_F(WindowsFileLayerTest, ASecondLockOfADirectoryWaitsForTheFirst) {
     const std::string folder = profile.config().string();
     ASSERT_EQ(layer.lockDirectory(folder, std::chrono::milliseconds(0), handle), 0);

@@ -12,6 +12,9 @@
 
 namespace lumora_config {
 
+using KyrCoreUtils::toPath;
+using KyrCoreUtils::toText;
+
 namespace {
 
 constexpr auto footer =
@@ -67,7 +70,7 @@ void addOptions(CLI::App& app, RawOptions& raw, CommandLine& line) {
 /// The host compares its directories by path, so no path may depend on the working directory.
 void makeAbsolute(std::string& directory) {
     if (!directory.empty()) {
-        directory = std::filesystem::absolute(KyrCoreUtils::toPath(directory)).lexically_normal().string();
+        directory = toText(std::filesystem::absolute(toPath(directory)).lexically_normal());
     }
 }
 
@@ -108,8 +111,8 @@ CommandLine CommandLine::parse(int argc, const char* const* argv) {
     }
     std::ranges::transform(raw.plugins, std::back_inserter(line.plugins), PluginSpec::parse);
     for (const auto& plugin : line.plugins) {
-        const auto library = KyrCoreUtils::toPath(plugin.library);
-        line.pathsToTrust.insert(line.pathsToTrust.end(), {library.parent_path().string(), plugin.library});
+        const auto library = toPath(plugin.library);
+        line.pathsToTrust.insert(line.pathsToTrust.end(), {toText(library.parent_path()), plugin.library});
     }
     std::ranges::transform(raw.stores, std::back_inserter(line.stores), StoreSpec::parse);
     std::ranges::transform(raw.bootstraps, std::back_inserter(line.bootstraps), BootstrapSpec::parse);
@@ -128,9 +131,8 @@ void CommandLine::withGrammar(const std::function<void(const CLI::App& grammar)>
 KyrCoreUtils::HostDirectories directoriesOfProfile(const std::string& profile) {
     auto absolute = profile;
     makeAbsolute(absolute);
-    const auto root = KyrCoreUtils::toPath(absolute);
-    return {(root / "config").string(), (root / "data").string(), (root / "state").string(),
-            (root / "resources").string()};
+    const auto root = toPath(absolute);
+    return {toText(root / "config"), toText(root / "data"), toText(root / "state"), toText(root / "resources")};
 }
 
 std::vector<std::string> collectFoldersToTrust(const std::string& profile,

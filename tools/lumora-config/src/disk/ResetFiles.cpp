@@ -122,7 +122,7 @@ std::vector<std::string> findForeignFiles(const std::string& configDirectory) {
     FileUtils::getFilesFromDirectory(configDirectory, "", files);
     std::vector<std::string> foreign;
     for (const auto& file : files) {
-        auto path = toPath(file).lexically_relative(toPath(configDirectory)).generic_string();
+        auto path = KyrCoreUtils::toGenericText(toPath(file).lexically_relative(toPath(configDirectory)));
         if (!isClientFile(path)) {
             foreign.push_back(std::move(path));
         }

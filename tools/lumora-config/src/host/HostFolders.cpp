@@ -24,7 +24,7 @@ namespace fs = std::filesystem;
 std::string describeAbsence(const fs::path& folder) {
     std::error_code ignored;
     const auto status = fs::status(folder, ignored);
-    const auto name = folder.lexically_normal().string();
+    const auto name = KyrCoreUtils::toText(folder.lexically_normal());
     if (!fs::exists(status)) {
         return "there is no folder " + name;
     }

@@ -72,7 +72,8 @@ void PolicyFile::install() const {
     if (getAdministratorRegistryFolder().empty()) {
         throw Failure(ExitCode::Environment, path + ": this system has a registry; import the file there");
     }
-    if (const int error = installRegistryText(text, KyrCoreUtils::toPath(path).filename().string()); error != 0) {
+    if (const int error = installRegistryText(text, KyrCoreUtils::toText(KyrCoreUtils::toPath(path).filename()));
+        error != 0) {
         const auto reason = error == EEXIST ? std::string("something there has its name and is not a regular file")
                                             : std::generic_category().message(error);
         throw Failure(ExitCode::Environment, path + ": cannot be written to the user's registry files: " + reason);
@@ -81,11 +82,12 @@ void PolicyFile::install() const {
 
 std::string PolicyFile::getInstalledPath() const {
     const auto folder = KyrCoreUtils::toPath(getUserRegistryFolder());
-    auto name = KyrCoreUtils::toPath(path).filename().string();
-    if (!KyrCoreUtils::caseInsensitiveStringEquals(KyrCoreUtils::toPath(name).extension().string(), ".reg")) {
+    auto name = KyrCoreUtils::toText(KyrCoreUtils::toPath(path).filename());
+    if (!KyrCoreUtils::caseInsensitiveStringEquals(KyrCoreUtils::toText(KyrCoreUtils::toPath(name).extension()),
+                                                   ".reg")) {
         name += ".reg";
     }
-    return (folder / KyrCoreUtils::toPath(name)).string();
+    return KyrCoreUtils::toText(folder / KyrCoreUtils::toPath(name));
 }
 
 std::string PolicyFile::getInstalledText() const {

@@ -1,5 +1,7 @@
 #include "Program.h"
 
+#include <kyr/Paths.h>
+
 #include <TemporaryProfile.h>
 
 #include <fstream>
@@ -54,8 +56,9 @@ Profile::~Profile() {
 }
 
 std::string Profile::write(const std::string& name, std::string_view content) const {
-    testing_host::writeFile(base / name, content);
-    return (base / name).string();
+    const auto path = base / KyrCoreUtils::toPath(name);
+    testing_host::writeFile(path, content);
+    return KyrCoreUtils::toGenericText(path);
 }
 
 std::string Profile::writeDocument(const std::string& name, std::string_view elements) const {

@@ -41,12 +41,15 @@ public:
 
     std::filesystem::path root() const { return base; }
     std::filesystem::path defaultsFile() const { return base / "resources" / "lumora-config-defaults.xml"; }
-    /// Writes a file to the profile's folder and returns its path.
+    /// Writes a file to the profile's folder and returns its path with "/" as separator, so that it can be a word of
+    /// the shell.
     std::string write(const std::string& name, std::string_view content) const;
     /// Writes a document of one group with these elements and returns its path.
     std::string writeDocument(const std::string& name, std::string_view elements) const;
     /// Sets a value in the current user's policy.
     void writePolicy(const std::string& name, const std::string& value) const;
+    /// Removes what writePolicy() has set.
+    void removePolicy() const;
 
     /// lumora-config --profile ROOT ARGUMENTS.
     Outcome run(const Arguments& arguments, const std::string& input = {}) const;

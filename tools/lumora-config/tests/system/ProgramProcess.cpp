@@ -114,6 +114,10 @@ void Profile::writePolicy(const std::string& name, const std::string& value) con
               name + "\"=\"" + value + "\"\r\n");
 }
 
+void Profile::removePolicy() const {
+    std::filesystem::remove(base / "data/registry/policy.reg");
+}
+
 struct RunningShell::Process {
     int id = -1;
     int input = -1;

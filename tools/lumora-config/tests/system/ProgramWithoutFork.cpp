@@ -29,6 +29,10 @@ void Profile::writePolicy(const std::string& name, const std::string& value) con
     policy->key.setText(L"", KyrCoreUtils::toWideString(name), KyrCoreUtils::toWideString(value));
 }
 
+void Profile::removePolicy() const {
+    policy.reset();
+}
+
 struct RunningShell::Process {
     explicit Process(const Profile& profile)
         : running(LUMORA_CONFIG_PROGRAM, {"--profile", profile.root().string(), "--json", "shell"}) {}

@@ -1,5 +1,7 @@
 #include "FaultySession.h"
 
+#include <kyr/FileUtils.h>
+
 #include <cerrno>
 #include <functional>
 
@@ -80,7 +82,7 @@ protected:
         if (content.find("new") == std::string::npos) {
             const auto name = path.filename().string();
             // "Failed to write protected file PATH: CAUSE"
-            EXPECT_TRUE(session.isLogged("/" + name + ": ") ||
+            EXPECT_TRUE(session.isLogged(KyrCoreUtils::FileUtils::FileSeparator() + name + ": ") ||
                         session.isLogged("Failed to read lumoraLocalConfig/backup file, so don't write to " + name +
                                          " to keep file good."))
                 << name;

@@ -1,8 +1,5 @@
 #include "FaultySession.h"
-
-#include <LocalFileConfigStore.h>
-#include <sys/wait.h>
-#include <unistd.h>
+#include "OtherWriter.h"
 
 #include <cerrno>
 
@@ -47,16 +44,6 @@ void makeReadOnly(FaultInjectingFileLayer& layer) {
             layer.failAt(operation, call, EROFS);
         }
     }
-}
-
-/// Changes all user settings in a separate process.
-[[noreturn]] void writeAsOtherProcess() {
-    LocalFileConfigStore store("LocalFileConfigStore", 20, false);
-    for (int round = 0; round < 100; ++round) {
-        store.storeValue(L"k", L"theirs " + std::to_wstring(round));
-        store.persistValues();
-    }
-    _exit(EXIT_SUCCESS);
 }
 
 } // namespace
@@ -198,11 +185,7 @@ TEST_F(DiskObstacles, TwoProcessesOnOneProfileLeaveEachFileComplete) {
     session.leaveFiles();
     session.loadAndStart();
     session.useRealDisk();
-    const auto other = fork();
-    ASSERT_NE(other, -1);
-    if (other == 0) {
-        writeAsOtherProcess();
-    }
+    OtherWriter other(session.profile);
     for (int round = 0; round < 100; ++round) {
         session.adapter->setConfig(L"k", L"ours " + std::to_wstring(round));
         session.persistAndBackUp();
@@ -210,9 +193,7 @@ TEST_F(DiskObstacles, TwoProcessesOnOneProfileLeaveEachFileComplete) {
             EXPECT_THAT(FaultySession::clearTextOf(session.file(name)), AnyOf(HasSubstr("ours"), HasSubstr("theirs")));
         }
     }
-    int status = 0;
-    ASSERT_EQ(waitpid(other, &status, 0), other);
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == EXIT_SUCCESS);
+    EXPECT_TRUE(other.finish());
     changeAll(session, L"newest");
     expectAtTheNextStart(session, L"newest");
 }

@@ -106,10 +106,10 @@ std::vector<std::string> ManagerChain::listCachedFiles() {
 std::vector<std::string> ManagerChain::takeLog() {
     auto lines = log.getTexts("ConfigService-ConfigStoreManager");
     log.clear();
-    const auto folder = cacheFolder.parent_path().string() + "/";
+    const auto folder = cacheFolder.string() + KyrCoreUtils::FileUtils::FileSeparator();
     for (auto& line : lines) {
         if (const auto position = line.find(folder); position != std::string::npos) {
-            line.erase(position, folder.size());
+            line.replace(position, folder.size(), "Cache/");
         }
     }
     return lines;

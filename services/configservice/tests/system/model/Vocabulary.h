@@ -9,6 +9,16 @@
 /// The words of the generators: few, so that equal ones meet.
 namespace config_model::vocabulary {
 
+/// Returns the name or, where names of files that differ only in their case are the same, another one. The copies of
+/// two stores would be one file there.
+inline std::string unlessFilesIgnoreCase([[maybe_unused]] std::string name, [[maybe_unused]] std::string other) {
+#ifdef LUMORA_FILE_NAMES_IGNORE_CASE
+    return other;
+#else
+    return name;
+#endif
+}
+
 inline const std::wstring keys[] = {
     L"TftpServer1",
     L"TFTPPrimaryServer",
@@ -37,13 +47,13 @@ inline const std::string storeNames[] = {
     "MdmConfigStore",
     "mdmCONFIGstore",
     "UrlProvisioningConfigStore",
-    "urlPROVISIONINGconfigstore",
+    unlessFilesIgnoreCase("urlPROVISIONINGconfigstore", "UrlProvisioningConfigStore"),
     "devOverrideConfigStore",
     "DEVoverrideCONFIGstore",
     "lumora-config-defaults.xml",
     "BootstrapConfigStore",
     "Alpha",
-    "ALPHA",
+    unlessFilesIgnoreCase("ALPHA", "Gamma"),
     "cachedAlpha.dat",
     "cachedBeta.xml",
     "Beta",
@@ -52,12 +62,17 @@ inline const std::string storeNames[] = {
 };
 
 inline const std::string placedFiles[] = {
-    "cachedAlpha.dat", "cachedALPHA.dat", "cachedBeta.xml", "cachedBeta.dat", "plain", "other.txt", "Alpha.xml",
+    "cachedAlpha.dat", unlessFilesIgnoreCase("cachedALPHA.dat", "cachedGamma.dat"),
+    "cachedBeta.xml",  "cachedBeta.dat",
+    "plain",           "other.txt",
+    "Alpha.xml",
 };
 
 inline const std::string removedFiles[] = {
-    "cachedAlpha.dat", "cachedALPHA.dat",   "cachedBeta.xml", "cachedBeta.dat",
-    "plain",           "other.txt",         "Alpha.xml",      "cachedUrlProvisioningConfigStore.dat",
+    "cachedAlpha.dat", unlessFilesIgnoreCase("cachedALPHA.dat", "cachedGamma.dat"),
+    "cachedBeta.xml",  "cachedBeta.dat",
+    "plain",           "other.txt",
+    "Alpha.xml",       "cachedUrlProvisioningConfigStore.dat",
     "../outside.dat",  "cached../Near.dat",
 };
 
@@ -108,7 +123,7 @@ inline const std::wstring records[] = {
 
 inline const std::string serviceStores[] = {
     "Alpha",
-    "ALPHA",
+    unlessFilesIgnoreCase("ALPHA", "Gamma"),
     "TftpStore",
     "GarnStore",
     "PresenceConfigStore",

@@ -1,5 +1,6 @@
 #include "secure/FilePermissions.h"
 
+#include <PrivateFiles.h>
 #include <TemporaryProfile.h>
 #include <gtest/gtest.h>
 
@@ -27,7 +28,7 @@ TEST(FilePermissions, CreateForOwnerWritesTheContentWithMode0600) {
     const std::string content(100'000, 'x');
     createForOwner(file.string(), content);
     EXPECT_EQ(testing_host::readFile(file), content);
-    EXPECT_EQ(fs::status(file).permissions(), ownersReadAndWrite);
+    EXPECT_TRUE(testing_host::isPrivate(file));
 }
 
 TEST(FilePermissions, CreateForOwnerWritesNothingIfTheNameExists) {

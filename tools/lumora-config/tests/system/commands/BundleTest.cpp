@@ -3,6 +3,8 @@
 
 #include <kyr/ProcessUtils.h>
 
+#include <Patterns.h>
+#include <PrivateFiles.h>
 #include <TemporaryProfile.h>
 #include <gmock/gmock.h>
 
@@ -22,7 +24,7 @@ namespace fs = std::filesystem;
 constexpr auto recordStart = "2026-01-02 03:04:05.678 info [Logger] Name::of ";
 
 std::string getPath(const Profile& profile) {
-    return (profile.root() / "problem.zip").string();
+    return (profile.root() / "problem.zip").generic_string();
 }
 
 void appendToLog(const Profile& profile, const std::string& text) {
@@ -125,7 +127,7 @@ TEST(Bundle, ContainsWhatItListsInAPrivateFile) {
     const auto outcome = profile.run({"bundle", "-o", path});
     ASSERT_EQ(outcome.exitCode, 0) << outcome.error;
     EXPECT_THAT(testing_host::readFile(path), StartsWith("PK\x03\x04"));
-    EXPECT_EQ(fs::status(path).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+    EXPECT_TRUE(testing_host::isPrivate(path));
     const auto members = readArchive(path);
     std::vector<std::string> names;
     for (const auto& [name, content] : members) {
@@ -239,7 +241,7 @@ TEST(Bundle, IsWrittenWhileTheDefaultsFileIsDamaged) {
     EXPECT_EQ(members.size(), 9U);
     EXPECT_THAT(
         members.at("index.txt"),
-        testing::ContainsRegex("\nneeds attention: defaults .*lumora-config-defaults.xml: not XML, see line 1"));
+        testing_host::ContainsRegex("\nneeds attention: defaults .*lumora-config-defaults.xml: not XML, see line 1"));
     for (const auto* name : {"health.json", "page.html"}) {
         EXPECT_THAT(members.at(name), HasSubstr("not XML, see line 1")) << name;
     }
@@ -269,7 +271,7 @@ TEST(Bundle, NamesTheProfileAndTheTimeInTheWorkingDirectoryByDefault) {
                                                 "--profile", profile.root().string(), "bundle"});
     ASSERT_EQ(outcome.exitCode, 0) << outcome.error;
     const auto name = fs::directory_iterator(folder)->path().filename().string();
-    EXPECT_THAT(name, testing::MatchesRegex("lumora-config-[A-Za-z0-9_-]+-[0-9]+T[0-9]+Z\\.zip"));
+    EXPECT_THAT(name, testing_host::MatchesRegex("lumora-config-[A-Za-z0-9_-]+-[0-9]+T[0-9]+Z\\.zip"));
     EXPECT_THAT(outcome.out, StartsWith(name + '\n'));
 }
 

@@ -117,7 +117,7 @@ TEST(Diff, ReportsSecretsThatItCannotCompare) {
 TEST(Diff, RefusesAProfileInTheShellAndOtherFiles) {
     const Profile profile;
     const Profile other;
-    const auto outcome = profile.shell({"diff " + other.root().string()});
+    const auto outcome = profile.shell({"diff " + other.root().generic_string()});
     EXPECT_EQ(outcome.exitCode, 2);
     EXPECT_THAT(outcome.error, HasSubstr("compare profiles outside it"));
     EXPECT_EQ(profile.run({"diff", "/nonexistent"}).exitCode, 3);

@@ -1,5 +1,6 @@
 #include "Program.h"
 
+#include <PrivateFiles.h>
 #include <gmock/gmock.h>
 
 #include <fstream>
@@ -19,10 +20,6 @@ namespace fs = std::filesystem;
 std::string readFile(const fs::path& path) {
     std::ifstream stream(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(stream), {}};
-}
-
-fs::perms modeOf(const fs::path& path) {
-    return fs::status(path).permissions();
 }
 
 constexpr auto ownersOnly = fs::perms::owner_read | fs::perms::owner_write;
@@ -166,7 +163,7 @@ TEST(Dump, AFileHasMode0600AndIsLoadedWithItsSecrets) {
     fs::permissions(file, fs::perms::all);
     ASSERT_EQ(profile.run({"set", "connectionpassword", "planted-secret"}).exitCode, 0);
     EXPECT_EQ(profile.run({"--show-secrets", "dump", "-o", file}).error, "1 keys written to " + file + "\n");
-    EXPECT_EQ(modeOf(file), ownersOnly);
+    EXPECT_TRUE(testing_host::isPrivate(file));
     ASSERT_EQ(other.run({"load", file}).exitCode, 0);
     EXPECT_EQ(other.run({"--show-secrets", "get", "connectionpassword"}).out, "planted-secret\n");
 }

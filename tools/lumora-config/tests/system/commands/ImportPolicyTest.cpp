@@ -1,5 +1,6 @@
 #include "Program.h"
 
+#include <registry/RegistryFiles.h>
 #include <registry/RegistryValue.h>
 
 #include <TemporaryProfile.h>
@@ -14,6 +15,9 @@ using testing::Not;
 using testing::StartsWith;
 
 namespace {
+
+/// False if the system has a registry of its own: then the program refuses to import.
+const bool importsFiles = !zel::registry::getAdministratorRegistryFolder().empty();
 
 const std::string version = "Windows Registry Editor Version 5.00\r\n\r\n";
 const std::string policyKey = "HKEY_CURRENT_USER\\Software\\Policies\\Ventrix Systems, Inc.\\Unified Communications"
@@ -230,8 +234,10 @@ TEST(ImportPolicy, ADryRunReportsTheReasonsOfTheImport) {
     EXPECT_EQ(dryRun.error, messages + "lumora-config: " + file +
                                 ": 3 of its lines are refused, 1 need attention; nothing is changed\n");
     const auto imported = profile.run({"import-policy", file});
-    EXPECT_EQ(imported.exitCode, 1);
-    EXPECT_THAT(imported.error, StartsWith(messages));
+    if (importsFiles) {
+        EXPECT_EQ(imported.exitCode, 1);
+        EXPECT_THAT(imported.error, StartsWith(messages));
+    }
 }
 
 TEST(ImportPolicy, AKeyThatResemblesThePolicyKeyExitsWith1) {
@@ -241,6 +247,9 @@ TEST(ImportPolicy, AKeyThatResemblesThePolicyKeyExitsWith1) {
                                          "Communications\\VentrixUC]\r\n\"TelemetryEnabled\"=\"false\"\r\n");
     for (const auto& arguments : {Arguments{"import-policy", "--dry-run", file}, Arguments{"import-policy", file}}) {
         const auto outcome = profile.run(arguments);
+        if (arguments.size() == 2 && !importsFiles) {
+            break;
+        }
         EXPECT_EQ(outcome.exitCode, 1);
         EXPECT_THAT(outcome.error, HasSubstr(file +
                                              ":3: not the client's policy key, so its values are never in force; "
@@ -255,8 +264,10 @@ TEST(ImportPolicy, UnknownKeysAreShownByADryRunOnly) {
     EXPECT_THAT(profile.run({"import-policy", "--dry-run", file}).error,
                 StartsWith(file + ":4: the key 'SomethingOfAnotherService' is unknown\n"));
     const auto imported = profile.run({"import-policy", file});
-    EXPECT_EQ(imported.exitCode, 0);
-    EXPECT_EQ(imported.error, file + " applies from the next start or refresh on\n");
+    if (importsFiles) {
+        EXPECT_EQ(imported.exitCode, 0);
+        EXPECT_EQ(imported.error, file + " applies from the next start or refresh on\n");
+    }
 }
 
 TEST(ImportPolicy, AFileInTheFolderFollowsTheSameRules) {

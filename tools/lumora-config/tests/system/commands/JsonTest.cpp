@@ -82,8 +82,8 @@ const std::map<std::pair<std::string, std::string>, Fields> publishedElements{
 
 /// Returns one object of each type.
 std::map<std::string, json> oneOfEach(const Profile& profile) {
-    const auto dump = (profile.root() / "theme.dump").string();
-    const auto policy = (profile.root() / "policy.reg").string();
+    const auto dump = (profile.root() / "theme.dump").generic_string();
+    const auto policy = (profile.root() / "policy.reg").generic_string();
     testing_host::writeFile(dump, "theme = \"light\"\n");
     testing_host::writeFile(policy, "REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\Software\\Policies\\Ventrix Systems, Inc.\\"
                                     "Unified Communications\\VentrixUC]\r\n\"AllowUrlProvisioning\"=\"0\"\r\nx\r\n");

@@ -1,14 +1,15 @@
 #include "Program.h"
 
+#include <Patterns.h>
 #include <gmock/gmock.h>
 
 namespace program_test {
 
 using testing::AllOf;
-using testing::ContainsRegex;
 using testing::Each;
 using testing::HasSubstr;
 using testing::Not;
+using testing_host::ContainsRegex;
 
 namespace {
 

@@ -1,13 +1,14 @@
 #include "Program.h"
 
+#include <Patterns.h>
 #include <gmock/gmock.h>
 
 namespace program_test {
 
 using testing::AllOf;
-using testing::ContainsRegex;
 using testing::HasSubstr;
 using testing::Not;
+using testing_host::ContainsRegex;
 
 TEST(Get, PrintsOnlyTheValue) {
     const Profile profile;
@@ -114,7 +115,7 @@ TEST(Explain, ShowsThatTheUserOverridesTheAdministrator) {
     ASSERT_EQ(profile.run({"set", "Theme", "dark"}).exitCode, 0);
     const auto outcome = profile.run({"explain", "Theme"});
     EXPECT_THAT(outcome.out,
-                ContainsRegex("> +20  LocalFileConfigStore +Theme +\"dark\" .*/lumoraLocalConfig.dat:[0-9]+\n"));
+                ContainsRegex("> +20  LocalFileConfigStore +Theme +\"dark\" .*[/\\]lumoraLocalConfig.dat:[0-9]+\n"));
     EXPECT_THAT(outcome.out, ContainsRegex("administrator's +\"system\" from lumora-config-defaults.xml\n"));
     EXPECT_THAT(outcome.out, ContainsRegex("overridden +yes\n"));
 }

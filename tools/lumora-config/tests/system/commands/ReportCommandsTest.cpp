@@ -1,5 +1,6 @@
 #include "Program.h"
 
+#include <PrivateFiles.h>
 #include <TemporaryProfile.h>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
@@ -54,7 +55,7 @@ TEST(Report, ReplacesTheWholeFileAndRestrictsItToItsOwner) {
         EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
         EXPECT_TRUE(testing_host::readFile(profile.root() / "old") == old);
         EXPECT_FALSE(testing_host::readFile(file) == old);
-        EXPECT_EQ(fs::status(file).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+        EXPECT_TRUE(testing_host::isPrivate(file));
         fs::remove(profile.root() / "old");
     }
 }

@@ -1,5 +1,6 @@
 #include "Program.h"
 
+#include <Patterns.h>
 #include <gmock/gmock.h>
 
 #include <chrono>
@@ -9,8 +10,8 @@ namespace program_test {
 using nlohmann::json;
 using testing::EndsWith;
 using testing::HasSubstr;
-using testing::MatchesRegex;
 using testing::Not;
+using testing_host::MatchesRegex;
 
 namespace {
 
@@ -58,7 +59,7 @@ TEST_F(OriginTest, APolicyComesFromTheLineOfTheFileThatSetsItLast) {
 TEST_F(OriginTest, AUsersValueComesFromALineOfTheEncryptedFile) {
     ASSERT_EQ(profile.run({"set", "Theme", "dark"}).exitCode, 0);
     const auto origin = originOf("Theme");
-    EXPECT_EQ(origin.at("file"), (profile.root() / "config/lumoraLocalConfig.dat").string());
+    EXPECT_EQ(origin.at("file"), (profile.root() / "config" / "lumoraLocalConfig.dat").string());
     EXPECT_GE(origin.at("line"), 1);
 }
 
@@ -66,7 +67,7 @@ TEST_F(OriginTest, ADocumentComesFromItsFileAndThenFromTheCachedCopy) {
     const auto file = profile.write("doc.xml", "<doc>\n<group>\n<A>1</A>\n<B>2</B>\n</group>\n</doc>\n");
     EXPECT_EQ(originOf("B", {"--store", file + ":Doc:40:cache"}), at(file, 4));
     const auto origin = originOf("B");
-    EXPECT_EQ(origin.at("file"), (profile.root() / "config/Cache/cachedDoc.dat").string());
+    EXPECT_EQ(origin.at("file"), (profile.root() / "config" / "Cache" / "cachedDoc.dat").string());
     EXPECT_GE(origin.at("line"), 1);
 }
 
@@ -105,7 +106,7 @@ TEST_F(OriginTest, AValueOfDeviceManagementHasTheTimeAndTheLineOfTheDocument) {
 
 TEST_F(OriginTest, AProvisionedValueHasTheTimeOfItsFileInALaterRun) {
     ASSERT_EQ(profile.run({"provision", "lumora://provision?ServicesDomain=example.net"}).exitCode, 0);
-    const auto copy = profile.root() / "config/Cache/cachedUrlProvisioningConfigStore.dat";
+    const auto copy = profile.root() / "config" / "Cache" / "cachedUrlProvisioningConfigStore.dat";
     const std::chrono::sys_seconds day = std::chrono::sys_days{std::chrono::year{2021} / 3 / 4};
     std::filesystem::last_write_time(copy, std::chrono::file_clock::from_sys(day));
     const auto origin = originOf("ServicesDomain");

@@ -46,8 +46,10 @@ protected:
             profile.write("config/" + std::string(name), "bytes\r\n of " + std::string(name));
         }
         profile.write("outside/precious.txt", "precious");
-        fs::create_directory_symlink(profile.root() / "outside", config() / "folder-link");
-        fs::create_symlink(profile.root() / "outside/precious.txt", config() / "file-link");
+        std::error_code error; // some platforms have no links
+        fs::create_directory_symlink(profile.root() / "outside", config() / "folder-link", error);
+        fs::create_symlink(profile.root() / "outside/precious.txt", config() / "file-link", error);
+        hasLinks = !error;
     }
 
     Outcome run(const Arguments& arguments) const {
@@ -58,6 +60,7 @@ protected:
     fs::path config() const { return profile.root() / "config"; }
 
     const Profile profile;
+    bool hasLinks = false;
 };
 
 TEST_F(ResetOfAFullProfile, KeepsOnlyTheSparedFilesUnchanged) {
@@ -92,6 +95,7 @@ TEST_F(ResetOfAFullProfile, KeepsTheFolders) {
 }
 
 TEST_F(ResetOfAFullProfile, LinksOutOfTheFolderAreNotFollowed) {
+    ASSERT_TRUE(hasLinks);
     const auto outcome = run({"reset-data", "--yes", "--force"});
     EXPECT_FALSE(fs::exists(fs::symlink_status(config() / "file-link")));
     EXPECT_THAT(contentOf(profile.root() / "outside"), ElementsAre(testing::Pair("precious.txt", "precious")));
@@ -109,9 +113,10 @@ TEST_F(ResetOfAFullProfile, ListsForeignFilesAndChangesNothing) {
     const auto before = contentOf(config());
     const auto outcome = profile.run({"reset-data", "--yes"});
     EXPECT_EQ(outcome.exitCode, 1);
-    EXPECT_THAT(outcome.error, HasSubstr("contains files that are not the client's; --force deletes them too: "
-                                         ".hidden, Cache/deep/other.xml, file-link, folder-link, "
-                                         "installationId.txt.bak, other.log\n"));
+    EXPECT_THAT(outcome.error,
+                HasSubstr(std::string("contains files that are not the client's; --force deletes them "
+                                      "too: .hidden, Cache/deep/other.xml, ") +
+                          (hasLinks ? "file-link, folder-link, " : "") + "installationId.txt.bak, other.log\n"));
     EXPECT_EQ(contentOf(config()), before);
     EXPECT_EQ(run({"get", "Theme"}).out, "dark\n");
 }

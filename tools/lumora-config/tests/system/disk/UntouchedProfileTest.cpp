@@ -221,7 +221,7 @@ TEST_F(ReadingBesideOthers, TheServiceSeesItsOwnChangesInOneRun) {
     profile.writePolicy("Customize_Voicemail_Server", "false");
     EXPECT_EQ(profile.run({"get", "VoicemailPrimaryServer"}).exitCode, 1) << "the policy removes the setting";
     EXPECT_EQ(profile.run({"dump"}).out.find("voicemail"), std::string::npos);
-    fs::remove(profile.root() / "data/registry/policy.reg");
+    profile.removePolicy();
     EXPECT_EQ(profile.run({"get", "VoicemailPrimaryServer"}).out, "voicemail.example.org\n") << "in memory only";
 }
 

@@ -1,6 +1,7 @@
 #include "ProfileSnapshot.h"
 #include "Program.h"
 
+#include <Patterns.h>
 #include <TemporaryProfile.h>
 #include <gmock/gmock.h>
 
@@ -10,9 +11,9 @@ namespace program_test {
 
 namespace fs = std::filesystem;
 using testing::AllOf;
-using testing::ContainsRegex;
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing_host::ContainsRegex;
 
 TEST(Environment, AMissingPlugInIsReportedWithItsFolder) {
     const Profile profile;
@@ -29,7 +30,8 @@ TEST(Environment, AMissingPlugInFolderAndAFileAtItsPathAreReported) {
     const auto absent = (profile.root() / "absent").string();
     EXPECT_THAT(profile.run({"--plugin-dir", absent, "stores"}).error,
                 HasSubstr("no plug-in " LUMORA_PLUGIN_FILE ": there is no folder " + absent));
-    const auto file = profile.write("file", "no folder");
+    profile.write("file", "no folder");
+    const auto file = (profile.root() / "file").string();
     EXPECT_THAT(profile.run({"--plugin-dir", file, "stores"}).error,
                 HasSubstr("no plug-in " LUMORA_PLUGIN_FILE ": " + file + " is not a folder"));
 }

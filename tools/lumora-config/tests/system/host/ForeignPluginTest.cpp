@@ -48,8 +48,8 @@ TEST(ForeignPlugin, ObservesTheKeysThatTheProgramSets) {
     const auto with = runWithPlugin(profile, interfaceName + "=" LUMORA_FOREIGN_LIBRARY, write);
     EXPECT_EQ(with.exitCode, 0);
     EXPECT_THAT(with.error,
-                AllOf(HasSubstr("Loaded plug-in " LUMORA_FOREIGN_LIBRARY), HasSubstr("ExampleDirectoryService"),
-                      HasSubstr("Presence_Server_Address has changed")));
+                AllOf(HasSubstr("Loaded plug-in " + fs::absolute(LUMORA_FOREIGN_LIBRARY).lexically_normal().string()),
+                      HasSubstr("ExampleDirectoryService"), HasSubstr("Presence_Server_Address has changed")));
 }
 
 TEST(ForeignPlugin, TwoInterfacesOfOneLibraryAreAccepted) {
@@ -63,7 +63,8 @@ TEST(ForeignPlugin, TwoInterfacesOfOneLibraryAreAccepted) {
 TEST(ForeignPlugin, ALibraryThatCannotBeLoadedIsNamed) {
     const Profile profile;
     const auto absent = (profile.root() / "absent.so").string();
-    const auto broken = profile.write("broken.so", "no library");
+    profile.write("broken.so", "no library");
+    const auto broken = (profile.root() / "broken.so").string();
     for (const auto& library : {absent, broken}) {
         const auto outcome = runWithPlugin(profile, interfaceName + "=" + library, {"get", "Theme"});
         EXPECT_EQ(outcome.exitCode, 3);

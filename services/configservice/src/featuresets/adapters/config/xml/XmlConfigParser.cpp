@@ -69,7 +69,7 @@ std::string toSavePath(const std::string& path) {
         return path;
     }
     std::error_code error;
-    std::string absolute = std::filesystem::absolute(KyrCoreUtils::toPath(path), error).generic_string();
+    std::string absolute = KyrCoreUtils::toGenericText(std::filesystem::absolute(KyrCoreUtils::toPath(path), error));
     if (error) {
         return path;
     }

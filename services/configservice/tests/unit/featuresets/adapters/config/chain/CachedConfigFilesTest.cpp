@@ -83,7 +83,6 @@ TEST_F(CachedConfigFilesTest, AFileThatCannotBeRemovedIsLoggedAndReportedAsRemov
 
 TEST_F(CachedConfigFilesTest, ANameThatLeadsOutOfTheCacheFolderRemovesNoFile) {
     testing_host::writeFile(profile.config() / "victim.dat", "x");
-    testing_host::writeFile(cached("cached..") / "x.dat", "x");
     testing_host::writeFile(cached("cached...dat"), "x");
     testing_host::writeFile(cached("other...dat"), "x");
     for (const auto* name : {"../victim.dat", "../victim.xml", "cached../x.dat", "cached../x.xml", "cached...dat"}) {
@@ -94,9 +93,14 @@ TEST_F(CachedConfigFilesTest, ANameThatLeadsOutOfTheCacheFolderRemovesNoFile) {
         EXPECT_EQ(loggedAt(ZelLogLevel::Warning), logged());
     }
     EXPECT_TRUE(std::filesystem::exists(profile.config() / "victim.dat"));
-    EXPECT_TRUE(std::filesystem::exists(cached("cached..") / "x.dat"));
     EXPECT_TRUE(std::filesystem::exists(cached("cached...dat")));
     EXPECT_TRUE(CachedConfigFiles::removeCachedFiles("other...dat"));
+}
+
+TEST_F(CachedConfigFilesTest, AFileInAFolderThatEndsWithTwoDotsIsNotRemoved) {
+    testing_host::writeFile(cached("cached..") / "x.dat", "x");
+    EXPECT_FALSE(CachedConfigFiles::removeCachedFiles("cached../x.dat"));
+    EXPECT_TRUE(std::filesystem::exists(cached("cached..") / "x.dat"));
 }
 
 } // namespace ZelUnified

@@ -4,6 +4,7 @@
 #include <zel/ZelLog.h>
 
 #include <FaultInjectingFileLayer.h>
+#include <PrivateFiles.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -58,8 +59,8 @@ TEST_F(LocalFileConfigStoreWritingTest, CreatesFolderAndFileAccessibleToTheirOwn
     fs::remove(profile.config());
     store->storeValue(L"Key", L"planted secret");
     store->persistValues();
-    EXPECT_EQ(fs::status(profile.config()).permissions(), fs::perms::owner_all);
-    EXPECT_EQ(fs::status(main).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+    EXPECT_TRUE(testing_host::isPrivate(profile.config()));
+    EXPECT_TRUE(testing_host::isPrivate(main));
     EXPECT_EQ(testing_host::readFile(main).find("planted"), std::string::npos);
     EXPECT_FALSE(log.mentions("planted"));
 }

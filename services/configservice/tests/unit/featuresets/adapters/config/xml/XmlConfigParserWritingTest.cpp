@@ -4,6 +4,7 @@
 #include <zel/ZelLog.h>
 
 #include <LogRecorder.h>
+#include <PrivateFiles.h>
 #include <TemporaryProfile.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -86,7 +87,7 @@ TEST(XmlConfigParserWriting, WritesAProtectedFileAndCreatesItsFolder) {
     const fs::path kept = path.parent_path() / "cachedX.dat";
     EXPECT_EQ(xml_test::readProtected(kept.string()), toXml({{L"k", L"planted secret"}}));
     EXPECT_EQ(testing_host::readFile(kept).find("planted"), std::string::npos);
-    EXPECT_EQ(fs::status(kept).permissions(), ownerOnly);
+    EXPECT_TRUE(testing_host::isPrivate(kept));
     EXPECT_FALSE(fs::exists(path));
     EXPECT_THAT(log.getTexts(ZelLogLevel::Info), ElementsAre("data written to file: " + kept.string()));
 }
