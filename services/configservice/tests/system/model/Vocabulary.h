@@ -11,7 +11,7 @@ namespace config_model::vocabulary {
 
 /// Returns the name or, where names of files that differ only in their case are the same, another one. The copies of
 /// two stores would be one file there.
-inline std::string unlessFilesIgnoreCase([[maybe_unused]] std::string name, [[maybe_unused]] std::string other) {
+inline const char* unlessFilesIgnoreCase([[maybe_unused]] const char* name, [[maybe_unused]] const char* other) {
 #ifdef LUMORA_FILE_NAMES_IGNORE_CASE
     return other;
 #else
