@@ -10,8 +10,8 @@ endif()
 # The options of the sanitizers for every test of an instrumented build.
 set(LUMORA_TEST_ENVIRONMENT "")
 if(LUMORA_SANITIZER MATCHES "address")
-  # intercept_tls_get_addr: with it, the search for leaks crashes now and then in a process that loads libraries, because it
-  # guesses where their thread-local data are.
+  # intercept_tls_get_addr=0: the search for leaks crashed now and then when it scanned a range near address zero. It guesses
+  # where the thread-local data of loaded libraries are, so it leaves them out.
   string(CONCAT asan_options "ASAN_OPTIONS=detect_leaks=1:halt_on_error=1:detect_stack_use_after_return=1:"
     "strict_string_checks=1:check_initialization_order=1:intercept_tls_get_addr=0")
   list(APPEND LUMORA_TEST_ENVIRONMENT ${asan_options}
