@@ -1,6 +1,7 @@
 #include "windows/FileSecurity.h"
 
 #include <kyr/StandardStreams.h>
+#include <kyr/StringUtils.h>
 
 #include <PrivateFiles.h>
 #include <TemporaryProfile.h>
@@ -72,6 +73,18 @@ TEST(WindowsFileSecurity, TheSystemAndTheAdministratorsAreRecognisedAsOwners) {
     }
     EXPECT_EQ(accessOf(L"O:BUD:P(A;;FA;;;SY)").owner, FileAccess::Owner::Other);
     EXPECT_EQ(accessOf(L"O:" + someUser + L"D:P").ownerName, "S-1-5-21-1-2-3-1234");
+}
+
+TEST(WindowsFileSecurity, TheUserIsTheOwnerOfHisFolder) {
+    const testing_host::TemporaryProfile profile;
+    std::wstring name(256, L'\0');
+    auto size = static_cast<DWORD>(name.size());
+    ASSERT_TRUE(::GetUserNameW(name.data(), &size));
+    name.resize(size - 1); // the size includes the terminator
+    const auto access = FileAccess::read(profile.root().string());
+    ASSERT_TRUE(access);
+    EXPECT_EQ(access->owner, FileAccess::Owner::Self);
+    EXPECT_EQ(access->ownerName, KyrCoreUtils::toString(name));
 }
 
 TEST(WindowsFileSecurity, RightsOfAnotherUserAreNoRightsOfEverybody) {
