@@ -73,10 +73,6 @@ function(lumora_add_test name)
   target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} GTest::gmock GTest::gtest_main)
   target_compile_options(${name} PRIVATE ${LUMORA_TEST_OPTIONS})
   target_precompile_headers(${name} REUSE_FROM test_prelude)
-  if(LUMORA_SANITIZER MATCHES "address")
-    # Each test is a process. At a fixed address it starts a fifth faster: the tables of the sanitizers need no relocation.
-    target_link_options(${name} PRIVATE -no-pie)
-  endif()
   if(CMAKE_CROSSCOMPILING)
     # Starting the emulator takes longer than most cases, so it runs all of a program at once. The option makes
     # scripts/run-wine ask for the result of the tests.
