@@ -54,6 +54,18 @@ if(WIN32)
   target_precompile_headers(test_prelude PRIVATE ${posix_calls}/PosixCalls.h)
 endif()
 
+# lumora_add_started_program(TEST NAME SOURCES... LIBRARIES...): adds a program that a test starts where a process cannot
+# fork. The definition LUMORA_<NAME> of the test is its path.
+function(lumora_add_started_program test name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES})
+  string(TOUPPER LUMORA_${name} definition)
+  target_include_directories(${test} PRIVATE ${CMAKE_SOURCE_DIR}/host/testing/windows)
+  target_compile_definitions(${test} PRIVATE ${definition}="$<TARGET_FILE:${name}>")
+  add_dependencies(${test} ${name})
+endfunction()
+
 # lumora_add_test(NAME SOURCES... [ALONE SOURCES...] [LIBRARIES...]): adds one test program; ctest runs each of its
 # cases in a separate process, or all in one under an emulator. Eight sources are compiled as one, since each source
 # instantiates the same templates: that takes a third of the time. ALONE lists sources that cannot be joined with others

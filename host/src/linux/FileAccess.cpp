@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <vector>
 
 namespace KyrCoreUtils {
@@ -35,12 +36,18 @@ std::optional<FileAccess> FileAccess::read(const std::string& path) {
     if (::stat(path.c_str(), &status) != 0) {
         return std::nullopt;
     }
-    return FileAccess{classify(status.st_uid), nameOf(status.st_uid), (status.st_mode & S_IWOTH) != 0};
+    const auto mode = status.st_mode;
+    return FileAccess{classify(status.st_uid), nameOf(status.st_uid), (mode & S_IWOTH) != 0,
+                      (mode & (S_IWGRP | S_IWOTH)) != 0, (mode & (S_IRWXG | S_IRWXO)) != 0};
 }
 
 std::optional<unsigned> FileAccess::readMode(const std::string& path) {
     struct stat status {};
     return ::stat(path.c_str(), &status) == 0 ? std::optional<unsigned>(status.st_mode & 07777U) : std::nullopt;
+}
+
+int FileAccess::restrictToOwner(const std::string& path) noexcept {
+    return ::chmod(path.c_str(), S_IRUSR | S_IWUSR) == 0 ? 0 : errno;
 }
 
 } // namespace KyrCoreUtils

@@ -16,6 +16,9 @@ namespace zel::platform {
 
 namespace {
 
+constexpr const wchar_t* systemUser = L"SY";
+constexpr const wchar_t* administrators = L"BA";
+
 /// A description of access rights, and the attributes that refer to it.
 class PrivateRights {
 public:
@@ -26,9 +29,13 @@ public:
             return;
         }
         const std::unique_ptr<wchar_t, decltype(&::LocalFree)> owner(text, &::LocalFree);
-        // Protected: nothing is inherited from the parent. What is created in a directory inherits these rights.
-        const std::wstring inherited = kind == AccessRights::Kind::Directory ? L"OICI" : L"";
-        const std::wstring rights = L"D:P(A;" + inherited + L";FA;;;" + text + L")(A;" + inherited + L";FA;;;SY)";
+        // Protected: nothing is inherited from the parent. What is created in a directory inherits these rights. The
+        // owner is named because an administrator's files would belong to the group of administrators.
+        const std::wstring start = kind == AccessRights::Kind::Directory ? L"(A;OICI;FA;;;" : L"(A;;FA;;;";
+        std::wstring rights = L"O:" + std::wstring(text) + L"D:P";
+        for (const auto* const allowed : {static_cast<const wchar_t*>(text), systemUser, administrators}) {
+            rights += start + allowed + L")";
+        }
         if (::ConvertStringSecurityDescriptorToSecurityDescriptorW(rights.c_str(), SDDL_REVISION_1, &descriptor,
                                                                    nullptr)) {
             attributes = {sizeof attributes, descriptor, FALSE};
@@ -72,13 +79,21 @@ SECURITY_ATTRIBUTES* AccessRights::forCreation(Kind kind) noexcept {
 }
 
 int AccessRights::restrict(const std::filesystem::path& path, Kind kind) noexcept {
+    constexpr DWORD sharedWithAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    // The flag allows directories to be opened.
+    const SystemHandle file(::CreateFileW(path.c_str(), WRITE_DAC, sharedWithAll, nullptr, OPEN_EXISTING,
+                                          FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+    return file ? restrict(file.get(), kind) : lastErrno();
+}
+
+int AccessRights::restrict(HANDLE file, Kind kind) noexcept {
     const SECURITY_ATTRIBUTES* const rights = forCreation(kind);
     if (rights == nullptr) {
         return ENOTSUP;
     }
-    const bool done = ::SetFileSecurityW(path.c_str(), DACL_SECURITY_INFORMATION | PROTECTED_DACL_SECURITY_INFORMATION,
-                                         rights->lpSecurityDescriptor) != FALSE;
-    if (done) {
+    // The calls that take a list alone merge it with that of the parent, where they ignore that it is protected.
+    if (::SetKernelObjectSecurity(file, DACL_SECURITY_INFORMATION | PROTECTED_DACL_SECURITY_INFORMATION,
+                                  rights->lpSecurityDescriptor)) {
         return 0;
     }
     // Some file systems keep no access rights.

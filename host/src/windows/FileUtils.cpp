@@ -71,7 +71,7 @@ int moveFile(const std::filesystem::path& source, const std::filesystem::path& t
 
 int makePrivateFile(const std::filesystem::path& path) noexcept {
     const SystemHandle file(::CreateFileW(
-        path.c_str(), FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+        path.c_str(), FILE_APPEND_DATA | WRITE_DAC, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
         AccessRights::forCreation(AccessRights::Kind::File), OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!file) {
         return lastErrno();
@@ -79,7 +79,7 @@ int makePrivateFile(const std::filesystem::path& path) noexcept {
     if (::GetFileType(file.get()) != FILE_TYPE_DISK) {
         return EINVAL;
     }
-    return AccessRights::restrict(path, AccessRights::Kind::File);
+    return AccessRights::restrict(file.get(), AccessRights::Kind::File);
 }
 
 } // namespace KyrCoreUtils::platform

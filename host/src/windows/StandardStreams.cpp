@@ -1,3 +1,4 @@
+#include "FileSecurity.h"
 #include "SystemError.h"
 
 #include <kyr/StandardStreams.h>
@@ -81,8 +82,18 @@ bool StandardStreams::isTerminal(Stream stream) noexcept {
     return ::GetConsoleMode(handleOf(stream), &mode) != FALSE;
 }
 
-bool StandardStreams::isPrivateFile(Stream /*stream*/) noexcept {
-    return false;
+bool StandardStreams::isPrivateFile(Stream stream) noexcept {
+    const HANDLE handle = handleOf(stream);
+    if (::GetFileType(handle) != FILE_TYPE_DISK) {
+        return false;
+    }
+    try {
+        const auto security = zel::platform::FileSecurity::read(handle);
+        const auto access = security ? security->describe() : FileAccess();
+        return access.owner != FileAccess::Owner::Other && !access.usableByOthers;
+    } catch (...) {
+        return false;
+    }
 }
 
 std::size_t StandardStreams::getColumns(Stream stream) noexcept {

@@ -1,3 +1,4 @@
+#include "PrivateFiles.h"
 #include "TemporaryProfile.h"
 
 #include <kyr/FileAccess.h>
@@ -5,6 +6,8 @@
 #include <gtest/gtest.h>
 #include <pwd.h>
 #include <unistd.h>
+
+#include <cerrno>
 
 namespace {
 
@@ -26,12 +29,45 @@ TEST(FileAccess, ReportsWhetherEverybodyCanWrite) {
     const testing_host::TemporaryProfile profile;
     const auto folder = profile.root() / "open";
     fs::create_directory(folder);
-    fs::permissions(folder, fs::perms::owner_all | fs::perms::group_all);
+    testing_host::letEverybodyRead(folder);
     EXPECT_FALSE(FileAccess::read(folder.string())->writableByEverybody);
-    fs::permissions(folder, fs::perms::all);
+    EXPECT_FALSE(FileAccess::read(folder.string())->writableByOthers);
+    EXPECT_TRUE(FileAccess::read(folder.string())->usableByOthers);
+    testing_host::letEverybodyWrite(folder);
     EXPECT_TRUE(FileAccess::read(folder.string())->writableByEverybody);
-    fs::create_directory_symlink(folder, profile.root() / "link");
+    EXPECT_TRUE(FileAccess::read(folder.string())->writableByOthers);
+    EXPECT_TRUE(FileAccess::read(folder.string())->usableByOthers);
+}
+
+TEST(FileAccess, FollowsALink) {
+    const testing_host::TemporaryProfile profile;
+    testing_host::letEverybodyWrite(profile.config());
+    fs::create_directory_symlink(profile.config(), profile.root() / "link");
     EXPECT_TRUE(FileAccess::read((profile.root() / "link").string())->writableByEverybody);
+}
+
+TEST(FileAccess, DistinguishesTheGroupFromEverybody) {
+    const testing_host::TemporaryProfile profile;
+    fs::permissions(profile.config(), fs::perms::owner_all | fs::perms::group_write);
+    const auto access = FileAccess::read(profile.config().string());
+    ASSERT_TRUE(access);
+    EXPECT_FALSE(access->writableByEverybody);
+    EXPECT_TRUE(access->writableByOthers);
+    EXPECT_TRUE(access->usableByOthers);
+}
+
+TEST(FileAccess, RestrictToOwnerTakesTheRightsFromOthers) {
+    const testing_host::TemporaryProfile profile;
+    const auto file = profile.root() / "\xC3\xA9.txt";
+    testing_host::writeFile(file, "x");
+    testing_host::letEverybodyWrite(file);
+    EXPECT_EQ(FileAccess::restrictToOwner(file.string()), 0);
+    const auto access = FileAccess::read(file.string());
+    ASSERT_TRUE(access);
+    EXPECT_FALSE(access->usableByOthers);
+    EXPECT_TRUE(testing_host::isPrivate(file));
+    EXPECT_EQ(testing_host::readFile(file), "x");
+    EXPECT_EQ(FileAccess::restrictToOwner((profile.root() / "absent").string()), ENOENT);
 }
 
 TEST(FileAccess, ReportsRootAsAdministratorToOtherUsers) {

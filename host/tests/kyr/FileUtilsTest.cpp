@@ -1,3 +1,4 @@
+#include <kyr/FileAccess.h>
 #include <kyr/FileUtils.h>
 
 #include <PrivateFiles.h>
@@ -73,9 +74,10 @@ TEST_F(FileUtilsTest, CreatesMissingDirectoriesWithMode0700) {
 
 TEST_F(FileUtilsTest, DoesNotChangeTheModeOfExistingDirectories) {
     fs::create_directory(at("open"));
-    fs::permissions(at("open"), fs::perms(0755));
+    testing_host::letEverybodyWrite(at("open"));
     EXPECT_EQ(FileUtils::createDirectory(textAt("open/inner")), 0);
-    EXPECT_EQ(modeOf(at("open")), fs::perms(0755));
+    EXPECT_TRUE(FileAccess::read(textAt("open"))->writableByEverybody);
+    EXPECT_TRUE(testing_host::isPrivate(at("open/inner")));
 }
 
 TEST_F(FileUtilsTest, ReturnsTheReasonIfADirectoryCannotBeCreated) {

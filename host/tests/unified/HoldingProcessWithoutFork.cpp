@@ -12,7 +12,7 @@ struct HoldingProcess::Process {
 };
 
 HoldingProcess::HoldingProcess(const std::string& configDirectory, const std::string& stateDirectory)
-    : process(new Process{{HOST_TEST_PROFILE_HOLDER, {configDirectory, stateDirectory}}}) {
+    : process(new Process{{LUMORA_PROFILE_HOLDER, {configDirectory, stateDirectory}}}) {
     if (process->running.readOutput() != "y") {
         end();
         throw std::runtime_error("the other process does not hold the lock");

@@ -40,7 +40,7 @@ TEST_F(SpdlogSinkTest, RestrictsAnExistingLogFileToItsOwner) {
     const testing_host::TemporaryProfile profile;
     const auto path = profile.state() / "old.log";
     testing_host::writeFile(path, "before\n");
-    std::filesystem::permissions(path, std::filesystem::perms(0644));
+    testing_host::letEverybodyRead(path);
     ASSERT_TRUE(zel::logging::logToFile(path.string()));
     write(ZelLogLevel::Info, "after");
     EXPECT_TRUE(testing_host::isPrivate(path));

@@ -10,7 +10,7 @@ namespace testing_host {
 std::vector<std::string> makeKeysInProcesses(const std::string& dataDirectory, std::size_t count) {
     std::vector<std::unique_ptr<RunningProcess>> processes;
     for (std::size_t i = 0; i < count; ++i) {
-        processes.push_back(std::make_unique<RunningProcess>(HOST_TEST_KEY_MAKER, std::vector{dataDirectory}));
+        processes.push_back(std::make_unique<RunningProcess>(LUMORA_KEY_MAKER, std::vector{dataDirectory}));
     }
     for (const auto& process : processes) {
         process->readError(); // waits until it is ready

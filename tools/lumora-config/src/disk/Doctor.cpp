@@ -28,9 +28,6 @@ namespace ConfigKeys = ZelUnified::ConfigKeys;
 
 namespace {
 
-constexpr unsigned writableByOthers = 0022;
-constexpr unsigned usableByOthers = 0077;
-
 std::string describeMode(unsigned mode) {
     std::ostringstream text;
     text << std::oct << std::setw(4) << std::setfill('0') << (mode & 07777U);
@@ -139,7 +136,8 @@ void Doctor::examineDirectories() {
             continue;
         }
         const bool isGood = isDirectory(directory);
-        addExisting("directory", directory, isGood ? "good" : "not a directory", !isGood, writableByOthers);
+        addExisting("directory", directory, isGood ? "good" : "not a directory", !isGood,
+                    &FileAccess::writableByOthers);
     }
 }
 
@@ -158,7 +156,7 @@ void Doctor::examineDefaults() {
         FileUtils::getResourcesDirectory() + FileUtils::FileSeparator() + std::string(ConfigKeys::configDefaultsFile);
     try {
         requireDefaultsInXml(FileUtils::getResourcesDirectory());
-        addExisting("defaults", path, "good", false, writableByOthers);
+        addExisting("defaults", path, "good", false, &FileAccess::writableByOthers);
     } catch (const Failure& failure) {
         add("defaults", path, withoutPath(failure, path), true);
     }
@@ -173,7 +171,7 @@ void Doctor::examineProtectedFiles() {
         hasMain = hasMain || (exists && name == ConfigKeys::localConfigFile);
         hasBackup = hasBackup || (exists && name == ConfigKeys::localConfigBackupFile);
         if (exists) {
-            addExisting("file", file.path, describeFile(file), file.needsAttention(), writableByOthers);
+            addExisting("file", file.path, describeFile(file), file.needsAttention(), &FileAccess::writableByOthers);
         } else if (file.needsAttention()) {
             add("file", file.path, describeFile(file), true);
         }
@@ -188,7 +186,7 @@ void Doctor::examineMovedAside() {
     for (const auto& file : zel::storage::EncryptFileUtils::listMovedAside(configDirectory)) {
         const bool isGood = file.state == ReadResult::Ok;
         addExisting("moved aside", file.keptAs, describe(file.state) + (isGood ? ", 'restore' can put it back" : ""),
-                    true, writableByOthers);
+                    true, &FileAccess::writableByOthers);
     }
 }
 
@@ -197,12 +195,12 @@ void Doctor::examineKeys() {
     std::vector<std::string> files;
     FileUtils::getFilesFromDirectory(folder, "", files);
     if (existsOnDisk(folder)) {
-        addExisting("keys", folder, std::to_string(files.size()) + " files", false, usableByOthers);
+        addExisting("keys", folder, std::to_string(files.size()) + " files", false, &FileAccess::usableByOthers);
     }
     for (const auto& path : files) {
         const bool isReplaced = path.ends_with(".bad");
         addExisting("key", path, isReplaced ? "not a key, moved aside when a new one was created" : "present",
-                    isReplaced, usableByOthers);
+                    isReplaced, &FileAccess::usableByOthers);
     }
 }
 
@@ -213,7 +211,7 @@ void Doctor::examinePolicies(const std::string& folder) {
         try {
             const auto policy = PolicyFile(path).describe();
             addExisting("policy", path, describePolicy(policy),
-                        !policy.refused.empty() || policy.countIneffective() != 0, writableByOthers);
+                        !policy.refused.empty() || policy.countIneffective() != 0, &FileAccess::writableByOthers);
         } catch (const Failure& failure) {
             add("policy", path, withoutPath(failure, path), true);
         }
@@ -225,11 +223,11 @@ void Doctor::add(const std::string& area, const std::string& path, const std::st
 }
 
 void Doctor::addExisting(const std::string& area, const std::string& path, const std::string& state,
-                         bool needsAttention, unsigned harmfulMode) {
+                         bool needsAttention, bool FileAccess::*isHarmful) {
     const auto access = FileAccess::read(path);
     const auto mode = FileAccess::readMode(path);
     const bool isForeign = !access || access->owner == FileAccess::Owner::Other;
-    const bool isOpen = mode ? (*mode & harmfulMode) != 0 : access && access->writableByEverybody;
+    const bool isOpen = access && (*access).*isHarmful;
     auto owner = access ? access->ownerName : std::string("unknown");
     if (access && owners == Owners::Masked) {
         owner = "<user>";

@@ -3,6 +3,8 @@
 #include "output/Findings.h"
 #include "output/Printer.h"
 
+#include <kyr/FileAccess.h>
+
 #include <string>
 
 namespace lumora_config {
@@ -32,9 +34,9 @@ private:
     void examineKeys();
     void examinePolicies(const std::string& folder);
     void add(const std::string& area, const std::string& path, const std::string& state, bool needsAttention);
-    /// Adds an item with owner and mode. `harmfulMode` contains the permission bits that need attention.
+    /// Adds an item with owner and mode. `isHarmful` is what other users must not be able to do.
     void addExisting(const std::string& area, const std::string& path, const std::string& state, bool needsAttention,
-                     unsigned harmfulMode);
+                     bool KyrCoreUtils::FileAccess::*isHarmful);
 
     const Lock lock;
     const Owners owners;

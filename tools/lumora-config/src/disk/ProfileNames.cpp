@@ -2,16 +2,22 @@
 
 #include "SettingsOnDisk.h"
 #include "output/Failure.h"
+#include "stores/ClientPolicy.h"
 #include "stores/XmlSettings.h"
 
 #include <kyr/FileUtils.h>
 #include <kyr/StringUtils.h>
+#include <registry/Registry.h>
 #include <registry/RegistryFiles.h>
 #include <registry/RegistryTextFile.h>
 
 #include <ConfigKeys.h>
 
+#include <array>
+#include <cstdint>
 #include <functional>
+#include <memory>
+#include <optional>
 #include <set>
 
 namespace lumora_config {
@@ -41,7 +47,7 @@ void addDefaults(Keys& keys) {
 }
 
 void addPolicy(Keys& keys, const std::string& path) {
-    const auto policyPath = L"Software\\" + KyrCoreUtils::toWideString(std::string(ConfigKeys::policyRegistryPath));
+    const auto policyPath = getPolicyKey();
     const auto text = zel::registry::parseRegistryText(readWholeFile(path), zel::registry::HKEY_CURRENT_USER);
     for (const auto& section : text.sections) {
         if (section.deletion || !KyrCoreUtils::caseInsensitiveStringEquals(section.path, policyPath)) {
@@ -61,6 +67,43 @@ void addPolicies(Keys& keys, const std::string& folder) {
     }
 }
 
+/// The policy key of the registry, opened for reading.
+class OpenPolicyKey {
+public:
+    OpenPolicyKey() {
+        using namespace zel::registry;
+        registry->RegOpenKeyExW(HKEY_CURRENT_USER, getPolicyKey().c_str(), 0, KEY_READ, key);
+    }
+    ~OpenPolicyKey() { registry->RegCloseKey(key); }
+    OpenPolicyKey(const OpenPolicyKey&) = delete;
+    OpenPolicyKey& operator=(const OpenPolicyKey&) = delete;
+
+    /// Returns the name of the value at `index`. Like the service, returns nothing behind the last one and for a value
+    /// that does not fit the buffers.
+    std::optional<std::wstring> readName(std::uint32_t index) {
+        auto nameLength = static_cast<std::uint32_t>(name.size());
+        auto dataLength = static_cast<std::uint32_t>(data.size());
+        std::uint32_t type = zel::registry::REG_NONE;
+        const auto result = registry->RegEnumValueW(key, index, name, nameLength, type, data, dataLength);
+        return result == zel::registry::RegistryResult::Success ? std::optional(std::wstring(name.data(), nameLength))
+                                                                : std::nullopt;
+    }
+
+private:
+    const std::shared_ptr<zel::registry::Registry> registry = zel::registry::getRegistry();
+    zel::registry::HKEY key{};
+    std::array<wchar_t, 260> name{};
+    std::array<std::uint8_t, 4096> data{};
+};
+
+void addRegistry(Keys& keys) {
+    OpenPolicyKey policy;
+    std::uint32_t index = 0;
+    for (auto name = policy.readName(index); name; name = policy.readName(++index)) {
+        keys.insert(*name);
+    }
+}
+
 void addProtectedFiles(Keys& keys) {
     for (const auto& file : examineProtectedFiles(FileUtils::getConfigDirectory())) {
         for (const auto& [key, value] : readSettings(file.path).values) {
@@ -74,9 +117,11 @@ void addProtectedFiles(Keys& keys) {
 std::vector<std::wstring> readKeysOfProfile() {
     Keys keys;
     ignoringFailures([&] { addDefaults(keys); });
-    addPolicies(keys, zel::registry::getUserRegistryFolder());
     if (const auto folder = zel::registry::getAdministratorRegistryFolder(); !folder.empty()) {
+        addPolicies(keys, zel::registry::getUserRegistryFolder());
         addPolicies(keys, folder + FileUtils::FileSeparator() + "HKEY_CURRENT_USER");
+    } else {
+        ignoringFailures([&] { addRegistry(keys); });
     }
     ignoringFailures([&] { addProtectedFiles(keys); });
     keys.erase(L"");

@@ -1,5 +1,6 @@
 #include "Program.h"
 
+#include <PrivateFiles.h>
 #include <TemporaryProfile.h>
 #include <gmock/gmock.h>
 
@@ -220,7 +221,7 @@ TEST(Completion, ADamagedOrMissingProfileCausesNoMessage) {
 
 TEST(Completion, AProfileThatTheProgramRefusesIsNotRead) {
     const Profile profile;
-    fs::permissions(profile.root(), fs::perms::all);
+    testing_host::letEverybodyWrite(profile.root());
     EXPECT_THAT(completeIn(profile, {"get", "notificationsou"}), ElementsAre(":none"));
     EXPECT_THAT(completeIn(profile, {"--trust", "get", "notificationsou"}), ElementsAre(":none", "NotificationSounds"));
 }

@@ -160,7 +160,7 @@ TEST(Dump, AFileHasMode0600AndIsLoadedWithItsSecrets) {
     const Profile profile;
     const Profile other;
     const auto file = profile.write("a.dump", "old");
-    fs::permissions(file, fs::perms::all);
+    testing_host::letEverybodyWrite(file);
     ASSERT_EQ(profile.run({"set", "connectionpassword", "planted-secret"}).exitCode, 0);
     EXPECT_EQ(profile.run({"--show-secrets", "dump", "-o", file}).error, "1 keys written to " + file + "\n");
     EXPECT_TRUE(testing_host::isPrivate(file));

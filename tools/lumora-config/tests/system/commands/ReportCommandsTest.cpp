@@ -47,7 +47,7 @@ TEST(Report, ReplacesTheWholeFileAndRestrictsItToItsOwner) {
     const Profile profile;
     const auto file = profile.write("report", "an older report");
     for (const auto* option : {"-o", "--html"}) {
-        fs::permissions(file, fs::perms::others_read, fs::perm_options::add);
+        testing_host::letEverybodyRead(file);
         // The file is replaced, not truncated, so a reader of the old file still sees its content.
         fs::create_hard_link(file, profile.root() / "old");
         const auto old = testing_host::readFile(file);

@@ -1,5 +1,6 @@
 #include "Program.h"
 
+#include <PrivateFiles.h>
 #include <gmock/gmock.h>
 #include <unistd.h>
 
@@ -94,7 +95,7 @@ TEST(ForeignPlugin, AMalformedDescriptionIsAnErrorOfUsage) {
 TEST(ForeignPlugin, ALibraryThatEverybodyMayWriteIsRefused) {
     const Profile profile;
     const auto library = copyLibrary(profile);
-    fs::permissions(library, fs::perms::others_write, fs::perm_options::add);
+    testing_host::letEverybodyWrite(library);
     expectRefused(profile, library, library, open);
     EXPECT_EQ(runWithPlugin(profile, interfaceName + "=" + library.string(), {"--trust", "get", "Theme"}).out,
               "system\n");
@@ -103,7 +104,7 @@ TEST(ForeignPlugin, ALibraryThatEverybodyMayWriteIsRefused) {
 TEST(ForeignPlugin, ALibraryInAFolderThatEverybodyMayWriteIsRefused) {
     const Profile profile;
     const auto library = copyLibrary(profile);
-    fs::permissions(library.parent_path(), fs::perms::others_write, fs::perm_options::add);
+    testing_host::letEverybodyWrite(library.parent_path());
     expectRefused(profile, library, library.parent_path(), open);
 }
 

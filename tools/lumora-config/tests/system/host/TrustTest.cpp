@@ -1,5 +1,6 @@
 #include "Program.h"
 
+#include <PrivateFiles.h>
 #include <gmock/gmock.h>
 #include <unistd.h>
 
@@ -9,10 +10,6 @@ namespace fs = std::filesystem;
 using testing::HasSubstr;
 
 namespace {
-
-fs::path pluginFolder() {
-    return fs::path(LUMORA_CONFIG_PROGRAM).parent_path().parent_path() / "lib";
-}
 
 /// Runs the program with each folder of the profile named by its own option.
 Outcome runWithFolders(const Profile& profile, Arguments arguments) {
@@ -29,17 +26,13 @@ void expectRefused(const Outcome& outcome, const fs::path& folder, const std::st
     EXPECT_EQ(outcome.error, "lumora-config: " + folder.string() + ": " + reason + "; --trust accepts it\n");
 }
 
-void openToEverybody(const fs::path& folder) {
-    fs::permissions(folder, fs::perms::others_write, fs::perm_options::add);
-}
-
 constexpr auto writableByAll = "can be written by everybody";
 
 } // namespace
 
 TEST(Trust, AProfileThatEverybodyMayWriteIsRefused) {
     const Profile profile;
-    openToEverybody(profile.root());
+    testing_host::letEverybodyWrite(profile.root());
     expectRefused(profile.run({"get", "Theme"}), profile.root(), writableByAll);
     EXPECT_FALSE(fs::exists(profile.root() / "config"));
     EXPECT_EQ(profile.run({"--trust", "get", "Theme"}).out, "system\n");
@@ -50,9 +43,9 @@ TEST(Trust, AFolderOfAProfileThatEverybodyMayWriteIsRefused) {
     ASSERT_EQ(profile.run({"set", "Theme", "dark"}).exitCode, 0);
     for (const auto* name : {"config", "data", "state", "resources"}) {
         const auto folder = profile.root() / name;
-        openToEverybody(folder);
+        testing_host::letEverybodyWrite(folder);
         expectRefused(profile.run({"get", "Theme"}), folder, writableByAll);
-        fs::permissions(folder, fs::perms::others_write, fs::perm_options::remove);
+        testing_host::makePrivate(folder);
     }
 }
 
@@ -61,17 +54,17 @@ TEST(Trust, AFolderWithAnOptionOfItsOwnThatEverybodyMayWriteIsRefused) {
     for (const auto* name : {"config", "data", "state", "resources"}) {
         const auto folder = profile.root() / name;
         fs::create_directory(folder);
-        openToEverybody(folder);
+        testing_host::letEverybodyWrite(folder);
         expectRefused(runWithFolders(profile, {"get", "Theme"}), folder, writableByAll);
         EXPECT_EQ(runWithFolders(profile, {"get", "Theme", "--trust"}).out, "system\n");
-        fs::permissions(folder, fs::perms::others_write, fs::perm_options::remove);
+        testing_host::makePrivate(folder);
     }
 }
 
 TEST(Trust, AProfileToCompareThatEverybodyMayWriteIsRefused) {
     const Profile profile;
     const Profile other;
-    openToEverybody(other.root());
+    testing_host::letEverybodyWrite(other.root());
     expectRefused(profile.run({"diff", other.root().string()}), other.root(), writableByAll);
     EXPECT_EQ(profile.run({"--trust", "diff", other.root().string()}).exitCode, 0);
 }
@@ -80,12 +73,8 @@ TEST(Trust, APluginFolderThatEverybodyMayWriteIsRefusedBeforeAnythingIsLoaded) {
     const Profile profile;
     const auto folder = profile.root() / "plugins";
     fs::create_directory(folder);
-    for (const auto& entry : fs::directory_iterator(pluginFolder())) {
-        if (entry.path().extension() == ".so") {
-            fs::create_symlink(entry.path(), folder / entry.path().filename());
-        }
-    }
-    openToEverybody(folder);
+    fs::copy_file(fs::path(LUMORA_PLUGINS) / LUMORA_PLUGIN_FILE, folder / LUMORA_PLUGIN_FILE);
+    testing_host::letEverybodyWrite(folder);
     expectRefused(profile.run({"--plugin-dir", folder.string(), "get", "Theme"}), folder, writableByAll);
     EXPECT_EQ(profile.run({"--plugin-dir", folder.string(), "--trust", "get", "Theme"}).out, "system\n");
 }
@@ -107,7 +96,7 @@ TEST(Trust, ADirectoryOfAnotherUserIsRefused) {
 TEST(Trust, FoldersOfRootAreAccepted) {
     const Profile profile;
     const auto outcome = profile.run({"--plugin-dir", "/usr/bin", "get", "Theme"});
-    EXPECT_THAT(outcome.error, HasSubstr("no plug-in libconfigservice.so: it is not in /usr/bin"));
+    EXPECT_THAT(outcome.error, HasSubstr("no plug-in " LUMORA_PLUGIN_FILE ": it is not in /usr/bin"));
 }
 
 } // namespace program_test

@@ -2,6 +2,7 @@
 
 #include "output/Failure.h"
 
+#include <PrivateFiles.h>
 #include <TemporaryProfile.h>
 #include <gmock/gmock.h>
 
@@ -36,7 +37,7 @@ TEST(DirectoryTrust, ChecksEveryDirectory) {
     const testing_host::TemporaryProfile profile;
     const auto open = profile.root() / "open";
     fs::create_directory(open);
-    fs::permissions(open, fs::perms::all);
+    testing_host::letEverybodyWrite(open);
     try {
         requireTrusted({profile.root().string(), open.string()});
         FAIL() << "nothing was thrown";
