@@ -30,6 +30,11 @@ if(MINGW)
 elseif(NOT MSVC)
   set(LUMORA_TEST_OPTIONS -O0 -g1)
 endif()
+if(LUMORA_SANITIZER MATCHES "undefined")
+  # These three look at each access to an object. Without them a test is compiled in three fifths of the time, into half as
+  # much code. They are for the product: a test that uses a null pointer fails anyway.
+  list(APPEND LUMORA_TEST_OPTIONS -fno-sanitize=null,alignment,vptr)
+endif()
 
 # lumora_set_test_environment(NAME [VARIABLE=VALUE...]): sets the environment of tests added by add_test;
 # lumora_add_test calls it.

@@ -11,8 +11,11 @@
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
+#include <mutex>
 #include <new>
 #include <system_error>
+#include <utility>
+#include <vector>
 
 namespace fs = std::filesystem;
 
@@ -48,28 +51,41 @@ bool isEntryNow(const fs::path& path) {
     return inMemory ? inMemory->exists(textFromPath(path)) : fs::exists(fs::symlink_status(path, error));
 }
 
-/// Syncs the directory of `path`, so that a power cut cannot revert the change of this name. The change is made, so a
-/// failure is only logged. A directory that cannot be opened for reading is not synced.
-void syncName(const fs::path& path) {
+/// Syncs the directory of `path`, so that a power cut cannot revert the change of this name. Returns 0 or an errno
+/// value. A directory that cannot be opened for reading is not synced.
+int syncNameOf(const fs::path& path) {
     const fs::path& named = path.has_filename() ? path : path.parent_path();
     const int error = zel::storage::FileLayer::disk().syncDirectory(textFromPath(named.parent_path()));
-    if (error == 0 || error == EACCES) {
-        return;
-    }
+    return error == EACCES ? 0 : error;
+}
+
+void logUnsynced(const fs::path& path, int error) {
     ZelLog(ZelLogger_getLogger("Host-FileUtils"), ZelLogLevel::Warning, ZEL_HERE,
            "A power cut could revert the change of [" + textFromPath(path) +
                "], because its directory could not be synced: " + std::generic_category().message(error));
 }
 
-int makeDirectory(const fs::path& path) {
+/// The change is made, so a failed sync is only logged.
+void syncName(const fs::path& path) {
+    if (const int error = syncNameOf(path); error != 0) {
+        logUnsynced(path, error);
+    }
+}
+
+/// New directories whose names could not be synced, with the errno values.
+using UnsyncedNames = std::vector<std::pair<fs::path, int>>;
+
+int makeDirectory(const fs::path& path, UnsyncedNames& unsynced) {
     if (const auto inMemory = InMemoryFileLayer::getActive()) {
         return inMemory->createDirectory(textFromPath(path));
     }
-    const int result = platform::makeDirectory(path);
-    if (result == 0) {
-        syncName(path);
+    if (const int result = platform::makeDirectory(path); result != 0) {
+        return result;
     }
-    return result;
+    if (const int error = syncNameOf(path); error != 0) {
+        unsynced.emplace_back(path, error);
+    }
+    return 0;
 }
 
 int removeOne(const fs::path& path) {
@@ -95,16 +111,25 @@ int moveOne(const fs::path& from, const fs::path& to, bool failIfExists) {
     return 0;
 }
 
-int createWithParents(const fs::path& path) {
-    int result = makeDirectory(path);
+int createWithParents(const fs::path& path, UnsyncedNames& unsynced) {
+    int result = makeDirectory(path, unsynced);
     if (result == ENOENT && path.has_parent_path() && path.parent_path() != path) {
-        result = createWithParents(path.parent_path());
+        result = createWithParents(path.parent_path(), unsynced);
         if (result == 0) {
-            result = makeDirectory(path);
+            result = makeDirectory(path, unsynced);
         }
     }
     std::error_code error;
     return result != 0 && fs::is_directory(path, error) ? 0 : result;
+}
+
+/// One thread at a time. Otherwise a thread could find a directory whose name another one has not synced yet, write a
+/// file into it and report success, and a power cut could remove the directory. Nothing is logged meanwhile, because
+/// the log creates its own directory.
+int createLocked(const fs::path& path, UnsyncedNames& unsynced) {
+    static std::mutex mutex;
+    const std::lock_guard lock(mutex);
+    return createWithParents(path, unsynced);
 }
 
 bool hasExtension(const fs::path& file, const std::string& extension) {
@@ -146,7 +171,15 @@ bool FileUtils::fileExists(const std::string& path) noexcept {
 int FileUtils::createDirectory(const std::string& path) noexcept {
     return asErrorCode([&] {
         const auto directory = pathFromText(path);
-        return directory ? createWithParents(*directory) : ENOENT;
+        if (!directory) {
+            return ENOENT;
+        }
+        UnsyncedNames unsynced;
+        const int result = createLocked(*directory, unsynced);
+        for (const auto& [name, error] : unsynced) {
+            logUnsynced(name, error);
+        }
+        return result;
     });
 }
 

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -18,9 +19,30 @@
 #include <cstddef>
 #include <cstdlib>
 #include <filesystem>
+#include <functional>
+#include <future>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
+
+namespace {
+
+/// Called at the beginning of the next sync in this process.
+std::function<void()>& atNextSync() {
+    static std::function<void()> action;
+    return action;
+}
+
+} // namespace
+
+/// The host calls this one instead of the function of the C library.
+extern "C" __attribute__((visibility("default"))) int fsync(int descriptor) {
+    if (const auto action = std::exchange(atNextSync(), nullptr)) {
+        action();
+    }
+    return static_cast<int>(::syscall(SYS_fsync, descriptor));
+}
 
 namespace {
 
@@ -168,6 +190,21 @@ TEST(FileUtilsLimits, AChangeWhoseDirectoryCannotBeSyncedIsMadeAndLogged) {
     const auto warnings = log.getTexts(ZelLogLevel::Warning);
     EXPECT_THAT(warnings, SizeIs(4)) << "a move syncs twice";
     EXPECT_THAT(warnings, Each(HasSubstr("could not be synced")));
+}
+
+TEST(FileUtilsLimits, AFolderIsReportedAsCreatedOnlyWhenAnotherThreadHasSyncedItsName) {
+    const TemporaryProfile profile;
+    const std::string folder = (profile.config() / "folder").string();
+    std::future<int> second;
+    auto secondDuringSync = std::future_status::ready;
+    atNextSync() = [&] {
+        second = std::async(std::launch::async, [&] { return FileUtils::createDirectory(folder); });
+        secondDuringSync = second.wait_for(std::chrono::milliseconds(200));
+    };
+    EXPECT_EQ(FileUtils::createDirectory(folder), 0);
+    ASSERT_TRUE(second.valid()) << "the name was not synced";
+    EXPECT_EQ(secondDuringSync, std::future_status::timeout);
+    EXPECT_EQ(second.get(), 0);
 }
 
 TEST(FileUtilsLimits, AMoveBetweenFileSystemsKeepsTheSourceIfTheFolderOfTheTargetCannotBeSynced) {

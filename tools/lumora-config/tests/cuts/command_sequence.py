@@ -49,7 +49,8 @@ class Sequence:
         self.values = {}
         self.values_made = 0
         self.moved_aside = 0
-        # After `stop` and `start` the user's file has no timer, so its backup may be older until the next process writes.
+        # After `stop` and `start` the user's file has no timer, and a refresh drops a backup that waits for its timer: the
+        # backup may be older until the next process writes.
         self.backup_is_old = False
         self.stores = set()
         self.is_provisioned = False
@@ -92,7 +93,7 @@ class Sequence:
             else:
                 lines = self.random.choice((("refresh",), ("stop", "start"), ("wait",), ("memory Volatile v",)))
                 steps.append(self.step(*lines, reports=len(lines)))
-                self.backup_is_old |= "stop" in lines
+                self.backup_is_old |= "stop" in lines or "refresh" in lines
         self.parts.append(Process(("shell",), tuple(steps), True))
 
     def add_damage(self):
