@@ -1,40 +1,52 @@
 #include "RankedMutex.h"
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
-#include <iterator>
-#include <vector>
+#include <type_traits>
 
 namespace zel {
 
 namespace {
 
+/// The lock of one rank; a thread holds no two locks of one rank.
 struct Held {
-    const void* lock;
-    int rank;
+    const void* lock = nullptr;
+    std::size_t times = 0;
 };
 
-thread_local std::vector<Held> heldByThisThread;
+using HeldByRank = std::array<Held, static_cast<std::size_t>(LockRank::Innermost) + 1>;
+
+// One of the supported compilers (mingw-w64) calls the destructors of such variables after it has freed them.
+static_assert(std::is_trivially_destructible_v<HeldByRank>);
+constinit thread_local HeldByRank heldByThisThread{};
 
 } // namespace
 
 void LockOrder::enter(const void* lock, int rank) {
     auto& held = heldByThisThread;
-    const bool again = std::any_of(held.begin(), held.end(), [&](const Held& each) { return each.lock == lock; });
-    const auto inner = std::find_if(held.begin(), held.end(), [&](const Held& each) { return each.rank >= rank; });
-    if (!again && inner != held.end()) {
-        std::fprintf(stderr, "The lock order is broken: rank %d is acquired while rank %d is held.\n", rank,
-                     inner->rank);
-        std::abort();
+    auto& own = held.at(static_cast<std::size_t>(rank));
+    if (own.lock != lock) {
+        const auto inner =
+            std::find_if(held.begin() + rank, held.end(), [](const Held& each) { return each.lock != nullptr; });
+        if (inner != held.end()) {
+            std::fprintf(stderr, "The lock order is broken: rank %d is acquired while rank %d is held.\n", rank,
+                         static_cast<int>(inner - held.begin()));
+            std::abort();
+        }
+        own.lock = lock;
     }
-    held.push_back({lock, rank});
+    ++own.times;
 }
 
 void LockOrder::leave(const void* lock) {
     auto& held = heldByThisThread;
-    const auto last = std::find_if(held.rbegin(), held.rend(), [&](const Held& each) { return each.lock == lock; });
-    held.erase(std::next(last).base());
+    const auto own = std::find_if(held.begin(), held.end(), [&](const Held& each) { return each.lock == lock; });
+    if (--own->times == 0) {
+        own->lock = nullptr;
+    }
 }
 
 } // namespace zel

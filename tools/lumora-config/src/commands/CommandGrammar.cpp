@@ -210,6 +210,7 @@ void hideOthers(CLI::App& app, const CommandFilter& canRun) {
 
 void addCommands(CLI::App& app, Command& command, CommandScope scope) {
     app.require_subcommand(1);
+    app.allow_windows_style_options(false); // a word with "/" at its start is a path on every platform
     app.get_formatter()->label("SUBCOMMAND", "COMMAND");
     addReads(app, command);
     addWrites(app, command, scope);

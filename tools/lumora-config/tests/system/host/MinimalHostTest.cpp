@@ -9,7 +9,9 @@ using testing::HasSubstr;
 namespace {
 
 Outcome runHost(const Profile& profile, const std::string& pluginFolder, const std::string& value) {
-    return runProcess(LUMORA_MINIMAL_HOST, {pluginFolder, profile.root().string(), "Theme", value});
+    auto outcome = runProcess(LUMORA_MINIMAL_HOST, {pluginFolder, profile.root().string(), "Theme", value});
+    std::erase(outcome.out, '\r'); // the example's lines end as the platform's text does
+    return outcome;
 }
 
 } // namespace
