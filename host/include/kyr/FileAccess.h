@@ -7,12 +7,14 @@
 
 namespace KyrCoreUtils {
 
-/// The owner of a file or a directory, and what other users may do with it. Other users are all except the owner and
-/// the administrators, and on a platform with access lists the user of this process and the system.
+/// The owner of a file or a directory, and what other users may do with it. The owner and the administrators do not
+/// count as other users; on a platform with access lists, neither do the user of this process and the system.
 struct FileAccess {
     enum class Owner {
-        Self,          ///< The user of this process.
-        Administrator, ///< Root, or the system. For a process of root, its files have the owner Self.
+        Self, ///< The user of this process.
+        /// Root; on a platform with access lists the administrators, the system and its installer. For a process of
+        /// root, its files have the owner Self.
+        Administrator,
         Other
     };
 

@@ -29,8 +29,8 @@ public:
 
     /// Returns true if the stream is a terminal.
     static bool isTerminal(Stream stream) noexcept;
-    /// Returns true if the stream is a regular file of the user that nobody else may read or write. Always false where
-    /// files have no such modes.
+    /// Returns true if the stream is a regular file of the user that nobody else may read or write. On a platform with
+    /// access lists the system and the administrators may, and the file may belong to them.
     static bool isPrivateFile(Stream stream) noexcept;
     /// Returns the width of the stream's terminal in characters; 0 if there is none or its width is unknown.
     static std::size_t getColumns(Stream stream) noexcept;

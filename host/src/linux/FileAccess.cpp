@@ -37,8 +37,11 @@ std::optional<FileAccess> FileAccess::read(const std::string& path) {
         return std::nullopt;
     }
     const auto mode = status.st_mode;
-    return FileAccess{classify(status.st_uid), nameOf(status.st_uid), (mode & S_IWOTH) != 0,
-                      (mode & (S_IWGRP | S_IWOTH)) != 0, (mode & (S_IRWXG | S_IRWXO)) != 0};
+    return FileAccess{.owner = classify(status.st_uid),
+                      .ownerName = nameOf(status.st_uid),
+                      .writableByEverybody = (mode & S_IWOTH) != 0,
+                      .writableByOthers = (mode & (S_IWGRP | S_IWOTH)) != 0,
+                      .usableByOthers = (mode & (S_IRWXG | S_IRWXO)) != 0};
 }
 
 std::optional<unsigned> FileAccess::readMode(const std::string& path) {

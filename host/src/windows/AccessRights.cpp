@@ -29,8 +29,8 @@ public:
             return;
         }
         const std::unique_ptr<wchar_t, decltype(&::LocalFree)> owner(text, &::LocalFree);
-        // Protected: nothing is inherited from the parent. What is created in a directory inherits these rights. The
-        // owner is named because an administrator's files would belong to the group of administrators.
+        // Protected: nothing is inherited from the parent. What is created in a directory inherits these rights. Names
+        // the owner, because otherwise the files of an administrator belong to the group of administrators.
         const std::wstring start = kind == AccessRights::Kind::Directory ? L"(A;OICI;FA;;;" : L"(A;;FA;;;";
         std::wstring rights = L"O:" + std::wstring(text) + L"D:P";
         for (const auto* const allowed : {static_cast<const wchar_t*>(text), systemUser, administrators}) {
@@ -80,7 +80,7 @@ SECURITY_ATTRIBUTES* AccessRights::forCreation(Kind kind) noexcept {
 
 int AccessRights::restrict(const std::filesystem::path& path, Kind kind) noexcept {
     constexpr DWORD sharedWithAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-    // The flag allows directories to be opened.
+    // Without this flag a directory cannot be opened.
     const SystemHandle file(::CreateFileW(path.c_str(), WRITE_DAC, sharedWithAll, nullptr, OPEN_EXISTING,
                                           FILE_FLAG_BACKUP_SEMANTICS, nullptr));
     return file ? restrict(file.get(), kind) : lastErrno();
@@ -91,7 +91,8 @@ int AccessRights::restrict(HANDLE file, Kind kind) noexcept {
     if (rights == nullptr) {
         return ENOTSUP;
     }
-    // The calls that take a list alone merge it with that of the parent, where they ignore that it is protected.
+    // Not SetSecurityInfo(), which takes only the list: under wine it adds the entries inherited from the parent
+    // although the list is protected.
     if (::SetKernelObjectSecurity(file, DACL_SECURITY_INFORMATION | PROTECTED_DACL_SECURITY_INFORMATION,
                                   rights->lpSecurityDescriptor)) {
         return 0;

@@ -13,6 +13,8 @@
 
 #include <algorithm>
 #include <array>
+#include <initializer_list>
+#include <memory>
 #include <string>
 
 namespace zel::platform {
@@ -42,6 +44,7 @@ bool isOneOf(PSID user, std::initializer_list<WELL_KNOWN_SID_TYPE> kinds) {
     return std::ranges::any_of(kinds, [user](auto kind) { return ::IsWellKnownSid(user, kind) != FALSE; });
 }
 
+/// Groups to which users belong without being added by an administrator.
 bool isEverybody(PSID user) {
     return isOneOf(user, {WinWorldSid, WinAuthenticatedUserSid, WinBuiltinUsersSid, WinInteractiveSid,
                           WinBuiltinGuestsSid, WinAnonymousSid, WinNetworkSid});
@@ -73,13 +76,31 @@ std::string nameOf(PSID user) {
     return KyrCoreUtils::toString(isKnown ? std::wstring(name.data()) : textOf(user));
 }
 
-/// Returns the entry if it allows rights on the file itself, otherwise null. One with a condition counts as one
-/// without.
-ACCESS_ALLOWED_ACE* asAllowing(void* entry) {
+/// Returns the entry if it allows rights on the file itself, otherwise null. A conditional entry counts as
+/// unconditional.
+ACCESS_ALLOWED_ACE* asAllowingEntry(void* entry) {
     const auto* const header = static_cast<const ACE_HEADER*>(entry);
     const bool allows =
         header->AceType == ACCESS_ALLOWED_ACE_TYPE || header->AceType == ACCESS_ALLOWED_CALLBACK_ACE_TYPE;
     return allows && (header->AceFlags & INHERIT_ONLY_ACE) == 0 ? static_cast<ACCESS_ALLOWED_ACE*>(entry) : nullptr;
+}
+
+/// Returns the rights that the list allows to at least one user or group for which `isMeant` returns true. Null allows
+/// everything to everybody.
+template <class Predicate>
+DWORD findRights(PACL list, Predicate isMeant) {
+    if (list == nullptr) {
+        return GENERIC_ALL;
+    }
+    DWORD rights = 0;
+    for (DWORD index = 0; index < list->AceCount; ++index) {
+        void* entry = nullptr;
+        auto* const allowing = ::GetAce(list, index, &entry) ? asAllowingEntry(entry) : nullptr;
+        if (allowing != nullptr && isMeant(static_cast<PSID>(&allowing->SidStart))) {
+            rights |= allowing->Mask;
+        }
+    }
+    return rights;
 }
 
 } // namespace
@@ -113,26 +134,13 @@ std::optional<FileSecurity> FileSecurity::take(PSECURITY_DESCRIPTOR allocated) {
 }
 
 FileAccess FileSecurity::describe() const {
-    const DWORD rightsOfAll = findRights(isEverybody);
-    const DWORD rightsOfOthers = findRights([this](PSID user) { return !isTrusted(user); });
-    return {classify(owner), nameOf(owner), (rightsOfAll & writing) != 0, (rightsOfOthers & writing) != 0,
-            (rightsOfOthers & anyUse) != 0};
-}
-
-template <class Predicate>
-DWORD FileSecurity::findRights(Predicate isMeant) const {
-    if (list == nullptr) {
-        return GENERIC_ALL;
-    }
-    DWORD rights = 0;
-    for (DWORD index = 0; index < list->AceCount; ++index) {
-        void* entry = nullptr;
-        auto* const allowing = ::GetAce(list, index, &entry) ? asAllowing(entry) : nullptr;
-        if (allowing != nullptr && isMeant(static_cast<PSID>(&allowing->SidStart))) {
-            rights |= allowing->Mask;
-        }
-    }
-    return rights;
+    const DWORD rightsOfAll = findRights(list, isEverybody);
+    const DWORD rightsOfOthers = findRights(list, [this](PSID user) { return !isTrusted(user); });
+    return {.owner = classify(owner),
+            .ownerName = nameOf(owner),
+            .writableByEverybody = (rightsOfAll & writing) != 0,
+            .writableByOthers = (rightsOfOthers & writing) != 0,
+            .usableByOthers = (rightsOfOthers & anyUse) != 0};
 }
 
 bool FileSecurity::isTrusted(PSID user) const {

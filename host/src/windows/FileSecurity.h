@@ -7,16 +7,18 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <utility>
 
 namespace zel::platform {
 
 /// The owner and the access list of a file or a directory.
 class FileSecurity {
 public:
-    /// Read them from the path, following links, or from an open file. Return nullopt if they cannot be read.
+    /// Read them from the path, following links, or from an open file. Return nullopt if they cannot be read. `file`
+    /// must be open for READ_CONTROL.
     static std::optional<FileSecurity> read(const std::filesystem::path& path);
     static std::optional<FileSecurity> read(HANDLE file);
-    /// Takes a descriptor that the system allocated. Returns nullopt if it has no owner.
+    /// Takes ownership of a descriptor that the system allocated with LocalAlloc. Returns nullopt if it has no owner.
     LUMORA_HOST_API static std::optional<FileSecurity> take(PSECURITY_DESCRIPTOR allocated);
 
     /// Returns what the list allows. An entry that denies rights is not subtracted, so a file can look more open than
@@ -29,9 +31,6 @@ private:
     FileSecurity(Descriptor allocated, PSID ownerId, PACL accessList)
         : descriptor(std::move(allocated)), owner(ownerId), list(accessList) {}
 
-    /// Returns the rights that the list allows to at least one user or group for which `isMeant` holds.
-    template <class Predicate>
-    DWORD findRights(Predicate isMeant) const;
     /// Returns true for the owner, the user of this process, the system and the administrators.
     bool isTrusted(PSID user) const;
 

@@ -90,6 +90,8 @@ bool StandardStreams::isPrivateFile(Stream stream) noexcept {
     try {
         const auto security = zel::platform::FileSecurity::read(handle);
         const auto access = security ? security->describe() : FileAccess();
+        // Not only Owner::Self: a file to which a shell with the rights of an administrator redirects the output
+        // belongs to the group of administrators.
         return access.owner != FileAccess::Owner::Other && !access.usableByOthers;
     } catch (...) {
         return false;

@@ -31,7 +31,7 @@ FileAccess accessOf(const std::wstring& text) {
     return security ? security->describe() : FileAccess();
 }
 
-/// Connects the standard output of the process with a file while it exists.
+/// Redirects the standard output of the process to a file while it exists.
 class OutputToFile {
 public:
     explicit OutputToFile(const std::filesystem::path& path)
@@ -56,7 +56,7 @@ const std::wstring otherUser = L"S-1-5-21-1-2-3-1235";
 
 } // namespace
 
-TEST(WindowsFileSecurity, TheOwnerTheSystemAndTheAdministratorsAreNoOthers) {
+TEST(WindowsFileSecurity, TheOwnerTheSystemAndTheAdministratorsAreNotOtherUsers) {
     const auto access = accessOf(L"O:" + someUser + L"D:P(A;;FA;;;" + someUser +
                                  L")(A;;FA;;;SY)(A;;FA;;;BA)(A;;FA;;;S-1-3-4)(A;;FA;;;"
                                  L"S-1-5-80-956008885-3418522649-1831038044-1853292631-2271478464)");
@@ -87,7 +87,7 @@ TEST(WindowsFileSecurity, TheUserIsTheOwnerOfHisFolder) {
     EXPECT_EQ(access->ownerName, KyrCoreUtils::toString(name));
 }
 
-TEST(WindowsFileSecurity, RightsOfAnotherUserAreNoRightsOfEverybody) {
+TEST(WindowsFileSecurity, RightsOfAnotherUserAreNotRightsOfEverybody) {
     const auto reading = accessOf(L"O:SYD:P(A;;FR;;;" + otherUser + L")");
     EXPECT_FALSE(reading.writableByOthers);
     EXPECT_TRUE(reading.usableByOthers);
