@@ -11,15 +11,15 @@ namespace zel {
 
 namespace {
 
-/// The lock of one rank; a thread holds no two locks of one rank.
+/// A lock that this thread holds, and how often it has acquired it. A thread holds at most one lock of each rank.
 struct Held {
     const void* lock = nullptr;
-    std::size_t times = 0;
+    std::size_t count = 0;
 };
 
 using HeldByRank = std::array<Held, static_cast<std::size_t>(LockRank::Innermost) + 1>;
 
-// One of the supported compilers (mingw-w64) calls the destructors of such variables after it has freed them.
+// mingw-w64 frees the variables of a thread before it calls their destructors.
 static_assert(std::is_trivially_destructible_v<HeldByRank>);
 constinit thread_local HeldByRank heldByThisThread{};
 
@@ -38,13 +38,13 @@ void LockOrder::enter(const void* lock, int rank) {
         }
         own.lock = lock;
     }
-    ++own.times;
+    ++own.count;
 }
 
 void LockOrder::leave(const void* lock) {
     auto& held = heldByThisThread;
     const auto own = std::find_if(held.begin(), held.end(), [&](const Held& each) { return each.lock == lock; });
-    if (--own->times == 0) {
+    if (--own->count == 0) {
         own->lock = nullptr;
     }
 }
