@@ -223,11 +223,11 @@ void Doctor::add(const std::string& area, const std::string& path, const std::st
 }
 
 void Doctor::addExisting(const std::string& area, const std::string& path, const std::string& state,
-                         bool needsAttention, bool FileAccess::*isHarmful) {
+                         bool needsAttention, bool FileAccess::*forbidden) {
     const auto access = FileAccess::read(path);
     const auto mode = FileAccess::readMode(path);
     const bool isForeign = !access || access->owner == FileAccess::Owner::Other;
-    const bool isOpen = access && (*access).*isHarmful;
+    const bool isOpen = access && (*access).*forbidden;
     auto owner = access ? access->ownerName : std::string("unknown");
     if (access && owners == Owners::Masked) {
         owner = "<user>";

@@ -34,9 +34,9 @@ private:
     void examineKeys();
     void examinePolicies(const std::string& folder);
     void add(const std::string& area, const std::string& path, const std::string& state, bool needsAttention);
-    /// Adds an item with owner and mode. `isHarmful` is what other users must not be able to do.
+    /// Adds an item with owner and mode. It needs attention if `forbidden` is true of its access.
     void addExisting(const std::string& area, const std::string& path, const std::string& state, bool needsAttention,
-                     bool KyrCoreUtils::FileAccess::*isHarmful);
+                     bool KyrCoreUtils::FileAccess::*forbidden);
 
     const Lock lock;
     const Owners owners;

@@ -14,6 +14,7 @@
 #include <ConfigKeys.h>
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -28,6 +29,10 @@ namespace ConfigKeys = ZelUnified::ConfigKeys;
 namespace {
 
 using Keys = std::set<std::wstring, ZelUnified::caseInsensitiveMapComparator>;
+
+/// The sizes of the service's buffers.
+constexpr std::size_t nameBufferSize = 260;
+constexpr std::size_t dataBufferSize = 4096;
 
 /// Calls `read` and drops its exceptions: an unreadable file adds no names.
 void ignoringFailures(const std::function<void()>& read) {
@@ -78,8 +83,8 @@ public:
     OpenPolicyKey(const OpenPolicyKey&) = delete;
     OpenPolicyKey& operator=(const OpenPolicyKey&) = delete;
 
-    /// Returns the name of the value at `index`. Like the service, returns nothing behind the last one and for a value
-    /// that does not fit the buffers.
+    /// Returns the name of the value at `index`. Returns nullopt past the last value, and for a value that does not fit
+    /// the buffers: the service stops reading there too.
     std::optional<std::wstring> readName(std::uint32_t index) {
         auto nameLength = static_cast<std::uint32_t>(name.size());
         auto dataLength = static_cast<std::uint32_t>(data.size());
@@ -92,11 +97,11 @@ public:
 private:
     const std::shared_ptr<zel::registry::Registry> registry = zel::registry::getRegistry();
     zel::registry::HKEY key{};
-    std::array<wchar_t, 260> name{};
-    std::array<std::uint8_t, 4096> data{};
+    std::array<wchar_t, nameBufferSize> name{};
+    std::array<std::uint8_t, dataBufferSize> data{};
 };
 
-void addRegistry(Keys& keys) {
+void addPolicyOfTheRegistry(Keys& keys) {
     OpenPolicyKey policy;
     std::uint32_t index = 0;
     for (auto name = policy.readName(index); name; name = policy.readName(++index)) {
@@ -121,7 +126,7 @@ std::vector<std::wstring> readKeysOfProfile() {
         addPolicies(keys, zel::registry::getUserRegistryFolder());
         addPolicies(keys, folder + FileUtils::FileSeparator() + "HKEY_CURRENT_USER");
     } else {
-        ignoringFailures([&] { addRegistry(keys); });
+        ignoringFailures([&] { addPolicyOfTheRegistry(keys); });
     }
     ignoringFailures([&] { addProtectedFiles(keys); });
     keys.erase(L"");

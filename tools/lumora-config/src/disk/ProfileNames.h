@@ -5,8 +5,8 @@
 
 namespace lumora_config {
 
-/// Read the files of the profile, and the policies of the system's registry where it has one, without the plug-in,
-/// without its lock, and without changing anything. A file that cannot be read adds no names. They never throw.
+/// Read the files of the profile and, on a system with a registry, its policies, without the plug-in, without its lock,
+/// and without changing anything. A file that cannot be read adds no names. They never throw.
 
 /// Returns the keys in the user's settings, the cached copies, the policies and the defaults file, each once, ignoring
 /// case. The spelling of the first file that is not the user's wins, because the user's file contains lower case.
