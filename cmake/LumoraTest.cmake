@@ -59,8 +59,8 @@ if(WIN32)
   target_precompile_headers(test_prelude PRIVATE ${posix_calls}/PosixCalls.h)
 endif()
 
-# lumora_add_started_program(TEST NAME SOURCES... LIBRARIES...): adds a program that a test starts where a process cannot
-# fork. The definition LUMORA_<NAME> of the test is its path.
+# lumora_add_started_program(TEST NAME SOURCES... LIBRARIES...): adds a program that a test starts because its process
+# cannot fork. LUMORA_<NAME> in the test is its path; the test can include the headers of host/testing/windows.
 function(lumora_add_started_program test name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})

@@ -1,5 +1,6 @@
-// Linked into each library and test that contains the static libcrypto. A shared one frees the data of a thread when
-// the thread ends, among them the state of its random generator; a static one must be told.
+// Linked into the host, the plug-in and the tests of its classes: each contains a static libcrypto and uses its random
+// generator on several threads. A shared libcrypto frees the data of a thread when the thread ends; a static one must
+// be called.
 #include <openssl/crypto.h>
 #include <windows.h>
 

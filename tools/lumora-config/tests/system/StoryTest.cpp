@@ -92,7 +92,8 @@ void Story::theUserHasTheFirstWord() const {
 }
 
 void Story::aSwitchTakesTheUsersServers() const {
-    // Without another setting the table of the user would be empty, as before the first write, and not be written.
+    // With no other setting the user's table would be empty, as before the first write, and the deletion might not be
+    // written.
     set("Theme", "dark");
     for (const auto* server : {"TFTPPrimaryServer", "CtiServer1", "SabrelServer1"}) {
         set(server, "mine.example");

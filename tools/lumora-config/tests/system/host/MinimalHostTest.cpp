@@ -10,7 +10,8 @@ namespace {
 
 Outcome runHost(const Profile& profile, const std::string& pluginFolder, const std::string& value) {
     auto outcome = runProcess(LUMORA_MINIMAL_HOST, {pluginFolder, profile.root().string(), "Theme", value});
-    std::erase(outcome.out, '\r'); // the example's lines end as the platform's text does
+    // The example writes the platform's line ends.
+    std::erase(outcome.out, '\r');
     return outcome;
 }
 
