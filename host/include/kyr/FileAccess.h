@@ -25,13 +25,14 @@ struct FileAccess {
     bool usableByOthers = false;   ///< At least one other user may read, write or execute it.
 
     /// Reads the access of the file at the path (UTF-8), following links. Returns nullopt if it does not exist or
-    /// cannot be inspected. Any thread.
+    /// cannot be reached. If its access list cannot be read, it counts as a file of another user without a name that
+    /// everybody may write. Any thread.
     LUMORA_HOST_API static std::optional<FileAccess> read(const std::string& path);
     /// Reads the permission bits of the file, following links. Returns nullopt if it does not exist, or on a platform
     /// whose files have no such bits. Any thread.
     LUMORA_HOST_API static std::optional<unsigned> readMode(const std::string& path);
     /// Allows the owner to read and write the file, and nothing to other users, following links. Returns 0 or an errno
-    /// value. Any thread.
+    /// value; EPERM for a file of another user. Any thread.
     LUMORA_HOST_API static int restrictToOwner(const std::string& path) noexcept;
 };
 

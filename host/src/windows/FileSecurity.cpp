@@ -1,6 +1,7 @@
 #include "FileSecurity.h"
 
 #include "AccessRights.h"
+#include "SystemError.h"
 
 #include <kyr/StringUtils.h>
 
@@ -13,9 +14,11 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <initializer_list>
 #include <memory>
 #include <string>
+#include <string_view>
 
 namespace zel::platform {
 
@@ -23,13 +26,33 @@ using KyrCoreUtils::FileAccess;
 
 namespace {
 
-constexpr DWORD writing = FILE_WRITE_DATA | FILE_APPEND_DATA | FILE_DELETE_CHILD | DELETE | WRITE_DAC | WRITE_OWNER |
-                          GENERIC_WRITE | GENERIC_ALL;
+constexpr DWORD writing = FILE_WRITE_DATA | FILE_APPEND_DATA | FILE_WRITE_ATTRIBUTES | FILE_WRITE_EA |
+                          FILE_DELETE_CHILD | DELETE | WRITE_DAC | WRITE_OWNER | GENERIC_WRITE | GENERIC_ALL;
 constexpr DWORD anyUse = writing | FILE_READ_DATA | FILE_EXECUTE | GENERIC_READ | GENERIC_EXECUTE;
 constexpr SECURITY_INFORMATION ownerAndList = OWNER_SECURITY_INFORMATION | DACL_SECURITY_INFORMATION;
 
 /// The service that installs the system and owns most of its files.
 constexpr auto installer = L"S-1-5-80-956008885-3418522649-1831038044-1853292631-2271478464";
+
+/// Groups to which users belong without being added by an administrator. As text, because some versions of the system
+/// have no name for some of them.
+constexpr std::array<std::wstring_view, 15> groupsOfAllUsers{
+    L"S-1-1-0",      // everybody
+    L"S-1-2-0",      // local users
+    L"S-1-2-1",      // users at the console
+    L"S-1-5-2",      // users over the network
+    L"S-1-5-4",      // interactive users
+    L"S-1-5-7",      // anonymous users
+    L"S-1-5-11",     // authenticated users
+    L"S-1-5-13",     // users of a terminal server
+    L"S-1-5-14",     // users of a remote desktop
+    L"S-1-5-15",     // users of this organization
+    L"S-1-5-113",    // users with an account of this machine
+    L"S-1-5-64-10",  // users authenticated by the older network protocol
+    L"S-1-5-32-545", // the group of users
+    L"S-1-5-32-546", // the group of guests
+    L"S-1-5-32-554"  // everybody in a domain that still admits old clients
+};
 
 std::wstring textOf(PSID user) {
     LPWSTR text = nullptr;
@@ -44,10 +67,11 @@ bool isOneOf(PSID user, std::initializer_list<WELL_KNOWN_SID_TYPE> kinds) {
     return std::ranges::any_of(kinds, [user](auto kind) { return ::IsWellKnownSid(user, kind) != FALSE; });
 }
 
-/// Groups to which users belong without being added by an administrator.
 bool isEverybody(PSID user) {
-    return isOneOf(user, {WinWorldSid, WinAuthenticatedUserSid, WinBuiltinUsersSid, WinInteractiveSid,
-                          WinBuiltinGuestsSid, WinAnonymousSid, WinNetworkSid});
+    const std::wstring text = textOf(user);
+    // The groups of users and of guests of a domain.
+    const bool isOfDomain = text.starts_with(L"S-1-5-21-") && (text.ends_with(L"-513") || text.ends_with(L"-514"));
+    return isOfDomain || std::ranges::find(groupsOfAllUsers, text) != groupsOfAllUsers.end();
 }
 
 bool isAdministrator(PSID user) {
@@ -76,17 +100,36 @@ std::string nameOf(PSID user) {
     return KyrCoreUtils::toString(isKnown ? std::wstring(name.data()) : textOf(user));
 }
 
-/// Returns the entry if it allows rights on the file itself, otherwise null. A conditional entry counts as
-/// unconditional.
-ACCESS_ALLOWED_ACE* asAllowingEntry(void* entry) {
-    const auto* const header = static_cast<const ACE_HEADER*>(entry);
-    const bool allows =
-        header->AceType == ACCESS_ALLOWED_ACE_TYPE || header->AceType == ACCESS_ALLOWED_CALLBACK_ACE_TYPE;
-    return allows && (header->AceFlags & INHERIT_ONLY_ACE) == 0 ? static_cast<ACCESS_ALLOWED_ACE*>(entry) : nullptr;
+/// Returns true if the entry allows rights on the file itself.
+bool isAllowing(const ACE_HEADER& entry) {
+    constexpr std::array<BYTE, 5> allowing{ACCESS_ALLOWED_ACE_TYPE, ACCESS_ALLOWED_COMPOUND_ACE_TYPE,
+                                           ACCESS_ALLOWED_OBJECT_ACE_TYPE, ACCESS_ALLOWED_CALLBACK_ACE_TYPE,
+                                           ACCESS_ALLOWED_CALLBACK_OBJECT_ACE_TYPE};
+    return (entry.AceFlags & INHERIT_ONLY_ACE) == 0 && std::ranges::find(allowing, entry.AceType) != allowing.end();
 }
 
-/// Returns the rights that the list allows to at least one user or group for which `isMeant` returns true. Null allows
-/// everything to everybody.
+/// Returns true if the entry consists of a mask and a user. A conditional entry counts as unconditional.
+bool hasMaskAndUser(const ACE_HEADER& entry) {
+    return entry.AceType == ACCESS_ALLOWED_ACE_TYPE || entry.AceType == ACCESS_ALLOWED_CALLBACK_ACE_TYPE;
+}
+
+/// Returns the rights that the entry allows to a user or group for which `isMeant` returns true. An allowing entry of
+/// another form counts as full access for everybody.
+template <class Predicate>
+DWORD findRightsOf(void* entry, Predicate isMeant) {
+    const auto& header = *static_cast<const ACE_HEADER*>(entry);
+    if (!isAllowing(header)) {
+        return 0;
+    }
+    if (!hasMaskAndUser(header)) {
+        return GENERIC_ALL;
+    }
+    auto* const allowing = static_cast<ACCESS_ALLOWED_ACE*>(entry);
+    return isMeant(static_cast<PSID>(&allowing->SidStart)) ? allowing->Mask : 0;
+}
+
+/// Returns the rights that the list allows to at least one user or group for which `isMeant` returns true. Null, and an
+/// entry that cannot be read, allow everything to everybody.
 template <class Predicate>
 DWORD findRights(PACL list, Predicate isMeant) {
     if (list == nullptr) {
@@ -95,12 +138,15 @@ DWORD findRights(PACL list, Predicate isMeant) {
     DWORD rights = 0;
     for (DWORD index = 0; index < list->AceCount; ++index) {
         void* entry = nullptr;
-        auto* const allowing = ::GetAce(list, index, &entry) ? asAllowingEntry(entry) : nullptr;
-        if (allowing != nullptr && isMeant(static_cast<PSID>(&allowing->SidStart))) {
-            rights |= allowing->Mask;
-        }
+        rights |= ::GetAce(list, index, &entry) ? findRightsOf(entry, isMeant) : GENERIC_ALL;
     }
     return rights;
+}
+
+/// Returns true for an error that means that there is no such file.
+bool isMissing(DWORD systemError) {
+    const int error = errnoOf(systemError);
+    return error == ENOENT || error == ENOTDIR || error == ENAMETOOLONG;
 }
 
 } // namespace
@@ -110,30 +156,37 @@ std::optional<FileSecurity> FileSecurity::read(const std::filesystem::path& path
     std::wstring name = path.wstring();
     const DWORD error = ::GetNamedSecurityInfoW(name.data(), SE_FILE_OBJECT, ownerAndList, nullptr, nullptr, nullptr,
                                                 nullptr, &descriptor);
-    return error == ERROR_SUCCESS ? take(descriptor) : std::nullopt;
+    return isMissing(error) ? std::nullopt : std::optional(take(error == ERROR_SUCCESS ? descriptor : nullptr));
 }
 
-std::optional<FileSecurity> FileSecurity::read(HANDLE file) {
+FileSecurity FileSecurity::read(HANDLE file) {
     PSECURITY_DESCRIPTOR descriptor = nullptr;
     const DWORD error =
         ::GetSecurityInfo(file, SE_FILE_OBJECT, ownerAndList, nullptr, nullptr, nullptr, nullptr, &descriptor);
-    return error == ERROR_SUCCESS ? take(descriptor) : std::nullopt;
+    return take(error == ERROR_SUCCESS ? descriptor : nullptr);
 }
 
-std::optional<FileSecurity> FileSecurity::take(PSECURITY_DESCRIPTOR allocated) {
+FileSecurity FileSecurity::take(PSECURITY_DESCRIPTOR allocated) {
     Descriptor descriptor(allocated, &::LocalFree);
     PSID owner = nullptr;
     PACL list = nullptr;
     BOOL isPresent = FALSE;
     BOOL isDefault = FALSE;
-    if (!::GetSecurityDescriptorOwner(allocated, &owner, &isDefault) || owner == nullptr ||
+    if (allocated == nullptr || !::GetSecurityDescriptorOwner(allocated, &owner, &isDefault) ||
         !::GetSecurityDescriptorDacl(allocated, &isPresent, &list, &isDefault)) {
-        return std::nullopt;
+        return FileSecurity(std::move(descriptor), nullptr, nullptr);
     }
     return FileSecurity(std::move(descriptor), owner, isPresent ? list : nullptr);
 }
 
 FileAccess FileSecurity::describe() const {
+    if (owner == nullptr) {
+        return {.owner = FileAccess::Owner::Other,
+                .ownerName = "",
+                .writableByEverybody = true,
+                .writableByOthers = true,
+                .usableByOthers = true};
+    }
     const DWORD rightsOfAll = findRights(list, isEverybody);
     const DWORD rightsOfOthers = findRights(list, [this](PSID user) { return !isTrusted(user); });
     return {.owner = classify(owner),
@@ -141,6 +194,12 @@ FileAccess FileSecurity::describe() const {
             .writableByEverybody = (rightsOfAll & writing) != 0,
             .writableByOthers = (rightsOfOthers & writing) != 0,
             .usableByOthers = (rightsOfOthers & anyUse) != 0};
+}
+
+bool FileSecurity::belongsToAnotherUser() const {
+    // A file system without owners, for example FAT, names everybody.
+    return owner == nullptr ||
+           (classify(owner) == FileAccess::Owner::Other && ::IsWellKnownSid(owner, WinWorldSid) == FALSE);
 }
 
 bool FileSecurity::isTrusted(PSID user) const {

@@ -14,16 +14,20 @@ namespace zel::platform {
 /// The owner and the access list of a file or a directory.
 class FileSecurity {
 public:
-    /// Read them from the path, following links, or from an open file. Return nullopt if they cannot be read. `file`
-    /// must be open for READ_CONTROL.
+    /// Reads them, following links. Returns nullopt if there is no such file.
     static std::optional<FileSecurity> read(const std::filesystem::path& path);
-    static std::optional<FileSecurity> read(HANDLE file);
-    /// Takes ownership of a descriptor that the system allocated with LocalAlloc. Returns nullopt if it has no owner.
-    LUMORA_HOST_API static std::optional<FileSecurity> take(PSECURITY_DESCRIPTOR allocated);
+    /// Reads them from an open file. `file` must be open for READ_CONTROL.
+    static FileSecurity read(HANDLE file);
+    /// Takes ownership of a descriptor that the system allocated with LocalAlloc. Null means that nothing is known.
+    LUMORA_HOST_API static FileSecurity take(PSECURITY_DESCRIPTOR allocated);
 
     /// Returns what the list allows. An entry that denies rights is not subtracted, so a file can look more open than
-    /// it is, never less.
+    /// it is, never less. If the owner or the list is unknown, another user owns the file and everybody may do
+    /// everything.
     LUMORA_HOST_API KyrCoreUtils::FileAccess describe() const;
+    /// Returns true if another user owns the file, who can therefore change the list, or if the owner is unknown.
+    /// Returns false on a file system without owners.
+    LUMORA_HOST_API bool belongsToAnotherUser() const;
 
 private:
     using Descriptor = std::unique_ptr<void, decltype(&::LocalFree)>;
@@ -35,8 +39,8 @@ private:
     bool isTrusted(PSID user) const;
 
     Descriptor descriptor; ///< Contains the owner and the list.
-    PSID owner;
-    PACL list; ///< Null if everything is allowed to everybody.
+    PSID owner;            ///< Null if the owner or the list is unknown.
+    PACL list;             ///< Null if everything is allowed to everybody.
 };
 
 } // namespace zel::platform

@@ -88,8 +88,7 @@ bool StandardStreams::isPrivateFile(Stream stream) noexcept {
         return false;
     }
     try {
-        const auto security = zel::platform::FileSecurity::read(handle);
-        const auto access = security ? security->describe() : FileAccess();
+        const auto access = zel::platform::FileSecurity::read(handle).describe();
         // Not only Owner::Self: a file to which a shell with the rights of an administrator redirects the output
         // belongs to the group of administrators.
         return access.owner != FileAccess::Owner::Other && !access.usableByOthers;

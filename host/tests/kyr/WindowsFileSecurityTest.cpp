@@ -21,14 +21,35 @@ using KyrCoreUtils::FileAccess;
 using KyrCoreUtils::StandardStreams;
 using zel::platform::FileSecurity;
 
-/// Returns what the system's text form of an owner and a list allows.
-FileAccess accessOf(const std::wstring& text) {
+/// Returns the descriptor of the system's text form of an owner and a list.
+PSECURITY_DESCRIPTOR makeDescriptor(const std::wstring& text) {
     PSECURITY_DESCRIPTOR descriptor = nullptr;
     EXPECT_TRUE(
         ::ConvertStringSecurityDescriptorToSecurityDescriptorW(text.c_str(), SDDL_REVISION_1, &descriptor, nullptr));
-    const auto security = FileSecurity::take(descriptor);
-    EXPECT_TRUE(security);
-    return security ? security->describe() : FileAccess();
+    return descriptor;
+}
+
+/// Returns what the owner and the list in this text allow.
+FileAccess accessOf(const std::wstring& text) {
+    return FileSecurity::take(makeDescriptor(text)).describe();
+}
+
+bool belongsToAnotherUser(const std::wstring& text) {
+    return FileSecurity::take(makeDescriptor(text)).belongsToAnotherUser();
+}
+
+/// Returns what a list with one entry for the system allows, after its type and flags were replaced.
+FileAccess accessOfEntry(BYTE type, BYTE flags) {
+    const auto descriptor = makeDescriptor(L"O:SYD:P(A;;FR;;;SY)");
+    BOOL isPresent = FALSE;
+    BOOL isDefault = FALSE;
+    PACL list = nullptr;
+    void* entry = nullptr;
+    EXPECT_TRUE(::GetSecurityDescriptorDacl(descriptor, &isPresent, &list, &isDefault));
+    EXPECT_TRUE(::GetAce(list, 0, &entry));
+    static_cast<ACE_HEADER*>(entry)->AceType = type;
+    static_cast<ACE_HEADER*>(entry)->AceFlags = flags;
+    return FileSecurity::take(descriptor).describe();
 }
 
 /// Redirects the standard output of the process to a file while it exists.
@@ -98,7 +119,9 @@ TEST(WindowsFileSecurity, RightsOfAnotherUserAreNotRightsOfEverybody) {
 }
 
 TEST(WindowsFileSecurity, GroupsOfAllUsersAreEverybody) {
-    for (const auto* const group : {L"WD", L"AU", L"BU", L"IU", L"BG", L"AN", L"NU"}) {
+    for (const auto* const group :
+         {L"WD", L"AU", L"BU", L"IU", L"BG", L"AN", L"NU", L"S-1-2-0", L"S-1-2-1", L"S-1-5-13", L"S-1-5-14",
+          L"S-1-5-15", L"S-1-5-113", L"S-1-5-64-10", L"S-1-5-32-554", L"S-1-5-21-1-2-3-513", L"S-1-5-21-1-2-3-514"}) {
         const std::wstring start = L"O:SYD:P(A;;";
         EXPECT_TRUE(accessOf(start + L"FW;;;" + group + L")").writableByEverybody) << group;
         EXPECT_TRUE(accessOf(start + L"SD;;;" + group + L")").writableByEverybody) << group;
@@ -106,6 +129,31 @@ TEST(WindowsFileSecurity, GroupsOfAllUsersAreEverybody) {
         EXPECT_FALSE(accessOf(start + L"FR;;;" + group + L")").writableByEverybody) << group;
         EXPECT_TRUE(accessOf(start + L"FR;;;" + group + L")").usableByOthers) << group;
     }
+}
+
+TEST(WindowsFileSecurity, AttributesAreWritten) {
+    for (const auto* const right : {L"0x100", L"0x10"}) { // FILE_WRITE_ATTRIBUTES, FILE_WRITE_EA
+        EXPECT_TRUE(accessOf(std::wstring(L"O:SYD:P(A;;") + right + L";;;WD)").writableByEverybody);
+    }
+}
+
+TEST(WindowsFileSecurity, AllowingEntriesOfOtherFormsAreFullAccessForEverybody) {
+    for (const int type :
+         {ACCESS_ALLOWED_COMPOUND_ACE_TYPE, ACCESS_ALLOWED_OBJECT_ACE_TYPE, ACCESS_ALLOWED_CALLBACK_OBJECT_ACE_TYPE}) {
+        EXPECT_TRUE(accessOfEntry(static_cast<BYTE>(type), 0).writableByEverybody) << type;
+        EXPECT_FALSE(accessOfEntry(static_cast<BYTE>(type), INHERIT_ONLY_ACE).usableByOthers) << type;
+    }
+    for (const int type : {ACCESS_ALLOWED_ACE_TYPE, ACCESS_ALLOWED_CALLBACK_ACE_TYPE, ACCESS_DENIED_OBJECT_ACE_TYPE}) {
+        EXPECT_FALSE(accessOfEntry(static_cast<BYTE>(type), 0).usableByOthers) << type;
+    }
+}
+
+TEST(WindowsFileSecurity, AnotherUserIsTheOwnerUnlessTheFileSystemHasNone) {
+    EXPECT_TRUE(belongsToAnotherUser(L"O:" + someUser + L"D:P"));
+    EXPECT_TRUE(belongsToAnotherUser(L"D:P"));
+    EXPECT_FALSE(belongsToAnotherUser(L"O:SYD:P"));
+    EXPECT_FALSE(belongsToAnotherUser(L"O:BAD:P"));
+    EXPECT_FALSE(belongsToAnotherUser(L"O:WD"));
 }
 
 TEST(WindowsFileSecurity, EntriesForWhatIsCreatedInAFolderAllowNothingOnTheFolder) {
@@ -122,11 +170,23 @@ TEST(WindowsFileSecurity, WithoutAListEverythingIsAllowedToEverybody) {
     EXPECT_FALSE(accessOf(L"O:SYD:P").usableByOthers) << "an empty list allows nothing";
 }
 
-TEST(WindowsFileSecurity, WithoutAnOwnerNothingIsKnown) {
-    PSECURITY_DESCRIPTOR descriptor = nullptr;
-    ASSERT_TRUE(::ConvertStringSecurityDescriptorToSecurityDescriptorW(L"D:P(A;;FA;;;SY)", SDDL_REVISION_1, &descriptor,
-                                                                       nullptr));
-    EXPECT_FALSE(FileSecurity::take(descriptor));
+TEST(WindowsFileSecurity, WithoutAnOwnerEverythingIsAllowedToEverybody) {
+    for (const auto& access : {accessOf(L"D:P(A;;FA;;;SY)"), FileSecurity::take(nullptr).describe()}) {
+        EXPECT_EQ(access.owner, FileAccess::Owner::Other);
+        EXPECT_EQ(access.ownerName, "");
+        EXPECT_TRUE(access.writableByEverybody);
+        EXPECT_TRUE(access.writableByOthers);
+        EXPECT_TRUE(access.usableByOthers);
+    }
+}
+
+TEST(WindowsFileSecurity, OnlyAFileThatDoesNotExistHasNoAccess) {
+    const testing_host::TemporaryProfile profile;
+    EXPECT_FALSE(FileAccess::read((profile.root() / "absent" / "file").string()));
+    const auto access = FileAccess::read("NUL"); // a device, whose list cannot be read
+    ASSERT_TRUE(access);
+    EXPECT_EQ(access->owner, FileAccess::Owner::Other);
+    EXPECT_TRUE(access->writableByEverybody);
 }
 
 TEST(WindowsFileSecurity, StandardOutputIsPrivateIfOthersCannotReadItsFile) {

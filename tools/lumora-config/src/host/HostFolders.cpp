@@ -49,6 +49,9 @@ std::string getQuarantinePath(const std::string& resourcesDirectory) {
 } // namespace
 
 std::string findReasonForDistrust(const FileAccess& access) {
+    if (access.owner == FileAccess::Owner::Other && access.ownerName.empty()) {
+        return "its owner cannot be read";
+    }
     if (access.owner == FileAccess::Owner::Other) {
         return "belongs to another user, " + access.ownerName;
     }

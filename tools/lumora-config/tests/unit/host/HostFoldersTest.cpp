@@ -20,6 +20,7 @@ TEST(DirectoryTrust, AcceptsDirectoriesOfTheUserAndOfRoot) {
 
 TEST(DirectoryTrust, RejectsADirectoryOfAnotherUser) {
     EXPECT_EQ(findReasonForDistrust({FileAccess::Owner::Other, "mallory", false}), "belongs to another user, mallory");
+    EXPECT_EQ(findReasonForDistrust({FileAccess::Owner::Other, "", true}), "its owner cannot be read");
 }
 
 TEST(DirectoryTrust, RejectsADirectoryThatEverybodyMayWrite) {
