@@ -1,5 +1,6 @@
 #include "AccessRights.h"
 
+#include "FileSecurity.h"
 #include "SystemError.h"
 #include "SystemHandle.h"
 
@@ -52,6 +53,15 @@ private:
     SECURITY_ATTRIBUTES attributes{};
 };
 
+/// Returns EPERM if another user owns the file: he can always change its list.
+int requireOwner(HANDLE file) noexcept {
+    try {
+        return FileSecurity::read(file).belongsToAnotherUser() ? EPERM : 0;
+    } catch (...) {
+        return ENOMEM;
+    }
+}
+
 } // namespace
 
 std::vector<unsigned char> AccessRights::readUserId() {
@@ -81,7 +91,7 @@ SECURITY_ATTRIBUTES* AccessRights::forCreation(Kind kind) noexcept {
 int AccessRights::restrict(const std::filesystem::path& path, Kind kind) noexcept {
     constexpr DWORD sharedWithAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
     // Without this flag a directory cannot be opened.
-    const SystemHandle file(::CreateFileW(path.c_str(), WRITE_DAC, sharedWithAll, nullptr, OPEN_EXISTING,
+    const SystemHandle file(::CreateFileW(path.c_str(), READ_CONTROL | WRITE_DAC, sharedWithAll, nullptr, OPEN_EXISTING,
                                           FILE_FLAG_BACKUP_SEMANTICS, nullptr));
     return file ? restrict(file.get(), kind) : lastErrno();
 }
@@ -90,6 +100,9 @@ int AccessRights::restrict(HANDLE file, Kind kind) noexcept {
     const SECURITY_ATTRIBUTES* const rights = forCreation(kind);
     if (rights == nullptr) {
         return ENOTSUP;
+    }
+    if (const int error = requireOwner(file); error != 0) {
+        return error;
     }
     // Not SetSecurityInfo(), which takes only the list: under wine it adds the entries inherited from the parent
     // although the list is protected.

@@ -18,7 +18,8 @@ public:
     /// the system cannot say who the user is. Valid for the whole run.
     static SECURITY_ATTRIBUTES* forCreation(Kind kind) noexcept;
     /// Set these rights on an existing file or directory, following links. What a directory contains keeps its rights.
-    /// `file` must be open for WRITE_DAC. Return 0 or an errno value.
+    /// `file` must be open for READ_CONTROL and WRITE_DAC. Return 0 or an errno value; EPERM, with nothing changed, if
+    /// another user owns it.
     static int restrict(const std::filesystem::path& path, Kind kind) noexcept;
     static int restrict(HANDLE file, Kind kind) noexcept;
     /// Returns the id of the user of this process; empty if it is unknown.
