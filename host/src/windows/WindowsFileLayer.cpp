@@ -77,9 +77,10 @@ FileLayer& FileLayer::disk() {
 int WindowsFileLayer::createFile(const std::string& path, Handle& handle) {
     handle = -1;
     return withPath(path, [&](const std::filesystem::path& name) {
+        // With the flag a dangling link is a name that exists; without it, its target would be created.
         SystemHandle file(::CreateFileW(name.c_str(), GENERIC_WRITE, sharedWithAll,
                                         AccessRights::forCreation(AccessRights::Kind::File), CREATE_NEW,
-                                        FILE_ATTRIBUTE_NORMAL, nullptr));
+                                        FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
         return file ? toDescriptor(std::move(file), _O_WRONLY, handle) : lastErrno();
     });
 }
