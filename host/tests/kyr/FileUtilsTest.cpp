@@ -75,7 +75,9 @@ TEST_F(FileUtilsTest, CreatesMissingDirectoriesWithMode0700) {
 TEST_F(FileUtilsTest, DoesNotChangeTheModeOfExistingDirectories) {
     fs::create_directory(at("open"));
     testing_host::letEverybodyWrite(at("open"));
+    const auto mode = FileAccess::readMode(textAt("open"));
     EXPECT_EQ(FileUtils::createDirectory(textAt("open/inner")), 0);
+    EXPECT_EQ(FileAccess::readMode(textAt("open")), mode);
     EXPECT_TRUE(FileAccess::read(textAt("open"))->writableByEverybody);
     EXPECT_TRUE(testing_host::isPrivate(at("open/inner")));
 }

@@ -4,6 +4,7 @@
 #include <kyr/FileAccess.h>
 #include <zel/FileLayer.h>
 
+#include <PrivateFiles.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -94,6 +95,8 @@ TEST_F(WindowsFileLayerTest, CreatedFilesBelongToTheUserAndAreNotAccessibleToAll
         ASSERT_TRUE(access) << name;
         EXPECT_EQ(access->owner, KyrCoreUtils::FileAccess::Owner::Self) << name;
         EXPECT_FALSE(access->writableByEverybody) << name;
+        EXPECT_FALSE(access->usableByOthers) << name;
+        EXPECT_TRUE(testing_host::isPrivate(name)) << name;
     }
 }
 

@@ -27,6 +27,9 @@ using Arguments = std::vector<std::string>;
 /// Returns the number of the first line that contains the text; 0 if none does.
 std::size_t lineOf(const std::filesystem::path& file, std::string_view text);
 
+/// Returns the beginning of the origin of a value that Profile::writePolicy() has set.
+std::string originOfPolicy();
+
 /// Runs a program with `input` on its standard input and waits for its end. The program gets the environment of the
 /// test, without colours.
 Outcome runProcess(const std::string& program, const Arguments& arguments, const std::string& input = {});

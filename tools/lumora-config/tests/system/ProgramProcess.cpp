@@ -107,6 +107,10 @@ Outcome runProcess(const std::string& program, const Arguments& arguments, const
     return outcome;
 }
 
+std::string originOfPolicy() {
+    return "(RegistryConfigStore, "; // the file follows
+}
+
 void Profile::writePolicy(const std::string& name, const std::string& value) const {
     write("data/registry/policy.reg",
           "Windows Registry Editor Version 5.00\r\n\r\n[HKEY_CURRENT_USER\\Software\\Policies"

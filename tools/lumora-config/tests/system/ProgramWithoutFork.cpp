@@ -16,6 +16,10 @@ Outcome runProcess(const std::string& program, const Arguments& arguments, const
     return {run.exitCode, std::move(run.out), std::move(run.error)};
 }
 
+std::string originOfPolicy() {
+    return "(RegistryConfigStore)";
+}
+
 /// The policy is in the registry of the user, which all profiles share.
 struct Profile::Policy {
     testing_host::PlatformRegistryKey key{

@@ -68,9 +68,9 @@ protected:
 void Story::sourcesComeAndGo() const {
     EXPECT_THAT(valueOf(key), testing::StartsWith("PromptPerSession  (lumora-config-defaults.xml, "));
     importPolicy("branch.reg", key, "policy");
-    EXPECT_THAT(valueOf(key), testing::StartsWith("policy  (RegistryConfigStore"));
+    EXPECT_THAT(valueOf(key), testing::StartsWith("policy  " + originOfPolicy()));
     EXPECT_THAT(valueWith(document("behind.xml", "behind") + ":Behind:100:cache"),
-                testing::StartsWith("policy  (RegistryConfigStore"));
+                testing::StartsWith("policy  " + originOfPolicy()));
     EXPECT_THAT(valueWith(document("front.xml", "front") + ":Front:30:cache"), testing::StartsWith("front  (Front, "));
     EXPECT_THAT(valueOf(key), testing::StartsWith("front  (Front, "));
 }
@@ -88,7 +88,7 @@ void Story::theUserHasTheFirstWord() const {
     EXPECT_EQ(before, "front\n");
     EXPECT_THAT(valueOf(key), testing::StartsWith("front  (Front, "));
     EXPECT_EQ(profile.run({"remove-store", "Front"}).exitCode, 0);
-    EXPECT_THAT(valueOf(key), testing::StartsWith("policy  (RegistryConfigStore"));
+    EXPECT_THAT(valueOf(key), testing::StartsWith("policy  " + originOfPolicy()));
 }
 
 void Story::aSwitchTakesTheUsersServers() const {

@@ -139,14 +139,18 @@ TEST(Dump, LeavesSecretsOut) {
     }
 }
 
-TEST(Dump, WritesSecretsOnlyToFilesOfMode0600) {
+TEST(Dump, WritesNoSecretsToAPipe) {
     const Profile profile;
     ASSERT_EQ(profile.run({"set", "connectionpassword", "planted-secret"}).exitCode, 0);
     const auto refused = profile.run({"--show-secrets", "dump"});
     EXPECT_EQ(refused.exitCode, 1);
     EXPECT_EQ(refused.out, "");
     EXPECT_THAT(refused.error, HasSubstr("standard output is not a file of mode 0600"));
+}
 
+TEST(Dump, WritesSecretsOnlyToFilesOfMode0600) {
+    const Profile profile;
+    ASSERT_EQ(profile.run({"set", "connectionpassword", "planted-secret"}).exitCode, 0);
     const auto file = profile.write("a.dump", "old");
     fs::permissions(file, fs::perms::owner_all | fs::perms::others_read | fs::perms::group_read);
     EXPECT_THAT(runInShell(profile, "--show-secrets dump", ">" + file), HasSubstr("is not a file of mode 0600"));

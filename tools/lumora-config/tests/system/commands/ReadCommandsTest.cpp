@@ -204,12 +204,11 @@ TEST(Stores, AStoreWithoutACopyIsNotInTheNextRun) {
 TEST(Policy, IsBetweenTheUsersStoreAndTheDefaults) {
     const Profile profile;
     profile.writePolicy("Theme", "corporate");
-    EXPECT_THAT(profile.run({"get", "Theme", "--origin"}).out,
-                testing::StartsWith("corporate  (RegistryConfigStore"));
+    EXPECT_THAT(profile.run({"get", "Theme", "--origin"}).out, testing::StartsWith("corporate  " + originOfPolicy()));
     ASSERT_EQ(profile.run({"set", "Theme", "dark"}).exitCode, 0);
     EXPECT_THAT(profile.run({"get", "Theme", "--origin"}).out, testing::StartsWith("dark  (LocalFileConfigStore, "));
     EXPECT_THAT(profile.run({"get", "Theme", "--admin", "--origin"}).out,
-                testing::StartsWith("corporate  (RegistryConfigStore"));
+                testing::StartsWith("corporate  " + originOfPolicy()));
 }
 
 } // namespace program_test

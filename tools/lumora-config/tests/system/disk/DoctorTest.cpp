@@ -96,6 +96,11 @@ TEST_F(Doctor, ShowsTheModeOfEachFile) {
     const auto outcome = doctor();
     EXPECT_THAT(std::string(item(outcome, mainFile).at("state")), HasSubstr("mode 0600"));
     EXPECT_THAT(std::string(item(outcome, "/config").at("state")), HasSubstr("mode 0700"));
+    std::filesystem::permissions(config(), std::filesystem::perms(0777));
+    expectAttention("/config", "mode 0777, too open");
+    const auto key = profile.root() / "data/keys/cat2.key";
+    std::filesystem::permissions(key, std::filesystem::perms(0644));
+    expectAttention("cat2.key", "mode 0644, too open");
 }
 
 TEST_F(Doctor, ChangesNothing) {
