@@ -36,7 +36,7 @@ std::function<void()>& atNextSync() {
 
 } // namespace
 
-/// The host calls this one instead of the function of the C library.
+/// Replaces the C library's function in the whole process, also for the host.
 extern "C" __attribute__((visibility("default"))) int fsync(int descriptor) {
     if (const auto action = std::exchange(atNextSync(), nullptr)) {
         action();
@@ -192,13 +192,14 @@ TEST(FileUtilsLimits, AChangeWhoseDirectoryCannotBeSyncedIsMadeAndLogged) {
     EXPECT_THAT(warnings, Each(HasSubstr("could not be synced")));
 }
 
-TEST(FileUtilsLimits, AFolderIsReportedAsCreatedOnlyWhenAnotherThreadHasSyncedItsName) {
+TEST(FileUtilsLimits, CreateDirectoryWaitsUntilAnotherThreadHasSyncedTheName) {
     const TemporaryProfile profile;
     const std::string folder = (profile.config() / "folder").string();
     std::future<int> second;
     auto secondDuringSync = std::future_status::ready;
     atNextSync() = [&] {
         second = std::async(std::launch::async, [&] { return FileUtils::createDirectory(folder); });
+        // Without the lock the second thread returns at once; with it, this wait times out.
         secondDuringSync = second.wait_for(std::chrono::milliseconds(200));
     };
     EXPECT_EQ(FileUtils::createDirectory(folder), 0);
