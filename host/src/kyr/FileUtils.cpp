@@ -44,6 +44,26 @@ bool existsNow(const fs::path& path) {
     return inMemory ? inMemory->exists(textFromPath(path)) : fs::exists(path, error);
 }
 
+/// Held while directories are created and their names synced. Otherwise another thread could find a directory whose
+/// name is not synced yet, write a file into it and report success, and a power cut could remove the directory. Nothing
+/// is logged meanwhile, because the log creates its directory with createDirectory() and would deadlock.
+AnnotatedMutex<>& creationMutex() {
+    static AnnotatedMutex<> mutex;
+    return mutex;
+}
+
+/// Like existsNow(), but waits until the name of a directory that another thread creates is synced.
+bool existsSynced(const fs::path& path) {
+    if (!existsNow(path)) {
+        return false;
+    }
+    std::error_code error;
+    if (fs::is_directory(path, error)) {
+        const LockGuard wait(creationMutex());
+    }
+    return true;
+}
+
 /// Unlike existsNow(), also finds a link on the disk that has no target.
 bool isEntryNow(const fs::path& path) {
     const auto inMemory = InMemoryFileLayer::getActive();
@@ -123,12 +143,8 @@ int createWithParents(const fs::path& path, UnsyncedNames& unsynced) {
     return result != 0 && fs::is_directory(path, error) ? 0 : result;
 }
 
-/// Creates the directory and its missing parents, one thread at a time. Otherwise a thread could find a directory whose
-/// name another thread has not synced yet, write a file into it and report success, and a power cut could remove the
-/// directory. Does not log, because the log creates its directory with createDirectory() and would deadlock.
-int createOneAtATime(const fs::path& path, UnsyncedNames& unsynced) {
-    static AnnotatedMutex<> mutex;
-    const LockGuard lock(mutex);
+int createAlone(const fs::path& path, UnsyncedNames& unsynced) {
+    const LockGuard lock(creationMutex());
     return createWithParents(path, unsynced);
 }
 
@@ -164,7 +180,7 @@ std::string FileUtils::FileSeparator() {
 bool FileUtils::fileExists(const std::string& path) noexcept {
     return asErrorCode([&] {
                const auto file = pathFromText(path);
-               return file && (existsNow(*file) || PendingWrites::instance().find(path)) ? 0 : ENOENT;
+               return file && (existsSynced(*file) || PendingWrites::instance().find(path)) ? 0 : ENOENT;
            }) == 0;
 }
 
@@ -175,7 +191,7 @@ int FileUtils::createDirectory(const std::string& path) noexcept {
             return ENOENT;
         }
         UnsyncedNames unsynced;
-        const int result = createOneAtATime(*directory, unsynced);
+        const int result = createAlone(*directory, unsynced);
         for (const auto& [name, error] : unsynced) {
             logUnsynced(name, error);
         }
