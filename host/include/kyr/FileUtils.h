@@ -37,7 +37,8 @@ public:
     /// Returns "/" or "\\".
     static std::string FileSeparator();
 
-    /// Returns true for files, for directories, and for a protected file with pending content.
+    /// Returns true for files, for directories, and for a protected file with pending content. Waits for another thread
+    /// that is creating the directory.
     static bool fileExists(const std::string& path) noexcept;
     /// Creates the directory and its parents with mode 0700. Returns 0 if it exists afterwards, otherwise an errno
     /// value.

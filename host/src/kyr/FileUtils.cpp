@@ -3,6 +3,7 @@
 #include "zel/storage/InMemoryFileLayer.h"
 #include "zel/storage/PendingWrites.h"
 
+#include <kyr/AnnotatedMutex.h>
 #include <kyr/FileUtils.h>
 #include <kyr/StringUtils.h>
 #include <zel/FileLayer.h>
@@ -11,7 +12,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
-#include <mutex>
 #include <new>
 #include <system_error>
 #include <utility>
@@ -44,6 +44,26 @@ bool existsNow(const fs::path& path) {
     return inMemory ? inMemory->exists(textFromPath(path)) : fs::exists(path, error);
 }
 
+/// Held while directories are created and their names synced. Otherwise another thread could find a directory whose
+/// name is not synced yet, write a file into it and report success, and a power cut could remove the directory. Nothing
+/// is logged meanwhile, because the log creates its directory with createDirectory() and would deadlock.
+AnnotatedMutex<>& creationMutex() {
+    static AnnotatedMutex<> mutex;
+    return mutex;
+}
+
+/// Like existsNow(), but waits until the name of a directory that another thread creates is synced.
+bool existsSynced(const fs::path& path) {
+    if (!existsNow(path)) {
+        return false;
+    }
+    std::error_code error;
+    if (fs::is_directory(path, error)) {
+        const LockGuard wait(creationMutex());
+    }
+    return true;
+}
+
 /// Unlike existsNow(), also finds a link on the disk that has no target.
 bool isEntryNow(const fs::path& path) {
     const auto inMemory = InMemoryFileLayer::getActive();
@@ -53,7 +73,7 @@ bool isEntryNow(const fs::path& path) {
 
 /// Syncs the directory of `path`, so that a power cut cannot revert the change of this name. Returns 0 or an errno
 /// value. A directory that cannot be opened for reading is not synced.
-int syncNameOf(const fs::path& path) {
+int syncName(const fs::path& path) {
     const fs::path& named = path.has_filename() ? path : path.parent_path();
     const int error = zel::storage::FileLayer::disk().syncDirectory(textFromPath(named.parent_path()));
     return error == EACCES ? 0 : error;
@@ -65,9 +85,9 @@ void logUnsynced(const fs::path& path, int error) {
                "], because its directory could not be synced: " + std::generic_category().message(error));
 }
 
-/// The change is made, so a failed sync is only logged.
-void syncName(const fs::path& path) {
-    if (const int error = syncNameOf(path); error != 0) {
+/// Syncs the directory of `path`. A failure is only logged, because the change has been made.
+void syncNameOrLog(const fs::path& path) {
+    if (const int error = syncName(path); error != 0) {
         logUnsynced(path, error);
     }
 }
@@ -82,7 +102,7 @@ int makeDirectory(const fs::path& path, UnsyncedNames& unsynced) {
     if (const int result = platform::makeDirectory(path); result != 0) {
         return result;
     }
-    if (const int error = syncNameOf(path); error != 0) {
+    if (const int error = syncName(path); error != 0) {
         unsynced.emplace_back(path, error);
     }
     return 0;
@@ -94,7 +114,7 @@ int removeOne(const fs::path& path) {
     }
     const int result = platform::removeFile(path);
     if (result == 0) {
-        syncName(path);
+        syncNameOrLog(path);
     }
     return result;
 }
@@ -106,8 +126,8 @@ int moveOne(const fs::path& from, const fs::path& to, bool failIfExists) {
     if (const int result = platform::moveFile(from, to, failIfExists); result != 0) {
         return result;
     }
-    syncName(to);
-    syncName(from);
+    syncNameOrLog(to);
+    syncNameOrLog(from);
     return 0;
 }
 
@@ -123,12 +143,8 @@ int createWithParents(const fs::path& path, UnsyncedNames& unsynced) {
     return result != 0 && fs::is_directory(path, error) ? 0 : result;
 }
 
-/// One thread at a time. Otherwise a thread could find a directory whose name another one has not synced yet, write a
-/// file into it and report success, and a power cut could remove the directory. Nothing is logged meanwhile, because
-/// the log creates its own directory.
-int createLocked(const fs::path& path, UnsyncedNames& unsynced) {
-    static std::mutex mutex;
-    const std::lock_guard lock(mutex);
+int createAlone(const fs::path& path, UnsyncedNames& unsynced) {
+    const LockGuard lock(creationMutex());
     return createWithParents(path, unsynced);
 }
 
@@ -164,7 +180,7 @@ std::string FileUtils::FileSeparator() {
 bool FileUtils::fileExists(const std::string& path) noexcept {
     return asErrorCode([&] {
                const auto file = pathFromText(path);
-               return file && (existsNow(*file) || PendingWrites::instance().find(path)) ? 0 : ENOENT;
+               return file && (existsSynced(*file) || PendingWrites::instance().find(path)) ? 0 : ENOENT;
            }) == 0;
 }
 
@@ -175,7 +191,7 @@ int FileUtils::createDirectory(const std::string& path) noexcept {
             return ENOENT;
         }
         UnsyncedNames unsynced;
-        const int result = createLocked(*directory, unsynced);
+        const int result = createAlone(*directory, unsynced);
         for (const auto& [name, error] : unsynced) {
             logUnsynced(name, error);
         }

@@ -14,6 +14,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <cstddef>
@@ -23,23 +24,19 @@
 #include <future>
 #include <sstream>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace {
 
 /// Called at the beginning of the next sync in this process.
-std::function<void()>& atNextSync() {
-    static std::function<void()> action;
-    return action;
-}
+std::atomic<const std::function<void()>*> atNextSync = nullptr;
 
 } // namespace
 
-/// The host calls this one instead of the function of the C library.
+/// Replaces the C library's function in the whole process, also for the host.
 extern "C" __attribute__((visibility("default"))) int fsync(int descriptor) {
-    if (const auto action = std::exchange(atNextSync(), nullptr)) {
-        action();
+    if (const auto* const action = atNextSync.exchange(nullptr)) {
+        (*action)();
     }
     return static_cast<int>(::syscall(SYS_fsync, descriptor));
 }
@@ -192,19 +189,28 @@ TEST(FileUtilsLimits, AChangeWhoseDirectoryCannotBeSyncedIsMadeAndLogged) {
     EXPECT_THAT(warnings, Each(HasSubstr("could not be synced")));
 }
 
-TEST(FileUtilsLimits, AFolderIsReportedAsCreatedOnlyWhenAnotherThreadHasSyncedItsName) {
-    const TemporaryProfile profile;
-    const std::string folder = (profile.config() / "folder").string();
-    std::future<int> second;
-    auto secondDuringSync = std::future_status::ready;
-    atNextSync() = [&] {
-        second = std::async(std::launch::async, [&] { return FileUtils::createDirectory(folder); });
-        secondDuringSync = second.wait_for(std::chrono::milliseconds(200));
+/// Makes the call in a second thread while the first one syncs the name of a new directory.
+void expectToWaitForTheSync(const std::string& folder, const std::function<void()>& call) {
+    std::future<void> second;
+    auto duringSync = std::future_status::ready;
+    const std::function<void()> action = [&] {
+        second = std::async(std::launch::async, call);
+        // Without the lock the second thread returns at once; with it, this wait times out.
+        duringSync = second.wait_for(std::chrono::milliseconds(200));
     };
+    atNextSync = &action;
     EXPECT_EQ(FileUtils::createDirectory(folder), 0);
     ASSERT_TRUE(second.valid()) << "the name was not synced";
-    EXPECT_EQ(secondDuringSync, std::future_status::timeout);
-    EXPECT_EQ(second.get(), 0);
+    EXPECT_EQ(duringSync, std::future_status::timeout);
+    second.get();
+}
+
+TEST(FileUtilsLimits, OtherThreadsFindANewDirectoryWhenItsNameIsSynced) {
+    const TemporaryProfile profile;
+    const std::string first = (profile.config() / "first").string();
+    expectToWaitForTheSync(first, [&] { EXPECT_EQ(FileUtils::createDirectory(first), 0); });
+    const std::string second = (profile.config() / "second").string();
+    expectToWaitForTheSync(second, [&] { EXPECT_TRUE(FileUtils::fileExists(second)); });
 }
 
 TEST(FileUtilsLimits, AMoveBetweenFileSystemsKeepsTheSourceIfTheFolderOfTheTargetCannotBeSynced) {

@@ -92,9 +92,6 @@ void Story::theUserHasTheFirstWord() const {
 }
 
 void Story::aSwitchTakesTheUsersServers() const {
-    // With no other setting the user's table would be empty, as before the first write, and the deletion might not be
-    // written.
-    set("Theme", "dark");
     for (const auto* server : {"TFTPPrimaryServer", "CtiServer1", "SabrelServer1"}) {
         set(server, "mine.example");
     }
@@ -104,6 +101,7 @@ void Story::aSwitchTakesTheUsersServers() const {
     for (const auto* server : {"TFTPPrimaryServer", "CtiServer1", "SabrelServer1"}) {
         EXPECT_EQ(profile.run({"get", server}).exitCode, 1) << server;
     }
+    set("Theme", "dark"); // commands that only read do not write the user's file
     // Removing the switch does not restore the settings: they are deleted from the user's file.
     importPolicy("servers.reg", "Customize_Phone_Server", "true");
     EXPECT_EQ(profile.run({"get", "CtiServer1"}).exitCode, 1);
