@@ -5,6 +5,7 @@
 
 #include <kyr/AnnotatedMutex.h>
 #include <kyr/FileUtils.h>
+#include <kyr/LockGuard.h>
 #include <kyr/StringUtils.h>
 #include <zel/FileLayer.h>
 #include <zel/ZelLog.h>
