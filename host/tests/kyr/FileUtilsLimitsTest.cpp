@@ -28,15 +28,16 @@
 
 namespace {
 
-/// Called at the beginning of the next sync in this process.
-std::atomic<const std::function<void()>*> atNextSync = nullptr;
+/// Called at the beginning of the next sync in this process if the flag is set.
+std::function<void()> syncAction;
+std::atomic<bool> hasSyncAction = false;
 
 } // namespace
 
 /// Replaces the C library's function in the whole process, also for the host.
 extern "C" __attribute__((visibility("default"))) int fsync(int descriptor) {
-    if (const auto* const action = atNextSync.exchange(nullptr)) {
-        (*action)();
+    if (hasSyncAction.exchange(false)) {
+        syncAction();
     }
     return static_cast<int>(::syscall(SYS_fsync, descriptor));
 }
@@ -193,13 +194,14 @@ TEST(FileUtilsLimits, AChangeWhoseDirectoryCannotBeSyncedIsMadeAndLogged) {
 void expectToWaitForTheSync(const std::string& folder, const std::function<void()>& call) {
     std::future<void> second;
     auto duringSync = std::future_status::ready;
-    const std::function<void()> action = [&] {
+    syncAction = [&] {
         second = std::async(std::launch::async, call);
         // Without the lock the second thread returns at once; with it, this wait times out.
         duringSync = second.wait_for(std::chrono::milliseconds(200));
     };
-    atNextSync = &action;
+    hasSyncAction = true;
     EXPECT_EQ(FileUtils::createDirectory(folder), 0);
+    syncAction = nullptr;
     ASSERT_TRUE(second.valid()) << "the name was not synced";
     EXPECT_EQ(duringSync, std::future_status::timeout);
     second.get();
