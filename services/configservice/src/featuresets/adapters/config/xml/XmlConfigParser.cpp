@@ -82,10 +82,10 @@ std::string toSavePath(const std::string& path) {
     return escaped ? "file://" + std::string(reinterpret_cast<const char*>(escaped.get())) : path;
 }
 
-/// Creates the file for the owner only, or empties it and takes it from others. Otherwise the library would create it
-/// with the process's umask.
+/// Creates the file for the owner only, or empties an existing one and restricts it. Otherwise the library would create
+/// it with the process's umask.
 void reserveForOwner(const std::string& path) {
-    createForOwner(path, ""); // a stream would create it for all, and somebody could open it before it is restricted
+    createForOwner(path, ""); // somebody could open a file of the stream before it is restricted
     std::fstream stream;
     KyrCoreUtils::FstreamUtils::open(stream, path, KyrCoreUtils::StreamMode::Write);
     restrictToOwner(path);
