@@ -3,12 +3,12 @@
 #include <kyr/FileUtils.h>
 
 #include <LogRecorder.h>
+#include <OtherFileSystem.h>
 #include <TemporaryProfile.h>
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
-#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -49,15 +49,11 @@ using KyrCoreUtils::FileUtils;
 using testing::Each;
 using testing::HasSubstr;
 using testing::SizeIs;
+using testing_host::findPathOnOtherFileSystem;
 using testing_host::LogRecorder;
 using testing_host::readFile;
 using testing_host::TemporaryProfile;
 using testing_host::writeFile;
-
-dev_t deviceOf(const fs::path& path) {
-    struct stat status {};
-    return ::stat(path.c_str(), &status) == 0 ? status.st_dev : 0;
-}
 
 /// Moves a file between file systems in a process that is killed when it has copied 1,000 bytes.
 void moveUntilKilled(const std::string& source, const std::string& target) {
@@ -76,10 +72,10 @@ void moveUntilKilled(const std::string& source, const std::string& target) {
 }
 
 TEST(FileUtilsLimits, TheNextStartRemovesWhatAKilledMoveBetweenFileSystemsLeft) {
-    const fs::path elsewhere = fs::path("/dev/shm") / ("lumora-killed-move-" + std::to_string(::getpid()));
     const TemporaryProfile profile;
     const fs::path folder = profile.config();
-    if (deviceOf("/dev/shm") == deviceOf(folder)) {
+    const fs::path elsewhere = findPathOnOtherFileSystem(folder, "lumora-killed-move");
+    if (elsewhere.empty()) {
         GTEST_SKIP() << "one file system";
     }
     writeFile(elsewhere, std::string(100000, 'x'));
@@ -102,8 +98,8 @@ bool canTrace() {
     return run("strace -o /dev/null true");
 }
 
-/// Moves a file from the folder to /dev/shm in a process of its own. Sets `calls` to its calls that sync or remove
-/// files, in order.
+/// Moves a file from the folder to another file system in a process of its own. Sets `calls` to its calls that sync or
+/// remove files, in order.
 void traceMoveElsewhere(const fs::path& folder, std::vector<std::string>& calls) {
     const fs::path trace = folder / "trace";
     const auto quote = [](const fs::path& path) { return "'" + path.string() + "'"; };
@@ -121,7 +117,8 @@ void traceMoveElsewhere(const fs::path& folder, std::vector<std::string>& calls)
 /// Otherwise a power cut between the two could lose the file.
 TEST(FileUtilsLimits, AMoveBetweenFileSystemsSyncsTheFolderOfTheTargetBeforeItRemovesTheSource) {
     const TemporaryProfile profile;
-    if (deviceOf("/dev/shm") == deviceOf(profile.root())) {
+    const fs::path elsewhere = findPathOnOtherFileSystem(profile.root(), "lumora-traced-move");
+    if (elsewhere.empty()) {
         GTEST_SKIP() << "one file system";
     }
     if (!canTrace()) {
@@ -132,7 +129,7 @@ TEST(FileUtilsLimits, AMoveBetweenFileSystemsSyncsTheFolderOfTheTargetBeforeItRe
     const auto find = [&](const std::string& text) {
         return std::find_if(calls.begin(), calls.end(), [&](const auto& call) { return call.find(text) != call.npos; });
     };
-    const auto sync = find("</dev/shm>");
+    const auto sync = find("<" + elsewhere.parent_path().string() + ">");
     const auto removal = find("/source\"");
     ASSERT_NE(removal, calls.end());
     EXPECT_TRUE(sync < removal) << "the source was removed first";
@@ -221,8 +218,8 @@ TEST(FileUtilsLimits, AMoveBetweenFileSystemsKeepsTheSourceIfTheFolderOfTheTarge
 #endif
     const TemporaryProfile profile;
     const fs::path source = profile.root() / "source";
-    const fs::path target = fs::path("/dev/shm") / ("lumora-unsynced-move-" + std::to_string(::getpid()));
-    if (deviceOf("/dev/shm") == deviceOf(profile.root())) {
+    const fs::path target = findPathOnOtherFileSystem(profile.root(), "lumora-unsynced-move");
+    if (target.empty()) {
         GTEST_SKIP() << "one file system";
     }
     writeFile(source, "x");

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace testing_host {
+
+/// Returns the path of a file of this process in a folder on another file system than the given folder; empty if the
+/// machine has no such folder. The file does not exist yet.
+std::filesystem::path findPathOnOtherFileSystem(const std::filesystem::path& folder, const std::string& name);
+
+} // namespace testing_host
