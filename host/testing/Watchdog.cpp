@@ -33,6 +33,9 @@ void writeStack(int) {
 
 void writeAllStacks() {
     sem_init(&stackWritten, 0, 0);
+    // The first call loads a library, which a signal handler must not do.
+    void* frame = nullptr;
+    backtrace(&frame, 1);
     std::signal(stackSignal, writeStack);
     for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
         const auto id = std::stol(task.path().filename().string());
