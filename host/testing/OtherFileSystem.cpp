@@ -22,8 +22,8 @@ fs::path findPathOnOtherFileSystem(const fs::path& folder, const std::string& na
     const auto own = deviceOf(folder);
     for (const char* candidate : {"/dev/shm", "/tmp", "/var/tmp"}) {
         const auto device = deviceOf(candidate);
-        if (device && device != own) {
-            return fs::path(candidate) / (name + "-" + std::to_string(::getpid()));
+        if (device && device != own && ::access(candidate, W_OK | X_OK) == 0) {
+            return fs::canonical(candidate) / (name + "-" + std::to_string(::getpid()));
         }
     }
     return {};

@@ -22,6 +22,12 @@ constexpr int secondsForOneStack = 2;
 
 sem_t stackWritten;
 
+/// The first call of backtrace() loads a library, which a signal handler must not do and a hang could prevent.
+void prepareStacks() {
+    void* frame = nullptr;
+    backtrace(&frame, 1);
+}
+
 void writeStack(int) {
     std::array<void*, mostFrames> frames{};
     const int count = backtrace(frames.data(), mostFrames);
@@ -33,9 +39,6 @@ void writeStack(int) {
 
 void writeAllStacks() {
     sem_init(&stackWritten, 0, 0);
-    // The first call loads a library, which a signal handler must not do.
-    void* frame = nullptr;
-    backtrace(&frame, 1);
     std::signal(stackSignal, writeStack);
     for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
         const auto id = std::stol(task.path().filename().string());
@@ -53,6 +56,7 @@ void writeAllStacks() {
 
 Watchdog::Watchdog(std::chrono::seconds limit)
     : thread([this, limit] {
+          prepareStacks();
           if (!done.waitFor(limit)) {
               std::fputs("The test hangs. The stacks of its threads:\n", stderr);
               writeAllStacks();

@@ -29,7 +29,7 @@ std::string checkHistory(std::uint32_t seed) {
     History history;
     std::string staleRecords;
     {
-        const testing_host::Watchdog watchdog; // not for the search, which only the number of its steps limits
+        const testing_host::Watchdog watchdog; // not for the search, which has a limit of its own
         ConcurrentService service(script.policy);
         history = service.run(script);
         for (const auto& line : service.findStaleRecords()) {

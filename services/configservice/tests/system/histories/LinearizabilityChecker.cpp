@@ -45,7 +45,7 @@ std::string LinearizabilityChecker::check() {
 }
 
 bool LinearizabilityChecker::search(Node& node) {
-    for (;;) {
+    while (triedSteps <= mostSteps) {
         const auto candidates = findNext(node);
         if (candidates.empty()) {
             return isObservedEnd(node);
@@ -61,10 +61,11 @@ bool LinearizabilityChecker::search(Node& node) {
             }
         }
         // The last choice needs no copy of the node.
-        if (triedSteps > mostSteps || !perform(node, candidates.back())) {
+        if (!perform(node, candidates.back())) {
             return false;
         }
     }
+    return false;
 }
 
 bool LinearizabilityChecker::isObservedEnd(Node& node) const {
