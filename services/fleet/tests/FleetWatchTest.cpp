@@ -227,8 +227,10 @@ TEST(FleetWatchOfAMember, AuthenticatesWithoutAWarningIfAuthenticationIsEnabledA
                                               : ScriptedMember::Answer{200, R"({"token":"abc.12"})", false};
             }
             if (path == fleet::etcd::watchPath) {
-                return ++watches == 1 ? refuse("etcdserver: revision of auth store is old")
-                                      : refuse("etcdserver: user name is empty");
+                // The third one is held, since another refusal would be reported.
+                return ++watches > 2 ? ScriptedMember::Answer{200, "", true}
+                                     : refuse(watches == 1 ? "etcdserver: revision of auth store is old"
+                                                           : "etcdserver: user name is empty");
             }
             return ScriptedMember::Answer{200, R"({"header":{"revision":"7"},"responses":[]})", false};
         },
