@@ -4,8 +4,6 @@
 #include "StartedState.h"
 #include "StoreRecord.h"
 
-#include <algorithm>
-
 namespace config_model {
 
 namespace {
@@ -289,8 +287,7 @@ std::string CallSteps::runBackground() {
     const auto content = step([&] {
         auto& store = *firstOf().store;
         store.lastPersisted = store.shape.pairs;
-        const auto& stores = state.data.chain.getStores();
-        state.data.writingUserFile = std::count(stores.begin(), stores.end(), firstOf().store) > 0;
+        state.data.writingUserFile = true;
         return StepResult{.yes = !store.destroyed, .pairs = store.shape.pairs};
     });
     change([&] {

@@ -176,8 +176,10 @@ void CallSteps::addCopy(const std::string& name, int priority) {
 void CallSteps::resetAllData() {
     change([&] {
         acquireLifecycleLock();
-        if (state.data.writingUserFile) {
-            block(); // the reset of the user's store waits for a write of its file
+        const auto& stores = state.data.chain.getStores();
+        if (state.data.writingUserFile &&
+            std::count(stores.begin(), stores.end(), state.data.chain.getTasks().front().store) > 0) {
+            block(); // the reset of the user's store waits for a write of its file, unless a stop has removed the store
         }
         state.data.chain.resetConfigData();
     });
