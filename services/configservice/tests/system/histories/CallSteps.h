@@ -72,6 +72,7 @@ private:
     void refresh();
     void rebuild();
     void resetAllData();
+    void emptyQueuedUserStores();
     void powerDown();
     void addMemoryStore();
     void addUserStore();

@@ -179,9 +179,15 @@ void CallSteps::resetAllData() {
         const auto& stores = state.data.chain.getStores();
         if (state.data.writingUserFile &&
             std::count(stores.begin(), stores.end(), state.data.chain.getTasks().front().store) > 0) {
-            block(); // the reset of the user's store waits for a write of its file, unless a stop has removed the store
+            block(); // emptying the user's store waits for a write of its file
         }
         state.data.chain.resetConfigData();
+    });
+    change([&] {
+        if (state.data.writingUserFile) {
+            block();
+        }
+        emptyQueuedUserStores();
     });
     const bool hasUserFile = test([&] { return state.data.userFile.has_value(); });
     for (const auto& file : listCachedFiles()) {
@@ -198,6 +204,15 @@ void CallSteps::resetAllData() {
     });
     rebuild();
     change([&] { releaseLifecycleLock(); });
+}
+
+/// A stop or a refresh may have removed these stores from the chain.
+void CallSteps::emptyQueuedUserStores() {
+    for (const auto& task : state.data.chain.getTasks()) {
+        if (task.store && task.store->shape.kind == StoreShape::Kind::UserFile) {
+            task.store->removeAllValues();
+        }
+    }
 }
 
 void CallSteps::powerDown() {

@@ -176,24 +176,19 @@ TEST(LinearizabilityChecker, AcceptsACallBetweenTwoStepsOfAnotherOne) {
     EXPECT_FALSE(isAccepted(history)) << "the calls no longer overlap";
 }
 
-TEST(LinearizabilityChecker, AcceptsAResetDuringTheWriteOfAStoreThatAStopHasRemoved) {
+TEST(LinearizabilityChecker, RefusesAResetThatLeavesAFileToTheWriteOfAStoreThatAStopHasRemoved) {
     ModelHistory made({});
     made.run(1, writeZed(L"one"));
-    const auto writing = made.begin(1, {.kind = Call::Kind::RunBackground});
-    made.step(writing);
-    made.step(writing); // has read the store
-    made.run(2, writeZed(L"two"));
+    const auto writing = made.run(1, {.kind = Call::Kind::RunBackground});
     made.run(0, {.kind = Call::Kind::Stop});
-    const auto resetting = made.begin(0, {.kind = Call::Kind::ResetAllData});
-    made.step(resetting);
-    made.step(resetting); // has found no file of the user
-    made.step(writing);
-    while (made.step(resetting)) {
-    }
+    const auto refreshing = made.run(0, {.kind = Call::Kind::Refresh});
     const auto reading = made.run(2, readZed);
-    const auto history = made.finish();
-    EXPECT_THAT(history.events[reading].answer, testing::HasSubstr("one [LocalFileConfigStore]"));
+    auto history = made.finish();
+    history.events[writing].end = history.events[refreshing].end; // the write lasts longer than the stop
+    ASSERT_THAT(history.events[reading].answer, testing::HasSubstr("one [LocalFileConfigStore]"));
     EXPECT_TRUE(isAccepted(history));
+    history.events[refreshing].call.kind = Call::Kind::ResetAllData;
+    EXPECT_FALSE(isAccepted(history)) << "a reset that did not wait for the write";
 }
 
 } // namespace config_model

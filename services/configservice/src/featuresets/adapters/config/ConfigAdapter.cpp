@@ -193,7 +193,17 @@ std::shared_ptr<ConfigStore> ConfigAdapter::makeUserStore(BackupTimer backupTime
     if (backupTimer == BackupTimer::With) {
         store->setTimer(configFileCacheTimer);
     }
+    std::erase_if(userStores, [](const auto& known) { return known.expired(); });
+    userStores.push_back(store);
     return store;
+}
+
+void ConfigAdapter::emptyUserStores() {
+    for (const auto& known : userStores) {
+        if (const auto store = known.lock()) {
+            store->removeAllValues();
+        }
+    }
 }
 
 std::shared_ptr<ConfigStore> ConfigAdapter::makeRegistryStore() const {
@@ -236,6 +246,7 @@ void ConfigAdapter::InvokeResetData(ResetDataOptionEnum::ResetDataOption) {
     if (configStoreManager) {
         configStoreManager->resetConfigData();
     }
+    emptyUserStores();
     const auto separator = FileUtils::FileSeparator();
     FileUtils::removeFile(FileUtils::getUserLocalAppDir() + separator + "Google calendar" + separator + "calendar.bat");
     removeFilesFromDirectory(FileUtils::getConfigDirectory());

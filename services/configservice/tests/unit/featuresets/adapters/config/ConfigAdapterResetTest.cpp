@@ -318,4 +318,36 @@ TEST_F(ConfigAdapterReset, CancelsAPendingBackup) {
     EXPECT_FALSE(debugLog.mentions("Timer already exists, do nothing"));
 }
 
+/// What takes a store with a write in the queue out of the chain.
+struct RemovalBeforeTheWrite {
+    const char* name;
+    void (*run)(ConfigAdapter& adapter);
+};
+
+class ConfigAdapterResetWithQueuedWrites : public ConfigAdapterReset,
+                                           public testing::WithParamInterface<RemovalBeforeTheWrite> {};
+
+TEST_P(ConfigAdapterResetWithQueuedWrites, LeavesNothingOfTheOldSettings) {
+    loadAndStart();
+    adapter->setConfig(L"k", L"v");
+    GetParam().run(*adapter);
+    adapter->InvokeResetData(ResetDataOptionEnum::ResetAll);
+    unload();
+    load();
+    EXPECT_EQ(valueOf(L"k"), L"(none)");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    After, ConfigAdapterResetWithQueuedWrites,
+    testing::Values(RemovalBeforeTheWrite{"AStop",
+                                          [](auto& adapter) { adapter.StopFeatureSet(configServiceId, nullptr); }},
+                    RemovalBeforeTheWrite{"ARefresh", [](auto& adapter) { adapter.refreshConfigFeatureSet(); }},
+                    RemovalBeforeTheWrite{"TwoRefreshes",
+                                          [](auto& adapter) {
+                                              adapter.refreshConfigFeatureSet();
+                                              adapter.setConfig(L"k", L"w");
+                                              adapter.refreshConfigFeatureSet();
+                                          }}),
+    [](const auto& test) { return std::string(test.param.name); });
+
 } // namespace ZelUnified
