@@ -72,7 +72,7 @@ private:
     void refresh();
     void rebuild();
     void resetAllData();
-    void emptyQueuedUserStores();
+    void emptyUserStoresWithQueuedWrites();
     void powerDown();
     void addMemoryStore();
     void addUserStore();

@@ -179,15 +179,15 @@ void CallSteps::resetAllData() {
         const auto& stores = state.data.chain.getStores();
         if (state.data.writingUserFile &&
             std::count(stores.begin(), stores.end(), state.data.chain.getTasks().front().store) > 0) {
-            block(); // emptying the user's store waits for a write of its file
+            block(); // emptying a store waits for the write of its file
         }
         state.data.chain.resetConfigData();
     });
     change([&] {
         if (state.data.writingUserFile) {
-            block();
+            block(); // the same for a store that a stop or a refresh has removed
         }
-        emptyQueuedUserStores();
+        emptyUserStoresWithQueuedWrites();
     });
     const bool hasUserFile = test([&] { return state.data.userFile.has_value(); });
     for (const auto& file : listCachedFiles()) {
@@ -206,8 +206,7 @@ void CallSteps::resetAllData() {
     change([&] { releaseLifecycleLock(); });
 }
 
-/// A stop or a refresh may have removed these stores from the chain.
-void CallSteps::emptyQueuedUserStores() {
+void CallSteps::emptyUserStoresWithQueuedWrites() {
     for (const auto& task : state.data.chain.getTasks()) {
         if (task.store && task.store->shape.kind == StoreShape::Kind::UserFile) {
             task.store->removeAllValues();

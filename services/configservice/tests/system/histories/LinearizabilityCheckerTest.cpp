@@ -176,19 +176,36 @@ TEST(LinearizabilityChecker, AcceptsACallBetweenTwoStepsOfAnotherOne) {
     EXPECT_FALSE(isAccepted(history)) << "the calls no longer overlap";
 }
 
-TEST(LinearizabilityChecker, RefusesAResetThatLeavesAFileToTheWriteOfAStoreThatAStopHasRemoved) {
-    ModelHistory made({});
-    made.run(1, writeZed(L"one"));
-    const auto writing = made.run(1, {.kind = Call::Kind::RunBackground});
-    made.run(0, {.kind = Call::Kind::Stop});
-    const auto refreshing = made.run(0, {.kind = Call::Kind::Refresh});
-    const auto reading = made.run(2, readZed);
-    auto history = made.finish();
-    history.events[writing].end = history.events[refreshing].end; // the write lasts longer than the stop
-    ASSERT_THAT(history.events[reading].answer, testing::HasSubstr("one [LocalFileConfigStore]"));
-    EXPECT_TRUE(isAccepted(history));
-    history.events[refreshing].call.kind = Call::Kind::ResetAllData;
-    EXPECT_FALSE(isAccepted(history)) << "a reset that did not wait for the write";
+/// A store is written while a stop removes it and `rebuild` makes a new one from its file. Then the key is read.
+struct OverlappingWrite {
+    explicit OverlappingWrite(Call::Kind rebuild) {
+        ModelHistory made({});
+        made.run(1, writeZed(L"one"));
+        const auto writing = made.run(1, {.kind = Call::Kind::RunBackground});
+        made.run(0, {.kind = Call::Kind::Stop});
+        rebuilding = made.run(0, {.kind = rebuild});
+        reading = made.run(2, readZed);
+        history = made.finish();
+        history.events[writing].end = history.events[rebuilding].end;
+    }
+
+    History history;
+    std::size_t rebuilding = 0;
+    std::size_t reading = 0;
+};
+
+TEST(LinearizabilityChecker, AcceptsAResetThatOverlapsTheWriteOfARemovedStore) {
+    const OverlappingWrite overlapping(Call::Kind::ResetAllData);
+    EXPECT_TRUE(isAccepted(overlapping.history));
+}
+
+TEST(LinearizabilityChecker, RefusesOldSettingsAfterAResetThatOverlapsTheWriteOfARemovedStore) {
+    OverlappingWrite overlapping(Call::Kind::Refresh);
+    auto& events = overlapping.history.events;
+    ASSERT_THAT(events[overlapping.reading].answer, testing::HasSubstr("one [LocalFileConfigStore]"));
+    EXPECT_TRUE(isAccepted(overlapping.history));
+    events[overlapping.rebuilding].call.kind = Call::Kind::ResetAllData;
+    EXPECT_FALSE(isAccepted(overlapping.history));
 }
 
 } // namespace config_model

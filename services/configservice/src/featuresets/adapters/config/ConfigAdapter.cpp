@@ -50,6 +50,15 @@ bool isTelephonyStore(const std::string& name) {
            isTaviLyncRegistryConfigStore(name);
 }
 
+/// Empties the stores that still exist. Waits for their writes in progress.
+void emptyStores(const std::vector<std::weak_ptr<LocalFileConfigStore>>& stores) {
+    for (const auto& known : stores) {
+        if (const auto store = known.lock()) {
+            store->removeAllValues();
+        }
+    }
+}
+
 } // namespace
 
 ConfigAdapter::ConfigAdapter() = default;
@@ -193,17 +202,10 @@ std::shared_ptr<ConfigStore> ConfigAdapter::makeUserStore(BackupTimer backupTime
     if (backupTimer == BackupTimer::With) {
         store->setTimer(configFileCacheTimer);
     }
-    std::erase_if(userStores, [](const auto& known) { return known.expired(); });
-    userStores.push_back(store);
+    const LockGuard lock(adapterMutex);
+    std::erase_if(userFileStores, [](const auto& known) { return known.expired(); });
+    userFileStores.push_back(store);
     return store;
-}
-
-void ConfigAdapter::emptyUserStores() {
-    for (const auto& known : userStores) {
-        if (const auto store = known.lock()) {
-            store->removeAllValues();
-        }
-    }
 }
 
 std::shared_ptr<ConfigStore> ConfigAdapter::makeRegistryStore() const {
@@ -246,7 +248,8 @@ void ConfigAdapter::InvokeResetData(ResetDataOptionEnum::ResetDataOption) {
     if (configStoreManager) {
         configStoreManager->resetConfigData();
     }
-    emptyUserStores();
+    // Also those that are no longer in the chain: their queued writes would restore the old settings.
+    emptyStores(userFileStores);
     const auto separator = FileUtils::FileSeparator();
     FileUtils::removeFile(FileUtils::getUserLocalAppDir() + separator + "Google calendar" + separator + "calendar.bat");
     removeFilesFromDirectory(FileUtils::getConfigDirectory());

@@ -29,6 +29,7 @@ namespace ZelUnified {
 
 class ConfigFileCacheTimer;
 class ConfigServiceImpl;
+class LocalFileConfigStore;
 class ResetDataCallbackRegistry;
 
 /// The feature set of the configuration service. Builds and rebuilds the chain, decides which stores a stop, a refresh,
@@ -119,16 +120,13 @@ private:
     void unRegisterResetDataCallback();
     std::shared_ptr<ResetDataCallbackRegistry> getResetDataCallbackRegistry();
 
-    void addInitialConfigStores() LUMORA_REQUIRES(adapterMutex);
-    void addNecessaryStoresIfNotExist() LUMORA_REQUIRES(adapterMutex);
+    void addInitialConfigStores();
+    void addNecessaryStoresIfNotExist();
     std::shared_ptr<ConfigStore> makeDefaultsStore() const;
     std::shared_ptr<ConfigStore> makeInMemoryStore() const;
     enum class BackupTimer { Without, With };
     /// Returns the user's own store: the encrypted file or, in the SDK mode, a volatile store of the same name.
-    std::shared_ptr<ConfigStore> makeUserStore(BackupTimer backupTimer) LUMORA_REQUIRES(adapterMutex);
-    /// Empties every user's store that still exists, and waits for its write in progress. A stop or a refresh takes the
-    /// store out of the chain, where a reset does not find it, while the background thread still has to write it.
-    void emptyUserStores() LUMORA_REQUIRES(adapterMutex);
+    std::shared_ptr<ConfigStore> makeUserStore(BackupTimer backupTimer);
     std::shared_ptr<ConfigStore> makeRegistryStore() const;
 
     void setSensitiveKeys();
@@ -151,8 +149,8 @@ private:
     std::atomic<bool> featureSetStarted LUMORA_GUARDED_BY(adapterMutex) = false;
     bool resetDataCallbackRegistered LUMORA_GUARDED_BY(adapterMutex) = false; ///< Never reset to false.
     const std::shared_ptr<ConfigStoreManager> configStoreManager;
-    /// The stores of makeUserStore(). Queued writes keep those alive that have left the chain.
-    std::vector<std::weak_ptr<ConfigStore>> userStores LUMORA_GUARDED_BY(adapterMutex);
+    /// The user's file stores that were made. After its removal from the chain, a queued write keeps a store alive.
+    std::vector<std::weak_ptr<LocalFileConfigStore>> userFileStores LUMORA_GUARDED_BY(adapterMutex);
     std::shared_ptr<ConfigServiceImpl> configService;
     /// Shared with the tasks on the services dispatcher, which do not own the adapter.
     const std::shared_ptr<AnnouncementOrder> announcementOrder = std::make_shared<AnnouncementOrder>();

@@ -1,6 +1,11 @@
 #include "ConfigAdapterFixture.h"
+#include "stores/LocalFileTestSupport.h"
 
+#include <zel/EncryptFileUtils.h>
 #include <zel/LogSink.h>
+
+#include <functional>
+#include <thread>
 
 namespace ZelUnified {
 
@@ -10,20 +15,20 @@ using testing::Not;
 
 namespace {
 
-/// Deletes a file as soon as a line with that text is logged.
-class FileRemovingSink final : public zel::logging::LogSink {
+/// Runs an action as soon as a line with that text is logged.
+class ActingSink final : public zel::logging::LogSink {
 public:
-    FileRemovingSink(std::string lineText, std::filesystem::path filePath)
-        : text(std::move(lineText)), path(std::move(filePath)) {}
+    ActingSink(std::string lineText, std::function<void()> whatToRun)
+        : text(std::move(lineText)), action(std::move(whatToRun)) {}
     void write(const zel::logging::LogRecord& record) override {
         if (record.text == text) {
-            std::filesystem::remove(path);
+            action();
         }
     }
 
 private:
     const std::string text;
-    const std::filesystem::path path;
+    const std::function<void()> action;
 };
 
 } // namespace
@@ -139,7 +144,8 @@ TEST_F(ConfigAdapterReset, LogsAFileItCannotDeleteAndDeletesTheOthers) {
     const auto last = write("c.log");
     load();
     // The file is already listed when it vanishes, so its deletion fails.
-    const auto remover = std::make_shared<FileRemovingSink>("File: [" + first.string() + "] deleted", vanishing);
+    const auto remover = std::make_shared<ActingSink>("File: [" + first.string() + "] deleted",
+                                                      [&] { std::filesystem::remove(vanishing); });
     zel::logging::addSink(remover);
     reset();
     zel::logging::removeSink(remover);
@@ -318,13 +324,34 @@ TEST_F(ConfigAdapterReset, CancelsAPendingBackup) {
     EXPECT_FALSE(debugLog.mentions("Timer already exists, do nothing"));
 }
 
-/// What takes a store with a write in the queue out of the chain.
+TEST_F(ConfigAdapterReset, WaitsForAWriteInProgressOfAStoreThatAStopHasRemoved) {
+    const auto keys = std::make_shared<xml_test::GatedKeyProvider>();
+    zel::storage::EncryptFileUtils::overrideKeyProvider(keys);
+    loadAndStart();
+    // So large that a reset that did not wait would list the files before the write ends.
+    adapter->setConfig(L"k", std::wstring(1'000'000, L'v'));
+    const auto store = adapter->getConfigStoreByName("LocalFileConfigStore");
+    keys->close();
+    std::thread writer([&] { store->persistValues(); });
+    EXPECT_TRUE(keys->waitForWriter());
+    adapter->StopFeatureSet(configServiceId, nullptr);
+    const auto opening = std::make_shared<ActingSink>("About to reset the ConfigAdapter...", [&] { keys->open(); });
+    zel::logging::addSink(opening);
+    adapter->InvokeResetData(ResetDataOptionEnum::ResetAll);
+    zel::logging::removeSink(opening);
+    writer.join();
+    EXPECT_FALSE(std::filesystem::exists(profile.config() / "lumoraLocalConfig.dat"));
+    EXPECT_EQ(valueOf(L"k"), L"(none)");
+    zel::storage::EncryptFileUtils::overrideKeyProvider(nullptr);
+}
+
+/// Removes the user's store from the chain before its queued write runs.
 struct RemovalBeforeTheWrite {
     const char* name;
     void (*run)(ConfigAdapter& adapter);
 };
 
-class ConfigAdapterResetWithQueuedWrites : public ConfigAdapterReset,
+class ConfigAdapterResetWithQueuedWrites : public ConfigAdapterFixture,
                                            public testing::WithParamInterface<RemovalBeforeTheWrite> {};
 
 TEST_P(ConfigAdapterResetWithQueuedWrites, LeavesNothingOfTheOldSettings) {
