@@ -149,7 +149,7 @@ private:
     std::atomic<bool> featureSetStarted LUMORA_GUARDED_BY(adapterMutex) = false;
     bool resetDataCallbackRegistered LUMORA_GUARDED_BY(adapterMutex) = false; ///< Never reset to false.
     const std::shared_ptr<ConfigStoreManager> configStoreManager;
-    /// The user's file stores that were made. After its removal from the chain, a queued write keeps a store alive.
+    /// The user's file stores, for a reset. A queued write keeps a store alive after its removal from the chain.
     std::vector<std::weak_ptr<LocalFileConfigStore>> userFileStores LUMORA_GUARDED_BY(adapterMutex);
     std::shared_ptr<ConfigServiceImpl> configService;
     /// Shared with the tasks on the services dispatcher, which do not own the adapter.
