@@ -6,9 +6,6 @@
 #include <zel/ZelLog.h>
 
 #include <algorithm>
-#include <asio/executor_work_guard.hpp>
-#include <asio/io_context.hpp>
-#include <asio/post.hpp>
 #include <atomic>
 #include <condition_variable>
 #include <cstdint>
@@ -41,15 +38,15 @@ void runGuarded(zel::Task& task) {
 
 } // namespace
 
-/// The state of the queue. Each task has one handler in the io_context; the tasks themselves are in a deque, because
-/// some are inserted at its front.
 class SerialQueue::Core {
 public:
-    explicit Core(Mode queueMode) : mode(queueMode), keepRunning(asio::make_work_guard(context)) {}
+    explicit Core(Mode queueMode) : mode(queueMode) {}
 
     void runThread() {
         owner.store(std::this_thread::get_id());
-        context.run();
+        while (waitForTask(std::nullopt)) {
+            runNext();
+        }
         owner.store(std::thread::id());
     }
 
@@ -82,7 +79,6 @@ public:
             const auto waiter = finished ? std::this_thread::get_id() : std::thread::id();
             entries.insert(ahead ? entries.begin() : entries.end(),
                            Entry{std::move(task), std::move(finished), waiter, ++lastNumber});
-            asio::post(context, [this] { runNext(); });
             posted = postedCallback;
         }
         changed.notify_all();
@@ -111,24 +107,13 @@ public:
         return std::any_of(running.begin(), running.end(), [&](const Running& task) { return task.waiter == waiter; });
     }
 
-    bool pumpNext() {
-        if (mode != Mode::Pumped || !isOwner()) {
-            return false;
-        }
-        // If a task was run ahead of its turn, its handler has nothing to run.
-        const auto before = runs.load();
-        while (context.poll_one() != 0) {
-            if (runs.load() != before) {
-                return true;
-            }
-        }
-        return false;
-    }
+    bool pumpNext() { return mode == Mode::Pumped && isOwner() && runNext(); }
 
-    bool waitForTask(std::chrono::milliseconds timeout) {
+    /// Without a timeout, waits until a task is queued or the queue is closed.
+    bool waitForTask(std::optional<std::chrono::milliseconds> timeout) {
         KyrCoreUtils::WaitLock lock(mutex);
-        changed.wait_for(lock.get(), timeout,
-                         [this]() LUMORA_REQUIRES(mutex) { return !entries.empty() || state == State::Closed; });
+        waitUntil(lock, timeout,
+                  [this]() LUMORA_REQUIRES(mutex) { return !entries.empty() || state == State::Closed; });
         return !entries.empty();
     }
 
@@ -147,11 +132,7 @@ public:
             return state == State::Waiting || !(holdsUpTo(mark, running) || holdsUpTo(mark, entries));
         };
         KyrCoreUtils::WaitLock lock(mutex);
-        if (timeout) {
-            return changed.wait_for(lock.get(), *timeout, done);
-        }
-        changed.wait(lock.get(), done);
-        return true;
+        return waitUntil(lock, timeout, done);
     }
 
     void close() {
@@ -160,12 +141,6 @@ public:
             state = State::Closed;
         }
         changed.notify_all();
-    }
-
-    /// Releases the work guard, so that the thread returns when no handler is left.
-    void releaseWorkGuard() {
-        const KyrCoreUtils::LockGuard lock(mutex);
-        keepRunning.reset();
     }
 
     void dropAll() {
@@ -215,6 +190,15 @@ private:
     }
 
     template <class Predicate>
+    bool waitUntil(KyrCoreUtils::WaitLock& lock, std::optional<std::chrono::milliseconds> timeout, Predicate isDone) {
+        if (timeout) {
+            return changed.wait_for(lock.get(), *timeout, isDone);
+        }
+        changed.wait(lock.get(), isDone);
+        return true;
+    }
+
+    template <class Predicate>
     bool runFirst(Predicate matches) {
         Entry entry;
         {
@@ -227,7 +211,6 @@ private:
             entries.erase(found);
             running.push_back({entry.waiter, entry.number});
         }
-        ++runs;
         runGuarded(*entry.task);
         entry.task.reset();
         {
@@ -241,13 +224,10 @@ private:
         return true;
     }
 
-    asio::io_context context{1};
     std::atomic<std::thread::id> owner{};
-    std::atomic<unsigned long> runs = 0; ///< The number of tasks that have begun.
 
     mutable KyrCoreUtils::AnnotatedMutex<> mutex; ///< Never held while a task runs or is destroyed.
     std::condition_variable changed;
-    asio::executor_work_guard<asio::io_context::executor_type> keepRunning LUMORA_GUARDED_BY(mutex);
     State state LUMORA_GUARDED_BY(mutex) = State::Waiting;
     std::deque<Entry> entries LUMORA_GUARDED_BY(mutex);
     std::uint64_t lastNumber LUMORA_GUARDED_BY(mutex) = 0;
@@ -369,7 +349,6 @@ void SerialQueue::end() {
     if (isOwner()) {
         flush();
     }
-    core->releaseWorkGuard();
     const bool joins = core->mode == Mode::OwnThread && !isOwner();
     if (joins) {
         const KyrCoreUtils::LockGuard lock(threadMutex);
