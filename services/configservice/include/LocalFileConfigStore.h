@@ -40,7 +40,7 @@ public:
     bool storeValue(const std::wstring& key, const std::wstring& value) override;
     std::vector<std::wstring> getKeys() override;
     bool removeValue(const std::wstring& key) override;
-    /// Clears the table but not the file. Waits for a write in progress.
+    /// Clears the table but not the file. A write in progress may still end with the old values.
     void removeAllValues() override;
     bool isReadOnly() override { return readOnly; }
     std::string getName() override { return name; }
@@ -48,6 +48,8 @@ public:
     /// Writes nothing if the table equals the one last passed to the encryption facility. The facility does not report
     /// a failed write, so the store writes again only after the next change.
     void persistValues() override;
+    /// Waits for a write in progress. A later write has the values of that moment.
+    void waitForWrite();
     /// Disables writing: from now on the store writes no file.
     void destroy() override;
     bool isLocal() override { return local; }

@@ -176,16 +176,11 @@ void CallSteps::addCopy(const std::string& name, int priority) {
 void CallSteps::resetAllData() {
     change([&] {
         acquireLifecycleLock();
-        const auto& stores = state.data.chain.getStores();
-        if (state.data.writingUserFile &&
-            std::count(stores.begin(), stores.end(), state.data.chain.getTasks().front().store) > 0) {
-            block(); // emptying a store waits for the write of its file
-        }
         state.data.chain.resetConfigData();
     });
     change([&] {
         if (state.data.writingUserFile) {
-            block(); // the same for a store that a stop or a refresh has removed
+            block(); // the reset waits for the write, whether or not the store is in the chain
         }
         emptyUserStoresWithQueuedWrites();
     });

@@ -50,11 +50,13 @@ bool isTelephonyStore(const std::string& name) {
            isTaviLyncRegistryConfigStore(name);
 }
 
-/// Empties the stores that still exist. Waits for their writes in progress.
+/// Empties the stores that still exist, so that their queued writes restore nothing, and waits for their writes in
+/// progress.
 void emptyStores(const std::vector<std::weak_ptr<LocalFileConfigStore>>& stores) {
     for (const auto& known : stores) {
         if (const auto store = known.lock()) {
             store->removeAllValues();
+            store->waitForWrite();
         }
     }
 }
@@ -245,11 +247,12 @@ void ConfigAdapter::InvokeResetData(ResetDataOptionEnum::ResetDataOption) {
     if (configFileCacheTimer) {
         configFileCacheTimer->clearTimers();
     }
+    const auto oldStores = userFileStores; // also those that are no longer in the chain
     if (configStoreManager) {
         configStoreManager->resetConfigData();
     }
-    // Also those that are no longer in the chain: their queued writes would restore the old settings.
-    emptyStores(userFileStores);
+    // Without the chain's lock, so that readers do not wait for the disk.
+    emptyStores(oldStores);
     const auto separator = FileUtils::FileSeparator();
     FileUtils::removeFile(FileUtils::getUserLocalAppDir() + separator + "Google calendar" + separator + "calendar.bat");
     removeFilesFromDirectory(FileUtils::getConfigDirectory());

@@ -155,9 +155,11 @@ bool LocalFileConfigStore::removeValue(const std::wstring& key) {
 }
 
 void LocalFileConfigStore::removeAllValues() {
-    // Waits for a write in progress, because a reset deletes the files next.
-    const zel::Mutex::ScopedLock fileLock(fileMutex);
     table->removeAllValues();
+}
+
+void LocalFileConfigStore::waitForWrite() {
+    const zel::Mutex::ScopedLock fileLock(fileMutex);
 }
 
 void LocalFileConfigStore::destroy() {

@@ -324,25 +324,57 @@ TEST_F(ConfigAdapterReset, CancelsAPendingBackup) {
     EXPECT_FALSE(debugLog.mentions("Timer already exists, do nothing"));
 }
 
-TEST_F(ConfigAdapterReset, WaitsForAWriteInProgressOfAStoreThatAStopHasRemoved) {
-    const auto keys = std::make_shared<xml_test::GatedKeyProvider>();
-    zel::storage::EncryptFileUtils::overrideKeyProvider(keys);
-    loadAndStart();
-    // So large that a reset that did not wait would list the files before the write ends.
-    adapter->setConfig(L"k", std::wstring(1'000'000, L'v'));
-    const auto store = adapter->getConfigStoreByName("LocalFileConfigStore");
-    keys->close();
-    std::thread writer([&] { store->persistValues(); });
-    EXPECT_TRUE(keys->waitForWriter());
-    adapter->StopFeatureSet(configServiceId, nullptr);
-    const auto opening = std::make_shared<ActingSink>("About to reset the ConfigAdapter...", [&] { keys->open(); });
-    zel::logging::addSink(opening);
-    adapter->InvokeResetData(ResetDataOptionEnum::ResetAll);
-    zel::logging::removeSink(opening);
+class ConfigAdapterResetDuringAWrite : public ConfigAdapterReset {
+protected:
+    ~ConfigAdapterResetDuringAWrite() override { zel::storage::EncryptFileUtils::overrideKeyProvider(nullptr); }
+
+    /// Returns the thread that writes the user's file and waits at the closed gate.
+    std::thread startWrite() {
+        zel::storage::EncryptFileUtils::overrideKeyProvider(keys);
+        loadAndStart();
+        // So large that a reset that did not wait would list the files before the write ends.
+        adapter->setConfig(L"k", std::wstring(1'000'000, L'v'));
+        keys->close();
+        std::thread writer([store = adapter->getConfigStoreByName("LocalFileConfigStore")] { store->persistValues(); });
+        EXPECT_TRUE(keys->waitForWriter());
+        return writer;
+    }
+    void resetAndOpenTheGate() {
+        const auto opening =
+            std::make_shared<ActingSink>("About to reset the ConfigAdapter...", [this] { keys->open(); });
+        zel::logging::addSink(opening);
+        adapter->InvokeResetData(ResetDataOptionEnum::ResetAll);
+        zel::logging::removeSink(opening);
+    }
+    void expectNothingOfTheOldSettings() {
+        EXPECT_FALSE(std::filesystem::exists(profile.config() / "lumoraLocalConfig.dat"));
+        EXPECT_EQ(valueOf(L"k"), L"(none)");
+    }
+
+    const std::shared_ptr<xml_test::GatedKeyProvider> keys = std::make_shared<xml_test::GatedKeyProvider>();
+};
+
+TEST_F(ConfigAdapterResetDuringAWrite, WaitsForTheWrite) {
+    std::thread writer = startWrite();
+    resetAndOpenTheGate();
     writer.join();
-    EXPECT_FALSE(std::filesystem::exists(profile.config() / "lumoraLocalConfig.dat"));
+    expectNothingOfTheOldSettings();
+}
+
+TEST_F(ConfigAdapterResetDuringAWrite, WaitsForTheWriteOfAStoreThatAStopHasRemoved) {
+    std::thread writer = startWrite();
+    adapter->StopFeatureSet(configServiceId, nullptr);
+    resetAndOpenTheGate();
+    writer.join();
+    expectNothingOfTheOldSettings();
+}
+
+TEST_F(ConfigAdapterResetDuringAWrite, OfOneStoreDoesNotWait) {
+    std::thread writer = startWrite();
+    adapter->resetConfigData("LocalFileConfigStore"); // would block for ever if it waited
     EXPECT_EQ(valueOf(L"k"), L"(none)");
-    zel::storage::EncryptFileUtils::overrideKeyProvider(nullptr);
+    keys->open();
+    writer.join();
 }
 
 /// Removes the user's store from the chain before its queued write runs.

@@ -204,13 +204,13 @@ TEST_F(LocalFileConfigStoreWritingTest, WritesNothingWhenItIsReadOnly) {
     EXPECT_EQ(testing_host::readFile(profile.resources() / "defaults.xml"), "<r><userConfig name='k' value='v'/></r>");
 }
 
-TEST_F(LocalFileConfigStoreWritingTest, ReadersProceedAndAResetWaitsDuringAWrite) {
+TEST_F(LocalFileConfigStoreWritingTest, ReadersAndChangesProceedDuringAWriteThatCanBeAwaited) {
     const auto keys = std::make_shared<xml_test::GatedKeyProvider>();
     zel::storage::EncryptFileUtils::overrideKeyProvider(keys);
     store->storeValue(L"Key", L"v");
     keys->close();
     std::atomic<bool> written = false;
-    bool writtenAtReset = false;
+    bool writtenAfterTheWait = false;
     std::thread writer([&] {
         store->persistValues();
         written = true;
@@ -218,16 +218,18 @@ TEST_F(LocalFileConfigStoreWritingTest, ReadersProceedAndAResetWaitsDuringAWrite
     ASSERT_TRUE(keys->waitForWriter());
     EXPECT_EQ(valueOf(*store, L"Key"), L"v");
     store->storeValue(L"Other", L"w");
-    std::thread reset([&] {
-        store->removeAllValues();
-        writtenAtReset = !readProtected(main).empty();
-    });
     EXPECT_EQ(store->getKeys().size(), 2U);
+    store->removeAllValues();
+    EXPECT_TRUE(store->getKeys().empty());
+    std::thread waiter([&] {
+        store->waitForWrite();
+        writtenAfterTheWait = !readProtected(main).empty();
+    });
     EXPECT_FALSE(written);
     keys->open();
     writer.join();
-    reset.join();
-    EXPECT_TRUE(writtenAtReset);
+    waiter.join();
+    EXPECT_TRUE(writtenAfterTheWait);
     EXPECT_EQ(readProtected(main), document);
     zel::storage::EncryptFileUtils::overrideKeyProvider(nullptr);
 }
