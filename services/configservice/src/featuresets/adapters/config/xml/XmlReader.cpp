@@ -121,8 +121,8 @@ bool isPlainDocument(const std::string& path) {
 
 /// Passes the plain elements to `receiver`, which may be null.
 XmlDocument parse(const std::string& text, const XmlPlainElements::Receiver* receiver) {
-    // The library would stop at a NUL and treat the text before it as the whole document.
-    if (text.size() > XmlReader::sizeLimit || text.find('\0') != std::string::npos) {
+    // The library would stop at a NUL and treat the text before it as the whole document. Only NULs may follow.
+    if (text.size() > XmlReader::sizeLimit || text.find_first_not_of('\0', text.find('\0')) != std::string::npos) {
         return nullptr;
     }
     const XmlGuard guard;

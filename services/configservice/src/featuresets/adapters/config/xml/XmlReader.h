@@ -22,7 +22,7 @@ public:
     /// Parses a file. Returns null for a compressed file and for anything but a regular file.
     static XmlDocument readFile(const std::string& path);
     /// Parses a text. The document shares no memory with others: its texts are not in a dictionary. Returns null if
-    /// `text` contains a NUL.
+    /// `text` contains a NUL, except at its end.
     static XmlDocument parseDoc(const std::string& text);
     /// Passes plain elements to `receiver` instead of keeping them in the document. They are valid only if this returns
     /// a document.

@@ -132,9 +132,13 @@ TEST(XmlReader, ReadsDocumentsOfEveryLength) {
     }
 }
 
-TEST(XmlReader, RefusesTextWithANullCharacter) {
+TEST(XmlReader, RefusesTextWithANullCharacterExceptAtItsEnd) {
     EXPECT_NE(XmlReader::parseDoc("<a/>"), nullptr);
+    EXPECT_NE(XmlReader::parseDoc(std::string("<a/>\0", 5)), nullptr);
+    EXPECT_NE(XmlReader::parseDoc(std::string("<a/>\0\0\0", 7)), nullptr);
     EXPECT_EQ(XmlReader::parseDoc(std::string("<a/>\0<b/>", 9)), nullptr);
+    EXPECT_EQ(XmlReader::parseDoc(std::string("<a>\0</a>", 8)), nullptr);
+    EXPECT_EQ(XmlReader::parseDoc(std::string("\0", 1)), nullptr);
 }
 
 TEST(XmlReader, LoadsNoExternalEntities) {
