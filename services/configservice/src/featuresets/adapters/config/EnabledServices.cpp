@@ -76,8 +76,10 @@ bool EnabledServices::isLeftToDerivation(std::wstring_view flagKey, const LogPla
     if (caseInsensitiveStringEquals(storeName, KyrCoreUtils::toWideString(ConfigKeys::configDefaultsFile))) {
         return true;
     }
+    const auto shown =
+        configStoreManager->isSensitiveKey(std::wstring(flagKey)) ? std::wstring(ConfigKeys::valueHidden) : value;
     ZelLog(configAdapterLogger, ZelLogLevel::Info, place,
-           std::wstring(flagKey) + L" explicitly set to '" + value + L"' in the '" + storeName + L"' config store");
+           std::wstring(flagKey) + L" explicitly set to '" + shown + L"' in the '" + storeName + L"' config store");
     return false;
 }
 

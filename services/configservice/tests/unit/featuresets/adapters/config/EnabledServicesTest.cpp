@@ -2,6 +2,7 @@
 
 namespace ZelUnified {
 
+using testing::Contains;
 using testing::ElementsAre;
 
 /// The shipped defaults contain the three flags, without which none is derived.
@@ -48,6 +49,16 @@ TEST_F(EnabledServicesTest, EmptyServersDoNotCount) {
     loadAndStart();
     arrive({{L"CtiServer1", L""}});
     EXPECT_EQ(derived(L"Telephony_Enabled"), L"false");
+}
+
+TEST_F(EnabledServicesTest, TheLogHidesAFlagThatIsMarkedSensitive) {
+    givenDefaultFlags();
+    givenPolicy(L"Telephony_Enabled", L"jane@example.com");
+    loadAndStart();
+    adapter->setKeySensitive(L"TELEPHONY_ENABLED");
+    arrive({{L"CtiServer1", L"cti"}});
+    EXPECT_THAT(logged(), Contains("Telephony_Enabled explicitly set to 'VALUE_HIDDEN' in the 'RegistryConfigStore' "
+                                   "config store"));
 }
 
 TEST_F(EnabledServicesTest, TheAdministratorsValuePreventsTheDerivation) {
