@@ -105,7 +105,8 @@ if(LUMORA_BUILD_FUZZ)
   add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
 if(LUMORA_COVERAGE)
-  add_compile_options(--coverage -O0)
+  # Several threads count the same line; without atomic counters gcov reports negative numbers.
+  add_compile_options(--coverage -fprofile-update=atomic -O0)
   add_link_options(--coverage)
 endif()
 
