@@ -132,11 +132,12 @@ TEST_F(ConfigFileCacheTimerTest, MergesRequestsForOneFileWithoutProlongingTheDel
     const auto second = callBack("file.dat");
     timer->scheduleTimer(first, 30000);
     clock.advance(5);
-    timer->scheduleTimer(second, 1000);
+    timer->scheduleTimer(second, 30000);
     EXPECT_EQ(timer->getCount(), 1);
     clock.advance(24);
     EXPECT_THAT(taskNames(), IsEmpty());
     clock.advance(1);
+    EXPECT_THAT(taskNames(), ElementsAre(taskName));
     runTasks();
     clock.advance(60);
     runTasks();
@@ -157,6 +158,8 @@ TEST_F(ConfigFileCacheTimerTest, DistinguishesFilesByCase) {
 
 TEST_F(ConfigFileCacheTimerTest, TruncatesTheDelayToWholeSeconds) {
     timer->scheduleTimer(first, 1999);
+    clock.advance(0);
+    EXPECT_THAT(taskNames(), IsEmpty());
     clock.advance(1);
     EXPECT_THAT(taskNames(), ElementsAre(taskName));
 }

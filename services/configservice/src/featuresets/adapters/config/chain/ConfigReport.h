@@ -22,8 +22,8 @@ public:
     static std::wstring describeStores(const StoreChain::Stores& stores, const IsSensitive& isSensitive,
                                        const LogPlace& place);
 
-    /// Returns the data files without their XML declarations. Logs and leaves out a file that cannot be read. Throws
-    /// std::out_of_range for an empty file. Log lines show this function's name, so it is the name of the manager's
+    /// Returns the data files without their XML declarations. Logs and leaves out a file that cannot be read; the host
+    /// reports an empty file as unreadable. Log lines show this function's name, so it is the name of the manager's
     /// operation.
     static std::wstring getConfigForPRTFromFile();
 

@@ -94,9 +94,17 @@ TEST_F(ConfigReport, ADataFileWithoutADeclarationLosesItsFirstCharacter) {
     EXPECT_THAT(report(), HasSubstr(">\nwhere/>\n</AllConfigs>"));
 }
 
-TEST_F(ConfigReport, ADeclarationMarkAtPositionZeroIsIgnored) {
-    givenDataFile("service-location.dat", "x?>rest");
-    EXPECT_THAT(report(), HasSubstr(">\nx?>rest\n"));
+TEST_F(ConfigReport, ADeclarationMarkBeforePositionTwoIsIgnored) {
+    givenDataFile("home-fenn-info.dat", "?>zero");
+    givenDataFile("service-location.dat", "x?>one");
+    givenDataFile("SSOAuthInfoStore.dat", "xy?>two");
+    EXPECT_THAT(report(), HasSubstr(">\n?>zerox?>onetwo\n"));
+}
+
+TEST_F(ConfigReport, AnEmptyDataFileIsLeftOut) {
+    testing_host::writeFile(profile.config() / "service-location.dat", "");
+    givenDataFile("SSOAuthInfoStore.dat", "<?xml?>rest");
+    EXPECT_THAT(report(), HasSubstr(">\nrest\n"));
 }
 
 TEST_F(ConfigReport, ContainsAStoreWithTheDefaultsNameInAnotherCase) {
