@@ -7,8 +7,8 @@
 namespace ZelUnified {
 
 /// Observes an object. The object holds it weakly and calls it on the services dispatcher's thread. A callback may
-/// read, write, connect and disconnect; it must not wait for another thread, nor start, stop, refresh or reset a
-/// feature set.
+/// read, write, connect and disconnect; it must not wait for another thread, start, stop, refresh or reset a feature
+/// set, or call IsFeatureSetStarted().
 class LUMORA_HOST_API UnifiedBusinessObjectObserver {
 public:
     virtual ~UnifiedBusinessObjectObserver() = default;

@@ -20,7 +20,8 @@ struct ConfigRecordState {
 
 /// Observes all records of the configuration service, including those that do not exist yet; see
 /// ConfigRecords::addRecordObserver(). Called on the services dispatcher's thread, possibly with the chain's lock held.
-/// A callback may read. It must not write, wait for another thread, or start, stop, refresh or reset the feature set.
+/// A callback may read. It must not write, wait for another thread, start, stop, refresh or reset the feature set, or
+/// call IsFeatureSetStarted().
 class LUMORA_CONFIG_API ConfigRecordObserver {
 public:
     /// Reports a change of at least one property, after the record is updated and before its own observers are called.

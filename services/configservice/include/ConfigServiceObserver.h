@@ -10,7 +10,7 @@ namespace ZelUnified {
 /// thread. The order of the operations is part of the contract.
 ///
 /// A callback may read, write, connect and disconnect. It must not wait for another thread, and must not start, stop,
-/// refresh or reset the feature set.
+/// refresh or reset the feature set, nor call IsFeatureSetStarted().
 class LUMORA_CONFIG_API ConfigServiceObserver : public virtual UnifiedBusinessObjectObserver,
                                                 public virtual UnifiedServiceObserver {
 public:

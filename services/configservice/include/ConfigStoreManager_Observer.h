@@ -8,8 +8,8 @@ namespace ZelUnified {
 
 /// Receives the effective value of every key affected by a change of the chain. Called on the thread that made the
 /// change, with the chain's locks held. A callback may read and write values and add and remove stores. It must not
-/// wait for another thread, and must not start, stop, refresh or reset the feature set: their lock must be acquired
-/// before the chain's.
+/// wait for another thread, and must not start, stop, refresh or reset the feature set, nor call IsFeatureSetStarted():
+/// their lock must be acquired before the chain's.
 class LUMORA_CONFIG_API ConfigStoreManager_Observer {
 public:
     virtual ~ConfigStoreManager_Observer() = default;

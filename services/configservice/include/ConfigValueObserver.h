@@ -11,8 +11,8 @@ namespace ZelUnified {
 /// operations is part of the contract.
 ///
 /// A callback may read, write, connect and disconnect. It must not wait for another thread, and must not start, stop,
-/// refresh or reset the feature set: if the change was made on this thread, the chain's lock is held during the
-/// callback.
+/// refresh or reset the feature set, nor call IsFeatureSetStarted(): if the change was made on this thread, the chain's
+/// lock is held during the callback.
 class LUMORA_CONFIG_API ConfigValueObserver : public virtual UnifiedBusinessObjectObserver {
 public:
     virtual void OnKeyChanged() = 0;

@@ -36,14 +36,15 @@ class ResetDataCallbackRegistry;
 /// a power-down and a reset keep, and passes the chain's announcements to the service. Always owned by shared pointers.
 ///
 /// `adapterMutex` serialises start, stop, destroy, refresh and reset. It is the outermost lock, and re-entrant because
-/// a reset calls refresh. Stop holds it while waiting for the services dispatcher, so no task queued there may acquire
-/// it. The other operations rely on the manager's locks and read the started flag without a lock.
+/// a reset calls refresh. Stop holds it while waiting for the services dispatcher, whose tasks may acquire it, so the
+/// host stops the feature set on that dispatcher's thread. The other operations rely on the manager's locks and read
+/// the started flag without a lock.
 class LUMORA_CONFIG_API ConfigAdapter final : public FeatureSetAdapter,
                                               public ConfigFeatureSet,
-                                              public ConfigChainView,
                                               public ConfigStoreManager_Observer,
                                               public ZelSystemMonitor::PowerEventObserver,
                                               public ProviderResetDataCallback,
+                                              public ConfigChainView,
                                               public BootstrapStoreFactory,
                                               public std::enable_shared_from_this<ConfigAdapter> {
 public:
