@@ -35,7 +35,8 @@ std::shared_ptr<UnifiedFactoryImpl> makeFactory(const char* pluginFolder) {
     return std::make_shared<UnifiedFactoryImpl>(std::move(options));
 }
 
-/// Writes the key from another thread, and pumps the services dispatcher on this one until the record has changed.
+/// Posts a write of the key from another thread, and pumps the services dispatcher on this one until the record has
+/// changed.
 void changeAndPump(UnifiedFactoryImpl& factory, const std::wstring& key, const std::wstring& value) {
     const auto service = factory.getServiceByType<ConfigService>();
     const auto record = service->getConfig(key);

@@ -49,14 +49,15 @@ public:
     /// Writes to the first writable store except the volatile one. Returns false if there is no such store or the store
     /// rejects the write.
     virtual bool setConfig(const std::wstring& key, const std::wstring& value) = 0;
-    /// Sets a value that lasts until the process ends. Expects start.
+    /// Sets a value in the store in memory, which a refresh, a reset and the end of the process empty. Expects start.
     virtual bool setInMemoryConfig(const std::wstring& key, const std::wstring& value) = 0;
     /// Replaces the settings from device management with `xml`, an XML document in UTF-8.
     virtual void setMdmConfig(const std::string& xml) = 0;
     /// Removes the key, under its old and new names, from every writable store.
     virtual void resetConfig(const std::wstring& key) = 0;
     virtual bool isKeySensitive(const std::wstring& key) = 0;
-    /// Marks the key as sensitive: from then on its value appears in no log and no report.
+    /// Marks the key as sensitive: from then on, logs mask its value and problem reports leave the key out. Exception:
+    /// policies are logged with their values when they are read, unless the name contains "connectionpassword".
     virtual void setKeySensitive(const std::wstring& key) = 0;
     /// Removes the stores that are not local and reads them again.
     virtual void refreshConfigFeatureSet() = 0;

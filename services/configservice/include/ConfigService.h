@@ -25,6 +25,7 @@ namespace ZelUnified {
 /// or an empty string.
 class LUMORA_CONFIG_API ConfigService : public virtual UnifiedService {
 public:
+    /// Any thread may call the observer operations and getConfigServiceNotifiers().
     virtual void addObserver(std::weak_ptr<ConfigServiceObserver> observer) = 0;
     virtual void removeObserver(std::weak_ptr<ConfigServiceObserver> observer) = 0;
     virtual std::shared_ptr<ConfigServiceNotifiers> getConfigServiceNotifiers() = 0;
@@ -35,7 +36,7 @@ public:
     /// Writes a value to the store chain, where a store of higher priority may override it. The record changes when the
     /// chain reports the change.
     virtual void setConfig(std::wstring key, std::wstring value) = 0;
-    /// Sets a value that lasts until the process ends.
+    /// Sets a value in the store in memory, which a refresh, a reset and the end of the process empty.
     virtual void setInMemoryConfig(std::wstring key, std::wstring value) = 0;
     /// Replaces the settings from device management with `data`, an XML document in UTF-8.
     virtual void setMdmConfig(std::string data) = 0;
@@ -50,7 +51,8 @@ public:
     virtual void removeAllCachedConfigStores() = 0;
     /// Writes all records to the log as one entry.
     virtual void logConfig() = 0;
-    /// Marks the key as sensitive: from then on its value appears in no log and no report.
+    /// Marks the key as sensitive: from then on, logs mask its value and problem reports leave the key out. Exception:
+    /// policies are logged with their values when they are read, unless the name contains "connectionpassword".
     virtual void setKeySensitive(std::wstring key) = 0;
     virtual bool isKeySensitive(std::wstring key) = 0;
     /// Adds the settings of a provisioning URL. Returns false if the URL contains none or if provisioning is not

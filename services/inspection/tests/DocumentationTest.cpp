@@ -50,7 +50,7 @@ TEST(InspectionDocumentation, TheLimitsAreThoseOfTheService) {
          {"| a request of more than " + mebibytes(limits.requestBytes) + " |",
           "| " + mebibytes(limits.stagedBytes) + " of values for one `load` |",
           "| " + std::to_string(limits.connections) + " connections |",
-          "| " + seconds(limits.requestTime) + " for a whole request, and for the first one |",
+          "| " + seconds(limits.requestTime) + " from the first byte of a request;",
           "| " + std::to_string(limits.idleTime / std::chrono::minutes(1)) + " minutes without a request, unless",
           "| " + seconds(limits.replyTime) + " for reading a reply |",
           std::to_string(limits.queuedEvents / 1000) + ",000 events (" + mebibytes(limits.queuedBytes) + ") for a",

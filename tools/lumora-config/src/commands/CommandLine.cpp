@@ -38,7 +38,7 @@ void addDirectories(CLI::App& app, RawOptions& raw, CommandLine& line) {
     };
     add("--config-dir", line.directories.config, "The configuration directory; a reset empties it");
     add("--data-dir", line.directories.applicationData, "Application data: keys and registry files");
-    add("--state-dir", line.directories.state, "Logs and the lock of the profile");
+    add("--state-dir", line.directories.state, "Logs, and the number of the process that uses the profile");
     add("--resources-dir", line.directories.resources, "Installed resources: the defaults file");
     app.add_option("--plugin-dir", line.pluginDirectory, "Folder of the plug-in, instead of the installed one")
         ->type_name("DIR");
