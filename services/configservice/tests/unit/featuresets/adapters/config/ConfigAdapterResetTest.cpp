@@ -4,7 +4,9 @@
 #include <zel/EncryptFileUtils.h>
 #include <zel/LogSink.h>
 
+#include <chrono>
 #include <functional>
+#include <future>
 #include <thread>
 
 namespace ZelUnified {
@@ -332,21 +334,20 @@ protected:
     std::thread startWrite() {
         zel::storage::EncryptFileUtils::overrideKeyProvider(keys);
         loadAndStart();
-        // So large that a reset that did not wait would list the files before the write ends.
-        adapter->setConfig(L"k", std::wstring(1'000'000, L'v'));
+        adapter->setConfig(L"k", L"v");
         keys->close();
         std::thread writer([store = adapter->getConfigStoreByName("LocalFileConfigStore")] { store->persistValues(); });
         EXPECT_TRUE(keys->waitForWriter());
         return writer;
     }
-    void resetAndOpenTheGate() {
-        const auto opening =
-            std::make_shared<ActingSink>("About to reset the ConfigAdapter...", [this] { keys->open(); });
-        zel::logging::addSink(opening);
-        adapter->InvokeResetData(ResetDataOptionEnum::ResetAll);
-        zel::logging::removeSink(opening);
-    }
-    void expectNothingOfTheOldSettings() {
+    /// Opens the gate when the reset has had time to end.
+    void expectThatAResetWaitsFor(std::thread writer) {
+        auto reset =
+            std::async(std::launch::async, [this] { adapter->InvokeResetData(ResetDataOptionEnum::ResetAll); });
+        EXPECT_EQ(reset.wait_for(std::chrono::milliseconds(300)), std::future_status::timeout);
+        keys->open();
+        writer.join();
+        reset.get();
         EXPECT_FALSE(std::filesystem::exists(profile.config() / "lumoraLocalConfig.dat"));
         EXPECT_EQ(valueOf(L"k"), L"(none)");
     }
@@ -355,18 +356,13 @@ protected:
 };
 
 TEST_F(ConfigAdapterResetDuringAWrite, WaitsForTheWrite) {
-    std::thread writer = startWrite();
-    resetAndOpenTheGate();
-    writer.join();
-    expectNothingOfTheOldSettings();
+    expectThatAResetWaitsFor(startWrite());
 }
 
 TEST_F(ConfigAdapterResetDuringAWrite, WaitsForTheWriteOfAStoreThatAStopHasRemoved) {
     std::thread writer = startWrite();
     adapter->StopFeatureSet(configServiceId, nullptr);
-    resetAndOpenTheGate();
-    writer.join();
-    expectNothingOfTheOldSettings();
+    expectThatAResetWaitsFor(std::move(writer));
 }
 
 TEST_F(ConfigAdapterResetDuringAWrite, OfOneStoreDoesNotWait) {
