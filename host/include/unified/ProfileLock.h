@@ -17,15 +17,21 @@ namespace ZelUnified {
 /// lock.
 class LUMORA_HOST_API ProfileLock {
 public:
+    /// Why the lock cannot be acquired.
+    struct Problem {
+        std::string text;     ///< For the user; "" if there is no problem.
+        bool isInUse = false; ///< Another process holds the lock.
+    };
+
     /// Tries once to acquire the lock, without waiting. Creates both directories if they are missing. The state folder
     /// only records which process holds the lock; the lock works without it. File errors do not throw; see isHeld().
     ProfileLock(const std::string& configDirectory, const std::string& stateDirectory);
-    /// Returns the problem that an attempt to acquire the lock would report now; "" if it would succeed. Neither
-    /// acquires the lock nor changes anything. If the directory is missing, nobody uses it. On Linux, does not see a
+    /// Returns the problem that an attempt to acquire the lock would report now. Neither acquires the lock nor changes
+    /// anything. If the directory is missing, nobody uses it. On Linux, does not see a
     /// process that holds the lock without the mark of this class and is not recorded in this state folder: a program
     /// that locks the directory in another way, or a process with another state folder on a file system without such
     /// marks.
-    static std::string findProblem(const std::string& configDirectory, const std::string& stateDirectory);
+    static Problem findProblem(const std::string& configDirectory, const std::string& stateDirectory);
 
     /// Releases the lock. Before that, drops and logs pending content of protected files in the directory: nothing may
     /// write to the profile after the release.

@@ -175,17 +175,18 @@ std::unique_ptr<ProfileDirectoryLock> ProfileDirectoryLock::acquire(const std::s
     return std::make_unique<LockedDirectory>(configDirectory, stateDirectory);
 }
 
-std::string ProfileDirectoryLock::findProblem(const std::string& configDirectory, const std::string& stateDirectory) {
+ProfileDirectoryLock::Problem ProfileDirectoryLock::findProblem(const std::string& configDirectory,
+                                                                const std::string& stateDirectory) {
     const FileDescriptor directory(::open(configDirectory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (directory.get() < 0) {
-        return errno == ENOENT ? std::string() : describeOpenFailure(configDirectory, errno);
+        return errno == ENOENT ? Problem() : makeOpenFailure(configDirectory, errno);
     }
     const HolderFile holderFile(configDirectory, stateDirectory, HolderFile::Purpose::Read);
     const auto recorded = holderFile.read();
     // The holder may have failed to set the mark. A killed holder's id may belong to another process now.
     const bool inUse = isMarkedAsUsed(directory.get()) ||
                        (recorded != 0 && isLockedBy(recorded, {directory.get(), holderFile.getDescriptor()}));
-    return inUse ? describeUse(configDirectory, recorded) : std::string();
+    return inUse ? makeUse(configDirectory, recorded) : Problem();
 }
 
 } // namespace zel::platform

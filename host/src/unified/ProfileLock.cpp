@@ -3,6 +3,8 @@
 
 #include <unified/ProfileLock.h>
 
+#include <utility>
+
 namespace ZelUnified {
 
 using zel::platform::ProfileDirectoryLock;
@@ -16,8 +18,9 @@ ProfileLock::~ProfileLock() {
     }
 }
 
-std::string ProfileLock::findProblem(const std::string& configDirectory, const std::string& stateDirectory) {
-    return ProfileDirectoryLock::findProblem(configDirectory, stateDirectory);
+ProfileLock::Problem ProfileLock::findProblem(const std::string& configDirectory, const std::string& stateDirectory) {
+    auto [text, isInUse] = ProfileDirectoryLock::findProblem(configDirectory, stateDirectory);
+    return {std::move(text), isInUse};
 }
 
 bool ProfileLock::isHeld() const noexcept {

@@ -160,15 +160,16 @@ std::unique_ptr<ProfileDirectoryLock> ProfileDirectoryLock::acquire(const std::s
     return std::make_unique<LockedDirectory>(configDirectory, stateDirectory);
 }
 
-std::string ProfileDirectoryLock::findProblem(const std::string& configDirectory, const std::string& stateDirectory) {
+ProfileDirectoryLock::Problem ProfileDirectoryLock::findProblem(const std::string& configDirectory,
+                                                                const std::string& stateDirectory) {
     const auto settled = finalPath(KyrCoreUtils::pathFromText(configDirectory).value_or(""));
     if (settled.empty()) {
         const int error = lastErrno();
-        return error == ENOENT ? std::string() : describeOpenFailure(configDirectory, error);
+        return error == ENOENT ? Problem() : makeOpenFailure(configDirectory, error);
     }
     const auto digest = digestOf(settled);
     const SystemHandle lock(::OpenMutexW(SYNCHRONIZE, FALSE, lockName(digest).c_str()));
-    return lock ? describeUse(configDirectory, HolderFile(stateDirectory, digest).read()) : "";
+    return lock ? makeUse(configDirectory, HolderFile(stateDirectory, digest).read()) : Problem();
 }
 
 } // namespace zel::platform

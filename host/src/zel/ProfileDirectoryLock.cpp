@@ -12,8 +12,8 @@ std::string describe(int error) {
 
 } // namespace
 
-std::string ProfileDirectoryLock::describeOpenFailure(const std::string& path, int error) {
-    return "The configuration directory " + path + " can't be opened: " + describe(error);
+ProfileDirectoryLock::Problem ProfileDirectoryLock::makeOpenFailure(const std::string& path, int error) {
+    return {"The configuration directory " + path + " can't be opened: " + describe(error), false};
 }
 
 void ProfileDirectoryLock::recordLockFailure(int error) {
@@ -22,12 +22,13 @@ void ProfileDirectoryLock::recordLockFailure(int error) {
 
 void ProfileDirectoryLock::recordUse(long otherProcess) {
     holder = otherProcess;
-    problem = describeUse(path, holder);
+    problem = makeUse(path, holder).text;
 }
 
-std::string ProfileDirectoryLock::describeUse(const std::string& path, long holder) {
-    return "The profile " + path + " is in use by " +
-           (holder != 0 ? "process " + std::to_string(holder) : std::string("another process")) + ".";
+ProfileDirectoryLock::Problem ProfileDirectoryLock::makeUse(const std::string& path, long holder) {
+    return {"The profile " + path + " is in use by " +
+                (holder != 0 ? "process " + std::to_string(holder) : std::string("another process")) + ".",
+            true};
 }
 
 } // namespace zel::platform

@@ -10,13 +10,19 @@ namespace zel::platform {
 /// releases the lock. One thread at a time.
 class ProfileDirectoryLock {
 public:
+    /// See ZelUnified::ProfileLock::Problem.
+    struct Problem {
+        std::string text;
+        bool isInUse = false;
+    };
+
     /// Tries once to acquire the lock, without waiting. Creates both directories if they are missing. Never returns
     /// null.
     static std::unique_ptr<ProfileDirectoryLock> acquire(const std::string& configDirectory,
                                                          const std::string& stateDirectory);
-    /// Returns the problem that acquire() would report now; "" if it would succeed. Changes nothing. See
-    /// ZelUnified::ProfileLock::findProblem() for what it cannot see.
-    static std::string findProblem(const std::string& configDirectory, const std::string& stateDirectory);
+    /// Returns the problem that acquire() would report now. Changes nothing. See ZelUnified::ProfileLock::findProblem()
+    /// for what it cannot see.
+    static Problem findProblem(const std::string& configDirectory, const std::string& stateDirectory);
 
     virtual ~ProfileDirectoryLock() = default;
     ProfileDirectoryLock(const ProfileDirectoryLock&) = delete;
@@ -34,13 +40,12 @@ protected:
 
     /// One of these functions records the result of the attempt. `error` is an errno value.
     void recordSuccess() noexcept { held = true; }
-    void recordOpenFailure(int error) { problem = describeOpenFailure(path, error); }
+    void recordOpenFailure(int error) { problem = makeOpenFailure(path, error).text; }
     void recordLockFailure(int error);
     void recordUse(long otherProcess);
 
-    /// The texts of the problems.
-    static std::string describeOpenFailure(const std::string& path, int error);
-    static std::string describeUse(const std::string& path, long holder);
+    static Problem makeOpenFailure(const std::string& path, int error);
+    static Problem makeUse(const std::string& path, long holder);
 
 private:
     const std::string path;

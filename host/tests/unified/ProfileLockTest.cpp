@@ -87,16 +87,17 @@ TEST_F(ProfileLockTest, ALinkToADirectorySharesItsLock) {
 
 TEST_F(ProfileLockTest, FindProblemReportsTheHolderAndChangesNothing) {
     const auto emptyState = (profile.root() / "other-state").string();
-    EXPECT_EQ(ProfileLock::findProblem(config, emptyState), "");
+    EXPECT_EQ(ProfileLock::findProblem(config, emptyState).text, "");
     EXPECT_FALSE(std::filesystem::exists(emptyState));
     {
         const HoldingProcess other(config, state);
-        EXPECT_EQ(ProfileLock::findProblem(config, state), ProfileLock(config, state).getProblem());
-        EXPECT_THAT(ProfileLock::findProblem(config + "/", emptyState), HasSubstr("in use by another process"));
-        EXPECT_EQ(ProfileLock::findProblem(config + "2", state), "");
+        EXPECT_EQ(ProfileLock::findProblem(config, state).text, ProfileLock(config, state).getProblem());
+        EXPECT_TRUE(ProfileLock::findProblem(config, state).isInUse);
+        EXPECT_THAT(ProfileLock::findProblem(config + "/", emptyState).text, HasSubstr("in use by another process"));
+        EXPECT_EQ(ProfileLock::findProblem(config + "2", state).text, "");
         EXPECT_FALSE(std::filesystem::exists(config + "2"));
     }
-    EXPECT_EQ(ProfileLock::findProblem(config, state), "") << "the record of the killed process remains";
+    EXPECT_EQ(ProfileLock::findProblem(config, state).text, "") << "the record of the killed process remains";
 }
 
 TEST_F(ProfileLockTest, FindProblemIgnoresAProcessThatReusesTheIdOfAKilledHolder) {
@@ -106,7 +107,7 @@ TEST_F(ProfileLockTest, FindProblemIgnoresAProcessThatReusesTheIdOfAKilledHolder
         record = std::filesystem::directory_iterator(state)->path();
     }
     testing_host::writeFile(record, std::to_string(getpid()) + "\n");
-    EXPECT_EQ(ProfileLock::findProblem(config, state), "");
+    EXPECT_EQ(ProfileLock::findProblem(config, state).text, "");
 }
 
 TEST_F(ProfileLockTest, FindProblemReportsARecordedHolderThatLockedTheDirectoryOrItsRecordWithoutAMark) {
@@ -119,17 +120,20 @@ TEST_F(ProfileLockTest, FindProblemReportsARecordedHolderThatLockedTheDirectoryO
     for (const auto& locked : {config, record.string()}) {
         const int descriptor = open(locked.c_str(), O_RDONLY | O_CLOEXEC);
         ASSERT_EQ(flock(descriptor, LOCK_EX | LOCK_NB), 0);
-        EXPECT_THAT(ProfileLock::findProblem(config, state), HasSubstr("in use by process " + std::to_string(getpid())))
+        EXPECT_THAT(ProfileLock::findProblem(config, state).text,
+                    HasSubstr("in use by process " + std::to_string(getpid())))
             << locked;
         close(descriptor);
-        EXPECT_EQ(ProfileLock::findProblem(config, state), "") << locked;
+        EXPECT_EQ(ProfileLock::findProblem(config, state).text, "") << locked;
     }
 }
 
 TEST_F(ProfileLockTest, FindProblemReportsADirectoryThatCannotBeOpened) {
     testing_host::writeFile(profile.root() / "file", "x");
     const auto file = (profile.root() / "file").string();
-    EXPECT_THAT(ProfileLock::findProblem(file, state), AllOf(HasSubstr(file), HasSubstr("can't be opened")));
+    const auto problem = ProfileLock::findProblem(file, state);
+    EXPECT_THAT(problem.text, AllOf(HasSubstr(file), HasSubstr("can't be opened")));
+    EXPECT_FALSE(problem.isInUse);
 }
 
 TEST_F(ProfileLockTest, CreatesTheStateFolder) {

@@ -121,8 +121,8 @@ void warnBesideOthers(const CommandLine& line, Printer& printer) {
     using KyrCoreUtils::FileUtils;
     const auto problem =
         ZelUnified::ProfileLock::findProblem(FileUtils::getConfigDirectory(), FileUtils::getStateDirectory());
-    if (problem.find("is in use by") != std::string::npos) {
-        printer.showWarning(problem + " It cannot be asked, so its files are read.");
+    if (problem.isInUse) {
+        printer.showWarning(problem.text + " It cannot be asked, so its files are read.");
     }
 }
 

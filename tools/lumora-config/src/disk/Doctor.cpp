@@ -147,8 +147,8 @@ void Doctor::examineLock() {
         return;
     }
     const auto problem = ZelUnified::ProfileLock::findProblem(configDirectory, FileUtils::getStateDirectory());
-    const bool inUse = problem.find("is in use by") != std::string::npos;
-    add("lock", configDirectory, problem.empty() ? "free" : problem, !problem.empty() && !inUse);
+    const bool isFree = problem.text.empty();
+    add("lock", configDirectory, isFree ? "free" : problem.text, !isFree && !problem.isInUse);
 }
 
 void Doctor::examineDefaults() {
