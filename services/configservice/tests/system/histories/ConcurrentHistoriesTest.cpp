@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
+#include <iostream>
 
 namespace config_model {
 
@@ -23,9 +24,9 @@ std::uint32_t readNumber(const char* name, std::uint32_t fallback) {
     return text == nullptr ? fallback : static_cast<std::uint32_t>(std::strtoul(text, nullptr, 10));
 }
 
-/// Makes the calls that this random number determines, and returns what is wrong with them.
-std::string checkHistory(std::uint32_t seed) {
-    const auto script = makeScript(seed);
+/// Makes the calls that this number determines, and returns what is wrong with them.
+std::string checkHistory(std::uint32_t number) {
+    const auto script = makeScript(number);
     History history;
     std::string staleRecords;
     {
@@ -46,11 +47,18 @@ class ConcurrentHistories : public testing::TestWithParam<std::uint32_t> {};
 TEST_P(ConcurrentHistories, HaveAnOrderThatTheModelExplains) {
     const UnsyncedFiles files;
     const auto count = std::max(1U, readNumber("LUMORA_HISTORIES", historiesOfTheSuite) / cases);
-    const char* const onlySeed = std::getenv("LUMORA_HISTORY_SEED");
+    const bool repeats = std::getenv("LUMORA_REPEATED_HISTORY") != nullptr;
+    const auto first =
+        repeats ? readNumber("LUMORA_REPEATED_HISTORY", 0) : readNumber("LUMORA_FIRST_HISTORY", 0) + GetParam() * count;
     for (std::uint32_t i = 0; i < count; ++i) {
-        const auto seed = onlySeed == nullptr ? GetParam() * count + i : readNumber("LUMORA_HISTORY_SEED", 0);
-        const auto problems = checkHistory(seed);
-        ASSERT_TRUE(problems.empty()) << "LUMORA_HISTORY_SEED=" << seed << ", history " << i << "\n" << problems;
+        const auto number = repeats ? first : first + i;
+        const auto problems = checkHistory(number);
+        ASSERT_TRUE(problems.empty()) << "LUMORA_REPEATED_HISTORY=" << number << ", run " << i << "\n" << problems;
+    }
+    if (repeats) {
+        std::cout << "history " << first << ", " << count << " times\n";
+    } else {
+        std::cout << "histories " << first << " to " << first + count - 1 << "\n";
     }
 }
 
