@@ -27,10 +27,9 @@ public:
     /// only records which process holds the lock; the lock works without it. File errors do not throw; see isHeld().
     ProfileLock(const std::string& configDirectory, const std::string& stateDirectory);
     /// Returns the problem that an attempt to acquire the lock would report now. Neither acquires the lock nor changes
-    /// anything. If the directory is missing, nobody uses it. On Linux, does not see a
-    /// process that holds the lock without the mark of this class and is not recorded in this state folder: a program
-    /// that locks the directory in another way, or a process with another state folder on a file system without such
-    /// marks.
+    /// anything. If the directory is missing, nobody uses it. On Linux, does not see a process that holds the lock
+    /// without the mark of this class and is not recorded in this state folder: a program that locks the directory in
+    /// another way, or a process with another state folder on a file system without such marks.
     static Problem findProblem(const std::string& configDirectory, const std::string& stateDirectory);
 
     /// Releases the lock. Before that, drops and logs pending content of protected files in the directory: nothing may

@@ -56,8 +56,9 @@ public:
     /// Removes the key, under its old and new names, from every writable store.
     virtual void resetConfig(const std::wstring& key) = 0;
     virtual bool isKeySensitive(const std::wstring& key) = 0;
-    /// Marks the key as sensitive: from then on, logs mask its value and problem reports leave the key out. Exception:
-    /// policies are logged with their values when they are read, unless the name contains "connectionpassword".
+    /// Marks the key as sensitive: from then on, logs mask its value and problem reports leave the key out. Exceptions:
+    /// reads by another name of the key, and policies when they are read, unless the name contains
+    /// "connectionpassword".
     virtual void setKeySensitive(const std::wstring& key) = 0;
     /// Removes the stores that are not local and reads them again.
     virtual void refreshConfigFeatureSet() = 0;

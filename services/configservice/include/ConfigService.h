@@ -51,8 +51,9 @@ public:
     virtual void removeAllCachedConfigStores() = 0;
     /// Writes all records to the log as one entry.
     virtual void logConfig() = 0;
-    /// Marks the key as sensitive: from then on, logs mask its value and problem reports leave the key out. Exception:
-    /// policies are logged with their values when they are read, unless the name contains "connectionpassword".
+    /// Marks the key as sensitive: from then on, logs mask its value and problem reports leave the key out. Exceptions:
+    /// reads by another name of the key, and policies when they are read, unless the name contains
+    /// "connectionpassword".
     virtual void setKeySensitive(std::wstring key) = 0;
     virtual bool isKeySensitive(std::wstring key) = 0;
     /// Adds the settings of a provisioning URL. Returns false if the URL contains none or if provisioning is not

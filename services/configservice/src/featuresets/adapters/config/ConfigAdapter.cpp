@@ -50,8 +50,7 @@ bool isTelephonyStore(const std::string& name) {
            isTaviLyncRegistryConfigStore(name);
 }
 
-/// Empties the stores that still exist, so that their queued writes restore nothing, and waits for their writes in
-/// progress.
+/// Empties the stores that still exist and waits for their writes in progress.
 void emptyStores(const std::vector<std::weak_ptr<LocalFileConfigStore>>& stores) {
     for (const auto& known : stores) {
         if (const auto store = known.lock()) {
@@ -247,18 +246,31 @@ void ConfigAdapter::InvokeResetData(ResetDataOptionEnum::ResetDataOption) {
     if (configFileCacheTimer) {
         configFileCacheTimer->clearTimers();
     }
-    const auto oldStores = userFileStores; // also those that are no longer in the chain
-    if (configStoreManager) {
-        configStoreManager->resetConfigData();
-    }
-    // Without the chain's lock, so that readers do not wait for the disk.
-    emptyStores(oldStores);
+    emptyChain();
     const auto separator = FileUtils::FileSeparator();
     FileUtils::removeFile(FileUtils::getUserLocalAppDir() + separator + "Google calendar" + separator + "calendar.bat");
     removeFilesFromDirectory(FileUtils::getConfigDirectory());
     RegistryConfigStore::removeRegistrySettings();
     refreshConfigFeatureSet();
     logInfo(ZEL_HERE, "ConfigAdapter reset.");
+}
+
+void ConfigAdapter::emptyChain() {
+    std::vector<std::shared_ptr<LocalFileConfigStore>> files;
+    for (const auto& store : getConfigStores()) {
+        if (auto file = std::dynamic_pointer_cast<LocalFileConfigStore>(store)) {
+            files.push_back(std::move(file));
+        }
+    }
+    if (configStoreManager) {
+        configStoreManager->resetConfigData();
+    }
+    // Without the chain's lock, so that readers do not wait for the disk.
+    for (const auto& file : files) {
+        file->waitForWrite();
+    }
+    // Also those that are no longer in the chain: their queued writes would restore the old settings.
+    emptyStores(userFileStores);
 }
 
 void ConfigAdapter::onPowerEvent(ZelSystemMonitor::PowerEventTypeEnum::PowerEventType type) {

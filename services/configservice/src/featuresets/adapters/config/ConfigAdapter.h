@@ -132,6 +132,8 @@ private:
 
     void setSensitiveKeys();
     void removeValuesIfPolicySet();
+    /// Empties the chain for a reset and waits for the writes of its files.
+    void emptyChain() LUMORA_REQUIRES(adapterMutex);
     bool isSwitchedOff(std::wstring_view key) const;
     void setEnabledServicesFromCachedStores();
 

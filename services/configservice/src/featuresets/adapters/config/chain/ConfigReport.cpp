@@ -20,8 +20,8 @@ namespace {
 
 constexpr std::string_view declarationEnd = "?>";
 
-/// Returns where the content behind the XML declaration starts. A mark at position 0 does not end a declaration.
-/// Without a mark the first byte is dropped.
+/// Returns where the content behind the XML declaration starts. A mark before position 2 does not end a
+/// declaration. Without a mark the first byte is dropped.
 std::size_t startOfContent(const std::string& text) {
     const auto mark = text.find(declarationEnd);
     if (mark == std::string::npos) {

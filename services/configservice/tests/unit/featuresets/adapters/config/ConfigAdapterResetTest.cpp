@@ -330,25 +330,30 @@ class ConfigAdapterResetDuringAWrite : public ConfigAdapterReset {
 protected:
     ~ConfigAdapterResetDuringAWrite() override { zel::storage::EncryptFileUtils::overrideKeyProvider(nullptr); }
 
-    /// Returns the thread that writes the user's file and waits at the closed gate.
-    std::thread startWrite() {
+    void SetUp() override {
         zel::storage::EncryptFileUtils::overrideKeyProvider(keys);
         loadAndStart();
-        adapter->setConfig(L"k", L"v");
+    }
+    /// Sets a key and returns the thread that writes the store's file and waits at the closed gate.
+    std::thread startWrite(const std::shared_ptr<ConfigStore>& store) {
+        store->storeValue(L"k", L"v");
         keys->close();
-        std::thread writer([store = adapter->getConfigStoreByName("LocalFileConfigStore")] { store->persistValues(); });
+        std::thread writer([store] { store->persistValues(); });
         EXPECT_TRUE(keys->waitForWriter());
         return writer;
     }
+    std::thread startWrite() { return startWrite(adapter->getConfigStoreByName("LocalFileConfigStore")); }
     /// Opens the gate when the reset has had time to end.
     void expectThatAResetWaitsFor(std::thread writer) {
         auto reset =
             std::async(std::launch::async, [this] { adapter->InvokeResetData(ResetDataOptionEnum::ResetAll); });
         EXPECT_EQ(reset.wait_for(std::chrono::milliseconds(300)), std::future_status::timeout);
+        EXPECT_EQ(valueOf(L"k"), L"(none)"); // would block for ever if the reset held the chain's lock
         keys->open();
         writer.join();
         reset.get();
         EXPECT_FALSE(std::filesystem::exists(profile.config() / "lumoraLocalConfig.dat"));
+        EXPECT_FALSE(std::filesystem::exists(profile.config() / "other.dat"));
         EXPECT_EQ(valueOf(L"k"), L"(none)");
     }
 
@@ -363,6 +368,13 @@ TEST_F(ConfigAdapterResetDuringAWrite, WaitsForTheWriteOfAStoreThatAStopHasRemov
     std::thread writer = startWrite();
     adapter->StopFeatureSet(configServiceId, nullptr);
     expectThatAResetWaitsFor(std::move(writer));
+}
+
+TEST_F(ConfigAdapterResetDuringAWrite, WaitsForTheWriteOfAFileOfAnotherService) {
+    const auto store = std::make_shared<LocalFileConfigStore>("OtherStore", 700, profile.config().string(), "other.dat",
+                                                              false, false, true);
+    adapter->addConfigStore(store);
+    expectThatAResetWaitsFor(startWrite(store));
 }
 
 TEST_F(ConfigAdapterResetDuringAWrite, OfOneStoreDoesNotWait) {
