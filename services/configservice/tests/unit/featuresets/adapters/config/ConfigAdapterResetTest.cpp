@@ -4,7 +4,6 @@
 #include <zel/EncryptFileUtils.h>
 #include <zel/LogSink.h>
 
-#include <chrono>
 #include <functional>
 #include <future>
 #include <thread>
@@ -333,22 +332,26 @@ protected:
     void SetUp() override {
         zel::storage::EncryptFileUtils::overrideKeyProvider(keys);
         loadAndStart();
+        userStore = adapter->getConfigStoreByName("LocalFileConfigStore");
     }
     /// Sets a key and returns the thread that writes the store's file and waits at the closed gate.
     std::thread startWrite(const std::shared_ptr<ConfigStore>& store) {
-        store->storeValue(L"k", L"v");
+        // The write is so large, and the table so small, that a reset that did not wait would list the files first.
+        store->storeValue(L"k", std::wstring(4'000'000, L'v'));
         keys->close();
         std::thread writer([store] { store->persistValues(); });
         EXPECT_TRUE(keys->waitForWriter());
+        store->storeValue(L"k", L"v");
         return writer;
     }
-    std::thread startWrite() { return startWrite(adapter->getConfigStoreByName("LocalFileConfigStore")); }
-    /// Opens the gate when the reset has had time to end.
-    void expectThatAResetWaitsFor(std::thread writer) {
+    /// Reads a key and opens the gate when the reset has emptied the store.
+    void expectThatAResetWaitsFor(std::thread writer, ConfigStore& store) {
         auto reset =
             std::async(std::launch::async, [this] { adapter->InvokeResetData(ResetDataOptionEnum::ResetAll); });
-        EXPECT_EQ(reset.wait_for(std::chrono::milliseconds(300)), std::future_status::timeout);
-        EXPECT_EQ(valueOf(L"k"), L"(none)"); // would block for ever if the reset held the chain's lock
+        while (!store.getKeys().empty()) {
+            std::this_thread::yield();
+        }
+        EXPECT_EQ(valueOf(L"k"), L"(none)"); // would block for ever if the reset waited with the chain's lock held
         keys->open();
         writer.join();
         reset.get();
@@ -358,27 +361,28 @@ protected:
     }
 
     const std::shared_ptr<xml_test::GatedKeyProvider> keys = std::make_shared<xml_test::GatedKeyProvider>();
+    std::shared_ptr<ConfigStore> userStore;
 };
 
 TEST_F(ConfigAdapterResetDuringAWrite, WaitsForTheWrite) {
-    expectThatAResetWaitsFor(startWrite());
+    expectThatAResetWaitsFor(startWrite(userStore), *userStore);
 }
 
 TEST_F(ConfigAdapterResetDuringAWrite, WaitsForTheWriteOfAStoreThatAStopHasRemoved) {
-    std::thread writer = startWrite();
+    std::thread writer = startWrite(userStore);
     adapter->StopFeatureSet(configServiceId, nullptr);
-    expectThatAResetWaitsFor(std::move(writer));
+    expectThatAResetWaitsFor(std::move(writer), *userStore);
 }
 
 TEST_F(ConfigAdapterResetDuringAWrite, WaitsForTheWriteOfAFileOfAnotherService) {
     const auto store = std::make_shared<LocalFileConfigStore>("OtherStore", 700, profile.config().string(), "other.dat",
                                                               false, false, true);
     adapter->addConfigStore(store);
-    expectThatAResetWaitsFor(startWrite(store));
+    expectThatAResetWaitsFor(startWrite(store), *store);
 }
 
 TEST_F(ConfigAdapterResetDuringAWrite, OfOneStoreDoesNotWait) {
-    std::thread writer = startWrite();
+    std::thread writer = startWrite(userStore);
     adapter->resetConfigData("LocalFileConfigStore"); // would block for ever if it waited
     EXPECT_EQ(valueOf(L"k"), L"(none)");
     keys->open();
